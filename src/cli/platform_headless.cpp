@@ -1,0 +1,122 @@
+// The platform's procedures without a screen.
+#include <unistd.h>
+
+#include <clocale>
+#include <cstdlib>
+#include <filesystem>
+
+#include "cli/headless.h"
+#include "core/platform.h"
+
+namespace {
+
+// Answers a dialog from its queue and records it. A message with a single button needs no answer.
+std::optional<std::string> Answer(DialogShown dialog) {
+    auto& queue = Headless.Answers[dialog.Kind];
+    const bool tellsOnly = dialog.Kind == "message" && dialog.Buttons.size() == 1;
+    std::optional<std::string> answer;
+    if (tellsOnly) {
+        answer = dialog.Buttons.front();
+    } else if (!queue.empty()) {
+        answer = queue.front();
+        queue.pop_front();
+    } else if (Headless.OnQuestion && (answer = Headless.OnQuestion(dialog))) {
+    } else {
+        Headless.Unanswered = true;
+    }
+    dialog.Answer = answer;
+    Headless.Dialogs.push_back(std::move(dialog));
+    return answer;
+}
+
+std::optional<std::string> AskPath(const char* kind, const FileQuestion& question) {
+    return Answer({kind, question.Title, question.Folder, {}, question.Name, question.Filter, {}});
+}
+
+}  // namespace
+
+std::string AskMessage(const std::string& text, const std::string& title,
+                       const std::vector<std::string>& buttons) {
+    const std::optional<std::string> answer =
+        Answer({"message", title, text, buttons, buttons.front(), "", {}});
+    return answer.value_or(buttons.back());  // unanswered is No, or Cancel
+}
+
+std::optional<std::string> AskInput(const std::string& text, const std::string& title,
+                                    const std::string& preset) {
+    return Answer({"input", title, text, {}, preset, "", {}});
+}
+
+std::optional<std::string> AskOpenFile(const FileQuestion& question) {
+    return AskPath("open", question);
+}
+std::optional<std::string> AskSaveFile(const FileQuestion& question) {
+    return AskPath("save", question);
+}
+
+std::string ClipboardText() {
+    return Headless.Clipboard;
+}
+
+bool SetClipboardText(const std::string& text) {
+    if (Headless.ClipboardRefuses) return false;
+    Headless.Clipboard = text;
+    return true;
+}
+
+void YieldToEvents() {
+    ++Headless.Yields;
+    if (Headless.OnYield) Headless.OnYield();
+}
+
+void Pause(int milliseconds) {
+    Headless.Clock += milliseconds / 1000.0;
+    YieldToEvents();
+}
+
+void StartFile(const std::string& verb, const std::string& path) {
+    Headless.Shell.push_back({verb, path});
+}
+
+void ShowStartScreen() {}
+
+std::string OperatingSystemName() {
+    return Headless.SystemName;
+}
+
+std::optional<std::string> EnvironmentVariable(const std::string& name) {
+    if (name == "appdata" && Headless.SettingsDir) return Headless.SettingsDir;
+    const char* value = std::getenv(name.c_str());
+    return value == nullptr ? std::nullopt : std::optional<std::string>(value);
+}
+
+std::string UserSettingsFolder() {
+    if (const auto configured = EnvironmentVariable("XDG_CONFIG_HOME"); configured && !configured->empty())
+        return *configured;
+    return EnvironmentVariable("HOME").value_or("") + "/.config";
+}
+
+std::string ProgramFolder() {
+    if (!Headless.ProgramDir.empty()) return Headless.ProgramDir;
+    std::error_code error;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? "." : program.parent_path().string();
+}
+
+char SystemDecimal() {
+    if (!Headless.Decimal) {
+        // The locale of the environment is asked once and put back: numbers are converted by our own
+        // procedures alone, and nothing else in the program shall depend on it.
+        const char* previous = std::setlocale(LC_NUMERIC, nullptr);
+        const std::string kept = previous == nullptr ? "C" : previous;
+        std::setlocale(LC_NUMERIC, "");
+        const std::lconv* conventions = std::localeconv();
+        Headless.Decimal = conventions->decimal_point[0] == ',' ? ',' : '.';
+        std::setlocale(LC_NUMERIC, kept.c_str());
+    }
+    return *Headless.Decimal;
+}
+
+bool FlushToDisk(std::FILE* file) {
+    return fsync(fileno(file)) == 0;
+}

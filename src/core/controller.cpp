@@ -1,0 +1,224 @@
+// Start, end and the enabled state of all commands.
+#include "core/controller.h"
+
+#include <array>
+#include <string_view>
+
+#include "core/files.h"
+#include "core/form_main.h"
+#include "core/job.h"
+#include "core/platform.h"
+#include "core/refresh.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "core/text.h"
+#include "core/units.h"
+
+namespace {
+
+constexpr std::string_view kTitle = "Corvinade Version ";
+constexpr int kLongestTitle = 160;
+
+std::string StatusPanelName(int panel) {
+    return "StatusBar." + std::to_string(panel);
+}
+
+// The settings file's place: in the user's folder, or beside the program on systems without one.
+void FindSettingsFile() {
+    const std::string system = OperatingSystemName();
+    const bool hasUserFolder = system.size() >= 13 && system.compare(8, 5, "Vista") == 0;
+    if (hasUserFolder) {
+        const std::string root = EnvironmentVariable("appdata").value_or(UserSettingsFolder());
+        const std::string folder = JoinPath(root, "Corvinade");
+        Run.SettingsFilePath = JoinPath(folder, "Corvinade.ini");
+        if (File_Exist(Run.SettingsFilePath)) return;
+        if (!Directory_Exist(folder)) CreateFolder(folder);
+    } else {
+        Run.SettingsFilePath = JoinPath(ProgramFolder(), "Corvinade.ini");
+        if (File_Exist(Run.SettingsFilePath)) return;
+    }
+    IniDateiAnlegen();
+}
+
+// The last `count` characters of a UTF-8 text.
+std::string LastCharacters(const std::string& text, int count) {
+    std::size_t place = text.size();
+    while (count > 0 && place > 0) {
+        --place;
+        if ((static_cast<unsigned char>(text[place]) & 0xC0U) != 0x80) --count;
+    }
+    return text.substr(place);
+}
+
+struct ToolbarButtons {
+    std::string_view Bar;
+    template <class Action>
+    void ForEach(int first, Action action) const {
+        int number = 0;
+        for (const ControlEntry& entry : FormMain_Entry.Controls) {
+            const std::string_view name = entry.Name;
+            const bool ofBar = entry.Place->Kind == ControlKind::ToolButton && name.size() > Bar.size() &&
+                               name.starts_with(Bar) && name[Bar.size()] == '.';
+            if (ofBar && ++number >= first) action(*entry.Place);
+        }
+    }
+};
+
+// What follows from data, result and the presence of graphics windows.
+void EnableCommands() {
+    const bool data = IsTrue(Run.JobDataValid);
+    const bool result = IsTrue(Run.TrafoValid);
+    for (Control* command :
+         {&Main.MenueGraphics, &Main.MenüGlobalGraphics, &Main.MenuTransformation, &Main.MenuEdit})
+        command->Enabled = data;
+    Main.MenueFileExport.Enabled = result;
+    Main.MenueFileExport.Text = "Export";
+    Main.Toolbar2_FileNew.Enabled = Main.MenuFileNew.Enabled;
+    Main.Toolbar2_FileOpen.Enabled = Main.MenuFileOpen.Enabled;
+    Main.Toolbar2_FileSave.Enabled = Main.MenuFileSave.Enabled;
+    if (!Run.GraphicsWindowSeen) Main.MenueGraphicsWindow.Enabled = false;
+
+    const bool graphics = Main.MenueGraphicsWindow.Enabled;
+    for (Control* command :
+         {&Main.MenüAnsichtAnpassen, &Main.MenüAnsichtcenter, &Main.MenüGrafikBlackPlane,
+          &Main.MenüGraphicsPrint, &Main.MenüAnsichtTopview, &Main.MenüAnsichtSideView,
+          &Main.MenüAnsichtFrontView, &Main.MenüAnsichtIsometricView, &Main.MenüAnsichtPunkte,
+          &Main.MenüAnsichtVektoren, &Main.MenüAnsichtAnalyse, &Main.MenüAnsichtToleranzen,
+          &Main.MenüGlobalRotateAbout, &Main.MenüGlobalFlagsMode, &Main.MenüAnsichtDynamicFlag,
+          &Main.MenüViewS, &Main.MenüGraphicsLines})
+        command->Enabled = graphics;
+    Main.ToolbarGraphics.Enabled = Main.MenueGraphics.Enabled;
+    const auto enable = [graphics](Control& button) { button.Enabled = graphics; };
+    ToolbarButtons{"ToolbarGraphics"}.ForEach(2, enable);
+    ToolbarButtons{"ToolbarSaveView"}.ForEach(1, enable);
+    ToolbarButtons{"ToolbarLines"}.ForEach(1, enable);
+    Main.ToolbarSaveView.Enabled = graphics;
+    Main.ToolbarLines.Enabled = graphics;
+    for (Control* shown : {&Main.ComboSaveView, &Main.MenüViewLastView, &Main.MenüViewNextView})
+        shown->Visible = graphics;
+}
+
+// What follows from the modes of the top graphics window.
+void FollowTopGraphicsWindow() {
+    const GraphicsModes modes = TopGraphicsModes();
+    Main.MenüAnsichtVektorenVektorModeActive.Checked = modes.VectorMode;
+    for (Control* command : {&Main.MenüAnsichtVektorenShorter, &Main.MenüAnsichtVektorenLonger})
+        command->Enabled = modes.VectorMode;
+    for (Control* button : {&Main.ToolbarGraphics_VectorMode, &Main.ToolbarGraphics_VectorLonger,
+                            &Main.ToolbarGraphics_VectorShorter})
+        button->Value = modes.VectorMode ? 1 : 0;
+    Main.MenüGlobalFlagsMode.Checked = modes.FlagMode;
+    Main.ToolbarGraphics_FlagMode.Value = modes.FlagMode ? 1 : 0;
+    for (Control* command : {&Main.MenüGraphicsLinesLineModeActive, &Main.MenüGraphicsLinesDeleteLines,
+                             &Main.MenüGraphicsLinesSetLines}) {
+        command->Enabled = modes.LineMode;
+        command->Checked = modes.LineMode;
+    }
+    ToolbarButtons{"ToolbarLines"}.ForEach(
+        1, [&modes](Control& button) { button.Value = modes.LineMode ? 1 : 0; });
+    Main.MenüGraphicsLinesSetLines.Checked = modes.LineMode && modes.SetLine;
+    Main.MenüGraphicsLinesDeleteLines.Checked = modes.LineMode && modes.DeleteLine;
+    ApplyTopGraphicsModes();
+}
+
+}  // namespace
+
+std::string ProgramVersion() {
+    return CORVINADE_VERSION;
+}
+
+std::string SettingsFolder() {
+    return Pfad(Run.SettingsFilePath);
+}
+
+std::string TitleText(const std::string& path) {
+    const std::string rest = ProgramVersion() + " | " + path;
+    if (static_cast<int>(kTitle.size()) + CharacterCount(rest) <= kLongestTitle)
+        return std::string(kTitle) + rest;
+    return std::string(kTitle) + "..." +
+           LastCharacters(rest, kLongestTitle - 3 - static_cast<int>(kTitle.size()));
+}
+
+void SetStatus(int panel, const std::string& text) {
+    for (const ControlEntry& entry : FormMain_Entry.Controls)
+        if (StatusPanelName(panel) == entry.Name) entry.Place->Text = text;
+}
+
+void StartUp(const std::string& commandLine) {
+    // Each step is an event of its own: settings that cannot be written or read are told, and the
+    // program starts all the same, with the defaults in their place.
+    ShowWindow("FormMain");
+    Dispatch(FindSettingsFile);
+    Dispatch([] {
+        if (File_Exist(Run.SettingsFilePath)) {
+            IniLesen();
+        } else {
+            ReadSettingsText(DefaultSettingsText(), Run.SettingsFilePath);
+        }
+    });
+    ShowStartScreen();
+    Dispatch(Initialisieren);
+    if (!commandLine.empty())
+        Dispatch([&commandLine] {
+            Run.JobFilePath = commandLine.size() < 2 ? "" : commandLine.substr(1, commandLine.size() - 2);
+            OpenFile(Run.JobFilePath);
+        });
+}
+
+void Initialisieren() {
+    if (Run.JobFilePath.empty()) Run.JobFilePath = kDefaultJobPath;
+    Main.Window.Caption = TitleText(Run.JobFilePath);
+    Run.ColorBarOpen = kFalse;
+    Run.PointCloud = false;
+    Run.TrafoValid = kFalse;
+    if (Job.LengthUnitName.empty()) {
+        Job.LengthUnitName = "millimeter";
+        Job.LengthDigits = 3;
+    }
+    if (Job.AngleUnitName.empty()) {
+        Job.AngleUnitName = "degree";
+        Job.AngleDigits = 4;
+    }
+    RhoFestlegung();
+    Job.DirectionMCStoOCS = kTrue;
+    Job.nMCS = Job.nOCS = Job.nIdent = Job.nMCSOnly = Job.nOCSOnly = 0;
+    Run.JobDataValid = kFalse;
+    Run.TrafoValid = kFalse;
+    ++Run.JobGeneration;
+    ProgrammLogik();
+}
+
+void ProgrammLogik() {
+    const std::array<Control*, 4> recent = {&Main.MenüDateiAlt1, &Main.MenüDateiAlt2, &Main.MenüDateiAlt3,
+                                            &Main.MenüDateiAlt4};
+    for (std::size_t i = 0; i < recent.size(); ++i)
+        recent[i]->Text = "&" + std::to_string(i + 1) + " " + Run.LastFile[i + 1];
+    Main.Window.Caption = TitleText(Run.JobFilePath);
+    EnableCommands();
+    std::int16_t graphicsWindows = 0;
+    CountChildForms(graphicsWindows);
+    if (graphicsWindows > 0) FollowTopGraphicsWindow();
+}
+
+void CloseAllChildForms() {
+    CloseAllGraphicsWindows();
+    for (const WindowEntry* window : AllWindows())
+        if (window != &FormMain_Entry) UnloadWindow(window->Name);
+}
+
+void FormMain::Form_Unload() {
+    if (IsTrue(Run.JobDirty)) JobChanged();
+    CloseAllChildForms();
+    if (!GraphicsDefaultsTaken()) return;
+    std::vector<IniLine> lines;
+    for (const SettingEntry& entry : AllSettings()) {
+        const std::string_view section = entry.Section;
+        const bool wanted = section == "LocalGraphics" || (section == "FahnenProp" && Settings.FlagDefined);
+        if (wanted) lines.push_back({entry.Section, entry.Key, SettingText(entry.Key)});
+    }
+    IniWerteSchreiben(lines);
+}
+
+void CloseProgram() {
+    UnloadWindow("FormMain");
+}

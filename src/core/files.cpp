@@ -1,0 +1,137 @@
+// Reading and writing of whole files.
+#include "core/files.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+
+#include "core/platform.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+fs::path PathOf(const std::string& path) {
+    return fs::path(std::u8string(path.begin(), path.end()));
+}
+
+[[noreturn]] void Fail(const std::string& what, const std::string& path, const std::string& why) {
+    throw PlatformError{what + " \"" + path + "\": " + why};
+}
+
+void CheckFault(const char* operation, const std::string& what, const std::string& path) {
+    if (!FileFaults.Refuse) return;
+    const std::string why = FileFaults.Refuse(operation, path);
+    if (!why.empty()) Fail(what, path, why);
+}
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using OpenFilePointer = std::unique_ptr<std::FILE, FileCloser>;
+
+const std::string kCannotRead = "Cannot read";
+const std::string kCannotWrite = "Cannot write";
+
+}  // namespace
+
+bool File_Exist(const std::string& path) {
+    std::error_code error;
+    return !path.empty() && fs::is_regular_file(PathOf(path), error);
+}
+
+bool Directory_Exist(const std::string& path) {
+    std::error_code error;
+    return !path.empty() && fs::is_directory(PathOf(path), error);
+}
+
+FileBytes ReadFile(const std::string& path) {
+    std::error_code error;
+    const auto status = fs::status(PathOf(path), error);
+    if (path.empty() || !fs::exists(status)) Fail(kCannotRead, path, "there is no such file");
+    if (fs::is_directory(status)) Fail(kCannotRead, path, "it is a folder, not a file");
+    if (!fs::is_regular_file(status)) Fail(kCannotRead, path, "it is no regular file");
+    CheckFault("open", kCannotRead, path);
+    const OpenFilePointer file(std::fopen(PathOf(path).string().c_str(), "rb"));
+    if (!file) Fail(kCannotRead, path, std::strerror(errno));
+    const std::uintmax_t size = fs::file_size(PathOf(path), error);
+    if (error) Fail(kCannotRead, path, error.message());
+    FileBytes bytes;
+    try {
+        bytes.Data.reset(new char[size + 1]);
+    } catch (const std::bad_alloc&) {
+        Fail(kCannotRead, path, "it does not fit into memory");
+    }
+    CheckFault("read", kCannotRead, path);
+    bytes.Size = std::fread(bytes.Data.get(), 1, size, file.get());
+    if (std::ferror(file.get()) != 0) Fail(kCannotRead, path, std::strerror(errno));
+    bytes.Data[bytes.Size] = '\0';
+    return bytes;
+}
+
+void WriteFile(const std::string& path, std::string_view bytes) {
+    std::error_code error;
+    // A link is written through, so that it still points to its file afterwards.
+    fs::path target = PathOf(path);
+    if (fs::is_symlink(fs::symlink_status(target, error))) {
+        const fs::path real = fs::weakly_canonical(target, error);
+        if (!error) target = real;
+    }
+    if (fs::is_directory(target, error)) Fail(kCannotWrite, path, "it is a folder, not a file");
+    fs::path beside = target;
+    for (int number = 1; fs::exists(beside, error) || beside == target; ++number) {
+        beside = target;
+        beside += ".new" + std::to_string(number);
+    }
+    CheckFault("create", kCannotWrite, path);
+    std::FILE* raw = std::fopen(beside.string().c_str(), "wbx");
+    if (raw == nullptr) Fail(kCannotWrite, path, std::strerror(errno));
+    try {
+        OpenFilePointer file(raw);
+        CheckFault("write", kCannotWrite, path);
+        const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
+        if (!written || std::fflush(file.get()) != 0) Fail(kCannotWrite, path, std::strerror(errno));
+        CheckFault("flush", kCannotWrite, path);
+        if (!FlushToDisk(file.get())) Fail(kCannotWrite, path, std::strerror(errno));
+        if (std::fclose(file.release()) != 0) Fail(kCannotWrite, path, std::strerror(errno));
+        const auto old = fs::status(target, error);
+        if (fs::exists(old)) fs::permissions(beside, old.permissions(), error);
+        CheckFault("rename", kCannotWrite, path);
+        fs::rename(beside, target, error);
+        if (error) Fail(kCannotWrite, path, error.message());
+    } catch (const PlatformError&) {
+        fs::remove(beside, error);
+        throw;
+    }
+}
+
+void CreateFolder(const std::string& path) {
+    CheckFault("folder", "Cannot create the folder", path);
+    std::error_code error;
+    fs::create_directories(PathOf(path), error);
+    if (!Directory_Exist(path))
+        Fail("Cannot create the folder", path, error ? error.message() : "a file of that name is in the way");
+}
+
+void RenameFile(const std::string& from, const std::string& to) {
+    std::error_code error;
+    CheckFault("rename", "Cannot rename", from);
+    if (fs::exists(fs::symlink_status(PathOf(to), error)))
+        Fail("Cannot rename", from, "\"" + to + "\" is there already");
+    fs::rename(PathOf(from), PathOf(to), error);
+    if (error) Fail("Cannot rename", from, error.message());
+}
+
+std::string Pfad(const std::string& path) {
+    const std::size_t place =
+        path.find_last_of(fs::path::preferred_separator == '/' ? std::string("/") : std::string("/\\"));
+    return place == std::string::npos ? "" : path.substr(0, place);
+}
+
+std::string JoinPath(const std::string& folder, const std::string& name) {
+    if (folder.empty()) return name;
+    const char separator = fs::path::preferred_separator == '/' ? '/' : '\\';
+    return folder.back() == separator ? folder + name : folder + separator + name;
+}

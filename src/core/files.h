@@ -1,0 +1,45 @@
+// The one reader and the one writer of files. A file is never half written.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+// Tests that never fail. A folder is no file, and the empty path is neither.
+bool File_Exist(const std::string& path);
+bool Directory_Exist(const std::string& path);
+
+// The bytes of a file in memory.
+struct FileBytes {
+    std::unique_ptr<char[]> Data;
+    std::size_t Size = 0;
+    std::string_view View() const { return {Data.get(), Size}; }
+};
+
+// Reads a whole file. Throws PlatformError when it is missing, a folder, no regular file or unreadable.
+FileBytes ReadFile(const std::string& path);
+
+// Replaces a file by `bytes`: written beside the target, flushed to disk, renamed over it. Whatever
+// happens, the target is the old file or the new one, whole. Throws PlatformError on failure, the old
+// file then untouched and nothing left beside it. Keeps the permissions of the old file.
+void WriteFile(const std::string& path, std::string_view bytes);
+
+// Creates a folder and those above it. Throws PlatformError.
+void CreateFolder(const std::string& path);
+
+// Renames a file; never over an existing one. Throws PlatformError.
+void RenameFile(const std::string& from, const std::string& to);
+
+// The folder of a path: all before the last separator; "" where there is none.
+std::string Pfad(const std::string& path);
+
+// Puts a folder and a name together with the platform's separator.
+std::string JoinPath(const std::string& folder, const std::string& name);
+
+// Where tests and drills refuse an operation: called before each with its name ("open", "read",
+// "create", "write", "flush", "rename", "folder") and the path; a text that it returns is the failure.
+struct FileFaultRecord {
+    std::function<std::string(const std::string& operation, const std::string& path)> Refuse;
+};
+inline FileFaultRecord FileFaults;

@@ -1,0 +1,20 @@
+// The window that tells the program's version.
+#pragma once
+
+#include "core/window.h"
+
+struct FormMenuHelpInfo {
+    WindowState Window{.Caption = "Info"};
+
+    Control LabelName = Label("Corvinade - 13 Parameter - least square 3D Transformations");
+    Control LabelVersion = Label("");
+    Control BtnEditIniFile = Button("&Edit settings file");
+    Control BtnOK = Button("OK");
+
+    static void Form_Load();
+    static void Form_Escape();
+    static void BtnEditIniFile_Click();
+    static void BtnOK_Click();
+};
+inline FormMenuHelpInfo HelpInfo;
+extern const WindowEntry FormMenuHelpInfo_Entry;

@@ -1,0 +1,35 @@
+// The window that shows how far long work has come and lets the user stop it.
+#include "core/form_progress_bar.h"
+
+#include "core/run.h"
+
+namespace {
+
+const ControlEntry kControls[] = {
+    {"ProgressBar1", &Progress.ProgressBar1},
+    {"BtnCancel", &Progress.BtnCancel, {.Click = FormProgressBar::BtnCancel_Click}},
+};
+
+}  // namespace
+
+const WindowEntry FormProgressBar_Entry = {"FormProgressBar",
+                                           &Progress.Window,
+                                           kControls,
+                                           [] { Progress = FormProgressBar{}; },
+                                           nullptr,
+                                           nullptr,
+                                           FormProgressBar::BtnCancel_Click,
+                                           false};
+
+void FormProgressBar::BtnCancel_Click() {
+    Run.StopRequested = kTrue;
+}
+
+ProgressWindow::ProgressWindow(const std::string& caption) {
+    ShowWindow("FormProgressBar");
+    Progress.Window.Caption = caption;
+}
+
+ProgressWindow::~ProgressWindow() {
+    UnloadWindow("FormProgressBar");
+}

@@ -1,0 +1,24 @@
+// The window that shows how far long work has come and lets the user stop it.
+#pragma once
+
+#include "core/window.h"
+
+struct FormProgressBar {
+    WindowState Window;
+
+    Control ProgressBar1 = ProgressBar();
+    Control BtnCancel = Button("&Cancel");
+
+    static void BtnCancel_Click();
+};
+inline FormProgressBar Progress;
+extern const WindowEntry FormProgressBar_Entry;
+
+// Keeps the progress window open for as long as the object lives.
+class ProgressWindow {
+public:
+    explicit ProgressWindow(const std::string& caption);
+    ~ProgressWindow();
+    ProgressWindow(const ProgressWindow&) = delete;
+    ProgressWindow& operator=(const ProgressWindow&) = delete;
+};

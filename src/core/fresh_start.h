@@ -1,0 +1,5 @@
+// Every record with mutable state stands in one table; this gives each its start value, so that every
+// test begins in a new program.
+#pragma once
+
+void FreshStart();

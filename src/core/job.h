@@ -1,0 +1,108 @@
+// The job: one set of global records that the importer fills, the calculation writes its result into,
+// the job file stores and tables and pictures read. Lengths are millimetres, angles radians, always.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "core/arrays.h"
+#include "core/screen_record.h"
+
+// The text of `ParamText` for a parameter that the adjustment determines, and for one that keeps its
+// neutral value. Any other text is the value that the parameter is held at, as typed.
+inline constexpr const char* kFloat = "float";
+inline constexpr const char* kNotUsed = "not used";
+
+// Parameter numbers, the index of `ParamText`.
+enum Parameter : int {
+    kTraX = 1,
+    kTraY,
+    kTraZ,
+    kRotX,
+    kRotY,
+    kRotZ,
+    kScaleX,
+    kScaleY,
+    kScaleZ,
+    kScaleXYZ,
+    kAngleXY,
+    kAzimuth,
+    kAngleZtoXY,
+    kRDist,
+    kRvecX,
+    kRvecY,
+    kRvecZ,
+    kParameterEnd  // one past the last
+};
+
+struct JobRecord {
+    // Point sets. Every array has an unused element 0. After matching, positions 1 to nIdent of MCS_*
+    // and OCS_* hold the pairs; nothing downstream searches by name.
+    std::vector<std::string> MCS_Name{""};
+    std::vector<TaggedValue> MCS_X{{}}, MCS_Y{{}};  // X and Y are tagged, Z is not: the job file has it so
+    std::vector<double> MCS_Z{0};
+    std::vector<std::string> OCS_Name{""};
+    std::vector<TaggedValue> OCS_X{{}}, OCS_Y{{}};
+    std::vector<double> OCS_Z{0};
+    std::vector<std::string> TMCS_Name{""};  // the start points after the transformation
+    std::vector<TaggedValue> TMCS_X{{}}, TMCS_Y{{}};
+    std::vector<double> TMCS_Z{0};
+    std::vector<TaggedValue> RVecX{{}}, RVecY{{}};  // nIdent entries, for the display of the R vectors
+    std::vector<double> RVecZ{0};
+    std::vector<std::int16_t> UseFlags{0};  // 3 a pair, X Y Z: 1 takes part in the fit, 0 does not
+
+    std::int32_t nMCS = 0, nOCS = 0, nIdent = 0, nMCSOnly = 0, nOCSOnly = 0;
+
+    // Parameter fields and results.
+    std::array<std::string, 18> ParamText{};
+    double TraX = 0, TraY = 0, TraZ = 0;
+    double RotX = 0, RotY = 0, RotZ = 0;
+    double ScaleX = 1, ScaleY = 1, ScaleZ = 1, ScaleXYZ = 1;
+    double AngleXY = 0, Azimuth = 0, AngleZtoXY = 0;
+    double RDist = 0;
+    double Rvec_x = 0, Rvec_y = 0, Rvec_z = 0;
+    double RotXCopy = 0, RotYCopy = 0, RotZCopy = 0;  // what TransformPoint builds its matrix from
+
+    // Settings that travel with the job.
+    Flag DirectionMCStoOCS = kTrue;
+    Flag AutoRecalc = kFalse;
+    std::int16_t NormType = 0;  // 1 L1, 2 L2, 3 L-infinity; 0 is read as 2
+    std::string NameMCS, NameOCS;
+    std::string PathMCS, PathOCS;
+    std::string LengthUnitName, AngleUnitName;
+    std::int16_t LengthDigits = 0, AngleDigits = 0;
+    std::array<std::string, 4> SeedName{};
+    std::array<std::int16_t, 4> SeedIndex{};
+    Flag ViewAllOCS = kFalse, ViewAllMCS = kFalse, ViewAllonlyOCS = kFalse, ViewAllonlyMCS = kFalse;
+    Flag IsParaboloid = kFalse;
+    Matrix ParaboloidShape;  // (0 to n, 0 to 2)
+    Flag IsKuka = kFalse, IsQuaternion = kFalse;
+    Matrix RobotABC;  // (0 to n, 0 to 3): columns 1 Rz, 2 Ry', 3 Rx'', rad
+    std::array<ScreenRecord, 51> SavedView{};
+    std::int16_t nSavedViews = 0;  // 0 to 50
+};
+inline JobRecord Job;
+
+// True when all arrays of the job are as long as the counts say. The coordinate arrays may be longer
+// than the names (the search by distances leaves them three longer), never shorter.
+bool JobCountsFit(const JobRecord& job);
+
+// Brings counts and arrays of a job together again after work that broke off in the middle: counts
+// follow the name arrays, pairs that are no longer there are no longer counted.
+// Reads and writes Job; clears Run.JobDataValid when it had to change something.
+void RepairJobCounts();
+
+// The result value of a parameter 1 to 17 of the job, by number.
+double& ParameterValue(JobRecord& job, int parameter);
+
+// Start point and target point i of the job; an empty tagged value counts as 0.
+inline Vec3 StartPoint(int i) {
+    const auto k = static_cast<std::size_t>(i);
+    return {Job.MCS_X[k].value_or(0), Job.MCS_Y[k].value_or(0), Job.MCS_Z[k]};
+}
+inline Vec3 TargetPoint(int i) {
+    const auto k = static_cast<std::size_t>(i);
+    return {Job.OCS_X[k].value_or(0), Job.OCS_Y[k].value_or(0), Job.OCS_Z[k]};
+}

@@ -1,0 +1,73 @@
+// What the logic needs from outside. Declared here once, defined once for each face (with a screen and
+// without) and chosen by linking.
+#pragma once
+
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <vector>
+
+// An operation of the world around the program failed, or a text is no number where one must stand.
+// Ends the user's event that met it; one place catches it (Dispatch in core/window.h) and shows What,
+// which names what failed: file, line and text. Nothing else is thrown across rooms.
+struct PlatformError {
+    std::string What;
+};
+
+// --- Messages and questions --------------------------------------------------------------------------
+
+inline constexpr const char* kProgramName = "Corvinade";
+inline constexpr const char* kClipboardRefused = "Clipboard coud not be set due unknown error";
+
+// Shows a box and waits. Returns the text of the button that was pressed; closing the box gives the
+// last button's text.
+std::string AskMessage(const std::string& text, const std::string& title,
+                       const std::vector<std::string>& buttons);
+inline void ShowMessage(const std::string& text, const std::string& title = kProgramName) {
+    AskMessage(text, title, {"OK"});
+}
+inline bool AskYesNo(const std::string& text, const std::string& title = kProgramName) {
+    return AskMessage(text, title, {"Yes", "No"}) == "Yes";
+}
+
+// One line of text from the user; nothing when cancelled.
+std::optional<std::string> AskInput(const std::string& text, const std::string& title,
+                                    const std::string& preset);
+
+struct FileQuestion {
+    std::string Title;
+    std::string Filter;  // "name|pattern|name|pattern"
+    std::string Folder;  // where to begin
+    std::string Name;    // preset
+};
+std::optional<std::string> AskOpenFile(const FileQuestion& question);  // nothing when cancelled
+std::optional<std::string> AskSaveFile(const FileQuestion& question);
+
+// --- Clipboard, event loop, desktop --------------------------------------------------------------------
+
+std::string ClipboardText();
+bool SetClipboardText(const std::string& text);  // false when the clipboard refuses
+
+// Lets waiting events be handled; their handlers run to the end inside this call. Work that holds on to
+// the job compares Run.JobGeneration afterwards.
+void YieldToEvents();
+
+// Waits with the event loop running. Where there is no screen the clock runs on at once.
+void Pause(int milliseconds);
+
+// Hands a file or folder over to the desktop; `verb` is "Open", "explore" or the path of a program.
+void StartFile(const std::string& verb, const std::string& path);
+
+// Shows the start screen for its short time; does nothing for the job, and nothing without a screen.
+void ShowStartScreen();
+
+// --- The system ----------------------------------------------------------------------------------------
+
+std::string OperatingSystemName();
+std::optional<std::string> EnvironmentVariable(const std::string& name);
+std::string UserSettingsFolder();  // the user's folder for settings where "appdata" is not set
+std::string ProgramFolder();       // where the program itself stands
+char SystemDecimal();              // '.' or ','
+
+// Forces what was written to `file` onto the disk; false when the system reports a failure.
+bool FlushToDisk(std::FILE* file);

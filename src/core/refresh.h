@@ -1,0 +1,51 @@
+// After a change many rooms have to be told. These few procedures may be called from any room; each is
+// defined by the room that its comment names, and nothing else calls upwards.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "core/arrays.h"
+
+// --- core/: the job commands and the job file ------------------------------------------------------------
+void JobChanged();                                 // asks whether a changed job shall be saved
+void OpenFile(const std::string& path);            // opens a job file
+void OpenLastProjekt(const std::string& caption);  // opens the job of a recent-file menu entry
+void MenuFileNew_Command();
+void MenuFileOpen_Command();
+void MenuFileSave_Command();
+void MenuFileSaveAs_Command();
+
+// --- import/ ----------------------------------------------------------------------------------------------
+void ClipboardRoundTrip();  // the menu entry "&Spezial"
+
+// --- engine/ ----------------------------------------------------------------------------------------------
+void myButtonCalculate();  // one whole calculation with the present selection of parameters
+void MCS_OCS();            // swaps the two point sets of a job that has been marked as switched
+bool DirectionSwitched();  // the calculation window has marked the job as switched
+void CalculationWindow_UnitsChanged();
+
+// --- paraboloid/ and bundle/ ------------------------------------------------------------------------------
+void EinlesenParaboloidData();    // reads the shape file that the input dialog names as target
+void ParaboloidNearestTargets();  // each start point's nearest point of the shape becomes its target
+void ReadBundleFile(const std::string& path);  // the reader behind the bundle file of the input dialog
+
+// --- analysis/
+// ----------------------------------------------------------------------------------------------
+void FuellenHaupttabelle();  // refills the main sheet
+void MainSheet_UnitsChanged();
+void FORMfüllen();  // refills the input statistic
+
+// --- graphics/
+// ----------------------------------------------------------------------------------------------
+struct GraphicsModes {
+    bool VectorMode = false, FlagMode = false, LineMode = false, SetLine = false, DeleteLine = false;
+};
+void CountChildForms(std::int16_t& count);  // counts the open graphics windows
+GraphicsModes TopGraphicsModes();           // of the top graphics window; only asked when there is one
+// Puts the top window's mouse pointer in order after its modes; without line mode its SetLine and
+// DeleteLine are cleared.
+void ApplyTopGraphicsModes();
+void CloseAllGraphicsWindows();
+void UpdateAllGraphicsWindows();
+bool GraphicsDefaultsTaken();  // a graphics window has set the grid spacing, so its defaults are stored

@@ -1,0 +1,54 @@
+// Units and number formats: from internal millimetres and radians to what is shown, and back.
+// A shown value is internal x factor; a value read is text value / factor.
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "core/arrays.h"
+
+// 15 digits on purpose: results are compared against values computed with this constant.
+inline constexpr double kPi = 3.14159265358979;
+
+struct UnitsRecord {
+    double LengthFactor = 1;         // mm to the shown unit
+    double AngleFactor = 180 / kPi;  // rad to the shown unit
+    std::string FmtLength = "0.000", FmtAngle = "0.0000", FmtScale = "0.000000";
+};
+inline UnitsRecord Units;
+
+struct UnitFactor {
+    const char* Name;
+    double Factor;
+};
+std::span<const UnitFactor> LengthUnits();  // in the order of their list
+std::span<const UnitFactor> AngleUnits();
+inline constexpr const char* kDegreeMinuteSecond = "360°60'60''";
+
+// The picture string of 0 to 6 digits, and that of `ScaleDigits` 0 or 1.
+std::span<const char* const> DigitFormats();
+std::span<const char* const> ScaleFormats();
+
+// Computes factors and formats from the names and digits of the job and the settings and writes the
+// unit names to panels 1 and 2 of the status bar. An unknown name leaves its factor, digits outside
+// 0 to 6 leave their format.
+void RhoFestlegung();
+
+// An angle as text.
+//   value_rad  the angle; `factor`, `format`, `unit` usually those of the present settings
+// In degrees, minutes and seconds the sign is carried by the degrees alone: values between -1 and 0
+// degrees lose it.
+std::string WinkelFormat(double value_rad, double factor, const std::string& format, const std::string& unit);
+std::string WinkelFormat(double value_rad);  // with the present settings
+
+// Is this a text in the form degree minute second? A blank makes it one; the scan ends at the first
+// character that is neither digit, ".", ",", "-" nor blank.
+bool IsItGradMinSek(const std::string& text);
+
+// Such a text in decimal degrees; the sign is that of the first field's first character. Throws
+// PlatformError when a field is no number.
+double GradMinSekToZahl(std::string text);
+
+// Makes a number text of an angle input: decimal degrees for a degree minute second text, else the
+// text itself.
+std::string SaveWinkelZurück(const std::string& text);

@@ -1,0 +1,210 @@
+// Finding, opening and closing windows, and the one rule of when a handler runs.
+#include "core/window.h"
+
+#include <array>
+
+#include "core/platform.h"
+#include "core/require.h"
+#include "core/run.h"
+#include "core/settings.h"
+
+namespace {
+
+Control Make(ControlKind kind, std::string text) {
+    Control control;
+    control.Kind = kind;
+    control.Text = std::move(text);
+    return control;
+}
+
+void Run_(void (*handler)()) {
+    if (handler != nullptr) handler();
+}
+
+void RunClick(const Control& control) {
+    if (control.Entry != nullptr) Run_(control.Entry->On.Click);
+}
+
+const WindowEntry* WindowOf(const Control& control) {
+    for (const WindowEntry* window : AllWindows())
+        for (const ControlEntry& entry : window->Controls)
+            if (entry.Place == &control) return window;
+    return nullptr;
+}
+
+void Attach(const WindowEntry& window) {
+    for (const ControlEntry& entry : window.Controls) entry.Place->Entry = &entry;
+}
+
+}  // namespace
+
+std::int32_t QbColor(int number) {
+    constexpr std::array<std::int32_t, 16> kRedGreenBlue = {
+        0x000000, 0x000080, 0x008000, 0x008080, 0x800000, 0x800080, 0x808000, 0xC0C0C0,
+        0x808080, 0x0000FF, 0x00FF00, 0x00FFFF, 0xFF0000, 0xFF00FF, 0xFFFF00, 0xFFFFFF};
+    Require(number >= 0 && number < 16);
+    const std::int32_t rgb = kRedGreenBlue[static_cast<std::size_t>(number)];
+    return ((rgb & 0xFF) << 16) | (rgb & 0xFF00) | (rgb >> 16);
+}
+
+Control Button(std::string caption) {
+    return Make(ControlKind::Button, std::move(caption));
+}
+Control TextBox(std::string text) {
+    return Make(ControlKind::Text, std::move(text));
+}
+Control CheckBox(std::string caption, int value) {
+    Control control = Make(ControlKind::Check, std::move(caption));
+    control.Value = value;
+    return control;
+}
+Control Option(std::string caption, int group) {
+    Control control = Make(ControlKind::Option, std::move(caption));
+    control.Group = group;
+    return control;
+}
+Control ComboBox(std::vector<std::string> items) {
+    Control control = Make(ControlKind::Combo, "");
+    control.Items = std::move(items);
+    return control;
+}
+Control Label(std::string caption) {
+    return Make(ControlKind::Label, std::move(caption));
+}
+Control Frame(std::string caption) {
+    return Make(ControlKind::Frame, std::move(caption));
+}
+Control Menu(std::string caption) {
+    return Make(ControlKind::Menu, std::move(caption));
+}
+Control Toolbar() {
+    return Make(ControlKind::Toolbar, "");
+}
+Control ToolButton(std::string toolTip) {
+    Control control = Make(ControlKind::ToolButton, "");
+    control.ToolTip = std::move(toolTip);
+    return control;
+}
+Control Panel() {
+    return Make(ControlKind::Panel, "");
+}
+Control ProgressBar() {
+    return Make(ControlKind::Progress, "");
+}
+
+const WindowEntry* FindWindow(std::string_view name) {
+    for (const WindowEntry* window : AllWindows())
+        if (name == window->Name) return window;
+    return nullptr;
+}
+
+Control* FindControl(const WindowEntry& window, std::string_view name) {
+    for (const ControlEntry& entry : window.Controls)
+        if (name == entry.Name) return entry.Place;
+    return nullptr;
+}
+
+bool IsLoaded(std::string_view name) {
+    const WindowEntry* window = FindWindow(name);
+    return window != nullptr && window->State->Loaded;
+}
+
+void ShowWindow(std::string_view name) {
+    const WindowEntry* window = FindWindow(name);
+    if (window == nullptr)
+        throw PlatformError{"There is no window \"" + std::string(name) + "\" in this version"};
+    if (window->State->Loaded) return;
+    window->Fresh();
+    Attach(*window);
+    window->State->Loaded = true;
+    if (window->StoresPlace) LoadWindowPlace(window->State->Place, window->Name);
+    Run_(window->Load);
+}
+
+void UnloadWindow(std::string_view name) {
+    const WindowEntry* window = FindWindow(name);
+    if (window == nullptr || !window->State->Loaded) return;
+    Run_(window->Unload);
+    const WindowPlace place = window->State->Place;
+    window->Fresh();
+    if (window->StoresPlace) SaveWindowPlace(place, window->Name);
+}
+
+void SetValue(Control& control, int value) {
+    if (control.Value == value) return;
+    control.Value = value;
+    if (control.Kind == ControlKind::Option && value != 0) {
+        const WindowEntry* window = WindowOf(control);
+        if (window != nullptr)
+            for (const ControlEntry& entry : window->Controls) {
+                Control& other = *entry.Place;
+                const bool excluded = other.Kind == ControlKind::Option && other.Group == control.Group;
+                if (excluded && &other != &control) other.Value = 0;
+            }
+    }
+    RunClick(control);
+}
+
+void SetText(Control& control, const std::string& text) {
+    if (control.Text == text) return;
+    control.Text = text;
+    if (control.Entry != nullptr) Run_(control.Entry->On.Change);
+}
+
+void SetIndex(Control& control, int index) {
+    Require(index >= -1 && index < static_cast<int>(control.Items.size()));
+    if (control.Index == index) return;
+    control.Index = index;
+    control.Text = index < 0 ? "" : control.Items[static_cast<std::size_t>(index)];
+    RunClick(control);
+}
+
+bool Dispatch(const std::function<void()>& work) {
+    try {
+        work();
+        return true;
+    } catch (const PlatformError& error) {
+        Run.LastPlatformError = error.What;
+    } catch (const std::bad_alloc&) {
+        Run.LastPlatformError = "There is not enough memory for this.";
+    }
+    ShowMessage(Run.LastPlatformError);
+    return false;
+}
+
+bool UserClick(Control& control) {
+    return Dispatch([&control] { RunClick(control); });
+}
+
+bool UserDblClick(Control& control) {
+    return Dispatch([&control] {
+        if (control.Entry != nullptr) Run_(control.Entry->On.DblClick);
+    });
+}
+
+bool UserSetValue(Control& control, int value) {
+    return Dispatch([&control, value] { SetValue(control, value); });
+}
+
+bool UserSetText(Control& control, const std::string& text) {
+    return Dispatch([&control, &text] { SetText(control, text); });
+}
+
+bool UserSetIndex(Control& control, int index) {
+    return Dispatch([&control, index] { SetIndex(control, index); });
+}
+
+bool UserEscape(const WindowEntry& window) {
+    return Dispatch([&window] { Run_(window.Escape); });
+}
+
+bool UserClose(const WindowEntry& window) {
+    return Dispatch([&window] { UnloadWindow(window.Name); });
+}
+
+BusyPointer::BusyPointer() {
+    ++Run.WaitPointers;
+}
+BusyPointer::~BusyPointer() {
+    --Run.WaitPointers;
+}

@@ -1,0 +1,147 @@
+// Windows as state. A window is a struct of controls, a control is a piece of state with handlers; the
+// record is the truth and the screen a copy of it. Every window stands in one table (windows.cpp), by
+// which the desktop, the automation and the tests find it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+enum class ControlKind : std::uint8_t {
+    Button,
+    Text,
+    Check,
+    Option,
+    Combo,
+    Label,
+    Frame,
+    Menu,
+    Toolbar,
+    ToolButton,
+    Panel,
+    Progress
+};
+
+inline constexpr std::int32_t kSystemColour = -1;  // the desktop's own colour for this place
+
+// The sixteen fixed colours by number, RGB with red in the low byte.
+std::int32_t QbColor(int number);
+
+struct ControlEntry;
+
+struct Control {
+    ControlKind Kind = ControlKind::Label;
+    std::string Text;  // caption, or the text of a text box, or the selected entry of a list
+    int Group = 0;     // options: those of one group exclude each other
+    int Value = 0;     // check box 0, 1, 2; option and tool button 0 or 1; progress 0 to 100
+    bool Enabled = true;
+    bool Visible = true;
+    bool Locked = false;   // a text that can be read and copied but not typed into
+    bool Checked = false;  // menu entries
+    std::int32_t ForeColor = kSystemColour, BackColor = kSystemColour;
+    std::string ToolTip;
+    std::vector<std::string> Items;       // entries of a list
+    int Index = -1;                       // selected entry
+    const ControlEntry* Entry = nullptr;  // name and handlers, once the window is loaded
+};
+
+Control Button(std::string caption);
+Control TextBox(std::string text = "");
+Control CheckBox(std::string caption, int value = 0);
+Control Option(std::string caption, int group);
+Control ComboBox(std::vector<std::string> items = {});
+Control Label(std::string caption);
+Control Frame(std::string caption);
+Control Menu(std::string caption);
+Control Toolbar();
+Control ToolButton(std::string toolTip);
+Control Panel();
+Control ProgressBar();
+
+// What the user does to a control, and the procedure that answers. Unset = nothing happens.
+struct Handlers {
+    void (*Click)() = nullptr;   // button, menu, tool button; check, option and list after the change
+    void (*Change)() = nullptr;  // text after the change
+    void (*DblClick)() = nullptr;
+    void (*GotFocus)() = nullptr;
+};
+
+struct ControlEntry {
+    const char* Name;  // "BtnOK"; buttons of a tool bar and panels with their bar: "Toolbar2.FileNew"
+    Control* Place;
+    Handlers On = {};
+};
+
+struct WindowPlace {
+    std::int32_t Left = 0, Top = 0, Width = 0, Height = 0;  // twips, 15 to the pixel
+};
+
+struct WindowState {
+    bool Loaded = false;
+    bool Enabled = true;
+    std::string Caption;
+    WindowPlace Place;
+};
+
+struct WindowEntry {
+    const char* Name;
+    WindowState* State;
+    std::span<const ControlEntry> Controls;
+    void (*Fresh)();             // puts a fresh struct in the window's place
+    void (*Load)() = nullptr;    // fills the controls, runs once the struct is in place
+    void (*Unload)() = nullptr;  // runs before the window goes
+    void (*Escape)() = nullptr;  // the key Esc; unset = nothing
+    bool StoresPlace = true;     // its place is kept in the settings file under its name
+};
+
+// The one table of all windows; defined above all rooms.
+std::span<const WindowEntry* const> AllWindows();
+
+// --- Windows -------------------------------------------------------------------------------------------
+
+const WindowEntry* FindWindow(std::string_view name);                    // null when there is none
+Control* FindControl(const WindowEntry& window, std::string_view name);  // null when there is none
+bool IsLoaded(std::string_view window);
+
+// Opens a window: a fresh struct, its stored place, its load procedure. A window that is open already
+// stays as it is. Throws PlatformError when there is no window of that name.
+void ShowWindow(std::string_view name);
+
+// Closes a window: its unload procedure, its place stored, its struct fresh again.
+void UnloadWindow(std::string_view name);
+
+// --- Values set from code --------------------------------------------------------------------------------
+// A value that differs from the present one runs the control's handler, exactly as the user's own action
+// does; the value that stands already runs nothing. Selecting an option clears the others of its group,
+// whose handlers do not run.
+
+void SetValue(Control& control, int value);
+void SetText(Control& control, const std::string& text);
+void SetIndex(Control& control, int index);  // -1 = no entry; Require: the entry exists
+
+// --- What the user does ------------------------------------------------------------------------------------
+
+// Runs a user's event or a command. An error of the platform ends it: the error is shown in one message
+// box and kept in Run.LastPlatformError, the program goes on. False in that case.
+bool Dispatch(const std::function<void()>& work);
+
+// Each is one dispatched event. False when an error of the platform ended it.
+bool UserClick(Control& control);
+bool UserDblClick(Control& control);
+bool UserSetValue(Control& control, int value);
+bool UserSetText(Control& control, const std::string& text);
+bool UserSetIndex(Control& control, int index);
+bool UserEscape(const WindowEntry& window);
+bool UserClose(const WindowEntry& window);
+
+// Shows the busy pointer for as long as the object lives.
+class BusyPointer {
+public:
+    BusyPointer();
+    ~BusyPointer();
+    BusyPointer(const BusyPointer&) = delete;
+    BusyPointer& operator=(const BusyPointer&) = delete;
+};

@@ -1,0 +1,34 @@
+// The transformation: a fixed chain of matrices that carries a point of the start system into the
+// target system, X = T + R K S x. Its parameters live in the job.
+#pragma once
+
+#include "core/arrays.h"
+
+// The matrices of the chain at the parameters they were last built from.
+struct ChainRecord {
+    Mat3 RotationMatrix;  // R = Rz(-c) Ry(-b) Rx(-a): turns coordinates into a frame turned by +a, +b, +c
+    Mat3 ShearMatrix;     // K: its columns are the unit vectors of an oblique axis frame
+    Mat3 ScaleMatrix;     // S: diagonal
+};
+inline ChainRecord Chain;
+
+void BuildRotationMatrix();  // from Job.RotXCopy, RotYCopy, RotZCopy (rad)
+void BuildShearMatrix();     // from Job.AngleXY, Azimuth, AngleZtoXY (rad)
+void BuildScaleMatrix();     // from Job.ScaleX, ScaleY, ScaleZ
+
+// The engine's rotation form Rz(-c) Ry(-b) Rx(-a); angles in rad.
+void RotMatrixXYZ(double a, double b, double c, Mat3& R);
+
+// The full chain for one point, mm. Rebuilds the three matrices of `Chain` from the job.
+void TransformPoint(double x, double y, double z, double& X, double& Y, double& Z);
+
+// The short chain without K for callers that hold their parameters apart from the job:
+// (X, Y, Z) = t + RotMatrixXYZ(rx, ry, rz) (x sx, y sy, z sz). With s other than 0 all scales are s.
+void trafo(double x, double y, double z, double& X, double& Y, double& Z, double tx, double ty, double tz,
+           double rx, double ry, double rz, double sx, double sy, double sz, double s);
+
+// Element-wise derivatives of R and K with respect to their angles, at the present parameters.
+enum class RotationAngle { X, Y, Z };
+enum class ShearAngle { XY, Azimuth, ZtoXY };
+Mat3 RotationDerivative(RotationAngle angle);
+Mat3 ShearDerivative(ShearAngle angle);

@@ -1,0 +1,70 @@
+// Procedures of rooms that are still to be built. Where a user would wait for an effect the procedure
+// says that this version does not have it; the rest is refreshing of what is not there.
+#include "core/platform.h"
+#include "core/refresh.h"
+
+namespace {
+
+[[noreturn]] void Missing(const char* what) {
+    throw PlatformError{std::string("This version cannot ") + what};
+}
+
+}  // namespace
+
+void JobChanged() {}
+void OpenFile(const std::string&) {
+    Missing("open job files");
+}
+void OpenLastProjekt(const std::string&) {
+    Missing("open job files");
+}
+void MenuFileNew_Command() {
+    Missing("begin a new job");
+}
+void MenuFileOpen_Command() {
+    Missing("open job files");
+}
+void MenuFileSave_Command() {
+    Missing("save job files");
+}
+void MenuFileSaveAs_Command() {
+    Missing("save job files");
+}
+
+void MCS_OCS() {}
+bool DirectionSwitched() {
+    return false;
+}
+void CalculationWindow_UnitsChanged() {}
+
+void EinlesenParaboloidData() {
+    Missing("read paraboloid shapes");
+}
+void ParaboloidNearestTargets() {}
+void ReadBundleFile(const std::string&) {
+    Missing("read bundle files");
+}
+
+void FuellenHaupttabelle() {}
+void MainSheet_UnitsChanged() {}
+void FORMfüllen() {}
+
+void CountChildForms(std::int16_t& count) {
+    count = 0;
+}
+GraphicsModes TopGraphicsModes() {
+    return {};
+}
+void ApplyTopGraphicsModes() {}
+void CloseAllGraphicsWindows() {}
+void UpdateAllGraphicsWindows() {}
+bool GraphicsDefaultsTaken() {
+    return false;
+}
+
+void ClipboardRoundTrip() {
+    Missing("do the clipboard round trip");
+}
+void myButtonCalculate() {
+    Missing("calculate");
+}

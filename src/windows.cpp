@@ -1,0 +1,39 @@
+// The tables above all rooms: every window, and every record with mutable state.
+#include "core/controller.h"
+#include "core/form_help_info.h"
+#include "core/form_main.h"
+#include "core/form_progress_bar.h"
+#include "core/form_units.h"
+#include "core/fresh_start.h"
+#include "core/job.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "core/units.h"
+
+namespace {
+
+const WindowEntry* const kWindows[] = {
+    &FormMain_Entry,
+    &FormUnits_Entry,
+    &FormMenuHelpInfo_Entry,
+    &FormProgressBar_Entry,
+};
+
+// Windows are records too; they are reset by way of their own table.
+void (*const kRecords[])() = {
+    [] { Job = JobRecord{}; },
+    [] { Run = RunRecord{}; },
+    [] { Settings = SettingsRecord{}; },
+    [] { Units = UnitsRecord{}; },
+};
+
+}  // namespace
+
+std::span<const WindowEntry* const> AllWindows() {
+    return kWindows;
+}
+
+void FreshStart() {
+    for (void (*const reset)() : kRecords) reset();
+    for (const WindowEntry* window : kWindows) window->Fresh();
+}

@@ -1,0 +1,36 @@
+// What every test stands on: a new program for each test, a folder of its own, and short ways to say
+// what a test says often.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+// A new program with an empty folder of its own. A question that nobody queued an answer for fails the
+// test, unless it says ExpectUnanswered().
+class Program : public testing::Test {
+protected:
+    Program();
+    ~Program() override;
+
+    // Path of a file in the test's folder; with `content` the file is written.
+    std::string PathOf(const std::string& name) const;
+    std::string Write(const std::string& name, const std::string& content) const;
+    void ExpectUnanswered() { expectUnanswered_ = true; }
+
+    std::string folder_;
+
+private:
+    bool expectUnanswered_ = false;
+};
+
+// All message texts that have come up, oldest first.
+std::vector<std::string> Messages();
+std::string LastMessage();
+
+// The bytes of a file.
+std::string Contents(const std::string& path);
+
+// Text with every "\n" turned into CR LF.
+std::string CrLf(std::string text);
