@@ -6,6 +6,7 @@
 #include "core/form_units.h"
 #include "core/fresh_start.h"
 #include "core/job.h"
+#include "core/records.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/units.h"
@@ -17,6 +18,10 @@ const WindowEntry* const kWindows[] = {
     &FormUnits_Entry,
     &FormMenuHelpInfo_Entry,
     &FormProgressBar_Entry,
+};
+
+const std::span<const RecordEntry> kRecordTables[] = {
+    CoreRecords(),
 };
 
 // Windows are records too; they are reset by way of their own table.
@@ -32,6 +37,8 @@ void (*const kRecords[])() = {
 std::span<const WindowEntry* const> AllWindows() {
     return kWindows;
 }
+
+std::span<const std::span<const RecordEntry>> AllRecords() { return kRecordTables; }
 
 void FreshStart() {
     for (void (*const reset)() : kRecords) reset();
