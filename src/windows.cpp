@@ -10,6 +10,8 @@
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/units.h"
+#include "engine/selection.h"
+#include "engine/transform.h"
 
 namespace {
 
@@ -30,6 +32,8 @@ void (*const kRecords[])() = {
     [] { Run = RunRecord{}; },
     [] { Settings = SettingsRecord{}; },
     [] { Units = UnitsRecord{}; },
+    [] { Chain = ChainRecord{}; },
+    [] { Selection = SelectionRecord{}; },
 };
 
 }  // namespace
