@@ -65,6 +65,14 @@ bool AllFinite(const Column& x, int u) {
     return std::all_of(x.begin() + 1, x.begin() + 1 + u, [](double value) { return std::isfinite(value); });
 }
 
+// The library's circle is short by 2e-10 rad, so an angle at half a turn that is wrapped is moved. Seen
+// from the origin of a hall that is more than a converged fit may still change, and the next pass would
+// wrap it back: there it is left as it is.
+double WrappedInFit(double angle) {
+    constexpr double kAtHalfTurn = 1e-9;
+    return std::fabs(std::fabs(angle) - kPi) < kAtHalfTurn ? angle : WrapAngle(angle);
+}
+
 // Adds the corrections to the parameters in the order of their indices.
 void Update(const FitModel& model, const Column& x) {
     for (int parameter = kTraX; parameter < kParameterEnd; ++parameter) {
@@ -74,7 +82,7 @@ void Update(const FitModel& model, const Column& x) {
         value += x[At(unknown)];
         const bool angle =
             (parameter >= kRotX && parameter <= kRotZ) || (parameter >= kAngleXY && parameter <= kAngleZtoXY);
-        if (angle) value = WrapAngle(value);
+        if (angle) value = WrappedInFit(value);
         if (parameter == kScaleXYZ) Job.ScaleX = Job.ScaleY = Job.ScaleZ = value;
     }
 }

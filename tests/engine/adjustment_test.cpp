@@ -78,6 +78,31 @@ TEST_F(Fit, RecoversAllTwelveParametersWithoutNoise) {
     EXPECT_NEAR(std::cos(Job.Azimuth) * std::sin(Job.AngleZtoXY), std::cos(0.6) * std::sin(0.03), 1e-12);
 }
 
+TEST_F(Fit, ConvergesAtHalfAndQuarterTurnsFarFromTheOrigin) {
+    for (int axis = 0; axis < 3; ++axis)
+        for (const double angle :
+             {0.0, 1e-12, M_PI / 2, M_PI, M_PI - 1e-10, M_PI + 1e-10, -M_PI, -M_PI / 2}) {
+            // At a quarter turn about Y the other two angles cannot be told apart.
+            if (axis == 1 && std::fabs(std::fabs(angle) - M_PI / 2) < 0.1) continue;
+            SCOPED_TRACE(std::to_string(axis) + ", " + std::to_string(angle));
+            Job = JobRecord{};
+            BeginFit();
+            auto truth = Truth({100, -200, 300, 0, 0, 0, 1, 1, 1, 1});
+            truth[static_cast<std::size_t>(kRotX + axis)] = angle;
+            AddCloud({.Points = 12, .Centre = {5e5, -2e5, 3e4}, .Truth = truth});
+            FloatParameters(kRigid);
+            RunFit();
+            EXPECT_TRUE(Adjustment.Converged);
+            for (std::size_t i = 1; i < v_.size(); ++i) EXPECT_NEAR(v_[i], 0, 1e-9);
+            // The angles themselves describe the fit, not only the residuals of the last pass.
+            const Vec3 p = StartPoint(1), q = TargetPoint(1);
+            Vec3 image;
+            trafo(p(1), p(2), p(3), image(1), image(2), image(3), Job.TraX, Job.TraY, Job.TraZ, Job.RotX,
+                  Job.RotY, Job.RotZ, 1, 1, 1, 0);
+            for (int k = 1; k <= 3; ++k) EXPECT_NEAR(image(k), q(k), 1e-8);
+        }
+}
+
 TEST_F(Fit, ResidualsAreTransformedMinusTarget) {
     AddCloud({.Points = 6, .Noise = 0.1, .Truth = kTruth});
     FloatParameters(kRigid);

@@ -9,6 +9,8 @@ namespace {
 
 using Rows = std::vector<std::vector<Real>>;
 
+std::vector<Real> ResidualsAt(const Problem& problem, const std::array<Real, 18>& t);
+
 Rows Jacobian(const Problem& problem) {
     const std::size_t n = Residuals(problem).size();
     Rows J(n, std::vector<Real>(problem.Free.size()));
@@ -17,11 +19,10 @@ Rows Jacobian(const Problem& problem) {
         // Five points: the error falls with the fourth power of the step.
         const Real h = parameter <= 3 || parameter >= 14 ? 0.01L : 1e-4L;
         const auto at = [&problem, parameter](Real offset) {
-            Problem moved = problem;
-            moved.Parameters[parameter] += offset;
-            if (parameter == 10)
-                moved.Parameters[7] = moved.Parameters[8] = moved.Parameters[9] = moved.Parameters[10];
-            return Residuals(moved);
+            std::array<Real, 18> moved = problem.Parameters;
+            moved[parameter] += offset;
+            if (parameter == 10) moved[7] = moved[8] = moved[9] = moved[10];
+            return ResidualsAt(problem, moved);
         };
         const auto f1 = at(h), b1 = at(-h), f2 = at(2 * h), b2 = at(-2 * h);
         for (std::size_t i = 0; i < n; ++i) J[i][k] = (8 * (f1[i] - b1[i]) - (f2[i] - b2[i])) / (12 * h);
@@ -76,6 +77,27 @@ std::vector<Real> BackSubstitute(const Rows& R, const std::vector<Real>& b, std:
     return x;
 }
 
+std::vector<Real> ResidualsAt(const Problem& problem, const std::array<Real, 18>& t) {
+    std::vector<Real> v;
+    for (std::size_t i = 0; i < problem.Start.size(); ++i) {
+        Point d = Image(t, problem.Start[i]);
+        for (std::size_t axis = 0; axis < 3; ++axis) d[axis] -= problem.Target[i][axis];
+        if (problem.Mode == Model::Tool) {
+            // The usual robot order: Rz(A) Ry(B) Rx(C).
+            const Point& pose = problem.Pose[i];
+            const Square G = Product(Turn(2, pose[0]), Product(Turn(1, pose[1]), Turn(0, pose[2])));
+            for (std::size_t axis = 0; axis < 3; ++axis)
+                d[axis] += G[axis][0] * t[15] + G[axis][1] * t[16] + G[axis][2] * t[17];
+        }
+        if (problem.Mode == Model::Distance) {
+            v.push_back(t[14] - std::sqrt(d[0] * d[0] + d[1] * d[1] + d[2] * d[2]));
+        } else {
+            v.insert(v.end(), d.begin(), d.end());
+        }
+    }
+    return v;
+}
+
 }  // namespace
 
 Square Product(const Square& A, const Square& B) {
@@ -114,32 +136,14 @@ Point Image(const std::array<Real, 18>& t, const Point& p) {
 }
 
 std::vector<Real> Residuals(const Problem& problem) {
-    std::vector<Real> v;
-    const auto& t = problem.Parameters;
-    for (std::size_t i = 0; i < problem.Start.size(); ++i) {
-        Point d = Image(t, problem.Start[i]);
-        for (std::size_t axis = 0; axis < 3; ++axis) d[axis] -= problem.Target[i][axis];
-        if (problem.Mode == Model::Tool) {
-            // The usual robot order: Rz(A) Ry(B) Rx(C).
-            const Point& pose = problem.Pose[i];
-            const Square G = Product(Turn(2, pose[0]), Product(Turn(1, pose[1]), Turn(0, pose[2])));
-            for (std::size_t axis = 0; axis < 3; ++axis)
-                d[axis] += G[axis][0] * t[15] + G[axis][1] * t[16] + G[axis][2] * t[17];
-        }
-        if (problem.Mode == Model::Distance) {
-            v.push_back(t[14] - std::sqrt(d[0] * d[0] + d[1] * d[1] + d[2] * d[2]));
-        } else {
-            v.insert(v.end(), d.begin(), d.end());
-        }
-    }
-    return v;
+    return ResidualsAt(problem, problem.Parameters);
 }
 
 Solution Solve(Problem& problem) {
     const std::vector<Real> weights = RowWeights(problem);
     const std::size_t u = problem.Free.size();
     Solution solution;
-    for (int pass = 0; pass < 200 && !solution.Converged; ++pass) {
+    for (int pass = 0; pass < problem.MostPasses && !solution.Converged; ++pass) {
         std::vector<Real> v = Residuals(problem);
         Rows J = Jacobian(problem);
         for (std::size_t i = 0; i < v.size(); ++i) {

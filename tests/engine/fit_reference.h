@@ -25,6 +25,7 @@ struct Problem {
     std::vector<Point> Weight;          // empty: all 1; the distance model takes the third
     std::array<Real, 18> Parameters{};  // by number 1 to 17: start values in, result out
     std::vector<int> Free;              // numbers of the parameters that float
+    int MostPasses = 200;
 };
 
 struct Solution {
