@@ -165,7 +165,8 @@ TEST_F(Rotations, QuaternionAtThePoleHasTheFixedAnswer) {
 
 TEST_F(Rotations, AgreeWithPublishedRobotAngles) {
     const double degree = std::atan(1.0) / 45;
-    for (const auto& entry : ReferenceRotations()["rotations"]) {
+    const nlohmann::json figures = ReferenceRotations();
+    for (const auto& entry : figures["rotations"]) {
         SCOPED_TRACE(entry["id"].get<std::string>());
         const std::array<double, 3> angle = {entry["angles"][0].get<double>() * degree,
                                              entry["angles"][1].get<double>() * degree,

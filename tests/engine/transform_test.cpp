@@ -156,7 +156,8 @@ TEST_F(Transformation, DerivativesOfTheMatricesAreTheirDifferenceQuotients) {
 TEST_F(Transformation, AgreesWithPublishedGeocentricTransformations) {
     std::ifstream file(std::string(CORVINADE_SOURCE_DIR) + "/tests/data/engine/reference_rotations.json");
     const double arcsecond = std::atan(1.0) / 45 / 3600;
-    for (const auto& entry : nlohmann::json::parse(file)["helmert"]) {
+    const nlohmann::json figures = nlohmann::json::parse(file);
+    for (const auto& entry : figures["helmert"]) {
         SCOPED_TRACE(entry["id"].get<std::string>());
         const auto number = [&entry](const char* field, std::size_t k) {
             return entry[field][k].get<double>();
