@@ -2,6 +2,7 @@
 // says that this version does not have it; the rest is refreshing of what is not there.
 #include "core/platform.h"
 #include "core/refresh.h"
+#include "import/robot_files.h"
 
 namespace {
 
@@ -36,6 +37,22 @@ bool DirectionSwitched() {
     return false;
 }
 void CalculationWindow_UnitsChanged() {}
+
+void EinlesenKUKAdatDatei() {
+    Missing("read robot programs");
+}
+void EinlesenABB_MODX() {
+    Missing("read robot programs");
+}
+void EinlesenFanucDatei() {
+    Missing("read robot programs");
+}
+void EinlesenXYZABC() {
+    Missing("read robot programs");
+}
+void EinlesenABB() {
+    Missing("read robot programs");
+}
 
 void EinlesenParaboloidData() {
     Missing("read paraboloid shapes");

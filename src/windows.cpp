@@ -10,14 +10,12 @@
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/units.h"
+#include "import/form_input_files.h"
 
 namespace {
 
 const WindowEntry* const kWindows[] = {
-    &FormMain_Entry,
-    &FormUnits_Entry,
-    &FormMenuHelpInfo_Entry,
-    &FormProgressBar_Entry,
+    &FormMain_Entry, &FormUnits_Entry, &FormMenuHelpInfo_Entry, &FormProgressBar_Entry, &FormInputFiles_Entry,
 };
 
 const std::span<const RecordEntry> kRecordTables[] = {
@@ -26,10 +24,8 @@ const std::span<const RecordEntry> kRecordTables[] = {
 
 // Windows are records too; they are reset by way of their own table.
 void (*const kRecords[])() = {
-    [] { Job = JobRecord{}; },
-    [] { Run = RunRecord{}; },
-    [] { Settings = SettingsRecord{}; },
-    [] { Units = UnitsRecord{}; },
+    [] { Job = JobRecord{}; },     [] { Run = RunRecord{}; },         [] { Settings = SettingsRecord{}; },
+    [] { Units = UnitsRecord{}; }, [] { Spezial = SpezialRecord{}; },
 };
 
 }  // namespace
@@ -38,7 +34,9 @@ std::span<const WindowEntry* const> AllWindows() {
     return kWindows;
 }
 
-std::span<const std::span<const RecordEntry>> AllRecords() { return kRecordTables; }
+std::span<const std::span<const RecordEntry>> AllRecords() {
+    return kRecordTables;
+}
 
 void FreshStart() {
     for (void (*const reset)() : kRecords) reset();

@@ -1,6 +1,7 @@
 // The platform's procedures without a screen.
 #include <unistd.h>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>

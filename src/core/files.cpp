@@ -35,6 +35,18 @@ using OpenFilePointer = std::unique_ptr<std::FILE, FileCloser>;
 const std::string kCannotRead = "Cannot read";
 const std::string kCannotWrite = "Cannot write";
 
+OpenFilePointer OpenForReading(const std::string& path) {
+    std::error_code error;
+    const auto status = fs::status(PathOf(path), error);
+    if (path.empty() || !fs::exists(status)) Fail(kCannotRead, path, "there is no such file");
+    if (fs::is_directory(status)) Fail(kCannotRead, path, "it is a folder, not a file");
+    if (!fs::is_regular_file(status)) Fail(kCannotRead, path, "it is no regular file");
+    CheckFault("open", kCannotRead, path);
+    OpenFilePointer file(std::fopen(PathOf(path).string().c_str(), "rb"));
+    if (!file) Fail(kCannotRead, path, std::strerror(errno));
+    return file;
+}
+
 }  // namespace
 
 bool File_Exist(const std::string& path) {
@@ -47,15 +59,13 @@ bool Directory_Exist(const std::string& path) {
     return !path.empty() && fs::is_directory(PathOf(path), error);
 }
 
+void CheckReadable(const std::string& path) {
+    OpenForReading(path);
+}
+
 FileBytes ReadFile(const std::string& path) {
+    const OpenFilePointer file = OpenForReading(path);
     std::error_code error;
-    const auto status = fs::status(PathOf(path), error);
-    if (path.empty() || !fs::exists(status)) Fail(kCannotRead, path, "there is no such file");
-    if (fs::is_directory(status)) Fail(kCannotRead, path, "it is a folder, not a file");
-    if (!fs::is_regular_file(status)) Fail(kCannotRead, path, "it is no regular file");
-    CheckFault("open", kCannotRead, path);
-    const OpenFilePointer file(std::fopen(PathOf(path).string().c_str(), "rb"));
-    if (!file) Fail(kCannotRead, path, std::strerror(errno));
     const std::uintmax_t size = fs::file_size(PathOf(path), error);
     if (error) Fail(kCannotRead, path, error.message());
     FileBytes bytes;
