@@ -89,7 +89,12 @@ void WriteFile(const std::string& path, std::string_view bytes) {
         const fs::path real = fs::weakly_canonical(target, error);
         if (!error) target = real;
     }
-    if (fs::is_directory(target, error)) Fail(kCannotWrite, path, "it is a folder, not a file");
+    const fs::file_status old = fs::status(target, error);
+    if (fs::is_directory(old)) Fail(kCannotWrite, path, "it is a folder, not a file");
+    // Renaming asks for no right to the file itself, so that a protected one has to be looked for.
+    constexpr fs::perms kAnyWrite = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+    if (fs::exists(old) && (old.permissions() & kAnyWrite) == fs::perms::none)
+        Fail(kCannotWrite, path, "it is write-protected");
     fs::path beside = target;
     for (int number = 1; fs::exists(beside, error) || beside == target; ++number) {
         beside = target;
@@ -106,7 +111,6 @@ void WriteFile(const std::string& path, std::string_view bytes) {
         CheckFault("flush", kCannotWrite, path);
         if (!FlushToDisk(file.get())) Fail(kCannotWrite, path, std::strerror(errno));
         if (std::fclose(file.release()) != 0) Fail(kCannotWrite, path, std::strerror(errno));
-        const auto old = fs::status(target, error);
         if (fs::exists(old)) fs::permissions(beside, old.permissions(), error);
         CheckFault("rename", kCannotWrite, path);
         fs::rename(beside, target, error);

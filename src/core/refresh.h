@@ -31,14 +31,12 @@ void EinlesenParaboloidData();    // reads the shape file that the input dialog 
 void ParaboloidNearestTargets();  // each start point's nearest point of the shape becomes its target
 void ReadBundleFile(const std::string& path);  // the reader behind the bundle file of the input dialog
 
-// --- analysis/
-// ----------------------------------------------------------------------------------------------
+// --- analysis/ ---------------------------------------------------------------------------------------
 void FuellenHaupttabelle();  // refills the main sheet
 void MainSheet_UnitsChanged();
 void FORMfüllen();  // refills the input statistic
 
-// --- graphics/
-// ----------------------------------------------------------------------------------------------
+// --- graphics/ ---------------------------------------------------------------------------------------
 struct GraphicsModes {
     bool VectorMode = false, FlagMode = false, LineMode = false, SetLine = false, DeleteLine = false;
 };

@@ -117,8 +117,13 @@ void ShowWindow(std::string_view name) {
     window->Fresh();
     Attach(*window);
     window->State->Loaded = true;
-    if (window->StoresPlace) LoadWindowPlace(window->State->Place, window->Name);
-    Run_(window->Load);
+    try {
+        if (window->StoresPlace) LoadWindowPlace(window->State->Place, window->Name);
+        Run_(window->Load);
+    } catch (...) {
+        window->Fresh();  // a window that could not be filled is not open
+        throw;
+    }
 }
 
 void UnloadWindow(std::string_view name) {
