@@ -45,15 +45,15 @@ json ViewToJson(const ScreenRecord& view) {
 
 struct ToJson {
     template <class Value>
-    json operator()(const Value* value) const {
+    json operator()(Value* value) const {
         return *value;
     }
-    json operator()(const std::vector<TaggedValue>* values) const {
+    json operator()(std::vector<TaggedValue>* values) const {
         json list = json::array();
         for (const TaggedValue& value : *values) list.push_back(value ? json(*value) : json());
         return list;
     }
-    json operator()(const Matrix* matrix) const {
+    json operator()(Matrix* matrix) const {
         json rows = json::array();
         for (int row = 0; row <= matrix->Rows; ++row) {
             json values = json::array();
@@ -69,7 +69,7 @@ struct ToJson {
         return list;
     }
     template <class Row>
-    json operator()(const Row& row) const {
+    json operator()(const Row& row) const requires requires { row.Count; } {
         json list = json::array();
         for (int i = 0; i < row.Count; ++i) list.push_back(row.First[i]);
         return list;
