@@ -35,32 +35,37 @@ enum class BadField { Ends, LeavesValue };
 constexpr std::array<double, 16> kPowersOfTen = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                                  1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 
-// TextToNumber, with the numbers that point files are full of converted on a short way: up to 15 digits
-// are a whole number that a 64-bit float holds exactly, and so is the power of ten, so that one division
-// gives the correctly rounded value.
-bool FieldToNumber(std::string_view field, char decimal, double& value) {
-    const char* at = field.data();
-    const char* const end = at + field.size();
+// Cuts the next field off a line where it is a plain decimal number, in one go with its conversion. Up to
+// 15 digits are a whole number that a 64-bit float holds exactly, and so is the power of ten, so that one
+// division gives the correctly rounded value. False, and the line as it was, for any other field.
+bool CutPlainDecimal(std::string_view& line, char delimiter, char decimal, double& value) {
+    const char* at = line.data();
+    const char* const end = at + line.size();
+    while (at != end && *at == delimiter) ++at;
+    while (at != end && (*at == ' ' || *at == '\t')) ++at;
     const bool negative = at != end && *at == '-';
     if (negative) ++at;
-    std::uint64_t digits = 0;
-    const char* const begin = at;
-    const char* point = end;
-    for (; at != end; ++at) {
-        const auto digit = static_cast<unsigned>(static_cast<unsigned char>(*at)) - '0';
-        if (digit <= 9) {
-            digits = digits * 10 + digit;
-        } else if (*at == decimal && point == end) {
-            point = at;
-        } else {
-            return TextToNumber(field, decimal, value);
+    std::uint64_t number = 0;
+    const auto takeDigits = [&] {
+        const char* const begin = at;
+        for (; at != end; ++at) {
+            const unsigned digit = static_cast<unsigned>(static_cast<unsigned char>(*at)) - '0';
+            if (digit > 9) break;
+            number = number * 10 + digit;  // one that runs over has too many digits below
         }
+        return static_cast<std::size_t>(at - begin);
+    };
+    std::size_t digits = takeDigits(), places = 0;
+    if (at != end && *at == decimal && decimal != delimiter) {
+        ++at;
+        places = takeDigits();
+        digits += places;
     }
-    const auto places = point == end ? std::ptrdiff_t{0} : end - point - 1;
-    const auto count = end - begin - (point == end ? 0 : 1);
-    if (count < 1 || count > 15) return TextToNumber(field, decimal, value);
-    const double number = static_cast<double>(digits) / kPowersOfTen[static_cast<std::size_t>(places)];
-    value = negative ? -number : number;
+    if (digits < 1 || digits > 15) return false;
+    if (at != end && *at != delimiter && *at != ' ' && *at != '\t') return false;
+    const double size = static_cast<double>(number) / kPowersOfTen[places];
+    value = negative ? -size : size;
+    line.remove_prefix(static_cast<std::size_t>(at - line.data()) + (at == end ? 0 : 1));
     return true;
 }
 
@@ -96,8 +101,12 @@ PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, Bad
         std::array<double, 3> xyz{};
         std::array<bool, 3> good{};
         for (std::size_t i = 0; i < 3; ++i) {
-            const std::string_view field = CutField(rest, delimiter, scratch);
-            good[i] = field.empty() || FieldToNumber(field, decimal, xyz[i]);
+            good[i] = CutPlainDecimal(rest, delimiter, decimal, xyz[i]);
+            std::string_view field;
+            if (!good[i]) {
+                field = CutField(rest, delimiter, scratch);
+                good[i] = field.empty() || TextToNumber(field, decimal, xyz[i]);
+            }
             xyz[i] /= factor;
             if (good[i] || badField == BadField::LeavesValue) continue;
             points.Error = "Cannot read \"" + file.Path + "\", line " + std::to_string(lines.Row) + ": \"" +

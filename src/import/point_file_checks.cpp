@@ -117,9 +117,16 @@ void Check_DecimalDelimiter(PointText& file, const std::string& delimiter) {
 
     const int fields = IsTrue(Run.RobotFileHasId) ? 4 : 3;
     std::int64_t dots = 0, commas = 0, lastSum = 0;
+    const bool fileHasCommas = sign != ',' && CountByte(file.Text, ',') != 0;
     LineWalk lines(file);
     std::string_view line;
     while (lines.Next(line)) {
+        // What counts is whether there are dots, whether there are commas, and whether a line has more
+        // than three of them. Most lines cannot change anything of that.
+        const std::int64_t dotsInLine = CountByte(line, '.');
+        const std::int64_t commasInLine = fileHasCommas ? CountByte(line, ',') : 0;
+        const bool news = (dots == 0 && dotsInLine > 0) || (commas == 0 && commasInLine > 0);
+        if (!news && dotsInLine + commasInLine <= 3) continue;
         const char* at = line.data();
         const char* const end = at + line.size();
         for (int field = 0; field < fields; ++field) {
@@ -201,10 +208,7 @@ void ASCII_FileCheck(PointText& file, Flag& hasName, std::string& delimiter) {
 }
 
 void AnzZeilen(const PointText& file, std::int64_t& count) {
-    count = 0;
-    LineWalk lines(file);
-    std::string_view line;
-    while (lines.Next(line)) count += line.empty() ? 0 : 1;
+    count = CountFilledLines(file.Text);
 }
 
 // --- The same by path ----------------------------------------------------------------------------------

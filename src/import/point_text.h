@@ -44,3 +44,6 @@ inline char DelimiterCharacter(const std::string& delimiter) {
 
 // How often a byte occurs.
 std::int64_t CountByte(std::string_view text, char byte);
+
+// Number of lines that hold at least one character.
+std::int64_t CountFilledLines(std::string_view text);
