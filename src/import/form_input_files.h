@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "core/arrays.h"
 #include "core/window.h"
 
 struct FormInputFiles {
