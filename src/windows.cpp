@@ -26,12 +26,8 @@ const std::span<const RecordEntry> kRecordTables[] = {
 
 // Windows are records too; they are reset by way of their own table.
 void (*const kRecords[])() = {
-    [] { Job = JobRecord{}; },
-    [] { Run = RunRecord{}; },
-    [] { Settings = SettingsRecord{}; },
-    [] { Units = UnitsRecord{}; },
-    [] { Chain = ChainRecord{}; },
-    [] { Selection = SelectionRecord{}; },
+    [] { Job = JobRecord{}; },     [] { Run = RunRecord{}; },         [] { Settings = SettingsRecord{}; },
+    [] { Units = UnitsRecord{}; }, [] { Chain = ChainRecord{}; },     [] { Selection = SelectionRecord{}; },
     [] { Job = JobRecord{}; },     [] { Run = RunRecord{}; },         [] { Settings = SettingsRecord{}; },
     [] { Units = UnitsRecord{}; }, [] { Spezial = SpezialRecord{}; },
 };

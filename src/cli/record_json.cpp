@@ -69,7 +69,10 @@ struct ToJson {
         return list;
     }
     template <class Row>
-    json operator()(const Row& row) const requires requires { row.Count; } {
+    json operator()(const Row& row) const requires requires {
+        row.Count;
+    }
+    {
         json list = json::array();
         for (int i = 0; i < row.Count; ++i) list.push_back(row.First[i]);
         return list;

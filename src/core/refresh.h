@@ -24,7 +24,7 @@ void myButtonCalculate();  // one whole calculation with the present selection o
 void MCS_OCS();            // swaps the two point sets of a job that has been marked as switched
 bool DirectionSwitched();  // the calculation window has marked the job as switched
 void CalculationWindow_UnitsChanged();
-double CalculationSigmaXYZ();    // of the last calculation, mm
+double CalculationSigmaXYZ();  // of the last calculation, mm
 
 // --- paraboloid/ and bundle/ ------------------------------------------------------------------------------
 void EinlesenParaboloidData();    // reads the shape file that the input dialog names as target
