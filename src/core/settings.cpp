@@ -8,6 +8,7 @@
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/platform.h"
+#include "core/require.h"
 #include "core/run.h"
 #include "core/text.h"
 
@@ -216,6 +217,7 @@ void SettingsSchreiben(std::initializer_list<std::string_view> keys) {
     for (const std::string_view key : keys)
         for (const SettingEntry& entry : AllSettings())
             if (key == entry.Key) lines.push_back({entry.Section, entry.Key, SettingText(key)});
+    Require(lines.size() == keys.size());
     IniWerteSchreiben(lines);
 }
 
