@@ -67,7 +67,7 @@ void ShowProgress(std::ostream& err) {
             err << "\r" << Progress.Window.Caption << ": " << Progress.ProgressBar1.Value << " %  "
                 << std::flush;
         } else {
-            err << "\rcalculating, iteration " << Iterations << "  " << std::flush;
+            err << "\rcalculating, iteration " << Adjustment.Iterations << "  " << std::flush;
         }
     };
 }
@@ -126,9 +126,9 @@ int Calculate(std::ostream& err) {
     WriteMessages(err);
     if (Calculation.Refused)
         return Refuse(err, kRefused,
-                      std::to_string(Calculation.nUsed) + " observations in use, " +
+                      std::to_string(ObservationsInUse()) + " observations in use, " +
                           std::to_string(Calculation.nFloat) +
-                          " unknowns: " + std::to_string(Calculation.nFloat - Calculation.nUsed) +
+                          " unknowns: " + std::to_string(Calculation.nFloat - ObservationsInUse()) +
                           " more observations are needed");
     if (!Calculation.Finite)
         return Refuse(err, kRefused,

@@ -126,10 +126,10 @@ void WriteFitJson(const FitOptions& options, std::ostream& out) {
     root["counts"] = {{"start", Job.nMCS},
                       {"target", Job.nOCS},
                       {"pairs", Job.nIdent},
-                      {"observations", c.nUsed},
+                      {"observations", ObservationsInUse()},
                       {"unknowns", c.nFloat}};
     root["converged"] = c.Converged;
-    root["iterations"] = Iterations;
+    root["iterations"] = Adjustment.Iterations;
     root["norm"] = "l2";
     root["parameters"] = Parameters();
     root["transformation"] = Transformation();

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/fit_options.h"
+#include "core/arrays.h"
 
 // Everything that the outputs say of one identical point; lengths in mm.
 struct FitPoint {
@@ -17,8 +18,10 @@ struct FitPoint {
 };
 std::vector<FitPoint> FitPoints();
 
+// Coordinates that take part in the fit.
+int ObservationsInUse();
+
 // The matrix R K S of the present parameters, elements (1, 1) to (3, 3).
-struct Mat3;
 Mat3 FitMatrix();
 
 void WriteFitTable(const FitOptions& options, std::ostream& out, bool colour);

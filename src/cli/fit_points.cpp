@@ -1,4 +1,5 @@
 // What the outputs of a fit say of each identical point.
+#include <algorithm>
 #include <cmath>
 
 #include "cli/fit_output.h"
@@ -29,6 +30,11 @@ std::vector<FitPoint> FitPoints() {
         points.push_back(std::move(point));
     }
     return points;
+}
+
+int ObservationsInUse() {
+    return static_cast<int>(
+        std::count(Job.UseFlags.begin() + 1, Job.UseFlags.begin() + 1 + 3 * Job.nIdent, 1));
 }
 
 Mat3 FitMatrix() {

@@ -3,12 +3,12 @@
 
 #include <algorithm>
 #include <array>
-#include <map>
 
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "engine/presets.h"
 #include "engine/selection.h"
 
 namespace {
@@ -17,34 +17,12 @@ constexpr std::array<const char*, 14> kNames = {"",         "trax", "tray",    "
                                                 "roty",     "rotz", "scalex",  "scaley", "scalez",
                                                 "scalexyz", "xy",   "azimuth", "ztoxy"};
 
-// The parameters that float in a preset; the others keep their neutral values.
-const std::map<std::string, std::vector<int>>& Presets() {
-    static const std::map<std::string, std::vector<int>> presets = {
-        {"level", {kTraX, kTraY, kTraZ, kRotZ}},
-        {"6", {kTraX, kTraY, kTraZ, kRotX, kRotY, kRotZ}},
-        {"7", {kTraX, kTraY, kTraZ, kRotX, kRotY, kRotZ, kScaleXYZ}},
-        {"9", {kTraX, kTraY, kTraZ, kRotX, kRotY, kRotZ, kScaleX, kScaleY, kScaleZ}},
-        {"12",
-         {kTraX, kTraY, kTraZ, kRotX, kRotY, kRotZ, kScaleX, kScaleY, kScaleZ, kAngleXY, kAzimuth,
-          kAngleZtoXY}},
-    };
-    return presets;
-}
-
 bool IsScale(int parameter) {
     return parameter >= kScaleX && parameter <= kScaleXYZ;
 }
 
 std::string& ParamText(int parameter) {
     return Job.ParamText[static_cast<std::size_t>(parameter)];
-}
-
-void SelectPreset(const std::string& preset) {
-    for (int k = 1; k < kParameterEnd; ++k) {
-        const bool angleOfRotation = k >= kRotX && k <= kRotZ;
-        ParamText(k) = k <= kTraZ || angleOfRotation ? "0" : kNotUsed;
-    }
-    for (const int parameter : Presets().at(preset)) ParamText(parameter) = kFloat;
 }
 
 std::string HoldParameter(const std::string& hold) {

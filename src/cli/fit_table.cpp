@@ -74,8 +74,9 @@ void WriteHead(const FitOptions& options, const Style& style, std::ostream& out)
     out << Left("pairs", 14) << Job.nIdent << " by " << options.Match;
     if (Job.nMCSOnly > 0) out << ", " << Job.nMCSOnly << " only in start";
     if (Job.nOCSOnly > 0) out << ", " << Job.nOCSOnly << " only in target";
-    out << "\n" << Left("observations", 14) << c.nUsed << " in use, " << c.nFloat << " unknowns\n";
-    out << Left("iterations", 14) << Iterations;
+    out << "\n"
+        << Left("observations", 14) << ObservationsInUse() << " in use, " << c.nFloat << " unknowns\n";
+    out << Left("iterations", 14) << Adjustment.Iterations;
     if (!c.Converged) out << "  " << style.Alarm("convergence not reached");
     out << "\n";
 }

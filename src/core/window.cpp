@@ -2,6 +2,8 @@
 #include "core/window.h"
 
 #include <array>
+#include <new>
+#include <stdexcept>
 
 #include "core/platform.h"
 #include "core/require.h"
@@ -170,6 +172,8 @@ bool Dispatch(const std::function<void()>& work) {
         return true;
     } catch (const PlatformError& error) {
         Run.LastPlatformError = error.What;
+    } catch (const std::length_error&) {
+        Run.LastPlatformError = "There is not enough memory for this.";
     } catch (const std::bad_alloc&) {
         Run.LastPlatformError = "There is not enough memory for this.";
     }
