@@ -114,4 +114,3 @@ BENCHMARK(ReadingOfTheBytesAlone)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 
-BENCHMARK_MAIN();

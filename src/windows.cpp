@@ -10,6 +10,8 @@
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/units.h"
+#include "engine/adjustment.h"
+#include "engine/calculation.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
 #include "import/form_input_files.h"
@@ -26,10 +28,15 @@ const std::span<const RecordEntry> kRecordTables[] = {
 
 // Windows are records too; they are reset by way of their own table.
 void (*const kRecords[])() = {
-    [] { Job = JobRecord{}; },     [] { Run = RunRecord{}; },         [] { Settings = SettingsRecord{}; },
-    [] { Units = UnitsRecord{}; }, [] { Chain = ChainRecord{}; },     [] { Selection = SelectionRecord{}; },
-    [] { Job = JobRecord{}; },     [] { Run = RunRecord{}; },         [] { Settings = SettingsRecord{}; },
-    [] { Units = UnitsRecord{}; }, [] { Spezial = SpezialRecord{}; },
+    [] { Job = JobRecord{}; },
+    [] { Run = RunRecord{}; },
+    [] { Settings = SettingsRecord{}; },
+    [] { Units = UnitsRecord{}; },
+    [] { Chain = ChainRecord{}; },
+    [] { Selection = SelectionRecord{}; },
+    [] { Adjustment = AdjustmentRecord{}; },
+    [] { Calculation = CalculationRecord{}; },
+    [] { Spezial = SpezialRecord{}; },
 };
 
 }  // namespace
