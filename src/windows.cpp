@@ -6,9 +6,12 @@
 #include "core/form_units.h"
 #include "core/fresh_start.h"
 #include "core/job.h"
+#include "core/records.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/units.h"
+#include "engine/selection.h"
+#include "engine/transform.h"
 
 namespace {
 
@@ -19,12 +22,18 @@ const WindowEntry* const kWindows[] = {
     &FormProgressBar_Entry,
 };
 
+const std::span<const RecordEntry> kRecordTables[] = {
+    CoreRecords(),
+};
+
 // Windows are records too; they are reset by way of their own table.
 void (*const kRecords[])() = {
     [] { Job = JobRecord{}; },
     [] { Run = RunRecord{}; },
     [] { Settings = SettingsRecord{}; },
     [] { Units = UnitsRecord{}; },
+    [] { Chain = ChainRecord{}; },
+    [] { Selection = SelectionRecord{}; },
 };
 
 }  // namespace
@@ -32,6 +41,8 @@ void (*const kRecords[])() = {
 std::span<const WindowEntry* const> AllWindows() {
     return kWindows;
 }
+
+std::span<const std::span<const RecordEntry>> AllRecords() { return kRecordTables; }
 
 void FreshStart() {
     for (void (*const reset)() : kRecords) reset();

@@ -73,6 +73,7 @@ struct ControlEntry {
     const char* Name;  // "BtnOK"; buttons of a tool bar and panels with their bar: "Toolbar2.FileNew"
     Control* Place;
     Handlers On = {};
+    const char* Parent = nullptr;  // the menu that an entry stands in: out of reach while that is disabled
 };
 
 struct WindowPlace {

@@ -1,0 +1,76 @@
+// The records of job and program run by name: one description that the automation, `info` and the job
+// file share.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "core/arrays.h"
+#include "core/screen_record.h"
+
+// Fixed arrays inside a record.
+struct TextRow {
+    std::string* First;
+    int Count;
+};
+struct NumberRow16 {
+    std::int16_t* First;
+    int Count;
+};
+struct NumberRow {
+    double* First;
+    int Count;
+};
+struct ViewRow {
+    ScreenRecord* First;
+    int Count;
+};
+
+// Flags are 16-bit numbers, -1 and 0.
+using RecordPlace =
+    std::variant<std::int16_t*, std::int32_t*, float*, double*, std::string*, std::vector<std::string>*,
+                 std::vector<TaggedValue>*, std::vector<double>*, std::vector<std::int16_t>*, Matrix*,
+                 TextRow, NumberRow16, NumberRow, ViewRow>;
+
+enum class Storage : std::uint8_t {
+    JobFile,  // stored in the job file
+    Run       // lives for the program run
+};
+
+struct RecordEntry {
+    const char* Name;
+    RecordPlace Place;
+    Storage Stored;
+};
+
+// The records of core/, and of all rooms together (the table above all rooms puts them side by side).
+std::span<const RecordEntry> CoreRecords();
+std::span<const std::span<const RecordEntry>> AllRecords();
+
+const RecordEntry* FindRecord(std::string_view name);  // null when there is none
+
+// The fields of a view record by name, in the order in which it is stored.
+using ScreenFieldPlace =
+    std::variant<std::int16_t ScreenRecord::*, std::int32_t ScreenRecord::*, float ScreenRecord::*,
+                 double ScreenRecord::*, std::string ScreenRecord::*, std::vector<double> ScreenRecord::*,
+                 std::vector<std::int16_t> ScreenRecord::*, std::vector<FlagRecord> ScreenRecord::*,
+                 Mat3 ScreenRecord::*>;
+struct ScreenField {
+    const char* Name;
+    ScreenFieldPlace Place;
+};
+std::span<const ScreenField> ScreenFields();
+
+// The fields of a flag record, likewise.
+using FlagFieldPlace = std::variant<std::int16_t FlagRecord::*, std::int32_t FlagRecord::*,
+                                    float FlagRecord::*, std::string FlagRecord::*>;
+struct FlagField {
+    const char* Name;
+    FlagFieldPlace Place;
+};
+std::span<const FlagField> FlagFields();
