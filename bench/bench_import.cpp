@@ -113,4 +113,3 @@ BENCHMARK(FileCheckAlone)->Unit(benchmark::kMillisecond);
 BENCHMARK(ReadingOfTheBytesAlone)->Unit(benchmark::kMillisecond);
 
 }  // namespace
-

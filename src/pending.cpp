@@ -78,10 +78,3 @@ void UpdateAllGraphicsWindows() {}
 bool GraphicsDefaultsTaken() {
     return false;
 }
-
-void ClipboardRoundTrip() {
-    Missing("do the clipboard round trip");
-}
-void myButtonCalculate() {
-    Missing("calculate");
-}

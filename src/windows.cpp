@@ -12,6 +12,7 @@
 #include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/engine_records.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
 #include "import/form_input_files.h"
@@ -24,6 +25,7 @@ const WindowEntry* const kWindows[] = {
 
 const std::span<const RecordEntry> kRecordTables[] = {
     CoreRecords(),
+    EngineRecords(),
 };
 
 // Windows are records too; they are reset by way of their own table.

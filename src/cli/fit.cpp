@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
+#include <numbers>
 #include <ostream>
 
 #include "cli/fit_output.h"
@@ -19,6 +21,7 @@
 #include "core/text.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/design.h"
 #include "import/form_input_files.h"
 
 namespace {
@@ -113,6 +116,23 @@ int Refuse(std::ostream& err, ExitStatus status, const std::string& text) {
     return status;
 }
 
+// A rotation has two triples of angles; the one that turns less is the one people read.
+void TakeNicerRotation() {
+    constexpr double pi = std::numbers::pi;
+    const auto wrap = [](double angle) { return std::remainder(angle, 2 * pi); };
+    const Vec3 other(wrap(Job.RotX + pi), wrap(pi - Job.RotY), wrap(Job.RotZ + pi));
+    const double sum = std::fabs(Job.RotX) + std::fabs(Job.RotY) + std::fabs(Job.RotZ);
+    if (std::fabs(other(1)) + std::fabs(other(2)) + std::fabs(other(3)) >= sum) return;
+    Job.RotX = Job.RotXCopy = other(1);
+    Job.RotY = Job.RotYCopy = other(2);
+    Job.RotZ = Job.RotZCopy = other(3);
+}
+
+// True when one of the rotation's angles is held: its value is the user's.
+bool RotationIsHeld() {
+    return Job.ParamText[kRotX] != kFloat || Job.ParamText[kRotY] != kFloat || Job.ParamText[kRotZ] != kFloat;
+}
+
 int Calculate(std::ostream& err) {
     if (Job.nIdent < 2)
         return Refuse(err, kRefused,
@@ -124,15 +144,16 @@ int Calculate(std::ostream& err) {
         return kRefused;
     }
     WriteMessages(err);
+    const int unknowns = CountUnknowns(Job.ParamText);
     if (Calculation.Refused)
         return Refuse(err, kRefused,
                       std::to_string(ObservationsInUse()) + " observations in use, " +
-                          std::to_string(Calculation.nFloat) +
-                          " unknowns: " + std::to_string(Calculation.nFloat - ObservationsInUse()) +
-                          " more observations are needed");
+                          std::to_string(unknowns) + " unknowns: " +
+                          std::to_string(unknowns - ObservationsInUse()) + " more observations are needed");
     if (!Calculation.Finite)
         return Refuse(err, kRefused,
                       "the result is not finite: the points do not determine these parameters");
+    if (!RotationIsHeld()) TakeNicerRotation();
     return Calculation.Converged ? kDone : kNotConverged;
 }
 
