@@ -35,7 +35,8 @@ public:
             char line[128];
             for (int i = 1; i <= kPoints; ++i) {
                 const auto value = [&random] {
-                    return static_cast<double>(static_cast<std::int64_t>(random() % 20000000) - 10000000) / 1e4;
+                    return static_cast<double>(static_cast<std::int64_t>(random() % 20000000) - 10000000) /
+                           1e4;
                 };
                 const double x = value(), y = value(), z = value();
                 content.append(line, static_cast<std::size_t>(std::snprintf(
