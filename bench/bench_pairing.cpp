@@ -13,6 +13,7 @@
 #include "core/fresh_start.h"
 #include "core/job.h"
 #include "core/run.h"
+#include "import/auto_find.h"
 #include "import/coordinate_pairs.h"
 #include "import/distance_search.h"
 #include "import/matching.h"
@@ -92,12 +93,12 @@ Cloud Measured(const Cloud& cloud, double noise) {
     return moved;
 }
 
-// With both tables. `matching` 0: two sets that have nothing to do with each other.
+// With both tables. `matching` 0: two sets that have nothing to do with each other, every row is searched.
 void SearchByDistances(benchmark::State& state) {
     const auto count = static_cast<int>(state.range(0));
     const Cloud target = RandomCloud(count, 5, 2000);
     const Cloud start = state.range(1) != 0 ? Measured(target, 0.01) : RandomCloud(count, 6, 2000);
-    const float etta = state.range(1) != 0 ? 0.05F : 1e-5F;
+    const float etta = state.range(1) != 0 ? 0.05F : 1e-9F;
     std::size_t found = 0;
     for (auto _ : state) {
         const std::vector<double> a = DistancesOfPairs(start.X, start.Y, start.Z, count);
@@ -105,6 +106,25 @@ void SearchByDistances(benchmark::State& state) {
         found = SearchDistances(a, b, etta).size();
     }
     state.counters["candidates"] = static_cast<double>(found);
+}
+
+// The whole search of a job without a solution, with its progress and yields.
+void AutoFindWithoutSolution(benchmark::State& state) {
+    FreshStart();
+    Headless = HeadlessRecord{};
+    const Cloud target = RandomCloud(1000, 5, 2000), start = RandomCloud(1000, 6, 2000);
+    Job.MCS_Name = Job.OCS_Name = std::vector<std::string>(1001);
+    Job.MCS_X = {start.X.begin(), start.X.end()};
+    Job.MCS_Y = {start.Y.begin(), start.Y.end()};
+    Job.MCS_Z = start.Z;
+    Job.OCS_X = {target.X.begin(), target.X.end()};
+    Job.OCS_Y = {target.Y.begin(), target.Y.end()};
+    Job.OCS_Z = target.Z;
+    GetInfoFromData();
+    Run.Etta = 1e-9F;
+    for (auto _ : state) AutoFindPts({});
+    state.counters["unsolved"] =
+        static_cast<double>(Headless.Dialogs.size()) / static_cast<double>(state.iterations());
 }
 
 // The loops themselves, for as many rows as they need or 200.
@@ -156,9 +176,8 @@ BENCHMARK(SearchByDistances)
     ->ArgsProduct({{100, 300, 1000}, {1, 0}})
     ->ArgNames({"points", "matching"})
     ->Unit(benchmark::kMillisecond);
+BENCHMARK(AutoFindWithoutSolution)->Unit(benchmark::kMillisecond);
 BENCHMARK(TwoLoopsByDistances)->Arg(100)->Arg(300)->Arg(1000)->Unit(benchmark::kMillisecond);
 BENCHMARK(PairingByCoordinates)->Arg(1)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 
 }  // namespace
-
-BENCHMARK_MAIN();

@@ -10,6 +10,8 @@
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/units.h"
+#include "engine/adjustment.h"
+#include "engine/calculation.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
 
@@ -34,6 +36,8 @@ void (*const kRecords[])() = {
     [] { Units = UnitsRecord{}; },
     [] { Chain = ChainRecord{}; },
     [] { Selection = SelectionRecord{}; },
+    [] { Adjustment = AdjustmentRecord{}; },
+    [] { Calculation = CalculationRecord{}; },
 };
 
 }  // namespace
@@ -42,7 +46,9 @@ std::span<const WindowEntry* const> AllWindows() {
     return kWindows;
 }
 
-std::span<const std::span<const RecordEntry>> AllRecords() { return kRecordTables; }
+std::span<const std::span<const RecordEntry>> AllRecords() {
+    return kRecordTables;
+}
 
 void FreshStart() {
     for (void (*const reset)() : kRecords) reset();

@@ -19,10 +19,6 @@ namespace {
 constexpr std::string_view kTitle = "Corvinade Version ";
 constexpr int kLongestTitle = 160;
 
-std::string StatusPanelName(int panel) {
-    return "StatusBar." + std::to_string(panel);
-}
-
 // The settings file's place: in the user's folder, or beside the program on systems without one.
 void FindSettingsFile() {
     const std::string system = OperatingSystemName();
@@ -139,9 +135,12 @@ std::string TitleText(const std::string& path) {
            LastCharacters(rest, kLongestTitle - 3 - static_cast<int>(kTitle.size()));
 }
 
+// Long work writes a text at every step, so a panel is found by its number.
 void SetStatus(int panel, const std::string& text) {
-    for (const ControlEntry& entry : FormMain_Entry.Controls)
-        if (StatusPanelName(panel) == entry.Name) entry.Place->Text = text;
+    const std::array<Control*, kStatusPanels> panels = {
+        &Main.StatusBar_1, &Main.StatusBar_2, &Main.StatusBar_3, &Main.StatusBar_4, &Main.StatusBar_5,
+        &Main.StatusBar_6, &Main.StatusBar_7, &Main.StatusBar_8, &Main.StatusBar_9};
+    if (panel >= 1 && panel <= kStatusPanels) panels[static_cast<std::size_t>(panel - 1)]->Text = text;
 }
 
 void StartUp(const std::string& commandLine) {

@@ -90,7 +90,7 @@ void ScanRows(std::span<const double> target, std::size_t begin, std::size_t end
     nearest = {static_cast<std::int64_t>(place), value - target[place]};
 }
 
-// The candidate of a start distance by the two searches as they are told.
+// The candidate of a start distance by the two searches, one after the other.
 bool ScanForCandidate(std::span<const double> target, double value, float etta,
                       DistanceCandidate& candidate) {
     Nearest match;
@@ -156,10 +156,7 @@ public:
         const double left = std::fabs(value - At(next - 1)), right = std::fabs(value - At(next));
         const double own = std::min(left, right);
         if (!(own < kNothing) || !Below(own, etta)) return false;
-        if (left == right) return true;
-        const std::size_t match = left < right ? next - 1 : next;
-        const double gap = std::min(At(match) - At(match - 1), At(match + 1) - At(match));
-        return Above(std::min(gap, kNothing), etta);
+        return (left <= right && IsClear(next - 1, etta)) || (right <= left && IsClear(next, etta));
     }
 
 private:
@@ -167,6 +164,12 @@ private:
         const double bucket = distance * perMm_;
         const std::size_t last = sorted_.size() - 1;
         return bucket < static_cast<double>(last) ? static_cast<std::size_t>(std::max(bucket, 0.0)) : last;
+    }
+
+    // Are the neighbours of a place farther off than the tolerance?
+    bool IsClear(std::size_t place, float etta) {
+        const double gap = std::min(At(place) - At(place - 1), At(place + 1) - At(place));
+        return Above(std::min(gap, kNothing), etta);
     }
 
     // The distance at a place of the whole order; endlessly far off outside of it.

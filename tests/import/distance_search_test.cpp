@@ -161,6 +161,15 @@ TEST_F(DistanceSearch, HalfAMillionLevelDistancesAreSearchedAtOnce) {
     EXPECT_TRUE(SearchDistances(start, target, 0.5F).empty());
 }
 
+TEST_F(DistanceSearch, HalfAMillionDistancesInTheMiddleOfTwoAreSearchedAtOnce) {
+    std::vector<double> target, start;
+    for (int i = 0; i < 500000; ++i) {
+        target.push_back(i % 1000);
+        start.push_back(i % 999 + 0.5);
+    }
+    EXPECT_TRUE(SearchDistances(start, target, 0.8F).empty());
+}
+
 TEST_F(DistanceSearch, TheCallBeforeEachRowCanEndIt) {
     std::vector<std::int64_t> rows;
     const std::vector<double> table = {10, 20, 30, 40, 50, 60, 70, 80, 90};
