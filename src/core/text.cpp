@@ -172,8 +172,7 @@ std::string_view CutField(std::string_view& line, char delimiter, std::string& s
         if (c == '\xC3') vanishing = true;  // first byte of the characters 254 and 255, among others
     }
     std::string_view field(begin, static_cast<std::size_t>(at - begin));
-    line = at == end ? std::string_view(end, 0)
-                     : std::string_view(at + 1, static_cast<std::size_t>(end - at - 1));
+    line = at == end ? std::string_view{} : std::string_view(at + 1, static_cast<std::size_t>(end - at - 1));
     if (!vanishing) return field;
     scratch.clear();
     for (std::size_t i = 0; i < field.size(); ++i) {

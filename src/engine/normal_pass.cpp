@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/require.h"
 #include "engine/normal_equations.h"
 
 namespace {
@@ -71,21 +72,29 @@ namespace lanes128 {
 #undef TILE
 }  // namespace lanes128
 
-using PassProcedure = void (*)(const GatheredPoints&, const FitModel&, const Linearisation&, NormalSums&);
+}  // namespace
 
-PassProcedure ChoosePass() {
+VectorWidth WidestVectors() {
 #if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
-    if (__builtin_cpu_supports("avx512f")) return lanes512::Pass;
-    if (__builtin_cpu_supports("avx2")) return lanes256::Pass;
+    if (__builtin_cpu_supports("avx512f")) return VectorWidth::Eight;
+    if (__builtin_cpu_supports("avx2")) return VectorWidth::Four;
 #endif
-    return lanes128::Pass;
+    return VectorWidth::Two;
 }
 
-}  // namespace
+void SumNormalEquations(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
+                        VectorWidth width, NormalSums& sums) {
+    Require(width <= WidestVectors());
+    sums.Lanes.fill(0);
+#if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
+    if (width == VectorWidth::Eight) return lanes512::Pass(points, model, at, sums);
+    if (width == VectorWidth::Four) return lanes256::Pass(points, model, at, sums);
+#endif
+    lanes128::Pass(points, model, at, sums);
+}
 
 void SumNormalEquations(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
                         NormalSums& sums) {
-    static const PassProcedure pass = ChoosePass();
-    sums.Lanes.fill(0);
-    pass(points, model, at, sums);
+    static const VectorWidth widest = WidestVectors();
+    SumNormalEquations(points, model, at, widest, sums);
 }

@@ -22,7 +22,7 @@ namespace {
 
 // What the search holds in memory for each row of a table. The start table has its distances alone.
 constexpr std::int64_t kMemoryLimit_bytes = std::int64_t{1} << 30;
-constexpr std::int64_t kStartRow_bytes = 8, kTargetRow_bytes = 32;
+constexpr std::int64_t kStartRow_bytes = 8, kTargetRow_bytes = 24;
 
 constexpr std::int64_t RowsOf(std::int64_t points) {
     return points * (points - 1) / 2;

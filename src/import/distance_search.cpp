@@ -2,7 +2,6 @@
 #include "import/distance_search.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -20,6 +19,7 @@ namespace {
 
 constexpr double kNothing = 1e10;  // where both searches begin: what lies farther off is not found
 constexpr std::int64_t kNoRow = -1;
+constexpr double kEndless = std::numeric_limits<double>::infinity();
 
 struct Nearest {
     std::int64_t Row = kNoRow;
@@ -44,19 +44,25 @@ CORVINADE_HOT void DistancesToRest(const double* x, const double* y, const doubl
 
 // --- By scan -------------------------------------------------------------------------------------------
 
+using Lanes = double __attribute__((vector_size(64)));
+constexpr std::size_t kLanes = 8;
+
 // The smallest |value - distance| below 1e10, or 1e10. A minimum is the same in any order.
 CORVINADE_HOT double SmallestDifference(const double* distance, std::size_t count, double value) {
-    using Lanes = double __attribute__((vector_size(64)));
-    constexpr std::size_t kLanes = 8;
-    Lanes least = Lanes{} + kNothing;
+    Lanes least = Lanes{} + kNothing, least2 = least;
     std::size_t i = 0;
-    for (; i + kLanes <= count; i += kLanes) {
-        Lanes d;
-        std::memcpy(&d, distance + i, sizeof d);
-        d = value - d;
-        d = d < 0 ? -d : d;
-        least = d < least ? d : least;
+    for (; i + 2 * kLanes <= count; i += 2 * kLanes) {
+        Lanes a, b;
+        std::memcpy(&a, distance + i, sizeof a);
+        std::memcpy(&b, distance + i + kLanes, sizeof b);
+        a = value - a;
+        b = value - b;
+        a = a < 0 ? -a : a;
+        b = b < 0 ? -b : b;
+        least = a < least ? a : least;
+        least2 = b < least2 ? b : least2;
     }
+    least = least2 < least ? least2 : least;
     double smallest = kNothing;
     for (std::size_t lane = 0; lane < kLanes; ++lane) smallest = std::min(smallest, least[lane]);
     for (; i < count; ++i) {
@@ -66,51 +72,42 @@ CORVINADE_HOT double SmallestDifference(const double* distance, std::size_t coun
     return smallest;
 }
 
-// The lowest row at which `smallest` is reached, other than `without`.
-Nearest FirstAt(std::span<const double> distance, double value, double smallest, std::int64_t without) {
-    if (!(smallest < kNothing)) return {};
-    for (std::size_t i = 0; i < distance.size(); ++i)
-        if (std::fabs(value - distance[i]) == smallest && static_cast<std::int64_t>(i) != without)
-            return {static_cast<std::int64_t>(i), value - distance[i]};
-    return {};
+// The nearest distance among rows `begin` to `end` - 1, the lowest row of several, if it is nearer than
+// `nearest` is. Block by block, so that the row is looked for in one block alone.
+void ScanRows(std::span<const double> target, std::size_t begin, std::size_t end, double value,
+              Nearest& nearest) {
+    constexpr std::size_t kBlock = 1024;
+    double least = std::fabs(nearest.Difference);
+    std::size_t place = end;
+    for (std::size_t i = begin; i < end; i += kBlock) {
+        const double smallest = SmallestDifference(target.data() + i, std::min(kBlock, end - i), value);
+        if (!(smallest < least)) continue;
+        least = smallest;
+        place = i;
+    }
+    if (place == end) return;
+    while (std::fabs(value - target[place]) != least) ++place;
+    nearest = {static_cast<std::int64_t>(place), value - target[place]};
 }
 
-Nearest ScanNearest(std::span<const double> target, double value) {
-    return FirstAt(target, value, SmallestDifference(target.data(), target.size(), value), kNoRow);
-}
-
-Nearest ScanNeighbour(std::span<const double> target, std::int64_t row) {
-    const auto place = static_cast<std::size_t>(row);
-    const double value = target[place];
-    const double before = SmallestDifference(target.data(), place, value);
-    const double behind = SmallestDifference(target.data() + place + 1, target.size() - place - 1, value);
-    return FirstAt(target, value, std::min(before, behind), row);
+// The candidate of a start distance by the two searches, one after the other.
+bool ScanForCandidate(std::span<const double> target, double value, float etta,
+                      DistanceCandidate& candidate) {
+    Nearest match;
+    ScanRows(target, 0, target.size(), value, match);
+    if (match.Row == kNoRow || !Below(match.Difference, etta)) return false;
+    const auto row = static_cast<std::size_t>(match.Row);
+    Nearest neighbour;
+    ScanRows(target, 0, row, target[row], neighbour);
+    ScanRows(target, row + 1, target.size(), target[row], neighbour);
+    if (!Above(neighbour.Difference, etta)) return false;
+    candidate.TargetRow = match.Row;
+    candidate.Best1 = match.Difference;
+    candidate.Best2 = neighbour.Difference;
+    return true;
 }
 
 // --- By index ------------------------------------------------------------------------------------------
-
-struct Entry {
-    double Distance = 0;
-    std::uint32_t Row = 0;  // the lowest one of this distance
-    bool Repeated = false;  // further rows have the same distance
-};
-
-// A table of buckets over ascending values that leads to the right place with hardly a search.
-struct Buckets {
-    std::vector<std::uint32_t> Start;  // place of the first value of each bucket; one more at the end
-    double PerMm = 0;
-
-    Buckets(std::size_t count, double length)
-        : Start(count + 1), PerMm(static_cast<double>(count) / length) {}
-    std::size_t Of(double distance) const {
-        const double bucket = distance * PerMm;
-        const auto last = static_cast<double>(Start.size() - 2);
-        return bucket < last ? static_cast<std::size_t>(std::max(bucket, 0.0)) : Start.size() - 2;
-    }
-    void StartsFromCounts() {  // Start[b + 1] held the number of values in bucket b
-        for (std::size_t b = 1; b < Start.size(); ++b) Start[b] += Start[b - 1];
-    }
-};
 
 bool IsFinite(double distance) {
     return distance < std::numeric_limits<double>::infinity();  // no distance is negative
@@ -129,116 +126,71 @@ double UsualLength(std::span<const double> target) {
     return std::clamp(*high * 1.05, 1e-200, 1e200);
 }
 
-// The finite distances in ascending order, each once.
-std::vector<Entry> SortedDistances(std::span<const double> target) {
-    Buckets buckets(target.size() / 2 + 1, UsualLength(target));
-    std::vector<std::uint32_t> bucketOf(target.size());
-    for (std::size_t i = 0; i < target.size(); ++i) {
-        bucketOf[i] = static_cast<std::uint32_t>(IsFinite(target[i]) ? buckets.Of(target[i]) : 0);
-        if (IsFinite(target[i])) ++buckets.Start[bucketOf[i] + 1];
-    }
-    buckets.StartsFromCounts();
-    std::vector<Entry> sorted(buckets.Start.back());
-    // In the order of the rows, so that a bucket's level distances have theirs; each start moves on to
-    // that of the next bucket.
-    for (std::size_t i = 0; i < target.size(); ++i)
-        if (IsFinite(target[i]))
-            sorted[buckets.Start[bucketOf[i]]++] = {target[i], static_cast<std::uint32_t>(i), false};
-    const auto before = [](const Entry& a, const Entry& b) {
-        return a.Distance != b.Distance ? a.Distance < b.Distance : a.Row < b.Row;
-    };
-    std::size_t begin = 0, kept = 0;
-    for (std::size_t b = 0; b + 1 < buckets.Start.size(); ++b) {
-        const std::size_t end = buckets.Start[b];
-        if (end - begin > 1)
-            std::sort(sorted.begin() + static_cast<std::ptrdiff_t>(begin),
-                      sorted.begin() + static_cast<std::ptrdiff_t>(end), before);
-        for (; begin < end; ++begin) {
-            if (kept > 0 && sorted[kept - 1].Distance == sorted[begin].Distance) {
-                sorted[kept - 1].Repeated = true;
-            } else {
-                sorted[kept++] = sorted[begin];
-            }
-        }
-    }
-    sorted.resize(kept);
-    return sorted;
-}
-
-// Among the entries from `from` on, `step` by `step`, those that are as near to `value` as the first one:
-// rounding can make several distances equally near. The one of the lowest row, or `best` if that is nearer
-// or has a lower one still.
-void TakeNearest(const std::vector<Entry>& sorted, double value, std::size_t from, int step, Nearest& best) {
-    const auto end = step < 0 ? std::size_t{0} - 1 : sorted.size();
-    for (std::size_t i = from; i != end; i += static_cast<std::size_t>(step)) {
-        const double difference = value - sorted[i].Distance;
-        const double size = std::fabs(difference), bestSize = std::fabs(best.Difference);
-        if (size > bestSize) break;
-        const auto row = static_cast<std::int64_t>(sorted[i].Row);
-        if (size < bestSize || (best.Row != kNoRow && row < best.Row)) best = {row, difference};
-    }
-}
-
-// Only a target distance whose neighbours are farther off than the tolerance can make a candidate, and in
-// a dense table there are few of them. So these alone are looked through for each start row.
-class ClearDistances {
+// The finite target distances in buckets of ascending lengths. A bucket is sorted when it is first looked
+// into: most searches end long before they have seen them all.
+class DistanceIndex {
 public:
-    ClearDistances(std::span<const double> target, float etta)
-        : etta_(etta), sorted_(SortedDistances(target)), buckets_(1, 1) {
-        for (std::size_t k = 0; k < sorted_.size(); ++k)
-            if (!sorted_[k].Repeated && Above(Neighbour(k).Difference, etta)) {
-                clear_.push_back(sorted_[k].Distance);
-                place_.push_back(static_cast<std::uint32_t>(k));
-            }
-        if (clear_.empty()) return;
-        buckets_ = Buckets(2 * clear_.size(), std::max(UsualLength(clear_), 1e-200));
-        for (const double distance : clear_) ++buckets_.Start[buckets_.Of(distance) + 1];
-        buckets_.StartsFromCounts();
+    explicit DistanceIndex(std::span<const double> target) {
+        const std::size_t buckets = target.size() / 2 + 1;
+        perMm_ = static_cast<double>(buckets) / UsualLength(target);
+        start_.resize(buckets + 2);
+        sorted_.resize(buckets);
+        for (const double distance : target)
+            if (IsFinite(distance)) ++start_[BucketOf(distance) + 2];
+        for (std::size_t b = 1; b < start_.size(); ++b) start_[b] += start_[b - 1];
+        value_.resize(start_.back());
+        // The start of the next bucket counts up while this one is filled, and ends at its own place.
+        for (const double distance : target)
+            if (IsFinite(distance)) value_[start_[BucketOf(distance) + 1]++] = distance;
     }
 
-    // The candidate of a start distance, if there is one.
-    bool Find(double value, DistanceCandidate& candidate) const {
-        if (clear_.empty() || !IsFinite(value)) return false;
-        const std::size_t bucket = buckets_.Of(value);
-        const auto begin = clear_.begin() + buckets_.Start[bucket];
-        const auto end = clear_.begin() + buckets_.Start[bucket + 1];
-        const auto next = static_cast<std::size_t>(std::lower_bound(begin, end, value) - clear_.begin());
-        const bool left = next > 0 && IsNear(value - clear_[next - 1]);
-        const bool right = next < clear_.size() && IsNear(value - clear_[next]);
-        return (left && Check(value, place_[next - 1], candidate)) ||
-               (right && Check(value, place_[next], candidate));
+    // Can the row of this start distance be a candidate? It is one unless several distances are equally
+    // near, which the rows decide.
+    bool MayBeCandidate(double value, float etta) {
+        if (value_.empty() || !IsFinite(value)) return false;
+        const std::size_t bucket = BucketOf(value);
+        Sort(bucket);
+        const auto begin = value_.begin();
+        const auto next = static_cast<std::size_t>(
+            std::lower_bound(begin + start_[bucket], begin + start_[bucket + 1], value) - begin);
+        const double left = std::fabs(value - At(next - 1)), right = std::fabs(value - At(next));
+        const double own = std::min(left, right);
+        if (!(own < kNothing) || !Below(own, etta)) return false;
+        return (left <= right && IsClear(next - 1, etta)) || (right <= left && IsClear(next, etta));
     }
 
 private:
-    bool IsNear(double difference) const {
-        return std::fabs(difference) < kNothing && Below(difference, etta_);
+    std::size_t BucketOf(double distance) const {
+        const double bucket = distance * perMm_;
+        const std::size_t last = sorted_.size() - 1;
+        return bucket < static_cast<double>(last) ? static_cast<std::size_t>(std::max(bucket, 0.0)) : last;
     }
 
-    Nearest Neighbour(std::size_t k) const {
-        Nearest nearest;
-        if (k > 0) TakeNearest(sorted_, sorted_[k].Distance, k - 1, -1, nearest);
-        if (k + 1 < sorted_.size()) TakeNearest(sorted_, sorted_[k].Distance, k + 1, 1, nearest);
-        return nearest;
+    // Are the neighbours of a place farther off than the tolerance?
+    bool IsClear(std::size_t place, float etta) {
+        const double gap = std::min(At(place) - At(place - 1), At(place + 1) - At(place));
+        return Above(std::min(gap, kNothing), etta);
     }
 
-    // Is this one, which is clear and near enough, also the nearest of all?
-    bool Check(double value, std::size_t k, DistanceCandidate& candidate) const {
-        Nearest nearest;
-        const std::size_t next = k + (sorted_[k].Distance < value ? 1 : 0);
-        if (next > 0) TakeNearest(sorted_, value, next - 1, -1, nearest);
-        if (next < sorted_.size()) TakeNearest(sorted_, value, next, 1, nearest);
-        if (nearest.Row != static_cast<std::int64_t>(sorted_[k].Row)) return false;
-        candidate.TargetRow = nearest.Row;
-        candidate.Best1 = nearest.Difference;
-        candidate.Best2 = Neighbour(k).Difference;
-        return true;
+    // The distance at a place of the whole order; endlessly far off outside of it.
+    double At(std::size_t place) {
+        if (place >= value_.size())  // also one before the first
+            return place == value_.size() ? kEndless : -kEndless;
+        // Which one stands there is known once its bucket is sorted; which bucket that is does not change.
+        Sort(BucketOf(value_[place]));
+        return value_[place];
     }
 
-    float etta_;
-    std::vector<Entry> sorted_;
-    std::vector<double> clear_;         // ascending
-    std::vector<std::uint32_t> place_;  // of a clear distance in sorted_
-    Buckets buckets_;                   // over the clear ones
+    void Sort(std::size_t bucket) {
+        if (sorted_[bucket] != 0) return;
+        sorted_[bucket] = 1;
+        std::sort(value_.begin() + start_[bucket], value_.begin() + start_[bucket + 1]);
+    }
+
+    double perMm_ = 0;
+    std::vector<std::uint32_t> start_;  // place of the first value of each bucket, and the end
+    std::vector<double> value_;         // bucket by bucket
+    std::vector<std::uint8_t> sorted_;  // 1 once a bucket is
 };
 
 }  // namespace
@@ -251,24 +203,19 @@ std::vector<DistanceCandidate> SearchDistances(std::span<const double> start, st
     if (!(etta > 0 && etta < static_cast<float>(kNothing)) || target.empty()) return found;
 
     // Measured data often give enough candidates at once; only after these rows an index pays.
-    constexpr std::int64_t kScannedRows = 6;
-    std::optional<ClearDistances> index;
+    constexpr std::int64_t kScannedRows = 12;
+    std::optional<DistanceIndex> index;
     const auto rows = static_cast<std::int64_t>(start.size());
     for (std::int64_t row = 0; row < rows; ++row) {
         if (beforeRow && !beforeRow(row, static_cast<int>(found.size()))) break;
         const double value = start[static_cast<std::size_t>(row)];
-        DistanceCandidate candidate;
-        if (row < kScannedRows) {
-            const Nearest match = ScanNearest(target, value);
-            if (match.Row == kNoRow || !Below(match.Difference, etta)) continue;
-            const Nearest neighbour = ScanNeighbour(target, match.Row);
-            if (!Above(neighbour.Difference, etta)) continue;
-            candidate = {row, match.Row, match.Difference, neighbour.Difference};
-        } else {
-            if (!index) index.emplace(target, etta);
-            if (!index->Find(value, candidate)) continue;
-            candidate.StartRow = row;
+        if (row >= kScannedRows) {
+            if (!index) index.emplace(target);
+            if (!index->MayBeCandidate(value, etta)) continue;
         }
+        DistanceCandidate candidate;
+        if (!ScanForCandidate(target, value, etta, candidate)) continue;
+        candidate.StartRow = row;
         found.push_back(candidate);
         if (found.size() > kEnoughCandidates) break;
     }

@@ -45,7 +45,7 @@ void AnzZeilen(const std::string& path, std::int64_t& count);
 void AnzZeilen(const PointText& file, std::int64_t& count);
 
 // Number of fields of a line.
-void AnzSpalten(std::string line, std::int32_t& count, const std::string& delimiter);
+void AnzSpalten(const std::string& line, std::int32_t& count, const std::string& delimiter);
 
 // How often a text occurs in a file read without its line ends, so also across them. The search goes on
 // one character behind the start of what it found.

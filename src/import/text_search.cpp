@@ -5,7 +5,7 @@
 #include "core/text.h"
 #include "import/point_file_checks.h"
 
-void AnzSpalten(std::string line, std::int32_t& count, const std::string& delimiter) {
+void AnzSpalten(const std::string& line, std::int32_t& count, const std::string& delimiter) {
     count = 0;
     const char sign = DelimiterCharacter(delimiter);
     std::string scratch;
