@@ -12,20 +12,20 @@
 #include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/engine_records.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
+#include "import/form_input_files.h"
 
 namespace {
 
 const WindowEntry* const kWindows[] = {
-    &FormMain_Entry,
-    &FormUnits_Entry,
-    &FormMenuHelpInfo_Entry,
-    &FormProgressBar_Entry,
+    &FormMain_Entry, &FormUnits_Entry, &FormMenuHelpInfo_Entry, &FormProgressBar_Entry, &FormInputFiles_Entry,
 };
 
 const std::span<const RecordEntry> kRecordTables[] = {
     CoreRecords(),
+    EngineRecords(),
 };
 
 // Windows are records too; they are reset by way of their own table.
@@ -38,6 +38,7 @@ void (*const kRecords[])() = {
     [] { Selection = SelectionRecord{}; },
     [] { Adjustment = AdjustmentRecord{}; },
     [] { Calculation = CalculationRecord{}; },
+    [] { Spezial = SpezialRecord{}; },
 };
 
 }  // namespace

@@ -24,8 +24,8 @@ void FindSettingsFile() {
     const std::string system = OperatingSystemName();
     const bool hasUserFolder = system.size() >= 13 && system.compare(8, 5, "Vista") == 0;
     if (hasUserFolder) {
-        const std::string root = EnvironmentVariable("appdata").value_or(UserSettingsFolder());
-        const std::string folder = JoinPath(root, "Corvinade");
+        const std::string appdata = EnvironmentVariable("appdata").value_or("");
+        const std::string folder = JoinPath(appdata.empty() ? UserSettingsFolder() : appdata, "Corvinade");
         Run.SettingsFilePath = JoinPath(folder, "Corvinade.ini");
         if (File_Exist(Run.SettingsFilePath)) return;
         if (!Directory_Exist(folder)) CreateFolder(folder);
@@ -34,6 +34,23 @@ void FindSettingsFile() {
         if (File_Exist(Run.SettingsFilePath)) return;
     }
     IniDateiAnlegen();
+}
+
+// Reads the settings file. What it cannot give, because it is missing, unreadable or holds a text where a
+// number must stand, has the default of a new file; what stands before such a text is kept.
+void ReadSettings() {
+    const auto takeDefaults = [] { ReadSettingsText(DefaultSettingsText(), Run.SettingsFilePath); };
+    if (!File_Exist(Run.SettingsFilePath)) return takeDefaults();
+    try {
+        IniLesen();
+    } catch (const PlatformError&) {
+        takeDefaults();
+        try {
+            IniLesen();
+        } catch (const PlatformError&) {  // the same as the one that is passed on
+        }
+        throw;
+    }
 }
 
 // The last `count` characters of a UTF-8 text.
@@ -147,19 +164,15 @@ void StartUp(const std::string& commandLine) {
     // Each step is an event of its own: settings that cannot be written or read are told, and the
     // program starts all the same, with the defaults in their place.
     ShowWindow("FormMain");
-    Dispatch(FindSettingsFile);
-    Dispatch([] {
-        if (File_Exist(Run.SettingsFilePath)) {
-            IniLesen();
-        } else {
-            ReadSettingsText(DefaultSettingsText(), Run.SettingsFilePath);
-        }
-    });
+    if (!Dispatch(FindSettingsFile)) Settings.RefusalTold = true;
+    Dispatch(ReadSettings);
     ShowStartScreen();
     Dispatch(Initialisieren);
     if (!commandLine.empty())
         Dispatch([&commandLine] {
-            Run.JobFilePath = commandLine.size() < 2 ? "" : commandLine.substr(1, commandLine.size() - 2);
+            const std::string rest = LastCharacters(commandLine, CharacterCount(commandLine) - 1);
+            const std::size_t last = LastCharacters(rest, 1).size();
+            Run.JobFilePath = rest.substr(0, rest.size() - last);
             OpenFile(Run.JobFilePath);
         });
 }
@@ -193,9 +206,10 @@ void ProgrammLogik() {
     for (std::size_t i = 0; i < recent.size(); ++i)
         recent[i]->Text = "&" + std::to_string(i + 1) + " " + Run.LastFile[i + 1];
     Main.Window.Caption = TitleText(Run.JobFilePath);
-    EnableCommands();
     std::int16_t graphicsWindows = 0;
     CountChildForms(graphicsWindows);
+    if (graphicsWindows > 0) Run.GraphicsWindowSeen = true;
+    EnableCommands();
     if (graphicsWindows > 0) FollowTopGraphicsWindow();
 }
 

@@ -1,6 +1,7 @@
 // Conversion between the text of files and text in memory, lines and fields.
 #include "core/text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -136,15 +137,22 @@ std::string UpperAscii(std::string_view text) {
 
 bool CutLine(std::string_view& rest, std::string_view& line) {
     if (rest.empty()) return false;
-    const auto* lineFeed = static_cast<const char*>(std::memchr(rest.data(), '\n', rest.size()));
-    std::size_t end = lineFeed == nullptr ? rest.size() : static_cast<std::size_t>(lineFeed - rest.data());
-    const auto* carriageReturn = static_cast<const char*>(std::memchr(rest.data(), '\r', end));
-    std::size_t next = lineFeed == nullptr ? end : end + 1;
-    if (carriageReturn != nullptr) {
-        const auto place = static_cast<std::size_t>(carriageReturn - rest.data());
-        if (place + 1 != end || lineFeed == nullptr) next = place + 1;
-        end = place;
+    // Window by window: a file of CR alone has no LF to be found, and looking for one as far as the end
+    // of the file would take that long for every line.
+    constexpr std::size_t kWindow = 256;
+    std::size_t end = rest.size();
+    for (std::size_t at = 0; at < rest.size() && end == rest.size(); at += kWindow) {
+        std::size_t length = std::min(kWindow, rest.size() - at);
+        const char* const window = rest.data() + at;
+        for (const char lineEnd : {'\n', '\r'}) {
+            const auto* found = static_cast<const char*>(std::memchr(window, lineEnd, length));
+            if (found == nullptr) continue;
+            length = static_cast<std::size_t>(found - window);
+            end = at + length;
+        }
     }
+    std::size_t next = std::min(end + 1, rest.size());
+    if (next < rest.size() && rest[end] == '\r' && rest[next] == '\n') ++next;
     line = rest.substr(0, end);
     rest.remove_prefix(next);
     return true;
@@ -164,8 +172,7 @@ std::string_view CutField(std::string_view& line, char delimiter, std::string& s
         if (c == '\xC3') vanishing = true;  // first byte of the characters 254 and 255, among others
     }
     std::string_view field(begin, static_cast<std::size_t>(at - begin));
-    line = at == end ? std::string_view(end, 0)
-                     : std::string_view(at + 1, static_cast<std::size_t>(end - at - 1));
+    line = at == end ? std::string_view{} : std::string_view(at + 1, static_cast<std::size_t>(end - at - 1));
     if (!vanishing) return field;
     scratch.clear();
     for (std::size_t i = 0; i < field.size(); ++i) {
