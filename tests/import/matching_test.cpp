@@ -88,6 +88,17 @@ TEST_F(Matching, UseFlagsKeepTheirContentWhenThePairsChange) {
     EXPECT_EQ(Job.UseFlags, (std::vector<std::int16_t>{0, 1, 0, 1, 0, 0, 0}));
 }
 
+TEST_F(Matching, NothingOfAnOlderJobStaysInTheRVectors) {
+    Fill({"a", "b"}, {"a", "b"});
+    Job.RVecX = {std::nullopt, 5.0, 6.0};
+    Job.RVecY = Job.RVecX;
+    Job.RVecZ = {0, 5, 6};
+    MatchByName();
+    EXPECT_EQ(Job.RVecX, std::vector<TaggedValue>(3));
+    EXPECT_EQ(Job.RVecY, std::vector<TaggedValue>(3));
+    EXPECT_EQ(Job.RVecZ, std::vector<double>(3));
+}
+
 TEST_F(Matching, WithoutAPairTheJobIsValid) {
     Fill({"a"}, {"b"});
     MatchByName();
