@@ -119,7 +119,7 @@ bool ImportByDistance() {
     AddPrefix(Job.MCS_Name, "MCS_");
     AddPrefix(Job.OCS_Name, "OCS_");
     AutoFindPts(options);
-    return MatchByName();
+    return !IsTrue(Run.ImportFailed) && MatchByName();
 }
 
 bool ImportByCoordinate() {
@@ -161,8 +161,12 @@ struct ImportGuard {
     ImportGuard& operator=(const ImportGuard&) = delete;
     ~ImportGuard() {
         RepairJobCounts();
-        if (!IsTrue(Run.IsDefault) && !Run.PathReader.empty()) Job.PathOCS = Run.PathReader;
+        const bool isLent = !IsTrue(Run.IsDefault) && !Run.PathReader.empty() && Job.PathOCS == lent_;
+        if (isLent) Job.PathOCS = Run.PathReader;
     }
+
+private:
+    std::string lent_ = Job.PathOCS;  // another path is that of another job, opened during the search
 };
 
 }  // namespace

@@ -568,6 +568,45 @@ TEST_F(InputDialog, ByDistanceWithoutASolutionGoesOnByNamesWithoutPairs) {
     EXPECT_EQ(Job.nIdent, 0);
 }
 
+TEST_F(InputDialog, AJobThatReplacesThePointsDuringTheSearchIsLeftAsItIs) {
+    Open();
+    UserSetValue(InputFiles.OptionByDis, 1);
+    Answer("input", "0.000001");
+    JobRecord other;
+    Headless.OnYield = [&] {
+        if (Headless.Yields != 3) return;
+        Job = JobRecord{};
+        Job.MCS_Name = {"", "b", "a", "c"};
+        Job.OCS_Name = {"", "b", "a"};
+        Job.MCS_X = Job.MCS_Y = {{}, 1.0, 2.0, 3.0};
+        Job.OCS_X = Job.OCS_Y = {{}, 1.0, 2.0};
+        Job.MCS_Z = {0, 1, 2, 3};
+        Job.OCS_Z = {0, 1, 2};
+        Job.nMCS = 3;
+        Job.nOCS = Job.nIdent = 2;
+        Job.nMCSOnly = 1;
+        Job.TMCS_Name = Job.MCS_Name;
+        Job.TMCS_X = Job.TMCS_Y = {{}, 7.0, 8.0, 9.0};
+        Job.TMCS_Z = {0, 7, 8, 9};
+        Job.RVecX = Job.RVecY = {{}, {}, {}};
+        Job.RVecZ = {0, 0, 0};
+        Job.UseFlags = {0, 1, 1, 0, 1, 1, 1};
+        Job.PathMCS = "another";
+        other = Job;
+        Run.JobDirty = kFalse;
+        ++Run.JobGeneration;
+    };
+    UserClick(InputFiles.BtnApply);
+    EXPECT_EQ(Job.MCS_Name, other.MCS_Name);
+    EXPECT_EQ(Job.OCS_Name, other.OCS_Name);
+    EXPECT_EQ(Job.MCS_X, other.MCS_X);
+    EXPECT_EQ(Job.TMCS_X, other.TMCS_X);
+    EXPECT_EQ(Job.nIdent, 2);
+    EXPECT_EQ(Run.JobDirty, kFalse);
+    EXPECT_EQ(Run.ImportFailed, kTrue);
+    EXPECT_NE(Settings.MCS_FileName, "another");
+}
+
 // --- More points ------------------------------------------------------------------------------------------
 
 TEST_F(InputDialog, AddsStartPointsWithAPrefix) {
