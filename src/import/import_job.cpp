@@ -133,6 +133,7 @@ bool ImportByCoordinate() {
         AddPrefix(Job.OCS_Name, "OCS_");
     }
     PärchenSuchen(options);
+    if (IsTrue(Run.ImportFailed) || IsTrue(Run.StopRequested)) return false;
     if (options.CheckRenameMCS) RewritePointFile(Job.PathMCS, Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z);
     if (options.CheckRenameOCS) RewritePointFile(Job.PathOCS, Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
     return MatchByName();

@@ -2,6 +2,7 @@
 // message.
 #include "import/form_input_files.h"
 
+#include <cmath>
 #include <filesystem>
 
 #include "cli/headless.h"
@@ -9,6 +10,7 @@
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/job.h"
+#include "core/numbers.h"
 #include "core/platform.h"
 #include "core/settings.h"
 #include "core/text.h"
@@ -504,6 +506,29 @@ TEST_F(InputDialog, RenamingTheStartPointsRewritesTheirFileAndKeepsTheOldOne) {
     }
     EXPECT_EQ(Job.MCS_Name[1], "p");
     EXPECT_EQ(Job.nIdent, 2);
+}
+
+TEST_F(InputDialog, AStopDuringTheSearchByCoordinateEndsTheImportAndRewritesNothing) {
+    std::string centre, sphere;
+    for (int i = 1; i <= 5000; ++i) {
+        const double height = 1 - i / 2500.5, width = std::sqrt(1 - height * height);
+        centre += "s" + std::to_string(i) + ";0;0;0\r\n";
+        sphere += "t" + std::to_string(i) + ";" + PlainText(width * std::cos(i)) + ";" +
+                  PlainText(width * std::sin(i)) + ";" + PlainText(height) + "\r\n";
+    }
+    start_ = Write("centre.txt", centre);
+    target_ = Write("sphere.txt", sphere);
+    Open();
+    UserSetValue(InputFiles.OptionByCoordinate, 1);
+    UserSetValue(InputFiles.CheckRenameMCS, 1);
+    Answer("input", "5");
+    Headless.OnYield = [] { Run.StopRequested = kTrue; };
+    UserClick(InputFiles.BtnOK);
+    EXPECT_EQ(Headless.Yields, 1u);
+    EXPECT_EQ(Run.JobDataValid, kFalse);
+    EXPECT_EQ(Run.WaitPointers, 0);
+    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_FALSE(File_Exist(start_ + ".$"));
 }
 
 TEST_F(InputDialog, TheRewrittenFileHoldsMillimetresWhateverTheUnit) {
