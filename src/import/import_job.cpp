@@ -119,7 +119,7 @@ bool ImportByDistance() {
     AddPrefix(Job.MCS_Name, "MCS_");
     AddPrefix(Job.OCS_Name, "OCS_");
     AutoFindPts(options);
-    return MatchByName();
+    return !IsTrue(Run.ImportFailed) && MatchByName();
 }
 
 bool ImportByCoordinate() {
@@ -133,6 +133,7 @@ bool ImportByCoordinate() {
         AddPrefix(Job.OCS_Name, "OCS_");
     }
     PärchenSuchen(options);
+    if (IsTrue(Run.ImportFailed) || IsTrue(Run.StopRequested)) return false;
     if (options.CheckRenameMCS) RewritePointFile(Job.PathMCS, Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z);
     if (options.CheckRenameOCS) RewritePointFile(Job.PathOCS, Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
     return MatchByName();
@@ -161,8 +162,12 @@ struct ImportGuard {
     ImportGuard& operator=(const ImportGuard&) = delete;
     ~ImportGuard() {
         RepairJobCounts();
-        if (!IsTrue(Run.IsDefault) && !Run.PathReader.empty()) Job.PathOCS = Run.PathReader;
+        const bool isLent = !IsTrue(Run.IsDefault) && !Run.PathReader.empty() && Job.PathOCS == lent_;
+        if (isLent) Job.PathOCS = Run.PathReader;
     }
+
+private:
+    std::string lent_ = Job.PathOCS;  // another path is that of another job, opened during the search
 };
 
 }  // namespace
