@@ -1,6 +1,7 @@
 // Pairing by coordinates: the points of the job go through the transformation, the pairs get equal names.
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,6 +26,12 @@ void PärchenSuchen(const MatchingOptions& options) {
         targetY[j] = Job.OCS_Y[j].value_or(0);
         targetZ[j] = Job.OCS_Z[j];
     }
+    // An element without a name is no point, only a place that a line too short for one has left unused.
+    constexpr double kNowhere = std::numeric_limits<double>::quiet_NaN();
+    for (std::size_t i = 1; i <= nMCS; ++i)
+        if (Job.MCS_Name[i].empty()) startX[i] = kNowhere;
+    for (std::size_t j = 1; j <= nOCS; ++j)
+        if (Job.OCS_Name[j].empty()) targetX[j] = kNowhere;
     Job.nIdent = 0;
     Run.StopRequested = kFalse;
     const std::uint64_t generation = Run.JobGeneration;

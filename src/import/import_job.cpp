@@ -75,7 +75,8 @@ bool AskEtta(const std::string& text) {
 }
 
 void AddPrefix(std::vector<std::string>& names, const char* prefix) {
-    for (std::size_t i = 1; i < names.size(); ++i) names[i].insert(0, prefix);
+    for (std::size_t i = 1; i < names.size(); ++i)
+        if (!names[i].empty()) names[i].insert(0, prefix);  // an unused element stays without a name
 }
 
 MatchingOptions OptionsOfDialog() {

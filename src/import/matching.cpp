@@ -94,8 +94,9 @@ Pairs FindPairs(const NameOrder& joined) {
         pairs.Start.push_back(isStart(one) ? one : other);
         pairs.Target.push_back((isStart(one) ? other : one) - UpperBound(Job.MCS_Name));
     };
+    // An element without a name is the one that a line too short for a point has left unused: no point.
     const auto match = [&](std::int32_t one, std::int32_t other) {
-        return isStart(one) != isStart(other) && name(one) == name(other);
+        return isStart(one) != isStart(other) && name(one) == name(other) && !name(one).empty();
     };
     const std::size_t end = joined.Place.size();
     std::vector<std::int32_t> left;  // level names without an equal neighbour
@@ -114,7 +115,7 @@ Pairs FindPairs(const NameOrder& joined) {
         // Level names may stand between two equal ones. They are one point all the same.
         std::unordered_map<std::string_view, std::int32_t> starts;
         for (const std::int32_t place : left)
-            if (isStart(place)) starts.emplace(name(place), place);
+            if (isStart(place) && !name(place).empty()) starts.emplace(name(place), place);
         for (const std::int32_t place : left) {
             const auto partner = isStart(place) ? starts.end() : starts.find(name(place));
             if (partner == starts.end()) continue;
@@ -173,7 +174,7 @@ void GetInfoFromData() {
     Job.nIdent = 0;
     const auto both = static_cast<std::size_t>(std::min(Job.nMCS, Job.nOCS));
     for (std::size_t i = 1; i <= both; ++i)
-        if (Job.MCS_Name[i] == Job.OCS_Name[i]) ++Job.nIdent;
+        if (Job.MCS_Name[i] == Job.OCS_Name[i] && !Job.MCS_Name[i].empty()) ++Job.nIdent;
     Job.nMCSOnly = Job.nMCS - Job.nIdent;
     Job.nOCSOnly = Job.nOCS - Job.nIdent;
 }

@@ -15,6 +15,7 @@
 #include "core/settings.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "import/matching.h"
 #include "support/fixture.h"
 
 namespace {
@@ -630,6 +631,20 @@ TEST_F(InputDialog, AJobThatReplacesThePointsDuringTheSearchIsLeftAsItIs) {
     EXPECT_EQ(Run.JobDirty, kFalse);
     EXPECT_EQ(Run.ImportFailed, kTrue);
     EXPECT_NE(Settings.MCS_FileName, "another");
+}
+
+TEST_F(InputDialog, ElementsThatShortLinesLeaveUnusedNeverPair) {
+    start_ = Write("short1.txt", "A;0;0;0\r\nB;100;0;0\r\nC;0;200;0\r\n");
+    target_ = Write("short2.txt", "A;5;6;7\r\nB;105;6;7\r\nC;5;206;7\r\n");
+    Import();
+    for (auto* names : {&Job.MCS_Name, &Job.OCS_Name}) (*names)[2] = "";
+    GetInfoFromData();
+    EXPECT_EQ(Job.nIdent, 2);
+    SortForIdentPts();
+    GetInfoFromData();
+    EXPECT_EQ(Job.nIdent, 2);
+    EXPECT_EQ(Names(Job.MCS_Name), (std::vector<std::string>{"A", "C", ""}));
+    EXPECT_EQ(Names(Job.OCS_Name), (std::vector<std::string>{"A", "C", ""}));
 }
 
 // --- More points ------------------------------------------------------------------------------------------
