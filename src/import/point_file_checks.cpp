@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <vector>
 
 #include "core/numbers.h"
 #include "core/platform.h"
@@ -63,6 +64,41 @@ bool IsTableWithDecimalComma(const PointText& file, char delimiter) {
     return columns > 0;
 }
 
+// The same for blanks and tabs between the fields. Here every comma must stand between two digits: in
+// "A, 1, 2, 3" it delimits.
+bool IsBlankTableWithDecimalComma(const PointText& file) {
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    const auto isNumber = [&](std::string_view field) {
+        for (std::size_t i = 0; i < field.size(); ++i) {
+            if (field[i] != ',') continue;
+            if (i == 0 || i + 1 == field.size() || !isDigit(field[i - 1]) || !isDigit(field[i + 1]))
+                return false;
+        }
+        double value = 0;
+        return TextToNumber(field, ',', value);
+    };
+    LineWalk lines(file);
+    std::string_view line;
+    std::string decoded, scratch;
+    std::size_t columns = 0;
+    std::vector<std::string> fields;
+    while (lines.Next(line)) {
+        std::string_view rest = DecodedLine(file, line, decoded);
+        fields.clear();
+        while (fields.size() <= 5) {
+            fields.emplace_back(CutField(rest, '\0', scratch));
+            if (fields.back().empty()) break;
+        }
+        fields.pop_back();  // what ended the loop: nothing, or a field beyond all that are read
+        if (fields.empty()) continue;
+        if (columns == 0) columns = fields.size();
+        if (fields.size() != columns || columns < 3) return false;
+        for (std::size_t i = columns > 3 ? 1 : 0; i < (columns > 3 ? 4U : 3U); ++i)
+            if (!isNumber(fields[i])) return false;
+    }
+    return columns > 0;
+}
+
 }  // namespace
 
 void DezTrennzeichenIstKomma(Flag& isComma) {
@@ -82,6 +118,8 @@ void FindTrennzeichen(const PointText& file, std::string& delimiter) {
     if (result == kComma) {
         const std::size_t other = LastRise(counts, kComma);
         if (other != 0 && IsTableWithDecimalComma(file, kCandidates[other])) result = other;
+        // Without this, "A 1,5 2,5 3,5" would be read as 1, 5 and 2 without a word.
+        if (other == 0 && IsBlankTableWithDecimalComma(file)) result = 1;
     }
     if (result != 0) delimiter = std::string(1, kCandidates[result]);
 }

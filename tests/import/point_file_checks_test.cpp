@@ -60,6 +60,14 @@ TEST_F(PointFileChecks, DecimalCommasAreNoDelimiterOnASystemWithDecimalPoint) {
     EXPECT_EQ(DelimiterOf("A\t1,5\t2,5\t3,5\tc,d,e\r\n"), "\t");
 }
 
+TEST_F(PointFileChecks, DecimalCommasBetweenBlanksAreNoDelimiterEither) {
+    EXPECT_EQ(DelimiterOf("A 1,5 2,5 3,5\r\nB 4 5,5 -6,5\r\n"), " ");
+    EXPECT_EQ(DelimiterOf("1,5 2,5 3,5\r\n"), " ");
+    EXPECT_EQ(DelimiterOf("A, 1, 2, 3\r\n"), ",");
+    EXPECT_EQ(DelimiterOf("A 1,5 2,5\r\n"), ",");
+    EXPECT_EQ(DelimiterOf("A,1 2,3 4,5 6\r\n"), ",") << "the name's own comma is no decimal one";
+}
+
 TEST_F(PointFileChecks, CommasStandWhereTheFileIsNoTableWithoutThem) {
     EXPECT_EQ(DelimiterOf("A:1,1,2,3\r\nB:2,4,5,6\r\n"), ",");      // two columns
     EXPECT_EQ(DelimiterOf("A;1,5;2,5;3,5\r\nB;1,5;2,5\r\n"), ",");  // columns change
