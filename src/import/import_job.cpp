@@ -1,6 +1,8 @@
 // The import of a job from two files, and the round trip through the clipboard.
 #include <array>
 #include <cmath>
+#include <cstdint>
+#include <exception>
 #include <optional>
 
 #include "core/controller.h"
@@ -118,8 +120,10 @@ bool ImportByDistance() {
     if (!AskEtta(DistanceText())) return false;
     AddPrefix(Job.MCS_Name, "MCS_");
     AddPrefix(Job.OCS_Name, "OCS_");
+    const std::uint64_t generation = Run.JobGeneration;
     AutoFindPts(options);
-    return MatchByName();
+    // The search yields, and what ran meanwhile may have brought points of its own.
+    return Run.JobGeneration == generation && MatchByName();
 }
 
 bool ImportByCoordinate() {
@@ -153,8 +157,9 @@ bool FileIsThere(const std::string& path) {
     return false;
 }
 
-// On the way out of an import, however it ends: counts and arrays fit each other, and the target path
-// that a robot file's import has lent to the start file is put back.
+// On the way out of an import, however it ends: counts and arrays fit each other, a job that an error has
+// left half read is not valid, and the target path that a robot file's import has lent to the start file
+// is put back.
 struct ImportGuard {
     ImportGuard() = default;
     ImportGuard(const ImportGuard&) = delete;
@@ -162,7 +167,12 @@ struct ImportGuard {
     ~ImportGuard() {
         RepairJobCounts();
         if (!IsTrue(Run.IsDefault) && !Run.PathReader.empty()) Job.PathOCS = Run.PathReader;
+        if (Whole || std::uncaught_exceptions() == Exceptions) return;
+        Run.JobDataValid = Run.TrafoValid = kFalse;
+        ProgrammLogik();
     }
+    bool Whole = false;  // all points are read and paired
+    int Exceptions = std::uncaught_exceptions();
 };
 
 }  // namespace
@@ -209,10 +219,11 @@ void myBtn_OK() {
         return;
     }
 
-    const ImportGuard guard;
+    ImportGuard guard;
     ++Run.JobGeneration;
     if (!ImportPoints()) return;
     IdentischePkte_Neu();
+    guard.Whole = true;
     FuellenHaupttabelle();
     Run.JobDataValid = kTrue;
     ProgrammLogik();
@@ -297,10 +308,12 @@ void ClipboardRoundTrip() {
         return;
     }
     if (!Directory_Exist(SettingsFolder())) CreateFolder(SettingsFolder());
-    Job.PathMCS = JoinPath(SettingsFolder(), "mcs.txt");
-    Job.PathOCS = JoinPath(SettingsFolder(), "ocs.txt");
-    WriteFile(Job.PathMCS, EncodeText(start));
-    WriteFile(Job.PathOCS, EncodeText(target));
+    const std::string startPath = JoinPath(SettingsFolder(), "mcs.txt");
+    const std::string targetPath = JoinPath(SettingsFolder(), "ocs.txt");
+    WriteFile(startPath, EncodeText(start));
+    WriteFile(targetPath, EncodeText(target));
+    Job.PathMCS = startPath;
+    Job.PathOCS = targetPath;
 
     // The dialog is where an import takes its choices from; here they are those of a new dialog, for
     // two plain point files.

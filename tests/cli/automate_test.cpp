@@ -298,6 +298,7 @@ TEST_F(Automation, RecordsThatWouldNotFitAreRefusedAndUnchanged) {
     EXPECT_TRUE(refused("LengthDigits", 40000));
     EXPECT_TRUE(refused("LengthDigits", 1.5));
     EXPECT_TRUE(refused("nMCS", 18446744073709551615ULL));
+    EXPECT_TRUE(refused("Etta", 1e300));
     EXPECT_TRUE(refused("ParamText", json({"a"})));
     EXPECT_TRUE(refused("SavedView", json::array()));
     EXPECT_TRUE(JobCountsFit(Job));
@@ -345,8 +346,45 @@ TEST_F(Automation, RequestsRunAtAComingYieldInsideTheWork) {
     EXPECT_EQ(Get("Windows")["windows"], json({"FormMain"}));
 }
 
-// --- Anything at all
-// ------------------------------------------------------------------------------------------------
+TEST_F(Automation, AllRequestsOfOneYieldRunAlsoWhenOneOfThemYieldsItself) {
+    Start();
+    Click("FormMain.MenuFileInputFiles");
+    Set("FormInputFiles.TextNameMCS", Write("start.txt", kStart));
+    Set("FormInputFiles.TextNameOCS", Write("target.txt", kTarget));
+    Set("FormInputFiles.OptionByDis", true);
+    Answer("input", "0.01");
+    Answer("input", "0.01");
+    Ask({{"do", "during"}, {"yield", 1}, {"request", {{"do", "click"}, {"at", "FormInputFiles.BtnApply"}}}});
+    Ask({{"do", "during"}, {"yield", 1}, {"request", {{"do", "get"}, {"at", "Windows"}}}});
+    const json reply = Click("FormInputFiles.BtnApply");
+    ASSERT_EQ(reply["during"].size(), 2u) << reply;
+    EXPECT_TRUE(reply["during"][1].contains("windows"));
+}
+
+TEST_F(Automation, AnImportInsideTheSearchOfAnotherOneHasTheLastWord) {
+    Start();
+    Click("FormMain.MenuFileInputFiles");
+    Set("FormInputFiles.TextNameMCS", Write("start.txt", kStart));
+    Set("FormInputFiles.TextNameOCS", Write("target.txt", kTarget));
+    Set("FormInputFiles.OptionByDis", true);
+    Answer("input", "0.01");
+    const auto during = [](int yield, const json& request) {
+        Ask({{"do", "during"}, {"yield", yield}, {"request", request}});
+    };
+    // The inner import fails at its target file, with its start points read.
+    during(1, {{"do", "set"},
+               {"at", "FormInputFiles.TextNameOCS"},
+               {"value", Write("double.txt", "A;1;2;3\nA;4;5;6\n")}});
+    during(1, {{"do", "set"}, {"at", "FormInputFiles.OptionByID"}, {"value", true}});
+    during(1, {{"do", "click"}, {"at", "FormInputFiles.BtnApply"}});
+    const json reply = Click("FormInputFiles.BtnApply");
+    ASSERT_EQ(reply["during"].size(), 3u) << reply;
+    EXPECT_EQ(Record("ImportFailed"), -1);
+    EXPECT_EQ(Record("JobDataValid"), 0) << "the outer import has no points left to call a job";
+    EXPECT_TRUE(JobCountsFit(Job));
+}
+
+// --- Anything at all --------------------------------------------------------------------------------------
 
 TEST_F(Automation, SurvivesAnyLine) {
     ExpectUnanswered();
@@ -422,5 +460,9 @@ TEST_F(Automation, SurvivesVeryLongAndVeryDeepLines) {
     Start();
     EXPECT_EQ(AskLine(std::string(10'000'000, '['))["ok"], false);
     EXPECT_EQ(AskLine("{\"do\":\"" + std::string(10'000'000, 'x') + "\"}")["ok"], false);
+    const std::string deep = std::string(200'000, '[') + std::string(200'000, ']');
+    for (const std::string& line : {deep, R"({"do":"record","name":"MCS_X","value":)" + deep + "}",
+                                    R"({"do":"during","yield":1,"request":{"do":)" + deep + "}}"})
+        EXPECT_EQ(AskLine(line)["error"], "the line is nested too deeply");
     EXPECT_EQ(Get("Windows")["ok"], true);
 }
