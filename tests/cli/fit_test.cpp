@@ -9,6 +9,7 @@
 #include "cli/closed_form.h"
 #include "cli/commands.h"
 #include "cli/headless.h"
+#include "cli/text_columns.h"
 #include "support/fixture.h"
 
 using nlohmann::json;
@@ -209,8 +210,7 @@ TEST_F(FitCommand, MatchingByDistanceFindsATurnedFrame) {
     EXPECT_EQ(fit["points"][0]["name"], "MCS_F01=OCS_F01");
 }
 
-// --- Outputs
-// ------------------------------------------------------------------------------------------------
+// --- Outputs ----------------------------------------------------------------------------------------------
 
 TEST_F(FitCommand, TheTableNamesParametersQualityAndTheLargestDeviation) {
     const Outcome outcome = Fit({kMeasured, kNominal, "--leave-out", "F09:z"});
@@ -229,6 +229,53 @@ TEST_F(FitCommand, TheCsvHoldsOneLineAPoint) {
     EXPECT_NE(outcome.Out.find("\r\nB;1000;0;0;1005;6;7;"), std::string::npos) << outcome.Out;
 }
 
+TEST_F(FitCommand, CsvQuotesNamesThatNeedIt) {
+    const std::string start = Write("q1.txt", "a\"b;0;0;0\nB;1000;0;0\nC;0;2000;0\n");
+    EXPECT_NE(Fit({start, start, "--csv"}).Out.find("\r\n\"a\"\"b\";0;0;0;"), std::string::npos);
+}
+
+TEST_F(FitCommand, TheTableStaysInColumnsWithAnyNameAndAnyValue) {
+    const std::string name(3000, 'n');
+    const auto file = [&](const char* path, const char* x) {
+        return Write(path, "点の名前;0;0;0\nB\x1b[31m;" + std::string(x) + ";0;0\na\u0301;0;2000;0\n" + name +
+                               ";0;0;3000\n");
+    };
+    const Outcome outcome = Fit({file("n1.txt", "1000"), file("n2.txt", "1e14"), "--parameters", "6"});
+    std::istringstream lines(outcome.Out.substr(outcome.Out.find("\nDeviation")));
+    std::string line;
+    std::getline(lines, line);
+    std::getline(lines, line);
+    const int width = DisplayWidth(line.substr(0, line.find("  millimeter")));
+    int rows = 0;
+    for (; std::getline(lines, line); ++rows) {
+        EXPECT_EQ(DisplayWidth(line.substr(0, line.find("  <- "))), width) << line;
+        EXPECT_LT(line.size(), 200u);
+        EXPECT_EQ(line.find('\x1b'), std::string::npos) << "a name must not command the terminal";
+        std::istringstream cells(line);
+        std::string cell;
+        double value = 0;
+        cells >> cell;
+        for (int i = 0; i < 4; ++i) EXPECT_TRUE(cells >> value) << line << ": values run into each other";
+    }
+    EXPECT_EQ(rows, 4);
+}
+
+TEST_F(FitCommand, JsonIsValidWithNamesOfAnyBytes) {
+    const std::string start = Write("j1.txt", "\xff\x01\"\\;0;0;0\nB\xc3;1000;0;0\nC;0;2000;0\n");
+    const json fit = FitJson({start, start});
+    EXPECT_EQ(fit["counts"]["pairs"], 3);
+}
+
+TEST_F(FitCommand, SignificanceIsThatOfTheAnglesThatAreShown) {
+    const json fit = FitJson({kMeasured, kNominal, "--leave-out", "F09"});
+    for (const json& parameter : fit["parameters"]) {
+        if (parameter["state"] != "float") continue;
+        const double expected =
+            std::fabs(parameter["value"].get<double>()) / (parameter["sigma"].get<double>() + 1e-9);
+        EXPECT_NEAR(parameter["significance"].get<double>(), expected, 1e-6 * expected) << parameter;
+    }
+}
+
 TEST_F(FitCommand, ADecimalCommaIsTakenFromTheOption) {
     const std::string start = Write("c1.txt", "A;0,5;0;0\nB;1000;0;0,25\nC;0;2000;0\n");
     const std::string target = Write("c2.txt", "A;1,5;0;0\nB;1001;0;0,25\nC;1;2000;0\n");
@@ -237,8 +284,7 @@ TEST_F(FitCommand, ADecimalCommaIsTakenFromTheOption) {
     EXPECT_NE(outcome.Out.find("A;0,5;0;0;1,5;0;0;"), std::string::npos) << outcome.Out;
 }
 
-// --- Questions, refusals, exit statuses
-// ------------------------------------------------------------------------
+// --- Questions, refusals, exit statuses -------------------------------------------------------------------
 
 TEST_F(FitCommand, AQuestionWithoutAnAnswerIsAnErrorThatQuotesIt) {
     ExpectUnanswered();
@@ -258,6 +304,48 @@ TEST_F(FitCommand, YesChangesTheFileAndNoLeavesIt) {
     EXPECT_EQ(Contents(start), content);
     EXPECT_EQ(Fit({start, target_, "--yes"}).Status, 0);
     EXPECT_EQ(Contents(start).substr(0, 9), "A;0.5;0;0");
+}
+
+TEST_F(FitCommand, AnAnsweredQuestionIsToldWithItsAnswer) {
+    const std::string start = Write("c1.txt", "A;0,5;0;0\nB;1000;0;0,25\nC;0;2000;0\n");
+    EXPECT_NE(Fit({start, target_, "--no"}).Err.find("Should I change the , in your File to . ? No"),
+              std::string::npos);
+    EXPECT_NE(Fit({start, target_, "--yes"}).Err.find("Should I change the , in your File to . ? Yes"),
+              std::string::npos);
+}
+
+TEST_F(FitCommand, TooFewPairsAreRefusedWithWhatTheFilesHold) {
+    const Outcome byName = Fit({start_, Write("other.txt", "P;5;6;7\nQ;1005;6;7\nR;1;2;3\n")});
+    EXPECT_EQ(byName.Status, 1);
+    EXPECT_NE(byName.Err.find("the start file has 5 points and the target file 3, 0 of them identical"),
+              std::string::npos)
+        << byName.Err;
+    EXPECT_NE(byName.Err.find("--match coordinate"), std::string::npos);
+    const Outcome near = Fit({start_, target_, "--match", "coordinate", "--tolerance", "0.25"});
+    EXPECT_EQ(near.Status, 1);
+    EXPECT_NE(near.Err.find("0.25 mm; --tolerance"), std::string::npos) << near.Err;
+}
+
+TEST_F(FitCommand, AToleranceBeyondAFloatIsWrongUsageAndNeverAskedForEver) {
+    for (const char* tolerance : {"0", "1e-60", "1e60", "1e400", "nan", "inf", "x", ""})
+        for (const char* match : {"coordinate", "distance"}) {
+            const Outcome outcome = Fit({start_, target_, "--match", match, "--tolerance", tolerance});
+            EXPECT_EQ(outcome.Status, 2) << tolerance;
+            EXPECT_LT(outcome.Err.size(), 200u) << outcome.Err;
+        }
+    EXPECT_EQ(Fit({start_, start_, "--match", "coordinate", "--tolerance", "1e-30"}).Status, 0);
+}
+
+TEST_F(FitCommand, AResultThatCannotBeWrittenIsNoSuccess) {
+    for (const char* output : {"--json", "--csv", "--digits=3"}) {
+        const std::array<const char*, 7> argv = {"corvinade-cli", "fit", start_.c_str(), target_.c_str(),
+                                                 "--decimal",     ".",   output};
+        std::istringstream in;
+        std::ostream out(nullptr);  // takes nothing, as a full disk
+        std::ostringstream err;
+        EXPECT_EQ(RunCommandLine(7, argv.data(), in, out, err, false, false), 1) << output;
+        EXPECT_NE(err.str().find("could not be written"), std::string::npos);
+    }
 }
 
 TEST_F(FitCommand, TooFewObservationsAreRefusedWithWhatIsMissing) {
@@ -339,6 +427,11 @@ TEST_F(FitCommand, LeavesNoTraceInTheSettings) {
 TEST_F(FitCommand, HelpAndVersionAreThere) {
     EXPECT_NE(Fit({"--help"}).Out.find("Exit status"), std::string::npos);
     EXPECT_EQ(Fit({"--help"}).Status, 0);
+    std::istringstream help(Fit({"--help"}).Out);
+    for (std::string line; std::getline(help, line);) {
+        EXPECT_LE(line.size(), 110u) << line;
+        EXPECT_EQ(line.find('\t'), std::string::npos) << line;
+    }
     std::istringstream in;
     std::ostringstream out;
     std::ostringstream err;
