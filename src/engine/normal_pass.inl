@@ -44,9 +44,9 @@ LANES_INLINE void Observation(const BlockPoints& block, const Linearisation& at,
     const double shift = at.Shift(axis);
     const double* const target = block.Target[axis - 1];
     for (int p = 0; p < block.Count; p += LANES_WIDTH)
-        AT(out + p) = (READ(target + p) - shift) -
-                      (r[0] * READ(block.Start[0] + p) + r[1] * READ(block.Start[1] + p) +
-                       r[2] * READ(block.Start[2] + p));
+        AT(out + p) =
+            (READ(target + p) - shift) - (r[0] * READ(block.Start[0] + p) + r[1] * READ(block.Start[1] + p) +
+                                          r[2] * READ(block.Start[2] + p));
 }
 
 // The rows of a block along one axis, column by column as LayoutOf tells.
@@ -149,10 +149,18 @@ LANES_INLINE void TilesOfRows(const double* weighted, const double* plain, int c
         const double* const right = plain + j * kBlock;
         double* const place = sums + j * kLanes;
         switch (columns - j) {
-            case 1: Tile<R, 1, false>(weighted, right, count, place); break;
-            case 2: Tile<R, 2, false>(weighted, right, count, place); break;
-            case 3: Tile<R, 3, false>(weighted, right, count, place); break;
-            default: Tile<R, TILE, false>(weighted, right, count, place); break;
+            case 1:
+                Tile<R, 1, false>(weighted, right, count, place);
+                break;
+            case 2:
+                Tile<R, 2, false>(weighted, right, count, place);
+                break;
+            case 3:
+                Tile<R, 3, false>(weighted, right, count, place);
+                break;
+            default:
+                Tile<R, TILE, false>(weighted, right, count, place);
+                break;
         }
     }
 }
@@ -172,10 +180,18 @@ LANES_INLINE void AddProducts(const BlockPoints& block, const double* A, double*
         const double* const plain = A + i * kBlock;
         double* const place = sums + i * (kMostColumns + 1) * kLanes;
         switch (columns - 1 - i) {
-            case 1: TilesOfRows<1>(left, plain, columns - i, block.Count, place); break;
-            case 2: TilesOfRows<2>(left, plain, columns - i, block.Count, place); break;
-            case 3: TilesOfRows<3>(left, plain, columns - i, block.Count, place); break;
-            default: TilesOfRows<TILE>(left, plain, columns - i, block.Count, place); break;
+            case 1:
+                TilesOfRows<1>(left, plain, columns - i, block.Count, place);
+                break;
+            case 2:
+                TilesOfRows<2>(left, plain, columns - i, block.Count, place);
+                break;
+            case 3:
+                TilesOfRows<3>(left, plain, columns - i, block.Count, place);
+                break;
+            default:
+                TilesOfRows<TILE>(left, plain, columns - i, block.Count, place);
+                break;
         }
     }
 }
