@@ -226,7 +226,10 @@ void AutoFindPts(const MatchingOptions& options) {
     std::vector<Candidate> candidates;
     const BusyPointer busy;
     std::optional<ProgressWindow> progress("AutoFind Indentically Points - Progress");
-    if (!FindCandidates(MakeTables(targetPoints), candidates)) return;
+    if (!FindCandidates(MakeTables(targetPoints), candidates)) {
+        Run.ImportFailed = kTrue;  // the points that are there now are not to be matched
+        return;
+    }
     if (candidates.size() < 3) {
         progress.reset();
         ShowMessage("Could not solve the auto find problem, maybe try changing ETTA Value");

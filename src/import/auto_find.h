@@ -12,5 +12,6 @@
 //           Run.StopRequested first.
 // Without a solution the transformation stays, the message says so, and no point has a partner. The same
 // where a set has so many points that the table of their distances would not fit. Yields before each row
-// of the start table, and ends without a further write when the job has changed meanwhile.
+// of the start table; when the points have been replaced meanwhile it ends without a further write to the
+// job and sets Run.ImportFailed.
 void AutoFindPts(const MatchingOptions& options);

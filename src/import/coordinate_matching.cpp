@@ -1,9 +1,13 @@
 // Pairing by coordinates: the points of the job go through the transformation, the pairs get equal names.
+#include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "core/form_progress_bar.h"
 #include "core/job.h"
+#include "core/platform.h"
 #include "core/run.h"
 #include "engine/transform.h"
 #include "import/coordinate_pairs.h"
@@ -21,10 +25,23 @@ void PärchenSuchen(const MatchingOptions& options) {
         targetY[j] = Job.OCS_Y[j].value_or(0);
         targetZ[j] = Job.OCS_Z[j];
     }
-    const std::vector<std::int32_t> partner =
-        PairByCoordinates({startX, startY, startZ}, {targetX, targetY, targetZ}, Run.Etta);
-
     Job.nIdent = 0;
+    Run.StopRequested = kFalse;
+    const std::uint64_t generation = Run.JobGeneration;
+    std::optional<ProgressWindow> progress;  // seldom needed; the search by distances has shown its own
+    const auto whileLong = [&](std::size_t done) {
+        if (!progress && !Progress.Window.Loaded) progress.emplace("Pairing by coordinates - Progress");
+        SetValue(Progress.ProgressBar1, std::max(static_cast<int>(100 * done / nMCS), 2));
+        YieldToEvents();
+        return !IsTrue(Run.StopRequested) && Run.JobGeneration == generation;
+    };
+    const std::vector<std::int32_t> partner =
+        PairByCoordinates({startX, startY, startZ}, {targetX, targetY, targetZ}, Run.Etta, whileLong);
+    if (Run.JobGeneration != generation) {
+        Run.ImportFailed = kTrue;  // the points that are there now are not to be matched
+        return;
+    }
+    if (IsTrue(Run.StopRequested)) return;
     for (std::size_t i = 1; i <= nMCS; ++i) {
         if (partner[i] == 0) continue;
         std::string& startName = Job.MCS_Name[i];

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 #include <numeric>
+#include <utility>
 
 #include "core/require.h"
 
@@ -48,11 +49,14 @@ public:
     }
 
     // The nearest free point, of several the one of the lowest number, within the limits.
-    Best Nearest(const Place& at, float etta) const {
+    Best Nearest(const Place& at, float etta) {
         Best best;
         if (nodes_[1].LowestNumber != kNone) Visit(1, Bound(nodes_[1], at), at, etta, best);
         return best;
     }
+
+    // Leaves looked into since the last call.
+    std::int64_t TakeVisits() { return std::exchange(visits_, 0); }
 
     void Remove(std::int32_t number) {
         std::size_t node = leafOf_[static_cast<std::size_t>(number)];
@@ -154,9 +158,10 @@ private:
         return static_cast<float>(bound) < etta;
     }
 
-    void Visit(std::size_t node, double bound, const Place& at, float etta, Best& best) const {
+    void Visit(std::size_t node, double bound, const Place& at, float etta, Best& best) {
         if (!CanHold(nodes_[node], bound, etta, best)) return;
         if (IsLeaf(node)) {
+            ++visits_;
             const auto [begin, end] = Range(node);
             for (std::size_t k = begin; k < end; ++k) {
                 if (number_[k] == kNone) continue;
@@ -186,6 +191,7 @@ private:
     std::vector<Place> place_;            // in the same order
     std::vector<std::size_t> leafStart_;  // place of the first point of each leaf
     std::vector<std::uint32_t> leafOf_;   // by number
+    std::int64_t visits_ = 0;
 };
 
 bool AllFinite(const CoordinateColumns& points, std::size_t i) {
@@ -195,7 +201,7 @@ bool AllFinite(const CoordinateColumns& points, std::size_t i) {
 }  // namespace
 
 std::vector<std::int32_t> PairByCoordinates(const CoordinateColumns& start, const CoordinateColumns& target,
-                                            float etta) {
+                                            float etta, const PairingCall& whileLong) {
     Require(start.X.size() == start.Y.size() && start.X.size() == start.Z.size());
     Require(target.X.size() == target.Y.size() && target.X.size() == target.Z.size());
     std::vector<std::int32_t> partner(std::max<std::size_t>(start.X.size(), 1));
@@ -205,7 +211,14 @@ std::vector<std::int32_t> PairByCoordinates(const CoordinateColumns& start, cons
         if (AllFinite(target, j)) usable.push_back(static_cast<std::int32_t>(j));
     if (usable.empty()) return partner;
     FreePoints free(target, std::move(usable));
+    constexpr std::int64_t kVisitsBetweenCalls = 1 << 17;  // some milliseconds
+    std::int64_t visits = 0;
     for (std::size_t i = 1; i < start.X.size(); ++i) {
+        visits += free.TakeVisits();
+        if (visits >= kVisitsBetweenCalls) {
+            visits = 0;
+            if (whileLong && !whileLong(i - 1)) break;
+        }
         if (!AllFinite(start, i)) continue;
         const Best best = free.Nearest({start.X[i], start.Y[i], start.Z[i]}, etta);
         if (best.Number == kNone) continue;

@@ -1,7 +1,6 @@
 // The import of a job from two files, and the round trip through the clipboard.
 #include <array>
 #include <cmath>
-#include <cstdint>
 #include <exception>
 #include <optional>
 
@@ -120,10 +119,8 @@ bool ImportByDistance() {
     if (!AskEtta(DistanceText())) return false;
     AddPrefix(Job.MCS_Name, "MCS_");
     AddPrefix(Job.OCS_Name, "OCS_");
-    const std::uint64_t generation = Run.JobGeneration;
     AutoFindPts(options);
-    // The search yields, and what ran meanwhile may have brought points of its own.
-    return Run.JobGeneration == generation && MatchByName();
+    return !IsTrue(Run.ImportFailed) && MatchByName();
 }
 
 bool ImportByCoordinate() {
@@ -137,6 +134,7 @@ bool ImportByCoordinate() {
         AddPrefix(Job.OCS_Name, "OCS_");
     }
     PärchenSuchen(options);
+    if (IsTrue(Run.ImportFailed) || IsTrue(Run.StopRequested)) return false;
     if (options.CheckRenameMCS) RewritePointFile(Job.PathMCS, Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z);
     if (options.CheckRenameOCS) RewritePointFile(Job.PathOCS, Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
     return MatchByName();
@@ -166,13 +164,17 @@ struct ImportGuard {
     ImportGuard& operator=(const ImportGuard&) = delete;
     ~ImportGuard() {
         RepairJobCounts();
-        if (!IsTrue(Run.IsDefault) && !Run.PathReader.empty()) Job.PathOCS = Run.PathReader;
-        if (Whole || std::uncaught_exceptions() == Exceptions) return;
+        const bool isLent = !IsTrue(Run.IsDefault) && !Run.PathReader.empty() && Job.PathOCS == lent_;
+        if (isLent) Job.PathOCS = Run.PathReader;
+        if (Whole || std::uncaught_exceptions() == exceptions_) return;
         Run.JobDataValid = Run.TrafoValid = kFalse;
         ProgrammLogik();
     }
     bool Whole = false;  // all points are read and paired
-    int Exceptions = std::uncaught_exceptions();
+
+private:
+    std::string lent_ = Job.PathOCS;  // another path is that of another job, opened during the search
+    int exceptions_ = std::uncaught_exceptions();
 };
 
 }  // namespace

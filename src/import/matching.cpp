@@ -181,9 +181,9 @@ void GetInfoFromData() {
 void IdentischePkte_Neu() {
     const auto points = static_cast<std::size_t>(Job.nMCS) + 1;
     const auto pairs = static_cast<std::size_t>(Job.nIdent) + 1;
-    Job.RVecX.resize(pairs);
-    Job.RVecY.resize(pairs);
-    Job.RVecZ.resize(pairs);
+    Job.RVecX.assign(pairs, {});
+    Job.RVecY.assign(pairs, {});
+    Job.RVecZ.assign(pairs, 0);
     Job.UseFlags.resize(3 * (pairs - 1) + 1);
     Job.TMCS_Name.assign(Job.MCS_Name.begin(), Job.MCS_Name.begin() + static_cast<std::ptrdiff_t>(points));
     Job.TMCS_X.assign(Job.MCS_X.begin(), Job.MCS_X.begin() + static_cast<std::ptrdiff_t>(points));

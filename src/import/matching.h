@@ -32,4 +32,6 @@ void IdentischePkte_Neu();
 // than Run.Etta once the start point is transformed with the parameters of the job. Paired points get
 // equal names as the options say; Job.nIdent counts them. The points stay where they are:
 // MCS_OCS_aufbereiten brings the pairs to the front by their names.
+// A search that takes long shows its progress and yields. Run.StopRequested, cleared first, ends it without
+// a pair; so do points that replace these ones meanwhile, with Run.ImportFailed and nothing written.
 void PärchenSuchen(const MatchingOptions& options);

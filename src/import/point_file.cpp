@@ -2,6 +2,7 @@
 #include "import/point_file.h"
 
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <iterator>
 #include <limits>
@@ -75,6 +76,8 @@ PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, Bad
     AnzZeilen(file, rows);
     if (rows >= std::numeric_limits<std::int32_t>::max())
         throw PlatformError{"Cannot read \"" + file.Path + "\": it has more lines than a job has room for"};
+    // With the delimiter of an earlier file such a one passes all checks.
+    if (rows == 0) throw PlatformError{"Cannot read \"" + file.Path + "\": there is no point in it"};
     const auto n = static_cast<std::size_t>(rows);
     PointColumns points(n);
     const double factor = Units.LengthFactor;
@@ -105,7 +108,8 @@ PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, Bad
             std::string_view field;
             if (!good[i]) {
                 field = CutField(rest, delimiter, scratch);
-                good[i] = field.empty() || TextToNumber(field, decimal, xyz[i]);
+                good[i] =
+                    field.empty() || (TextToNumber(field, decimal, xyz[i]) && std::isfinite(xyz[i] / factor));
             }
             xyz[i] /= factor;
             if (good[i] || badField == BadField::LeavesValue) continue;

@@ -14,8 +14,9 @@
 //   Writes  MCS_*, OCS_*, nMCS, nOCS; no pairs are left, and the working arrays are long enough for that.
 //           Run.Delimiter, Run.ImportFailed with a message where a file is unsuitable. What was read
 //           before a failure stays, with counts that fit.
-// Throws PlatformError where a field of the start file is no number, naming file, line and field. In the
-// target file such a field leaves its value without a number, which counts as 0.
+// Throws PlatformError where a file cannot be read or has no point, and where a field of the start file is
+// no number or too large for its unit, naming file, line and field. In the target file such a field leaves
+// its value without a number, which counts as 0.
 void Einlesen_Neu();
 
 // Appends the points of a further file to the start set; `prefix` and `suffix` are put around each name.

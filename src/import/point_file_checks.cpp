@@ -169,6 +169,8 @@ void Check_DecimalDelimiter(PointText& file, const std::string& delimiter) {
         Run.ImportFailed = kTrue;
         return;
     }
+    // The user may have looked into the file, and changed it, before the answer.
+    file = LoadPointText(file.Path);
     std::string content(file.Text);
     std::replace(content.begin(), content.end(), found, system);
     if (content.ends_with('\n')) {

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstring>
 
+#include "core/platform.h"
 #include "core/text.h"
 
 namespace {
@@ -71,12 +72,23 @@ void Look(PointText& file, std::string_view whole) {
     file.LoneReturns = HasLoneReturn(file.Text);
 }
 
+// In the target file a field that is no number is passed over, so that bytes which are no text at all would
+// turn into points without values and without a word.
+void RefuseWhatIsNoText(const std::string& path, std::string_view bytes) {
+    if (bytes.empty() || std::memchr(bytes.data(), 0, bytes.size()) == nullptr) return;
+    const bool wide = bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
+    throw PlatformError{"Cannot read \"" + path + "\": " +
+                        (wide ? "it is a 16-bit text; please save it as UTF-8 or as single-byte text"
+                              : "it is no text, it holds characters of code 0")};
+}
+
 }  // namespace
 
 PointText LoadPointText(const std::string& path) {
     PointText file;
     file.Path = path;
     file.Bytes = ReadFile(path);
+    RefuseWhatIsNoText(path, file.Bytes.View());
     Look(file, file.Bytes.View());
     return file;
 }

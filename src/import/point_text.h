@@ -18,7 +18,8 @@ struct PointText {
     bool LoneReturns = false;  // some line ends at a CR without LF
 };
 
-// Reads a file. Throws PlatformError as ReadFile does.
+// Reads a file. Throws PlatformError as ReadFile does, and where the bytes are no single-byte text or UTF-8:
+// a 16-bit text or something that is no text at all.
 PointText LoadPointText(const std::string& path);
 
 // Puts other content in the place of Text, in memory only; the mark stays.

@@ -2,6 +2,7 @@
 // message.
 #include "import/form_input_files.h"
 
+#include <cmath>
 #include <filesystem>
 
 #include "cli/headless.h"
@@ -9,6 +10,7 @@
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/job.h"
+#include "core/numbers.h"
 #include "core/platform.h"
 #include "core/settings.h"
 #include "core/text.h"
@@ -506,6 +508,29 @@ TEST_F(InputDialog, RenamingTheStartPointsRewritesTheirFileAndKeepsTheOldOne) {
     EXPECT_EQ(Job.nIdent, 2);
 }
 
+TEST_F(InputDialog, AStopDuringTheSearchByCoordinateEndsTheImportAndRewritesNothing) {
+    std::string centre, sphere;
+    for (int i = 1; i <= 5000; ++i) {
+        const double height = 1 - i / 2500.5, width = std::sqrt(1 - height * height);
+        centre += "s" + std::to_string(i) + ";0;0;0\r\n";
+        sphere += "t" + std::to_string(i) + ";" + PlainText(width * std::cos(i)) + ";" +
+                  PlainText(width * std::sin(i)) + ";" + PlainText(height) + "\r\n";
+    }
+    start_ = Write("centre.txt", centre);
+    target_ = Write("sphere.txt", sphere);
+    Open();
+    UserSetValue(InputFiles.OptionByCoordinate, 1);
+    UserSetValue(InputFiles.CheckRenameMCS, 1);
+    Answer("input", "5");
+    Headless.OnYield = [] { Run.StopRequested = kTrue; };
+    UserClick(InputFiles.BtnOK);
+    EXPECT_EQ(Headless.Yields, 1u);
+    EXPECT_EQ(Run.JobDataValid, kFalse);
+    EXPECT_EQ(Run.WaitPointers, 0);
+    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_FALSE(File_Exist(start_ + ".$"));
+}
+
 TEST_F(InputDialog, TheRewrittenFileHoldsMillimetresWhateverTheUnit) {
     Job.LengthUnitName = "meter";
     RhoFestlegung();
@@ -568,6 +593,45 @@ TEST_F(InputDialog, ByDistanceWithoutASolutionGoesOnByNamesWithoutPairs) {
     EXPECT_EQ(Job.nIdent, 0);
 }
 
+TEST_F(InputDialog, AJobThatReplacesThePointsDuringTheSearchIsLeftAsItIs) {
+    Open();
+    UserSetValue(InputFiles.OptionByDis, 1);
+    Answer("input", "0.000001");
+    JobRecord other;
+    Headless.OnYield = [&] {
+        if (Headless.Yields != 3) return;
+        Job = JobRecord{};
+        Job.MCS_Name = {"", "b", "a", "c"};
+        Job.OCS_Name = {"", "b", "a"};
+        Job.MCS_X = Job.MCS_Y = {{}, 1.0, 2.0, 3.0};
+        Job.OCS_X = Job.OCS_Y = {{}, 1.0, 2.0};
+        Job.MCS_Z = {0, 1, 2, 3};
+        Job.OCS_Z = {0, 1, 2};
+        Job.nMCS = 3;
+        Job.nOCS = Job.nIdent = 2;
+        Job.nMCSOnly = 1;
+        Job.TMCS_Name = Job.MCS_Name;
+        Job.TMCS_X = Job.TMCS_Y = {{}, 7.0, 8.0, 9.0};
+        Job.TMCS_Z = {0, 7, 8, 9};
+        Job.RVecX = Job.RVecY = {{}, {}, {}};
+        Job.RVecZ = {0, 0, 0};
+        Job.UseFlags = {0, 1, 1, 0, 1, 1, 1};
+        Job.PathMCS = "another";
+        other = Job;
+        Run.JobDirty = kFalse;
+        ++Run.JobGeneration;
+    };
+    UserClick(InputFiles.BtnApply);
+    EXPECT_EQ(Job.MCS_Name, other.MCS_Name);
+    EXPECT_EQ(Job.OCS_Name, other.OCS_Name);
+    EXPECT_EQ(Job.MCS_X, other.MCS_X);
+    EXPECT_EQ(Job.TMCS_X, other.TMCS_X);
+    EXPECT_EQ(Job.nIdent, 2);
+    EXPECT_EQ(Run.JobDirty, kFalse);
+    EXPECT_EQ(Run.ImportFailed, kTrue);
+    EXPECT_NE(Settings.MCS_FileName, "another");
+}
+
 // --- When files cannot be written --------------------------------------------------------------------------
 
 TEST_F(InputDialog, AFullDiskAtTheRewrittenFileLeavesTheUsersFileWholeAndTheJobNot) {
@@ -599,7 +663,8 @@ TEST_F(InputDialog, SettingsThatCannotBeWrittenLeaveTheImportedJobWhole) {
     EXPECT_TRUE(Main.MenuTransformation.Enabled);
 }
 
-// --- More points ------------------------------------------------------------------------------------------
+// --- More points
+// ------------------------------------------------------------------------------------------
 
 TEST_F(InputDialog, AddsStartPointsWithAPrefix) {
     Import();
@@ -649,7 +714,8 @@ TEST_F(InputDialog, AddingABadFileLeavesTheJobAsItWas) {
     EXPECT_EQ(Run.JobDataValid, kTrue);
 }
 
-// --- The round trip through the clipboard -----------------------------------------------------------------
+// --- The round trip through the clipboard
+// -----------------------------------------------------------------
 
 TEST_F(InputDialog, TheRoundTripCalculatesFromTheClipboardAndAddsTheQuality) {
     Headless.Clipboard =  // a pure shift by (5, 6, 7)
@@ -673,7 +739,8 @@ TEST_F(InputDialog, TheRoundTripCalculatesFromTheClipboardAndAddsTheQuality) {
 
 TEST_F(InputDialog, TheRoundTripTellsTheSpansOfTheDeviations) {
     // An octahedron, stretched by 0.5 to both sides along x: no shift or rotation can follow that, so the
-    // two ends keep deviations of 0.5 and -0.5. With 6 points s0 = sqrt(2 * 0.5^2 / 5) = 0.316 in x alone.
+    // two ends keep deviations of 0.5 and -0.5. With 6 points s0 = sqrt(2 * 0.5^2 / 5) = 0.316 in x
+    // alone.
     Headless.Clipboard =
         "A\t100\t0\t0\tA\t100.5\t0\t0\r\nB\t-100\t0\t0\tB\t-100.5\t0\t0\r\n"
         "C\t0\t100\t0\tC\t0\t100\t0\r\nD\t0\t-100\t0\tD\t0\t-100\t0\r\n"

@@ -2,8 +2,11 @@
 #include "import/matching.h"
 
 #include <algorithm>
+#include <cmath>
 #include <random>
 
+#include "cli/headless.h"
+#include "core/form_progress_bar.h"
 #include "core/job.h"
 #include "core/run.h"
 #include "support/fixture.h"
@@ -86,6 +89,17 @@ TEST_F(Matching, UseFlagsKeepTheirContentWhenThePairsChange) {
     Job.UseFlags = {0, 1, 0, 1};
     MatchByName();
     EXPECT_EQ(Job.UseFlags, (std::vector<std::int16_t>{0, 1, 0, 1, 0, 0, 0}));
+}
+
+TEST_F(Matching, NothingOfAnOlderJobStaysInTheRVectors) {
+    Fill({"a", "b"}, {"a", "b"});
+    Job.RVecX = {std::nullopt, 5.0, 6.0};
+    Job.RVecY = Job.RVecX;
+    Job.RVecZ = {0, 5, 6};
+    MatchByName();
+    EXPECT_EQ(Job.RVecX, std::vector<TaggedValue>(3));
+    EXPECT_EQ(Job.RVecY, std::vector<TaggedValue>(3));
+    EXPECT_EQ(Job.RVecZ, std::vector<double>(3));
 }
 
 TEST_F(Matching, WithoutAPairTheJobIsValid) {
@@ -268,6 +282,73 @@ TEST_F(MatchingByCoordinate, TheNamesThenBringThePairsToTheFront) {
     EXPECT_EQ(Job.MCS_Name[1], "b=c");
     EXPECT_EQ(Job.MCS_X[1], 5);
     EXPECT_TRUE(JobCountsFit(Job));
+}
+
+// Every start point stands at the centre of a sphere of target points, all of which are equally near but for
+// roundings: no order of the target points spares looking at all of them.
+class MatchingOnASphere : public MatchingByCoordinate {
+protected:
+    MatchingOnASphere() {
+        ::Run.Etta = 2000;
+        for (int i = 1; i <= kCount; ++i) {
+            Start("s" + std::to_string(i), 0);
+            const double height = 1 - 2.0 * i / (kCount + 1), width = std::sqrt(1 - height * height);
+            Target("t" + std::to_string(i), 1000 * width * std::cos(i));
+            Job.OCS_Y.back() = 1000 * width * std::sin(i);
+            Job.OCS_Z.back() = 1000 * height;
+        }
+        GetInfoFromData();
+    }
+    static constexpr int kCount = 5000;
+};
+
+TEST_F(MatchingOnASphere, ALongPairingYieldsAndShowsHowFarItIs) {
+    std::vector<double> progress;
+    Headless.OnYield = [&] {
+        EXPECT_TRUE(Progress.Window.Loaded);
+        progress.push_back(Progress.ProgressBar1.Value);
+    };
+    PärchenSuchen({});
+    EXPECT_GT(progress.size(), 5u);
+    EXPECT_TRUE(std::is_sorted(progress.begin(), progress.end()));
+    EXPECT_EQ(Job.nIdent, kCount);
+    EXPECT_FALSE(Progress.Window.Loaded);
+}
+
+TEST_F(MatchingOnASphere, AStopLeavesAllNamesAndNoPair) {
+    ::Run.StopRequested = kTrue;  // from an earlier run
+    Headless.OnYield = [] {
+        if (Headless.Yields == 2) UserClick(Progress.BtnCancel);
+    };
+    const auto names = Job.OCS_Name;
+    PärchenSuchen({});
+    EXPECT_EQ(Headless.Yields, 2u);
+    EXPECT_EQ(::Run.StopRequested, kTrue);
+    EXPECT_EQ(Job.nIdent, 0);
+    EXPECT_EQ(Job.OCS_Name, names);
+    EXPECT_EQ(::Run.ImportFailed, kFalse);
+}
+
+TEST_F(MatchingOnASphere, PointsThatReplaceThemMeanwhileAreLeftAlone) {
+    Headless.OnYield = [] {
+        Job = JobRecord{};
+        Job.nIdent = 77;
+        ++::Run.JobGeneration;
+    };
+    PärchenSuchen({});
+    EXPECT_EQ(Headless.Yields, 1u);
+    EXPECT_EQ(Job.nIdent, 77);
+    EXPECT_EQ(::Run.ImportFailed, kTrue);
+}
+
+TEST_F(MatchingByCoordinate, APairingThatIsDoneAtOnceShowsNoWindow) {
+    for (int i = 0; i < 2000; ++i) {
+        Start("s" + std::to_string(i), i);
+        Target("t" + std::to_string(i), i);
+    }
+    PärchenSuchen({});
+    EXPECT_EQ(Headless.Yields, 0u);
+    EXPECT_EQ(Job.nIdent, 2000);
 }
 
 }  // namespace

@@ -153,6 +153,15 @@ TEST_F(PointFileChecks, OneFinalLineEndIsDroppedAndOtherBytesStay) {
     EXPECT_EQ(Contents(Check("A;1,5;2;3")), "A;1.5;2;3");
 }
 
+TEST_F(PointFileChecks, WhatTheUserSavedWhileTheQuestionStoodIsKept) {
+    Headless.OnQuestion = [this](const DialogShown&) {
+        Write("points.txt", "A;1,5;2;3\r\nNEW;1,25;2;3\r\n");
+        return std::optional<std::string>("Yes");
+    };
+    const std::string path = Check("A;1,5;2,5;3,5\r\n");
+    EXPECT_EQ(Contents(path), "A;1.5;2;3\r\nNEW;1.25;2;3");
+}
+
 TEST_F(PointFileChecks, NoLeavesTheFileAndStopsTheImport) {
     Headless.Answers["message"].push_back("No");
     const std::string path = Check("A;1,5;2,5;3,5\r\n");

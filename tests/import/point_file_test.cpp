@@ -208,6 +208,44 @@ TEST_F(PointFile, AFieldThatIsNoNumberLeavesATargetValueWithoutNumber) {
     EXPECT_EQ(Job.OCS_Z[2], 6);
 }
 
+TEST_F(PointFile, NumbersThatTheUnitTakesBeyondAnyValueAreNoNumbers) {
+    Units.LengthFactor = 0.001;  // metres
+    EXPECT_EQ(ErrorOf("A;1;2;1e307\r\n"),
+              "Cannot read \"" + PathOf("start.txt") + "\", line 1: \"1e307\" is not a number");
+    Import("A;1;2;3\r\n", "A;1e307;2;1e307\r\n");
+    EXPECT_EQ(Job.OCS_X[1], std::nullopt);
+    EXPECT_EQ(Job.OCS_Y[1], 2000);
+    EXPECT_EQ(Job.OCS_Z[1], 0);
+}
+
+TEST_F(PointFile, AFileWithoutPointsIsRefusedAlsoWithTheDelimiterOfAnEarlierFile) {
+    for (const char* nothing : {"", "\r\n\r\n", "\n", "\xEF\xBB\xBF"}) {
+        Import("A;1;2;3\r\n");
+        EXPECT_EQ(ErrorOf("A;1;2;3\r\n", nothing),
+                  "Cannot read \"" + PathOf("target.txt") + "\": there is no point in it");
+        EXPECT_EQ(ErrorOf(nothing), "Cannot read \"" + PathOf("start.txt") + "\": there is no point in it");
+        EXPECT_TRUE(JobCountsFit(Job));
+    }
+}
+
+TEST_F(PointFile, ASixteenBitTextIsRefusedInEitherSet) {
+    const auto wide = [](const std::string& text, bool lowFirst) {
+        std::string bytes;
+        for (const char c : text) bytes += lowFirst ? std::string{c, '\0'} : std::string{'\0', c};
+        return bytes;
+    };
+    const std::string text = "A;1;2;3\r\n";
+    for (const std::string& bytes : {"\xFF\xFE" + wide(text, true), "\xFE\xFF" + wide(text, false)}) {
+        const std::string why = "it is a 16-bit text; please save it as UTF-8 or as single-byte text";
+        EXPECT_EQ(ErrorOf(bytes), "Cannot read \"" + PathOf("start.txt") + "\": " + why);
+        EXPECT_EQ(ErrorOf(text, bytes), "Cannot read \"" + PathOf("target.txt") + "\": " + why);
+    }
+    for (const std::string& bytes : {wide(text, true), text + std::string("B;4;5;\0\r\n", 9)})
+        EXPECT_NE(ErrorOf(text, bytes).find(": it is no text, it holds characters of code 0"),
+                  std::string::npos);
+    EXPECT_TRUE(JobCountsFit(Job));
+}
+
 TEST_F(PointFile, AParaboloidTakesTheStartPointsAsTarget) {
     Job.IsParaboloid = kTrue;
     Job.PathOCS = PathOf("none.txt");
