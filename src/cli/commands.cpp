@@ -179,6 +179,10 @@ CLI::App* AddAutomate(CLI::App& app, AutomateSwitches& s) {
         "automate", "Drive windows and controls by name: one JSON request a line on standard input");
     automate
         ->add_option("--settings-dir", s.SettingsDir, "Folder that stands in for the user's settings folder")
+        ->check([](const std::string& text) {
+            // A script's variable that is not set must not lead to the user's own settings.
+            return std::string(text.empty() ? "the name of the folder is empty" : "");
+        })
         ->type_name("DIR");
     automate->add_option("--job", s.Options.Job, "Job file to open at the start")->type_name("FILE");
     automate->add_option("--screen", s.Screen, "Inner size of a new graphics window, pixels")

@@ -1,12 +1,14 @@
 // The automation, line by line as its document fixes it.
 #include "cli/automate.h"
 
+#include <array>
 #include <filesystem>
 #include <functional>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <sstream>
 
+#include "cli/commands.h"
 #include "cli/headless.h"
 #include "core/files.h"
 #include "core/job.h"
@@ -90,6 +92,27 @@ TEST_F(Automation, AJobIsOpenedAsAQuotedArgumentWouldBe) {
     Start(options);
     Get("Windows");
     EXPECT_EQ(Record("JobFilePath"), PathOf("a.cvn"));
+}
+
+TEST_F(Automation, AnEmptyNameOfTheSettingsFolderIsWrongUsage) {
+    const std::array<const char*, 4> argv = {"corvinade-cli", "automate", "--settings-dir", ""};
+    std::istringstream in;
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(RunCommandLine(4, argv.data(), in, out, err, false, false), 2);
+    EXPECT_EQ(out.str(), "");
+    EXPECT_NE(err.str().find("--settings-dir"), std::string::npos);
+}
+
+TEST_F(Automation, RepliesThatNobodyTakesEndItWithoutSuccess) {
+    const std::string folder = PathOf("settings");
+    const std::array<const char*, 4> argv = {"corvinade-cli", "automate", "--settings-dir", folder.c_str()};
+    std::istringstream in(
+        "{\"do\":\"get\",\"at\":\"Windows\"}\n{\"do\":\"click\",\"at\":\"FormMain.MenuSettingsUnits\"}\n");
+    std::ostream out(nullptr);
+    std::ostringstream err;
+    EXPECT_NE(RunCommandLine(4, argv.data(), in, out, err, false, false), 0);
+    EXPECT_FALSE(IsLoaded("FormUnits")) << "no request runs whose reply would be lost";
 }
 
 // --- Requests that are none --------------------------------------------------------------------------------

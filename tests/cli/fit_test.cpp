@@ -10,6 +10,7 @@
 #include "cli/commands.h"
 #include "cli/headless.h"
 #include "cli/text_columns.h"
+#include "core/files.h"
 #include "support/fixture.h"
 
 using nlohmann::json;
@@ -408,6 +409,36 @@ TEST_F(FitCommand, UnreadableInputsAreStatusThreeAndNamed) {
     EXPECT_NE(nan.Err.find("line 3"), std::string::npos) << nan.Err;
     EXPECT_NE(nan.Err.find("\"nan\""), std::string::npos) << nan.Err;
     EXPECT_EQ(Fit({Write("big.txt", "A;1;2;3\nB;1;1e400;3\n"), target_}).Status, 3);
+}
+
+TEST_F(FitCommand, RefusedReadsAreStatusThreeWithFileAndReason) {
+    for (const char* operation : {"open", "read"})
+        for (const std::string& refused : {start_, target_}) {
+            FileFaults.Refuse = [&](const std::string& asked, const std::string& path) {
+                return std::string(asked == operation && path == refused ? "Permission denied" : "");
+            };
+            const Outcome outcome = Fit({start_, target_});
+            EXPECT_EQ(outcome.Status, 3) << operation;
+            EXPECT_NE(outcome.Err.find("\"" + refused + "\": Permission denied"), std::string::npos)
+                << outcome.Err;
+            EXPECT_EQ(outcome.Out, "");
+        }
+}
+
+TEST_F(FitCommand, AFullDiskLeavesTheFileWithTheOtherDecimalDelimiterAsItWas) {
+    const std::string content = "A;0,5;0;0\nB;1000;0;0,25\nC;0;2000;0\n";
+    const std::string start = Write("c1.txt", content);
+    for (const char* operation : {"create", "write", "flush", "rename"}) {
+        FileFaults.Refuse = [&](const std::string& asked, const std::string&) {
+            return std::string(asked == operation ? "No space left on device" : "");
+        };
+        const Outcome outcome = Fit({start, target_, "--yes"});
+        EXPECT_EQ(outcome.Status, 3) << operation;
+        EXPECT_NE(outcome.Err.find("No space left"), std::string::npos) << outcome.Err;
+        EXPECT_EQ(Contents(start), content) << operation;
+    }
+    const std::filesystem::directory_iterator files(folder_);
+    EXPECT_EQ(std::distance(begin(files), end(files)), 3) << "nothing is left beside the files";
 }
 
 TEST_F(FitCommand, FilesWithBlanksAloneNeedTheirDelimiterNamed) {
