@@ -147,10 +147,12 @@ bool RotationIsHeld() {
 std::string TooFewPairs(const FitOptions& options) {
     std::string text = "the start file has " + std::to_string(Job.nMCS) + " points and the target file " +
                        std::to_string(Job.nOCS) + ", " + std::to_string(Job.nIdent) +
-                       " of them identical; a transformation needs at least 2\n  ";
+                       " of them identical; a transformation needs at least 2";
+    if (std::min(Job.nMCS, Job.nOCS) < 2) return text;  // no way of pairing finds more
     if (options.Match == "id")
-        return text + "points without common names are paired with --match coordinate or --match distance";
-    return text + "they were paired within a tolerance (Etta) of " + PlainText(options.Tolerance_mm) +
+        return text +
+               "\n  points without common names are paired with --match coordinate or --match distance";
+    return text + "\n  they were paired within a tolerance (Etta) of " + PlainText(options.Tolerance_mm) +
            " mm; --tolerance changes it";
 }
 

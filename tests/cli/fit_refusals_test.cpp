@@ -43,6 +43,7 @@ TEST_F(FitCommand, TooFewPairsAreRefusedWithWhatTheFilesHold) {
               std::string::npos)
         << byName.Err;
     EXPECT_NE(byName.Err.find("--match coordinate"), std::string::npos);
+    EXPECT_EQ(Fit({start_, Write("one.txt", "A;5;6;7\n")}).Err.find("--match"), std::string::npos);
     const Outcome near = Fit({start_, target_, "--match", "coordinate", "--tolerance", "0.25"});
     EXPECT_EQ(near.Status, 1);
     EXPECT_NE(near.Err.find("0.25 mm; --tolerance"), std::string::npos) << near.Err;
