@@ -42,9 +42,14 @@ build() {
         echo "Configuring $folder" >&2
         (cd "$top" && cmake --preset "$preset") >"$log" 2>&1 || { cat "$log" >&2; rm -f "$log"; return 1; }
     fi
-    if ! ninja -C "$top/$folder" -n "$@" 2>/dev/null | grep -q 'no work to do'; then
-        echo "Building $folder (a first build takes some minutes)" >&2
-    fi
-    ninja -C "$top/$folder" "$@" >"$log" 2>&1 || { cat "$log" >&2; rm -f "$log"; return 1; }
+    # A build with nothing to do is over before this speaks.
+    { sleep 2 >/dev/null 2>&1; echo "Building into $folder (a first build takes some minutes)" >&2; } &
+    notice=$!
+    status=0
+    ninja -C "$top/$folder" "$@" >"$log" 2>&1 || status=$?
+    kill "$notice" 2>/dev/null || true
+    wait "$notice" 2>/dev/null || true
+    [ "$status" = 0 ] || cat "$log" >&2
     rm -f "$log"
+    return "$status"
 }

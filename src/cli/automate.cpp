@@ -29,6 +29,8 @@ struct RequestError {
     throw RequestError{what};
 }
 
+constexpr int kDeepest = 100;  // levels of a request; those that mean something have fewer than ten
+
 struct DueRequest {
     std::uint64_t Yield;
     json Request;
@@ -271,8 +273,7 @@ const std::map<std::string, json (*)(const json&), std::less<>> kRequests = {
     {"picture", NoGraphicsWindow},
 };
 
-// --- Replies
-// ------------------------------------------------------------------------------------------------
+// --- Replies ----------------------------------------------------------------------------------------------
 
 // Adds what came up since the last reply, and forgets it.
 void AddHappenings(json& reply) {
@@ -323,13 +324,12 @@ json Answer(const json& request) {
 // Runs the requests that are due at this yield. What comes up in them belongs to their own replies, so
 // what the interrupted work has brought up so far is laid aside meanwhile.
 void AtYield() {
-    for (std::size_t i = 0; i < Automation.Due.size();) {
-        if (Automation.Due[i].Yield != Headless.Yields) {
-            ++i;
-            continue;
-        }
-        const json request = std::move(Automation.Due[i].Request);
-        Automation.Due.erase(Automation.Due.begin() + static_cast<std::ptrdiff_t>(i));
+    // All of this yield are taken out before the first one runs, for its work may yield itself.
+    std::vector<json> due;
+    for (DueRequest& waiting : Automation.Due)
+        if (waiting.Yield == Headless.Yields) due.push_back(std::move(waiting.Request));
+    std::erase_if(Automation.Due, [](const DueRequest& waiting) { return waiting.Yield <= Headless.Yields; });
+    for (const json& request : due) {
         const auto dialogs = std::exchange(Headless.Dialogs, {});
         const auto shell = std::exchange(Headless.Shell, {});
         const bool unanswered = std::exchange(Headless.Unanswered, false);
@@ -355,8 +355,17 @@ void StartAutomation(const AutomationOptions& options) {
 std::string AnswerLine(const std::string& line, bool& quit) {
     json reply;
     try {
-        const json request = json::parse(line, nullptr, false);
-        if (request.is_discarded()) {
+        // JSON values are copied and freed level by level on the stack, so their depth is limited.
+        bool tooDeep = false;
+        const auto limitDepth = [&tooDeep](int depth, json::parse_event_t, const json&) {
+            tooDeep |= depth > kDeepest;
+            return !tooDeep;
+        };
+        const json request = json::parse(line, limitDepth, false);
+        if (tooDeep) {
+            reply = {{"ok", false}, {"error", "the line is nested too deeply"}};
+            AddHappenings(reply);
+        } else if (request.is_discarded()) {
             reply = {{"ok", false}, {"error", "the line is no JSON"}};
             AddHappenings(reply);
         } else {
@@ -373,7 +382,7 @@ void Automate(const AutomationOptions& options, std::istream& in, std::ostream& 
     StartAutomation(options);
     std::string line;
     bool quit = false;
-    while (!quit && std::getline(in, line)) {
+    while (!quit && out && std::getline(in, line)) {
         if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
         out << AnswerLine(line, quit) << std::endl;
     }

@@ -8,7 +8,9 @@
 #include "cli/fit.h"
 #include "cli/headless.h"
 #include "core/controller.h"
+#include "core/numbers.h"
 #include "core/platform.h"
+#include "core/text.h"
 #include "core/units.h"
 
 namespace {
@@ -37,84 +39,131 @@ struct FitSwitches {
     bool Yes = false, No = false, Json = false, Csv = false;
 };
 
-void AddDecimal(CLI::App& command, std::string& decimal) {
-    command.add_option("--decimal", decimal, "Decimal delimiter, '.' or ','; without it the locale's")
-        ->check(CLI::IsMember({".", ","}))
-        ->type_name("CHAR");
+// The help tells choices once, beside the option's name, so the checks are silent there.
+CLI::Validator OneOf(std::vector<std::string> choices) {
+    CLI::IsMember check(std::move(choices));
+    return check.description("");
+}
+CLI::Validator NameOf(const std::map<std::string, std::string>& names) {
+    CLI::CheckedTransformer check(names);
+    return check.description("");
+}
+CLI::Validator Between(int least, int most) {
+    CLI::Range check(least, most);
+    return check.description("");
+}
+
+// The import takes its tolerance as a 32-bit float above 0.
+std::string CheckTolerance(const std::string& text) {
+    double value = 0;
+    if (TextToNumber(text, '.', value) && value >= 1e-30 && value <= 1e30) return "";
+    return "\"" + Printable(text) + "\" is no length between 1e-30 and 1e30 mm";
+}
+
+void AddDecimal(CLI::App& command, std::string& decimal, const char* group) {
+    command
+        .add_option("--decimal", decimal,
+                    "Decimal delimiter of files and output, a point or a comma;\n"
+                    "default: that of the locale")
+        ->check(OneOf({".", ","}))
+        ->type_name("'.'|','")
+        ->group(group);
+}
+
+void AddPointOptions(CLI::App& fit, FitSwitches& s) {
+    const char* const group = "Points";
+    FitOptions& o = s.Options;
+    fit.add_option("--match", o.Match,
+                   "How the points that both files hold are found: by equal names,\n"
+                   "by equal coordinates, or by equal distances; default: id")
+        ->check(OneOf({"id", "coordinate", "distance"}))
+        ->type_name("id|coordinate|distance")
+        ->group(group);
+    fit.add_option("--tolerance", o.Tolerance_mm,
+                   "How near is equal, in mm whatever the unit; for coordinate and\n"
+                   "distance; default: 0.8")
+        ->check(CheckTolerance)
+        ->type_name("MM")
+        ->group(group);
+    fit.add_option("--only-first", o.OnlyFirst, "Take the distances of the first N target points alone")
+        ->check(Between(1, 1000000000))
+        ->type_name("N")
+        ->group(group);
+    fit.add_option("--leave-out", o.LeaveOut,
+                   "Points that take no part in the fit, or coordinates of them:\n"
+                   "P7, P9:z, P4:xy")
+        ->type_name("POINT")
+        ->group(group);
+    AddDecimal(fit, s.Decimal, group);
+    fit.add_option("--delimiter", o.Delimiter,
+                   "What stands between the fields of a file that does not show it,\n"
+                   "as one with blanks alone")
+        ->transform(NameOf(kDelimiterNames))
+        ->type_name("space|semicolon|colon|star|sharp|tab|comma")
+        ->group(group);
+    auto* yes = fit.add_flag("--yes,-y", s.Yes,
+                             "Answer the questions of the import with Yes; a file with the\n"
+                             "other decimal delimiter is then changed")
+                    ->group(group);
+    fit.add_flag("--no,-n", s.No, "Answer the questions of the import with No")->group(group)->excludes(yes);
+}
+
+void AddModelOptions(CLI::App& fit, FitOptions& o) {
+    const char* const group = "Model";
+    fit.add_option("--parameters", o.Parameters,
+                   "What floats: level (3 shifts and the rotation about z), 6 (rigid),\n"
+                   "7 (with one scale), 9 (with three scales), 12 (affine); default: 6")
+        ->check(OneOf({"level", "6", "7", "9", "12"}))
+        ->type_name("level|6|7|9|12")
+        ->group(group);
+    fit.add_option("--hold", o.Hold,
+                   "Hold parameters at values, in the units in use:\n"
+                   "rotz=0, scalexyz=1.002, trax=12.5")
+        ->type_name("NAME=VALUE")
+        ->group(group);
+}
+
+void AddOutputOptions(CLI::App& fit, FitSwitches& s) {
+    const char* const group = "Units and output";
+    FitOptions& o = s.Options;
+    fit.add_option("--length-unit", o.LengthUnit, "Unit of the files and of what is shown; default: mm")
+        ->transform(NameOf(kLengthNames))
+        ->type_name("mm|m|in|ft")
+        ->group(group);
+    fit.add_option("--angle-unit", o.AngleUnit, "Unit of angles; default: deg")
+        ->transform(NameOf(kAngleNames))
+        ->type_name("deg|gon|rad|mrad|arcsecond|arcminute|dms")
+        ->group(group);
+    fit.add_option("--digits", o.LengthDigits, "Decimals of lengths, 0 to 6; default: 3")
+        ->check(Between(0, 6))
+        ->type_name("N")
+        ->group(group);
+    fit.add_option("--angle-digits", o.AngleDigits, "Decimals of angles, 0 to 6; default: 4")
+        ->check(Between(0, 6))
+        ->type_name("N")
+        ->group(group);
+    fit.add_flag("--long-scales", o.ScaleDigits, "Scales with 12 decimals instead of 6")->group(group);
+    auto* json = fit.add_flag("--json", s.Json, "Everything as JSON, with full precision, in mm and rad")
+                     ->group(group);
+    fit.add_flag("--csv", s.Csv, "The points as CSV, in the units in use")->group(group)->excludes(json);
 }
 
 CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
     CLI::App* fit = app.add_subcommand("fit", "Fit the transformation from one point file to another");
-    FitOptions& o = s.Options;
-    fit->add_option("START", o.Start, "Point file of the start system, lines of name x y z")->required();
-    fit->add_option("TARGET", o.Target, "Point file of the target system")->required();
-
-    const char* const points = "Points";
-    fit->add_option("--match", o.Match, "How identical points are found")
-        ->check(CLI::IsMember({"id", "coordinate", "distance"}))
-        ->capture_default_str()
-        ->group(points);
-    fit->add_option("--tolerance", o.Tolerance_mm, "Tolerance of matching by coordinate or distance, mm")
-        ->check(CLI::PositiveNumber)
-        ->capture_default_str()
-        ->group(points);
-    fit->add_option("--only-first", o.OnlyFirst, "Match by the distances of the first N target points alone")
-        ->check(CLI::Range(1, 1000000000))
-        ->type_name("N")
-        ->group(points);
-    fit->add_option("--leave-out", o.LeaveOut,
-                    "Point that takes no part, or coordinates of it: P7, P9:z, P4:xy")
-        ->type_name("POINT")
-        ->group(points);
-    fit->add_option("--delimiter", o.Delimiter,
-                    "Field delimiter of files that show none, as those with blanks alone")
-        ->transform(CLI::CheckedTransformer(kDelimiterNames))
-        ->type_name("NAME")
-        ->group(points);
-    AddDecimal(*fit, s.Decimal);
-    auto* yes =
-        fit->add_flag("--yes,-y", s.Yes, "Answer the questions of the import with Yes")->group(points);
-    fit->add_flag("--no,-n", s.No, "Answer the questions of the import with No")
-        ->group(points)
-        ->excludes(yes);
-
-    const char* const model = "Model";
-    fit->add_option(
-           "--parameters", o.Parameters,
-           "What floats: level (3 shifts, rotation about z), 6 (rigid), 7 (one scale), 9 (three scales), "
-           "12 (affine)")
-        ->check(CLI::IsMember({"level", "6", "7", "9", "12"}))
-        ->capture_default_str()
-        ->group(model);
-    fit->add_option("--hold", o.Hold,
-                    "Hold a parameter at a value in the units in use: rotz=0, scalexyz=1.002, trax=12.5")
-        ->type_name("NAME=VALUE")
-        ->group(model);
-
-    const char* const shown = "Units and output";
-    fit->add_option("--length-unit", o.LengthUnit, "Unit of the files and of what is shown")
-        ->transform(CLI::CheckedTransformer(kLengthNames))
-        ->type_name("mm|m|in|ft")
-        ->capture_default_str()
-        ->group(shown);
-    fit->add_option("--angle-unit", o.AngleUnit, "Unit of angles")
-        ->transform(CLI::CheckedTransformer(kAngleNames))
-        ->type_name("deg|gon|rad|mrad|arcsecond|arcminute|dms")
-        ->capture_default_str()
-        ->group(shown);
-    fit->add_option("--digits", o.LengthDigits, "Digits of lengths behind the point")
-        ->check(CLI::Range(0, 6))
-        ->capture_default_str()
-        ->group(shown);
-    fit->add_option("--angle-digits", o.AngleDigits, "Digits of angles behind the point")
-        ->check(CLI::Range(0, 6))
-        ->capture_default_str()
-        ->group(shown);
-    fit->add_flag("--long-scales", o.ScaleDigits, "Scales with 12 digits behind the point instead of 6")
-        ->group(shown);
-    auto* json = fit->add_flag("--json", s.Json, "Everything as JSON, with full precision")->group(shown);
-    fit->add_flag("--csv", s.Csv, "The points as CSV")->group(shown)->excludes(json);
+    fit->add_option("START", s.Options.Start, "Point file of the start system, a line a point: name x y z")
+        ->type_name("FILE")
+        ->required();
+    fit->add_option("TARGET", s.Options.Target, "Point file of the target system")
+        ->type_name("FILE")
+        ->required();
+    AddPointOptions(*fit, s);
+    AddModelOptions(*fit, s.Options);
+    AddOutputOptions(*fit, s);
     fit->footer(
+        "Examples:\n"
+        "  corvinade-cli fit measured.txt nominal.txt --leave-out F09\n"
+        "  corvinade-cli fit measured.txt nominal.txt --match distance --tolerance 0.3\n"
+        "  corvinade-cli fit measured.txt nominal.txt --parameters 7 --json\n\n"
         "Exit status: 0 done, 1 refused, 2 wrong usage, 3 an input cannot be read,\n"
         "4 calculated but not converged.");
     return fit;
@@ -130,6 +179,10 @@ CLI::App* AddAutomate(CLI::App& app, AutomateSwitches& s) {
         "automate", "Drive windows and controls by name: one JSON request a line on standard input");
     automate
         ->add_option("--settings-dir", s.SettingsDir, "Folder that stands in for the user's settings folder")
+        ->check([](const std::string& text) {
+            // A script's variable that is not set must not lead to the user's own settings.
+            return std::string(text.empty() ? "the name of the folder is empty" : "");
+        })
         ->type_name("DIR");
     automate->add_option("--job", s.Options.Job, "Job file to open at the start")->type_name("FILE");
     automate->add_option("--screen", s.Screen, "Inner size of a new graphics window, pixels")
@@ -142,7 +195,7 @@ CLI::App* AddAutomate(CLI::App& app, AutomateSwitches& s) {
         })
         ->type_name("WxH")
         ->capture_default_str();
-    AddDecimal(*automate, s.Decimal);
+    AddDecimal(*automate, s.Decimal, "Options");
     return automate;
 }
 
@@ -163,7 +216,7 @@ int Serve(AutomateSwitches& s, std::istream& in, std::ostream& out) {
     if (!s.Decimal.empty()) Headless.Decimal = DecimalOf(s.Decimal);
     std::sscanf(s.Screen.c_str(), "%dx%d", &s.Options.ScreenWidth, &s.Options.ScreenHeight);
     Automate(s.Options, in, out);
-    return kDone;
+    return out ? kDone : kRefused;  // nobody has read the replies
 }
 
 }  // namespace

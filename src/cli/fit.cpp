@@ -39,9 +39,14 @@ std::string OneParagraph(const std::string& text) {
     return result;
 }
 
+// Messages, and the questions that an option has answered.
 void WriteMessages(std::ostream& err) {
-    for (const DialogShown& dialog : Headless.Dialogs)
-        if (dialog.Kind == "message" && dialog.Buttons.size() == 1) err << OneParagraph(dialog.Text) << "\n";
+    for (const DialogShown& dialog : Headless.Dialogs) {
+        if (dialog.Kind != "message" || !dialog.Answer) continue;
+        err << OneParagraph(dialog.Text);
+        if (dialog.Buttons.size() > 1) err << " " << *dialog.Answer;
+        err << "\n";
+    }
     Headless.Dialogs.clear();
 }
 
@@ -116,7 +121,8 @@ int Refuse(std::ostream& err, ExitStatus status, const std::string& text) {
     return status;
 }
 
-// A rotation has two triples of angles; the one that turns less is the one people read.
+// A rotation has two triples of angles; the one that turns less is the one people read. Sigma is the same
+// for both, the significance is not.
 void TakeNicerRotation() {
     constexpr double pi = std::numbers::pi;
     const auto wrap = [](double angle) { return std::remainder(angle, 2 * pi); };
@@ -126,6 +132,11 @@ void TakeNicerRotation() {
     Job.RotX = Job.RotXCopy = other(1);
     Job.RotY = Job.RotYCopy = other(2);
     Job.RotZ = Job.RotZCopy = other(3);
+    for (const int k : {kRotX, kRotY, kRotZ}) {
+        const auto index = static_cast<std::size_t>(k);
+        Calculation.Significance[index] =
+            std::fabs(ParameterValue(Job, k)) / (Calculation.Sigma[index] + 1e-9);
+    }
 }
 
 // True when one of the rotation's angles is held: its value is the user's.
@@ -133,11 +144,20 @@ bool RotationIsHeld() {
     return Job.ParamText[kRotX] != kFloat || Job.ParamText[kRotY] != kFloat || Job.ParamText[kRotZ] != kFloat;
 }
 
-int Calculate(std::ostream& err) {
-    if (Job.nIdent < 2)
-        return Refuse(err, kRefused,
-                      "there are " + std::to_string(Job.nIdent) +
-                          " identical points; a transformation needs at least 2");
+std::string TooFewPairs(const FitOptions& options) {
+    std::string text = "the start file has " + std::to_string(Job.nMCS) + " points and the target file " +
+                       std::to_string(Job.nOCS) + ", " + std::to_string(Job.nIdent) +
+                       " of them identical; a transformation needs at least 2";
+    if (std::min(Job.nMCS, Job.nOCS) < 2) return text;  // no way of pairing finds more
+    if (options.Match == "id")
+        return text +
+               "\n  points without common names are paired with --match coordinate or --match distance";
+    return text + "\n  they were paired within a tolerance (Etta) of " + PlainText(options.Tolerance_mm) +
+           " mm; --tolerance changes it";
+}
+
+int Calculate(const FitOptions& options, std::ostream& err) {
+    if (Job.nIdent < 2) return Refuse(err, kRefused, TooFewPairs(options));
     Headless.Dialogs.clear();
     if (!Dispatch([] { ButtonCalcErsatz(); })) {
         WriteMessages(err);
@@ -180,7 +200,7 @@ int RunFit(const FitOptions& options, std::ostream& out, std::ostream& err, bool
     WriteMessages(err);
     const std::string wrong = SelectParameters(options);
     if (!wrong.empty()) return Refuse(err, kWrongUsage, wrong);
-    const int status = Calculate(err);
+    const int status = Calculate(options, err);
     if (showProgress) err << "\r\x1b[K" << std::flush;
     if (status == kRefused) return status;
     switch (options.Output) {
@@ -194,6 +214,6 @@ int RunFit(const FitOptions& options, std::ostream& out, std::ostream& err, bool
             WriteFitCsv(options, out);
             break;
     }
-    out.flush();
+    if (!out.flush()) return Refuse(err, kRefused, "the result could not be written to standard output");
     return status;
 }

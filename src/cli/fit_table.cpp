@@ -5,11 +5,11 @@
 #include <ostream>
 
 #include "cli/fit_output.h"
+#include "cli/text_columns.h"
 #include "core/controller.h"
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/run.h"
-#include "core/text.h"
 #include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
@@ -25,11 +25,13 @@ struct Style {
     std::string Quiet(const std::string& text) const { return Colour ? "\x1b[2m" + text + "\x1b[0m" : text; }
 };
 
-std::string Left(const std::string& text, int width) {
-    return text + std::string(static_cast<std::size_t>(std::max(0, width - CharacterCount(text))), ' ');
-}
-std::string Right(const std::string& text, int width) {
-    return std::string(static_cast<std::size_t>(std::max(0, width - CharacterCount(text))), ' ') + text;
+// Longer names and paths are cut: a table is to be read, and the other outputs hold them whole.
+constexpr int kLongestName = 40;
+constexpr int kLongestPath = 200;
+
+// The label of a line of the head, up to where its text begins.
+std::string Label(const std::string& text) {
+    return TextColumns{{14}}.Line({text});
 }
 
 std::string Length(double value_mm) {
@@ -69,67 +71,77 @@ std::string UnitOf(Kind kind) {
 void WriteHead(const FitOptions& options, const Style& style, std::ostream& out) {
     const auto& c = Calculation;
     out << style.Heading("Corvinade " + ProgramVersion()) << "  least-squares 3D transformation\n\n";
-    out << Left("start", 14) << options.Start << "  (" << Job.nMCS << " points)\n";
-    out << Left("target", 14) << options.Target << "  (" << Job.nOCS << " points)\n";
-    out << Left("pairs", 14) << Job.nIdent << " by " << options.Match;
+    out << Label("start") << ForTable(options.Start, kLongestPath) << "  (" << Job.nMCS << " points)\n";
+    out << Label("target") << ForTable(options.Target, kLongestPath) << "  (" << Job.nOCS << " points)\n";
+    out << Label("pairs") << Job.nIdent << " by " << options.Match;
     if (Job.nMCSOnly > 0) out << ", " << Job.nMCSOnly << " only in start";
     if (Job.nOCSOnly > 0) out << ", " << Job.nOCSOnly << " only in target";
-    out << "\n"
-        << Left("observations", 14) << ObservationsInUse() << " in use, " << c.nFloat << " unknowns\n";
-    out << Left("iterations", 14) << Adjustment.Iterations;
+    out << "\n" << Label("observations") << ObservationsInUse() << " in use, " << c.nFloat << " unknowns\n";
+    out << Label("iterations") << Adjustment.Iterations;
     if (!c.Converged) out << "  " << style.Alarm("convergence not reached");
     out << "\n";
 }
 
 void WriteParameters(const Style& style, std::ostream& out) {
-    out << "\n"
-        << style.Heading(Left("Parameter", 12) + Right("value", 18) + Right("sigma", 14) +
-                         Right("significance", 14))
-        << "  unit\n";
-    for (const Row& row : kRows) {
-        const std::string& state = Job.ParamText[static_cast<std::size_t>(row.Parameter)];
-        if (state == kNotUsed) continue;
+    const std::vector<std::string> head = {"Parameter", "value", "sigma", "significance"};
+    const auto cells = [](const Row& row) -> std::vector<std::string> {
         const auto index = static_cast<std::size_t>(row.Parameter);
-        const bool isFloat = state == kFloat;
-        out << Left(row.Name, 12) << Right(Shown(row.Is, ParameterValue(Job, row.Parameter)), 18)
-            << Right(isFloat ? Shown(row.Is, Calculation.Sigma[index]) : "-", 14)
-            << Right(isFloat ? FormatNumber(Calculation.Significance[index], "0.0") : "held", 14) << "  "
-            << style.Quiet(UnitOf(row.Is)) << "\n";
-    }
+        const bool isFloat = Job.ParamText[index] == kFloat;
+        return {row.Name, Shown(row.Is, ParameterValue(Job, row.Parameter)),
+                isFloat ? Shown(row.Is, Calculation.Sigma[index]) : "-",
+                isFloat ? FormatNumber(Calculation.Significance[index], "0.0") : "held"};
+    };
+    const auto isUsed = [](const Row& row) {
+        return Job.ParamText[static_cast<std::size_t>(row.Parameter)] != kNotUsed;
+    };
+    TextColumns columns{{12, 16, 12, 12}};
+    for (const Row& row : kRows)
+        if (isUsed(row)) columns.MakeRoom(cells(row));
+    out << "\n" << style.Heading(columns.Line(head)) << "  unit\n";
+    for (const Row& row : kRows)
+        if (isUsed(row)) out << columns.Line(cells(row)) << "  " << style.Quiet(UnitOf(row.Is)) << "\n";
 }
 
 void WriteQuality(const Style& style, std::ostream& out) {
     const auto& c = Calculation;
+    const std::vector<std::string> mean = {"mean error", Length(c.sx), Length(c.sy), Length(c.sz),
+                                           Length(c.SigmaXYZ)};
+    const std::vector<std::string> s0 = {"s0", Length(c.s0)};
+    TextColumns columns{{12, 10, 10, 10, 10}};
+    columns.MakeRoom(mean);
+    columns.MakeRoom(s0);
     out << "\n"
-        << style.Heading(Left("Quality", 12) + Right("x", 12) + Right("y", 12) + Right("z", 12) +
-                         Right("xyz", 12))
-        << "  " << style.Quiet(Job.LengthUnitName) << "\n";
-    out << Left("mean error", 12) << Right(Length(c.sx), 12) << Right(Length(c.sy), 12)
-        << Right(Length(c.sz), 12) << Right(Length(c.SigmaXYZ), 12) << "\n";
-    out << Left("s0", 12) << Right(Length(c.s0), 12) << "\n";
+        << style.Heading(columns.Line({"Quality", "x", "y", "z", "xyz"})) << "  "
+        << style.Quiet(Job.LengthUnitName) << "\n";
+    out << columns.Line(mean) << "\n" << columns.Line(s0) << "\n";
 }
 
 void WriteDeviations(const Style& style, std::ostream& out) {
     const std::vector<FitPoint> points = FitPoints();
-    int nameWidth = 12;
-    for (const FitPoint& point : points) nameWidth = std::max(nameWidth, CharacterCount(point.Name) + 2);
+    const auto cells = [](const FitPoint& point) {
+        std::vector<std::string> texts = {ForTable(point.Name, kLongestName)};
+        for (int axis = 0; axis < 3; ++axis) {
+            // A coordinate that takes no part stands in brackets.
+            const std::string value = Length(point.Deviation[axis]);
+            texts.push_back(point.Used[axis] ? value : "(" + value + ")");
+        }
+        texts.push_back(Length(point.Deviation3D));
+        return texts;
+    };
+    TextColumns columns{{12, 10, 10, 10, 10}};
+    bool leftOut = false;
+    for (const FitPoint& point : points) {
+        columns.MakeRoom(cells(point));
+        leftOut |= !point.Used[0] || !point.Used[1] || !point.Used[2];
+    }
     const auto largest =
         std::max_element(points.begin(), points.end(),
                          [](const FitPoint& a, const FitPoint& b) { return a.Deviation3D < b.Deviation3D; });
     out << "\n"
-        << style.Heading(Left("Deviation", nameWidth) + Right("dx", 12) + Right("dy", 12) + Right("dz", 12) +
-                         Right("3D", 12))
-        << "  " << style.Quiet(Job.LengthUnitName + ", transformed start minus target") << "\n";
-    bool leftOut = false;
+        << style.Heading(columns.Line({"Deviation", "dx", "dy", "dz", "3D"})) << "  "
+        << style.Quiet(Job.LengthUnitName + ", transformed start minus target") << "\n";
     for (auto point = points.begin(); point != points.end(); ++point) {
-        std::string line = Left(point->Name, nameWidth);
-        for (int axis = 0; axis < 3; ++axis) {
-            // A coordinate that takes no part stands in brackets.
-            const std::string value = Length(point->Deviation[axis]);
-            line += point->Used[axis] ? Right(value, 12) : Right("(" + value + ")", 12);
-            leftOut |= !point->Used[axis];
-        }
-        line += Right(Length(point->Deviation3D), 12);
+        const std::string line = columns.Line(cells(*point));
         out << (point == largest ? style.Alarm(line + "  <- largest") : line) << "\n";
     }
     if (leftOut) out << style.Quiet("(in brackets: not used in the fit)") << "\n";

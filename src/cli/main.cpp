@@ -8,12 +8,15 @@
 
 #include "cli/commands.h"
 #include "cli/fit_options.h"
+#include "core/platform.h"
 
 int main(int argc, char** argv) {
     try {
         std::ios::sync_with_stdio(false);
         return RunCommandLine(argc, argv, std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1,
                               isatty(STDERR_FILENO) == 1);
+    } catch (const PlatformError& error) {
+        std::fprintf(stderr, "corvinade-cli: %s\n", error.What.c_str());
     } catch (const std::bad_alloc&) {
         std::fputs("corvinade-cli: there is not enough memory for this\n", stderr);
     } catch (const std::exception& error) {

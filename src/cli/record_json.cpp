@@ -1,6 +1,7 @@
 // Records of the job and of the program run as JSON, and back.
 #include "cli/record_json.h"
 
+#include <cmath>
 #include <limits>
 #include <nlohmann/json.hpp>
 
@@ -106,8 +107,10 @@ std::string Take(const json& value, double& out) {
 std::string Take(const json& value, float& out) {
     double number = 0;
     const std::string wrong = Take(value, number);
-    if (wrong.empty()) out = static_cast<float>(number);
-    return wrong;
+    if (!wrong.empty()) return wrong;
+    if (std::fabs(number) > std::numeric_limits<float>::max()) return "the number is out of range";
+    out = static_cast<float>(number);
+    return "";
 }
 std::string Take(const json& value, std::string& out) {
     if (!value.is_string()) return "a text is expected";

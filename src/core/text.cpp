@@ -27,8 +27,17 @@ void AppendUtf8(std::string& out, std::uint32_t code) {
     }
 }
 
-// Length of the valid UTF-8 sequence at the start of `bytes`, and its code point; 0 when invalid.
-std::size_t Sequence(std::string_view bytes, std::uint32_t& code) {
+// The Windows-1252 byte of a code point, or -1.
+int SingleByte(std::uint32_t code) {
+    if (code < 0x80 || (code >= 0xA0 && code <= 0xFF)) return static_cast<int>(code);
+    for (std::size_t i = 0; i < kUpperControls.size(); ++i)
+        if (kUpperControls[i] == code) return static_cast<int>(0x80 + i);
+    return -1;
+}
+
+}  // namespace
+
+std::size_t Utf8Character(std::string_view bytes, std::uint32_t& code) {
     const auto at = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
     const unsigned first = at(0);
     if (first < 0x80) {
@@ -50,16 +59,6 @@ std::size_t Sequence(std::string_view bytes, std::uint32_t& code) {
     return tooLong || outside ? 0 : length;
 }
 
-// The Windows-1252 byte of a code point, or -1.
-int SingleByte(std::uint32_t code) {
-    if (code < 0x80 || (code >= 0xA0 && code <= 0xFF)) return static_cast<int>(code);
-    for (std::size_t i = 0; i < kUpperControls.size(); ++i)
-        if (kUpperControls[i] == code) return static_cast<int>(0x80 + i);
-    return -1;
-}
-
-}  // namespace
-
 bool IsAscii(std::string_view bytes) {
     std::size_t i = 0;
     for (; i + 8 <= bytes.size(); i += 8) {
@@ -75,7 +74,7 @@ bool IsAscii(std::string_view bytes) {
 bool IsValidUtf8(std::string_view bytes) {
     std::uint32_t code = 0;
     while (!bytes.empty()) {
-        const std::size_t length = Sequence(bytes, code);
+        const std::size_t length = Utf8Character(bytes, code);
         if (length == 0) return false;
         bytes.remove_prefix(length);
     }
@@ -99,7 +98,7 @@ std::string EncodeText(std::string_view text) {
     bytes.reserve(text.size());
     std::uint32_t code = 0;
     for (std::string_view rest = text; !rest.empty();) {
-        const std::size_t length = Sequence(rest, code);
+        const std::size_t length = Utf8Character(rest, code);
         const int byte = length == 0 ? -1 : SingleByte(code);
         if (byte < 0) return std::string(text);
         bytes += static_cast<char>(byte);
@@ -120,7 +119,7 @@ std::string Printable(std::string_view text, int most) {
     std::uint32_t code = 0;
     while (!text.empty()) {
         if (most-- <= 0) return out + "...";
-        const std::size_t length = Sequence(text, code);
+        const std::size_t length = Utf8Character(text, code);
         const bool control = length == 0 || code < 0x20 || (code >= 0x7F && code < 0xA0);
         out += control ? std::string("?") : std::string(text.substr(0, length));
         text.remove_prefix(length == 0 ? 1 : length);

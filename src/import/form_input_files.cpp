@@ -106,8 +106,7 @@ void FromClipboard(Control& text, const char* name) {
 void ShowForIdentification() {
     FormInputFiles& w = InputFiles;
     const bool byDistance = w.OptionByDis.Value == 1;
-    for (Control* shown : {&w.CheckUseOnlyFirst, &w.LabelMaxOCS1, &w.LabelMaxOCS2, &w.TextMaxOCS})
-        shown->Visible = byDistance;
+    for (Control* shown : {&w.LabelMaxOCS1, &w.LabelMaxOCS2, &w.TextMaxOCS}) shown->Visible = byDistance;
     w.CheckRenameMCS.Visible = w.CheckRenameOCS.Visible = w.OptionByCoordinate.Value == 1;
 }
 
@@ -169,7 +168,7 @@ void FormInputFiles::OptionByDis_Click() {
 
 void FormInputFiles::CheckUseOnlyFirst_Click() {
     FormInputFiles& w = InputFiles;
-    const bool shown = w.CheckUseOnlyFirst.Value == 1;
+    const bool shown = w.CheckUseOnlyFirst.Value == 1 && w.OptionByDis.Value == 1;
     for (Control* control : {&w.LabelMaxOCS1, &w.LabelMaxOCS2, &w.TextMaxOCS}) control->Visible = shown;
 }
 

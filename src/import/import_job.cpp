@@ -1,6 +1,7 @@
 // The import of a job from two files, and the round trip through the clipboard.
 #include <array>
 #include <cmath>
+#include <exception>
 #include <optional>
 
 #include "core/controller.h"
@@ -155,8 +156,9 @@ bool FileIsThere(const std::string& path) {
     return false;
 }
 
-// On the way out of an import, however it ends: counts and arrays fit each other, and the target path
-// that a robot file's import has lent to the start file is put back.
+// On the way out of an import, however it ends: counts and arrays fit each other, a job that an error has
+// left half read is not valid, and the target path that a robot file's import has lent to the start file
+// is put back.
 struct ImportGuard {
     ImportGuard() = default;
     ImportGuard(const ImportGuard&) = delete;
@@ -165,10 +167,15 @@ struct ImportGuard {
         RepairJobCounts();
         const bool isLent = !IsTrue(Run.IsDefault) && !Run.PathReader.empty() && Job.PathOCS == lent_;
         if (isLent) Job.PathOCS = Run.PathReader;
+        if (Whole || std::uncaught_exceptions() == exceptions_) return;
+        Run.JobDataValid = Run.TrafoValid = kFalse;
+        ProgrammLogik();
     }
+    bool Whole = false;  // all points are read and paired
 
 private:
     std::string lent_ = Job.PathOCS;  // another path is that of another job, opened during the search
+    int exceptions_ = std::uncaught_exceptions();
 };
 
 }  // namespace
@@ -215,10 +222,11 @@ void myBtn_OK() {
         return;
     }
 
-    const ImportGuard guard;
+    ImportGuard guard;
     ++Run.JobGeneration;
     if (!ImportPoints()) return;
     IdentischePkte_Neu();
+    guard.Whole = true;
     FuellenHaupttabelle();
     Run.JobDataValid = kTrue;
     ProgrammLogik();
@@ -303,10 +311,12 @@ void ClipboardRoundTrip() {
         return;
     }
     if (!Directory_Exist(SettingsFolder())) CreateFolder(SettingsFolder());
-    Job.PathMCS = JoinPath(SettingsFolder(), "mcs.txt");
-    Job.PathOCS = JoinPath(SettingsFolder(), "ocs.txt");
-    WriteFile(Job.PathMCS, EncodeText(start));
-    WriteFile(Job.PathOCS, EncodeText(target));
+    const std::string startPath = JoinPath(SettingsFolder(), "mcs.txt");
+    const std::string targetPath = JoinPath(SettingsFolder(), "ocs.txt");
+    WriteFile(startPath, EncodeText(start));
+    WriteFile(targetPath, EncodeText(target));
+    Job.PathMCS = startPath;
+    Job.PathOCS = targetPath;
 
     // The dialog is where an import takes its choices from; here they are those of a new dialog, for
     // two plain point files.

@@ -1,12 +1,14 @@
 // The automation, line by line as its document fixes it.
 #include "cli/automate.h"
 
+#include <array>
 #include <filesystem>
 #include <functional>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <sstream>
 
+#include "cli/commands.h"
 #include "cli/headless.h"
 #include "core/files.h"
 #include "core/job.h"
@@ -90,6 +92,27 @@ TEST_F(Automation, AJobIsOpenedAsAQuotedArgumentWouldBe) {
     Start(options);
     Get("Windows");
     EXPECT_EQ(Record("JobFilePath"), PathOf("a.cvn"));
+}
+
+TEST_F(Automation, AnEmptyNameOfTheSettingsFolderIsWrongUsage) {
+    const std::array<const char*, 4> argv = {"corvinade-cli", "automate", "--settings-dir", ""};
+    std::istringstream in;
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(RunCommandLine(4, argv.data(), in, out, err, false, false), 2);
+    EXPECT_EQ(out.str(), "");
+    EXPECT_NE(err.str().find("--settings-dir"), std::string::npos);
+}
+
+TEST_F(Automation, RepliesThatNobodyTakesEndItWithoutSuccess) {
+    const std::string folder = PathOf("settings");
+    const std::array<const char*, 4> argv = {"corvinade-cli", "automate", "--settings-dir", folder.c_str()};
+    std::istringstream in(
+        "{\"do\":\"get\",\"at\":\"Windows\"}\n{\"do\":\"click\",\"at\":\"FormMain.MenuSettingsUnits\"}\n");
+    std::ostream out(nullptr);
+    std::ostringstream err;
+    EXPECT_NE(RunCommandLine(4, argv.data(), in, out, err, false, false), 0);
+    EXPECT_FALSE(IsLoaded("FormUnits")) << "no request runs whose reply would be lost";
 }
 
 // --- Requests that are none --------------------------------------------------------------------------------
@@ -298,6 +321,7 @@ TEST_F(Automation, RecordsThatWouldNotFitAreRefusedAndUnchanged) {
     EXPECT_TRUE(refused("LengthDigits", 40000));
     EXPECT_TRUE(refused("LengthDigits", 1.5));
     EXPECT_TRUE(refused("nMCS", 18446744073709551615ULL));
+    EXPECT_TRUE(refused("Etta", 1e300));
     EXPECT_TRUE(refused("ParamText", json({"a"})));
     EXPECT_TRUE(refused("SavedView", json::array()));
     EXPECT_TRUE(JobCountsFit(Job));
@@ -345,8 +369,45 @@ TEST_F(Automation, RequestsRunAtAComingYieldInsideTheWork) {
     EXPECT_EQ(Get("Windows")["windows"], json({"FormMain"}));
 }
 
-// --- Anything at all
-// ------------------------------------------------------------------------------------------------
+TEST_F(Automation, AllRequestsOfOneYieldRunAlsoWhenOneOfThemYieldsItself) {
+    Start();
+    Click("FormMain.MenuFileInputFiles");
+    Set("FormInputFiles.TextNameMCS", Write("start.txt", kStart));
+    Set("FormInputFiles.TextNameOCS", Write("target.txt", kTarget));
+    Set("FormInputFiles.OptionByDis", true);
+    Answer("input", "0.01");
+    Answer("input", "0.01");
+    Ask({{"do", "during"}, {"yield", 1}, {"request", {{"do", "click"}, {"at", "FormInputFiles.BtnApply"}}}});
+    Ask({{"do", "during"}, {"yield", 1}, {"request", {{"do", "get"}, {"at", "Windows"}}}});
+    const json reply = Click("FormInputFiles.BtnApply");
+    ASSERT_EQ(reply["during"].size(), 2u) << reply;
+    EXPECT_TRUE(reply["during"][1].contains("windows"));
+}
+
+TEST_F(Automation, AnImportInsideTheSearchOfAnotherOneHasTheLastWord) {
+    Start();
+    Click("FormMain.MenuFileInputFiles");
+    Set("FormInputFiles.TextNameMCS", Write("start.txt", kStart));
+    Set("FormInputFiles.TextNameOCS", Write("target.txt", kTarget));
+    Set("FormInputFiles.OptionByDis", true);
+    Answer("input", "0.01");
+    const auto during = [](int yield, const json& request) {
+        Ask({{"do", "during"}, {"yield", yield}, {"request", request}});
+    };
+    // The inner import breaks off at a number, with one start point read.
+    during(1, {{"do", "set"},
+               {"at", "FormInputFiles.TextNameMCS"},
+               {"value", Write("half.txt", "A;1;2;3\nB;4;five;6\n")}});
+    during(1, {{"do", "set"}, {"at", "FormInputFiles.OptionByID"}, {"value", true}});
+    during(1, {{"do", "click"}, {"at", "FormInputFiles.BtnApply"}});
+    const json reply = Click("FormInputFiles.BtnApply");
+    ASSERT_EQ(reply["during"].size(), 3u) << reply;
+    EXPECT_TRUE(reply["during"][2].contains("platformError"));
+    EXPECT_EQ(Record("JobDataValid"), 0) << "the outer import has no points left to call a job";
+    EXPECT_TRUE(JobCountsFit(Job));
+}
+
+// --- Anything at all --------------------------------------------------------------------------------------
 
 TEST_F(Automation, SurvivesAnyLine) {
     ExpectUnanswered();
@@ -422,5 +483,9 @@ TEST_F(Automation, SurvivesVeryLongAndVeryDeepLines) {
     Start();
     EXPECT_EQ(AskLine(std::string(10'000'000, '['))["ok"], false);
     EXPECT_EQ(AskLine("{\"do\":\"" + std::string(10'000'000, 'x') + "\"}")["ok"], false);
+    const std::string deep = std::string(200'000, '[') + std::string(200'000, ']');
+    for (const std::string& line : {deep, R"({"do":"record","name":"MCS_X","value":)" + deep + "}",
+                                    R"({"do":"during","yield":1,"request":{"do":)" + deep + "}}"})
+        EXPECT_EQ(AskLine(line)["error"], "the line is nested too deeply");
     EXPECT_EQ(Get("Windows")["ok"], true);
 }

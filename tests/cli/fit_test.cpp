@@ -1,28 +1,13 @@
-// `corvinade-cli fit`: its numbers against a closed form, its outputs, its refusals and exit statuses.
+// `corvinade-cli fit`: its numbers against a closed form, and its outputs.
 #include <cmath>
-#include <filesystem>
 #include <fstream>
 #include <map>
-#include <nlohmann/json.hpp>
-#include <sstream>
 
 #include "cli/closed_form.h"
-#include "cli/commands.h"
-#include "cli/headless.h"
-#include "support/fixture.h"
-
-using nlohmann::json;
+#include "cli/fit_command.h"
+#include "cli/text_columns.h"
 
 namespace {
-
-const std::string kExamples = std::string(CORVINADE_SOURCE_DIR) + "/examples/";
-const std::string kMeasured = kExamples + "robot_cell_measured.txt";
-const std::string kNominal = kExamples + "robot_cell_nominal.txt";
-
-struct Outcome {
-    int Status;
-    std::string Out, Err;
-};
 
 // "name;x;y;z" lines, read apart from the program.
 std::map<std::string, closed_form::Point> ReadPoints(const std::string& path) {
@@ -41,42 +26,15 @@ std::map<std::string, closed_form::Point> ReadPoints(const std::string& path) {
     return points;
 }
 
-class FitCommand : public Program {
-protected:
-    static Outcome Fit(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), {"corvinade-cli", "fit"});
-        if (std::find(arguments.begin(), arguments.end(), "--decimal") == arguments.end()) {
-            arguments.emplace_back("--decimal");
-            arguments.emplace_back(".");
+// The example's pairs without the mark that was knocked.
+void ExamplePairs(std::vector<closed_form::Point>& start, std::vector<closed_form::Point>& target) {
+    const auto measured = ReadPoints(kMeasured);
+    for (const auto& [name, point] : ReadPoints(kNominal))
+        if (name != "F09" && measured.count(name) == 1) {
+            start.push_back(measured.at(name));
+            target.push_back(point);
         }
-        std::vector<const char*> argv;
-        for (const std::string& argument : arguments) argv.push_back(argument.c_str());
-        std::istringstream in;
-        std::ostringstream out;
-        std::ostringstream err;
-        const int status =
-            RunCommandLine(static_cast<int>(argv.size()), argv.data(), in, out, err, false, false);
-        return {status, out.str(), err.str()};
-    }
-    static json FitJson(std::vector<std::string> arguments) {
-        arguments.emplace_back("--json");
-        const Outcome outcome = Fit(arguments);
-        EXPECT_EQ(outcome.Status, 0) << outcome.Err;
-        return json::parse(outcome.Out);
-    }
-    // The example's pairs without the mark that was knocked.
-    static void ExamplePairs(std::vector<closed_form::Point>& start,
-                             std::vector<closed_form::Point>& target) {
-        const auto measured = ReadPoints(kMeasured);
-        for (const auto& [name, point] : ReadPoints(kNominal))
-            if (name != "F09" && measured.count(name) == 1) {
-                start.push_back(measured.at(name));
-                target.push_back(point);
-            }
-    }
-    std::string start_ = Write("start.txt", "A;0;0;0\nB;1000;0;0\nC;0;2000;0\nD;0;0;3000\nE;700;800;900\n");
-    std::string target_ = Write("target.txt", "A;5;6;7\nB;1005;6;7\nC;5;2006;7\nD;5;6;3007\nE;705;806;907\n");
-};
+}
 
 }  // namespace
 
@@ -209,8 +167,7 @@ TEST_F(FitCommand, MatchingByDistanceFindsATurnedFrame) {
     EXPECT_EQ(fit["points"][0]["name"], "MCS_F01=OCS_F01");
 }
 
-// --- Outputs
-// ------------------------------------------------------------------------------------------------
+// --- Outputs ----------------------------------------------------------------------------------------------
 
 TEST_F(FitCommand, TheTableNamesParametersQualityAndTheLargestDeviation) {
     const Outcome outcome = Fit({kMeasured, kNominal, "--leave-out", "F09:z"});
@@ -229,149 +186,57 @@ TEST_F(FitCommand, TheCsvHoldsOneLineAPoint) {
     EXPECT_NE(outcome.Out.find("\r\nB;1000;0;0;1005;6;7;"), std::string::npos) << outcome.Out;
 }
 
+TEST_F(FitCommand, CsvQuotesNamesThatNeedIt) {
+    const std::string start = Write("q1.txt", "a\"b;0;0;0\nB;1000;0;0\nC;0;2000;0\n");
+    EXPECT_NE(Fit({start, start, "--csv"}).Out.find("\r\n\"a\"\"b\";0;0;0;"), std::string::npos);
+}
+
+TEST_F(FitCommand, TheTableStaysInColumnsWithAnyNameAndAnyValue) {
+    const std::string name(3000, 'n');
+    const auto file = [&](const char* path, const char* x) {
+        return Write(path, "点の名前;0;0;0\nB\x1b[31m;" + std::string(x) + ";0;0\na\u0301;0;2000;0\n" + name +
+                               ";0;0;3000\n");
+    };
+    const Outcome outcome = Fit({file("n1.txt", "1000"), file("n2.txt", "1e14"), "--parameters", "6"});
+    std::istringstream lines(outcome.Out.substr(outcome.Out.find("\nDeviation")));
+    std::string line;
+    std::getline(lines, line);
+    std::getline(lines, line);
+    const int width = DisplayWidth(line.substr(0, line.find("  millimeter")));
+    int rows = 0;
+    for (; std::getline(lines, line); ++rows) {
+        EXPECT_EQ(DisplayWidth(line.substr(0, line.find("  <- "))), width) << line;
+        EXPECT_LT(line.size(), 200u);
+        EXPECT_EQ(line.find('\x1b'), std::string::npos) << "a name must not command the terminal";
+        std::istringstream cells(line);
+        std::string cell;
+        double value = 0;
+        cells >> cell;
+        for (int i = 0; i < 4; ++i) EXPECT_TRUE(cells >> value) << line << ": values run into each other";
+    }
+    EXPECT_EQ(rows, 4);
+}
+
+TEST_F(FitCommand, JsonIsValidWithNamesOfAnyBytes) {
+    const std::string start = Write("j1.txt", "\xff\x01\"\\;0;0;0\nB\xc3;1000;0;0\nC;0;2000;0\n");
+    const json fit = FitJson({start, start});
+    EXPECT_EQ(fit["counts"]["pairs"], 3);
+}
+
+TEST_F(FitCommand, SignificanceIsThatOfTheAnglesThatAreShown) {
+    const json fit = FitJson({kMeasured, kNominal, "--leave-out", "F09"});
+    for (const json& parameter : fit["parameters"]) {
+        if (parameter["state"] != "float") continue;
+        const double expected =
+            std::fabs(parameter["value"].get<double>()) / (parameter["sigma"].get<double>() + 1e-9);
+        EXPECT_NEAR(parameter["significance"].get<double>(), expected, 1e-6 * expected) << parameter;
+    }
+}
+
 TEST_F(FitCommand, ADecimalCommaIsTakenFromTheOption) {
     const std::string start = Write("c1.txt", "A;0,5;0;0\nB;1000;0;0,25\nC;0;2000;0\n");
     const std::string target = Write("c2.txt", "A;1,5;0;0\nB;1001;0;0,25\nC;1;2000;0\n");
     const Outcome outcome = Fit({start, target, "--decimal", ",", "--csv"});
     EXPECT_EQ(outcome.Status, 0) << outcome.Err;
     EXPECT_NE(outcome.Out.find("A;0,5;0;0;1,5;0;0;"), std::string::npos) << outcome.Out;
-}
-
-// --- Questions, refusals, exit statuses
-// ------------------------------------------------------------------------
-
-TEST_F(FitCommand, AQuestionWithoutAnAnswerIsAnErrorThatQuotesIt) {
-    ExpectUnanswered();
-    const std::string start = Write("c1.txt", "A;0,5;0;0\nB;1000;0;0,25\nC;0;2000;0\n");
-    const Outcome outcome = Fit({start, target_});
-    EXPECT_EQ(outcome.Status, 3);
-    EXPECT_NE(outcome.Err.find("Your Decimal Delimiter is different"), std::string::npos) << outcome.Err;
-    EXPECT_NE(outcome.Err.find("--yes"), std::string::npos);
-    EXPECT_EQ(Contents(start), "A;0,5;0;0\nB;1000;0;0,25\nC;0;2000;0\n");
-    Headless.Unanswered = false;
-}
-
-TEST_F(FitCommand, YesChangesTheFileAndNoLeavesIt) {
-    const std::string content = "A;0,5;0;0\nB;1000;0;0,25\nC;0;2000;0\n";
-    const std::string start = Write("c1.txt", content);
-    EXPECT_EQ(Fit({start, target_, "--no"}).Status, 3);
-    EXPECT_EQ(Contents(start), content);
-    EXPECT_EQ(Fit({start, target_, "--yes"}).Status, 0);
-    EXPECT_EQ(Contents(start).substr(0, 9), "A;0.5;0;0");
-}
-
-TEST_F(FitCommand, TooFewObservationsAreRefusedWithWhatIsMissing) {
-    const std::string two = Write("two.txt", "A;5;6;7\nB;1005;6;7\n");
-    const Outcome outcome = Fit({start_, two, "--parameters", "9"});
-    EXPECT_EQ(outcome.Status, 1);
-    EXPECT_NE(outcome.Err.find("This is not a redundant calculation"), std::string::npos);
-    EXPECT_NE(outcome.Err.find("6 observations in use, 9 unknowns"), std::string::npos) << outcome.Err;
-    EXPECT_EQ(outcome.Out, "");
-    EXPECT_EQ(Fit({start_, Write("one.txt", "A;5;6;7\n")}).Status, 1);
-}
-
-TEST_F(FitCommand, PointsThatDetermineNothingNeverGiveASilentResult) {
-    const std::string same = Write("same.txt", "A;1;1;1\nB;1;1;1\nC;1;1;1\nD;1;1;1\n");
-    const Outcome outcome = Fit({same, same, "--parameters", "12"});
-    EXPECT_NE(outcome.Status, 2);
-    EXPECT_NE(outcome.Status, 3);
-    const std::string huge = Write("huge.txt", "A;1e300;1;1\nB;1;1e300;1\nC;1;1;1e300\nD;-1e300;1;1\n");
-    const Outcome overflow = Fit({huge, target_});
-    EXPECT_EQ(overflow.Status, 1) << overflow.Out;
-    EXPECT_NE(overflow.Err.find("not finite"), std::string::npos) << overflow.Err;
-}
-
-TEST_F(FitCommand, WrongUsageIsStatusTwo) {
-    for (const auto& arguments :
-         std::vector<std::vector<std::string>>{{},
-                                               {start_},
-                                               {start_, target_, "--match", "luck"},
-                                               {start_, target_, "--parameters", "8"},
-                                               {start_, target_, "--hold", "rotz"},
-                                               {start_, target_, "--hold", "rotz=abc"},
-                                               {start_, target_, "--hold", "spin=1"},
-                                               {start_, target_, "--hold", "scalexyz=0"},
-                                               {start_, target_, "--parameters", "7", "--hold", "scalex=1"},
-                                               {start_, target_, "--leave-out", "Nobody"},
-                                               {start_, target_, "--leave-out", "A:q"},
-                                               {start_, target_, "--yes", "--no"},
-                                               {start_, target_, "--json", "--csv"},
-                                               {start_, target_, "--digits", "7"},
-                                               {start_, target_, "--tolerance", "-1"},
-                                               {start_, target_, "--unknown"}}) {
-        const Outcome outcome = Fit(arguments);
-        EXPECT_EQ(outcome.Status, 2) << json(arguments);
-        EXPECT_FALSE(outcome.Err.empty());
-        EXPECT_EQ(outcome.Out, "");
-    }
-}
-
-TEST_F(FitCommand, UnreadableInputsAreStatusThreeAndNamed) {
-    EXPECT_EQ(Fit({PathOf("absent.txt"), target_}).Status, 3);
-    EXPECT_NE(Fit({PathOf("absent.txt"), target_}).Err.find("absent.txt"), std::string::npos);
-    EXPECT_NE(Fit({start_, folder_}).Err.find("folder"), std::string::npos);
-    EXPECT_EQ(Fit({start_, folder_}).Status, 3);
-    EXPECT_EQ(Fit({Write("empty.txt", ""), target_}).Status, 3);
-    const Outcome bad = Fit({Write("bad.txt", "A;1;2;3\nB;1;1,000.5;3\nC;1;nan;2\n"), target_, "--no"});
-    EXPECT_EQ(bad.Status, 3);
-    const Outcome nan = Fit({Write("nan.txt", "A;1;2;3\nB;1;2;3\nC;1;nan;2\n"), target_});
-    EXPECT_EQ(nan.Status, 3);
-    EXPECT_NE(nan.Err.find("nan.txt"), std::string::npos) << nan.Err;
-    EXPECT_NE(nan.Err.find("line 3"), std::string::npos) << nan.Err;
-    EXPECT_NE(nan.Err.find("\"nan\""), std::string::npos) << nan.Err;
-    EXPECT_EQ(Fit({Write("big.txt", "A;1;2;3\nB;1;1e400;3\n"), target_}).Status, 3);
-}
-
-TEST_F(FitCommand, FilesWithBlanksAloneNeedTheirDelimiterNamed) {
-    const std::string start = Write("b1.txt", "A 0 0 0\nB 1000 0 0\nC 0 2000 0\n");
-    const std::string target = Write("b2.txt", "A 5 0 0\nB 1005 0 0\nC 5 2000 0\n");
-    const Outcome without = Fit({start, target});
-    EXPECT_EQ(without.Status, 3);
-    EXPECT_NE(without.Err.find("find any delimiter"), std::string::npos);
-    EXPECT_EQ(Fit({start, target, "--delimiter", "space"}).Status, 0);
-}
-
-TEST_F(FitCommand, LeavesNoTraceInTheSettings) {
-    Fit({start_, target_});
-    EXPECT_FALSE(std::filesystem::exists(folder_ + "/settings"));
-}
-
-TEST_F(FitCommand, HelpAndVersionAreThere) {
-    EXPECT_NE(Fit({"--help"}).Out.find("Exit status"), std::string::npos);
-    EXPECT_EQ(Fit({"--help"}).Status, 0);
-    std::istringstream in;
-    std::ostringstream out;
-    std::ostringstream err;
-    const std::array<const char*, 2> version = {"corvinade-cli", "--version"};
-    EXPECT_EQ(RunCommandLine(2, version.data(), in, out, err, false, false), 0);
-    EXPECT_EQ(out.str(), "corvinade-cli 2.0.64\n");
-}
-
-TEST_F(FitCommand, ColoursStandOnATerminalAloneAndNeverWithNoColor) {
-    const auto table = [](bool terminal) {
-        const std::vector<const char*> argv = {"corvinade-cli",  "fit",       kMeasured.c_str(),
-                                               kNominal.c_str(), "--decimal", "."};
-        std::istringstream in;
-        std::ostringstream out;
-        std::ostringstream err;
-        RunCommandLine(static_cast<int>(argv.size()), argv.data(), in, out, err, terminal, false);
-        return out.str();
-    };
-    unsetenv("NO_COLOR");
-    EXPECT_NE(table(true).find("\x1b[31m"), std::string::npos);
-    EXPECT_EQ(table(false).find('\x1b'), std::string::npos);
-    setenv("NO_COLOR", "1", 1);
-    EXPECT_EQ(table(true).find('\x1b'), std::string::npos);
-    unsetenv("NO_COLOR");
-}
-
-TEST_F(FitCommand, TheProgramItselfGivesTheStatus) {
-    const std::string program = CORVINADE_CLI;
-    const auto run = [&](const std::string& arguments) {
-        return std::system((program + " " + arguments + " >/dev/null 2>&1").c_str()) >> 8;
-    };
-    EXPECT_EQ(run("--version"), 0);
-    EXPECT_EQ(run("fit"), 2);
-    EXPECT_EQ(run("fit " + kMeasured + " " + kNominal + " --decimal ."), 0);
-    EXPECT_EQ(run("fit /nowhere/a.txt /nowhere/b.txt"), 3);
 }

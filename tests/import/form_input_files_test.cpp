@@ -647,6 +647,37 @@ TEST_F(InputDialog, ElementsThatShortLinesLeaveUnusedNeverPair) {
     EXPECT_EQ(Names(Job.OCS_Name), (std::vector<std::string>{"A", "C", ""}));
 }
 
+// --- When files cannot be written --------------------------------------------------------------------------
+
+TEST_F(InputDialog, AFullDiskAtTheRewrittenFileLeavesTheUsersFileWholeAndTheJobNot) {
+    for (const char* operation : {"create", "write", "flush", "rename"}) {
+        Open();
+        UserSetValue(InputFiles.OptionByCoordinate, 1);
+        UserSetValue(InputFiles.CheckRenameMCS, 1);
+        Answer("input", "100");
+        FileFaults.Refuse = [&](const std::string& asked, const std::string& path) {
+            return std::string(asked == operation && path == start_ ? "no space left" : "");
+        };
+        UserClick(InputFiles.BtnOK);
+        FileFaults.Refuse = nullptr;
+        EXPECT_NE(Run.LastPlatformError.find("no space left"), std::string::npos) << operation;
+        EXPECT_EQ(Contents(start_), kStart) << operation;
+        EXPECT_FALSE(File_Exist(start_ + ".$")) << operation;
+        EXPECT_EQ(Run.JobDataValid, kFalse);
+        EXPECT_TRUE(JobCountsFit(Job));
+    }
+}
+
+TEST_F(InputDialog, SettingsThatCannotBeWrittenLeaveTheImportedJobWhole) {
+    FileFaults.Refuse = [](const std::string& operation, const std::string& path) {
+        return std::string(operation == "create" && path.ends_with(".ini") ? "read-only" : "");
+    };
+    Import();
+    EXPECT_EQ(Run.JobDataValid, kTrue);
+    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_TRUE(Main.MenuTransformation.Enabled);
+}
+
 // --- More points ------------------------------------------------------------------------------------------
 
 TEST_F(InputDialog, AddsStartPointsWithAPrefix) {
@@ -698,11 +729,10 @@ TEST_F(InputDialog, AddingABadFileLeavesTheJobAsItWas) {
 }
 
 // --- The round trip through the clipboard
-// --------------------------------------------------------------------
+// -----------------------------------------------------------------
 
 TEST_F(InputDialog, TheRoundTripCalculatesFromTheClipboardAndAddsTheQuality) {
-    // Pure shift by (5, 6, 7), the last point off by 0.4 in x: with six parameters that error spreads.
-    Headless.Clipboard =
+    Headless.Clipboard =  // a pure shift by (5, 6, 7)
         "A\t0\t0\t0\tA\t5\t6\t7\r\nB\t100\t0\t0\tB\t105\t6\t7\r\nC\t0\t200\t0\tC\t5\t206\t7\r\n"
         "D\t0\t0\t300\tD\t5\t6\t307\r\n";
     UserClick(Main.MenueHelpSpezial);
@@ -719,6 +749,45 @@ TEST_F(InputDialog, TheRoundTripCalculatesFromTheClipboardAndAddsTheQuality) {
         << Headless.Clipboard;
     EXPECT_EQ(Run.OverwriteQuiet, kFalse);
     EXPECT_FALSE(IsLoaded("FormInputFiles"));
+}
+
+TEST_F(InputDialog, TheRoundTripTellsTheSpansOfTheDeviations) {
+    // An octahedron, stretched by 0.5 to both sides along x: no shift or rotation can follow that, so the
+    // two ends keep deviations of 0.5 and -0.5. With 6 points s0 = sqrt(2 * 0.5^2 / 5) = 0.316 in x
+    // alone.
+    Headless.Clipboard =
+        "A\t100\t0\t0\tA\t100.5\t0\t0\r\nB\t-100\t0\t0\tB\t-100.5\t0\t0\r\n"
+        "C\t0\t100\t0\tC\t0\t100\t0\r\nD\t0\t-100\t0\tD\t0\t-100\t0\r\n"
+        "E\t0\t0\t100\tE\t0\t0\t100\r\nF\t0\t0\t-100\tF\t0\t0\t-100\r\n";
+    UserClick(Main.MenueHelpSpezial);
+    EXPECT_TRUE(
+        Headless.Clipboard.ends_with("\ts0 \t0.316\tSpanne x \t1.000\tSpanne y \t0.000\tSpanne z \t0.000"))
+        << Headless.Clipboard;
+}
+
+TEST_F(InputDialog, ARoundTripThatCannotReadItsPointsLeavesNoValidJob) {
+    Import();
+    ASSERT_EQ(Run.JobDataValid, kTrue);
+    Headless.Clipboard = "A\t0\t0\tzero\tA\t5\t6\t7\r\nB\t1\t0\t0\tB\t6\t6\t7\r\n";
+    UserClick(Main.MenueHelpSpezial);
+    EXPECT_NE(Run.LastPlatformError.find("zero"), std::string::npos);
+    EXPECT_EQ(Run.JobDataValid, kFalse) << "half of the points are those of before";
+    EXPECT_FALSE(Main.MenuTransformation.Enabled);
+    EXPECT_TRUE(JobCountsFit(Job));
+}
+
+TEST_F(InputDialog, ARoundTripThatCannotWriteItsFilesLeavesTheJobAlone) {
+    Import();
+    Headless.Clipboard = "A\t0\t0\t0\tA\t5\t6\t7\r\nB\t1\t0\t0\tB\t6\t6\t7\r\n";
+    FileFaults.Refuse = [](const std::string& operation, const std::string& path) {
+        return std::string(operation == "flush" && path.ends_with("ocs.txt") ? "no space left" : "");
+    };
+    UserClick(Main.MenueHelpSpezial);
+    EXPECT_NE(Run.LastPlatformError.find("no space left"), std::string::npos);
+    EXPECT_EQ(Job.PathMCS, start_);
+    EXPECT_EQ(Job.PathOCS, target_);
+    EXPECT_EQ(Job.nMCS, 5);
+    EXPECT_EQ(Run.JobDataValid, kTrue);
 }
 
 TEST_F(InputDialog, TheRoundTripReplacesPointsWithoutAQuestion) {

@@ -65,7 +65,7 @@ TEST_F(PointFileChecks, DecimalCommasBetweenBlanksAreNoDelimiterEither) {
     EXPECT_EQ(DelimiterOf("1,5 2,5 3,5\r\n"), " ");
     EXPECT_EQ(DelimiterOf("A, 1, 2, 3\r\n"), ",");
     EXPECT_EQ(DelimiterOf("A 1,5 2,5\r\n"), ",");
-    EXPECT_EQ(DelimiterOf("A,1 2,3 4,5 6\r\n"), ",") << "the name's own comma is no decimal one";
+    EXPECT_EQ(DelimiterOf("A 1,5 2,5 3,5,\r\n"), ",") << "the last comma stands behind the numbers";
 }
 
 TEST_F(PointFileChecks, CommasStandWhereTheFileIsNoTableWithoutThem) {

@@ -1,6 +1,8 @@
 // The point file reader, compared character by character with its rules written out plainly.
 #include <algorithm>
 #include <random>
+#include <regex>
+#include <sstream>
 
 #include "cli/headless.h"
 #include "core/job.h"
@@ -30,6 +32,24 @@ std::string PlainField(std::string& line, char delimiter) {
     }
     field.pop_back();
     return field;
+}
+
+// Rows of the same 3 or more fields between blanks, the coordinates whole or with a comma between digits.
+bool IsBlankTable(const Lines& lines) {
+    static const std::regex number("[+-]?[0-9]+(,[0-9]+)?([eE][+-]?[0-9]+)?");
+    std::size_t columns = 0;
+    for (const std::string& line : lines) {
+        std::istringstream words(line);
+        Lines fields;
+        for (std::string word; words >> word;) fields.push_back(word);
+        if (fields.empty()) continue;
+        if (columns == 0) columns = fields.size();
+        if (fields.size() != columns || columns < 3) return false;
+        const std::size_t first = columns > 3 ? 1 : 0;
+        for (std::size_t i = first; i < first + 3; ++i)
+            if (!std::regex_match(fields[i], number)) return false;
+    }
+    return columns > 0;
 }
 
 void PlainDelimiter(const Lines& lines, char decimal, char& delimiter) {
@@ -72,6 +92,7 @@ void PlainDelimiter(const Lines& lines, char decimal, char& delimiter) {
             }
         }
         if (table && columns > 0) result = other;
+        if (other == 0 && IsBlankTable(lines)) result = 1;
     }
     if (result != 0) delimiter = candidates[static_cast<std::size_t>(result - 1)];
 }
