@@ -23,15 +23,18 @@ bool TakesPart(const Column& P, int i) {
 void FindCentres(const Column& P, GatheredPoints& points) {
     const int step = std::max(1, points.Count / kMostForCentre);
     int taken = 0;
+    std::array<int, 4> targetsTaken{};
     Vec3 start, target;
     for (int i = 1; i <= points.Count; i += step) {
         if (!TakesPart(P, i)) continue;
         ++taken;
-        // Running means: no sum that could overflow where the points do not.
+        // Running means: no sum that could overflow where the points do not. A target coordinate that
+        // is out of use may be anything, and must not draw the centre away from the others.
         const Vec3 p = StartPoint(i), q = TargetPoint(i);
         for (int axis = 1; axis <= 3; ++axis) {
             start(axis) += (p(axis) - start(axis)) / taken;
-            target(axis) += (q(axis) - target(axis)) / taken;
+            if (P[At(3 * (i - 1) + axis)] != 0)
+                target(axis) += (q(axis) - target(axis)) / ++targetsTaken[At(axis)];
         }
     }
     points.StartCentre = start;
