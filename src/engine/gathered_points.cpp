@@ -20,8 +20,8 @@ bool TakesPart(const Column& P, int i) {
     return P[At(3 * i - 2)] != 0 || P[At(3 * i - 1)] != 0 || P[At(3 * i)] != 0;
 }
 
-void FindCentres(const Column& P, GatheredPoints& points) {
-    const int step = std::max(1, points.Count / kMostForCentre);
+// Takes every so many points; false when none of them takes part.
+bool FindCentres(const Column& P, int step, GatheredPoints& points) {
     int taken = 0;
     std::array<int, 4> targetsTaken{};
     Vec3 start, target;
@@ -39,6 +39,7 @@ void FindCentres(const Column& P, GatheredPoints& points) {
     }
     points.StartCentre = start;
     points.TargetCentre = target;
+    return taken > 0;
 }
 
 void GatherPoses(GatheredPoints& points) {
@@ -63,7 +64,8 @@ void GatherPoints(const Column& P, bool poses, GatheredPoints& points) {
     points.Count = Job.nIdent;
     points.Padded = WholeLanes(points.Count);
     Require(UpperBound(P) >= 3 * points.Count);
-    FindCentres(P, points);
+    const int step = std::max(1, points.Count / kMostForCentre);
+    if (!FindCentres(P, step, points) && step > 1) FindCentres(P, 1, points);
     const auto padded = At(points.Padded);
     for (int axis = 0; axis < 3; ++axis) {
         points.Start[At(axis)].resize(padded);

@@ -63,6 +63,27 @@ TEST_F(HostileFit, ACoordinateOutOfUseThatIsNoNumberChangesNothing) {
     }
 }
 
+TEST_F(HostileFit, TheCentreLiesInTheCloudWhicheverPairsAreOutOfUse) {
+    // Of many points only every so many are asked for the centre; here it is just these that are out.
+    AddCloud({.Points = 8192, .Centre = {1e6, -2e6, 3e6}, .Truth = kTruth});
+    for (std::size_t i = 0; i < 8192; i += 2)
+        for (std::size_t axis = 1; axis <= 3; ++axis) Job.UseFlags[3 * i + axis] = 0;
+    GatheredPoints points;
+    GatherPoints(Column(Job.UseFlags.begin(), Job.UseFlags.end()), false, points);
+    EXPECT_NEAR(points.StartCentre(1), 1e6, 50);
+    EXPECT_NEAR(points.StartCentre(2), -2e6, 50);
+    EXPECT_NEAR(points.StartCentre(3), 3e6, 50);
+}
+
+TEST_F(HostileFit, AGrossTargetCoordinateOutOfUseDoesNotMoveTheCentre) {
+    AddCloud({.Points = 9, .Truth = kTruth});
+    Job.OCS_Y[5] = 1e12;
+    Job.UseFlags[3 * 4 + 2] = 0;
+    GatheredPoints points;
+    GatherPoints(Column(Job.UseFlags.begin(), Job.UseFlags.end()), false, points);
+    EXPECT_LT(std::fabs(points.TargetCentre(2)), 1000);
+}
+
 TEST_F(HostileFit, APairOutOfUseOnItsTargetLeavesTheDistancesQualityANumber) {
     AddPairsAtDistanceFifty(20);
     AddPair({7, 8, 9}, {7, 8, 9});
