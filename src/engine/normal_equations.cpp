@@ -101,6 +101,29 @@ void FromCentre(const FitModel& model, const Linearisation& at, Matrix& Q) {
     MatrixMultiply(LQ, u, u, transposed, u, Q);
 }
 
+namespace {
+
+// The plain model's: D p + t less the observation.
+void PlainResiduals(const GatheredPoints& points, const Linearisation& at, const Mat3& D, const Vec3& t,
+                    Column& v) {
+    const double* const x = points.Start[0].data();
+    const double* const y = points.Start[1].data();
+    const double* const z = points.Start[2].data();
+    for (int axis = 1; axis <= 3; ++axis) {
+        const double* const target = points.Target[At(axis - 1)].data();
+        double* const out = v.data() + axis;
+        const double m[3] = {at.M(axis, 1), at.M(axis, 2), at.M(axis, 3)};
+        const double d[3] = {D(axis, 1), D(axis, 2), D(axis, 3)};
+        const double shift = at.Shift(axis), constant = t(axis);
+        for (std::size_t k = 0; k < At(points.Count); ++k) {
+            const double l = (target[k] - shift) - (m[0] * x[k] + m[1] * y[k] + m[2] * z[k]);
+            out[3 * k] = (d[0] * x[k] + d[1] * y[k] + d[2] * z[k] + constant) - l;
+        }
+    }
+}
+
+}  // namespace
+
 void Residuals(const GatheredPoints& points, const FitModel& model, const Linearisation& at, const Column& x,
                Column& v) {
     // The part of A x that a point's coordinates have, D d + t, is the same matrix for all points.
@@ -124,6 +147,7 @@ void Residuals(const GatheredPoints& points, const FitModel& model, const Linear
     const double distanceCorrection =
         distance && model.UnknownOf[kRDist] != 0 ? x[At(model.UnknownOf[kRDist])] : 0;
 
+    if (model.Mode == FitMode::Coincide) return PlainResiduals(points, at, D, t, v);
     for (int i = 1; i <= points.Count; ++i) {
         const std::size_t k = At(i - 1);
         const double p[3] = {points.Start[0][k], points.Start[1][k], points.Start[2][k]};
