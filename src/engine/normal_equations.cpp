@@ -103,24 +103,46 @@ void FromCentre(const FitModel& model, const Linearisation& at, Matrix& Q) {
 
 namespace {
 
-// The plain model's: D p + t less the observation.
-void PlainResiduals(const GatheredPoints& points, const Linearisation& at, const Mat3& D, const Vec3& t,
-                    Column& v) {
-    const double* const x = points.Start[0].data();
-    const double* const y = points.Start[1].data();
-    const double* const z = points.Start[2].data();
-    for (int axis = 1; axis <= 3; ++axis) {
-        const double* const target = points.Target[At(axis - 1)].data();
-        double* const out = v.data() + axis;
-        const double m[3] = {at.M(axis, 1), at.M(axis, 2), at.M(axis, 3)};
-        const double d[3] = {D(axis, 1), D(axis, 2), D(axis, 3)};
-        const double shift = at.Shift(axis), constant = t(axis);
-        for (std::size_t k = 0; k < At(points.Count); ++k) {
-            const double l = (target[k] - shift) - (m[0] * x[k] + m[1] * y[k] + m[2] * z[k]);
-            out[3 * k] = (d[0] * x[k] + d[1] * y[k] + d[2] * z[k] + constant) - l;
-        }
+#if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
+#define ON_ANY_VECTORS __attribute__((target_clones("avx512f", "avx2", "default")))
+#else
+#define ON_ANY_VECTORS
+#endif
+
+// What one axis of the plain model's residuals is made of.
+struct PlainAxis {
+    double Shift, Constant, M[3], D[3];
+
+    // D p + t less the observation.
+    inline double Of(double x, double y, double z, double target) const {
+        const double l = (target - Shift) - (M[0] * x + M[1] * y + M[2] * z);
+        return (D[0] * x + D[1] * y + D[2] * z + Constant) - l;
+    }
+};
+
+// Plain pointers, all three axes in one loop: so the results of several points are computed at once.
+ON_ANY_VECTORS void PlainResiduals(int count, const double* x, const double* y, const double* z,
+                                   const double* qx, const double* qy, const double* qz, PlainAxis a,
+                                   PlainAxis b, PlainAxis c, double* __restrict v) {
+    for (int k = 0; k < count; ++k) {
+        v[3 * k] = a.Of(x[k], y[k], z[k], qx[k]);
+        v[3 * k + 1] = b.Of(x[k], y[k], z[k], qy[k]);
+        v[3 * k + 2] = c.Of(x[k], y[k], z[k], qz[k]);
     }
 }
+
+void PlainResiduals(const GatheredPoints& points, const Linearisation& at, const Mat3& D, const Vec3& t,
+                    Column& v) {
+    const auto axis = [&](int k) {
+        return PlainAxis{
+            at.Shift(k), t(k), {at.M(k, 1), at.M(k, 2), at.M(k, 3)}, {D(k, 1), D(k, 2), D(k, 3)}};
+    };
+    PlainResiduals(points.Count, points.Start[0].data(), points.Start[1].data(), points.Start[2].data(),
+                   points.Target[0].data(), points.Target[1].data(), points.Target[2].data(), axis(1),
+                   axis(2), axis(3), v.data() + 1);
+}
+
+#undef ON_ANY_VECTORS
 
 }  // namespace
 
