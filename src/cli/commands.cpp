@@ -145,6 +145,13 @@ void AddOutputOptions(CLI::App& fit, FitSwitches& s) {
     fit.add_flag("--long-scales", o.ScaleDigits, "Scales with 12 decimals instead of 6")->group(group);
     auto* json = fit.add_flag("--json", s.Json, "Everything as JSON, with full precision, in mm and rad")
                      ->group(group);
+    fit.add_option("--report", o.Report,
+                   "Also write a page to look at and to print: parameters, plots, points")
+        ->type_name("FILE.html")
+        ->check([](const std::string& path) {
+            return std::string(path.empty() ? "a file name is expected" : "");
+        })
+        ->group(group);
     fit.add_flag("--csv", s.Csv, "The points as CSV, in the units in use")->group(group)->excludes(json);
 }
 

@@ -8,6 +8,7 @@
 #include <ostream>
 
 #include "cli/fit_output.h"
+#include "cli/fit_report.h"
 #include "cli/fit_selection.h"
 #include "cli/headless.h"
 #include "core/controller.h"
@@ -214,6 +215,8 @@ int RunFit(const FitOptions& options, std::ostream& out, std::ostream& err, bool
             WriteFitCsv(options, out);
             break;
     }
+    if (!options.Report.empty() && !Dispatch([&options] { WriteFile(options.Report, FitReport(options)); }))
+        return Refuse(err, kRefused, Run.LastPlatformError);
     if (!out.flush()) return Refuse(err, kRefused, "the result could not be written to standard output");
     return status;
 }

@@ -22,6 +22,7 @@ struct FitOptions {
     std::string Delimiter;
     std::optional<bool> Questions;  // --yes or --no
     FitOutput Output = FitOutput::Table;
+    std::string Report;  // path of the page to write; empty = none
 };
 
 // The program's exit status.

@@ -1,0 +1,18 @@
+// The parameters of a fit as the outputs for people show them.
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct ShownParameter {
+    std::string Name;
+    std::string Value, Sigma, Significance;  // "-" and "held" for a parameter that does not float
+    std::string Unit;
+    bool Floats;
+};
+
+// All parameters that are used, in the order in which people read them.
+std::vector<ShownParameter> ShownParameters();
+
+// A length in the unit and format in use.
+std::string ShownLength(double value_mm);
