@@ -678,6 +678,21 @@ TEST_F(InputDialog, SettingsThatCannotBeWrittenLeaveTheImportedJobWhole) {
     EXPECT_TRUE(Main.MenuTransformation.Enabled);
 }
 
+TEST_F(InputDialog, AStopEndsTheSearchAndNotTheNextCalculation) {
+    std::string grid;
+    for (int i = 0; i < 25; ++i)
+        grid += "P" + std::to_string(100 + i) + ";" + std::to_string(i % 5) + ";" + std::to_string(i / 5) +
+                ";0\n";
+    start_ = target_ = Write("grid.txt", grid);
+    Open();
+    UserSetValue(InputFiles.OptionByDis, 1);
+    Answer("input", "0.01");
+    Headless.OnYield = [] { ::Run.StopRequested = kTrue; };
+    UserClick(InputFiles.BtnOK);
+    Headless.OnYield = nullptr;
+    EXPECT_EQ(Run.StopRequested, kFalse);
+}
+
 // --- More points ------------------------------------------------------------------------------------------
 
 TEST_F(InputDialog, AddsStartPointsWithAPrefix) {
