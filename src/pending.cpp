@@ -2,6 +2,7 @@
 // says that this version does not have it; the rest is refreshing of what is not there.
 #include "core/platform.h"
 #include "core/refresh.h"
+#include "import/robot_files.h"
 
 namespace {
 
@@ -37,6 +38,22 @@ bool DirectionSwitched() {
 }
 void CalculationWindow_UnitsChanged() {}
 
+void EinlesenKUKAdatDatei() {
+    Missing("read robot programs");
+}
+void EinlesenABB_MODX() {
+    Missing("read robot programs");
+}
+void EinlesenFanucDatei() {
+    Missing("read robot programs");
+}
+void EinlesenXYZABC() {
+    Missing("read robot programs");
+}
+void EinlesenABB() {
+    Missing("read robot programs");
+}
+
 void EinlesenParaboloidData() {
     Missing("read paraboloid shapes");
 }
@@ -60,11 +77,4 @@ void CloseAllGraphicsWindows() {}
 void UpdateAllGraphicsWindows() {}
 bool GraphicsDefaultsTaken() {
     return false;
-}
-
-void ClipboardRoundTrip() {
-    Missing("do the clipboard round trip");
-}
-void myButtonCalculate() {
-    Missing("calculate");
 }

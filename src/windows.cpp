@@ -10,18 +10,22 @@
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/units.h"
+#include "engine/adjustment.h"
+#include "engine/calculation.h"
+#include "engine/engine_records.h"
+#include "engine/selection.h"
+#include "engine/transform.h"
+#include "import/form_input_files.h"
 
 namespace {
 
 const WindowEntry* const kWindows[] = {
-    &FormMain_Entry,
-    &FormUnits_Entry,
-    &FormMenuHelpInfo_Entry,
-    &FormProgressBar_Entry,
+    &FormMain_Entry, &FormUnits_Entry, &FormMenuHelpInfo_Entry, &FormProgressBar_Entry, &FormInputFiles_Entry,
 };
 
 const std::span<const RecordEntry> kRecordTables[] = {
     CoreRecords(),
+    EngineRecords(),
 };
 
 // Windows are records too; they are reset by way of their own table.
@@ -30,6 +34,11 @@ void (*const kRecords[])() = {
     [] { Run = RunRecord{}; },
     [] { Settings = SettingsRecord{}; },
     [] { Units = UnitsRecord{}; },
+    [] { Chain = ChainRecord{}; },
+    [] { Selection = SelectionRecord{}; },
+    [] { Adjustment = AdjustmentRecord{}; },
+    [] { Calculation = CalculationRecord{}; },
+    [] { Spezial = SpezialRecord{}; },
 };
 
 }  // namespace
@@ -38,7 +47,9 @@ std::span<const WindowEntry* const> AllWindows() {
     return kWindows;
 }
 
-std::span<const std::span<const RecordEntry>> AllRecords() { return kRecordTables; }
+std::span<const std::span<const RecordEntry>> AllRecords() {
+    return kRecordTables;
+}
 
 void FreshStart() {
     for (void (*const reset)() : kRecords) reset();

@@ -2,6 +2,7 @@
 #include "support/fixture.h"
 
 int main(int argc, char** argv) {
+    GTEST_FLAG_SET(shuffle, true);
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

@@ -1,3 +1,26 @@
-int main() {
-    return 0;
+// The command line program.
+#include <unistd.h>
+
+#include <cstdio>
+#include <exception>
+#include <iostream>
+#include <new>
+
+#include "cli/commands.h"
+#include "cli/fit_options.h"
+#include "core/platform.h"
+
+int main(int argc, char** argv) {
+    try {
+        std::ios::sync_with_stdio(false);
+        return RunCommandLine(argc, argv, std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1,
+                              isatty(STDERR_FILENO) == 1);
+    } catch (const PlatformError& error) {
+        std::fprintf(stderr, "corvinade-cli: %s\n", error.What.c_str());
+    } catch (const std::bad_alloc&) {
+        std::fputs("corvinade-cli: there is not enough memory for this\n", stderr);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "corvinade-cli: %s\n", error.what());
+    }
+    return kUnreadable;
 }

@@ -1,6 +1,7 @@
 // The platform's procedures without a screen.
 #include <unistd.h>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
@@ -37,8 +38,13 @@ std::optional<std::string> AskPath(const char* kind, const FileQuestion& questio
 
 std::string AskMessage(const std::string& text, const std::string& title,
                        const std::vector<std::string>& buttons) {
-    const std::optional<std::string> answer =
-        Answer({"message", title, text, buttons, buttons.front(), "", {}});
+    std::optional<std::string> answer = Answer({"message", title, text, buttons, buttons.front(), "", {}});
+    if (answer && std::find(buttons.begin(), buttons.end(), *answer) == buttons.end()) {
+        // A button that the box does not have: the question stays unanswered.
+        answer.reset();
+        Headless.Dialogs.back().Answer.reset();
+        Headless.Unanswered = true;
+    }
     return answer.value_or(buttons.back());  // unanswered is No, or Cancel
 }
 

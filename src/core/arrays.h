@@ -45,9 +45,11 @@ struct Vec3 {
 struct Mat3 {
     std::array<double, 16> Elements{};
 
-    double& operator()(int row, int column) { return Elements[static_cast<std::size_t>(4 * row + column)]; }
+    double& operator()(int row, int column) {
+        return Elements[4 * static_cast<std::size_t>(row) + static_cast<std::size_t>(column)];
+    }
     double operator()(int row, int column) const {
-        return Elements[static_cast<std::size_t>(4 * row + column)];
+        return Elements[4 * static_cast<std::size_t>(row) + static_cast<std::size_t>(column)];
     }
 };
 

@@ -19,17 +19,13 @@ namespace {
 constexpr std::string_view kTitle = "Corvinade Version ";
 constexpr int kLongestTitle = 160;
 
-std::string StatusPanelName(int panel) {
-    return "StatusBar." + std::to_string(panel);
-}
-
 // The settings file's place: in the user's folder, or beside the program on systems without one.
 void FindSettingsFile() {
     const std::string system = OperatingSystemName();
     const bool hasUserFolder = system.size() >= 13 && system.compare(8, 5, "Vista") == 0;
     if (hasUserFolder) {
-        const std::string root = EnvironmentVariable("appdata").value_or(UserSettingsFolder());
-        const std::string folder = JoinPath(root, "Corvinade");
+        const std::string appdata = EnvironmentVariable("appdata").value_or("");
+        const std::string folder = JoinPath(appdata.empty() ? UserSettingsFolder() : appdata, "Corvinade");
         Run.SettingsFilePath = JoinPath(folder, "Corvinade.ini");
         if (File_Exist(Run.SettingsFilePath)) return;
         if (!Directory_Exist(folder)) CreateFolder(folder);
@@ -38,6 +34,23 @@ void FindSettingsFile() {
         if (File_Exist(Run.SettingsFilePath)) return;
     }
     IniDateiAnlegen();
+}
+
+// Reads the settings file. What it cannot give, because it is missing, unreadable or holds a text where a
+// number must stand, has the default of a new file; what stands before such a text is kept.
+void ReadSettings() {
+    const auto takeDefaults = [] { ReadSettingsText(DefaultSettingsText(), Run.SettingsFilePath); };
+    if (!File_Exist(Run.SettingsFilePath)) return takeDefaults();
+    try {
+        IniLesen();
+    } catch (const PlatformError&) {
+        takeDefaults();
+        try {
+            IniLesen();
+        } catch (const PlatformError&) {  // the same as the one that is passed on
+        }
+        throw;
+    }
 }
 
 // The last `count` characters of a UTF-8 text.
@@ -139,28 +152,27 @@ std::string TitleText(const std::string& path) {
            LastCharacters(rest, kLongestTitle - 3 - static_cast<int>(kTitle.size()));
 }
 
+// Long work writes a text at every step, so a panel is found by its number.
 void SetStatus(int panel, const std::string& text) {
-    for (const ControlEntry& entry : FormMain_Entry.Controls)
-        if (StatusPanelName(panel) == entry.Name) entry.Place->Text = text;
+    const std::array<Control*, kStatusPanels> panels = {
+        &Main.StatusBar_1, &Main.StatusBar_2, &Main.StatusBar_3, &Main.StatusBar_4, &Main.StatusBar_5,
+        &Main.StatusBar_6, &Main.StatusBar_7, &Main.StatusBar_8, &Main.StatusBar_9};
+    if (panel >= 1 && panel <= kStatusPanels) panels[static_cast<std::size_t>(panel - 1)]->Text = text;
 }
 
 void StartUp(const std::string& commandLine) {
     // Each step is an event of its own: settings that cannot be written or read are told, and the
     // program starts all the same, with the defaults in their place.
     ShowWindow("FormMain");
-    Dispatch(FindSettingsFile);
-    Dispatch([] {
-        if (File_Exist(Run.SettingsFilePath)) {
-            IniLesen();
-        } else {
-            ReadSettingsText(DefaultSettingsText(), Run.SettingsFilePath);
-        }
-    });
+    if (!Dispatch(FindSettingsFile)) Settings.RefusalTold = true;
+    Dispatch(ReadSettings);
     ShowStartScreen();
     Dispatch(Initialisieren);
     if (!commandLine.empty())
         Dispatch([&commandLine] {
-            Run.JobFilePath = commandLine.size() < 2 ? "" : commandLine.substr(1, commandLine.size() - 2);
+            const std::string rest = LastCharacters(commandLine, CharacterCount(commandLine) - 1);
+            const std::size_t last = LastCharacters(rest, 1).size();
+            Run.JobFilePath = rest.substr(0, rest.size() - last);
             OpenFile(Run.JobFilePath);
         });
 }
@@ -194,9 +206,10 @@ void ProgrammLogik() {
     for (std::size_t i = 0; i < recent.size(); ++i)
         recent[i]->Text = "&" + std::to_string(i + 1) + " " + Run.LastFile[i + 1];
     Main.Window.Caption = TitleText(Run.JobFilePath);
-    EnableCommands();
     std::int16_t graphicsWindows = 0;
     CountChildForms(graphicsWindows);
+    if (graphicsWindows > 0) Run.GraphicsWindowSeen = true;
+    EnableCommands();
     if (graphicsWindows > 0) FollowTopGraphicsWindow();
 }
 

@@ -35,6 +35,18 @@ using OpenFilePointer = std::unique_ptr<std::FILE, FileCloser>;
 const std::string kCannotRead = "Cannot read";
 const std::string kCannotWrite = "Cannot write";
 
+OpenFilePointer OpenForReading(const std::string& path) {
+    std::error_code error;
+    const auto status = fs::status(PathOf(path), error);
+    if (path.empty() || !fs::exists(status)) Fail(kCannotRead, path, "there is no such file");
+    if (fs::is_directory(status)) Fail(kCannotRead, path, "it is a folder, not a file");
+    if (!fs::is_regular_file(status)) Fail(kCannotRead, path, "it is no regular file");
+    CheckFault("open", kCannotRead, path);
+    OpenFilePointer file(std::fopen(PathOf(path).string().c_str(), "rb"));
+    if (!file) Fail(kCannotRead, path, std::strerror(errno));
+    return file;
+}
+
 }  // namespace
 
 bool File_Exist(const std::string& path) {
@@ -47,15 +59,13 @@ bool Directory_Exist(const std::string& path) {
     return !path.empty() && fs::is_directory(PathOf(path), error);
 }
 
+void CheckReadable(const std::string& path) {
+    OpenForReading(path);
+}
+
 FileBytes ReadFile(const std::string& path) {
+    const OpenFilePointer file = OpenForReading(path);
     std::error_code error;
-    const auto status = fs::status(PathOf(path), error);
-    if (path.empty() || !fs::exists(status)) Fail(kCannotRead, path, "there is no such file");
-    if (fs::is_directory(status)) Fail(kCannotRead, path, "it is a folder, not a file");
-    if (!fs::is_regular_file(status)) Fail(kCannotRead, path, "it is no regular file");
-    CheckFault("open", kCannotRead, path);
-    const OpenFilePointer file(std::fopen(PathOf(path).string().c_str(), "rb"));
-    if (!file) Fail(kCannotRead, path, std::strerror(errno));
     const std::uintmax_t size = fs::file_size(PathOf(path), error);
     if (error) Fail(kCannotRead, path, error.message());
     FileBytes bytes;
@@ -79,7 +89,12 @@ void WriteFile(const std::string& path, std::string_view bytes) {
         const fs::path real = fs::weakly_canonical(target, error);
         if (!error) target = real;
     }
-    if (fs::is_directory(target, error)) Fail(kCannotWrite, path, "it is a folder, not a file");
+    const fs::file_status old = fs::status(target, error);
+    if (fs::is_directory(old)) Fail(kCannotWrite, path, "it is a folder, not a file");
+    // Renaming asks for no right to the file itself, so that a protected one has to be looked for.
+    constexpr fs::perms kAnyWrite = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+    if (fs::exists(old) && (old.permissions() & kAnyWrite) == fs::perms::none)
+        Fail(kCannotWrite, path, "it is write-protected");
     fs::path beside = target;
     for (int number = 1; fs::exists(beside, error) || beside == target; ++number) {
         beside = target;
@@ -96,7 +111,6 @@ void WriteFile(const std::string& path, std::string_view bytes) {
         CheckFault("flush", kCannotWrite, path);
         if (!FlushToDisk(file.get())) Fail(kCannotWrite, path, std::strerror(errno));
         if (std::fclose(file.release()) != 0) Fail(kCannotWrite, path, std::strerror(errno));
-        const auto old = fs::status(target, error);
         if (fs::exists(old)) fs::permissions(beside, old.permissions(), error);
         CheckFault("rename", kCannotWrite, path);
         fs::rename(beside, target, error);

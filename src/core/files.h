@@ -20,9 +20,13 @@ struct FileBytes {
 // Reads a whole file. Throws PlatformError when it is missing, a folder, no regular file or unreadable.
 FileBytes ReadFile(const std::string& path);
 
+// Throws what ReadFile would throw at the file's start; reads nothing.
+void CheckReadable(const std::string& path);
+
 // Replaces a file by `bytes`: written beside the target, flushed to disk, renamed over it. Whatever
-// happens, the target is the old file or the new one, whole. Throws PlatformError on failure, the old
-// file then untouched and nothing left beside it. Keeps the permissions of the old file.
+// happens, the target is the old file or the new one, whole. Throws PlatformError on failure (a
+// write-protected file is one), the old file then untouched and nothing left beside it. Keeps the
+// permissions of the old file.
 void WriteFile(const std::string& path, std::string_view bytes);
 
 // Creates a folder and those above it. Throws PlatformError.

@@ -26,6 +26,7 @@ void RepairJobCounts() {
     const auto grow = [](std::int32_t count, auto&... arrays) {
         ((arrays.resize(std::max(arrays.size(), static_cast<std::size_t>(count) + 1))), ...);
     };
+    grow(0, Job.MCS_Name, Job.OCS_Name);
     Job.nMCS = UpperBound(Job.MCS_Name);
     Job.nOCS = UpperBound(Job.OCS_Name);
     Job.nIdent = 0;

@@ -1,6 +1,7 @@
 // Conversions between numbers and text.
 #include "core/numbers.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -40,19 +41,34 @@ const char* ScanUnsigned(const char* begin, const char* end, char decimal) {
     return at;
 }
 
-// Value of a scanned number with decimal point. A number too small for a 64-bit float is 0.
+// Is a scanned number with decimal point below 1? Only asked of numbers far outside the range of a
+// 64-bit float, so the power of ten of the first digit that counts decides.
+bool IsBelowOne(const char* begin, const char* end) {
+    const char* const exponentMark = std::find_if(begin, end, [](char c) { return c == 'e' || c == 'E'; });
+    const char* const point = std::find(begin, exponentMark, '.');
+    const char* const first =
+        std::find_if(begin, exponentMark, [](char c) { return IsDigit(c) && c != '0'; });
+    if (first == exponentMark) return true;
+    const double power = static_cast<double>(point - first) - (first < point ? 1 : 0);
+    double exponent = 0;
+    if (exponentMark != end) {
+        const char* at = exponentMark + 1;
+        const bool negative = *at == '-';
+        if (*at == '-' || *at == '+') ++at;
+        for (; at != end; ++at) exponent = exponent * 10 + (*at - '0');
+        if (negative) exponent = -exponent;
+    }
+    return power + exponent < 0;
+}
+
+// Value of a scanned number with decimal point. A number too small for a 64-bit float is 0; false for
+// one that is too large.
 bool Convert(const char* begin, const char* end, double& value) {
     const auto [stop, error] = std::from_chars(begin, end, value);
     if (error == std::errc() && stop == end) return true;
-    if (error != std::errc::result_out_of_range) return false;
-    // Out of range is either side: the digit that counts and the exponent tell which.
-    double mantissa = 0;
-    const char* e = begin;
-    while (e != end && *e != 'e' && *e != 'E') ++e;
-    std::from_chars(begin, e, mantissa);
-    const bool tooSmall = mantissa == 0 || (e != end && e + 1 != end && e[1] == '-');
-    if (tooSmall) value = 0;
-    return tooSmall;
+    if (error != std::errc::result_out_of_range || !IsBelowOne(begin, end)) return false;
+    value = 0;
+    return true;
 }
 
 std::string WithDelimiter(std::string text) {

@@ -94,7 +94,6 @@ const RecordEntry kRecords[] = {
     {"RobotFileHasId", &Run.RobotFileHasId, Storage::Run},
     {"OverwriteQuiet", &Run.OverwriteQuiet, Storage::Run},
     {"Etta", &Run.Etta, Storage::Run},
-    {"SettingsFilePath", &Run.SettingsFilePath, Storage::Run},
     {"LengthFactor", &Units.LengthFactor, Storage::Run},
     {"AngleFactor", &Units.AngleFactor, Storage::Run},
     {"FmtLength", &Units.FmtLength, Storage::Run},

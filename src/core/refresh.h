@@ -24,20 +24,19 @@ void myButtonCalculate();  // one whole calculation with the present selection o
 void MCS_OCS();            // swaps the two point sets of a job that has been marked as switched
 bool DirectionSwitched();  // the calculation window has marked the job as switched
 void CalculationWindow_UnitsChanged();
+double CalculationSigmaXYZ();  // of the last calculation, mm
 
 // --- paraboloid/ and bundle/ ------------------------------------------------------------------------------
 void EinlesenParaboloidData();    // reads the shape file that the input dialog names as target
 void ParaboloidNearestTargets();  // each start point's nearest point of the shape becomes its target
 void ReadBundleFile(const std::string& path);  // the reader behind the bundle file of the input dialog
 
-// --- analysis/
-// ----------------------------------------------------------------------------------------------
+// --- analysis/ ---------------------------------------------------------------------------------------
 void FuellenHaupttabelle();  // refills the main sheet
 void MainSheet_UnitsChanged();
 void FORMfüllen();  // refills the input statistic
 
-// --- graphics/
-// ----------------------------------------------------------------------------------------------
+// --- graphics/ ---------------------------------------------------------------------------------------
 struct GraphicsModes {
     bool VectorMode = false, FlagMode = false, LineMode = false, SetLine = false, DeleteLine = false;
 };

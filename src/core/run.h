@@ -27,6 +27,7 @@ struct RunRecord {
     Flag ImportFailed = kFalse;
     Flag RobotFileHasId = kFalse;  // the file check skips a first column
     Flag OverwriteQuiet = kFalse;  // the clipboard round trip replaces points without a question
+    std::string PathReader;        // the target file of an import of another kind than two point files
     float Etta = 0;                // tolerance of the matching, mm
 
     bool PointCloud = false;          // the pictures show a cloud without pairs

@@ -1,9 +1,14 @@
 // Reading and writing of the settings file.
 #include "core/settings.h"
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/platform.h"
+#include "core/require.h"
 #include "core/run.h"
 #include "core/text.h"
 
@@ -36,6 +41,7 @@ struct FromText {
         } else if constexpr (std::is_same_v<Number, std::int32_t>) {
             *number = ToInt32(value, "the value");
         } else {
+            if (std::fabs(value) > static_cast<double>(std::numeric_limits<Number>::max())) return false;
             *number = static_cast<Number>(value);
         }
         return true;
@@ -55,7 +61,7 @@ void StoreSetting(const SettingEntry& entry, const std::string& value, bool& rep
     if (std::string_view(entry.Key) == "ClipboardValue") {
         double number = 0;
         const bool good = TextToNumber(value, number) && number >= 1 && number <= 5 && number == Int(number);
-        if (!good) repaired = true;
+        repaired = !good;  // the last occurrence decides, as for every key
         Settings.ClipboardValue = good ? static_cast<std::int16_t>(number) : std::int16_t{2};
         return;
     }
@@ -69,6 +75,13 @@ void StoreSetting(const SettingEntry& entry, const std::string& value, bool& rep
                             "\""};
 }
 
+// A value with a line break (a file may be named so) would be read as further lines.
+std::string OnOneLine(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    return text;
+}
+
 // Adds a line to the text of a settings file.
 void AddLine(std::string& text, std::string_view line) {
     text += line;
@@ -78,9 +91,11 @@ void AddLine(std::string& text, std::string_view line) {
 }  // namespace
 
 void IniZeileTeilen(std::string_view line, std::string& key, std::string& value) {
-    const std::size_t place = line.find('=');
-    key = DecodeText(place == std::string_view::npos ? std::string_view{} : line.substr(0, place));
-    value = DecodeText(place == std::string_view::npos ? std::string_view{} : line.substr(place + 1));
+    // The line is decoded as it was encoded, in one piece: a part of it may read as UTF-8 by chance.
+    const std::string text = DecodeText(line);
+    const std::size_t place = text.find('=');
+    key = place == std::string::npos ? "" : text.substr(0, place);
+    value = place == std::string::npos ? "" : text.substr(place + 1);
 }
 
 void IniDateiAnlegen() {
@@ -130,8 +145,7 @@ std::string IniWertLesen(std::string_view key) {
 }
 
 std::string WithIniValue(std::string_view text, const IniLine& wanted) {
-    const std::string wantedSection = EncodeText(wanted.Section);
-    const std::string newLine = EncodeText(wanted.Key + "=" + wanted.Value);
+    const std::string newLine = EncodeText(OnOneLine(wanted.Key + "=" + wanted.Value));
     std::string result;
     bool found = false;
     bool inSection = false;
@@ -151,7 +165,7 @@ std::string WithIniValue(std::string_view text, const IniLine& wanted) {
             }
             const std::string_view name =
                 line.size() < 2 ? std::string_view{} : line.substr(1, line.size() - 2);
-            inSection = name == wantedSection;
+            inSection = DecodeText(name) == wanted.Section;
             if (inSection) sectionSeen = true;
             AddLine(result, line);
         } else if (line.empty() || UpperAscii(line.substr(0, 3)) == "REM") {
@@ -172,7 +186,7 @@ std::string WithIniValue(std::string_view text, const IniLine& wanted) {
     const std::size_t mark = result.find(kLastEntry);
     if (mark != std::string::npos) result.erase(mark, kLastEntry.size());
     if (!result.empty()) result += kLineEnd;
-    AddLine(result, "[" + wantedSection + "]");
+    AddLine(result, EncodeText("[" + wanted.Section + "]"));
     AddLine(result, newLine);
     AddLine(result, kLastEntry);
     return result;
@@ -203,13 +217,14 @@ void SettingsSchreiben(std::initializer_list<std::string_view> keys) {
     for (const std::string_view key : keys)
         for (const SettingEntry& entry : AllSettings())
             if (key == entry.Key) lines.push_back({entry.Section, entry.Key, SettingText(key)});
+    Require(lines.size() == keys.size());
     IniWerteSchreiben(lines);
 }
 
 void LoadWindowPlace(WindowPlace& place, const std::string& name) {
-    const auto read = [&name](const char* what) {
-        const std::string key = name + what;
-        return ToInt32(NumberFromText(IniWertLesen(key), "Setting \"" + key + "\""), key);
+    const auto read = [&name](const char* key) {
+        const std::string what = "\"" + Run.SettingsFilePath + "\", key \"" + name + key + "\"";
+        return ToInt32(NumberFromText(IniWertLesen(name + key), what), what);
     };
     place.Height = read("Height");
     place.Top = read("Top");

@@ -97,7 +97,7 @@ struct IniLine {
 void IniWertSchreiben(const std::string& section, const std::string& key, const std::string& value);
 void IniWerteSchreiben(const std::vector<IniLine>& lines);
 
-// Writes the present values of settings of the table.
+// Writes the present values of settings of the table. Require: each key is in the table.
 void SettingsSchreiben(std::initializer_list<std::string_view> keys);
 
 // The text of a settings file after one value has been written to it.

@@ -1,6 +1,7 @@
 // Conversion between the text of files and text in memory, lines and fields.
 #include "core/text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -26,8 +27,17 @@ void AppendUtf8(std::string& out, std::uint32_t code) {
     }
 }
 
-// Length of the valid UTF-8 sequence at the start of `bytes`, and its code point; 0 when invalid.
-std::size_t Sequence(std::string_view bytes, std::uint32_t& code) {
+// The Windows-1252 byte of a code point, or -1.
+int SingleByte(std::uint32_t code) {
+    if (code < 0x80 || (code >= 0xA0 && code <= 0xFF)) return static_cast<int>(code);
+    for (std::size_t i = 0; i < kUpperControls.size(); ++i)
+        if (kUpperControls[i] == code) return static_cast<int>(0x80 + i);
+    return -1;
+}
+
+}  // namespace
+
+std::size_t Utf8Character(std::string_view bytes, std::uint32_t& code) {
     const auto at = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
     const unsigned first = at(0);
     if (first < 0x80) {
@@ -49,16 +59,6 @@ std::size_t Sequence(std::string_view bytes, std::uint32_t& code) {
     return tooLong || outside ? 0 : length;
 }
 
-// The Windows-1252 byte of a code point, or -1.
-int SingleByte(std::uint32_t code) {
-    if (code < 0x80 || (code >= 0xA0 && code <= 0xFF)) return static_cast<int>(code);
-    for (std::size_t i = 0; i < kUpperControls.size(); ++i)
-        if (kUpperControls[i] == code) return static_cast<int>(0x80 + i);
-    return -1;
-}
-
-}  // namespace
-
 bool IsAscii(std::string_view bytes) {
     std::size_t i = 0;
     for (; i + 8 <= bytes.size(); i += 8) {
@@ -74,7 +74,7 @@ bool IsAscii(std::string_view bytes) {
 bool IsValidUtf8(std::string_view bytes) {
     std::uint32_t code = 0;
     while (!bytes.empty()) {
-        const std::size_t length = Sequence(bytes, code);
+        const std::size_t length = Utf8Character(bytes, code);
         if (length == 0) return false;
         bytes.remove_prefix(length);
     }
@@ -98,7 +98,7 @@ std::string EncodeText(std::string_view text) {
     bytes.reserve(text.size());
     std::uint32_t code = 0;
     for (std::string_view rest = text; !rest.empty();) {
-        const std::size_t length = Sequence(rest, code);
+        const std::size_t length = Utf8Character(rest, code);
         const int byte = length == 0 ? -1 : SingleByte(code);
         if (byte < 0) return std::string(text);
         bytes += static_cast<char>(byte);
@@ -119,7 +119,7 @@ std::string Printable(std::string_view text, int most) {
     std::uint32_t code = 0;
     while (!text.empty()) {
         if (most-- <= 0) return out + "...";
-        const std::size_t length = Sequence(text, code);
+        const std::size_t length = Utf8Character(text, code);
         const bool control = length == 0 || code < 0x20 || (code >= 0x7F && code < 0xA0);
         out += control ? std::string("?") : std::string(text.substr(0, length));
         text.remove_prefix(length == 0 ? 1 : length);
@@ -136,15 +136,22 @@ std::string UpperAscii(std::string_view text) {
 
 bool CutLine(std::string_view& rest, std::string_view& line) {
     if (rest.empty()) return false;
-    const auto* lineFeed = static_cast<const char*>(std::memchr(rest.data(), '\n', rest.size()));
-    std::size_t end = lineFeed == nullptr ? rest.size() : static_cast<std::size_t>(lineFeed - rest.data());
-    const auto* carriageReturn = static_cast<const char*>(std::memchr(rest.data(), '\r', end));
-    std::size_t next = lineFeed == nullptr ? end : end + 1;
-    if (carriageReturn != nullptr) {
-        const auto place = static_cast<std::size_t>(carriageReturn - rest.data());
-        if (place + 1 != end || lineFeed == nullptr) next = place + 1;
-        end = place;
+    // Window by window: a file of CR alone has no LF to be found, and looking for one as far as the end
+    // of the file would take that long for every line.
+    constexpr std::size_t kWindow = 256;
+    std::size_t end = rest.size();
+    for (std::size_t at = 0; at < rest.size() && end == rest.size(); at += kWindow) {
+        std::size_t length = std::min(kWindow, rest.size() - at);
+        const char* const window = rest.data() + at;
+        for (const char lineEnd : {'\n', '\r'}) {
+            const auto* found = static_cast<const char*>(std::memchr(window, lineEnd, length));
+            if (found == nullptr) continue;
+            length = static_cast<std::size_t>(found - window);
+            end = at + length;
+        }
     }
+    std::size_t next = std::min(end + 1, rest.size());
+    if (next < rest.size() && rest[end] == '\r' && rest[next] == '\n') ++next;
     line = rest.substr(0, end);
     rest.remove_prefix(next);
     return true;
@@ -164,8 +171,7 @@ std::string_view CutField(std::string_view& line, char delimiter, std::string& s
         if (c == '\xC3') vanishing = true;  // first byte of the characters 254 and 255, among others
     }
     std::string_view field(begin, static_cast<std::size_t>(at - begin));
-    line = at == end ? std::string_view(end, 0)
-                     : std::string_view(at + 1, static_cast<std::size_t>(end - at - 1));
+    line = at == end ? std::string_view{} : std::string_view(at + 1, static_cast<std::size_t>(end - at - 1));
     if (!vanishing) return field;
     scratch.clear();
     for (std::size_t i = 0; i < field.size(); ++i) {

@@ -1,6 +1,7 @@
 // Text in memory is UTF-8; files of the system are single-byte text. This is the only place that knows.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -8,6 +9,10 @@ inline constexpr const char* kLineEnd = "\r\n";
 
 bool IsAscii(std::string_view bytes);
 bool IsValidUtf8(std::string_view bytes);
+
+// Length of the UTF-8 character at the start of `bytes`, which are not empty, and its code point; 0 when
+// there is no valid one.
+std::size_t Utf8Character(std::string_view bytes, std::uint32_t& code);
 
 // Text of a file to text in memory: bytes that form valid UTF-8 are taken as UTF-8, anything else as
 // Windows-1252, whose five unused codes pass through as the control characters of the same number.

@@ -2,6 +2,8 @@
 #include "core/window.h"
 
 #include <array>
+#include <new>
+#include <stdexcept>
 
 #include "core/platform.h"
 #include "core/require.h"
@@ -117,8 +119,13 @@ void ShowWindow(std::string_view name) {
     window->Fresh();
     Attach(*window);
     window->State->Loaded = true;
-    if (window->StoresPlace) LoadWindowPlace(window->State->Place, window->Name);
-    Run_(window->Load);
+    try {
+        if (window->StoresPlace) LoadWindowPlace(window->State->Place, window->Name);
+        Run_(window->Load);
+    } catch (...) {
+        window->Fresh();  // a window that could not be filled is not open
+        throw;
+    }
 }
 
 void UnloadWindow(std::string_view name) {
@@ -165,6 +172,8 @@ bool Dispatch(const std::function<void()>& work) {
         return true;
     } catch (const PlatformError& error) {
         Run.LastPlatformError = error.What;
+    } catch (const std::length_error&) {
+        Run.LastPlatformError = "There is not enough memory for this.";
     } catch (const std::bad_alloc&) {
         Run.LastPlatformError = "There is not enough memory for this.";
     }

@@ -108,7 +108,8 @@ Control* FindControl(const WindowEntry& window, std::string_view name);  // null
 bool IsLoaded(std::string_view window);
 
 // Opens a window: a fresh struct, its stored place, its load procedure. A window that is open already
-// stays as it is. Throws PlatformError when there is no window of that name.
+// stays as it is. Throws PlatformError when there is no window of that name, and what its load procedure
+// throws; the window is then not open.
 void ShowWindow(std::string_view name);
 
 // Closes a window: its unload procedure, its place stored, its struct fresh again.

@@ -2,6 +2,9 @@
 // target system, X = T + R K S x. Its parameters live in the job.
 #pragma once
 
+#include <array>
+#include <limits>
+
 #include "core/arrays.h"
 
 // The matrices of the chain at the parameters they were last built from.
@@ -9,12 +12,20 @@ struct ChainRecord {
     Mat3 RotationMatrix;  // R = Rz(-c) Ry(-b) Rx(-a): turns coordinates into a frame turned by +a, +b, +c
     Mat3 ShearMatrix;     // K: its columns are the unit vectors of an oblique axis frame
     Mat3 ScaleMatrix;     // S: diagonal
+    Mat3 Product;         // R K S, the one matrix that a point goes through
+
+    // The nine values that Product was built from; NaN, which equals nothing, before that.
+    std::array<double, 9> BuiltFrom;
+    ChainRecord() { BuiltFrom.fill(std::numeric_limits<double>::quiet_NaN()); }
 };
 inline ChainRecord Chain;
 
 void BuildRotationMatrix();  // from Job.RotXCopy, RotYCopy, RotZCopy (rad)
 void BuildShearMatrix();     // from Job.AngleXY, Azimuth, AngleZtoXY (rad)
 void BuildScaleMatrix();     // from Job.ScaleX, ScaleY, ScaleZ
+
+// The three matrices and their product, where the job's parameters differ from those of the last time.
+void BuildChain();
 
 // The engine's rotation form Rz(-c) Ry(-b) Rx(-a); angles in rad.
 void RotMatrixXYZ(double a, double b, double c, Mat3& R);

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "core/run.h"
+
 // A new program with an empty folder of its own. A question that nobody queued an answer for fails the
 // test, unless it says ExpectUnanswered().
 class Program : public testing::Test {
@@ -20,6 +22,7 @@ protected:
     void ExpectUnanswered() { expectUnanswered_ = true; }
 
     std::string folder_;
+    static constexpr RunRecord& Run = ::Run;  // the base class has a procedure of that name
 
 private:
     bool expectUnanswered_ = false;

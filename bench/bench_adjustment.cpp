@@ -1,0 +1,107 @@
+// The fit with its residuals: our own adjustment from its three seed points on, and the streamed Eigen
+// Gauss-Newton from start values near the truth, on the same data. Peers run in turn, and the ratio is
+// taken round by round, so that a slow minute of the machine meets both.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+
+#include "core/fresh_start.h"
+#include "core/job.h"
+#include "core/settings.h"
+#include "engine/adjustment.h"
+#include "engine/design.h"
+#include "engine/selection.h"
+#include "fit_data.h"
+#ifdef CORVINADE_BENCH_EIGEN
+#include "eigen_fit.h"
+#endif
+
+namespace {
+
+void FillJob(const FitData& data, int parameters) {
+    FreshStart();
+    Settings.MaxIteration = 100;
+    Settings.BestFit_Etta = 1e-9;
+    Settings.RawScale = 2;
+    const std::size_t n = data.Start.size();
+    for (std::size_t i = 0; i < n; ++i) {
+        Job.MCS_X.push_back(data.Start[i][0]);
+        Job.MCS_Y.push_back(data.Start[i][1]);
+        Job.MCS_Z.push_back(data.Start[i][2]);
+        Job.OCS_X.push_back(data.Target[i][0]);
+        Job.OCS_Y.push_back(data.Target[i][1]);
+        Job.OCS_Z.push_back(data.Target[i][2]);
+    }
+    Job.UseFlags.assign(3 * n + 1, 1);
+    Job.nIdent = Job.nMCS = Job.nOCS = static_cast<std::int32_t>(n);
+    Job.ParamText.fill(kNotUsed);
+    for (const int k : {kTraX, kTraY, kTraZ, kRotX, kRotY, kRotZ})
+        Job.ParamText[static_cast<std::size_t>(k)] = kFloat;
+    if (parameters == 7) {
+        Job.ParamText[kScaleXYZ] = kFloat;
+    } else {
+        for (const int k : {kScaleX, kScaleY, kScaleZ, kAngleXY, kAzimuth, kAngleZtoXY})
+            Job.ParamText[static_cast<std::size_t>(k)] = kFloat;
+    }
+}
+
+double Milliseconds(std::chrono::steady_clock::time_point begin) {
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+}
+
+double Median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values.empty() ? 0 : values[values.size() / 2];
+}
+
+void Adjustment_Fit(benchmark::State& state) {
+    const int points = static_cast<int>(state.range(0)), parameters = static_cast<int>(state.range(1));
+    const FitData data = MakeFitData(points, parameters);
+    FillJob(data, parameters);
+    const int n = 3 * points, u = CountUnknowns(Job.ParamText);
+    Matrix Q;
+    Column v, P(static_cast<std::size_t>(n) + 1, 1);
+    std::vector<double> own, ratios;
+#ifdef CORVINADE_BENCH_EIGEN
+    std::array<double, 12> near = data.Truth;
+    for (std::size_t k = 0; k < near.size(); ++k) near[k] += (k < 3 ? 0.5 : 1e-5);
+    if (parameters == 7) near[9] = near[10] = near[11] = 0;
+    EigenFitResult peer;
+    EigenFit(data, parameters, near, peer);
+#endif
+    BestFitIteration(u, n, Job.ParamText, Q, v, P);
+    for (auto _ : state) {
+        const auto begin = std::chrono::steady_clock::now();
+        BestFitIteration(u, n, Job.ParamText, Q, v, P);
+        own.push_back(Milliseconds(begin));
+        state.SetIterationTime(own.back() / 1000);
+#ifdef CORVINADE_BENCH_EIGEN
+        const auto beginPeer = std::chrono::steady_clock::now();
+        EigenFit(data, parameters, near, peer);
+        ratios.push_back(Milliseconds(beginPeer) / own.back());
+#endif
+    }
+    state.counters["ms"] = Median(own);
+    state.counters["passes"] = Adjustment.Iterations;
+#ifdef CORVINADE_BENCH_EIGEN
+    state.counters["Eigen_passes"] = peer.Iterations;
+    state.counters["Eigen/own"] = Median(ratios);
+    // Both must have found the same deviations, or the ratio says nothing.
+    double worst = 0;
+    for (std::size_t i = 0; i < data.Start.size(); ++i)
+        for (std::size_t axis = 0; axis < 3; ++axis)
+            worst = std::max(worst, std::fabs(peer.Residuals[i][axis] - v[3 * i + axis + 1]));
+    if (!Adjustment.Converged || worst > 1e-6) state.SkipWithError("the two fits do not agree");
+#endif
+}
+
+BENCHMARK(Adjustment_Fit)
+    ->ArgNames({"points", "u"})
+    ->ArgsProduct({{1000, 100000, 1000000}, {7, 12}})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+
+}  // namespace

@@ -1,0 +1,18 @@
+// The peer of the adjustment: a plain Gauss-Newton that streams over the points with Eigen.
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "fit_data.h"
+
+struct EigenFitResult {
+    std::vector<double> Parameters;
+    std::vector<std::array<double, 3>> Residuals;
+    int Iterations = 0;
+};
+
+// Begins at `begin` (12 values as FitData::Truth) and ends at corrections below 1e-9, or after 50 passes.
+//   parameters  7 or 12
+void EigenFit(const FitData& data, int parameters, const std::array<double, 12>& begin,
+              EigenFitResult& result);

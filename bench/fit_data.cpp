@@ -1,0 +1,62 @@
+// Point pairs with a known transformation and seeded noise.
+#include "fit_data.h"
+
+#include <cstdint>
+
+#include "core/job.h"
+#include "engine/transform.h"
+
+namespace {
+
+// A small generator of our own: the standard distributions differ from library to library.
+struct Uniform {
+    std::uint64_t State = 88172645463325252ULL;
+    double Next() {  // -1 to 1
+        State ^= State << 13;
+        State ^= State >> 7;
+        State ^= State << 17;
+        return static_cast<double>(State >> 11) / 4503599627370496.0 - 1;
+    }
+    // Near enough to a normal distribution of standard deviation 1.
+    double Noise() {
+        double sum = 0;
+        for (int i = 0; i < 12; ++i) sum += Next();
+        return sum / 2;
+    }
+};
+
+}  // namespace
+
+FitData MakeFitData(int points, int parameters) {
+    FitData data;
+    data.Truth = {12000, -7000, 800, 0.4, -0.3, 1.1, 1.0002, 1.0002, 1.0002, 0, 0, 0};
+    if (parameters == 12) {
+        data.Truth = {12000, -7000, 800, 0.4, -0.3, 1.1, 1.0002, 0.9997, 1.0005, 0.002, 0.7, 0.003};
+    }
+    const auto& t = data.Truth;
+    const JobRecord kept = Job;
+    Job.RotXCopy = t[3];
+    Job.RotYCopy = t[4];
+    Job.RotZCopy = t[5];
+    Job.ScaleX = t[6];
+    Job.ScaleY = t[7];
+    Job.ScaleZ = t[8];
+    Job.AngleXY = t[9];
+    Job.Azimuth = t[10];
+    Job.AngleZtoXY = t[11];
+    Job.TraX = t[0];
+    Job.TraY = t[1];
+    Job.TraZ = t[2];
+    Uniform random;
+    data.Start.resize(static_cast<std::size_t>(points));
+    data.Target.resize(data.Start.size());
+    for (std::size_t i = 0; i < data.Start.size(); ++i) {
+        auto& p = data.Start[i];
+        auto& q = data.Target[i];
+        p = {1e6 + 5000 * random.Next(), -4e5 + 4000 * random.Next(), 2e3 + 1500 * random.Next()};
+        TransformPoint(p[0], p[1], p[2], q[0], q[1], q[2]);
+        for (double& coordinate : q) coordinate += 0.05 * random.Noise();
+    }
+    Job = kept;
+    return data;
+}

@@ -1,0 +1,4 @@
+// The benchmarks' entry.
+#include <benchmark/benchmark.h>
+
+BENCHMARK_MAIN();

@@ -1,0 +1,389 @@
+// The automation: reads requests, drives windows and controls by name, and writes replies.
+#include "cli/automate.h"
+
+#include <istream>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <vector>
+
+#include "cli/control_json.h"
+#include "cli/headless.h"
+#include "cli/record_json.h"
+#include "core/controller.h"
+#include "core/numbers.h"
+#include "core/platform.h"
+#include "core/run.h"
+#include "core/window.h"
+
+using nlohmann::json;
+
+namespace {
+
+// A request that cannot be carried out; it has changed nothing.
+struct RequestError {
+    std::string What;
+};
+
+[[noreturn]] void Refuse(const std::string& what) {
+    throw RequestError{what};
+}
+
+constexpr int kDeepest = 100;  // levels of a request; those that mean something have fewer than ten
+
+struct DueRequest {
+    std::uint64_t Yield;
+    json Request;
+};
+
+struct AutomationRecord {
+    std::vector<DueRequest> Due;  // requests to run at a coming yield
+    json During = json::array();  // their replies, for the request whose work yielded
+    bool Quit = false;
+};
+AutomationRecord Automation;
+
+json Answer(const json& request);
+
+// --- Members of a request ------------------------------------------------------------------------------
+
+const json& Member(const json& request, const char* name) {
+    const auto found = request.find(name);
+    if (found == request.end()) Refuse(std::string("the member \"") + name + "\" is missing");
+    return *found;
+}
+
+std::string TextMember(const json& request, const char* name) {
+    const json& value = Member(request, name);
+    if (!value.is_string()) Refuse(std::string("the member \"") + name + "\" must be a text");
+    return value.get<std::string>();
+}
+
+// --- Places ---------------------------------------------------------------------------------------------
+
+struct Target {
+    const WindowEntry* Window = nullptr;
+    const ControlEntry* Control = nullptr;  // null: the window itself
+};
+
+const ControlEntry* FindEntry(const WindowEntry& window, std::string_view name) {
+    for (const ControlEntry& entry : window.Controls)
+        if (name == entry.Name) return &entry;
+    return nullptr;
+}
+
+Target FindTarget(const json& request) {
+    const std::string at = TextMember(request, "at");
+    const std::size_t dot = at.find('.');
+    Target target;
+    target.Window = FindWindow(at.substr(0, dot));
+    if (target.Window == nullptr) Refuse("there is no window \"" + at.substr(0, dot) + "\"");
+    if (dot == std::string::npos) return target;
+    target.Control = FindEntry(*target.Window, at.substr(dot + 1));
+    if (target.Control == nullptr) Refuse("there is no control \"" + at + "\"");
+    return target;
+}
+
+Target FindLoadedWindow(const json& request) {
+    const Target target = FindTarget(request);
+    if (!target.Window->State->Loaded) Refuse(std::string(target.Window->Name) + " is not open");
+    return target;
+}
+
+// A control that the user could reach: its window open and enabled, itself and what it stands in
+// enabled and visible.
+Control& FindReachable(const json& request) {
+    const Target target = FindLoadedWindow(request);
+    if (target.Control == nullptr) Refuse("a control is expected");
+    const std::string name = std::string(target.Window->Name) + "." + target.Control->Name;
+    if (!target.Window->State->Enabled) Refuse(std::string(target.Window->Name) + " is disabled");
+    for (const ControlEntry* entry = target.Control; entry != nullptr;
+         entry = entry->Parent == nullptr ? nullptr : FindEntry(*target.Window, entry->Parent)) {
+        const std::string who =
+            entry == target.Control ? name : name + " stands in " + entry->Name + ", which";
+        if (!entry->Place->Enabled) Refuse(who + " is disabled");
+        if (!entry->Place->Visible) Refuse(who + " is hidden");
+    }
+    return *target.Control->Place;
+}
+
+// --- The requests ------------------------------------------------------------------------------------------
+
+// What a user types for a JSON value: numbers in the form the system shows them.
+std::string TypedText(const json& value) {
+    if (value.is_string()) return value.get<std::string>();
+    if (value.is_number_integer()) return value.dump();
+    if (value.is_number()) return PlainText(value.get<double>());
+    Refuse("a text is expected");
+}
+
+int ListEntry(const Control& list, const json& value) {
+    if (value.is_number_integer()) {
+        const auto index = value.get<std::int64_t>();
+        if (index < 0 || index >= static_cast<std::int64_t>(list.Items.size()))
+            Refuse("the list has no such entry");
+        return static_cast<int>(index);
+    }
+    if (value.is_string())
+        for (std::size_t i = 0; i < list.Items.size(); ++i)
+            if (list.Items[i] == value.get<std::string>()) return static_cast<int>(i);
+    Refuse("the list has no such entry");
+}
+
+json DoSet(const json& request) {
+    Control& control = FindReachable(request);
+    const json& value = Member(request, "value");
+    switch (control.Kind) {
+        case ControlKind::Text:
+            if (control.Locked) Refuse("the text is locked");
+            UserSetText(control, TypedText(value));
+            break;
+        case ControlKind::Check: {
+            const bool good = value.is_boolean() || (value.is_number_integer() && value >= 0 && value <= 2);
+            if (!good) Refuse("a check box takes 0, 1 or 2");
+            UserSetValue(control, value.is_boolean() ? (value.get<bool>() ? 1 : 0) : value.get<int>());
+            break;
+        }
+        case ControlKind::Option:
+            if (value != true && value != 1) Refuse("an option can only be selected");
+            UserSetValue(control, 1);
+            break;
+        case ControlKind::Combo:
+            UserSetIndex(control, ListEntry(control, value));
+            break;
+        default:
+            Refuse("this control takes no value");
+    }
+    return json::object();
+}
+
+json DoClick(const json& request) {
+    Control& control = FindReachable(request);
+    if (control.Kind == ControlKind::Check) {
+        UserSetValue(control, control.Value == 1 ? 0 : 1);
+    } else if (control.Kind == ControlKind::Option) {
+        UserSetValue(control, 1);
+    } else {
+        UserClick(control);
+    }
+    return json::object();
+}
+
+json DoDblClick(const json& request) {
+    UserDblClick(FindReachable(request));
+    return json::object();
+}
+
+json DoKey(const json& request) {
+    const Target target = FindLoadedWindow(request);
+    if (!target.Window->State->Enabled) Refuse(std::string(target.Window->Name) + " is disabled");
+    const std::string key = TextMember(request, "key");
+    if (key == "Escape" || key == "Esc") UserEscape(*target.Window);
+    return json::object();
+}
+
+json DoClose(const json& request) {
+    const Target target = FindLoadedWindow(request);
+    if (target.Control != nullptr) Refuse("a window is expected");
+    UserClose(*target.Window);
+    return json::object();
+}
+
+json DoGet(const json& request) {
+    if (TextMember(request, "at") == "Windows") {
+        json names = json::array();
+        for (const WindowEntry* window : AllWindows())
+            if (window->State->Loaded) names.push_back(window->Name);
+        return {{"windows", names}};
+    }
+    const Target target = FindTarget(request);
+    return target.Control == nullptr ? WindowToJson(*target.Window) : ControlToJson(*target.Control->Place);
+}
+
+json DoRecord(const json& request) {
+    const std::string name = TextMember(request, "name");
+    const RecordEntry* record = FindRecord(name);
+    if (record == nullptr) Refuse("there is no record \"" + name + "\"");
+    if (const auto value = request.find("value"); value != request.end()) {
+        const std::string wrong = RecordFromJson(*record, *value);
+        if (!wrong.empty()) Refuse(name + ": " + wrong);
+    }
+    return {{"value", RecordToJson(*record)}};
+}
+
+json DoClipboard(const json& request) {
+    if (const auto value = request.find("value"); value != request.end()) {
+        if (!value->is_string()) Refuse("the clipboard takes a text");
+        Headless.Clipboard = value->get<std::string>();
+    }
+    if (const auto refuse = request.find("refuse"); refuse != request.end()) {
+        if (!refuse->is_boolean()) Refuse("\"refuse\" is true or false");
+        Headless.ClipboardRefuses = refuse->get<bool>();
+    }
+    return {{"value", Headless.Clipboard}};
+}
+
+json DoAnswer(const json& request) {
+    const std::string kind = TextMember(request, "kind");
+    if (kind != "message" && kind != "input" && kind != "open" && kind != "save" && kind != "folder")
+        Refuse("no dialog of this kind comes up");
+    const json& value = Member(request, "value");
+    if (value.is_null() && kind != "message") {
+        Headless.Answers[kind].push_back(std::nullopt);
+    } else {
+        Headless.Answers[kind].push_back(TypedText(value));
+    }
+    return json::object();
+}
+
+json DoDuring(const json& request) {
+    const json& yield = Member(request, "yield");
+    if (!yield.is_number_integer() || yield < 1 || yield > 1000000000) Refuse("\"yield\" counts from 1");
+    const json& inner = Member(request, "request");
+    if (!inner.is_object()) Refuse("\"request\" must be a request");
+    Automation.Due.push_back({Headless.Yields + yield.get<std::uint64_t>(), inner});
+    return json::object();
+}
+
+json DoQuit(const json&) {
+    Automation.Quit = true;
+    return json::object();
+}
+
+// The graphics windows answer these; there is none that could.
+json NoGraphicsWindow(const json& request) {
+    Refuse("there is no graphics window \"" + TextMember(request, "at") + "\"");
+}
+
+const std::map<std::string, json (*)(const json&), std::less<>> kRequests = {
+    {"set", DoSet},
+    {"click", DoClick},
+    {"dblclick", DoDblClick},
+    {"key", DoKey},
+    {"close", DoClose},
+    {"get", DoGet},
+    {"record", DoRecord},
+    {"clipboard", DoClipboard},
+    {"answer", DoAnswer},
+    {"during", DoDuring},
+    {"quit", DoQuit},
+    {"select", NoGraphicsWindow},
+    {"mouse", NoGraphicsWindow},
+    {"resize", NoGraphicsWindow},
+    {"picture", NoGraphicsWindow},
+};
+
+// --- Replies ----------------------------------------------------------------------------------------------
+
+// Adds what came up since the last reply, and forgets it.
+void AddHappenings(json& reply) {
+    if (!Headless.Dialogs.empty()) {
+        json dialogs = json::array();
+        for (const DialogShown& dialog : Headless.Dialogs)
+            dialogs.push_back({{"kind", dialog.Kind},
+                               {"title", dialog.Title},
+                               {"text", dialog.Text},
+                               {"buttons", dialog.Buttons},
+                               {"default", dialog.Default},
+                               {"filter", dialog.Filter},
+                               {"answer", dialog.Answer ? json(*dialog.Answer) : json()}});
+        reply["dialogs"] = std::move(dialogs);
+    }
+    if (!Headless.Shell.empty()) {
+        json shell = json::array();
+        for (const HandedOver& handed : Headless.Shell)
+            shell.push_back({{"verb", handed.Verb}, {"path", handed.Path}});
+        reply["shell"] = std::move(shell);
+    }
+    if (Headless.Unanswered) reply["unanswered"] = true;
+    if (!Run.LastPlatformError.empty()) reply["platformError"] = Run.LastPlatformError;
+    if (!Automation.During.empty()) reply["during"] = std::move(Automation.During);
+    Headless.Dialogs.clear();
+    Headless.Shell.clear();
+    Headless.Unanswered = false;
+    Run.LastPlatformError.clear();
+    Automation.During = json::array();
+}
+
+json Answer(const json& request) {
+    json reply = json::object();
+    try {
+        if (!request.is_object()) Refuse("a request is a JSON object");
+        const std::string what = TextMember(request, "do");
+        const auto found = kRequests.find(what);
+        if (found == kRequests.end()) Refuse("there is no request \"" + what + "\"");
+        reply = found->second(request);
+        reply["ok"] = true;
+    } catch (const RequestError& error) {
+        reply = {{"ok", false}, {"error", error.What}};
+    }
+    AddHappenings(reply);
+    return reply;
+}
+
+// Runs the requests that are due at this yield. What comes up in them belongs to their own replies, so
+// what the interrupted work has brought up so far is laid aside meanwhile.
+void AtYield() {
+    // All of this yield are taken out before the first one runs, for its work may yield itself.
+    std::vector<json> due;
+    for (DueRequest& waiting : Automation.Due)
+        if (waiting.Yield == Headless.Yields) due.push_back(std::move(waiting.Request));
+    std::erase_if(Automation.Due, [](const DueRequest& waiting) { return waiting.Yield <= Headless.Yields; });
+    for (const json& request : due) {
+        const auto dialogs = std::exchange(Headless.Dialogs, {});
+        const auto shell = std::exchange(Headless.Shell, {});
+        const bool unanswered = std::exchange(Headless.Unanswered, false);
+        const auto error = std::exchange(Run.LastPlatformError, {});
+        json during = std::exchange(Automation.During, json::array());
+        during.push_back(Answer(request));
+        Headless.Dialogs = dialogs;
+        Headless.Shell = shell;
+        Headless.Unanswered = unanswered;
+        Run.LastPlatformError = error;
+        Automation.During = std::move(during);
+    }
+}
+
+}  // namespace
+
+void StartAutomation(const AutomationOptions& options) {
+    Automation = AutomationRecord{};
+    Headless.OnYield = AtYield;
+    StartUp(options.Job.empty() ? "" : "\"" + options.Job + "\"");
+}
+
+std::string AnswerLine(const std::string& line, bool& quit) {
+    json reply;
+    try {
+        // JSON values are copied and freed level by level on the stack, so their depth is limited.
+        bool tooDeep = false;
+        const auto limitDepth = [&tooDeep](int depth, json::parse_event_t, const json&) {
+            tooDeep |= depth > kDeepest;
+            return !tooDeep;
+        };
+        const json request = json::parse(line, limitDepth, false);
+        if (tooDeep) {
+            reply = {{"ok", false}, {"error", "the line is nested too deeply"}};
+            AddHappenings(reply);
+        } else if (request.is_discarded()) {
+            reply = {{"ok", false}, {"error", "the line is no JSON"}};
+            AddHappenings(reply);
+        } else {
+            reply = Answer(request);
+        }
+    } catch (const std::bad_alloc&) {
+        reply = {{"ok", false}, {"error", "there is not enough memory for this"}};
+    }
+    quit = Automation.Quit;
+    return reply.dump(-1, ' ', false, json::error_handler_t::replace);
+}
+
+void Automate(const AutomationOptions& options, std::istream& in, std::ostream& out) {
+    StartAutomation(options);
+    std::string line;
+    bool quit = false;
+    while (!quit && out && std::getline(in, line)) {
+        if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
+        out << AnswerLine(line, quit) << std::endl;
+    }
+}

@@ -1,0 +1,241 @@
+// The command line: its commands, options and exit statuses.
+#include "cli/commands.h"
+
+#include <CLI/CLI.hpp>
+#include <ostream>
+
+#include "cli/automate.h"
+#include "cli/fit.h"
+#include "cli/headless.h"
+#include "core/controller.h"
+#include "core/numbers.h"
+#include "core/platform.h"
+#include "core/text.h"
+#include "core/units.h"
+
+namespace {
+
+// Names by which the units are known on a command line.
+const std::map<std::string, std::string> kLengthNames = {{"millimeter", "millimeter"},
+                                                         {"mm", "millimeter"},
+                                                         {"meter", "meter"},
+                                                         {"m", "meter"},
+                                                         {"inch", "inch"},
+                                                         {"in", "inch"},
+                                                         {"feet", "feet"},
+                                                         {"ft", "feet"}};
+const std::map<std::string, std::string> kAngleNames = {
+    {"degree", "degree"},       {"deg", "degree"},
+    {"gon", "grad (gon)"},      {"rad", "rad"},
+    {"mrad", "mrad"},           {"arcsecond", "arcsecond"},
+    {"arcminute", "arcminute"}, {"dms", kDegreeMinuteSecond}};
+const std::map<std::string, std::string> kDelimiterNames = {
+    {"space", " "}, {"semicolon", ";"}, {"colon", ":"}, {"star", "*"},
+    {"sharp", "#"}, {"tab", "\t"},      {"comma", ","}};
+
+struct FitSwitches {
+    FitOptions Options;
+    std::string Decimal;
+    bool Yes = false, No = false, Json = false, Csv = false;
+};
+
+// The help tells choices once, beside the option's name, so the checks are silent there.
+CLI::Validator OneOf(std::vector<std::string> choices) {
+    CLI::IsMember check(std::move(choices));
+    return check.description("");
+}
+CLI::Validator NameOf(const std::map<std::string, std::string>& names) {
+    CLI::CheckedTransformer check(names);
+    return check.description("");
+}
+CLI::Validator Between(int least, int most) {
+    CLI::Range check(least, most);
+    return check.description("");
+}
+
+// The import takes its tolerance as a 32-bit float above 0.
+std::string CheckTolerance(const std::string& text) {
+    double value = 0;
+    if (TextToNumber(text, '.', value) && value >= 1e-30 && value <= 1e30) return "";
+    return "\"" + Printable(text) + "\" is no length between 1e-30 and 1e30 mm";
+}
+
+void AddDecimal(CLI::App& command, std::string& decimal, const char* group) {
+    command
+        .add_option("--decimal", decimal,
+                    "Decimal delimiter of files and output, a point or a comma;\n"
+                    "default: that of the locale")
+        ->check(OneOf({".", ","}))
+        ->type_name("'.'|','")
+        ->group(group);
+}
+
+void AddPointOptions(CLI::App& fit, FitSwitches& s) {
+    const char* const group = "Points";
+    FitOptions& o = s.Options;
+    fit.add_option("--match", o.Match,
+                   "How the points that both files hold are found: by equal names,\n"
+                   "by equal coordinates, or by equal distances; default: id")
+        ->check(OneOf({"id", "coordinate", "distance"}))
+        ->type_name("id|coordinate|distance")
+        ->group(group);
+    fit.add_option("--tolerance", o.Tolerance_mm,
+                   "How near is equal, in mm whatever the unit; for coordinate and\n"
+                   "distance; default: 0.8")
+        ->check(CheckTolerance)
+        ->type_name("MM")
+        ->group(group);
+    fit.add_option("--only-first", o.OnlyFirst, "Take the distances of the first N target points alone")
+        ->check(Between(1, 1000000000))
+        ->type_name("N")
+        ->group(group);
+    fit.add_option("--leave-out", o.LeaveOut,
+                   "Points that take no part in the fit, or coordinates of them:\n"
+                   "P7, P9:z, P4:xy")
+        ->type_name("POINT")
+        ->group(group);
+    AddDecimal(fit, s.Decimal, group);
+    fit.add_option("--delimiter", o.Delimiter,
+                   "What stands between the fields of a file that does not show it,\n"
+                   "as one with blanks alone")
+        ->transform(NameOf(kDelimiterNames))
+        ->type_name("space|semicolon|colon|star|sharp|tab|comma")
+        ->group(group);
+    auto* yes = fit.add_flag("--yes,-y", s.Yes,
+                             "Answer the questions of the import with Yes; a file with the\n"
+                             "other decimal delimiter is then changed")
+                    ->group(group);
+    fit.add_flag("--no,-n", s.No, "Answer the questions of the import with No")->group(group)->excludes(yes);
+}
+
+void AddModelOptions(CLI::App& fit, FitOptions& o) {
+    const char* const group = "Model";
+    fit.add_option("--parameters", o.Parameters,
+                   "What floats: level (3 shifts and the rotation about z), 6 (rigid),\n"
+                   "7 (with one scale), 9 (with three scales), 12 (affine); default: 6")
+        ->check(OneOf({"level", "6", "7", "9", "12"}))
+        ->type_name("level|6|7|9|12")
+        ->group(group);
+    fit.add_option("--hold", o.Hold,
+                   "Hold parameters at values, in the units in use:\n"
+                   "rotz=0, scalexyz=1.002, trax=12.5")
+        ->type_name("NAME=VALUE")
+        ->group(group);
+}
+
+void AddOutputOptions(CLI::App& fit, FitSwitches& s) {
+    const char* const group = "Units and output";
+    FitOptions& o = s.Options;
+    fit.add_option("--length-unit", o.LengthUnit, "Unit of the files and of what is shown; default: mm")
+        ->transform(NameOf(kLengthNames))
+        ->type_name("mm|m|in|ft")
+        ->group(group);
+    fit.add_option("--angle-unit", o.AngleUnit, "Unit of angles; default: deg")
+        ->transform(NameOf(kAngleNames))
+        ->type_name("deg|gon|rad|mrad|arcsecond|arcminute|dms")
+        ->group(group);
+    fit.add_option("--digits", o.LengthDigits, "Decimals of lengths, 0 to 6; default: 3")
+        ->check(Between(0, 6))
+        ->type_name("N")
+        ->group(group);
+    fit.add_option("--angle-digits", o.AngleDigits, "Decimals of angles, 0 to 6; default: 4")
+        ->check(Between(0, 6))
+        ->type_name("N")
+        ->group(group);
+    fit.add_flag("--long-scales", o.ScaleDigits, "Scales with 12 decimals instead of 6")->group(group);
+    auto* json = fit.add_flag("--json", s.Json, "Everything as JSON, with full precision, in mm and rad")
+                     ->group(group);
+    fit.add_flag("--csv", s.Csv, "The points as CSV, in the units in use")->group(group)->excludes(json);
+}
+
+CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
+    CLI::App* fit = app.add_subcommand("fit", "Fit the transformation from one point file to another");
+    fit->add_option("START", s.Options.Start, "Point file of the start system, a line a point: name x y z")
+        ->type_name("FILE")
+        ->required();
+    fit->add_option("TARGET", s.Options.Target, "Point file of the target system")
+        ->type_name("FILE")
+        ->required();
+    AddPointOptions(*fit, s);
+    AddModelOptions(*fit, s.Options);
+    AddOutputOptions(*fit, s);
+    fit->footer(
+        "Examples:\n"
+        "  corvinade-cli fit measured.txt nominal.txt --leave-out F09\n"
+        "  corvinade-cli fit measured.txt nominal.txt --match distance --tolerance 0.3\n"
+        "  corvinade-cli fit measured.txt nominal.txt --parameters 7 --json\n\n"
+        "Exit status: 0 done, 1 refused, 2 wrong usage, 3 an input cannot be read,\n"
+        "4 calculated but not converged.");
+    return fit;
+}
+
+struct AutomateSwitches {
+    AutomationOptions Options;
+    std::string SettingsDir, Decimal, Screen = "800x600";
+};
+
+CLI::App* AddAutomate(CLI::App& app, AutomateSwitches& s) {
+    CLI::App* automate = app.add_subcommand(
+        "automate", "Drive windows and controls by name: one JSON request a line on standard input");
+    automate
+        ->add_option("--settings-dir", s.SettingsDir, "Folder that stands in for the user's settings folder")
+        ->check([](const std::string& text) {
+            // A script's variable that is not set must not lead to the user's own settings.
+            return std::string(text.empty() ? "the name of the folder is empty" : "");
+        })
+        ->type_name("DIR");
+    automate->add_option("--job", s.Options.Job, "Job file to open at the start")->type_name("FILE");
+    automate->add_option("--screen", s.Screen, "Inner size of a new graphics window, pixels")
+        ->check([](const std::string& text) {
+            int width = 0;
+            int height = 0;
+            char behind = 0;
+            const int read = std::sscanf(text.c_str(), "%5dx%5d%c", &width, &height, &behind);
+            return std::string(read == 2 && width > 0 && height > 0 ? "" : "a size is written as 800x600");
+        })
+        ->type_name("WxH")
+        ->capture_default_str();
+    AddDecimal(*automate, s.Decimal, "Options");
+    return automate;
+}
+
+std::optional<char> DecimalOf(const std::string& text) {
+    return text.empty() ? std::nullopt : std::optional<char>(text.front());
+}
+
+int Fit(FitSwitches& s, std::ostream& out, std::ostream& err, bool terminal, bool progress) {
+    s.Options.Decimal = DecimalOf(s.Decimal);
+    if (s.Yes || s.No) s.Options.Questions = s.Yes;
+    s.Options.Output = s.Json ? FitOutput::Json : s.Csv ? FitOutput::Csv : FitOutput::Table;
+    const auto noColour = EnvironmentVariable("NO_COLOR");
+    return RunFit(s.Options, out, err, terminal && (!noColour || noColour->empty()), progress);
+}
+
+int Serve(AutomateSwitches& s, std::istream& in, std::ostream& out) {
+    if (!s.SettingsDir.empty()) Headless.SettingsDir = s.SettingsDir;
+    if (!s.Decimal.empty()) Headless.Decimal = DecimalOf(s.Decimal);
+    std::sscanf(s.Screen.c_str(), "%dx%d", &s.Options.ScreenWidth, &s.Options.ScreenHeight);
+    Automate(s.Options, in, out);
+    return out ? kDone : kRefused;  // nobody has read the replies
+}
+
+}  // namespace
+
+int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ostream& out, std::ostream& err,
+                   bool terminal, bool progress) {
+    CLI::App app("Corvinade finds the least-squares 3D transformation between two point sets.",
+                 "corvinade-cli");
+    app.set_version_flag("--version", "corvinade-cli " + ProgramVersion());
+    app.require_subcommand(1);
+    app.get_formatter()->column_width(34);
+    FitSwitches fitSwitches;
+    AutomateSwitches automateSwitches;
+    const CLI::App* fit = AddFit(app, fitSwitches);
+    AddAutomate(app, automateSwitches);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error, out, err) == 0 ? kDone : kWrongUsage;
+    }
+    return fit->parsed() ? Fit(fitSwitches, out, err, terminal, progress) : Serve(automateSwitches, in, out);
+}

@@ -1,0 +1,219 @@
+// `corvinade-cli fit`: drives the same dialog and the same calculation as the desktop does.
+#include "cli/fit.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <numbers>
+#include <ostream>
+
+#include "cli/fit_output.h"
+#include "cli/fit_selection.h"
+#include "cli/headless.h"
+#include "core/controller.h"
+#include "core/files.h"
+#include "core/form_progress_bar.h"
+#include "core/job.h"
+#include "core/numbers.h"
+#include "core/platform.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "core/text.h"
+#include "engine/adjustment.h"
+#include "engine/calculation.h"
+#include "engine/design.h"
+#include "import/form_input_files.h"
+
+namespace {
+
+// Messages are written as paragraphs of their own, without the blank lines of the message box.
+std::string OneParagraph(const std::string& text) {
+    std::string result;
+    std::string_view rest = text;
+    std::string_view line;
+    while (CutLine(rest, line)) {
+        if (line.find_first_not_of(' ') == std::string_view::npos) continue;
+        if (!result.empty()) result += "\n  ";
+        result += line;
+    }
+    return result;
+}
+
+// Messages, and the questions that an option has answered.
+void WriteMessages(std::ostream& err) {
+    for (const DialogShown& dialog : Headless.Dialogs) {
+        if (dialog.Kind != "message" || !dialog.Answer) continue;
+        err << OneParagraph(dialog.Text);
+        if (dialog.Buttons.size() > 1) err << " " << *dialog.Answer;
+        err << "\n";
+    }
+    Headless.Dialogs.clear();
+}
+
+// Answers the questions of the import: Yes or No as the user has said beforehand, the tolerance from
+// its option.
+void AnswerQuestions(const FitOptions& options) {
+    Headless.OnQuestion = [&options](const DialogShown& dialog) -> std::optional<std::string> {
+        if (dialog.Kind == "input") return PlainText(options.Tolerance_mm);
+        if (dialog.Kind != "message" || !options.Questions) return std::nullopt;
+        const std::string wanted = *options.Questions ? "Yes" : "No";
+        const bool has =
+            std::find(dialog.Buttons.begin(), dialog.Buttons.end(), wanted) != dialog.Buttons.end();
+        return has ? std::optional<std::string>(wanted) : std::nullopt;
+    };
+}
+
+void ShowProgress(std::ostream& err) {
+    using Clock = std::chrono::steady_clock;
+    const auto begin = Clock::now();
+    auto last = begin;
+    Headless.OnYield = [&err, begin, last]() mutable {
+        const auto now = Clock::now();
+        if (now - begin < std::chrono::seconds(1) || now - last < std::chrono::milliseconds(200)) return;
+        last = now;
+        if (Progress.Window.Loaded) {
+            err << "\r" << Progress.Window.Caption << ": " << Progress.ProgressBar1.Value << " %  "
+                << std::flush;
+        } else {
+            err << "\rcalculating, iteration " << Adjustment.Iterations << "  " << std::flush;
+        }
+    };
+}
+
+void SetUp(const FitOptions& options) {
+    // A fit shall give the same on every machine, so it neither reads nor writes anybody's settings.
+    ReadSettingsText(DefaultSettingsText(), "the built-in settings");
+    Job.LengthUnitName = options.LengthUnit;
+    Job.AngleUnitName = options.AngleUnit;
+    Job.LengthDigits = static_cast<std::int16_t>(options.LengthDigits);
+    Job.AngleDigits = static_cast<std::int16_t>(options.AngleDigits);
+    Settings.ScaleDigits = static_cast<std::int16_t>(options.ScaleDigits);
+    ShowWindow("FormMain");
+    Initialisieren();
+    Run.Delimiter = options.Delimiter;
+}
+
+bool Import(const FitOptions& options) {
+    ShowWindow("FormInputFiles");
+    FormInputFiles& w = InputFiles;
+    SetText(w.TextNameMCS, options.Start);
+    SetText(w.TextNameOCS, options.Target);
+    if (options.Match == "coordinate") SetValue(w.OptionByCoordinate, 1);
+    if (options.Match == "distance") SetValue(w.OptionByDis, 1);
+    if (options.OnlyFirst > 0) {
+        SetValue(w.CheckUseOnlyFirst, 1);
+        SetText(w.TextMaxOCS, std::to_string(options.OnlyFirst));
+    }
+    const bool wentThrough = UserClick(w.BtnOK);
+    UnloadWindow("FormInputFiles");
+    return wentThrough && IsTrue(Run.JobDataValid);
+}
+
+// The question that nobody has answered, for the message; "" when there is none.
+std::string OpenQuestion() {
+    for (const DialogShown& dialog : Headless.Dialogs)
+        if (dialog.Buttons.size() > 1 && !dialog.Answer) return OneParagraph(dialog.Text);
+    return "";
+}
+
+int Refuse(std::ostream& err, ExitStatus status, const std::string& text) {
+    err << "corvinade-cli: " << text << "\n";
+    return status;
+}
+
+// A rotation has two triples of angles; the one that turns less is the one people read. Sigma is the same
+// for both, the significance is not.
+void TakeNicerRotation() {
+    constexpr double pi = std::numbers::pi;
+    const auto wrap = [](double angle) { return std::remainder(angle, 2 * pi); };
+    const Vec3 other(wrap(Job.RotX + pi), wrap(pi - Job.RotY), wrap(Job.RotZ + pi));
+    const double sum = std::fabs(Job.RotX) + std::fabs(Job.RotY) + std::fabs(Job.RotZ);
+    if (std::fabs(other(1)) + std::fabs(other(2)) + std::fabs(other(3)) >= sum) return;
+    Job.RotX = Job.RotXCopy = other(1);
+    Job.RotY = Job.RotYCopy = other(2);
+    Job.RotZ = Job.RotZCopy = other(3);
+    for (const int k : {kRotX, kRotY, kRotZ}) {
+        const auto index = static_cast<std::size_t>(k);
+        Calculation.Significance[index] =
+            std::fabs(ParameterValue(Job, k)) / (Calculation.Sigma[index] + 1e-9);
+    }
+}
+
+// True when one of the rotation's angles is held: its value is the user's.
+bool RotationIsHeld() {
+    return Job.ParamText[kRotX] != kFloat || Job.ParamText[kRotY] != kFloat || Job.ParamText[kRotZ] != kFloat;
+}
+
+std::string TooFewPairs(const FitOptions& options) {
+    std::string text = "the start file has " + std::to_string(Job.nMCS) + " points and the target file " +
+                       std::to_string(Job.nOCS) + ", " + std::to_string(Job.nIdent) +
+                       " of them identical; a transformation needs at least 2";
+    if (std::min(Job.nMCS, Job.nOCS) < 2) return text;  // no way of pairing finds more
+    if (options.Match == "id")
+        return text +
+               "\n  points without common names are paired with --match coordinate or --match distance";
+    return text + "\n  they were paired within a tolerance (Etta) of " + PlainText(options.Tolerance_mm) +
+           " mm; --tolerance changes it";
+}
+
+int Calculate(const FitOptions& options, std::ostream& err) {
+    if (Job.nIdent < 2) return Refuse(err, kRefused, TooFewPairs(options));
+    Headless.Dialogs.clear();
+    if (!Dispatch([] { ButtonCalcErsatz(); })) {
+        WriteMessages(err);
+        return kRefused;
+    }
+    WriteMessages(err);
+    const int unknowns = CountUnknowns(Job.ParamText);
+    if (Calculation.Refused)
+        return Refuse(err, kRefused,
+                      std::to_string(ObservationsInUse()) + " observations in use, " +
+                          std::to_string(unknowns) + " unknowns: " +
+                          std::to_string(unknowns - ObservationsInUse()) + " more observations are needed");
+    if (!Calculation.Finite)
+        return Refuse(err, kRefused,
+                      "the result is not finite: the points do not determine these parameters");
+    if (!RotationIsHeld()) TakeNicerRotation();
+    return Calculation.Converged ? kDone : kNotConverged;
+}
+
+}  // namespace
+
+int RunFit(const FitOptions& options, std::ostream& out, std::ostream& err, bool colour, bool showProgress) {
+    if (options.Decimal) Headless.Decimal = options.Decimal;
+    AnswerQuestions(options);
+    if (showProgress) ShowProgress(err);
+    SetUp(options);
+    for (const std::string& path : {options.Start, options.Target})
+        if (!Dispatch([&path] { CheckReadable(path); }))
+            return Refuse(err, kUnreadable, Run.LastPlatformError);
+    const bool imported = Import(options);
+    if (showProgress && Headless.Yields > 0) err << "\r\x1b[K" << std::flush;
+    if (!imported) {
+        const std::string question = OpenQuestion();
+        WriteMessages(err);
+        if (!question.empty())
+            return Refuse(err, kUnreadable,
+                          "the import asks a question, and neither --yes nor --no was given:\n  " + question);
+        return Refuse(err, kUnreadable, "the points were not read");
+    }
+    WriteMessages(err);
+    const std::string wrong = SelectParameters(options);
+    if (!wrong.empty()) return Refuse(err, kWrongUsage, wrong);
+    const int status = Calculate(options, err);
+    if (showProgress) err << "\r\x1b[K" << std::flush;
+    if (status == kRefused) return status;
+    switch (options.Output) {
+        case FitOutput::Table:
+            WriteFitTable(options, out, colour);
+            break;
+        case FitOutput::Json:
+            WriteFitJson(options, out);
+            break;
+        case FitOutput::Csv:
+            WriteFitCsv(options, out);
+            break;
+    }
+    if (!out.flush()) return Refuse(err, kRefused, "the result could not be written to standard output");
+    return status;
+}

@@ -1,0 +1,11 @@
+// `corvinade-cli fit`: from two point files to a transformation.
+#pragma once
+
+#include <iosfwd>
+
+#include "cli/fit_options.h"
+
+// Runs the fit. The result goes to `out`, messages go to `err`. Gives the exit status.
+//   colour        the table may use colours
+//   showProgress  long work tells on `err` how far it is
+int RunFit(const FitOptions& options, std::ostream& out, std::ostream& err, bool colour, bool showProgress);

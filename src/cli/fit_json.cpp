@@ -1,0 +1,143 @@
+// The result of a fit as JSON: everything, with full precision. Lengths are mm and angles rad, as the
+// program holds them; what the user's units make of them stands beside it.
+#include <array>
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+#include "cli/fit_output.h"
+#include "cli/fit_selection.h"
+#include "core/controller.h"
+#include "core/job.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "core/units.h"
+#include "engine/adjustment.h"
+#include "engine/calculation.h"
+#include "engine/quaternion.h"
+#include "engine/transform.h"
+
+using nlohmann::ordered_json;
+
+namespace {
+
+// Counted up when a member goes or changes its meaning; new members leave it.
+constexpr int kSchemaVersion = 1;
+
+ordered_json Triple(const double (&values)[3]) {
+    return {values[0], values[1], values[2]};
+}
+
+ordered_json Rows(const Mat3& matrix) {
+    ordered_json rows = ordered_json::array();
+    for (int row = 1; row <= 3; ++row) rows.push_back({matrix(row, 1), matrix(row, 2), matrix(row, 3)});
+    return rows;
+}
+
+ordered_json Parameters() {
+    ordered_json list = ordered_json::array();
+    for (int k = 1; k <= kAngleZtoXY; ++k) {
+        const auto index = static_cast<std::size_t>(k);
+        const std::string& text = Job.ParamText[index];
+        const bool angle = (k >= kRotX && k <= kRotZ) || k >= kAngleXY;
+        const bool length = k <= kTraZ;
+        const double factor = angle ? Units.AngleFactor : length ? Units.LengthFactor : 1;
+        const double value = ParameterValue(Job, k);
+        ordered_json parameter = {{"name", HeldParameterName(k)},
+                                  {"state", text == kFloat     ? "float"
+                                            : text == kNotUsed ? "not used"
+                                                               : "held"},
+                                  {"value", value},
+                                  {"unit", angle    ? "rad"
+                                           : length ? "mm"
+                                                    : ""},
+                                  {"shown", value * factor},
+                                  {"shownUnit", angle    ? Job.AngleUnitName
+                                                : length ? Job.LengthUnitName
+                                                         : ""}};
+        if (text == kFloat) {
+            parameter["sigma"] = Calculation.Sigma[index];
+            parameter["significance"] = Calculation.Significance[index];
+        }
+        list.push_back(std::move(parameter));
+    }
+    return list;
+}
+
+ordered_json Transformation() {
+    const Mat3 m = FitMatrix();
+    ordered_json homogeneous = ordered_json::array();
+    const std::array<double, 3> t = {Job.TraX, Job.TraY, Job.TraZ};
+    for (int row = 1; row <= 3; ++row)
+        homogeneous.push_back({m(row, 1), m(row, 2), m(row, 3), t[static_cast<std::size_t>(row - 1)]});
+    homogeneous.push_back({0.0, 0.0, 0.0, 1.0});
+    Column q(9);
+    double a = 0;
+    double b = 0;
+    double c = 0;
+    MatrixToQuaternion(Chain.RotationMatrix, q, a, b, c);
+    return {
+        {"equation", "X = T + R*K*S*x"},
+        {"translation_mm", t},
+        {"rotation",
+         {{"order", "R = Rz(-c)*Ry(-b)*Rx(-a)"},
+          {"a_rad", Job.RotX},
+          {"b_rad", Job.RotY},
+          {"c_rad", Job.RotZ}}},
+        {"rotationMatrix", Rows(Chain.RotationMatrix)},
+        {"shearMatrix", Rows(Chain.ShearMatrix)},
+        {"scales", {Job.ScaleX, Job.ScaleY, Job.ScaleZ}},
+        {"matrix", homogeneous},
+        {"quaternion", {{"order", "w, x, y, z of R"}, {"w", q[1]}, {"x", q[2]}, {"y", q[3]}, {"z", q[4]}}}};
+}
+
+ordered_json Points() {
+    ordered_json list = ordered_json::array();
+    for (const FitPoint& point : FitPoints())
+        list.push_back({{"name", point.Name},
+                        {"start_mm", Triple(point.Start)},
+                        {"target_mm", Triple(point.Target)},
+                        {"transformed_mm", Triple(point.Transformed)},
+                        {"residual_mm", Triple(point.Deviation)},
+                        {"residual3D_mm", point.Deviation3D},
+                        {"used", {point.Used[0], point.Used[1], point.Used[2]}}});
+    return list;
+}
+
+// Points of one set without a partner, behind the pairs.
+template <class X, class Z>
+ordered_json Others(const std::vector<std::string>& names, const X& x, const X& y, const Z& z) {
+    ordered_json list = ordered_json::array();
+    for (std::size_t i = static_cast<std::size_t>(Job.nIdent) + 1; i < names.size(); ++i)
+        list.push_back({{"name", names[i]}, {"mm", {x[i].value_or(0), y[i].value_or(0), z[i]}}});
+    return list;
+}
+
+}  // namespace
+
+void WriteFitJson(const FitOptions& options, std::ostream& out) {
+    const auto& c = Calculation;
+    ordered_json root;
+    root["schema"] = "corvinade-fit";
+    root["schemaVersion"] = kSchemaVersion;
+    root["program"] = {{"name", "Corvinade"}, {"version", ProgramVersion()}};
+    root["input"] = {{"start", options.Start},           {"target", options.Target},
+                     {"match", options.Match},           {"parameters", options.Parameters},
+                     {"lengthUnit", Job.LengthUnitName}, {"angleUnit", Job.AngleUnitName}};
+    root["counts"] = {{"start", Job.nMCS},
+                      {"target", Job.nOCS},
+                      {"pairs", Job.nIdent},
+                      {"observations", ObservationsInUse()},
+                      {"unknowns", c.nFloat}};
+    root["converged"] = c.Converged;
+    root["iterations"] = Adjustment.Iterations;
+    root["norm"] = "l2";
+    root["parameters"] = Parameters();
+    root["transformation"] = Transformation();
+    root["quality"] = {{"s0_mm", c.s0},         {"sx_mm", c.sx},
+                       {"sy_mm", c.sy},         {"sz_mm", c.sz},
+                       {"sxyz_mm", c.SigmaXYZ}, {"note", "s0 = sqrt(vPv / (sum of weights - 1))"}};
+    root["points"] = Points();
+    root["startOnly"] = Others(Job.TMCS_Name, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z);
+    root["targetOnly"] = Others(Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
+    out << root.dump(2, ' ', false, ordered_json::error_handler_t::replace) << "\n";
+}

@@ -1,0 +1,34 @@
+// What `corvinade-cli fit` was asked for.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+enum class FitOutput { Table, Json, Csv };
+
+struct FitOptions {
+    std::string Start, Target;
+    std::string Match = "id";  // id, coordinate, distance
+    double Tolerance_mm = 0.8;
+    int OnlyFirst = 0;              // matching by distance looks at the first so many target points; 0 = all
+    std::string Parameters = "6";   // level, 6, 7, 9, 12
+    std::vector<std::string> Hold;  // "rotz=0"
+    std::vector<std::string> LeaveOut;  // "P7", "P9:z"
+    std::string LengthUnit = "millimeter", AngleUnit = "degree";
+    int LengthDigits = 3, AngleDigits = 4;
+    int ScaleDigits = 0;
+    std::optional<char> Decimal;
+    std::string Delimiter;
+    std::optional<bool> Questions;  // --yes or --no
+    FitOutput Output = FitOutput::Table;
+};
+
+// The program's exit status.
+enum ExitStatus : int {
+    kDone = 0,
+    kRefused = 1,
+    kWrongUsage = 2,
+    kUnreadable = 3,
+    kNotConverged = 4,
+};

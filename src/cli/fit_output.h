@@ -1,0 +1,29 @@
+// The result of a fit as a table for people, as JSON, and as CSV.
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include "cli/fit_options.h"
+#include "core/arrays.h"
+
+// Everything that the outputs say of one identical point; lengths in mm.
+struct FitPoint {
+    std::string Name;
+    double Start[3], Target[3], Transformed[3];
+    double Deviation[3];  // transformed minus target
+    double Deviation3D;
+    bool Used[3];
+};
+std::vector<FitPoint> FitPoints();
+
+// Coordinates that take part in the fit.
+int ObservationsInUse();
+
+// The matrix R K S of the present parameters, elements (1, 1) to (3, 3).
+Mat3 FitMatrix();
+
+void WriteFitTable(const FitOptions& options, std::ostream& out, bool colour);
+void WriteFitJson(const FitOptions& options, std::ostream& out);
+void WriteFitCsv(const FitOptions& options, std::ostream& out);

@@ -1,0 +1,45 @@
+// What the outputs of a fit say of each identical point.
+#include <algorithm>
+#include <cmath>
+
+#include "cli/fit_output.h"
+#include "core/job.h"
+#include "engine/matrix.h"
+#include "engine/transform.h"
+
+std::vector<FitPoint> FitPoints() {
+    std::vector<FitPoint> points;
+    points.reserve(static_cast<std::size_t>(Job.nIdent));
+    for (int i = 1; i <= Job.nIdent; ++i) {
+        const auto k = static_cast<std::size_t>(i);
+        FitPoint point;
+        point.Name = Job.MCS_Name[k];
+        const Vec3 start = StartPoint(i);
+        const Vec3 target = TargetPoint(i);
+        const Vec3 transformed(Job.TMCS_X[k].value_or(0), Job.TMCS_Y[k].value_or(0), Job.TMCS_Z[k]);
+        double squares = 0;
+        for (int axis = 0; axis < 3; ++axis) {
+            point.Start[axis] = start(axis + 1);
+            point.Target[axis] = target(axis + 1);
+            point.Transformed[axis] = transformed(axis + 1);
+            point.Deviation[axis] = transformed(axis + 1) - target(axis + 1);
+            point.Used[axis] = Job.UseFlags[3 * (k - 1) + static_cast<std::size_t>(axis) + 1] != 0;
+            squares += point.Deviation[axis] * point.Deviation[axis];
+        }
+        point.Deviation3D = std::sqrt(squares);
+        points.push_back(std::move(point));
+    }
+    return points;
+}
+
+int ObservationsInUse() {
+    return static_cast<int>(
+        std::count(Job.UseFlags.begin() + 1, Job.UseFlags.begin() + 1 + 3 * Job.nIdent, 1));
+}
+
+Mat3 FitMatrix() {
+    BuildRotationMatrix();
+    BuildShearMatrix();
+    BuildScaleMatrix();
+    return MatrixProduct(MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix), Chain.ScaleMatrix);
+}

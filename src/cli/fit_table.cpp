@@ -1,0 +1,179 @@
+// The result of a fit as a table for people.
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <ostream>
+
+#include "cli/fit_output.h"
+#include "cli/text_columns.h"
+#include "core/controller.h"
+#include "core/job.h"
+#include "core/numbers.h"
+#include "core/run.h"
+#include "core/units.h"
+#include "engine/adjustment.h"
+#include "engine/calculation.h"
+
+namespace {
+
+struct Style {
+    bool Colour;
+    std::string Heading(const std::string& text) const {
+        return Colour ? "\x1b[1m" + text + "\x1b[0m" : text;
+    }
+    std::string Alarm(const std::string& text) const { return Colour ? "\x1b[31m" + text + "\x1b[0m" : text; }
+    std::string Quiet(const std::string& text) const { return Colour ? "\x1b[2m" + text + "\x1b[0m" : text; }
+};
+
+// Longer names and paths are cut: a table is to be read, and the other outputs hold them whole.
+constexpr int kLongestName = 40;
+constexpr int kLongestPath = 200;
+
+// The label of a line of the head, up to where its text begins.
+std::string Label(const std::string& text) {
+    return TextColumns{{14}}.Line({text});
+}
+
+std::string Length(double value_mm) {
+    return FormatNumber(value_mm * Units.LengthFactor, Units.FmtLength);
+}
+
+enum class Kind { Length, Angle, Scale };
+struct Row {
+    int Parameter;
+    const char* Name;
+    Kind Is;
+};
+constexpr std::array<Row, 13> kRows = {{{kTraX, "Tra x", Kind::Length},
+                                        {kTraY, "Tra y", Kind::Length},
+                                        {kTraZ, "Tra z", Kind::Length},
+                                        {kRotX, "Rot x", Kind::Angle},
+                                        {kRotY, "Rot y", Kind::Angle},
+                                        {kRotZ, "Rot z", Kind::Angle},
+                                        {kScaleXYZ, "Scale xyz", Kind::Scale},
+                                        {kScaleX, "Scale x", Kind::Scale},
+                                        {kScaleY, "Scale y", Kind::Scale},
+                                        {kScaleZ, "Scale z", Kind::Scale},
+                                        {kAngleXY, "xy", Kind::Angle},
+                                        {kAzimuth, "Azimuth", Kind::Angle},
+                                        {kAngleZtoXY, "z to xy", Kind::Angle}}};
+
+std::string Shown(Kind kind, double value) {
+    if (kind == Kind::Length) return Length(value);
+    return kind == Kind::Angle ? WinkelFormat(value) : FormatNumber(value, Units.FmtScale);
+}
+
+std::string UnitOf(Kind kind) {
+    if (kind == Kind::Length) return Job.LengthUnitName;
+    return kind == Kind::Angle ? Job.AngleUnitName : "";
+}
+
+void WriteHead(const FitOptions& options, const Style& style, std::ostream& out) {
+    const auto& c = Calculation;
+    out << style.Heading("Corvinade " + ProgramVersion()) << "  least-squares 3D transformation\n\n";
+    out << Label("start") << ForTable(options.Start, kLongestPath) << "  (" << Job.nMCS << " points)\n";
+    out << Label("target") << ForTable(options.Target, kLongestPath) << "  (" << Job.nOCS << " points)\n";
+    out << Label("pairs") << Job.nIdent << " by " << options.Match;
+    if (Job.nMCSOnly > 0) out << ", " << Job.nMCSOnly << " only in start";
+    if (Job.nOCSOnly > 0) out << ", " << Job.nOCSOnly << " only in target";
+    out << "\n" << Label("observations") << ObservationsInUse() << " in use, " << c.nFloat << " unknowns\n";
+    out << Label("iterations") << Adjustment.Iterations;
+    if (!c.Converged) out << "  " << style.Alarm("convergence not reached");
+    out << "\n";
+}
+
+void WriteParameters(const Style& style, std::ostream& out) {
+    const std::vector<std::string> head = {"Parameter", "value", "sigma", "significance"};
+    const auto cells = [](const Row& row) -> std::vector<std::string> {
+        const auto index = static_cast<std::size_t>(row.Parameter);
+        const bool isFloat = Job.ParamText[index] == kFloat;
+        return {row.Name, Shown(row.Is, ParameterValue(Job, row.Parameter)),
+                isFloat ? Shown(row.Is, Calculation.Sigma[index]) : "-",
+                isFloat ? FormatNumber(Calculation.Significance[index], "0.0") : "held"};
+    };
+    const auto isUsed = [](const Row& row) {
+        return Job.ParamText[static_cast<std::size_t>(row.Parameter)] != kNotUsed;
+    };
+    TextColumns columns{{12, 16, 12, 12}};
+    for (const Row& row : kRows)
+        if (isUsed(row)) columns.MakeRoom(cells(row));
+    out << "\n" << style.Heading(columns.Line(head)) << "  unit\n";
+    for (const Row& row : kRows)
+        if (isUsed(row)) out << columns.Line(cells(row)) << "  " << style.Quiet(UnitOf(row.Is)) << "\n";
+}
+
+void WriteQuality(const Style& style, std::ostream& out) {
+    const auto& c = Calculation;
+    const std::vector<std::string> mean = {"mean error", Length(c.sx), Length(c.sy), Length(c.sz),
+                                           Length(c.SigmaXYZ)};
+    const std::vector<std::string> s0 = {"s0", Length(c.s0)};
+    TextColumns columns{{12, 10, 10, 10, 10}};
+    columns.MakeRoom(mean);
+    columns.MakeRoom(s0);
+    out << "\n"
+        << style.Heading(columns.Line({"Quality", "x", "y", "z", "xyz"})) << "  "
+        << style.Quiet(Job.LengthUnitName) << "\n";
+    out << columns.Line(mean) << "\n" << columns.Line(s0) << "\n";
+}
+
+void WriteDeviations(const Style& style, std::ostream& out) {
+    const std::vector<FitPoint> points = FitPoints();
+    const auto cells = [](const FitPoint& point) {
+        std::vector<std::string> texts = {ForTable(point.Name, kLongestName)};
+        for (int axis = 0; axis < 3; ++axis) {
+            // A coordinate that takes no part stands in brackets.
+            const std::string value = Length(point.Deviation[axis]);
+            texts.push_back(point.Used[axis] ? value : "(" + value + ")");
+        }
+        texts.push_back(Length(point.Deviation3D));
+        return texts;
+    };
+    TextColumns columns{{12, 10, 10, 10, 10}};
+    bool leftOut = false;
+    for (const FitPoint& point : points) {
+        columns.MakeRoom(cells(point));
+        leftOut |= !point.Used[0] || !point.Used[1] || !point.Used[2];
+    }
+    const auto largest =
+        std::max_element(points.begin(), points.end(),
+                         [](const FitPoint& a, const FitPoint& b) { return a.Deviation3D < b.Deviation3D; });
+    out << "\n"
+        << style.Heading(columns.Line({"Deviation", "dx", "dy", "dz", "3D"})) << "  "
+        << style.Quiet(Job.LengthUnitName + ", transformed start minus target") << "\n";
+    for (auto point = points.begin(); point != points.end(); ++point) {
+        const std::string line = columns.Line(cells(*point));
+        out << (point == largest ? style.Alarm(line + "  <- largest") : line) << "\n";
+    }
+    if (leftOut) out << style.Quiet("(in brackets: not used in the fit)") << "\n";
+}
+
+}  // namespace
+
+void WriteFitTable(const FitOptions& options, std::ostream& out, bool colour) {
+    const Style style{colour};
+    WriteHead(options, style, out);
+    WriteParameters(style, out);
+    WriteQuality(style, out);
+    WriteDeviations(style, out);
+}
+
+void WriteFitCsv(const FitOptions&, std::ostream& out) {
+    // Names may hold the delimiter or quotes, so they are quoted where needed, as spreadsheets read it.
+    const auto quoted = [](const std::string& text) {
+        if (text.find_first_of(";\"\r\n") == std::string::npos) return text;
+        std::string result = "\"";
+        for (const char c : text) result += c == '"' ? std::string("\"\"") : std::string(1, c);
+        return result + "\"";
+    };
+    const auto number = [](double value_mm) { return PlainText(value_mm * Units.LengthFactor); };
+    out << "name;start_x;start_y;start_z;target_x;target_y;target_z;transformed_x;transformed_y;transformed_z;"
+           "dx;dy;dz;d3;use_x;use_y;use_z\r\n";
+    for (const FitPoint& point : FitPoints()) {
+        out << quoted(point.Name);
+        for (const auto* triple : {point.Start, point.Target, point.Transformed, point.Deviation})
+            for (int axis = 0; axis < 3; ++axis) out << ';' << number(triple[axis]);
+        out << ';' << number(point.Deviation3D);
+        for (const bool used : point.Used) out << ';' << (used ? 1 : 0);
+        out << "\r\n";
+    }
+}

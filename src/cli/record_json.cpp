@@ -1,0 +1,202 @@
+// Records of the job and of the program run as JSON, and back.
+#include "cli/record_json.h"
+
+#include <cmath>
+#include <limits>
+#include <nlohmann/json.hpp>
+
+#include "core/job.h"
+
+using nlohmann::json;
+
+namespace {
+
+json FlagToJson(const FlagRecord& flag) {
+    json object = json::object();
+    for (const FlagField& field : FlagFields())
+        std::visit([&](auto place) { object[field.Name] = flag.*place; }, field.Place);
+    return object;
+}
+
+json FieldToJson(const std::vector<FlagRecord>& flags) {
+    json list = json::array();
+    for (const FlagRecord& flag : flags) list.push_back(FlagToJson(flag));
+    return list;
+}
+json FieldToJson(const Mat3& matrix) {
+    json rows = json::array();
+    for (int row = 0; row <= 3; ++row) {
+        json values = json::array();
+        for (int column = 0; column <= 3; ++column) values.push_back(matrix(row, column));
+        rows.push_back(values);
+    }
+    return rows;
+}
+template <class Value>
+json FieldToJson(const Value& value) {
+    return value;
+}
+
+json ViewToJson(const ScreenRecord& view) {
+    json object = json::object();
+    for (const ScreenField& field : ScreenFields())
+        std::visit([&](auto place) { object[field.Name] = FieldToJson(view.*place); }, field.Place);
+    return object;
+}
+
+struct ToJson {
+    template <class Value>
+    json operator()(Value* value) const {
+        return *value;
+    }
+    json operator()(std::vector<TaggedValue>* values) const {
+        json list = json::array();
+        for (const TaggedValue& value : *values) list.push_back(value ? json(*value) : json());
+        return list;
+    }
+    json operator()(Matrix* matrix) const {
+        json rows = json::array();
+        for (int row = 0; row <= matrix->Rows; ++row) {
+            json values = json::array();
+            for (int column = 0; column <= matrix->Columns; ++column)
+                values.push_back((*matrix)(row, column));
+            rows.push_back(std::move(values));
+        }
+        return rows;
+    }
+    json operator()(const ViewRow& views) const {
+        json list = json::array();
+        for (int i = 0; i < views.Count; ++i) list.push_back(ViewToJson(views.First[i]));
+        return list;
+    }
+    template <class Row>
+    json operator()(const Row& row) const requires requires {
+        row.Count;
+    }
+    {
+        json list = json::array();
+        for (int i = 0; i < row.Count; ++i) list.push_back(row.First[i]);
+        return list;
+    }
+};
+
+// Each conversion gives "" or what is wrong. Nothing is written before all of a value has been checked.
+template <class Whole>
+std::string TakeWhole(const json& value, Whole& out) {
+    if (!value.is_number_integer()) return "a whole number is expected";
+    const bool tooLarge =
+        value.is_number_unsigned() &&
+        value.get<std::uint64_t>() > static_cast<std::uint64_t>(std::numeric_limits<Whole>::max());
+    const auto number = tooLarge ? 0 : value.get<std::int64_t>();
+    if (tooLarge || number < std::numeric_limits<Whole>::min() || number > std::numeric_limits<Whole>::max())
+        return "the number is out of range";
+    out = static_cast<Whole>(number);
+    return "";
+}
+std::string Take(const json& value, std::int16_t& out) {
+    return TakeWhole(value, out);
+}
+std::string Take(const json& value, std::int32_t& out) {
+    return TakeWhole(value, out);
+}
+std::string Take(const json& value, double& out) {
+    if (!value.is_number()) return "a number is expected";
+    out = value.get<double>();
+    return "";
+}
+std::string Take(const json& value, float& out) {
+    double number = 0;
+    const std::string wrong = Take(value, number);
+    if (!wrong.empty()) return wrong;
+    if (std::fabs(number) > std::numeric_limits<float>::max()) return "the number is out of range";
+    out = static_cast<float>(number);
+    return "";
+}
+std::string Take(const json& value, std::string& out) {
+    if (!value.is_string()) return "a text is expected";
+    out = value.get<std::string>();
+    return "";
+}
+std::string Take(const json& value, TaggedValue& out) {
+    if (value.is_null()) {
+        out.reset();
+        return "";
+    }
+    double number = 0;
+    const std::string wrong = Take(value, number);
+    if (wrong.empty()) out = number;
+    return wrong;
+}
+
+template <class Element>
+std::string TakeList(const json& value, std::vector<Element>& out) {
+    if (!value.is_array()) return "an array is expected";
+    std::vector<Element> list(value.size());
+    for (std::size_t i = 0; i < value.size(); ++i) {
+        const std::string wrong = Take(value[i], list[i]);
+        if (!wrong.empty()) return "element " + std::to_string(i) + ": " + wrong;
+    }
+    out = std::move(list);
+    return "";
+}
+
+template <class Element>
+std::string TakeRow(const json& value, Element* first, int count) {
+    std::vector<Element> list;
+    const std::string wrong = TakeList(value, list);
+    if (!wrong.empty()) return wrong;
+    if (static_cast<int>(list.size()) != count) return std::to_string(count) + " elements are expected";
+    std::move(list.begin(), list.end(), first);
+    return "";
+}
+
+struct FromJson {
+    const json& Value;
+
+    template <class Plain>
+    std::string operator()(Plain* out) const {
+        return Take(Value, *out);
+    }
+    template <class Element>
+    std::string operator()(std::vector<Element>* out) const {
+        return TakeList(Value, *out);
+    }
+    std::string operator()(Matrix* out) const {
+        if (!Value.is_array()) return "an array of rows is expected";
+        if (Value.empty()) {
+            *out = Matrix{};
+            return "";
+        }
+        if (!Value[0].is_array() || Value[0].empty()) return "row 0: an array is expected";
+        Matrix matrix(static_cast<int>(Value.size()) - 1, static_cast<int>(Value[0].size()) - 1);
+        for (int row = 0; row <= matrix.Rows; ++row) {
+            const std::string wrong =
+                TakeRow(Value[static_cast<std::size_t>(row)], matrix.Row(row), matrix.Columns + 1);
+            if (!wrong.empty()) return "row " + std::to_string(row) + ": " + wrong;
+        }
+        *out = std::move(matrix);
+        return "";
+    }
+    std::string operator()(const TextRow& row) const { return TakeRow(Value, row.First, row.Count); }
+    std::string operator()(const NumberRow16& row) const { return TakeRow(Value, row.First, row.Count); }
+    std::string operator()(const NumberRow& row) const { return TakeRow(Value, row.First, row.Count); }
+    std::string operator()(const ViewRow&) const { return "this record can only be read"; }
+};
+
+}  // namespace
+
+json RecordToJson(const RecordEntry& record) {
+    return std::visit(ToJson{}, record.Place);
+}
+
+std::string RecordFromJson(const RecordEntry& record, const json& value) {
+    const bool fitBefore = JobCountsFit(Job);
+    const json before = RecordToJson(record);
+    const std::string wrong = std::visit(FromJson{value}, record.Place);
+    if (!wrong.empty()) return wrong;
+    if (fitBefore && !JobCountsFit(Job)) {
+        std::visit(FromJson{before}, record.Place);
+        return "counts and arrays of the job would no longer fit each other";
+    }
+    return "";
+}

@@ -1,0 +1,225 @@
+// The least-squares adjustment.
+#include "engine/adjustment.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+#include "core/controller.h"
+#include "core/job.h"
+#include "core/numbers.h"
+#include "core/platform.h"
+#include "core/require.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "core/text.h"
+#include "core/units.h"
+#include "engine/angles.h"
+#include "engine/design.h"
+#include "engine/normal_equations.h"
+#include "engine/selection.h"
+#include "engine/start_values.h"
+
+namespace {
+
+using ParameterTexts = std::array<std::string, 18>;
+
+std::size_t At(int i) {
+    return static_cast<std::size_t>(i);
+}
+
+// The poses' angles were read in the unit that was set when the file was read.
+void WarnOfAngleUnits() {
+    if (!Selection.CheckUseABC || Job.AngleUnitName == "degree" || Adjustment.AngleUnitsConfirmed) return;
+    const std::string text =
+        std::string("Unit of Angels in Nominal InputFile must be the SAME as in your program Settings") +
+        kLineEnd + "Be sure [actual ProgramSetting is " + Job.AngleUnitName +
+        "] is the unit of Angles in Nominal File!" + kLineEnd + "Cancel = Don't show this Dialog again ";
+    if (AskMessage(text, "Attention Angle UNITs", {"OK", "Cancel"}) == "Cancel")
+        Adjustment.AngleUnitsConfirmed = true;
+}
+
+// In the distance model a point has one equation, whose weight is that of its Z coordinate.
+void PackWeights(Column& P) {
+    for (int i = 1; i <= Job.nIdent; ++i) P[At(3 * i - 2)] = P[At(3 * i - 1)] = P[At(3 * i)];
+}
+
+// The orientation of the poses is gathered wherever the tool model may turn out to hold.
+bool PosesMayCount() {
+    return Selection.CheckUseABC || !Selection.RDistShown;
+}
+
+struct LargestCorrection {
+    double Size = 0;
+    int Unknown = 1;
+};
+
+LargestCorrection FindLargest(const Column& x, int u) {
+    LargestCorrection largest;
+    for (int i = 1; i <= u; ++i)
+        if (std::fabs(x[At(i)]) > largest.Size) largest = {std::fabs(x[At(i)]), i};
+    return largest;
+}
+
+bool AllFinite(const Column& x, int u) {
+    return std::all_of(x.begin() + 1, x.begin() + 1 + u, [](double value) { return std::isfinite(value); });
+}
+
+// The library's circle is short by 2e-10 rad, so an angle at half a turn that is wrapped is moved. Seen
+// from the origin of a hall that is more than a converged fit may still change, and the next pass would
+// wrap it back: there it is left as it is.
+double WrappedInFit(double angle) {
+    constexpr double kAtHalfTurn = 1e-9;
+    return std::fabs(std::fabs(angle) - kPi) < kAtHalfTurn ? angle : WrapAngle(angle);
+}
+
+// Adds the corrections to the parameters in the order of their indices.
+void Update(const FitModel& model, const Column& x) {
+    for (int parameter = kTraX; parameter < kParameterEnd; ++parameter) {
+        const int unknown = model.UnknownOf[At(parameter)];
+        if (unknown == 0) continue;
+        double& value = ParameterValue(Job, parameter);
+        value += x[At(unknown)];
+        const bool angle =
+            (parameter >= kRotX && parameter <= kRotZ) || (parameter >= kAngleXY && parameter <= kAngleZtoXY);
+        if (angle) value = WrappedInFit(value);
+        if (parameter == kScaleXYZ) Job.ScaleX = Job.ScaleY = Job.ScaleZ = value;
+    }
+}
+
+// The corrections of all passes as text, which the clipboard shows while the iteration runs.
+struct CorrectionTrace {
+    bool Kept = Selection.CheckRDist;
+    std::string Text;
+
+    void Add(const Column& x, int u) {
+        if (Kept) {
+            for (int i = 1; i <= u; ++i) Text += PlainText(x[At(i)]) + "\t";
+            Text += kLineEnd;
+        }
+        if (!SetClipboardText(Text)) ShowMessage(kClipboardRefused);
+    }
+};
+
+// What panels 3 to 5 show. The numbers are kept, and made text only where somebody can read them: when
+// events are served and when the run is over.
+struct ConvergenceStatus {
+    bool Known = false;
+    double Ratio = 0, Largest = 0;
+    int Unknown = 1;
+
+    void Show() const {
+        if (!Known) return;
+        SetStatus(3, "Convergence Ratio: " + FormatNumber(Ratio, Units.FmtLength));
+        SetStatus(4, "on VarNumber: " + std::to_string(Unknown));
+        SetStatus(5, "delta x(i): " + PlainText(Largest));
+    }
+};
+
+// The state of one run.
+struct AdjustmentRun {
+    const GatheredPoints& Points;
+    const FitModel& Model;
+    std::uint64_t JobGeneration = Run.JobGeneration;
+    Linearisation At;  // of the last pass
+    Matrix N, Q;       // of the centred unknowns
+    Column w, centred, x;
+    std::unique_ptr<NormalSums> Sums = std::make_unique<NormalSums>();
+    CorrectionTrace Trace;
+    ConvergenceStatus Status;
+
+    AdjustmentRun(const GatheredPoints& points, const FitModel& model)
+        : Points(points),
+          Model(model),
+          N(model.Unknowns, model.Unknowns),
+          Q(model.Unknowns, model.Unknowns),
+          w(static_cast<std::size_t>(model.Unknowns) + 1),
+          centred(w.size()),
+          x(w.size()) {}
+
+    // One linearisation and solution. False when the job's points were replaced meanwhile.
+    bool Pass() {
+        Status.Show();
+        SetStatus(2, "... calculating Matrix for LeastSquare calc...");
+        YieldToEvents();
+        if (Run.JobGeneration != JobGeneration) return false;
+        At = Linearise(Model, Points);
+        SetStatus(2, "... start of Least Square calc...");
+        SumNormalEquations(Points, Model, At, *Sums);
+        NormalEquations(Model, At, *Sums, N, w);
+        SolveNormalEquations(N, w, Model.Unknowns, Adjustment.Iterations, Q, centred);
+        x = centred;
+        FromCentre(Model, At, x);
+        Trace.Add(x, Model.Unknowns);
+        Update(Model, x);
+        return true;
+    }
+};
+
+// Passes until an end is reached. False when the job's points were replaced meanwhile.
+bool Iterate(AdjustmentRun& run) {
+    const double eps = Settings.BestFit_Etta == 0 ? 1e-9 : Settings.BestFit_Etta;
+    const int u = run.Model.Unknowns;
+    LargestCorrection previous;
+    for (;;) {
+        if (!run.Pass()) return false;
+        const LargestCorrection largest = FindLargest(run.x, u);
+        Adjustment.Finite = AllFinite(run.x, u);
+        ++Adjustment.Iterations;
+        if (Adjustment.Iterations > 1 && u > 0)
+            run.Status = {true, previous.Size / (eps + run.x[At(previous.Unknown)]), previous.Size,
+                          previous.Unknown};
+        previous = largest;
+        if (!Adjustment.Finite) {
+            // What is no number stays so in every pass behind, up to the limit.
+            Adjustment.Iterations = std::max(Adjustment.Iterations, Settings.MaxIteration + 1);
+            return true;
+        }
+        if (largest.Size < eps) {
+            Adjustment.Converged = true;
+            return true;
+        }
+        if (Adjustment.Iterations > Settings.MaxIteration || IsTrue(Run.StopRequested)) return true;
+    }
+}
+
+}  // namespace
+
+void BestFitIteration(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Column& v, Column& P) {
+    const std::uint64_t generation = Run.JobGeneration;
+    WarnOfAngleUnits();
+    if (Run.JobGeneration != generation) {
+        Adjustment.JobChanged = true;
+        return;
+    }
+    GatheredPoints points;
+    GatherPoints(P, PosesMayCount(), points);
+    BestFitIteration(u, n, ParamText, Q, v, P, points);
+}
+
+void BestFitIteration(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Column& v, Column& P,
+                      GatheredPoints& points) {
+    Require(n == 3 * Job.nIdent && points.Count == Job.nIdent && UpperBound(P) >= n);
+    Require(u == CountUnknowns(ParamText));
+    const bool confirmed = Adjustment.AngleUnitsConfirmed;
+    Adjustment = AdjustmentRecord{};
+    Adjustment.AngleUnitsConfirmed = confirmed;
+    TakeStartValues(ParamText);
+    const FitModel model = Adjustment.Model = ChooseModel(ParamText);
+    if (model.Mode == FitMode::Distance) PackWeights(P);
+    SetWeights(P, points);
+
+    AdjustmentRun run(points, model);
+    if (!Iterate(run)) {
+        Adjustment.JobChanged = true;
+        return;
+    }
+    run.Status.Show();
+    v.resize(At(n) + 1);
+    Residuals(points, model, run.At, run.centred, v);
+    Q = run.Q;
+    FromCentre(model, run.At, Q);
+    if (Adjustment.Iterations > Settings.MaxIteration)
+        ShowMessage("Calculation stopped after " + PlainText(Settings.MaxIteration) +
+                    " Iterations, Convergence not reached yet!");
+}

@@ -1,0 +1,46 @@
+// The least-squares adjustment: finds the float parameters of the transformation from the identical
+// points by a Gauss-Newton iteration with analytic derivatives.
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "core/arrays.h"
+#include "engine/design.h"
+#include "engine/gathered_points.h"
+
+// How the last run of the adjustment went, and what outlives a run.
+struct AdjustmentRecord {
+    int Iterations = 0;       // passes so far, shown in the status bar
+    bool Converged = false;   // the largest correction fell below the threshold
+    bool Finite = true;       // no parameter has become infinite or undefined
+    bool JobChanged = false;  // the points were replaced while events were served: nothing was written
+    FitModel Model;           // of this run; the choice may change while events are served
+    bool AngleUnitsConfirmed = false;  // the user wants no more warnings of the poses' angle unit
+};
+inline AdjustmentRecord Adjustment;
+
+// The whole adjustment, from the start values on.
+//   u          number of unknowns, CountUnknowns(ParamText)
+//   n          observations, 3 Job.nIdent
+//   ParamText  state of parameters 1 to 17
+//   Q          out, u by u: inverse of the normal matrix
+//   v          out, n: residuals, transformed minus target, mm. In the distance model row i belongs to
+//              pair i and the rows behind Job.nIdent are 0
+//   P          n weights, 0 = takes no part. The distance model sets all three of a point to that of its Z
+// Leaves the result in the job's parameters, after every kind of end: converged, limit reached (with a
+// message) or stopped by the user. A singular normal matrix gives huge values and no failure. Corrections
+// that are no numbers end the run as the limit does, since all passes behind would be the same. When
+// the points are replaced while events are served, the run ends without writing anything more.
+// Reads Settings.MaxIteration and BestFit_Etta, Selection; writes Adjustment and the status bar.
+void BestFitIteration(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q, Column& v,
+                      Column& P);
+
+// The same for points that are gathered already, for runs that repeat it with other weights or noise.
+// `points` must have been gathered with the poses when the tool model holds.
+void BestFitIteration(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q, Column& v,
+                      Column& P, GatheredPoints& points);
+
+// Quality of a finished fit. s0 divides by the sum of the weights less one, not by n - u: that is the
+// form that the reports are calibrated on. sx, sy, sz the same for each axis alone.
+void Statistics(const Column& v, const Column& P, int n, double& s0, double& sx, double& sy, double& sz);

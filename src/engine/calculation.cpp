@@ -1,0 +1,120 @@
+// One calculation of the job in the L2 norm.
+#include "engine/calculation.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "core/controller.h"
+#include "core/job.h"
+#include "core/platform.h"
+#include "core/run.h"
+#include "engine/adjustment.h"
+#include "engine/design.h"
+#include "engine/selection.h"
+#include "engine/transform.h"
+#include "engine/vector.h"
+
+namespace {
+
+std::size_t At(int i) {
+    return static_cast<std::size_t>(i);
+}
+
+// The weights a calculation begins with. Pairs that have no flags yet take part.
+Column WeightsFromUseFlags(int n) {
+    Column P(At(n) + 1, 1);
+    P[0] = 0;
+    for (std::size_t i = 1; i < std::min(P.size(), Job.UseFlags.size()); ++i) P[i] = Job.UseFlags[i];
+    return P;
+}
+
+void FillStatistics(const FitModel& model) {
+    Statistics(Calculation.v, Calculation.P, Calculation.nObs, Calculation.s0, Calculation.sx, Calculation.sy,
+               Calculation.sz);
+    Calculation.SigmaXYZ = std::sqrt(Calculation.sx * Calculation.sx + Calculation.sy * Calculation.sy +
+                                     Calculation.sz * Calculation.sz);
+    Calculation.Sigma.fill(0);
+    Calculation.Significance.fill(0);
+    for (int parameter = kTraX; parameter < kParameterEnd; ++parameter) {
+        const int j = model.UnknownOf[At(parameter)];
+        if (j == 0) continue;
+        const double sigma = std::sqrt(std::fabs(Calculation.Q(j, j))) * Calculation.s0;
+        Calculation.Sigma[At(parameter)] = sigma;
+        Calculation.Significance[At(parameter)] = std::fabs(ParameterValue(Job, parameter) / (sigma + 1e-9));
+    }
+}
+
+bool ParametersAreFinite() {
+    for (int parameter = kTraX; parameter < kParameterEnd; ++parameter)
+        if (!std::isfinite(ParameterValue(Job, parameter))) return false;
+    return true;
+}
+
+}  // namespace
+
+void TransformAllPoints(const Column* v) {
+    const auto put = [](int i, double X, double Y, double Z) {
+        Job.TMCS_X[At(i)] = X;
+        Job.TMCS_Y[At(i)] = Y;
+        Job.TMCS_Z[At(i)] = Z;
+    };
+    const std::size_t size = At(Job.nMCS) + 1;
+    if (Job.TMCS_Name.size() < size) Job.TMCS_Name = Job.MCS_Name;
+    if (Job.TMCS_X.size() < size) Job.TMCS_X.resize(size);
+    if (Job.TMCS_Y.size() < size) Job.TMCS_Y.resize(size);
+    if (Job.TMCS_Z.size() < size) Job.TMCS_Z.resize(size);
+    int i = 1;
+    if (v != nullptr)
+        for (; i <= Job.nIdent; ++i) {
+            const Vec3 q = TargetPoint(i);
+            const std::size_t row = At(3 * (i - 1));
+            put(i, q(1) + (*v)[row + 1], q(2) + (*v)[row + 2], q(3) + (*v)[row + 3]);
+        }
+    for (; i <= Job.nMCS; ++i) {
+        const Vec3 p = StartPoint(i);
+        Vec3 image;
+        TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
+        put(i, image(1), image(2), image(3));
+    }
+}
+
+void ButtonCalcErsatz() {
+    const std::uint64_t generation = Run.JobGeneration;
+    YieldToEvents();
+    if (Run.JobGeneration != generation) return;
+    const bool useABC = Selection.CheckUseABC;
+    if (useABC && Selection.CheckRDist)
+        ShowMessage("bigbug here in the CODE, you can never use R_Dist AND UseABC");
+
+    const int u = CountUnknowns(Job.ParamText);
+    const int n = 3 * Job.nIdent;
+    Column P = WeightsFromUseFlags(n);
+    double W = std::accumulate(P.begin(), P.end(), 0.0);
+    if (Selection.CheckRDist && !useABC) W /= 3;
+    Calculation.Refused = W < u;
+    if (Calculation.Refused) {
+        ShowMessage("This is not a redundant calculation");
+        return;
+    }
+
+    Calculation.nFloat = u;
+    Calculation.nObs = n;
+    Calculation.P = std::move(P);
+    BestFitIteration(u, n, Job.ParamText, Calculation.Q, Calculation.v, Calculation.P);
+    if (Adjustment.JobChanged) return;
+    Calculation.Converged = Adjustment.Converged;
+    Calculation.Finite = ParametersAreFinite();
+    Job.RotXCopy = Job.RotX;
+    Job.RotYCopy = Job.RotY;
+    Job.RotZCopy = Job.RotZ;
+    const FitModel& model = Adjustment.Model;
+    FillStatistics(model);
+    if (useABC) Job.RDist = Hypot3(Job.Rvec_x, Job.Rvec_y, Job.Rvec_z);
+
+    // In the distance and the tool model a residual is not the way to the target point.
+    if (Calculation.Finite) TransformAllPoints(model.Mode == FitMode::Coincide ? &Calculation.v : nullptr);
+    Run.TrafoValid = ToFlag(Calculation.Finite);
+    Run.JobDirty = kTrue;
+    ProgrammLogik();
+}

@@ -1,0 +1,29 @@
+// The engine's records by name.
+#include "engine/engine_records.h"
+
+#include "engine/adjustment.h"
+#include "engine/calculation.h"
+
+namespace {
+
+const RecordEntry kRecords[] = {
+    {"nFloat", &Calculation.nFloat, Storage::Run},
+    {"nObs", &Calculation.nObs, Storage::Run},
+    {"Q", &Calculation.Q, Storage::Run},
+    {"v", &Calculation.v, Storage::Run},
+    {"P", &Calculation.P, Storage::Run},
+    {"s0", &Calculation.s0, Storage::Run},
+    {"sx", &Calculation.sx, Storage::Run},
+    {"sy", &Calculation.sy, Storage::Run},
+    {"sz", &Calculation.sz, Storage::Run},
+    {"SigmaXYZ", &Calculation.SigmaXYZ, Storage::Run},
+    {"Sigma", NumberRow{Calculation.Sigma.data(), 18}, Storage::Run},
+    {"Significance", NumberRow{Calculation.Significance.data(), 18}, Storage::Run},
+    {"Iterations", &Adjustment.Iterations, Storage::Run},
+};
+
+}  // namespace
+
+std::span<const RecordEntry> EngineRecords() {
+    return kRecords;
+}

@@ -1,0 +1,6 @@
+// The engine's records by name.
+#pragma once
+
+#include "core/records.h"
+
+std::span<const RecordEntry> EngineRecords();

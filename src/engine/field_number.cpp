@@ -1,0 +1,24 @@
+// Numbers that the user types into the fields of the calculation window.
+#include "engine/field_number.h"
+
+#include "core/job.h"
+#include "core/numbers.h"
+#include "core/units.h"
+
+double FieldNumber(const std::string& text) {
+    double value = 0;
+    return TextToNumber(text, value) ? value : Val(text);
+}
+
+bool IsHeldValue(const std::string& text) {
+    return text != kFloat && text != kNotUsed;
+}
+
+double ParameterFromText(int parameter, const std::string& text) {
+    const bool length = parameter >= kTraX && parameter <= kTraZ;
+    const bool angle =
+        (parameter >= kRotX && parameter <= kRotZ) || (parameter >= kAngleXY && parameter <= kAngleZtoXY);
+    if (length) return FieldNumber(text) / Units.LengthFactor;
+    if (angle) return FieldNumber(SaveWinkelZurück(text)) / Units.AngleFactor;
+    return FieldNumber(text);
+}

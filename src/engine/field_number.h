@@ -1,0 +1,16 @@
+// Numbers that the user types into the fields of the calculation window.
+#pragma once
+
+#include <string>
+
+// The number of a field's text, as tolerant as a field has to be: with the system's decimal delimiter,
+// else the number with "." that the text begins with, else 0.
+double FieldNumber(const std::string& text);
+
+// True for a text that is the value of a held parameter, neither "float" nor "not used".
+bool IsHeldValue(const std::string& text);
+
+// The value of a field in internal units: lengths (parameters 1 to 3) divided by the length factor,
+// angles (4 to 6, 11 to 13, also as degree minute second) by the angle factor, everything else as it
+// stands. Throws PlatformError for degree minute second with a field that is no number.
+double ParameterFromText(int parameter, const std::string& text);

@@ -1,0 +1,154 @@
+// The normal equations of a fit and their solution.
+#include "engine/normal_equations.h"
+
+#include <cmath>
+
+#include "core/controller.h"
+#include "engine/matrix.h"
+
+namespace {
+
+std::size_t At(int i) {
+    return static_cast<std::size_t>(i);
+}
+
+int EquationsOfPoint(const FitModel& model) {
+    return model.Mode == FitMode::Distance ? 1 : 3;
+}
+
+int TranslationUnknown(const FitModel& model, int axis) {
+    return model.UnknownOf[At(kTraX + axis - 1)];
+}
+
+}  // namespace
+
+BlockLayout LayoutOf(const FitModel& model, const Linearisation& at, int axis) {
+    BlockLayout layout;
+    const auto add = [&layout](int unknown) { layout.Unknown[At(layout.Columns++)] = unknown; };
+    for (int k = 0; k < at.InnerCount; ++k) add(at.Inner[At(k)].Unknown);
+    if (model.Mode == FitMode::Distance) {
+        for (int any = 1; any <= 3; ++any)
+            if (at.AxisFloats[At(any)]) add(TranslationUnknown(model, any));
+        if (model.UnknownOf[kRDist] != 0) add(model.UnknownOf[kRDist]);
+    } else {
+        if (model.Mode == FitMode::Tool && model.ToolFloats)
+            for (int j = 0; j < 3; ++j) add(model.UnknownOf[At(kRvecX + j)]);
+        if (at.AxisFloats[At(axis)]) add(TranslationUnknown(model, axis));
+    }
+    add(0);
+    return layout;
+}
+
+void NormalEquations(const FitModel& model, const Linearisation& at, NormalSums& sums, Matrix& N, Column& w) {
+    const int u = model.Unknowns;
+    for (int i = 1; i <= u; ++i) {
+        w[At(i)] = 0;
+        for (int j = 1; j <= u; ++j) N(i, j) = 0;
+    }
+    for (int axis = 1; axis <= EquationsOfPoint(model); ++axis) {
+        const BlockLayout layout = LayoutOf(model, at, axis);
+        const int observation = layout.Columns - 1;
+        for (int i = 0; i < observation; ++i) {
+            const int row = layout.Unknown[At(i)];
+            w[At(row)] += SumOfLanes(sums.Place(axis, i, observation));
+            for (int j = i; j < observation; ++j) {
+                const int column = layout.Unknown[At(j)];
+                const double sum = SumOfLanes(sums.Place(axis, i, j));
+                N(row, column) += sum;
+                if (row != column) N(column, row) += sum;
+            }
+        }
+    }
+}
+
+void SolveNormalEquations(const Matrix& N, const Column& w, int u, int iterations, Matrix& Q, Column& x) {
+    SetStatus(1, "Iteration " + std::to_string(iterations));
+    // The products of the rows are in N and w already, summed block by block.
+    SetStatus(2, "calculating A transposed...");
+    SetStatus(2, "calculating At * P... ");
+    SetStatus(2, "calculating At * P * A... ");
+    SetStatus(2, "doing Matrix inversion...");
+    MatrixInverse(N, u, u, Q);
+    SetStatus(2, "calculating At * P * l... ");
+    SetStatus(2, "calculating Resultsvector... ");
+    MatrixMultiply(Q, u, u, w, 1, x);
+    SetStatus(2, "calculating corrections... ");
+}
+
+void FromCentre(const FitModel& model, const Linearisation& at, Column& x) {
+    for (int axis = 1; axis <= 3; ++axis) {
+        const int unknown = TranslationUnknown(model, axis);
+        if (unknown == 0) continue;
+        for (int k = 0; k < at.InnerCount; ++k) {
+            const InnerDerivative& inner = at.Inner[At(k)];
+            x[At(unknown)] -= inner.AtCentre(axis) * x[At(inner.Unknown)];
+        }
+    }
+}
+
+void FromCentre(const FitModel& model, const Linearisation& at, Matrix& Q) {
+    const int u = model.Unknowns;
+    Matrix L(u, u), LQ(u, u), transposed(u, u);
+    for (int i = 1; i <= u; ++i) L(i, i) = 1;
+    for (int axis = 1; axis <= 3; ++axis) {
+        const int unknown = TranslationUnknown(model, axis);
+        if (unknown == 0) continue;
+        for (int k = 0; k < at.InnerCount; ++k)
+            L(unknown, at.Inner[At(k)].Unknown) = -at.Inner[At(k)].AtCentre(axis);
+    }
+    MatrixMultiply(L, u, u, Q, u, LQ);
+    MatrixTranspose(L, u, u, transposed);
+    MatrixMultiply(LQ, u, u, transposed, u, Q);
+}
+
+void Residuals(const GatheredPoints& points, const FitModel& model, const Linearisation& at, const Column& x,
+               Column& v) {
+    // The part of A x that a point's coordinates have, D d + t, is the same matrix for all points.
+    Mat3 D;
+    Vec3 t;
+    for (int axis = 1; axis <= 3; ++axis) {
+        const int unknown = TranslationUnknown(model, axis);
+        t(axis) = unknown == 0 ? 0 : x[At(unknown)];
+        for (int k = 0; k < at.InnerCount; ++k) {
+            const InnerDerivative& inner = at.Inner[At(k)];
+            const double correction = x[At(inner.Unknown)];
+            t(axis) += at.Held(inner, axis) * correction;
+            for (int j = 1; j <= 3; ++j) D(axis, j) += inner.D(axis, j) * correction;
+        }
+    }
+    const bool tool = model.Mode == FitMode::Tool;
+    const bool distance = model.Mode == FitMode::Distance;
+    Vec3 toolCorrection;
+    if (tool && model.ToolFloats)
+        for (int j = 1; j <= 3; ++j) toolCorrection(j) = x[At(model.UnknownOf[At(kRvecX + j - 1)])];
+    const double distanceCorrection =
+        distance && model.UnknownOf[kRDist] != 0 ? x[At(model.UnknownOf[kRDist])] : 0;
+
+    for (int i = 1; i <= points.Count; ++i) {
+        const std::size_t k = At(i - 1);
+        const double p[3] = {points.Start[0][k], points.Start[1][k], points.Start[2][k]};
+        double l[3], Ax[3];
+        for (int axis = 1; axis <= 3; ++axis) {
+            l[axis - 1] = (points.Target[At(axis - 1)][k] - at.Shift(axis)) -
+                          (at.M(axis, 1) * p[0] + at.M(axis, 2) * p[1] + at.M(axis, 3) * p[2]);
+            Ax[axis - 1] = D(axis, 1) * p[0] + D(axis, 2) * p[1] + D(axis, 3) * p[2] + t(axis);
+            if (!tool) continue;
+            const std::size_t g = At(3 * (axis - 1));
+            for (int j = 0; j < 3; ++j) {
+                const double pose = points.Pose[g + At(j)][k];
+                l[axis - 1] -= at.Tool(j + 1) * pose;
+                Ax[axis - 1] += toolCorrection(j + 1) * pose;
+            }
+        }
+        if (distance) {
+            const double length = std::sqrt(l[0] * l[0] + l[1] * l[1] + l[2] * l[2]);
+            // A point out of use may stand on its target, where no direction leads to it.
+            const double along = length == 0 ? 0 : (l[0] * Ax[0] + l[1] * Ax[1] + l[2] * Ax[2]) / length;
+            v[At(i)] = along + distanceCorrection - (length - at.RDist);
+        } else {
+            for (int axis = 1; axis <= 3; ++axis) v[At(3 * (i - 1) + axis)] = Ax[axis - 1] - l[axis - 1];
+        }
+    }
+    if (distance)
+        for (int row = points.Count + 1; row <= 3 * points.Count; ++row) v[At(row)] = 0;
+}

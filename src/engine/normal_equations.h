@@ -1,0 +1,58 @@
+// The normal equations of a fit, summed over the points block by block, and their solution. No matrix
+// of observations by parameters ever exists: the rows of a block are built, added and dropped.
+#pragma once
+
+#include <array>
+
+#include "core/arrays.h"
+#include "engine/design.h"
+#include "engine/gathered_points.h"
+#include "engine/lanes.h"
+
+inline constexpr int kBlock = 128;       // points a block, so that its rows stay in the nearest cache
+inline constexpr int kMostColumns = 16;  // inner and tool columns, translation or distance, observation
+
+// Which unknown each column of a block belongs to; the observation l is the last column.
+struct BlockLayout {
+    int Columns = 0;
+    std::array<int, kMostColumns> Unknown{};
+};
+//   axis  1 to 3; the distance model has one equation a point and no axes
+BlockLayout LayoutOf(const FitModel& model, const Linearisation& at, int axis);
+
+// Products of the columns summed over the points, an upper triangle for each axis, in eight lanes.
+struct NormalSums {
+    alignas(kLaneAlignment) std::array<double, 3 * kMostColumns * kMostColumns * kLanes> Lanes;
+
+    double* Place(int axis, int row, int column) {
+        return &Lanes[static_cast<std::size_t>((((axis - 1) * kMostColumns + row) * kMostColumns + column) *
+                                               kLanes)];
+    }
+};
+
+// How many of the eight lanes one vector of the machine holds.
+enum class VectorWidth { Two = 2, Four = 4, Eight = 8 };
+VectorWidth WidestVectors();
+
+// One pass over all points. The sums are the same, bit for bit, on every instruction set; which one is
+// used can be told, up to the widest that the machine has.
+void SumNormalEquations(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
+                        VectorWidth width, NormalSums& sums);
+void SumNormalEquations(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
+                        NormalSums& sums);
+
+// Puts the sums together: N x = w for the unknowns 1 to u, the translations being those of the centre.
+void NormalEquations(const FitModel& model, const Linearisation& at, NormalSums& sums, Matrix& N, Column& w);
+
+// One solution: Q the inverse of N and x = Q w, both of the centred unknowns. A singular N gives huge
+// values and no failure. Writes panels 1 and 2 of the status bar.
+void SolveNormalEquations(const Matrix& N, const Column& w, int u, int iterations, Matrix& Q, Column& x);
+
+// From the centred unknowns to the parameters themselves: x = L x', Q = L Q' L'.
+void FromCentre(const FitModel& model, const Linearisation& at, Column& x);
+void FromCentre(const FitModel& model, const Linearisation& at, Matrix& Q);
+
+// v = A x - l of one linearisation, x the corrections of the centred unknowns. Three rows a pair; the
+// distance model has its row i for pair i, and 0 in the rows behind.
+void Residuals(const GatheredPoints& points, const FitModel& model, const Linearisation& at, const Column& x,
+               Column& v);

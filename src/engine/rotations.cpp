@@ -1,0 +1,123 @@
+// The Euler-angle forms of a rotation and their decomposition into angles.
+#include "engine/rotations.h"
+
+#include <cmath>
+
+#include "engine/angles.h"
+#include "engine/matrix.h"
+#include "engine/transform.h"
+
+namespace {
+
+// What every quotient adds to its denominator.
+constexpr double kTiny = 1e-10 / 10000;
+
+// Sine and cosine of the three angles of a form.
+struct Circle {
+    double Sin, Cos;
+    explicit Circle(double angle) : Sin(std::sin(angle)), Cos(std::cos(angle)) {}
+};
+
+void SetRows(Mat3& R, const Vec3& row1, const Vec3& row2, const Vec3& row3) {
+    for (int j = 1; j <= 3; ++j) {
+        R(1, j) = row1(j);
+        R(2, j) = row2(j);
+        R(3, j) = row3(j);
+    }
+}
+
+// The two angles that a matrix element leaves open.
+struct Candidates {
+    double First, Second;
+};
+Candidates BySine(double u) {
+    return {WrapAngle(u), WrapAngle(kLibraryPi - u)};
+}
+Candidates ByCosine(double u) {
+    return {WrapAngle(u), WrapAngle(-u)};
+}
+Candidates ByTangent(double y, double x) {
+    const double u = std::atan(y / (x + kTiny));
+    return {WrapAngle(u), WrapAngle(u + kLibraryPi)};
+}
+
+using Form = void (*)(double, double, double, Mat3&);
+
+void Decompose(const Mat3& M, Form form, const Candidates& a, const Candidates& b, const Candidates& c,
+               Vec3& first, Vec3& second) {
+    double bestFirst = 1e9, bestSecond = 1e9;
+    for (const double angleA : {a.First, a.Second})
+        for (const double angleB : {b.First, b.Second})
+            for (const double angleC : {c.First, c.Second}) {
+                Mat3 R;
+                form(angleA, angleB, angleC, R);
+                double error = 0;
+                bool equal = false;
+                MatrixCompare(R, M, 1e-10, error, equal);
+                // The slot that holds the worse error is the one replaced.
+                if (bestFirst <= bestSecond) {
+                    if (error < bestSecond) {
+                        second = {angleA, angleB, angleC};
+                        bestSecond = error;
+                    }
+                } else if (error < bestFirst) {
+                    first = {angleA, angleB, angleC};
+                    bestFirst = error;
+                }
+            }
+}
+
+}  // namespace
+
+void RotMatrixYXZ(double a, double b, double c, Mat3& R) {
+    const Circle A(a), B(b), C(c);
+    SetRows(R, {B.Cos * C.Cos - A.Sin * B.Sin * C.Sin, B.Cos * C.Sin + A.Sin * B.Sin * C.Cos, -B.Sin * A.Cos},
+            {-A.Cos * C.Sin, A.Cos * C.Cos, A.Sin},
+            {B.Sin * C.Cos + B.Cos * A.Sin * C.Sin, B.Sin * C.Sin - B.Cos * A.Sin * C.Cos, B.Cos * A.Cos});
+}
+
+void RotMatrixZYX(double a, double b, double c, Mat3& R) {
+    const Circle A(a), B(b), C(c);
+    SetRows(R, {B.Cos * C.Cos, B.Cos * C.Sin, -B.Sin},
+            {A.Sin * B.Sin * C.Cos - A.Cos * C.Sin, A.Cos * C.Cos + A.Sin * B.Sin * C.Sin, A.Sin * B.Cos},
+            {A.Sin * C.Sin + A.Cos * B.Sin * C.Cos, A.Cos * B.Sin * C.Sin - A.Sin * C.Cos, A.Cos * B.Cos});
+}
+
+void RotMatrixZYZ(double a, double b, double c, Mat3& R) {
+    const Circle A(a), B(b), C(c);
+    SetRows(R, {C.Cos * B.Cos * A.Cos - A.Sin * C.Sin, C.Cos * B.Cos * A.Sin + A.Cos * C.Sin, -C.Cos * B.Sin},
+            {-C.Sin * B.Cos * A.Cos - C.Cos * A.Sin, C.Cos * A.Cos - C.Sin * B.Cos * A.Sin, C.Sin * B.Sin},
+            {B.Sin * A.Cos, B.Sin * A.Sin, B.Cos});
+}
+
+void RotMatrixZXZ(double a, double b, double c, Mat3& R) {
+    const Circle A(a), B(b), C(c);
+    SetRows(R, {C.Cos * A.Cos - C.Sin * A.Sin * B.Cos, C.Cos * A.Sin + A.Cos * C.Sin * B.Cos, C.Sin * B.Sin},
+            {-C.Sin * A.Cos - C.Cos * B.Cos * A.Sin, C.Cos * B.Cos * A.Cos - C.Sin * A.Sin, C.Cos * B.Sin},
+            {B.Sin * A.Sin, -B.Sin * A.Cos, B.Cos});
+}
+
+void EulerFromMatrixXYZ(const Mat3& M, Vec3& first, Vec3& second) {
+    Decompose(M, RotMatrixXYZ, ByTangent(-M(3, 2), M(3, 3)), BySine(ArcSin(M(3, 1))),
+              ByTangent(-M(2, 1), M(1, 1)), first, second);
+}
+
+void EulerFromMatrixYXZ(const Mat3& M, Vec3& first, Vec3& second) {
+    Decompose(M, RotMatrixYXZ, BySine(ArcSin(M(2, 3))), ByTangent(-M(1, 3), M(3, 3)),
+              ByTangent(-M(2, 1), M(2, 2)), first, second);
+}
+
+void EulerFromMatrixZYX(const Mat3& M, Vec3& first, Vec3& second) {
+    Decompose(M, RotMatrixZYX, ByTangent(M(2, 3), M(3, 3)), BySine(-ArcSin(M(1, 3))),
+              ByTangent(M(1, 2), M(1, 1)), first, second);
+}
+
+void EulerFromMatrixZYZ(const Mat3& M, Vec3& first, Vec3& second) {
+    Decompose(M, RotMatrixZYZ, ByTangent(M(3, 2), M(3, 1)), ByCosine(ArcCos(M(3, 3))),
+              ByTangent(-M(2, 3), M(1, 3)), first, second);
+}
+
+void EulerFromMatrixZXZ(const Mat3& M, Vec3& first, Vec3& second) {
+    Decompose(M, RotMatrixZXZ, ByTangent(-M(3, 1), M(3, 2)), ByCosine(ArcCos(M(3, 3))),
+              ByTangent(M(1, 3), M(2, 3)), first, second);
+}

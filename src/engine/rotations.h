@@ -1,0 +1,20 @@
+// The Euler-angle forms of a rotation and their decomposition into angles, rad. Each form is a passive
+// rotation: with Rx, Ry, Rz the elementary rotations that turn a point, it is the product of their
+// transposes that stands beside it. RotMatrixXYZ, the engine's own form, is in engine/transform.h.
+#pragma once
+
+#include "core/arrays.h"
+
+void RotMatrixYXZ(double a, double b, double c, Mat3& R);  // Ry(-b) Rx(-a) Rz(-c)
+void RotMatrixZYX(double a, double b, double c, Mat3& R);  // Rx(-a) Ry(-b) Rz(-c)
+void RotMatrixZYZ(double a, double b, double c, Mat3& R);  // Rz(-c) Ry(-b) Rz(-a)
+void RotMatrixZXZ(double a, double b, double c, Mat3& R);  // Rz(-c) Rx(-b) Rz(-a)
+
+// Each decomposition finds two triples (a, b, c), -pi to pi each, by trying the two candidates of every
+// angle against the matrix. For a rotation both describe it; neither slot is the better one by rule.
+// A matrix that is no rotation gives the triples that come nearest among the candidates.
+void EulerFromMatrixXYZ(const Mat3& M, Vec3& first, Vec3& second);
+void EulerFromMatrixYXZ(const Mat3& M, Vec3& first, Vec3& second);
+void EulerFromMatrixZYX(const Mat3& M, Vec3& first, Vec3& second);
+void EulerFromMatrixZYZ(const Mat3& M, Vec3& first, Vec3& second);
+void EulerFromMatrixZXZ(const Mat3& M, Vec3& first, Vec3& second);

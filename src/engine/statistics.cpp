@@ -1,0 +1,26 @@
+// Quality of a finished fit.
+#include <cmath>
+
+#include "core/require.h"
+#include "engine/adjustment.h"
+
+void Statistics(const Column& v, const Column& P, int n, double& s0, double& sx, double& sy, double& sz) {
+    Require(n % 3 == 0 && UpperBound(v) >= n && UpperBound(P) >= n);
+    constexpr double kTiny = 1e-9;
+    double vPv = 0, W = 0;
+    double squares[3] = {}, weights[3] = {};
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(n); i += 3)
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            const double residual = v[i + axis], weight = P[i + axis];
+            W += weight;
+            weights[axis] += weight;
+            // What takes no part does not count, however large it is.
+            if (weight == 0) continue;
+            vPv += residual * weight * residual;
+            squares[axis] += residual * residual * weight;
+        }
+    s0 = W - 1 + kTiny > 0 ? std::sqrt(vPv / (W - 1 + kTiny)) : 0;
+    double* const axes[3] = {&sx, &sy, &sz};
+    for (std::size_t axis = 0; axis < 3; ++axis)
+        *axes[axis] = std::sqrt(squares[axis] / std::fabs(weights[axis] - 1 + kTiny));
+}

@@ -1,0 +1,241 @@
+// The search for a transformation by distances.
+#include "import/auto_find.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/form_progress_bar.h"
+#include "core/job.h"
+#include "core/numbers.h"
+#include "core/platform.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "engine/seed.h"
+#include "import/distance_search.h"
+
+namespace {
+
+// What the search holds in memory for each row of a table. The start table has its distances alone.
+constexpr std::int64_t kMemoryLimit_bytes = std::int64_t{1} << 30;
+constexpr std::int64_t kStartRow_bytes = 8, kTargetRow_bytes = 24;
+
+constexpr std::int64_t RowsOf(std::int64_t points) {
+    return points * (points - 1) / 2;
+}
+
+// Points 0 to count of a set as plain columns; point 0 is the origin.
+struct Columns {
+    std::vector<double> X, Y, Z;
+};
+Columns Gather(const std::vector<TaggedValue>& x, const std::vector<TaggedValue>& y,
+               const std::vector<double>& z, std::int64_t count) {
+    Columns columns;
+    for (std::size_t i = 0; i <= static_cast<std::size_t>(count); ++i) {
+        columns.X.push_back(x[i].value_or(0));
+        columns.Y.push_back(y[i].value_or(0));
+        columns.Z.push_back(z[i]);
+    }
+    return columns;
+}
+
+// An accepted pair of pairs. The two lengths are kept as text, whose 15 digits decide which is larger.
+struct Candidate {
+    PointPair Start, Target;
+    std::string Difference, NextNearest;  // mm
+};
+
+struct Tables {
+    std::int64_t StartPoints = 0;
+    std::int64_t TargetPoints = 0;  // those that go into the table
+    std::vector<double> Start, Target;
+};
+
+// How many target points the table takes.
+std::int64_t TargetPoints(const MatchingOptions& options) {
+    if (!options.CheckUseOnlyFirst || !(options.TextMaxOCS < Job.nOCS)) return Job.nOCS;
+    return options.TextMaxOCS < 1 ? 0 : static_cast<std::int64_t>(options.TextMaxOCS);
+}
+
+bool RefuseTable(std::int64_t points, std::int64_t row_bytes, const char* label) {
+    if (RowsOf(points) <= kMemoryLimit_bytes / row_bytes) return false;
+    std::int64_t most = points;
+    while (RowsOf(most) > kMemoryLimit_bytes / row_bytes) most = most > 2 * 20000 ? most / 2 : most - 1;
+    ShowMessage("The table of the distances between all " + std::to_string(points) + " points of the " +
+                label + " File does not fit into memory. Please use " + std::to_string(most) +
+                " points at most.");
+    return true;
+}
+
+Tables MakeTables(std::int64_t targetPoints) {
+    Tables tables;
+    tables.StartPoints = Job.nMCS;
+    tables.TargetPoints = targetPoints;
+    const Columns start = Gather(Job.MCS_X, Job.MCS_Y, Job.MCS_Z, Job.nMCS);
+    const Columns target = Gather(Job.OCS_X, Job.OCS_Y, Job.OCS_Z, targetPoints);
+    tables.Start = DistancesOfPairs(start.X, start.Y, start.Z, Job.nMCS);
+    tables.Target = DistancesOfPairs(target.X, target.Y, target.Z, targetPoints);
+    // The rest of the target table holds zeros. They are searched like any distance, and the two lowest
+    // rows of them decide all that more of them would.
+    const std::int64_t zeros = RowsOf(Job.nOCS) - RowsOf(targetPoints);
+    tables.Target.insert(tables.Target.end(), static_cast<std::size_t>(std::min<std::int64_t>(zeros, 2)),
+                         0.0);
+    return tables;
+}
+
+// The search itself with its progress. False when the job has changed under it.
+bool FindCandidates(const Tables& tables, std::vector<Candidate>& candidates) {
+    const std::uint64_t generation = Run.JobGeneration;
+    const auto rows = static_cast<double>(tables.Start.size());
+    bool jobChanged = false;
+    const auto beforeRow = [&](std::int64_t row, int found) {
+        if (IsTrue(Run.StopRequested)) return false;
+        const double percent =
+            std::max(static_cast<double>(row + 1) / rows * 100, found / double{kEnoughCandidates} * 100);
+        SetValue(Progress.ProgressBar1, static_cast<int>(std::clamp(percent, 2.0, 100.0)));
+        YieldToEvents();
+        jobChanged = Run.JobGeneration != generation;
+        return !jobChanged;
+    };
+    const auto found = SearchDistances(tables.Start, tables.Target, Run.Etta, beforeRow);
+    for (const DistanceCandidate& match : found) {
+        Candidate candidate;
+        candidate.Start = PairOfRow(match.StartRow, tables.StartPoints);
+        if (match.TargetRow < RowsOf(tables.TargetPoints))  // a row of zeros has points 0 and 0
+            candidate.Target = PairOfRow(match.TargetRow, tables.TargetPoints);
+        candidate.Difference = PlainText(match.Best1);
+        candidate.NextNearest = PlainText(match.Best2);
+        candidates.push_back(candidate);
+    }
+    return !jobChanged;
+}
+
+// The three candidates that stand clearest of all other distances; of equal ones the earlier.
+std::vector<Candidate> ChooseThree(const std::vector<Candidate>& candidates) {
+    if (candidates.size() == 3) return candidates;
+    std::vector<Candidate> chosen;
+    std::vector<bool> used(candidates.size());
+    for (int k = 1; k <= 3; ++k) {
+        std::size_t best = candidates.size();
+        double clearest = -1;
+        for (std::size_t i = 0; i < candidates.size(); ++i) {
+            const double clear = std::fabs(NumberFromText(candidates[i].NextNearest, "NextNearest"));
+            if (used[i] || !(clear > clearest)) continue;
+            best = i;
+            clearest = clear;
+        }
+        used[best] = true;
+        chosen.push_back(candidates[best]);
+    }
+    return chosen;
+}
+
+// Makes room for three seed points at the front of both sets for as long as it lives: all points stand
+// three places up. The coordinate arrays stay three elements longer afterwards.
+class SeedRoom {
+public:
+    SeedRoom() {
+        Move(Job.nMCS, true, Job.MCS_X, Job.MCS_Y, Job.MCS_Z);
+        Move(Job.nOCS, true, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
+    }
+    ~SeedRoom() {
+        Move(Job.nMCS, false, Job.MCS_X, Job.MCS_Y, Job.MCS_Z);
+        Move(Job.nOCS, false, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
+    }
+    SeedRoom(const SeedRoom&) = delete;
+    SeedRoom& operator=(const SeedRoom&) = delete;
+
+private:
+    static constexpr std::ptrdiff_t kSeeds = 3;
+
+    template <class... Arrays>
+    static void Move(std::ptrdiff_t count, bool up, Arrays&... arrays) {
+        const auto moveOne = [count, up](auto& array) {
+            if (up) array.resize(static_cast<std::size_t>(count + 1 + kSeeds));
+            const auto first = array.begin() + 1;
+            if (up) {
+                std::move_backward(first, first + count, first + count + kSeeds);
+            } else {
+                std::move(first + kSeeds, first + kSeeds + count, first);
+            }
+        };
+        (moveOne(arrays), ...);
+    }
+};
+
+// A setting that is put back.
+class RawScaleOfOne {
+public:
+    RawScaleOfOne() : before_(Settings.RawScale) { Settings.RawScale = 1; }
+    ~RawScaleOfOne() { Settings.RawScale = before_; }
+    RawScaleOfOne(const RawScaleOfOne&) = delete;
+    RawScaleOfOne& operator=(const RawScaleOfOne&) = delete;
+
+private:
+    std::int16_t before_;
+};
+
+Vec3 Middle(const Vec3& a, const Vec3& b) {
+    return {(a(1) + b(1)) / 2, (a(2) + b(2)) / 2, (a(3) + b(3)) / 2};
+}
+
+// The raw solution from the middles of the chosen pairs: which end of a distance is which does not show,
+// but the middle is the same either way.
+void SolveFromMiddles(const std::vector<Candidate>& chosen) {
+    std::array<Vec3, 3> start, target;
+    for (std::size_t k = 0; k < 3; ++k) {
+        const auto point = [](std::int64_t i) { return static_cast<int>(i); };
+        start[k] =
+            Middle(StartPoint(point(chosen[k].Start.First)), StartPoint(point(chosen[k].Start.Second)));
+        target[k] =
+            Middle(TargetPoint(point(chosen[k].Target.First)), TargetPoint(point(chosen[k].Target.Second)));
+    }
+    const SeedRoom room;
+    for (std::size_t k = 0; k < 3; ++k) {
+        Job.MCS_X[k + 1] = start[k](1);
+        Job.MCS_Y[k + 1] = start[k](2);
+        Job.MCS_Z[k + 1] = start[k](3);
+        Job.OCS_X[k + 1] = target[k](1);
+        Job.OCS_Y[k + 1] = target[k](2);
+        Job.OCS_Z[k + 1] = target[k](3);
+        Job.SeedIndex[k + 1] = static_cast<std::int16_t>(k + 1);
+    }
+    Job.nIdent = 3;
+    const RawScaleOfOne scale;
+    RawSolution(Job.TraX, Job.TraY, Job.TraZ, Job.RotXCopy, Job.RotYCopy, Job.RotZCopy, Job.ScaleX,
+                Job.ScaleY, Job.ScaleZ);
+}
+
+}  // namespace
+
+void AutoFindPts(const MatchingOptions& options) {
+    Run.StopRequested = kFalse;
+    Job.nIdent = 0;
+    if (IsTrue(Run.RobotFileHasId))
+        for (std::size_t i = 1; i <= static_cast<std::size_t>(Job.nMCS); ++i)
+            Job.MCS_Name[i] = " " + std::to_string(i) + "_" + Job.MCS_Name[i];
+
+    const std::int64_t targetPoints = TargetPoints(options);
+    if (RefuseTable(Job.nMCS, kStartRow_bytes, "MCS") || RefuseTable(targetPoints, kTargetRow_bytes, "OCS"))
+        return;
+
+    std::vector<Candidate> candidates;
+    const BusyPointer busy;
+    std::optional<ProgressWindow> progress("AutoFind Indentically Points - Progress");
+    if (!FindCandidates(MakeTables(targetPoints), candidates)) {
+        Run.ImportFailed = kTrue;  // the points that are there now are not to be matched
+        return;
+    }
+    if (candidates.size() < 3) {
+        progress.reset();
+        ShowMessage("Could not solve the auto find problem, maybe try changing ETTA Value");
+        return;
+    }
+    SolveFromMiddles(ChooseThree(candidates));
+    Job.nIdent = 0;
+    if (!IsTrue(Run.StopRequested)) PärchenSuchen(options);
+}

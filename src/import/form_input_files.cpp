@@ -1,0 +1,283 @@
+// The dialog in which a job gets its points: its controls and what they do to each other.
+#include "import/form_input_files.h"
+
+#include "core/controller.h"
+#include "core/files.h"
+#include "core/job.h"
+#include "core/numbers.h"
+#include "core/platform.h"
+#include "core/refresh.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "core/text.h"
+#include "import/point_file.h"
+#include "import/point_file_checks.h"
+#include "import/robot_files.h"
+
+namespace {
+
+const ControlEntry kControls[] = {
+    {"FrameMCS", &InputFiles.FrameMCS},
+    {"TextNameMCS", &InputFiles.TextNameMCS},
+    {"BtnBrowseMCS", &InputFiles.BtnBrowseMCS, {.Click = FormInputFiles::BtnBrowseMCS_Click}},
+    {"BtnEditMCS", &InputFiles.BtnEditMCS, {.Click = FormInputFiles::BtnEditMCS_Click}},
+    {"BtnExploreMCS", &InputFiles.BtnExploreMCS, {.Click = FormInputFiles::BtnExploreMCS_Click}},
+    {"BtnMCSfromClip", &InputFiles.BtnMCSfromClip, {.Click = FormInputFiles::BtnMCSfromClip_Click}},
+    {"LabelRenameMCS", &InputFiles.LabelRenameMCS},
+    {"TextRenameMCS", &InputFiles.TextRenameMCS},
+    {"FrameOCS", &InputFiles.FrameOCS},
+    {"ComboOCS_Data", &InputFiles.ComboOCS_Data, {.Click = FormInputFiles::ComboOCS_Data_Click}},
+    {"TextNameOCS", &InputFiles.TextNameOCS},
+    {"ButtonBrowseOCS", &InputFiles.ButtonBrowseOCS, {.Click = FormInputFiles::ButtonBrowseOCS_Click}},
+    {"BtnEditOCS", &InputFiles.BtnEditOCS, {.Click = FormInputFiles::BtnEditOCS_Click}},
+    {"BtnExploreOCS", &InputFiles.BtnExploreOCS, {.Click = FormInputFiles::BtnExploreOCS_Click}},
+    {"BtnOCSfromClip", &InputFiles.BtnOCSfromClip, {.Click = FormInputFiles::BtnOCSfromClip_Click}},
+    {"LabelRenameOCS", &InputFiles.LabelRenameOCS},
+    {"TextRenameOCS", &InputFiles.TextRenameOCS},
+    {"FrameIdentify", &InputFiles.FrameIdentify},
+    {"OptionByID", &InputFiles.OptionByID, {.Click = FormInputFiles::OptionByID_Click}},
+    {"OptionByCoordinate",
+     &InputFiles.OptionByCoordinate,
+     {.Click = FormInputFiles::OptionByCoordinate_Click}},
+    {"OptionByDis", &InputFiles.OptionByDis, {.Click = FormInputFiles::OptionByDis_Click}},
+    {"CheckRenameMCS", &InputFiles.CheckRenameMCS},
+    {"CheckRenameOCS", &InputFiles.CheckRenameOCS},
+    {"CheckUseOnlyFirst", &InputFiles.CheckUseOnlyFirst, {.Click = FormInputFiles::CheckUseOnlyFirst_Click}},
+    {"LabelMaxOCS1", &InputFiles.LabelMaxOCS1},
+    {"TextMaxOCS", &InputFiles.TextMaxOCS},
+    {"LabelMaxOCS2", &InputFiles.LabelMaxOCS2},
+    {"FrameMoreMCS", &InputFiles.FrameMoreMCS},
+    {"TextNameMoreMCS", &InputFiles.TextNameMoreMCS, {}, "FrameMoreMCS"},
+    {"BtnBrowseMoreMCS",
+     &InputFiles.BtnBrowseMoreMCS,
+     {.Click = FormInputFiles::BtnBrowseMoreMCS_Click},
+     "FrameMoreMCS"},
+    {"BtnEditMoreMCS",
+     &InputFiles.BtnEditMoreMCS,
+     {.Click = FormInputFiles::BtnEditMoreMCS_Click},
+     "FrameMoreMCS"},
+    {"BtnExploreMoreMCS",
+     &InputFiles.BtnExploreMoreMCS,
+     {.Click = FormInputFiles::BtnExploreMoreMCS_Click},
+     "FrameMoreMCS"},
+    {"BtnMoreMCSClip",
+     &InputFiles.BtnMoreMCSClip,
+     {.Click = FormInputFiles::BtnMoreMCSClip_Click},
+     "FrameMoreMCS"},
+    {"OptionPrefix", &InputFiles.OptionPrefix, {}, "FrameMoreMCS"},
+    {"Option2", &InputFiles.Option2, {}, "FrameMoreMCS"},
+    {"TextPreSuff", &InputFiles.TextPreSuff, {}, "FrameMoreMCS"},
+    {"BtnImportMoreMCS",
+     &InputFiles.BtnImportMoreMCS,
+     {.Click = FormInputFiles::BtnImportMoreMCS_Click},
+     "FrameMoreMCS"},
+    {"Command2", &InputFiles.Command2, {.Click = FormInputFiles::Command2_Click}},
+    {"BtnSpezial", &InputFiles.BtnSpezial, {.Click = FormInputFiles::BtnSpezial_Click}},
+    {"BtnOK", &InputFiles.BtnOK, {.Click = FormInputFiles::BtnOK_Click}},
+    {"BtnApply", &InputFiles.BtnApply, {.Click = FormInputFiles::BtnApply_Click}},
+    {"BtnCancel", &InputFiles.BtnCancel, {.Click = FormInputFiles::BtnCancel_Click}},
+};
+
+constexpr const char* kPointFileFilter =
+    "Text files (*.txt;*.csv;*.asc)|*.txt;*.csv;*.asc|All files (*.*)|*.*|";
+
+void Browse(Control& text, const std::string& folder, const char* title) {
+    const auto path = AskOpenFile({title, kPointFileFilter, folder, ""});
+    if (path) SetText(text, *path);
+}
+
+void Edit(const Control& text) {
+    StartFile(Settings.Editor.empty() ? std::string("Open") : Settings.Editor, text.Text);
+}
+
+void Explore(const Control& text) {
+    StartFile("explore", Pfad(text.Text));
+}
+
+// Puts the clipboard text into a file of the settings folder and names it in the text box.
+void FromClipboard(Control& text, const char* name) {
+    if (!Directory_Exist(SettingsFolder())) CreateFolder(SettingsFolder());
+    const std::string path = JoinPath(SettingsFolder(), name);
+    WriteFile(path, EncodeText(ClipboardText()));
+    SetText(text, path);
+}
+
+// What is shown follows the way of identifying.
+void ShowForIdentification() {
+    FormInputFiles& w = InputFiles;
+    const bool byDistance = w.OptionByDis.Value == 1;
+    for (Control* shown : {&w.LabelMaxOCS1, &w.LabelMaxOCS2, &w.TextMaxOCS}) shown->Visible = byDistance;
+    w.CheckRenameMCS.Visible = w.CheckRenameOCS.Visible = w.OptionByCoordinate.Value == 1;
+}
+
+}  // namespace
+
+const WindowEntry FormInputFiles_Entry = {"FormInputFiles",
+                                          &InputFiles.Window,
+                                          kControls,
+                                          [] { InputFiles = FormInputFiles{}; },
+                                          FormInputFiles::Form_Load,
+                                          nullptr,
+                                          FormInputFiles::Form_Escape};
+
+void FormInputFiles::Form_Load() {
+    FormInputFiles& w = InputFiles;
+    Form_Resize();
+    SetValue(w.OptionByID, 1);
+    SetValue(w.OptionPrefix, 1);
+    w.FrameMoreMCS.Enabled = IsTrue(Run.JobDataValid);
+    ShowForIdentification();
+    SetText(w.TextNameMCS, Job.PathMCS);
+    SetText(w.TextNameOCS, Job.PathOCS);
+    SetText(w.TextRenameMCS, Job.NameMCS.empty() ? "MCS" : Job.NameMCS);
+    SetText(w.TextRenameOCS, Job.NameOCS.empty() ? "OCS" : Job.NameOCS);
+    for (const InputKind& kind : InputKinds()) w.ComboOCS_Data.Items.emplace_back(kind.Entry);
+    const int last = Settings.LastDropDownInfoInOCS;
+    const bool known = last >= 0 && last < static_cast<int>(w.ComboOCS_Data.Items.size());
+    SetIndex(w.ComboOCS_Data, known ? last : 0);
+}
+
+void FormInputFiles::Form_Resize() {
+    // Below this the frames would have no width left.
+    WindowPlace& place = InputFiles.Window.Place;
+    if (place.Height < 350) place.Height = 350;
+    if (place.Width < 650) place.Width = 650;
+}
+
+void FormInputFiles::Form_Escape() {
+    UnloadWindow("FormInputFiles");
+}
+
+void FormInputFiles::ComboOCS_Data_Click() {
+    const int index = InputFiles.ComboOCS_Data.Index;
+    for (const InputKind& kind : InputKinds()) *kind.IsKind = kFalse;
+    if (index < 0) return;
+    *InputKinds()[static_cast<std::size_t>(index)].IsKind = kTrue;
+    Settings.LastDropDownInfoInOCS = static_cast<std::int16_t>(index);
+}
+
+void FormInputFiles::OptionByID_Click() {
+    ShowForIdentification();
+}
+void FormInputFiles::OptionByCoordinate_Click() {
+    ShowForIdentification();
+}
+void FormInputFiles::OptionByDis_Click() {
+    ShowForIdentification();
+}
+
+void FormInputFiles::CheckUseOnlyFirst_Click() {
+    FormInputFiles& w = InputFiles;
+    const bool shown = w.CheckUseOnlyFirst.Value == 1 && w.OptionByDis.Value == 1;
+    for (Control* control : {&w.LabelMaxOCS1, &w.LabelMaxOCS2, &w.TextMaxOCS}) control->Visible = shown;
+}
+
+void FormInputFiles::BtnBrowseMCS_Click() {
+    Browse(InputFiles.TextNameMCS, Settings.LastMCSRoot, "MCS File");
+}
+void FormInputFiles::ButtonBrowseOCS_Click() {
+    Browse(InputFiles.TextNameOCS, Settings.LastOCSRoot, "OCS File");
+}
+void FormInputFiles::BtnBrowseMoreMCS_Click() {
+    Browse(InputFiles.TextNameMoreMCS, Settings.LastMCSRoot, "More MCS Points");
+}
+
+void FormInputFiles::BtnEditMCS_Click() {
+    Edit(InputFiles.TextNameMCS);
+}
+void FormInputFiles::BtnEditOCS_Click() {
+    Edit(InputFiles.TextNameOCS);
+}
+void FormInputFiles::BtnEditMoreMCS_Click() {
+    Edit(InputFiles.TextNameMoreMCS);
+}
+
+void FormInputFiles::BtnExploreMCS_Click() {
+    Explore(InputFiles.TextNameMCS);
+}
+void FormInputFiles::BtnExploreOCS_Click() {
+    Explore(InputFiles.TextNameOCS);
+}
+void FormInputFiles::BtnExploreMoreMCS_Click() {
+    Explore(InputFiles.TextNameMoreMCS);
+}
+
+void FormInputFiles::BtnMCSfromClip_Click() {
+    FromClipboard(InputFiles.TextNameMCS, "mcs.txt");
+}
+void FormInputFiles::BtnOCSfromClip_Click() {
+    FromClipboard(InputFiles.TextNameOCS, "ocs.txt");
+}
+void FormInputFiles::BtnMoreMCSClip_Click() {
+    FromClipboard(InputFiles.TextNameMoreMCS, "mcs.txt");
+}
+
+void FormInputFiles::BtnImportMoreMCS_Click() {
+    const FormInputFiles& w = InputFiles;
+    if (w.TextNameMoreMCS.Text.empty()) {
+        ShowMessage("Please select a File with the browse button");
+        return;
+    }
+    const bool prefix = w.OptionPrefix.Value == 1;
+    Run.ImportFailed = kFalse;
+    if (!ReadMorePoints(w.TextNameMoreMCS.Text, prefix ? w.TextPreSuff.Text : "",
+                        prefix ? "" : w.TextPreSuff.Text))
+        return;
+    ++Run.JobGeneration;
+    FuellenHaupttabelle();
+    if (IsLoaded("FormInputStatistic")) FORMfüllen();
+    Run.JobDirty = kTrue;
+}
+
+void FormInputFiles::Command2_Click() {
+    const auto path = AskOpenFile({"Bundle File", kPointFileFilter, Settings.LastMCSRoot, ""});
+    if (path) InputFiles.BundleFile = *path;
+}
+
+void FormInputFiles::BtnSpezial_Click() {
+    const std::string& path = InputFiles.TextNameMCS.Text;
+    const FileBytes bytes = ReadFile(path);
+    std::int64_t lines = 0;
+    AnzZeilen(path, lines);
+    const std::int64_t blocks = (lines - 2) / 7;
+    std::vector<Mat3> read(1);
+    std::string_view rest = bytes.View();
+    std::string_view line;
+    std::string scratch;
+    int number = 0;
+    const auto next = [&] {
+        ++number;
+        if (!CutLine(rest, line))
+            throw PlatformError{"\"" + path + "\" ends in line " + std::to_string(number) +
+                                ", inside a block"};
+    };
+    next();
+    for (std::int64_t block = 1; block <= blocks; ++block) {
+        Mat3& values = read.emplace_back();
+        next();
+        next();
+        for (int row = 1; row <= 3; ++row) {
+            next();
+            CutField(line, ' ', scratch);
+            for (int column = 1; column <= 3; ++column)
+                values(row, column) = NumberFromText(CutField(line, ' ', scratch),
+                                                     "\"" + path + "\", line " + std::to_string(number));
+        }
+        next();
+        next();
+    }
+    Spezial.Blocks = std::move(read);
+}
+
+void FormInputFiles::BtnOK_Click() {
+    myBtn_OK();
+    UnloadWindow("FormInputFiles");
+}
+
+void FormInputFiles::BtnApply_Click() {
+    myBtn_OK();
+}
+
+void FormInputFiles::BtnCancel_Click() {
+    UnloadWindow("FormInputFiles");
+}

@@ -1,0 +1,194 @@
+// Pairing by names, and the counts and working arrays that follow from it.
+#include "import/matching.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "core/job.h"
+#include "core/platform.h"
+#include "core/refresh.h"
+#include "core/run.h"
+#include "core/text.h"
+#include "import/name_order.h"
+
+namespace {
+
+// One of the job's two point sets.
+struct PointSet {
+    std::vector<std::string>& Name;
+    std::vector<TaggedValue>& X;
+    std::vector<TaggedValue>& Y;
+    std::vector<double>& Z;
+    const char* Label;
+};
+PointSet StartSet() {
+    return {Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z, "MCS"};
+}
+PointSet TargetSet() {
+    return {Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z, "OCS"};
+}
+
+// Element k becomes what stood at place[k]; what lies behind the last place stays.
+template <class Value>
+void Rearrange(std::vector<Value>& values, const std::vector<std::int32_t>& place) {
+    std::vector<Value> arranged(values.size());
+    for (std::size_t k = 1; k < place.size(); ++k)
+        arranged[k] = std::move(values[static_cast<std::size_t>(place[k])]);
+    std::move(values.begin() + static_cast<std::ptrdiff_t>(place.size()), values.end(),
+              arranged.begin() + static_cast<std::ptrdiff_t>(place.size()));
+    arranged.front() = std::move(values.front());
+    values = std::move(arranged);
+}
+
+// Sorts a set by its names; the order then is that of the places.
+NameOrder SortSet(PointSet set) {
+    NameOrder order = SortNames(set.Name);
+    if (std::is_sorted(order.Place.begin(), order.Place.end())) return order;
+    Rearrange(set.Name, order.Place);
+    Rearrange(set.X, order.Place);
+    Rearrange(set.Y, order.Place);
+    Rearrange(set.Z, order.Place);
+    for (std::size_t k = 1; k < order.Place.size(); ++k) order.Place[k] = static_cast<std::int32_t>(k);
+    return order;
+}
+
+// A name that a sorted set holds twice; null when there is none. Names that are level with each other
+// ("7", "007") may stand in any order, so a double need not be a neighbour.
+const std::string* DoubleName(const std::vector<std::string>& names, const NameOrder& order) {
+    if (order.Distinct) return nullptr;
+    for (std::size_t i = 2; i < names.size(); ++i)
+        if (names[i - 1] == names[i]) return &names[i];
+    for (std::size_t i = 1; i < names.size(); ++i)
+        for (std::size_t j = i; j > 1 && order.Rank[j - 1] == order.Rank[i]; --j)
+            if (names[j - 1] == names[i]) return &names[i];
+    return nullptr;
+}
+
+bool RefuseDoubleName(PointSet set, const NameOrder& order) {
+    const std::string* name = DoubleName(set.Name, order);
+    if (name == nullptr) return false;
+    const std::string message = "There might be a double Pointnumber in the " + std::string(set.Label) +
+                                " File. " + kLineEnd + "Please check Point Number " + *name;
+    Run.ImportFailed = kTrue;
+    ShowMessage(message);
+    return true;
+}
+
+// The pairs in both sets, by their positions; elements from 1.
+struct Pairs {
+    std::vector<std::int32_t> Start{0}, Target{0};
+};
+
+Pairs FindPairs(const NameOrder& joined) {
+    const auto isStart = [](std::int32_t place) { return place <= UpperBound(Job.MCS_Name); };
+    const auto name = [&](std::int32_t place) -> const std::string& {
+        return isStart(place) ? Job.MCS_Name[static_cast<std::size_t>(place)]
+                              : Job.OCS_Name[static_cast<std::size_t>(place - UpperBound(Job.MCS_Name))];
+    };
+    Pairs pairs;
+    const auto add = [&](std::int32_t one, std::int32_t other) {
+        pairs.Start.push_back(isStart(one) ? one : other);
+        pairs.Target.push_back((isStart(one) ? other : one) - UpperBound(Job.MCS_Name));
+    };
+    // An element without a name is the one that a line too short for a point has left unused: no point.
+    const auto match = [&](std::int32_t one, std::int32_t other) {
+        return isStart(one) != isStart(other) && name(one) == name(other) && !name(one).empty();
+    };
+    const std::size_t end = joined.Place.size();
+    std::vector<std::int32_t> left;  // level names without an equal neighbour
+    for (std::size_t begin = 1, next = 1; begin < end; begin = next) {
+        while (next < end && joined.Rank[next] == joined.Rank[begin]) ++next;
+        left.clear();
+        for (std::size_t i = begin; i < next; ++i) {
+            if (i + 1 < next && match(joined.Place[i], joined.Place[i + 1])) {
+                add(joined.Place[i], joined.Place[i + 1]);
+                ++i;
+            } else {
+                left.push_back(joined.Place[i]);
+            }
+        }
+        if (left.size() < 2) continue;
+        // Level names may stand between two equal ones. They are one point all the same.
+        std::unordered_map<std::string_view, std::int32_t> starts;
+        for (const std::int32_t place : left)
+            if (isStart(place) && !name(place).empty()) starts.emplace(name(place), place);
+        for (const std::int32_t place : left) {
+            const auto partner = isStart(place) ? starts.end() : starts.find(name(place));
+            if (partner == starts.end()) continue;
+            add(partner->second, place);
+            starts.erase(partner);
+        }
+    }
+    return pairs;
+}
+
+// Swaps pair c to position c, for all pairs. A swap may move a point that a later pair is waiting for,
+// so the positions are kept up to date.
+void BringToFront(PointSet set, std::vector<std::int32_t>& position) {
+    std::vector<std::int32_t> pairAt(set.Name.size());
+    for (std::size_t c = 1; c < position.size(); ++c)
+        pairAt[static_cast<std::size_t>(position[c])] = static_cast<std::int32_t>(c);
+    for (std::size_t c = 1; c < position.size(); ++c) {
+        const auto from = static_cast<std::size_t>(position[c]);
+        if (from == c) continue;
+        std::swap(set.Name[c], set.Name[from]);
+        std::swap(set.X[c], set.X[from]);
+        std::swap(set.Y[c], set.Y[from]);
+        std::swap(set.Z[c], set.Z[from]);
+        const std::int32_t moved = pairAt[c];
+        pairAt[from] = moved;
+        if (moved != 0) position[static_cast<std::size_t>(moved)] = static_cast<std::int32_t>(from);
+    }
+}
+
+void SortForIdentPts(const NameOrder& start, const NameOrder& target) {
+    Pairs pairs = FindPairs(JoinOrders(Job.MCS_Name, start, Job.OCS_Name, target));
+    BringToFront(StartSet(), pairs.Start);
+    BringToFront(TargetSet(), pairs.Target);
+}
+
+}  // namespace
+
+void SortForIdentPts() {
+    SortForIdentPts(SortNames(Job.MCS_Name), SortNames(Job.OCS_Name));
+}
+
+void MCS_OCS_aufbereiten() {
+    ++Run.JobGeneration;
+    const NameOrder start = SortSet(StartSet());
+    const NameOrder target = SortSet(TargetSet());
+    if (RefuseDoubleName(StartSet(), start) || RefuseDoubleName(TargetSet(), target)) {
+        RepairJobCounts();
+        return;
+    }
+    SortForIdentPts(start, target);
+}
+
+void GetInfoFromData() {
+    Job.nMCS = UpperBound(Job.MCS_Name);
+    Job.nOCS = UpperBound(Job.OCS_Name);
+    Job.nIdent = 0;
+    const auto both = static_cast<std::size_t>(std::min(Job.nMCS, Job.nOCS));
+    for (std::size_t i = 1; i <= both; ++i)
+        if (Job.MCS_Name[i] == Job.OCS_Name[i] && !Job.MCS_Name[i].empty()) ++Job.nIdent;
+    Job.nMCSOnly = Job.nMCS - Job.nIdent;
+    Job.nOCSOnly = Job.nOCS - Job.nIdent;
+}
+
+void IdentischePkte_Neu() {
+    const auto points = static_cast<std::size_t>(Job.nMCS) + 1;
+    const auto pairs = static_cast<std::size_t>(Job.nIdent) + 1;
+    Job.RVecX.assign(pairs, {});
+    Job.RVecY.assign(pairs, {});
+    Job.RVecZ.assign(pairs, 0);
+    Job.UseFlags.resize(3 * (pairs - 1) + 1);
+    Job.TMCS_Name.assign(Job.MCS_Name.begin(), Job.MCS_Name.begin() + static_cast<std::ptrdiff_t>(points));
+    Job.TMCS_X.assign(Job.MCS_X.begin(), Job.MCS_X.begin() + static_cast<std::ptrdiff_t>(points));
+    Job.TMCS_Y.assign(Job.MCS_Y.begin(), Job.MCS_Y.begin() + static_cast<std::ptrdiff_t>(points));
+    Job.TMCS_Z.assign(Job.MCS_Z.begin(), Job.MCS_Z.begin() + static_cast<std::ptrdiff_t>(points));
+    if (DirectionSwitched()) MCS_OCS();
+}

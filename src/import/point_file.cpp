@@ -1,0 +1,235 @@
+// Reading of point files into the job.
+#include "import/point_file.h"
+
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <iterator>
+#include <limits>
+#include <string_view>
+
+#include "core/job.h"
+#include "core/numbers.h"
+#include "core/platform.h"
+#include "core/run.h"
+#include "core/text.h"
+#include "core/units.h"
+#include "import/point_file_checks.h"
+#include "import/point_text.h"
+
+namespace {
+
+// Points as they come from a file, elements from 1.
+struct PointColumns {
+    std::vector<std::string> Name;
+    std::vector<TaggedValue> X, Y;
+    std::vector<double> Z;
+    std::string Error;  // why the reading broke off; empty = it did not
+
+    explicit PointColumns(std::size_t count) : Name(count + 1), X(count + 1), Y(count + 1), Z(count + 1) {}
+};
+
+// What a field that is no number does: it ends the reading of start points, and leaves the value of a
+// target point as it is. The difference is the program's way.
+enum class BadField { Ends, LeavesValue };
+
+constexpr std::array<double, 16> kPowersOfTen = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+
+// Cuts the next field off a line where it is a plain decimal number, in one go with its conversion. Up to
+// 15 digits are a whole number that a 64-bit float holds exactly, and so is the power of ten, so that one
+// division gives the correctly rounded value. False, and the line as it was, for any other field.
+bool CutPlainDecimal(std::string_view& line, char delimiter, char decimal, double& value) {
+    const char* at = line.data();
+    const char* const end = at + line.size();
+    while (at != end && *at == delimiter) ++at;
+    while (at != end && (*at == ' ' || *at == '\t')) ++at;
+    const bool negative = at != end && *at == '-';
+    if (negative) ++at;
+    std::uint64_t number = 0;
+    const auto takeDigits = [&] {
+        const char* const begin = at;
+        for (; at != end; ++at) {
+            const unsigned digit = static_cast<unsigned>(static_cast<unsigned char>(*at)) - '0';
+            if (digit > 9) break;
+            number = number * 10 + digit;  // one that runs over has too many digits below
+        }
+        return static_cast<std::size_t>(at - begin);
+    };
+    std::size_t digits = takeDigits(), places = 0;
+    if (at != end && *at == decimal && decimal != delimiter) {
+        ++at;
+        places = takeDigits();
+        digits += places;
+    }
+    if (digits < 1 || digits > 15) return false;
+    if (at != end && *at != delimiter && *at != ' ' && *at != '\t') return false;
+    const double size = static_cast<double>(number) / kPowersOfTen[places];
+    value = negative ? -size : size;
+    line.remove_prefix(static_cast<std::size_t>(at - line.data()) + (at == end ? 0 : 1));
+    return true;
+}
+
+// Reads the lines of a checked file.
+PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, BadField badField) {
+    std::int64_t rows = 0;
+    AnzZeilen(file, rows);
+    if (rows >= std::numeric_limits<std::int32_t>::max())
+        throw PlatformError{"Cannot read \"" + file.Path + "\": it has more lines than a job has room for"};
+    // With the delimiter of an earlier file such a one passes all checks.
+    if (rows == 0) throw PlatformError{"Cannot read \"" + file.Path + "\": there is no point in it"};
+    const auto n = static_cast<std::size_t>(rows);
+    PointColumns points(n);
+    const double factor = Units.LengthFactor;
+    const char decimal = SystemDecimal();
+    std::size_t p = 0, ignored = 0;
+    LineWalk lines(file);
+    std::string_view line;
+    std::string decoded, scratch;
+    while (lines.Next(line)) {
+        std::string_view rest = DecodedLine(file, line, decoded);
+        if (rest.size() < 2 || (rest.size() < 8 && CharacterCount(rest) < 2)) {
+            if (p >= n) break;
+            ShowMessage("Empty Row in File " + std::string(kLineEnd) + file.Path + kLineEnd + " in line " +
+                        std::to_string(p + 1 + ignored) + " will be ignored");
+            ++ignored;
+            continue;
+        }
+        ++p;
+        if (hasName) {
+            points.Name[p] = CutField(rest, delimiter, scratch);
+        } else {
+            points.Name[p] = std::to_string(p);
+        }
+        std::array<double, 3> xyz{};
+        std::array<bool, 3> good{};
+        for (std::size_t i = 0; i < 3; ++i) {
+            good[i] = CutPlainDecimal(rest, delimiter, decimal, xyz[i]);
+            std::string_view field;
+            if (!good[i]) {
+                field = CutField(rest, delimiter, scratch);
+                good[i] =
+                    field.empty() || (TextToNumber(field, decimal, xyz[i]) && std::isfinite(xyz[i] / factor));
+            }
+            xyz[i] /= factor;
+            if (good[i] || badField == BadField::LeavesValue) continue;
+            points.Error = "Cannot read \"" + file.Path + "\", line " + std::to_string(lines.Row) + ": \"" +
+                           Printable(field) + "\" is not a number";
+            break;
+        }
+        if (good[0]) points.X[p] = xyz[0];
+        if (good[1]) points.Y[p] = xyz[1];
+        if (good[2]) points.Z[p] = xyz[2];
+        if (!points.Error.empty()) break;
+    }
+    return points;
+}
+
+// The counts after a change of the sets themselves: no pair is known any more.
+void ForgetPairs() {
+    const auto grow = [](std::int32_t count, auto&... arrays) {
+        const auto size = static_cast<std::size_t>(count) + 1;
+        ((arrays.resize(arrays.size() < size ? size : arrays.size())), ...);
+    };
+    Job.nMCS = UpperBound(Job.MCS_Name);
+    Job.nOCS = UpperBound(Job.OCS_Name);
+    Job.nIdent = 0;
+    Job.nMCSOnly = Job.nMCS;
+    Job.nOCSOnly = Job.nOCS;
+    grow(Job.nMCS, Job.TMCS_Name, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z);
+    grow(0, Job.RVecX, Job.RVecY, Job.RVecZ, Job.UseFlags);
+    ++Run.JobGeneration;
+}
+
+// Checks and reads one of the two files; nothing where a message has said why not.
+bool ReadSet(const std::string& path, BadField badField, std::vector<std::string>& names,
+             std::vector<TaggedValue>& x, std::vector<TaggedValue>& y, std::vector<double>& z) {
+    if (!File_Exist(path)) {
+        Run.ImportFailed = kTrue;
+        ShowMessage("File " + path + " not found");
+        return false;
+    }
+    PointText file = LoadPointText(path);
+    Flag hasName = kFalse;
+    ASCII_FileCheck(file, hasName, Run.Delimiter);
+    if (IsTrue(Run.ImportFailed)) return false;
+    PointColumns points = ReadPoints(file, IsTrue(hasName), DelimiterCharacter(Run.Delimiter), badField);
+    names = std::move(points.Name);
+    x = std::move(points.X);
+    y = std::move(points.Y);
+    z = std::move(points.Z);
+    ForgetPairs();
+    if (!points.Error.empty()) throw PlatformError{points.Error};
+    return true;
+}
+
+}  // namespace
+
+void Einlesen_Neu() {
+    if (!ReadSet(Job.PathMCS, BadField::Ends, Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z)) return;
+    if (IsTrue(Job.IsParaboloid)) {
+        Job.OCS_Name = Job.MCS_Name;
+        Job.OCS_X = Job.MCS_X;
+        Job.OCS_Y = Job.MCS_Y;
+        Job.OCS_Z = Job.MCS_Z;
+        ForgetPairs();
+        return;
+    }
+    ReadSet(Job.PathOCS, BadField::LeavesValue, Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
+}
+
+bool ReadMorePoints(const std::string& path, const std::string& prefix, const std::string& suffix) {
+    Run.ImportFailed = kFalse;
+    PointText file = LoadPointText(path);
+    Flag hasName = kFalse;
+    ASCII_FileCheck(file, hasName, Run.Delimiter);
+    if (IsTrue(Run.ImportFailed)) return false;
+    PointColumns more = ReadPoints(file, IsTrue(hasName), DelimiterCharacter(Run.Delimiter), BadField::Ends);
+    if (!more.Error.empty()) throw PlatformError{more.Error};
+
+    // The coordinates may be longer than the names; the new points follow the last name.
+    const auto old = static_cast<std::size_t>(UpperBound(Job.MCS_Name)) + 1;
+    const auto append = [old](auto& all, auto& added) {
+        all.resize(old);
+        all.insert(all.end(), std::make_move_iterator(added.begin() + 1),
+                   std::make_move_iterator(added.end()));
+    };
+    if (!prefix.empty() || !suffix.empty())
+        for (std::size_t i = 1; i < more.Name.size(); ++i) more.Name[i] = prefix + more.Name[i] + suffix;
+    const auto extend = [&](auto& names, auto& x, auto& y, auto& z, PointColumns& added) {
+        append(names, added.Name);
+        append(x, added.X);
+        append(y, added.Y);
+        append(z, added.Z);
+    };
+    PointColumns copies = more;
+    extend(Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z, more);
+    extend(Job.TMCS_Name, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z, copies);
+    Job.nMCS = UpperBound(Job.MCS_Name);
+    Job.nMCSOnly = Job.nMCS - Job.nIdent;
+    ++Run.JobGeneration;
+    return true;
+}
+
+void RewritePointFile(const std::string& path, std::span<const std::string> names,
+                      std::span<const TaggedValue> x, std::span<const TaggedValue> y,
+                      std::span<const double> z) {
+    std::string content;
+    for (std::size_t i = 1; i < names.size(); ++i)
+        // Line by line, as it will be decoded.
+        content += EncodeText(names[i] + Run.Delimiter + PlainText(x[i].value_or(0)) + Run.Delimiter +
+                              PlainText(y[i].value_or(0)) + Run.Delimiter + PlainText(z[i]) + kLineEnd);
+    std::string kept = path + ".$";
+    while (File_Exist(kept) || Directory_Exist(kept)) kept += ".$";
+    RenameFile(path, kept);
+    try {
+        WriteFile(path, content);
+    } catch (const PlatformError& refusal) {
+        try {
+            RenameFile(kept, path);
+        } catch (const PlatformError&) {
+            throw PlatformError{refusal.What + "; the old file is now \"" + kept + "\""};
+        }
+        throw;
+    }
+}

@@ -1,0 +1,185 @@
+// The house's own rules: includes never run up, files stay small, texts are plain UTF-8.
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+
+#include "support/fixture.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const fs::path kSource = CORVINADE_SOURCE_DIR;
+
+// Rooms of one floor know nothing of each other. What stands directly in src/ is above all rooms.
+const std::map<std::string, int> kFloors = {
+    {"core", 0},     {"engine", 1},   {"import", 2}, {"paraboloid", 3}, {"bundle", 3},
+    {"analysis", 3}, {"graphics", 4}, {"paint", 5},  {"cli", 6},        {"ui", 6}};
+
+const std::set<std::string> kStandardHeaders = {"algorithm",     "any",           "array",
+                                                "atomic",        "bit",           "bitset",
+                                                "cctype",        "cerrno",        "cfenv",
+                                                "cfloat",        "charconv",      "chrono",
+                                                "climits",       "clocale",       "cmath",
+                                                "compare",       "complex",       "concepts",
+                                                "cstdarg",       "cstddef",       "cstdint",
+                                                "cstdio",        "cstdlib",       "cstring",
+                                                "ctime",         "cwchar",        "deque",
+                                                "exception",     "filesystem",    "forward_list",
+                                                "fstream",       "functional",    "initializer_list",
+                                                "iomanip",       "ios",           "iosfwd",
+                                                "iostream",      "istream",       "iterator",
+                                                "limits",        "list",          "locale",
+                                                "map",           "memory",        "new",
+                                                "numbers",       "numeric",       "optional",
+                                                "ostream",       "queue",         "random",
+                                                "ranges",        "ratio",         "set",
+                                                "span",          "sstream",       "stack",
+                                                "stdexcept",     "streambuf",     "string",
+                                                "string_view",   "system_error",  "tuple",
+                                                "type_traits",   "typeindex",     "typeinfo",
+                                                "unordered_map", "unordered_set", "utility",
+                                                "valarray",      "variant",       "vector",
+                                                "version"};
+
+struct Include {
+    std::string File;  // relative to src/
+    std::string Name;
+    bool Quoted;
+};
+
+bool IsSource(const fs::path& path) {
+    return path.extension() == ".cpp" || path.extension() == ".h";
+}
+
+std::vector<fs::path> FilesBelow(const fs::path& folder) {
+    std::vector<fs::path> files;
+    if (!fs::is_directory(folder)) return files;
+    for (const auto& entry : fs::recursive_directory_iterator(folder))
+        if (entry.is_regular_file()) files.push_back(entry.path());
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+std::vector<Include> AllIncludes() {
+    std::vector<Include> includes;
+    for (const fs::path& path : FilesBelow(kSource / "src")) {
+        if (!IsSource(path)) continue;
+        std::istringstream lines(Contents(path.string()));
+        for (std::string line; std::getline(lines, line);) {
+            const std::size_t hash = line.find_first_not_of(" \t");
+            if (hash == std::string::npos || line[hash] != '#') continue;
+            const std::size_t word = line.find_first_not_of(" \t", hash + 1);
+            if (word == std::string::npos || line.compare(word, 7, "include") != 0) continue;
+            const std::size_t open = line.find_first_of("\"<", word);
+            const std::size_t close = line.find_first_of("\">", open + 1);
+            includes.push_back({fs::relative(path, kSource / "src").generic_string(),
+                                line.substr(open + 1, close - open - 1), line[open] == '"'});
+        }
+    }
+    return includes;
+}
+
+// The first part of a path; "" for a file directly in src/.
+std::string RoomOf(const std::string& path) {
+    const std::size_t slash = path.find('/');
+    return slash == std::string::npos ? "" : path.substr(0, slash);
+}
+
+int FloorOf(const std::string& room) {
+    const auto found = kFloors.find(room);
+    return found == kFloors.end() ? 1000 : found->second;
+}
+
+// What is wrong with an include; "" when nothing is.
+std::string Objection(const Include& include) {
+    const std::string from = RoomOf(include.File);
+    if (!from.empty() && !kFloors.contains(from)) return "is in no known room";
+    if (!include.Quoted) {
+        const bool plain = from.empty() || FloorOf(from) <= FloorOf("graphics");
+        return plain && !kStandardHeaders.contains(include.Name) ? "is no standard header" : "";
+    }
+    const std::string to = RoomOf(include.Name);
+    if (from.empty()) return "";
+    if (to.empty()) return "stands above all rooms";
+    if (!kFloors.contains(to)) return "is in no known room";
+    return from == to || FloorOf(to) < FloorOf(from) ? "" : "runs up";
+}
+
+bool IsText(const fs::path& path) {
+    static const std::set<std::string> kExtensions = {".cpp", ".h",   ".md",  ".txt",  ".cmake",
+                                                      ".ui",  ".qrc", ".svg", ".json", ".py",
+                                                      ".sh",  ".yml", ".csv", ".xml"};
+    return kExtensions.contains(path.extension().string());
+}
+
+}  // namespace
+
+TEST(Floors, NoIncludeRunsUp) {
+    const std::vector<Include> includes = AllIncludes();
+    EXPECT_GT(includes.size(), 50U);
+    for (const Include& include : includes)
+        EXPECT_EQ(Objection(include), "") << include.File << " includes " << include.Name;
+}
+
+TEST(Floors, AnIncludeThatRunsUpIsSeen) {
+    EXPECT_EQ(Objection({"core/a.cpp", "core/b.h", true}), "");
+    EXPECT_EQ(Objection({"engine/a.cpp", "core/b.h", true}), "");
+    EXPECT_EQ(Objection({"windows.cpp", "graphics/b.h", true}), "");
+    EXPECT_EQ(Objection({"ui/a.cpp", "QWidget", false}), "");
+    EXPECT_NE(Objection({"core/a.cpp", "engine/b.h", true}), "");
+    EXPECT_NE(Objection({"import/a.h", "bundle/b.h", true}), "");
+    EXPECT_NE(Objection({"bundle/a.h", "analysis/b.h", true}), "");
+    EXPECT_NE(Objection({"cli/a.h", "ui/b.h", true}), "");
+    EXPECT_NE(Objection({"graphics/a.cpp", "QPainter", false}), "");
+    EXPECT_NE(Objection({"core/a.cpp", "unistd.h", false}), "");
+    EXPECT_NE(Objection({"core/a.cpp", "b.h", true}), "");
+    EXPECT_NE(Objection({"misc/a.cpp", "core/b.h", true}), "");
+}
+
+TEST(Floors, EveryIncludedHeaderOfOursExists) {
+    for (const Include& include : AllIncludes()) {
+        if (!include.Quoted || !kFloors.contains(RoomOf(include.Name))) continue;
+        EXPECT_TRUE(fs::exists(kSource / "src" / include.Name)) << include.File << ": " << include.Name;
+    }
+}
+
+TEST(Floors, NoSourceFileIsLongerThanFiveHundredLines) {
+    for (const fs::path& path : FilesBelow(kSource / "src")) {
+        if (!IsSource(path)) continue;
+        const std::string text = Contents(path.string());
+        EXPECT_LE(std::count(text.begin(), text.end(), '\n'), 500) << path;
+    }
+}
+
+TEST(Floors, TextsHaveNoByteOrderMarkNoCarriageReturnAndComposedUmlauts) {
+    int checked = 0;
+    for (const char* folder : {"src", "tests", "bench", "docs", "examples"})
+        for (const fs::path& path : FilesBelow(kSource / folder)) {
+            const std::string relative = fs::relative(path, kSource).generic_string();
+            // Input of a user may look as it likes.
+            if (relative.starts_with("tests/data/") || relative.starts_with("examples/")) {
+                if (path.extension() != ".md") continue;
+            }
+            if (!IsText(path)) continue;
+            const std::string text = Contents(path.string());
+            EXPECT_FALSE(text.starts_with("\xEF\xBB\xBF")) << relative;
+            EXPECT_EQ(text.find('\r'), std::string::npos) << relative;
+            EXPECT_EQ(text.find("\xCC\x88"), std::string::npos)
+                << relative;  // the trema as its own character
+            ++checked;
+        }
+    EXPECT_GT(checked, 50);
+}
+
+TEST(Floors, NamesOfSourceFilesAreAscii) {
+    for (const char* folder : {"src", "tests", "bench"})
+        for (const fs::path& path : FilesBelow(kSource / folder)) {
+            if (!IsSource(path)) continue;
+            for (const char c : path.filename().string())
+                EXPECT_LT(static_cast<unsigned char>(c), 0x80) << path;
+        }
+}

@@ -1,0 +1,210 @@
+// One calculation: its counts, its refusal, and what it leaves behind.
+#include "engine/calculation.h"
+
+#include <cmath>
+
+#include "cli/headless.h"
+#include "core/form_main.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "engine/adjustment.h"
+#include "engine/fit_job.h"
+#include "engine/selection.h"
+#include "engine/transform.h"
+#include "support/fixture.h"
+
+class CalculationRun : public Program {
+protected:
+    CalculationRun() {
+        BeginFit();
+        ShowWindow("FormMain");
+    }
+    static Vec3 Image(int i) {
+        const Vec3 p = StartPoint(i);
+        Vec3 image;
+        TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
+        return image;
+    }
+    static Vec3 Transformed(int i) {
+        const auto k = static_cast<std::size_t>(i);
+        return {*Job.TMCS_X[k], *Job.TMCS_Y[k], Job.TMCS_Z[k]};
+    }
+    static void ExpectTransformed(int i) {
+        for (int k = 1; k <= 3; ++k) EXPECT_NEAR(Transformed(i)(k), Image(i)(k), 1e-10) << i;
+    }
+    static void AddStartPointWithoutPartner(double x, double y, double z) {
+        for (auto* names : {&Job.MCS_Name, &Job.TMCS_Name}) names->push_back("alone");
+        Job.MCS_X.push_back(x);
+        Job.MCS_Y.push_back(y);
+        Job.MCS_Z.push_back(z);
+        Job.TMCS_X.push_back(0);
+        Job.TMCS_Y.push_back(0);
+        Job.TMCS_Z.push_back(0);
+        ++Job.nMCS;
+    }
+};
+
+namespace {
+const std::array<reference::Real, 18> kTruth = Truth({100, -200, 300, 0.4, -0.7, 2.1, 1, 1, 1, 1});
+}
+
+TEST_F(CalculationRun, TransformsPairsAndPointsWithoutPartner) {
+    AddCloud({.Points = 8, .Noise = 0.1, .Truth = kTruth});
+    AddStartPointWithoutPartner(1, 2, 3);
+    FloatParameters(kRigid);
+    ButtonCalcErsatz();
+    EXPECT_TRUE(Calculation.Converged);
+    EXPECT_TRUE(Calculation.Finite);
+    EXPECT_FALSE(Calculation.Refused);
+    EXPECT_EQ(Calculation.nFloat, 6);
+    EXPECT_EQ(Calculation.nObs, 24);
+    for (int i = 1; i <= 9; ++i) ExpectTransformed(i);
+    for (int i = 1; i <= 8; ++i)
+        EXPECT_EQ(*Job.TMCS_X[static_cast<std::size_t>(i)],
+                  TargetPoint(i)(1) + Calculation.v[static_cast<std::size_t>(3 * i - 2)]);
+    EXPECT_EQ(::Run.TrafoValid, kTrue);
+    EXPECT_EQ(::Run.JobDirty, kTrue);
+    EXPECT_TRUE(Main.MenueFileExport.Enabled);  // the commands know of the result
+}
+
+TEST_F(CalculationRun, RefusesTooFewObservationsAndChangesNothing) {
+    AddPair({0, 0, 0}, {1, 2, 3});
+    AddPair({100, 0, 0}, {101, 2, 3});
+    FloatParameters(kRigid);
+    FloatParameters({kScaleXYZ});
+    Job.TraX = 42;
+    ButtonCalcErsatz();
+    EXPECT_TRUE(Calculation.Refused);
+    EXPECT_EQ(Messages(), std::vector<std::string>{"This is not a redundant calculation"});
+    EXPECT_EQ(Job.TraX, 42);
+    EXPECT_EQ(::Run.TrafoValid, kFalse);
+    EXPECT_EQ(::Run.JobDirty, kFalse);
+}
+
+TEST_F(CalculationRun, AsManyWeightsAsUnknownsAreEnough) {
+    AddCloud({.Points = 2, .Truth = kTruth});
+    FloatParameters({kTraX, kTraY, kTraZ, kRotX, kRotZ, kScaleXYZ});
+    Settings.MaxIteration = 5;
+    ButtonCalcErsatz();
+    EXPECT_FALSE(Calculation.Refused);
+    Job.UseFlags[5] = 0;
+    ButtonCalcErsatz();
+    EXPECT_TRUE(Calculation.Refused);
+}
+
+TEST_F(CalculationRun, ADistanceIsOneObservationAPoint) {
+    AddCloud({.Points = 6, .Noise = 1, .Truth = kTruth});
+    FloatParameters(kRigid);
+    FloatParameters({kRDist});
+    Selection.CheckRDist = true;
+    ButtonCalcErsatz();
+    EXPECT_TRUE(Calculation.Refused);  // 6 distances for 7 unknowns
+    FloatParameters({kRDist});
+    Job.ParamText[kRotX] = "20";
+    Settings.MaxIteration = 3;
+    ButtonCalcErsatz();
+    EXPECT_FALSE(Calculation.Refused);
+}
+
+TEST_F(CalculationRun, InTheDistanceModelPairsGoThroughTheChain) {
+    AddCloud({.Points = 12, .Noise = 30, .Truth = kTruth});
+    FloatParameters(kRigid);
+    Job.ParamText[kRDist] = "40";
+    Settings.MaxIteration = 4;
+    ButtonCalcErsatz();
+    for (int i = 1; i <= 12; ++i) ExpectTransformed(i);
+}
+
+TEST_F(CalculationRun, DistanceAndToolTogetherAreWarnedOfAndCalculatedAllTheSame) {
+    AddCloud({.Points = 12, .Noise = 1, .Truth = kTruth});
+    Job.RobotABC = Matrix(12, 3);
+    for (int i = 1; i <= 12; ++i)
+        for (int k = 1; k <= 3; ++k) Job.RobotABC(i, k) = NextNumber();
+    FloatParameters(kRigid);
+    FloatParameters({kRDist, kRvecX, kRvecY, kRvecZ});
+    Selection.CheckRDist = Selection.CheckUseABC = true;
+    ButtonCalcErsatz();
+    EXPECT_EQ(Messages(),
+              std::vector<std::string>{"bigbug here in the CODE, you can never use R_Dist AND UseABC"});
+    EXPECT_EQ(Calculation.nFloat, 10);
+    EXPECT_TRUE(Calculation.Converged);
+    EXPECT_NEAR(Job.RDist,
+                std::sqrt(Job.Rvec_x * Job.Rvec_x + Job.Rvec_y * Job.Rvec_y + Job.Rvec_z * Job.Rvec_z),
+                1e-12);
+}
+
+TEST_F(CalculationRun, PosesInAnotherAngleUnitAreAskedAboutUntilTheUserHasEnough) {
+    AddCloud({.Points = 12, .Noise = 1, .Truth = kTruth});
+    Job.AngleUnitName = "rad";
+    FloatParameters(kRigid);
+    Selection.CheckUseABC = true;
+    Headless.Answers["message"] = {"OK", "Cancel"};
+    ButtonCalcErsatz();
+    ButtonCalcErsatz();
+    ButtonCalcErsatz();
+    ASSERT_EQ(Headless.Dialogs.size(), 2U);
+    EXPECT_EQ(Headless.Dialogs[0].Title, "Attention Angle UNITs");
+    EXPECT_EQ(Headless.Dialogs[0].Buttons, (std::vector<std::string>{"OK", "Cancel"}));
+    EXPECT_EQ(Headless.Dialogs[0].Text,
+              "Unit of Angels in Nominal InputFile must be the SAME as in your program Settings\r\n"
+              "Be sure [actual ProgramSetting is rad] is the unit of Angles in Nominal File!\r\n"
+              "Cancel = Don't show this Dialog again ");
+}
+
+TEST_F(CalculationRun, AResultThatIsNoNumberIsRecognisedAndTransformsNothing) {
+    AddCloud({.Points = 8, .Truth = kTruth});
+    FloatParameters(kRigid);
+    ButtonCalcErsatz();
+    EXPECT_EQ(::Run.TrafoValid, kTrue);
+    const auto before = Job.TMCS_X;
+    Job.MCS_Y[5] = std::nan("");
+    ButtonCalcErsatz();
+    EXPECT_FALSE(Calculation.Finite);
+    EXPECT_EQ(::Run.TrafoValid, kFalse);
+    EXPECT_EQ(Job.TMCS_X, before);
+    EXPECT_EQ(LastMessage(), "Calculation stopped after 100 Iterations, Convergence not reached yet!");
+}
+
+TEST_F(CalculationRun, AJobReplacedDuringTheCalculationIsLeftAlone) {
+    AddCloud({.Points = 8, .Truth = kTruth});
+    FloatParameters(kRigid);
+    for (const std::uint64_t when : {1, 3}) {
+        Headless.Yields = 0;
+        Headless.OnYield = [when] {
+            if (Headless.Yields != when) return;
+            ::Run.JobDirty = ::Run.TrafoValid = kFalse;
+            ++::Run.JobGeneration;
+        };
+        ButtonCalcErsatz();
+        EXPECT_EQ(::Run.TrafoValid, kFalse);
+        EXPECT_EQ(::Run.JobDirty, kFalse);
+    }
+}
+
+TEST_F(CalculationRun, MissingTransformedPointsAndFlagsAreMade) {
+    AddCloud({.Points = 8, .Truth = kTruth});
+    Job.TMCS_X.resize(3);
+    Job.TMCS_Y.resize(3);
+    Job.TMCS_Z.resize(3);
+    Job.TMCS_Name.resize(3);
+    Job.UseFlags.resize(4);
+    FloatParameters(kRigid);
+    ButtonCalcErsatz();
+    EXPECT_TRUE(Calculation.Converged);
+    EXPECT_EQ(Job.TMCS_Name.size(), 9U);
+    for (int i = 1; i <= 8; ++i) ExpectTransformed(i);
+}
+
+TEST_F(CalculationRun, SigmaXyzIsTheLengthOfTheAxes) {
+    AddCloud({.Points = 20, .Noise = 0.5, .Truth = kTruth});
+    FloatParameters(kRigid);
+    ButtonCalcErsatz();
+    EXPECT_NEAR(Calculation.SigmaXYZ,
+                std::sqrt(Calculation.sx * Calculation.sx + Calculation.sy * Calculation.sy +
+                          Calculation.sz * Calculation.sz),
+                1e-15);
+    EXPECT_NEAR(Calculation.SigmaXYZ, 0.5 * std::sqrt(3), 0.2);
+    EXPECT_GT(Calculation.Sigma[kTraX], 0);
+    EXPECT_EQ(Calculation.Sigma[kScaleX], 0);
+    EXPECT_EQ(Calculation.Significance[kScaleX], 0);
+}
