@@ -1,4 +1,6 @@
 // The tables above all rooms: every window, and every record with mutable state.
+#include "analysis/form_input_statistic.h"
+#include "analysis/form_options.h"
 #include "core/controller.h"
 #include "core/form_help_info.h"
 #include "core/form_main.h"
@@ -20,7 +22,8 @@
 namespace {
 
 const WindowEntry* const kWindows[] = {
-    &FormMain_Entry, &FormUnits_Entry, &FormMenuHelpInfo_Entry, &FormProgressBar_Entry, &FormInputFiles_Entry,
+    &FormMain_Entry,       &FormUnits_Entry,          &FormMenuHelpInfo_Entry, &FormProgressBar_Entry,
+    &FormInputFiles_Entry, &FormInputStatistic_Entry, &FormOptions_Entry,
 };
 
 const std::span<const RecordEntry> kRecordTables[] = {
