@@ -15,6 +15,7 @@
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/engine_records.h"
+#include "engine/norms.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
 #include "import/form_input_files.h"
@@ -41,6 +42,7 @@ void (*const kRecords[])() = {
     [] { Selection = SelectionRecord{}; },
     [] { Adjustment = AdjustmentRecord{}; },
     [] { Calculation = CalculationRecord{}; },
+    [] { Norm = NormRecord{}; },
     [] { Spezial = SpezialRecord{}; },
 };
 

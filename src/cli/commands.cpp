@@ -116,6 +116,13 @@ void AddModelOptions(CLI::App& fit, FitOptions& o) {
         ->check(OneOf({"level", "6", "7", "9", "12"}))
         ->type_name("level|6|7|9|12")
         ->group(group);
+    fit.add_option("--norm", o.Norm,
+                   "What is made least: the sum of squares (l2), the sum of absolute\n"
+                   "deviations (l1, robust against outliers), or nearly the largest\n"
+                   "deviation (loo); default: l2")
+        ->check(OneOf({"l1", "l2", "loo"}))
+        ->type_name("l1|l2|loo")
+        ->group(group);
     fit.add_option("--hold", o.Hold,
                    "Hold parameters at values, in the units in use:\n"
                    "rotz=0, scalexyz=1.002, trax=12.5")

@@ -13,6 +13,7 @@
 #include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/norms.h"
 #include "engine/quaternion.h"
 #include "engine/transform.h"
 
@@ -90,9 +91,9 @@ ordered_json Transformation() {
         {"quaternion", {{"order", "w, x, y, z of R"}, {"w", q[1]}, {"x", q[2]}, {"y", q[3]}, {"z", q[4]}}}};
 }
 
-ordered_json Points() {
+ordered_json Points(const std::vector<FitPoint>& points) {
     ordered_json list = ordered_json::array();
-    for (const FitPoint& point : FitPoints())
+    for (const FitPoint& point : points)
         list.push_back({{"name", point.Name},
                         {"start_mm", Triple(point.Start)},
                         {"target_mm", Triple(point.Target)},
@@ -116,6 +117,8 @@ ordered_json Others(const std::vector<std::string>& names, const X& x, const X& 
 
 void WriteFitJson(const FitOptions& options, std::ostream& out) {
     const auto& c = Calculation;
+    const std::vector<FitPoint> points = FitPoints();
+    const FitNorms norms = NormsOfDeviations(points);
     ordered_json root;
     root["schema"] = "corvinade-fit";
     root["schemaVersion"] = kSchemaVersion;
@@ -130,13 +133,19 @@ void WriteFitJson(const FitOptions& options, std::ostream& out) {
                       {"unknowns", c.nFloat}};
     root["converged"] = c.Converged;
     root["iterations"] = Adjustment.Iterations;
-    root["norm"] = "l2";
+    root["norm"] = options.Norm;
+    root["normIterations"] = Norm.Iterations;
     root["parameters"] = Parameters();
     root["transformation"] = Transformation();
-    root["quality"] = {{"s0_mm", c.s0},         {"sx_mm", c.sx},
-                       {"sy_mm", c.sy},         {"sz_mm", c.sz},
-                       {"sxyz_mm", c.SigmaXYZ}, {"note", "s0 = sqrt(vPv / (sum of weights - 1))"}};
-    root["points"] = Points();
+    root["quality"] = {{"s0_mm", c.s0},
+                       {"sx_mm", c.sx},
+                       {"sy_mm", c.sy},
+                       {"sz_mm", c.sz},
+                       {"sxyz_mm", c.SigmaXYZ},
+                       {"sumOfDeviations_mm", norms.Sum},
+                       {"largestDeviation_mm", norms.Largest},
+                       {"note", "s0 = sqrt(vPv / (sum of weights - 1))"}};
+    root["points"] = Points(points);
     root["startOnly"] = Others(Job.TMCS_Name, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z);
     root["targetOnly"] = Others(Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
     out << root.dump(2, ' ', false, ordered_json::error_handler_t::replace) << "\n";

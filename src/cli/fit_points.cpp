@@ -35,6 +35,18 @@ std::vector<FitPoint> FitPoints() {
     return points;
 }
 
+FitNorms NormsOfDeviations(const std::vector<FitPoint>& points) {
+    FitNorms norms;
+    for (const FitPoint& point : points)
+        for (int axis = 0; axis < 3; ++axis) {
+            if (!point.Used[axis]) continue;
+            const double deviation = std::fabs(point.Deviation[axis]);
+            norms.Sum += deviation;
+            norms.Largest = std::max(norms.Largest, deviation);
+        }
+    return norms;
+}
+
 int ObservationsInUse() {
     return static_cast<int>(
         std::count(Job.UseFlags.begin() + 1, Job.UseFlags.begin() + 1 + 3 * Job.nIdent, 1));

@@ -14,6 +14,7 @@
 #include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/norms.h"
 
 namespace {
 
@@ -44,6 +45,9 @@ void WriteHead(const FitOptions& options, const Style& style, std::ostream& out)
     if (Job.nMCSOnly > 0) out << ", " << Job.nMCSOnly << " only in start";
     if (Job.nOCSOnly > 0) out << ", " << Job.nOCSOnly << " only in target";
     out << "\n" << Label("observations") << ObservationsInUse() << " in use, " << c.nFloat << " unknowns\n";
+    if (Norm.Iterations > 0)
+        out << Label("norm") << (options.Norm == "l1" ? "L1" : "L-infinity") << ", " << Norm.Iterations
+            << " weightings\n";
     out << Label("iterations") << Adjustment.Iterations;
     if (!c.Converged) out << "  " << style.Alarm("convergence not reached");
     out << "\n";
@@ -61,7 +65,7 @@ void WriteParameters(const Style& style, std::ostream& out) {
         out << columns.Line(cells(p)) << "  " << style.Quiet(p.Unit) << "\n";
 }
 
-void WriteQuality(const Style& style, std::ostream& out) {
+void WriteQuality(const std::vector<FitPoint>& points, const Style& style, std::ostream& out) {
     const auto& c = Calculation;
     const std::vector<std::string> mean = {"mean error", ShownLength(c.sx), ShownLength(c.sy),
                                            ShownLength(c.sz), ShownLength(c.SigmaXYZ)};
@@ -69,14 +73,20 @@ void WriteQuality(const Style& style, std::ostream& out) {
     TextColumns columns{{12, 10, 10, 10, 10}};
     columns.MakeRoom(mean);
     columns.MakeRoom(s0);
+    const FitNorms norms = NormsOfDeviations(points);
+    const std::vector<std::string> sum = {"sum", Length(norms.Sum)};
+    const std::vector<std::string> largest = {"largest", Length(norms.Largest)};
+    columns.MakeRoom(sum);
+    columns.MakeRoom(largest);
     out << "\n"
         << style.Heading(columns.Line({"Quality", "x", "y", "z", "xyz"})) << "  "
         << style.Quiet(Job.LengthUnitName) << "\n";
     out << columns.Line(mean) << "\n" << columns.Line(s0) << "\n";
+    // What the other norms make least; with least squares the deviations below tell enough.
+    if (Norm.Iterations > 0) out << columns.Line(sum) << "\n" << columns.Line(largest) << "\n";
 }
 
-void WriteDeviations(const Style& style, std::ostream& out) {
-    const std::vector<FitPoint> points = FitPoints();
+void WriteDeviations(const std::vector<FitPoint>& points, const Style& style, std::ostream& out) {
     const auto cells = [](const FitPoint& point) {
         std::vector<std::string> texts = {ForTable(point.Name, kLongestName)};
         for (int axis = 0; axis < 3; ++axis) {
@@ -112,8 +122,9 @@ void WriteFitTable(const FitOptions& options, std::ostream& out, bool colour) {
     const Style style{colour};
     WriteHead(options, style, out);
     WriteParameters(style, out);
-    WriteQuality(style, out);
-    WriteDeviations(style, out);
+    const std::vector<FitPoint> points = FitPoints();
+    WriteQuality(points, style, out);
+    WriteDeviations(points, style, out);
 }
 
 void WriteFitCsv(const FitOptions&, std::ostream& out) {

@@ -3,6 +3,7 @@
 
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/norms.h"
 
 namespace {
 
@@ -20,6 +21,8 @@ const RecordEntry kRecords[] = {
     {"Sigma", NumberRow{Calculation.Sigma.data(), 18}, Storage::Run},
     {"Significance", NumberRow{Calculation.Significance.data(), 18}, Storage::Run},
     {"Iterations", &Adjustment.Iterations, Storage::Run},
+    {"NormTolerance", &Norm.NormTolerance, Storage::Run},
+    {"NormIterations", &Norm.Iterations, Storage::Run},
 };
 
 }  // namespace
