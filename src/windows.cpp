@@ -13,6 +13,7 @@
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/engine_records.h"
+#include "engine/inverse.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
 #include "import/form_input_files.h"
@@ -38,6 +39,7 @@ void (*const kRecords[])() = {
     [] { Selection = SelectionRecord{}; },
     [] { Adjustment = AdjustmentRecord{}; },
     [] { Calculation = CalculationRecord{}; },
+    [] { Inverse = InverseRecord{}; },
     [] { Spezial = SpezialRecord{}; },
 };
 

@@ -3,6 +3,7 @@
 
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/inverse.h"
 
 namespace {
 
@@ -20,6 +21,10 @@ const RecordEntry kRecords[] = {
     {"Sigma", NumberRow{Calculation.Sigma.data(), 18}, Storage::Run},
     {"Significance", NumberRow{Calculation.Significance.data(), 18}, Storage::Run},
     {"Iterations", &Adjustment.Iterations, Storage::Run},
+    {"InvTraX", &Inverse.InvTraX, Storage::Run},
+    {"InvTraY", &Inverse.InvTraY, Storage::Run},
+    {"InvTraZ", &Inverse.InvTraZ, Storage::Run},
+    {"InvSolutions", &Inverse.InvSolutions, Storage::Run},
 };
 
 }  // namespace
