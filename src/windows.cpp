@@ -15,6 +15,7 @@
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/engine_records.h"
+#include "engine/inverse.h"
 #include "engine/norms.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
@@ -43,6 +44,7 @@ void (*const kRecords[])() = {
     [] { Adjustment = AdjustmentRecord{}; },
     [] { Calculation = CalculationRecord{}; },
     [] { Norm = NormRecord{}; },
+    [] { Inverse = InverseRecord{}; },
     [] { Spezial = SpezialRecord{}; },
 };
 
