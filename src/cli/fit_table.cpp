@@ -74,8 +74,8 @@ void WriteQuality(const std::vector<FitPoint>& points, const Style& style, std::
     columns.MakeRoom(mean);
     columns.MakeRoom(s0);
     const FitNorms norms = NormsOfDeviations(points);
-    const std::vector<std::string> sum = {"sum", Length(norms.Sum)};
-    const std::vector<std::string> largest = {"largest", Length(norms.Largest)};
+    const std::vector<std::string> sum = {"sum", ShownLength(norms.Sum)};
+    const std::vector<std::string> largest = {"largest", ShownLength(norms.Largest)};
     columns.MakeRoom(sum);
     columns.MakeRoom(largest);
     out << "\n"
