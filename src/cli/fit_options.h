@@ -21,6 +21,7 @@ struct FitOptions {
     std::optional<char> Decimal;
     std::string Delimiter;
     std::optional<bool> Questions;  // --yes or --no
+    bool Inverse = false;           // table and JSON tell the inverse transformation as well
     FitOutput Output = FitOutput::Table;
 };
 

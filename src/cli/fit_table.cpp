@@ -13,6 +13,7 @@
 #include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/inverse.h"
 
 namespace {
 
@@ -102,6 +103,59 @@ void WriteParameters(const Style& style, std::ostream& out) {
         if (isUsed(row)) out << columns.Line(cells(row)) << "  " << style.Quiet(UnitOf(row.Is)) << "\n";
 }
 
+// The inverse, a column a solution. Matrices with tiny elements have solutions beyond counting; the first
+// ones do for a table.
+constexpr int kSolutionsAcross = 4;
+constexpr int kMostSolutions = 16;
+
+void WriteSolutions(int first, int last, const Style& style, std::ostream& out) {
+    struct Line {
+        int Column;
+        const char* Name;
+        Kind Is;
+    };
+    constexpr std::array<Line, 9> lines = {{{1, "rot x", Kind::Angle},
+                                            {2, "rot y", Kind::Angle},
+                                            {3, "rot z", Kind::Angle},
+                                            {4, "scale x", Kind::Scale},
+                                            {5, "scale y", Kind::Scale},
+                                            {6, "scale z", Kind::Scale},
+                                            {7, "xy", Kind::Angle},
+                                            {8, "Azimuth", Kind::Angle},
+                                            {9, "z to xy", Kind::Angle}}};
+    const auto cells = [first, last](const Line& line) {
+        std::vector<std::string> texts = {line.Name};
+        for (int i = first; i <= last; ++i)
+            texts.push_back(Shown(line.Is, Inverse.InvSolutions(i, line.Column)));
+        return texts;
+    };
+    std::vector<std::string> head = {""};
+    for (int i = first; i <= last; ++i) head.push_back("solution " + std::to_string(i));
+    TextColumns columns{std::vector<int>(head.size(), 12)};
+    columns.MakeRoom(head);
+    for (const Line& line : lines) columns.MakeRoom(cells(line));
+    out << "\n" << style.Heading(columns.Line(head)) << "\n";
+    for (const Line& line : lines)
+        out << columns.Line(cells(line)) << "  " << style.Quiet(UnitOf(line.Is)) << "\n";
+}
+
+void WriteInverse(const Style& style, std::ostream& out) {
+    const std::array<std::vector<std::string>, 3> rows = {{{"Tra x", Length(Inverse.InvTraX)},
+                                                           {"Tra y", Length(Inverse.InvTraY)},
+                                                           {"Tra z", Length(Inverse.InvTraZ)}}};
+    TextColumns columns{{12, 16}};
+    for (const auto& row : rows) columns.MakeRoom(row);
+    out << "\n" << style.Heading(columns.Line({"Inverse", "value"})) << "  unit\n";
+    for (const auto& row : rows) out << columns.Line(row) << "  " << style.Quiet(Job.LengthUnitName) << "\n";
+    const int solutions = std::max(Inverse.InvSolutions.Rows, 0);
+    if (solutions == 0) out << style.Alarm("no solution") << "\n";
+    const int shown = std::min(solutions, kMostSolutions);
+    for (int first = 1; first <= shown; first += kSolutionsAcross)
+        WriteSolutions(first, std::min(first + kSolutionsAcross - 1, shown), style, out);
+    if (shown < solutions)
+        out << style.Quiet("(and " + std::to_string(solutions - shown) + " more solutions)") << "\n";
+}
+
 void WriteQuality(const Style& style, std::ostream& out) {
     const auto& c = Calculation;
     const std::vector<std::string> mean = {"mean error", Length(c.sx), Length(c.sy), Length(c.sz),
@@ -153,6 +207,7 @@ void WriteFitTable(const FitOptions& options, std::ostream& out, bool colour) {
     const Style style{colour};
     WriteHead(options, style, out);
     WriteParameters(style, out);
+    if (options.Inverse) WriteInverse(style, out);
     WriteQuality(style, out);
     WriteDeviations(style, out);
 }

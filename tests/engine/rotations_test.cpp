@@ -196,3 +196,15 @@ TEST_F(Rotations, AgreeWithPublishedRobotAngles) {
             EXPECT_NEAR(sign * q[k + 1], expected[k].get<double>(), tolerance);
     }
 }
+
+TEST_F(Rotations, TheInverseIsTheOneOfTheSweepUnlessRightAnglesCostItsDigits) {
+    Mat3 R;
+    RotMatrixXYZ(0.3, -0.4, 0.5, R);
+    Mat3 swept;
+    MatrixInverse(R, 3, 3, swept);
+    EXPECT_EQ(InverseRotation(R).Elements, swept.Elements);
+    RotMatrixXYZ(kPi / 2, 0, kPi / 2, R);
+    const Mat3 inverse = InverseRotation(R);
+    for (int i = 1; i <= 3; ++i)
+        for (int j = 1; j <= 3; ++j) EXPECT_NEAR(inverse(i, j), R(j, i), 1e-9);
+}
