@@ -89,10 +89,11 @@ void Update(const FitModel& model, const Column& x) {
 
 // The corrections of all passes as text, which the clipboard shows while the iteration runs.
 struct CorrectionTrace {
+    bool Kept = Selection.CheckRDist;
     std::string Text;
 
     void Add(const Column& x, int u) {
-        if (Selection.CheckRDist) {
+        if (Kept) {
             for (int i = 1; i <= u; ++i) Text += PlainText(x[At(i)]) + "\t";
             Text += kLineEnd;
         }
@@ -200,9 +201,11 @@ void BestFitIteration(int u, int n, const ParameterTexts& ParamText, Matrix& Q, 
                       GatheredPoints& points) {
     Require(n == 3 * Job.nIdent && points.Count == Job.nIdent && UpperBound(P) >= n);
     Require(u == CountUnknowns(ParamText));
-    Adjustment = {.AngleUnitsConfirmed = Adjustment.AngleUnitsConfirmed};
+    const bool confirmed = Adjustment.AngleUnitsConfirmed;
+    Adjustment = AdjustmentRecord{};
+    Adjustment.AngleUnitsConfirmed = confirmed;
     TakeStartValues(ParamText);
-    const FitModel model = ChooseModel(ParamText);
+    const FitModel model = Adjustment.Model = ChooseModel(ParamText);
     if (model.Mode == FitMode::Distance) PackWeights(P);
     SetWeights(P, points);
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "core/arrays.h"
+#include "engine/design.h"
 #include "engine/gathered_points.h"
 
 // How the last run of the adjustment went, and what outlives a run.
@@ -14,6 +15,7 @@ struct AdjustmentRecord {
     bool Converged = false;   // the largest correction fell below the threshold
     bool Finite = true;       // no parameter has become infinite or undefined
     bool JobChanged = false;  // the points were replaced while events were served: nothing was written
+    FitModel Model;           // of this run; the choice may change while events are served
     bool AngleUnitsConfirmed = false;  // the user wants no more warnings of the poses' angle unit
 };
 inline AdjustmentRecord Adjustment;

@@ -83,14 +83,15 @@ void ButtonCalcErsatz() {
     const std::uint64_t generation = Run.JobGeneration;
     YieldToEvents();
     if (Run.JobGeneration != generation) return;
-    if (Selection.CheckUseABC && Selection.CheckRDist)
+    const bool useABC = Selection.CheckUseABC;
+    if (useABC && Selection.CheckRDist)
         ShowMessage("bigbug here in the CODE, you can never use R_Dist AND UseABC");
 
     const int u = CountUnknowns(Job.ParamText);
     const int n = 3 * Job.nIdent;
     Column P = WeightsFromUseFlags(n);
     double W = std::accumulate(P.begin(), P.end(), 0.0);
-    if (Selection.CheckRDist && !Selection.CheckUseABC) W /= 3;
+    if (Selection.CheckRDist && !useABC) W /= 3;
     Calculation.Refused = W < u;
     if (Calculation.Refused) {
         ShowMessage("This is not a redundant calculation");
@@ -107,9 +108,9 @@ void ButtonCalcErsatz() {
     Job.RotXCopy = Job.RotX;
     Job.RotYCopy = Job.RotY;
     Job.RotZCopy = Job.RotZ;
-    const FitModel model = ChooseModel(Job.ParamText);
+    const FitModel& model = Adjustment.Model;
     FillStatistics(model);
-    if (Selection.CheckUseABC) Job.RDist = Hypot3(Job.Rvec_x, Job.Rvec_y, Job.Rvec_z);
+    if (useABC) Job.RDist = Hypot3(Job.Rvec_x, Job.Rvec_y, Job.Rvec_z);
 
     // In the distance and the tool model a residual is not the way to the target point.
     if (Calculation.Finite) TransformAllPoints(model.Mode == FitMode::Coincide ? &Calculation.v : nullptr);

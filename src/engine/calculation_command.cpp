@@ -1,16 +1,30 @@
 // The calculation as other rooms ask for it.
 #include "core/job.h"
 #include "core/refresh.h"
+#include "core/run.h"
 #include "core/window.h"
 #include "engine/calculation.h"
 #include "engine/presets.h"
+#include "engine/seed.h"
+
+namespace {
+
+// A stop ends the calculation that it came to, whichever way that ends, and not the next one.
+struct StopRequestTaken {
+    StopRequestTaken() = default;
+    ~StopRequestTaken() { Run.StopRequested = kFalse; }
+    StopRequestTaken(const StopRequestTaken&) = delete;
+    StopRequestTaken& operator=(const StopRequestTaken&) = delete;
+};
+
+}  // namespace
 
 void myButtonCalculate() {
     const BusyPointer busy;
+    const StopRequestTaken stop;
     // A job without a choice of parameters stands on six.
     if (Job.ParamText[1].empty()) SelectPreset("6");
-    for (int i = 1; i <= 3 && Job.SeedName[1].empty(); ++i)
-        Job.SeedIndex[static_cast<std::size_t>(i)] = static_cast<std::int16_t>(i);
+    ChooseDefaultSeeds();
     ButtonCalcErsatz();
 }
 

@@ -20,22 +20,26 @@ bool TakesPart(const Column& P, int i) {
     return P[At(3 * i - 2)] != 0 || P[At(3 * i - 1)] != 0 || P[At(3 * i)] != 0;
 }
 
-void FindCentres(const Column& P, GatheredPoints& points) {
-    const int step = std::max(1, points.Count / kMostForCentre);
+// Takes every so many points; false when none of them takes part.
+bool FindCentres(const Column& P, int step, GatheredPoints& points) {
     int taken = 0;
+    std::array<int, 4> targetsTaken{};
     Vec3 start, target;
     for (int i = 1; i <= points.Count; i += step) {
         if (!TakesPart(P, i)) continue;
         ++taken;
-        // Running means: no sum that could overflow where the points do not.
+        // Running means: no sum that could overflow where the points do not. A target coordinate that
+        // is out of use may be anything, and must not draw the centre away from the others.
         const Vec3 p = StartPoint(i), q = TargetPoint(i);
         for (int axis = 1; axis <= 3; ++axis) {
             start(axis) += (p(axis) - start(axis)) / taken;
-            target(axis) += (q(axis) - target(axis)) / taken;
+            if (P[At(3 * (i - 1) + axis)] != 0)
+                target(axis) += (q(axis) - target(axis)) / ++targetsTaken[At(axis)];
         }
     }
     points.StartCentre = start;
     points.TargetCentre = target;
+    return taken > 0;
 }
 
 void GatherPoses(GatheredPoints& points) {
@@ -60,7 +64,8 @@ void GatherPoints(const Column& P, bool poses, GatheredPoints& points) {
     points.Count = Job.nIdent;
     points.Padded = WholeLanes(points.Count);
     Require(UpperBound(P) >= 3 * points.Count);
-    FindCentres(P, points);
+    const int step = std::max(1, points.Count / kMostForCentre);
+    if (!FindCentres(P, step, points) && step > 1) FindCentres(P, 1, points);
     const auto padded = At(points.Padded);
     for (int axis = 0; axis < 3; ++axis) {
         points.Start[At(axis)].resize(padded);

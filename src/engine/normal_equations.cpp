@@ -142,8 +142,9 @@ void Residuals(const GatheredPoints& points, const FitModel& model, const Linear
         }
         if (distance) {
             const double length = std::sqrt(l[0] * l[0] + l[1] * l[1] + l[2] * l[2]);
-            v[At(i)] = (l[0] * Ax[0] + l[1] * Ax[1] + l[2] * Ax[2]) / length + distanceCorrection -
-                       (length - at.RDist);
+            // A point out of use may stand on its target, where no direction leads to it.
+            const double along = length == 0 ? 0 : (l[0] * Ax[0] + l[1] * Ax[1] + l[2] * Ax[2]) / length;
+            v[At(i)] = along + distanceCorrection - (length - at.RDist);
         } else {
             for (int axis = 1; axis <= 3; ++axis) v[At(3 * (i - 1) + axis)] = Ax[axis - 1] - l[axis - 1];
         }

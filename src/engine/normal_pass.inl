@@ -81,10 +81,11 @@ LANES_INLINE void BuildDistanceRows(const BlockPoints& block, const FitModel& mo
     for (int p = 0; p < block.Count; ++p) {
         const double dx = direction[0][p], dy = direction[1][p], dz = direction[2][p];
         const double D = distance[p] = std::sqrt(dx * dx + dy * dy + dz * dz);
-        // A distance of 0 has no direction. It spoils the fit of the point that has it, and must not do
-        // so where the point takes no part.
-        const double inverse = block.Weight != nullptr && block.Weight[p] == 0 ? 0 : 1 / D;
-        for (int axis = 0; axis < 3; ++axis) direction[axis][p] *= inverse;
+        // A distance of 0 or beyond the range has no direction. It spoils the fit of the point that has
+        // it, and must not do so where the point takes no part.
+        const bool takesPart = block.Weight == nullptr || block.Weight[p] != 0;
+        for (int axis = 0; axis < 3; ++axis)
+            direction[axis][p] = takesPart ? direction[axis][p] * (1 / D) : 0;
     }
     double* out = A;
     for (int k = 0; k < at.InnerCount; ++k, out += kBlock) {
@@ -166,13 +167,17 @@ LANES_INLINE void TilesOfRows(const double* weighted, const double* plain, int c
 }
 
 // Adds the products of all columns of a block. The observation is a column, but no row.
-LANES_INLINE void AddProducts(const BlockPoints& block, const double* A, double* weighted, int columns,
+LANES_INLINE void AddProducts(const BlockPoints& block, double* A, double* weighted, int columns,
                               double* sums) {
     const double* rows = A;
     if (block.Weight != nullptr) {
         for (int k = 0; k + 1 < columns; ++k)
             for (int p = 0; p < block.Count; p += LANES_WIDTH)
                 AT(weighted + k * kBlock + p) = READ(A + k * kBlock + p) * READ(block.Weight + p);
+        // Products with a factor 0 are left out: an observation without weight may be no number.
+        double* const observation = A + (columns - 1) * kBlock;
+        for (int p = 0; p < block.Count; p += LANES_WIDTH)
+            AT(observation + p) = READ(block.Weight + p) != 0 ? READ(observation + p) : Vector{};
         rows = weighted;
     }
     for (int i = 0; i + 1 < columns; i += TILE) {

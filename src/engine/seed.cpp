@@ -5,7 +5,10 @@
 #include <cmath>
 
 #include "core/job.h"
+#include "core/numbers.h"
+#include "core/require.h"
 #include "core/settings.h"
+#include "core/units.h"
 #include "engine/field_number.h"
 #include "engine/matrix.h"
 #include "engine/rotations.h"
@@ -157,6 +160,20 @@ const std::string* ChosenStart(int parameter) {
     return Selection.FieldText[k] != kNotUsed ? &Selection.FieldText[k] : nullptr;
 }
 
+void SetSeed(std::size_t k, int pair) {
+    Job.SeedIndex[k] = ToInt16(pair, "Number of the seed point");
+    Job.SeedName[k] = Job.MCS_Name[static_cast<std::size_t>(pair)];
+}
+
+// A parameter's present value as its field shows it.
+std::string ShownValue(int parameter) {
+    const double value = ParameterValue(Job, parameter);
+    if (parameter <= kTraZ || parameter == kRDist)
+        return FormatNumber(value * Units.LengthFactor, Units.FmtLength);
+    if (parameter >= kScaleX && parameter <= kScaleXYZ) return FormatNumber(value, Units.FmtScale);
+    return WinkelFormat(value);
+}
+
 }  // namespace
 
 void RawSolution(double& tx, double& ty, double& tz, double& rx, double& ry, double& rz, double& sx,
@@ -221,4 +238,28 @@ void GetSeed() {
 
 bool ItsASeed(const std::string& name) {
     return name == Job.SeedName[1] || name == Job.SeedName[2] || name == Job.SeedName[3];
+}
+
+void ChooseDefaultSeeds() {
+    if (!Job.SeedName[1].empty()) return;
+    for (int k = 1; k <= 3 && k <= Job.nIdent; ++k) SetSeed(static_cast<std::size_t>(k), k);
+}
+
+void TakeAsNewestSeed(int pair) {
+    Require(pair >= 1 && pair <= Job.nIdent);
+    if (ItsASeed(Job.MCS_Name[static_cast<std::size_t>(pair)])) return;
+    const auto names = Job.SeedName;
+    const auto indices = Job.SeedIndex;
+    SetSeed(1, pair);
+    for (std::size_t k = 2; k <= 3; ++k) {
+        Job.SeedIndex[k] = indices[k - 1];
+        Job.SeedName[k] = names[k - 1];
+    }
+}
+
+void SeedsFromResult() {
+    for (int parameter = kTraX; parameter <= kRDist; ++parameter) {
+        const auto k = static_cast<std::size_t>(parameter);
+        if (IsHeldValue(Selection.FieldText[k])) Selection.SeedText[k] = ShownValue(parameter);
+    }
 }

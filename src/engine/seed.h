@@ -16,3 +16,15 @@ void GetSeed();
 
 // True when the name is that of one of the three seed points.
 bool ItsASeed(const std::string& name);
+
+// Where no seed points have been chosen (Job.SeedName(1) is empty): pairs 1, 2 and, if there is one, 3.
+void ChooseDefaultSeeds();
+
+// Makes an identical point the newest seed: it becomes the first one, the first the second, the second
+// the third. A point that is a seed already changes nothing. Require: 1 <= pair <= Job.nIdent. Throws
+// PlatformError, the seeds unchanged, for a pair beyond 32767, the last that a job file can name.
+void TakeAsNewestSeed(int pair);
+
+// Turns the last result into start values: every parameter whose field holds a value gives its seed
+// field the job's present value in the shown unit and format, and so does the distance.
+void SeedsFromResult();

@@ -183,3 +183,34 @@ TEST_F(Matrices, SizesBeyondTheArrayOrThirtyTwoThousandAreABrokenPromise) {
     EXPECT_DEATH(MatrixAdd(wide, 1, 32768, wide, target), "");
     MatrixAdd(wide, 1, 32767, wide, target);
 }
+
+TEST_F(Matrices, SumsOfProductsRunUpwards) {
+    // (1e16 + 1) - 1e16 is 0 in 64 bits, every other order gives 1 or 2.
+    Matrix C(1, 1);
+    MatrixMultiply(Filled(1, 3, {1e16, 1, -1e16}), 1, 3, Filled(3, 1, {1, 1, 1}), 1, C);
+    EXPECT_EQ(C(1, 1), 0);
+    MatrixMultiply(Filled(1, 3, {1e16, -1e16, 1}), 1, 3, Filled(3, 1, {1, 1, 1}), 1, C);
+    EXPECT_EQ(C(1, 1), 1);
+}
+
+TEST_F(Matrices, InverseSearchesNoPivotAndAddsItsConstantToEachInTurn) {
+    // A permutation: the first pivot is the constant alone, the second what the sweep has left.
+    Matrix B(2, 2);
+    MatrixInverse(Filled(2, 2, {0, 1, 1, 0}), 2, 2, B);
+    EXPECT_NEAR(B(1, 2), 1, 1e-12);
+    EXPECT_NEAR(B(2, 1), 1, 1e-12);
+    EXPECT_NEAR(B(2, 2), -1e-12, 1e-24);
+    EXPECT_NEAR(B(1, 1), 0, 1e-3);
+    MatrixInverse(Filled(2, 2, {1, 0, 0, 1e-12}), 2, 2, B);
+    EXPECT_EQ(B(1, 1), 1 / (1e-12 + 1));
+    EXPECT_NEAR(B(2, 2), 5e11, 1);
+}
+
+TEST_F(Matrices, InverseSweepsTheFirstSizeAndCopiesTheSecond) {
+    Matrix B(3, 2);
+    MatrixInverse(Filled(3, 2, {2, 0, 0, 4, 7, 9}), 2, 3, B);
+    EXPECT_NEAR(B(1, 1), 0.5, 1e-11);
+    EXPECT_NEAR(B(2, 2), 0.25, 1e-11);
+    EXPECT_EQ(B(3, 1), 7);
+    EXPECT_EQ(B(3, 2), 9);
+}

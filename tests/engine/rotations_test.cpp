@@ -104,7 +104,7 @@ TEST_F(Rotations, TheIdentityHasZeroInOneSlotAndPiInTheOther) {
     }
 }
 
-TEST_F(Rotations, DecompositionAtThePoleStillDescribesTheMatrix) {
+TEST_F(Rotations, DecompositionAtThePoleGivesNumbers) {
     for (const double b : {kPi / 2, -kPi / 2}) {
         Mat3 R;
         RotMatrixXYZ(0.3, b, 0.5, R);
@@ -207,4 +207,110 @@ TEST_F(Rotations, TheInverseIsTheOneOfTheSweepUnlessRightAnglesCostItsDigits) {
     const Mat3 inverse = InverseRotation(R);
     for (int i = 1; i <= 3; ++i)
         for (int j = 1; j <= 3; ++j) EXPECT_NEAR(inverse(i, j), R(j, i), 1e-9);
+}
+
+TEST_F(Rotations, QuotientsOfTheDecompositionAddTheirConstant) {
+    // 1e-14 / (1e-14 + 1e-14) where both elements are as small as the constant.
+    Mat3 M;
+    M(3, 1) = 1;
+    M(3, 2) = -1e-14;
+    M(3, 3) = 1e-14;
+    M(2, 1) = -2e-14;
+    M(1, 1) = 1e-14;
+    Vec3 first, second;
+    EulerFromMatrixXYZ(M, first, second);
+    for (const Vec3& angles : {first, second}) {
+        EXPECT_NEAR(std::tan(angles(1)), 0.5, 1e-8);
+        EXPECT_EQ(angles(2), 3.1415926535 - 3.1415926535 / 2);
+        EXPECT_NEAR(std::tan(angles(3)), 1, 1e-8);
+    }
+}
+
+TEST_F(Rotations, TheWorseSlotIsReplacedAndTheSecondOneFirst) {
+    // Turned by 0.2 about X. In the order of trial the true triple is the first and goes to the second
+    // slot; its twin, all three moved by half a turn, is the last and goes to the first slot.
+    Mat3 R;
+    Vec3 first, second;
+    RotMatrixXYZ(0.2, 0.1, 0.3, R);
+    EulerFromMatrixXYZ(R, first, second);
+    for (int k = 1; k <= 3; ++k) EXPECT_NEAR(second(k), k == 1 ? 0.2 : k == 2 ? 0.1 : 0.3, 1e-12);
+    EXPECT_NEAR(first(1), 0.2 + 3.1415926535 - 6.283185307, 1e-9);
+    EXPECT_NEAR(first(2), 3.1415926535 - 0.1, 1e-12);
+    EXPECT_NEAR(first(3), 0.3 + 3.1415926535 - 6.283185307, 1e-9);
+    // Now the twin is the third in the order of trial. The first one, X and Z moved by half a turn, is
+    // wrong by 2 cos b (|cos a| + |sin a| + |cos c| + |sin c|) = 4.95 in all, the second one, X moved
+    // alone, by 5.59: the twin replaces that in the first slot, and the true triple the other one.
+    RotMatrixXYZ(2.8, 0.1, 2.9, R);
+    EulerFromMatrixXYZ(R, first, second);
+    EXPECT_NEAR(first(1), 2.8 - M_PI, 1e-9);
+    EXPECT_NEAR(first(2), 3.1415926535 - 0.1, 1e-12);
+    EXPECT_NEAR(second(1), 2.8, 1e-9);
+    EXPECT_NEAR(second(2), 0.1, 1e-12);
+}
+
+TEST_F(Rotations, AtThePoleTheSignOfTheSineIsLostDownwards) {
+    // Upwards the pole is found; downwards ArcSin answers with the upper one for both candidates.
+    for (const double b : {kPi / 2, -kPi / 2}) {
+        Mat3 R;
+        RotMatrixXYZ(0, b, 0, R);
+        ASSERT_EQ(R(3, 1), b > 0 ? 1 : -1);
+        Vec3 first, second;
+        EulerFromMatrixXYZ(R, first, second);
+        EXPECT_EQ(first(2), 3.1415926535 - 3.1415926535 / 2);
+        EXPECT_EQ(second(2), 3.1415926535 - 3.1415926535 / 2);
+    }
+}
+
+TEST_F(Rotations, QuaternionOfHalfTurnsTakesTheRightCaseAtTies) {
+    const double half = std::sqrt(0.5);
+    struct Turn {
+        std::array<double, 9> M;
+        std::array<double, 4> Q;
+    };
+    const Turn turns[] = {
+        {{1, 0, 0, 0, -1, 0, 0, 0, -1}, {0, 1, 0, 0}},
+        {{-1, 0, 0, 0, 1, 0, 0, 0, -1}, {0, 0, 1, 0}},
+        {{-1, 0, 0, 0, -1, 0, 0, 0, 1}, {0, 0, 0, 1}},
+        {{0, 1, 0, 1, 0, 0, 0, 0, -1}, {0, half, half, 0}},
+        {{0, 0, 1, 0, -1, 0, 1, 0, 0}, {0, half, 0, half}},
+        {{-1, 0, 0, 0, 0, 1, 0, 1, 0}, {0, 0, half, half}},
+        {{0, 0, 1, 1, 0, 0, 0, 1, 0}, {0.5, 0.5, 0.5, 0.5}},  // trace exactly 0
+        {{1, 0, 0, 0, 1, 0, 0, 0, 1}, {1, 0, 0, 0}},
+    };
+    for (const Turn& turn : turns) {
+        SCOPED_TRACE(&turn - turns);
+        Mat3 M;
+        for (int i = 1; i <= 3; ++i)
+            for (int j = 1; j <= 3; ++j) M(i, j) = turn.M[static_cast<std::size_t>(3 * (i - 1) + j - 1)];
+        Column q(9);
+        double a = 0, b = 0, c = 0;
+        MatrixToQuaternion(M, q, a, b, c);
+        for (std::size_t k = 0; k < 4; ++k) EXPECT_NEAR(q[k + 1], turn.Q[k], 1e-15);
+        // Angle and axis: the divisor has 1e-10 beside the sine of half the angle.
+        const double theta = 2 * std::acos(turn.Q[0]);
+        EXPECT_NEAR(q[5], theta, 1e-14);
+        for (std::size_t k = 1; k < 4; ++k)
+            EXPECT_NEAR(q[k + 5], turn.Q[k] / (std::sin(theta / 2) + 1e-10), 1e-14);
+    }
+}
+
+TEST_F(Rotations, QuaternionOfAQuarterTurnGivesThePassiveAngle) {
+    Mat3 M;
+    RotMatrixXYZ(0, 0, kPi / 2, M);
+    Column q(9);
+    double a = 1, b = 1, c = 1;
+    MatrixToQuaternion(M, q, a, b, c);
+    EXPECT_NEAR(q[1], std::sqrt(0.5), 1e-14);
+    EXPECT_NEAR(q[4], -std::sqrt(0.5), 1e-14);
+    EXPECT_NEAR(a, 0, 1e-15);
+    EXPECT_NEAR(b, 0, 1e-15);
+    EXPECT_NEAR(c, M_PI / 2, 1e-9);
+}
+
+TEST_F(Rotations, QuaternionAtThePoleKeepsItsMiddleAngleAsItIs) {
+    double a = 0, b = 0, c = 0;
+    QuaternionToAngles(0.5, -0.5, 0.5, 0.5, a, b, c);
+    EXPECT_EQ(a, 3.1415926535 / 4);
+    EXPECT_EQ(b, 3.1415926535 / 2);  // not turned round
+    EXPECT_EQ(c, 3.1415926535 / 4);
 }

@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+#include "core/platform.h"
+#include "core/refresh.h"
 #include "core/settings.h"
 #include "core/units.h"
 #include "engine/fit_job.h"
@@ -167,4 +169,75 @@ TEST_F(Seeds, ItsASeedKnowsTheThreeNames) {
     for (const char* name : {"A", "B", "C"}) EXPECT_TRUE(ItsASeed(name));
     EXPECT_FALSE(ItsASeed("D"));
     EXPECT_FALSE(ItsASeed("a"));
+}
+
+TEST_F(Seeds, WithoutAChoiceTheFirstPairsAreSeeds) {
+    AddCloud({.Points = 2, .Truth = Truth({1, 2, 3, 0, 0, 0, 1, 1, 1})});
+    ChooseDefaultSeeds();
+    EXPECT_EQ(Job.SeedName, (std::array<std::string, 4>{"", "P1", "P2", ""}));
+    EXPECT_EQ(Job.SeedIndex, (std::array<std::int16_t, 4>{0, 1, 2, 0}));
+    AddCloud({.Points = 2, .Truth = Truth({1, 2, 3, 0, 0, 0, 1, 1, 1})});
+    ChooseDefaultSeeds();
+    EXPECT_EQ(Job.SeedName[3], "");  // a choice stays
+    Job.SeedName[1].clear();
+    ChooseDefaultSeeds();
+    EXPECT_EQ(Job.SeedName, (std::array<std::string, 4>{"", "P1", "P2", "P3"}));
+    EXPECT_EQ(Job.SeedIndex, (std::array<std::int16_t, 4>{0, 1, 2, 3}));
+}
+
+TEST_F(Seeds, ACalculationWithoutAChoiceOfSeedsMakesOne) {
+    AddCloud({.Points = 5, .Truth = Truth({1, 2, 3, 0, 0, 0, 1, 1, 1})});
+    Job.ParamText.fill("");
+    myButtonCalculate();
+    EXPECT_EQ(Job.SeedName, (std::array<std::string, 4>{"", "P1", "P2", "P3"}));
+}
+
+TEST_F(Seeds, TheNewestSeedPushesTheOthersOn) {
+    AddCloud({.Points = 5, .Truth = Truth({1, 2, 3, 0, 0, 0, 1, 1, 1})});
+    ChooseDefaultSeeds();
+    TakeAsNewestSeed(5);
+    EXPECT_EQ(Job.SeedName, (std::array<std::string, 4>{"", "P5", "P1", "P2"}));
+    EXPECT_EQ(Job.SeedIndex, (std::array<std::int16_t, 4>{0, 5, 1, 2}));
+}
+
+TEST_F(Seeds, ChoosingASeedAgainChangesNothing) {
+    AddCloud({.Points = 5, .Truth = Truth({1, 2, 3, 0, 0, 0, 1, 1, 1})});
+    ChooseDefaultSeeds();
+    for (const int pair : {1, 2, 3}) {
+        TakeAsNewestSeed(pair);
+        EXPECT_EQ(Job.SeedName, (std::array<std::string, 4>{"", "P1", "P2", "P3"}));
+        EXPECT_EQ(Job.SeedIndex, (std::array<std::int16_t, 4>{0, 1, 2, 3}));
+    }
+}
+
+TEST_F(Seeds, TheResultBecomesTheStartValuesInShownUnits) {
+    Job.TraX = 1234.5678;
+    Job.TraY = 7;
+    Job.RotZ = kPi / 6;
+    Job.ScaleX = 1.00000049;
+    Job.RDist = 40;
+    Units.LengthFactor = 1.0 / 1000;
+    Selection.FieldText.fill(kNotUsed);
+    Selection.FieldText[kTraX] = "1.235";
+    Selection.FieldText[kTraY] = kFloat;
+    Selection.FieldText[kRotZ] = "30.0000";
+    Selection.FieldText[kScaleX] = "1.000000";
+    Selection.FieldText[kRDist] = "0.040";
+    Selection.SeedText[kTraY] = "the user's own";
+    SeedsFromResult();
+    EXPECT_EQ(Selection.SeedText[kTraX], "1.235");
+    EXPECT_EQ(Selection.SeedText[kTraY], "the user's own");
+    EXPECT_EQ(Selection.SeedText[kTraZ], "");
+    EXPECT_EQ(Selection.SeedText[kRotZ], "30.0000");
+    EXPECT_EQ(Selection.SeedText[kScaleX], "1.000000");
+    EXPECT_EQ(Selection.SeedText[kRDist], "0.040");
+}
+
+TEST_F(Seeds, APairThatNoJobFileCanNameIsRefused) {
+    AddCloud({.Points = 32768, .Truth = Truth({1, 2, 3, 0, 0, 0, 1, 1, 1})});
+    ChooseDefaultSeeds();
+    EXPECT_THROW(TakeAsNewestSeed(32768), PlatformError);
+    EXPECT_EQ(Job.SeedIndex, (std::array<std::int16_t, 4>{0, 1, 2, 3}));
+    TakeAsNewestSeed(32767);
+    EXPECT_EQ(Job.SeedIndex, (std::array<std::int16_t, 4>{0, 32767, 1, 2}));
 }

@@ -183,3 +183,124 @@ TEST_F(Angles, ChooseMovesItsSectorsWithTheShownUnit) {
     EXPECT_NEAR(ChooseAngleBySinCos(std::sin(0.15), std::cos(0.15) - 0.001), 0.15, 1e-12);
     EXPECT_NEAR(ChooseAngleBySinCos(std::sin(0.2), noisy), std::acos(noisy), 1e-12);
 }
+
+TEST_F(Vectors, SmallConstantsKeepDivisionsAliveAndShowAtTheirOwnSize) {
+    // Each divisor equals its constant here, so each result is half of what it were without.
+    EXPECT_NEAR(PolarAngle(0, 0, 1e-10), std::acos(0.5), 1e-9);
+    double distance = 0;
+    PlaneDistance({0, 0, 5}, {0, 0, 1e-10}, {0, 0, 9}, distance);
+    EXPECT_NEAR(distance, 2, 1e-9);
+    Vec3 foot;
+    LinePointFoot({0, 0, 0}, {1e-5, 0, 0}, {4, 7, 0}, foot);
+    ExpectVector(foot, 2, 0, 0, 1e-9);
+    EXPECT_NEAR(LinePointDistance({0, 0, 0}, {1e-5, 0, 0}, {4, 0, 0}), 2, 1e-9);
+    EXPECT_NEAR(AzimuthAngle(1e-10, 1e-10), std::atan(0.5), 1e-12);
+}
+
+TEST_F(Vectors, NormalisingTakesItsSubstituteOnlyForALengthOfExactlyZero) {
+    Vec3 c;
+    VecNormalize({0, 0, 1e-150}, c);
+    ExpectVector(c, 0, 0, 1, 1e-15);
+    // The square of 1e-200 is 0, and so is the length.
+    VecNormalize({0, 1e-200, 0}, c);
+    EXPECT_NEAR(c(2) / 1e-191, 1, 1e-12);
+}
+
+TEST_F(Vectors, TriangleHeightOfSidesAsSmallAsItsConstant) {
+    // In units of 1e-10: p = (4 + 4 - 1) / 2 / (2 + 2), q = 2 - p, h = sqrt(|1 - q q|).
+    std::string message;
+    double h = 0, p = 0, q = 0;
+    HoeheHoehenfusspunkt(2e-10, 1e-10, 2e-10, h, p, q, message);
+    EXPECT_NEAR(p / 1e-10, 0.875, 1e-12);
+    EXPECT_NEAR(q / 1e-10, 1.125, 1e-12);
+    EXPECT_NEAR(h / 1e-10, std::sqrt(1.125 * 1.125 - 1), 1e-12);
+    HoeheHoehenfusspunkt(1e-10, 2e-10, 2e-10, h, p, q, message);
+    EXPECT_NEAR(q / 1e-10, 0.875, 1e-12);
+    EXPECT_NEAR(p / 1e-10, 1.125, 1e-12);
+    EXPECT_EQ(message, "");
+}
+
+TEST_F(Vectors, AFlatTriangleIsPossible) {
+    std::string message;
+    double h = 0, p = 0, q = 0;
+    for (const auto& [a, b, c] : {std::array{3.0, 1.0, 2.0}, {1.0, 3.0, 2.0}, {1.0, 2.0, 3.0}}) {
+        HoeheHoehenfusspunkt(a, b, c, h, p, q, message);
+        EXPECT_EQ(message, "");
+        EXPECT_NEAR(h, 0, 1e-4);
+        EXPECT_NEAR(p + q, c, 1e-15);
+    }
+}
+
+TEST_F(Angles, WrapTakesWholeTurnsOfTheLibrarysCircle) {
+    EXPECT_EQ(WrapAngle(6.283185307), 0);
+    // Minus half a turn is one turn short and comes out as plus half a turn.
+    EXPECT_EQ(WrapAngle(-3.1415926535), 3.1415926535);
+    // Half a turn proper lies beyond the library's.
+    EXPECT_EQ(WrapAngle(M_PI), M_PI - 6.283185307);
+    EXPECT_EQ(WrapAngle(-M_PI), -M_PI + 6.283185307);
+    EXPECT_NEAR(WrapAngle(2 * M_PI), 2 * M_PI - 6.283185307, 1e-15);
+    EXPECT_NEAR(WrapAngle(-1e-300), 0, 1e-15);
+    EXPECT_TRUE(std::isnan(WrapAngle(std::nan(""))));
+}
+
+TEST_F(Angles, ArcCosIsQuarterTurnsAwayFromTheEnds) {
+    EXPECT_EQ(ArcCos(0), 2 * std::atan(1.0));  // by the system's pi, not the library's
+    EXPECT_EQ(ArcSin(0), 0);
+    // Next to -1 it is nearly half a turn, and only at -1 itself 0.
+    EXPECT_NEAR(ArcCos(std::nextafter(-1.0, 0.0)), M_PI, 1e-7);
+    EXPECT_NEAR(ArcSin(std::nextafter(-1.0, 0.0)), -M_PI / 2, 1e-7);
+}
+
+TEST_F(Angles, AzimuthShowsItsConstantAndTheLibrarysPi) {
+    // arctan(y / (1e-10 + x)) moves by -y / (x x + y y) 1e-10 against the true direction.
+    EXPECT_NEAR(AzimuthAngle(1, 1), M_PI / 4 - 0.5e-10, 1e-15);
+    EXPECT_NEAR(AzimuthAngle(-1, 1), 3.1415926535 - M_PI / 4 - 0.5e-10, 1e-15);
+    EXPECT_NEAR(AzimuthAngle(-1, -1), M_PI / 4 + 0.5e-10 + 3.1415926535 - 6.283185307, 1e-15);
+    EXPECT_NEAR(AzimuthAngle(1, -1), -M_PI / 4 + 0.5e-10, 2e-15);
+    EXPECT_EQ(AzimuthAngle(0, -1), 3.1415926535 / 2 + 3.1415926535 - 6.283185307);
+    EXPECT_EQ(AzimuthAngle(-1e-10, 0), 3.1415926535);  // where the divisor is 0
+    EXPECT_NEAR(AzimuthAngle(-1e-10, 1), M_PI / 2 + 3.1415926535 - 6.283185307, 1e-15);
+}
+
+TEST_F(Angles, ChooseAtTheAxesFollowsTheArcsAndTheOrderOfThePairs) {
+    // All of d12 and d14 are 0 there: the third pair is taken, and of it the sine's member.
+    EXPECT_EQ(ChooseAngleBySinCos(0, 1), 0);
+    // ArcCos is 0 at -1, so half a turn is not recognised.
+    EXPECT_EQ(ChooseAngleBySinCos(0, -1), 0);
+    EXPECT_EQ(ChooseAngleBySinCos(1, 0), 2 * std::atan(1.0));
+    // ArcSin is +pi/2 at -1, so neither is the quarter turn backwards.
+    EXPECT_EQ(ChooseAngleBySinCos(-1, 0), 2 * std::atan(1.0));
+    EXPECT_NEAR(ChooseAngleBySinCos(-0.999999, std::cos(std::asin(-0.999999))), std::asin(-0.999999), 1e-9);
+}
+
+TEST_F(Angles, ChooseCountsTheLimitsOfItsSectorsAsSteepButNotBeyond) {
+    const double w = std::atan(0.5 / std::sqrt(0.75));  // sine 0.5
+    const double noisy = std::cos(w) - 0.01;
+    const auto trustsTheCosine = [&](double sine) {
+        const double sign = sine < 0 ? -1 : 1;
+        const double result = ChooseAngleBySinCos(sine, noisy);
+        const bool cosine = std::fabs(result - sign * std::acos(noisy)) < 1e-12;
+        EXPECT_TRUE(cosine || std::fabs(result - sign * w) < 1e-12) << result;
+        return cosine;
+    };
+    for (const double sine : {0.5, -0.5}) {
+        struct Limit {
+            double Degrees, Inside, Outside;  // factors that move the limit just above and just below w
+            bool AtLimit, Below, Above;       // is the cosine trusted: limit at, above, below the angle
+        };
+        for (const Limit& limit :
+             {Limit{45, 0.999, 1.001, true, false, true}, Limit{135, 0.999, 1.001, true, true, false},
+              Limit{180, 0.999, 1.001, false, false, true}}) {
+            SCOPED_TRACE(limit.Degrees);
+            Units.AngleFactor = limit.Degrees / w;
+            ASSERT_EQ(limit.Degrees / Units.AngleFactor, w);
+            ASSERT_EQ(WrapAngle(ArcSin(std::fabs(sine))), w);
+            // Wrapping a negative angle rounds it, so it does not lie at the limit to the last bit.
+            EXPECT_TRUE(sine < 0 || trustsTheCosine(sine) == limit.AtLimit);
+            Units.AngleFactor = limit.Degrees / w * limit.Inside;  // the limit lies above the angle
+            EXPECT_EQ(trustsTheCosine(sine), limit.Below);
+            Units.AngleFactor = limit.Degrees / w * limit.Outside;
+            EXPECT_EQ(trustsTheCosine(sine), limit.Above);
+        }
+    }
+}
