@@ -23,6 +23,7 @@
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/design.h"
+#include "engine/inverse.h"
 #include "import/form_input_files.h"
 
 namespace {
@@ -204,6 +205,10 @@ int RunFit(const FitOptions& options, std::ostream& out, std::ostream& err, bool
     const int status = Calculate(options, err);
     if (showProgress) err << "\r\x1b[K" << std::flush;
     if (status == kRefused) return status;
+    if (options.Inverse) {
+        InverseTransformation();
+        WriteMessages(err);
+    }
     switch (options.Output) {
         case FitOutput::Table:
             WriteFitTable(options, out, colour);

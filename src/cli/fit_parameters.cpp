@@ -10,37 +10,36 @@
 
 namespace {
 
-enum class Kind { Length, Angle, Scale };
 struct Row {
     int Parameter;
     const char* Name;
-    Kind Is;
+    ShownKind Is;
 };
-constexpr std::array<Row, 13> kRows = {{{kTraX, "Tra x", Kind::Length},
-                                        {kTraY, "Tra y", Kind::Length},
-                                        {kTraZ, "Tra z", Kind::Length},
-                                        {kRotX, "Rot x", Kind::Angle},
-                                        {kRotY, "Rot y", Kind::Angle},
-                                        {kRotZ, "Rot z", Kind::Angle},
-                                        {kScaleXYZ, "Scale xyz", Kind::Scale},
-                                        {kScaleX, "Scale x", Kind::Scale},
-                                        {kScaleY, "Scale y", Kind::Scale},
-                                        {kScaleZ, "Scale z", Kind::Scale},
-                                        {kAngleXY, "xy", Kind::Angle},
-                                        {kAzimuth, "Azimuth", Kind::Angle},
-                                        {kAngleZtoXY, "z to xy", Kind::Angle}}};
-
-std::string Shown(Kind kind, double value) {
-    if (kind == Kind::Length) return ShownLength(value);
-    return kind == Kind::Angle ? WinkelFormat(value) : FormatNumber(value, Units.FmtScale);
-}
-
-std::string UnitOf(Kind kind) {
-    if (kind == Kind::Length) return Job.LengthUnitName;
-    return kind == Kind::Angle ? Job.AngleUnitName : "";
-}
+constexpr std::array<Row, 13> kRows = {{{kTraX, "Tra x", ShownKind::Length},
+                                        {kTraY, "Tra y", ShownKind::Length},
+                                        {kTraZ, "Tra z", ShownKind::Length},
+                                        {kRotX, "Rot x", ShownKind::Angle},
+                                        {kRotY, "Rot y", ShownKind::Angle},
+                                        {kRotZ, "Rot z", ShownKind::Angle},
+                                        {kScaleXYZ, "Scale xyz", ShownKind::Scale},
+                                        {kScaleX, "Scale x", ShownKind::Scale},
+                                        {kScaleY, "Scale y", ShownKind::Scale},
+                                        {kScaleZ, "Scale z", ShownKind::Scale},
+                                        {kAngleXY, "xy", ShownKind::Angle},
+                                        {kAzimuth, "Azimuth", ShownKind::Angle},
+                                        {kAngleZtoXY, "z to xy", ShownKind::Angle}}};
 
 }  // namespace
+
+std::string ShownValue(ShownKind kind, double value) {
+    if (kind == ShownKind::Length) return ShownLength(value);
+    return kind == ShownKind::Angle ? WinkelFormat(value) : FormatNumber(value, Units.FmtScale);
+}
+
+std::string UnitOf(ShownKind kind) {
+    if (kind == ShownKind::Length) return Job.LengthUnitName;
+    return kind == ShownKind::Angle ? Job.AngleUnitName : "";
+}
 
 std::string ShownLength(double value_mm) {
     return FormatNumber(value_mm * Units.LengthFactor, Units.FmtLength);
@@ -52,8 +51,8 @@ std::vector<ShownParameter> ShownParameters() {
         const auto index = static_cast<std::size_t>(row.Parameter);
         if (Job.ParamText[index] == kNotUsed) continue;
         const bool floats = Job.ParamText[index] == kFloat;
-        shown.push_back({row.Name, Shown(row.Is, ParameterValue(Job, row.Parameter)),
-                         floats ? Shown(row.Is, Calculation.Sigma[index]) : "-",
+        shown.push_back({row.Name, ShownValue(row.Is, ParameterValue(Job, row.Parameter)),
+                         floats ? ShownValue(row.Is, Calculation.Sigma[index]) : "-",
                          floats ? FormatNumber(Calculation.Significance[index], "0.0") : "held",
                          UnitOf(row.Is), floats});
     }

@@ -14,5 +14,10 @@ struct ShownParameter {
 // All parameters that are used, in the order in which people read them.
 std::vector<ShownParameter> ShownParameters();
 
+// A value of one of the three kinds in the unit and format in use, and that unit's name.
+enum class ShownKind { Length, Angle, Scale };
+std::string ShownValue(ShownKind kind, double value);
+std::string UnitOf(ShownKind kind);
+
 // A length in the unit and format in use.
 std::string ShownLength(double value_mm);

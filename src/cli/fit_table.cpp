@@ -14,6 +14,7 @@
 #include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/inverse.h"
 #include "engine/norms.h"
 
 namespace {
@@ -63,6 +64,59 @@ void WriteParameters(const Style& style, std::ostream& out) {
     out << "\n" << style.Heading(columns.Line({"Parameter", "value", "sigma", "significance"})) << "  unit\n";
     for (const ShownParameter& p : parameters)
         out << columns.Line(cells(p)) << "  " << style.Quiet(p.Unit) << "\n";
+}
+
+// The inverse, a column a solution. Matrices with tiny elements have solutions beyond counting; the first
+// ones do for a table.
+constexpr int kSolutionsAcross = 4;
+constexpr int kMostSolutions = 16;
+
+void WriteSolutions(int first, int last, const Style& style, std::ostream& out) {
+    struct Line {
+        int Column;
+        const char* Name;
+        ShownKind Is;
+    };
+    constexpr std::array<Line, 9> lines = {{{1, "rot x", ShownKind::Angle},
+                                            {2, "rot y", ShownKind::Angle},
+                                            {3, "rot z", ShownKind::Angle},
+                                            {4, "scale x", ShownKind::Scale},
+                                            {5, "scale y", ShownKind::Scale},
+                                            {6, "scale z", ShownKind::Scale},
+                                            {7, "xy", ShownKind::Angle},
+                                            {8, "Azimuth", ShownKind::Angle},
+                                            {9, "z to xy", ShownKind::Angle}}};
+    const auto cells = [first, last](const Line& line) {
+        std::vector<std::string> texts = {line.Name};
+        for (int i = first; i <= last; ++i)
+            texts.push_back(ShownValue(line.Is, Inverse.InvSolutions(i, line.Column)));
+        return texts;
+    };
+    std::vector<std::string> head = {""};
+    for (int i = first; i <= last; ++i) head.push_back("solution " + std::to_string(i));
+    TextColumns columns{std::vector<int>(head.size(), 12)};
+    columns.MakeRoom(head);
+    for (const Line& line : lines) columns.MakeRoom(cells(line));
+    out << "\n" << style.Heading(columns.Line(head)) << "\n";
+    for (const Line& line : lines)
+        out << columns.Line(cells(line)) << "  " << style.Quiet(UnitOf(line.Is)) << "\n";
+}
+
+void WriteInverse(const Style& style, std::ostream& out) {
+    const std::array<std::vector<std::string>, 3> rows = {{{"Tra x", ShownLength(Inverse.InvTraX)},
+                                                           {"Tra y", ShownLength(Inverse.InvTraY)},
+                                                           {"Tra z", ShownLength(Inverse.InvTraZ)}}};
+    TextColumns columns{{12, 16}};
+    for (const auto& row : rows) columns.MakeRoom(row);
+    out << "\n" << style.Heading(columns.Line({"Inverse", "value"})) << "  unit\n";
+    for (const auto& row : rows) out << columns.Line(row) << "  " << style.Quiet(Job.LengthUnitName) << "\n";
+    const int solutions = std::max(Inverse.InvSolutions.Rows, 0);
+    if (solutions == 0) out << style.Alarm("no solution") << "\n";
+    const int shown = std::min(solutions, kMostSolutions);
+    for (int first = 1; first <= shown; first += kSolutionsAcross)
+        WriteSolutions(first, std::min(first + kSolutionsAcross - 1, shown), style, out);
+    if (shown < solutions)
+        out << style.Quiet("(and " + std::to_string(solutions - shown) + " more solutions)") << "\n";
 }
 
 void WriteQuality(const std::vector<FitPoint>& points, const Style& style, std::ostream& out) {
@@ -122,6 +176,7 @@ void WriteFitTable(const FitOptions& options, std::ostream& out, bool colour) {
     const Style style{colour};
     WriteHead(options, style, out);
     WriteParameters(style, out);
+    if (options.Inverse) WriteInverse(style, out);
     const std::vector<FitPoint> points = FitPoints();
     WriteQuality(points, style, out);
     WriteDeviations(points, style, out);

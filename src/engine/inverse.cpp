@@ -4,6 +4,7 @@
 #include "core/job.h"
 #include "engine/inverted_solutions.h"
 #include "engine/matrix.h"
+#include "engine/rotations.h"
 #include "engine/transform.h"
 
 namespace {
@@ -23,7 +24,7 @@ void InverseTransformation() {
     S(1, 1) = Job.ScaleX;
     S(2, 2) = Job.ScaleY;
     S(3, 3) = Job.ScaleZ;
-    const Mat3 W = MatrixProduct(MatrixProduct(InverseOf(S), InverseOf(K)), InverseOf(R));
+    const Mat3 W = MatrixProduct(MatrixProduct(InverseOf(S), InverseOf(K)), InverseRotation(R));
 
     Inverse.InvMatrix = W;
     const auto shift = [&W](int i) {

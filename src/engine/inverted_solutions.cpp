@@ -9,6 +9,7 @@
 #include "engine/angles.h"
 #include "engine/combination_search.h"
 #include "engine/matrix.h"
+#include "engine/rotations.h"
 #include "engine/sort_table.h"
 #include "engine/transform.h"
 #include "engine/vector.h"
@@ -70,11 +71,10 @@ void ShearCandidates(const Mat3& W, Candidates& c) {
     for (std::size_t x = 1; x < c.RotX.size(); ++x)
         for (std::size_t y = 1; y < c.RotY.size(); ++y)
             for (std::size_t z = 1; z < c.RotZ.size(); ++z) {
-                Mat3 R, inverseR;
+                Mat3 R;
                 RotMatrixXYZ(c.RotX[x], c.RotY[y], c.RotZ[z], R);
-                MatrixInverse(R, 3, 3, inverseR);
                 Vec3 first, second;
-                DecomposeShear(MatrixProduct(MatrixProduct(inverseR, W), inverseD), first, second);
+                DecomposeShear(MatrixProduct(MatrixProduct(InverseRotation(R), W), inverseD), first, second);
                 for (const Vec3& triple : {first, second}) {
                     c.AngleXY.push_back(triple(1));
                     c.Azimuth.push_back(triple(2));

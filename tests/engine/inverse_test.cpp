@@ -115,6 +115,21 @@ TEST_F(InverseOfTheChain, ThereAndBackIsTheSamePoint) {
     }
 }
 
+TEST_F(InverseOfTheChain, RightAnglesLeadBackAsAllOthersDo) {
+    // They put about 0 on the diagonal of the rotation, where the inverse looks for its pivots.
+    const std::array<double, 7> angles = {0, 90, -90, 180, 30, 89.9999999, 89.999};
+    for (const double a : angles)
+        for (const double b : angles)
+            for (const double c : angles) {
+                SCOPED_TRACE(testing::Message() << a << ", " << b << ", " << c);
+                Rotate(a / 180 * kPi, b / 180 * kPi, c / 180 * kPi);
+                Scale(1.1, 0.9, 1.2);
+                Shift(100, -2000, 30);
+                InverseTransformation();
+                ExpectThereAndBack(1e-5);
+            }
+}
+
 TEST_F(InverseOfTheChain, TheNeutralTransformationIsItsOwnInverse) {
     InverseTransformation();
     ExpectThereAndBack(2e-8);  // three inverses, each of which adds 1e-12 to a pivot of 1, times 5000 mm
