@@ -116,6 +116,13 @@ void AddModelOptions(CLI::App& fit, FitOptions& o) {
         ->check(OneOf({"level", "6", "7", "9", "12"}))
         ->type_name("level|6|7|9|12")
         ->group(group);
+    fit.add_option("--norm", o.Norm,
+                   "What is made least: the sum of squares (l2), the sum of absolute\n"
+                   "deviations (l1, robust against outliers), or nearly the largest\n"
+                   "deviation (loo); default: l2")
+        ->check(OneOf({"l1", "l2", "loo"}))
+        ->type_name("l1|l2|loo")
+        ->group(group);
     fit.add_option("--hold", o.Hold,
                    "Hold parameters at values, in the units in use:\n"
                    "rotz=0, scalexyz=1.002, trax=12.5")
@@ -143,9 +150,23 @@ void AddOutputOptions(CLI::App& fit, FitSwitches& s) {
         ->type_name("N")
         ->group(group);
     fit.add_flag("--long-scales", o.ScaleDigits, "Scales with 12 decimals instead of 6")->group(group);
+    auto* inverse = fit.add_flag("--inverse", o.Inverse,
+                                 "Also the inverse transformation, and the parameters of the model\n"
+                                 "that reproduce it")
+                        ->group(group);
     auto* json = fit.add_flag("--json", s.Json, "Everything as JSON, with full precision, in mm and rad")
                      ->group(group);
-    fit.add_flag("--csv", s.Csv, "The points as CSV, in the units in use")->group(group)->excludes(json);
+    fit.add_option("--report", o.Report,
+                   "Also write a page to look at and to print: parameters, plots, points")
+        ->type_name("FILE.html")
+        ->check([](const std::string& path) {
+            return std::string(path.empty() ? "a file name is expected" : "");
+        })
+        ->group(group);
+    fit.add_flag("--csv", s.Csv, "The points as CSV, in the units in use")
+        ->group(group)
+        ->excludes(json)
+        ->excludes(inverse);
 }
 
 CLI::App* AddFit(CLI::App& app, FitSwitches& s) {

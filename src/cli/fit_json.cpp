@@ -13,6 +13,8 @@
 #include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/inverse.h"
+#include "engine/norms.h"
 #include "engine/quaternion.h"
 #include "engine/transform.h"
 
@@ -90,9 +92,27 @@ ordered_json Transformation() {
         {"quaternion", {{"order", "w, x, y, z of R"}, {"w", q[1]}, {"x", q[2]}, {"y", q[3]}, {"z", q[4]}}}};
 }
 
-ordered_json Points() {
+// The way back. Parameters of the model's own form need not exist for it: `solutions` is then empty.
+ordered_json InverseOfTheFit() {
+    const std::array<double, 3> t = {Inverse.InvTraX, Inverse.InvTraY, Inverse.InvTraZ};
+    const Mat3& w = Inverse.InvMatrix;
+    ordered_json homogeneous = ordered_json::array();
+    for (int row = 1; row <= 3; ++row)
+        homogeneous.push_back({w(row, 1), w(row, 2), w(row, 3), t[static_cast<std::size_t>(row - 1)]});
+    homogeneous.push_back({0.0, 0.0, 0.0, 1.0});
+    ordered_json solutions = ordered_json::array();
+    const Matrix& s = Inverse.InvSolutions;
+    for (int i = 1; i <= s.Rows; ++i)
+        solutions.push_back(
+            {{"rotation", {{"a_rad", s(i, 1)}, {"b_rad", s(i, 2)}, {"c_rad", s(i, 3)}}},
+             {"scales", {s(i, 4), s(i, 5), s(i, 6)}},
+             {"shear", {{"xy_rad", s(i, 7)}, {"azimuth_rad", s(i, 8)}, {"ztoxy_rad", s(i, 9)}}}});
+    return {{"matrix", homogeneous}, {"translation_mm", t}, {"solutions", solutions}};
+}
+
+ordered_json Points(const std::vector<FitPoint>& points) {
     ordered_json list = ordered_json::array();
-    for (const FitPoint& point : FitPoints())
+    for (const FitPoint& point : points)
         list.push_back({{"name", point.Name},
                         {"start_mm", Triple(point.Start)},
                         {"target_mm", Triple(point.Target)},
@@ -116,6 +136,8 @@ ordered_json Others(const std::vector<std::string>& names, const X& x, const X& 
 
 void WriteFitJson(const FitOptions& options, std::ostream& out) {
     const auto& c = Calculation;
+    const std::vector<FitPoint> points = FitPoints();
+    const FitNorms norms = NormsOfDeviations(points);
     ordered_json root;
     root["schema"] = "corvinade-fit";
     root["schemaVersion"] = kSchemaVersion;
@@ -130,13 +152,20 @@ void WriteFitJson(const FitOptions& options, std::ostream& out) {
                       {"unknowns", c.nFloat}};
     root["converged"] = c.Converged;
     root["iterations"] = Adjustment.Iterations;
-    root["norm"] = "l2";
+    root["norm"] = options.Norm;
+    root["normIterations"] = Norm.Iterations;
     root["parameters"] = Parameters();
     root["transformation"] = Transformation();
-    root["quality"] = {{"s0_mm", c.s0},         {"sx_mm", c.sx},
-                       {"sy_mm", c.sy},         {"sz_mm", c.sz},
-                       {"sxyz_mm", c.SigmaXYZ}, {"note", "s0 = sqrt(vPv / (sum of weights - 1))"}};
-    root["points"] = Points();
+    if (options.Inverse) root["inverse"] = InverseOfTheFit();
+    root["quality"] = {{"s0_mm", c.s0},
+                       {"sx_mm", c.sx},
+                       {"sy_mm", c.sy},
+                       {"sz_mm", c.sz},
+                       {"sxyz_mm", c.SigmaXYZ},
+                       {"sumOfDeviations_mm", norms.Sum},
+                       {"largestDeviation_mm", norms.Largest},
+                       {"note", "s0 = sqrt(vPv / (sum of weights - 1))"}};
+    root["points"] = Points(points);
     root["startOnly"] = Others(Job.TMCS_Name, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z);
     root["targetOnly"] = Others(Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
     out << root.dump(2, ' ', false, ordered_json::error_handler_t::replace) << "\n";

@@ -13,6 +13,7 @@ struct FitOptions {
     double Tolerance_mm = 0.8;
     int OnlyFirst = 0;              // matching by distance looks at the first so many target points; 0 = all
     std::string Parameters = "6";   // level, 6, 7, 9, 12
+    std::string Norm = "l2";        // l1, l2, loo
     std::vector<std::string> Hold;  // "rotz=0"
     std::vector<std::string> LeaveOut;  // "P7", "P9:z"
     std::string LengthUnit = "millimeter", AngleUnit = "degree";
@@ -21,7 +22,9 @@ struct FitOptions {
     std::optional<char> Decimal;
     std::string Delimiter;
     std::optional<bool> Questions;  // --yes or --no
+    bool Inverse = false;           // table and JSON tell the inverse transformation as well
     FitOutput Output = FitOutput::Table;
+    std::string Report;  // path of the page to write; empty = none
 };
 
 // The program's exit status.

@@ -21,6 +21,12 @@ std::vector<FitPoint> FitPoints();
 // Coordinates that take part in the fit.
 int ObservationsInUse();
 
+// Over the coordinates that take part, what the norms L1 and L-infinity make least; mm.
+struct FitNorms {
+    double Sum = 0, Largest = 0;  // of the absolute deviations
+};
+FitNorms NormsOfDeviations(const std::vector<FitPoint>& points);
+
 // The matrix R K S of the present parameters, elements (1, 1) to (3, 3).
 Mat3 FitMatrix();
 

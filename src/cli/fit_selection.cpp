@@ -91,6 +91,7 @@ const char* HeldParameterName(int parameter) {
 
 std::string SelectParameters(const FitOptions& options) {
     SelectPreset(options.Parameters);
+    Job.NormType = options.Norm == "l1" ? 1 : options.Norm == "loo" ? 3 : 2;
     for (const std::string& hold : options.Hold) {
         const std::string wrong = HoldParameter(hold);
         if (!wrong.empty()) return wrong;

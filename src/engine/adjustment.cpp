@@ -185,15 +185,20 @@ bool Iterate(AdjustmentRun& run) {
 
 }  // namespace
 
-void BestFitIteration(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Column& v, Column& P) {
+bool GatherForFit(const Column& P, GatheredPoints& points) {
     const std::uint64_t generation = Run.JobGeneration;
     WarnOfAngleUnits();
-    if (Run.JobGeneration != generation) {
+    if (Run.JobGeneration != generation) return false;
+    GatherPoints(P, PosesMayCount(), points);
+    return true;
+}
+
+void BestFitIteration(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Column& v, Column& P) {
+    GatheredPoints points;
+    if (!GatherForFit(P, points)) {
         Adjustment.JobChanged = true;
         return;
     }
-    GatheredPoints points;
-    GatherPoints(P, PosesMayCount(), points);
     BestFitIteration(u, n, ParamText, Q, v, P, points);
 }
 

@@ -36,8 +36,12 @@ inline AdjustmentRecord Adjustment;
 void BestFitIteration(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q, Column& v,
                       Column& P);
 
-// The same for points that are gathered already, for runs that repeat it with other weights or noise.
-// `points` must have been gathered with the poses when the tool model holds.
+// Gathers the job's points for fits with these weights, the poses too where the tool model may hold. With
+// poses in another angle unit than degree the user is warned first. False when the job's points were
+// replaced meanwhile.
+bool GatherForFit(const Column& P, GatheredPoints& points);
+
+// The same fit for points that are gathered already, for runs that repeat it with other weights or noise.
 void BestFitIteration(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q, Column& v,
                       Column& P, GatheredPoints& points);
 

@@ -1,4 +1,4 @@
-// One calculation of the job in the L2 norm.
+// One calculation of the job in its norm.
 #include "engine/calculation.h"
 
 #include <algorithm>
@@ -11,6 +11,7 @@
 #include "core/run.h"
 #include "engine/adjustment.h"
 #include "engine/design.h"
+#include "engine/norms.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
 #include "engine/vector.h"
@@ -98,12 +99,14 @@ void ButtonCalcErsatz() {
         return;
     }
 
+    NormFit fit{.u = u, .n = n, .ParamText = Job.ParamText, .P = std::move(P)};
+    if (!FitInNorm(fit) || Run.JobGeneration != generation) return;
     Calculation.nFloat = u;
     Calculation.nObs = n;
-    Calculation.P = std::move(P);
-    BestFitIteration(u, n, Job.ParamText, Calculation.Q, Calculation.v, Calculation.P);
-    if (Adjustment.JobChanged) return;
-    Calculation.Converged = Adjustment.Converged;
+    Calculation.Q = std::move(fit.Q);
+    Calculation.v = std::move(fit.v);
+    Calculation.P = std::move(fit.P);
+    Calculation.Converged = Norm.Converged;
     Calculation.Finite = ParametersAreFinite();
     Job.RotXCopy = Job.RotX;
     Job.RotYCopy = Job.RotY;

@@ -1,4 +1,4 @@
-// One calculation of the job in the L2 norm, and what it leaves for the report.
+// One calculation of the job in its norm, and what it leaves for the report.
 #pragma once
 
 #include <array>
@@ -7,7 +7,7 @@
 
 struct CalculationRecord {
     Matrix Q;     // nFloat by nFloat, inverse of the normal matrix
-    Column v, P;  // nObs residuals (mm) and weights
+    Column v, P;  // nObs residuals (mm) and weights, those that the norm has left
     int nFloat = 0, nObs = 0;
     bool Refused = false;    // too few observations: parameters and everything below are those of before
     bool Converged = false;  // the iteration ended by itself, neither by its limit nor by the user
@@ -19,9 +19,9 @@ struct CalculationRecord {
 inline CalculationRecord Calculation;
 
 // The calculation that stands behind the button, for a job without paraboloid.
-// Reads Job.ParamText, the job's points and use flags, Selection and Settings. Writes the job's
-// parameters, the transformed points, Calculation, Run.TrafoValid and Run.JobDirty. Shows "This is not a
-// redundant calculation" and changes nothing when the weights in use are fewer than the unknowns.
+// Reads Job.ParamText and Job.NormType, the job's points and use flags, Selection and Settings. Writes the
+// job's parameters, the transformed points, Calculation, Run.TrafoValid and Run.JobDirty. Shows "This is not
+// a redundant calculation" and changes nothing when the weights in use are fewer than the unknowns.
 void ButtonCalcErsatz();
 
 // The transformed start points of the present parameters: with `v` the pairs are the targets plus their

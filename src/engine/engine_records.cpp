@@ -3,6 +3,8 @@
 
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/inverse.h"
+#include "engine/norms.h"
 
 namespace {
 
@@ -20,6 +22,12 @@ const RecordEntry kRecords[] = {
     {"Sigma", NumberRow{Calculation.Sigma.data(), 18}, Storage::Run},
     {"Significance", NumberRow{Calculation.Significance.data(), 18}, Storage::Run},
     {"Iterations", &Adjustment.Iterations, Storage::Run},
+    {"NormTolerance", &Norm.NormTolerance, Storage::Run},
+    {"NormIterations", &Norm.Iterations, Storage::Run},
+    {"InvTraX", &Inverse.InvTraX, Storage::Run},
+    {"InvTraY", &Inverse.InvTraY, Storage::Run},
+    {"InvTraZ", &Inverse.InvTraZ, Storage::Run},
+    {"InvSolutions", &Inverse.InvSolutions, Storage::Run},
 };
 
 }  // namespace

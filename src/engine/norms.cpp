@@ -1,0 +1,36 @@
+// The norm of a calculation.
+#include "engine/norms.h"
+
+#include "core/controller.h"
+#include "core/job.h"
+#include "engine/adjustment.h"
+
+namespace {
+
+bool FitL2(NormFit& fit) {
+    SetStatus(6, "...L2");
+    SetStatus(7, "...L2");
+    BestFitIteration(fit.u, fit.n, fit.ParamText, fit.Q, fit.v, fit.P, fit.Points);
+    Norm.Converged = Adjustment.Converged;
+    return !Adjustment.JobChanged;
+}
+
+}  // namespace
+
+bool FitInNorm(NormFit& fit) {
+    Norm = NormRecord{};
+    if (!GatherForFit(fit.P, fit.Points)) return false;
+    bool done = false;
+    switch (Job.NormType) {
+        case 1:
+            done = FitL1(fit);
+            break;
+        case 3:
+            done = FitLoo(fit);
+            break;
+        default:
+            done = FitL2(fit);
+    }
+    if (done) SetStatus(2, "...ready");
+    return done;
+}

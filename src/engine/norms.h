@@ -1,0 +1,48 @@
+// The norm of a calculation: one fit for least squares, and loops of fits with changing weights for the
+// least sum of absolute residuals (L1) and the least largest one (L-infinity, "Loo").
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "core/arrays.h"
+#include "engine/gathered_points.h"
+
+// How the last calculation's loop went.
+struct NormRecord {
+    double NormTolerance = 1e-10;  // change at which a loop ends: of the sum (L1) or the largest (Loo), mm
+    int Iterations = 0;            // fits of the loop; 0 for least squares
+    bool Converged = false;        // the loop ended by its own rule and its last fit converged
+};
+inline NormRecord Norm;
+
+// One calculation, from the weights that its use flags give to those that its result stands on.
+struct NormFit {
+    int u = 0;  // unknowns
+    int n = 0;  // observations, 3 Job.nIdent
+    std::array<std::string, 18> ParamText;
+    Matrix Q;  // out: u by u, of the last fit
+    Column v;  // out: n residuals of the last fit, mm
+    Column P;  // in: n weights 0 or 1; out: as the loop leaves them
+    GatheredPoints Points;
+};
+
+// Runs the norm that Job.NormType names: 1 L1, 3 Loo, any other number least squares. The points are
+// gathered once. False when the job's points were replaced meanwhile: nothing more was written then.
+// The result is in the job's parameters and in `fit`. A stop ends each loop at its next test. A fit that
+// runs into Settings.MaxIteration or whose result is no number ends the loop too: all fits behind would
+// do the same, each with its message.
+// Reads Job.NormType and Job.UseFlags; writes Norm, Adjustment, the job's parameters, panels 6 and 7.
+bool FitInNorm(NormFit& fit);
+
+// L1 by reweighting: each fit's residuals give the weights 1/|v| of the next, until their sum stands
+// still within 1e-3. The weights left are those made from the last residuals; no fit follows them.
+bool FitL1(NormFit& fit);
+
+// Loo by exchange of weight: the worst row gains a tenth and the best one loses it, until the largest
+// residual stands still within 1e-4 or grows. The last two exchanges are then taken back for a final
+// fit. This ends near the least largest residual, not on it. After a stop the weights stay as they are.
+bool FitLoo(NormFit& fit);
+
+// No loop goes on for ever: rounds that a count of 16 bits holds.
+inline constexpr int kMostNormRounds = 32767;
