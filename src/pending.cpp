@@ -64,7 +64,6 @@ void ReadBundleFile(const std::string&) {
 
 void FuellenHaupttabelle() {}
 void MainSheet_UnitsChanged() {}
-void FORMfüllen() {}
 
 void CountChildForms(std::int16_t& count) {
     count = 0;

@@ -1,4 +1,6 @@
 // The tables above all rooms: every window, and every record with mutable state.
+#include "analysis/form_input_statistic.h"
+#include "analysis/form_options.h"
 #include "core/controller.h"
 #include "core/form_help_info.h"
 #include "core/form_main.h"
@@ -13,6 +15,7 @@
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/engine_records.h"
+#include "engine/inverse.h"
 #include "engine/norms.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
@@ -21,7 +24,8 @@
 namespace {
 
 const WindowEntry* const kWindows[] = {
-    &FormMain_Entry, &FormUnits_Entry, &FormMenuHelpInfo_Entry, &FormProgressBar_Entry, &FormInputFiles_Entry,
+    &FormMain_Entry,       &FormUnits_Entry,          &FormMenuHelpInfo_Entry, &FormProgressBar_Entry,
+    &FormInputFiles_Entry, &FormInputStatistic_Entry, &FormOptions_Entry,
 };
 
 const std::span<const RecordEntry> kRecordTables[] = {
@@ -40,6 +44,7 @@ void (*const kRecords[])() = {
     [] { Adjustment = AdjustmentRecord{}; },
     [] { Calculation = CalculationRecord{}; },
     [] { Norm = NormRecord{}; },
+    [] { Inverse = InverseRecord{}; },
     [] { Spezial = SpezialRecord{}; },
 };
 

@@ -150,9 +150,23 @@ void AddOutputOptions(CLI::App& fit, FitSwitches& s) {
         ->type_name("N")
         ->group(group);
     fit.add_flag("--long-scales", o.ScaleDigits, "Scales with 12 decimals instead of 6")->group(group);
+    auto* inverse = fit.add_flag("--inverse", o.Inverse,
+                                 "Also the inverse transformation, and the parameters of the model\n"
+                                 "that reproduce it")
+                        ->group(group);
     auto* json = fit.add_flag("--json", s.Json, "Everything as JSON, with full precision, in mm and rad")
                      ->group(group);
-    fit.add_flag("--csv", s.Csv, "The points as CSV, in the units in use")->group(group)->excludes(json);
+    fit.add_option("--report", o.Report,
+                   "Also write a page to look at and to print: parameters, plots, points")
+        ->type_name("FILE.html")
+        ->check([](const std::string& path) {
+            return std::string(path.empty() ? "a file name is expected" : "");
+        })
+        ->group(group);
+    fit.add_flag("--csv", s.Csv, "The points as CSV, in the units in use")
+        ->group(group)
+        ->excludes(json)
+        ->excludes(inverse);
 }
 
 CLI::App* AddFit(CLI::App& app, FitSwitches& s) {

@@ -8,6 +8,7 @@
 #include <ostream>
 
 #include "cli/fit_output.h"
+#include "cli/fit_report.h"
 #include "cli/fit_selection.h"
 #include "cli/headless.h"
 #include "core/controller.h"
@@ -22,6 +23,7 @@
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/design.h"
+#include "engine/inverse.h"
 #include "import/form_input_files.h"
 
 namespace {
@@ -203,6 +205,10 @@ int RunFit(const FitOptions& options, std::ostream& out, std::ostream& err, bool
     const int status = Calculate(options, err);
     if (showProgress) err << "\r\x1b[K" << std::flush;
     if (status == kRefused) return status;
+    if (options.Inverse) {
+        InverseTransformation();
+        WriteMessages(err);
+    }
     switch (options.Output) {
         case FitOutput::Table:
             WriteFitTable(options, out, colour);
@@ -214,6 +220,8 @@ int RunFit(const FitOptions& options, std::ostream& out, std::ostream& err, bool
             WriteFitCsv(options, out);
             break;
     }
+    if (!options.Report.empty() && !Dispatch([&options] { WriteFile(options.Report, FitReport(options)); }))
+        return Refuse(err, kRefused, Run.LastPlatformError);
     if (!out.flush()) return Refuse(err, kRefused, "the result could not be written to standard output");
     return status;
 }

@@ -13,6 +13,7 @@
 #include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/inverse.h"
 #include "engine/norms.h"
 #include "engine/quaternion.h"
 #include "engine/transform.h"
@@ -91,6 +92,24 @@ ordered_json Transformation() {
         {"quaternion", {{"order", "w, x, y, z of R"}, {"w", q[1]}, {"x", q[2]}, {"y", q[3]}, {"z", q[4]}}}};
 }
 
+// The way back. Parameters of the model's own form need not exist for it: `solutions` is then empty.
+ordered_json InverseOfTheFit() {
+    const std::array<double, 3> t = {Inverse.InvTraX, Inverse.InvTraY, Inverse.InvTraZ};
+    const Mat3& w = Inverse.InvMatrix;
+    ordered_json homogeneous = ordered_json::array();
+    for (int row = 1; row <= 3; ++row)
+        homogeneous.push_back({w(row, 1), w(row, 2), w(row, 3), t[static_cast<std::size_t>(row - 1)]});
+    homogeneous.push_back({0.0, 0.0, 0.0, 1.0});
+    ordered_json solutions = ordered_json::array();
+    const Matrix& s = Inverse.InvSolutions;
+    for (int i = 1; i <= s.Rows; ++i)
+        solutions.push_back(
+            {{"rotation", {{"a_rad", s(i, 1)}, {"b_rad", s(i, 2)}, {"c_rad", s(i, 3)}}},
+             {"scales", {s(i, 4), s(i, 5), s(i, 6)}},
+             {"shear", {{"xy_rad", s(i, 7)}, {"azimuth_rad", s(i, 8)}, {"ztoxy_rad", s(i, 9)}}}});
+    return {{"matrix", homogeneous}, {"translation_mm", t}, {"solutions", solutions}};
+}
+
 ordered_json Points(const std::vector<FitPoint>& points) {
     ordered_json list = ordered_json::array();
     for (const FitPoint& point : points)
@@ -137,6 +156,7 @@ void WriteFitJson(const FitOptions& options, std::ostream& out) {
     root["normIterations"] = Norm.Iterations;
     root["parameters"] = Parameters();
     root["transformation"] = Transformation();
+    if (options.Inverse) root["inverse"] = InverseOfTheFit();
     root["quality"] = {{"s0_mm", c.s0},
                        {"sx_mm", c.sx},
                        {"sy_mm", c.sy},

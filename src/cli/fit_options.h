@@ -22,7 +22,9 @@ struct FitOptions {
     std::optional<char> Decimal;
     std::string Delimiter;
     std::optional<bool> Questions;  // --yes or --no
+    bool Inverse = false;           // table and JSON tell the inverse transformation as well
     FitOutput Output = FitOutput::Table;
+    std::string Report;  // path of the page to write; empty = none
 };
 
 // The program's exit status.

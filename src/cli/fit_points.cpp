@@ -4,6 +4,7 @@
 
 #include "cli/fit_output.h"
 #include "core/job.h"
+#include "engine/calculation.h"
 #include "engine/matrix.h"
 #include "engine/transform.h"
 
@@ -22,8 +23,10 @@ std::vector<FitPoint> FitPoints() {
             point.Start[axis] = start(axis + 1);
             point.Target[axis] = target(axis + 1);
             point.Transformed[axis] = transformed(axis + 1);
-            point.Deviation[axis] = transformed(axis + 1) - target(axis + 1);
-            point.Used[axis] = Job.UseFlags[3 * (k - 1) + static_cast<std::size_t>(axis) + 1] != 0;
+            // The residual of the adjustment: the difference of the two coordinates would cost its digits.
+            const auto row = 3 * (k - 1) + static_cast<std::size_t>(axis) + 1;
+            point.Deviation[axis] = Calculation.v[row];
+            point.Used[axis] = Job.UseFlags[row] != 0;
             squares += point.Deviation[axis] * point.Deviation[axis];
         }
         point.Deviation3D = std::sqrt(squares);

@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include "cli/fit_output.h"
+#include "cli/fit_parameters.h"
 #include "cli/text_columns.h"
 #include "core/controller.h"
 #include "core/job.h"
@@ -13,6 +14,7 @@
 #include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/inverse.h"
 #include "engine/norms.h"
 
 namespace {
@@ -35,40 +37,6 @@ std::string Label(const std::string& text) {
     return TextColumns{{14}}.Line({text});
 }
 
-std::string Length(double value_mm) {
-    return FormatNumber(value_mm * Units.LengthFactor, Units.FmtLength);
-}
-
-enum class Kind { Length, Angle, Scale };
-struct Row {
-    int Parameter;
-    const char* Name;
-    Kind Is;
-};
-constexpr std::array<Row, 13> kRows = {{{kTraX, "Tra x", Kind::Length},
-                                        {kTraY, "Tra y", Kind::Length},
-                                        {kTraZ, "Tra z", Kind::Length},
-                                        {kRotX, "Rot x", Kind::Angle},
-                                        {kRotY, "Rot y", Kind::Angle},
-                                        {kRotZ, "Rot z", Kind::Angle},
-                                        {kScaleXYZ, "Scale xyz", Kind::Scale},
-                                        {kScaleX, "Scale x", Kind::Scale},
-                                        {kScaleY, "Scale y", Kind::Scale},
-                                        {kScaleZ, "Scale z", Kind::Scale},
-                                        {kAngleXY, "xy", Kind::Angle},
-                                        {kAzimuth, "Azimuth", Kind::Angle},
-                                        {kAngleZtoXY, "z to xy", Kind::Angle}}};
-
-std::string Shown(Kind kind, double value) {
-    if (kind == Kind::Length) return Length(value);
-    return kind == Kind::Angle ? WinkelFormat(value) : FormatNumber(value, Units.FmtScale);
-}
-
-std::string UnitOf(Kind kind) {
-    if (kind == Kind::Length) return Job.LengthUnitName;
-    return kind == Kind::Angle ? Job.AngleUnitName : "";
-}
-
 void WriteHead(const FitOptions& options, const Style& style, std::ostream& out) {
     const auto& c = Calculation;
     out << style.Heading("Corvinade " + ProgramVersion()) << "  least-squares 3D transformation\n\n";
@@ -87,36 +55,81 @@ void WriteHead(const FitOptions& options, const Style& style, std::ostream& out)
 }
 
 void WriteParameters(const Style& style, std::ostream& out) {
-    const std::vector<std::string> head = {"Parameter", "value", "sigma", "significance"};
-    const auto cells = [](const Row& row) -> std::vector<std::string> {
-        const auto index = static_cast<std::size_t>(row.Parameter);
-        const bool isFloat = Job.ParamText[index] == kFloat;
-        return {row.Name, Shown(row.Is, ParameterValue(Job, row.Parameter)),
-                isFloat ? Shown(row.Is, Calculation.Sigma[index]) : "-",
-                isFloat ? FormatNumber(Calculation.Significance[index], "0.0") : "held"};
-    };
-    const auto isUsed = [](const Row& row) {
-        return Job.ParamText[static_cast<std::size_t>(row.Parameter)] != kNotUsed;
+    const std::vector<ShownParameter> parameters = ShownParameters();
+    const auto cells = [](const ShownParameter& p) -> std::vector<std::string> {
+        return {p.Name, p.Value, p.Sigma, p.Significance};
     };
     TextColumns columns{{12, 16, 12, 12}};
-    for (const Row& row : kRows)
-        if (isUsed(row)) columns.MakeRoom(cells(row));
-    out << "\n" << style.Heading(columns.Line(head)) << "  unit\n";
-    for (const Row& row : kRows)
-        if (isUsed(row)) out << columns.Line(cells(row)) << "  " << style.Quiet(UnitOf(row.Is)) << "\n";
+    for (const ShownParameter& p : parameters) columns.MakeRoom(cells(p));
+    out << "\n" << style.Heading(columns.Line({"Parameter", "value", "sigma", "significance"})) << "  unit\n";
+    for (const ShownParameter& p : parameters)
+        out << columns.Line(cells(p)) << "  " << style.Quiet(p.Unit) << "\n";
+}
+
+// The inverse, a column a solution. Matrices with tiny elements have solutions beyond counting; the first
+// ones do for a table.
+constexpr int kSolutionsAcross = 4;
+constexpr int kMostSolutions = 16;
+
+void WriteSolutions(int first, int last, const Style& style, std::ostream& out) {
+    struct Line {
+        int Column;
+        const char* Name;
+        ShownKind Is;
+    };
+    constexpr std::array<Line, 9> lines = {{{1, "rot x", ShownKind::Angle},
+                                            {2, "rot y", ShownKind::Angle},
+                                            {3, "rot z", ShownKind::Angle},
+                                            {4, "scale x", ShownKind::Scale},
+                                            {5, "scale y", ShownKind::Scale},
+                                            {6, "scale z", ShownKind::Scale},
+                                            {7, "xy", ShownKind::Angle},
+                                            {8, "Azimuth", ShownKind::Angle},
+                                            {9, "z to xy", ShownKind::Angle}}};
+    const auto cells = [first, last](const Line& line) {
+        std::vector<std::string> texts = {line.Name};
+        for (int i = first; i <= last; ++i)
+            texts.push_back(ShownValue(line.Is, Inverse.InvSolutions(i, line.Column)));
+        return texts;
+    };
+    std::vector<std::string> head = {""};
+    for (int i = first; i <= last; ++i) head.push_back("solution " + std::to_string(i));
+    TextColumns columns{std::vector<int>(head.size(), 12)};
+    columns.MakeRoom(head);
+    for (const Line& line : lines) columns.MakeRoom(cells(line));
+    out << "\n" << style.Heading(columns.Line(head)) << "\n";
+    for (const Line& line : lines)
+        out << columns.Line(cells(line)) << "  " << style.Quiet(UnitOf(line.Is)) << "\n";
+}
+
+void WriteInverse(const Style& style, std::ostream& out) {
+    const std::array<std::vector<std::string>, 3> rows = {{{"Tra x", ShownLength(Inverse.InvTraX)},
+                                                           {"Tra y", ShownLength(Inverse.InvTraY)},
+                                                           {"Tra z", ShownLength(Inverse.InvTraZ)}}};
+    TextColumns columns{{12, 16}};
+    for (const auto& row : rows) columns.MakeRoom(row);
+    out << "\n" << style.Heading(columns.Line({"Inverse", "value"})) << "  unit\n";
+    for (const auto& row : rows) out << columns.Line(row) << "  " << style.Quiet(Job.LengthUnitName) << "\n";
+    const int solutions = std::max(Inverse.InvSolutions.Rows, 0);
+    if (solutions == 0) out << style.Alarm("no solution") << "\n";
+    const int shown = std::min(solutions, kMostSolutions);
+    for (int first = 1; first <= shown; first += kSolutionsAcross)
+        WriteSolutions(first, std::min(first + kSolutionsAcross - 1, shown), style, out);
+    if (shown < solutions)
+        out << style.Quiet("(and " + std::to_string(solutions - shown) + " more solutions)") << "\n";
 }
 
 void WriteQuality(const std::vector<FitPoint>& points, const Style& style, std::ostream& out) {
     const auto& c = Calculation;
-    const std::vector<std::string> mean = {"mean error", Length(c.sx), Length(c.sy), Length(c.sz),
-                                           Length(c.SigmaXYZ)};
-    const std::vector<std::string> s0 = {"s0", Length(c.s0)};
+    const std::vector<std::string> mean = {"mean error", ShownLength(c.sx), ShownLength(c.sy),
+                                           ShownLength(c.sz), ShownLength(c.SigmaXYZ)};
+    const std::vector<std::string> s0 = {"s0", ShownLength(c.s0)};
     TextColumns columns{{12, 10, 10, 10, 10}};
     columns.MakeRoom(mean);
     columns.MakeRoom(s0);
     const FitNorms norms = NormsOfDeviations(points);
-    const std::vector<std::string> sum = {"sum", Length(norms.Sum)};
-    const std::vector<std::string> largest = {"largest", Length(norms.Largest)};
+    const std::vector<std::string> sum = {"sum", ShownLength(norms.Sum)};
+    const std::vector<std::string> largest = {"largest", ShownLength(norms.Largest)};
     columns.MakeRoom(sum);
     columns.MakeRoom(largest);
     out << "\n"
@@ -132,10 +145,10 @@ void WriteDeviations(const std::vector<FitPoint>& points, const Style& style, st
         std::vector<std::string> texts = {ForTable(point.Name, kLongestName)};
         for (int axis = 0; axis < 3; ++axis) {
             // A coordinate that takes no part stands in brackets.
-            const std::string value = Length(point.Deviation[axis]);
+            const std::string value = ShownLength(point.Deviation[axis]);
             texts.push_back(point.Used[axis] ? value : "(" + value + ")");
         }
-        texts.push_back(Length(point.Deviation3D));
+        texts.push_back(ShownLength(point.Deviation3D));
         return texts;
     };
     TextColumns columns{{12, 10, 10, 10, 10}};
@@ -163,6 +176,7 @@ void WriteFitTable(const FitOptions& options, std::ostream& out, bool colour) {
     const Style style{colour};
     WriteHead(options, style, out);
     WriteParameters(style, out);
+    if (options.Inverse) WriteInverse(style, out);
     const std::vector<FitPoint> points = FitPoints();
     WriteQuality(points, style, out);
     WriteDeviations(points, style, out);

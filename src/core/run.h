@@ -28,7 +28,9 @@ struct RunRecord {
     Flag RobotFileHasId = kFalse;  // the file check skips a first column
     Flag OverwriteQuiet = kFalse;  // the clipboard round trip replaces points without a question
     std::string PathReader;        // the target file of an import of another kind than two point files
-    float Etta = 0;                // tolerance of the matching, mm
+    // Largest minus smallest angle of a robot program, by the columns of Job.RobotABC, rad.
+    double SpanA = 0, SpanB = 0, SpanC = 0;
+    float Etta = 0;  // tolerance of the matching, mm
 
     bool PointCloud = false;          // the pictures show a cloud without pairs
     bool GraphicsWindowSeen = false;  // a graphics window has been counted once

@@ -3,6 +3,7 @@
 
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/inverse.h"
 #include "engine/norms.h"
 
 namespace {
@@ -23,6 +24,10 @@ const RecordEntry kRecords[] = {
     {"Iterations", &Adjustment.Iterations, Storage::Run},
     {"NormTolerance", &Norm.NormTolerance, Storage::Run},
     {"NormIterations", &Norm.Iterations, Storage::Run},
+    {"InvTraX", &Inverse.InvTraX, Storage::Run},
+    {"InvTraY", &Inverse.InvTraY, Storage::Run},
+    {"InvTraZ", &Inverse.InvTraZ, Storage::Run},
+    {"InvSolutions", &Inverse.InvSolutions, Storage::Run},
 };
 
 }  // namespace

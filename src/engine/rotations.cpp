@@ -121,3 +121,13 @@ void EulerFromMatrixZXZ(const Mat3& M, Vec3& first, Vec3& second) {
     Decompose(M, RotMatrixZXZ, ByTangent(-M(3, 1), M(3, 2)), ByCosine(ArcCos(M(3, 3))),
               ByTangent(M(1, 3), M(2, 3)), first, second);
 }
+
+Mat3 InverseRotation(const Mat3& R) {
+    Mat3 inverse, transpose;
+    MatrixInverse(R, 3, 3, inverse);
+    MatrixTranspose(R, 3, 3, transpose);
+    double difference = 0;
+    bool equal = false;
+    MatrixCompare(inverse, transpose, 1e-9, difference, equal);
+    return equal ? inverse : transpose;
+}

@@ -18,3 +18,8 @@ void EulerFromMatrixYXZ(const Mat3& M, Vec3& first, Vec3& second);
 void EulerFromMatrixZYX(const Mat3& M, Vec3& first, Vec3& second);
 void EulerFromMatrixZYZ(const Mat3& M, Vec3& first, Vec3& second);
 void EulerFromMatrixZXZ(const Mat3& M, Vec3& first, Vec3& second);
+
+// The inverse of a rotation by MatrixInverse. Its sweep takes the pivots as they come, so that right angles,
+// which put about 0 on the diagonal, cost it some or all of its digits; where it is off from the transpose
+// by more than 1e-9 the transpose is the answer.
+Mat3 InverseRotation(const Mat3& R);

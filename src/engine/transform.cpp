@@ -39,11 +39,15 @@ void BuildRotationMatrix() {
     ForgetProduct();
 }
 
+void BuildShearMatrix(double angleXY, double azimuth, double angleZtoXY, Mat3& K) {
+    const Circle xy(angleXY), az(azimuth), zt(angleZtoXY);
+    SetRow(K, 1, 1, xy.Sin, az.Cos * zt.Sin);
+    SetRow(K, 2, 0, xy.Cos, az.Sin * zt.Sin);
+    SetRow(K, 3, 0, 0, zt.Cos);
+}
+
 void BuildShearMatrix() {
-    const Circle xy(Job.AngleXY), az(Job.Azimuth), zt(Job.AngleZtoXY);
-    SetRow(Chain.ShearMatrix, 1, 1, xy.Sin, az.Cos * zt.Sin);
-    SetRow(Chain.ShearMatrix, 2, 0, xy.Cos, az.Sin * zt.Sin);
-    SetRow(Chain.ShearMatrix, 3, 0, 0, zt.Cos);
+    BuildShearMatrix(Job.AngleXY, Job.Azimuth, Job.AngleZtoXY, Chain.ShearMatrix);
     ForgetProduct();
 }
 

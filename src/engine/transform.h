@@ -27,6 +27,10 @@ void BuildScaleMatrix();     // from Job.ScaleX, ScaleY, ScaleZ
 // The three matrices and their product, where the job's parameters differ from those of the last time.
 void BuildChain();
 
+// The matrix of an oblique axis frame; angles in rad. The first axis stays, the second leans from the right
+// angle by xy, the third leans from the plane's normal by zt towards the direction az.
+void BuildShearMatrix(double xy, double az, double zt, Mat3& K);
+
 // The engine's rotation form Rz(-c) Ry(-b) Rx(-a); angles in rad.
 void RotMatrixXYZ(double a, double b, double c, Mat3& R);
 

@@ -165,6 +165,7 @@ struct ImportGuard {
     ImportGuard& operator=(const ImportGuard&) = delete;
     ~ImportGuard() {
         RepairJobCounts();
+        Run.StopRequested = kFalse;  // a stop ends this import, not the calculation after it
         const bool isLent = !IsTrue(Run.IsDefault) && !Run.PathReader.empty() && Job.PathOCS == lent_;
         if (isLent) Job.PathOCS = Run.PathReader;
         if (Whole || std::uncaught_exceptions() == exceptions_) return;

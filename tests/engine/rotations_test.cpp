@@ -197,6 +197,18 @@ TEST_F(Rotations, AgreeWithPublishedRobotAngles) {
     }
 }
 
+TEST_F(Rotations, TheInverseIsTheOneOfTheSweepUnlessRightAnglesCostItsDigits) {
+    Mat3 R;
+    RotMatrixXYZ(0.3, -0.4, 0.5, R);
+    Mat3 swept;
+    MatrixInverse(R, 3, 3, swept);
+    EXPECT_EQ(InverseRotation(R).Elements, swept.Elements);
+    RotMatrixXYZ(kPi / 2, 0, kPi / 2, R);
+    const Mat3 inverse = InverseRotation(R);
+    for (int i = 1; i <= 3; ++i)
+        for (int j = 1; j <= 3; ++j) EXPECT_NEAR(inverse(i, j), R(j, i), 1e-9);
+}
+
 TEST_F(Rotations, QuotientsOfTheDecompositionAddTheirConstant) {
     // 1e-14 / (1e-14 + 1e-14) where both elements are as small as the constant.
     Mat3 M;

@@ -148,7 +148,7 @@ TEST_F(Transformation, DerivativesOfTheMatricesAreTheirDifferenceQuotients) {
                                                {kAzimuth, ShearAngle::Azimuth},
                                                {kAngleZtoXY, ShearAngle::ZtoXY}}) {
             SetParameters(values);
-            check(parameter, ShearDerivative(angle), Chain.ShearMatrix, BuildShearMatrix);
+            check(parameter, ShearDerivative(angle), Chain.ShearMatrix, [] { BuildShearMatrix(); });
         }
     }
 }

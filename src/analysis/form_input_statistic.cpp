@@ -1,0 +1,82 @@
+// The window that shows what an import has brought in.
+#include "analysis/form_input_statistic.h"
+
+#include "core/job.h"
+#include "core/numbers.h"
+#include "core/refresh.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "core/units.h"
+
+namespace {
+
+const ControlEntry kControls[] = {
+    {"Label1", &InputStatistic.Label1},
+    {"Text1", &InputStatistic.Text1},
+    {"Label2", &InputStatistic.Label2},
+    {"Text2", &InputStatistic.Text2},
+    {"Label3", &InputStatistic.Label3},
+    {"Text3", &InputStatistic.Text3},
+    {"Label4", &InputStatistic.Label4},
+    {"Text4", &InputStatistic.Text4},
+    {"Label5", &InputStatistic.Label5},
+    {"Text5", &InputStatistic.Text5},
+    {"Label6", &InputStatistic.Label6},
+    {"Text6", &InputStatistic.Text6},
+    {"Label7", &InputStatistic.Label7},
+    {"Text7", &InputStatistic.Text7},
+    {"FrameABCRange", &InputStatistic.FrameABCRange},
+    {"TextRangeA", &InputStatistic.TextRangeA, {}, "FrameABCRange"},
+    {"TextRangeB", &InputStatistic.TextRangeB, {}, "FrameABCRange"},
+    {"TextRangeC", &InputStatistic.TextRangeC, {}, "FrameABCRange"},
+};
+
+}  // namespace
+
+const WindowEntry FormInputStatistic_Entry = {"FormInputStatistic",
+                                              &InputStatistic.Window,
+                                              kControls,
+                                              [] { InputStatistic = FormInputStatistic{}; },
+                                              FormInputStatistic::Form_Load,
+                                              nullptr,
+                                              FormInputStatistic::Form_Escape};
+
+void FormInputStatistic::Form_Load() {
+    FORMfüllen();
+}
+
+void FormInputStatistic::Form_Escape() {
+    UnloadWindow("FormInputStatistic");
+}
+
+void FORMfüllen() {
+    FormInputStatistic& w = InputStatistic;
+    LoadWindowPlace(w.Window.Place, FormInputStatistic_Entry.Name);
+    SetText(w.Label1, "MCS - Points in " + Job.NameMCS + " File");
+    SetText(w.Label2, "OCS - Points in " + Job.NameOCS + " File");
+    SetText(w.Label3, "Identically Points (In both Files)");
+    SetText(w.Label4, "MCS only - Points only in " + Job.NameMCS);
+    SetText(w.Label5, "OCS only - Points only in " + Job.NameOCS);
+    SetText(w.Label6, Job.NameMCS + " Filename");
+    SetText(w.Label7, Job.NameOCS + " Filename");
+    SetText(w.Text6, Job.PathMCS);
+    SetText(w.Text7, Job.PathOCS);
+    SetText(w.Text1, PlainText(Job.nMCS));
+    SetText(w.Text2, PlainText(Job.nOCS));
+    SetText(w.Text3, PlainText(Job.nIdent));
+    SetText(w.Text4, PlainText(Job.nMCSOnly));
+    SetText(w.Text5, PlainText(Job.nOCSOnly));
+
+    // The other kinds of robot file have spans as well; the window shows those of these two alone.
+    const bool inUse = IsTrue(Job.IsKuka) || IsTrue(Job.IsQuaternion);
+    if (inUse) SetText(w.FrameABCRange, "ABC Range in " + Job.AngleUnitName);
+    struct Range {
+        Control& Text;
+        double Span_rad;
+    };
+    for (const Range& range :
+         {Range{w.TextRangeA, Run.SpanA}, {w.TextRangeB, Run.SpanB}, {w.TextRangeC, Run.SpanC}}) {
+        range.Text.Enabled = inUse;
+        SetText(range.Text, inUse ? WinkelFormat(range.Span_rad) : "not in use");
+    }
+}

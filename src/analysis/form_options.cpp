@@ -1,0 +1,138 @@
+// The window of the settings that hold for the whole program.
+#include "analysis/form_options.h"
+
+#include "core/numbers.h"
+#include "core/settings.h"
+#include "core/units.h"
+
+namespace {
+
+const ControlEntry kControls[] = {
+    {"OptionNIX", &OptionsWindow.OptionNIX, {.Click = FormOptions::OptionNIX_Click}},
+    {"OptionALL", &OptionsWindow.OptionALL, {.Click = FormOptions::OptionALL_Click}},
+    {"OptionRobot", &OptionsWindow.OptionRobot, {.Click = FormOptions::OptionRobot_Click}},
+    {"OptionBMW", &OptionsWindow.OptionBMW, {.Click = FormOptions::OptionBMW_Click}},
+    {"CheckInverted", &OptionsWindow.CheckInverted},
+    {"OptionKuka", &OptionsWindow.OptionKuka, {.Click = FormOptions::OptionKuka_Click}},
+    {"CheckAdTCP", &OptionsWindow.CheckAdTCP},
+    {"Option1", &OptionsWindow.Option1, {.Click = FormOptions::Option1_Click}},
+    {"CheckTabelHeading", &OptionsWindow.CheckTabelHeading},
+    {"LabelSx", &OptionsWindow.LabelSx},
+    {"TextSx", &OptionsWindow.TextSx},
+    {"LabelSy", &OptionsWindow.LabelSy},
+    {"TextSy", &OptionsWindow.TextSy},
+    {"LabelSz", &OptionsWindow.LabelSz},
+    {"TextSz", &OptionsWindow.TextSz},
+    {"LabelMonteCarloRuns", &OptionsWindow.LabelMonteCarloRuns},
+    {"TextMonteCarloRuns", &OptionsWindow.TextMonteCarloRuns},
+    {"LabelGimbalLock", &OptionsWindow.LabelGimbalLock},
+    {"TextGimbalLock", &OptionsWindow.TextGimbalLock},
+    {"BtnOK", &OptionsWindow.BtnOK, {.Click = FormOptions::BtnOK_Click}},
+    {"BtnCancel", &OptionsWindow.BtnCancel, {.Click = FormOptions::BtnCancel_Click}},
+};
+
+// The options in the order of their numbers, which begin at 1.
+Control* const kClipboardOptions[] = {&OptionsWindow.OptionNIX, &OptionsWindow.OptionALL,
+                                      &OptionsWindow.OptionRobot, &OptionsWindow.OptionBMW,
+                                      &OptionsWindow.OptionKuka};
+
+struct FlagBox {
+    Control* Box;
+    Flag* Setting;
+};
+const FlagBox kFlagBoxes[] = {{&OptionsWindow.CheckInverted, &Settings.InvertedBMW},
+                              {&OptionsWindow.CheckAdTCP, &Settings.AdTCP},
+                              {&OptionsWindow.CheckTabelHeading, &Settings.TabelHeadMainSheet}};
+
+constexpr std::int32_t kUsualRuns = 100;  // where no number of runs has been chosen yet
+constexpr std::int32_t kFewestRuns = 2;   // below that there is no spread
+
+// The two boxes belong to one option each.
+void ShowBoxesOfOption() {
+    OptionsWindow.CheckInverted.Visible = OptionsWindow.OptionBMW.Value == 1;
+    OptionsWindow.CheckAdTCP.Visible = OptionsWindow.OptionKuka.Value == 1;
+}
+
+double NumberOf(const Control& text, const Control& label) {
+    return NumberFromText(text.Text, label.Text);
+}
+
+}  // namespace
+
+const WindowEntry FormOptions_Entry = {"FormOptions",
+                                       &OptionsWindow.Window,
+                                       kControls,
+                                       [] { OptionsWindow = FormOptions{}; },
+                                       FormOptions::Form_Load,
+                                       nullptr,
+                                       FormOptions::Form_Escape};
+
+void FormOptions::Form_Load() {
+    FormOptions& w = OptionsWindow;
+    w.Option1.Visible = false;
+    const int chosen = Settings.ClipboardValue;
+    if (chosen >= 1 && chosen <= static_cast<int>(std::size(kClipboardOptions)))
+        SetValue(*kClipboardOptions[chosen - 1], 1);
+    ShowBoxesOfOption();
+    for (const FlagBox& flag : kFlagBoxes) SetValue(*flag.Box, IsTrue(*flag.Setting) ? 1 : 0);
+    SetText(w.TextSx, PlainText(Settings.SigmaX));
+    SetText(w.TextSy, PlainText(Settings.SigmaY));
+    SetText(w.TextSz, PlainText(Settings.SigmaZ));
+    SetText(w.TextMonteCarloRuns,
+            PlainText(Settings.MonteCarloRuns == 0 ? kUsualRuns : Settings.MonteCarloRuns));
+    SetText(w.TextGimbalLock, FormatNumber(Settings.GimbalLockBorder * Units.AngleFactor, Units.FmtAngle));
+}
+
+void FormOptions::Form_Escape() {
+    UnloadWindow("FormOptions");
+}
+
+void FormOptions::OptionNIX_Click() {
+    ShowBoxesOfOption();
+}
+void FormOptions::OptionALL_Click() {
+    ShowBoxesOfOption();
+}
+void FormOptions::OptionRobot_Click() {
+    ShowBoxesOfOption();
+}
+void FormOptions::OptionBMW_Click() {
+    ShowBoxesOfOption();
+}
+void FormOptions::OptionKuka_Click() {
+    ShowBoxesOfOption();
+}
+void FormOptions::Option1_Click() {
+    ShowBoxesOfOption();
+}
+
+void FormOptions::EinstellungenÜbernehmen() {
+    const FormOptions& w = OptionsWindow;
+    // All texts are read before the first setting changes, so that a wrong one stores nothing.
+    const double sigmaX = NumberOf(w.TextSx, w.LabelSx);
+    const double sigmaY = NumberOf(w.TextSy, w.LabelSy);
+    const double sigmaZ = NumberOf(w.TextSz, w.LabelSz);
+    const std::int32_t runs =
+        ToInt32(NumberOf(w.TextMonteCarloRuns, w.LabelMonteCarloRuns), w.LabelMonteCarloRuns.Text);
+    const double border_rad = NumberOf(w.TextGimbalLock, w.LabelGimbalLock) / Units.AngleFactor;
+
+    for (std::size_t i = 0; i < std::size(kClipboardOptions); ++i)
+        if (kClipboardOptions[i]->Value == 1) Settings.ClipboardValue = static_cast<std::int16_t>(i + 1);
+    for (const FlagBox& flag : kFlagBoxes) *flag.Setting = ToFlag(flag.Box->Value == 1);
+    Settings.SigmaX = sigmaX;
+    Settings.SigmaY = sigmaY;
+    Settings.SigmaZ = sigmaZ;
+    Settings.MonteCarloRuns = runs < kFewestRuns ? kFewestRuns : runs;
+    Settings.GimbalLockBorder = border_rad;
+    SettingsSchreiben({"ClipboardValue", "InvertedBMW", "AdTCP", "TabelHeadMainSheet", "sigmaX", "sigmaY",
+                       "sigmaZ", "MonteCarloRuns", "GimbalLockBorder"});
+}
+
+void FormOptions::BtnOK_Click() {
+    EinstellungenÜbernehmen();
+    UnloadWindow("FormOptions");
+}
+
+void FormOptions::BtnCancel_Click() {
+    UnloadWindow("FormOptions");
+}

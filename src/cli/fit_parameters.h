@@ -1,0 +1,23 @@
+// The parameters of a fit as the outputs for people show them.
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct ShownParameter {
+    std::string Name;
+    std::string Value, Sigma, Significance;  // "-" and "held" for a parameter that does not float
+    std::string Unit;
+    bool Floats;
+};
+
+// All parameters that are used, in the order in which people read them.
+std::vector<ShownParameter> ShownParameters();
+
+// A value of one of the three kinds in the unit and format in use, and that unit's name.
+enum class ShownKind { Length, Angle, Scale };
+std::string ShownValue(ShownKind kind, double value);
+std::string UnitOf(ShownKind kind);
+
+// A length in the unit and format in use.
+std::string ShownLength(double value_mm);

@@ -1,0 +1,9 @@
+// The result of a fit as a page to look at: self-contained HTML, printable on A4.
+#pragma once
+
+#include <string>
+
+#include "cli/fit_options.h"
+
+// The whole page.
+std::string FitReport(const FitOptions& options);
