@@ -16,6 +16,7 @@
 #include "core/units.h"
 #include "engine/angles.h"
 #include "engine/design.h"
+#include "engine/moments.h"
 #include "engine/normal_equations.h"
 #include "engine/selection.h"
 #include "engine/start_values.h"
@@ -59,6 +60,11 @@ LargestCorrection FindLargest(const Column& x, int u) {
     for (int i = 1; i <= u; ++i)
         if (std::fabs(x[At(i)]) > largest.Size) largest = {std::fabs(x[At(i)]), i};
     return largest;
+}
+
+// A largest correction below this ends the iteration.
+double Threshold() {
+    return Settings.BestFit_Etta == 0 ? 1e-9 : Settings.BestFit_Etta;
 }
 
 bool AllFinite(const Column& x, int u) {
@@ -124,7 +130,12 @@ struct AdjustmentRun {
     Linearisation At;  // of the last pass
     Matrix N, Q;       // of the centred unknowns
     Column w, centred, x;
-    std::unique_ptr<NormalSums> Sums = std::make_unique<NormalSums>();
+    // By the moments of the points, or by their rows. Where weights differ by many orders, as those of L1
+    // do, the rounding of the heaviest rows' moments would drown what the others say.
+    bool ByMoments;
+    bool MomentsTaken = false;
+    PointMoments Moments;
+    std::unique_ptr<NormalSums> Sums;  // of the rows
     CorrectionTrace Trace;
     ConvergenceStatus Status;
 
@@ -135,7 +146,37 @@ struct AdjustmentRun {
           Q(model.Unknowns, model.Unknowns),
           w(static_cast<std::size_t>(model.Unknowns) + 1),
           centred(w.size()),
-          x(w.size()) {}
+          x(w.size()),
+          ByMoments(model.Mode == FitMode::Coincide && points.OnlyInUse && !points.ByRows) {}
+
+    void Equations() {
+        if (ByMoments) {
+            if (!MomentsTaken) SumMoments(Points, At, Moments);
+            MomentsTaken = true;
+            if (NormalEquations(Model, At, Moments, N, w)) return;
+            ByMoments = false;
+        }
+        if (Sums == nullptr) Sums = std::make_unique<NormalSums>();
+        SumNormalEquations(Points, Model, At, *Sums);
+        NormalEquations(Model, At, *Sums, N, w);
+    }
+
+    void Solve() {
+        Equations();
+        SolveNormalEquations(N, w, Model.Unknowns, Adjustment.Iterations, Q, centred);
+        x = centred;
+        FromCentre(Model, At, x);
+    }
+
+    // The pass that is to be the last stands on moments that were taken near it. Those of poor start
+    // values are good for the way there, and no more.
+    void SolveFromNear() {
+        constexpr double kFar = 1e-3;
+        if (!ByMoments || FindLargest(x, Model.Unknowns).Size >= Threshold()) return;
+        if (MovedSince(At, Moments) <= kFar) return;
+        MomentsTaken = false;
+        Solve();
+    }
 
     // One linearisation and solution. False when the job's points were replaced meanwhile.
     bool Pass() {
@@ -145,11 +186,8 @@ struct AdjustmentRun {
         if (Run.JobGeneration != JobGeneration) return false;
         At = Linearise(Model, Points);
         SetStatus(2, "... start of Least Square calc...");
-        SumNormalEquations(Points, Model, At, *Sums);
-        NormalEquations(Model, At, *Sums, N, w);
-        SolveNormalEquations(N, w, Model.Unknowns, Adjustment.Iterations, Q, centred);
-        x = centred;
-        FromCentre(Model, At, x);
+        Solve();
+        SolveFromNear();
         Trace.Add(x, Model.Unknowns);
         Update(Model, x);
         return true;
@@ -158,7 +196,7 @@ struct AdjustmentRun {
 
 // Passes until an end is reached. False when the job's points were replaced meanwhile.
 bool Iterate(AdjustmentRun& run) {
-    const double eps = Settings.BestFit_Etta == 0 ? 1e-9 : Settings.BestFit_Etta;
+    const double eps = Threshold();
     const int u = run.Model.Unknowns;
     LargestCorrection previous;
     for (;;) {

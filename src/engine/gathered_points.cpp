@@ -89,6 +89,9 @@ void SetWeights(const Column& P, GatheredPoints& points) {
     // Weights that are all 1 are left out of the products, which changes no bit of them.
     const auto first = P.begin() + 1;
     points.AllInUse = std::all_of(first, first + 3 * points.Count, [](double weight) { return weight == 1; });
+    points.OnlyInUse = points.AllInUse || std::all_of(first, first + 3 * points.Count, [](double weight) {
+                           return weight == 0 || weight == 1;
+                       });
     for (int axis = 0; axis < 3; ++axis) {
         LaneArray& weight = points.Weight[At(axis)];
         weight.resize(points.AllInUse ? 0 : At(points.Padded));

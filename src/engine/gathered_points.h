@@ -14,8 +14,10 @@ struct GatheredPoints {
     Vec3 StartCentre, TargetCentre;          // mm, subtracted from the coordinates
     std::array<LaneArray, 3> Start, Target;  // x, y, z; mm
     bool AllInUse = true;                    // every weight is 1; the columns Weight are then empty
+    bool OnlyInUse = true;                   // no weight is other than 0 and 1
     std::array<LaneArray, 3> Weight;         // one for each coordinate
-    std::array<LaneArray, 9> Pose;           // G(1,1), G(1,2), ... of the target poses; only with poses
+    bool ByRows = false;            // fits take the rows of the points even where their moments would do
+    std::array<LaneArray, 9> Pose;  // G(1,1), G(1,2), ... of the target poses; only with poses
 };
 
 // Gathers the first Job.nIdent pairs; their weights come apart.

@@ -7,7 +7,6 @@
 #include "core/run.h"
 #include "core/units.h"
 #include "engine/adjustment.h"
-#include "engine/design.h"
 #include "engine/norms.h"
 
 namespace {
@@ -59,7 +58,7 @@ bool FitL1(NormFit& fit) {
         ++Norm.Iterations;
         BestFitIteration(fit.u, fit.n, fit.ParamText, fit.Q, fit.v, fit.P, fit.Points);
         if (Adjustment.JobChanged) return false;
-        const bool distances = ChooseMode(fit.ParamText) == FitMode::Distance;
+        const bool distances = Adjustment.Model.Mode == FitMode::Distance;
         d = distances ? ReweightDistances(fit.v, fit.n, fit.P) : Reweight(fit.v, fit.n, fit.P);
         const double change = std::fabs(d - dPrev);
         SetStatus(7, "d[v]: " + PlainText(change * Units.LengthFactor));

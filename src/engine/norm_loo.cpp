@@ -7,7 +7,6 @@
 #include "core/run.h"
 #include "core/units.h"
 #include "engine/adjustment.h"
-#include "engine/design.h"
 #include "engine/norms.h"
 
 namespace {
@@ -43,7 +42,7 @@ bool RowInUse(int i) {
 void FindExtremes(NormFit& fit, Extremes& found) {
     found.Max = -1e11;
     found.Min = 1e11;
-    if (ChooseMode(fit.ParamText) == FitMode::Distance) {
+    if (Adjustment.Model.Mode == FitMode::Distance) {
         // A point's residual counts for its three rows. The place is the number of points before it, as
         // results have always been made with: the exchange reaches a row beside the point's own.
         for (int i = 1; i <= fit.n; ++i)

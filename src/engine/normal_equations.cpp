@@ -101,6 +101,51 @@ void FromCentre(const FitModel& model, const Linearisation& at, Matrix& Q) {
     MatrixMultiply(LQ, u, u, transposed, u, Q);
 }
 
+namespace {
+
+#if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
+#define ON_ANY_VECTORS __attribute__((target_clones("avx512f", "avx2", "default")))
+#else
+#define ON_ANY_VECTORS
+#endif
+
+// What one axis of the plain model's residuals is made of.
+struct PlainAxis {
+    double Shift, Constant, M[3], D[3];
+
+    // D p + t less the observation.
+    inline double Of(double x, double y, double z, double target) const {
+        const double l = (target - Shift) - (M[0] * x + M[1] * y + M[2] * z);
+        return (D[0] * x + D[1] * y + D[2] * z + Constant) - l;
+    }
+};
+
+// Plain pointers, all three axes in one loop: so the results of several points are computed at once.
+ON_ANY_VECTORS void PlainResiduals(int count, const double* x, const double* y, const double* z,
+                                   const double* qx, const double* qy, const double* qz, PlainAxis a,
+                                   PlainAxis b, PlainAxis c, double* __restrict v) {
+    for (int k = 0; k < count; ++k) {
+        v[3 * k] = a.Of(x[k], y[k], z[k], qx[k]);
+        v[3 * k + 1] = b.Of(x[k], y[k], z[k], qy[k]);
+        v[3 * k + 2] = c.Of(x[k], y[k], z[k], qz[k]);
+    }
+}
+
+void PlainResiduals(const GatheredPoints& points, const Linearisation& at, const Mat3& D, const Vec3& t,
+                    Column& v) {
+    const auto axis = [&](int k) {
+        return PlainAxis{
+            at.Shift(k), t(k), {at.M(k, 1), at.M(k, 2), at.M(k, 3)}, {D(k, 1), D(k, 2), D(k, 3)}};
+    };
+    PlainResiduals(points.Count, points.Start[0].data(), points.Start[1].data(), points.Start[2].data(),
+                   points.Target[0].data(), points.Target[1].data(), points.Target[2].data(), axis(1),
+                   axis(2), axis(3), v.data() + 1);
+}
+
+#undef ON_ANY_VECTORS
+
+}  // namespace
+
 void Residuals(const GatheredPoints& points, const FitModel& model, const Linearisation& at, const Column& x,
                Column& v) {
     // The part of A x that a point's coordinates have, D d + t, is the same matrix for all points.
@@ -124,6 +169,7 @@ void Residuals(const GatheredPoints& points, const FitModel& model, const Linear
     const double distanceCorrection =
         distance && model.UnknownOf[kRDist] != 0 ? x[At(model.UnknownOf[kRDist])] : 0;
 
+    if (model.Mode == FitMode::Coincide) return PlainResiduals(points, at, D, t, v);
     for (int i = 1; i <= points.Count; ++i) {
         const std::size_t k = At(i - 1);
         const double p[3] = {points.Start[0][k], points.Start[1][k], points.Start[2][k]};
