@@ -81,6 +81,7 @@ const FitPoint* Worst(const std::vector<FitPoint>& points) {
 std::vector<FitPoint> LargestOf(std::vector<FitPoint> points, std::size_t most) {
     if (points.size() <= most) return points;
     std::vector<double> sizes;
+    sizes.reserve(points.size());
     for (const FitPoint& point : points) sizes.push_back(point.Deviation3D);
     std::nth_element(sizes.begin(), sizes.begin() + static_cast<std::ptrdiff_t>(most - 1), sizes.end(),
                      std::greater<>());
