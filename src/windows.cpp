@@ -14,7 +14,9 @@
 #include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/calculation_window.h"
 #include "engine/engine_records.h"
+#include "engine/form_trafo_berechnung.h"
 #include "engine/inverse.h"
 #include "engine/norms.h"
 #include "engine/selection.h"
@@ -25,7 +27,7 @@ namespace {
 
 const WindowEntry* const kWindows[] = {
     &FormMain_Entry,       &FormUnits_Entry,          &FormMenuHelpInfo_Entry, &FormProgressBar_Entry,
-    &FormInputFiles_Entry, &FormInputStatistic_Entry, &FormOptions_Entry,
+    &FormInputFiles_Entry, &FormInputStatistic_Entry, &FormOptions_Entry,      &FormTrafoBerechnung_Entry,
 };
 
 const std::span<const RecordEntry> kRecordTables[] = {
@@ -43,6 +45,7 @@ void (*const kRecords[])() = {
     [] { Selection = SelectionRecord{}; },
     [] { Adjustment = AdjustmentRecord{}; },
     [] { Calculation = CalculationRecord{}; },
+    [] { CalculationWindow = CalculationWindowRecord{}; },
     [] { Norm = NormRecord{}; },
     [] { Inverse = InverseRecord{}; },
     [] { Spezial = SpezialRecord{}; },

@@ -41,10 +41,6 @@ std::string UnitOf(ShownKind kind) {
     return kind == ShownKind::Angle ? Job.AngleUnitName : "";
 }
 
-std::string ShownLength(double value_mm) {
-    return FormatNumber(value_mm * Units.LengthFactor, Units.FmtLength);
-}
-
 std::vector<ShownParameter> ShownParameters() {
     std::vector<ShownParameter> shown;
     for (const Row& row : kRows) {

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "engine/parameter_kind.h"  // ShownLength
+
 struct ShownParameter {
     std::string Name;
     std::string Value, Sigma, Significance;  // "-" and "held" for a parameter that does not float
@@ -18,6 +20,3 @@ std::vector<ShownParameter> ShownParameters();
 enum class ShownKind { Length, Angle, Scale };
 std::string ShownValue(ShownKind kind, double value);
 std::string UnitOf(ShownKind kind);
-
-// A length in the unit and format in use.
-std::string ShownLength(double value_mm);

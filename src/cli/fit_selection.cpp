@@ -96,11 +96,7 @@ std::string SelectParameters(const FitOptions& options) {
         const std::string wrong = HoldParameter(hold);
         if (!wrong.empty()) return wrong;
     }
-    for (int k = 1; k < kParameterEnd; ++k) {
-        const auto index = static_cast<std::size_t>(k);
-        Selection.FieldText[index] = Job.ParamText[index];
-        Selection.Float[index] = Job.ParamText[index] == kFloat;
-    }
+    SelectionFromJob();
     std::fill(Job.UseFlags.begin() + 1, Job.UseFlags.end(), std::int16_t{1});
     for (const std::string& what : options.LeaveOut) {
         const std::string wrong = LeaveOut(what);

@@ -3,6 +3,7 @@
 
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/calculation_window.h"
 #include "engine/inverse.h"
 #include "engine/norms.h"
 
@@ -21,6 +22,9 @@ const RecordEntry kRecords[] = {
     {"SigmaXYZ", &Calculation.SigmaXYZ, Storage::Run},
     {"Sigma", NumberRow{Calculation.Sigma.data(), 18}, Storage::Run},
     {"Significance", NumberRow{Calculation.Significance.data(), 18}, Storage::Run},
+    {"LastSolution", NumberRow{CalculationWindow.LastSolution.data(), 18}, Storage::Run},
+    {"LastQuality", NumberRow{CalculationWindow.LastQuality.data(), 16}, Storage::Run},
+    {"UseABCActive", &CalculationWindow.UseABCActive, Storage::Run},
     {"Iterations", &Adjustment.Iterations, Storage::Run},
     {"NormTolerance", &Norm.NormTolerance, Storage::Run},
     {"NormIterations", &Norm.Iterations, Storage::Run},

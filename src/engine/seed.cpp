@@ -11,6 +11,7 @@
 #include "core/units.h"
 #include "engine/field_number.h"
 #include "engine/matrix.h"
+#include "engine/parameter_kind.h"
 #include "engine/rotations.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
@@ -165,15 +166,6 @@ void SetSeed(std::size_t k, int pair) {
     Job.SeedName[k] = Job.MCS_Name[static_cast<std::size_t>(pair)];
 }
 
-// A parameter's present value as its field shows it.
-std::string ShownValue(int parameter) {
-    const double value = ParameterValue(Job, parameter);
-    if (parameter <= kTraZ || parameter == kRDist)
-        return FormatNumber(value * Units.LengthFactor, Units.FmtLength);
-    if (parameter >= kScaleX && parameter <= kScaleXYZ) return FormatNumber(value, Units.FmtScale);
-    return WinkelFormat(value);
-}
-
 }  // namespace
 
 void RawSolution(double& tx, double& ty, double& tz, double& rx, double& ry, double& rz, double& sx,
@@ -260,6 +252,7 @@ void TakeAsNewestSeed(int pair) {
 void SeedsFromResult() {
     for (int parameter = kTraX; parameter <= kRDist; ++parameter) {
         const auto k = static_cast<std::size_t>(parameter);
-        if (IsHeldValue(Selection.FieldText[k])) Selection.SeedText[k] = ShownValue(parameter);
+        if (IsHeldValue(Selection.FieldText[k]))
+            Selection.SeedText[k] = ShownAs(KindOf(parameter), ParameterValue(Job, parameter));
     }
 }

@@ -17,3 +17,6 @@ struct SelectionRecord {
     bool RDistShown = true;  // the field of R_Dist is on show: the distance model, else the tool model
 };
 inline SelectionRecord Selection;
+
+// Where no window chooses: what Job.ParamText says, without start values of the user's own.
+void SelectionFromJob();
