@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "core/controller.h"
+#include "core/form_main.h"
 #include "core/job.h"
 #include "core/refresh.h"
 #include "core/require.h"
@@ -287,6 +288,8 @@ void FormTrafoBerechnung::Form_Load() {
 
 void FormTrafoBerechnung::Form_Unload() {
     Selection.DialogOpen = false;
+    Main.MenuTransformationCalculation.Checked = false;
+    Main.Toolbar1_TrafoBerechnung.Value = 0;
     SchreibeTabellenSpalteBreite_in_ini();
 }
 
