@@ -129,6 +129,8 @@ void TransformAllPoints(const Column* v) {
 
 void ButtonCalcErsatz() {
     const std::uint64_t generation = Run.JobGeneration;
+    // Both before and after the events: they may change the choice, or close its window.
+    if (IsLoaded("FormTrafoBerechnung")) TakeSelection();
     YieldToEvents();
     if (Run.JobGeneration != generation) return;
     if (IsLoaded("FormTrafoDetails")) UnloadWindow("FormTrafoDetails");

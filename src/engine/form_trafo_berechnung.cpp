@@ -295,14 +295,12 @@ void FormTrafoBerechnung::Form_Unload() {
 
 namespace {
 
-// The options of a job with a shape: its pairs follow from the shape, so the direction and the norm are
-// given.
+// A job with a shape takes its targets from that: direction and norm are given, and there is no distance.
 void LockForParaboloid() {
     w.BtnSwitchMcsOcs.Enabled = false;
-    for (Control* const norm : {&w.OptionL1, &w.OptionLoo}) {
-        norm->Value = 0;
-        norm->Enabled = false;
-    }
+    SetValue(w.OptionL2, 1);
+    w.OptionL1.Enabled = w.OptionLoo.Enabled = false;
+    w.CheckRDist.Enabled = false;
 }
 
 void SelectNorm() {
@@ -356,7 +354,6 @@ void INI_Formtrafoberechnung() {
         const NoRecalculation none;
         for (Control* const text : {&w.TextScaleX, &w.TextScaleY, &w.TextScaleZ, &w.TextScaleXYZ})
             text->ForeColor = QbColor(8);
-        if (IsTrue(Job.IsParaboloid)) LockForParaboloid();
         const std::string systems = "MCS = " + Job.NameMCS + "   |   OCS = " + Job.NameOCS;
         w.BtnSwitchMcsOcs.ToolTip = "Switch Transformation Direction  " + systems;
         w.LabelDirection.ToolTip = systems;
@@ -370,13 +367,13 @@ void INI_Formtrafoberechnung() {
         } else {
             RestoreParameters();
         }
+        if (IsTrue(Job.IsParaboloid)) LockForParaboloid();
     }
     SetValue(w.CheckAutoRec, IsTrue(Job.AutoRecalc) ? 1 : 0);
     SetValue(w.CheckDeviation, 1);
     SetStatus(8, Job.LengthUnitName);
     SetStatus(9, Job.AngleUnitName);
     w.BtnSTOP.Enabled = false;
-    if (IsTrue(Job.IsParaboloid)) w.CheckRDist.Enabled = false;
     CalculationWindow.LengthFactor = Units.LengthFactor;
     CalculationWindow.AngleFactor = Units.AngleFactor;
     TabelleFüllenNeu();
