@@ -16,6 +16,8 @@
 #include "engine/calculation.h"
 #include "engine/engine_records.h"
 #include "engine/inverse.h"
+#include "engine/monte_carlo.h"
+#include "engine/noise.h"
 #include "engine/norms.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
@@ -44,6 +46,8 @@ void (*const kRecords[])() = {
     [] { Adjustment = AdjustmentRecord{}; },
     [] { Calculation = CalculationRecord{}; },
     [] { Norm = NormRecord{}; },
+    [] { MonteCarlo = MonteCarloRecord{}; },
+    [] { Noise = NoiseRecord{}; },
     [] { Inverse = InverseRecord{}; },
     [] { Spezial = SpezialRecord{}; },
 };

@@ -242,12 +242,17 @@ void BestFitIteration(int u, int n, const ParameterTexts& ParamText, Matrix& Q, 
 
 void BestFitIteration(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Column& v, Column& P,
                       GatheredPoints& points) {
+    TakeStartValues(ParamText);
+    IterateFromHere(u, n, ParamText, Q, v, P, points);
+}
+
+void IterateFromHere(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Column& v, Column& P,
+                     GatheredPoints& points) {
     Require(n == 3 * Job.nIdent && points.Count == Job.nIdent && UpperBound(P) >= n);
     Require(u == CountUnknowns(ParamText));
     const bool confirmed = Adjustment.AngleUnitsConfirmed;
     Adjustment = AdjustmentRecord{};
     Adjustment.AngleUnitsConfirmed = confirmed;
-    TakeStartValues(ParamText);
     const FitModel model = Adjustment.Model = ChooseModel(ParamText);
     if (model.Mode == FitMode::Distance) PackWeights(P);
     SetWeights(P, points);

@@ -45,6 +45,10 @@ bool GatherForFit(const Column& P, GatheredPoints& points);
 void BestFitIteration(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q, Column& v,
                       Column& P, GatheredPoints& points);
 
+// The same from the parameters on that stand in the job, without start values of its own.
+void IterateFromHere(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q, Column& v,
+                     Column& P, GatheredPoints& points);
+
 // Quality of a finished fit. s0 divides by the sum of the weights less one, not by n - u: that is the
 // form that the reports are calibrated on. sx, sy, sz the same for each axis alone.
 void Statistics(const Column& v, const Column& P, int n, double& s0, double& sx, double& sy, double& sz);

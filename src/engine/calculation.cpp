@@ -11,6 +11,7 @@
 #include "core/run.h"
 #include "engine/adjustment.h"
 #include "engine/design.h"
+#include "engine/monte_carlo.h"
 #include "engine/norms.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
@@ -98,6 +99,9 @@ void ButtonCalcErsatz() {
         ShowMessage("This is not a redundant calculation");
         return;
     }
+    const bool leastSquares = Job.NormType != 1 && Job.NormType != 3;
+    Calculation.Refused = leastSquares && IsTrue(MonteCarlo.MonteCarloOn) && !MonteCarloCanBeHeld();
+    if (Calculation.Refused) return;
 
     NormFit fit{.u = u, .n = n, .ParamText = Job.ParamText, .P = std::move(P)};
     if (!FitInNorm(fit) || Run.JobGeneration != generation) return;
