@@ -42,11 +42,42 @@ inline double Logarithm(double x) {
     return k * kLn2High + (f - (little - (2 * t * series + k * kLn2Low)));
 }
 
-// Pairs of uniform numbers in (-1, 1) and the squares of their distances from 0.
-ON_ANY_VECTORS void SquareThem(const std::int32_t* uniform, double* u, double* s) {
+using Engine = std::mt19937;
+constexpr int kWords = UniformBlocks::kWords;
+
+// One step of the generator for one word of its state (M. Matsumoto, T. Nishimura: Mersenne twister,
+// ACM Transactions on Modeling and Computer Simulation 8, 1998).
+inline std::uint32_t Twisted(std::uint32_t word, std::uint32_t next, std::uint32_t far) {
+    constexpr auto kLower = static_cast<std::uint32_t>((1U << Engine::mask_bits) - 1);
+    constexpr auto kTwist = static_cast<std::uint32_t>(Engine::xor_mask);
+    const std::uint32_t y = (word & ~kLower) | (next & kLower);
+    return far ^ (y >> 1) ^ ((0U - (y & 1U)) & kTwist);
+}
+
+inline std::uint32_t Tempered(std::uint32_t y) {
+    y ^= y >> Engine::tempering_u;
+    y ^= (y << Engine::tempering_s) & static_cast<std::uint32_t>(Engine::tempering_b);
+    y ^= (y << Engine::tempering_t) & static_cast<std::uint32_t>(Engine::tempering_c);
+    return y ^ (y >> Engine::tempering_l);
+}
+
+// Each loop reads a word before it or a later one writes it, so its steps may be taken side by side.
+ON_ANY_VECTORS void NextState(std::uint32_t* x, std::uint32_t* words) {
+    constexpr int kFar = Engine::shift_size;
+    for (int k = 0; k < kWords - kFar; ++k) x[k] = Twisted(x[k], x[k + 1], x[k + kFar]);
+    for (int k = kWords - kFar; k < kWords - 1; ++k) x[k] = Twisted(x[k], x[k + 1], x[k + kFar - kWords]);
+    x[kWords - 1] = Twisted(x[kWords - 1], x[0], x[kFar - 1]);
+    for (int k = 0; k < kWords; ++k) words[k] = Tempered(x[k]);
+}
+
+// Pairs of uniform numbers in (-1, 1): the first of each, and the square of its distance from 0.
+ON_ANY_VECTORS void SquareThem(const std::uint32_t* words, double* u, double* s) {
+    // 2 r - 1 of r = w / 2^32: with its highest bit turned over, and a sign, w is less by 2^31.
+    const auto centred = [](std::uint32_t word) {
+        return static_cast<double>(static_cast<std::int32_t>(word ^ 0x80000000U)) * 0x1p-31;
+    };
     for (int i = 0; i < kPairs; ++i) {
-        // 2 r - 1 of r = w / 2^32, w without sign: its highest bit turned over makes it w - 2^31.
-        const double a = uniform[i] * 0x1p-31, b = uniform[kPairs + i] * 0x1p-31;
+        const double a = centred(words[2 * i]), b = centred(words[2 * i + 1]);
         u[i] = a;
         s[i] = a * a + b * b;
     }
@@ -59,13 +90,10 @@ ON_ANY_VECTORS void Stretch(int count, const double* u, const double* s, double*
 #undef ON_ANY_VECTORS
 
 void MakeBlock() {
-    alignas(kLaneAlignment) std::array<std::int32_t, 2 * kPairs> uniform;
+    alignas(kLaneAlignment) std::array<std::uint32_t, kWords> words;
     alignas(kLaneAlignment) std::array<double, kPairs> u, s;
-    for (std::size_t i = 0; i < kPairs; ++i)
-        for (const std::size_t half : {i, kPairs + i})
-            uniform[half] =
-                static_cast<std::int32_t>(static_cast<std::uint32_t>(Noise.Generator()) ^ 0x80000000U);
-    SquareThem(uniform.data(), u.data(), s.data());
+    Noise.Generator.Next(words);
+    SquareThem(words.data(), u.data(), s.data());
     std::size_t accepted = 0;
     for (std::size_t i = 0; i < kPairs; ++i) {
         const double square = s[i];
@@ -80,9 +108,20 @@ void MakeBlock() {
 
 }  // namespace
 
+UniformBlocks::UniformBlocks(std::uint32_t seed) {
+    State[0] = seed;
+    for (std::uint32_t i = 1; i < kWords; ++i)
+        State[i] = static_cast<std::uint32_t>(Engine::initialization_multiplier) *
+                       (State[i - 1] ^ (State[i - 1] >> (Engine::word_size - 2))) +
+                   i;
+}
+
+void UniformBlocks::Next(std::array<std::uint32_t, kWords>& words) {
+    NextState(State.data(), words.data());
+}
+
 void SeedNoise(std::uint32_t seed) {
-    Noise = NoiseRecord{};
-    Noise.Generator.seed(seed);
+    Noise = NoiseRecord{.Generator = UniformBlocks(seed)};
 }
 
 double GaussNoise(double mean, double sigma) {
