@@ -124,22 +124,20 @@ struct ConvergenceStatus {
 
 // The state of one run.
 struct AdjustmentRun {
-    const GatheredPoints& Points;
+    GatheredPoints& Points;
     const FitModel& Model;
     std::uint64_t JobGeneration = Run.JobGeneration;
     Linearisation At;  // of the last pass
     Matrix N, Q;       // of the centred unknowns
     Column w, centred, x;
-    // By the moments of the points, or by their rows. Where weights differ by many orders, as those of L1
-    // do, the rounding of the heaviest rows' moments would drown what the others say.
-    bool ByMoments;
-    bool MomentsTaken = false;
-    PointMoments Moments;
+    bool ByMoments;  // of the points, or by their rows
+    bool MomentsTaken;
+    PointMoments& Moments;
     std::unique_ptr<NormalSums> Sums;  // of the rows
     CorrectionTrace Trace;
     ConvergenceStatus Status;
 
-    AdjustmentRun(const GatheredPoints& points, const FitModel& model)
+    AdjustmentRun(GatheredPoints& points, const FitModel& model, bool taken, PointMoments& moments)
         : Points(points),
           Model(model),
           N(model.Unknowns, model.Unknowns),
@@ -147,23 +145,48 @@ struct AdjustmentRun {
           w(static_cast<std::size_t>(model.Unknowns) + 1),
           centred(w.size()),
           x(w.size()),
-          ByMoments(model.Mode == FitMode::Coincide && points.OnlyInUse && !points.ByRows) {}
+          ByMoments(MomentsServe(model, points)),
+          MomentsTaken(taken),
+          Moments(moments) {}
+
+    void TakeMoments() {
+        SumMoments(Points, At, {.Tool = Model.Mode == FitMode::Tool}, Moments);
+        MomentsTaken = true;
+    }
+
+    void LeaveMoments() {
+        ByMoments = false;
+        if (Moments.Reweighted) TakeResidualWeights(Moments, Points);
+    }
 
     void Equations() {
         if (ByMoments) {
-            if (!MomentsTaken) SumMoments(Points, At, Moments);
-            MomentsTaken = true;
+            if (!MomentsTaken) TakeMoments();
             if (NormalEquations(Model, At, Moments, N, w)) return;
-            ByMoments = false;
+            LeaveMoments();
         }
         if (Sums == nullptr) Sums = std::make_unique<NormalSums>();
         SumNormalEquations(Points, Model, At, *Sums);
         NormalEquations(Model, At, *Sums, N, w);
     }
 
+    // Where weights differ by many orders the rounding of the heaviest rows' moments may drown what the
+    // others say about an unknown. How much of an unknown is left by the others shows in Q(i,i) N(i,i).
+    bool DrownedByWeights() const {
+        constexpr double kMostInflated = 1e8;
+        if (!ByMoments || !Moments.Reweighted) return false;
+        for (int i = 1; i <= Model.Unknowns; ++i)
+            if (!(std::fabs(Q(i, i) * N(i, i)) < kMostInflated)) return true;
+        return false;
+    }
+
     void Solve() {
         Equations();
         SolveNormalEquations(N, w, Model.Unknowns, Adjustment.Iterations, Q, centred);
+        if (DrownedByWeights()) {
+            LeaveMoments();
+            return Solve();
+        }
         x = centred;
         FromCentre(Model, At, x);
     }
@@ -172,8 +195,8 @@ struct AdjustmentRun {
     // values are good for the way there, and no more.
     void SolveFromNear() {
         constexpr double kFar = 1e-3;
-        if (!ByMoments || FindLargest(x, Model.Unknowns).Size >= Threshold()) return;
-        if (MovedSince(At, Moments) <= kFar) return;
+        if (!ByMoments || Moments.Reweighted) return;
+        if (FindLargest(x, Model.Unknowns).Size >= Threshold() || MovedSince(At, Moments) <= kFar) return;
         MomentsTaken = false;
         Solve();
     }
@@ -221,6 +244,35 @@ bool Iterate(AdjustmentRun& run) {
     }
 }
 
+// A fresh record of the run, and the model that the job's parameters give.
+const FitModel& BeginRun(int u, int n, const ParameterTexts& ParamText, const GatheredPoints& points) {
+    Require(n == 3 * Job.nIdent && points.Count == Job.nIdent);
+    Require(u == CountUnknowns(ParamText));
+    const bool confirmed = Adjustment.AngleUnitsConfirmed;
+    Adjustment = AdjustmentRecord{};
+    Adjustment.AngleUnitsConfirmed = confirmed;
+    Adjustment.Model = ChooseModel(ParamText);
+    return Adjustment.Model;
+}
+
+// What the run leaves: `v` and Q. False when the job's points were replaced meanwhile.
+bool CarryOut(AdjustmentRun& run, Matrix& Q) {
+    if (!Iterate(run)) {
+        Adjustment.JobChanged = true;
+        return false;
+    }
+    run.Status.Show();
+    Q = run.Q;
+    FromCentre(run.Model, run.At, Q);
+    return true;
+}
+
+void TellOfLimit() {
+    if (Adjustment.Iterations > Settings.MaxIteration)
+        ShowMessage("Calculation stopped after " + PlainText(Settings.MaxIteration) +
+                    " Iterations, Convergence not reached yet!");
+}
+
 }  // namespace
 
 bool GatherForFit(const Column& P, GatheredPoints& points) {
@@ -248,26 +300,26 @@ void BestFitIteration(int u, int n, const ParameterTexts& ParamText, Matrix& Q, 
 
 void IterateFromHere(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Column& v, Column& P,
                      GatheredPoints& points) {
-    Require(n == 3 * Job.nIdent && points.Count == Job.nIdent && UpperBound(P) >= n);
-    Require(u == CountUnknowns(ParamText));
-    const bool confirmed = Adjustment.AngleUnitsConfirmed;
-    Adjustment = AdjustmentRecord{};
-    Adjustment.AngleUnitsConfirmed = confirmed;
-    const FitModel model = Adjustment.Model = ChooseModel(ParamText);
+    Require(UpperBound(P) >= n);
+    const FitModel model = BeginRun(u, n, ParamText, points);
     if (model.Mode == FitMode::Distance) PackWeights(P);
     SetWeights(P, points);
-
-    AdjustmentRun run(points, model);
-    if (!Iterate(run)) {
-        Adjustment.JobChanged = true;
-        return;
-    }
-    run.Status.Show();
+    PointMoments moments;
+    AdjustmentRun run(points, model, false, moments);
+    if (!CarryOut(run, Q)) return;
     v.resize(At(n) + 1);
     Residuals(points, model, run.At, run.centred, v);
-    Q = run.Q;
-    FromCentre(model, run.At, Q);
-    if (Adjustment.Iterations > Settings.MaxIteration)
-        ShowMessage("Calculation stopped after " + PlainText(Settings.MaxIteration) +
-                    " Iterations, Convergence not reached yet!");
+    TellOfLimit();
+}
+
+void BestFitIteration(int u, int n, const ParameterTexts& ParamText, Matrix& Q, GatheredPoints& points,
+                      FitOnMoments& fit) {
+    TakeStartValues(ParamText);
+    const FitModel model = BeginRun(u, n, ParamText, points);
+    AdjustmentRun run(points, model, true, fit.Moments);
+    if (!CarryOut(run, Q)) return;
+    fit.ByMoments = run.ByMoments;
+    fit.At = run.At;
+    fit.Centred = std::move(run.centred);
+    TellOfLimit();
 }
