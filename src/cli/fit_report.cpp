@@ -54,8 +54,8 @@ svg .marked { fill: var(--red); stroke: var(--red); }
 svg .unused { fill: none; stroke-dasharray: 2 2; }
 .pairs { display: grid; grid-template-columns: 1fr 1fr; gap: 0 14px; }
 .pairs svg { font-size: 15px; }
-.pairs svg .title { font-size: 19px; }
-.pairs svg .tick { font-size: 16px; }
+.pairs svg .title { font-size: 17px; }
+.pairs svg .tick { font-size: 13px; }
 @media print { body { padding: 0; max-width: none; font-size: 11px; } }
 )css";
 

@@ -14,7 +14,7 @@
 #include "core/settings.h"
 #include "core/text.h"
 #include "core/units.h"
-#include "engine/angles.h"
+#include "engine/corrections.h"
 #include "engine/design.h"
 #include "engine/moments.h"
 #include "engine/normal_equations.h"
@@ -48,49 +48,6 @@ void PackWeights(Column& P) {
 // The orientation of the poses is gathered wherever the tool model may turn out to hold.
 bool PosesMayCount() {
     return Selection.CheckUseABC || !Selection.RDistShown;
-}
-
-struct LargestCorrection {
-    double Size = 0;
-    int Unknown = 1;
-};
-
-LargestCorrection FindLargest(const Column& x, int u) {
-    LargestCorrection largest;
-    for (int i = 1; i <= u; ++i)
-        if (std::fabs(x[At(i)]) > largest.Size) largest = {std::fabs(x[At(i)]), i};
-    return largest;
-}
-
-// A largest correction below this ends the iteration.
-double Threshold() {
-    return Settings.BestFit_Etta == 0 ? 1e-9 : Settings.BestFit_Etta;
-}
-
-bool AllFinite(const Column& x, int u) {
-    return std::all_of(x.begin() + 1, x.begin() + 1 + u, [](double value) { return std::isfinite(value); });
-}
-
-// The library's circle is short by 2e-10 rad, so an angle at half a turn that is wrapped is moved. Seen
-// from the origin of a hall that is more than a converged fit may still change, and the next pass would
-// wrap it back: there it is left as it is.
-double WrappedInFit(double angle) {
-    constexpr double kAtHalfTurn = 1e-9;
-    return std::fabs(std::fabs(angle) - kPi) < kAtHalfTurn ? angle : WrapAngle(angle);
-}
-
-// Adds the corrections to the parameters in the order of their indices.
-void Update(const FitModel& model, const Column& x) {
-    for (int parameter = kTraX; parameter < kParameterEnd; ++parameter) {
-        const int unknown = model.UnknownOf[At(parameter)];
-        if (unknown == 0) continue;
-        double& value = ParameterValue(Job, parameter);
-        value += x[At(unknown)];
-        const bool angle =
-            (parameter >= kRotX && parameter <= kRotZ) || (parameter >= kAngleXY && parameter <= kAngleZtoXY);
-        if (angle) value = WrappedInFit(value);
-        if (parameter == kScaleXYZ) Job.ScaleX = Job.ScaleY = Job.ScaleZ = value;
-    }
 }
 
 // The corrections of all passes as text, which the clipboard shows while the iteration runs.
@@ -194,9 +151,9 @@ struct AdjustmentRun {
     // The pass that is to be the last stands on moments that were taken near it. Those of poor start
     // values are good for the way there, and no more.
     void SolveFromNear() {
-        constexpr double kFar = 1e-3;
         if (!ByMoments || Moments.Reweighted) return;
-        if (FindLargest(x, Model.Unknowns).Size >= Threshold() || MovedSince(At, Moments) <= kFar) return;
+        if (FindLargest(x, Model.Unknowns).Size >= Threshold() || MovedSince(At, Moments) <= kFarFromMoments)
+            return;
         MomentsTaken = false;
         Solve();
     }

@@ -1,7 +1,9 @@
 // Monte Carlo.
 #include "engine/monte_carlo.h"
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "core/numbers.h"
 #include "core/platform.h"
@@ -12,6 +14,7 @@
 #include "engine/angles.h"
 #include "engine/nice_rotation.h"
 #include "engine/noise.h"
+#include "engine/repeated_fit.h"
 #include "engine/seed.h"
 #include "engine/start_values.h"
 
@@ -35,10 +38,48 @@ void MoveSeeds(const GatheredPoints& points, SeedPoints& seeds) {
     }
 }
 
-void ShowRun(int i, int runs) {
+// True when the progress bar has moved.
+bool ShowRun(int i, int runs) {
     const auto percent = static_cast<float>(100.0 * i / runs);
-    Progress.ProgressBar1.Value = static_cast<int>(std::nearbyint(percent));
+    const int value = static_cast<int>(std::nearbyint(percent));
+    return std::exchange(Progress.ProgressBar1.Value, value) != value;
 }
+
+// The fits of the runs. Most of them go without the status bar's texts, which would cost more than the
+// fit does; at each step of the progress bar one goes the whole way and shows them.
+struct FitsOfRuns {
+    NormFit& Fit;
+    StartChoice Choice = ReadStartChoice(Fit.ParamText);
+    SeedPoints Seeds = TakeSeedPoints();
+    RepeatedFit Short;
+    bool ShortServes;
+
+    explicit FitsOfRuns(NormFit& fit) : Fit(fit), Short(ModelOfRuns()) {
+        SetWeights(Fit.P, Fit.Points);
+        Fit.v.resize(At(Fit.n) + 1);
+        ShortServes = RepeatedFitServes(Short.Model, Fit.Points);
+    }
+
+    // The start values decide on the model, with held values that are those of each run.
+    FitModel ModelOfRuns() const {
+        TakeStartValues(Choice, Seeds);
+        return ChooseModel(Fit.ParamText);
+    }
+
+    // False when the job's points were replaced meanwhile. Adjustment.Converged tells whether it came to its
+    // end.
+    bool Run(bool shown) {
+        MoveSeeds(Fit.Points, Seeds);
+        TakeStartValues(Choice, Seeds);
+        if (ShortServes && !shown) {
+            const FitEnd end = FitAgain(Short, Fit.Points, Fit.v);
+            if (end != FitEnd::Unfinished) return end != FitEnd::JobChanged;
+            TakeStartValues(Choice, Seeds);
+        }
+        IterateFromHere(Fit.u, Fit.n, Fit.ParamText, Fit.Q, Fit.v, Fit.P, Fit.Points);
+        return !Adjustment.JobChanged;
+    }
+};
 
 // Puts everything back, whatever ends the runs.
 struct Finaliser {
@@ -128,19 +169,15 @@ bool RunMonteCarlo(NormFit& fit) {
     const Finaliser finaliser{fit.Points};
     const std::uint64_t started = MonteCarlo.Started;
     const auto overtaken = [=] { return Run.JobGeneration != generation || MonteCarlo.Started != started; };
-    const StartChoice choice = ReadStartChoice(fit.ParamText);
-    SeedPoints seeds = TakeSeedPoints();
+    FitsOfRuns fits(fit);
     const int runs = MonteCarlo.MCResults.Columns;
     bool complete = true;
     for (int i = 1; i <= runs && complete; ++i) {
-        ShowRun(i, runs);
+        const bool shown = ShowRun(i, runs);
         YieldToEvents();
         if (overtaken()) return false;
         MCS_verrauschen(fit.Points);
-        MoveSeeds(fit.Points, seeds);
-        TakeStartValues(choice, seeds);
-        IterateFromHere(fit.u, fit.n, fit.ParamText, fit.Q, fit.v, fit.P, fit.Points);
-        if (Adjustment.JobChanged || overtaken()) return false;
+        if (!fits.Run(shown) || overtaken()) return false;
         complete = Adjustment.Converged && !IsTrue(Run.StopRequested);
         if (complete) MonteCarloWriteiResults(i, fit.v, fit.P);
     }

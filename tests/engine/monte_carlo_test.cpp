@@ -88,6 +88,58 @@ TEST_F(Runs, EachIsThePlainFitOfTheStartPointsWithItsNoise) {
     }
 }
 
+TEST_F(Runs, AreTheSameWhetherTheyShowTheirTextsOrNot) {
+    RigidCloud();
+    FloatParameters({kScaleX, kScaleY, kScaleZ, kAngleXY});
+    Job.UseFlags[5] = 0;
+    Calculate(kL2);  // each run moves the progress bar and shows its texts
+    const Matrix shown = MonteCarlo.MCResults;
+    Settings.MonteCarloRuns = 10000;
+    SeedNoise(kUsualSeed);
+    Calculate(kL2);
+    for (int k = 1; k <= kSigmaXYZ; ++k)
+        for (int i = 1; i <= 100; ++i) ASSERT_EQ(MonteCarlo.MCResults(k, i), shown(k, i)) << k << " " << i;
+}
+
+TEST_F(Runs, WithoutTextsEachPassStillEmptiesTheClipboard) {
+    RigidCloud();
+    Settings.MonteCarloRuns = 10000;
+    int kept = 0;
+    Headless.OnYield = [&kept] {
+        kept += Headless.Clipboard == "mine" && Adjustment.Iterations > 0 ? 1 : 0;
+        if (Adjustment.Iterations == 0) Headless.Clipboard = "mine";
+        if (MonteCarlo.MonteCarloOn && Progress.Window.Loaded && MonteCarlo.MCResults(kTraX, 30) != 0)
+            ::Run.StopRequested = kTrue;
+    };
+    Calculate(kL2);
+    EXPECT_EQ(kept, 0);
+    EXPECT_EQ(Headless.Clipboard, "");
+}
+
+TEST_F(Runs, WithoutTextsOneThatDoesNotConvergeIsTheLastToo) {
+    RigidCloud();
+    Settings.MonteCarloRuns = 10000;
+    Settings.MaxIteration = 0;
+    Calculate(kL2);
+    EXPECT_FALSE(IsTrue(MonteCarlo.MonteCarloDone));
+    EXPECT_EQ(Messages().size(), 2u);
+}
+
+TEST_F(Runs, WithoutTextsAJobReplacedMeanwhileIsLeftAlone) {
+    RigidCloud();
+    Settings.MonteCarloRuns = 10000;
+    Headless.OnYield = [] {
+        if (!Progress.Window.Loaded || MonteCarlo.MCResults(kTraX, 20) == 0 || Adjustment.Iterations != 1)
+            return;
+        Job = JobRecord{};
+        ++::Run.JobGeneration;
+    };
+    Calculate(kL2);
+    EXPECT_EQ(Job.TraX, 0);
+    EXPECT_FALSE(IsTrue(MonteCarlo.MonteCarloDone));
+    EXPECT_FALSE(Progress.Window.Loaded);
+}
+
 TEST_F(Runs, TheSolutionThatTheUserSeesIsThatOfThePointsWithoutNoise) {
     RigidCloud();
     Calculate(kL2);
