@@ -14,6 +14,7 @@
 #include "engine/calculation_window.h"
 #include "engine/design.h"
 #include "engine/field_number.h"
+#include "engine/monte_carlo.h"
 #include "engine/nice_rotation.h"
 #include "engine/norms.h"
 #include "engine/selection.h"
@@ -155,6 +156,9 @@ void ButtonCalcErsatz() {
                     " is held at 0, which leaves nothing of the points. Please hold it at another value.");
         return;
     }
+    const bool leastSquares = Job.NormType != 1 && Job.NormType != 3;
+    Calculation.Refused = leastSquares && IsTrue(MonteCarlo.MonteCarloOn) && !MonteCarloCanBeHeld();
+    if (Calculation.Refused) return;
 
     NormFit fit{.u = u, .n = n, .ParamText = Job.ParamText, .P = std::move(P)};
     if (!FitInNorm(fit) || Run.JobGeneration != generation) return;

@@ -11,6 +11,7 @@
 #include "core/run.h"
 #include "core/units.h"
 #include "engine/calculation_window.h"
+#include "engine/monte_carlo.h"
 #include "engine/selection.h"
 
 namespace {
@@ -359,7 +360,7 @@ void INI_Formtrafoberechnung() {
         w.LabelDirection.ToolTip = systems;
         SelectNorm();
         SetValue(w.CheckMonteCarlo, 0);
-        Run.StopRequested = kFalse;
+        MonteCarlo.MonteCarloOn = Run.StopRequested = kFalse;
         INI_Rdist();
         ShowDirection(" => ");
         if (Job.ParamText[1].empty()) {

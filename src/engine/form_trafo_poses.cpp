@@ -112,5 +112,3 @@ void FormTrafoBerechnung::BtnLoadRData_Click() {
     Job.RobotABC = std::move(robot);
     Run.JobDirty = kTrue;
 }
-
-void FormTrafoBerechnung::CheckMonteCarlo_Click() {}
