@@ -289,6 +289,7 @@ void FormTrafoBerechnung::Form_Load() {
 
 void FormTrafoBerechnung::Form_Unload() {
     Selection.DialogOpen = false;
+    MonteCarlo.MonteCarloOn = kFalse;
     Main.MenuTransformationCalculation.Checked = false;
     Main.Toolbar1_TrafoBerechnung.Value = 0;
     SchreibeTabellenSpalteBreite_in_ini();

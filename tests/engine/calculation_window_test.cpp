@@ -411,3 +411,47 @@ TEST_F(CalculationWindowRun, OnePairIsTooFewAndTwoAreWarnedOf) {
         "There are less than three identically Points for a calculation.\r\nBy rational settings of the "
         "Transformation Parameters logical Calculations can be made.\r\nBe sure what you are doing!");
 }
+
+namespace {
+
+// Targets at 50 mm from where the transformation puts the start points, so that the distance is known.
+class DistanceRun : public CalculationJob {
+protected:
+    DistanceRun() {
+        AddPairs(12, 0);
+        Open();
+        UserSetValue(w.CheckRDist, 1);
+    }
+};
+
+}  // namespace
+
+TEST_F(DistanceRun, AStartOnTheTargetsIsToldWithThePointAndChangesNothing) {
+    Job.TraX = 17;
+    Calculate();
+    EXPECT_EQ(LastMessage(),
+              "The start values put point \"P1\" onto its target, where the distance between them has no "
+              "direction. Please give a seed for one of the translations, or choose other seed points.");
+    EXPECT_EQ(Job.TraX, 17);
+    EXPECT_FALSE(IsTrue(Run.TrafoValid));
+    for (std::size_t flag = 1; flag <= 9; ++flag) Job.UseFlags[flag] = 0;
+    Calculate();
+    EXPECT_NE(LastMessage().find("\"P4\""), std::string::npos) << "points out of use do not matter";
+}
+
+TEST_F(DistanceRun, ASeedLeadsAwayFromTheTargets) {
+    for (std::size_t i = 1; i <= 12; ++i) {
+        const double angle = 0.7 * static_cast<double>(i), up = -0.9 + 0.15 * static_cast<double>(i);
+        const double across = std::sqrt(1 - up * up);
+        Job.OCS_X[i] = *Job.OCS_X[i] + 50 * across * std::cos(angle);
+        Job.OCS_Y[i] = *Job.OCS_Y[i] + 50 * across * std::sin(angle);
+        Job.OCS_Z[i] += 50 * up;
+    }
+    UserSetValue(w.CheckSeedTrax, 1);
+    UserSetText(w.TextSeedTrax, "103");
+    Calculate();
+    EXPECT_TRUE(Adjustment.Converged);
+    EXPECT_NEAR(Job.RDist, 50, 1e-6);
+    EXPECT_NEAR(Job.TraX, 100, 1e-6);
+    EXPECT_EQ(w.TextRDist.Text, "50.000");
+}
