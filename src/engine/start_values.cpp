@@ -20,14 +20,10 @@ std::size_t At(int i) {
     return static_cast<std::size_t>(i);
 }
 
-void TakeTranslation(const StartChoice& choice) {
-    for (int parameter = kTraX; parameter <= kTraZ; ++parameter)
-        if (!choice.Floats[At(parameter)]) ParameterValue(Job, parameter) = choice.Value[At(parameter)];
-}
-
 // Held angles stand beside raw ones, and a rotation has two triples of angles: the one nearer to the
-// last of the held angles is taken.
-void TakeRotation(const StartChoice& choice) {
+// last of the held angles is taken. The user's own start values come behind that, for a held angle put
+// into the other triple would make up a rotation of its own.
+void ChooseTriple(const StartChoice& choice) {
     if (choice.Floats[kRotX] && choice.Floats[kRotY] && choice.Floats[kRotZ]) return;
     Mat3 R;
     Vec3 first, second;
@@ -41,11 +37,12 @@ void TakeRotation(const StartChoice& choice) {
         toSecond = std::fabs(choice.Value[At(parameter)] - second(k));
     }
     const Vec3& nearer = toFirst >= toSecond ? second : first;
-    for (int k = 1; k <= 3; ++k) {
-        const int parameter = kRotX + k - 1;
-        ParameterValue(Job, parameter) =
-            choice.Floats[At(parameter)] ? nearer(k) : choice.Value[At(parameter)];
-    }
+    for (int k = 1; k <= 3; ++k) ParameterValue(Job, kRotX + k - 1) = nearer(k);
+}
+
+void TakeTranslationAndRotation(const StartChoice& choice) {
+    for (int parameter = kTraX; parameter <= kRotZ; ++parameter)
+        if (!choice.Floats[At(parameter)]) ParameterValue(Job, parameter) = choice.Value[At(parameter)];
 }
 
 void TakeScale(const StartChoice& choice) {
@@ -98,10 +95,10 @@ void TakeStartValues(const StartChoice& choice, const SeedPoints& seeds) {
 
     Job.AngleXY = Job.Azimuth = Job.AngleZtoXY = 0;
     RawSolution(seeds);
+    ChooseTriple(choice);
     GetSeed(choice.Own);
 
-    TakeTranslation(choice);
-    TakeRotation(choice);
+    TakeTranslationAndRotation(choice);
     TakeScale(choice);
     TakeFrameAngles(choice);
     if (choice.Held[kRvecX]) {
