@@ -190,10 +190,8 @@ void ButtonCalcErsatz() {
     const FitModel& model = Adjustment.Model;
     std::copy(model.UnknownOf.begin(), model.UnknownOf.end(), Calculation.UnknownOf.begin());
     FillStatistics(model);
-    if (useABC) {
-        Job.RDist = Hypot3(Job.Rvec_x, Job.Rvec_y, Job.Rvec_z);
-        FillToolStatistics();
-    }
+    if (useABC || !Selection.RDistShown) Job.RDist = Hypot3(Job.Rvec_x, Job.Rvec_y, Job.Rvec_z);
+    if (useABC) FillToolStatistics();
 
     // In the distance and the tool model a residual is not the way to the target point.
     if (Calculation.Finite) TransformAllPoints(model.Mode == FitMode::Coincide ? &Calculation.v : nullptr);

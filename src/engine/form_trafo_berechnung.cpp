@@ -319,6 +319,7 @@ int ParameterOfSlot(int slot) {
 
 void RestoreParameters() {
     const auto slots = Job.ParamText;
+    CalculationWindow.UseABCActive = ToFlag(ToolVectorGoverns(slots));
     for (int slot = kTraX; slot < kParameterEnd; ++slot) {
         const ParameterControls& row = RowOf(ParameterOfSlot(slot));
         const std::string& text = slots[static_cast<std::size_t>(slot)];
@@ -333,7 +334,7 @@ void BeginWithSixParameters() {
     SetValue(w.Option6Parameter, 1);
     for (std::size_t i = 1; i < Job.UseFlags.size(); i += 3)
         if (Job.UseFlags[i] != 0) return;
-    std::fill(Job.UseFlags.begin() + 1, Job.UseFlags.end(), std::int16_t{1});
+    for (std::size_t i = 1; i < Job.UseFlags.size(); ++i) Job.UseFlags[i] = 1;
 }
 
 // Opening a window calculates nothing, whatever its boxes do.
@@ -356,9 +357,8 @@ void INI_Formtrafoberechnung() {
         const NoRecalculation none;
         for (Control* const text : {&w.TextScaleX, &w.TextScaleY, &w.TextScaleZ, &w.TextScaleXYZ})
             text->ForeColor = QbColor(8);
-        const std::string systems = "MCS = " + Job.NameMCS + "   |   OCS = " + Job.NameOCS;
-        w.BtnSwitchMcsOcs.ToolTip = "Switch Transformation Direction  " + systems;
-        w.LabelDirection.ToolTip = systems;
+        w.BtnSwitchMcsOcs.ToolTip =
+            "Switch Transformation Direction  MCS = " + Job.NameMCS + "   |   OCS = " + Job.NameOCS;
         SelectNorm();
         SetValue(w.CheckMonteCarlo, 0);
         MonteCarlo.MonteCarloOn = Run.StopRequested = kFalse;
@@ -375,7 +375,9 @@ void INI_Formtrafoberechnung() {
     SetValue(w.CheckDeviation, 1);
     SetStatus(8, Job.LengthUnitName);
     SetStatus(9, Job.AngleUnitName);
-    w.BtnSTOP.Enabled = false;
+    // A window that was closed and opened in the events of a run is that of this run.
+    w.BtnSTOP.Enabled = CalculationWindow.Running;
+    w.BtnCalculate.Enabled = !CalculationWindow.Running;
     CalculationWindow.LengthFactor = Units.LengthFactor;
     CalculationWindow.AngleFactor = Units.AngleFactor;
     TabelleFüllenNeu();

@@ -366,7 +366,8 @@ void TakeSelection() {
         if (taken.Float[k]) continue;
         const bool angle = KindOf(row.Parameter) == ParameterKind::Angle;
         slots[k] = angle ? SaveWinkelZurück(row.Text->Text) : row.Text->Text;
-        if (slots[k].empty()) slots[k] = "0";  // an empty slot is that of a fresh job
+        // An empty slot is that of a fresh job, and a held field is no number however it is worded.
+        if (slots[k].empty() || slots[k] == kFloat) slots[k] = "0";
     }
     taken.CheckRDist = w.CheckRDist.Value == 1;
     taken.CheckUseABC = w.CheckUseABC.Value == 1;

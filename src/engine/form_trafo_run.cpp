@@ -22,6 +22,8 @@ bool WindowIsOpen() {
     return IsLoaded("FormTrafoBerechnung");
 }
 
+// From the click until everything shows the result nothing else begins. Further points from the clipboard
+// end the run that they arrive in with one of their own inside it.
 class Running {
 public:
     Running() {
@@ -29,11 +31,14 @@ public:
         w.BtnCalculate.Enabled = false;
     }
     ~Running() {
-        CalculationWindow.Running = false;
-        w.BtnCalculate.Enabled = true;
+        CalculationWindow.Running = before_;
+        w.BtnCalculate.Enabled = !before_;
     }
     Running(const Running&) = delete;
     Running& operator=(const Running&) = delete;
+
+private:
+    bool before_ = CalculationWindow.Running;
 };
 
 class StopEnabled {
@@ -65,8 +70,6 @@ void PrepareGraphics() {
 }
 
 void Calculate() {
-    const Running running;
-    const StopRequestTaken stop;
     if (IsTrue(Job.IsParaboloid)) {
         CalculateParaboloid();
     } else {
@@ -89,15 +92,14 @@ void TakeChoiceOfJob() {
     ChooseDefaultSeeds();
 }
 
-}  // namespace
-
-void myButtonCalculate() {
-    const BusyPointer busy;
+void CalculateAndShow() {
+    const StopRequestTaken stop;
     RememberSolution();
     PrepareGraphics();
     if (!WindowIsOpen()) TakeChoiceOfJob();
     const std::uint64_t generation = Run.JobGeneration;
     Calculate();
+    Run.StopRequested = kFalse;  // showing the result is not what was stopped
     // A job whose points were replaced meanwhile is shown by what replaced them.
     if (Run.JobGeneration != generation) return;
     if (WindowIsOpen()) {
@@ -109,6 +111,17 @@ void myButtonCalculate() {
     ShowResultElsewhere();
     const bool spread = IsTrue(MonteCarlo.MonteCarloOn) && IsTrue(MonteCarlo.MonteCarloDone);
     if (spread) ShowWindow("FormTrafoDetails");  // where its statistics stand
+}
+
+}  // namespace
+
+void myButtonCalculate() {
+    const BusyPointer busy;
+    const Running running;
+    do {
+        CalculationWindow.Again = false;
+        CalculateAndShow();
+    } while (CalculationWindow.Again && WindowIsOpen());
 }
 
 double CalculationSigmaXYZ() {
@@ -124,11 +137,8 @@ void FormTrafoBerechnung::BtnCalculate_Click() {
         CalculationWindow.Again = true;
         return;
     }
-    do {
-        CalculationWindow.Again = false;
-        const StopEnabled stop;
-        myButtonCalculate();
-    } while (CalculationWindow.Again && WindowIsOpen());
+    const StopEnabled stop;
+    myButtonCalculate();
 }
 
 void FormTrafoBerechnung::BtnSTOP_Click() {
