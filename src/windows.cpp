@@ -18,6 +18,8 @@
 #include "engine/engine_records.h"
 #include "engine/form_trafo_berechnung.h"
 #include "engine/inverse.h"
+#include "engine/monte_carlo.h"
+#include "engine/noise.h"
 #include "engine/norms.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
@@ -47,6 +49,8 @@ void (*const kRecords[])() = {
     [] { Calculation = CalculationRecord{}; },
     [] { CalculationWindow = CalculationWindowRecord{}; },
     [] { Norm = NormRecord{}; },
+    [] { MonteCarlo = MonteCarloRecord{}; },
+    [] { Noise = NoiseRecord{}; },
     [] { Inverse = InverseRecord{}; },
     [] { Spezial = SpezialRecord{}; },
 };

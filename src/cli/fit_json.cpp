@@ -14,6 +14,7 @@
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/inverse.h"
+#include "engine/monte_carlo.h"
 #include "engine/norms.h"
 #include "engine/quaternion.h"
 #include "engine/transform.h"
@@ -110,6 +111,29 @@ ordered_json InverseOfTheFit() {
     return {{"matrix", homogeneous}, {"translation_mm", t}, {"solutions", solutions}};
 }
 
+ordered_json MonteCarloOfTheFit(const FitOptions& options) {
+    ordered_json parameters = ordered_json::array();
+    for (int k = 1; k <= kAngleZtoXY; ++k) {
+        const auto index = static_cast<std::size_t>(k);
+        if (Job.ParamText[index] != kFloat) continue;
+        const std::span<const double> values = MonteCarloArray(k);
+        const bool angle = (k >= kRotX && k <= kRotZ) || k >= kAngleXY;
+        parameters.push_back({{"name", HeldParameterName(k)},
+                              {"unit", angle        ? "rad"
+                                       : k <= kTraZ ? "mm"
+                                                    : ""},
+                              {"mean", MeanOfArray(values)},
+                              {"spread", SigmaOfArray(values)},
+                              {"sigma", Calculation.Sigma[index]}});
+    }
+    const std::span<const double> sigmas = MonteCarloArray(kSigmaXYZ);
+    return {{"runs", options.MonteCarloRuns},
+            {"seed", options.Seed},
+            {"noise_mm", options.Noise_mm},
+            {"parameters", parameters},
+            {"sigmaXYZ", {{"mean_mm", MeanOfArray(sigmas)}, {"spread_mm", SigmaOfArray(sigmas)}}}};
+}
+
 ordered_json Points(const std::vector<FitPoint>& points) {
     ordered_json list = ordered_json::array();
     for (const FitPoint& point : points)
@@ -156,6 +180,7 @@ void WriteFitJson(const FitOptions& options, std::ostream& out) {
     root["normIterations"] = Norm.Iterations;
     root["parameters"] = Parameters();
     root["transformation"] = Transformation();
+    if (HasMonteCarlo(options)) root["monteCarlo"] = MonteCarloOfTheFit(options);
     if (options.Inverse) root["inverse"] = InverseOfTheFit();
     root["quality"] = {{"s0_mm", c.s0},
                        {"sx_mm", c.sx},

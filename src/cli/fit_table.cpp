@@ -15,6 +15,7 @@
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/inverse.h"
+#include "engine/monte_carlo.h"
 #include "engine/norms.h"
 
 namespace {
@@ -64,6 +65,25 @@ void WriteParameters(const Style& style, std::ostream& out) {
     out << "\n" << style.Heading(columns.Line({"Parameter", "value", "sigma", "significance"})) << "  unit\n";
     for (const ShownParameter& p : parameters)
         out << columns.Line(cells(p)) << "  " << style.Quiet(p.Unit) << "\n";
+}
+
+// What the noise of the measurement does to the parameters, beside what error propagation says of them.
+void WriteMonteCarlo(const FitOptions& options, const Style& style, std::ostream& out) {
+    std::vector<std::vector<std::string>> rows;
+    std::vector<std::string> units;
+    for (const ShownParameter& p : ShownParameters()) {
+        if (!p.Floats) continue;
+        rows.push_back({p.Name, ShownValue(p.Is, SigmaOfArray(MonteCarloArray(p.Number))), p.Sigma});
+        units.push_back(p.Unit);
+    }
+    rows.push_back({"mean error", ShownLength(SigmaOfArray(MonteCarloArray(kSigmaXYZ))), "-"});
+    units.push_back(Job.LengthUnitName);
+    TextColumns columns{{12, 16, 12}};
+    for (const auto& row : rows) columns.MakeRoom(row);
+    out << "\n" << style.Heading(columns.Line({"Monte Carlo", "spread", "sigma"})) << "  unit\n";
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        out << columns.Line(rows[i]) << "  " << style.Quiet(units[i]) << "\n";
+    out << style.Quiet("(" + NoiseInWords(options) + ")") << "\n";
 }
 
 // The inverse, a column a solution. Matrices with tiny elements have solutions beyond counting; the first
@@ -176,6 +196,7 @@ void WriteFitTable(const FitOptions& options, std::ostream& out, bool colour) {
     const Style style{colour};
     WriteHead(options, style, out);
     WriteParameters(style, out);
+    if (HasMonteCarlo(options)) WriteMonteCarlo(options, style, out);
     if (options.Inverse) WriteInverse(style, out);
     const std::vector<FitPoint> points = FitPoints();
     WriteQuality(points, style, out);

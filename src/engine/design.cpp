@@ -28,31 +28,39 @@ Mat3 OneColumn(const Mat3& M, int column) {
     return result;
 }
 
-InnerDerivative Derivative(int parameter) {
-    const Mat3 KS = MatrixProduct(Chain.ShearMatrix, Chain.ScaleMatrix);
-    const Mat3 RK = MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix);
+// What the derivatives of one linearisation are made of.
+struct ChainParts {
+    Circle a{Job.RotXCopy}, b{Job.RotYCopy}, c{Job.RotZCopy};
+    Mat3 KS = MatrixProduct(Chain.ShearMatrix, Chain.ScaleMatrix);
+    Mat3 RK = MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix);
+};
+
+InnerDerivative Derivative(int parameter, const ChainParts& chain) {
+    const auto rotation = [&chain](RotationAngle angle) {
+        return MatrixProduct(RotationDerivative(angle, chain.a, chain.b, chain.c), chain.KS);
+    };
     const auto shear = [](ShearAngle angle) {
         return MatrixProduct(MatrixProduct(Chain.RotationMatrix, ShearDerivative(angle)), Chain.ScaleMatrix);
     };
     InnerDerivative result;
     switch (parameter) {
         case kRotX:
-            result.D = MatrixProduct(RotationDerivative(RotationAngle::X), KS);
+            result.D = rotation(RotationAngle::X);
             break;
         case kRotY:
-            result.D = MatrixProduct(RotationDerivative(RotationAngle::Y), KS);
+            result.D = rotation(RotationAngle::Y);
             break;
         case kRotZ:
-            result.D = MatrixProduct(RotationDerivative(RotationAngle::Z), KS);
+            result.D = rotation(RotationAngle::Z);
             break;
         case kScaleX:
         case kScaleY:
         case kScaleZ:
             result.OnlyColumn = parameter - kScaleX + 1;
-            result.D = OneColumn(RK, result.OnlyColumn);
+            result.D = OneColumn(chain.RK, result.OnlyColumn);
             break;
         case kScaleXYZ:
-            result.D = RK;
+            result.D = chain.RK;
             break;
         case kAngleXY:
             result.D = shear(ShearAngle::XY);
@@ -122,11 +130,12 @@ Linearisation Linearise(const FitModel& model, const GatheredPoints& points) {
             model.UnknownOf[static_cast<std::size_t>(kTraX + axis - 1)] != 0;
     }
 
+    const ChainParts chain;
     for (int parameter = kRotX; parameter <= kAngleZtoXY; ++parameter) {
         const int unknown = model.UnknownOf[static_cast<std::size_t>(parameter)];
         if (unknown == 0) continue;
         InnerDerivative& inner = at.Inner[static_cast<std::size_t>(at.InnerCount++)];
-        inner = Derivative(parameter);
+        inner = Derivative(parameter, chain);
         inner.Unknown = unknown;
         for (int axis = 1; axis <= 3; ++axis)
             inner.AtCentre(axis) =

@@ -4,12 +4,14 @@
 #include <algorithm>
 
 #include "core/controller.h"
+#include "core/form_main.h"
 #include "core/job.h"
 #include "core/refresh.h"
 #include "core/require.h"
 #include "core/run.h"
 #include "core/units.h"
 #include "engine/calculation_window.h"
+#include "engine/monte_carlo.h"
 #include "engine/selection.h"
 
 namespace {
@@ -288,19 +290,20 @@ void FormTrafoBerechnung::Form_Load() {
 
 void FormTrafoBerechnung::Form_Unload() {
     Selection.DialogOpen = false;
+    MonteCarlo.MonteCarloOn = kFalse;
+    Main.MenuTransformationCalculation.Checked = false;
+    Main.Toolbar1_TrafoBerechnung.Value = 0;
     SchreibeTabellenSpalteBreite_in_ini();
 }
 
 namespace {
 
-// The options of a job with a shape: its pairs follow from the shape, so the direction and the norm are
-// given.
+// A job with a shape takes its targets from that: direction and norm are given, and there is no distance.
 void LockForParaboloid() {
     w.BtnSwitchMcsOcs.Enabled = false;
-    for (Control* const norm : {&w.OptionL1, &w.OptionLoo}) {
-        norm->Value = 0;
-        norm->Enabled = false;
-    }
+    SetValue(w.OptionL2, 1);
+    w.OptionL1.Enabled = w.OptionLoo.Enabled = false;
+    w.CheckRDist.Enabled = false;
 }
 
 void SelectNorm() {
@@ -354,13 +357,12 @@ void INI_Formtrafoberechnung() {
         const NoRecalculation none;
         for (Control* const text : {&w.TextScaleX, &w.TextScaleY, &w.TextScaleZ, &w.TextScaleXYZ})
             text->ForeColor = QbColor(8);
-        if (IsTrue(Job.IsParaboloid)) LockForParaboloid();
         const std::string systems = "MCS = " + Job.NameMCS + "   |   OCS = " + Job.NameOCS;
         w.BtnSwitchMcsOcs.ToolTip = "Switch Transformation Direction  " + systems;
         w.LabelDirection.ToolTip = systems;
         SelectNorm();
         SetValue(w.CheckMonteCarlo, 0);
-        Run.StopRequested = kFalse;
+        MonteCarlo.MonteCarloOn = Run.StopRequested = kFalse;
         INI_Rdist();
         ShowDirection(" => ");
         if (Job.ParamText[1].empty()) {
@@ -368,6 +370,7 @@ void INI_Formtrafoberechnung() {
         } else {
             RestoreParameters();
         }
+        if (IsTrue(Job.IsParaboloid)) LockForParaboloid();
     }
     SetValue(w.CheckAutoRec, IsTrue(Job.AutoRecalc) ? 1 : 0);
     SetValue(w.CheckDeviation, 1);
@@ -375,7 +378,6 @@ void INI_Formtrafoberechnung() {
     SetStatus(8, Job.LengthUnitName);
     SetStatus(9, Job.AngleUnitName);
     w.BtnSTOP.Enabled = false;
-    if (IsTrue(Job.IsParaboloid)) w.CheckRDist.Enabled = false;
     CalculationWindow.LengthFactor = Units.LengthFactor;
     CalculationWindow.AngleFactor = Units.AngleFactor;
     TabelleFüllenNeu();

@@ -5,6 +5,7 @@
 #include "core/job.h"
 #include "core/units.h"
 #include "engine/calculation_window.h"
+#include "engine/monte_carlo.h"
 #include "engine/selection.h"
 
 namespace {
@@ -185,6 +186,10 @@ void FormTrafoBerechnung::CheckRDataKnown_Click() {
 
 void FormTrafoBerechnung::CheckAutoRec_Click() {
     Job.AutoRecalc = ToFlag(w.CheckAutoRec.Value == 1);
+}
+
+void FormTrafoBerechnung::CheckMonteCarlo_Click() {
+    MonteCarlo.MonteCarloOn = ToFlag(w.CheckMonteCarlo.Value == 1);
 }
 
 void INI_Rdist() {

@@ -37,9 +37,11 @@ bool IsShown(const ParameterControls& row) {
     return true;
 }
 
-// After a refusal a held field keeps what the user has typed into it.
+// After a refusal a held field keeps what the user has typed into it. A held distance or R vector is taken
+// in mm as it stands, so it is not shown in another unit, which the next calculation would take for mm.
 bool KeepsItsText(const ParameterControls& row) {
-    return Calculation.Refused && row.Check->Value != 1;
+    if (row.Check->Value == 1) return false;
+    return Calculation.Refused || (row.Parameter >= kRDist && Units.LengthFactor != 1);
 }
 
 // How much a scale changes a length, in the words of the length unit; "" where there are none.

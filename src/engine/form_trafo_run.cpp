@@ -9,6 +9,7 @@
 #include "engine/calculation.h"
 #include "engine/calculation_window.h"
 #include "engine/clipboard_report.h"
+#include "engine/monte_carlo.h"
 #include "engine/presets.h"
 #include "engine/seed.h"
 #include "engine/selection.h"
@@ -106,6 +107,8 @@ void myButtonCalculate() {
         ReportToClipboard();
     }
     ShowResultElsewhere();
+    const bool spread = IsTrue(MonteCarlo.MonteCarloOn) && IsTrue(MonteCarlo.MonteCarloDone);
+    if (spread) ShowWindow("FormTrafoDetails");  // where its statistics stand
 }
 
 double CalculationSigmaXYZ() {

@@ -4,12 +4,14 @@
 #include "core/controller.h"
 #include "core/job.h"
 #include "engine/adjustment.h"
+#include "engine/monte_carlo.h"
 
 namespace {
 
 bool FitL2(NormFit& fit) {
     SetStatus(6, "...L2");
     SetStatus(7, "...L2");
+    if (IsTrue(MonteCarlo.MonteCarloOn) && !RunMonteCarlo(fit)) return false;
     BestFitIteration(fit.u, fit.n, fit.ParamText, fit.Q, fit.v, fit.P, fit.Points);
     Norm.Converged = Adjustment.Converged;
     return !Adjustment.JobChanged;

@@ -1,17 +1,10 @@
 // The transformation X = T + R K S x and the derivatives of its matrices.
 #include "engine/transform.h"
 
-#include <cmath>
-
 #include "core/job.h"
 #include "engine/matrix.h"
 
 namespace {
-
-struct Circle {
-    double Sin, Cos;
-    explicit Circle(double angle) : Sin(std::sin(angle)), Cos(std::cos(angle)) {}
-};
 
 void SetRow(Mat3& M, int row, double x, double y, double z) {
     M(row, 1) = x;
@@ -27,7 +20,10 @@ void ForgetProduct() {
 }  // namespace
 
 void RotMatrixXYZ(double angleA, double angleB, double angleC, Mat3& R) {
-    const Circle a(angleA), b(angleB), c(angleC);
+    RotMatrixXYZ(Circle(angleA), Circle(angleB), Circle(angleC), R);
+}
+
+void RotMatrixXYZ(const Circle& a, const Circle& b, const Circle& c, Mat3& R) {
     SetRow(R, 1, b.Cos * c.Cos, c.Sin * a.Cos + b.Sin * a.Sin * c.Cos, a.Sin * c.Sin - b.Sin * a.Cos * c.Cos);
     SetRow(R, 2, -c.Sin * b.Cos, a.Cos * c.Cos - b.Sin * a.Sin * c.Sin,
            a.Sin * c.Cos + b.Sin * a.Cos * c.Sin);
@@ -92,7 +88,10 @@ void trafo(double x, double y, double z, double& X, double& Y, double& Z, double
 }
 
 Mat3 RotationDerivative(RotationAngle angle) {
-    const Circle a(Job.RotXCopy), b(Job.RotYCopy), c(Job.RotZCopy);
+    return RotationDerivative(angle, Circle(Job.RotXCopy), Circle(Job.RotYCopy), Circle(Job.RotZCopy));
+}
+
+Mat3 RotationDerivative(RotationAngle angle, const Circle& a, const Circle& b, const Circle& c) {
     Mat3 D;
     switch (angle) {
         case RotationAngle::X:

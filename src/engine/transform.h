@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 #include <limits>
 
 #include "core/arrays.h"
@@ -31,8 +32,15 @@ void BuildChain();
 // angle by xy, the third leans from the plane's normal by zt towards the direction az.
 void BuildShearMatrix(double xy, double az, double zt, Mat3& K);
 
+// Sine and cosine of an angle in rad, for procedures that need them again and again.
+struct Circle {
+    double Sin, Cos;
+    explicit Circle(double angle) : Sin(std::sin(angle)), Cos(std::cos(angle)) {}
+};
+
 // The engine's rotation form Rz(-c) Ry(-b) Rx(-a); angles in rad.
 void RotMatrixXYZ(double a, double b, double c, Mat3& R);
+void RotMatrixXYZ(const Circle& a, const Circle& b, const Circle& c, Mat3& R);
 
 // The full chain for one point, mm. Rebuilds the three matrices of `Chain` from the job.
 void TransformPoint(double x, double y, double z, double& X, double& Y, double& Z);
@@ -46,4 +54,5 @@ void trafo(double x, double y, double z, double& X, double& Y, double& Z, double
 enum class RotationAngle { X, Y, Z };
 enum class ShearAngle { XY, Azimuth, ZtoXY };
 Mat3 RotationDerivative(RotationAngle angle);
+Mat3 RotationDerivative(RotationAngle angle, const Circle& a, const Circle& b, const Circle& c);
 Mat3 ShearDerivative(ShearAngle angle);
