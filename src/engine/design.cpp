@@ -28,9 +28,7 @@ Mat3 OneColumn(const Mat3& M, int column) {
     return result;
 }
 
-InnerDerivative Derivative(int parameter) {
-    const Mat3 KS = MatrixProduct(Chain.ShearMatrix, Chain.ScaleMatrix);
-    const Mat3 RK = MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix);
+InnerDerivative Derivative(int parameter, const Mat3& RK, const Mat3& KS) {
     const auto shear = [](ShearAngle angle) {
         return MatrixProduct(MatrixProduct(Chain.RotationMatrix, ShearDerivative(angle)), Chain.ScaleMatrix);
     };
@@ -122,11 +120,13 @@ Linearisation Linearise(const FitModel& model, const GatheredPoints& points) {
             model.UnknownOf[static_cast<std::size_t>(kTraX + axis - 1)] != 0;
     }
 
+    const Mat3 KS = MatrixProduct(Chain.ShearMatrix, Chain.ScaleMatrix);
+    const Mat3 RK = MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix);
     for (int parameter = kRotX; parameter <= kAngleZtoXY; ++parameter) {
         const int unknown = model.UnknownOf[static_cast<std::size_t>(parameter)];
         if (unknown == 0) continue;
         InnerDerivative& inner = at.Inner[static_cast<std::size_t>(at.InnerCount++)];
-        inner = Derivative(parameter);
+        inner = Derivative(parameter, RK, KS);
         inner.Unknown = unknown;
         for (int axis = 1; axis <= 3; ++axis)
             inner.AtCentre(axis) =
