@@ -28,16 +28,14 @@ Mat3 OneColumn(const Mat3& M, int column) {
     return result;
 }
 
-// What the derivatives of one linearisation are made of.
-struct ChainParts {
+// The angles of the rotation, for all derivatives of one linearisation.
+struct RotationCircles {
     Circle a{Job.RotXCopy}, b{Job.RotYCopy}, c{Job.RotZCopy};
-    Mat3 KS = MatrixProduct(Chain.ShearMatrix, Chain.ScaleMatrix);
-    Mat3 RK = MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix);
 };
 
-InnerDerivative Derivative(int parameter, const ChainParts& chain) {
-    const auto rotation = [&chain](RotationAngle angle) {
-        return MatrixProduct(RotationDerivative(angle, chain.a, chain.b, chain.c), chain.KS);
+InnerDerivative Derivative(int parameter, const RotationCircles& angles) {
+    const auto rotation = [&angles](RotationAngle angle) {
+        return MatrixProduct(RotationDerivative(angle, angles.a, angles.b, angles.c), Chain.KS);
     };
     const auto shear = [](ShearAngle angle) {
         return MatrixProduct(MatrixProduct(Chain.RotationMatrix, ShearDerivative(angle)), Chain.ScaleMatrix);
@@ -57,10 +55,10 @@ InnerDerivative Derivative(int parameter, const ChainParts& chain) {
         case kScaleY:
         case kScaleZ:
             result.OnlyColumn = parameter - kScaleX + 1;
-            result.D = OneColumn(chain.RK, result.OnlyColumn);
+            result.D = OneColumn(Chain.RK, result.OnlyColumn);
             break;
         case kScaleXYZ:
-            result.D = chain.RK;
+            result.D = Chain.RK;
             break;
         case kAngleXY:
             result.D = shear(ShearAngle::XY);
@@ -130,12 +128,12 @@ Linearisation Linearise(const FitModel& model, const GatheredPoints& points) {
             model.UnknownOf[static_cast<std::size_t>(kTraX + axis - 1)] != 0;
     }
 
-    const ChainParts chain;
+    const RotationCircles angles;
     for (int parameter = kRotX; parameter <= kAngleZtoXY; ++parameter) {
         const int unknown = model.UnknownOf[static_cast<std::size_t>(parameter)];
         if (unknown == 0) continue;
         InnerDerivative& inner = at.Inner[static_cast<std::size_t>(at.InnerCount++)];
-        inner = Derivative(parameter, chain);
+        inner = Derivative(parameter, angles);
         inner.Unknown = unknown;
         for (int axis = 1; axis <= 3; ++axis)
             inner.AtCentre(axis) =

@@ -12,6 +12,18 @@ void SetRow(Mat3& M, int row, double x, double y, double z) {
     M(row, 3) = z;
 }
 
+// A matrix times the diagonal one of the scales.
+Mat3 WithScales(const Mat3& M) {
+    Mat3 result;
+    const double scales[] = {Job.ScaleX, Job.ScaleY, Job.ScaleZ};
+    for (int row = 1; row <= 3; ++row)
+        for (int column = 1; column <= 3; ++column) {
+            const double element = M(row, column);
+            result(row, column) = element != 0 ? element * scales[column - 1] : 0;
+        }
+    return result;
+}
+
 // A matrix built on its own no longer belongs to the product that is kept.
 void ForgetProduct() {
     Chain.BuiltFrom.fill(std::numeric_limits<double>::quiet_NaN());
@@ -62,7 +74,9 @@ void BuildChain() {
     BuildRotationMatrix();
     BuildShearMatrix();
     BuildScaleMatrix();
-    Chain.Product = MatrixProduct(MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix), Chain.ScaleMatrix);
+    Chain.RK = MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix);
+    Chain.KS = WithScales(Chain.ShearMatrix);
+    Chain.Product = WithScales(Chain.RK);
     Chain.BuiltFrom = parameters;
 }
 

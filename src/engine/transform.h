@@ -14,6 +14,7 @@ struct ChainRecord {
     Mat3 ShearMatrix;     // K: its columns are the unit vectors of an oblique axis frame
     Mat3 ScaleMatrix;     // S: diagonal
     Mat3 Product;         // R K S, the one matrix that a point goes through
+    Mat3 RK, KS;          // parts of it that its derivatives are made of
 
     // The nine values that Product was built from; NaN, which equals nothing, before that.
     std::array<double, 9> BuiltFrom;
