@@ -28,14 +28,11 @@ Mat3 OneColumn(const Mat3& M, int column) {
     return result;
 }
 
-// The angles of the rotation, for all derivatives of one linearisation.
-struct RotationCircles {
-    Circle a{Job.RotXCopy}, b{Job.RotYCopy}, c{Job.RotZCopy};
-};
-
-InnerDerivative Derivative(int parameter, const RotationCircles& angles) {
-    const auto rotation = [&angles](RotationAngle angle) {
-        return MatrixProduct(RotationDerivative(angle, angles.a, angles.b, angles.c), Chain.KS);
+InnerDerivative Derivative(int parameter) {
+    const auto rotation = [](RotationAngle angle) {
+        const auto& [a, b, c] = Chain.Rotations;
+        const Mat3 derivative = RotationDerivative(angle, a, b, c);
+        return Chain.RightAngled ? WithScales(derivative) : MatrixProduct(derivative, Chain.KS);
     };
     const auto shear = [](ShearAngle angle) {
         return MatrixProduct(MatrixProduct(Chain.RotationMatrix, ShearDerivative(angle)), Chain.ScaleMatrix);
@@ -106,11 +103,17 @@ FitModel ChooseModel(const ParameterTexts& ParamText) {
 }
 
 Linearisation Linearise(const FitModel& model, const GatheredPoints& points) {
+    Linearisation at;
+    Linearise(model, points, at);
+    return at;
+}
+
+void Linearise(const FitModel& model, const GatheredPoints& points, Linearisation& at) {
     Job.RotXCopy = Job.RotX;
     Job.RotYCopy = Job.RotY;
     Job.RotZCopy = Job.RotZ;
     BuildChain();
-    Linearisation at;
+    at.InnerCount = 0;
     at.M = Chain.Product;
     at.RDist = Job.RDist;
     at.Tool = {Job.Rvec_x, Job.Rvec_y, Job.Rvec_z};
@@ -128,16 +131,14 @@ Linearisation Linearise(const FitModel& model, const GatheredPoints& points) {
             model.UnknownOf[static_cast<std::size_t>(kTraX + axis - 1)] != 0;
     }
 
-    const RotationCircles angles;
     for (int parameter = kRotX; parameter <= kAngleZtoXY; ++parameter) {
         const int unknown = model.UnknownOf[static_cast<std::size_t>(parameter)];
         if (unknown == 0) continue;
         InnerDerivative& inner = at.Inner[static_cast<std::size_t>(at.InnerCount++)];
-        inner = Derivative(parameter, angles);
+        inner = Derivative(parameter);
         inner.Unknown = unknown;
         for (int axis = 1; axis <= 3; ++axis)
             inner.AtCentre(axis) =
                 inner.D(axis, 1) * c(1) + inner.D(axis, 2) * c(2) + inner.D(axis, 3) * c(3);
     }
-    return at;
 }

@@ -136,7 +136,7 @@ struct AxisForms {
     static constexpr int kMost = kMostInner + 4;
     int Count = 0;
     std::array<int, kMost> Unknown{};
-    std::array<Form, kMost> Forms{};
+    std::array<Form, kMost> Forms;
 
     AxisForms(const FitModel& model, const Linearisation& at, int axis) {
         for (int k = 0; k < at.InnerCount; ++k) {
@@ -157,12 +157,13 @@ struct AxisForms {
     }
 };
 
-// Products with the first places of a form; a constant number of them, so that loops have no ends.
+// Products with the first places of a form; a constant number of them, so that loops have no ends. B is
+// symmetric, so its columns are read as rows, and all sums grow side by side.
 template <int Places>
 Form Times(const Square& B, const Form& form) {
     Form result{};
-    for (std::size_t row = 0; row < Places; ++row)
-        for (std::size_t column = 0; column < Places; ++column) result[row] += B[row][column] * form[column];
+    for (std::size_t column = 0; column < Places; ++column)
+        for (std::size_t row = 0; row < Places; ++row) result[row] += B[column][row] * form[column];
     return result;
 }
 

@@ -45,7 +45,7 @@ FitEnd FitAgain(RepeatedFit& fit, const GatheredPoints& points, Column& v) {
     for (;;) {
         YieldToEvents();
         if (Run.JobGeneration != generation) return FitEnd::JobChanged;
-        fit.At = Linearise(fit.Model, points);
+        Linearise(fit.Model, points, fit.At);
         if (Adjustment.Iterations == 0) SumMoments(points, fit.At, fit.Moments);
         if (!Solve(fit)) return FitEnd::Unfinished;
         if (FindLargest(fit.x, u).Size < threshold && MovedSince(fit.At, fit.Moments) > kFarFromMoments) {

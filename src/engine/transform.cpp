@@ -12,7 +12,20 @@ void SetRow(Mat3& M, int row, double x, double y, double z) {
     M(row, 3) = z;
 }
 
-// A matrix times the diagonal one of the scales.
+bool IsUnit(const Mat3& M) {
+    for (int row = 1; row <= 3; ++row)
+        for (int column = 1; column <= 3; ++column)
+            if (M(row, column) != (row == column ? 1 : 0)) return false;
+    return true;
+}
+
+// A matrix built on its own no longer belongs to the product that is kept.
+void ForgetProduct() {
+    Chain.BuiltFrom.fill(std::numeric_limits<double>::quiet_NaN());
+}
+
+}  // namespace
+
 Mat3 WithScales(const Mat3& M) {
     Mat3 result;
     const double scales[] = {Job.ScaleX, Job.ScaleY, Job.ScaleZ};
@@ -23,13 +36,6 @@ Mat3 WithScales(const Mat3& M) {
         }
     return result;
 }
-
-// A matrix built on its own no longer belongs to the product that is kept.
-void ForgetProduct() {
-    Chain.BuiltFrom.fill(std::numeric_limits<double>::quiet_NaN());
-}
-
-}  // namespace
 
 void RotMatrixXYZ(double angleA, double angleB, double angleC, Mat3& R) {
     RotMatrixXYZ(Circle(angleA), Circle(angleB), Circle(angleC), R);
@@ -43,7 +49,9 @@ void RotMatrixXYZ(const Circle& a, const Circle& b, const Circle& c, Mat3& R) {
 }
 
 void BuildRotationMatrix() {
-    RotMatrixXYZ(Job.RotXCopy, Job.RotYCopy, Job.RotZCopy, Chain.RotationMatrix);
+    Chain.Rotations = {Circle(Job.RotXCopy), Circle(Job.RotYCopy), Circle(Job.RotZCopy)};
+    const auto& [a, b, c] = Chain.Rotations;
+    RotMatrixXYZ(a, b, c, Chain.RotationMatrix);
     ForgetProduct();
 }
 
@@ -74,7 +82,9 @@ void BuildChain() {
     BuildRotationMatrix();
     BuildShearMatrix();
     BuildScaleMatrix();
-    Chain.RK = MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix);
+    Chain.RightAngled = IsUnit(Chain.ShearMatrix);
+    Chain.RK =
+        Chain.RightAngled ? Chain.RotationMatrix : MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix);
     Chain.KS = WithScales(Chain.ShearMatrix);
     Chain.Product = WithScales(Chain.RK);
     Chain.BuiltFrom = parameters;
