@@ -9,7 +9,8 @@ struct CalculationRecord {
     Matrix Q;     // nFloat by nFloat, inverse of the normal matrix
     Column v, P;  // nObs residuals (mm) and weights, those that the norm has left
     int nFloat = 0, nObs = 0;
-    bool Refused = false;    // too few observations or too many runs: parameters and everything below are those of before
+    bool Refused =
+        false;  // too few observations or too many runs: parameters and everything below are those of before
     bool Converged = false;  // the iteration ended by itself, neither by its limit nor by the user
     bool Finite = true;      // all parameters are numbers; if not, nothing was transformed with them
     double s0 = 0, sx = 0, sy = 0, sz = 0, SigmaXYZ = 0;
