@@ -13,7 +13,7 @@ struct FitOptions {
     double Tolerance_mm = 0.8;
     int OnlyFirst = 0;              // matching by distance looks at the first so many target points; 0 = all
     std::string Parameters = "6";   // level, 6, 7, 9, 12
-    std::string Norm = "l2";        // l1, l2, loo
+    std::string Norm = "l2";        // l1, l2, loo, l1-exact, minimax
     std::vector<std::string> Hold;  // "rotz=0"
     std::vector<std::string> LeaveOut;  // "P7", "P9:z"
     std::string LengthUnit = "millimeter", AngleUnit = "degree";

@@ -79,20 +79,6 @@ double WrappedInFit(double angle) {
     return std::fabs(std::fabs(angle) - kPi) < kAtHalfTurn ? angle : WrapAngle(angle);
 }
 
-// Adds the corrections to the parameters in the order of their indices.
-void Update(const FitModel& model, const Column& x) {
-    for (int parameter = kTraX; parameter < kParameterEnd; ++parameter) {
-        const int unknown = model.UnknownOf[At(parameter)];
-        if (unknown == 0) continue;
-        double& value = ParameterValue(Job, parameter);
-        value += x[At(unknown)];
-        const bool angle =
-            (parameter >= kRotX && parameter <= kRotZ) || (parameter >= kAngleXY && parameter <= kAngleZtoXY);
-        if (angle) value = WrappedInFit(value);
-        if (parameter == kScaleXYZ) Job.ScaleX = Job.ScaleY = Job.ScaleZ = value;
-    }
-}
-
 // The corrections of all passes as text, which the clipboard shows while the iteration runs.
 struct CorrectionTrace {
     bool Kept = Selection.CheckRDist;
@@ -212,7 +198,7 @@ struct AdjustmentRun {
         Solve();
         SolveFromNear();
         Trace.Add(x, Model.Unknowns);
-        Update(Model, x);
+        AddCorrections(Model, x);
         return true;
     }
 };
@@ -275,6 +261,19 @@ void TellOfLimit() {
 }
 
 }  // namespace
+
+void AddCorrections(const FitModel& model, const Column& x) {
+    for (int parameter = kTraX; parameter < kParameterEnd; ++parameter) {
+        const int unknown = model.UnknownOf[At(parameter)];
+        if (unknown == 0) continue;
+        double& value = ParameterValue(Job, parameter);
+        value += x[At(unknown)];
+        const bool angle =
+            (parameter >= kRotX && parameter <= kRotZ) || (parameter >= kAngleXY && parameter <= kAngleZtoXY);
+        if (angle) value = WrappedInFit(value);
+        if (parameter == kScaleXYZ) Job.ScaleX = Job.ScaleY = Job.ScaleZ = value;
+    }
+}
 
 bool GatherForFit(const Column& P, GatheredPoints& points) {
     const std::uint64_t generation = Run.JobGeneration;

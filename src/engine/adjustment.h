@@ -62,6 +62,10 @@ struct FitOnMoments {
 void BestFitIteration(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q,
                       GatheredPoints& points, FitOnMoments& fit);
 
+// Adds corrections to the job's floating parameters in the order of their indices, and wraps the angles.
+//   x  corrections of the parameters themselves, not of the centred unknowns
+void AddCorrections(const FitModel& model, const Column& x);
+
 // Quality of a finished fit. s0 divides by the sum of the weights less one, not by n - u: that is the
 // form that the reports are calibrated on. sx, sy, sz the same for each axis alone.
 void Statistics(const Column& v, const Column& P, int n, double& s0, double& sx, double& sy, double& sz);
