@@ -58,6 +58,7 @@ struct ExactRun {
     Holding Held;
     bool AllTold = true;  // the points tell all unknowns apart
     bool Stopped = false;
+    double Rounding = 0;  // mm; a shorter way of the points cannot be told from none
 
     bool JobChanged() const { return Run.JobGeneration != JobGeneration; }
 
@@ -93,6 +94,8 @@ struct ExactRun {
         way.v.assign(way.v.size(), 0);
         way.Move(y.data());
         const double length = LargestOf(way);
+        // The bound of the optimum belongs to this very linearisation, so what is near enough stays here.
+        if (length <= Rounding) return 0;
         double share = 1;
         for (int halvings = 0; halvings < kMostHalvings; ++halvings, share /= 2) {
             Step(y, share);
@@ -106,15 +109,14 @@ struct ExactRun {
 
     // False when the job's points were replaced meanwhile.
     bool Go() {
-        // Nearer than this no step can be told from rounding.
-        const double rounding = 1e-13 * Size();
+        Rounding = 1e-13 * Size() + 2e-15 * FarOut();
         Linearise();
         bool ended = false;
         while (!ended && Norm.Linearisations < kMostLinearisations && !Stopped) {
             ++Norm.Linearisations;
             const double moved = Improve();
             if (JobChanged()) return false;
-            ended = !Stopped && moved <= rounding;
+            ended = !Stopped && moved == 0;
             ShowStep();
         }
         Norm.Converged = ended;
@@ -134,6 +136,15 @@ struct ExactRun {
         return size;
     }
 
+    // How far from the origins: the last digits of the shift and of turns about the origin are that coarse.
+    double FarOut() const {
+        double far = 0;
+        for (int axis = 1; axis <= 3; ++axis)
+            far = std::fmax(far, std::fmax(std::fabs(Fit.Points.StartCentre(axis)),
+                                           std::fabs(Fit.Points.TargetCentre(axis))));
+        return far;
+    }
+
     void ShowStep() const {
         SetStatus(6, Kind.Panel + std::to_string(Norm.Linearisations));
         SetStatus(7, FormatNumber(Kind.Objective(Rows) * Units.LengthFactor, Units.FmtLength));
@@ -142,7 +153,7 @@ struct ExactRun {
 
 // What a run needs to begin at: the loop's result in the plain model.
 bool Begins() {
-    if (Adjustment.Model.Mode == FitMode::Coincide) return Adjustment.Converged && !IsTrue(Run.StopRequested);
+    if (Adjustment.Model.Mode == FitMode::Coincide) return Adjustment.Finite && !IsTrue(Run.StopRequested);
     Norm.Converged = false;
     ShowMessage(
         "The true optimum of L1 and L-infinity is found for points that are to coincide, not for the "

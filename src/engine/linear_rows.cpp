@@ -160,6 +160,7 @@ bool MakeOrthonormal(LinearRows& rows, std::vector<std::vector<double>>& T) {
     const std::vector<double> N = Products(rows);
     // Gram and Schmidt on unit vectors in the metric of N, each twice.
     T.clear();
+    int without = 0;
     for (int c = 0; c < u; ++c) {
         std::vector<double> t(At(u));
         const auto product = [&](const std::vector<double>& a, const std::vector<double>& b) {
@@ -169,6 +170,7 @@ bool MakeOrthonormal(LinearRows& rows, std::vector<std::vector<double>>& T) {
             return sum;
         };
         const double size = N[At(c * u + c)];
+        if (size == 0) ++without;
         if (!(size > 0)) continue;
         t[At(c)] = 1 / std::sqrt(size);
         for (int pass = 0; pass < 2; ++pass)
@@ -182,7 +184,7 @@ bool MakeOrthonormal(LinearRows& rows, std::vector<std::vector<double>>& T) {
         T.push_back(std::move(t));
     }
     rows.TakeColumns(T);
-    return static_cast<int>(T.size()) == u;
+    return static_cast<int>(T.size()) + without == u;
 }
 
 double LargestOf(const LinearRows& rows) {

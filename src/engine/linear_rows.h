@@ -38,7 +38,8 @@ struct LinearRows {
 // The rows of a model at a linearisation, whose residuals are those of the present parameters.
 //   T  out: by columns, the centred unknowns 1 to u (places 0 to u - 1) of y: x = T y. The columns of the
 //      rows are orthonormal over the rows in use.
-// False when the points do not tell all unknowns apart; T then has fewer than u columns.
+// False when the points do not tell all unknowns apart. T then has fewer than u columns, as it has for an
+// unknown that moves nothing at this place, which is no matter of the points.
 bool MakeLinearRows(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
                     LinearRows& rows, std::vector<std::vector<double>>& T);
 

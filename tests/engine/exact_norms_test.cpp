@@ -371,11 +371,25 @@ TEST_F(ExactNorms, TheDistanceModelIsRefusedAndItsLoopsResultStays) {
 TEST_F(ExactNorms, AnUnknownThatThePointsLeaveOpenHasNoBound) {
     // On a line nothing tells the turn about it.
     for (int i = 0; i < 8; ++i)
-        AddPair({100.0 * i, 0, 0}, {100.0 * i + NextNumber(), NextNumber(), NextNumber()});
+        AddPair({100.0 * i, 200.0 * i, -150.0 * i},
+                {100.0 * i + NextNumber(), 200.0 * i + NextNumber(), -150.0 * i + NextNumber()});
     FloatParameters(kRigid);
     Settings.MaxIteration = 30;
-    Calculate(kL1);
-    EXPECT_TRUE(std::isinf(Norm.AboveOptimum) || std::isnan(Norm.AboveOptimum));
+    for (const int norm : {kL1, kLoo}) {
+        Calculate(norm);
+        EXPECT_TRUE(std::isinf(Norm.AboveOptimum)) << Norm.AboveOptimum;
+    }
+}
+
+TEST_F(ExactNorms, AnUnknownThatMovesNothingAtAllLeavesTheBoundAsItIs) {
+    // On the x axis the turn about it, which comes first, moves no point.
+    for (int i = 0; i < 8; ++i)
+        AddPair({100.0 * i, 0, 0}, {100.0 * i + NextNumber(), NextNumber(), NextNumber()});
+    FloatParameters(kRigid);
+    for (const int norm : {kL1, kLoo}) {
+        Calculate(norm);
+        EXPECT_LT(Norm.AboveOptimum, 1e-8);
+    }
 }
 
 TEST_F(ExactNorms, WithoutBeingAskedForNothingIsRunOn) {
