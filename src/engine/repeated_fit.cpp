@@ -53,7 +53,7 @@ FitEnd FitAgain(RepeatedFit& fit, const GatheredPoints& points, Column& v) {
             if (!Solve(fit)) return FitEnd::Unfinished;
         }
         if (!SetClipboardText({})) ShowMessage(kClipboardRefused);
-        Update(fit.Model, fit.x);
+        AddCorrections(fit.Model, fit.x);
         ++Adjustment.Iterations;
         if (!AllFinite(fit.x, u)) return FitEnd::Unfinished;
         if (FindLargest(fit.x, u).Size < threshold) break;
