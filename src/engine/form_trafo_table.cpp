@@ -14,16 +14,15 @@ namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;
 
-constexpr int kDefaultWidth = 900, kNarrow = 200;  // twips
+constexpr int kDefaultWidth = 900, kNarrow = 200, kMostWidth = 100000;  // twips
 
 std::string WidthKey(int col) {
     return "col_fb_" + std::to_string(col);
 }
 
 int WidthFromSettings(int col) {
-    const std::string key = WidthKey(col);
-    const int width = ToInt32(NumberFromText(IniWertLesen(key), key), key);
-    return width <= 0 ? kDefaultWidth : width;
+    const double width = Val(IniWertLesen(WidthKey(col)));
+    return width >= 1 && width <= kMostWidth ? static_cast<int>(width) : kDefaultWidth;
 }
 
 // What the table shows is taken and sorted when it is first looked at: with many points that takes longer
