@@ -95,7 +95,7 @@ void MoveTo(int row, int col) {
     grid.Col = grid.ColSel = col;
 }
 
-// The column behind the last one that the heading sorts by, and the right button collects from.
+// Headings sort by the columns before this one, and the right button collects from them.
 constexpr int kColAfterValues = kColUseX;
 
 void SortByHeading() {

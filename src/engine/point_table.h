@@ -47,7 +47,7 @@ int PointTableRows(const PointTable& table);
 // outside.
 int PointOfRow(const PointTable& table, int row);
 
-// The row of a point's deviations, which carries the use cells; 0 when there is none.
+// A row of deviations, which carries the use cells; and that of a point, 0 when it has none.
 bool IsDeviationRow(const PointTable& table, int row);
 int DeviationRow(const PointTable& table, int point);
 

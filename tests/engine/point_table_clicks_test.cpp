@@ -137,6 +137,25 @@ TEST_F(PointTableClicks, AChangeIsCalculatedWhereEveryChangeIs) {
     EXPECT_EQ(Cell(2, 7), "");
 }
 
+TEST_F(PointTableClicks, AClickWhileACalculationRunsCountsForTheNextOne) {
+    OpenWithFour();
+    static int clicks = 0;
+    clicks = 0;
+    Headless.OnYield = [] {
+        if (clicks++ == 0) DblClick(2, 7);
+    };
+    UserClick(Window().BtnCalculate);
+    EXPECT_EQ(FlagsOf(2), (Ints{1, 1, 0}));
+    EXPECT_EQ(Cell(2, 7), "");
+    clicks = 0;
+    UserSetValue(Window().CheckAutoRec, 1);
+    UserClick(Window().BtnCalculate);
+    EXPECT_EQ(FlagsOf(2), (Ints{1, 1, 1}));
+    EXPECT_EQ(Calculation.P[6], 1);  // calculated once more
+    EXPECT_EQ(Cell(2, 7), "X");
+    EXPECT_EQ(Cell(2, 4), Length(Calculation.v[6]));
+}
+
 TEST_F(PointTableClicks, APointThatTheJobNoLongerHasIsLeftAlone) {
     OpenWithFour();
     EXPECT_EQ(Rows(), 5);
