@@ -194,11 +194,13 @@ TEST_F(PointTableShown, WidthsComeFromTheSettingsAndGoBackThere) {
     EXPECT_NE(Contents(Run.SettingsFilePath).find("[Cols]\r\ncol_fb_1=1500\r\n"), std::string::npos);
 }
 
-TEST_F(PointTableShown, AWidthThatIsNoNumberIsSaid) {
+TEST_F(PointTableShown, AWidthThatIsNoneIsTheUsualOneAndTheWindowOpens) {
     IniWertSchreiben("Cols", "col_fb_4", "wide");
+    IniWertSchreiben("Cols", "col_fb_5", "-7");
+    IniWertSchreiben("Cols", "col_fb_6", "1e300");
     FourPoints();
-    EXPECT_FALSE(Dispatch([] { ShowWindow("FormTrafoBerechnung"); }));
-    EXPECT_NE(LastMessage().find("col_fb_4: \"wide\""), std::string::npos);
+    EXPECT_TRUE(Dispatch([] { ShowWindow("FormTrafoBerechnung"); }));
+    for (const std::size_t col : {4, 5, 6}) EXPECT_EQ(Cells().ColWidths[col], 900);
 }
 
 // --- Sorting ---------------------------------------------------------------------------------------------
