@@ -9,6 +9,7 @@
 #include "engine/calculation.h"
 #include "engine/calculation_window.h"
 #include "engine/clipboard_report.h"
+#include "engine/form_trafo_details.h"
 #include "engine/monte_carlo.h"
 #include "engine/presets.h"
 #include "engine/seed.h"
@@ -108,7 +109,7 @@ void myButtonCalculate() {
     }
     ShowResultElsewhere();
     const bool spread = IsTrue(MonteCarlo.MonteCarloOn) && IsTrue(MonteCarlo.MonteCarloDone);
-    if (spread) ShowWindow("FormTrafoDetails");  // where its statistics stand
+    if (spread) ShowDetails();  // where its statistics stand
 }
 
 double CalculationSigmaXYZ() {
@@ -146,5 +147,5 @@ void FormTrafoBerechnung::BtnSEED_Click() {
 
 void FormTrafoBerechnung::BtnDetails_Click() {
     const BusyPointer busy;
-    ShowWindow("FormTrafoDetails");
+    ShowDetails();
 }
