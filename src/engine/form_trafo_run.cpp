@@ -97,13 +97,14 @@ void myButtonCalculate() {
     RememberSolution();
     PrepareGraphics();
     if (!WindowIsOpen()) TakeChoiceOfJob();
-    const std::uint64_t generation = Run.JobGeneration;
+    const std::uint64_t generation = Run.JobGeneration, started = ++CalculationWindow.Started;
     Calculate();
     // A job whose points were replaced meanwhile is shown by what replaced them.
     if (Run.JobGeneration != generation) return;
     if (WindowIsOpen()) {
         ResetArrows();
         FormThings();
+        if (CalculationWindow.Started != started) return;
     } else {
         ReportToClipboard();
     }
