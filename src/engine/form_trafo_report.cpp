@@ -181,9 +181,11 @@ void ShowTrends() {
 // ---------------------------------------------------------------------------------------------------
 
 // Where the pictures show R vectors, the pairs too are shown where the parameters put them and not on their
-// target less the residual.
+// target less the residual. The point table has been filled before that, and shows the deviations.
 void TransformPairsForRVectors() {
-    if (IsTrue(Settings.ShowRVec) && Calculation.Finite) TransformAllPoints(nullptr);
+    if (!IsTrue(Settings.ShowRVec) || !Calculation.Finite) return;
+    LookAt(w.Tabelle.Grid);
+    TransformAllPoints(nullptr);
 }
 
 }  // namespace
