@@ -21,7 +21,8 @@ struct CalculationWindowRecord {
     double LengthFactor = 1, AngleFactor = 1;
     // Events that arrive while a run yields do not begin another one inside it.
     bool Running = false;
-    bool Again = false;  // a change that arrived meanwhile asks for a calculation behind this one
+    std::uint64_t Started = 0;  // counts the calculations: one inside another's report takes that over
+    bool Again = false;         // a change that arrived meanwhile asks for a calculation behind this one
 };
 inline CalculationWindowRecord CalculationWindow;
 

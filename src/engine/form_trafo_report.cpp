@@ -198,8 +198,11 @@ void ResetArrows() {
 void FormThings() {
     const bool calculated = CalculationIsOfThisJob();
     if (calculated) {
+        // The question that a rotation may bring up can close the window, and its answer calculate again;
+        // that calculation has shown everything then.
+        const std::uint64_t started = CalculationWindow.Started;
         ShowParameters();
-        if (!IsLoaded("FormTrafoBerechnung")) return;  // closed in the question that a rotation may bring up
+        if (!IsLoaded("FormTrafoBerechnung") || CalculationWindow.Started != started) return;
         ShowTrends();
         ShowQuality();
         ShowSigmas();

@@ -9,6 +9,7 @@
 #include "engine/calculation.h"
 #include "engine/calculation_window.h"
 #include "engine/clipboard_report.h"
+#include "engine/form_trafo_details.h"
 #include "engine/monte_carlo.h"
 #include "engine/presets.h"
 #include "engine/seed.h"
@@ -96,19 +97,20 @@ void myButtonCalculate() {
     RememberSolution();
     PrepareGraphics();
     if (!WindowIsOpen()) TakeChoiceOfJob();
-    const std::uint64_t generation = Run.JobGeneration;
+    const std::uint64_t generation = Run.JobGeneration, started = ++CalculationWindow.Started;
     Calculate();
     // A job whose points were replaced meanwhile is shown by what replaced them.
     if (Run.JobGeneration != generation) return;
     if (WindowIsOpen()) {
         ResetArrows();
         FormThings();
+        if (CalculationWindow.Started != started) return;
     } else {
         ReportToClipboard();
     }
     ShowResultElsewhere();
     const bool spread = IsTrue(MonteCarlo.MonteCarloOn) && IsTrue(MonteCarlo.MonteCarloDone);
-    if (spread) ShowWindow("FormTrafoDetails");  // where its statistics stand
+    if (spread) ShowDetails();  // where its statistics stand
 }
 
 double CalculationSigmaXYZ() {
@@ -146,5 +148,5 @@ void FormTrafoBerechnung::BtnSEED_Click() {
 
 void FormTrafoBerechnung::BtnDetails_Click() {
     const BusyPointer busy;
-    ShowWindow("FormTrafoDetails");
+    ShowDetails();
 }

@@ -128,6 +128,13 @@ void MatrixCompare(ConstMatrixView A, ConstMatrixView B, double tolerance, doubl
         }
 }
 
+bool IsFinite(const Mat3& M) {
+    for (int i = 1; i <= 3; ++i)
+        for (int j = 1; j <= 3; ++j)
+            if (!std::isfinite(M(i, j))) return false;
+    return true;
+}
+
 void MatrixDeleteRowOrColumn(ConstMatrixView A, int rows, int columns, MatrixView B, int& newRows,
                              int& newColumns, bool row, int index) {
     RequireSize(A, rows, columns);
