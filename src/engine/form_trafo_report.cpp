@@ -13,8 +13,8 @@
 #include "engine/calculation.h"
 #include "engine/calculation_window.h"
 #include "engine/clipboard_report.h"
+#include "engine/deviation_extremes.h"
 #include "engine/field_number.h"
-#include "engine/vector.h"
 
 namespace {
 
@@ -82,45 +82,6 @@ void ShowSigmas() {
 
 // --- Quality
 // --------------------------------------------------------------------------------------------------
-
-// The extremes of the residuals and the points that have them; 0 where no coordinate takes part.
-struct Extremes {
-    std::array<double, 3> Max{-1e9, -1e9, -1e9}, Min{1e9, 1e9, 1e9};
-    std::array<int, 3> MaxPoint{}, MinPoint{};
-    double Max3D = -1e9;
-    int Max3DPoint = 0;
-};
-
-Extremes FindExtremes() {
-    Extremes found;
-    const Column &v = Calculation.v, &P = Calculation.P;
-    for (int k = 1; k <= Calculation.nObs; k += 3) {
-        const int point = k / 3 + 1;
-        bool whole = true;
-        for (std::size_t axis = 0; axis < 3; ++axis) {
-            const std::size_t row = At(k) + axis;
-            if (P[row] == 0) {
-                whole = false;
-                continue;
-            }
-            if (v[row] > found.Max[axis]) {
-                found.Max[axis] = v[row];
-                found.MaxPoint[axis] = point;
-            }
-            if (v[row] < found.Min[axis]) {
-                found.Min[axis] = v[row];
-                found.MinPoint[axis] = point;
-            }
-        }
-        if (!whole) continue;
-        const double length = Hypot3(v[At(k)], v[At(k) + 1], v[At(k) + 2]);
-        if (length > found.Max3D) {
-            found.Max3D = length;
-            found.Max3DPoint = point;
-        }
-    }
-    return found;
-}
 
 std::string NameOf(int point) {
     return point == 0 ? "" : Job.MCS_Name[At(point)];
