@@ -237,6 +237,9 @@ TEST_F(CalculationByNames, MonteCarloIsStoppedByItsWindow) {
 }
 
 TEST_F(CalculationByNames, GimbalLockAsksAndHoldsTheFirstAngle) {
+    Good({{"do", "click"}, {"at", "FormMain.MenueExtrasOptions"}});
+    Good({{"do", "set"}, {"at", "FormOptions.TextGimbalLock"}, {"value", "0.01"}});
+    Good({{"do", "click"}, {"at", "FormOptions.BtnOK"}});
     Import(10, 90, 30, 0);
     Answer("message", "Yes");
     const json reply = Click("BtnCalculate");
