@@ -300,3 +300,19 @@ TEST_F(GimbalLock, MonteCarloRunsOfBothCalculationsShowTheirSpreadOnce) {
     EXPECT_EQ(DetailsWindow.Shown.Spread[kRotX], 0) << "held in the second";
     EXPECT_GT(DetailsWindow.Shown.Spread[kRotZ], 0);
 }
+
+TEST_F(GimbalLock, AYesBehindTheSecondSolutionForTheClipboardEndsWithThatCalculation) {
+    AddTurned(89.9);
+    Settings.ClipboardValue = 4;  // shows the second solution before it writes its line
+    Open();
+    Answer("No");   // 89.9 as calculated
+    Answer("Yes");  // 90.1, its second solution
+    Calculate();
+    EXPECT_EQ(Questions(), 2U);
+    EXPECT_EQ(CalculationWindow.Started, 2U);
+    EXPECT_EQ(w.CheckRotX.Value, 0);
+    EXPECT_NEAR(Job.RotX, 0, 1e-12);
+    // The line is that of the second calculation: shift and negated rotations of the solution.
+    EXPECT_EQ(Headless.Clipboard, "100.000\t200.000\t300.000\t0.0000\t-89.9000\t0.0000\t");
+    EXPECT_LT(LargestMiss(), 1e-6);
+}
