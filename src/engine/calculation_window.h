@@ -100,6 +100,6 @@ void ShowDirection(const char* arrow);
 void RecalculateIfAutomatic();
 
 // Columns of the point table: their widths come from the settings when the window opens and go back there
-// when it closes. Throws PlatformError for a width in the settings that is no number.
+// when it closes. A width in the settings that is none counts as 900 twips.
 void PreparePointTable();
 void SchreibeTabellenSpalteBreite_in_ini();
