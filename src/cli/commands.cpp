@@ -121,9 +121,10 @@ void AddModelOptions(CLI::App& fit, FitOptions& o) {
     fit.add_option("--norm", o.Norm,
                    "What is made least: the sum of squares (l2), the sum of absolute\n"
                    "deviations (l1, robust against outliers), or nearly the largest\n"
-                   "deviation (loo); default: l2")
-        ->check(OneOf({"l1", "l2", "loo"}))
-        ->type_name("l1|l2|loo")
+                   "deviation (loo); default: l2. l1-exact and minimax run on to the\n"
+                   "true optimum of l1 and loo and tell how near they came")
+        ->check(OneOf({"l1", "l2", "loo", "l1-exact", "minimax"}))
+        ->type_name("l1|l2|loo|l1-exact|minimax")
         ->group(group);
     fit.add_option("--hold", o.Hold,
                    "Hold parameters at values, in the units in use:\n"

@@ -1,6 +1,7 @@
 // The result of a fit as JSON: everything, with full precision. Lengths are mm and angles rad, as the
 // program holds them; what the user's units make of them stands beside it.
 #include <array>
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
@@ -156,6 +157,17 @@ ordered_json Others(const std::vector<std::string>& names, const X& x, const X& 
     return list;
 }
 
+// What ran on behind the weightings, and how near it came.
+ordered_json Optimum() {
+    ordered_json optimum = {{"linearisations", Norm.Linearisations}, {"exchanges", Norm.Exchanges}};
+    if (std::isfinite(Norm.AboveOptimum)) {
+        optimum["atMostAbove_mm"] = Norm.AboveOptimum;
+    } else {
+        optimum["atMostAbove_mm"] = nullptr;
+    }
+    return optimum;
+}
+
 }  // namespace
 
 void WriteFitJson(const FitOptions& options, std::ostream& out) {
@@ -178,6 +190,7 @@ void WriteFitJson(const FitOptions& options, std::ostream& out) {
     root["iterations"] = Adjustment.Iterations;
     root["norm"] = options.Norm;
     root["normIterations"] = Norm.Iterations;
+    if (Norm.RunOn) root["optimum"] = Optimum();
     root["parameters"] = Parameters();
     root["transformation"] = Transformation();
     if (HasMonteCarlo(options)) root["monteCarlo"] = MonteCarloOfTheFit(options);

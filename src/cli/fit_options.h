@@ -15,7 +15,7 @@ struct FitOptions {
     double Tolerance_mm = 0.8;
     int OnlyFirst = 0;             // matching by distance looks at the first so many target points; 0 = all
     std::string Parameters = "6";  // level, 6, 7, 9, 12
-    std::string Norm = "l2";       // l1, l2, loo
+    std::string Norm = "l2";       // l1, l2, loo, l1-exact, minimax
     int MonteCarloRuns = 0;        // 0 = none
     std::array<double, 3> Noise_mm{};   // standard deviation of the start points for Monte Carlo, by axis
     std::uint32_t Seed = 0;             // of its random numbers

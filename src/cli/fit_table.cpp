@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdio>
 #include <ostream>
 
 #include "cli/fit_output.h"
@@ -38,6 +39,15 @@ std::string Label(const std::string& text) {
     return TextColumns{{14}}.Line({text});
 }
 
+// How much less the sum or the largest deviation could be at most.
+std::string DistanceFromOptimum() {
+    const std::string what = Job.NormType == 1 ? "sum" : "largest deviation";
+    if (!std::isfinite(Norm.AboveOptimum)) return "how near the " + what + " is to it is not known";
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.1e", Norm.AboveOptimum);
+    return "the " + what + " is at most " + text.data() + " mm above it";
+}
+
 void WriteHead(const FitOptions& options, const Style& style, std::ostream& out) {
     const auto& c = Calculation;
     out << style.Heading("Corvinade " + ProgramVersion()) << "  least-squares 3D transformation\n\n";
@@ -48,8 +58,9 @@ void WriteHead(const FitOptions& options, const Style& style, std::ostream& out)
     if (Job.nOCSOnly > 0) out << ", " << Job.nOCSOnly << " only in target";
     out << "\n" << Label("observations") << ObservationsInUse() << " in use, " << c.nFloat << " unknowns\n";
     if (Norm.Iterations > 0)
-        out << Label("norm") << (options.Norm == "l1" ? "L1" : "L-infinity") << ", " << Norm.Iterations
+        out << Label("norm") << (Job.NormType == 1 ? "L1" : "L-infinity") << ", " << Norm.Iterations
             << " weightings\n";
+    if (Norm.RunOn) out << Label("optimum") << DistanceFromOptimum() << "\n";
     out << Label("iterations") << Adjustment.Iterations;
     if (!c.Converged) out << "  " << style.Alarm("convergence not reached");
     out << "\n";

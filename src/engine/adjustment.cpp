@@ -169,7 +169,7 @@ struct AdjustmentRun {
         Solve();
         SolveFromNear();
         Trace.Add(x, Model.Unknowns);
-        Update(Model, x);
+        AddCorrections(Model, x);
         return true;
     }
 };

@@ -39,7 +39,7 @@ bool AllFinite(const Column& x, int u) {
     return std::all_of(x.begin() + 1, x.begin() + 1 + u, [](double value) { return std::isfinite(value); });
 }
 
-void Update(const FitModel& model, const Column& x) {
+void AddCorrections(const FitModel& model, const Column& x) {
     for (int parameter = kTraX; parameter < kParameterEnd; ++parameter) {
         const int unknown = model.UnknownOf[At(parameter)];
         if (unknown == 0) continue;

@@ -21,5 +21,6 @@ bool AllFinite(const Column& x, int u);
 // the pass that is to be the last. Those of poor start values are good for the way there, and no more.
 inline constexpr double kFarFromMoments = 1e-3;
 
-// Adds the corrections to the job's parameters in the order of their indices.
-void Update(const FitModel& model, const Column& x);
+// Adds corrections to the job's floating parameters in the order of their indices, and wraps the angles.
+//   x  corrections of the parameters themselves, not of the centred unknowns
+void AddCorrections(const FitModel& model, const Column& x);

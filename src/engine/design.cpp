@@ -28,16 +28,11 @@ Mat3 OneColumn(const Mat3& M, int column) {
     return result;
 }
 
-// What the derivatives of one linearisation are made of.
-struct ChainParts {
-    Circle a{Job.RotXCopy}, b{Job.RotYCopy}, c{Job.RotZCopy};
-    Mat3 KS = MatrixProduct(Chain.ShearMatrix, Chain.ScaleMatrix);
-    Mat3 RK = MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix);
-};
-
-InnerDerivative Derivative(int parameter, const ChainParts& chain) {
-    const auto rotation = [&chain](RotationAngle angle) {
-        return MatrixProduct(RotationDerivative(angle, chain.a, chain.b, chain.c), chain.KS);
+InnerDerivative Derivative(int parameter) {
+    const auto rotation = [](RotationAngle angle) {
+        const auto& [a, b, c] = Chain.Rotations;
+        const Mat3 derivative = RotationDerivative(angle, a, b, c);
+        return Chain.RightAngled ? WithScales(derivative) : MatrixProduct(derivative, Chain.KS);
     };
     const auto shear = [](ShearAngle angle) {
         return MatrixProduct(MatrixProduct(Chain.RotationMatrix, ShearDerivative(angle)), Chain.ScaleMatrix);
@@ -57,10 +52,10 @@ InnerDerivative Derivative(int parameter, const ChainParts& chain) {
         case kScaleY:
         case kScaleZ:
             result.OnlyColumn = parameter - kScaleX + 1;
-            result.D = OneColumn(chain.RK, result.OnlyColumn);
+            result.D = OneColumn(Chain.RK, result.OnlyColumn);
             break;
         case kScaleXYZ:
-            result.D = chain.RK;
+            result.D = Chain.RK;
             break;
         case kAngleXY:
             result.D = shear(ShearAngle::XY);
@@ -108,11 +103,17 @@ FitModel ChooseModel(const ParameterTexts& ParamText) {
 }
 
 Linearisation Linearise(const FitModel& model, const GatheredPoints& points) {
+    Linearisation at;
+    Linearise(model, points, at);
+    return at;
+}
+
+void Linearise(const FitModel& model, const GatheredPoints& points, Linearisation& at) {
     Job.RotXCopy = Job.RotX;
     Job.RotYCopy = Job.RotY;
     Job.RotZCopy = Job.RotZ;
     BuildChain();
-    Linearisation at;
+    at.InnerCount = 0;
     at.M = Chain.Product;
     at.RDist = Job.RDist;
     at.Tool = {Job.Rvec_x, Job.Rvec_y, Job.Rvec_z};
@@ -130,16 +131,14 @@ Linearisation Linearise(const FitModel& model, const GatheredPoints& points) {
             model.UnknownOf[static_cast<std::size_t>(kTraX + axis - 1)] != 0;
     }
 
-    const ChainParts chain;
     for (int parameter = kRotX; parameter <= kAngleZtoXY; ++parameter) {
         const int unknown = model.UnknownOf[static_cast<std::size_t>(parameter)];
         if (unknown == 0) continue;
         InnerDerivative& inner = at.Inner[static_cast<std::size_t>(at.InnerCount++)];
-        inner = Derivative(parameter, chain);
+        inner = Derivative(parameter);
         inner.Unknown = unknown;
         for (int axis = 1; axis <= 3; ++axis)
             inner.AtCentre(axis) =
                 inner.D(axis, 1) * c(1) + inner.D(axis, 2) * c(2) + inner.D(axis, 3) * c(3);
     }
-    return at;
 }

@@ -26,6 +26,7 @@ const RecordEntry kRecords[] = {
     {"LastSolution", NumberRow{CalculationWindow.LastSolution.data(), 18}, Storage::Run},
     {"LastQuality", NumberRow{CalculationWindow.LastQuality.data(), 16}, Storage::Run},
     {"UseABCActive", &CalculationWindow.UseABCActive, Storage::Run},
+    {"GraphValues", &CalculationWindow.GraphValues, Storage::Run},
     {"Iterations", &Adjustment.Iterations, Storage::Run},
     {"NormTolerance", &Norm.NormTolerance, Storage::Run},
     {"NormIterations", &Norm.Iterations, Storage::Run},

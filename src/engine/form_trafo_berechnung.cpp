@@ -207,6 +207,7 @@ const ControlEntry kControls[] = {
       .SelChange = FormTrafoBerechnung::Tabelle_SelChange,
       .RightClick = FormTrafoBerechnung::Tabelle_RightClick,
       .Key = FormTrafoBerechnung::Tabelle_Key}},
+    {"MenuTabelleCopy", &w.MenuTabelleCopy, {.Click = FormTrafoBerechnung::MenuTabelleCopy_Click}},
 };
 
 const ParameterControls kParameters[] = {
@@ -373,6 +374,7 @@ void INI_Formtrafoberechnung() {
     }
     SetValue(w.CheckAutoRec, IsTrue(Job.AutoRecalc) ? 1 : 0);
     SetValue(w.CheckDeviation, 1);
+    PreparePointTable();
     SetStatus(8, Job.LengthUnitName);
     SetStatus(9, Job.AngleUnitName);
     // A window that was closed and opened in the events of a run is that of this run.

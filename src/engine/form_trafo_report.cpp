@@ -14,9 +14,9 @@
 #include "engine/calculation.h"
 #include "engine/calculation_window.h"
 #include "engine/clipboard_report.h"
+#include "engine/deviation_extremes.h"
 #include "engine/field_number.h"
 #include "engine/selection.h"
-#include "engine/vector.h"
 
 namespace {
 
@@ -99,45 +99,6 @@ void ShowSigmas() {
 // --- Quality
 // --------------------------------------------------------------------------------------------------
 
-// The extremes of the residuals and the points that have them; 0 where no coordinate takes part.
-struct Extremes {
-    std::array<double, 3> Max{-1e9, -1e9, -1e9}, Min{1e9, 1e9, 1e9};
-    std::array<int, 3> MaxPoint{}, MinPoint{};
-    double Max3D = -1e9;
-    int Max3DPoint = 0;
-};
-
-Extremes FindExtremes() {
-    Extremes found;
-    const Column &v = Calculation.v, &P = Calculation.P;
-    for (int k = 1; k <= Calculation.nObs; k += 3) {
-        const int point = k / 3 + 1;
-        bool whole = true;
-        for (std::size_t axis = 0; axis < 3; ++axis) {
-            const std::size_t row = At(k) + axis;
-            if (P[row] == 0) {
-                whole = false;
-                continue;
-            }
-            if (v[row] > found.Max[axis]) {
-                found.Max[axis] = v[row];
-                found.MaxPoint[axis] = point;
-            }
-            if (v[row] < found.Min[axis]) {
-                found.Min[axis] = v[row];
-                found.MinPoint[axis] = point;
-            }
-        }
-        if (!whole) continue;
-        const double length = Hypot3(v[At(k)], v[At(k) + 1], v[At(k) + 2]);
-        if (length > found.Max3D) {
-            found.Max3D = length;
-            found.Max3DPoint = point;
-        }
-    }
-    return found;
-}
-
 std::string NameOf(int point) {
     return point == 0 ? "" : Job.MCS_Name[At(point)];
 }
@@ -197,9 +158,11 @@ void ShowTrends() {
 // ---------------------------------------------------------------------------------------------------
 
 // Where the pictures show R vectors, the pairs too are shown where the parameters put them and not on their
-// target less the residual.
+// target less the residual. The point table has been filled before that, and shows the deviations.
 void TransformPairsForRVectors() {
-    if (IsTrue(Settings.ShowRVec) && Calculation.Finite) TransformAllPoints(nullptr);
+    if (!IsTrue(Settings.ShowRVec) || !Calculation.Finite) return;
+    LookAt(w.Tabelle.Grid);
+    TransformAllPoints(nullptr);
 }
 
 }  // namespace
@@ -212,8 +175,10 @@ void ResetArrows() {
 void FormThings() {
     const bool calculated = CalculationIsOfThisJob();
     if (calculated) {
+        // The question that a rotation may bring up can close the window, and its answer ask for another
+        // calculation; that will show everything.
         ShowParameters(true);
-        if (!IsLoaded("FormTrafoBerechnung")) return;  // closed in the question that a rotation may bring up
+        if (!IsLoaded("FormTrafoBerechnung") || CalculationWindow.Again) return;
         ShowTrends();
         ShowQuality();
         ShowSigmas();

@@ -9,6 +9,7 @@
 #include "engine/calculation.h"
 #include "engine/calculation_window.h"
 #include "engine/clipboard_report.h"
+#include "engine/form_trafo_details.h"
 #include "engine/monte_carlo.h"
 #include "engine/presets.h"
 #include "engine/seed.h"
@@ -92,7 +93,10 @@ void TakeChoiceOfJob() {
     ChooseDefaultSeeds();
 }
 
+// Where another calculation is to follow, that one shows everything.
 void CalculateAndShow() {
+    ++CalculationWindow.Started;
+    const StopEnabled stoppable;
     const StopRequestTaken stop;
     RememberSolution();
     PrepareGraphics();
@@ -103,14 +107,16 @@ void CalculateAndShow() {
     // A job whose points were replaced meanwhile is shown by what replaced them.
     if (Run.JobGeneration != generation) return;
     if (WindowIsOpen()) {
+        if (CalculationWindow.Again) return;
         ResetArrows();
         FormThings();
+        if (CalculationWindow.Again && WindowIsOpen()) return;
     } else {
         ReportToClipboard();
     }
     ShowResultElsewhere();
     const bool spread = IsTrue(MonteCarlo.MonteCarloOn) && IsTrue(MonteCarlo.MonteCarloDone);
-    if (spread) ShowWindow("FormTrafoDetails");  // where its statistics stand
+    if (spread) ShowDetails();  // where its statistics stand
 }
 
 }  // namespace
@@ -137,7 +143,6 @@ void FormTrafoBerechnung::BtnCalculate_Click() {
         CalculationWindow.Again = true;
         return;
     }
-    const StopEnabled stop;
     myButtonCalculate();
 }
 
@@ -156,5 +161,5 @@ void FormTrafoBerechnung::BtnSEED_Click() {
 
 void FormTrafoBerechnung::BtnDetails_Click() {
     const BusyPointer busy;
-    ShowWindow("FormTrafoDetails");
+    ShowDetails();
 }

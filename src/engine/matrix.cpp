@@ -40,6 +40,13 @@ void MatrixMultiply(ConstMatrixView A, int n, int k, ConstMatrixView B, int m, M
     RequireSize(C, n, m);
     Require(C.Data != A.Data && C.Data != B.Data);
     for (int i = 1; i <= n; ++i) {
+        if (m == 1) {
+            // A column: the same sums without a loop over its width.
+            double sum = 0;
+            for (int l = 1; l <= k; ++l) sum = A(i, l) != 0 && B(l, 1) != 0 ? sum + A(i, l) * B(l, 1) : sum;
+            C(i, 1) = sum;
+            continue;
+        }
         double* const c = Row(C, i);
         for (int j = 1; j <= m; ++j) c[j] = 0;
         for (int l = 1; l <= k; ++l) {
@@ -119,6 +126,13 @@ void MatrixCompare(ConstMatrixView A, ConstMatrixView B, double tolerance, doubl
             sum += difference;
             if (difference > tolerance) equal = false;
         }
+}
+
+bool IsFinite(const Mat3& M) {
+    for (int i = 1; i <= 3; ++i)
+        for (int j = 1; j <= 3; ++j)
+            if (!std::isfinite(M(i, j))) return false;
+    return true;
 }
 
 void MatrixDeleteRowOrColumn(ConstMatrixView A, int rows, int columns, MatrixView B, int& newRows,

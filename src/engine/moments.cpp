@@ -136,7 +136,7 @@ struct AxisForms {
     static constexpr int kMost = kMostInner + 4;
     int Count = 0;
     std::array<int, kMost> Unknown{};
-    std::array<Form, kMost> Forms{};
+    std::array<Form, kMost> Forms;
 
     AxisForms(const FitModel& model, const Linearisation& at, int axis) {
         for (int k = 0; k < at.InnerCount; ++k) {
@@ -157,12 +157,13 @@ struct AxisForms {
     }
 };
 
-// Products with the first places of a form; a constant number of them, so that loops have no ends.
+// Products with the first places of a form; a constant number of them, so that loops have no ends. B is
+// symmetric, so its columns are read as rows, and all sums grow side by side.
 template <int Places>
 Form Times(const Square& B, const Form& form) {
     Form result{};
-    for (std::size_t row = 0; row < Places; ++row)
-        for (std::size_t column = 0; column < Places; ++column) result[row] += B[row][column] * form[column];
+    for (std::size_t column = 0; column < Places; ++column)
+        for (std::size_t row = 0; row < Places; ++row) result[row] += B[column][row] * form[column];
     return result;
 }
 
@@ -177,9 +178,12 @@ double Product(const Form& a, const Form& b) {
 template <int Places>
 double ProductWithoutSigns(const Square& B, const Form& form) {
     double sum = 0;
-    for (std::size_t row = 0; row < Places; ++row)
+    for (std::size_t row = 0; row < Places; ++row) {
+        double ofRow = 0;
         for (std::size_t column = 0; column < Places; ++column)
-            sum += std::fabs(form[row] * B[row][column] * form[column]);
+            ofRow += std::fabs(B[row][column] * form[column]);
+        sum += std::fabs(form[row]) * ofRow;
+    }
     return sum;
 }
 
@@ -204,12 +208,8 @@ void AddAxis(const FitModel& model, const Linearisation& at, const PointMoments&
         w[At(row)] += Product<Places>(forms.Forms[At(i)], l);
         withoutSigns[At(row)] += ProductWithoutSigns<Places>(B, forms.Forms[At(i)]);
         const Form BForm = Times<Places>(B, forms.Forms[At(i)]);
-        for (int j = i; j < forms.Count; ++j) {
-            const int column = forms.Unknown[At(j)];
-            const double sum = Product<Places>(BForm, forms.Forms[At(j)]);
-            N(row, column) += sum;
-            if (row != column) N(column, row) += sum;
-        }
+        double* const sums = N.Row(row);
+        for (int j = 0; j <= i; ++j) sums[forms.Unknown[At(j)]] += Product<Places>(BForm, forms.Forms[At(j)]);
     }
 }
 
@@ -286,6 +286,9 @@ bool NormalEquations(const FitModel& model, const Linearisation& at, const Point
     for (int axis = 1; axis <= 3; ++axis)
         tool ? AddAxis<kMostPlaces>(model, at, moments, axis, N, w, withoutSigns)
              : AddAxis<4>(model, at, moments, axis, N, w, withoutSigns);
+    // An axis adds a product once, on whatever side of the diagonal.
+    for (int i = 1; i <= u; ++i)
+        for (int j = 1; j < i; ++j) N(i, j) = N(j, i) = N(i, j) + N(j, i);
     for (int i = 1; i <= u; ++i)
         if (N(i, i) < kLeastShare * withoutSigns[At(i)]) return false;
     return true;

@@ -104,6 +104,7 @@ bool MonteCarloCanBeHeld() {
 }
 
 void MonteCarloInitialisieren() {
+    Require(RunsOfMonteCarlo() <= kMostMonteCarloRuns);
     ++MonteCarlo.Started;
     const auto size = At(Job.nIdent) + 1;
     for (Column* const saved : {&MonteCarlo.MCSaveX, &MonteCarlo.MCSaveY, &MonteCarlo.MCSaveZ})
@@ -164,6 +165,8 @@ void MonteCarloFinalisieren(GatheredPoints& points) {
 }
 
 bool RunMonteCarlo(NormFit& fit) {
+    // Asked again, since a message box of this calculation may have let the settings change.
+    if (!MonteCarloCanBeHeld()) return false;
     const std::uint64_t generation = Run.JobGeneration;
     MonteCarloInitialisieren();
     const Finaliser finaliser{fit.Points};

@@ -43,8 +43,8 @@ int RunsOfMonteCarlo();
 // False, with a message, when there are too many runs to hold. Nothing has been changed then.
 bool MonteCarloCanBeHeld();
 
-// The steps of the runs. The noise lives in gathered points, never in the job, so that a save while
-// events are served stores what was measured.
+// The steps of the runs, which a caller takes only when they can be held. The noise lives in gathered points,
+// never in the job, so that a save while events are served stores what was measured.
 void MonteCarloInitialisieren();               // sizes and saves, shows progress and busy pointer
 void MCS_verrauschen(GatheredPoints& points);  // each start point: the saved one plus new noise
 void MonteCarloWriteiResults(int i, const Column& v, const Column& P);  // of run i: the job's parameters
@@ -52,7 +52,7 @@ void MonteCarloFinalisieren(GatheredPoints& points);  // the points without nois
 
 // All runs on points that are gathered; they stand without noise again behind it. A stop, a run that does
 // not converge and one that is no number end the runs: MonteCarloDone is then false. False when the job's
-// points were replaced while events were served.
+// points were replaced while events were served, or when there are too many runs: the calculation ends then.
 //   fit  Q and v are left as the last run has made them
 // Reads Settings.SigmaX, SigmaY, SigmaZ (mm); writes MonteCarlo, Noise, the job's parameters; clears
 // Run.StopRequested.

@@ -4,6 +4,7 @@
 #include "core/controller.h"
 #include "core/job.h"
 #include "engine/adjustment.h"
+#include "engine/exact_norms.h"
 #include "engine/monte_carlo.h"
 
 namespace {
@@ -20,15 +21,17 @@ bool FitL2(NormFit& fit) {
 }  // namespace
 
 bool FitInNorm(NormFit& fit) {
+    const bool runOn = Norm.RunOn;
     Norm = NormRecord{};
+    Norm.RunOn = runOn;
     if (!GatherForFit(fit.P, fit.Points)) return false;
     bool done = false;
     switch (Job.NormType) {
         case 1:
-            done = FitL1(fit);
+            done = FitL1(fit) && (!runOn || RunOnToLeastSum(fit));
             break;
         case 3:
-            done = FitLoo(fit);
+            done = FitLoo(fit) && (!runOn || RunOnToLeastLargest(fit));
             break;
         default:
             done = FitL2(fit);

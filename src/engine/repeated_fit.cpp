@@ -6,7 +6,6 @@
 #include "core/settings.h"
 #include "engine/adjustment.h"
 #include "engine/corrections.h"
-#include "engine/matrix.h"
 #include "engine/normal_equations.h"
 
 namespace {
@@ -15,8 +14,7 @@ namespace {
 bool Solve(RepeatedFit& fit) {
     const int u = fit.Model.Unknowns;
     if (!NormalEquations(fit.Model, fit.At, fit.Moments, fit.N, fit.w)) return false;
-    MatrixInverse(fit.N, u, u, fit.Q);
-    MatrixMultiply(fit.Q, u, u, fit.w, 1, fit.Centred);
+    SolveSilently(fit.N, fit.w, u, fit.Q, fit.Centred);
     fit.x = fit.Centred;
     FromCentre(fit.Model, fit.At, fit.x);
     return true;
@@ -47,7 +45,7 @@ FitEnd FitAgain(RepeatedFit& fit, const GatheredPoints& points, Column& v) {
     for (;;) {
         YieldToEvents();
         if (Run.JobGeneration != generation) return FitEnd::JobChanged;
-        fit.At = Linearise(fit.Model, points);
+        Linearise(fit.Model, points, fit.At);
         if (Adjustment.Iterations == 0) SumMoments(points, fit.At, fit.Moments);
         if (!Solve(fit)) return FitEnd::Unfinished;
         if (FindLargest(fit.x, u).Size < threshold && MovedSince(fit.At, fit.Moments) > kFarFromMoments) {
@@ -55,7 +53,7 @@ FitEnd FitAgain(RepeatedFit& fit, const GatheredPoints& points, Column& v) {
             if (!Solve(fit)) return FitEnd::Unfinished;
         }
         if (!SetClipboardText({})) ShowMessage(kClipboardRefused);
-        Update(fit.Model, fit.x);
+        AddCorrections(fit.Model, fit.x);
         ++Adjustment.Iterations;
         if (!AllFinite(fit.x, u)) return FitEnd::Unfinished;
         if (FindLargest(fit.x, u).Size < threshold) break;

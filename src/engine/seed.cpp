@@ -159,8 +159,11 @@ void RawSolution(SeedPoints seeds, double& tx, double& ty, double& tz, double& r
     // A small known rotation of the target side, so that no coordinate difference is exactly 0 there.
     // The reference points (the target's origin and a point on its X and on its Y axis) are turned with
     // it, which takes it out again.
-    Mat3 small;
-    RotMatrixXYZ(0.0011, 0.0022, 0.0033, small);
+    static const Mat3 small = [] {
+        Mat3 R;
+        RotMatrixXYZ(0.0011, 0.0022, 0.0033, R);
+        return R;
+    }();
     for (Vec3& q : seeds.Target) q = Turned(small, q);
     const Vec3 q4 = Turned(small, {0, 0, 0}), q5 = Turned(small, {100, 0, 0});
     const Vec3 q6 = Turned(small, {0, 100, 0});

@@ -12,12 +12,30 @@ void SetRow(Mat3& M, int row, double x, double y, double z) {
     M(row, 3) = z;
 }
 
+bool IsUnit(const Mat3& M) {
+    for (int row = 1; row <= 3; ++row)
+        for (int column = 1; column <= 3; ++column)
+            if (M(row, column) != (row == column ? 1 : 0)) return false;
+    return true;
+}
+
 // A matrix built on its own no longer belongs to the product that is kept.
 void ForgetProduct() {
     Chain.BuiltFrom.fill(std::numeric_limits<double>::quiet_NaN());
 }
 
 }  // namespace
+
+Mat3 WithScales(const Mat3& M) {
+    Mat3 result;
+    const double scales[] = {Job.ScaleX, Job.ScaleY, Job.ScaleZ};
+    for (int row = 1; row <= 3; ++row)
+        for (int column = 1; column <= 3; ++column) {
+            const double element = M(row, column);
+            result(row, column) = element != 0 ? element * scales[column - 1] : 0;
+        }
+    return result;
+}
 
 void RotMatrixXYZ(double angleA, double angleB, double angleC, Mat3& R) {
     RotMatrixXYZ(Circle(angleA), Circle(angleB), Circle(angleC), R);
@@ -31,7 +49,9 @@ void RotMatrixXYZ(const Circle& a, const Circle& b, const Circle& c, Mat3& R) {
 }
 
 void BuildRotationMatrix() {
-    RotMatrixXYZ(Job.RotXCopy, Job.RotYCopy, Job.RotZCopy, Chain.RotationMatrix);
+    Chain.Rotations = {Circle(Job.RotXCopy), Circle(Job.RotYCopy), Circle(Job.RotZCopy)};
+    const auto& [a, b, c] = Chain.Rotations;
+    RotMatrixXYZ(a, b, c, Chain.RotationMatrix);
     ForgetProduct();
 }
 
@@ -62,7 +82,11 @@ void BuildChain() {
     BuildRotationMatrix();
     BuildShearMatrix();
     BuildScaleMatrix();
-    Chain.Product = MatrixProduct(MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix), Chain.ScaleMatrix);
+    Chain.RightAngled = IsUnit(Chain.ShearMatrix);
+    Chain.RK =
+        Chain.RightAngled ? Chain.RotationMatrix : MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix);
+    Chain.KS = WithScales(Chain.ShearMatrix);
+    Chain.Product = WithScales(Chain.RK);
     Chain.BuiltFrom = parameters;
 }
 

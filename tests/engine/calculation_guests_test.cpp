@@ -284,3 +284,56 @@ TEST_F(CalculationGuests, OneNormGivesWayToAnotherInsideItsRun) {
     EXPECT_TRUE(w.CheckMonteCarlo.Enabled);
     ExpectAtRest();
 }
+
+TEST_F(CalculationGuests, PointsReplacedInsideARunStayAndTheWindowIsAtRest) {
+    AddPairs(8, 0);
+    Open();
+    for (Control* const norm : {&w.OptionL1, &w.OptionLoo, &w.OptionL2}) {
+        UserSetValue(*norm, 1);
+        const int pairs = Job.nIdent;
+        int yields = 0;
+        Headless.OnYield = [&yields] {
+            if (++yields != 3) return;
+            UnloadWindow("FormTrafoBerechnung");
+            Job.ParamText.fill("");
+            AddPairs(3, 0);
+            ++::Run.JobGeneration;
+            ShowWindow("FormTrafoBerechnung");
+        };
+        Calculate();
+        Headless.OnYield = nullptr;
+        EXPECT_EQ(Job.nIdent, pairs + 3);
+        EXPECT_FALSE(CalculationIsOfThisJob());
+        EXPECT_EQ(w.TextTraX.Text, "float");
+        EXPECT_EQ(w.TextSxyz.Text, "");
+        ExpectAtRest();
+        Calculate();
+        EXPECT_NEAR(Job.TraX, 100, 1e-6);
+    }
+}
+
+TEST_F(CalculationGuests, TheRVectorChosenFromAnotherNormAndDirectionEndsWithBothPutBack) {
+    AddPairs(10);
+    Job.RobotABC = Matrix(Job.nIdent, 3);
+    Open();
+    UserSetValue(w.OptionL1, 1);
+    UserClick(w.BtnSwitchMcsOcs);
+    UserSetValue(w.CheckAutoRec, 1);
+    UserSetValue(w.CheckUseABC, 1);
+    EXPECT_EQ(Job.NormType, 2);
+    EXPECT_TRUE(IsTrue(Job.DirectionMCStoOCS));
+    EXPECT_TRUE(CalculationIsOfThisJob());
+    EXPECT_EQ(Calculation.nFloat, 9);
+    ExpectAtRest();
+}
+
+TEST_F(CalculationGuests, TwoPairsCalculateWhatTheyCanDetermine) {
+    AddPairs(2, 0);
+    Open();
+    Calculate();  // six unknowns, six coordinates: the turn about the line between them stays open
+    ExpectAtRest();
+    UserSetValue(w.OptionHoldLevel, 1);
+    Calculate();
+    ExpectAtRest();
+    EXPECT_EQ(Calculation.nFloat, 4);
+}
