@@ -32,12 +32,6 @@ void MenuFileSaveAs_Command() {
     Missing("save job files");
 }
 
-void MCS_OCS() {}
-bool DirectionSwitched() {
-    return false;
-}
-void CalculationWindow_UnitsChanged() {}
-
 void EinlesenKUKAdatDatei() {
     Missing("read robot programs");
 }
@@ -58,12 +52,16 @@ void EinlesenParaboloidData() {
     Missing("read paraboloid shapes");
 }
 void ParaboloidNearestTargets() {}
+void CalculateParaboloid() {
+    Missing("calculate paraboloids");
+}
 void ReadBundleFile(const std::string&) {
     Missing("read bundle files");
 }
 
 void FuellenHaupttabelle() {}
 void MainSheet_UnitsChanged() {}
+void MainSheet_ShowPoint(int) {}
 
 void CountChildForms(std::int16_t& count) {
     count = 0;
@@ -74,6 +72,10 @@ GraphicsModes TopGraphicsModes() {
 void ApplyTopGraphicsModes() {}
 void CloseAllGraphicsWindows() {}
 void UpdateAllGraphicsWindows() {}
+void Grafik_Festlegen_Main() {}
+void DrawResultInGraphicsWindows() {}
+void Alle_Fahnen_neu_zeichnen() {}
+void SetActivePoint(int) {}
 bool GraphicsDefaultsTaken() {
     return false;
 }

@@ -157,8 +157,57 @@ json DoSet(const json& request) {
     return json::object();
 }
 
+// A row or column of a grid.
+int CellMember(const json& request, const char* name, int count) {
+    const json& value = Member(request, name);
+    if (!value.is_number_integer()) Refuse(std::string("the member \"") + name + "\" must be a whole number");
+    const auto place = value.get<std::int64_t>();
+    if (place < 0 || place >= count)
+        Refuse(std::string("the grid has no ") + name + " " + std::to_string(place));
+    return static_cast<int>(place);
+}
+
+bool FlagMember(const json& request, const char* name) {
+    const auto value = request.find(name);
+    if (value == request.end()) return false;
+    if (!value->is_boolean()) Refuse(std::string("\"") + name + "\" is true or false");
+    return value->get<bool>();
+}
+
+GridState& ReachableCells(Control& control) {
+    if (control.Kind != ControlKind::Grid) Refuse("a grid is expected");
+    LookAt(control.Grid);
+    return control.Grid;
+}
+
+struct Cell {
+    int Row, Col;
+};
+
+// A cell that the user could click on.
+Cell CellToClick(const json& request, const GridState& grid) {
+    const Cell cell = {CellMember(request, "row", grid.Rows), CellMember(request, "col", grid.Cols)};
+    if (IsHiddenCol(grid, cell.Col)) Refuse("column " + std::to_string(cell.Col) + " is hidden");
+    return cell;
+}
+
+json ClickGrid(const json& request, Control& control) {
+    const Cell cell = CellToClick(request, ReachableCells(control));
+    const bool extend = FlagMember(request, "shift");
+    const auto button = request.find("button");
+    if (button == request.end() || *button == "left") {
+        UserClickCell(control, cell.Row, cell.Col, extend);
+    } else if (*button == "right") {
+        UserRightClickCell(control, cell.Row, cell.Col);
+    } else {
+        Refuse("\"button\" is left or right");
+    }
+    return json::object();
+}
+
 json DoClick(const json& request) {
     Control& control = FindReachable(request);
+    if (control.Kind == ControlKind::Grid) return ClickGrid(request, control);
     if (control.Kind == ControlKind::Check) {
         UserSetValue(control, control.Value == 1 ? 0 : 1);
     } else if (control.Kind == ControlKind::Option) {
@@ -170,7 +219,22 @@ json DoClick(const json& request) {
 }
 
 json DoDblClick(const json& request) {
-    UserDblClick(FindReachable(request));
+    Control& control = FindReachable(request);
+    if (control.Kind != ControlKind::Grid) {
+        UserDblClick(control);
+        return json::object();
+    }
+    const Cell cell = CellToClick(request, ReachableCells(control));
+    UserDblClickCell(control, cell.Row, cell.Col);
+    return json::object();
+}
+
+json DoSelect(const json& request) {
+    Control& control = FindReachable(request);
+    const GridState& grid = ReachableCells(control);
+    const GridRect rect = {CellMember(request, "row", grid.Rows), CellMember(request, "col", grid.Cols),
+                           CellMember(request, "row2", grid.Rows), CellMember(request, "col2", grid.Cols)};
+    UserSelectCells(control, rect);
     return json::object();
 }
 
@@ -178,6 +242,13 @@ json DoKey(const json& request) {
     const Target target = FindLoadedWindow(request);
     if (!target.Window->State->Enabled) Refuse(std::string(target.Window->Name) + " is disabled");
     const std::string key = TextMember(request, "key");
+    const std::string event = request.contains("event") ? TextMember(request, "event") : "press";
+    if (event != "press" && event != "down" && event != "up") Refuse("\"event\" is press, down or up");
+    if (event == "up") return json::object();  // windows and grids act on the key going down
+    if (target.Control != nullptr && target.Control->Place->Kind == ControlKind::Grid) {
+        UserKey(FindReachable(request), key);
+        return json::object();
+    }
     if (key == "Escape" || key == "Esc") UserEscape(*target.Window);
     return json::object();
 }
@@ -267,7 +338,7 @@ const std::map<std::string, json (*)(const json&), std::less<>> kRequests = {
     {"answer", DoAnswer},
     {"during", DoDuring},
     {"quit", DoQuit},
-    {"select", NoGraphicsWindow},
+    {"select", DoSelect},
     {"mouse", NoGraphicsWindow},
     {"resize", NoGraphicsWindow},
     {"picture", NoGraphicsWindow},

@@ -9,14 +9,40 @@ using nlohmann::json;
 namespace {
 
 const char* KindName(ControlKind kind) {
-    constexpr std::array kNames = {"button", "text", "check",   "option",     "list",  "label",
-                                   "frame",  "menu", "toolbar", "toolbutton", "panel", "progress"};
+    constexpr std::array kNames = {"button", "text",    "check",      "option", "list",     "label", "frame",
+                                   "menu",   "toolbar", "toolbutton", "panel",  "progress", "grid"};
     return kNames[static_cast<std::size_t>(kind)];
+}
+
+void AddGrid(GridState& grid, json& state) {
+    LookAt(grid);
+    json cells = json::array(), colours = json::array(), hidden = json::array();
+    for (int row = 0; row < grid.Rows; ++row) {
+        json texts = json::array(), backs = json::array();
+        for (int col = 0; col < grid.Cols; ++col) {
+            texts.push_back(CellText(grid, row, col));
+            backs.push_back(CellBackColor(grid, row, col));
+        }
+        cells.push_back(std::move(texts));
+        colours.push_back(std::move(backs));
+    }
+    for (int col = 0; col < grid.Cols; ++col)
+        if (IsHiddenCol(grid, col)) hidden.push_back(col);
+    const GridRect selected = Selected(grid);
+    state["rows"] = grid.Rows;
+    state["cols"] = grid.Cols;
+    state["cells"] = std::move(cells);
+    state["backColors"] = std::move(colours);
+    state["colWidths"] = grid.ColWidths;
+    state["hiddenCols"] = std::move(hidden);
+    state["current"] = {{"row", grid.Row}, {"col", grid.Col}};
+    state["selection"] = {
+        {"row", selected.Row}, {"col", selected.Col}, {"row2", selected.Row2}, {"col2", selected.Col2}};
 }
 
 }  // namespace
 
-json ControlToJson(const Control& control) {
+json ControlToJson(Control& control) {
     json state = {
         {"kind", KindName(control.Kind)}, {"text", control.Text},           {"value", control.Value},
         {"enabled", control.Enabled},     {"visible", control.Visible},     {"locked", control.Locked},
@@ -26,6 +52,7 @@ json ControlToJson(const Control& control) {
         state["items"] = control.Items;
         state["index"] = control.Index;
     }
+    if (control.Kind == ControlKind::Grid) AddGrid(control.Grid, state);
     return state;
 }
 

@@ -5,5 +5,5 @@
 
 #include "core/window.h"
 
-nlohmann::json ControlToJson(const Control& control);
+nlohmann::json ControlToJson(Control& control);
 nlohmann::json WindowToJson(const WindowEntry& window);

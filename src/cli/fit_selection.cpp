@@ -8,6 +8,7 @@
 #include "core/numbers.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "engine/norms.h"
 #include "engine/presets.h"
 #include "engine/selection.h"
 
@@ -91,16 +92,15 @@ const char* HeldParameterName(int parameter) {
 
 std::string SelectParameters(const FitOptions& options) {
     SelectPreset(options.Parameters);
-    Job.NormType = options.Norm == "l1" ? 1 : options.Norm == "loo" ? 3 : 2;
+    Norm.RunOn = options.Norm == "l1-exact" || options.Norm == "minimax";
+    const bool sum = options.Norm == "l1" || options.Norm == "l1-exact";
+    const bool largest = options.Norm == "loo" || options.Norm == "minimax";
+    Job.NormType = sum ? 1 : largest ? 3 : 2;
     for (const std::string& hold : options.Hold) {
         const std::string wrong = HoldParameter(hold);
         if (!wrong.empty()) return wrong;
     }
-    for (int k = 1; k < kParameterEnd; ++k) {
-        const auto index = static_cast<std::size_t>(k);
-        Selection.FieldText[index] = Job.ParamText[index];
-        Selection.Float[index] = Job.ParamText[index] == kFloat;
-    }
+    SelectionFromJob();
     std::fill(Job.UseFlags.begin() + 1, Job.UseFlags.end(), std::int16_t{1});
     for (const std::string& what : options.LeaveOut) {
         const std::string wrong = LeaveOut(what);

@@ -195,7 +195,7 @@ void Initialisieren() {
     Job.DirectionMCStoOCS = kTrue;
     Job.nMCS = Job.nOCS = Job.nIdent = Job.nMCSOnly = Job.nOCSOnly = 0;
     Run.JobDataValid = kFalse;
-    Run.TrafoValid = kFalse;
+    Run.TrafoValid = Run.CalcDone = kFalse;
     ++Run.JobGeneration;
     ProgrammLogik();
 }

@@ -84,6 +84,7 @@ const RecordEntry kRecords[] = {
     {"JobDirty", &Run.JobDirty, Storage::Run},
     {"ColorBarOpen", &Run.ColorBarOpen, Storage::Run},
     {"LastFile", TextRow{Run.LastFile.data(), 5}, Storage::Run},
+    {"CalcDone", &Run.CalcDone, Storage::Run},
     {"StopRequested", &Run.StopRequested, Storage::Run},
     {"Delimiter", &Run.Delimiter, Storage::Run},
     {"IsDefault", &Run.IsDefault, Storage::Run},

@@ -24,17 +24,22 @@ void myButtonCalculate();  // one whole calculation with the present selection o
 void MCS_OCS();            // swaps the two point sets of a job that has been marked as switched
 bool DirectionSwitched();  // the calculation window has marked the job as switched
 void CalculationWindow_UnitsChanged();
+// The held values of the job, typed in units of the factors `lengthBefore` and `angleBefore`, in the present
+// ones.
+void HeldValues_UnitsChanged(double lengthBefore, double angleBefore);
 double CalculationSigmaXYZ();  // of the last calculation, mm
 
 // --- paraboloid/ and bundle/ ------------------------------------------------------------------------------
 void EinlesenParaboloidData();    // reads the shape file that the input dialog names as target
 void ParaboloidNearestTargets();  // each start point's nearest point of the shape becomes its target
+void CalculateParaboloid();  // the passes of a calculation of a job with a shape, and its Monte Carlo runs
 void ReadBundleFile(const std::string& path);  // the reader behind the bundle file of the input dialog
 
 // --- analysis/ ---------------------------------------------------------------------------------------
 void FuellenHaupttabelle();  // refills the main sheet
 void MainSheet_UnitsChanged();
-void FORMfüllen();  // refills the input statistic
+void MainSheet_ShowPoint(int point);  // makes the row of an identical point the current one, centred
+void FORMfüllen();                    // refills the input statistic
 
 // --- graphics/ ---------------------------------------------------------------------------------------
 struct GraphicsModes {
@@ -47,4 +52,8 @@ GraphicsModes TopGraphicsModes();           // of the top graphics window; only 
 void ApplyTopGraphicsModes();
 void CloseAllGraphicsWindows();
 void UpdateAllGraphicsWindows();
-bool GraphicsDefaultsTaken();  // a graphics window has set the grid spacing, so its defaults are stored
+void Grafik_Festlegen_Main();        // recomputes what the first graphics window shows
+void DrawResultInGraphicsWindows();  // recomputes and redraws all of them with their flags
+void Alle_Fahnen_neu_zeichnen();     // redraws the flags of all of them
+void SetActivePoint(int point);      // the active point of the pictures, by identical point
+bool GraphicsDefaultsTaken();        // a graphics window has set the grid spacing, so its defaults are stored

@@ -14,6 +14,7 @@ struct RunRecord {
     std::string JobFilePath;
     Flag JobDataValid = kFalse;  // point data are present
     Flag TrafoValid = kFalse;    // a transformation result is present
+    Flag CalcDone = kFalse;      // the calculation window has shown a result
     Flag JobDirty = kFalse;      // changed since the last save
     Flag ColorBarOpen = kFalse;
     std::array<std::string, 5> LastFile{};  // recent files, 1 to 4

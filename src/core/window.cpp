@@ -93,6 +93,12 @@ Control Panel() {
 Control ProgressBar() {
     return Make(ControlKind::Progress, "");
 }
+Control Grid(int fixedRows, int fixedCols) {
+    Control control = Make(ControlKind::Grid, "");
+    control.Grid.FixedRows = fixedRows;
+    control.Grid.FixedCols = fixedCols;
+    return control;
+}
 
 const WindowEntry* FindWindow(std::string_view name) {
     for (const WindowEntry* window : AllWindows())
@@ -201,6 +207,82 @@ bool UserSetText(Control& control, const std::string& text) {
 
 bool UserSetIndex(Control& control, int index) {
     return Dispatch([&control, index] { SetIndex(control, index); });
+}
+
+namespace {
+
+const Handlers& On(const Control& control) {
+    static const Handlers kNone;
+    return control.Entry != nullptr ? control.Entry->On : kNone;
+}
+
+void RequireCell(Control& control, int row, int col) {
+    LookAt(control.Grid);
+    Require(row >= 0 && row < control.Grid.Rows && col >= 0 && col < control.Grid.Cols);
+}
+
+// Where the current cell goes for a place that may be a heading.
+void MoveTo(GridState& grid, int row, int col, bool extend) {
+    grid.RowSel = row;
+    grid.ColSel = col;
+    if (!extend) {
+        grid.Row = row;
+        grid.Col = col;
+    }
+    KeepSelectionInside(grid);
+}
+
+void ClickCell(Control& control, int row, int col, bool extend) {
+    GridState& grid = control.Grid;
+    grid.MouseRow = row;
+    grid.MouseCol = col;
+    MoveTo(grid, row, col, extend);
+    Run_(On(control).SelChange);
+    Run_(On(control).Click);
+}
+
+}  // namespace
+
+bool UserClickCell(Control& control, int row, int col, bool extend) {
+    return Dispatch([&control, row, col, extend] {
+        RequireCell(control, row, col);
+        ClickCell(control, row, col, extend);
+    });
+}
+
+bool UserDblClickCell(Control& control, int row, int col) {
+    return Dispatch([&control, row, col] {
+        RequireCell(control, row, col);
+        ClickCell(control, row, col, false);
+        Run_(On(control).DblClick);
+    });
+}
+
+bool UserRightClickCell(Control& control, int row, int col) {
+    return Dispatch([&control, row, col] {
+        RequireCell(control, row, col);
+        control.Grid.MouseRow = row;
+        control.Grid.MouseCol = col;
+        Run_(On(control).RightClick);
+    });
+}
+
+bool UserSelectCells(Control& control, const GridRect& rect) {
+    return Dispatch([&control, rect] {
+        RequireCell(control, rect.Row, rect.Col);
+        RequireCell(control, rect.Row2, rect.Col2);
+        MoveTo(control.Grid, rect.Row, rect.Col, false);
+        MoveTo(control.Grid, rect.Row2, rect.Col2, true);
+        Run_(On(control).SelChange);
+    });
+}
+
+bool UserKey(Control& control, const std::string& key) {
+    return Dispatch([&control, &key] {
+        LookAt(control.Grid);
+        control.Grid.Key = key;
+        Run_(On(control).Key);
+    });
 }
 
 bool UserEscape(const WindowEntry& window) {

@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/grid.h"
+
 enum class ControlKind : std::uint8_t {
     Button,
     Text,
@@ -22,7 +24,8 @@ enum class ControlKind : std::uint8_t {
     Toolbar,
     ToolButton,
     Panel,
-    Progress
+    Progress,
+    Grid
 };
 
 inline constexpr std::int32_t kSystemColour = -1;  // the desktop's own colour for this place
@@ -45,6 +48,8 @@ struct Control {
     std::string ToolTip;
     std::vector<std::string> Items;       // entries of a list
     int Index = -1;                       // selected entry
+    bool SelectsOnFocus = false;          // a text that is selected whole when it gets the focus
+    GridState Grid;                       // the cells of a grid
     const ControlEntry* Entry = nullptr;  // name and handlers, once the window is loaded
 };
 
@@ -60,6 +65,7 @@ Control Toolbar();
 Control ToolButton(std::string toolTip);
 Control Panel();
 Control ProgressBar();
+Control Grid(int fixedRows, int fixedCols);
 
 // What the user does to a control, and the procedure that answers. Unset = nothing happens.
 struct Handlers {
@@ -67,6 +73,9 @@ struct Handlers {
     void (*Change)() = nullptr;  // text after the change
     void (*DblClick)() = nullptr;
     void (*GotFocus)() = nullptr;
+    void (*SelChange)() = nullptr;   // grid: after the current cell or the selection has changed
+    void (*RightClick)() = nullptr;  // grid
+    void (*Key)() = nullptr;         // grid: its Grid.Key tells which
 };
 
 struct ControlEntry {
@@ -136,6 +145,15 @@ bool UserDblClick(Control& control);
 bool UserSetValue(Control& control, int value);
 bool UserSetText(Control& control, const std::string& text);
 bool UserSetIndex(Control& control, int index);
+
+// On grids. Require: the cells exist. A click moves the current cell to its place (in a heading, to the
+// first cell below or beside it), with `extend` it moves the other corner of the selection alone; then
+// the handlers of the selection and of the click run. A second click behind it makes a double click.
+bool UserClickCell(Control& grid, int row, int col, bool extend);
+bool UserDblClickCell(Control& grid, int row, int col);
+bool UserRightClickCell(Control& grid, int row, int col);
+bool UserSelectCells(Control& grid, const GridRect& rect);
+bool UserKey(Control& grid, const std::string& key);
 bool UserEscape(const WindowEntry& window);
 bool UserClose(const WindowEntry& window);
 

@@ -9,8 +9,15 @@
 #include "core/job.h"
 #include "core/platform.h"
 #include "core/run.h"
+#include "core/text.h"
+#include "core/window.h"
 #include "engine/adjustment.h"
+#include "engine/calculation_window.h"
 #include "engine/design.h"
+#include "engine/distance_start.h"
+#include "engine/field_number.h"
+#include "engine/monte_carlo.h"
+#include "engine/nice_rotation.h"
 #include "engine/norms.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
@@ -30,6 +37,21 @@ Column WeightsFromUseFlags(int n) {
     return P;
 }
 
+constexpr double kSignificanceEps = 1e-9;
+
+// A rotation by 180 degrees counts as none.
+double DistanceFromNeutral(int parameter) {
+    const double value = ParameterValue(Job, parameter);
+    switch (KindOf(parameter)) {
+        case ParameterKind::Angle:
+            return std::atan(std::tan(value));
+        case ParameterKind::Scale:
+            return value - 1;
+        default:
+            return value;
+    }
+}
+
 void FillStatistics(const FitModel& model) {
     Statistics(Calculation.v, Calculation.P, Calculation.nObs, Calculation.s0, Calculation.sx, Calculation.sy,
                Calculation.sz);
@@ -42,8 +64,42 @@ void FillStatistics(const FitModel& model) {
         if (j == 0) continue;
         const double sigma = std::sqrt(std::fabs(Calculation.Q(j, j))) * Calculation.s0;
         Calculation.Sigma[At(parameter)] = sigma;
-        Calculation.Significance[At(parameter)] = std::fabs(ParameterValue(Job, parameter) / (sigma + 1e-9));
+        Calculation.Significance[At(parameter)] =
+            std::fabs(DistanceFromNeutral(parameter) / (sigma + kSignificanceEps));
     }
+}
+
+// Sigma of the R vector's length, by those of its parts.
+void FillToolStatistics() {
+    double variance = 0;
+    for (const int parameter : {kRvecX, kRvecY, kRvecZ}) {
+        const double share = Job.RDist > 0 ? ParameterValue(Job, parameter) / Job.RDist : 0;
+        variance += share * share * Calculation.Sigma[At(parameter)] * Calculation.Sigma[At(parameter)];
+    }
+    Calculation.Sigma[kRDist] = std::sqrt(variance);
+    Calculation.Significance[kRDist] = std::fabs(Job.RDist / (Calculation.Sigma[kRDist] + kSignificanceEps));
+}
+
+// A scale of 0 leaves nothing of the points, so nothing can be fitted.
+std::string ScaleHeldAtZero() {
+    constexpr std::array<const char*, 4> kNames = {"Scale x", "Scale y", "Scale z", "Scale xyz"};
+    for (int parameter = kScaleX; parameter <= kScaleXYZ; ++parameter) {
+        const std::string& text = Job.ParamText[At(parameter)];
+        if (IsHeldValue(text) && ParameterFromText(parameter, text) == 0)
+            return kNames[At(parameter - kScaleX)];
+    }
+    return "";
+}
+
+// Choices that no fit can begin with; "" for all others.
+std::string WhyNot() {
+    if (const std::string scale = ScaleHeldAtZero(); !scale.empty())
+        return scale + " is held at 0, which leaves nothing of the points. Please hold it at another value.";
+    if (const std::string name = PairThatStartsOnItsTarget(); !name.empty())
+        return "The start values put point \"" + Printable(name) +
+               "\" onto its target, where the distance between them has no direction. Please give a seed for "
+               "one of the translations, or choose other seed points.";
+    return "";
 }
 
 bool ParametersAreFinite() {
@@ -53,6 +109,11 @@ bool ParametersAreFinite() {
 }
 
 }  // namespace
+
+bool CalculationIsOfThisJob() {
+    return Calculation.Done && Calculation.JobGeneration == Run.JobGeneration &&
+           Calculation.nObs == 3 * Job.nIdent;
+}
 
 void TransformAllPoints(const Column* v) {
     const auto put = [](int i, double X, double Y, double Z) {
@@ -82,8 +143,12 @@ void TransformAllPoints(const Column* v) {
 
 void ButtonCalcErsatz() {
     const std::uint64_t generation = Run.JobGeneration;
+    // Both before and after the events: they may change the choice, or close its window.
+    if (IsLoaded("FormTrafoBerechnung")) TakeSelection();
     YieldToEvents();
     if (Run.JobGeneration != generation) return;
+    if (IsLoaded("FormTrafoDetails")) UnloadWindow("FormTrafoDetails");
+    if (IsLoaded("FormTrafoBerechnung")) TakeSelection();
     const bool useABC = Selection.CheckUseABC;
     if (useABC && Selection.CheckRDist)
         ShowMessage("bigbug here in the CODE, you can never use R_Dist AND UseABC");
@@ -98,9 +163,20 @@ void ButtonCalcErsatz() {
         ShowMessage("This is not a redundant calculation");
         return;
     }
+    if (const std::string why = WhyNot(); !why.empty()) {
+        Calculation.Refused = true;
+        ShowMessage(why);
+        return;
+    }
+    const bool leastSquares = Job.NormType != 1 && Job.NormType != 3;
+    Calculation.Refused = leastSquares && IsTrue(MonteCarlo.MonteCarloOn) && !MonteCarloCanBeHeld();
+    if (Calculation.Refused) return;
 
     NormFit fit{.u = u, .n = n, .ParamText = Job.ParamText, .P = std::move(P)};
     if (!FitInNorm(fit) || Run.JobGeneration != generation) return;
+    NiceRotSol();
+    Calculation.Done = true;
+    Calculation.JobGeneration = generation;
     Calculation.nFloat = u;
     Calculation.nObs = n;
     Calculation.Q = std::move(fit.Q);
@@ -112,8 +188,10 @@ void ButtonCalcErsatz() {
     Job.RotYCopy = Job.RotY;
     Job.RotZCopy = Job.RotZ;
     const FitModel& model = Adjustment.Model;
+    std::copy(model.UnknownOf.begin(), model.UnknownOf.end(), Calculation.UnknownOf.begin());
     FillStatistics(model);
-    if (useABC) Job.RDist = Hypot3(Job.Rvec_x, Job.Rvec_y, Job.Rvec_z);
+    if (useABC || !Selection.RDistShown) Job.RDist = Hypot3(Job.Rvec_x, Job.Rvec_y, Job.Rvec_z);
+    if (useABC) FillToolStatistics();
 
     // In the distance and the tool model a residual is not the way to the target point.
     if (Calculation.Finite) TransformAllPoints(model.Mode == FitMode::Coincide ? &Calculation.v : nullptr);

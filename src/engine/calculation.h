@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 
 #include "core/arrays.h"
 
@@ -9,14 +10,22 @@ struct CalculationRecord {
     Matrix Q;     // nFloat by nFloat, inverse of the normal matrix
     Column v, P;  // nObs residuals (mm) and weights, those that the norm has left
     int nFloat = 0, nObs = 0;
-    bool Refused = false;    // too few observations: parameters and everything below are those of before
+    std::array<int, 18> UnknownOf{};  // number 1 to nFloat of each parameter, 0 = held
+    bool Done = false;                // a calculation has ended since the job's points were last replaced
+    std::uint64_t JobGeneration = 0;  // of the points that all this belongs to
+    // Too few observations, too many runs: parameters and everything below are those of before.
+    bool Refused = false;
     bool Converged = false;  // the iteration ended by itself, neither by its limit nor by the user
     bool Finite = true;      // all parameters are numbers; if not, nothing was transformed with them
     double s0 = 0, sx = 0, sy = 0, sz = 0, SigmaXYZ = 0;
-    // By parameter number 1 to 17; 0 for a parameter that is held.
+    // By parameter number 1 to 17; 0 for a parameter that is held. The significance is how many sigmas the
+    // parameter lies from the value that does nothing: 0, for scales 1, for angles half turns too.
     std::array<double, 18> Sigma{}, Significance{};
 };
 inline CalculationRecord Calculation;
+
+// A calculation has ended for the points that the job holds now.
+bool CalculationIsOfThisJob();
 
 // The calculation that stands behind the button, for a job without paraboloid.
 // Reads Job.ParamText and Job.NormType, the job's points and use flags, Selection and Settings. Writes the

@@ -17,3 +17,10 @@ struct SelectionRecord {
     bool RDistShown = true;  // the field of R_Dist is on show: the distance model, else the tool model
 };
 inline SelectionRecord Selection;
+
+// True where the tool vector, floating or held, and not the distance is what the choice is about. The fields
+// of the other one read "not used".
+bool ToolVectorGoverns(const std::array<std::string, 18>& ParamText);
+
+// Where no window chooses: what Job.ParamText says, without start values of the user's own.
+void SelectionFromJob();

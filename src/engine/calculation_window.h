@@ -1,0 +1,105 @@
+// What the calculation window's procedures share: its controls by parameter and by quality value, and what
+// outlives a click.
+#pragma once
+
+#include <array>
+#include <span>
+
+#include "core/arrays.h"
+#include "engine/form_trafo_berechnung.h"
+
+// Survives from one calculation to the next, and the window's closing.
+struct CalculationWindowRecord {
+    std::array<double, 18> LastSolution{};  // the parameters 1 to 17 when the button was pressed
+    std::array<double, 16> LastQuality{};   // the quality values 1 to 15 of the calculation before
+    Flag UseABCActive = kFalse;             // the R vector is governed by its box
+    int SortCol = -1;                       // of the point table; -1: as the points stand in the job
+    bool SortDescending = false;
+    // Values that the user has picked out of the point table for a graph, element 0 unused.
+    Column GraphValues{0};
+    // Factors of the units that the window's fields are shown in.
+    double LengthFactor = 1, AngleFactor = 1;
+    // Events that arrive while a run yields do not begin another one inside it.
+    bool Running = false;
+    bool Again = false;         // a change that arrived meanwhile asks for a calculation behind this one
+    std::uint64_t Started = 0;  // counts the calculations
+};
+inline CalculationWindowRecord CalculationWindow;
+
+// The controls of parameter 1 to 17. The parts of the R vector share one box, and have no fields for
+// sigma and significance.
+struct ParameterControls {
+    int Parameter;
+    Control *Check, *Text, *SeedCheck, *SeedText;
+    Control *Sigma = nullptr, *Signifikanz = nullptr;
+};
+std::span<const ParameterControls> ParameterRows();
+const ParameterControls& RowOf(int parameter);
+
+// The field and the two arrows of quality value 1 to 15, in the order of LastQuality.
+struct QualityControls {
+    Control *Field, *ArrRed, *ArrGreen;
+};
+enum Quality : int {
+    kSxyz = 1,
+    kS0,
+    kSx,
+    kSy,
+    kSz,
+    kMaxDevxyz,
+    kMaxDevX,  // Y and Z behind it, likewise below
+    kMinDevX = kMaxDevX + 3,
+    kMaxMinX = kMinDevX + 3,
+    kQualityEnd = kMaxMinX + 3
+};
+const QualityControls& QualityRow(int quality);
+
+// Hides all trend arrows.
+void ResetArrows();
+
+// Unchecks all boxes of the parameters, one after the other.
+void CheckReset();
+
+// Blanks the fields of sigma, significance and deviations.
+void AnzeigeReset();
+
+// Puts the fields of R distance and R vector, the norms and the direction in order after their boxes.
+void INI_Rdist();
+
+// Fills the window from the job: parameters as the job has them, or six parameters for a fresh one.
+void INI_Formtrafoberechnung();
+
+// Takes what the window chooses: writes Selection and Job.ParamText. Throws PlatformError for an angle in
+// degrees, minutes and seconds with a field that is no number; nothing is changed then.
+void TakeSelection();
+
+// Enables the walk through the alternatives where the frame's angles give any.
+void Logic_BtnShowAlternativ();
+
+// Fills all result fields from the last calculation, the table and the clipboard, and keeps its quality for
+// the next comparison.
+void FormThings();
+
+// Rebuilds the point table, for the kinds of row that the window's boxes name; without any it stays as it
+// is. Chooses the default seed points where the job has none. The points are read when the table is first
+// looked at: who changes them afterwards and leaves the table as it is looks at it before (LookAt).
+void TabelleFüllenNeu();
+
+// Toggles the use flag of a point, by its name in the table; axis "X", "Y" or "Z". A name that the table
+// does not show changes nothing.
+void Switch_MaxPoint(const std::string& pointName, const std::string& axis);
+
+// Hands the point under the table's cursor to the main sheet and the pictures, where the cursor stands on
+// its name and both are on.
+void SetPointGraphicsActive();
+
+// Direction of the job, as label, colours and tool tips say it. `arrow` stands between the systems' names.
+void ShowDirection(const char* arrow);
+
+// Runs the handler of BtnCalculate where every change is followed by a calculation.
+void RecalculateIfAutomatic();
+
+// Columns of the point table: their widths come from the settings when the window opens and go back there
+// when it closes. A width in the settings that is none counts as 900 twips.
+void PreparePointTable();
+void SchreibeTabellenSpalteBreite_in_ini();

@@ -1,0 +1,27 @@
+// What a calculation puts on the clipboard, by the setting of the options window.
+#pragma once
+
+#include <string>
+
+// The text of the mode that Settings.ClipboardValue names, on the clipboard; nothing in the modes that have
+// none, and nothing without a calculation of this job. Reads the job, the last calculation and Selection;
+// shows a message where the clipboard refuses.
+void ReportToClipboard();
+
+// The texts by themselves, in the present units and formats. All of them read the job, Calculation (of this
+// job) and Selection; lines end in CR LF, fields are divided by tabs.
+
+// Everything: files, parameters, quality, and a line a pair with its cylinder and sphere forms. "MCS" in
+// those forms is the transformed start point, as in the main sheet.
+std::string CompleteProtocol();
+
+// The translation and the negated rotation, each value with a tab behind it. With Settings.InvertedBMW those
+// of the inverse, behind a notice when more than a rotation and a translation was calculated; where the
+// inverse has no parameters of the model's own form, which a message then says, its translation alone.
+// Writes Inverse in that case. Looks at the fields of the calculation window, or without it at what they
+// would show.
+std::string BmwParameters();
+
+// The translation, the negated rotation in reversed order, with Settings.AdTCP the negated tool vector, and
+// a comment on what all that is.
+std::string KukaParameters();

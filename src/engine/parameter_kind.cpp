@@ -1,0 +1,24 @@
+// The kinds of parameters.
+#include "engine/parameter_kind.h"
+
+#include "core/job.h"
+#include "core/numbers.h"
+#include "core/units.h"
+
+ParameterKind KindOf(int parameter) {
+    if (parameter <= kTraZ || parameter >= kRDist) return ParameterKind::Length;
+    return parameter >= kScaleX && parameter <= kScaleXYZ ? ParameterKind::Scale : ParameterKind::Angle;
+}
+
+std::string ShownAs(ParameterKind kind, double value) {
+    if (kind == ParameterKind::Length) return ShownLength(value);
+    return kind == ParameterKind::Angle ? ShownAngle(value) : FormatNumber(value, Units.FmtScale);
+}
+
+std::string ShownLength(double value_mm) {
+    return FormatNumber(value_mm * Units.LengthFactor, Units.FmtLength);
+}
+
+std::string ShownAngle(double value_rad) {
+    return WinkelFormat(value_rad);
+}
