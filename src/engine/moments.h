@@ -61,6 +61,10 @@ void TakeResidualWeights(const PointMoments& moments, GatheredPoints& points);
 bool NormalEquations(const FitModel& model, const Linearisation& at, const PointMoments& moments, Matrix& N,
                      Column& w);
 
+// The same for models without tool of at most kMostSmall unknowns.
+bool NormalEquations(const FitModel& model, const Linearisation& at, const PointMoments& moments,
+                     SmallEquations& equations);
+
 // How far the transformed points have moved since the moments were taken, as a share of the cloud's
 // size. The sums l [1 p] carried along lose as many digits as this has before the point.
 double MovedSince(const Linearisation& at, const PointMoments& moments);
