@@ -100,22 +100,17 @@ void AddAxis(const FitModel& model, const Linearisation& at, const PointMoments&
     }
 }
 
-#if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
-#define ON_ANY_VECTORS __attribute__((target_clones("avx512f", "avx2", "default")))
-#else
-#define ON_ANY_VECTORS
-#endif
-
 // The columns of one axis with the unknowns side by side in lanes, and the observations behind them as one
-// column more.
-template <int Lanes>
+// column more. `Whole` lanes, eight or sixteen, are of meaning.
 struct LaneColumns {
     int Count = 0;  // of unknowns that have a column
     std::array<int, AxisForms::kMost> Place;
-    alignas(kLaneAlignment) double Of[4][Lanes] = {};
-    alignas(kLaneAlignment) double Observed[4][Lanes] = {};  // where the moments were taken
+    double Root[4];  // of the diagonal of B
+    alignas(kLaneAlignment) double Of[4][kMostSmall + 1];
 
-    void Take(const FitModel& model, const Linearisation& at, const PointMoments& moments, int axis) {
+    void Take(const FitModel& model, const Linearisation& at, const PointMoments& moments, int axis,
+              int whole) {
+        for (std::size_t c = 0; c < 4; ++c) std::fill_n(Of[c], whole, 0.0);
         for (int k = 0; k < at.InnerCount; ++k) {
             const InnerDerivative& inner = at.Inner[At(k)];
             const int place = Place[At(Count++)] = inner.Unknown - 1;
@@ -129,67 +124,59 @@ struct LaneColumns {
         const Form change = Change(at, moments, axis);
         for (std::size_t c = 0; c < 4; ++c) {
             Of[c][model.Unknowns] = -change[c];
-            Observed[c][model.Unknowns] = moments.m[At(axis)][c];
+            Root[c] = std::sqrt(moments.B[At(axis)][c][c]);
         }
     }
 };
 
-// All three axes. `most` gets no less than the diagonal would be without the signs of its terms.
-template <int Lanes>
-inline __attribute__((always_inline)) void Equate(const PointMoments& moments,
-                                                  const LaneColumns<Lanes>* columns, int u,
-                                                  SmallEquations& equations, double* __restrict most) {
-    double bound[Lanes] = {};
-    for (int i = 0; i < u; ++i)
-        for (int j = 0; j < Lanes; ++j) equations.N[At(i)][At(j)] = 0;
-    for (int axis = 1; axis <= 3; ++axis) {
-        const LaneColumns<Lanes>& of = columns[axis - 1];
-        const Square& B = moments.B[At(axis)];
-        const double* const c0 = of.Of[0];
-        const double* const c1 = of.Of[1];
-        const double* const c2 = of.Of[2];
-        const double* const c3 = of.Of[3];
-        double E[4][Lanes];
-// Unrolled, the places and not the unknowns would be taken side by side.
-#pragma GCC unroll 1
-        for (std::size_t c = 0; c < 4; ++c)
-            for (int j = 0; j < Lanes; ++j)
-                E[c][j] = of.Observed[c][j] +
-                          ((B[0][c] * c0[j] + B[1][c] * c1[j]) + (B[2][c] * c2[j] + B[3][c] * c3[j]));
-        const double root[4] = {std::sqrt(B[0][0]), std::sqrt(B[1][1]), std::sqrt(B[2][2]),
-                                std::sqrt(B[3][3])};
-        for (int j = 0; j < Lanes; ++j) {
-            const double size = (root[0] * std::fabs(c0[j]) + root[1] * std::fabs(c1[j])) +
-                                (root[2] * std::fabs(c2[j]) + root[3] * std::fabs(c3[j]));
-            bound[j] += size * size;
-        }
-        for (int k = 0; k < of.Count; ++k) {
-            const int place = of.Place[At(k)];
-            double* const row = equations.N[At(place)].data();
-            const double f0 = c0[place], f1 = c1[place], f2 = c2[place], f3 = c3[place];
-            for (int j = 0; j < Lanes; ++j)
-                row[j] += (f0 * E[0][j] + f1 * E[1][j]) + (f2 * E[2][j] + f3 * E[3][j]);
-        }
+// What a pass adds up: the equations, and for each unknown no less than the diagonal would be without the
+// signs of its terms.
+struct LaneSums {
+    SmallEquations& Equations;
+    alignas(kLaneAlignment) double Most[kMostSmall + 1];
+};
+
+#if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
+
+namespace lanes512 {
+#define LANES_TARGET __attribute__((target("avx512f")))
+#define LANES_WIDTH 8
+#include "engine/moment_equations.inl"
+#undef LANES_TARGET
+#undef LANES_WIDTH
+}  // namespace lanes512
+
+namespace lanes256 {
+#define LANES_TARGET __attribute__((target("avx2")))
+#define LANES_WIDTH 4
+#include "engine/moment_equations.inl"
+#undef LANES_TARGET
+#undef LANES_WIDTH
+}  // namespace lanes256
+
+#endif
+
+namespace lanes128 {
+#define LANES_TARGET
+#define LANES_WIDTH 2
+#include "engine/moment_equations.inl"
+#undef LANES_TARGET
+#undef LANES_WIDTH
+}  // namespace lanes128
+
+using Equation = void (*)(const PointMoments&, const LaneColumns*, int, int, LaneSums&);
+
+Equation EquationOf(VectorWidth width) {
+    switch (width) {
+#if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
+        case VectorWidth::Eight:
+            return lanes512::Equate;
+        case VectorWidth::Four:
+            return lanes256::Equate;
+#endif
+        default:
+            return lanes128::Equate;
     }
-    for (int j = 0; j < Lanes; ++j) most[j] = bound[j];
-}
-ON_ANY_VECTORS void Equate8(const PointMoments& moments, const LaneColumns<8>* columns, int u,
-                            SmallEquations& equations, double* most) {
-    Equate(moments, columns, u, equations, most);
-}
-ON_ANY_VECTORS void Equate16(const PointMoments& moments, const LaneColumns<16>* columns, int u,
-                             SmallEquations& equations, double* most) {
-    Equate(moments, columns, u, equations, most);
-}
-
-#undef ON_ANY_VECTORS
-
-template <int Lanes, class Equation>
-void EquateInLanes(const FitModel& model, const Linearisation& at, const PointMoments& moments,
-                   Equation equate, SmallEquations& equations, double* most) {
-    LaneColumns<Lanes> columns[3];
-    for (int axis = 1; axis <= 3; ++axis) columns[axis - 1].Take(model, at, moments, axis);
-    equate(moments, columns, model.Unknowns, equations, most);
 }
 
 // What is left of the digits, term by term.
@@ -210,20 +197,25 @@ bool DigitsAreLeft(const FitModel& model, const Linearisation& at, const PointMo
 }  // namespace
 
 bool NormalEquations(const FitModel& model, const Linearisation& at, const PointMoments& moments,
-                     SmallEquations& equations) {
+                     VectorWidth width, SmallEquations& equations) {
     const int u = model.Unknowns;
-    Require(u <= kMostSmall && moments.Places == 4);
-    alignas(kLaneAlignment) double most[kMostSmall + 1];
-    if (u < kLanes) {
-        EquateInLanes<8>(model, at, moments, Equate8, equations, most);
-    } else {
-        EquateInLanes<16>(model, at, moments, Equate16, equations, most);
-    }
+    Require(u <= kMostSmall && moments.Places == 4 && width <= WidestVectors());
+    const int whole = WholeLanes(u + 1);
+    LaneColumns columns[3];
+    for (int axis = 1; axis <= 3; ++axis) columns[axis - 1].Take(model, at, moments, axis, whole);
+    LaneSums sums{equations};
+    EquationOf(width)(moments, columns, u, whole, sums);
     // The sums without signs are worth their time only where this bound of them is not enough.
     for (std::size_t i = 0; i < At(u); ++i)
-        if (!(equations.N[i][i] >= kLeastShare * most[i]))
+        if (!(equations.N[i][i] >= kLeastShare * sums.Most[i]))
             return DigitsAreLeft(model, at, moments, equations);
     return true;
+}
+
+bool NormalEquations(const FitModel& model, const Linearisation& at, const PointMoments& moments,
+                     SmallEquations& equations) {
+    static const VectorWidth widest = WidestVectors();
+    return NormalEquations(model, at, moments, widest, equations);
 }
 
 bool NormalEquations(const FitModel& model, const Linearisation& at, const PointMoments& moments, Matrix& N,

@@ -61,7 +61,10 @@ void TakeResidualWeights(const PointMoments& moments, GatheredPoints& points);
 bool NormalEquations(const FitModel& model, const Linearisation& at, const PointMoments& moments, Matrix& N,
                      Column& w);
 
-// The same for models without tool of at most kMostSmall unknowns.
+// The same for models without tool of at most kMostSmall unknowns. The equations are the same bit for bit
+// on every instruction set; which one is used can be told, up to the widest that the machine has.
+bool NormalEquations(const FitModel& model, const Linearisation& at, const PointMoments& moments,
+                     VectorWidth width, SmallEquations& equations);
 bool NormalEquations(const FitModel& model, const Linearisation& at, const PointMoments& moments,
                      SmallEquations& equations);
 
