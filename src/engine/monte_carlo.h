@@ -53,7 +53,7 @@ void MonteCarloFinalisieren(GatheredPoints& points);  // the points without nois
 // All runs on points that are gathered; they stand without noise again behind it. A stop, a run that does
 // not converge and one that is no number end the runs: MonteCarloDone is then false. False when the job's
 // points were replaced while events were served, or when there are too many runs: the calculation ends then.
-//   fit  Q and v are left as the last run has made them
+//   fit  Q and v are left as the last run has made them that showed its texts
 // Reads Settings.SigmaX, SigmaY, SigmaZ (mm); writes MonteCarlo, Noise, the job's parameters; clears
 // Run.StopRequested.
 bool RunMonteCarlo(NormFit& fit);

@@ -1,6 +1,8 @@
 // The transformation X = T + R K S x and the derivatives of its matrices.
 #include "engine/transform.h"
 
+#include <algorithm>
+
 #include "core/job.h"
 #include "engine/matrix.h"
 
@@ -24,16 +26,31 @@ void ForgetProduct() {
     Chain.BuiltFrom.fill(std::numeric_limits<double>::quiet_NaN());
 }
 
+void TurnChain() {
+    Chain.Rotations = {Circle(Job.RotXCopy), Circle(Job.RotYCopy), Circle(Job.RotZCopy)};
+    const auto& [a, b, c] = Chain.Rotations;
+    RotMatrixXYZ(a, b, c, Chain.RotationMatrix);
+}
+
+void ShearChain() {
+    BuildShearMatrix(Job.AngleXY, Job.Azimuth, Job.AngleZtoXY, Chain.ShearMatrix);
+}
+
+void ScaleChain() {
+    SetRow(Chain.ScaleMatrix, 1, Job.ScaleX, 0, 0);
+    SetRow(Chain.ScaleMatrix, 2, 0, Job.ScaleY, 0);
+    SetRow(Chain.ScaleMatrix, 3, 0, 0, Job.ScaleZ);
+}
+
 }  // namespace
 
 Mat3 WithScales(const Mat3& M) {
     Mat3 result;
-    const double scales[] = {Job.ScaleX, Job.ScaleY, Job.ScaleZ};
-    for (int row = 1; row <= 3; ++row)
-        for (int column = 1; column <= 3; ++column) {
-            const double element = M(row, column);
-            result(row, column) = element != 0 ? element * scales[column - 1] : 0;
-        }
+    const std::array<double, 4> scales = {0, Job.ScaleX, Job.ScaleY, Job.ScaleZ};
+    for (std::size_t k = 0; k < result.Elements.size(); ++k) {
+        const double product = M.Elements[k] * scales[k % 4];
+        result.Elements[k] = M.Elements[k] != 0 ? product : 0;
+    }
     return result;
 }
 
@@ -48,13 +65,6 @@ void RotMatrixXYZ(const Circle& a, const Circle& b, const Circle& c, Mat3& R) {
     SetRow(R, 3, b.Sin, -a.Sin * b.Cos, a.Cos * b.Cos);
 }
 
-void BuildRotationMatrix() {
-    Chain.Rotations = {Circle(Job.RotXCopy), Circle(Job.RotYCopy), Circle(Job.RotZCopy)};
-    const auto& [a, b, c] = Chain.Rotations;
-    RotMatrixXYZ(a, b, c, Chain.RotationMatrix);
-    ForgetProduct();
-}
-
 void BuildShearMatrix(double angleXY, double azimuth, double angleZtoXY, Mat3& K) {
     const Circle xy(angleXY), az(azimuth), zt(angleZtoXY);
     SetRow(K, 1, 1, xy.Sin, az.Cos * zt.Sin);
@@ -62,15 +72,18 @@ void BuildShearMatrix(double angleXY, double azimuth, double angleZtoXY, Mat3& K
     SetRow(K, 3, 0, 0, zt.Cos);
 }
 
+void BuildRotationMatrix() {
+    TurnChain();
+    ForgetProduct();
+}
+
 void BuildShearMatrix() {
-    BuildShearMatrix(Job.AngleXY, Job.Azimuth, Job.AngleZtoXY, Chain.ShearMatrix);
+    ShearChain();
     ForgetProduct();
 }
 
 void BuildScaleMatrix() {
-    SetRow(Chain.ScaleMatrix, 1, Job.ScaleX, 0, 0);
-    SetRow(Chain.ScaleMatrix, 2, 0, Job.ScaleY, 0);
-    SetRow(Chain.ScaleMatrix, 3, 0, 0, Job.ScaleZ);
+    ScaleChain();
     ForgetProduct();
 }
 
@@ -78,14 +91,21 @@ void BuildChain() {
     const std::array<double, 9> parameters = {Job.RotXCopy, Job.RotYCopy, Job.RotZCopy,
                                               Job.ScaleX,   Job.ScaleY,   Job.ScaleZ,
                                               Job.AngleXY,  Job.Azimuth,  Job.AngleZtoXY};
-    if (parameters == Chain.BuiltFrom) return;
-    BuildRotationMatrix();
-    BuildShearMatrix();
-    BuildScaleMatrix();
-    Chain.RightAngled = IsUnit(Chain.ShearMatrix);
-    Chain.RK =
-        Chain.RightAngled ? Chain.RotationMatrix : MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix);
-    Chain.KS = WithScales(Chain.ShearMatrix);
+    const auto changed = [&parameters](std::size_t from) {
+        return !std::equal(&parameters[from], &parameters[from] + 3, &Chain.BuiltFrom[from]);
+    };
+    const bool turned = changed(0), scaled = changed(3), sheared = changed(6);
+    if (!turned && !scaled && !sheared) return;
+    if (turned) TurnChain();
+    if (scaled) ScaleChain();
+    if (sheared) {
+        ShearChain();
+        Chain.RightAngled = IsUnit(Chain.ShearMatrix);
+    }
+    if (turned || sheared)
+        Chain.RK =
+            Chain.RightAngled ? Chain.RotationMatrix : MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix);
+    if (scaled || sheared) Chain.KS = WithScales(Chain.ShearMatrix);
     Chain.Product = WithScales(Chain.RK);
     Chain.BuiltFrom = parameters;
 }

@@ -1,6 +1,7 @@
 // Monte Carlo: the steps of its runs, their ends, and what they keep.
 #include "engine/monte_carlo.h"
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 
@@ -97,8 +98,13 @@ TEST_F(Runs, AreTheSameWhetherTheyShowTheirTextsOrNot) {
     Settings.MonteCarloRuns = 10000;
     SeedNoise(kUsualSeed);
     Calculate(kL2);
+    // Those without texts sum their equations in lanes and solve them without the inverse, which rounds
+    // otherwise: what is left of it are the last digits of a coordinate as an angle sees it.
     for (int k = 1; k <= kSigmaXYZ; ++k)
-        for (int i = 1; i <= 100; ++i) ASSERT_EQ(MonteCarlo.MCResults(k, i), shown(k, i)) << k << " " << i;
+        for (int i = 1; i <= 100; ++i)
+            ASSERT_NEAR(MonteCarlo.MCResults(k, i), shown(k, i),
+                        1e-12 * std::max(1.0, std::fabs(shown(k, i))))
+                << k << " " << i;
 }
 
 TEST_F(Runs, WithoutTextsEachPassStillEmptiesTheClipboard) {
