@@ -131,6 +131,8 @@ bool MonteCarloCanBeHeld() {
 void MonteCarloInitialisieren() {
     Require(RunsOfMonteCarlo() <= kMostMonteCarloRuns);
     ++MonteCarlo.Started;
+    MonteCarlo.MonteCarloDone = kFalse;
+    MonteCarlo.Shown.reset();  // of runs that these overtake; closing it later would close the new window
     const auto size = At(Job.nIdent) + 1;
     for (Column* const saved : {&MonteCarlo.MCSaveX, &MonteCarlo.MCSaveY, &MonteCarlo.MCSaveZ})
         saved->assign(size, 0);

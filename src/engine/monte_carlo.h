@@ -24,8 +24,8 @@ inline constexpr int kSigmaXYZ = kParameterEnd;
 inline constexpr int kMonteCarloArrays = kSigmaXYZ;
 
 struct MonteCarloRecord {
-    Flag MonteCarloOn = kFalse;    // the next calculation by least squares begins with the runs
-    Flag MonteCarloDone = kFalse;  // MCResults is complete; stays so until later runs do not reach their end
+    Flag MonteCarloOn = kFalse;        // the next calculation by least squares begins with the runs
+    Flag MonteCarloDone = kFalse;      // MCResults is complete; stays so until the next runs begin
     Column MCSaveX, MCSaveY, MCSaveZ;  // 1 to Job.nIdent: the start points without noise, mm
     // Row k holds array k, entries 1 to the number of runs; mm and rad. Those of a held parameter are 0.
     Matrix MCResults;

@@ -392,6 +392,17 @@ TEST_F(ExactNorms, AnUnknownThatMovesNothingAtAllLeavesTheBoundAsItIs) {
     }
 }
 
+TEST_F(ExactNorms, WhereNothingFloatsTheResultIsTheOptimum) {
+    Heights({0, 1, 2.5, 4, 30});
+    Job.ParamText[kTraZ] = "3";
+    for (const int norm : {kL1, kLoo}) {
+        Calculate(norm);
+        EXPECT_EQ(Norm.AboveOptimum, 0) << norm;
+        EXPECT_EQ(Largest(), 27) << norm;
+        EXPECT_TRUE(Calculation.Converged) << norm;
+    }
+}
+
 TEST_F(ExactNorms, WithoutBeingAskedForNothingIsRunOn) {
     Norm.RunOn = false;
     Heights({0, 1, 2.5, 4, 30});
