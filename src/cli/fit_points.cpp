@@ -4,6 +4,7 @@
 
 #include "cli/fit_output.h"
 #include "core/job.h"
+#include "core/refresh.h"
 #include "engine/calculation.h"
 #include "engine/matrix.h"
 #include "engine/transform.h"
@@ -33,6 +34,14 @@ std::vector<FitPoint> FitPoints() {
         points.push_back(std::move(point));
     }
     return points;
+}
+
+std::string StartSystem() {
+    return DirectionSwitched() ? Job.NameOCS : Job.NameMCS;
+}
+
+std::string TargetSystem() {
+    return DirectionSwitched() ? Job.NameMCS : Job.NameOCS;
 }
 
 FitNorms NormsOfDeviations(const std::vector<FitPoint>& points) {
