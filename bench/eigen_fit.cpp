@@ -67,8 +67,9 @@ Model Linearise(const std::array<double, 12>& p, int parameters) {
     return model;
 }
 
-template <int U>
-void Fit(const FitData& data, const std::array<double, 12>& begin, EigenFitResult& result) {
+template <int U, bool Weighted>
+void Fit(const FitData& data, const std::array<double, 12>& begin, EigenFitResult& result,
+         const std::vector<std::array<double, 3>>* weights) {
     std::array<double, 12> p = begin;
     result.Residuals.resize(data.Start.size());
     Model model;
@@ -84,8 +85,15 @@ void Fit(const FitData& data, const std::array<double, 12>& begin, EigenFitResul
             const Vector3d t = Eigen::Map<const Vector3d>(data.Target[i].data());
             for (int k = 0; k < U - 3; ++k) J.col(3 + k) = model.D[static_cast<std::size_t>(k)] * s;
             const Vector3d l = t - (T + model.M * s);
-            N.noalias() += J.transpose() * J;
-            w.noalias() += J.transpose() * l;
+            if constexpr (Weighted) {
+                const Vector3d weight = Eigen::Map<const Vector3d>((*weights)[i].data());
+                const Eigen::Matrix<double, 3, U> WJ = weight.asDiagonal() * J;
+                N.noalias() += J.transpose() * WJ;
+                w.noalias() += WJ.transpose() * l;
+            } else {
+                N.noalias() += J.transpose() * J;
+                w.noalias() += J.transpose() * l;
+            }
         }
         const Eigen::Matrix<double, U, 1> x = N.ldlt().solve(w);
         for (int k = 0; k < 6; ++k) p[static_cast<std::size_t>(k)] += x(k);
@@ -109,6 +117,32 @@ void Fit(const FitData& data, const std::array<double, 12>& begin, EigenFitResul
 }  // namespace
 
 void EigenFit(const FitData& data, int parameters, const std::array<double, 12>& begin,
-              EigenFitResult& result) {
-    parameters == 7 ? Fit<7>(data, begin, result) : Fit<12>(data, begin, result);
+              EigenFitResult& result, const std::vector<std::array<double, 3>>* weights) {
+    if (weights == nullptr) {
+        parameters == 7 ? Fit<7, false>(data, begin, result, weights)
+                        : Fit<12, false>(data, begin, result, weights);
+    } else {
+        parameters == 7 ? Fit<7, true>(data, begin, result, weights)
+                        : Fit<12, true>(data, begin, result, weights);
+    }
+}
+
+int EigenL1(const FitData& data, int parameters, const std::array<double, 12>& begin,
+            EigenFitResult& result) {
+    std::vector<std::array<double, 3>> weights(data.Start.size(), {1, 1, 1});
+    double sum = 1e12, before = 0;
+    int fits = 0;
+    do {
+        EigenFit(data, parameters, begin, result, &weights);
+        ++fits;
+        before = sum;
+        sum = 0;
+        for (std::size_t i = 0; i < weights.size(); ++i)
+            for (std::size_t axis = 0; axis < 3; ++axis) {
+                const double size = std::fabs(result.Residuals[i][axis]);
+                weights[i][axis] = 1 / (1e-12 + size);
+                sum += size;
+            }
+    } while (std::fabs(sum - before) >= 1e-3 && fits < 500);
+    return fits;
 }

@@ -17,7 +17,10 @@
 #include "engine/calculation_window.h"
 #include "engine/engine_records.h"
 #include "engine/form_trafo_berechnung.h"
+#include "engine/form_trafo_details.h"
 #include "engine/inverse.h"
+#include "engine/monte_carlo.h"
+#include "engine/noise.h"
 #include "engine/norms.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
@@ -26,8 +29,9 @@
 namespace {
 
 const WindowEntry* const kWindows[] = {
-    &FormMain_Entry,       &FormUnits_Entry,          &FormMenuHelpInfo_Entry, &FormProgressBar_Entry,
-    &FormInputFiles_Entry, &FormInputStatistic_Entry, &FormOptions_Entry,      &FormTrafoBerechnung_Entry,
+    &FormMain_Entry,        &FormUnits_Entry,           &FormMenuHelpInfo_Entry,
+    &FormProgressBar_Entry, &FormInputFiles_Entry,      &FormInputStatistic_Entry,
+    &FormOptions_Entry,     &FormTrafoBerechnung_Entry, &FormTrafoDetails_Entry,
 };
 
 const std::span<const RecordEntry> kRecordTables[] = {
@@ -47,6 +51,8 @@ void (*const kRecords[])() = {
     [] { Calculation = CalculationRecord{}; },
     [] { CalculationWindow = CalculationWindowRecord{}; },
     [] { Norm = NormRecord{}; },
+    [] { MonteCarlo = MonteCarloRecord{}; },
+    [] { Noise = NoiseRecord{}; },
     [] { Inverse = InverseRecord{}; },
     [] { Spezial = SpezialRecord{}; },
 };

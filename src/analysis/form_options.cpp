@@ -81,6 +81,7 @@ void FormOptions::Form_Load() {
     SetText(w.TextMonteCarloRuns,
             PlainText(Settings.MonteCarloRuns == 0 ? kUsualRuns : Settings.MonteCarloRuns));
     SetText(w.TextGimbalLock, FormatNumber(Settings.GimbalLockBorder * Units.AngleFactor, Units.FmtAngle));
+    w.BorderShown = w.TextGimbalLock.Text;
 }
 
 void FormOptions::Form_Escape() {
@@ -114,7 +115,10 @@ void FormOptions::EinstellungenÜbernehmen() {
     const double sigmaZ = NumberOf(w.TextSz, w.LabelSz);
     const std::int32_t runs =
         ToInt32(NumberOf(w.TextMonteCarloRuns, w.LabelMonteCarloRuns), w.LabelMonteCarloRuns.Text);
-    const double border_rad = NumberOf(w.TextGimbalLock, w.LabelGimbalLock) / Units.AngleFactor;
+    // The format has few digits, down to none: a border that nobody has touched keeps all of its own.
+    const double border_rad = w.TextGimbalLock.Text == w.BorderShown
+                                  ? Settings.GimbalLockBorder
+                                  : NumberOf(w.TextGimbalLock, w.LabelGimbalLock) / Units.AngleFactor;
 
     for (std::size_t i = 0; i < std::size(kClipboardOptions); ++i)
         if (kClipboardOptions[i]->Value == 1) Settings.ClipboardValue = static_cast<std::int16_t>(i + 1);

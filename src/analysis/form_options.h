@@ -31,6 +31,8 @@ struct FormOptions {
     Control LabelGimbalLock = Label("Gimbal Lock Border");
     Control TextGimbalLock = TextBox();
 
+    std::string BorderShown;  // what TextGimbalLock showed at first
+
     Control BtnOK = Button("OK");
     Control BtnCancel = Button("Cancel");
 

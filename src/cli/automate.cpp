@@ -180,15 +180,25 @@ GridState& ReachableCells(Control& control) {
     return control.Grid;
 }
 
+struct Cell {
+    int Row, Col;
+};
+
+// A cell that the user could click on.
+Cell CellToClick(const json& request, const GridState& grid) {
+    const Cell cell = {CellMember(request, "row", grid.Rows), CellMember(request, "col", grid.Cols)};
+    if (IsHiddenCol(grid, cell.Col)) Refuse("column " + std::to_string(cell.Col) + " is hidden");
+    return cell;
+}
+
 json ClickGrid(const json& request, Control& control) {
-    const GridState& grid = ReachableCells(control);
-    const int row = CellMember(request, "row", grid.Rows), col = CellMember(request, "col", grid.Cols);
+    const Cell cell = CellToClick(request, ReachableCells(control));
     const bool extend = FlagMember(request, "shift");
     const auto button = request.find("button");
     if (button == request.end() || *button == "left") {
-        UserClickCell(control, row, col, extend);
+        UserClickCell(control, cell.Row, cell.Col, extend);
     } else if (*button == "right") {
-        UserRightClickCell(control, row, col);
+        UserRightClickCell(control, cell.Row, cell.Col);
     } else {
         Refuse("\"button\" is left or right");
     }
@@ -214,9 +224,8 @@ json DoDblClick(const json& request) {
         UserDblClick(control);
         return json::object();
     }
-    const GridState& grid = ReachableCells(control);
-    const int row = CellMember(request, "row", grid.Rows), col = CellMember(request, "col", grid.Cols);
-    UserDblClickCell(control, row, col);
+    const Cell cell = CellToClick(request, ReachableCells(control));
+    UserDblClickCell(control, cell.Row, cell.Col);
     return json::object();
 }
 
@@ -233,6 +242,9 @@ json DoKey(const json& request) {
     const Target target = FindLoadedWindow(request);
     if (!target.Window->State->Enabled) Refuse(std::string(target.Window->Name) + " is disabled");
     const std::string key = TextMember(request, "key");
+    const std::string event = request.contains("event") ? TextMember(request, "event") : "press";
+    if (event != "press" && event != "down" && event != "up") Refuse("\"event\" is press, down or up");
+    if (event == "up") return json::object();  // windows and grids act on the key going down
     if (target.Control != nullptr && target.Control->Place->Kind == ControlKind::Grid) {
         UserKey(FindReachable(request), key);
         return json::object();

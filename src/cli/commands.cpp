@@ -12,6 +12,8 @@
 #include "core/platform.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "engine/monte_carlo.h"
+#include "engine/noise.h"
 
 namespace {
 
@@ -119,9 +121,10 @@ void AddModelOptions(CLI::App& fit, FitOptions& o) {
     fit.add_option("--norm", o.Norm,
                    "What is made least: the sum of squares (l2), the sum of absolute\n"
                    "deviations (l1, robust against outliers), or nearly the largest\n"
-                   "deviation (loo); default: l2")
-        ->check(OneOf({"l1", "l2", "loo"}))
-        ->type_name("l1|l2|loo")
+                   "deviation (loo); default: l2. l1-exact and minimax run on to the\n"
+                   "true optimum of l1 and loo and tell how near they came")
+        ->check(OneOf({"l1", "l2", "loo", "l1-exact", "minimax"}))
+        ->type_name("l1|l2|loo|l1-exact|minimax")
         ->group(group);
     fit.add_option("--hold", o.Hold,
                    "Hold parameters at values, in the units in use:\n"
@@ -166,7 +169,54 @@ void AddOutputOptions(CLI::App& fit, FitSwitches& s) {
     fit.add_flag("--csv", s.Csv, "The points as CSV, in the units in use")
         ->group(group)
         ->excludes(json)
-        ->excludes(inverse);
+        ->excludes(inverse)
+        ->excludes(fit.get_option("--monte-carlo"));
+}
+
+// One number for all axes, or three behind commas; "" when the text is neither.
+std::string TakeNoise(const std::string& text, std::array<double, 3>& noise_mm) {
+    std::vector<double> values;
+    std::string_view rest = text;
+    for (bool more = true; more;) {
+        const std::size_t comma = rest.find(',');
+        double value = 0;
+        if (!TextToNumber(std::string(rest.substr(0, comma)), '.', value) || !(value >= 0 && value <= 1e6))
+            return "\"" + Printable(text) + "\" is no list of lengths from 0 to 1e6 mm";
+        values.push_back(value);
+        more = comma != std::string_view::npos;
+        if (more) rest.remove_prefix(comma + 1);
+    }
+    if (values.size() != 1 && values.size() != 3)
+        return "\"" + Printable(text) + "\" is neither one length nor three with commas between";
+    for (std::size_t axis = 0; axis < 3; ++axis) noise_mm[axis] = values[values.size() == 1 ? 0 : axis];
+    return "";
+}
+
+void AddMonteCarloOptions(CLI::App& fit, FitOptions& o) {
+    const char* const group = "Monte Carlo";
+    auto* runs = fit.add_option("--monte-carlo", o.MonteCarloRuns,
+                                "Repeat the fit N times with noise on the start points, and tell\n"
+                                "the spread of each parameter")
+                     ->check(Between(2, kMostMonteCarloRuns))
+                     ->type_name("N")
+                     ->group(group);
+    auto* sigma = fit.add_option_function<std::string>(
+                         "--sigma", [&o](const std::string& text) { TakeNoise(text, o.Noise_mm); },
+                         "Standard deviation of the noise in x, y and z, in mm whatever the\n"
+                         "unit; one number for all three")
+                      ->check([](const std::string& text) {
+                          std::array<double, 3> noise_mm{};
+                          return TakeNoise(text, noise_mm);
+                      })
+                      ->type_name("SX,SY,SZ")
+                      ->group(group)
+                      ->needs(runs);
+    runs->needs(sigma);
+    o.Seed = kUsualSeed;
+    fit.add_option("--seed", o.Seed, "Begin the random numbers elsewhere; equal seeds give equal results")
+        ->type_name("K")
+        ->group(group)
+        ->needs(runs);
 }
 
 // Where the iteration begins, and which way it goes. Names hold blanks and commas, so a value is never
@@ -218,13 +268,15 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
     AddPointOptions(*fit, s);
     AddModelOptions(*fit, s.Options);
     AddBeginOptions(*fit, s.Options);
+    AddMonteCarloOptions(*fit, s.Options);
     AddOutputOptions(*fit, s);
     AddFormOptions(*fit, s.Options);
     fit->footer(
         "Examples:\n"
         "  corvinade-cli fit measured.txt nominal.txt --leave-out F09\n"
         "  corvinade-cli fit measured.txt nominal.txt --match distance --tolerance 0.3\n"
-        "  corvinade-cli fit measured.txt nominal.txt --parameters 7 --json\n\n"
+        "  corvinade-cli fit measured.txt nominal.txt --parameters 7 --json\n"
+        "  corvinade-cli fit measured.txt nominal.txt --monte-carlo 10000 --sigma 0.05\n\n"
         "Exit status: 0 done, 1 refused, 2 wrong usage, 3 an input cannot be read,\n"
         "4 calculated but not converged.");
     return fit;
@@ -268,9 +320,14 @@ int Fit(FitSwitches& s, std::ostream& out, std::ostream& err, bool terminal, boo
     s.Options.Decimal = DecimalOf(s.Decimal);
     if (s.Yes || s.No) s.Options.Questions = s.Yes;
     s.Options.Output = s.Json ? FitOutput::Json : s.Csv ? FitOutput::Csv : FitOutput::Table;
+    if (s.Options.MonteCarloRuns > 0 && s.Options.Norm != "l2") {
+        err << "--monte-carlo goes with --norm l2 alone\n";
+        return kWrongUsage;
+    }
     s.Options.Inverse |= s.Options.Details;
-    if (s.Options.Protocol && s.Options.Inverse && !s.Json) {
-        err << "--protocol stands instead of the table, so --details and --inverse go with it in --json alone\n";
+    if (s.Options.Protocol && !s.Json && (s.Options.Inverse || s.Options.MonteCarloRuns > 0)) {
+        err << "--protocol stands instead of the table, so --details, --inverse and --monte-carlo go with it in "
+               "--json alone\n";
         return kWrongUsage;
     }
     const auto noColour = EnvironmentVariable("NO_COLOR");

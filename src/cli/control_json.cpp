@@ -27,9 +27,7 @@ void AddGrid(GridState& grid, json& state) {
         colours.push_back(std::move(backs));
     }
     for (int col = 0; col < grid.Cols; ++col)
-        if (static_cast<std::size_t>(col) < grid.HiddenCols.size() &&
-            grid.HiddenCols[static_cast<std::size_t>(col)])
-            hidden.push_back(col);
+        if (IsHiddenCol(grid, col)) hidden.push_back(col);
     const GridRect selected = Selected(grid);
     state["rows"] = grid.Rows;
     state["cols"] = grid.Cols;

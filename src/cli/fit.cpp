@@ -24,6 +24,8 @@
 #include "engine/clipboard_report.h"
 #include "engine/design.h"
 #include "engine/inverse.h"
+#include "engine/monte_carlo.h"
+#include "engine/noise.h"
 #include "import/form_input_files.h"
 
 namespace {
@@ -93,6 +95,13 @@ void SetUp(const FitOptions& options) {
     ShowWindow("FormMain");
     Initialisieren();
     Run.Delimiter = options.Delimiter;
+    if (options.MonteCarloRuns == 0) return;
+    MonteCarlo.MonteCarloOn = kTrue;
+    Settings.MonteCarloRuns = options.MonteCarloRuns;
+    Settings.SigmaX = options.Noise_mm[0];
+    Settings.SigmaY = options.Noise_mm[1];
+    Settings.SigmaZ = options.Noise_mm[2];
+    SeedNoise(options.Seed);
 }
 
 bool Import(const FitOptions& options) {
@@ -156,6 +165,8 @@ int Calculate(const FitOptions& options, std::ostream& err) {
     if (!Calculation.Finite)
         return Refuse(err, kRefused,
                       "the result is not finite: the points do not determine these parameters");
+    if (options.MonteCarloRuns > 0 && !HasMonteCarlo(options))
+        return Refuse(err, kNotConverged, "the Monte Carlo runs ended early: one of them did not converge");
     return Calculation.Converged ? kDone : kNotConverged;
 }
 

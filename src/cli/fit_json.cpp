@@ -1,6 +1,7 @@
 // The result of a fit as JSON: everything, with full precision. Lengths are mm and angles rad, as the
 // program holds them; what the user's units make of them stands beside it.
 #include <array>
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
@@ -16,6 +17,7 @@
 #include "engine/calculation.h"
 #include "engine/clipboard_report.h"
 #include "engine/inverse.h"
+#include "engine/monte_carlo.h"
 #include "engine/norms.h"
 #include "engine/quaternion.h"
 #include "engine/transform.h"
@@ -106,6 +108,29 @@ ordered_json InverseOfTheFit() {
     return {{"matrix", homogeneous}, {"translation_mm", t}, {"solutions", solutions}};
 }
 
+ordered_json MonteCarloOfTheFit(const FitOptions& options) {
+    ordered_json parameters = ordered_json::array();
+    for (int k = 1; k <= kAngleZtoXY; ++k) {
+        const auto index = static_cast<std::size_t>(k);
+        if (Job.ParamText[index] != kFloat) continue;
+        const std::span<const double> values = MonteCarloArray(k);
+        const bool angle = (k >= kRotX && k <= kRotZ) || k >= kAngleXY;
+        parameters.push_back({{"name", HeldParameterName(k)},
+                              {"unit", angle        ? "rad"
+                                       : k <= kTraZ ? "mm"
+                                                    : ""},
+                              {"mean", MeanOfArray(values)},
+                              {"spread", SigmaOfArray(values)},
+                              {"sigma", Calculation.Sigma[index]}});
+    }
+    const std::span<const double> sigmas = MonteCarloArray(kSigmaXYZ);
+    return {{"runs", options.MonteCarloRuns},
+            {"seed", options.Seed},
+            {"noise_mm", options.Noise_mm},
+            {"parameters", parameters},
+            {"sigmaXYZ", {{"mean_mm", MeanOfArray(sigmas)}, {"spread_mm", SigmaOfArray(sigmas)}}}};
+}
+
 ordered_json Points(const std::vector<FitPoint>& points) {
     ordered_json list = ordered_json::array();
     for (const FitPoint& point : points)
@@ -126,6 +151,17 @@ ordered_json Others(const std::vector<std::string>& names, const X& x, const X& 
     for (std::size_t i = static_cast<std::size_t>(Job.nIdent) + 1; i < names.size(); ++i)
         list.push_back({{"name", names[i]}, {"mm", {x[i].value_or(0), y[i].value_or(0), z[i]}}});
     return list;
+}
+
+// What ran on behind the weightings, and how near it came.
+ordered_json Optimum() {
+    ordered_json optimum = {{"linearisations", Norm.Linearisations}, {"exchanges", Norm.Exchanges}};
+    if (std::isfinite(Norm.AboveOptimum)) {
+        optimum["atMostAbove_mm"] = Norm.AboveOptimum;
+    } else {
+        optimum["atMostAbove_mm"] = nullptr;
+    }
+    return optimum;
 }
 
 }  // namespace
@@ -154,9 +190,11 @@ void WriteFitJson(const FitOptions& options, std::ostream& out) {
     root["iterations"] = Adjustment.Iterations;
     root["norm"] = options.Norm;
     root["normIterations"] = Norm.Iterations;
+    if (Norm.RunOn) root["optimum"] = Optimum();
     root["parameters"] = Parameters();
     root["transformation"] = Transformation();
     if (options.Details) root["details"] = DetailsJson();
+    if (HasMonteCarlo(options)) root["monteCarlo"] = MonteCarloOfTheFit(options);
     if (options.Inverse) root["inverse"] = InverseOfTheFit();
     root["quality"] = {{"s0_mm", c.s0},
                        {"sx_mm", c.sx},

@@ -1,6 +1,8 @@
 // What `corvinade-cli fit` was asked for.
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,10 +13,13 @@ struct FitOptions {
     std::string Start, Target;
     std::string Match = "id";  // id, coordinate, distance
     double Tolerance_mm = 0.8;
-    int OnlyFirst = 0;              // matching by distance looks at the first so many target points; 0 = all
-    std::string Parameters = "6";   // level, 6, 7, 9, 12
-    std::string Norm = "l2";        // l1, l2, loo
-    std::vector<std::string> Hold;  // "rotz=0"
+    int OnlyFirst = 0;             // matching by distance looks at the first so many target points; 0 = all
+    std::string Parameters = "6";  // level, 6, 7, 9, 12
+    std::string Norm = "l2";       // l1, l2, loo, l1-exact, minimax
+    int MonteCarloRuns = 0;        // 0 = none
+    std::array<double, 3> Noise_mm{};      // standard deviation of the start points for Monte Carlo, by axis
+    std::uint32_t Seed = 0;                // of its random numbers
+    std::vector<std::string> Hold;         // "rotz=0"
     std::vector<std::string> LeaveOut;     // "P7", "P9:z"
     bool FromTarget = false;               // the target file's points are fitted to those of the start file
     std::vector<std::string> SeedPoints;   // one text "A,B,C" or three names; empty: the first pairs

@@ -31,6 +31,11 @@ struct FitNorms {
 };
 FitNorms NormsOfDeviations(const std::vector<FitPoint>& points);
 
+// True when Monte Carlo was asked for and all its runs were done.
+bool HasMonteCarlo(const FitOptions& options);
+// "1000 runs with noise of 0.05, 0.05, 0.1 mm in x, y, z of the start points"
+std::string NoiseInWords(const FitOptions& options);
+
 // The matrix R K S of the present parameters, elements (1, 1) to (3, 3).
 Mat3 FitMatrix();
 

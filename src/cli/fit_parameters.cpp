@@ -41,16 +41,21 @@ std::string UnitOf(ShownKind kind) {
     return kind == ShownKind::Angle ? Job.AngleUnitName : "";
 }
 
+double FactorOf(ShownKind kind) {
+    if (kind == ShownKind::Length) return Units.LengthFactor;
+    return kind == ShownKind::Angle ? Units.AngleFactor : 1;
+}
+
 std::vector<ShownParameter> ShownParameters() {
     std::vector<ShownParameter> shown;
     for (const Row& row : kRows) {
         const auto index = static_cast<std::size_t>(row.Parameter);
         if (Job.ParamText[index] == kNotUsed) continue;
         const bool floats = Job.ParamText[index] == kFloat;
-        shown.push_back({row.Name, ShownValue(row.Is, ParameterValue(Job, row.Parameter)),
-                         floats ? ShownValue(row.Is, Calculation.Sigma[index]) : "-",
-                         floats ? FormatNumber(Calculation.Significance[index], "0.0") : "held",
-                         UnitOf(row.Is), floats});
+        shown.push_back(
+            {row.Parameter, row.Is, row.Name, ShownValue(row.Is, ParameterValue(Job, row.Parameter)),
+             floats ? ShownValue(row.Is, Calculation.Sigma[index]) : "-",
+             floats ? FormatNumber(Calculation.Significance[index], "0.0") : "held", UnitOf(row.Is), floats});
     }
     return shown;
 }

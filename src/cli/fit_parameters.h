@@ -6,7 +6,12 @@
 
 #include "engine/parameter_kind.h"  // ShownLength
 
+// What a parameter is measured in.
+enum class ShownKind { Length, Angle, Scale };
+
 struct ShownParameter {
+    int Number;
+    ShownKind Is;
     std::string Name;
     std::string Value, Sigma, Significance;  // "-" and "held" for a parameter that does not float
     std::string Unit;
@@ -17,6 +22,7 @@ struct ShownParameter {
 std::vector<ShownParameter> ShownParameters();
 
 // A value of one of the three kinds in the unit and format in use, and that unit's name.
-enum class ShownKind { Length, Angle, Scale };
 std::string ShownValue(ShownKind kind, double value);
 std::string UnitOf(ShownKind kind);
+
+double FactorOf(ShownKind kind);  // from mm and rad to that unit

@@ -4,9 +4,11 @@
 
 #include "cli/fit_output.h"
 #include "core/job.h"
+#include "core/numbers.h"
 #include "core/refresh.h"
 #include "engine/calculation.h"
 #include "engine/matrix.h"
+#include "engine/monte_carlo.h"
 #include "engine/transform.h"
 
 std::vector<FitPoint> FitPoints() {
@@ -66,4 +68,14 @@ Mat3 FitMatrix() {
     BuildShearMatrix();
     BuildScaleMatrix();
     return MatrixProduct(MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix), Chain.ScaleMatrix);
+}
+
+bool HasMonteCarlo(const FitOptions& options) {
+    return options.MonteCarloRuns > 0 && IsTrue(MonteCarlo.MonteCarloDone);
+}
+
+std::string NoiseInWords(const FitOptions& options) {
+    const auto& noise = options.Noise_mm;
+    return PlainText(options.MonteCarloRuns) + " runs with noise of " + PlainText(noise[0]) + ", " +
+           PlainText(noise[1]) + ", " + PlainText(noise[2]) + " mm in x, y, z of the start points";
 }

@@ -12,6 +12,7 @@
 #include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/monte_carlo.h"
 
 namespace {
 
@@ -51,6 +52,10 @@ svg .zero { stroke: var(--ink); stroke-width: 1; }
 svg .bar { fill: var(--blue); stroke: var(--blue); }
 svg .marked { fill: var(--red); stroke: var(--red); }
 svg .unused { fill: none; stroke-dasharray: 2 2; }
+.pairs { display: grid; grid-template-columns: 1fr 1fr; gap: 0 14px; }
+.pairs svg { font-size: 15px; }
+.pairs svg .title { font-size: 17px; }
+.pairs svg .tick { font-size: 13px; }
 @media print { body { padding: 0; max-width: none; font-size: 11px; } }
 )css";
 
@@ -152,6 +157,31 @@ std::string Plots(const std::vector<FitPoint>& all) {
            "\n";
 }
 
+// How each parameter varied about its mean, as small pictures side by side.
+std::string MonteCarloPlots(const FitOptions& options) {
+    std::string html =
+        "<h2>Monte Carlo</h2>\n<p class=\"quiet\">" + EscapeMarkup(NoiseInWords(options)) +
+        ". Each picture shows how often a parameter was found how far from its mean; spread is the standard "
+        "deviation of the runs, sigma what the deviations of the fit make of it.</p>\n<div "
+        "class=\"pairs\">\n";
+    const auto plot = [&html](const std::string& title, int array, double factor, const std::string& unit) {
+        const std::span<const double> values = MonteCarloArray(array);
+        const double mean = MeanOfArray(values);
+        std::vector<double> differences;
+        differences.reserve(values.size());
+        for (const double value : values.subspan(1)) differences.push_back((value - mean) * factor);
+        html += Histogram(title, differences, unit) + "\n";
+    };
+    for (const ShownParameter& p : ShownParameters())
+        if (p.Floats)
+            plot(p.Name + ": spread " + ShownValue(p.Is, SigmaOfArray(MonteCarloArray(p.Number))) +
+                     ", sigma " + p.Sigma,
+                 p.Number, FactorOf(p.Is), p.Unit);
+    plot("mean error xyz: spread " + ShownLength(SigmaOfArray(MonteCarloArray(kSigmaXYZ))), kSigmaXYZ,
+         Units.LengthFactor, Job.LengthUnitName);
+    return html + "</div>\n";
+}
+
 std::string PointTable(const std::vector<FitPoint>& all, const FitPoint* worst) {
     const std::vector<FitPoint> points = LargestOf(all, kMostRows);
     std::string html = "<h2>Points</h2>\n";
@@ -182,5 +212,6 @@ std::string FitReport(const FitOptions& options) {
            "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>" +
            EscapeMarkup(StartSystem() + " to " + TargetSystem()) + " - Corvinade</title>\n<style>" + kStyle +
            "</style>\n</head>\n<body>\n" + Introduction(options, worst) + ParameterTable() + Plots(points) +
-           PointTable(points, worst) + "</body>\n</html>\n";
+           (HasMonteCarlo(options) ? MonteCarloPlots(options) : "") + PointTable(points, worst) +
+           "</body>\n</html>\n";
 }

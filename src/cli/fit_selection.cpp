@@ -12,6 +12,7 @@
 #include "core/platform.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "engine/norms.h"
 #include "engine/parameter_kind.h"
 #include "engine/presets.h"
 #include "engine/seed.h"
@@ -168,7 +169,10 @@ const char* HeldParameterName(int parameter) {
 
 std::string SelectParameters(const FitOptions& options) {
     SelectPreset(options.Parameters);
-    Job.NormType = options.Norm == "l1" ? 1 : options.Norm == "loo" ? 3 : 2;
+    Norm.RunOn = options.Norm == "l1-exact" || options.Norm == "minimax";
+    const bool sum = options.Norm == "l1" || options.Norm == "l1-exact";
+    const bool largest = options.Norm == "loo" || options.Norm == "minimax";
+    Job.NormType = sum ? 1 : largest ? 3 : 2;
     for (const std::string& hold : options.Hold) {
         const std::string wrong = HoldParameter(hold);
         if (!wrong.empty()) return wrong;

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdio>
 #include <ostream>
 
 #include "cli/fit_details.h"
@@ -17,6 +18,7 @@
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/inverse.h"
+#include "engine/monte_carlo.h"
 #include "engine/norms.h"
 
 namespace {
@@ -30,6 +32,15 @@ std::string Label(const std::string& text) {
     return TextColumns{{14}}.Line({text});
 }
 
+// How much less the sum or the largest deviation could be at most.
+std::string DistanceFromOptimum() {
+    const std::string what = Job.NormType == 1 ? "sum" : "largest deviation";
+    if (!std::isfinite(Norm.AboveOptimum)) return "how near the " + what + " is to it is not known";
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.1e", Norm.AboveOptimum);
+    return "the " + what + " is at most " + text.data() + " mm above it";
+}
+
 void WriteHead(const FitOptions& options, const Style& style, std::ostream& out) {
     const auto& c = Calculation;
     out << style.Heading("Corvinade " + ProgramVersion()) << "  least-squares 3D transformation\n\n";
@@ -41,8 +52,9 @@ void WriteHead(const FitOptions& options, const Style& style, std::ostream& out)
     if (Job.nOCSOnly > 0) out << ", " << Job.nOCSOnly << " only in target";
     out << "\n" << Label("observations") << ObservationsInUse() << " in use, " << c.nFloat << " unknowns\n";
     if (Norm.Iterations > 0)
-        out << Label("norm") << (options.Norm == "l1" ? "L1" : "L-infinity") << ", " << Norm.Iterations
+        out << Label("norm") << (Job.NormType == 1 ? "L1" : "L-infinity") << ", " << Norm.Iterations
             << " weightings\n";
+    if (Norm.RunOn) out << Label("optimum") << DistanceFromOptimum() << "\n";
     out << Label("iterations") << Adjustment.Iterations;
     if (!c.Converged) out << "  " << style.Alarm("convergence not reached");
     out << "\n";
@@ -58,6 +70,25 @@ void WriteParameters(const Style& style, std::ostream& out) {
     out << "\n" << style.Heading(columns.Line({"Parameter", "value", "sigma", "significance"})) << "  unit\n";
     for (const ShownParameter& p : parameters)
         out << columns.Line(cells(p)) << "  " << style.Quiet(p.Unit) << "\n";
+}
+
+// What the noise of the measurement does to the parameters, beside what error propagation says of them.
+void WriteMonteCarlo(const FitOptions& options, const Style& style, std::ostream& out) {
+    std::vector<std::vector<std::string>> rows;
+    std::vector<std::string> units;
+    for (const ShownParameter& p : ShownParameters()) {
+        if (!p.Floats) continue;
+        rows.push_back({p.Name, ShownValue(p.Is, SigmaOfArray(MonteCarloArray(p.Number))), p.Sigma});
+        units.push_back(p.Unit);
+    }
+    rows.push_back({"mean error", ShownLength(SigmaOfArray(MonteCarloArray(kSigmaXYZ))), "-"});
+    units.push_back(Job.LengthUnitName);
+    TextColumns columns{{12, 16, 12}};
+    for (const auto& row : rows) columns.MakeRoom(row);
+    out << "\n" << style.Heading(columns.Line({"Monte Carlo", "spread", "sigma"})) << "  unit\n";
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        out << columns.Line(rows[i]) << "  " << style.Quiet(units[i]) << "\n";
+    out << style.Quiet("(" + NoiseInWords(options) + ")") << "\n";
 }
 
 // The inverse, a column a solution. Matrices with tiny elements have solutions beyond counting; the first
@@ -171,6 +202,7 @@ void WriteFitTable(const FitOptions& options, std::ostream& out, bool colour) {
     WriteHead(options, style, out);
     WriteParameters(style, out);
     if (options.Details) WriteDetails(style, out);
+    if (HasMonteCarlo(options)) WriteMonteCarlo(options, style, out);
     if (options.Inverse) WriteInverse(style, out);
     const std::vector<FitPoint> points = FitPoints();
     WriteQuality(points, style, out);

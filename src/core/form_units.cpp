@@ -73,7 +73,9 @@ void FormUnits::BtnOK_Click() {
     if (w.ComboDigitScale.Index >= 0)
         Settings.ScaleDigits = static_cast<std::int16_t>(w.ComboDigitScale.Index);
     Settings.PhiThetaAsQ = ToFlag(w.CheckPhiThetaAsQ.Value == 1);
+    const double lengthBefore = Units.LengthFactor, angleBefore = Units.AngleFactor;
     RhoFestlegung();
+    HeldValues_UnitsChanged(lengthBefore, angleBefore);
     UnloadWindow("FormUnits");
     if (IsLoaded("FormTrafoBerechnung")) CalculationWindow_UnitsChanged();
     if (IsLoaded("FormMainSheet")) MainSheet_UnitsChanged();

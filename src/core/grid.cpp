@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 #include "core/numbers.h"
 #include "core/require.h"
@@ -18,30 +19,6 @@ std::size_t Place(const GridState& grid, int row, int col) {
 
 bool Inside(const GridState& grid, int row, int col) {
     return row >= 0 && row < grid.Rows && col >= 0 && col < grid.Cols;
-}
-
-// What a row is sorted by.
-struct SortKey {
-    bool IsNumber = false;
-    double Number = 0;
-    std::string Text;
-};
-
-bool Before(const SortKey& a, const SortKey& b) {
-    if (a.IsNumber != b.IsNumber) return a.IsNumber;
-    return a.IsNumber ? a.Number < b.Number : a.Text < b.Text;
-}
-
-SortKey KeyOf(std::string text) {
-    SortKey key;
-    key.IsNumber = TextToNumber(text, key.Number);
-    if (!key.IsNumber) key.Text = std::move(text);
-    return key;
-}
-
-bool Hidden(const GridState& grid, int col) {
-    const auto k = static_cast<std::size_t>(col);
-    return k < grid.HiddenCols.size() && grid.HiddenCols[k];
 }
 
 std::string WithLineFeeds(const std::string& text) {
@@ -117,18 +94,41 @@ void SortGrid(GridState& grid, int col, bool descending) {
     grid.SortCol = col;
     grid.SortDescending = descending;
     if (col < 0 || col >= grid.Cols || grid.Rows <= grid.FixedRows) return;
-    if (grid.Order.empty()) {
+    if (grid.Order.size() != static_cast<std::size_t>(grid.Rows)) {
         grid.Order.resize(static_cast<std::size_t>(grid.Rows));
         std::iota(grid.Order.begin(), grid.Order.end(), 0);
     }
-    std::vector<SortKey> keys(grid.Order.size());
-    for (int row = grid.FixedRows; row < grid.Rows; ++row)
-        keys[static_cast<std::size_t>(FilledRow(grid, row))] = KeyOf(CellText(grid, row, col));
-    std::stable_sort(grid.Order.begin() + grid.FixedRows, grid.Order.end(), [&](int a, int b) {
-        const SortKey& first = keys[static_cast<std::size_t>(descending ? b : a)];
-        const SortKey& second = keys[static_cast<std::size_t>(descending ? a : b)];
-        return Before(first, second);
-    });
+    std::vector<std::pair<double, int>> numbers;  // value and filled row
+    std::vector<std::pair<std::string, int>> texts;
+    for (int row = grid.FixedRows; row < grid.Rows; ++row) {
+        const int filled = FilledRow(grid, row);
+        std::string text = CellText(grid, row, col);
+        double number = 0;
+        if (TextToNumber(text, number)) {
+            numbers.emplace_back(number, filled);
+        } else {
+            texts.emplace_back(std::move(text), filled);
+        }
+    }
+    const auto sort = [descending](auto& keys) {
+        std::stable_sort(keys.begin(), keys.end(), [descending](const auto& a, const auto& b) {
+            return descending ? b.first < a.first : a.first < b.first;
+        });
+    };
+    sort(numbers);
+    sort(texts);
+    auto place = grid.Order.begin() + grid.FixedRows;
+    const auto put = [&place](const auto& keys) {
+        for (const auto& key : keys) *place++ = key.second;
+    };
+    if (descending) put(texts);
+    put(numbers);
+    if (!descending) put(texts);
+}
+
+bool IsHiddenCol(const GridState& grid, int col) {
+    const auto k = static_cast<std::size_t>(col);
+    return k < grid.HiddenCols.size() && grid.HiddenCols[k];
 }
 
 GridRect Selected(const GridState& grid) {
@@ -156,7 +156,7 @@ std::string RectText(GridState& grid, const GridRect& rect) {
         if (row > rect.Row) text += kLineEnd;
         bool first = true;
         for (int col = rect.Col; col <= rect.Col2; ++col) {
-            if (Hidden(grid, col)) continue;
+            if (IsHiddenCol(grid, col)) continue;
             if (!first) text += '\t';
             first = false;
             text += WithLineFeeds(CellText(grid, row, col));

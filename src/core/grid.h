@@ -63,6 +63,8 @@ int FilledRow(const GridState& grid, int row);
 // column and direction are remembered; selection and current cell stay where they are.
 void SortGrid(GridState& grid, int col, bool descending);
 
+bool IsHiddenCol(const GridState& grid, int col);
+
 // The selection, normalised.
 GridRect Selected(const GridState& grid);
 

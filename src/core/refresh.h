@@ -24,6 +24,9 @@ void myButtonCalculate();  // one whole calculation with the present selection o
 void MCS_OCS();            // swaps the two point sets of a job that has been marked as switched
 bool DirectionSwitched();  // the calculation window has marked the job as switched
 void CalculationWindow_UnitsChanged();
+// The held values of the job, typed in units of the factors `lengthBefore` and `angleBefore`, in the present
+// ones.
+void HeldValues_UnitsChanged(double lengthBefore, double angleBefore);
 double CalculationSigmaXYZ();  // of the last calculation, mm
 
 // --- paraboloid/ and bundle/ ------------------------------------------------------------------------------

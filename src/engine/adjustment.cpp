@@ -14,7 +14,7 @@
 #include "core/settings.h"
 #include "core/text.h"
 #include "core/units.h"
-#include "engine/angles.h"
+#include "engine/corrections.h"
 #include "engine/design.h"
 #include "engine/moments.h"
 #include "engine/normal_equations.h"
@@ -50,49 +50,6 @@ bool PosesMayCount() {
     return Selection.CheckUseABC || !Selection.RDistShown;
 }
 
-struct LargestCorrection {
-    double Size = 0;
-    int Unknown = 1;
-};
-
-LargestCorrection FindLargest(const Column& x, int u) {
-    LargestCorrection largest;
-    for (int i = 1; i <= u; ++i)
-        if (std::fabs(x[At(i)]) > largest.Size) largest = {std::fabs(x[At(i)]), i};
-    return largest;
-}
-
-// A largest correction below this ends the iteration.
-double Threshold() {
-    return Settings.BestFit_Etta == 0 ? 1e-9 : Settings.BestFit_Etta;
-}
-
-bool AllFinite(const Column& x, int u) {
-    return std::all_of(x.begin() + 1, x.begin() + 1 + u, [](double value) { return std::isfinite(value); });
-}
-
-// The library's circle is short by 2e-10 rad, so an angle at half a turn that is wrapped is moved. Seen
-// from the origin of a hall that is more than a converged fit may still change, and the next pass would
-// wrap it back: there it is left as it is.
-double WrappedInFit(double angle) {
-    constexpr double kAtHalfTurn = 1e-9;
-    return std::fabs(std::fabs(angle) - kPi) < kAtHalfTurn ? angle : WrapAngle(angle);
-}
-
-// Adds the corrections to the parameters in the order of their indices.
-void Update(const FitModel& model, const Column& x) {
-    for (int parameter = kTraX; parameter < kParameterEnd; ++parameter) {
-        const int unknown = model.UnknownOf[At(parameter)];
-        if (unknown == 0) continue;
-        double& value = ParameterValue(Job, parameter);
-        value += x[At(unknown)];
-        const bool angle =
-            (parameter >= kRotX && parameter <= kRotZ) || (parameter >= kAngleXY && parameter <= kAngleZtoXY);
-        if (angle) value = WrappedInFit(value);
-        if (parameter == kScaleXYZ) Job.ScaleX = Job.ScaleY = Job.ScaleZ = value;
-    }
-}
-
 // The corrections of all passes as text, which the clipboard shows while the iteration runs.
 struct CorrectionTrace {
     bool Kept = Selection.CheckRDist;
@@ -124,22 +81,20 @@ struct ConvergenceStatus {
 
 // The state of one run.
 struct AdjustmentRun {
-    const GatheredPoints& Points;
+    GatheredPoints& Points;
     const FitModel& Model;
     std::uint64_t JobGeneration = Run.JobGeneration;
     Linearisation At;  // of the last pass
     Matrix N, Q;       // of the centred unknowns
     Column w, centred, x;
-    // By the moments of the points, or by their rows. Where weights differ by many orders, as those of L1
-    // do, the rounding of the heaviest rows' moments would drown what the others say.
-    bool ByMoments;
-    bool MomentsTaken = false;
-    PointMoments Moments;
+    bool ByMoments;  // of the points, or by their rows
+    bool MomentsTaken;
+    PointMoments& Moments;
     std::unique_ptr<NormalSums> Sums;  // of the rows
     CorrectionTrace Trace;
     ConvergenceStatus Status;
 
-    AdjustmentRun(const GatheredPoints& points, const FitModel& model)
+    AdjustmentRun(GatheredPoints& points, const FitModel& model, bool taken, PointMoments& moments)
         : Points(points),
           Model(model),
           N(model.Unknowns, model.Unknowns),
@@ -147,23 +102,48 @@ struct AdjustmentRun {
           w(static_cast<std::size_t>(model.Unknowns) + 1),
           centred(w.size()),
           x(w.size()),
-          ByMoments(model.Mode == FitMode::Coincide && points.OnlyInUse && !points.ByRows) {}
+          ByMoments(MomentsServe(model, points)),
+          MomentsTaken(taken),
+          Moments(moments) {}
+
+    void TakeMoments() {
+        SumMoments(Points, At, {.Tool = Model.Mode == FitMode::Tool}, Moments);
+        MomentsTaken = true;
+    }
+
+    void LeaveMoments() {
+        ByMoments = false;
+        if (Moments.Reweighted) TakeResidualWeights(Moments, Points);
+    }
 
     void Equations() {
         if (ByMoments) {
-            if (!MomentsTaken) SumMoments(Points, At, Moments);
-            MomentsTaken = true;
+            if (!MomentsTaken) TakeMoments();
             if (NormalEquations(Model, At, Moments, N, w)) return;
-            ByMoments = false;
+            LeaveMoments();
         }
         if (Sums == nullptr) Sums = std::make_unique<NormalSums>();
         SumNormalEquations(Points, Model, At, *Sums);
         NormalEquations(Model, At, *Sums, N, w);
     }
 
+    // Where weights differ by many orders the rounding of the heaviest rows' moments may drown what the
+    // others say about an unknown. How much of an unknown is left by the others shows in Q(i,i) N(i,i).
+    bool DrownedByWeights() const {
+        constexpr double kMostInflated = 1e8;
+        if (!ByMoments || !Moments.Reweighted) return false;
+        for (int i = 1; i <= Model.Unknowns; ++i)
+            if (!(std::fabs(Q(i, i) * N(i, i)) < kMostInflated)) return true;
+        return false;
+    }
+
     void Solve() {
         Equations();
         SolveNormalEquations(N, w, Model.Unknowns, Adjustment.Iterations, Q, centred);
+        if (DrownedByWeights()) {
+            LeaveMoments();
+            return Solve();
+        }
         x = centred;
         FromCentre(Model, At, x);
     }
@@ -171,9 +151,9 @@ struct AdjustmentRun {
     // The pass that is to be the last stands on moments that were taken near it. Those of poor start
     // values are good for the way there, and no more.
     void SolveFromNear() {
-        constexpr double kFar = 1e-3;
-        if (!ByMoments || FindLargest(x, Model.Unknowns).Size >= Threshold()) return;
-        if (MovedSince(At, Moments) <= kFar) return;
+        if (!ByMoments || Moments.Reweighted) return;
+        if (FindLargest(x, Model.Unknowns).Size >= Threshold() || MovedSince(At, Moments) <= kFarFromMoments)
+            return;
         MomentsTaken = false;
         Solve();
     }
@@ -189,7 +169,7 @@ struct AdjustmentRun {
         Solve();
         SolveFromNear();
         Trace.Add(x, Model.Unknowns);
-        Update(Model, x);
+        AddCorrections(Model, x);
         return true;
     }
 };
@@ -221,6 +201,35 @@ bool Iterate(AdjustmentRun& run) {
     }
 }
 
+// A fresh record of the run, and the model that the job's parameters give.
+const FitModel& BeginRun(int u, int n, const ParameterTexts& ParamText, const GatheredPoints& points) {
+    Require(n == 3 * Job.nIdent && points.Count == Job.nIdent);
+    Require(u == CountUnknowns(ParamText));
+    const bool confirmed = Adjustment.AngleUnitsConfirmed;
+    Adjustment = AdjustmentRecord{};
+    Adjustment.AngleUnitsConfirmed = confirmed;
+    Adjustment.Model = ChooseModel(ParamText);
+    return Adjustment.Model;
+}
+
+// What the run leaves: `v` and Q. False when the job's points were replaced meanwhile.
+bool CarryOut(AdjustmentRun& run, Matrix& Q) {
+    if (!Iterate(run)) {
+        Adjustment.JobChanged = true;
+        return false;
+    }
+    run.Status.Show();
+    Q = run.Q;
+    FromCentre(run.Model, run.At, Q);
+    return true;
+}
+
+void TellOfLimit() {
+    if (Adjustment.Iterations > Settings.MaxIteration)
+        ShowMessage("Calculation stopped after " + PlainText(Settings.MaxIteration) +
+                    " Iterations, Convergence not reached yet!");
+}
+
 }  // namespace
 
 bool GatherForFit(const Column& P, GatheredPoints& points) {
@@ -242,27 +251,32 @@ void BestFitIteration(int u, int n, const ParameterTexts& ParamText, Matrix& Q, 
 
 void BestFitIteration(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Column& v, Column& P,
                       GatheredPoints& points) {
-    Require(n == 3 * Job.nIdent && points.Count == Job.nIdent && UpperBound(P) >= n);
-    Require(u == CountUnknowns(ParamText));
-    const bool confirmed = Adjustment.AngleUnitsConfirmed;
-    Adjustment = AdjustmentRecord{};
-    Adjustment.AngleUnitsConfirmed = confirmed;
     TakeStartValues(ParamText);
-    const FitModel model = Adjustment.Model = ChooseModel(ParamText);
+    IterateFromHere(u, n, ParamText, Q, v, P, points);
+}
+
+void IterateFromHere(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Column& v, Column& P,
+                     GatheredPoints& points) {
+    Require(UpperBound(P) >= n);
+    const FitModel model = BeginRun(u, n, ParamText, points);
     if (model.Mode == FitMode::Distance) PackWeights(P);
     SetWeights(P, points);
-
-    AdjustmentRun run(points, model);
-    if (!Iterate(run)) {
-        Adjustment.JobChanged = true;
-        return;
-    }
-    run.Status.Show();
+    PointMoments moments;
+    AdjustmentRun run(points, model, false, moments);
+    if (!CarryOut(run, Q)) return;
     v.resize(At(n) + 1);
     Residuals(points, model, run.At, run.centred, v);
-    Q = run.Q;
-    FromCentre(model, run.At, Q);
-    if (Adjustment.Iterations > Settings.MaxIteration)
-        ShowMessage("Calculation stopped after " + PlainText(Settings.MaxIteration) +
-                    " Iterations, Convergence not reached yet!");
+    TellOfLimit();
+}
+
+void BestFitIteration(int u, int n, const ParameterTexts& ParamText, Matrix& Q, GatheredPoints& points,
+                      FitOnMoments& fit) {
+    TakeStartValues(ParamText);
+    const FitModel model = BeginRun(u, n, ParamText, points);
+    AdjustmentRun run(points, model, true, fit.Moments);
+    if (!CarryOut(run, Q)) return;
+    fit.ByMoments = run.ByMoments;
+    fit.At = run.At;
+    fit.Centred = std::move(run.centred);
+    TellOfLimit();
 }

@@ -9,11 +9,14 @@
 #include "core/job.h"
 #include "core/platform.h"
 #include "core/run.h"
+#include "core/text.h"
 #include "core/window.h"
 #include "engine/adjustment.h"
 #include "engine/calculation_window.h"
 #include "engine/design.h"
+#include "engine/distance_start.h"
 #include "engine/field_number.h"
+#include "engine/monte_carlo.h"
 #include "engine/nice_rotation.h"
 #include "engine/norms.h"
 #include "engine/selection.h"
@@ -88,6 +91,17 @@ std::string ScaleHeldAtZero() {
     return "";
 }
 
+// Choices that no fit can begin with; "" for all others.
+std::string WhyNot() {
+    if (const std::string scale = ScaleHeldAtZero(); !scale.empty())
+        return scale + " is held at 0, which leaves nothing of the points. Please hold it at another value.";
+    if (const std::string name = PairThatStartsOnItsTarget(); !name.empty())
+        return "The start values put point \"" + Printable(name) +
+               "\" onto its target, where the distance between them has no direction. Please give a seed for "
+               "one of the translations, or choose other seed points.";
+    return "";
+}
+
 bool ParametersAreFinite() {
     for (int parameter = kTraX; parameter < kParameterEnd; ++parameter)
         if (!std::isfinite(ParameterValue(Job, parameter))) return false;
@@ -129,6 +143,8 @@ void TransformAllPoints(const Column* v) {
 
 void ButtonCalcErsatz() {
     const std::uint64_t generation = Run.JobGeneration;
+    // Both before and after the events: they may change the choice, or close its window.
+    if (IsLoaded("FormTrafoBerechnung")) TakeSelection();
     YieldToEvents();
     if (Run.JobGeneration != generation) return;
     if (IsLoaded("FormTrafoDetails")) UnloadWindow("FormTrafoDetails");
@@ -147,12 +163,14 @@ void ButtonCalcErsatz() {
         ShowMessage("This is not a redundant calculation");
         return;
     }
-    if (const std::string scale = ScaleHeldAtZero(); !scale.empty()) {
+    if (const std::string why = WhyNot(); !why.empty()) {
         Calculation.Refused = true;
-        ShowMessage(scale +
-                    " is held at 0, which leaves nothing of the points. Please hold it at another value.");
+        ShowMessage(why);
         return;
     }
+    const bool leastSquares = Job.NormType != 1 && Job.NormType != 3;
+    Calculation.Refused = leastSquares && IsTrue(MonteCarlo.MonteCarloOn) && !MonteCarloCanBeHeld();
+    if (Calculation.Refused) return;
 
     NormFit fit{.u = u, .n = n, .ParamText = Job.ParamText, .P = std::move(P)};
     if (!FitInNorm(fit) || Run.JobGeneration != generation) return;
@@ -172,10 +190,8 @@ void ButtonCalcErsatz() {
     const FitModel& model = Adjustment.Model;
     std::copy(model.UnknownOf.begin(), model.UnknownOf.end(), Calculation.UnknownOf.begin());
     FillStatistics(model);
-    if (useABC) {
-        Job.RDist = Hypot3(Job.Rvec_x, Job.Rvec_y, Job.Rvec_z);
-        FillToolStatistics();
-    }
+    if (useABC || !Selection.RDistShown) Job.RDist = Hypot3(Job.Rvec_x, Job.Rvec_y, Job.Rvec_z);
+    if (useABC) FillToolStatistics();
 
     // In the distance and the tool model a residual is not the way to the target point.
     if (Calculation.Finite) TransformAllPoints(model.Mode == FitMode::Coincide ? &Calculation.v : nullptr);

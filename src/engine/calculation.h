@@ -13,7 +13,8 @@ struct CalculationRecord {
     std::array<int, 18> UnknownOf{};  // number 1 to nFloat of each parameter, 0 = held
     bool Done = false;                // a calculation has ended since the job's points were last replaced
     std::uint64_t JobGeneration = 0;  // of the points that all this belongs to
-    bool Refused = false;    // too few observations: parameters and everything below are those of before
+    // Too few observations, too many runs: parameters and everything below are those of before.
+    bool Refused = false;
     bool Converged = false;  // the iteration ended by itself, neither by its limit nor by the user
     bool Finite = true;      // all parameters are numbers; if not, nothing was transformed with them
     double s0 = 0, sx = 0, sy = 0, sz = 0, SigmaXYZ = 0;

@@ -13,13 +13,16 @@ struct CalculationWindowRecord {
     std::array<double, 18> LastSolution{};  // the parameters 1 to 17 when the button was pressed
     std::array<double, 16> LastQuality{};   // the quality values 1 to 15 of the calculation before
     Flag UseABCActive = kFalse;             // the R vector is governed by its box
-    int SortCol = -1;                       // of the point table
+    int SortCol = -1;                       // of the point table; -1: as the points stand in the job
     bool SortDescending = false;
+    // Values that the user has picked out of the point table for a graph, element 0 unused.
+    Column GraphValues{0};
     // Factors of the units that the window's fields are shown in.
     double LengthFactor = 1, AngleFactor = 1;
     // Events that arrive while a run yields do not begin another one inside it.
     bool Running = false;
-    bool Again = false;  // a change that arrived meanwhile asks for a calculation behind this one
+    bool Again = false;         // a change that arrived meanwhile asks for a calculation behind this one
+    std::uint64_t Started = 0;  // counts the calculations
 };
 inline CalculationWindowRecord CalculationWindow;
 
@@ -77,8 +80,18 @@ void Logic_BtnShowAlternativ();
 // the next comparison.
 void FormThings();
 
-// Rebuilds the point table.
+// Rebuilds the point table, for the kinds of row that the window's boxes name; without any it stays as it
+// is. Chooses the default seed points where the job has none. The points are read when the table is first
+// looked at: who changes them afterwards and leaves the table as it is looks at it before (LookAt).
 void TabelleFüllenNeu();
+
+// Toggles the use flag of a point, by its name in the table; axis "X", "Y" or "Z". A name that the table
+// does not show changes nothing.
+void Switch_MaxPoint(const std::string& pointName, const std::string& axis);
+
+// Hands the point under the table's cursor to the main sheet and the pictures, where the cursor stands on
+// its name and both are on.
+void SetPointGraphicsActive();
 
 // Direction of the job, as label, colours and tool tips say it. `arrow` stands between the systems' names.
 void ShowDirection(const char* arrow);
@@ -86,5 +99,7 @@ void ShowDirection(const char* arrow);
 // Runs the handler of BtnCalculate where every change is followed by a calculation.
 void RecalculateIfAutomatic();
 
-// Width of a column of the point table by the settings, twips; and back to the settings.
+// Columns of the point table: their widths come from the settings when the window opens and go back there
+// when it closes. A width in the settings that is none counts as 900 twips.
+void PreparePointTable();
 void SchreibeTabellenSpalteBreite_in_ini();

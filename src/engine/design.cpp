@@ -29,30 +29,33 @@ Mat3 OneColumn(const Mat3& M, int column) {
 }
 
 InnerDerivative Derivative(int parameter) {
-    const Mat3 KS = MatrixProduct(Chain.ShearMatrix, Chain.ScaleMatrix);
-    const Mat3 RK = MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix);
+    const auto rotation = [](RotationAngle angle) {
+        const auto& [a, b, c] = Chain.Rotations;
+        const Mat3 derivative = RotationDerivative(angle, a, b, c);
+        return Chain.RightAngled ? WithScales(derivative) : MatrixProduct(derivative, Chain.KS);
+    };
     const auto shear = [](ShearAngle angle) {
         return MatrixProduct(MatrixProduct(Chain.RotationMatrix, ShearDerivative(angle)), Chain.ScaleMatrix);
     };
     InnerDerivative result;
     switch (parameter) {
         case kRotX:
-            result.D = MatrixProduct(RotationDerivative(RotationAngle::X), KS);
+            result.D = rotation(RotationAngle::X);
             break;
         case kRotY:
-            result.D = MatrixProduct(RotationDerivative(RotationAngle::Y), KS);
+            result.D = rotation(RotationAngle::Y);
             break;
         case kRotZ:
-            result.D = MatrixProduct(RotationDerivative(RotationAngle::Z), KS);
+            result.D = rotation(RotationAngle::Z);
             break;
         case kScaleX:
         case kScaleY:
         case kScaleZ:
             result.OnlyColumn = parameter - kScaleX + 1;
-            result.D = OneColumn(RK, result.OnlyColumn);
+            result.D = OneColumn(Chain.RK, result.OnlyColumn);
             break;
         case kScaleXYZ:
-            result.D = RK;
+            result.D = Chain.RK;
             break;
         case kAngleXY:
             result.D = shear(ShearAngle::XY);
@@ -100,11 +103,17 @@ FitModel ChooseModel(const ParameterTexts& ParamText) {
 }
 
 Linearisation Linearise(const FitModel& model, const GatheredPoints& points) {
+    Linearisation at;
+    Linearise(model, points, at);
+    return at;
+}
+
+void Linearise(const FitModel& model, const GatheredPoints& points, Linearisation& at) {
     Job.RotXCopy = Job.RotX;
     Job.RotYCopy = Job.RotY;
     Job.RotZCopy = Job.RotZ;
     BuildChain();
-    Linearisation at;
+    at.InnerCount = 0;
     at.M = Chain.Product;
     at.RDist = Job.RDist;
     at.Tool = {Job.Rvec_x, Job.Rvec_y, Job.Rvec_z};
@@ -132,5 +141,4 @@ Linearisation Linearise(const FitModel& model, const GatheredPoints& points) {
             inner.AtCentre(axis) =
                 inner.D(axis, 1) * c(1) + inner.D(axis, 2) * c(2) + inner.D(axis, 3) * c(3);
     }
-    return at;
 }

@@ -64,3 +64,4 @@ struct Linearisation {
 
 // Reads the job's parameters; writes Job.RotXCopy, RotYCopy, RotZCopy and Chain.
 Linearisation Linearise(const FitModel& model, const GatheredPoints& points);
+void Linearise(const FitModel& model, const GatheredPoints& points, Linearisation& at);

@@ -5,6 +5,7 @@
 #include "engine/calculation.h"
 #include "engine/calculation_window.h"
 #include "engine/inverse.h"
+#include "engine/monte_carlo.h"
 #include "engine/norms.h"
 
 namespace {
@@ -25,9 +26,16 @@ const RecordEntry kRecords[] = {
     {"LastSolution", NumberRow{CalculationWindow.LastSolution.data(), 18}, Storage::Run},
     {"LastQuality", NumberRow{CalculationWindow.LastQuality.data(), 16}, Storage::Run},
     {"UseABCActive", &CalculationWindow.UseABCActive, Storage::Run},
+    {"GraphValues", &CalculationWindow.GraphValues, Storage::Run},
     {"Iterations", &Adjustment.Iterations, Storage::Run},
     {"NormTolerance", &Norm.NormTolerance, Storage::Run},
     {"NormIterations", &Norm.Iterations, Storage::Run},
+    {"MonteCarloOn", &MonteCarlo.MonteCarloOn, Storage::Run},
+    {"MonteCarloDone", &MonteCarlo.MonteCarloDone, Storage::Run},
+    {"MCSaveX", &MonteCarlo.MCSaveX, Storage::Run},
+    {"MCSaveY", &MonteCarlo.MCSaveY, Storage::Run},
+    {"MCSaveZ", &MonteCarlo.MCSaveZ, Storage::Run},
+    {"MCResults", &MonteCarlo.MCResults, Storage::Run},
     {"InvTraX", &Inverse.InvTraX, Storage::Run},
     {"InvTraY", &Inverse.InvTraY, Storage::Run},
     {"InvTraZ", &Inverse.InvTraZ, Storage::Run},

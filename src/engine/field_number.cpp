@@ -3,11 +3,23 @@
 
 #include "core/job.h"
 #include "core/numbers.h"
+#include "core/text.h"
 #include "core/units.h"
 
 double FieldNumber(const std::string& text) {
     double value = 0;
     return TextToNumber(text, value) ? value : Val(text);
+}
+
+double FieldAngle(const std::string& text) {
+    if (!IsItGradMinSek(text)) return FieldNumber(text);
+    std::string rest = text;
+    for (int field = 1; field <= 3; ++field) {
+        double value = 0;
+        const std::string part = Zerpflück(rest, ' ');
+        if (!part.empty() && !TextToNumber(part, value)) return 0;
+    }
+    return GradMinSekToZahl(text);
 }
 
 bool IsHeldValue(const std::string& text) {

@@ -7,6 +7,10 @@
 // else the number with "." that the text begins with, else 0.
 double FieldNumber(const std::string& text);
 
+// The same for the text of an angle, in the shown unit: degrees, minutes and seconds come as decimal
+// degrees. A text that is none, in one of its fields too, gives 0.
+double FieldAngle(const std::string& text);
+
 // True for a text that is the value of a held parameter, neither "float" nor "not used".
 bool IsHeldValue(const std::string& text);
 

@@ -4,12 +4,14 @@
 #include <algorithm>
 
 #include "core/controller.h"
+#include "core/form_main.h"
 #include "core/job.h"
 #include "core/refresh.h"
 #include "core/require.h"
 #include "core/run.h"
 #include "core/units.h"
 #include "engine/calculation_window.h"
+#include "engine/monte_carlo.h"
 #include "engine/selection.h"
 
 namespace {
@@ -205,6 +207,7 @@ const ControlEntry kControls[] = {
       .SelChange = FormTrafoBerechnung::Tabelle_SelChange,
       .RightClick = FormTrafoBerechnung::Tabelle_RightClick,
       .Key = FormTrafoBerechnung::Tabelle_Key}},
+    {"MenuTabelleCopy", &w.MenuTabelleCopy, {.Click = FormTrafoBerechnung::MenuTabelleCopy_Click}},
 };
 
 const ParameterControls kParameters[] = {
@@ -287,19 +290,20 @@ void FormTrafoBerechnung::Form_Load() {
 
 void FormTrafoBerechnung::Form_Unload() {
     Selection.DialogOpen = false;
+    MonteCarlo.MonteCarloOn = kFalse;
+    Main.MenuTransformationCalculation.Checked = false;
+    Main.Toolbar1_TrafoBerechnung.Value = 0;
     SchreibeTabellenSpalteBreite_in_ini();
 }
 
 namespace {
 
-// The options of a job with a shape: its pairs follow from the shape, so the direction and the norm are
-// given.
+// A job with a shape takes its targets from that: direction and norm are given, and there is no distance.
 void LockForParaboloid() {
     w.BtnSwitchMcsOcs.Enabled = false;
-    for (Control* const norm : {&w.OptionL1, &w.OptionLoo}) {
-        norm->Value = 0;
-        norm->Enabled = false;
-    }
+    SetValue(w.OptionL2, 1);
+    w.OptionL1.Enabled = w.OptionLoo.Enabled = false;
+    w.CheckRDist.Enabled = false;
 }
 
 void SelectNorm() {
@@ -316,6 +320,7 @@ int ParameterOfSlot(int slot) {
 
 void RestoreParameters() {
     const auto slots = Job.ParamText;
+    CalculationWindow.UseABCActive = ToFlag(ToolVectorGoverns(slots));
     for (int slot = kTraX; slot < kParameterEnd; ++slot) {
         const ParameterControls& row = RowOf(ParameterOfSlot(slot));
         const std::string& text = slots[static_cast<std::size_t>(slot)];
@@ -330,7 +335,7 @@ void BeginWithSixParameters() {
     SetValue(w.Option6Parameter, 1);
     for (std::size_t i = 1; i < Job.UseFlags.size(); i += 3)
         if (Job.UseFlags[i] != 0) return;
-    std::fill(Job.UseFlags.begin() + 1, Job.UseFlags.end(), std::int16_t{1});
+    for (std::size_t i = 1; i < Job.UseFlags.size(); ++i) Job.UseFlags[i] = 1;
 }
 
 // Opening a window calculates nothing, whatever its boxes do.
@@ -353,13 +358,11 @@ void INI_Formtrafoberechnung() {
         const NoRecalculation none;
         for (Control* const text : {&w.TextScaleX, &w.TextScaleY, &w.TextScaleZ, &w.TextScaleXYZ})
             text->ForeColor = QbColor(8);
-        if (IsTrue(Job.IsParaboloid)) LockForParaboloid();
-        const std::string systems = "MCS = " + Job.NameMCS + "   |   OCS = " + Job.NameOCS;
-        w.BtnSwitchMcsOcs.ToolTip = "Switch Transformation Direction  " + systems;
-        w.LabelDirection.ToolTip = systems;
+        w.BtnSwitchMcsOcs.ToolTip =
+            "Switch Transformation Direction  MCS = " + Job.NameMCS + "   |   OCS = " + Job.NameOCS;
         SelectNorm();
         SetValue(w.CheckMonteCarlo, 0);
-        Run.StopRequested = kFalse;
+        MonteCarlo.MonteCarloOn = Run.StopRequested = kFalse;
         INI_Rdist();
         ShowDirection(" => ");
         if (Job.ParamText[1].empty()) {
@@ -367,13 +370,16 @@ void INI_Formtrafoberechnung() {
         } else {
             RestoreParameters();
         }
+        if (IsTrue(Job.IsParaboloid)) LockForParaboloid();
     }
     SetValue(w.CheckAutoRec, IsTrue(Job.AutoRecalc) ? 1 : 0);
     SetValue(w.CheckDeviation, 1);
+    PreparePointTable();
     SetStatus(8, Job.LengthUnitName);
     SetStatus(9, Job.AngleUnitName);
-    w.BtnSTOP.Enabled = false;
-    if (IsTrue(Job.IsParaboloid)) w.CheckRDist.Enabled = false;
+    // A window that was closed and opened in the events of a run is that of this run.
+    w.BtnSTOP.Enabled = CalculationWindow.Running;
+    w.BtnCalculate.Enabled = !CalculationWindow.Running;
     CalculationWindow.LengthFactor = Units.LengthFactor;
     CalculationWindow.AngleFactor = Units.AngleFactor;
     TabelleFüllenNeu();

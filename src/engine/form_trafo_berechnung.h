@@ -6,6 +6,7 @@
 
 #include "core/window.h"
 #include "engine/parameter_kind.h"
+#include "engine/point_table.h"
 
 struct FormTrafoBerechnung {
     WindowState Window{.Caption = "Transformation"};
@@ -108,8 +109,11 @@ struct FormTrafoBerechnung {
     Control BtnUseAllPts = Button("&Use all points");
     Control Tabelle = Grid(1, 1);
 
-    // Last selection of the table that was worth keeping; a menu over the table gives it back.
-    GridRect StoredSelection;
+    // The menu that the right mouse button opens over the table, and the cells that it stands for as text.
+    Control MenuTabelleCopy = Hidden(Menu("&Copy"));
+    std::string CollectedCells;
+
+    PointTable Points;  // what the table shows
 
     static void Form_Load();
     static void Form_Unload();
@@ -158,6 +162,7 @@ struct FormTrafoBerechnung {
     static void Tabelle_SelChange();
     static void Tabelle_RightClick();
     static void Tabelle_Key();
+    static void MenuTabelleCopy_Click();
     static void TextMaxDevXYZPkt_DblClick();
     static void TextMaxDevXPkt_DblClick();
     static void TextMaxDevYPkt_DblClick();
@@ -183,11 +188,11 @@ private:
         control.Locked = true;
         return control;
     }
-    static Control Arrow(const char* shape) {
-        Control control = Label(shape);
+    static Control Hidden(Control control) {
         control.Visible = false;
         return control;
     }
+    static Control Arrow(const char* shape) { return Hidden(Label(shape)); }
 };
 inline FormTrafoBerechnung TrafoWindow;
 extern const WindowEntry FormTrafoBerechnung_Entry;

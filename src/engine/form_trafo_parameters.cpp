@@ -5,6 +5,7 @@
 #include "core/job.h"
 #include "core/units.h"
 #include "engine/calculation_window.h"
+#include "engine/monte_carlo.h"
 #include "engine/selection.h"
 
 namespace {
@@ -187,6 +188,10 @@ void FormTrafoBerechnung::CheckAutoRec_Click() {
     Job.AutoRecalc = ToFlag(w.CheckAutoRec.Value == 1);
 }
 
+void FormTrafoBerechnung::CheckMonteCarlo_Click() {
+    MonteCarlo.MonteCarloOn = ToFlag(w.CheckMonteCarlo.Value == 1);
+}
+
 void INI_Rdist() {
     const std::array<Control*, 3> parts = {&w.TextRvec_x, &w.TextRvec_y, &w.TextRvec_z};
     const auto enableSeeds = [](bool vector, bool distance) {
@@ -361,7 +366,8 @@ void TakeSelection() {
         if (taken.Float[k]) continue;
         const bool angle = KindOf(row.Parameter) == ParameterKind::Angle;
         slots[k] = angle ? SaveWinkelZurück(row.Text->Text) : row.Text->Text;
-        if (slots[k].empty()) slots[k] = "0";  // an empty slot is that of a fresh job
+        // An empty slot is that of a fresh job, and a held field is no number however it is worded.
+        if (slots[k].empty() || slots[k] == kFloat) slots[k] = "0";
     }
     taken.CheckRDist = w.CheckRDist.Value == 1;
     taken.CheckUseABC = w.CheckUseABC.Value == 1;

@@ -1,7 +1,7 @@
 // The result of a calculation in the window's fields: parameters with their sigma and significance, quality
 // with its trend, and the points with the largest deviations.
 #include <cmath>
-#include <limits>
+#include <optional>
 
 #include "core/controller.h"
 #include "core/job.h"
@@ -9,12 +9,14 @@
 #include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
+#include "core/text.h"
 #include "core/units.h"
 #include "engine/calculation.h"
 #include "engine/calculation_window.h"
 #include "engine/clipboard_report.h"
 #include "engine/deviation_extremes.h"
 #include "engine/field_number.h"
+#include "engine/selection.h"
 
 namespace {
 
@@ -37,9 +39,23 @@ bool IsShown(const ParameterControls& row) {
     return true;
 }
 
-// After a refusal a held field keeps what the user has typed into it.
-bool KeepsItsText(const ParameterControls& row) {
-    return Calculation.Refused && row.Check->Value != 1;
+bool SameValue(double a, double b) {
+    constexpr double kRounding = 1e-13;
+    return a == b || std::fabs(a - b) <= kRounding * std::fabs(a);
+}
+
+// A held field is what the next calculation takes its value from. It keeps its text when that says more
+// than the result in the field's format would:
+//   - what the user has typed since the calculation took the field, or what it refused,
+//   - more digits than the format has, or the sign that degrees, minutes and seconds lose,
+//   - a distance or R vector in another unit, since they are taken in mm as they stand.
+bool KeepsItsText(const ParameterControls& row, double value) {
+    if (row.Check->Value == 1) return false;
+    if (Calculation.Refused || row.Text->Text != Selection.FieldText[At(row.Parameter)]) return true;
+    if (row.Parameter == kRDist && IsTrue(CalculationWindow.UseABCActive)) return false;  // only shown
+    if (row.Parameter >= kRDist && Units.LengthFactor != 1) return true;
+    return SameValue(ParameterFromText(row.Parameter, Job.ParamText[At(row.Parameter)]), value) &&
+           !SameValue(ParameterFromText(row.Parameter, Shown(row.Parameter, value)), value);
 }
 
 // How much a scale changes a length, in the words of the length unit; "" where there are none.
@@ -58,10 +74,12 @@ std::string ScaleTip(double scale) {
     return "";
 }
 
-void ShowParameters() {
+// `heldToo` is false where the job's values may not be those of the held fields.
+void ShowParameters(bool heldToo) {
     for (const ParameterControls& row : ParameterRows()) {
         const double value = ParameterValue(Job, row.Parameter);
-        if (IsShown(row) && !KeepsItsText(row)) SetText(*row.Text, Shown(row.Parameter, value));
+        const bool keeps = heldToo ? KeepsItsText(row, value) : row.Check->Value != 1;
+        if (IsShown(row) && !keeps) SetText(*row.Text, Shown(row.Parameter, value));
         row.Text->ToolTip = "delta to last calculation: " +
                             Shown(row.Parameter, value - CalculationWindow.LastSolution[At(row.Parameter)]);
         if (KindOf(row.Parameter) != ParameterKind::Scale) continue;
@@ -140,9 +158,11 @@ void ShowTrends() {
 // ---------------------------------------------------------------------------------------------------
 
 // Where the pictures show R vectors, the pairs too are shown where the parameters put them and not on their
-// target less the residual.
+// target less the residual. The point table has been filled before that, and shows the deviations.
 void TransformPairsForRVectors() {
-    if (IsTrue(Settings.ShowRVec) && Calculation.Finite) TransformAllPoints(nullptr);
+    if (!IsTrue(Settings.ShowRVec) || !Calculation.Finite) return;
+    LookAt(w.Tabelle.Grid);
+    TransformAllPoints(nullptr);
 }
 
 }  // namespace
@@ -155,8 +175,10 @@ void ResetArrows() {
 void FormThings() {
     const bool calculated = CalculationIsOfThisJob();
     if (calculated) {
-        ShowParameters();
-        if (!IsLoaded("FormTrafoBerechnung")) return;  // closed in the question that a rotation may bring up
+        // The question that a rotation may bring up can close the window, and its answer ask for another
+        // calculation; that will show everything.
+        ShowParameters(true);
+        if (!IsLoaded("FormTrafoBerechnung") || CalculationWindow.Again) return;
         ShowTrends();
         ShowQuality();
         ShowSigmas();
@@ -174,32 +196,60 @@ void FormThings() {
 
 namespace {
 
-// A value that the user has typed in the units of before, in the present ones.
-void Convert(Control& text, int parameter) {
-    if (!IsHeldValue(text.Text) || text.Text.empty()) return;
+// The number that a text was meant as; nothing where it is none.
+std::optional<double> NumberMeant(const std::string& text, bool angle) {
+    if (angle && IsItGradMinSek(text)) {
+        std::string rest = text;
+        for (int field = 1; field <= 3; ++field) {
+            double number = 0;
+            const std::string part = Zerpflück(rest, ' ');
+            if (!part.empty() && !TextToNumber(part, number)) return std::nullopt;
+        }
+        return GradMinSekToZahl(text);
+    }
+    const double number = FieldNumber(text);
+    double exact = 0;
+    if (number == 0 && !TextToNumber(text, exact)) return std::nullopt;
+    return number;
+}
+
+// The text of a value in the units of before, in the present ones: as results are shown, and with all its
+// digits where those would not be enough. Distance and R vector are taken in mm whatever the unit.
+std::string InPresentUnits(int parameter, const std::string& text, double lengthBefore, double angleBefore) {
     const ParameterKind kind = KindOf(parameter);
-    if (kind == ParameterKind::Scale) return;
+    if (!IsHeldValue(text) || kind == ParameterKind::Scale || parameter >= kRDist) return text;
     const bool angle = kind == ParameterKind::Angle;
-    const double typed = FieldNumber(angle ? SaveWinkelZurück(text.Text) : text.Text);
-    const bool asItStands = parameter >= kRDist;  // held distances are taken in mm whatever the unit
-    if (asItStands) return;
-    SetText(text, Shown(parameter,
-                        typed / (angle ? CalculationWindow.AngleFactor : CalculationWindow.LengthFactor)));
+    const std::optional<double> number = NumberMeant(text, angle);
+    if (!number || !std::isfinite(*number)) return text;
+    const double value = *number / (angle ? angleBefore : lengthBefore);
+    std::string shown = Shown(parameter, value);
+    if (SameValue(ParameterFromText(parameter, shown), value)) return shown;
+    return PlainText(value * (angle ? Units.AngleFactor : Units.LengthFactor));
 }
 
 }  // namespace
+
+void HeldValues_UnitsChanged(double lengthBefore, double angleBefore) {
+    for (int parameter = kTraX; parameter < kParameterEnd; ++parameter) {
+        std::string& text = Job.ParamText[At(parameter)];
+        if (text.empty()) continue;  // a fresh job
+        const std::string present = InPresentUnits(parameter, text, lengthBefore, angleBefore);
+        if (present != text) text = SaveWinkelZurück(present);
+    }
+}
 
 void CalculationWindow_UnitsChanged() {
     SetStatus(8, Job.LengthUnitName);
     SetStatus(9, Job.AngleUnitName);
     for (const ParameterControls& row : ParameterRows()) {
-        Convert(*row.Text, row.Parameter);
-        Convert(*row.SeedText, row.Parameter);
+        for (Control* const text : {row.Text, row.SeedText})
+            SetText(*text, InPresentUnits(row.Parameter, text->Text, CalculationWindow.LengthFactor,
+                                          CalculationWindow.AngleFactor));
     }
     CalculationWindow.LengthFactor = Units.LengthFactor;
     CalculationWindow.AngleFactor = Units.AngleFactor;
     if (IsTrue(Run.CalcDone) && CalculationIsOfThisJob()) {
-        ShowParameters();
+        ShowParameters(false);
         if (!IsLoaded("FormTrafoBerechnung")) return;
         ShowQuality();
         ShowSigmas();

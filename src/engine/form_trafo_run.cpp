@@ -9,6 +9,8 @@
 #include "engine/calculation.h"
 #include "engine/calculation_window.h"
 #include "engine/clipboard_report.h"
+#include "engine/form_trafo_details.h"
+#include "engine/monte_carlo.h"
 #include "engine/presets.h"
 #include "engine/seed.h"
 #include "engine/selection.h"
@@ -21,6 +23,8 @@ bool WindowIsOpen() {
     return IsLoaded("FormTrafoBerechnung");
 }
 
+// From the click until everything shows the result nothing else begins. Further points from the clipboard
+// end the run that they arrive in with one of their own inside it.
 class Running {
 public:
     Running() {
@@ -28,11 +32,14 @@ public:
         w.BtnCalculate.Enabled = false;
     }
     ~Running() {
-        CalculationWindow.Running = false;
-        w.BtnCalculate.Enabled = true;
+        CalculationWindow.Running = before_;
+        w.BtnCalculate.Enabled = !before_;
     }
     Running(const Running&) = delete;
     Running& operator=(const Running&) = delete;
+
+private:
+    bool before_ = CalculationWindow.Running;
 };
 
 class StopEnabled {
@@ -64,8 +71,6 @@ void PrepareGraphics() {
 }
 
 void Calculate() {
-    const Running running;
-    const StopRequestTaken stop;
     if (IsTrue(Job.IsParaboloid)) {
         CalculateParaboloid();
     } else {
@@ -88,24 +93,41 @@ void TakeChoiceOfJob() {
     ChooseDefaultSeeds();
 }
 
-}  // namespace
-
-void myButtonCalculate() {
-    const BusyPointer busy;
+// Where another calculation is to follow, that one shows everything.
+void CalculateAndShow() {
+    ++CalculationWindow.Started;
+    const StopEnabled stoppable;
+    const StopRequestTaken stop;
     RememberSolution();
     PrepareGraphics();
     if (!WindowIsOpen()) TakeChoiceOfJob();
     const std::uint64_t generation = Run.JobGeneration;
     Calculate();
+    Run.StopRequested = kFalse;  // showing the result is not what was stopped
     // A job whose points were replaced meanwhile is shown by what replaced them.
     if (Run.JobGeneration != generation) return;
     if (WindowIsOpen()) {
+        if (CalculationWindow.Again) return;
         ResetArrows();
         FormThings();
+        if (CalculationWindow.Again && WindowIsOpen()) return;
     } else {
         ReportToClipboard();
     }
     ShowResultElsewhere();
+    const bool spread = IsTrue(MonteCarlo.MonteCarloOn) && IsTrue(MonteCarlo.MonteCarloDone);
+    if (spread) ShowDetails();  // where its statistics stand
+}
+
+}  // namespace
+
+void myButtonCalculate() {
+    const BusyPointer busy;
+    const Running running;
+    do {
+        CalculationWindow.Again = false;
+        CalculateAndShow();
+    } while (CalculationWindow.Again && WindowIsOpen());
 }
 
 double CalculationSigmaXYZ() {
@@ -121,11 +143,7 @@ void FormTrafoBerechnung::BtnCalculate_Click() {
         CalculationWindow.Again = true;
         return;
     }
-    do {
-        CalculationWindow.Again = false;
-        const StopEnabled stop;
-        myButtonCalculate();
-    } while (CalculationWindow.Again && WindowIsOpen());
+    myButtonCalculate();
 }
 
 void FormTrafoBerechnung::BtnSTOP_Click() {
@@ -143,5 +161,5 @@ void FormTrafoBerechnung::BtnSEED_Click() {
 
 void FormTrafoBerechnung::BtnDetails_Click() {
     const BusyPointer busy;
-    ShowWindow("FormTrafoDetails");
+    ShowDetails();
 }

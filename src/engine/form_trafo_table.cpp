@@ -1,21 +1,102 @@
-// The point table.
-#include "engine/calculation_window.h"
+// The point table of the calculation window: how it is filled, its columns, and the buttons about it.
+#include <algorithm>
 
-void TabelleFüllenNeu() {}
-void SchreibeTabellenSpalteBreite_in_ini() {}
-void FormTrafoBerechnung::CheckMeasurement_Click() {}
-void FormTrafoBerechnung::CheckObject_Click() {}
-void FormTrafoBerechnung::CheckDeviation_Click() {}
-void FormTrafoBerechnung::BtnUseAllPts_Click() {}
-void FormTrafoBerechnung::Tabelle_Click() {}
-void FormTrafoBerechnung::Tabelle_DblClick() {}
-void FormTrafoBerechnung::Tabelle_SelChange() {}
-void FormTrafoBerechnung::Tabelle_RightClick() {}
-void FormTrafoBerechnung::Tabelle_Key() {}
-void FormTrafoBerechnung::TextMaxDevXYZPkt_DblClick() {}
-void FormTrafoBerechnung::TextMaxDevXPkt_DblClick() {}
-void FormTrafoBerechnung::TextMaxDevYPkt_DblClick() {}
-void FormTrafoBerechnung::TextMaxDevZPkt_DblClick() {}
-void FormTrafoBerechnung::TextMinDevXPkt_DblClick() {}
-void FormTrafoBerechnung::TextMinDevYPkt_DblClick() {}
-void FormTrafoBerechnung::TextMinDevZPkt_DblClick() {}
+#include "core/form_main.h"
+#include "core/job.h"
+#include "core/numbers.h"
+#include "core/refresh.h"
+#include "core/settings.h"
+#include "core/units.h"
+#include "engine/calculation_window.h"
+#include "engine/seed.h"
+
+namespace {
+
+FormTrafoBerechnung& w = TrafoWindow;
+
+constexpr int kDefaultWidth = 900, kNarrow = 200, kMostWidth = 100000;  // twips
+
+std::string WidthKey(int col) {
+    return "col_fb_" + std::to_string(col);
+}
+
+int WidthFromSettings(int col) {
+    const double width = Val(IniWertLesen(WidthKey(col)));
+    return width >= 1 && width <= kMostWidth ? static_cast<int>(width) : kDefaultWidth;
+}
+
+// What the table shows is taken and sorted when it is first looked at: with many points that takes longer
+// than the calculation.
+void FillNow() {
+    GridState& grid = w.Tabelle.Grid;
+    TakePoints(w.Points);
+    grid.Rows = PointTableRows(w.Points);
+    grid.Cols = kPointCols;
+    grid.Text = [](int row, int col) { return PointTableText(w.Points, row, col); };
+    grid.BackColor = [](int row, int col) { return PointTableBackColor(w.Points, row, col); };
+    grid.Order.clear();
+    if (CalculationWindow.SortCol >= 0)
+        SortGrid(grid, CalculationWindow.SortCol, CalculationWindow.SortDescending);
+    KeepSelectionInside(grid);
+}
+
+}  // namespace
+
+void PreparePointTable() {
+    GridState& grid = w.Tabelle.Grid;
+    w.Tabelle.ToolTip = "Green Fields indicate Seed Points for Raw Solution; Change Seeds with double Click";
+    grid.Cols = kPointCols;
+    grid.ColWidths.assign(kPointCols, 0);
+    grid.ColWidths[0] = kNarrow;
+    for (int col = kColName; col <= kColUseZ; ++col)
+        grid.ColWidths[static_cast<std::size_t>(col)] = WidthFromSettings(col);
+    grid.HiddenCols.assign(kPointCols, false);
+    grid.HiddenCols[kColPoint] = true;
+    grid.Aligns.assign(kPointCols, GridAlign::Left);
+    std::fill_n(grid.Aligns.begin() + kColName, 4, GridAlign::Right);
+    std::fill_n(grid.Aligns.begin() + kColUseX, 3, GridAlign::Centre);
+}
+
+void SchreibeTabellenSpalteBreite_in_ini() {
+    const std::vector<int>& widths = w.Tabelle.Grid.ColWidths;
+    if (widths.size() != kPointCols) return;
+    std::vector<IniLine> lines;
+    for (int col = kColName; col <= kColUseZ; ++col)
+        lines.push_back({"Cols", WidthKey(col), PlainText(widths[static_cast<std::size_t>(col)])});
+    IniWerteSchreiben(lines);
+}
+
+void TabelleFüllenNeu() {
+    PointTable table;
+    table.Measurement = w.CheckMeasurement.Value == 1;
+    table.Object = w.CheckObject.Value == 1;
+    table.Deviation = w.CheckDeviation.Value == 1;
+    if (RowKinds(table) == 0) return;
+    if (Job.nIdent <= UpperBound(Job.MCS_Name)) ChooseDefaultSeeds();
+    table.LengthFactor = Units.LengthFactor;
+    table.Format = Units.FmtLength;
+    std::copy(Job.SeedName.begin() + 1, Job.SeedName.end(), table.Seeds.begin());
+    w.Points = std::move(table);
+    w.Tabelle.Grid.Fill = FillNow;
+}
+
+void FormTrafoBerechnung::CheckMeasurement_Click() {
+    TabelleFüllenNeu();
+}
+void FormTrafoBerechnung::CheckObject_Click() {
+    TabelleFüllenNeu();
+}
+void FormTrafoBerechnung::CheckDeviation_Click() {
+    TabelleFüllenNeu();
+}
+
+void FormTrafoBerechnung::BtnUseAllPts_Click() {
+    const int flags = std::min(3 * Job.nIdent, UpperBound(Job.UseFlags));
+    std::fill_n(Job.UseFlags.begin() + 1, std::max(flags, 0), std::int16_t{1});
+    if (IsTrue(Job.AutoRecalc)) {
+        BtnCalculate_Click();
+    } else {
+        TabelleFüllenNeu();
+    }
+    if (Main.MenueGraphics.Checked) Alle_Fahnen_neu_zeichnen();
+}

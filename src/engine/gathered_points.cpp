@@ -2,6 +2,8 @@
 #include "engine/gathered_points.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 
 #include "core/job.h"
 #include "core/require.h"
@@ -58,6 +60,19 @@ void GatherPoses(GatheredPoints& points) {
     }
 }
 
+// Without a branch for each weight; an array is all ones or has another value near its beginning.
+bool AllOnes(const double* weights, int n) {
+    constexpr int kAtOnce = 1024;
+    constexpr auto kOne = std::bit_cast<std::uint64_t>(1.0);
+    for (int begin = 0; begin < n; begin += kAtOnce) {
+        const int end = std::min(n, begin + kAtOnce);
+        std::uint64_t different = 0;
+        for (int i = begin; i < end; ++i) different |= std::bit_cast<std::uint64_t>(weights[i]) ^ kOne;
+        if (different != 0) return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 void GatherPoints(const Column& P, bool poses, GatheredPoints& points) {
@@ -87,9 +102,10 @@ void GatherPoints(const Column& P, bool poses, GatheredPoints& points) {
 
 void SetWeights(const Column& P, GatheredPoints& points) {
     // Weights that are all 1 are left out of the products, which changes no bit of them.
-    const auto first = P.begin() + 1;
-    points.AllInUse = std::all_of(first, first + 3 * points.Count, [](double weight) { return weight == 1; });
-    points.OnlyInUse = points.AllInUse || std::all_of(first, first + 3 * points.Count, [](double weight) {
+    const double* const first = P.data() + 1;
+    const int n = 3 * points.Count;
+    points.AllInUse = AllOnes(first, n);
+    points.OnlyInUse = points.AllInUse || std::all_of(first, first + n, [](double weight) {
                            return weight == 0 || weight == 1;
                        });
     for (int axis = 0; axis < 3; ++axis) {

@@ -40,6 +40,13 @@ void MatrixMultiply(ConstMatrixView A, int n, int k, ConstMatrixView B, int m, M
     RequireSize(C, n, m);
     Require(C.Data != A.Data && C.Data != B.Data);
     for (int i = 1; i <= n; ++i) {
+        if (m == 1) {
+            // A column: the same sums without a loop over its width.
+            double sum = 0;
+            for (int l = 1; l <= k; ++l) sum = A(i, l) != 0 && B(l, 1) != 0 ? sum + A(i, l) * B(l, 1) : sum;
+            C(i, 1) = sum;
+            continue;
+        }
         double* const c = Row(C, i);
         for (int j = 1; j <= m; ++j) c[j] = 0;
         for (int l = 1; l <= k; ++l) {
@@ -55,7 +62,12 @@ void MatrixMultiply(ConstMatrixView A, int n, int k, ConstMatrixView B, int m, M
 
 Mat3 MatrixProduct(const Mat3& A, const Mat3& B) {
     Mat3 C;
-    MatrixMultiply(A, 3, 3, B, 3, C);
+    for (int i = 1; i <= 3; ++i)
+        for (int j = 1; j <= 3; ++j) {
+            double sum = 0;
+            for (int l = 1; l <= 3; ++l) sum = A(i, l) != 0 && B(l, j) != 0 ? sum + A(i, l) * B(l, j) : sum;
+            C(i, j) = sum;
+        }
     return C;
 }
 
@@ -90,15 +102,15 @@ void MatrixInverse(ConstMatrixView A, int n, int m, MatrixView B) {
         for (int i = 1; i <= m; ++i) std::copy_n(Row(A, i) + 1, n, Row(B, i) + 1);
     for (int k = 1; k <= n; ++k) {
         double* const rowK = Row(B, k);
-        const double pivot = rowK[k] = 1 / (1e-12 + rowK[k]);
-        for (int j = 1; j <= n; ++j)
-            if (j != k) rowK[j] = -rowK[j] * pivot;
+        const double pivot = 1 / (1e-12 + rowK[k]);
+        for (int j = 1; j <= n; ++j) rowK[j] = -rowK[j] * pivot;
+        rowK[k] = pivot;
         for (int i = 1; i <= n; ++i) {
             if (i == k) continue;
-            double* const row = Row(B, i);
+            // Column k goes along, to keep the loop whole, and is put right behind it.
+            double* __restrict const row = Row(B, i);
             const double factor = row[k];
-            for (int j = 1; j < k; ++j) row[j] += factor * rowK[j];
-            for (int j = k + 1; j <= n; ++j) row[j] += factor * rowK[j];
+            for (int j = 1; j <= n; ++j) row[j] += factor * rowK[j];
             row[k] = factor * pivot;
         }
     }
@@ -114,6 +126,13 @@ void MatrixCompare(ConstMatrixView A, ConstMatrixView B, double tolerance, doubl
             sum += difference;
             if (difference > tolerance) equal = false;
         }
+}
+
+bool IsFinite(const Mat3& M) {
+    for (int i = 1; i <= 3; ++i)
+        for (int j = 1; j <= 3; ++j)
+            if (!std::isfinite(M(i, j))) return false;
+    return true;
 }
 
 void MatrixDeleteRowOrColumn(ConstMatrixView A, int rows, int columns, MatrixView B, int& newRows,

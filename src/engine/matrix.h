@@ -67,6 +67,9 @@ void MatrixInverse(ConstMatrixView A, int n, int m, MatrixView B);
 // sum 0 and equal true.
 void MatrixCompare(ConstMatrixView A, ConstMatrixView B, double tolerance, double& sum, bool& equal);
 
+// Whether every element is a number, neither infinite nor undefined.
+bool IsFinite(const Mat3& M);
+
 // Copies A without one row (`row` true) or without one column; what stands behind `index` moves up.
 void MatrixDeleteRowOrColumn(ConstMatrixView A, int rows, int columns, MatrixView B, int& newRows,
                              int& newColumns, bool row, int index);

@@ -11,14 +11,20 @@ namespace {
 
 constexpr int kMomentBlock = 512;  // points a block, in the nearest cache for its three axes
 constexpr int kProducts = 10;      // w, wx, wy, wz, wxx, wxy, wxz, wyy, wyz, wzz
+constexpr int kAbsolute = 4 + kProducts;
+constexpr int kToolSums = 21;  // wlg, wlh, wli; for g, h and i: w, wx, wy, wz; wgg, wgh, wgi, whh, whi, wii
+constexpr int kSums = kAbsolute + 1 + kToolSums;
 
-// Four sums with the observation and ten products for each axis, in eight lanes.
+std::size_t At(int i) {
+    return static_cast<std::size_t>(i);
+}
+
+// For each axis four sums with the observation, ten products, the sum of absolute values and what the tool
+// vector needs, in eight lanes.
 struct MomentSums {
-    alignas(kLaneAlignment) std::array<double, 3 * (4 + kProducts) * kLanes> Lanes{};
+    alignas(kLaneAlignment) std::array<double, 3 * kSums * kLanes> Lanes{};
 
-    double* Place(int axis, int sum) {
-        return &Lanes[static_cast<std::size_t>(((axis - 1) * (4 + kProducts) + sum) * kLanes)];
-    }
+    double* Place(int axis, int sum) { return &Lanes[At(((axis - 1) * kSums + sum) * kLanes)]; }
 };
 
 struct MomentBlock {
@@ -31,19 +37,28 @@ struct MomentBlock {
                 points.Start[2].data() + first} {}
 };
 
+// Weights and weighted observations of a block along one axis.
+struct ToolScratch {
+    alignas(kLaneAlignment) double Weight[kMomentBlock], Observed[kMomentBlock];
+};
+
 struct AxisOfPass {
     const double* Target;
     const double* Weight = nullptr;  // null: all weights are 1
-    double Shift, M[3];
+    const double* Pose[3] = {};
+    double Shift, M[3], Tool[3];
 
     // The points that fill up the last group of lanes have weight 0 in any case, for which `tail` has room.
-    AxisOfPass(const GatheredPoints& points, const MomentBlock& block, const Linearisation& at, int first,
-               int axis, double* tail)
-        : Target(points.Target[static_cast<std::size_t>(axis - 1)].data() + first),
+    AxisOfPass(const GatheredPoints& points, const MomentBlock& block, const Linearisation& at,
+               const MomentPass& pass, int first, int axis, double* tail)
+        : Target(points.Target[At(axis - 1)].data() + first),
           Shift(at.Shift(axis)),
-          M{at.M(axis, 1), at.M(axis, 2), at.M(axis, 3)} {
+          M{at.M(axis, 1), at.M(axis, 2), at.M(axis, 3)},
+          Tool{at.Tool(1), at.Tool(2), at.Tool(3)} {
+        if (pass.Tool)
+            for (int j = 0; j < 3; ++j) Pose[j] = points.Pose[At(3 * (axis - 1) + j)].data() + first;
         if (!points.AllInUse) {
-            Weight = points.Weight[static_cast<std::size_t>(axis - 1)].data() + first;
+            Weight = points.Weight[At(axis - 1)].data() + first;
         } else if (first + block.Count > points.Count) {
             for (int p = 0; p < block.Count; ++p) tail[p] = first + p < points.Count ? 1 : 0;
             Weight = tail;
@@ -79,99 +94,182 @@ namespace lanes128 {
 #undef LANES_WIDTH
 }  // namespace lanes128
 
-std::size_t At(int i) {
-    return static_cast<std::size_t>(i);
-}
-
 // From the lanes to the matrices. Without weights the products of the first axis serve all three.
-void PutTogether(const GatheredPoints& points, MomentSums& sums, PointMoments& moments) {
+void PutTogether(const GatheredPoints& points, const MomentPass& pass, MomentSums& sums,
+                 PointMoments& moments) {
     constexpr std::array<std::array<int, 4>, 4> kPlaceOf = {
         {{0, 1, 2, 3}, {1, 4, 5, 6}, {2, 5, 7, 8}, {3, 6, 8, 9}}};
+    const bool noWeights = points.AllInUse && !pass.Reweighted;
     for (int axis = 1; axis <= 3; ++axis) {
-        const int from = points.AllInUse ? 1 : axis;
+        const int from = noWeights ? 1 : axis;
         for (int row = 0; row < 4; ++row) {
             moments.m[At(axis)][At(row)] = SumOfLanes(sums.Place(axis, row));
             for (int column = 0; column < 4; ++column)
                 moments.B[At(axis)][At(row)][At(column)] =
                     SumOfLanes(sums.Place(from, 4 + kPlaceOf[At(row)][At(column)]));
         }
-        if (points.AllInUse) moments.B[At(axis)][0][0] = points.Count;
+        if (noWeights) moments.B[At(axis)][0][0] = points.Count;
+    }
+    moments.AbsoluteSum = 0;
+    if (!pass.Reweighted) return;
+    for (int axis = 1; axis <= 3; ++axis) moments.AbsoluteSum += SumOfLanes(sums.Place(axis, kAbsolute));
+}
+
+void PutToolTogether(MomentSums& sums, PointMoments& moments) {
+    constexpr std::array<std::array<int, 3>, 3> kPlaceOf = {{{15, 16, 17}, {16, 18, 19}, {17, 19, 20}}};
+    for (int axis = 1; axis <= 3; ++axis) {
+        const auto sum = [&sums, axis](int k) { return SumOfLanes(sums.Place(axis, kAbsolute + 1 + k)); };
+        auto& B = moments.B[At(axis)];
+        for (int j = 0; j < 3; ++j) {
+            moments.m[At(axis)][At(4 + j)] = sum(j);
+            for (int k = 0; k < 4; ++k) B[At(4 + j)][At(k)] = B[At(k)][At(4 + j)] = sum(3 + 4 * j + k);
+            for (int k = 0; k < 3; ++k) B[At(4 + j)][At(4 + k)] = sum(kPlaceOf[At(j)][At(k)]);
+        }
     }
 }
 
-// The columns of one axis as linear forms of [1 p].
+using Form = std::array<double, kMostPlaces>;
+using Square = std::array<Form, kMostPlaces>;
+
+// The columns of one axis as linear forms of [1 p g].
 struct AxisForms {
+    static constexpr int kMost = kMostInner + 4;
     int Count = 0;
-    std::array<int, kMostInner + 1> Unknown{};
-    std::array<std::array<double, 4>, kMostInner + 1> Form{};
+    std::array<int, kMost> Unknown{};
+    std::array<Form, kMost> Forms;
 
     AxisForms(const FitModel& model, const Linearisation& at, int axis) {
         for (int k = 0; k < at.InnerCount; ++k) {
             const InnerDerivative& inner = at.Inner[At(k)];
             Add(inner.Unknown, {at.Held(inner, axis), inner.D(axis, 1), inner.D(axis, 2), inner.D(axis, 3)});
         }
-        if (at.AxisFloats[At(axis)]) Add(model.UnknownOf[At(kTraX + axis - 1)], {1, 0, 0, 0});
+        if (model.Mode == FitMode::Tool && model.ToolFloats)
+            for (int j = 0; j < 3; ++j) {
+                Form pose{};
+                pose[At(4 + j)] = 1;
+                Add(model.UnknownOf[At(kRvecX + j)], pose);
+            }
+        if (at.AxisFloats[At(axis)]) Add(model.UnknownOf[At(kTraX + axis - 1)], {1});
     }
-    void Add(int unknown, const std::array<double, 4>& form) {
+    void Add(int unknown, const Form& form) {
         Unknown[At(Count)] = unknown;
-        Form[At(Count++)] = form;
+        Forms[At(Count++)] = form;
     }
 };
 
-using Square = std::array<std::array<double, 4>, 4>;
-
-std::array<double, 4> Times(const Square& B, const std::array<double, 4>& form) {
-    std::array<double, 4> result{};
-    for (std::size_t row = 0; row < 4; ++row)
-        for (std::size_t column = 0; column < 4; ++column) result[row] += B[row][column] * form[column];
+// Products with the first places of a form; a constant number of them, so that loops have no ends. B is
+// symmetric, so its columns are read as rows, and all sums grow side by side.
+template <int Places>
+Form Times(const Square& B, const Form& form) {
+    Form result{};
+    for (std::size_t column = 0; column < Places; ++column)
+        for (std::size_t row = 0; row < Places; ++row) result[row] += B[column][row] * form[column];
     return result;
 }
 
-double Product(const std::array<double, 4>& a, const std::array<double, 4>& b) {
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2] + a[3] * b[3];
-}
-
-// The largest that f'B f could be with these absolute values: what its rounding goes by.
-double ProductWithoutSigns(const Square& B, const std::array<double, 4>& form) {
+template <int Places>
+double Product(const Form& a, const Form& b) {
     double sum = 0;
-    for (std::size_t row = 0; row < 4; ++row)
-        for (std::size_t column = 0; column < 4; ++column)
-            sum += std::fabs(form[row] * B[row][column] * form[column]);
+    for (std::size_t k = 0; k < Places; ++k) sum += a[k] * b[k];
     return sum;
 }
 
-// What the shift and the matrix have changed by since the moments were taken, as a form of [1 p].
-std::array<double, 4> Change(const Linearisation& at, const PointMoments& moments, int axis) {
-    return {at.Shift(axis) - moments.Shift(axis), at.M(axis, 1) - moments.M(axis, 1),
-            at.M(axis, 2) - moments.M(axis, 2), at.M(axis, 3) - moments.M(axis, 3)};
+// The largest that f'B f could be with these absolute values: what its rounding goes by.
+template <int Places>
+double ProductWithoutSigns(const Square& B, const Form& form) {
+    double sum = 0;
+    for (std::size_t row = 0; row < Places; ++row) {
+        double ofRow = 0;
+        for (std::size_t column = 0; column < Places; ++column)
+            ofRow += std::fabs(B[row][column] * form[column]);
+        sum += std::fabs(form[row]) * ofRow;
+    }
+    return sum;
+}
+
+// What shift, matrix and tool have changed by since the moments were taken, as a form of [1 p g].
+Form Change(const Linearisation& at, const PointMoments& moments, int axis) {
+    Form change = {at.Shift(axis) - moments.Shift(axis), at.M(axis, 1) - moments.M(axis, 1),
+                   at.M(axis, 2) - moments.M(axis, 2), at.M(axis, 3) - moments.M(axis, 3)};
+    if (moments.Places == kMostPlaces)
+        for (int j = 1; j <= 3; ++j) change[At(3 + j)] = at.Tool(j) - moments.Tool(j);
+    return change;
+}
+
+template <int Places>
+void AddAxis(const FitModel& model, const Linearisation& at, const PointMoments& moments, int axis, Matrix& N,
+             Column& w, Column& withoutSigns) {
+    const AxisForms forms(model, at, axis);
+    const Square& B = moments.B[At(axis)];
+    Form l = Times<Places>(B, Change(at, moments, axis));
+    for (std::size_t k = 0; k < Places; ++k) l[k] = moments.m[At(axis)][k] - l[k];
+    for (int i = 0; i < forms.Count; ++i) {
+        const int row = forms.Unknown[At(i)];
+        w[At(row)] += Product<Places>(forms.Forms[At(i)], l);
+        withoutSigns[At(row)] += ProductWithoutSigns<Places>(B, forms.Forms[At(i)]);
+        const Form BForm = Times<Places>(B, forms.Forms[At(i)]);
+        double* const sums = N.Row(row);
+        for (int j = 0; j <= i; ++j) sums[forms.Unknown[At(j)]] += Product<Places>(BForm, forms.Forms[At(j)]);
+    }
 }
 
 }  // namespace
 
-void SumMoments(const GatheredPoints& points, const Linearisation& at, VectorWidth width,
+bool MomentsServe(const FitModel& model, const GatheredPoints& points) {
+    return model.Mode != FitMode::Distance && points.OnlyInUse && !points.ByRows;
+}
+
+void SumMoments(const GatheredPoints& points, const Linearisation& at, const MomentPass& pass,
                 PointMoments& moments) {
-    Require(width <= WidestVectors());
+    Require(pass.Width <= WidestVectors());
     MomentSums sums;
-    switch (width) {
+    switch (pass.Width) {
 #if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
         case VectorWidth::Eight:
-            lanes512::Pass(points, at, sums);
+            lanes512::Pass(points, at, pass, sums);
             break;
         case VectorWidth::Four:
-            lanes256::Pass(points, at, sums);
+            lanes256::Pass(points, at, pass, sums);
             break;
 #endif
         default:
-            lanes128::Pass(points, at, sums);
+            lanes128::Pass(points, at, pass, sums);
     }
     moments.M = at.M;
     moments.Shift = at.Shift;
-    PutTogether(points, sums, moments);
+    moments.Tool = pass.Tool ? at.Tool : Vec3{};
+    moments.Places = pass.Tool ? kMostPlaces : 4;
+    moments.Reweighted = pass.Reweighted;
+    PutTogether(points, pass, sums, moments);
+    if (pass.Tool) PutToolTogether(sums, moments);
 }
 
 void SumMoments(const GatheredPoints& points, const Linearisation& at, PointMoments& moments) {
-    static const VectorWidth widest = WidestVectors();
-    SumMoments(points, at, widest, moments);
+    SumMoments(points, at, MomentPass{}, moments);
+}
+
+void TakeResidualWeights(const PointMoments& moments, GatheredPoints& points) {
+    const bool tool = moments.Places == kMostPlaces;
+    for (int axis = 1; axis <= 3; ++axis) {
+        LaneArray& weight = points.Weight[At(axis - 1)];
+        if (points.AllInUse) {
+            weight.resize(At(points.Padded));
+            for (int k = 0; k < points.Padded; ++k) weight[At(k)] = k < points.Count ? 1 : 0;
+        }
+        for (std::size_t k = 0; k < At(points.Count); ++k) {
+            if (weight[k] == 0) continue;
+            double l = (points.Target[At(axis - 1)][k] - moments.Shift(axis)) -
+                       (moments.M(axis, 1) * points.Start[0][k] + moments.M(axis, 2) * points.Start[1][k] +
+                        moments.M(axis, 3) * points.Start[2][k]);
+            if (tool) {
+                const auto* pose = &points.Pose[At(3 * (axis - 1))];
+                l -= moments.Tool(1) * pose[0][k] + moments.Tool(2) * pose[1][k] +
+                     moments.Tool(3) * pose[2][k];
+            }
+            weight[k] = ResidualWeight(l);
+        }
+    }
+    points.AllInUse = points.OnlyInUse = false;
 }
 
 bool NormalEquations(const FitModel& model, const Linearisation& at, const PointMoments& moments, Matrix& N,
@@ -184,24 +282,13 @@ bool NormalEquations(const FitModel& model, const Linearisation& at, const Point
         w[At(i)] = 0;
         for (int j = 1; j <= u; ++j) N(i, j) = 0;
     }
-    for (int axis = 1; axis <= 3; ++axis) {
-        const AxisForms forms(model, at, axis);
-        const Square& B = moments.B[At(axis)];
-        std::array<double, 4> l = Times(B, Change(at, moments, axis));
-        for (std::size_t k = 0; k < 4; ++k) l[k] = moments.m[At(axis)][k] - l[k];
-        for (int i = 0; i < forms.Count; ++i) {
-            const int row = forms.Unknown[At(i)];
-            w[At(row)] += Product(forms.Form[At(i)], l);
-            withoutSigns[At(row)] += ProductWithoutSigns(B, forms.Form[At(i)]);
-            const std::array<double, 4> BForm = Times(B, forms.Form[At(i)]);
-            for (int j = i; j < forms.Count; ++j) {
-                const int column = forms.Unknown[At(j)];
-                const double sum = Product(BForm, forms.Form[At(j)]);
-                N(row, column) += sum;
-                if (row != column) N(column, row) += sum;
-            }
-        }
-    }
+    const bool tool = moments.Places == kMostPlaces;
+    for (int axis = 1; axis <= 3; ++axis)
+        tool ? AddAxis<kMostPlaces>(model, at, moments, axis, N, w, withoutSigns)
+             : AddAxis<4>(model, at, moments, axis, N, w, withoutSigns);
+    // An axis adds a product once, on whatever side of the diagonal.
+    for (int i = 1; i <= u; ++i)
+        for (int j = 1; j < i; ++j) N(i, j) = N(j, i) = N(i, j) + N(j, i);
     for (int i = 1; i <= u; ++i)
         if (N(i, i) < kLeastShare * withoutSigns[At(i)]) return false;
     return true;
@@ -211,12 +298,12 @@ double MovedSince(const Linearisation& at, const PointMoments& moments) {
     double moved = 0, size = 0;
     for (int axis = 1; axis <= 3; ++axis) {
         const Square& B = moments.B[At(axis)];
-        const std::array<double, 4> change = Change(at, moments, axis);
+        const Form change = Change(at, moments, axis);
         double way = std::fabs(change[0]);
-        for (std::size_t k = 1; k < 4; ++k) {
+        for (std::size_t k = 1; k < At(moments.Places); ++k) {
             const double extent = B[0][0] > 0 ? std::sqrt(B[k][k] / B[0][0]) : 0;
             way += std::fabs(change[k]) * extent;
-            size = std::fmax(size, extent);
+            if (k < 4) size = std::fmax(size, extent);
         }
         moved = std::fmax(moved, way);
     }

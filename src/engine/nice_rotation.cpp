@@ -2,6 +2,7 @@
 #include "engine/nice_rotation.h"
 
 #include <cmath>
+#include <numbers>
 
 #include "core/job.h"
 #include "engine/matrix.h"
@@ -10,12 +11,32 @@
 
 namespace {
 
-// Sum over the elements. The ten digits of the library's pi leave about 1e-9; anything above that is
-// another rotation.
+// Of one angle, or the sum over the elements of the matrix. The ten digits of the library's pi leave about
+// 1e-9; anything above that is another rotation.
 constexpr double kSameRotation = 1e-8;
 
 double SumOfAngles(const Vec3& angles) {
     return std::fabs(angles(1)) + std::fabs(angles(2)) + std::fabs(angles(3));
+}
+
+// A triple near `wanted` up to whole turns, moved to where that stands.
+bool MoveTo(const Vec3& wanted, Vec3& angles) {
+    constexpr double kTurn = 2 * std::numbers::pi;
+    for (int k = 1; k <= 3; ++k) {
+        angles(k) += kTurn * std::round((wanted(k) - angles(k)) / kTurn);
+        if (!(std::fabs(angles(k) - wanted(k)) < kSameRotation)) return false;
+    }
+    return true;
+}
+
+// The two triples of a rotation follow from each other by half turns. So the decomposition, whose circle
+// is short by 2e-10 rad, has to tell only which one it is, and no digits are lost.
+Vec3 WithAllDigits(const Vec3& wanted) {
+    constexpr double kHalfTurn = std::numbers::pi;
+    Vec3 present(Job.RotX, Job.RotY, Job.RotZ);
+    if (MoveTo(wanted, present)) return present;
+    Vec3 other(Job.RotX + kHalfTurn, kHalfTurn - Job.RotY, Job.RotZ + kHalfTurn);
+    return MoveTo(wanted, other) ? other : wanted;
 }
 
 }  // namespace
@@ -25,7 +46,7 @@ void NiceRotSol() {
     RotMatrixXYZ(Job.RotX, Job.RotY, Job.RotZ, R);
     Vec3 first, second;
     EulerFromMatrixXYZ(R, first, second);
-    const Vec3& nicer = SumOfAngles(first) < SumOfAngles(second) ? first : second;
+    const Vec3 nicer = WithAllDigits(SumOfAngles(first) < SumOfAngles(second) ? first : second);
 
     Mat3 rebuilt;
     RotMatrixXYZ(nicer(1), nicer(2), nicer(3), rebuilt);

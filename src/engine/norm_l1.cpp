@@ -7,6 +7,8 @@
 #include "core/run.h"
 #include "core/units.h"
 #include "engine/adjustment.h"
+#include "engine/moments.h"
+#include "engine/normal_equations.h"
 #include "engine/norms.h"
 
 namespace {
@@ -14,9 +16,6 @@ namespace {
 std::size_t At(int i) {
     return static_cast<std::size_t>(i);
 }
-
-// Keeps a residual of 0 from an infinite weight.
-constexpr double kLeastResidual = 1e-12;
 
 // Each round lowers the sum, except for what rounding adds to it. So many rounds without a new lowest
 // sum mean that rounding is larger than the tolerance.
@@ -28,9 +27,8 @@ double Reweight(const Column& v, int n, Column& P) {
     double d = 0;
     for (int i = 1; i <= n; ++i) {
         if (P[At(i)] == 0) continue;
-        const double residual = std::fabs(v[At(i)]);
-        P[At(i)] = 1 / (kLeastResidual + residual);
-        d += residual;
+        P[At(i)] = ResidualWeight(v[At(i)]);
+        d += std::fabs(v[At(i)]);
     }
     return d;
 }
@@ -47,29 +45,77 @@ double ReweightDistances(const Column& v, int n, Column& P) {
     return d / 3;
 }
 
+// The loop's fits and the reweighting behind each. As long as the points' moments serve, a round is one
+// pass over the points: it takes the residuals of the last fit, their sum, and the sums of the next fit
+// with the weights that the residuals make. These sums are taken where the last fit has ended, so that
+// even the heaviest rows say little that is still to be told, and drown nothing of the others.
+struct L1Rounds {
+    NormFit& Fit;
+    FitOnMoments Last;
+    bool ByMoments = false;
+
+    // False when the job's points were replaced meanwhile.
+    bool Next() {
+        if (ByMoments) {
+            BestFitIteration(Fit.u, Fit.n, Fit.ParamText, Fit.Q, Fit.Points, Last);
+            if (Adjustment.JobChanged) return false;
+            if (!Last.ByMoments || !Adjustment.Converged) LeaveMoments();
+            return true;
+        }
+        BestFitIteration(Fit.u, Fit.n, Fit.ParamText, Fit.Q, Fit.v, Fit.P, Fit.Points);
+        if (Adjustment.JobChanged) return false;
+        ByMoments =
+            Norm.Iterations == 1 && Adjustment.Converged && MomentsServe(Adjustment.Model, Fit.Points);
+        return true;
+    }
+
+    // The sum of absolute residuals of the last fit.
+    double Reweigh() {
+        if (ByMoments) {
+            const bool tool = Adjustment.Model.Mode == FitMode::Tool;
+            SumMoments(Fit.Points, Linearise(Adjustment.Model, Fit.Points),
+                       {.Tool = tool, .Reweighted = true}, Last.Moments);
+            return Last.Moments.AbsoluteSum;
+        }
+        return Adjustment.Model.Mode == FitMode::Distance ? ReweightDistances(Fit.v, Fit.n, Fit.P)
+                                                          : Reweight(Fit.v, Fit.n, Fit.P);
+    }
+
+    void End() {
+        if (!ByMoments) return;
+        if (Norm.Iterations > 1) LeaveMoments();
+        Reweight(Fit.v, Fit.n, Fit.P);
+    }
+
+    // The last fit's residuals come from the points. The weights have stayed 0 and 1 up to here.
+    void LeaveMoments() {
+        ByMoments = false;
+        Residuals(Fit.Points, Adjustment.Model, Last.At, Last.Centred, Fit.v);
+    }
+};
+
 }  // namespace
 
 bool FitL1(NormFit& fit) {
     Norm.NormTolerance = 1e-3;
+    L1Rounds rounds{.Fit = fit};
     double d = 1e12, lowest = d;
     int idle = 0;
-    for (;;) {
+    bool goOn = true;
+    while (goOn) {
         const double dPrev = d;
         ++Norm.Iterations;
-        BestFitIteration(fit.u, fit.n, fit.ParamText, fit.Q, fit.v, fit.P, fit.Points);
-        if (Adjustment.JobChanged) return false;
-        const bool distances = Adjustment.Model.Mode == FitMode::Distance;
-        d = distances ? ReweightDistances(fit.v, fit.n, fit.P) : Reweight(fit.v, fit.n, fit.P);
+        if (!rounds.Next()) return false;
+        d = rounds.Reweigh();
         const double change = std::fabs(d - dPrev);
         SetStatus(7, "d[v]: " + PlainText(change * Units.LengthFactor));
         SetStatus(6, "L1 Iterationen: " + std::to_string(Norm.Iterations));
-        if (IsTrue(Run.StopRequested) || !Adjustment.Converged) return true;
-        if (change < Norm.NormTolerance) {
-            Norm.Converged = true;
-            return true;
-        }
         idle = d < lowest ? 0 : idle + 1;
         lowest = std::fmin(lowest, d);
-        if (idle == kMostIdleRounds || Norm.Iterations == kMostNormRounds) return true;
+        const bool mayGoOn = !IsTrue(Run.StopRequested) && Adjustment.Converged;
+        Norm.Converged = mayGoOn && change < Norm.NormTolerance;
+        goOn = mayGoOn && !Norm.Converged && idle < kMostIdleRounds && Norm.Iterations < kMostNormRounds;
     }
+    rounds.End();
+    return true;
 }

@@ -1,7 +1,9 @@
 // The normal equations of a fit and their solution.
 #include "engine/normal_equations.h"
 
+#include <algorithm>
 #include <cmath>
+#include <string>
 
 #include "core/controller.h"
 #include "engine/matrix.h"
@@ -61,18 +63,82 @@ void NormalEquations(const FitModel& model, const Linearisation& at, NormalSums&
     }
 }
 
+namespace {
+
+#if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
+#define ON_ANY_VECTORS __attribute__((target_clones("avx512f", "avx2", "default")))
+#else
+#define ON_ANY_VECTORS
+#endif
+
+// The inverse as MatrixInverse has it, operation by operation, for matrices whose rows fit into one or two
+// groups of lanes. What stands in the lanes behind the row is never looked at.
+template <int Lanes>
+inline void Invert(int u, double (*B)[Lanes]) {
+    for (int k = 0; k < u; ++k) {
+        const double pivot = 1 / (1e-12 + B[k][k]);
+        double rowK[Lanes];
+        for (int j = 0; j < Lanes; ++j) rowK[j] = -B[k][j] * pivot;
+        for (int i = 0; i < u; ++i) {
+            const double factor = B[i][k];
+            for (int j = 0; j < Lanes; ++j) B[i][j] += factor * rowK[j];
+            B[i][k] = factor * pivot;
+        }
+        for (int j = 0; j < Lanes; ++j) B[k][j] = rowK[j];
+        B[k][k] = pivot;
+    }
+}
+ON_ANY_VECTORS void Invert8(int u, double (*B)[8]) {
+    Invert<8>(u, B);
+}
+ON_ANY_VECTORS void Invert16(int u, double (*B)[16]) {
+    Invert<16>(u, B);
+}
+
+#undef ON_ANY_VECTORS
+
+template <int Lanes, class Inversion>
+void InverseInLanes(const Matrix& N, int u, Inversion invert, Matrix& Q) {
+    alignas(kLaneAlignment) double B[Lanes][Lanes] = {};
+    for (int i = 0; i < u; ++i) std::copy_n(N.Row(i + 1) + 1, u, B[i]);
+    invert(u, B);
+    for (int i = 0; i < u; ++i) std::copy_n(B[i], u, Q.Row(i + 1) + 1);
+}
+
+void Inverse(const Matrix& N, int u, Matrix& Q) {
+    if (u <= 8) {
+        InverseInLanes<8>(N, u, Invert8, Q);
+    } else if (u <= 16) {
+        InverseInLanes<16>(N, u, Invert16, Q);
+    } else {
+        MatrixInverse(N, u, u, Q);
+    }
+}
+
+}  // namespace
+
+void SolveSilently(const Matrix& N, const Column& w, int u, Matrix& Q, Column& x) {
+    Inverse(N, u, Q);
+    MatrixMultiply(Q, u, u, w, 1, x);
+}
+
 void SolveNormalEquations(const Matrix& N, const Column& w, int u, int iterations, Matrix& Q, Column& x) {
+    // Texts that are there already, so that a step of the status costs no memory.
+    static const std::string transposed = "calculating A transposed...", AtP = "calculating At * P... ",
+                             AtPA = "calculating At * P * A... ", inversion = "doing Matrix inversion...",
+                             AtPl = "calculating At * P * l... ", result = "calculating Resultsvector... ",
+                             corrections = "calculating corrections... ";
     SetStatus(1, "Iteration " + std::to_string(iterations));
     // The products of the rows are in N and w already, summed block by block.
-    SetStatus(2, "calculating A transposed...");
-    SetStatus(2, "calculating At * P... ");
-    SetStatus(2, "calculating At * P * A... ");
-    SetStatus(2, "doing Matrix inversion...");
-    MatrixInverse(N, u, u, Q);
-    SetStatus(2, "calculating At * P * l... ");
-    SetStatus(2, "calculating Resultsvector... ");
+    SetStatus(2, transposed);
+    SetStatus(2, AtP);
+    SetStatus(2, AtPA);
+    SetStatus(2, inversion);
+    Inverse(N, u, Q);
+    SetStatus(2, AtPl);
+    SetStatus(2, result);
     MatrixMultiply(Q, u, u, w, 1, x);
-    SetStatus(2, "calculating corrections... ");
+    SetStatus(2, corrections);
 }
 
 void FromCentre(const FitModel& model, const Linearisation& at, Column& x) {

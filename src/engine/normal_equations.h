@@ -48,6 +48,9 @@ void NormalEquations(const FitModel& model, const Linearisation& at, NormalSums&
 // values and no failure. Writes panels 1 and 2 of the status bar.
 void SolveNormalEquations(const Matrix& N, const Column& w, int u, int iterations, Matrix& Q, Column& x);
 
+// The same without a word in the status bar.
+void SolveSilently(const Matrix& N, const Column& w, int u, Matrix& Q, Column& x);
+
 // From the centred unknowns to the parameters themselves: x = L x', Q = L Q' L'.
 void FromCentre(const FitModel& model, const Linearisation& at, Column& x);
 void FromCentre(const FitModel& model, const Linearisation& at, Matrix& Q);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <limits>
 #include <string>
 
 #include "core/arrays.h"
@@ -13,6 +14,13 @@ struct NormRecord {
     double NormTolerance = 1e-10;  // change at which a loop ends: of the sum (L1) or the largest (Loo), mm
     int Iterations = 0;            // fits of the loop; 0 for least squares
     bool Converged = false;        // the loop ended by its own rule and its last fit converged
+    // Behind the loops of L1 and Loo: run on to the true optimum. Stays as it is from calculation to
+    // calculation.
+    bool RunOn = false;
+    int Linearisations = 0, Exchanges = 0;  // that it took
+    // How far the sum (L1) or the largest (Loo) can at most be above that of the optimum, mm. Infinite where
+    // the points leave an unknown open; NaN where nothing was run on.
+    double AboveOptimum = std::numeric_limits<double>::quiet_NaN();
 };
 inline NormRecord Norm;
 
@@ -32,6 +40,7 @@ struct NormFit {
 // The result is in the job's parameters and in `fit`. A stop ends each loop at its next test. A fit that
 // runs into Settings.MaxIteration or whose result is no number ends the loop too: all fits behind would
 // do the same, each with its message.
+// With Norm.RunOn the loops of L1 and Loo are followed by the way to their optimum.
 // Reads Job.NormType and Job.UseFlags; writes Norm, Adjustment, the job's parameters, panels 6 and 7.
 bool FitInNorm(NormFit& fit);
 

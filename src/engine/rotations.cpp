@@ -12,18 +12,36 @@ namespace {
 // What every quotient adds to its denominator.
 constexpr double kTiny = 1e-10 / 10000;
 
-// Sine and cosine of the three angles of a form.
-struct Circle {
-    double Sin, Cos;
-    explicit Circle(double angle) : Sin(std::sin(angle)), Cos(std::cos(angle)) {}
-};
-
 void SetRows(Mat3& R, const Vec3& row1, const Vec3& row2, const Vec3& row3) {
     for (int j = 1; j <= 3; ++j) {
         R(1, j) = row1(j);
         R(2, j) = row2(j);
         R(3, j) = row3(j);
     }
+}
+
+void MatrixYXZ(const Circle& A, const Circle& B, const Circle& C, Mat3& R) {
+    SetRows(R, {B.Cos * C.Cos - A.Sin * B.Sin * C.Sin, B.Cos * C.Sin + A.Sin * B.Sin * C.Cos, -B.Sin * A.Cos},
+            {-A.Cos * C.Sin, A.Cos * C.Cos, A.Sin},
+            {B.Sin * C.Cos + B.Cos * A.Sin * C.Sin, B.Sin * C.Sin - B.Cos * A.Sin * C.Cos, B.Cos * A.Cos});
+}
+
+void MatrixZYX(const Circle& A, const Circle& B, const Circle& C, Mat3& R) {
+    SetRows(R, {B.Cos * C.Cos, B.Cos * C.Sin, -B.Sin},
+            {A.Sin * B.Sin * C.Cos - A.Cos * C.Sin, A.Cos * C.Cos + A.Sin * B.Sin * C.Sin, A.Sin * B.Cos},
+            {A.Sin * C.Sin + A.Cos * B.Sin * C.Cos, A.Cos * B.Sin * C.Sin - A.Sin * C.Cos, A.Cos * B.Cos});
+}
+
+void MatrixZYZ(const Circle& A, const Circle& B, const Circle& C, Mat3& R) {
+    SetRows(R, {C.Cos * B.Cos * A.Cos - A.Sin * C.Sin, C.Cos * B.Cos * A.Sin + A.Cos * C.Sin, -C.Cos * B.Sin},
+            {-C.Sin * B.Cos * A.Cos - C.Cos * A.Sin, C.Cos * A.Cos - C.Sin * B.Cos * A.Sin, C.Sin * B.Sin},
+            {B.Sin * A.Cos, B.Sin * A.Sin, B.Cos});
+}
+
+void MatrixZXZ(const Circle& A, const Circle& B, const Circle& C, Mat3& R) {
+    SetRows(R, {C.Cos * A.Cos - C.Sin * A.Sin * B.Cos, C.Cos * A.Sin + A.Cos * C.Sin * B.Cos, C.Sin * B.Sin},
+            {-C.Sin * A.Cos - C.Cos * B.Cos * A.Sin, C.Cos * B.Cos * A.Cos - C.Sin * A.Sin, C.Cos * B.Sin},
+            {B.Sin * A.Sin, -B.Sin * A.Cos, B.Cos});
 }
 
 // The two angles that a matrix element leaves open.
@@ -41,27 +59,37 @@ Candidates ByTangent(double y, double x) {
     return {WrapAngle(u), WrapAngle(u + kLibraryPi)};
 }
 
-using Form = void (*)(double, double, double, Mat3&);
+using Form = void (*)(const Circle&, const Circle&, const Circle&, Mat3&);
+
+double Difference(const Mat3& A, const Mat3& B) {
+    double sum = 0;
+    for (int i = 1; i <= 3; ++i)
+        for (int j = 1; j <= 3; ++j) sum += std::fabs(A(i, j) - B(i, j));
+    return sum;
+}
 
 void Decompose(const Mat3& M, Form form, const Candidates& a, const Candidates& b, const Candidates& c,
                Vec3& first, Vec3& second) {
+    const Circle circleA[] = {Circle(a.First), Circle(a.Second)};
+    const Circle circleB[] = {Circle(b.First), Circle(b.Second)};
+    const Circle circleC[] = {Circle(c.First), Circle(c.Second)};
     double bestFirst = 1e9, bestSecond = 1e9;
-    for (const double angleA : {a.First, a.Second})
-        for (const double angleB : {b.First, b.Second})
-            for (const double angleC : {c.First, c.Second}) {
+    for (const int i : {0, 1})
+        for (const int j : {0, 1})
+            for (const int k : {0, 1}) {
                 Mat3 R;
-                form(angleA, angleB, angleC, R);
-                double error = 0;
-                bool equal = false;
-                MatrixCompare(R, M, 1e-10, error, equal);
+                form(circleA[i], circleB[j], circleC[k], R);
+                const double error = Difference(R, M);
+                const Vec3 angles(i == 0 ? a.First : a.Second, j == 0 ? b.First : b.Second,
+                                  k == 0 ? c.First : c.Second);
                 // The slot that holds the worse error is the one replaced.
                 if (bestFirst <= bestSecond) {
                     if (error < bestSecond) {
-                        second = {angleA, angleB, angleC};
+                        second = angles;
                         bestSecond = error;
                     }
                 } else if (error < bestFirst) {
-                    first = {angleA, angleB, angleC};
+                    first = angles;
                     bestFirst = error;
                 }
             }
@@ -70,55 +98,43 @@ void Decompose(const Mat3& M, Form form, const Candidates& a, const Candidates& 
 }  // namespace
 
 void RotMatrixYXZ(double a, double b, double c, Mat3& R) {
-    const Circle A(a), B(b), C(c);
-    SetRows(R, {B.Cos * C.Cos - A.Sin * B.Sin * C.Sin, B.Cos * C.Sin + A.Sin * B.Sin * C.Cos, -B.Sin * A.Cos},
-            {-A.Cos * C.Sin, A.Cos * C.Cos, A.Sin},
-            {B.Sin * C.Cos + B.Cos * A.Sin * C.Sin, B.Sin * C.Sin - B.Cos * A.Sin * C.Cos, B.Cos * A.Cos});
+    MatrixYXZ(Circle(a), Circle(b), Circle(c), R);
 }
 
 void RotMatrixZYX(double a, double b, double c, Mat3& R) {
-    const Circle A(a), B(b), C(c);
-    SetRows(R, {B.Cos * C.Cos, B.Cos * C.Sin, -B.Sin},
-            {A.Sin * B.Sin * C.Cos - A.Cos * C.Sin, A.Cos * C.Cos + A.Sin * B.Sin * C.Sin, A.Sin * B.Cos},
-            {A.Sin * C.Sin + A.Cos * B.Sin * C.Cos, A.Cos * B.Sin * C.Sin - A.Sin * C.Cos, A.Cos * B.Cos});
+    MatrixZYX(Circle(a), Circle(b), Circle(c), R);
 }
 
 void RotMatrixZYZ(double a, double b, double c, Mat3& R) {
-    const Circle A(a), B(b), C(c);
-    SetRows(R, {C.Cos * B.Cos * A.Cos - A.Sin * C.Sin, C.Cos * B.Cos * A.Sin + A.Cos * C.Sin, -C.Cos * B.Sin},
-            {-C.Sin * B.Cos * A.Cos - C.Cos * A.Sin, C.Cos * A.Cos - C.Sin * B.Cos * A.Sin, C.Sin * B.Sin},
-            {B.Sin * A.Cos, B.Sin * A.Sin, B.Cos});
+    MatrixZYZ(Circle(a), Circle(b), Circle(c), R);
 }
 
 void RotMatrixZXZ(double a, double b, double c, Mat3& R) {
-    const Circle A(a), B(b), C(c);
-    SetRows(R, {C.Cos * A.Cos - C.Sin * A.Sin * B.Cos, C.Cos * A.Sin + A.Cos * C.Sin * B.Cos, C.Sin * B.Sin},
-            {-C.Sin * A.Cos - C.Cos * B.Cos * A.Sin, C.Cos * B.Cos * A.Cos - C.Sin * A.Sin, C.Cos * B.Sin},
-            {B.Sin * A.Sin, -B.Sin * A.Cos, B.Cos});
+    MatrixZXZ(Circle(a), Circle(b), Circle(c), R);
 }
 
 void EulerFromMatrixXYZ(const Mat3& M, Vec3& first, Vec3& second) {
-    Decompose(M, RotMatrixXYZ, ByTangent(-M(3, 2), M(3, 3)), BySine(ArcSin(M(3, 1))),
+    Decompose(M, static_cast<Form>(RotMatrixXYZ), ByTangent(-M(3, 2), M(3, 3)), BySine(ArcSin(M(3, 1))),
               ByTangent(-M(2, 1), M(1, 1)), first, second);
 }
 
 void EulerFromMatrixYXZ(const Mat3& M, Vec3& first, Vec3& second) {
-    Decompose(M, RotMatrixYXZ, BySine(ArcSin(M(2, 3))), ByTangent(-M(1, 3), M(3, 3)),
+    Decompose(M, MatrixYXZ, BySine(ArcSin(M(2, 3))), ByTangent(-M(1, 3), M(3, 3)),
               ByTangent(-M(2, 1), M(2, 2)), first, second);
 }
 
 void EulerFromMatrixZYX(const Mat3& M, Vec3& first, Vec3& second) {
-    Decompose(M, RotMatrixZYX, ByTangent(M(2, 3), M(3, 3)), BySine(-ArcSin(M(1, 3))),
+    Decompose(M, MatrixZYX, ByTangent(M(2, 3), M(3, 3)), BySine(-ArcSin(M(1, 3))),
               ByTangent(M(1, 2), M(1, 1)), first, second);
 }
 
 void EulerFromMatrixZYZ(const Mat3& M, Vec3& first, Vec3& second) {
-    Decompose(M, RotMatrixZYZ, ByTangent(M(3, 2), M(3, 1)), ByCosine(ArcCos(M(3, 3))),
+    Decompose(M, MatrixZYZ, ByTangent(M(3, 2), M(3, 1)), ByCosine(ArcCos(M(3, 3))),
               ByTangent(-M(2, 3), M(1, 3)), first, second);
 }
 
 void EulerFromMatrixZXZ(const Mat3& M, Vec3& first, Vec3& second) {
-    Decompose(M, RotMatrixZXZ, ByTangent(-M(3, 1), M(3, 2)), ByCosine(ArcCos(M(3, 3))),
+    Decompose(M, MatrixZXZ, ByTangent(-M(3, 1), M(3, 2)), ByCosine(ArcCos(M(3, 3))),
               ByTangent(M(1, 3), M(2, 3)), first, second);
 }
 

@@ -66,20 +66,6 @@ int SeedPair(int k) {
     return chosen >= 1 && chosen <= Job.nIdent ? chosen : k;
 }
 
-struct SeedPoints {
-    std::array<Vec3, 4> Start, Target;  // 1 to 3
-};
-
-SeedPoints TakeSeedPoints() {
-    SeedPoints seeds;
-    for (int k = 1; k <= 3; ++k)
-        if (const int pair = SeedPair(k); pair > 0) {
-            seeds.Start[static_cast<std::size_t>(k)] = StartPoint(pair);
-            seeds.Target[static_cast<std::size_t>(k)] = TargetPoint(pair);
-        }
-    return seeds;
-}
-
 // The raw scales are wanted only where all nine coordinates of the seed points take part.
 bool ScalesAreOne() {
     if (Settings.RawScale == 1) return true;
@@ -100,7 +86,7 @@ double Determinant(const Mat3& M) {  // by Sarrus' rule
 // One scale an axis from the three distances between the seed points: the squares of the scales solve
 // dx^2 X + dy^2 Y + dz^2 Z = D^2.
 Vec3 RawScales(const SeedPoints& seeds) {
-    if (ScalesAreOne()) return {1, 1, 1};
+    if (seeds.ScalesAreOne) return {1, 1, 1};
     constexpr std::array<std::array<std::size_t, 2>, 3> kPairs = {{{1, 2}, {1, 3}, {2, 3}}};
     Mat3 squares;
     Vec3 distances;
@@ -166,18 +152,18 @@ void SetSeed(std::size_t k, int pair) {
     Job.SeedName[k] = Job.MCS_Name[static_cast<std::size_t>(pair)];
 }
 
-}  // namespace
-
-void RawSolution(double& tx, double& ty, double& tz, double& rx, double& ry, double& rz, double& sx,
-                 double& sy, double& sz) {
-    SeedPoints seeds = TakeSeedPoints();
+void RawSolution(SeedPoints seeds, double& tx, double& ty, double& tz, double& rx, double& ry, double& rz,
+                 double& sx, double& sy, double& sz) {
     const Vec3 scales = RawScales(seeds);
 
     // A small known rotation of the target side, so that no coordinate difference is exactly 0 there.
     // The reference points (the target's origin and a point on its X and on its Y axis) are turned with
     // it, which takes it out again.
-    Mat3 small;
-    RotMatrixXYZ(0.0011, 0.0022, 0.0033, small);
+    static const Mat3 small = [] {
+        Mat3 R;
+        RotMatrixXYZ(0.0011, 0.0022, 0.0033, R);
+        return R;
+    }();
     for (Vec3& q : seeds.Target) q = Turned(small, q);
     const Vec3 q4 = Turned(small, {0, 0, 0}), q5 = Turned(small, {100, 0, 0});
     const Vec3 q6 = Turned(small, {0, 100, 0});
@@ -217,14 +203,52 @@ void RawSolution(double& tx, double& ty, double& tz, double& rx, double& ry, dou
     tz = -image(3);
 }
 
-void GetSeed() {
+}  // namespace
+
+SeedPoints TakeSeedPoints() {
+    SeedPoints seeds;
+    for (int k = 1; k <= 3; ++k)
+        if (const int pair = SeedPair(k); pair > 0) {
+            const auto place = static_cast<std::size_t>(k);
+            seeds.Pair[place] = pair;
+            seeds.Start[place] = StartPoint(pair);
+            seeds.Target[place] = TargetPoint(pair);
+        }
+    seeds.ScalesAreOne = ScalesAreOne();
+    return seeds;
+}
+
+void RawSolution(double& tx, double& ty, double& tz, double& rx, double& ry, double& rz, double& sx,
+                 double& sy, double& sz) {
+    RawSolution(TakeSeedPoints(), tx, ty, tz, rx, ry, rz, sx, sy, sz);
+}
+
+void RawSolution(const SeedPoints& seeds) {
+    RawSolution(seeds, Job.TraX, Job.TraY, Job.TraZ, Job.RotX, Job.RotY, Job.RotZ, Job.ScaleX, Job.ScaleY,
+                Job.ScaleZ);
+}
+
+OwnStarts ReadOwnStarts() {
+    OwnStarts starts;
     for (int parameter = kTraX; parameter <= kAngleZtoXY; ++parameter) {
         const std::string* text = ChosenStart(parameter);
         if (text == nullptr || *text == kFloat) continue;
-        const double value = ParameterFromText(parameter, *text);
-        ParameterValue(Job, parameter) = value;
+        starts[static_cast<std::size_t>(parameter)] = ParameterFromText(parameter, *text);
+    }
+    return starts;
+}
+
+void GetSeed() {
+    GetSeed(ReadOwnStarts());
+}
+
+void GetSeed(const OwnStarts& starts) {
+    for (int parameter = kTraX; parameter <= kAngleZtoXY; ++parameter) {
+        const std::optional<double>& value = starts[static_cast<std::size_t>(parameter)];
+        if (!value) continue;
+        ParameterValue(Job, parameter) = *value;
         // The common scale acts only through the three others.
-        if (parameter == kScaleXYZ) Job.ScaleX = Job.ScaleY = Job.ScaleZ = value;
+        if (parameter == kScaleXYZ) Job.ScaleX = Job.ScaleY = Job.ScaleZ = *value;
     }
 }
 

@@ -1,7 +1,14 @@
 // What the calculation window chooses, as the engine reads it.
 #include "engine/selection.h"
 
+#include <algorithm>
+
 #include "core/job.h"
+
+bool ToolVectorGoverns(const std::array<std::string, 18>& ParamText) {
+    return std::any_of(&ParamText[kRvecX], &ParamText[kRvecZ] + 1,
+                       [](const std::string& text) { return !text.empty() && text != kNotUsed; });
+}
 
 void SelectionFromJob() {
     Selection = SelectionRecord{};
@@ -11,5 +18,5 @@ void SelectionFromJob() {
     }
     Selection.CheckRDist = Selection.Float[kRDist];
     Selection.CheckUseABC = Selection.Float[kRvecX] && Selection.Float[kRvecY] && Selection.Float[kRvecZ];
-    Selection.RDistShown = !Selection.CheckUseABC;
+    Selection.RDistShown = !ToolVectorGoverns(Job.ParamText);
 }

@@ -18,5 +18,9 @@ struct SelectionRecord {
 };
 inline SelectionRecord Selection;
 
+// True where the tool vector, floating or held, and not the distance is what the choice is about. The fields
+// of the other one read "not used".
+bool ToolVectorGoverns(const std::array<std::string, 18>& ParamText);
+
 // Where no window chooses: what Job.ParamText says, without start values of the user's own.
 void SelectionFromJob();

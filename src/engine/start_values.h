@@ -4,7 +4,21 @@
 #include <array>
 #include <string>
 
+#include "engine/seed.h"
+
 // Fills the job's parameters: the raw solution, the user's own start values while the calculation
 // window is open, and the value of every parameter that is held. Depends on nothing of an earlier run.
 //   ParamText  indices 1 to 17: "float", "not used" or a value in the shown units
 void TakeStartValues(const std::array<std::string, 18>& ParamText);
+
+// A choice of parameters and the user's own start values, read from their texts once for many runs. By
+// parameter number; Value is 0 where none is held.
+struct StartChoice {
+    std::array<bool, 18> Floats{}, Held{}, Seeded{};
+    std::array<double, 18> Value{};
+    OwnStarts Own;
+};
+StartChoice ReadStartChoice(const std::array<std::string, 18>& ParamText);
+
+// The same from a choice that has been read, and from seed points that may have been moved.
+void TakeStartValues(const StartChoice& choice, const SeedPoints& seeds);

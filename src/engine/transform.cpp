@@ -1,22 +1,22 @@
 // The transformation X = T + R K S x and the derivatives of its matrices.
 #include "engine/transform.h"
 
-#include <cmath>
-
 #include "core/job.h"
 #include "engine/matrix.h"
 
 namespace {
 
-struct Circle {
-    double Sin, Cos;
-    explicit Circle(double angle) : Sin(std::sin(angle)), Cos(std::cos(angle)) {}
-};
-
 void SetRow(Mat3& M, int row, double x, double y, double z) {
     M(row, 1) = x;
     M(row, 2) = y;
     M(row, 3) = z;
+}
+
+bool IsUnit(const Mat3& M) {
+    for (int row = 1; row <= 3; ++row)
+        for (int column = 1; column <= 3; ++column)
+            if (M(row, column) != (row == column ? 1 : 0)) return false;
+    return true;
 }
 
 // A matrix built on its own no longer belongs to the product that is kept.
@@ -26,8 +26,22 @@ void ForgetProduct() {
 
 }  // namespace
 
+Mat3 WithScales(const Mat3& M) {
+    Mat3 result;
+    const double scales[] = {Job.ScaleX, Job.ScaleY, Job.ScaleZ};
+    for (int row = 1; row <= 3; ++row)
+        for (int column = 1; column <= 3; ++column) {
+            const double element = M(row, column);
+            result(row, column) = element != 0 ? element * scales[column - 1] : 0;
+        }
+    return result;
+}
+
 void RotMatrixXYZ(double angleA, double angleB, double angleC, Mat3& R) {
-    const Circle a(angleA), b(angleB), c(angleC);
+    RotMatrixXYZ(Circle(angleA), Circle(angleB), Circle(angleC), R);
+}
+
+void RotMatrixXYZ(const Circle& a, const Circle& b, const Circle& c, Mat3& R) {
     SetRow(R, 1, b.Cos * c.Cos, c.Sin * a.Cos + b.Sin * a.Sin * c.Cos, a.Sin * c.Sin - b.Sin * a.Cos * c.Cos);
     SetRow(R, 2, -c.Sin * b.Cos, a.Cos * c.Cos - b.Sin * a.Sin * c.Sin,
            a.Sin * c.Cos + b.Sin * a.Cos * c.Sin);
@@ -35,7 +49,9 @@ void RotMatrixXYZ(double angleA, double angleB, double angleC, Mat3& R) {
 }
 
 void BuildRotationMatrix() {
-    RotMatrixXYZ(Job.RotXCopy, Job.RotYCopy, Job.RotZCopy, Chain.RotationMatrix);
+    Chain.Rotations = {Circle(Job.RotXCopy), Circle(Job.RotYCopy), Circle(Job.RotZCopy)};
+    const auto& [a, b, c] = Chain.Rotations;
+    RotMatrixXYZ(a, b, c, Chain.RotationMatrix);
     ForgetProduct();
 }
 
@@ -66,7 +82,11 @@ void BuildChain() {
     BuildRotationMatrix();
     BuildShearMatrix();
     BuildScaleMatrix();
-    Chain.Product = MatrixProduct(MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix), Chain.ScaleMatrix);
+    Chain.RightAngled = IsUnit(Chain.ShearMatrix);
+    Chain.RK =
+        Chain.RightAngled ? Chain.RotationMatrix : MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix);
+    Chain.KS = WithScales(Chain.ShearMatrix);
+    Chain.Product = WithScales(Chain.RK);
     Chain.BuiltFrom = parameters;
 }
 
@@ -92,7 +112,10 @@ void trafo(double x, double y, double z, double& X, double& Y, double& Z, double
 }
 
 Mat3 RotationDerivative(RotationAngle angle) {
-    const Circle a(Job.RotXCopy), b(Job.RotYCopy), c(Job.RotZCopy);
+    return RotationDerivative(angle, Circle(Job.RotXCopy), Circle(Job.RotYCopy), Circle(Job.RotZCopy));
+}
+
+Mat3 RotationDerivative(RotationAngle angle, const Circle& a, const Circle& b, const Circle& c) {
     Mat3 D;
     switch (angle) {
         case RotationAngle::X:

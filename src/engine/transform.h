@@ -3,9 +3,17 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 #include <limits>
 
 #include "core/arrays.h"
+
+// Sine and cosine of an angle in rad, for procedures that need them again and again.
+struct Circle {
+    double Sin = 0, Cos = 1;
+    Circle() = default;
+    explicit Circle(double angle) : Sin(std::sin(angle)), Cos(std::cos(angle)) {}
+};
 
 // The matrices of the chain at the parameters they were last built from.
 struct ChainRecord {
@@ -13,6 +21,9 @@ struct ChainRecord {
     Mat3 ShearMatrix;     // K: its columns are the unit vectors of an oblique axis frame
     Mat3 ScaleMatrix;     // S: diagonal
     Mat3 Product;         // R K S, the one matrix that a point goes through
+    Mat3 RK, KS;          // parts of it that its derivatives are made of
+    bool RightAngled = false;         // K is the unit matrix
+    std::array<Circle, 3> Rotations;  // of the angles about x, y, z
 
     // The nine values that Product was built from; NaN, which equals nothing, before that.
     std::array<double, 9> BuiltFrom;
@@ -33,6 +44,10 @@ void BuildShearMatrix(double xy, double az, double zt, Mat3& K);
 
 // The engine's rotation form Rz(-c) Ry(-b) Rx(-a); angles in rad.
 void RotMatrixXYZ(double a, double b, double c, Mat3& R);
+void RotMatrixXYZ(const Circle& a, const Circle& b, const Circle& c, Mat3& R);
+
+// A matrix times S, as the job has the scales.
+Mat3 WithScales(const Mat3& M);
 
 // The full chain for one point, mm. Rebuilds the three matrices of `Chain` from the job.
 void TransformPoint(double x, double y, double z, double& X, double& Y, double& Z);
@@ -46,4 +61,5 @@ void trafo(double x, double y, double z, double& X, double& Y, double& Z, double
 enum class RotationAngle { X, Y, Z };
 enum class ShearAngle { XY, Azimuth, ZtoXY };
 Mat3 RotationDerivative(RotationAngle angle);
+Mat3 RotationDerivative(RotationAngle angle, const Circle& a, const Circle& b, const Circle& c);
 Mat3 ShearDerivative(ShearAngle angle);

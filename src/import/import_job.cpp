@@ -235,6 +235,8 @@ void myBtn_OK() {
     if (Main.MenuTransformationCalculation.Checked) {
         UnloadWindow("FormTrafoBerechnung");
         ShowWindow("FormTrafoBerechnung");
+        Main.MenuTransformationCalculation.Checked = true;
+        Main.Toolbar1_TrafoBerechnung.Value = 1;
     }
     Run.JobDirty = kTrue;
     if (IsTrue(Job.IsParaboloid)) {

@@ -394,10 +394,24 @@ TEST_F(Options, MoreRunsThanTheirTypeHoldsAreRefused) {
     }
 }
 
-TEST_F(Options, ABorderBeyondAllNumbersIsShownAsSuchAndNotStoredAgain) {
+TEST_F(Options, ABorderThatNobodyHasTouchedKeepsItsDigits) {
+    Settings.GimbalLockBorder = 0.4 * kRadPerDegree;
+    UseAngles("degree", 0);
+    Open();
+    EXPECT_EQ(OptionsWindow.TextGimbalLock.Text, "0");
+    UserClick(OptionsWindow.BtnOK);
+    EXPECT_EQ(Settings.GimbalLockBorder, 0.4 * kRadPerDegree);
+    Open();
+    UserSetText(OptionsWindow.TextGimbalLock, "2");
+    UserClick(OptionsWindow.BtnOK);
+    EXPECT_NEAR(Settings.GimbalLockBorder, 2 * kRadPerDegree, 1e-15);
+}
+
+TEST_F(Options, ABorderBeyondAllNumbersIsShownAsSuchAndCannotBeTyped) {
     Settings.GimbalLockBorder = 1e308;
     Open();
     EXPECT_EQ(OptionsWindow.TextGimbalLock.Text, "Infinity");
+    UserSetText(OptionsWindow.TextGimbalLock, "-Infinity");
     EXPECT_FALSE(UserClick(OptionsWindow.BtnOK));
     EXPECT_EQ(Settings.GimbalLockBorder, 1e308);
 }

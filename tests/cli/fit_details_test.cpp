@@ -185,9 +185,12 @@ TEST_F(FitDetails, InJsonTheProtocolStandsBesideTheRest) {
 }
 
 TEST_F(FitDetails, WhatTheProtocolWouldHideIsRefusedBesideIt) {
-    for (const char* other : {"--details", "--inverse"}) {
-        const Outcome outcome = Fit({start_, target_, "--protocol", other});
-        EXPECT_EQ(outcome.Status, 2) << other;
+    for (const std::vector<std::string>& others : std::vector<std::vector<std::string>>{
+             {"--details"}, {"--inverse"}, {"--monte-carlo", "20", "--sigma", "0.1"}}) {
+        std::vector<std::string> arguments = {start_, target_, "--protocol"};
+        arguments.insert(arguments.end(), others.begin(), others.end());
+        const Outcome outcome = Fit(arguments);
+        EXPECT_EQ(outcome.Status, 2) << others.front();
         EXPECT_NE(outcome.Err.find("--json"), std::string::npos) << outcome.Err;
         EXPECT_EQ(outcome.Out, "");
     }

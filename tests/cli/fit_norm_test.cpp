@@ -75,6 +75,36 @@ TEST_F(FitNorm, TheTableNamesTheNormAndWhatItMakesLeast) {
     EXPECT_EQ(l2.Out.find("weightings"), std::string::npos);
 }
 
+TEST_F(FitNorm, OfAHeightTheExactNormsAreMedianAndMiddle) {
+    const std::string start = Write("h1.txt", "A;0;0;0\nB;100;0;0\nC;0;100;0\nD;100;100;0\nE;50;20;0\n");
+    const std::string target = Write("h2.txt", "A;0;0;0\nB;100;0;1\nC;0;100;2.5\nD;100;100;4\nE;50;20;30\n");
+    const auto fit = [&](const char* norm) {
+        return FitJson(With({start, target, "--norm", norm}, kHeightAlone));
+    };
+    const json l1 = fit("l1-exact");
+    EXPECT_EQ(l1["norm"], "l1-exact");
+    EXPECT_EQ(l1["converged"], true);
+    EXPECT_NEAR(l1["transformation"]["translation_mm"][2].get<double>(), 2.5, 1e-12);
+    EXPECT_NEAR(l1["quality"]["sumOfDeviations_mm"].get<double>(), 33, 1e-11);
+    EXPECT_LT(l1["optimum"]["atMostAbove_mm"].get<double>(), 1e-9);
+    EXPECT_GE(l1["optimum"]["atMostAbove_mm"].get<double>(), 0);
+    const json minimax = fit("minimax");
+    EXPECT_NEAR(minimax["transformation"]["translation_mm"][2].get<double>(), 15, 1e-12);
+    EXPECT_NEAR(minimax["quality"]["largestDeviation_mm"].get<double>(), 15, 1e-12);
+    EXPECT_LT(minimax["optimum"]["atMostAbove_mm"].get<double>(), 1e-9);
+    EXPECT_FALSE(fit("l1").contains("optimum"));
+}
+
+TEST_F(FitNorm, TheTableTellsHowNearTheOptimumIs) {
+    const Outcome l1 = Fit({kMeasured, kNominal, "--norm", "l1-exact"});
+    EXPECT_EQ(l1.Status, 0) << l1.Err;
+    EXPECT_NE(l1.Out.find("the sum is at most "), std::string::npos) << l1.Out;
+    const Outcome minimax = Fit({kMeasured, kNominal, "--norm", "minimax"});
+    EXPECT_EQ(minimax.Status, 0) << minimax.Err;
+    EXPECT_NE(minimax.Out.find("the largest deviation is at most "), std::string::npos) << minimax.Out;
+    EXPECT_EQ(Fit({kMeasured, kNominal, "--norm", "loo"}).Out.find("optimum"), std::string::npos);
+}
+
 TEST_F(FitNorm, AnUnknownNormIsWrongUsage) {
     const Outcome outcome = Fit({start_, target_, "--norm", "l3"});
     EXPECT_EQ(outcome.Status, 2);

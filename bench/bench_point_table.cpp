@@ -1,0 +1,77 @@
+// The point table of 100,000 points: filling costs nothing until it is looked at; then taking the points,
+// sorting them by a column of numbers, and the cells of one screen.
+#include <benchmark/benchmark.h>
+
+#include "core/fresh_start.h"
+#include "core/job.h"
+#include "core/window.h"
+#include "engine/calculation_window.h"
+#include "engine/form_trafo_berechnung.h"
+#include "fit_data.h"
+
+namespace {
+
+void OpenWithPoints(int points) {
+    FreshStart();
+    const FitData data = MakeFitData(points, 7);
+    for (std::size_t i = 0; i < data.Start.size(); ++i) {
+        Job.MCS_Name.push_back("P" + std::to_string(i + 1));
+        Job.MCS_X.push_back(data.Start[i][0]);
+        Job.MCS_Y.push_back(data.Start[i][1]);
+        Job.MCS_Z.push_back(data.Start[i][2]);
+        Job.OCS_X.push_back(data.Target[i][0]);
+        Job.OCS_Y.push_back(data.Target[i][1]);
+        Job.OCS_Z.push_back(data.Target[i][2]);
+    }
+    Job.OCS_Name = Job.TMCS_Name = Job.MCS_Name;
+    Job.TMCS_X = Job.MCS_X;
+    Job.TMCS_Y = Job.MCS_Y;
+    Job.TMCS_Z = Job.MCS_Z;
+    Job.UseFlags.assign(3 * data.Start.size() + 1, 1);
+    Job.nIdent = Job.nMCS = Job.nOCS = points;
+    ShowWindow("FormTrafoBerechnung");
+    LookAt(TrafoWindow.Tabelle.Grid);
+}
+
+void BM_PointTableFill(benchmark::State& state) {
+    OpenWithPoints(static_cast<int>(state.range(0)));
+    for (auto _ : state) TabelleFüllenNeu();
+    FreshStart();
+}
+BENCHMARK(BM_PointTableFill)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+void BM_PointTableFirstLook(benchmark::State& state) {
+    OpenWithPoints(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        TabelleFüllenNeu();
+        LookAt(TrafoWindow.Tabelle.Grid);
+    }
+    FreshStart();
+}
+BENCHMARK(BM_PointTableFirstLook)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+void BM_PointTableSort(benchmark::State& state) {
+    OpenWithPoints(static_cast<int>(state.range(0)));
+    const int col = static_cast<int>(state.range(1));
+    for (auto _ : state) UserClickCell(TrafoWindow.Tabelle, 0, col, false);
+    FreshStart();
+}
+BENCHMARK(BM_PointTableSort)
+    ->Args({100'000, kColX})
+    ->Args({100'000, kColName})
+    ->Unit(benchmark::kMillisecond);
+
+void BM_PointTableScreen(benchmark::State& state) {
+    OpenWithPoints(static_cast<int>(state.range(0)));
+    GridState& grid = TrafoWindow.Tabelle.Grid;
+    for (auto _ : state)
+        for (int row = 50'000; row < 50'050; ++row)
+            for (int col = 0; col < grid.Cols; ++col) {
+                benchmark::DoNotOptimize(CellText(grid, row, col));
+                benchmark::DoNotOptimize(CellBackColor(grid, row, col));
+            }
+    FreshStart();
+}
+BENCHMARK(BM_PointTableScreen)->Arg(100'000)->Unit(benchmark::kMillisecond);
+
+}  // namespace

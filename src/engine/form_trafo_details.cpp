@@ -1,0 +1,162 @@
+// The details window.
+#include "engine/form_trafo_details.h"
+
+#include "core/platform.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "core/text.h"
+#include "engine/details_tables.h"
+#include "engine/details_texts.h"
+
+namespace {
+
+FormTrafoDetails& w = DetailsWindow;
+
+const ControlEntry kControls[] = {
+    {"GridRotMatrix", &w.GridRotMatrix},
+    {"BtnClipR", &w.BtnClipR, {.Click = FormTrafoDetails::BtnClipR_Click}},
+    {"GridRotXYZ", &w.GridRotXYZ},
+    {"BtnClipRotXYZ", &w.BtnClipRotXYZ, {.Click = FormTrafoDetails::BtnClipRotXYZ_Click}},
+    {"GridRotZYX", &w.GridRotZYX},
+    {"BtnClipRotZYX", &w.BtnClipRotZYX, {.Click = FormTrafoDetails::BtnClipRotZYX_Click}},
+    {"GridRotZXY", &w.GridRotZXY},
+    {"BtnClipRotZXY", &w.BtnClipRotZXY, {.Click = FormTrafoDetails::BtnClipRotZXY_Click}},
+    {"GridRotZXZ", &w.GridRotZXZ},
+    {"BtnClipRotZXZ", &w.BtnClipRotZXZ, {.Click = FormTrafoDetails::BtnClipRotZXZ_Click}},
+    {"GridRotZYZ", &w.GridRotZYZ},
+    {"BtnClipRotZYZ", &w.BtnClipRotZYZ, {.Click = FormTrafoDetails::BtnClipRotZYZ_Click}},
+    {"GridHomogen", &w.GridHomogen},
+    {"BtnClipHomogen", &w.BtnClipHomogen, {.Click = FormTrafoDetails::BtnClipHomogen_Click}},
+    {"GridAffineMatrix", &w.GridAffineMatrix},
+    {"Command1", &w.Command1, {.Click = FormTrafoDetails::Command1_Click}},
+    {"GridScaleMatrix", &w.GridScaleMatrix},
+    {"Command2", &w.Command2, {.Click = FormTrafoDetails::Command2_Click}},
+    {"GridInverse", &w.GridInverse},
+    {"Command3", &w.Command3, {.Click = FormTrafoDetails::Command3_Click}},
+    {"GridQuat", &w.GridQuat},
+    {"BtnClipQuat", &w.BtnClipQuat, {.Click = FormTrafoDetails::BtnClipQuat_Click}},
+    {"LabelQuat", &w.LabelQuat},
+    {"GridMonteCarlo", &w.GridMonteCarlo},
+    {"BtnClipMonteCarlo", &w.BtnClipMonteCarlo, {.Click = FormTrafoDetails::BtnClipMonteCarlo_Click}},
+    {"BtnClipALL", &w.BtnClipALL, {.Click = FormTrafoDetails::BtnClipALL_Click}},
+    {"Check1", &w.Check1, {.Click = FormTrafoDetails::Check1_Click}},
+    {"BtnOK", &w.BtnOK, {.Click = FormTrafoDetails::BtnOK_Click}},
+};
+
+void ToClipboard(const std::string& text) {
+    if (!SetClipboardText(text)) ShowMessage(kClipboardRefused);
+}
+
+// Columns of numbers stand right, those of labels left. A lone cell without headings is a sentence.
+void FillGrid(GridState& grid, const Cells& cells, int fixedRows, int fixedCols) {
+    const auto cols = static_cast<int>(cells.front().size());
+    SizeGrid(grid, static_cast<int>(cells.size()), cols);
+    grid.FixedRows = fixedRows;
+    grid.FixedCols = fixedCols;
+    grid.Aligns.assign(static_cast<std::size_t>(cols), GridAlign::Right);
+    for (int col = 0; col < (cols == 1 ? 1 : fixedCols); ++col)
+        grid.Aligns[static_cast<std::size_t>(col)] = GridAlign::Left;
+    for (int row = 0; row < grid.Rows; ++row)
+        for (int col = 0; col < cols; ++col)
+            SetCell(grid, row, col, cells[static_cast<std::size_t>(row)][static_cast<std::size_t>(col)]);
+}
+
+Control& GridOf(RotationOrder order) {
+    Control* const grids[] = {&w.GridRotXYZ, &w.GridRotZYX, &w.GridRotZXY, &w.GridRotZXZ, &w.GridRotZYZ};
+    return *grids[static_cast<std::size_t>(order)];
+}
+
+}  // namespace
+
+const WindowEntry FormTrafoDetails_Entry = {"FormTrafoDetails", &DetailsWindow.Window, kControls,
+                                            [] { DetailsWindow = FormTrafoDetails{}; },
+                                            FormTrafoDetails::Form_Load};
+
+void DetailFormFuellen() {
+    const BusyPointer busy;
+    w.Shown = DetailsOfSolution();
+    const SolutionDetails& details = w.Shown;
+    FillGrid(w.GridRotMatrix.Grid, MatrixCells(details.Rotation), 0, 0);
+    for (const RotationOrder order : kRotationOrders)
+        FillGrid(GridOf(order).Grid, RotationCells(details, order), 1, 1);
+    FillGrid(w.GridHomogen.Grid, HomogenCells(details), 0, 0);
+    FillGrid(w.GridScaleMatrix.Grid, MatrixCells(details.Scale), 0, 0);
+    FillGrid(w.GridAffineMatrix.Grid, MatrixCells(details.Affine), 0, 0);
+    const Cells inverse = InverseCells(details);
+    const int headings = inverse.size() > 1 ? 1 : 0;
+    FillGrid(w.GridInverse.Grid, inverse, headings, headings);
+    FillGrid(w.GridQuat.Grid, QuaternionCells(details), 0, 1);
+    FillGrid(w.GridMonteCarlo.Grid, MonteCarloCells(details), 1, 1);
+}
+
+void ShowDetails() {
+    if (IsLoaded("FormTrafoDetails")) {
+        DetailFormFuellen();
+    } else {
+        ShowWindow("FormTrafoDetails");
+    }
+}
+
+void FormTrafoDetails::Form_Load() {
+    // Put there directly: the box's handler would fill the window a second time.
+    w.Check1.Value = IsTrue(Settings.CheckForGimbalLock) ? 1 : 0;
+    w.LabelQuat.Text =
+        std::string(
+            "qw, qx, qy and qz is the Quaternion of the done Rotation calculated from the Rotation "
+            "Matrix. ") +
+        kLineEnd +
+        "Angel of Rot is the Rotation around the Vector Vec x; Vec y and Vec z, calculated from the "
+        "Quaternion" +
+        kLineEnd + "Rot x; Rot y' and Rot z'' is the Rotation calculated from the Quaternion";
+    DetailFormFuellen();
+}
+
+void FormTrafoDetails::BtnClipR_Click() {
+    ToClipboard(RotationMatrixText(w.Shown));
+}
+void FormTrafoDetails::BtnClipRotXYZ_Click() {
+    ToClipboard(RotationText(w.Shown, RotationOrder::XYZ));
+}
+void FormTrafoDetails::BtnClipRotZYX_Click() {
+    ToClipboard(RotationText(w.Shown, RotationOrder::ZYX));
+}
+void FormTrafoDetails::BtnClipRotZXY_Click() {
+    ToClipboard(RotationText(w.Shown, RotationOrder::ZXY));
+}
+void FormTrafoDetails::BtnClipRotZXZ_Click() {
+    ToClipboard(RotationText(w.Shown, RotationOrder::ZXZ));
+}
+void FormTrafoDetails::BtnClipRotZYZ_Click() {
+    ToClipboard(RotationText(w.Shown, RotationOrder::ZYZ));
+}
+void FormTrafoDetails::BtnClipHomogen_Click() {
+    ToClipboard(HomogenText(w.Shown));
+}
+void FormTrafoDetails::Command1_Click() {
+    ToClipboard(AffineMatrixText(w.Shown));
+}
+void FormTrafoDetails::Command2_Click() {
+    ToClipboard(ScaleMatrixText(w.Shown));
+}
+void FormTrafoDetails::Command3_Click() {
+    ToClipboard(InverseText(w.Shown));
+}
+void FormTrafoDetails::BtnClipQuat_Click() {
+    ToClipboard(QuaternionText(w.Shown));
+}
+void FormTrafoDetails::BtnClipMonteCarlo_Click() {
+    ToClipboard(MonteCarloText(w.Shown));
+}
+void FormTrafoDetails::BtnClipALL_Click() {
+    ToClipboard(DetailsText(w.Shown));
+}
+
+void FormTrafoDetails::Check1_Click() {
+    Settings.CheckForGimbalLock = ToFlag(w.Check1.Value == 1);
+    if (IsTrue(Run.CalcDone)) DetailFormFuellen();
+}
+
+void FormTrafoDetails::BtnOK_Click() {
+    SettingsSchreiben({"CheckForGimbalLock"});
+    UnloadWindow("FormTrafoDetails");
+}

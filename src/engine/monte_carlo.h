@@ -1,0 +1,66 @@
+// Monte Carlo: repeats the least-squares fit with normally distributed noise on the start points. The
+// spread of each parameter over the runs tells how far the noise of the measurement carries into it.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+
+#include "core/arrays.h"
+#include "core/form_progress_bar.h"
+#include "core/job.h"
+#include "core/window.h"
+#include "engine/norms.h"
+
+// What the user sees while the runs last.
+struct MonteCarloShown {
+    ProgressWindow Window{"Calculating MonteCarlo"};
+    BusyPointer Pointer;
+};
+
+// The arrays of MCResults, one a parameter in the order of their numbers 1 to 17, and behind them the
+// mean error xyz of each run.
+inline constexpr int kSigmaXYZ = kParameterEnd;
+inline constexpr int kMonteCarloArrays = kSigmaXYZ;
+
+struct MonteCarloRecord {
+    Flag MonteCarloOn = kFalse;    // the next calculation by least squares begins with the runs
+    Flag MonteCarloDone = kFalse;  // MCResults is complete; stays so until later runs do not reach their end
+    Column MCSaveX, MCSaveY, MCSaveZ;  // 1 to Job.nIdent: the start points without noise, mm
+    // Row k holds array k, entries 1 to the number of runs; mm and rad. Those of a held parameter are 0.
+    Matrix MCResults;
+    std::uint64_t Started = 0;  // counts the starts: a run that was overtaken by another writes nothing
+    std::unique_ptr<MonteCarloShown> Shown;
+};
+inline MonteCarloRecord MonteCarlo;
+
+// More runs would need more memory (144 byte a run) than a calculation should take.
+inline constexpr int kMostMonteCarloRuns = 5'000'000;
+
+// The number of runs by Settings.MonteCarloRuns: at least 2, and 100 where none has been set.
+int RunsOfMonteCarlo();
+
+// False, with a message, when there are too many runs to hold. Nothing has been changed then.
+bool MonteCarloCanBeHeld();
+
+// The steps of the runs, which a caller takes only when they can be held. The noise lives in gathered points,
+// never in the job, so that a save while events are served stores what was measured.
+void MonteCarloInitialisieren();               // sizes and saves, shows progress and busy pointer
+void MCS_verrauschen(GatheredPoints& points);  // each start point: the saved one plus new noise
+void MonteCarloWriteiResults(int i, const Column& v, const Column& P);  // of run i: the job's parameters
+void MonteCarloFinalisieren(GatheredPoints& points);  // the points without noise, the window away
+
+// All runs on points that are gathered; they stand without noise again behind it. A stop, a run that does
+// not converge and one that is no number end the runs: MonteCarloDone is then false. False when the job's
+// points were replaced while events were served, or when there are too many runs: the calculation ends then.
+//   fit  Q and v are left as the last run has made them
+// Reads Settings.SigmaX, SigmaY, SigmaZ (mm); writes MonteCarlo, Noise, the job's parameters; clears
+// Run.StopRequested.
+bool RunMonteCarlo(NormFit& fit);
+
+// Over the entries 1 to n of an array whose entry 0 is unused; n the array's upper bound.
+double MeanOfArray(std::span<const double> a);
+double SigmaOfArray(std::span<const double> a);  // with the divisor n - 1
+
+// Array k of MCResults.
+std::span<const double> MonteCarloArray(int k);

@@ -1,0 +1,339 @@
+// What may happen to the calculation window while it works or while it is away: events inside a run, windows
+// that close and open, jobs with odd texts. Nothing of it may leave the window in a state of its own.
+#include <limits>
+
+#include "core/refresh.h"
+#include "core/settings.h"
+#include "engine/adjustment.h"
+#include "engine/calculation_job.h"
+
+namespace {
+
+FormTrafoBerechnung& w = TrafoWindow;
+
+class CalculationGuests : public CalculationJob {
+protected:
+    static void ExpectAtRest() {
+        EXPECT_TRUE(w.BtnCalculate.Enabled);
+        EXPECT_FALSE(w.BtnSTOP.Enabled);
+        EXPECT_FALSE(CalculationWindow.Running);
+        EXPECT_FALSE(IsTrue(::Run.StopRequested));
+        EXPECT_EQ(::Run.WaitPointers, 0);
+        EXPECT_TRUE(JobCountsFit(Job));
+        EXPECT_FALSE(IsLoaded("FormProgressBar"));
+    }
+};
+
+}  // namespace
+
+TEST_F(CalculationGuests, AWindowClosedAndOpenedInsideARunKeepsItsButtonClosed) {
+    AddPairs();
+    Open();
+    bool opened = false, checked = false;
+    Headless.OnYield = [&] {
+        if (opened) {
+            checked = true;
+            EXPECT_FALSE(w.BtnCalculate.Enabled);
+            EXPECT_TRUE(w.BtnSTOP.Enabled);
+            return;
+        }
+        opened = true;
+        UnloadWindow("FormTrafoBerechnung");
+        ShowWindow("FormTrafoBerechnung");
+    };
+    Calculate();
+    EXPECT_TRUE(checked);
+    ExpectAtRest();
+    EXPECT_TRUE(IsTrue(::Run.TrafoValid));
+}
+
+TEST_F(CalculationGuests, TheButtonStaysClosedUntilEverythingShowsTheResult) {
+    AddPairs();
+    Open();
+    static int seen;
+    seen = 0;
+    static const ControlEntry spy = {"TextSxyz", &w.TextSxyz, {.Change = [] {
+                                         ++seen;
+                                         EXPECT_FALSE(w.BtnCalculate.Enabled);
+                                         FormTrafoBerechnung::BtnCalculate_Click();
+                                     }}};
+    w.TextSxyz.Entry = &spy;
+    Calculate();
+    EXPECT_EQ(seen, 1);
+    ExpectAtRest();
+}
+
+TEST_F(CalculationGuests, NothingFloatingIsACalculationToo) {
+    AddPairs(4);
+    Open();
+    CheckReset();
+    Calculate();
+    EXPECT_TRUE(Messages().empty());
+    EXPECT_TRUE(IsTrue(::Run.TrafoValid));
+    EXPECT_EQ(Calculation.nFloat, 0);
+    ExpectAtRest();
+}
+
+TEST_F(CalculationGuests, AJobWithoutPointsIsRefusedOrEndsInEveryNorm) {
+    Job.nIdent = Job.nMCS = Job.nOCS = 0;
+    Open();
+    for (Control* const norm : {&w.OptionL1, &w.OptionLoo, &w.OptionL2}) {
+        UserSetValue(*norm, 1);
+        UserSetValue(w.Option7Parameter, 1);
+        Calculate();
+        EXPECT_EQ(LastMessage(), "This is not a redundant calculation");
+        CheckReset();
+        Calculate();
+        ExpectAtRest();
+        w.Option7Parameter.Value = 0;
+    }
+}
+
+TEST_F(CalculationGuests, ChoicesMadeInsideARunOfANormCountFromTheNextOn) {
+    AddPairs(12);
+    Open();
+    UserSetValue(w.OptionL1, 1);
+    int yields = 0;
+    Headless.OnYield = [&yields] {
+        if (++yields != 4) return;
+        UserSetValue(w.CheckRDist, 1);
+        UserSetValue(w.Option9Parameter, 1);
+        UserClick(w.BtnSEED);
+    };
+    Calculate();
+    EXPECT_GT(yields, 4);
+    EXPECT_EQ(Calculation.nFloat, 6);
+    ExpectAtRest();
+}
+
+TEST_F(CalculationGuests, OddTextsInTheJobsSlotsNeverStopTheWindow) {
+    const std::vector<std::string> odd = {"",
+                                          " ",
+                                          "float",
+                                          "float ",
+                                          "FLOAT",
+                                          "not used",
+                                          "0",
+                                          "1",
+                                          "1e400",
+                                          "-1e-400",
+                                          "NaN",
+                                          "Infinity",
+                                          "1,5",
+                                          "1 2 3",
+                                          "- -",
+                                          "\t",
+                                          "ü",
+                                          std::string(5000, '9'),
+                                          std::string(300, ' '),
+                                          "0x10",
+                                          "1e",
+                                          ".",
+                                          "-",
+                                          "5 5 5 5 5"};
+    Settings.MaxIteration = 5;
+    Headless.OnQuestion = [](const DialogShown& shown) { return std::optional(shown.Buttons.back()); };
+    unsigned random = 12345;
+    const auto pick = [&random](std::size_t n) {
+        random = random * 1664525U + 1013904223U;
+        return static_cast<std::size_t>(random >> 8) % n;
+    };
+    AddPairs(7);
+    const JobRecord clean = Job;
+    for (int round = 0; round < 300; ++round) {
+        SCOPED_TRACE(round);
+        Job = clean;
+        Job.ParamText.fill(kFloat);
+        for (std::size_t k = 1; k < 18; ++k)
+            if (pick(3) == 0) Job.ParamText[k] = odd[pick(odd.size())];
+        Job.NormType = static_cast<std::int16_t>(static_cast<int>(pick(6)) - 1);
+        Job.AutoRecalc = ToFlag(pick(2) == 0);
+        Job.DirectionMCStoOCS = ToFlag(pick(2) == 0);
+        if (pick(4) == 0) Job.RobotABC = Matrix(Job.nIdent, 3);
+        Open();
+        Calculate();
+        if (pick(2) == 0) {
+            Control* const presets[] = {&w.Option6Parameter, &w.Option7Parameter, &w.Option9Parameter,
+                                        &w.Option12, &w.OptionHoldLevel};
+            UserSetValue(*presets[pick(5)], 1);
+            UserSetValue(*RowOf(static_cast<int>(pick(17)) + 1).Check, static_cast<int>(pick(2)));
+            UserSetText(*RowOf(static_cast<int>(pick(17)) + 1).Text, odd[pick(odd.size())]);
+            Calculate();
+            UserClick(w.BtnSEED);
+        }
+        ExpectAtRest();
+        UnloadWindow("FormTrafoBerechnung");
+        UserClick(w.BtnCalculate);
+        Dispatch(myButtonCalculate);
+        EXPECT_EQ(::Run.WaitPointers, 0);
+    }
+}
+
+TEST_F(CalculationGuests, LongNamesAndPointsThatAreNoNumbersAreShown) {
+    AddPairs(6);
+    Job.MCS_Name[2] = Job.OCS_Name[2] = std::string(100000, 'x');
+    Open();
+    Calculate();
+    ExpectAtRest();
+    Job.OCS_Y[3] = std::numeric_limits<double>::quiet_NaN();
+    for (Control* const norm : {&w.OptionL1, &w.OptionLoo, &w.OptionL2}) {
+        UserSetValue(*norm, 1);
+        Calculate();
+        EXPECT_FALSE(IsTrue(::Run.TrafoValid));
+        ExpectAtRest();
+    }
+}
+
+TEST_F(CalculationGuests, PresetsAndBoxesInAnyOrderCalculateAndEnd) {
+    AddPairs(9);
+    Settings.MonteCarloRuns = 3;
+    Settings.MaxIteration = 20;
+    Headless.OnQuestion = [](const DialogShown& shown) { return std::optional(shown.Buttons.back()); };
+    Open();
+    UserSetValue(w.CheckAutoRec, 1);
+    unsigned random = 99;
+    const auto pick = [&random](std::size_t n) {
+        random = random * 1664525U + 1013904223U;
+        return static_cast<std::size_t>(random >> 8) % n;
+    };
+    Control* const options[] = {&w.Option6Parameter, &w.Option7Parameter, &w.Option9Parameter, &w.Option12,
+                                &w.OptionHoldLevel,  &w.OptionL1,         &w.OptionL2,         &w.OptionLoo};
+    int depth = 0;
+    std::uint64_t yields = 0;
+    Headless.OnYield = [&] {
+        if (++yields % 7 != 0 || depth > 0) return;
+        ++depth;
+        switch (pick(6)) {
+            case 0:
+                UserSetValue(*options[pick(8)], 1);
+                break;
+            case 1:
+                UserClick(w.BtnSTOP);
+                break;
+            case 2:
+                if (w.BtnSwitchMcsOcs.Enabled) UserClick(w.BtnSwitchMcsOcs);
+                break;
+            case 3:
+                UnloadWindow("FormTrafoBerechnung");
+                if (pick(2) == 0) ShowWindow("FormTrafoBerechnung");
+                break;
+            default:
+                UserSetValue(*RowOf(static_cast<int>(pick(17)) + 1).Check, static_cast<int>(pick(2)));
+        }
+        --depth;
+    };
+    for (int step = 0; step < 300; ++step) {
+        SCOPED_TRACE(step);
+        ShowWindow("FormTrafoBerechnung");
+        switch (pick(4)) {
+            case 0:
+                UserSetValue(*options[pick(8)], 1);
+                break;
+            case 1:
+                UserSetValue(w.CheckMonteCarlo, static_cast<int>(pick(2)));
+                Calculate();
+                break;
+            default:
+                UserSetValue(*RowOf(static_cast<int>(pick(17)) + 1).Check, static_cast<int>(pick(2)));
+        }
+        ExpectAtRest();
+    }
+}
+
+TEST_F(CalculationGuests, WhatIsTypedIntoAHeldFieldInsideARunIsNotOverwrittenByIt) {
+    AddPairs();
+    Open();
+    UserSetValue(w.CheckTraZ, 0);
+    UserSetText(w.TextTraZ, "290");
+    int yields = 0;
+    Headless.OnYield = [&yields] {
+        if (++yields == 3) UserSetText(w.TextTraZ, "295");
+    };
+    Calculate();
+    EXPECT_EQ(Job.TraZ, 290);
+    EXPECT_EQ(w.TextTraZ.Text, "295");
+}
+
+TEST_F(CalculationGuests, AStopInsideARunDoesNotReachTheOneBehindIt) {
+    AddPairs();
+    Open();
+    UserSetValue(w.CheckAutoRec, 1);
+    int yields = 0;
+    Headless.OnYield = [&yields] {
+        if (++yields != 2) return;
+        UserSetValue(w.CheckTraX, 0);
+        UserClick(w.BtnSTOP);
+    };
+    Calculate();
+    EXPECT_TRUE(Adjustment.Converged);
+    EXPECT_EQ(Calculation.nFloat, 5);
+    ExpectAtRest();
+}
+
+TEST_F(CalculationGuests, OneNormGivesWayToAnotherInsideItsRun) {
+    AddPairs(10);
+    Open();
+    UserSetValue(w.CheckAutoRec, 1);
+    int yields = 0;
+    Headless.OnYield = [&yields] {
+        if (++yields == 5) UserSetValue(w.OptionL2, 1);
+    };
+    UserSetValue(w.OptionL1, 1);
+    EXPECT_EQ(Job.NormType, 2);
+    for (std::size_t i = 1; i < Calculation.P.size(); ++i) EXPECT_EQ(Calculation.P[i], 1);
+    EXPECT_TRUE(w.CheckMonteCarlo.Enabled);
+    ExpectAtRest();
+}
+
+TEST_F(CalculationGuests, PointsReplacedInsideARunStayAndTheWindowIsAtRest) {
+    AddPairs(8, 0);
+    Open();
+    for (Control* const norm : {&w.OptionL1, &w.OptionLoo, &w.OptionL2}) {
+        UserSetValue(*norm, 1);
+        const int pairs = Job.nIdent;
+        int yields = 0;
+        Headless.OnYield = [&yields] {
+            if (++yields != 3) return;
+            UnloadWindow("FormTrafoBerechnung");
+            Job.ParamText.fill("");
+            AddPairs(3, 0);
+            ++::Run.JobGeneration;
+            ShowWindow("FormTrafoBerechnung");
+        };
+        Calculate();
+        Headless.OnYield = nullptr;
+        EXPECT_EQ(Job.nIdent, pairs + 3);
+        EXPECT_FALSE(CalculationIsOfThisJob());
+        EXPECT_EQ(w.TextTraX.Text, "float");
+        EXPECT_EQ(w.TextSxyz.Text, "");
+        ExpectAtRest();
+        Calculate();
+        EXPECT_NEAR(Job.TraX, 100, 1e-6);
+    }
+}
+
+TEST_F(CalculationGuests, TheRVectorChosenFromAnotherNormAndDirectionEndsWithBothPutBack) {
+    AddPairs(10);
+    Job.RobotABC = Matrix(Job.nIdent, 3);
+    Open();
+    UserSetValue(w.OptionL1, 1);
+    UserClick(w.BtnSwitchMcsOcs);
+    UserSetValue(w.CheckAutoRec, 1);
+    UserSetValue(w.CheckUseABC, 1);
+    EXPECT_EQ(Job.NormType, 2);
+    EXPECT_TRUE(IsTrue(Job.DirectionMCStoOCS));
+    EXPECT_TRUE(CalculationIsOfThisJob());
+    EXPECT_EQ(Calculation.nFloat, 9);
+    ExpectAtRest();
+}
+
+TEST_F(CalculationGuests, TwoPairsCalculateWhatTheyCanDetermine) {
+    AddPairs(2, 0);
+    Open();
+    Calculate();  // six unknowns, six coordinates: the turn about the line between them stays open
+    ExpectAtRest();
+    UserSetValue(w.OptionHoldLevel, 1);
+    Calculate();
+    ExpectAtRest();
+    EXPECT_EQ(Calculation.nFloat, 4);
+}

@@ -1,0 +1,457 @@
+// The run of a calculation in its window: the click, the stop, the direction, and what a refusal leaves.
+#include <cmath>
+
+#include "core/refresh.h"
+#include "core/settings.h"
+#include "engine/adjustment.h"
+#include "engine/calculation_job.h"
+
+namespace {
+
+FormTrafoBerechnung& w = TrafoWindow;
+
+class CalculationWindowRun : public CalculationJob {
+protected:
+    static std::string Field(double value) { return ShownLength(value); }
+};
+
+double Root(double x, double y, double z) {
+    return std::sqrt(x * x + y * y + z * z);
+}
+
+}  // namespace
+
+TEST_F(CalculationWindowRun, AClickCalculatesAndShowsTheParameters) {
+    AddPairs(6, 0);
+    Open();
+    Calculate();
+    EXPECT_TRUE(IsTrue(Run.TrafoValid));
+    EXPECT_TRUE(IsTrue(Run.JobDirty));
+    EXPECT_TRUE(IsTrue(Run.CalcDone));
+    EXPECT_EQ(w.TextTraX.Text, "100.000");
+    EXPECT_EQ(w.TextTraY.Text, "200.000");
+    EXPECT_EQ(w.TextTraZ.Text, "300.000");
+    EXPECT_EQ(w.TextRotX.Text, "10.0000");
+    EXPECT_EQ(w.TextRotY.Text, "20.0000");
+    EXPECT_EQ(w.TextRotZ.Text, "30.0000");
+    EXPECT_EQ(w.TextScaleX.Text, "1.000000");
+    EXPECT_EQ(w.TextScaleXYZ.Text, "not used") << "shown only while it floats";
+    EXPECT_EQ(w.TextSxyz.Text, "0.000");
+    EXPECT_TRUE(w.BtnSEED.Enabled);
+    EXPECT_TRUE(w.BtnCalculate.Enabled);
+    EXPECT_FALSE(w.BtnSTOP.Enabled);
+    EXPECT_EQ(::Run.WaitPointers, 0);
+}
+
+TEST_F(CalculationWindowRun, TheShownValuesOfAFitBecomeNoConstraintsOfTheNext) {
+    AddPairs();
+    Open();
+    Calculate();
+    const double x = Job.TraX, angle = Job.RotY;
+    Calculate();
+    EXPECT_EQ(Job.TraX, x);
+    EXPECT_EQ(Job.RotY, angle);
+}
+
+TEST_F(CalculationWindowRun, LastSolutionIsWhatStoodWhenTheButtonWasPressed) {
+    AddPairs(6, 0);
+    Open();
+    Job.TraX = 17;
+    Calculate();
+    EXPECT_EQ(CalculationWindow.LastSolution[kTraX], 17);
+    EXPECT_EQ(w.TextTraX.ToolTip, "delta to last calculation: 83.000");
+    Calculate();
+    EXPECT_NEAR(CalculationWindow.LastSolution[kTraX], 100, 1e-9);
+    EXPECT_EQ(w.TextTraX.ToolTip, "delta to last calculation: 0.000");
+    EXPECT_EQ(w.TextRotX.ToolTip, "delta to last calculation: 0.0000");
+}
+
+TEST_F(CalculationWindowRun, AsManyObservationsAsUnknownsLeaveNoResiduals) {
+    AddPairs(6, 0.5);
+    Open();
+    std::fill(Job.UseFlags.begin(), Job.UseFlags.end(), std::int16_t{0});
+    for (const std::size_t flag : {1, 2, 3, 4, 5, 9}) Job.UseFlags[flag] = 1;
+    Calculate();
+    EXPECT_TRUE(Messages().empty()) << LastMessage();
+    for (const std::size_t flag : {1, 2, 3, 4, 5, 9}) EXPECT_NEAR(Calculation.v[flag], 0, 1e-8);
+    EXPECT_NEAR(Calculation.s0, 0, 1e-8);
+}
+
+TEST_F(CalculationWindowRun, ARefusalKeepsParametersTableAndFields) {
+    AddPairs();
+    Open();
+    Calculate();
+    const JobRecord before = Job;
+    const Column v = Calculation.v;
+    UserSetValue(w.CheckTraX, 0);
+    UserSetText(w.TextTraX, "5");
+    std::fill(Job.UseFlags.begin(), Job.UseFlags.end(), std::int16_t{0});
+    const std::string rotation = w.TextRotX.Text, sigma = w.TextSxyz.Text, largest = w.TextMaxDevX.Text;
+    Calculate();
+    EXPECT_EQ(Messages(), (std::vector<std::string>{"This is not a redundant calculation"}));
+    for (int k = kTraX; k < kParameterEnd; ++k)
+        EXPECT_EQ(ParameterValue(Job, k), ParameterValue(const_cast<JobRecord&>(before), k));
+    EXPECT_EQ(Job.TMCS_X, before.TMCS_X);
+    EXPECT_EQ(Calculation.v, v);
+    EXPECT_EQ(w.TextTraX.Text, "5") << "what the user typed is not lost";
+    EXPECT_EQ(w.TextRotX.Text, rotation);
+    EXPECT_EQ(w.TextSxyz.Text, sigma);
+    EXPECT_EQ(w.TextMaxDevX.Text, largest);
+    EXPECT_TRUE(IsTrue(Run.TrafoValid));
+}
+
+TEST_F(CalculationWindowRun, ARefusalBeforeAnyResultShowsNone) {
+    AddPairs(1);
+    Open();
+    Calculate();
+    EXPECT_EQ(Messages(), (std::vector<std::string>{"This is not a redundant calculation"}));
+    EXPECT_EQ(w.TextTraX.Text, "float");
+    EXPECT_EQ(w.TextSigmaTraX.Text, "");
+    EXPECT_EQ(w.TextMaxDevX.Text, "");
+    EXPECT_FALSE(IsTrue(Run.CalcDone));
+    EXPECT_FALSE(IsTrue(Run.TrafoValid));
+    EXPECT_FALSE(w.BtnSEED.Enabled);
+}
+
+TEST_F(CalculationWindowRun, AHeldScaleOfZeroIsRefused) {
+    AddPairs();
+    Open();
+    for (const char* text : {"0", "0.000", "nothing"}) {
+        UserSetValue(w.Option9Parameter, 1);
+        UserSetValue(w.CheckScaleY, 0);
+        UserSetText(w.TextScaleY, text);
+        Headless.Dialogs.clear();
+        Calculate();
+        EXPECT_EQ(
+            LastMessage(),
+            "Scale y is held at 0, which leaves nothing of the points. Please hold it at another value.");
+        EXPECT_FALSE(IsTrue(Run.TrafoValid));
+    }
+}
+
+TEST_F(CalculationWindowRun, AFieldWithoutANumberCountsAsZero) {
+    AddPairs(6, 0);
+    Open();
+    UserSetValue(w.CheckTraZ, 0);
+    UserSetText(w.TextTraZ, "none");
+    Calculate();
+    EXPECT_EQ(Job.TraZ, 0);
+    EXPECT_EQ(w.TextTraZ.Text, "0.000");
+}
+
+TEST_F(CalculationWindowRun, AnAngleThatIsNoDegreeMinuteSecondChangesNothing) {
+    AddPairs(6, 0);
+    Open();
+    UserSetValue(w.CheckRotZ, 0);
+    UserSetText(w.TextRotZ, "10 - 30");
+    Calculate();
+    EXPECT_FALSE(Run.LastPlatformError.empty());
+    EXPECT_FALSE(IsTrue(Run.TrafoValid));
+    EXPECT_TRUE(w.BtnCalculate.Enabled);
+    EXPECT_FALSE(w.BtnSTOP.Enabled);
+    EXPECT_EQ(::Run.WaitPointers, 0);
+}
+
+TEST_F(CalculationWindowRun, ResultsThatAreNoNumbersShowInTheFields) {
+    AddPairs(6, 0);
+    Job.OCS_X[2] = 1e308;
+    Job.OCS_X[3] = -1e308;
+    Job.OCS_Y[4] = 1e308;
+    Open();
+    Calculate();
+    EXPECT_FALSE(IsTrue(Run.TrafoValid));
+    bool shows = false;
+    for (const ParameterControls& row : ParameterRows())
+        shows |= row.Text->Text == "NaN" || row.Text->Text.find("Infinity") != std::string::npos;
+    EXPECT_TRUE(shows);
+}
+
+TEST_F(CalculationWindowRun, AStopInTheFirstPassEndsTheRunAndNotTheNext) {
+    AddPairs();
+    Open();
+    int yields = 0;
+    Headless.OnYield = [&yields] {
+        if (++yields == 2) UserClick(w.BtnSTOP);
+    };
+    Settings.BestFit_Etta = 1e-13;
+    Calculate();
+    EXPECT_EQ(Adjustment.Iterations, 1);
+    EXPECT_FALSE(IsTrue(::Run.StopRequested));
+    EXPECT_FALSE(w.BtnSTOP.Enabled);
+    EXPECT_TRUE(Messages().empty());
+    Headless.OnYield = nullptr;
+    Settings.BestFit_Etta = 1e-9;
+    Calculate();
+    EXPECT_TRUE(Adjustment.Converged);
+}
+
+TEST_F(CalculationWindowRun, BtnCalculateIsDisabledAndBtnSTOPEnabledMeanwhile) {
+    AddPairs();
+    Open();
+    bool seen = false;
+    Headless.OnYield = [&seen] {
+        seen = true;
+        EXPECT_FALSE(w.BtnCalculate.Enabled);
+        EXPECT_TRUE(w.BtnSTOP.Enabled);
+        EXPECT_EQ(::Run.WaitPointers, 1);
+    };
+    Calculate();
+    EXPECT_TRUE(seen);
+}
+
+TEST_F(CalculationWindowRun, AChangeDuringARunCalculatesBehindItAndNotInsideIt) {
+    AddPairs();
+    Open();
+    UserSetValue(w.CheckAutoRec, 1);
+    bool changed = false;
+    int runs = 0;
+    Headless.OnYield = [&] {
+        if (Adjustment.Iterations == 0 &&
+            Main.StatusBar_2.Text == "... calculating Matrix for LeastSquare calc...")
+            ++runs;
+        if (changed) return;
+        changed = true;
+        UserSetValue(w.CheckTraX, 0);
+        UserSetText(w.TextTraX, "5");
+        EXPECT_TRUE(CalculationWindow.Running);
+    };
+    Calculate();
+    EXPECT_EQ(Job.TraX, 5);
+    EXPECT_EQ(runs, 2);
+}
+
+TEST_F(CalculationWindowRun, ACalculationFromAPresetRunsOnce) {
+    AddPairs();
+    Open();
+    UserSetValue(w.CheckAutoRec, 1);
+    int runs = 0;
+    Headless.OnYield = [&runs] {
+        if (Main.StatusBar_2.Text == "... calculating Matrix for LeastSquare calc..." &&
+            Adjustment.Iterations == 0)
+            ++runs;
+    };
+    for (Control* const option :
+         {&w.Option7Parameter, &w.Option9Parameter, &w.OptionHoldLevel, &w.Option6Parameter, &w.Option12}) {
+        runs = 0;
+        Main.StatusBar_2.Text.clear();
+        UserSetValue(*option, 1);
+        EXPECT_EQ(runs, 1);
+        EXPECT_EQ(w.CheckAutoRec.Value, 1);
+    }
+}
+
+TEST_F(CalculationWindowRun, APlainBoxCalculatesWhenAutomatic) {
+    AddPairs();
+    Open();
+    UserSetValue(w.CheckTraX, 0);
+    EXPECT_FALSE(IsTrue(Run.TrafoValid));
+    UserSetValue(w.CheckAutoRec, 1);
+    EXPECT_TRUE(IsTrue(Job.AutoRecalc));
+    EXPECT_FALSE(IsTrue(Run.TrafoValid));
+    UserSetValue(w.CheckTraX, 1);
+    EXPECT_TRUE(IsTrue(Run.TrafoValid));
+}
+
+TEST_F(CalculationWindowRun, ClosingTheWindowDuringARunKeepsTheResult) {
+    AddPairs(6, 0);
+    Open();
+    Headless.OnYield = [] { UnloadWindow("FormTrafoBerechnung"); };
+    Calculate();
+    EXPECT_TRUE(IsTrue(Run.TrafoValid));
+    EXPECT_NEAR(Job.TraX, 100, 1e-9);
+    EXPECT_FALSE(IsLoaded("FormTrafoBerechnung"));
+}
+
+TEST_F(CalculationWindowRun, SwitchingDuringARunEndsItWithoutWriting) {
+    AddPairs(6, 0);
+    Open();
+    bool switched = false;
+    Headless.OnYield = [&switched] {
+        if (!switched) {
+            switched = true;
+            UserClick(w.BtnSwitchMcsOcs);
+        }
+    };
+    Calculate();
+    EXPECT_FALSE(IsTrue(Run.TrafoValid));
+    EXPECT_FALSE(IsTrue(Run.CalcDone));
+}
+
+TEST_F(CalculationWindowRun, TheSwitchExchangesTheSetsAndTheirCounts) {
+    AddPairs(4);
+    Job.MCS_Name.emplace_back("only start");
+    Job.MCS_X.emplace_back(1);
+    Job.MCS_Y.emplace_back(2);
+    Job.MCS_Z.push_back(3);
+    Job.nMCS = 5;
+    Job.nMCSOnly = 1;
+    const JobRecord before = Job;
+    Open();
+    UserClick(w.BtnSwitchMcsOcs);
+    EXPECT_EQ(Job.MCS_X, before.OCS_X);
+    EXPECT_EQ(Job.OCS_Z, before.MCS_Z);
+    EXPECT_EQ(Job.OCS_Name, before.MCS_Name);
+    EXPECT_EQ(Job.nMCS, 4);
+    EXPECT_EQ(Job.nOCS, 5);
+    EXPECT_EQ(Job.nMCSOnly, 0);
+    EXPECT_EQ(Job.nOCSOnly, 1);
+    EXPECT_EQ(Job.TMCS_X.size(), 5u);
+    EXPECT_EQ(Job.NameMCS, "Cell");
+    EXPECT_EQ(Job.UseFlags, before.UseFlags);
+    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_FALSE(IsTrue(Job.DirectionMCStoOCS));
+    EXPECT_EQ(w.LabelDirection.Text, "OCS -> MCS");
+    EXPECT_EQ(w.LabelDirection.ForeColor, QbColor(12));
+    EXPECT_EQ(w.BtnSwitchMcsOcs.BackColor, QbColor(12));
+    EXPECT_EQ(w.LabelDirection.ToolTip, "Robot => Cell");
+    UserClick(w.BtnSwitchMcsOcs);
+    EXPECT_EQ(Job.MCS_Name, before.MCS_Name);
+    EXPECT_EQ(Job.OCS_X, before.OCS_X);
+    EXPECT_EQ(w.LabelDirection.Text, "MCS -> OCS");
+    EXPECT_EQ(w.LabelDirection.ForeColor, QbColor(0));
+    EXPECT_EQ(w.BtnSwitchMcsOcs.BackColor, kSystemColour);
+    EXPECT_EQ(w.LabelDirection.ToolTip, "Cell => Robot");
+}
+
+TEST_F(CalculationWindowRun, TheSwitchedFitIsTheInverse) {
+    AddPairs(8, 0);
+    Open();
+    UserClick(w.BtnSwitchMcsOcs);
+    Calculate();
+    // The inverse of a rigid motion has the same length of shift and a rotation of the same angle.
+    EXPECT_NEAR(Root(Job.TraX, Job.TraY, Job.TraZ), Root(100, 200, 300), 1e-8);
+    for (int i = 1; i <= Job.nIdent; ++i)
+        EXPECT_NEAR(*Job.TMCS_X[static_cast<std::size_t>(i)], *Job.OCS_X[static_cast<std::size_t>(i)], 1e-9);
+}
+
+TEST_F(CalculationWindowRun, TheResultBecomesTheSeeds) {
+    AddPairs(6, 0);
+    Open();
+    UserSetValue(w.Option9Parameter, 1);
+    Calculate();
+    UserClick(w.BtnSEED);
+    EXPECT_EQ(w.TextSeedTrax.Text, "100.000");
+    EXPECT_EQ(w.TextSeedRotz.Text, "30.0000");
+    EXPECT_EQ(w.TextSeedScalex.Text, "1.000000");
+    EXPECT_EQ(w.TextSeedScalexyz.Text, "") << "not used, so there is nothing to begin with";
+}
+
+TEST_F(CalculationWindowRun, SeedsOfTheUserAreWhereTheIterationBegins) {
+    AddPairs(6, 0);
+    Open();
+    Settings.MaxIteration = 0;
+    UserSetValue(w.CheckSeedTrax, 1);
+    UserSetText(w.TextSeedTrax, "100");
+    Calculate();
+    EXPECT_NEAR(Job.TraX, 100, 1e-6);
+}
+
+TEST_F(CalculationWindowRun, WithoutItsWindowACalculationTakesTheChoiceOfTheJob) {
+    AddPairs(6, 0);
+    myButtonCalculate();
+    EXPECT_TRUE(IsTrue(Run.TrafoValid));
+    EXPECT_NEAR(Job.RotZ, 30 * kPi / 180, 1e-9);
+    EXPECT_EQ(Calculation.nFloat, 6);
+}
+
+TEST_F(CalculationWindowRun, TheUnitsOfTheFieldsFollowTheSettings) {
+    AddPairs(6, 0);
+    Open();
+    UserSetValue(w.CheckTraZ, 0);
+    UserSetText(w.TextTraZ, "300");
+    UserSetValue(w.CheckSeedTrax, 1);
+    UserSetText(w.TextSeedTrax, "1500");
+    Job.LengthUnitName = "meter";
+    Job.LengthDigits = 6;
+    RhoFestlegung();
+    CalculationWindow_UnitsChanged();
+    EXPECT_EQ(w.TextTraZ.Text, "0.300000");
+    EXPECT_EQ(w.TextSeedTrax.Text, "1.500000");
+    Calculate();
+    EXPECT_EQ(w.TextTraX.Text, "0.100000");
+    EXPECT_NEAR(Job.TraZ, 300, 1e-9);
+    Job.AngleUnitName = "rad";
+    Job.LengthUnitName = "millimeter";
+    Job.LengthDigits = 1;
+    RhoFestlegung();
+    CalculationWindow_UnitsChanged();
+    EXPECT_EQ(w.TextTraX.Text, "100.0");
+    EXPECT_EQ(w.TextRotX.Text, "0.1745");
+    EXPECT_EQ(Main.StatusBar_9.Text, "rad");
+}
+
+TEST_F(CalculationWindowRun, TheMenuOpensAndClosesTheWindow) {
+    AddPairs();
+    ProgrammLogik();
+    UserClick(Main.MenuTransformationCalculation);
+    EXPECT_TRUE(IsLoaded("FormTrafoBerechnung"));
+    EXPECT_TRUE(Main.MenuTransformationCalculation.Checked);
+    EXPECT_EQ(Main.Toolbar1_TrafoBerechnung.Value, 1);
+    UserClick(Main.MenuTransformationCalculation);
+    EXPECT_FALSE(IsLoaded("FormTrafoBerechnung"));
+    EXPECT_FALSE(Main.MenuTransformationCalculation.Checked);
+    EXPECT_EQ(Main.Toolbar1_TrafoBerechnung.Value, 0);
+    UserClick(Main.MenuTransformationCalculation);
+    UserClose(FormTrafoBerechnung_Entry);
+    EXPECT_FALSE(Main.MenuTransformationCalculation.Checked) << "closed by its own button";
+}
+
+TEST_F(CalculationWindowRun, OnePairIsTooFewAndTwoAreWarnedOf) {
+    AddPairs(1);
+    UserClick(Main.MenuTransformationCalculation);
+    EXPECT_FALSE(IsLoaded("FormTrafoBerechnung"));
+    EXPECT_EQ(LastMessage(),
+              "There are less then two identically Points for a calculation!\r\nThat makes no sence.\r\n"
+              "Please load more identically Points to do Transformation Calculations.");
+    AddPairs(1);
+    UserClick(Main.MenuTransformationCalculation);
+    EXPECT_TRUE(IsLoaded("FormTrafoBerechnung"));
+    EXPECT_EQ(
+        LastMessage(),
+        "There are less than three identically Points for a calculation.\r\nBy rational settings of the "
+        "Transformation Parameters logical Calculations can be made.\r\nBe sure what you are doing!");
+}
+
+namespace {
+
+// Targets at 50 mm from where the transformation puts the start points, so that the distance is known.
+class DistanceRun : public CalculationJob {
+protected:
+    DistanceRun() {
+        AddPairs(12, 0);
+        Open();
+        UserSetValue(w.CheckRDist, 1);
+    }
+};
+
+}  // namespace
+
+TEST_F(DistanceRun, AStartOnTheTargetsIsToldWithThePointAndChangesNothing) {
+    Job.TraX = 17;
+    Calculate();
+    EXPECT_EQ(LastMessage(),
+              "The start values put point \"P1\" onto its target, where the distance between them has no "
+              "direction. Please give a seed for one of the translations, or choose other seed points.");
+    EXPECT_EQ(Job.TraX, 17);
+    EXPECT_FALSE(IsTrue(Run.TrafoValid));
+    for (std::size_t flag = 1; flag <= 9; ++flag) Job.UseFlags[flag] = 0;
+    Calculate();
+    EXPECT_NE(LastMessage().find("\"P4\""), std::string::npos) << "points out of use do not matter";
+}
+
+TEST_F(DistanceRun, ASeedLeadsAwayFromTheTargets) {
+    for (std::size_t i = 1; i <= 12; ++i) {
+        const double angle = 0.7 * static_cast<double>(i), up = -0.9 + 0.15 * static_cast<double>(i);
+        const double across = std::sqrt(1 - up * up);
+        Job.OCS_X[i] = *Job.OCS_X[i] + 50 * across * std::cos(angle);
+        Job.OCS_Y[i] = *Job.OCS_Y[i] + 50 * across * std::sin(angle);
+        Job.OCS_Z[i] += 50 * up;
+    }
+    UserSetValue(w.CheckSeedTrax, 1);
+    UserSetText(w.TextSeedTrax, "103");
+    Calculate();
+    EXPECT_TRUE(Adjustment.Converged);
+    EXPECT_NEAR(Job.RDist, 50, 1e-6);
+    EXPECT_NEAR(Job.TraX, 100, 1e-6);
+    EXPECT_EQ(w.TextRDist.Text, "50.000");
+}

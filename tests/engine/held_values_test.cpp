@@ -1,0 +1,240 @@
+// Values that the user holds parameters at: as typed, in whatever unit, from one calculation to the next.
+#include "core/refresh.h"
+#include "engine/adjustment.h"
+#include "engine/calculation_job.h"
+#include "engine/field_number.h"
+#include "engine/selection.h"
+
+namespace {
+
+FormTrafoBerechnung& w = TrafoWindow;
+
+class HeldValues : public CalculationJob {
+protected:
+    static void AddPoses() {
+        Job.RobotABC = Matrix(Job.nIdent, 3);
+        for (int i = 1; i <= Job.nIdent; ++i)
+            for (int k = 1; k <= 3; ++k) Job.RobotABC(i, k) = 2 * NextNumber();
+    }
+};
+
+}  // namespace
+
+TEST_F(HeldValues, AUnitChangedKeepsTheValueThatTheUserHasJustTyped) {
+    AddPairs();
+    Open();
+    Calculate();
+    UserSetValue(w.CheckTraZ, 0);
+    UserSetText(w.TextTraZ, "5");
+    UserSetValue(w.CheckRotX, 0);
+    UserSetText(w.TextRotX, "9");
+    Job.LengthUnitName = "meter";
+    Job.AngleUnitName = "grad (gon)";
+    RhoFestlegung();
+    CalculationWindow_UnitsChanged();
+    Calculate();
+    EXPECT_NEAR(Job.TraZ, 5, 1e-12);
+    EXPECT_NEAR(Job.RotX, 9 * kPi / 180, 1e-14);
+}
+
+TEST_F(HeldValues, AUnitChangedThereAndBackLosesNoDigits) {
+    AddPairs();
+    Open();
+    UserSetValue(w.CheckTraZ, 0);
+    UserSetText(w.TextTraZ, "0.3217");
+    UserSetValue(w.CheckSeedTrax, 1);
+    UserSetText(w.TextSeedTrax, "12.34567");
+    UserSetValue(w.CheckRotX, 0);
+    UserSetText(w.TextRotX, "-0 30 0.5");
+    for (const char* length : {"meter", "inch", "feet", "millimeter"}) {
+        Job.LengthUnitName = length;
+        Job.AngleUnitName = std::string(length) == "millimeter" ? "degree" : kDegreeMinuteSecond;
+        RhoFestlegung();
+        CalculationWindow_UnitsChanged();
+        TakeSelection();
+        EXPECT_NEAR(ParameterFromText(kTraZ, Job.ParamText[kTraZ]), 0.3217, 1e-12) << length;
+        EXPECT_NEAR(ParameterFromText(kTraX, w.TextSeedTrax.Text), 12.34567, 1e-12) << length;
+        EXPECT_NEAR(ParameterFromText(kRotX, Job.ParamText[kRotX]), -(0.5 + 0.5 / 3600) * kPi / 180, 1e-14)
+            << length;
+    }
+}
+
+TEST_F(HeldValues, TextsThatAreNoNumbersDoNotStopAChangeOfUnits) {
+    AddPairs();
+    Open();
+    for (Control* const box : {&w.CheckTraY, &w.CheckTraZ, &w.CheckRotX}) UserSetValue(*box, 0);
+    UserSetText(w.TextTraY, "none");
+    UserSetText(w.TextRotX, "10 - 30");
+    UserSetText(w.TextTraZ, "300");
+    Job.LengthUnitName = "meter";
+    RhoFestlegung();
+    CalculationWindow_UnitsChanged();
+    EXPECT_EQ(w.TextTraY.Text, "none");
+    EXPECT_EQ(w.TextRotX.Text, "10 - 30");
+    EXPECT_EQ(w.TextTraZ.Text, "0.300");
+    EXPECT_EQ(Main.StatusBar_8.Text, "meter");
+}
+
+TEST_F(HeldValues, AHeldValueWithMoreDigitsThanShownIsHeldInEveryCalculation) {
+    AddPairs();
+    Open();
+    UserSetValue(w.Option7Parameter, 1);
+    UserSetValue(w.CheckTraX, 0);
+    UserSetText(w.TextTraX, "99.12345");
+    UserSetValue(w.CheckRotY, 0);
+    UserSetText(w.TextRotY, "20.000012");
+    UserSetValue(w.CheckScaleXYZ, 0);
+    UserSetText(w.TextScaleXYZ, "1.0000004");
+    for (int run = 1; run <= 3; ++run) {
+        Calculate();
+        EXPECT_NEAR(Job.TraX, 99.12345, 1e-12);
+        EXPECT_NEAR(Job.RotY, 20.000012 * kPi / 180, 1e-14);
+        EXPECT_NEAR(Job.ScaleX, 1.0000004, 1e-15);
+    }
+    UserSetText(w.TextTraX, "99");
+    Calculate();
+    EXPECT_EQ(w.TextTraX.Text, "99.000") << "shown as all lengths are where no digit is lost";
+}
+
+TEST_F(HeldValues, AHeldAngleBelowOneDegreeKeepsItsSign) {
+    AddPairs();
+    Job.AngleUnitName = kDegreeMinuteSecond;
+    RhoFestlegung();
+    Open();
+    UserSetValue(w.CheckRotX, 0);
+    UserSetText(w.TextRotX, "-0 30 0");
+    Calculate();
+    Calculate();
+    EXPECT_NEAR(Job.RotX, -0.5 * kPi / 180, 1e-14);
+}
+
+TEST_F(HeldValues, AHeldFieldWithTheWordOfAFloatingOneIsHeldAtZero) {
+    AddPairs();
+    Open();
+    UserSetValue(w.CheckTraX, 0);
+    UserSetText(w.TextTraX, "float");
+    Calculate();
+    EXPECT_EQ(Calculation.nFloat, 5);
+    EXPECT_EQ(Job.TraX, 0);
+}
+
+TEST_F(HeldValues, AJobWithAHeldToolVectorComesBackWithIt) {
+    AddPairs(8);
+    AddPoses();
+    Open();
+    UserSetValue(w.CheckUseABC, 1);
+    Calculate();
+    Calculate();
+    UserSetValue(w.CheckUseABC, 0);
+    UserSetText(w.TextRvec_x, "12");
+    UserSetText(w.TextRvec_y, "0");
+    UserSetText(w.TextRvec_z, "-5");
+    Calculate();
+    const double x = Job.TraX;
+    EXPECT_NEAR(Job.RDist, 13, 1e-12) << "the length of the vector that is held";
+    EXPECT_EQ(w.TextRDist.Text, "13.000");
+    UnloadWindow("FormTrafoBerechnung");
+
+    CalculationWindow = {};  // a new program that has opened the job
+    Job.TraX = 0;
+    myButtonCalculate();
+    EXPECT_NEAR(Job.TraX, x, 1e-9) << "without the window";
+    Job.TraX = 0;
+    Open();
+    Calculate();
+    EXPECT_NEAR(Job.TraX, x, 1e-9);
+    EXPECT_EQ(Job.Rvec_z, -5);
+}
+
+TEST_F(HeldValues, AJobWithoutToolVectorDoesNotInheritThatOfTheJobBefore) {
+    AddPairs(8, 0);
+    CalculationWindow.UseABCActive = kTrue;
+    Job.ParamText.fill(kNotUsed);
+    for (std::size_t k = 1; k <= 6; ++k) Job.ParamText[k] = kFloat;
+    Job.ParamText[kRDist] = "50";
+    Open();
+    EXPECT_FALSE(IsTrue(CalculationWindow.UseABCActive));
+    TakeSelection();
+    EXPECT_TRUE(Selection.RDistShown);
+}
+
+TEST_F(HeldValues, TheLengthOfTheToolVectorIsShownInTheLengthUnit) {
+    AddPairs(8);
+    Job.LengthUnitName = "meter";
+    Job.LengthDigits = 6;
+    RhoFestlegung();
+    AddPoses();
+    Open();
+    UserSetValue(w.CheckUseABC, 1);
+    Calculate();
+    EXPECT_EQ(w.TextRDist.Text, ShownLength(Job.RDist));
+    EXPECT_EQ(w.TextRvec_x.Text, ShownLength(Job.Rvec_x));
+}
+
+TEST_F(HeldValues, AHeldAngleBeginsInTheTripleThatItBelongsTo) {
+    AddPairs();
+    Open();
+    UserSetValue(w.CheckRotY, 0);
+    UserSetText(w.TextRotY, "20");
+    Calculate();
+    EXPECT_LE(Adjustment.Iterations, 5);
+    EXPECT_NEAR(Job.RotX * 180 / kPi, 10, 0.1);
+    EXPECT_NEAR(Job.RotZ * 180 / kPi, 30, 0.1);
+    UserSetText(w.TextRotY, "160");
+    Calculate();
+    EXPECT_LE(Adjustment.Iterations, 5) << "the other triple of the same rotation";
+    EXPECT_NEAR(Job.RotX * 180 / kPi, 10, 0.1) << "the result stands in the nicer one";
+}
+
+TEST_F(HeldValues, HeldValuesOfAClosedWindowKeepTheirSizeInOtherUnits) {
+    AddPairs();
+    Open();
+    UserSetValue(w.CheckTraZ, 0);
+    UserSetText(w.TextTraZ, "290");
+    UserSetValue(w.CheckRotX, 0);
+    UserSetText(w.TextRotX, "9");
+    Calculate();
+    UnloadWindow("FormTrafoBerechnung");
+    ShowWindow("FormUnits");
+    UserSetIndex(*FindControl(*FindWindow("FormUnits"), "ComboLength"), 1);
+    UserSetIndex(*FindControl(*FindWindow("FormUnits"), "ComboAngle"), 6);
+    UserClick(*FindControl(*FindWindow("FormUnits"), "BtnOK"));
+    EXPECT_EQ(Job.ParamText[kTraZ], "0.290");
+    EXPECT_EQ(Job.ParamText[kRotX], "9");
+    EXPECT_EQ(Job.ParamText[kTraX], "float");
+    Open();
+    EXPECT_EQ(w.TextTraZ.Text, "0.290");
+    Calculate();
+    EXPECT_NEAR(Job.TraZ, 290, 1e-9);
+    EXPECT_NEAR(Job.RotX, 9 * kPi / 180, 1e-14);
+}
+
+TEST_F(HeldValues, CommasAreDecimalsWhereTheSystemHasThem) {
+    Headless.Decimal = ',';
+    AddPairs(6, 0);
+    Open();
+    UserSetValue(w.CheckTraX, 0);
+    UserSetText(w.TextTraX, "99,5");
+    UserSetValue(w.CheckRotX, 0);
+    UserSetText(w.TextRotX, "10 0 1,5");
+    Calculate();
+    EXPECT_EQ(Job.TraX, 99.5);
+    EXPECT_EQ(w.TextTraX.Text, "99,500");
+    EXPECT_NEAR(Job.RotX, (10 + 1.5 / 3600) * kPi / 180, 1e-14);
+    Calculate();
+    EXPECT_EQ(Job.TraX, 99.5);
+    EXPECT_NEAR(Job.RotX, (10 + 1.5 / 3600) * kPi / 180, 1e-14);
+    UserClick(w.BtnSEED);
+    EXPECT_EQ(w.TextSeedTrax.Text, "99,500");
+}
+
+TEST_F(HeldValues, AnAngleWithBlanksAroundItIsItself) {
+    AddPairs(6, 0);
+    Open();
+    UserSetValue(w.CheckRotX, 0);
+    for (const char* text : {"9", " 9", "9 ", "  9  "}) {
+        UserSetText(w.TextRotX, text);
+        Calculate();
+        EXPECT_NEAR(Job.RotX * 180 / kPi, 9, 1e-12) << '"' << text << '"';
+    }
+}
