@@ -18,6 +18,10 @@ struct FitPoint {
 };
 std::vector<FitPoint> FitPoints();
 
+// The names of the system that is transformed and of that which it is fitted to, whatever the direction.
+std::string StartSystem();
+std::string TargetSystem();
+
 // Coordinates that take part in the fit.
 int ObservationsInUse();
 
