@@ -54,5 +54,6 @@ bool FitL1(NormFit& fit);
 // fit. This ends near the least largest residual, not on it. After a stop the weights stay as they are.
 bool FitLoo(NormFit& fit);
 
-// No loop goes on for ever: rounds that a count of 16 bits holds.
+// No loop goes on for ever: rounds that a count of 16 bits holds. A loop that ends by such a limit, and not
+// by its own rule, says so in a message.
 inline constexpr int kMostNormRounds = 32767;
