@@ -337,24 +337,12 @@ void BeginWithSixParameters() {
     std::fill(Job.UseFlags.begin() + 1, Job.UseFlags.end(), std::int16_t{1});
 }
 
-// Opening a window calculates nothing, whatever its boxes do.
-class NoRecalculation {
-public:
-    NoRecalculation() { Job.AutoRecalc = kFalse; }
-    ~NoRecalculation() { Job.AutoRecalc = before_; }
-    NoRecalculation(const NoRecalculation&) = delete;
-    NoRecalculation& operator=(const NoRecalculation&) = delete;
-
-private:
-    Flag before_ = Job.AutoRecalc;
-};
-
 }  // namespace
 
 void INI_Formtrafoberechnung() {
     const BusyPointer busy;
     {
-        const NoRecalculation none;
+        const NoRecalculation none;  // whatever the boxes do
         for (Control* const text : {&w.TextScaleX, &w.TextScaleY, &w.TextScaleZ, &w.TextScaleXYZ})
             text->ForeColor = QbColor(8);
         const std::string systems = "MCS = " + Job.NameMCS + "   |   OCS = " + Job.NameOCS;
