@@ -29,10 +29,14 @@ Mat3 OneColumn(const Mat3& M, int column) {
 }
 
 void Derive(int parameter, InnerDerivative& inner) {
-    const auto rotation = [](RotationAngle angle) {
+    const auto rotation = [&inner](RotationAngle angle) {
         const auto& [a, b, c] = Chain.Rotations;
         const Mat3 derivative = RotationDerivative(angle, a, b, c);
-        return Chain.RightAngled ? WithScales(derivative) : MatrixProduct(derivative, Chain.KS);
+        if (Chain.RightAngled) {
+            WithScales(derivative, inner.D);
+        } else {
+            inner.D = MatrixProduct(derivative, Chain.KS);
+        }
     };
     const auto shear = [](ShearAngle angle) {
         return MatrixProduct(MatrixProduct(Chain.RotationMatrix, ShearDerivative(angle)), Chain.ScaleMatrix);
@@ -40,13 +44,13 @@ void Derive(int parameter, InnerDerivative& inner) {
     inner.OnlyColumn = 0;
     switch (parameter) {
         case kRotX:
-            inner.D = rotation(RotationAngle::X);
+            rotation(RotationAngle::X);
             break;
         case kRotY:
-            inner.D = rotation(RotationAngle::Y);
+            rotation(RotationAngle::Y);
             break;
         case kRotZ:
-            inner.D = rotation(RotationAngle::Z);
+            rotation(RotationAngle::Z);
             break;
         case kScaleX:
         case kScaleY:

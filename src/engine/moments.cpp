@@ -106,14 +106,18 @@ void PutTogether(const GatheredPoints& points, const MomentPass& pass, MomentSum
         {{0, 1, 2, 3}, {1, 4, 5, 6}, {2, 5, 7, 8}, {3, 6, 8, 9}}};
     const bool noWeights = points.AllInUse && !pass.Reweighted;
     for (int axis = 1; axis <= 3; ++axis) {
-        const int from = noWeights ? 1 : axis;
-        for (int row = 0; row < 4; ++row) {
-            moments.m[At(axis)][At(row)] = SumOfLanes(sums.Place(axis, row));
-            for (int column = 0; column < 4; ++column)
-                moments.B[At(axis)][At(row)][At(column)] =
-                    SumOfLanes(sums.Place(from, 4 + kPlaceOf[At(row)][At(column)]));
+        for (int row = 0; row < 4; ++row) moments.m[At(axis)][At(row)] = SumOfLanes(sums.Place(axis, row));
+        auto& B = moments.B[At(axis)];
+        if (noWeights && axis > 1) {
+            B = moments.B[1];
+            continue;
         }
-        if (noWeights) moments.B[At(axis)][0][0] = points.Count;
+        double products[kProducts];
+        for (int k = 0; k < kProducts; ++k) products[k] = SumOfLanes(sums.Place(axis, 4 + k));
+        if (noWeights) products[0] = points.Count;
+        for (std::size_t row = 0; row < 4; ++row)
+            for (std::size_t column = 0; column < 4; ++column)
+                B[row][column] = products[kPlaceOf[row][column]];
     }
     moments.AbsoluteSum = 0;
     if (!pass.Reweighted) return;

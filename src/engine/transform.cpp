@@ -44,14 +44,14 @@ void ScaleChain() {
 
 }  // namespace
 
-Mat3 WithScales(const Mat3& M) {
-    Mat3 result;
-    const std::array<double, 4> scales = {0, Job.ScaleX, Job.ScaleY, Job.ScaleZ};
-    for (std::size_t k = 0; k < result.Elements.size(); ++k) {
-        const double product = M.Elements[k] * scales[k % 4];
-        result.Elements[k] = M.Elements[k] != 0 ? product : 0;
-    }
-    return result;
+void WithScales(const Mat3& M, Mat3& scaled) {
+    const double x = Job.ScaleX, y = Job.ScaleY, z = Job.ScaleZ;
+    const auto times = [](double element, double scale) {
+        const double product = element * scale;
+        return element != 0 ? product : 0;
+    };
+    for (int row = 1; row <= 3; ++row)
+        SetRow(scaled, row, times(M(row, 1), x), times(M(row, 2), y), times(M(row, 3), z));
 }
 
 void RotMatrixXYZ(double angleA, double angleB, double angleC, Mat3& R) {
@@ -105,8 +105,8 @@ void BuildChain() {
     if (turned || sheared)
         Chain.RK =
             Chain.RightAngled ? Chain.RotationMatrix : MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix);
-    if (scaled || sheared) Chain.KS = WithScales(Chain.ShearMatrix);
-    Chain.Product = WithScales(Chain.RK);
+    if (scaled || sheared) WithScales(Chain.ShearMatrix, Chain.KS);
+    WithScales(Chain.RK, Chain.Product);
     Chain.BuiltFrom = parameters;
 }
 
