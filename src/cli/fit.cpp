@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <optional>
 #include <ostream>
 
 #include "cli/fit_output.h"
@@ -26,6 +27,7 @@
 #include "engine/inverse.h"
 #include "engine/monte_carlo.h"
 #include "engine/noise.h"
+#include "engine/solution_details.h"
 #include "import/form_input_files.h"
 
 namespace {
@@ -196,10 +198,13 @@ int RunFit(const FitOptions& options, std::ostream& out, std::ostream& err, bool
     const int status = Calculate(options, err);
     if (showProgress) err << "\r\x1b[K" << std::flush;
     if (status == kRefused) return status;
-    if (options.Inverse) {
+    std::optional<SolutionDetails> details;
+    if (options.Details) {
+        details = DetailsOfSolution();  // with the inverse
+    } else if (options.Inverse) {
         InverseTransformation();
-        WriteMessages(err);
     }
+    WriteMessages(err);
     // Start is what was transformed, whichever of the files that was.
     FitOptions shown = options;
     if (shown.FromTarget) std::swap(shown.Start, shown.Target);
@@ -208,11 +213,11 @@ int RunFit(const FitOptions& options, std::ostream& out, std::ostream& err, bool
             if (options.Protocol) {
                 out << CompleteProtocol();
             } else {
-                WriteFitTable(shown, out, colour);
+                WriteFitTable(shown, details ? &*details : nullptr, out, colour);
             }
             break;
         case FitOutput::Json:
-            WriteFitJson(shown, out);
+            WriteFitJson(shown, details ? &*details : nullptr, out);
             break;
         case FitOutput::Csv:
             WriteFitCsv(shown, out);

@@ -4,15 +4,14 @@
 #include <array>
 #include <nlohmann/json.hpp>
 #include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
 
-#include "cli/fit_output.h"
 #include "cli/fit_parameters.h"
 #include "cli/text_columns.h"
-#include "core/job.h"
 #include "core/numbers.h"
 #include "engine/matrix.h"
-#include "engine/quaternion.h"
-#include "engine/rotations.h"
 #include "engine/transform.h"
 
 using nlohmann::ordered_json;
@@ -22,67 +21,45 @@ namespace {
 // Sum over the elements of a matrix. The ten digits of the library's pi leave about 1e-9.
 constexpr double kSameRotation = 1e-6;
 
-// An order of axes: its conversions, and which of their angles (1 to 3) turns first, second and third.
-struct Order {
-    const char* Name;
-    std::array<const char*, 3> Angles;
-    std::array<int, 3> Turns;
-    void (*Angle)(const Mat3& M, Vec3& first, Vec3& second);
-    void (*Build)(double a, double b, double c, Mat3& R);
-};
-constexpr std::array<Order, 5> kOrders = {
-    {{"XYZ", {"rot x", "rot y'", "rot z''"}, {1, 2, 3}, EulerFromMatrixXYZ, RotMatrixXYZ},
-     {"ZYX", {"rot z", "rot y'", "rot x''"}, {3, 2, 1}, EulerFromMatrixZYX, RotMatrixZYX},
-     {"ZXY", {"rot z", "rot x'", "rot y''"}, {3, 1, 2}, EulerFromMatrixYXZ, RotMatrixYXZ},
-     {"ZXZ", {"rot z", "rot x'", "rot z''"}, {1, 2, 3}, EulerFromMatrixZXZ, RotMatrixZXZ},
-     {"ZYZ", {"rot z", "rot y'", "rot z''"}, {1, 2, 3}, EulerFromMatrixZYZ, RotMatrixZYZ}}};
-
-// The two solutions of an order, each with its angles as they turn.
-struct Solution {
-    std::array<double, 3> Angles_rad;
-    bool GivesTheRotation;
-};
-std::array<Solution, 2> SolutionsOf(const Order& order, const Mat3& R) {
-    std::array<Vec3, 2> triples;
-    order.Angle(R, triples[0], triples[1]);
-    std::array<Solution, 2> solutions{};
-    for (std::size_t i = 0; i < 2; ++i) {
-        Mat3 rebuilt;
-        order.Build(triples[i](1), triples[i](2), triples[i](3), rebuilt);
-        double difference = 0;
-        bool equal = false;
-        MatrixCompare(rebuilt, R, kSameRotation, difference, equal);
-        solutions[i].GivesTheRotation = difference < kSameRotation;
-        for (std::size_t k = 0; k < 3; ++k) solutions[i].Angles_rad[k] = triples[i](order.Turns[k]);
-    }
-    return solutions;
+// The angles of an order by the axes that they turn about: "rot x", "rot y'", "rot z''".
+std::array<std::string, 3> AngleNames(const std::string& axes) {
+    std::array<std::string, 3> names;
+    for (std::size_t k = 0; k < 3; ++k)
+        names[k] = std::string("rot ") + static_cast<char>(axes[k] | 0x20) + std::string(k, '\'');
+    return names;
 }
 
-struct QuaternionForm {
-    Column Record = Column(9);     // 1 to 4 the quaternion, 5 the angle (rad), 6 to 8 the axis
-    std::array<double, 3> Angles;  // of the order XYZ, rad
-};
-QuaternionForm QuaternionOf(const Mat3& R) {
-    QuaternionForm form;
-    MatrixToQuaternion(R, form.Record, form.Angles[0], form.Angles[1], form.Angles[2]);
-    return form;
+Mat3 TurnAbout(char axis, double angle_rad) {
+    Mat3 R;
+    RotMatrixXYZ(axis == 'X' ? angle_rad : 0, axis == 'Y' ? angle_rad : 0, axis == 'Z' ? angle_rad : 0, R);
+    return R;
+}
+
+bool GivesTheRotation(const std::array<double, 3>& angles_rad, const std::string& axes, const Mat3& R) {
+    const Mat3 first = TurnAbout(axes[0], angles_rad[0]), second = TurnAbout(axes[1], angles_rad[1]);
+    const Mat3 rebuilt = MatrixProduct(TurnAbout(axes[2], angles_rad[2]), MatrixProduct(second, first));
+    double difference = 0;
+    bool equal = false;
+    MatrixCompare(rebuilt, R, kSameRotation, difference, equal);
+    return difference < kSameRotation;
 }
 
 std::string Element(double value) {
     return FormatNumber(value, "0.00000000");
 }
 
-void WriteOrders(const Style& style, std::ostream& out) {
+void WriteOrders(const SolutionDetails& details, const Style& style, std::ostream& out) {
     std::vector<std::vector<std::string>> rows;
     bool leftOut = false;
-    for (const Order& order : kOrders) {
-        const auto solutions = SolutionsOf(order, Chain.RotationMatrix);
+    for (const RotationOrder order : kRotationOrders) {
+        const std::string axes = AxesOf(order);
+        const std::array<std::string, 3> names = AngleNames(axes);
         for (std::size_t k = 0; k < 3; ++k) {
-            rows.push_back({std::string(order.Name) + " " + order.Angles[k]});
-            for (const Solution& solution : solutions) {
-                leftOut |= !solution.GivesTheRotation;
-                rows.back().push_back(
-                    solution.GivesTheRotation ? ShownValue(ShownKind::Angle, solution.Angles_rad[k]) : "-");
+            rows.push_back({axes + " " + names[k]});
+            for (const auto& angles : {details.Of(order).First, details.Of(order).Second}) {
+                const bool shown = GivesTheRotation(angles, axes, details.Rotation);
+                rows.back().push_back(shown ? ShownValue(ShownKind::Angle, angles[k]) : "-");
+                leftOut |= !shown;
             }
         }
     }
@@ -94,26 +71,26 @@ void WriteOrders(const Style& style, std::ostream& out) {
     if (leftOut) out << style.Quiet("(-: gimbal lock, no angles were found)") << "\n";
 }
 
-void WriteQuaternion(const Style& style, std::ostream& out) {
-    const QuaternionForm form = QuaternionOf(Chain.RotationMatrix);
+void WriteQuaternion(const SolutionDetails& details, const Style& style, std::ostream& out) {
     const std::string unit = "  " + style.Quiet(UnitOf(ShownKind::Angle));
     const auto angle = [&unit](const char* name, double value_rad) {
         return std::pair{std::vector<std::string>{name, ShownValue(ShownKind::Angle, value_rad)}, unit};
     };
-    const auto number = [&form](const char* name, std::size_t entry) {
-        return std::pair{std::vector<std::string>{name, Element(form.Record[entry])}, std::string()};
+    const auto number = [](const char* name, double value) {
+        return std::pair{std::vector<std::string>{name, Element(value)}, std::string()};
     };
-    const std::array rows = {number("qw", 1),
-                             number("qx", 2),
-                             number("qy", 3),
-                             number("qz", 4),
-                             angle("angle", form.Record[5]),
-                             number("axis x", 6),
-                             number("axis y", 7),
-                             number("axis z", 8),
-                             angle("rot x", form.Angles[0]),
-                             angle("rot y'", form.Angles[1]),
-                             angle("rot z''", form.Angles[2])};
+    const auto& q = details.Quaternion;
+    const std::array rows = {number("qw", q[0]),
+                             number("qx", q[1]),
+                             number("qy", q[2]),
+                             number("qz", q[3]),
+                             angle("angle", details.Angle),
+                             number("axis x", details.Axis(1)),
+                             number("axis y", details.Axis(2)),
+                             number("axis z", details.Axis(3)),
+                             angle("rot x", details.QuaternionAngles(1)),
+                             angle("rot y'", details.QuaternionAngles(2)),
+                             angle("rot z''", details.QuaternionAngles(3))};
     TextColumns columns{{12, 16}};
     for (const auto& row : rows) columns.MakeRoom(row.first);
     out << "\n" << style.Heading(columns.Line({"Quaternion", "value"})) << "\n";
@@ -136,7 +113,9 @@ void WriteMatrix(const std::string& name, const MatrixRows& rows, const Style& s
     for (const auto& row : rows) out << columns.Line(row) << "\n";
 }
 
-const std::array<double*, 3> kTranslation = {&Job.TraX, &Job.TraY, &Job.TraZ};
+ordered_json Triple(const Vec3& v) {
+    return {v(1), v(2), v(3)};
+}
 
 }  // namespace
 
@@ -146,41 +125,40 @@ ordered_json Rows(const Mat3& matrix) {
     return rows;
 }
 
-void WriteDetails(const Style& style, std::ostream& out) {
-    FitMatrix();
-    WriteOrders(style, out);
-    WriteQuaternion(style, out);
-    WriteMatrix("Rotation matrix", CellsOf(Chain.RotationMatrix), style, out);
-    WriteMatrix("Scale matrix", CellsOf(Chain.ScaleMatrix), style, out);
-    WriteMatrix("Affine matrix", CellsOf(Chain.ShearMatrix), style, out);
-    MatrixRows rows = CellsOf(Chain.RotationMatrix);
-    for (std::size_t row = 0; row < 3; ++row) rows[row].push_back(ShownLength(*kTranslation[row]));
+void WriteDetails(const SolutionDetails& details, const Style& style, std::ostream& out) {
+    WriteOrders(details, style, out);
+    WriteQuaternion(details, style, out);
+    WriteMatrix("Rotation matrix", CellsOf(details.Rotation), style, out);
+    WriteMatrix("Scale matrix", CellsOf(details.Scale), style, out);
+    WriteMatrix("Affine matrix", CellsOf(details.Affine), style, out);
+    MatrixRows rows = CellsOf(details.Rotation);
+    for (std::size_t row = 0; row < 3; ++row)
+        rows[row].push_back(ShownLength(details.Shift(static_cast<int>(row) + 1)));
     rows.push_back({"", "0", "0", "0", "1"});
     WriteMatrix("Rotation and translation", rows, style, out);
 }
 
-ordered_json DetailsJson() {
-    FitMatrix();
-    const Mat3& R = Chain.RotationMatrix;
+ordered_json DetailsJson(const SolutionDetails& details) {
+    const Mat3& R = details.Rotation;
     ordered_json orders = ordered_json::array();
-    for (const Order& order : kOrders) {
+    for (const RotationOrder order : kRotationOrders) {
+        const std::string axes = AxesOf(order);
         ordered_json solutions = ordered_json::array();
-        for (const Solution& solution : SolutionsOf(order, R))
-            solutions.push_back(solution.GivesTheRotation ? ordered_json(solution.Angles_rad)
-                                                          : ordered_json());
-        orders.push_back({{"order", order.Name}, {"angles", order.Angles}, {"solutions_rad", solutions}});
+        for (const auto& angles : {details.Of(order).First, details.Of(order).Second})
+            solutions.push_back(GivesTheRotation(angles, axes, R) ? ordered_json(angles) : ordered_json());
+        orders.push_back({{"order", axes}, {"angles", AngleNames(axes)}, {"solutions_rad", solutions}});
     }
-    const QuaternionForm form = QuaternionOf(R);
-    const Column& q = form.Record;
+    const auto& q = details.Quaternion;
     ordered_json homogeneous = Rows(R);
-    for (std::size_t row = 0; row < 3; ++row) homogeneous[row].push_back(*kTranslation[row]);
+    for (std::size_t row = 0; row < 3; ++row)
+        homogeneous[row].push_back(details.Shift(static_cast<int>(row) + 1));
     homogeneous.push_back({0.0, 0.0, 0.0, 1.0});
     return {{"rotationOrders", orders},
-            {"quaternion", {{"w", q[1]}, {"x", q[2]}, {"y", q[3]}, {"z", q[4]}}},
-            {"axisAngle", {{"angle_rad", q[5]}, {"axis", {q[6], q[7], q[8]}}}},
-            {"anglesOfQuaternion_rad", form.Angles},
+            {"quaternion", {{"w", q[0]}, {"x", q[1]}, {"y", q[2]}, {"z", q[3]}}},
+            {"axisAngle", {{"angle_rad", details.Angle}, {"axis", Triple(details.Axis)}}},
+            {"anglesOfQuaternion_rad", Triple(details.QuaternionAngles)},
             {"rotationMatrix", Rows(R)},
-            {"scaleMatrix", Rows(Chain.ScaleMatrix)},
-            {"affineMatrix", Rows(Chain.ShearMatrix)},
+            {"scaleMatrix", Rows(details.Scale)},
+            {"affineMatrix", Rows(details.Affine)},
             {"rotationAndTranslation", homogeneous}};
 }

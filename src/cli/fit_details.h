@@ -5,12 +5,12 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include "cli/fit_style.h"
-#include "core/arrays.h"
+#include "engine/solution_details.h"
 
-// Both read the parameters of the job and write Chain. A triple of angles that does not give the rotation is
-// left out ("-" in the table, null in JSON): in gimbal lock the conversions of the engine may find none.
-void WriteDetails(const Style& style, std::ostream& out);
-nlohmann::ordered_json DetailsJson();
+// A triple of angles that does not give the rotation is left out ("-" in the table, null in JSON): in gimbal
+// lock the conversions of the engine may find none.
+void WriteDetails(const SolutionDetails& details, const Style& style, std::ostream& out);
+nlohmann::ordered_json DetailsJson(const SolutionDetails& details);
 
 // A matrix as three rows of three numbers.
 nlohmann::ordered_json Rows(const Mat3& matrix);

@@ -166,7 +166,7 @@ ordered_json Optimum() {
 
 }  // namespace
 
-void WriteFitJson(const FitOptions& options, std::ostream& out) {
+void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std::ostream& out) {
     const auto& c = Calculation;
     const std::vector<FitPoint> points = FitPoints();
     const FitNorms norms = NormsOfDeviations(points);
@@ -193,7 +193,7 @@ void WriteFitJson(const FitOptions& options, std::ostream& out) {
     if (Norm.RunOn) root["optimum"] = Optimum();
     root["parameters"] = Parameters();
     root["transformation"] = Transformation();
-    if (options.Details) root["details"] = DetailsJson();
+    if (details != nullptr) root["details"] = DetailsJson(*details);
     if (HasMonteCarlo(options)) root["monteCarlo"] = MonteCarloOfTheFit(options);
     if (options.Inverse) root["inverse"] = InverseOfTheFit();
     root["quality"] = {{"s0_mm", c.s0},

@@ -197,11 +197,12 @@ void WriteDeviations(const std::vector<FitPoint>& points, const Style& style, st
 
 }  // namespace
 
-void WriteFitTable(const FitOptions& options, std::ostream& out, bool colour) {
+void WriteFitTable(const FitOptions& options, const SolutionDetails* details, std::ostream& out,
+                   bool colour) {
     const Style style{colour};
     WriteHead(options, style, out);
     WriteParameters(style, out);
-    if (options.Details) WriteDetails(style, out);
+    if (details != nullptr) WriteDetails(*details, style, out);
     if (HasMonteCarlo(options)) WriteMonteCarlo(options, style, out);
     if (options.Inverse) WriteInverse(style, out);
     const std::vector<FitPoint> points = FitPoints();

@@ -83,6 +83,15 @@ TEST_F(FitBegin, AStartBeyondAllNumbersIsNoSilentResult) {
     EXPECT_NE(outcome.Err.find("not finite"), std::string::npos) << outcome.Err;
 }
 
+TEST_F(FitBegin, AHeldAngleBeyondARightAngleIsShownInTheTripleOfTheSmallerSum) {
+    const json fit = FitJson({start_, target_, "--hold", "rotz=170"});
+    const json& t = fit["transformation"];
+    // (x, y, 170) and (x + 180, 180 - y, -10) are one rotation; tan c = -R(2,1) / R(1,1) in both.
+    EXPECT_NEAR(t["rotation"]["c_rad"].get<double>(), -10 / 180.0 * std::numbers::pi, 1e-9);
+    EXPECT_NEAR(-t["rotationMatrix"][1][0].get<double>() / t["rotationMatrix"][0][0].get<double>(),
+                std::tan(170 / 180.0 * std::numbers::pi), 1e-9);
+}
+
 // --- Seed points ------------------------------------------------------------------------------------------
 
 TEST_F(FitBegin, SeedPointsOffOneLineBeginAtTheSolution) {
