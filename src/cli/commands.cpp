@@ -219,6 +219,44 @@ void AddMonteCarloOptions(CLI::App& fit, FitOptions& o) {
         ->needs(runs);
 }
 
+// Where the iteration begins, and which way it goes. Names hold blanks and commas, so a value is never
+// followed by another one of the same option.
+void AddBeginOptions(CLI::App& fit, FitOptions& o) {
+    const char* const group = "Model";
+    fit.add_option("--start", o.StartValues,
+                   "Begin the iteration at values of your own, for parameters that\n"
+                   "float, in the units in use: rotz=170")
+        ->allow_extra_args(false)
+        ->type_name("NAME=VALUE")
+        ->group(group);
+    fit.add_option("--seed-points", o.SeedPoints,
+                   "Identical points whose exact transformation the iteration begins\n"
+                   "with; names with a comma one by one, the option before each;\n"
+                   "default: the first three")
+        ->allow_extra_args(false)
+        ->type_name("A,B,C")
+        ->group(group);
+    fit.add_option_function<std::string>(
+           "--direction", [&o](const std::string& direction) { o.FromTarget = direction == "ocs-mcs"; },
+           "Fit START to TARGET (mcs-ocs), or TARGET to START (ocs-mcs);\n"
+           "default: mcs-ocs")
+        ->check(OneOf({"mcs-ocs", "ocs-mcs"}))
+        ->type_name("mcs-ocs|ocs-mcs")
+        ->group(group);
+}
+
+void AddFormOptions(CLI::App& fit, FitOptions& o) {
+    const char* const group = "Units and output";
+    fit.add_flag("--details", o.Details,
+                 "Also the rotation in five orders of axes, quaternion, matrices, and\n"
+                 "the inverse")
+        ->group(group)
+        ->excludes(fit.get_option("--csv"));
+    fit.add_flag("--protocol", o.Protocol, "The complete protocol of the desktop, instead of the table")
+        ->group(group)
+        ->excludes(fit.get_option("--csv"));
+}
+
 CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
     CLI::App* fit = app.add_subcommand("fit", "Fit the transformation from one point file to another");
     fit->add_option("START", s.Options.Start, "Point file of the start system, a line a point: name x y z")
@@ -229,8 +267,10 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
         ->required();
     AddPointOptions(*fit, s);
     AddModelOptions(*fit, s.Options);
+    AddBeginOptions(*fit, s.Options);
     AddMonteCarloOptions(*fit, s.Options);
     AddOutputOptions(*fit, s);
+    AddFormOptions(*fit, s.Options);
     fit->footer(
         "Examples:\n"
         "  corvinade-cli fit measured.txt nominal.txt --leave-out F09\n"
@@ -282,6 +322,12 @@ int Fit(FitSwitches& s, std::ostream& out, std::ostream& err, bool terminal, boo
     s.Options.Output = s.Json ? FitOutput::Json : s.Csv ? FitOutput::Csv : FitOutput::Table;
     if (s.Options.MonteCarloRuns > 0 && s.Options.Norm != "l2") {
         err << "--monte-carlo goes with --norm l2 alone\n";
+        return kWrongUsage;
+    }
+    s.Options.Inverse |= s.Options.Details;
+    if (s.Options.Protocol && !s.Json && (s.Options.Inverse || s.Options.MonteCarloRuns > 0)) {
+        err << "--protocol stands instead of the table, so --details, --inverse and --monte-carlo go with it in "
+               "--json alone\n";
         return kWrongUsage;
     }
     const auto noColour = EnvironmentVariable("NO_COLOR");

@@ -3,8 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
-#include <numbers>
+#include <optional>
 #include <ostream>
 
 #include "cli/fit_output.h"
@@ -17,15 +16,18 @@
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/platform.h"
+#include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/clipboard_report.h"
 #include "engine/design.h"
 #include "engine/inverse.h"
 #include "engine/monte_carlo.h"
 #include "engine/noise.h"
+#include "engine/solution_details.h"
 #include "import/form_input_files.h"
 
 namespace {
@@ -132,29 +134,6 @@ int Refuse(std::ostream& err, ExitStatus status, const std::string& text) {
     return status;
 }
 
-// A rotation has two triples of angles; the one that turns less is the one people read. Sigma is the same
-// for both, the significance is not.
-void TakeNicerRotation() {
-    constexpr double pi = std::numbers::pi;
-    const auto wrap = [](double angle) { return std::remainder(angle, 2 * pi); };
-    const Vec3 other(wrap(Job.RotX + pi), wrap(pi - Job.RotY), wrap(Job.RotZ + pi));
-    const double sum = std::fabs(Job.RotX) + std::fabs(Job.RotY) + std::fabs(Job.RotZ);
-    if (std::fabs(other(1)) + std::fabs(other(2)) + std::fabs(other(3)) >= sum) return;
-    Job.RotX = Job.RotXCopy = other(1);
-    Job.RotY = Job.RotYCopy = other(2);
-    Job.RotZ = Job.RotZCopy = other(3);
-    for (const int k : {kRotX, kRotY, kRotZ}) {
-        const auto index = static_cast<std::size_t>(k);
-        Calculation.Significance[index] =
-            std::fabs(ParameterValue(Job, k)) / (Calculation.Sigma[index] + 1e-9);
-    }
-}
-
-// True when one of the rotation's angles is held: its value is the user's.
-bool RotationIsHeld() {
-    return Job.ParamText[kRotX] != kFloat || Job.ParamText[kRotY] != kFloat || Job.ParamText[kRotZ] != kFloat;
-}
-
 std::string TooFewPairs(const FitOptions& options) {
     std::string text = "the start file has " + std::to_string(Job.nMCS) + " points and the target file " +
                        std::to_string(Job.nOCS) + ", " + std::to_string(Job.nIdent) +
@@ -169,6 +148,10 @@ std::string TooFewPairs(const FitOptions& options) {
 
 int Calculate(const FitOptions& options, std::ostream& err) {
     if (Job.nIdent < 2) return Refuse(err, kRefused, TooFewPairs(options));
+    if (options.FromTarget) {
+        Job.DirectionMCStoOCS = kFalse;
+        MCS_OCS();
+    }
     Headless.Dialogs.clear();
     if (!Dispatch([] { ButtonCalcErsatz(); })) {
         WriteMessages(err);
@@ -184,7 +167,6 @@ int Calculate(const FitOptions& options, std::ostream& err) {
     if (!Calculation.Finite)
         return Refuse(err, kRefused,
                       "the result is not finite: the points do not determine these parameters");
-    if (!RotationIsHeld()) TakeNicerRotation();
     if (options.MonteCarloRuns > 0 && !HasMonteCarlo(options))
         return Refuse(err, kNotConverged, "the Monte Carlo runs ended early: one of them did not converge");
     return Calculation.Converged ? kDone : kNotConverged;
@@ -216,22 +198,32 @@ int RunFit(const FitOptions& options, std::ostream& out, std::ostream& err, bool
     const int status = Calculate(options, err);
     if (showProgress) err << "\r\x1b[K" << std::flush;
     if (status == kRefused) return status;
-    if (options.Inverse) {
+    std::optional<SolutionDetails> details;
+    if (options.Details) {
+        details = DetailsOfSolution();  // with the inverse
+    } else if (options.Inverse) {
         InverseTransformation();
-        WriteMessages(err);
     }
-    switch (options.Output) {
+    WriteMessages(err);
+    // Start is what was transformed, whichever of the files that was.
+    FitOptions shown = options;
+    if (shown.FromTarget) std::swap(shown.Start, shown.Target);
+    switch (shown.Output) {
         case FitOutput::Table:
-            WriteFitTable(options, out, colour);
+            if (options.Protocol) {
+                out << CompleteProtocol();
+            } else {
+                WriteFitTable(shown, details ? &*details : nullptr, out, colour);
+            }
             break;
         case FitOutput::Json:
-            WriteFitJson(options, out);
+            WriteFitJson(shown, details ? &*details : nullptr, out);
             break;
         case FitOutput::Csv:
-            WriteFitCsv(options, out);
+            WriteFitCsv(shown, out);
             break;
     }
-    if (!options.Report.empty() && !Dispatch([&options] { WriteFile(options.Report, FitReport(options)); }))
+    if (!shown.Report.empty() && !Dispatch([&shown] { WriteFile(shown.Report, FitReport(shown)); }))
         return Refuse(err, kRefused, Run.LastPlatformError);
     if (!out.flush()) return Refuse(err, kRefused, "the result could not be written to standard output");
     return status;

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "cli/fit_details.h"
 #include "cli/fit_output.h"
 #include "cli/fit_selection.h"
 #include "core/controller.h"
@@ -14,6 +15,7 @@
 #include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/clipboard_report.h"
 #include "engine/inverse.h"
 #include "engine/monte_carlo.h"
 #include "engine/norms.h"
@@ -29,12 +31,6 @@ constexpr int kSchemaVersion = 1;
 
 ordered_json Triple(const double (&values)[3]) {
     return {values[0], values[1], values[2]};
-}
-
-ordered_json Rows(const Mat3& matrix) {
-    ordered_json rows = ordered_json::array();
-    for (int row = 1; row <= 3; ++row) rows.push_back({matrix(row, 1), matrix(row, 2), matrix(row, 3)});
-    return rows;
 }
 
 ordered_json Parameters() {
@@ -170,7 +166,7 @@ ordered_json Optimum() {
 
 }  // namespace
 
-void WriteFitJson(const FitOptions& options, std::ostream& out) {
+void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std::ostream& out) {
     const auto& c = Calculation;
     const std::vector<FitPoint> points = FitPoints();
     const FitNorms norms = NormsOfDeviations(points);
@@ -178,9 +174,13 @@ void WriteFitJson(const FitOptions& options, std::ostream& out) {
     root["schema"] = "corvinade-fit";
     root["schemaVersion"] = kSchemaVersion;
     root["program"] = {{"name", "Corvinade"}, {"version", ProgramVersion()}};
-    root["input"] = {{"start", options.Start},           {"target", options.Target},
-                     {"match", options.Match},           {"parameters", options.Parameters},
-                     {"lengthUnit", Job.LengthUnitName}, {"angleUnit", Job.AngleUnitName}};
+    root["input"] = {{"start", options.Start},
+                     {"target", options.Target},
+                     {"match", options.Match},
+                     {"parameters", options.Parameters},
+                     {"lengthUnit", Job.LengthUnitName},
+                     {"angleUnit", Job.AngleUnitName},
+                     {"direction", options.FromTarget ? "ocs-mcs" : "mcs-ocs"}};
     root["counts"] = {{"start", Job.nMCS},
                       {"target", Job.nOCS},
                       {"pairs", Job.nIdent},
@@ -193,6 +193,7 @@ void WriteFitJson(const FitOptions& options, std::ostream& out) {
     if (Norm.RunOn) root["optimum"] = Optimum();
     root["parameters"] = Parameters();
     root["transformation"] = Transformation();
+    if (details != nullptr) root["details"] = DetailsJson(*details);
     if (HasMonteCarlo(options)) root["monteCarlo"] = MonteCarloOfTheFit(options);
     if (options.Inverse) root["inverse"] = InverseOfTheFit();
     root["quality"] = {{"s0_mm", c.s0},
@@ -206,5 +207,6 @@ void WriteFitJson(const FitOptions& options, std::ostream& out) {
     root["points"] = Points(points);
     root["startOnly"] = Others(Job.TMCS_Name, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z);
     root["targetOnly"] = Others(Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
+    if (options.Protocol) root["protocol"] = CompleteProtocol();
     out << root.dump(2, ' ', false, ordered_json::error_handler_t::replace) << "\n";
 }

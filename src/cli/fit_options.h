@@ -17,10 +17,13 @@ struct FitOptions {
     std::string Parameters = "6";  // level, 6, 7, 9, 12
     std::string Norm = "l2";       // l1, l2, loo, l1-exact, minimax
     int MonteCarloRuns = 0;        // 0 = none
-    std::array<double, 3> Noise_mm{};   // standard deviation of the start points for Monte Carlo, by axis
-    std::uint32_t Seed = 0;             // of its random numbers
-    std::vector<std::string> Hold;      // "rotz=0"
-    std::vector<std::string> LeaveOut;  // "P7", "P9:z"
+    std::array<double, 3> Noise_mm{};      // standard deviation of the start points for Monte Carlo, by axis
+    std::uint32_t Seed = 0;                // of its random numbers
+    std::vector<std::string> Hold;         // "rotz=0"
+    std::vector<std::string> LeaveOut;     // "P7", "P9:z"
+    bool FromTarget = false;               // the target file's points are fitted to those of the start file
+    std::vector<std::string> SeedPoints;   // one text "A,B,C" or three names; empty: the first pairs
+    std::vector<std::string> StartValues;  // "rotz=30"
     std::string LengthUnit = "millimeter", AngleUnit = "degree";
     int LengthDigits = 3, AngleDigits = 4;
     int ScaleDigits = 0;
@@ -28,6 +31,8 @@ struct FitOptions {
     std::string Delimiter;
     std::optional<bool> Questions;  // --yes or --no
     bool Inverse = false;           // table and JSON tell the inverse transformation as well
+    bool Details = false;           // and the result in all forms of rotation
+    bool Protocol = false;          // the complete protocol instead of the table, in JSON beside the rest
     FitOutput Output = FitOutput::Table;
     std::string Report;  // path of the page to write; empty = none
 };

@@ -7,6 +7,7 @@
 
 #include "cli/fit_options.h"
 #include "core/arrays.h"
+#include "engine/solution_details.h"
 
 // Everything that the outputs say of one identical point; lengths in mm.
 struct FitPoint {
@@ -17,6 +18,10 @@ struct FitPoint {
     bool Used[3];
 };
 std::vector<FitPoint> FitPoints();
+
+// The names of the system that is transformed and of that which it is fitted to, whatever the direction.
+std::string StartSystem();
+std::string TargetSystem();
 
 // Coordinates that take part in the fit.
 int ObservationsInUse();
@@ -35,6 +40,7 @@ std::string NoiseInWords(const FitOptions& options);
 // The matrix R K S of the present parameters, elements (1, 1) to (3, 3).
 Mat3 FitMatrix();
 
-void WriteFitTable(const FitOptions& options, std::ostream& out, bool colour);
-void WriteFitJson(const FitOptions& options, std::ostream& out);
+// `details`: all forms of the rotation as well; null = not asked for.
+void WriteFitTable(const FitOptions& options, const SolutionDetails* details, std::ostream& out, bool colour);
+void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std::ostream& out);
 void WriteFitCsv(const FitOptions& options, std::ostream& out);

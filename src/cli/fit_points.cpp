@@ -5,6 +5,7 @@
 #include "cli/fit_output.h"
 #include "core/job.h"
 #include "core/numbers.h"
+#include "core/refresh.h"
 #include "engine/calculation.h"
 #include "engine/matrix.h"
 #include "engine/monte_carlo.h"
@@ -35,6 +36,14 @@ std::vector<FitPoint> FitPoints() {
         points.push_back(std::move(point));
     }
     return points;
+}
+
+std::string StartSystem() {
+    return DirectionSwitched() ? Job.NameOCS : Job.NameMCS;
+}
+
+std::string TargetSystem() {
+    return DirectionSwitched() ? Job.NameMCS : Job.NameOCS;
 }
 
 FitNorms NormsOfDeviations(const std::vector<FitPoint>& points) {

@@ -99,7 +99,7 @@ std::vector<FitPoint> LargestOf(std::vector<FitPoint> points, std::size_t most) 
 std::string Introduction(const FitOptions& options, const FitPoint* worst) {
     const auto& c = Calculation;
     std::string html =
-        "<h1>Transformation of " + EscapeMarkup(Job.NameMCS) + " to " + EscapeMarkup(Job.NameOCS) +
+        "<h1>Transformation of " + EscapeMarkup(StartSystem()) + " to " + EscapeMarkup(TargetSystem()) +
         "</h1>\n<p class=\"quiet\">Least-squares 3D transformation by Corvinade " + ProgramVersion() +
         "</p>\n<p>Start <b>" + EscapeMarkup(options.Start) + "</b>, " + std::to_string(Job.nMCS) +
         " points. Target <b>" + EscapeMarkup(options.Target) + "</b>, " + std::to_string(Job.nOCS) +
@@ -210,7 +210,7 @@ std::string FitReport(const FitOptions& options) {
     const FitPoint* worst = Worst(points);
     return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
            "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>" +
-           EscapeMarkup(Job.NameMCS + " to " + Job.NameOCS) + " - Corvinade</title>\n<style>" + kStyle +
+           EscapeMarkup(StartSystem() + " to " + TargetSystem()) + " - Corvinade</title>\n<style>" + kStyle +
            "</style>\n</head>\n<body>\n" + Introduction(options, worst) + ParameterTable() + Plots(points) +
            (HasMonteCarlo(options) ? MonteCarloPlots(options) : "") + PointTable(points, worst) +
            "</body>\n</html>\n";

@@ -5,8 +5,8 @@
 
 #include "cli/fit_options.h"
 
-// Sets Job.ParamText from the preset and the held values, Job.UseFlags from what is left out, and the
-// seed points. Gives "" or what is wrong with the options.
+// Sets Job.ParamText from the preset and the held values, Job.UseFlags from what is left out, the seed points
+// and the start values of the user's own. Gives "" or what is wrong with the options.
 std::string SelectParameters(const FitOptions& options);
 
 // The names of the parameters that can be held, in the order of their numbers, 1 to 13.

@@ -5,8 +5,10 @@
 #include <cstdio>
 #include <ostream>
 
+#include "cli/fit_details.h"
 #include "cli/fit_output.h"
 #include "cli/fit_parameters.h"
+#include "cli/fit_style.h"
 #include "cli/text_columns.h"
 #include "core/controller.h"
 #include "core/job.h"
@@ -20,15 +22,6 @@
 #include "engine/norms.h"
 
 namespace {
-
-struct Style {
-    bool Colour;
-    std::string Heading(const std::string& text) const {
-        return Colour ? "\x1b[1m" + text + "\x1b[0m" : text;
-    }
-    std::string Alarm(const std::string& text) const { return Colour ? "\x1b[31m" + text + "\x1b[0m" : text; }
-    std::string Quiet(const std::string& text) const { return Colour ? "\x1b[2m" + text + "\x1b[0m" : text; }
-};
 
 // Longer names and paths are cut: a table is to be read, and the other outputs hold them whole.
 constexpr int kLongestName = 40;
@@ -53,6 +46,7 @@ void WriteHead(const FitOptions& options, const Style& style, std::ostream& out)
     out << style.Heading("Corvinade " + ProgramVersion()) << "  least-squares 3D transformation\n\n";
     out << Label("start") << ForTable(options.Start, kLongestPath) << "  (" << Job.nMCS << " points)\n";
     out << Label("target") << ForTable(options.Target, kLongestPath) << "  (" << Job.nOCS << " points)\n";
+    if (options.FromTarget) out << Label("direction") << StartSystem() << " => " << TargetSystem() << "\n";
     out << Label("pairs") << Job.nIdent << " by " << options.Match;
     if (Job.nMCSOnly > 0) out << ", " << Job.nMCSOnly << " only in start";
     if (Job.nOCSOnly > 0) out << ", " << Job.nOCSOnly << " only in target";
@@ -203,10 +197,12 @@ void WriteDeviations(const std::vector<FitPoint>& points, const Style& style, st
 
 }  // namespace
 
-void WriteFitTable(const FitOptions& options, std::ostream& out, bool colour) {
+void WriteFitTable(const FitOptions& options, const SolutionDetails* details, std::ostream& out,
+                   bool colour) {
     const Style style{colour};
     WriteHead(options, style, out);
     WriteParameters(style, out);
+    if (details != nullptr) WriteDetails(*details, style, out);
     if (HasMonteCarlo(options)) WriteMonteCarlo(options, style, out);
     if (options.Inverse) WriteInverse(style, out);
     const std::vector<FitPoint> points = FitPoints();

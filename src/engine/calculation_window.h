@@ -6,6 +6,7 @@
 #include <span>
 
 #include "core/arrays.h"
+#include "core/job.h"
 #include "engine/form_trafo_berechnung.h"
 
 // Survives from one calculation to the next, and the window's closing.
@@ -98,6 +99,18 @@ void ShowDirection(const char* arrow);
 
 // Runs the handler of BtnCalculate where every change is followed by a calculation.
 void RecalculateIfAutomatic();
+
+// While it lives no change is followed by a calculation.
+class NoRecalculation {
+public:
+    NoRecalculation() { Job.AutoRecalc = kFalse; }
+    ~NoRecalculation() { Job.AutoRecalc = before_; }
+    NoRecalculation(const NoRecalculation&) = delete;
+    NoRecalculation& operator=(const NoRecalculation&) = delete;
+
+private:
+    Flag before_ = Job.AutoRecalc;
+};
 
 // Columns of the point table: their widths come from the settings when the window opens and go back there
 // when it closes. A width in the settings that is none counts as 900 twips.

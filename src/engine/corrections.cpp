@@ -25,10 +25,15 @@ double WrappedInFit(double angle) {
 }  // namespace
 
 LargestCorrection FindLargest(const Column& x, int u) {
-    LargestCorrection largest;
-    for (int i = 1; i <= u; ++i)
-        if (std::fabs(x[At(i)]) > largest.Size) largest = {std::fabs(x[At(i)]), i};
-    return largest;
+    double size = 0;
+    int unknown = 1;
+    for (int i = 1; i <= u; ++i) {
+        const double here = std::fabs(x[At(i)]);
+        const bool larger = here > size;
+        size = larger ? here : size;
+        unknown = larger ? i : unknown;
+    }
+    return {size, unknown};
 }
 
 double Threshold() {

@@ -28,49 +28,52 @@ Mat3 OneColumn(const Mat3& M, int column) {
     return result;
 }
 
-InnerDerivative Derivative(int parameter) {
-    const auto rotation = [](RotationAngle angle) {
+void Derive(int parameter, InnerDerivative& inner) {
+    const auto rotation = [&inner](RotationAngle angle) {
         const auto& [a, b, c] = Chain.Rotations;
         const Mat3 derivative = RotationDerivative(angle, a, b, c);
-        return Chain.RightAngled ? WithScales(derivative) : MatrixProduct(derivative, Chain.KS);
+        if (Chain.RightAngled) {
+            WithScales(derivative, inner.D);
+        } else {
+            inner.D = MatrixProduct(derivative, Chain.KS);
+        }
     };
     const auto shear = [](ShearAngle angle) {
         return MatrixProduct(MatrixProduct(Chain.RotationMatrix, ShearDerivative(angle)), Chain.ScaleMatrix);
     };
-    InnerDerivative result;
+    inner.OnlyColumn = 0;
     switch (parameter) {
         case kRotX:
-            result.D = rotation(RotationAngle::X);
+            rotation(RotationAngle::X);
             break;
         case kRotY:
-            result.D = rotation(RotationAngle::Y);
+            rotation(RotationAngle::Y);
             break;
         case kRotZ:
-            result.D = rotation(RotationAngle::Z);
+            rotation(RotationAngle::Z);
             break;
         case kScaleX:
         case kScaleY:
         case kScaleZ:
-            result.OnlyColumn = parameter - kScaleX + 1;
-            result.D = OneColumn(Chain.RK, result.OnlyColumn);
+            inner.OnlyColumn = parameter - kScaleX + 1;
+            inner.D = OneColumn(Chain.RK, inner.OnlyColumn);
             break;
         case kScaleXYZ:
-            result.D = Chain.RK;
+            inner.D = Chain.RK;
             break;
         case kAngleXY:
-            result.D = shear(ShearAngle::XY);
-            result.OnlyColumn = 2;
+            inner.D = shear(ShearAngle::XY);
+            inner.OnlyColumn = 2;
             break;
         case kAzimuth:
-            result.D = shear(ShearAngle::Azimuth);
-            result.OnlyColumn = 3;
+            inner.D = shear(ShearAngle::Azimuth);
+            inner.OnlyColumn = 3;
             break;
         default:
-            result.D = shear(ShearAngle::ZtoXY);
-            result.OnlyColumn = 3;
+            inner.D = shear(ShearAngle::ZtoXY);
+            inner.OnlyColumn = 3;
             break;
     }
-    return result;
 }
 
 }  // namespace
@@ -135,7 +138,7 @@ void Linearise(const FitModel& model, const GatheredPoints& points, Linearisatio
         const int unknown = model.UnknownOf[static_cast<std::size_t>(parameter)];
         if (unknown == 0) continue;
         InnerDerivative& inner = at.Inner[static_cast<std::size_t>(at.InnerCount++)];
-        inner = Derivative(parameter);
+        Derive(parameter, inner);
         inner.Unknown = unknown;
         for (int axis = 1; axis <= 3; ++axis)
             inner.AtCentre(axis) =

@@ -25,6 +25,7 @@ std::size_t At(int i) {
 
 constexpr int kMostLinearisations = 60;
 constexpr int kMostHalvings = 40;
+constexpr double kNear = 1e-6;    // of an objective, above the optimum
 constexpr double kAlike = 1e-13;  // sums of residuals that rounding alone may tell apart
 
 // What the two norms differ in.
@@ -74,13 +75,13 @@ struct ExactRun {
         return !Stopped;
     }
 
-    // Goes `share` of the way that y stands for.
-    void Step(const std::vector<double>& y, double share) {
+    // The corrections of the parameters that y stands for here.
+    Column Corrections(const std::vector<double>& y) const {
         Column x(At(Model.Unknowns) + 1);
         for (std::size_t c = 0; c < T.size(); ++c)
-            for (int i = 1; i <= Model.Unknowns; ++i) x[At(i)] += share * y[c] * T[c][At(i - 1)];
+            for (int i = 1; i <= Model.Unknowns; ++i) x[At(i)] += y[c] * T[c][At(i - 1)];
         FromCentre(Model, Place, x);
-        AddCorrections(Model, x);
+        return x;
     }
 
     // One step to the optimum of the linear problem, halved until it makes nothing worse. Returns by how much
@@ -97,12 +98,15 @@ struct ExactRun {
         const double length = LargestOf(way);
         // The bound of the optimum belongs to this very linearisation, so what is near enough stays here.
         if (length <= Rounding) return 0;
+        // Of the place that the step begins at, for what is tried is linearised at its own.
+        Column x = Corrections(y);
         double share = 1;
         for (int halvings = 0; halvings < kMostHalvings; ++halvings, share /= 2) {
-            Step(y, share);
+            AddCorrections(Model, x);
             Linearise();
             if (Kind.Objective(Rows) <= objective * (1 + kAlike)) return share * length;
             SetJobParameters(before);
+            for (double& correction : x) correction /= 2;
         }
         Linearise();
         return 0;
@@ -120,10 +124,12 @@ struct ExactRun {
             ended = !Stopped && moved == 0;
             ShowStep();
         }
-        Norm.Converged = ended;
-        const double bound = Kind.LowerBound(Rows, Held);
+        const double objective = Kind.Objective(Rows), bound = Kind.LowerBound(Rows, Held);
         Norm.AboveOptimum =
-            AllTold ? std::max(0.0, Kind.Objective(Rows) - bound) : std::numeric_limits<double>::infinity();
+            AllTold ? std::max(0.0, objective - bound) : std::numeric_limits<double>::infinity();
+        // A way that ends far above its bound has lost itself. Where an unknown is open there is no bound.
+        const bool lost = AllTold && Norm.AboveOptimum > kNear * objective + Rounding * Rows.Used;
+        Norm.Converged = ended && !lost;
         Residuals(Fit.Points, Model, Place, Column(At(Model.Unknowns) + 1), Fit.v);
         return true;
     }

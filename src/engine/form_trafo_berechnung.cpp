@@ -338,24 +338,12 @@ void BeginWithSixParameters() {
     for (std::size_t i = 1; i < Job.UseFlags.size(); ++i) Job.UseFlags[i] = 1;
 }
 
-// Opening a window calculates nothing, whatever its boxes do.
-class NoRecalculation {
-public:
-    NoRecalculation() { Job.AutoRecalc = kFalse; }
-    ~NoRecalculation() { Job.AutoRecalc = before_; }
-    NoRecalculation(const NoRecalculation&) = delete;
-    NoRecalculation& operator=(const NoRecalculation&) = delete;
-
-private:
-    Flag before_ = Job.AutoRecalc;
-};
-
 }  // namespace
 
 void INI_Formtrafoberechnung() {
     const BusyPointer busy;
     {
-        const NoRecalculation none;
+        const NoRecalculation none;  // whatever the boxes do
         for (Control* const text : {&w.TextScaleX, &w.TextScaleY, &w.TextScaleZ, &w.TextScaleXYZ})
             text->ForeColor = QbColor(8);
         w.BtnSwitchMcsOcs.ToolTip =

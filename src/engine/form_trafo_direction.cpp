@@ -1,6 +1,7 @@
 // The direction of the job: which of the two point sets is the start.
 #include <algorithm>
 
+#include "core/controller.h"
 #include "core/job.h"
 #include "core/refresh.h"
 #include "core/run.h"
@@ -66,6 +67,9 @@ void MCS_OCS() {
     Job.TMCS_X = Job.MCS_X;
     Job.TMCS_Y = Job.MCS_Y;
     Job.TMCS_Z = Job.MCS_Z;
+    // The parameters are those of the other direction until the next calculation.
+    Run.TrafoValid = Run.CalcDone = kFalse;
     Run.JobDirty = kTrue;
+    ProgrammLogik();
     if (IsLoaded("FormInputStatistic")) FORMfüllen();
 }

@@ -119,18 +119,6 @@ void SwitchNamed(const Control& field, const char* axis) {
     Switch_MaxPoint(std::string(field.Text), axis);
 }
 
-// All but the last of several changes are calculated together with it.
-class Held {
-public:
-    Held() { Job.AutoRecalc = kFalse; }
-    ~Held() { Job.AutoRecalc = before_; }
-    Held(const Held&) = delete;
-    Held& operator=(const Held&) = delete;
-
-private:
-    Flag before_ = Job.AutoRecalc;
-};
-
 }  // namespace
 
 void FormTrafoBerechnung::Tabelle_Click() {
@@ -199,7 +187,7 @@ void Switch_MaxPoint(const std::string& pointName, const std::string& axis) {
 void FormTrafoBerechnung::TextMaxDevXYZPkt_DblClick() {
     const std::string name = w.TextMaxDevXYZPkt.Text;
     {
-        const Held held;
+        const NoRecalculation none;  // the last change calculates for all of them
         Switch_MaxPoint(name, "X");
         Switch_MaxPoint(name, "Y");
     }

@@ -239,6 +239,7 @@ int LeastLargest(LinearRows rows, std::vector<double>& y, Holding& holding, cons
 
 double LowerBoundOfLargest(const LinearRows& rows, const Holding& holding) {
     const int m = rows.Columns, n = m + 1;
+    if (m == 0) return LargestOf(rows);
     if (static_cast<int>(holding.Rows.size()) != n) return 0;
     // Weights of the holding rows that cancel out in each unknown.
     Basis basis(rows, 0);

@@ -99,7 +99,7 @@ void LinearRows::Row(int row, double* a) const {
 void LinearRows::Times(const double* y, std::vector<double>& result) const {
     result.resize(v.size());
     for (int axis = 0; axis < 3; ++axis)
-        EvaluateForm(*Points, Combined(Forms[At(axis)], Columns, y), &result[At(axis * Points->Padded)]);
+        EvaluateForm(*Points, Combined(Forms[At(axis)], Columns, y), result.data() + axis * Points->Padded);
 }
 
 double LinearRows::Times(int row, const double* y) const {

@@ -22,8 +22,13 @@ std::size_t At(int i) {
 // For each axis four sums with the observation, ten products, the sum of absolute values and what the tool
 // vector needs, in eight lanes.
 struct MomentSums {
-    alignas(kLaneAlignment) std::array<double, 3 * kSums * kLanes> Lanes{};
+    alignas(kLaneAlignment) std::array<double, 3 * kSums * kLanes> Lanes;
 
+    // Those of the tool model are many, and most passes have no use for them.
+    explicit MomentSums(bool tool) {
+        for (int axis = 1; axis <= 3; ++axis)
+            std::fill_n(Place(axis, 0), (tool ? kSums : kAbsolute + 1) * kLanes, 0.0);
+    }
     double* Place(int axis, int sum) { return &Lanes[At(((axis - 1) * kSums + sum) * kLanes)]; }
 };
 
@@ -101,14 +106,18 @@ void PutTogether(const GatheredPoints& points, const MomentPass& pass, MomentSum
         {{0, 1, 2, 3}, {1, 4, 5, 6}, {2, 5, 7, 8}, {3, 6, 8, 9}}};
     const bool noWeights = points.AllInUse && !pass.Reweighted;
     for (int axis = 1; axis <= 3; ++axis) {
-        const int from = noWeights ? 1 : axis;
-        for (int row = 0; row < 4; ++row) {
-            moments.m[At(axis)][At(row)] = SumOfLanes(sums.Place(axis, row));
-            for (int column = 0; column < 4; ++column)
-                moments.B[At(axis)][At(row)][At(column)] =
-                    SumOfLanes(sums.Place(from, 4 + kPlaceOf[At(row)][At(column)]));
+        for (int row = 0; row < 4; ++row) moments.m[At(axis)][At(row)] = SumOfLanes(sums.Place(axis, row));
+        auto& B = moments.B[At(axis)];
+        if (noWeights && axis > 1) {
+            B = moments.B[1];
+            continue;
         }
-        if (noWeights) moments.B[At(axis)][0][0] = points.Count;
+        double products[kProducts];
+        for (int k = 0; k < kProducts; ++k) products[k] = SumOfLanes(sums.Place(axis, 4 + k));
+        if (noWeights) products[0] = points.Count;
+        for (std::size_t row = 0; row < 4; ++row)
+            for (std::size_t column = 0; column < 4; ++column)
+                B[row][column] = products[kPlaceOf[row][column]];
     }
     moments.AbsoluteSum = 0;
     if (!pass.Reweighted) return;
@@ -128,91 +137,6 @@ void PutToolTogether(MomentSums& sums, PointMoments& moments) {
     }
 }
 
-using Form = std::array<double, kMostPlaces>;
-using Square = std::array<Form, kMostPlaces>;
-
-// The columns of one axis as linear forms of [1 p g].
-struct AxisForms {
-    static constexpr int kMost = kMostInner + 4;
-    int Count = 0;
-    std::array<int, kMost> Unknown{};
-    std::array<Form, kMost> Forms;
-
-    AxisForms(const FitModel& model, const Linearisation& at, int axis) {
-        for (int k = 0; k < at.InnerCount; ++k) {
-            const InnerDerivative& inner = at.Inner[At(k)];
-            Add(inner.Unknown, {at.Held(inner, axis), inner.D(axis, 1), inner.D(axis, 2), inner.D(axis, 3)});
-        }
-        if (model.Mode == FitMode::Tool && model.ToolFloats)
-            for (int j = 0; j < 3; ++j) {
-                Form pose{};
-                pose[At(4 + j)] = 1;
-                Add(model.UnknownOf[At(kRvecX + j)], pose);
-            }
-        if (at.AxisFloats[At(axis)]) Add(model.UnknownOf[At(kTraX + axis - 1)], {1});
-    }
-    void Add(int unknown, const Form& form) {
-        Unknown[At(Count)] = unknown;
-        Forms[At(Count++)] = form;
-    }
-};
-
-// Products with the first places of a form; a constant number of them, so that loops have no ends. B is
-// symmetric, so its columns are read as rows, and all sums grow side by side.
-template <int Places>
-Form Times(const Square& B, const Form& form) {
-    Form result{};
-    for (std::size_t column = 0; column < Places; ++column)
-        for (std::size_t row = 0; row < Places; ++row) result[row] += B[column][row] * form[column];
-    return result;
-}
-
-template <int Places>
-double Product(const Form& a, const Form& b) {
-    double sum = 0;
-    for (std::size_t k = 0; k < Places; ++k) sum += a[k] * b[k];
-    return sum;
-}
-
-// The largest that f'B f could be with these absolute values: what its rounding goes by.
-template <int Places>
-double ProductWithoutSigns(const Square& B, const Form& form) {
-    double sum = 0;
-    for (std::size_t row = 0; row < Places; ++row) {
-        double ofRow = 0;
-        for (std::size_t column = 0; column < Places; ++column)
-            ofRow += std::fabs(B[row][column] * form[column]);
-        sum += std::fabs(form[row]) * ofRow;
-    }
-    return sum;
-}
-
-// What shift, matrix and tool have changed by since the moments were taken, as a form of [1 p g].
-Form Change(const Linearisation& at, const PointMoments& moments, int axis) {
-    Form change = {at.Shift(axis) - moments.Shift(axis), at.M(axis, 1) - moments.M(axis, 1),
-                   at.M(axis, 2) - moments.M(axis, 2), at.M(axis, 3) - moments.M(axis, 3)};
-    if (moments.Places == kMostPlaces)
-        for (int j = 1; j <= 3; ++j) change[At(3 + j)] = at.Tool(j) - moments.Tool(j);
-    return change;
-}
-
-template <int Places>
-void AddAxis(const FitModel& model, const Linearisation& at, const PointMoments& moments, int axis, Matrix& N,
-             Column& w, Column& withoutSigns) {
-    const AxisForms forms(model, at, axis);
-    const Square& B = moments.B[At(axis)];
-    Form l = Times<Places>(B, Change(at, moments, axis));
-    for (std::size_t k = 0; k < Places; ++k) l[k] = moments.m[At(axis)][k] - l[k];
-    for (int i = 0; i < forms.Count; ++i) {
-        const int row = forms.Unknown[At(i)];
-        w[At(row)] += Product<Places>(forms.Forms[At(i)], l);
-        withoutSigns[At(row)] += ProductWithoutSigns<Places>(B, forms.Forms[At(i)]);
-        const Form BForm = Times<Places>(B, forms.Forms[At(i)]);
-        double* const sums = N.Row(row);
-        for (int j = 0; j <= i; ++j) sums[forms.Unknown[At(j)]] += Product<Places>(BForm, forms.Forms[At(j)]);
-    }
-}
-
 }  // namespace
 
 bool MomentsServe(const FitModel& model, const GatheredPoints& points) {
@@ -222,7 +146,7 @@ bool MomentsServe(const FitModel& model, const GatheredPoints& points) {
 void SumMoments(const GatheredPoints& points, const Linearisation& at, const MomentPass& pass,
                 PointMoments& moments) {
     Require(pass.Width <= WidestVectors());
-    MomentSums sums;
+    MomentSums sums(pass.Tool);
     switch (pass.Width) {
 #if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
         case VectorWidth::Eight:
@@ -270,42 +194,4 @@ void TakeResidualWeights(const PointMoments& moments, GatheredPoints& points) {
         }
     }
     points.AllInUse = points.OnlyInUse = false;
-}
-
-bool NormalEquations(const FitModel& model, const Linearisation& at, const PointMoments& moments, Matrix& N,
-                     Column& w) {
-    // Below this share the diagonal has lost three digits that the rows would have kept.
-    constexpr double kLeastShare = 1e-3;
-    const int u = model.Unknowns;
-    Column withoutSigns(At(u) + 1);
-    for (int i = 1; i <= u; ++i) {
-        w[At(i)] = 0;
-        for (int j = 1; j <= u; ++j) N(i, j) = 0;
-    }
-    const bool tool = moments.Places == kMostPlaces;
-    for (int axis = 1; axis <= 3; ++axis)
-        tool ? AddAxis<kMostPlaces>(model, at, moments, axis, N, w, withoutSigns)
-             : AddAxis<4>(model, at, moments, axis, N, w, withoutSigns);
-    // An axis adds a product once, on whatever side of the diagonal.
-    for (int i = 1; i <= u; ++i)
-        for (int j = 1; j < i; ++j) N(i, j) = N(j, i) = N(i, j) + N(j, i);
-    for (int i = 1; i <= u; ++i)
-        if (N(i, i) < kLeastShare * withoutSigns[At(i)]) return false;
-    return true;
-}
-
-double MovedSince(const Linearisation& at, const PointMoments& moments) {
-    double moved = 0, size = 0;
-    for (int axis = 1; axis <= 3; ++axis) {
-        const Square& B = moments.B[At(axis)];
-        const Form change = Change(at, moments, axis);
-        double way = std::fabs(change[0]);
-        for (std::size_t k = 1; k < At(moments.Places); ++k) {
-            const double extent = B[0][0] > 0 ? std::sqrt(B[k][k] / B[0][0]) : 0;
-            way += std::fabs(change[k]) * extent;
-            if (k < 4) size = std::fmax(size, extent);
-        }
-        moved = std::fmax(moved, way);
-    }
-    return size > 0 ? moved / size : 1;
 }

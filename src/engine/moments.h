@@ -61,6 +61,13 @@ void TakeResidualWeights(const PointMoments& moments, GatheredPoints& points);
 bool NormalEquations(const FitModel& model, const Linearisation& at, const PointMoments& moments, Matrix& N,
                      Column& w);
 
+// The same for models without tool of at most kMostSmall unknowns. The equations are the same bit for bit
+// on every instruction set; which one is used can be told, up to the widest that the machine has.
+bool NormalEquations(const FitModel& model, const Linearisation& at, const PointMoments& moments,
+                     VectorWidth width, SmallEquations& equations);
+bool NormalEquations(const FitModel& model, const Linearisation& at, const PointMoments& moments,
+                     SmallEquations& equations);
+
 // How far the transformed points have moved since the moments were taken, as a share of the cloud's
 // size. The sums l [1 p] carried along lose as many digits as this has before the point.
 double MovedSince(const Linearisation& at, const PointMoments& moments);

@@ -45,6 +45,20 @@ bool ShowRun(int i, int runs) {
     return std::exchange(Progress.ProgressBar1.Value, value) != value;
 }
 
+// Of run i, as the job's parameters stand.
+void WriteRun(int i, double sigmaXYZ) {
+    Matrix& results = MonteCarlo.MCResults;
+    Require(i >= 1 && i <= results.Columns);
+    NiceRotSol();
+    const FitModel& model = Adjustment.Model;
+    for (int parameter = kTraX; parameter < kParameterEnd; ++parameter) {
+        if (model.UnknownOf[At(parameter)] == 0) continue;
+        const double value = ParameterValue(Job, parameter);
+        results(parameter, i) = IsAngleOfRotation(parameter) ? WrapAngle(value) : value;
+    }
+    results(kSigmaXYZ, i) = sigmaXYZ;
+}
+
 // The fits of the runs. Most of them go without the status bar's texts, which would cost more than the
 // fit does; at each step of the progress bar one goes the whole way and shows them.
 struct FitsOfRuns {
@@ -53,6 +67,7 @@ struct FitsOfRuns {
     SeedPoints Seeds = TakeSeedPoints();
     RepeatedFit Short;
     bool ShortServes;
+    bool ByShort = false;  // the last run, which has left no residuals then
 
     explicit FitsOfRuns(NormFit& fit) : Fit(fit), Short(ModelOfRuns()) {
         SetWeights(Fit.P, Fit.Points);
@@ -69,15 +84,25 @@ struct FitsOfRuns {
     // False when the job's points were replaced meanwhile. Adjustment.Converged tells whether it came to its
     // end.
     bool Run(bool shown) {
+        ByShort = false;
         MoveSeeds(Fit.Points, Seeds);
         TakeStartValues(Choice, Seeds);
         if (ShortServes && !shown) {
-            const FitEnd end = FitAgain(Short, Fit.Points, Fit.v);
-            if (end != FitEnd::Unfinished) return end != FitEnd::JobChanged;
+            const FitEnd end = FitAgain(Short, Fit.Points);
+            ByShort = end != FitEnd::Unfinished;
+            if (ByShort) return end != FitEnd::JobChanged;
             TakeStartValues(Choice, Seeds);
         }
         IterateFromHere(Fit.u, Fit.n, Fit.ParamText, Fit.Q, Fit.v, Fit.P, Fit.Points);
         return !Adjustment.JobChanged;
+    }
+
+    void Write(int i) const {
+        if (ByShort) {
+            WriteRun(i, SigmaXYZOf(Short, Fit.Points));
+        } else {
+            MonteCarloWriteiResults(i, Fit.v, Fit.P);
+        }
     }
 };
 
@@ -106,6 +131,8 @@ bool MonteCarloCanBeHeld() {
 void MonteCarloInitialisieren() {
     Require(RunsOfMonteCarlo() <= kMostMonteCarloRuns);
     ++MonteCarlo.Started;
+    MonteCarlo.MonteCarloDone = kFalse;
+    MonteCarlo.Shown.reset();  // of runs that these overtake; closing it later would close the new window
     const auto size = At(Job.nIdent) + 1;
     for (Column* const saved : {&MonteCarlo.MCSaveX, &MonteCarlo.MCSaveY, &MonteCarlo.MCSaveZ})
         saved->assign(size, 0);
@@ -139,18 +166,9 @@ void MCS_verrauschen(GatheredPoints& points) {
 }
 
 void MonteCarloWriteiResults(int i, const Column& v, const Column& P) {
-    Matrix& results = MonteCarlo.MCResults;
-    Require(i >= 1 && i <= results.Columns);
-    NiceRotSol();
-    const FitModel& model = Adjustment.Model;
-    for (int parameter = kTraX; parameter < kParameterEnd; ++parameter) {
-        if (model.UnknownOf[At(parameter)] == 0) continue;
-        const double value = ParameterValue(Job, parameter);
-        results(parameter, i) = IsAngleOfRotation(parameter) ? WrapAngle(value) : value;
-    }
     double s0 = 0, sx = 0, sy = 0, sz = 0;
     Statistics(v, P, UpperBound(v), s0, sx, sy, sz);
-    results(kSigmaXYZ, i) = std::sqrt(sx * sx + sy * sy + sz * sz);
+    WriteRun(i, std::sqrt(sx * sx + sy * sy + sz * sz));
 }
 
 void MonteCarloFinalisieren(GatheredPoints& points) {
@@ -182,7 +200,7 @@ bool RunMonteCarlo(NormFit& fit) {
         MCS_verrauschen(fit.Points);
         if (!fits.Run(shown) || overtaken()) return false;
         complete = Adjustment.Converged && !IsTrue(Run.StopRequested);
-        if (complete) MonteCarloWriteiResults(i, fit.v, fit.P);
+        if (complete) fits.Write(i);
     }
     Run.StopRequested = kFalse;
     MonteCarlo.MonteCarloDone = ToFlag(complete);

@@ -24,8 +24,8 @@ inline constexpr int kSigmaXYZ = kParameterEnd;
 inline constexpr int kMonteCarloArrays = kSigmaXYZ;
 
 struct MonteCarloRecord {
-    Flag MonteCarloOn = kFalse;    // the next calculation by least squares begins with the runs
-    Flag MonteCarloDone = kFalse;  // MCResults is complete; stays so until later runs do not reach their end
+    Flag MonteCarloOn = kFalse;        // the next calculation by least squares begins with the runs
+    Flag MonteCarloDone = kFalse;      // MCResults is complete; stays so until the next runs begin
     Column MCSaveX, MCSaveY, MCSaveZ;  // 1 to Job.nIdent: the start points without noise, mm
     // Row k holds array k, entries 1 to the number of runs; mm and rad. Those of a held parameter are 0.
     Matrix MCResults;
@@ -53,7 +53,7 @@ void MonteCarloFinalisieren(GatheredPoints& points);  // the points without nois
 // All runs on points that are gathered; they stand without noise again behind it. A stop, a run that does
 // not converge and one that is no number end the runs: MonteCarloDone is then false. False when the job's
 // points were replaced while events were served, or when there are too many runs: the calculation ends then.
-//   fit  Q and v are left as the last run has made them
+//   fit  Q and v are left as the last run has made them that showed its texts
 // Reads Settings.SigmaX, SigmaY, SigmaZ (mm); writes MonteCarlo, Noise, the job's parameters; clears
 // Run.StopRequested.
 bool RunMonteCarlo(NormFit& fit);

@@ -1,8 +1,10 @@
 // The neater of the two triples of angles that describe the rotation of a result.
 #include "engine/nice_rotation.h"
 
+#include <array>
 #include <cmath>
 #include <numbers>
+#include <optional>
 
 #include "core/job.h"
 #include "engine/matrix.h"
@@ -39,9 +41,36 @@ Vec3 WithAllDigits(const Vec3& wanted) {
     return MoveTo(wanted, other) ? other : wanted;
 }
 
+// The neater triple where it can be told without the decomposition: with no angle at half a turn, where it
+// may have either sign, the two sums apart, and the outer angles apart from gimbal lock. The decomposition
+// would give the same two triples there.
+std::optional<Vec3> EvidentTriple() {
+    constexpr double kHalfTurn = std::numbers::pi, kTurn = 2 * kHalfTurn;
+    constexpr double kApart = 1e-6, kFromLock = 1e-3, kMost = 10;
+    std::array<Vec3, 2> triples = {Vec3(Job.RotX, Job.RotY, Job.RotZ),
+                                   Vec3(Job.RotX + kHalfTurn, kHalfTurn - Job.RotY, Job.RotZ + kHalfTurn)};
+    for (Vec3& angles : triples)
+        for (int k = 1; k <= 3; ++k) {
+            if (!(std::fabs(angles(k)) < kMost)) return {};
+            angles(k) += kTurn * std::nearbyint(-angles(k) / kTurn);
+            if (!(std::fabs(angles(k)) < kHalfTurn - kApart)) return {};
+        }
+    if (std::fabs(std::fabs(triples[0](2)) - kHalfTurn / 2) < kFromLock) return {};
+    const double difference = SumOfAngles(triples[0]) - SumOfAngles(triples[1]);
+    if (std::fabs(difference) < kApart) return {};
+    return triples[difference < 0 ? 0 : 1];
+}
+
+void TakeAngles(const Vec3& angles) {
+    Job.RotX = Job.RotXCopy = angles(1);
+    Job.RotY = Job.RotYCopy = angles(2);
+    Job.RotZ = Job.RotZCopy = angles(3);
+}
+
 }  // namespace
 
 void NiceRotSol() {
+    if (const std::optional<Vec3> evident = EvidentTriple()) return TakeAngles(*evident);
     Mat3 R;
     RotMatrixXYZ(Job.RotX, Job.RotY, Job.RotZ, R);
     Vec3 first, second;
@@ -54,7 +83,5 @@ void NiceRotSol() {
     bool equal = false;
     MatrixCompare(rebuilt, R, kSameRotation, difference, equal);
     if (!(difference < kSameRotation)) return;
-    Job.RotX = Job.RotXCopy = nicer(1);
-    Job.RotY = Job.RotYCopy = nicer(2);
-    Job.RotZ = Job.RotZCopy = nicer(3);
+    TakeAngles(nicer);
 }

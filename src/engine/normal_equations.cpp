@@ -6,6 +6,7 @@
 #include <string>
 
 #include "core/controller.h"
+#include "core/require.h"
 #include "engine/matrix.h"
 
 namespace {
@@ -95,6 +96,29 @@ ON_ANY_VECTORS void Invert16(int u, double (*B)[16]) {
     Invert<16>(u, B);
 }
 
+// Elimination above and below each pivot; what it leaves in the column of w is the solution.
+template <int Lanes>
+inline __attribute__((always_inline)) void Eliminate(int u, SmallEquations& equations) {
+    for (int k = 0; k < u; ++k) {
+        double* const rowK = equations.N[At(k)].data();
+        const double pivot = 1 / (1e-12 + rowK[k]);
+        double scaled[Lanes];
+        for (int j = 0; j < Lanes; ++j) scaled[j] = rowK[j] * pivot;
+        for (int i = 0; i < u; ++i) {
+            double* const row = equations.N[At(i)].data();
+            const double factor = row[k];
+            for (int j = 0; j < Lanes; ++j) row[j] -= factor * scaled[j];
+        }
+        for (int j = 0; j < Lanes; ++j) rowK[j] = scaled[j];
+    }
+}
+ON_ANY_VECTORS void Eliminate8(int u, SmallEquations& equations) {
+    Eliminate<8>(u, equations);
+}
+ON_ANY_VECTORS void Eliminate16(int u, SmallEquations& equations) {
+    Eliminate<16>(u, equations);
+}
+
 #undef ON_ANY_VECTORS
 
 template <int Lanes, class Inversion>
@@ -117,9 +141,10 @@ void Inverse(const Matrix& N, int u, Matrix& Q) {
 
 }  // namespace
 
-void SolveSilently(const Matrix& N, const Column& w, int u, Matrix& Q, Column& x) {
-    Inverse(N, u, Q);
-    MatrixMultiply(Q, u, u, w, 1, x);
+void SolveSmall(SmallEquations& equations, int u, Column& x) {
+    Require(u <= kMostSmall);
+    u < kLanes ? Eliminate8(u, equations) : Eliminate16(u, equations);
+    for (std::size_t k = 0; k < At(u); ++k) x[k + 1] = equations.N[k][At(u)];
 }
 
 void SolveNormalEquations(const Matrix& N, const Column& w, int u, int iterations, Matrix& Q, Column& x) {
@@ -197,36 +222,66 @@ ON_ANY_VECTORS void PlainResiduals(int count, const double* x, const double* y, 
     }
 }
 
-void PlainResiduals(const GatheredPoints& points, const Linearisation& at, const Mat3& D, const Vec3& t,
-                    Column& v) {
-    const auto axis = [&](int k) {
-        return PlainAxis{
-            at.Shift(k), t(k), {at.M(k, 1), at.M(k, 2), at.M(k, 3)}, {D(k, 1), D(k, 2), D(k, 3)}};
-    };
-    PlainResiduals(points.Count, points.Start[0].data(), points.Start[1].data(), points.Start[2].data(),
-                   points.Target[0].data(), points.Target[1].data(), points.Target[2].data(), axis(1),
-                   axis(2), axis(3), v.data() + 1);
+// Those of one axis in eight lanes; `weight` may be null, where all points are in use.
+ON_ANY_VECTORS void SquarePlainResiduals(int count, const double* x, const double* y, const double* z,
+                                         const double* q, const double* weight, PlainAxis a,
+                                         double* __restrict lanes) {
+    double sums[kLanes] = {};
+    for (int first = 0; first < count; first += kLanes) {
+        double squares[kLanes] = {};
+        const int here = std::min(kLanes, count - first);
+        const auto square = [&](int k) {
+            const double v = a.Of(x[first + k], y[first + k], z[first + k], q[first + k]);
+            return v * v;
+        };
+        if (here == kLanes) {
+            for (int k = 0; k < kLanes; ++k) squares[k] = square(k);
+        } else {
+            for (int k = 0; k < here; ++k) squares[k] = square(k);
+        }
+        if (weight != nullptr)
+            for (int k = 0; k < here; ++k) squares[k] = weight[first + k] != 0 ? squares[k] : 0;
+        for (int k = 0; k < kLanes; ++k) sums[k] += squares[k];
+    }
+    for (int k = 0; k < kLanes; ++k) lanes[k] = sums[k];
 }
 
 #undef ON_ANY_VECTORS
+
+// The part of A x that a point's coordinates have, D p + t, is the same matrix for all points.
+struct PlainStep {
+    Mat3 D;
+    Vec3 t;
+
+    PlainStep(const FitModel& model, const Linearisation& at, const Column& x) {
+        for (int axis = 1; axis <= 3; ++axis) {
+            const int unknown = TranslationUnknown(model, axis);
+            t(axis) = unknown == 0 ? 0 : x[At(unknown)];
+            for (int k = 0; k < at.InnerCount; ++k) {
+                const InnerDerivative& inner = at.Inner[At(k)];
+                const double correction = x[At(inner.Unknown)];
+                t(axis) += at.Held(inner, axis) * correction;
+                for (int j = 1; j <= 3; ++j) D(axis, j) += inner.D(axis, j) * correction;
+            }
+        }
+    }
+    PlainAxis Axis(const Linearisation& at, int k) const {
+        return {at.Shift(k), t(k), {at.M(k, 1), at.M(k, 2), at.M(k, 3)}, {D(k, 1), D(k, 2), D(k, 3)}};
+    }
+};
+
+void PlainResiduals(const GatheredPoints& points, const Linearisation& at, const PlainStep& step, Column& v) {
+    PlainResiduals(points.Count, points.Start[0].data(), points.Start[1].data(), points.Start[2].data(),
+                   points.Target[0].data(), points.Target[1].data(), points.Target[2].data(),
+                   step.Axis(at, 1), step.Axis(at, 2), step.Axis(at, 3), v.data() + 1);
+}
 
 }  // namespace
 
 void Residuals(const GatheredPoints& points, const FitModel& model, const Linearisation& at, const Column& x,
                Column& v) {
-    // The part of A x that a point's coordinates have, D d + t, is the same matrix for all points.
-    Mat3 D;
-    Vec3 t;
-    for (int axis = 1; axis <= 3; ++axis) {
-        const int unknown = TranslationUnknown(model, axis);
-        t(axis) = unknown == 0 ? 0 : x[At(unknown)];
-        for (int k = 0; k < at.InnerCount; ++k) {
-            const InnerDerivative& inner = at.Inner[At(k)];
-            const double correction = x[At(inner.Unknown)];
-            t(axis) += at.Held(inner, axis) * correction;
-            for (int j = 1; j <= 3; ++j) D(axis, j) += inner.D(axis, j) * correction;
-        }
-    }
+    const PlainStep step(model, at, x);
+    const auto& [D, t] = step;
     const bool tool = model.Mode == FitMode::Tool;
     const bool distance = model.Mode == FitMode::Distance;
     Vec3 toolCorrection;
@@ -235,7 +290,7 @@ void Residuals(const GatheredPoints& points, const FitModel& model, const Linear
     const double distanceCorrection =
         distance && model.UnknownOf[kRDist] != 0 ? x[At(model.UnknownOf[kRDist])] : 0;
 
-    if (model.Mode == FitMode::Coincide) return PlainResiduals(points, at, D, t, v);
+    if (model.Mode == FitMode::Coincide) return PlainResiduals(points, at, step, v);
     for (int i = 1; i <= points.Count; ++i) {
         const std::size_t k = At(i - 1);
         const double p[3] = {points.Start[0][k], points.Start[1][k], points.Start[2][k]};
@@ -263,4 +318,19 @@ void Residuals(const GatheredPoints& points, const FitModel& model, const Linear
     }
     if (distance)
         for (int row = points.Count + 1; row <= 3 * points.Count; ++row) v[At(row)] = 0;
+}
+
+Vec3 SquaresOfResiduals(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
+                        const Column& x) {
+    const PlainStep step(model, at, x);
+    Vec3 squares;
+    for (int axis = 1; axis <= 3; ++axis) {
+        alignas(kLaneAlignment) double lanes[kLanes];
+        const double* const weight = points.AllInUse ? nullptr : points.Weight[At(axis - 1)].data();
+        SquarePlainResiduals(points.Count, points.Start[0].data(), points.Start[1].data(),
+                             points.Start[2].data(), points.Target[At(axis - 1)].data(), weight,
+                             step.Axis(at, axis), lanes);
+        squares(axis) = SumOfLanes(lanes);
+    }
+    return squares;
 }

@@ -48,8 +48,17 @@ void NormalEquations(const FitModel& model, const Linearisation& at, NormalSums&
 // values and no failure. Writes panels 1 and 2 of the status bar.
 void SolveNormalEquations(const Matrix& N, const Column& w, int u, int iterations, Matrix& Q, Column& x);
 
-// The same without a word in the status bar.
-void SolveSilently(const Matrix& N, const Column& w, int u, Matrix& Q, Column& x);
+// Normal equations of few unknowns, in whole lanes and without memory of their own, for fits that are
+// repeated thousands of times. Unknown k stands at place k - 1.
+inline constexpr int kMostSmall = 15;
+struct SmallEquations {
+    // The column behind the last unknown is w, the ones behind that are of no meaning.
+    alignas(kLaneAlignment) std::array<std::array<double, kMostSmall + 1>, kMostSmall + 1> N;
+};
+
+// The solution of u equations without the inverse, which is left to the fits that are told of: by the
+// pivots of MatrixInverse in their order, so that a singular N gives huge values here too. Destroys N.
+void SolveSmall(SmallEquations& equations, int u, Column& x);
 
 // From the centred unknowns to the parameters themselves: x = L x', Q = L Q' L'.
 void FromCentre(const FitModel& model, const Linearisation& at, Column& x);
@@ -59,3 +68,8 @@ void FromCentre(const FitModel& model, const Linearisation& at, Matrix& Q);
 // distance model has its row i for pair i, and 0 in the rows behind.
 void Residuals(const GatheredPoints& points, const FitModel& model, const Linearisation& at, const Column& x,
                Column& v);
+
+// For each axis the sum of the squared residuals of the plain model, without keeping these. Points whose
+// weight is 0 do not count, all others count once.
+Vec3 SquaresOfResiduals(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
+                        const Column& x);

@@ -3,6 +3,9 @@
 
 #include "core/controller.h"
 #include "core/job.h"
+#include "core/numbers.h"
+#include "core/platform.h"
+#include "core/run.h"
 #include "engine/adjustment.h"
 #include "engine/exact_norms.h"
 #include "engine/monte_carlo.h"
@@ -18,6 +21,28 @@ bool FitL2(NormFit& fit) {
     return !Adjustment.JobChanged;
 }
 
+// A loop that has come to its limit although each of its fits converged. The user's stop is no news, and a
+// fit that has not converged has its own message.
+void TellOfLimit(const std::string& norm, const std::string& value) {
+    if (Norm.Converged || !Adjustment.Converged || IsTrue(Run.StopRequested)) return;
+    ShowMessage(norm + " stopped after " + PlainText(Norm.Iterations) + " Iterations, the " + value +
+                " does not come to rest!");
+}
+
+bool LeastSumOfResiduals(NormFit& fit) {
+    if (!FitL1(fit)) return false;
+    if (Norm.RunOn) return RunOnToLeastSum(fit);
+    TellOfLimit("L1", "sum of residuals");
+    return true;
+}
+
+bool LeastLargestResidual(NormFit& fit) {
+    if (!FitLoo(fit)) return false;
+    if (Norm.RunOn) return RunOnToLeastLargest(fit);
+    TellOfLimit("Loo", "largest residual");
+    return true;
+}
+
 }  // namespace
 
 bool FitInNorm(NormFit& fit) {
@@ -28,10 +53,10 @@ bool FitInNorm(NormFit& fit) {
     bool done = false;
     switch (Job.NormType) {
         case 1:
-            done = FitL1(fit) && (!runOn || RunOnToLeastSum(fit));
+            done = LeastSumOfResiduals(fit);
             break;
         case 3:
-            done = FitLoo(fit) && (!runOn || RunOnToLeastLargest(fit));
+            done = LeastLargestResidual(fit);
             break;
         default:
             done = FitL2(fit);

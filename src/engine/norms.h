@@ -19,7 +19,8 @@ struct NormRecord {
     bool RunOn = false;
     int Linearisations = 0, Exchanges = 0;  // that it took
     // How far the sum (L1) or the largest (Loo) can at most be above that of the optimum, mm. Infinite where
-    // the points leave an unknown open; NaN where nothing was run on.
+    // the points leave an unknown open; NaN where nothing was run on. It is told from the rows made linear
+    // at the result, so it knows nothing of another optimum far off, behind half a turn for instance.
     double AboveOptimum = std::numeric_limits<double>::quiet_NaN();
 };
 inline NormRecord Norm;
@@ -53,5 +54,6 @@ bool FitL1(NormFit& fit);
 // fit. This ends near the least largest residual, not on it. After a stop the weights stay as they are.
 bool FitLoo(NormFit& fit);
 
-// No loop goes on for ever: rounds that a count of 16 bits holds.
+// No loop goes on for ever: rounds that a count of 16 bits holds. A loop that ends by such a limit, and not
+// by its own rule, says so in a message.
 inline constexpr int kMostNormRounds = 32767;

@@ -1,6 +1,8 @@
 // The fit of the plain model by moments for runs that repeat it thousands of times.
 #include "engine/repeated_fit.h"
 
+#include <cmath>
+
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/settings.h"
@@ -12,9 +14,8 @@ namespace {
 
 // False when the rows themselves would give digits that the moments have lost.
 bool Solve(RepeatedFit& fit) {
-    const int u = fit.Model.Unknowns;
-    if (!NormalEquations(fit.Model, fit.At, fit.Moments, fit.N, fit.w)) return false;
-    SolveSilently(fit.N, fit.w, u, fit.Q, fit.Centred);
+    if (!NormalEquations(fit.Model, fit.At, fit.Moments, fit.Equations)) return false;
+    SolveSmall(fit.Equations, fit.Model.Unknowns, fit.Centred);
     fit.x = fit.Centred;
     FromCentre(fit.Model, fit.At, fit.x);
     return true;
@@ -23,18 +24,13 @@ bool Solve(RepeatedFit& fit) {
 }  // namespace
 
 RepeatedFit::RepeatedFit(const FitModel& model)
-    : Model(model),
-      N(model.Unknowns, model.Unknowns),
-      Q(model.Unknowns, model.Unknowns),
-      w(static_cast<std::size_t>(model.Unknowns) + 1),
-      Centred(w.size()),
-      x(w.size()) {}
+    : Model(model), Centred(static_cast<std::size_t>(model.Unknowns) + 1), x(Centred.size()) {}
 
 bool RepeatedFitServes(const FitModel& model, const GatheredPoints& points) {
-    return model.Mode == FitMode::Coincide && MomentsServe(model, points);
+    return model.Mode == FitMode::Coincide && model.Unknowns <= kMostSmall && MomentsServe(model, points);
 }
 
-FitEnd FitAgain(RepeatedFit& fit, const GatheredPoints& points, Column& v) {
+FitEnd FitAgain(RepeatedFit& fit, const GatheredPoints& points) {
     const std::uint64_t generation = Run.JobGeneration;
     const int u = fit.Model.Unknowns;
     const double threshold = Threshold();
@@ -48,19 +44,30 @@ FitEnd FitAgain(RepeatedFit& fit, const GatheredPoints& points, Column& v) {
         Linearise(fit.Model, points, fit.At);
         if (Adjustment.Iterations == 0) SumMoments(points, fit.At, fit.Moments);
         if (!Solve(fit)) return FitEnd::Unfinished;
-        if (FindLargest(fit.x, u).Size < threshold && MovedSince(fit.At, fit.Moments) > kFarFromMoments) {
+        double largest = FindLargest(fit.x, u).Size;
+        if (largest < threshold && MovedSince(fit.At, fit.Moments) > kFarFromMoments) {
             SumMoments(points, fit.At, fit.Moments);
             if (!Solve(fit)) return FitEnd::Unfinished;
+            largest = FindLargest(fit.x, u).Size;
         }
         if (!SetClipboardText({})) ShowMessage(kClipboardRefused);
         AddCorrections(fit.Model, fit.x);
         ++Adjustment.Iterations;
         if (!AllFinite(fit.x, u)) return FitEnd::Unfinished;
-        if (FindLargest(fit.x, u).Size < threshold) break;
+        if (largest < threshold) break;
         if (IsTrue(Run.StopRequested)) return FitEnd::Stopped;
         if (Adjustment.Iterations > Settings.MaxIteration) return FitEnd::Unfinished;
     }
     Adjustment.Converged = true;
-    Residuals(points, fit.Model, fit.At, fit.Centred, v);
     return FitEnd::Converged;
+}
+
+double SigmaXYZOf(const RepeatedFit& fit, const GatheredPoints& points) {
+    const Vec3 squares = SquaresOfResiduals(points, fit.Model, fit.At, fit.Centred);
+    double sum = 0;
+    for (std::size_t axis = 1; axis <= 3; ++axis) {
+        const double sigma = SigmaOfAxis(squares(static_cast<int>(axis)), fit.Moments.B[axis][0][0]);
+        sum += sigma * sigma;
+    }
+    return std::sqrt(sum);
 }

@@ -2,12 +2,11 @@
 // adjustment makes, with everything sized beforehand and no texts in the status bar.
 #pragma once
 
-#include <cstdint>
-
 #include "core/arrays.h"
 #include "engine/design.h"
 #include "engine/gathered_points.h"
 #include "engine/moments.h"
+#include "engine/normal_equations.h"
 
 enum class FitEnd {
     Converged,
@@ -20,8 +19,8 @@ struct RepeatedFit {
     FitModel Model;
     Linearisation At;  // of the last pass
     PointMoments Moments;
-    Matrix N, Q;  // of the centred unknowns
-    Column w, Centred, x;
+    SmallEquations Equations;
+    Column Centred, x;
 
     explicit RepeatedFit(const FitModel& model);
 };
@@ -30,7 +29,9 @@ struct RepeatedFit {
 bool RepeatedFitServes(const FitModel& model, const GatheredPoints& points);
 
 // One fit, from the parameters on that stand in the job; the points' weights have been set.
-//   v  out, only when converged: three residuals a point
 // Writes the job's parameters and Adjustment; each pass serves events and leaves its empty trace on the
 // clipboard, as the adjustment does.
-FitEnd FitAgain(RepeatedFit& fit, const GatheredPoints& points, Column& v);
+FitEnd FitAgain(RepeatedFit& fit, const GatheredPoints& points);
+
+// The mean error xyz of a fit that converged: the root of the squares of what Statistics gives for the axes.
+double SigmaXYZOf(const RepeatedFit& fit, const GatheredPoints& points);

@@ -152,28 +152,32 @@ void SetSeed(std::size_t k, int pair) {
     Job.SeedName[k] = Job.MCS_Name[static_cast<std::size_t>(pair)];
 }
 
-void RawSolution(SeedPoints seeds, double& tx, double& ty, double& tz, double& rx, double& ry, double& rz,
-                 double& sx, double& sy, double& sz) {
-    const Vec3 scales = RawScales(seeds);
-
+// The target's origin and a point on its X and on its Y axis, as the frame on its seed points has them.
+std::array<Vec3, 3> ReferenceInFrame(std::array<Vec3, 4> target) {
     // A small known rotation of the target side, so that no coordinate difference is exactly 0 there.
-    // The reference points (the target's origin and a point on its X and on its Y axis) are turned with
-    // it, which takes it out again.
+    // The reference points are turned with it, which takes it out again.
     static const Mat3 small = [] {
         Mat3 R;
         RotMatrixXYZ(0.0011, 0.0022, 0.0033, R);
         return R;
     }();
-    for (Vec3& q : seeds.Target) q = Turned(small, q);
-    const Vec3 q4 = Turned(small, {0, 0, 0}), q5 = Turned(small, {100, 0, 0});
-    const Vec3 q6 = Turned(small, {0, 100, 0});
+    for (Vec3& q : target) q = Turned(small, q);
+    const SeedFrame frame(target);
+    return {frame.Into(Turned(small, {0, 0, 0})), frame.Into(Turned(small, {100, 0, 0})),
+            frame.Into(Turned(small, {0, 100, 0}))};
+}
+
+void RawSolution(const SeedPoints& seeds, double& tx, double& ty, double& tz, double& rx, double& ry,
+                 double& rz, double& sx, double& sy, double& sz) {
+    const Vec3 scales = RawScales(seeds);
 
     // The frames are congruent once the start points carry their scales, so the reference points keep
     // their coordinates from one frame to the other.
-    for (Vec3& p : seeds.Start) p = Scaled(p, scales);
-    const SeedFrame target(seeds.Target), start(seeds.Start);
-    const Vec3 p4 = start.OutOf(target.Into(q4));
-    const Vec3 p5 = start.OutOf(target.Into(q5)), p6 = start.OutOf(target.Into(q6));
+    std::array<Vec3, 4> points = seeds.Start;
+    for (Vec3& p : points) p = Scaled(p, scales);
+    const SeedFrame start(points);
+    const Vec3 p4 = start.OutOf(seeds.Reference[0]);
+    const Vec3 p5 = start.OutOf(seeds.Reference[1]), p6 = start.OutOf(seeds.Reference[2]);
 
     const Vec3 e1 = UnitDirection(p4, p5), e2 = UnitDirection(p4, p6);
     Vec3 e3;
@@ -214,6 +218,7 @@ SeedPoints TakeSeedPoints() {
             seeds.Start[place] = StartPoint(pair);
             seeds.Target[place] = TargetPoint(pair);
         }
+    seeds.Reference = ReferenceInFrame(seeds.Target);
     seeds.ScalesAreOne = ScalesAreOne();
     return seeds;
 }

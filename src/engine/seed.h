@@ -11,7 +11,9 @@
 struct SeedPoints {
     std::array<int, 4> Pair{};          // 0: there is none, and the point counts as 0
     std::array<Vec3, 4> Start, Target;  // mm
-    bool ScalesAreOne = false;          // no raw scales are wanted
+    // The target's axes as its seed points have them; these stay where they are while Start may be moved.
+    std::array<Vec3, 3> Reference;
+    bool ScalesAreOne = false;  // no raw scales are wanted
 };
 
 // The seed points of the job. Reads the job's points, use flags and Settings.RawScale.
@@ -25,7 +27,7 @@ SeedPoints TakeSeedPoints();
 void RawSolution(double& tx, double& ty, double& tz, double& rx, double& ry, double& rz, double& sx,
                  double& sy, double& sz);
 
-// The same from seed points that may have been moved, straight into the job's parameters.
+// The same from seed points whose start side may have been moved, straight into the job's parameters.
 void RawSolution(const SeedPoints& seeds);
 
 // The start values of the calculation window by parameter number; nothing where the raw one stays.

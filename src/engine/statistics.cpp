@@ -4,9 +4,18 @@
 #include "core/require.h"
 #include "engine/adjustment.h"
 
+namespace {
+
+constexpr double kTiny = 1e-9;
+
+}  // namespace
+
+double SigmaOfAxis(double squares, double weights) {
+    return std::sqrt(squares / std::fabs(weights - 1 + kTiny));
+}
+
 void Statistics(const Column& v, const Column& P, int n, double& s0, double& sx, double& sy, double& sz) {
     Require(n % 3 == 0 && UpperBound(v) >= n && UpperBound(P) >= n);
-    constexpr double kTiny = 1e-9;
     double vPv = 0, W = 0;
     double squares[3] = {}, weights[3] = {};
     for (std::size_t i = 1; i <= static_cast<std::size_t>(n); i += 3)
@@ -21,6 +30,5 @@ void Statistics(const Column& v, const Column& P, int n, double& s0, double& sx,
         }
     s0 = W - 1 + kTiny > 0 ? std::sqrt(vPv / (W - 1 + kTiny)) : 0;
     double* const axes[3] = {&sx, &sy, &sz};
-    for (std::size_t axis = 0; axis < 3; ++axis)
-        *axes[axis] = std::sqrt(squares[axis] / std::fabs(weights[axis] - 1 + kTiny));
+    for (std::size_t axis = 0; axis < 3; ++axis) *axes[axis] = SigmaOfAxis(squares[axis], weights[axis]);
 }

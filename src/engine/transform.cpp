@@ -1,6 +1,8 @@
 // The transformation X = T + R K S x and the derivatives of its matrices.
 #include "engine/transform.h"
 
+#include <algorithm>
+
 #include "core/job.h"
 #include "engine/matrix.h"
 
@@ -24,17 +26,32 @@ void ForgetProduct() {
     Chain.BuiltFrom.fill(std::numeric_limits<double>::quiet_NaN());
 }
 
+void TurnChain() {
+    Chain.Rotations = {Circle(Job.RotXCopy), Circle(Job.RotYCopy), Circle(Job.RotZCopy)};
+    const auto& [a, b, c] = Chain.Rotations;
+    RotMatrixXYZ(a, b, c, Chain.RotationMatrix);
+}
+
+void ShearChain() {
+    BuildShearMatrix(Job.AngleXY, Job.Azimuth, Job.AngleZtoXY, Chain.ShearMatrix);
+}
+
+void ScaleChain() {
+    SetRow(Chain.ScaleMatrix, 1, Job.ScaleX, 0, 0);
+    SetRow(Chain.ScaleMatrix, 2, 0, Job.ScaleY, 0);
+    SetRow(Chain.ScaleMatrix, 3, 0, 0, Job.ScaleZ);
+}
+
 }  // namespace
 
-Mat3 WithScales(const Mat3& M) {
-    Mat3 result;
-    const double scales[] = {Job.ScaleX, Job.ScaleY, Job.ScaleZ};
+void WithScales(const Mat3& M, Mat3& scaled) {
+    const double x = Job.ScaleX, y = Job.ScaleY, z = Job.ScaleZ;
+    const auto times = [](double element, double scale) {
+        const double product = element * scale;
+        return element != 0 ? product : 0;
+    };
     for (int row = 1; row <= 3; ++row)
-        for (int column = 1; column <= 3; ++column) {
-            const double element = M(row, column);
-            result(row, column) = element != 0 ? element * scales[column - 1] : 0;
-        }
-    return result;
+        SetRow(scaled, row, times(M(row, 1), x), times(M(row, 2), y), times(M(row, 3), z));
 }
 
 void RotMatrixXYZ(double angleA, double angleB, double angleC, Mat3& R) {
@@ -48,13 +65,6 @@ void RotMatrixXYZ(const Circle& a, const Circle& b, const Circle& c, Mat3& R) {
     SetRow(R, 3, b.Sin, -a.Sin * b.Cos, a.Cos * b.Cos);
 }
 
-void BuildRotationMatrix() {
-    Chain.Rotations = {Circle(Job.RotXCopy), Circle(Job.RotYCopy), Circle(Job.RotZCopy)};
-    const auto& [a, b, c] = Chain.Rotations;
-    RotMatrixXYZ(a, b, c, Chain.RotationMatrix);
-    ForgetProduct();
-}
-
 void BuildShearMatrix(double angleXY, double azimuth, double angleZtoXY, Mat3& K) {
     const Circle xy(angleXY), az(azimuth), zt(angleZtoXY);
     SetRow(K, 1, 1, xy.Sin, az.Cos * zt.Sin);
@@ -62,15 +72,18 @@ void BuildShearMatrix(double angleXY, double azimuth, double angleZtoXY, Mat3& K
     SetRow(K, 3, 0, 0, zt.Cos);
 }
 
+void BuildRotationMatrix() {
+    TurnChain();
+    ForgetProduct();
+}
+
 void BuildShearMatrix() {
-    BuildShearMatrix(Job.AngleXY, Job.Azimuth, Job.AngleZtoXY, Chain.ShearMatrix);
+    ShearChain();
     ForgetProduct();
 }
 
 void BuildScaleMatrix() {
-    SetRow(Chain.ScaleMatrix, 1, Job.ScaleX, 0, 0);
-    SetRow(Chain.ScaleMatrix, 2, 0, Job.ScaleY, 0);
-    SetRow(Chain.ScaleMatrix, 3, 0, 0, Job.ScaleZ);
+    ScaleChain();
     ForgetProduct();
 }
 
@@ -78,15 +91,22 @@ void BuildChain() {
     const std::array<double, 9> parameters = {Job.RotXCopy, Job.RotYCopy, Job.RotZCopy,
                                               Job.ScaleX,   Job.ScaleY,   Job.ScaleZ,
                                               Job.AngleXY,  Job.Azimuth,  Job.AngleZtoXY};
-    if (parameters == Chain.BuiltFrom) return;
-    BuildRotationMatrix();
-    BuildShearMatrix();
-    BuildScaleMatrix();
-    Chain.RightAngled = IsUnit(Chain.ShearMatrix);
-    Chain.RK =
-        Chain.RightAngled ? Chain.RotationMatrix : MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix);
-    Chain.KS = WithScales(Chain.ShearMatrix);
-    Chain.Product = WithScales(Chain.RK);
+    const auto changed = [&parameters](std::size_t from) {
+        return !std::equal(&parameters[from], &parameters[from] + 3, &Chain.BuiltFrom[from]);
+    };
+    const bool turned = changed(0), scaled = changed(3), sheared = changed(6);
+    if (!turned && !scaled && !sheared) return;
+    if (turned) TurnChain();
+    if (scaled) ScaleChain();
+    if (sheared) {
+        ShearChain();
+        Chain.RightAngled = IsUnit(Chain.ShearMatrix);
+    }
+    if (turned || sheared)
+        Chain.RK =
+            Chain.RightAngled ? Chain.RotationMatrix : MatrixProduct(Chain.RotationMatrix, Chain.ShearMatrix);
+    if (scaled || sheared) WithScales(Chain.ShearMatrix, Chain.KS);
+    WithScales(Chain.RK, Chain.Product);
     Chain.BuiltFrom = parameters;
 }
 

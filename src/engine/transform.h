@@ -47,7 +47,7 @@ void RotMatrixXYZ(double a, double b, double c, Mat3& R);
 void RotMatrixXYZ(const Circle& a, const Circle& b, const Circle& c, Mat3& R);
 
 // A matrix times S, as the job has the scales.
-Mat3 WithScales(const Mat3& M);
+void WithScales(const Mat3& M, Mat3& scaled);
 
 // The full chain for one point, mm. Rebuilds the three matrices of `Chain` from the job.
 void TransformPoint(double x, double y, double z, double& X, double& Y, double& Z);

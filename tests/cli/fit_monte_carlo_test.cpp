@@ -105,7 +105,8 @@ TEST_F(FitMonteCarlo, WithoutNoiseThePicturesStandAllTheSame) {
         Fit({start_, target_, "--monte-carlo", "10", "--sigma", "0", "--report", path, "--json"});
     EXPECT_EQ(outcome.Status, 0) << outcome.Err;
     EXPECT_EQ(Contents(path).find("nan"), std::string::npos);
-    for (const json& parameter : json::parse(outcome.Out)["monteCarlo"]["parameters"])
+    const json result = json::parse(outcome.Out);
+    for (const json& parameter : result["monteCarlo"]["parameters"])
         EXPECT_NEAR(parameter["spread"].get<double>(), 0, 1e-9);
 }
 

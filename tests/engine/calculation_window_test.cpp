@@ -313,6 +313,19 @@ TEST_F(CalculationWindowRun, TheSwitchExchangesTheSetsAndTheirCounts) {
     EXPECT_EQ(w.LabelDirection.ToolTip, "Cell => Robot");
 }
 
+TEST_F(CalculationWindowRun, AResultOfTheOtherDirectionIsNoneOfThis) {
+    AddPairs(6, 0);
+    Open();
+    Calculate();
+    EXPECT_TRUE(Main.MenueFileExport.Enabled);
+    UserClick(w.BtnSwitchMcsOcs);
+    EXPECT_FALSE(IsTrue(Run.TrafoValid));
+    EXPECT_FALSE(IsTrue(Run.CalcDone));
+    EXPECT_FALSE(Main.MenueFileExport.Enabled) << "it would give away the parameters of the way back";
+    Calculate();
+    EXPECT_TRUE(Main.MenueFileExport.Enabled);
+}
+
 TEST_F(CalculationWindowRun, TheSwitchedFitIsTheInverse) {
     AddPairs(8, 0);
     Open();

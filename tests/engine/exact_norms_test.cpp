@@ -392,6 +392,46 @@ TEST_F(ExactNorms, AnUnknownThatMovesNothingAtAllLeavesTheBoundAsItIs) {
     }
 }
 
+TEST_F(ExactNorms, WhereNothingFloatsTheResultIsTheOptimum) {
+    Heights({0, 1, 2.5, 4, 30});
+    Job.ParamText[kTraZ] = "3";
+    for (const int norm : {kL1, kLoo}) {
+        Calculate(norm);
+        EXPECT_EQ(Norm.AboveOptimum, 0) << norm;
+        EXPECT_EQ(Largest(), 27) << norm;
+        EXPECT_TRUE(Calculation.Converged) << norm;
+    }
+}
+
+TEST_F(ExactNorms, WithoutPairsThereIsNothingToImprove) {
+    for (const int norm : {kL1, kLoo}) {
+        Calculate(norm);
+        EXPECT_EQ(Norm.AboveOptimum, 0) << norm;
+        EXPECT_TRUE(Calculation.Converged) << norm;
+    }
+    EXPECT_TRUE(Messages().empty());
+}
+
+TEST_F(ExactNorms, AWayThatLeadsNowhereIsNotCalledTheOptimum) {
+    // Two pairs tell five of six unknowns, and where their fit has not converged no step may be any better.
+    for (int trial = 0; trial < 40; ++trial) {
+        SCOPED_TRACE(trial);
+        Job = JobRecord{};
+        const auto any = [] {
+            return reference::Point{500 * NextNumber(), 500 * NextNumber(), 500 * NextNumber()};
+        };
+        Settings.MaxIteration = 30;
+        Job.ParamText.fill(kNotUsed);
+        for (int i = 0; i < 2; ++i) AddPair(any(), any());
+        FloatParameters(kRigid);
+        for (const int norm : {kL1, kLoo}) {
+            Calculate(norm);
+            if (!Calculation.Converged || std::isinf(Norm.AboveOptimum)) continue;
+            EXPECT_LE(Norm.AboveOptimum, 1e-6 * (norm == kL1 ? Sum() : Largest()) + 1e-9);
+        }
+    }
+}
+
 TEST_F(ExactNorms, WithoutBeingAskedForNothingIsRunOn) {
     Norm.RunOn = false;
     Heights({0, 1, 2.5, 4, 30});

@@ -358,6 +358,78 @@ TEST_F(MomentRoad, AgreesInTheToolModelForPosesThatHardlyTurn) {
     ExpectTheSame(1e-9);
 }
 
+TEST_F(MomentRoad, TheEquationsInLanesAreThoseOfTheMatricesOnEveryInstructionSet) {
+    const std::vector<std::vector<int>> choices = {{kTraX, kTraY, kTraZ, kRotX, kRotY, kRotZ, kScaleXYZ},
+                                                   {kTraX, kRotX, kRotZ},
+                                                   {kTraX, kTraY, kTraZ, kRotX, kRotY, kRotZ, kScaleX,
+                                                    kScaleY, kScaleZ, kAngleXY, kAzimuth, kAngleZtoXY}};
+    for (const auto& choice : choices)
+        for (const bool out : {false, true}) {
+            SCOPED_TRACE(choice.size() + (out ? 100 : 0));
+            Job = JobRecord{};
+            BeginFit();
+            AddCloud({.Points = 20, .Centre = {1000, -500, 300}, .Noise = 1, .Truth = kTruth});
+            if (out) Job.UseFlags[4] = Job.UseFlags[32] = 0;
+            Job.ParamText.fill(kNotUsed);
+            for (const int k : choice) Job.ParamText[static_cast<std::size_t>(k)] = kFloat;
+            Column P(Job.UseFlags.begin(), Job.UseFlags.end());
+            GatheredPoints points;
+            GatherPoints(P, false, points);
+            SetWeights(P, points);
+            const FitModel model = ChooseModel(Job.ParamText);
+            PointMoments moments;
+            SumMoments(points, Linearise(model, points), moments);
+            Job.RotX += 0.01;
+            Job.TraX -= 3;
+            Job.AngleXY = 0.02;
+            const Linearisation at = Linearise(model, points);
+            const int u = model.Unknowns;
+            Matrix N(u, u);
+            Column w(static_cast<std::size_t>(u) + 1);
+            ASSERT_TRUE(NormalEquations(model, at, moments, N, w));
+            SmallEquations two;
+            ASSERT_TRUE(NormalEquations(model, at, moments, VectorWidth::Two, two));
+            double largest = 0;
+            for (int i = 1; i <= u; ++i)
+                largest = std::max(largest, std::fabs(w[static_cast<std::size_t>(i)]));
+            const auto at0 = [](int i) { return static_cast<std::size_t>(i - 1); };
+            for (int i = 1; i <= u; ++i) {
+                EXPECT_NEAR(two.N[at0(i)][at0(u + 1)], w[static_cast<std::size_t>(i)], 1e-12 * largest);
+                for (int j = 1; j <= u; ++j)
+                    EXPECT_NEAR(two.N[at0(i)][at0(j)], N(i, j), 1e-14 * std::sqrt(N(i, i) * N(j, j)));
+            }
+            for (const VectorWidth width : {VectorWidth::Four, VectorWidth::Eight}) {
+                if (width > WidestVectors()) continue;
+                SmallEquations wide;
+                ASSERT_TRUE(NormalEquations(model, at, moments, width, wide));
+                for (int i = 1; i <= u; ++i)
+                    for (int j = 1; j <= u + 1; ++j) EXPECT_EQ(wide.N[at0(i)][at0(j)], two.N[at0(i)][at0(j)]);
+            }
+        }
+}
+
+TEST_F(MomentRoad, SquaresOfResidualsAreThoseOfTheResiduals) {
+    AddCloud({.Points = 21, .Noise = 1, .Truth = kTruth});
+    FloatParameters(kRigid);
+    for (const bool out : {false, true}) {
+        Column P(Job.UseFlags.begin(), Job.UseFlags.end()), v(64);
+        if (out) P[5] = P[63] = 0;
+        GatheredPoints points;
+        GatherPoints(P, false, points);
+        SetWeights(P, points);
+        const FitModel model = ChooseModel(Job.ParamText);
+        const Linearisation at = Linearise(model, points);
+        const Column x = {0, 3, -2, 5, 0.01, -0.02, 0.03};
+        Residuals(points, model, at, x, v);
+        const Vec3 squares = SquaresOfResiduals(points, model, at, x);
+        for (std::size_t axis = 1; axis <= 3; ++axis) {
+            double sum = 0;
+            for (std::size_t i = axis; i <= 63; i += 3) sum += P[i] * v[i] * v[i];
+            EXPECT_NEAR(squares(static_cast<int>(axis)), sum, 1e-13 * sum);
+        }
+    }
+}
+
 TEST_F(MomentRoad, HowFarThePointsHaveMovedIsAShareOfTheCloud) {
     AddCloud({.Points = 50, .Truth = kTruth});
     FloatParameters(kRigid);

@@ -217,6 +217,25 @@ TEST_F(L1, CoordinatesWhoseRoundingIsAboveTheToleranceEndTheLoop) {
     EXPECT_TRUE(Calculation.Finite);
 }
 
+TEST_F(L1, ALoopThatDoesNotComeToRestEndsWithAMessage) {
+    // The sum of the residuals is beyond all numbers, and so it never stands still.
+    Heights({1e308, 1e308, 1e308});
+    Job.ParamText[kTraZ] = "0";
+    Calculate(kL1);
+    EXPECT_FALSE(Calculation.Converged);
+    EXPECT_EQ(Messages(),
+              (std::vector<std::string>{
+                  "L1 stopped after 100 Iterations, the sum of residuals does not come to rest!"}));
+}
+
+TEST_F(L1, AStopIsNoNews) {
+    Heights({0, 1, 2.5, 4, 30});
+    ::Run.StopRequested = kTrue;
+    Calculate(kL1);
+    EXPECT_FALSE(Calculation.Converged);
+    EXPECT_TRUE(Messages().empty());
+}
+
 TEST_F(L1, OfDistancesAPointsResidualWeighsItsThreeRows) {
     // Points on a sphere about the start point's image: the distance of all target points is 100.
     std::vector<reference::Point> directions = {{1, 0, 0},      {0, 1, 0},      {0, 0, 1},  {-0.6, 0.8, 0},
