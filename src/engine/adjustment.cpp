@@ -269,9 +269,8 @@ void IterateFromHere(int u, int n, const ParameterTexts& ParamText, Matrix& Q, C
     TellOfLimit();
 }
 
-void BestFitIteration(int u, int n, const ParameterTexts& ParamText, Matrix& Q, GatheredPoints& points,
-                      FitOnMoments& fit) {
-    TakeStartValues(ParamText);
+void IterateFromHere(int u, int n, const ParameterTexts& ParamText, Matrix& Q, GatheredPoints& points,
+                     FitOnMoments& fit) {
     const FitModel model = BeginRun(u, n, ParamText, points);
     AdjustmentRun run(points, model, true, fit.Moments);
     if (!CarryOut(run, Q)) return;

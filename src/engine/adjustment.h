@@ -63,8 +63,8 @@ struct FitOnMoments {
 };
 
 // The same fit of points and their moments, without residuals. For models that MomentsServe.
-void BestFitIteration(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q,
-                      GatheredPoints& points, FitOnMoments& fit);
+void IterateFromHere(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q,
+                     GatheredPoints& points, FitOnMoments& fit);
 
 // Quality of a finished fit. s0 divides by the sum of the weights less one, not by n - u: that is the
 // form that the reports are calibrated on. sx, sy, sz the same for each axis alone.

@@ -63,7 +63,7 @@ void WriteRun(int i, double sigmaXYZ) {
 // fit does; at each step of the progress bar one goes the whole way and shows them.
 struct FitsOfRuns {
     NormFit& Fit;
-    StartChoice Choice = ReadStartChoice(Fit.ParamText);
+    StartChoice Choice = Fit.Choice;
     SeedPoints Seeds = TakeSeedPoints();
     RepeatedFit Short;
     bool ShortServes;

@@ -57,12 +57,13 @@ struct L1Rounds {
     // False when the job's points were replaced meanwhile.
     bool Next() {
         if (ByMoments) {
-            BestFitIteration(Fit.u, Fit.n, Fit.ParamText, Fit.Q, Fit.Points, Last);
+            TakeStartValues(Fit.Choice, TakeSeedPoints());
+            IterateFromHere(Fit.u, Fit.n, Fit.ParamText, Fit.Q, Fit.Points, Last);
             if (Adjustment.JobChanged) return false;
             if (!Last.ByMoments || !Adjustment.Converged) LeaveMoments();
             return true;
         }
-        BestFitIteration(Fit.u, Fit.n, Fit.ParamText, Fit.Q, Fit.v, Fit.P, Fit.Points);
+        FitFromStart(Fit);
         if (Adjustment.JobChanged) return false;
         ByMoments =
             Norm.Iterations == 1 && Adjustment.Converged && MomentsServe(Adjustment.Model, Fit.Points);

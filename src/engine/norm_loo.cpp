@@ -54,7 +54,7 @@ void FindExtremes(NormFit& fit, Extremes& found) {
 }
 
 bool Fit(NormFit& fit) {
-    BestFitIteration(fit.u, fit.n, fit.ParamText, fit.Q, fit.v, fit.P, fit.Points);
+    FitFromStart(fit);
     return !Adjustment.JobChanged;
 }
 

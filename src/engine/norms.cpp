@@ -16,7 +16,7 @@ bool FitL2(NormFit& fit) {
     SetStatus(6, "...L2");
     SetStatus(7, "...L2");
     if (IsTrue(MonteCarlo.MonteCarloOn) && !RunMonteCarlo(fit)) return false;
-    BestFitIteration(fit.u, fit.n, fit.ParamText, fit.Q, fit.v, fit.P, fit.Points);
+    FitFromStart(fit);
     Norm.Converged = Adjustment.Converged;
     return !Adjustment.JobChanged;
 }
@@ -45,11 +45,17 @@ bool LeastLargestResidual(NormFit& fit) {
 
 }  // namespace
 
+void FitFromStart(NormFit& fit) {
+    TakeStartValues(fit.Choice, TakeSeedPoints());
+    IterateFromHere(fit.u, fit.n, fit.ParamText, fit.Q, fit.v, fit.P, fit.Points);
+}
+
 bool FitInNorm(NormFit& fit) {
     const bool runOn = Norm.RunOn;
     Norm = NormRecord{};
     Norm.RunOn = runOn;
     if (!GatherForFit(fit.P, fit.Points)) return false;
+    fit.Choice = ReadStartChoice(fit.ParamText);
     bool done = false;
     switch (Job.NormType) {
         case 1:

@@ -8,6 +8,7 @@
 
 #include "core/arrays.h"
 #include "engine/gathered_points.h"
+#include "engine/start_values.h"
 
 // How the last calculation's loop went.
 struct NormRecord {
@@ -30,6 +31,8 @@ struct NormFit {
     int u = 0;  // unknowns
     int n = 0;  // observations, 3 Job.nIdent
     std::array<std::string, 18> ParamText;
+    // The start values that the texts meant when the norm began: the units may change while it runs.
+    StartChoice Choice;
     Matrix Q;  // out: u by u, of the last fit
     Column v;  // out: n residuals of the last fit, mm
     Column P;  // in: n weights 0 or 1; out: as the loop leaves them
@@ -44,6 +47,9 @@ struct NormFit {
 // With Norm.RunOn the loops of L1 and Loo are followed by the way to their optimum.
 // Reads Job.NormType and Job.UseFlags; writes Norm, Adjustment, the job's parameters, panels 6 and 7.
 bool FitInNorm(NormFit& fit);
+
+// One fit of the norm, from the start values on.
+void FitFromStart(NormFit& fit);
 
 // L1 by reweighting: each fit's residuals give the weights 1/|v| of the next, until their sum stands
 // still within 1e-3. The weights left are those made from the last residuals; no fit follows them.

@@ -238,3 +238,27 @@ TEST_F(HeldValues, AnAngleWithBlanksAroundItIsItself) {
         EXPECT_NEAR(Job.RotX * 180 / kPi, 9, 1e-12) << '"' << text << '"';
     }
 }
+
+TEST_F(HeldValues, AUnitChangedInsideALoopOfFitsLeavesTheValueThatItBeganWith) {
+    for (Control* const norm : {&w.OptionL1, &w.OptionLoo}) {
+        AddPairs(8, 0.5);
+        if (!IsLoaded("FormTrafoBerechnung")) Open();
+        UserSetValue(*norm, 1);
+        UserSetValue(w.CheckTraZ, 0);
+        UserSetText(w.TextTraZ, "290");
+        int yields = 0;
+        Headless.OnYield = [&yields] {
+            if (++yields != 8) return;
+            Job.LengthUnitName = "meter";
+            RhoFestlegung();
+            CalculationWindow_UnitsChanged();
+        };
+        Calculate();
+        EXPECT_GT(yields, 8);
+        EXPECT_NEAR(Job.TraZ, 290, 1e-9);
+        Headless.OnYield = nullptr;
+        Job.LengthUnitName = "millimeter";
+        RhoFestlegung();
+        CalculationWindow_UnitsChanged();
+    }
+}
