@@ -22,33 +22,6 @@
 
 namespace {
 
-void FillJob(const FitData& data, int parameters) {
-    FreshStart();
-    Settings.MaxIteration = 100;
-    Settings.BestFit_Etta = 1e-9;
-    Settings.RawScale = 2;
-    const std::size_t n = data.Start.size();
-    for (std::size_t i = 0; i < n; ++i) {
-        Job.MCS_X.push_back(data.Start[i][0]);
-        Job.MCS_Y.push_back(data.Start[i][1]);
-        Job.MCS_Z.push_back(data.Start[i][2]);
-        Job.OCS_X.push_back(data.Target[i][0]);
-        Job.OCS_Y.push_back(data.Target[i][1]);
-        Job.OCS_Z.push_back(data.Target[i][2]);
-    }
-    Job.UseFlags.assign(3 * n + 1, 1);
-    Job.nIdent = Job.nMCS = Job.nOCS = static_cast<std::int32_t>(n);
-    Job.ParamText.fill(kNotUsed);
-    for (const int k : {kTraX, kTraY, kTraZ, kRotX, kRotY, kRotZ})
-        Job.ParamText[static_cast<std::size_t>(k)] = kFloat;
-    if (parameters == 7) {
-        Job.ParamText[kScaleXYZ] = kFloat;
-    } else {
-        for (const int k : {kScaleX, kScaleY, kScaleZ, kAngleXY, kAzimuth, kAngleZtoXY})
-            Job.ParamText[static_cast<std::size_t>(k)] = kFloat;
-    }
-}
-
 double Milliseconds(std::chrono::steady_clock::time_point begin) {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
 }

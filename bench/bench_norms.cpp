@@ -30,25 +30,8 @@ FitData WithGrossErrors(int points) {
     return data;
 }
 
-void FillJob(const FitData& data, int norm) {
-    FreshStart();
-    Settings.MaxIteration = 100;
-    Settings.BestFit_Etta = 1e-9;
-    Settings.RawScale = 2;
-    const std::size_t n = data.Start.size();
-    for (std::size_t i = 0; i < n; ++i) {
-        Job.MCS_X.push_back(data.Start[i][0]);
-        Job.MCS_Y.push_back(data.Start[i][1]);
-        Job.MCS_Z.push_back(data.Start[i][2]);
-        Job.OCS_X.push_back(data.Target[i][0]);
-        Job.OCS_Y.push_back(data.Target[i][1]);
-        Job.OCS_Z.push_back(data.Target[i][2]);
-    }
-    Job.UseFlags.assign(3 * n + 1, 1);
-    Job.nIdent = Job.nMCS = Job.nOCS = static_cast<std::int32_t>(n);
-    Job.ParamText.fill(kNotUsed);
-    for (const int k : {kTraX, kTraY, kTraZ, kRotX, kRotY, kRotZ, kScaleXYZ})
-        Job.ParamText[static_cast<std::size_t>(k)] = kFloat;
+void FillNormJob(const FitData& data, int norm) {
+    FillJob(data, 7);
     Job.NormType = static_cast<std::int16_t>(norm);
 }
 
@@ -79,7 +62,7 @@ double SumOf(const std::vector<std::array<double, 3>>& residuals) {
 
 void Norm_L1(benchmark::State& state) {
     const FitData data = WithGrossErrors(static_cast<int>(state.range(0)));
-    FillJob(data, 1);
+    FillNormJob(data, 1);
     std::vector<double> own, ratios;
 #ifdef CORVINADE_BENCH_EIGEN
     std::array<double, 12> near = data.Truth;
@@ -114,7 +97,7 @@ void Norm_L1(benchmark::State& state) {
 }
 
 void Norm_Exact(benchmark::State& state) {
-    FillJob(WithGrossErrors(static_cast<int>(state.range(0))), static_cast<int>(state.range(1)));
+    FillNormJob(WithGrossErrors(static_cast<int>(state.range(0))), static_cast<int>(state.range(1)));
     Norm.RunOn = true;
     for (auto _ : state) {
         NormFit fit;

@@ -13,3 +13,7 @@ struct FitData {
 // A hall of 10 m by 8 m by 3 m about 1e6 mm from the origin, with noise of 0.05 mm.
 //   parameters  7: one scale for all axes; 12: three scales and the oblique frame
 FitData MakeFitData(int points, int parameters);
+
+// A new program with these pairs as its job, all coordinates in use: shifts and rotations float, and with 7
+// parameters one scale, with 12 three scales and the oblique frame.
+void FillJob(const FitData& data, int parameters);

@@ -136,33 +136,8 @@ struct LaneSums {
     alignas(kLaneAlignment) double Most[kMostSmall + 1];
 };
 
-#if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
-
-namespace lanes512 {
-#define LANES_TARGET __attribute__((target("avx512f")))
-#define LANES_WIDTH 8
-#include "engine/moment_equations.inl"
-#undef LANES_TARGET
-#undef LANES_WIDTH
-}  // namespace lanes512
-
-namespace lanes256 {
-#define LANES_TARGET __attribute__((target("avx2")))
-#define LANES_WIDTH 4
-#include "engine/moment_equations.inl"
-#undef LANES_TARGET
-#undef LANES_WIDTH
-}  // namespace lanes256
-
-#endif
-
-namespace lanes128 {
-#define LANES_TARGET
-#define LANES_WIDTH 2
-#include "engine/moment_equations.inl"
-#undef LANES_TARGET
-#undef LANES_WIDTH
-}  // namespace lanes128
+#define LANES_BODY "engine/moment_equations.inl"
+#include "engine/all_widths.inl"
 
 using Equation = void (*)(const PointMoments&, const LaneColumns*, int, int, LaneSums&);
 

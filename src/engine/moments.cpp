@@ -71,33 +71,8 @@ struct AxisOfPass {
     }
 };
 
-#if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
-
-namespace lanes512 {
-#define LANES_TARGET __attribute__((target("avx512f")))
-#define LANES_WIDTH 8
-#include "engine/moments_pass.inl"
-#undef LANES_TARGET
-#undef LANES_WIDTH
-}  // namespace lanes512
-
-namespace lanes256 {
-#define LANES_TARGET __attribute__((target("avx2")))
-#define LANES_WIDTH 4
-#include "engine/moments_pass.inl"
-#undef LANES_TARGET
-#undef LANES_WIDTH
-}  // namespace lanes256
-
-#endif
-
-namespace lanes128 {
-#define LANES_TARGET
-#define LANES_WIDTH 2
-#include "engine/moments_pass.inl"
-#undef LANES_TARGET
-#undef LANES_WIDTH
-}  // namespace lanes128
+#define LANES_BODY "engine/moments_pass.inl"
+#include "engine/all_widths.inl"
 
 // From the lanes to the matrices. Without weights the products of the first axis serve all three.
 void PutTogether(const GatheredPoints& points, const MomentPass& pass, MomentSums& sums,

@@ -38,39 +38,8 @@ struct BlockPoints {
     }
 };
 
-#if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
-
-namespace lanes512 {
-#define LANES_TARGET __attribute__((target("avx512f")))
-#define LANES_WIDTH 8
-#define TILE 4
-#include "engine/normal_pass.inl"
-#undef LANES_TARGET
-#undef LANES_WIDTH
-#undef TILE
-}  // namespace lanes512
-
-namespace lanes256 {
-#define LANES_TARGET __attribute__((target("avx2")))
-#define LANES_WIDTH 4
-#define TILE 3
-#include "engine/normal_pass.inl"
-#undef LANES_TARGET
-#undef LANES_WIDTH
-#undef TILE
-}  // namespace lanes256
-
-#endif
-
-namespace lanes128 {
-#define LANES_TARGET
-#define LANES_WIDTH 2
-#define TILE 3
-#include "engine/normal_pass.inl"
-#undef LANES_TARGET
-#undef LANES_WIDTH
-#undef TILE
-}  // namespace lanes128
+#define LANES_BODY "engine/normal_pass.inl"
+#include "engine/all_widths.inl"
 
 }  // namespace
 

@@ -1,7 +1,14 @@
 // One pass over the points for one instruction set. Included once for each by normal_pass.cpp, which
-// says how many of the eight lanes one vector holds (LANES_WIDTH), which instructions may be used
-// (LANES_TARGET) and how large the tiles are that the registers hold (TILE). Nothing but speed depends
-// on these: each sum takes its points in the same lanes and the same order.
+// says how many of the eight lanes one vector holds (LANES_WIDTH) and which instructions may be used
+// (LANES_TARGET). Nothing but speed depends on these: each sum takes its points in the same lanes and the
+// same order.
+
+// How large the tiles are that the registers hold.
+#if LANES_WIDTH == 8
+#define TILE 4
+#else
+#define TILE 3
+#endif
 
 typedef double Vector __attribute__((vector_size(LANES_WIDTH * sizeof(double)), may_alias));
 
@@ -225,3 +232,5 @@ LANES_TARGET void Pass(const GatheredPoints& points, const FitModel& model, cons
 #undef READ
 #undef AT
 #undef LANES_INLINE
+
+#undef TILE
