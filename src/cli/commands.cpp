@@ -219,6 +219,22 @@ void AddMonteCarloOptions(CLI::App& fit, FitOptions& o) {
         ->needs(runs);
 }
 
+// What stands in place of points that fall on their targets.
+void AddRobotOptions(CLI::App& fit, FitOptions& o) {
+    const char* const group = "Model";
+    auto* distance = fit.add_flag("--r-dist", o.RDist,
+                                  "The transformed points need not fall on their targets: all lie at\n"
+                                  "the same distance from them, which floats")
+                         ->group(group);
+    fit.add_option("--poses", o.Poses,
+                   "The targets are robot poses: all points lie at the same tool\n"
+                   "vector from them, which floats. FILE has the orientations, a line\n"
+                   "a pose: name x y z a b c, angles in the angle unit")
+        ->type_name("FILE")
+        ->group(group)
+        ->excludes(distance);
+}
+
 // Where the iteration begins, and which way it goes. Names hold blanks and commas, so a value is never
 // followed by another one of the same option.
 void AddBeginOptions(CLI::App& fit, FitOptions& o) {
@@ -268,6 +284,7 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
     AddPointOptions(*fit, s);
     AddModelOptions(*fit, s.Options);
     AddBeginOptions(*fit, s.Options);
+    AddRobotOptions(*fit, s.Options);
     AddMonteCarloOptions(*fit, s.Options);
     AddOutputOptions(*fit, s);
     AddFormOptions(*fit, s.Options);

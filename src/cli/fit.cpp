@@ -27,7 +27,9 @@
 #include "engine/inverse.h"
 #include "engine/monte_carlo.h"
 #include "engine/noise.h"
+#include "engine/pose_file.h"
 #include "engine/solution_details.h"
+#include "engine/vector.h"
 #include "import/form_input_files.h"
 
 namespace {
@@ -146,6 +148,16 @@ std::string TooFewPairs(const FitOptions& options) {
            " mm; --tolerance changes it";
 }
 
+// A distance fit that begins too far away can leave for where all directions and so all distances are the
+// same. No true solution is a million times farther than the points are from their origins.
+bool RanAway() {
+    double largest = 1;
+    for (int i = 1; i <= Job.nIdent; ++i)
+        for (const Vec3& point : {StartPoint(i), TargetPoint(i)})
+            largest = std::max(largest, Hypot3(point(1), point(2), point(3)));
+    return Hypot3(Job.TraX, Job.TraY, Job.TraZ) > 1e6 * largest;
+}
+
 int Calculate(const FitOptions& options, std::ostream& err) {
     if (Job.nIdent < 2) return Refuse(err, kRefused, TooFewPairs(options));
     if (options.FromTarget) {
@@ -159,6 +171,7 @@ int Calculate(const FitOptions& options, std::ostream& err) {
     }
     WriteMessages(err);
     const int unknowns = CountUnknowns(Job.ParamText);
+    if (Calculation.Refused && ObservationsInUse() >= unknowns) return kRefused;  // a message has said why
     if (Calculation.Refused)
         return Refuse(err, kRefused,
                       std::to_string(ObservationsInUse()) + " observations in use, " +
@@ -167,6 +180,10 @@ int Calculate(const FitOptions& options, std::ostream& err) {
     if (!Calculation.Finite)
         return Refuse(err, kRefused,
                       "the result is not finite: the points do not determine these parameters");
+    if (options.RDist && RanAway())
+        return Refuse(
+            err, kRefused,
+            "the iteration ran away from the points; give start values near the truth with --start");
     if (options.MonteCarloRuns > 0 && !HasMonteCarlo(options))
         return Refuse(err, kNotConverged, "the Monte Carlo runs ended early: one of them did not converge");
     return Calculation.Converged ? kDone : kNotConverged;
@@ -195,6 +212,12 @@ int RunFit(const FitOptions& options, std::ostream& out, std::ostream& err, bool
     WriteMessages(err);
     const std::string wrong = SelectParameters(options);
     if (!wrong.empty()) return Refuse(err, kWrongUsage, wrong);
+    if (!options.Poses.empty()) {
+        // The unit of the angles has been said with --angle-unit, so nobody has to be warned of it.
+        Adjustment.AngleUnitsConfirmed = true;
+        if (!Dispatch([&options] { LoadPoses(options.Poses); }))
+            return Refuse(err, kUnreadable, Run.LastPlatformError);
+    }
     const int status = Calculate(options, err);
     if (showProgress) err << "\r\x1b[K" << std::flush;
     if (status == kRefused) return status;

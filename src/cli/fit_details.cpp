@@ -58,7 +58,7 @@ void WriteOrders(const SolutionDetails& details, const Style& style, std::ostrea
             rows.push_back({axes + " " + names[k]});
             for (const auto& angles : {details.Of(order).First, details.Of(order).Second}) {
                 const bool shown = GivesTheRotation(angles, axes, details.Rotation);
-                rows.back().push_back(shown ? ShownValue(ShownKind::Angle, angles[k]) : "-");
+                rows.back().push_back(shown ? ShownAs(ParameterKind::Angle, angles[k]) : "-");
                 leftOut |= !shown;
             }
         }
@@ -67,14 +67,14 @@ void WriteOrders(const SolutionDetails& details, const Style& style, std::ostrea
     for (const auto& row : rows) columns.MakeRoom(row);
     out << "\n" << style.Heading(columns.Line({"Rotation", "solution 1", "solution 2"})) << "  unit\n";
     for (const auto& row : rows)
-        out << columns.Line(row) << "  " << style.Quiet(UnitOf(ShownKind::Angle)) << "\n";
+        out << columns.Line(row) << "  " << style.Quiet(UnitOf(ParameterKind::Angle)) << "\n";
     if (leftOut) out << style.Quiet("(-: gimbal lock, no angles were found)") << "\n";
 }
 
 void WriteQuaternion(const SolutionDetails& details, const Style& style, std::ostream& out) {
-    const std::string unit = "  " + style.Quiet(UnitOf(ShownKind::Angle));
+    const std::string unit = "  " + style.Quiet(UnitOf(ParameterKind::Angle));
     const auto angle = [&unit](const char* name, double value_rad) {
-        return std::pair{std::vector<std::string>{name, ShownValue(ShownKind::Angle, value_rad)}, unit};
+        return std::pair{std::vector<std::string>{name, ShownAs(ParameterKind::Angle, value_rad)}, unit};
     };
     const auto number = [](const char* name, double value) {
         return std::pair{std::vector<std::string>{name, Element(value)}, std::string()};

@@ -7,6 +7,7 @@
 
 #include "cli/fit_details.h"
 #include "cli/fit_output.h"
+#include "cli/fit_parameters.h"
 #include "cli/fit_selection.h"
 #include "core/controller.h"
 #include "core/job.h"
@@ -33,27 +34,28 @@ ordered_json Triple(const double (&values)[3]) {
     return {values[0], values[1], values[2]};
 }
 
+const char* InternalUnitOf(ParameterKind kind) {
+    if (kind == ParameterKind::Length) return "mm";
+    return kind == ParameterKind::Angle ? "rad" : "";
+}
+
+// The thirteen of the chain, and behind them those of the distance or the tool model where one is used.
 ordered_json Parameters() {
     ordered_json list = ordered_json::array();
-    for (int k = 1; k <= kAngleZtoXY; ++k) {
+    for (int k = 1; k < kParameterEnd; ++k) {
         const auto index = static_cast<std::size_t>(k);
         const std::string& text = Job.ParamText[index];
-        const bool angle = (k >= kRotX && k <= kRotZ) || k >= kAngleXY;
-        const bool length = k <= kTraZ;
-        const double factor = angle ? Units.AngleFactor : length ? Units.LengthFactor : 1;
+        if (k >= kRDist && text == kNotUsed) continue;
+        const ParameterKind kind = KindOf(k);
         const double value = ParameterValue(Job, k);
         ordered_json parameter = {{"name", HeldParameterName(k)},
                                   {"state", text == kFloat     ? "float"
                                             : text == kNotUsed ? "not used"
                                                                : "held"},
                                   {"value", value},
-                                  {"unit", angle    ? "rad"
-                                           : length ? "mm"
-                                                    : ""},
-                                  {"shown", value * factor},
-                                  {"shownUnit", angle    ? Job.AngleUnitName
-                                                : length ? Job.LengthUnitName
-                                                         : ""}};
+                                  {"unit", InternalUnitOf(kind)},
+                                  {"shown", value * FactorOf(kind)},
+                                  {"shownUnit", UnitOf(kind)}};
         if (text == kFloat) {
             parameter["sigma"] = Calculation.Sigma[index];
             parameter["significance"] = Calculation.Significance[index];
@@ -110,15 +112,12 @@ ordered_json InverseOfTheFit() {
 
 ordered_json MonteCarloOfTheFit(const FitOptions& options) {
     ordered_json parameters = ordered_json::array();
-    for (int k = 1; k <= kAngleZtoXY; ++k) {
+    for (int k = 1; k < kParameterEnd; ++k) {
         const auto index = static_cast<std::size_t>(k);
         if (Job.ParamText[index] != kFloat) continue;
         const std::span<const double> values = MonteCarloArray(k);
-        const bool angle = (k >= kRotX && k <= kRotZ) || k >= kAngleXY;
         parameters.push_back({{"name", HeldParameterName(k)},
-                              {"unit", angle        ? "rad"
-                                       : k <= kTraZ ? "mm"
-                                                    : ""},
+                              {"unit", InternalUnitOf(KindOf(k))},
                               {"mean", MeanOfArray(values)},
                               {"spread", SigmaOfArray(values)},
                               {"sigma", Calculation.Sigma[index]}});

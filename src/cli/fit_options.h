@@ -16,6 +16,8 @@ struct FitOptions {
     int OnlyFirst = 0;             // matching by distance looks at the first so many target points; 0 = all
     std::string Parameters = "6";  // level, 6, 7, 9, 12
     std::string Norm = "l2";       // l1, l2, loo, l1-exact, minimax
+    bool RDist = false;            // the distance model: points lie at one distance from their targets
+    std::string Poses;             // file of the target poses' orientations for the tool model; "" = none
     int MonteCarloRuns = 0;        // 0 = none
     std::array<double, 3> Noise_mm{};      // standard deviation of the start points for Monte Carlo, by axis
     std::uint32_t Seed = 0;                // of its random numbers

@@ -13,37 +13,35 @@ namespace {
 struct Row {
     int Parameter;
     const char* Name;
-    ShownKind Is;
 };
-constexpr std::array<Row, 13> kRows = {{{kTraX, "Tra x", ShownKind::Length},
-                                        {kTraY, "Tra y", ShownKind::Length},
-                                        {kTraZ, "Tra z", ShownKind::Length},
-                                        {kRotX, "Rot x", ShownKind::Angle},
-                                        {kRotY, "Rot y", ShownKind::Angle},
-                                        {kRotZ, "Rot z", ShownKind::Angle},
-                                        {kScaleXYZ, "Scale xyz", ShownKind::Scale},
-                                        {kScaleX, "Scale x", ShownKind::Scale},
-                                        {kScaleY, "Scale y", ShownKind::Scale},
-                                        {kScaleZ, "Scale z", ShownKind::Scale},
-                                        {kAngleXY, "xy", ShownKind::Angle},
-                                        {kAzimuth, "Azimuth", ShownKind::Angle},
-                                        {kAngleZtoXY, "z to xy", ShownKind::Angle}}};
+constexpr std::array<Row, 17> kRows = {{{kTraX, "Tra x"},
+                                        {kTraY, "Tra y"},
+                                        {kTraZ, "Tra z"},
+                                        {kRotX, "Rot x"},
+                                        {kRotY, "Rot y"},
+                                        {kRotZ, "Rot z"},
+                                        {kScaleXYZ, "Scale xyz"},
+                                        {kScaleX, "Scale x"},
+                                        {kScaleY, "Scale y"},
+                                        {kScaleZ, "Scale z"},
+                                        {kAngleXY, "xy"},
+                                        {kAzimuth, "Azimuth"},
+                                        {kAngleZtoXY, "z to xy"},
+                                        {kRDist, "R Dist"},
+                                        {kRvecX, "R vec x"},
+                                        {kRvecY, "R vec y"},
+                                        {kRvecZ, "R vec z"}}};
 
 }  // namespace
 
-std::string ShownValue(ShownKind kind, double value) {
-    if (kind == ShownKind::Length) return ShownLength(value);
-    return kind == ShownKind::Angle ? WinkelFormat(value) : FormatNumber(value, Units.FmtScale);
+std::string UnitOf(ParameterKind kind) {
+    if (kind == ParameterKind::Length) return Job.LengthUnitName;
+    return kind == ParameterKind::Angle ? Job.AngleUnitName : "";
 }
 
-std::string UnitOf(ShownKind kind) {
-    if (kind == ShownKind::Length) return Job.LengthUnitName;
-    return kind == ShownKind::Angle ? Job.AngleUnitName : "";
-}
-
-double FactorOf(ShownKind kind) {
-    if (kind == ShownKind::Length) return Units.LengthFactor;
-    return kind == ShownKind::Angle ? Units.AngleFactor : 1;
+double FactorOf(ParameterKind kind) {
+    if (kind == ParameterKind::Length) return Units.LengthFactor;
+    return kind == ParameterKind::Angle ? Units.AngleFactor : 1;
 }
 
 std::vector<ShownParameter> ShownParameters() {
@@ -52,10 +50,11 @@ std::vector<ShownParameter> ShownParameters() {
         const auto index = static_cast<std::size_t>(row.Parameter);
         if (Job.ParamText[index] == kNotUsed) continue;
         const bool floats = Job.ParamText[index] == kFloat;
-        shown.push_back(
-            {row.Parameter, row.Is, row.Name, ShownValue(row.Is, ParameterValue(Job, row.Parameter)),
-             floats ? ShownValue(row.Is, Calculation.Sigma[index]) : "-",
-             floats ? FormatNumber(Calculation.Significance[index], "0.0") : "held", UnitOf(row.Is), floats});
+        const ParameterKind is = KindOf(row.Parameter);
+        shown.push_back({row.Parameter, is, row.Name, ShownAs(is, ParameterValue(Job, row.Parameter)),
+                         floats ? ShownAs(is, Calculation.Sigma[index]) : "-",
+                         floats ? FormatNumber(Calculation.Significance[index], "0.0") : "held", UnitOf(is),
+                         floats});
     }
     return shown;
 }

@@ -4,14 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "engine/parameter_kind.h"  // ShownLength
-
-// What a parameter is measured in.
-enum class ShownKind { Length, Angle, Scale };
+#include "engine/parameter_kind.h"
 
 struct ShownParameter {
     int Number;
-    ShownKind Is;
+    ParameterKind Is;
     std::string Name;
     std::string Value, Sigma, Significance;  // "-" and "held" for a parameter that does not float
     std::string Unit;
@@ -21,8 +18,6 @@ struct ShownParameter {
 // All parameters that are used, in the order in which people read them.
 std::vector<ShownParameter> ShownParameters();
 
-// A value of one of the three kinds in the unit and format in use, and that unit's name.
-std::string ShownValue(ShownKind kind, double value);
-std::string UnitOf(ShownKind kind);
-
-double FactorOf(ShownKind kind);  // from mm and rad to that unit
+// The unit in which a kind is shown, and the factor from mm and rad to it.
+std::string UnitOf(ParameterKind kind);
+double FactorOf(ParameterKind kind);

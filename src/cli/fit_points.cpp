@@ -6,12 +6,26 @@
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/refresh.h"
+#include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/matrix.h"
 #include "engine/monte_carlo.h"
+#include "engine/selection.h"
 #include "engine/transform.h"
+#include "engine/vector.h"
+
+namespace {
+
+// Of the way between two points, the share that is more (or less) than R_Dist.
+double ShareBeyondDistance(const Vec3& a, const Vec3& b) {
+    const double length = Hypot3(a(1) - b(1), a(2) - b(2), a(3) - b(3));
+    return length > 0 ? 1 - Job.RDist / length : 0;
+}
+
+}  // namespace
 
 std::vector<FitPoint> FitPoints() {
+    const bool distance = Adjustment.Model.Mode == FitMode::Distance;
     std::vector<FitPoint> points;
     points.reserve(static_cast<std::size_t>(Job.nIdent));
     for (int i = 1; i <= Job.nIdent; ++i) {
@@ -21,14 +35,17 @@ std::vector<FitPoint> FitPoints() {
         const Vec3 start = StartPoint(i);
         const Vec3 target = TargetPoint(i);
         const Vec3 transformed(Job.TMCS_X[k].value_or(0), Job.TMCS_Y[k].value_or(0), Job.TMCS_Z[k]);
+        const double share = ShareBeyondDistance(transformed, target);
         double squares = 0;
         for (int axis = 0; axis < 3; ++axis) {
             point.Start[axis] = start(axis + 1);
             point.Target[axis] = target(axis + 1);
             point.Transformed[axis] = transformed(axis + 1);
-            // The residual of the adjustment: the difference of the two coordinates would cost its digits.
+            // The residual of the adjustment: the difference of the two coordinates would cost its digits. In
+            // the distance model the way to the target, less what of it is the distance.
             const auto row = 3 * (k - 1) + static_cast<std::size_t>(axis) + 1;
-            point.Deviation[axis] = Calculation.v[row];
+            point.Deviation[axis] =
+                distance ? share * (transformed(axis + 1) - target(axis + 1)) : Calculation.v[row];
             point.Used[axis] = Job.UseFlags[row] != 0;
             squares += point.Deviation[axis] * point.Deviation[axis];
         }
@@ -59,6 +76,12 @@ FitNorms NormsOfDeviations(const std::vector<FitPoint>& points) {
 }
 
 int ObservationsInUse() {
+    // A distance is one observation of the whole point, which takes part as its Z does.
+    if (Selection.CheckRDist) {
+        int points = 0;
+        for (std::size_t i = 3; i < Job.UseFlags.size(); i += 3) points += Job.UseFlags[i] != 0;
+        return points;
+    }
     return static_cast<int>(
         std::count(Job.UseFlags.begin() + 1, Job.UseFlags.begin() + 1 + 3 * Job.nIdent, 1));
 }

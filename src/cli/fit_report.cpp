@@ -174,8 +174,8 @@ std::string MonteCarloPlots(const FitOptions& options) {
     };
     for (const ShownParameter& p : ShownParameters())
         if (p.Floats)
-            plot(p.Name + ": spread " + ShownValue(p.Is, SigmaOfArray(MonteCarloArray(p.Number))) +
-                     ", sigma " + p.Sigma,
+            plot(p.Name + ": spread " + ShownAs(p.Is, SigmaOfArray(MonteCarloArray(p.Number))) + ", sigma " +
+                     p.Sigma,
                  p.Number, FactorOf(p.Is), p.Unit);
     plot("mean error xyz: spread " + ShownLength(SigmaOfArray(MonteCarloArray(kSigmaXYZ))), kSigmaXYZ,
          Units.LengthFactor, Job.LengthUnitName);

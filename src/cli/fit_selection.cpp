@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <limits>
+#include <span>
 #include <vector>
 
 #include "core/job.h"
@@ -20,9 +21,11 @@
 
 namespace {
 
-constexpr std::array<const char*, 14> kNames = {"",         "trax", "tray",    "traz",   "rotx",
-                                                "roty",     "rotz", "scalex",  "scaley", "scalez",
-                                                "scalexyz", "xy",   "azimuth", "ztoxy"};
+constexpr std::array<const char*, kParameterEnd> kNames = {
+    "",       "trax",     "tray", "traz",    "rotx",  "roty",  "rotz",  "scalex", "scaley",
+    "scalez", "scalexyz", "xy",   "azimuth", "ztoxy", "rdist", "rvecx", "rvecy",  "rvecz"};
+// Those of the chain, which a value can be given for.
+constexpr std::span<const char* const> kChain(kNames.data(), kAngleZtoXY + 1);
 
 std::string& ParamText(int parameter) {
     return Job.ParamText[static_cast<std::size_t>(parameter)];
@@ -36,15 +39,15 @@ std::string NameAndValue(const std::string& option, const std::string& text, int
     if (equals == std::string::npos)
         return option + " takes a name and a value, as rotz=0: \"" + Printable(text) + "\"";
     const std::string name = UpperAscii(text.substr(0, equals));
-    const auto found = std::find_if(kNames.begin() + 1, kNames.end(),
+    const auto found = std::find_if(kChain.begin() + 1, kChain.end(),
                                     [&name](const char* known) { return UpperAscii(known) == name; });
-    if (found == kNames.end()) {
+    if (found == kChain.end()) {
         std::string known;
-        for (std::size_t i = 1; i < kNames.size(); ++i) known += std::string(i == 1 ? "" : ", ") + kNames[i];
+        for (std::size_t i = 1; i < kChain.size(); ++i) known += std::string(i == 1 ? "" : ", ") + kChain[i];
         return option + ": there is no parameter \"" + Printable(text.substr(0, equals)) + "\"; there are " +
                known;
     }
-    parameter = static_cast<int>(found - kNames.begin());
+    parameter = static_cast<int>(found - kChain.begin());
     value = text.substr(equals + 1);
     double number = 0;
     try {
@@ -176,6 +179,12 @@ std::string SelectParameters(const FitOptions& options) {
     for (const std::string& hold : options.Hold) {
         const std::string wrong = HoldParameter(hold);
         if (!wrong.empty()) return wrong;
+    }
+    if (options.RDist && options.Poses.empty()) ParamText(kRDist) = kFloat;
+    if (!options.Poses.empty()) {
+        if (options.Norm != "l2" || options.FromTarget)
+            return "--poses goes with --norm l2 and --direction mcs-ocs alone";
+        for (const int part : {kRvecX, kRvecY, kRvecZ}) ParamText(part) = kFloat;
     }
     SelectionFromJob();
     std::fill(Job.UseFlags.begin() + 1, Job.UseFlags.end(), std::int16_t{1});

@@ -78,7 +78,7 @@ void WriteMonteCarlo(const FitOptions& options, const Style& style, std::ostream
     std::vector<std::string> units;
     for (const ShownParameter& p : ShownParameters()) {
         if (!p.Floats) continue;
-        rows.push_back({p.Name, ShownValue(p.Is, SigmaOfArray(MonteCarloArray(p.Number))), p.Sigma});
+        rows.push_back({p.Name, ShownAs(p.Is, SigmaOfArray(MonteCarloArray(p.Number))), p.Sigma});
         units.push_back(p.Unit);
     }
     rows.push_back({"mean error", ShownLength(SigmaOfArray(MonteCarloArray(kSigmaXYZ))), "-"});
@@ -100,21 +100,21 @@ void WriteSolutions(int first, int last, const Style& style, std::ostream& out) 
     struct Line {
         int Column;
         const char* Name;
-        ShownKind Is;
+        ParameterKind Is;
     };
-    constexpr std::array<Line, 9> lines = {{{1, "rot x", ShownKind::Angle},
-                                            {2, "rot y", ShownKind::Angle},
-                                            {3, "rot z", ShownKind::Angle},
-                                            {4, "scale x", ShownKind::Scale},
-                                            {5, "scale y", ShownKind::Scale},
-                                            {6, "scale z", ShownKind::Scale},
-                                            {7, "xy", ShownKind::Angle},
-                                            {8, "Azimuth", ShownKind::Angle},
-                                            {9, "z to xy", ShownKind::Angle}}};
+    constexpr std::array<Line, 9> lines = {{{1, "rot x", ParameterKind::Angle},
+                                            {2, "rot y", ParameterKind::Angle},
+                                            {3, "rot z", ParameterKind::Angle},
+                                            {4, "scale x", ParameterKind::Scale},
+                                            {5, "scale y", ParameterKind::Scale},
+                                            {6, "scale z", ParameterKind::Scale},
+                                            {7, "xy", ParameterKind::Angle},
+                                            {8, "Azimuth", ParameterKind::Angle},
+                                            {9, "z to xy", ParameterKind::Angle}}};
     const auto cells = [first, last](const Line& line) {
         std::vector<std::string> texts = {line.Name};
         for (int i = first; i <= last; ++i)
-            texts.push_back(ShownValue(line.Is, Inverse.InvSolutions(i, line.Column)));
+            texts.push_back(ShownAs(line.Is, Inverse.InvSolutions(i, line.Column)));
         return texts;
     };
     std::vector<std::string> head = {""};

@@ -1,4 +1,6 @@
 // The orientations of the poses, for jobs whose target points came without them.
+#include "engine/pose_file.h"
+
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -84,14 +86,8 @@ std::vector<PoseLine> ReadPoses(const std::string& path) {
 
 }  // namespace
 
-// Every pair gets a pose, or nothing is changed.
-void FormTrafoBerechnung::BtnLoadRData_Click() {
-    const std::optional<std::string> path = AskOpenFile(
-        {"Points with orientation: x y z a b c", "Text files|*.txt;*.dat;*.csv|All files|*.*", "", ""});
-    if (!path) return;
-    const std::uint64_t generation = Run.JobGeneration;
-    const std::vector<PoseLine> poses = ReadPoses(*path);
-    if (Run.JobGeneration != generation) return;
+void LoadPoses(const std::string& path) {
+    const std::vector<PoseLine> poses = ReadPoses(path);
     Matrix robot(Job.nIdent, 3);
     std::vector<bool> known(static_cast<std::size_t>(Job.nIdent) + 1);
     const auto pairs = PairsByName();
@@ -107,8 +103,15 @@ void FormTrafoBerechnung::BtnLoadRData_Click() {
     }
     for (int i = 1; i <= Job.nIdent; ++i)
         if (!known[static_cast<std::size_t>(i)])
-            throw PlatformError{*path + ": there is no pose for the identical point \"" +
+            throw PlatformError{path + ": there is no pose for the identical point \"" +
                                 Printable(Job.MCS_Name[static_cast<std::size_t>(i)]) + "\""};
     Job.RobotABC = std::move(robot);
     Run.JobDirty = kTrue;
+}
+
+void FormTrafoBerechnung::BtnLoadRData_Click() {
+    const std::uint64_t generation = Run.JobGeneration;
+    const std::optional<std::string> path = AskOpenFile(
+        {"Points with orientation: x y z a b c", "Text files|*.txt;*.dat;*.csv|All files|*.*", "", ""});
+    if (path && Run.JobGeneration == generation) LoadPoses(*path);
 }
