@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <ostream>
 
+#include "cli/csv.h"
 #include "cli/fit_details.h"
 #include "cli/fit_output.h"
 #include "cli/fit_parameters.h"
@@ -211,18 +212,11 @@ void WriteFitTable(const FitOptions& options, const SolutionDetails* details, st
 }
 
 void WriteFitCsv(const FitOptions&, std::ostream& out) {
-    // Names may hold the delimiter or quotes, so they are quoted where needed, as spreadsheets read it.
-    const auto quoted = [](const std::string& text) {
-        if (text.find_first_of(";\"\r\n") == std::string::npos) return text;
-        std::string result = "\"";
-        for (const char c : text) result += c == '"' ? std::string("\"\"") : std::string(1, c);
-        return result + "\"";
-    };
     const auto number = [](double value_mm) { return PlainText(value_mm * Units.LengthFactor); };
     out << "name;start_x;start_y;start_z;target_x;target_y;target_z;transformed_x;transformed_y;transformed_z;"
            "dx;dy;dz;d3;use_x;use_y;use_z\r\n";
     for (const FitPoint& point : FitPoints()) {
-        out << quoted(point.Name);
+        out << CsvText(point.Name);
         for (const auto* triple : {point.Start, point.Target, point.Transformed, point.Deviation})
             for (int axis = 0; axis < 3; ++axis) out << ';' << number(triple[axis]);
         out << ';' << number(point.Deviation3D);

@@ -18,6 +18,9 @@ void MenuFileSaveAs_Command();
 
 // --- import/ ----------------------------------------------------------------------------------------------
 void ClipboardRoundTrip();  // the menu entry "&Spezial"
+// Sizes TMCS_*, RVec* and UseFlags (whose content stays) from the counts and fills TMCS_* with the start
+// points. A job that the calculation window has marked as switched is switched again.
+void IdentischePkte_Neu();
 
 // --- engine/ ----------------------------------------------------------------------------------------------
 void myButtonCalculate();  // one whole calculation with the present selection of parameters
