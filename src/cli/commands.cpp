@@ -274,18 +274,26 @@ void AddFormOptions(CLI::App& fit, FitOptions& o) {
         ->excludes(fit.get_option("--csv"));
 }
 
-// A job has points, units and direction of its own.
-void AddJobOptions(CLI::App& fit, FitOptions& o) {
-    const char* const group = "Job";
-    auto* job = fit.add_option("--job", o.Job,
-                               "Fit the points of a job, with its parameters, held values, norm,\n"
-                               "seed points and units, instead of START and TARGET; what other\n"
-                               "options say of these goes before")
-                    ->type_name("FILE.cvn")
-                    ->group(group);
+// What a job has of its own. (Told as what the option excludes it would make a very long line of the help.)
+std::string CheckJobOptions(const FitOptions& o) {
+    if (o.Job.empty())
+        return o.Start.empty() || o.Target.empty() ? "fit takes START and TARGET, or --job FILE.cvn" : "";
     for (const char* option : {"START", "TARGET", "--match", "--tolerance", "--only-first", "--delimiter",
                                "--length-unit", "--angle-unit", "--digits", "--angle-digits", "--direction"})
-        job->excludes(fit.get_option(option));
+        if (o.IsGiven(option))
+            return std::string("--job brings points, units and direction of its own: ") + option +
+                   " does not go with it";
+    return "";
+}
+
+void AddJobOptions(CLI::App& fit, FitOptions& o) {
+    const char* const group = "Job";
+    fit.add_option("--job", o.Job,
+                   "Fit the points of a job, with its parameters, held values, norm,\n"
+                   "seed points and units, instead of START and TARGET; what other\n"
+                   "options say of these goes before")
+        ->type_name("FILE.cvn")
+        ->group(group);
     fit.add_option("--save", o.Save, "Also write a job with the points, all choices and the result")
         ->type_name("FILE.cvn")
         ->check([](const std::string& path) {
@@ -395,8 +403,9 @@ bool ColourWanted() {
 int Fit(FitSwitches& s, std::ostream& out, std::ostream& err, bool terminal, bool progress) {
     s.Options.Decimal = DecimalOf(s.Decimal);
     if (s.Yes || s.No) s.Options.Questions = s.Yes;
-    if (s.Options.Job.empty() && (s.Options.Start.empty() || s.Options.Target.empty())) {
-        err << "fit takes START and TARGET, or --job FILE.cvn\n";
+    const std::string wrong = CheckJobOptions(s.Options);
+    if (!wrong.empty()) {
+        err << wrong << "\n";
         return kWrongUsage;
     }
     s.Options.Output = s.Json ? FitOutput::Json : s.Csv ? FitOutput::Csv : FitOutput::Table;

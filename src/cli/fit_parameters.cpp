@@ -34,12 +34,12 @@ constexpr std::array<Row, 17> kRows = {{{kTraX, "Tra x"},
                                         {kRvecY, "R vec y"},
                                         {kRvecZ, "R vec z"}}};
 
+}  // namespace
+
 const char* InternalUnitOf(ParameterKind kind) {
     if (kind == ParameterKind::Length) return "mm";
     return kind == ParameterKind::Angle ? "rad" : "";
 }
-
-}  // namespace
 
 std::string UnitOf(ParameterKind kind) {
     if (kind == ParameterKind::Length) return Job.LengthUnitName;

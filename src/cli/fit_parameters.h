@@ -22,6 +22,7 @@ std::vector<ShownParameter> ShownParameters();
 // The unit in which a kind is shown, and the factor from mm and rad to it.
 std::string UnitOf(ParameterKind kind);
 double FactorOf(ParameterKind kind);
+const char* InternalUnitOf(ParameterKind kind);  // "mm", "rad" or ""
 
 // A parameter 1 to 17 for programs: name, state, value in mm and rad, and the same in the units in use.
 nlohmann::ordered_json ParameterAsJson(int parameter);

@@ -24,15 +24,6 @@
 
 namespace {
 
-// Longer names and paths are cut: a table is to be read, and the other outputs hold them whole.
-constexpr int kLongestName = 40;
-constexpr int kLongestPath = 200;
-
-// The label of a line of the head, up to where its text begins.
-std::string Label(const std::string& text) {
-    return TextColumns{{14}}.Line({text});
-}
-
 // How much less the sum or the largest deviation could be at most.
 std::string DistanceFromOptimum() {
     const std::string what = Job.NormType == 1 ? "sum" : "largest deviation";
@@ -45,18 +36,20 @@ std::string DistanceFromOptimum() {
 void WriteHead(const FitOptions& options, const Style& style, std::ostream& out) {
     const auto& c = Calculation;
     out << style.Heading("Corvinade " + ProgramVersion()) << "  least-squares 3D transformation\n\n";
-    out << Label("start") << ForTable(options.Start, kLongestPath) << "  (" << Job.nMCS << " points)\n";
-    out << Label("target") << ForTable(options.Target, kLongestPath) << "  (" << Job.nOCS << " points)\n";
-    if (options.FromTarget) out << Label("direction") << StartSystem() << " => " << TargetSystem() << "\n";
-    out << Label("pairs") << Job.nIdent << " by " << options.Match;
+    out << HeadLabel("start") << ForTable(options.Start, kLongestPath) << "  (" << Job.nMCS << " points)\n";
+    out << HeadLabel("target") << ForTable(options.Target, kLongestPath) << "  (" << Job.nOCS << " points)\n";
+    if (options.FromTarget)
+        out << HeadLabel("direction") << StartSystem() << " => " << TargetSystem() << "\n";
+    out << HeadLabel("pairs") << Job.nIdent << " by " << options.Match;
     if (Job.nMCSOnly > 0) out << ", " << Job.nMCSOnly << " only in start";
     if (Job.nOCSOnly > 0) out << ", " << Job.nOCSOnly << " only in target";
-    out << "\n" << Label("observations") << ObservationsInUse() << " in use, " << c.nFloat << " unknowns\n";
+    out << "\n"
+        << HeadLabel("observations") << ObservationsInUse() << " in use, " << c.nFloat << " unknowns\n";
     if (Norm.Iterations > 0)
-        out << Label("norm") << (Job.NormType == 1 ? "L1" : "L-infinity") << ", " << Norm.Iterations
+        out << HeadLabel("norm") << (Job.NormType == 1 ? "L1" : "L-infinity") << ", " << Norm.Iterations
             << " weightings\n";
-    if (Norm.RunOn) out << Label("optimum") << DistanceFromOptimum() << "\n";
-    out << Label("iterations") << Adjustment.Iterations;
+    if (Norm.RunOn) out << HeadLabel("optimum") << DistanceFromOptimum() << "\n";
+    out << HeadLabel("iterations") << Adjustment.Iterations;
     if (!c.Converged) out << "  " << style.Alarm("convergence not reached");
     out << "\n";
 }

@@ -14,6 +14,7 @@
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/records.h"
+#include "core/text.h"
 #include "core/units.h"
 
 using nlohmann::ordered_json;
@@ -25,12 +26,6 @@ constexpr int kSchemaVersion = 1;
 
 // A list of names in a table goes no further than this.
 constexpr std::size_t kMostNames = 12;
-constexpr int kLongestName = 40;
-constexpr int kLongestPath = 200;
-
-std::string Label(const std::string& text) {
-    return TextColumns{{14}}.Line({text});
-}
 
 const char* NormName() {
     return Job.NormType == 1 ? "L1" : Job.NormType == 3 ? "L-infinity" : "L2";
@@ -79,7 +74,8 @@ std::string Digits(int digits) {
 }
 
 void WritePoints(std::ostream& out) {
-    out << Label("points") << Job.nMCS << " start, " << Job.nOCS << " target, " << Job.nIdent << " identical";
+    out << HeadLabel("points") << Job.nMCS << " start, " << Job.nOCS << " target, " << Job.nIdent
+        << " identical";
     if (Job.nMCSOnly > 0) out << ", " << Job.nMCSOnly << " only in start";
     if (Job.nOCSOnly > 0) out << ", " << Job.nOCSOnly << " only in target";
     out << "\n";
@@ -92,8 +88,8 @@ void WritePoints(std::ostream& out) {
         const std::string& name = Job.MCS_Name[static_cast<std::size_t>(pair)];
         leftOut.push_back(letters.size() == 3 ? name : name + ":" + letters);
     }
-    out << Label("in use") << used << " of " << 3 * Job.nIdent << " coordinates\n";
-    if (!leftOut.empty()) out << Label("left out") << Joined(leftOut) << "\n";
+    out << HeadLabel("in use") << used << " of " << 3 * Job.nIdent << " coordinates\n";
+    if (!leftOut.empty()) out << HeadLabel("left out") << Joined(leftOut) << "\n";
 }
 
 void WriteParameters(const Style& style, std::ostream& out) {
@@ -150,20 +146,20 @@ ordered_json Summary(const JobFileFacts& file) {
 void WriteJobTable(const JobFileFacts& file, std::ostream& out, bool colour) {
     const Style style{colour};
     out << style.Heading("Corvinade job") << "  " << ForTable(file.Path, kLongestPath) << "\n\n";
-    out << Label("file") << "version " << Printable(file.Version) << ", " << file.Bytes << " bytes\n";
-    out << Label("start") << ForTable(Job.NameMCS, kLongestName) << "  "
+    out << HeadLabel("file") << "version " << Printable(file.Version) << ", " << file.Bytes << " bytes\n";
+    out << HeadLabel("start") << ForTable(Job.NameMCS, kLongestName) << "  "
         << style.Quiet(ForTable(Job.PathMCS, kLongestPath)) << "\n";
-    out << Label("target") << ForTable(Job.NameOCS, kLongestName) << "  "
+    out << HeadLabel("target") << ForTable(Job.NameOCS, kLongestName) << "  "
         << style.Quiet(ForTable(Job.PathOCS, kLongestPath)) << "\n";
-    if (!TargetKind().empty()) out << Label("target kind") << TargetKind() << "\n";
+    if (!TargetKind().empty()) out << HeadLabel("target kind") << TargetKind() << "\n";
     WritePoints(out);
-    out << Label("units") << Printable(Job.LengthUnitName) << Digits(Job.LengthDigits) << ", "
+    out << HeadLabel("units") << Printable(Job.LengthUnitName) << Digits(Job.LengthDigits) << ", "
         << Printable(Job.AngleUnitName) << Digits(Job.AngleDigits) << "\n";
-    out << Label("fit") << NormName() << ", " << (IsTrue(Job.DirectionMCStoOCS) ? "MCS => OCS" : "OCS => MCS")
-        << "\n";
-    if (!SeedNames().empty()) out << Label("seed points") << Joined(SeedNames()) << "\n";
+    out << HeadLabel("fit") << NormName() << ", "
+        << (IsTrue(Job.DirectionMCStoOCS) ? "MCS => OCS" : "OCS => MCS") << "\n";
+    if (!SeedNames().empty()) out << HeadLabel("seed points") << Joined(SeedNames()) << "\n";
     if (!file.Views.empty())
-        out << Label("saved views") << file.Views.size() << ": " << Joined(file.Views) << "\n";
+        out << HeadLabel("saved views") << file.Views.size() << ": " << Joined(file.Views) << "\n";
     WriteParameters(style, out);
 }
 

@@ -4,6 +4,7 @@
 
 #include "cli/headless.h"
 #include "core/job.h"
+#include "core/refresh.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "import/matching.h"
