@@ -13,9 +13,7 @@ namespace {
 }  // namespace
 
 void JobChanged() {}
-void OpenFile(const std::string&) {
-    Missing("open job files");
-}
+void LogikLastFileEXIT() {}
 void OpenLastProjekt(const std::string&) {
     Missing("open job files");
 }
