@@ -12,10 +12,6 @@ namespace {
 
 }  // namespace
 
-void OpenFile(const std::string&) {
-    Missing("open job files");
-}
-
 void EinlesenKUKAdatDatei() {
     Missing("read robot programs");
 }

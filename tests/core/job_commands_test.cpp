@@ -407,6 +407,19 @@ TEST_F(JobCommands, ARecentEntryOfAMissingFileLeavesTheProgramWithoutData) {
     EXPECT_EQ(Job.nMCS, 0);
 }
 
+TEST_F(JobCommands, AJobThatCannotBeReadIsNotTheOneThatIsSavedLater) {
+    const std::string bytes = Contents(Saved("good.cvn"));
+    const std::string damaged = Write("damaged.cvn", bytes.substr(0, bytes.size() / 2));
+    Answer("open", damaged);
+    UserClick(Main.MenuFileOpen);
+    EXPECT_EQ(Messages().size(), 1u);
+    EXPECT_EQ(Run.JobFilePath, kDefaultJobPath);
+    EXPECT_EQ(Main.Window.Caption, TitleText(kDefaultJobPath));
+    EXPECT_EQ(Run.JobDataValid, kFalse);
+    EXPECT_EQ(Run.WaitPointers, 0);
+    EXPECT_EQ(Contents(damaged), bytes.substr(0, bytes.size() / 2));
+}
+
 TEST_F(JobCommands, AnEmptyRecentEntryOpensNothing) {
     UserClick(Main.MenüDateiAlt4);
     EXPECT_EQ(Run.JobDataValid, kTrue);
