@@ -12,26 +12,6 @@ namespace {
 
 }  // namespace
 
-void JobChanged() {}
-void OpenFile(const std::string&) {
-    Missing("open job files");
-}
-void OpenLastProjekt(const std::string&) {
-    Missing("open job files");
-}
-void MenuFileNew_Command() {
-    Missing("begin a new job");
-}
-void MenuFileOpen_Command() {
-    Missing("open job files");
-}
-void MenuFileSave_Command() {
-    Missing("save job files");
-}
-void MenuFileSaveAs_Command() {
-    Missing("save job files");
-}
-
 void EinlesenKUKAdatDatei() {
     Missing("read robot programs");
 }

@@ -34,11 +34,6 @@ const WindowEntry* const kWindows[] = {
     &FormOptions_Entry,     &FormTrafoBerechnung_Entry, &FormTrafoDetails_Entry,
 };
 
-const std::span<const RecordEntry> kRecordTables[] = {
-    CoreRecords(),
-    EngineRecords(),
-};
-
 // Windows are records too; they are reset by way of their own table.
 void (*const kRecords[])() = {
     [] { Job = JobRecord{}; },
@@ -64,7 +59,8 @@ std::span<const WindowEntry* const> AllWindows() {
 }
 
 std::span<const std::span<const RecordEntry>> AllRecords() {
-    return kRecordTables;
+    static const std::span<const RecordEntry> kTables[] = {CoreRecords(), EngineRecords()};
+    return kTables;
 }
 
 void FreshStart() {

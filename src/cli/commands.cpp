@@ -7,6 +7,7 @@
 #include "cli/automate.h"
 #include "cli/fit.h"
 #include "cli/headless.h"
+#include "cli/job_files.h"
 #include "core/controller.h"
 #include "core/numbers.h"
 #include "core/platform.h"
@@ -273,14 +274,39 @@ void AddFormOptions(CLI::App& fit, FitOptions& o) {
         ->excludes(fit.get_option("--csv"));
 }
 
+// What a job has of its own. (Told as what the option excludes it would make a very long line of the help.)
+std::string CheckJobOptions(const FitOptions& o) {
+    if (o.Job.empty())
+        return o.Start.empty() || o.Target.empty() ? "fit takes START and TARGET, or --job FILE.cvn" : "";
+    for (const char* option : {"START", "TARGET", "--match", "--tolerance", "--only-first", "--delimiter",
+                               "--length-unit", "--angle-unit", "--digits", "--angle-digits", "--direction"})
+        if (o.IsGiven(option))
+            return std::string("--job brings points, units and direction of its own: ") + option +
+                   " does not go with it";
+    return "";
+}
+
+void AddJobOptions(CLI::App& fit, FitOptions& o) {
+    const char* const group = "Job";
+    fit.add_option("--job", o.Job,
+                   "Fit the points of a job, with its parameters, held values, norm,\n"
+                   "seed points and units, instead of START and TARGET; what other\n"
+                   "options say of these goes before")
+        ->type_name("FILE.cvn")
+        ->group(group);
+    fit.add_option("--save", o.Save, "Also write a job with the points, all choices and the result")
+        ->type_name("FILE.cvn")
+        ->check([](const std::string& path) {
+            return std::string(path.empty() ? "a file name is expected" : "");
+        })
+        ->group(group);
+}
+
 CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
     CLI::App* fit = app.add_subcommand("fit", "Fit the transformation from one point file to another");
     fit->add_option("START", s.Options.Start, "Point file of the start system, a line a point: name x y z")
-        ->type_name("FILE")
-        ->required();
-    fit->add_option("TARGET", s.Options.Target, "Point file of the target system")
-        ->type_name("FILE")
-        ->required();
+        ->type_name("FILE");
+    fit->add_option("TARGET", s.Options.Target, "Point file of the target system")->type_name("FILE");
     AddPointOptions(*fit, s);
     AddModelOptions(*fit, s.Options);
     AddBeginOptions(*fit, s.Options);
@@ -288,6 +314,7 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
     AddMonteCarloOptions(*fit, s.Options);
     AddOutputOptions(*fit, s);
     AddFormOptions(*fit, s.Options);
+    AddJobOptions(*fit, s.Options);
     fit->footer(
         "Examples:\n"
         "  corvinade-cli fit measured.txt nominal.txt --leave-out F09\n"
@@ -297,6 +324,41 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
         "Exit status: 0 done, 1 refused, 2 wrong usage, 3 an input cannot be read,\n"
         "4 calculated but not converged.");
     return fit;
+}
+
+struct JobSwitches {
+    JobFileOptions Options;
+    std::string Decimal;
+    bool Yes = false, No = false;
+};
+
+void AddJobQuestions(CLI::App& command, JobSwitches& s) {
+    auto* yes = command.add_flag("--yes,-y", s.Yes,
+                                 "A file without the head of a job file is one of an early version");
+    command.add_flag("--no,-n", s.No, "It is none")->excludes(yes);
+    AddDecimal(command, s.Decimal, "Options");
+}
+
+CLI::App* AddInfo(CLI::App& app, JobSwitches& s) {
+    CLI::App* info = app.add_subcommand("info", "Tell what a job file holds");
+    info->add_option("JOB", s.Options.Path, "Job file of any version")->type_name("FILE.cvn")->required();
+    info->add_flag("--json", s.Options.Json, "As JSON, with full precision, in mm and rad");
+    AddJobQuestions(*info, s);
+    return info;
+}
+
+CLI::App* AddConvert(CLI::App& app, JobSwitches& s) {
+    CLI::App* convert = app.add_subcommand("convert", "Write a job file of any version as another file");
+    convert->add_option("JOB", s.Options.Path, "Job file of any version")->type_name("FILE.cvn")->required();
+    convert
+        ->add_option("OUT", s.Options.Out,
+                     "File to write, its kind by its extension: .cvn a job file of the\n"
+                     "present version, .json everything, .csv the points")
+        ->type_name("FILE")
+        ->check(CheckConvertOut)
+        ->required();
+    AddJobQuestions(*convert, s);
+    return convert;
 }
 
 struct AutomateSwitches {
@@ -333,9 +395,19 @@ std::optional<char> DecimalOf(const std::string& text) {
     return text.empty() ? std::nullopt : std::optional<char>(text.front());
 }
 
+bool ColourWanted() {
+    const auto noColour = EnvironmentVariable("NO_COLOR");
+    return !noColour || noColour->empty();
+}
+
 int Fit(FitSwitches& s, std::ostream& out, std::ostream& err, bool terminal, bool progress) {
     s.Options.Decimal = DecimalOf(s.Decimal);
     if (s.Yes || s.No) s.Options.Questions = s.Yes;
+    const std::string wrong = CheckJobOptions(s.Options);
+    if (!wrong.empty()) {
+        err << wrong << "\n";
+        return kWrongUsage;
+    }
     s.Options.Output = s.Json ? FitOutput::Json : s.Csv ? FitOutput::Csv : FitOutput::Table;
     if (s.Options.MonteCarloRuns > 0 && s.Options.Norm != "l2") {
         err << "--monte-carlo goes with --norm l2 alone\n";
@@ -347,8 +419,12 @@ int Fit(FitSwitches& s, std::ostream& out, std::ostream& err, bool terminal, boo
                "--json alone\n";
         return kWrongUsage;
     }
-    const auto noColour = EnvironmentVariable("NO_COLOR");
-    return RunFit(s.Options, out, err, terminal && (!noColour || noColour->empty()), progress);
+    return RunFit(s.Options, out, err, terminal && ColourWanted(), progress);
+}
+
+void TakeJobSwitches(JobSwitches& s) {
+    s.Options.Decimal = DecimalOf(s.Decimal);
+    if (s.Yes || s.No) s.Options.Questions = s.Yes;
 }
 
 int Serve(AutomateSwitches& s, std::istream& in, std::ostream& out) {
@@ -370,12 +446,23 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     app.get_formatter()->column_width(34);
     FitSwitches fitSwitches;
     AutomateSwitches automateSwitches;
+    JobSwitches jobSwitches;
     const CLI::App* fit = AddFit(app, fitSwitches);
+    const CLI::App* info = AddInfo(app, jobSwitches);
+    const CLI::App* convert = AddConvert(app, jobSwitches);
     AddAutomate(app, automateSwitches);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         return app.exit(error, out, err) == 0 ? kDone : kWrongUsage;
     }
-    return fit->parsed() ? Fit(fitSwitches, out, err, terminal, progress) : Serve(automateSwitches, in, out);
+    if (fit->parsed()) {
+        for (const CLI::Option* option : fit->get_options())
+            if (option->count() > 0) fitSwitches.Options.Given.push_back(option->get_name());
+        return Fit(fitSwitches, out, err, terminal, progress);
+    }
+    TakeJobSwitches(jobSwitches);
+    if (info->parsed()) return RunInfo(jobSwitches.Options, out, err, terminal && ColourWanted());
+    if (convert->parsed()) return RunConvert(jobSwitches.Options, err);
+    return Serve(automateSwitches, in, out);
 }

@@ -10,6 +10,8 @@
 #include "cli/fit_report.h"
 #include "cli/fit_selection.h"
 #include "cli/headless.h"
+#include "cli/job_files.h"
+#include "cli/messages.h"
 #include "core/controller.h"
 #include "core/files.h"
 #include "core/form_progress_bar.h"
@@ -33,30 +35,6 @@
 #include "import/form_input_files.h"
 
 namespace {
-
-// Messages are written as paragraphs of their own, without the blank lines of the message box.
-std::string OneParagraph(const std::string& text) {
-    std::string result;
-    std::string_view rest = text;
-    std::string_view line;
-    while (CutLine(rest, line)) {
-        if (line.find_first_not_of(' ') == std::string_view::npos) continue;
-        if (!result.empty()) result += "\n  ";
-        result += line;
-    }
-    return result;
-}
-
-// Messages, and the questions that an option has answered.
-void WriteMessages(std::ostream& err) {
-    for (const DialogShown& dialog : Headless.Dialogs) {
-        if (dialog.Kind != "message" || !dialog.Answer) continue;
-        err << OneParagraph(dialog.Text);
-        if (dialog.Buttons.size() > 1) err << " " << *dialog.Answer;
-        err << "\n";
-    }
-    Headless.Dialogs.clear();
-}
 
 // Answers the questions of the import: Yes or No as the user has said beforehand, the tolerance from
 // its option.
@@ -131,11 +109,6 @@ std::string OpenQuestion() {
     return "";
 }
 
-int Refuse(std::ostream& err, ExitStatus status, const std::string& text) {
-    err << "corvinade-cli: " << text << "\n";
-    return status;
-}
-
 std::string TooFewPairs(const FitOptions& options) {
     std::string text = "the start file has " + std::to_string(Job.nMCS) + " points and the target file " +
                        std::to_string(Job.nOCS) + ", " + std::to_string(Job.nIdent) +
@@ -160,7 +133,8 @@ bool RanAway() {
 
 int Calculate(const FitOptions& options, std::ostream& err) {
     if (Job.nIdent < 2) return Refuse(err, kRefused, TooFewPairs(options));
-    if (options.FromTarget) {
+    // The points of a job that was switched stand in the other order already.
+    if (options.FromTarget && options.Job.empty()) {
         Job.DirectionMCStoOCS = kFalse;
         MCS_OCS();
     }
@@ -189,13 +163,8 @@ int Calculate(const FitOptions& options, std::ostream& err) {
     return Calculation.Converged ? kDone : kNotConverged;
 }
 
-}  // namespace
-
-int RunFit(const FitOptions& options, std::ostream& out, std::ostream& err, bool colour, bool showProgress) {
-    if (options.Decimal) Headless.Decimal = options.Decimal;
-    AnswerQuestions(options);
-    if (showProgress) ShowProgress(err);
-    SetUp(options);
+// The points of the two files, paired.
+int TakePoints(const FitOptions& options, std::ostream& err, bool showProgress) {
     for (const std::string& path : {options.Start, options.Target})
         if (!Dispatch([&path] { CheckReadable(path); }))
             return Refuse(err, kUnreadable, Run.LastPlatformError);
@@ -210,6 +179,43 @@ int RunFit(const FitOptions& options, std::ostream& out, std::ostream& err, bool
         return Refuse(err, kUnreadable, "the points were not read");
     }
     WriteMessages(err);
+    return kDone;
+}
+
+// The points and all choices of a job.
+int TakeJob(FitOptions& options, JobFileFacts& facts, std::ostream& err) {
+    const int status = OpenJob(options.Job, options.Questions, facts, err);
+    if (status != kDone) return status;
+    options.Start = Job.PathMCS;
+    options.Target = Job.PathOCS;
+    options.Match = "the job " + options.Job;
+    options.FromTarget = !IsTrue(Job.DirectionMCStoOCS);
+    if (!options.IsGiven("--parameters")) options.Parameters = "job";
+    if (!options.IsGiven("--norm"))
+        options.Norm = Job.NormType == 1 ? "l1" : Job.NormType == 3 ? "loo" : "l2";
+    return kDone;
+}
+
+// The job with its result. The files that it names shall be found from everywhere.
+bool SaveJob(const FitOptions& options, const JobFileFacts& facts) {
+    return Dispatch([&] {
+        for (std::string* path : {&Job.PathMCS, &Job.PathOCS})
+            if (!path->empty()) *path = AbsolutePath(*path);
+        WriteJobFile(options.Save, facts);
+    });
+}
+
+}  // namespace
+
+int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour, bool showProgress) {
+    if (options.Decimal) Headless.Decimal = options.Decimal;
+    AnswerQuestions(options);
+    if (showProgress) ShowProgress(err);
+    SetUp(options);
+    JobFileFacts job;
+    const int taken =
+        options.Job.empty() ? TakePoints(options, err, showProgress) : TakeJob(options, job, err);
+    if (taken != kDone) return taken;
     const std::string wrong = SelectParameters(options);
     if (!wrong.empty()) return Refuse(err, kWrongUsage, wrong);
     if (!options.Poses.empty()) {
@@ -228,6 +234,7 @@ int RunFit(const FitOptions& options, std::ostream& out, std::ostream& err, bool
         InverseTransformation();
     }
     WriteMessages(err);
+    if (!options.Save.empty() && !SaveJob(options, job)) return Refuse(err, kRefused, Run.LastPlatformError);
     // Start is what was transformed, whichever of the files that was.
     FitOptions shown = options;
     if (shown.FromTarget) std::swap(shown.Start, shown.Target);

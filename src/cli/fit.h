@@ -1,4 +1,4 @@
-// `corvinade-cli fit`: from two point files to a transformation.
+// `corvinade-cli fit`: from two point files, or a job, to a transformation.
 #pragma once
 
 #include <iosfwd>
@@ -8,4 +8,4 @@
 // Runs the fit. The result goes to `out`, messages go to `err`. Gives the exit status.
 //   colour        the table may use colours
 //   showProgress  long work tells on `err` how far it is
-int RunFit(const FitOptions& options, std::ostream& out, std::ostream& err, bool colour, bool showProgress);
+int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour, bool showProgress);

@@ -34,11 +34,6 @@ ordered_json Triple(const double (&values)[3]) {
     return {values[0], values[1], values[2]};
 }
 
-const char* InternalUnitOf(ParameterKind kind) {
-    if (kind == ParameterKind::Length) return "mm";
-    return kind == ParameterKind::Angle ? "rad" : "";
-}
-
 // The thirteen of the chain, and behind them those of the distance or the tool model where one is used.
 ordered_json Parameters() {
     ordered_json list = ordered_json::array();
@@ -46,16 +41,7 @@ ordered_json Parameters() {
         const auto index = static_cast<std::size_t>(k);
         const std::string& text = Job.ParamText[index];
         if (k >= kRDist && text == kNotUsed) continue;
-        const ParameterKind kind = KindOf(k);
-        const double value = ParameterValue(Job, k);
-        ordered_json parameter = {{"name", HeldParameterName(k)},
-                                  {"state", text == kFloat     ? "float"
-                                            : text == kNotUsed ? "not used"
-                                                               : "held"},
-                                  {"value", value},
-                                  {"unit", InternalUnitOf(kind)},
-                                  {"shown", value * FactorOf(kind)},
-                                  {"shownUnit", UnitOf(kind)}};
+        ordered_json parameter = ParameterAsJson(k);
         if (text == kFloat) {
             parameter["sigma"] = Calculation.Sigma[index];
             parameter["significance"] = Calculation.Significance[index];

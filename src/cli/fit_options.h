@@ -1,16 +1,20 @@
 // What `corvinade-cli fit` was asked for.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 enum class FitOutput { Table, Json, Csv };
 
 struct FitOptions {
     std::string Start, Target;
+    std::string Job;           // path of a job that stands in the place of both; "" = none
+    std::string Save;          // path of the job to write with its result; "" = none
     std::string Match = "id";  // id, coordinate, distance
     double Tolerance_mm = 0.8;
     int OnlyFirst = 0;             // matching by distance looks at the first so many target points; 0 = all
@@ -37,6 +41,11 @@ struct FitOptions {
     bool Protocol = false;          // the complete protocol instead of the table, in JSON beside the rest
     FitOutput Output = FitOutput::Table;
     std::string Report;  // path of the page to write; empty = none
+
+    std::vector<std::string> Given;  // the options that the user has given: "--norm"
+    bool IsGiven(std::string_view option) const {
+        return std::find(Given.begin(), Given.end(), option) != Given.end();
+    }
 };
 
 // The program's exit status.

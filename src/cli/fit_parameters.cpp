@@ -1,8 +1,10 @@
-// The parameters of a fit as the outputs for people show them.
+// The parameters of the job as the outputs show them.
 #include "cli/fit_parameters.h"
 
 #include <array>
+#include <nlohmann/json.hpp>
 
+#include "cli/fit_selection.h"
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/units.h"
@@ -34,6 +36,11 @@ constexpr std::array<Row, 17> kRows = {{{kTraX, "Tra x"},
 
 }  // namespace
 
+const char* InternalUnitOf(ParameterKind kind) {
+    if (kind == ParameterKind::Length) return "mm";
+    return kind == ParameterKind::Angle ? "rad" : "";
+}
+
 std::string UnitOf(ParameterKind kind) {
     if (kind == ParameterKind::Length) return Job.LengthUnitName;
     return kind == ParameterKind::Angle ? Job.AngleUnitName : "";
@@ -57,4 +64,21 @@ std::vector<ShownParameter> ShownParameters() {
                          floats});
     }
     return shown;
+}
+
+const char* StateOfParameter(int parameter) {
+    const std::string& text = Job.ParamText[static_cast<std::size_t>(parameter)];
+    if (text == kFloat) return "float";
+    return text == kNotUsed ? "not used" : "held";
+}
+
+nlohmann::ordered_json ParameterAsJson(int parameter) {
+    const ParameterKind kind = KindOf(parameter);
+    const double value = ParameterValue(Job, parameter);
+    return {{"name", HeldParameterName(parameter)},
+            {"state", StateOfParameter(parameter)},
+            {"value", value},
+            {"unit", InternalUnitOf(kind)},
+            {"shown", value * FactorOf(kind)},
+            {"shownUnit", UnitOf(kind)}};
 }

@@ -1,6 +1,7 @@
-// The parameters of a fit as the outputs for people show them.
+// The parameters of the job as the outputs show them.
 #pragma once
 
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 
@@ -21,3 +22,10 @@ std::vector<ShownParameter> ShownParameters();
 // The unit in which a kind is shown, and the factor from mm and rad to it.
 std::string UnitOf(ParameterKind kind);
 double FactorOf(ParameterKind kind);
+const char* InternalUnitOf(ParameterKind kind);  // "mm", "rad" or ""
+
+// A parameter 1 to 17 for programs: name, state, value in mm and rad, and the same in the units in use.
+nlohmann::ordered_json ParameterAsJson(int parameter);
+
+// "float", "held" or "not used".
+const char* StateOfParameter(int parameter);

@@ -171,7 +171,10 @@ const char* HeldParameterName(int parameter) {
 }
 
 std::string SelectParameters(const FitOptions& options) {
-    SelectPreset(options.Parameters);
+    // A job has its choice made, if it has been calculated once.
+    const bool ofJob = !options.Job.empty();
+    if (!ofJob || options.IsGiven("--parameters") || ParamText(kTraX).empty())
+        SelectPreset(options.Parameters == "job" ? FitOptions().Parameters : options.Parameters);
     Norm.RunOn = options.Norm == "l1-exact" || options.Norm == "minimax";
     const bool sum = options.Norm == "l1" || options.Norm == "l1-exact";
     const bool largest = options.Norm == "loo" || options.Norm == "minimax";
@@ -187,7 +190,7 @@ std::string SelectParameters(const FitOptions& options) {
         for (const int part : {kRvecX, kRvecY, kRvecZ}) ParamText(part) = kFloat;
     }
     SelectionFromJob();
-    std::fill(Job.UseFlags.begin() + 1, Job.UseFlags.end(), std::int16_t{1});
+    if (!ofJob) std::fill(Job.UseFlags.begin() + 1, Job.UseFlags.end(), std::int16_t{1});
     for (const std::string& what : options.LeaveOut) {
         const std::string wrong = LeaveOut(what);
         if (!wrong.empty()) return wrong;
@@ -196,5 +199,6 @@ std::string SelectParameters(const FitOptions& options) {
         const std::string wrong = StartParameter(start);
         if (!wrong.empty()) return wrong;
     }
-    return TakeSeedPoints(options.SeedPoints);
+    return ofJob && options.SeedPoints.empty() && Job.SeedIndex[1] > 0 ? ""
+                                                                       : TakeSeedPoints(options.SeedPoints);
 }

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <ostream>
 
+#include "cli/csv.h"
 #include "cli/fit_details.h"
 #include "cli/fit_output.h"
 #include "cli/fit_parameters.h"
@@ -23,15 +24,6 @@
 
 namespace {
 
-// Longer names and paths are cut: a table is to be read, and the other outputs hold them whole.
-constexpr int kLongestName = 40;
-constexpr int kLongestPath = 200;
-
-// The label of a line of the head, up to where its text begins.
-std::string Label(const std::string& text) {
-    return TextColumns{{14}}.Line({text});
-}
-
 // How much less the sum or the largest deviation could be at most.
 std::string DistanceFromOptimum() {
     const std::string what = Job.NormType == 1 ? "sum" : "largest deviation";
@@ -44,18 +36,20 @@ std::string DistanceFromOptimum() {
 void WriteHead(const FitOptions& options, const Style& style, std::ostream& out) {
     const auto& c = Calculation;
     out << style.Heading("Corvinade " + ProgramVersion()) << "  least-squares 3D transformation\n\n";
-    out << Label("start") << ForTable(options.Start, kLongestPath) << "  (" << Job.nMCS << " points)\n";
-    out << Label("target") << ForTable(options.Target, kLongestPath) << "  (" << Job.nOCS << " points)\n";
-    if (options.FromTarget) out << Label("direction") << StartSystem() << " => " << TargetSystem() << "\n";
-    out << Label("pairs") << Job.nIdent << " by " << options.Match;
+    out << HeadLabel("start") << ForTable(options.Start, kLongestPath) << "  (" << Job.nMCS << " points)\n";
+    out << HeadLabel("target") << ForTable(options.Target, kLongestPath) << "  (" << Job.nOCS << " points)\n";
+    if (options.FromTarget)
+        out << HeadLabel("direction") << StartSystem() << " => " << TargetSystem() << "\n";
+    out << HeadLabel("pairs") << Job.nIdent << " by " << options.Match;
     if (Job.nMCSOnly > 0) out << ", " << Job.nMCSOnly << " only in start";
     if (Job.nOCSOnly > 0) out << ", " << Job.nOCSOnly << " only in target";
-    out << "\n" << Label("observations") << ObservationsInUse() << " in use, " << c.nFloat << " unknowns\n";
+    out << "\n"
+        << HeadLabel("observations") << ObservationsInUse() << " in use, " << c.nFloat << " unknowns\n";
     if (Norm.Iterations > 0)
-        out << Label("norm") << (Job.NormType == 1 ? "L1" : "L-infinity") << ", " << Norm.Iterations
+        out << HeadLabel("norm") << (Job.NormType == 1 ? "L1" : "L-infinity") << ", " << Norm.Iterations
             << " weightings\n";
-    if (Norm.RunOn) out << Label("optimum") << DistanceFromOptimum() << "\n";
-    out << Label("iterations") << Adjustment.Iterations;
+    if (Norm.RunOn) out << HeadLabel("optimum") << DistanceFromOptimum() << "\n";
+    out << HeadLabel("iterations") << Adjustment.Iterations;
     if (!c.Converged) out << "  " << style.Alarm("convergence not reached");
     out << "\n";
 }
@@ -211,18 +205,11 @@ void WriteFitTable(const FitOptions& options, const SolutionDetails* details, st
 }
 
 void WriteFitCsv(const FitOptions&, std::ostream& out) {
-    // Names may hold the delimiter or quotes, so they are quoted where needed, as spreadsheets read it.
-    const auto quoted = [](const std::string& text) {
-        if (text.find_first_of(";\"\r\n") == std::string::npos) return text;
-        std::string result = "\"";
-        for (const char c : text) result += c == '"' ? std::string("\"\"") : std::string(1, c);
-        return result + "\"";
-    };
     const auto number = [](double value_mm) { return PlainText(value_mm * Units.LengthFactor); };
     out << "name;start_x;start_y;start_z;target_x;target_y;target_z;transformed_x;transformed_y;transformed_z;"
            "dx;dy;dz;d3;use_x;use_y;use_z\r\n";
     for (const FitPoint& point : FitPoints()) {
-        out << quoted(point.Name);
+        out << CsvText(point.Name);
         for (const auto* triple : {point.Start, point.Target, point.Transformed, point.Deviation})
             for (int axis = 0; axis < 3; ++axis) out << ';' << number(triple[axis]);
         out << ';' << number(point.Deviation3D);

@@ -80,3 +80,7 @@ std::string TextColumns::Line(const std::vector<std::string>& cells) const {
     }
     return line;
 }
+
+std::string HeadLabel(const std::string& text) {
+    return TextColumns{{14}}.Line({text});
+}

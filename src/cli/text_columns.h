@@ -21,3 +21,10 @@ struct TextColumns {
     void MakeRoom(const std::vector<std::string>& cells);  // for every row, before the first Line
     std::string Line(const std::vector<std::string>& cells) const;
 };
+
+// Names and paths longer than this are cut: a table is to be read, and the other outputs hold them whole.
+inline constexpr int kLongestName = 40;
+inline constexpr int kLongestPath = 200;
+
+// The label of a line above a table, up to where its text begins.
+std::string HeadLabel(const std::string& text);

@@ -144,6 +144,14 @@ std::string Pfad(const std::string& path) {
     return place == std::string::npos ? "" : path.substr(0, place);
 }
 
+std::string AbsolutePath(const std::string& path) {
+    std::error_code error;
+    const fs::path absolute = fs::absolute(PathOf(path), error);
+    if (error || path.empty()) return path;
+    const std::u8string text = absolute.lexically_normal().u8string();
+    return std::string(text.begin(), text.end());
+}
+
 std::string JoinPath(const std::string& folder, const std::string& name) {
     if (folder.empty()) return name;
     const char separator = fs::path::preferred_separator == '/' ? '/' : '\\';

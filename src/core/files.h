@@ -41,6 +41,10 @@ std::string Pfad(const std::string& path);
 // Puts a folder and a name together with the platform's separator.
 std::string JoinPath(const std::string& folder, const std::string& name);
 
+// A path as it can be used from every folder, without "." and ".." in it; the path itself where the present
+// folder cannot be told.
+std::string AbsolutePath(const std::string& path);
+
 // Where tests and drills refuse an operation: called before each with its name ("open", "read",
 // "create", "write", "flush", "rename", "folder") and the path; a text that it returns is the failure.
 struct FileFaultRecord {

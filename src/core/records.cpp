@@ -2,72 +2,14 @@
 #include "core/records.h"
 
 #include "core/job.h"
+#include "core/job_file_fields.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/units.h"
 
 namespace {
 
-const RecordEntry kRecords[] = {
-    // In the order of the job file.
-    {"MCS_Name", &Job.MCS_Name, Storage::JobFile},
-    {"MCS_X", &Job.MCS_X, Storage::JobFile},
-    {"MCS_Y", &Job.MCS_Y, Storage::JobFile},
-    {"MCS_Z", &Job.MCS_Z, Storage::JobFile},
-    {"OCS_Name", &Job.OCS_Name, Storage::JobFile},
-    {"OCS_X", &Job.OCS_X, Storage::JobFile},
-    {"OCS_Y", &Job.OCS_Y, Storage::JobFile},
-    {"OCS_Z", &Job.OCS_Z, Storage::JobFile},
-    {"TMCS_Name", &Job.TMCS_Name, Storage::JobFile},
-    {"TMCS_X", &Job.TMCS_X, Storage::JobFile},
-    {"TMCS_Y", &Job.TMCS_Y, Storage::JobFile},
-    {"TMCS_Z", &Job.TMCS_Z, Storage::JobFile},
-    {"nIdent", &Job.nIdent, Storage::JobFile},
-    {"nMCS", &Job.nMCS, Storage::JobFile},
-    {"nOCS", &Job.nOCS, Storage::JobFile},
-    {"UseFlags", &Job.UseFlags, Storage::JobFile},
-    {"ParamText", TextRow{Job.ParamText.data(), 18}, Storage::JobFile},
-    {"DirectionMCStoOCS", &Job.DirectionMCStoOCS, Storage::JobFile},
-    {"AutoRecalc", &Job.AutoRecalc, Storage::JobFile},
-    {"TraX", &Job.TraX, Storage::JobFile},
-    {"TraY", &Job.TraY, Storage::JobFile},
-    {"TraZ", &Job.TraZ, Storage::JobFile},
-    {"RotX", &Job.RotX, Storage::JobFile},
-    {"RotY", &Job.RotY, Storage::JobFile},
-    {"RotZ", &Job.RotZ, Storage::JobFile},
-    {"ScaleX", &Job.ScaleX, Storage::JobFile},
-    {"ScaleY", &Job.ScaleY, Storage::JobFile},
-    {"ScaleZ", &Job.ScaleZ, Storage::JobFile},
-    {"ScaleXYZ", &Job.ScaleXYZ, Storage::JobFile},
-    {"AngleXY", &Job.AngleXY, Storage::JobFile},
-    {"Azimuth", &Job.Azimuth, Storage::JobFile},
-    {"AngleZtoXY", &Job.AngleZtoXY, Storage::JobFile},
-    {"RDist", &Job.RDist, Storage::JobFile},
-    {"LengthUnitName", &Job.LengthUnitName, Storage::JobFile},
-    {"AngleUnitName", &Job.AngleUnitName, Storage::JobFile},
-    {"LengthDigits", &Job.LengthDigits, Storage::JobFile},
-    {"AngleDigits", &Job.AngleDigits, Storage::JobFile},
-    {"NormType", &Job.NormType, Storage::JobFile},
-    {"SeedName", TextRow{Job.SeedName.data(), 4}, Storage::JobFile},
-    {"SeedIndex", NumberRow16{Job.SeedIndex.data(), 4}, Storage::JobFile},
-    {"NameMCS", &Job.NameMCS, Storage::JobFile},
-    {"NameOCS", &Job.NameOCS, Storage::JobFile},
-    {"PathMCS", &Job.PathMCS, Storage::JobFile},
-    {"PathOCS", &Job.PathOCS, Storage::JobFile},
-    {"ViewAllMCS", &Job.ViewAllMCS, Storage::JobFile},
-    {"ViewAllOCS", &Job.ViewAllOCS, Storage::JobFile},
-    {"ViewAllonlyMCS", &Job.ViewAllonlyMCS, Storage::JobFile},
-    {"ViewAllonlyOCS", &Job.ViewAllonlyOCS, Storage::JobFile},
-    {"IsParaboloid", &Job.IsParaboloid, Storage::JobFile},
-    {"ParaboloidShape", &Job.ParaboloidShape, Storage::JobFile},
-    {"nSavedViews", &Job.nSavedViews, Storage::JobFile},
-    {"SavedView", ViewRow{Job.SavedView.data(), 51}, Storage::JobFile},
-    {"IsKuka", &Job.IsKuka, Storage::JobFile},
-    {"IsQuaternion", &Job.IsQuaternion, Storage::JobFile},
-    {"RobotABC", &Job.RobotABC, Storage::JobFile},
-    {"RVecX", &Job.RVecX, Storage::JobFile},
-    {"RVecY", &Job.RVecY, Storage::JobFile},
-    {"RVecZ", &Job.RVecZ, Storage::JobFile},
+const RecordEntry kOtherRecords[] = {
     // Of the job, but recomputed or set anew when it is opened.
     {"nMCSOnly", &Job.nMCSOnly, Storage::Run},
     {"nOCSOnly", &Job.nOCSOnly, Storage::Run},
@@ -125,6 +67,41 @@ const RecordEntry kRecords[] = {
     {"DevVecDirection", &Settings.DevVecDirection, Storage::Run},
 };
 
+// The places of a field of the job file in the open job.
+struct OpenJobPlaces {
+    std::vector<RecordEntry>& Records;
+    const char* Name;
+
+    void Add(const char* name, RecordPlace place) const {
+        Records.push_back({name, place, Storage::JobFile});
+    }
+    void operator()(VersionText) const {}
+    void operator()(SavedViews) const {
+        Add("nSavedViews", &Job.nSavedViews);
+        Add(Name, ViewRow{Job.SavedView.data(), static_cast<int>(Job.SavedView.size())});
+    }
+    template <std::size_t N>
+    void operator()(std::array<std::string, N> JobRecord::*place) const {
+        Add(Name, TextRow{(Job.*place).data(), static_cast<int>(N)});
+    }
+    template <std::size_t N>
+    void operator()(std::array<std::int16_t, N> JobRecord::*place) const {
+        Add(Name, NumberRow16{(Job.*place).data(), static_cast<int>(N)});
+    }
+    template <class Value>
+    void operator()(Value JobRecord::*place) const {
+        Add(Name, &(Job.*place));
+    }
+};
+
+// In the order of the job file, and the others behind them.
+std::vector<RecordEntry> AllCoreRecords() {
+    std::vector<RecordEntry> records;
+    for (const JobField& field : JobFields()) std::visit(OpenJobPlaces{records, field.Name}, field.Place);
+    records.insert(records.end(), std::begin(kOtherRecords), std::end(kOtherRecords));
+    return records;
+}
+
 constexpr ScreenField kScreenFields[] = {
     {"VectorMode", &ScreenRecord::VectorMode},
     {"BigNess", &ScreenRecord::BigNess},
@@ -134,10 +111,12 @@ constexpr ScreenField kScreenFields[] = {
     {"BildOffsetY", &ScreenRecord::BildOffsetY},
     {"Vec_Maßstab", &ScreenRecord::Vec_Maßstab},
     {"GridLength", &ScreenRecord::GridLength},
-    {"RotAngles", &ScreenRecord::RotAngles},
+    {"RotAngles",
+     &ScreenRecord::RotAngles,
+     {.Shape = &ScreenRecord::RotAnglesShape, .Rows = 2, .LowestColumn = 1, .Columns = 3}},
     {"FlagCount", &ScreenRecord::FlagCount},
-    {"FlagIndex", &ScreenRecord::FlagIndex},
-    {"Flags", &ScreenRecord::Flags},
+    {"FlagIndex", &ScreenRecord::FlagIndex, {.Shape = &ScreenRecord::FlagIndexShape, .LowestColumn = 1}},
+    {"Flags", &ScreenRecord::Flags, {.Shape = &ScreenRecord::FlagsShape}},
     {"ActiveFlag", &ScreenRecord::ActiveFlag},
     {"WindowWidth", &ScreenRecord::WindowWidth},
     {"WindowHeight", &ScreenRecord::WindowHeight},
@@ -170,7 +149,7 @@ constexpr ScreenField kScreenFields[] = {
     {"BDis", &ScreenRecord::BDis},
     {"Cdis", &ScreenRecord::Cdis},
     {"ShowGridDim", &ScreenRecord::ShowGridDim},
-    {"LineTable", &ScreenRecord::LineTable},
+    {"LineTable", &ScreenRecord::LineTable, {.Shape = &ScreenRecord::LineTableShape, .Rows = 2}},
     {"LineStartRow", &ScreenRecord::LineStartRow},
     {"LineMode", &ScreenRecord::LineMode},
     {"SelectedLine", &ScreenRecord::SelectedLine},
@@ -214,6 +193,7 @@ constexpr FlagField kFlagFields[] = {
 }  // namespace
 
 std::span<const RecordEntry> CoreRecords() {
+    static const std::vector<RecordEntry> kRecords = AllCoreRecords();
     return kRecords;
 }
 std::span<const ScreenField> ScreenFields() {

@@ -60,9 +60,18 @@ using ScreenFieldPlace =
                  double ScreenRecord::*, std::string ScreenRecord::*, std::vector<double> ScreenRecord::*,
                  std::vector<std::int16_t> ScreenRecord::*, std::vector<FlagRecord> ScreenRecord::*,
                  Mat3 ScreenRecord::*>;
+// The indices of an array of a view: rows 1 to Rows first, where it has two of them; then columns from
+// LowestColumn, as many as there are elements, or exactly Columns.
+struct ScreenArray {
+    ArrayShape ScreenRecord::*Shape = nullptr;  // null: the field is no array
+    std::uint32_t Rows = 0;
+    std::int32_t LowestColumn = 0;
+    std::uint32_t Columns = 0;
+};
 struct ScreenField {
     const char* Name;
     ScreenFieldPlace Place;
+    ScreenArray Array = {};
 };
 std::span<const ScreenField> ScreenFields();
 

@@ -8,8 +8,11 @@
 #include "core/arrays.h"
 
 // --- core/: the job commands and the job file ------------------------------------------------------------
-void JobChanged();                                 // asks whether a changed job shall be saved
-void OpenFile(const std::string& path);            // opens a job file
+void JobChanged();  // asks whether a changed job shall be saved
+// Opens a job file: closes all windows, sets the run to "no data", asks and tells what there is to say of the
+// file's version, and fills the job. A file that is missing gives a message; throws PlatformError for one
+// that is no job (as ReadJobBytes in core/job_file.h), the job is then without data.
+void OpenFile(const std::string& path);
 void OpenLastProjekt(const std::string& caption);  // opens the job of a recent-file menu entry
 void MenuFileNew_Command();
 void MenuFileOpen_Command();
@@ -18,12 +21,18 @@ void MenuFileSaveAs_Command();
 
 // --- import/ ----------------------------------------------------------------------------------------------
 void ClipboardRoundTrip();  // the menu entry "&Spezial"
+// Sizes TMCS_*, RVec* and UseFlags (whose content stays) from the counts and fills TMCS_* with the start
+// points. A job that the calculation window has marked as switched is switched again.
+void IdentischePkte_Neu();
 
 // --- engine/ ----------------------------------------------------------------------------------------------
 void myButtonCalculate();  // one whole calculation with the present selection of parameters
 void MCS_OCS();            // swaps the two point sets of a job that has been marked as switched
 bool DirectionSwitched();  // the calculation window has marked the job as switched
 void CalculationWindow_UnitsChanged();
+// Fills the calculation window from the job: parameters as the job has them, or six parameters for a fresh
+// one.
+void INI_Formtrafoberechnung();
 // The held values of the job, typed in units of the factors `lengthBefore` and `angleBefore`, in the present
 // ones.
 void HeldValues_UnitsChanged(double lengthBefore, double angleBefore);

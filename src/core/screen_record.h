@@ -27,6 +27,17 @@ struct FlagRecord {
     std::int32_t Forecolor = 0;
 };
 
+// How one index of an array of a view runs.
+struct IndexRange {
+    std::uint32_t Count = 0;
+    std::int32_t Lowest = 0;
+    bool operator==(const IndexRange&) const = default;
+};
+using ArrayShape = std::vector<IndexRange>;
+
+// The four arrays hold their elements without a gap, the first index fastest. Their indices run as told
+// here, or they have no elements. A file may have them otherwise; it is then saved as it came, by the shapes
+// at the end. Who sizes an array anew clears its shape.
 struct ScreenRecord {
     Flag VectorMode = kFalse;
     std::int16_t BigNess = 2;  // point size, pixels
@@ -35,10 +46,10 @@ struct ScreenRecord {
     float BildOffsetX = 0, BildOffsetY = 0;
     float Vec_Maßstab = 0;  // pixels per mm of deviation
     std::int16_t GridLength = 100;
-    std::vector<double> RotAngles;  // 2 by 3, first index fastest; row 1 holds the angles, rad
+    std::vector<double> RotAngles;  // rows 1 to 2, columns 1 to 3; row 1 holds the angles, rad
     std::int16_t FlagCount = 0;
-    std::vector<std::int16_t> FlagIndex;
-    std::vector<FlagRecord> Flags;
+    std::vector<std::int16_t> FlagIndex;  // from 1, one a row of the plotted points: its flag, 0 = none
+    std::vector<FlagRecord> Flags;        // from 0
     std::int16_t ActiveFlag = 0, WindowWidth = 0, WindowHeight = 0;
     std::int16_t AnzKlassenPos = 0, AnzKlassenNeg = 0;
     Flag AusserhalbTol = kFalse;
@@ -57,8 +68,11 @@ struct ScreenRecord {
     Flag GridXY = kFalse, GridYZ = kFalse, GridZX = kFalse;
     std::int32_t ADis = 0, BDis = 0, Cdis = 0;
     Flag ShowGridDim = kFalse;
-    std::vector<std::int16_t> LineTable;  // 2 by m + 1, first index fastest
+    std::vector<std::int16_t> LineTable;  // rows 1 to 2, columns 0 to m
     std::int32_t LineStartRow = 0;
     Flag LineMode = kFalse;
     std::int32_t SelectedLine = 0;
+
+    // Empty: as told above.
+    ArrayShape RotAnglesShape, FlagIndexShape, FlagsShape, LineTableShape;
 };

@@ -134,6 +134,34 @@ std::string UpperAscii(std::string_view text) {
     return upper;
 }
 
+namespace {
+
+// The first character of a text in lower case; it is cut off. Bytes that are no UTF-8 stand for themselves.
+std::uint32_t CutLowerCase(std::string_view& text) {
+    std::uint32_t code = 0;
+    std::size_t length = Utf8Character(text, code);
+    if (length == 0) {
+        code = 0x80000000U | static_cast<unsigned char>(text.front());
+        length = 1;
+    }
+    text.remove_prefix(length);
+    const auto between = [&code](std::uint32_t first, std::uint32_t last) {
+        return code >= first && code <= last;
+    };
+    if (between('A', 'Z') || (between(0xC0, 0xDE) && code != 0xD7)) return code + 0x20;
+    if (between(0x391, 0x3A9) || between(0x410, 0x42F)) return code + 0x20;
+    if (between(0x400, 0x40F)) return code + 0x50;
+    return code;
+}
+
+}  // namespace
+
+bool EqualIgnoringCase(std::string_view a, std::string_view b) {
+    while (!a.empty() && !b.empty())
+        if (CutLowerCase(a) != CutLowerCase(b)) return false;
+    return a.empty() && b.empty();
+}
+
 bool CutLine(std::string_view& rest, std::string_view& line) {
     if (rest.empty()) return false;
     // Window by window: a file of CR alone has no LF to be found, and looking for one as far as the end

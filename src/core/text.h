@@ -32,6 +32,10 @@ std::string Printable(std::string_view text, int most = 60);
 // ASCII letters alone; the words compared so are our own keys.
 std::string UpperAscii(std::string_view text);
 
+// Are two texts the same but for the case of letters? Of the letters beyond ASCII those of Latin-1, Greek and
+// Cyrillic are known.
+bool EqualIgnoringCase(std::string_view a, std::string_view b);
+
 // Cuts the next line off `rest`: up to CR LF, LF or CR, which is removed. False at the end of the text.
 // A line end at the very end of a file begins no further line.
 bool CutLine(std::string_view& rest, std::string_view& line);

@@ -67,9 +67,6 @@ void AnzeigeReset();
 // Puts the fields of R distance and R vector, the norms and the direction in order after their boxes.
 void INI_Rdist();
 
-// Fills the window from the job: parameters as the job has them, or six parameters for a fresh one.
-void INI_Formtrafoberechnung();
-
 // Takes what the window chooses: writes Selection and Job.ParamText. Throws PlatformError for an angle in
 // degrees, minutes and seconds with a field that is no number; nothing is changed then.
 void TakeSelection();

@@ -24,10 +24,6 @@ void SortForIdentPts();
 // same name.
 void GetInfoFromData();
 
-// Sizes TMCS_*, RVec* and UseFlags (whose content stays) from the counts and fills TMCS_* with the start
-// points. A job that the calculation window has marked as switched is switched again.
-void IdentischePkte_Neu();
-
 // Pairs each start point, in their order, with the nearest target point that is still free and nearer
 // than Run.Etta once the start point is transformed with the parameters of the job. Paired points get
 // equal names as the options say; Job.nIdent counts them. The points stay where they are:

@@ -1,0 +1,102 @@
+// Job files on the command line: `info`, `convert`, and the job of `fit`.
+#include "cli/job_files.h"
+
+#include <array>
+#include <ostream>
+#include <sstream>
+
+#include "cli/headless.h"
+#include "cli/messages.h"
+#include "core/files.h"
+#include "core/job.h"
+#include "core/job_file.h"
+#include "core/platform.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "core/text.h"
+#include "core/units.h"
+#include "core/window.h"
+
+namespace {
+
+enum class ConvertTo { Nothing, Job, Json, Csv };
+
+ConvertTo KindOfOut(const std::string& path) {
+    const std::string upper = UpperAscii(path);
+    if (upper.ends_with(".CVN")) return ConvertTo::Job;
+    if (upper.ends_with(".JSON")) return ConvertTo::Json;
+    return upper.ends_with(".CSV") ? ConvertTo::Csv : ConvertTo::Nothing;
+}
+
+// The digits of scales are no matter of a job, and nobody's settings are read for them.
+void TakeBuiltInSettings() {
+    ReadSettingsText(DefaultSettingsText(), "the built-in settings");
+}
+
+void ReadJob(const std::string& path, std::optional<bool> questions, JobFileFacts& facts,
+             std::vector<std::string>& said) {
+    const FileBytes bytes = ReadFile(path);
+    if (!ReadJobHead(bytes.View(), path).Known && !questions.value_or(false))
+        throw PlatformError{path + " does not begin like a job file" +
+                            (questions ? "" : "; with --yes it is read as one of an early version")};
+    JobFileContent content = ReadJobBytes(bytes.View(), path);
+    Job = std::move(content.Job);
+    facts = {path, JobVersionText(content.Version), bytes.Size, std::move(content.ViewNames)};
+    said = std::move(content.Said);
+    RhoFestlegung();
+    Run.JobDataValid = kTrue;
+}
+
+}  // namespace
+
+int OpenJob(const std::string& path, std::optional<bool> questions, JobFileFacts& facts, std::ostream& err) {
+    std::vector<std::string> said;
+    const bool read = Dispatch([&] { ReadJob(path, questions, facts, said); });
+    Headless.Dialogs.clear();
+    for (const std::string& message : said) err << OneParagraph(message) << "\n";
+    return read ? kDone : Refuse(err, kUnreadable, Run.LastPlatformError);
+}
+
+void WriteJobFile(const std::string& path, const JobFileFacts& facts) {
+    WriteFile(path, JobBytes(Job, facts.Views));
+}
+
+int RunInfo(const JobFileOptions& options, std::ostream& out, std::ostream& err, bool colour) {
+    if (options.Decimal) Headless.Decimal = options.Decimal;
+    TakeBuiltInSettings();
+    JobFileFacts facts;
+    const int status = OpenJob(options.Path, options.Questions, facts, err);
+    if (status != kDone) return status;
+    if (options.Json) {
+        WriteJobJson(facts, false, out);
+    } else {
+        WriteJobTable(facts, out, colour);
+    }
+    if (!out.flush()) return Refuse(err, kRefused, "the result could not be written to standard output");
+    return kDone;
+}
+
+std::string CheckConvertOut(const std::string& path) {
+    if (KindOfOut(path) != ConvertTo::Nothing) return "";
+    return "\"" + Printable(path) + "\" ends neither in .cvn nor in .json nor in .csv";
+}
+
+int RunConvert(const JobFileOptions& options, std::ostream& err) {
+    if (options.Decimal) Headless.Decimal = options.Decimal;
+    TakeBuiltInSettings();
+    JobFileFacts facts;
+    const int status = OpenJob(options.Path, options.Questions, facts, err);
+    if (status != kDone) return status;
+    const bool written = Dispatch([&] {
+        if (KindOfOut(options.Out) == ConvertTo::Job) return WriteJobFile(options.Out, facts);
+        std::ostringstream text;
+        if (KindOfOut(options.Out) == ConvertTo::Json) {
+            WriteJobJson(facts, true, text);
+        } else {
+            WriteJobCsv(text);
+        }
+        WriteFile(options.Out, text.str());
+    });
+    Headless.Dialogs.clear();
+    return written ? kDone : Refuse(err, kRefused, Run.LastPlatformError);
+}

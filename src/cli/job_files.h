@@ -1,0 +1,33 @@
+// Job files on the command line: `info`, `convert`, and the job of `fit`.
+#pragma once
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+
+#include "cli/fit_options.h"
+#include "cli/job_info.h"
+
+struct JobFileOptions {
+    std::string Path;
+    std::string Out;  // of convert
+    bool Json = false;
+    std::optional<bool> Questions;  // --yes or --no
+    std::optional<char> Decimal;
+};
+
+// Opens a job: Job and the units are its own then. `questions` answers whether a file without the head of a
+// job shall be read as one. kDone, or kUnreadable with the reason on `err`.
+int OpenJob(const std::string& path, std::optional<bool> questions, JobFileFacts& facts, std::ostream& err);
+
+// Writes the open job with its saved views. Throws PlatformError when that is refused.
+void WriteJobFile(const std::string& path, const JobFileFacts& facts);
+
+int RunInfo(const JobFileOptions& options, std::ostream& out, std::ostream& err, bool colour);
+
+// Writes the job as OUT says by its extension: .cvn the present version's file, .json all records, .csv the
+// points. Gives the exit status; OUT is written whole or not at all.
+int RunConvert(const JobFileOptions& options, std::ostream& err);
+
+// "" or why a file cannot be converted to this name.
+std::string CheckConvertOut(const std::string& path);

@@ -1,0 +1,199 @@
+// What the open job holds, for people, as JSON, and as CSV.
+#include "cli/job_info.h"
+
+#include <array>
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+#include "cli/csv.h"
+#include "cli/fit_parameters.h"
+#include "cli/fit_style.h"
+#include "cli/record_json.h"
+#include "cli/text_columns.h"
+#include "core/controller.h"
+#include "core/job.h"
+#include "core/numbers.h"
+#include "core/records.h"
+#include "core/text.h"
+#include "core/units.h"
+
+using nlohmann::ordered_json;
+
+namespace {
+
+// Counted up when a member goes or changes its meaning; new members leave it.
+constexpr int kSchemaVersion = 1;
+
+// A list of names in a table goes no further than this.
+constexpr std::size_t kMostNames = 12;
+
+const char* NormName() {
+    return Job.NormType == 1 ? "L1" : Job.NormType == 3 ? "L-infinity" : "L2";
+}
+
+// What the target set came from, as far as a job keeps it.
+std::string TargetKind() {
+    if (IsTrue(Job.IsParaboloid))
+        return "a paraboloid shape of " + std::to_string(Job.ParaboloidShape.Rows) + " rows";
+    const std::string poses = " with " + std::to_string(Job.RobotABC.Rows) + " poses";
+    if (IsTrue(Job.IsKuka)) return "a Kuka robot file" + poses;
+    if (IsTrue(Job.IsQuaternion)) return "coordinates and quaternions" + poses;
+    return "";
+}
+
+bool Used(int pair, int axis) {
+    const auto index = static_cast<std::size_t>(3 * (pair - 1) + axis);
+    return index < Job.UseFlags.size() && Job.UseFlags[index] == 1;
+}
+
+// The coordinates of a pair that take no part: "", or letters of "xyz".
+std::string LeftOut(int pair) {
+    std::string letters;
+    for (int axis = 1; axis <= 3; ++axis)
+        if (!Used(pair, axis)) letters += "wxyz"[axis];
+    return letters;
+}
+
+std::string Joined(const std::vector<std::string>& names) {
+    std::string text;
+    for (std::size_t i = 0; i < names.size() && i < kMostNames; ++i)
+        text += (i == 0 ? "" : ", ") + ForTable(names[i], kLongestName);
+    if (names.size() > kMostNames) text += " and " + std::to_string(names.size() - kMostNames) + " more";
+    return text;
+}
+
+std::vector<std::string> SeedNames() {
+    std::vector<std::string> names;
+    for (std::size_t i = 1; i < Job.SeedName.size(); ++i)
+        if (!Job.SeedName[i].empty()) names.push_back(Job.SeedName[i]);
+    return names;
+}
+
+std::string Digits(int digits) {
+    return " (" + std::to_string(digits) + (digits == 1 ? " decimal)" : " decimals)");
+}
+
+void WritePoints(std::ostream& out) {
+    out << HeadLabel("points") << Job.nMCS << " start, " << Job.nOCS << " target, " << Job.nIdent
+        << " identical";
+    if (Job.nMCSOnly > 0) out << ", " << Job.nMCSOnly << " only in start";
+    if (Job.nOCSOnly > 0) out << ", " << Job.nOCSOnly << " only in target";
+    out << "\n";
+    int used = 0;
+    std::vector<std::string> leftOut;
+    for (int pair = 1; pair <= Job.nIdent; ++pair) {
+        const std::string letters = LeftOut(pair);
+        used += 3 - static_cast<int>(letters.size());
+        if (letters.empty()) continue;
+        const std::string& name = Job.MCS_Name[static_cast<std::size_t>(pair)];
+        leftOut.push_back(letters.size() == 3 ? name : name + ":" + letters);
+    }
+    out << HeadLabel("in use") << used << " of " << 3 * Job.nIdent << " coordinates\n";
+    if (!leftOut.empty()) out << HeadLabel("left out") << Joined(leftOut) << "\n";
+}
+
+void WriteParameters(const Style& style, std::ostream& out) {
+    if (Job.ParamText[kTraX].empty()) {
+        out << "\n" << style.Quiet("(no parameters have been chosen yet)") << "\n";
+        return;
+    }
+    const auto cells = [](const ShownParameter& p) -> std::vector<std::string> {
+        return {p.Name, StateOfParameter(p.Number), p.Value};
+    };
+    const std::vector<ShownParameter> parameters = ShownParameters();
+    TextColumns columns{{12, 8, 16}};
+    for (const ShownParameter& p : parameters) columns.MakeRoom(cells(p));
+    out << "\n" << style.Heading(columns.Line({"Parameter", "state", "value"})) << "  unit\n";
+    for (const ShownParameter& p : parameters)
+        out << columns.Line(cells(p)) << "  " << style.Quiet(p.Unit) << "\n";
+}
+
+ordered_json Summary(const JobFileFacts& file) {
+    int used = 0;
+    for (int pair = 1; pair <= Job.nIdent; ++pair) used += 3 - static_cast<int>(LeftOut(pair).size());
+    ordered_json parameters = ordered_json::array();
+    for (int k = 1; k < kParameterEnd; ++k) parameters.push_back(ParameterAsJson(k));
+    return {{"schema", "corvinade-job"},
+            {"schemaVersion", kSchemaVersion},
+            {"program", "Corvinade " + ProgramVersion()},
+            {"file", {{"path", file.Path}, {"version", file.Version}, {"bytes", file.Bytes}}},
+            {"systems",
+             {{"start", {{"name", Job.NameMCS}, {"path", Job.PathMCS}}},
+              {"target", {{"name", Job.NameOCS}, {"path", Job.PathOCS}}}}},
+            {"units",
+             {{"length", Job.LengthUnitName},
+              {"lengthDigits", Job.LengthDigits},
+              {"angle", Job.AngleUnitName},
+              {"angleDigits", Job.AngleDigits}}},
+            {"counts",
+             {{"start", Job.nMCS},
+              {"target", Job.nOCS},
+              {"identical", Job.nIdent},
+              {"startOnly", Job.nMCSOnly},
+              {"targetOnly", Job.nOCSOnly},
+              {"coordinatesInUse", used}}},
+            {"direction", IsTrue(Job.DirectionMCStoOCS) ? "mcs-ocs" : "ocs-mcs"},
+            {"norm", NormName()},
+            {"seedPoints", SeedNames()},
+            {"targetKind", TargetKind()},
+            {"parametersChosen", !Job.ParamText[kTraX].empty()},
+            {"parameters", std::move(parameters)},
+            {"savedViews", file.Views}};
+}
+
+}  // namespace
+
+void WriteJobTable(const JobFileFacts& file, std::ostream& out, bool colour) {
+    const Style style{colour};
+    out << style.Heading("Corvinade job") << "  " << ForTable(file.Path, kLongestPath) << "\n\n";
+    out << HeadLabel("file") << "version " << Printable(file.Version) << ", " << file.Bytes << " bytes\n";
+    out << HeadLabel("start") << ForTable(Job.NameMCS, kLongestName) << "  "
+        << style.Quiet(ForTable(Job.PathMCS, kLongestPath)) << "\n";
+    out << HeadLabel("target") << ForTable(Job.NameOCS, kLongestName) << "  "
+        << style.Quiet(ForTable(Job.PathOCS, kLongestPath)) << "\n";
+    if (!TargetKind().empty()) out << HeadLabel("target kind") << TargetKind() << "\n";
+    WritePoints(out);
+    out << HeadLabel("units") << Printable(Job.LengthUnitName) << Digits(Job.LengthDigits) << ", "
+        << Printable(Job.AngleUnitName) << Digits(Job.AngleDigits) << "\n";
+    out << HeadLabel("fit") << NormName() << ", "
+        << (IsTrue(Job.DirectionMCStoOCS) ? "MCS => OCS" : "OCS => MCS") << "\n";
+    if (!SeedNames().empty()) out << HeadLabel("seed points") << Joined(SeedNames()) << "\n";
+    if (!file.Views.empty())
+        out << HeadLabel("saved views") << file.Views.size() << ": " << Joined(file.Views) << "\n";
+    WriteParameters(style, out);
+}
+
+void WriteJobJson(const JobFileFacts& file, bool records, std::ostream& out) {
+    ordered_json root = Summary(file);
+    if (records) {
+        ordered_json& all = root["records"];
+        for (const std::span<const RecordEntry> table : AllRecords())
+            for (const RecordEntry& record : table)
+                if (record.Stored == Storage::JobFile) all[record.Name] = RecordToJson(record);
+    }
+    out << root.dump(records ? 1 : 2) << "\n";
+}
+
+void WriteJobCsv(std::ostream& out) {
+    out << "kind;name;start_x;start_y;start_z;target_x;target_y;target_z;transformed_x;transformed_y;"
+           "transformed_z;dx;dy;dz;use_x;use_y;use_z\r\n";
+    const int ends[] = {Job.nIdent, Job.nMCS, Job.nIdent + Job.nOCSOnly};
+    const char* const kinds[] = {"pair", "start", "target"};
+    for (int kind = 0; kind < 3; ++kind)
+        for (int i = kind == 0 ? 1 : Job.nIdent + 1; i <= ends[kind]; ++i) {
+            const auto k = static_cast<std::size_t>(i);
+            const bool start = kind != 2, target = kind != 1;
+            out << kinds[kind] << ';' << CsvText(start ? Job.MCS_Name[k] : Job.OCS_Name[k]);
+            const Vec3 from = start ? StartPoint(i) : Vec3();
+            const Vec3 to = target ? TargetPoint(i) : Vec3();
+            const Vec3 moved =
+                start ? Vec3(Job.TMCS_X[k].value_or(0), Job.TMCS_Y[k].value_or(0), Job.TMCS_Z[k]) : Vec3();
+            for (const auto& [point, there] : {std::pair{from, start}, {to, target}, {moved, start}})
+                for (int axis = 1; axis <= 3; ++axis) out << ';' << (there ? PlainText(point(axis)) : "");
+            for (int axis = 1; axis <= 3; ++axis)
+                out << ';' << (start && target ? PlainText(moved(axis) - to(axis)) : "");
+            for (int axis = 1; axis <= 3; ++axis)
+                out << ';' << (start && target ? (Used(i, axis) ? "1" : "0") : "");
+            out << "\r\n";
+        }
+}

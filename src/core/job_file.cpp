@@ -1,0 +1,91 @@
+// Opening and saving of the job.
+#include "core/job_file.h"
+
+#include <filesystem>
+#include <utility>
+
+#include "core/controller.h"
+#include "core/files.h"
+#include "core/form_main.h"
+#include "core/job_commands.h"
+#include "core/platform.h"
+#include "core/refresh.h"
+#include "core/run.h"
+#include "core/units.h"
+
+namespace {
+
+// The list takes no view while it is filled, so no handler runs.
+void FillViewList(std::vector<std::string> names) {
+    Main.ComboSaveView.Items = std::move(names);
+    Main.ComboSaveView.Index = -1;
+    Main.ComboSaveView.Text.clear();
+}
+
+// A longer old file keeps its end behind the new job.
+void KeepOldEnd(std::string& bytes, const std::string& path) {
+    if (!File_Exist(path)) return;
+    const FileBytes old = ReadFile(path);
+    if (old.Size > bytes.size()) bytes += old.View().substr(bytes.size());
+}
+
+// Reads a file; false when the user does not want it read.
+bool ReadWithQuestions(const std::string& path, JobFileContent& content) {
+    const FileBytes file = ReadFile(path);
+    const JobFileHead head = ReadJobHead(file.View(), path);
+    if (!head.Known && !AskYesNo(kNoJobFileQuestion)) return false;
+    // The message of the version is shown before the fields are read, so that it stands before what is found
+    // wrong with them.
+    const std::string message = JobVersionMessage(head.Version);
+    if (!message.empty()) ShowMessage(message);
+    content = ReadJobBytes(file.View(), path, Job);
+    for (std::size_t i = message.empty() ? 0 : 1; i < content.Said.size(); ++i) ShowMessage(content.Said[i]);
+    return true;
+}
+
+// The program is without a job again.
+void ForgetPath() {
+    Run.JobFilePath.clear();
+    Initialisieren();
+}
+
+}  // namespace
+
+void SaveFileAs(const std::string& path) {
+    const BusyPointer busy;
+    std::string bytes = JobBytes(Job, Main.ComboSaveView.Items);
+    KeepOldEnd(bytes, path);
+    WriteFile(path, bytes);
+    ProgrammLogik();
+    LogikLastFileEXIT();
+    Run.JobDirty = kFalse;
+}
+
+void OpenFile(const std::string& path) {
+    CloseAllChildForms();
+    Initialisieren();
+    if (!File_Exist(path)) {
+        ShowMessage("File does not exist; maybe check the drive!?");
+        return;
+    }
+    FillViewList({});
+    Job.nSavedViews = 0;  // the views are found by the list alone
+    JobFileContent content;
+    try {
+        if (!ReadWithQuestions(path, content)) return ForgetPath();
+    } catch (const PlatformError&) {
+        ForgetPath();  // a job that is saved later must not replace the file that could not be read
+        throw;
+    }
+    // A message lets other work in, so nothing that was looked up before it is used from here on.
+    Job = std::move(content.Job);
+    ++Run.JobGeneration;
+    FillViewList(std::move(content.ViewNames));
+    // The kinds of target file that a job does not store are not those of the job before.
+    Run.IsDefault = Run.IsABBModx = Run.IsFanuc = Run.IsXYZABC = kFalse;
+    RhoFestlegung();
+    FuellenHaupttabelle();
+    if (IsLoaded("FormTrafoBerechnung")) INI_Formtrafoberechnung();
+    Run.JobDataValid = kTrue;
+    ProgrammLogik();
+}

@@ -1,0 +1,64 @@
+// The job file: one job in one binary file, a flat sequence of fields. docs/job-file.md tells the layout,
+// core/job_file_fields.h holds it as the table that reader and writer run.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/job.h"
+#include "core/job_file_fields.h"
+
+// --- Without windows --------------------------------------------------------------------------------------
+
+// What stands at the beginning of a file.
+struct JobFileHead {
+    // False: the file does not begin like a job file. The user is asked kNoJobFileQuestion, and on "Yes" it
+    // is read as one of version 1.2.40.
+    bool Known = true;
+    JobVersion Version;
+    std::size_t Length = 0;  // bytes of the version text with its length; 0 where the fields begin at once
+};
+extern const char* const kNoJobFileQuestion;
+
+// Throws PlatformError when the file ends inside the head. `path` is the name that errors give.
+JobFileHead ReadJobHead(std::string_view bytes, const std::string& path);
+
+// What the user is told of a file of another version than the program's; empty for the program's own.
+std::string JobVersionMessage(const JobVersion& version);
+
+inline constexpr const char* kViewsCannotBeLoaded = "Sorry, Saved Views can not be loaded";
+
+struct JobFileContent {
+    JobRecord Job;
+    std::vector<std::string> ViewNames;  // of the saved views, as many as Job.nSavedViews
+    JobVersion Version;                  // by which the last fields were read
+    bool HeadKnown = true;               // false: only on the user's wish is this a job file
+    std::vector<std::string> Said;       // the messages that opening it shows, in their order
+};
+
+// Reads a job of any version. A file without a known head is read as if the user had wished so.
+//   path     the name that errors give
+//   before   the job that is open now: what an old file does not have, and what then stays as it is
+//            (some entries of ParamText, RDist), is taken from here
+// Throws PlatformError with path, byte and field for bytes that are no job: cut off, with counts that do
+// not fit the bytes left or each other, with unknown tags. Takes memory of at most about ten times the
+// bytes.
+JobFileContent ReadJobBytes(std::string_view bytes, const std::string& path, const JobRecord& before = {});
+
+// A job as a file of the program's version. `viewNames` are the names of its saved views; without any the
+// file has no views. Throws PlatformError for a job that could not be read back: a text that is too long,
+// counts that do not fit the arrays.
+std::string JobBytes(const JobRecord& job, const std::vector<std::string>& viewNames);
+
+// What is wrong with a job's counts and the lengths of its arrays; empty when they fit each other.
+std::string JobFault(const JobRecord& job);
+
+// --- The open job -----------------------------------------------------------------------------------------
+
+// OpenFile, which opens a job file, is declared in core/refresh.h.
+
+// Writes the job that is open. The file is replaced in one step; where an old one is longer the rest of it
+// stays behind the job. Throws PlatformError when that is refused; Run.JobDirty then stays as it is.
+void SaveFileAs(const std::string& path);

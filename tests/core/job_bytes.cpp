@@ -1,0 +1,497 @@
+// Job files put together by hand.
+#include "core/job_bytes.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+
+HandBytes& HandBytes::Whole(std::uint64_t value, int bytes) {
+    for (int i = 0; i < bytes; ++i) {
+        Text += static_cast<char>(value & 0xFFU);
+        value >>= 8U;
+    }
+    return *this;
+}
+HandBytes& HandBytes::F32(float value) {
+    return Whole(std::bit_cast<std::uint32_t>(value), 4);
+}
+HandBytes& HandBytes::F64(double value) {
+    return Whole(std::bit_cast<std::uint64_t>(value), 8);
+}
+HandBytes& HandBytes::Tagged(const std::optional<double>& value) {
+    return value ? I16(5).F64(*value) : I16(0);
+}
+HandBytes& HandBytes::Shorts(const std::vector<std::string>& texts) {
+    I32(static_cast<int>(texts.size()) - 1);
+    for (const std::string& text : texts) Short(text);
+    return *this;
+}
+HandBytes& HandBytes::Taggeds(const std::vector<std::optional<double>>& values) {
+    I32(static_cast<int>(values.size()) - 1);
+    for (const auto& value : values) Tagged(value);
+    return *this;
+}
+HandBytes& HandBytes::F64s(const std::vector<double>& values) {
+    I32(static_cast<int>(values.size()) - 1);
+    for (const double value : values) F64(value);
+    return *this;
+}
+
+void HandPoints::Add(const std::string& name, double x, double y, double z) {
+    Name.push_back(name);
+    X.emplace_back(x);
+    Y.emplace_back(y);
+    Z.push_back(z);
+}
+
+// --- Examples ---------------------------------------------------------------------------------------------
+
+HandJob HandExample() {
+    HandJob job;
+    job.MCS.Add("A1", 1.5, -2.25, 3);
+    job.MCS.Add("B2", 100, 200, 300);
+    job.MCS.Add("a long name of a point", -1e-9, 1e9, 0.1);
+    job.MCS.Add("only start", 7, 8, 9);
+    job.OCS.Add("A1", 11.5, 12.25, 13);
+    job.OCS.Add("B2", 110, 210, 310);
+    job.OCS.Add("a long name of a point", 21, 22, 23);
+    job.OCS.Add("only target", 31, 32, 33);
+    job.OCS.Add("T5", 41, 42, 43);
+    job.TMCS = job.MCS;
+    for (std::size_t i = 1; i < job.TMCS.Z.size(); ++i) job.TMCS.Z[i] += 0.5;
+    job.nIdent = 3;
+    job.nMCS = 4;
+    job.nOCS = 5;
+    job.UseFlags = {0, 1, 0, 1, 1, 1, 1, 0, 0, 1};
+    for (std::size_t i = 0; i < job.ParamText.size(); ++i)
+        job.ParamText[i] = i % 3 == 0 ? "float" : "p" + std::to_string(i);
+    job.ParamText[0] = "";
+    job.Direction = false;
+    job.AutoRecalc = true;
+    for (std::size_t i = 0; i < job.Results.size(); ++i) job.Results[i] = 0.25 + static_cast<double>(i);
+    job.RDist = 77.5;
+    job.LengthUnit = "inch";
+    job.AngleUnit = "mrad";
+    job.LengthDigits = 5;
+    job.AngleDigits = 2;
+    job.NormType = 3;
+    job.SeedName = {"", "B2", "A1", "s3"};
+    job.SeedIndex = {0, 2, 1, 3};
+    job.NameMCS = "Tracker";
+    job.NameOCS = "Cell";
+    job.PathMCS = "/data/start.txt";
+    job.PathOCS = "/data/target.txt";
+    job.ViewAll = {true, false, false, true};
+    return job;
+}
+
+HandJob HandRobotExample() {
+    HandJob job = HandExample();
+    job.IsKuka = true;
+    job.Robot = {{0, 0, 0, 0}, {0, 0.1, 0.2, 0.3}, {0, 1.1, 1.2, 1.3}};
+    job.RVecX = {{}, 5.5, {}, 6.5};
+    job.RVecY = {{}, -5.5, 0, {}};
+    job.RVecZ = {0, 1, 2, 3};
+    job.ViewNames = {"Front", "Side"};
+    job.ViewSeed = 100;
+    return job;
+}
+
+HandJob HandParaboloidExample() {
+    HandJob job = HandExample();
+    job.Shape = {{{0, 0, 0}, {0, 10, 20}, {0, 30, 40}}};
+    return job;
+}
+
+// --- Groups of fields that no version has changed ---------------------------------------------------------
+
+namespace {
+
+void PutPoints(HandBytes& out, const HandPoints& points) {
+    out.Shorts(points.Name).Taggeds(points.X).Taggeds(points.Y).F64s(points.Z);
+}
+
+// Fields 2 to 15.
+void PutPointSets(HandBytes& out, const HandJob& job) {
+    PutPoints(out, job.MCS);
+    PutPoints(out, job.OCS);
+    PutPoints(out, job.TMCS);
+    out.I32(job.nIdent).I32(job.nMCS).I32(job.nOCS);
+    out.I32(static_cast<int>(job.UseFlags.size()) - 1);
+    for (const int flag : job.UseFlags) out.I16(flag);
+}
+
+void PutParamText(HandBytes& out, const HandJob& job, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) out.Short(job.ParamText[i]);
+}
+
+// Fields 17 to 19.
+void PutResults(HandBytes& out, const HandJob& job) {
+    out.Flag(job.Direction).Flag(job.AutoRecalc);
+    for (const double value : job.Results) out.F64(value);
+}
+
+// Fields 21 to 25.
+void PutUnitsToPaths(HandBytes& out, const HandJob& job) {
+    out.Long(job.LengthUnit).Long(job.AngleUnit);
+    out.I16(job.LengthDigits).I16(job.AngleDigits).I16(job.NormType);
+    for (const std::string& name : job.SeedName) out.Short(name);
+    for (const int index : job.SeedIndex) out.I16(index);
+    out.Long(job.NameMCS).Long(job.NameOCS).Long(job.PathMCS).Long(job.PathOCS);
+}
+
+void PutViewFlags(HandBytes& out, const HandJob& job) {
+    for (const bool flag : job.ViewAll) out.Flag(flag);
+}
+
+// Fields 27 and 28.
+void PutParaboloid(HandBytes& out, const HandJob& job) {
+    out.Flag(job.Shape.has_value());
+    if (!job.Shape) return;
+    out.I32(static_cast<int>(job.Shape->size()) - 1);
+    for (std::size_t column = 0; column < 3; ++column)
+        for (const auto& row : *job.Shape) out.F64(row[column]);
+}
+
+// Field 29.
+void PutViews(HandBytes& out, const HandJob& job) {
+    out.I16(static_cast<int>(job.ViewNames.size()));
+    if (job.ViewNames.empty()) return;
+    out.Shorts(job.ViewNames);
+    for (int i = 0; i < 51; ++i) PutHandView(out, job.ViewSeed + 100 * i);
+}
+
+// Fields 30 and 31.
+void PutRobot(HandBytes& out, const HandJob& job) {
+    out.Flag(job.IsKuka).Flag(job.IsQuaternion);
+    if (!job.IsKuka && !job.IsQuaternion) return;
+    out.I32(static_cast<int>(job.Robot.size()) - 1);
+    for (std::size_t column = 0; column < 4; ++column)
+        for (const auto& row : job.Robot) out.F64(row[column]);
+    out.Taggeds(job.RVecX).Taggeds(job.RVecY).F64s(job.RVecZ);
+}
+
+}  // namespace
+
+// --- Versions ---------------------------------------------------------------------------------------------
+
+std::string HandFile(const HandJob& job, const std::string& version) {
+    HandBytes out;
+    out.Long(version);
+    PutPointSets(out, job);
+    PutParamText(out, job, 18);
+    PutResults(out, job);
+    out.F64(job.RDist);
+    PutUnitsToPaths(out, job);
+    PutViewFlags(out, job);
+    PutParaboloid(out, job);
+    PutViews(out, job);
+    PutRobot(out, job);
+    return out.Text;
+}
+
+std::string HandFile15(const HandJob& job, const std::string& version) {
+    HandBytes out;
+    out.Long(version);
+    PutPointSets(out, job);
+    PutParamText(out, job, 15);
+    PutResults(out, job);
+    out.F64(job.RDist);
+    PutUnitsToPaths(out, job);
+    PutViewFlags(out, job);
+    PutParaboloid(out, job);
+    PutViews(out, job);
+    PutRobot(out, job);
+    return out.Text;
+}
+
+std::string HandFile46(const HandJob& job, const std::string& version) {
+    HandBytes out;
+    out.Long(version);
+    PutPointSets(out, job);
+    PutParamText(out, job, 15);
+    PutResults(out, job);
+    out.F64(job.RDist);
+    PutUnitsToPaths(out, job);
+    PutViewFlags(out, job);
+    PutParaboloid(out, job);
+    PutViews(out, job);
+    return out.Text;
+}
+
+std::string HandFile72(const HandJob& job, const std::string& version) {
+    HandBytes out;
+    out.Long(version);
+    PutPointSets(out, job);
+    PutParamText(out, job, 18);
+    PutResults(out, job);
+    out.F64(job.RDist);
+    PutUnitsToPaths(out, job);
+    PutViewFlags(out, job);
+    PutParaboloid(out, job);
+    PutViews(out, job);
+    return out.Text;
+}
+
+std::string HandFile71(const HandJob& job, const std::string& version) {
+    HandBytes out;
+    out.Long(version);
+    PutPointSets(out, job);
+    PutParamText(out, job, 18);
+    PutResults(out, job);
+    out.F64(job.RDist);
+    PutUnitsToPaths(out, job);
+    PutViewFlags(out, job);
+    return out.Text;
+}
+
+std::string HandFile68(const HandJob& job, const std::string& version) {
+    HandBytes out;
+    PutPointSets(out, job);
+    PutParamText(out, job, 14);
+    PutResults(out, job);
+    PutUnitsToPaths(out, job);
+    out.Long(version);
+    PutViewFlags(out, job);
+    return out.Text;
+}
+
+std::string HandFile40(const HandJob& job, const std::string& version) {
+    HandBytes out;
+    PutPointSets(out, job);
+    PutParamText(out, job, 14);
+    PutResults(out, job);
+    PutUnitsToPaths(out, job);
+    out.Long(version);
+    return out.Text;
+}
+
+// --- Views ------------------------------------------------------------------------------------------------
+
+void PutHandView(HandBytes& out, int seed, const HandViewSizes& sizes) {
+    int n = seed;
+    const auto i16 = [&](int count) {
+        while (count-- > 0) out.I16(n++);
+    };
+    const auto f32 = [&](int count) {
+        while (count-- > 0) out.F32(static_cast<float>(n++));
+    };
+    const auto f64 = [&](int count) {
+        while (count-- > 0) out.F64(n++);
+    };
+    i16(3);              // VectorMode, BigNess, FlagMode
+    f32(4);              // BildFaktor, BildOffsetX, BildOffsetY, Vec_Maßstab
+    i16(1);              // GridLength
+    if (sizes.Angles) {  // RotAngles (1 to 2, 1 to 3)
+        out.I16(2).I32(2).I32(1).I32(3).I32(1);
+        f64(6);
+    } else {
+        out.I16(0);
+    }
+    i16(1);                // flag count
+    if (sizes.Rows > 0) {  // flag by row (1 to rows)
+        out.I16(1).I32(sizes.Rows).I32(1);
+        i16(sizes.Rows);
+    } else {
+        out.I16(0);
+    }
+    if (sizes.Flags > 0) {  // flag records (0 to flags - 1)
+        out.I16(1).I32(sizes.Flags).I32(0);
+    } else {
+        out.I16(0);
+    }
+    for (int flag = 0; flag < sizes.Flags; ++flag) {
+        i16(26);  // ShowPointNumber to Italic
+        out.Short("font" + std::to_string(n++));
+        f32(1);        // Size
+        i16(2);        // Strikethrough, Underline
+        f32(1);        // Weight
+        out.I32(n++);  // Forecolor
+    }
+    i16(6);                                 // active flag, width, height, AnzKlassenPos, Neg, AusserhalbTol
+    f64(2);                                 // Min, Max
+    i16(3);                                 // showVeX, showVeY, showVeZ
+    out.Short("c" + std::to_string(n++));   // ColorBased
+    i16(1);                                 // ShowOnlyUsedComponent
+    out.I32(n++);                           // OuterColor
+    out.Short("cs" + std::to_string(n++));  // CS_Type
+    i16(4);                                 // BinärModus, BlackPlane, BlackPlaneBorders, BlackInitial
+    f32(2);                                 // frame offset
+    f64(2);                                 // frame factor, slab thickness
+    f64(16);                                // frame inverse, column by column
+    f32(1);                                 // top depth
+    i16(3);                                 // GridXY, GridYZ, GridZX
+    for (int i = 0; i < 3; ++i) out.I32(n++);  // ADis, BDis, Cdis
+    i16(1);                                    // ShowGridDim
+    if (sizes.Lines > 0) {                     // line table (1 to 2, 0 to lines - 1)
+        out.I16(2).I32(2).I32(1).I32(sizes.Lines).I32(0);
+        i16(2 * sizes.Lines);
+    } else {
+        out.I16(0);
+    }
+    out.I32(n++);  // line start row
+    i16(1);        // LineMode
+    out.I32(n++);  // selected line
+}
+
+void ExpectHandView(const ScreenRecord& view, int seed, const HandViewSizes& sizes) {
+    int n = seed;
+    EXPECT_EQ(view.VectorMode, n++);
+    EXPECT_EQ(view.BigNess, n++);
+    EXPECT_EQ(view.FlagMode, n++);
+    EXPECT_EQ(view.BildFaktor, static_cast<float>(n++));
+    EXPECT_EQ(view.BildOffsetX, static_cast<float>(n++));
+    EXPECT_EQ(view.BildOffsetY, static_cast<float>(n++));
+    EXPECT_EQ(view.Vec_Maßstab, static_cast<float>(n++));
+    EXPECT_EQ(view.GridLength, n++);
+    ASSERT_EQ(view.RotAngles.size(), sizes.Angles ? 6U : 0U);
+    for (const double angle : view.RotAngles) EXPECT_EQ(angle, n++);
+    EXPECT_EQ(view.FlagCount, n++);
+    ASSERT_EQ(view.FlagIndex.size(), static_cast<std::size_t>(sizes.Rows));
+    for (const std::int16_t flag : view.FlagIndex) EXPECT_EQ(flag, n++);
+    ASSERT_EQ(view.Flags.size(), static_cast<std::size_t>(sizes.Flags));
+    for (const FlagRecord& flag : view.Flags) {
+        for (
+            const std::int16_t value :
+            {flag.ShowPointNumber, flag.ShowActual,    flag.ShowNominal, flag.ShowDevXYZ, flag.showX,
+             flag.showY,           flag.showZ,         flag.show3D,      flag.showR,      flag.showPhi,
+             flag.showRho,         flag.showTheta,     flag.ShowDev,     flag.ShowTolCol, flag.ShowLegendeXYZ,
+             flag.ShowLegendeName, flag.ShowUseNotUse, flag.ShowGrid,    flag.ChangeAll,  flag.SnaptoGrid,
+             flag.WithinScreen,    flag.Left,          flag.Top,         flag.Bold,       flag.Charset,
+             flag.Italic})
+            EXPECT_EQ(value, n++);
+        EXPECT_EQ(flag.Name, "font" + std::to_string(n++));
+        EXPECT_EQ(flag.Size, static_cast<float>(n++));
+        EXPECT_EQ(flag.Strikethrough, n++);
+        EXPECT_EQ(flag.Underline, n++);
+        EXPECT_EQ(flag.Weight, static_cast<float>(n++));
+        EXPECT_EQ(flag.Forecolor, n++);
+    }
+    EXPECT_EQ(view.ActiveFlag, n++);
+    EXPECT_EQ(view.WindowWidth, n++);
+    EXPECT_EQ(view.WindowHeight, n++);
+    EXPECT_EQ(view.AnzKlassenPos, n++);
+    EXPECT_EQ(view.AnzKlassenNeg, n++);
+    EXPECT_EQ(view.AusserhalbTol, n++);
+    EXPECT_EQ(view.Min, n++);
+    EXPECT_EQ(view.Max, n++);
+    EXPECT_EQ(view.showVeX, n++);
+    EXPECT_EQ(view.showVeY, n++);
+    EXPECT_EQ(view.showVeZ, n++);
+    EXPECT_EQ(view.ColorBased, "c" + std::to_string(n++));
+    EXPECT_EQ(view.ShowOnlyUsedComponent, n++);
+    EXPECT_EQ(view.OuterColor, n++);
+    EXPECT_EQ(view.CS_Type, "cs" + std::to_string(n++));
+    EXPECT_EQ(view.BinärModus, n++);
+    EXPECT_EQ(view.BlackPlane, n++);
+    EXPECT_EQ(view.BlackPlaneBorders, n++);
+    EXPECT_EQ(view.BlackInitial, n++);
+    EXPECT_EQ(view.FrameOffsetX, static_cast<float>(n++));
+    EXPECT_EQ(view.FrameOffsetY, static_cast<float>(n++));
+    EXPECT_EQ(view.FrameFactor, n++);
+    EXPECT_EQ(view.SlabThickness, n++);
+    for (int column = 0; column <= 3; ++column)
+        for (int row = 0; row <= 3; ++row) EXPECT_EQ(view.FrameInverse(row, column), n++);
+    EXPECT_EQ(view.TopDepth, static_cast<float>(n++));
+    EXPECT_EQ(view.GridXY, n++);
+    EXPECT_EQ(view.GridYZ, n++);
+    EXPECT_EQ(view.GridZX, n++);
+    EXPECT_EQ(view.ADis, n++);
+    EXPECT_EQ(view.BDis, n++);
+    EXPECT_EQ(view.Cdis, n++);
+    EXPECT_EQ(view.ShowGridDim, n++);
+    ASSERT_EQ(view.LineTable.size(), static_cast<std::size_t>(2 * sizes.Lines));
+    for (const std::int16_t end : view.LineTable) EXPECT_EQ(end, n++);
+    EXPECT_EQ(view.LineStartRow, n++);
+    EXPECT_EQ(view.LineMode, n++);
+    EXPECT_EQ(view.SelectedLine, n++);
+}
+
+// --- Comparison -------------------------------------------------------------------------------------------
+
+namespace {
+
+int FlagOf(bool value) {
+    return value ? -1 : 0;
+}
+
+}  // namespace
+
+void ExpectJob(const JobRecord& job, const HandJob& hand) {
+    EXPECT_EQ(job.MCS_Name, hand.MCS.Name);
+    EXPECT_EQ(job.MCS_X, hand.MCS.X);
+    EXPECT_EQ(job.MCS_Y, hand.MCS.Y);
+    EXPECT_EQ(job.MCS_Z, hand.MCS.Z);
+    EXPECT_EQ(job.OCS_Name, hand.OCS.Name);
+    EXPECT_EQ(job.OCS_X, hand.OCS.X);
+    EXPECT_EQ(job.OCS_Y, hand.OCS.Y);
+    EXPECT_EQ(job.OCS_Z, hand.OCS.Z);
+    EXPECT_EQ(job.TMCS_Name, hand.TMCS.Name);
+    EXPECT_EQ(job.TMCS_X, hand.TMCS.X);
+    EXPECT_EQ(job.TMCS_Y, hand.TMCS.Y);
+    EXPECT_EQ(job.TMCS_Z, hand.TMCS.Z);
+    EXPECT_EQ(job.nIdent, hand.nIdent);
+    EXPECT_EQ(job.nMCS, hand.nMCS);
+    EXPECT_EQ(job.nOCS, hand.nOCS);
+    EXPECT_EQ(job.nMCSOnly, hand.nMCS - hand.nIdent);
+    EXPECT_EQ(job.nOCSOnly, hand.nOCS - hand.nIdent);
+    EXPECT_EQ(std::vector<int>(job.UseFlags.begin(), job.UseFlags.end()), hand.UseFlags);
+    EXPECT_EQ(job.ParamText, hand.ParamText);
+    EXPECT_EQ(job.DirectionMCStoOCS, FlagOf(hand.Direction));
+    EXPECT_EQ(job.AutoRecalc, 0);  // whatever the file says
+    const std::array<double, 13> results = {job.TraX,    job.TraY,    job.TraZ,      job.RotX,   job.RotY,
+                                            job.RotZ,    job.ScaleX,  job.ScaleY,    job.ScaleZ, job.ScaleXYZ,
+                                            job.AngleXY, job.Azimuth, job.AngleZtoXY};
+    EXPECT_EQ(results, hand.Results);
+    EXPECT_EQ(job.RotXCopy, hand.Results[3]);
+    EXPECT_EQ(job.RotYCopy, hand.Results[4]);
+    EXPECT_EQ(job.RotZCopy, hand.Results[5]);
+    EXPECT_EQ(job.RDist, hand.RDist);
+    EXPECT_EQ(job.LengthUnitName, hand.LengthUnit);
+    EXPECT_EQ(job.AngleUnitName, hand.AngleUnit);
+    EXPECT_EQ(job.LengthDigits, hand.LengthDigits);
+    EXPECT_EQ(job.AngleDigits, hand.AngleDigits);
+    EXPECT_EQ(job.NormType, hand.NormType);
+    EXPECT_EQ(job.SeedName, hand.SeedName);
+    EXPECT_TRUE(std::equal(job.SeedIndex.begin(), job.SeedIndex.end(), hand.SeedIndex.begin()));
+    EXPECT_EQ(job.NameMCS, hand.NameMCS);
+    EXPECT_EQ(job.NameOCS, hand.NameOCS);
+    EXPECT_EQ(job.PathMCS, hand.PathMCS);
+    EXPECT_EQ(job.PathOCS, hand.PathOCS);
+    EXPECT_EQ(job.ViewAllMCS, FlagOf(hand.ViewAll[0]));
+    EXPECT_EQ(job.ViewAllOCS, FlagOf(hand.ViewAll[1]));
+    EXPECT_EQ(job.ViewAllonlyMCS, FlagOf(hand.ViewAll[2]));
+    EXPECT_EQ(job.ViewAllonlyOCS, FlagOf(hand.ViewAll[3]));
+    EXPECT_EQ(job.IsParaboloid, FlagOf(hand.Shape.has_value()));
+    if (hand.Shape) {
+        ASSERT_EQ(job.ParaboloidShape.Rows, static_cast<int>(hand.Shape->size()) - 1);
+        ASSERT_EQ(job.ParaboloidShape.Columns, 2);
+        for (int row = 0; row <= job.ParaboloidShape.Rows; ++row)
+            for (std::size_t column = 0; column < 3; ++column)
+                EXPECT_EQ(job.ParaboloidShape(row, static_cast<int>(column)),
+                          (*hand.Shape)[static_cast<std::size_t>(row)][column]);
+    } else {
+        EXPECT_EQ(job.ParaboloidShape.Rows, -1);
+    }
+    EXPECT_EQ(job.nSavedViews, static_cast<int>(hand.ViewNames.size()));
+    if (!hand.ViewNames.empty())
+        for (int i = 0; i < 51; ++i) {
+            SCOPED_TRACE("view record " + std::to_string(i));
+            ExpectHandView(job.SavedView[static_cast<std::size_t>(i)], hand.ViewSeed + 100 * i);
+        }
+    EXPECT_EQ(job.IsKuka, FlagOf(hand.IsKuka));
+    EXPECT_EQ(job.IsQuaternion, FlagOf(hand.IsQuaternion));
+    if (!hand.IsKuka && !hand.IsQuaternion) {
+        EXPECT_EQ(job.RobotABC.Rows, -1);
+        return;
+    }
+    ASSERT_EQ(job.RobotABC.Rows, static_cast<int>(hand.Robot.size()) - 1);
+    ASSERT_EQ(job.RobotABC.Columns, 3);
+    for (int row = 0; row <= job.RobotABC.Rows; ++row)
+        for (std::size_t column = 0; column < 4; ++column)
+            EXPECT_EQ(job.RobotABC(row, static_cast<int>(column)),
+                      hand.Robot[static_cast<std::size_t>(row)][column]);
+    EXPECT_EQ(job.RVecX, hand.RVecX);
+    EXPECT_EQ(job.RVecY, hand.RVecY);
+    EXPECT_EQ(job.RVecZ, hand.RVecZ);
+}
