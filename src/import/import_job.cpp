@@ -342,5 +342,5 @@ void ClipboardRoundTrip() {
     add("Spanne x ", Span(Job.TMCS_X, Job.OCS_X));
     add("Spanne y ", Span(Job.TMCS_Y, Job.OCS_Y));
     add("Spanne z ", Span(Job.TMCS_Z, Job.OCS_Z));
-    if (!SetClipboardText(text)) ShowMessage(kClipboardRefused);
+    ToClipboard(text);
 }
