@@ -3,7 +3,6 @@
 #include <benchmark/benchmark.h>
 
 #include "core/fresh_start.h"
-#include "core/job.h"
 #include "core/window.h"
 #include "engine/calculation_window.h"
 #include "engine/form_trafo_berechnung.h"
@@ -12,23 +11,7 @@
 namespace {
 
 void OpenWithPoints(int points) {
-    FreshStart();
-    const FitData data = MakeFitData(points, 7);
-    for (std::size_t i = 0; i < data.Start.size(); ++i) {
-        Job.MCS_Name.push_back("P" + std::to_string(i + 1));
-        Job.MCS_X.push_back(data.Start[i][0]);
-        Job.MCS_Y.push_back(data.Start[i][1]);
-        Job.MCS_Z.push_back(data.Start[i][2]);
-        Job.OCS_X.push_back(data.Target[i][0]);
-        Job.OCS_Y.push_back(data.Target[i][1]);
-        Job.OCS_Z.push_back(data.Target[i][2]);
-    }
-    Job.OCS_Name = Job.TMCS_Name = Job.MCS_Name;
-    Job.TMCS_X = Job.MCS_X;
-    Job.TMCS_Y = Job.MCS_Y;
-    Job.TMCS_Z = Job.MCS_Z;
-    Job.UseFlags.assign(3 * data.Start.size() + 1, 1);
-    Job.nIdent = Job.nMCS = Job.nOCS = points;
+    FillJob(MakeFitData(points, 7), 7);
     ShowWindow("FormTrafoBerechnung");
     LookAt(TrafoWindow.Tabelle.Grid);
 }
