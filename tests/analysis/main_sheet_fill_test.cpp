@@ -1,7 +1,7 @@
 // When the main sheet is filled, what may happen while it is, and what it never shows.
+#include "analysis/import_files.h"
 #include "analysis/main_sheet_job.h"
 #include "core/form_units.h"
-#include "import/form_input_files.h"
 
 namespace {
 
@@ -21,14 +21,8 @@ protected:
         EXPECT_EQ(Main.MenuVievMainSheet.Checked, IsLoaded("FormMainSheet"));
     }
     void Import(const std::string& start, const std::string& target) const {
-        ShowWindow("FormInputFiles");
-        UserSetIndex(InputFiles.ComboOCS_Data, 0);
-        UserSetText(InputFiles.TextNameMCS, Write("start.txt", start));
-        UserSetText(InputFiles.TextNameOCS, Write("target.txt", target));
-        UserSetText(InputFiles.TextRenameMCS, "Tracker");
-        UserSetText(InputFiles.TextRenameOCS, "CAD");
-        Headless.Answers["message"].push_back("Yes");
-        UserClick(InputFiles.BtnApply);
+        Headless.Answers["message"].push_back("Yes");  // the old points go
+        ImportFiles(Write("start.txt", start), Write("target.txt", target));
         Headless.Answers["message"].clear();
     }
     // Another job of two pairs "Q1", "Q2" takes the place of the present one, as opening one does.
