@@ -16,20 +16,12 @@
 #include "engine/design.h"
 #include "engine/selection.h"
 #include "fit_data.h"
+#include "timing.h"
 #ifdef CORVINADE_BENCH_EIGEN
 #include "eigen_fit.h"
 #endif
 
 namespace {
-
-double Milliseconds(std::chrono::steady_clock::time_point begin) {
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
-}
-
-double Median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values.empty() ? 0 : values[values.size() / 2];
-}
 
 void Adjustment_Fit(benchmark::State& state) {
     const int points = static_cast<int>(state.range(0)), parameters = static_cast<int>(state.range(1));

@@ -14,6 +14,7 @@
 #include "engine/design.h"
 #include "engine/norms.h"
 #include "fit_data.h"
+#include "timing.h"
 #ifdef CORVINADE_BENCH_EIGEN
 #include "eigen_fit.h"
 #endif
@@ -42,15 +43,6 @@ bool Calculate(NormFit& fit) {
     fit.ParamText = Job.ParamText;
     fit.P.assign(static_cast<std::size_t>(fit.n) + 1, 1);
     return FitInNorm(fit) && Norm.Converged;
-}
-
-double Milliseconds(std::chrono::steady_clock::time_point begin) {
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
-}
-
-double Median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values.empty() ? 0 : values[values.size() / 2];
 }
 
 double SumOf(const std::vector<std::array<double, 3>>& residuals) {

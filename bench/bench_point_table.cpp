@@ -3,32 +3,16 @@
 #include <benchmark/benchmark.h>
 
 #include "core/fresh_start.h"
-#include "core/job.h"
 #include "core/window.h"
 #include "engine/calculation_window.h"
 #include "engine/form_trafo_berechnung.h"
 #include "fit_data.h"
+#include "grid_screen.h"
 
 namespace {
 
 void OpenWithPoints(int points) {
-    FreshStart();
-    const FitData data = MakeFitData(points, 7);
-    for (std::size_t i = 0; i < data.Start.size(); ++i) {
-        Job.MCS_Name.push_back("P" + std::to_string(i + 1));
-        Job.MCS_X.push_back(data.Start[i][0]);
-        Job.MCS_Y.push_back(data.Start[i][1]);
-        Job.MCS_Z.push_back(data.Start[i][2]);
-        Job.OCS_X.push_back(data.Target[i][0]);
-        Job.OCS_Y.push_back(data.Target[i][1]);
-        Job.OCS_Z.push_back(data.Target[i][2]);
-    }
-    Job.OCS_Name = Job.TMCS_Name = Job.MCS_Name;
-    Job.TMCS_X = Job.MCS_X;
-    Job.TMCS_Y = Job.MCS_Y;
-    Job.TMCS_Z = Job.MCS_Z;
-    Job.UseFlags.assign(3 * data.Start.size() + 1, 1);
-    Job.nIdent = Job.nMCS = Job.nOCS = points;
+    FillJob(MakeFitData(points, 7), 7);
     ShowWindow("FormTrafoBerechnung");
     LookAt(TrafoWindow.Tabelle.Grid);
 }
@@ -63,13 +47,7 @@ BENCHMARK(BM_PointTableSort)
 
 void BM_PointTableScreen(benchmark::State& state) {
     OpenWithPoints(static_cast<int>(state.range(0)));
-    GridState& grid = TrafoWindow.Tabelle.Grid;
-    for (auto _ : state)
-        for (int row = 50'000; row < 50'050; ++row)
-            for (int col = 0; col < grid.Cols; ++col) {
-                benchmark::DoNotOptimize(CellText(grid, row, col));
-                benchmark::DoNotOptimize(CellBackColor(grid, row, col));
-            }
+    for (auto _ : state) LookAtScreen(TrafoWindow.Tabelle.Grid);
     FreshStart();
 }
 BENCHMARK(BM_PointTableScreen)->Arg(100'000)->Unit(benchmark::kMillisecond);

@@ -2,6 +2,7 @@
 #include "fit_data.h"
 
 #include <cstdint>
+#include <string>
 
 #include "core/fresh_start.h"
 #include "core/job.h"
@@ -29,26 +30,30 @@ struct Uniform {
 
 }  // namespace
 
-FitData MakeFitData(int points, int parameters) {
-    FitData data;
-    data.Truth = {12000, -7000, 800, 0.4, -0.3, 1.1, 1.0002, 1.0002, 1.0002, 0, 0, 0};
-    if (parameters == 12) {
-        data.Truth = {12000, -7000, 800, 0.4, -0.3, 1.1, 1.0002, 0.9997, 1.0005, 0.002, 0.7, 0.003};
-    }
+void TakeTruth(const FitData& data) {
     const auto& t = data.Truth;
-    const JobRecord kept = Job;
-    Job.RotXCopy = t[3];
-    Job.RotYCopy = t[4];
-    Job.RotZCopy = t[5];
+    Job.TraX = t[0];
+    Job.TraY = t[1];
+    Job.TraZ = t[2];
+    Job.RotX = Job.RotXCopy = t[3];
+    Job.RotY = Job.RotYCopy = t[4];
+    Job.RotZ = Job.RotZCopy = t[5];
     Job.ScaleX = t[6];
     Job.ScaleY = t[7];
     Job.ScaleZ = t[8];
     Job.AngleXY = t[9];
     Job.Azimuth = t[10];
     Job.AngleZtoXY = t[11];
-    Job.TraX = t[0];
-    Job.TraY = t[1];
-    Job.TraZ = t[2];
+}
+
+FitData MakeFitData(int points, int parameters) {
+    FitData data;
+    data.Truth = {12000, -7000, 800, 0.4, -0.3, 1.1, 1.0002, 1.0002, 1.0002, 0, 0, 0};
+    if (parameters == 12) {
+        data.Truth = {12000, -7000, 800, 0.4, -0.3, 1.1, 1.0002, 0.9997, 1.0005, 0.002, 0.7, 0.003};
+    }
+    const JobRecord kept = Job;
+    TakeTruth(data);
     Uniform random;
     data.Start.resize(static_cast<std::size_t>(points));
     data.Target.resize(data.Start.size());
@@ -70,6 +75,7 @@ void FillJob(const FitData& data, int parameters) {
     Settings.RawScale = 2;
     const std::size_t n = data.Start.size();
     for (std::size_t i = 0; i < n; ++i) {
+        Job.MCS_Name.push_back("P" + std::to_string(i + 1));
         Job.MCS_X.push_back(data.Start[i][0]);
         Job.MCS_Y.push_back(data.Start[i][1]);
         Job.MCS_Z.push_back(data.Start[i][2]);
@@ -77,6 +83,10 @@ void FillJob(const FitData& data, int parameters) {
         Job.OCS_Y.push_back(data.Target[i][1]);
         Job.OCS_Z.push_back(data.Target[i][2]);
     }
+    Job.OCS_Name = Job.TMCS_Name = Job.MCS_Name;
+    Job.TMCS_X = Job.MCS_X;
+    Job.TMCS_Y = Job.MCS_Y;
+    Job.TMCS_Z = Job.MCS_Z;
     Job.UseFlags.assign(3 * n + 1, 1);
     Job.nIdent = Job.nMCS = Job.nOCS = static_cast<std::int32_t>(n);
     Job.ParamText.fill(kNotUsed);

@@ -14,6 +14,9 @@ struct FitData {
 //   parameters  7: one scale for all axes; 12: three scales and the oblique frame
 FitData MakeFitData(int points, int parameters);
 
-// A new program with these pairs as its job, all coordinates in use: shifts and rotations float, and with 7
-// parameters one scale, with 12 three scales and the oblique frame.
+// A new program with these pairs as its job, named and all coordinates in use: shifts and rotations float,
+// and with 7 parameters one scale, with 12 three scales and the oblique frame.
 void FillJob(const FitData& data, int parameters);
+
+// The true parameters as those of the job.
+void TakeTruth(const FitData& data);

@@ -39,10 +39,6 @@ void ReadBundleFile(const std::string&) {
     Missing("read bundle files");
 }
 
-void FuellenHaupttabelle() {}
-void MainSheet_UnitsChanged() {}
-void MainSheet_ShowPoint(int) {}
-
 void CountChildForms(std::int16_t& count) {
     count = 0;
 }

@@ -1,5 +1,6 @@
 // The tables above all rooms: every window, and every record with mutable state.
 #include "analysis/form_input_statistic.h"
+#include "analysis/form_main_sheet.h"
 #include "analysis/form_options.h"
 #include "core/controller.h"
 #include "core/form_help_info.h"
@@ -29,9 +30,9 @@
 namespace {
 
 const WindowEntry* const kWindows[] = {
-    &FormMain_Entry,        &FormUnits_Entry,           &FormMenuHelpInfo_Entry,
-    &FormProgressBar_Entry, &FormInputFiles_Entry,      &FormInputStatistic_Entry,
-    &FormOptions_Entry,     &FormTrafoBerechnung_Entry, &FormTrafoDetails_Entry,
+    &FormMain_Entry,         &FormUnits_Entry,          &FormMenuHelpInfo_Entry, &FormProgressBar_Entry,
+    &FormInputFiles_Entry,   &FormInputStatistic_Entry, &FormOptions_Entry,      &FormTrafoBerechnung_Entry,
+    &FormTrafoDetails_Entry, &FormMainSheet_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.
@@ -50,6 +51,7 @@ void (*const kRecords[])() = {
     [] { Noise = NoiseRecord{}; },
     [] { Inverse = InverseRecord{}; },
     [] { Spezial = SpezialRecord{}; },
+    [] { MainSheet = MainSheetRecord{}; },
 };
 
 }  // namespace

@@ -213,6 +213,10 @@ void ProgrammLogik() {
     if (graphicsWindows > 0) FollowTopGraphicsWindow();
 }
 
+void FuellenMainSheet() {
+    if (IsLoaded("FormMainSheet")) FuellenHaupttabelle();
+}
+
 void CloseAllChildForms() {
     CloseAllGraphicsWindows();
     for (const WindowEntry* window : AllWindows())

@@ -18,6 +18,9 @@ void Initialisieren();
 // every change of the job's validity, the result's validity or the number of graphics windows.
 void ProgrammLogik();
 
+// Refills the main sheet where it is open.
+void FuellenMainSheet();
+
 // Closes all child windows; the main window stays.
 void CloseAllChildForms();
 

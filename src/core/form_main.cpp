@@ -31,7 +31,7 @@ const ControlEntry kControls[] = {
     {"MenüDateiAlt4", &Main.MenüDateiAlt4, {.Click = FormMain::MenüDateiAlt4_Click}, "MenuFile"},
     {"MenuFileExit", &Main.MenuFileExit, {.Click = FormMain::MenuFileExit_Click}, "MenuFile"},
     {"MenuEdit", &Main.MenuEdit},
-    {"MenuEditCopy", &Main.MenuEditCopy, {}, "MenuEdit"},
+    {"MenuEditCopy", &Main.MenuEditCopy, {.Click = FormMain::MenuEditCopy_Click}, "MenuEdit"},
     {"MenuEditGraphData", &Main.MenuEditGraphData, {}, "MenuEdit"},
     {"MenuView", &Main.MenuView},
     {"MenuVievMainSheet", &Main.MenuVievMainSheet, {.Click = FormMain::MenuVievMainSheet_Click}, "MenuView"},
@@ -114,7 +114,7 @@ const ControlEntry kControls[] = {
      &Main.Toolbar1_InputFiles,
      {.Click = FormMain::MenuFileInputFiles_Click},
      "Toolbar1"},
-    {"Toolbar1.Copy", &Main.Toolbar1_Copy, {}, "Toolbar1"},
+    {"Toolbar1.Copy", &Main.Toolbar1_Copy, {.Click = FormMain::MenuEditCopy_Click}, "Toolbar1"},
     {"Toolbar1.TrafoBerechnung",
      &Main.Toolbar1_TrafoBerechnung,
      {.Click = FormMain::MenuTransformationCalculation_Click},
@@ -196,6 +196,10 @@ void FormMain::MenüDateiAlt4_Click() {
 }
 void FormMain::MenuFileExit_Click() {
     CloseProgram();
+}
+void FormMain::MenuEditCopy_Click() {
+    Main.MenuEdit.Value = 0;
+    MainSheet_Copy();
 }
 void FormMain::MenuVievMainSheet_Click() {
     ShowWindow("FormMainSheet");

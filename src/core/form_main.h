@@ -138,6 +138,7 @@ struct FormMain {
     static void MenüDateiAlt3_Click();
     static void MenüDateiAlt4_Click();
     static void MenuFileExit_Click();
+    static void MenuEditCopy_Click();
     static void MenuVievMainSheet_Click();
     static void MenüViewInputStatistic_Click();
     static void MenuTransformationCalculation_Click();

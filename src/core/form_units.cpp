@@ -1,6 +1,7 @@
 // The window in which units and digits are chosen.
 #include "core/form_units.h"
 
+#include "core/controller.h"
 #include "core/job.h"
 #include "core/refresh.h"
 #include "core/run.h"
@@ -78,6 +79,6 @@ void FormUnits::BtnOK_Click() {
     HeldValues_UnitsChanged(lengthBefore, angleBefore);
     UnloadWindow("FormUnits");
     if (IsLoaded("FormTrafoBerechnung")) CalculationWindow_UnitsChanged();
-    if (IsLoaded("FormMainSheet")) MainSheet_UnitsChanged();
+    FuellenMainSheet();
     SettingsSchreiben({"UnitLength", "UnitAngle", "DigitLength", "DigitAngle", "PhiThetaAsQ", "DigitScale"});
 }

@@ -21,13 +21,15 @@ bool Inside(const GridState& grid, int row, int col) {
     return row >= 0 && row < grid.Rows && col >= 0 && col < grid.Cols;
 }
 
-std::string WithLineFeeds(const std::string& text) {
-    std::string result;
+void AppendWithLineFeeds(const std::string& text, std::string& result) {
+    if (text.find('\r') == std::string::npos) {
+        result += text;
+        return;
+    }
     for (std::size_t i = 0; i < text.size(); ++i) {
         result += text[i];
         if (text[i] == '\r' && (i + 1 == text.size() || text[i + 1] != '\n')) result += '\n';
     }
-    return result;
 }
 
 }  // namespace
@@ -126,6 +128,20 @@ void SortGrid(GridState& grid, int col, bool descending) {
     if (!descending) put(texts);
 }
 
+void SortByHeading(GridState& grid, int col, GridSort& sort) {
+    sort.Descending = sort.Col >= 0 && !sort.Descending;
+    sort.Col = col;
+    SortAgain(grid, sort);
+    grid.Row = grid.FixedRows;
+    grid.RowSel = grid.Rows - 1;
+    KeepSelectionInside(grid);
+}
+
+void SortAgain(GridState& grid, const GridSort& sort) {
+    grid.Order.clear();  // rows of the same value stand as a grid that is filled anew has them
+    if (sort.Col >= 0) SortGrid(grid, sort.Col, sort.Descending);
+}
+
 bool IsHiddenCol(const GridState& grid, int col) {
     const auto k = static_cast<std::size_t>(col);
     return k < grid.HiddenCols.size() && grid.HiddenCols[k];
@@ -159,7 +175,7 @@ std::string RectText(GridState& grid, const GridRect& rect) {
             if (IsHiddenCol(grid, col)) continue;
             if (!first) text += '\t';
             first = false;
-            text += WithLineFeeds(CellText(grid, row, col));
+            AppendWithLineFeeds(CellText(grid, row, col), text);
         }
     }
     return text;

@@ -63,6 +63,19 @@ int FilledRow(const GridState& grid, int row);
 // column and direction are remembered; selection and current cell stay where they are.
 void SortGrid(GridState& grid, int col, bool descending);
 
+// What the user has sorted a grid by, for grids that are filled again; Col -1: nothing yet.
+struct GridSort {
+    int Col = -1;
+    bool Descending = false;
+};
+
+// What a click on the heading of a column does: sorts by it, the first time ascending and each further time
+// the other way round, and selects all rows.
+void SortByHeading(GridState& grid, int col, GridSort& sort);
+
+// Sorts a grid that has been filled anew as it was sorted before.
+void SortAgain(GridState& grid, const GridSort& sort);
+
 bool IsHiddenCol(const GridState& grid, int col);
 
 // The selection, normalised.

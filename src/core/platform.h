@@ -48,6 +48,11 @@ std::optional<std::string> AskSaveFile(const FileQuestion& question);
 std::string ClipboardText();
 bool SetClipboardText(const std::string& text);  // false when the clipboard refuses
 
+// The same, with a message when it refuses.
+inline void ToClipboard(const std::string& text) {
+    if (!SetClipboardText(text)) ShowMessage(kClipboardRefused);
+}
+
 // Lets waiting events be handled; their handlers run to the end inside this call. Work that holds on to
 // the job compares Run.JobGeneration afterwards.
 void YieldToEvents();

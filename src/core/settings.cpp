@@ -128,7 +128,7 @@ void ReadSettingsText(std::string_view text, const std::string& path) {
     if (repaired) IniWertSchreiben("Settings", "ClipboardValue", "2");
 }
 
-std::string IniWertLesen(std::string_view key) {
+std::optional<std::string> FindIniWert(std::string_view key) {
     if (File_Exist(Run.SettingsFilePath)) {
         const FileBytes bytes = ReadFile(Run.SettingsFilePath);
         std::string_view text = bytes.View();
@@ -141,7 +141,11 @@ std::string IniWertLesen(std::string_view key) {
             if (found == key) return value;
         }
     }
-    return "1000";
+    return std::nullopt;
+}
+
+std::string IniWertLesen(std::string_view key) {
+    return FindIniWert(key).value_or("1000");
 }
 
 std::string WithIniValue(std::string_view text, const IniLine& wanted) {
@@ -237,4 +241,15 @@ void SaveWindowPlace(const WindowPlace& place, const std::string& name) {
                        {"Window", name + "Top", PlainText(place.Top)},
                        {"Window", name + "Width", PlainText(place.Width)},
                        {"Window", name + "Left", PlainText(place.Left)}});
+}
+
+int LoadColWidth(std::initializer_list<std::string> keys, int otherwise) {
+    constexpr double kMost = 100000, kMissing = 1000;
+    double width = kMissing;
+    for (const std::string& key : keys)
+        if (const auto value = FindIniWert(key)) {
+            width = Val(*value);
+            break;
+        }
+    return width >= 1 && width <= kMost ? static_cast<int>(width) : otherwise;
 }

@@ -2,6 +2,8 @@
 // alone, in the whole file; the section counts when writing only.
 #pragma once
 
+#include <initializer_list>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -89,6 +91,9 @@ void ReadSettingsText(std::string_view text, const std::string& path);
 // The value of the first line with this key, in any section; "1000" if there is none.
 std::string IniWertLesen(std::string_view key);
 
+// The same; nothing where no line has the key.
+std::optional<std::string> FindIniWert(std::string_view key);
+
 struct IniLine {
     std::string Section, Key, Value;
 };
@@ -111,3 +116,7 @@ void IniZeileTeilen(std::string_view line, std::string& key, std::string& value)
 // Reads name + "Height", "Top", "Width", "Left"; a missing key counts as 1000.
 void LoadWindowPlace(WindowPlace& place, const std::string& name);
 void SaveWindowPlace(const WindowPlace& place, const std::string& name);
+
+// The width of a grid's column, twips, by the first of these keys that the file has; a missing key counts
+// as 1000 here too, a value that is no width as `otherwise`.
+int LoadColWidth(std::initializer_list<std::string> keys, int otherwise);

@@ -39,7 +39,7 @@ struct Control {
     ControlKind Kind = ControlKind::Label;
     std::string Text;  // caption, or the text of a text box, or the selected entry of a list
     int Group = 0;     // options: those of one group exclude each other
-    int Value = 0;     // check box 0, 1, 2; option and tool button 0 or 1; progress 0 to 100
+    int Value = 0;     // check box 0, 1, 2; option, tool button 0, 1; progress 0 to 100; menu: 1 = popped up
     bool Enabled = true;
     bool Visible = true;
     bool Locked = false;   // a text that can be read and copied but not typed into

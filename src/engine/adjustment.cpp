@@ -60,7 +60,7 @@ struct CorrectionTrace {
             for (int i = 1; i <= u; ++i) Text += PlainText(x[At(i)]) + "\t";
             Text += kLineEnd;
         }
-        if (!SetClipboardText(Text)) ShowMessage(kClipboardRefused);
+        ToClipboard(Text);
     }
 };
 

@@ -14,9 +14,8 @@ struct CalculationWindowRecord {
     std::array<double, 18> LastSolution{};  // the parameters 1 to 17 when the button was pressed
     std::array<double, 16> LastQuality{};   // the quality values 1 to 15 of the calculation before
     Flag UseABCActive = kFalse;             // the R vector is governed by its box
-    int SortCol = -1;                       // of the point table; -1: as the points stand in the job
-    bool SortDescending = false;
-    // Values that the user has picked out of the point table for a graph, element 0 unused.
+    GridSort Sorting;                       // of the point table
+    // Values that the user has picked out of a table for a graph, element 0 unused.
     Column GraphValues{0};
     // Factors of the units that the window's fields are shown in.
     double LengthFactor = 1, AngleFactor = 1;
@@ -82,6 +81,9 @@ void FormThings();
 // is. Chooses the default seed points where the job has none. The points are read when the table is first
 // looked at: who changes them afterwards and leaves the table as it is looks at it before (LookAt).
 void TabelleFüllenNeu();
+
+// Takes the first selected column of a table for a graph. A cell that holds no number counts as 0.
+void TakeGraphValues(GridState& grid);
 
 // Toggles the use flag of a point, by its name in the table; axis "X", "Y" or "Z". A name that the table
 // does not show changes nothing.

@@ -215,5 +215,5 @@ void ReportToClipboard() {
         default:
             return;
     }
-    if (!SetClipboardText(text)) ShowMessage(kClipboardRefused);
+    ToClipboard(text);
 }

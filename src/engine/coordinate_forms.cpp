@@ -29,14 +29,15 @@ CoordinateForms FormsOf(const Vec3& p) {
             SphTheta(p(1), p(2), p(3))};
 }
 
-CoordinateForms FormDifference(const CoordinateForms& first, const CoordinateForms& second) {
+double PhiDifference(double first, double second) {
     constexpr double kTwoPi = 6.28318530717958;
-    double phi = first.Phi - second.Phi;
-    if (phi > kPi) {
-        phi -= kTwoPi;
-    } else if (phi < -kPi) {
-        phi += kTwoPi;
-    }
-    return {first.CylRadius - second.CylRadius, phi, first.SphRadius - second.SphRadius,
-            first.Theta - second.Theta};
+    const double phi = first - second;
+    if (phi > kPi) return phi - kTwoPi;
+    if (phi < -kPi) return phi + kTwoPi;
+    return phi;
+}
+
+CoordinateForms FormDifference(const CoordinateForms& first, const CoordinateForms& second) {
+    return {first.CylRadius - second.CylRadius, PhiDifference(first.Phi, second.Phi),
+            first.SphRadius - second.SphRadius, first.Theta - second.Theta};
 }

@@ -20,6 +20,8 @@ struct CoordinateForms {
 };
 CoordinateForms FormsOf(const Vec3& point);
 
-// First minus second form. The difference of the directions goes the short way round, across the seam at
-// the negative X axis too.
+// First minus second direction, rad: the short way round, across the seam at the negative X axis too.
+double PhiDifference(double first, double second);
+
+// First minus second form.
 CoordinateForms FormDifference(const CoordinateForms& first, const CoordinateForms& second);

@@ -43,10 +43,6 @@ const ControlEntry kControls[] = {
     {"BtnOK", &w.BtnOK, {.Click = FormTrafoDetails::BtnOK_Click}},
 };
 
-void ToClipboard(const std::string& text) {
-    if (!SetClipboardText(text)) ShowMessage(kClipboardRefused);
-}
-
 // Columns of numbers stand right, those of labels left. A lone cell without headings is a sentence.
 void FillGrid(GridState& grid, const Cells& cells, int fixedRows, int fixedCols) {
     const auto cols = static_cast<int>(cells.front().size());

@@ -42,6 +42,7 @@ void FormTrafoBerechnung::BtnSwitchMcsOcs_Click() {
     }
     MCS_OCS();
     TabelleFüllenNeu();
+    FuellenMainSheet();
 }
 
 // The pairs stand first in both sets, so the use flags stay those of their points. The names of the two

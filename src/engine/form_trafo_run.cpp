@@ -78,11 +78,15 @@ void Calculate() {
     }
 }
 
-void ShowResultElsewhere() {
+// False when other points have come in during the fill of the main sheet.
+bool ShowResultElsewhere() {
     if (Main.MenueGraphics.Checked) DrawResultInGraphicsWindows();
+    const std::uint64_t generation = Run.JobGeneration;
     if (Main.MenuVievMainSheet.Checked) FuellenHaupttabelle();
+    if (Run.JobGeneration != generation) return false;
     ProgrammLogik();
     Run.JobDirty = kTrue;
+    return true;
 }
 
 // Without its window a calculation takes the choice that the job carries; a job without one stands on six
@@ -114,7 +118,7 @@ void CalculateAndShow() {
     } else {
         ReportToClipboard();
     }
-    ShowResultElsewhere();
+    if (!ShowResultElsewhere()) return;
     const bool spread = IsTrue(MonteCarlo.MonteCarloOn) && IsTrue(MonteCarlo.MonteCarloDone);
     if (spread) ShowDetails();  // where its statistics stand
 }

@@ -14,15 +14,10 @@ namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;
 
-constexpr int kDefaultWidth = 900, kNarrow = 200, kMostWidth = 100000;  // twips
+constexpr int kDefaultWidth = 900, kNarrow = 200;  // twips
 
 std::string WidthKey(int col) {
     return "col_fb_" + std::to_string(col);
-}
-
-int WidthFromSettings(int col) {
-    const double width = Val(IniWertLesen(WidthKey(col)));
-    return width >= 1 && width <= kMostWidth ? static_cast<int>(width) : kDefaultWidth;
 }
 
 // What the table shows is taken and sorted when it is first looked at: with many points that takes longer
@@ -34,9 +29,7 @@ void FillNow() {
     grid.Cols = kPointCols;
     grid.Text = [](int row, int col) { return PointTableText(w.Points, row, col); };
     grid.BackColor = [](int row, int col) { return PointTableBackColor(w.Points, row, col); };
-    grid.Order.clear();
-    if (CalculationWindow.SortCol >= 0)
-        SortGrid(grid, CalculationWindow.SortCol, CalculationWindow.SortDescending);
+    SortAgain(grid, CalculationWindow.Sorting);
     KeepSelectionInside(grid);
 }
 
@@ -49,7 +42,7 @@ void PreparePointTable() {
     grid.ColWidths.assign(kPointCols, 0);
     grid.ColWidths[0] = kNarrow;
     for (int col = kColName; col <= kColUseZ; ++col)
-        grid.ColWidths[static_cast<std::size_t>(col)] = WidthFromSettings(col);
+        grid.ColWidths[static_cast<std::size_t>(col)] = LoadColWidth({WidthKey(col)}, kDefaultWidth);
     grid.HiddenCols.assign(kPointCols, false);
     grid.HiddenCols[kColPoint] = true;
     grid.Aligns.assign(kPointCols, GridAlign::Left);

@@ -98,23 +98,6 @@ void MoveTo(int row, int col) {
 // Headings sort by the columns before this one, and the right button collects from them.
 constexpr int kColAfterValues = kColUseX;
 
-void SortByHeading() {
-    GridState& grid = w.Tabelle.Grid;
-    // The first sorting is ascending, each further one goes the other way round.
-    const bool descending = CalculationWindow.SortCol >= 0 && !CalculationWindow.SortDescending;
-    CalculationWindow.SortCol = grid.Col;
-    CalculationWindow.SortDescending = descending;
-    grid.Order.clear();  // rows of the same value stand as a table that is filled anew has them
-    SortGrid(grid, grid.Col, descending);
-    grid.Row = 1;
-    grid.RowSel = grid.Rows - 1;
-    KeepSelectionInside(grid);
-}
-
-void Copy(const std::string& text) {
-    if (!SetClipboardText(text)) ShowMessage(kClipboardRefused);
-}
-
 void SwitchNamed(const Control& field, const char* axis) {
     Switch_MaxPoint(std::string(field.Text), axis);
 }
@@ -123,8 +106,9 @@ void SwitchNamed(const Control& field, const char* axis) {
 
 void FormTrafoBerechnung::Tabelle_Click() {
     w.MenuTabelleCopy.Visible = false;
-    const GridState& grid = w.Tabelle.Grid;
-    if (grid.MouseRow == 0 && grid.Col < kColAfterValues) SortByHeading();
+    GridState& grid = w.Tabelle.Grid;
+    if (grid.MouseRow == 0 && grid.Col < kColAfterValues)
+        SortByHeading(grid, grid.Col, CalculationWindow.Sorting);
 }
 
 void FormTrafoBerechnung::Tabelle_DblClick() {
@@ -140,7 +124,7 @@ void FormTrafoBerechnung::Tabelle_SelChange() {
 void FormTrafoBerechnung::Tabelle_Key() {
     GridState& grid = w.Tabelle.Grid;
     if (grid.Key == "Space") Act();
-    if (grid.Key == "Ctrl+C" || grid.Key == "Ctrl+Insert") Copy(RectText(grid, Selected(grid)));
+    if (grid.Key == "Ctrl+C" || grid.Key == "Ctrl+Insert") ToClipboard(RectText(grid, Selected(grid)));
 }
 
 void FormTrafoBerechnung::Tabelle_RightClick() {
@@ -148,15 +132,20 @@ void FormTrafoBerechnung::Tabelle_RightClick() {
     const GridRect rect = Selected(grid);
     w.MenuTabelleCopy.Visible = rect.Col2 < kColAfterValues;
     if (!w.MenuTabelleCopy.Visible) return;
-    CalculationWindow.GraphValues.assign(1, 0);
-    for (int row = rect.Row; row <= rect.Row2; ++row)
-        CalculationWindow.GraphValues.push_back(FieldNumber(CellText(grid, row, rect.Col)));
+    TakeGraphValues(grid);
     w.CollectedCells = RectText(grid, rect);
 }
 
 void FormTrafoBerechnung::MenuTabelleCopy_Click() {
     w.MenuTabelleCopy.Visible = false;
-    Copy(w.CollectedCells);
+    ToClipboard(w.CollectedCells);
+}
+
+void TakeGraphValues(GridState& grid) {
+    const GridRect rect = Selected(grid);
+    CalculationWindow.GraphValues.assign(1, 0);
+    for (int row = std::max(rect.Row, grid.FixedRows); row <= rect.Row2; ++row)
+        CalculationWindow.GraphValues.push_back(FieldNumber(CellText(grid, row, rect.Col)));
 }
 
 void SetPointGraphicsActive() {

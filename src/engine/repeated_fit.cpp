@@ -50,7 +50,7 @@ FitEnd FitAgain(RepeatedFit& fit, const GatheredPoints& points) {
             if (!Solve(fit)) return FitEnd::Unfinished;
             largest = FindLargest(fit.x, u).Size;
         }
-        if (!SetClipboardText({})) ShowMessage(kClipboardRefused);
+        ToClipboard({});
         AddCorrections(fit.Model, fit.x);
         ++Adjustment.Iterations;
         if (!AllFinite(fit.x, u)) return FitEnd::Unfinished;

@@ -223,8 +223,9 @@ void FormInputFiles::BtnImportMoreMCS_Click() {
     if (!ReadMorePoints(w.TextNameMoreMCS.Text, prefix ? w.TextPreSuff.Text : "",
                         prefix ? "" : w.TextPreSuff.Text))
         return;
-    ++Run.JobGeneration;
+    const std::uint64_t generation = ++Run.JobGeneration;
     FuellenHaupttabelle();
+    if (Run.JobGeneration != generation) return;
     if (IsLoaded("FormInputStatistic")) FORMfüllen();
     Run.JobDirty = kTrue;
 }

@@ -228,7 +228,10 @@ void myBtn_OK() {
     if (!ImportPoints()) return;
     IdentischePkte_Neu();
     guard.Whole = true;
+    const std::uint64_t generation = Run.JobGeneration;
     FuellenHaupttabelle();
+    // Another job that has been opened during the fill has closed the dialog, and is left as it is.
+    if (Run.JobGeneration != generation && !IsLoaded("FormInputFiles")) return;
     Run.JobDataValid = kTrue;
     ProgrammLogik();
     if (IsLoaded("FormInputStatistic")) FORMfüllen();
@@ -342,5 +345,5 @@ void ClipboardRoundTrip() {
     add("Spanne x ", Span(Job.TMCS_X, Job.OCS_X));
     add("Spanne y ", Span(Job.TMCS_Y, Job.OCS_Y));
     add("Spanne z ", Span(Job.TMCS_Z, Job.OCS_Z));
-    if (!SetClipboardText(text)) ShowMessage(kClipboardRefused);
+    ToClipboard(text);
 }

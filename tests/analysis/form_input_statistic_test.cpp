@@ -3,13 +3,13 @@
 
 #include <array>
 
+#include "analysis/import_files.h"
 #include "core/controller.h"
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/refresh.h"
 #include "core/settings.h"
 #include "core/units.h"
-#include "import/form_input_files.h"
 #include "support/fixture.h"
 
 class Statistic : public Program {
@@ -18,13 +18,7 @@ protected:
 
     static void Open() { ASSERT_TRUE(UserClick(Main.MenüViewInputStatistic)); }
     void Import(const std::string& start, const std::string& target) const {
-        ShowWindow("FormInputFiles");
-        UserSetIndex(InputFiles.ComboOCS_Data, 0);
-        UserSetText(InputFiles.TextNameMCS, Write("start.txt", start));
-        UserSetText(InputFiles.TextNameOCS, Write("target.txt", target));
-        UserSetText(InputFiles.TextRenameMCS, "Tracker");
-        UserSetText(InputFiles.TextRenameOCS, "CAD");
-        UserClick(InputFiles.BtnApply);
+        ImportFiles(Write("start.txt", start), Write("target.txt", target));
     }
     // Chooses a kind of target file by its entry in the input dialog, the first being 0.
     static void ChooseKind(int entry) {

@@ -217,3 +217,21 @@ TEST_F(Grids, AClickMovesTheCurrentCellAndRunsItsHandlers) {
               "selection click selection click right selection click selection selection click double key ");
     EXPECT_DEATH(UserClickCell(control, 5, 0, false), "internal error");
 }
+
+TEST_F(Grids, AHeadingSortsAscendingFirstAndThenTheOtherWayRoundEachTime) {
+    GridState grid = ColumnOf({"2", "1", "3"});
+    GridSort sort;
+    SortAgain(grid, sort);  // never sorted
+    EXPECT_EQ(Shown(grid), (Texts{"2", "1", "3"}));
+    SortByHeading(grid, 0, sort);
+    EXPECT_EQ(Shown(grid), (Texts{"1", "2", "3"}));
+    EXPECT_EQ(Selected(grid).Row, 1);
+    EXPECT_EQ(Selected(grid).Row2, 3);
+    SortByHeading(grid, 0, sort);
+    EXPECT_EQ(Shown(grid), (Texts{"3", "2", "1"}));
+    GridState again = ColumnOf({"5", "4", "6"});
+    SortAgain(again, sort);
+    EXPECT_EQ(Shown(again), (Texts{"6", "5", "4"}));
+    SortByHeading(again, 0, sort);
+    EXPECT_EQ(Shown(again), (Texts{"4", "5", "6"}));
+}

@@ -360,3 +360,16 @@ TEST_F(SettingsFile, APlaceThatIsNoNumberIsNamed) {
         EXPECT_EQ(error.What, "\"" + Run.SettingsFilePath + "\", key \"FormXTop\": \"here\" is not a number");
     }
 }
+
+TEST_F(SettingsFile, AColumnWidthComesFromTheFirstKeyThatTheFileHas) {
+    Hold("[Cols]\r\na=700\r\nb=1000\r\nc=12,5\r\nd=\r\ne=0\r\nf=100001\r\ng=100000\r\n");
+    EXPECT_EQ(LoadColWidth({"a"}, 900), 700);
+    EXPECT_EQ(LoadColWidth({"none", "a"}, 900), 700);
+    EXPECT_EQ(LoadColWidth({"b", "a"}, 900), 1000);  // a width of 1000 is not a missing key
+    EXPECT_EQ(LoadColWidth({"none"}, 900), 1000);
+    EXPECT_EQ(LoadColWidth({"c"}, 900), 12);
+    for (const char* none : {"d", "e", "f"}) EXPECT_EQ(LoadColWidth({none, "a"}, 900), 900);
+    EXPECT_EQ(LoadColWidth({"g"}, 900), 100000);
+    EXPECT_EQ(FindIniWert("d"), "");
+    EXPECT_EQ(FindIniWert("none"), std::nullopt);
+}

@@ -61,3 +61,12 @@ TEST_F(CoordinateFormsOfPoints, ADifferenceAcrossTheSeamStaysSmall) {
     EXPECT_NEAR(FormDifference(above, below).Theta,
                 std::acos(5 / std::sqrt(125.01)) - std::acos(4 / std::sqrt(116.01)), 1e-10);
 }
+
+TEST_F(CoordinateFormsOfPoints, TheDifferenceOfTwoDirectionsGoesTheShortWayRound) {
+    for (int first = -180; first <= 180; first += 7)
+        for (int second = -180; second <= 180; second += 7) {
+            const double expected = std::remainder(first - second, 360) * pi / 180;
+            EXPECT_NEAR(PhiDifference(first * pi / 180, second * pi / 180), expected, 2e-14)
+                << first << " " << second;
+        }
+}

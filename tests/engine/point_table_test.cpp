@@ -224,7 +224,7 @@ TEST_F(PointTableShown, TheHeadingsOfTheUseColumnsDoNothing) {
     OpenWithFour();
     for (int col = 5; col <= 7; ++col) Click(0, col);
     EXPECT_EQ(Col(1), (Texts{"P1", "P2", "P3", "P4"}));
-    EXPECT_EQ(CalculationWindow.SortCol, -1);
+    EXPECT_EQ(CalculationWindow.Sorting.Col, -1);
 }
 
 TEST_F(PointTableShown, TheSortingOutlivesARefillAndTheWindow) {

@@ -1,0 +1,198 @@
+// The main sheet: how it is filled, its columns, and what the user does in it.
+#include "analysis/form_main_sheet.h"
+
+#include <array>
+#include <bit>
+#include <utility>
+
+#include "core/form_main.h"
+#include "core/job.h"
+#include "core/numbers.h"
+#include "core/platform.h"
+#include "core/refresh.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "core/text.h"
+#include "engine/calculation_window.h"
+
+namespace {
+
+FormMainSheet& w = MainSheetWindow;
+
+const ControlEntry kControls[] = {
+    {"MSFlexGrid1",
+     &w.MSFlexGrid1,
+     {.Click = FormMainSheet::MSFlexGrid1_Click,
+      .SelChange = FormMainSheet::MSFlexGrid1_SelChange,
+      .RightClick = FormMainSheet::MSFlexGrid1_RightClick,
+      .Key = FormMainSheet::MSFlexGrid1_Key}},
+};
+
+constexpr int kDefaultWidth = 1000, kRowHeight = 240;  // twips
+
+std::string WidthKey(int col) {
+    return "FormMainSheet" + std::to_string(col);
+}
+
+void PrepareColumns() {
+    GridState& grid = w.MSFlexGrid1.Grid;
+    grid.Cols = kMainSheetCols;
+    grid.ColWidths.clear();
+    for (int col = 0; col < kMainSheetCols; ++col)
+        grid.ColWidths.push_back(LoadColWidth({WidthKey(col), "Col_" + std::to_string(col)}, kDefaultWidth));
+    grid.HiddenCols.assign(kMainSheetCols, false);
+    grid.HiddenCols[kColNumber] = true;
+    grid.Aligns.assign(kMainSheetCols, GridAlign::Right);
+    grid.Aligns[kColPointID] = GridAlign::Left;
+}
+
+// Under their keys, and how many they are.
+void WriteColumnWidths() {
+    const std::vector<int>& widths = w.MSFlexGrid1.Grid.ColWidths;
+    std::vector<IniLine> lines;
+    for (std::size_t col = 0; col < widths.size(); ++col)
+        lines.push_back({"Cols", WidthKey(static_cast<int>(col)), PlainText(widths[col])});
+    lines.push_back({"Cols", "Cols", std::to_string(widths.size())});
+    IniWerteSchreiben(lines);
+}
+
+// A switch of the direction changes the points over and leaves the names of the systems where they are.
+std::string CaptionOfJob() {
+    return "Main Sheet - Data in " + (DirectionSwitched() ? Job.NameMCS : Job.NameOCS) + " - OCS System";
+}
+
+// Points that have been replaced since are not shown any more, whoever replaced them.
+bool IsOfThisJob(const MainSheetCells& cells) {
+    return cells.JobGeneration == Run.JobGeneration;
+}
+
+void Show(MainSheetCells cells) {
+    GridState& grid = w.MSFlexGrid1.Grid;
+    w.Cells = std::move(cells);
+    grid.Rows = MainSheetRows(w.Cells);
+    grid.Text = [](int row, int col) {
+        return row == 0 || IsOfThisJob(w.Cells) ? MainSheetText(w.Cells, row, col) : "";
+    };
+    grid.BackColor = [](int row, int col) {
+        return IsOfThisJob(w.Cells) ? MainSheetBackColor(w.Cells, row, col) : kSystemColour;
+    };
+    // Sorting makes the text of a whole column, so it waits until somebody looks.
+    grid.Order.clear();
+    grid.Fill = [] { SortAgain(w.MSFlexGrid1.Grid, MainSheet.Sorting); };
+    KeepSelectionInside(grid);
+}
+
+// What carries the start points over, bit by bit, so that a value that is no number equals itself.
+std::array<std::uint64_t, 12> TransformationOfJob() {
+    const std::array<double, 12> parameters = {Job.TraX,     Job.TraY,     Job.TraZ,    Job.RotXCopy,
+                                               Job.RotYCopy, Job.RotZCopy, Job.ScaleX,  Job.ScaleY,
+                                               Job.ScaleZ,   Job.AngleXY,  Job.Azimuth, Job.AngleZtoXY};
+    return std::bit_cast<std::array<std::uint64_t, 12>>(parameters);
+}
+
+// Takes all rows, with a yield before each. False when the job, the sheet or another fill has overtaken
+// this one meanwhile. A new transformation begins the rows anew, so that all are of the same one.
+bool TakeRows(MainSheetCells& cells) {
+    const std::uint64_t fill = ++MainSheet.Fills;
+    auto transformation = TransformationOfJob();
+    for (int row = 1; row < MainSheetRows(cells); ++row) {
+        YieldToEvents();
+        const bool still =
+            w.Window.Loaded && MainSheet.Fills == fill && IsOfThisJob(cells) && PointsOfJob() == cells.Counts;
+        if (!still) return false;
+        if (const auto present = TransformationOfJob(); present != transformation) {
+            transformation = present;
+            row = 1;
+        }
+        TakeRow(cells, row);
+    }
+    return true;
+}
+
+// The selected cells, below their headings where the options say so; "" without a row.
+std::string SelectionText() {
+    GridState& grid = w.MSFlexGrid1.Grid;
+    if (grid.Rows <= grid.FixedRows) return "";
+    const GridRect rect = Selected(grid);
+    std::string text = RectText(grid, rect);
+    if (!IsTrue(Settings.TabelHeadMainSheet)) return text;
+    return RectText(grid, {0, rect.Col, 0, rect.Col2}) + kLineEnd + text;
+}
+
+// The pop-up menu of the sheet is the main window's menu for editing.
+void PopUp(bool open) {
+    Main.MenuEdit.Value = open ? 1 : 0;
+}
+
+}  // namespace
+
+const WindowEntry FormMainSheet_Entry = {
+    "FormMainSheet",           &w.Window, kControls, [] { w = FormMainSheet{}; }, FormMainSheet::Form_Load,
+    FormMainSheet::Form_Unload};
+
+void FuellenHaupttabelle() {
+    if (!w.Window.Loaded) return;
+    const BusyPointer busy;
+    w.Window.Caption = CaptionOfJob();
+    MainSheetCells cells = BeginMainSheet(PointsOfJob());
+    const int points = MainSheetRows(cells) - 1;
+    if (points <= 1) {
+        ++MainSheet.Fills;  // one that has yielded ends, too
+        Show(BeginMainSheet({}));
+        ShowMessage("No Data found; Problem in Modul FuellenHaupttabelle");
+        return;
+    }
+    if (!TakeRows(cells)) return;
+    Show(std::move(cells));
+    Main.MenuVievMainSheet.Checked = true;
+}
+
+void MainSheet_ShowPoint(int point) {
+    if (!w.Window.Loaded || !IsOfThisJob(w.Cells) || point < 1) return;
+    GridState& grid = w.MSFlexGrid1.Grid;
+    LookAt(grid);
+    int row = grid.FixedRows;
+    while (row < grid.Rows && PairOfRow(w.Cells, FilledRow(grid, row)) != point) ++row;
+    if (row >= grid.Rows) return;
+    grid.Row = grid.RowSel = row;
+    grid.ColSel = grid.Col;
+    grid.TopRow = row - w.Window.Place.Height / kRowHeight / 2;
+    KeepSelectionInside(grid);
+}
+
+void MainSheet_Copy() {
+    if (!w.Window.Loaded) return;
+    if (const std::string text = SelectionText(); !text.empty()) ToClipboard(text);
+}
+
+void FormMainSheet::Form_Load() {
+    PrepareColumns();
+    Show(BeginMainSheet({}));
+    FuellenHaupttabelle();
+}
+
+void FormMainSheet::Form_Unload() {
+    WriteColumnWidths();
+    PopUp(false);
+    Main.MenuVievMainSheet.Checked = false;
+}
+
+void FormMainSheet::MSFlexGrid1_Click() {
+    GridState& grid = w.MSFlexGrid1.Grid;
+    if (grid.MouseRow == 0) SortByHeading(grid, grid.MouseCol, MainSheet.Sorting);
+}
+
+void FormMainSheet::MSFlexGrid1_SelChange() {
+    PopUp(false);
+    const int point = PairOfRow(w.Cells, FilledRow(w.MSFlexGrid1.Grid, w.MSFlexGrid1.Grid.Row));
+    if (point != 0 && IsOfThisJob(w.Cells) && Main.MenueGraphics.Checked) SetActivePoint(point);
+}
+
+void FormMainSheet::MSFlexGrid1_RightClick() {
+    TakeGraphValues(w.MSFlexGrid1.Grid);
+    PopUp(true);
+}
+
+void FormMainSheet::MSFlexGrid1_Key() {
+    if (w.MSFlexGrid1.Grid.Key == "Ctrl+C") MainSheet_Copy();
+}

@@ -1,0 +1,29 @@
+// The window that shows all points of the job in one grid, in cartesian, cylindrical and spherical form.
+#pragma once
+
+#include "analysis/main_sheet_cells.h"
+#include "core/window.h"
+
+struct FormMainSheet {
+    WindowState Window{.Caption = "Main Sheet"};
+
+    Control MSFlexGrid1 = Grid(1, 0);
+
+    MainSheetCells Cells;  // what the grid shows
+
+    static void Form_Load();
+    static void Form_Unload();
+    static void MSFlexGrid1_Click();
+    static void MSFlexGrid1_SelChange();
+    static void MSFlexGrid1_RightClick();
+    static void MSFlexGrid1_Key();
+};
+inline FormMainSheet MainSheetWindow;
+extern const WindowEntry FormMainSheet_Entry;
+
+// Outlives the window.
+struct MainSheetRecord {
+    GridSort Sorting;
+    std::uint64_t Fills = 0;  // counts them; one that begins during a yield overtakes the one that yielded
+};
+inline MainSheetRecord MainSheet;
