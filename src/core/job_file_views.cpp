@@ -36,9 +36,10 @@ bool ColumnsFit(const ScreenArray& array, const ArrayShape& shape) {
 // Reads a shape; its elements, of at least `elementSize` bytes each, fit into the bytes left.
 ArrayShape GetShape(ByteSource& in, std::size_t elementSize) {
     const std::size_t place = in.Offset();
-    ArrayShape shape(in.GetNumber<std::uint16_t>());
-    if (shape.size() > kMostDimensions)
-        in.Refuse("an array of " + std::to_string(shape.size()) + " dimensions", place);
+    const auto dimensions = in.GetNumber<std::uint16_t>();
+    if (dimensions > kMostDimensions)
+        in.Refuse("an array of " + std::to_string(dimensions) + " dimensions", place);
+    ArrayShape shape(dimensions);
     for (IndexRange& range : shape) {
         in.Get(range.Count);
         in.Get(range.Lowest);

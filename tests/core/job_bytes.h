@@ -91,5 +91,8 @@ struct HandViewSizes {
 void PutHandView(HandBytes& out, int seed, const HandViewSizes& sizes = {});
 void ExpectHandView(const ScreenRecord& view, int seed, const HandViewSizes& sizes = {});
 
+// Tells the first byte that differs, not both files.
+void ExpectBytes(const std::string& actual, const std::string& expected);
+
 // All fields of the two; what an old file does not have is checked by the tests of old files.
 void ExpectJob(const JobRecord& job, const HandJob& hand);

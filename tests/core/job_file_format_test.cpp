@@ -47,7 +47,7 @@ TEST_F(JobFileFormat, EveryFieldIsReadFromItsPlace) {
 TEST_F(JobFileFormat, AJobThatWasReadIsWrittenAsTheSameBytes) {
     for (const HandJob& hand : {HandExample(), HandRobotExample(), HandParaboloidExample()}) {
         const JobFileContent content = ReadJobBytes(HandFile(hand), "a.cvn");
-        EXPECT_EQ(JobBytes(content.Job, content.ViewNames), Saved(hand));
+        ExpectBytes(JobBytes(content.Job, content.ViewNames), Saved(hand));
     }
 }
 
@@ -62,10 +62,10 @@ TEST_F(JobFileFormat, OpeningFillsTheJobAndSavingGivesTheSameBytes) {
     EXPECT_EQ(Run.JobDirty, kFalse);
     EXPECT_TRUE(Messages().empty());
     SaveFileAs(PathOf("b.cvn"));
-    EXPECT_EQ(Contents(PathOf("b.cvn")), Saved(hand));
+    ExpectBytes(Contents(PathOf("b.cvn")), Saved(hand));
     OpenFile(PathOf("b.cvn"));
     SaveFileAs(PathOf("c.cvn"));
-    EXPECT_EQ(Contents(PathOf("c.cvn")), Contents(PathOf("b.cvn")));
+    ExpectBytes(Contents(PathOf("c.cvn")), Contents(PathOf("b.cvn")));
 }
 
 TEST_F(JobFileFormat, TheUnitsOfTheFileAreInUseAfterOpening) {
@@ -83,7 +83,7 @@ TEST_F(JobFileFormat, AFreshJobIsWrittenWithElement0OfEveryArray) {
     hand.LengthUnit = hand.AngleUnit = "";
     hand.LengthDigits = hand.AngleDigits = hand.NormType = 0;
     for (const std::size_t scale : {6, 7, 8, 9}) hand.Results[scale] = 1;
-    EXPECT_EQ(JobBytes(JobRecord{}, {}), HandFile(hand));
+    ExpectBytes(JobBytes(JobRecord{}, {}), HandFile(hand));
     // 4 + 6 head; three times 4 + 2, 4 + 2, 4 + 2, 4 + 8; 12; 4 + 2; 36; 4; 104; 8; 8; 6; 8; 8; 16; 8; 2; 2;
     // 4
     EXPECT_EQ(HandFile(hand).size(),
@@ -123,7 +123,7 @@ TEST_F(JobFileFormat, CoordinateArraysLongerThanTheNamesKeepTheirLength) {
     const JobFileContent content = ReadJobBytes(HandFile(hand), "a.cvn");
     ExpectJob(content.Job, hand);
     EXPECT_TRUE(JobCountsFit(content.Job));
-    EXPECT_EQ(JobBytes(content.Job, {}), Saved(hand));
+    ExpectBytes(JobBytes(content.Job, {}), Saved(hand));
 }
 
 TEST_F(JobFileFormat, AJobWithTargetPointsAloneIsReadAndWritten) {
@@ -133,7 +133,7 @@ TEST_F(JobFileFormat, AJobWithTargetPointsAloneIsReadAndWritten) {
     const JobFileContent content = ReadJobBytes(HandFile(hand), "a.cvn");
     ExpectJob(content.Job, hand);
     EXPECT_TRUE(JobCountsFit(content.Job));
-    EXPECT_EQ(JobBytes(content.Job, {}), Saved(hand));
+    ExpectBytes(JobBytes(content.Job, {}), Saved(hand));
 }
 
 // So a job is saved whose opening failed: the run counts no points, the arrays are still there.
@@ -142,7 +142,7 @@ TEST_F(JobFileFormat, ArraysLongerThanTheCountsAreReadAndWritten) {
     hand.nIdent = hand.nMCS = hand.nOCS = 0;
     const JobFileContent content = ReadJobBytes(HandFile(hand), "a.cvn");
     ExpectJob(content.Job, hand);
-    EXPECT_EQ(JobBytes(content.Job, {}), Saved(hand));
+    ExpectBytes(JobBytes(content.Job, {}), Saved(hand));
 }
 
 TEST_F(JobFileFormat, ARobotJobWithoutPosesAndRVectorsIsReadAndWritten) {
@@ -155,9 +155,9 @@ TEST_F(JobFileFormat, ARobotJobWithoutPosesAndRVectorsIsReadAndWritten) {
         hand.Robot = {{}};
         JobRecord job = ReadJobBytes(HandFile(hand), "a.cvn").Job;
         ExpectJob(job, hand);
-        EXPECT_EQ(JobBytes(job, {}), Saved(hand));
+        ExpectBytes(JobBytes(job, {}), Saved(hand));
         job.RobotABC = Matrix{};  // the kind was chosen and nothing has been imported
-        EXPECT_EQ(JobBytes(job, {}), Saved(hand));
+        ExpectBytes(JobBytes(job, {}), Saved(hand));
     }
 }
 
@@ -206,7 +206,7 @@ TEST_F(JobFileFormat, NumbersKeepTheirBits) {
     hand.RVecX[1] = odd[1];
     hand.RVecZ[1] = odd[1];
     const JobFileContent content = ReadJobBytes(HandFile(hand), "a.cvn");
-    EXPECT_EQ(JobBytes(content.Job, content.ViewNames), Saved(hand));
+    ExpectBytes(JobBytes(content.Job, content.ViewNames), Saved(hand));
 }
 
 TEST_F(JobFileFormat, TextsOfTheFileAreSingleBytesAndUtf8InMemory) {
@@ -232,12 +232,12 @@ TEST_F(JobFileFormat, TextsOfTheFileAreSingleBytesAndUtf8InMemory) {
     EXPECT_EQ(content.Job.AngleUnitName, kDegreeMinuteSecond);
     EXPECT_EQ(content.Job.SeedName[1], "Ö");
     EXPECT_EQ(content.ViewNames[0], "Rück");
-    EXPECT_EQ(JobBytes(content.Job, content.ViewNames), Saved(hand));
+    ExpectBytes(JobBytes(content.Job, content.ViewNames), Saved(hand));
     // What has no place among the single bytes stands as UTF-8.
     JobRecord job = content.Job;
     job.NameMCS = "Ω";
     hand.NameMCS = "\xCE\xA9";
-    EXPECT_EQ(JobBytes(job, content.ViewNames), Saved(hand));
+    ExpectBytes(JobBytes(job, content.ViewNames), Saved(hand));
 }
 
 TEST_F(JobFileFormat, TaggedValuesOfEveryKindAreReadAsNumbers) {
@@ -265,7 +265,7 @@ TEST_F(JobFileFormat, TaggedValuesOfEveryKindAreReadAsNumbers) {
     EXPECT_EQ(job.MCS_X, expected);
     // They are written back as f64 or nothing.
     hand.MCS.X.assign(expected.begin(), expected.end());
-    EXPECT_EQ(JobBytes(job, {}), HandFile(hand));
+    ExpectBytes(JobBytes(job, {}), HandFile(hand));
 }
 
 TEST_F(JobFileFormat, ATextThatTheFileCannotHoldIsRefused) {
