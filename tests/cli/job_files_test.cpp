@@ -62,6 +62,17 @@ TEST_F(JobFiles, AFitThatWasSavedIsTheSameFitAgain) {
     EXPECT_EQ(b["norm"], "l1");
 }
 
+TEST_F(JobFiles, TheExampleJobHoldsTheExampleFit) {
+    const json job = json::parse(Command({"fit", "--job", kExamples + "robot_cell.cvn", "--json"}).Out);
+    const json files = json::parse(Command({"fit", kMeasured, kNominal, "--leave-out", "F09", "--json"}).Out);
+    EXPECT_EQ(job["points"].size(), 14u);
+    EXPECT_EQ(job["counts"]["observations"], 39);
+    for (std::size_t row = 0; row < 3; ++row)
+        for (std::size_t column = 0; column < 4; ++column)
+            EXPECT_NEAR(job["transformation"]["matrix"][row][column].get<double>(),
+                        files["transformation"]["matrix"][row][column].get<double>(), 1e-9);
+}
+
 TEST_F(JobFiles, OptionsGoBeforeWhatTheJobSays) {
     const std::string path = Saved();
     const json l2 = json::parse(Command({"fit", "--job", path, "--norm", "l2", "--json"}).Out);
