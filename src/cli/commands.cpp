@@ -221,18 +221,31 @@ void AddMonteCarloOptions(CLI::App& fit, FitOptions& o) {
 
 // What stands in place of points that fall on their targets.
 void AddRobotOptions(CLI::App& fit, FitOptions& o) {
+    auto* as = fit.add_option("--as", o.TargetKind,
+                              "TARGET is a robot program: declarations (.dat), fixed columns (.ls),\n"
+                              "robot targets (.modx), or text, a line a pose: name x y z and a\n"
+                              "quaternion or three angles")
+                   ->check(OneOf({"kuka", "fanuc", "abb", "quaternion", "xyzabc"}))
+                   ->type_name("kuka|fanuc|abb|quaternion|xyzabc")
+                   ->group("Points");
     const char* const group = "Model";
     auto* distance = fit.add_flag("--r-dist", o.RDist,
                                   "The transformed points need not fall on their targets: all lie at\n"
                                   "the same distance from them, which floats")
                          ->group(group);
+    auto* tool = fit.add_flag("--tool", o.Tool,
+                              "The targets are the poses of a robot program, see --as: all points\n"
+                              "lie at the same tool vector from them, which floats")
+                     ->group(group)
+                     ->needs(as)
+                     ->excludes(distance);
     fit.add_option("--poses", o.Poses,
-                   "The targets are robot poses: all points lie at the same tool\n"
-                   "vector from them, which floats. FILE has the orientations, a line\n"
-                   "a pose: name x y z a b c, angles in the angle unit")
+                   "The same with the orientations of FILE, a line a pose:\n"
+                   "name x y z a b c, angles in the angle unit")
         ->type_name("FILE")
         ->group(group)
-        ->excludes(distance);
+        ->excludes(distance)
+        ->excludes(tool);
 }
 
 // Where the iteration begins, and which way it goes. Names hold blanks and commas, so a value is never
@@ -278,7 +291,8 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
     fit->add_option("START", s.Options.Start, "Point file of the start system, a line a point: name x y z")
         ->type_name("FILE")
         ->required();
-    fit->add_option("TARGET", s.Options.Target, "Point file of the target system")
+    fit->add_option("TARGET", s.Options.Target,
+                    "Point file of the target system, or a robot program, see --as")
         ->type_name("FILE")
         ->required();
     AddPointOptions(*fit, s);
@@ -293,7 +307,8 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
         "  corvinade-cli fit measured.txt nominal.txt --leave-out F09\n"
         "  corvinade-cli fit measured.txt nominal.txt --match distance --tolerance 0.3\n"
         "  corvinade-cli fit measured.txt nominal.txt --parameters 7 --json\n"
-        "  corvinade-cli fit measured.txt nominal.txt --monte-carlo 10000 --sigma 0.05\n\n"
+        "  corvinade-cli fit measured.txt nominal.txt --monte-carlo 10000 --sigma 0.05\n"
+        "  corvinade-cli fit measured.txt program.dat --as kuka --tool\n\n"
         "Exit status: 0 done, 1 refused, 2 wrong usage, 3 an input cannot be read,\n"
         "4 calculated but not converged.");
     return fit;

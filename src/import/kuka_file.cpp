@@ -2,6 +2,7 @@
 #include <array>
 
 #include "core/run.h"
+#include "core/text.h"
 #include "core/units.h"
 #include "import/point_file_checks.h"
 #include "import/robot_files.h"
@@ -33,9 +34,9 @@ void TakePose(const RobotProgram& program, const Declaration& form, PoseTable& p
         const std::size_t comma = places[k + 1] - 1;
         values[k] = NumberBetween(program, places[k] + kMarkerLength, comma);
         if (program.Line[comma] != ',')
-            FailAtLine(program,
-                       "\"" + std::string(form.Markers[k + 1]) + "\" stands without a comma before it in \"" +
-                           std::string(program.Line.substr(places[k], comma + 1 - places[k])) + "\"");
+            FailAtLine(program, "\"" + std::string(form.Markers[k + 1]) +
+                                    "\" stands without a comma before it in \"" +
+                                    Printable(program.Line.substr(places[k], comma + 1 - places[k])) + "\"");
     }
     values[5] = NumberBetween(program, places[5] + kMarkerLength, end);
     poses.Take(program, {values[0], values[1], values[2]}, {values[3], values[4], values[5]});
