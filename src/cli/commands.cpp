@@ -222,18 +222,31 @@ void AddMonteCarloOptions(CLI::App& fit, FitOptions& o) {
 
 // What stands in place of points that fall on their targets.
 void AddRobotOptions(CLI::App& fit, FitOptions& o) {
+    fit.add_option("--as", o.TargetKind,
+                   "TARGET is a robot program: declarations (.dat), fixed columns (.ls),\n"
+                   "robot targets (.modx), or text, a line a pose: name x y z and a\n"
+                   "quaternion or three angles")
+        ->check(OneOf({"kuka", "fanuc", "abb", "quaternion", "xyzabc"}))
+        ->type_name("kuka|fanuc|abb|quaternion|xyzabc")
+        ->group("Points");
     const char* const group = "Model";
     auto* distance = fit.add_flag("--r-dist", o.RDist,
                                   "The transformed points need not fall on their targets: all lie at\n"
                                   "the same distance from them, which floats")
                          ->group(group);
+    auto* tool = fit.add_flag("--tool", o.Tool,
+                              "The targets are the poses of a robot program, see --as, or of a job\n"
+                              "of one: all points lie at the same tool vector from them, which\n"
+                              "floats")
+                     ->group(group)
+                     ->excludes(distance);
     fit.add_option("--poses", o.Poses,
-                   "The targets are robot poses: all points lie at the same tool\n"
-                   "vector from them, which floats. FILE has the orientations, a line\n"
-                   "a pose: name x y z a b c, angles in the angle unit")
+                   "The same with the orientations of FILE, a line a pose:\n"
+                   "name x y z a b c, angles in the angle unit")
         ->type_name("FILE")
         ->group(group)
-        ->excludes(distance);
+        ->excludes(distance)
+        ->excludes(tool);
 }
 
 // Where the iteration begins, and which way it goes. Names hold blanks and commas, so a value is never
@@ -276,10 +289,13 @@ void AddFormOptions(CLI::App& fit, FitOptions& o) {
 
 // What a job has of its own. (Told as what the option excludes it would make a very long line of the help.)
 std::string CheckJobOptions(const FitOptions& o) {
+    if (o.Tool && o.Job.empty() && o.TargetKind == "points")
+        return "--tool takes the orientations of a robot program: name its kind with --as";
     if (o.Job.empty())
         return o.Start.empty() || o.Target.empty() ? "fit takes START and TARGET, or --job FILE.cvn" : "";
-    for (const char* option : {"START", "TARGET", "--match", "--tolerance", "--only-first", "--delimiter",
-                               "--length-unit", "--angle-unit", "--digits", "--angle-digits", "--direction"})
+    for (const char* option :
+         {"START", "TARGET", "--as", "--match", "--tolerance", "--only-first", "--delimiter", "--length-unit",
+          "--angle-unit", "--digits", "--angle-digits", "--direction"})
         if (o.IsGiven(option))
             return std::string("--job brings points, units and direction of its own: ") + option +
                    " does not go with it";
@@ -306,7 +322,9 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
     CLI::App* fit = app.add_subcommand("fit", "Fit the transformation from one point file to another");
     fit->add_option("START", s.Options.Start, "Point file of the start system, a line a point: name x y z")
         ->type_name("FILE");
-    fit->add_option("TARGET", s.Options.Target, "Point file of the target system")->type_name("FILE");
+    fit->add_option("TARGET", s.Options.Target,
+                    "Point file of the target system, or a robot program, see --as")
+        ->type_name("FILE");
     AddPointOptions(*fit, s);
     AddModelOptions(*fit, s.Options);
     AddBeginOptions(*fit, s.Options);
@@ -320,7 +338,8 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
         "  corvinade-cli fit measured.txt nominal.txt --leave-out F09\n"
         "  corvinade-cli fit measured.txt nominal.txt --match distance --tolerance 0.3\n"
         "  corvinade-cli fit measured.txt nominal.txt --parameters 7 --json\n"
-        "  corvinade-cli fit measured.txt nominal.txt --monte-carlo 10000 --sigma 0.05\n\n"
+        "  corvinade-cli fit measured.txt nominal.txt --monte-carlo 10000 --sigma 0.05\n"
+        "  corvinade-cli fit measured.txt program.dat --as kuka --tool\n\n"
         "Exit status: 0 done, 1 refused, 2 wrong usage, 3 an input cannot be read,\n"
         "4 calculated but not converged.");
     return fit;

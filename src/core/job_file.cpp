@@ -1,7 +1,6 @@
 // Opening and saving of the job.
 #include "core/job_file.h"
 
-#include <filesystem>
 #include <utility>
 
 #include "core/controller.h"
@@ -24,7 +23,7 @@ void FillViewList(std::vector<std::string> names) {
 
 // A longer old file keeps its end behind the new job.
 void KeepOldEnd(std::string& bytes, const std::string& path) {
-    if (!File_Exist(path)) return;
+    if (!File_Exist(path) || FileSize(path) <= bytes.size()) return;
     const FileBytes old = ReadFile(path);
     if (old.Size > bytes.size()) bytes += old.View().substr(bytes.size());
 }
