@@ -83,8 +83,8 @@ void OpenFile(const std::string& path) {
     // The kinds of target file that a job does not store are not those of the job before.
     Run.IsDefault = Run.IsABBModx = Run.IsFanuc = Run.IsXYZABC = kFalse;
     RhoFestlegung();
+    Run.JobDataValid = kTrue;  // the main sheet shows no others
     FuellenHaupttabelle();
     if (IsLoaded("FormTrafoBerechnung")) INI_Formtrafoberechnung();
-    Run.JobDataValid = kTrue;
     ProgrammLogik();
 }
