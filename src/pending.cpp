@@ -2,7 +2,6 @@
 // says that this version does not have it; the rest is refreshing of what is not there.
 #include "core/platform.h"
 #include "core/refresh.h"
-#include "import/robot_files.h"
 
 namespace {
 
@@ -11,22 +10,6 @@ namespace {
 }
 
 }  // namespace
-
-void EinlesenKUKAdatDatei() {
-    Missing("read robot programs");
-}
-void EinlesenABB_MODX() {
-    Missing("read robot programs");
-}
-void EinlesenFanucDatei() {
-    Missing("read robot programs");
-}
-void EinlesenXYZABC() {
-    Missing("read robot programs");
-}
-void EinlesenABB() {
-    Missing("read robot programs");
-}
 
 void EinlesenParaboloidData() {
     Missing("read paraboloid shapes");

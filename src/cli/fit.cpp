@@ -2,6 +2,7 @@
 #include "cli/fit.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <optional>
 #include <ostream>
@@ -19,6 +20,7 @@
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/refresh.h"
+#include "core/require.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
@@ -86,11 +88,20 @@ void SetUp(const FitOptions& options) {
     SeedNoise(options.Seed);
 }
 
+// The entry of the list of target files.
+int EntryOf(const std::string& targetKind) {
+    constexpr std::array<const char*, 6> kKinds = {"points", "kuka", "abb", "fanuc", "xyzabc", "quaternion"};
+    const auto* const found = std::find(kKinds.begin(), kKinds.end(), targetKind);
+    Require(found != kKinds.end());
+    return static_cast<int>(found - kKinds.begin());
+}
+
 bool Import(const FitOptions& options) {
     ShowWindow("FormInputFiles");
     FormInputFiles& w = InputFiles;
     SetText(w.TextNameMCS, options.Start);
     SetText(w.TextNameOCS, options.Target);
+    SetIndex(w.ComboOCS_Data, EntryOf(options.TargetKind));
     if (options.Match == "coordinate") SetValue(w.OptionByCoordinate, 1);
     if (options.Match == "distance") SetValue(w.OptionByDis, 1);
     if (options.OnlyFirst > 0) {
@@ -114,6 +125,8 @@ std::string TooFewPairs(const FitOptions& options) {
                        std::to_string(Job.nOCS) + ", " + std::to_string(Job.nIdent) +
                        " of them identical; a transformation needs at least 2";
     if (std::min(Job.nMCS, Job.nOCS) < 2) return text;  // no way of pairing finds more
+    if (options.Match == "id" && options.TargetKind != "points")
+        text += "\n  the poses of a robot program bear the names 1, 2, 3..., those of a text file their own";
     if (options.Match == "id")
         return text +
                "\n  points without common names are paired with --match coordinate or --match distance";
@@ -190,6 +203,8 @@ int TakeJob(FitOptions& options, JobFileFacts& facts, std::ostream& err) {
     options.Target = Job.PathOCS;
     options.Match = "the job " + options.Job;
     options.FromTarget = !IsTrue(Job.DirectionMCStoOCS);
+    if (options.Tool && Job.RobotABC.Rows < Job.nIdent)
+        return Refuse(err, kRefused, "the job has no orientations for --tool");
     if (!options.IsGiven("--parameters")) options.Parameters = "job";
     if (!options.IsGiven("--norm"))
         options.Norm = Job.NormType == 1 ? "l1" : Job.NormType == 3 ? "loo" : "l2";
@@ -218,12 +233,11 @@ int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour
     if (taken != kDone) return taken;
     const std::string wrong = SelectParameters(options);
     if (!wrong.empty()) return Refuse(err, kWrongUsage, wrong);
-    if (!options.Poses.empty()) {
-        // The unit of the angles has been said with --angle-unit, so nobody has to be warned of it.
-        Adjustment.AngleUnitsConfirmed = true;
-        if (!Dispatch([&options] { LoadPoses(options.Poses); }))
-            return Refuse(err, kUnreadable, Run.LastPlatformError);
-    }
+    // The unit of the angles has been said with --angle-unit, or by the job, so nobody has to be warned of
+    // it.
+    Adjustment.AngleUnitsConfirmed = true;
+    if (!options.Poses.empty() && !Dispatch([&options] { LoadPoses(options.Poses); }))
+        return Refuse(err, kUnreadable, Run.LastPlatformError);
     const int status = Calculate(options, err);
     if (showProgress) err << "\r\x1b[K" << std::flush;
     if (status == kRefused) return status;

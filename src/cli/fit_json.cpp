@@ -166,6 +166,7 @@ void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std
                      {"lengthUnit", Job.LengthUnitName},
                      {"angleUnit", Job.AngleUnitName},
                      {"direction", options.FromTarget ? "ocs-mcs" : "mcs-ocs"}};
+    root["input"]["targetKind"] = options.TargetKind;
     root["counts"] = {{"start", Job.nMCS},
                       {"target", Job.nOCS},
                       {"pairs", Job.nIdent},

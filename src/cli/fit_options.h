@@ -13,14 +13,16 @@ enum class FitOutput { Table, Json, Csv };
 
 struct FitOptions {
     std::string Start, Target;
-    std::string Job;           // path of a job that stands in the place of both; "" = none
-    std::string Save;          // path of the job to write with its result; "" = none
-    std::string Match = "id";  // id, coordinate, distance
+    std::string Job;                    // path of a job that stands in the place of both; "" = none
+    std::string Save;                   // path of the job to write with its result; "" = none
+    std::string TargetKind = "points";  // or kuka, fanuc, abb, quaternion, xyzabc
+    std::string Match = "id";           // id, coordinate, distance
     double Tolerance_mm = 0.8;
     int OnlyFirst = 0;             // matching by distance looks at the first so many target points; 0 = all
     std::string Parameters = "6";  // level, 6, 7, 9, 12
     std::string Norm = "l2";       // l1, l2, loo, l1-exact, minimax
     bool RDist = false;            // the distance model: points lie at one distance from their targets
+    bool Tool = false;             // the tool model, with the orientations of the robot program
     std::string Poses;             // file of the target poses' orientations for the tool model; "" = none
     int MonteCarloRuns = 0;        // 0 = none
     std::array<double, 3> Noise_mm{};      // standard deviation of the start points for Monte Carlo, by axis

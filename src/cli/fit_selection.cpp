@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <limits>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "core/job.h"
@@ -94,11 +95,16 @@ std::string StartParameter(const std::string& start) {
 }
 
 // The identical point of a name; 0 when there is none. A point pairs under its own name, or after matching
-// by coordinates under "MCS_start=OCS_target"; either side will do.
+// by coordinates under "MCS_start=OCS_target"; either side will do. By distance to poses with names of their
+// own the start point's number stands before that: " 3_MCS_start=OCS_target".
 int FindPair(const std::string& name) {
     for (int i = 1; i <= Job.nIdent; ++i) {
-        const std::string& pair = Job.MCS_Name[static_cast<std::size_t>(i)];
-        if (pair == name || pair.starts_with("MCS_" + name + "=") || pair.ends_with("=OCS_" + name)) return i;
+        std::string_view pair = Job.MCS_Name[static_cast<std::size_t>(i)];
+        if (pair == name) return i;
+        if (const std::size_t digits = pair.find_first_not_of("0123456789", 1);
+            pair.starts_with(' ') && digits != std::string_view::npos && pair[digits] == '_')
+            pair.remove_prefix(digits + 1);
+        if (pair.starts_with("MCS_" + name + "=") || pair.ends_with("=OCS_" + name)) return i;
     }
     return 0;
 }
@@ -183,10 +189,11 @@ std::string SelectParameters(const FitOptions& options) {
         const std::string wrong = HoldParameter(hold);
         if (!wrong.empty()) return wrong;
     }
-    if (options.RDist && options.Poses.empty()) ParamText(kRDist) = kFloat;
-    if (!options.Poses.empty()) {
+    if (options.RDist) ParamText(kRDist) = kFloat;
+    if (options.Tool || !options.Poses.empty()) {
         if (options.Norm != "l2" || options.FromTarget)
-            return "--poses goes with --norm l2 and --direction mcs-ocs alone";
+            return std::string(options.Tool ? "--tool" : "--poses") +
+                   " goes with --norm l2 and --direction mcs-ocs alone";
         for (const int part : {kRvecX, kRvecY, kRvecZ}) ParamText(part) = kFloat;
     }
     SelectionFromJob();

@@ -59,6 +59,12 @@ bool Directory_Exist(const std::string& path) {
     return !path.empty() && fs::is_directory(PathOf(path), error);
 }
 
+std::size_t FileSize(const std::string& path) {
+    std::error_code error;
+    const std::uintmax_t size = fs::file_size(PathOf(path), error);
+    return error ? 0 : size;
+}
+
 void CheckReadable(const std::string& path) {
     OpenForReading(path);
 }

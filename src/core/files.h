@@ -20,6 +20,9 @@ struct FileBytes {
 // Reads a whole file. Throws PlatformError when it is missing, a folder, no regular file or unreadable.
 FileBytes ReadFile(const std::string& path);
 
+// Bytes of a file; 0 where there is none.
+std::size_t FileSize(const std::string& path);
+
 // Throws what ReadFile would throw at the file's start; reads nothing.
 void CheckReadable(const std::string& path);
 

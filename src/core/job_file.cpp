@@ -24,7 +24,7 @@ void FillViewList(std::vector<std::string> names) {
 
 // A longer old file keeps its end behind the new job.
 void KeepOldEnd(std::string& bytes, const std::string& path) {
-    if (!File_Exist(path)) return;
+    if (!File_Exist(path) || FileSize(path) <= bytes.size()) return;
     const FileBytes old = ReadFile(path);
     if (old.Size > bytes.size()) bytes += old.View().substr(bytes.size());
 }
@@ -89,9 +89,9 @@ void OpenFile(const std::string& path) {
     // The kinds of target file that a job does not store are not those of the job before.
     Run.IsDefault = Run.IsABBModx = Run.IsFanuc = Run.IsXYZABC = kFalse;
     RhoFestlegung();
+    Run.JobDataValid = kTrue;  // the main sheet shows no others
     FuellenHaupttabelle();
     if (overtaken()) return;
     if (IsLoaded("FormTrafoBerechnung")) INI_Formtrafoberechnung();
-    Run.JobDataValid = kTrue;
     ProgrammLogik();
 }

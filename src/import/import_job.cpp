@@ -99,23 +99,28 @@ bool MatchByName() {
     return true;
 }
 
-// Each way of identifying reads both files and pairs the points. False when the import must stop.
-bool ImportByID() {
+// Reads both files, the target by the reader of its kind. False when the import must stop.
+bool ReadBothFiles(bool byID) {
     const InputKind& kind = ChosenKind();
     Einlesen_Neu();
     if (IsTrue(Run.ImportFailed)) return false;
-    if (IsTrue(Run.IsABBModx))
+    // The poses of a module bear numbers alone, in its order; so do then the points that pair with them.
+    if (byID && IsTrue(Run.IsABBModx))
         for (std::size_t i = 1; i < Job.MCS_Name.size(); ++i) Job.MCS_Name[i] = std::to_string(i);
     if (kind.Read != nullptr) {
         kind.Read();
         Job.PathOCS = Run.PathReader;
     }
-    return !IsTrue(Run.ImportFailed) && MatchByName();
+    return !IsTrue(Run.ImportFailed);
+}
+
+// Each way of identifying reads both files and pairs the points. False when the import must stop.
+bool ImportByID() {
+    return ReadBothFiles(true) && MatchByName();
 }
 
 bool ImportByDistance() {
-    Einlesen_Neu();
-    if (IsTrue(Run.ImportFailed)) return false;
+    if (!ReadBothFiles(false)) return false;
     const MatchingOptions options = OptionsOfDialog();
     if (!AskEtta(DistanceText())) return false;
     AddPrefix(Job.MCS_Name, "MCS_");
@@ -125,8 +130,7 @@ bool ImportByDistance() {
 }
 
 bool ImportByCoordinate() {
-    Einlesen_Neu();
-    if (IsTrue(Run.ImportFailed)) return false;
+    if (!ReadBothFiles(false)) return false;
     const MatchingOptions options = OptionsOfDialog();
     Job.ScaleX = Job.ScaleY = Job.ScaleZ = 1;
     if (!AskEtta(CoordinateText())) return false;
@@ -137,7 +141,9 @@ bool ImportByCoordinate() {
     PärchenSuchen(options);
     if (IsTrue(Run.ImportFailed) || IsTrue(Run.StopRequested)) return false;
     if (options.CheckRenameMCS) RewritePointFile(Job.PathMCS, Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z);
-    if (options.CheckRenameOCS) RewritePointFile(Job.PathOCS, Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
+    // A robot program has more in it than points, and no place for their names.
+    if (options.CheckRenameOCS && ChosenKind().Read == nullptr)
+        RewritePointFile(Job.PathOCS, Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
     return MatchByName();
 }
 
@@ -228,11 +234,11 @@ void myBtn_OK() {
     if (!ImportPoints()) return;
     IdentischePkte_Neu();
     guard.Whole = true;
+    Run.JobDataValid = kTrue;  // the main sheet shows no others
     const std::uint64_t generation = Run.JobGeneration;
     FuellenHaupttabelle();
     // Another job that has been opened during the fill has closed the dialog, and is left as it is.
     if (Run.JobGeneration != generation && !IsLoaded("FormInputFiles")) return;
-    Run.JobDataValid = kTrue;
     ProgrammLogik();
     if (IsLoaded("FormInputStatistic")) FORMfüllen();
     if (Main.MenuTransformationCalculation.Checked) {

@@ -24,12 +24,15 @@ struct PointSet {
     std::vector<TaggedValue>& Y;
     std::vector<double>& Z;
     const char* Label;
+    Matrix* Poses = nullptr;  // orientations, a row a point; null = the points have none
 };
 PointSet StartSet() {
     return {Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z, "MCS"};
 }
 PointSet TargetSet() {
-    return {Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z, "OCS"};
+    // Orientations of another number of poses are not those of these points.
+    const bool arePoses = Job.RobotABC.Rows > 0 && Job.RobotABC.Rows == UpperBound(Job.OCS_Name);
+    return {Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z, "OCS", arePoses ? &Job.RobotABC : nullptr};
 }
 
 // Element k becomes what stood at place[k]; what lies behind the last place stays.
@@ -44,6 +47,13 @@ void Rearrange(std::vector<Value>& values, const std::vector<std::int32_t>& plac
     values = std::move(arranged);
 }
 
+void RearrangeRows(Matrix& rows, const std::vector<std::int32_t>& place) {
+    Matrix arranged(rows.Rows, rows.Columns);
+    for (int k = 1; k <= rows.Rows; ++k)
+        std::copy_n(rows.Row(place[static_cast<std::size_t>(k)]), rows.Columns + 1, arranged.Row(k));
+    rows = std::move(arranged);
+}
+
 // Sorts a set by its names; the order then is that of the places.
 NameOrder SortSet(PointSet set) {
     NameOrder order = SortNames(set.Name);
@@ -52,17 +62,21 @@ NameOrder SortSet(PointSet set) {
     Rearrange(set.X, order.Place);
     Rearrange(set.Y, order.Place);
     Rearrange(set.Z, order.Place);
+    if (set.Poses != nullptr) RearrangeRows(*set.Poses, order.Place);
     for (std::size_t k = 1; k < order.Place.size(); ++k) order.Place[k] = static_cast<std::int32_t>(k);
     return order;
 }
 
 // A name that a sorted set holds twice; null when there is none. Names that are level with each other
-// ("7", "007") may stand in any order, so a double need not be a neighbour.
+// ("7", "007") may stand in any order, so a double need not be a neighbour. Elements without a name, which
+// stand first, are no points.
 const std::string* DoubleName(const std::vector<std::string>& names, const NameOrder& order) {
     if (order.Distinct) return nullptr;
-    for (std::size_t i = 2; i < names.size(); ++i)
+    std::size_t first = 1;
+    while (first < names.size() && names[first].empty()) ++first;
+    for (std::size_t i = first + 1; i < names.size(); ++i)
         if (names[i - 1] == names[i]) return &names[i];
-    for (std::size_t i = 1; i < names.size(); ++i)
+    for (std::size_t i = first; i < names.size(); ++i)
         for (std::size_t j = i; j > 1 && order.Rank[j - 1] == order.Rank[i]; --j)
             if (names[j - 1] == names[i]) return &names[i];
     return nullptr;
@@ -139,6 +153,10 @@ void BringToFront(PointSet set, std::vector<std::int32_t>& position) {
         std::swap(set.X[c], set.X[from]);
         std::swap(set.Y[c], set.Y[from]);
         std::swap(set.Z[c], set.Z[from]);
+        if (set.Poses != nullptr) {
+            double* const row = set.Poses->Row(static_cast<int>(c));
+            std::swap_ranges(row, row + set.Poses->Columns + 1, set.Poses->Row(static_cast<int>(from)));
+        }
         const std::int32_t moved = pairAt[c];
         pairAt[from] = moved;
         if (moved != 0) position[static_cast<std::size_t>(moved)] = static_cast<std::int32_t>(from);

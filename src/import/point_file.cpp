@@ -125,22 +125,6 @@ PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, Bad
     return points;
 }
 
-// The counts after a change of the sets themselves: no pair is known any more.
-void ForgetPairs() {
-    const auto grow = [](std::int32_t count, auto&... arrays) {
-        const auto size = static_cast<std::size_t>(count) + 1;
-        ((arrays.resize(arrays.size() < size ? size : arrays.size())), ...);
-    };
-    Job.nMCS = UpperBound(Job.MCS_Name);
-    Job.nOCS = UpperBound(Job.OCS_Name);
-    Job.nIdent = 0;
-    Job.nMCSOnly = Job.nMCS;
-    Job.nOCSOnly = Job.nOCS;
-    grow(Job.nMCS, Job.TMCS_Name, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z);
-    grow(0, Job.RVecX, Job.RVecY, Job.RVecZ, Job.UseFlags);
-    ++Run.JobGeneration;
-}
-
 // Checks and reads one of the two files; nothing where a message has said why not.
 bool ReadSet(const std::string& path, BadField badField, std::vector<std::string>& names,
              std::vector<TaggedValue>& x, std::vector<TaggedValue>& y, std::vector<double>& z) {
@@ -165,8 +149,24 @@ bool ReadSet(const std::string& path, BadField badField, std::vector<std::string
 
 }  // namespace
 
+void ForgetPairs() {
+    const auto grow = [](std::int32_t count, auto&... arrays) {
+        const auto size = static_cast<std::size_t>(count) + 1;
+        ((arrays.resize(arrays.size() < size ? size : arrays.size())), ...);
+    };
+    Job.nMCS = UpperBound(Job.MCS_Name);
+    Job.nOCS = UpperBound(Job.OCS_Name);
+    Job.nIdent = 0;
+    Job.nMCSOnly = Job.nMCS;
+    Job.nOCSOnly = Job.nOCS;
+    grow(Job.nMCS, Job.TMCS_Name, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z);
+    grow(0, Job.RVecX, Job.RVecY, Job.RVecZ, Job.UseFlags);
+    ++Run.JobGeneration;
+}
+
 void Einlesen_Neu() {
     if (!ReadSet(Job.PathMCS, BadField::Ends, Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z)) return;
+    Job.RobotABC = Matrix{};  // the orientations of target points that go now
     if (IsTrue(Job.IsParaboloid)) {
         Job.OCS_Name = Job.MCS_Name;
         Job.OCS_X = Job.MCS_X;

@@ -11,13 +11,18 @@
 // Reads Job.PathMCS and Job.PathOCS, all checks included, and divides every value by
 // Units.LengthFactor. For a paraboloid the target set is a copy of the start set.
 //   Reads   Job.PathMCS, PathOCS, IsParaboloid, Run.Delimiter, Units
-//   Writes  MCS_*, OCS_*, nMCS, nOCS; no pairs are left, and the working arrays are long enough for that.
+//   Writes  MCS_*, OCS_*, nMCS, nOCS, and RobotABC, which has no rows then; no pairs are left, and the
+//   working arrays are long enough for that.
 //           Run.Delimiter, Run.ImportFailed with a message where a file is unsuitable. What was read
 //           before a failure stays, with counts that fit.
 // Throws PlatformError where a file cannot be read or has no point, and where a field of the start file is
 // no number or too large for its unit, naming file, line and field. In the target file such a field leaves
 // its value without a number, which counts as 0.
 void Einlesen_Neu();
+
+// The counts after a change of the sets themselves: those of the name arrays, and no pair is known any more.
+// The working arrays grow to be long enough.
+void ForgetPairs();
 
 // Appends the points of a further file to the start set; `prefix` and `suffix` are put around each name.
 // A file without names numbers its points from 1. The transformed points get copies of the new ones,

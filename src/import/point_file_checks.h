@@ -50,6 +50,7 @@ void AnzSpalten(const std::string& line, std::int32_t& count, const std::string&
 // How often a text occurs in a file read without its line ends, so also across them. The search goes on
 // one character behind the start of what it found.
 void wieOftStringinFile(const std::string& path, const std::string& text, std::int64_t& count);
+void wieOftStringinFile(const PointText& file, const std::string& text, std::int64_t& count);
 
 // Does the first or the last character of a text equal one of the texts? An empty text has neither.
 void LinksIstString(const std::string& text, std::span<const std::string> texts, Flag& result);

@@ -13,8 +13,11 @@ void AnzSpalten(const std::string& line, std::int32_t& count, const std::string&
 }
 
 void wieOftStringinFile(const std::string& path, const std::string& text, std::int64_t& count) {
+    wieOftStringinFile(LoadPointText(path), text, count);
+}
+
+void wieOftStringinFile(const PointText& file, const std::string& text, std::int64_t& count) {
     count = 0;
-    const PointText file = LoadPointText(path);
     std::string whole;
     whole.reserve(file.Text.size());
     LineWalk lines(file);

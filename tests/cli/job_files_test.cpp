@@ -98,6 +98,25 @@ TEST_F(JobFiles, AJobSavedFromAFitInTheOtherDirectionKeepsIt) {
     EXPECT_EQ(Info(path)["direction"], "ocs-mcs");
 }
 
+TEST_F(JobFiles, AJobOfARobotProgramKeepsItsOrientations) {
+    const std::string tips = kExamples + "robot_tool_measured.txt", program = kExamples + "robot_tool.dat";
+    const std::string path = PathOf("tool.cvn"), plain = PathOf("plain.cvn"), points = PathOf("points.cvn");
+    const json first =
+        json::parse(Command({"fit", tips, program, "--as", "kuka", "--tool", "--save", path, "--json"}).Out);
+    ASSERT_GT(std::abs(first["parameters"].back()["value"].get<double>()), 100) << "a tool of some length";
+    const json again = json::parse(Command({"fit", "--job", path, "--json"}).Out);
+    EXPECT_EQ(again["parameters"], first["parameters"]);
+    EXPECT_EQ(Info(path)["targetKind"], "a Kuka robot file with 10 poses");
+    ASSERT_EQ(Command({"fit", tips, program, "--as", "kuka", "--save", plain}).Status, 0);
+    const json later = json::parse(Command({"fit", "--job", plain, "--tool", "--json"}).Out);
+    EXPECT_EQ(later["parameters"], first["parameters"]);
+    ASSERT_EQ(Command({"fit", start_, target_, "--save", points}).Status, 0);
+    const Outcome none = Command({"fit", "--job", points, "--tool"});
+    EXPECT_EQ(none.Status, 1);
+    EXPECT_NE(none.Err.find("no orientations"), std::string::npos) << none.Err;
+    EXPECT_EQ(Command({"fit", tips, program, "--tool"}).Status, 2) << "the kind of the program is missing";
+}
+
 TEST_F(JobFiles, AJobKeepsThePlacesOfItsFilesForEveryFolder) {
     const std::string path = PathOf("cell.cvn");
     const std::string relative = std::filesystem::relative(start_);

@@ -51,6 +51,13 @@ TEST_F(Files, WrittenBytesAreReadBackUnchanged) {
     EXPECT_EQ(Beside(), std::vector<std::string>{"a.bin"});
 }
 
+TEST_F(Files, TheSizeOfAFileIsToldAndThatOfNoneIs0) {
+    EXPECT_EQ(FileSize(Write("a.bin", std::string(1234, '\0'))), 1234U);
+    EXPECT_EQ(FileSize(Write("empty", "")), 0U);
+    EXPECT_EQ(FileSize(PathOf("none")), 0U);
+    EXPECT_EQ(FileSize(folder_), 0U);
+}
+
 TEST_F(Files, NamesWithUmlautsAndBlanksAreFound) {
     const std::string path = PathOf("Rückgängig 1.cvn");
     WriteFile(path, "x");

@@ -76,6 +76,38 @@ TEST_F(Matching, EqualNamesComeToTheFrontOfBothSetsInTheirOrder) {
     ExpectInvariant(start, target);
 }
 
+// Each pose is told apart by its angles: 1001, 1002, 1003 of target point 101...
+TEST_F(Matching, EveryPoseStaysWithItsPoint) {
+    std::mt19937 random(7);
+    for (int round = 0; round < 200; ++round) {
+        std::vector<std::string> start, target;
+        for (std::vector<std::string>* const names : {&start, &target})
+            for (int i = 1; i <= 12; ++i)
+                if (random() % 3 != 0) names->push_back(std::to_string(i * 5));
+        std::shuffle(start.begin(), start.end(), random);
+        std::shuffle(target.begin(), target.end(), random);
+        for (unsigned unused = random() % 3; unused > 0; --unused) target.emplace_back();
+        Fill(start, target);
+        Job.RobotABC = Matrix(Job.nOCS, 3);
+        for (int i = 1; i <= Job.nOCS; ++i)
+            for (int k = 0; k <= 3; ++k) Job.RobotABC(i, k) = 10.0 * (100 + i) + k;
+        MatchByName();
+        ExpectInvariant(start, target);
+        for (int i = 1; i <= Job.nOCS; ++i)
+            for (int k = 0; k <= 3; ++k)
+                ASSERT_EQ(Job.RobotABC(i, k), 10.0 * *Job.OCS_X[static_cast<std::size_t>(i)] + k);
+        EXPECT_TRUE(Messages().empty()) << "places that no pose has come to are no points of equal name";
+    }
+}
+
+TEST_F(Matching, OrientationsOfAnotherNumberOfPosesStayWhereTheyAre) {
+    Fill({"1", "2"}, {"2", "1", "3"});
+    Job.RobotABC = Matrix(2, 3);
+    Job.RobotABC(1, 1) = 7;
+    MatchByName();
+    EXPECT_EQ(Job.RobotABC(1, 1), 7);
+}
+
 TEST_F(Matching, TheTransformedPointsAreACopyOfTheStartPoints) {
     Fill({"a", "b"}, {"b"});
     Job.UseFlags = {0, 0, 1, 1};

@@ -45,6 +45,9 @@ std::string Program::PathOf(const std::string& name) const {
 std::string Program::Write(const std::string& name, const std::string& content) const {
     const std::string path = PathOf(name);
     std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+    // Some file systems flush a file that is written over to the disk, thousands of times in a fuzz test.
+    std::error_code none;
+    std::filesystem::remove(path, none);
     std::ofstream(path, std::ios::binary) << content;
     return path;
 }

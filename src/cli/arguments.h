@@ -1,0 +1,36 @@
+// What the arguments of all commands share.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+// The help tells choices once, beside the option's name, so the checks are silent there.
+inline CLI::Validator OneOf(std::vector<std::string> choices) {
+    CLI::IsMember check(std::move(choices));
+    return check.description("");
+}
+inline CLI::Validator NameOf(const std::map<std::string, std::string>& names) {
+    CLI::CheckedTransformer check(names);
+    return check.description("");
+}
+inline CLI::Validator Between(int least, int most) {
+    CLI::Range check(least, most);
+    return check.description("");
+}
+
+inline void AddDecimal(CLI::App& command, std::string& decimal, const char* group) {
+    command
+        .add_option("--decimal", decimal,
+                    "Decimal delimiter of files and output, a point or a comma;\n"
+                    "default: that of the locale")
+        ->check(OneOf({".", ","}))
+        ->type_name("'.'|','")
+        ->group(group);
+}
+
+inline std::optional<char> DecimalOf(const std::string& text) {
+    return text.empty() ? std::nullopt : std::optional<char>(text.front());
+}

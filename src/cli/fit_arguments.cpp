@@ -1,0 +1,323 @@
+// The options of `corvinade-cli fit`.
+#include "cli/fit_arguments.h"
+
+#include "cli/arguments.h"
+#include "core/numbers.h"
+#include "core/text.h"
+#include "core/units.h"
+#include "engine/monte_carlo.h"
+#include "engine/noise.h"
+
+namespace {
+
+// Names by which the units are known on a command line.
+const std::map<std::string, std::string> kLengthNames = {{"millimeter", "millimeter"},
+                                                         {"mm", "millimeter"},
+                                                         {"meter", "meter"},
+                                                         {"m", "meter"},
+                                                         {"inch", "inch"},
+                                                         {"in", "inch"},
+                                                         {"feet", "feet"},
+                                                         {"ft", "feet"}};
+const std::map<std::string, std::string> kAngleNames = {
+    {"degree", "degree"},       {"deg", "degree"},
+    {"gon", "grad (gon)"},      {"rad", "rad"},
+    {"mrad", "mrad"},           {"arcsecond", "arcsecond"},
+    {"arcminute", "arcminute"}, {"dms", kDegreeMinuteSecond}};
+const std::map<std::string, std::string> kDelimiterNames = {
+    {"space", " "}, {"semicolon", ";"}, {"colon", ":"}, {"star", "*"},
+    {"sharp", "#"}, {"tab", "\t"},      {"comma", ","}};
+
+// The import takes its tolerance as a 32-bit float above 0.
+std::string CheckTolerance(const std::string& text) {
+    double value = 0;
+    if (TextToNumber(text, '.', value) && value >= 1e-30 && value <= 1e30) return "";
+    return "\"" + Printable(text) + "\" is no length between 1e-30 and 1e30 mm";
+}
+
+void AddPointOptions(CLI::App& fit, FitSwitches& s) {
+    const char* const group = "Points";
+    FitOptions& o = s.Options;
+    fit.add_option("--match", o.Match,
+                   "How the points that both files hold are found: by equal names,\n"
+                   "by equal coordinates, or by equal distances; default: id")
+        ->check(OneOf({"id", "coordinate", "distance"}))
+        ->type_name("id|coordinate|distance")
+        ->group(group);
+    fit.add_option("--tolerance", o.Tolerance_mm,
+                   "How near is equal, in mm whatever the unit; for coordinate and\n"
+                   "distance; default: 0.8")
+        ->check(CheckTolerance)
+        ->type_name("MM")
+        ->group(group);
+    fit.add_option("--only-first", o.OnlyFirst, "Take the distances of the first N target points alone")
+        ->check(Between(1, 1000000000))
+        ->type_name("N")
+        ->group(group);
+    fit.add_option("--leave-out", o.LeaveOut,
+                   "Points that take no part in the fit, or coordinates of them:\n"
+                   "P7, P9:z, P4:xy")
+        ->type_name("POINT")
+        ->group(group);
+    AddDecimal(fit, s.Decimal, group);
+    fit.add_option("--delimiter", o.Delimiter,
+                   "What stands between the fields of a file that does not show it,\n"
+                   "as one with blanks alone")
+        ->transform(NameOf(kDelimiterNames))
+        ->type_name("space|semicolon|colon|star|sharp|tab|comma")
+        ->group(group);
+    auto* yes = fit.add_flag("--yes,-y", s.Yes,
+                             "Answer the questions of the import with Yes; a file with the\n"
+                             "other decimal delimiter is then changed")
+                    ->group(group);
+    fit.add_flag("--no,-n", s.No, "Answer the questions of the import with No")->group(group)->excludes(yes);
+}
+
+void AddModelOptions(CLI::App& fit, FitOptions& o) {
+    const char* const group = "Model";
+    fit.add_option("--parameters", o.Parameters,
+                   "What floats: level (3 shifts and the rotation about z), 6 (rigid),\n"
+                   "7 (with one scale), 9 (with three scales), 12 (affine); default: 6")
+        ->check(OneOf({"level", "6", "7", "9", "12"}))
+        ->type_name("level|6|7|9|12")
+        ->group(group);
+    fit.add_option("--norm", o.Norm,
+                   "What is made least: the sum of squares (l2), the sum of absolute\n"
+                   "deviations (l1, robust against outliers), or nearly the largest\n"
+                   "deviation (loo); default: l2. l1-exact and minimax run on to the\n"
+                   "true optimum of l1 and loo and tell how near they came")
+        ->check(OneOf({"l1", "l2", "loo", "l1-exact", "minimax"}))
+        ->type_name("l1|l2|loo|l1-exact|minimax")
+        ->group(group);
+    fit.add_option("--hold", o.Hold,
+                   "Hold parameters at values, in the units in use:\n"
+                   "rotz=0, scalexyz=1.002, trax=12.5")
+        ->type_name("NAME=VALUE")
+        ->group(group);
+}
+
+void AddOutputOptions(CLI::App& fit, FitSwitches& s) {
+    const char* const group = "Units and output";
+    FitOptions& o = s.Options;
+    fit.add_option("--length-unit", o.LengthUnit, "Unit of the files and of what is shown; default: mm")
+        ->transform(NameOf(kLengthNames))
+        ->type_name("mm|m|in|ft")
+        ->group(group);
+    fit.add_option("--angle-unit", o.AngleUnit, "Unit of angles; default: deg")
+        ->transform(NameOf(kAngleNames))
+        ->type_name("deg|gon|rad|mrad|arcsecond|arcminute|dms")
+        ->group(group);
+    fit.add_option("--digits", o.LengthDigits, "Decimals of lengths, 0 to 6; default: 3")
+        ->check(Between(0, 6))
+        ->type_name("N")
+        ->group(group);
+    fit.add_option("--angle-digits", o.AngleDigits, "Decimals of angles, 0 to 6; default: 4")
+        ->check(Between(0, 6))
+        ->type_name("N")
+        ->group(group);
+    fit.add_flag("--long-scales", o.ScaleDigits, "Scales with 12 decimals instead of 6")->group(group);
+    auto* inverse = fit.add_flag("--inverse", o.Inverse,
+                                 "Also the inverse transformation, and the parameters of the model\n"
+                                 "that reproduce it")
+                        ->group(group);
+    auto* json = fit.add_flag("--json", s.Json, "Everything as JSON, with full precision, in mm and rad")
+                     ->group(group);
+    fit.add_option("--report", o.Report,
+                   "Also write a page to look at and to print: parameters, plots, points")
+        ->type_name("FILE.html")
+        ->check([](const std::string& path) {
+            return std::string(path.empty() ? "a file name is expected" : "");
+        })
+        ->group(group);
+    fit.add_flag("--csv", s.Csv, "The points as CSV, in the units in use")
+        ->group(group)
+        ->excludes(json)
+        ->excludes(inverse)
+        ->excludes(fit.get_option("--monte-carlo"));
+}
+
+// One number for all axes, or three behind commas; "" when the text is neither.
+std::string TakeNoise(const std::string& text, std::array<double, 3>& noise_mm) {
+    std::vector<double> values;
+    std::string_view rest = text;
+    for (bool more = true; more;) {
+        const std::size_t comma = rest.find(',');
+        double value = 0;
+        if (!TextToNumber(std::string(rest.substr(0, comma)), '.', value) || !(value >= 0 && value <= 1e6))
+            return "\"" + Printable(text) + "\" is no list of lengths from 0 to 1e6 mm";
+        values.push_back(value);
+        more = comma != std::string_view::npos;
+        if (more) rest.remove_prefix(comma + 1);
+    }
+    if (values.size() != 1 && values.size() != 3)
+        return "\"" + Printable(text) + "\" is neither one length nor three with commas between";
+    for (std::size_t axis = 0; axis < 3; ++axis) noise_mm[axis] = values[values.size() == 1 ? 0 : axis];
+    return "";
+}
+
+void AddMonteCarloOptions(CLI::App& fit, FitOptions& o) {
+    const char* const group = "Monte Carlo";
+    auto* runs = fit.add_option("--monte-carlo", o.MonteCarloRuns,
+                                "Repeat the fit N times with noise on the start points, and tell\n"
+                                "the spread of each parameter")
+                     ->check(Between(2, kMostMonteCarloRuns))
+                     ->type_name("N")
+                     ->group(group);
+    auto* sigma = fit.add_option_function<std::string>(
+                         "--sigma", [&o](const std::string& text) { TakeNoise(text, o.Noise_mm); },
+                         "Standard deviation of the noise in x, y and z, in mm whatever the\n"
+                         "unit; one number for all three")
+                      ->check([](const std::string& text) {
+                          std::array<double, 3> noise_mm{};
+                          return TakeNoise(text, noise_mm);
+                      })
+                      ->type_name("SX,SY,SZ")
+                      ->group(group)
+                      ->needs(runs);
+    runs->needs(sigma);
+    o.Seed = kUsualSeed;
+    fit.add_option("--seed", o.Seed, "Begin the random numbers elsewhere; equal seeds give equal results")
+        ->type_name("K")
+        ->group(group)
+        ->needs(runs);
+}
+
+// What stands in place of points that fall on their targets.
+void AddRobotOptions(CLI::App& fit, FitOptions& o) {
+    fit.add_option("--as", o.TargetKind,
+                   "TARGET is a robot program: declarations (.dat), fixed columns (.ls),\n"
+                   "robot targets (.modx), or text, a line a pose: name x y z and a\n"
+                   "quaternion or three angles")
+        ->check(OneOf({"kuka", "fanuc", "abb", "quaternion", "xyzabc"}))
+        ->type_name("kuka|fanuc|abb|quaternion|xyzabc")
+        ->group("Points");
+    const char* const group = "Model";
+    auto* distance = fit.add_flag("--r-dist", o.RDist,
+                                  "The transformed points need not fall on their targets: all lie at\n"
+                                  "the same distance from them, which floats")
+                         ->group(group);
+    auto* tool = fit.add_flag("--tool", o.Tool,
+                              "The targets are the poses of a robot program, see --as, or of a job\n"
+                              "of one: all points lie at the same tool vector from them, which\n"
+                              "floats")
+                     ->group(group)
+                     ->excludes(distance);
+    fit.add_option("--poses", o.Poses,
+                   "The same with the orientations of FILE, a line a pose:\n"
+                   "name x y z a b c, angles in the angle unit")
+        ->type_name("FILE")
+        ->group(group)
+        ->excludes(distance)
+        ->excludes(tool);
+}
+
+// Where the iteration begins, and which way it goes. Names hold blanks and commas, so a value is never
+// followed by another one of the same option.
+void AddBeginOptions(CLI::App& fit, FitOptions& o) {
+    const char* const group = "Model";
+    fit.add_option("--start", o.StartValues,
+                   "Begin the iteration at values of your own, for parameters that\n"
+                   "float, in the units in use: rotz=170")
+        ->allow_extra_args(false)
+        ->type_name("NAME=VALUE")
+        ->group(group);
+    fit.add_option("--seed-points", o.SeedPoints,
+                   "Identical points whose exact transformation the iteration begins\n"
+                   "with; names with a comma one by one, the option before each;\n"
+                   "default: the first three")
+        ->allow_extra_args(false)
+        ->type_name("A,B,C")
+        ->group(group);
+    fit.add_option_function<std::string>(
+           "--direction", [&o](const std::string& direction) { o.FromTarget = direction == "ocs-mcs"; },
+           "Fit START to TARGET (mcs-ocs), or TARGET to START (ocs-mcs);\n"
+           "default: mcs-ocs")
+        ->check(OneOf({"mcs-ocs", "ocs-mcs"}))
+        ->type_name("mcs-ocs|ocs-mcs")
+        ->group(group);
+}
+
+void AddFormOptions(CLI::App& fit, FitOptions& o) {
+    const char* const group = "Units and output";
+    fit.add_flag("--details", o.Details,
+                 "Also the rotation in five orders of axes, quaternion, matrices, and\n"
+                 "the inverse")
+        ->group(group)
+        ->excludes(fit.get_option("--csv"));
+    fit.add_flag("--protocol", o.Protocol, "The complete protocol of the desktop, instead of the table")
+        ->group(group)
+        ->excludes(fit.get_option("--csv"));
+}
+
+// What a job has of its own. (Told as what the option excludes it would make a very long line of the help.)
+std::string CheckJobOptions(const FitOptions& o) {
+    if (o.Tool && o.Job.empty() && o.TargetKind == "points")
+        return "--tool takes the orientations of a robot program: name its kind with --as";
+    if (o.Job.empty())
+        return o.Start.empty() || o.Target.empty() ? "fit takes START and TARGET, or --job FILE.cvn" : "";
+    for (const char* option :
+         {"START", "TARGET", "--as", "--match", "--tolerance", "--only-first", "--delimiter", "--length-unit",
+          "--angle-unit", "--digits", "--angle-digits", "--direction"})
+        if (o.IsGiven(option))
+            return std::string("--job brings points, units and direction of its own: ") + option +
+                   " does not go with it";
+    return "";
+}
+
+void AddJobOptions(CLI::App& fit, FitOptions& o) {
+    const char* const group = "Job";
+    fit.add_option("--job", o.Job,
+                   "Fit the points of a job, with its parameters, held values, norm,\n"
+                   "seed points and units, instead of START and TARGET; what other\n"
+                   "options say of these goes before")
+        ->type_name("FILE.cvn")
+        ->group(group);
+    fit.add_option("--save", o.Save, "Also write a job with the points, all choices and the result")
+        ->type_name("FILE.cvn")
+        ->check([](const std::string& path) {
+            return std::string(path.empty() ? "a file name is expected" : "");
+        })
+        ->group(group);
+}
+
+}  // namespace
+
+CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
+    CLI::App* fit = app.add_subcommand("fit", "Fit the transformation from one point file to another");
+    fit->add_option("START", s.Options.Start, "Point file of the start system, a line a point: name x y z")
+        ->type_name("FILE");
+    fit->add_option("TARGET", s.Options.Target,
+                    "Point file of the target system, or a robot program, see --as")
+        ->type_name("FILE");
+    AddPointOptions(*fit, s);
+    AddModelOptions(*fit, s.Options);
+    AddBeginOptions(*fit, s.Options);
+    AddRobotOptions(*fit, s.Options);
+    AddMonteCarloOptions(*fit, s.Options);
+    AddOutputOptions(*fit, s);
+    AddFormOptions(*fit, s.Options);
+    AddJobOptions(*fit, s.Options);
+    fit->footer(
+        "Examples:\n"
+        "  corvinade-cli fit measured.txt nominal.txt --leave-out F09\n"
+        "  corvinade-cli fit measured.txt nominal.txt --match distance --tolerance 0.3\n"
+        "  corvinade-cli fit measured.txt nominal.txt --parameters 7 --json\n"
+        "  corvinade-cli fit measured.txt nominal.txt --monte-carlo 10000 --sigma 0.05\n"
+        "  corvinade-cli fit measured.txt program.dat --as kuka --tool\n\n"
+        "Exit status: 0 done, 1 refused, 2 wrong usage, 3 an input cannot be read,\n"
+        "4 calculated but not converged.");
+    return fit;
+}
+
+std::string TakeFitSwitches(FitSwitches& s) {
+    s.Options.Decimal = DecimalOf(s.Decimal);
+    if (s.Yes || s.No) s.Options.Questions = s.Yes;
+    s.Options.Output = s.Json ? FitOutput::Json : s.Csv ? FitOutput::Csv : FitOutput::Table;
+    s.Options.Inverse |= s.Options.Details;
+    if (s.Options.MonteCarloRuns > 0 && s.Options.Norm != "l2")
+        return "--monte-carlo goes with --norm l2 alone";
+    if (s.Options.Protocol && !s.Json && (s.Options.Inverse || s.Options.MonteCarloRuns > 0))
+        return "--protocol stands instead of the table, so --details, --inverse and --monte-carlo go with it in "
+               "--json alone";
+    return CheckJobOptions(s.Options);
+}

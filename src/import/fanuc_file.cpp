@@ -1,0 +1,88 @@
+// Programs with their poses in a section /POS ... /END, each over several lines in fixed columns:
+//
+//   P[1]{
+//      GP1:
+//       UF : 0, UT : 1,     CONFIG : 'N U T, 0, 0, 0',
+//       X =  1234.500  mm,  Y =   -20.250  mm,  Z =   600.000  mm,
+//       W =   180.000 deg,  P =     0.000 deg,  R =    90.000 deg
+//   };
+#include <algorithm>
+#include <cmath>
+
+#include "core/numbers.h"
+#include "core/platform.h"
+#include "core/run.h"
+#include "core/text.h"
+#include "core/units.h"
+#include "import/point_file_checks.h"
+#include "import/robot_files.h"
+#include "import/robot_program.h"
+
+namespace {
+
+// Behind the letter of a value stand " = ", and before what follows it its unit and what divides it from the
+// next one.
+constexpr std::size_t kBeforeValue = 4, kBehindValue = 6, kBehindLastAngle = 3;
+
+// The value whose letter stands at `place` and whose columns end before `end`.
+double ValueAt(const RobotProgram& program, std::size_t place, std::size_t end) {
+    const std::string_view line = program.Line;
+    const std::size_t begin = place + kBeforeValue;
+    const double value = NumberBetween(program, begin, end);
+    // Five digits with a sign come up to the equals sign, and the sign would be lost.
+    if (line.substr(begin - 2, 2) != "= ")
+        FailAtLine(program,
+                   "\"" + Printable(line.substr(place, end - place)) + "\" is not in the fixed columns");
+    // In other columns the cut can run through the digits. Of Z the last of three decimals is lost as a rule.
+    constexpr double kLastDecimal = 0.01;
+    std::size_t whole = end;
+    while (whole < line.size() &&
+           ((line[whole] >= '0' && line[whole] <= '9') || line[whole] == '.' || line[whole] == ','))
+        ++whole;
+    while (whole > end && (line[whole - 1] == ',' || line[whole - 1] == '.')) --whole;
+    if (whole > end && !(std::fabs(NumberBetween(program, begin, whole) - value) < kLastDecimal))
+        FailAtLine(program, "the fixed columns cut \"" + Printable(line.substr(begin, whole - begin)) +
+                                "\" to \"" + Printable(line.substr(begin, end - begin)) + "\"");
+    return value;
+}
+
+std::size_t Less(std::size_t place, std::size_t count) {
+    return place < count ? 0 : place - count;
+}
+
+void ReadPoses(const std::string& path) {
+    RobotProgram program(path);
+    std::int64_t n = 0;
+    wieOftStringinFile(program.File, "]{", n);
+    PoseTable poses(program, n, Units.AngleFactor);
+    do NeedLine(program);
+    while (!program.Line.starts_with("/POS"));
+    do {
+        NeedLine(program);
+        if (program.Line.starts_with("/END")) return;
+        for (int line = 0; line < 3; ++line) NeedLine(program);
+        const std::size_t x = PlaceOf(program, "X "), y = PlaceOf(program, "Y "), z = PlaceOf(program, "Z ");
+        const double X = ValueAt(program, x, Less(y, kBehindValue));
+        const double Y = ValueAt(program, y, Less(z, kBehindValue));
+        const double Z = ValueAt(program, z, Less(program.Line.size(), kBehindValue));
+        NeedLine(program);
+        const std::size_t w = PlaceOf(program, "W "), p = PlaceOf(program, "P "), r = PlaceOf(program, "R ");
+        const double W = ValueAt(program, w, Less(p, kBehindValue));
+        const double P = ValueAt(program, p, Less(r, kBehindValue));
+        const double R = ValueAt(program, r, Less(program.Line.size(), kBehindLastAngle));
+        poses.Take(program, {X, Y, Z}, {R, P, W});
+        do NeedLine(program);
+        while (!program.Line.starts_with("}"));
+    } while (!HasEnded(program));
+}
+
+}  // namespace
+
+void EinlesenFanucDatei(const std::string& path) {
+    try {
+        ReadPoses(path);
+    } catch (const PlatformError&) {
+        ShowMessage("Error while importing FANUC Data");
+        throw;  // it tells where
+    }
+}

@@ -1,0 +1,82 @@
+// Text files of poses, a line a pose: its name, x, y, z, and an orientation as a quaternion or as angles.
+#include <algorithm>
+#include <array>
+#include <string>
+
+#include "core/numbers.h"
+#include "core/run.h"
+#include "core/text.h"
+#include "core/units.h"
+#include "import/point_file_checks.h"
+#include "import/pose_quaternion.h"
+#include "import/robot_files.h"
+#include "import/robot_program.h"
+
+namespace {
+
+// Reads the number at the start of a field, whatever the system's settings. A comma in it can only be a
+// decimal one, which the check of the file leaves there on a system that has it.
+double FieldValue(std::string_view field) {
+    double value = 0;
+    if (TextToNumber(field, '.', value)) return value;
+    std::string text(field);
+    std::replace(text.begin(), text.end(), ',', '.');
+    return Val(text);
+}
+
+// One pose a line that holds anything; `take` gets its name and the numbers behind it.
+template <std::size_t kNumbers, class Take>
+void ReadLines(RobotProgram& program, Take take) {
+    const char delimiter = DelimiterCharacter(Run.Delimiter);
+    std::string scratch;
+    while (NextLine(program)) {
+        if (program.Line.empty()) continue;
+        std::string_view rest = program.Line;
+        const std::string name(CutField(rest, delimiter, scratch));
+        std::array<double, kNumbers> numbers{};
+        for (std::size_t k = 0; k < kNumbers; ++k) {
+            const std::string_view field = CutField(rest, delimiter, scratch);
+            if (field.empty())
+                FailAtLine(program, "a name and " + std::to_string(kNumbers) + " numbers are expected in \"" +
+                                        Printable(program.Line) + "\"");
+            numbers[k] = FieldValue(field);
+        }
+        take(name, numbers);
+    }
+}
+
+// Checks the file as a point file and counts its poses. False where a message has said what is wrong.
+bool Check(RobotProgram& program, std::int64_t& n) {
+    ASCII_FileCheck(program.File, Run.RobotFileHasId, Run.Delimiter);
+    program.Lines = LineWalk(program.File);
+    AnzZeilen(program.File, n);
+    return !IsTrue(Run.ImportFailed);
+}
+
+}  // namespace
+
+void EinlesenABB() {
+    RobotProgram program(Run.PathReader);
+    std::int64_t n = 0;
+    if (!Check(program, n)) return;
+    LostOrientations lost;
+    {
+        constexpr double kRadians = 1;  // which the angles of quaternions are in
+        PoseTable poses(program, n, kRadians);
+        ReadLines<7>(program, [&](const std::string& name, const std::array<double, 7>& v) {
+            poses.Take(program, {v[0], v[1], v[2]},
+                       AnglesOfQuaternion({v[3], v[4], v[5], v[6]}, program, lost), name);
+        });
+    }
+    ShowLostOrientations(program, lost);
+}
+
+void EinlesenXYZABC() {
+    RobotProgram program(Run.PathReader);
+    std::int64_t n = 0;
+    if (!Check(program, n)) return;
+    PoseTable poses(program, n, Units.AngleFactor);
+    ReadLines<6>(program, [&](const std::string& name, const std::array<double, 6>& v) {
+        poses.Take(program, {v[0], v[1], v[2]}, {v[3], v[4], v[5]}, name);
+    });
+}

@@ -1,0 +1,121 @@
+// Lines of a robot program, numbers in them, and poses for the job.
+#include "import/robot_program.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "core/job.h"
+#include "core/numbers.h"
+#include "core/platform.h"
+#include "core/run.h"
+#include "core/text.h"
+#include "core/units.h"
+#include "import/point_file.h"
+
+RobotProgram::RobotProgram(const std::string& path) : File(LoadPointText(path)), Lines(File) {}
+
+bool NextLine(RobotProgram& program) {
+    std::string_view line;
+    if (!program.Lines.Next(line)) return false;
+    program.Line = DecodedLine(program.File, line, program.Decoded);
+    return true;
+}
+
+void NeedLine(RobotProgram& program) {
+    if (!NextLine(program)) FailAtLine(program, "the file ends here, inside its poses");
+}
+
+bool HasEnded(const RobotProgram& program) {
+    return program.Lines.Rest.empty();
+}
+
+void FailAtLine(const RobotProgram& program, const std::string& what) {
+    throw PlatformError{"Cannot read \"" + program.File.Path + "\", line " +
+                        std::to_string(program.Lines.Row) + ": " + what};
+}
+
+std::size_t PlaceOf(const RobotProgram& program, std::string_view text, std::size_t from) {
+    const std::size_t place = program.Line.find(text, from);
+    if (place == std::string_view::npos)
+        FailAtLine(program, "there is no \"" + std::string(text) + "\" in \"" +
+                                Printable(program.Line.substr(std::min(from, program.Line.size()))) + "\"");
+    return place;
+}
+
+double NumberBetween(const RobotProgram& program, std::size_t begin, std::size_t end) {
+    if (begin >= end || end > program.Line.size())
+        FailAtLine(program, "a number is missing in \"" + Printable(program.Line) + "\"");
+    const std::string_view text = program.Line.substr(begin, end - begin);
+    double value = 0;
+    if (!TextToNumber(text, value) && !TextToNumber(text, '.', value))
+        FailAtLine(program, "\"" + Printable(text) + "\" is not a number");
+    return value;
+}
+
+PoseTable::PoseTable(const RobotProgram& program, std::int64_t count, double angleFactor)
+    : angleFactor_(angleFactor) {
+    const std::string refusal = "Cannot read \"" + program.File.Path + "\": ";
+    if (count == 0) throw PlatformError{refusal + "there is no pose in it"};
+    // The shortest pose has seven numbers. A file of marks alone would take much more memory than it has
+    // bytes, for places that no pose comes to.
+    constexpr std::int64_t kShortestPose = 14, kMarksToSpare = 1000;
+    const std::int64_t room =
+        static_cast<std::int64_t>(program.File.Text.size()) / kShortestPose + kMarksToSpare;
+    if (count > room || count >= std::numeric_limits<std::int32_t>::max())
+        throw PlatformError{refusal + "it announces " + std::to_string(count) +
+                            " poses, more than it has room for"};
+    const auto size = static_cast<std::size_t>(count) + 1;
+    name_.resize(size);
+    x_.resize(size);
+    y_.resize(size);
+    z_.resize(size);
+    angles_ = Matrix(static_cast<int>(count), 3);
+}
+
+PoseTable::~PoseTable() {
+    if (name_.empty()) return;
+    Job.OCS_Name = std::move(name_);
+    Job.OCS_X = std::move(x_);
+    Job.OCS_Y = std::move(y_);
+    Job.OCS_Z = std::move(z_);
+    Job.RobotABC = std::move(angles_);
+    ForgetPairs();
+    const auto span = [this](std::size_t k) {
+        return taken_ == 0 ? 0 : (highest_[k] - lowest_[k]) / angleFactor_;
+    };
+    Run.SpanA = span(0);
+    Run.SpanB = span(1);
+    Run.SpanC = span(2);
+}
+
+void PoseTable::Take(const RobotProgram& program, const std::array<double, 3>& position,
+                     const PoseAngles& angles) {
+    Take(program, position, angles, std::to_string(taken_ + 1));
+}
+
+void PoseTable::Take(const RobotProgram& program, const std::array<double, 3>& position,
+                     const PoseAngles& angles, std::string name) {
+    const std::size_t last = name_.size() - 1;
+    if (taken_ == last)
+        FailAtLine(program, "one more pose than the " + std::to_string(last) +
+                                " that the file announces: \"" + Printable(program.Line) + "\"");
+    std::array<double, 3> mm{}, rad{};
+    bool finite = true;
+    for (std::size_t k = 0; k < 3; ++k) {
+        mm[k] = position[k] / Units.LengthFactor;
+        rad[k] = angles[k] / angleFactor_;
+        finite = finite && std::isfinite(mm[k]) && std::isfinite(rad[k]);
+    }
+    if (!finite) FailAtLine(program, "these numbers are no pose: \"" + Printable(program.Line) + "\"");
+    ++taken_;
+    name_[taken_] = std::move(name);
+    x_[taken_] = mm[0];
+    y_[taken_] = mm[1];
+    z_[taken_] = mm[2];
+    for (std::size_t k = 0; k < 3; ++k) {
+        angles_(static_cast<int>(taken_), static_cast<int>(k) + 1) = rad[k];
+        highest_[k] = std::max(highest_[k], angles[k]);
+        lowest_[k] = std::min(lowest_[k], angles[k]);
+    }
+}
