@@ -56,7 +56,7 @@ std::string LeftOut(int pair) {
 std::string Joined(const std::vector<std::string>& names) {
     std::string text;
     for (std::size_t i = 0; i < names.size() && i < kMostNames; ++i)
-        text += (i == 0 ? "" : ", ") + ForTable(names[i], kLongestName);
+        text.append(i == 0 ? "" : ", ").append(ForTable(names[i], kLongestName));
     if (names.size() > kMostNames) text += " and " + std::to_string(names.size() - kMostNames) + " more";
     return text;
 }

@@ -87,16 +87,31 @@ FileBytes ReadFile(const std::string& path) {
     return bytes;
 }
 
+namespace {
+
+// A link is written through, so that it still points to its file afterwards, even where that is not there
+// yet.
+fs::path BehindLinks(const std::string& path) {
+    constexpr int kMostLinks = 40;
+    fs::path target = PathOf(path);
+    std::error_code error;
+    for (int links = 0; fs::is_symlink(fs::symlink_status(target, error)); ++links) {
+        if (links == kMostLinks) Fail(kCannotWrite, path, "its links lead in a circle");
+        const fs::path next = fs::read_symlink(target, error);
+        if (error) Fail(kCannotWrite, path, error.message());
+        target = target.parent_path() / next;
+    }
+    return target;
+}
+
+}  // namespace
+
 void WriteFile(const std::string& path, std::string_view bytes) {
     std::error_code error;
-    // A link is written through, so that it still points to its file afterwards.
-    fs::path target = PathOf(path);
-    if (fs::is_symlink(fs::symlink_status(target, error))) {
-        const fs::path real = fs::weakly_canonical(target, error);
-        if (!error) target = real;
-    }
+    const fs::path target = BehindLinks(path);
     const fs::file_status old = fs::status(target, error);
     if (fs::is_directory(old)) Fail(kCannotWrite, path, "it is a folder, not a file");
+    if (fs::exists(old) && !fs::is_regular_file(old)) Fail(kCannotWrite, path, "it is no regular file");
     // Renaming asks for no right to the file itself, so that a protected one has to be looked for.
     constexpr fs::perms kAnyWrite = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
     if (fs::exists(old) && (old.permissions() & kAnyWrite) == fs::perms::none)

@@ -180,6 +180,26 @@ TEST_F(Files, FoldersAreCreatedWithThoseAboveThem) {
     EXPECT_FALSE(Directory_Exist(PathOf("d")));
 }
 
+TEST_F(Files, ALinkWhoseFileIsNotThereYetGetsOne) {
+    fs::create_directory(PathOf("there"));
+    fs::create_symlink("there/file.txt", PathOf("link.txt"));
+    WriteFile(PathOf("link.txt"), "new");
+    EXPECT_TRUE(fs::is_symlink(PathOf("link.txt")));
+    EXPECT_EQ(Contents(PathOf("there/file.txt")), "new");
+}
+
+TEST_F(Files, WhatIsNoRegularFileIsNotReplaced) {
+    fs::create_symlink("b", PathOf("a"));
+    fs::create_symlink("a", PathOf("b"));
+    EXPECT_EQ(ErrorOf([&] { WriteFile(PathOf("a"), "new"); }),
+              "Cannot write \"" + PathOf("a") + "\": its links lead in a circle");
+    ASSERT_EQ(mkfifo(PathOf("pipe").c_str(), 0600), 0);
+    EXPECT_EQ(ErrorOf([&] { WriteFile(PathOf("pipe"), "new"); }),
+              "Cannot write \"" + PathOf("pipe") + "\": it is no regular file");
+    EXPECT_TRUE(fs::is_fifo(PathOf("pipe")));
+    EXPECT_EQ(Beside(), (std::vector<std::string>{"a", "b", "pipe"}));
+}
+
 TEST_F(Files, RenamingNeverGoesOverAFile) {
     const std::string a = Write("a", "A");
     const std::string b = Write("b", "B");
