@@ -6,6 +6,7 @@
 
 #include "core/fresh_start.h"
 #include "core/job.h"
+#include "core/run.h"
 #include "core/settings.h"
 #include "engine/transform.h"
 
@@ -89,6 +90,7 @@ void FillJob(const FitData& data, int parameters) {
     Job.TMCS_Z = Job.MCS_Z;
     Job.UseFlags.assign(3 * n + 1, 1);
     Job.nIdent = Job.nMCS = Job.nOCS = static_cast<std::int32_t>(n);
+    Run.JobDataValid = kTrue;
     Job.ParamText.fill(kNotUsed);
     for (const int k : {kTraX, kTraY, kTraZ, kRotX, kRotY, kRotZ})
         Job.ParamText[static_cast<std::size_t>(k)] = kFloat;

@@ -115,7 +115,8 @@ PointCounts PointsOfJob() {
     const bool counts = Job.nIdent >= 0 && Job.nMCSOnly >= 0 && Job.nOCSOnly >= 0 &&
                         Job.nMCS == std::int64_t{Job.nIdent} + Job.nMCSOnly &&
                         Job.nOCS == std::int64_t{Job.nIdent} + Job.nOCSOnly;
-    const bool whole = counts && reach(Job.nMCS, Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z) &&
+    const bool whole = IsTrue(Run.JobDataValid) && counts &&
+                       reach(Job.nMCS, Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z) &&
                        reach(Job.nOCS, Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
     return whole ? PointCounts{Job.nIdent, Job.nMCSOnly, Job.nOCSOnly} : PointCounts{};
 }

@@ -29,8 +29,8 @@ struct MainSheetCells {
     std::vector<std::array<double, 3>> Start, Target;  // mm; point i of each list at i - 1
 };
 
-// The points of the job; none of any kind while counts and arrays do not fit each other, as an import or an
-// error may leave them.
+// The points of the job; none of any kind where they are not valid, such as those that a new job leaves in
+// memory, or counts and arrays do not fit each other.
 PointCounts PointsOfJob();
 
 // A sheet for the points and units of the job, whose rows are still to be taken.

@@ -45,7 +45,8 @@ void CalculateParaboloid();  // the passes of a calculation of a job with a shap
 void ReadBundleFile(const std::string& path);  // the reader behind the bundle file of the input dialog
 
 // --- analysis/ ---------------------------------------------------------------------------------------
-void FuellenHaupttabelle();           // refills the main sheet where it is open; yields at each row
+// Refills the main sheet where it is open, from a job with valid data. Yields at each row.
+void FuellenHaupttabelle();
 void MainSheet_Copy();                // copies its selected cells
 void MainSheet_ShowPoint(int point);  // makes the row of an identical point the current one, centred
 void FORMfüllen();                    // refills the input statistic

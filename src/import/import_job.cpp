@@ -234,11 +234,11 @@ void myBtn_OK() {
     if (!ImportPoints()) return;
     IdentischePkte_Neu();
     guard.Whole = true;
+    Run.JobDataValid = kTrue;  // the main sheet shows no others
     const std::uint64_t generation = Run.JobGeneration;
     FuellenHaupttabelle();
     // Another job that has been opened during the fill has closed the dialog, and is left as it is.
     if (Run.JobGeneration != generation && !IsLoaded("FormInputFiles")) return;
-    Run.JobDataValid = kTrue;
     ProgrammLogik();
     if (IsLoaded("FormInputStatistic")) FORMfüllen();
     if (Main.MenuTransformationCalculation.Checked) {

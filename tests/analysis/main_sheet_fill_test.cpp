@@ -220,6 +220,63 @@ TEST_F(MainSheetFill, AnImportThatFailsLeavesNoRowOfTheFormerPoints) {
     EXPECT_EQ(Cell(0, 1), "MCS.x");
 }
 
+TEST_F(MainSheetFill, ANewJobShowsNoRowOfTheFormerOne) {
+    FivePoints();
+    Open();
+    Headless.Answers["save"].push_back(PathOf("new.cvn"));
+    UserClick(Main.MenuFileNew);
+    EXPECT_FALSE(IsLoaded("FormMainSheet"));
+    EXPECT_FALSE(Main.MenuVievMainSheet.Checked);
+    EXPECT_EQ(Messages(), Texts{});
+    EXPECT_EQ(Job.nIdent, 3);  // the points stay in memory
+    Open();
+    EXPECT_EQ(Messages(), Texts{kNoData});
+    EXPECT_EQ(Rows(), 1);
+    UserClick(Main.MenuSettingsUnits);
+    UserClick(UnitsWindow.BtnOK);
+    EXPECT_EQ(Rows(), 1);
+}
+
+TEST_F(MainSheetFill, AnOpenedJobIsShownWithTheTransformationThatItHolds) {
+    FivePoints();
+    Job.TraX = 1000;
+    Job.RotZ = Job.RotZCopy = kPi / 2;
+    Run.JobFilePath = PathOf("a.cvn");
+    UserClick(Main.MenuFileSave);
+    Job.TraX = Job.RotZ = Job.RotZCopy = 0;
+    Run.JobDirty = kFalse;
+    Open();
+    EXPECT_EQ(Cell(2, 1), "0.000");
+    Headless.Answers["open"].push_back(PathOf("a.cvn"));
+    UserClick(Main.MenuFileOpen);
+    EXPECT_FALSE(IsLoaded("FormMainSheet"));
+    Open();
+    EXPECT_EQ(Messages(), Texts{});
+    EXPECT_EQ(Col(0), (Texts{"P1", "P2", "P3", "S", "T"}));
+    EXPECT_EQ(Cell(2, 1), "1200.000");  // coordinates in a frame turned by 90 degrees
+    EXPECT_EQ(Cell(2, 2), "0.000");
+    EXPECT_EQ(Cell(1, 2), "-100.000");
+}
+
+TEST_F(MainSheetFill, AJobThatIsOpenedInsideAFillEndsIt) {
+    FivePoints();
+    Run.JobFilePath = PathOf("a.cvn");
+    UserClick(Main.MenuFileSave);
+    Job.MCS_Name[1] = Job.OCS_Name[1] = "changed";
+    Run.JobDirty = kFalse;
+    AtYield(2, [this] {
+        Headless.Answers["open"].push_back(PathOf("a.cvn"));
+        UserClick(Main.MenuFileOpen);
+    });
+    UserClick(Main.MenuVievMainSheet);
+    ExpectAtRest();
+    EXPECT_FALSE(IsLoaded("FormMainSheet"));
+    EXPECT_EQ(Job.MCS_Name[1], "P1");
+    EXPECT_EQ(Run.JobDirty, kFalse);
+    Open();
+    EXPECT_EQ(Cell(1, 0), "P1");
+}
+
 TEST_F(MainSheetFill, TheDirectionSwitchRefillsItAndNamesTheOtherSystem) {
     FivePoints();
     CalculationJob::Open();
