@@ -6,7 +6,6 @@
 #include <benchmark/benchmark.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <string>
@@ -19,6 +18,7 @@
 #include "core/refresh.h"
 #include "core/run.h"
 #include "fit_data.h"
+#include "timing.h"
 
 namespace {
 
@@ -32,11 +32,6 @@ public:
     JobFolder() : folder_(fs::temp_directory_path() / ("corvinade-bench-job-" + std::to_string(getpid()))) {
         fs::create_directories(folder_);
         FillJob(MakeFitData(kPoints, 7), 7);
-        for (int i = 1; i <= kPoints; ++i) Job.MCS_Name.push_back("P" + std::to_string(i));
-        Job.OCS_Name = Job.TMCS_Name = Job.MCS_Name;
-        Job.TMCS_X = Job.MCS_X;
-        Job.TMCS_Y = Job.MCS_Y;
-        Job.TMCS_Z = Job.MCS_Z;
         Headless = HeadlessRecord{};
         Headless.SettingsDir = folder_;
         SaveFileAs(JobPath());
@@ -52,15 +47,10 @@ private:
 };
 
 template <class Work>
-double Milliseconds(Work work) {
+double TimeOf(Work work) {
     const auto begin = std::chrono::steady_clock::now();
     work();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
-}
-
-double Median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
+    return Milliseconds(begin);
 }
 
 // One after the other in each round, so that a busy disk meets all three.
@@ -68,11 +58,11 @@ template <class Work>
 void BesideCopies(benchmark::State& state, const JobFolder& folder, Work work) {
     std::vector<double> own, copy, plain;
     for (auto _ : state) {
-        copy.push_back(Milliseconds([&] { WriteFile(folder.Copy(), ReadFile(folder.JobPath()).View()); }));
+        copy.push_back(TimeOf([&] { WriteFile(folder.Copy(), ReadFile(folder.JobPath()).View()); }));
         fs::remove(folder.Copy());
-        plain.push_back(Milliseconds([&] { fs::copy_file(folder.JobPath(), folder.Copy()); }));
+        plain.push_back(TimeOf([&] { fs::copy_file(folder.JobPath(), folder.Copy()); }));
         fs::remove(folder.Copy());
-        own.push_back(Milliseconds(work));
+        own.push_back(TimeOf(work));
         state.SetIterationTime(own.back() / 1000);
     }
     state.counters["MB"] = static_cast<double>(fs::file_size(folder.JobPath())) / 1e6;
