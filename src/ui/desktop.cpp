@@ -142,6 +142,7 @@ void OpenOne(const WindowEntry& window) {
         auto* layout = new QVBoxLayout(dialog);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(open.Form);
+        dialog->setWindowModality(Qt::WindowModal);
         open.Outer = dialog;
     } else {
         open.Outer = Desktop.Area->addSubWindow(open.Form);
@@ -229,8 +230,7 @@ public:
         const bool calculation = IsLoaded("FormTrafoBerechnung");
         if (key == Qt::Key_F5 && calculation) return press(TrafoWindow.BtnCalculate);
         if (key != Qt::Key_Escape) return false;
-        if (calculation && !TrafoWindow.BtnCalculate.Enabled && press(TrafoWindow.BtnSTOP))
-            return true;
+        if (calculation && !TrafoWindow.BtnCalculate.Enabled && press(TrafoWindow.BtnSTOP)) return true;
         const QWidget* window = static_cast<QWidget*>(object)->window();
         for (const auto& [entry, open] : Desktop.Windows)
             if (open.Outer == window && IsDialog(*entry)) {
@@ -270,8 +270,10 @@ QWidget* WidgetOf(const WindowEntry& window) {
 }
 
 QWidget* DialogParent() {
-    QWidget* active = QApplication::activeWindow();
-    return active != nullptr ? active : Desktop.FrameWindow;
+    // A window that was closed by this very event may still be the active one; it takes its children with it.
+    for (QWidget* candidate : {QApplication::activeModalWidget(), QApplication::activeWindow()})
+        if (candidate != nullptr && candidate->isVisible()) return candidate;
+    return Desktop.FrameWindow;
 }
 
 void OpenDesktop() {

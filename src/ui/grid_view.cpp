@@ -148,6 +148,7 @@ private:
     bool Pressed(const QKeyEvent& event) {
         const std::string key = KeyName(event);
         if (key.empty()) return false;
+        TellSelection();
         UserDid([&] { UserKey(control_, key); });
         return true;
     }
