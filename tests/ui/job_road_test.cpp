@@ -34,10 +34,10 @@ protected:
 
 TEST_F(JobRoad, TwoFilesAreImportedAndTheCommandsFollow) {
     Begin();
-    EXPECT_FALSE(Frame()->findChild<QMenu*>(QStringLiteral("MenuTransformation"))->isEnabled());
+    EXPECT_FALSE(Frame()->findChild<QMenu*>(QStringLiteral("MenuTransformation"))->menuAction()->isEnabled());
     Import();
     EXPECT_EQ(Job.nIdent, 4);
-    EXPECT_TRUE(Frame()->findChild<QMenu*>(QStringLiteral("MenuTransformation"))->isEnabled());
+    EXPECT_TRUE(Frame()->findChild<QMenu*>(QStringLiteral("MenuTransformation"))->menuAction()->isEnabled());
     EXPECT_TRUE(Frame()->windowTitle().startsWith(QLatin1String("Corvinade Version 2.0.64")));
 }
 
