@@ -46,7 +46,7 @@ std::vector<FitPoint> FitPoints() {
             const auto row = 3 * (k - 1) + static_cast<std::size_t>(axis) + 1;
             point.Deviation[axis] =
                 distance ? share * (transformed(axis + 1) - target(axis + 1)) : Calculation.v[row];
-            point.Used[axis] = Job.UseFlags[row] != 0;
+            point.Used[axis] = CoordinateInUse(row);
             squares += point.Deviation[axis] * point.Deviation[axis];
         }
         point.Deviation3D = std::sqrt(squares);
@@ -77,13 +77,11 @@ FitNorms NormsOfDeviations(const std::vector<FitPoint>& points) {
 
 int ObservationsInUse() {
     // A distance is one observation of the whole point, which takes part as its Z does.
-    if (Selection.CheckRDist) {
-        int points = 0;
-        for (std::size_t i = 3; i < Job.UseFlags.size(); i += 3) points += Job.UseFlags[i] != 0;
-        return points;
-    }
-    return static_cast<int>(
-        std::count(Job.UseFlags.begin() + 1, Job.UseFlags.begin() + 1 + 3 * Job.nIdent, 1));
+    const std::size_t step = Selection.CheckRDist ? 3 : 1;
+    int observations = 0;
+    for (std::size_t i = step; i <= 3 * static_cast<std::size_t>(Job.nIdent); i += step)
+        observations += CoordinateInUse(i) ? 1 : 0;
+    return observations;
 }
 
 Mat3 FitMatrix() {

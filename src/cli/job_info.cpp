@@ -42,8 +42,7 @@ std::string TargetKind() {
 }
 
 bool Used(int pair, int axis) {
-    const auto index = static_cast<std::size_t>(3 * (pair - 1) + axis);
-    return index < Job.UseFlags.size() && Job.UseFlags[index] == 1;
+    return CoordinateInUse(static_cast<std::size_t>(3 * (pair - 1) + axis));
 }
 
 // The coordinates of a pair that take no part: "", or letters of "xyz".

@@ -97,6 +97,11 @@ void RepairJobCounts();
 // The result value of a parameter 1 to 17 of the job, by number.
 double& ParameterValue(JobRecord& job, int parameter);
 
+// Does the coordinate with this index of the use flags take part in the fit? One that has no flag yet does.
+inline bool CoordinateInUse(std::size_t index) {
+    return index >= Job.UseFlags.size() || Job.UseFlags[index] == 1;
+}
+
 // Start point and target point i of the job; an empty tagged value counts as 0.
 inline Vec3 StartPoint(int i) {
     const auto k = static_cast<std::size_t>(i);

@@ -152,8 +152,9 @@ void MenuFileSave_Command() {
     }
     const BusyPointer busy;
     Pause(kSavePause_ms);
-    // Another job, or none, may have been opened meanwhile.
-    if (!IsTrue(Run.JobDataValid)) return;
+    // Another job, or none, may have been opened meanwhile; and a main window that has been closed, and has
+    // asked for a changed job then, has taken the names of the saved views with it.
+    if (!IsTrue(Run.JobDataValid) || !IsLoaded("FormMain")) return;
     if (IsDefaultJob()) {
         SaveAs();
     } else {

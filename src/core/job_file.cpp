@@ -1,6 +1,7 @@
 // Opening and saving of the job.
 #include "core/job_file.h"
 
+#include <cstdint>
 #include <utility>
 
 #include "core/controller.h"
@@ -70,21 +71,27 @@ void OpenFile(const std::string& path) {
     FillViewList({});
     Job.nSavedViews = 0;  // the views are found by the list alone
     JobFileContent content;
+    // A message and the fill of the sheet let other work in, and the job that it has opened is left as it is.
+    std::uint64_t generation = Run.JobGeneration;
+    const auto overtaken = [&generation] { return Run.JobGeneration != generation; };
     try {
-        if (!ReadWithQuestions(path, content)) return ForgetPath();
+        const bool wanted = ReadWithQuestions(path, content);
+        if (overtaken()) return;
+        if (!wanted) return ForgetPath();
     } catch (const PlatformError&) {
-        ForgetPath();  // a job that is saved later must not replace the file that could not be read
+        // A job that is saved later must not replace the file that could not be read.
+        if (!overtaken()) ForgetPath();
         throw;
     }
-    // A message lets other work in, so nothing that was looked up before it is used from here on.
     Job = std::move(content.Job);
-    ++Run.JobGeneration;
+    generation = ++Run.JobGeneration;
     FillViewList(std::move(content.ViewNames));
     // The kinds of target file that a job does not store are not those of the job before.
     Run.IsDefault = Run.IsABBModx = Run.IsFanuc = Run.IsXYZABC = kFalse;
     RhoFestlegung();
     Run.JobDataValid = kTrue;  // the main sheet shows no others
     FuellenHaupttabelle();
+    if (overtaken()) return;
     if (IsLoaded("FormTrafoBerechnung")) INI_Formtrafoberechnung();
     ProgrammLogik();
 }

@@ -33,7 +33,7 @@ std::size_t At(int i) {
 Column WeightsFromUseFlags(int n) {
     Column P(At(n) + 1, 1);
     P[0] = 0;
-    for (std::size_t i = 1; i < std::min(P.size(), Job.UseFlags.size()); ++i) P[i] = Job.UseFlags[i];
+    for (std::size_t i = 1; i < P.size(); ++i) P[i] = CoordinateInUse(i) ? 1 : 0;
     return P;
 }
 

@@ -113,7 +113,7 @@ void AddPoint(std::string& text, int i) {
     AddLengths(text, target);
     AddLengths(text, {image(1) - target(1), image(2) - target(2), image(3) - target(3)});
     for (std::size_t row = 3 * At(i) - 2; row <= 3 * At(i); ++row)
-        text.append("\t").append(std::to_string(row < Job.UseFlags.size() ? Job.UseFlags[row] : 1));
+        text.append("\t").append(CoordinateInUse(row) ? "1" : "0");
     const CoordinateForms ofStart = FormsOf(image), ofTarget = FormsOf(target);
     const std::array<CoordinateForms, 3> forms = {ofStart, ofTarget, FormDifference(ofStart, ofTarget)};
     const auto add = [&text](double length, double angle) {

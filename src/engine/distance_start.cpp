@@ -35,8 +35,7 @@ private:
 };
 
 bool InUse(int pair) {
-    const std::size_t flag = 3 * static_cast<std::size_t>(pair);
-    return flag >= Job.UseFlags.size() || Job.UseFlags[flag] != 0;
+    return CoordinateInUse(3 * static_cast<std::size_t>(pair));
 }
 
 bool OnItsTarget(int pair) {

@@ -8,7 +8,11 @@
 
 double FieldNumber(const std::string& text) {
     double value = 0;
-    return TextToNumber(text, value) ? value : Val(text);
+    if (TextToNumber(text, value)) return value;
+    // A job brings texts that were typed on systems with the other delimiter.
+    for (const char decimal : {'.', ','})
+        if (TextToNumber(text, decimal, value)) return value;
+    return Val(text);
 }
 
 double FieldAngle(const std::string& text) {

@@ -4,7 +4,7 @@
 #include <string>
 
 // The number of a field's text, as tolerant as a field has to be: with the system's decimal delimiter,
-// else the number with "." that the text begins with, else 0.
+// else with the other one, else the number with "." that the text begins with, else 0.
 double FieldNumber(const std::string& text);
 
 // The same for the text of an angle, in the shown unit: degrees, minutes and seconds come as decimal

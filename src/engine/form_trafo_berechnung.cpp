@@ -334,7 +334,7 @@ void BeginWithSixParameters() {
     SetValue(w.CheckRDist, 1);
     SetValue(w.Option6Parameter, 1);
     for (std::size_t i = 1; i < Job.UseFlags.size(); i += 3)
-        if (Job.UseFlags[i] != 0) return;
+        if (CoordinateInUse(i)) return;
     for (std::size_t i = 1; i < Job.UseFlags.size(); ++i) Job.UseFlags[i] = 1;
 }
 

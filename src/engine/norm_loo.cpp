@@ -35,8 +35,7 @@ struct Extremes {
 };
 
 bool RowInUse(int i) {
-    const auto k = static_cast<std::size_t>(i);
-    return k >= Job.UseFlags.size() || Job.UseFlags[k] != 0;
+    return CoordinateInUse(static_cast<std::size_t>(i));
 }
 
 void FindExtremes(NormFit& fit, Extremes& found) {

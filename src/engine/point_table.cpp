@@ -95,7 +95,7 @@ void TakePoints(PointTable& table) {
         if (table.Object) table.Target[At(i)] = Components(TargetPoint(i));
         if (table.Deviation) table.Deviations[At(i)] = DeviationOf(i);
         for (int axis = 0; axis < 3; ++axis)
-            table.InUse[At(i)][At(axis)] = Job.UseFlags[At(3 * i - 2 + axis)] == 1;
+            table.InUse[At(i)][At(axis)] = CoordinateInUse(At(3 * i - 2 + axis));
     }
 }
 

@@ -72,8 +72,7 @@ bool ScalesAreOne() {
     if (Settings.RawScale != 2 || Job.nIdent < 3) return false;
     for (int k = 1; k <= 3; ++k)
         for (int axis = 1; axis <= 3; ++axis) {
-            const auto place = static_cast<std::size_t>(3 * (SeedPair(k) - 1) + axis);
-            if (place < Job.UseFlags.size() && Job.UseFlags[place] == 0) return true;
+            if (!CoordinateInUse(static_cast<std::size_t>(3 * (SeedPair(k) - 1) + axis))) return true;
         }
     return false;
 }

@@ -48,6 +48,24 @@ namespace {
 const std::array<reference::Real, 18> kTruth = Truth({100, -200, 300, 0.4, -0.7, 2.1, 1, 1, 1, 1});
 }
 
+TEST_F(CalculationRun, AUseFlagThatIsNotOneLeavesItsCoordinateOut) {
+    AddCloud({.Points = 8, .Noise = 0.1, .Truth = kTruth});
+    for (const std::int16_t norm : {1, 2, 3}) {
+        Job.NormType = norm;
+        std::array<double, 4> shiftWith0{};
+        for (const std::int16_t flag : {0, 2, -1, 32767}) {
+            SCOPED_TRACE(testing::Message() << "norm " << norm << ", flag " << flag);
+            for (const std::size_t out : {1U, 5U, 20U}) Job.UseFlags[out] = flag;
+            FloatParameters(kRigid);
+            ButtonCalcErsatz();
+            EXPECT_TRUE(Calculation.Converged);
+            const std::array<double, 4> shift = {Job.TraX, Job.TraY, Job.TraZ, Job.RotX};
+            if (flag == 0) shiftWith0 = shift;
+            EXPECT_EQ(shift, shiftWith0);
+        }
+    }
+}
+
 TEST_F(CalculationRun, TransformsPairsAndPointsWithoutPartner) {
     AddCloud({.Points = 8, .Noise = 0.1, .Truth = kTruth});
     AddStartPointWithoutPartner(1, 2, 3);

@@ -228,6 +228,20 @@ TEST_F(HeldValues, CommasAreDecimalsWhereTheSystemHasThem) {
     EXPECT_EQ(w.TextSeedTrax.Text, "99,500");
 }
 
+TEST_F(HeldValues, AJobFromASystemWithTheOtherDelimiterHoldsTheSameValues) {
+    AddPairs(6, 0);
+    for (const auto& [system, text] : {std::pair{'.', "99,5"}, {',', "99.5"}}) {
+        SCOPED_TRACE(text);
+        Headless.Decimal = system;
+        Job.ParamText = {"",  text, "float", "float", "float", "float", "float", "1",      "1",
+                         "1", "1",  "0",     "0",     "0",     "0",     "0",     kNotUsed, "0"};
+        Open();
+        Calculate();
+        EXPECT_EQ(Job.TraX, 99.5);
+        UnloadWindow("FormTrafoBerechnung");
+    }
+}
+
 TEST_F(HeldValues, AnAngleWithBlanksAroundItIsItself) {
     AddPairs(6, 0);
     Open();

@@ -7,7 +7,12 @@
 #include <new>
 
 #if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/allocator_interface.h>
+// g++ brings these with the sanitizer's library, but without the header that declares them.
+extern "C" {
+int __sanitizer_install_malloc_and_free_hooks(void (*taken)(const volatile void*, std::size_t),
+                                              void (*given)(const volatile void*));
+std::size_t __sanitizer_get_allocated_size(const volatile void* place);
+}
 #else
 #include <malloc.h>
 #endif
