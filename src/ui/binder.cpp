@@ -21,6 +21,7 @@
 #include <algorithm>
 #include <map>
 
+#include "ui/colours.h"
 #include "ui/desktop.h"
 #include "ui/grid_view.h"
 #include "ui/qt_text.h"
@@ -55,6 +56,11 @@ Shown StateOf(const Control& c) {
             c.Locked, c.Checked, c.ForeColor, c.BackColor, c.Items};
 }
 
+// A caption on the screen: a line ends with a line feed alone there.
+QString Caption(const Control& control) {
+    return Q(control.Text).remove('\r');
+}
+
 template <class Widget>
 Widget* As(const Bound& bound) {
     return qobject_cast<Widget*>(bound.Widget);
@@ -64,19 +70,17 @@ Widget* As(const Bound& bound) {
 
 void ShowColours(QWidget& widget, const Control& c) {
     QPalette palette = widget.parentWidget() != nullptr ? widget.parentWidget()->palette() : QPalette();
-    const auto colour = [](std::int32_t rgb) {
-        return QColor(rgb & 0xFF, (rgb >> 8) & 0xFF, (rgb >> 16) & 0xFF);
-    };
     // Black is the desktop's own text colour, which a dark palette has as a light one.
+    const bool ownGround = IsDesktopGround(c.BackColor);
     const bool own = c.ForeColor == kSystemColour || c.ForeColor == 0;
-    if (!own) palette.setColor(widget.foregroundRole(), colour(c.ForeColor));
-    if (c.BackColor != kSystemColour) {
-        palette.setColor(widget.backgroundRole(), colour(c.BackColor));
-        palette.setColor(QPalette::Base, colour(c.BackColor));
-        if (own) palette.setColor(widget.foregroundRole(), QColor(0x20, 0x20, 0x20));
+    if (!own) palette.setColor(widget.foregroundRole(), ColourOf(c.ForeColor));
+    if (!ownGround) {
+        palette.setColor(widget.backgroundRole(), ColourOf(c.BackColor));
+        palette.setColor(QPalette::Base, ColourOf(c.BackColor));
+        if (own) palette.setColor(widget.foregroundRole(), QColor::fromRgb(kDarkText));
     }
     widget.setPalette(palette);
-    widget.setAutoFillBackground(c.BackColor != kSystemColour);
+    widget.setAutoFillBackground(!ownGround);
 }
 
 void ShowItems(QComboBox& combo, const Control& c, const Bound& bound) {
@@ -98,27 +102,28 @@ void ShowWidget(Bound& bound) {
         if (page->toPlainText() != Q(c.Text)) page->setPlainText(Q(c.Text));
         page->setReadOnly(c.Locked);
     } else if (auto* check = As<QCheckBox>(bound)) {
-        check->setText(Q(c.Text));
+        check->setText(Caption(c));
         check->setCheckState(c.Value == 0   ? Qt::Unchecked
                              : c.Value == 2 ? Qt::PartiallyChecked
                                             : Qt::Checked);
     } else if (auto* option = As<QRadioButton>(bound)) {
-        option->setText(Q(c.Text));
+        option->setText(Caption(c));
         option->setChecked(c.Value != 0);
     } else if (auto* combo = As<QComboBox>(bound)) {
         ShowItems(*combo, c, bound);
     } else if (auto* label = As<QLabel>(bound)) {
-        label->setText(Q(c.Text));
+        label->setText(Caption(c));
     } else if (auto* frame = As<QGroupBox>(bound)) {
-        frame->setTitle(Q(c.Text));
+        frame->setTitle(Caption(c));
     } else if (auto* progress = As<QProgressBar>(bound)) {
         progress->setValue(c.Value);
     } else if (auto* button = As<QPushButton>(bound)) {
-        button->setText(Q(c.Text));
+        button->setText(Caption(c));
     }
     widget.setEnabled(c.Enabled);
     widget.setVisible(c.Visible);
-    widget.setToolTip(Q(c.ToolTip));
+    // Where the logic has no tool tip the form's own stays.
+    if (!c.ToolTip.empty() || !bound.Last.ToolTip.empty()) widget.setToolTip(Q(c.ToolTip));
     if (!bound.Ever || bound.Last.ForeColor != c.ForeColor || bound.Last.BackColor != c.BackColor)
         ShowColours(widget, c);
 }
@@ -134,7 +139,7 @@ void ShowAction(Bound& bound) {
         action.setCheckable(c.Value != 0 || action.isCheckable());
         action.setChecked(c.Value != 0);
     } else {
-        action.setText(Q(c.Text));
+        action.setText(Caption(c));
         action.setCheckable(c.Checked || action.isCheckable());
         action.setChecked(c.Checked);
     }

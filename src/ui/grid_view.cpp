@@ -4,22 +4,17 @@
 #include <QAbstractTableModel>
 #include <QApplication>
 #include <QHeaderView>
+#include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QTableView>
 #include <algorithm>
 
+#include "ui/colours.h"
 #include "ui/desktop.h"
 #include "ui/qt_text.h"
 
 namespace {
-
-// Dark text on the logic's own colours, whatever the palette.
-constexpr int kDarkText = 0x202020;
-
-QColor ColourOf(std::int32_t rgb) {
-    return QColor(rgb & 0xFF, (rgb >> 8) & 0xFF, (rgb >> 16) & 0xFF);
-}
 
 class GridModel : public QAbstractTableModel {
 public:
@@ -36,7 +31,7 @@ public:
         if (role == Qt::DisplayRole) return Q(CellText(grid, row, col));
         if (role == Qt::BackgroundRole || role == Qt::ForegroundRole) {
             const std::int32_t colour = CellBackColor(grid, row, col);
-            if (colour == kSystemColour) return {};
+            if (IsDesktopGround(colour)) return {};
             return role == Qt::BackgroundRole ? ColourOf(colour) : QColor::fromRgb(kDarkText);
         }
         if (role == Qt::TextAlignmentRole) {
@@ -215,7 +210,10 @@ void ShowGrid(Control& control, QTableView& view) {
     const int first = model.Headings();
     const QModelIndex current = model.index(grid.Row - first, grid.Col);
     if (current.isValid() && view.currentIndex() != current && Selected(grid).Row == Selected(grid).Row2) {
-        view.setCurrentIndex(current);
+        // A cell where nobody has been yet is not marked: the eye shall find what matters.
+        const bool untouched = grid.Row == grid.FixedRows && grid.Col == grid.FixedCols;
+        view.selectionModel()->setCurrentIndex(
+            current, untouched ? QItemSelectionModel::NoUpdate : QItemSelectionModel::ClearAndSelect);
         view.scrollTo(current);
     }
     view.viewport()->update();

@@ -17,6 +17,8 @@ int main(int argc, char** argv) {
     QApplication::setApplicationVersion(Q(ProgramVersion()));
     QApplication::setQuitOnLastWindowClosed(false);
 
+    QGuiApplication::setDesktopFileName(QStringLiteral("corvinade"));
+
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Finds the least-squares 3D transformation between two point sets."));

@@ -41,12 +41,12 @@ struct Tone {
     const char* Light;
     const char* Dark;
 };
-constexpr std::array<Tone, 14> kTones = {{{QPalette::Window, "#f3f4f6", "#26292e"},
+constexpr std::array<Tone, 14> kTones = {{{QPalette::Window, "#f3f4f6", "#2f333a"},
                                           {QPalette::WindowText, "#20262d", "#e4e7eb"},
                                           {QPalette::Base, "#ffffff", "#1c1f23"},
-                                          {QPalette::AlternateBase, "#f7f8fa", "#22252a"},
+                                          {QPalette::AlternateBase, "#f7f8fa", "#24272d"},
                                           {QPalette::Text, "#20262d", "#e4e7eb"},
-                                          {QPalette::Button, "#e9ebee", "#33373d"},
+                                          {QPalette::Button, "#e9ebee", "#40454d"},
                                           {QPalette::ButtonText, "#20262d", "#e4e7eb"},
                                           {QPalette::ToolTipBase, "#fffbe6", "#3b3f46"},
                                           {QPalette::ToolTipText, "#20262d", "#e4e7eb"},
@@ -57,11 +57,13 @@ constexpr std::array<Tone, 14> kTones = {{{QPalette::Window, "#f3f4f6", "#26292e
                                           {QPalette::Mid, "#c3c8cf", "#464b53"}}};
 
 QPalette PaletteOf(bool dark) {
-    QPalette palette(QColor(dark ? "#33373d" : "#e9ebee"), QColor(dark ? "#26292e" : "#f3f4f6"));
+    QPalette palette(QColor(dark ? "#40454d" : "#e9ebee"), QColor(dark ? "#2f333a" : "#f3f4f6"));
     for (const Tone& tone : kTones) palette.setColor(tone.Role, QColor(dark ? tone.Dark : tone.Light));
     const QColor faint(dark ? "#757d87" : "#98a1ab");
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, faint);
+    // A value that the fit gives stands on the ground of the window, one that is typed on that of a field.
+    palette.setColor(QPalette::Disabled, QPalette::Base, palette.color(QPalette::Window));
     return palette;
 }
 
