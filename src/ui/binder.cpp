@@ -16,7 +16,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTableView>
-#include <QTimer>
 #include <QToolBar>
 #include <algorithm>
 #include <map>
@@ -160,7 +159,7 @@ public:
         if (event->type() == QEvent::MouseButtonDblClick) UserDid([this] { UserDblClick(control_); });
         if (event->type() == QEvent::FocusIn && control_.SelectsOnFocus)
             if (auto* text = qobject_cast<QLineEdit*>(object))
-                QTimer::singleShot(0, text, &QLineEdit::selectAll);
+                QMetaObject::invokeMethod(text, &QLineEdit::selectAll, Qt::QueuedConnection);
         return false;
     }
 

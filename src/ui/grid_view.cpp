@@ -102,7 +102,7 @@ public:
     void TellSelection() {
         const QItemSelection selection = view_.selectionModel()->selection();
         if (selection.isEmpty()) return;
-        const QItemSelectionRange range = selection.last();
+        const QItemSelectionRange& range = selection.last();
         const int first = ModelOf(view_).Headings();
         const GridRect rect{range.top() + first, range.left(), range.bottom() + first, range.right()};
         const GridRect held = Selected(control_.Grid);

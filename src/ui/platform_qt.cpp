@@ -72,6 +72,7 @@ std::string AskMessage(const std::string& text, const std::string& title,
     box.setTextInteractionFlags(Qt::TextSelectableByMouse);
     box.setIcon(buttons.size() > 1 ? QMessageBox::Question : QMessageBox::Information);
     std::vector<QPushButton*> all;
+    all.reserve(buttons.size() + 1);
     for (const std::string& button : buttons)
         all.push_back(box.addButton(Q(button), QMessageBox::ActionRole));
     if (all.empty()) all.push_back(box.addButton(QMessageBox::Ok));
@@ -128,7 +129,10 @@ void YieldToEvents() {
 void Pause(int milliseconds) {
     ShowState();
     QEventLoop loop;
-    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+    QTimer timer;
+    timer.setSingleShot(true);
+    QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
+    timer.start(milliseconds);
     loop.exec();
 }
 

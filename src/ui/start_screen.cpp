@@ -67,5 +67,8 @@ void ShowStartScreenFor(int milliseconds) {
     screen->setAttribute(Qt::WA_DeleteOnClose);
     screen->installEventFilter(new CloseOnClick(screen));
     screen->show();
-    QTimer::singleShot(milliseconds, screen, &QWidget::close);
+    auto* timer = new QTimer(screen);
+    timer->setSingleShot(true);
+    QObject::connect(timer, &QTimer::timeout, screen, &QWidget::close);
+    timer->start(milliseconds);
 }
