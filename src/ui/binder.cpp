@@ -157,14 +157,20 @@ public:
     FieldEvents(Control& control, QWidget& widget) : QObject(&widget), control_(control) {}
     bool eventFilter(QObject* object, QEvent* event) override {
         if (event->type() == QEvent::MouseButtonDblClick) UserDid([this] { UserDblClick(control_); });
-        if (event->type() == QEvent::FocusIn && control_.SelectsOnFocus)
-            if (auto* text = qobject_cast<QLineEdit*>(object))
-                QMetaObject::invokeMethod(text, &QLineEdit::selectAll, Qt::QueuedConnection);
+        auto* text = control_.SelectsOnFocus ? qobject_cast<QLineEdit*>(object) : nullptr;
+        if (text == nullptr) return false;
+        // The press that gives the focus puts the cursor somewhere; the text is selected when it is let go.
+        if (event->type() == QEvent::FocusIn) justFocused_ = true;
+        if (event->type() == QEvent::MouseButtonRelease && justFocused_ && !text->hasSelectedText())
+            text->selectAll();
+        if (event->type() == QEvent::MouseButtonRelease || event->type() == QEvent::KeyPress)
+            justFocused_ = false;
         return false;
     }
 
 private:
     Control& control_;
+    bool justFocused_ = false;
 };
 
 void Connect(const Bound& bound) {
