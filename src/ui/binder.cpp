@@ -1,0 +1,325 @@
+// Ties the widgets of a form to the controls of a window.
+#include "ui/binder.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QEvent>
+#include <QFocusEvent>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTableView>
+#include <QToolBar>
+#include <algorithm>
+#include <map>
+
+#include "ui/colours.h"
+#include "ui/desktop.h"
+#include "ui/grid_view.h"
+#include "ui/qt_text.h"
+
+namespace {
+
+// What the screen shows of a control.
+struct Shown {
+    std::string Text, ToolTip;
+    int Value = 0, Index = -1;
+    bool Enabled = true, Visible = true, Locked = false, Checked = false;
+    std::int32_t ForeColor = kSystemColour, BackColor = kSystemColour;
+    std::vector<std::string> Items;
+    bool operator==(const Shown&) const = default;
+};
+
+struct Bound {
+    Control* State = nullptr;
+    QWidget* Widget = nullptr;
+    QAction* Action = nullptr;  // of menus and tool buttons, in place of a widget
+    Shown Last;
+    bool Ever = false;  // it has been shown once
+};
+
+std::map<const WindowEntry*, std::vector<Bound>>& AllBound() {
+    static std::map<const WindowEntry*, std::vector<Bound>> bound;
+    return bound;
+}
+
+Shown StateOf(const Control& c) {
+    return {c.Text,   c.ToolTip, c.Value,     c.Index,     c.Enabled, c.Visible,
+            c.Locked, c.Checked, c.ForeColor, c.BackColor, c.Items};
+}
+
+// A caption on the screen: a line ends with a line feed alone there.
+QString Caption(const Control& control) {
+    return Q(control.Text).remove('\r');
+}
+
+template <class Widget>
+Widget* As(const Bound& bound) {
+    return qobject_cast<Widget*>(bound.Widget);
+}
+
+// --- Showing ----------------------------------------------------------------------------------------------
+
+void ShowColours(QWidget& widget, const Control& c) {
+    QPalette palette = widget.parentWidget() != nullptr ? widget.parentWidget()->palette() : QPalette();
+    // Black is the desktop's own text colour, which a dark palette has as a light one.
+    const bool ownGround = IsDesktopGround(c.BackColor);
+    const bool own = c.ForeColor == kSystemColour || c.ForeColor == 0;
+    if (!own) palette.setColor(widget.foregroundRole(), ColourOf(c.ForeColor));
+    if (!ownGround) {
+        palette.setColor(widget.backgroundRole(), ColourOf(c.BackColor));
+        palette.setColor(QPalette::Base, ColourOf(c.BackColor));
+        if (own) palette.setColor(widget.foregroundRole(), QColor::fromRgb(kDarkText));
+    }
+    widget.setPalette(palette);
+    widget.setAutoFillBackground(!ownGround);
+}
+
+void ShowItems(QComboBox& combo, const Control& c, const Bound& bound) {
+    if (!bound.Ever || bound.Last.Items != c.Items) {
+        combo.clear();
+        for (const std::string& item : c.Items) combo.addItem(Q(item));
+    }
+    combo.setCurrentIndex(c.Index);
+}
+
+void ShowWidget(Bound& bound) {
+    const Control& c = *bound.State;
+    QWidget& widget = *bound.Widget;
+    const QSignalBlocker quiet(widget);
+    if (auto* text = As<QLineEdit>(bound)) {
+        if (text->text() != Q(c.Text)) text->setText(Q(c.Text));
+        text->setReadOnly(c.Locked);
+    } else if (auto* page = As<QPlainTextEdit>(bound)) {
+        if (page->toPlainText() != Q(c.Text)) page->setPlainText(Q(c.Text));
+        page->setReadOnly(c.Locked);
+    } else if (auto* check = As<QCheckBox>(bound)) {
+        check->setText(Caption(c));
+        check->setCheckState(c.Value == 0   ? Qt::Unchecked
+                             : c.Value == 2 ? Qt::PartiallyChecked
+                                            : Qt::Checked);
+    } else if (auto* option = As<QRadioButton>(bound)) {
+        option->setText(Caption(c));
+        option->setChecked(c.Value != 0);
+    } else if (auto* combo = As<QComboBox>(bound)) {
+        ShowItems(*combo, c, bound);
+    } else if (auto* label = As<QLabel>(bound)) {
+        label->setText(Caption(c));
+    } else if (auto* frame = As<QGroupBox>(bound)) {
+        frame->setTitle(Caption(c));
+    } else if (auto* progress = As<QProgressBar>(bound)) {
+        progress->setValue(c.Value);
+    } else if (auto* button = As<QPushButton>(bound)) {
+        button->setText(Caption(c));
+    }
+    widget.setEnabled(c.Enabled);
+    widget.setVisible(c.Visible);
+    // Where the logic has no tool tip the form's own stays.
+    if (!c.ToolTip.empty() || !bound.Last.ToolTip.empty()) widget.setToolTip(Q(c.ToolTip));
+    if (!bound.Ever || bound.Last.ForeColor != c.ForeColor || bound.Last.BackColor != c.BackColor)
+        ShowColours(widget, c);
+}
+
+void ShowAction(Bound& bound) {
+    const Control& c = *bound.State;
+    QAction& action = *bound.Action;
+    const QSignalBlocker quiet(action);
+    const bool button = c.Kind == ControlKind::ToolButton;
+    if (button) {
+        action.setToolTip(Q(c.ToolTip));
+        action.setIconText(Q(c.ToolTip));
+        action.setCheckable(c.Value != 0 || action.isCheckable());
+        action.setChecked(c.Value != 0);
+    } else {
+        action.setText(Caption(c));
+        action.setCheckable(c.Checked || action.isCheckable());
+        action.setChecked(c.Checked);
+    }
+    action.setEnabled(c.Enabled);
+    action.setVisible(c.Visible);
+    // The blocked signal of the change is what menus and tool bars redraw themselves by.
+    action.blockSignals(false);
+    emit action.changed();
+}
+
+// --- Events -----------------------------------------------------------------------------------------------
+
+// Double clicks, and the selection of a text that gets the focus.
+class FieldEvents : public QObject {
+public:
+    FieldEvents(Control& control, QWidget& widget) : QObject(&widget), control_(control) {}
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (event->type() == QEvent::MouseButtonDblClick) UserDid([this] { UserDblClick(control_); });
+        auto* text = control_.SelectsOnFocus ? qobject_cast<QLineEdit*>(object) : nullptr;
+        if (text == nullptr) return false;
+        // The press that gives the focus puts the cursor somewhere; the text is selected when it is let go.
+        if (event->type() == QEvent::FocusIn) justFocused_ = true;
+        if (event->type() == QEvent::MouseButtonRelease && justFocused_ && !text->hasSelectedText())
+            text->selectAll();
+        if (event->type() == QEvent::MouseButtonRelease || event->type() == QEvent::KeyPress)
+            justFocused_ = false;
+        return false;
+    }
+
+private:
+    Control& control_;
+    bool justFocused_ = false;
+};
+
+void Connect(const Bound& bound) {
+    Control& c = *bound.State;
+    QWidget* widget = bound.Widget;
+    if (auto* text = As<QLineEdit>(bound)) {
+        QObject::connect(text, &QLineEdit::textEdited, text,
+                         [&c](const QString& typed) { UserDid([&] { UserSetText(c, S(typed)); }); });
+    } else if (auto* page = As<QPlainTextEdit>(bound)) {
+        QObject::connect(page, &QPlainTextEdit::textChanged, page,
+                         [&c, page] { UserDid([&] { UserSetText(c, S(page->toPlainText())); }); });
+    } else if (auto* option = As<QRadioButton>(bound)) {
+        QObject::connect(option, &QRadioButton::clicked, option,
+                         [&c] { UserDid([&] { UserSetValue(c, 1); }); });
+    } else if (auto* check = As<QCheckBox>(bound)) {
+        QObject::connect(check, &QCheckBox::clicked, check,
+                         [&c] { UserDid([&] { UserSetValue(c, c.Value == 0 ? 1 : 0); }); });
+    } else if (auto* button = As<QPushButton>(bound)) {
+        QObject::connect(button, &QPushButton::clicked, button, [&c] { UserDid([&] { UserClick(c); }); });
+    } else if (auto* combo = As<QComboBox>(bound)) {
+        QObject::connect(combo, &QComboBox::activated, combo,
+                         [&c](int index) { UserDid([&] { UserSetIndex(c, index); }); });
+    } else if (auto* grid = As<QTableView>(bound)) {
+        BindGrid(c, *grid);
+        return;
+    }
+    widget->installEventFilter(new FieldEvents(c, *widget));
+}
+
+// --- Names
+// --------------------------------------------------------------------------------------------------
+
+bool FitsKind(ControlKind kind, const Bound& bound) {
+    switch (kind) {
+        case ControlKind::Button:
+            return As<QPushButton>(bound) != nullptr;
+        case ControlKind::Text:
+            return As<QLineEdit>(bound) != nullptr || As<QPlainTextEdit>(bound) != nullptr;
+        case ControlKind::Check:
+            return As<QCheckBox>(bound) != nullptr;
+        case ControlKind::Option:
+            return As<QRadioButton>(bound) != nullptr;
+        case ControlKind::Combo:
+            return As<QComboBox>(bound) != nullptr;
+        case ControlKind::Label:
+        case ControlKind::Panel:
+            return As<QLabel>(bound) != nullptr;
+        case ControlKind::Frame:
+            return As<QGroupBox>(bound) != nullptr;
+        case ControlKind::Progress:
+            return As<QProgressBar>(bound) != nullptr;
+        case ControlKind::Grid:
+            return As<QTableView>(bound) != nullptr;
+        case ControlKind::Toolbar:
+            return As<QToolBar>(bound) != nullptr;
+        case ControlKind::Menu:
+        case ControlKind::ToolButton:
+            return bound.Action != nullptr;
+    }
+    return false;
+}
+
+Bound Find(const ControlEntry& entry, QWidget& top) {
+    Bound bound;
+    bound.State = entry.Place;
+    const QString name = QString::fromUtf8(entry.Name);
+    if (entry.Place->Kind == ControlKind::Menu || entry.Place->Kind == ControlKind::ToolButton) {
+        if (const auto* menu = top.findChild<QMenu*>(name)) {
+            bound.Action = menu->menuAction();
+        } else {
+            bound.Action = top.findChild<QAction*>(name);
+        }
+    } else {
+        bound.Widget = top.findChild<QWidget*>(name);
+    }
+    return bound;
+}
+
+// Names of the form that stand for nothing in the logic.
+bool IsOurs(const QObject& object) {
+    const QString name = object.objectName();
+    if (name.isEmpty() || name.startsWith('_') || name.startsWith(QLatin1String("qt_"))) return false;
+    const QObject* parent = object.parent();
+    // The toolkit's compound widgets hold children with names of their own.
+    for (; parent != nullptr; parent = parent->parent())
+        if (parent->inherits("QComboBox") || parent->inherits("QAbstractScrollArea") ||
+            parent->inherits("QMdiArea") || parent->inherits("QToolBar") || parent->inherits("QMenuBar"))
+            return false;
+    return object.isWidgetType() || qobject_cast<const QAction*>(&object) != nullptr;
+}
+
+}  // namespace
+
+std::vector<std::string> BindWindow(const WindowEntry& window, QWidget& top) {
+    std::vector<std::string> faults;
+    std::vector<Bound>& all = AllBound()[&window];
+    all.clear();
+    for (const ControlEntry& entry : window.Controls) {
+        Bound bound = Find(entry, top);
+        const bool ownMenu = entry.Place->Kind == ControlKind::Menu && bound.Action == nullptr;
+        if (ownMenu && top.inherits("QMainWindow") == false) {
+            bound.Action = new QAction(&top);  // entries of the window's pop-up menu stand in no form
+            bound.Action->setObjectName(QString::fromUtf8(entry.Name));
+            top.addAction(bound.Action);
+        }
+        const std::string name = std::string(window.Name) + "." + entry.Name;
+        if (bound.Widget == nullptr && bound.Action == nullptr) {
+            faults.push_back(name + " has no widget");
+            continue;
+        }
+        if (!FitsKind(entry.Place->Kind, bound)) {
+            faults.push_back(name + " has a widget of another kind");
+            continue;
+        }
+        if (bound.Action != nullptr) {
+            Control& c = *entry.Place;
+            QObject::connect(bound.Action, &QAction::triggered, bound.Action,
+                             [&c] { UserDid([&] { UserClick(c); }); });
+        } else {
+            Connect(bound);
+        }
+        all.push_back(std::move(bound));
+    }
+    for (const QObject* child : top.findChildren<QObject*>()) {
+        if (!IsOurs(*child)) continue;
+        const std::string name = S(child->objectName());
+        if (FindControl(window, name) == nullptr)
+            faults.push_back(std::string(window.Name) + ": the widget " + name + " has no control");
+    }
+    return faults;
+}
+
+void UnbindWindow(const WindowEntry& window) {
+    AllBound().erase(&window);
+}
+
+void ShowControls(const WindowEntry& window) {
+    const auto found = AllBound().find(&window);
+    if (found == AllBound().end()) return;
+    for (Bound& bound : found->second) {
+        if (auto* grid = As<QTableView>(bound)) ShowGrid(*bound.State, *grid);
+        Shown now = StateOf(*bound.State);
+        if (bound.Ever && now == bound.Last) continue;
+        if (bound.Action != nullptr) {
+            ShowAction(bound);
+        } else {
+            ShowWidget(bound);
+        }
+        bound.Last = std::move(now);
+        bound.Ever = true;
+    }
+}

@@ -1,0 +1,19 @@
+// The logic's colours on the screen.
+#pragma once
+
+#include <QColor>
+#include <cstdint>
+
+#include "core/window.h"
+
+// Text on the logic's own colours is dark, whatever the palette.
+inline constexpr QRgb kDarkText = 0xFF202020;
+
+inline QColor ColourOf(std::int32_t rgb) {
+    return {rgb & 0xFF, (rgb >> 8) & 0xFF, (rgb >> 16) & 0xFF};
+}
+
+// White is the ground of fields and tables, which a dark palette has as a dark one.
+inline bool IsDesktopGround(std::int32_t rgb) {
+    return rgb == kSystemColour || rgb == 0xFFFFFF;
+}

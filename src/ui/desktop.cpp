@@ -1,0 +1,357 @@
+// The frame and its windows.
+#include "ui/desktop.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QDialog>
+#include <QFile>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMimeData>
+#include <QScreen>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QUiLoader>
+#include <QUrl>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <array>
+#include <map>
+#include <set>
+#include <string_view>
+
+#include "core/controller.h"
+#include "core/form_main.h"
+#include "core/platform.h"
+#include "core/refresh.h"
+#include "core/run.h"
+#include "core/text.h"
+#include "engine/form_trafo_berechnung.h"
+#include "import/form_input_files.h"
+#include "ui/binder.h"
+#include "ui/qt_text.h"
+#include "ui/theme.h"
+
+namespace {
+
+// The windows that stand above the frame; all others stand inside it.
+constexpr std::array<std::string_view, 5> kDialogs = {"FormUnits", "FormOptions", "FormMenuHelpInfo",
+                                                      "FormProgressBar", "FormInputFiles"};
+
+struct OpenWindow {
+    QWidget* Form = nullptr;   // with the controls
+    QWidget* Outer = nullptr;  // what has the title: a child window of the frame, a dialog, or the frame
+};
+
+struct DesktopRecord {
+    QMainWindow* FrameWindow = nullptr;
+    QMdiArea* Area = nullptr;
+    std::map<const WindowEntry*, OpenWindow> Windows;
+    bool Showing = false;    // the screen is being brought up to date
+    bool BusyShown = false;  // the busy pointer is on
+    bool PopUpOpen = false;  // the pop-up menu of a table is open
+    int Events = 0;          // how deep the user's events stand in each other
+};
+DesktopRecord Desktop;
+
+bool IsDialog(const WindowEntry& window) {
+    return std::find(kDialogs.begin(), kDialogs.end(), window.Name) != kDialogs.end();
+}
+
+QWidget* LoadForm(const WindowEntry& window) {
+    QFile file(QStringLiteral(":/forms/%1.ui").arg(QLatin1String(window.Name)));
+    if (!file.open(QIODevice::ReadOnly))
+        throw PlatformError{std::string("The form of the window ") + window.Name + " is missing."};
+    QUiLoader loader;
+    QWidget* form = loader.load(&file);
+    if (form == nullptr)
+        throw PlatformError{std::string("The form of the window ") + window.Name + " cannot be read."};
+    return form;
+}
+
+// --- Places -----------------------------------------------------------------------------------------------
+
+// A stored width or height below this is none: a settings file without one gives 1000.
+constexpr int kLeastStored = 1500;
+
+void Place(const WindowEntry& window, const OpenWindow& open) {
+    const WindowPlace& place = window.State->Place;
+    QSize size = open.Outer->sizeHint().expandedTo(open.Form->minimumSizeHint());
+    if (place.Width > kLeastStored && place.Height > kLeastStored)
+        size = QSize(place.Width / kTwips, place.Height / kTwips);
+    const bool inside = !IsDialog(window);
+    const QRect room =
+        inside ? Desktop.Area->viewport()->rect() : Desktop.FrameWindow->screen()->availableGeometry();
+    size = size.boundedTo(room.size()).expandedTo(open.Form->minimumSizeHint());
+    open.Outer->resize(size);
+    if (place.Width <= kLeastStored) return;
+    // A place that would be off every screen is brought back.
+    const int left =
+        std::clamp(place.Left / kTwips, room.left(), std::max(room.left(), room.right() - size.width()));
+    const int top =
+        std::clamp(place.Top / kTwips, room.top(), std::max(room.top(), room.bottom() - size.height()));
+    open.Outer->move(left, top);
+}
+
+void TakePlace(const WindowEntry& window, const QWidget& outer) {
+    if (outer.isMinimized() || outer.isMaximized()) return;
+    window.State->Place = {outer.x() * kTwips, outer.y() * kTwips, outer.width() * kTwips,
+                           outer.height() * kTwips};
+}
+
+// --- What the user does to a window as a whole
+// ----------------------------------------------------------------
+
+class WindowEvents : public QObject {
+public:
+    WindowEvents(const WindowEntry& window, QWidget& outer)
+        : QObject(&outer), window_(window), outer_(outer) {}
+
+    bool eventFilter(QObject* object, QEvent* event) override {
+        switch (event->type()) {
+            case QEvent::Close:
+                if (object != &outer_ || !window_.State->Loaded) return false;
+                event->ignore();  // the logic decides, and ShowState takes the window down
+                UserDid([this] { UserClose(window_); });
+                return true;
+            case QEvent::Move:
+            case QEvent::Resize:
+                if (object == &outer_ && window_.State->Loaded && outer_.isVisible())
+                    TakePlace(window_, outer_);
+                return false;
+            default:
+                return false;
+        }
+    }
+
+private:
+    const WindowEntry& window_;
+    QWidget& outer_;
+};
+
+void OpenOne(const WindowEntry& window) {
+    OpenWindow open;
+    open.Form = LoadForm(window);
+    if (IsDialog(window)) {
+        auto* dialog = new QDialog(Desktop.FrameWindow);
+        auto* layout = new QVBoxLayout(dialog);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->addWidget(open.Form);
+        dialog->setWindowModality(Qt::WindowModal);
+        open.Outer = dialog;
+    } else {
+        open.Outer = Desktop.Area->addSubWindow(open.Form);
+    }
+    BindWindow(window, *open.Form);
+    Desktop.Windows[&window] = open;
+    open.Outer->setAttribute(Qt::WA_DeleteOnClose, false);
+    open.Outer->installEventFilter(new WindowEvents(window, *open.Outer));
+    ShowControls(window);
+    open.Outer->setWindowTitle(Q(window.State->Caption));
+    Place(window, open);
+    open.Outer->show();
+}
+
+void CloseOne(const WindowEntry& window) {
+    const OpenWindow open = Desktop.Windows[&window];
+    Desktop.Windows.erase(&window);
+    UnbindWindow(window);
+    open.Outer->hide();
+    open.Outer->deleteLater();  // its own event may still be running
+}
+
+void ShowPointer() {
+    const bool busy = Run.WaitPointers > 0;
+    if (busy == Desktop.BusyShown) return;
+    Desktop.BusyShown = busy;
+    if (busy) {
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    } else {
+        QApplication::restoreOverrideCursor();
+    }
+}
+
+// The pop-up menu of a table is the menu for editing, while its value says so.
+void ShowPopUp() {
+    if (Main.MenuEdit.Value == 0 || Desktop.PopUpOpen) return;
+    Main.MenuEdit.Value = 0;
+    auto* menu = Desktop.FrameWindow->findChild<QMenu*>(QStringLiteral("MenuEdit"));
+    if (menu == nullptr) return;
+    Desktop.PopUpOpen = true;
+    menu->popup(QCursor::pos());
+    Desktop.PopUpOpen = false;
+}
+
+// --- The frame
+// ------------------------------------------------------------------------------------------------
+
+class FrameEvents : public QObject {
+public:
+    explicit FrameEvents(QObject* parent) : QObject(parent) {}
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (event->type() == QEvent::DragEnter) {
+            auto* drag = static_cast<QDragEnterEvent*>(event);
+            if (drag->mimeData()->hasUrls()) drag->acceptProposedAction();
+            return drag->mimeData()->hasUrls();
+        }
+        if (event->type() == QEvent::Drop) {
+            std::vector<std::string> paths;
+            for (const QUrl& url : static_cast<QDropEvent*>(event)->mimeData()->urls())
+                if (url.isLocalFile()) paths.push_back(S(url.toLocalFile()));
+            OpenDropped(paths);
+            return true;
+        }
+        if (event->type() == QEvent::Close && object == Desktop.FrameWindow && FormMain_Entry.State->Loaded) {
+            event->ignore();
+            UserDid([] { UserClose(FormMain_Entry); });
+            return true;
+        }
+        return false;
+    }
+};
+
+// Keys that act in the whole program: F5 calculates, Esc stops or closes the window that it is pressed in.
+class Keys : public QObject {
+public:
+    explicit Keys(QObject* parent) : QObject(parent) {}
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (event->type() != QEvent::KeyPress || !object->isWidgetType()) return false;
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        const auto press = [](Control& button) {
+            if (!button.Enabled || !button.Visible) return false;
+            UserDid([&button] { UserClick(button); });
+            return true;
+        };
+        const bool calculation = IsLoaded("FormTrafoBerechnung");
+        if (key == Qt::Key_F5 && calculation) return press(TrafoWindow.BtnCalculate);
+        if (key != Qt::Key_Escape) return false;
+        if (calculation && !TrafoWindow.BtnCalculate.Enabled && press(TrafoWindow.BtnSTOP)) return true;
+        const QWidget* window = static_cast<QWidget*>(object)->window();
+        for (const auto& [entry, open] : Desktop.Windows)
+            if (open.Outer == window && IsDialog(*entry)) {
+                const WindowEntry& dialog = *entry;
+                UserDid([&dialog] { dialog.Escape != nullptr ? UserEscape(dialog) : UserClose(dialog); });
+                return true;
+            }
+        return false;
+    }
+};
+
+void AddPanels(QStatusBar& bar) {
+    for (int panel = 1; panel <= kStatusPanels; ++panel) {
+        auto* label = new QLabel(&bar);
+        label->setObjectName(QStringLiteral("StatusBar.%1").arg(panel));
+        bar.addWidget(label, panel == 3 ? 1 : 0);
+    }
+}
+
+void AddIcons(const QMainWindow& frame) {
+    for (QAction* action : frame.findChildren<QAction*>()) {
+        const QString name = action->objectName();
+        const qsizetype dot = name.indexOf('.');
+        if (dot > 0) action->setIcon(IconOf(name.mid(dot + 1)));
+    }
+}
+
+}  // namespace
+
+QMainWindow* Frame() {
+    return Desktop.FrameWindow;
+}
+
+QWidget* WidgetOf(const WindowEntry& window) {
+    const auto found = Desktop.Windows.find(&window);
+    return found == Desktop.Windows.end() ? nullptr : found->second.Form;
+}
+
+QWidget* DialogParent() {
+    // A window that was closed by this very event may still be the active one; it takes its children with it.
+    for (QWidget* candidate : {QApplication::activeModalWidget(), QApplication::activeWindow()})
+        if (candidate != nullptr && candidate->isVisible()) return candidate;
+    return Desktop.FrameWindow;
+}
+
+void OpenDesktop() {
+    auto* frame = qobject_cast<QMainWindow*>(LoadForm(FormMain_Entry));
+    Desktop.FrameWindow = frame;
+    Desktop.Area = frame->findChild<QMdiArea*>();
+    Desktop.Area->setViewMode(QMdiArea::SubWindowView);
+    Desktop.Area->setBackground(frame->palette().mid());
+    Desktop.Area->setAcceptDrops(true);
+    if (auto* bar = frame->findChild<QToolBar*>(QStringLiteral("ToolbarSaveView"))) {
+        auto* combo = new QComboBox(bar);
+        combo->setObjectName(QStringLiteral("ComboSaveView"));
+        combo->setMinimumWidth(140);
+        bar->addWidget(combo);
+    }
+    AddPanels(*frame->statusBar());
+    AddIcons(*frame);
+    frame->setWindowIcon(IconOf(QStringLiteral("corvinade")));
+    frame->setAcceptDrops(true);
+    auto* events = new FrameEvents(frame);
+    frame->installEventFilter(events);
+    Desktop.Area->viewport()->installEventFilter(events);
+    QApplication::instance()->installEventFilter(new Keys(frame));
+    frame->resize(QSize(1280, 800).boundedTo(frame->screen()->availableSize()));
+}
+
+void CloseDesktop() {
+    while (!Desktop.Windows.empty()) CloseOne(*Desktop.Windows.begin()->first);
+    UnbindWindow(FormMain_Entry);
+    if (Desktop.BusyShown) QApplication::restoreOverrideCursor();
+    delete Desktop.FrameWindow;
+    Desktop = DesktopRecord{};
+}
+
+void ShowState() {
+    if (Desktop.FrameWindow == nullptr || Desktop.Showing) return;
+    Desktop.Showing = true;
+    if (FormMain_Entry.State->Loaded && WidgetOf(FormMain_Entry) == nullptr) {
+        BindWindow(FormMain_Entry, *Desktop.FrameWindow);
+        Desktop.Windows[&FormMain_Entry] = {Desktop.FrameWindow, Desktop.FrameWindow};
+    }
+    for (const WindowEntry* window : AllWindows()) {
+        if (window == &FormMain_Entry) continue;
+        const bool open = Desktop.Windows.count(window) != 0;
+        if (open && !window->State->Loaded) CloseOne(*window);
+        if (!open && window->State->Loaded) OpenOne(*window);
+    }
+    for (const auto& [window, open] : Desktop.Windows) {
+        ShowControls(*window);
+        const QString title = Q(window->State->Caption);
+        if (open.Outer->windowTitle() != title) open.Outer->setWindowTitle(title);
+        if (open.Form->isEnabled() != window->State->Enabled) open.Form->setEnabled(window->State->Enabled);
+    }
+    ShowPointer();
+    ShowPopUp();
+    Desktop.Showing = false;
+    if (!FormMain_Entry.State->Loaded && Desktop.Events == 0 && Desktop.Windows.count(&FormMain_Entry) != 0) {
+        Desktop.FrameWindow->hide();
+        QApplication::quit();
+    }
+}
+
+void UserDid(const std::function<void()>& action) {
+    ++Desktop.Events;
+    action();
+    --Desktop.Events;
+    ShowState();
+}
+
+void OpenDropped(const std::vector<std::string>& paths) {
+    if (paths.empty()) return;
+    const std::string first = UpperAscii(paths.front());
+    UserDid([&] {
+        Dispatch([&] {
+            if (first.ends_with(".CVN")) return OpenLastProjekt("&1 " + paths.front());
+            ShowWindow("FormInputFiles");
+            SetText(InputFiles.TextNameMCS, paths.front());
+            if (paths.size() > 1) SetText(InputFiles.TextNameOCS, paths[1]);
+        });
+    });
+}

@@ -1,0 +1,32 @@
+// The desktop: it shows what the logic holds, and tells the logic what the user does.
+#pragma once
+
+#include <functional>
+
+#include "core/window.h"
+
+class QMainWindow;
+class QWidget;
+
+// Builds the frame. The logic's start (StartUp) comes after it.
+void OpenDesktop();
+
+// Takes the frame and all windows down, whatever the logic holds.
+void CloseDesktop();
+
+// Brings the screen up to date: windows that were opened or closed, controls that differ from what was last
+// shown, the pointer. Costs little where nothing has changed.
+void ShowState();
+
+// Every event of the user goes through here: it runs, and what it changed is shown.
+void UserDid(const std::function<void()>& action);
+
+// The frame, and the widget of a window that is open; null otherwise.
+QMainWindow* Frame();
+QWidget* WidgetOf(const WindowEntry& window);
+
+// Where dialogs of the system belong: the active window, or the frame.
+QWidget* DialogParent();
+
+// Files that were dropped onto the frame: a job is opened, point files go to the input dialog.
+void OpenDropped(const std::vector<std::string>& paths);

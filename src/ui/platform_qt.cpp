@@ -1,0 +1,176 @@
+// The platform with a screen.
+#include <unistd.h>
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDesktopServices>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QLocale>
+#include <QMessageBox>
+#include <QProcess>
+#include <QPushButton>
+#include <QTimer>
+#include <QUrl>
+#include <cstdlib>
+
+#include "core/files.h"
+#include "core/platform.h"
+#include "ui/desktop.h"
+#include "ui/qt_text.h"
+#include "ui/start_screen.h"
+
+namespace {
+
+// Waiting events are served no more often than this, so that work that yields at every step stays quick.
+constexpr qint64 kBetweenYields_ms = 10;
+
+// The busy pointer does not stand over a question.
+class PlainPointer {
+public:
+    PlainPointer() { QApplication::setOverrideCursor(Qt::ArrowCursor); }
+    ~PlainPointer() { QApplication::restoreOverrideCursor(); }
+    PlainPointer(const PlainPointer&) = delete;
+    PlainPointer& operator=(const PlainPointer&) = delete;
+};
+
+// "name|pattern|name|pattern" as the toolkit has it; names hold their pattern in brackets already, or get it.
+QString FilterOf(const std::string& filter) {
+    const QStringList parts = Q(filter).split('|', Qt::SkipEmptyParts);
+    QStringList filters;
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        const QString name = parts[i].section('(', 0, 0).trimmed();
+        QString patterns = parts[i + 1];
+        if (patterns == QLatin1String("*.*")) patterns = QStringLiteral("*");
+        filters += name + " (" + patterns.replace(';', ' ') + ')';
+    }
+    return filters.join(QStringLiteral(";;"));
+}
+
+QString BeginAt(const FileQuestion& question) {
+    const std::string& name = question.Name;
+    return Q(name.find_first_of("/\\") != std::string::npos ? name : JoinPath(question.Folder, name));
+}
+
+std::optional<std::string> Chosen(const QString& path) {
+    if (path.isEmpty()) return std::nullopt;
+    return S(path);
+}
+
+}  // namespace
+
+std::string AskMessage(const std::string& text, const std::string& title,
+                       const std::vector<std::string>& buttons) {
+    ShowState();
+    const PlainPointer pointer;
+    QMessageBox box(DialogParent());
+    box.setWindowTitle(Q(title));
+    box.setText(Q(text));
+    box.setTextFormat(Qt::PlainText);
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse);
+    box.setIcon(buttons.size() > 1 ? QMessageBox::Question : QMessageBox::Information);
+    std::vector<QPushButton*> all;
+    all.reserve(buttons.size() + 1);
+    for (const std::string& button : buttons)
+        all.push_back(box.addButton(Q(button), QMessageBox::ActionRole));
+    if (all.empty()) all.push_back(box.addButton(QMessageBox::Ok));
+    box.setDefaultButton(all.front());
+    box.setEscapeButton(all.back());
+    box.exec();
+    for (std::size_t i = 0; i < buttons.size(); ++i)
+        if (box.clickedButton() == all[i]) return buttons[i];
+    return buttons.empty() ? "" : buttons.back();
+}
+
+std::optional<std::string> AskInput(const std::string& text, const std::string& title,
+                                    const std::string& preset) {
+    ShowState();
+    const PlainPointer pointer;
+    bool taken = false;
+    const QString answer =
+        QInputDialog::getText(DialogParent(), Q(title), Q(text), QLineEdit::Normal, Q(preset), &taken);
+    if (!taken) return std::nullopt;
+    return S(answer);
+}
+
+std::optional<std::string> AskOpenFile(const FileQuestion& question) {
+    ShowState();
+    const PlainPointer pointer;
+    return Chosen(QFileDialog::getOpenFileName(DialogParent(), Q(question.Title), BeginAt(question),
+                                               FilterOf(question.Filter)));
+}
+
+std::optional<std::string> AskSaveFile(const FileQuestion& question) {
+    ShowState();
+    const PlainPointer pointer;
+    return Chosen(QFileDialog::getSaveFileName(DialogParent(), Q(question.Title), BeginAt(question),
+                                               FilterOf(question.Filter)));
+}
+
+std::string ClipboardText() {
+    return S(QApplication::clipboard()->text());
+}
+
+bool SetClipboardText(const std::string& text) {
+    QApplication::clipboard()->setText(Q(text));
+    return true;
+}
+
+void YieldToEvents() {
+    static QElapsedTimer last;
+    if (last.isValid() && last.elapsed() < kBetweenYields_ms) return;
+    ShowState();
+    QApplication::processEvents();
+    last.start();
+}
+
+void Pause(int milliseconds) {
+    ShowState();
+    QEventLoop loop;
+    QTimer timer;
+    timer.setSingleShot(true);
+    QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
+    timer.start(milliseconds);
+    loop.exec();
+}
+
+void StartFile(const std::string& verb, const std::string& path) {
+    const bool started = verb == "Open" || verb == "explore"
+                             ? QDesktopServices::openUrl(QUrl::fromLocalFile(Q(path)))
+                             : QProcess::startDetached(Q(verb), {Q(path)});
+    if (!started) throw PlatformError{"\"" + path + "\" could not be opened with \"" + verb + "\"."};
+}
+
+void ShowStartScreen() {
+    ShowStartScreenFor(kStartScreen_ms);
+}
+
+std::string OperatingSystemName() {
+    return "Windows Vista or LATER";  // what every system with a settings folder for each user is called
+}
+
+std::optional<std::string> EnvironmentVariable(const std::string& name) {
+    const char* value = std::getenv(name.c_str());
+    return value == nullptr ? std::nullopt : std::optional<std::string>(value);
+}
+
+std::string UserSettingsFolder() {
+    if (const auto configured = EnvironmentVariable("XDG_CONFIG_HOME"); configured && !configured->empty())
+        return *configured;
+    return EnvironmentVariable("HOME").value_or("") + "/.config";
+}
+
+std::string ProgramFolder() {
+    return S(QApplication::applicationDirPath());
+}
+
+char SystemDecimal() {
+    static const char decimal = QLocale::system().decimalPoint() == QLatin1String(",") ? ',' : '.';
+    return decimal;
+}
+
+bool FlushToDisk(std::FILE* file) {
+    return fsync(fileno(file)) == 0;
+}

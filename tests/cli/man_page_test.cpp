@@ -1,0 +1,55 @@
+// The man page and the program's own help tell of the same options.
+#include <regex>
+#include <set>
+
+#include "cli/fit_command.h"
+
+namespace {
+
+using ManPage = FitCommand;
+
+const std::string kPage = std::string(CORVINADE_SOURCE_DIR) + "/packaging/corvinade-cli.1.in";
+
+std::set<std::string> LongOptions(const std::string& text) {
+    std::set<std::string> options;
+    const std::regex pattern("--[a-z0-9][a-z0-9-]*");
+    for (std::sregex_iterator it(text.begin(), text.end(), pattern), end; it != end; ++it)
+        options.insert(it->str());
+    return options;
+}
+
+// The text of the page: in its source a hyphen that is none of a word's bears a backslash.
+std::string Page() {
+    std::string page = Contents(kPage);
+    page.erase(std::remove(page.begin(), page.end(), '\\'), page.end());
+    return page;
+}
+
+Outcome CommandLine(const std::vector<const char*>& arguments) {
+    std::istringstream in;
+    std::ostringstream out;
+    std::ostringstream err;
+    const int status =
+        RunCommandLine(static_cast<int>(arguments.size()), arguments.data(), in, out, err, false, false);
+    return {status, out.str(), err.str()};
+}
+
+TEST_F(ManPage, TellsOfEveryOptionOfTheProgramAndOfNoOther) {
+    std::set<std::string> options;
+    for (const char* command : {"fit", "info", "convert", "automate"}) {
+        const Outcome help = CommandLine({"corvinade-cli", command, "--help"});
+        EXPECT_EQ(help.Status, 0) << help.Err;
+        options.merge(LongOptions(help.Out));
+    }
+    options.erase("--help");
+    EXPECT_TRUE(options.count("--monte-carlo"));
+    EXPECT_EQ(LongOptions(Page()), options);
+}
+
+TEST_F(ManPage, NamesEveryExitStatus) {
+    const std::string page = Page();
+    for (const char* status : {"0", "1", "2", "3", "4"})
+        EXPECT_NE(page.find(std::string(".TP\n.B ") + status + "\n"), std::string::npos) << status;
+}
+
+}  // namespace
