@@ -307,6 +307,11 @@ void UnbindWindow(const WindowEntry& window) {
     AllBound().erase(&window);
 }
 
+void ForgetShown() {
+    for (auto& [window, bound] : AllBound())
+        for (Bound& one : bound) one.Ever = false;
+}
+
 void ShowControls(const WindowEntry& window) {
     const auto found = AllBound().find(&window);
     if (found == AllBound().end()) return;

@@ -19,5 +19,5 @@ void UnbindWindow(const WindowEntry& window);
 // Shows every control of the window that differs from what was last shown.
 void ShowControls(const WindowEntry& window);
 
-// The user pressed a key in a window of this top widget; true when somebody took it.
-bool KeyInWindow(const WindowEntry& window, int key);
+// Lets the next ShowControls show everything anew, as a new palette needs it.
+void ForgetShown();

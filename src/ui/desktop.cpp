@@ -258,7 +258,36 @@ void AddIcons(const QMainWindow& frame) {
     }
 }
 
+constexpr std::array<std::pair<const char*, Theme>, 3> kThemes = {
+    {{"_ThemeDesktop", Theme::Desktop}, {"_ThemeLight", Theme::Light}, {"_ThemeDark", Theme::Dark}}};
+
+// Everything that is on the screen, in the palette of a theme.
+void ShowTheme(Theme theme) {
+    ApplyTheme(theme);
+    for (const auto& [name, one] : kThemes)
+        if (auto* action = Desktop.FrameWindow->findChild<QAction*>(QLatin1String(name)))
+            action->setChecked(one == theme);
+    AddIcons(*Desktop.FrameWindow);
+    Desktop.Area->setBackground(Desktop.FrameWindow->palette().mid());
+    ForgetShown();
+}
+
+void ConnectThemes() {
+    for (const auto& [name, theme] : kThemes)
+        if (auto* action = Desktop.FrameWindow->findChild<QAction*>(QLatin1String(name)))
+            QObject::connect(action, &QAction::triggered, action, [chosen = theme] {
+                UserDid([chosen] {
+                    Dispatch([chosen] { StoreTheme(chosen); });
+                    ShowTheme(chosen);
+                });
+            });
+}
+
 }  // namespace
+
+void ShowStoredTheme() {
+    ShowTheme(StoredTheme());
+}
 
 QMainWindow* Frame() {
     return Desktop.FrameWindow;
@@ -291,6 +320,7 @@ void OpenDesktop() {
     }
     AddPanels(*frame->statusBar());
     AddIcons(*frame);
+    ConnectThemes();
     frame->setWindowIcon(IconOf(QStringLiteral("corvinade")));
     frame->setAcceptDrops(true);
     auto* events = new FrameEvents(frame);

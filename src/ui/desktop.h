@@ -11,6 +11,9 @@ class QWidget;
 // Builds the frame. The logic's start (StartUp) comes after it.
 void OpenDesktop();
 
+// Light or dark as the settings have it, once the start has read them.
+void ShowStoredTheme();
+
 // Takes the frame and all windows down, whatever the logic holds.
 void CloseDesktop();
 

@@ -31,11 +31,12 @@ int main(int argc, char** argv) {
     const QStringList jobs = parser.positionalArguments();
     if (parser.isSet(QStringLiteral("no-splash")) || !jobs.isEmpty()) SkipStartScreen();
 
-    ApplyTheme();
+    ApplyTheme(Theme::Desktop);
     OpenDesktop();
     // The start-up takes the command line as a shell would hand it over that leaves the quotes on.
     const std::string job = jobs.isEmpty() ? "" : "\"" + S(QFileInfo(jobs.front()).absoluteFilePath()) + "\"";
     UserDid([&job] { StartUp(job); });
+    ShowStoredTheme();
     Frame()->show();
     const int status = QApplication::exec();
     CloseDesktop();

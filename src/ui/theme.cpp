@@ -10,14 +10,23 @@
 #include <QPainter>
 #include <QPalette>
 #include <QPixmap>
+#include <QStyle>
 #include <QStyleFactory>
 #include <QSvgRenderer>
 #include <array>
+#include <string>
+
+#include "core/run.h"
+#include "core/settings.h"
 
 namespace {
 
 // The neutral colour that all icons are drawn in.
 constexpr const char* kInk = "#3c4653";
+
+constexpr const char* kThemeKey = "Theme";
+constexpr const char* kLight = "light";
+constexpr const char* kDark = "dark";
 
 // What the portal of the desktop calls a wish for dark windows.
 constexpr uint kPrefersDark = 1;
@@ -69,10 +78,28 @@ QPalette PaletteOf(bool dark) {
 
 }  // namespace
 
-void ApplyTheme() {
+Theme StoredTheme() {
+    const std::string stored = Run.SettingsFilePath.empty() ? "" : IniWertLesen(kThemeKey);
+    return stored == kDark ? Theme::Dark : stored == kLight ? Theme::Light : Theme::Desktop;
+}
+
+void StoreTheme(Theme theme) {
+    IniWertSchreiben("Desktop", kThemeKey,
+                     theme == Theme::Dark    ? kDark
+                     : theme == Theme::Light ? kLight
+                                             : "desktop");
+}
+
+void ApplyTheme(Theme theme) {
     const QByteArray wish = qgetenv("CORVINADE_THEME");
-    const bool dark = wish.isEmpty() ? DesktopIsDark() : wish == "dark";
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    bool dark = theme == Theme::Dark;
+    if (!wish.isEmpty()) {
+        dark = wish == kDark;
+    } else if (theme == Theme::Desktop) {
+        dark = DesktopIsDark();
+    }
+    if (QApplication::style()->name() != QLatin1String("fusion"))
+        QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setPalette(PaletteOf(dark));
 }
 

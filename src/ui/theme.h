@@ -4,9 +4,18 @@
 #include <QIcon>
 #include <QString>
 
-// Gives the program the style of all its windows, with the palette that the desktop prefers: light unless
-// it asks for dark.
-void ApplyTheme();
+// What the user has chosen in the settings menu.
+enum class Theme { Desktop, Light, Dark };
+
+// The choice that the settings file holds; Desktop where it holds none.
+Theme StoredTheme();
+
+// Keeps a choice in the settings file.
+void StoreTheme(Theme theme);
+
+// Gives the program the style of all its windows and their palette. Desktop: light unless the desktop asks
+// for dark. The variable CORVINADE_THEME ("light", "dark") goes before every choice.
+void ApplyTheme(Theme theme);
 
 // An icon of the family by its name, in the text colour of the palette; an empty one where there is none.
 QIcon IconOf(const QString& name);

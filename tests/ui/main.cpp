@@ -7,11 +7,10 @@
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("CORVINADE_THEME", "light");
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    ApplyTheme();
+    ApplyTheme(Theme::Light);
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
