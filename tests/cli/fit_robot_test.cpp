@@ -264,6 +264,18 @@ TEST_F(RobotProgramFits, AllFiveKindsOfTheExampleGiveTheSameFit) {
     }
 }
 
+TEST_F(RobotProgramFits, EveryKindOfTheExampleFindsTheLengthOfItsTool) {
+    for (const auto& [kind, path] : kPrograms) {
+        const json fit = FitJson({kTips, path, "--as", kind, "--r-dist", "--start", "trax=2309", "--start",
+                                  "tray=1189", "--start", "traz=-412", "--start", "rotx=-0.6", "--start",
+                                  "roty=1.8", "--start", "rotz=-64.2"});
+        EXPECT_EQ(fit["counts"]["unknowns"], 7) << kind;
+        // The tool that the measured tips were computed with, before noise of 0.1 mm.
+        const double length = std::sqrt(62.4 * 62.4 + 18.75 * 18.75 + 214.3 * 214.3);
+        EXPECT_NEAR(std::fabs(Parameter(fit, "rdist")), length, 0.2) << kind;
+    }
+}
+
 TEST_F(RobotProgramFits, TheExampleFindsWhatItWasMadeFrom) {
     // Base and tool that the measured tips were computed with, before noise of 0.1 mm.
     const std::vector<std::pair<std::string, double>> truth = {{"trax", 2310.4}, {"tray", 1187.9},

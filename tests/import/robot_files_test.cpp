@@ -286,6 +286,9 @@ TEST_F(RobotFiles, ColumnsThatCutANumberAreAnError) {
     EXPECT_EQ(error("  mm,\tY", "mm,Y"), In(10) + "the fixed columns cut \" 1234.567\" to \" 1234.\"");
     EXPECT_EQ(error("     3.000  mm, ", "     300  mm,"),
               In(10) + "the fixed columns cut \"    300\" to \"    30\"");
+    EXPECT_EQ(error("     3.000  mm, ", "     3.025  mm"),
+              In(10) + "the fixed columns cut \"    3.025\" to \"    3.0\"")
+        << "two decimals are more than the one that the columns cost";
     EXPECT_EQ(error("=  1234.567", "=-12345.678"), In(10) + "\"X =-12345.678\" is not in the fixed columns");
     EXPECT_EQ(error("=  1234.567", "= 12345.678"), "");
     EXPECT_EQ(error("6.000 deg", "6.000 deg "), In(11) + "\"    6.000 d\" is not a number");
@@ -361,6 +364,14 @@ TEST_F(RobotFiles, OfTwoBlocksTheFirstAloneIsImportedWithItsMessage) {
     EXPECT_EQ(Messages(), std::vector<std::string>{
                               "myabe there are more than one Block in the File - only importing the First "
                               "block in file with 2 Points"});
+}
+
+TEST_F(RobotFiles, ABlockEndsAtAnEmptyLineAndAModuleAtItsLastWordAlone) {
+    // Blanks are something, and so is a remark.
+    Abb("MODULE Calib\n" + kTurned + "  \n" + kTurned + "\t\n" + kTurned + "ENDMODULE ! of three\n" +
+        kTurned + " ENDMODULE\n" + kTurned + "ENDMODULE\n" + kTurned);
+    EXPECT_EQ(Job.nOCS, 5);
+    EXPECT_TRUE(Messages().empty());
 }
 
 TEST_F(RobotFiles, AModuleWithoutItsEndIsReadToTheEndOfTheFile) {

@@ -236,16 +236,19 @@ TEST_F(RobotImport, TheRestOfTheJobIsNotTouched) {
     Job.NormType = 3;
     Job.nSavedViews = 4;
     Job.UseFlags = {0, 1, 0, 1};
-    ImportKind(kFanuc);
-    EXPECT_EQ(Job.ViewAllMCS, kTrue);
-    EXPECT_EQ(Job.ViewAllonlyOCS, kTrue);
-    EXPECT_EQ(Job.ViewAllOCS, 5);
-    EXPECT_EQ(Job.ViewAllonlyMCS, kFalse);
-    EXPECT_EQ(Job.TraX, 17);
-    EXPECT_EQ(Job.ParamText[3], "12.5");
-    EXPECT_EQ(Job.SeedName[1], "x");
-    EXPECT_EQ(Job.NormType, 3);
-    EXPECT_EQ(Job.nSavedViews, 4);
-    EXPECT_EQ(Job.UseFlags[1], 1);
-    EXPECT_EQ(Job.UseFlags[3], 1);
+    for (const Kind kind : {kKuka, kAbb, kFanuc, kXYZABC, kQuaternion}) {
+        ::Run.JobDataValid = kFalse;  // an import over valid points begins with a fresh job
+        ImportKind(kind);
+        EXPECT_EQ(Job.ViewAllMCS, kTrue);
+        EXPECT_EQ(Job.ViewAllonlyOCS, kTrue);
+        EXPECT_EQ(Job.ViewAllOCS, 5);
+        EXPECT_EQ(Job.ViewAllonlyMCS, kFalse);
+        EXPECT_EQ(Job.TraX, 17);
+        EXPECT_EQ(Job.ParamText[3], "12.5");
+        EXPECT_EQ(Job.SeedName[1], "x");
+        EXPECT_EQ(Job.NormType, 3);
+        EXPECT_EQ(Job.nSavedViews, 4);
+        EXPECT_EQ(Job.UseFlags[1], 1);
+        EXPECT_EQ(Job.UseFlags[3], 1);
+    }
 }
