@@ -27,6 +27,7 @@
 
 #include "core/controller.h"
 #include "core/form_main.h"
+#include "core/form_progress_bar.h"
 #include "core/platform.h"
 #include "core/refresh.h"
 #include "core/run.h"
@@ -142,7 +143,11 @@ void OpenOne(const WindowEntry& window) {
         auto* layout = new QVBoxLayout(dialog);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(open.Form);
-        dialog->setWindowModality(Qt::WindowModal);
+        // The window of long work leaves the frame in reach, whose STOP ends the work too; above a dialog
+        // that blocks the frame it must stand in front itself.
+        const bool overAll =
+            &window != &FormProgressBar_Entry || QApplication::activeModalWidget() != nullptr;
+        dialog->setWindowModality(overAll ? Qt::WindowModal : Qt::NonModal);
         open.Outer = dialog;
     } else {
         open.Outer = Desktop.Area->addSubWindow(open.Form);
@@ -215,6 +220,14 @@ public:
     }
 };
 
+// A question of the system or an open list or menu has the keys for itself.
+bool KeysBelongElsewhere() {
+    if (QApplication::activePopupWidget() != nullptr) return true;
+    const QWidget* modal = QApplication::activeModalWidget();
+    return modal != nullptr && std::none_of(Desktop.Windows.begin(), Desktop.Windows.end(),
+                                            [modal](const auto& one) { return one.second.Outer == modal; });
+}
+
 // Keys that act in the whole program: F5 calculates, Esc stops or closes the window that it is pressed in.
 class Keys : public QObject {
 public:
@@ -222,14 +235,16 @@ public:
     bool eventFilter(QObject* object, QEvent* event) override {
         if (event->type() != QEvent::KeyPress || !object->isWidgetType()) return false;
         const int key = static_cast<QKeyEvent*>(event)->key();
+        if ((key != Qt::Key_F5 && key != Qt::Key_Escape) || KeysBelongElsewhere()) return false;
         const auto press = [](Control& button) {
             if (!button.Enabled || !button.Visible) return false;
             UserDid([&button] { UserClick(button); });
             return true;
         };
         const bool calculation = IsLoaded("FormTrafoBerechnung");
-        if (key == Qt::Key_F5 && calculation) return press(TrafoWindow.BtnCalculate);
-        if (key != Qt::Key_Escape) return false;
+        if (key == Qt::Key_F5)  // a dialog in front keeps the calculation window out of reach
+            return calculation && QApplication::activeModalWidget() == nullptr &&
+                   press(TrafoWindow.BtnCalculate);
         if (calculation && !TrafoWindow.BtnCalculate.Enabled && press(TrafoWindow.BtnSTOP)) return true;
         const QWidget* window = static_cast<QWidget*>(object)->window();
         for (const auto& [entry, open] : Desktop.Windows)
