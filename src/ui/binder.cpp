@@ -86,13 +86,14 @@ Qt::CheckState MarkOf(const Control& c) {
     return c.Value == 0 ? Qt::Unchecked : c.Value == 2 ? Qt::PartiallyChecked : Qt::Checked;
 }
 
-// The toolkit sets a mark or an entry as soon as the user clicks, whatever the logic then makes of it.
-bool MarkDiffers(const Bound& bound) {
+// The toolkit shows what the user does at once, whatever the logic then makes of it.
+bool ScreenDiffers(const Bound& bound) {
     const Control& c = *bound.State;
     if (bound.Action != nullptr) {
         const bool set = c.Kind == ControlKind::ToolButton ? c.Value != 0 : c.Checked;
         return bound.Action->isChecked() != set;
     }
+    if (const auto* text = As<QLineEdit>(bound)) return text->text() != Q(c.Text);
     if (const auto* check = As<QCheckBox>(bound)) return check->checkState() != MarkOf(c);
     if (const auto* option = As<QRadioButton>(bound)) return option->isChecked() != (c.Value != 0);
     if (const auto* combo = As<QComboBox>(bound)) return combo->currentIndex() != c.Index;
@@ -331,7 +332,7 @@ void ShowControls(const WindowEntry& window) {
     for (Bound& bound : found->second) {
         if (auto* grid = As<QTableView>(bound)) ShowGrid(*bound.State, *grid);
         Shown now = StateOf(*bound.State);
-        if (bound.Ever && now == bound.Last && !MarkDiffers(bound)) continue;
+        if (bound.Ever && now == bound.Last && !ScreenDiffers(bound)) continue;
         if (bound.Action != nullptr) {
             ShowAction(bound);
         } else {

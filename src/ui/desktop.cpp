@@ -80,14 +80,25 @@ QWidget* LoadForm(const WindowEntry& window) {
 // A stored width or height below this is none: a settings file without one gives 1000.
 constexpr int kLeastStored = 1500;
 
+// What a dialog's title and borders may take; they are not known before it is shown.
+constexpr QSize kBorders{8, 40};
+
+// The screen that a place lies on, or the frame's where it lies on none.
+const QScreen& ScreenOf(const WindowPlace& place) {
+    const QPoint centre((place.Left / 2 + place.Width / 4) / kTwips * 2,
+                        (place.Top / 2 + place.Height / 4) / kTwips * 2);
+    const QScreen* screen = QGuiApplication::screenAt(centre);
+    return screen != nullptr ? *screen : *Desktop.FrameWindow->screen();
+}
+
 void Place(const WindowEntry& window, const OpenWindow& open) {
     const WindowPlace& place = window.State->Place;
     QSize size = open.Outer->sizeHint().expandedTo(open.Form->minimumSizeHint());
     if (place.Width > kLeastStored && place.Height > kLeastStored)
         size = QSize(place.Width / kTwips, place.Height / kTwips);
     const bool inside = !IsDialog(window);
-    const QRect room =
-        inside ? Desktop.Area->viewport()->rect() : Desktop.FrameWindow->screen()->availableGeometry();
+    QRect room = inside ? Desktop.Area->viewport()->rect() : ScreenOf(place).availableGeometry();
+    if (!inside) room.setSize(room.size() - kBorders);
     size = size.boundedTo(room.size()).expandedTo(open.Form->minimumSizeHint());
     open.Outer->resize(size);
     if (place.Width <= kLeastStored) return;
@@ -246,6 +257,10 @@ public:
             return calculation && QApplication::activeModalWidget() == nullptr &&
                    press(TrafoWindow.BtnCalculate);
         if (calculation && !TrafoWindow.BtnCalculate.Enabled && press(TrafoWindow.BtnSTOP)) return true;
+        if (IsLoaded(FormProgressBar_Entry.Name)) {
+            UserDid([] { UserEscape(FormProgressBar_Entry); });
+            return true;
+        }
         const QWidget* window = static_cast<QWidget*>(object)->window();
         for (const auto& [entry, open] : Desktop.Windows)
             if (open.Outer == window && IsDialog(*entry)) {
@@ -345,6 +360,8 @@ void ShowState() {
     ShowPointer();
     ShowPopUp();
     Desktop.Showing = false;
+    // Work that the frame was closed under ends first.
+    if (!FormMain_Entry.State->Loaded && Desktop.Events > 0) Run.StopRequested = kTrue;
     if (!FormMain_Entry.State->Loaded && Desktop.Events == 0 && Desktop.Windows.count(&FormMain_Entry) != 0) {
         Desktop.FrameWindow->hide();
         QApplication::quit();

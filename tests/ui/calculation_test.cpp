@@ -237,6 +237,46 @@ TEST_F(LongRun, CancelOfTheProgressEndsIt) {
     RunUntil([] { ClickThroughFrame("FormProgressBar.BtnCancel"); });
 }
 
+TEST_F(LongRun, EscapeEndsItWhereTheCalculationWindowHasBeenClosedMeanwhile) {
+    BeginLongRun();
+    bool looked = false;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, &watch, [&looked] {
+        if (looked || !IsLoaded("FormProgressBar")) return;
+        looked = true;
+        WidgetOf(*FindWindow("FormTrafoBerechnung"))->parentWidget()->close();
+        EXPECT_FALSE(IsLoaded("FormTrafoBerechnung"));
+        QTest::keyClick(Frame(), Qt::Key_Escape);
+    });
+    watch.start(100);
+    Click("FormTrafoBerechnung.BtnCalculate");
+    EXPECT_TRUE(looked);
+    EXPECT_FALSE(IsTrue(MonteCarlo.MonteCarloDone));
+    EXPECT_FALSE(IsOpen("FormProgressBar"));
+    EXPECT_FALSE(Action("MenuTransformationCalculation")->isChecked());
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(LongRun, ClosingTheFrameInTheMidstEndsItAndTheProgram) {
+    BeginLongRun();
+    bool looked = false;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
+        if (looked || !IsLoaded("FormProgressBar")) return;
+        looked = true;
+        AnswerNext("No");
+        Frame()->close();
+    });
+    watch.start(100);
+    Click("FormTrafoBerechnung.BtnCalculate");
+    EXPECT_TRUE(looked);
+    EXPECT_EQ(messages_.size(), 1u);
+    EXPECT_FALSE(IsTrue(MonteCarlo.MonteCarloDone));
+    EXPECT_FALSE(IsLoaded("FormMain"));
+    EXPECT_FALSE(Frame()->isVisible());
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
 TEST_F(CalculationByHand, ClosingAChangedJobSavesItOnYes) {
     Begin();
     Import(Six());
