@@ -82,6 +82,24 @@ void ShowColours(QWidget& widget, const Control& c) {
     widget.setAutoFillBackground(!ownGround);
 }
 
+Qt::CheckState MarkOf(const Control& c) {
+    return c.Value == 0 ? Qt::Unchecked : c.Value == 2 ? Qt::PartiallyChecked : Qt::Checked;
+}
+
+// The toolkit shows what the user does at once, whatever the logic then makes of it.
+bool ScreenDiffers(const Bound& bound) {
+    const Control& c = *bound.State;
+    if (bound.Action != nullptr) {
+        const bool set = c.Kind == ControlKind::ToolButton ? c.Value != 0 : c.Checked;
+        return bound.Action->isChecked() != set;
+    }
+    if (const auto* text = As<QLineEdit>(bound)) return text->text() != Q(c.Text);
+    if (const auto* check = As<QCheckBox>(bound)) return check->checkState() != MarkOf(c);
+    if (const auto* option = As<QRadioButton>(bound)) return option->isChecked() != (c.Value != 0);
+    if (const auto* combo = As<QComboBox>(bound)) return combo->currentIndex() != c.Index;
+    return false;
+}
+
 void ShowItems(QComboBox& combo, const Control& c, const Bound& bound) {
     if (!bound.Ever || bound.Last.Items != c.Items) {
         combo.clear();
@@ -102,12 +120,13 @@ void ShowWidget(Bound& bound) {
         page->setReadOnly(c.Locked);
     } else if (auto* check = As<QCheckBox>(bound)) {
         check->setText(Caption(c));
-        check->setCheckState(c.Value == 0   ? Qt::Unchecked
-                             : c.Value == 2 ? Qt::PartiallyChecked
-                                            : Qt::Checked);
+        check->setCheckState(MarkOf(c));
     } else if (auto* option = As<QRadioButton>(bound)) {
         option->setText(Caption(c));
+        // The toolkit keeps one of a frame's options set, whatever groups these are of: the logic decides.
+        option->setAutoExclusive(false);
         option->setChecked(c.Value != 0);
+        option->setAutoExclusive(true);  // for the arrow keys
     } else if (auto* combo = As<QComboBox>(bound)) {
         ShowItems(*combo, c, bound);
     } else if (auto* label = As<QLabel>(bound)) {
@@ -318,7 +337,7 @@ void ShowControls(const WindowEntry& window) {
     for (Bound& bound : found->second) {
         if (auto* grid = As<QTableView>(bound)) ShowGrid(*bound.State, *grid);
         Shown now = StateOf(*bound.State);
-        if (bound.Ever && now == bound.Last) continue;
+        if (bound.Ever && now == bound.Last && !ScreenDiffers(bound)) continue;
         if (bound.Action != nullptr) {
             ShowAction(bound);
         } else {

@@ -27,6 +27,7 @@
 
 #include "core/controller.h"
 #include "core/form_main.h"
+#include "core/form_progress_bar.h"
 #include "core/platform.h"
 #include "core/refresh.h"
 #include "core/run.h"
@@ -79,14 +80,25 @@ QWidget* LoadForm(const WindowEntry& window) {
 // A stored width or height below this is none: a settings file without one gives 1000.
 constexpr int kLeastStored = 1500;
 
+// What a dialog's title and borders may take; they are not known before it is shown.
+constexpr QSize kBorders{8, 40};
+
+// The screen that a place lies on, or the frame's where it lies on none.
+const QScreen& ScreenOf(const WindowPlace& place) {
+    const QPoint centre((place.Left / 2 + place.Width / 4) / kTwips * 2,
+                        (place.Top / 2 + place.Height / 4) / kTwips * 2);
+    const QScreen* screen = QGuiApplication::screenAt(centre);
+    return screen != nullptr ? *screen : *Desktop.FrameWindow->screen();
+}
+
 void Place(const WindowEntry& window, const OpenWindow& open) {
     const WindowPlace& place = window.State->Place;
     QSize size = open.Outer->sizeHint().expandedTo(open.Form->minimumSizeHint());
     if (place.Width > kLeastStored && place.Height > kLeastStored)
         size = QSize(place.Width / kTwips, place.Height / kTwips);
     const bool inside = !IsDialog(window);
-    const QRect room =
-        inside ? Desktop.Area->viewport()->rect() : Desktop.FrameWindow->screen()->availableGeometry();
+    QRect room = inside ? Desktop.Area->viewport()->rect() : ScreenOf(place).availableGeometry();
+    if (!inside) room.setSize(room.size() - kBorders);
     size = size.boundedTo(room.size()).expandedTo(open.Form->minimumSizeHint());
     open.Outer->resize(size);
     if (place.Width <= kLeastStored) return;
@@ -142,7 +154,11 @@ void OpenOne(const WindowEntry& window) {
         auto* layout = new QVBoxLayout(dialog);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(open.Form);
-        dialog->setWindowModality(Qt::WindowModal);
+        // The window of long work leaves the frame in reach, whose STOP ends the work too; above a dialog
+        // that blocks the frame it must stand in front itself.
+        const bool overAll =
+            &window != &FormProgressBar_Entry || QApplication::activeModalWidget() != nullptr;
+        dialog->setWindowModality(overAll ? Qt::WindowModal : Qt::NonModal);
         open.Outer = dialog;
     } else {
         open.Outer = Desktop.Area->addSubWindow(open.Form);
@@ -215,6 +231,14 @@ public:
     }
 };
 
+// A question of the system or an open list or menu has the keys for itself.
+bool KeysBelongElsewhere() {
+    if (QApplication::activePopupWidget() != nullptr) return true;
+    const QWidget* modal = QApplication::activeModalWidget();
+    return modal != nullptr && std::none_of(Desktop.Windows.begin(), Desktop.Windows.end(),
+                                            [modal](const auto& one) { return one.second.Outer == modal; });
+}
+
 // Keys that act in the whole program: F5 calculates, Esc stops or closes the window that it is pressed in.
 class Keys : public QObject {
 public:
@@ -222,15 +246,21 @@ public:
     bool eventFilter(QObject* object, QEvent* event) override {
         if (event->type() != QEvent::KeyPress || !object->isWidgetType()) return false;
         const int key = static_cast<QKeyEvent*>(event)->key();
+        if ((key != Qt::Key_F5 && key != Qt::Key_Escape) || KeysBelongElsewhere()) return false;
         const auto press = [](Control& button) {
             if (!button.Enabled || !button.Visible) return false;
             UserDid([&button] { UserClick(button); });
             return true;
         };
         const bool calculation = IsLoaded("FormTrafoBerechnung");
-        if (key == Qt::Key_F5 && calculation) return press(TrafoWindow.BtnCalculate);
-        if (key != Qt::Key_Escape) return false;
+        if (key == Qt::Key_F5)  // a dialog in front keeps the calculation window out of reach
+            return calculation && QApplication::activeModalWidget() == nullptr &&
+                   press(TrafoWindow.BtnCalculate);
         if (calculation && !TrafoWindow.BtnCalculate.Enabled && press(TrafoWindow.BtnSTOP)) return true;
+        if (IsLoaded(FormProgressBar_Entry.Name)) {
+            UserDid([] { UserEscape(FormProgressBar_Entry); });
+            return true;
+        }
         const QWidget* window = static_cast<QWidget*>(object)->window();
         for (const auto& [entry, open] : Desktop.Windows)
             if (open.Outer == window && IsDialog(*entry)) {
@@ -360,6 +390,8 @@ void ShowState() {
     ShowPointer();
     ShowPopUp();
     Desktop.Showing = false;
+    // Work that the frame was closed under ends first.
+    if (!FormMain_Entry.State->Loaded && Desktop.Events > 0) Run.StopRequested = kTrue;
     if (!FormMain_Entry.State->Loaded && Desktop.Events == 0 && Desktop.Windows.count(&FormMain_Entry) != 0) {
         Desktop.FrameWindow->hide();
         QApplication::quit();
