@@ -3,9 +3,11 @@
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QLineEdit>
 #include <QRegularExpression>
 #include <set>
 
+#include "core/job.h"
 #include "core/platform.h"
 #include "ui/desktop.h"
 #include "ui/desktop_fixture.h"
@@ -59,4 +61,38 @@ TEST_F(Manual, EveryKeyThatItNamesForAMenuEntryIsTheKeyOfOne) {
         EXPECT_TRUE(keys.count(key) != 0) << S(key);
     }
     EXPECT_GT(count, 0);
+}
+
+// The third section, by keys alone: the table is reached with Tab, its cells are marked and switched.
+TEST_F(Manual, APointIsLeftOutAndTheFitRepeatedByKeysAlone) {
+    Begin();
+    Trigger("MenuFileInputFiles");
+    Type("FormInputFiles.TextNameMCS", CORVINADE_SOURCE_DIR "/examples/robot_cell_measured.txt");
+    Type("FormInputFiles.TextNameOCS", CORVINADE_SOURCE_DIR "/examples/robot_cell_nominal.txt");
+    Click("FormInputFiles.BtnOK");
+    ASSERT_EQ(Job.nIdent, 14);
+    Trigger("MenuTransformationCalculation");
+    Frame()->activateWindow();
+    QWidget* form = WidgetOf(*FindWindow("FormTrafoBerechnung"));
+    form->setFocus();
+    QTest::keyClick(form, Qt::Key_6, Qt::AltModifier);
+    QTest::keyClick(form, Qt::Key_F5);
+    const auto largest = [] {
+        return S(qobject_cast<QLineEdit*>(Widget("FormTrafoBerechnung.TextMaxDevXYZPkt"))->text());
+    };
+    EXPECT_EQ(largest(), "F09");
+
+    QWidget* table = Widget("FormTrafoBerechnung.Tabelle");
+    Widget("FormTrafoBerechnung.BtnUseAllPts")->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    ASSERT_EQ(QApplication::focusWidget(), table);
+    QTest::keyClick(table, Qt::Key_Home, Qt::ControlModifier);
+    for (int down = 0; down < 8; ++down) QTest::keyClick(table, Qt::Key_Down);
+    QTest::keyClick(table, Qt::Key_End);
+    for (int key = 0; key < 2; ++key) QTest::keyClick(table, Qt::Key_Left, Qt::ShiftModifier);
+    QTest::keyClick(table, Qt::Key_Space);
+    const std::vector<std::int16_t> flags(Job.UseFlags.begin() + 25, Job.UseFlags.begin() + 28);
+    EXPECT_EQ(flags, std::vector<std::int16_t>(3, 0));
+    QTest::keyClick(table, Qt::Key_F5);
+    EXPECT_NE(largest(), "F09");
 }
