@@ -1,0 +1,213 @@
+// Makes the pictures of the manual: every window of the desktop with the job of an example in it.
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDir>
+#include <QMainWindow>
+#include <QMdiSubWindow>
+#include <QMessageBox>
+#include <QPixmap>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <vector>
+
+#include "core/controller.h"
+#include "core/form_progress_bar.h"
+#include "ui/desktop.h"
+#include "ui/qt_text.h"
+#include "ui/start_screen.h"
+#include "ui/theme.h"
+
+namespace {
+
+constexpr auto kJob = "examples/robot_cell.cvn";
+constexpr auto kStart = "examples/robot_cell_measured.txt";
+constexpr auto kTarget = "examples/robot_cell_nominal.txt";
+
+[[noreturn]] void Fail(const QString& text) {
+    std::fprintf(stderr, "corvinade-pictures: %s\n", qPrintable(text));
+    std::_Exit(1);
+}
+
+// Lets everything settle that waits for the event loop: layouts, column widths, the repaint.
+void Settle() {
+    for (int round = 0; round < 5; ++round) QApplication::processEvents();
+}
+
+void Trigger(const char* name) {
+    auto* action = Frame()->findChild<QAction*>(QString::fromUtf8(name));
+    if (action == nullptr || !action->isEnabled())
+        Fail(QStringLiteral("%1 is missing or disabled").arg(QString::fromUtf8(name)));
+    action->trigger();
+    Settle();
+}
+
+void Press(const char* window, const char* name) {
+    auto* button = WidgetOf(*FindWindow(window))->findChild<QAbstractButton*>(QString::fromUtf8(name));
+    if (button == nullptr || !button->isEnabled())
+        Fail(QStringLiteral("%1 is missing or disabled").arg(QString::fromUtf8(name)));
+    button->click();
+    Settle();
+}
+
+int Distance(QRgb one, QRgb other) {
+    return std::abs(qRed(one) - qRed(other)) + std::abs(qGreen(one) - qGreen(other)) +
+           std::abs(qBlue(one) - qBlue(other));
+}
+
+// A window has few colours, and most of those are the edges of letters. 256 are enough that no difference is
+// seen, and the file has a third of the size. Small things count as well, so every part of the colour space
+// is served first, and what room is left goes to the most frequent ones.
+QImage WithPalette(const QImage& image) {
+    std::map<QRgb, int> counts;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) ++counts[image.pixel(x, y)];
+    std::vector<QRgb> byCount;
+    for (const auto& [colour, count] : counts) byCount.push_back(colour);
+    std::stable_sort(byCount.begin(), byCount.end(),
+                     [&](QRgb one, QRgb other) { return counts[one] > counts[other]; });
+    QList<QRgb> colours;
+    for (const int apart : {40, 1})
+        for (const QRgb colour : byCount)
+            if (colours.size() < 256 && std::none_of(colours.begin(), colours.end(), [&](QRgb taken) {
+                    return Distance(taken, colour) < apart;
+                }))
+                colours.append(colour);
+    return image.convertToFormat(QImage::Format_Indexed8, colours, Qt::ThresholdDither);
+}
+
+void Save(QWidget& widget, const QString& name) {
+    const QString path = QDir(QStringLiteral("docs/manual/pictures")).filePath(name + QStringLiteral(".png"));
+    const QImage image = WithPalette(widget.grab().toImage().convertToFormat(QImage::Format_RGB32));
+    if (!image.save(path, "PNG", 0)) Fail(QStringLiteral("%1 cannot be written").arg(path));
+    std::printf("%s %dx%d\n", qPrintable(path), image.width(), image.height());
+}
+
+// The window without its title; what stands outside it, and so the size, is that of the window's frame.
+void SaveWindow(const char* window, QSize size = {}) {
+    QWidget* form = WidgetOf(*FindWindow(window));
+    if (form == nullptr) Fail(QStringLiteral("%1 is not open").arg(QLatin1String(window)));
+    QWidget* outer = form;
+    while (outer->parentWidget() != nullptr && !outer->isWindow() &&
+           qobject_cast<QMdiSubWindow*>(outer) == nullptr)
+        outer = outer->parentWidget();
+    if (size.isValid()) outer->resize(size);
+    Settle();
+    Save(*form, QLatin1String(window));
+}
+
+void Close(const char* window) {
+    UserDid([window] { UserClose(*FindWindow(window)); });
+    Settle();
+}
+
+// Nobody is there to answer a question, so one that comes up ends the program with its text.
+void WatchForQuestions(QTimer& timer) {
+    QObject::connect(&timer, &QTimer::timeout, [] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) Fail(box->text());
+    });
+    timer.start(50);
+}
+
+void InputPicture() {
+    Trigger("MenuFileInputFiles");
+    UserDid([] {
+        SetText(*FindControl(*FindWindow("FormInputFiles"), "TextNameMCS"), kStart);
+        SetText(*FindControl(*FindWindow("FormInputFiles"), "TextNameOCS"), kTarget);
+    });
+    SaveWindow("FormInputFiles", {900, 540});
+    Close("FormInputFiles");
+}
+
+// Double clicks on the use cells of a point leave it out of the fit, or take it in again.
+void SwitchUse(const char* point) {
+    Control& table = *FindControl(*FindWindow("FormTrafoBerechnung"), "Tabelle");
+    for (int row = table.Grid.FixedRows; row < table.Grid.Rows; ++row) {
+        if (CellText(table.Grid, row, 1) != point) continue;
+        for (int col = 5; col <= 7; ++col) UserDid([&table, row, col] { UserDblClickCell(table, row, col); });
+        UserDid([&table, row] { UserClickCell(table, row, 1, false); });
+        break;
+    }
+    Settle();
+}
+
+// The job is fitted with all points first and then without the one that has moved, so that the arrows of
+// the result tell of the step.
+void CalculationPictures() {
+    if (!IsLoaded("FormTrafoBerechnung")) Trigger("MenuTransformationCalculation");
+    auto* outer = WidgetOf(*FindWindow("FormTrafoBerechnung"))->parentWidget();
+    outer->resize(1240, 660);
+    outer->move(10, 8);
+    Settle();
+    Press("FormTrafoBerechnung", "BtnUseAllPts");
+    Press("FormTrafoBerechnung", "BtnCalculate");
+    Save(*WidgetOf(*FindWindow("FormTrafoBerechnung")), QStringLiteral("FormTrafoBerechnung-all"));
+    SwitchUse("F09");
+    Press("FormTrafoBerechnung", "BtnCalculate");
+    SaveWindow("FormTrafoBerechnung");
+    Save(*Frame(), QStringLiteral("FormMain"));
+    Press("FormTrafoBerechnung", "BtnDetails");
+    SaveWindow("FormTrafoDetails", {1270, 680});
+    Close("FormTrafoDetails");
+}
+
+void OtherPictures() {
+    Trigger("MenuVievMainSheet");
+    SaveWindow("FormMainSheet", {1100, 470});
+    Trigger("MenüViewInputStatistic");
+    SaveWindow("FormInputStatistic", {400, 350});
+    UserDid([] {
+        ShowWindow("FormProgressBar");
+        FindWindow("FormProgressBar")->State->Caption = "Monte Carlo";
+        SetValue(Progress.ProgressBar1, 40);
+    });
+    SaveWindow("FormProgressBar");
+    Close("FormProgressBar");
+    const struct {
+        const char* Action;
+        const char* Window;
+        QSize Size;
+    } dialogs[] = {{"MenuSettingsUnits", "FormUnits", {}},
+                   {"MenueExtrasOptions", "FormOptions", {}},
+                   {"MenuHelpInfo", "FormMenuHelpInfo", {560, 240}}};
+    for (const auto& [action, window, size] : dialogs) {
+        Trigger(action);
+        SaveWindow(window, size);
+        Close(window);
+    }
+}
+
+}  // namespace
+
+// corvinade-pictures: run in the folder of the project.
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("CORVINADE_THEME", "light");
+    const QTemporaryDir settings;
+    qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
+    qunsetenv("appdata");
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    ApplyTheme();
+    SkipStartScreen();
+    if (!QDir().mkpath(QStringLiteral("docs/manual/pictures")))
+        Fail(QStringLiteral("no folder for pictures"));
+    QTimer questions;
+    WatchForQuestions(questions);
+
+    OpenDesktop();
+    // A path without a folder of this machine in it, for the title and the list of recent files.
+    UserDid([] { StartUp(std::string("\"") + kJob + "\""); });
+    Frame()->resize(1280, 800);
+    Frame()->show();
+    Settle();
+    CalculationPictures();
+    OtherPictures();
+    InputPicture();
+    CloseDesktop();
+    return 0;
+}
