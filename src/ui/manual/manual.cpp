@@ -22,6 +22,7 @@ constexpr int kDpi = 600;         // letters are placed in these; pictures keep 
 constexpr qreal kPixel_dpi = 96;  // the unit of sizes inside the text
 constexpr qreal kMargin_mm = 20;
 constexpr qreal kFooter = 40 * kDpi / kPixel_dpi;  // below the text, with the page number
+constexpr qreal kHair = 2 * kDpi / kPixel_dpi;
 // A window of usual size keeps about the proportions that it has on the screen beside the text.
 constexpr qreal kPictureScale = 0.62;
 
@@ -116,7 +117,8 @@ void Print(QTextDocument& text, QPdfWriter& writer, QSizeF page) {
         painter.translate(0, -height * (number - 1));
         QAbstractTextDocumentLayout::PaintContext context;
         context.palette.setColor(QPalette::Text, Qt::black);
-        context.clip = QRectF(0, height * (number - 1), page.width(), height);
+        // A picture at the top of the next page may begin a hair above it.
+        context.clip = QRectF(0, height * (number - 1), page.width(), height - kHair);
         painter.setClipRect(context.clip);
         text.documentLayout()->draw(&painter, context);
         painter.restore();

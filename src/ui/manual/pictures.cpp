@@ -66,6 +66,7 @@ QImage WithPalette(const QImage& image) {
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x) ++counts[image.pixel(x, y)];
     std::vector<QRgb> byCount;
+    byCount.reserve(counts.size());
     for (const auto& [colour, count] : counts) byCount.push_back(colour);
     std::stable_sort(byCount.begin(), byCount.end(),
                      [&](QRgb one, QRgb other) { return counts[one] > counts[other]; });
