@@ -4,6 +4,7 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCursor>
 #include <QEvent>
 #include <QFocusEvent>
 #include <QGroupBox>
@@ -16,6 +17,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTableView>
+#include <QTimer>
 #include <QToolBar>
 #include <algorithm>
 #include <map>
@@ -41,6 +43,7 @@ struct Bound {
     Control* State = nullptr;
     QWidget* Widget = nullptr;
     QAction* Action = nullptr;  // of menus and tool buttons, in place of a widget
+    QMenu* PopUp = nullptr;     // opens where an entry that stands in no form becomes visible
     Shown Last;
     bool Ever = false;  // it has been shown once
 };
@@ -268,6 +271,16 @@ Bound Find(const ControlEntry& entry, QWidget& top) {
     return bound;
 }
 
+// The menu of one entry; the entry goes with it, unless the choice of it has already seen to that.
+QMenu* PopUpOf(Control& entry, QAction& action, QWidget& top) {
+    auto* menu = new QMenu(&top);
+    menu->addAction(&action);
+    QObject::connect(menu, &QMenu::aboutToHide, menu, [&entry, menu] {
+        QTimer::singleShot(0, menu, [&entry] { UserDid([&entry] { entry.Visible = false; }); });
+    });
+    return menu;
+}
+
 // Names of the form that stand for nothing in the logic.
 bool IsOurs(const QObject& object) {
     const QString name = object.objectName();
@@ -293,7 +306,7 @@ std::vector<std::string> BindWindow(const WindowEntry& window, QWidget& top) {
         if (ownMenu && top.inherits("QMainWindow") == false) {
             bound.Action = new QAction(&top);  // entries of the window's pop-up menu stand in no form
             bound.Action->setObjectName(QString::fromUtf8(entry.Name));
-            top.addAction(bound.Action);
+            bound.PopUp = PopUpOf(*entry.Place, *bound.Action, top);
         }
         const std::string name = std::string(window.Name) + "." + entry.Name;
         if (bound.Widget == nullptr && bound.Action == nullptr) {
@@ -339,7 +352,9 @@ void ShowControls(const WindowEntry& window) {
         Shown now = StateOf(*bound.State);
         if (bound.Ever && now == bound.Last && !ScreenDiffers(bound)) continue;
         if (bound.Action != nullptr) {
+            const bool opens = bound.PopUp != nullptr && bound.State->Visible && !bound.Last.Visible;
             ShowAction(bound);
+            if (opens) bound.PopUp->popup(QCursor::pos());
         } else {
             ShowWidget(bound);
         }

@@ -120,6 +120,7 @@ private:
         }
         const int row = index.row() + ModelOf(view_).Headings(), col = index.column();
         if (event.button() == Qt::RightButton) {
+            TellSelection();
             UserDid([&] { UserRightClickCell(control_, row, col); });
         } else if (event.button() == Qt::LeftButton) {
             const auto selected = view_.selectionModel()->selectedIndexes();

@@ -1,7 +1,9 @@
 // The calculation window by clicks and keys: the result, the point table, long runs and how they end.
 #include <QCheckBox>
+#include <QClipboard>
 #include <QElapsedTimer>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QTableView>
 #include <QTimer>
@@ -209,6 +211,54 @@ TEST_F(CalculationByHand, ADoubleClickOnAUseCellCalculatesAgainAndPaints) {
     EXPECT_EQ(Job.UseFlags[18], 1);
     EXPECT_EQ(cellOf(last), used);
     EXPECT_NE(Field("TextSxyz"), "0.000");
+}
+
+TEST_F(CalculationByHand, AThousandPointsFollowAUseCellQuickly) {
+    Begin();
+    std::vector<Point> points;
+    for (int i = 0; i < 1000; ++i)
+        points.push_back({1000 * std::sin(i * 1.7), 900 * std::cos(i * 2.3), 800 * std::sin(i * 0.9)});
+    Import(points, 3);
+    OpenCalculation();
+    Click("FormTrafoBerechnung.CheckAutoRec");
+    Click("FormTrafoBerechnung.BtnCalculate");
+    ASSERT_NE(Field("TextSxyz"), "0.000");
+    int row = 0;  // the points stand in the order of their names
+    while (row < 999 && Table()->model()->index(row, kColName).data().toString() != QLatin1String("P1000"))
+        ++row;
+    QElapsedTimer since;
+    since.start();
+    DoubleClickCell(row, kColUseZ);
+    const int took_ms = static_cast<int>(since.elapsed());
+    std::printf("use cell of 1000 points: %d ms until it was painted\n", took_ms);
+    EXPECT_LT(took_ms, 500);
+    ExpectTruth();
+}
+
+TEST_F(CalculationByHand, TheRightButtonOpensCopyForTheCellUnderItEachTime) {
+    Begin();
+    Import(Six());
+    OpenCalculation();
+    Click("FormTrafoBerechnung.BtnCalculate");
+    const auto rightClick = [](int row) {
+        const QModelIndex cell = Table()->model()->index(row, kColName);
+        QTest::mouseClick(Table()->viewport(), Qt::RightButton, Qt::NoModifier,
+                          Table()->visualRect(cell).center());
+        QApplication::processEvents();
+        return qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    };
+    QMenu* menu = rightClick(1);
+    ASSERT_NE(menu, nullptr);
+    QTest::keyClick(menu, Qt::Key_Escape);
+    QApplication::processEvents();
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    menu = rightClick(3);
+    ASSERT_NE(menu, nullptr);
+    QTest::keyClick(menu, Qt::Key_Down);
+    QTest::keyClick(menu, Qt::Key_Return);
+    QApplication::processEvents();
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    EXPECT_EQ(S(QApplication::clipboard()->text()).substr(0, 2), "P4");
 }
 
 TEST_F(LongRun, StopEndsItByAClickWhileCalculateIsOutOfReach) {
