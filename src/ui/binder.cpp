@@ -276,7 +276,9 @@ QMenu* PopUpOf(Control& entry, QAction& action, QWidget& top) {
     auto* menu = new QMenu(&top);
     menu->addAction(&action);
     QObject::connect(menu, &QMenu::aboutToHide, menu, [&entry, menu] {
-        QTimer::singleShot(0, menu, [&entry] { UserDid([&entry] { entry.Visible = false; }); });
+        QTimer::singleShot(0, menu, [&entry, menu] {
+            if (!menu->isVisible()) UserDid([&entry] { entry.Visible = false; });
+        });
     });
     return menu;
 }

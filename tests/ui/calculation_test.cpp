@@ -1,9 +1,12 @@
 // The calculation window by clicks and keys: the result, the point table, long runs and how they end.
 #include <QCheckBox>
 #include <QClipboard>
+#include <QDialog>
 #include <QElapsedTimer>
+#include <QInputDialog>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTableView>
 #include <QTimer>
@@ -189,6 +192,22 @@ TEST_F(CalculationByHand, TheKeyF5DoesNothingBehindADialog) {
     EXPECT_FALSE(IsTrue(::Run.TrafoValid));
 }
 
+TEST_F(CalculationByHand, AQuestionHasTheKeysForItself) {
+    Begin();
+    Import(Six());
+    OpenCalculation();
+    QTimer::singleShot(100, [] {
+        QWidget* box = QApplication::activeModalWidget();
+        ASSERT_NE(box, nullptr);
+        QTest::keyClick(box, Qt::Key_F5);
+        EXPECT_FALSE(IsTrue(::Run.TrafoValid));
+        QTest::keyClick(box, Qt::Key_Escape);  // the last button, "No"
+    });
+    Frame()->close();
+    QApplication::processEvents();
+    EXPECT_FALSE(IsLoaded("FormMain"));
+}
+
 TEST_F(CalculationByHand, ADoubleClickOnAUseCellCalculatesAgainAndPaints) {
     Begin();
     Import(Six(), 3);
@@ -324,6 +343,46 @@ TEST_F(LongRun, ClosingTheFrameInTheMidstEndsItAndTheProgram) {
     EXPECT_FALSE(IsTrue(MonteCarlo.MonteCarloDone));
     EXPECT_FALSE(IsLoaded("FormMain"));
     EXPECT_FALSE(Frame()->isVisible());
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(LongRun, CancelOfTheProgressEndsAPairingThatADialogBegan) {
+    Begin();
+    std::string start, target;
+    for (int i = 0; i < 1500; ++i) {
+        const Point p = {1000 * std::sin(i * 1.7), 900 * std::cos(i * 2.3), 800 * std::sin(i * 0.9)};
+        start += Line("S" + std::to_string(i), p);
+        target += Line("T" + std::to_string(i), Target(p));
+    }
+    Trigger("MenuFileInputFiles");
+    Type("FormInputFiles.TextNameMCS", Write("start.txt", start));
+    Type("FormInputFiles.TextNameOCS", Write("target.txt", target));
+    Click("FormInputFiles.OptionByDis");
+    bool looked = false;
+    qint64 longest_ms = 0;
+    QElapsedTimer since;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
+        if (since.isValid()) longest_ms = std::max(longest_ms, since.elapsed());
+        since.start();
+        // The tolerance is asked for first, and told what became of it last.
+        auto* question = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (qobject_cast<QInputDialog*>(question) != nullptr ||
+            qobject_cast<QMessageBox*>(question) != nullptr)
+            return question->accept();
+        if (looked || !IsOpen("FormProgressBar")) return;
+        looked = true;
+        ClickThroughFrame("FormProgressBar.BtnCancel");
+        EXPECT_TRUE(IsTrue(::Run.StopRequested));
+    });
+    watch.start(20);
+    Click("FormInputFiles.BtnApply");
+    watch.stop();
+    std::printf("longest gap between events while pairing %d ms\n", static_cast<int>(longest_ms));
+    EXPECT_TRUE(looked);
+    EXPECT_FALSE(IsOpen("FormProgressBar"));
+    EXPECT_TRUE(IsOpen("FormInputFiles"));
+    EXPECT_LT(Job.nIdent, 1500);
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
