@@ -193,7 +193,7 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    ApplyTheme();
+    ApplyTheme(Theme::Light);
     SkipStartScreen();
     if (!QDir().mkpath(QStringLiteral("docs/manual/pictures")))
         Fail(QStringLiteral("no folder for pictures"));
