@@ -21,6 +21,7 @@
 #include <QToolBar>
 #include <algorithm>
 #include <map>
+#include <string_view>
 
 #include "ui/colours.h"
 #include "ui/desktop.h"
@@ -149,6 +150,17 @@ void ShowWidget(Bound& bound) {
         ShowColours(widget, c);
 }
 
+// An entry "&1 path": behind the number stands a path, whose "&" is no mark of a key; without one the entry
+// is not shown.
+constexpr qsizetype kRecentNumber = 3;
+bool IsRecentFile(const Control& c) {
+    return c.Entry != nullptr && std::string_view(c.Entry->Name).starts_with("MenüDateiAlt");
+}
+QString RecentCaption(const Control& c) {
+    const QString caption = Caption(c);
+    return caption.left(kRecentNumber) + caption.mid(kRecentNumber).replace('&', QLatin1String("&&"));
+}
+
 void ShowAction(Bound& bound) {
     const Control& c = *bound.State;
     QAction& action = *bound.Action;
@@ -160,12 +172,12 @@ void ShowAction(Bound& bound) {
         action.setCheckable(c.Value != 0 || action.isCheckable());
         action.setChecked(c.Value != 0);
     } else {
-        action.setText(Caption(c));
+        action.setText(IsRecentFile(c) ? RecentCaption(c) : Caption(c));
         action.setCheckable(c.Checked || action.isCheckable());
         action.setChecked(c.Checked);
     }
     action.setEnabled(c.Enabled);
-    action.setVisible(c.Visible);
+    action.setVisible(c.Visible && !(IsRecentFile(c) && Caption(c).size() <= kRecentNumber));
     // The blocked signal of the change is what menus and tool bars redraw themselves by.
     action.blockSignals(false);
     emit action.changed();

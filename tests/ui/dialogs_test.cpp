@@ -61,8 +61,12 @@ protected:
             if (!button && control.Kind != ControlKind::Menu) continue;
             const QAction* action = ActionOf(entry);
             ASSERT_NE(action, nullptr) << entry.Name;
-            EXPECT_EQ(action->isEnabled(), control.Enabled && control.Visible) << entry.Name << ' ' << when;
-            EXPECT_EQ(action->isVisible(), control.Visible) << entry.Name << ' ' << when;
+            // A recent file that there is none of is not shown.
+            const bool none =
+                std::string_view(entry.Name).starts_with("MenüDateiAlt") && control.Text.size() <= 3;
+            const bool visible = control.Visible && !none;
+            EXPECT_EQ(action->isEnabled(), control.Enabled && visible) << entry.Name << ' ' << when;
+            EXPECT_EQ(action->isVisible(), visible) << entry.Name << ' ' << when;
             EXPECT_EQ(action->isChecked(), button ? control.Value != 0 : control.Checked)
                 << entry.Name << ' ' << when;
         }

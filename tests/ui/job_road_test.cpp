@@ -69,6 +69,20 @@ TEST_F(JobRoad, AJobIsSavedUnderANameAndOpenedAgain) {
     EXPECT_TRUE(Frame()->windowTitle().endsWith(QLatin1String("cell.cvn")));
 }
 
+TEST_F(JobRoad, RecentFilesAreShownWithTheirWholePathAndEmptyEntriesNotAtAll) {
+    Begin();
+    EXPECT_FALSE(Action("MenüDateiAlt1")->isVisible());
+    Import();
+    ChooseNext(PathOf("cell & jig.cvn"));
+    Trigger("MenuFileSave");
+    EXPECT_TRUE(Action("MenüDateiAlt1")->isVisible());
+    EXPECT_EQ(S(Action("MenüDateiAlt1")->text()), "&1 " + PathOf("cell && jig.cvn"));
+    EXPECT_FALSE(Action("MenüDateiAlt2")->isVisible());
+    Trigger("MenüDateiAlt1");
+    EXPECT_EQ(::Run.JobFilePath, PathOf("cell & jig.cvn"));
+    EXPECT_EQ(::Run.JobDataValid, kTrue);
+}
+
 TEST_F(JobRoad, ClosingAsksForAChangedJob) {
     Begin();
     Import();
