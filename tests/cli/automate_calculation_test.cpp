@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/automate.h"
+#include "cli/automation.h"
 #include "support/fixture.h"
 
 using nlohmann::json;
@@ -13,7 +14,7 @@ namespace {
 // by 100, 200, 300 mm; P7 may have a blunder in z. The rotation is written out by hand: the point is turned
 // about x, then y, then z of the fixed frame, each against the sense of the angle, which is that of the
 // frame.
-class CalculationByNames : public Program {
+class CalculationByNames : public Automated {
 protected:
     static constexpr double kDegree = 3.14159265358979323846 / 180;
     static constexpr std::array<std::array<double, 3>, 7> kPoints = {{{0, 0, 0},
@@ -26,15 +27,6 @@ protected:
 
     CalculationByNames() { StartAutomation({}); }
 
-    static json Ask(const json& request) {
-        bool quit = false;
-        return json::parse(AnswerLine(request.dump(), quit));
-    }
-    static json Good(const json& request) {
-        json reply = Ask(request);
-        EXPECT_EQ(reply["ok"], true) << request.dump() << "\n" << reply.dump();
-        return reply;
-    }
     static std::string At(const std::string& control) { return "FormTrafoBerechnung." + control; }
     static json Set(const std::string& control, const json& value) {
         return Good({{"do", "set"}, {"at", At(control)}, {"value", value}});

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/automate.h"
+#include "cli/automation.h"
 #include "support/fixture.h"
 
 using nlohmann::json;
@@ -25,19 +26,10 @@ const RobotKind kKinds[] = {
     {"only coordinates and quaternions x, y, z, q1, q2, q3, q4", "_quaternion.txt", "IsQuaternion", true},
 };
 
-class RobotsByName : public Program {
+class RobotsByName : public Automated {
 protected:
     RobotsByName() { StartAutomation({}); }
 
-    static json Ask(const json& request) {
-        bool quit = false;
-        return json::parse(AnswerLine(request.dump(), quit));
-    }
-    static json Good(const json& request) {
-        json reply = Ask(request);
-        EXPECT_EQ(reply["ok"], true) << request.dump() << "\n" << reply.dump();
-        return reply;
-    }
     static json Set(const std::string& at, const json& value) {
         return Good({{"do", "set"}, {"at", at}, {"value", value}});
     }
@@ -94,22 +86,26 @@ TEST_F(RobotsByName, EveryKindIsImportedAndFittedWithItsToolVector) {
     }
 }
 
-TEST_F(RobotsByName, TheDistanceModelTakesThePositionsOfTheProgram) {
-    Import(1, kExamples + ".dat");
-    Click("FormMain.MenuTransformationCalculation");
-    Set("FormTrafoBerechnung.CheckRDist", 1);
-    const std::pair<const char*, const char*> seeds[] = {{"Trax", "2309"}, {"Tray", "1189"},
-                                                         {"Traz", "-412"}, {"Rotx", "-0.6"},
-                                                         {"Roty", "1.8"},  {"Rotz", "-64.2"}};
-    for (const auto& [name, value] : seeds) {
-        Set("FormTrafoBerechnung.CheckSeed" + std::string(name), 1);
-        Set("FormTrafoBerechnung.TextSeed" + std::string(name), value);
+TEST_F(RobotsByName, TheDistanceModelTakesThePositionsOfEveryKind) {
+    for (const RobotKind& kind : kKinds) {
+        SCOPED_TRACE(kind.Entry);
+        Import(kind.Entry, kExamples + kind.File);
+        Click("FormMain.MenuTransformationCalculation");
+        Set("FormTrafoBerechnung.CheckRDist", 1);
+        const std::pair<const char*, const char*> seeds[] = {{"Trax", "2309"}, {"Tray", "1189"},
+                                                             {"Traz", "-412"}, {"Rotx", "-0.6"},
+                                                             {"Roty", "1.8"},  {"Rotz", "-64.2"}};
+        for (const auto& [name, value] : seeds) {
+            Set("FormTrafoBerechnung.CheckSeed" + std::string(name), 1);
+            Set("FormTrafoBerechnung.TextSeed" + std::string(name), value);
+        }
+        Click("FormTrafoBerechnung.BtnCalculate");
+        EXPECT_EQ(Record("TrafoValid"), -1);
+        EXPECT_EQ(Record("nFloat"), 7);
+        EXPECT_NEAR(std::fabs(Record("RDist").get<double>()),
+                    std::sqrt(62.4 * 62.4 + 18.75 * 18.75 + 214.3 * 214.3), 0.5);
+        Good({{"do", "close"}, {"at", "FormTrafoBerechnung"}});
     }
-    Click("FormTrafoBerechnung.BtnCalculate");
-    EXPECT_EQ(Record("TrafoValid"), -1);
-    EXPECT_EQ(Record("nFloat"), 7);
-    EXPECT_NEAR(std::fabs(Record("RDist").get<double>()),
-                std::sqrt(62.4 * 62.4 + 18.75 * 18.75 + 214.3 * 214.3), 0.5);
 }
 
 TEST_F(RobotsByName, AnErrorInAProgramIsToldAndTheRunGoesOn) {

@@ -26,19 +26,6 @@ protected:
     }
 };
 
-namespace {
-
-std::string ErrorOf(const std::function<void()>& work) {
-    try {
-        work();
-    } catch (const PlatformError& error) {
-        return error.What;
-    }
-    return "";
-}
-
-}  // namespace
-
 TEST_F(Files, WrittenBytesAreReadBackUnchanged) {
     std::string bytes;
     for (int i = 0; i < 100000; ++i) bytes += static_cast<char>(i * 7 % 256);

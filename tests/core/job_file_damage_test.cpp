@@ -16,14 +16,6 @@ using JobFileDamage = Program;
 
 namespace {
 
-std::string ErrorOf(const std::function<void()>& work) {
-    try {
-        work();
-    } catch (const PlatformError& error) {
-        return error.What;
-    }
-    return "";
-}
 std::string ErrorOfReading(const std::string& file) {
     return ErrorOf([&] { ReadJobBytes(file, "a.cvn"); });
 }

@@ -31,15 +31,6 @@ std::string Higher(const std::string& version) {
                 "\nSoftware Version is 2.0.64\nThis can cause trouble with your data!");
 }
 
-std::string ErrorOf(const std::function<void()>& work) {
-    try {
-        work();
-    } catch (const PlatformError& error) {
-        return error.What;
-    }
-    return "";
-}
-
 // A job of a file without views, robots and shape, whose four view flags came from the file or not.
 HandJob Plain(bool viewFlags = true) {
     HandJob job = HandExample();

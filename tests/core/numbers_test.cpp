@@ -97,15 +97,6 @@ bool Reads(const std::string& text, char decimal, double& value) {
     return TextToNumber(text, decimal, value);
 }
 
-std::string ErrorOf(const std::function<void()>& work) {
-    try {
-        work();
-    } catch (const PlatformError& error) {
-        return error.What;
-    }
-    return "";
-}
-
 }  // namespace
 
 TEST_F(Numbers, ThePlainConversionReadsTheNumberAtTheStart) {

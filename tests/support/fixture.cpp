@@ -10,6 +10,7 @@
 #include "cli/headless.h"
 #include "core/files.h"
 #include "core/fresh_start.h"
+#include "core/platform.h"
 
 Program::Program() {
     FreshStart();
@@ -62,6 +63,15 @@ std::vector<std::string> Messages() {
 std::string LastMessage() {
     const std::vector<std::string> texts = Messages();
     return texts.empty() ? "" : texts.back();
+}
+
+std::string ErrorOf(const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const PlatformError& error) {
+        return error.What;
+    }
+    return "";
 }
 
 std::string Contents(const std::string& path) {

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,9 @@ private:
 // All message texts that have come up, oldest first.
 std::vector<std::string> Messages();
 std::string LastMessage();
+
+// What an error of the platform says that ends the work; "" when none does.
+std::string ErrorOf(const std::function<void()>& work);
 
 // The bytes of a file.
 std::string Contents(const std::string& path);
