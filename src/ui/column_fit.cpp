@@ -36,16 +36,15 @@ QString FingerprintOf(GridState& grid) {
     return text;
 }
 
-QString LongestText(GridState& grid, int col) {
-    QString longest;
+int WidestText(GridState& grid, const QFontMetrics& font, int col) {
+    int widest = 0;
     const int rows = grid.Rows - grid.FixedRows, samples = std::min(rows, kSampledRows);
     for (int k = 0; k < samples; ++k) {
-        const int row =
-            grid.FixedRows + static_cast<int>(std::int64_t{k} * (rows - 1) / std::max(1, samples - 1));
-        const QString text = Q(CellText(grid, row, col));
-        if (text.size() > longest.size()) longest = text;
+        const std::int64_t row = grid.FixedRows + std::int64_t{k} * (rows - 1) / std::max(1, samples - 1);
+        const QString text = Q(CellText(grid, static_cast<int>(row), col)).left(kMostCharacters);
+        widest = std::max(widest, font.horizontalAdvance(text));
     }
-    return longest.left(kMostCharacters);
+    return widest;
 }
 
 int WidthFor(GridState& grid, const QTableView& view, int col) {
@@ -53,10 +52,11 @@ int WidthFor(GridState& grid, const QTableView& view, int col) {
     const QStyle& style = *view.style();
     // The sign of a sorting, a square as high as the heading, may come to every one.
     int mark = heading.sizeHint().height() + style.pixelMetric(QStyle::PM_HeaderMargin);
-    if (heading.isSortIndicatorShown() && heading.sortIndicatorSection() == col) mark = 0;
+    if (heading.isSortIndicatorShown()) mark = 0;  // it is in the heading's own measure already
     // Another row than those that were looked at may be a digit longer.
-    const int value = view.fontMetrics().horizontalAdvance(LongestText(grid, col) + '0') +
-                      2 * (style.pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &view) + 2);
+    const QFontMetrics font = view.fontMetrics();
+    const int margins = 2 * (style.pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &view) + 2);
+    const int value = WidestText(grid, font, col) + font.horizontalAdvance('0') + margins;
     return std::max(heading.sectionSizeHint(col) + mark, value);
 }
 
