@@ -11,6 +11,7 @@
 #include <algorithm>
 
 #include "ui/colours.h"
+#include "ui/column_fit.h"
 #include "ui/desktop.h"
 #include "ui/qt_text.h"
 
@@ -203,6 +204,7 @@ void ShowGrid(Control& control, QTableView& view) {
             if (width > 0) heading.resizeSection(col, width);
         }
     }
+    FitColumns(control, view, resized);
     const bool sorted = grid.SortCol >= 0 && grid.SortCol < grid.Cols;
     heading.setSortIndicatorShown(sorted);
     if (sorted)
