@@ -123,13 +123,13 @@ TEST_F(Manual, EveryCaptionInBoldIsThatOfAControl) {
     const std::set<QString> captions = Captions();
     static const QRegularExpression kKey(
         QStringLiteral("^((Ctrl|Alt|Shift)\\+)*([A-Z0-9]|F\\d+|Alt|Shift|Esc|Enter|Tab|space bar)$"));
-    const int count =
-        ForEach("\\*\\*([^*]+(?:\\*\\.[^*]+)?)\\*\\*", [&](const QRegularExpressionMatch& bold) {
-            const QString text = bold.captured(1).replace(QRegularExpression(QStringLiteral("\\s+")), " ");
-            if (kKey.match(text).hasMatch()) return;
-            for (const QString& caption : text.split(QStringLiteral(" > ")))
-                EXPECT_TRUE(captions.count(caption) != 0) << "no control is called \"" << S(caption) << "\"";
-        });
+    const int count = ForEach("\\*\\*((?:[^*\\\\]|\\\\.)+)\\*\\*", [&](const QRegularExpressionMatch& bold) {
+        const QString text = bold.captured(1).remove('\\').replace(QRegularExpression(QStringLiteral("\\s+")),
+                                                                   QStringLiteral(" "));
+        if (kKey.match(text).hasMatch()) return;
+        for (const QString& caption : text.split(QStringLiteral(" > ")))
+            EXPECT_TRUE(captions.count(caption) != 0) << "no control is called \"" << S(caption) << "\"";
+    });
     EXPECT_GT(count, 100);
 }
 
@@ -145,6 +145,18 @@ TEST_F(Manual, EveryAltKeyIsTheUnderlinedLetterOfItsCaption) {
             EXPECT_TRUE(found) << S(key.captured(0));
         });
     EXPECT_GT(count, 4);
+}
+
+// A viewer shows them beside the pages.
+TEST_F(Manual, ThePdfHasABookmarkForEveryChapter) {
+    QFile file(Q(ProgramFolder() + "/manual Corvinade English 2.0.0.pdf"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    const int chapters = ForEach("(?:^|\\n)# ([^\\n]+)", [&](const QRegularExpressionMatch& chapter) {
+        EXPECT_TRUE(bytes.contains("(" + chapter.captured(1).toLatin1() + ")")) << S(chapter.captured(1));
+    });
+    EXPECT_EQ(chapters, Folder().entryList({QStringLiteral("*.md")}).size());
+    EXPECT_TRUE(bytes.contains("/PageMode /UseOutlines"));
 }
 
 TEST_F(Manual, EveryKeyThatItNamesForAMenuEntryIsTheKeyOfOne) {
