@@ -1,6 +1,7 @@
 // The manual: it stands where the help entry looks for it, and what it says is so.
 #include <QAction>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QImage>
 #include <QLineEdit>
@@ -145,6 +146,32 @@ TEST_F(Manual, EveryAltKeyIsTheUnderlinedLetterOfItsCaption) {
             EXPECT_TRUE(found) << S(key.captured(0));
         });
     EXPECT_GT(count, 4);
+}
+
+// Numbers in a message differ from case to case; the words around them stand in the sources.
+TEST_F(Manual, EveryMessageThatItExplainsIsOneOfTheProgram) {
+    QString sources;
+    QDirIterator files(QStringLiteral(CORVINADE_SOURCE_DIR "/src"),
+                       {QStringLiteral("*.cpp"), QStringLiteral("*.h")}, QDir::Files,
+                       QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        QFile file(files.next());
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        sources += QString::fromUtf8(file.readAll());
+    }
+    sources.remove(QRegularExpression(QStringLiteral("\"\\s*\"")));  // texts over several lines
+    QFile chapter(Folder().filePath(QStringLiteral("10-messages.md")));
+    ASSERT_TRUE(chapter.open(QIODevice::ReadOnly));
+    static const QRegularExpression kRow(QStringLiteral("\n\\| ([^|]+) \\|"));
+    int count = 0;
+    for (auto all = kRow.globalMatch(QString::fromUtf8(chapter.readAll())); all.hasNext();) {
+        const QString message = all.next().captured(1);
+        if (message == QLatin1String("Message")) continue;
+        ++count;
+        for (const QString& words : message.split(QRegularExpression(QStringLiteral("\\d{2,}"))))
+            EXPECT_TRUE(sources.contains(words)) << S(words);
+    }
+    EXPECT_GT(count, 15);
 }
 
 // A viewer shows them beside the pages.
