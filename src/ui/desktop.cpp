@@ -13,6 +13,7 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMimeData>
+#include <QPushButton>
 #include <QScreen>
 #include <QStatusBar>
 #include <QToolBar>
@@ -147,6 +148,15 @@ private:
     QWidget& outer_;
 };
 
+// The form names the button that Enter presses before it stands in a dialog, which then knows nothing of it.
+void KeepDefaultButton(const QWidget& form) {
+    for (QPushButton* button : form.findChildren<QPushButton*>()) {
+        if (!button->isDefault()) continue;
+        button->setDefault(false);
+        button->setDefault(true);
+    }
+}
+
 void OpenOne(const WindowEntry& window) {
     OpenWindow open;
     open.Form = LoadForm(window);
@@ -155,6 +165,7 @@ void OpenOne(const WindowEntry& window) {
         auto* layout = new QVBoxLayout(dialog);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(open.Form);
+        KeepDefaultButton(*open.Form);
         // The window of long work leaves the frame in reach, whose STOP ends the work too; above a dialog
         // that blocks the frame it must stand in front itself.
         const bool overAll =

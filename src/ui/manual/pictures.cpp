@@ -6,6 +6,7 @@
 #include <QMdiSubWindow>
 #include <QMessageBox>
 #include <QPixmap>
+#include <QSplashScreen>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <algorithm>
@@ -113,6 +114,18 @@ void WatchForQuestions(QTimer& timer) {
     timer.start(50);
 }
 
+void StartPicture() {
+    ShowStartScreenFor(kStartScreen_ms);
+    Settle();
+    for (QWidget* window : QApplication::topLevelWidgets())
+        if (auto* screen = qobject_cast<QSplashScreen*>(window)) {
+            Save(*screen, QStringLiteral("StartScreen"));
+            screen->close();
+            return;
+        }
+    Fail(QStringLiteral("there is no start screen"));
+}
+
 void InputPicture() {
     Trigger("MenuFileInputFiles");
     UserDid([] {
@@ -194,12 +207,13 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     ApplyTheme(Theme::Light);
-    SkipStartScreen();
     if (!QDir().mkpath(QStringLiteral("docs/manual/pictures")))
         Fail(QStringLiteral("no folder for pictures"));
     QTimer questions;
     WatchForQuestions(questions);
 
+    StartPicture();
+    SkipStartScreen();
     OpenDesktop();
     // A path without a folder of this machine in it, for the title and the list of recent files.
     UserDid([] { StartUp(std::string("\"") + kJob + "\""); });
