@@ -13,7 +13,7 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMimeData>
-#include <QScreen>
+#include <QPushButton>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QUiLoader>
@@ -35,6 +35,7 @@
 #include "engine/form_trafo_berechnung.h"
 #include "import/form_input_files.h"
 #include "ui/binder.h"
+#include "ui/places.h"
 #include "ui/qt_text.h"
 #include "ui/theme.h"
 
@@ -47,6 +48,7 @@ constexpr std::array<std::string_view, 5> kDialogs = {"FormUnits", "FormOptions"
 struct OpenWindow {
     QWidget* Form = nullptr;   // with the controls
     QWidget* Outer = nullptr;  // what has the title: a child window of the frame, a dialog, or the frame
+    int Asked = 0;             // how often it has been brought to the front
 };
 
 struct DesktopRecord {
@@ -73,47 +75,6 @@ QWidget* LoadForm(const WindowEntry& window) {
     if (form == nullptr)
         throw PlatformError{std::string("The form of the window ") + window.Name + " cannot be read."};
     return form;
-}
-
-// --- Places -----------------------------------------------------------------------------------------------
-
-// A stored width or height below this is none: a settings file without one gives 1000.
-constexpr int kLeastStored = 1500;
-
-// What a dialog's title and borders may take; they are not known before it is shown.
-constexpr QSize kBorders{8, 40};
-
-// The screen that a place lies on, or the frame's where it lies on none.
-const QScreen& ScreenOf(const WindowPlace& place) {
-    const QPoint centre((place.Left / 2 + place.Width / 4) / kTwips * 2,
-                        (place.Top / 2 + place.Height / 4) / kTwips * 2);
-    const QScreen* screen = QGuiApplication::screenAt(centre);
-    return screen != nullptr ? *screen : *Desktop.FrameWindow->screen();
-}
-
-void Place(const WindowEntry& window, const OpenWindow& open) {
-    const WindowPlace& place = window.State->Place;
-    QSize size = open.Outer->sizeHint().expandedTo(open.Form->minimumSizeHint());
-    if (place.Width > kLeastStored && place.Height > kLeastStored)
-        size = QSize(place.Width / kTwips, place.Height / kTwips);
-    const bool inside = !IsDialog(window);
-    QRect room = inside ? Desktop.Area->viewport()->rect() : ScreenOf(place).availableGeometry();
-    if (!inside) room.setSize(room.size() - kBorders);
-    size = size.boundedTo(room.size()).expandedTo(open.Form->minimumSizeHint());
-    open.Outer->resize(size);
-    if (place.Width <= kLeastStored) return;
-    // A place that would be off every screen is brought back.
-    const int left =
-        std::clamp(place.Left / kTwips, room.left(), std::max(room.left(), room.right() - size.width()));
-    const int top =
-        std::clamp(place.Top / kTwips, room.top(), std::max(room.top(), room.bottom() - size.height()));
-    open.Outer->move(left, top);
-}
-
-void TakePlace(const WindowEntry& window, const QWidget& outer) {
-    if (outer.isMinimized() || outer.isMaximized()) return;
-    window.State->Place = {outer.x() * kTwips, outer.y() * kTwips, outer.width() * kTwips,
-                           outer.height() * kTwips};
 }
 
 // --- What the user does to a window as a whole
@@ -146,6 +107,16 @@ private:
     QWidget& outer_;
 };
 
+// The dialog has to be told again which button Enter stands for: it was not there when the form was loaded,
+// and would take the first one.
+void ShowDefaultButton(const QWidget& form) {
+    for (QPushButton* button : form.findChildren<QPushButton*>()) {
+        if (!button->isDefault()) continue;
+        button->setDefault(false);
+        button->setDefault(true);
+    }
+}
+
 void OpenOne(const WindowEntry& window) {
     OpenWindow open;
     open.Form = LoadForm(window);
@@ -154,6 +125,7 @@ void OpenOne(const WindowEntry& window) {
         auto* layout = new QVBoxLayout(dialog);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(open.Form);
+        ShowDefaultButton(*open.Form);
         // The window of long work leaves the frame in reach, whose STOP ends the work too; above a dialog
         // that blocks the frame it must stand in front itself.
         const bool overAll =
@@ -169,7 +141,11 @@ void OpenOne(const WindowEntry& window) {
     open.Outer->installEventFilter(new WindowEvents(window, *open.Outer));
     ShowControls(window);
     open.Outer->setWindowTitle(Q(window.State->Caption));
-    Place(window, open);
+    if (IsDialog(window)) {
+        PlaceDialog(window, *open.Form, *open.Outer, *Desktop.FrameWindow);
+    } else {
+        PlaceChild(window, *open.Form, *open.Outer, *Desktop.Area);
+    }
     open.Outer->show();
 }
 
@@ -179,6 +155,19 @@ void CloseOne(const WindowEntry& window) {
     UnbindWindow(window);
     open.Outer->hide();
     open.Outer->deleteLater();  // its own event may still be running
+}
+
+// A window that was chosen while it stood open behind others, or as a mere title, comes to the front.
+void BringToFront(const WindowEntry& window, OpenWindow& open) {
+    if (open.Asked == window.State->Asked) return;
+    open.Asked = window.State->Asked;
+    if (open.Outer->isMinimized()) open.Outer->showNormal();
+    if (auto* child = qobject_cast<QMdiSubWindow*>(open.Outer)) {
+        Desktop.Area->setActiveSubWindow(child);
+    } else {
+        open.Outer->raise();
+        open.Outer->activateWindow();
+    }
 }
 
 void ShowPointer() {
@@ -316,7 +305,12 @@ void ConnectThemes() {
 }  // namespace
 
 void ShowStoredTheme() {
-    ShowTheme(StoredTheme());
+    Theme theme = Theme::Desktop;
+    try {
+        theme = StoredTheme();
+    } catch (const PlatformError&) {  // settings that cannot be read: the start has told of them
+    }
+    ShowTheme(theme);
 }
 
 QMainWindow* Frame() {
@@ -342,6 +336,9 @@ void OpenDesktop() {
     Desktop.Area->setViewMode(QMdiArea::SubWindowView);
     Desktop.Area->setBackground(frame->palette().mid());
     Desktop.Area->setAcceptDrops(true);
+    // A smaller frame leaves its windows where they are, and in reach.
+    Desktop.Area->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    Desktop.Area->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     if (auto* bar = frame->findChild<QToolBar*>(QStringLiteral("ToolbarSaveView"))) {
         auto* combo = new QComboBox(bar);
         combo->setObjectName(QStringLiteral("ComboSaveView"));
@@ -357,7 +354,6 @@ void OpenDesktop() {
     frame->installEventFilter(events);
     Desktop.Area->viewport()->installEventFilter(events);
     QApplication::instance()->installEventFilter(new Keys(frame));
-    frame->resize(QSize(1280, 800).boundedTo(frame->screen()->availableSize()));
 }
 
 void CloseDesktop() {
@@ -374,6 +370,9 @@ void ShowState() {
     if (FormMain_Entry.State->Loaded && WidgetOf(FormMain_Entry) == nullptr) {
         BindWindow(FormMain_Entry, *Desktop.FrameWindow);
         Desktop.Windows[&FormMain_Entry] = {Desktop.FrameWindow, Desktop.FrameWindow};
+        ShowStoredTheme();
+        PlaceFrame(*Desktop.FrameWindow);
+        Desktop.FrameWindow->show();
     }
     for (const WindowEntry* window : AllWindows()) {
         if (window == &FormMain_Entry) continue;
@@ -381,7 +380,8 @@ void ShowState() {
         if (open && !window->State->Loaded) CloseOne(*window);
         if (!open && window->State->Loaded) OpenOne(*window);
     }
-    for (const auto& [window, open] : Desktop.Windows) {
+    for (auto& [window, open] : Desktop.Windows) {
+        BringToFront(*window, open);
         ShowControls(*window);
         const QString title = Q(window->State->Caption);
         if (open.Outer->windowTitle() != title) open.Outer->setWindowTitle(title);
@@ -393,6 +393,7 @@ void ShowState() {
     // Work that the frame was closed under ends first.
     if (!FormMain_Entry.State->Loaded && Desktop.Events > 0) Run.StopRequested = kTrue;
     if (!FormMain_Entry.State->Loaded && Desktop.Events == 0 && Desktop.Windows.count(&FormMain_Entry) != 0) {
+        if (Desktop.FrameWindow->isVisible()) StoreFrame(*Desktop.FrameWindow);
         Desktop.FrameWindow->hide();
         QApplication::quit();
     }

@@ -8,10 +8,11 @@
 class QMainWindow;
 class QWidget;
 
-// Builds the frame. The logic's start (StartUp) comes after it.
+// Builds the frame. The logic's start (StartUp) comes after it; the frame shows itself with its first message
+// or when it is over.
 void OpenDesktop();
 
-// Light or dark as the settings have it, once the start has read them.
+// Light or dark as the settings have it.
 void ShowStoredTheme();
 
 // Takes the frame and all windows down, whatever the logic holds.
