@@ -5,6 +5,7 @@
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QDialog>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QKeyEvent>
 #include <QLabel>
@@ -26,6 +27,7 @@
 #include <string_view>
 
 #include "core/controller.h"
+#include "core/files.h"
 #include "core/form_main.h"
 #include "core/form_progress_bar.h"
 #include "core/platform.h"
@@ -35,6 +37,7 @@
 #include "engine/form_trafo_berechnung.h"
 #include "import/form_input_files.h"
 #include "ui/binder.h"
+#include "ui/clipboard.h"
 #include "ui/places.h"
 #include "ui/qt_text.h"
 #include "ui/theme.h"
@@ -44,6 +47,9 @@ namespace {
 // The windows that stand above the frame; all others stand inside it.
 constexpr std::array<std::string_view, 5> kDialogs = {"FormUnits", "FormOptions", "FormMenuHelpInfo",
                                                       "FormProgressBar", "FormInputFiles"};
+
+// Work that writes a text at every step shows it no more often than this.
+constexpr qint64 kBetweenPanels_ms = 100;
 
 struct OpenWindow {
     QWidget* Form = nullptr;   // with the controls
@@ -59,8 +65,13 @@ struct DesktopRecord {
     bool BusyShown = false;  // the busy pointer is on
     bool PopUpOpen = false;  // the pop-up menu of a table is open
     int Events = 0;          // how deep the user's events stand in each other
+    QElapsedTimer Panels;    // since the panels of the status bar were shown
 };
 DesktopRecord Desktop;
+
+bool IsJob(const std::string& path) {
+    return UpperAscii(path).ends_with(".CVN");
+}
 
 bool IsDialog(const WindowEntry& window) {
     return std::find(kDialogs.begin(), kDialogs.end(), window.Name) != kDialogs.end();
@@ -122,6 +133,7 @@ void OpenOne(const WindowEntry& window) {
     open.Form = LoadForm(window);
     if (IsDialog(window)) {
         auto* dialog = new QDialog(Desktop.FrameWindow);
+        dialog->setAcceptDrops(&window == &FormInputFiles_Entry);
         auto* layout = new QVBoxLayout(dialog);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(open.Form);
@@ -199,24 +211,61 @@ class FrameEvents : public QObject {
 public:
     explicit FrameEvents(QObject* parent) : QObject(parent) {}
     bool eventFilter(QObject* object, QEvent* event) override {
-        if (event->type() == QEvent::DragEnter) {
-            auto* drag = static_cast<QDragEnterEvent*>(event);
-            if (drag->mimeData()->hasUrls()) drag->acceptProposedAction();
-            return drag->mimeData()->hasUrls();
-        }
-        if (event->type() == QEvent::Drop) {
-            std::vector<std::string> paths;
-            for (const QUrl& url : static_cast<QDropEvent*>(event)->mimeData()->urls())
-                if (url.isLocalFile()) paths.push_back(S(url.toLocalFile()));
-            OpenDropped(paths);
-            return true;
-        }
         if (event->type() == QEvent::Close && object == Desktop.FrameWindow && FormMain_Entry.State->Loaded) {
             event->ignore();
             UserDid([] { UserClose(FormMain_Entry); });
             return true;
         }
         return false;
+    }
+};
+
+std::vector<std::string> LocalPaths(const QMimeData& data) {
+    std::vector<std::string> paths;
+    for (const QUrl& url : data.urls()) paths.push_back(url.isLocalFile() ? S(url.toLocalFile()) : "");
+    return paths;
+}
+
+// Puts dropped point files into the input dialog: one file into the field that it was dropped onto, two into
+// the first two fields.
+void TakeIntoInputDialog(const QWidget& target, const std::vector<std::string>& paths) {
+    Control* field = &InputFiles.TextNameMCS;
+    for (Control* one : {&InputFiles.TextNameOCS, &InputFiles.TextNameMoreMCS})
+        if (paths.size() == 1 && one->Entry != nullptr && target.isEnabled() &&
+            target.objectName() == QString::fromUtf8(one->Entry->Name))
+            field = one;
+    UserDid([&] {
+        Dispatch([&] {
+            SetText(*field, paths.front());
+            if (paths.size() > 1) SetText(InputFiles.TextNameOCS, paths[1]);
+        });
+    });
+}
+
+// Files over any part of the frame or the input dialog. Fields would take the text of their address.
+class Drops : public QObject {
+public:
+    explicit Drops(QObject* parent) : QObject(parent) {}
+    bool eventFilter(QObject* object, QEvent* event) override {
+        const bool drop = event->type() == QEvent::Drop;
+        if (!drop && event->type() != QEvent::DragEnter && event->type() != QEvent::DragMove) return false;
+        if (!object->isWidgetType()) return false;
+        auto* drag = static_cast<QDropEvent*>(event);
+        if (!drag->mimeData()->hasUrls()) return false;
+        const auto& target = *static_cast<QWidget*>(object);
+        const std::vector<std::string> paths = LocalPaths(*drag->mimeData());
+        const QWidget* modal = QApplication::activeModalWidget();
+        const QWidget* input = WidgetOf(FormInputFiles_Entry);
+        const bool ontoInput = input != nullptr && target.window() == input->window() &&
+                               (modal == nullptr || modal == input->window());
+        const bool ontoFrame = target.window() == Desktop.FrameWindow && modal == nullptr;
+        const bool taken = CanBeDropped(paths) && (ontoFrame || (ontoInput && !IsJob(paths.front())));
+        drag->setAccepted(taken);
+        if (!taken) return true;
+        drag->acceptProposedAction();
+        if (drop && ontoInput) TakeIntoInputDialog(target, paths);
+        if (drop && !ontoInput) OpenDropped(paths);
+        return true;
     }
 };
 
@@ -335,7 +384,6 @@ void OpenDesktop() {
     Desktop.Area = frame->findChild<QMdiArea*>();
     Desktop.Area->setViewMode(QMdiArea::SubWindowView);
     Desktop.Area->setBackground(frame->palette().mid());
-    Desktop.Area->setAcceptDrops(true);
     // A smaller frame leaves its windows where they are, and in reach.
     Desktop.Area->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     Desktop.Area->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
@@ -350,10 +398,9 @@ void OpenDesktop() {
     ConnectThemes();
     frame->setWindowIcon(IconOf(QStringLiteral("corvinade")));
     frame->setAcceptDrops(true);
-    auto* events = new FrameEvents(frame);
-    frame->installEventFilter(events);
-    Desktop.Area->viewport()->installEventFilter(events);
+    frame->installEventFilter(new FrameEvents(frame));
     QApplication::instance()->installEventFilter(new Keys(frame));
+    QApplication::instance()->installEventFilter(new Drops(frame));
 }
 
 void CloseDesktop() {
@@ -364,9 +411,13 @@ void CloseDesktop() {
     Desktop = DesktopRecord{};
 }
 
-void ShowState() {
+void ShowState(bool insideWork) {
     if (Desktop.FrameWindow == nullptr || Desktop.Showing) return;
     Desktop.Showing = true;
+    const bool panels =
+        !insideWork || !Desktop.Panels.isValid() || Desktop.Panels.elapsed() >= kBetweenPanels_ms;
+    if (panels) Desktop.Panels.start();
+    PutClipboard(insideWork);
     if (FormMain_Entry.State->Loaded && WidgetOf(FormMain_Entry) == nullptr) {
         BindWindow(FormMain_Entry, *Desktop.FrameWindow);
         Desktop.Windows[&FormMain_Entry] = {Desktop.FrameWindow, Desktop.FrameWindow};
@@ -382,7 +433,7 @@ void ShowState() {
     }
     for (auto& [window, open] : Desktop.Windows) {
         BringToFront(*window, open);
-        ShowControls(*window);
+        ShowControls(*window, panels);
         const QString title = Q(window->State->Caption);
         if (open.Outer->windowTitle() != title) open.Outer->setWindowTitle(title);
         if (open.Form->isEnabled() != window->State->Enabled) open.Form->setEnabled(window->State->Enabled);
@@ -403,15 +454,19 @@ void UserDid(const std::function<void()>& action) {
     ++Desktop.Events;
     action();
     --Desktop.Events;
-    ShowState();
+    ShowState(Desktop.Events > 0);
+}
+
+bool CanBeDropped(const std::vector<std::string>& paths) {
+    if (paths.empty() || !std::all_of(paths.begin(), paths.end(), File_Exist)) return false;
+    return paths.size() == 1 || (paths.size() == 2 && std::none_of(paths.begin(), paths.end(), IsJob));
 }
 
 void OpenDropped(const std::vector<std::string>& paths) {
-    if (paths.empty()) return;
-    const std::string first = UpperAscii(paths.front());
+    if (!CanBeDropped(paths)) return;
     UserDid([&] {
         Dispatch([&] {
-            if (first.ends_with(".CVN")) return OpenLastProjekt("&1 " + paths.front());
+            if (IsJob(paths.front())) return OpenLastProjekt("&1 " + paths.front());
             ShowWindow("FormInputFiles");
             SetText(InputFiles.TextNameMCS, paths.front());
             if (paths.size() > 1) SetText(InputFiles.TextNameOCS, paths[1]);

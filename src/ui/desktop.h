@@ -19,8 +19,9 @@ void ShowStoredTheme();
 void CloseDesktop();
 
 // Brings the screen up to date: windows that were opened or closed, controls that differ from what was last
-// shown, the pointer. Costs little where nothing has changed.
-void ShowState();
+// shown, the pointer. Costs little where nothing has changed. Inside running work, which sets the panels of
+// the status bar and the clipboard at every step, these two follow some ten times a second only.
+void ShowState(bool insideWork = false);
 
 // Every event of the user goes through here: it runs, and what it changed is shown.
 void UserDid(const std::function<void()>& action);
@@ -32,5 +33,8 @@ QWidget* WidgetOf(const WindowEntry& window);
 // Where dialogs of the system belong: the active window, or the frame.
 QWidget* DialogParent();
 
-// Files that were dropped onto the frame: a job is opened, point files go to the input dialog.
+// Files that can be dropped onto the frame: a job, or one or two point files.
+bool CanBeDropped(const std::vector<std::string>& paths);
+
+// What was dropped: a job is opened, point files go to the input dialog. Anything else is left alone.
 void OpenDropped(const std::vector<std::string>& paths);
