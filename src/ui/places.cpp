@@ -3,6 +3,7 @@
 
 #include <QGuiApplication>
 #include <QMainWindow>
+#include <QMargins>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QScreen>
@@ -24,6 +25,7 @@ constexpr int kLeastStored = 1500;
 
 // What a title and borders may take; they are not known before a window is shown.
 constexpr QSize kBorders{8, 40};
+constexpr QMargins kFrameBorders{4, 32, 4, 8};
 
 // Larger than this the frame does not open by itself.
 constexpr QSize kLargestFrame{1600, 1000};
@@ -147,10 +149,9 @@ void PlaceFrame(QMainWindow& frame) {
     const auto stored = StoredFrame();
     if (stored)
         if (const QScreen* its = QGuiApplication::screenAt(stored->center())) screen = its;
-    const QRect room = RoomOf(*screen);
+    const QRect room = screen->availableGeometry() - kFrameBorders;
     const QRect place = stored ? Inside(*stored, room) : Middle(room.size().boundedTo(kLargestFrame), room);
-    frame.resize(place.size());
-    frame.move(place.topLeft());
+    frame.setGeometry(place);
     if (Stored(kMaximisedKey) == "True") frame.setWindowState(Qt::WindowMaximized);
     // The window manager has put its borders on once the first events have been served.
     constexpr int kUntilBorders_ms = 100;
@@ -159,10 +160,9 @@ void PlaceFrame(QMainWindow& frame) {
 
 void StoreFrame(const QMainWindow& frame) {
     const bool whole = frame.isMaximized() || frame.isFullScreen();
+    // Both count without the borders.
     const QRect normal = frame.normalGeometry();
-    // Qt's position counts with the borders, its normal geometry without.
-    QRect place(frame.pos(), frame.size());
-    if ((whole || frame.isMinimized()) && normal.isValid()) place = normal;
+    const QRect place = (whole || frame.isMinimized()) && normal.isValid() ? normal : frame.geometry();
     const std::array<int, kFrameKeys.size()> values = {place.left(), place.top(), place.width(),
                                                        place.height()};
     std::vector<IniLine> lines;

@@ -52,7 +52,7 @@ TEST_F(Places, TheFrameFitsOntoItsScreenWithTitleAndBordersAtTheFirstStart) {
     Begin();
     const QRect screen = Frame()->screen()->availableGeometry();
     // Any title and border of a usual width has room beside it.
-    EXPECT_TRUE(screen.contains(Frame()->geometry().adjusted(0, 0, 6, 30)));
+    EXPECT_TRUE(screen.contains(Frame()->geometry().adjusted(-4, -30, 4, 6)));
     EXPECT_GT(Frame()->width(), screen.width() / 2);
     EXPECT_GT(Frame()->height(), screen.height() / 2);
     EXPECT_LE(Frame()->width(), 1600);
@@ -81,6 +81,7 @@ TEST_F(Places, AMaximisedFrameComesBackMaximisedAndKnowsItsNormalSize) {
     Frame()->showNormal();
     QApplication::processEvents();
     EXPECT_EQ(Frame()->size(), QSize(640, 420));
+    EXPECT_EQ(Frame()->pos(), QPoint(70, 55));
 }
 
 TEST_F(Places, AFrameThatWouldBeOffEveryScreenIsBroughtBack) {
