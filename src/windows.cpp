@@ -26,6 +26,7 @@
 #include "engine/selection.h"
 #include "engine/transform.h"
 #include "import/form_input_files.h"
+#include "import/long_import.h"
 
 namespace {
 
@@ -51,6 +52,7 @@ void (*const kRecords[])() = {
     [] { Noise = NoiseRecord{}; },
     [] { Inverse = InverseRecord{}; },
     [] { Spezial = SpezialRecord{}; },
+    [] { LongImport = LongImportRecord{}; },
     [] { MainSheet = MainSheetRecord{}; },
 };
 

@@ -17,6 +17,7 @@
 #include "core/settings.h"
 #include "engine/seed.h"
 #include "import/distance_search.h"
+#include "import/long_import.h"
 
 namespace {
 
@@ -227,6 +228,7 @@ void AutoFindPts(const MatchingOptions& options) {
     const BusyPointer busy;
     std::optional<ProgressWindow> progress("AutoFind Indentically Points - Progress");
     if (!FindCandidates(MakeTables(targetPoints), candidates)) {
+        LongImport.Overtaken = true;
         Run.ImportFailed = kTrue;  // the points that are there now are not to be matched
         return;
     }

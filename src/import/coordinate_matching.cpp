@@ -12,6 +12,7 @@
 #include "core/run.h"
 #include "engine/transform.h"
 #include "import/coordinate_pairs.h"
+#include "import/long_import.h"
 #include "import/matching.h"
 
 void PärchenSuchen(const MatchingOptions& options) {
@@ -45,6 +46,7 @@ void PärchenSuchen(const MatchingOptions& options) {
     const std::vector<std::int32_t> partner =
         PairByCoordinates({startX, startY, startZ}, {targetX, targetY, targetZ}, Run.Etta, whileLong);
     if (Run.JobGeneration != generation) {
+        LongImport.Overtaken = true;
         Run.ImportFailed = kTrue;  // the points that are there now are not to be matched
         return;
     }

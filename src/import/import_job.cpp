@@ -17,6 +17,7 @@
 #include "core/units.h"
 #include "import/auto_find.h"
 #include "import/form_input_files.h"
+#include "import/long_import.h"
 #include "import/matching.h"
 #include "import/point_file.h"
 #include "import/robot_files.h"
@@ -185,6 +186,14 @@ private:
     int exceptions_ = std::uncaught_exceptions();
 };
 
+// A cancelled import leaves the points of before, and all that shows them.
+void EndCancelled(JobBeforeImport& before) {
+    if (!IsTrue(Run.StopRequested) || LongImport.Overtaken) return;
+    before.Restore();
+    ProgrammLogik();
+    if (IsTrue(Run.JobDataValid)) FuellenHaupttabelle();
+}
+
 }  // namespace
 
 void myBtn_OK() {
@@ -198,6 +207,7 @@ void myBtn_OK() {
     const BusyPointer busy;
     Run.ImportFailed = kFalse;
     const std::array<std::string, 4> before = {Job.PathMCS, Job.PathOCS, Job.NameMCS, Job.NameOCS};
+    JobBeforeImport jobBefore;
     Job.PathMCS = w.TextNameMCS.Text;
     Job.PathOCS = w.TextNameOCS.Text;
     if (!FileIsThere(Job.PathMCS) || !FileIsThere(Job.PathOCS)) return;
@@ -230,9 +240,11 @@ void myBtn_OK() {
     }
 
     ImportGuard guard;
+    std::optional<ImportUnderWay> underWay(&jobBefore);
     ++Run.JobGeneration;
-    if (!ImportPoints()) return;
+    if (!ImportPoints()) return EndCancelled(jobBefore);
     IdentischePkte_Neu();
+    underWay.reset();
     guard.Whole = true;
     Run.JobDataValid = kTrue;  // the main sheet shows no others
     const std::uint64_t generation = Run.JobGeneration;

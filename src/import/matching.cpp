@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -13,6 +14,7 @@
 #include "core/refresh.h"
 #include "core/run.h"
 #include "core/text.h"
+#include "import/long_import.h"
 #include "import/name_order.h"
 
 namespace {
@@ -35,16 +37,29 @@ PointSet TargetSet() {
     return {Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z, "OCS", arePoses ? &Job.RobotABC : nullptr};
 }
 
-// Element k becomes what stood at place[k]; what lies behind the last place stays.
+// Shares of the whole import that the steps of the pairing have.
+constexpr double kSorting = 0.72, kArranging = 0.80, kPairing = 0.90, kInFront = 0.95;
+
+bool GoesOn(double share) {
+    if (LongImport.Active) LongImport.From = 0, LongImport.To = 100;
+    return ImportGoesOn(share);
+}
+
+// Element k of the arranged values is what stands at place[k]; what lies behind the last place stays. Nothing
+// when the import must end.
 template <class Value>
-void Rearrange(std::vector<Value>& values, const std::vector<std::int32_t>& place) {
+std::optional<std::vector<Value>> Arranged(const std::vector<Value>& values,
+                                           const std::vector<std::int32_t>& place) {
+    constexpr std::size_t kBetweenYields = 1 << 16;
     std::vector<Value> arranged(values.size());
-    for (std::size_t k = 1; k < place.size(); ++k)
-        arranged[k] = std::move(values[static_cast<std::size_t>(place[k])]);
-    std::move(values.begin() + static_cast<std::ptrdiff_t>(place.size()), values.end(),
+    for (std::size_t k = 1; k < place.size(); ++k) {
+        arranged[k] = values[static_cast<std::size_t>(place[k])];
+        if (k % kBetweenYields == 0 && !GoesOn(kArranging)) return std::nullopt;
+    }
+    std::copy(values.begin() + static_cast<std::ptrdiff_t>(place.size()), values.end(),
               arranged.begin() + static_cast<std::ptrdiff_t>(place.size()));
-    arranged.front() = std::move(values.front());
-    values = std::move(arranged);
+    arranged.front() = values.front();
+    return arranged;
 }
 
 void RearrangeRows(Matrix& rows, const std::vector<std::int32_t>& place) {
@@ -54,14 +69,24 @@ void RearrangeRows(Matrix& rows, const std::vector<std::int32_t>& place) {
     rows = std::move(arranged);
 }
 
-// Sorts a set by its names; the order then is that of the places.
-NameOrder SortSet(PointSet set) {
-    NameOrder order = SortNames(set.Name);
+// Sorts a set by its names; the order then is that of the places. While it yields the set is as it was;
+// nothing when the import must end.
+std::optional<NameOrder> SortSet(PointSet set) {
+    NameOrder order = SortNames(set.Name, [] { return GoesOn(kSorting); });
+    if (order.Place.empty()) return std::nullopt;
     if (std::is_sorted(order.Place.begin(), order.Place.end())) return order;
-    Rearrange(set.Name, order.Place);
-    Rearrange(set.X, order.Place);
-    Rearrange(set.Y, order.Place);
-    Rearrange(set.Z, order.Place);
+    auto x = Arranged(set.X, order.Place);
+    if (!x || !GoesOn(kArranging)) return std::nullopt;
+    auto y = Arranged(set.Y, order.Place);
+    if (!y || !GoesOn(kArranging)) return std::nullopt;
+    auto z = Arranged(set.Z, order.Place);
+    if (!z || !GoesOn(kArranging)) return std::nullopt;
+    auto names = Arranged(set.Name, order.Place);
+    if (!names || !GoesOn(kArranging)) return std::nullopt;
+    set.Name = std::move(*names);
+    set.X = std::move(*x);
+    set.Y = std::move(*y);
+    set.Z = std::move(*z);
     if (set.Poses != nullptr) RearrangeRows(*set.Poses, order.Place);
     for (std::size_t k = 1; k < order.Place.size(); ++k) order.Place[k] = static_cast<std::int32_t>(k);
     return order;
@@ -164,9 +189,14 @@ void BringToFront(PointSet set, std::vector<std::int32_t>& position) {
 }
 
 void SortForIdentPts(const NameOrder& start, const NameOrder& target) {
-    Pairs pairs = FindPairs(JoinOrders(Job.MCS_Name, start, Job.OCS_Name, target));
+    const NameOrder joined = JoinOrders(Job.MCS_Name, start, Job.OCS_Name, target);
+    if (!GoesOn(kPairing)) return;
+    Pairs pairs = FindPairs(joined);
+    if (!GoesOn(kInFront)) return;
     BringToFront(StartSet(), pairs.Start);
+    if (!GoesOn(kInFront)) return;
     BringToFront(TargetSet(), pairs.Target);
+    GoesOn(1);
 }
 
 }  // namespace
@@ -177,13 +207,15 @@ void SortForIdentPts() {
 
 void MCS_OCS_aufbereiten() {
     ++Run.JobGeneration;
-    const NameOrder start = SortSet(StartSet());
-    const NameOrder target = SortSet(TargetSet());
-    if (RefuseDoubleName(StartSet(), start) || RefuseDoubleName(TargetSet(), target)) {
+    const auto start = SortSet(StartSet());
+    if (!start || !GoesOn(kArranging)) return;
+    const auto target = SortSet(TargetSet());
+    if (!target || !GoesOn(kArranging)) return;
+    if (RefuseDoubleName(StartSet(), *start) || RefuseDoubleName(TargetSet(), *target)) {
         RepairJobCounts();
         return;
     }
-    SortForIdentPts(start, target);
+    SortForIdentPts(*start, *target);
 }
 
 void GetInfoFromData() {

@@ -13,7 +13,7 @@ struct MatchingOptions {
 };
 
 // Sorts both sets by name and brings the points of equal name to the front. A name that occurs twice in
-// a set stops it: message, Run.ImportFailed.
+// a set stops it: message, Run.ImportFailed. That is set too where a large import must end (long_import.h).
 void MCS_OCS_aufbereiten();
 
 // Brings the points of equal name to the front of both sets, in the order of their names. Each set has

@@ -56,6 +56,30 @@ int Compare(const SortKey& a, const SortKey& b, std::span<const std::string> nam
     return CompareNames(names[static_cast<std::size_t>(a.Place)], names[static_cast<std::size_t>(b.Place)]);
 }
 
+// Sorts a part at a time, the parts then being merged two by two. False once `goesOn` gives false.
+template <class Before>
+bool SortInParts(std::vector<SortKey>& keys, Before before, const std::function<bool()>& goesOn) {
+    constexpr std::size_t kPart = 1 << 16;
+    const std::size_t n = keys.size();
+    const auto at = [n](auto& all, std::size_t place) {
+        return all.begin() + static_cast<std::ptrdiff_t>(std::min(place, n));
+    };
+    for (std::size_t begin = 0; begin < n; begin += kPart) {
+        std::sort(at(keys, begin), at(keys, begin + kPart), before);
+        if (goesOn && !goesOn()) return false;
+    }
+    std::vector<SortKey> merged(n > kPart ? n : 0);
+    for (std::size_t part = kPart; part < n; part *= 2) {
+        for (std::size_t begin = 0; begin < n; begin += 2 * part) {
+            std::merge(at(keys, begin), at(keys, begin + part), at(keys, begin + part),
+                       at(keys, begin + 2 * part), at(merged, begin), before);
+            if (goesOn && !goesOn()) return false;
+        }
+        keys.swap(merged);
+    }
+    return true;
+}
+
 // Ranks are ascending here; level elements are brought into the quicksort's order.
 void OrderLevelNames(NameOrder& order, std::size_t n) {
     std::vector<std::int32_t> rank(n + 1), place(n + 1);
@@ -116,15 +140,16 @@ bool QuicksortRanks(std::span<std::int32_t> rank, std::span<std::int32_t> place)
     return true;
 }
 
-NameOrder SortNames(std::span<const std::string> names) {
+NameOrder SortNames(std::span<const std::string> names, const std::function<bool()>& goesOn) {
     const std::size_t n = names.empty() ? 0 : names.size() - 1;
     std::vector<SortKey> keys(n);
     for (std::size_t i = 1; i <= n; ++i) keys[i - 1] = KeyOf(names[i], static_cast<std::int32_t>(i));
+    if (goesOn && !goesOn()) return {};
     const auto before = [names](const SortKey& a, const SortKey& b) {
         const int order = Compare(a, b, names);
         return order != 0 ? order < 0 : a.Place < b.Place;
     };
-    if (!std::is_sorted(keys.begin(), keys.end(), before)) std::sort(keys.begin(), keys.end(), before);
+    if (!std::is_sorted(keys.begin(), keys.end(), before) && !SortInParts(keys, before, goesOn)) return {};
 
     NameOrder order;
     order.Place.resize(n + 1);

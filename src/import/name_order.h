@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -22,7 +23,9 @@ struct NameOrder {
 
 // The ascending order of names 1 to names.size() - 1; `Place` and `Rank` have their elements from 1.
 // Where names are level their order is that which a quicksort with the middle element as pivot gives.
-NameOrder SortNames(std::span<const std::string> names);
+// `goesOn` is called now and then; once it gives false the names are not looked at any more, and the order
+// has no elements at all.
+NameOrder SortNames(std::span<const std::string> names, const std::function<bool()>& goesOn = {});
 
 // The order of two sets together whose own orders are known: names of the first set keep their place,
 // names of the second one count on behind them.

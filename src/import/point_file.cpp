@@ -14,20 +14,27 @@
 #include "core/run.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "import/long_import.h"
 #include "import/point_file_checks.h"
 #include "import/point_text.h"
 
 namespace {
 
 // Points as they come from a file, elements from 1.
-struct PointColumns {
-    std::vector<std::string> Name;
-    std::vector<TaggedValue> X, Y;
-    std::vector<double> Z;
-    std::string Error;  // why the reading broke off; empty = it did not
+struct PointColumns : PointArrays {
+    std::string Error;       // why the reading broke off; empty = it did not
+    bool Cancelled = false;  // it broke off because the import must end
 
-    explicit PointColumns(std::size_t count) : Name(count + 1), X(count + 1), Y(count + 1), Z(count + 1) {}
+    explicit PointColumns(std::size_t count) {
+        Name.resize(count + 1);
+        X.resize(count + 1);
+        Y.resize(count + 1);
+        Z.resize(count + 1);
+    }
 };
+
+// A long file yields as often.
+constexpr std::size_t kPointsBetweenYields = 1 << 12;
 
 // What a field that is no number does: it ends the reading of start points, and leaves the value of a
 // target point as it is. The difference is the program's way.
@@ -96,6 +103,11 @@ PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, Bad
             continue;
         }
         ++p;
+        if (p % kPointsBetweenYields == 0 &&
+            !ImportGoesOn(kShareOfChecks + (1 - kShareOfChecks) * static_cast<double>(p) / rows)) {
+            points.Cancelled = true;
+            break;
+        }
         if (hasName) {
             points.Name[p] = CutField(rest, delimiter, scratch);
         } else {
@@ -125,23 +137,26 @@ PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, Bad
     return points;
 }
 
+// Where the file of a set stands in the progress of an import, percent.
+struct Share {
+    int From, To;
+};
+
 // Checks and reads one of the two files; nothing where a message has said why not.
-bool ReadSet(const std::string& path, BadField badField, std::vector<std::string>& names,
-             std::vector<TaggedValue>& x, std::vector<TaggedValue>& y, std::vector<double>& z) {
+bool ReadSet(const std::string& path, BadField badField, Share share, void (*replace)(PointArrays)) {
     if (!File_Exist(path)) {
         Run.ImportFailed = kTrue;
         ShowMessage("File " + path + " not found");
         return false;
     }
     PointText file = LoadPointText(path);
+    BeginFile(file.Text.size(), share.From, share.To);
     Flag hasName = kFalse;
     ASCII_FileCheck(file, hasName, Run.Delimiter);
     if (IsTrue(Run.ImportFailed)) return false;
     PointColumns points = ReadPoints(file, IsTrue(hasName), DelimiterCharacter(Run.Delimiter), badField);
-    names = std::move(points.Name);
-    x = std::move(points.X);
-    y = std::move(points.Y);
-    z = std::move(points.Z);
+    if (points.Cancelled) return false;
+    replace(std::move(static_cast<PointArrays&>(points)));
     ForgetPairs();
     if (!points.Error.empty()) throw PlatformError{points.Error};
     return true;
@@ -165,26 +180,27 @@ void ForgetPairs() {
 }
 
 void Einlesen_Neu() {
-    if (!ReadSet(Job.PathMCS, BadField::Ends, Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z)) return;
+    if (!ReadSet(Job.PathMCS, BadField::Ends, {0, 35}, ReplaceStart)) return;
     Job.RobotABC = Matrix{};  // the orientations of target points that go now
     if (IsTrue(Job.IsParaboloid)) {
-        Job.OCS_Name = Job.MCS_Name;
-        Job.OCS_X = Job.MCS_X;
-        Job.OCS_Y = Job.MCS_Y;
-        Job.OCS_Z = Job.MCS_Z;
+        ReplaceTarget({Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z});
         ForgetPairs();
         return;
     }
-    ReadSet(Job.PathOCS, BadField::LeavesValue, Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
+    if (!ImportGoesOn(1)) return;
+    ReadSet(Job.PathOCS, BadField::LeavesValue, {35, 70}, ReplaceTarget);
 }
 
 bool ReadMorePoints(const std::string& path, const std::string& prefix, const std::string& suffix) {
     Run.ImportFailed = kFalse;
+    const ImportUnderWay underWay(nullptr);
     PointText file = LoadPointText(path);
+    BeginFile(file.Text.size(), 0, 100);
     Flag hasName = kFalse;
     ASCII_FileCheck(file, hasName, Run.Delimiter);
     if (IsTrue(Run.ImportFailed)) return false;
     PointColumns more = ReadPoints(file, IsTrue(hasName), DelimiterCharacter(Run.Delimiter), BadField::Ends);
+    if (more.Cancelled) return false;
     if (!more.Error.empty()) throw PlatformError{more.Error};
 
     // The coordinates may be longer than the names; the new points follow the last name.

@@ -10,6 +10,7 @@
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/text.h"
+#include "import/long_import.h"
 
 namespace {
 
@@ -231,8 +232,10 @@ void ASCII_FileCheck(PointText& file, Flag& hasName, std::string& delimiter) {
              "or and Comma IF Decimal Delimiter is NOT comma ','");
         return;
     }
+    if (!ImportGoesOn(kShareOfChecks / 3)) return;
     std::int64_t columns = 0, badRow = 0;
     Diverse_Checks(file, columns, delimiter, badRow);
+    if (!ImportGoesOn(kShareOfChecks * 2 / 3)) return;
     if (badRow != 0) {
         Fail(InFile(file) + "In Row " + std::to_string(badRow) +
              " the number of columns has changed relativ to the rows before" + kBreak +
