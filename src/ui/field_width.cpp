@@ -1,9 +1,8 @@
 // Fields that are wide enough for the number that stands in them.
 #include "ui/field_width.h"
 
+#include <QEvent>
 #include <QLineEdit>
-#include <QStyle>
-#include <QStyleOptionFrame>
 #include <algorithm>
 
 namespace {
@@ -13,26 +12,25 @@ constexpr int kMostDigits = 30;
 class FittingField : public QObject {
 public:
     explicit FittingField(QLineEdit& field) : QObject(&field), field_(field) {
-        connect(&field, &QLineEdit::textChanged, this, [this] { Fit(); });
-        Fit();
+        field.installEventFilter(this);
+    }
+
+    // The signals of a field that the logic sets are blocked; painted it is in any case.
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint) Fit();
+        return false;
     }
 
 private:
     void Fit() {
-        field_.ensurePolished();
         const QFontMetrics metrics = field_.fontMetrics();
         const int text =
             std::min(metrics.horizontalAdvance(field_.text()), kMostDigits * metrics.horizontalAdvance('0'));
-        QStyleOptionFrame option;
-        option.initFrom(&field_);
-        option.lineWidth = field_.style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &option, &field_);
-        const QSize size = field_.style()->sizeFromContents(QStyle::CT_LineEdit, &option,
-                                                            QSize(text + kInner, metrics.height()), &field_);
-        if (size.width() > field_.minimumWidth()) field_.setMinimumWidth(size.width());
+        if (text + kBeside > field_.minimumWidth()) field_.setMinimumWidth(text + kBeside);
     }
 
-    // What the toolkit leaves between a field's frame and its text, on both sides, and the cursor.
-    static constexpr int kInner = 6;
+    // What stands beside the text: frame and inner margin on both sides, and the cursor.
+    static constexpr int kBeside = 18;
     QLineEdit& field_;
 };
 
