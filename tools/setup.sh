@@ -4,7 +4,7 @@
 # What the build needs, by its Debian package names.
 BUILD_PACKAGES="g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libgtest-dev qt6-base-dev qt6-tools-dev qt6-svg-dev"
 # What the tests need besides.
-TEST_PACKAGES="git clang-format clang-tidy"
+TEST_PACKAGES="git clang-format clang-tidy dbus-daemon"
 # What the benchmarks need besides.
 BENCH_PACKAGES="libbenchmark-dev libeigen3-dev"
 

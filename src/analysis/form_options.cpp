@@ -1,6 +1,7 @@
 // The window of the settings that hold for the whole program.
 #include "analysis/form_options.h"
 
+#include "core/job.h"
 #include "core/numbers.h"
 #include "core/settings.h"
 #include "core/units.h"
@@ -80,6 +81,7 @@ void FormOptions::Form_Load() {
     SetText(w.TextSz, PlainText(Settings.SigmaZ));
     SetText(w.TextMonteCarloRuns,
             PlainText(Settings.MonteCarloRuns == 0 ? kUsualRuns : Settings.MonteCarloRuns));
+    w.LabelGimbalLock.Text = "Gimbal Lock Border in " + Job.AngleUnitName;
     SetText(w.TextGimbalLock, FormatNumber(Settings.GimbalLockBorder * Units.AngleFactor, Units.FmtAngle));
     w.BorderShown = w.TextGimbalLock.Text;
 }

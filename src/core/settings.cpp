@@ -244,8 +244,8 @@ void SaveWindowPlace(const WindowPlace& place, const std::string& name) {
 }
 
 int LoadColWidth(std::initializer_list<std::string> keys, int otherwise) {
-    constexpr double kMost = 100000, kMissing = 1000;
-    double width = kMissing;
+    constexpr double kMost = 100000;
+    double width = kMissingColWidth;
     for (const std::string& key : keys)
         if (const auto value = FindIniWert(key)) {
             width = Val(*value);

@@ -119,4 +119,5 @@ void SaveWindowPlace(const WindowPlace& place, const std::string& name);
 
 // The width of a grid's column, twips, by the first of these keys that the file has; a missing key counts
 // as 1000 here too, a value that is no width as `otherwise`.
+inline constexpr int kMissingColWidth = 1000;
 int LoadColWidth(std::initializer_list<std::string> keys, int otherwise);

@@ -6,8 +6,8 @@
 
 #include "core/window.h"
 
-// Text on the logic's own colours is dark, whatever the palette.
-inline constexpr QRgb kDarkText = 0xFF202020;
+// Text on the logic's own colours is dark, whatever the palette; dark enough for a red ground.
+inline constexpr QRgb kDarkText = 0xFF101010;
 
 inline QColor ColourOf(std::int32_t rgb) {
     return {rgb & 0xFF, (rgb >> 8) & 0xFF, (rgb >> 16) & 0xFF};

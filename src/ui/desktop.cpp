@@ -35,6 +35,7 @@
 #include "engine/form_trafo_berechnung.h"
 #include "import/form_input_files.h"
 #include "ui/binder.h"
+#include "ui/portal.h"
 #include "ui/qt_text.h"
 #include "ui/theme.h"
 
@@ -351,6 +352,9 @@ void OpenDesktop() {
     AddPanels(*frame->statusBar());
     AddIcons(*frame);
     ConnectThemes();
+    WatchDesktop(frame, [] {
+        if (StoredTheme() == Theme::Desktop) UserDid([] { ShowStoredTheme(); });
+    });
     frame->setWindowIcon(IconOf(QStringLiteral("corvinade")));
     frame->setAcceptDrops(true);
     auto* events = new FrameEvents(frame);

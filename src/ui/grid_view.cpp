@@ -11,10 +11,10 @@
 #include <QTableView>
 #include <QTimer>
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "core/platform.h"
+#include "core/settings.h"
 #include "ui/colours.h"
 #include "ui/desktop.h"
 #include "ui/qt_text.h"
@@ -23,13 +23,14 @@ namespace {
 
 // --- Columns as wide as what stands in them ----------------------------------------------------------------
 
-// The widths, in twips, that settings without a value of the user's own give. A column of such a width, or
-// of none, is as wide as the widest text that it has shown; one that the user has drawn stays as it is.
-constexpr std::array<int, 3> kNobodysWidths = {0, 900, 1000};
+// A width that is drawn is a whole number of pixels, which that of a missing setting is not. A column of such
+// a width, or of none, is as wide as the widest text that it has shown, and what the settings file gets stays
+// what it gave; a column that somebody has drawn stays as it is, narrow or not.
+static_assert(kMissingColWidth % kTwips != 0);
 constexpr int kLeastWidth = 68, kNarrowestWidth = 8;  // pixels; of a column by itself, and as it can be drawn
 constexpr int kMostWidth = 400;                       // a column by itself is no wider
 
-// Rows whose texts are measured before they are seen.
+// So many rows from the first one in sight are measured before they are painted.
 constexpr int kMeasuredAhead = 60;
 
 int StoredWidth(const GridState& grid, int col) {
@@ -38,8 +39,8 @@ int StoredWidth(const GridState& grid, int col) {
 }
 
 bool IsWidthOfItsOwn(const GridState& grid, int col) {
-    return std::find(kNobodysWidths.begin(), kNobodysWidths.end(), StoredWidth(grid, col)) ==
-           kNobodysWidths.end();
+    const int width = StoredWidth(grid, col);
+    return width > 0 && width != kMissingColWidth;
 }
 
 // Cells with a ground of their own stand out by their bold text too.
@@ -92,7 +93,6 @@ public:
     void ArrangeColumns() {
         const bool before = std::exchange(Arranging, true);
         QHeaderView& heading = *view_.horizontalHeader();
-        const int last = std::min(rows_, kMeasuredAhead);
         for (int col = 0; col < cols_; ++col) {
             heading.setSectionHidden(col, IsHiddenCol(control_.Grid, col));
             if (IsHiddenCol(control_.Grid, col)) continue;
@@ -100,10 +100,9 @@ public:
                 heading.resizeSection(col, StoredWidth(control_.Grid, col) / kTwips);
                 continue;
             }
-            const int headingWidth = Headings() > 0 ? heading.sectionSizeHint(col) + kAir : 0;
+            const int headingWidth = Headings() > 0 ? HeadingWidth(heading, col) : 0;
             needed_[static_cast<std::size_t>(col)] = std::max(kLeastWidth, headingWidth);
-            for (int row = Headings(); row < last + Headings(); ++row)
-                Measure(row, col, Q(CellText(control_.Grid, row, col)));
+            MeasureInSight(col);
             heading.resizeSection(col, needed_[static_cast<std::size_t>(col)]);
         }
         Arranging = before;
@@ -125,6 +124,14 @@ public:
     }
 
 private:
+    // With room for the sign of a sorting, a square as high as the heading, which may come to every one.
+    int HeadingWidth(const QHeaderView& heading, int col) const {
+        const bool sorts = control_.Entry != nullptr && control_.Entry->On.Click != nullptr;
+        const bool counted = !sorts || heading.isSortIndicatorShown();
+        const int margin = view_.style()->pixelMetric(QStyle::PM_HeaderMargin, nullptr, &view_);
+        return heading.sectionSizeHint(col) + margin + (counted ? 0 : heading.sizeHint().height());
+    }
+
     // Columns of headings stand on the ground of the window.
     QVariant FixedLook(int col, int role) const {
         if (col >= control_.Grid.FixedCols || role != Qt::BackgroundRole) return {};
@@ -154,13 +161,20 @@ private:
         widening_ = true;
         QTimer::singleShot(0, &view_, [this] { Widen(); });
     }
+    void MeasureInSight(int col) const {
+        const int first = std::max(0, view_.rowAt(0)) + Headings();
+        const int behind = std::min(first + kMeasuredAhead, rows_ + Headings());
+        for (int row = first; row < behind; ++row) Measure(row, col, Q(CellText(control_.Grid, row, col)));
+    }
     void Widen() const {
         widening_ = false;
         const bool before = std::exchange(Arranging, true);
-        for (int col = 0; col < cols_; ++col)
-            if (!IsWidthOfItsOwn(control_.Grid, col) && !IsHiddenCol(control_.Grid, col) &&
-                view_.columnWidth(col) < needed_[static_cast<std::size_t>(col)])
-                view_.setColumnWidth(col, needed_[static_cast<std::size_t>(col)]);
+        for (int col = 0; col < cols_; ++col) {
+            if (IsWidthOfItsOwn(control_.Grid, col) || IsHiddenCol(control_.Grid, col)) continue;
+            MeasureInSight(col);  // columns beyond the edge too: what made one too narrow made others so
+            const int needed = needed_[static_cast<std::size_t>(col)];
+            if (view_.columnWidth(col) < needed) view_.setColumnWidth(col, needed);
+        }
         Arranging = before;
         ShowWhole();
     }

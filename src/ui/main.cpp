@@ -11,15 +11,9 @@
 #include "ui/start_screen.h"
 #include "ui/theme.h"
 
-int main(int argc, char** argv) {
-    QApplication application(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Corvinade"));
-    QApplication::setApplicationVersion(Q(ProgramVersion()));
-    QApplication::setQuitOnLastWindowClosed(false);
+namespace {
 
-    QGuiApplication::setDesktopFileName(QStringLiteral("corvinade"));
-
-    QCommandLineParser parser;
+void AddOptions(QCommandLineParser& parser) {
     parser.setApplicationDescription(
         QStringLiteral("Finds the least-squares 3D transformation between two point sets."));
     parser.addHelpOption();
@@ -27,6 +21,33 @@ int main(int argc, char** argv) {
     parser.addOption({QStringLiteral("no-splash"), QStringLiteral("Begin without the start screen.")});
     parser.addPositionalArgument(QStringLiteral("JOB"), QStringLiteral("Job file to open."),
                                  QStringLiteral("[JOB.cvn]"));
+}
+
+// Whether the program is only asked what it is, for which it needs no screen.
+bool IsOnlyAsked(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) arguments += QString::fromLocal8Bit(argv[i]);
+    QCommandLineParser parser;
+    AddOptions(parser);
+    parser.parse(arguments);
+    return parser.isSet(QStringLiteral("help")) || parser.isSet(QStringLiteral("version"));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication::setApplicationName(QStringLiteral("Corvinade"));
+    QCoreApplication::setApplicationVersion(Q(ProgramVersion()));
+    QCommandLineParser parser;
+    AddOptions(parser);
+    if (IsOnlyAsked(argc, argv)) {
+        const QCoreApplication application(argc, argv);
+        parser.process(application);
+    }
+
+    const QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QGuiApplication::setDesktopFileName(QStringLiteral("corvinade"));
     parser.process(application);
     const QStringList jobs = parser.positionalArguments();
     if (parser.isSet(QStringLiteral("no-splash")) || !jobs.isEmpty()) SkipStartScreen();

@@ -2,22 +2,24 @@
 #include "ui/theme.h"
 
 #include <QApplication>
-#include <QDBusConnection>
-#include <QDBusInterface>
-#include <QDBusReply>
-#include <QDBusVariant>
 #include <QFile>
+#include <QIconEngine>
 #include <QPainter>
 #include <QPalette>
 #include <QPixmap>
+#include <QProxyStyle>
 #include <QStyle>
 #include <QStyleFactory>
+#include <QStyleOption>
 #include <QSvgRenderer>
+#include <QToolTip>
 #include <array>
+#include <map>
 #include <string>
 
 #include "core/run.h"
 #include "core/settings.h"
+#include "ui/portal.h"
 
 namespace {
 
@@ -27,23 +29,6 @@ constexpr const char* kInk = "#3c4653";
 constexpr const char* kThemeKey = "Theme";
 constexpr const char* kLight = "light";
 constexpr const char* kDark = "dark";
-
-// What the portal of the desktop calls a wish for dark windows.
-constexpr uint kPrefersDark = 1;
-
-bool DesktopIsDark() {
-    QDBusInterface settings(QStringLiteral("org.freedesktop.portal.Desktop"),
-                            QStringLiteral("/org/freedesktop/portal/desktop"),
-                            QStringLiteral("org.freedesktop.portal.Settings"), QDBusConnection::sessionBus());
-    if (!settings.isValid()) return false;
-    settings.setTimeout(200);  // a portal that does not answer must not hold up the start
-    const QDBusReply<QDBusVariant> reply = settings.call(
-        QStringLiteral("Read"), QStringLiteral("org.freedesktop.appearance"), QStringLiteral("color-scheme"));
-    if (!reply.isValid()) return false;
-    QVariant value = reply.value().variant();
-    if (value.canConvert<QDBusVariant>()) value = value.value<QDBusVariant>().variant();
-    return value.toUInt() == kPrefersDark;
-}
 
 struct Tone {
     QPalette::ColorRole Role;
@@ -59,9 +44,9 @@ constexpr std::array<Tone, 14> kTones = {{{QPalette::Window, "#f3f4f6", "#2f333a
                                           {QPalette::ButtonText, "#20262d", "#e4e7eb"},
                                           {QPalette::ToolTipBase, "#fffbe6", "#3b3f46"},
                                           {QPalette::ToolTipText, "#20262d", "#e4e7eb"},
-                                          {QPalette::Highlight, "#2f7fd1", "#2f7fd1"},
+                                          {QPalette::Highlight, "#2870bb", "#2870bb"},
                                           {QPalette::HighlightedText, "#ffffff", "#ffffff"},
-                                          {QPalette::PlaceholderText, "#7b8794", "#8b94a0"},
+                                          {QPalette::PlaceholderText, "#66717d", "#8b94a0"},
                                           {QPalette::Link, "#1f6ab8", "#6fb1f0"},
                                           {QPalette::Mid, "#c3c8cf", "#464b53"}}};
 
@@ -75,6 +60,72 @@ QPalette PaletteOf(bool dark) {
     palette.setColor(QPalette::Disabled, QPalette::Base, palette.color(QPalette::Window));
     return palette;
 }
+
+bool IsDark(const QPalette& palette) {
+    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
+}
+
+// The toolkit's own style, which draws all edges a shade darker than the window: too faint around the mark of
+// a check box, and lost on a dark window. Edges follow the colour of the window, so these two get another
+// one.
+class Style : public QProxyStyle {
+public:
+    Style() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override {
+        const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+        const bool mark = element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton;
+        if (!mark || button == nullptr || !(button->state & State_Enabled))
+            return QProxyStyle::drawPrimitive(element, option, painter, widget);
+        QStyleOptionButton edged(*button);
+        edged.palette.setColor(QPalette::Window, QColor(IsDark(button->palette) ? "#abb5c3" : "#a9b1bb"));
+        QProxyStyle::drawPrimitive(element, &edged, painter, widget);
+    }
+
+    // The title of a window inside the frame throws a shadow of the text's colour, which must be a dark one.
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                            const QWidget* widget) const override {
+        const auto* title = qstyleoption_cast<const QStyleOptionTitleBar*>(option);
+        if (control != CC_TitleBar || title == nullptr || (title->titleBarState & Qt::WindowActive) == 0)
+            return QProxyStyle::drawComplexControl(control, option, painter, widget);
+        QStyleOptionTitleBar shaded(*title);
+        shaded.palette.setColor(QPalette::Text, title->palette.color(QPalette::Highlight).darker(150));
+        QProxyStyle::drawComplexControl(control, &shaded, painter, widget);
+    }
+};
+
+// A drawing that is painted anew for each size that is asked for, and so is sharp at every scale.
+class DrawingEngine : public QIconEngine {
+public:
+    DrawingEngine(QByteArray normal, QByteArray disabled)
+        : normal_(std::move(normal)), disabled_(std::move(disabled)) {}
+
+    QIconEngine* clone() const override { return new DrawingEngine(*this); }
+
+    void paint(QPainter* painter, const QRect& place, QIcon::Mode mode, QIcon::State) override {
+        const bool disabled = mode == QIcon::Disabled;
+        QSvgRenderer renderer(disabled ? disabled_ : normal_);
+        const qreal before = painter->opacity();
+        if (disabled) painter->setOpacity(0.45 * before);
+        renderer.render(painter, place);
+        painter->setOpacity(before);
+    }
+
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        QPixmap& kept = kept_[{size.width(), size.height(), mode == QIcon::Disabled}];
+        if (!kept.isNull()) return kept;
+        kept = QPixmap(size);
+        kept.fill(Qt::transparent);
+        QPainter painter(&kept);
+        paint(&painter, QRect(QPoint(), size), mode, state);
+        return kept;
+    }
+
+private:
+    QByteArray normal_, disabled_;
+    std::map<std::array<int, 3>, QPixmap> kept_;  // by width, height, and whether it is disabled
+};
 
 }  // namespace
 
@@ -98,30 +149,18 @@ void ApplyTheme(Theme theme) {
     } else if (theme == Theme::Desktop) {
         dark = DesktopIsDark();
     }
-    if (QApplication::style()->name() != QLatin1String("fusion"))
-        QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    if (dynamic_cast<Style*>(QApplication::style()) == nullptr) QApplication::setStyle(new Style);
     QApplication::setPalette(PaletteOf(dark));
+    QToolTip::setPalette(PaletteOf(dark));
 }
 
 QIcon IconOf(const QString& name) {
     QFile file(QStringLiteral(":/icons/") + name + QStringLiteral(".svg"));
     if (!file.open(QIODevice::ReadOnly)) return {};
     const QByteArray drawing = file.readAll();
-    QIcon icon;
-    for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Disabled}) {
-        const auto group = mode == QIcon::Normal ? QPalette::Active : QPalette::Disabled;
-        QByteArray coloured = drawing;
-        coloured.replace(kInk, QApplication::palette().color(group, QPalette::ButtonText).name().toLatin1());
-        QSvgRenderer renderer(coloured);
-        for (const int size : {24, 36, 48}) {
-            QPixmap pixmap(size, size);
-            pixmap.fill(Qt::transparent);
-            QPainter painter(&pixmap);
-            if (mode == QIcon::Disabled) painter.setOpacity(0.45);
-            renderer.render(&painter);
-            painter.end();
-            icon.addPixmap(pixmap, mode);
-        }
-    }
-    return icon;
+    const auto inked = [&drawing](QPalette::ColorGroup group) {
+        return QByteArray(drawing).replace(
+            kInk, QApplication::palette().color(group, QPalette::ButtonText).name().toLatin1());
+    };
+    return QIcon(new DrawingEngine(inked(QPalette::Active), inked(QPalette::Disabled)));
 }

@@ -17,5 +17,6 @@ void StoreTheme(Theme theme);
 // for dark. The variable CORVINADE_THEME ("light", "dark") goes before every choice.
 void ApplyTheme(Theme theme);
 
-// An icon of the family by its name, in the text colour of the palette; an empty one where there is none.
+// An icon of the family by its name, in the present text colour of the palette and sharp in every size; an
+// empty one where there is none.
 QIcon IconOf(const QString& name);

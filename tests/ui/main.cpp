@@ -1,16 +1,49 @@
 // The tests of the desktop, on a screen that nobody sees.
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 
 #include <QApplication>
+#include <QProcess>
+#include <csignal>
+#include <cstdio>
 
 #include "ui/theme.h"
 
+namespace {
+
+// A bus of their own, so that no test asks the desktop of whoever runs it; it ends with the tests however
+// they end. Where it cannot be started there is none.
+void StartBus(QProcess& daemon) {
+    daemon.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
+    daemon.start(QStringLiteral("dbus-daemon"), {QStringLiteral("--session"), QStringLiteral("--nofork"),
+                                                 QStringLiteral("--print-address")});
+    const bool runs = daemon.waitForStarted() && daemon.waitForReadyRead();
+    const QByteArray address = runs ? daemon.readLine().trimmed() : QByteArray();
+    qputenv("DBUS_SESSION_BUS_ADDRESS", address.isEmpty() ? "unix:path=/nonexistent" : address);
+}
+
+// A screen that nobody sees complains of what it is at every window.
+void TellWhatMatters(QtMsgType, const QMessageLogContext&, const QString& message) {
+    const bool usual = message.startsWith(QLatin1String("This plugin does not support")) ||
+                       message.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set"));
+    if (!usual) std::fprintf(stderr, "%s\n", qPrintable(message));
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    // A test that needs other screens starts the program anew and says which.
+    if (!qgetenv("QT_QPA_PLATFORM").startsWith("offscreen")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    qInstallMessageHandler(TellWhatMatters);
+    QProcess daemon;
+    StartBus(daemon);
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     ApplyTheme(Theme::Light);
     testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
+    const int status = RUN_ALL_TESTS();
+    daemon.terminate();
+    daemon.waitForFinished();
+    return status;
 }

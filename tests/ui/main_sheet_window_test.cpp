@@ -1,0 +1,112 @@
+// The main sheet on the screen: what can be read in it, its columns, copying and sorting by the mouse.
+#include <QClipboard>
+#include <QHeaderView>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QTableView>
+
+#include "analysis/form_main_sheet.h"
+#include "core/fresh_start.h"
+#include "core/job.h"
+#include "core/settings.h"
+#include "ui/desktop.h"
+#include "ui/desktop_fixture.h"
+#include "ui/qt_text.h"
+
+namespace {
+
+class MainSheetByHand : public DesktopTest {
+protected:
+    // A cell far from its origin, and a point in each system that has no partner.
+    void Import() {
+        const std::string start =
+            Write("start.txt",
+                  "A;-4292.512;-11850.007;-250.125\nB;3300.5;-10420.25;1210\nC;120;4410;77\nM;1;2;3\n");
+        const std::string target =
+            Write("target.txt", "A;-4292.5;-11850;-250\nB;3300;-10420;1210\nC;120;4410.5;77\nO;4;5;6\n");
+        Trigger("MenuFileInputFiles");
+        Type("FormInputFiles.TextNameMCS", start);
+        Type("FormInputFiles.TextNameOCS", target);
+        Click("FormInputFiles.BtnOK");
+        ASSERT_EQ(Job.nIdent, 3);
+    }
+
+    void Open() {
+        Import();
+        Trigger("MenuVievMainSheet");
+        ASSERT_TRUE(IsOpen("FormMainSheet"));
+    }
+
+    static QTableView* Table() { return qobject_cast<QTableView*>(Widget("FormMainSheet.MSFlexGrid1")); }
+
+    static void CloseSheet() {
+        WidgetOf(FormMainSheet_Entry)->parentWidget()->close();
+        QApplication::processEvents();
+        ASSERT_FALSE(IsOpen("FormMainSheet"));
+    }
+
+    // What the view paints of a text beside its cell's own margins.
+    static void ExpectNothingCut() {
+        QTableView* table = Table();
+        const int margin =
+            2 * (table->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, table) + 1);
+        const QFontMetrics font = table->fontMetrics();
+        for (int col = 0; col < kColNumber; ++col) {
+            const int width = table->columnWidth(col);
+            EXPECT_GE(width, table->horizontalHeader()->sectionSizeHint(col)) << "heading of column " << col;
+            for (int row = 0; row < table->model()->rowCount(); ++row) {
+                const QString text = table->model()->index(row, col).data().toString();
+                EXPECT_GE(width, font.horizontalAdvance(text) + margin) << S(text) << " in column " << col;
+            }
+        }
+    }
+};
+
+}  // namespace
+
+TEST_F(MainSheetByHand, ShowsEveryValueAndHeadingWholeWhileNobodyHasChosenAWidth) {
+    Begin();
+    Open();
+    ExpectNothingCut();
+    EXPECT_TRUE(Table()->isColumnHidden(kColNumber));
+    Table()->horizontalHeader()->setSortIndicatorShown(true);
+    ExpectNothingCut();
+}
+
+TEST_F(MainSheetByHand, MoreDigitsWidenIt) {
+    Begin();
+    Open();
+    Trigger("MenuSettingsUnits");
+    for (int i = 0; i < 3; ++i) QTest::keyClick(Widget("FormUnits.ComboDigitLength"), Qt::Key_Down);
+    Click("FormUnits.BtnOK");
+    ASSERT_EQ(Job.LengthDigits, 6);
+    ASSERT_TRUE(Table()->model()->index(0, 1).data().toString().endsWith(QLatin1String(".512000")));
+    ExpectNothingCut();
+}
+
+TEST_F(MainSheetByHand, WidthsThatNobodyHasChosenAreStoredAsTheyCame) {
+    Begin();
+    Open();
+    ASSERT_GT(Table()->columnWidth(1), kMissingColWidth / kTwips);
+    CloseSheet();
+    EXPECT_EQ(IniWertLesen("FormMainSheet1"), "1000");
+    EXPECT_EQ(IniWertLesen("Cols"), "23");
+    Trigger("MenuVievMainSheet");
+    ExpectNothingCut();
+}
+
+TEST_F(MainSheetByHand, AWidthThatIsDraggedIsStoredAndComesBack) {
+    Begin();
+    Open();
+    Table()->setColumnWidth(1, 50);
+    const int other = Table()->columnWidth(2);
+    CloseSheet();
+    EXPECT_EQ(IniWertLesen("FormMainSheet1"), "750");
+    EXPECT_EQ(IniWertLesen("FormMainSheet2"), "1000");
+    CloseDesktop();
+    FreshStart();
+    Begin();
+    Open();
+    EXPECT_EQ(Table()->columnWidth(1), 50) << "narrow, but chosen";
+    EXPECT_EQ(Table()->columnWidth(2), other);
+}
