@@ -30,7 +30,8 @@ bool IsOnlyAsked(int argc, char** argv) {
     QCommandLineParser parser;
     AddOptions(parser);
     parser.parse(arguments);
-    return parser.isSet(QStringLiteral("help")) || parser.isSet(QStringLiteral("version"));
+    return parser.isSet(QStringLiteral("help")) || parser.isSet(QStringLiteral("help-all")) ||
+           parser.isSet(QStringLiteral("version"));
 }
 
 }  // namespace

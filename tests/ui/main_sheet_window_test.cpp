@@ -110,3 +110,61 @@ TEST_F(MainSheetByHand, AWidthThatIsDraggedIsStoredAndComesBack) {
     EXPECT_EQ(Table()->columnWidth(1), 50) << "narrow, but chosen";
     EXPECT_EQ(Table()->columnWidth(2), other);
 }
+
+TEST_F(MainSheetByHand, NothingJumpsWhenItIsSorted) {
+    Begin();
+    Open();
+    const auto widths = [] {
+        std::vector<int> all;
+        for (int col = 0; col < kColNumber; ++col) all.push_back(Table()->columnWidth(col));
+        return all;
+    };
+    const std::vector<int> before = widths();
+    QHeaderView& heading = *Table()->horizontalHeader();
+    const QPoint second(heading.sectionViewportPosition(1) + 20, heading.height() / 2);
+    for (int click = 0; click < 3; ++click) {
+        QTest::mouseClick(heading.viewport(), Qt::LeftButton, Qt::NoModifier, second);
+        QApplication::processEvents();
+        EXPECT_EQ(widths(), before);
+    }
+    EXPECT_TRUE(heading.isSortIndicatorShown());
+}
+
+TEST_F(MainSheetByHand, HeadingsSortBothWays) {
+    Begin();
+    Open();
+    QHeaderView& heading = *Table()->horizontalHeader();
+    const auto click = [&heading] {
+        const QPoint second(heading.sectionViewportPosition(1) + 20, heading.height() / 2);
+        QTest::mouseClick(heading.viewport(), Qt::LeftButton, Qt::NoModifier, second);
+        QApplication::processEvents();
+    };
+    const auto first = [] { return S(Table()->model()->index(0, 0).data().toString()); };
+    click();
+    EXPECT_EQ(first(), "A") << "-4292.512";
+    click();
+    EXPECT_EQ(first(), "O") << "without a value";
+    EXPECT_EQ(S(Table()->model()->index(1, 0).data().toString()), "B") << "3300.500";
+}
+
+TEST_F(MainSheetByHand, ABlockIsDraggedAndCopiedFromThePopUpMenuWithItsHeadings) {
+    Begin();
+    Open();
+    Settings.TabelHeadMainSheet = kTrue;
+    QTableView* table = Table();
+    const auto cell = [table](int row, int col) {
+        return table->visualRect(table->model()->index(row, col)).center();
+    };
+    QTest::mousePress(table->viewport(), Qt::LeftButton, Qt::NoModifier, cell(0, 0));
+    QTest::mouseMove(table->viewport(), cell(1, 1));
+    QTest::mouseMove(table->viewport(), cell(1, 2));
+    QTest::mouseRelease(table->viewport(), Qt::LeftButton, Qt::NoModifier, cell(1, 2));
+    QTest::mouseClick(table->viewport(), Qt::RightButton, Qt::NoModifier, cell(1, 1));
+    QApplication::processEvents();
+    auto* menu = Frame()->findChild<QMenu*>(QStringLiteral("MenuEdit"));
+    ASSERT_TRUE(menu->isVisible());
+    EXPECT_EQ(table->selectionModel()->selectedIndexes().size(), 6) << "the press leaves the selection";
+    menu->close();
+    Trigger("MenuEditCopy");
+    EXPECT_EQ(S(QApplication::clipboard()->text()).substr(0, 23), "Point ID\tMCS.x\tMCS.y\r\nA");
+}
