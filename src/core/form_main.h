@@ -62,7 +62,7 @@ struct FormMain {
     Control MenüAnsichtToleranzenColorbar = Menu("&Color Bar");
     Control MenüAnsichtToleranzenEinstellungen = Menu("&Settings...");
     Control MenüGrafikBlackPlane = Menu("&Black Planes...");
-    Control MenüGraphicsPrint = Menu("&Picture to Clipboard");
+    Control MenüGraphicsPrint = Menu("Pict&ure to Clipboard");
     Control MenüGraphicsLines = Menu("&Lines");
     Control MenüGraphicsLinesLineModeActive = Menu("&Line Mode");
     Control MenüGraphicsLinesSetLines = Menu("&Set Lines");

@@ -6,15 +6,15 @@
 struct FormUnits {
     WindowState Window{.Caption = "Units"};
 
-    Control LabelLength = Label("Length");
+    Control LabelLength = Label("&Length");
     Control ComboLength = ComboBox();
     Control ComboDigitLength = ComboBox();
-    Control LabelAngle = Label("Angle");
+    Control LabelAngle = Label("&Angle");
     Control ComboAngle = ComboBox();
     Control ComboDigitAngle = ComboBox();
-    Control LabelScale = Label("Scale");
+    Control LabelScale = Label("&Scale");
     Control ComboDigitScale = ComboBox();
-    Control CheckPhiThetaAsQ = CheckBox("Phi and Theta as length of arc");
+    Control CheckPhiThetaAsQ = CheckBox("&Phi and Theta as length of arc");
     Control BtnOK = Button("OK");
 
     static void Form_Load();

@@ -117,6 +117,10 @@ void IniZeileTeilen(std::string_view line, std::string& key, std::string& value)
 void LoadWindowPlace(WindowPlace& place, const std::string& name);
 void SaveWindowPlace(const WindowPlace& place, const std::string& name);
 
+// The place is that of a new settings file, or of one that has no keys for the window: nobody has put the
+// window there.
+bool IsFirstPlace(const WindowPlace& place, std::string_view name);
+
 // The width of a grid's column, twips, by the first of these keys that the file has; a missing key counts
 // as 1000 here too, a value that is no width as `otherwise`.
 inline constexpr int kMissingColWidth = 1000;

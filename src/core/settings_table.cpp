@@ -186,6 +186,16 @@ std::string SettingText(std::string_view key) {
     return {};
 }
 
+bool IsFirstPlace(const WindowPlace& place, std::string_view name) {
+    constexpr int kMissing = 1000;
+    const auto is = [&place](int left, int top, int width, int height) {
+        return place.Left == left && place.Top == top && place.Width == width && place.Height == height;
+    };
+    for (const DefaultPlace& first : kDefaultPlaces)
+        if (name == first.Window && is(first.Left, first.Top, first.Width, first.Height)) return true;
+    return is(kMissing, kMissing, kMissing, kMissing);
+}
+
 std::string DefaultSettingsText() {
     std::string text;
     const auto add = [&text](const char* section, const std::string& key, const std::string& value) {

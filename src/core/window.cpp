@@ -121,7 +121,10 @@ void ShowWindow(std::string_view name) {
     const WindowEntry* window = FindWindow(name);
     if (window == nullptr)
         throw PlatformError{"There is no window \"" + std::string(name) + "\" in this version"};
-    if (window->State->Loaded) return;
+    if (window->State->Loaded) {
+        ++window->State->Asked;
+        return;
+    }
     window->Fresh();
     Attach(*window);
     window->State->Loaded = true;

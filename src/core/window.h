@@ -94,6 +94,8 @@ struct WindowState {
     bool Enabled = true;
     std::string Caption;
     WindowPlace Place;
+    int Asked =
+        0;  // how often ShowWindow has been asked for it since it opened; a screen brings it to the front
 };
 
 struct WindowEntry {
@@ -117,8 +119,8 @@ Control* FindControl(const WindowEntry& window, std::string_view name);  // null
 bool IsLoaded(std::string_view window);
 
 // Opens a window: a fresh struct, its stored place, its load procedure. A window that is open already
-// stays as it is. Throws PlatformError when there is no window of that name, and what its load procedure
-// throws; the window is then not open.
+// stays as it is, and comes to the front where there is a screen. Throws PlatformError when there is no
+// window of that name, and what its load procedure throws; the window is then not open.
 void ShowWindow(std::string_view name);
 
 // Closes a window: its unload procedure, its place stored, its struct fresh again.

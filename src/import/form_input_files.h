@@ -46,7 +46,7 @@ struct FormInputFiles {
     Control BtnEditMoreMCS = Button("Edi&t");
     Control BtnExploreMoreMCS = Button("Explore");
     Control BtnMoreMCSClip = Button("from Clipboard");
-    Control OptionPrefix = Option("Prefi&x", 2);
+    Control OptionPrefix = Option("Prefix", 2);
     Control Option2 = Option("S&uffix", 2);
     Control TextPreSuff = TextBox();
     Control BtnImportMoreMCS = Button("Add poi&nts");

@@ -360,10 +360,11 @@ void ForgetShown() {
         for (Bound& one : bound) one.Ever = false;
 }
 
-void ShowControls(const WindowEntry& window) {
+void ShowControls(const WindowEntry& window, bool withPanels) {
     const auto found = AllBound().find(&window);
     if (found == AllBound().end()) return;
     for (Bound& bound : found->second) {
+        if (!withPanels && bound.State->Kind == ControlKind::Panel) continue;
         if (auto* grid = As<QTableView>(bound)) ShowGrid(*bound.State, *grid);
         Shown now = StateOf(*bound.State);
         if (bound.Ever && now == bound.Last && !ScreenDiffers(bound)) continue;

@@ -16,8 +16,9 @@ std::vector<std::string> BindWindow(const WindowEntry& window, QWidget& top);
 // Forgets a window's widgets, which are going.
 void UnbindWindow(const WindowEntry& window);
 
-// Shows every control of the window that differs from what was last shown.
-void ShowControls(const WindowEntry& window);
+// Shows every control of the window that differs from what was last shown; the panels of the status bar can
+// be left for a later time.
+void ShowControls(const WindowEntry& window, bool withPanels = true);
 
 // Lets the next ShowControls show everything anew, as a new palette needs it.
 void ForgetShown();

@@ -5,6 +5,7 @@
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QDialog>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QKeyEvent>
 #include <QLabel>
@@ -13,7 +14,7 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMimeData>
-#include <QScreen>
+#include <QPushButton>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QUiLoader>
@@ -26,6 +27,7 @@
 #include <string_view>
 
 #include "core/controller.h"
+#include "core/files.h"
 #include "core/form_main.h"
 #include "core/form_progress_bar.h"
 #include "core/platform.h"
@@ -35,6 +37,8 @@
 #include "engine/form_trafo_berechnung.h"
 #include "import/form_input_files.h"
 #include "ui/binder.h"
+#include "ui/clipboard.h"
+#include "ui/places.h"
 #include "ui/portal.h"
 #include "ui/qt_text.h"
 #include "ui/theme.h"
@@ -45,9 +49,13 @@ namespace {
 constexpr std::array<std::string_view, 5> kDialogs = {"FormUnits", "FormOptions", "FormMenuHelpInfo",
                                                       "FormProgressBar", "FormInputFiles"};
 
+// Work that writes a text at every step shows it no more often than this.
+constexpr qint64 kBetweenPanels_ms = 100;
+
 struct OpenWindow {
     QWidget* Form = nullptr;   // with the controls
     QWidget* Outer = nullptr;  // what has the title: a child window of the frame, a dialog, or the frame
+    int Asked = 0;             // how often it has been brought to the front
 };
 
 struct DesktopRecord {
@@ -58,8 +66,13 @@ struct DesktopRecord {
     bool BusyShown = false;  // the busy pointer is on
     bool PopUpOpen = false;  // the pop-up menu of a table is open
     int Events = 0;          // how deep the user's events stand in each other
+    QElapsedTimer Panels;    // since the panels of the status bar were shown
 };
 DesktopRecord Desktop;
+
+bool IsJob(const std::string& path) {
+    return UpperAscii(path).ends_with(".CVN");
+}
 
 bool IsDialog(const WindowEntry& window) {
     return std::find(kDialogs.begin(), kDialogs.end(), window.Name) != kDialogs.end();
@@ -74,47 +87,6 @@ QWidget* LoadForm(const WindowEntry& window) {
     if (form == nullptr)
         throw PlatformError{std::string("The form of the window ") + window.Name + " cannot be read."};
     return form;
-}
-
-// --- Places -----------------------------------------------------------------------------------------------
-
-// A stored width or height below this is none: a settings file without one gives 1000.
-constexpr int kLeastStored = 1500;
-
-// What a dialog's title and borders may take; they are not known before it is shown.
-constexpr QSize kBorders{8, 40};
-
-// The screen that a place lies on, or the frame's where it lies on none.
-const QScreen& ScreenOf(const WindowPlace& place) {
-    const QPoint centre((place.Left / 2 + place.Width / 4) / kTwips * 2,
-                        (place.Top / 2 + place.Height / 4) / kTwips * 2);
-    const QScreen* screen = QGuiApplication::screenAt(centre);
-    return screen != nullptr ? *screen : *Desktop.FrameWindow->screen();
-}
-
-void Place(const WindowEntry& window, const OpenWindow& open) {
-    const WindowPlace& place = window.State->Place;
-    QSize size = open.Outer->sizeHint().expandedTo(open.Form->minimumSizeHint());
-    if (place.Width > kLeastStored && place.Height > kLeastStored)
-        size = QSize(place.Width / kTwips, place.Height / kTwips);
-    const bool inside = !IsDialog(window);
-    QRect room = inside ? Desktop.Area->viewport()->rect() : ScreenOf(place).availableGeometry();
-    if (!inside) room.setSize(room.size() - kBorders);
-    size = size.boundedTo(room.size()).expandedTo(open.Form->minimumSizeHint());
-    open.Outer->resize(size);
-    if (place.Width <= kLeastStored) return;
-    // A place that would be off every screen is brought back.
-    const int left =
-        std::clamp(place.Left / kTwips, room.left(), std::max(room.left(), room.right() - size.width()));
-    const int top =
-        std::clamp(place.Top / kTwips, room.top(), std::max(room.top(), room.bottom() - size.height()));
-    open.Outer->move(left, top);
-}
-
-void TakePlace(const WindowEntry& window, const QWidget& outer) {
-    if (outer.isMinimized() || outer.isMaximized()) return;
-    window.State->Place = {outer.x() * kTwips, outer.y() * kTwips, outer.width() * kTwips,
-                           outer.height() * kTwips};
 }
 
 // --- What the user does to a window as a whole
@@ -147,14 +119,26 @@ private:
     QWidget& outer_;
 };
 
+// The dialog has to be told again which button Enter stands for: it was not there when the form was loaded,
+// and would take the first one.
+void ShowDefaultButton(const QWidget& form) {
+    for (QPushButton* button : form.findChildren<QPushButton*>()) {
+        if (!button->isDefault()) continue;
+        button->setDefault(false);
+        button->setDefault(true);
+    }
+}
+
 void OpenOne(const WindowEntry& window) {
     OpenWindow open;
     open.Form = LoadForm(window);
     if (IsDialog(window)) {
         auto* dialog = new QDialog(Desktop.FrameWindow);
+        dialog->setAcceptDrops(&window == &FormInputFiles_Entry);
         auto* layout = new QVBoxLayout(dialog);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(open.Form);
+        ShowDefaultButton(*open.Form);
         // The window of long work leaves the frame in reach, whose STOP ends the work too; above a dialog
         // that blocks the frame it must stand in front itself.
         const bool overAll =
@@ -170,7 +154,11 @@ void OpenOne(const WindowEntry& window) {
     open.Outer->installEventFilter(new WindowEvents(window, *open.Outer));
     ShowControls(window);
     open.Outer->setWindowTitle(Q(window.State->Caption));
-    Place(window, open);
+    if (IsDialog(window)) {
+        PlaceDialog(window, *open.Form, *open.Outer, *Desktop.FrameWindow);
+    } else {
+        PlaceChild(window, *open.Form, *open.Outer, *Desktop.Area);
+    }
     open.Outer->show();
 }
 
@@ -180,6 +168,19 @@ void CloseOne(const WindowEntry& window) {
     UnbindWindow(window);
     open.Outer->hide();
     open.Outer->deleteLater();  // its own event may still be running
+}
+
+// A window that was chosen while it stood open behind others, or as a mere title, comes to the front.
+void BringToFront(const WindowEntry& window, OpenWindow& open) {
+    if (open.Asked == window.State->Asked) return;
+    open.Asked = window.State->Asked;
+    if (open.Outer->isMinimized()) open.Outer->showNormal();
+    if (auto* child = qobject_cast<QMdiSubWindow*>(open.Outer)) {
+        Desktop.Area->setActiveSubWindow(child);
+    } else {
+        open.Outer->raise();
+        open.Outer->activateWindow();
+    }
 }
 
 void ShowPointer() {
@@ -211,24 +212,61 @@ class FrameEvents : public QObject {
 public:
     explicit FrameEvents(QObject* parent) : QObject(parent) {}
     bool eventFilter(QObject* object, QEvent* event) override {
-        if (event->type() == QEvent::DragEnter) {
-            auto* drag = static_cast<QDragEnterEvent*>(event);
-            if (drag->mimeData()->hasUrls()) drag->acceptProposedAction();
-            return drag->mimeData()->hasUrls();
-        }
-        if (event->type() == QEvent::Drop) {
-            std::vector<std::string> paths;
-            for (const QUrl& url : static_cast<QDropEvent*>(event)->mimeData()->urls())
-                if (url.isLocalFile()) paths.push_back(S(url.toLocalFile()));
-            OpenDropped(paths);
-            return true;
-        }
         if (event->type() == QEvent::Close && object == Desktop.FrameWindow && FormMain_Entry.State->Loaded) {
             event->ignore();
             UserDid([] { UserClose(FormMain_Entry); });
             return true;
         }
         return false;
+    }
+};
+
+std::vector<std::string> LocalPaths(const QMimeData& data) {
+    std::vector<std::string> paths;
+    for (const QUrl& url : data.urls()) paths.push_back(url.isLocalFile() ? S(url.toLocalFile()) : "");
+    return paths;
+}
+
+// Puts dropped point files into the input dialog: one file into the field that it was dropped onto, two into
+// the first two fields.
+void TakeIntoInputDialog(const QWidget& target, const std::vector<std::string>& paths) {
+    Control* field = &InputFiles.TextNameMCS;
+    for (Control* one : {&InputFiles.TextNameOCS, &InputFiles.TextNameMoreMCS})
+        if (paths.size() == 1 && one->Entry != nullptr && target.isEnabled() &&
+            target.objectName() == QString::fromUtf8(one->Entry->Name))
+            field = one;
+    UserDid([&] {
+        Dispatch([&] {
+            SetText(*field, paths.front());
+            if (paths.size() > 1) SetText(InputFiles.TextNameOCS, paths[1]);
+        });
+    });
+}
+
+// Files over any part of the frame or the input dialog. Fields would take the text of their address.
+class Drops : public QObject {
+public:
+    explicit Drops(QObject* parent) : QObject(parent) {}
+    bool eventFilter(QObject* object, QEvent* event) override {
+        const bool drop = event->type() == QEvent::Drop;
+        if (!drop && event->type() != QEvent::DragEnter && event->type() != QEvent::DragMove) return false;
+        if (!object->isWidgetType()) return false;
+        auto* drag = static_cast<QDropEvent*>(event);
+        if (!drag->mimeData()->hasUrls()) return false;
+        const auto& target = *static_cast<QWidget*>(object);
+        const std::vector<std::string> paths = LocalPaths(*drag->mimeData());
+        const QWidget* modal = QApplication::activeModalWidget();
+        const QWidget* input = WidgetOf(FormInputFiles_Entry);
+        const bool ontoInput = input != nullptr && target.window() == input->window() &&
+                               (modal == nullptr || modal == input->window());
+        const bool ontoFrame = target.window() == Desktop.FrameWindow && modal == nullptr;
+        const bool taken = CanBeDropped(paths) && (ontoFrame || (ontoInput && !IsJob(paths.front())));
+        drag->setAccepted(taken);
+        if (!taken) return true;
+        drag->acceptProposedAction();
+        if (drop && ontoInput) TakeIntoInputDialog(target, paths);
+        if (drop && !ontoInput) OpenDropped(paths);
+        return true;
     }
 };
 
@@ -317,7 +355,12 @@ void ConnectThemes() {
 }  // namespace
 
 void ShowStoredTheme() {
-    ShowTheme(StoredTheme());
+    Theme theme = Theme::Desktop;
+    try {
+        theme = StoredTheme();
+    } catch (const PlatformError&) {  // settings that cannot be read: the start has told of them
+    }
+    ShowTheme(theme);
 }
 
 QMainWindow* Frame() {
@@ -342,7 +385,9 @@ void OpenDesktop() {
     Desktop.Area = frame->findChild<QMdiArea*>();
     Desktop.Area->setViewMode(QMdiArea::SubWindowView);
     Desktop.Area->setBackground(frame->palette().mid());
-    Desktop.Area->setAcceptDrops(true);
+    // A smaller frame leaves its windows where they are, and in reach.
+    Desktop.Area->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    Desktop.Area->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     if (auto* bar = frame->findChild<QToolBar*>(QStringLiteral("ToolbarSaveView"))) {
         auto* combo = new QComboBox(bar);
         combo->setObjectName(QStringLiteral("ComboSaveView"));
@@ -357,11 +402,9 @@ void OpenDesktop() {
     });
     frame->setWindowIcon(IconOf(QStringLiteral("corvinade")));
     frame->setAcceptDrops(true);
-    auto* events = new FrameEvents(frame);
-    frame->installEventFilter(events);
-    Desktop.Area->viewport()->installEventFilter(events);
+    frame->installEventFilter(new FrameEvents(frame));
     QApplication::instance()->installEventFilter(new Keys(frame));
-    frame->resize(QSize(1280, 800).boundedTo(frame->screen()->availableSize()));
+    QApplication::instance()->installEventFilter(new Drops(frame));
 }
 
 void CloseDesktop() {
@@ -372,12 +415,19 @@ void CloseDesktop() {
     Desktop = DesktopRecord{};
 }
 
-void ShowState() {
+void ShowState(bool insideWork) {
     if (Desktop.FrameWindow == nullptr || Desktop.Showing) return;
     Desktop.Showing = true;
+    const bool panels =
+        !insideWork || !Desktop.Panels.isValid() || Desktop.Panels.elapsed() >= kBetweenPanels_ms;
+    if (panels) Desktop.Panels.start();
+    PutClipboard(insideWork);
     if (FormMain_Entry.State->Loaded && WidgetOf(FormMain_Entry) == nullptr) {
         BindWindow(FormMain_Entry, *Desktop.FrameWindow);
         Desktop.Windows[&FormMain_Entry] = {Desktop.FrameWindow, Desktop.FrameWindow};
+        ShowStoredTheme();
+        PlaceFrame(*Desktop.FrameWindow);
+        Desktop.FrameWindow->show();
     }
     for (const WindowEntry* window : AllWindows()) {
         if (window == &FormMain_Entry) continue;
@@ -385,8 +435,9 @@ void ShowState() {
         if (open && !window->State->Loaded) CloseOne(*window);
         if (!open && window->State->Loaded) OpenOne(*window);
     }
-    for (const auto& [window, open] : Desktop.Windows) {
-        ShowControls(*window);
+    for (auto& [window, open] : Desktop.Windows) {
+        BringToFront(*window, open);
+        ShowControls(*window, panels);
         const QString title = Q(window->State->Caption);
         if (open.Outer->windowTitle() != title) open.Outer->setWindowTitle(title);
         if (open.Form->isEnabled() != window->State->Enabled) open.Form->setEnabled(window->State->Enabled);
@@ -397,6 +448,7 @@ void ShowState() {
     // Work that the frame was closed under ends first.
     if (!FormMain_Entry.State->Loaded && Desktop.Events > 0) Run.StopRequested = kTrue;
     if (!FormMain_Entry.State->Loaded && Desktop.Events == 0 && Desktop.Windows.count(&FormMain_Entry) != 0) {
+        if (Desktop.FrameWindow->isVisible()) StoreFrame(*Desktop.FrameWindow);
         Desktop.FrameWindow->hide();
         QApplication::quit();
     }
@@ -406,15 +458,19 @@ void UserDid(const std::function<void()>& action) {
     ++Desktop.Events;
     action();
     --Desktop.Events;
-    ShowState();
+    ShowState(Desktop.Events > 0);
+}
+
+bool CanBeDropped(const std::vector<std::string>& paths) {
+    if (paths.empty() || !std::all_of(paths.begin(), paths.end(), File_Exist)) return false;
+    return paths.size() == 1 || (paths.size() == 2 && std::none_of(paths.begin(), paths.end(), IsJob));
 }
 
 void OpenDropped(const std::vector<std::string>& paths) {
-    if (paths.empty()) return;
-    const std::string first = UpperAscii(paths.front());
+    if (!CanBeDropped(paths)) return;
     UserDid([&] {
         Dispatch([&] {
-            if (first.ends_with(".CVN")) return OpenLastProjekt("&1 " + paths.front());
+            if (IsJob(paths.front())) return OpenLastProjekt("&1 " + paths.front());
             ShowWindow("FormInputFiles");
             SetText(InputFiles.TextNameMCS, paths.front());
             if (paths.size() > 1) SetText(InputFiles.TextNameOCS, paths[1]);

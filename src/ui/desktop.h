@@ -8,18 +8,20 @@
 class QMainWindow;
 class QWidget;
 
-// Builds the frame. The logic's start (StartUp) comes after it.
+// Builds the frame. The logic's start (StartUp) comes after it; the frame shows itself with its first message
+// or when it is over.
 void OpenDesktop();
 
-// Light or dark as the settings have it, once the start has read them.
+// Light or dark as the settings have it.
 void ShowStoredTheme();
 
 // Takes the frame and all windows down, whatever the logic holds.
 void CloseDesktop();
 
 // Brings the screen up to date: windows that were opened or closed, controls that differ from what was last
-// shown, the pointer. Costs little where nothing has changed.
-void ShowState();
+// shown, the pointer. Costs little where nothing has changed. Inside running work, which sets the panels of
+// the status bar and the clipboard at every step, these two follow some ten times a second only.
+void ShowState(bool insideWork = false);
 
 // Every event of the user goes through here: it runs, and what it changed is shown.
 void UserDid(const std::function<void()>& action);
@@ -31,5 +33,8 @@ QWidget* WidgetOf(const WindowEntry& window);
 // Where dialogs of the system belong: the active window, or the frame.
 QWidget* DialogParent();
 
-// Files that were dropped onto the frame: a job is opened, point files go to the input dialog.
+// Files that can be dropped onto the frame: a job, or one or two point files.
+bool CanBeDropped(const std::vector<std::string>& paths);
+
+// What was dropped: a job is opened, point files go to the input dialog. Anything else is left alone.
 void OpenDropped(const std::vector<std::string>& paths);

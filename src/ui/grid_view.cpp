@@ -109,6 +109,17 @@ public:
         ShowWhole();
     }
 
+    // Widens columns where other texts have come into the table, in sight or beyond its edge.
+    void FollowTexts() {
+        QString first;
+        const int row = std::max(0, view_.rowAt(0)) + Headings();
+        for (int col = 0; col < cols_; ++col)
+            if (!IsWidthOfItsOwn(control_.Grid, col)) first += Q(CellText(control_.Grid, row, col)) + '\t';
+        if (first == firstInSight_) return;
+        firstInSight_ = first;
+        Widen();
+    }
+
     // Takes over the grid's size; true when it has changed.
     bool TakeSize() {
         const int rows = std::max(0, control_.Grid.Rows - Headings()), cols = std::max(0, control_.Grid.Cols);
@@ -196,6 +207,7 @@ private:
     int rows_ = 0, cols_ = 0;
     mutable std::vector<int> needed_;  // pixels a column needs for the texts that it has shown
     mutable bool widening_ = false;
+    QString firstInSight_;  // the row by which other texts are noticed
 };
 
 // A cell that is selected still shows its own ground, so that a use cell that is turned over is seen to turn.
@@ -404,6 +416,7 @@ void ShowGrid(Control& control, QTableView& view) {
         heading.setVisible(grid.FixedRows > 0);
         model.ArrangeColumns();
     }
+    model.FollowTexts();
     if (!model.Selecting) {
         const bool before = std::exchange(model.Arranging, true);
         ShowSelection(control, view);

@@ -3,7 +3,6 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
-#include <QMainWindow>
 
 #include "core/controller.h"
 #include "ui/desktop.h"
@@ -58,8 +57,6 @@ int main(int argc, char** argv) {
     // The start-up takes the command line as a shell would hand it over that leaves the quotes on.
     const std::string job = jobs.isEmpty() ? "" : "\"" + S(QFileInfo(jobs.front()).absoluteFilePath()) + "\"";
     UserDid([&job] { StartUp(job); });
-    ShowStoredTheme();
-    Frame()->show();
     const int status = QApplication::exec();
     CloseDesktop();
     return status;

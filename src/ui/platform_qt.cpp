@@ -2,7 +2,6 @@
 #include <unistd.h>
 
 #include <QApplication>
-#include <QClipboard>
 #include <QDesktopServices>
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -47,6 +46,14 @@ QString FilterOf(const std::string& filter) {
         filters += name + " (" + patterns.replace(';', ' ') + ')';
     }
     return filters.join(QStringLiteral(";;"));
+}
+
+// The extension that a typed name gets, which belongs into the question whether to overwrite: that of the
+// filter's first pattern.
+QString SuffixOf(const std::string& filter) {
+    const QString pattern = Q(filter).section('|', 1, 1);
+    return pattern.startsWith(QLatin1String("*.")) && pattern != QLatin1String("*.*") ? pattern.mid(2)
+                                                                                      : QString();
 }
 
 QString BeginAt(const FileQuestion& question) {
@@ -105,23 +112,18 @@ std::optional<std::string> AskOpenFile(const FileQuestion& question) {
 std::optional<std::string> AskSaveFile(const FileQuestion& question) {
     ShowState();
     const PlainPointer pointer;
-    return Chosen(QFileDialog::getSaveFileName(DialogParent(), Q(question.Title), BeginAt(question),
-                                               FilterOf(question.Filter)));
-}
-
-std::string ClipboardText() {
-    return S(QApplication::clipboard()->text());
-}
-
-bool SetClipboardText(const std::string& text) {
-    QApplication::clipboard()->setText(Q(text));
-    return true;
+    QFileDialog dialog(DialogParent(), Q(question.Title), BeginAt(question), FilterOf(question.Filter));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setDefaultSuffix(SuffixOf(question.Filter));
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+    return Chosen(dialog.selectedFiles().constFirst());
 }
 
 void YieldToEvents() {
     static QElapsedTimer last;
     if (last.isValid() && last.elapsed() < kBetweenYields_ms) return;
-    ShowState();
+    ShowState(true);
     QApplication::processEvents();
     last.start();
 }

@@ -145,7 +145,7 @@ TEST_F(Windows, LoadingStartsFromAFreshStruct) {
     EXPECT_FALSE(IsLoaded("FormUnits"));
     EXPECT_TRUE(UnitsWindow.ComboLength.Items.empty());
     ShowWindow("FormUnits");
-    EXPECT_EQ(UnitsWindow.LabelLength.Text, "Length");
+    EXPECT_EQ(UnitsWindow.LabelLength.Text, "&Length");
     EXPECT_EQ(UnitsWindow.ComboLength.Items.size(), 4U);
 }
 

@@ -1,0 +1,52 @@
+// The system's clipboard.
+#include "ui/clipboard.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QElapsedTimer>
+#include <optional>
+
+#include "core/platform.h"
+#include "ui/qt_text.h"
+
+namespace {
+
+constexpr qint64 kBetweenCopies_ms = 100;
+
+struct ClipboardRecord {
+    std::optional<std::string> Waiting;
+    std::string Put;     // what was handed over last
+    QElapsedTimer Last;  // since then
+    bool Watched = false;
+};
+ClipboardRecord Copies;
+
+// A newer copy of somebody else is not overwritten by an older one of ours.
+void Watch() {
+    if (Copies.Watched) return;
+    Copies.Watched = true;
+    QObject::connect(QApplication::clipboard(), &QClipboard::dataChanged, QApplication::instance(), [] {
+        if (Copies.Waiting && S(QApplication::clipboard()->text()) != Copies.Put) Copies.Waiting.reset();
+    });
+}
+
+}  // namespace
+
+void PutClipboard(bool insideWork) {
+    if (!Copies.Waiting) return;
+    if (insideWork && Copies.Last.isValid() && Copies.Last.elapsed() < kBetweenCopies_ms) return;
+    Copies.Put = *std::exchange(Copies.Waiting, std::nullopt);
+    Copies.Last.start();
+    QApplication::clipboard()->setText(Q(Copies.Put));
+}
+
+std::string ClipboardText() {
+    return Copies.Waiting ? *Copies.Waiting : S(QApplication::clipboard()->text());
+}
+
+bool SetClipboardText(const std::string& text) {
+    Watch();
+    Copies.Waiting = text;
+    PutClipboard(true);
+    return true;
+}

@@ -1,0 +1,7 @@
+// The system's clipboard. Work that copies at every step hands its texts over a few times a second only; the
+// last one always arrives.
+#pragma once
+
+// Hands over what waits. Called whenever the screen is brought up to date; inside running work only what has
+// waited long enough goes.
+void PutClipboard(bool insideWork);

@@ -1,0 +1,24 @@
+// Where the frame and its windows stand on the screen.
+#pragma once
+
+#include "core/window.h"
+
+class QMainWindow;
+class QMdiArea;
+class QWidget;
+
+// Where the frame stood at the last end of the program; at the first start in the middle of the screen, its
+// title and borders on it too. No place is off every screen. To be called before the frame is shown.
+void PlaceFrame(QMainWindow& frame);
+
+// Keeps the frame's place, size and maximised state in the settings file.
+void StoreFrame(const QMainWindow& frame);
+
+// Gives a window its stored place. One that has none of its own opens where it hides least of the others
+// (inside the frame), or in its natural size in the middle of the frame (a dialog).
+//   form   with the controls     outer  what has the title
+void PlaceChild(const WindowEntry& window, QWidget& form, QWidget& outer, const QMdiArea& area);
+void PlaceDialog(const WindowEntry& window, QWidget& form, QWidget& outer, const QWidget& frame);
+
+// Where the window stands now becomes its place.
+void TakePlace(const WindowEntry& window, const QWidget& outer);
