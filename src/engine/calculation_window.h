@@ -21,8 +21,9 @@ struct CalculationWindowRecord {
     double LengthFactor = 1, AngleFactor = 1;
     // Events that arrive while a run yields do not begin another one inside it.
     bool Running = false;
-    bool Again = false;         // a change that arrived meanwhile asks for a calculation behind this one
-    std::uint64_t Started = 0;  // counts the calculations
+    bool ChoosingPreset = false;  // a preset is setting its boxes
+    bool Again = false;           // a change that arrived meanwhile asks for a calculation behind this one
+    std::uint64_t Started = 0;    // counts the calculations
 };
 inline CalculationWindowRecord CalculationWindow;
 
@@ -59,6 +60,11 @@ void ResetArrows();
 
 // Unchecks all boxes of the parameters, one after the other.
 void CheckReset();
+
+// Marks the preset that gives just the choice of the window's boxes, where there is one; nothing else is
+// changed, since its handler would blank the fields. A parameter that is held away from its neutral value
+// belongs to no preset.
+void MarkPreset();
 
 // Blanks the fields of sigma, significance and deviations.
 void AnzeigeReset();

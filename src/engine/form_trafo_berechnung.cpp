@@ -357,6 +357,7 @@ void INI_Formtrafoberechnung() {
             BeginWithSixParameters();
         } else {
             RestoreParameters();
+            MarkPreset();
         }
         if (IsTrue(Job.IsParaboloid)) LockForParaboloid();
     }

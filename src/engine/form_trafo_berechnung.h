@@ -28,7 +28,7 @@ struct FormTrafoBerechnung {
     Control CheckRDist = CheckBox("R Dist"), TextRDist = Field("0");
     Control CheckUseABC = CheckBox("R vector, use A B C of the poses");
     Control TextRvec_x = Field("0"), TextRvec_y = Field("0"), TextRvec_z = Field("0");
-    Control CheckRDataKnown = CheckBox("R data known"), BtnLoadRData = Disabled(Button("&Load R data"));
+    Control CheckRDataKnown = CheckBox("R data known"), BtnLoadRData = Disabled(Button("Load &R data"));
 
     // The user's own start values.
     Control CheckSeedTrax = SeedBox(), TextSeedTrax = SeedField();
@@ -67,14 +67,14 @@ struct FormTrafoBerechnung {
 
     Control Option6Parameter = Option("&6 Parameter", 1), Option7Parameter = Option("&7 Parameter", 1),
             Option9Parameter = Option("&9 Parameter", 1), Option12 = Option("&12 Parameter", 1),
-            OptionHoldLevel = Option("&Hold Level", 1);
+            OptionHoldLevel = Option("H&old Level", 1);
     Control OptionL1 = Option("L1", 2), OptionL2 = Option("L2", 2),
             OptionLoo = Option("Loo - max to min\r\n- in Betta state -", 2);
     Control CheckMonteCarlo = CheckBox("&Monte Carlo"), CheckAutoRec = CheckBox("&Auto recalculate");
 
-    Control BtnCalculate = Button("&Calculate"), BtnSTOP = Disabled(Button("&STOP"));
-    Control BtnSwitchMcsOcs = Button("S&witch MCS OCS"), LabelDirection = Label("");
-    Control BtnSEED = Disabled(Button("S&EED")), BtnDetails = Button("&Details");
+    Control BtnCalculate = Button("&Calculate"), BtnSTOP = Disabled(Button("STO&P"));
+    Control BtnSwitchMcsOcs = Button("Sw&itch MCS OCS"), LabelDirection = Label("");
+    Control BtnSEED = Disabled(Button("SEED")), BtnDetails = Button("&Details");
     Control BtnSecSolution = Button("Second solution"), BtnSecAffSol = Button("Second affine solution"),
             BtnShowAlternativeRottAff = Disabled(Button("Alternative rotation and affine"));
 

@@ -1,11 +1,14 @@
 // The calculation window's choice of parameters and norm: what each box and option does to the others.
+#include <algorithm>
 #include <array>
 #include <vector>
 
 #include "core/job.h"
 #include "core/units.h"
 #include "engine/calculation_window.h"
+#include "engine/field_number.h"
 #include "engine/monte_carlo.h"
+#include "engine/presets.h"
 #include "engine/selection.h"
 
 namespace {
@@ -43,6 +46,41 @@ private:
     bool wanted_ = IsTrue(Job.AutoRecalc);
 };
 
+// --- The mark of the presets
+// --------------------------------------------------------------------------------------
+
+struct PresetMark {
+    const char* Preset;
+    Control* Option;
+};
+const PresetMark kMarks[] = {{"level", &w.OptionHoldLevel},
+                             {"6", &w.Option6Parameter},
+                             {"7", &w.Option7Parameter},
+                             {"9", &w.Option9Parameter},
+                             {"12", &w.Option12}};
+
+bool BoxesAreThoseOf(const char* preset) {
+    const auto rows = ParameterRows();
+    return std::all_of(rows.begin(), rows.end(), [preset](const ParameterControls& row) {
+        return (row.Check->Value == 1) == FloatsInPreset(preset, row.Parameter);
+    });
+}
+
+bool HoldsNothingOfItsOwn(const ParameterControls& row) {
+    const std::string& text = row.Text->Text;
+    if (row.Check->Value == 1 || text == kNotUsed) return true;
+    const ParameterKind kind = KindOf(row.Parameter);
+    const double value = kind == ParameterKind::Angle ? FieldAngle(text) : FieldNumber(text);
+    return value == (kind == ParameterKind::Scale ? 1 : 0);
+}
+
+// A preset whose boxes the user has changed is no longer the choice, and can be chosen again.
+void UnmarkPreset() {
+    if (CalculationWindow.ChoosingPreset) return;
+    for (const PresetMark& mark : kMarks)
+        if (mark.Option->Value == 1 && !BoxesAreThoseOf(mark.Preset)) mark.Option->Value = 0;
+}
+
 // --- Boxes
 // ----------------------------------------------------------------------------------------------------
 
@@ -67,6 +105,7 @@ void FloatOrHold(int parameter) {
 
 void PlainBox(int parameter) {
     FloatOrHold(parameter);
+    UnmarkPreset();
     RecalculateIfAutomatic();
 }
 
@@ -85,6 +124,7 @@ void ScaleBox(int parameter) {
         TurnFrom(*row.Text, kFloat, "1");
     }
     FollowWithSeed(row);
+    UnmarkPreset();
     RecalculateIfAutomatic();
 }
 
@@ -140,6 +180,7 @@ void FormTrafoBerechnung::CheckScaleXYZ_Click() {
         for (Control* const text : single) SetText(*text, kNotUsed);
         FollowWithSeed(RowOf(kScaleXYZ));
     }
+    UnmarkPreset();
     RecalculateIfAutomatic();
 }
 
@@ -159,6 +200,7 @@ void FormTrafoBerechnung::CheckRDist_Click() {
     w.CheckUseABC.Enabled = !floats;
     w.CheckRDataKnown.Enabled = floats;
     INI_Rdist();
+    UnmarkPreset();
     RecalculateIfAutomatic();
 }
 
@@ -177,6 +219,7 @@ void FormTrafoBerechnung::CheckUseABC_Click() {
         FollowWithSeed(row);
     }
     INI_Rdist();
+    UnmarkPreset();
     RecalculateIfAutomatic();
 }
 
@@ -267,9 +310,19 @@ const std::vector<Control*>& RigidBoxes() {
     return boxes;
 }
 
+// While it lives the boxes that change are those of a preset.
+class Choosing {
+public:
+    Choosing() { CalculationWindow.ChoosingPreset = true; }
+    ~Choosing() { CalculationWindow.ChoosingPreset = false; }
+    Choosing(const Choosing&) = delete;
+    Choosing& operator=(const Choosing&) = delete;
+};
+
 void Preset(void (*choose)()) {
     {
         const OneRecalculation once;
+        const Choosing choosing;
         CheckReset();
         AnzeigeReset();
         choose();
@@ -278,6 +331,12 @@ void Preset(void (*choose)()) {
 }
 
 }  // namespace
+
+void MarkPreset() {
+    const auto rows = ParameterRows();
+    const bool plain = std::all_of(rows.begin(), rows.end(), HoldsNothingOfItsOwn);
+    for (const PresetMark& mark : kMarks) mark.Option->Value = plain && BoxesAreThoseOf(mark.Preset) ? 1 : 0;
+}
 
 void FormTrafoBerechnung::OptionHoldLevel_Click() {
     Preset([] {

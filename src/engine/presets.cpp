@@ -26,12 +26,23 @@ const std::vector<Preset>& Presets() {
     return presets;
 }
 
-}  // namespace
-
-bool SelectPreset(const std::string& preset) {
+const Preset* FindPreset(const std::string& preset) {
     const auto found = std::find_if(Presets().begin(), Presets().end(),
                                     [&preset](const Preset& known) { return preset == known.Name; });
-    if (found == Presets().end()) return false;
+    return found == Presets().end() ? nullptr : &*found;
+}
+
+}  // namespace
+
+bool FloatsInPreset(const std::string& preset, int parameter) {
+    const Preset* found = FindPreset(preset);
+    return found != nullptr &&
+           std::find(found->Float.begin(), found->Float.end(), parameter) != found->Float.end();
+}
+
+bool SelectPreset(const std::string& preset) {
+    const Preset* found = FindPreset(preset);
+    if (found == nullptr) return false;
     for (int k = 1; k < kParameterEnd; ++k)
         Job.ParamText[static_cast<std::size_t>(k)] = k <= kRotZ ? "0" : kNotUsed;
     for (const int k : found->Float) Job.ParamText[static_cast<std::size_t>(k)] = kFloat;

@@ -25,6 +25,7 @@
 
 #include "ui/colours.h"
 #include "ui/desktop.h"
+#include "ui/field_width.h"
 #include "ui/grid_view.h"
 #include "ui/qt_text.h"
 
@@ -213,6 +214,7 @@ void Connect(const Bound& bound) {
     if (auto* text = As<QLineEdit>(bound)) {
         QObject::connect(text, &QLineEdit::textEdited, text,
                          [&c](const QString& typed) { UserDid([&] { UserSetText(c, S(typed)); }); });
+        if (text->property("fits").toBool()) FitWidthToText(*text);
     } else if (auto* page = As<QPlainTextEdit>(bound)) {
         QObject::connect(page, &QPlainTextEdit::textChanged, page,
                          [&c, page] { UserDid([&] { UserSetText(c, S(page->toPlainText())); }); });

@@ -114,6 +114,45 @@ TEST_F(ParameterBoxes, PresetsSetTheirBoxes) {
     }
 }
 
+TEST_F(ParameterBoxes, AnOpenedJobMarksThePresetThatItStandsOn) {
+    Open();
+    for (Control* const option :
+         {&w.OptionHoldLevel, &w.Option7Parameter, &w.Option9Parameter, &w.Option12, &w.Option6Parameter}) {
+        SCOPED_TRACE(option->Text);
+        UserSetValue(*option, 1);
+        Calculate();
+        UnloadWindow("FormTrafoBerechnung");
+        Open();
+        EXPECT_EQ(option->Value, 1);
+        int marked = 0;
+        for (const Control* other :
+             {&w.OptionHoldLevel, &w.Option6Parameter, &w.Option7Parameter, &w.Option9Parameter, &w.Option12})
+            marked += other->Value;
+        EXPECT_EQ(marked, 1);
+    }
+}
+
+TEST_F(ParameterBoxes, AJobThatHoldsAValueOfItsOwnStandsOnNoPreset) {
+    Open();
+    UserSetText(w.TextScaleXYZ, "1.001");
+    Calculate();
+    UnloadWindow("FormTrafoBerechnung");
+    Open();
+    EXPECT_EQ(FloatingParameters().size(), 6u);
+    EXPECT_EQ(w.Option6Parameter.Value, 0);
+}
+
+TEST_F(ParameterBoxes, APresetIsNoLongerMarkedOnceItsBoxesHaveChangedAndCanBeChosenAgain) {
+    Open();
+    UserSetValue(w.CheckScaleXYZ, 1);
+    EXPECT_EQ(w.Option6Parameter.Value, 0);
+    UserSetValue(w.Option6Parameter, 1);
+    EXPECT_EQ(FloatingParameters(), (Numbers{1, 2, 3, 4, 5, 6}));
+    EXPECT_EQ(w.Option6Parameter.Value, 1);
+    UserSetValue(w.CheckRotX, 0);
+    EXPECT_EQ(w.Option6Parameter.Value, 0);
+}
+
 TEST_F(ParameterBoxes, HoldLevelLeavesNoScale) {
     Open();
     UserSetValue(w.Option9Parameter, 1);

@@ -1,0 +1,8 @@
+// Fields that are wide enough for the number that stands in them.
+#pragma once
+
+class QLineEdit;
+
+// Lets a field become as wide as its text needs, at most about 30 digits. It does not become narrower again,
+// so that a window is calm while numbers change; the form says how wide it is at least.
+void FitWidthToText(QLineEdit& field);
