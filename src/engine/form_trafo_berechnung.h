@@ -76,7 +76,7 @@ struct FormTrafoBerechnung {
     Control BtnSwitchMcsOcs = Button("Sw&itch MCS OCS"), LabelDirection = Label("");
     Control BtnSEED = Disabled(Button("SEED")), BtnDetails = Button("&Details");
     Control BtnSecSolution = Button("Second solution"), BtnSecAffSol = Button("Second affine solution"),
-            BtnShowAlternativeRottAff = Disabled(Button("Alternative rotation and affine"));
+            BtnShowAlternativeRottAff = Disabled(Button("Alternative solution"));
 
     // Quality of the fit, each value with its trend against the calculation before: green has become
     // smaller.

@@ -16,6 +16,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStyle>
 #include <QTableView>
 #include <QTimer>
 #include <QToolBar>
@@ -72,6 +73,21 @@ Widget* As(const Bound& bound) {
 
 // --- Showing ----------------------------------------------------------------------------------------------
 
+// A field with a ground of its own warns; the colour alone would not tell everybody.
+void ShowWarning(QLineEdit& field, bool warns) {
+    const QLatin1String name("_Warning");
+    auto* sign = field.findChild<QAction*>(name);
+    if (warns == (sign != nullptr)) return;
+    if (!warns) {
+        field.removeAction(sign);
+        delete sign;
+        return;
+    }
+    sign = field.addAction(field.style()->standardIcon(QStyle::SP_MessageBoxWarning),
+                           QLineEdit::LeadingPosition);
+    sign->setObjectName(name);
+}
+
 void ShowColours(QWidget& widget, const Control& c) {
     QPalette palette = widget.parentWidget() != nullptr ? widget.parentWidget()->palette() : QPalette();
     // Black is the desktop's own text colour, which a dark palette has as a light one.
@@ -81,10 +97,14 @@ void ShowColours(QWidget& widget, const Control& c) {
     if (!ownGround) {
         palette.setColor(widget.backgroundRole(), ColourOf(c.BackColor));
         palette.setColor(QPalette::Base, ColourOf(c.BackColor));
-        if (own) palette.setColor(widget.foregroundRole(), QColor::fromRgb(kDarkText));
+        // A form's style gives a field that is out of reach the text colour of labels.
+        if (own)
+            for (const auto role : {widget.foregroundRole(), QPalette::WindowText})
+                palette.setColor(role, QColor::fromRgb(kDarkText));
     }
     widget.setPalette(palette);
     widget.setAutoFillBackground(!ownGround);
+    if (auto* field = qobject_cast<QLineEdit*>(&widget)) ShowWarning(*field, !ownGround);
 }
 
 Qt::CheckState MarkOf(const Control& c) {
@@ -120,6 +140,7 @@ void ShowWidget(Bound& bound) {
     if (auto* text = As<QLineEdit>(bound)) {
         if (text->text() != Q(c.Text)) text->setText(Q(c.Text));
         text->setReadOnly(c.Locked);
+        FitWidthToText(*text);
     } else if (auto* page = As<QPlainTextEdit>(bound)) {
         if (page->toPlainText() != Q(c.Text)) page->setPlainText(Q(c.Text));
         page->setReadOnly(c.Locked);
@@ -214,7 +235,6 @@ void Connect(const Bound& bound) {
     if (auto* text = As<QLineEdit>(bound)) {
         QObject::connect(text, &QLineEdit::textEdited, text,
                          [&c](const QString& typed) { UserDid([&] { UserSetText(c, S(typed)); }); });
-        if (text->property("fits").toBool()) FitWidthToText(*text);
     } else if (auto* page = As<QPlainTextEdit>(bound)) {
         QObject::connect(page, &QPlainTextEdit::textChanged, page,
                          [&c, page] { UserDid([&] { UserSetText(c, S(page->toPlainText())); }); });

@@ -31,6 +31,13 @@ namespace {
 
 using Point = std::array<double, 3>;
 
+// What the user may have to wait, with room for a build that is not optimised.
+#ifdef NDEBUG
+constexpr int kLongestGap_ms = 100, kRepaint_ms = 50;
+#else
+constexpr int kLongestGap_ms = 1000, kRepaint_ms = 500;
+#endif
+
 // The target is the start system turned by 30 degrees about z and shifted; one point may stand wrong in z.
 class CalculationByHand : public DesktopTest {
 protected:
@@ -143,7 +150,7 @@ protected:
         Click("FormTrafoBerechnung.BtnCalculate");
         watch.stop();
         EXPECT_TRUE(looked) << "the run was over too soon";
-        EXPECT_LT(longest_ms, 500);
+        EXPECT_LT(longest_ms, kLongestGap_ms);
         RecordProperty("longest_gap_ms", static_cast<int>(longest_ms));
         std::printf("longest gap between events %d ms, run ended after %d ms\n", static_cast<int>(longest_ms),
                     static_cast<int>(whole.elapsed()));
@@ -245,12 +252,21 @@ TEST_F(CalculationByHand, AThousandPointsFollowAUseCellQuickly) {
     int row = 0;  // the points stand in the order of their names
     while (row < 999 && Table()->model()->index(row, kColName).data().toString() != QLatin1String("P1000"))
         ++row;
-    QElapsedTimer since;
-    since.start();
-    DoubleClickCell(row, kColUseZ);
-    const int took_ms = static_cast<int>(since.elapsed());
-    std::printf("use cell of 1000 points: %d ms until it was painted\n", took_ms);
-    EXPECT_LT(took_ms, 500);
+    Paints paints;
+    Table()->viewport()->installEventFilter(&paints);
+    // The best of five: the machine may do something else meanwhile.
+    int best_ms = 1000;
+    for (int turn = 0; turn < 5; ++turn) {
+        const int before = paints.Count;
+        QElapsedTimer since;
+        since.start();
+        DoubleClickCell(row, kColUseZ);
+        best_ms = std::min(best_ms, static_cast<int>(since.elapsed()));
+        EXPECT_GT(paints.Count, before);
+        EXPECT_EQ(Field("TextSxyz") == "0.000", turn % 2 == 0);
+    }
+    std::printf("use cell of 1000 points: %d ms until it was painted\n", best_ms);
+    EXPECT_LT(best_ms, kRepaint_ms);
     ExpectTruth();
 }
 
@@ -380,6 +396,7 @@ TEST_F(LongRun, CancelOfTheProgressEndsAPairingThatADialogBegan) {
     watch.stop();
     std::printf("longest gap between events while pairing %d ms\n", static_cast<int>(longest_ms));
     EXPECT_TRUE(looked);
+    EXPECT_LT(longest_ms, kLongestGap_ms);
     EXPECT_FALSE(IsOpen("FormProgressBar"));
     EXPECT_TRUE(IsOpen("FormInputFiles"));
     EXPECT_LT(Job.nIdent, 1500);
