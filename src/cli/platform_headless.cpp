@@ -126,3 +126,11 @@ char SystemDecimal() {
 bool FlushToDisk(std::FILE* file) {
     return fsync(fileno(file)) == 0;
 }
+
+std::optional<std::int32_t> AskColour(std::int32_t) {
+    return std::nullopt;
+}
+void WaitForWindow(const std::string&) {}
+bool SetClipboardPicture(int, int, const std::uint32_t*, std::ptrdiff_t) {
+    return false;
+}

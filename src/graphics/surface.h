@@ -32,6 +32,9 @@ struct Surface {
     void (*Line)(Surface&, float x1, float y1, float x2, float y2, Colour colour, int width) = nullptr;
     // Outline `width` wide; filled with `fill` unless that is kNoFill.
     void (*Circle)(Surface&, float x, float y, float radius, Colour colour, Colour fill, int width) = nullptr;
+    // Writes a text into the picture, its top left corner at (x, y); for pictures that leave the window with
+    // their labels.
+    void (*Text)(Surface&, float x, float y, const std::string& text, Colour colour) = nullptr;
     // Tells that the picture has changed and may be shown.
     void (*Refresh)(Surface&) = nullptr;
     void (*Close)(Surface&) = nullptr;  // frees what stands behind the table
