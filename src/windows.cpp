@@ -62,6 +62,7 @@ void (*const kRecords[])() = {
     [] { Screens() = ScreensRecord{}; },
     [] { Scene = SceneRecord{}; },
     [] { Tolerance = ToleranceRecord{}; },
+    [] { SaveViewAnswer = SaveViewRecord{}; },
 };
 
 }  // namespace

@@ -1,10 +1,12 @@
 // What the other rooms tell the graphics windows after a change.
+#include "core/form_main.h"
 #include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "graphics/drawing.h"
 #include "graphics/scene.h"
 #include "graphics/screen_window.h"
+#include "graphics/view_undo.h"
 
 namespace {
 
@@ -40,6 +42,10 @@ void ApplyTopGraphicsModes() {
                       : window->SetLine                ? ScreenPointer::SetsLine
                       : IsTrue(window->State.FlagMode) ? ScreenPointer::SetsFlag
                                                        : ScreenPointer::Arrow;
+    Main.MenüAnsichtAnalyseModeActive.Checked = window->AnalyseMode;
+    Main.ToolbarGraphics_AnalyseMode.Value = window->AnalyseMode ? 1 : 0;
+    Main.MenüAnsichtToleranzenColorbar.Checked = IsTrue(Settings.ShowColorBar);
+    ShowUndoState();  // the buttons have just been enabled with all others
 }
 
 // The active window goes last: its settings are those that a new window begins with.
