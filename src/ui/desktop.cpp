@@ -41,6 +41,7 @@
 #include "ui/places.h"
 #include "ui/portal.h"
 #include "ui/qt_text.h"
+#include "ui/screen_windows.h"
 #include "ui/theme.h"
 
 namespace {
@@ -388,6 +389,7 @@ void OpenDesktop() {
     // A smaller frame leaves its windows where they are, and in reach.
     Desktop.Area->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     Desktop.Area->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    BeginScreens(*Desktop.Area);
     if (auto* bar = frame->findChild<QToolBar*>(QStringLiteral("ToolbarSaveView"))) {
         auto* combo = new QComboBox(bar);
         combo->setObjectName(QStringLiteral("ComboSaveView"));
@@ -410,6 +412,7 @@ void OpenDesktop() {
 void CloseDesktop() {
     while (!Desktop.Windows.empty()) CloseOne(*Desktop.Windows.begin()->first);
     UnbindWindow(FormMain_Entry);
+    EndScreens();
     if (Desktop.BusyShown) QApplication::restoreOverrideCursor();
     delete Desktop.FrameWindow;
     Desktop = DesktopRecord{};
@@ -442,6 +445,7 @@ void ShowState(bool insideWork) {
         if (open.Outer->windowTitle() != title) open.Outer->setWindowTitle(title);
         if (open.Form->isEnabled() != window->State->Enabled) open.Form->setEnabled(window->State->Enabled);
     }
+    ShowScreens(insideWork);
     ShowPointer();
     ShowPopUp();
     Desktop.Showing = false;
