@@ -103,9 +103,10 @@ void KeepBordersOnScreen(QMainWindow& frame) {
 
 // --- Windows inside the frame -----------------------------------------------------------------------------
 
-// A graphics window, where no size is stored.
-constexpr QSize kScreenSize{900, 640};
-constexpr QSize kLeastScreenSize{200, 160};
+// A graphics window that nobody has sized leaves room for a table beside it.
+constexpr QSize kLargestScreen{1100, 780};
+constexpr QSize kLeastScreen{200, 160};
+constexpr double kShareOfScreen = 0.62;
 
 std::vector<QRect> Others(const QMdiArea& area, const QWidget* outer) {
     std::vector<QRect> others;
@@ -196,7 +197,11 @@ void PlaceChild(const WindowEntry& window, QWidget& form, QWidget& outer, const 
 
 QRect ScreenPlace(const WindowPlace& place, std::string_view name, bool first, const QWidget* outer,
                   const QMdiArea& area) {
-    return ChildRect(place, name, kScreenSize, kLeastScreenSize, outer, area, !first);
+    const QSize room = area.viewport()->size();
+    const QSize natural =
+        QSize(static_cast<int>(room.width() * kShareOfScreen), room.height()).boundedTo(kLargestScreen);
+    const bool own = !IsFirstPlace(place, name);
+    return ChildRect(own ? place : WindowPlace{}, name, natural, kLeastScreen, outer, area, !first || !own);
 }
 
 void PlaceDialog(const WindowEntry& window, QWidget& form, QWidget& outer, const QWidget& frame) {
