@@ -5,6 +5,7 @@
 
 #include "cli/arguments.h"
 #include "cli/automate.h"
+#include "cli/automate_screens.h"
 #include "cli/fit.h"
 #include "cli/fit_arguments.h"
 #include "cli/headless.h"
@@ -49,6 +50,19 @@ CLI::App* AddConvert(CLI::App& app, JobSwitches& s) {
     return convert;
 }
 
+// "800x600"; false when the text is none.
+bool SizeFromText(const std::string& text, int& width, int& height) {
+    char behind = 0;
+    return std::sscanf(text.c_str(), "%9dx%9d%c", &width, &height, &behind) == 2 && width > 0 && height > 0;
+}
+
+std::string CheckSizeText(const std::string& text) {
+    int width = 0;
+    int height = 0;
+    if (!SizeFromText(text, width, height)) return "a size is written as 800x600";
+    return CheckScreenSize(width, height);
+}
+
 struct AutomateSwitches {
     AutomationOptions Options;
     std::string SettingsDir, Decimal, Screen = "800x600";
@@ -66,13 +80,7 @@ CLI::App* AddAutomate(CLI::App& app, AutomateSwitches& s) {
         ->type_name("DIR");
     automate->add_option("--job", s.Options.Job, "Job file to open at the start")->type_name("FILE");
     automate->add_option("--screen", s.Screen, "Inner size of a new graphics window, pixels")
-        ->check([](const std::string& text) {
-            int width = 0;
-            int height = 0;
-            char behind = 0;
-            const int read = std::sscanf(text.c_str(), "%5dx%5d%c", &width, &height, &behind);
-            return std::string(read == 2 && width > 0 && height > 0 ? "" : "a size is written as 800x600");
-        })
+        ->check(CheckSizeText)
         ->type_name("WxH")
         ->capture_default_str();
     AddDecimal(*automate, s.Decimal, "Options");
@@ -101,7 +109,7 @@ void TakeJobSwitches(JobSwitches& s) {
 int Serve(AutomateSwitches& s, std::istream& in, std::ostream& out) {
     if (!s.SettingsDir.empty()) Headless.SettingsDir = s.SettingsDir;
     if (!s.Decimal.empty()) Headless.Decimal = DecimalOf(s.Decimal);
-    std::sscanf(s.Screen.c_str(), "%dx%d", &s.Options.ScreenWidth, &s.Options.ScreenHeight);
+    SizeFromText(s.Screen, s.Options.ScreenWidth, s.Options.ScreenHeight);
     Automate(s.Options, in, out);
     return out ? kDone : kRefused;  // nobody has read the replies
 }
