@@ -138,6 +138,12 @@ json DoSet(const json& request) {
             if (value != true && value != 1) Refuse("an option can only be selected");
             UserSetValue(control, 1);
             break;
+        case ControlKind::Scroll:
+            if (!value.is_number_integer() || value < control.Min || value > control.Max)
+                Refuse("this scroll bar takes " + std::to_string(control.Min) + " to " +
+                       std::to_string(control.Max));
+            UserSetValue(control, value.get<int>());
+            break;
         case ControlKind::Combo:
             UserSetIndex(control, ListEntry(control, value));
             break;

@@ -5,6 +5,7 @@
 #include "graphics/drawing.h"
 #include "graphics/scene.h"
 #include "graphics/screen_window.h"
+#include "graphics/view_undo.h"
 
 namespace {
 
@@ -40,6 +41,7 @@ void ApplyTopGraphicsModes() {
                       : window->SetLine                ? ScreenPointer::SetsLine
                       : IsTrue(window->State.FlagMode) ? ScreenPointer::SetsFlag
                                                        : ScreenPointer::Arrow;
+    ShowUndoState();  // the main window has just enabled its tool bars as a whole
 }
 
 // The active window goes last: its settings are those that a new window begins with.

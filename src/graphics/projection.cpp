@@ -109,12 +109,11 @@ void TurnUsedVectors(const Mat3& M) {
     }
 }
 
-// The armed centre of rotation: the point of its row, which goes to the middle of the picture with the box of
-// the view as it stood before.
+// The armed centre of rotation: the point of its row; the box of the window's view as it stood before goes to
+// the middle of the picture. The tables may hold the view of another window by now.
 void TakeRotationCenter(ScreenWindow& window) {
     const auto row = static_cast<std::size_t>(Scene.RotateAboutIndex);
     Scene.RotCenter = {Scene.Points[kSceneX][row], Scene.Points[kSceneY][row], Scene.Points[kSceneZ][row]};
-    Max_Min(window);
     CenterBox(window);
     Scene.RotateAboutArmed = false;
     Main.MenüGlobalRotateAbout.Checked = false;

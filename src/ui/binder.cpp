@@ -16,6 +16,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollBar>
 #include <QStyle>
 #include <QTableView>
 #include <QTimer>
@@ -278,6 +279,8 @@ bool FitsKind(ControlKind kind, const Bound& bound) {
             return As<QGroupBox>(bound) != nullptr;
         case ControlKind::Progress:
             return As<QProgressBar>(bound) != nullptr;
+        case ControlKind::Scroll:
+            return As<QScrollBar>(bound) != nullptr;
         case ControlKind::Grid:
             return As<QTableView>(bound) != nullptr;
         case ControlKind::Toolbar:
