@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <algorithm>
 #include <map>
+#include <utility>
 #include <vector>
 
 #include "core/platform.h"
@@ -67,15 +68,18 @@ void Fill(Surface& screen) {
     screen.Refresh = Refresh;
 }
 
+class Inside : public QWidget {
+public:
+    QSize sizeHint() const override { return {400, 300}; }
+};
+
 // What a child window has around its inside.
 QSize BordersOfAChild() {
-    QMdiSubWindow child;
-    auto* inside = new QWidget;
+    QWidget parent;
+    QMdiSubWindow child(&parent);
+    auto* inside = new Inside;
     child.setWidget(inside);
-    child.resize(400, 300);
-    child.ensurePolished();
-    const QMargins margins = child.contentsMargins();
-    return {margins.left() + margins.right(), margins.top() + margins.bottom()};
+    return child.sizeHint() - inside->sizeHint();
 }
 
 WindowPlace StoredPlace() {
@@ -218,10 +222,11 @@ void BeginScreens(QMdiArea& area) {
 }
 
 void EndScreens() {
-    for (const auto& [id, view] : Shown.Views) delete view.Outer;
-    for (QMdiSubWindow* outer : Shown.Leaving) delete outer;
     FillSurface = nullptr;
-    Shown = ScreensShown{};
+    // A window that goes makes the next one active; nobody is to follow that any more.
+    const ScreensShown ended = std::exchange(Shown, ScreensShown{});
+    for (const auto& [id, view] : ended.Views) delete view.Outer;
+    for (QMdiSubWindow* outer : ended.Leaving) delete outer;
 }
 
 void ShowScreens(bool insideWork) {
