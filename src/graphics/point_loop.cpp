@@ -134,6 +134,11 @@ PointLook LookOf(const ScreenWindow& window) {
             IsTrue(Settings.VectorThick) ? state.BigNess : 1, ActualRow()};
 }
 
+// A row with a flag is never left out, wherever it lies.
+bool HasFlag(const ScreenRecord& state, std::size_t row) {
+    return row <= state.FlagIndex.size() && state.FlagIndex[row - 1] != 0;
+}
+
 void DrawDot(ScreenWindow& window, std::size_t row, const DepthSize& depth) {
     const int bigness = window.State.BigNess;
     const float x = Scene.PixelX[row], y = Scene.PixelY[row];
@@ -152,11 +157,12 @@ void DrawDot(ScreenWindow& window, std::size_t row, const DepthSize& depth) {
 
 void DrawRow(ScreenWindow& window, std::size_t row, const DepthSize& depth, const PointLook& look) {
     const float x = Scene.PixelX[row], y = Scene.PixelY[row];
-    if (!InReach(window.Screen, x, y)) return;
+    const bool inReach = InReach(window.Screen, x, y);
+    if (!inReach && !HasFlag(window.State, row)) return;
     if (look.Names && Scene.Points[kScenePlotted][row] == 1.0F && Scene.Points[kSceneInside][row] == 1.0F)
         SetLabelToPos(window, ScenePointName(static_cast<int>(row)), x + 5, y + 5);
     if (Scene.Paint[row] == 0) return;
-    DrawDot(window, row, depth);
+    if (inReach) DrawDot(window, row, depth);
     const auto colour = static_cast<Colour>(Scene.Points[kSceneColour][row]);
     if (look.Vectors && static_cast<int>(row) <= Scene.Ident && window.Screen.Line != nullptr)
         window.Screen.Line(window.Screen, x, y, x + Scene.VecPixelX[row], y + Scene.VecPixelY[row], colour,

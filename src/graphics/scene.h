@@ -36,6 +36,7 @@ struct SceneRecord {
     std::array<std::vector<float>, 4> View;                // ViewPoints, columns 1 to 3
     std::array<std::vector<float>, 3> Vectors;             // ViewVectors, columns 1 and 2
     std::vector<float> PixelX, PixelY, PixelZ, VecPixelX, VecPixelY;
+    std::uint64_t PixelsOf = 0;  // Id of the window whose picture the pixel tables hold, 0 = of none
     Vec3 RotCenter;
     int RotateAboutIndex = 0;
     bool RotateAboutArmed = false;
@@ -51,6 +52,10 @@ struct SceneRecord {
     const ScreenWindow* PlottedFor = nullptr;  // whose classes column 12 follows
     std::uint64_t JobGeneration = 0;
     std::uint64_t Stamp = 0;  // counted up whenever the table is filled from the job
+
+    // Diagonal of the box about the start points (MaxMinGlobalSys), mm, of the table with this stamp.
+    double Diagonal = 0;
+    std::uint64_t DiagonalStamp = 0;
 };
 inline SceneRecord Scene;
 
