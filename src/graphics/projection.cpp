@@ -189,6 +189,7 @@ void Rechne_pixel(ScreenWindow& window) {
     for (std::vector<float>* table :
          {&Scene.PixelX, &Scene.PixelY, &Scene.PixelZ, &Scene.VecPixelX, &Scene.VecPixelY})
         table->resize(size);
+    Scene.PixelsOf = window.Id;
     const double F = window.State.BildFaktor;
     ScaleAndShift(rows, Scene.View[1].data() + 1, F, window.State.BildOffsetX, Scene.PixelX.data() + 1);
     ScaleAndShift(rows, Scene.View[2].data() + 1, -F,

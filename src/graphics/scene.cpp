@@ -140,6 +140,7 @@ void Grafik_Festlegen(ScreenWindow& window) {
     Scene.OCSOnly = counts.OCSOnly;
     Scene.JobGeneration = Run.JobGeneration;
     ++Scene.Stamp;
+    Scene.PixelsOf = 0;
     SizeTables(counts.Rows());
     if (window.State.FlagIndex.size() != static_cast<std::size_t>(Scene.Rows)) {
         window.State.FlagIndex.resize(static_cast<std::size_t>(Scene.Rows));

@@ -36,6 +36,7 @@ struct SceneRecord {
     std::array<std::vector<float>, 4> View;                // ViewPoints, columns 1 to 3
     std::array<std::vector<float>, 3> Vectors;             // ViewVectors, columns 1 and 2
     std::vector<float> PixelX, PixelY, PixelZ, VecPixelX, VecPixelY;
+    std::uint64_t PixelsOf = 0;  // Id of the window whose picture the pixel tables hold, 0 = of none
     Vec3 RotCenter;
     int RotateAboutIndex = 0;
     bool RotateAboutArmed = false;

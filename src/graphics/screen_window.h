@@ -38,6 +38,7 @@ struct ScreenMouse {
     int FrameLeft = 0, FrameTop = 0, FrameWidth = 0, FrameHeight = 0;
     Colour FrameColor = 0;
     bool ZoomedByFrame = false;  // the click that ends a frame zoom is no click
+    bool ViewMoved = false;      // by the present press: its end is no end of a frame
     bool KeyT = false, KeyB = false;
 };
 
@@ -50,7 +51,9 @@ struct ScreenWindow {
     std::array<ScreenRecord, kUndoSlots + 1> UndoRing;  // from 1
     int UndoIndex = 0, UndoCount = 0, UndoOffset = 0;
     bool SetLine = false, DeleteLine = false;
+    bool LineSearchTold = false;  // since DeleteLine was turned on: the user knows that no line is there
     bool AnalyseMode = false, AnalysePaused = false;
+    bool AnalyseLoop = false;  // AnalyseModeAction runs for this window
     bool SetMinMaxOnChange = false;
     Colour BackColor = 0;  // of ScreenPixel
     ScreenPointer Pointer = ScreenPointer::Arrow;

@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr double kZoomStep = 0.7;
 constexpr double kVectorStep = 1.5;
 constexpr double kLongestVectors = 1e7, kShortestVectors = 1e-30;  // Vec_Maßstab, pixels per mm
 

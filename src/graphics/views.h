@@ -12,6 +12,7 @@ void TopView(ScreenWindow& window);
 void SideView(ScreenWindow& window);
 void FrontView(ScreenWindow& window);
 void IsoView(ScreenWindow& window);
+inline constexpr double kZoomStep = 0.7;
 void ZoomIn(ScreenWindow& window);  // about the mouse after a step of the wheel, else about the middle
 void ZoomOut(ScreenWindow& window);
 // BildFaktor becomes `factor`, the picture point (x, y) stays where it is; no repaint.
