@@ -37,6 +37,7 @@
 #include "import/form_input_files.h"
 #include "ui/binder.h"
 #include "ui/clipboard.h"
+#include "ui/colour_sample.h"
 #include "ui/places.h"
 #include "ui/portal.h"
 #include "ui/program_keys.h"
@@ -153,6 +154,7 @@ void OpenOne(const WindowEntry& window) {
         open.Outer = Desktop.Area->addSubWindow(open.Form);
     }
     BindWindow(window, *open.Form);
+    if (&window == &FormColorBar_Entry) AddColourSample(*open.Form);
     Desktop.Windows[&window] = open;
     open.Outer->setAttribute(Qt::WA_DeleteOnClose, false);
     open.Outer->installEventFilter(new WindowEvents(window, *open.Outer));
@@ -403,6 +405,7 @@ void ShowState(bool insideWork) {
     for (auto& [window, open] : Desktop.Windows) {
         BringToFront(*window, open);
         ShowControls(*window, panels);
+        if (window == &FormColorBar_Entry) ShowColourSample(*open.Form);
         const QString title = Q(window->State->Caption);
         if (open.Outer->windowTitle() != title) open.Outer->setWindowTitle(title);
         if (open.Form->isEnabled() != window->State->Enabled) open.Form->setEnabled(window->State->Enabled);
