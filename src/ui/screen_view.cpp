@@ -111,7 +111,7 @@ void ScreenView::PlaceBar(const ScreenWindow& window) {
     const int rows = std::min(window.Screen.StatusBarHeight, height());
     const QRect place(0, height() - rows, width(), rows);
     if (bar_.geometry() != place) bar_.setGeometry(place);
-    bar_.setVisible(rows > 0);
+    bar_.setVisible(rows > 0 && window.StatusBarVisible);
 }
 
 void ScreenView::ShowWindow(const ScreenWindow& window) {
