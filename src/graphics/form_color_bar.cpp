@@ -164,6 +164,13 @@ void ApplyIfAuto() {
 
 void NumberChanged(Control& text) {
     text.Text = NumberCharacters(text.Text);
+    struct Typed {
+        Typed() { ColorBarWindow.Typing = true; }
+        ~Typed() { ColorBarWindow.Typing = false; }
+        Typed(const Typed&) = delete;
+        Typed& operator=(const Typed&) = delete;
+    };
+    const Typed typed;
     ApplyIfAuto();
 }
 
@@ -310,7 +317,7 @@ void ColorBar_ShowWindow(const ScreenWindow& window) {
 }
 
 void ColorBar_ShowLimits(const ScreenWindow& window) {
-    if (!IsLoaded("FormColorBar") || &window != Screens().Active) return;
+    if (!IsLoaded("FormColorBar") || ColorBarWindow.Typing || &window != Screens().Active) return;
     Dialog& d = ColorBarWindow;
     d.LengthFactor = Units.LengthFactor;
     d.LabelUnit1.Text = d.LabelUnit2.Text = Job.LengthUnitName;

@@ -52,6 +52,7 @@ struct FormColorBar {
     // The limits as they were filled in, and the length factor of then; unchanged they are not read back.
     std::string UpperShown, LowerShown;
     double LengthFactor = 1;
+    bool Typing = false;  // a number is being typed: its field stays as it is
 
     // Copies the active window's fields to the dialog, which applies nothing. Nothing happens without a
     // window.

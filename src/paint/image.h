@@ -11,3 +11,5 @@ QImage BarePictureOf(const ScreenWindow& window);
 
 // A copy with all labels on it, as a user sees the window.
 QImage PictureOf(const ScreenWindow& window);
+// The same into an image that keeps its memory from one paint to the next.
+void PictureInto(QImage& picture, const ScreenWindow& window);

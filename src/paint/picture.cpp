@@ -188,13 +188,25 @@ QImage BarePictureOf(const ScreenWindow& window) {
     return image;
 }
 
+void PictureInto(QImage& picture, const ScreenWindow& window) {
+    const QImage bare = BarePictureOf(window);
+    if (bare.isNull() || picture.size() != bare.size() || picture.format() != bare.format()) {
+        picture = bare.copy();
+    } else {
+        for (int row = 0; row < bare.height(); ++row)
+            std::copy_n(bare.constScanLine(row), bare.bytesPerLine(), picture.scanLine(row));
+        picture.setDevicePixelRatio(bare.devicePixelRatio());
+    }
+    if (picture.isNull()) return;
+    for (const ScreenLabel& label : window.Labels) DrawLabel(picture, window, label);
+    DrawLabel(picture, window, window.LabelScale);
+    DrawLabel(picture, window, window.LabelVectorScale);
+}
+
 QImage PictureOf(const ScreenWindow& window) {
-    QImage image = BarePictureOf(window).copy();
-    if (image.isNull()) return image;
-    for (const ScreenLabel& label : window.Labels) DrawLabel(image, window, label);
-    DrawLabel(image, window, window.LabelScale);
-    DrawLabel(image, window, window.LabelVectorScale);
-    return image;
+    QImage picture;
+    PictureInto(picture, window);
+    return picture;
 }
 
 std::string PictureBytes(const ScreenWindow& window) {

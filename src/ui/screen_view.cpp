@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
+#include <utility>
 
 #include "core/window.h"
 #include "paint/image.h"
@@ -111,7 +112,7 @@ void ScreenView::PlaceBar(const ScreenWindow& window) {
     const int rows = std::min(window.Screen.StatusBarHeight, height());
     const QRect place(0, height() - rows, width(), rows);
     if (bar_.geometry() != place) bar_.setGeometry(place);
-    bar_.setVisible(rows > 0);
+    bar_.setVisible(rows > 0 && window.StatusBarVisible);
 }
 
 void ScreenView::ShowWindow(const ScreenWindow& window) {
@@ -128,7 +129,7 @@ void ScreenView::ShowWindow(const ScreenWindow& window) {
     }
     const QRect frame = FrameOf(window);
     const bool drawn = stale_ || window.PaintCount != paintCount_;
-    if (drawn) picture_ = QImage();
+    pictureStale_ = pictureStale_ || drawn;
     if (drawn || window.BindingsShown != bindings_) {
         update();
     } else if (frame != frame_) {
@@ -145,7 +146,7 @@ void ScreenView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const ScreenWindow* window = Window();
     if (window == nullptr) return painter.fillRect(rect(), palette().mid());
-    if (picture_.isNull()) picture_ = PictureOf(*window);
+    if (std::exchange(pictureStale_, false)) PictureInto(picture_, *window);
     PaintScreen(painter, *window, picture_, size());
     // On a screen of another scale the picture is drawn anew, for its pixels.
     if (window->Screen.Pixels != nullptr && window->Screen.Scale != devicePixelRatioF()) sizes_.start();
