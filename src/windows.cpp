@@ -59,7 +59,11 @@ void (*const kRecords[])() = {
     [] { Spezial = SpezialRecord{}; },
     [] { LongImport = LongImportRecord{}; },
     [] { MainSheet = MainSheetRecord{}; },
-    [] { Screens() = ScreensRecord{}; },
+    [] {
+        for (const auto& window : Screens().Open)
+            if (window->Screen.Close != nullptr) window->Screen.Close(window->Screen);
+        Screens() = ScreensRecord{};
+    },
     [] { Scene = SceneRecord{}; },
     [] { Tolerance = ToleranceRecord{}; },
     [] { SaveViewAnswer = SaveViewRecord{}; },

@@ -23,6 +23,8 @@
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/window.h"
+#include "graphics/analyse_mode.h"
+#include "graphics/screen_window.h"
 
 using nlohmann::json;
 
@@ -36,10 +38,14 @@ struct DueRequest {
 };
 
 struct AutomationRecord {
-    std::vector<DueRequest> Due;  // requests to run at a coming yield
+    std::vector<DueRequest> Due;    // requests to run at a coming yield
+    std::uint64_t LastRequest = 0;  // the yield at which a request last came
     bool Quit = false;
 };
 AutomationRecord Automation;
+
+// Rounds that an analyse mode runs on while no request comes: ten times along the deviations and back.
+constexpr std::uint64_t kAnalyseRounds = 200;
 
 json Answer(const json& request);
 
@@ -137,6 +143,12 @@ json DoSet(const json& request) {
         case ControlKind::Option:
             if (value != true && value != 1) Refuse("an option can only be selected");
             UserSetValue(control, 1);
+            break;
+        case ControlKind::Scroll:
+            if (!value.is_number_integer() || value < control.Min || value > control.Max)
+                Refuse("this scroll bar takes " + std::to_string(control.Min) + " to " +
+                       std::to_string(control.Max));
+            UserSetValue(control, value.get<int>());
             break;
         case ControlKind::Combo:
             UserSetIndex(control, ListEntry(control, value));
@@ -347,6 +359,7 @@ const std::map<std::string, json (*)(const json&), std::less<>> kRequests = {
 // --- Replies ----------------------------------------------------------------------------------------------
 
 json Answer(const json& request) {
+    Automation.LastRequest = Headless.Yields;
     json reply = json::object();
     try {
         if (!request.is_object()) Refuse("a request is a JSON object");
@@ -362,6 +375,19 @@ json Answer(const json& request) {
     return reply;
 }
 
+// An analyse mode ends when the user ends it. One that no request is coming for would run for ever.
+void EndForgottenAnalyseModes() {
+    if (Headless.Yields < Automation.LastRequest + kAnalyseRounds) return;
+    for (const DueRequest& waiting : Automation.Due)
+        if (waiting.Yield < Headless.Yields + kAnalyseRounds) return;
+    for (const auto& window : Screens().Open) {
+        if (!window->AnalyseMode) continue;
+        Headless.Unanswered = true;
+        Dispatch([&window] { ToggleAnalyseMode(*window); });
+        return;  // handlers have run, the list may be another one; the next yield sees to the next
+    }
+}
+
 // Runs the requests that are due at this yield. What comes up in them belongs to their own replies, so
 // what the interrupted work has brought up so far is laid aside meanwhile.
 void AtYield() {
@@ -370,6 +396,7 @@ void AtYield() {
     for (DueRequest& waiting : Automation.Due)
         if (waiting.Yield == Headless.Yields) due.push_back(std::move(waiting.Request));
     std::erase_if(Automation.Due, [](const DueRequest& waiting) { return waiting.Yield <= Headless.Yields; });
+    if (due.empty()) EndForgottenAnalyseModes();
     for (const json& request : due) {
         Happenings kept = LayAside();
         kept.During.push_back(Answer(request));

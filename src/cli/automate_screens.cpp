@@ -14,6 +14,7 @@
 #include "core/window.h"
 #include "graphics/screen_events.h"
 #include "graphics/screen_window.h"
+#include "paint/picture.h"
 
 using nlohmann::json;
 
@@ -272,6 +273,20 @@ void DoMouse(std::uint64_t id, const std::string& what, MouseRequest mouse, cons
     }
 }
 
+// A picture that has left its window is put onto a surface again.
+void WriteClipboardPicture(const ClipboardImage& picture, const std::string& file) {
+    ScreenWindow sheet;
+    sheet.Screen.Width = picture.Width;
+    sheet.Screen.Height = picture.Height;
+    FillSurfaceWithPicture(sheet.Screen);
+    if (sheet.Screen.Pixels == nullptr) return;
+    for (int row = 0; row < picture.Height; ++row)
+        std::copy_n(picture.Pixels.begin() + static_cast<std::ptrdiff_t>(row) * picture.Width, picture.Width,
+                    sheet.Screen.Pixels + row * sheet.Screen.Stride);
+    WritePicture(sheet, file);
+    sheet.Screen.Close(sheet.Screen);
+}
+
 // --- Keys -------------------------------------------------------------------------------------------------
 
 struct KeyStroke {
@@ -325,7 +340,10 @@ void StartScreens(int width, int height) {
     Hands = HandsRecord{};
     Screens().NewWidth = width;
     Screens().NewHeight = height;
-    FillSurface = [](Surface& screen) { screen.StatusBarHeight = kStatusBarHeight; };
+    FillSurface = [](Surface& screen) {
+        FillSurfaceWithPicture(screen);
+        screen.StatusBarHeight = kStatusBarHeight;
+    };
 }
 
 bool IsScreenPlace(std::string_view at) {
@@ -382,8 +400,19 @@ json ScreenKey(const json& request) {
 }
 
 json ScreenPicture(const json& request) {
-    TextMember(request, "file");
-    if (FindWhole(request).Screen.Pixels == nullptr) Refuse("this window keeps no picture");
+    const std::string file = TextMember(request, "file");
+    if (file.empty()) Refuse("the name of the file is empty");
+    if (TextMember(request, "at") == "Clipboard") {
+        const ClipboardImage& picture = Headless.ClipboardPicture;
+        if (picture.Width == 0) Refuse("there is no picture on the clipboard");
+        Dispatch([&] { WriteClipboardPicture(picture, file); });
+        return json::object();
+    }
+    const ScreenWindow& window = FindWhole(request);
+    // Every paint is whole, so the picture is that of the last one.
+    bool kept = false;
+    const bool written = Dispatch([&] { kept = WritePicture(window, file); });
+    if (written && !kept) Refuse("this window keeps no picture");
     return json::object();
 }
 

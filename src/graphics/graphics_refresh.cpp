@@ -45,7 +45,7 @@ void ApplyTopGraphicsModes() {
     Main.MenüAnsichtAnalyseModeActive.Checked = window->AnalyseMode;
     Main.ToolbarGraphics_AnalyseMode.Value = window->AnalyseMode ? 1 : 0;
     Main.MenüAnsichtToleranzenColorbar.Checked = IsTrue(Settings.ShowColorBar);
-    ShowUndoState();  // the buttons have just been enabled with all others
+    ShowUndoState();  // the main window has just enabled its tool bars as a whole
 }
 
 // The active window goes last: its settings are those that a new window begins with.

@@ -168,8 +168,8 @@ void SceneForWindow(ScreenWindow& window) {
         window.State.FlagIndex.resize(static_cast<std::size_t>(Scene.Rows));
         window.State.FlagIndexShape.clear();
     }
+    Transform_dev_to_klasse(window);  // new classes leave column 12 to nobody
     if (Scene.PlottedFor == &window) return;
-    Transform_dev_to_klasse(window);
     FillPlotted(window);
     Scene.PlottedFor = &window;
     Scene.PaintStale = true;

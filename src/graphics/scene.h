@@ -52,6 +52,10 @@ struct SceneRecord {
     const ScreenWindow* PlottedFor = nullptr;  // whose classes column 12 follows
     std::uint64_t JobGeneration = 0;
     std::uint64_t Stamp = 0;  // counted up whenever the table is filled from the job
+
+    // Diagonal of the box about the start points (MaxMinGlobalSys), mm, of the table with this stamp.
+    double Diagonal = 0;
+    std::uint64_t DiagonalStamp = 0;
 };
 inline SceneRecord Scene;
 

@@ -130,6 +130,7 @@ ScreenWindow& OpenScreenWindow() {
     screens.Open.push_back(std::move(opened));
     screens.Active = &window;
     GiveStartValues(window);
+    ColorBar_ShowWindow(window);
     Stelle_Grafik_dar(window);
     StoreScreenPropertiesToRecord(window);
     ShowMenus();
@@ -149,7 +150,10 @@ void CloseScreenWindow(ScreenWindow& window) {
     screens.Open.erase(place);
     if (screens.Active == &window)
         screens.Active = screens.Open.empty() ? nullptr : screens.Open.back().get();
-    if (screens.Active != nullptr) ColorBar_ShowWindow(*screens.Active);
+    if (screens.Active != nullptr)
+        ColorBar_ShowWindow(*screens.Active);
+    else
+        UnloadWindow("FormColorBar");  // there is nothing left that it could refer to
     ShowMenus();
 }
 

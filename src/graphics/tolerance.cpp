@@ -11,8 +11,10 @@
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/numbers.h"
+#include "core/units.h"
 #include "engine/angles.h"
 #include "engine/vector.h"
+#include "graphics/form_color_bar.h"
 #include "graphics/scene.h"
 #include "graphics/view_values.h"
 
@@ -41,6 +43,12 @@ void SameBranch(double& first, double& second) {
         second += kWholeTurn;
     else if (second > kQuarterTurn && first < -kQuarterTurn)
         first += kWholeTurn;
+}
+
+// The angle from the Z axis. PolarAngle loses half of its digits near the axis and is 0 along -Z too: the
+// parts of a deviation there would not add up.
+double SpherePolar(double x, double y, double z) {
+    return std::atan2(Hypot2(x, y), z);
 }
 
 struct Shown {
@@ -85,8 +93,8 @@ Shown Cylinder(const Vec3& start, const Vec3& target, const Switches& show) {
 // circle of latitude and of its sphere, so that the three add up to the whole deviation for small angles.
 Shown Sphere(const Vec3& start, const Vec3& target, const Switches& show) {
     double phi = AzimuthAngle(start(1), start(2)), phiTarget = AzimuthAngle(target(1), target(2));
-    const double theta = PolarAngle(start(1), start(2), start(3));
-    const double thetaTarget = PolarAngle(target(1), target(2), target(3));
+    const double theta = SpherePolar(start(1), start(2), start(3));
+    const double thetaTarget = SpherePolar(target(1), target(2), target(3));
     const double radius = Hypot3(target(1), target(2), target(3));
     const double outwards = Hypot3(start(1), start(2), start(3)) - radius;
     const double sinPhi = std::sin(phi), cosPhi = std::cos(phi);
@@ -142,28 +150,41 @@ void FillShown(const ScreenRecord& state) {
     }
 }
 
-double TwoDecimalsDown(double value) {
-    return Int(value * 100) / 100;
+// The sizes of column 4 over all pairs, or over those of which every coordinate is in use.
+SizeRange SizesOf(bool fullyUsedOnly) {
+    SizeRange range{-kFarAway, kFarAway, false};
+    for (int i = 1; i <= Scene.Ident; ++i) {
+        const auto row = static_cast<std::size_t>(i);
+        const bool used =
+            CoordinateInUse(3 * row - 2) && CoordinateInUse(3 * row - 1) && CoordinateInUse(3 * row);
+        const double size = Scene.Points[kSceneSize][row];
+        if ((fullyUsedOnly && !used) || !std::isfinite(size)) continue;
+        range = {std::max(range.Largest, size), std::min(range.Smallest, size), true};
+    }
+    return range;
 }
 
-// Limits that are both 0 are taken from the data.
-void FillLimits(ScreenRecord& state) {
-    if (state.Max != 0 || state.Min != 0) return;
-    double largest = -kFarAway, smallest = kFarAway;
-    for (int i = 1; i <= Scene.Ident; ++i) {
-        const double size = Scene.Points[kSceneSize][static_cast<std::size_t>(i)];
-        largest = std::max(largest, size);
-        smallest = std::min(smallest, size);
+// Limits that are both 0 are taken from the data; those that follow the data go as the buttons take them.
+void FillLimits(ScreenWindow& window) {
+    ScreenRecord& state = window.State;
+    if (window.SetMinMaxOnChange) {
+        const SizeRange range = SizesOf(IsTrue(state.ShowOnlyUsedComponent));
+        if (!range.Any) return;
+        state.Max = TwoDecimalsDown(range.Largest * Units.LengthFactor) / Units.LengthFactor;
+        state.Min = TwoDecimalsDown(range.Smallest * Units.LengthFactor) / Units.LengthFactor;
+    } else if (state.Max == 0 && state.Min == 0) {
+        const SizeRange range = SizesOf(false);
+        if (!range.Any) return;
+        state.Max = TwoDecimalsDown(range.Largest);
+        state.Min = TwoDecimalsDown(range.Smallest);
     }
-    if (Scene.Ident == 0) return;
-    state.Max = TwoDecimalsDown(largest);
-    state.Min = TwoDecimalsDown(smallest);
 }
 
 // One class begins at zero and includes it; the side below has none for zero. So the two sides differ by 1 on
 // purpose.
 double ClassOf(float size, const ScreenRecord& state) {
     const auto d = static_cast<float>(size + kAboveZero);
+    if (!std::isfinite(d)) return 0;  // coordinates that are no numbers have no class
     if (d > 0) return state.Max == 0 ? 0 : Int(state.AnzKlassenPos * static_cast<double>(d) / state.Max + 1);
     return state.Min == 0 ? 0 : Int(-static_cast<double>(d) * state.AnzKlassenNeg / state.Min);
 }
@@ -199,7 +220,7 @@ Colour ColourOf(const ScreenRecord& state, double k) {
         return odd == (k >= 0) ? kWhite : kGreen;
     }
     if (k > state.AnzKlassenPos || k < -state.AnzKlassenNeg) {
-        if (IsTrue(state.AusserhalbTol)) return state.OuterColor;
+        if (IsTrue(state.AusserhalbTol)) return state.OuterColor & 0xFFFFFF;
         return k > 0 ? kRed : kBlue;
     }
     if (k == 0) return kGreen;
@@ -207,6 +228,7 @@ Colour ColourOf(const ScreenRecord& state, double k) {
 }
 
 void FillBar(const ScreenRecord& state, int count, int below, ColourTable& table) {
+    count = std::max(count, 0);
     table.Class.assign(static_cast<std::size_t>(count) + 1, 0.0F);
     table.Colour.assign(static_cast<std::size_t>(count) + 1, 0.0F);
     for (int k = 1; k <= count; ++k) {
@@ -234,10 +256,22 @@ void Transform_dev_to_klasse(ScreenWindow& window) {
     const bool limitsOpen = state.Max == 0 && state.Min == 0;
     if (!limitsOpen && Scene.Stamp != 0 && KeyOf(state) == Tolerance.Key) return;
     FillShown(state);
-    FillLimits(state);
+    const double max = state.Max, min = state.Min;
+    FillLimits(window);
     FillClasses(state);
     Calculate_RGB(window);
     Tolerance.Key = KeyOf(state);
+    Scene.PlottedFor = nullptr;  // column 12 may depend on the classes
+    if ((state.Max != max || state.Min != min) && &window == Screens().Active) ColorBar_ShowLimits(window);
+}
+
+SizeRange ShownSizes(ScreenWindow& window) {
+    SceneForWindow(window);
+    return SizesOf(IsTrue(window.State.ShowOnlyUsedComponent));
+}
+
+double TwoDecimalsDown(double value) {
+    return Int(value * 100) / 100;
 }
 
 Colour ClassColour(const ScreenWindow& window, int k) {
@@ -247,7 +281,8 @@ Colour ClassColour(const ScreenWindow& window, int k) {
 void Calculate_RGB(ScreenWindow& window) {
     const ScreenRecord& state = window.State;
     // One colour a class; what lies beyond either end is one class more there.
-    const int below = state.AnzKlassenNeg + 1, above = state.AnzKlassenPos + 1;
+    const int below = std::max<int>(state.AnzKlassenNeg, 0) + 1;
+    const int above = std::max<int>(state.AnzKlassenPos, 0) + 1;
     std::vector<float> colours(static_cast<std::size_t>(below + above) + 1);
     for (int k = -below; k <= above; ++k)
         colours[static_cast<std::size_t>(k + below)] = static_cast<float>(ColourOf(state, k));

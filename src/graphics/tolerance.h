@@ -8,8 +8,18 @@
 #include "graphics/screen_window.h"
 
 // Fills columns 4, 5, 8, 9, 10 of the identical rows of ScenePoints, and column 6 of all rows with them
-// (Calculate_RGB). Does nothing where neither scene nor settings of the window have changed since.
+// (Calculate_RGB). Does nothing where neither scene nor settings of the window have changed since. Limits
+// that are both 0, and all limits of a window with SetMinMaxOnChange, are taken from the sizes; column 12 is
+// then to be filled anew (Scene.PlottedFor).
 void Transform_dev_to_klasse(ScreenWindow& window);
+// The shown sizes (column 4) of the pairs of the window: of all of them, or with ShowOnlyUsedComponent of
+// those of which every coordinate is in use. Sizes that are no numbers do not count.
+struct SizeRange {
+    double Largest, Smallest;  // mm
+    bool Any;                  // false: no pair counts, and the sizes say nothing
+};
+SizeRange ShownSizes(ScreenWindow& window);
+double TwoDecimalsDown(double value);  // how limits are taken from the data
 // Forces the next call to work.
 void ForgetClasses();
 

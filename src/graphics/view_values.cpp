@@ -22,7 +22,7 @@ void MakeViewUsable(ScreenRecord& view) {
     if (!(view.BildFaktor > kLeastFaktor && view.BildFaktor < kLargestFaktor)) view.BildFaktor = 1;
     KeepFinite(view.BildOffsetX, 0.0F);
     KeepFinite(view.BildOffsetY, 0.0F);
-    KeepFinite(view.Vec_Maßstab, 400.0F);
+    if (!std::isfinite(view.Vec_Maßstab) || !(view.Vec_Maßstab > 0)) view.Vec_Maßstab = 400;
     KeepFinite(view.Min, 0.0);
     KeepFinite(view.Max, 0.0);
     KeepBetween(view.BigNess, 1, kLargestBigNess);

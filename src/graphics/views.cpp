@@ -37,9 +37,10 @@ void ZoomStep(ScreenWindow& window, double factor) {
     StoreScreenPropertiesToRecord(window);
 }
 
+// Without a refusal the vectors take the length; both ends are painted and stored.
 void SetVectorLength(ScreenWindow& window, double length, const char* refusal) {
     const std::uint64_t id = window.Id;
-    if (length > kLongestVectors || length < kShortestVectors)
+    if (refusal != nullptr)
         ShowMessage(refusal);
     else
         window.State.Vec_Maßstab = static_cast<float>(length);
@@ -52,12 +53,17 @@ void SetVectorLength(ScreenWindow& window, double length, const char* refusal) {
 }  // namespace
 
 void Anpassen(ScreenWindow& window) {
-    Max_Min(window);
+    // The tables may hold the view of another window.
+    SceneForWindow(window);
+    rechne_PixelCloud(window);
+    if (Scene.Rows == 0) return;
     const auto& [xmin, xmax, ymin, ymax, zmin, zmax] = window.ViewBox;
     const double least = 1e-10;  // points that all coincide fit too
-    const double sx = PictureWidth(window) / (least + xmax - xmin);
-    const double sy = PictureHeight(window) / (least + ymax - ymin);
-    window.State.BildFaktor = static_cast<float>(0.9 * std::min(sx, sy));
+    const double sx = PictureWidth(window) / (least + (static_cast<double>(xmax) - xmin));
+    const double sy = PictureHeight(window) / (least + (static_cast<double>(ymax) - ymin));
+    const auto factor = static_cast<float>(0.9 * std::min(sx, sy));
+    if (!(factor > kLeastFaktor && factor < kLargestFaktor)) return;
+    window.State.BildFaktor = factor;
     CenterBox(window);
 }
 
@@ -110,10 +116,12 @@ void ZoomOut(ScreenWindow& window) {
 }
 
 void Vec_Maßstab_longer(ScreenWindow& window) {
-    SetVectorLength(window, window.State.Vec_Maßstab * kVectorStep, "Vectors can not be made longer");
+    const double length = window.State.Vec_Maßstab * kVectorStep;
+    SetVectorLength(window, length, length > kLongestVectors ? "Vectors can not be made longer" : nullptr);
 }
 void Vec_Maßstab_shorter(ScreenWindow& window) {
-    SetVectorLength(window, window.State.Vec_Maßstab / kVectorStep, "Vectors can not be made smaller");
+    const double length = window.State.Vec_Maßstab / kVectorStep;
+    SetVectorLength(window, length, length < kShortestVectors ? "Vectors can not be made smaller" : nullptr);
 }
 
 float LargestDeviation() {
@@ -128,5 +136,8 @@ float StartVec_Maßstab(const ScreenWindow& window) {
     if (!IsTrue(Run.TrafoValid)) return kWithoutResult;
     const auto& [xmin, xmax, ymin, ymax, zmin, zmax] = window.ViewBox;
     const double size = (static_cast<double>(xmax) - xmin + (static_cast<double>(ymax) - ymin)) / 2;
-    return static_cast<float>(size / (LargestDeviation() + 1e-10) / 500);
+    // No points, or all at one place: vectors of length 0 could never be made longer.
+    if (!(size > 0)) return kWithoutResult;
+    const auto length = static_cast<float>(size / (LargestDeviation() + 1e-10) / 500);
+    return std::isfinite(length) && length > 0 ? length : kWithoutResult;
 }

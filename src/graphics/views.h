@@ -3,7 +3,8 @@
 
 #include "graphics/screen_window.h"
 
-void Anpassen(ScreenWindow& window);        // fits the cloud to nine tenths of the picture; no repaint
+// Fits the cloud to nine tenths of the picture; no repaint. Where there is no point the view stays.
+void Anpassen(ScreenWindow& window);
 void GrafikAnpassen(ScreenWindow& window);  // the same, painted and stored
 void Center(ScreenWindow& window);  // brings the view's coordinate origin to the middle; BildFaktor stays
 inline constexpr double kTopViewAngle = -3.14159265358979;  // a of the top view, with which a window begins
@@ -18,5 +19,5 @@ void ZoomOut(ScreenWindow& window);
 void ZoomAbout(ScreenWindow& window, float x, float y, double factor);
 void Vec_Maßstab_longer(ScreenWindow& window);
 void Vec_Maßstab_shorter(ScreenWindow& window);
-float LargestDeviation();  // of column 4 of ScenePoints, from 0, mm
-float StartVec_Maßstab(const ScreenWindow& window);
+float LargestDeviation();                            // of column 4 of ScenePoints, from 0, mm
+float StartVec_Maßstab(const ScreenWindow& window);  // 400 without a result or without a box of any size

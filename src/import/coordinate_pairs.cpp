@@ -38,8 +38,9 @@ struct Best {
 // A balanced tree in one array: the children of node k are 2k and 2k + 1, leaves hold up to eight points.
 class FreePoints {
 public:
-    FreePoints(const CoordinateColumns& points, std::vector<std::int32_t> numbers)
-        : number_(std::move(numbers)) {
+    // The call is made now and then while the tree is built; once it has given false the tree is of no use.
+    FreePoints(const CoordinateColumns& points, std::vector<std::int32_t> numbers, const PairingCall& call)
+        : number_(std::move(numbers)), whileBuilding_(call) {
         std::size_t leaves = 1;
         while (leaves * kLeafPoints < number_.size()) leaves *= 2;
         nodes_.resize(2 * leaves);
@@ -47,6 +48,8 @@ public:
         leafOf_.resize(points.X.size());
         Build(points, 1, 0, number_.size());
     }
+
+    bool Stopped() const { return stopped_; }
 
     // The nearest free point, of several the one of the lowest number, within the limits.
     Best Nearest(const Place& at, float etta) {
@@ -78,7 +81,18 @@ private:
         return {leafStart_[first], leafStart_[first + 1]};
     }
 
+    // Counts points that have been gone through, and makes the call where they are many.
+    void CallAfter(std::size_t points) {
+        constexpr std::size_t kPointsBetweenCalls = 1 << 17;  // some milliseconds
+        sinceCall_ += points;
+        if (sinceCall_ <= kPointsBetweenCalls) return;
+        sinceCall_ = 0;
+        if (whileBuilding_ && !stopped_ && !whileBuilding_(0)) stopped_ = true;
+    }
+
     void Build(const CoordinateColumns& points, std::size_t node, std::size_t begin, std::size_t end) {
+        CallAfter(end - begin);
+        if (stopped_) return;
         if (IsLeaf(node)) {
             if (leafStart_.empty()) leafStart_.push_back(0);
             leafStart_.push_back(end);
@@ -90,6 +104,8 @@ private:
         } else {
             // Halved across the widest side; which of level points go left does not matter.
             const std::span<const double> column = Widest(points, begin, end);
+            CallAfter(end - begin);
+            if (stopped_) return;
             const std::size_t middle = begin + (end - begin) / 2;
             const auto at = [this](std::size_t k) {
                 return number_.begin() + static_cast<std::ptrdiff_t>(k);
@@ -192,6 +208,9 @@ private:
     std::vector<std::size_t> leafStart_;  // place of the first point of each leaf
     std::vector<std::uint32_t> leafOf_;   // by number
     std::int64_t visits_ = 0;
+    PairingCall whileBuilding_;
+    std::size_t sinceCall_ = 0;
+    bool stopped_ = false;
 };
 
 bool AllFinite(const CoordinateColumns& points, std::size_t i) {
@@ -210,8 +229,10 @@ std::vector<std::int32_t> PairByCoordinates(const CoordinateColumns& start, cons
     for (std::size_t j = 1; j < target.X.size(); ++j)
         if (AllFinite(target, j)) usable.push_back(static_cast<std::int32_t>(j));
     if (usable.empty()) return partner;
-    FreePoints free(target, std::move(usable));
-    constexpr std::int64_t kVisitsBetweenCalls = 1 << 17;  // some milliseconds
+    FreePoints free(target, std::move(usable), whileLong);
+    if (free.Stopped()) return partner;
+    constexpr std::int64_t kVisitsBetweenCalls = 1
+                                                 << 14;  // some ten milliseconds where each misses the cache
     std::int64_t visits = 0;
     for (std::size_t i = 1; i < start.X.size(); ++i) {
         visits += free.TakeVisits();

@@ -189,7 +189,8 @@ void BringToFront(PointSet set, std::vector<std::int32_t>& position) {
 }
 
 void SortForIdentPts(const NameOrder& start, const NameOrder& target) {
-    const NameOrder joined = JoinOrders(Job.MCS_Name, start, Job.OCS_Name, target);
+    const NameOrder joined =
+        JoinOrders(Job.MCS_Name, start, Job.OCS_Name, target, [] { return GoesOn(kArranging); });
     if (!GoesOn(kPairing)) return;
     Pairs pairs = FindPairs(joined);
     if (!GoesOn(kInFront)) return;

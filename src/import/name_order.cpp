@@ -81,14 +81,14 @@ bool SortInParts(std::vector<SortKey>& keys, Before before, const std::function<
 }
 
 // Ranks are ascending here; level elements are brought into the quicksort's order.
-void OrderLevelNames(NameOrder& order, std::size_t n) {
+void OrderLevelNames(NameOrder& order, std::size_t n, const std::function<bool()>& goesOn) {
     std::vector<std::int32_t> rank(n + 1), place(n + 1);
     for (std::size_t k = 1; k <= n; ++k) {
         rank[static_cast<std::size_t>(order.Place[k])] = order.Rank[k];
         place[k] = static_cast<std::int32_t>(k);
     }
     // Given up, the level names stay in the order of their places.
-    if (QuicksortRanks(rank, place)) order.Place = std::move(place);
+    if (QuicksortRanks(rank, place, goesOn)) order.Place = std::move(place);
 }
 
 }  // namespace
@@ -109,12 +109,15 @@ int CompareNames(std::string_view first, std::string_view second) {
     return firstNumber ? filled(first).compare(second) : first.compare(filled(second));
 }
 
-bool QuicksortRanks(std::span<std::int32_t> rank, std::span<std::int32_t> place) {
+bool QuicksortRanks(std::span<std::int32_t> rank, std::span<std::int32_t> place,
+                    const std::function<bool()>& goesOn) {
     struct Range {
         std::int64_t Low, High;
     };
     const auto n = static_cast<std::int64_t>(rank.size()) - 1;
     std::int64_t budget = 8 * (n + 16) * static_cast<std::int64_t>(std::bit_width(rank.size()));
+    constexpr std::int64_t kElementsBetweenCalls = 1 << 19;  // some milliseconds
+    std::int64_t sinceCall = 0;
     std::vector<Range> waiting{{1, n}};
     while (!waiting.empty()) {
         const Range range = waiting.back();
@@ -134,6 +137,11 @@ bool QuicksortRanks(std::span<std::int32_t> rank, std::span<std::int32_t> place)
         } while (low <= high);
         budget -= range.High - range.Low + 1;
         if (budget < 0) return false;
+        sinceCall += range.High - range.Low + 1;
+        if (sinceCall > kElementsBetweenCalls) {
+            sinceCall = 0;
+            if (goesOn && !goesOn()) return false;
+        }
         waiting.push_back({range.Low, high});
         waiting.push_back({low, range.High});
     }
@@ -160,12 +168,16 @@ NameOrder SortNames(std::span<const std::string> names, const std::function<bool
         order.Rank[k] = order.Rank[k - 1] + (level ? 0 : 1);
         if (level) order.Distinct = false;
     }
-    if (!order.Distinct) OrderLevelNames(order, n);
+    if (!order.Distinct) {
+        OrderLevelNames(order, n, goesOn);
+        if (goesOn && !goesOn()) return {};
+    }
     return order;
 }
 
 NameOrder JoinOrders(std::span<const std::string> firstNames, const NameOrder& first,
-                     std::span<const std::string> secondNames, const NameOrder& second) {
+                     std::span<const std::string> secondNames, const NameOrder& second,
+                     const std::function<bool()>& goesOn) {
     const std::size_t n1 = first.Place.size() - 1, n2 = second.Place.size() - 1;
     NameOrder joined;
     joined.Place.resize(n1 + n2 + 1);
@@ -190,6 +202,6 @@ NameOrder JoinOrders(std::span<const std::string> firstNames, const NameOrder& f
     }
     // Two level names of different sets are a pair or not, whichever comes first.
     joined.Distinct = first.Distinct && second.Distinct;
-    if (!joined.Distinct) OrderLevelNames(joined, n1 + n2);
+    if (!joined.Distinct) OrderLevelNames(joined, n1 + n2, goesOn);
     return joined;
 }

@@ -28,10 +28,13 @@ struct NameOrder {
 NameOrder SortNames(std::span<const std::string> names, const std::function<bool()>& goesOn = {});
 
 // The order of two sets together whose own orders are known: names of the first set keep their place,
-// names of the second one count on behind them.
+// names of the second one count on behind them. Once `goesOn` has given false, level names are in any order.
 NameOrder JoinOrders(std::span<const std::string> firstNames, const NameOrder& first,
-                     std::span<const std::string> secondNames, const NameOrder& second);
+                     std::span<const std::string> secondNames, const NameOrder& second,
+                     const std::function<bool()>& goesOn = {});
 
 // That quicksort: pivot (low + high) / 2, swapping `place` with `rank`; both have elements from 1. Stops
-// and returns false, with the arrays in some order, after about 8 n log n comparisons.
-bool QuicksortRanks(std::span<std::int32_t> rank, std::span<std::int32_t> place);
+// and returns false, with the arrays in some order, after about 8 n log n comparisons or once `goesOn`, which
+// is called every few milliseconds, gives false.
+bool QuicksortRanks(std::span<std::int32_t> rank, std::span<std::int32_t> place,
+                    const std::function<bool()>& goesOn = {});

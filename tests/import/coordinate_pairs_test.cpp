@@ -125,4 +125,30 @@ TEST_F(CoordinatePairs, SetsFarFromEachOtherPairAtOnceWithAHugeTolerance) {
     }
 }
 
+TEST_F(CoordinatePairs, ALargeSetLetsTheCallerInBeforeTheFirstPointIsSearchedAndCanBeStoppedThere) {
+    Points start, target;
+    for (int i = 0; i < 300000; ++i) {
+        start.Add(i, 0, 0);
+        target.Add(i, 0, 0);
+    }
+    int calls = 0;
+    const std::vector<std::int32_t> stopped =
+        PairByCoordinates(start, target, 0.5F, [&calls](std::size_t done) {
+            ++calls;
+            EXPECT_EQ(done, 0U);
+            return false;
+        });
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(stopped, std::vector<std::int32_t>(300001));
+
+    int before = 0;
+    const std::vector<std::int32_t> whole =
+        PairByCoordinates(start, target, 0.5F, [&before](std::size_t done) {
+            if (done == 0) ++before;
+            return true;
+        });
+    EXPECT_GT(before, 10);
+    for (std::size_t i = 1; i < whole.size(); ++i) ASSERT_EQ(whole[i], static_cast<std::int32_t>(i));
+}
+
 }  // namespace

@@ -125,6 +125,26 @@ TEST_F(NameOrderTest, TwoSortedHalvesWithLevelNamesDoNotTakeForever) {
     for (std::size_t k = 2; k < joined.Rank.size(); ++k) ASSERT_LE(joined.Rank[k - 1], joined.Rank[k]);
 }
 
+TEST_F(NameOrderTest, ManyLevelNamesCanBeStoppedAtAnyCall) {
+    std::vector<std::string> names = {""};
+    for (int i = 0; i < 200000; ++i) names.push_back((i % 3 == 0 ? "00" : "") + std::to_string(i / 2));
+    int calls = 0;
+    const NameOrder whole = SortNames(names, [&calls] {
+        ++calls;
+        return true;
+    });
+    EXPECT_FALSE(whole.Distinct);
+    EXPECT_EQ(whole.Place, SortNames(names).Place);
+    const int last = calls;
+    EXPECT_GT(last, 3);
+    for (const int end : {1, last / 2, last - 1, last}) {
+        calls = 0;
+        const NameOrder none = SortNames(names, [&calls, end] { return ++calls < end; });
+        EXPECT_TRUE(none.Place.empty()) << end;
+        EXPECT_TRUE(none.Rank.empty()) << end;
+    }
+}
+
 TEST_F(NameOrderTest, JoinedOrdersCountThePlacesOfTheSecondSetOn) {
     const std::vector<std::string> first = {"", "b", "a"}, second = {"", "c", "b"};
     const NameOrder joined = JoinOrders(first, SortNames(first), second, SortNames(second));

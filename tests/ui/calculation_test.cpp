@@ -26,6 +26,7 @@
 #include "ui/desktop.h"
 #include "ui/desktop_fixture.h"
 #include "ui/qt_text.h"
+#include "ui/work_time.h"
 
 namespace {
 
@@ -133,8 +134,8 @@ protected:
 
     void RunUntil(const std::function<void()>& look) {
         QTimer watch;
-        QElapsedTimer since;
-        qint64 longest_ms = 0;
+        WorkTime since;
+        int longest_ms = 0;
         int beats = 0;
         bool looked = false;
         QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
@@ -151,8 +152,8 @@ protected:
         watch.stop();
         EXPECT_TRUE(looked) << "the run was over too soon";
         EXPECT_LT(longest_ms, kLongestGap_ms);
-        RecordProperty("longest_gap_ms", static_cast<int>(longest_ms));
-        std::printf("longest gap between events %d ms, run ended after %d ms\n", static_cast<int>(longest_ms),
+        RecordProperty("longest_gap_ms", longest_ms);
+        std::printf("longest gap between events %d ms, run ended after %d ms\n", longest_ms,
                     static_cast<int>(whole.elapsed()));
         EXPECT_FALSE(IsTrue(MonteCarlo.MonteCarloDone));
         EXPECT_TRUE(Widget("FormTrafoBerechnung.BtnCalculate")->isEnabled());
@@ -258,10 +259,10 @@ TEST_F(CalculationByHand, AThousandPointsFollowAUseCellQuickly) {
     int best_ms = 1000;
     for (int turn = 0; turn < 5; ++turn) {
         const int before = paints.Count;
-        QElapsedTimer since;
+        WorkTime since;
         since.start();
         DoubleClickCell(row, kColUseZ);
-        best_ms = std::min(best_ms, static_cast<int>(since.elapsed()));
+        best_ms = std::min(best_ms, since.elapsed());
         EXPECT_GT(paints.Count, before);
         EXPECT_EQ(Field("TextSxyz") == "0.000", turn % 2 == 0);
     }
@@ -375,8 +376,8 @@ TEST_F(LongRun, CancelOfTheProgressEndsAPairingThatADialogBegan) {
     Type("FormInputFiles.TextNameOCS", Write("target.txt", target));
     Click("FormInputFiles.OptionByDis");
     bool looked = false;
-    qint64 longest_ms = 0;
-    QElapsedTimer since;
+    int longest_ms = 0;
+    WorkTime since;
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
         if (since.isValid()) longest_ms = std::max(longest_ms, since.elapsed());
@@ -394,7 +395,7 @@ TEST_F(LongRun, CancelOfTheProgressEndsAPairingThatADialogBegan) {
     watch.start(20);
     Click("FormInputFiles.BtnApply");
     watch.stop();
-    std::printf("longest gap between events while pairing %d ms\n", static_cast<int>(longest_ms));
+    std::printf("longest gap between events while pairing %d ms\n", longest_ms);
     EXPECT_TRUE(looked);
     EXPECT_LT(longest_ms, kLongestGap_ms);
     EXPECT_FALSE(IsOpen("FormProgressBar"));

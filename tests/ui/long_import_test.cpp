@@ -1,6 +1,7 @@
 // The import of large files: the frame stays in reach, the progress shows, and a cancelled import leaves the
 // points of before.
 #include <QElapsedTimer>
+#include <QInputDialog>
 #include <QProgressBar>
 #include <QTableView>
 #include <QTimer>
@@ -12,8 +13,16 @@
 #include "ui/desktop.h"
 #include "ui/desktop_fixture.h"
 #include "ui/qt_text.h"
+#include "ui/work_time.h"
 
 namespace {
+
+// What the user may have to wait, with room for a build that is not optimised.
+#ifdef NDEBUG
+constexpr int kLongestGap_ms = 100;
+#else
+constexpr int kLongestGap_ms = 1000;
+#endif
 
 class LargeImport : public DesktopTest {
 protected:
@@ -50,8 +59,9 @@ TEST_F(LargeImport, OfAMillionPointsLetsEventsInAndShowsHowFarItHasCome) {
     const std::string start = Points("large_start.txt", kPoints, 700001);
     const std::string target = Points("large_target.txt", kPoints, 300007);
     QTimer watch;
-    QElapsedTimer since, whole;
-    qint64 longest_ms = 0;
+    QElapsedTimer whole;
+    WorkTime since;
+    int longest_ms = 0;
     bool shown = false, inOrder = true;
     int value = 0;
     QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
@@ -70,12 +80,12 @@ TEST_F(LargeImport, OfAMillionPointsLetsEventsInAndShowsHowFarItHasCome) {
     whole.start();
     Click("FormInputFiles.BtnOK");
     std::printf("import of a million points: %d ms, longest gap between events %d ms\n",
-                static_cast<int>(whole.elapsed()), static_cast<int>(longest_ms));
-    RecordProperty("longest_gap_ms", static_cast<int>(longest_ms));
+                static_cast<int>(whole.elapsed()), longest_ms);
+    RecordProperty("longest_gap_ms", longest_ms);
     EXPECT_TRUE(shown);
     EXPECT_TRUE(inOrder);
     EXPECT_GT(value, 60);
-    EXPECT_LT(longest_ms, 500);
+    EXPECT_LT(longest_ms, kLongestGap_ms);
     EXPECT_FALSE(IsOpen("FormProgressBar"));
     ASSERT_EQ(Job.nIdent, kPoints);
     for (const std::size_t i : {1U, 2U, 500000U, 1000000U}) {
@@ -89,6 +99,60 @@ TEST_F(LargeImport, OfAMillionPointsLetsEventsInAndShowsHowFarItHasCome) {
         EXPECT_EQ(*Job.MCS_X[i], number % 1000 + 0.125);
     }
     ::Run.JobDirty = kFalse;
+}
+
+// The longest time between two events while half a million points are paired.
+class LongPairing : public LargeImport {
+protected:
+    int Gap_ms(const char* how, const std::string& start, const std::string& target, const char* option) {
+        QTimer watch;
+        WorkTime since;
+        int longest_ms = 0;
+        QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
+            if (since.isValid()) longest_ms = std::max(longest_ms, since.elapsed());
+            since.start();
+        });
+        watch.start(5);
+        Trigger("MenuFileInputFiles");
+        Type("FormInputFiles.TextNameMCS", start);
+        Type("FormInputFiles.TextNameOCS", target);
+        if (option != nullptr) Click(option);
+        Click("FormInputFiles.BtnApply");
+        std::printf("pairing %s: longest gap between events %d ms\n", how, longest_ms);
+        ::Run.JobDirty = kFalse;
+        return longest_ms;
+    }
+};
+
+TEST_F(LongPairing, ByCoordinateLetsEventsIn) {
+    Begin();
+    constexpr int kPoints = 500000;
+    const std::string start = Points("start_c.txt", kPoints, 300007);
+    const std::string target = Points("target_c.txt", kPoints, 100003);
+    QTimer answer;
+    QObject::connect(&answer, &QTimer::timeout, &answer, [&answer] {
+        auto* question = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
+        if (question == nullptr) return;
+        answer.stop();
+        question->setTextValue(QStringLiteral("0.01"));
+        question->accept();
+    });
+    answer.start(20);
+    EXPECT_LT(Gap_ms("by coordinate", start, target, "FormInputFiles.OptionByCoordinate"), kLongestGap_ms);
+    EXPECT_EQ(Job.nIdent, kPoints);
+}
+
+TEST_F(LongPairing, OfLevelNamesLetsEventsIn) {
+    Begin();
+    constexpr int kPoints = 500000;
+    std::string text;
+    for (int i = 0; i < kPoints; ++i) {
+        const int number = static_cast<int>(static_cast<long long>(i) * 300007 % kPoints);
+        text += (number % 2 == 0 ? "0" : "") + std::to_string(number / 2) + ";1.5;2.5;" +
+                std::to_string(number % 97) + "\n";
+    }
+    const std::string file = Write("level.txt", text);
+    EXPECT_LT(Gap_ms("of level names", file, file, nullptr), kLongestGap_ms);
 }
 
 TEST_F(LargeImport, ThatIsCancelledAnywhereLeavesThePointsOfBeforeWhole) {

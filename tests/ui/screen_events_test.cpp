@@ -1,0 +1,285 @@
+// Mouse, wheel and keys on a graphics window of the desktop, and what the dialogs beside it do.
+#include <QClipboard>
+#include <QColorDialog>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QLineEdit>
+#include <QScrollBar>
+#include <QTimer>
+#include <cmath>
+
+#include "analysis/form_main_sheet.h"
+#include "core/form_main.h"
+#include "core/settings.h"
+#include "engine/transform.h"
+#include "graphics/drawing.h"
+#include "graphics/form_color_bar.h"
+#include "graphics/projection.h"
+#include "graphics/scene.h"
+#include "paint/image.h"
+#include "ui/screen_fixture.h"
+
+namespace {
+
+// Where a row of the scene lies in the picture, painted for this window.
+QPointF PixelOfRow(ScreenWindow& window, int row) {
+    Stelle_Grafik_dar(window);
+    return {Scene.PixelX[static_cast<std::size_t>(row)], Scene.PixelY[static_cast<std::size_t>(row)]};
+}
+
+// The angle between two views, rad.
+double AngleBetween(const Mat3& one, const Mat3& other) {
+    double trace = 0;
+    for (int row = 1; row <= 3; ++row)
+        for (int column = 1; column <= 3; ++column) trace += one(row, column) * other(row, column);
+    return std::acos(std::min(1.0, (trace - 1) / 2));
+}
+
+void ExpectNear(QPointF one, QPointF other, double tolerance) {
+    EXPECT_NEAR(one.x(), other.x(), tolerance);
+    EXPECT_NEAR(one.y(), other.y(), tolerance);
+}
+
+}  // namespace
+
+TEST_F(ScreenByHand, RotatesWithShiftByEightThousandthsAPixel) {
+    BeginWithPoints();
+    const ScreenWindow& window = OpenScreen();
+    const Mat3 before = ViewRotation(window);
+    Drag(window, {200, 200}, {260, 200}, Qt::ShiftModifier);
+    EXPECT_NEAR(AngleBetween(before, ViewRotation(window)), 60 * 0.008, 1e-9);
+    const Mat3 turned = ViewRotation(window);
+    Drag(window, {200, 200}, {200, 160}, Qt::ShiftModifier);
+    EXPECT_NEAR(AngleBetween(turned, ViewRotation(window)), 40 * 0.008, 1e-9);
+    EXPECT_EQ(window.UndoCount, 3);
+}
+
+TEST_F(ScreenByHand, RollsWithShiftAndBothButtons) {
+    BeginWithPoints();
+    const ScreenWindow& window = OpenScreen();
+    ScreenView& view = View(window);
+    const Mat3 before = ViewRotation(window);
+    QTest::mousePress(&view, Qt::LeftButton, Qt::ShiftModifier, {200, 200});
+    QTest::mousePress(&view, Qt::RightButton, Qt::ShiftModifier, {200, 200});
+    QMouseEvent move(QEvent::MouseMove, QPointF(210, 205), view.mapToGlobal(QPointF(210, 205)), Qt::NoButton,
+                     Qt::LeftButton | Qt::RightButton, Qt::ShiftModifier);
+    QApplication::sendEvent(&view, &move);
+    Serve();
+    EXPECT_NEAR(AngleBetween(before, ViewRotation(window)), 15 * 0.02, 1e-9);
+}
+
+TEST_F(ScreenByHand, PansWithCtrlPixelByPixel) {
+    BeginWithPoints();
+    ScreenWindow& window = OpenScreen();
+    const QPointF before = PixelOfRow(window, 1);
+    Drag(window, {200, 200}, {260, 170}, Qt::ControlModifier);
+    ExpectNear(PixelOfRow(window, 1), before + QPointF(60, -30), 1e-3);
+}
+
+TEST_F(ScreenByHand, TheWheelZoomsAboutTheMouse) {
+    BeginWithPoints();
+    ScreenWindow& window = OpenScreen();
+    const QPointF before = PixelOfRow(window, 8), mouse(120, 90);
+    Wheel(window, mouse.toPoint(), 120);
+    ExpectNear(PixelOfRow(window, 8), mouse + (before - mouse) / 0.7, 0.01);
+    Wheel(window, mouse.toPoint(), -120);
+    ExpectNear(PixelOfRow(window, 8), before, 0.01);
+    // Half steps of a fine wheel add up.
+    Wheel(window, mouse.toPoint(), 60);
+    ExpectNear(PixelOfRow(window, 8), before, 0.01);
+    Wheel(window, mouse.toPoint(), 60);
+    ExpectNear(PixelOfRow(window, 8), mouse + (before - mouse) / 0.7, 0.01);
+}
+
+TEST_F(ScreenByHand, TheRightButtonZoomsOutAtEachPressOfAQuickHand) {
+    BeginWithPoints();
+    ScreenWindow& window = OpenScreen();
+    const float before = window.State.BildFaktor;
+    QTest::mouseClick(&View(window), Qt::RightButton, {}, {50, 60});
+    QTest::mouseDClick(&View(window), Qt::RightButton, {}, {50, 60});
+    EXPECT_NEAR(window.State.BildFaktor / before, 0.7 * 0.7, 1e-6);
+}
+
+TEST_F(ScreenByHand, AFrameIsShownAndComesToFillThePicture) {
+    BeginWithPoints();
+    ScreenWindow& window = OpenScreen();
+    const QPointF before = PixelOfRow(window, 3);
+    const float factor = window.State.BildFaktor;
+    ScreenView& view = View(window);
+    QTest::mousePress(&view, Qt::LeftButton, {}, {100, 80});
+    QMouseEvent move(QEvent::MouseMove, QPointF(300, 180), view.mapToGlobal(QPointF(300, 180)), Qt::NoButton,
+                     Qt::LeftButton, {});
+    QApplication::sendEvent(&view, &move);
+    Serve();
+    const QImage framed = view.grab().toImage();
+    EXPECT_EQ(framed.pixelColor(100, 130), QColor(Qt::white));
+    EXPECT_EQ(framed.pixelColor(300, 130), QColor(Qt::white));
+    EXPECT_EQ(framed.pixelColor(200, 80), QColor(Qt::white));
+    QTest::mouseRelease(&view, Qt::LeftButton, {}, {300, 180});
+    Serve();
+    const double ratio = std::min(window.Screen.Width / 200.0, window.Screen.Height / 100.0);
+    EXPECT_NEAR(window.State.BildFaktor / factor, ratio, 1e-4);
+    const QPointF middle(window.Screen.Width / 2.0, window.Screen.Height / 2.0);
+    ExpectNear(PixelOfRow(window, 3), middle + (before - QPointF(200, 130)) * ratio, 0.05);
+    EXPECT_FALSE(window.Mouse.FrameVisible);
+}
+
+TEST_F(ScreenByHand, KeysMoveAndTurnThePicture) {
+    BeginWithPoints();
+    ScreenWindow& window = OpenScreen();
+    ScreenView& view = View(window);
+    const float x = window.State.BildOffsetX, y = window.State.BildOffsetY, factor = window.State.BildFaktor;
+    QTest::keyClick(&view, Qt::Key_Left);
+    EXPECT_NEAR(window.State.BildOffsetX, x - window.Screen.Width / 40.0, 1e-3);
+    QTest::keyClick(&view, Qt::Key_Up);
+    EXPECT_NEAR(window.State.BildOffsetY, y + window.Screen.Height / 40.0, 1e-3);
+    const double step = 6.28318530717958 / 40;
+    QTest::keyClick(&view, Qt::Key_Up, Qt::ShiftModifier);
+    EXPECT_NEAR(window.State.RotAngles[0], -3.14159265358979 + step, 1e-12);
+    QTest::keyClick(&view, Qt::Key_R, Qt::ShiftModifier);
+    EXPECT_NEAR(window.State.RotAngles[4], -step, 1e-12);
+    QTest::keyClick(&view, Qt::Key_L, Qt::ShiftModifier);
+    EXPECT_NEAR(window.State.RotAngles[4], 0, 1e-12);
+    QTest::keyClick(&view, Qt::Key_Plus, Qt::KeypadModifier);
+    EXPECT_NEAR(window.State.BildFaktor / factor, 1 / 0.7, 1e-5);
+    QTest::keyClick(&view, Qt::Key_Minus, Qt::KeypadModifier);
+    EXPECT_NEAR(window.State.BildFaktor / factor, 1, 1e-5);
+}
+
+TEST_F(ScreenByHand, KeysThatTheWindowLosesAreLetGo) {
+    BeginWithPoints();
+    const ScreenWindow& window = OpenScreen();
+    QTest::keyPress(&View(window), Qt::Key_Shift);
+    EXPECT_TRUE(Screens().RotateKey);
+    QFocusEvent out(QEvent::FocusOut);
+    QApplication::sendEvent(&View(window), &out);
+    EXPECT_FALSE(Screens().RotateKey);
+}
+
+TEST_F(ScreenByHand, MovesOfOneRoundArePaintedOnce) {
+    BeginWithPoints();
+    const ScreenWindow& window = OpenScreen();
+    ScreenView& view = View(window);
+    const Mat3 before = ViewRotation(window);
+    QTest::mousePress(&view, Qt::LeftButton, Qt::ShiftModifier, {100, 100});
+    const auto paints = window.PaintCount;
+    for (int step = 1; step <= 50; ++step) {
+        const QPointF at(100 + step, 100);
+        QMouseEvent move(QEvent::MouseMove, at, view.mapToGlobal(at), Qt::NoButton, Qt::LeftButton,
+                         Qt::ShiftModifier);
+        QApplication::sendEvent(&view, &move);
+    }
+    Serve();
+    EXPECT_EQ(window.PaintCount, paints + 1);
+    EXPECT_NEAR(AngleBetween(before, ViewRotation(window)), 50 * 0.008, 1e-9);
+}
+
+TEST_F(ScreenByHand, AClickChoosesThePointAndItsRowInTheMainSheet) {
+    BeginWithPoints();
+    Trigger("MenuVievMainSheet");
+    ScreenWindow& window = OpenScreen();
+    const QPoint place = PixelOfRow(window, 4).toPoint();
+    QTest::mouseMove(&View(window), place);
+    QTest::mouseClick(&View(window), Qt::LeftButton, {}, place + QPoint(1, 1));
+    Serve();
+    GridState& sheet = MainSheetWindow.MSFlexGrid1.Grid;
+    bool found = false;
+    for (int col = 0; col < sheet.Cols; ++col) found = found || CellText(sheet, sheet.Row, col) == "P4";
+    EXPECT_TRUE(found) << "row " << sheet.Row;
+    EXPECT_EQ(S(View(window).findChild<QLabel*>(QStringLiteral("StatusBar.1"))->text()), "Pnt.ID: P4");
+    EXPECT_EQ(Scene.ActualPointName, "P4");
+}
+
+TEST_F(ScreenByHand, ADragIsNoClick) {
+    BeginWithPoints();
+    Trigger("MenuVievMainSheet");
+    ScreenWindow& window = OpenScreen();
+    const QPoint place = PixelOfRow(window, 4).toPoint();
+    Drag(window, place, place + QPoint(20, 0));
+    EXPECT_EQ(Scene.ActualPointName, "");
+}
+
+TEST_F(ScreenByHand, TheTextAboutTheKeysShowsOnceAndFromTheHelpMenu) {
+    BeginWithPoints();
+    Trigger("MenueGraphics");
+    ScreenWindow& window = *Screens().Open.front();
+    EXPECT_TRUE(window.BindingsShown);
+    const QColor covered = View(window).grab().toImage().pixelColor(View(window).rect().center());
+    EXPECT_NE(covered, QColor(Qt::black));
+    QTest::keyClick(&View(window), Qt::Key_Escape);
+    EXPECT_FALSE(window.BindingsShown);
+    const ScreenWindow& second = OpenScreen();
+    EXPECT_FALSE(second.BindingsShown);
+    Trigger("MenuHelpBindings");
+    EXPECT_TRUE(second.BindingsShown);
+    QTest::mouseClick(&View(second), Qt::LeftButton, {}, {20, 20});
+    EXPECT_FALSE(second.BindingsShown);
+}
+
+TEST_F(ScreenByHand, ADoubleClickChoosesTheBackground) {
+    BeginWithPoints();
+    const ScreenWindow& window = OpenScreen();
+    QTimer::singleShot(50, [] {
+        auto* dialog = qobject_cast<QColorDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        dialog->setCurrentColor(QColor(10, 20, 30));
+        dialog->accept();
+    });
+    QTest::mouseDClick(&View(window), Qt::LeftButton, {}, {33, 33});
+    Serve();
+    EXPECT_EQ(window.BackColor, 10 | 20 << 8 | 30 << 16);
+    EXPECT_EQ(View(window).grab().toImage().pixelColor(5, 5), QColor(10, 20, 30));
+}
+
+TEST_F(ScreenByHand, ThePictureGoesToTheClipboardOnWhite) {
+    BeginWithPoints();
+    const ScreenWindow& window = OpenScreen();
+    Trigger("MenüGraphicsPrint");
+    const QImage copied = QApplication::clipboard()->image();
+    EXPECT_EQ(copied.size(), QSize(window.Screen.Width - 5, window.Screen.Height - 5));
+    EXPECT_EQ(copied.pixelColor(copied.width() - 20, 20), QColor(Qt::white));
+    EXPECT_EQ(View(window).grab().toImage().pixelColor(5, 5), QColor(Qt::black));
+}
+
+TEST_F(ScreenByHand, TheColourDialogStaysBesideThePicture) {
+    BeginWithPoints();
+    ScreenWindow& window = OpenScreen();
+    Trigger("ToolbarGraphics.ColorBar");
+    ASSERT_TRUE(IsOpen("FormColorBar"));
+    EXPECT_FALSE(WidgetOf(FormColorBar_Entry)->window()->isModal());
+    Click("FormColorBar.CheckAutoApply");
+    auto* scroll = qobject_cast<QScrollBar*>(Widget("FormColorBar.VScrollAnzKlaPos"));
+    EXPECT_EQ(scroll->value(), 10);
+    scroll->setValue(4);
+    EXPECT_EQ(window.State.AnzKlassenPos, 4);
+    EXPECT_EQ(S(qobject_cast<QLineEdit*>(Widget("FormColorBar.TextAnzahlTolKlassePos"))->text()), "4");
+    Type("FormColorBar.TextObereGrenze", "1.5");
+    EXPECT_EQ(window.State.Max, 1.5);
+    // Red is the highest of four classes, and the sample shows it at its upper end.
+    const QWidget* sample = Widget("FormColorBar.ScreenColorBar");
+    const QImage shown = const_cast<QWidget*>(sample)->grab().toImage();
+    EXPECT_EQ(shown.pixelColor(8, sample->fontMetrics().height()), QColor(255, 0, 0));
+    // It belongs to whichever window is active.
+    const ScreenWindow& second = OpenScreen();
+    EXPECT_EQ(scroll->value(), second.State.AnzKlassenPos);
+    Click("FormColorBar.BtnOK");
+    EXPECT_FALSE(IsOpen("FormColorBar"));
+}
+
+TEST_F(ScreenByHand, TheColourOfPointsOutOfToleranceIsShownBesideItsButton) {
+    BeginWithPoints();
+    const ScreenWindow& window = OpenScreen();
+    Trigger("ToolbarGraphics.ColorBar");
+    QTimer::singleShot(50, [] {
+        auto* dialog = qobject_cast<QColorDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        dialog->setCurrentColor(QColor(200, 100, 50));
+        dialog->accept();
+    });
+    Click("FormColorBar.BtnSetOuterColor");
+    const QWidget* sample = Widget("FormColorBar.LabelOuterColor");
+    EXPECT_EQ(const_cast<QWidget*>(sample)->grab().toImage().pixelColor(sample->rect().center()),
+              QColor(200, 100, 50));
+    Click("FormColorBar.BtnApply");
+    EXPECT_EQ(window.State.OuterColor, 200 | 100 << 8 | 50 << 16);
+}
