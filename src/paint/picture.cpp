@@ -22,6 +22,8 @@ namespace {
 
 constexpr int kLargestSide = 32767;  // pixels of the device; QPainter counts no further
 
+constexpr int kDotsPerMetre = 3780;  // 96 to the inch
+
 struct Picture {
     QImage Image;
     QPainter Painter;  // open from the first stroke of a paint to its end
@@ -62,36 +64,28 @@ void ClearPicture(Surface& screen, Colour background) {
     PictureBehind(screen).Image.fill(RgbOf(background));
 }
 
+// Moves the end (x, y) of a line to `border` along the line to (otherX, otherY); x first. Reckoned from the
+// other end, which is the nearer one where only one of them is far away.
+void MoveToBorder(double border, double& x, double& y, double otherX, double otherY) {
+    y = otherY + (border - otherX) / (x - otherX) * (y - otherY);
+    x = border;
+}
+
+// Cuts one coordinate of both ends to low .. high; false where the line passes by.
+bool CutToBand(double low, double high, double& x1, double& y1, double& x2, double& y2) {
+    if ((x1 < low && x2 < low) || (x1 > high && x2 > high)) return false;
+    if (x1 < low || x1 > high) MoveToBorder(x1 < low ? low : high, x1, y1, x2, y2);
+    if (x2 < low || x2 > high) MoveToBorder(x2 < low ? low : high, x2, y2, x1, y1);
+    return true;
+}
+
 // Cuts a line to what is near the picture: places far outside are more than QPainter can count. False where
 // nothing of it is near, or its ends are no places at all.
 bool CutLine(const Surface& screen, double margin, std::array<double, 4>& line) {
     auto& [x1, y1, x2, y2] = line;
     if (!std::isfinite(x1) || !std::isfinite(y1) || !std::isfinite(x2) || !std::isfinite(y2)) return false;
-    const double dx = x2 - x1, dy = y2 - y1;
-    double from = 0, to = 1;
-    const auto cut = [&from, &to](double change, double room) {
-        // start + t change <= start + room
-        if (change == 0) return room >= 0;
-        const double t = room / change;
-        if (change > 0)
-            to = std::min(to, t);
-        else
-            from = std::max(from, t);
-        return from <= to;
-    };
-    if (!cut(-dx, x1 + margin) || !cut(dx, screen.Width + margin - x1) || !cut(-dy, y1 + margin) ||
-        !cut(dy, screen.Height + margin - y1))
-        return false;
-    const double startX = x1, startY = y1;
-    if (to < 1) {
-        x2 = startX + to * dx;
-        y2 = startY + to * dy;
-    }
-    if (from > 0) {
-        x1 = startX + from * dx;
-        y1 = startY + from * dy;
-    }
-    return true;
+    return CutToBand(-margin, screen.Width + margin, x1, y1, x2, y2) &&
+           CutToBand(-margin, screen.Height + margin, y1, x1, y2, x2);
 }
 
 void DrawLine(Surface& screen, float x1, float y1, float x2, float y2, Colour colour, int width) {
@@ -204,7 +198,10 @@ QImage PictureOf(const ScreenWindow& window) {
 }
 
 std::string PictureBytes(const ScreenWindow& window) {
-    const QImage image = PictureOf(window);
+    QImage image = PictureOf(window);
+    // Whatever resolution the screen of this machine claims, the file is the same.
+    image.setDotsPerMeterX(kDotsPerMetre);
+    image.setDotsPerMeterY(kDotsPerMetre);
     QByteArray bytes;
     QBuffer buffer(&bytes);
     if (image.isNull() || !buffer.open(QIODevice::WriteOnly) || !image.save(&buffer, "PNG")) return "";

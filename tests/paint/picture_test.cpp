@@ -2,6 +2,8 @@
 #include "paint/picture.h"
 
 #include <QImage>
+#include <algorithm>
+#include <cmath>
 
 #include "core/window.h"
 #include "paint/image.h"
@@ -86,6 +88,17 @@ TEST(Picture, ALineToFarOutsideKeepsItsDirection) {
     own.Screen.Line(own.Screen, 0, 0, 1e30F, 1e30F, kRed, 1);
     own.Screen.Refresh(own.Screen);
     for (int i = 0; i < 30; ++i) EXPECT_EQ(own.At(i, i), kRedPixel) << i;
+}
+
+TEST(Picture, ALineFromFarOutsideToFarOutsideCrossesThePicture) {
+    OwnSurface own(40, 30);
+    own.Screen.Line(own.Screen, -1e20F, 12, 1e20F, 12, kRed, 1);
+    own.Screen.Line(own.Screen, 17, 1e20F, 17, -1e20F, kRed, 1);
+    own.Screen.Line(own.Screen, -1000, 500, 500, -1000, kRed, 1);  // passes it by
+    own.Screen.Refresh(own.Screen);
+    EXPECT_EQ(own.Painted(), 40 + 30 - 1);
+    for (int column = 0; column < 40; ++column) EXPECT_EQ(own.At(column, 12), kRedPixel);
+    for (int row = 0; row < 30; ++row) EXPECT_EQ(own.At(17, row), kRedPixel);
 }
 
 TEST(Picture, LinesWithoutAPlaceAreNotDrawn) {
@@ -224,6 +237,48 @@ TEST_F(PictureOfWindow, HasTheLabelsThatTheBarePictureHasNot) {
     window.Labels.back().Visible = false;
     EXPECT_EQ(PictureOf(window), BarePictureOf(window));
     EXPECT_EQ(PictureOf(window).size(), QSize(800, 600));
+}
+
+TEST_F(PictureOfWindow, LabelsStandOutFromWhatLiesBehindThem) {
+    const WithPictures pictures;
+    ScreenWindow& window = OpenScreenWindow();
+    window.Labels = {{"HHH", 100, 100, QbColor(7), true}};
+    window.BackColor = QbColor(0);
+    window.Screen.Clear(window.Screen, QbColor(7));  // as bright as the letters
+    const QImage picture = PictureOf(window);
+    int dark = 0, bright = 0;
+    for (int row = 98; row < 118; ++row)
+        for (int column = 98; column < 130; ++column) {
+            dark += qGreen(picture.pixel(column, row)) < 0x80 ? 1 : 0;
+            bright += picture.pixel(column, row) == PixelOf(QbColor(7)) ? 1 : 0;
+        }
+    EXPECT_GT(dark, 40);
+    EXPECT_GT(bright, 40);
+}
+
+TEST_F(PictureOfWindow, AtTwicePixelsItsLabelsAreTwiceAsBig) {
+    FillSurface = [](Surface& screen) {
+        screen.Scale = 2;
+        FillSurfaceWithPicture(screen);
+    };
+    ScreenWindow& window = OpenScreenWindow();
+    FillSurface = nullptr;
+    window.Labels = {{"HHH", 100, 100, QbColor(7), true}};
+    window.LabelScale.Visible = window.LabelVectorScale.Visible = false;
+    window.Screen.Clear(window.Screen, QbColor(0));
+    const QImage picture = PictureOf(window);
+    EXPECT_EQ(picture.size(), QSize(1600, 1200));
+    EXPECT_EQ(picture.devicePixelRatio(), 2);
+    int top = 10000, bottom = -1;
+    for (int row = 0; row < 1200; ++row)
+        for (int column = 0; column < 1600; ++column)
+            if (qGreen(picture.pixel(column, row)) > 0x60) {
+                top = std::min(top, row);
+                bottom = std::max(bottom, row);
+            }
+    // Capitals of a 24 pixel font are about 18 high.
+    EXPECT_GE(top, 200);
+    EXPECT_NEAR(bottom - top + 1, 18, 2);
 }
 
 TEST_F(PictureOfWindow, IsWrittenAsPng) {
