@@ -9,6 +9,9 @@
 #include "cli/screen_automation.h"
 #include "core/files.h"
 #include "core/fresh_start.h"
+#include "core/job.h"
+#include "core/job_file.h"
+#include "graphics/screen_window.h"
 
 namespace {
 
@@ -199,6 +202,33 @@ TEST_F(Render, APictureIsTheSameEachTime) {
     ASSERT_EQ(Picture(job, PathOf("a.png"), all).Status, 0);
     ASSERT_EQ(Picture(job, PathOf("b.png"), all).Status, 0);
     EXPECT_EQ(Contents(PathOf("a.png")), Contents(PathOf("b.png")));
+}
+
+TEST_F(Render, ASavedViewShowsItsSectionInAnySize) {
+    StartWithScreen();
+    Click("FormMain.ToolbarGraphics.ZoomIn");
+    Click("FormMain.ToolbarGraphics.PointsBigger");
+    Click("FormMain.ToolbarGraphics.PointsBigger");
+    Job.SavedView[1] = Screens().Open[0]->State;
+    Job.SavedView[1].WindowWidth = 800;
+    Job.SavedView[1].WindowHeight = 600;
+    Job.nSavedViews = 1;
+    const std::string job = Write("views.cvn", JobBytes(Job, {"near the middle"}));
+    const auto discs = [&](const std::string& size, const std::string& zoom) {
+        return DiscsOf(Svg(job, {"--view", "near the middle", "--size", size, "--zoom", zoom}));
+    };
+    // A window of twice the size shows the same, twice as large.
+    for (const double times : {1.0, 2.0}) {
+        const std::vector<Disc> shown = discs(times == 1 ? "800x600" : "1600x1200", "0.5");
+        ASSERT_EQ(shown.size(), 4u);
+        EXPECT_NEAR(shown[0].X, (400 - 50 * kFaktor / 0.7 / 2) * times, 0.02);
+        EXPECT_NEAR(shown[0].Y, (300 + 25 * kFaktor / 0.7 / 2) * times, 0.02);
+        EXPECT_EQ(shown[0].Radius, 2) << "its own point size, 4";
+    }
+    // In a longer one its height decides.
+    EXPECT_NEAR(discs("1600x600", "0.5")[0].X, 800 - 50 * kFaktor / 0.7 / 2, 0.02);
+    EXPECT_EQ(Picture(job, PathOf("a.svg"), {"--view", "near"}).Status, 2);
+    EXPECT_TRUE(Has(Picture(job, PathOf("a.svg"), {"--view", "near"}).Err, "front, near the middle"));
 }
 
 // --- Unusual jobs -----------------------------------------------------------------------------------------
