@@ -111,10 +111,9 @@ TEST_F(ScreenByHand, AFrameIsShownAndComesToFillThePicture) {
                      Qt::LeftButton, {});
     QApplication::sendEvent(&view, &move);
     Serve();
-    const QImage framed = view.grab().toImage();
-    EXPECT_EQ(framed.pixelColor(100, 130), QColor(Qt::white));
-    EXPECT_EQ(framed.pixelColor(300, 130), QColor(Qt::white));
-    EXPECT_EQ(framed.pixelColor(200, 80), QColor(Qt::white));
+    for (const QPoint edge : {QPoint(100, 130), QPoint(300, 130), QPoint(200, 80), QPoint(200, 180)})
+        EXPECT_EQ(ColourAt(window, edge), QColor(Qt::white)) << edge.x() << ", " << edge.y();
+    EXPECT_EQ(ColourAt(window, {103, 130}), QColor(Qt::black));
     QTest::mouseRelease(&view, Qt::LeftButton, {}, {300, 180});
     Serve();
     const double ratio = std::min(window.Screen.Width / 200.0, window.Screen.Height / 100.0);
@@ -204,8 +203,7 @@ TEST_F(ScreenByHand, TheTextAboutTheKeysShowsOnceAndFromTheHelpMenu) {
     Trigger("MenueGraphics");
     ScreenWindow& window = *Screens().Open.front();
     EXPECT_TRUE(window.BindingsShown);
-    const QColor covered = View(window).grab().toImage().pixelColor(View(window).rect().center());
-    EXPECT_NE(covered, QColor(Qt::black));
+    EXPECT_NE(ColourAt(window, View(window).rect().center()), QColor(Qt::black));
     QTest::keyClick(&View(window), Qt::Key_Escape);
     EXPECT_FALSE(window.BindingsShown);
     const ScreenWindow& second = OpenScreen();
@@ -228,7 +226,7 @@ TEST_F(ScreenByHand, ADoubleClickChoosesTheBackground) {
     QTest::mouseDClick(&View(window), Qt::LeftButton, {}, {33, 33});
     Serve();
     EXPECT_EQ(window.BackColor, 10 | 20 << 8 | 30 << 16);
-    EXPECT_EQ(View(window).grab().toImage().pixelColor(5, 5), QColor(10, 20, 30));
+    EXPECT_EQ(ColourAt(window, {5, 5}), QColor(10, 20, 30));
 }
 
 TEST_F(ScreenByHand, ThePictureGoesToTheClipboardOnWhite) {
@@ -236,9 +234,10 @@ TEST_F(ScreenByHand, ThePictureGoesToTheClipboardOnWhite) {
     const ScreenWindow& window = OpenScreen();
     Trigger("MenüGraphicsPrint");
     const QImage copied = QApplication::clipboard()->image();
-    EXPECT_EQ(copied.size(), QSize(window.Screen.Width - 5, window.Screen.Height - 5));
+    const int margins = static_cast<int>(std::lround(5 * window.Screen.Scale));
+    EXPECT_EQ(copied.size(), QSize(window.Screen.PixelWidth - margins, window.Screen.PixelHeight - margins));
     EXPECT_EQ(copied.pixelColor(copied.width() - 20, 20), QColor(Qt::white));
-    EXPECT_EQ(View(window).grab().toImage().pixelColor(5, 5), QColor(Qt::black));
+    EXPECT_EQ(ColourAt(window, {5, 5}), QColor(Qt::black));
 }
 
 TEST_F(ScreenByHand, TheColourDialogStaysBesideThePicture) {
@@ -258,7 +257,8 @@ TEST_F(ScreenByHand, TheColourDialogStaysBesideThePicture) {
     // Red is the highest of four classes, and the sample shows it at its upper end.
     const QWidget* sample = Widget("FormColorBar.ScreenColorBar");
     const QImage shown = const_cast<QWidget*>(sample)->grab().toImage();
-    EXPECT_EQ(shown.pixelColor(8, sample->fontMetrics().height()), QColor(255, 0, 0));
+    const auto scale = static_cast<int>(shown.devicePixelRatio());
+    EXPECT_EQ(shown.pixelColor(8 * scale, sample->fontMetrics().height() * scale), QColor(255, 0, 0));
     // It belongs to whichever window is active.
     const ScreenWindow& second = OpenScreen();
     EXPECT_EQ(scroll->value(), second.State.AnzKlassenPos);
@@ -278,8 +278,7 @@ TEST_F(ScreenByHand, TheColourOfPointsOutOfToleranceIsShownBesideItsButton) {
     });
     Click("FormColorBar.BtnSetOuterColor");
     const QWidget* sample = Widget("FormColorBar.LabelOuterColor");
-    EXPECT_EQ(const_cast<QWidget*>(sample)->grab().toImage().pixelColor(sample->rect().center()),
-              QColor(200, 100, 50));
+    EXPECT_EQ(const_cast<QWidget*>(sample)->grab().toImage().pixelColor(12, 12), QColor(200, 100, 50));
     Click("FormColorBar.BtnApply");
     EXPECT_EQ(window.State.OuterColor, 200 | 100 << 8 | 50 << 16);
 }
