@@ -66,6 +66,7 @@ void (*const kRecords[])() = {
     },
     [] { Scene = SceneRecord{}; },
     [] { Tolerance = ToleranceRecord{}; },
+    [] { SaveViewAnswer = SaveViewRecord{}; },
 };
 
 }  // namespace

@@ -121,6 +121,19 @@ void CenterScene() {
     }
 }
 
+// What stands at the picture's edges: the colour bar with its numbers, and the scales. Small pictures have no
+// room to spare for them.
+struct Margins {
+    double Right = 0, Bottom = 0;  // pixels
+};
+
+Margins MarginsOf(const ScreenWindow& window) {
+    constexpr double kScales = 105, kBar = 75, kNumbers = 60;
+    const bool roomy = PictureWidth(window) >= 400 && PictureHeight(window) >= 400;
+    if (!roomy) return {};
+    return {IsTrue(Settings.ShowColorBar) ? kBar + kNumbers : 0, kScales};
+}
+
 // Fits what is plotted; a graphics window's own fit counts hidden points too.
 void FitScene(ScreenWindow& window) {
     rechne_PixelCloud(window);
@@ -136,13 +149,20 @@ void FitScene(ScreenWindow& window) {
     }
     if (left > right) return;  // nothing is plotted
     window.ViewBox = {left, right, top, bottom, window.ViewBox[4], window.ViewBox[5]};
-    const double least = 1e-10;
-    const double fit = 0.9 * std::min(PictureWidth(window) / (least + right - left),
-                                      PictureHeight(window) / (least + bottom - top));
+    const Margins margins = MarginsOf(window);
+    const double least = 1e-10, W = PictureWidth(window), H = PictureHeight(window);
+    const double fit = 0.9 * std::min((W - margins.Right) / (least + right - left),
+                                      (H - margins.Bottom) / (least + bottom - top));
     // A single point has no size to fit.
     constexpr double kLargestFit = 1e4;  // pixels per mm
     window.State.BildFaktor = static_cast<float>(fit > kLargestFit ? 1 : fit);
     CenterBox(window);
+    // No farther from the middle than it takes.
+    const double F = window.State.BildFaktor;
+    const double rightEdge = W / 2 + (static_cast<double>(right) - left) * F / 2;
+    const double lowerEdge = H / 2 + (static_cast<double>(bottom) - top) * F / 2;
+    window.State.BildOffsetX -= static_cast<float>(std::max(0.0, rightEdge - (W - margins.Right)));
+    window.State.BildOffsetY += static_cast<float>(std::max(0.0, lowerEdge - (H - margins.Bottom)));
 }
 
 // A saved view shows the same section of the scene, whatever the size of its window was.

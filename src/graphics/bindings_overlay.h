@@ -12,3 +12,6 @@ struct Binding {
 std::span<const Binding> ScreenBindings();
 
 void ToggleBindingsOverlay(ScreenWindow& window);  // shown until the next press or the next call
+// Shows it over the first graphics window that the user ever opens; the settings remember that. May throw as
+// IniWertSchreiben.
+void ShowBindingsOnce(ScreenWindow& window);

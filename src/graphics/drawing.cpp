@@ -26,8 +26,7 @@ DepthSize DepthOf(const ScreenWindow& window) {
 void Stelle_Grafik_dar(ScreenWindow& window) {
     SceneForWindow(window);
     Transform_dev_to_klasse(window);
-    rechne_PixelCloud(window);
-    Rechne_pixel(window);
+    RechneCloudAndPixels(window);
     Surface& screen = window.Screen;
     if (screen.Clear != nullptr) screen.Clear(screen, window.BackColor);
     const DepthSize depth = DepthOf(window);

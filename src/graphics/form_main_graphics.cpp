@@ -3,10 +3,12 @@
 
 #include "core/controller.h"
 #include "core/form_main.h"
+#include "core/settings.h"
 #include "core/window.h"
 #include "graphics/analyse_mode.h"
 #include "graphics/bindings_overlay.h"
 #include "graphics/drawing.h"
+#include "graphics/picking.h"
 #include "graphics/saved_views.h"
 #include "graphics/scene.h"
 #include "graphics/screen_window.h"
@@ -47,7 +49,7 @@ void Toggle(Flag ScreenRecord::*mode) {
 }  // namespace
 
 void FormMain::MenueGraphics_Click() {
-    OpenScreenWindow();
+    ShowBindingsOnce(OpenScreenWindow());
 }
 
 void FormMain::MenüAnsichtAnpassen_Click() {
@@ -112,8 +114,10 @@ void FormMain::MenüAnsichtAnalyseModeLess_Click() {
 }
 
 void FormMain::MenüAnsichtToleranzenColorbar_Click() {
-    Main.MenüAnsichtToleranzenColorbar.Checked = !Main.MenüAnsichtToleranzenColorbar.Checked;
-    OnTop(Stelle_Grafik_dar);
+    Settings.ShowColorBar = ToFlag(!IsTrue(Settings.ShowColorBar));
+    Main.MenüAnsichtToleranzenColorbar.Checked = IsTrue(Settings.ShowColorBar);
+    DrawActualPoint(findLFDFORM());  // the switch is that of all windows
+    SettingsSchreiben({"ShowColorBar"});
 }
 void FormMain::MenüAnsichtToleranzenEinstellungen_Click() {
     ShowWindow("FormColorBar");
@@ -129,14 +133,19 @@ void FormMain::MenüGraphicsLinesSetLines_Click() {
     OnTop([](ScreenWindow& window) {
         window.SetLine = !window.SetLine;
         if (window.SetLine) window.DeleteLine = false;
+        window.State.LineStartRow = window.State.SelectedLine = 0;  // a new chain begins
         ProgrammLogik();
+        Stelle_Grafik_dar(window);
     });
 }
 void FormMain::MenüGraphicsLinesDeleteLines_Click() {
     OnTop([](ScreenWindow& window) {
         window.DeleteLine = !window.DeleteLine;
         if (window.DeleteLine) window.SetLine = false;
+        window.State.SelectedLine = 0;
+        window.LineSearchTold = false;
         ProgrammLogik();
+        Stelle_Grafik_dar(window);
     });
 }
 

@@ -1,4 +1,5 @@
 // What the other rooms tell the graphics windows after a change.
+#include "core/form_main.h"
 #include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
@@ -41,6 +42,9 @@ void ApplyTopGraphicsModes() {
                       : window->SetLine                ? ScreenPointer::SetsLine
                       : IsTrue(window->State.FlagMode) ? ScreenPointer::SetsFlag
                                                        : ScreenPointer::Arrow;
+    Main.MenüAnsichtAnalyseModeActive.Checked = window->AnalyseMode;
+    Main.ToolbarGraphics_AnalyseMode.Value = window->AnalyseMode ? 1 : 0;
+    Main.MenüAnsichtToleranzenColorbar.Checked = IsTrue(Settings.ShowColorBar);
     ShowUndoState();  // the main window has just enabled its tool bars as a whole
 }
 

@@ -78,22 +78,39 @@ ON_ANY_VECTORS void PlacesOfBlock(int count, const float* __restrict x, const fl
     }
 }
 
+// One row of a square, from registers alone: through an array the numbers would go by way of the stack.
+template <int Side>
+void WriteRow(std::uint32_t* pixel, std::uint64_t two, std::uint32_t one) {
+    static_assert(Side % 2 == 1);
+    for (int k = 0; k + 1 < Side; k += 2) std::memcpy(pixel + k, &two, sizeof two);
+    pixel[Side - 1] = one;
+}
+
+// Points of a cloud lie anywhere in a picture that is larger than the cache next to the processor: the rows
+// of the squares to come are asked for while the present one is written.
+constexpr int kAhead = 16;
+
 template <int R>
 void PaintBlock(Surface& screen, int first, int count, const int* places) {
     constexpr int kSide = 2 * R + 1;
     const std::ptrdiff_t stride = screen.Stride;
+    std::uint32_t* const corner = screen.Pixels - R * stride - R;
+    const std::uint32_t* const colours = Scene.Paint.data() + first;
     for (int i = 0; i < count; ++i) {
-        const auto row = static_cast<std::size_t>(first + i);
-        const std::uint32_t colour = Scene.Paint[row];
+        const int ahead = i + kAhead < count ? places[i + kAhead] : -1;
+        if (ahead >= 0)
+            for (int k = 0; k < kSide; ++k) __builtin_prefetch(corner + ahead + k * stride, 1);
+        const std::uint32_t colour = colours[i];
         if (colour == 0) continue;
         if (places[i] >= 0) {
-            std::array<std::uint32_t, kSide> line;
-            line.fill(colour);
-            std::uint32_t* pixel = screen.Pixels + places[i] - R * stride - R;
-            for (int k = 0; k < kSide; ++k, pixel += stride) std::memcpy(pixel, line.data(), sizeof line);
-        } else if (InReach(screen, Scene.PixelX[row], Scene.PixelY[row])) {
-            PaintSquare(screen, Scene.PixelX[row], Scene.PixelY[row], R, colour);
+            const std::uint64_t two = static_cast<std::uint64_t>(colour) << 32U | colour;
+            std::uint32_t* pixel = corner + places[i];
+            for (int k = 0; k < kSide; ++k, pixel += stride) WriteRow<kSide>(pixel, two, colour);
+            continue;
         }
+        const auto row = static_cast<std::size_t>(first + i);
+        if (InReach(screen, Scene.PixelX[row], Scene.PixelY[row]))
+            PaintSquare(screen, Scene.PixelX[row], Scene.PixelY[row], R, colour);
     }
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstring>
 
 #include "core/form_main.h"
 #include "core/job.h"
@@ -46,27 +47,34 @@ ON_ANY_VECTORS void TurnBlock(const Turn& turn, int count, const float* __restri
     }
 }
 
-// Takes a block into the bounds: in lanes, since a single minimum would be taken number by number.
+// Takes a block into the bounds: in lanes, since a single minimum would be taken number by number, and by
+// twos of them, since each minimum waits for the one before. Written as vectors, or the compiler keeps them
+// in memory.
 constexpr int kLanesOfBox = 16;
+using BoxLanes = float __attribute__((vector_size(kLanesOfBox * sizeof(float))));
 ON_ANY_VECTORS void BoundBlock(int count, const float* __restrict values, float& lowest, float& highest) {
-    std::array<float, kLanesOfBox> low{}, high{};
-    low.fill(lowest);
-    high.fill(highest);
-    float* __restrict lows = low.data();
-    float* __restrict highs = high.data();
-    const int whole = count / kLanesOfBox * kLanesOfBox;
-    for (int i = 0; i < whole; i += kLanesOfBox)
-        for (int lane = 0; lane < kLanesOfBox; ++lane) {
-            const float value = values[i + lane];
-            lows[lane] = value < lows[lane] ? value : lows[lane];
-            highs[lane] = value > highs[lane] ? value : highs[lane];
-        }
-    for (int i = whole; i < count; ++i) {
-        lows[0] = values[i] < lows[0] ? values[i] : lows[0];
-        highs[0] = values[i] > highs[0] ? values[i] : highs[0];
+    BoxLanes low = lowest - BoxLanes{}, high = highest - BoxLanes{}, low2 = low, high2 = high;
+    constexpr int kStep = 2 * kLanesOfBox;
+    const int whole = count / kStep * kStep;
+    for (int i = 0; i < whole; i += kStep) {
+        BoxLanes one, two;
+        std::memcpy(&one, values + i, sizeof one);
+        std::memcpy(&two, values + i + kLanesOfBox, sizeof two);
+        low = one < low ? one : low;
+        high = one > high ? one : high;
+        low2 = two < low2 ? two : low2;
+        high2 = two > high2 ? two : high2;
     }
-    lowest = *std::min_element(low.begin(), low.end());
-    highest = *std::max_element(high.begin(), high.end());
+    low = low2 < low ? low2 : low;
+    high = high2 > high ? high2 : high;
+    for (int lane = 0; lane < kLanesOfBox; ++lane) {
+        lowest = low[lane] < lowest ? low[lane] : lowest;
+        highest = high[lane] > highest ? high[lane] : highest;
+    }
+    for (int i = whole; i < count; ++i) {
+        lowest = values[i] < lowest ? values[i] : lowest;
+        highest = values[i] > highest ? values[i] : highest;
+    }
 }
 
 // One coordinate of all pixels: the product and the sum in 64 bits, kept in 32.
@@ -156,21 +164,36 @@ void CenterBox(ScreenWindow& window) {
     window.State.BildOffsetY = offset(ymin, ymax, PictureHeight(window));
 }
 
-void rechne_PixelCloud(ScreenWindow& window) {
-    // Armed without a point, it waits for one.
-    const bool known = Scene.RotateAboutIndex >= 1 && Scene.RotateAboutIndex <= Scene.Rows;
-    if (Scene.RotateAboutArmed && known) TakeRotationCenter(window);
+namespace {
+
+void SizeView() {
     const std::size_t size = static_cast<std::size_t>(Scene.Rows) + 1;
     for (std::size_t column = 1; column <= 3; ++column) Scene.View[column].resize(size);
-    const Turn turn = TurnOf(window);
-    for (int first = 1; first <= Scene.Rows; first += kBlock)
-        TurnBlock(turn, std::min(kBlock, Scene.Rows + 1 - first), Scene.Points[kSceneX].data() + first,
-                  Scene.Points[kSceneY].data() + first, Scene.Points[kSceneZ].data() + first,
-                  Scene.View[1].data() + first, Scene.View[2].data() + first, Scene.View[3].data() + first);
-    Max_Min(window);
-
     Scene.Vectors[1].resize(size);
     Scene.Vectors[2].resize(size);
+}
+
+void SizePixels(const ScreenWindow& window) {
+    Scene.PixelsOf = window.Id;
+    const std::size_t size = static_cast<std::size_t>(Scene.Rows) + 1;
+    for (std::vector<float>* table :
+         {&Scene.PixelX, &Scene.PixelY, &Scene.PixelZ, &Scene.VecPixelX, &Scene.VecPixelY})
+        table->resize(size);
+}
+
+// Armed without a point, it waits for one.
+void TakeArmedRotationCenter(ScreenWindow& window) {
+    const bool known = Scene.RotateAboutIndex >= 1 && Scene.RotateAboutIndex <= Scene.Rows;
+    if (Scene.RotateAboutArmed && known) TakeRotationCenter(window);
+}
+
+void TurnRows(const Turn& turn, int first, int count) {
+    TurnBlock(turn, count, Scene.Points[kSceneX].data() + first, Scene.Points[kSceneY].data() + first,
+              Scene.Points[kSceneZ].data() + first, Scene.View[1].data() + first,
+              Scene.View[2].data() + first, Scene.View[3].data() + first);
+}
+
+void TurnDeviations(const ScreenWindow& window) {
     if (!VectorsNeeded(window)) return;
     const Mat3 M = ViewRotation(window);
     if (IsTrue(window.State.ShowOnlyUsedComponent)) {
@@ -183,19 +206,16 @@ void rechne_PixelCloud(ScreenWindow& window) {
                     Scene.Vectors[static_cast<std::size_t>(row)].data() + 1);
 }
 
-void Rechne_pixel(ScreenWindow& window) {
-    const int rows = Scene.Rows;
-    const std::size_t size = static_cast<std::size_t>(rows) + 1;
-    for (std::vector<float>* table :
-         {&Scene.PixelX, &Scene.PixelY, &Scene.PixelZ, &Scene.VecPixelX, &Scene.VecPixelY})
-        table->resize(size);
-    Scene.PixelsOf = window.Id;
+void ScaleRows(const ScreenWindow& window, int first, int count) {
     const double F = window.State.BildFaktor;
-    ScaleAndShift(rows, Scene.View[1].data() + 1, F, window.State.BildOffsetX, Scene.PixelX.data() + 1);
-    ScaleAndShift(rows, Scene.View[2].data() + 1, -F,
-                  static_cast<double>(PictureHeight(window)) - window.State.BildOffsetY,
-                  Scene.PixelY.data() + 1);
-    ScaleAndShift(rows, Scene.View[3].data() + 1, F, 0, Scene.PixelZ.data() + 1);
+    const double lowerEdge = static_cast<double>(PictureHeight(window)) - window.State.BildOffsetY;
+    ScaleAndShift(count, Scene.View[1].data() + first, F, window.State.BildOffsetX,
+                  Scene.PixelX.data() + first);
+    ScaleAndShift(count, Scene.View[2].data() + first, -F, lowerEdge, Scene.PixelY.data() + first);
+    ScaleAndShift(count, Scene.View[3].data() + first, F, 0, Scene.PixelZ.data() + first);
+}
+
+void ScaleVectors(const ScreenWindow& window) {
     if (!VectorsNeeded(window)) return;
     const double length = IsTrue(Settings.DevVecDirection) ? window.State.Vec_Maßstab
                                                            : -static_cast<double>(window.State.Vec_Maßstab);
@@ -203,8 +223,56 @@ void Rechne_pixel(ScreenWindow& window) {
     ScaleAndShift(Scene.Ident, Scene.Vectors[2].data() + 1, length, 0, Scene.VecPixelY.data() + 1);
 }
 
+constexpr std::array<float, 6> kNoBox = {kFarAway, -kFarAway, kFarAway, -kFarAway, kFarAway, -kFarAway};
+
+void TakeIntoBox(int first, int count, std::array<float, 6>& box) {
+    for (std::size_t axis = 0; axis < 3; ++axis)
+        BoundBlock(count, Scene.View[axis + 1].data() + first, box[2 * axis], box[2 * axis + 1]);
+}
+
+template <class Work>
+void ForEachBlock(Work work) {
+    for (int first = 1; first <= Scene.Rows; first += kBlock)
+        work(first, std::min(kBlock, Scene.Rows + 1 - first));
+}
+
+}  // namespace
+
+void rechne_PixelCloud(ScreenWindow& window) {
+    TakeArmedRotationCenter(window);
+    SizeView();
+    const Turn turn = TurnOf(window);
+    ForEachBlock([&turn](int first, int count) { TurnRows(turn, first, count); });
+    Max_Min(window);
+    TurnDeviations(window);
+}
+
+void Rechne_pixel(ScreenWindow& window) {
+    SizePixels(window);
+    ForEachBlock([&window](int first, int count) { ScaleRows(window, first, count); });
+    ScaleVectors(window);
+}
+
+// Block by block, so that what is turned is still in the cache when it is scaled: a million points are at the
+// limit of the memory.
+void RechneCloudAndPixels(ScreenWindow& window) {
+    TakeArmedRotationCenter(window);
+    SizeView();
+    SizePixels(window);
+    const Turn turn = TurnOf(window);
+    std::array<float, 6> box = kNoBox;
+    ForEachBlock([&](int first, int count) {
+        TurnRows(turn, first, count);
+        TakeIntoBox(first, count, box);
+        ScaleRows(window, first, count);
+    });
+    window.ViewBox = box;
+    TurnDeviations(window);
+    ScaleVectors(window);
+}
+
 void Max_Min(ScreenWindow& window) {
-    std::array<float, 6> box = {kFarAway, -kFarAway, kFarAway, -kFarAway, kFarAway, -kFarAway};
+    std::array<float, 6> box = kNoBox;
     for (std::size_t axis = 0; axis < 3; ++axis) {
         const std::vector<float>& values = Scene.View[axis + 1];
         const int rows = std::min(Scene.Rows, UpperBound(values));

@@ -16,7 +16,8 @@ void SetViewAngles(ScreenWindow& window, double a, double b, double c);  // row 
 // Fills ViewPoints, the window's ViewBox and ViewVectors from ScenePoints. An armed rotation centre is taken
 // first (Scene.RotateAboutArmed). Vectors only with VectorMode or in the analyse mode.
 void rechne_PixelCloud(ScreenWindow& window);
-void Rechne_pixel(ScreenWindow& window);  // fills the pixel tables from ViewPoints and ViewVectors
+void Rechne_pixel(ScreenWindow& window);          // fills the pixel tables from ViewPoints and ViewVectors
+void RechneCloudAndPixels(ScreenWindow& window);  // both of them in one pass, to the same numbers
 // BildOffsetX, BildOffsetY so that the middle of ViewBox comes to the middle of the picture.
 void CenterBox(ScreenWindow& window);
 void Max_Min(ScreenWindow& window);  // fills ViewBox from ViewPoints; +-1e10 for an empty table

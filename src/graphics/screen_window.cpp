@@ -88,12 +88,29 @@ int FreeNumber() {
     return number;
 }
 
+// Without a window no mode is on.
+void ShowNoModes() {
+    for (Control* entry :
+         {&Main.MenüAnsichtVektorenVektorModeActive, &Main.MenüGlobalFlagsMode, &Main.MenüGlobalRotateAbout,
+          &Main.MenüGraphicsLinesLineModeActive, &Main.MenüGraphicsLinesSetLines,
+          &Main.MenüGraphicsLinesDeleteLines, &Main.MenüAnsichtAnalyseModeActive})
+        entry->Checked = false;
+    for (Control* button :
+         {&Main.ToolbarGraphics_VectorMode, &Main.ToolbarGraphics_VectorLonger,
+          &Main.ToolbarGraphics_VectorShorter, &Main.ToolbarGraphics_FlagMode,
+          &Main.ToolbarGraphics_RotateAbout, &Main.ToolbarGraphics_AnalyseMode, &Main.ToolbarLines_LineMode,
+          &Main.ToolbarLines_SetLines, &Main.ToolbarLines_DeleteLines})
+        button->Value = 0;
+    Scene.RotateAboutArmed = false;
+}
+
 void ShowMenus() {
     // The graphics entries go with the last window.
     Main.MenueGraphicsWindow.Enabled = !screens.Open.empty();
     Main.MenueGraphics.Checked = !screens.Open.empty();
     ProgrammLogik();
     ShowUndoState();
+    if (screens.Open.empty()) ShowNoModes();
 }
 
 }  // namespace

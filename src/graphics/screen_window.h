@@ -77,6 +77,7 @@ struct ScreensRecord {
     bool RotateKey = false, PanKey = false;  // Shift and Ctrl are down
     bool Wheel = false;                      // the next zoom step goes about the mouse
     std::uint64_t Count = 0;                 // opened so far
+    bool BindingsTold = false;               // in this run or an earlier one
     bool DefaultsTaken = false;              // Settings.LocalGraphics holds the state of a window
 };
 ScreensRecord& Screens();  // lives for the program run; FreshStart makes it new

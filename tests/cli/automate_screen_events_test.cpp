@@ -25,8 +25,7 @@ protected:
     }
 };
 
-// --- Wheel, pan, rotation, frame
-// ----------------------------------------------------------------------------
+// --- Wheel, pan, rotation, frame --------------------------------------------------------------------------
 
 TEST_F(ScreenEvents, AStepOfTheWheelZoomsAboutTheMouse) {
     Mouse("wheel", kLeft, kLower, {{"delta", 120}});

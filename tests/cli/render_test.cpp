@@ -72,7 +72,8 @@ protected:
         return discs;
     }
     std::string Svg(const std::string& job, std::vector<std::string> more = {}) {
-        more.insert(more.begin(), {"--size", "800x600"});
+        if (std::find(more.begin(), more.end(), "--size") == more.end())
+            more.insert(more.end(), {"--size", "800x600"});
         if (std::find(more.begin(), more.end(), "--view") == more.end())
             more.insert(more.end(), {"--view", "top"});
         const Outcome outcome = Picture(job, PathOf("a.svg"), more);
@@ -152,6 +153,17 @@ TEST_F(Render, ZoomGoesAboutTheMiddle) {
     ASSERT_EQ(discs.size(), 4u);
     EXPECT_NEAR(discs[0].X, 400 - 50 * kFaktor / 2, 0.01);
     EXPECT_NEAR(discs[0].Y, 300 + 25 * kFaktor / 2, 0.01);
+}
+
+TEST_F(Render, TheColourBarAndTheScalesHaveRoomOfTheirOwn) {
+    // A square fills the height; beside it nothing may reach the last 135 pixels, below it the last 105.
+    const char* points = "A;0;0;0\nB;100;0;0\nC;0;90;0\nD;100;90;0\n";
+    for (const Disc& disc : DiscsOf(Svg(JobOf(points, points), {"--color-bar", "--size", "700x500"}))) {
+        EXPECT_LE(disc.X, 700 - 135 + 0.01);
+        EXPECT_LE(disc.Y, 500 - 105 + 0.01);
+        EXPECT_GE(disc.Y, 0);
+        EXPECT_GE(disc.X, 0);
+    }
 }
 
 TEST_F(Render, EachSwitchShowsWhatItNames) {

@@ -112,6 +112,32 @@ TEST_F(GraphicsProjection, FindsTheBoxWhereverTheOutermostPointStands) {
     }
 }
 
+TEST_F(GraphicsProjection, OnePassGivesTheNumbersOfTurningAndScalingOneAfterTheOther) {
+    for (int i = 1; i <= 1300; ++i) {
+        const double t = 0.1 * i;
+        AddPoints("P", {900 * std::sin(t), 700 * std::cos(1.7 * t), 3 * t}, {900 * std::sin(t), 2 * t, -t});
+    }
+    ScreenWindow& window = OpenSized(640, 480);
+    SetView(window, 0.3, -0.4, 0.7, 1.7F, -250, 90.5F);
+    window.State.VectorMode = kTrue;
+    RechneCloudAndPixels(window);
+    const SceneRecord once = Scene;
+    const std::array<float, 6> box = window.ViewBox;
+    for (auto* tables : {&Scene.View[1], &Scene.View[2], &Scene.View[3], &Scene.Vectors[1], &Scene.Vectors[2],
+                         &Scene.PixelX, &Scene.PixelY, &Scene.PixelZ, &Scene.VecPixelX, &Scene.VecPixelY})
+        tables->clear();
+    rechne_PixelCloud(window);
+    Rechne_pixel(window);
+    EXPECT_EQ(window.ViewBox, box);
+    EXPECT_EQ(Scene.View, once.View);
+    EXPECT_EQ(Scene.Vectors, once.Vectors);
+    EXPECT_EQ(Scene.PixelX, once.PixelX);
+    EXPECT_EQ(Scene.PixelY, once.PixelY);
+    EXPECT_EQ(Scene.PixelZ, once.PixelZ);
+    EXPECT_EQ(Scene.VecPixelX, once.VecPixelX);
+    EXPECT_EQ(Scene.VecPixelY, once.VecPixelY);
+}
+
 TEST_F(GraphicsProjection, BoundsTheStartPointsOfTheJobInWorldCoordinates) {
     FivePoints();
     Job.TMCS_X[1] = 5000;  // not the transformed ones
