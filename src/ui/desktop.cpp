@@ -359,6 +359,11 @@ void OpenDesktop() {
         combo->setObjectName(QStringLiteral("ComboSaveView"));
         combo->setMinimumWidth(140);
         bar->addWidget(combo);
+        // The view that the list shows can be chosen again, after the picture has been turned away from it.
+        // This stands in front of the binder's connection, which is the one that changes the choice.
+        QObject::connect(combo, &QComboBox::activated, combo, [](int index) {
+            if (index == Main.ComboSaveView.Index) UserDid([] { UserClick(Main.ComboSaveView); });
+        });
     }
     AddPanels(*frame->statusBar());
     AddIcons(*frame);

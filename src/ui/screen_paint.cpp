@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 #include <QIcon>
 #include <QPalette>
+#include <QRegion>
 #include <algorithm>
 
 #include "graphics/bindings_overlay.h"
@@ -24,9 +25,10 @@ void PaintPicture(QPainter& painter, const ScreenWindow& window, const QImage& p
 void PaintFrame(QPainter& painter, const ScreenWindow& window) {
     const QRect frame = FrameOf(window);
     if (frame.isEmpty()) return;
-    painter.setPen(QPen(ColourOf(window.Mouse.FrameColor), 1));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRect(frame.adjusted(0, 0, -1, -1));
+    // Bars, and no lines: those would lie half beside their logical pixels on a finer screen.
+    const QRect inside = frame.adjusted(1, 1, -1, -1);
+    for (const QRect& bar : QRegion(frame).subtracted(inside))
+        painter.fillRect(bar, ColourOf(window.Mouse.FrameColor));
 }
 
 // A calm panel in the middle: what to do at the left, what comes of it at the right.

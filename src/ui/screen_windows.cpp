@@ -13,7 +13,6 @@
 #include "core/platform.h"
 #include "core/settings.h"
 #include "core/window.h"
-#include "graphics/bindings_overlay.h"
 #include "graphics/drawing.h"
 #include "graphics/screen_window.h"
 #include "graphics/view_undo.h"
@@ -28,10 +27,6 @@ namespace {
 
 // Under this name the place of the first window is kept.
 constexpr const char* kPlaceName = "FormScreen";
-
-// The user has seen the text about mouse and keys.
-constexpr const char* kSection = "Desktop";
-constexpr const char* kBindingsSeenKey = "BindingsSeen";
 
 struct View {
     QMdiSubWindow* Outer = nullptr;
@@ -135,14 +130,6 @@ void FitToWhatCame(ScreenWindow& window, const ScreenView& view) {
     });
 }
 
-void ShowBindingsOnce(ScreenWindow& window) {
-    Dispatch([&window] {
-        if (FindIniWert(kBindingsSeenKey) || ScreenBindings().empty()) return;
-        if (!window.BindingsShown) ToggleBindingsOverlay(window);
-        IniWertSchreiben(kSection, kBindingsSeenKey, "True");
-    });
-}
-
 void OpenOne(ScreenWindow& window) {
     View view;
     view.Inner = new ScreenView(window.Id);
@@ -156,7 +143,6 @@ void OpenOne(ScreenWindow& window) {
     view.Inner->setFocus();
     FitToWhatCame(window, *view.Inner);
     Shown.Views[window.Id].Told = {window.Screen.Width, window.Screen.Height};
-    ShowBindingsOnce(window);
 }
 
 void CloseOne(std::uint64_t id) {

@@ -70,8 +70,11 @@ protected:
         Serve();
     }
 
-    static double Angle(const ScreenWindow& window, int axis) {
-        return window.State.RotAngles.at(static_cast<std::size_t>((axis - 1) * 2));
+    // What the screen shows at a logical pixel.
+    static QColor ColourAt(const ScreenWindow& window, QPoint at) {
+        const QImage shown = View(window).grab().toImage();
+        const QPointF middle = (QPointF(at) + QPointF(0.5, 0.5)) * shown.devicePixelRatio();
+        return shown.pixelColor(static_cast<int>(middle.x()), static_cast<int>(middle.y()));
     }
 
     // The corners of a cuboid; the last one stands `moved` mm higher.

@@ -60,17 +60,22 @@ TEST_F(ScreenByHand, BesideAMaximisedWindowIsFittedToTheSizeThatItGets) {
 TEST_F(ScreenByHand, ShowsThePixelsOfItsPicture) {
     BeginWithPoints();
     const ScreenWindow& window = OpenScreen();
+    const double scale = Frame()->devicePixelRatioF();
+    EXPECT_EQ(window.Screen.Scale, scale);
+    EXPECT_EQ(window.Screen.PixelWidth, std::lround(window.Screen.Width * scale));
     const QImage shown = View(window).grab().toImage().convertToFormat(QImage::Format_RGB32);
     const QImage drawn = PictureOf(window);
-    const int rows = shown.height() - window.Screen.StatusBarHeight;
+    EXPECT_LE(std::abs(shown.width() - drawn.width()), 1);
     ASSERT_GT(window.Screen.StatusBarHeight, 10);
+    const auto rows = static_cast<int>((window.Screen.Height - window.Screen.StatusBarHeight) * scale) - 1;
     for (int y = 0; y < rows; ++y)
-        for (int x = 0; x < shown.width(); ++x)
+        for (int x = 0; x < drawn.width() - 1; ++x)
             ASSERT_EQ(shown.pixel(x, y), drawn.pixel(x, y)) << x << ", " << y;
-    // The point under each corner of the cuboid is there, three pixels wide.
-    const auto column = static_cast<int>(std::lround(Scene.PixelX[1])),
-               row = static_cast<int>(std::lround(Scene.PixelY[1]));
-    EXPECT_NE(shown.pixel(column, row), shown.pixel(2, 2));
+    // The corner of the cuboid is there, and it is as large in logical pixels at every scale.
+    const QPoint corner(static_cast<int>(std::lround(Scene.PixelX[1])),
+                        static_cast<int>(std::lround(Scene.PixelY[1])));
+    EXPECT_NE(ColourAt(window, corner), QColor(Qt::black));
+    EXPECT_EQ(ColourAt(window, corner - QPoint(4, 4)), QColor(Qt::black));
 }
 
 TEST_F(ScreenByHand, TellsTheLogicWhenItIsSized) {
@@ -81,7 +86,7 @@ TEST_F(ScreenByHand, TellsTheLogicWhenItIsSized) {
     Serve();
     EXPECT_EQ(window.Screen.Width, 520);
     EXPECT_EQ(window.Screen.Height, 410);
-    EXPECT_EQ(window.Screen.PixelWidth, 520);
+    EXPECT_EQ(window.Screen.PixelWidth, std::lround(520 * Frame()->devicePixelRatioF()));
 }
 
 TEST_F(ScreenByHand, FollowsTheLogicWhenThatSizesIt) {
