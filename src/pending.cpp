@@ -22,19 +22,4 @@ void ReadBundleFile(const std::string&) {
     Missing("read bundle files");
 }
 
-void CountChildForms(std::int16_t& count) {
-    count = 0;
-}
-GraphicsModes TopGraphicsModes() {
-    return {};
-}
-void ApplyTopGraphicsModes() {}
-void CloseAllGraphicsWindows() {}
-void UpdateAllGraphicsWindows() {}
-void Grafik_Festlegen_Main() {}
-void DrawResultInGraphicsWindows() {}
 void Alle_Fahnen_neu_zeichnen() {}
-void SetActivePoint(int) {}
-bool GraphicsDefaultsTaken() {
-    return false;
-}

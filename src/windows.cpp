@@ -25,6 +25,11 @@
 #include "engine/norms.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
+#include "graphics/form_color_bar.h"
+#include "graphics/form_save_view.h"
+#include "graphics/scene.h"
+#include "graphics/screen_window.h"
+#include "graphics/tolerance.h"
 #include "import/form_input_files.h"
 #include "import/long_import.h"
 
@@ -33,7 +38,7 @@ namespace {
 const WindowEntry* const kWindows[] = {
     &FormMain_Entry,         &FormUnits_Entry,          &FormMenuHelpInfo_Entry, &FormProgressBar_Entry,
     &FormInputFiles_Entry,   &FormInputStatistic_Entry, &FormOptions_Entry,      &FormTrafoBerechnung_Entry,
-    &FormTrafoDetails_Entry, &FormMainSheet_Entry,
+    &FormTrafoDetails_Entry, &FormMainSheet_Entry,      &FormColorBar_Entry,     &FormSaveView_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.
@@ -54,6 +59,14 @@ void (*const kRecords[])() = {
     [] { Spezial = SpezialRecord{}; },
     [] { LongImport = LongImportRecord{}; },
     [] { MainSheet = MainSheetRecord{}; },
+    [] {
+        for (const auto& window : Screens().Open)
+            if (window->Screen.Close != nullptr) window->Screen.Close(window->Screen);
+        Screens() = ScreensRecord{};
+    },
+    [] { Scene = SceneRecord{}; },
+    [] { Tolerance = ToleranceRecord{}; },
+    [] { SaveViewAnswer = SaveViewRecord{}; },
 };
 
 }  // namespace

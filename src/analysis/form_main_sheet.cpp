@@ -10,6 +10,7 @@
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/refresh.h"
+#include "core/require.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
@@ -148,16 +149,37 @@ void FuellenHaupttabelle() {
 }
 
 void MainSheet_ShowPoint(int point) {
-    if (!w.Window.Loaded || !IsOfThisJob(w.Cells) || point < 1) return;
+    // Pairs come first in the order in which the sheet is filled.
+    if (point > w.Cells.Counts.Pairs) return;
+    if (const int line = MainSheet_LineOf(point); line != 0) MainSheet_ShowLine(line);
+}
+
+int MainSheet_LineOf(int filledRow) {
+    if (!w.Window.Loaded || !IsOfThisJob(w.Cells)) return 0;
     GridState& grid = w.MSFlexGrid1.Grid;
     LookAt(grid);
-    int row = grid.FixedRows;
-    while (row < grid.Rows && PairOfRow(w.Cells, FilledRow(grid, row)) != point) ++row;
-    if (row >= grid.Rows) return;
-    grid.Row = grid.RowSel = row;
+    if (filledRow < grid.FixedRows || filledRow >= grid.Rows) return 0;
+    if (grid.Order.empty()) return filledRow;
+    int line = grid.FixedRows;
+    while (line < grid.Rows && FilledRow(grid, line) != filledRow) ++line;
+    return line < grid.Rows ? line : 0;
+}
+
+void MainSheet_ShowLine(int line) {
+    GridState& grid = w.MSFlexGrid1.Grid;
+    Require(line >= grid.FixedRows && line < grid.Rows);
+    grid.Row = grid.RowSel = line;
     grid.ColSel = grid.Col;
-    grid.TopRow = row - w.Window.Place.Height / kRowHeight / 2;
+    grid.TopRow = line - w.Window.Place.Height / kRowHeight / 2;
     KeepSelectionInside(grid);
+}
+
+int MainSheet_CursorRow() {
+    if (!w.Window.Loaded || !IsOfThisJob(w.Cells)) return 0;
+    GridState& grid = w.MSFlexGrid1.Grid;
+    LookAt(grid);
+    const bool onPoint = grid.Row >= grid.FixedRows && grid.Row < grid.Rows;
+    return onPoint ? FilledRow(grid, grid.Row) : 0;
 }
 
 void MainSheet_Copy() {

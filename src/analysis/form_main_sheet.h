@@ -21,6 +21,13 @@ struct FormMainSheet {
 inline FormMainSheet MainSheetWindow;
 extern const WindowEntry FormMainSheet_Entry;
 
+// The line that shows a row as the sheet was filled, from 1; 0 where the sheet is closed or shows other
+// points.
+int MainSheet_LineOf(int filledRow);
+void MainSheet_ShowLine(int line);  // makes it the current one, centred. Require: the line exists
+// The row as filled that the cursor is on; 0 where the sheet is closed or shows other points.
+int MainSheet_CursorRow();
+
 // Outlives the window.
 struct MainSheetRecord {
     GridSort Sorting;

@@ -1,33 +1,34 @@
 // The automation: reads requests, drives windows and controls by name, and writes replies.
 #include "cli/automate.h"
 
+#include <algorithm>
+#include <array>
 #include <istream>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <ostream>
+#include <utility>
 #include <vector>
 
+#include "cli/automate_replies.h"
+#include "cli/automate_screens.h"
 #include "cli/control_json.h"
 #include "cli/headless.h"
 #include "cli/record_json.h"
+#include "cli/request.h"
+#include "cli/scene_json.h"
 #include "core/controller.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/window.h"
+#include "graphics/analyse_mode.h"
+#include "graphics/screen_window.h"
 
 using nlohmann::json;
 
 namespace {
-
-// A request that cannot be carried out; it has changed nothing.
-struct RequestError {
-    std::string What;
-};
-
-[[noreturn]] void Refuse(const std::string& what) {
-    throw RequestError{what};
-}
 
 constexpr int kDeepest = 100;  // levels of a request; those that mean something have fewer than ten
 
@@ -37,27 +38,16 @@ struct DueRequest {
 };
 
 struct AutomationRecord {
-    std::vector<DueRequest> Due;  // requests to run at a coming yield
-    json During = json::array();  // their replies, for the request whose work yielded
+    std::vector<DueRequest> Due;    // requests to run at a coming yield
+    std::uint64_t LastRequest = 0;  // the yield at which a request last came
     bool Quit = false;
 };
 AutomationRecord Automation;
 
+// Rounds that an analyse mode runs on while no request comes: ten times along the deviations and back.
+constexpr std::uint64_t kAnalyseRounds = 200;
+
 json Answer(const json& request);
-
-// --- Members of a request ------------------------------------------------------------------------------
-
-const json& Member(const json& request, const char* name) {
-    const auto found = request.find(name);
-    if (found == request.end()) Refuse(std::string("the member \"") + name + "\" is missing");
-    return *found;
-}
-
-std::string TextMember(const json& request, const char* name) {
-    const json& value = Member(request, name);
-    if (!value.is_string()) Refuse(std::string("the member \"") + name + "\" must be a text");
-    return value.get<std::string>();
-}
 
 // --- Places ---------------------------------------------------------------------------------------------
 
@@ -87,6 +77,7 @@ Target FindTarget(const json& request) {
 Target FindLoadedWindow(const json& request) {
     const Target target = FindTarget(request);
     if (!target.Window->State->Loaded) Refuse(std::string(target.Window->Name) + " is not open");
+    RefuseWhileAnotherIsWaitedFor(target.Window->Name);
     return target;
 }
 
@@ -130,7 +121,12 @@ int ListEntry(const Control& list, const json& value) {
     Refuse("the list has no such entry");
 }
 
+bool IsOnScreen(const json& request) {
+    return IsScreenPlace(TextMember(request, "at"));
+}
+
 json DoSet(const json& request) {
+    if (IsOnScreen(request)) RefuseOnScreen(request);
     Control& control = FindReachable(request);
     const json& value = Member(request, "value");
     switch (control.Kind) {
@@ -147,6 +143,12 @@ json DoSet(const json& request) {
         case ControlKind::Option:
             if (value != true && value != 1) Refuse("an option can only be selected");
             UserSetValue(control, 1);
+            break;
+        case ControlKind::Scroll:
+            if (!value.is_number_integer() || value < control.Min || value > control.Max)
+                Refuse("this scroll bar takes " + std::to_string(control.Min) + " to " +
+                       std::to_string(control.Max));
+            UserSetValue(control, value.get<int>());
             break;
         case ControlKind::Combo:
             UserSetIndex(control, ListEntry(control, value));
@@ -165,13 +167,6 @@ int CellMember(const json& request, const char* name, int count) {
     if (place < 0 || place >= count)
         Refuse(std::string("the grid has no ") + name + " " + std::to_string(place));
     return static_cast<int>(place);
-}
-
-bool FlagMember(const json& request, const char* name) {
-    const auto value = request.find(name);
-    if (value == request.end()) return false;
-    if (!value->is_boolean()) Refuse(std::string("\"") + name + "\" is true or false");
-    return value->get<bool>();
 }
 
 GridState& ReachableCells(Control& control) {
@@ -206,6 +201,7 @@ json ClickGrid(const json& request, Control& control) {
 }
 
 json DoClick(const json& request) {
+    if (IsOnScreen(request)) RefuseOnScreen(request);
     Control& control = FindReachable(request);
     if (control.Kind == ControlKind::Grid) return ClickGrid(request, control);
     if (control.Kind == ControlKind::Check) {
@@ -219,6 +215,7 @@ json DoClick(const json& request) {
 }
 
 json DoDblClick(const json& request) {
+    if (IsOnScreen(request)) RefuseOnScreen(request);
     Control& control = FindReachable(request);
     if (control.Kind != ControlKind::Grid) {
         UserDblClick(control);
@@ -230,6 +227,7 @@ json DoDblClick(const json& request) {
 }
 
 json DoSelect(const json& request) {
+    if (IsOnScreen(request)) RefuseOnScreen(request);
     Control& control = FindReachable(request);
     const GridState& grid = ReachableCells(control);
     const GridRect rect = {CellMember(request, "row", grid.Rows), CellMember(request, "col", grid.Cols),
@@ -239,6 +237,7 @@ json DoSelect(const json& request) {
 }
 
 json DoKey(const json& request) {
+    if (IsOnScreen(request)) return ScreenKey(request);
     const Target target = FindLoadedWindow(request);
     if (!target.Window->State->Enabled) Refuse(std::string(target.Window->Name) + " is disabled");
     const std::string key = TextMember(request, "key");
@@ -254,6 +253,7 @@ json DoKey(const json& request) {
 }
 
 json DoClose(const json& request) {
+    if (IsOnScreen(request)) return CloseScreen(request);
     const Target target = FindLoadedWindow(request);
     if (target.Control != nullptr) Refuse("a window is expected");
     UserClose(*target.Window);
@@ -265,14 +265,20 @@ json DoGet(const json& request) {
         json names = json::array();
         for (const WindowEntry* window : AllWindows())
             if (window->State->Loaded) names.push_back(window->Name);
+        for (const json& screen : OpenScreenNames()) names.push_back(screen);
         return {{"windows", names}};
     }
+    if (IsOnScreen(request)) return GetScreen(request);
     const Target target = FindTarget(request);
     return target.Control == nullptr ? WindowToJson(*target.Window) : ControlToJson(*target.Control->Place);
 }
 
 json DoRecord(const json& request) {
     const std::string name = TextMember(request, "name");
+    if (json table; SceneTableToJson(name, table)) {
+        if (request.contains("value")) Refuse(name + ": this record can only be read");
+        return {{"value", std::move(table)}};
+    }
     const RecordEntry* record = FindRecord(name);
     if (record == nullptr) Refuse("there is no record \"" + name + "\"");
     if (const auto value = request.find("value"); value != request.end()) {
@@ -286,23 +292,34 @@ json DoClipboard(const json& request) {
     if (const auto value = request.find("value"); value != request.end()) {
         if (!value->is_string()) Refuse("the clipboard takes a text");
         Headless.Clipboard = value->get<std::string>();
+        Headless.ClipboardPicture = ClipboardImage{};
     }
     if (const auto refuse = request.find("refuse"); refuse != request.end()) {
         if (!refuse->is_boolean()) Refuse("\"refuse\" is true or false");
         Headless.ClipboardRefuses = refuse->get<bool>();
     }
-    return {{"value", Headless.Clipboard}};
+    json state = {{"value", Headless.Clipboard}};
+    const ClipboardImage& picture = Headless.ClipboardPicture;
+    if (picture.Width > 0) state["picture"] = {{"width", picture.Width}, {"height", picture.Height}};
+    return state;
 }
 
 json DoAnswer(const json& request) {
     const std::string kind = TextMember(request, "kind");
-    if (kind != "message" && kind != "input" && kind != "open" && kind != "save" && kind != "folder")
+    constexpr std::array kKinds = {"message", "input", "open", "save", "folder", "colour", "form"};
+    if (std::find(kKinds.begin(), kKinds.end(), kind) == kKinds.end())
         Refuse("no dialog of this kind comes up");
     const json& value = Member(request, "value");
+    auto& queue = Headless.Answers[kind];
     if (value.is_null() && kind != "message") {
-        Headless.Answers[kind].push_back(std::nullopt);
+        queue.push_back(std::nullopt);
+    } else if (kind == "colour") {
+        queue.push_back(std::to_string(WholeMember(request, "value", 0, 0xffffff)));
+    } else if (kind == "form") {
+        if (!value.is_array()) Refuse("a form is answered by an array of requests");
+        queue.push_back(value.dump(-1, ' ', false, json::error_handler_t::replace));
     } else {
-        Headless.Answers[kind].push_back(TypedText(value));
+        queue.push_back(TypedText(value));
     }
     return json::object();
 }
@@ -321,11 +338,6 @@ json DoQuit(const json&) {
     return json::object();
 }
 
-// The graphics windows answer these; there is none that could.
-json NoGraphicsWindow(const json& request) {
-    Refuse("there is no graphics window \"" + TextMember(request, "at") + "\"");
-}
-
 const std::map<std::string, json (*)(const json&), std::less<>> kRequests = {
     {"set", DoSet},
     {"click", DoClick},
@@ -339,44 +351,15 @@ const std::map<std::string, json (*)(const json&), std::less<>> kRequests = {
     {"during", DoDuring},
     {"quit", DoQuit},
     {"select", DoSelect},
-    {"mouse", NoGraphicsWindow},
-    {"resize", NoGraphicsWindow},
-    {"picture", NoGraphicsWindow},
+    {"mouse", ScreenMouseEvent},
+    {"resize", ResizeScreen},
+    {"picture", ScreenPicture},
 };
 
 // --- Replies ----------------------------------------------------------------------------------------------
 
-// Adds what came up since the last reply, and forgets it.
-void AddHappenings(json& reply) {
-    if (!Headless.Dialogs.empty()) {
-        json dialogs = json::array();
-        for (const DialogShown& dialog : Headless.Dialogs)
-            dialogs.push_back({{"kind", dialog.Kind},
-                               {"title", dialog.Title},
-                               {"text", dialog.Text},
-                               {"buttons", dialog.Buttons},
-                               {"default", dialog.Default},
-                               {"filter", dialog.Filter},
-                               {"answer", dialog.Answer ? json(*dialog.Answer) : json()}});
-        reply["dialogs"] = std::move(dialogs);
-    }
-    if (!Headless.Shell.empty()) {
-        json shell = json::array();
-        for (const HandedOver& handed : Headless.Shell)
-            shell.push_back({{"verb", handed.Verb}, {"path", handed.Path}});
-        reply["shell"] = std::move(shell);
-    }
-    if (Headless.Unanswered) reply["unanswered"] = true;
-    if (!Run.LastPlatformError.empty()) reply["platformError"] = Run.LastPlatformError;
-    if (!Automation.During.empty()) reply["during"] = std::move(Automation.During);
-    Headless.Dialogs.clear();
-    Headless.Shell.clear();
-    Headless.Unanswered = false;
-    Run.LastPlatformError.clear();
-    Automation.During = json::array();
-}
-
 json Answer(const json& request) {
+    Automation.LastRequest = Headless.Yields;
     json reply = json::object();
     try {
         if (!request.is_object()) Refuse("a request is a JSON object");
@@ -392,6 +375,19 @@ json Answer(const json& request) {
     return reply;
 }
 
+// An analyse mode ends when the user ends it. One that no request is coming for would run for ever.
+void EndForgottenAnalyseModes() {
+    if (Headless.Yields < Automation.LastRequest + kAnalyseRounds) return;
+    for (const DueRequest& waiting : Automation.Due)
+        if (waiting.Yield < Headless.Yields + kAnalyseRounds) return;
+    for (const auto& window : Screens().Open) {
+        if (!window->AnalyseMode) continue;
+        Headless.Unanswered = true;
+        Dispatch([&window] { ToggleAnalyseMode(*window); });
+        return;  // handlers have run, the list may be another one; the next yield sees to the next
+    }
+}
+
 // Runs the requests that are due at this yield. What comes up in them belongs to their own replies, so
 // what the interrupted work has brought up so far is laid aside meanwhile.
 void AtYield() {
@@ -400,26 +396,48 @@ void AtYield() {
     for (DueRequest& waiting : Automation.Due)
         if (waiting.Yield == Headless.Yields) due.push_back(std::move(waiting.Request));
     std::erase_if(Automation.Due, [](const DueRequest& waiting) { return waiting.Yield <= Headless.Yields; });
+    if (due.empty()) EndForgottenAnalyseModes();
     for (const json& request : due) {
-        const auto dialogs = std::exchange(Headless.Dialogs, {});
-        const auto shell = std::exchange(Headless.Shell, {});
-        const bool unanswered = std::exchange(Headless.Unanswered, false);
-        const auto error = std::exchange(Run.LastPlatformError, {});
-        json during = std::exchange(Automation.During, json::array());
-        during.push_back(Answer(request));
-        Headless.Dialogs = dialogs;
-        Headless.Shell = shell;
-        Headless.Unanswered = unanswered;
-        Run.LastPlatformError = error;
-        Automation.During = std::move(during);
+        Happenings kept = LayAside();
+        kept.During.push_back(Answer(request));
+        PutBack(std::move(kept));
     }
+}
+
+// Runs the requests that are queued for a window that is waited for, as long as it is open.
+void AtForm(const std::string& window) {
+    auto& queue = Headless.Answers["form"];
+    const bool answered = !queue.empty();
+    std::optional<std::string> answer;
+    if (answered) {
+        answer = std::move(queue.front());
+        queue.pop_front();
+        if (!answer) UnloadWindow(window);
+    }
+    json replies = json::array();
+    Happenings kept = LayAside();
+    const json requests = answer ? json::parse(*answer) : json::array();
+    for (const json& request : requests)
+        replies.push_back(IsLoaded(window) ? Answer(request)
+                                           : json{{"ok", false}, {"error", window + " is not open"}});
+    const DialogShown shown = {
+        "form", FindWindow(window)->State->Caption,
+        window, {},
+        "",     "",
+        answer, answer ? replies.dump(-1, ' ', false, json::error_handler_t::replace) : ""};
+    kept.Dialogs.push_back(shown);
+    kept.Unanswered |= !answered;
+    PutBack(std::move(kept));
 }
 
 }  // namespace
 
 void StartAutomation(const AutomationOptions& options) {
     Automation = AutomationRecord{};
+    DuringReplies = json::array();
     Headless.OnYield = AtYield;
+    Headless.OnForm = AtForm;
+    StartScreens(options.ScreenWidth, options.ScreenHeight);
     StartUp(options.Job.empty() ? "" : "\"" + options.Job + "\"");
 }
 

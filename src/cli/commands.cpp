@@ -2,6 +2,7 @@
 #include "cli/commands.h"
 
 #include <ostream>
+#include <tuple>
 
 #include "cli/arguments.h"
 #include "cli/automate.h"
@@ -9,8 +10,11 @@
 #include "cli/fit_arguments.h"
 #include "cli/headless.h"
 #include "cli/job_files.h"
+#include "cli/render.h"
 #include "core/controller.h"
+#include "core/numbers.h"
 #include "core/platform.h"
+#include "core/text.h"
 
 namespace {
 
@@ -49,6 +53,102 @@ CLI::App* AddConvert(CLI::App& app, JobSwitches& s) {
     return convert;
 }
 
+// A check by a procedure that fills a value as well.
+template <class... Values>
+CLI::Validator Written(std::string (*take)(const std::string&, Values&...)) {
+    return CLI::Validator(
+        [take](const std::string& text) {
+            std::tuple<Values...> values;
+            return std::apply([&](auto&... each) { return take(text, each...); }, values);
+        },
+        "");
+}
+
+CLI::Validator Factor(double least, double most) {
+    return CLI::Validator(
+        [least, most](const std::string& text) {
+            double factor = 0;
+            const bool good = TextToNumber(text, '.', factor) && factor >= least && factor <= most;
+            return good ? ""
+                        : "\"" + Printable(text) + "\" is no factor from " + PlainText(least) + " to " +
+                              PlainText(most);
+        },
+        "");
+}
+
+struct RenderSwitches {
+    RenderOptions Options;
+    std::string Size = "1600x1000", Vectors, Background = "black", Limits, Decimal;
+    const CLI::Option* VectorsOption = nullptr;
+    bool Yes = false, No = false;
+};
+
+CLI::App* AddRender(CLI::App& app, RenderSwitches& s) {
+    PictureWish& wish = s.Options.Wish;
+    CLI::App* render = app.add_subcommand("render", "Draw the points of a job and their deviations");
+    render->add_option("JOB", s.Options.Job, "Job file of any version")->type_name("FILE.cvn")->required();
+    render->add_option("--out", s.Options.Out, "File to write, its kind by its extension: .png or .svg")
+        ->type_name("FILE")
+        ->check(CheckPictureFile)
+        ->required();
+    render->add_option("--view", wish.View, "iso, top, side, front, or the name of a saved view of the job")
+        ->type_name("NAME")
+        ->capture_default_str();
+    render->add_option("--size", s.Size, "Size of the picture, pixels")
+        ->check(Written(SizeFromText))
+        ->type_name("WxH")
+        ->capture_default_str();
+    render->add_option("--zoom", wish.Zoom, "Against the view in which all points fit")
+        ->check(Factor(1e-3, 1e3))
+        ->type_name("FACTOR")
+        ->capture_default_str();
+    s.VectorsOption = render
+                          ->add_option("--vectors", s.Vectors,
+                                       "Also the deviations as lines, SCALE times as long as in the scene;\n"
+                                       "without SCALE so long that they can be seen")
+                          ->expected(0, 1)
+                          ->check(Factor(1e-6, 1e9))
+                          ->type_name("[SCALE]");
+    render->add_flag("--color-bar", wish.ColorBar, "Also the colour bar");
+    render->add_option("--classes", wish.Classes, "Tolerance classes on each side of 0")
+        ->check(Between(1, 100))
+        ->type_name("N");
+    render
+        ->add_option("--limits", s.Limits,
+                     "Limits of the colours in the job's unit, as in --limits=-0.2,0.5;\n"
+                     "default: 0 and the largest deviation in use")
+        ->check(Written(LimitsFromText))
+        ->type_name("MIN,MAX");
+    render->add_flag("--names", wish.Names, "Also the names of the points");
+    render->add_flag("--labels", wish.AxisLabels, "Also the names of the axes");
+    render->add_flag("--targets", wish.Targets, "Also the targets of the identical points");
+    render->add_option("--point-size", wish.PointSize, "Pixels; default: after the number of points")
+        ->check(Between(1, 100))
+        ->type_name("N");
+    render->add_option("--background", s.Background, "white, black, or red, green and blue as ffee00")
+        ->check(Written(BackgroundFromText))
+        ->type_name("COLOUR")
+        ->capture_default_str();
+    auto* yes = render->add_flag("--yes,-y", s.Yes,
+                                 "A file without the head of a job file is one of an early version");
+    render->add_flag("--no,-n", s.No, "It is none")->excludes(yes);
+    AddDecimal(*render, s.Decimal, "Options");
+    return render;
+}
+
+int Render(RenderSwitches& s, std::ostream& err) {
+    RenderOptions& options = s.Options;
+    PictureWish& wish = options.Wish;
+    SizeFromText(s.Size, wish.Width, wish.Height);
+    BackgroundFromText(s.Background, wish.Background.emplace());
+    wish.Vectors = s.VectorsOption->count() > 0;
+    if (!s.Vectors.empty()) wish.Magnification = Val(s.Vectors);
+    if (!s.Limits.empty()) LimitsFromText(s.Limits, options.Limits.emplace());
+    options.Decimal = DecimalOf(s.Decimal);
+    if (s.Yes || s.No) options.Questions = s.Yes;
+    return RunRender(options, err);
+}
+
 struct AutomateSwitches {
     AutomationOptions Options;
     std::string SettingsDir, Decimal, Screen = "800x600";
@@ -66,13 +166,7 @@ CLI::App* AddAutomate(CLI::App& app, AutomateSwitches& s) {
         ->type_name("DIR");
     automate->add_option("--job", s.Options.Job, "Job file to open at the start")->type_name("FILE");
     automate->add_option("--screen", s.Screen, "Inner size of a new graphics window, pixels")
-        ->check([](const std::string& text) {
-            int width = 0;
-            int height = 0;
-            char behind = 0;
-            const int read = std::sscanf(text.c_str(), "%5dx%5d%c", &width, &height, &behind);
-            return std::string(read == 2 && width > 0 && height > 0 ? "" : "a size is written as 800x600");
-        })
+        ->check(Written(SizeFromText))
         ->type_name("WxH")
         ->capture_default_str();
     AddDecimal(*automate, s.Decimal, "Options");
@@ -101,7 +195,7 @@ void TakeJobSwitches(JobSwitches& s) {
 int Serve(AutomateSwitches& s, std::istream& in, std::ostream& out) {
     if (!s.SettingsDir.empty()) Headless.SettingsDir = s.SettingsDir;
     if (!s.Decimal.empty()) Headless.Decimal = DecimalOf(s.Decimal);
-    std::sscanf(s.Screen.c_str(), "%dx%d", &s.Options.ScreenWidth, &s.Options.ScreenHeight);
+    SizeFromText(s.Screen, s.Options.ScreenWidth, s.Options.ScreenHeight);
     Automate(s.Options, in, out);
     return out ? kDone : kRefused;  // nobody has read the replies
 }
@@ -121,6 +215,8 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     const CLI::App* fit = AddFit(app, fitSwitches);
     const CLI::App* info = AddInfo(app, jobSwitches);
     const CLI::App* convert = AddConvert(app, jobSwitches);
+    RenderSwitches renderSwitches;
+    const CLI::App* render = AddRender(app, renderSwitches);
     AddAutomate(app, automateSwitches);
     try {
         app.parse(argc, argv);
@@ -132,6 +228,7 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
             if (option->count() > 0) fitSwitches.Options.Given.push_back(option->get_name());
         return Fit(fitSwitches, out, err, terminal, progress);
     }
+    if (render->parsed()) return Render(renderSwitches, err);
     TakeJobSwitches(jobSwitches);
     if (info->parsed()) return RunInfo(jobSwitches.Options, out, err, terminal && ColourWanted());
     if (convert->parsed()) return RunConvert(jobSwitches.Options, err);

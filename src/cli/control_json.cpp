@@ -9,8 +9,8 @@ using nlohmann::json;
 namespace {
 
 const char* KindName(ControlKind kind) {
-    constexpr std::array kNames = {"button", "text",    "check",      "option", "list",     "label", "frame",
-                                   "menu",   "toolbar", "toolbutton", "panel",  "progress", "grid"};
+    constexpr std::array kNames = {"button", "text",    "check",      "option", "list",     "label",  "frame",
+                                   "menu",   "toolbar", "toolbutton", "panel",  "progress", "scroll", "grid"};
     return kNames[static_cast<std::size_t>(kind)];
 }
 
@@ -51,6 +51,10 @@ json ControlToJson(Control& control) {
     if (control.Kind == ControlKind::Combo) {
         state["items"] = control.Items;
         state["index"] = control.Index;
+    }
+    if (control.Kind == ControlKind::Scroll) {
+        state["min"] = control.Min;
+        state["max"] = control.Max;
     }
     if (control.Kind == ControlKind::Grid) AddGrid(control.Grid, state);
     return state;

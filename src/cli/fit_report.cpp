@@ -6,6 +6,7 @@
 
 #include "cli/fit_output.h"
 #include "cli/fit_parameters.h"
+#include "cli/fit_picture.h"
 #include "cli/svg_plots.h"
 #include "core/controller.h"
 #include "core/job.h"
@@ -41,7 +42,7 @@ th:first-child, td:first-child { text-align: left; overflow-wrap: anywhere; }
 tr.worst td { color: var(--red); font-weight: 650; }
 td.unused { color: var(--quiet); font-style: italic; }
 thead { display: table-header-group; }
-tr, svg, .card { break-inside: avoid; }
+tr, svg, .card, .scene { break-inside: avoid; }
 svg { display: block; width: 100%; height: auto; margin: 6px 0 10px; font-size: 11px; }
 svg text { fill: var(--ink); }
 svg .title { font-size: 12px; font-weight: 650; }
@@ -52,6 +53,12 @@ svg .zero { stroke: var(--ink); stroke-width: 1; }
 svg .bar { fill: var(--blue); stroke: var(--blue); }
 svg .marked { fill: var(--red); stroke: var(--red); }
 svg .unused { fill: none; stroke-dasharray: 2 2; }
+.scene { border: 1px solid var(--line); border-radius: 6px; overflow: hidden; margin: 8px 0 6px; }
+.scene svg, .scene img { display: block; width: 100%; height: auto; margin: 0; }
+.scale { display: flex; align-items: center; gap: 8px; color: var(--quiet); font-size: 12px; }
+.scale i { display: block; width: 18px; height: 12px; margin-right: -8px; print-color-adjust: exact;
+  -webkit-print-color-adjust: exact; }
+.scale i:last-of-type { margin-right: 0; }
 .pairs { display: grid; grid-template-columns: 1fr 1fr; gap: 0 14px; }
 .pairs svg { font-size: 15px; }
 .pairs svg .title { font-size: 17px; }
@@ -211,7 +218,8 @@ std::string FitReport(const FitOptions& options) {
     return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
            "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<title>" +
            EscapeMarkup(StartSystem() + " to " + TargetSystem()) + " - Corvinade</title>\n<style>" + kStyle +
-           "</style>\n</head>\n<body>\n" + Introduction(options, worst) + ParameterTable() + Plots(points) +
+           "</style>\n</head>\n<body>\n" + Introduction(options, worst) + ParameterTable() +
+           FitPictureSection(options) + Plots(points) +
            (HasMonteCarlo(options) ? MonteCarloPlots(options) : "") + PointTable(points, worst) +
            "</body>\n</html>\n";
 }

@@ -2,6 +2,7 @@
 // answers dialogs from queues, and reports a question that nobody expected.
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <map>
@@ -10,11 +11,18 @@
 #include <vector>
 
 struct DialogShown {
-    std::string Kind;  // "message", "input", "open", "save", "folder", "colour", "font"
+    std::string Kind;  // "message", "input", "open", "save", "folder", "colour", "font", "form"
     std::string Title, Text;
     std::vector<std::string> Buttons;
     std::string Default, Filter;
     std::optional<std::string> Answer;  // nothing = cancelled
+    std::string Replies;                // of a window that was waited for: what its requests gave, JSON
+};
+
+// The last picture on the clipboard; a text replaces it, and it a text.
+struct ClipboardImage {
+    int Width = 0, Height = 0;
+    std::vector<std::uint32_t> Pixels;  // 0xffRRGGBB, row by row without a gap
 };
 
 struct HandedOver {
@@ -30,7 +38,12 @@ struct HeadlessRecord {
     // Asked when nothing is queued; gives the answer, or nothing to leave the question unanswered.
     std::function<std::optional<std::string>(const DialogShown&)> OnQuestion;
 
+    // Does what the user does in a window that is waited for. A window that is open afterwards is closed.
+    std::function<void(const std::string& window)> OnForm;
+    std::vector<std::string> WaitedFor;  // the windows that block all others, the innermost last
+
     std::string Clipboard;
+    ClipboardImage ClipboardPicture;
     bool ClipboardRefuses = false;
     std::uint64_t Yields = 0;
     std::function<void()> OnYield;  // runs at every yield, after it has been counted

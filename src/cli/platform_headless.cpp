@@ -2,12 +2,15 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <charconv>
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
 
 #include "cli/headless.h"
 #include "core/platform.h"
+#include "core/require.h"
+#include "core/window.h"
 
 namespace {
 
@@ -31,14 +34,15 @@ std::optional<std::string> Answer(DialogShown dialog) {
 }
 
 std::optional<std::string> AskPath(const char* kind, const FileQuestion& question) {
-    return Answer({kind, question.Title, question.Folder, {}, question.Name, question.Filter, {}});
+    return Answer({kind, question.Title, question.Folder, {}, question.Name, question.Filter, {}, ""});
 }
 
 }  // namespace
 
 std::string AskMessage(const std::string& text, const std::string& title,
                        const std::vector<std::string>& buttons) {
-    std::optional<std::string> answer = Answer({"message", title, text, buttons, buttons.front(), "", {}});
+    std::optional<std::string> answer =
+        Answer({"message", title, text, buttons, buttons.front(), "", {}, ""});
     if (answer && std::find(buttons.begin(), buttons.end(), *answer) == buttons.end()) {
         // A button that the box does not have: the question stays unanswered.
         answer.reset();
@@ -50,7 +54,7 @@ std::string AskMessage(const std::string& text, const std::string& title,
 
 std::optional<std::string> AskInput(const std::string& text, const std::string& title,
                                     const std::string& preset) {
-    return Answer({"input", title, text, {}, preset, "", {}});
+    return Answer({"input", title, text, {}, preset, "", {}, ""});
 }
 
 std::optional<std::string> AskOpenFile(const FileQuestion& question) {
@@ -60,6 +64,29 @@ std::optional<std::string> AskSaveFile(const FileQuestion& question) {
     return AskPath("save", question);
 }
 
+std::optional<std::int32_t> AskColour(std::int32_t preset) {
+    const auto answer = Answer({"colour", "", "", {}, std::to_string(preset), "", {}, ""});
+    std::int32_t colour = 0;
+    if (!answer) return std::nullopt;
+    const char* const end = answer->data() + answer->size();
+    const auto [stop, error] = std::from_chars(answer->data(), end, colour);
+    if (error == std::errc() && stop == end && colour >= 0 && colour <= 0xffffff) return colour;
+    Headless.Dialogs.back().Answer.reset();
+    Headless.Unanswered = true;
+    return std::nullopt;
+}
+
+void WaitForWindow(const std::string& name) {
+    Require(IsLoaded(name));
+    Headless.WaitedFor.push_back(name);
+    if (Headless.OnForm) Headless.OnForm(name);
+    Headless.WaitedFor.pop_back();
+    if (!IsLoaded(name)) return;
+    // Nobody has answered, so it is cancelled as every other dialog.
+    Headless.Unanswered = true;
+    UnloadWindow(name);
+}
+
 std::string ClipboardText() {
     return Headless.Clipboard;
 }
@@ -67,6 +94,19 @@ std::string ClipboardText() {
 bool SetClipboardText(const std::string& text) {
     if (Headless.ClipboardRefuses) return false;
     Headless.Clipboard = text;
+    Headless.ClipboardPicture = ClipboardImage{};
+    return true;
+}
+
+bool SetClipboardPicture(int width, int height, const std::uint32_t* pixels, std::ptrdiff_t stride) {
+    Require(width >= 1 && height >= 1 && stride >= width);
+    if (Headless.ClipboardRefuses) return false;
+    ClipboardImage picture = {width, height, {}};
+    picture.Pixels.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    for (int row = 0; row < height; ++row, pixels += stride)
+        picture.Pixels.insert(picture.Pixels.end(), pixels, pixels + width);
+    Headless.ClipboardPicture = std::move(picture);
+    Headless.Clipboard.clear();
     return true;
 }
 

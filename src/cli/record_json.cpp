@@ -1,9 +1,11 @@
 // Records of the job and of the program run as JSON, and back.
 #include "cli/record_json.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <type_traits>
 
 #include "core/job.h"
 
@@ -33,15 +35,34 @@ json FieldToJson(const Mat3& matrix) {
     return rows;
 }
 template <class Value>
+constexpr bool kIsList = false;
+template <class Element>
+constexpr bool kIsList<std::vector<Element>> = true;
+
+template <class Value>
 json FieldToJson(const Value& value) {
     return value;
 }
 
-json ViewToJson(const ScreenRecord& view) {
-    json object = json::object();
-    for (const ScreenField& field : ScreenFields())
-        std::visit([&](auto place) { object[field.Name] = FieldToJson(view.*place); }, field.Place);
-    return object;
+// An array of a view by its indices: as every array it has an element 0, whatever its lowest index is. One
+// that came from a file with other indices is a list of what it holds.
+template <class Element>
+json ArrayToJson(const std::vector<Element>& values, const ScreenArray& array, const ArrayShape& shape) {
+    json list = FieldToJson(values);
+    if (!shape.empty() || values.empty() || (array.Rows > 0 && values.size() % array.Rows != 0)) return list;
+    const json none = std::is_class_v<Element> ? json() : json(0);
+    json rows = json::array();
+    for (std::size_t row = 0; row < std::max<std::size_t>(array.Rows, 1); ++row) {
+        json columns = json::array();
+        for (int below = 0; below < array.LowestColumn; ++below) columns.push_back(none);
+        // The first index runs fastest.
+        for (std::size_t k = row; k < list.size(); k += std::max<std::size_t>(array.Rows, 1))
+            columns.push_back(list[k]);
+        rows.push_back(std::move(columns));
+    }
+    if (array.Rows == 0) return rows[0];
+    rows.insert(rows.begin(), json(rows[0].size(), none));
+    return rows;
 }
 
 struct ToJson {
@@ -66,7 +87,7 @@ struct ToJson {
     }
     json operator()(const ViewRow& views) const {
         json list = json::array();
-        for (int i = 0; i < views.Count; ++i) list.push_back(ViewToJson(views.First[i]));
+        for (int i = 0; i < views.Count; ++i) list.push_back(ScreenToJson(views.First[i]));
         return list;
     }
     template <class Row>
@@ -184,6 +205,21 @@ struct FromJson {
 };
 
 }  // namespace
+
+json ScreenToJson(const ScreenRecord& view) {
+    json object = json::object();
+    for (const ScreenField& field : ScreenFields())
+        std::visit(
+            [&](auto place) {
+                using Value = std::decay_t<decltype(view.*place)>;
+                if constexpr (kIsList<Value>)
+                    object[field.Name] = ArrayToJson(view.*place, field.Array, view.*field.Array.Shape);
+                else
+                    object[field.Name] = FieldToJson(view.*place);
+            },
+            field.Place);
+    return object;
+}
 
 json RecordToJson(const RecordEntry& record) {
     return std::visit(ToJson{}, record.Place);

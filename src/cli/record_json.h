@@ -13,3 +13,6 @@ nlohmann::json RecordToJson(const RecordEntry& record);
 // Writes a record. Gives "" or what is wrong, the record then being as it was: a value of another kind
 // or size than the record, or one after which counts and arrays of the job would not fit each other.
 std::string RecordFromJson(const RecordEntry& record, const nlohmann::json& value);
+
+// The state of a graphics window, or of a saved view, by the names of its fields.
+nlohmann::json ScreenToJson(const ScreenRecord& view);

@@ -98,7 +98,7 @@ void EnableCommands() {
           &Main.MenüAnsichtFrontView, &Main.MenüAnsichtIsometricView, &Main.MenüAnsichtPunkte,
           &Main.MenüAnsichtVektoren, &Main.MenüAnsichtAnalyse, &Main.MenüAnsichtToleranzen,
           &Main.MenüGlobalRotateAbout, &Main.MenüGlobalFlagsMode, &Main.MenüAnsichtDynamicFlag,
-          &Main.MenüViewS, &Main.MenüGraphicsLines})
+          &Main.MenüViewS, &Main.MenüGraphicsLines, &Main.MenuHelpBindings})
         command->Enabled = graphics;
     Main.ToolbarGraphics.Enabled = Main.MenueGraphics.Enabled;
     const auto enable = [graphics](Control& button) { button.Enabled = graphics; };
@@ -122,11 +122,10 @@ void FollowTopGraphicsWindow() {
         button->Value = modes.VectorMode ? 1 : 0;
     Main.MenüGlobalFlagsMode.Checked = modes.FlagMode;
     Main.ToolbarGraphics_FlagMode.Value = modes.FlagMode ? 1 : 0;
-    for (Control* command : {&Main.MenüGraphicsLinesLineModeActive, &Main.MenüGraphicsLinesDeleteLines,
-                             &Main.MenüGraphicsLinesSetLines}) {
+    // The entry that turns the line mode on stays within reach while it is off.
+    Main.MenüGraphicsLinesLineModeActive.Checked = modes.LineMode;
+    for (Control* command : {&Main.MenüGraphicsLinesDeleteLines, &Main.MenüGraphicsLinesSetLines})
         command->Enabled = modes.LineMode;
-        command->Checked = modes.LineMode;
-    }
     ToolbarButtons{"ToolbarLines"}.ForEach(
         1, [&modes](Control& button) { button.Value = modes.LineMode ? 1 : 0; });
     Main.MenüGraphicsLinesSetLines.Checked = modes.LineMode && modes.SetLine;

@@ -56,6 +56,8 @@ struct FormMain {
     Control MenüAnsichtVektorenLonger = Menu("&Longer");
     Control MenüAnsichtVektorenShorter = Menu("&Shorter");
     Control MenüAnsichtAnalyse = Menu("&Analyse");
+    Control MenüAnsichtAnalyseModeActive = Menu("&Analyse Mode");
+    Control MenüAnsichtAnalyseKeepPoints = Menu("&Keep Points");
     Control MenüAnsichtAnalyseModeMore = Menu("&More");
     Control MenüAnsichtAnalyseModeLess = Menu("&Less");
     Control MenüAnsichtToleranzen = Menu("T&olerances");
@@ -80,6 +82,7 @@ struct FormMain {
 
     Control MenuHelp = Menu("&Help");
     Control MenueHelpQuestion = Menu("&Manual");
+    Control MenuHelpBindings = Menu("&Keys and Mouse in 3D Windows");
     Control MenuHelpInfo = Menu("&Info...");
     Control MenueHelpSpezial = Menu("&Spezial");
 
@@ -149,6 +152,42 @@ struct FormMain {
     static void MenueHelpQuestion_Click();
     static void MenuHelpInfo_Click();
     static void MenueHelpSpezial_Click();
+
+    // Of the graphics windows, defined in graphics/form_main_graphics.cpp.
+    static void MenueGraphics_Click();
+    static void MenüAnsichtAnpassen_Click();
+    static void MenüAnsichtcenter_Click();
+    static void MenüAnsichtTopview_Click();
+    static void MenüAnsichtSideView_Click();
+    static void MenüAnsichtFrontView_Click();
+    static void MenüAnsichtIsometricView_Click();
+    static void MenüAnsichtPunkteBigger_Click();
+    static void MenüAnsichtPunkteSmaller_Click();
+    static void MenüAnsichtPunkteSmallPoints_Click();
+    static void MenüAnsichtVektorenVektorModeActive_Click();
+    static void MenüAnsichtVektorenLonger_Click();
+    static void MenüAnsichtVektorenShorter_Click();
+    static void MenüAnsichtAnalyseModeActive_Click();
+    static void MenüAnsichtAnalyseKeepPoints_Click();
+    static void MenüAnsichtAnalyseModeMore_Click();
+    static void MenüAnsichtAnalyseModeLess_Click();
+    static void MenüAnsichtToleranzenColorbar_Click();
+    static void MenüAnsichtToleranzenEinstellungen_Click();
+    static void MenüGraphicsPrint_Click();
+    static void MenüGraphicsLinesLineModeActive_Click();
+    static void MenüGraphicsLinesSetLines_Click();
+    static void MenüGraphicsLinesDeleteLines_Click();
+    static void MenüGlobalRotateAbout_Click();
+    static void MenüGlobalFlagsMode_Click();
+    static void MenüViewSaveView_Click();
+    static void MenüViewDeleteView_Click();
+    static void MenüViewLastView_Click();
+    static void MenüViewNextView_Click();
+    static void MenuHelpBindings_Click();
+    static void ToolbarGraphics_ZoomOut_Click();
+    static void ToolbarGraphics_ZoomIn_Click();
+    static void ComboSaveView_Click();
+
     static void Form_Unload();
 };
 inline FormMain Main;

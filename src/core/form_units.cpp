@@ -79,6 +79,7 @@ void FormUnits::BtnOK_Click() {
     HeldValues_UnitsChanged(lengthBefore, angleBefore);
     UnloadWindow("FormUnits");
     if (IsLoaded("FormTrafoBerechnung")) CalculationWindow_UnitsChanged();
+    UpdateAllGraphicsWindows();
     FuellenMainSheet();
     SettingsSchreiben({"UnitLength", "UnitAngle", "DigitLength", "DigitAngle", "PhiThetaAsQ", "DigitScale"});
 }

@@ -2,6 +2,8 @@
 // without) and chosen by linking.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <optional>
 #include <string>
@@ -43,10 +45,21 @@ struct FileQuestion {
 std::optional<std::string> AskOpenFile(const FileQuestion& question);  // nothing when cancelled
 std::optional<std::string> AskSaveFile(const FileQuestion& question);
 
+// A colour, RGB with red in the low byte; nothing when cancelled.
+std::optional<std::int32_t> AskColour(std::int32_t preset);
+
+// Waits, with the event loop running, until the window of this name is closed; it blocks the others
+// meanwhile. Require: the window is open.
+void WaitForWindow(const std::string& name);
+
 // --- Clipboard, event loop, desktop --------------------------------------------------------------------
 
 std::string ClipboardText();
 bool SetClipboardText(const std::string& text);  // false when the clipboard refuses
+
+// A picture, row by row, pixels as 0xffRRGGBB; `stride` pixels from row to row. False when the clipboard
+// refuses.
+bool SetClipboardPicture(int width, int height, const std::uint32_t* pixels, std::ptrdiff_t stride);
 
 // The same, with a message when it refuses.
 inline void ToClipboard(const std::string& text) {

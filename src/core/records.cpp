@@ -65,6 +65,17 @@ const RecordEntry kOtherRecords[] = {
     {"MCS_FileName", &Settings.MCS_FileName, Storage::Run},
     {"OCS_FileName", &Settings.OCS_FileName, Storage::Run},
     {"DevVecDirection", &Settings.DevVecDirection, Storage::Run},
+    {"ShowPointsBigger", &Settings.ShowPointsBigger, Storage::Run},
+    {"ShowCoordinateSystemLabels", &Settings.ShowCoordinateSystemLabels, Storage::Run},
+    {"ShowPointNames", &Settings.ShowPointNames, Storage::Run},
+    {"ShowColorBar", &Settings.ShowColorBar, Storage::Run},
+    {"ScreenBackColor", &Settings.ScreenBackColor, Storage::Run},
+    {"ViewOnlyIfTrafo", &Settings.ViewOnlyIfTrafo, Storage::Run},
+    {"ViewOnlyIfNotTrafo", &Settings.ViewOnlyIfNotTrafo, Storage::Run},
+    {"DontViewOOT", &Settings.DontViewOOT, Storage::Run},
+    {"VectorThick", &Settings.VectorThick, Storage::Run},
+    {"VectorQuat", &Settings.VectorQuat, Storage::Run},
+    {"ShowRVec", &Settings.ShowRVec, Storage::Run},
 };
 
 // The places of a field of the job file in the open job.

@@ -1,6 +1,7 @@
 // Finding, opening and closing windows, and the one rule of when a handler runs.
 #include "core/window.h"
 
+#include <algorithm>
 #include <array>
 #include <new>
 #include <stdexcept>
@@ -93,6 +94,12 @@ Control Panel() {
 Control ProgressBar() {
     return Make(ControlKind::Progress, "");
 }
+Control ScrollBar(int min, int max) {
+    Control control = Make(ControlKind::Scroll, "");
+    control.Min = control.Value = min;
+    control.Max = max;
+    return control;
+}
 Control Grid(int fixedRows, int fixedCols) {
     Control control = Make(ControlKind::Grid, "");
     control.Grid.FixedRows = fixedRows;
@@ -147,6 +154,7 @@ void UnloadWindow(std::string_view name) {
 }
 
 void SetValue(Control& control, int value) {
+    if (control.Kind == ControlKind::Scroll) value = std::clamp(value, control.Min, control.Max);
     if (control.Value == value) return;
     control.Value = value;
     if (control.Kind == ControlKind::Option && value != 0) {

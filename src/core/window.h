@@ -25,6 +25,7 @@ enum class ControlKind : std::uint8_t {
     ToolButton,
     Panel,
     Progress,
+    Scroll,
     Grid
 };
 
@@ -39,7 +40,9 @@ struct Control {
     ControlKind Kind = ControlKind::Label;
     std::string Text;  // caption, or the text of a text box, or the selected entry of a list
     int Group = 0;     // options: those of one group exclude each other
-    int Value = 0;     // check box 0, 1, 2; option, tool button 0, 1; progress 0 to 100; menu: 1 = popped up
+    int Value = 0;     // check box 0, 1, 2; option, tool button 0, 1; progress 0 to 100; menu: 1 = popped up;
+                       // scroll bar Min to Max
+    int Min = 0, Max = 0;
     bool Enabled = true;
     bool Visible = true;
     bool Locked = false;   // a text that can be read and copied but not typed into
@@ -65,11 +68,12 @@ Control Toolbar();
 Control ToolButton(std::string toolTip);
 Control Panel();
 Control ProgressBar();
+Control ScrollBar(int min, int max);
 Control Grid(int fixedRows, int fixedCols);
 
 // What the user does to a control, and the procedure that answers. Unset = nothing happens.
 struct Handlers {
-    void (*Click)() = nullptr;   // button, menu, tool button; check, option and list after the change
+    void (*Click)() = nullptr;  // button, menu, tool button; check, option, list, scroll bar after the change
     void (*Change)() = nullptr;  // text after the change
     void (*DblClick)() = nullptr;
     void (*GotFocus)() = nullptr;
@@ -131,7 +135,7 @@ void UnloadWindow(std::string_view name);
 // does; the value that stands already runs nothing. Selecting an option clears the others of its group,
 // whose handlers do not run.
 
-void SetValue(Control& control, int value);
+void SetValue(Control& control, int value);  // of a scroll bar: at most to its ends
 void SetText(Control& control, const std::string& text);
 void SetIndex(Control& control, int index);  // -1 = no entry; Require: the entry exists
 

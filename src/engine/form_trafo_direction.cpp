@@ -42,6 +42,7 @@ void FormTrafoBerechnung::BtnSwitchMcsOcs_Click() {
     }
     MCS_OCS();
     TabelleFüllenNeu();
+    UpdateAllGraphicsWindows();
     FuellenMainSheet();
 }
 

@@ -252,6 +252,7 @@ void myBtn_OK() {
     // Another job that has been opened during the fill has closed the dialog, and is left as it is.
     if (Run.JobGeneration != generation && !IsLoaded("FormInputFiles")) return;
     ProgrammLogik();
+    UpdateAllGraphicsWindows();  // the round trip has left them open
     if (IsLoaded("FormInputStatistic")) FORMfüllen();
     if (Main.MenuTransformationCalculation.Checked) {
         UnloadWindow("FormTrafoBerechnung");

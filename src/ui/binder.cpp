@@ -10,12 +10,14 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollBar>
 #include <QStyle>
 #include <QTableView>
 #include <QTimer>
@@ -122,6 +124,8 @@ bool ScreenDiffers(const Bound& bound) {
     if (const auto* check = As<QCheckBox>(bound)) return check->checkState() != MarkOf(c);
     if (const auto* option = As<QRadioButton>(bound)) return option->isChecked() != (c.Value != 0);
     if (const auto* combo = As<QComboBox>(bound)) return combo->currentIndex() != c.Index;
+    if (const auto* list = As<QListWidget>(bound)) return list->currentRow() != c.Index;
+    if (const auto* scroll = As<QScrollBar>(bound)) return scroll->value() != c.Value;
     return false;
 }
 
@@ -133,12 +137,29 @@ void ShowItems(QComboBox& combo, const Control& c, const Bound& bound) {
     combo.setCurrentIndex(c.Index);
 }
 
+void ShowItems(QListWidget& list, const Control& c, const Bound& bound) {
+    if (!bound.Ever || bound.Last.Items != c.Items) {
+        list.clear();
+        for (const std::string& item : c.Items) list.addItem(Q(item));
+    }
+    list.setCurrentRow(c.Index);
+}
+
+// A character that the logic has taken out leaves the cursor where it was typed.
+void ShowText(QLineEdit& field, const QString& text) {
+    if (field.text() == text) return;
+    const qsizetype removed = field.text().size() - text.size();
+    const auto cursor = static_cast<int>(field.cursorPosition() - removed);
+    field.setText(text);
+    if (field.hasFocus() && removed > 0 && cursor >= 0) field.setCursorPosition(cursor);
+}
+
 void ShowWidget(Bound& bound) {
     const Control& c = *bound.State;
     QWidget& widget = *bound.Widget;
     const QSignalBlocker quiet(widget);
     if (auto* text = As<QLineEdit>(bound)) {
-        if (text->text() != Q(c.Text)) text->setText(Q(c.Text));
+        ShowText(*text, Q(c.Text));
         text->setReadOnly(c.Locked);
         FitWidthToText(*text);
     } else if (auto* page = As<QPlainTextEdit>(bound)) {
@@ -155,6 +176,11 @@ void ShowWidget(Bound& bound) {
         option->setAutoExclusive(true);  // for the arrow keys
     } else if (auto* combo = As<QComboBox>(bound)) {
         ShowItems(*combo, c, bound);
+    } else if (auto* list = As<QListWidget>(bound)) {
+        ShowItems(*list, c, bound);
+    } else if (auto* scroll = As<QScrollBar>(bound)) {
+        scroll->setRange(c.Min, c.Max);
+        scroll->setValue(c.Value);
     } else if (auto* label = As<QLabel>(bound)) {
         label->setText(Caption(c));
     } else if (auto* frame = As<QGroupBox>(bound)) {
@@ -249,6 +275,12 @@ void Connect(const Bound& bound) {
     } else if (auto* combo = As<QComboBox>(bound)) {
         QObject::connect(combo, &QComboBox::activated, combo,
                          [&c](int index) { UserDid([&] { UserSetIndex(c, index); }); });
+    } else if (auto* list = As<QListWidget>(bound)) {
+        QObject::connect(list, &QListWidget::currentRowChanged, list,
+                         [&c](int index) { UserDid([&] { UserSetIndex(c, index); }); });
+    } else if (auto* scroll = As<QScrollBar>(bound)) {
+        QObject::connect(scroll, &QScrollBar::valueChanged, scroll,
+                         [&c](int value) { UserDid([&] { UserSetValue(c, value); }); });
     } else if (auto* grid = As<QTableView>(bound)) {
         BindGrid(c, *grid);
         return;
@@ -270,12 +302,14 @@ bool FitsKind(ControlKind kind, const Bound& bound) {
         case ControlKind::Option:
             return As<QRadioButton>(bound) != nullptr;
         case ControlKind::Combo:
-            return As<QComboBox>(bound) != nullptr;
+            return As<QComboBox>(bound) != nullptr || As<QListWidget>(bound) != nullptr;
         case ControlKind::Label:
         case ControlKind::Panel:
             return As<QLabel>(bound) != nullptr;
         case ControlKind::Frame:
-            return As<QGroupBox>(bound) != nullptr;
+            return As<QGroupBox>(bound) != nullptr || As<QFrame>(bound) != nullptr;
+        case ControlKind::Scroll:
+            return As<QScrollBar>(bound) != nullptr;
         case ControlKind::Progress:
             return As<QProgressBar>(bound) != nullptr;
         case ControlKind::Grid:

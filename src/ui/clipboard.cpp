@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QElapsedTimer>
+#include <QImage>
 #include <optional>
 
 #include "core/platform.h"
@@ -48,5 +49,18 @@ bool SetClipboardText(const std::string& text) {
     Watch();
     Copies.Waiting = text;
     PutClipboard(true);
+    return true;
+}
+
+bool SetClipboardPicture(int width, int height, const std::uint32_t* pixels, std::ptrdiff_t stride) {
+    if (width < 1 || height < 1 || pixels == nullptr) return false;
+    // The clipboard keeps the picture longer than the window lives.
+    const QImage picture =
+        QImage(reinterpret_cast<const uchar*>(pixels), width, height,
+               stride * static_cast<std::ptrdiff_t>(sizeof(std::uint32_t)), QImage::Format_RGB32)
+            .copy();
+    if (picture.isNull()) return false;
+    Copies.Waiting.reset();
+    QApplication::clipboard()->setImage(picture);
     return true;
 }

@@ -7,7 +7,6 @@
 #include <QDialog>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMdiArea>
@@ -34,20 +33,24 @@
 #include "core/refresh.h"
 #include "core/run.h"
 #include "core/text.h"
-#include "engine/form_trafo_berechnung.h"
+#include "graphics/form_color_bar.h"
 #include "import/form_input_files.h"
 #include "ui/binder.h"
 #include "ui/clipboard.h"
+#include "ui/colour_sample.h"
 #include "ui/places.h"
 #include "ui/portal.h"
+#include "ui/program_keys.h"
 #include "ui/qt_text.h"
+#include "ui/screen_windows.h"
 #include "ui/theme.h"
 
 namespace {
 
 // The windows that stand above the frame; all others stand inside it.
-constexpr std::array<std::string_view, 5> kDialogs = {"FormUnits", "FormOptions", "FormMenuHelpInfo",
-                                                      "FormProgressBar", "FormInputFiles"};
+constexpr std::array<std::string_view, 7> kDialogs = {"FormUnits",       "FormOptions",    "FormMenuHelpInfo",
+                                                      "FormProgressBar", "FormInputFiles", "FormColorBar",
+                                                      "FormSaveView"};
 
 // Work that writes a text at every step shows it no more often than this.
 constexpr qint64 kBetweenPanels_ms = 100;
@@ -143,12 +146,15 @@ void OpenOne(const WindowEntry& window) {
         // that blocks the frame it must stand in front itself.
         const bool overAll =
             &window != &FormProgressBar_Entry || QApplication::activeModalWidget() != nullptr;
-        dialog->setWindowModality(overAll ? Qt::WindowModal : Qt::NonModal);
+        // That of the colours is at work beside the pictures that it changes.
+        const bool beside = &window == &FormColorBar_Entry;
+        dialog->setWindowModality(overAll && !beside ? Qt::WindowModal : Qt::NonModal);
         open.Outer = dialog;
     } else {
         open.Outer = Desktop.Area->addSubWindow(open.Form);
     }
     BindWindow(window, *open.Form);
+    if (&window == &FormColorBar_Entry) AddColourSample(*open.Form);
     Desktop.Windows[&window] = open;
     open.Outer->setAttribute(Qt::WA_DeleteOnClose, false);
     open.Outer->installEventFilter(new WindowEvents(window, *open.Outer));
@@ -270,47 +276,6 @@ public:
     }
 };
 
-// A question of the system or an open list or menu has the keys for itself.
-bool KeysBelongElsewhere() {
-    if (QApplication::activePopupWidget() != nullptr) return true;
-    const QWidget* modal = QApplication::activeModalWidget();
-    return modal != nullptr && std::none_of(Desktop.Windows.begin(), Desktop.Windows.end(),
-                                            [modal](const auto& one) { return one.second.Outer == modal; });
-}
-
-// Keys that act in the whole program: F5 calculates, Esc stops or closes the window that it is pressed in.
-class Keys : public QObject {
-public:
-    explicit Keys(QObject* parent) : QObject(parent) {}
-    bool eventFilter(QObject* object, QEvent* event) override {
-        if (event->type() != QEvent::KeyPress || !object->isWidgetType()) return false;
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if ((key != Qt::Key_F5 && key != Qt::Key_Escape) || KeysBelongElsewhere()) return false;
-        const auto press = [](Control& button) {
-            if (!button.Enabled || !button.Visible) return false;
-            UserDid([&button] { UserClick(button); });
-            return true;
-        };
-        const bool calculation = IsLoaded("FormTrafoBerechnung");
-        if (key == Qt::Key_F5)  // a dialog in front keeps the calculation window out of reach
-            return calculation && QApplication::activeModalWidget() == nullptr &&
-                   press(TrafoWindow.BtnCalculate);
-        if (calculation && !TrafoWindow.BtnCalculate.Enabled && press(TrafoWindow.BtnSTOP)) return true;
-        if (IsLoaded(FormProgressBar_Entry.Name)) {
-            UserDid([] { UserEscape(FormProgressBar_Entry); });
-            return true;
-        }
-        const QWidget* window = static_cast<QWidget*>(object)->window();
-        for (const auto& [entry, open] : Desktop.Windows)
-            if (open.Outer == window && IsDialog(*entry)) {
-                const WindowEntry& dialog = *entry;
-                UserDid([&dialog] { dialog.Escape != nullptr ? UserEscape(dialog) : UserClose(dialog); });
-                return true;
-            }
-        return false;
-    }
-};
-
 void AddPanels(QStatusBar& bar) {
     for (int panel = 1; panel <= kStatusPanels; ++panel) {
         auto* label = new QLabel(&bar);
@@ -388,11 +353,17 @@ void OpenDesktop() {
     // A smaller frame leaves its windows where they are, and in reach.
     Desktop.Area->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     Desktop.Area->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    BeginScreens(*Desktop.Area);
     if (auto* bar = frame->findChild<QToolBar*>(QStringLiteral("ToolbarSaveView"))) {
         auto* combo = new QComboBox(bar);
         combo->setObjectName(QStringLiteral("ComboSaveView"));
         combo->setMinimumWidth(140);
         bar->addWidget(combo);
+        // The view that the list shows can be chosen again, after the picture has been turned away from it.
+        // This stands in front of the binder's connection, which is the one that changes the choice.
+        QObject::connect(combo, &QComboBox::activated, combo, [](int index) {
+            if (index == Main.ComboSaveView.Index) UserDid([] { UserClick(Main.ComboSaveView); });
+        });
     }
     AddPanels(*frame->statusBar());
     AddIcons(*frame);
@@ -403,13 +374,14 @@ void OpenDesktop() {
     frame->setWindowIcon(IconOf(QStringLiteral("corvinade")));
     frame->setAcceptDrops(true);
     frame->installEventFilter(new FrameEvents(frame));
-    QApplication::instance()->installEventFilter(new Keys(frame));
+    QApplication::instance()->installEventFilter(NewProgramKeys(*frame));
     QApplication::instance()->installEventFilter(new Drops(frame));
 }
 
 void CloseDesktop() {
     while (!Desktop.Windows.empty()) CloseOne(*Desktop.Windows.begin()->first);
     UnbindWindow(FormMain_Entry);
+    EndScreens();
     if (Desktop.BusyShown) QApplication::restoreOverrideCursor();
     delete Desktop.FrameWindow;
     Desktop = DesktopRecord{};
@@ -438,10 +410,12 @@ void ShowState(bool insideWork) {
     for (auto& [window, open] : Desktop.Windows) {
         BringToFront(*window, open);
         ShowControls(*window, panels);
+        if (window == &FormColorBar_Entry) ShowColourSample(*open.Form);
         const QString title = Q(window->State->Caption);
         if (open.Outer->windowTitle() != title) open.Outer->setWindowTitle(title);
         if (open.Form->isEnabled() != window->State->Enabled) open.Form->setEnabled(window->State->Enabled);
     }
+    ShowScreens(insideWork);
     ShowPointer();
     ShowPopUp();
     Desktop.Showing = false;

@@ -103,10 +103,15 @@ void KeepBordersOnScreen(QMainWindow& frame) {
 
 // --- Windows inside the frame -----------------------------------------------------------------------------
 
-std::vector<QRect> Others(const QMdiArea& area, const QWidget& outer) {
+// A graphics window that nobody has sized leaves room for a table beside it.
+constexpr QSize kLargestScreen{1100, 780};
+constexpr QSize kLeastScreen{200, 160};
+constexpr double kShareOfScreen = 0.62;
+
+std::vector<QRect> Others(const QMdiArea& area, const QWidget* outer) {
     std::vector<QRect> others;
     for (const QMdiSubWindow* one : area.subWindowList())
-        if (one != &outer && one->isVisible() && !one->isMinimized()) others.push_back(one->geometry());
+        if (one != outer && one->isVisible() && !one->isMinimized()) others.push_back(one->geometry());
     return others;
 }
 
@@ -142,6 +147,19 @@ QPoint FirstPlaceAmong(const std::vector<QRect>& others, QSize size, const QRect
     return best;
 }
 
+// A place that the window has not (`anew`: even if one is stored) is looked for.
+QRect ChildRect(const WindowPlace& place, std::string_view name, QSize natural, QSize least,
+                const QWidget* outer, const QMdiArea& area, bool anew) {
+    const QRect room = area.viewport()->rect();
+    const QSize size =
+        (HasSize(place) ? RectOf(place).size() : natural).boundedTo(room.size()).expandedTo(least);
+    const QPoint at = anew || IsFirstPlace(place, name) ? FirstPlaceAmong(Others(area, outer), size, room)
+                                                        : RectOf(place).topLeft();
+    return {QPoint(std::clamp(at.x(), room.left(), std::max(room.left(), room.right() - size.width() + 1)),
+                   std::clamp(at.y(), room.top(), std::max(room.top(), room.bottom() - size.height() + 1))),
+            size};
+}
+
 }  // namespace
 
 void PlaceFrame(QMainWindow& frame) {
@@ -173,15 +191,17 @@ void StoreFrame(const QMainWindow& frame) {
 }
 
 void PlaceChild(const WindowEntry& window, QWidget& form, QWidget& outer, const QMdiArea& area) {
-    const WindowPlace& place = window.State->Place;
-    const QRect room = area.viewport()->rect();
-    QSize size = HasSize(place) ? RectOf(place).size() : outer.sizeHint();
-    size = size.boundedTo(room.size()).expandedTo(form.minimumSizeHint());
-    outer.resize(size);
-    const QPoint at = IsFirstPlace(place, window.Name) ? FirstPlaceAmong(Others(area, outer), size, room)
-                                                       : RectOf(place).topLeft();
-    outer.move(std::clamp(at.x(), room.left(), std::max(room.left(), room.right() - size.width() + 1)),
-               std::clamp(at.y(), room.top(), std::max(room.top(), room.bottom() - size.height() + 1)));
+    outer.setGeometry(ChildRect(window.State->Place, window.Name, outer.sizeHint(), form.minimumSizeHint(),
+                                &outer, area, false));
+}
+
+QRect ScreenPlace(const WindowPlace& place, std::string_view name, bool first, const QWidget* outer,
+                  const QMdiArea& area) {
+    const QSize room = area.viewport()->size();
+    const QSize natural =
+        QSize(static_cast<int>(room.width() * kShareOfScreen), room.height()).boundedTo(kLargestScreen);
+    const bool own = !IsFirstPlace(place, name);
+    return ChildRect(own ? place : WindowPlace{}, name, natural, kLeastScreen, outer, area, !first || !own);
 }
 
 void PlaceDialog(const WindowEntry& window, QWidget& form, QWidget& outer, const QWidget& frame) {

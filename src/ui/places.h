@@ -1,6 +1,9 @@
 // Where the frame and its windows stand on the screen.
 #pragma once
 
+#include <QRect>
+#include <string_view>
+
 #include "core/window.h"
 
 class QMainWindow;
@@ -19,6 +22,11 @@ void StoreFrame(const QMainWindow& frame);
 //   form   with the controls     outer  what has the title
 void PlaceChild(const WindowEntry& window, QWidget& form, QWidget& outer, const QMdiArea& area);
 void PlaceDialog(const WindowEntry& window, QWidget& form, QWidget& outer, const QWidget& frame);
+
+// The place of a graphics window, with its title. The first takes the stored one, the others look for theirs.
+//   outer  the window itself, null before there is one
+QRect ScreenPlace(const WindowPlace& place, std::string_view name, bool first, const QWidget* outer,
+                  const QMdiArea& area);
 
 // Where the window stands now becomes its place.
 void TakePlace(const WindowEntry& window, const QWidget& outer);

@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <QApplication>
+#include <QColorDialog>
 #include <QDesktopServices>
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -17,14 +18,19 @@
 
 #include "core/files.h"
 #include "core/platform.h"
+#include "core/require.h"
+#include "core/window.h"
+#include "ui/colours.h"
 #include "ui/desktop.h"
 #include "ui/qt_text.h"
+#include "ui/screen_windows.h"
 #include "ui/start_screen.h"
 
 namespace {
 
 // Waiting events are served no more often than this, so that work that yields at every step stays quick.
 constexpr qint64 kBetweenYields_ms = 10;
+constexpr qint64 kBetweenRounds_ms = 40;
 
 // The busy pointer does not stand over a question.
 class PlainPointer {
@@ -120,8 +126,33 @@ std::optional<std::string> AskSaveFile(const FileQuestion& question) {
     return Chosen(dialog.selectedFiles().constFirst());
 }
 
+std::optional<std::int32_t> AskColour(std::int32_t preset) {
+    ShowState();
+    const PlainPointer pointer;
+    const QColor chosen = QColorDialog::getColor(ColourOf(preset), DialogParent());
+    if (!chosen.isValid()) return std::nullopt;
+    return chosen.red() | chosen.green() << 8 | chosen.blue() << 16;
+}
+
+void WaitForWindow(const std::string& name) {
+    Require(IsLoaded(name));
+    ShowState();
+    const PlainPointer pointer;
+    // Whatever closes the window, its own event ends the wait.
+    while (IsLoaded(name)) {
+        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        ShowState();
+    }
+}
+
 void YieldToEvents() {
     static QElapsedTimer last;
+    // A picture that runs by itself runs as fast as the eye follows, on every machine.
+    if (TakeRoundShown() && last.isValid() && last.elapsed() < kBetweenRounds_ms) {
+        Pause(static_cast<int>(kBetweenRounds_ms - last.elapsed()));
+        last.start();
+        return;
+    }
     if (last.isValid() && last.elapsed() < kBetweenYields_ms) return;
     ShowState(true);
     QApplication::processEvents();

@@ -91,7 +91,7 @@ TEST_F(FitMonteCarlo, ThePageHasAPictureOfEachParameter) {
         Fit({kMeasured, kNominal, "--monte-carlo", "500", "--sigma", "0.05", "--report", path});
     EXPECT_EQ(outcome.Status, 0) << outcome.Err;
     const std::string page = Contents(path);
-    EXPECT_EQ(Count(page, "<svg"), 4 + 7);
+    EXPECT_EQ(Count(page, "<svg"), 5 + 7);
     EXPECT_EQ(Count(page, "<svg"), Count(page, "</svg>"));
     for (const char* part :
          {"500 runs with noise of 0.05, 0.05, 0.05 mm", "Tra x: spread ", "Rot z: spread "})

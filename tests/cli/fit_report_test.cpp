@@ -51,7 +51,7 @@ TEST_F(FitReportPage, NamesParametersQualityAndTheLargestDeviation) {
     for (const char* part : {"Tra x", "Rot z", "significance", "s0, millimeter", "largest deviation, F09",
                              "F09 (largest)", "14 identical points", "39 coordinates in use for 6 unknowns"})
         EXPECT_NE(page.find(part), std::string::npos) << part;
-    EXPECT_EQ(Count(page, "<svg"), 4);
+    EXPECT_EQ(Count(page, "<svg"), 1 + 4) << "the picture and the plots";
     EXPECT_EQ(Count(page, "<tr"), 1 + 6 + 1 + 14);
     EXPECT_TRUE(IsWellFormed(page));
 }
@@ -81,7 +81,27 @@ TEST_F(FitReportPage, OfManyPointsTheWorstAreShown) {
     const std::string page = Page({Write("s.txt", start), Write("t.txt", target)});
     EXPECT_NE(page.find("The 500 largest of 1200 deviations"), std::string::npos);
     EXPECT_NE(page.find("P700 (largest)"), std::string::npos);
+    EXPECT_NE(page.find("src=\"data:image/png;base64,iVBORw0KGgo"), std::string::npos)
+        << "of many points the picture is one of pixels";
     EXPECT_LT(page.size(), 600'000u);
+}
+
+TEST_F(FitReportPage, HasAPictureThatTellsColoursAndTheLengthOfItsVectors) {
+    const std::string start = Write("s.txt", "A;0;0;0\nB;1000;0;0\nC;0;1000;0\nD;1000;1000;0\n");
+    const std::string target = Write("t.txt", "A;0;0;0\nB;1000;0;0\nC;0;1000;0\nD;1000;1000;-1\n");
+    const std::string page = Page({start, target});
+    // A plate that is twisted by 1 mm at one corner keeps a quarter of it at each.
+    EXPECT_NE(page.find("<span>0.250 millimeter and more</span>"), std::string::npos) << page;
+    EXPECT_NE(page.find("<div class=\"scene\">\n<svg"), std::string::npos);
+    const std::regex scale("the deviation, ([0-9]+) times as long as it is");
+    std::smatch found;
+    ASSERT_TRUE(std::regex_search(page, found, scale));
+    EXPECT_EQ(found[1].str().find_first_not_of("0", 1), std::string::npos) << "a round number: " << found[1];
+    EXPECT_EQ(Count(page, "<circle"), 4) << "no targets, which would hide the colours";
+    EXPECT_EQ(Count(page, "<i style=\"background:#"), 10);
+    const std::string tool =
+        Page({kExamples + "robot_tool_measured.txt", kExamples + "robot_tool.dat", "--as", "kuka", "--tool"});
+    EXPECT_EQ(tool.find("class=\"scene\""), std::string::npos) << "points are off their poses by the tool";
 }
 
 TEST_F(FitReportPage, APageThatCannotBeWrittenIsSaid) {

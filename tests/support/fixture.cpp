@@ -11,12 +11,14 @@
 #include "core/files.h"
 #include "core/fresh_start.h"
 #include "core/platform.h"
+#include "graphics/screen_window.h"
 
 Program::Program() {
     FreshStart();
     Headless = HeadlessRecord{};
     Headless.Decimal = '.';
     FileFaults = FileFaultRecord{};
+    FillSurface = nullptr;
     const auto* test = testing::UnitTest::GetInstance()->current_test_info();
     std::string name = std::string(test->test_suite_name()) + "." + test->name();
     for (char& c : name)

@@ -97,6 +97,11 @@ TEST_F(Screens, PlacesAndTablesAreTheSameAtEveryScale) {
                      Screen("fine", 0, 3840, 2160), scale);
 }
 
+TEST_F(Screens, GraphicsWindowsAreSharpAndAsLargeAtEveryScale) {
+    for (const char* scale : {"1.5", "2"})
+        ExpectToPass("ScreenByHand.*:ScreenDialogs.*-*Million*:*Eye*", Screen("fine", 0, 3840, 2160), scale);
+}
+
 TEST_F(Screens, AVersionIsToldWithoutOne) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char* screen : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})

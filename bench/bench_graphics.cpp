@@ -1,0 +1,175 @@
+// A frame of a cloud: a new rotation and the whole paint of a graphics window, tables and all, into a picture
+// of 1600 by 1000 in plain memory, beside the loop that only turns and paints. Then picking, as at each move
+// of the mouse.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <ctime>
+#include <random>
+#include <vector>
+
+#include "core/fresh_start.h"
+#include "core/job.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "core/window.h"
+#include "engine/transform.h"
+#include "graphics/drawing.h"
+#include "graphics/picking.h"
+#include "graphics/projection.h"
+#include "graphics/scene.h"
+#include "graphics/screen_window.h"
+#include "graphics/views.h"
+#include "point_limit.h"
+#include "timing.h"
+
+namespace {
+
+constexpr int kWidth = 1600, kHeight = 1000;
+std::vector<std::uint32_t> picture;
+
+void PlainMemory(Surface& screen) {
+    picture.assign(static_cast<std::size_t>(screen.Width) * static_cast<std::size_t>(screen.Height), 0);
+    screen.PixelWidth = screen.Width;
+    screen.PixelHeight = screen.Height;
+    screen.Stride = screen.Width;
+    screen.Pixels = picture.data();
+    screen.Clear = [](Surface& cleared, Colour background) {
+        std::fill(picture.begin(), picture.end(), PixelOf(background));
+        cleared.Pixels = picture.data();
+    };
+}
+
+// A window over pairs that fill a block, each target within a millimetre of its start point.
+ScreenWindow& OpenCloud(int rows) {
+    FreshStart();
+    ShowWindow("FormMain");
+    std::mt19937 random(4711);
+    const auto between = [&random](double size) {
+        return std::uniform_real_distribution<double>(-size, size)(random);
+    };
+    const int pairs = rows / 2;
+    const auto size = static_cast<std::size_t>(pairs) + 1;
+    for (auto* names : {&Job.MCS_Name, &Job.OCS_Name, &Job.TMCS_Name}) names->resize(size);
+    for (auto* column : {&Job.MCS_X, &Job.MCS_Y, &Job.OCS_X, &Job.OCS_Y, &Job.TMCS_X, &Job.TMCS_Y})
+        column->resize(size);
+    for (auto* column : {&Job.MCS_Z, &Job.OCS_Z, &Job.TMCS_Z}) column->resize(size);
+    Job.UseFlags.assign(3 * size, 1);
+    for (std::size_t i = 1; i < size; ++i) {
+        Job.OCS_X[i] = between(2500);
+        Job.OCS_Y[i] = between(1500);
+        Job.OCS_Z[i] = between(1000);
+        Job.TMCS_X[i] = Job.MCS_X[i] = *Job.OCS_X[i] + between(0.6);
+        Job.TMCS_Y[i] = Job.MCS_Y[i] = *Job.OCS_Y[i] + between(0.6);
+        Job.TMCS_Z[i] = Job.MCS_Z[i] = Job.OCS_Z[i] + between(0.6);
+    }
+    Job.nMCS = Job.nOCS = Job.nIdent = pairs;
+    Job.ViewAllMCS = Job.ViewAllOCS = kTrue;
+    Run.JobDataValid = kTrue;
+    FillSurface = PlainMemory;
+    Screens().NewWidth = kWidth;
+    Screens().NewHeight = kHeight;
+    ScreenWindow& window = OpenScreenWindow();
+    window.State.BigNess = 2;  // squares of 3 by 3 pixels
+    IsoView(window);
+    Anpassen(window);
+    Stelle_Grafik_dar(window);
+    return window;
+}
+
+LimitCloud CloudOfScene() {
+    LimitCloud cloud;
+    const auto copy = [](const auto& column, auto& to) { to.assign(column.begin() + 1, column.end()); };
+    copy(Scene.Points[kSceneX], cloud.X);
+    copy(Scene.Points[kSceneY], cloud.Y);
+    copy(Scene.Points[kSceneZ], cloud.Z);
+    copy(Scene.Paint, cloud.Colour);
+    return cloud;
+}
+
+LimitView ViewOf(const ScreenWindow& window) {
+    const Mat3 M = ViewRotation(window);
+    const double F = window.State.BildFaktor;
+    LimitView view;
+    for (int axis = 1; axis <= 3; ++axis) {
+        view.Right[static_cast<std::size_t>(axis - 1)] = static_cast<float>(F * M(1, axis));
+        view.Down[static_cast<std::size_t>(axis - 1)] = static_cast<float>(F * M(2, axis));
+    }
+    view.ShiftX = static_cast<float>(200 * F + window.State.BildOffsetX);
+    view.ShiftY = static_cast<float>(kHeight - 200 * F - window.State.BildOffsetY);
+    return view;
+}
+
+// Of the processor, since both run on one thread alone: what else the machine does does not count.
+double ProcessorMilliseconds(std::clock_t begin) {
+    return 1000.0 * static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
+}
+
+// Own frame and limit in turn; the ratio is taken round by round.
+void Graphics_Frame(benchmark::State& state) {
+    ScreenWindow& window = OpenCloud(static_cast<int>(state.range(0)));
+    const LimitCloud cloud = CloudOfScene();
+    std::vector<std::uint32_t> limitPicture(picture.size());
+    std::vector<double> own, limit, ratios;
+    int frame = 0;
+    for (auto _ : state) {
+        ++frame;
+        SetViewAngles(window, 3.4 + 0.017 * frame, -0.9 + 0.011 * frame, -0.7);
+        std::clock_t begin = std::clock();
+        Stelle_Grafik_dar(window);
+        own.push_back(ProcessorMilliseconds(begin));
+        state.SetIterationTime(own.back() / 1000);
+        const LimitView view = ViewOf(window);
+        begin = std::clock();
+        PaintLimit(cloud, view, PixelOf(window.BackColor), kWidth, kHeight, limitPicture.data());
+        limit.push_back(ProcessorMilliseconds(begin));
+        ratios.push_back(own.back() / limit.back());
+    }
+    // Places half way between two pixels may fall to either; squares at the edge are ours alone.
+    std::size_t differ = 0;
+    for (std::size_t i = 0; i < picture.size(); ++i) differ += picture[i] != limitPicture[i] ? 1 : 0;
+    if (differ > picture.size() / 100) state.SkipWithError("the two pictures do not agree");
+    state.counters["ms"] = Median(own);
+    state.counters["limit_ms"] = Median(limit);
+    state.counters["own/limit"] = Median(ratios);
+    state.counters["differing_pixels"] = static_cast<double>(differ);
+    FillSurface = nullptr;
+    FreshStart();
+}
+
+void Graphics_Pick(benchmark::State& state) {
+    ScreenWindow& window = OpenCloud(static_cast<int>(state.range(0)));
+    int step = 0;
+    for (auto _ : state) {
+        ++step;
+        benchmark::DoNotOptimize(Search_Point_Index(window, static_cast<float>(37 * step % kWidth),
+                                                    static_cast<float>(53 * step % kHeight)));
+    }
+    FillSurface = nullptr;
+    FreshStart();
+}
+
+// What a frame does, piece by piece.
+void Graphics_Turn(benchmark::State& state) {
+    ScreenWindow& window = OpenCloud(static_cast<int>(state.range(0)));
+    int frame = 0;
+    for (auto _ : state) {
+        ++frame;
+        SetViewAngles(window, 3.4 + 0.017 * frame, -0.9 + 0.011 * frame, -0.7);
+        RechneCloudAndPixels(window);
+    }
+    FillSurface = nullptr;
+    FreshStart();
+}
+
+BENCHMARK(Graphics_Frame)
+    ->ArgName("points")
+    ->Arg(100'000)
+    ->Arg(1'000'000)
+    ->Iterations(60)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(Graphics_Turn)->ArgName("points")->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(Graphics_Pick)->ArgName("points")->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+
+}  // namespace

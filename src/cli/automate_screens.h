@@ -1,0 +1,31 @@
+// The graphics windows in the automation: "Screen#1", "Screen#1.ScreenPixel", "Screen#1.BildFaktor".
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <string_view>
+
+// Inner sizes that a graphics window takes, pixels.
+inline constexpr int kLargestScreenSide = 16384;
+inline constexpr std::int64_t kLargestScreenArea = std::int64_t{1} << 26U;
+// "" or why a picture cannot be so large.
+std::string CheckScreenSize(std::int64_t width, std::int64_t height);
+
+// Sets up what new windows stand on: their size and their surface. Nothing is held down any more.
+void StartScreens(int width, int height);
+
+// Does "at" name a graphics window, open or not?
+bool IsScreenPlace(std::string_view at);
+
+// What the requests do to a graphics window. Each throws RequestError where that cannot be.
+nlohmann::json GetScreen(const nlohmann::json& request);
+nlohmann::json CloseScreen(const nlohmann::json& request);
+nlohmann::json ScreenKey(const nlohmann::json& request);
+nlohmann::json ScreenMouseEvent(const nlohmann::json& request);
+nlohmann::json ScreenPicture(const nlohmann::json& request);
+nlohmann::json ResizeScreen(const nlohmann::json& request);
+// For "click", "dblclick", "set" and "select", which no part of a graphics window takes.
+[[noreturn]] void RefuseOnScreen(const nlohmann::json& request);
+
+// The names of the open ones: "Screen#1", "Screen#2", ...
+nlohmann::json OpenScreenNames();

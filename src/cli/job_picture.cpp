@@ -1,0 +1,262 @@
+// A picture of the open job, without a screen.
+#include "cli/job_picture.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "cli/svg_surface.h"
+#include "core/job.h"
+#include "core/platform.h"
+#include "core/require.h"
+#include "core/settings.h"
+#include "graphics/drawing.h"
+#include "graphics/projection.h"
+#include "graphics/scene.h"
+#include "graphics/tolerance.h"
+#include "graphics/view_values.h"
+#include "graphics/views.h"
+#include "paint/picture.h"
+
+namespace {
+
+using FixedView = void (*)(ScreenWindow&);
+
+FixedView FixedViewOf(const std::string& name) {
+    if (name == "iso") return IsoView;
+    if (name == "top") return TopView;
+    if (name == "side") return SideView;
+    return name == "front" ? FrontView : nullptr;
+}
+
+// Puts back what a picture changes for its own sake.
+class KeptState {
+public:
+    KeptState() = default;
+    ~KeptState() {
+        if (window_ != 0)
+            for (const auto& open : Screens().Open)
+                if (open->Id == window_) {
+                    CloseScreenWindow(*open);
+                    break;
+                }
+        Settings = settings_;
+        Job.ViewAllOCS = targets_;
+        Job.ViewAllonlyMCS = startOnly_;
+        Job.ViewAllonlyOCS = targetOnly_;
+        Screens().NewWidth = width_;
+        Screens().NewHeight = height_;
+        FillSurface = fill_;
+        Scene.RotCenter = center_;
+    }
+    KeptState(const KeptState&) = delete;
+    KeptState& operator=(const KeptState&) = delete;
+    void Closes(std::uint64_t window) { window_ = window; }
+
+private:
+    SettingsRecord settings_ = Settings;
+    Flag targets_ = Job.ViewAllOCS, startOnly_ = Job.ViewAllonlyMCS, targetOnly_ = Job.ViewAllonlyOCS;
+    int width_ = Screens().NewWidth, height_ = Screens().NewHeight;
+    void (*fill_)(Surface&) = FillSurface;
+    Vec3 center_ = Scene.RotCenter;
+    std::uint64_t window_ = 0;
+};
+
+// Of the points that take part in the fit, mm; of all where none does.
+double LargestUsedDeviation() {
+    double used = 0, all = 0;
+    for (int i = 1; i <= Scene.Ident; ++i) {
+        const auto row = static_cast<std::size_t>(i);
+        const std::size_t first = 3 * row - 2;
+        const double size = std::hypot(Scene.Points[kSceneDevX][row], Scene.Points[kSceneDevY][row],
+                                       Scene.Points[kSceneDevZ][row]);
+        if (!std::isfinite(size)) continue;
+        all = std::max(all, size);
+        if (CoordinateInUse(first) || CoordinateInUse(first + 1) || CoordinateInUse(first + 2))
+            used = std::max(used, size);
+    }
+    return used > 0 ? used : all;
+}
+
+// 1, 2 or 5 times a power of ten, at most `value`.
+double RoundDown(double value) {
+    const double power = std::pow(10.0, std::floor(std::log10(value)));
+    for (const double step : {5.0, 2.0})
+        if (step * power <= value) return step * power;
+    return power;
+}
+
+// Vectors that are seen and do not hide the rest: the longest of a point in use comes to a tenth of the
+// picture.
+double MagnificationFor(const ScreenWindow& window) {
+    const double side = std::min(PictureWidth(window), PictureHeight(window));
+    const double wanted = side / 10 / (LargestUsedDeviation() * window.State.BildFaktor);
+    return std::isfinite(wanted) && wanted > 0 ? RoundDown(wanted) : 1;
+}
+
+void FillSharply(Surface& screen) {
+    screen.Scale = 2;
+    FillSurfaceWithPicture(screen);
+}
+
+int PointSizeFor(int rows) {
+    return rows <= 2000 ? 8 : rows <= 20000 ? 4 : 2;
+}
+
+// The scene turns about its middle: with far away coordinates the offsets of the picture, 32-bit numbers,
+// would not have the digits for a small cloud.
+void CenterScene() {
+    for (int axis = 1; axis <= 3; ++axis) {
+        const std::vector<float>& column = Scene.Points[static_cast<std::size_t>(axis)];
+        double least = 0, most = 0;
+        bool first = true;
+        for (std::size_t row = 1; row < column.size(); ++row) {
+            const double place = column[row];
+            if (Scene.Points[kScenePlotted][row] != 1.0F || !std::isfinite(place)) continue;
+            least = first ? place : std::min(least, place);
+            most = first ? place : std::max(most, place);
+            first = false;
+        }
+        Scene.RotCenter(axis) = least / 2 + most / 2;
+    }
+}
+
+// What stands at the picture's edges: the colour bar with its numbers, and the scales. Small pictures have no
+// room to spare for them.
+struct Margins {
+    double Right = 0, Bottom = 0;  // pixels
+};
+
+Margins MarginsOf(const ScreenWindow& window) {
+    constexpr double kScales = 105, kBar = 75, kNumbers = 60;
+    const bool roomy = PictureWidth(window) >= 400 && PictureHeight(window) >= 400;
+    if (!roomy) return {};
+    return {IsTrue(Settings.ShowColorBar) ? kBar + kNumbers : 0, kScales};
+}
+
+// Fits what is plotted; a graphics window's own fit counts hidden points too.
+void FitScene(ScreenWindow& window) {
+    rechne_PixelCloud(window);
+    constexpr float kFar = 1e30F;
+    float left = kFar, right = -kFar, top = kFar, bottom = -kFar;
+    for (std::size_t row = 1; row <= static_cast<std::size_t>(Scene.Rows); ++row) {
+        const float x = Scene.View[1][row], y = Scene.View[2][row];
+        if (Scene.Points[kScenePlotted][row] != 1.0F || !std::isfinite(x) || !std::isfinite(y)) continue;
+        left = std::min(left, x);
+        right = std::max(right, x);
+        top = std::min(top, y);
+        bottom = std::max(bottom, y);
+    }
+    if (left > right) return;  // nothing is plotted
+    window.ViewBox = {left, right, top, bottom, window.ViewBox[4], window.ViewBox[5]};
+    const Margins margins = MarginsOf(window);
+    const double least = 1e-10, W = PictureWidth(window), H = PictureHeight(window);
+    const double fit = 0.9 * std::min((W - margins.Right) / (least + right - left),
+                                      (H - margins.Bottom) / (least + bottom - top));
+    // A single point has no size to fit.
+    constexpr double kLargestFit = 1e4;  // pixels per mm
+    window.State.BildFaktor = static_cast<float>(fit > kLargestFit ? 1 : fit);
+    CenterBox(window);
+    // No farther from the middle than it takes.
+    const double F = window.State.BildFaktor;
+    const double rightEdge = W / 2 + (static_cast<double>(right) - left) * F / 2;
+    const double lowerEdge = H / 2 + (static_cast<double>(bottom) - top) * F / 2;
+    window.State.BildOffsetX -= static_cast<float>(std::max(0.0, rightEdge - (W - margins.Right)));
+    window.State.BildOffsetY += static_cast<float>(std::max(0.0, lowerEdge - (H - margins.Bottom)));
+}
+
+// A saved view shows the same section of the scene, whatever the size of its window was.
+void TakeSavedView(ScreenWindow& window, const ScreenRecord& view) {
+    const auto flags = window.State.FlagIndex;
+    window.State = view;
+    MakeViewUsable(window.State);
+    window.State.FlagIndex = flags;
+    window.State.FlagIndexShape.clear();
+    ScreenRecord& state = window.State;
+    rechne_PixelCloud(window);
+    const double w = view.WindowWidth, h = view.WindowHeight;
+    if (!(w > 0 && h > 0)) return FitScene(window);
+    const double W = PictureWidth(window), H = PictureHeight(window);
+    const double ratio = std::min(W / w, H / h);
+    state.BildOffsetX = static_cast<float>(W / 2 - (w / 2 - state.BildOffsetX) * ratio);
+    state.BildOffsetY = static_cast<float>(H / 2 - (h / 2 - state.BildOffsetY) * ratio);
+    state.BildFaktor = static_cast<float>(state.BildFaktor * ratio);
+    state.Vec_Maßstab = static_cast<float>(state.Vec_Maßstab * ratio);
+    MakeViewUsable(state);
+}
+
+void SetUpView(ScreenWindow& window, const PictureWish& wish, const std::vector<std::string>& views) {
+    if (const FixedView fixed = FixedViewOf(wish.View)) {
+        CenterScene();
+        fixed(window);
+        FitScene(window);
+        window.State.Max = LargestUsedDeviation();
+        window.State.Min = 0;
+    } else {
+        Scene.RotCenter = Vec3();
+        const int number = SavedViewNumber(views, wish.View);
+        Require(number >= 1 && static_cast<std::size_t>(number) < Job.SavedView.size());
+        TakeSavedView(window, Job.SavedView[static_cast<std::size_t>(number)]);
+    }
+    ZoomAbout(window, static_cast<float>(PictureWidth(window)) / 2,
+              static_cast<float>(PictureHeight(window)) / 2, window.State.BildFaktor * wish.Zoom);
+}
+
+// Gives the magnification of the vectors.
+double TakeWishes(ScreenWindow& window, const PictureWish& wish) {
+    ScreenRecord& state = window.State;
+    const bool saved = !IsFixedView(wish.View);
+    if (wish.PointSize > 0)
+        state.BigNess = static_cast<std::int16_t>(wish.PointSize);
+    else if (!saved)
+        state.BigNess = static_cast<std::int16_t>(PointSizeFor(Scene.Rows));
+    if (wish.Classes > 0) state.AnzKlassenPos = state.AnzKlassenNeg = static_cast<std::int16_t>(wish.Classes);
+    if (wish.Limits_mm) std::tie(state.Min, state.Max) = *wish.Limits_mm;
+    if (!wish.Vectors) return static_cast<double>(state.Vec_Maßstab) / state.BildFaktor;
+    state.VectorMode = kTrue;
+    const double factor = wish.Magnification > 0 ? wish.Magnification : MagnificationFor(window);
+    state.Vec_Maßstab = static_cast<float>(state.BildFaktor * factor);
+    return factor;
+}
+
+}  // namespace
+
+bool IsFixedView(const std::string& name) {
+    return FixedViewOf(name) != nullptr;
+}
+
+int SavedViewNumber(const std::vector<std::string>& names, const std::string& name) {
+    const auto found = std::find(names.begin(), names.end(), name);
+    return found == names.end() ? 0 : static_cast<int>(found - names.begin()) + 1;
+}
+
+std::string JobPicture(const PictureWish& wish, PictureForm form, const std::vector<std::string>& views,
+                       PictureFacts& facts) {
+    KeptState kept;
+    Settings.ShowColorBar = ToFlag(wish.ColorBar);
+    Settings.ShowPointNames = ToFlag(wish.Names);
+    Settings.ShowCoordinateSystemLabels = ToFlag(wish.AxisLabels);
+    Settings.ShowPointsBigger = kFalse;
+    if (wish.Background) Settings.ScreenBackColor = *wish.Background;
+    // A target lies under its point's mark, in one colour, and would hide that of the point.
+    Job.ViewAllOCS = ToFlag(wish.Targets);
+    if (wish.PairsAlone) Job.ViewAllonlyMCS = Job.ViewAllonlyOCS = kFalse;
+    Screens().NewWidth = wish.Width;
+    Screens().NewHeight = wish.Height;
+    const bool svg = form == PictureForm::Svg || form == PictureForm::SvgInPage;
+    FillSurface = svg                             ? FillSurfaceWithSvg
+                  : form == PictureForm::SharpPng ? FillSharply
+                                                  : FillSurfaceWithPicture;
+    ScreenWindow& window = OpenScreenWindow();
+    kept.Closes(window.Id);
+    SetUpView(window, wish, views);
+    const double magnification = TakeWishes(window, wish);
+    Stelle_Grafik_dar(window);
+    const ScreenRecord& state = window.State;
+    facts = {IsTrue(state.VectorMode), magnification, state.Min, state.Max, {}};
+    for (int k = 1; k <= state.AnzKlassenPos; ++k) facts.Colours.push_back(ClassColour(window, k));
+    if (svg) return SvgOfWindow(window, "Deviations of the points", form == PictureForm::SvgInPage);
+    std::string bytes = PictureBytes(window);
+    if (bytes.empty()) throw PlatformError{"There is not enough memory for a picture of this size"};
+    return bytes;
+}

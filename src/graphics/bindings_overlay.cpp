@@ -1,0 +1,44 @@
+// What mouse and keys do on a picture, as the user reads it.
+#include "graphics/bindings_overlay.h"
+
+#include "core/settings.h"
+
+namespace {
+
+constexpr const char* kSection = "GraphicsSettings";
+constexpr const char* kKey = "BindingsShown";
+
+constexpr Binding kBindings[] = {
+    {"Shift + drag", "rotate"},
+    {"Shift + drag with both buttons", "roll"},
+    {"Ctrl + drag", "move the picture"},
+    {"Wheel", "zoom about the mouse"},
+    {"Drag a frame", "zoom to the frame"},
+    {"Right button", "zoom out about the mouse"},
+    {"Middle button", "draw the picture again"},
+    {"Click", "choose a point"},
+    {"Double click", "background colour"},
+    {"Arrow keys", "move the picture"},
+    {"Shift + arrow keys", "rotate in steps"},
+    {"Shift + R, Shift + L", "roll right, roll left"},
+    {"+ and - of the number pad", "zoom in about the mouse, zoom out"},
+    {"Pause", "pause or continue the analyse mode"},
+};
+
+}  // namespace
+
+std::span<const Binding> ScreenBindings() {
+    return kBindings;
+}
+
+void ToggleBindingsOverlay(ScreenWindow& window) {
+    window.BindingsShown = !window.BindingsShown;
+}
+
+void ShowBindingsOnce(ScreenWindow& window) {
+    if (Screens().BindingsTold) return;
+    Screens().BindingsTold = true;
+    if (FindIniWert(kKey)) return;
+    window.BindingsShown = true;
+    IniWertSchreiben(kSection, kKey, "True");
+}

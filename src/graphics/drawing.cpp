@@ -1,0 +1,52 @@
+// The paint of a graphics window: every layer in its order.
+#include "graphics/drawing.h"
+
+#include "core/form_main.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "graphics/lines.h"
+#include "graphics/point_loop.h"
+#include "graphics/projection.h"
+#include "graphics/scene.h"
+#include "graphics/tolerance.h"
+
+namespace {
+
+constexpr float kLeastDepth = 0.0001F;  // of the box, mm: with less, all points have one size
+
+DepthSize DepthOf(const ScreenWindow& window) {
+    const double depth = static_cast<double>(window.ViewBox[5]) - window.ViewBox[4];
+    if (!IsTrue(Settings.ShowPointsBigger) || !(depth > kLeastDepth)) return {};
+    const int bigness = window.State.BigNess;
+    return {true, bigness == 1 ? 0.0F : static_cast<float>(bigness / (depth + 1e-9))};
+}
+
+}  // namespace
+
+void Stelle_Grafik_dar(ScreenWindow& window) {
+    SceneForWindow(window);
+    Transform_dev_to_klasse(window);
+    RechneCloudAndPixels(window);
+    Surface& screen = window.Screen;
+    if (screen.Clear != nullptr) screen.Clear(screen, window.BackColor);
+    const DepthSize depth = DepthOf(window);
+    window.Labels.clear();
+    DrawPoints(window, depth);
+    const ScreenRecord& state = window.State;
+    if (IsTrue(state.LineMode)) DrawLines(window);
+    DrawRVectors(window);
+    if (IsTrue(state.GridXY) || IsTrue(state.GridYZ) || IsTrue(state.GridZX)) Zeichne_KSGrid(window);
+    if (IsTrue(Settings.VectorQuat) && IsTrue(Run.TrafoValid)) Zeichne_Quat(window);
+    if (IsTrue(Settings.ShowColorBar)) Zeichne_ColorBar(window);
+    Zeichne_Kosys(window);
+    Zeichne_Scale(window);
+    if (screen.Refresh != nullptr) screen.Refresh(screen);
+    ++window.PaintCount;
+}
+
+// The text stands where it is asked for, as far as that is in the picture.
+void SetLabelToPos(ScreenWindow& window, const std::string& text, float x, float y) {
+    if (!(x < static_cast<float>(PictureWidth(window)) && y < static_cast<float>(PictureHeight(window))))
+        return;
+    window.Labels.push_back({text, x, y, QbColor(window.BackColor == QbColor(15) ? 0 : 7), true});
+}

@@ -1,0 +1,21 @@
+// The paint of a graphics window, layer by layer, from nothing.
+#pragma once
+
+#include <string>
+
+#include "graphics/screen_window.h"
+
+void Stelle_Grafik_dar(ScreenWindow& window);
+
+void DrawRVectors(ScreenWindow& window);
+void Zeichne_KSGrid(ScreenWindow& window);
+void Zeichne_Quat(ScreenWindow& window);
+void Zeichne_ColorBar(ScreenWindow& window);
+void Zeichne_Kosys(ScreenWindow& window);
+void Zeichne_Scale(ScreenWindow& window);
+// Writes a number with lines, turned by `angle` degrees, in the job's length format.
+void Plot_Number(ScreenWindow& window, double value, float x, float y, float size, double angle,
+                 Colour colour);
+// Adds a label when its place is in the picture.
+void SetLabelToPos(ScreenWindow& window, const std::string& text, float x, float y);
+void MenüGraphicsPrint_Command();  // the picture to the clipboard

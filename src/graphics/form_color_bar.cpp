@@ -1,0 +1,414 @@
+// The dialog of the colour scale. It refers to the graphics window that is active.
+#include "graphics/form_color_bar.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <type_traits>
+
+#include "core/job.h"
+#include "core/numbers.h"
+#include "core/platform.h"
+#include "core/records.h"
+#include "core/run.h"
+#include "core/units.h"
+#include "graphics/drawing.h"
+#include "graphics/tolerance.h"
+#include "graphics/view_undo.h"
+#include "graphics/view_values.h"
+
+namespace {
+
+using Dialog = FormColorBar;
+
+const ControlEntry kControls[] = {
+    {"FrameClasses", &ColorBarWindow.FrameClasses},
+    {"ScreenColorBar", &ColorBarWindow.ScreenColorBar},
+    {"LabelTextObereGrenze", &ColorBarWindow.LabelTextObereGrenze},
+    {"LabelTextUntereGrenze", &ColorBarWindow.LabelTextUntereGrenze},
+    {"TextObereGrenze", &ColorBarWindow.TextObereGrenze, {.Change = Dialog::TextObereGrenze_Change}},
+    {"TextUntereGrenze", &ColorBarWindow.TextUntereGrenze, {.Change = Dialog::TextUntereGrenze_Change}},
+    {"LabelUnit1", &ColorBarWindow.LabelUnit1},
+    {"LabelUnit2", &ColorBarWindow.LabelUnit2},
+    {"BtnSetMaxAsTol", &ColorBarWindow.BtnSetMaxAsTol, {.Click = Dialog::BtnSetMaxAsTol_Click}},
+    {"BtnSetMinAsTol", &ColorBarWindow.BtnSetMinAsTol, {.Click = Dialog::BtnSetMinAsTol_Click}},
+    {"CheckSetMinMaxOnChange", &ColorBarWindow.CheckSetMinMaxOnChange, {.Click = Dialog::Setting_Click}},
+    {"LabelTextAnzahlTolKlassePos", &ColorBarWindow.LabelTextAnzahlTolKlassePos},
+    {"LabelTextAnzahlTolKlasseNeg", &ColorBarWindow.LabelTextAnzahlTolKlasseNeg},
+    {"TextAnzahlTolKlassePos",
+     &ColorBarWindow.TextAnzahlTolKlassePos,
+     {.Change = Dialog::TextAnzahlTolKlassePos_Change}},
+    {"TextAnzahlTolKlasseNeg",
+     &ColorBarWindow.TextAnzahlTolKlasseNeg,
+     {.Change = Dialog::TextAnzahlTolKlasseNeg_Change}},
+    {"VScrollAnzKlaPos", &ColorBarWindow.VScrollAnzKlaPos, {.Click = Dialog::VScrollAnzKlaPos_Change}},
+    {"VScrollAnzKlaNeg", &ColorBarWindow.VScrollAnzKlaNeg, {.Click = Dialog::VScrollAnzKlaNeg_Change}},
+    {"FrameComponents", &ColorBarWindow.FrameComponents},
+    {"CART", &ColorBarWindow.CART, {.Click = Dialog::System_Click}},
+    {"CYL", &ColorBarWindow.CYL, {.Click = Dialog::System_Click}},
+    {"SPH", &ColorBarWindow.SPH, {.Click = Dialog::System_Click}},
+    {"showX", &ColorBarWindow.showX, {.Click = Dialog::Component_Click}},
+    {"showY", &ColorBarWindow.showY, {.Click = Dialog::Component_Click}},
+    {"showZ", &ColorBarWindow.showZ, {.Click = Dialog::Component_Click}},
+    {"ShowXYZ", &ColorBarWindow.ShowXYZ, {.Click = Dialog::ShowXYZ_Click}},
+    {"CheckShowOnlyUsedComponent",
+     &ColorBarWindow.CheckShowOnlyUsedComponent,
+     {.Click = Dialog::Setting_Click}},
+    {"FrameColor", &ColorBarWindow.FrameColor},
+    {"ColorABS", &ColorBarWindow.ColorABS, {.Click = Dialog::Setting_Click}},
+    {"ColorX", &ColorBarWindow.ColorX, {.Click = Dialog::Setting_Click}},
+    {"ColorY", &ColorBarWindow.ColorY, {.Click = Dialog::Setting_Click}},
+    {"ColorZ", &ColorBarWindow.ColorZ, {.Click = Dialog::Setting_Click}},
+    {"CheckAusserhalbTol", &ColorBarWindow.CheckAusserhalbTol, {.Click = Dialog::Setting_Click}},
+    {"BtnSetOuterColor", &ColorBarWindow.BtnSetOuterColor, {.Click = Dialog::BtnSetOuterColor_Click}},
+    {"LabelOuterColor", &ColorBarWindow.LabelOuterColor},
+    {"CheckBinärModus", &ColorBarWindow.CheckBinärModus, {.Click = Dialog::Setting_Click}},
+    {"FrameGrid", &ColorBarWindow.FrameGrid},
+    {"CheckShowXY", &ColorBarWindow.CheckShowXY, {.Click = Dialog::GridPlane_Click}},
+    {"CheckShowYZ", &ColorBarWindow.CheckShowYZ, {.Click = Dialog::GridPlane_Click}},
+    {"CheckShowZX", &ColorBarWindow.CheckShowZX, {.Click = Dialog::GridPlane_Click}},
+    {"CheckShowGridDim", &ColorBarWindow.CheckShowGridDim, {.Click = Dialog::Setting_Click}},
+    {"LabelTextADis", &ColorBarWindow.LabelTextADis},
+    {"LabelTextBDis", &ColorBarWindow.LabelTextBDis},
+    {"LabelTextCDis", &ColorBarWindow.LabelTextCDis},
+    {"TextADis", &ColorBarWindow.TextADis, {.Change = Dialog::TextADis_Change}},
+    {"TextBDis", &ColorBarWindow.TextBDis, {.Change = Dialog::TextBDis_Change}},
+    {"TextCDis", &ColorBarWindow.TextCDis, {.Change = Dialog::TextCDis_Change}},
+    {"CheckAutoApply", &ColorBarWindow.CheckAutoApply, {.Click = Dialog::Setting_Click}},
+    {"CheckSynch", &ColorBarWindow.CheckSynch},
+    {"CheckLegend", &ColorBarWindow.CheckLegend},
+    {"BtnApply", &ColorBarWindow.BtnApply, {.Click = Dialog::BtnApply_Click}},
+    {"BtnOK", &ColorBarWindow.BtnOK, {.Click = Dialog::BtnOK_Click}},
+};
+
+// --- Texts and numbers ------------------------------------------------------------------------------------
+
+// Digits, one separator and a leading minus stay, all else goes.
+std::string NumberCharacters(const std::string& text) {
+    const char separator = SystemDecimal();
+    std::string kept;
+    bool separated = false;
+    for (const char c : text) {
+        const bool digit = c >= '0' && c <= '9';
+        const bool first = c == '-' && kept.empty();
+        const bool separates = c == separator && !separated;
+        if (digit || first || separates) kept += c;
+        separated = separated || separates;
+    }
+    return kept;
+}
+
+double NumberOf(std::string text) {
+    std::replace(text.begin(), text.end(), SystemDecimal(), '.');
+    return Val(text);
+}
+
+// Up to six decimals, at least two.
+std::string LimitText(double value) {
+    std::string text = FormatNumber(value, "0.000000");
+    const std::size_t separator = text.find(SystemDecimal());
+    if (separator == std::string::npos) return text;
+    std::size_t end = text.size();
+    while (end > separator + 3 && text[end - 1] == '0') --end;
+    return text.substr(0, end);
+}
+
+// A spacing of the grid, mm.
+std::int32_t SpacingOf(const Control& text) {
+    return static_cast<std::int32_t>(std::clamp(std::nearbyint(NumberOf(text.Text)), 0.0, 1e9));
+}
+
+double LimitOf(const std::string& text, const std::string& shown, double stored) {
+    return text == shown ? stored : NumberOf(text) / ColorBarWindow.LengthFactor;
+}
+
+std::int16_t ClassesOf(const Control& text) {
+    return static_cast<std::int16_t>(std::clamp(Val(text.Text), 1.0, static_cast<double>(kMostClasses)));
+}
+
+Flag FlagOf(const Control& check) {
+    return ToFlag(check.Value == 1);
+}
+int ValueOf(Flag flag) {
+    return IsTrue(flag) ? 1 : 0;
+}
+
+// --- Applying
+// -----------------------------------------------------------------------------------------------
+
+// Do two states differ in a number or a text?
+bool Differs(const ScreenRecord& one, const ScreenRecord& other) {
+    const auto differs = [&one, &other](const auto& place) {
+        using Value = std::remove_cvref_t<decltype(one.*place)>;
+        if constexpr (std::is_arithmetic_v<Value> || std::is_same_v<Value, std::string>)
+            return one.*place != other.*place;
+        else
+            return false;
+    };
+    return std::ranges::any_of(ScreenFields(),
+                               [&](const ScreenField& field) { return std::visit(differs, field.Place); });
+}
+
+void Apply() {
+    ScreenWindow* window = findLFDFORM();
+    if (window == nullptr) return;
+    const ScreenRecord before = window->State;
+    Dialog::Update();
+    Stelle_Grafik_dar(*window);
+    if (Differs(before, window->State)) StoreScreenPropertiesToRecord(*window);
+}
+
+void ApplyIfAuto() {
+    if (ColorBarWindow.CheckAutoApply.Value == 1) Apply();
+}
+
+void NumberChanged(Control& text) {
+    text.Text = NumberCharacters(text.Text);
+    struct Typed {
+        Typed() { ColorBarWindow.Typing = true; }
+        ~Typed() { ColorBarWindow.Typing = false; }
+        Typed(const Typed&) = delete;
+        Typed& operator=(const Typed&) = delete;
+    };
+    const Typed typed;
+    ApplyIfAuto();
+}
+
+void ClassesChanged(Control& text, Control& scroll) {
+    const double value = Val(text.Text);
+    if (value > kMostClasses) ShowMessage("max = 100");
+    const std::int16_t classes = ClassesOf(text);
+    text.Text = std::to_string(classes);
+    scroll.Value = classes;
+    ApplyIfAuto();
+}
+
+void ShowClasses(int classes, Control& text, Control& scroll) {
+    text.Text = std::to_string(classes);
+    scroll.Value = std::clamp(classes, scroll.Min, scroll.Max);
+}
+
+void EnableSpacings() {
+    Dialog& d = ColorBarWindow;
+    const bool xy = d.CheckShowXY.Value == 1, yz = d.CheckShowYZ.Value == 1, zx = d.CheckShowZX.Value == 1;
+    d.TextADis.Enabled = xy || zx;
+    d.TextBDis.Enabled = xy || yz;
+    d.TextCDis.Enabled = yz || zx;
+}
+
+bool AllComponents() {
+    const Dialog& d = ColorBarWindow;
+    return d.showX.Value == 1 && d.showY.Value == 1 && d.showZ.Value == 1;
+}
+
+// Writes the largest or the smallest size to the field of a limit.
+void SetLimitFromSizes(Control& text, double SizeRange::*size) {
+    ScreenWindow* window = findLFDFORM();
+    if (window == nullptr) return;
+    const SizeRange range = ShownSizes(*window);
+    if (!range.Any) return;
+    const double shown = TwoDecimalsDown(range.*size * ColorBarWindow.LengthFactor);
+    SetText(text, FormatNumber(shown, "0.00"));
+}
+
+void Close() {
+    UnloadWindow("FormColorBar");
+}
+
+}  // namespace
+
+const WindowEntry FormColorBar_Entry = {"FormColorBar",
+                                        &ColorBarWindow.Window,
+                                        kControls,
+                                        [] { ColorBarWindow = FormColorBar{}; },
+                                        FormColorBar::Form_Load,
+                                        FormColorBar::Form_Unload,
+                                        FormColorBar::Form_Escape};
+
+void FormColorBar::SetFormtoVars() {
+    const ScreenWindow* window = findLFDFORM();
+    if (window == nullptr) return;
+    Dialog& d = ColorBarWindow;
+    const ScreenRecord& state = window->State;
+    ShowClasses(state.AnzKlassenPos, d.TextAnzahlTolKlassePos, d.VScrollAnzKlaPos);
+    ShowClasses(state.AnzKlassenNeg, d.TextAnzahlTolKlasseNeg, d.VScrollAnzKlaNeg);
+    ColorBar_ShowLimits(*window);
+    d.showX.Value = ValueOf(state.showVeX);
+    d.showY.Value = ValueOf(state.showVeY);
+    d.showZ.Value = ValueOf(state.showVeZ);
+    d.ShowXYZ.Value = AllComponents() ? 1 : 0;
+    d.CheckSetMinMaxOnChange.Value = window->SetMinMaxOnChange ? 1 : 0;
+    d.ColorX.Value = state.ColorBased == "x" ? 1 : 0;
+    d.ColorY.Value = state.ColorBased == "y" ? 1 : 0;
+    d.ColorZ.Value = state.ColorBased == "z" ? 1 : 0;
+    d.ColorABS.Value = 1 - d.ColorX.Value - d.ColorY.Value - d.ColorZ.Value;
+    d.CYL.Value = state.CS_Type == "CYL" ? 1 : 0;
+    d.SPH.Value = state.CS_Type == "SPH" ? 1 : 0;
+    d.CART.Value = 1 - d.CYL.Value - d.SPH.Value;
+    CS_Type_Wahl();
+    d.CheckShowOnlyUsedComponent.Value = ValueOf(state.ShowOnlyUsedComponent);
+    d.CheckAusserhalbTol.Value = ValueOf(state.AusserhalbTol);
+    d.OuterColor = d.LabelOuterColor.BackColor = state.OuterColor & 0xFFFFFF;
+    d.CheckBinärModus.Value = ValueOf(state.BinärModus);
+    d.CheckShowXY.Value = ValueOf(state.GridXY);
+    d.CheckShowYZ.Value = ValueOf(state.GridYZ);
+    d.CheckShowZX.Value = ValueOf(state.GridZX);
+    d.CheckShowGridDim.Value = ValueOf(state.ShowGridDim);
+    d.TextADis.Text = std::to_string(state.ADis);
+    d.TextBDis.Text = std::to_string(state.BDis);
+    d.TextCDis.Text = std::to_string(state.Cdis);
+    EnableSpacings();
+}
+
+void FormColorBar::Update() {
+    ScreenWindow* window = findLFDFORM();
+    if (window == nullptr) return;
+    const Dialog& d = ColorBarWindow;
+    ScreenRecord& state = window->State;
+    state.AnzKlassenPos = ClassesOf(d.TextAnzahlTolKlassePos);
+    state.AnzKlassenNeg = ClassesOf(d.TextAnzahlTolKlasseNeg);
+    state.Max = LimitOf(d.TextObereGrenze.Text, d.UpperShown, state.Max);
+    state.Min = LimitOf(d.TextUntereGrenze.Text, d.LowerShown, state.Min);
+    state.showVeX = FlagOf(d.showX);
+    state.showVeY = FlagOf(d.showY);
+    state.showVeZ = FlagOf(d.showZ);
+    window->SetMinMaxOnChange = d.CheckSetMinMaxOnChange.Value == 1;
+    state.ColorBased = d.ColorX.Value == 1 ? "x" : d.ColorY.Value == 1 ? "y" : d.ColorZ.Value == 1 ? "z" : "";
+    state.CS_Type = d.CYL.Value == 1 ? "CYL" : d.SPH.Value == 1 ? "SPH" : "CART";
+    state.ShowOnlyUsedComponent = FlagOf(d.CheckShowOnlyUsedComponent);
+    state.AusserhalbTol = FlagOf(d.CheckAusserhalbTol);
+    state.OuterColor = d.OuterColor;
+    state.BinärModus = FlagOf(d.CheckBinärModus);
+    state.GridXY = FlagOf(d.CheckShowXY);
+    state.GridYZ = FlagOf(d.CheckShowYZ);
+    state.GridZX = FlagOf(d.CheckShowZX);
+    state.ShowGridDim = FlagOf(d.CheckShowGridDim);
+    state.ADis = SpacingOf(d.TextADis);
+    state.BDis = SpacingOf(d.TextBDis);
+    state.Cdis = SpacingOf(d.TextCDis);
+    ForgetClasses();
+    Transform_dev_to_klasse(*window);
+    ColorBar_ShowLimits(*window);
+}
+
+void FormColorBar::CS_Type_Wahl() {
+    struct Names {
+        const char *First, *Second, *Third, *All;
+    };
+    constexpr Names kCartesian = {"x", "y", "z", "xyz"};
+    constexpr Names kCylinder = {"R", "Phi", "H", "R_Phi_H"};
+    constexpr Names kSphere = {"Rho", "Phi", "Theta", "Rho_Phi_Theta"};
+    Dialog& d = ColorBarWindow;
+    const Names& names = d.CYL.Value == 1 ? kCylinder : d.SPH.Value == 1 ? kSphere : kCartesian;
+    const auto show = [](const char* component) {
+        return "Show ve." + std::string(component) + " Component";
+    };
+    d.showX.Text = show(names.First);
+    d.showY.Text = show(names.Second);
+    d.showZ.Text = show(names.Third);
+    d.ShowXYZ.Text = show(names.All);
+    d.ColorX.Text = std::string("based on ve.") + names.First;
+    d.ColorY.Text = std::string("based on ve.") + names.Second;
+    d.ColorZ.Text = std::string("based on ve.") + names.Third;
+}
+
+void ColorBar_ShowWindow(const ScreenWindow& window) {
+    if (IsLoaded("FormColorBar") && &window == Screens().Active) FormColorBar::SetFormtoVars();
+}
+
+void ColorBar_ShowLimits(const ScreenWindow& window) {
+    if (!IsLoaded("FormColorBar") || ColorBarWindow.Typing || &window != Screens().Active) return;
+    Dialog& d = ColorBarWindow;
+    d.LengthFactor = Units.LengthFactor;
+    d.LabelUnit1.Text = d.LabelUnit2.Text = Job.LengthUnitName;
+    d.UpperShown = d.TextObereGrenze.Text = LimitText(window.State.Max * d.LengthFactor);
+    d.LowerShown = d.TextUntereGrenze.Text = LimitText(window.State.Min * d.LengthFactor);
+}
+
+std::vector<Colour> ColorBarSample(int& below) {
+    std::vector<Colour> colours;
+    const ScreenWindow* window = findLFDFORM();
+    below = window == nullptr ? 0 : std::max<int>(window->State.AnzKlassenNeg, 0);
+    if (window == nullptr) return colours;
+    for (int k = 1 - below; k <= window->State.AnzKlassenPos; ++k) colours.push_back(ClassColour(*window, k));
+    return colours;
+}
+
+void FormColorBar::Form_Load() {
+    Run.ColorBarOpen = kTrue;
+    CS_Type_Wahl();
+    EnableSpacings();
+    SetFormtoVars();
+}
+void FormColorBar::Form_Unload() {
+    Run.ColorBarOpen = kFalse;
+}
+void FormColorBar::Form_Escape() {
+    Close();
+}
+void FormColorBar::BtnSetMaxAsTol_Click() {
+    SetLimitFromSizes(ColorBarWindow.TextObereGrenze, &SizeRange::Largest);
+}
+void FormColorBar::BtnSetMinAsTol_Click() {
+    SetLimitFromSizes(ColorBarWindow.TextUntereGrenze, &SizeRange::Smallest);
+}
+void FormColorBar::BtnSetOuterColor_Click() {
+    const std::optional<std::int32_t> chosen = AskColour(ColorBarWindow.OuterColor);
+    if (!chosen) return;
+    ColorBarWindow.OuterColor = ColorBarWindow.LabelOuterColor.BackColor = *chosen & 0xFFFFFF;
+    ApplyIfAuto();
+}
+void FormColorBar::BtnApply_Click() {
+    Apply();
+}
+void FormColorBar::BtnOK_Click() {
+    Apply();
+    Close();
+}
+void FormColorBar::TextObereGrenze_Change() {
+    NumberChanged(ColorBarWindow.TextObereGrenze);
+}
+void FormColorBar::TextUntereGrenze_Change() {
+    NumberChanged(ColorBarWindow.TextUntereGrenze);
+}
+void FormColorBar::TextADis_Change() {
+    NumberChanged(ColorBarWindow.TextADis);
+}
+void FormColorBar::TextBDis_Change() {
+    NumberChanged(ColorBarWindow.TextBDis);
+}
+void FormColorBar::TextCDis_Change() {
+    NumberChanged(ColorBarWindow.TextCDis);
+}
+void FormColorBar::TextAnzahlTolKlassePos_Change() {
+    ClassesChanged(ColorBarWindow.TextAnzahlTolKlassePos, ColorBarWindow.VScrollAnzKlaPos);
+}
+void FormColorBar::TextAnzahlTolKlasseNeg_Change() {
+    ClassesChanged(ColorBarWindow.TextAnzahlTolKlasseNeg, ColorBarWindow.VScrollAnzKlaNeg);
+}
+void FormColorBar::VScrollAnzKlaPos_Change() {
+    SetText(ColorBarWindow.TextAnzahlTolKlassePos, std::to_string(ColorBarWindow.VScrollAnzKlaPos.Value));
+}
+void FormColorBar::VScrollAnzKlaNeg_Change() {
+    SetText(ColorBarWindow.TextAnzahlTolKlasseNeg, std::to_string(ColorBarWindow.VScrollAnzKlaNeg.Value));
+}
+void FormColorBar::Component_Click() {
+    ColorBarWindow.ShowXYZ.Value = AllComponents() ? 1 : 0;
+    ApplyIfAuto();
+}
+void FormColorBar::ShowXYZ_Click() {
+    Dialog& d = ColorBarWindow;
+    d.showX.Value = d.showY.Value = d.showZ.Value = d.ShowXYZ.Value == 1 ? 1 : 0;
+    ApplyIfAuto();
+}
+void FormColorBar::System_Click() {
+    CS_Type_Wahl();
+    ApplyIfAuto();
+}
+void FormColorBar::GridPlane_Click() {
+    EnableSpacings();
+    ApplyIfAuto();
+}
+void FormColorBar::Setting_Click() {
+    ApplyIfAuto();
+}

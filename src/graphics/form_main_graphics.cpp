@@ -1,0 +1,182 @@
+// The entries and tool bar keys of the main window that act on the graphics window on top.
+#include <algorithm>
+
+#include "core/controller.h"
+#include "core/form_main.h"
+#include "core/settings.h"
+#include "core/window.h"
+#include "graphics/analyse_mode.h"
+#include "graphics/bindings_overlay.h"
+#include "graphics/drawing.h"
+#include "graphics/picking.h"
+#include "graphics/saved_views.h"
+#include "graphics/scene.h"
+#include "graphics/screen_window.h"
+#include "graphics/view_undo.h"
+#include "graphics/view_values.h"
+#include "graphics/views.h"
+
+namespace {
+
+// Without a window there is nothing to act on: the entries are disabled then, but a handler may still run
+// from inside a loop whose window has just gone.
+template <class Action>
+void OnTop(Action action) {
+    if (ScreenWindow* window = findLFDFORM()) action(*window);
+}
+
+void PaintAndStore(ScreenWindow& window) {
+    Stelle_Grafik_dar(window);
+    StoreScreenPropertiesToRecord(window);
+}
+
+void SetBigNess(int size) {
+    OnTop([size](ScreenWindow& window) {
+        window.State.BigNess = static_cast<std::int16_t>(std::clamp(size, 1, kLargestBigNess));
+        PaintAndStore(window);
+    });
+}
+
+// Turns a mode of the window on or off; the main window follows.
+void Toggle(Flag ScreenRecord::*mode) {
+    OnTop([mode](ScreenWindow& window) {
+        window.State.*mode = ToFlag(!IsTrue(window.State.*mode));
+        ProgrammLogik();
+        PaintAndStore(window);
+    });
+}
+
+}  // namespace
+
+void FormMain::MenueGraphics_Click() {
+    ShowBindingsOnce(OpenScreenWindow());
+}
+
+void FormMain::MenüAnsichtAnpassen_Click() {
+    OnTop(GrafikAnpassen);
+}
+void FormMain::MenüAnsichtcenter_Click() {
+    OnTop([](ScreenWindow& window) {
+        Center(window);
+        Stelle_Grafik_dar(window);
+    });
+}
+void FormMain::MenüAnsichtTopview_Click() {
+    OnTop(TopView);
+}
+void FormMain::MenüAnsichtSideView_Click() {
+    OnTop(SideView);
+}
+void FormMain::MenüAnsichtFrontView_Click() {
+    OnTop(FrontView);
+}
+void FormMain::MenüAnsichtIsometricView_Click() {
+    OnTop(IsoView);
+}
+void FormMain::ToolbarGraphics_ZoomIn_Click() {
+    OnTop(ZoomIn);
+}
+void FormMain::ToolbarGraphics_ZoomOut_Click() {
+    OnTop(ZoomOut);
+}
+
+void FormMain::MenüAnsichtPunkteBigger_Click() {
+    OnTop([](const ScreenWindow& window) { SetBigNess(window.State.BigNess + 1); });
+}
+void FormMain::MenüAnsichtPunkteSmaller_Click() {
+    OnTop([](const ScreenWindow& window) { SetBigNess(window.State.BigNess - 1); });
+}
+void FormMain::MenüAnsichtPunkteSmallPoints_Click() {
+    SetBigNess(1);
+}
+
+void FormMain::MenüAnsichtVektorenVektorModeActive_Click() {
+    Toggle(&ScreenRecord::VectorMode);
+}
+void FormMain::MenüAnsichtVektorenLonger_Click() {
+    OnTop(Vec_Maßstab_longer);
+}
+void FormMain::MenüAnsichtVektorenShorter_Click() {
+    OnTop(Vec_Maßstab_shorter);
+}
+
+void FormMain::MenüAnsichtAnalyseModeActive_Click() {
+    OnTop(ToggleAnalyseMode);
+}
+void FormMain::MenüAnsichtAnalyseKeepPoints_Click() {
+    Main.MenüAnsichtAnalyseKeepPoints.Checked = !Main.MenüAnsichtAnalyseKeepPoints.Checked;
+}
+void FormMain::MenüAnsichtAnalyseModeMore_Click() {
+    OnTop(Vec_Maßstab_longer);
+}
+void FormMain::MenüAnsichtAnalyseModeLess_Click() {
+    OnTop(Vec_Maßstab_shorter);
+}
+
+void FormMain::MenüAnsichtToleranzenColorbar_Click() {
+    Settings.ShowColorBar = ToFlag(!IsTrue(Settings.ShowColorBar));
+    Main.MenüAnsichtToleranzenColorbar.Checked = IsTrue(Settings.ShowColorBar);
+    DrawActualPoint(findLFDFORM());  // the switch is that of all windows
+    SettingsSchreiben({"ShowColorBar"});
+}
+void FormMain::MenüAnsichtToleranzenEinstellungen_Click() {
+    ShowWindow("FormColorBar");
+}
+void FormMain::MenüGraphicsPrint_Click() {
+    MenüGraphicsPrint_Command();
+}
+
+void FormMain::MenüGraphicsLinesLineModeActive_Click() {
+    Toggle(&ScreenRecord::LineMode);
+}
+void FormMain::MenüGraphicsLinesSetLines_Click() {
+    OnTop([](ScreenWindow& window) {
+        window.SetLine = !window.SetLine;
+        if (window.SetLine) window.DeleteLine = false;
+        window.State.LineStartRow = window.State.SelectedLine = 0;  // a new chain begins
+        ProgrammLogik();
+        Stelle_Grafik_dar(window);
+    });
+}
+void FormMain::MenüGraphicsLinesDeleteLines_Click() {
+    OnTop([](ScreenWindow& window) {
+        window.DeleteLine = !window.DeleteLine;
+        if (window.DeleteLine) window.SetLine = false;
+        window.State.SelectedLine = 0;
+        window.LineSearchTold = false;
+        ProgrammLogik();
+        Stelle_Grafik_dar(window);
+    });
+}
+
+void FormMain::MenüGlobalRotateAbout_Click() {
+    Main.MenüGlobalRotateAbout.Checked = !Main.MenüGlobalRotateAbout.Checked;
+    Main.ToolbarGraphics_RotateAbout.Value = Main.MenüGlobalRotateAbout.Checked ? 1 : 0;
+    Scene.RotateAboutArmed = Main.MenüGlobalRotateAbout.Checked;
+    if (Scene.RotateAboutArmed) Scene.RotateAboutIndex = 0;  // until a point is picked
+}
+void FormMain::MenüGlobalFlagsMode_Click() {
+    Toggle(&ScreenRecord::FlagMode);
+}
+
+void FormMain::MenüViewSaveView_Click() {
+    OnTop(SaveView);
+}
+void FormMain::MenüViewDeleteView_Click() {
+    if (Main.ComboSaveView.Index >= 0) DeleteView(Main.ComboSaveView.Index + 1);
+}
+void FormMain::ComboSaveView_Click() {
+    const int chosen = Main.ComboSaveView.Index + 1;
+    if (chosen >= 1)
+        OnTop([chosen](ScreenWindow& window) { GetScreenPropertiesFromSavedView(window, chosen); });
+}
+void FormMain::MenüViewLastView_Click() {
+    OnTop(Rückgängig_Back);
+}
+void FormMain::MenüViewNextView_Click() {
+    OnTop(Rückgängig_Force);
+}
+
+void FormMain::MenuHelpBindings_Click() {
+    OnTop(ToggleBindingsOverlay);
+}

@@ -1,0 +1,28 @@
+// The dialog that names a view to be saved.
+#pragma once
+
+#include <string>
+
+#include "core/window.h"
+
+struct FormSaveView {
+    WindowState Window{.Caption = "Save View"};
+
+    Control ListViews = ComboBox();  // the names that there are
+    Control TextNewName = TextBox();
+    Control BtnOK = Button("&OK");
+    Control BtnAbbrechen = Button("&Cancel");
+
+    static void Form_Load();
+    static void ListViews_Click();
+    static void BtnOK_Click();
+    static void BtnAbbrechen_Click();
+};
+inline FormSaveView SaveViewWindow;
+extern const WindowEntry FormSaveView_Entry;
+
+// Outlives the window, for whoever waits for it.
+struct SaveViewRecord {
+    std::string Name;  // empty: cancelled
+};
+inline SaveViewRecord SaveViewAnswer;

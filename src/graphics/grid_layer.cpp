@@ -1,0 +1,117 @@
+// The grid of the world system: up to three planes of lines at whole multiples of their spacings.
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+#include "core/numbers.h"
+#include "core/units.h"
+#include "core/window.h"
+#include "graphics/drawing.h"
+#include "graphics/projection.h"
+#include "graphics/scene.h"
+#include "graphics/strokes.h"
+
+namespace {
+
+constexpr double kLeastDistance = 2;  // pixels from line to line; closer ones are left out
+constexpr double kNumberTop = 10;     // where a steep line gets its number: this far down
+constexpr double kNumberLeft = 50;    // and a flat one: this far to the right
+constexpr float kNumberSize = 1;
+
+struct GridLook {
+    std::array<double, 3> Spacing{};     // mm, 0 = no lines
+    std::array<double, 3> Middle{};      // world, mm; a multiple of the spacing
+    std::array<PicturePoint, 3> Step{};  // one spacing of each axis, in the picture
+    int Half = 0;                        // lines to each side of the middle
+};
+
+// The lines of one spacing that fit in the longer side of the picture. Spacings below the least distance
+// have none, so the count stays below half of that side.
+double LinesInPicture(const ScreenWindow& window, double spacing) {
+    const double pixels = window.State.BildFaktor * spacing;
+    if (!(pixels >= kLeastDistance)) return 0;
+    return Int(std::max(PictureWidth(window), PictureHeight(window)) / pixels);
+}
+
+GridLook LookOf(const ScreenWindow& window) {
+    const ScreenRecord& state = window.State;
+    GridLook look;
+    const std::array<double, 3> spacings = {static_cast<double>(state.ADis), static_cast<double>(state.BDis),
+                                            static_cast<double>(state.Cdis)};
+    const Vec3 under = BildKS_to_WeltKS(window, PictureWidth(window) / 2.0, PictureHeight(window) / 2.0, 0);
+    double lines = 0;
+    for (std::size_t k = 0; k < 3; ++k) {
+        const int axis = static_cast<int>(k) + 1;
+        const double place = under(axis) + Scene.RotCenter(axis);
+        look.Spacing[k] = std::max(0.0, spacings[k]);
+        look.Middle[k] = look.Spacing[k] > 0 ? Int(place / look.Spacing[k]) * look.Spacing[k] : place;
+        lines = std::max(lines, LinesInPicture(window, look.Spacing[k]));
+        const Vec3 one(axis == 1 ? 1 : 0, axis == 2 ? 1 : 0, axis == 3 ? 1 : 0);
+        const PictureVector turned = pkt_drehen(window, one(1), one(2), one(3));
+        const double pixels = state.BildFaktor * look.Spacing[k];
+        look.Step[k] = {pixels * turned.U, pixels * turned.V};
+    }
+    // An odd count is made even.
+    look.Half = (static_cast<int>(lines) + 1) / 2;
+    return look;
+}
+
+double Cross(const PicturePoint& a, const PicturePoint& b) {
+    return a.X * b.Y - a.Y * b.X;
+}
+
+// Pixels between neighbouring lines that run along `along`.
+double DistanceOfLines(const PicturePoint& along, const PicturePoint& across) {
+    const double length = std::hypot(along.X, along.Y);
+    return length > 0 ? std::abs(Cross(along, across)) / length : 0;
+}
+
+// Writes a line's coordinate where it comes near the picture's edge: a steep line near the upper one, a flat
+// one near the left one. `shown` in the shown unit.
+void WriteCoordinate(ScreenWindow& window, const PicturePoint& from, const PicturePoint& to, double shown) {
+    const double dx = to.X - from.X, dy = to.Y - from.Y;
+    const bool steep = std::abs(dy) > std::abs(dx);
+    const double t = steep ? (kNumberTop - from.Y) / dy : (kNumberLeft - from.X) / dx;
+    if (!(t >= 0 && t <= 1)) return;
+    const double x = from.X + t * dx, y = from.Y + t * dy;
+    if (!(x >= 0 && x < PictureWidth(window) && y >= 0 && y < PictureHeight(window))) return;
+    // The angle is that of the line's normal and a right angle more, so that the number runs along the line.
+    const double normalX = -dy, normalY = dx;
+    double angle = std::atan(normalY / (normalX + 1e-10)) * 57 + 90;
+    if (angle < 90) angle += 180;
+    Plot_Number(window, shown, static_cast<float>(x), static_cast<float>(y), kNumberSize, angle,
+                QbColor(window.BackColor == QbColor(15) ? 0 : 7));
+}
+
+// The lines of one plane along one of its axes, side by side across the other.
+void DrawLinesAlong(ScreenWindow& window, const GridLook& look, std::size_t along, std::size_t across) {
+    const PicturePoint &run = look.Step[along], &next = look.Step[across];
+    if (!(DistanceOfLines(run, next) >= kLeastDistance)) return;
+    const PicturePoint pixel = PlaceOf(window, {look.Middle[0], look.Middle[1], look.Middle[2]});
+    for (int i = -look.Half; i <= look.Half; ++i) {
+        const PicturePoint middle = {pixel.X + i * next.X, pixel.Y + i * next.Y};
+        const PicturePoint from = {middle.X - look.Half * run.X, middle.Y - look.Half * run.Y};
+        const PicturePoint to = {middle.X + look.Half * run.X, middle.Y + look.Half * run.Y};
+        DrawStroke(window.Screen, from, to, QbColor(8), 1);
+        if (IsTrue(window.State.ShowGridDim))
+            WriteCoordinate(window, from, to,
+                            (look.Middle[across] + i * look.Spacing[across]) * Units.LengthFactor);
+    }
+}
+
+void DrawPlane(ScreenWindow& window, const GridLook& look, std::size_t first, std::size_t second) {
+    if (look.Half == 0) return;
+    DrawLinesAlong(window, look, second, first);
+    DrawLinesAlong(window, look, first, second);
+}
+
+}  // namespace
+
+void Zeichne_KSGrid(ScreenWindow& window) {
+    const GridLook look = LookOf(window);
+    const ScreenRecord& state = window.State;
+    if (IsTrue(state.GridXY)) DrawPlane(window, look, 0, 1);
+    if (IsTrue(state.GridYZ)) DrawPlane(window, look, 1, 2);
+    if (IsTrue(state.GridZX)) DrawPlane(window, look, 2, 0);
+}

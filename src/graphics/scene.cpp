@@ -1,0 +1,176 @@
+// The table of plotted points, filled from the job.
+#include "graphics/scene.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+#include "core/job.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "graphics/projection.h"
+#include "graphics/screen_window.h"
+#include "graphics/tolerance.h"
+
+namespace {
+
+// Sizes that every array of the job can serve: a job whose counts and arrays do not fit shows what it has.
+struct SceneCounts {
+    int Ident = 0, MCSOnly = 0, OCSOnly = 0;
+    int Rows() const { return 2 * Ident + MCSOnly + OCSOnly; }
+};
+
+SceneCounts CountsOfJob() {
+    if (!IsTrue(Run.JobDataValid)) return {};
+    const auto least = [](std::initializer_list<std::size_t> sizes) {
+        return static_cast<int>(std::min(std::min(sizes), std::size_t{1} << 29U)) - 1;
+    };
+    const int start = least({Job.TMCS_Name.size(), Job.TMCS_X.size(), Job.TMCS_Y.size(), Job.TMCS_Z.size()});
+    const int target = least({Job.OCS_Name.size(), Job.OCS_X.size(), Job.OCS_Y.size(), Job.OCS_Z.size()});
+    SceneCounts counts;
+    counts.Ident = std::max(0, std::min({Job.nIdent, start, target}));
+    counts.MCSOnly = std::max(0, std::min(Job.nMCSOnly, start - counts.Ident));
+    counts.OCSOnly = std::max(0, std::min(Job.nOCSOnly, target - counts.Ident));
+    return counts;
+}
+
+float AsFloat(const TaggedValue& value) {
+    return static_cast<float>(value.value_or(0));
+}
+
+void SizeTables(int rows) {
+    const std::size_t size = static_cast<std::size_t>(rows) + 1;
+    for (const int column :
+         {kSceneX, kSceneY, kSceneZ, kSceneSize, kSceneClass, kSceneColour, kSceneVecX, kSceneVecY,
+          kSceneVecZ, kScenePlotted, kSceneDevX, kSceneDevY, kSceneDevZ, kSceneInside})
+        Scene.Points[static_cast<std::size_t>(column)].assign(size, 0.0F);
+    Scene.Rows = rows;
+}
+
+enum class PointSet { TransformedStart, Target };
+
+// Rows `first` .. of one block, with the points from number `from` of one of the job's sets.
+void FillBlock(int first, int count, PointSet set, int from) {
+    const bool start = set == PointSet::TransformedStart;
+    const std::vector<TaggedValue>& x = start ? Job.TMCS_X : Job.OCS_X;
+    const std::vector<TaggedValue>& y = start ? Job.TMCS_Y : Job.OCS_Y;
+    const std::vector<double>& z = start ? Job.TMCS_Z : Job.OCS_Z;
+    for (int k = 0; k < count; ++k) {
+        const auto row = static_cast<std::size_t>(first + k);
+        const auto point = static_cast<std::size_t>(from + k);
+        Scene.Points[kSceneX][row] = AsFloat(x[point]);
+        Scene.Points[kSceneY][row] = AsFloat(y[point]);
+        Scene.Points[kSceneZ][row] = static_cast<float>(z[point]);
+        Scene.Points[kSceneInside][row] = 1.0F;
+    }
+}
+
+// Raw deviations of the pairs and their lengths.
+void FillDeviations() {
+    for (int i = 1; i <= Scene.Ident; ++i) {
+        const auto row = static_cast<std::size_t>(i);
+        const double x = Job.TMCS_X[row].value_or(0) - Job.OCS_X[row].value_or(0);
+        const double y = Job.TMCS_Y[row].value_or(0) - Job.OCS_Y[row].value_or(0);
+        const double z = Job.TMCS_Z[row] - Job.OCS_Z[row];
+        Scene.Points[kSceneDevX][row] = static_cast<float>(x);
+        Scene.Points[kSceneDevY][row] = static_cast<float>(y);
+        Scene.Points[kSceneDevZ][row] = static_cast<float>(z);
+        Scene.Points[kSceneSize][row] = static_cast<float>(std::sqrt(x * x + y * y + z * z));
+    }
+}
+
+bool AnyCoordinateInUse(int point) {
+    const std::size_t first = 3 * static_cast<std::size_t>(point) - 2;
+    return CoordinateInUse(first) || CoordinateInUse(first + 1) || CoordinateInUse(first + 2);
+}
+
+// Column 12. The filters by use only ever switch the row of the start point on: they act as filters where the
+// plot switch of these points is off.
+void FillPlotted(const ScreenWindow& window) {
+    std::vector<float>& plotted = Scene.Points[kScenePlotted];
+    const std::vector<float>& classes = Scene.Points[kSceneClass];
+    const auto begin = plotted.begin() + 1;
+    const auto block = [begin](int first, int count, Flag shown) {
+        std::fill_n(begin + first, count, IsTrue(shown) ? 1.0F : 0.0F);
+    };
+    block(0, Scene.Ident, Job.ViewAllMCS);
+    block(Scene.Ident, Scene.Ident, Job.ViewAllOCS);
+    block(2 * Scene.Ident, Scene.MCSOnly, Job.ViewAllonlyMCS);
+    block(2 * Scene.Ident + Scene.MCSOnly, Scene.OCSOnly, Job.ViewAllonlyOCS);
+
+    const bool used = IsTrue(Settings.ViewOnlyIfTrafo), unused = IsTrue(Settings.ViewOnlyIfNotTrafo);
+    const bool hideOutside = IsTrue(Settings.DontViewOOT);
+    if (!used && !unused && !hideOutside) return;
+    const auto above = static_cast<float>(window.State.AnzKlassenPos);
+    const auto below = -static_cast<float>(window.State.AnzKlassenNeg);
+    for (int i = 1; i <= Scene.Ident; ++i) {
+        const auto row = static_cast<std::size_t>(i);
+        if (used || unused) {
+            const bool inUse = AnyCoordinateInUse(i);
+            if ((used && inUse) || (unused && !inUse)) plotted[row] = 1.0F;
+        }
+        if (hideOutside && (classes[row] > above || classes[row] < below)) plotted[row] = 0.0F;
+    }
+}
+
+bool BuiltFromPresentJob() {
+    const SceneCounts counts = CountsOfJob();
+    return Scene.Ident == counts.Ident && Scene.MCSOnly == counts.MCSOnly &&
+           Scene.OCSOnly == counts.OCSOnly && Scene.JobGeneration == Run.JobGeneration && Scene.Stamp != 0;
+}
+
+}  // namespace
+
+const std::string& ScenePointName(int row) {
+    static const std::string kNone;
+    const auto name = [](const std::vector<std::string>& names, int point) -> const std::string& {
+        return point >= 1 && point <= UpperBound(names) ? names[static_cast<std::size_t>(point)] : kNone;
+    };
+    if (row < 1 || row > Scene.Rows) return kNone;
+    if (row <= Scene.Ident) return name(Job.OCS_Name, row);
+    if (row <= 2 * Scene.Ident) return name(Job.OCS_Name, row - Scene.Ident);
+    if (row <= 2 * Scene.Ident + Scene.MCSOnly) return name(Job.TMCS_Name, row - Scene.Ident);
+    return name(Job.OCS_Name, row - Scene.Ident - Scene.MCSOnly);
+}
+
+void Grafik_Festlegen(ScreenWindow& window) {
+    const SceneCounts counts = CountsOfJob();
+    Scene.Ident = counts.Ident;
+    Scene.MCSOnly = counts.MCSOnly;
+    Scene.OCSOnly = counts.OCSOnly;
+    Scene.JobGeneration = Run.JobGeneration;
+    ++Scene.Stamp;
+    Scene.PixelsOf = 0;
+    SizeTables(counts.Rows());
+    if (window.State.FlagIndex.size() != static_cast<std::size_t>(Scene.Rows)) {
+        window.State.FlagIndex.resize(static_cast<std::size_t>(Scene.Rows));
+        window.State.FlagIndexShape.clear();
+    }
+    FillBlock(1, Scene.Ident, PointSet::TransformedStart, 1);
+    FillBlock(Scene.Ident + 1, Scene.Ident, PointSet::Target, 1);
+    FillBlock(2 * Scene.Ident + 1, Scene.MCSOnly, PointSet::TransformedStart, Scene.Ident + 1);
+    FillBlock(2 * Scene.Ident + Scene.MCSOnly + 1, Scene.OCSOnly, PointSet::Target, Scene.Ident + 1);
+    Transform_dev_to_klasse(window);
+    rechne_PixelCloud(window);
+    FillDeviations();  // writes the plain lengths over the sizes that colour the points
+    ForgetClasses();
+    FillPlotted(window);
+    Scene.PlottedFor = &window;
+    Scene.PaintStale = true;
+}
+
+void SceneForWindow(ScreenWindow& window) {
+    if (!BuiltFromPresentJob()) {
+        Grafik_Festlegen(window);
+        return;
+    }
+    if (window.State.FlagIndex.size() != static_cast<std::size_t>(Scene.Rows)) {
+        window.State.FlagIndex.resize(static_cast<std::size_t>(Scene.Rows));
+        window.State.FlagIndexShape.clear();
+    }
+    Transform_dev_to_klasse(window);  // new classes leave column 12 to nobody
+    if (Scene.PlottedFor == &window) return;
+    FillPlotted(window);
+    Scene.PlottedFor = &window;
+    Scene.PaintStale = true;
+}

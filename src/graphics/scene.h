@@ -1,0 +1,74 @@
+// The scene: one table of the points to be plotted, and the tables of their places in picture and pixels.
+// All of them are shared by the graphics windows and hold the view of the one that computed last.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "core/arrays.h"
+
+struct ScreenWindow;
+
+// Columns of ScenePoints.
+enum SceneColumn : int {
+    kSceneX = 1,
+    kSceneY,
+    kSceneZ,           // mm
+    kSceneSize = 4,    // deviation that colours the point, mm
+    kSceneClass = 5,   // tolerance class
+    kSceneColour = 6,  // RGB, red in the low byte
+    kSceneVecX = 8,
+    kSceneVecY,
+    kSceneVecZ,          // deviation vector shown, mm
+    kScenePlotted = 12,  // 1 or 0
+    kSceneDevX = 13,
+    kSceneDevY,
+    kSceneDevZ,         // transformed MCS minus OCS, mm
+    kSceneInside = 16,  // 0 where a black plane hides the point
+    kSceneColumns = 17
+};
+
+struct SceneRecord {
+    int Rows = 0;  // n; rows 1 to nIdent are MCS points, the next nIdent their OCS points
+    std::array<std::vector<float>, kSceneColumns> Points;  // one array a column, each with element 0
+    std::array<std::vector<float>, 4> View;                // ViewPoints, columns 1 to 3
+    std::array<std::vector<float>, 3> Vectors;             // ViewVectors, columns 1 and 2
+    std::vector<float> PixelX, PixelY, PixelZ, VecPixelX, VecPixelY;
+    std::uint64_t PixelsOf = 0;  // Id of the window whose picture the pixel tables hold, 0 = of none
+    Vec3 RotCenter;
+    int RotateAboutIndex = 0;
+    bool RotateAboutArmed = false;
+    std::string ActualPointName;
+
+    // Column 6 as the picture holds it, 0 where the row is not painted; filled by the paint.
+    std::vector<std::uint32_t> Paint;
+    bool PaintStale = true;
+    std::int32_t PaintBackground = 0;  // of the window that it was filled for
+
+    // What the table was built from; a paint that finds the job otherwise builds it anew.
+    int Ident = 0, MCSOnly = 0, OCSOnly = 0;
+    const ScreenWindow* PlottedFor = nullptr;  // whose classes column 12 follows
+    std::uint64_t JobGeneration = 0;
+    std::uint64_t Stamp = 0;  // counted up whenever the table is filled from the job
+
+    // Diagonal of the box about the start points (MaxMinGlobalSys), mm, of the table with this stamp.
+    double Diagonal = 0;
+    std::uint64_t DiagonalStamp = 0;
+};
+inline SceneRecord Scene;
+
+// The name of a row of ScenePoints, 1 to Rows (ScenePointName); empty where the job no longer has it.
+const std::string& ScenePointName(int row);
+
+// The row of the actual point where it is the one under the cursor of the main sheet, or 0.
+int ActualRow();
+
+// Rebuilds ScenePoints from the job for this window, with its classes, colours and plot switches, and
+// projects it. Reads Job, Settings; writes Scene, the window's FlagIndex (length only) and ViewBox.
+void Grafik_Festlegen(ScreenWindow& window);
+
+// Builds the scene anew where the job's points are no longer those that it was built from, and puts the plot
+// switches (column 12) in the state that belongs to this window.
+void SceneForWindow(ScreenWindow& window);

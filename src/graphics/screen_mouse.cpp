@@ -1,0 +1,229 @@
+// What the mouse does on the picture of a graphics window.
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "core/platform.h"
+#include "core/settings.h"
+#include "engine/rotations.h"
+#include "engine/transform.h"
+#include "graphics/drawing.h"
+#include "graphics/lines.h"
+#include "graphics/picking.h"
+#include "graphics/projection.h"
+#include "graphics/scene.h"
+#include "graphics/screen_events.h"
+#include "graphics/status_bar.h"
+#include "graphics/view_undo.h"
+#include "graphics/view_values.h"
+#include "graphics/views.h"
+
+namespace {
+
+constexpr double kTurn = 0.008, kRoll = 0.02;  // rad a pixel
+constexpr float kLeastTurn = 3;                // pixels; a smaller move does not turn
+constexpr float kLeastFrame = 8;               // pixels; a frame of this size does not zoom yet
+constexpr double kNearestByFrame = 1e6;        // BildFaktor
+
+bool Rotating(const MouseEvent& event) {
+    return event.Shift || Screens().RotateKey;
+}
+bool Panning(const MouseEvent& event) {
+    return event.Ctrl || Screens().PanKey;
+}
+bool MovesPlane(const ScreenWindow& window) {
+    return window.Mouse.KeyT || window.Mouse.KeyB;
+}
+
+// Names would be written again for every step of a move.
+void PaintWithoutNames(ScreenWindow& window) {
+    struct NamesOff {
+        Flag Before = Settings.ShowPointNames;
+        NamesOff() { Settings.ShowPointNames = kFalse; }
+        ~NamesOff() { Settings.ShowPointNames = Before; }
+        NamesOff(const NamesOff&) = delete;
+        NamesOff& operator=(const NamesOff&) = delete;
+    };
+    const NamesOff off;
+    Stelle_Grafik_dar(window);
+    window.Mouse.ViewMoved = true;
+}
+
+Colour FrameColourOn(Colour background) {
+    constexpr int kHalfWhite = 3 * 255 / 2;
+    const int brightness = (background & 0xff) + (background >> 8 & 0xff) + (background >> 16 & 0xff);
+    return QbColor(brightness > kHalfWhite ? 0 : 15);
+}
+
+void BeginFrame(ScreenWindow& window) {
+    ScreenMouse& mouse = window.Mouse;
+    mouse.FrameArmed = true;
+    mouse.FrameVisible = false;
+    mouse.FrameLeft = static_cast<int>(mouse.DownX);
+    mouse.FrameTop = static_cast<int>(mouse.DownY);
+    mouse.FrameWidth = mouse.FrameHeight = 0;
+    mouse.FrameColor = FrameColourOn(window.BackColor);
+}
+
+void SizeFrame(ScreenMouse& mouse, const MouseEvent& event) {
+    const float width = event.X - mouse.DownX, height = event.Y - mouse.DownY;
+    mouse.FrameVisible = width >= 1 && height >= 1;
+    if (!mouse.FrameVisible) return;
+    mouse.FrameWidth = static_cast<int>(width);
+    mouse.FrameHeight = static_cast<int>(height);
+}
+
+// About the axes of the screen and not those of the object: the turn of the mouse stands in front of the
+// rotation that there is.
+void Rotate(ScreenWindow& window, const MouseEvent& event) {
+    const auto step = [](float last, float now) {
+        const float way = last - now;
+        return std::abs(way) < kLeastTurn ? 0.0 : static_cast<double>(way);
+    };
+    const double dx = step(window.Mouse.X, event.X), dy = step(window.Mouse.Y, event.Y);
+    if (dx != 0 || dy != 0) {
+        const Mat3 before = ViewRotation(window);
+        Mat3 turn, after;
+        RotMatrixXYZ(-dy * kTurn, -dx * kTurn, 0, turn);
+        for (int row = 1; row <= 3; ++row)
+            for (int column = 1; column <= 3; ++column)
+                after(row, column) = turn(row, 1) * before(1, column) + turn(row, 2) * before(2, column) +
+                                     turn(row, 3) * before(3, column);
+        Vec3 angles, other;
+        EulerFromMatrixXYZ(after, angles, other);
+        SetViewAngles(window, angles(1), angles(2), angles(3));
+    }
+    PaintWithoutNames(window);
+}
+
+void Pan(ScreenWindow& window, const MouseEvent& event) {
+    window.State.BildOffsetX -= window.Mouse.X - event.X;
+    window.State.BildOffsetY += window.Mouse.Y - event.Y;
+    PaintWithoutNames(window);
+}
+
+void Roll(ScreenWindow& window, const MouseEvent& event) {
+    const double way = (window.Mouse.X - event.X) + (window.Mouse.Y - event.Y);
+    SetViewAngles(window, ViewAngle(window, 1), ViewAngle(window, 2), ViewAngle(window, 3) + way * kRoll);
+    PaintWithoutNames(window);
+}
+
+// The frame from the place of the press to this one comes to fill the picture, its middle to the middle of
+// the picture. False where it is too small for that.
+bool ZoomToFrame(ScreenWindow& window, const MouseEvent& event) {
+    const ScreenMouse& mouse = window.Mouse;
+    ScreenRecord& state = window.State;
+    const double dx = event.X - mouse.DownX, dy = event.Y - mouse.DownY;
+    if (!(std::abs(dx) > kLeastFrame && std::abs(dy) > kLeastFrame)) return false;
+    const double W = PictureWidth(window), H = PictureHeight(window), F = state.BildFaktor;
+    const double factor = std::min({W * F / std::abs(dx), H * F / std::abs(dy), kNearestByFrame});
+    // The frame's first edge goes to a, in y (which runs up there) the lower one to c.
+    const double a = (W - factor * dx / F) / 2, c = (H - factor * dy / F) / 2;
+    const auto offsetX = static_cast<float>(a - factor * ((mouse.DownX - state.BildOffsetX) / F));
+    const auto offsetY = static_cast<float>(c - factor * ((H - event.Y - state.BildOffsetY) / F));
+    if (!(factor > kLeastFaktor) || !std::isfinite(offsetX) || !std::isfinite(offsetY)) return false;
+    state.BildFaktor = static_cast<float>(factor);
+    state.BildOffsetX = offsetX;
+    state.BildOffsetY = offsetY;
+    Stelle_Grafik_dar(window);
+    return true;
+}
+
+bool EndsFrame(const ScreenWindow& window, const MouseEvent& event) {
+    const ScreenMouse& mouse = window.Mouse;
+    return event.X != mouse.DownX && event.Buttons == kLeftButton && mouse.DownButton == kLeftButton &&
+           !Rotating(event) && !Panning(event) && !MovesPlane(window) && !mouse.ViewMoved;
+}
+
+bool InPicture(const ScreenWindow& window, const MouseEvent& event) {
+    return event.X >= 0 && event.Y >= 0 && event.X <= static_cast<float>(PictureWidth(window)) &&
+           event.Y <= static_cast<float>(PictureHeight(window));
+}
+
+}  // namespace
+
+void ScreenPixel_MouseDown(ScreenWindow& window, const MouseEvent& event) {
+    ScreenMouse& mouse = window.Mouse;
+    window.BindingsShown = false;
+    mouse.DownButton = event.Buttons;
+    mouse.X = mouse.DownX = event.X;
+    mouse.Y = mouse.DownY = event.Y;
+    mouse.ZoomedByFrame = mouse.ViewMoved = false;
+    if (event.Buttons == kRightButton && !Rotating(event)) {
+        ZoomAbout(window, event.X, event.Y, window.State.BildFaktor * kZoomStep);
+        Stelle_Grafik_dar(window);
+    }
+    if (event.Buttons == kLeftButton && !Panning(event)) BeginFrame(window);
+    if (event.Buttons == kMiddleButton) Stelle_Grafik_dar(window);
+}
+
+void ScreenPixel_MouseMove(ScreenWindow& window, const MouseEvent& event) {
+    ScreenMouse& mouse = window.Mouse;
+    const bool left = (event.Buttons & kLeftButton) != 0, right = (event.Buttons & kRightButton) != 0;
+    if (left && right && Rotating(event))
+        Roll(window, event);
+    else if (left && Rotating(event))
+        Rotate(window, event);
+    else if (left && Panning(event))
+        Pan(window, event);
+    else if (left && mouse.FrameArmed && !mouse.ViewMoved && !MovesPlane(window))
+        SizeFrame(mouse, event);
+    mouse.X = event.X;
+    mouse.Y = event.Y;
+    mouse.ActualRow = Search_Point_Index(window, event.X, event.Y);
+    ShowPointInStatusBar(window, mouse.ActualRow);
+    LinesUnderMouse(window, mouse.ActualRow);
+}
+
+void ScreenPixel_MouseUp(ScreenWindow& window, const MouseEvent& event) {
+    ScreenMouse& mouse = window.Mouse;
+    if (EndsFrame(window, event))
+        mouse.ZoomedByFrame = ZoomToFrame(window, event);
+    else if (mouse.ViewMoved && IsTrue(Settings.ShowPointNames))
+        Stelle_Grafik_dar(window);  // the names come back
+    if (event.Buttons == kLeftButton) mouse.FrameArmed = mouse.FrameVisible = false;
+    if (!IsTrue(window.State.FlagMode)) StoreScreenPropertiesToRecord(window);
+}
+
+void ScreenPixel_Click(ScreenWindow& window, const MouseEvent& event) {
+    if (std::exchange(window.Mouse.ZoomedByFrame, false)) return;
+    if ((event.Buttons & (kRightButton | kMiddleButton)) != 0) return;
+    // In the flag mode a plain click is for flags and leaves the actual point alone.
+    const bool forFlags = IsTrue(window.State.FlagMode) && !Rotating(event) && !Panning(event);
+    if (forFlags) return;
+    int row = 0;
+    if (InPicture(window, event)) row = Search_Point_Index(window, event.X, event.Y);
+    if (row != 0) {
+        TakeActualPoint(row);
+        const bool recentres = Scene.RotateAboutArmed;
+        DrawActualPoint(&window);
+        if (recentres) StoreScreenPropertiesToRecord(window);
+    }
+    LinesClicked(window, row);
+}
+
+void ScreenPixel_DblClick(ScreenWindow& window, const MouseEvent& event) {
+    const bool other = (event.Buttons & (kRightButton | kMiddleButton)) != 0;
+    if (other || IsTrue(window.State.LineMode)) return;
+    const std::uint64_t id = window.Id;
+    const auto colour = AskColour(window.BackColor);
+    // The dialog has let events be handled.
+    if (!colour || !ScreenIsOpen(id)) return;
+    window.BackColor = *colour;
+    Stelle_Grafik_dar(window);
+    StoreScreenPropertiesToRecord(window);
+    Settings.ScreenBackColor = *colour;
+    SettingsSchreiben({"ScreenBackColor"});
+}
+
+void ScreenPixel_Wheel(ScreenWindow& window, const MouseEvent& event, int delta) {
+    if (delta == 0) return;
+    window.BindingsShown = false;
+    window.Mouse.X = event.X;
+    window.Mouse.Y = event.Y;
+    Screens().Wheel = true;
+    if (delta > 0)
+        ZoomIn(window);
+    else
+        ZoomOut(window);
+}

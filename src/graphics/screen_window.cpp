@@ -1,0 +1,181 @@
+// Opening, closing and sizing of the graphics windows.
+#include "graphics/screen_window.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <string_view>
+#include <utility>
+
+#include "core/controller.h"
+#include "core/form_main.h"
+#include "core/job.h"
+#include "core/numbers.h"
+#include "core/records.h"
+#include "core/require.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "graphics/drawing.h"
+#include "graphics/form_color_bar.h"
+#include "graphics/projection.h"
+#include "graphics/scene.h"
+#include "graphics/view_undo.h"
+#include "graphics/view_values.h"
+#include "graphics/views.h"
+
+namespace {
+
+ScreensRecord screens;
+
+constexpr int kLargestPicture = 16384;  // logical pixels along one side
+
+void SizeSurface(ScreenWindow& window, int width, int height) {
+    Surface& screen = window.Screen;
+    if (screen.Close != nullptr) screen.Close(screen);
+    screen = Surface{};
+    screen.Width = std::clamp(width, 1, kLargestPicture);
+    screen.Height = std::clamp(height, 1, kLargestPicture);
+    if (FillSurface != nullptr) FillSurface(screen);
+}
+
+// Powers of ten beyond the type come to its end.
+std::int32_t GridSpacing(const ScreenWindow& window) {
+    const double spacing =
+        std::pow(10.0, Int(std::log10(PictureWidth(window) / 7.0 / window.State.BildFaktor)));
+    if (!(spacing > 1)) return 1;
+    return spacing < 1e9 ? static_cast<std::int32_t>(spacing) : 1000000000;
+}
+
+// Copies the fields that stand in section "LocalGraphics" and pass `wanted`.
+template <class Wanted>
+void CopyLocalGraphics(const ScreenRecord& from, ScreenRecord& to, Wanted wanted) {
+    for (const SettingEntry& entry : AllSettings()) {
+        if (std::string_view(entry.Section) != "LocalGraphics" || !wanted(entry.Key)) continue;
+        for (const ScreenField& field : ScreenFields())
+            if (std::string_view(field.Name) == entry.Key)
+                std::visit([&](auto place) { to.*place = from.*place; }, field.Place);
+    }
+}
+
+void GiveStartValues(ScreenWindow& window) {
+    ScreenRecord& state = window.State;
+    SetViewAngles(window, kTopViewAngle, 0, 0);
+    state.BildFaktor = 1;
+    state.BildOffsetX = state.BildOffsetY = 0;
+    state.BigNess = 2;
+    state.AnzKlassenPos = state.AnzKlassenNeg = 10;
+    state.showVeX = state.showVeY = state.showVeZ = kTrue;
+    state.ColorBased.clear();
+    state.CS_Type = "CART";
+    state.SlabThickness = 100;
+    Grafik_Festlegen(window);
+    state.Max = LargestDeviation();
+    state.Min = 0;
+    state.Vec_Maßstab = StartVec_Maßstab(window);
+    Anpassen(window);
+    state.ADis = state.BDis = state.Cdis = GridSpacing(window);
+    // What the settings file holds of earlier windows replaces the start values, key by key.
+    CopyLocalGraphics(Settings.LocalGraphics, state,
+                      [](const char* key) { return FindIniWert(key).has_value(); });
+    MakeViewUsable(state);
+}
+
+// The number that a window bears, from 1: the lowest that is free.
+int FreeNumber() {
+    int number = 1;
+    const auto taken = [&number](const auto& window) { return window->Number == number; };
+    while (std::any_of(screens.Open.begin(), screens.Open.end(), taken)) ++number;
+    return number;
+}
+
+// Without a window no mode is on.
+void ShowNoModes() {
+    for (Control* entry :
+         {&Main.MenüAnsichtVektorenVektorModeActive, &Main.MenüGlobalFlagsMode, &Main.MenüGlobalRotateAbout,
+          &Main.MenüGraphicsLinesLineModeActive, &Main.MenüGraphicsLinesSetLines,
+          &Main.MenüGraphicsLinesDeleteLines, &Main.MenüAnsichtAnalyseModeActive})
+        entry->Checked = false;
+    for (Control* button :
+         {&Main.ToolbarGraphics_VectorMode, &Main.ToolbarGraphics_VectorLonger,
+          &Main.ToolbarGraphics_VectorShorter, &Main.ToolbarGraphics_FlagMode,
+          &Main.ToolbarGraphics_RotateAbout, &Main.ToolbarGraphics_AnalyseMode, &Main.ToolbarLines_LineMode,
+          &Main.ToolbarLines_SetLines, &Main.ToolbarLines_DeleteLines})
+        button->Value = 0;
+    Scene.RotateAboutArmed = false;
+}
+
+void ShowMenus() {
+    // The graphics entries go with the last window.
+    Main.MenueGraphicsWindow.Enabled = !screens.Open.empty();
+    Main.MenueGraphics.Checked = !screens.Open.empty();
+    ProgrammLogik();
+    ShowUndoState();
+    if (screens.Open.empty()) ShowNoModes();
+}
+
+}  // namespace
+
+ScreensRecord& Screens() {
+    return screens;
+}
+
+ScreenWindow& OpenScreenWindow() {
+    auto opened = std::make_unique<ScreenWindow>();
+    ScreenWindow& window = *opened;
+    window.Number = FreeNumber();
+    window.Caption = window.Number == 1 ? "Screen - DEFAULT" : "Screen - " + std::to_string(window.Number);
+    window.BackColor = Settings.ScreenBackColor;
+    window.Id = ++screens.Count;
+    SizeSurface(window, screens.NewWidth, screens.NewHeight);
+    screens.Open.push_back(std::move(opened));
+    screens.Active = &window;
+    GiveStartValues(window);
+    ColorBar_ShowWindow(window);
+    Stelle_Grafik_dar(window);
+    StoreScreenPropertiesToRecord(window);
+    ShowMenus();
+    return window;
+}
+
+void CloseScreenWindow(ScreenWindow& window) {
+    const auto place = std::find_if(screens.Open.begin(), screens.Open.end(),
+                                    [&window](const auto& open) { return open.get() == &window; });
+    Require(place != screens.Open.end());
+    CopyLocalGraphics(window.State, Settings.LocalGraphics, [](const char*) { return true; });
+    screens.DefaultsTaken = true;
+    if (window.Screen.Close != nullptr) window.Screen.Close(window.Screen);
+    if (Scene.PlottedFor == &window) Scene.PlottedFor = nullptr;
+    // What closes is kept alive to the end of this call; the loops that draw it find it gone.
+    const std::unique_ptr<ScreenWindow> closing = std::move(*place);
+    screens.Open.erase(place);
+    if (screens.Active == &window)
+        screens.Active = screens.Open.empty() ? nullptr : screens.Open.back().get();
+    if (screens.Active != nullptr)
+        ColorBar_ShowWindow(*screens.Active);
+    else
+        UnloadWindow("FormColorBar");  // there is nothing left that it could refer to
+    ShowMenus();
+}
+
+void ActivateScreenWindow(ScreenWindow& window) {
+    if (screens.Active == &window) return;
+    screens.Active = &window;
+    ColorBar_ShowWindow(window);
+    ProgrammLogik();
+    ShowUndoState();
+}
+
+void ResizeScreenWindow(ScreenWindow& window, int width, int height) {
+    if (window.Screen.Width == width && window.Screen.Height == height) return;
+    SizeSurface(window, width, height);
+    Stelle_Grafik_dar(window);
+}
+
+bool ScreenIsOpen(std::uint64_t id) {
+    return std::any_of(screens.Open.begin(), screens.Open.end(),
+                       [id](const auto& open) { return open->Id == id; });
+}
+
+ScreenWindow* findLFDFORM() {
+    return screens.Active;
+}

@@ -1,0 +1,7 @@
+// The status bar of a graphics window.
+#pragma once
+
+#include "graphics/screen_window.h"
+
+// The point of a row of the scene in all four panels; row 0: that there is none, and the legend of the axes.
+void ShowPointInStatusBar(ScreenWindow& window, int row);

@@ -1,0 +1,44 @@
+// What a graphics window draws on: a picture that keeps its content until it is cleared. The point loop
+// writes pixels straight into it; lines, circles and texts are drawn by whoever fills this table of
+// functions. The origin is the top left corner, y runs down.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+// Colours are RGB with red in the low byte everywhere but in the picture itself.
+using Colour = std::int32_t;
+
+// The same colour as the picture holds it: 0xffRRGGBB.
+constexpr std::uint32_t PixelOf(Colour colour) {
+    const auto c = static_cast<std::uint32_t>(colour);
+    return 0xff000000U | (c & 0xffU) << 16U | (c & 0xff00U) | (c >> 16U & 0xffU);
+}
+
+struct Surface {
+    int Width = 0, Height = 0;  // logical pixels: what all coordinates count in
+    int StatusBarHeight = 0;    // rows at the lower edge that a status bar hides
+
+    // The picture, in pixels of the device: Scale of them to the logical pixel. Null: nothing is kept, and
+    // points leave no trace.
+    double Scale = 1;
+    int PixelWidth = 0, PixelHeight = 0;
+    std::ptrdiff_t Stride = 0;  // pixels from row to row
+    std::uint32_t* Pixels = nullptr;
+
+    // Null functions do nothing.
+    void (*Clear)(Surface&, Colour background) = nullptr;
+    void (*Line)(Surface&, float x1, float y1, float x2, float y2, Colour colour, int width) = nullptr;
+    // Outline `width` wide; filled with `fill` unless that is kNoFill.
+    void (*Circle)(Surface&, float x, float y, float radius, Colour colour, Colour fill, int width) = nullptr;
+    // Writes a text into the picture, its top left corner at (x, y); for pictures that leave the window with
+    // their labels.
+    void (*Text)(Surface&, float x, float y, const std::string& text, Colour colour) = nullptr;
+    // Tells that the picture has changed and may be shown.
+    void (*Refresh)(Surface&) = nullptr;
+    void (*Close)(Surface&) = nullptr;  // frees what stands behind the table
+
+    void* Own = nullptr;  // belongs to whoever filled the table
+};
+inline constexpr Colour kNoFill = -1;

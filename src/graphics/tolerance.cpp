@@ -1,0 +1,301 @@
+// Shown deviation, tolerance class and colour of the pairs.
+#include "graphics/tolerance.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <string>
+
+#include "core/form_main.h"
+#include "core/job.h"
+#include "core/numbers.h"
+#include "core/units.h"
+#include "engine/angles.h"
+#include "engine/vector.h"
+#include "graphics/form_color_bar.h"
+#include "graphics/scene.h"
+#include "graphics/view_values.h"
+
+namespace {
+
+constexpr double kWholeTurn = 2 * 3.14159265358979, kQuarterTurn = 3.14159265358979 / 2;
+constexpr double kAboveZero = 1e-10;  // so that no deviation at all is in the first class above zero
+constexpr double kFarAway = 1e10;
+
+constexpr Colour Rgb(int red, int green, int blue) {
+    return red | green << 8 | blue << 16;
+}
+constexpr Colour kRed = Rgb(255, 0, 0), kGreen = Rgb(0, 255, 0), kBlue = Rgb(0, 0, 255);
+constexpr Colour kWhite = Rgb(255, 255, 255);
+
+enum class Axes { Cartesian, Cylinder, Sphere };
+
+Axes AxesOf(const ScreenRecord& state) {
+    if (state.CS_Type == "CYL") return Axes::Cylinder;
+    return state.CS_Type == "SPH" ? Axes::Sphere : Axes::Cartesian;
+}
+
+// Two azimuths on the same branch.
+void SameBranch(double& first, double& second) {
+    if (first > kQuarterTurn && second < -kQuarterTurn)
+        second += kWholeTurn;
+    else if (second > kQuarterTurn && first < -kQuarterTurn)
+        first += kWholeTurn;
+}
+
+// The angle from the Z axis. PolarAngle loses half of its digits near the axis and is 0 along -Z too: the
+// parts of a deviation there would not add up.
+double SpherePolar(double x, double y, double z) {
+    return std::atan2(Hypot2(x, y), z);
+}
+
+struct Shown {
+    double X = 0, Y = 0, Z = 0;      // the shown vector, mm
+    std::array<double, 3> Signed{};  // the three components themselves: lengths in mm, angles in rad
+};
+
+struct Switches {
+    bool First, Second, Third;
+};
+
+Shown Cartesian(const Vec3& start, const Vec3& target, const Switches& show) {
+    Shown shown;
+    shown.Signed = {start(1) - target(1), start(2) - target(2), start(3) - target(3)};
+    if (show.First) shown.X = shown.Signed[0];
+    if (show.Second) shown.Y = shown.Signed[1];
+    if (show.Third) shown.Z = shown.Signed[2];
+    return shown;
+}
+
+Shown Cylinder(const Vec3& start, const Vec3& target, const Switches& show) {
+    double phi = AzimuthAngle(start(1), start(2)), phiTarget = AzimuthAngle(target(1), target(2));
+    const double radius = Hypot2(target(1), target(2));
+    const double outwards = Hypot2(start(1), start(2)) - radius;
+    const double sine = std::sin(phi), cosine = std::cos(phi);
+    SameBranch(phi, phiTarget);
+    Shown shown;
+    shown.Signed = {outwards, phi - phiTarget, start(3) - target(3)};
+    if (show.First) {
+        shown.X += outwards * cosine;
+        shown.Y += outwards * sine;
+    }
+    if (show.Second) {
+        shown.X -= shown.Signed[1] * radius * sine;
+        shown.Y += shown.Signed[1] * radius * cosine;
+    }
+    if (show.Third) shown.Z = shown.Signed[2];
+    return shown;
+}
+
+// The parts along the unit vectors of the sphere at the start point; the arcs have the radii of the target's
+// circle of latitude and of its sphere, so that the three add up to the whole deviation for small angles.
+Shown Sphere(const Vec3& start, const Vec3& target, const Switches& show) {
+    double phi = AzimuthAngle(start(1), start(2)), phiTarget = AzimuthAngle(target(1), target(2));
+    const double theta = SpherePolar(start(1), start(2), start(3));
+    const double thetaTarget = SpherePolar(target(1), target(2), target(3));
+    const double radius = Hypot3(target(1), target(2), target(3));
+    const double outwards = Hypot3(start(1), start(2), start(3)) - radius;
+    const double sinPhi = std::sin(phi), cosPhi = std::cos(phi);
+    const double sinTheta = std::sin(theta), cosTheta = std::cos(theta);
+    SameBranch(phi, phiTarget);
+    Shown shown;
+    shown.Signed = {outwards, phi - phiTarget, theta - thetaTarget};
+    if (show.First) {
+        shown.X += outwards * sinTheta * cosPhi;
+        shown.Y += outwards * sinTheta * sinPhi;
+        shown.Z += outwards * cosTheta;
+    }
+    if (show.Second) {
+        const double arc = shown.Signed[1] * radius * std::sin(thetaTarget);
+        shown.X -= arc * sinPhi;
+        shown.Y += arc * cosPhi;
+    }
+    if (show.Third) {
+        const double arc = shown.Signed[2] * radius;
+        shown.X += arc * cosTheta * cosPhi;
+        shown.Y += arc * cosTheta * sinPhi;
+        shown.Z -= arc * sinTheta;
+    }
+    return shown;
+}
+
+int SignedComponent(const std::string& colorBased) {
+    if (colorBased == "x") return 0;
+    if (colorBased == "y") return 1;
+    return colorBased == "z" ? 2 : -1;
+}
+
+// Columns 4, 8, 9, 10.
+void FillShown(const ScreenRecord& state) {
+    const Axes axes = AxesOf(state);
+    const Switches show = {IsTrue(state.showVeX), IsTrue(state.showVeY), IsTrue(state.showVeZ)};
+    const bool none = !show.First && !show.Second && !show.Third;
+    const int component = SignedComponent(state.ColorBased);
+    for (int i = 1; i <= Scene.Ident; ++i) {
+        const auto row = static_cast<std::size_t>(i);
+        const Vec3 start(Job.TMCS_X[row].value_or(0), Job.TMCS_Y[row].value_or(0), Job.TMCS_Z[row]);
+        const Vec3 target = TargetPoint(i);
+        const Shown shown = axes == Axes::Cartesian  ? Cartesian(start, target, show)
+                            : axes == Axes::Cylinder ? Cylinder(start, target, show)
+                                                     : Sphere(start, target, show);
+        double size = none ? Hypot3(start(1) - target(1), start(2) - target(2), start(3) - target(3))
+                           : std::sqrt(shown.X * shown.X + shown.Y * shown.Y + shown.Z * shown.Z);
+        if (component >= 0 && shown.Signed[static_cast<std::size_t>(component)] < 0) size = -size;
+        Scene.Points[kSceneVecX][row] = static_cast<float>(shown.X);
+        Scene.Points[kSceneVecY][row] = static_cast<float>(shown.Y);
+        Scene.Points[kSceneVecZ][row] = static_cast<float>(shown.Z);
+        Scene.Points[kSceneSize][row] = static_cast<float>(size);
+    }
+}
+
+// The sizes of column 4 over all pairs, or over those of which every coordinate is in use.
+SizeRange SizesOf(bool fullyUsedOnly) {
+    SizeRange range{-kFarAway, kFarAway, false};
+    for (int i = 1; i <= Scene.Ident; ++i) {
+        const auto row = static_cast<std::size_t>(i);
+        const bool used =
+            CoordinateInUse(3 * row - 2) && CoordinateInUse(3 * row - 1) && CoordinateInUse(3 * row);
+        const double size = Scene.Points[kSceneSize][row];
+        if ((fullyUsedOnly && !used) || !std::isfinite(size)) continue;
+        range = {std::max(range.Largest, size), std::min(range.Smallest, size), true};
+    }
+    return range;
+}
+
+// Limits that are both 0 are taken from the data; those that follow the data go as the buttons take them.
+void FillLimits(ScreenWindow& window) {
+    ScreenRecord& state = window.State;
+    if (window.SetMinMaxOnChange) {
+        const SizeRange range = SizesOf(IsTrue(state.ShowOnlyUsedComponent));
+        if (!range.Any) return;
+        state.Max = TwoDecimalsDown(range.Largest * Units.LengthFactor) / Units.LengthFactor;
+        state.Min = TwoDecimalsDown(range.Smallest * Units.LengthFactor) / Units.LengthFactor;
+    } else if (state.Max == 0 && state.Min == 0) {
+        const SizeRange range = SizesOf(false);
+        if (!range.Any) return;
+        state.Max = TwoDecimalsDown(range.Largest);
+        state.Min = TwoDecimalsDown(range.Smallest);
+    }
+}
+
+// One class begins at zero and includes it; the side below has none for zero. So the two sides differ by 1 on
+// purpose.
+double ClassOf(float size, const ScreenRecord& state) {
+    const auto d = static_cast<float>(size + kAboveZero);
+    if (!std::isfinite(d)) return 0;  // coordinates that are no numbers have no class
+    if (d > 0) return state.Max == 0 ? 0 : Int(state.AnzKlassenPos * static_cast<double>(d) / state.Max + 1);
+    return state.Min == 0 ? 0 : Int(-static_cast<double>(d) * state.AnzKlassenNeg / state.Min);
+}
+
+void FillClasses(const ScreenRecord& state) {
+    for (int i = 1; i <= Scene.Ident; ++i) {
+        const auto row = static_cast<std::size_t>(i);
+        Scene.Points[kSceneClass][row] = static_cast<float>(ClassOf(Scene.Points[kSceneSize][row], state));
+    }
+}
+
+int Component(double value) {
+    return static_cast<int>(std::nearbyint(value));
+}
+
+// Blue, cyan, green, yellow, red. The halves do not quite join at -0.5 and 0.5: so wanted.
+Colour ScaleColour(float t) {
+    const double size = std::abs(static_cast<double>(t));
+    if (t < -0.5F) return Rgb(0, Component(std::abs(t + 1.0) * 335), 255);
+    if (t < 0) return Rgb(0, Component(255 - size * 200), Component(size / 0.5 * 255));
+    if (t == 0) return kGreen;
+    if (t <= 0.5F) return Rgb(Component(size / 0.5 * 255), Component(255 - size * 200), 0);
+    return Rgb(255, Component(std::abs(t - 1.0) * 335), 0);
+}
+
+bool TwoColours(const ScreenRecord& state) {
+    return Main.MenüAnsichtToleranzenColorbar.Checked && IsTrue(state.BinärModus);
+}
+
+Colour ColourOf(const ScreenRecord& state, double k) {
+    if (TwoColours(state)) {
+        const bool odd = k / 2 != Int(k / 2);
+        return odd == (k >= 0) ? kWhite : kGreen;
+    }
+    if (k > state.AnzKlassenPos || k < -state.AnzKlassenNeg) {
+        if (IsTrue(state.AusserhalbTol)) return state.OuterColor & 0xFFFFFF;
+        return k > 0 ? kRed : kBlue;
+    }
+    if (k == 0) return kGreen;
+    return ScaleColour(static_cast<float>(k / (k < 0 ? state.AnzKlassenNeg : state.AnzKlassenPos)));
+}
+
+void FillBar(const ScreenRecord& state, int count, int below, ColourTable& table) {
+    count = std::max(count, 0);
+    table.Class.assign(static_cast<std::size_t>(count) + 1, 0.0F);
+    table.Colour.assign(static_cast<std::size_t>(count) + 1, 0.0F);
+    for (int k = 1; k <= count; ++k) {
+        const auto row = static_cast<std::size_t>(k);
+        table.Class[row] = static_cast<float>(k - below);
+        table.Colour[row] = static_cast<float>(ColourOf(state, k - below));
+    }
+}
+
+ClassKey KeyOf(const ScreenRecord& state) {
+    return {Scene.Stamp,         state.AnzKlassenPos, state.AnzKlassenNeg, state.Max,
+            state.Min,           state.showVeX,       state.showVeY,       state.showVeZ,
+            state.AusserhalbTol, state.OuterColor,    TwoColours(state),   state.ColorBased,
+            state.CS_Type};
+}
+
+}  // namespace
+
+void ForgetClasses() {
+    Tolerance.Key = ClassKey{};
+}
+
+void Transform_dev_to_klasse(ScreenWindow& window) {
+    ScreenRecord& state = window.State;
+    const bool limitsOpen = state.Max == 0 && state.Min == 0;
+    if (!limitsOpen && Scene.Stamp != 0 && KeyOf(state) == Tolerance.Key) return;
+    FillShown(state);
+    const double max = state.Max, min = state.Min;
+    FillLimits(window);
+    FillClasses(state);
+    Calculate_RGB(window);
+    Tolerance.Key = KeyOf(state);
+    Scene.PlottedFor = nullptr;  // column 12 may depend on the classes
+    if ((state.Max != max || state.Min != min) && &window == Screens().Active) ColorBar_ShowLimits(window);
+}
+
+SizeRange ShownSizes(ScreenWindow& window) {
+    SceneForWindow(window);
+    return SizesOf(IsTrue(window.State.ShowOnlyUsedComponent));
+}
+
+double TwoDecimalsDown(double value) {
+    return Int(value * 100) / 100;
+}
+
+Colour ClassColour(const ScreenWindow& window, int k) {
+    return ColourOf(window.State, k);
+}
+
+void Calculate_RGB(ScreenWindow& window) {
+    const ScreenRecord& state = window.State;
+    // One colour a class; what lies beyond either end is one class more there.
+    const int below = std::max<int>(state.AnzKlassenNeg, 0) + 1;
+    const int above = std::max<int>(state.AnzKlassenPos, 0) + 1;
+    std::vector<float> colours(static_cast<std::size_t>(below + above) + 1);
+    for (int k = -below; k <= above; ++k)
+        colours[static_cast<std::size_t>(k + below)] = static_cast<float>(ColourOf(state, k));
+    const bool twoColours = TwoColours(state);
+    std::vector<float>& column = Scene.Points[kSceneColour];
+    for (int i = 1; i <= Scene.Rows; ++i) {
+        const auto row = static_cast<std::size_t>(i);
+        const double k = Scene.Points[kSceneClass][row];
+        column[row] = twoColours
+                          ? static_cast<float>(ColourOf(state, k))
+                          : colours[static_cast<std::size_t>(std::clamp<double>(k, -below, above) + below)];
+    }
+    FillBar(state, state.AnzKlassenNeg, state.AnzKlassenNeg, Tolerance.Negative);
+    FillBar(state, state.AnzKlassenPos, 0, Tolerance.Positive);
+    Scene.PaintStale = true;
+}

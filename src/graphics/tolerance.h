@@ -1,0 +1,51 @@
+// Shown deviation, tolerance class and colour of each pair.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "graphics/screen_window.h"
+
+// Fills columns 4, 5, 8, 9, 10 of the identical rows of ScenePoints, and column 6 of all rows with them
+// (Calculate_RGB). Does nothing where neither scene nor settings of the window have changed since. Limits
+// that are both 0, and all limits of a window with SetMinMaxOnChange, are taken from the sizes; column 12 is
+// then to be filled anew (Scene.PlottedFor).
+void Transform_dev_to_klasse(ScreenWindow& window);
+// The shown sizes (column 4) of the pairs of the window: of all of them, or with ShowOnlyUsedComponent of
+// those of which every coordinate is in use. Sizes that are no numbers do not count.
+struct SizeRange {
+    double Largest, Smallest;  // mm
+    bool Any;                  // false: no pair counts, and the sizes say nothing
+};
+SizeRange ShownSizes(ScreenWindow& window);
+double TwoDecimalsDown(double value);  // how limits are taken from the data
+// Forces the next call to work.
+void ForgetClasses();
+
+// The colour of class k by the window's settings (negative: below zero), with OuterColor and two-colour mode.
+Colour ClassColour(const ScreenWindow& window, int k);
+
+// The colours of the bar, one a class: the negative table has rows 1 .. AnzKlassenNeg for class k -
+// AnzKlassenNeg, the positive 1 .. AnzKlassenPos for class k. Filled by Calculate_RGB, read by
+// Zeichne_ColorBar.
+struct ColourTable {
+    std::vector<float> Class, Colour;  // columns 5 and 6, from 1
+};
+// What classes and colours were last computed from.
+struct ClassKey {
+    std::uint64_t Stamp = 0;  // of the scene; 0 = nothing has been computed
+    std::int16_t Pos = 0, Neg = 0;
+    double Max = 0, Min = 0;
+    Flag ShowX = kFalse, ShowY = kFalse, ShowZ = kFalse, Outside = kFalse;
+    Colour OuterColor = 0;
+    bool TwoColours = false;
+    std::string ColorBased, CS_Type;
+    bool operator==(const ClassKey&) const = default;
+};
+struct ToleranceRecord {
+    ColourTable Negative, Positive;
+    ClassKey Key;
+};
+inline ToleranceRecord Tolerance;
+void Calculate_RGB(ScreenWindow& window);

@@ -1,0 +1,17 @@
+// Texts of labels, written letter by letter from images of them, so that ten thousand names cost little.
+#pragma once
+
+#include <QImage>
+#include <string>
+
+// Writes `text` with its top left corner at (x, y), logical pixels; `scale` pixels of the image to the
+// logical one. What lies outside the image is cut off. Nothing around the letters is covered.
+//   picture    Format_RGB32
+//   colour     as the picture holds it
+//   behind     colour of the thin edge that parts the letters from what they stand on
+void DrawLabelText(QImage& picture, double scale, float x, float y, const std::string& text, QRgb colour,
+                   QRgb behind);
+
+// Width of a text, logical pixels.
+double LabelTextWidth(const std::string& text);
+double LabelTextHeight();

@@ -1,0 +1,9 @@
+// The picture of the colour scale in its dialog.
+#pragma once
+
+class QWidget;
+
+// Gives the frame ScreenColorBar of a form its picture, which is drawn anew when `ShowColourSample` finds the
+// colours or the limits changed.
+void AddColourSample(QWidget& form);
+void ShowColourSample(const QWidget& form);
