@@ -9,6 +9,7 @@ namespace {
 struct Canvas {
     std::vector<std::uint32_t> Pixels;
     int Clears = 0, Refreshes = 0;
+    bool Painting = false;
     std::vector<float> Progress;  // lengths of the lines from (0, 0) to the right in light green
 };
 Canvas canvas;
@@ -25,10 +26,15 @@ void Fill(Surface& surface) {
         for (std::uint32_t& pixel : canvas.Pixels) pixel = PixelOf(background);
     };
     surface.Line = [](Surface&, float x1, float y1, float x2, float y2, Colour colour, int width) {
-        if (x1 == 0 && y1 == 0 && y2 == 0 && colour == QbColor(10) && width == 1)
+        // A paint draws axes, the red one first; seen from its tip one of them may be a point at (0, 0).
+        if (colour == QbColor(12)) canvas.Painting = true;
+        if (!canvas.Painting && x1 == 0 && y1 == 0 && y2 == 0 && colour == QbColor(10) && width == 1)
             canvas.Progress.push_back(x2);
     };
-    surface.Refresh = [](Surface&) { ++canvas.Refreshes; };
+    surface.Refresh = [](Surface&) {
+        ++canvas.Refreshes;
+        canvas.Painting = false;
+    };
 }
 
 }  // namespace
