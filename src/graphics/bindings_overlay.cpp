@@ -23,6 +23,7 @@ constexpr Binding kBindings[] = {
     {"Shift + R, Shift + L", "roll right, roll left"},
     {"+ and - of the number pad", "zoom in about the mouse, zoom out"},
     {"Pause", "pause or continue the analyse mode"},
+    {"Esc", "end the analyse mode, close this text"},
 };
 
 }  // namespace

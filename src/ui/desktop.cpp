@@ -81,6 +81,11 @@ bool IsDialog(const WindowEntry& window) {
     return std::find(kDialogs.begin(), kDialogs.end(), window.Name) != kDialogs.end();
 }
 
+// The dialog of the colours is at work beside the pictures that it changes.
+bool IsBeside(const WindowEntry& window) {
+    return &window == &FormColorBar_Entry;
+}
+
 QWidget* LoadForm(const WindowEntry& window) {
     QFile file(QStringLiteral(":/forms/%1.ui").arg(QLatin1String(window.Name)));
     if (!file.open(QIODevice::ReadOnly))
@@ -146,9 +151,7 @@ void OpenOne(const WindowEntry& window) {
         // that blocks the frame it must stand in front itself.
         const bool overAll =
             &window != &FormProgressBar_Entry || QApplication::activeModalWidget() != nullptr;
-        // That of the colours is at work beside the pictures that it changes.
-        const bool beside = &window == &FormColorBar_Entry;
-        dialog->setWindowModality(overAll && !beside ? Qt::WindowModal : Qt::NonModal);
+        dialog->setWindowModality(overAll && !IsBeside(window) ? Qt::WindowModal : Qt::NonModal);
         open.Outer = dialog;
     } else {
         open.Outer = Desktop.Area->addSubWindow(open.Form);
@@ -161,7 +164,7 @@ void OpenOne(const WindowEntry& window) {
     ShowControls(window);
     open.Outer->setWindowTitle(Q(window.State->Caption));
     if (IsDialog(window)) {
-        PlaceDialog(window, *open.Form, *open.Outer, *Desktop.FrameWindow);
+        PlaceDialog(window, *open.Form, *open.Outer, *Desktop.FrameWindow, IsBeside(window));
     } else {
         PlaceChild(window, *open.Form, *open.Outer, *Desktop.Area);
     }

@@ -2,6 +2,7 @@
 #include "ui/places.h"
 
 #include <QGuiApplication>
+#include <QLayout>
 #include <QMainWindow>
 #include <QMargins>
 #include <QMdiArea>
@@ -204,14 +205,18 @@ QRect ScreenPlace(const WindowPlace& place, std::string_view name, bool first, c
     return ChildRect(own ? place : WindowPlace{}, name, natural, kLeastScreen, outer, area, !first || !own);
 }
 
-void PlaceDialog(const WindowEntry& window, QWidget& form, QWidget& outer, const QWidget& frame) {
+void PlaceDialog(const WindowEntry& window, QWidget& form, QWidget& outer, const QWidget& frame,
+                 bool beside) {
     const WindowPlace& place = window.State->Place;
     const bool first = IsFirstPlace(place, window.Name) || !HasSize(place);
+    // Texts that came into a form that was not yet shown have reached the innermost layouts alone.
+    for (QLayout* layout : outer.findChildren<QLayout*>()) layout->invalidate();
     const QSize least = form.minimumSizeHint();
     // The width that the form was drawn in, and the height that its content takes in it.
     const QSize natural = outer.sizeHint().expandedTo({form.width(), 0}).expandedTo(least);
-    const QRect rect = first ? Middle(natural, frame.geometry())
-                             : QRect(RectOf(place).topLeft(), RectOf(place).size().expandedTo(least));
+    QRect own = Middle(natural, frame.geometry());
+    if (beside) own.moveBottomRight(frame.geometry().bottomRight());
+    const QRect rect = first ? own : QRect(RectOf(place).topLeft(), RectOf(place).size().expandedTo(least));
     const QScreen* screen = QGuiApplication::screenAt(rect.center());
     const QRect fitting = Inside(rect, RoomOf(screen != nullptr ? *screen : *frame.screen()));
     outer.resize(fitting.size());

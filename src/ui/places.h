@@ -21,7 +21,8 @@ void StoreFrame(const QMainWindow& frame);
 // (inside the frame), or in its natural size in the middle of the frame (a dialog).
 //   form   with the controls     outer  what has the title
 void PlaceChild(const WindowEntry& window, QWidget& form, QWidget& outer, const QMdiArea& area);
-void PlaceDialog(const WindowEntry& window, QWidget& form, QWidget& outer, const QWidget& frame);
+//   beside  the dialog is at work while one looks at the frame, and opens in its lower right corner
+void PlaceDialog(const WindowEntry& window, QWidget& form, QWidget& outer, const QWidget& frame, bool beside);
 
 // The place of a graphics window, with its title. The first takes the stored one, the others look for theirs.
 //   outer  the window itself, null before there is one

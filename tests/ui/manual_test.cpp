@@ -10,6 +10,7 @@
 
 #include "core/job.h"
 #include "core/platform.h"
+#include "graphics/bindings_overlay.h"
 #include "ui/desktop.h"
 #include "ui/desktop_fixture.h"
 #include "ui/qt_text.h"
@@ -64,7 +65,7 @@ protected:
                     .replace(QStringLiteral("&gt;"), QStringLiteral(">"))
                     .replace(QStringLiteral("&amp;"), QStringLiteral("&")));
         for (const char* name : {"FormInputFiles", "FormTrafoBerechnung", "FormTrafoDetails", "FormMainSheet",
-                                 "FormOptions", "FormUnits"}) {
+                                 "FormOptions", "FormUnits", "FormColorBar", "FormSaveView"}) {
             const WindowEntry& window = *FindWindow(name);
             UserDid([&window] { ShowWindow(window.Name); });
             for (const ControlEntry& control : window.Controls) {
@@ -172,6 +173,16 @@ TEST_F(Manual, EveryMessageThatItExplainsIsOneOfTheProgram) {
             EXPECT_TRUE(sources.contains(words)) << S(words);
     }
     EXPECT_GT(count, 15);
+}
+
+// The text over the pictures and the table of the chapter tell the same.
+TEST_F(Manual, ItsTableOfTheGraphicsWindowsHasEveryBinding) {
+    QFile chapter(Folder().filePath(QStringLiteral("11-3d-windows.md")));
+    ASSERT_TRUE(chapter.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(chapter.readAll());
+    EXPECT_GT(ScreenBindings().size(), 10u);
+    for (const Binding& binding : ScreenBindings())
+        EXPECT_TRUE(text.contains("| " + QString::fromUtf8(binding.Keys) + " | ")) << binding.Keys;
 }
 
 // A viewer shows them beside the pages.

@@ -16,9 +16,14 @@
 #include <vector>
 
 #include "core/controller.h"
+#include "core/form_main.h"
 #include "core/form_progress_bar.h"
+#include "core/run.h"
+#include "graphics/screen_window.h"
 #include "ui/desktop.h"
 #include "ui/qt_text.h"
+#include "ui/screen_view.h"
+#include "ui/screen_windows.h"
 #include "ui/start_screen.h"
 #include "ui/theme.h"
 
@@ -27,6 +32,7 @@ namespace {
 constexpr auto kJob = "examples/robot_cell.cvn";
 constexpr auto kStart = "examples/robot_cell_measured.txt";
 constexpr auto kTarget = "examples/robot_cell_nominal.txt";
+constexpr auto kBentJob = "examples/roof.cvn";
 
 [[noreturn]] void Fail(const QString& text) {
     std::fprintf(stderr, "corvinade-pictures: %s\n", qPrintable(text));
@@ -194,6 +200,33 @@ void OtherPictures() {
     }
 }
 
+// A bent part, seen from a corner of the cell, with its deviations and the dialogs beside it.
+void ScreenPictures() {
+    Run.JobDirty = kFalse;
+    OpenDropped({kBentJob});
+    Settle();
+    Trigger("MenueGraphics");
+    ScreenWindow& window = *Screens().Open.front();
+    const auto save = [&window](const char* name) {
+        Settle();
+        Save(*ViewOf(window), QLatin1String(name));
+    };
+    if (!window.BindingsShown) Trigger("MenuHelpBindings");
+    save("FormScreen-keys");
+    Trigger("MenuHelpBindings");
+    UserDid([] { UserSetIndex(Main.ComboSaveView, 0); });
+    save("FormScreen");
+    Trigger("ToolbarGraphics.ColorBar");
+    SaveWindow("FormColorBar");
+    Close("FormColorBar");
+    // The dialog is waited for, so its picture is taken from inside the wait.
+    QTimer::singleShot(200, [] {
+        SaveWindow("FormSaveView");
+        Close("FormSaveView");
+    });
+    Trigger("ToolbarSaveView.SaveView");
+}
+
 }  // namespace
 
 // corvinade-pictures: run in the folder of the project.
@@ -223,6 +256,7 @@ int main(int argc, char** argv) {
     CalculationPictures();
     OtherPictures();
     InputPicture();
+    ScreenPictures();
     CloseDesktop();
     return 0;
 }
