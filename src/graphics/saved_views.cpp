@@ -43,13 +43,7 @@ ScreenRecord PresentView(ScreenWindow& window) {
     return view;
 }
 
-// Shows an entry of the list without restoring its view.
-void ShowEntry(int index) {
-    Control& list = Main.ComboSaveView;
-    list.Index = index;
-    list.Text = index < 0 ? "" : list.Items[static_cast<std::size_t>(index)];
-}
-
+// The list chooses nothing by itself: the entry of a new view is there to be chosen.
 void KeepView(const ScreenRecord& view, const std::string& name) {
     std::vector<std::string>& names = Main.ComboSaveView.Items;
     const auto place = std::find(names.begin(), names.end(), name);
@@ -59,7 +53,6 @@ void KeepView(const ScreenRecord& view, const std::string& name) {
         ++Job.nSavedViews;
     }
     SlotOf(index + 1) = view;
-    ShowEntry(index);
     Run.JobDirty = kTrue;
 }
 
@@ -88,7 +81,8 @@ void DeleteView(int number) {
     --Job.nSavedViews;
     std::vector<std::string>& names = Main.ComboSaveView.Items;
     if (number <= static_cast<int>(names.size())) names.erase(names.begin() + (number - 1));
-    ShowEntry(-1);
+    Main.ComboSaveView.Index = -1;
+    Main.ComboSaveView.Text.clear();
     Run.JobDirty = kTrue;
 }
 
