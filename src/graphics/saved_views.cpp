@@ -43,7 +43,13 @@ ScreenRecord PresentView(ScreenWindow& window) {
     return view;
 }
 
-// The list chooses nothing by itself: the entry of a new view is there to be chosen.
+// Shows an entry of the list without restoring its view.
+void ShowEntry(int index) {
+    Control& list = Main.ComboSaveView;
+    list.Index = index;
+    list.Text = index < 0 ? "" : list.Items[static_cast<std::size_t>(index)];
+}
+
 void KeepView(const ScreenRecord& view, const std::string& name) {
     std::vector<std::string>& names = Main.ComboSaveView.Items;
     const auto place = std::find(names.begin(), names.end(), name);
@@ -53,6 +59,7 @@ void KeepView(const ScreenRecord& view, const std::string& name) {
         ++Job.nSavedViews;
     }
     SlotOf(index + 1) = view;
+    ShowEntry(index);
     Run.JobDirty = kTrue;
 }
 
@@ -81,8 +88,7 @@ void DeleteView(int number) {
     --Job.nSavedViews;
     std::vector<std::string>& names = Main.ComboSaveView.Items;
     if (number <= static_cast<int>(names.size())) names.erase(names.begin() + (number - 1));
-    Main.ComboSaveView.Index = -1;
-    Main.ComboSaveView.Text.clear();
+    ShowEntry(-1);
     Run.JobDirty = kTrue;
 }
 

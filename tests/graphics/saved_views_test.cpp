@@ -42,8 +42,8 @@ TEST_F(SavedViews, AViewIsKeptInTheNextSlotUnderItsName) {
     EXPECT_EQ(Slot(1).BildOffsetX, 11);
     EXPECT_EQ(Slot(2).BildOffsetX, 22);
     EXPECT_TRUE(IsTrue(Run.JobDirty));
-    EXPECT_EQ(Main.ComboSaveView.Index, -1);  // each of them is there to be chosen
-    EXPECT_EQ(Main.ComboSaveView.Text, "");
+    EXPECT_EQ(Main.ComboSaveView.Index, 1);
+    EXPECT_EQ(Main.ComboSaveView.Text, "Rückseite");
     EXPECT_FALSE(IsLoaded("FormSaveView"));
 }
 
@@ -148,6 +148,7 @@ TEST_F(SavedViews, ANameInUseIsReplacedAfterAQuestion) {
     EXPECT_EQ(Job.nSavedViews, 2);
     EXPECT_EQ(Slot(1).BildOffsetX, 3);
     EXPECT_EQ(Slot(2).BildOffsetX, 2);
+    EXPECT_EQ(Main.ComboSaveView.Index, 0);
 }
 
 TEST_F(SavedViews, WhatGoesAwayWhileTheNameIsAskedForIsNotSaved) {
@@ -252,6 +253,7 @@ TEST_F(SavedViews, AViewBelongsToTheJobAndNotToTheWindow) {
     ShowAt(first, 11);
     Save("a");
     ScreenWindow& second = OpenScreenWindow();
+    Main.ComboSaveView.Index = -1;
     UserSetIndex(Main.ComboSaveView, 0);
     EXPECT_EQ(second.State.BildOffsetX, 11);
     CloseAllGraphicsWindows();
@@ -290,6 +292,7 @@ TEST_F(SavedViews, WithoutAChosenEntryNothingIsDeleted) {
     OpenFive();
     Save("a");
     Run.JobDirty = kFalse;
+    Main.ComboSaveView.Index = -1;
     UserClick(Main.MenüViewDeleteView);
     for (const int number : {-1, 0, 2, 51}) DeleteView(number);
     EXPECT_EQ(Job.nSavedViews, 1);
