@@ -1,6 +1,8 @@
 // The paint of a graphics window: every layer in its order.
 #include "graphics/drawing.h"
 
+#include <cmath>
+
 #include "core/form_main.h"
 #include "core/run.h"
 #include "core/settings.h"
@@ -16,7 +18,8 @@ constexpr float kLeastDepth = 0.0001F;  // of the box, mm: with less, all points
 
 DepthSize DepthOf(const ScreenWindow& window) {
     const double depth = static_cast<double>(window.ViewBox[5]) - window.ViewBox[4];
-    if (!IsTrue(Settings.ShowPointsBigger) || !(depth > kLeastDepth)) return {};
+    // A depth without end, as a coordinate beyond all numbers makes it, tells no point from another.
+    if (!IsTrue(Settings.ShowPointsBigger) || !(depth > kLeastDepth) || !std::isfinite(depth)) return {};
     const int bigness = window.State.BigNess;
     return {true, bigness == 1 ? 0.0F : static_cast<float>(bigness / (depth + 1e-9))};
 }

@@ -75,7 +75,9 @@ void GrafikAnpassen(ScreenWindow& window) {
 
 // The coordinate origin of the view comes to the middle, wherever the points lie: wanted so.
 void Center(ScreenWindow& window) {
-    Max_Min(window);
+    // Its box is that of its own view: the tables may hold the view of another window.
+    SceneForWindow(window);
+    rechne_PixelCloud(window);
     window.State.BildOffsetX = static_cast<float>(PictureWidth(window)) / 2;
     window.State.BildOffsetY = static_cast<float>(PictureHeight(window)) / 2;
     StoreScreenPropertiesToRecord(window);

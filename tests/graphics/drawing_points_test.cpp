@@ -114,6 +114,20 @@ TEST_F(DrawingPoints, TenPixelsOutsideTheyAreLeftOut) {
     EXPECT_EQ(OperationsOf(window, Stroke::Circle).size(), 4U);
 }
 
+TEST_F(DrawingPoints, HaveOneSizeWhereTheDepthHasNoEnd) {
+    FillJob({{20, 30, 0, 0, 0, 0}, {0, 0, 1e300, 0, 0, 0}, {0, 0, -1e300, 0, 0, 0}});
+    Job.ViewAllOCS = kFalse;
+    Settings.ShowPointsBigger = kTrue;
+    ScreenWindow& window = Open(FlatView());
+    SetBigNess(window, 3);
+    Paint(window);
+    ExpectSquare(window, ColourOfRow(1), 120, 130, 2);
+    SetBigNess(window, 6);
+    Paint(window);
+    for (const Operation& disc : OperationsOf(window, Stroke::Circle)) EXPECT_EQ(disc.Radius, 3.0F);
+    EXPECT_FALSE(OperationsOf(window, Stroke::Circle).empty());
+}
+
 TEST_F(DrawingPoints, PlacesThatAreNoNumbersAreLeftOut) {
     FillJob({{HUGE_VAL, 0, 0, 0, 0, 0},
              {std::nan(""), 0, 0, 0, 0, 0},

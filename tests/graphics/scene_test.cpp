@@ -121,6 +121,23 @@ TEST_F(GraphicsScene, HidesStartPointsOutOfTolerance) {
     ExpectPlotted({0, 1, 0, 1, 1, 1, 1, 1});
 }
 
+TEST_F(GraphicsScene, HidesThemBelowTheToleranceTooEvenWhereAFilterSwitchesThemOn) {
+    FivePoints();  // deviations along x of -1, 0 and 3 mm
+    ScreenWindow& window = OpenScreenWindow();
+    window.State.ColorBased = "x";
+    window.State.showVeY = window.State.showVeZ = kFalse;
+    window.State.Max = 4;
+    window.State.Min = -0.5;
+    Settings.DontViewOOT = Settings.ViewOnlyIfTrafo = kTrue;
+    Grafik_Festlegen(window);
+    EXPECT_EQ(Cell(1, kSceneClass), -20.0F);  // one millimetre, of which half fills ten classes
+    ExpectPlotted({0, 1, 1, 1, 1, 1, 1, 1});
+    window.State.Min = -1;
+    Grafik_Festlegen(window);
+    EXPECT_EQ(Cell(1, kSceneClass), -10.0F);
+    ExpectPlotted({1, 1, 1, 1, 1, 1, 1, 1});
+}
+
 TEST_F(GraphicsScene, HidesThemByTheLimitsThatThePaintFindsToo) {
     FivePoints();
     Settings.DontViewOOT = kTrue;

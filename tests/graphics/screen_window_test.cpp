@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "core/settings.h"
+#include "core/text.h"
 #include "graphics/drawing.h"
 #include "graphics/form_color_bar.h"
 #include "graphics/graphics_fixture.h"
@@ -134,6 +135,52 @@ TEST_F(GraphicsWindows, SettingsOfTheFileReplaceStartValuesKeyByKey) {
     EXPECT_EQ(state.CS_Type, "CYL");
     EXPECT_EQ(state.AnzKlassenPos, 10);  // no key in the file
     EXPECT_GT(state.ADis, 0);
+}
+
+TEST_F(GraphicsWindows, EveryStoredSettingComesFromTheFileAndGoesBackToIt) {
+    FivePoints();
+    const std::string stored =
+        "[LocalGraphics]\r\nVectorMode=True\r\nBigNess=5\r\nVec_Maßstab=12.5\r\nGridLength=77\r\n"
+        "AnzKlassenPos=4\r\nAnzKlassenNeg=6\r\nAusserhalbTol=True\r\nMin=-0.25\r\nMax=0.75\r\n"
+        "showVeX=False\r\nshowVeY=True\r\nshowVeZ=False\r\nColorBased=y\r\n"
+        "ShowOnlyUsedComponent=True\r\nOuterColor=65793\r\nCS_Type=SPH\r\nBinärModus=True\r\n"
+        "GridXY=True\r\nGridYZ=False\r\nGridZX=True\r\nADis=3\r\nBDis=4\r\nCdis=5\r\n"
+        "ShowGridDim=True\r\n";
+    Run.SettingsFilePath = Write("Corvinade.ini", stored + "\r\n[LastEntry]\r\n");
+    IniLesen();
+    const ScreenRecord state = OpenScreenWindow().State;
+    EXPECT_EQ(state.VectorMode, kTrue);
+    EXPECT_EQ(state.BigNess, 5);
+    EXPECT_EQ(state.Vec_Maßstab, 12.5F);
+    EXPECT_EQ(state.GridLength, 77);
+    EXPECT_EQ(state.AnzKlassenPos, 4);
+    EXPECT_EQ(state.AnzKlassenNeg, 6);
+    EXPECT_EQ(state.AusserhalbTol, kTrue);
+    EXPECT_EQ(state.Min, -0.25);
+    EXPECT_EQ(state.Max, 0.75);
+    EXPECT_EQ(state.showVeX, kFalse);
+    EXPECT_EQ(state.showVeY, kTrue);
+    EXPECT_EQ(state.showVeZ, kFalse);
+    EXPECT_EQ(state.ColorBased, "y");
+    EXPECT_EQ(state.ShowOnlyUsedComponent, kTrue);
+    EXPECT_EQ(state.OuterColor, 65793);
+    EXPECT_EQ(state.CS_Type, "SPH");
+    EXPECT_EQ(state.BinärModus, kTrue);
+    EXPECT_EQ(state.GridXY, kTrue);
+    EXPECT_EQ(state.GridYZ, kFalse);
+    EXPECT_EQ(state.GridZX, kTrue);
+    EXPECT_EQ(state.ADis, 3);
+    EXPECT_EQ(state.BDis, 4);
+    EXPECT_EQ(state.Cdis, 5);
+    EXPECT_EQ(state.ShowGridDim, kTrue);
+    // What the user changes comes in place of what was read, all else as it was.
+    UserClick(Main.ToolbarGraphics_PointsBigger);
+    Settings.LocalGraphics = ScreenRecord{};
+    CloseProgram();
+    std::string expected = stored;
+    expected.replace(expected.find("BigNess=5"), 9, "BigNess=6");
+    const std::string written = DecodeText(Contents(Run.SettingsFilePath));
+    EXPECT_NE(written.find(expected), std::string::npos) << written;
 }
 
 TEST_F(GraphicsWindows, SettingsThatNoWindowCanShowAreBroughtToThoseThatOneCan) {

@@ -105,6 +105,16 @@ TEST_F(GraphicsViews, CenterBringsTheOriginOfTheViewToTheMiddleWhateverTheCloud)
     EXPECT_NEAR(static_cast<double>(200 - turned.Y), 0, 1e-9);
 }
 
+TEST_F(GraphicsViews, CenterKeepsTheBoxOfItsOwnViewWhileAnotherWindowHasPaintedLast) {
+    FivePoints();
+    ScreenWindow& first = OpenScreenWindow();
+    const std::array<float, 6> fromAbove = first.ViewBox;
+    FrontView(OpenScreenWindow());
+    ASSERT_NE(Screens().Active->ViewBox, fromAbove);
+    Center(first);
+    EXPECT_EQ(first.ViewBox, fromAbove);
+}
+
 TEST_F(GraphicsViews, FixedViewsSetTheirAnglesAndLeaveTheRest) {
     FivePoints();
     ScreenWindow& window = OpenScreenWindow();
