@@ -19,6 +19,7 @@
 #include "cli/request.h"
 #include "cli/scene_json.h"
 #include "core/controller.h"
+#include "core/form_main.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/run.h"
@@ -121,6 +122,14 @@ int ListEntry(const Control& list, const json& value) {
     Refuse("the list has no such entry");
 }
 
+// The view that the list shows can be chosen again, after the picture has been turned away from it.
+void ChooseEntry(Control& list, int entry) {
+    if (&list == &Main.ComboSaveView && entry == list.Index)
+        UserClick(list);
+    else
+        UserSetIndex(list, entry);
+}
+
 bool IsOnScreen(const json& request) {
     return IsScreenPlace(TextMember(request, "at"));
 }
@@ -151,7 +160,7 @@ json DoSet(const json& request) {
             UserSetValue(control, value.get<int>());
             break;
         case ControlKind::Combo:
-            UserSetIndex(control, ListEntry(control, value));
+            ChooseEntry(control, ListEntry(control, value));
             break;
         default:
             Refuse("this control takes no value");

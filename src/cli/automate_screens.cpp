@@ -94,9 +94,13 @@ const char* PointerName(ScreenPointer pointer) {
 
 // Fields of the window that are no part of its record.
 json OwnFields(const ScreenWindow& window) {
-    return {{"SetLine", ToFlag(window.SetLine)}, {"DeleteLine", ToFlag(window.DeleteLine)},
-            {"UndoIndex", window.UndoIndex},     {"UndoCount", window.UndoCount},
-            {"UndoOffset", window.UndoOffset},   {"ViewBox", window.ViewBox}};
+    return {{"SetLine", ToFlag(window.SetLine)},
+            {"DeleteLine", ToFlag(window.DeleteLine)},
+            {"UndoIndex", window.UndoIndex},
+            {"UndoCount", window.UndoCount},
+            {"UndoOffset", window.UndoOffset},
+            {"ViewBox", window.ViewBox},
+            {"SetMinMaxOnChange", ToFlag(window.SetMinMaxOnChange)}};
 }
 
 json LabelToJson(const ScreenLabel& label) {

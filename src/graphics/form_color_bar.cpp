@@ -263,12 +263,15 @@ void FormColorBar::SetFormtoVars() {
 void FormColorBar::Update() {
     ScreenWindow* window = findLFDFORM();
     if (window == nullptr) return;
-    const Dialog& d = ColorBarWindow;
+    Dialog& d = ColorBarWindow;
     ScreenRecord& state = window->State;
     state.AnzKlassenPos = ClassesOf(d.TextAnzahlTolKlassePos);
     state.AnzKlassenNeg = ClassesOf(d.TextAnzahlTolKlasseNeg);
     state.Max = LimitOf(d.TextObereGrenze.Text, d.UpperShown, state.Max);
     state.Min = LimitOf(d.TextUntereGrenze.Text, d.LowerShown, state.Min);
+    // From now on these texts stand for what has just been read, also while one of them is being typed.
+    d.UpperShown = d.TextObereGrenze.Text;
+    d.LowerShown = d.TextUntereGrenze.Text;
     state.showVeX = FlagOf(d.showX);
     state.showVeY = FlagOf(d.showY);
     state.showVeZ = FlagOf(d.showZ);

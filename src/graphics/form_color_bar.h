@@ -49,7 +49,8 @@ struct FormColorBar {
     Control BtnApply = Button("A&pply"), BtnOK = Button("&OK");
 
     Colour OuterColor = 0;  // as chosen
-    // The limits as they were filled in, and the length factor of then; unchanged they are not read back.
+    // The limits as they were filled in or last read, and the length factor of then; unchanged they are not
+    // read back.
     std::string UpperShown, LowerShown;
     double LengthFactor = 1;
     bool Typing = false;  // a number is being typed: its field stays as it is

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 
+#include "graphics/analyse_mode.h"
 #include "graphics/drawing.h"
 #include "graphics/projection.h"
 #include "graphics/screen_events.h"
@@ -63,6 +64,7 @@ void ScreenPixel_KeyDown(ScreenWindow& window, std::string_view key, bool shift,
     if (IsOneOf(key, "t", "T")) window.Mouse.KeyT = true;
     if (IsOneOf(key, "b", "B")) window.Mouse.KeyB = true;
     if (key == "Pause" && window.AnalyseMode) window.AnalysePaused = !window.AnalysePaused;
+    if (IsOneOf(key, "Esc", "Escape") && window.AnalyseMode) ToggleAnalyseMode(window);
     if (key == "KP_Subtract") ZoomOut(window);
     if (key == "KP_Add") ZoomInAtMouse(window);
     for (const KeyAction& action : kActions) {

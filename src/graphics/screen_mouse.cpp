@@ -188,12 +188,12 @@ void ScreenPixel_MouseUp(ScreenWindow& window, const MouseEvent& event) {
 void ScreenPixel_Click(ScreenWindow& window, const MouseEvent& event) {
     if (std::exchange(window.Mouse.ZoomedByFrame, false)) return;
     if ((event.Buttons & (kRightButton | kMiddleButton)) != 0) return;
-    // In the flag mode a plain click is for flags and leaves the actual point alone.
+    // In the flag mode a plain click is for flags and leaves the actual point alone; lines are set all the
+    // same.
     const bool forFlags = IsTrue(window.State.FlagMode) && !Rotating(event) && !Panning(event);
-    if (forFlags) return;
     int row = 0;
     if (InPicture(window, event)) row = Search_Point_Index(window, event.X, event.Y);
-    if (row != 0) {
+    if (row != 0 && !forFlags) {
         TakeActualPoint(row);
         const bool recentres = Scene.RotateAboutArmed;
         DrawActualPoint(&window);

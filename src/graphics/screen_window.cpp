@@ -129,6 +129,8 @@ ScreenWindow& OpenScreenWindow() {
     SizeSurface(window, screens.NewWidth, screens.NewHeight);
     screens.Open.push_back(std::move(opened));
     screens.Active = &window;
+    // The two-colour mode of the first paint already goes by this entry.
+    Main.MenüAnsichtToleranzenColorbar.Checked = IsTrue(Settings.ShowColorBar);
     GiveStartValues(window);
     ColorBar_ShowWindow(window);
     Stelle_Grafik_dar(window);

@@ -48,6 +48,17 @@ TEST_F(SavedViewsByNames, AViewIsSavedByItsNameAndComesBack) {
     EXPECT_NEAR(Record("SavedView")[1]["BildFaktor"].get<double>(), kFaktor / 0.7, 1e-5);
 }
 
+TEST_F(SavedViewsByNames, TheViewThatTheListShowsCanBeChosenAgain) {
+    SaveView("whole");
+    EXPECT_EQ(Get("FormMain.ComboSaveView")["index"], 0);
+    for (const json& entry : {json("whole"), json(0)}) {
+        Click("FormMain.ToolbarGraphics.ZoomIn");
+        EXPECT_NEAR(Number("BildFaktor"), kFaktor / 0.7, 1e-5);
+        Set("FormMain.ComboSaveView", entry);
+        EXPECT_NEAR(Number("BildFaktor"), kFaktor, 1e-5) << entry;
+    }
+}
+
 TEST_F(SavedViewsByNames, ASavedViewBringsItsWindowsSizeBack) {
     Good({{"do", "resize"}, {"at", "Screen#1"}, {"width", 500}, {"height", 400}});
     SaveView("small");

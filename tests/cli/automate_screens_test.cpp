@@ -385,6 +385,11 @@ TEST_F(Screens, AFieldCanBeReadAlone) {
     EXPECT_NE(ErrorOf({{"do", "get"}, {"at", "Screen#1.Nothing"}}), "");
     EXPECT_NE(ErrorOf({{"do", "get"}, {"at", "Screen#1."}}), "");
     EXPECT_NE(ErrorOf({{"do", "close"}, {"at", "Screen#1.BildFaktor"}}), "");
+    EXPECT_EQ(Field("SetMinMaxOnChange"), 0);
+    Click("FormMain.ToolbarGraphics.ColorBar");
+    Set("FormColorBar.CheckSetMinMaxOnChange", 1);
+    Click("FormColorBar.BtnOK");
+    EXPECT_EQ(Field("SetMinMaxOnChange"), -1);
     EXPECT_NE(ErrorOf({{"do", "click"}, {"at", "Screen#1"}}).find("mouse"), std::string::npos);
     EXPECT_NEAR(Number("BildFaktor"), kFaktor, 1e-5);
 }

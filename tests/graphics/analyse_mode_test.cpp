@@ -159,6 +159,23 @@ TEST_F(AnalyseMode, PausePausesAndContinues) {
     EXPECT_FALSE(window.AnalysePaused);
 }
 
+TEST_F(AnalyseMode, EscEndsIt) {
+    ScreenWindow& window = OpenOnCanvas();
+    for (const char* key : {"Esc", "Escape"}) {
+        int rounds = 0;
+        Headless.OnYield = [&] {
+            if (++rounds == 4) Press(window, key);
+            if (rounds == 20) CloseAllGraphicsWindows();
+        };
+        UserClick(Main.MenüAnsichtAnalyseModeActive);
+        Headless.OnYield = nullptr;
+        ASSERT_EQ(rounds, 4) << key;
+        const std::uint64_t painted = window.PaintCount;
+        Press(window, key);  // of no meaning without the mode
+        EXPECT_EQ(window.PaintCount, painted) << key;
+    }
+}
+
 TEST_F(AnalyseMode, TheButtonIsPressedWhileItRunsAndEndsItThen) {
     ScreenWindow& window = OpenOnCanvas();
     int rounds = 0;

@@ -239,6 +239,21 @@ TEST_F(ColourBarDialog, AutoApplyAppliesEachChangeAtOnce) {
     EXPECT_EQ(State().ADis, 12);
 }
 
+TEST_F(ColourBarDialog, ALimitTypedBackToTheOneThatWasShownIsTaken) {
+    State().Max = 2;
+    State().Min = -3;
+    FormColorBar::SetFormtoVars();
+    Check("CheckAutoApply");
+    Type("TextObereGrenze", "5");
+    Type("TextUntereGrenze", "-6");
+    EXPECT_EQ(State().Max, 5);
+    EXPECT_EQ(State().Min, -6);
+    Type("TextObereGrenze", "2.00");
+    Type("TextUntereGrenze", "-3.00");
+    EXPECT_EQ(State().Max, 2);
+    EXPECT_EQ(State().Min, -3);
+}
+
 TEST_F(ColourBarDialog, LimitsAreEnteredInTheLengthUnit) {
     UserClose(FormColorBar_Entry);
     Job.LengthUnitName = "meter";

@@ -49,6 +49,21 @@ TEST_F(Lines, ClicksBuildAChainOfLines) {
     EXPECT_EQ(Scene.ActualPointName, "T");  // a click picks there, too
 }
 
+TEST_F(Lines, AreSetAndDeletedInTheFlagModeTooWhichLeavesTheActualPointAlone) {
+    ScreenWindow& window = OpenInLineMode();
+    window.State.FlagMode = kTrue;
+    window.SetLine = true;
+    ClickAt(window, 100, 100);
+    ClickAt(window, 300, 100);
+    EXPECT_EQ(LinesOf(window), (Ends{{1, 2}}));
+    EXPECT_EQ(Scene.ActualPointName, "");
+    window.SetLine = false;
+    window.DeleteLine = true;
+    Move(window, 300, 100);
+    ClickAt(window, 300, 100);
+    EXPECT_EQ(LinesOf(window), Ends{});
+}
+
 TEST_F(Lines, EachLineIsAStepOfTheViewsHistory) {
     ScreenWindow& window = OpenInLineMode();
     window.SetLine = true;

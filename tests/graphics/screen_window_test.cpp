@@ -183,6 +183,20 @@ TEST_F(GraphicsWindows, EveryStoredSettingComesFromTheFileAndGoesBackToIt) {
     EXPECT_NE(written.find(expected), std::string::npos) << written;
 }
 
+TEST_F(GraphicsWindows, TheFirstPaintHasTheTwoColoursThatTheSettingsOfTheFileAskFor) {
+    FivePoints();
+    Run.SettingsFilePath = Write("Corvinade.ini",
+                                 "[GraphicsSettings]\r\nShowColorBar=True\r\n"
+                                 "[LocalGraphics]\r\nBinärModus=True\r\n[LastEntry]\r\n");
+    IniLesen();
+    ASSERT_TRUE(IsTrue(OpenScreenWindow().State.BinärModus));
+    // Sizes of 2.236, 2.062 and 3 mm against a limit of 3 in ten classes: 8, 7 and 11.
+    constexpr float kGreen = 0x00FF00, kWhite = 0xFFFFFF;
+    EXPECT_EQ(Cell(1, kSceneColour), kGreen);
+    EXPECT_EQ(Cell(2, kSceneColour), kWhite);
+    EXPECT_EQ(Cell(3, kSceneColour), kWhite);
+}
+
 TEST_F(GraphicsWindows, SettingsThatNoWindowCanShowAreBroughtToThoseThatOneCan) {
     FivePoints();
     Run.SettingsFilePath = Write("Corvinade.ini",
