@@ -4,6 +4,7 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <cmath>
 #include <ctime>
 #include <random>
 #include <vector>
@@ -27,12 +28,15 @@ namespace {
 
 constexpr int kWidth = 1600, kHeight = 1000;
 std::vector<std::uint32_t> picture;
+double scale = 1;  // pixels of the picture to the logical one
 
 void PlainMemory(Surface& screen) {
-    picture.assign(static_cast<std::size_t>(screen.Width) * static_cast<std::size_t>(screen.Height), 0);
-    screen.PixelWidth = screen.Width;
-    screen.PixelHeight = screen.Height;
-    screen.Stride = screen.Width;
+    screen.Scale = scale;
+    screen.PixelWidth = static_cast<int>(std::ceil(screen.Width * scale));
+    screen.PixelHeight = static_cast<int>(std::ceil(screen.Height * scale));
+    picture.assign(static_cast<std::size_t>(screen.PixelWidth) * static_cast<std::size_t>(screen.PixelHeight),
+                   0);
+    screen.Stride = screen.PixelWidth;
     screen.Pixels = picture.data();
     screen.Clear = [](Surface& cleared, Colour background) {
         std::fill(picture.begin(), picture.end(), PixelOf(background));
@@ -137,6 +141,34 @@ void Graphics_Frame(benchmark::State& state) {
     FreshStart();
 }
 
+// A frame on a screen of `percent` pixels to 100 logical ones: the small points in their loop, and in the
+// loop over rows, which vectors that nobody draws bring about.
+void Graphics_FineFrame(benchmark::State& state) {
+    scale = static_cast<double>(state.range(1)) / 100;
+    ScreenWindow& window = OpenCloud(static_cast<int>(state.range(0)));
+    std::vector<double> small, rows, ratios;
+    int frame = 0;
+    const auto paint = [&](Integer vectors) {
+        window.State.VectorMode = vectors;
+        const std::clock_t begin = std::clock();
+        Stelle_Grafik_dar(window);
+        return ProcessorMilliseconds(begin);
+    };
+    for (auto _ : state) {
+        ++frame;
+        SetViewAngles(window, 3.4 + 0.017 * frame, -0.9 + 0.011 * frame, -0.7);
+        small.push_back(paint(kFalse));
+        state.SetIterationTime(small.back() / 1000);
+        rows.push_back(paint(kTrue));
+        ratios.push_back(rows.back() / small.back());
+    }
+    state.counters["ms"] = Median(small);
+    state.counters["rows/small"] = Median(ratios);
+    scale = 1;
+    FillSurface = nullptr;
+    FreshStart();
+}
+
 void Graphics_Pick(benchmark::State& state) {
     ScreenWindow& window = OpenCloud(static_cast<int>(state.range(0)));
     int step = 0;
@@ -167,6 +199,14 @@ BENCHMARK(Graphics_Frame)
     ->Arg(100'000)
     ->Arg(1'000'000)
     ->Iterations(60)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(Graphics_FineFrame)
+    ->ArgNames({"points", "percent"})
+    ->Args({1'000'000, 100})
+    ->Args({1'000'000, 150})
+    ->Args({1'000'000, 200})
+    ->Iterations(20)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(Graphics_Turn)->ArgName("points")->Arg(1'000'000)->Unit(benchmark::kMillisecond);

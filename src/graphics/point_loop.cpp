@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstring>
+#include <utility>
 
 #include "core/settings.h"
 #include "core/window.h"
@@ -59,19 +60,29 @@ int Nearest(float value) {
 
 // --- Small points alone -----------------------------------------------------------------------------------
 
+constexpr int kLongestSide = 8;  // pixels of the device; above it the loop over rows is as quick
+
+// Where pixels of the device stand, as PaintSquare has it.
+int OnDevice(const Surface& screen, int logical) {
+    return static_cast<int>(std::nearbyint(static_cast<float>(logical) * static_cast<float>(screen.Scale)));
+}
+
 struct Bounds {
-    float Left, Right, Top, Bottom;  // of the middles of squares that lie in the picture as a whole
+    float Radius, Scale;
+    float Right, Bottom;  // of the upper left pixels of squares that lie in the picture as a whole
     int Stride;
 };
 
-// Where the middle pixel of each square lies in the picture; -1 where the square is not all inside.
+// Where the upper left pixel of each square lies in the picture; -1 where the square is not all inside.
 ON_ANY_VECTORS void PlacesOfBlock(int count, const float* __restrict x, const float* __restrict y,
                                   const Bounds& bounds, int* __restrict places) {
-    const float left = bounds.Left, right = bounds.Right, top = bounds.Top, bottom = bounds.Bottom;
+    const float radius = bounds.Radius, scale = bounds.Scale, right = bounds.Right, bottom = bounds.Bottom;
     const int stride = bounds.Stride;
     for (int i = 0; i < count; ++i) {
-        const float column = (x[i] + kWhole) - kWhole, row = (y[i] + kWhole) - kWhole;
-        const bool inside = (column >= left) & (column <= right) & (row >= top) & (row <= bottom);
+        const float logicalX = (x[i] + kWhole) - kWhole - radius,
+                    logicalY = (y[i] + kWhole) - kWhole - radius;
+        const float column = (logicalX * scale + kWhole) - kWhole, row = (logicalY * scale + kWhole) - kWhole;
+        const bool inside = (column >= 0) & (column <= right) & (row >= 0) & (row <= bottom);
         const int place =
             static_cast<int>(inside ? row : 0.0F) * stride + static_cast<int>(inside ? column : 0.0F);
         places[i] = inside ? place : -1;
@@ -81,60 +92,67 @@ ON_ANY_VECTORS void PlacesOfBlock(int count, const float* __restrict x, const fl
 // One row of a square, from registers alone: through an array the numbers would go by way of the stack.
 template <int Side>
 void WriteRow(std::uint32_t* pixel, std::uint64_t two, std::uint32_t one) {
-    static_assert(Side % 2 == 1);
     for (int k = 0; k + 1 < Side; k += 2) std::memcpy(pixel + k, &two, sizeof two);
-    pixel[Side - 1] = one;
+    if constexpr (Side % 2 == 1) pixel[Side - 1] = one;
 }
 
 // Points of a cloud lie anywhere in a picture that is larger than the cache next to the processor: the rows
 // of the squares to come are asked for while the present one is written.
 constexpr int kAhead = 16;
 
-template <int R>
-void PaintBlock(Surface& screen, int first, int count, const int* places) {
-    constexpr int kSide = 2 * R + 1;
+template <int Side>
+void PaintBlock(Surface& screen, int r, int first, int count, const int* places) {
     const std::ptrdiff_t stride = screen.Stride;
-    std::uint32_t* const corner = screen.Pixels - R * stride - R;
     const std::uint32_t* const colours = Scene.Paint.data() + first;
     for (int i = 0; i < count; ++i) {
         const int ahead = i + kAhead < count ? places[i + kAhead] : -1;
         if (ahead >= 0)
-            for (int k = 0; k < kSide; ++k) __builtin_prefetch(corner + ahead + k * stride, 1);
+            for (int k = 0; k < Side; ++k) __builtin_prefetch(screen.Pixels + ahead + k * stride, 1);
         const std::uint32_t colour = colours[i];
         if (colour == 0) continue;
         if (places[i] >= 0) {
             const std::uint64_t two = static_cast<std::uint64_t>(colour) << 32U | colour;
-            std::uint32_t* pixel = corner + places[i];
-            for (int k = 0; k < kSide; ++k, pixel += stride) WriteRow<kSide>(pixel, two, colour);
+            std::uint32_t* pixel = screen.Pixels + places[i];
+            for (int k = 0; k < Side; ++k, pixel += stride) WriteRow<Side>(pixel, two, colour);
             continue;
         }
         const auto row = static_cast<std::size_t>(first + i);
         if (InReach(screen, Scene.PixelX[row], Scene.PixelY[row]))
-            PaintSquare(screen, Scene.PixelX[row], Scene.PixelY[row], R, colour);
+            PaintSquare(screen, Scene.PixelX[row], Scene.PixelY[row], r, colour);
     }
 }
 
 // Rows `from` to `last`.
-template <int R>
-void PaintSquares(Surface& screen, int from, int last) {
+template <int Side>
+void PaintSquares(Surface& screen, int r, int from, int last) {
     alignas(64) std::array<int, kBlock> places;
-    const Bounds bounds = {static_cast<float>(R), static_cast<float>(screen.PixelWidth - 1 - R),
-                           static_cast<float>(R), static_cast<float>(screen.PixelHeight - 1 - R),
-                           static_cast<int>(screen.Stride)};
+    const Bounds bounds = {static_cast<float>(r), static_cast<float>(screen.Scale),
+                           static_cast<float>(screen.PixelWidth - Side),
+                           static_cast<float>(screen.PixelHeight - Side), static_cast<int>(screen.Stride)};
     for (int first = from; first <= last; first += kBlock) {
         const int count = std::min(kBlock, last + 1 - first);
         PlacesOfBlock(count, Scene.PixelX.data() + first, Scene.PixelY.data() + first, bounds, places.data());
-        PaintBlock<R>(screen, first, count, places.data());
+        PaintBlock<Side>(screen, r, first, count, places.data());
     }
 }
 
+// One loop for each length of a side, which the compiler then knows.
+template <int... Lengths>
+void PaintSmallPoints(Surface& screen, int r, int from, int last,
+                      std::integer_sequence<int, Lengths...> /*from 0*/) {
+    const int side = OnDevice(screen, 2 * r + 1);
+    (void)((side == Lengths + 1 && (PaintSquares<Lengths + 1>(screen, r, from, last), true)) || ...);
+}
+
+// Whether all squares of this size may go through the loop for small points.
+bool AreSmall(const Surface& screen, int r) {
+    const int side = OnDevice(screen, 2 * r + 1);
+    return screen.Pixels != nullptr && side >= 1 && side <= kLongestSide && screen.PixelWidth >= side &&
+           screen.PixelHeight >= side;
+}
+
 void PaintSmallPoints(Surface& screen, int r, int from, int last) {
-    if (r == 0)
-        PaintSquares<0>(screen, from, last);
-    else if (r == 1)
-        PaintSquares<1>(screen, from, last);
-    else
-        PaintSquares<2>(screen, from, last);
+    PaintSmallPoints(screen, r, from, last, std::make_integer_sequence<int, kLongestSide>());
 }
 
 // --- Points with all that belongs to them -----------------------------------------------------------------
@@ -193,11 +211,8 @@ void DrawRow(ScreenWindow& window, std::size_t row, const DepthSize& depth, cons
 }  // namespace
 
 void PaintSquare(Surface& screen, float x, float y, int r, std::uint32_t colour) {
-    const auto device = [&screen](int logical) {
-        return static_cast<int>(std::nearbyint(logical * screen.Scale));
-    };
-    const int side = device(2 * r + 1);
-    const int left = device(Nearest(x) - r), top = device(Nearest(y) - r);
+    const int side = OnDevice(screen, 2 * r + 1);
+    const int left = OnDevice(screen, Nearest(x) - r), top = OnDevice(screen, Nearest(y) - r);
     const int firstX = std::max(left, 0), endX = std::min(left + side, screen.PixelWidth);
     const int firstY = std::max(top, 0), endY = std::min(top + side, screen.PixelHeight);
     for (int row = firstY; row < endY; ++row) {
@@ -215,9 +230,7 @@ void DrawPoints(ScreenWindow& window, const DepthSize& depth) {
     const PointLook look = LookOf(window);
     const int r = SquareRadius(window.State.BigNess);
     const bool small = window.State.BigNess <= kLargestSquare && !depth.On;
-    const Surface& screen = window.Screen;
-    if (small && !look.Names && !look.Vectors && screen.Pixels != nullptr && screen.Scale == 1 &&
-        screen.PixelWidth > 2 * r && screen.PixelHeight > 2 * r) {
+    if (small && !look.Names && !look.Vectors && AreSmall(window.Screen, r)) {
         if (look.ActualRow != 0) {
             PaintSmallPoints(window.Screen, r, 1, look.ActualRow - 1);
             DrawRow(window, static_cast<std::size_t>(look.ActualRow), depth, look);

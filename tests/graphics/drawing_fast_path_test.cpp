@@ -54,6 +54,46 @@ TEST_F(DrawingFastPath, PaintsTheSamePixelsAsTheLoopOverRows) {
     }
 }
 
+TEST_F(DrawingFastPath, PaintsTheSamePixelsOnFinerScreens) {
+    std::mt19937 random(77);
+    std::uniform_real_distribution<double> place(-700, 700);
+    std::vector<Pair> pairs(2500);
+    for (Pair& pair : pairs) pair = {place(random), place(random), place(random), 0.3, -0.2, 0.1};
+    FillJob(pairs);
+    for (const double scale : {0.4, 1.1, 1.25, 1.5, 1.75, 2.0, 3.0, 7.0}) {
+        RecordingScale = scale;
+        ScreenWindow& window = Open({0.4, -1.1, 0.7, 0.7, 100, 50});
+        for (int size = 1; size <= 3; ++size) {
+            window.State.BigNess = static_cast<std::int16_t>(size);
+            Paint(window);
+            ExpectSamePixels(window);
+        }
+        CloseScreenWindow(window);
+    }
+}
+
+TEST_F(DrawingFastPath, APointOfAFinerScreenIsASquareAtItsPlace) {
+    FillJob({{20, 30, 0, 0, 0, 0}});
+    RecordingScale = 1.5;
+    ScreenWindow& window = Open(FlatView());
+    window.State.BigNess = 2;
+    Job.ViewAllMCS = kFalse;
+    window.State.VectorMode = kFalse;
+    Paint(window);
+    window.Screen.Clear(window.Screen, window.BackColor);
+    DrawPoints(window, {});
+    const auto column = static_cast<int>(Scene.PixelX[1]), row = static_cast<int>(Scene.PixelY[1]);
+    ASSERT_EQ(static_cast<float>(column), Scene.PixelX[1]);
+    ASSERT_EQ(static_cast<float>(row), Scene.PixelY[1]);
+    // Three logical pixels are 4.5 of the device, an even number of which is the nearest.
+    const auto left = static_cast<int>(std::nearbyint((column - 1) * 1.5));
+    const auto top = static_cast<int>(std::nearbyint((row - 1) * 1.5));
+    const auto isPainted = [&](int x, int y) { return PixelAt(window, x, y) != PixelOf(window.BackColor); };
+    for (int y = top - 2; y < top + 6; ++y)
+        for (int x = left - 2; x < left + 6; ++x)
+            EXPECT_EQ(isPainted(x, y), x >= left && x < left + 4 && y >= top && y < top + 4) << x << ' ' << y;
+}
+
 TEST_F(DrawingFastPath, PlacesHalfWayBetweenPixelsGoTheSameWay) {
     std::vector<Pair> pairs;
     for (int i = -40; i <= 3300; ++i)

@@ -2,6 +2,7 @@
 #include "graphics/recording_surface.h"
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 
 namespace {
@@ -49,11 +50,12 @@ void EndRecording(Surface& screen) {
 
 void FillSurfaceWithRecording(Surface& screen) {
     auto notes = std::make_unique<Recording>();
-    screen.PixelWidth = screen.Width;
-    screen.PixelHeight = screen.Height;
-    screen.Stride = screen.Width + 2 * kGuard;
+    screen.Scale = RecordingScale;
+    screen.PixelWidth = static_cast<int>(std::ceil(screen.Width * RecordingScale));
+    screen.PixelHeight = static_cast<int>(std::ceil(screen.Height * RecordingScale));
+    screen.Stride = screen.PixelWidth + 2 * kGuard;
     notes->Memory.assign(
-        static_cast<std::size_t>(screen.Stride) * static_cast<std::size_t>(screen.Height + 2 * kGuard),
+        static_cast<std::size_t>(screen.Stride) * static_cast<std::size_t>(screen.PixelHeight + 2 * kGuard),
         kUntouched);
     screen.Pixels = notes->Memory.data() + kGuard * screen.Stride + kGuard;
     screen.Clear = NoteClear;

@@ -26,6 +26,7 @@ struct Recording {
 inline constexpr std::uint32_t kUntouched = 0x12345678;
 inline constexpr int kGuard = 16;  // pixels on each side of the picture that nobody may write
 
+inline double RecordingScale = 1;  // pixels of the picture to the logical one, of surfaces filled from now on
 void FillSurfaceWithRecording(Surface& screen);  // for the hook FillSurface
 Recording& RecordingOf(const ScreenWindow& window);
 bool GuardIsUntouched(const ScreenWindow& window);
@@ -42,7 +43,10 @@ std::vector<Operation> LinesOf(const ScreenWindow& window, Colour colour);
 class Recorded {
 public:
     Recorded() { FillSurface = FillSurfaceWithRecording; }
-    ~Recorded() { FillSurface = nullptr; }
+    ~Recorded() {
+        FillSurface = nullptr;
+        RecordingScale = 1;
+    }
     Recorded(const Recorded&) = delete;
     Recorded& operator=(const Recorded&) = delete;
 };
