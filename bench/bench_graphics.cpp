@@ -148,7 +148,7 @@ void Graphics_FineFrame(benchmark::State& state) {
     ScreenWindow& window = OpenCloud(static_cast<int>(state.range(0)));
     std::vector<double> small, rows, ratios;
     int frame = 0;
-    const auto paint = [&](Integer vectors) {
+    const auto paint = [&](Flag vectors) {
         window.State.VectorMode = vectors;
         const std::clock_t begin = std::clock();
         Stelle_Grafik_dar(window);

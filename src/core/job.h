@@ -49,7 +49,9 @@ struct JobRecord {
     std::vector<std::string> TMCS_Name{""};  // the start points after the transformation
     std::vector<TaggedValue> TMCS_X{{}}, TMCS_Y{{}};
     std::vector<double> TMCS_Z{0};
-    std::vector<TaggedValue> RVecX{{}}, RVecY{{}};  // nIdent entries, for the display of the R vectors
+    // nIdent entries, for the display of the R vectors: the place at R_Dist from the target that a fit to
+    // distances wants the transformed point at. X and Y are empty where there is none.
+    std::vector<TaggedValue> RVecX{{}}, RVecY{{}};
     std::vector<double> RVecZ{0};
     std::vector<std::int16_t> UseFlags{0};  // 3 a pair, X Y Z: 1 takes part in the fit, 0 does not
 

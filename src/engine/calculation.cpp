@@ -9,6 +9,7 @@
 #include "core/job.h"
 #include "core/platform.h"
 #include "core/run.h"
+#include "core/settings.h"
 #include "core/text.h"
 #include "core/window.h"
 #include "engine/adjustment.h"
@@ -100,6 +101,27 @@ std::string WhyNot() {
                "\" onto its target, where the distance between them has no direction. Please give a seed for "
                "one of the translations, or choose other seed points.";
     return "";
+}
+
+// The second points of the R vectors, for the pictures that show them: where the distance model wants each
+// transformed point, which is on the line from its target through it, at R_Dist from the target. A pair whose
+// points fall together has no such line and no second point, and neither has any pair in the other models.
+void FillRVectors(bool wanted) {
+    const std::size_t size = At(Job.nIdent) + 1;
+    Job.RVecX.assign(size, {});
+    Job.RVecY.assign(size, {});
+    Job.RVecZ.assign(size, 0);
+    if (!wanted) return;
+    for (int i = 1; i <= Job.nIdent; ++i) {
+        const Vec3 target = TargetPoint(i);
+        const double dx = Job.TMCS_X[At(i)].value_or(0) - target(1),
+                     dy = Job.TMCS_Y[At(i)].value_or(0) - target(2), dz = Job.TMCS_Z[At(i)] - target(3);
+        const double share = Job.RDist / Hypot3(dx, dy, dz);
+        if (!std::isfinite(share)) continue;
+        Job.RVecX[At(i)] = target(1) + share * dx;
+        Job.RVecY[At(i)] = target(2) + share * dy;
+        Job.RVecZ[At(i)] = target(3) + share * dz;
+    }
 }
 
 bool ParametersAreFinite() {
@@ -195,6 +217,7 @@ void ButtonCalcErsatz() {
 
     // In the distance and the tool model a residual is not the way to the target point.
     if (Calculation.Finite) TransformAllPoints(model.Mode == FitMode::Coincide ? &Calculation.v : nullptr);
+    FillRVectors(IsTrue(Settings.ShowRVec) && Calculation.Finite && model.Mode == FitMode::Distance);
     Run.TrafoValid = ToFlag(Calculation.Finite);
     Run.JobDirty = kTrue;
     ProgrammLogik();

@@ -29,8 +29,9 @@ bool CalculationIsOfThisJob();
 
 // The calculation that stands behind the button, for a job without paraboloid.
 // Reads Job.ParamText and Job.NormType, the job's points and use flags, Selection and Settings. Writes the
-// job's parameters, the transformed points, Calculation, Run.TrafoValid and Run.JobDirty. Shows "This is not
-// a redundant calculation" and changes nothing when the weights in use are fewer than the unknowns.
+// job's parameters, the transformed points, the second points of the R vectors (those of a fit to distances
+// while Settings.ShowRVec is on, none otherwise), Calculation, Run.TrafoValid and Run.JobDirty. Shows "This
+// is not a redundant calculation" and changes nothing when the weights in use are fewer than the unknowns.
 void ButtonCalcErsatz();
 
 // The transformed start points of the present parameters: with `v` the pairs are the targets plus their

@@ -24,14 +24,17 @@ struct GridLook {
     std::array<double, 3> Middle{};      // world, mm; a multiple of the spacing
     std::array<PicturePoint, 3> Step{};  // one spacing of each axis, in the picture
     int Half = 0;                        // lines to each side of the middle
+    std::array<double, 3> Reach{};       // spacings that a line along each axis goes to either side
 };
 
-// The lines of one spacing that fit in the longer side of the picture. Spacings below the least distance
-// have none, so the count stays below half of that side.
-double LinesInPicture(const ScreenWindow& window, double spacing) {
-    const double pixels = window.State.BildFaktor * spacing;
-    if (!(pixels >= kLeastDistance)) return 0;
-    return Int(std::max(PictureWidth(window), PictureHeight(window)) / pixels);
+// How many times one spacing goes into the longer side of the picture; `pixels` of it.
+double SpacingsInPicture(const ScreenWindow& window, double pixels) {
+    return pixels > 0 ? Int(std::max(PictureWidth(window), PictureHeight(window)) / pixels) : 0;
+}
+
+// Half of a count, an odd one made even.
+double HalfOf(double count) {
+    return Int((count + 1) / 2);
 }
 
 GridLook LookOf(const ScreenWindow& window) {
@@ -46,14 +49,19 @@ GridLook LookOf(const ScreenWindow& window) {
         const double place = under(axis) + Scene.RotCenter(axis);
         look.Spacing[k] = std::max(0.0, spacings[k]);
         look.Middle[k] = look.Spacing[k] > 0 ? Int(place / look.Spacing[k]) * look.Spacing[k] : place;
-        lines = std::max(lines, LinesInPicture(window, look.Spacing[k]));
         const Vec3 one(axis == 1 ? 1 : 0, axis == 2 ? 1 : 0, axis == 3 ? 1 : 0);
         const PictureVector turned = pkt_drehen(window, one(1), one(2), one(3));
         const double pixels = state.BildFaktor * look.Spacing[k];
         look.Step[k] = {pixels * turned.U, pixels * turned.V};
+        const double count = SpacingsInPicture(window, pixels);
+        look.Reach[k] = HalfOf(count);
+        // Lines below the least distance are left out, so the count stays below half of the picture's side.
+        if (pixels >= kLeastDistance) lines = std::max(lines, count);
     }
-    // An odd count is made even.
-    look.Half = (static_cast<int>(lines) + 1) / 2;
+    look.Half = static_cast<int>(HalfOf(lines));
+    // Lines across a wide spacing go through the picture also where the spacing along them is too small for
+    // lines of its own.
+    for (double& reach : look.Reach) reach = std::max<double>(reach, look.Half);
     return look;
 }
 
@@ -76,7 +84,8 @@ void WriteCoordinate(ScreenWindow& window, const PicturePoint& from, const Pictu
     if (!(t >= 0 && t <= 1)) return;
     const double x = from.X + t * dx, y = from.Y + t * dy;
     if (!(x >= 0 && x < PictureWidth(window) && y >= 0 && y < PictureHeight(window))) return;
-    // The angle is that of the line's normal and a right angle more, so that the number runs along the line.
+    // The angle is that of the line's normal and a right angle more, so that the number runs along the line:
+    // downwards on a steep one, and on a flat one from here to the edge, which leaves it head down.
     const double normalX = -dy, normalY = dx;
     double angle = std::atan(normalY / (normalX + 1e-10)) * 57 + 90;
     if (angle < 90) angle += 180;
@@ -89,10 +98,11 @@ void DrawLinesAlong(ScreenWindow& window, const GridLook& look, std::size_t alon
     const PicturePoint &run = look.Step[along], &next = look.Step[across];
     if (!(DistanceOfLines(run, next) >= kLeastDistance)) return;
     const PicturePoint pixel = PlaceOf(window, {look.Middle[0], look.Middle[1], look.Middle[2]});
+    const double reach = look.Reach[along];
     for (int i = -look.Half; i <= look.Half; ++i) {
         const PicturePoint middle = {pixel.X + i * next.X, pixel.Y + i * next.Y};
-        const PicturePoint from = {middle.X - look.Half * run.X, middle.Y - look.Half * run.Y};
-        const PicturePoint to = {middle.X + look.Half * run.X, middle.Y + look.Half * run.Y};
+        const PicturePoint from = {middle.X - reach * run.X, middle.Y - reach * run.Y};
+        const PicturePoint to = {middle.X + reach * run.X, middle.Y + reach * run.Y};
         DrawStroke(window.Screen, from, to, QbColor(8), 1);
         if (IsTrue(window.State.ShowGridDim))
             WriteCoordinate(window, from, to,

@@ -102,17 +102,19 @@ constexpr int kAhead = 16;
 
 template <int Side>
 void PaintBlock(Surface& screen, int r, int first, int count, const int* places) {
+    // Copies of its own: what is written into the picture could be the surface, as far as the compiler knows.
     const std::ptrdiff_t stride = screen.Stride;
+    std::uint32_t* const pixels = screen.Pixels;
     const std::uint32_t* const colours = Scene.Paint.data() + first;
     for (int i = 0; i < count; ++i) {
         const int ahead = i + kAhead < count ? places[i + kAhead] : -1;
         if (ahead >= 0)
-            for (int k = 0; k < Side; ++k) __builtin_prefetch(screen.Pixels + ahead + k * stride, 1);
+            for (int k = 0; k < Side; ++k) __builtin_prefetch(pixels + ahead + k * stride, 1);
         const std::uint32_t colour = colours[i];
         if (colour == 0) continue;
         if (places[i] >= 0) {
             const std::uint64_t two = static_cast<std::uint64_t>(colour) << 32U | colour;
-            std::uint32_t* pixel = screen.Pixels + places[i];
+            std::uint32_t* pixel = pixels + places[i];
             for (int k = 0; k < Side; ++k, pixel += stride) WriteRow<Side>(pixel, two, colour);
             continue;
         }

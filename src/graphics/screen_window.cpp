@@ -104,8 +104,8 @@ void ShowNoModes() {
     Scene.RotateAboutArmed = false;
 }
 
-void ShowMenus() {
-    // The graphics entries go with the last window.
+// The graphics entries are there as long as a window is.
+void GraphicsFormOpen() {
     Main.MenueGraphicsWindow.Enabled = !screens.Open.empty();
     Main.MenueGraphics.Checked = !screens.Open.empty();
     ProgrammLogik();
@@ -135,7 +135,7 @@ ScreenWindow& OpenScreenWindow() {
     ColorBar_ShowWindow(window);
     Stelle_Grafik_dar(window);
     StoreScreenPropertiesToRecord(window);
-    ShowMenus();
+    GraphicsFormOpen();
     return window;
 }
 
@@ -156,7 +156,7 @@ void CloseScreenWindow(ScreenWindow& window) {
         ColorBar_ShowWindow(*screens.Active);
     else
         UnloadWindow("FormColorBar");  // there is nothing left that it could refer to
-    ShowMenus();
+    GraphicsFormOpen();
 }
 
 void ActivateScreenWindow(ScreenWindow& window) {

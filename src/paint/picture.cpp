@@ -26,7 +26,8 @@ constexpr int kDotsPerMetre = 3780;  // 96 to the inch
 
 struct Picture {
     QImage Image;
-    QPainter Painter;  // open from the first stroke of a paint to its end
+    QPainter Painter;       // open from the first stroke of a paint to its end
+    Colour Background = 0;  // what it was last cleared to
     Colour PenColour = kNoFill;
     int PenWidth = 0;
 };
@@ -61,6 +62,7 @@ void SetPen(Picture& picture, Colour colour, int width) {
 }
 
 void ClearPicture(Surface& screen, Colour background) {
+    PictureBehind(screen).Background = background;
     PictureBehind(screen).Image.fill(RgbOf(background));
 }
 
@@ -129,8 +131,7 @@ void DrawCircle(Surface& screen, float x, float y, float radius, Colour colour, 
 void DrawText(Surface& screen, float x, float y, const std::string& text, Colour colour) {
     Picture& picture = PictureBehind(screen);
     if (picture.Painter.isActive()) picture.Painter.end();
-    const Colour behind = colour == QbColor(0) ? QbColor(15) : QbColor(0);
-    DrawLabelText(picture.Image, screen.Scale, x, y, text, RgbOf(colour), RgbOf(behind));
+    DrawLabelText(picture.Image, screen.Scale, x, y, text, RgbOf(colour), RgbOf(picture.Background));
 }
 
 void EndPaint(Surface& screen) {

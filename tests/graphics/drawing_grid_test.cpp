@@ -131,6 +131,22 @@ TEST_F(DrawingGrid, LinesCloserThanTwoPixelsAreLeftOut) {
     EXPECT_TRUE(LinesOf(PaintGrid(window), QbColor(8)).empty());
 }
 
+TEST_F(DrawingGrid, LinesRunThroughThePictureWhereOneSpacingIsTooSmallForLines) {
+    FillJob({{0, 0, 0, 0, 0, 0}});
+    const TestView view = {0, 0, 0, 1, -100.5, 300.5};  // the middle is the world's (300.5, 200.5)
+    ScreenWindow& window = OpenAndPaint(view);
+    window.State.GridXY = kTrue;
+    SetGrid(window, 1, 90, 90);
+    const std::vector<Operation> lines = LinesOf(PaintGrid(window), QbColor(8));
+    ASSERT_EQ(lines.size(), 9U);
+    // Along x 800 spacings of 1 mm fit in: 400 to each side of 300. Across it 8 of 90 mm, about 180.
+    for (int i = -4; i <= 4; ++i) {
+        const auto from = view.Pixel(300 - 400, 180 + 90 * i, 0, 600),
+                   to = view.Pixel(300 + 400, 180 + 90 * i, 0, 600);
+        ExpectLine(lines[static_cast<std::size_t>(i + 4)], from[0], from[1], to[0], to[1]);
+    }
+}
+
 TEST_F(DrawingGrid, APlaneSeenEdgeOnHasNoLinesSideBySide) {
     FillJob({{0, 0, 0, 0, 0, 0}});
     ScreenWindow& window = OpenAndPaint(FlatView());

@@ -189,23 +189,40 @@ TEST_F(DrawingPoints, OfOneDepthHaveOneSizeAndTheOptionStays) {
     EXPECT_EQ(CountPixels(window, ColourOfRow(1)), 18);
 }
 
+TEST_F(DrawingPoints, FromATenthOfAThousandthOnDepthCounts) {
+    Settings.ShowPointsBigger = kTrue;
+    for (const auto& [depth, counts] : {std::pair{0.00005, false}, {0.0002, true}}) {
+        FillJob({{0, 0, 0, 0, 0, 0}, {20, 0, -depth, 0, 0, 0}});
+        Job.ViewAllOCS = kFalse;
+        ScreenWindow& window = Open(FlatView());
+        SetBigNess(window, 6);
+        Paint(window);
+        const std::vector<Operation> discs = OperationsOf(window, Stroke::Circle);
+        ASSERT_EQ(discs.size(), 2U);
+        EXPECT_NEAR(discs[0].Radius, counts ? 1 : 3, 1e-3) << depth;
+        EXPECT_NEAR(discs[1].Radius, counts ? 7 : 3, 1e-3) << depth;
+        CloseScreenWindow(window);
+    }
+}
+
 TEST_F(DrawingPoints, PlotSwitchAndBlackPlaneHideThem) {
     FillOne();
     ScreenWindow& window = OpenAndPaint(FlatView());
     const Colour colour = ColourOfRow(1);
     EXPECT_EQ(CountPixels(window, colour), 9);
     Settings.ShowPointNames = kTrue;
-    Scene.Points[kScenePlotted][1] = 0;
-    Scene.PaintStale = true;
-    Paint(window);
-    EXPECT_EQ(CountPixels(window, colour), 0);
-    EXPECT_TRUE(window.Labels.empty());
-    Scene.Points[kScenePlotted][1] = 1;
-    Scene.Points[kSceneInside][1] = 0;
-    Scene.PaintStale = true;
-    Paint(window);
-    EXPECT_EQ(CountPixels(window, colour), 0);
-    EXPECT_TRUE(window.Labels.empty());
+    // The points alone: a paint as a whole sets these columns first.
+    const auto expectNone = [&](SceneColumn column) {
+        Scene.Points[column][1] = 0;
+        Scene.PaintStale = true;
+        window.Screen.Clear(window.Screen, window.BackColor);
+        DrawPoints(window, {});
+        EXPECT_EQ(CountPixels(window, colour), 0);
+        EXPECT_TRUE(window.Labels.empty());
+        Scene.Points[column][1] = 1;
+    };
+    expectNone(kScenePlotted);
+    expectNone(kSceneInside);
 }
 
 TEST_F(DrawingPoints, OutOfToleranceInTheBackgroundColourAreNotPaintedAtAll) {

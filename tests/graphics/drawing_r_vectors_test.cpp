@@ -1,4 +1,5 @@
 // The vectors of a fit to distances.
+#include "engine/calculation_job.h"
 #include "graphics/drawing_job.h"
 
 using DrawingRVectors = Drawing;
@@ -98,4 +99,60 @@ TEST_F(DrawingRVectors, OfARobotGoFromTheFlangeOverThePoseToThePoint) {
     const auto other = view.Pixel(-50 + 40, 60, 70, 600);
     EXPECT_NEAR(lines[2].X1, other[0], 2e-3);
     EXPECT_NEAR(lines[2].Y1, other[1], 2e-3);
+}
+
+namespace {
+
+class RVectorsOfAFit : public CalculationJob {
+protected:
+    Recorded recorded_;
+};
+
+}  // namespace
+
+// Targets 40 mm above the places of their points, but that every third one is a millimetre higher: with the
+// rotation and the other shifts held the fit can only float between them.
+TEST_F(RVectorsOfAFit, AreInThePictureAfterACalculation) {
+    for (int i = 0; i < 9; ++i) {
+        const double x = 100.0 * (i % 3), y = 80.0 * (i / 3), up = i % 3 == 0 ? 41 : 40;
+        AddPair({x, y, 0}, {x, y, up});
+    }
+    Job.RVecX.resize(10);
+    Job.RVecY.resize(10);
+    Job.RVecZ.resize(10);
+    Job.ViewAllMCS = kTrue;
+    ::Run.JobDataValid = kTrue;
+    Settings.ShowRVec = kTrue;
+    Open();
+    FormTrafoBerechnung& w = TrafoWindow;
+    for (Control* const box :
+         {&w.CheckTraX, &w.CheckTraY, &w.CheckTraZ, &w.CheckRotX, &w.CheckRotY, &w.CheckRotZ})
+        UserSetValue(*box, 0);
+    for (Control* const text : {&w.TextTraX, &w.TextTraY, &w.TextTraZ, &w.TextRotX, &w.TextRotY, &w.TextRotZ})
+        UserSetText(*text, "0");
+    UserSetValue(w.CheckRDist, 1);
+    Calculate();
+    // The mean of the nine distances.
+    ASSERT_NEAR(Job.RDist, (6 * 40 + 3 * 41) / 9.0, 1e-9);
+    ScreenWindow& window = OpenScreenWindow();
+    const TestView view = {1.2, 0.3, 0.1, 2, -150, -100};
+    view.GiveTo(window);
+    window.State.Vec_Maßstab = 50;
+    RecordingOf(window).Operations.clear();
+    Stelle_Grafik_dar(window);
+    const std::vector<Operation> lines = LinesOf(window, QbColor(13));
+    ASSERT_EQ(lines.size(), 18U);
+    for (int i = 0; i < 9; ++i) {
+        const double x = 100.0 * (i % 3), y = 80.0 * (i / 3), up = i % 3 == 0 ? 41 : 40;
+        const int height = window.Screen.Height;
+        const auto point = view.Pixel(x, y, 0, height), second = view.Pixel(x, y, up - Job.RDist, height);
+        const Operation& longer = lines[2 * static_cast<std::size_t>(i)];
+        const Operation& plain = lines[2 * static_cast<std::size_t>(i) + 1];
+        EXPECT_NEAR(plain.X1, point[0], 2e-3);
+        EXPECT_NEAR(plain.Y1, point[1], 2e-3);
+        EXPECT_NEAR(plain.X2, second[0], 2e-3);
+        EXPECT_NEAR(plain.Y2, second[1], 2e-3);
+        EXPECT_NEAR(longer.X2, point[0] + 50 * (second[0] - point[0]), 0.02);
+        EXPECT_NEAR(longer.Y2, point[1] + 50 * (second[1] - point[1]), 0.02);
+    }
 }

@@ -2,6 +2,7 @@
 #include "cli/headless.h"
 #include "core/platform.h"
 #include "graphics/drawing_job.h"
+#include "paint/picture.h"
 
 using PictureToClipboard = Drawing;
 
@@ -60,6 +61,72 @@ TEST_F(PictureToClipboard, HasAllLabelsAndTheStampWrittenIntoIt) {
     EXPECT_EQ(written[0].Y1, 135);
     EXPECT_EQ(written[1].Colour1, QbColor(0));
     EXPECT_EQ(FindLabel(window, texts[1]), nullptr);  // gone again
+}
+
+TEST_F(PictureToClipboard, StandsThereWithoutItsMargins) {
+    FillJob({{20, 30, 0, 0, 0, 0}});
+    Job.ViewAllOCS = kFalse;
+    Headless.Clipboard = "a text of before";
+    ScreenWindow& window = OpenAndPaint(FlatView());
+    std::vector<std::uint32_t> painted;  // what the window shows last before the picture leaves it
+    Headless.OnYield = [&] {
+        painted.clear();
+        for (int row = 0; row < 600; ++row)
+            for (int column = 0; column < 800; ++column) painted.push_back(PixelAt(window, column, row));
+    };
+    MenüGraphicsPrint_Command();
+    EXPECT_TRUE(Messages().empty());
+    EXPECT_EQ(Headless.Clipboard, "");
+    const ClipboardImage& picture = Headless.ClipboardPicture;
+    ASSERT_EQ(picture.Width, 795);
+    ASSERT_EQ(picture.Height, 595);
+    ASSERT_EQ(picture.Pixels.size(), 795U * 595);
+    std::size_t different = 0;
+    for (std::size_t row = 0; row < 595; ++row)
+        for (std::size_t column = 0; column < 795; ++column)
+            different += picture.Pixels[row * 795 + column] != painted[(row + 3) * 800 + column + 3];
+    EXPECT_EQ(different, 0U);
+    EXPECT_EQ(picture.Pixels[0], 0xffffffffU);
+    // The point of pixel (120, 130).
+    EXPECT_EQ(picture.Pixels[127 * 795 + 117], PixelOf(static_cast<Colour>(Scene.Points[kSceneColour][1])));
+}
+
+TEST_F(PictureToClipboard, CarriesTheStampThatTheWindowDoesNotKeep) {
+    FillSurface = FillSurfaceWithPicture;
+    FillJob({{20, 30, 0, 0, 0, 0}});
+    ScreenWindow& window = OpenScreenWindow();
+    FlatView().GiveTo(window);
+    window.BackColor = QbColor(15);
+    Stelle_Grafik_dar(window);
+    const std::size_t labels = window.Labels.size();
+    MenüGraphicsPrint_Command();
+    const ClipboardImage& picture = Headless.ClipboardPicture;
+    ASSERT_EQ(picture.Width, 795);
+    // Its letters stand from (5, 5) on, which is (2, 2) without the margin, and are no higher than 20.
+    int written = 0, kept = 0;
+    for (int row = 2; row < 22; ++row)
+        for (int column = 2; column < 300; ++column) {
+            const std::size_t place = static_cast<std::size_t>(row) * 795 + static_cast<std::size_t>(column);
+            written += picture.Pixels[place] != 0xffffffffU ? 1 : 0;
+            kept += PixelAt(window, column + 3, row + 3) != 0xffffffffU ? 1 : 0;
+        }
+    EXPECT_GT(written, 200);
+    EXPECT_EQ(kept, 0);
+    EXPECT_EQ(window.Labels.size(), labels);
+}
+
+TEST_F(PictureToClipboard, ASmallWindowIsHandedOverAsFarAsItIsMoreThanMargin) {
+    FillJob({});
+    for (const auto& [side, expected] : {std::pair{1, 1}, {5, 5}, {6, 1}, {20, 15}}) {
+        ScreenWindow& window = OpenAndPaint(FlatView());
+        ResizeScreenWindow(window, side, side);
+        Headless.ClipboardPicture = ClipboardImage{};
+        MenüGraphicsPrint_Command();
+        EXPECT_EQ(Headless.ClipboardPicture.Width, expected) << side;
+        EXPECT_EQ(Headless.ClipboardPicture.Height, expected) << side;
+        CloseScreenWindow(window);
+    }
+    EXPECT_TRUE(Messages().empty());
 }
 
 TEST_F(PictureToClipboard, ARefusalIsToldAndEverythingIsAsBefore) {

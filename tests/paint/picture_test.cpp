@@ -196,6 +196,28 @@ TEST(Picture, TextOfAnyKindIsWrittenAndCutAtTheBorder) {
     EXPECT_GT(own.Painted(), 0);
 }
 
+TEST(Picture, TheEdgeOfATextHasTheColourOfTheBackground) {
+    OwnSurface own(80, 30);
+    own.Screen.Clear(own.Screen, kWhite);
+    own.Screen.Text(own.Screen, 5, 5, "HHHHH", kRed);
+    // From white to red alone: all of it is as red as can be.
+    int letters = 0, dark = 0;
+    for (int row = 0; row < 30; ++row)
+        for (int column = 0; column < 80; ++column) {
+            letters += own.At(column, row) == kRedPixel ? 1 : 0;
+            dark += (own.At(column, row) >> 16U & 0xffU) != 0xff ? 1 : 0;
+        }
+    EXPECT_GT(letters, 20);
+    EXPECT_EQ(dark, 0);
+    // What lies behind the letters does not show through their edge.
+    own.Screen.Clear(own.Screen, kWhite);
+    own.Screen.Line(own.Screen, 0, 12, 79, 12, 0, 5);
+    own.Screen.Text(own.Screen, 5, 5, "HHHHH", kRed);
+    int bright = 0;
+    for (int column = 5; column < 50; ++column) bright += (own.At(column, 12) >> 16U & 0xffU) > 0x80 ? 1 : 0;
+    EXPECT_GT(bright, 20);
+}
+
 TEST(Picture, AtTwicePixelsLinesAndDiscsHaveTwiceTheSize) {
     OwnSurface own(40, 30, 2);
     own.Screen.Line(own.Screen, 5, 7, 30, 7, kRed, 1);
