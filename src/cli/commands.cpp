@@ -98,7 +98,7 @@ CLI::App* AddRender(CLI::App& app, RenderSwitches& s) {
         ->check(Written(SizeFromText))
         ->type_name("WxH")
         ->capture_default_str();
-    render->add_option("--zoom", wish.Zoom, "Against the view in which all points fit")
+    render->add_option("--zoom", wish.Zoom, "Against the view in which all points fit, or the saved one")
         ->check(Factor(1e-3, 1e3))
         ->type_name("FACTOR")
         ->capture_default_str();
@@ -116,7 +116,7 @@ CLI::App* AddRender(CLI::App& app, RenderSwitches& s) {
     render
         ->add_option("--limits", s.Limits,
                      "Limits of the colours in the job's unit, as in --limits=-0.2,0.5;\n"
-                     "default: 0 and the largest deviation in use")
+                     "default: the largest deviation in use, both sides of 0")
         ->check(Written(LimitsFromText))
         ->type_name("MIN,MAX");
     render->add_flag("--names", wish.Names, "Also the names of the points");

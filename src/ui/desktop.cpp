@@ -361,6 +361,7 @@ void OpenDesktop() {
         auto* combo = new QComboBox(bar);
         combo->setObjectName(QStringLiteral("ComboSaveView"));
         combo->setMinimumWidth(140);
+        combo->setPlaceholderText(QStringLiteral("Saved views"));
         bar->addWidget(combo);
         // The view that the list shows can be chosen again, after the picture has been turned away from it.
         // This stands in front of the binder's connection, which is the one that changes the choice.

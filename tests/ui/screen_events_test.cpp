@@ -179,6 +179,9 @@ TEST_F(ScreenByHand, AClickChoosesThePointAndItsRowInTheMainSheet) {
     for (int col = 0; col < sheet.Cols; ++col) found = found || CellText(sheet, sheet.Row, col) == "P4";
     EXPECT_TRUE(found) << "row " << sheet.Row;
     EXPECT_EQ(S(View(window).findChild<QLabel*>(QStringLiteral("StatusBar.1"))->text()), "Pnt.ID: P4");
+    const QLabel* deviation = View(window).findChild<QLabel*>(QStringLiteral("_Deviation"));
+    EXPECT_TRUE(deviation->isVisible());
+    EXPECT_EQ(S(deviation->text()), "Deviation: 0.000  (0.000, 0.000, 0.000)");
     EXPECT_EQ(Scene.ActualPointName, "P4");
 }
 
