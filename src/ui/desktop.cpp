@@ -25,6 +25,7 @@
 #include <set>
 #include <string_view>
 
+#include "analysis/form_trompete.h"
 #include "core/controller.h"
 #include "core/files.h"
 #include "core/form_main.h"
@@ -44,6 +45,7 @@
 #include "ui/qt_text.h"
 #include "ui/screen_windows.h"
 #include "ui/theme.h"
+#include "ui/trumpet_view.h"
 
 namespace {
 
@@ -158,6 +160,7 @@ void OpenOne(const WindowEntry& window) {
     }
     BindWindow(window, *open.Form);
     if (&window == &FormColorBar_Entry) AddColourSample(*open.Form);
+    if (&window == &FormTrompete_Entry) AddTrumpet(*open.Form);
     Desktop.Windows[&window] = open;
     open.Outer->setAttribute(Qt::WA_DeleteOnClose, false);
     open.Outer->installEventFilter(new WindowEvents(window, *open.Outer));
@@ -415,6 +418,7 @@ void ShowState(bool insideWork) {
         BringToFront(*window, open);
         ShowControls(*window, panels);
         if (window == &FormColorBar_Entry) ShowColourSample(*open.Form);
+        if (window == &FormTrompete_Entry) ShowTrumpet(*open.Form);
         const QString title = Q(window->State->Caption);
         if (open.Outer->windowTitle() != title) open.Outer->setWindowTitle(title);
         if (open.Form->isEnabled() != window->State->Enabled) open.Form->setEnabled(window->State->Enabled);

@@ -184,6 +184,12 @@ void OtherPictures() {
     SaveWindow("FormMainSheet", {1100, 470});
     Trigger("MenüViewInputStatistic");
     SaveWindow("FormInputStatistic", {400, 350});
+    Trigger("MenuTransformationDistanceScale");
+    SaveWindow("FormDistanceScale", {1100, 330});
+    Press("FormDistanceScale", "BtnTrumpetGraph");
+    SaveWindow("FormTrompete", {860, 560});
+    Close("FormTrompete");
+    Close("FormDistanceScale");
     UserDid([] {
         ShowWindow("FormProgressBar");
         FindWindow("FormProgressBar")->State->Caption = "Monte Carlo";
