@@ -11,13 +11,6 @@ namespace {
 
 }  // namespace
 
-void EinlesenParaboloidData() {
-    Missing("read paraboloid shapes");
-}
-void ParaboloidNearestTargets() {}
-void CalculateParaboloid() {
-    Missing("calculate paraboloids");
-}
 void ReadBundleFile(const std::string&) {
     Missing("read bundle files");
 }

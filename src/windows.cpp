@@ -34,14 +34,17 @@
 #include "graphics/tolerance.h"
 #include "import/form_input_files.h"
 #include "import/long_import.h"
+#include "paraboloid/form_stop_para_trafo.h"
+#include "paraboloid/paraboloid.h"
+#include "paraboloid/paraboloid_records.h"
 
 namespace {
 
 const WindowEntry* const kWindows[] = {
-    &FormMain_Entry,          &FormUnits_Entry,          &FormMenuHelpInfo_Entry, &FormProgressBar_Entry,
-    &FormInputFiles_Entry,    &FormInputStatistic_Entry, &FormOptions_Entry,      &FormTrafoBerechnung_Entry,
-    &FormTrafoDetails_Entry,  &FormMainSheet_Entry,      &FormColorBar_Entry,     &FormSaveView_Entry,
-    &FormDistanceScale_Entry, &FormTrompete_Entry,
+    &FormMain_Entry,          &FormUnits_Entry,          &FormMenuHelpInfo_Entry,  &FormProgressBar_Entry,
+    &FormInputFiles_Entry,    &FormInputStatistic_Entry, &FormOptions_Entry,       &FormTrafoBerechnung_Entry,
+    &FormTrafoDetails_Entry,  &FormMainSheet_Entry,      &FormColorBar_Entry,      &FormSaveView_Entry,
+    &FormDistanceScale_Entry, &FormTrompete_Entry,       &FormStopParaTrafo_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.
@@ -68,6 +71,7 @@ void (*const kRecords[])() = {
             if (window->Screen.Close != nullptr) window->Screen.Close(window->Screen);
         Screens() = ScreensRecord{};
     },
+    [] { ParaboloidRun = ParaboloidRecord{}; },
     [] { Scene = SceneRecord{}; },
     [] { Tolerance = ToleranceRecord{}; },
     [] { SaveViewAnswer = SaveViewRecord{}; },
@@ -80,7 +84,8 @@ std::span<const WindowEntry* const> AllWindows() {
 }
 
 std::span<const std::span<const RecordEntry>> AllRecords() {
-    static const std::span<const RecordEntry> kTables[] = {CoreRecords(), EngineRecords(), AnalysisRecords()};
+    static const std::span<const RecordEntry> kTables[] = {CoreRecords(), EngineRecords(), AnalysisRecords(),
+                                                           ParaboloidRecords()};
     return kTables;
 }
 

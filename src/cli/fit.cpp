@@ -90,7 +90,8 @@ void SetUp(const FitOptions& options) {
 
 // The entry of the list of target files.
 int EntryOf(const std::string& targetKind) {
-    constexpr std::array<const char*, 6> kKinds = {"points", "kuka", "abb", "fanuc", "xyzabc", "quaternion"};
+    constexpr std::array<const char*, 7> kKinds = {"points", "kuka",       "abb",       "fanuc",
+                                                   "xyzabc", "quaternion", "paraboloid"};
     const auto* const found = std::find(kKinds.begin(), kKinds.end(), targetKind);
     Require(found != kKinds.end());
     return static_cast<int>(found - kKinds.begin());
@@ -110,7 +111,7 @@ bool Import(const FitOptions& options) {
     }
     const bool wentThrough = UserClick(w.BtnOK);
     UnloadWindow("FormInputFiles");
-    return wentThrough && IsTrue(Run.JobDataValid);
+    return wentThrough && IsTrue(Run.JobDataValid) && !IsTrue(Run.ImportFailed);
 }
 
 // The question that nobody has answered, for the message; "" when there is none.
@@ -152,7 +153,7 @@ int Calculate(const FitOptions& options, std::ostream& err) {
         MCS_OCS();
     }
     Headless.Dialogs.clear();
-    if (!Dispatch([] { ButtonCalcErsatz(); })) {
+    if (!Dispatch([] { IsTrue(Job.IsParaboloid) ? CalculateParaboloid() : ButtonCalcErsatz(); })) {
         WriteMessages(err);
         return kRefused;
     }

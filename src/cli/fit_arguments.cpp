@@ -187,9 +187,10 @@ void AddRobotOptions(CLI::App& fit, FitOptions& o) {
     fit.add_option("--as", o.TargetKind,
                    "TARGET is a robot program: declarations (.dat), fixed columns (.ls),\n"
                    "robot targets (.modx), or text, a line a pose: name x y z and a\n"
-                   "quaternion or three angles")
-        ->check(OneOf({"kuka", "fanuc", "abb", "quaternion", "xyzabc"}))
-        ->type_name("kuka|fanuc|abb|quaternion|xyzabc")
+                   "quaternion or three angles; or the profile of a shape of\n"
+                   "revolution, text, a line a point: radius and height")
+        ->check(OneOf({"kuka", "fanuc", "abb", "quaternion", "xyzabc", "paraboloid"}))
+        ->type_name("kuka|fanuc|abb|quaternion|xyzabc|paraboloid")
         ->group("Points");
     const char* const group = "Model";
     auto* distance = fit.add_flag("--r-dist", o.RDist,
@@ -251,8 +252,10 @@ void AddFormOptions(CLI::App& fit, FitOptions& o) {
 
 // What a job has of its own. (Told as what the option excludes it would make a very long line of the help.)
 std::string CheckJobOptions(const FitOptions& o) {
-    if (o.Tool && o.Job.empty() && o.TargetKind == "points")
+    if (o.Tool && o.Job.empty() && (o.TargetKind == "points" || o.TargetKind == "paraboloid"))
         return "--tool takes the orientations of a robot program: name its kind with --as";
+    if (o.TargetKind == "paraboloid" && o.Match != "id")
+        return "--as paraboloid has no target points to pair with: --match does not go with it";
     if (o.Job.empty())
         return o.Start.empty() || o.Target.empty() ? "fit takes START and TARGET, or --job FILE.cvn" : "";
     for (const char* option :
@@ -287,7 +290,8 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
     fit->add_option("START", s.Options.Start, "Point file of the start system, a line a point: name x y z")
         ->type_name("FILE");
     fit->add_option("TARGET", s.Options.Target,
-                    "Point file of the target system, or a robot program, see --as")
+                    "Point file of the target system, or a robot program or a shape,\n"
+                    "see --as")
         ->type_name("FILE");
     AddPointOptions(*fit, s);
     AddModelOptions(*fit, s.Options);
@@ -303,7 +307,8 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
         "  corvinade-cli fit measured.txt nominal.txt --match distance --tolerance 0.3\n"
         "  corvinade-cli fit measured.txt nominal.txt --parameters 7 --json\n"
         "  corvinade-cli fit measured.txt nominal.txt --monte-carlo 10000 --sigma 0.05\n"
-        "  corvinade-cli fit measured.txt program.dat --as kuka --tool\n\n"
+        "  corvinade-cli fit measured.txt program.dat --as kuka --tool\n"
+        "  corvinade-cli fit measured.txt shape.txt --as paraboloid\n\n"
         "Exit status: 0 done, 1 refused, 2 wrong usage, 3 an input cannot be read,\n"
         "4 calculated but not converged.");
     return fit;

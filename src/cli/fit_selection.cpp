@@ -170,6 +170,15 @@ std::string TakeSeedPoints(const std::vector<std::string>& given) {
     return "";
 }
 
+// The option that a shape as target leaves no room for; null where there is none.
+const char* OptionAgainstShape(const FitOptions& options) {
+    if (options.RDist) return "--r-dist";
+    if (options.Tool) return "--tool";
+    if (!options.Poses.empty()) return "--poses";
+    if (options.Norm != "l2") return "--norm";
+    return options.FromTarget ? "--direction ocs-mcs" : nullptr;
+}
+
 }  // namespace
 
 const char* HeldParameterName(int parameter) {
@@ -177,6 +186,9 @@ const char* HeldParameterName(int parameter) {
 }
 
 std::string SelectParameters(const FitOptions& options) {
+    if (const char* other = IsTrue(Job.IsParaboloid) ? OptionAgainstShape(options) : nullptr)
+        return std::string("a shape takes points to their nearest places by least squares: ") + other +
+               " does not go with it";
     // A job has its choice made, if it has been calculated once.
     const bool ofJob = !options.Job.empty();
     if (!ofJob || options.IsGiven("--parameters") || ParamText(kTraX).empty())

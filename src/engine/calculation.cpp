@@ -163,6 +163,21 @@ void TransformAllPoints(const Column* v) {
     }
 }
 
+bool CalculationIsRefused() {
+    const Column P = WeightsFromUseFlags(3 * Job.nIdent);
+    double W = std::accumulate(P.begin(), P.end(), 0.0);
+    if (Selection.CheckRDist && !Selection.CheckUseABC) W /= 3;
+    std::string why;
+    if (W < CountUnknowns(Job.ParamText)) {
+        why = "This is not a redundant calculation";
+    } else {
+        why = WhyNot();
+    }
+    Calculation.Refused = !why.empty();
+    if (Calculation.Refused) ShowMessage(why);
+    return Calculation.Refused;
+}
+
 void ButtonCalcErsatz() {
     const std::uint64_t generation = Run.JobGeneration;
     // Both before and after the events: they may change the choice, or close its window.
@@ -175,24 +190,14 @@ void ButtonCalcErsatz() {
     if (useABC && Selection.CheckRDist)
         ShowMessage("bigbug here in the CODE, you can never use R_Dist AND UseABC");
 
+    if (CalculationIsRefused()) return;
+    const bool leastSquares = Job.NormType != 1 && Job.NormType != 3;
+    Calculation.Refused = leastSquares && MonteCarloIsInTheFit() && !MonteCarloCanBeHeld();
+    if (Calculation.Refused) return;
+
     const int u = CountUnknowns(Job.ParamText);
     const int n = 3 * Job.nIdent;
     Column P = WeightsFromUseFlags(n);
-    double W = std::accumulate(P.begin(), P.end(), 0.0);
-    if (Selection.CheckRDist && !useABC) W /= 3;
-    Calculation.Refused = W < u;
-    if (Calculation.Refused) {
-        ShowMessage("This is not a redundant calculation");
-        return;
-    }
-    if (const std::string why = WhyNot(); !why.empty()) {
-        Calculation.Refused = true;
-        ShowMessage(why);
-        return;
-    }
-    const bool leastSquares = Job.NormType != 1 && Job.NormType != 3;
-    Calculation.Refused = leastSquares && IsTrue(MonteCarlo.MonteCarloOn) && !MonteCarloCanBeHeld();
-    if (Calculation.Refused) return;
 
     NormFit fit{.u = u, .n = n, .ParamText = Job.ParamText, .P = std::move(P)};
     if (!FitInNorm(fit) || Run.JobGeneration != generation) return;

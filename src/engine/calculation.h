@@ -27,6 +27,10 @@ inline CalculationRecord Calculation;
 // A calculation has ended for the points that the job holds now.
 bool CalculationIsOfThisJob();
 
+// What no fit can begin with: fewer observations than unknowns, or a choice that leaves nothing to fit. True
+// with the message, which Calculation.Refused keeps.
+bool CalculationIsRefused();
+
 // The calculation that stands behind the button, for a job without paraboloid.
 // Reads Job.ParamText and Job.NormType, the job's points and use flags, Selection and Settings. Writes the
 // job's parameters, the transformed points, the second points of the R vectors (those of a fit to distances

@@ -38,13 +38,6 @@ void MoveSeeds(const GatheredPoints& points, SeedPoints& seeds) {
     }
 }
 
-// True when the progress bar has moved.
-bool ShowRun(int i, int runs) {
-    const auto percent = static_cast<float>(100.0 * i / runs);
-    const int value = static_cast<int>(std::nearbyint(percent));
-    return std::exchange(Progress.ProgressBar1.Value, value) != value;
-}
-
 // Of run i, as the job's parameters stand.
 void WriteRun(int i, double sigmaXYZ) {
     Matrix& results = MonteCarlo.MCResults;
@@ -118,6 +111,16 @@ int RunsOfMonteCarlo() {
     constexpr int kUsualRuns = 100, kFewestRuns = 2;
     if (Settings.MonteCarloRuns == 0) return kUsualRuns;
     return Settings.MonteCarloRuns < kFewestRuns ? kFewestRuns : Settings.MonteCarloRuns;
+}
+
+bool MonteCarloIsInTheFit() {
+    return IsTrue(MonteCarlo.MonteCarloOn) && !IsTrue(Job.IsParaboloid);
+}
+
+bool ShowRunOfMonteCarlo(int i, int runs) {
+    const auto percent = static_cast<float>(100.0 * i / runs);
+    const int value = static_cast<int>(std::nearbyint(percent));
+    return std::exchange(Progress.ProgressBar1.Value, value) != value;
 }
 
 bool MonteCarloCanBeHeld() {
@@ -194,7 +197,7 @@ bool RunMonteCarlo(NormFit& fit) {
     const int runs = MonteCarlo.MCResults.Columns;
     bool complete = true;
     for (int i = 1; i <= runs && complete; ++i) {
-        const bool shown = ShowRun(i, runs);
+        const bool shown = ShowRunOfMonteCarlo(i, runs);
         YieldToEvents();
         if (overtaken()) return false;
         MCS_verrauschen(fit.Points);

@@ -40,8 +40,14 @@ inline constexpr int kMostMonteCarloRuns = 5'000'000;
 // The number of runs by Settings.MonteCarloRuns: at least 2, and 100 where none has been set.
 int RunsOfMonteCarlo();
 
+// The runs belong to the fit. For a job with a shape they are wrapped around its outer loop of fits.
+bool MonteCarloIsInTheFit();
+
 // False, with a message, when there are too many runs to hold. Nothing has been changed then.
 bool MonteCarloCanBeHeld();
+
+// Moves the progress bar to run i of `runs`. True when that moved it.
+bool ShowRunOfMonteCarlo(int i, int runs);
 
 // The steps of the runs, which a caller takes only when they can be held. The noise lives in gathered points,
 // never in the job, so that a save while events are served stores what was measured.

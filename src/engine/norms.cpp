@@ -15,7 +15,7 @@ namespace {
 bool FitL2(NormFit& fit) {
     SetStatus(6, "...L2");
     SetStatus(7, "...L2");
-    if (IsTrue(MonteCarlo.MonteCarloOn) && !RunMonteCarlo(fit)) return false;
+    if (MonteCarloIsInTheFit() && !RunMonteCarlo(fit)) return false;
     FitFromStart(fit);
     Norm.Converged = Adjustment.Converged;
     return !Adjustment.JobChanged;

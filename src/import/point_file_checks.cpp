@@ -44,9 +44,19 @@ std::size_t LastRise(const std::array<std::int64_t, 8>& counts, std::size_t end)
     return result;
 }
 
-// With this delimiter, is every line that holds anything a row of the same 3 or more columns whose
-// coordinates are numbers with decimal comma? Then the commas of the file delimit nothing.
-bool IsTableWithDecimalComma(const PointText& file, char delimiter) {
+// Numbers in a row.
+int NumbersOf(FileRows rows) {
+    return rows == FileRows::Shape ? 2 : 3;
+}
+
+// Fields in front of the numbers of a row.
+int NamesOf(FileRows rows, std::int64_t columns) {
+    return rows == FileRows::Points && columns > 3 ? 1 : 0;
+}
+
+// With this delimiter, is every line that holds anything a row of the same number of columns, which are
+// enough, and are its coordinates numbers with decimal comma? Then the commas of the file delimit nothing.
+bool IsTableWithDecimalComma(const PointText& file, FileRows rows, char delimiter) {
     LineWalk lines(file);
     std::string_view line;
     std::string decoded, scratch;
@@ -56,10 +66,10 @@ bool IsTableWithDecimalComma(const PointText& file, char delimiter) {
         if (line.empty()) continue;
         const std::int64_t here = CountByte(line, delimiter) + 1;
         if (columns == 0) columns = here;
-        if (here != columns || columns < 3) return false;
+        if (here != columns || columns < NumbersOf(rows)) return false;
         std::string_view rest = DecodedLine(file, line, decoded);
-        if (columns > 3) CutField(rest, delimiter, scratch);
-        for (int field = 0; field < 3; ++field)
+        if (NamesOf(rows, columns) > 0) CutField(rest, delimiter, scratch);
+        for (int field = 0; field < NumbersOf(rows); ++field)
             if (!TextToNumber(CutField(rest, delimiter, scratch), ',', value)) return false;
     }
     return columns > 0;
@@ -67,7 +77,7 @@ bool IsTableWithDecimalComma(const PointText& file, char delimiter) {
 
 // The same for blanks and tabs between the fields. Here every comma must stand between two digits: in
 // "A, 1, 2, 3" it delimits.
-bool IsBlankTableWithDecimalComma(const PointText& file) {
+bool IsBlankTableWithDecimalComma(const PointText& file, FileRows rows) {
     const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
     const auto isNumber = [&](std::string_view field) {
         for (std::size_t i = 0; i < field.size(); ++i) {
@@ -93,8 +103,10 @@ bool IsBlankTableWithDecimalComma(const PointText& file) {
         fields.pop_back();  // what ended the loop: nothing, or a field beyond all that are read
         if (fields.empty()) continue;
         if (columns == 0) columns = fields.size();
-        if (fields.size() != columns || columns < 3) return false;
-        for (std::size_t i = columns > 3 ? 1 : 0; i < (columns > 3 ? 4U : 3U); ++i)
+        const auto numbers = static_cast<std::size_t>(NumbersOf(rows));
+        if (fields.size() != columns || columns < numbers) return false;
+        const auto first = static_cast<std::size_t>(NamesOf(rows, static_cast<std::int64_t>(columns)));
+        for (std::size_t i = first; i < first + numbers; ++i)
             if (!isNumber(fields[i])) return false;
     }
     return columns > 0;
@@ -106,7 +118,7 @@ void DezTrennzeichenIstKomma(Flag& isComma) {
     isComma = ToFlag(PlainText(1.1)[1] == ',');
 }
 
-void FindTrennzeichen(const PointText& file, std::string& delimiter) {
+void FindTrennzeichen(const PointText& file, std::string& delimiter, FileRows rows) {
     std::array<std::int64_t, 8> counts{};
     // Block by block, so that seven counts read the memory once.
     constexpr std::size_t kBlock = 1 << 14;
@@ -118,9 +130,9 @@ void FindTrennzeichen(const PointText& file, std::string& delimiter) {
     std::size_t result = LastRise(counts, counts.size());
     if (result == kComma) {
         const std::size_t other = LastRise(counts, kComma);
-        if (other != 0 && IsTableWithDecimalComma(file, kCandidates[other])) result = other;
+        if (other != 0 && IsTableWithDecimalComma(file, rows, kCandidates[other])) result = other;
         // Without this, "A 1,5 2,5 3,5" would be read as 1, 5 and 2 without a word.
-        if (other == 0 && IsBlankTableWithDecimalComma(file)) result = 1;
+        if (other == 0 && IsBlankTableWithDecimalComma(file, rows)) result = 1;
     }
     if (result != 0) delimiter = std::string(1, kCandidates[result]);
 }
@@ -222,26 +234,32 @@ void Check_DecimalDelimiter(PointText& file, const std::string& delimiter) {
     WriteFile(file.Path, file.Changed);
 }
 
-void ASCII_FileCheck(PointText& file, Flag& hasName, std::string& delimiter) {
-    FindTrennzeichen(file, delimiter);
+bool CheckColumns(const PointText& file, FileRows rows, std::string& delimiter, std::int64_t& columns) {
+    FindTrennzeichen(file, delimiter, rows);
     if (delimiter.empty()) {
         const std::string gap = kBreak + kBreak + kBreak;
         Fail("Couldn´t find any delimiter in file: " + gap + file.Path + gap + "allowed is ONLY: " + kBreak +
              kBreak + "Space ' '" + kBreak + "or Semicolon ';'" + kBreak + "or Colon ':'" + kBreak +
              "or Star '*'" + kBreak + "or Sharp '#'" + kBreak + "or Tab '   '" + kBreak +
              "or and Comma IF Decimal Delimiter is NOT comma ','");
-        return;
+        return false;
     }
-    if (!ImportGoesOn(kShareOfChecks / 3)) return;
-    std::int64_t columns = 0, badRow = 0;
+    if (!ImportGoesOn(kShareOfChecks / 3)) return false;
+    std::int64_t badRow = 0;
     Diverse_Checks(file, columns, delimiter, badRow);
-    if (!ImportGoesOn(kShareOfChecks * 2 / 3)) return;
+    if (!ImportGoesOn(kShareOfChecks * 2 / 3)) return false;
     if (badRow != 0) {
         Fail(InFile(file) + "In Row " + std::to_string(badRow) +
              " the number of columns has changed relativ to the rows before" + kBreak +
              "Please diagnose and fix");
-        return;
+        return false;
     }
+    return true;
+}
+
+void ASCII_FileCheck(PointText& file, Flag& hasName, std::string& delimiter) {
+    std::int64_t columns = 0;
+    if (!CheckColumns(file, FileRows::Points, delimiter, columns)) return;
     if (columns == 3)
         ShowMessage(InFile(file) +
                     "File has only 3 columns; they will be interpreted as x, y, z; Point Number will be "

@@ -18,10 +18,17 @@
 void ASCII_FileCheck(const std::string& path, Flag& hasName, std::string& delimiter);
 void ASCII_FileCheck(PointText& file, Flag& hasName, std::string& delimiter);
 
+// What the rows of a file hold: a point, with or without its name in front, or a point of a profile, which is
+// two numbers.
+enum class FileRows : std::uint8_t { Points, Shape };
+
+// The checks up to the number of columns, which is given. False, with the message, when one fails.
+bool CheckColumns(const PointText& file, FileRows rows, std::string& delimiter, std::int64_t& columns);
+
 // Finds the field delimiter among blank ; : * # tab and comma. The comma is none where it is the
 // system's decimal delimiter, nor where the file without it is a table of numbers with decimal comma.
 void FindTrennzeichen(const std::string& path, std::string& delimiter);
-void FindTrennzeichen(const PointText& file, std::string& delimiter);
+void FindTrennzeichen(const PointText& file, std::string& delimiter, FileRows rows = FileRows::Points);
 
 // Counts the columns of every line by its single delimiter characters.
 //   columns      out: highest number of them; below 0 when no line holds anything

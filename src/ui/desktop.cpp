@@ -36,6 +36,7 @@
 #include "core/text.h"
 #include "graphics/form_color_bar.h"
 #include "import/form_input_files.h"
+#include "paraboloid/form_stop_para_trafo.h"
 #include "ui/binder.h"
 #include "ui/clipboard.h"
 #include "ui/colour_sample.h"
@@ -50,9 +51,9 @@
 namespace {
 
 // The windows that stand above the frame; all others stand inside it.
-constexpr std::array<std::string_view, 7> kDialogs = {"FormUnits",       "FormOptions",    "FormMenuHelpInfo",
-                                                      "FormProgressBar", "FormInputFiles", "FormColorBar",
-                                                      "FormSaveView"};
+constexpr std::array<std::string_view, 8> kDialogs = {
+    "FormUnits",      "FormOptions",  "FormMenuHelpInfo", "FormProgressBar",
+    "FormInputFiles", "FormColorBar", "FormSaveView",     "FormStopParaTrafo"};
 
 // Work that writes a text at every step shows it no more often than this.
 constexpr qint64 kBetweenPanels_ms = 100;
@@ -81,6 +82,11 @@ bool IsJob(const std::string& path) {
 
 bool IsDialog(const WindowEntry& window) {
     return std::find(kDialogs.begin(), kDialogs.end(), window.Name) != kDialogs.end();
+}
+
+// The windows of long work.
+bool IsOfLongWork(const WindowEntry& window) {
+    return &window == &FormProgressBar_Entry || &window == &FormStopParaTrafo_Entry;
 }
 
 // The dialog of the colours is at work beside the pictures that it changes.
@@ -151,8 +157,7 @@ void OpenOne(const WindowEntry& window) {
         ShowDefaultButton(*open.Form);
         // The window of long work leaves the frame in reach, whose STOP ends the work too; above a dialog
         // that blocks the frame it must stand in front itself.
-        const bool overAll =
-            &window != &FormProgressBar_Entry || QApplication::activeModalWidget() != nullptr;
+        const bool overAll = !IsOfLongWork(window) || QApplication::activeModalWidget() != nullptr;
         dialog->setWindowModality(overAll && !IsBeside(window) ? Qt::WindowModal : Qt::NonModal);
         open.Outer = dialog;
     } else {

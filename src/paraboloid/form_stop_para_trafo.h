@@ -1,0 +1,23 @@
+// The small window whose button ends the fit to a shape. It is open while the fit runs.
+#pragma once
+
+#include "core/window.h"
+
+struct FormStopParaTrafo {
+    WindowState Window{.Caption = "Paraboloid"};
+
+    Control LabelStopParaTrafo = Label("Fitting the points to the shape...");
+    Control BtnStopParaTrafo = Button("&STOP");
+
+    static void BtnStopParaTrafo_Click();
+    static void Form_Unload();
+};
+inline FormStopParaTrafo StopParaTrafo;
+extern const WindowEntry FormStopParaTrafo_Entry;
+
+// Ends the fit behind its present pass: sets ParaboloidRun.ParaStopRequested, closes this window and lets the
+// user into the calculation window again. Closing the window does the same.
+void StopIt();
+
+// Closes this window without ending anything.
+void CloseStopWindow();

@@ -1,0 +1,212 @@
+// The outer loop of the fit to a shape.
+#include "paraboloid/paraboloid.h"
+
+#include <cmath>
+
+#include "core/numbers.h"
+#include "core/platform.h"
+#include "core/refresh.h"
+#include "core/run.h"
+#include "core/units.h"
+#include "core/window.h"
+#include "engine/adjustment.h"
+#include "engine/calculation.h"
+#include "engine/calculation_window.h"
+#include "engine/monte_carlo.h"
+#include "engine/seed.h"
+#include "engine/start_values.h"
+#include "engine/transform.h"
+#include "engine/trend.h"
+#include "paraboloid/form_stop_para_trafo.h"
+#include "paraboloid/shape.h"
+#include "paraboloid/shape_passes.h"
+
+namespace {
+
+std::size_t At(int i) {
+    return static_cast<std::size_t>(i);
+}
+
+bool CalculationWindowIsOpen() {
+    return IsLoaded("FormTrafoBerechnung");
+}
+
+void TransformByParameters() {
+    Job.RotXCopy = Job.RotX;
+    Job.RotYCopy = Job.RotY;
+    Job.RotZCopy = Job.RotZ;
+    TransformAllPoints(nullptr);
+}
+
+// False when the points were replaced meanwhile.
+bool ProjectPairs() {
+    const std::uint64_t generation = Run.JobGeneration;
+    double distance = 0;
+    for (int i = 1; i <= Job.nIdent; ++i) {
+        YieldToEvents();
+        if (Run.JobGeneration != generation) return false;
+        Vec3 nearest;
+        NearestShapePoint(Job.TMCS_X[At(i)].value_or(0), Job.TMCS_Y[At(i)].value_or(0), Job.TMCS_Z[At(i)],
+                          Job.ParaboloidShape, nearest(1), nearest(2), nearest(3), distance);
+        PutTarget(i, nearest);
+    }
+    return true;
+}
+
+// The calculation window gives way to the small one whose button ends the loop.
+class WindowGivesWay {
+public:
+    WindowGivesWay() { TrafoWindow.Window.Enabled = !CalculationWindowIsOpen(); }
+    ~WindowGivesWay() {
+        CloseStopWindow();
+        ParaboloidRun.ParaStopRequested = kFalse;
+        TrafoWindow.Window.Enabled = true;
+    }
+    WindowGivesWay(const WindowGivesWay&) = delete;
+    WindowGivesWay& operator=(const WindowGivesWay&) = delete;
+};
+
+bool Stopped() {
+    return IsTrue(Run.StopRequested) || IsTrue(ParaboloidRun.ParaStopRequested);
+}
+
+// Where s0 rests the parameters may still be far from where they would come to: on to there. False when
+// nothing more is to follow.
+bool GoOnToRest() {
+    ShapePasses passes;
+    return passes.Begin() && GoToRest(passes) == PassEnd::Done && !Stopped();
+}
+
+// Where the runs were stopped no loop follows that would have to be stopped again.
+bool MonteCarloRuns() {
+    ShowWindow("FormStopParaTrafo");
+    if (!RunMonteCarloOfShape()) return false;
+    if (IsTrue(Run.StopRequested)) StopIt();
+    Run.StopRequested = ParaboloidRun.ParaStopRequested = kFalse;
+    return true;
+}
+
+}  // namespace
+
+void PutTarget(int i, const Vec3& target) {
+    Job.OCS_X[At(i)] = target(1);
+    Job.OCS_Y[At(i)] = target(2);
+    Job.OCS_Z[At(i)] = target(3);
+}
+
+void ShowTargets() {
+    if (CalculationWindowIsOpen()) TabelleFüllenNeu();
+    UpdateAllGraphicsWindows();
+    FuellenHaupttabelle();
+}
+
+void BeginOuterLoop() {
+    ParaboloidRun.PreviousS0 = 100;
+    for (ParameterTrend& trend : ParaboloidRun.Trends) {
+        trend.History.assign(6, 0);
+        trend.Boost = 0;
+    }
+}
+
+void TakeStartOfShape() {
+    SeedPoints seeds = TakeSeedPoints();
+    seeds.ScalesAreOne = true;
+    TakeStartValues(ReadStartChoice(Job.ParamText), seeds);
+    GetSeed();
+}
+
+void Accelerate(double s0) {
+    ParaboloidRecord& run = ParaboloidRun;
+    const bool smaller = s0 < run.PreviousS0;
+    run.PreviousS0 = s0;
+    for (ParameterTrend& trend : run.Trends) {
+        if (!smaller) {
+            trend.Boost = 0;
+            continue;
+        }
+        if (Job.ParamText[At(trend.Parameter)] != kFloat) continue;
+        double& value = ParameterValue(Job, trend.Parameter);
+        Column& history = trend.History;
+        history.erase(history.begin());
+        history.push_back(value);
+        constexpr double kTwice = 200;  // percent
+        bool steady = false;
+        ArrayTrend(history, kTwice, steady);
+        if (!steady) continue;
+        const double boost = trend.Boost;
+        value += boost * boost * boost * boost * (value - history[4]);
+        ++trend.Boost;
+    }
+}
+
+bool AtRest(double s0Before, double s0, double tolerance) {
+    return !(std::fabs(s0Before - s0) > tolerance);
+}
+
+void CountPass() {
+    if (ParaboloidRun.ParaPass < kMostPasses) ++ParaboloidRun.ParaPass;
+}
+
+void TellOfMostPasses() {
+    ShowMessage("Paraboloid stopped after " + PlainText(kMostPasses) + " passes, s0 does not come to rest!");
+}
+
+bool CalcParaboloid() {
+    if (ParaboloidRun.ParaPass == 1) TakeStartOfShape();
+    TransformByParameters();
+    if (!ProjectPairs()) return false;
+    CountPass();
+    const std::uint64_t generation = Run.JobGeneration;
+    ButtonCalcErsatz();
+    if (Run.JobGeneration != generation || Calculation.Refused) return false;
+    ParaboloidRun.S0 = Calculation.s0;
+    Accelerate(Calculation.s0);
+    TransformByParameters();
+    return true;
+}
+
+bool Paraboloid() {
+    if (!CalcParaboloid()) return false;
+    if (!CalculationWindowIsOpen()) return true;
+    AnzeigeReset();
+    SetText(*QualityRow(kS0).Field, ShownLength(Calculation.s0));
+    SetText(*QualityRow(kSxyz).Field, ShownLength(Calculation.SigmaXYZ));
+    return true;
+}
+
+LoopEnd FitToShape(double tolerance) {
+    BeginOuterLoop();
+    const std::uint64_t generation = Run.JobGeneration;
+    ShowWindow("FormStopParaTrafo");
+    for (int pass = 1;; ++pass) {
+        const double before = ParaboloidRun.PreviousS0;
+        if (!Paraboloid()) return LoopEnd::Lost;
+        YieldToEvents();
+        if (Run.JobGeneration != generation) return LoopEnd::Lost;
+        // All passes behind one that failed would do the same, each with its message.
+        if (Stopped() || !Calculation.Converged || !Calculation.Finite) return LoopEnd::Stopped;
+        if (AtRest(before, ParaboloidRun.S0, tolerance)) return LoopEnd::Rest;
+        if (pass == kMostPasses) {
+            TellOfMostPasses();
+            return LoopEnd::Stopped;
+        }
+    }
+}
+
+void CalculateParaboloid() {
+    if (CalculationWindowIsOpen()) TakeSelection();
+    const bool runs = IsTrue(MonteCarlo.MonteCarloOn);
+    Calculation.Refused = !JobHasShape() || (runs && !MonteCarloCanBeHeld());
+    if (Calculation.Refused || CalculationIsRefused()) return;
+    const std::uint64_t generation = Run.JobGeneration;
+    const WindowGivesWay gives;
+    Run.CalcDone = kFalse;
+    ParaboloidRun.ParaPass = 1;
+    ParaboloidRun.ParaStopRequested = kFalse;
+    if (runs && !MonteCarloRuns()) return;
+    constexpr double kRest = 1e-6;
+    const double tolerance = kRest * Units.LengthFactor;
+    if (FitToShape(tolerance) == LoopEnd::Rest && GoOnToRest()) FitToShape(tolerance);
+    if (Run.JobGeneration != generation) return;
+    if (!Calculation.Refused) TransformByParameters();
+}

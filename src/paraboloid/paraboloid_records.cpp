@@ -1,0 +1,30 @@
+// The records of the fit to a shape by name.
+#include "paraboloid/paraboloid_records.h"
+
+#include "paraboloid/paraboloid.h"
+
+namespace {
+
+const RecordEntry kRecords[] = {
+    {"ParaboloidFile", &ParaboloidRun.ParaboloidFile, Storage::Run},
+    {"ShapeTest", &ParaboloidRun.ShapeTest, Storage::Run},
+    {"ParaStopRequested", &ParaboloidRun.ParaStopRequested, Storage::Run},
+    {"PreviousS0", &ParaboloidRun.PreviousS0, Storage::Run},
+    {"ParaPass", &ParaboloidRun.ParaPass, Storage::Run},
+    {"TrendTraX", &ParaboloidRun.Trends[0].History, Storage::Run},
+    {"TrendTraY", &ParaboloidRun.Trends[1].History, Storage::Run},
+    {"TrendTraZ", &ParaboloidRun.Trends[2].History, Storage::Run},
+    {"TrendRotX", &ParaboloidRun.Trends[3].History, Storage::Run},
+    {"TrendRotY", &ParaboloidRun.Trends[4].History, Storage::Run},
+    {"BoostTraX", &ParaboloidRun.Trends[0].Boost, Storage::Run},
+    {"BoostTraY", &ParaboloidRun.Trends[1].Boost, Storage::Run},
+    {"BoostTraZ", &ParaboloidRun.Trends[2].Boost, Storage::Run},
+    {"BoostRotX", &ParaboloidRun.Trends[3].Boost, Storage::Run},
+    {"BoostRotY", &ParaboloidRun.Trends[4].Boost, Storage::Run},
+};
+
+}  // namespace
+
+std::span<const RecordEntry> ParaboloidRecords() {
+    return kRecords;
+}

@@ -1,0 +1,214 @@
+// The shape file: its reading, and the report on how good the interpolation between its points is.
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <vector>
+
+#include "core/files.h"
+#include "core/job.h"
+#include "core/numbers.h"
+#include "core/platform.h"
+#include "core/refresh.h"
+#include "core/run.h"
+#include "core/text.h"
+#include "core/units.h"
+#include "import/point_file_checks.h"
+#include "paraboloid/paraboloid.h"
+#include "paraboloid/shape.h"
+
+namespace {
+
+struct ProfilePoint {
+    double r, z;  // mm
+    std::int64_t Line;
+};
+
+struct Profile {
+    std::vector<ProfilePoint> Points;
+    int DoublePoints = 0;
+};
+
+// A row has two fields and no name in front, whatever a robot file before it had.
+struct NoNameInFront {
+    NoNameInFront() { Run.RobotFileHasId = kFalse; }
+    ~NoNameInFront() { Run.RobotFileHasId = before_; }
+    NoNameInFront(const NoNameInFront&) = delete;
+    NoNameInFront& operator=(const NoNameInFront&) = delete;
+
+private:
+    Flag before_ = Run.RobotFileHasId;
+};
+
+// False where a message has said what is wrong.
+bool Check(PointText& file) {
+    std::int64_t columns = 0;
+    if (!CheckColumns(file, FileRows::Shape, Run.Delimiter, columns)) return false;
+    const NoNameInFront none;
+    Check_DecimalDelimiter(file, Run.Delimiter);
+    return !IsTrue(Run.ImportFailed);
+}
+
+double Length(const PointText& file, std::int64_t row, std::string_view field) {
+    double value = 0;
+    if (!TextToNumber(field, SystemDecimal(), value) || !std::isfinite(value / Units.LengthFactor))
+        throw PlatformError{"Cannot read \"" + file.Path + "\", line " + std::to_string(row) + ": \"" +
+                            Printable(field) + "\" is not a number"};
+    return value / Units.LengthFactor;
+}
+
+Profile ReadProfile(const PointText& file) {
+    std::int64_t count = 0;
+    AnzZeilen(file, count);
+    if (count >= std::numeric_limits<std::int32_t>::max())
+        throw PlatformError{"Cannot read \"" + file.Path + "\": it has more lines than a job has room for"};
+    Profile profile;
+    profile.Points.reserve(static_cast<std::size_t>(count));
+    LineWalk lines(file);
+    std::string_view line;
+    std::string decoded, first, second;
+    const char delimiter = DelimiterCharacter(Run.Delimiter);
+    while (lines.Next(line)) {
+        if (line.empty()) continue;
+        std::string_view rest = DecodedLine(file, line, decoded);
+        const std::string_view radius = CutField(rest, delimiter, first);
+        const double r = Length(file, lines.Row, radius);
+        const double z = std::fabs(Length(file, lines.Row, CutField(rest, delimiter, second)));
+        if (!profile.Points.empty() && profile.Points.back().r == r && profile.Points.back().z == z) {
+            ++profile.DoublePoints;
+            profile.Points.back().Line = lines.Row;
+        } else {
+            profile.Points.push_back({r, z, lines.Row});
+        }
+    }
+    return profile;
+}
+
+// Searched by halving, a profile whose radius does not rise everywhere may give a wrong nearest point.
+void TellOfFirstUnsorted(const std::string& path, const Profile& profile) {
+    for (std::size_t i = 1; i < profile.Points.size(); ++i) {
+        const ProfilePoint &before = profile.Points[i - 1], &here = profile.Points[i];
+        if (here.r > before.r) continue;
+        const double factor = Units.LengthFactor;
+        ShowMessage("File: " + path + kLineEnd + kLineEnd +
+                    "The shape is not sorted by rising radius: line " + std::to_string(here.Line) +
+                    " has the radius " + PlainText(here.r * factor) + " behind the radius " +
+                    PlainText(before.r * factor) +
+                    ". It is read as it stands; points near this line may be put onto a wrong place of the "
+                    "shape.");
+        return;
+    }
+}
+
+void TakeProfile(const Profile& profile) {
+    Matrix shape(static_cast<int>(profile.Points.size()), 2);
+    for (int row = 1; row <= shape.Rows; ++row) {
+        shape(row, 1) = profile.Points[static_cast<std::size_t>(row - 1)].r;
+        shape(row, 2) = profile.Points[static_cast<std::size_t>(row - 1)].z;
+    }
+    Job.ParaboloidShape = std::move(shape);
+}
+
+// --- The test of the interpolation ------------------------------------------------------------------------
+
+constexpr int kFewestRowsForTest = 5;
+
+// How far the height of row i - 1 would be off if it were interpolated between its neighbours; nothing where
+// these have the same radius. The points that a job is measured between are twice as dense, and the error of
+// a chord goes with the square of its length: so a quarter of this is what the shape itself may be off by.
+std::optional<double> Delta1(const Matrix& shape, int i) {
+    const double r = shape(i, 1), z = shape(i, 2), r1 = shape(i - 1, 1), z1 = shape(i - 1, 2),
+                 r2 = shape(i - 2, 1), z2 = shape(i - 2, 2);
+    const double delta = (z - z2) * (r1 - r2) / (r - r2) + z2 - z1;
+    return std::isfinite(delta) ? std::optional<double>(delta) : std::nullopt;
+}
+
+struct InterpolationTest {
+    // The largest and the smallest delta1, mm. A dish has delta1 above 0 everywhere, a dome below.
+    double Biggest = -std::numeric_limits<double>::infinity();
+    double Smallest = std::numeric_limits<double>::infinity();
+    double Average = 0;  // of the quarters; mm
+};
+
+InterpolationTest TestInterpolation(const Matrix& shape) {
+    InterpolationTest test;
+    ParaboloidRun.ShapeTest.assign(static_cast<std::size_t>(shape.Rows) + 1, 0);
+    double sum = 0;
+    for (int i = kFewestRowsForTest; i <= shape.Rows; ++i) {
+        const std::optional<double> delta = Delta1(shape, i);
+        if (!delta) continue;
+        ParaboloidRun.ShapeTest[static_cast<std::size_t>(i)] = *delta;
+        test.Biggest = std::max(test.Biggest, *delta);
+        test.Smallest = std::min(test.Smallest, *delta);
+        sum += *delta / 4;
+    }
+    if (test.Biggest < test.Smallest) test.Biggest = test.Smallest = 0;  // no row could be tested
+    test.Average = sum / (shape.Rows - 1);
+    return test;
+}
+
+std::string ReportOf(const Matrix& shape) {
+    const std::string newLine = kLineEnd;
+    std::string report =
+        "Due to using discret Points in the nominal file, Corvinade ist interpolating beetween this points." +
+        newLine +
+        "To analyze how much error this causes, Corvinade does some test cacluations; for details see the "
+        "Corvinade Manual:" +
+        newLine + "Chapter Paraboloid Option" + newLine + newLine;
+    if (shape.Rows < kFewestRowsForTest)
+        return report + "The shape has " + std::to_string(shape.Rows) + " rows; the test needs at least " +
+               std::to_string(kFewestRowsForTest) + ".";
+    const InterpolationTest test = TestInterpolation(shape);
+    const auto shown = [](double length_mm) {
+        return FormatNumber(length_mm * Units.LengthFactor, "0.000000") + " " + Job.LengthUnitName;
+    };
+    report += "Biggest delta1 is " + shown(test.Biggest) + newLine;
+    report +=
+        "Accuracy of Interpolation based on the Shape Definition is approx. 1/4 of delta1 and is at the worst "
+        "position better than  " +
+        shown(test.Biggest / 4) + newLine;
+    report +=
+        "The average interpolation accuracy (average delta1) for the whole shape is " + shown(test.Average);
+    if (-test.Smallest > std::fabs(test.Biggest))
+        report += newLine + "Where the shape bends downwards delta1 is down to " + shown(test.Smallest);
+    return report;
+}
+
+void Fail(const std::string& message) {
+    Run.ImportFailed = kTrue;
+    ShowMessage(message);
+}
+
+}  // namespace
+
+void EinlesenParaboloidData() {
+    const std::string path = ParaboloidRun.ParaboloidFile = Run.PathReader;
+    Job.ParaboloidShape = Matrix(0, 2);  // the shape of other points is none of these
+    ParaboloidRun.ShapeTest.assign(1, 0);
+    if (!File_Exist(path)) return Fail("File " + path + " not found");
+    PointText file = LoadPointText(path);
+    const std::uint64_t generation = Run.JobGeneration;
+    if (!Check(file) || Run.JobGeneration != generation) return;
+    const Profile profile = ReadProfile(file);
+    if (profile.Points.size() < 2)
+        return Fail("File: " + path + kLineEnd + kLineEnd + "A shape needs at least 2 different rows.");
+    TakeProfile(profile);
+    TellOfFirstUnsorted(path, profile);
+    if (profile.DoublePoints > 0)
+        ShowMessage(std::to_string(profile.DoublePoints) + " double Points in File" + kLineEnd + path +
+                    kLineEnd + "...and will ignore them");
+    if (Run.JobGeneration == generation) ShowMessage(ReportOf(Job.ParaboloidShape));
+}
+
+void ParaboloidNearestTargets() {
+    if (!ShapeServes(Job.ParaboloidShape)) return;
+    double distance = 0;
+    for (int i = 1; i <= std::min(Job.nMCS, Job.nOCS); ++i) {
+        const Vec3 start = StartPoint(i);
+        Vec3 nearest;
+        NearestShapePoint(start(1), start(2), start(3), Job.ParaboloidShape, nearest(1), nearest(2),
+                          nearest(3), distance);
+        PutTarget(i, nearest);
+    }
+    ShowTargets();
+}
