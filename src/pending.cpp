@@ -18,8 +18,5 @@ void ParaboloidNearestTargets() {}
 void CalculateParaboloid() {
     Missing("calculate paraboloids");
 }
-void ReadBundleFile(const std::string&) {
-    Missing("read bundle files");
-}
 
 void Alle_Fahnen_neu_zeichnen() {}

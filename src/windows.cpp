@@ -2,6 +2,9 @@
 #include "analysis/form_input_statistic.h"
 #include "analysis/form_main_sheet.h"
 #include "analysis/form_options.h"
+#include "bundle/bundle_records.h"
+#include "bundle/form_buendel.h"
+#include "bundle/network.h"
 #include "core/controller.h"
 #include "core/form_help_info.h"
 #include "core/form_main.h"
@@ -39,6 +42,7 @@ const WindowEntry* const kWindows[] = {
     &FormMain_Entry,         &FormUnits_Entry,          &FormMenuHelpInfo_Entry, &FormProgressBar_Entry,
     &FormInputFiles_Entry,   &FormInputStatistic_Entry, &FormOptions_Entry,      &FormTrafoBerechnung_Entry,
     &FormTrafoDetails_Entry, &FormMainSheet_Entry,      &FormColorBar_Entry,     &FormSaveView_Entry,
+    &FormBündel_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.
@@ -57,6 +61,7 @@ void (*const kRecords[])() = {
     [] { Noise = NoiseRecord{}; },
     [] { Inverse = InverseRecord{}; },
     [] { Spezial = SpezialRecord{}; },
+    [] { Bundle = BundleRecord{}; },
     [] { LongImport = LongImportRecord{}; },
     [] { MainSheet = MainSheetRecord{}; },
     [] {
@@ -76,7 +81,7 @@ std::span<const WindowEntry* const> AllWindows() {
 }
 
 std::span<const std::span<const RecordEntry>> AllRecords() {
-    static const std::span<const RecordEntry> kTables[] = {CoreRecords(), EngineRecords()};
+    static const std::span<const RecordEntry> kTables[] = {CoreRecords(), EngineRecords(), BundleRecords()};
     return kTables;
 }
 
