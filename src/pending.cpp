@@ -11,8 +11,4 @@ namespace {
 
 }  // namespace
 
-void ReadBundleFile(const std::string&) {
-    Missing("read bundle files");
-}
-
 void Alle_Fahnen_neu_zeichnen() {}

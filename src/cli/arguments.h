@@ -21,6 +21,18 @@ inline CLI::Validator Between(int least, int most) {
     return check.description("");
 }
 
+// The units of length by the names that a command line knows them by.
+inline CLI::Validator LengthUnitByName() {
+    return NameOf({{"millimeter", "millimeter"},
+                   {"mm", "millimeter"},
+                   {"meter", "meter"},
+                   {"m", "meter"},
+                   {"inch", "inch"},
+                   {"in", "inch"},
+                   {"feet", "feet"},
+                   {"ft", "feet"}});
+}
+
 inline void AddDecimal(CLI::App& command, std::string& decimal, const char* group) {
     command
         .add_option("--decimal", decimal,

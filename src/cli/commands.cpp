@@ -6,6 +6,7 @@
 
 #include "cli/arguments.h"
 #include "cli/automate.h"
+#include "cli/bundle.h"
 #include "cli/distances.h"
 #include "cli/fit.h"
 #include "cli/fit_arguments.h"
@@ -179,6 +180,46 @@ CLI::App* AddDistances(CLI::App& app, DistancesSwitches& s) {
     return distances;
 }
 
+struct BundleSwitches {
+    BundleOptions Options;
+    std::string Decimal;
+};
+
+CLI::App* AddBundle(CLI::App& app, BundleSwitches& s) {
+    BundleOptions& o = s.Options;
+    CLI::App* bundle =
+        app.add_subcommand("bundle", "Adjust a theodolite network so that it agrees with its distances");
+    bundle
+        ->add_option("FILE", o.Path,
+                     "Network: the sections Theodolite, Object Points and Distances,\n"
+                     "each with a line that is skipped, its entries, and END")
+        ->type_name("FILE")
+        ->required();
+    bundle
+        ->add_option("--reduce", o.Percent,
+                     "Percentage of the object points that take part, 1 to 100;\n"
+                     "default: 100")
+        ->check(CLI::Validator([](const std::string& text) { return CheckReduce(text); }, ""))
+        ->type_name("P");
+    bundle
+        ->add_option("--to", o.Folder,
+                     "Also write the approximate network as BündelOCS.txt and the\n"
+                     "adjusted one as BündelMCS.txt into this folder")
+        ->check([](const std::string& text) {
+            return std::string(text.empty() ? "the name of the folder is empty" : "");
+        })
+        ->type_name("DIR");
+    bundle->add_option("--length-unit", o.LengthUnit, "Unit of the files and of what is shown; default: mm")
+        ->transform(LengthUnitByName())
+        ->type_name("mm|m|in|ft");
+    bundle->add_option("--digits", o.LengthDigits, "Decimals of lengths, 0 to 6; default: 3")
+        ->check(Between(0, 6))
+        ->type_name("N");
+    bundle->add_flag("--json", o.Json, "Everything as JSON, with full precision, in mm");
+    AddDecimal(*bundle, s.Decimal, "Options");
+    return bundle;
+}
+
 struct AutomateSwitches {
     AutomationOptions Options;
     std::string SettingsDir, Decimal, Screen = "800x600";
@@ -255,6 +296,8 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     const CLI::App* render = AddRender(app, renderSwitches);
     DistancesSwitches distancesSwitches;
     const CLI::App* distances = AddDistances(app, distancesSwitches);
+    BundleSwitches bundleSwitches;
+    const CLI::App* bundle = AddBundle(app, bundleSwitches);
     AddAutomate(app, automateSwitches);
     try {
         app.parse(argc, argv);
@@ -268,6 +311,10 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     }
     if (render->parsed()) return Render(renderSwitches, err);
     if (distances->parsed()) return Distances(distancesSwitches, out, err, terminal);
+    if (bundle->parsed()) {
+        bundleSwitches.Options.Decimal = DecimalOf(bundleSwitches.Decimal);
+        return RunBundle(bundleSwitches.Options, out, err, terminal && ColourWanted(), progress);
+    }
     TakeJobSwitches(jobSwitches);
     if (info->parsed()) return RunInfo(jobSwitches.Options, out, err, terminal && ColourWanted());
     if (convert->parsed()) return RunConvert(jobSwitches.Options, err);

@@ -10,15 +10,7 @@
 
 namespace {
 
-// Names by which the units are known on a command line.
-const std::map<std::string, std::string> kLengthNames = {{"millimeter", "millimeter"},
-                                                         {"mm", "millimeter"},
-                                                         {"meter", "meter"},
-                                                         {"m", "meter"},
-                                                         {"inch", "inch"},
-                                                         {"in", "inch"},
-                                                         {"feet", "feet"},
-                                                         {"ft", "feet"}};
+// Names by which the units are known on a command line; those of lengths serve other commands too.
 const std::map<std::string, std::string> kAngleNames = {
     {"degree", "degree"},       {"deg", "degree"},
     {"gon", "grad (gon)"},      {"rad", "rad"},
@@ -100,7 +92,7 @@ void AddOutputOptions(CLI::App& fit, FitSwitches& s) {
     const char* const group = "Units and output";
     FitOptions& o = s.Options;
     fit.add_option("--length-unit", o.LengthUnit, "Unit of the files and of what is shown; default: mm")
-        ->transform(NameOf(kLengthNames))
+        ->transform(LengthUnitByName())
         ->type_name("mm|m|in|ft")
         ->group(group);
     fit.add_option("--angle-unit", o.AngleUnit, "Unit of angles; default: deg")

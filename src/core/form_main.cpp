@@ -56,6 +56,10 @@ const ControlEntry kControls[] = {
      &Main.MenuTransformationDistanceScale,
      {.Click = FormMain::MenuTransformationDistanceScale_Click},
      "MenuTransformation"},
+    {"MenuTransformationBundle",
+     &Main.MenuTransformationBundle,
+     {.Click = FormMain::MenuTransformationBundle_Click},
+     "MenuTransformation"},
     {"MenueTransformationBatch",
      &Main.MenueTransformationBatch,
      {.Click = FormMain::MenueTransformationBatch_Click},
@@ -350,6 +354,9 @@ void FormMain::MenuVievMainSheet_Click() {
 }
 void FormMain::MenüViewInputStatistic_Click() {
     ShowWindow("FormInputStatistic");
+}
+void FormMain::MenuTransformationBundle_Click() {
+    ShowWindow("FormBündel");
 }
 void FormMain::MenueTransformationBatch_Click() {
     ShowWindow("FormBatch");

@@ -37,6 +37,7 @@ struct FormMain {
     Control MenuTransformation = Menu("&Transformation");
     Control MenuTransformationCalculation = Menu("&Calculation");
     Control MenuTransformationDistanceScale = Menu("&Distance Scale");
+    Control MenuTransformationBundle = Menu("B&undle...");
     Control MenueTransformationBatch = Menu("&Batch...");
 
     Control MenueGraphics = Menu("&Graphics");
@@ -146,6 +147,7 @@ struct FormMain {
     static void MenüViewInputStatistic_Click();
     static void MenuTransformationCalculation_Click();
     static void MenuTransformationDistanceScale_Click();
+    static void MenuTransformationBundle_Click();
     static void MenueTransformationBatch_Click();
     static void MenuSettingsUnits_Click();
     static void MenueExtrasOptions_Click();

@@ -65,7 +65,7 @@ protected:
                     .replace(QStringLiteral("&gt;"), QStringLiteral(">"))
                     .replace(QStringLiteral("&amp;"), QStringLiteral("&")));
         for (const char* name : {"FormInputFiles", "FormTrafoBerechnung", "FormTrafoDetails", "FormMainSheet",
-                                 "FormOptions", "FormUnits", "FormColorBar", "FormSaveView"}) {
+                                 "FormOptions", "FormUnits", "FormColorBar", "FormSaveView", "FormBündel"}) {
             const WindowEntry& window = *FindWindow(name);
             UserDid([&window] { ShowWindow(window.Name); });
             for (const ControlEntry& control : window.Controls) {
