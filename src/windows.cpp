@@ -1,4 +1,6 @@
 // The tables above all rooms: every window, and every record with mutable state.
+#include "analysis/form_batch.h"
+#include "analysis/form_change_dir.h"
 #include "analysis/form_input_statistic.h"
 #include "analysis/form_main_sheet.h"
 #include "analysis/form_options.h"
@@ -39,6 +41,7 @@ const WindowEntry* const kWindows[] = {
     &FormMain_Entry,         &FormUnits_Entry,          &FormMenuHelpInfo_Entry, &FormProgressBar_Entry,
     &FormInputFiles_Entry,   &FormInputStatistic_Entry, &FormOptions_Entry,      &FormTrafoBerechnung_Entry,
     &FormTrafoDetails_Entry, &FormMainSheet_Entry,      &FormColorBar_Entry,     &FormSaveView_Entry,
+    &FormBatch_Entry,        &FormChangeDir_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.
@@ -67,6 +70,7 @@ void (*const kRecords[])() = {
     [] { Scene = SceneRecord{}; },
     [] { Tolerance = ToleranceRecord{}; },
     [] { SaveViewAnswer = SaveViewRecord{}; },
+    [] { ChangeDirAnswer = ChangeDirRecord{}; },
 };
 
 }  // namespace

@@ -6,11 +6,13 @@
 
 #include "cli/arguments.h"
 #include "cli/automate.h"
+#include "cli/export_job.h"
 #include "cli/fit.h"
 #include "cli/fit_arguments.h"
 #include "cli/headless.h"
 #include "cli/job_files.h"
 #include "cli/render.h"
+#include "cli/transform.h"
 #include "core/controller.h"
 #include "core/numbers.h"
 #include "core/platform.h"
@@ -217,6 +219,10 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     const CLI::App* convert = AddConvert(app, jobSwitches);
     RenderSwitches renderSwitches;
     const CLI::App* render = AddRender(app, renderSwitches);
+    TransformSwitches transformSwitches;
+    const CLI::App* transform = AddTransform(app, transformSwitches);
+    ExportSwitches exportSwitches;
+    const CLI::App* exported = AddExport(app, exportSwitches);
     AddAutomate(app, automateSwitches);
     try {
         app.parse(argc, argv);
@@ -229,6 +235,14 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
         return Fit(fitSwitches, out, err, terminal, progress);
     }
     if (render->parsed()) return Render(renderSwitches, err);
+    if (transform->parsed()) {
+        TakeTransformSwitches(transformSwitches);
+        return RunTransform(transformSwitches.Options, err, progress);
+    }
+    if (exported->parsed()) {
+        TakeExportSwitches(exportSwitches);
+        return RunExport(exportSwitches.Options, err);
+    }
     TakeJobSwitches(jobSwitches);
     if (info->parsed()) return RunInfo(jobSwitches.Options, out, err, terminal && ColourWanted());
     if (convert->parsed()) return RunConvert(jobSwitches.Options, err);

@@ -12,16 +12,24 @@ namespace fs = std::filesystem;
 
 namespace {
 
+fs::path PathOf(const std::string& path) {
+    return fs::path(std::u8string(path.begin(), path.end()));
+}
+
+std::string TextOf(const fs::path& path) {
+    const std::u8string text = path.u8string();
+    return {text.begin(), text.end()};
+}
+
 // The names in a folder for which `wanted` holds; `error` tells why there are not all.
 template <class Wanted>
 std::vector<std::string> NamesIn(const std::string& folder, Wanted wanted, std::error_code& error) {
     std::vector<std::string> names;
-    fs::directory_iterator entry(fs::path(std::u8string(folder.begin(), folder.end())), error);
+    fs::directory_iterator entry(PathOf(folder), error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
         std::error_code none;
         if (!wanted(*entry, none)) continue;
-        const std::u8string name = entry->path().filename().u8string();
-        names.emplace_back(name.begin(), name.end());
+        names.push_back(TextOf(entry->path().filename()));
     }
     std::sort(names.begin(), names.end());
     return names;
@@ -54,4 +62,17 @@ std::vector<std::string> Drives() {
         if (Directory_Exist(drive)) drives.push_back(drive);
     }
     return drives;
+}
+
+std::string NameOfFile(const std::string& path) {
+    return TextOf(PathOf(path).filename());
+}
+
+std::string PlainFolder(const std::string& folder) {
+    const fs::path path = PathOf(AbsolutePath(folder));
+    return TextOf(path.has_filename() || path == path.root_path() ? path : path.parent_path());
+}
+
+std::string FolderAbove(const std::string& folder) {
+    return TextOf(PathOf(folder).parent_path());
 }

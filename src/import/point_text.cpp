@@ -2,9 +2,11 @@
 #include "import/point_text.h"
 
 #include <array>
+#include <bit>
 #include <cstring>
 
 #include "core/platform.h"
+#include "core/require.h"
 #include "core/text.h"
 
 namespace {
@@ -56,7 +58,7 @@ bool IsLineEnd(char c) {
 
 // Is there a CR that no LF follows?
 bool HasLoneReturn(std::string_view text) {
-    if (text.empty()) return false;
+    if (text.empty() || std::memchr(text.data(), '\r', text.size()) == nullptr) return false;
     if (text.back() == '\r') return true;
     const char* const at = text.data();
     return CountPlaces(
@@ -66,6 +68,7 @@ bool HasLoneReturn(std::string_view text) {
 }
 
 void Look(PointText& file, std::string_view whole) {
+    file.Census = LineCensus{};
     file.HasMark = whole.starts_with(kByteOrderMark);
     file.Text = file.HasMark ? whole.substr(kByteOrderMark.size()) : whole;
     file.Ascii = IsAscii(file.Text);
@@ -153,4 +156,113 @@ std::int64_t CountFilledLines(std::string_view text) {
         text.size() - 1, [&](std::size_t i) { return Ones(~ends(i) & ends(i + 1)); },
         [at](std::size_t i) { return !IsLineEnd(at[i]) && IsLineEnd(at[i + 1]); });
     return count + (IsLineEnd(text.back()) ? 0 : 1);
+}
+
+namespace {
+
+using Word = std::uint64_t;
+
+constexpr Word kOnes = 0x0101010101010101U;
+
+// 1 in every byte that equals that of `character`, which has it in all.
+Word Matches(Word word, Word character) {
+    const Word difference = word ^ character;
+    constexpr Word kLow = 0x7FU * kOnes;
+    return (~(((difference & kLow) + kLow) | difference | kLow)) >> 7;
+}
+
+Word SumOfBytes(Word word) {
+    return (word * kOnes) >> 56;
+}
+
+// Adds up a census line by line.
+class Counting {
+public:
+    explicit Counting(LineCensus& census) : census_(census) {}
+
+    void EndLine(bool empty, std::int64_t delimiters, std::int64_t marks) {
+        ++row_;
+        if (marks > census_.MostMarks) census_.MostMarks = marks;
+        if (empty) return;
+        if (delimiters < census_.FewestDelimiters) census_.FewestDelimiters = delimiters;
+        if (delimiters > census_.MostDelimiters) census_.MostDelimiters = delimiters;
+        if (census_.FewestDelimiters != census_.MostDelimiters && census_.FirstOther == 0)
+            census_.FirstOther = row_;
+    }
+
+private:
+    LineCensus& census_;
+    std::int64_t row_ = 0;
+};
+
+// Eight characters at a time; a line's counts are kept byte by byte and added up at its end.
+void TakeCensus(std::string_view text, LineCensus& census) {
+    const Word delimiters = kOnes * static_cast<unsigned char>(census.Delimiter);
+    const Word marks = kOnes * static_cast<unsigned char>(census.Mark);
+    Counting counting(census);
+    Word delimitersHere = 0, marksHere = 0, delimiterBytes = 0, markBytes = 0;
+    int words = 0;
+    const auto addUp = [&] {
+        delimitersHere += SumOfBytes(delimiterBytes);
+        marksHere += SumOfBytes(markBytes);
+        delimiterBytes = markBytes = 0;
+        words = 0;
+    };
+    std::size_t begin = 0, at = 0;
+    const auto endLine = [&](std::size_t end) {
+        addUp();
+        const std::size_t length = end - begin;
+        counting.EndLine(length == 0 || (length == 1 && text[begin] == '\r'),
+                         static_cast<std::int64_t>(delimitersHere), static_cast<std::int64_t>(marksHere));
+        delimitersHere = marksHere = 0;
+        begin = end + 1;
+    };
+    constexpr int kMostWords = 31;  // the sum of eight bytes stays below 256
+    for (; text.size() - at >= sizeof(Word); at += sizeof(Word)) {
+        Word word = 0;
+        std::memcpy(&word, text.data() + at, sizeof word);
+        const Word isDelimiter = Matches(word, delimiters), isMark = Matches(word, marks);
+        Word counted = 0;  // bytes of this word that belong to lines already ended
+        for (Word lineFeeds = Matches(word, kOnes * '\n'); lineFeeds != 0; lineFeeds &= lineFeeds - 1) {
+            const Word before = (lineFeeds & -lineFeeds) - 1;
+            delimiterBytes += isDelimiter & before & ~counted;
+            markBytes += isMark & before & ~counted;
+            counted = before;
+            endLine(at + static_cast<std::size_t>(std::countr_zero(lineFeeds)) / 8);
+        }
+        delimiterBytes += isDelimiter & ~counted;
+        markBytes += isMark & ~counted;
+        if (++words == kMostWords) addUp();
+    }
+    for (; at < text.size(); ++at) {
+        if (text[at] == '\n') {
+            endLine(at);
+        } else {
+            delimitersHere += text[at] == census.Delimiter ? 1 : 0;
+            marksHere += text[at] == census.Mark ? 1 : 0;
+        }
+    }
+    if (begin < text.size()) endLine(text.size());
+}
+
+}  // namespace
+
+const LineCensus& CensusOf(PointText& file, char delimiter, char mark) {
+    Require(!file.LoneReturns);
+    LineCensus& census = file.Census;
+    if (census.Taken && census.Delimiter == delimiter && census.Mark == mark) return census;
+    census = LineCensus{};
+    census.Delimiter = delimiter;
+    census.Mark = mark;
+    census.Taken = true;
+    if constexpr (std::endian::native == std::endian::little) {
+        TakeCensus(file.Text, census);
+    } else {
+        Counting counting(census);
+        LineWalk lines(file);
+        std::string_view line;
+        while (lines.Next(line))
+            counting.EndLine(line.empty(), CountByte(line, delimiter), CountByte(line, mark));
+    }
+    return census;
 }

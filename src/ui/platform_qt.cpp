@@ -42,8 +42,10 @@ public:
 };
 
 // "name|pattern|name|pattern" as the toolkit has it; names hold their pattern in brackets already, or get it.
+// A pattern alone is its own name.
 QString FilterOf(const std::string& filter) {
-    const QStringList parts = Q(filter).split('|', Qt::SkipEmptyParts);
+    QStringList parts = Q(filter).split('|', Qt::SkipEmptyParts);
+    if (parts.size() == 1) parts += parts.front();
     QStringList filters;
     for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
         const QString name = parts[i].section('(', 0, 0).trimmed();
@@ -57,7 +59,8 @@ QString FilterOf(const std::string& filter) {
 // The extension that a typed name gets, which belongs into the question whether to overwrite: that of the
 // filter's first pattern.
 QString SuffixOf(const std::string& filter) {
-    const QString pattern = Q(filter).section('|', 1, 1);
+    const QString all = Q(filter);
+    const QString pattern = all.contains('|') ? all.section('|', 1, 1) : all;
     return pattern.startsWith(QLatin1String("*.")) && pattern != QLatin1String("*.*") ? pattern.mid(2)
                                                                                       : QString();
 }

@@ -46,6 +46,23 @@ TEST_F(Folders, FoldersAreListedWithoutTheHiddenOnes) {
     EXPECT_EQ(FoldersOfFolder(folder_), (Names{"A", "b"}));
 }
 
+TEST_F(Folders, TheNameIsWhatStandsBehindTheLastSeparator) {
+    EXPECT_EQ(NameOfFile("/a/b.c/points.txt"), "points.txt");
+    EXPECT_EQ(NameOfFile("points"), "points");
+    EXPECT_EQ(NameOfFile("/ä.txt"), "ä.txt");
+    EXPECT_EQ(NameOfFile("/a/"), "");
+    EXPECT_EQ(NameOfFile(""), "");
+}
+
+TEST_F(Folders, AFolderHasOnePlainPathAndOneAbove) {
+    EXPECT_EQ(PlainFolder("/a/b/"), "/a/b");
+    EXPECT_EQ(PlainFolder("/a/../b/."), "/b");
+    EXPECT_EQ(PlainFolder("/"), "/");
+    EXPECT_EQ(FolderAbove("/a/b"), "/a");
+    EXPECT_EQ(FolderAbove("/a"), "/");
+    EXPECT_EQ(FolderAbove("/"), "/");
+}
+
 TEST_F(Folders, ThereIsADriveToBeginWith) {
     EXPECT_EQ(Drives(), Names{"/"});
 }
