@@ -130,52 +130,59 @@ inline unsigned Before(Word marks) {  // bytes before the lowest one that is not
     return static_cast<unsigned>(std::countr_zero(marks)) / 8;
 }
 
-// The number of the first `count` digits, 1 to 7 of them.
-inline Word NumberOf(Word digits, unsigned count) {
-    digits <<= 64 - 8 * count;
+// The number of eight digits; zeros may stand in front of it.
+inline Word NumberOf(Word digits) {
     digits = digits * 10 + (digits >> 8);
     return ((digits & 0x000000FF000000FFU) * 0x000F424000000064U +
             ((digits >> 16) & 0x000000FF000000FFU) * 0x0000271000000001U) >>
            32;
+}
+// That of the first `count` digits, 1 to 7 of them.
+inline Word NumberOf(Word digits, std::size_t count) {
+    return NumberOf(digits << (64 - 8 * count));
 }
 
 // Reads a decimal number of 1 to 15 digits at `at`, which ends behind it. False for any other field.
 inline bool ShortNumber(const char*& at, char decimal, char delimiter, double& value) {
     const char* p = at;
     const bool negative = *p == '-';
-    p += negative ? 1 : 0;
+    p += static_cast<int>(negative);
     Word number = 0;
     std::size_t places = 0;
     const Word whole = Load(p) ^ Each('0');
     const Word wholeEnd = NoDigit(whole);
     if (wholeEnd == 0) return false;
-    const unsigned wholeDigits = Before(wholeEnd);
+    const std::size_t wholeDigits = Before(wholeEnd);
     p += wholeDigits;
-    if (wholeDigits > 0) number = NumberOf(whole, wholeDigits);
     if ((*p == '.' || *p == decimal) && *p != delimiter) {
         const char* const point = ++p;
         const Word fraction = Load(p) ^ Each('0');
         const Word fractionEnd = NoDigit(fraction);
-        if (fractionEnd != 0) {
-            places = Before(fractionEnd);
-            p += places;
-            if (places > 0)
-                number = number * static_cast<Word>(kPowersOfTen[places]) +
-                         NumberOf(fraction, static_cast<unsigned>(places));
+        places = fractionEnd == 0 ? 8 : Before(fractionEnd);
+        p += places;
+        if (places != 0 && wholeDigits + places <= 8 && fractionEnd != 0) {
+            // Both parts in one word, which is the usual case.
+            const Word both = (whole & ((Word{1} << 8 * wholeDigits) - 1))
+                                  << (64 - 8 * (wholeDigits + places)) |
+                              fraction << (64 - 8 * places);
+            number = NumberOf(both);
         } else {
+            if (wholeDigits > 0) number = NumberOf(whole, wholeDigits);
             unsigned digit = 0;
-            while ((digit = static_cast<unsigned>(static_cast<unsigned char>(*p)) - '0') <= 9 &&
-                   p - point <= 15) {
+            for (p = point; (digit = static_cast<unsigned>(static_cast<unsigned char>(*p)) - '0') <= 9 &&
+                            p - point <= 15;
+                 ++p)
                 number = number * 10 + digit;
-                ++p;
-            }
             places = static_cast<std::size_t>(p - point);
         }
+    } else if (wholeDigits > 0) {
+        number = NumberOf(whole, wholeDigits);
     }
     const std::size_t digits = wholeDigits + places;
     if (digits < 1 || digits > 15) return false;
+    // The sign without a branch: it changes from number to number.
     const double size = static_cast<double>(number) / kPowersOfTen[places];
-    value = negative ? -size : size;
+    value = std::bit_cast<double>(std::bit_cast<Word>(size) | static_cast<Word>(negative) << 63);
     at = p;
     return true;
 }
@@ -185,24 +192,36 @@ inline char* PutPair(char* at, Word pair) {
     return at + 2;
 }
 
-// Digits of a whole number; up to 8 characters behind them are overwritten.
-inline char* PutWhole(char* at, Word number) {
-    if (number >= 100000000) {
-        at = PutWhole(at, number / 100000000);
-        number %= 100000000;
-        for (Word unit = 1000000; unit > 0; unit /= 100) at = PutPair(at, number / unit % 100);
-        return at;
-    }
+// The digits of a number below 100,000,000, the first one lowest, without '0' added.
+inline Word EightDigits(Word number) {
     // Two groups of four, four of two, eight digits: each step divides all groups at once.
     Word digits = number / 10000 | (number % 10000) << 32;
     Word upper = (digits * 10486 >> 20) & 0x0000007F0000007FU;
     digits = (digits - upper * 100) << 16 | upper;
     upper = (digits * 103 >> 10) & 0x000F000F000F000FU;
-    digits = (digits - upper * 10) << 8 | upper;
+    return (digits - upper * 10) << 8 | upper;
+}
+
+inline void Put(char* at, Word characters) {
+    std::memcpy(at, &characters, sizeof characters);
+}
+
+char* PutLarge(char* at, Word number);
+
+// Digits of a whole number; up to 8 characters behind them are overwritten.
+inline char* PutWhole(char* at, Word number) {
+    if (number >= 100000000) return PutLarge(at, number);
+    const Word digits = EightDigits(number);
     const unsigned zeros = number == 0 ? 7 : Before(digits);
-    digits = (digits | Each('0')) >> 8 * zeros;
-    std::memcpy(at, &digits, sizeof digits);
+    Put(at, (digits | Each('0')) >> 8 * zeros);
     return at + (8 - zeros);
+}
+
+char* PutLarge(char* at, Word number) {
+    at = PutWhole(at, number / 100000000);
+    number %= 100000000;
+    for (Word unit = 1000000; unit > 0; unit /= 100) at = PutPair(at, number / unit % 100);
+    return at;
 }
 
 // Puts a value with `places` decimals; null where only the general formatter knows how it is rounded.
@@ -221,6 +240,21 @@ inline char* PutShort(char* at, double value, char decimal) {
     const Word number = static_cast<Word>(below) + (behind > 0 ? 1U : 0U);
     *at = '-';
     at += static_cast<int>(value < 0) & static_cast<int>(number != 0);
+    if (number < 100000000) {
+        // Whole part and decimals are eight digits together, which is the usual case. At least one of the
+        // whole part is shown.
+        constexpr unsigned kWhole = 8 - places;
+        const Word digits = EightDigits(number);
+        const unsigned zeros = Before(digits | Word{1} << 8 * (kWhole - 1));
+        const Word text = digits | Each('0');
+        Put(at, text >> 8 * zeros);
+        at += kWhole - zeros;
+        if constexpr (places > 0) {
+            Put(at, text >> 8 * kWhole << 8 | static_cast<unsigned char>(decimal));
+            at += places + 1;
+        }
+        return at;
+    }
     const Word whole = number / kUnit;
     at = PutWhole(at, whole);
     if constexpr (places > 0) {

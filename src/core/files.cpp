@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "core/file_writer.h"
+#include "core/large_pages.h"
 #include "core/platform.h"
 
 namespace fs = std::filesystem;
@@ -82,6 +83,7 @@ FileBytes ReadFile(const std::string& path) {
     } catch (const std::bad_alloc&) {
         Fail(kCannotRead, path, "it does not fit into memory");
     }
+    PreferLargePages(bytes.Data.get(), size);
     CheckFault("read", kCannotRead, path);
     bytes.Size = std::fread(bytes.Data.get(), 1, size, file.get());
     if (std::ferror(file.get()) != 0) Fail(kCannotRead, path, std::strerror(errno));

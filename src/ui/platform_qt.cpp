@@ -1,4 +1,5 @@
 // The platform with a screen.
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <QApplication>
@@ -14,9 +15,11 @@
 #include <QPushButton>
 #include <QTimer>
 #include <QUrl>
+#include <cstdint>
 #include <cstdlib>
 
 #include "core/files.h"
+#include "core/large_pages.h"
 #include "core/platform.h"
 #include "core/require.h"
 #include "core/window.h"
@@ -209,4 +212,14 @@ char SystemDecimal() {
 
 bool FlushToDisk(std::FILE* file) {
     return fsync(fileno(file)) == 0;
+}
+
+void PreferLargePages([[maybe_unused]] void* block, [[maybe_unused]] std::size_t size) {
+#if defined(MADV_HUGEPAGE)
+    constexpr std::uintptr_t kLargePage = std::uintptr_t{1} << 21;
+    const auto begin = (reinterpret_cast<std::uintptr_t>(block) + kLargePage - 1) & ~(kLargePage - 1);
+    const auto end = (reinterpret_cast<std::uintptr_t>(block) + size) & ~(kLargePage - 1);
+    // What the system answers changes the time alone.
+    if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+#endif
 }
