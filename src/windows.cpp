@@ -1,4 +1,6 @@
 // The tables above all rooms: every window, and every record with mutable state.
+#include "analysis/form_batch.h"
+#include "analysis/form_change_dir.h"
 #include "analysis/form_distance_scale.h"
 #include "analysis/form_input_statistic.h"
 #include "analysis/form_main_sheet.h"
@@ -48,6 +50,7 @@ const WindowEntry* const kWindows[] = {
     &FormInputFiles_Entry,    &FormInputStatistic_Entry, &FormOptions_Entry,       &FormTrafoBerechnung_Entry,
     &FormTrafoDetails_Entry,  &FormMainSheet_Entry,      &FormColorBar_Entry,      &FormSaveView_Entry,
     &FormDistanceScale_Entry, &FormTrompete_Entry,       &FormStopParaTrafo_Entry, &FormBündel_Entry,
+    &FormBatch_Entry,         &FormChangeDir_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.
@@ -79,6 +82,7 @@ void (*const kRecords[])() = {
     [] { Scene = SceneRecord{}; },
     [] { Tolerance = ToleranceRecord{}; },
     [] { SaveViewAnswer = SaveViewRecord{}; },
+    [] { ChangeDirAnswer = ChangeDirRecord{}; },
 };
 
 }  // namespace

@@ -33,6 +33,14 @@ inline CLI::Validator LengthUnitByName() {
                    {"ft", "feet"}});
 }
 
+// What stands between the fields of a point file, by name.
+inline const std::map<std::string, std::string>& DelimiterNames() {
+    static const std::map<std::string, std::string> kNames = {
+        {"space", " "}, {"semicolon", ";"}, {"colon", ":"}, {"star", "*"},
+        {"sharp", "#"}, {"tab", "\t"},      {"comma", ","}};
+    return kNames;
+}
+
 inline void AddDecimal(CLI::App& command, std::string& decimal, const char* group) {
     command
         .add_option("--decimal", decimal,

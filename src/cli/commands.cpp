@@ -8,11 +8,13 @@
 #include "cli/automate.h"
 #include "cli/bundle.h"
 #include "cli/distances.h"
+#include "cli/export_job.h"
 #include "cli/fit.h"
 #include "cli/fit_arguments.h"
 #include "cli/headless.h"
 #include "cli/job_files.h"
 #include "cli/render.h"
+#include "cli/transform.h"
 #include "core/controller.h"
 #include "core/numbers.h"
 #include "core/platform.h"
@@ -298,6 +300,10 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     const CLI::App* distances = AddDistances(app, distancesSwitches);
     BundleSwitches bundleSwitches;
     const CLI::App* bundle = AddBundle(app, bundleSwitches);
+    TransformSwitches transformSwitches;
+    const CLI::App* transform = AddTransform(app, transformSwitches);
+    ExportSwitches exportSwitches;
+    const CLI::App* exported = AddExport(app, exportSwitches);
     AddAutomate(app, automateSwitches);
     try {
         app.parse(argc, argv);
@@ -314,6 +320,14 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     if (bundle->parsed()) {
         bundleSwitches.Options.Decimal = DecimalOf(bundleSwitches.Decimal);
         return RunBundle(bundleSwitches.Options, out, err, terminal && ColourWanted(), progress);
+    }
+    if (transform->parsed()) {
+        TakeTransformSwitches(transformSwitches);
+        return RunTransform(transformSwitches.Options, err, progress);
+    }
+    if (exported->parsed()) {
+        TakeExportSwitches(exportSwitches);
+        return RunExport(exportSwitches.Options, err);
     }
     TakeJobSwitches(jobSwitches);
     if (info->parsed()) return RunInfo(jobSwitches.Options, out, err, terminal && ColourWanted());

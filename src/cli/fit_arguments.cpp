@@ -16,9 +16,6 @@ const std::map<std::string, std::string> kAngleNames = {
     {"gon", "grad (gon)"},      {"rad", "rad"},
     {"mrad", "mrad"},           {"arcsecond", "arcsecond"},
     {"arcminute", "arcminute"}, {"dms", kDegreeMinuteSecond}};
-const std::map<std::string, std::string> kDelimiterNames = {
-    {"space", " "}, {"semicolon", ";"}, {"colon", ":"}, {"star", "*"},
-    {"sharp", "#"}, {"tab", "\t"},      {"comma", ","}};
 
 // The import takes its tolerance as a 32-bit float above 0.
 std::string CheckTolerance(const std::string& text) {
@@ -55,7 +52,7 @@ void AddPointOptions(CLI::App& fit, FitSwitches& s) {
     fit.add_option("--delimiter", o.Delimiter,
                    "What stands between the fields of a file that does not show it,\n"
                    "as one with blanks alone")
-        ->transform(NameOf(kDelimiterNames))
+        ->transform(NameOf(DelimiterNames()))
         ->type_name("space|semicolon|colon|star|sharp|tab|comma")
         ->group(group);
     auto* yes = fit.add_flag("--yes,-y", s.Yes,

@@ -13,8 +13,9 @@ struct FormMain {
     Control MenuFileSaveAs = Menu("Save &As...");
     Control MenuFileInputFiles = Menu("&Input Files...");
     Control MenueFileExport = Menu("Export");
-    Control MenueFileExportRobCad = Menu("Rob&Cad...");
-    Control MenueFileExportROCAL = Menu("&ROCAL...");
+    Control MenueFileExportRobCad = Menu("Rob&Cad Robface *.rf File");
+    Control MenueFileExportROCAL = Menu("&Rocal *.bas File");
+    Control MenueOnlyMCStoTilde = Menu("OnlyMCS Pts to txt File");
     Control MenüDateiAlt1 = Menu("&1 ");
     Control MenüDateiAlt2 = Menu("&2 ");
     Control MenüDateiAlt3 = Menu("&3 ");
@@ -154,6 +155,11 @@ struct FormMain {
     static void MenueHelpQuestion_Click();
     static void MenuHelpInfo_Click();
     static void MenueHelpSpezial_Click();
+
+    // Of the exports, defined in analysis/form_main_exports.cpp.
+    static void MenueFileExportRobCad_Click();
+    static void MenueFileExportROCAL_Click();
+    static void MenueOnlyMCStoTilde_Click();
 
     // Of the graphics windows, defined in graphics/form_main_graphics.cpp.
     static void MenueGraphics_Click();

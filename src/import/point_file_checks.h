@@ -35,7 +35,7 @@ void FindTrennzeichen(const PointText& file, std::string& delimiter, FileRows ro
 //   firstBadRow  out: first line whose number differs from those before; 0 = none
 void Diverse_Checks(const std::string& path, std::int64_t& columns, const std::string& delimiter,
                     std::int64_t& firstBadRow);
-void Diverse_Checks(const PointText& file, std::int64_t& columns, const std::string& delimiter,
+void Diverse_Checks(PointText& file, std::int64_t& columns, const std::string& delimiter,
                     std::int64_t& firstBadRow);
 
 // Compares the decimal delimiter of the first three fields (of those behind the first one with
