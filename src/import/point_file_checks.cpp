@@ -250,7 +250,7 @@ void Check_DecimalDelimiter(PointText& file, const std::string& delimiter) {
     WriteFile(file.Path, file.Changed);
 }
 
-bool CheckColumns(const PointText& file, FileRows rows, std::string& delimiter, std::int64_t& columns) {
+bool CheckColumns(PointText& file, FileRows rows, std::string& delimiter, std::int64_t& columns) {
     FindTrennzeichen(file, delimiter, rows);
     if (delimiter.empty()) {
         const std::string gap = kBreak + kBreak + kBreak;
