@@ -18,6 +18,7 @@
 extern "C" {
 void dpotrf_(const char* part, const int* n, double* a, const int* step, int* info);
 void dpotri_(const char* part, const int* n, double* a, const int* step, int* info);
+void openblas_set_num_threads(int count) __attribute__((weak));
 }
 #endif
 
@@ -93,6 +94,9 @@ void Bundle_Inverse(benchmark::State& state) {
     const BundleWork work = Prepared(network);
     const int n = work.nUnknown;
     std::vector<double> own, plain, lapack;
+#ifdef CORVINADE_BENCH_LAPACK
+    if (openblas_set_num_threads != nullptr) openblas_set_num_threads(1);
+#endif
     for (auto _ : state) {
         Matrix B = work.Qxx;
         own.push_back(Took([&] { MatrixInverse(B, n, n, B); }));
