@@ -105,6 +105,16 @@ fs::path BehindLinks(const std::string& path) {
     return target;
 }
 
+// What was written beside the target goes where it has not taken its place.
+struct RemoveUnlessRenamed {
+    const fs::path& Beside;
+    bool Renamed = false;
+    ~RemoveUnlessRenamed() {
+        std::error_code ignored;
+        if (!Renamed) fs::remove(Beside, ignored);
+    }
+};
+
 }  // namespace
 
 void WriteFile(const std::string& path, std::string_view bytes) {
@@ -129,15 +139,7 @@ bool WriteFileInParts(const std::string& path, const std::function<std::optional
     CheckFault("create", kCannotWrite, path);
     std::FILE* raw = std::fopen(beside.string().c_str(), "wbx");
     if (raw == nullptr) Fail(kCannotWrite, path, std::strerror(errno));
-    bool renamed = false;
-    struct Remove {
-        const fs::path& Beside;
-        const bool& Renamed;
-        ~Remove() {
-            std::error_code ignored;
-            if (!Renamed) fs::remove(Beside, ignored);
-        }
-    } const remove{beside, renamed};
+    RemoveUnlessRenamed guard{beside};
     OpenFilePointer file(raw);
     CheckFault("write", kCannotWrite, path);
     for (;;) {
@@ -155,7 +157,7 @@ bool WriteFileInParts(const std::string& path, const std::function<std::optional
     CheckFault("rename", kCannotWrite, path);
     fs::rename(beside, target, error);
     if (error) Fail(kCannotWrite, path, error.message());
-    renamed = true;
+    guard.Renamed = true;
     return true;
 }
 
