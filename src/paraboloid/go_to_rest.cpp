@@ -118,9 +118,22 @@ struct Mixing {
     }
 };
 
+// The pass that has come nearest so far: that of the least s0 and, where these are the same, of the least
+// movement.
 struct BestPass {
-    Values Place;
-    double Movement = std::numeric_limits<double>::infinity(), s0 = 0;
+    Values Place;  // behind it
+    double Movement = std::numeric_limits<double>::infinity(), s0 = Movement;
+
+    // Takes a pass that is nearer. `gotOn` tells whether by more than a trifle.
+    void Take(const Values& place, double movement, double s0New, bool& gotOn) {
+        constexpr double kSame = 1e-9, kTrifle = 1e-5;
+        const bool same = std::fabs(s0New - s0) <= kSame * s0;
+        gotOn = s0New < s0 * (1 - kTrifle) || (same && movement < Movement / 2);
+        if (same ? movement >= Movement : s0New > s0) return;
+        Place = place;
+        Movement = movement;
+        s0 = s0New;
+    }
 };
 
 bool Stopped() {
@@ -130,8 +143,9 @@ bool Stopped() {
 }  // namespace
 
 PassEnd GoToRest(ShapePasses& passes) {
-    constexpr int kMostTries = 200, kPatience = 25;
+    constexpr int kMostTries = 500, kPatience = 40;
     constexpr double kStill = 1e-13;  // of the cloud's size: the rounding of its coordinates
+    constexpr double kAstray = 2;     // so many times the least s0
     const FloatingParameters floating(passes.Fit);
     const Values begin = floating.Take();
     Values place = begin, former, formerMovement;
@@ -147,18 +161,17 @@ PassEnd GoToRest(ShapePasses& passes) {
         const Values after = floating.Take();
         const Values movement = floating.Moved(place, after);
         const double size = Length(movement);
-        if (end == PassEnd::Failed || !std::isfinite(size) || size > 10 * best.Movement) {
+        if (end == PassEnd::Failed || !std::isfinite(size) || passes.s0 > kAstray * best.s0) {
             // Out of reach of the last extrapolation: on from the best place, without what led away.
-            if (pass == 0) break;
+            if (best.Place.empty()) break;
             mixing.Clear();
             former.clear();
             place = best.Place;
             continue;
         }
-        if (size < best.Movement) {
-            if (size < best.Movement / 2) since = 0;
-            best = {after, size, passes.s0};
-        }
+        bool gotOn = false;
+        best.Take(after, size, passes.s0, gotOn);
+        if (gotOn) since = 0;
         if (size <= kStill * floating.Size) break;
         if (!former.empty())
             mixing.Add(floating.Moved(former, place), floating.Moved(formerMovement, movement),

@@ -22,7 +22,10 @@ struct HalfPlane {
     int Rows() const { return Shape.Rows; }
     double Radius(int row) const { return Shape(row, 1); }
     Vec3 At(int row) const { return {Shape(row, 1), Shape(row, 2), 0}; }
-    double DistanceTo(int row) const { return Hypot2(r - Shape(row, 1), z - Shape(row, 2)); }
+    double SquareTo(int row) const {
+        const double dr = r - Shape(row, 1), dz = z - Shape(row, 2);
+        return dr * dr + dz * dz;
+    }
 };
 
 // Search by halving: ends near the row of the point's radius.
@@ -36,10 +39,10 @@ int RowOfRadius(const HalfPlane& p) {
 
 // From row i on the way along which the rows come nearer, to its end.
 int NearestRow(const HalfPlane& p, int i) {
-    double here = p.DistanceTo(i);
+    double here = p.SquareTo(i);
     for (const int way : {-1, 1})
         while (i + way >= 1 && i + way <= p.Rows()) {
-            const double there = p.DistanceTo(i + way);
+            const double there = p.SquareTo(i + way);
             if (!(there < here)) break;
             here = there;
             i += way;
@@ -63,7 +66,7 @@ Foot FootOnSegment(const HalfPlane& p, int row) {
 }
 
 Foot NearestFoot(const HalfPlane& p, int row) {
-    if (p.Rows() == 1) return {p.At(1), p.DistanceTo(1)};
+    if (p.Rows() == 1) return {p.At(1), std::sqrt(p.SquareTo(1))};
     if (row == 1) return FootOnSegment(p, 1);
     const Foot before = FootOnSegment(p, row - 1);
     if (row == p.Rows()) return before;

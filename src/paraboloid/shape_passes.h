@@ -29,7 +29,7 @@ struct ShapePasses {
 // From near the place where the passes stand still on to that place. Passes alone creep there, since points
 // slide along a surface, and their s0 comes to rest long before the parameters do; so their fixed point is
 // extrapolated from the last few of them ("Anderson mixing", Journal of the ACM 12(4), 1965), which needs
-// about as many passes as there are unknowns. The job's parameters are then those of the pass that moved
-// least, or as they were where that is no better. A stop by the user ends the search.
+// about as many passes as there are unknowns. The job's parameters are then those of the pass with the
+// least s0, or as they were where none is better. A stop by the user ends the search.
 //   Lost  the parameters are left as they are
 PassEnd GoToRest(ShapePasses& passes);
