@@ -26,8 +26,6 @@
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/window.h"
-#include "graphics/analyse_mode.h"
-#include "graphics/screen_window.h"
 
 using nlohmann::json;
 
@@ -386,17 +384,12 @@ json Answer(const json& request) {
     return reply;
 }
 
-// An analyse mode ends when the user ends it. One that no request is coming for would run for ever.
-void EndForgottenAnalyseModes() {
-    if (Headless.Yields < Automation.LastRequest + kAnalyseRounds) return;
-    for (const DueRequest& waiting : Automation.Due)
-        if (waiting.Yield < Headless.Yields + kAnalyseRounds) return;
-    for (const auto& window : Screens().Open) {
-        if (!window->AnalyseMode) continue;
-        Headless.Unanswered = true;
-        Dispatch([&window] { ToggleAnalyseMode(*window); });
-        return;  // handlers have run, the list may be another one; the next yield sees to the next
-    }
+// Is no request to come in the next rounds?
+bool NobodyIsComing() {
+    const auto last = Headless.Yields + kAnalyseRounds;
+    return Headless.Yields >= Automation.LastRequest + kAnalyseRounds &&
+           std::none_of(Automation.Due.begin(), Automation.Due.end(),
+                        [last](const DueRequest& waiting) { return waiting.Yield < last; });
 }
 
 // Runs the requests that are due at this yield. What comes up in them belongs to their own replies, so
@@ -407,7 +400,7 @@ void AtYield() {
     for (DueRequest& waiting : Automation.Due)
         if (waiting.Yield == Headless.Yields) due.push_back(std::move(waiting.Request));
     std::erase_if(Automation.Due, [](const DueRequest& waiting) { return waiting.Yield <= Headless.Yields; });
-    if (due.empty()) EndForgottenAnalyseModes();
+    if (due.empty() && NobodyIsComing()) EndForgottenAnalyseMode();
     for (const json& request : due) {
         Happenings kept = LayAside();
         kept.During.push_back(Answer(request));

@@ -9,9 +9,11 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "cli/headless.h"
 #include "cli/record_json.h"
 #include "cli/request.h"
 #include "core/window.h"
+#include "graphics/analyse_mode.h"
 #include "graphics/screen_events.h"
 #include "graphics/screen_window.h"
 #include "paint/picture.h"
@@ -444,4 +446,13 @@ void RefuseOnScreen(const json& request) {
         Refuse("a graphics window takes \"mouse\", \"key\", \"resize\" and \"close\"");
     PartToJson(*target.Window, target.Part);  // a name that is none is told first
     Refuse("\"" + target.Part + "\" of a graphics window can only be read");
+}
+
+void EndForgottenAnalyseMode() {
+    for (const auto& window : Screens().Open) {
+        if (!window->AnalyseMode) continue;
+        Headless.Unanswered = true;
+        Dispatch([&window] { ToggleAnalyseMode(*window); });
+        return;  // handlers have run, the list may be another one; the next yield sees to the next
+    }
 }

@@ -27,5 +27,9 @@ nlohmann::json ResizeScreen(const nlohmann::json& request);
 // For "click", "dblclick", "set" and "select", which no part of a graphics window takes.
 [[noreturn]] void RefuseOnScreen(const nlohmann::json& request);
 
+// An analyse mode ends when the user ends it. One that no request is coming for would run for ever: the first
+// one that runs is ended here.
+void EndForgottenAnalyseMode();
+
 // The names of the open ones: "Screen#1", "Screen#2", ...
 nlohmann::json OpenScreenNames();

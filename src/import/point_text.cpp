@@ -5,10 +5,6 @@
 #include <bit>
 #include <cstring>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 #include "core/platform.h"
 #include "core/require.h"
 #include "core/text.h"
@@ -192,11 +188,12 @@ constexpr Word kOnes = 0x0101010101010101U;
 Word MarksOf64(const char* at, char wanted) {
     Word marks = 0;
 #if defined(__SSE2__)
-    const __m128i character = _mm_set1_epi8(wanted);
+    using Lanes16 [[gnu::vector_size(16)]] = char;
     for (unsigned i = 0; i < 64; i += 16) {
-        const __m128i lanes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at + i));
-        marks |= static_cast<Word>(static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(lanes, character))))
-                 << i;
+        Lanes16 lanes;
+        std::memcpy(&lanes, at + i, sizeof lanes);
+        const Lanes16 equal = lanes == wanted;
+        marks |= static_cast<Word>(static_cast<unsigned>(__builtin_ia32_pmovmskb128(equal))) << i;
     }
 #else
     for (unsigned i = 0; i < 64; ++i) marks |= static_cast<Word>(at[i] == wanted) << i;
