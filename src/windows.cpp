@@ -1,7 +1,9 @@
 // The tables above all rooms: every window, and every record with mutable state.
+#include "analysis/form_distance_scale.h"
 #include "analysis/form_input_statistic.h"
 #include "analysis/form_main_sheet.h"
 #include "analysis/form_options.h"
+#include "analysis/form_trompete.h"
 #include "core/controller.h"
 #include "core/form_help_info.h"
 #include "core/form_main.h"
@@ -39,10 +41,10 @@
 namespace {
 
 const WindowEntry* const kWindows[] = {
-    &FormMain_Entry,          &FormUnits_Entry,          &FormMenuHelpInfo_Entry, &FormProgressBar_Entry,
-    &FormInputFiles_Entry,    &FormInputStatistic_Entry, &FormOptions_Entry,      &FormTrafoBerechnung_Entry,
-    &FormTrafoDetails_Entry,  &FormMainSheet_Entry,      &FormColorBar_Entry,     &FormSaveView_Entry,
-    &FormStopParaTrafo_Entry,
+    &FormMain_Entry,          &FormUnits_Entry,          &FormMenuHelpInfo_Entry,  &FormProgressBar_Entry,
+    &FormInputFiles_Entry,    &FormInputStatistic_Entry, &FormOptions_Entry,       &FormTrafoBerechnung_Entry,
+    &FormTrafoDetails_Entry,  &FormMainSheet_Entry,      &FormColorBar_Entry,      &FormSaveView_Entry,
+    &FormDistanceScale_Entry, &FormTrompete_Entry,       &FormStopParaTrafo_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.
@@ -63,6 +65,7 @@ void (*const kRecords[])() = {
     [] { Spezial = SpezialRecord{}; },
     [] { LongImport = LongImportRecord{}; },
     [] { MainSheet = MainSheetRecord{}; },
+    [] { DistanceScale = DistanceScaleRecord{}; },
     [] {
         for (const auto& window : Screens().Open)
             if (window->Screen.Close != nullptr) window->Screen.Close(window->Screen);
@@ -81,7 +84,7 @@ std::span<const WindowEntry* const> AllWindows() {
 }
 
 std::span<const std::span<const RecordEntry>> AllRecords() {
-    static const std::span<const RecordEntry> kTables[] = {CoreRecords(), EngineRecords(),
+    static const std::span<const RecordEntry> kTables[] = {CoreRecords(), EngineRecords(), AnalysisRecords(),
                                                            ParaboloidRecords()};
     return kTables;
 }

@@ -13,6 +13,7 @@
 
 #include "cli/automate_replies.h"
 #include "cli/automate_screens.h"
+#include "cli/automate_trumpet.h"
 #include "cli/control_json.h"
 #include "cli/headless.h"
 #include "cli/record_json.h"
@@ -279,7 +280,18 @@ json DoGet(const json& request) {
     }
     if (IsOnScreen(request)) return GetScreen(request);
     const Target target = FindTarget(request);
-    return target.Control == nullptr ? WindowToJson(*target.Window) : ControlToJson(*target.Control->Place);
+    if (target.Control == nullptr) return WindowToJson(*target.Window);
+    json state = ControlToJson(*target.Control->Place);
+    if (IsTrumpetPlace(TextMember(request, "at"))) AddTrumpet(request, state);
+    return state;
+}
+
+json DoMouse(const json& request) {
+    return IsTrumpetPlace(TextMember(request, "at")) ? TrumpetMouse(request) : ScreenMouseEvent(request);
+}
+
+json DoResize(const json& request) {
+    return IsTrumpetPlace(TextMember(request, "at")) ? TrumpetResize(request) : ResizeScreen(request);
 }
 
 json DoRecord(const json& request) {
@@ -348,21 +360,10 @@ json DoQuit(const json&) {
 }
 
 const std::map<std::string, json (*)(const json&), std::less<>> kRequests = {
-    {"set", DoSet},
-    {"click", DoClick},
-    {"dblclick", DoDblClick},
-    {"key", DoKey},
-    {"close", DoClose},
-    {"get", DoGet},
-    {"record", DoRecord},
-    {"clipboard", DoClipboard},
-    {"answer", DoAnswer},
-    {"during", DoDuring},
-    {"quit", DoQuit},
-    {"select", DoSelect},
-    {"mouse", ScreenMouseEvent},
-    {"resize", ResizeScreen},
-    {"picture", ScreenPicture},
+    {"set", DoSet},       {"click", DoClick},   {"dblclick", DoDblClick},   {"key", DoKey},
+    {"close", DoClose},   {"get", DoGet},       {"record", DoRecord},       {"clipboard", DoClipboard},
+    {"answer", DoAnswer}, {"during", DoDuring}, {"quit", DoQuit},           {"select", DoSelect},
+    {"mouse", DoMouse},   {"resize", DoResize}, {"picture", ScreenPicture},
 };
 
 // --- Replies ----------------------------------------------------------------------------------------------

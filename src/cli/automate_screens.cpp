@@ -144,6 +144,7 @@ json PictureToJson(const ScreenWindow& window) {
             {"pointer", PointerName(window.Pointer)},
             {"paints", window.PaintCount},
             {"actualRow", mouse.ActualRow},
+            {"deviation", window.Deviation},
             {"frame",
              {{"visible", mouse.FrameVisible},
               {"left", mouse.FrameLeft},

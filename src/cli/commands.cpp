@@ -6,6 +6,7 @@
 
 #include "cli/arguments.h"
 #include "cli/automate.h"
+#include "cli/distances.h"
 #include "cli/fit.h"
 #include "cli/fit_arguments.h"
 #include "cli/headless.h"
@@ -98,7 +99,7 @@ CLI::App* AddRender(CLI::App& app, RenderSwitches& s) {
         ->check(Written(SizeFromText))
         ->type_name("WxH")
         ->capture_default_str();
-    render->add_option("--zoom", wish.Zoom, "Against the view in which all points fit")
+    render->add_option("--zoom", wish.Zoom, "Against the view in which all points fit, or the saved one")
         ->check(Factor(1e-3, 1e3))
         ->type_name("FACTOR")
         ->capture_default_str();
@@ -116,7 +117,7 @@ CLI::App* AddRender(CLI::App& app, RenderSwitches& s) {
     render
         ->add_option("--limits", s.Limits,
                      "Limits of the colours in the job's unit, as in --limits=-0.2,0.5;\n"
-                     "default: 0 and the largest deviation in use")
+                     "default: the largest deviation in use, both sides of 0")
         ->check(Written(LimitsFromText))
         ->type_name("MIN,MAX");
     render->add_flag("--names", wish.Names, "Also the names of the points");
@@ -147,6 +148,35 @@ int Render(RenderSwitches& s, std::ostream& err) {
     options.Decimal = DecimalOf(s.Decimal);
     if (s.Yes || s.No) options.Questions = s.Yes;
     return RunRender(options, err);
+}
+
+struct DistancesSwitches {
+    DistancesOptions Options;
+    std::string Decimal;
+    bool Yes = false, No = false;
+};
+
+CLI::App* AddDistances(CLI::App& app, DistancesSwitches& s) {
+    DistancesOptions& options = s.Options;
+    CLI::App* distances = app.add_subcommand(
+        "distances", "Compare the distances between all pairs of points in the two systems of a job");
+    distances->add_option("JOB", options.Job, "Job file of any version")->type_name("FILE.cvn")->required();
+    distances->add_flag("--with-result", options.WithResult,
+                        "Take the start points after the transformation, not as measured");
+    auto* json = distances->add_flag("--json", options.Json, "As JSON, with full precision, in mm");
+    distances->add_flag("--csv", options.Csv, "As CSV, in the units of the job")->excludes(json);
+    distances
+        ->add_option("--trumpet", options.Trumpet,
+                     "Also write the differences against the distances as a plot")
+        ->type_name("FILE.svg")
+        ->check(CheckTrumpetFile);
+    distances->add_option("--pairs", options.Pairs, "Also write all pairs of points, one line a pair")
+        ->type_name("FILE");
+    auto* yes = distances->add_flag("--yes,-y", s.Yes,
+                                    "A file without the head of a job file is one of an early version");
+    distances->add_flag("--no,-n", s.No, "It is none")->excludes(yes);
+    AddDecimal(*distances, s.Decimal, "Options");
+    return distances;
 }
 
 struct AutomateSwitches {
@@ -187,6 +217,12 @@ int Fit(FitSwitches& s, std::ostream& out, std::ostream& err, bool terminal, boo
     return RunFit(s.Options, out, err, terminal && ColourWanted(), progress);
 }
 
+int Distances(DistancesSwitches& s, std::ostream& out, std::ostream& err, bool terminal) {
+    s.Options.Decimal = DecimalOf(s.Decimal);
+    if (s.Yes || s.No) s.Options.Questions = s.Yes;
+    return RunDistances(s.Options, out, err, terminal && ColourWanted());
+}
+
 void TakeJobSwitches(JobSwitches& s) {
     s.Options.Decimal = DecimalOf(s.Decimal);
     if (s.Yes || s.No) s.Options.Questions = s.Yes;
@@ -217,6 +253,8 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     const CLI::App* convert = AddConvert(app, jobSwitches);
     RenderSwitches renderSwitches;
     const CLI::App* render = AddRender(app, renderSwitches);
+    DistancesSwitches distancesSwitches;
+    const CLI::App* distances = AddDistances(app, distancesSwitches);
     AddAutomate(app, automateSwitches);
     try {
         app.parse(argc, argv);
@@ -229,6 +267,7 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
         return Fit(fitSwitches, out, err, terminal, progress);
     }
     if (render->parsed()) return Render(renderSwitches, err);
+    if (distances->parsed()) return Distances(distancesSwitches, out, err, terminal);
     TakeJobSwitches(jobSwitches);
     if (info->parsed()) return RunInfo(jobSwitches.Options, out, err, terminal && ColourWanted());
     if (convert->parsed()) return RunConvert(jobSwitches.Options, err);

@@ -9,8 +9,9 @@ using nlohmann::json;
 namespace {
 
 const char* KindName(ControlKind kind) {
-    constexpr std::array kNames = {"button", "text",    "check",      "option", "list",     "label",  "frame",
-                                   "menu",   "toolbar", "toolbutton", "panel",  "progress", "scroll", "grid"};
+    constexpr std::array kNames = {"button", "text",     "check",  "option",  "list",
+                                   "label",  "frame",    "menu",   "toolbar", "toolbutton",
+                                   "panel",  "progress", "scroll", "grid",    "plot"};
     return kNames[static_cast<std::size_t>(kind)];
 }
 

@@ -128,10 +128,12 @@ struct Margins {
 };
 
 Margins MarginsOf(const ScreenWindow& window) {
-    constexpr double kScales = 105, kBar = 75, kNumbers = 60;
+    constexpr double kScales = 105, kBar = 75, kNumbers = 60, kName = 20;
     const bool roomy = PictureWidth(window) >= 400 && PictureHeight(window) >= 400;
     if (!roomy) return {};
-    return {IsTrue(Settings.ShowColorBar) ? kBar + kNumbers : 0, kScales};
+    return {IsTrue(Settings.ShowColorBar) ? kBar + kNumbers : 0,
+            // A name stands below its point.
+            IsTrue(Settings.ShowPointNames) ? kScales + kName : kScales};
 }
 
 // Fits what is plotted; a graphics window's own fit counts hidden points too.
@@ -190,8 +192,9 @@ void SetUpView(ScreenWindow& window, const PictureWish& wish, const std::vector<
         CenterScene();
         fixed(window);
         FitScene(window);
+        // The colour of 0 is in the middle of the bar, so its numbers are those of both sides.
         window.State.Max = LargestUsedDeviation();
-        window.State.Min = 0;
+        window.State.Min = -window.State.Max;
     } else {
         Scene.RotCenter = Vec3();
         const int number = SavedViewNumber(views, wish.View);

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "core/platform.h"
 
@@ -107,6 +108,10 @@ fs::path BehindLinks(const std::string& path) {
 }  // namespace
 
 void WriteFile(const std::string& path, std::string_view bytes) {
+    WriteFileInParts(path, [&bytes] { return std::exchange(bytes, std::string_view()); });
+}
+
+bool WriteFileInParts(const std::string& path, const std::function<std::optional<std::string_view>()>& next) {
     std::error_code error;
     const fs::path target = BehindLinks(path);
     const fs::file_status old = fs::status(target, error);
@@ -124,22 +129,34 @@ void WriteFile(const std::string& path, std::string_view bytes) {
     CheckFault("create", kCannotWrite, path);
     std::FILE* raw = std::fopen(beside.string().c_str(), "wbx");
     if (raw == nullptr) Fail(kCannotWrite, path, std::strerror(errno));
-    try {
-        OpenFilePointer file(raw);
-        CheckFault("write", kCannotWrite, path);
-        const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size();
-        if (!written || std::fflush(file.get()) != 0) Fail(kCannotWrite, path, std::strerror(errno));
-        CheckFault("flush", kCannotWrite, path);
-        if (!FlushToDisk(file.get())) Fail(kCannotWrite, path, std::strerror(errno));
-        if (std::fclose(file.release()) != 0) Fail(kCannotWrite, path, std::strerror(errno));
-        if (fs::exists(old)) fs::permissions(beside, old.permissions(), error);
-        CheckFault("rename", kCannotWrite, path);
-        fs::rename(beside, target, error);
-        if (error) Fail(kCannotWrite, path, error.message());
-    } catch (const PlatformError&) {
-        fs::remove(beside, error);
-        throw;
+    bool renamed = false;
+    struct Remove {
+        const fs::path& Beside;
+        const bool& Renamed;
+        ~Remove() {
+            std::error_code ignored;
+            if (!Renamed) fs::remove(Beside, ignored);
+        }
+    } const remove{beside, renamed};
+    OpenFilePointer file(raw);
+    CheckFault("write", kCannotWrite, path);
+    for (;;) {
+        const std::optional<std::string_view> part = next();
+        if (!part) return false;
+        if (part->empty()) break;
+        if (std::fwrite(part->data(), 1, part->size(), file.get()) != part->size())
+            Fail(kCannotWrite, path, std::strerror(errno));
     }
+    if (std::fflush(file.get()) != 0) Fail(kCannotWrite, path, std::strerror(errno));
+    CheckFault("flush", kCannotWrite, path);
+    if (!FlushToDisk(file.get())) Fail(kCannotWrite, path, std::strerror(errno));
+    if (std::fclose(file.release()) != 0) Fail(kCannotWrite, path, std::strerror(errno));
+    if (fs::exists(old)) fs::permissions(beside, old.permissions(), error);
+    CheckFault("rename", kCannotWrite, path);
+    fs::rename(beside, target, error);
+    if (error) Fail(kCannotWrite, path, error.message());
+    renamed = true;
+    return true;
 }
 
 void CreateFolder(const std::string& path) {

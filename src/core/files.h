@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -31,6 +32,10 @@ void CheckReadable(const std::string& path);
 // write-protected file is one), the old file then untouched and nothing left beside it. Keeps the
 // permissions of the old file.
 void WriteFile(const std::string& path, std::string_view bytes);
+
+// The same for a file that is too large to stand in memory: `next` gives its parts one by one, an empty one
+// behind the last, or nothing to give it up. False then, the old file being untouched.
+bool WriteFileInParts(const std::string& path, const std::function<std::optional<std::string_view>()>& next);
 
 // Creates a folder and those above it. Throws PlatformError.
 void CreateFolder(const std::string& path);

@@ -50,6 +50,8 @@ void FuellenHaupttabelle();
 void MainSheet_Copy();                // copies its selected cells
 void MainSheet_ShowPoint(int point);  // makes the row of an identical point the current one, centred
 void FORMfüllen();                    // refills the input statistic
+// Measures the distances anew where their windows are open and the points are no longer those.
+void DistanceScale_Refill();
 
 // --- graphics/ ---------------------------------------------------------------------------------------
 struct GraphicsModes {

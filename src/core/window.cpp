@@ -107,6 +107,10 @@ Control Grid(int fixedRows, int fixedCols) {
     return control;
 }
 
+Control Plot() {
+    return Make(ControlKind::Plot, "");
+}
+
 const WindowEntry* FindWindow(std::string_view name) {
     for (const WindowEntry* window : AllWindows())
         if (name == window->Name) return window;

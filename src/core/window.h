@@ -26,7 +26,8 @@ enum class ControlKind : std::uint8_t {
     Panel,
     Progress,
     Scroll,
-    Grid
+    Grid,
+    Plot
 };
 
 inline constexpr std::int32_t kSystemColour = -1;  // the desktop's own colour for this place
@@ -70,6 +71,7 @@ Control Panel();
 Control ProgressBar();
 Control ScrollBar(int min, int max);
 Control Grid(int fixedRows, int fixedCols);
+Control Plot();  // that its window paints itself
 
 // What the user does to a control, and the procedure that answers. Unset = nothing happens.
 struct Handlers {

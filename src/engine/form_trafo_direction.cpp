@@ -44,6 +44,7 @@ void FormTrafoBerechnung::BtnSwitchMcsOcs_Click() {
     TabelleFüllenNeu();
     UpdateAllGraphicsWindows();
     FuellenMainSheet();
+    DistanceScale_Refill();
 }
 
 // The pairs stand first in both sets, so the use flags stay those of their points. The names of the two

@@ -84,6 +84,8 @@ bool ShowResultElsewhere() {
     const std::uint64_t generation = Run.JobGeneration;
     if (Main.MenuVievMainSheet.Checked) FuellenHaupttabelle();
     if (Run.JobGeneration != generation) return false;
+    DistanceScale_Refill();
+    if (Run.JobGeneration != generation) return false;
     ProgrammLogik();
     Run.JobDirty = kTrue;
     return true;

@@ -62,6 +62,7 @@ struct ScreenWindow {
     std::vector<ScreenLabel> Labels;  // all but the two below; made anew by each paint
     ScreenLabel LabelScale, LabelVectorScale;
     std::array<std::string, kScreenPanels + 1> Panel;  // the status bar, from 1
+    std::string Deviation;                             // of the point that the panels name
     bool StatusBarVisible = true;                      // hidden while the picture goes to the clipboard
     Surface Screen;
     std::uint64_t PaintCount = 0;  // paints so far, for tests and for the face

@@ -3,5 +3,6 @@
 
 #include "graphics/screen_window.h"
 
-// The point of a row of the scene in all four panels; row 0: that there is none, and the legend of the axes.
+// The point of a row of the scene in all four panels, and its deviation (transformed start minus target);
+// row 0: that there is none, and the legend of the axes.
 void ShowPointInStatusBar(ScreenWindow& window, int row);

@@ -272,6 +272,7 @@ void myBtn_OK() {
     Settings.OCS_FileName = Job.PathOCS;
     SettingsSchreiben({"NameMCS", "NameOCS", "LastMCSRoot", "LastOCSRoot", "MCS_FileName", "OCS_FileName",
                        "LastDropDownInfoInOCS"});
+    DistanceScale_Refill();
 }
 
 // --- The round trip --------------------------------------------------------------------------------------

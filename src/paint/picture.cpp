@@ -90,10 +90,28 @@ bool CutLine(const Surface& screen, double margin, std::array<double, 4>& line) 
            CutToBand(-margin, screen.Height + margin, y1, x1, y2, x2);
 }
 
+// At a broken scale a line along a row or a column would share pixels of the device with its neighbours, half
+// covered by each: lines side by side, as those of the colour bar, would leave dark stripes. So such a line
+// covers the whole pixels of the device from its own logical ones to the next.
+void DrawAlongPixels(Surface& screen, const std::array<double, 4>& line, Colour colour) {
+    const auto [x1, y1, x2, y2] = line;
+    const auto edge = [&screen](double logical, int last) {
+        return std::clamp(static_cast<int>(std::lround(std::nearbyint(logical) * screen.Scale)), 0, last);
+    };
+    const int left = edge(std::min(x1, x2), screen.PixelWidth);
+    const int right = edge(std::max(x1, x2) + 1, screen.PixelWidth);
+    const int top = edge(std::min(y1, y2), screen.PixelHeight);
+    const int bottom = edge(std::max(y1, y2) + 1, screen.PixelHeight);
+    for (int row = top; row < bottom; ++row)
+        std::fill_n(screen.Pixels + row * screen.Stride + left, std::max(0, right - left), PixelOf(colour));
+}
+
 void DrawLine(Surface& screen, float x1, float y1, float x2, float y2, Colour colour, int width) {
     Picture& picture = PictureBehind(screen);
     std::array<double, 4> line = {x1, y1, x2, y2};
     if (!CutLine(screen, width + 10.0, line)) return;
+    const bool upright = line[0] == line[2] || line[1] == line[3];
+    if (screen.Scale != 1 && width <= 1 && upright) return DrawAlongPixels(screen, line, colour);
     QPainter& painter = OpenPainter(screen, picture);
     SetPen(picture, colour, std::max(1, width));
     if (screen.Scale == 1)

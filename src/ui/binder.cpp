@@ -314,6 +314,8 @@ bool FitsKind(ControlKind kind, const Bound& bound) {
             return As<QProgressBar>(bound) != nullptr;
         case ControlKind::Grid:
             return As<QTableView>(bound) != nullptr;
+        case ControlKind::Plot:
+            return bound.Widget != nullptr;
         case ControlKind::Toolbar:
             return As<QToolBar>(bound) != nullptr;
         case ControlKind::Menu:

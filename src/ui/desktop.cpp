@@ -25,6 +25,7 @@
 #include <set>
 #include <string_view>
 
+#include "analysis/form_trompete.h"
 #include "core/controller.h"
 #include "core/files.h"
 #include "core/form_main.h"
@@ -45,6 +46,7 @@
 #include "ui/qt_text.h"
 #include "ui/screen_windows.h"
 #include "ui/theme.h"
+#include "ui/trumpet_view.h"
 
 namespace {
 
@@ -163,6 +165,7 @@ void OpenOne(const WindowEntry& window) {
     }
     BindWindow(window, *open.Form);
     if (&window == &FormColorBar_Entry) AddColourSample(*open.Form);
+    if (&window == &FormTrompete_Entry) AddTrumpet(*open.Form);
     Desktop.Windows[&window] = open;
     open.Outer->setAttribute(Qt::WA_DeleteOnClose, false);
     open.Outer->installEventFilter(new WindowEvents(window, *open.Outer));
@@ -366,6 +369,7 @@ void OpenDesktop() {
         auto* combo = new QComboBox(bar);
         combo->setObjectName(QStringLiteral("ComboSaveView"));
         combo->setMinimumWidth(140);
+        combo->setPlaceholderText(QStringLiteral("Saved views"));
         bar->addWidget(combo);
         // The view that the list shows can be chosen again, after the picture has been turned away from it.
         // This stands in front of the binder's connection, which is the one that changes the choice.
@@ -419,6 +423,7 @@ void ShowState(bool insideWork) {
         BringToFront(*window, open);
         ShowControls(*window, panels);
         if (window == &FormColorBar_Entry) ShowColourSample(*open.Form);
+        if (window == &FormTrompete_Entry) ShowTrumpet(*open.Form);
         const QString title = Q(window->State->Caption);
         if (open.Outer->windowTitle() != title) open.Outer->setWindowTitle(title);
         if (open.Form->isEnabled() != window->State->Enabled) open.Form->setEnabled(window->State->Enabled);

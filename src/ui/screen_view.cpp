@@ -94,6 +94,10 @@ ScreenView::ScreenView(std::uint64_t id) : id_(id), bar_(this) {
         panel_[i]->setMinimumWidth(1);
         row->addWidget(panel_[i], i == 1 ? 3 : 2);
     }
+    deviation_.setObjectName(QStringLiteral("_Deviation"));
+    deviation_.setTextFormat(Qt::PlainText);
+    deviation_.setMinimumWidth(1);
+    row->addWidget(&deviation_, 5);
     for (QTimer* timer : {&moves_, &sizes_}) {
         timer->setSingleShot(true);
         timer->setInterval(0);
@@ -120,6 +124,11 @@ void ScreenView::ShowWindow(const ScreenWindow& window) {
         const QString text = Q(window.Panel[i]);
         if (panel_[i]->text() != text) panel_[i]->setText(text);
     }
+    if (const QString text = Q(window.Deviation); deviation_.text() != text) {
+        deviation_.setText(text);
+        deviation_.setToolTip(text);  // a narrow window cuts it
+    }
+    deviation_.setVisible(window.Mouse.ActualRow != 0);  // the legend needs its room
     PlaceBar(window);
     const QString name = Q(window.Caption);
     if (accessibleName() != name) setAccessibleName(name);

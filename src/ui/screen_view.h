@@ -49,6 +49,7 @@ private:
     std::uint64_t id_;
     QWidget bar_;
     std::array<QLabel*, kScreenPanels + 1> panel_{};
+    QLabel deviation_;  // of the point that the panels name
     bool pictureStale_ = true;
     QImage picture_;  // with its labels, as it was when it was last painted
 

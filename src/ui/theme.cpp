@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QPalette>
 #include <QPixmap>
+#include <QPolygonF>
 #include <QProxyStyle>
 #include <QStyle>
 #include <QStyleFactory>
@@ -83,9 +84,33 @@ public:
         QProxyStyle::drawPrimitive(element, &edged, painter, widget);
     }
 
+    // The arrows at the end of a tool bar that does not fit are a black picture of the toolkit's, which a
+    // dark tool bar swallows: they are drawn in the colour of the text.
+    void drawMoreArrows(const QStyleOptionToolButton& button, QPainter* painter,
+                        const QWidget* widget) const {
+        QStyleOptionToolButton bare(button);
+        bare.icon = {};
+        QProxyStyle::drawComplexControl(CC_ToolButton, &bare, painter, widget);
+        const bool enabled = (button.state & State_Enabled) != 0;
+        const QColor colour =
+            button.palette.color(enabled ? QPalette::Active : QPalette::Disabled, QPalette::ButtonText);
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(QPen(colour, 1.5));
+        painter->translate(QRectF(button.rect).center());
+        if (button.rect.width() > button.rect.height()) painter->rotate(90);
+        for (const qreal shift : {-3.0, 1.0})
+            painter->drawPolyline(QPolygonF({{shift, -3.5}, {shift + 3, 0}, {shift, 3.5}}));
+        painter->restore();
+    }
+
     // The title of a window inside the frame throws a shadow of the text's colour, which must be a dark one.
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                             const QWidget* widget) const override {
+        const auto* button = qstyleoption_cast<const QStyleOptionToolButton*>(option);
+        if (control == CC_ToolButton && button != nullptr && widget != nullptr &&
+            widget->objectName() == QLatin1String("qt_toolbar_ext_button"))
+            return drawMoreArrows(*button, painter, widget);
         const auto* title = qstyleoption_cast<const QStyleOptionTitleBar*>(option);
         if (control != CC_TitleBar || title == nullptr || (title->titleBarState & Qt::WindowActive) == 0)
             return QProxyStyle::drawComplexControl(control, option, painter, widget);

@@ -126,6 +126,7 @@ TEST_F(ScreenEvents, TheStatusBarTellsThePointUnderTheMouse) {
     EXPECT_EQ(Panel("3"), "y: 0.000");
     EXPECT_EQ(Panel("4"), "z: 0.300");
     EXPECT_EQ(Get("Screen#1.ScreenPixel")["actualRow"], 1);
+    EXPECT_EQ(Get("Screen#1.ScreenPixel")["deviation"].get<std::string>().substr(0, 11), "Deviation: ");
     Mouse("move", kRight, kUpper);
     EXPECT_EQ(Panel("1"), "Pnt.ID: D");
     EXPECT_EQ(Panel("2"), "x: 100.000");

@@ -131,6 +131,30 @@ TEST_F(Render, LimitsAndClassesChangeTheColours) {
     EXPECT_EQ(DiscsOf(Svg(job, {"--limits", "0,0.1"}))[0].Colour, "#ff0000");
 }
 
+// Green, the middle of the bar, is no deviation: so the numbers at its ends are those of both sides.
+TEST_F(Render, TheColourBarHasZeroInItsMiddle) {
+    const std::string svg = Svg(Plate(), {"--color-bar"});
+    EXPECT_TRUE(Has(svg, ">0.40<")) << svg;
+    EXPECT_TRUE(Has(svg, ">-0.40<")) << svg;
+    EXPECT_FALSE(Has(svg, ">0.00<")) << svg;
+}
+
+TEST_F(Render, NamesOfTheLowestPointsStandAboveTheScales) {
+    const std::string job = Plate();
+    const std::string svg = Svg(job, {"--names", "--vectors", "--size", "1600x400"});
+    double lowest = 0, scales = 800;
+    const std::regex pattern("<text x=\"[-0-9.]+\" y=\"([0-9.]+)\"[^>]*>([^<]*)<");
+    for (std::sregex_iterator it(svg.begin(), svg.end(), pattern), end; it != end; ++it) {
+        const double y = std::stod((*it)[1]);
+        if ((*it)[2].str().starts_with("Scale"))
+            scales = std::min(scales, y);
+        else
+            lowest = std::max(lowest, y);
+    }
+    EXPECT_GT(lowest, 0) << svg;
+    EXPECT_LT(lowest + 12, scales) << svg;
+}
+
 TEST_F(Render, VectorsAreAsManyTimesAsLongAsWasAskedFor) {
     const std::string svg = Svg(Plate(), {"--vectors", "50", "--view", "side"});
     // From the side z runs up: A's 0.3 mm, at 7.2 pixels to the millimetre, fifty times.

@@ -291,6 +291,26 @@ TEST_F(Mouse, TheStatusBarTellsThePointUnderTheMouse) {
     EXPECT_EQ(Panels(window), (Texts{"Pnt.ID: T", "x: 0.7000", "y: 0.5000", "z: 0.0090"}));
 }
 
+// P2 stands at (300, 100, 6) and its target at (340, 100, 0).
+TEST_F(Mouse, BesideThePointStandsItsDeviation) {
+    ScreenWindow& window = OpenFive();
+    Move(window, 299, 101);
+    EXPECT_EQ(window.Deviation, "Deviation: 40.447  (-40.000, 0.000, 6.000)");
+    Move(window, 341, 100);  // its target is the same pair
+    EXPECT_EQ(window.Deviation, "Deviation: 40.447  (-40.000, 0.000, 6.000)");
+    for (const auto& [x, y] : {std::pair{500.0F, 500.0F}, {700.0F, 500.0F}}) {
+        Move(window, x, y);
+        EXPECT_EQ(window.Deviation, "") << "a point without a partner";
+    }
+    Units.LengthFactor = 0.001;
+    Units.FmtLength = "0.0000";
+    Move(window, 299, 101);
+    EXPECT_EQ(window.Deviation, "Deviation: 0.0404  (-0.0400, 0.0000, 0.0060)");
+    Run.JobDataValid = kFalse;
+    Move(window, 300, 100);
+    EXPECT_EQ(window.Deviation, "");
+}
+
 TEST_F(Mouse, WithoutAPointTheStatusBarCarriesTheLegend) {
     ScreenWindow& window = OpenFive();
     Move(window, 300, 100);

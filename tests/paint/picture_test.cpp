@@ -65,6 +65,37 @@ TEST(Picture, ALineOfWidthOneCoversThePixelsFromEndToEnd) {
     for (int column = 5; column <= 12; ++column) EXPECT_EQ(own.At(column, 7), kRedPixel) << column;
 }
 
+// The bar of colours is made of such lines.
+TEST(Picture, ThinLinesSideBySideLeaveNoGapsAtABrokenScale) {
+    for (const double scale : {1.25, 1.5, 1.75, 2.0}) {
+        OwnSurface own(40, 30, scale);
+        for (int line = 4; line <= 20; ++line) {
+            const auto place = static_cast<float>(line);
+            own.Screen.Line(own.Screen, 10, place, 30, place, kRed, 1);
+        }
+        own.Screen.Refresh(own.Screen);
+        const auto edge = [scale](int logical) { return static_cast<int>(std::lround(logical * scale)); };
+        for (int row = edge(4); row < edge(21); ++row)
+            for (int column = edge(10); column < edge(31); ++column)
+                ASSERT_EQ(own.At(column, row), kRedPixel) << scale << ": " << column << ", " << row;
+        EXPECT_EQ(own.Painted(), (edge(21) - edge(4)) * (edge(31) - edge(10))) << scale;
+    }
+}
+
+TEST(Picture, AThinLineBeyondTheEdgesEndsAtThemAtABrokenScale) {
+    OwnSurface own(40, 30, 1.5);
+    own.Screen.Line(own.Screen, -1e9F, 29, 1e9F, 29, kRed, 1);
+    own.Screen.Line(own.Screen, 39, -5, 39, 100, kRed, 1);
+    own.Screen.Line(own.Screen, 3, 500, 30, 500, kRed, 1);
+    own.Screen.Refresh(own.Screen);
+    // Two rows of 60 pixels below (28.5 .. 45 is from 44 on), two columns of 45 at the right.
+    int below = 0, right = 0;
+    for (int column = 0; column < 60; ++column) below += own.At(column, 44) == kRedPixel ? 1 : 0;
+    for (int row = 0; row < 45; ++row) right += own.At(59, row) == kRedPixel ? 1 : 0;
+    EXPECT_EQ(below, 60);
+    EXPECT_EQ(right, 45);
+}
+
 TEST(Picture, ALineEndsAtTheNearestWholePixels) {
     OwnSurface own(40, 30);
     own.Screen.Line(own.Screen, 5.4F, 6.6F, 5.4F, 9.4F, kRed, 1);

@@ -3,7 +3,9 @@
 #include <sys/prctl.h>
 
 #include <QApplication>
+#include <QFile>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <csignal>
 #include <cstdio>
 
@@ -29,11 +31,26 @@ void TellWhatMatters(QtMsgType, const QMessageLogContext&, const QString& messag
     if (!usual) std::fprintf(stderr, "%s\n", qPrintable(message));
 }
 
+// A screen as people have one: the frame keeps to its screen, and the toolkit's own would be too small for
+// the sizes that tests give it.
+void DescribeScreen(const QTemporaryDir& folder) {
+    // A test that needs other screens starts the program anew and says which.
+    if (qgetenv("QT_QPA_PLATFORM").startsWith("offscreen:")) return;
+    QFile screen(folder.filePath(QStringLiteral("screen.json")));
+    const char* const described =
+        R"({"screens": [{"name": "large", "x": 0, "y": 0, "width": 1920, "height": 1200,
+                         "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})";
+    if (screen.open(QIODevice::WriteOnly) && screen.write(described) > 0)
+        qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + screen.fileName().toUtf8());
+    else
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    // A test that needs other screens starts the program anew and says which.
-    if (!qgetenv("QT_QPA_PLATFORM").startsWith("offscreen")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QTemporaryDir folder;
+    DescribeScreen(folder);
     qInstallMessageHandler(TellWhatMatters);
     QProcess daemon;
     StartBus(daemon);

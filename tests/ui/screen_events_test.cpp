@@ -59,6 +59,8 @@ TEST_F(ScreenByHand, RollsWithShiftAndBothButtons) {
     QApplication::sendEvent(&view, &move);
     Serve();
     EXPECT_NEAR(AngleBetween(before, ViewRotation(window)), 15 * 0.02, 1e-9);
+    for (const Qt::MouseButton button : {Qt::RightButton, Qt::LeftButton})
+        QTest::mouseRelease(&view, button, Qt::ShiftModifier, {210, 205});
 }
 
 TEST_F(ScreenByHand, PansWithCtrlPixelByPixel) {
@@ -90,6 +92,7 @@ TEST_F(ScreenByHand, TheRightButtonZoomsOutAtEachPressOfAQuickHand) {
     const float before = window.State.BildFaktor;
     QTest::mouseClick(&View(window), Qt::RightButton, {}, {50, 60});
     QTest::mouseDClick(&View(window), Qt::RightButton, {}, {50, 60});
+    QTest::mouseRelease(&View(window), Qt::RightButton, {}, {50, 60});
     EXPECT_NEAR(window.State.BildFaktor / before, 0.7 * 0.7, 1e-6);
 }
 
@@ -171,6 +174,8 @@ TEST_F(ScreenByHand, AClickChoosesThePointAndItsRowInTheMainSheet) {
     Trigger("MenuVievMainSheet");
     ScreenWindow& window = OpenScreen();
     const QPoint place = PixelOfRow(window, 4).toPoint();
+    // From elsewhere: a mouse that stands there already does not move.
+    QTest::mouseMove(&View(window), place + QPoint(40, 30));
     QTest::mouseMove(&View(window), place);
     QTest::mouseClick(&View(window), Qt::LeftButton, {}, place + QPoint(1, 1));
     Serve();
@@ -179,6 +184,9 @@ TEST_F(ScreenByHand, AClickChoosesThePointAndItsRowInTheMainSheet) {
     for (int col = 0; col < sheet.Cols; ++col) found = found || CellText(sheet, sheet.Row, col) == "P4";
     EXPECT_TRUE(found) << "row " << sheet.Row;
     EXPECT_EQ(S(View(window).findChild<QLabel*>(QStringLiteral("StatusBar.1"))->text()), "Pnt.ID: P4");
+    const QLabel* deviation = View(window).findChild<QLabel*>(QStringLiteral("_Deviation"));
+    EXPECT_TRUE(deviation->isVisible());
+    EXPECT_EQ(S(deviation->text()), "Deviation: 0.000  (0.000, 0.000, 0.000)");
     EXPECT_EQ(Scene.ActualPointName, "P4");
 }
 

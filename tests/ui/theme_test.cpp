@@ -8,7 +8,9 @@
 #include <QStyle>
 #include <QStyleOptionButton>
 #include <QSvgRenderer>
+#include <QToolBar>
 #include <QToolTip>
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -133,6 +135,26 @@ TEST_F(DesktopTest, TheEdgeOfAnEmptyCheckBoxIsSeenInBothThemes) {
         const QImage box = EmptyCheckBox();
         const QColor edge = box.pixelColor(3, 10), inside = box.pixelColor(10, 10);
         EXPECT_GE(Contrast(edge, inside), 3) << "dark " << IsDark();
+    }
+    ApplyTheme(Theme::Light);
+}
+
+TEST_F(DesktopTest, TheArrowsOfAToolBarThatDoesNotFitAreSeenInBothThemes) {
+    Begin();
+    auto* bar = Frame()->findChild<QToolBar*>(QStringLiteral("ToolbarGraphics"));
+    auto* more = bar->findChild<QWidget*>(QStringLiteral("qt_toolbar_ext_button"));
+    ASSERT_NE(more, nullptr);
+    for (const Theme theme : {Theme::Light, Theme::Dark}) {
+        ApplyTheme(theme);
+        more->resize(16, 32);
+        bar->setEnabled(true);
+        more->setEnabled(true);
+        const QImage shown = more->grab().toImage();
+        double best = 0;
+        for (int y = 0; y < shown.height(); ++y)
+            for (int x = 0; x < shown.width(); ++x)
+                best = std::max(best, Contrast(shown.pixelColor(x, y), shown.pixelColor(1, 1)));
+        EXPECT_GE(best, 3) << "dark " << IsDark();
     }
     ApplyTheme(Theme::Light);
 }

@@ -2,6 +2,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QMainWindow>
 #include <QMdiSubWindow>
 #include <QMessageBox>
@@ -18,7 +19,11 @@
 #include "core/controller.h"
 #include "core/form_main.h"
 #include "core/form_progress_bar.h"
+#include "core/job.h"
 #include "core/run.h"
+#include "graphics/picking.h"
+#include "graphics/scene.h"
+#include "graphics/screen_events.h"
 #include "graphics/screen_window.h"
 #include "ui/desktop.h"
 #include "ui/qt_text.h"
@@ -179,6 +184,12 @@ void OtherPictures() {
     SaveWindow("FormMainSheet", {1100, 470});
     Trigger("MenüViewInputStatistic");
     SaveWindow("FormInputStatistic", {400, 350});
+    Trigger("MenuTransformationDistanceScale");
+    SaveWindow("FormDistanceScale", {1100, 330});
+    Press("FormDistanceScale", "BtnTrumpetGraph");
+    SaveWindow("FormTrompete", {860, 560});
+    Close("FormTrompete");
+    Close("FormDistanceScale");
     UserDid([] {
         ShowWindow("FormProgressBar");
         FindWindow("FormProgressBar")->State->Caption = "Monte Carlo";
@@ -211,10 +222,16 @@ void ScreenPictures() {
         Settle();
         Save(*ViewOf(window), QLatin1String(name));
     };
+    UserDid([] { UserSetIndex(Main.ComboSaveView, 0); });
     if (!window.BindingsShown) Trigger("MenuHelpBindings");
     save("FormScreen-keys");
     Trigger("MenuHelpBindings");
-    UserDid([] { UserSetIndex(Main.ComboSaveView, 0); });
+    // The mouse is at the corner that has sagged.
+    UserDid([&window] {
+        const auto row = static_cast<std::size_t>(Job.nIdent);
+        PixelsForWindow(window);
+        ScreenPixel_MouseMove(window, {.X = Scene.PixelX[row], .Y = Scene.PixelY[row]});
+    });
     save("FormScreen");
     Trigger("ToolbarGraphics.ColorBar");
     SaveWindow("FormColorBar");
@@ -227,13 +244,25 @@ void ScreenPictures() {
     Trigger("ToolbarSaveView.SaveView");
 }
 
+// The main window keeps to its screen, and without a description of one the toolkit's own is too small for
+// it.
+void BeginOnLargeScreen(const QTemporaryDir& folder) {
+    QFile screen(folder.filePath(QStringLiteral("screen.json")));
+    const bool written =
+        screen.open(QIODevice::WriteOnly) &&
+        screen.write(R"({"screens": [{"name": "large", "x": 0, "y": 0, "width": 1600, "height": 1000,
+                                     "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})") > 0;
+    if (!written) Fail(QStringLiteral("no place for the description of a screen"));
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + screen.fileName().toUtf8());
+}
+
 }  // namespace
 
 // corvinade-pictures: run in the folder of the project.
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("CORVINADE_THEME", "light");
     const QTemporaryDir settings;
+    BeginOnLargeScreen(settings);
+    qputenv("CORVINADE_THEME", "light");
     qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
     qunsetenv("appdata");
     QApplication application(argc, argv);
@@ -253,6 +282,7 @@ int main(int argc, char** argv) {
     Frame()->resize(1280, 800);
     Frame()->show();
     Settle();
+    if (Frame()->size() != QSize(1280, 800)) Fail(QStringLiteral("the main window has not its size"));
     CalculationPictures();
     OtherPictures();
     InputPicture();

@@ -1,0 +1,57 @@
+// The window that compares the distances between all pairs of identical points in the two systems.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "analysis/distance_pairs.h"
+#include "core/arrays.h"
+#include "core/records.h"
+#include "core/window.h"
+
+struct FormDistanceScale {
+    WindowState Window{.Caption = "Distance Scale"};
+
+    Control OptionWithoutCal = Option("Start points as &measured", 1);
+    Control OptionWithCal = Option("Start points with &transformation", 1);
+    Control BtnSaveTrumpetData = Button("&Save Trumpet Data");
+    Control BtnTrumpetGraph = Button("Trumpet &Graph");
+    Control TabelleScale = Grid(1, 0);
+
+    static void Form_Load();
+    static void Form_Escape();
+    static void OptionWithoutCal_Click();
+    static void OptionWithCal_Click();
+    static void BtnSaveTrumpetData_Click();
+    static void BtnTrumpetGraph_Click();
+    static void TabelleScale_Click();
+    static void TabelleScale_Key();
+};
+inline FormDistanceScale DistanceScaleWindow;
+extern const WindowEntry FormDistanceScale_Entry;
+
+inline constexpr int kDistanceScaleCols = 11;
+extern const std::array<const char*, kDistanceScaleCols> kDistanceScaleHeadings;
+
+// Measures all pairs of the job anew and fills the table. With many points it shows its progress; cancelled,
+// it leaves the table without points.
+void Distance_Calculation();
+
+// A cell of the table below its headings, with the present units and formats.
+std::string DistanceScaleText(const DistancePoints& points, const DistanceExtremes& row, int point, int col);
+
+// Outlives the windows: the trumpet plot stays when the table is closed.
+struct DistanceScaleRecord {
+    Flag WithCal = kFalse;  // the start points are the transformed ones
+    std::shared_ptr<const DistancePoints> Points = std::make_shared<const DistancePoints>();
+    std::vector<DistanceExtremes> Rows;  // by point, element 0 unused
+    GridSort Sorting;
+    std::uint64_t Calculations = 0;  // counts them; one that begins during a yield overtakes the other
+};
+inline DistanceScaleRecord DistanceScale;
+
+// The room's records by name.
+std::span<const RecordEntry> AnalysisRecords();

@@ -1,0 +1,28 @@
+// Long work over the pairs of points.
+#include "analysis/pair_progress.h"
+
+#include <algorithm>
+
+#include "core/platform.h"
+#include "core/run.h"
+
+PairProgress::PairProgress(const std::string& caption, std::int64_t steps) : shown_(steps > kQuickSteps) {
+    if (!shown_) return;
+    // Work begun inside the yields of other long work shares its window.
+    own_ = !IsLoaded(FormProgressBar_Entry.Name);
+    if (!own_) return;
+    ShowWindow(FormProgressBar_Entry.Name);
+    Progress.Window.Caption = caption;
+    Run.StopRequested = kFalse;
+}
+
+PairProgress::~PairProgress() {
+    if (own_) UnloadWindow(FormProgressBar_Entry.Name);
+}
+
+bool PairProgress::GoesOn(double share) {
+    if (!shown_) return true;
+    SetValue(Progress.ProgressBar1, std::clamp(static_cast<int>(100 * share), 0, 100));
+    YieldToEvents();
+    return !IsTrue(Run.StopRequested);
+}

@@ -1,0 +1,22 @@
+// `corvinade-cli distances`: the distances between all pairs of points in the two systems of a job.
+#pragma once
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+
+struct DistancesOptions {
+    std::string Job;
+    bool WithResult = false;  // the start points are the transformed ones
+    bool Json = false, Csv = false;
+    std::string Trumpet;            // path of the plot to write; "" = none
+    std::string Pairs;              // path of the file of all pairs; "" = none
+    std::optional<bool> Questions;  // --yes or --no
+    std::optional<char> Decimal;
+};
+
+// "" or why a plot cannot be written under this name.
+std::string CheckTrumpetFile(const std::string& path);
+
+// Gives the exit status. The files are written whole or not at all, before anything goes to `out`.
+int RunDistances(const DistancesOptions& options, std::ostream& out, std::ostream& err, bool colour);

@@ -1,0 +1,134 @@
+// The distance scale and its trumpet plot by names alone.
+#include <cmath>
+
+#include "cli/automation.h"
+#include "core/text.h"
+
+namespace {
+
+class DistancesByName : public Automated {
+protected:
+    static json Click(const std::string& at) { return Good({{"do", "click"}, {"at", at}}); }
+    static json Get(const std::string& at) { return Good({{"do", "get"}, {"at", at}}); }
+    static std::string ErrorOf(const json& request) {
+        const json reply = Ask(request);
+        EXPECT_EQ(reply["ok"], false) << request.dump();
+        return reply.value("error", "");
+    }
+    // Distances A B 5, A C 13, B C 12 at the start and 6, 16, 10 at the target.
+    void Start(const std::string& start = "A;0;0;0\nB;3;4;0\nC;3;4;12\n",
+               const std::string& target = "A;10;0;0\nB;16;0;0\nC;26;0;0\n") {
+        StartAutomation({});
+        Click("FormMain.MenuFileInputFiles");
+        Good({{"do", "set"}, {"at", "FormInputFiles.TextNameMCS"}, {"value", Write("start.txt", start)}});
+        Good({{"do", "set"}, {"at", "FormInputFiles.TextNameOCS"}, {"value", Write("target.txt", target)}});
+        Click("FormInputFiles.BtnOK");
+    }
+    void StartWithPlot() {
+        Start();
+        Click("FormMain.MenuTransformationDistanceScale");
+        Click("FormDistanceScale.BtnTrumpetGraph");
+    }
+    static json MouseAt(double x, double y) {
+        return {{"do", "mouse"}, {"at", "FormTrompete.Trumpet"}, {"event", "move"}, {"x", x}, {"y", y}};
+    }
+};
+
+TEST_F(DistancesByName, TheTableAndTheFileAreThere) {
+    Start();
+    Click("FormMain.MenuTransformationDistanceScale");
+    const json table = Get("FormDistanceScale.TabelleScale");
+    EXPECT_EQ(table["rows"], 4);
+    EXPECT_EQ(table["cols"], 11);
+    EXPECT_EQ(table["cells"][3], json({"C", "3.000", "A", "-2.000", "B", "1.230769", "A", "0.833333", "B",
+                                       "2.500", "1.032051"}));
+    Good({{"do", "answer"}, {"kind", "save"}, {"value", PathOf("pairs.txt")}});
+    Click("FormDistanceScale.BtnSaveTrumpetData");
+    EXPECT_EQ(Contents(PathOf("pairs.txt")),
+              "A\tB\t5\t6\t1.000\r\nA\tC\t13\t16\t3.000\r\nB\tC\t12\t10\t-2.000\r\n");
+}
+
+TEST_F(DistancesByName, TheOptionsAreChosenByName) {
+    Start();
+    Click("FormMain.MenuTransformationDistanceScale");
+    Good({{"do", "set"}, {"at", "FormDistanceScale.OptionWithCal"}, {"value", true}});
+    EXPECT_EQ(Good({{"do", "record"}, {"name", "WithCal"}})["value"], -1);
+    Good({{"do", "set"}, {"at", "FormDistanceScale.OptionWithoutCal"}, {"value", true}});
+    EXPECT_EQ(Good({{"do", "record"}, {"name", "WithCal"}})["value"], 0);
+}
+
+TEST_F(DistancesByName, TooFewPointsAreTold) {
+    Start("A;1;2;3\nB;1;2;3\n", "A;1;2;3\nC;3;2;1\n");
+    const json reply = Click("FormMain.MenuTransformationDistanceScale");
+    EXPECT_EQ(reply["dialogs"][0]["text"], "There are not enough identically Points for a calculation");
+    EXPECT_EQ(Get("FormDistanceScale")["loaded"], false);
+}
+
+TEST_F(DistancesByName, ThePlotHandsOutItsPointsAndAxes) {
+    StartWithPlot();
+    const json plot = Get("FormTrompete.Trumpet");
+    EXPECT_EQ(plot["kind"], "plot");
+    EXPECT_EQ(plot["points"], json::parse("[[6.0, 1.0], [16.0, 3.0], [10.0, -2.0]]"));
+    EXPECT_EQ(plot["pairs"], 3);
+    EXPECT_EQ(plot["xMin"], 0);
+    EXPECT_EQ(plot["xMax"], 16);
+    EXPECT_EQ(plot["yMin"], -2);
+    EXPECT_EQ(plot["yMax"], 3);
+    EXPECT_LT(plot["axes"]["yLow"], -2);
+    EXPECT_GT(plot["axes"]["xHigh"], 16);
+    EXPECT_GE(plot["xTicks"].size(), 2u);
+}
+
+TEST_F(DistancesByName, FurtherPointsFollowByTheirNumber) {
+    StartWithPlot();
+    EXPECT_EQ(Good({{"do", "get"}, {"at", "FormTrompete.Trumpet"}, {"first", 2}})["points"],
+              json::parse("[[16.0, 3.0], [10.0, -2.0]]"));
+    EXPECT_EQ(Good({{"do", "get"}, {"at", "FormTrompete.Trumpet"}, {"first", 3}})["points"],
+              json::parse("[[10.0, -2.0]]"));
+    EXPECT_EQ(Good({{"do", "get"}, {"at", "FormTrompete.Trumpet"}, {"first", 4}})["points"], json::array());
+    EXPECT_EQ(ErrorOf({{"do", "get"}, {"at", "FormTrompete.Trumpet"}, {"first", 0}}),
+              "\"first\" is the number of a pair, from 1");
+}
+
+TEST_F(DistancesByName, ThePointUnderTheMouseNamesItsPair) {
+    StartWithPlot();
+    json plot = Get("FormTrompete.Trumpet");
+    const auto at = [&plot](double x, double y) {
+        const json &f = plot["frame"], &a = plot["axes"];
+        const auto share = [](double v, const json& low, const json& high) {
+            return (v - low.get<double>()) / (high.get<double>() - low.get<double>());
+        };
+        const double left = f["left"], right = f["right"], top = f["top"], bottom = f["bottom"];
+        return MouseAt(left + share(x, a["xLow"], a["xHigh"]) * (right - left),
+                       bottom + share(y, a["yLow"], a["yHigh"]) * (top - bottom));
+    };
+    Good(at(16, 3));
+    EXPECT_EQ(Get("FormTrompete.LabelPair")["text"], "A - C: distance 16.000, delta s 3.000 millimeter");
+    EXPECT_EQ(Get("FormTrompete.Trumpet")["pair"], json({1, 3}));
+    Good({{"do", "resize"}, {"at", "FormTrompete.Trumpet"}, {"width", 400}, {"height", 300}});
+    plot = Get("FormTrompete.Trumpet");
+    EXPECT_EQ(plot["width"], 400);
+    Good(at(10, -2));
+    EXPECT_EQ(Get("FormTrompete.LabelPair")["text"], "B - C: distance 10.000, delta s -2.000 millimeter");
+    Good(MouseAt(1e300, -1e300));
+    EXPECT_EQ(Get("FormTrompete.LabelPair")["text"], "");
+}
+
+TEST_F(DistancesByName, WhatThePlotCannotDoIsRefused) {
+    Start();
+    EXPECT_EQ(ErrorOf(MouseAt(1, 1)), "FormTrompete is not open");
+    EXPECT_EQ(Get("FormTrompete.Trumpet")["points"], json::array());
+    Click("FormMain.MenuTransformationDistanceScale");
+    Click("FormDistanceScale.BtnTrumpetGraph");
+    json request = MouseAt(1, 1);
+    request["event"] = "click";
+    EXPECT_EQ(ErrorOf(request), "the trumpet plot takes the mouse's moves alone");
+    request = MouseAt(1, 1);
+    request["x"] = "left";
+    EXPECT_EQ(ErrorOf(request), "the member \"x\" must be a number");
+    EXPECT_NE(ErrorOf({{"do", "resize"}, {"at", "FormTrompete.Trumpet"}, {"width", 0}, {"height", 9}}), "");
+    EXPECT_EQ(ErrorOf({{"do", "resize"}, {"at", "FormTrompete"}, {"width", 9}, {"height", 9}}),
+              "only a graphics window can be resized");
+}
+
+}  // namespace
