@@ -1,18 +1,4 @@
-// Procedures of rooms that are still to be built. Where a user would wait for an effect the procedure
-// says that this version does not have it; the rest is refreshing of what is not there.
-#include "core/platform.h"
+// Procedures of rooms that are still to be built: what they refresh is not there yet.
 #include "core/refresh.h"
-
-namespace {
-
-[[noreturn]] void Missing(const char* what) {
-    throw PlatformError{std::string("This version cannot ") + what};
-}
-
-}  // namespace
-
-void ReadBundleFile(const std::string&) {
-    Missing("read bundle files");
-}
 
 void Alle_Fahnen_neu_zeichnen() {}

@@ -1,9 +1,14 @@
 // The tables above all rooms: every window, and every record with mutable state.
+#include "analysis/form_batch.h"
+#include "analysis/form_change_dir.h"
 #include "analysis/form_distance_scale.h"
 #include "analysis/form_input_statistic.h"
 #include "analysis/form_main_sheet.h"
 #include "analysis/form_options.h"
 #include "analysis/form_trompete.h"
+#include "bundle/bundle_records.h"
+#include "bundle/form_buendel.h"
+#include "bundle/network.h"
 #include "core/controller.h"
 #include "core/form_help_info.h"
 #include "core/form_main.h"
@@ -44,7 +49,8 @@ const WindowEntry* const kWindows[] = {
     &FormMain_Entry,          &FormUnits_Entry,          &FormMenuHelpInfo_Entry,  &FormProgressBar_Entry,
     &FormInputFiles_Entry,    &FormInputStatistic_Entry, &FormOptions_Entry,       &FormTrafoBerechnung_Entry,
     &FormTrafoDetails_Entry,  &FormMainSheet_Entry,      &FormColorBar_Entry,      &FormSaveView_Entry,
-    &FormDistanceScale_Entry, &FormTrompete_Entry,       &FormStopParaTrafo_Entry,
+    &FormDistanceScale_Entry, &FormTrompete_Entry,       &FormStopParaTrafo_Entry, &FormBündel_Entry,
+    &FormBatch_Entry,         &FormChangeDir_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.
@@ -63,6 +69,7 @@ void (*const kRecords[])() = {
     [] { Noise = NoiseRecord{}; },
     [] { Inverse = InverseRecord{}; },
     [] { Spezial = SpezialRecord{}; },
+    [] { Bundle = BundleRecord{}; },
     [] { LongImport = LongImportRecord{}; },
     [] { MainSheet = MainSheetRecord{}; },
     [] { DistanceScale = DistanceScaleRecord{}; },
@@ -75,6 +82,7 @@ void (*const kRecords[])() = {
     [] { Scene = SceneRecord{}; },
     [] { Tolerance = ToleranceRecord{}; },
     [] { SaveViewAnswer = SaveViewRecord{}; },
+    [] { ChangeDirAnswer = ChangeDirRecord{}; },
 };
 
 }  // namespace
@@ -85,7 +93,7 @@ std::span<const WindowEntry* const> AllWindows() {
 
 std::span<const std::span<const RecordEntry>> AllRecords() {
     static const std::span<const RecordEntry> kTables[] = {CoreRecords(), EngineRecords(), AnalysisRecords(),
-                                                           ParaboloidRecords()};
+                                                           ParaboloidRecords(), BundleRecords()};
     return kTables;
 }
 

@@ -16,8 +16,8 @@ struct FormDistanceScale {
     WindowState Window{.Caption = "Distance Scale"};
 
     Control OptionWithoutCal = Option("Start points as &measured", 1);
-    Control OptionWithCal = Option("Start points with &transformation", 1);
-    Control BtnSaveTrumpetData = Button("&Save Trumpet Data");
+    Control OptionWithCal = Option("Start points with t&ransformation", 1);
+    Control BtnSaveTrumpetData = Button("Save Trumpet &Data");
     Control BtnTrumpetGraph = Button("Trumpet &Graph");
     Control TabelleScale = Grid(1, 0);
 

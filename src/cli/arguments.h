@@ -21,6 +21,26 @@ inline CLI::Validator Between(int least, int most) {
     return check.description("");
 }
 
+// The units of length by the names that a command line knows them by.
+inline CLI::Validator LengthUnitByName() {
+    return NameOf({{"millimeter", "millimeter"},
+                   {"mm", "millimeter"},
+                   {"meter", "meter"},
+                   {"m", "meter"},
+                   {"inch", "inch"},
+                   {"in", "inch"},
+                   {"feet", "feet"},
+                   {"ft", "feet"}});
+}
+
+// What stands between the fields of a point file, by name.
+inline const std::map<std::string, std::string>& DelimiterNames() {
+    static const std::map<std::string, std::string> kNames = {
+        {"space", " "}, {"semicolon", ";"}, {"colon", ":"}, {"star", "*"},
+        {"sharp", "#"}, {"tab", "\t"},      {"comma", ","}};
+    return kNames;
+}
+
 inline void AddDecimal(CLI::App& command, std::string& decimal, const char* group) {
     command
         .add_option("--decimal", decimal,

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "analysis/form_change_dir.h"
 #include "cli/automate_replies.h"
 #include "cli/automate_screens.h"
 #include "cli/automate_trumpet.h"
@@ -414,10 +415,29 @@ void AtYield() {
     }
 }
 
+// The path that is queued for a folder, chosen in the window for it. False where there is none.
+bool ChooseQueuedFolder() {
+    auto& queue = Headless.Answers["folder"];
+    if (queue.empty()) return false;
+    const std::optional<std::string> path = queue.front();
+    queue.pop_front();
+    const std::string title = ChangeDir.Window.Caption, begin = ChangeDir.TextPath.Text;
+    if (path) {
+        UserSetText(ChangeDir.TextPath, *path);
+        UserClick(ChangeDir.BtnOK);
+    }
+    // One that is not there leaves the window open, and nobody else is coming.
+    if (IsLoaded(FormChangeDir_Entry.Name)) UnloadWindow(FormChangeDir_Entry.Name);
+    Headless.Dialogs.push_back({"folder", title, begin, {}, "", "", path, ""});
+    return true;
+}
+
 // Runs the requests that are queued for a window that is waited for, as long as it is open.
 void AtForm(const std::string& window) {
     auto& queue = Headless.Answers["form"];
+    if (window == FormChangeDir_Entry.Name && queue.empty() && ChooseQueuedFolder()) return;
     const bool answered = !queue.empty();
+    const std::string caption = FindWindow(window)->State->Caption;
     std::optional<std::string> answer;
     if (answered) {
         answer = std::move(queue.front());
@@ -431,10 +451,8 @@ void AtForm(const std::string& window) {
         replies.push_back(IsLoaded(window) ? Answer(request)
                                            : json{{"ok", false}, {"error", window + " is not open"}});
     const DialogShown shown = {
-        "form", FindWindow(window)->State->Caption,
-        window, {},
-        "",     "",
-        answer, answer ? replies.dump(-1, ' ', false, json::error_handler_t::replace) : ""};
+        "form", caption, window, {},
+        "",     "",      answer, answer ? replies.dump(-1, ' ', false, json::error_handler_t::replace) : ""};
     kept.Dialogs.push_back(shown);
     kept.Unanswered |= !answered;
     PutBack(std::move(kept));

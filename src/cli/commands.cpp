@@ -6,12 +6,15 @@
 
 #include "cli/arguments.h"
 #include "cli/automate.h"
+#include "cli/bundle.h"
 #include "cli/distances.h"
+#include "cli/export_job.h"
 #include "cli/fit.h"
 #include "cli/fit_arguments.h"
 #include "cli/headless.h"
 #include "cli/job_files.h"
 #include "cli/render.h"
+#include "cli/transform.h"
 #include "core/controller.h"
 #include "core/numbers.h"
 #include "core/platform.h"
@@ -179,6 +182,46 @@ CLI::App* AddDistances(CLI::App& app, DistancesSwitches& s) {
     return distances;
 }
 
+struct BundleSwitches {
+    BundleOptions Options;
+    std::string Decimal;
+};
+
+CLI::App* AddBundle(CLI::App& app, BundleSwitches& s) {
+    BundleOptions& o = s.Options;
+    CLI::App* bundle =
+        app.add_subcommand("bundle", "Adjust a theodolite network so that it agrees with its distances");
+    bundle
+        ->add_option("FILE", o.Path,
+                     "Network: the sections Theodolite, Object Points and Distances,\n"
+                     "each with a line that is skipped, its entries, and END")
+        ->type_name("FILE")
+        ->required();
+    bundle
+        ->add_option("--reduce", o.Percent,
+                     "Percentage of the object points that take part, 1 to 100;\n"
+                     "default: 100")
+        ->check(CLI::Validator([](const std::string& text) { return CheckReduce(text); }, ""))
+        ->type_name("P");
+    bundle
+        ->add_option("--to", o.Folder,
+                     "Also write the approximate network as BündelOCS.txt and the\n"
+                     "adjusted one as BündelMCS.txt into this folder")
+        ->check([](const std::string& text) {
+            return std::string(text.empty() ? "the name of the folder is empty" : "");
+        })
+        ->type_name("DIR");
+    bundle->add_option("--length-unit", o.LengthUnit, "Unit of the files and of what is shown; default: mm")
+        ->transform(LengthUnitByName())
+        ->type_name("mm|m|in|ft");
+    bundle->add_option("--digits", o.LengthDigits, "Decimals of lengths, 0 to 6; default: 3")
+        ->check(Between(0, 6))
+        ->type_name("N");
+    bundle->add_flag("--json", o.Json, "Everything as JSON, with full precision, in mm");
+    AddDecimal(*bundle, s.Decimal, "Options");
+    return bundle;
+}
+
 struct AutomateSwitches {
     AutomationOptions Options;
     std::string SettingsDir, Decimal, Screen = "800x600";
@@ -255,6 +298,12 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     const CLI::App* render = AddRender(app, renderSwitches);
     DistancesSwitches distancesSwitches;
     const CLI::App* distances = AddDistances(app, distancesSwitches);
+    BundleSwitches bundleSwitches;
+    const CLI::App* bundle = AddBundle(app, bundleSwitches);
+    TransformSwitches transformSwitches;
+    const CLI::App* transform = AddTransform(app, transformSwitches);
+    ExportSwitches exportSwitches;
+    const CLI::App* exported = AddExport(app, exportSwitches);
     AddAutomate(app, automateSwitches);
     try {
         app.parse(argc, argv);
@@ -268,6 +317,18 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     }
     if (render->parsed()) return Render(renderSwitches, err);
     if (distances->parsed()) return Distances(distancesSwitches, out, err, terminal);
+    if (bundle->parsed()) {
+        bundleSwitches.Options.Decimal = DecimalOf(bundleSwitches.Decimal);
+        return RunBundle(bundleSwitches.Options, out, err, terminal && ColourWanted(), progress);
+    }
+    if (transform->parsed()) {
+        TakeTransformSwitches(transformSwitches);
+        return RunTransform(transformSwitches.Options, err, progress);
+    }
+    if (exported->parsed()) {
+        TakeExportSwitches(exportSwitches);
+        return RunExport(exportSwitches.Options, err);
+    }
     TakeJobSwitches(jobSwitches);
     if (info->parsed()) return RunInfo(jobSwitches.Options, out, err, terminal && ColourWanted());
     if (convert->parsed()) return RunConvert(jobSwitches.Options, err);

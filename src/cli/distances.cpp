@@ -82,6 +82,7 @@ void WriteTable(const DistancesOptions& options, const Measured& m, const Style&
                                                "at",    "mean |delta s|", "mean scale"};
     const auto cells = [&m](int point) {
         std::vector<std::string> row;
+        row.reserve(kDistanceScaleCols);
         for (int col = 0; col < kDistanceScaleCols; ++col)
             row.push_back(ForTable(DistanceScaleText(m.Points, m.Row(point), point, col), kLongestName));
         return row;

@@ -10,23 +10,12 @@
 
 namespace {
 
-// Names by which the units are known on a command line.
-const std::map<std::string, std::string> kLengthNames = {{"millimeter", "millimeter"},
-                                                         {"mm", "millimeter"},
-                                                         {"meter", "meter"},
-                                                         {"m", "meter"},
-                                                         {"inch", "inch"},
-                                                         {"in", "inch"},
-                                                         {"feet", "feet"},
-                                                         {"ft", "feet"}};
+// Names by which the units are known on a command line; those of lengths serve other commands too.
 const std::map<std::string, std::string> kAngleNames = {
     {"degree", "degree"},       {"deg", "degree"},
     {"gon", "grad (gon)"},      {"rad", "rad"},
     {"mrad", "mrad"},           {"arcsecond", "arcsecond"},
     {"arcminute", "arcminute"}, {"dms", kDegreeMinuteSecond}};
-const std::map<std::string, std::string> kDelimiterNames = {
-    {"space", " "}, {"semicolon", ";"}, {"colon", ":"}, {"star", "*"},
-    {"sharp", "#"}, {"tab", "\t"},      {"comma", ","}};
 
 // The import takes its tolerance as a 32-bit float above 0.
 std::string CheckTolerance(const std::string& text) {
@@ -63,7 +52,7 @@ void AddPointOptions(CLI::App& fit, FitSwitches& s) {
     fit.add_option("--delimiter", o.Delimiter,
                    "What stands between the fields of a file that does not show it,\n"
                    "as one with blanks alone")
-        ->transform(NameOf(kDelimiterNames))
+        ->transform(NameOf(DelimiterNames()))
         ->type_name("space|semicolon|colon|star|sharp|tab|comma")
         ->group(group);
     auto* yes = fit.add_flag("--yes,-y", s.Yes,
@@ -100,7 +89,7 @@ void AddOutputOptions(CLI::App& fit, FitSwitches& s) {
     const char* const group = "Units and output";
     FitOptions& o = s.Options;
     fit.add_option("--length-unit", o.LengthUnit, "Unit of the files and of what is shown; default: mm")
-        ->transform(NameOf(kLengthNames))
+        ->transform(LengthUnitByName())
         ->type_name("mm|m|in|ft")
         ->group(group);
     fit.add_option("--angle-unit", o.AngleUnit, "Unit of angles; default: deg")

@@ -84,6 +84,7 @@ void EnableCommands() {
     for (Control* command :
          {&Main.MenueGraphics, &Main.MenüGlobalGraphics, &Main.MenuTransformation, &Main.MenuEdit})
         command->Enabled = data;
+    Main.MenuTransformationBundle.Enabled = BundleInMemory();
     Main.MenueFileExport.Enabled = result;
     Main.MenueFileExport.Text = "Export";
     Main.Toolbar2_FileNew.Enabled = Main.MenuFileNew.Enabled;

@@ -8,6 +8,8 @@
 #include <system_error>
 #include <utility>
 
+#include "core/file_writer.h"
+#include "core/large_pages.h"
 #include "core/platform.h"
 
 namespace fs = std::filesystem;
@@ -81,6 +83,7 @@ FileBytes ReadFile(const std::string& path) {
     } catch (const std::bad_alloc&) {
         Fail(kCannotRead, path, "it does not fit into memory");
     }
+    PreferLargePages(bytes.Data.get(), size);
     CheckFault("read", kCannotRead, path);
     bytes.Size = std::fread(bytes.Data.get(), 1, size, file.get());
     if (std::ferror(file.get()) != 0) Fail(kCannotRead, path, std::strerror(errno));
@@ -107,55 +110,68 @@ fs::path BehindLinks(const std::string& path) {
 
 }  // namespace
 
+FileBeside::FileBeside(const std::string& path) : path_(path), target_(BehindLinks(path)) {
+    std::error_code error;
+    old_ = fs::status(target_, error);
+    if (fs::is_directory(old_)) Fail(kCannotWrite, path_, "it is a folder, not a file");
+    if (fs::exists(old_) && !fs::is_regular_file(old_)) Fail(kCannotWrite, path_, "it is no regular file");
+    // Renaming asks for no right to the file itself, so that a protected one has to be looked for.
+    constexpr fs::perms kAnyWrite = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+    if (fs::exists(old_) && (old_.permissions() & kAnyWrite) == fs::perms::none)
+        Fail(kCannotWrite, path_, "it is write-protected");
+    beside_ = target_;
+    for (int number = 1; fs::exists(beside_, error) || beside_ == target_; ++number) {
+        beside_ = target_;
+        beside_ += ".new" + std::to_string(number);
+    }
+    CheckFault("create", kCannotWrite, path_);
+    file_ = std::fopen(beside_.string().c_str(), "wbx");
+    if (file_ == nullptr) Fail(kCannotWrite, path_, std::strerror(errno));
+    // What comes in large pieces is handed on as it is.
+    std::setvbuf(file_, nullptr, _IONBF, 0);
+}
+
+FileBeside::~FileBeside() {
+    if (file_ != nullptr) std::fclose(file_);
+    std::error_code error;
+    if (!kept_) fs::remove(beside_, error);
+}
+
+void FileBeside::Write(std::string_view bytes) {
+    CheckFault("write", kCannotWrite, path_);
+    if (std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size())
+        Fail(kCannotWrite, path_, std::strerror(errno));
+}
+
+void FileBeside::Keep(Keeping keeping) {
+    if (keeping == Keeping::Flushed) {
+        CheckFault("flush", kCannotWrite, path_);
+        if (!FlushToDisk(file_)) Fail(kCannotWrite, path_, std::strerror(errno));
+    }
+    if (std::fclose(std::exchange(file_, nullptr)) != 0) Fail(kCannotWrite, path_, std::strerror(errno));
+    std::error_code error;
+    if (fs::exists(old_)) fs::permissions(beside_, old_.permissions(), error);
+    CheckFault("rename", kCannotWrite, path_);
+    fs::rename(beside_, target_, error);
+    if (error) Fail(kCannotWrite, path_, error.message());
+    kept_ = true;
+}
+
 void WriteFile(const std::string& path, std::string_view bytes) {
-    WriteFileInParts(path, [&bytes] { return std::exchange(bytes, std::string_view()); });
+    FileBeside file(path);
+    file.Write(bytes);
+    file.Keep(Keeping::Flushed);
 }
 
 bool WriteFileInParts(const std::string& path, const std::function<std::optional<std::string_view>()>& next) {
-    std::error_code error;
-    const fs::path target = BehindLinks(path);
-    const fs::file_status old = fs::status(target, error);
-    if (fs::is_directory(old)) Fail(kCannotWrite, path, "it is a folder, not a file");
-    if (fs::exists(old) && !fs::is_regular_file(old)) Fail(kCannotWrite, path, "it is no regular file");
-    // Renaming asks for no right to the file itself, so that a protected one has to be looked for.
-    constexpr fs::perms kAnyWrite = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
-    if (fs::exists(old) && (old.permissions() & kAnyWrite) == fs::perms::none)
-        Fail(kCannotWrite, path, "it is write-protected");
-    fs::path beside = target;
-    for (int number = 1; fs::exists(beside, error) || beside == target; ++number) {
-        beside = target;
-        beside += ".new" + std::to_string(number);
-    }
-    CheckFault("create", kCannotWrite, path);
-    std::FILE* raw = std::fopen(beside.string().c_str(), "wbx");
-    if (raw == nullptr) Fail(kCannotWrite, path, std::strerror(errno));
-    bool renamed = false;
-    struct Remove {
-        const fs::path& Beside;
-        const bool& Renamed;
-        ~Remove() {
-            std::error_code ignored;
-            if (!Renamed) fs::remove(Beside, ignored);
-        }
-    } const remove{beside, renamed};
-    OpenFilePointer file(raw);
-    CheckFault("write", kCannotWrite, path);
+    FileBeside file(path);
     for (;;) {
         const std::optional<std::string_view> part = next();
         if (!part) return false;
         if (part->empty()) break;
-        if (std::fwrite(part->data(), 1, part->size(), file.get()) != part->size())
-            Fail(kCannotWrite, path, std::strerror(errno));
+        file.Write(*part);
     }
-    if (std::fflush(file.get()) != 0) Fail(kCannotWrite, path, std::strerror(errno));
-    CheckFault("flush", kCannotWrite, path);
-    if (!FlushToDisk(file.get())) Fail(kCannotWrite, path, std::strerror(errno));
-    if (std::fclose(file.release()) != 0) Fail(kCannotWrite, path, std::strerror(errno));
-    if (fs::exists(old)) fs::permissions(beside, old.permissions(), error);
-    CheckFault("rename", kCannotWrite, path);
-    fs::rename(beside, target, error);
-    if (error) Fail(kCannotWrite, path, error.message());
-    renamed = true;
+    file.Keep(Keeping::Flushed);
     return true;
 }
 

@@ -23,8 +23,18 @@ const ControlEntry kControls[] = {
      {.Click = FormMain::MenuFileInputFiles_Click},
      "MenuFile"},
     {"MenueFileExport", &Main.MenueFileExport, {}, "MenuFile"},
-    {"MenueFileExportRobCad", &Main.MenueFileExportRobCad, {}, "MenueFileExport"},
-    {"MenueFileExportROCAL", &Main.MenueFileExportROCAL, {}, "MenueFileExport"},
+    {"MenueFileExportRobCad",
+     &Main.MenueFileExportRobCad,
+     {.Click = FormMain::MenueFileExportRobCad_Click},
+     "MenueFileExport"},
+    {"MenueFileExportROCAL",
+     &Main.MenueFileExportROCAL,
+     {.Click = FormMain::MenueFileExportROCAL_Click},
+     "MenueFileExport"},
+    {"MenueOnlyMCStoTilde",
+     &Main.MenueOnlyMCStoTilde,
+     {.Click = FormMain::MenueOnlyMCStoTilde_Click},
+     "MenueFileExport"},
     {"MenüDateiAlt1", &Main.MenüDateiAlt1, {.Click = FormMain::MenüDateiAlt1_Click}, "MenuFile"},
     {"MenüDateiAlt2", &Main.MenüDateiAlt2, {.Click = FormMain::MenüDateiAlt2_Click}, "MenuFile"},
     {"MenüDateiAlt3", &Main.MenüDateiAlt3, {.Click = FormMain::MenüDateiAlt3_Click}, "MenuFile"},
@@ -55,6 +65,10 @@ const ControlEntry kControls[] = {
     {"MenuTransformationDistanceScale",
      &Main.MenuTransformationDistanceScale,
      {.Click = FormMain::MenuTransformationDistanceScale_Click},
+     "MenuTransformation"},
+    {"MenuTransformationBundle",
+     &Main.MenuTransformationBundle,
+     {.Click = FormMain::MenuTransformationBundle_Click},
      "MenuTransformation"},
     {"MenueTransformationBatch",
      &Main.MenueTransformationBatch,
@@ -350,6 +364,9 @@ void FormMain::MenuVievMainSheet_Click() {
 }
 void FormMain::MenüViewInputStatistic_Click() {
     ShowWindow("FormInputStatistic");
+}
+void FormMain::MenuTransformationBundle_Click() {
+    ShowWindow("FormBündel");
 }
 void FormMain::MenueTransformationBatch_Click() {
     ShowWindow("FormBatch");

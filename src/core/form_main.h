@@ -13,8 +13,9 @@ struct FormMain {
     Control MenuFileSaveAs = Menu("Save &As...");
     Control MenuFileInputFiles = Menu("&Input Files...");
     Control MenueFileExport = Menu("Export");
-    Control MenueFileExportRobCad = Menu("Rob&Cad...");
-    Control MenueFileExportROCAL = Menu("&ROCAL...");
+    Control MenueFileExportRobCad = Menu("Rob&Cad Robface *.rf File");
+    Control MenueFileExportROCAL = Menu("&Rocal *.bas File");
+    Control MenueOnlyMCStoTilde = Menu("OnlyMCS Pts to txt File");
     Control MenüDateiAlt1 = Menu("&1 ");
     Control MenüDateiAlt2 = Menu("&2 ");
     Control MenüDateiAlt3 = Menu("&3 ");
@@ -37,6 +38,7 @@ struct FormMain {
     Control MenuTransformation = Menu("&Transformation");
     Control MenuTransformationCalculation = Menu("&Calculation");
     Control MenuTransformationDistanceScale = Menu("&Distance Scale");
+    Control MenuTransformationBundle = Menu("B&undle...");
     Control MenueTransformationBatch = Menu("&Batch...");
 
     Control MenueGraphics = Menu("&Graphics");
@@ -146,12 +148,18 @@ struct FormMain {
     static void MenüViewInputStatistic_Click();
     static void MenuTransformationCalculation_Click();
     static void MenuTransformationDistanceScale_Click();
+    static void MenuTransformationBundle_Click();
     static void MenueTransformationBatch_Click();
     static void MenuSettingsUnits_Click();
     static void MenueExtrasOptions_Click();
     static void MenueHelpQuestion_Click();
     static void MenuHelpInfo_Click();
     static void MenueHelpSpezial_Click();
+
+    // Of the exports, defined in analysis/form_main_exports.cpp.
+    static void MenueFileExportRobCad_Click();
+    static void MenueFileExportROCAL_Click();
+    static void MenueOnlyMCStoTilde_Click();
 
     // Of the graphics windows, defined in graphics/form_main_graphics.cpp.
     static void MenueGraphics_Click();

@@ -43,6 +43,7 @@ void EinlesenParaboloidData();    // reads the shape file that the input dialog 
 void ParaboloidNearestTargets();  // each start point's nearest point of the shape becomes its target
 void CalculateParaboloid();  // the passes of a calculation of a job with a shape, and its Monte Carlo runs
 void ReadBundleFile(const std::string& path);  // the reader behind the bundle file of the input dialog
+bool BundleInMemory();                         // a network has been read
 
 // --- analysis/ ---------------------------------------------------------------------------------------
 // Refills the main sheet where it is open, from a job with valid data. Yields at each row.

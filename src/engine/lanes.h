@@ -16,6 +16,10 @@ constexpr int WholeLanes(int count) {
     return (count + kLanes - 1) / kLanes * kLanes;
 }
 
+// How many of the eight lanes one vector of the machine holds.
+enum class VectorWidth { Two = 2, Four = 4, Eight = 8 };
+VectorWidth WidestVectors();
+
 // The eight partial sums put together, always in this order.
 inline double SumOfLanes(const double* lanes) {
     return ((lanes[0] + lanes[4]) + (lanes[2] + lanes[6])) + ((lanes[1] + lanes[5]) + (lanes[3] + lanes[7]));

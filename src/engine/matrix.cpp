@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "core/require.h"
+#include "engine/sweep.h"
 
 namespace {
 
@@ -95,11 +96,10 @@ void MatrixTimesDiagonal(ConstMatrixView A, int n, int m, const Column& d, Matri
         for (int j = 1; j <= m; ++j) C(i, j) = A(i, j) * d[static_cast<std::size_t>(j)];
 }
 
-void MatrixInverse(ConstMatrixView A, int n, int m, MatrixView B) {
-    RequireSize(A, std::max(n, m), n);
-    RequireSize(B, std::max(n, m), n);
-    if (B.Data != A.Data)
-        for (int i = 1; i <= m; ++i) std::copy_n(Row(A, i) + 1, n, Row(B, i) + 1);
+namespace {
+
+// The plain sweep, row by row.
+void PlainSweep(MatrixView B, int n) {
     for (int k = 1; k <= n; ++k) {
         double* const rowK = Row(B, k);
         const double pivot = 1 / (1e-12 + rowK[k]);
@@ -114,6 +114,26 @@ void MatrixInverse(ConstMatrixView A, int n, int m, MatrixView B) {
             row[k] = factor * pivot;
         }
     }
+}
+
+bool Invert(ConstMatrixView A, int n, int m, MatrixView B, const std::function<bool()>* goOn) {
+    RequireSize(A, std::max(n, m), n);
+    RequireSize(B, std::max(n, m), n);
+    if (B.Data != A.Data)
+        for (int i = 1; i <= m; ++i) std::copy_n(Row(A, i) + 1, n, Row(B, i) + 1);
+    if (n >= kBlockedFrom) return BlockedSweep(B, n, WidestVectors(), goOn);
+    PlainSweep(B, n);
+    return true;
+}
+
+}  // namespace
+
+void MatrixInverse(ConstMatrixView A, int n, int m, MatrixView B) {
+    Invert(A, n, m, B, nullptr);
+}
+
+bool MatrixInverse(ConstMatrixView A, int n, int m, MatrixView B, const std::function<bool()>& goOn) {
+    return Invert(A, n, m, B, &goOn);
 }
 
 void MatrixCompare(ConstMatrixView A, ConstMatrixView B, double tolerance, double& sum, bool& equal) {

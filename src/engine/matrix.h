@@ -3,6 +3,8 @@
 // arrays. Sizes up to 32767; a larger one, or one beyond an array, is a broken promise of the caller.
 #pragma once
 
+#include <functional>
+
 #include "core/arrays.h"
 
 // One matrix for all operations: a Matrix, a Mat3, or a Column as a matrix of one column.
@@ -62,6 +64,10 @@ void MatrixTimesDiagonal(ConstMatrixView A, int n, int m, const Column& d, Matri
 // The copy has n columns and m rows. 1e-12 is added to each pivot as it stands, whatever its sign: a
 // zero pivot gives 1e12 and no failure, so a singular matrix gives huge elements. B may be A.
 void MatrixInverse(ConstMatrixView A, int n, int m, MatrixView B);
+
+// The same, asking `goOn` again and again while it works on a large matrix; false ends it, and B is nothing
+// then. Gives false where it was ended.
+bool MatrixInverse(ConstMatrixView A, int n, int m, MatrixView B, const std::function<bool()>& goOn);
 
 // Sum of all |A - B|, and whether none of them is above the tolerance. Arrays of different size give
 // sum 0 and equal true.

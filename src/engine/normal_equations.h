@@ -30,10 +30,6 @@ struct NormalSums {
     }
 };
 
-// How many of the eight lanes one vector of the machine holds.
-enum class VectorWidth { Two = 2, Four = 4, Eight = 8 };
-VectorWidth WidestVectors();
-
 // One pass over all points. The sums are the same, bit for bit, on every instruction set; which one is
 // used can be told, up to the widest that the machine has.
 void SumNormalEquations(const GatheredPoints& points, const FitModel& model, const Linearisation& at,

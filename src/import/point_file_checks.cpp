@@ -112,6 +112,11 @@ bool IsBlankTableWithDecimalComma(const PointText& file, FileRows rows) {
     return columns > 0;
 }
 
+// What stands as decimal delimiter where the file has only one of the two; the point where it has both.
+char DecimalMark(const PointText& file) {
+    return file.Text.find('.') == std::string_view::npos ? ',' : '.';
+}
+
 }  // namespace
 
 void DezTrennzeichenIstKomma(Flag& isComma) {
@@ -137,8 +142,14 @@ void FindTrennzeichen(const PointText& file, std::string& delimiter, FileRows ro
     if (result != 0) delimiter = std::string(1, kCandidates[result]);
 }
 
-void Diverse_Checks(const PointText& file, std::int64_t& columns, const std::string& delimiter,
+void Diverse_Checks(PointText& file, std::int64_t& columns, const std::string& delimiter,
                     std::int64_t& firstBadRow) {
+    if (!file.LoneReturns) {
+        const LineCensus& census = CensusOf(file, DelimiterCharacter(delimiter), DecimalMark(file));
+        columns = census.MostDelimiters + 1;
+        firstBadRow = census.FirstOther;
+        return;
+    }
     std::int64_t lowest = 10000, highest = -10000;
     firstBadRow = 0;
     const char sign = DelimiterCharacter(delimiter);
@@ -168,7 +179,11 @@ void Check_DecimalDelimiter(PointText& file, const std::string& delimiter) {
 
     const int fields = IsTrue(Run.RobotFileHasId) ? 4 : 3;
     std::int64_t dots = 0, commas = 0, lastSum = 0;
-    const bool fileHasCommas = sign != ',' && CountByte(file.Text, ',') != 0;
+    const char mark = DecimalMark(file);
+    const bool fileHasCommas = sign != ',' && file.Text.find(',') != std::string_view::npos;
+    // Where no line has more than three of the one that there is, its first occurrence tells all.
+    const bool firstTellsAll = !file.LoneReturns && (mark == ',' ? fileHasCommas : !fileHasCommas) &&
+                               CensusOf(file, sign, mark).MostMarks <= 3;
     LineWalk lines(file);
     std::string_view line;
     while (lines.Next(line)) {
@@ -201,6 +216,7 @@ void Check_DecimalDelimiter(PointText& file, const std::string& delimiter) {
             return;
         }
         lastSum = dots + commas;
+        if (firstTellsAll && lastSum > 0) break;
     }
 
     if (dots > 0 && commas > 0) {
@@ -234,7 +250,7 @@ void Check_DecimalDelimiter(PointText& file, const std::string& delimiter) {
     WriteFile(file.Path, file.Changed);
 }
 
-bool CheckColumns(const PointText& file, FileRows rows, std::string& delimiter, std::int64_t& columns) {
+bool CheckColumns(PointText& file, FileRows rows, std::string& delimiter, std::int64_t& columns) {
     FindTrennzeichen(file, delimiter, rows);
     if (delimiter.empty()) {
         const std::string gap = kBreak + kBreak + kBreak;
@@ -283,7 +299,8 @@ void FindTrennzeichen(const std::string& path, std::string& delimiter) {
 }
 void Diverse_Checks(const std::string& path, std::int64_t& columns, const std::string& delimiter,
                     std::int64_t& firstBadRow) {
-    Diverse_Checks(LoadPointText(path), columns, delimiter, firstBadRow);
+    PointText file = LoadPointText(path);
+    Diverse_Checks(file, columns, delimiter, firstBadRow);
 }
 void Check_DecimalDelimiter(const std::string& path, const std::string& delimiter) {
     PointText file = LoadPointText(path);

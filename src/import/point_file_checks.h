@@ -23,7 +23,7 @@ void ASCII_FileCheck(PointText& file, Flag& hasName, std::string& delimiter);
 enum class FileRows : std::uint8_t { Points, Shape };
 
 // The checks up to the number of columns, which is given. False, with the message, when one fails.
-bool CheckColumns(const PointText& file, FileRows rows, std::string& delimiter, std::int64_t& columns);
+bool CheckColumns(PointText& file, FileRows rows, std::string& delimiter, std::int64_t& columns);
 
 // Finds the field delimiter among blank ; : * # tab and comma. The comma is none where it is the
 // system's decimal delimiter, nor where the file without it is a table of numbers with decimal comma.
@@ -35,7 +35,7 @@ void FindTrennzeichen(const PointText& file, std::string& delimiter, FileRows ro
 //   firstBadRow  out: first line whose number differs from those before; 0 = none
 void Diverse_Checks(const std::string& path, std::int64_t& columns, const std::string& delimiter,
                     std::int64_t& firstBadRow);
-void Diverse_Checks(const PointText& file, std::int64_t& columns, const std::string& delimiter,
+void Diverse_Checks(PointText& file, std::int64_t& columns, const std::string& delimiter,
                     std::int64_t& firstBadRow);
 
 // Compares the decimal delimiter of the first three fields (of those behind the first one with

@@ -2,9 +2,15 @@
 #include "import/point_text.h"
 
 #include <array>
+#include <bit>
 #include <cstring>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include "core/platform.h"
+#include "core/require.h"
 #include "core/text.h"
 
 namespace {
@@ -65,17 +71,37 @@ bool HasLoneReturn(std::string_view text) {
                [at](std::size_t i) { return at[i] == '\r' && at[i + 1] != '\n'; }) != 0;
 }
 
-void Look(PointText& file, std::string_view whole) {
+// What the bytes of a text are. They are gone through block by block, so that all questions read the memory
+// once.
+struct ByteKinds {
+    bool Zero = false, Ascii = true, Return = false;
+};
+
+ByteKinds LookAtBytes(std::string_view text) {
+    constexpr std::size_t kBlock = 1 << 14;
+    ByteKinds bytes;
+    for (std::size_t at = 0; at < text.size(); at += kBlock) {
+        const std::string_view block = text.substr(at, kBlock);
+        bytes.Zero = bytes.Zero || std::memchr(block.data(), '\0', block.size()) != nullptr;
+        bytes.Ascii = bytes.Ascii && IsAscii(block);
+        bytes.Return = bytes.Return || std::memchr(block.data(), '\r', block.size()) != nullptr;
+    }
+    return bytes;
+}
+
+void Look(PointText& file, std::string_view whole, const ByteKinds& bytes) {
+    file.Census = LineCensus{};
     file.HasMark = whole.starts_with(kByteOrderMark);
     file.Text = file.HasMark ? whole.substr(kByteOrderMark.size()) : whole;
-    file.Ascii = IsAscii(file.Text);
-    file.LoneReturns = HasLoneReturn(file.Text);
+    // The mark itself is not ASCII.
+    file.Ascii = bytes.Ascii || (file.HasMark && IsAscii(file.Text));
+    file.LoneReturns = bytes.Return && HasLoneReturn(file.Text);
 }
 
 // In the target file a field that is no number is passed over, so that bytes which are no text at all would
 // turn into points without values and without a word.
-void RefuseWhatIsNoText(const std::string& path, std::string_view bytes) {
-    if (bytes.empty() || std::memchr(bytes.data(), 0, bytes.size()) == nullptr) return;
+void RefuseWhatIsNoText(const std::string& path, std::string_view bytes, const ByteKinds& found) {
+    if (!found.Zero) return;
     const bool wide = bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
     throw PlatformError{"Cannot read \"" + path + "\": " +
                         (wide ? "it is a 16-bit text; please save it as UTF-8 or as single-byte text"
@@ -88,15 +114,16 @@ PointText LoadPointText(const std::string& path) {
     PointText file;
     file.Path = path;
     file.Bytes = ReadFile(path);
-    RefuseWhatIsNoText(path, file.Bytes.View());
-    Look(file, file.Bytes.View());
+    const ByteKinds bytes = LookAtBytes(file.Bytes.View());
+    RefuseWhatIsNoText(path, file.Bytes.View(), bytes);
+    Look(file, file.Bytes.View(), bytes);
     return file;
 }
 
 void ReplacePointText(PointText& file, std::string content) {
     file.Changed = file.HasMark ? std::string(kByteOrderMark) + content : std::move(content);
     file.Bytes = FileBytes{};
-    Look(file, file.Changed);
+    Look(file, file.Changed, LookAtBytes(file.Changed));
 }
 
 bool LineWalk::Next(std::string_view& line) {
@@ -153,4 +180,103 @@ std::int64_t CountFilledLines(std::string_view text) {
         text.size() - 1, [&](std::size_t i) { return Ones(~ends(i) & ends(i + 1)); },
         [at](std::size_t i) { return !IsLineEnd(at[i]) && IsLineEnd(at[i + 1]); });
     return count + (IsLineEnd(text.back()) ? 0 : 1);
+}
+
+namespace {
+
+using Word = std::uint64_t;
+
+constexpr Word kOnes = 0x0101010101010101U;
+
+// A bit for each of 64 characters, the first one lowest, that equals `wanted`.
+Word MarksOf64(const char* at, char wanted) {
+    Word marks = 0;
+#if defined(__SSE2__)
+    const __m128i character = _mm_set1_epi8(wanted);
+    for (unsigned i = 0; i < 64; i += 16) {
+        const __m128i lanes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at + i));
+        marks |= static_cast<Word>(static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(lanes, character))))
+                 << i;
+    }
+#else
+    for (unsigned i = 0; i < 64; ++i) marks |= static_cast<Word>(at[i] == wanted) << i;
+#endif
+    return marks;
+}
+
+std::int64_t CountOnes(Word bits) {
+    bits -= (bits >> 1) & 0x5555555555555555U;
+    bits = (bits & 0x3333333333333333U) + ((bits >> 2) & 0x3333333333333333U);
+    bits = (bits + (bits >> 4)) & 0x0F0F0F0F0F0F0F0FU;
+    return static_cast<std::int64_t>((bits * kOnes) >> 56);
+}
+
+// Adds up a census line by line.
+class Counting {
+public:
+    explicit Counting(LineCensus& census) : census_(census) {}
+
+    void EndLine(bool empty, std::int64_t delimiters, std::int64_t marks) {
+        ++row_;
+        if (marks > census_.MostMarks) census_.MostMarks = marks;
+        if (empty) return;
+        if (delimiters < census_.FewestDelimiters) census_.FewestDelimiters = delimiters;
+        if (delimiters > census_.MostDelimiters) census_.MostDelimiters = delimiters;
+        if (census_.FewestDelimiters != census_.MostDelimiters && census_.FirstOther == 0)
+            census_.FirstOther = row_;
+    }
+
+private:
+    LineCensus& census_;
+    std::int64_t row_ = 0;
+};
+
+// 64 characters at a time.
+void TakeCensus(std::string_view text, LineCensus& census) {
+    Counting counting(census);
+    std::int64_t delimiters = 0, marks = 0;  // of the present line
+    std::size_t begin = 0, at = 0;
+    const auto endLine = [&](std::size_t end) {
+        const std::size_t length = end - begin;
+        counting.EndLine(length == 0 || (length == 1 && text[begin] == '\r'), delimiters, marks);
+        delimiters = marks = 0;
+        begin = end + 1;
+    };
+    for (; text.size() - at >= 64; at += 64) {
+        const char* const block = text.data() + at;
+        Word isDelimiter = MarksOf64(block, census.Delimiter), isMark = MarksOf64(block, census.Mark);
+        for (Word lineFeeds = MarksOf64(block, '\n'); lineFeeds != 0; lineFeeds &= lineFeeds - 1) {
+            const Word before = (lineFeeds & -lineFeeds) - 1;
+            delimiters += CountOnes(isDelimiter & before);
+            marks += CountOnes(isMark & before);
+            isDelimiter &= ~before;
+            isMark &= ~before;
+            endLine(at + static_cast<std::size_t>(std::countr_zero(lineFeeds)));
+        }
+        delimiters += CountOnes(isDelimiter);
+        marks += CountOnes(isMark);
+    }
+    for (; at < text.size(); ++at) {
+        if (text[at] == '\n') {
+            endLine(at);
+        } else {
+            delimiters += text[at] == census.Delimiter ? 1 : 0;
+            marks += text[at] == census.Mark ? 1 : 0;
+        }
+    }
+    if (begin < text.size()) endLine(text.size());
+}
+
+}  // namespace
+
+const LineCensus& CensusOf(PointText& file, char delimiter, char mark) {
+    Require(!file.LoneReturns);
+    LineCensus& census = file.Census;
+    if (census.Taken && census.Delimiter == delimiter && census.Mark == mark) return census;
+    census = LineCensus{};
+    census.Delimiter = delimiter;
+    census.Mark = mark;
+    census.Taken = true;
+    TakeCensus(file.Text, census);
+    return census;
 }

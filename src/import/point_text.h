@@ -8,6 +8,15 @@
 
 #include "core/files.h"
 
+// What the lines of a text hold of two characters.
+struct LineCensus {
+    char Delimiter = '\0', Mark = '\0';  // what is counted
+    bool Taken = false;
+    std::int64_t FewestDelimiters = 10000, MostDelimiters = -10000;  // of lines that hold anything
+    std::int64_t FirstOther = 0;  // first such line whose number differs from those before, from 1; 0 = none
+    std::int64_t MostMarks = 0;   // of any line
+};
+
 struct PointText {
     std::string Path;
     FileBytes Bytes;           // the file as read
@@ -16,6 +25,7 @@ struct PointText {
     bool HasMark = false;      // a byte order mark stands before Text
     bool Ascii = false;        // Text needs no decoding
     bool LoneReturns = false;  // some line ends at a CR without LF
+    LineCensus Census;         // the last one
 };
 
 // Reads a file. Throws PlatformError as ReadFile does, and where the bytes are no single-byte text or UTF-8:
@@ -45,6 +55,10 @@ inline char DelimiterCharacter(const std::string& delimiter) {
 
 // How often a byte occurs.
 std::int64_t CountByte(std::string_view text, char byte);
+
+// Goes through all lines at once, or gives what it did for the same characters before. Require: there are no
+// lone returns.
+const LineCensus& CensusOf(PointText& file, char delimiter, char mark);
 
 // Number of lines that hold at least one character.
 std::int64_t CountFilledLines(std::string_view text);

@@ -278,6 +278,10 @@ void Connect(const Bound& bound) {
     } else if (auto* list = As<QListWidget>(bound)) {
         QObject::connect(list, &QListWidget::currentRowChanged, list,
                          [&c](int index) { UserDid([&] { UserSetIndex(c, index); }); });
+        // A double click or Enter; the entries lie on a widget of their own, which the filter below does not
+        // see.
+        QObject::connect(list, &QListWidget::itemActivated, list,
+                         [&c] { UserDid([&] { UserDblClick(c); }); });
     } else if (auto* scroll = As<QScrollBar>(bound)) {
         QObject::connect(scroll, &QScrollBar::valueChanged, scroll,
                          [&c](int value) { UserDid([&] { UserSetValue(c, value); }); });

@@ -95,7 +95,7 @@ bool IsBeside(const WindowEntry& window) {
 }
 
 QWidget* LoadForm(const WindowEntry& window) {
-    QFile file(QStringLiteral(":/forms/%1.ui").arg(QLatin1String(window.Name)));
+    QFile file(FormFile(window));
     if (!file.open(QIODevice::ReadOnly))
         throw PlatformError{std::string("The form of the window ") + window.Name + " is missing."};
     QUiLoader loader;
@@ -337,6 +337,13 @@ void ShowStoredTheme() {
     } catch (const PlatformError&) {  // settings that cannot be read: the start has told of them
     }
     ShowTheme(theme);
+}
+
+QString FormFile(const WindowEntry& window) {
+    QString name = Q(std::string_view(window.Name));
+    for (const auto& [letter, letters] : {std::pair{u'ä', "ae"}, {u'ö', "oe"}, {u'ü', "ue"}})
+        name.replace(QChar(letter), QLatin1String(letters));
+    return QStringLiteral(":/forms/%1.ui").arg(name);
 }
 
 QMainWindow* Frame() {

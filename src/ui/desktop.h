@@ -1,6 +1,7 @@
 // The desktop: it shows what the logic holds, and tells the logic what the user does.
 #pragma once
 
+#include <QString>
 #include <functional>
 
 #include "core/window.h"
@@ -25,6 +26,9 @@ void ShowState(bool insideWork = false);
 
 // Every event of the user goes through here: it runs, and what it changed is shown.
 void UserDid(const std::function<void()>& action);
+
+// The form of a window in the resources. Names of files are ASCII, those of windows are not.
+QString FormFile(const WindowEntry& window);
 
 // The frame, and the widget of a window that is open; null otherwise.
 QMainWindow* Frame();

@@ -1,4 +1,5 @@
 // The platform with a screen.
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <QApplication>
@@ -14,9 +15,11 @@
 #include <QPushButton>
 #include <QTimer>
 #include <QUrl>
+#include <cstdint>
 #include <cstdlib>
 
 #include "core/files.h"
+#include "core/large_pages.h"
 #include "core/platform.h"
 #include "core/require.h"
 #include "core/window.h"
@@ -42,8 +45,10 @@ public:
 };
 
 // "name|pattern|name|pattern" as the toolkit has it; names hold their pattern in brackets already, or get it.
+// A pattern alone is its own name.
 QString FilterOf(const std::string& filter) {
-    const QStringList parts = Q(filter).split('|', Qt::SkipEmptyParts);
+    QStringList parts = Q(filter).split('|', Qt::SkipEmptyParts);
+    if (parts.size() == 1) parts += parts.front();
     QStringList filters;
     for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
         const QString name = parts[i].section('(', 0, 0).trimmed();
@@ -57,7 +62,8 @@ QString FilterOf(const std::string& filter) {
 // The extension that a typed name gets, which belongs into the question whether to overwrite: that of the
 // filter's first pattern.
 QString SuffixOf(const std::string& filter) {
-    const QString pattern = Q(filter).section('|', 1, 1);
+    const QString all = Q(filter);
+    const QString pattern = all.contains('|') ? all.section('|', 1, 1) : all;
     return pattern.startsWith(QLatin1String("*.")) && pattern != QLatin1String("*.*") ? pattern.mid(2)
                                                                                       : QString();
 }
@@ -206,4 +212,14 @@ char SystemDecimal() {
 
 bool FlushToDisk(std::FILE* file) {
     return fsync(fileno(file)) == 0;
+}
+
+void PreferLargePages([[maybe_unused]] void* block, [[maybe_unused]] std::size_t size) {
+#if defined(MADV_HUGEPAGE)
+    constexpr std::uintptr_t kLargePage = std::uintptr_t{1} << 21;
+    const auto begin = (reinterpret_cast<std::uintptr_t>(block) + kLargePage - 1) & ~(kLargePage - 1);
+    const auto end = (reinterpret_cast<std::uintptr_t>(block) + size) & ~(kLargePage - 1);
+    // What the system answers changes the time alone.
+    if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+#endif
 }

@@ -5,6 +5,7 @@
 #include <QDialog>
 #include <QKeyEvent>
 
+#include "bundle/form_buendel.h"
 #include "core/form_progress_bar.h"
 #include "core/window.h"
 #include "engine/form_trafo_berechnung.h"
@@ -64,6 +65,7 @@ public:
             return calculation && QApplication::activeModalWidget() == nullptr &&
                    press(TrafoWindow.BtnCalculate);
         if (calculation && !TrafoWindow.BtnCalculate.Enabled && press(TrafoWindow.BtnSTOP)) return true;
+        if (IsLoaded(FormBündel_Entry.Name) && press(BündelWindow.CommandSTOP)) return true;
         if (IsLoaded(FormProgressBar_Entry.Name)) {
             UserDid([] { UserEscape(FormProgressBar_Entry); });
             return true;

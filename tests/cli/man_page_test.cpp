@@ -36,7 +36,8 @@ Outcome CommandLine(const std::vector<const char*>& arguments) {
 
 TEST_F(ManPage, TellsOfEveryOptionOfTheProgramAndOfNoOther) {
     std::set<std::string> options;
-    for (const char* command : {"fit", "info", "convert", "render", "distances", "automate"}) {
+    for (const char* command :
+         {"fit", "info", "convert", "render", "distances", "bundle", "transform", "export", "automate"}) {
         const Outcome help = CommandLine({"corvinade-cli", command, "--help"});
         EXPECT_EQ(help.Status, 0) << help.Err;
         options.merge(LongOptions(help.Out));

@@ -14,7 +14,7 @@ TEST_F(DesktopTest, EveryControlOfEveryWindowHasItsWidgetAndNoOtherIsThere) {
     Begin();
     for (const WindowEntry* window : AllWindows()) {
         if (window == &FormMain_Entry) continue;
-        QFile file(QStringLiteral(":/forms/%1.ui").arg(QLatin1String(window->Name)));
+        QFile file(FormFile(*window));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << window->Name << " has no form";
         QUiLoader loader;
         const std::unique_ptr<QWidget> form(loader.load(&file));

@@ -93,8 +93,9 @@ TEST_F(Screens, APlaceOnAScreenThatIsGoneIsBroughtBack) {
 
 TEST_F(Screens, PlacesAndTablesAreTheSameAtEveryScale) {
     for (const char* scale : {"1.5", "2"})
-        ExpectToPass("PlacesOfDialogs.*:MainSheetByHand.*:OptionsByHand.*:InputStatisticByHand.*",
-                     Screen("fine", 0, 3840, 2160), scale);
+        ExpectToPass(
+            "PlacesOfDialogs.*:MainSheetByHand.*:OptionsByHand.*:InputStatisticByHand.*:DistancesByHand.*",
+            Screen("fine", 0, 3840, 2160), scale);
 }
 
 TEST_F(Screens, GraphicsWindowsAreSharpAndAsLargeAtEveryScale) {

@@ -16,6 +16,7 @@
 #include <map>
 #include <vector>
 
+#include "bundle/bundle_file.h"
 #include "core/controller.h"
 #include "core/form_main.h"
 #include "core/form_progress_bar.h"
@@ -38,6 +39,7 @@ constexpr auto kJob = "examples/robot_cell.cvn";
 constexpr auto kStart = "examples/robot_cell_measured.txt";
 constexpr auto kTarget = "examples/robot_cell_nominal.txt";
 constexpr auto kBentJob = "examples/roof.cvn";
+constexpr auto kNetwork = "examples/hall_network.txt";
 
 [[noreturn]] void Fail(const QString& text) {
     std::fprintf(stderr, "corvinade-pictures: %s\n", qPrintable(text));
@@ -211,6 +213,21 @@ void OtherPictures() {
     }
 }
 
+void BundlePicture() {
+    Run.JobDirty = kFalse;
+    // Without the message that counts what was found.
+    UserDid([] {
+        Bundle = BündelInputFileEinlesen(kNetwork);
+        ShowWindow("FormBündel");
+    });
+    Press("FormBündel", "BtnCalculate");
+    QWidget* form = WidgetOf(*FindWindow("FormBündel"));
+    form->parentWidget()->resize(900, 560);
+    Settle();
+    Save(*form, QStringLiteral("FormBuendel"));
+    Close("FormBündel");
+}
+
 // A bent part, seen from a corner of the cell, with its deviations and the dialogs beside it.
 void ScreenPictures() {
     Run.JobDirty = kFalse;
@@ -287,6 +304,7 @@ int main(int argc, char** argv) {
     OtherPictures();
     InputPicture();
     ScreenPictures();
+    BundlePicture();
     CloseDesktop();
     return 0;
 }

@@ -1,0 +1,107 @@
+// One file of a batch.
+#include "analysis/batch_file.h"
+
+#include <algorithm>
+
+#include "core/file_writer.h"
+#include "core/files.h"
+#include "core/platform.h"
+#include "core/run.h"
+#include "core/text.h"
+#include "import/point_file_checks.h"
+
+namespace {
+
+[[noreturn]] void Leave(const std::string& path, const std::string& why) {
+    throw PlatformError{"Cannot read \"" + path + "\": " + why};
+}
+
+// The first line that holds anything.
+std::string_view FirstFilledLine(const PointText& file) {
+    LineWalk lines(file);
+    std::string_view line;
+    while (lines.Next(line))
+        if (line.find_first_not_of(" \t") != std::string_view::npos) return line;
+    return {};
+}
+
+// Where the checks have broken off they have told nothing of names. Blanks and tabs divide the fields where
+// no other delimiter is known.
+bool LinesHoldNames(PointText& file, const std::string& delimiter) {
+    if (!delimiter.empty()) {
+        std::int64_t columns = 0, badRow = 0;
+        Diverse_Checks(file, columns, delimiter, badRow);
+        return columns != 3;
+    }
+    std::int32_t fields = 0;
+    AnzSpalten(std::string(FirstFilledLine(file)), fields, delimiter);
+    if (fields < 3) Leave(file.Path, "it has no delimiter between its fields");
+    return fields != 3;
+}
+
+// Do the coordinates bear the comma where the system has the point?
+bool HasForeignComma(const PointText& file, const LineForm& form) {
+    if (SystemDecimal() == ',' || form.Delimiter == ',') return false;
+    LineWalk lines(file);
+    std::string_view line;
+    std::string scratch;
+    while (lines.Next(line)) {
+        if (form.HasName) CutField(line, form.Delimiter, scratch);
+        for (int field = 0; field < 3; ++field)
+            if (CutField(line, form.Delimiter, scratch).find(',') != std::string_view::npos) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+std::string BatchOutName(const std::string& name) {
+    const std::size_t dot = name.find('.');
+    if (dot == std::string::npos) return "_out." + name;
+    return name.substr(0, dot) + "_out" + name.substr(dot);
+}
+
+BatchInput ReadBatchFile(const std::string& path) {
+    if (FileSize(path) > kMostBytesOfBatchFile) Leave(path, "it is larger than 1 GiB");
+    BatchInput input = {LoadPointText(path), {}};
+    if (input.Text.Text.empty()) Leave(path, "it is empty");
+    Run.ImportFailed = kFalse;
+    Flag hasName = kFalse;
+    ASCII_FileCheck(input.Text, hasName, Run.Delimiter);
+    const bool failed = IsTrue(Run.ImportFailed);
+    Run.ImportFailed = kFalse;
+    input.Form.HasName = failed ? LinesHoldNames(input.Text, Run.Delimiter) : IsTrue(hasName);
+    input.Form.Delimiter = DelimiterCharacter(Run.Delimiter);
+    // Every value would be cut at its comma.
+    if (failed && HasForeignComma(input.Text, input.Form))
+        Leave(path, "its decimal delimiter is the comma, that of the system is the point");
+    return input;
+}
+
+bool WriteBatchFile(const BatchInput& input, const std::string& outPath,
+                    const std::function<bool(double share)>& goOn, LineCounts& counts) {
+    FileBeside out(outPath);
+    const LineWork work = {[&out](std::string_view lines) { out.Write(lines); }, goOn};
+    if (!TransformLines(input.Text, input.Form, work, counts)) return false;
+    out.Keep(Keeping::Unflushed);
+    return true;
+}
+
+std::vector<std::string> NotesAsLines(const BatchNotes& notes, std::size_t most) {
+    std::vector<std::string> lines;
+    const auto shown = [most](std::size_t all) { return most == 0 ? all : std::min(most, all); };
+    const auto rest = [&](std::size_t all) {
+        if (all > shown(all)) lines.push_back("and " + std::to_string(all - shown(all)) + " more");
+    };
+    for (std::size_t i = 0; i < shown(notes.FilesLeft.size()); ++i)
+        lines.push_back("left: " + notes.FilesLeft[i].Why);
+    rest(notes.FilesLeft.size());
+    for (std::size_t i = 0; i < shown(notes.WithoutNumbers.size()); ++i) {
+        const auto& [path, counts] = notes.WithoutNumbers[i];
+        lines.push_back("\"" + path + "\": " + std::to_string(counts.WithoutNumbers) + " of " +
+                        std::to_string(counts.Lines) + " lines held no three numbers, the first in line " +
+                        std::to_string(counts.FirstWithout));
+    }
+    rest(notes.WithoutNumbers.size());
+    return lines;
+}

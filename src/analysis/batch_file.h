@@ -1,0 +1,54 @@
+// One file of a batch: checked, transformed, written.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "analysis/transformed_lines.h"
+#include "import/point_text.h"
+
+// A larger file is left: it is read whole.
+inline constexpr std::size_t kMostBytesOfBatchFile = std::size_t{1} << 30;
+
+// "a.b.txt" gives "a_out.b.txt": what stands behind the first dot is the extension. A name without a dot is
+// extension as a whole: "points" gives "_out.points".
+std::string BatchOutName(const std::string& name);
+
+struct BatchInput {
+    PointText Text;
+    LineForm Form;
+};
+
+// Reads a file and looks how it writes its points, with all checks of a point file and their messages.
+// Run.Delimiter is that of the previous file before, and the one found behind. A file that fails a check is
+// taken all the same where its points can be told: columns that change, too many decimal delimiters, both of
+// them; lines that hold no points then read as zeros. Throws PlatformError, with the reason, where the file
+// has to be left: unreadable, no text, empty, too large, without any delimiter, or with another decimal
+// delimiter that the user does not want changed.
+BatchInput ReadBatchFile(const std::string& path);
+
+// Transforms a file into another, which is replaced whole or not at all. False, with the target as it was,
+// where `goOn` has ended it. Throws PlatformError where the disk refuses.
+bool WriteBatchFile(const BatchInput& input, const std::string& outPath,
+                    const std::function<bool(double share)>& goOn, LineCounts& counts);
+
+// What a batch has to tell at its end.
+struct BatchNotes {
+    struct Left {
+        std::string Path, Why;
+    };
+    struct Doubtful {
+        std::string Path;
+        LineCounts Counts;
+    };
+    std::int64_t Done = 0;  // files written
+    std::vector<Left> FilesLeft;
+    std::vector<Doubtful> WithoutNumbers;  // files with lines that hold no three numbers
+};
+
+// A line for each file that was left, and for each with lines that are no points; at most `most` of a kind,
+// 0 = all.
+std::vector<std::string> NotesAsLines(const BatchNotes& notes, std::size_t most);

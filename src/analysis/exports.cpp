@@ -1,0 +1,126 @@
+// The texts of the export files.
+#include "analysis/exports.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+
+#include "core/job.h"
+#include "core/numbers.h"
+#include "core/platform.h"
+#include "core/text.h"
+#include "core/units.h"
+#include "engine/matrix.h"
+#include "engine/quaternion.h"
+#include "engine/transform.h"
+
+namespace {
+
+// What stands behind the frame. The blanks belong to the format, and so does it that the second palette is
+// not quite the first.
+constexpr std::array kPalettes = {"ATT / _PALETTE_LENGTH , 0;    ",
+                                  "ATT / _PALETTE_LENGTH , 0;    ",
+                                  "ATT / _PALETTE_AMBIENT , 0.0;    ",
+                                  "ATT / _PALETTE_DIFFUSE , 0.0;    ",
+                                  "ATT / _PALETTE_SPECULAR , 0.0;  ",
+                                  "ATT / _PALETTE_EMISSION , 0.0;   ",
+                                  "ATT / _PALETTE_SHININESS , 0.0;   ",
+                                  "ATT / _PALETTE_TEXTURE_HEIGHT , 0;    ",
+                                  "ATT / _PALETTE_TEXTURE_WIDTH , 0;    ",
+                                  "ATT / _PALETTE_S_PLANE , 0.0;    ",
+                                  "ATT / _PALETTE_T_PLANE , 0.0;    ",
+                                  "ATT / _PALETTE_LENGTH , 0;    ",
+                                  "ATT / _PALETTE_MATERIAL_IN_USE , 0;    ",
+                                  "ATT / _PALETTE_AMBIENT , 0.0;    ",
+                                  "ATT / _PALETTE_DIFFUSE , 0.0;    ",
+                                  "ATT / _PALETTE_SPECULAR , 0.0;    ",
+                                  "ATT / _PALETTE_EMISSION , 0.0;    ",
+                                  "ATT / _PALETTE_SHININESS , 0.0;    ",
+                                  "ATT / _PALETTE_TEXTURE_HEIGHT , 0;    ",
+                                  "ATT / _PALETTE_TEXTURE_WIDTH , 0;    ",
+                                  "ATT / _PALETTE_S_PLANE , 0.0;    ",
+                                  "ATT / _PALETTE_T_PLANE , 0.0;    ",
+                                  "END;        "};
+
+}  // namespace
+
+std::string ScientificText(double value) {
+    if (!std::isfinite(value)) return PlainText(value);
+    // Its 15 digits d.dddd...e+xx first, then by hand to five.
+    std::array<char, 40> buffer{};
+    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::fabs(value),
+                                      std::chars_format::scientific, 14);
+    const std::string_view text(buffer.data(), static_cast<std::size_t>(result.ptr - buffer.data()));
+    std::uint64_t digits = 0;  // the first five and one more, which decides
+    for (const char c : text.substr(0, 7))
+        if (c != '.') digits = digits * 10 + static_cast<unsigned>(c - '0');
+    digits = (digits + 5) / 10;
+    int exponent = 0;
+    std::string_view power = text.substr(text.find('e') + 1);
+    if (power.front() == '+') power.remove_prefix(1);
+    std::from_chars(power.data(), power.data() + power.size(), exponent);
+    if (digits == 100000) {
+        digits = 10000;
+        ++exponent;
+    }
+    const std::string five = std::to_string(digits + 100000).substr(1);
+    const std::string size = std::to_string(std::abs(exponent));
+    return (value < 0 ? "-" : "") + five.substr(0, 1) + SystemDecimal() + five.substr(1) + "E" +
+           (exponent < 0 ? "-" : "+") + (size.size() < 2 ? "0" : "") + size;
+}
+
+std::string FormatText(const std::string& text, std::string_view picture) {
+    double value = 0;
+    return TextToNumber(text, value) ? FormatNumber(value, picture) : text;
+}
+
+std::string RobCadText(const std::string& place, const std::string& tool, const std::string& robot) {
+    Mat3 R;
+    RotMatrixXYZ(Job.RotX, Job.RotY, Job.RotZ, R);
+    Column record(9);
+    double a = 0, b = 0, c = 0;
+    MatrixToQuaternion(R, record, a, b, c);
+    const auto length = [](double value_mm) { return ScientificText(value_mm * Units.LengthFactor); };
+    const auto angle = [](double value_rad) { return ScientificText(value_rad * Units.AngleFactor); };
+    const std::string component = tool + "_" + place + "_" + robot + " ;     ";
+
+    std::string text;
+    const auto line = [&text](const std::string& content) { text += content + kLineEnd; };
+    line("HEADER/ 00 , 00 , 00 , ROBFACEOUT ;");
+    line("COMPONENT / " + component);
+    line(tool + " =FRA / 0.0e-05 , 0.0e-05 , 0.0e-05 ,");
+    line("0.0e-05 , 0.0e-05 , 0.0e-05 ;   ");
+    line(robot + "_calpos =FRA / " + length(Job.TraX) + " , " + length(Job.TraY) + " , " + length(Job.TraZ) +
+         " ,");
+    line(angle(a) + " , " + angle(b) + " , " + angle(c) + " ;");
+    line("END / " + component);
+    for (const char* const attribute : kPalettes) line(attribute);
+    return EncodeText(text);
+}
+
+std::string RocalText() {
+    Mat3 M;
+    RotMatrixXYZ(Job.RotX, Job.RotY, Job.RotZ, M);
+    const std::array<double, 3> shift = {Job.TraX, Job.TraY, Job.TraZ};
+    std::string text = "[";
+    for (int row = 1; row <= 3; ++row) {
+        for (int column = 1; column <= 3; ++column) text += PlainText(M(row, column)) + ",";
+        text += PlainText(shift[static_cast<std::size_t>(row) - 1] * Units.LengthFactor) + ";" + kLineEnd;
+    }
+    return text + "0,0,0,1]";
+}
+
+std::string OnlyMcsText() {
+    std::string text;
+    const auto shown = [](double value_mm) {
+        return "\t" + FormatNumber(value_mm * Units.LengthFactor, Units.FmtLength);
+    };
+    for (auto i = static_cast<std::size_t>(Job.nIdent) + 1; i <= static_cast<std::size_t>(Job.nMCS); ++i)
+        text += EncodeText(FormatText(Job.TMCS_Name[i], Units.FmtLength) + shown(Job.TMCS_X[i].value_or(0)) +
+                           shown(Job.TMCS_Y[i].value_or(0)) + shown(Job.TMCS_Z[i]) + kLineEnd);
+    return text;
+}
+
+std::string WithExtension(const std::string& path, std::string_view extension) {
+    return path.substr(0, path.size() < 4 ? 0 : path.size() - 4) + std::string(extension);
+}

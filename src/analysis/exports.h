@@ -1,0 +1,26 @@
+// The files that hand the result to robot-cell tools, as text.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// A number in the format "0.0000E+00": five digits, rounded half away from zero on its 15 digits, and an
+// exponent of at least two, with the system's decimal delimiter.
+std::string ScientificText(double value);
+
+// A text by a picture string: a number in that format, any other text as it stands.
+std::string FormatText(const std::string& text, std::string_view picture);
+
+// The frame file: the job's translation in the length unit and the angles about x, y', z'' of its rotation,
+// as the details window has them, in the angle unit.
+std::string RobCadText(const std::string& place, const std::string& tool, const std::string& robot);
+
+// The homogeneous matrix of rotation and translation, row by row in square brackets; no line end behind the
+// last row.
+std::string RocalText();
+
+// The transformed start points without a partner, a line a point: name, tab, X, tab, Y, tab, Z.
+std::string OnlyMcsText();
+
+// A path with other last four characters, as "cell.cvn" becomes "cell.txt".
+std::string WithExtension(const std::string& path, std::string_view extension);

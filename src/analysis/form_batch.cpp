@@ -1,0 +1,217 @@
+// The batch window and its run.
+#include "analysis/form_batch.h"
+
+#include "analysis/batch_file.h"
+#include "analysis/form_change_dir.h"
+#include "core/files.h"
+#include "core/folders.h"
+#include "core/platform.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "core/text.h"
+
+namespace {
+
+FormBatch& w = Batch;
+
+const ControlEntry kControls[] = {
+    {"LabelMCS", &w.LabelMCS},
+    {"TextNameMCSDirectory", &w.TextNameMCSDirectory, {.Change = FormBatch::TextNameMCSDirectory_Change}},
+    {"BtnBrowseMCS", &w.BtnBrowseMCS, {.Click = FormBatch::BtnBrowseMCS_Click}},
+    {"BtnEXBrowseMCS", &w.BtnEXBrowseMCS, {.Click = FormBatch::BtnEXBrowseMCS_Click}},
+    {"LabelTCS", &w.LabelTCS},
+    {"TextNameTCSDirectory", &w.TextNameTCSDirectory},
+    {"BtnBrowseTCS", &w.BtnBrowseTCS, {.Click = FormBatch::BtnBrowseTCS_Click}},
+    {"BtnExBrowseTCS", &w.BtnExBrowseTCS, {.Click = FormBatch::BtnExBrowseTCS_Click}},
+    {"CheckSameAsMCS", &w.CheckSameAsMCS, {.Click = FormBatch::CheckSameAsMCS_Click}},
+    {"OptionTransformWithActualCalc", &w.OptionTransformWithActualCalc},
+    {"OptionTransformWithNewCalc", &w.OptionTransformWithNewCalc},
+    {"OptionOnlyOnlyMCS", &w.OptionOnlyOnlyMCS},
+    {"OptionWriteAll", &w.OptionWriteAll},
+    {"LabelStatus", &w.LabelStatus},
+    {"BtnStartBatch", &w.BtnStartBatch, {.Click = FormBatch::BtnStartBatch_Click}},
+    {"BtnCancel", &w.BtnCancel, {.Click = FormBatch::BtnCancel_Click}},
+};
+
+// What the settings give for a key that is not there.
+std::string StoredFolder(const std::string& value) {
+    return value == "1000" ? "" : value;
+}
+
+std::string WithSeparator(const std::string& folder) {
+    return folder.empty() ? "" : JoinPath(folder, "");
+}
+
+void Browse(Control& text, const char* title) {
+    const auto folder = AskFolder(title, text.Text);
+    if (folder && w.Window.Loaded) SetText(text, *folder);
+}
+
+void Explore(const Control& text) {
+    if (!text.Text.empty()) StartFile("explore", text.Text);
+}
+
+void StoreChoices(const std::string& in, const std::string& out) {
+    Settings.BatchMCSDir = in;
+    Settings.BatchTCSDir = out;
+    Settings.BatchType = w.OptionTransformWithNewCalc.Value == 1 ? 2 : 1;
+    Settings.BatchWriteType = w.OptionWriteAll.Value == 1 ? 2 : 1;
+    SettingsSchreiben({"BatchMCSDir", "BatchTCSDir", "BatchType", "BatchWriteType"});
+}
+
+// A run under way: events are handled inside it, which may close the window or change the job.
+class BatchUnderWay {
+public:
+    BatchUnderWay() {
+        w.Running = true;
+        w.BtnStartBatch.Enabled = false;
+    }
+    ~BatchUnderWay() {
+        w.Running = false;
+        w.BtnStartBatch.Enabled = true;
+    }
+    BatchUnderWay(const BatchUnderWay&) = delete;
+    BatchUnderWay& operator=(const BatchUnderWay&) = delete;
+
+    bool StillHolds() const {
+        // A window that was closed and opened again is another one.
+        return w.Window.Loaded && w.Running && Run.JobGeneration == generation_ && IsTrue(Run.CalcDone);
+    }
+    bool GoOn() const {
+        YieldToEvents();
+        return StillHolds();
+    }
+
+private:
+    std::uint64_t generation_ = Run.JobGeneration;
+};
+
+enum class Overwrite { Yes, All, Cancel };
+
+Overwrite AskOverwrite(const std::string& name) {
+    const std::string answer =
+        AskMessage("File " + name + kLineEnd + " does allready exist, will you.." + kLineEnd,
+                   "File does exist", {"overwrite", "overwrite all ", "Cancel Batch"});
+    if (answer == "overwrite all ") return Overwrite::All;
+    return answer == "overwrite" ? Overwrite::Yes : Overwrite::Cancel;
+}
+
+void RunBatch(const std::string& inFolder, const std::string& outFolder, const BatchUnderWay& batch,
+              BatchNotes& notes) {
+    std::string folder = inFolder;
+    std::vector<std::string> names;
+    DateiListe(folder, names);
+    bool overwriteAll = false;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const std::string path = JoinPath(folder, names[i]);
+        const std::string outPath = JoinPath(outFolder, BatchOutName(names[i]));
+        const auto status = [&] {
+            w.LabelStatus.Text = "Calculating on File " + std::to_string(i + 1) + " of " +
+                                 std::to_string(names.size()) + " Files";
+        };
+        try {
+            const BatchInput input = ReadBatchFile(path);
+            if (!batch.StillHolds()) return;
+            status();
+            if (!batch.GoOn()) return;
+            if (!overwriteAll && File_Exist(outPath)) {
+                const Overwrite answer = AskOverwrite(names[i]);
+                if (answer == Overwrite::Cancel || !batch.StillHolds()) return;
+                overwriteAll = answer == Overwrite::All;
+            }
+            LineCounts counts;
+            if (!WriteBatchFile(
+                    input, outPath, [&batch](double) { return batch.GoOn(); }, counts))
+                return;
+            ++notes.Done;
+            if (counts.WithoutNumbers > 0) notes.WithoutNumbers.push_back({path, counts});
+        } catch (const PlatformError& error) {
+            // One file that cannot be done does not keep the others from it.
+            notes.FilesLeft.push_back({path, error.What});
+            if (!batch.StillHolds()) return;
+            status();
+        }
+    }
+}
+
+void TellNotes(const BatchNotes& notes) {
+    constexpr std::size_t kMostLines = 15;
+    std::string text;
+    for (const std::string& line : NotesAsLines(notes, kMostLines)) text += line + kLineEnd;
+    if (!text.empty()) ShowMessage(std::to_string(notes.Done) + " files were written" + kLineEnd + text);
+}
+
+}  // namespace
+
+const WindowEntry FormBatch_Entry = {"FormBatch",
+                                     &w.Window,
+                                     kControls,
+                                     [] { w = FormBatch{}; },
+                                     FormBatch::Form_Load,
+                                     nullptr,
+                                     FormBatch::BtnCancel_Click};
+
+void DateiListe(std::string& folder, std::vector<std::string>& list) {
+    folder = WithSeparator(folder);
+    list = FilesOfFolder(folder);
+}
+
+void FormBatch::Form_Load() {
+    SetText(w.TextNameMCSDirectory, StoredFolder(Settings.BatchMCSDir));
+    SetText(w.TextNameTCSDirectory, StoredFolder(Settings.BatchTCSDir));
+    SetValue(Settings.BatchType == 2 ? w.OptionTransformWithNewCalc : w.OptionTransformWithActualCalc, 1);
+    SetValue(Settings.BatchWriteType == 2 ? w.OptionWriteAll : w.OptionOnlyOnlyMCS, 1);
+}
+
+// The target follows while it is the same.
+void FormBatch::TextNameMCSDirectory_Change() {
+    if (w.CheckSameAsMCS.Value == 1) SetText(w.TextNameTCSDirectory, w.TextNameMCSDirectory.Text);
+}
+
+void FormBatch::BtnBrowseMCS_Click() {
+    Browse(w.TextNameMCSDirectory, "Choose the MCS = Start Directory");
+}
+void FormBatch::BtnBrowseTCS_Click() {
+    Browse(w.TextNameTCSDirectory, "Choose the TCS = Target Directory");
+}
+void FormBatch::BtnEXBrowseMCS_Click() {
+    Explore(w.TextNameMCSDirectory);
+}
+void FormBatch::BtnExBrowseTCS_Click() {
+    Explore(w.TextNameTCSDirectory);
+}
+
+void FormBatch::CheckSameAsMCS_Click() {
+    const bool same = w.CheckSameAsMCS.Value == 1;
+    if (same) SetText(w.TextNameTCSDirectory, w.TextNameMCSDirectory.Text);
+    w.TextNameTCSDirectory.Enabled = w.BtnBrowseTCS.Enabled = !same;
+}
+
+void FormBatch::BtnStartBatch_Click() {
+    if (!IsTrue(Run.CalcDone)) {
+        ShowMessage("No Transformation calculated");
+        return;
+    }
+    BatchNotes notes;
+    {
+        const BusyPointer busy;
+        const BatchUnderWay batch;
+        const std::string in = WithSeparator(w.TextNameMCSDirectory.Text);
+        const std::string out = WithSeparator(w.TextNameTCSDirectory.Text);
+        StoreChoices(in, out);
+        if (in.empty()) {
+            ShowMessage("No MCS Directory choosen");
+            return;
+        }
+        if (out.empty()) {
+            ShowMessage("No TCS Directory choosen");
+            return;
+        }
+        RunBatch(in, out, batch, notes);
+    }
+    TellNotes(notes);
+}
+
+void FormBatch::BtnCancel_Click() {
+    UnloadWindow("FormBatch");
+}

@@ -1,0 +1,77 @@
+// The job that an adjusted network becomes.
+#include <exception>
+
+#include "bundle/bundle_run.h"
+#include "core/controller.h"
+#include "core/form_main.h"
+#include "core/job.h"
+#include "core/refresh.h"
+#include "core/run.h"
+#include "core/window.h"
+#include "import/form_input_files.h"
+#include "import/matching.h"
+#include "import/point_file.h"
+#include "import/robot_files.h"
+
+namespace {
+
+// However the reading ends, counts and arrays fit each other, and a job that is half read is not valid.
+struct HandOver {
+    HandOver() = default;
+    HandOver(const HandOver&) = delete;
+    HandOver& operator=(const HandOver&) = delete;
+    ~HandOver() {
+        RepairJobCounts();
+        if (Whole) return;
+        Run.JobDataValid = Run.TrafoValid = kFalse;
+        ProgrammLogik();
+    }
+    bool Whole = false;
+};
+
+// What the points of an earlier job were beside points.
+void ForgetKindOfJob() {
+    for (const InputKind& kind : InputKinds()) *kind.IsKind = kFalse;
+    Run.IsDefault = kTrue;
+    if (IsLoaded("FormInputFiles")) SetIndex(InputFiles.ComboOCS_Data, 0);
+    Job.ParaboloidShape = Matrix{};
+    Job.RobotABC = Matrix{};
+    Job.NameMCS = "MCS";
+    Job.NameOCS = "OCS";
+}
+
+}  // namespace
+
+void TakeBundleAsJob(const std::string& startPath, const std::string& targetPath) {
+    if (IsTrue(Run.JobDataValid)) {
+        if (IsTrue(Run.ColorBarOpen)) UnloadWindow("FormColorBar");
+        Initialisieren();
+        CloseAllGraphicsWindows();
+    }
+    ForgetKindOfJob();
+    HandOver handOver;
+    ++Run.JobGeneration;
+    Run.ImportFailed = kFalse;
+    Job.PathMCS = startPath;
+    Job.PathOCS = targetPath;
+    Einlesen_Neu();
+    if (IsTrue(Run.ImportFailed)) return;
+    MCS_OCS_aufbereiten();
+    if (IsTrue(Run.ImportFailed)) return;
+    GetInfoFromData();
+    IdentischePkte_Neu();
+    handOver.Whole = true;
+    Run.JobDataValid = kTrue;
+    const std::uint64_t generation = Run.JobGeneration;
+    FuellenHaupttabelle();
+    if (Run.JobGeneration != generation) return;
+    ProgrammLogik();
+    if (IsLoaded("FormInputStatistic")) FORMfüllen();
+    if (Main.MenuTransformationCalculation.Checked) {
+        UnloadWindow("FormTrafoBerechnung");
+        ShowWindow("FormTrafoBerechnung");
+        Main.MenuTransformationCalculation.Checked = true;
+        Main.Toolbar1_TrafoBerechnung.Value = 1;
+    }
+    Run.JobDirty = kTrue;
+}

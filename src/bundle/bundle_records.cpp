@@ -1,0 +1,26 @@
+// The records of the bundle by name.
+#include "bundle/bundle_records.h"
+
+#include "bundle/network.h"
+
+namespace {
+
+const RecordEntry kRecords[] = {
+    {"BundleFilePath", &Bundle.BundleFilePath, Storage::Run},
+    {"nStations", &Bundle.nStations, Storage::Run},
+    {"nObjectPoints", &Bundle.nObjectPoints, Storage::Run},
+    {"nDistances", &Bundle.nDistances, Storage::Run},
+    {"StationName", &Bundle.StationName, Storage::Run},
+    {"StationXYZ", &Bundle.StationXYZ, Storage::Run},
+    {"ObjectName", &Bundle.ObjectName, Storage::Run},
+    {"ObjectXYZ", &Bundle.ObjectXYZ, Storage::Run},
+    {"DistancePair.1", &Bundle.DistancePair[1], Storage::Run},
+    {"DistancePair.2", &Bundle.DistancePair[2], Storage::Run},
+    {"DistanceValue", &Bundle.DistanceValue, Storage::Run},
+};
+
+}  // namespace
+
+std::span<const RecordEntry> BundleRecords() {
+    return kRecords;
+}

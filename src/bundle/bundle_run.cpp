@@ -1,0 +1,169 @@
+// The adjustment of a network from beginning to end, and its texts.
+#include "bundle/bundle_run.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "bundle/bundle_file.h"
+#include "core/files.h"
+#include "core/numbers.h"
+#include "core/platform.h"
+#include "core/run.h"
+#include "core/text.h"
+#include "core/units.h"
+
+namespace {
+
+constexpr std::size_t At(int i) {
+    return static_cast<std::size_t>(i);
+}
+
+std::string Shown(double length_mm) {
+    return PlainText(length_mm * Units.LengthFactor);
+}
+
+// Calls `take` for each point of the result with its name, its coordinates, and its first column less 1.
+template <class Take>
+void ForEachPoint(const BundleRecord& network, const BundleWork& work, Take take) {
+    int column = 0;
+    for (int i = 1; i <= network.nStations; ++i, column += 3)
+        take(network.StationName[At(i)], network.StationXYZ.Row(i), column);
+    for (std::size_t k = 1; k < work.UsedObject.size(); ++k, column += 3) {
+        const int i = work.UsedObject[k];
+        take(network.ObjectName[At(i)], network.ObjectXYZ.Row(i), column);
+    }
+}
+
+std::string PointText(const std::string& name, const double* xyz) {
+    return name + "\t" + Shown(xyz[1]) + "\t" + Shown(xyz[2]) + "\t" + Shown(xyz[3]);
+}
+
+bool IsFinite(const BundleRecord& network) {
+    const auto finite = [](const std::vector<double>& values) {
+        return std::all_of(values.begin(), values.end(), [](double x) { return std::fabs(x) < 1e150; });
+    };
+    return finite(network.StationXYZ.Elements) && finite(network.ObjectXYZ.Elements) &&
+           finite(network.DistanceValue);
+}
+
+}  // namespace
+
+BundleEnd AdjustBundle(BundleRecord& network, BundleWork& work, double limit_mm,
+                       const BundleTelling& telling) {
+    if (!IsFinite(network)) return BundleEnd::NotFinite;
+    const Matrix stations = network.StationXYZ, objects = network.ObjectXYZ;
+    bool ours = true;
+    const auto yield = [&] {
+        YieldToEvents();
+        ours = ours && (!telling.Ours || telling.Ours());
+        return ours && !IsTrue(Run.StopRequested);
+    };
+    const BundleListener listener = {telling.Log, yield};
+    while (work.Iterations < kMostBundleIterations) {
+        const BundleStep step = BundleIteration(network, work, listener);
+        if (!ours) return BundleEnd::Abandoned;
+        if (step == BundleStep::Ended) return BundleEnd::Stopped;
+        if (step == BundleStep::OnALine) return BundleEnd::OnALine;
+        if (step == BundleStep::NotFinite) {
+            network.StationXYZ = stations;
+            network.ObjectXYZ = objects;
+            return BundleEnd::NotFinite;
+        }
+        if (telling.Iteration) telling.Iteration(work);
+        const bool goOn = yield();
+        if (!ours) return BundleEnd::Abandoned;
+        if (work.BiggestX < limit_mm) return BundleEnd::Converged;
+        if (!goOn) return BundleEnd::Stopped;
+    }
+    return BundleEnd::NoEnd;
+}
+
+std::string BundleEndText(BundleEnd end, const BundleWork& work) {
+    if (end == BundleEnd::OnALine) return "All Stations are in one line; this is not working";
+    if (end == BundleEnd::NotFinite)
+        return "The coordinates or distances are too large to be adjusted. The network stays as it was.";
+    if (end == BundleEnd::NoEnd)
+        return "After " + std::to_string(work.Iterations) +
+               " iterations the coordinates still change by up to " + Shown(work.BiggestX) +
+               ". The distances may not be enough for a network.";
+    return "";
+}
+
+std::string BundleWarnings(const BundleRecord& network, const BundleWork& work) {
+    std::string text = BundleObjections(network);
+    const auto used = static_cast<int>(
+        std::count_if(work.StationOf.begin(), work.StationOf.end(), [](int number) { return number != 0; }));
+    if (used > 0 && used < work.nUnknown) {
+        if (!text.empty()) text += kLineEnd;
+        text += "There are " + std::to_string(used) + " distances for " + std::to_string(work.nUnknown) +
+                " unknown coordinates; they do not determine the network.";
+    }
+    return text;
+}
+
+std::string CheckPercentage(double percent) {
+    if (percent >= 1 && percent <= 100) return "";
+    return "The percentage of object points goes from 1 to 100; " + PlainText(percent) + " cannot be taken";
+}
+
+std::optional<double> PercentageFromText(const std::string& text) {
+    const double percent = NumberFromText(text, "Percentage of object points");
+    const std::string wrong = CheckPercentage(percent);
+    if (wrong.empty()) return percent;
+    ShowMessage(wrong);
+    return std::nullopt;
+}
+
+std::string NetworkText(const BundleRecord& network, const BundleWork& work) {
+    std::string text;
+    ForEachPoint(network, work, [&](const std::string& name, const double* xyz, int) {
+        text += PointText(name, xyz) + kLineEnd;
+    });
+    return text;
+}
+
+TaggedValue BundleAccuracy(const BundleRecord& network, const BundleWork& work, int column) {
+    const TaggedValue& cofactor = work.Cofactor[At(column)];
+    if (!cofactor) return {};
+    // A network that its distances do not determine has cofactors of any sign.
+    return BundleS0(network, work) * std::sqrt(std::fabs(*cofactor));
+}
+
+std::string ResultText(const BundleRecord& network, const BundleWork& work) {
+    std::string text;
+    ForEachPoint(network, work, [&](const std::string& name, const double* xyz, int column) {
+        text += PointText(name, xyz);
+        for (int axis = 1; axis <= 3; ++axis) {
+            const TaggedValue accuracy = BundleAccuracy(network, work, column + axis);
+            text += "\t" + (accuracy ? Shown(*accuracy) : "0");
+        }
+        text += kLineEnd;
+    });
+    return text;
+}
+
+std::string VectorsText(const BundleWork& work) {
+    std::string text = std::string("x i") + kLineEnd;
+    for (int i = 1; i <= work.nUnknown; ++i) text += Shown(work.x[At(i)]) + kLineEnd;
+    text += std::string("v i") + kLineEnd;
+    for (std::size_t k = 1; k < work.v.size(); ++k) text += Shown(work.v[k]) + kLineEnd;
+    return text;
+}
+
+std::string IterationLine(const BundleWork& work) {
+    return "Iterations " + std::to_string(work.Iterations) + " Biggest x " + Shown(work.BiggestX) + " [v] " +
+           Shown(work.SumV) + " [vv] " + PlainText(work.SumVV * Units.LengthFactor * Units.LengthFactor) +
+           kLineEnd;
+}
+
+std::string WriteNetwork(const std::string& folder, const char* name, const std::string& text) {
+    if (!Directory_Exist(folder)) CreateFolder(folder);
+    std::string path = JoinPath(folder, name);
+    std::string content;
+    std::string_view rest = text;
+    std::string_view line;
+    // Line by line, as it will be decoded.
+    while (CutLine(rest, line)) content += EncodeText(line) + kLineEnd;
+    WriteFile(path, content);
+    return path;
+}

@@ -1,0 +1,72 @@
+// The adjustment of a network from beginning to end, and what it hands on: two point files, the job made of
+// them, and the texts of the result.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "bundle/adjustment_steps.h"
+
+enum class BundleEnd {
+    Converged,
+    Stopped,    // by the user; work.Iterations tells how many whole iterations were done, none perhaps
+    NoEnd,      // the changes did not become small in kMostIterations
+    OnALine,    // all stations are on one line
+    NotFinite,  // the coordinates went beyond numbers, and the network is as it was at the start
+    Abandoned   // `Ours` has said that the network is not the caller's any more; nothing is to be handed on
+};
+
+inline constexpr double kBundleLimit = 1e-5;  // mm, biggest absolute x at which the iteration ends
+inline constexpr double kWindowLimit = 1e-6;  // likewise, for the copy of the window
+inline constexpr int kMostBundleIterations = 1000;
+
+struct BundleTelling {
+    std::function<void(const char*)> Log;              // each step
+    std::function<void(const BundleWork&)> Iteration;  // each whole iteration
+    std::function<bool()> Ours;                        // after each yield: may the work go on?
+};
+
+// Iterates until the biggest absolute x is below `limit_mm` or Run.StopRequested is set. Yields once an
+// iteration, and within the inverse of a large one.
+BundleEnd AdjustBundle(BundleRecord& network, BundleWork& work, double limit_mm,
+                       const BundleTelling& telling);
+
+// What a user is told of an end that is not the wanted one; "" for Converged, Stopped and Abandoned.
+std::string BundleEndText(BundleEnd end, const BundleWork& work);
+
+// What there is to say before an adjustment, in the file and in the choice of points; "" when there is
+// nothing.
+std::string BundleWarnings(const BundleRecord& network, const BundleWork& work);
+
+// A percentage of object points from a text. Throws PlatformError when it is no number; nothing, with a
+// message, when it is not 1 to 100.
+std::optional<double> PercentageFromText(const std::string& text);
+std::string CheckPercentage(double percent);  // "" or why it cannot be taken
+
+// The stations and the object points in use, a line each: name, tab, X, tab, Y, tab, Z, in the present unit.
+std::string NetworkText(const BundleRecord& network, const BundleWork& work);
+
+// The same with the accuracy of each coordinate behind them, "0" for one that was held.
+std::string ResultText(const BundleRecord& network, const BundleWork& work);
+
+// Accuracy of the coordinate of a column, mm; nothing for one that was held.
+TaggedValue BundleAccuracy(const BundleRecord& network, const BundleWork& work, int column);
+
+// The values of x and v of the last whole iteration, a line each.
+std::string VectorsText(const BundleWork& work);
+
+// "Iterations 1 Biggest x 0.5 [v] 2 [vv] 1" and a line end.
+std::string IterationLine(const BundleWork& work);
+
+inline constexpr const char* kBundleStartFile = "BündelMCS.txt";   // the adjusted network
+inline constexpr const char* kBundleTargetFile = "BündelOCS.txt";  // the approximate network
+
+// Writes a network's text as the file of this name in a folder, which is created where it is missing; gives
+// its path. Throws PlatformError.
+std::string WriteNetwork(const std::string& folder, const char* name, const std::string& text);
+
+// Makes the job of the two files: their points are read and paired by name, what belonged to the points of
+// before goes, and everything that shows points follows. A message tells what keeps it from that; the job is
+// without valid data then. Throws PlatformError where a file cannot be read.
+void TakeBundleAsJob(const std::string& startPath, const std::string& targetPath);

@@ -1,0 +1,27 @@
+// `corvinade-cli export`: the result of a job for robot-cell tools.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <iosfwd>
+#include <optional>
+#include <string>
+
+struct ExportOptions {
+    std::string Job;
+    std::string RobCad, Rocal, Points;  // the file to write; one of them
+    std::string Place, Tool, Robot;     // names within the first
+    std::optional<char> Decimal;
+    std::optional<bool> Questions;  // --yes or --no
+};
+
+struct ExportSwitches {
+    ExportOptions Options;
+    std::string Decimal;
+    bool Yes = false, No = false;
+};
+
+CLI::App* AddExport(CLI::App& app, ExportSwitches& s);
+void TakeExportSwitches(ExportSwitches& s);
+
+// Writes the file, whole or not at all. kDone, or why not on `err`.
+int RunExport(const ExportOptions& options, std::ostream& err);

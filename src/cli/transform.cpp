@@ -1,0 +1,189 @@
+// `corvinade-cli transform`.
+#include "cli/transform.h"
+
+#include <algorithm>
+#include <chrono>
+#include <ostream>
+#include <set>
+
+#include "analysis/batch_file.h"
+#include "cli/arguments.h"
+#include "cli/headless.h"
+#include "cli/job_files.h"
+#include "cli/messages.h"
+#include "core/files.h"
+#include "core/folders.h"
+#include "core/job.h"
+#include "core/platform.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "core/window.h"
+
+namespace {
+
+// The files that are named, those of a folder by their names.
+std::vector<std::string> AllFiles(const std::vector<std::string>& named, BatchNotes& notes) {
+    std::vector<std::string> files;
+    for (const std::string& path : named) {
+        if (!Directory_Exist(path)) {
+            files.push_back(path);
+            continue;
+        }
+        try {
+            for (const std::string& name : FilesOfFolder(path)) files.push_back(JoinPath(path, name));
+        } catch (const PlatformError& error) {
+            notes.FilesLeft.push_back({path, error.What});
+        }
+    }
+    return files;
+}
+
+void AnswerQuestions(const TransformOptions& options) {
+    Headless.OnQuestion = [&options](const DialogShown& dialog) -> std::optional<std::string> {
+        if (dialog.Kind != "message" || dialog.Buttons.size() != 2) return std::nullopt;
+        return options.Questions.value_or(false) ? "Yes" : "No";
+    };
+}
+
+// Tells how far the work is, on one line that is written over.
+class ProgressLine {
+public:
+    ProgressLine(std::ostream& err, bool shown) : err_(err), shown_(shown) {}
+    ~ProgressLine() {
+        if (told_) err_ << "\r\x1b[K" << std::flush;
+    }
+    ProgressLine(const ProgressLine&) = delete;
+    ProgressLine& operator=(const ProgressLine&) = delete;
+
+    void Tell(std::size_t file, std::size_t count, double share) {
+        using std::chrono::steady_clock;
+        const auto now = steady_clock::now();
+        if (!shown_ || now - last_ < std::chrono::milliseconds(200)) return;
+        last_ = now;
+        told_ = true;
+        err_ << "\rCalculating on File " << file << " of " << count << " Files, "
+             << static_cast<int>(share * 100) << " %  " << std::flush;
+    }
+
+private:
+    std::ostream& err_;
+    bool shown_, told_ = false;
+    std::chrono::steady_clock::time_point last_ = std::chrono::steady_clock::now();
+};
+
+// How the work on one file ended.
+enum class Ended { Written, Unreadable, Unwritten };
+
+class Batch {
+public:
+    Batch(const TransformOptions& options, BatchNotes& notes) : options_(options), notes_(notes) {}
+
+    template <class Tell>
+    Ended Transform(const std::string& path, Tell tell) {
+        const std::string outPath = JoinPath(options_.To, BatchOutName(NameOfFile(path)));
+        Ended ended = Ended::Unreadable;
+        try {
+            const BatchInput input = ReadBatchFile(path);
+            ended = Ended::Unwritten;
+            // Two files of one name, from two folders, do not replace each other's result.
+            if (written_.count(outPath) != 0)
+                throw PlatformError{"\"" + path + "\": \"" + outPath +
+                                    "\" holds another file's points by now"};
+            if (!options_.Overwrite && File_Exist(outPath))
+                throw PlatformError{"\"" + path + "\": \"" + outPath + "\" exists; --overwrite replaces it"};
+            LineCounts counts;
+            WriteBatchFile(
+                input, outPath,
+                [&tell](double share) {
+                    tell(share);
+                    return true;
+                },
+                counts);
+            written_.insert(outPath);
+            ++notes_.Done;
+            if (counts.WithoutNumbers > 0) notes_.WithoutNumbers.push_back({path, counts});
+            return Ended::Written;
+        } catch (const PlatformError& error) {
+            notes_.FilesLeft.push_back({path, error.What});
+            return ended;
+        }
+    }
+
+private:
+    const TransformOptions& options_;
+    BatchNotes& notes_;
+    std::set<std::string> written_;
+};
+
+}  // namespace
+
+CLI::App* AddTransform(CLI::App& app, TransformSwitches& s) {
+    TransformOptions& o = s.Options;
+    CLI::App* transform =
+        app.add_subcommand("transform", "Transform point files by the result that a job holds");
+    transform->add_option("JOB", o.Job, "Job file with a result")->type_name("FILE.cvn")->required();
+    transform->add_option("IN", o.In, "Point files, and folders that stand for all their files")
+        ->type_name("FILE|FOLDER ...")
+        ->required();
+    transform
+        ->add_option("--to", o.To,
+                     "Folder for the results: a.txt becomes a_out.txt there; it is\n"
+                     "made where it is not there")
+        ->check([](const std::string& text) {
+            return std::string(text.empty() ? "the name of the folder is empty" : "");
+        })
+        ->type_name("DIR")
+        ->required();
+    transform->add_flag("--overwrite", o.Overwrite, "Replace results that are there already");
+    transform
+        ->add_option("--delimiter", o.Delimiter,
+                     "What stands between the fields of files that do not show it;\n"
+                     "default: space")
+        ->transform(NameOf(DelimiterNames()))
+        ->type_name("space|semicolon|colon|star|sharp|tab|comma");
+    auto* yes = transform->add_flag("--yes,-y", s.Yes,
+                                    "Answer questions with Yes; a file with the other decimal\n"
+                                    "delimiter is then changed");
+    transform->add_flag("--no,-n", s.No, "Answer questions with No; such a file is then left")->excludes(yes);
+    AddDecimal(*transform, s.Decimal, "Options");
+    return transform;
+}
+
+void TakeTransformSwitches(TransformSwitches& s) {
+    s.Options.Decimal = DecimalOf(s.Decimal);
+    if (s.Yes || s.No) s.Options.Questions = s.Yes;
+}
+
+int RunTransform(const TransformOptions& options, std::ostream& err, bool progress) {
+    if (options.Decimal) Headless.Decimal = options.Decimal;
+    ReadSettingsText(DefaultSettingsText(), "the built-in settings");
+    JobFileFacts facts;
+    const int status = OpenJob(options.Job, options.Questions, facts, err);
+    if (status != kDone) return status;
+    // A job that was never calculated has no choice of parameters yet.
+    if (Job.ParamText[1].empty()) return Refuse(err, kRefused, "No Transformation calculated");
+    if (!Dispatch([&options] { CreateFolder(options.To); }))
+        return Refuse(err, kRefused, Run.LastPlatformError);
+    AnswerQuestions(options);
+    BatchNotes notes;
+    const std::vector<std::string> files = AllFiles(options.In, notes);
+    bool unreadable = !notes.FilesLeft.empty(), unwritten = false;
+    {
+        ProgressLine line(err, progress);
+        Batch batch(options, notes);
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            // Each file for itself: the delimiter of one is no word about the next.
+            Run.Delimiter = options.Delimiter;
+            line.Tell(i + 1, files.size(), 0);
+            const Ended ended =
+                batch.Transform(files[i], [&](double share) { line.Tell(i + 1, files.size(), share); });
+            unreadable = unreadable || ended == Ended::Unreadable;
+            unwritten = unwritten || ended == Ended::Unwritten;
+        }
+    }
+    WriteMessages(err);
+    for (const std::string& note : NotesAsLines(notes, 0)) err << note << "\n";
+    err << notes.Done << " of " << files.size() << " files transformed\n";
+    if (unreadable) return kUnreadable;
+    return unwritten ? kRefused : kDone;
+}

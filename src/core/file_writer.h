@@ -1,0 +1,34 @@
+// A file that is written piece by piece and replaces its target whole, or not at all.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+enum class Keeping : std::uint8_t {
+    Flushed,   // on the disk before it takes its place, so that the power may fail at any time
+    Unflushed  // for results in bulk that can be made anew: a flush a file would take longer than the work
+};
+
+// Written beside the target and renamed over it by Keep. Whatever happens, the target is the old file or
+// the new one, whole; without Keep, or when it throws, nothing is left beside it. Every procedure throws
+// PlatformError when the disk refuses (a write-protected target is refused at the beginning).
+class FileBeside {
+public:
+    explicit FileBeside(const std::string& path);
+    ~FileBeside();
+    FileBeside(const FileBeside&) = delete;
+    FileBeside& operator=(const FileBeside&) = delete;
+
+    void Write(std::string_view bytes);  // best in large pieces; nothing gathers them
+    void Keep(Keeping keeping);          // once, the last of all; keeps the permissions of the old file
+
+private:
+    std::string path_;
+    std::filesystem::path target_, beside_;
+    std::filesystem::file_status old_;
+    std::FILE* file_ = nullptr;
+    bool kept_ = false;
+};

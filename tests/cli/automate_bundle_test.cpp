@@ -1,0 +1,41 @@
+// A network by the names of controls: from the input dialog to the job that is fitted.
+#include "cli/automation.h"
+
+namespace {
+
+class BundleByName : public Automated {
+protected:
+    BundleByName() { StartAutomation({}); }
+    static json Click(const std::string& at) { return Good({{"do", "click"}, {"at", at}}); }
+    static json Get(const std::string& at) { return Good({{"do", "get"}, {"at", at}}); }
+    static json Record(const std::string& name) { return Good({{"do", "record"}, {"name", name}})["value"]; }
+};
+
+}  // namespace
+
+TEST_F(BundleByName, ANetworkIsReadAdjustedAndFitted) {
+    EXPECT_EQ(Get("FormMain.MenuTransformationBundle")["enabled"], false);
+    Click("FormMain.MenuFileInputFiles");
+    Good({{"do", "answer"},
+          {"kind", "open"},
+          {"value", std::string(CORVINADE_SOURCE_DIR) + "/examples/hall_network.txt"}});
+    Click("FormInputFiles.Command2");
+    const json read = Click("FormInputFiles.BtnOK");
+    EXPECT_NE(read.dump().find("Found 6 Stations and 14 Object Points and 84 Distance Observations"),
+              std::string::npos)
+        << read;
+    EXPECT_EQ(Record("nStations"), 6);
+    EXPECT_EQ(Record("StationName")[2], "TH2");
+    EXPECT_EQ(Record("DistancePair.2")[84], "T14");
+    EXPECT_EQ(Get("FormMain.MenuTransformationBundle")["enabled"], true);
+    EXPECT_EQ(Get("FormBündel.TextReduce")["text"], "100");
+    EXPECT_EQ(Get("FormBündel.CommandSTOP")["enabled"], false);
+    Click("FormBündel.BtnCalculate");
+    EXPECT_EQ(Record("nIdent"), 20);
+    EXPECT_EQ(Record("PathMCS"), folder_ + "/settings/Corvinade/BündelMCS.txt");
+    EXPECT_EQ(Record("JobDirty"), -1);
+    Click("FormMain.MenuTransformationCalculation");
+    Click("FormTrafoBerechnung.BtnCalculate");
+    EXPECT_EQ(Record("TrafoValid"), -1);
+    EXPECT_LT(Record("SigmaXYZ"), 12);
+}

@@ -1,0 +1,153 @@
+// `corvinade-cli bundle`: networks on the command line.
+#include <cmath>
+#include <filesystem>
+
+#include "bundle/network_job.h"
+#include "cli/fit_command.h"
+
+namespace {
+
+const std::string kNetwork = kExamples + "hall_network.txt";
+
+class BundleCommand : public Program {
+protected:
+    static Outcome Run(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"corvinade-cli", "bundle"});
+        if (std::find(arguments.begin(), arguments.end(), "--decimal") == arguments.end())
+            arguments.insert(arguments.end(), {"--decimal", "."});
+        std::vector<const char*> argv;
+        for (const std::string& argument : arguments) argv.push_back(argument.c_str());
+        std::istringstream in;
+        std::ostringstream out, err;
+        const int status =
+            RunCommandLine(static_cast<int>(argv.size()), argv.data(), in, out, err, false, false);
+        return {status, out.str(), err.str()};
+    }
+    static json RunJson(std::vector<std::string> arguments) {
+        arguments.emplace_back("--json");
+        const Outcome outcome = Run(arguments);
+        EXPECT_EQ(outcome.Status, 0) << outcome.Err;
+        return json::parse(outcome.Out);
+    }
+};
+
+}  // namespace
+
+TEST_F(BundleCommand, PrintsTheAdjustedCoordinatesAndTheirAccuracy) {
+    const Outcome outcome = Run({kNetwork});
+    EXPECT_EQ(outcome.Status, 0) << outcome.Err;
+    EXPECT_EQ(outcome.Err, "");
+    for (const char* text :
+         {"(6 stations, 14 object points)", "84 of 84 distances, 54 unknowns", "\nTH1 ", "\nT14 ", "held"})
+        EXPECT_NE(outcome.Out.find(text), std::string::npos) << text << "\n" << outcome.Out;
+    EXPECT_EQ(outcome.Out.find("written"), std::string::npos);
+}
+
+TEST_F(BundleCommand, TheJsonHasEveryDistanceComputedFromItsCoordinates) {
+    const json all = RunJson({kNetwork});
+    EXPECT_EQ(all["converged"], true);
+    EXPECT_EQ(all["unknowns"], 54);
+    EXPECT_EQ(all["distancesInUse"], 84);
+    std::map<std::string, json> places;
+    for (const char* kind : {"stations", "objectPoints"})
+        for (const json& point : all[kind]) places[point["name"]] = point["xyz_mm"];
+    double sumVV = 0;
+    for (const json& distance : all["distances"]) {
+        const json &a = places.at(distance["station"]), &b = places.at(distance["objectPoint"]);
+        const double computed =
+            std::hypot(a[0].get<double>() - b[0].get<double>(), a[1].get<double>() - b[1].get<double>(),
+                       a[2].get<double>() - b[2].get<double>());
+        const double v = distance["v_mm"];
+        EXPECT_EQ(distance["used"], true);
+        EXPECT_NEAR(computed - distance["measured_mm"].get<double>(), v, 1e-6);
+        sumVV += v * v;
+    }
+    EXPECT_NEAR(all["s0_mm"].get<double>(), std::sqrt(sumVV / 83), 1e-12);
+    EXPECT_LT(all["iterations"].back()["biggestX_mm"], 1e-5);
+    EXPECT_EQ(all["stations"][0]["sigma_mm"], (json{nullptr, nullptr, nullptr}));
+    EXPECT_EQ(all["files"], json::array());
+}
+
+TEST_F(BundleCommand, WritesBothNetworksIntoAFolderThatIsAskedForAndNowhereElse) {
+    const std::string folder = PathOf("to/here");
+    const json all = RunJson({kNetwork, "--to", folder});
+    EXPECT_EQ(all["files"], (json{folder + "/BündelOCS.txt", folder + "/BündelMCS.txt"}));
+    EXPECT_EQ(Contents(folder + "/BündelOCS.txt").substr(0, 21), "TH1\t5.1\t-5.3\t1650.7\r\n");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 2);
+    EXPECT_FALSE(std::filesystem::exists(PathOf("settings")));
+}
+
+TEST_F(BundleCommand, WhatItWritesIsFittedByTheFit) {
+    const std::string folder = PathOf("to");
+    EXPECT_EQ(Run({kNetwork, "--to", folder}).Status, 0);
+    const std::string start = folder + "/BündelMCS.txt", target = folder + "/BündelOCS.txt";
+    std::vector<const char*> argv = {"corvinade-cli", "fit", start.c_str(), target.c_str(), "--json",
+                                     "--decimal",     "."};
+    std::istringstream in;
+    std::ostringstream out, err;
+    EXPECT_EQ(RunCommandLine(static_cast<int>(argv.size()), argv.data(), in, out, err, false, false), 0)
+        << err.str();
+    EXPECT_EQ(json::parse(out.str())["counts"]["pairs"], 20);
+}
+
+TEST_F(BundleCommand, ReducesTheObjectPoints) {
+    const json all = RunJson({kNetwork, "--reduce", "50"});
+    EXPECT_EQ(all["objectPoints"].size(), 7u);
+    EXPECT_EQ(all["objectPoints"][1]["name"], "T03");
+    EXPECT_EQ(all["distancesInUse"], 42);
+    EXPECT_EQ(all["distances"].size(), 84u);
+    EXPECT_EQ(all["distances"][1]["used"], false);
+    for (const char* wrong : {"0", "101", "0.99", "half", "nan", ""}) {
+        const Outcome outcome = Run({kNetwork, std::string("--reduce=") + wrong});
+        EXPECT_EQ(outcome.Status, 2) << wrong;
+        EXPECT_EQ(outcome.Out, "");
+    }
+}
+
+TEST_F(BundleCommand, ReadsAndShowsInTheUnitOfLength) {
+    const std::string metres = Write("metres.txt", SimulatedNetwork(5, 12).Text(0.001));
+    const json all = RunJson({metres, "--length-unit", "m"});
+    const std::string millimetres = Write("mm.txt", SimulatedNetwork(5, 12).Text());
+    const json same = RunJson({millimetres});
+    EXPECT_NEAR(all["s0_mm"].get<double>(), same["s0_mm"].get<double>(), 1e-9);
+    EXPECT_NE(Run({metres, "--length-unit", "m", "--digits", "6"}).Out.find("(in meter)"), std::string::npos);
+}
+
+TEST_F(BundleCommand, RefusesWhatCannotBeReadOrAdjustedAndSaysWhy) {
+    Outcome outcome = Run({PathOf("missing.txt")});
+    EXPECT_EQ(outcome.Status, 3);
+    EXPECT_NE(outcome.Err.find("missing.txt"), std::string::npos);
+    const std::string text = SimulatedNetwork(5, 12).Text();
+    outcome = Run({Write("cut.txt", text.substr(0, text.find("Distances")))});
+    EXPECT_EQ(outcome.Status, 3);
+    EXPECT_NE(outcome.Err.find("\"Distances\""), std::string::npos) << outcome.Err;
+
+    SimulatedNetwork line(5, 12);
+    for (std::size_t i = 0; i < 5; ++i) line.Stations[i] = {1000.0 * static_cast<double>(i), 0, 0};
+    outcome = Run({Write("line.txt", line.Text()), "--to", PathOf("to")});
+    EXPECT_EQ(outcome.Status, 1);
+    EXPECT_EQ(outcome.Err, "corvinade-cli: All Stations are in one line; this is not working\n");
+    EXPECT_FALSE(std::filesystem::exists(PathOf("to")));
+}
+
+TEST_F(BundleCommand, TellsOfDistancesThatItLeavesOut) {
+    std::string text = SimulatedNetwork(5, 12).Text();
+    text.insert(text.rfind("END"), "S1 X9 4000\r\n");
+    const Outcome outcome = Run({Write("unknown.txt", text), "--json"});
+    EXPECT_EQ(outcome.Status, 0);
+    EXPECT_NE(outcome.Err.find("\"S1\" to \"X9\""), std::string::npos) << outcome.Err;
+    EXPECT_EQ(json::parse(outcome.Out)["distancesInUse"], 60);
+}
+
+TEST_F(BundleCommand, ANetworkThatItsDistancesDoNotDetermineEnds) {
+    const Outcome outcome = Run({Write("weak.txt", SimulatedNetwork(4, 3).Text())});
+    EXPECT_NE(outcome.Err.find("do not determine the network"), std::string::npos) << outcome.Err;
+    EXPECT_TRUE(outcome.Status == 0 || outcome.Status == 1 || outcome.Status == 4);
+}
+
+TEST_F(BundleCommand, AFolderThatCannotBeWrittenIsTold) {
+    Write("file", "x");
+    const Outcome outcome = Run({kNetwork, "--to", PathOf("file/below")});
+    EXPECT_EQ(outcome.Status, 1);
+    EXPECT_NE(outcome.Err.find("file/below"), std::string::npos) << outcome.Err;
+}

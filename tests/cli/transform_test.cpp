@@ -1,0 +1,219 @@
+// `corvinade-cli transform` and `export`.
+#include <filesystem>
+
+#include "analysis/exports.h"
+#include "cli/fit_command.h"
+#include "cli/headless.h"
+#include "core/files.h"
+#include "core/folders.h"
+#include "core/fresh_start.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+class TransformCommand : public FitCommand {
+protected:
+    static Outcome Command(std::vector<std::string> arguments, bool progress = false) {
+        arguments.insert(arguments.begin(), "corvinade-cli");
+        std::vector<const char*> argv;
+        for (const std::string& argument : arguments) argv.push_back(argument.c_str());
+        std::istringstream in;
+        std::ostringstream out;
+        std::ostringstream err;
+        const auto faults = FileFaults;
+        FreshStart();
+        FileFaults = faults;
+        Headless = HeadlessRecord{};
+        Headless.Decimal = '.';
+        const int status =
+            RunCommandLine(static_cast<int>(argv.size()), argv.data(), in, out, err, false, progress);
+        Headless.Unanswered = false;
+        return {status, out.str(), err.str()};
+    }
+    // A job whose result is the shift by 5, 6, 7.
+    std::string Shift() {
+        const std::string path = PathOf("shift.cvn");
+        EXPECT_EQ(Command({"fit", start_, target_, "--save", path}).Status, 0);
+        return path;
+    }
+    std::string job_ = Shift();
+};
+
+const std::string kPoint = "A;1;2;3\n", kResult = "A\t6.000\t8.000\t10.000\r\n";
+
+}  // namespace
+
+TEST_F(TransformCommand, FilesAndFoldersAreTransformed) {
+    Write("many/b.txt", kPoint);
+    Write("many/a.txt", kPoint);
+    const std::string one = Write("one.csv", "P;-1.5;0;1\n");
+    const std::string to = PathOf("new/out");
+    const Outcome outcome = Command({"transform", job_, PathOf("many"), one, "--to", to});
+    EXPECT_EQ(outcome.Status, 0) << outcome.Err;
+    EXPECT_EQ(outcome.Out, "");
+    EXPECT_EQ(outcome.Err, "3 of 3 files transformed\n");
+    EXPECT_EQ(FilesOfFolder(to), (Names{"a_out.txt", "b_out.txt", "one_out.csv"}));
+    EXPECT_EQ(Contents(to + "/a_out.txt"), kResult);
+    EXPECT_EQ(Contents(to + "/one_out.csv"), "P\t3.500\t6.000\t8.000\r\n");
+}
+
+TEST_F(TransformCommand, TheUnitsAndDigitsAreThoseOfTheJob) {
+    const std::string path = PathOf("meter.cvn");
+    ASSERT_EQ(Command({"fit", start_, target_, "--length-unit", "m", "--digits", "5", "--save", path}).Status,
+              0);
+    const std::string in = Write("a.txt", kPoint);
+    EXPECT_EQ(Command({"transform", path, in, "--to", PathOf("out")}).Status, 0);
+    EXPECT_EQ(Contents(PathOf("out/a_out.txt")), "A\t6.00000\t8.00000\t10.00000\r\n");
+}
+
+TEST_F(TransformCommand, FieldsBetweenBlanksNeedNoWord) {
+    const std::string in = Write("a.txt", "A 1 2 3\nB 4 5 6\n");
+    const Outcome outcome = Command({"transform", job_, in, "--to", PathOf("out")});
+    EXPECT_EQ(outcome.Status, 0) << outcome.Err;
+    EXPECT_EQ(Contents(PathOf("out/a_out.txt")), kResult + "B\t9.000\t11.000\t13.000\r\n");
+}
+
+TEST_F(TransformCommand, ResultsAreReplacedWithOverwriteAlone) {
+    const std::string a = Write("a.txt", kPoint), b = Write("b.txt", kPoint);
+    Write("out/a_out.txt", "old");
+    Outcome outcome = Command({"transform", job_, a, b, "--to", PathOf("out")});
+    EXPECT_EQ(outcome.Status, 1);
+    EXPECT_EQ(Contents(PathOf("out/a_out.txt")), "old");
+    EXPECT_EQ(Contents(PathOf("out/b_out.txt")), kResult) << "the rest is done";
+    EXPECT_NE(outcome.Err.find("exists; --overwrite replaces it"), std::string::npos);
+    EXPECT_NE(outcome.Err.find("1 of 2 files transformed"), std::string::npos);
+    outcome = Command({"transform", job_, a, b, "--to", PathOf("out"), "--overwrite"});
+    EXPECT_EQ(outcome.Status, 0) << outcome.Err;
+    EXPECT_EQ(Contents(PathOf("out/a_out.txt")), kResult);
+}
+
+TEST_F(TransformCommand, TwoFilesOfOneNameDoNotReplaceEachOther) {
+    const std::string first = Write("one/a.txt", kPoint), second = Write("two/a.txt", "B;0;0;0\n");
+    const Outcome outcome = Command({"transform", job_, first, second, "--to", PathOf("out"), "--overwrite"});
+    EXPECT_EQ(outcome.Status, 1);
+    EXPECT_EQ(Contents(PathOf("out/a_out.txt")), kResult);
+    EXPECT_NE(outcome.Err.find(second), std::string::npos);
+}
+
+TEST_F(TransformCommand, LinesWithoutNumbersAreToldByFile) {
+    const std::string in = Write("a.txt", "A;1;2;3\nnonsense\nB;x;y;z\n");
+    const Outcome outcome = Command({"transform", job_, in, "--to", PathOf("out")});
+    EXPECT_EQ(outcome.Status, 0);
+    EXPECT_EQ(Contents(PathOf("out/a_out.txt")),
+              kResult + "nonsense\t5.000\t6.000\t7.000\r\nB\t5.000\t6.000\t7.000\r\n");
+    EXPECT_NE(outcome.Err.find("\"" + in + "\": 2 of 3 lines held no three numbers, the first in line 2\n"),
+              std::string::npos)
+        << outcome.Err;
+}
+
+TEST_F(TransformCommand, WhatCannotBeReadIsLeftAndTheRestDone) {
+    Write("in/a.txt", kPoint);
+    Write("in/b.bin", std::string("\0\1\2", 3));
+    Write("in/c.txt", "");
+    const std::string missing = PathOf("none.txt");
+    const Outcome outcome = Command({"transform", job_, PathOf("in"), missing, "--to", PathOf("out")});
+    EXPECT_EQ(outcome.Status, 3);
+    EXPECT_EQ(FilesOfFolder(PathOf("out")), Names{"a_out.txt"});
+    EXPECT_NE(outcome.Err.find("left: Cannot read \"" + PathOf("in/b.bin") + "\": it is no text"),
+              std::string::npos);
+    EXPECT_NE(outcome.Err.find("left: Cannot read \"" + PathOf("in/c.txt") + "\": it is empty"),
+              std::string::npos);
+    EXPECT_NE(outcome.Err.find("left: Cannot read \"" + missing + "\": there is no such file"),
+              std::string::npos);
+    EXPECT_NE(outcome.Err.find("1 of 4 files transformed\n"), std::string::npos);
+}
+
+TEST_F(TransformCommand, TheOtherDecimalDelimiterIsAQuestion) {
+    const std::string in = Write("a.txt", "A;1,5;2,5;3\n");
+    EXPECT_EQ(Command({"transform", job_, in, "--to", PathOf("out")}).Status, 3);
+    EXPECT_EQ(Contents(in), "A;1,5;2,5;3\n");
+    EXPECT_EQ(Command({"transform", job_, in, "--to", PathOf("out"), "--decimal", ","}).Status, 0);
+    EXPECT_EQ(Contents(PathOf("out/a_out.txt")), "A\t6,500\t8,500\t10,000\r\n");
+    EXPECT_EQ(Contents(in), "A;1,5;2,5;3\n");
+    EXPECT_EQ(Command({"transform", job_, in, "--to", PathOf("out"), "--yes", "--overwrite"}).Status, 0);
+    EXPECT_EQ(Contents(in), "A;1.5;2.5;3");
+    EXPECT_EQ(Contents(PathOf("out/a_out.txt")), "A\t6.500\t8.500\t10.000\r\n");
+}
+
+TEST_F(TransformCommand, AFullDiskIsToldAndNoHalfFileStays) {
+    const std::string in = Write("a.txt", kPoint);
+    FileFaults.Refuse = [](const std::string& operation, const std::string& path) {
+        return operation == "write" && path.ends_with("_out.txt") ? std::string("No space left on device")
+                                                                  : std::string();
+    };
+    const Outcome outcome = Command({"transform", job_, in, "--to", PathOf("out")});
+    EXPECT_EQ(outcome.Status, 1);
+    EXPECT_NE(outcome.Err.find("Cannot write \"" + PathOf("out/a_out.txt") + "\": No space left on device"),
+              std::string::npos);
+    EXPECT_EQ(FilesOfFolder(PathOf("out")), Names{});
+}
+
+TEST_F(TransformCommand, WrongUsageIsTold) {
+    const std::string in = Write("a.txt", kPoint);
+    EXPECT_EQ(Command({"transform", job_, in}).Status, 2);
+    EXPECT_EQ(Command({"transform", job_, "--to", PathOf("out")}).Status, 2);
+    EXPECT_EQ(Command({"transform", job_, in, "--to", ""}).Status, 2);
+    EXPECT_EQ(Command({"transform", PathOf("none.cvn"), in, "--to", PathOf("out")}).Status, 3);
+    EXPECT_EQ(Command({"transform", job_, in, "--to", in}).Status, 1);
+}
+
+// --- export -----------------------------------------------------------------------------------------------
+
+TEST_F(TransformCommand, TheFrameIsExported) {
+    const std::string out = PathOf("cell.rf");
+    const Outcome outcome =
+        Command({"export", job_, "--robcad", out, "--place", "Wob", "--tool", "afo910", "--robot", "r2a"});
+    EXPECT_EQ(outcome.Status, 0) << outcome.Err;
+    const std::string text = Contents(out);
+    EXPECT_NE(text.find("COMPONENT / afo910_Wob_r2a ;     \r\n"), std::string::npos);
+    EXPECT_NE(text.find("r2a_calpos =FRA / 5.0000E+00 , 6.0000E+00 , 7.0000E+00 ,\r\n"), std::string::npos)
+        << text;
+    EXPECT_TRUE(text.ends_with("END;        \r\n"));
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 30);
+}
+
+TEST_F(TransformCommand, TheMatrixIsExported) {
+    const std::string out = PathOf("cell.bas");
+    EXPECT_EQ(Command({"export", job_, "--rocal", out}).Status, 0);
+    const std::string text = Contents(out);
+    EXPECT_TRUE(text.starts_with("[1,")) << text;
+    EXPECT_TRUE(text.ends_with(";\r\n0,0,0,1]")) << text;
+}
+
+TEST_F(TransformCommand, PointsWithoutAPartnerAreExported) {
+    const std::string start = Write("more.txt", Contents(start_) + "7;0;0;0\nX;1;2;3\n");
+    const std::string job = PathOf("more.cvn"), out = PathOf("only.txt");
+    ASSERT_EQ(Command({"fit", start, target_, "--save", job}).Status, 0);
+    EXPECT_EQ(Command({"export", job, "--points", out}).Status, 0);
+    EXPECT_EQ(Contents(out), "7.000\t5.000\t6.000\t7.000\r\nX\t6.000\t8.000\t10.000\r\n");
+    EXPECT_EQ(Command({"export", job_, "--points", out}).Status, 0);
+    EXPECT_EQ(Contents(out), "") << "what was there is replaced";
+}
+
+TEST_F(TransformCommand, AnExportToAFullDiskIsRefused) {
+    const std::string out = Write("cell.bas", "old");
+    FileFaults.Refuse = [](const std::string& operation, const std::string&) {
+        return operation == "write" ? std::string("No space left on device") : std::string();
+    };
+    const Outcome outcome = Command({"export", job_, "--rocal", out});
+    EXPECT_EQ(outcome.Status, 1);
+    EXPECT_EQ(outcome.Err, "corvinade-cli: Cannot write \"" + out + "\": No space left on device\n");
+    EXPECT_EQ(Contents(out), "old");
+}
+
+TEST_F(TransformCommand, AnExportIsOfOneKind) {
+    EXPECT_EQ(Command({"export", job_}).Status, 2);
+    EXPECT_EQ(Command({"export", job_, "--rocal", PathOf("a"), "--points", PathOf("b")}).Status, 2);
+    EXPECT_EQ(Command({"export", job_, "--robcad", PathOf("a"), "--tool", "a\nb"}).Status, 2);
+}
+
+TEST_F(TransformCommand, TheExampleFolderIsTransformed) {
+    const Outcome outcome =
+        Command({"transform", kExamples + "robot_cell.cvn", kExamples + "batch", "--to", PathOf("out")});
+    EXPECT_EQ(outcome.Status, 0) << outcome.Err;
+    EXPECT_EQ(FilesOfFolder(PathOf("out")).size(), FilesOfFolder(kExamples + "batch").size());
+    EXPECT_EQ(outcome.Err.find("held no three numbers"), std::string::npos) << outcome.Err;
+}
