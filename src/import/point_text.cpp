@@ -5,10 +5,6 @@
 #include <bit>
 #include <cstring>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 #include "core/platform.h"
 #include "core/require.h"
 #include "core/text.h"
@@ -192,11 +188,11 @@ constexpr Word kOnes = 0x0101010101010101U;
 Word MarksOf64(const char* at, char wanted) {
     Word marks = 0;
 #if defined(__SSE2__)
-    const __m128i character = _mm_set1_epi8(wanted);
-    for (unsigned i = 0; i < 64; i += 16) {
-        const __m128i lanes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at + i));
-        marks |= static_cast<Word>(static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(lanes, character))))
-                 << i;
+    using Signs = char __attribute__((vector_size(16)));
+    const Lanes character = Lanes{} + static_cast<unsigned char>(wanted);
+    for (unsigned i = 0; i < 64; i += kLanes) {
+        const auto equal = reinterpret_cast<Signs>(Load(at + i) == character);
+        marks |= static_cast<Word>(static_cast<unsigned>(__builtin_ia32_pmovmskb128(equal))) << i;
     }
 #else
     for (unsigned i = 0; i < 64; ++i) marks |= static_cast<Word>(at[i] == wanted) << i;

@@ -48,9 +48,9 @@
 namespace {
 
 // The windows that stand above the frame; all others stand inside it.
-constexpr std::array<std::string_view, 7> kDialogs = {"FormUnits",       "FormOptions",    "FormMenuHelpInfo",
+constexpr std::array<std::string_view, 9> kDialogs = {"FormUnits",       "FormOptions",    "FormMenuHelpInfo",
                                                       "FormProgressBar", "FormInputFiles", "FormColorBar",
-                                                      "FormSaveView"};
+                                                      "FormSaveView",    "FormBatch",      "FormChangeDir"};
 
 // Work that writes a text at every step shows it no more often than this.
 constexpr qint64 kBetweenPanels_ms = 100;
