@@ -212,7 +212,7 @@ char* PutLarge(char* at, Word number);
 inline char* PutWhole(char* at, Word number) {
     if (number >= 100000000) return PutLarge(at, number);
     const Word digits = EightDigits(number);
-    const unsigned zeros = number == 0 ? 7 : Before(digits);
+    const unsigned zeros = Before(digits | Word{1} << 56);  // the last one is shown for 0 too
     Put(at, (digits | Each('0')) >> 8 * zeros);
     return at + (8 - zeros);
 }
@@ -392,8 +392,7 @@ bool TransformLines(const PointText& file, const LineForm& form, const LineWork&
             work.Write(s.Out);
         } else {
             if (static_cast<std::size_t>(out - buffer.data()) + s.Out.size() > buffer.size()) handOn();
-            std::memcpy(out, s.Out.data(), s.Out.size());
-            out += s.Out.size();
+            out += s.Out.copy(out, s.Out.size());
         }
     }
     handOn();

@@ -16,6 +16,7 @@
 #include "cli/automate_screens.h"
 #include "cli/automate_trumpet.h"
 #include "cli/control_json.h"
+#include "cli/folder_answer.h"
 #include "cli/headless.h"
 #include "cli/record_json.h"
 #include "cli/request.h"
@@ -406,23 +407,6 @@ void AtYield() {
         kept.During.push_back(Answer(request));
         PutBack(std::move(kept));
     }
-}
-
-// The path that is queued for a folder, chosen in the window for it. False where there is none.
-bool ChooseQueuedFolder() {
-    auto& queue = Headless.Answers["folder"];
-    if (queue.empty()) return false;
-    const std::optional<std::string> path = queue.front();
-    queue.pop_front();
-    const std::string title = ChangeDir.Window.Caption, begin = ChangeDir.TextPath.Text;
-    if (path) {
-        UserSetText(ChangeDir.TextPath, *path);
-        UserClick(ChangeDir.BtnOK);
-    }
-    // One that is not there leaves the window open, and nobody else is coming.
-    if (IsLoaded(FormChangeDir_Entry.Name)) UnloadWindow(FormChangeDir_Entry.Name);
-    Headless.Dialogs.push_back({"folder", title, begin, {}, "", "", path, ""});
-    return true;
 }
 
 // Runs the requests that are queued for a window that is waited for, as long as it is open.

@@ -188,11 +188,10 @@ constexpr Word kOnes = 0x0101010101010101U;
 Word MarksOf64(const char* at, char wanted) {
     Word marks = 0;
 #if defined(__SSE2__)
-    using Lanes16 [[gnu::vector_size(16)]] = char;
-    for (unsigned i = 0; i < 64; i += 16) {
-        Lanes16 lanes;
-        std::memcpy(&lanes, at + i, sizeof lanes);
-        const Lanes16 equal = lanes == wanted;
+    using Signs = char __attribute__((vector_size(16)));
+    const Lanes character = Lanes{} + static_cast<unsigned char>(wanted);
+    for (unsigned i = 0; i < 64; i += kLanes) {
+        const auto equal = reinterpret_cast<Signs>(Load(at + i) == character);
         marks |= static_cast<Word>(static_cast<unsigned>(__builtin_ia32_pmovmskb128(equal))) << i;
     }
 #else

@@ -51,9 +51,9 @@
 namespace {
 
 // The windows that stand above the frame; all others stand inside it.
-constexpr std::array<std::string_view, 8> kDialogs = {
-    "FormUnits",      "FormOptions",  "FormMenuHelpInfo", "FormProgressBar",
-    "FormInputFiles", "FormColorBar", "FormSaveView",     "FormStopParaTrafo"};
+constexpr std::array<std::string_view, 10> kDialogs = {
+    "FormUnits",    "FormOptions",  "FormMenuHelpInfo",  "FormProgressBar", "FormInputFiles",
+    "FormColorBar", "FormSaveView", "FormStopParaTrafo", "FormBatch",       "FormChangeDir"};
 
 // Work that writes a text at every step shows it no more often than this.
 constexpr qint64 kBetweenPanels_ms = 100;

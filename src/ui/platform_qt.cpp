@@ -216,10 +216,11 @@ bool FlushToDisk(std::FILE* file) {
 
 void PreferLargePages([[maybe_unused]] void* block, [[maybe_unused]] std::size_t size) {
 #if defined(MADV_HUGEPAGE)
-    constexpr std::uintptr_t kLargePage = std::uintptr_t{1} << 21;
-    const auto begin = (reinterpret_cast<std::uintptr_t>(block) + kLargePage - 1) & ~(kLargePage - 1);
-    const auto end = (reinterpret_cast<std::uintptr_t>(block) + size) & ~(kLargePage - 1);
+    constexpr std::size_t kLargePage = std::size_t{1} << 21;
+    const std::size_t before =
+        (kLargePage - reinterpret_cast<std::uintptr_t>(block) % kLargePage) % kLargePage;
+    if (size < before + kLargePage) return;
     // What the system answers changes the time alone.
-    if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+    madvise(static_cast<char*>(block) + before, (size - before) / kLargePage * kLargePage, MADV_HUGEPAGE);
 #endif
 }

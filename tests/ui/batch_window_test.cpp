@@ -27,6 +27,11 @@ protected:
         ShowWindow("FormBatch");
         ShowState();
     }
+    // A file in a folder of the test's.
+    void WriteIn(const std::string& folder, const std::string& name, const std::string& content) const {
+        std::filesystem::create_directories(PathOf(folder));
+        Write(folder + "/" + name, content);
+    }
     static std::string Field(const std::string& at) {
         return S(qobject_cast<QLineEdit*>(Widget(at))->text());
     }
@@ -43,8 +48,8 @@ protected:
 
 TEST_F(BatchByHand, AFolderIsTransformedByHand) {
     Open();
-    Write("in/a.txt", "A;1;2;3\n");
-    Write("out/a_out.txt", "old");
+    WriteIn("in", "a.txt", "A;1;2;3\n");
+    WriteIn("out", "a_out.txt", "old");
     Type("FormBatch.TextNameMCSDirectory", PathOf("in"));
     Type("FormBatch.TextNameTCSDirectory", PathOf("out"));
     AnswerNext("overwrite all ");
@@ -65,8 +70,8 @@ TEST_F(BatchByHand, TheSameFolderLeavesNothingToBrowse) {
 
 TEST_F(BatchByHand, AFolderIsChosenWithMouseAndKeys) {
     Open();
-    Write("tree/one/x", "");
-    Write("tree/two/deep/x", "");
+    WriteIn("tree/one", "x", "");
+    WriteIn("tree/two/deep", "x", "");
     Type("FormBatch.TextNameMCSDirectory", PathOf("tree"));
     InTheFolderWindow([this] {
         auto* list = qobject_cast<QListWidget*>(Widget("FormChangeDir.Dir1"));

@@ -1,0 +1,6 @@
+// The answer to the choice of a folder by its path alone.
+#pragma once
+
+// Chooses the folder that is queued in the window for it, which is open, and records the dialog; the window
+// is closed then. False where none is queued.
+bool ChooseQueuedFolder();
