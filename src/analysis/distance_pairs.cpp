@@ -5,15 +5,10 @@
 #include <cmath>
 #include <span>
 
+#include "core/any_vectors.h"
 #include "core/job.h"
 #include "core/require.h"
 #include "core/run.h"
-
-#if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
-#define CORVINADE_HOT __attribute__((target_clones("avx512f", "avx2", "default")))
-#else
-#define CORVINADE_HOT
-#endif
 
 namespace {
 
@@ -31,8 +26,8 @@ int PairsOfJob() {
                                                        Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z)));
 }
 
-CORVINADE_HOT void Distances(const double* x, const double* y, const double* z, double px, double py,
-                             double pz, std::size_t count, double* out) {
+ON_ANY_VECTORS void Distances(const double* x, const double* y, const double* z, double px, double py,
+                              double pz, std::size_t count, double* out) {
     for (std::size_t j = 0; j < count; ++j) {
         const double dx = px - x[j], dy = py - y[j], dz = pz - z[j];
         out[j] = std::sqrt(dx * dx + dy * dy + dz * dz);

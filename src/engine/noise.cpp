@@ -6,17 +6,12 @@
 #include <bit>
 #include <cmath>
 
+#include "core/any_vectors.h"
 #include "engine/lanes.h"
 
 namespace {
 
 constexpr int kPairs = NoiseRecord::kPairs;
-
-#if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
-#define ON_ANY_VECTORS __attribute__((target_clones("avx512f", "avx2", "default")))
-#else
-#define ON_ANY_VECTORS
-#endif
 
 // Natural logarithm of a number from 2^-1000 to 1, to one or two units of the last place: m 2^k with m
 // about 1, and log m = 2 artanh((m - 1) / (m + 1)) as a series. Free of branches and of the C library, so
@@ -86,8 +81,6 @@ ON_ANY_VECTORS void SquareThem(const std::uint32_t* words, double* u, double* s)
 ON_ANY_VECTORS void Stretch(int count, const double* u, const double* s, double* normal) {
     for (int i = 0; i < count; ++i) normal[i] = u[i] * std::sqrt(-2 * Logarithm(s[i]) / s[i]);
 }
-
-#undef ON_ANY_VECTORS
 
 void MakeBlock() {
     alignas(kLaneAlignment) std::array<std::uint32_t, kWords> words;

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <string>
 
+#include "core/any_vectors.h"
 #include "core/controller.h"
 #include "core/require.h"
 #include "engine/matrix.h"
@@ -66,12 +67,6 @@ void NormalEquations(const FitModel& model, const Linearisation& at, NormalSums&
 
 namespace {
 
-#if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
-#define ON_ANY_VECTORS __attribute__((target_clones("avx512f", "avx2", "default")))
-#else
-#define ON_ANY_VECTORS
-#endif
-
 // The inverse as MatrixInverse has it, operation by operation, for matrices whose rows fit into one or two
 // groups of lanes. What stands in the lanes behind the row is never looked at.
 template <int Lanes>
@@ -118,8 +113,6 @@ ON_ANY_VECTORS void Eliminate8(int u, SmallEquations& equations) {
 ON_ANY_VECTORS void Eliminate16(int u, SmallEquations& equations) {
     Eliminate<16>(u, equations);
 }
-
-#undef ON_ANY_VECTORS
 
 template <int Lanes, class Inversion>
 void InverseInLanes(const Matrix& N, int u, Inversion invert, Matrix& Q) {
@@ -194,12 +187,6 @@ void FromCentre(const FitModel& model, const Linearisation& at, Matrix& Q) {
 
 namespace {
 
-#if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
-#define ON_ANY_VECTORS __attribute__((target_clones("avx512f", "avx2", "default")))
-#else
-#define ON_ANY_VECTORS
-#endif
-
 // What one axis of the plain model's residuals is made of.
 struct PlainAxis {
     double Shift, Constant, M[3], D[3];
@@ -245,8 +232,6 @@ ON_ANY_VECTORS void SquarePlainResiduals(int count, const double* x, const doubl
     }
     for (int k = 0; k < kLanes; ++k) lanes[k] = sums[k];
 }
-
-#undef ON_ANY_VECTORS
 
 // The part of A x that a point's coordinates have, D p + t, is the same matrix for all points.
 struct PlainStep {

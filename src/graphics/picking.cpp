@@ -7,17 +7,12 @@
 #include <limits>
 
 #include "analysis/form_main_sheet.h"
+#include "core/any_vectors.h"
 #include "core/refresh.h"
 #include "core/require.h"
 #include "graphics/drawing.h"
 #include "graphics/projection.h"
 #include "graphics/scene.h"
-
-#if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
-#define ON_ANY_VECTORS __attribute__((target_clones("avx512f", "avx2", "default")))
-#else
-#define ON_ANY_VECTORS
-#endif
 
 namespace {
 

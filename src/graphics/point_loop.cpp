@@ -9,16 +9,11 @@
 #include <cstring>
 #include <utility>
 
+#include "core/any_vectors.h"
 #include "core/settings.h"
 #include "core/window.h"
 #include "graphics/drawing.h"
 #include "graphics/scene.h"
-
-#if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
-#define ON_ANY_VECTORS __attribute__((target_clones("avx512f", "avx2", "default")))
-#else
-#define ON_ANY_VECTORS
-#endif
 
 namespace {
 

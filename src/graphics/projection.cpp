@@ -6,20 +6,13 @@
 #include <cstddef>
 #include <cstring>
 
+#include "core/any_vectors.h"
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/settings.h"
 #include "engine/rotations.h"
 #include "engine/transform.h"
 #include "graphics/scene.h"
-
-// Plain loops that the compiler turns into vectors, once for each instruction set; every one gives the
-// same bits, for no element depends on another.
-#if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
-#define ON_ANY_VECTORS __attribute__((target_clones("avx512f", "avx2", "default")))
-#else
-#define ON_ANY_VECTORS
-#endif
 
 namespace {
 

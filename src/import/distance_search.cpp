@@ -7,13 +7,8 @@
 #include <limits>
 #include <optional>
 
+#include "core/any_vectors.h"
 #include "core/require.h"
-
-#if defined(__x86_64__) && !defined(CORVINADE_NO_CLONES)
-#define CORVINADE_HOT __attribute__((target_clones("avx512f", "avx2", "default")))
-#else
-#define CORVINADE_HOT
-#endif
 
 namespace {
 
@@ -34,8 +29,8 @@ bool Above(double difference, float etta) {
 }
 
 // Distances of a point to those behind it.
-CORVINADE_HOT void DistancesToRest(const double* x, const double* y, const double* z, std::size_t count,
-                                   double* out) {
+ON_ANY_VECTORS void DistancesToRest(const double* x, const double* y, const double* z, std::size_t count,
+                                    double* out) {
     for (std::size_t j = 0; j < count; ++j) {
         const double dx = x[0] - x[j + 1], dy = y[0] - y[j + 1], dz = z[0] - z[j + 1];
         out[j] = std::sqrt(dx * dx + dy * dy + dz * dz);
@@ -48,7 +43,7 @@ using Lanes = double __attribute__((vector_size(64)));
 constexpr std::size_t kLanes = 8;
 
 // The smallest |value - distance| below 1e10, or 1e10. A minimum is the same in any order.
-CORVINADE_HOT double SmallestDifference(const double* distance, std::size_t count, double value) {
+ON_ANY_VECTORS double SmallestDifference(const double* distance, std::size_t count, double value) {
     Lanes least = Lanes{} + kNothing, least2 = least;
     std::size_t i = 0;
     for (; i + 2 * kLanes <= count; i += 2 * kLanes) {
