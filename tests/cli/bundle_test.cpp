@@ -12,16 +12,10 @@ const std::string kNetwork = kExamples + "hall_network.txt";
 class BundleCommand : public Program {
 protected:
     static Outcome Run(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), {"corvinade-cli", "bundle"});
+        arguments.insert(arguments.begin(), "bundle");
         if (std::find(arguments.begin(), arguments.end(), "--decimal") == arguments.end())
             arguments.insert(arguments.end(), {"--decimal", "."});
-        std::vector<const char*> argv;
-        for (const std::string& argument : arguments) argv.push_back(argument.c_str());
-        std::istringstream in;
-        std::ostringstream out, err;
-        const int status =
-            RunCommandLine(static_cast<int>(argv.size()), argv.data(), in, out, err, false, false);
-        return {status, out.str(), err.str()};
+        return CommandLine(arguments);
     }
     static json RunJson(std::vector<std::string> arguments) {
         arguments.emplace_back("--json");
@@ -81,13 +75,9 @@ TEST_F(BundleCommand, WhatItWritesIsFittedByTheFit) {
     const std::string folder = PathOf("to");
     EXPECT_EQ(Run({kNetwork, "--to", folder}).Status, 0);
     const std::string start = folder + "/BündelMCS.txt", target = folder + "/BündelOCS.txt";
-    std::vector<const char*> argv = {"corvinade-cli", "fit", start.c_str(), target.c_str(), "--json",
-                                     "--decimal",     "."};
-    std::istringstream in;
-    std::ostringstream out, err;
-    EXPECT_EQ(RunCommandLine(static_cast<int>(argv.size()), argv.data(), in, out, err, false, false), 0)
-        << err.str();
-    EXPECT_EQ(json::parse(out.str())["counts"]["pairs"], 20);
+    const Outcome fitted = CommandLine({"fit", start, target, "--json", "--decimal", "."});
+    EXPECT_EQ(fitted.Status, 0) << fitted.Err;
+    EXPECT_EQ(json::parse(fitted.Out)["counts"]["pairs"], 20);
 }
 
 TEST_F(BundleCommand, ReducesTheObjectPoints) {

@@ -3,38 +3,21 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <regex>
-#include <sstream>
 
 #include "analysis/distance_job.h"
-#include "cli/commands.h"
+#include "cli/command_line.h"
 #include "core/files.h"
-#include "core/fresh_start.h"
 #include "core/job_file.h"
 
 using nlohmann::json;
 
 namespace {
 
-struct Outcome {
-    int Status;
-    std::string Out, Err;
-};
-
 class DistancesCommand : public DistanceJob {
 protected:
     static Outcome Command(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), {"corvinade-cli", "distances"});
-        std::vector<const char*> argv;
-        for (const std::string& argument : arguments) argv.push_back(argument.c_str());
-        std::istringstream in;
-        std::ostringstream out;
-        std::ostringstream err;
-        FreshStart();
-        Headless = HeadlessRecord{};
-        Headless.Decimal = '.';
-        const int status =
-            RunCommandLine(static_cast<int>(argv.size()), argv.data(), in, out, err, false, false);
-        return {status, out.str(), err.str()};
+        arguments.insert(arguments.begin(), "distances");
+        return FreshCommandLine(arguments);
     }
     // The present points as a job file.
     std::string Saved() {

@@ -3,11 +3,10 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include "cli/commands.h"
+#include "cli/command_line.h"
 #include "support/fixture.h"
 
 using nlohmann::json;
@@ -16,27 +15,15 @@ inline const std::string kExamples = std::string(CORVINADE_SOURCE_DIR) + "/examp
 inline const std::string kMeasured = kExamples + "robot_cell_measured.txt";
 inline const std::string kNominal = kExamples + "robot_cell_nominal.txt";
 
-struct Outcome {
-    int Status;
-    std::string Out, Err;
-};
-
 class FitCommand : public Program {
 protected:
     static Outcome Fit(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), {"corvinade-cli", "fit"});
+        arguments.insert(arguments.begin(), "fit");
         if (std::find(arguments.begin(), arguments.end(), "--decimal") == arguments.end()) {
             arguments.emplace_back("--decimal");
             arguments.emplace_back(".");
         }
-        std::vector<const char*> argv;
-        for (const std::string& argument : arguments) argv.push_back(argument.c_str());
-        std::istringstream in;
-        std::ostringstream out;
-        std::ostringstream err;
-        const int status =
-            RunCommandLine(static_cast<int>(argv.size()), argv.data(), in, out, err, false, false);
-        return {status, out.str(), err.str()};
+        return CommandLine(arguments);
     }
     static json FitJson(std::vector<std::string> arguments) {
         arguments.emplace_back("--json");

@@ -3,9 +3,7 @@
 #include <fstream>
 
 #include "cli/fit_command.h"
-#include "cli/headless.h"
 #include "core/files.h"
-#include "core/fresh_start.h"
 #include "core/job.h"
 #include "core/settings.h"
 
@@ -13,20 +11,7 @@ namespace {
 
 class JobFiles : public FitCommand {
 protected:
-    static Outcome Command(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), "corvinade-cli");
-        std::vector<const char*> argv;
-        for (const std::string& argument : arguments) argv.push_back(argument.c_str());
-        std::istringstream in;
-        std::ostringstream out;
-        std::ostringstream err;
-        FreshStart();
-        Headless = HeadlessRecord{};
-        Headless.Decimal = '.';
-        const int status =
-            RunCommandLine(static_cast<int>(argv.size()), argv.data(), in, out, err, false, false);
-        return {status, out.str(), err.str()};
-    }
+    static Outcome Command(const std::vector<std::string>& arguments) { return FreshCommandLine(arguments); }
     static json Info(const std::string& job) {
         const Outcome outcome = Command({"info", job, "--json"});
         EXPECT_EQ(outcome.Status, 0) << outcome.Err;

@@ -25,24 +25,15 @@ std::string Page() {
     return page;
 }
 
-Outcome CommandLine(const std::vector<const char*>& arguments) {
-    std::istringstream in;
-    std::ostringstream out;
-    std::ostringstream err;
-    const int status =
-        RunCommandLine(static_cast<int>(arguments.size()), arguments.data(), in, out, err, false, false);
-    return {status, out.str(), err.str()};
-}
-
 TEST_F(ManPage, TellsOfEveryOptionOfTheProgramAndOfNoOther) {
     std::set<std::string> options;
     for (const char* command :
          {"fit", "info", "convert", "render", "distances", "bundle", "transform", "export", "automate"}) {
-        const Outcome help = CommandLine({"corvinade-cli", command, "--help"});
+        const Outcome help = CommandLine({command, "--help"});
         EXPECT_EQ(help.Status, 0) << help.Err;
         options.merge(LongOptions(help.Out));
     }
-    options.merge(LongOptions(CommandLine({"corvinade-cli", "--help"}).Out));
+    options.merge(LongOptions(CommandLine({"--help"}).Out));
     EXPECT_TRUE(options.count("--monte-carlo"));
     EXPECT_EQ(LongOptions(Page()), options);
 }

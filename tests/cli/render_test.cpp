@@ -2,41 +2,20 @@
 #include <algorithm>
 #include <filesystem>
 #include <regex>
-#include <sstream>
 
-#include "cli/commands.h"
-#include "cli/headless.h"
+#include "cli/command_line.h"
 #include "cli/screen_automation.h"
 #include "core/files.h"
-#include "core/fresh_start.h"
 #include "core/job.h"
 #include "core/job_file.h"
 #include "graphics/screen_window.h"
 
 namespace {
 
-struct Outcome {
-    int Status;
-    std::string Out, Err;
-};
-
 // The job of the small plate. A is off its target by 0.3 mm in z, B by 0.4 mm in y.
 class Render : public ScreenByNames {
 protected:
-    static Outcome Command(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), "corvinade-cli");
-        std::vector<const char*> argv;
-        for (const std::string& argument : arguments) argv.push_back(argument.c_str());
-        std::istringstream in;
-        std::ostringstream out;
-        std::ostringstream err;
-        FreshStart();
-        Headless = HeadlessRecord{};
-        Headless.Decimal = '.';
-        const int status =
-            RunCommandLine(static_cast<int>(argv.size()), argv.data(), in, out, err, false, false);
-        return {status, out.str(), err.str()};
-    }
+    static Outcome Command(const std::vector<std::string>& arguments) { return FreshCommandLine(arguments); }
     static Outcome Picture(const std::string& job, const std::string& file,
                            const std::vector<std::string>& more = {}) {
         std::vector<std::string> arguments = {"render", job, "--out", file};

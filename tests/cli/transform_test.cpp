@@ -3,10 +3,8 @@
 
 #include "analysis/exports.h"
 #include "cli/fit_command.h"
-#include "cli/headless.h"
 #include "core/files.h"
 #include "core/folders.h"
-#include "core/fresh_start.h"
 
 namespace fs = std::filesystem;
 
@@ -16,22 +14,8 @@ using Names = std::vector<std::string>;
 
 class TransformCommand : public FitCommand {
 protected:
-    static Outcome Command(std::vector<std::string> arguments, bool progress = false) {
-        arguments.insert(arguments.begin(), "corvinade-cli");
-        std::vector<const char*> argv;
-        for (const std::string& argument : arguments) argv.push_back(argument.c_str());
-        std::istringstream in;
-        std::ostringstream out;
-        std::ostringstream err;
-        const auto faults = FileFaults;
-        FreshStart();
-        FileFaults = faults;
-        Headless = HeadlessRecord{};
-        Headless.Decimal = '.';
-        const int status =
-            RunCommandLine(static_cast<int>(argv.size()), argv.data(), in, out, err, false, progress);
-        Headless.Unanswered = false;
-        return {status, out.str(), err.str()};
+    static Outcome Command(const std::vector<std::string>& arguments, bool progress = false) {
+        return FreshCommandLine(arguments, progress);
     }
     // A job whose result is the shift by 5, 6, 7.
     std::string Shift() {
