@@ -6,7 +6,7 @@ BUILD_PACKAGES="g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libgtest-d
 # What the tests need besides.
 TEST_PACKAGES="git clang-format clang-tidy dbus-daemon xvfb openbox xdotool imagemagick jq"
 # What the benchmarks need besides.
-BENCH_PACKAGES="libbenchmark-dev libeigen3-dev"
+BENCH_PACKAGES="libbenchmark-dev libeigen3-dev libopenblas-dev mawk"
 
 installed() { [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
 
