@@ -40,6 +40,7 @@ constexpr auto kStart = "examples/robot_cell_measured.txt";
 constexpr auto kTarget = "examples/robot_cell_nominal.txt";
 constexpr auto kBentJob = "examples/roof.cvn";
 constexpr auto kNetwork = "examples/hall_network.txt";
+constexpr auto kBatchFolder = "examples/batch";
 
 [[noreturn]] void Fail(const QString& text) {
     std::fprintf(stderr, "corvinade-pictures: %s\n", qPrintable(text));
@@ -213,6 +214,29 @@ void OtherPictures() {
     }
 }
 
+// The batch with a folder of the examples, and the choice of a folder, with a few below it. The choice is
+// waited for, so its picture is taken from inside the wait.
+void BatchPictures() {
+    Trigger("MenueTransformationBatch");
+    UserDid([] { SetText(*FindControl(*FindWindow("FormBatch"), "TextNameMCSDirectory"), kBatchFolder); });
+    UserDid([] { UserSetValue(*FindControl(*FindWindow("FormBatch"), "CheckSameAsMCS"), 1); });
+    SaveWindow("FormBatch");
+    QDir measured(QStringLiteral("/tmp/cell 4"));
+    for (const char* name : {"doors", "floor", "roof"})
+        if (!measured.mkpath(QLatin1String(name))) Fail(QStringLiteral("no folders to choose from"));
+    UserDid([&measured] {
+        SetText(*FindControl(*FindWindow("FormBatch"), "TextNameMCSDirectory"),
+                measured.path().toStdString());
+    });
+    QTimer::singleShot(200, [] {
+        SaveWindow("FormChangeDir");
+        Close("FormChangeDir");
+    });
+    Press("FormBatch", "BtnBrowseMCS");
+    measured.removeRecursively();
+    Close("FormBatch");
+}
+
 void BundlePicture() {
     Run.JobDirty = kFalse;
     // Without the message that counts what was found.
@@ -302,6 +326,7 @@ int main(int argc, char** argv) {
     if (Frame()->size() != QSize(1280, 800)) Fail(QStringLiteral("the main window has not its size"));
     CalculationPictures();
     OtherPictures();
+    BatchPictures();
     InputPicture();
     ScreenPictures();
     BundlePicture();
