@@ -206,7 +206,9 @@ void CalculateParaboloid() {
     if (runs && !MonteCarloRuns()) return;
     constexpr double kRest = 1e-6;
     const double tolerance = kRest * Units.LengthFactor;
-    if (FitToShape(tolerance) == LoopEnd::Rest && GoOnToRest()) FitToShape(tolerance);
+    LoopEnd end = FitToShape(tolerance);
+    if (end == LoopEnd::Rest && GoOnToRest()) end = FitToShape(tolerance);
     if (Run.JobGeneration != generation) return;
+    if (end == LoopEnd::Stopped) Calculation.Converged = false;  // though the fit of the last pass did
     if (!Calculation.Refused) TransformByParameters();
 }
