@@ -232,6 +232,24 @@ TEST_F(FitToAShape, ShowsItsWindowWhileItRuns) {
     EXPECT_FALSE(IsLoaded("FormStopParaTrafo"));
 }
 
+TEST_F(FitToAShape, OpensItsWindowWhereItWasLeft) {
+    ::Run.SettingsFilePath = PathOf("Corvinade.ini");
+    AddPoints(30, kDisplaced);
+    const WindowPlace left = {4567, 3456, 2345, 1234};
+    Headless.OnYield = [&left] { StopParaTrafo.Window.Place = left; };
+    Calculate();
+    int looked = 0;
+    Headless.OnYield = [&left, &looked] {
+        if (!IsLoaded("FormStopParaTrafo") || ++looked > 1) return;
+        EXPECT_EQ(StopParaTrafo.Window.Place.Left, left.Left);
+        EXPECT_EQ(StopParaTrafo.Window.Place.Top, left.Top);
+        EXPECT_EQ(StopParaTrafo.Window.Place.Width, left.Width);
+        EXPECT_EQ(StopParaTrafo.Window.Place.Height, left.Height);
+    };
+    Calculate();
+    EXPECT_GT(looked, 0);
+}
+
 TEST_F(FitToAShape, ThatIsStoppedKeepsItsLastFinishedPass) {
     AddPoints(30, kDisplaced);
     int pass = 0;
