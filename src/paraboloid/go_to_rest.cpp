@@ -156,7 +156,10 @@ PassEnd GoToRest(ShapePasses& passes) {
         floating.Put(place);
         const PassEnd end = passes.Pass();
         if (end == PassEnd::Lost) return end;
-        if (Stopped()) break;
+        if (Stopped()) {
+            floating.Put(begin);  // what targets and residuals belong to
+            return PassEnd::Done;
+        }
         if (pass == 0) s0AtBegin = passes.s0;
         const Values after = floating.Take();
         const Values movement = floating.Moved(place, after);

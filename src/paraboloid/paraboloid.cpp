@@ -70,8 +70,9 @@ bool Stopped() {
     return IsTrue(Run.StopRequested) || IsTrue(ParaboloidRun.ParaStopRequested);
 }
 
-// Where s0 rests the parameters may still be far from where they would come to: on to there. False when
-// nothing more is to follow.
+// Where s0 rests the parameters may still be far from where they would come to, by tenths of a millimetre on
+// a dish of metres, and the last acceleration stands behind the last fit: on to there. False when nothing
+// more is to follow.
 bool GoOnToRest() {
     ShapePasses passes;
     return passes.Begin() && GoToRest(passes) == PassEnd::Done && !Stopped();
@@ -206,7 +207,9 @@ void CalculateParaboloid() {
     if (runs && !MonteCarloRuns()) return;
     constexpr double kRest = 1e-6;
     const double tolerance = kRest * Units.LengthFactor;
-    if (FitToShape(tolerance) == LoopEnd::Rest && GoOnToRest()) FitToShape(tolerance);
+    LoopEnd end = FitToShape(tolerance);
+    if (end == LoopEnd::Rest && GoOnToRest()) end = FitToShape(tolerance);
     if (Run.JobGeneration != generation) return;
+    if (end == LoopEnd::Stopped) Calculation.Converged = false;  // though the fit of the last pass did
     if (!Calculation.Refused) TransformByParameters();
 }

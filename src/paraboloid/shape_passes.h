@@ -30,6 +30,6 @@ struct ShapePasses {
 // slide along a surface, and their s0 comes to rest long before the parameters do; so their fixed point is
 // extrapolated from the last few of them ("Anderson mixing", Journal of the ACM 12(4), 1965), which needs
 // about as many passes as there are unknowns. The job's parameters are then those of the pass with the
-// least s0, or as they were where none is better. A stop by the user ends the search.
+// least s0, or as they were where none is better, and where the user has stopped the search.
 //   Lost  the parameters are left as they are
 PassEnd GoToRest(ShapePasses& passes);

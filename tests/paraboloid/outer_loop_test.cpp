@@ -1,8 +1,12 @@
 // The outer loop: its passes, what accelerates them, and what they bring back.
+#include <set>
+
 #include "core/form_main.h"
+#include "core/numbers.h"
 #include "core/settings.h"
 #include "engine/adjustment.h"
 #include "engine/calculation_window.h"
+#include "engine/form_trafo_berechnung.h"
 #include "engine/transform.h"
 #include "paraboloid/form_stop_para_trafo.h"
 #include "paraboloid/shape_job.h"
@@ -228,6 +232,24 @@ TEST_F(FitToAShape, ShowsItsWindowWhileItRuns) {
     EXPECT_FALSE(IsLoaded("FormStopParaTrafo"));
 }
 
+TEST_F(FitToAShape, OpensItsWindowWhereItWasLeft) {
+    ::Run.SettingsFilePath = PathOf("Corvinade.ini");
+    AddPoints(30, kDisplaced);
+    const WindowPlace left = {4567, 3456, 2345, 1234};
+    Headless.OnYield = [&left] { StopParaTrafo.Window.Place = left; };
+    Calculate();
+    int looked = 0;
+    Headless.OnYield = [&left, &looked] {
+        if (!IsLoaded("FormStopParaTrafo") || ++looked > 1) return;
+        EXPECT_EQ(StopParaTrafo.Window.Place.Left, left.Left);
+        EXPECT_EQ(StopParaTrafo.Window.Place.Top, left.Top);
+        EXPECT_EQ(StopParaTrafo.Window.Place.Width, left.Width);
+        EXPECT_EQ(StopParaTrafo.Window.Place.Height, left.Height);
+    };
+    Calculate();
+    EXPECT_GT(looked, 0);
+}
+
 TEST_F(FitToAShape, ThatIsStoppedKeepsItsLastFinishedPass) {
     AddPoints(30, kDisplaced);
     int pass = 0;
@@ -245,6 +267,67 @@ TEST_F(FitToAShape, ThatIsStoppedKeepsItsLastFinishedPass) {
     EXPECT_FALSE(IsTrue(ParaboloidRun.ParaStopRequested)) << "which ends this fit and not the next";
     EXPECT_GT(Calculation.s0, 1e-3);
     EXPECT_TRUE(Calculation.Done);
+    EXPECT_FALSE(Calculation.Converged) << "the fit of the pass did, the loop did not";
+}
+
+TEST_F(FitToAShape, ThatIsStoppedBehindTheRestOfS0KeepsTheParametersItsTargetsBelongTo) {
+    AddPoints(30, kDisplaced);
+    const JobRecord before = Job;
+    SelectionFromJob();
+    ChooseSeeds();
+    ParaboloidRun.ParaPass = 1;
+    ASSERT_EQ(FitToShape(1e-6), LoopEnd::Rest);
+    JobRecord rested = Job;
+
+    // Behind the loop passes go on that are none of its own: they are not counted.
+    Job = before;
+    int pass = 0, yields = 0;
+    bool stopped = false;
+    Headless.OnYield = [&] {
+        yields = pass == ParaboloidRun.ParaPass ? yields + 1 : 0;
+        pass = ParaboloidRun.ParaPass;
+        if (stopped || yields < 300) return;
+        stopped = true;
+        UserClick(StopParaTrafo.BtnStopParaTrafo);
+    };
+    Calculate();
+    ASSERT_TRUE(stopped);
+    for (int parameter = kTraX; parameter <= kRotZ; ++parameter)
+        EXPECT_EQ(ParameterValue(Job, parameter), ParameterValue(rested, parameter)) << parameter;
+    EXPECT_EQ(Job.OCS_X, rested.OCS_X);
+    EXPECT_EQ(Job.TMCS_Z, rested.TMCS_Z);
+}
+
+TEST_F(FitToAShape, WhoseMeanErrorNeverRestsEndsWithTheLastPassThatCanBeCounted) {
+    AddPoints(4, {.Tz = 7});
+    for (const int parameter : {kTraX, kTraY, kRotX, kRotY, kRotZ})
+        Job.ParamText[static_cast<std::size_t>(parameter)] = kNotUsed;
+    // A point that is higher with each event.
+    const double height = Job.MCS_Z[1];
+    int yields = 0;
+    Headless.OnYield = [&] { Job.MCS_Z[1] = height + 5 + 0.001 * (++yields % 997); };
+    Calculate();
+    EXPECT_EQ(Messages(),
+              std::vector<std::string>{"Paraboloid stopped after 32767 passes, s0 does not come to rest!"});
+    EXPECT_EQ(ParaboloidRun.ParaPass, 32767);
+    EXPECT_FALSE(Calculation.Converged);
+}
+
+TEST_F(FitToAShape, ShowsTheMeanErrorsOfEachPassInTheChosenUnit) {
+    AddPoints(30, kDisplaced);
+    Job.LengthUnitName = "meter";
+    RhoFestlegung();
+    ShowWindow("FormTrafoBerechnung");
+    std::set<std::string> shown;
+    Headless.OnYield = [&shown] {
+        if (ParaboloidRun.ParaPass < 3) return;
+        EXPECT_EQ(TrafoWindow.TextS0.Text, FormatNumber(ParaboloidRun.S0 * 0.001, Units.FmtLength));
+        EXPECT_EQ(TrafoWindow.TextSxyz.Text, FormatNumber(Calculation.SigmaXYZ * 0.001, Units.FmtLength));
+        EXPECT_EQ(TrafoWindow.TextSx.Text, "") << "of the last calculation";
+        shown.insert(TrafoWindow.TextS0.Text);
+    };
+    CalculateParaboloid();
+    EXPECT_GT(shown.size(), 2u);
 }
 
 TEST_F(FitToAShape, EndsToo_WhenItsWindowIsClosedOrEscaped) {
