@@ -66,6 +66,9 @@ int RunExport(const ExportOptions& options, std::ostream& err) {
         return Refuse(err, kRefused, "You must make a calculation to export a *.rf File");
     if (!calculated && !options.Rocal.empty())
         return Refuse(err, kRefused, "You must make a calculation to export a *.bas File");
+    // Their transformed points are the measured ones as yet.
+    if (!calculated && !options.Points.empty())
+        return Refuse(err, kRefused, "You must make a calculation to export transformed points");
     const bool written = Dispatch([&options] {
         if (!options.RobCad.empty())
             return WriteFile(options.RobCad, RobCadText(options.Place, options.Tool, options.Robot));
