@@ -1,14 +1,21 @@
 // The batch window and its run.
 #include "analysis/form_batch.h"
 
+#include <array>
+#include <bit>
+#include <cstdint>
+
 #include "analysis/batch_file.h"
 #include "analysis/form_change_dir.h"
 #include "core/files.h"
 #include "core/folders.h"
+#include "core/job.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
+#include "core/units.h"
+#include "engine/calculation_window.h"
 
 namespace {
 
@@ -59,12 +66,25 @@ void StoreChoices(const std::string& in, const std::string& out) {
     SettingsSchreiben({"BatchMCSDir", "BatchTCSDir", "BatchType", "BatchWriteType"});
 }
 
-// A run under way: events are handled inside it, which may close the window or change the job.
+// What all results of one run stand on. The numbers by their bits: one that is none still equals itself.
+struct Basis {
+    std::uint64_t JobGeneration = Run.JobGeneration;
+    Flag CalcDone = Run.CalcDone;
+    std::array<std::uint64_t, 13> Numbers = std::bit_cast<std::array<std::uint64_t, 13>>(
+        std::array{Job.TraX, Job.TraY, Job.TraZ, Job.RotXCopy, Job.RotYCopy, Job.RotZCopy, Job.ScaleX,
+                   Job.ScaleY, Job.ScaleZ, Job.AngleXY, Job.Azimuth, Job.AngleZtoXY, Units.LengthFactor});
+    std::string FmtLength = Units.FmtLength;
+    bool operator==(const Basis&) const = default;
+};
+
+// A run under way: events are handled inside it, which may close the window, change the job or its units, or
+// calculate once more.
 class BatchUnderWay {
 public:
     BatchUnderWay() {
         w.Running = true;
         w.BtnStartBatch.Enabled = false;
+        w.LabelStatus.Text.clear();  // that of the run before
     }
     ~BatchUnderWay() {
         w.Running = false;
@@ -73,17 +93,17 @@ public:
     BatchUnderWay(const BatchUnderWay&) = delete;
     BatchUnderWay& operator=(const BatchUnderWay&) = delete;
 
-    bool StillHolds() const {
-        // A window that was closed and opened again is another one.
-        return w.Window.Loaded && w.Running && Run.JobGeneration == generation_ && IsTrue(Run.CalcDone);
-    }
+    // A window that was closed and opened again is another one.
+    bool IsOpen() const { return w.Window.Loaded && w.Running; }
+    bool HasItsBasis() const { return basis_ == Basis{}; }
+    bool StillHolds() const { return IsOpen() && HasItsBasis(); }
     bool GoOn() const {
         YieldToEvents();
         return StillHolds();
     }
 
 private:
-    std::uint64_t generation_ = Run.JobGeneration;
+    Basis basis_;
 };
 
 enum class Overwrite { Yes, All, Cancel };
@@ -134,9 +154,12 @@ void RunBatch(const std::string& inFolder, const std::string& outFolder, const B
     }
 }
 
-void TellNotes(const BatchNotes& notes) {
+void TellNotes(const BatchNotes& notes, bool changed) {
     constexpr std::size_t kMostLines = 15;
     std::string text;
+    if (changed)
+        text = std::string("The run has ended: the transformation, the job or its units have changed") +
+               kLineEnd;
     for (const std::string& line : NotesAsLines(notes, kMostLines)) text += line + kLineEnd;
     if (!text.empty()) ShowMessage(std::to_string(notes.Done) + " files were written" + kLineEnd + text);
 }
@@ -188,11 +211,13 @@ void FormBatch::CheckSameAsMCS_Click() {
 }
 
 void FormBatch::BtnStartBatch_Click() {
-    if (!IsTrue(Run.CalcDone)) {
+    // Within a calculation the parameters are those of a pass.
+    if (!IsTrue(Run.CalcDone) || CalculationWindow.Running) {
         ShowMessage("No Transformation calculated");
         return;
     }
     BatchNotes notes;
+    bool changed = false;
     {
         const BusyPointer busy;
         const BatchUnderWay batch;
@@ -208,8 +233,9 @@ void FormBatch::BtnStartBatch_Click() {
             return;
         }
         RunBatch(in, out, batch, notes);
+        changed = batch.IsOpen() && !batch.HasItsBasis();
     }
-    TellNotes(notes);
+    TellNotes(notes, changed);
 }
 
 void FormBatch::BtnCancel_Click() {

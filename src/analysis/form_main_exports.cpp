@@ -9,8 +9,14 @@
 #include "core/settings.h"
 #include "core/text.h"
 #include "core/window.h"
+#include "engine/calculation_window.h"
 
 namespace {
+
+// Within a calculation the parameters are those of a pass.
+bool ResultStands() {
+    return IsTrue(Run.TrafoValid) && !CalculationWindow.Running;
+}
 
 // A name from a dialog for saving; nothing where there is none.
 std::optional<std::string> ExportName(const FileQuestion& question) {
@@ -36,7 +42,7 @@ std::string Stored(const std::string& value) {
 }  // namespace
 
 void FormMain::MenueFileExportRobCad_Click() {
-    if (!IsTrue(Run.TrafoValid)) {
+    if (!ResultStands()) {
         ShowMessage("You must make a calculation to export a *.rf File");
         return;
     }
@@ -59,7 +65,7 @@ void FormMain::MenueFileExportRobCad_Click() {
 }
 
 void FormMain::MenueFileExportROCAL_Click() {
-    if (!IsTrue(Run.TrafoValid)) {
+    if (!ResultStands()) {
         ShowMessage("You must make a calculation to export a *.bas File");
         return;
     }

@@ -28,20 +28,23 @@ CLI::App* AddExport(CLI::App& app, ExportSwitches& s) {
     CLI::App* command = app.add_subcommand("export", "Write the result of a job for robot-cell tools");
     command->add_option("JOB", o.Job, "Job file of any version")->type_name("FILE.cvn")->required();
     CLI::Option_group* kind = command->add_option_group("File");
-    kind->add_option("--robcad", o.RobCad, "The frame for a simulation system, in the job's units")
-        ->type_name("OUT.rf");
+    CLI::Option* frame = kind->add_option("--robcad", o.RobCad, "The frame for a simulation system, in the job's units")
+                             ->type_name("OUT.rf");
     kind->add_option("--rocal", o.Rocal, "The matrix for an offline tool")->type_name("OUT.bas");
     kind->add_option("--points", o.Points, "The transformed start points without a partner")
         ->type_name("OUT.txt");
     kind->require_option(1);
     command->add_option("--place", o.Place, "Place of the measurement, for --robcad, as in Wob")
         ->check(CheckName)
+        ->needs(frame)
         ->type_name("NAME");
     command->add_option("--tool", o.Tool, "Tool or fixture, for --robcad, as in afo910")
         ->check(CheckName)
+        ->needs(frame)
         ->type_name("NAME");
     command->add_option("--robot", o.Robot, "Robot, for --robcad, as in r2a")
         ->check(CheckName)
+        ->needs(frame)
         ->type_name("NAME");
     auto* yes = command->add_flag("--yes,-y", s.Yes,
                                   "A file without the head of a job file is one of an early version");
@@ -66,6 +69,9 @@ int RunExport(const ExportOptions& options, std::ostream& err) {
         return Refuse(err, kRefused, "You must make a calculation to export a *.rf File");
     if (!calculated && !options.Rocal.empty())
         return Refuse(err, kRefused, "You must make a calculation to export a *.bas File");
+    // Their transformed points are the measured ones as yet.
+    if (!calculated && !options.Points.empty())
+        return Refuse(err, kRefused, "You must make a calculation to export transformed points");
     const bool written = Dispatch([&options] {
         if (!options.RobCad.empty())
             return WriteFile(options.RobCad, RobCadText(options.Place, options.Tool, options.Robot));

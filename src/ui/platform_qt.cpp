@@ -176,9 +176,12 @@ void Pause(int milliseconds) {
 }
 
 void StartFile(const std::string& verb, const std::string& path) {
-    const bool started = verb == "Open" || verb == "explore"
-                             ? QDesktopServices::openUrl(QUrl::fromLocalFile(Q(path)))
-                             : QProcess::startDetached(Q(verb), {Q(path)});
+    const bool byDesktop = verb == "Open" || verb == "explore";
+    // The desktop takes every name, and says nothing of one that leads nowhere.
+    if (byDesktop && !File_Exist(path) && !Directory_Exist(path))
+        throw PlatformError{"\"" + path + "\" could not be opened: there is no such file or folder."};
+    const bool started = byDesktop ? QDesktopServices::openUrl(QUrl::fromLocalFile(Q(path)))
+                                   : QProcess::startDetached(Q(verb), {Q(path)});
     if (!started) throw PlatformError{"\"" + path + "\" could not be opened with \"" + verb + "\"."};
 }
 

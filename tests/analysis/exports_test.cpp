@@ -10,6 +10,7 @@
 #include "core/job.h"
 #include "core/settings.h"
 #include "core/units.h"
+#include "engine/calculation_window.h"
 #include "support/fixture.h"
 
 namespace {
@@ -143,6 +144,15 @@ TEST_F(Exports, TheAnglesOfTheFrameAreThoseOfTheRotationAboutEachAxis) {
     }
 }
 
+TEST_F(Exports, TheAnglesOfTheFrameAreThoseOfARotationAboutAllAxes) {
+    // 10, -20 and 130 degrees, about x, then y', then z''.
+    Job.RotX = kPi / 18;
+    Job.RotY = -kPi / 9;
+    Job.RotZ = kPi * 13 / 18;
+    const std::string text = RobCadText("P", "T", "R");
+    EXPECT_NE(text.find(" ,\r\n1.0000E+01 , -2.0000E+01 , 1.3000E+02 ;\r\n"), std::string::npos) << text;
+}
+
 TEST_F(Exports, EmptyNamesKeepTheirUnderscores) {
     const std::string path = PathOf("frame.rf");
     Answer("save", path);
@@ -207,6 +217,16 @@ TEST_F(Exports, WithoutACalculationThereIsNothingToExport) {
     FormMain::MenueFileExportROCAL_Click();
     EXPECT_EQ(Messages(), (std::vector<std::string>{"You must make a calculation to export a *.rf File",
                                                     "You must make a calculation to export a *.bas File"}));
+}
+
+TEST_F(Exports, WithinACalculationThereIsNothingToExport) {
+    CalculationWindow.Running = true;
+    UserClick(Main.MenueFileExportRobCad);
+    UserClick(Main.MenueFileExportROCAL);
+    CalculationWindow.Running = false;
+    EXPECT_EQ(Messages(), (std::vector<std::string>{"You must make a calculation to export a *.rf File",
+                                                    "You must make a calculation to export a *.bas File"}));
+    EXPECT_FALSE(Headless.Unanswered);
 }
 
 TEST_F(Exports, AFullDiskIsToldAndTheOldFileStays) {
@@ -279,6 +299,15 @@ TEST_F(Exports, PointsWithoutAPartnerGoToATextFile) {
     // A name that is a number is shown as one.
     EXPECT_EQ(Contents(PathOf("cell.txt")), "12.000\t2.000\t0.000\t0.250\r\nB x\t3.000\t1.001\t-7.000\r\n");
     EXPECT_TRUE(Messages().empty());
+}
+
+TEST_F(Exports, PointsWithoutAPartnerAreInTheLengthUnit) {
+    ThreePoints();
+    Job.LengthUnitName = "inch";
+    RhoFestlegung();
+    Headless.Decimal = ',';
+    // 2 mm, 0.25 mm, 3 mm, 1.0006 mm and 7 mm by 25.4.
+    EXPECT_EQ(OnlyMcsText(), "12,000\t0,079\t0,000\t0,010\r\nB x\t0,118\t0,039\t-0,276\r\n");
 }
 
 TEST_F(Exports, TheTextFileIsEmptyWhereAllPointsAreIdentical) {

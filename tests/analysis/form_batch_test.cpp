@@ -16,6 +16,7 @@
 #include "core/job.h"
 #include "core/settings.h"
 #include "core/units.h"
+#include "engine/calculation_window.h"
 #include "support/fixture.h"
 
 namespace fs = std::filesystem;
@@ -108,6 +109,28 @@ TEST_F(BatchRun, AMissingFolderIsAskedFor) {
     Start();
     EXPECT_EQ(Messages(), (Names{"No MCS Directory choosen", "No TCS Directory choosen"}));
     EXPECT_EQ(Run.WaitPointers, 0);
+    EXPECT_EQ(IniWertLesen("BatchMCSDir"), In() + "/") << "what was named is stored all the same";
+    EXPECT_EQ(IniWertLesen("BatchTCSDir"), "");
+}
+
+TEST_F(BatchRun, WithinACalculationNothingRuns) {
+    Write("in/a.txt", kPoint);
+    CalculationWindow.Running = true;
+    Start();
+    CalculationWindow.Running = false;
+    EXPECT_EQ(Messages(), Names{"No Transformation calculated"});
+    EXPECT_EQ(FilesOfFolder(Out()), Names{});
+}
+
+TEST_F(BatchRun, AFolderWithoutFilesLeavesNoWordOfTheRunBefore) {
+    Write("in/a.txt", kPoint);
+    Start();
+    EXPECT_EQ(Batch.LabelStatus.Text, "Calculating on File 1 of 1 Files");
+    fs::create_directories(PathOf("bare"));
+    UserSetText(Batch.TextNameMCSDirectory, PathOf("bare"));
+    Start();
+    EXPECT_EQ(Batch.LabelStatus.Text, "");
+    EXPECT_TRUE(Messages().empty());
 }
 
 TEST_F(BatchRun, AFolderThatIsNotThereEndsTheRunAtOnce) {
@@ -218,6 +241,24 @@ TEST_F(BatchRun, AfterOverwriteAllNoFurtherQuestionComes) {
     Answer("overwrite all ");
     Start();
     EXPECT_EQ(Messages().size(), 2u) << "a further run asks again";
+}
+
+TEST_F(BatchRun, TheFileInQuestionIsTheOneThatTheStatusNames) {
+    Write("in/a.txt", kPoint);
+    Write("in/b.txt", kPoint);
+    Write("out/b_out.txt", "old");
+    std::string status;
+    int yields = 0, yieldsBefore = 0;
+    Headless.OnYield = [&] { ++yields; };
+    Headless.OnQuestion = [&](const DialogShown&) -> std::optional<std::string> {
+        status = Batch.LabelStatus.Text;
+        yieldsBefore = yields;
+        return "overwrite";
+    };
+    Start();
+    EXPECT_EQ(status, "Calculating on File 2 of 2 Files");
+    EXPECT_GE(yieldsBefore, 2) << "it has been shown";
+    EXPECT_EQ(Contents(Out("b_out.txt")), kResult);
 }
 
 // --- Files that cannot be done
@@ -351,6 +392,49 @@ TEST_F(BatchRun, AnotherJobEndsTheRunAndNoHalfFileStays) {
     Start();
     EXPECT_GE(yields, 2);
     EXPECT_EQ(FilesOfFolder(Out()), Names{});
+}
+
+TEST_F(BatchRun, AllFilesOfARunStandOnOneResultAndOneUnit) {
+    const std::vector<std::pair<const char*, std::function<void()>>> changes = {
+        {"shift", [] { Job.TraX = 11; }},
+        {"rotation", [] { Job.RotZ = Job.RotZCopy = 1; }},
+        {"scale", [] { Job.ScaleX = Job.ScaleY = Job.ScaleZ = 2; }},
+        {"oblique axes", [] { Job.AngleXY = 0.1; }},
+        {"unit",
+         [] {
+             Job.LengthUnitName = "meter";
+             RhoFestlegung();
+         }},
+        {"digits",
+         [] {
+             Job.LengthDigits = 5;
+             RhoFestlegung();
+         }},
+        {"no result", [] { ::Run.CalcDone = kFalse; }}};
+    const JobRecord job = Job;
+    for (const char* name : {"in/a.txt", "in/b.txt", "in/c.txt"}) Write(name, kPoint);
+    for (const auto& [what, change] : changes) {
+        for (const std::string& name : FilesOfFolder(Out())) fs::remove(Out(name));
+        int yields = 0;
+        Headless.OnYield = [&] {
+            if (++yields == 2) change();
+        };
+        Start();
+        Headless.OnYield = nullptr;
+        EXPECT_EQ(FilesOfFolder(Out()), Names{"a_out.txt"}) << what;
+        EXPECT_EQ(LastMessage(),
+                  "1 files were written\r\n"
+                  "The run has ended: the transformation, the job or its units have changed\r\n")
+            << what;
+        Headless.Dialogs.clear();
+        Job = job;
+        RhoFestlegung();
+        ::Run.CalcDone = kTrue;
+    }
+    Answer("overwrite");
+    Start();
+    EXPECT_EQ(FilesOfFolder(Out()).size(), 3u) << "nothing else ends it";
+    EXPECT_EQ(Messages(), Names{Question("a.txt")});
 }
 
 TEST_F(BatchRun, ARunDoesNotBeginAgainInsideItself) {

@@ -3,7 +3,10 @@
 #include "analysis/transformed_lines.h"
 
 #include <array>
+#include <cmath>
+#include <cstdio>
 #include <random>
+#include <sstream>
 
 #include "cli/headless.h"
 #include "core/job.h"
@@ -189,6 +192,50 @@ TEST_F(TransformedLines, TheWorkCanBeEndedInTheMiddle) {
     EXPECT_FALSE(TransformLines(file, {';', true}, work, counts));
     EXPECT_EQ(asked, 2);
     EXPECT_LT(counts.Lines, 200000);
+}
+
+// The truth is the chain written out by its elements: scales, then oblique axes, then the rotation of the
+// coordinates.
+TEST_F(TransformedLines, EveryParameterOfTheChainTakesPart) {
+    Digits(6);
+    AnyTransformation();
+    Job.Azimuth = 1.1;
+    Job.AngleZtoXY = -0.03;
+    const long double a = 0.3L, b = -0.4L, c = 0.7L, xy = 0.002L, az = 1.1L, zt = -0.03L;
+    const std::array<std::array<long double, 3>, 3> points = {
+        {{1234.5L, -987.25L, 55.125L}, {-0.5L, 2000.0L, -3500.75L}, {4000.0L, 0.0L, 1.0L}}};
+    std::string in;
+    for (const auto& p : points) {
+        char line[100];
+        std::snprintf(line, sizeof line, "P;%.4Lf;%.4Lf;%.4Lf\n", p[0], p[1], p[2]);
+        in += line;
+    }
+    for (int i = 0; i < 50; ++i) in += "behind;0;0;0\n";  // the short road ends before the last lines
+    for (const bool plainOnly : {false, true}) {
+        std::istringstream lines(Through(in, ';', true, plainOnly).Text);
+        for (const auto& p : points) {
+            const long double sx = 1.00042L * p[0], sy = 0.9993L * p[1], sz = 1.0011L * p[2];
+            const long double x = sx + std::sin(xy) * sy + std::cos(az) * std::sin(zt) * sz;
+            const long double y = std::cos(xy) * sy + std::sin(az) * std::sin(zt) * sz;
+            const long double z = std::cos(zt) * sz;
+            const std::array<long double, 3> expected = {
+                1234.5L + std::cos(b) * std::cos(c) * x +
+                    (std::sin(c) * std::cos(a) + std::sin(b) * std::sin(a) * std::cos(c)) * y +
+                    (std::sin(a) * std::sin(c) - std::sin(b) * std::cos(a) * std::cos(c)) * z,
+                -876.25L - std::sin(c) * std::cos(b) * x +
+                    (std::cos(a) * std::cos(c) - std::sin(b) * std::sin(a) * std::sin(c)) * y +
+                    (std::sin(a) * std::cos(c) + std::sin(b) * std::cos(a) * std::sin(c)) * z,
+                345.125L + std::sin(b) * x - std::sin(a) * std::cos(b) * y + std::cos(a) * std::cos(b) * z};
+            std::string name;
+            lines >> name;
+            for (const long double value : expected) {
+                double shown = 0;
+                lines >> shown;
+                EXPECT_NEAR(shown, static_cast<double>(value), 6e-7);  // half of the last digit shown
+            }
+        }
+        EXPECT_TRUE(lines) << "every number was there";
+    }
 }
 
 // The truth is rounding the digits of the text; the transformation is that which changes nothing.

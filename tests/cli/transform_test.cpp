@@ -5,6 +5,7 @@
 #include "cli/fit_command.h"
 #include "core/files.h"
 #include "core/folders.h"
+#include "core/job_file.h"
 
 namespace fs = std::filesystem;
 
@@ -175,6 +176,28 @@ TEST_F(TransformCommand, PointsWithoutAPartnerAreExported) {
     EXPECT_EQ(Contents(out), "7.000\t5.000\t6.000\t7.000\r\nX\t6.000\t8.000\t10.000\r\n");
     EXPECT_EQ(Command({"export", job_, "--points", out}).Status, 0);
     EXPECT_EQ(Contents(out), "") << "what was there is replaced";
+}
+
+TEST_F(TransformCommand, AJobWithoutAResultHasNothingToGive) {
+    const std::string job = PathOf("imported.cvn"), in = Write("a.txt", kPoint);
+    // The points alone, as an import leaves them.
+    JobRecord imported = ReadJobBytes(Contents(job_), job_).Job;
+    for (std::string& text : imported.ParamText) text.clear();
+    WriteFile(job, JobBytes(imported, {}));
+    const std::vector<std::pair<std::string, std::string>> refusals = {
+        {"--robcad", "You must make a calculation to export a *.rf File"},
+        {"--rocal", "You must make a calculation to export a *.bas File"},
+        {"--points", "You must make a calculation to export transformed points"}};
+    for (const auto& [kind, why] : refusals) {
+        const Outcome outcome = Command({"export", job, kind, PathOf("out")});
+        EXPECT_EQ(outcome.Status, 1) << kind;
+        EXPECT_EQ(outcome.Err, "corvinade-cli: " + why + "\n");
+        EXPECT_FALSE(File_Exist(PathOf("out"))) << kind;
+    }
+    const Outcome outcome = Command({"transform", job, in, "--to", PathOf("folder")});
+    EXPECT_EQ(outcome.Status, 1);
+    EXPECT_EQ(outcome.Err, "corvinade-cli: No Transformation calculated\n");
+    EXPECT_FALSE(Directory_Exist(PathOf("folder")));
 }
 
 TEST_F(TransformCommand, AnExportToAFullDiskIsRefused) {

@@ -68,6 +68,16 @@ TEST_F(BatchByHand, TheSameFolderLeavesNothingToBrowse) {
     EXPECT_TRUE(Widget("FormBatch.BtnExBrowseTCS")->isEnabled());
 }
 
+TEST_F(BatchByHand, AFolderThatIsNotThereIsToldInsteadOfShown) {
+    Open();
+    Type("FormBatch.TextNameMCSDirectory", PathOf("none"));
+    AnswerNext("OK");
+    Click("FormBatch.BtnEXBrowseMCS");
+    ASSERT_EQ(messages_.size(), 1u);
+    EXPECT_EQ(messages_[0],
+              "\"" + PathOf("none") + "\" could not be opened: there is no such file or folder.");
+}
+
 TEST_F(BatchByHand, AFolderIsChosenWithMouseAndKeys) {
     Open();
     WriteIn("tree/one", "x", "");
