@@ -28,8 +28,9 @@ CLI::App* AddExport(CLI::App& app, ExportSwitches& s) {
     CLI::App* command = app.add_subcommand("export", "Write the result of a job for robot-cell tools");
     command->add_option("JOB", o.Job, "Job file of any version")->type_name("FILE.cvn")->required();
     CLI::Option_group* kind = command->add_option_group("File");
-    CLI::Option* frame = kind->add_option("--robcad", o.RobCad, "The frame for a simulation system, in the job's units")
-                             ->type_name("OUT.rf");
+    CLI::Option* frame =
+        kind->add_option("--robcad", o.RobCad, "The frame for a simulation system, in the job's units")
+            ->type_name("OUT.rf");
     kind->add_option("--rocal", o.Rocal, "The matrix for an offline tool")->type_name("OUT.bas");
     kind->add_option("--points", o.Points, "The transformed start points without a partner")
         ->type_name("OUT.txt");

@@ -160,6 +160,15 @@ TEST_F(TransformCommand, TheFrameIsExported) {
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 30);
 }
 
+TEST_F(TransformCommand, TheNamesOfAFrameAreNotTakenForAnotherExport) {
+    for (const char* option : {"--place", "--tool", "--robot"}) {
+        const Outcome outcome = Command({"export", job_, "--rocal", PathOf("cell.bas"), option, "Wob"});
+        EXPECT_EQ(outcome.Status, 2);
+        EXPECT_NE(outcome.Err.find("--robcad"), std::string::npos) << outcome.Err;
+        EXPECT_FALSE(fs::exists(PathOf("cell.bas")));
+    }
+}
+
 TEST_F(TransformCommand, TheMatrixIsExported) {
     const std::string out = PathOf("cell.bas");
     EXPECT_EQ(Command({"export", job_, "--rocal", out}).Status, 0);
