@@ -24,6 +24,18 @@ TEST_F(BundleAmongWindows, AStopOfBeforeEndsNoAdjustment) {
     EXPECT_LT(Val(status.substr(status.find("Biggest x ") + 10)), 1e-6) << status;
 }
 
+TEST_F(BundleAmongWindows, TheBusyPointerIsOnMeanwhile) {
+    Read(network_.Text());
+    int pointers = 0;
+    Headless.OnYield = [&pointers] { pointers = ::Run.WaitPointers; };
+    for (Control* button : {&w.BtnCalculate, &w.Command1}) {
+        pointers = 0;
+        UserClick(*button);
+        EXPECT_EQ(pointers, 1);
+        EXPECT_EQ(::Run.WaitPointers, 0);
+    }
+}
+
 TEST_F(BundleAmongWindows, AnOpenDistanceScaleMeasuresTheAdjustedNetwork) {
     Read(network_.Text());
     Calculate();
