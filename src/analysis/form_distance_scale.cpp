@@ -168,8 +168,11 @@ void FormDistanceScale::BtnSaveTrumpetData_Click() {
     // Held fast: the option may be changed while the file is written.
     const std::shared_ptr<const DistancePoints> points = DistanceScale.Points;
     if (points->Count() < 2) return ShowMessage(kNotEnough);
-    const auto path =
-        AskSaveFile({"Save trumpet data", "Text files|*.txt|All files|*.*", Settings.LastDir, "trumpet.txt"});
+    const auto path = AskSaveFile({.Title = "Save trumpet data",
+                                   .Filter = "Text files|*.txt|All files|*.*",
+                                   .Folder = Settings.LastDir,
+                                   .Name = "trumpet.txt",
+                                   .AsksBeforeReplacing = true});
     if (!path || path->empty()) return;
     if (File_Exist(*path) && !AskYesNo("File " + *path + " is existing." + kLineEnd + "Will you replace it?"))
         return;

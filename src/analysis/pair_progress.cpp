@@ -13,11 +13,14 @@ PairProgress::PairProgress(const std::string& caption, std::int64_t steps) : sho
     if (!own_) return;
     ShowWindow(FormProgressBar_Entry.Name);
     Progress.Window.Caption = caption;
+    stopBefore_ = Run.StopRequested;
     Run.StopRequested = kFalse;
 }
 
 PairProgress::~PairProgress() {
-    if (own_) UnloadWindow(FormProgressBar_Entry.Name);
+    if (!own_) return;
+    UnloadWindow(FormProgressBar_Entry.Name);
+    Run.StopRequested = stopBefore_;
 }
 
 bool PairProgress::GoesOn(double share) {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "analysis/distance_pairs.h"
+#include "core/arrays.h"
 #include "core/form_progress_bar.h"
 
 // So many steps, of a few nanoseconds each, are done before anybody waits for them.
@@ -15,7 +16,8 @@ inline constexpr std::int64_t kQuickSteps = 50'000'000;
 
 class PairProgress {
 public:
-    // Work of fewer steps than that neither yields nor shows anything.
+    // Work of fewer steps than that neither yields nor shows anything. A stop that was asked of other work
+    // stays for that; one that came to this work ends with it.
     PairProgress(const std::string& caption, std::int64_t steps);
     ~PairProgress();
     PairProgress(const PairProgress&) = delete;
@@ -26,4 +28,5 @@ public:
 
 private:
     bool shown_ = false, own_ = false;
+    Flag stopBefore_ = kFalse;
 };

@@ -1,10 +1,13 @@
 // The reader of network files.
 #include "bundle/bundle_file.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 #include <string_view>
-#include <unordered_set>
+#include <unordered_map>
+#include <vector>
 
 #include "core/numbers.h"
 #include "core/platform.h"
@@ -55,18 +58,37 @@ void ForEachEntry(const PointText& file, Take take) {
 // Fields of a line, one after the other.
 class Fields {
 public:
-    explicit Fields(std::string_view line) : rest_(line) {}
+    Fields(std::string_view line, std::int64_t row, BundleRecord& network)
+        : rest_(line), row_(row), network_(network) {}
     std::string Text() { return std::string(CutField(rest_, ' ', scratch_)); }
-    double Length() { return Val(CutField(rest_, ' ', scratch_)) / Units.LengthFactor; }
+    double Length() {
+        const std::string_view field = CutField(rest_, ' ', scratch_);
+        const double value = Val(field);
+        double whole = 0;
+        // A decimal comma among them: what stands before it is a number, and a wrong one.
+        if (!TextToNumber(field, '.', whole) && std::isfinite(value) && ++network_.NoNumbers == 1)
+            network_.FirstNoNumber = "line " + std::to_string(row_) + ", \"" + Printable(field) + "\"";
+        return value / Units.LengthFactor;
+    }
 
 private:
     std::string_view rest_;
+    std::int64_t row_;
+    BundleRecord& network_;
     std::string scratch_;
 };
 
 void TakePoint(Fields fields, std::size_t number, std::vector<std::string>& names, Matrix& xyz) {
     names[number] = fields.Text();
     for (int axis = 1; axis <= 3; ++axis) xyz(static_cast<int>(number), axis) = fields.Length();
+}
+
+// Numbers of names; of several equal ones the first counts.
+using Numbers = std::unordered_map<std::string_view, int>;
+Numbers NumbersOf(const std::vector<std::string>& names) {
+    Numbers numbers;
+    for (std::size_t i = 1; i < names.size(); ++i) numbers.emplace(names[i], static_cast<int>(i));
+    return numbers;
 }
 
 // Counts what is wrong, with the first of them.
@@ -113,8 +135,8 @@ BundleRecord BündelInputFileEinlesen(const std::string& path) {
 
     std::array<std::size_t, 3> number{};
     std::string scratch;
-    ForEachEntry(file, [&](std::size_t section, std::string_view line, std::int64_t) {
-        Fields fields(DecodedLine(file, line, scratch));
+    ForEachEntry(file, [&](std::size_t section, std::string_view line, std::int64_t row) {
+        Fields fields(DecodedLine(file, line, scratch), row, network);
         const std::size_t k = ++number[section];
         if (section == 0) {
             TakePoint(fields, k, network.StationName, network.StationXYZ);
@@ -130,25 +152,36 @@ BundleRecord BündelInputFileEinlesen(const std::string& path) {
 }
 
 std::string BundleObjections(const BundleRecord& network) {
-    const std::unordered_set<std::string_view> stations(network.StationName.begin() + 1,
-                                                        network.StationName.end());
-    const std::unordered_set<std::string_view> objects(network.ObjectName.begin() + 1,
-                                                       network.ObjectName.end());
-    Objection unknown, nothing;
+    const Numbers stations = NumbersOf(network.StationName), objects = NumbersOf(network.ObjectName);
+    Objection unknown, nothing, onePlace;
     for (std::size_t k = 1; k < network.DistanceValue.size(); ++k) {
         const std::string& from = network.DistancePair[1][k];
         const std::string& to = network.DistancePair[2][k];
         const std::string pair = "\"" + Printable(from) + "\" to \"" + Printable(to) + "\"";
-        if (!stations.contains(from) || !objects.contains(to)) unknown.Add(pair);
         if (!(network.DistanceValue[k] > 0)) nothing.Add(pair);
+        const auto station = stations.find(from), object = objects.find(to);
+        if (station == stations.end() || object == objects.end()) {
+            unknown.Add(pair);
+        } else if (const double* a = network.StationXYZ.Row(station->second),
+                   *b = network.ObjectXYZ.Row(object->second);
+                   std::equal(a + 1, a + 4, b + 1)) {
+            onePlace.Add(pair);
+        }
     }
     std::string text;
-    if (network.nDistances == unknown.Count)
-        text =
-            "There is no distance between a station and an object point of the file, so nothing can be "
-            "adjusted.";
+    if (network.nDistances == unknown.Count) text = kNoDistance;
     unknown.Tell("names a point that is not there and is left out",
                  "name points that are not there and are left out", text);
+    onePlace.Tell("is one between points at the same place and is left out",
+                  "are between points at the same place and are left out", text);
     nothing.Tell("is 0 or less", "are 0 or less", text);
+    if (network.NoNumbers > 0) {
+        if (!text.empty()) text += kLineEnd;
+        text += network.NoNumbers == 1 ? "1 field of the file is no number with a decimal point: "
+                                       : std::to_string(network.NoNumbers) +
+                                             " fields of the file are no numbers with a decimal point, the "
+                                             "first: ";
+        text += network.FirstNoNumber;
+    }
     return text;
 }

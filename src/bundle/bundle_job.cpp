@@ -74,4 +74,5 @@ void TakeBundleAsJob(const std::string& startPath, const std::string& targetPath
         Main.Toolbar1_TrafoBerechnung.Value = 1;
     }
     Run.JobDirty = kTrue;
+    DistanceScale_Refill();
 }

@@ -93,8 +93,13 @@ std::string BundleWarnings(const BundleRecord& network, const BundleWork& work) 
     std::string text = BundleObjections(network);
     const auto used = static_cast<int>(
         std::count_if(work.StationOf.begin(), work.StationOf.end(), [](int number) { return number != 0; }));
-    if (used > 0 && used < work.nUnknown) {
-        if (!text.empty()) text += kLineEnd;
+    if (used >= work.nUnknown || text.starts_with(kNoDistance)) return text;
+    if (!text.empty()) text += kLineEnd;
+    if (used == 0) {
+        text +=
+            "No distance is one between points in use, so nothing can be adjusted. Take a larger percentage "
+            "of the object points.";
+    } else {
         text += "There are " + std::to_string(used) + " distances for " + std::to_string(work.nUnknown) +
                 " unknown coordinates; they do not determine the network.";
     }

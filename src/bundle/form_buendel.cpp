@@ -30,7 +30,10 @@ const ControlEntry kControls[] = {
 // While a network is adjusted no other adjustment begins, and the one can be stopped.
 class Adjusting {
 public:
-    Adjusting() { Set(true); }
+    Adjusting() {
+        Set(true);
+        Run.StopRequested = kFalse;  // one of before is none of this adjustment
+    }
     ~Adjusting() {
         Set(false);
         Run.StopRequested = kFalse;
@@ -96,6 +99,12 @@ void BundleRun() {
     TakeBundleAsJob(startPath, targetPath);
 }
 
+// What an open window shows belongs to the network of before.
+void ForgetResults() {
+    w.Own = {};
+    for (Control* text : {&w.TextWhatDO, &w.TextRUN, &w.TextResults}) SetText(*text, "");
+}
+
 // No points of an earlier job show through behind a network when that job was closed.
 void ForgetClosedJob() {
     Job.MCS_Name = Job.OCS_Name = Job.TMCS_Name = {""};
@@ -124,6 +133,7 @@ void ReadBundleFile(const std::string& path) {
     BundleRecord network = BündelInputFileEinlesen(path);
     network.Generation = Bundle.Generation + 1;
     Bundle = std::move(network);
+    if (w.Window.Loaded) ForgetResults();
     if (!IsTrue(Run.JobDataValid)) ForgetClosedJob();
     Run.JobDataValid = kTrue;
     ProgrammLogik();

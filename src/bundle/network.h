@@ -17,6 +17,9 @@ struct BundleRecord {
     // Per distance the names of its station and its object point, from 1; elements 1 and 2 are in use.
     std::array<std::vector<std::string>, 3> DistancePair;
     Column DistanceValue{0};  // mm
+    // Fields that should be numbers and are none, or not to their end, and where the first of them is.
+    std::int64_t NoNumbers = 0;
+    std::string FirstNoNumber;  // "line 7, "one""
 
     std::uint64_t Generation = 0;  // counted up when a file is read and when the window opens
 

@@ -294,6 +294,10 @@ json DoResize(const json& request) {
     return IsTrumpetPlace(TextMember(request, "at")) ? TrumpetResize(request) : ResizeScreen(request);
 }
 
+json DoPicture(const json& request) {
+    return IsTrumpetPlace(TextMember(request, "at")) ? TrumpetPicture(request) : ScreenPicture(request);
+}
+
 json DoRecord(const json& request) {
     const std::string name = TextMember(request, "name");
     if (json table; SceneTableToJson(name, table)) {
@@ -360,10 +364,10 @@ json DoQuit(const json&) {
 }
 
 const std::map<std::string, json (*)(const json&), std::less<>> kRequests = {
-    {"set", DoSet},       {"click", DoClick},   {"dblclick", DoDblClick},   {"key", DoKey},
-    {"close", DoClose},   {"get", DoGet},       {"record", DoRecord},       {"clipboard", DoClipboard},
-    {"answer", DoAnswer}, {"during", DoDuring}, {"quit", DoQuit},           {"select", DoSelect},
-    {"mouse", DoMouse},   {"resize", DoResize}, {"picture", ScreenPicture},
+    {"set", DoSet},       {"click", DoClick},   {"dblclick", DoDblClick}, {"key", DoKey},
+    {"close", DoClose},   {"get", DoGet},       {"record", DoRecord},     {"clipboard", DoClipboard},
+    {"answer", DoAnswer}, {"during", DoDuring}, {"quit", DoQuit},         {"select", DoSelect},
+    {"mouse", DoMouse},   {"resize", DoResize}, {"picture", DoPicture},
 };
 
 // --- Replies ----------------------------------------------------------------------------------------------

@@ -12,6 +12,9 @@
 #include "cli/automate_screens.h"
 #include "cli/request.h"
 #include "cli/short_float.h"
+#include "cli/trumpet_svg.h"
+#include "core/arrays.h"
+#include "core/files.h"
 
 using nlohmann::json;
 
@@ -97,6 +100,18 @@ json TrumpetMouse(const json& request) {
     Dispatch([x, y] {
         Trumpet_Draw();
         Trumpet_MouseMove(x, y);
+    });
+    return json::object();
+}
+
+json TrumpetPicture(const json& request) {
+    RefuseUnlessReachable();
+    const std::string file = TextMember(request, "file");
+    if (const std::string wrong = CheckTrumpetFile(file); !wrong.empty()) Refuse(wrong);
+    Dispatch([&file] {
+        const DistancePoints& points = *DistanceScale.Points;
+        WriteFile(file, TrumpetSvg(points, TrumpetTitle(points, IsTrue(DistanceScale.WithCal)),
+                                   PlotOf(Trumpet.Range, Trumpet.Place)));
     });
     return json::object();
 }

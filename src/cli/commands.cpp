@@ -15,6 +15,7 @@
 #include "cli/job_files.h"
 #include "cli/render.h"
 #include "cli/transform.h"
+#include "cli/trumpet_svg.h"
 #include "core/controller.h"
 #include "core/numbers.h"
 #include "core/platform.h"

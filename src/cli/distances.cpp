@@ -149,16 +149,7 @@ void WriteJson(const DistancesOptions& options, const Measured& m, std::ostream&
     out << root.dump(2) << "\n";
 }
 
-std::string TrumpetTitle(const DistancesOptions& options, const DistancePoints& points) {
-    return "Differences of " + std::to_string(points.Pairs()) + " distances, " + Job.NameMCS +
-           (options.WithResult ? " after the transformation" : "") + " and " + Job.NameOCS;
-}
-
 }  // namespace
-
-std::string CheckTrumpetFile(const std::string& path) {
-    return UpperAscii(path).ends_with(".SVG") ? "" : "\"" + Printable(path) + "\" does not end in .svg";
-}
 
 int RunDistances(const DistancesOptions& options, std::ostream& out, std::ostream& err, bool colour) {
     if (options.Decimal) Headless.Decimal = options.Decimal;
@@ -176,7 +167,7 @@ int RunDistances(const DistancesOptions& options, std::ostream& out, std::ostrea
     MeasurePoints(m.Points, m.Rows);
     const bool written = Dispatch([&] {
         if (!options.Trumpet.empty())
-            WriteFile(options.Trumpet, TrumpetSvg(m.Points, TrumpetTitle(options, m.Points)));
+            WriteFile(options.Trumpet, TrumpetSvg(m.Points, TrumpetTitle(m.Points, options.WithResult)));
         if (!options.Pairs.empty()) WriteTrumpetFile(options.Pairs, m.Points);
     });
     Headless.Dialogs.clear();

@@ -15,8 +15,5 @@ struct DistancesOptions {
     std::optional<char> Decimal;
 };
 
-// "" or why a plot cannot be written under this name.
-std::string CheckTrumpetFile(const std::string& path);
-
 // Gives the exit status. The files are written whole or not at all, before anything goes to `out`.
 int RunDistances(const DistancesOptions& options, std::ostream& out, std::ostream& err, bool colour);

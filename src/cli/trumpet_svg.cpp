@@ -2,16 +2,19 @@
 #include "cli/trumpet_svg.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
-#include "analysis/trumpet_plot.h"
 #include "cli/svg_plots.h"
+#include "core/job.h"
+#include "core/text.h"
 
 namespace {
 
 constexpr std::int64_t kMostNamed = 2000;  // pairs; more of them are a cloud in which nobody finds one
 constexpr int kWidth = 1100, kHeight = 700;
-constexpr double kFineScale = 4;  // thinned so that nobody sees it
+constexpr double kFineScale = 4;          // thinned so that nobody sees it
+constexpr double kMostFine_pixels = 2e7;  // coarser in a picture larger than any screen
 
 // Both palettes keep the points apart from grid and text.
 constexpr const char* kStyle =
@@ -86,30 +89,44 @@ std::string CloudOfPoints(std::int64_t pairs, const TrumpetRaster& raster) {
             if (raster.At(x, y).From == 0) continue;
             const int begin = x;
             while (x + 1 < raster.Width && raster.At(x + 1, y).From != 0) ++x;
-            svg += "M" + At(raster.Left + begin + 0.5) + " " + At(raster.Top + y + 0.5) + "h" +
-                   std::to_string(x - begin);
+            svg += "M" + At(raster.Left + (begin + 0.5) / raster.Scale) + " " +
+                   At(raster.Top + (y + 0.5) / raster.Scale) + "h" + At((x - begin) / raster.Scale);
         }
     return svg + "\"/>\n";
 }
 
 }  // namespace
 
+std::string TrumpetTitle(const DistancePoints& points, bool withResult) {
+    return "Differences of " + std::to_string(points.Pairs()) + " distances, " + Job.NameMCS +
+           (withResult ? " after the transformation" : "") + " and " + Job.NameOCS;
+}
+
+std::string CheckTrumpetFile(const std::string& path) {
+    return UpperAscii(path).ends_with(".SVG") ? "" : "\"" + Printable(path) + "\" does not end in .svg";
+}
+
+std::string TrumpetSvg(const DistancePoints& points, const std::string& title, const TrumpetPlot& plot) {
+    const bool named = points.Pairs() <= kMostNamed;
+    TrumpetPlot fine = plot;
+    const double area = static_cast<double>(plot.Place.Width) * plot.Place.Height;
+    fine.Place.Scale = std::min(named ? kFineScale : 1, std::sqrt(kMostFine_pixels / area));
+    const TrumpetRaster raster = RasterOf(points, fine);
+    const std::string width = std::to_string(plot.Place.Width), height = std::to_string(plot.Place.Height);
+    const std::string size = "width=\"" + width + "\" height=\"" + height;
+    return "<svg xmlns=\"http://www.w3.org/2000/svg\" " + size + "\" viewBox=\"0 0 " + width + " " + height +
+           "\" role=\"img\" aria-label=\"" + EscapeMarkup(title) + "\">\n<title>" + EscapeMarkup(title) +
+           "</title>\n" + kStyle + "<rect class=\"ground\" " + size + "\"/>\n" + Axes(plot) +
+           (named ? NamedPoints(points, plot, raster) : CloudOfPoints(points.Pairs(), raster)) + "</svg>\n";
+}
+
 std::string TrumpetSvg(const DistancePoints& points, const std::string& title) {
     TrumpetRange range;
     RangeOfPairs(points, range);
-    const bool named = points.Pairs() <= kMostNamed;
-    TrumpetPlace place{kWidth, kHeight, 90, 44, 24, 60, named ? kFineScale : 1};
-    TrumpetPlot plot = PlotOf(range, place);
+    TrumpetPlace place{kWidth, kHeight, 90, 44, 24, 60};
     std::size_t longest = 0;
-    for (const TrumpetTick& tick : plot.YTicks) longest = std::max(longest, tick.Text.size());
+    for (const TrumpetTick& tick : PlotOf(range, place).YTicks) longest = std::max(longest, tick.Text.size());
     constexpr int kDigit_pixels = 9, kAir_pixels = 18;
     place.Left = std::max(60, static_cast<int>(longest) * kDigit_pixels + kAir_pixels);
-    plot = PlotOf(range, place);
-    const TrumpetRaster raster = RasterOf(points, plot);
-    const std::string size = "width=\"" + std::to_string(kWidth) + "\" height=\"" + std::to_string(kHeight);
-    return "<svg xmlns=\"http://www.w3.org/2000/svg\" " + size + "\" viewBox=\"0 0 " +
-           std::to_string(kWidth) + " " + std::to_string(kHeight) + "\" role=\"img\" aria-label=\"" +
-           EscapeMarkup(title) + "\">\n<title>" + EscapeMarkup(title) + "</title>\n" + kStyle +
-           "<rect class=\"ground\" " + size + "\"/>\n" + Axes(plot) +
-           (named ? NamedPoints(points, plot, raster) : CloudOfPoints(points.Pairs(), raster)) + "</svg>\n";
+    return TrumpetSvg(points, title, PlotOf(range, place));
 }

@@ -4,8 +4,18 @@
 #include <string>
 
 #include "analysis/distance_pairs.h"
+#include "analysis/trumpet_plot.h"
 
 // An SVG document in light or dark as its reader has it: axes with their units, and a point a pair. Pairs
 // that fall on one place are drawn once. Where they are few, each names its pair under the mouse. Reads Job
 // (names and units) and Units.
 std::string TrumpetSvg(const DistancePoints& points, const std::string& title);
+
+// The same of a plot that stands already, in its size and with its axes.
+std::string TrumpetSvg(const DistancePoints& points, const std::string& title, const TrumpetPlot& plot);
+
+// What the plot is of, in words.
+std::string TrumpetTitle(const DistancePoints& points, bool withResult);
+
+// "" or why a plot cannot be written under this name.
+std::string CheckTrumpetFile(const std::string& path);

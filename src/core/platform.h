@@ -41,6 +41,9 @@ struct FileQuestion {
     std::string Filter;  // "name|pattern|name|pattern"
     std::string Folder;  // where to begin
     std::string Name;    // preset
+    // Of a name for saving: whoever asks has a question of its own for a file that is there already, so the
+    // dialog asks none.
+    bool AsksBeforeReplacing = false;
 };
 std::optional<std::string> AskOpenFile(const FileQuestion& question);  // nothing when cancelled
 std::optional<std::string> AskSaveFile(const FileQuestion& question);

@@ -128,6 +128,7 @@ std::optional<std::string> AskSaveFile(const FileQuestion& question) {
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setDefaultSuffix(SuffixOf(question.Filter));
+    dialog.setOption(QFileDialog::DontConfirmOverwrite, question.AsksBeforeReplacing);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
     return Chosen(dialog.selectedFiles().constFirst());
 }

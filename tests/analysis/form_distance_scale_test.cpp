@@ -132,6 +132,19 @@ TEST_F(DistanceScaleTable, ManyPointsShowProgressAndCancelLeavesNoPoints) {
     EXPECT_EQ(Cells().Rows, 3601);
 }
 
+TEST_F(DistanceScaleTable, ACancelEndsItsOwnWorkAlone) {
+    Cloud(3600);
+    Headless.OnYield = [] { UserClick(Progress.BtnCancel); };
+    Open();
+    EXPECT_EQ(Cells().Rows, 1);
+    EXPECT_EQ(Run.StopRequested, kFalse) << "the next calculation is not stopped";
+    Run.StopRequested = kTrue;  // of work that this one is done within
+    Headless.OnYield = nullptr;
+    UserSetValue(DistanceScaleWindow.OptionWithCal, 1);
+    EXPECT_EQ(Cells().Rows, 3601);
+    EXPECT_EQ(Run.StopRequested, kTrue);
+}
+
 TEST_F(DistanceScaleTable, AnOptionChosenDuringTheWorkIsTheOneThatStands) {
     Cloud(3600);
     for (std::size_t i = 1; i < Job.TMCS_X.size(); ++i) Job.TMCS_X[i] = 0;

@@ -204,6 +204,20 @@ TEST_F(NetworkFile, ObjectionsNameWhatCannotBeMeant) {
     EXPECT_EQ(
         BundleObjections(Bundle),
         "There is no distance between a station and an object point of the file, so nothing can be adjusted.");
+    ReadBytes(Sections("S1 4 5 6\n\n", "P1 4 5 6\n\nP2 4 5 7\n\n", "S1 P1 5\nS1 P2 3\n"));
+    EXPECT_EQ(BundleObjections(Bundle),
+              "1 distance is one between points at the same place and is left out: \"S1\" to \"P1\"");
     ReadBytes(network_.Text());
     EXPECT_EQ(BundleObjections(Bundle), "");
+}
+
+TEST_F(NetworkFile, ANumberThatIsNoneOrReadInPartIsToldBeforeAnAdjustment) {
+    ReadBytes(Sections("S1 1,5 2 3\n\n", "P1 4 5\n\n", "S1 P1 5.25\n"));
+    EXPECT_EQ(Bundle.StationXYZ(1, 1), 1);
+    EXPECT_EQ(BundleObjections(Bundle),
+              "2 fields of the file are no numbers with a decimal point, the first: line 3, \"1,5\"");
+    ReadBytes(Sections("S1 1.5 2e1 -3\n\n", "P1 4 5 6\n\n", "S1 P1 12m\n"));
+    EXPECT_EQ(Bundle.DistanceValue[1], 12);
+    EXPECT_EQ(BundleObjections(Bundle),
+              "1 field of the file is no number with a decimal point: line 13, \"12m\"");
 }

@@ -114,6 +114,50 @@ TEST_F(DistancesByName, ThePointUnderTheMouseNamesItsPair) {
     EXPECT_EQ(Get("FormTrompete.LabelPair")["text"], "");
 }
 
+TEST_F(DistancesByName, ThePictureOfThePlotHasItsSizeAndItsPoints) {
+    StartWithPlot();
+    Good({{"do", "resize"}, {"at", "FormTrompete.Trumpet"}, {"width", 640}, {"height", 400}});
+    const std::string file = PathOf("plot.svg");
+    const json request = {{"do", "picture"}, {"at", "FormTrompete.Trumpet"}, {"file", file}};
+    Good(request);
+    const std::string svg = Contents(file);
+    EXPECT_NE(svg.find("width=\"640\" height=\"400\" viewBox=\"0 0 640 400\""), std::string::npos) << svg;
+    const json plot = Get("FormTrompete.Trumpet");
+    const json &f = plot["frame"], &a = plot["axes"];
+    const double left = f["left"], right = f["right"], low = a["xLow"], high = a["xHigh"];
+    for (const json& point : plot["points"]) {
+        char place[40];
+        std::snprintf(place, sizeof place, "cx=\"%.2f",
+                      left + (point[0].get<double>() - low) / (high - low) * (right - left));
+        std::string cx = place;
+        while (cx.back() == '0') cx.pop_back();
+        EXPECT_NE(svg.find(cx), std::string::npos) << cx << "\n" << svg;
+    }
+    EXPECT_NE(svg.find("A - C: distance 16.000, delta s 3.000 millimeter"), std::string::npos);
+    EXPECT_EQ(svg.find("after the transformation"), std::string::npos);
+    Good({{"do", "set"}, {"at", "FormDistanceScale.OptionWithCal"}, {"value", true}});
+    Good(request);
+    EXPECT_NE(Contents(file).find("after the transformation"), std::string::npos);
+}
+
+TEST_F(DistancesByName, APictureOfThePlotThatCannotBeIsRefusedOrTold) {
+    Start();
+    json request = {{"do", "picture"}, {"at", "FormTrompete.Trumpet"}, {"file", PathOf("plot.svg")}};
+    EXPECT_EQ(ErrorOf(request), "FormTrompete is not open");
+    Click("FormMain.MenuTransformationDistanceScale");
+    Click("FormDistanceScale.BtnTrumpetGraph");
+    request["file"] = PathOf("plot.png");
+    EXPECT_NE(ErrorOf(request).find("does not end in .svg"), std::string::npos);
+    request["file"] = PathOf("no folder/plot.svg");
+    EXPECT_NE(Good(request)["platformError"].dump().find("Cannot write"), std::string::npos);
+    Good({{"do", "resize"}, {"at", "FormTrompete.Trumpet"}, {"width", 8192}, {"height", 8192}});
+    request["file"] = PathOf("large.svg");
+    Good(request);
+    EXPECT_NE(Contents(PathOf("large.svg")).find("B - C: distance 10.000"), std::string::npos);
+    Good({{"do", "resize"}, {"at", "FormTrompete.Trumpet"}, {"width", 1}, {"height", 1}});
+    Good(request);
+}
+
 TEST_F(DistancesByName, WhatThePlotCannotDoIsRefused) {
     Start();
     EXPECT_EQ(ErrorOf(MouseAt(1, 1)), "FormTrompete is not open");

@@ -135,6 +135,11 @@ TEST_F(BundleCommand, ANetworkThatItsDistancesDoNotDetermineEnds) {
     EXPECT_TRUE(outcome.Status == 0 || outcome.Status == 1 || outcome.Status == 4);
 }
 
+TEST_F(BundleCommand, APercentageThatLeavesNoObjectPointIsTold) {
+    const Outcome outcome = Run({kNetwork, "--reduce", "7"});
+    EXPECT_NE(outcome.Err.find("larger percentage of the object points"), std::string::npos) << outcome.Err;
+}
+
 TEST_F(BundleCommand, AFolderThatCannotBeWrittenIsTold) {
     Write("file", "x");
     const Outcome outcome = Run({kNetwork, "--to", PathOf("file/below")});

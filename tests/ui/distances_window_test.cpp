@@ -86,6 +86,20 @@ TEST_F(DistancesByHand, TheFileIsNamedByADialog) {
               QByteArray("A\tB\t5\t6\t1.000\r\nA\tC\t13\t16\t3.000\r\nB\tC\t12\t10\t-2.000\r\n"));
 }
 
+TEST_F(DistancesByHand, AFileThatIsThereIsAskedForOnce) {
+    Import();
+    Trigger("MenuTransformationDistanceScale");
+    Write("pairs.txt", "old");
+    ChooseNext(PathOf("pairs.txt"));
+    AnswerNext("Yes");
+    Click("FormDistanceScale.BtnSaveTrumpetData");
+    EXPECT_EQ(messages_, std::vector<std::string>{"File " + PathOf("pairs.txt") +
+                                                  " is existing.\r\nWill you replace it?"});
+    QFile file(Q(PathOf("pairs.txt")));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll().left(4), QByteArray("A\tB\t"));
+}
+
 TEST_F(DistancesByHand, EveryPairIsAPointOfThePlot) {
     OpenPlot();
     const QImage picture = Picture();
