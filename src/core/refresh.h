@@ -22,7 +22,8 @@ void MenuFileSaveAs_Command();
 // --- import/ ----------------------------------------------------------------------------------------------
 void ClipboardRoundTrip();  // the menu entry "&Spezial"
 // Sizes TMCS_*, RVec* and UseFlags (whose content stays) from the counts and fills TMCS_* with the start
-// points. A job that the calculation window has marked as switched is switched again.
+// points. A job that the calculation window has marked as switched is switched again. An import that is
+// cancelled meanwhile leaves all of them as they were.
 void IdentischePkte_Neu();
 
 // --- engine/ ----------------------------------------------------------------------------------------------

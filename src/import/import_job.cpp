@@ -244,6 +244,7 @@ void myBtn_OK() {
     ++Run.JobGeneration;
     if (!ImportPoints()) return EndCancelled(jobBefore);
     IdentischePkte_Neu();
+    if (IsTrue(Run.ImportFailed)) return EndCancelled(jobBefore);
     underWay.reset();
     guard.Whole = true;
     Run.JobDataValid = kTrue;  // the main sheet shows no others

@@ -62,6 +62,16 @@ std::optional<std::vector<Value>> Arranged(const std::vector<Value>& values,
     return arranged;
 }
 
+// Gives names back whose place others have taken; so many take a while. False when the import must end.
+bool Discard(std::vector<std::string> names) {
+    constexpr std::size_t kBetweenYields = 1 << 16;
+    for (std::size_t k = 1; k < names.size(); ++k) {
+        std::string().swap(names[k]);
+        if (k % kBetweenYields == 0 && !GoesOn(kArranging)) return false;
+    }
+    return true;
+}
+
 void RearrangeRows(Matrix& rows, const std::vector<std::int32_t>& place) {
     Matrix arranged(rows.Rows, rows.Columns);
     for (int k = 1; k <= rows.Rows; ++k)
@@ -69,8 +79,8 @@ void RearrangeRows(Matrix& rows, const std::vector<std::int32_t>& place) {
     rows = std::move(arranged);
 }
 
-// Sorts a set by its names; the order then is that of the places. While it yields the set is as it was;
-// nothing when the import must end.
+// Sorts a set by its names; the order then is that of the places. While it yields the set is as it was, or
+// sorted; nothing when the import must end.
 std::optional<NameOrder> SortSet(PointSet set) {
     NameOrder order = SortNames(set.Name, [] { return GoesOn(kSorting); });
     if (order.Place.empty()) return std::nullopt;
@@ -83,12 +93,13 @@ std::optional<NameOrder> SortSet(PointSet set) {
     if (!z || !GoesOn(kArranging)) return std::nullopt;
     auto names = Arranged(set.Name, order.Place);
     if (!names || !GoesOn(kArranging)) return std::nullopt;
-    set.Name = std::move(*names);
+    set.Name.swap(*names);
     set.X = std::move(*x);
     set.Y = std::move(*y);
     set.Z = std::move(*z);
     if (set.Poses != nullptr) RearrangeRows(*set.Poses, order.Place);
     for (std::size_t k = 1; k < order.Place.size(); ++k) order.Place[k] = static_cast<std::int32_t>(k);
+    if (!Discard(std::move(*names))) return std::nullopt;
     return order;
 }
 
@@ -233,11 +244,18 @@ void GetInfoFromData() {
 void IdentischePkte_Neu() {
     const auto points = static_cast<std::size_t>(Job.nMCS) + 1;
     const auto pairs = static_cast<std::size_t>(Job.nIdent) + 1;
+    // Many names take a while. They are copied beside the present ones, which a cancelled import keeps.
+    constexpr std::size_t kBetweenYields = 1 << 16;
+    std::vector<std::string> names(points);
+    for (std::size_t i = 0; i < points; ++i) {
+        names[i] = Job.MCS_Name[i];
+        if (i % kBetweenYields == kBetweenYields - 1 && !GoesOn(1)) return;
+    }
+    Job.TMCS_Name.swap(names);
     Job.RVecX.assign(pairs, {});
     Job.RVecY.assign(pairs, {});
     Job.RVecZ.assign(pairs, 0);
     Job.UseFlags.resize(3 * (pairs - 1) + 1);
-    Job.TMCS_Name.assign(Job.MCS_Name.begin(), Job.MCS_Name.begin() + static_cast<std::ptrdiff_t>(points));
     Job.TMCS_X.assign(Job.MCS_X.begin(), Job.MCS_X.begin() + static_cast<std::ptrdiff_t>(points));
     Job.TMCS_Y.assign(Job.MCS_Y.begin(), Job.MCS_Y.begin() + static_cast<std::ptrdiff_t>(points));
     Job.TMCS_Z.assign(Job.MCS_Z.begin(), Job.MCS_Z.begin() + static_cast<std::ptrdiff_t>(points));
