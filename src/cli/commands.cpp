@@ -261,10 +261,10 @@ int Fit(FitSwitches& s, std::ostream& out, std::ostream& err, bool terminal, boo
     return RunFit(s.Options, out, err, terminal && ColourWanted(), progress);
 }
 
-int Distances(DistancesSwitches& s, std::ostream& out, std::ostream& err, bool terminal) {
+int Distances(DistancesSwitches& s, std::ostream& out, std::ostream& err, bool terminal, bool progress) {
     s.Options.Decimal = DecimalOf(s.Decimal);
     if (s.Yes || s.No) s.Options.Questions = s.Yes;
-    return RunDistances(s.Options, out, err, terminal && ColourWanted());
+    return RunDistances(s.Options, out, err, terminal && ColourWanted(), progress);
 }
 
 void TakeJobSwitches(JobSwitches& s) {
@@ -317,7 +317,7 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
         return Fit(fitSwitches, out, err, terminal, progress);
     }
     if (render->parsed()) return Render(renderSwitches, err);
-    if (distances->parsed()) return Distances(distancesSwitches, out, err, terminal);
+    if (distances->parsed()) return Distances(distancesSwitches, out, err, terminal, progress);
     if (bundle->parsed()) {
         bundleSwitches.Options.Decimal = DecimalOf(bundleSwitches.Decimal);
         return RunBundle(bundleSwitches.Options, out, err, terminal && ColourWanted(), progress);

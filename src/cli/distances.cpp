@@ -2,6 +2,7 @@
 #include "cli/distances.h"
 
 #include <array>
+#include <chrono>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <vector>
@@ -149,9 +150,37 @@ void WriteJson(const DistancesOptions& options, const Measured& m, std::ostream&
     out << root.dump(2) << "\n";
 }
 
+// How far work on all pairs has come, on one line that is gone at its end. Within the first second nobody
+// waits for it.
+class ShareLine {
+public:
+    ShareLine(std::ostream& err, const char* what, bool shown) : err_(err), what_(what), shown_(shown) {}
+    ~ShareLine() {
+        if (written_) err_ << "\r\x1b[K" << std::flush;
+    }
+    ShareLine(const ShareLine&) = delete;
+    ShareLine& operator=(const ShareLine&) = delete;
+
+    void Show(double share) {
+        const auto now = Clock::now();
+        if (!shown_ || now < next_) return;
+        next_ = now + std::chrono::milliseconds(200);
+        written_ = true;
+        err_ << "\r" << what_ << ": " << static_cast<int>(100 * share) << " %" << std::flush;
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+    std::ostream& err_;
+    const char* what_;
+    bool shown_, written_ = false;
+    Clock::time_point next_ = Clock::now() + std::chrono::seconds(1);
+};
+
 }  // namespace
 
-int RunDistances(const DistancesOptions& options, std::ostream& out, std::ostream& err, bool colour) {
+int RunDistances(const DistancesOptions& options, std::ostream& out, std::ostream& err, bool colour,
+                 bool progress) {
     if (options.Decimal) Headless.Decimal = options.Decimal;
     // The digits of scales are no matter of a job, and nobody's settings are read for them.
     ReadSettingsText(DefaultSettingsText(), "the built-in settings");
@@ -164,11 +193,16 @@ int RunDistances(const DistancesOptions& options, std::ostream& out, std::ostrea
         return Refuse(err, kRefused, "There are not enough identically Points for a calculation");
     if (options.WithResult && m.Points == TakeDistancePoints(false))
         err << "the job holds no result: its transformed points are the start points\n";
-    MeasurePoints(m.Points, m.Rows);
+    {
+        ShareLine line(err, "distances", progress);
+        MeasurePoints(m.Points, m.Rows, [&line](double share) { return line.Show(share), true; });
+    }
     const bool written = Dispatch([&] {
         if (!options.Trumpet.empty())
             WriteFile(options.Trumpet, TrumpetSvg(m.Points, TrumpetTitle(m.Points, options.WithResult)));
-        if (!options.Pairs.empty()) WriteTrumpetFile(options.Pairs, m.Points);
+        if (options.Pairs.empty()) return;
+        ShareLine line(err, "pairs", progress);
+        WriteTrumpetFile(options.Pairs, m.Points, [&line](double share) { return line.Show(share), true; });
     });
     Headless.Dialogs.clear();
     if (!written) return Refuse(err, kRefused, Run.LastPlatformError);

@@ -16,4 +16,6 @@ struct DistancesOptions {
 };
 
 // Gives the exit status. The files are written whole or not at all, before anything goes to `out`.
-int RunDistances(const DistancesOptions& options, std::ostream& out, std::ostream& err, bool colour);
+//   progress  long work tells on `err` how far it is
+int RunDistances(const DistancesOptions& options, std::ostream& out, std::ostream& err, bool colour,
+                 bool progress);
