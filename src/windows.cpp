@@ -33,6 +33,7 @@
 #include "engine/selection.h"
 #include "engine/transform.h"
 #include "graphics/form_color_bar.h"
+#include "graphics/form_graphics_options.h"
 #include "graphics/form_save_view.h"
 #include "graphics/scene.h"
 #include "graphics/screen_window.h"
@@ -46,11 +47,25 @@
 namespace {
 
 const WindowEntry* const kWindows[] = {
-    &FormMain_Entry,          &FormUnits_Entry,          &FormMenuHelpInfo_Entry,  &FormProgressBar_Entry,
-    &FormInputFiles_Entry,    &FormInputStatistic_Entry, &FormOptions_Entry,       &FormTrafoBerechnung_Entry,
-    &FormTrafoDetails_Entry,  &FormMainSheet_Entry,      &FormColorBar_Entry,      &FormSaveView_Entry,
-    &FormDistanceScale_Entry, &FormTrompete_Entry,       &FormStopParaTrafo_Entry, &FormBündel_Entry,
-    &FormBatch_Entry,         &FormChangeDir_Entry,
+    &FormMain_Entry,
+    &FormUnits_Entry,
+    &FormMenuHelpInfo_Entry,
+    &FormProgressBar_Entry,
+    &FormInputFiles_Entry,
+    &FormInputStatistic_Entry,
+    &FormOptions_Entry,
+    &FormTrafoBerechnung_Entry,
+    &FormTrafoDetails_Entry,
+    &FormMainSheet_Entry,
+    &FormColorBar_Entry,
+    &FormSaveView_Entry,
+    &FormDistanceScale_Entry,
+    &FormTrompete_Entry,
+    &FormStopParaTrafo_Entry,
+    &FormBündel_Entry,
+    &FormBatch_Entry,
+    &FormChangeDir_Entry,
+    &FormGraphicsOptions_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.

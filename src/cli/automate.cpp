@@ -329,9 +329,24 @@ json DoClipboard(const json& request) {
     return state;
 }
 
+void RefuseNoFont(const json& value) {
+    if (!value.is_object()) Refuse("a font is an object with name, size, bold and italic");
+    for (const auto& [name, member] : value.items()) {
+        const bool switches =
+            name == "bold" || name == "italic" || name == "underline" || name == "strikethrough";
+        if (!switches && name != "name" && name != "size") Refuse("a font has no \"" + name + "\"");
+        if (switches && !member.is_boolean()) Refuse("\"" + name + "\" of a font is true or false");
+        if (name == "name" && !member.is_string()) Refuse("the name of a font is a text");
+        if (name != "size") continue;
+        const bool fits = member.is_number() && member.get<double>() >= kLeastFontSize &&
+                          member.get<double>() <= kLargestFontSize;
+        if (!fits) Refuse("the size of a font is a number from 1 to 200");
+    }
+}
+
 json DoAnswer(const json& request) {
     const std::string kind = TextMember(request, "kind");
-    constexpr std::array kKinds = {"message", "input", "open", "save", "folder", "colour", "form"};
+    constexpr std::array kKinds = {"message", "input", "open", "save", "folder", "colour", "font", "form"};
     if (std::find(kKinds.begin(), kKinds.end(), kind) == kKinds.end())
         Refuse("no dialog of this kind comes up");
     const json& value = Member(request, "value");
@@ -340,6 +355,9 @@ json DoAnswer(const json& request) {
         queue.push_back(std::nullopt);
     } else if (kind == "colour") {
         queue.push_back(std::to_string(WholeMember(request, "value", 0, 0xffffff)));
+    } else if (kind == "font") {
+        RefuseNoFont(value);
+        queue.push_back(value.dump(-1, ' ', false, json::error_handler_t::replace));
     } else if (kind == "form") {
         if (!value.is_array()) Refuse("a form is answered by an array of requests");
         queue.push_back(value.dump(-1, ' ', false, json::error_handler_t::replace));

@@ -117,6 +117,10 @@ json LabelAsControl(const ScreenLabel& label) {
     return state;
 }
 
+json FontToJson(const TextFont& font) {
+    return {{"name", font.Name}, {"size", font.Size}, {"bold", font.Bold}, {"italic", font.Italic}};
+}
+
 json WholeToJson(const ScreenWindow& window) {
     json state = ScreenToJson(window.State);
     state.update(OwnFields(window));
@@ -126,6 +130,7 @@ json WholeToJson(const ScreenWindow& window) {
     for (const ScreenLabel* label : {&window.LabelScale, &window.LabelVectorScale})
         if (label->Visible && !label->Text.empty()) labels.push_back(LabelToJson(*label));
     state["labels"] = std::move(labels);
+    state["labelFont"] = FontToJson(window.LabelFont);
     state["caption"] = window.Caption;
     state["width"] = window.Screen.Width;
     state["height"] = window.Screen.Height;

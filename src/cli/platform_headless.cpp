@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 
 #include "cli/headless.h"
 #include "core/large_pages.h"
@@ -74,6 +75,31 @@ std::optional<std::int32_t> AskColour(std::int32_t preset) {
     const char* const end = answer->data() + answer->size();
     const auto [stop, error] = std::from_chars(answer->data(), end, colour);
     if (error == std::errc() && stop == end && colour >= 0 && colour <= 0xffffff) return colour;
+    Headless.Dialogs.back().Answer.reset();
+    Headless.Unanswered = true;
+    return std::nullopt;
+}
+
+// Answered by an object whose members stand for those of the preset; what it leaves out stays.
+std::optional<TextFont> AskFont(const TextFont& preset) {
+    using nlohmann::json;
+    const json shown = {
+        {"name", preset.Name}, {"size", preset.Size}, {"bold", preset.Bold}, {"italic", preset.Italic}};
+    const auto answer =
+        Answer({"font", "", "", {}, shown.dump(-1, ' ', false, json::error_handler_t::replace), "", {}, ""});
+    if (!answer) return std::nullopt;
+    TextFont font = preset;
+    try {
+        const json chosen = json::parse(*answer);
+        font.Name = chosen.value("name", font.Name);
+        font.Size = chosen.value("size", font.Size);
+        font.Bold = chosen.value("bold", font.Bold);
+        font.Italic = chosen.value("italic", font.Italic);
+        font.Underline = chosen.value("underline", font.Underline);
+        font.Strikethrough = chosen.value("strikethrough", font.Strikethrough);
+        if (font.Size >= kLeastFontSize && font.Size <= kLargestFontSize) return font;
+    } catch (const json::exception&) {  // no font at all
+    }
     Headless.Dialogs.back().Answer.reset();
     Headless.Unanswered = true;
     return std::nullopt;

@@ -187,6 +187,7 @@ struct FormMain {
     static void MenüGraphicsLinesDeleteLines_Click();
     static void MenüGlobalRotateAbout_Click();
     static void MenüGlobalFlagsMode_Click();
+    static void MenüGlobalGeneralGraphicsSettings_Click();
     static void MenüViewSaveView_Click();
     static void MenüViewDeleteView_Click();
     static void MenüViewLastView_Click();

@@ -8,6 +8,7 @@
 #include "graphics/analyse_mode.h"
 #include "graphics/bindings_overlay.h"
 #include "graphics/drawing.h"
+#include "graphics/form_graphics_options.h"
 #include "graphics/picking.h"
 #include "graphics/saved_views.h"
 #include "graphics/scene.h"
@@ -117,6 +118,7 @@ void FormMain::MenüAnsichtToleranzenColorbar_Click() {
     Settings.ShowColorBar = ToFlag(!IsTrue(Settings.ShowColorBar));
     Main.MenüAnsichtToleranzenColorbar.Checked = IsTrue(Settings.ShowColorBar);
     DrawActualPoint(findLFDFORM());  // the switch is that of all windows
+    GraphicsOptions_ShowColorBar();
     SettingsSchreiben({"ShowColorBar"});
 }
 void FormMain::MenüAnsichtToleranzenEinstellungen_Click() {
@@ -157,6 +159,9 @@ void FormMain::MenüGlobalRotateAbout_Click() {
 }
 void FormMain::MenüGlobalFlagsMode_Click() {
     Toggle(&ScreenRecord::FlagMode);
+}
+void FormMain::MenüGlobalGeneralGraphicsSettings_Click() {
+    ShowWindow("FormGraphicsOptions");
 }
 
 void FormMain::MenüViewSaveView_Click() {

@@ -155,7 +155,8 @@ void CloseScreenWindow(ScreenWindow& window) {
     if (screens.Active != nullptr)
         ColorBar_ShowWindow(*screens.Active);
     else
-        UnloadWindow("FormColorBar");  // there is nothing left that it could refer to
+        for (const char* dialog : {"FormColorBar", "FormGraphicsOptions"})
+            UnloadWindow(dialog);  // there is nothing left that it could refer to
     GraphicsFormOpen();
 }
 

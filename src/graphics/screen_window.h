@@ -61,6 +61,7 @@ struct ScreenWindow {
     bool BindingsShown = false;       // the text about mouse and keys lies over the picture
     std::vector<ScreenLabel> Labels;  // all but the two below; made anew by each paint
     ScreenLabel LabelScale, LabelVectorScale;
+    TextFont LabelFont;                                // of all labels
     std::array<std::string, kScreenPanels + 1> Panel;  // the status bar, from 1
     std::string Deviation;                             // of the point that the panels name
     bool StatusBarVisible = true;                      // hidden while the picture goes to the clipboard

@@ -4,14 +4,16 @@
 #include <QImage>
 #include <string>
 
+#include "core/text_font.h"
+
 // Writes `text` with its top left corner at (x, y), logical pixels; `scale` pixels of the image to the
 // logical one. What lies outside the image is cut off. Nothing around the letters is covered.
 //   picture    Format_RGB32
 //   colour     as the picture holds it
 //   behind     colour of the thin edge that parts the letters from what they stand on
-void DrawLabelText(QImage& picture, double scale, float x, float y, const std::string& text, QRgb colour,
-                   QRgb behind);
+void DrawLabelText(QImage& picture, double scale, float x, float y, const std::string& text,
+                   const TextFont& textFont, QRgb colour, QRgb behind);
 
-// Width of a text, logical pixels.
+// Width of a text in the font that pictures have by themselves, logical pixels.
 double LabelTextWidth(const std::string& text);
 double LabelTextHeight();

@@ -149,7 +149,8 @@ void DrawCircle(Surface& screen, float x, float y, float radius, Colour colour, 
 void DrawText(Surface& screen, float x, float y, const std::string& text, Colour colour) {
     Picture& picture = PictureBehind(screen);
     if (picture.Painter.isActive()) picture.Painter.end();
-    DrawLabelText(picture.Image, screen.Scale, x, y, text, RgbOf(colour), RgbOf(picture.Background));
+    DrawLabelText(picture.Image, screen.Scale, x, y, text, screen.Font, RgbOf(colour),
+                  RgbOf(picture.Background));
 }
 
 void EndPaint(Surface& screen) {
@@ -169,8 +170,8 @@ bool IsPicture(const Surface& screen) {
 
 void DrawLabel(QImage& image, const ScreenWindow& window, const ScreenLabel& label) {
     if (!label.Visible) return;
-    DrawLabelText(image, window.Screen.Scale, label.X, label.Y, label.Text, RgbOf(label.ForeColor),
-                  RgbOf(window.BackColor));
+    DrawLabelText(image, window.Screen.Scale, label.X, label.Y, label.Text, window.LabelFont,
+                  RgbOf(label.ForeColor), RgbOf(window.BackColor));
 }
 
 }  // namespace

@@ -35,6 +35,7 @@
 #include "core/run.h"
 #include "core/text.h"
 #include "graphics/form_color_bar.h"
+#include "graphics/form_graphics_options.h"
 #include "import/form_input_files.h"
 #include "paraboloid/form_stop_para_trafo.h"
 #include "ui/binder.h"
@@ -51,9 +52,10 @@
 namespace {
 
 // The windows that stand above the frame; all others stand inside it.
-constexpr std::array<std::string_view, 10> kDialogs = {
-    "FormUnits",    "FormOptions",  "FormMenuHelpInfo",  "FormProgressBar", "FormInputFiles",
-    "FormColorBar", "FormSaveView", "FormStopParaTrafo", "FormBatch",       "FormChangeDir"};
+constexpr std::array<std::string_view, 11> kDialogs = {
+    "FormUnits",      "FormOptions",   "FormMenuHelpInfo",   "FormProgressBar",
+    "FormInputFiles", "FormColorBar",  "FormSaveView",       "FormStopParaTrafo",
+    "FormBatch",      "FormChangeDir", "FormGraphicsOptions"};
 
 // Work that writes a text at every step shows it no more often than this.
 constexpr qint64 kBetweenPanels_ms = 100;
@@ -89,9 +91,9 @@ bool IsOfLongWork(const WindowEntry& window) {
     return &window == &FormProgressBar_Entry || &window == &FormStopParaTrafo_Entry;
 }
 
-// The dialog of the colours is at work beside the pictures that it changes.
+// These dialogs are at work beside the pictures that they change.
 bool IsBeside(const WindowEntry& window) {
-    return &window == &FormColorBar_Entry;
+    return &window == &FormColorBar_Entry || &window == &FormGraphicsOptions_Entry;
 }
 
 QWidget* LoadForm(const WindowEntry& window) {

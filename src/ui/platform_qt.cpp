@@ -8,6 +8,8 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFileDialog>
+#include <QFont>
+#include <QFontDialog>
 #include <QInputDialog>
 #include <QLocale>
 #include <QMessageBox>
@@ -15,6 +17,7 @@
 #include <QPushButton>
 #include <QTimer>
 #include <QUrl>
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 
@@ -139,6 +142,24 @@ std::optional<std::int32_t> AskColour(std::int32_t preset) {
     const QColor chosen = QColorDialog::getColor(ColourOf(preset), DialogParent());
     if (!chosen.isValid()) return std::nullopt;
     return chosen.red() | chosen.green() << 8 | chosen.blue() << 16;
+}
+
+std::optional<TextFont> AskFont(const TextFont& preset) {
+    ShowState();
+    const PlainPointer pointer;
+    QFont font(preset.Name.empty() ? QStringLiteral("DejaVu Sans") : Q(preset.Name));
+    font.setPointSizeF(std::clamp(preset.Size, kLeastFontSize, kLargestFontSize));
+    font.setBold(preset.Bold);
+    font.setItalic(preset.Italic);
+    font.setUnderline(preset.Underline);
+    font.setStrikeOut(preset.Strikethrough);
+    bool taken = false;
+    const QFont chosen = QFontDialog::getFont(&taken, font, DialogParent());
+    if (!taken) return std::nullopt;
+    const auto size = static_cast<float>(chosen.pointSizeF());
+    return TextFont{S(chosen.family()), std::clamp(size, kLeastFontSize, kLargestFontSize),
+                    chosen.bold(),      chosen.italic(),
+                    chosen.underline(), chosen.strikeOut()};
 }
 
 void WaitForWindow(const std::string& name) {

@@ -277,6 +277,9 @@ void ScreenPictures() {
     Trigger("ToolbarGraphics.ColorBar");
     SaveWindow("FormColorBar");
     Close("FormColorBar");
+    Trigger("MenüGlobalGeneralGraphicsSettings");
+    SaveWindow("FormGraphicsOptions");
+    Close("FormGraphicsOptions");
     // The dialog is waited for, so its picture is taken from inside the wait.
     QTimer::singleShot(200, [] {
         SaveWindow("FormSaveView");
