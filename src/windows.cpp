@@ -2,6 +2,7 @@
 #include "analysis/form_batch.h"
 #include "analysis/form_change_dir.h"
 #include "analysis/form_distance_scale.h"
+#include "analysis/form_grafik.h"
 #include "analysis/form_input_statistic.h"
 #include "analysis/form_main_sheet.h"
 #include "analysis/form_options.h"
@@ -32,6 +33,7 @@
 #include "engine/norms.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
+#include "graphics/form_black_plane.h"
 #include "graphics/form_color_bar.h"
 #include "graphics/form_graphics_options.h"
 #include "graphics/form_save_view.h"
@@ -66,6 +68,8 @@ const WindowEntry* const kWindows[] = {
     &FormBatch_Entry,
     &FormChangeDir_Entry,
     &FormGraphicsOptions_Entry,
+    &FormBlackPlane_Entry,
+    &FormGrafik_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.

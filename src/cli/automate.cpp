@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "analysis/form_change_dir.h"
+#include "cli/automate_chart.h"
 #include "cli/automate_replies.h"
 #include "cli/automate_screens.h"
 #include "cli/automate_trumpet.h"
@@ -283,6 +284,7 @@ json DoGet(const json& request) {
     if (target.Control == nullptr) return WindowToJson(*target.Window);
     json state = ControlToJson(*target.Control->Place);
     if (IsTrumpetPlace(TextMember(request, "at"))) AddTrumpet(request, state);
+    if (IsChartPlace(TextMember(request, "at"))) AddChart(state);
     return state;
 }
 

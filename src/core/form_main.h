@@ -144,6 +144,7 @@ struct FormMain {
     static void MenüDateiAlt4_Click();
     static void MenuFileExit_Click();
     static void MenuEditCopy_Click();
+    static void MenuEditGraphData_Click();  // in analysis/form_grafik.cpp
     static void MenuVievMainSheet_Click();
     static void MenüViewInputStatistic_Click();
     static void MenuTransformationCalculation_Click();
@@ -181,6 +182,7 @@ struct FormMain {
     static void MenüAnsichtAnalyseModeLess_Click();
     static void MenüAnsichtToleranzenColorbar_Click();
     static void MenüAnsichtToleranzenEinstellungen_Click();
+    static void MenüGrafikBlackPlane_Click();
     static void MenüGraphicsPrint_Click();
     static void MenüGraphicsLinesLineModeActive_Click();
     static void MenüGraphicsLinesSetLines_Click();

@@ -6,6 +6,7 @@
 #include "core/form_main.h"
 #include "core/run.h"
 #include "core/settings.h"
+#include "graphics/black_planes.h"
 #include "graphics/lines.h"
 #include "graphics/point_loop.h"
 #include "graphics/projection.h"
@@ -32,6 +33,8 @@ void Stelle_Grafik_dar(ScreenWindow& window) {
     RechneCloudAndPixels(window);
     Surface& screen = window.Screen;
     if (screen.Clear != nullptr) screen.Clear(screen, window.BackColor);
+    if (IsTrue(window.State.BlackPlane)) Zeichne_Black_Plane(window);
+    SetInside(window);
     const DepthSize depth = DepthOf(window);
     window.Labels.clear();
     DrawPoints(window, depth);

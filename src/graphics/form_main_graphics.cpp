@@ -124,6 +124,9 @@ void FormMain::MenüAnsichtToleranzenColorbar_Click() {
 void FormMain::MenüAnsichtToleranzenEinstellungen_Click() {
     ShowWindow("FormColorBar");
 }
+void FormMain::MenüGrafikBlackPlane_Click() {
+    ShowWindow("FormBlackPlane");
+}
 void FormMain::MenüGraphicsPrint_Click() {
     MenüGraphicsPrint_Command();
 }

@@ -7,6 +7,7 @@
 #include "core/settings.h"
 #include "engine/rotations.h"
 #include "engine/transform.h"
+#include "graphics/black_planes.h"
 #include "graphics/drawing.h"
 #include "graphics/lines.h"
 #include "graphics/picking.h"
@@ -46,6 +47,15 @@ void PaintWithoutNames(ScreenWindow& window) {
     };
     const NamesOff off;
     Stelle_Grafik_dar(window);
+    window.Mouse.ViewMoved = true;
+}
+
+void MovePlanes(ScreenWindow& window, const MouseEvent& event) {
+    const double dx = window.Mouse.X - event.X, dy = window.Mouse.Y - event.Y;
+    if (window.Mouse.KeyT) MoveTopPlane(window, dx, dy);
+    if (window.Mouse.KeyB) ThickenSlab(window, dx, dy);
+    Stelle_Grafik_dar(window);
+    // Also where the key is let go before the button, which is no end of a frame then.
     window.Mouse.ViewMoved = true;
 }
 
@@ -166,6 +176,8 @@ void ScreenPixel_MouseMove(ScreenWindow& window, const MouseEvent& event) {
         Rotate(window, event);
     else if (left && Panning(event))
         Pan(window, event);
+    else if (left && MovesPlane(window) && IsTrue(window.State.BlackPlane))
+        MovePlanes(window, event);
     else if (left && mouse.FrameArmed && !mouse.ViewMoved && !MovesPlane(window))
         SizeFrame(mouse, event);
     mouse.X = event.X;

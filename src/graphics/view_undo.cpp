@@ -8,6 +8,7 @@
 #include "core/controller.h"
 #include "core/form_main.h"
 #include "graphics/drawing.h"
+#include "graphics/form_black_plane.h"
 #include "graphics/form_color_bar.h"
 #include "graphics/scene.h"
 #include "graphics/view_values.h"
@@ -68,6 +69,7 @@ void GetScreenPropertiesFromRecord(ScreenWindow& window, const ScreenRecord& vie
     window.State.FlagIndex.resize(static_cast<std::size_t>(Scene.Rows));
     window.State.FlagIndexShape.clear();
     ColorBar_ShowWindow(window);
+    BlackPlane_ShowWindow(window);
     Stelle_Grafik_dar(window);
     ProgrammLogik();
     ShowUndoState();
