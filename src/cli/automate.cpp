@@ -18,6 +18,7 @@
 #include "cli/automate_trumpet.h"
 #include "cli/control_json.h"
 #include "cli/folder_answer.h"
+#include "cli/font_answer.h"
 #include "cli/headless.h"
 #include "cli/record_json.h"
 #include "cli/request.h"
@@ -329,21 +330,6 @@ json DoClipboard(const json& request) {
     const ClipboardImage& picture = Headless.ClipboardPicture;
     if (picture.Width > 0) state["picture"] = {{"width", picture.Width}, {"height", picture.Height}};
     return state;
-}
-
-void RefuseNoFont(const json& value) {
-    if (!value.is_object()) Refuse("a font is an object with name, size, bold and italic");
-    for (const auto& [name, member] : value.items()) {
-        const bool switches =
-            name == "bold" || name == "italic" || name == "underline" || name == "strikethrough";
-        if (!switches && name != "name" && name != "size") Refuse("a font has no \"" + name + "\"");
-        if (switches && !member.is_boolean()) Refuse("\"" + name + "\" of a font is true or false");
-        if (name == "name" && !member.is_string()) Refuse("the name of a font is a text");
-        if (name != "size") continue;
-        const bool fits = member.is_number() && member.get<double>() >= kLeastFontSize &&
-                          member.get<double>() <= kLargestFontSize;
-        if (!fits) Refuse("the size of a font is a number from 1 to 200");
-    }
 }
 
 json DoAnswer(const json& request) {
