@@ -33,6 +33,7 @@
 #include "engine/selection.h"
 #include "engine/transform.h"
 #include "graphics/form_color_bar.h"
+#include "graphics/form_edit_fahne.h"
 #include "graphics/form_save_view.h"
 #include "graphics/scene.h"
 #include "graphics/screen_window.h"
@@ -50,7 +51,7 @@ const WindowEntry* const kWindows[] = {
     &FormInputFiles_Entry,    &FormInputStatistic_Entry, &FormOptions_Entry,       &FormTrafoBerechnung_Entry,
     &FormTrafoDetails_Entry,  &FormMainSheet_Entry,      &FormColorBar_Entry,      &FormSaveView_Entry,
     &FormDistanceScale_Entry, &FormTrompete_Entry,       &FormStopParaTrafo_Entry, &FormBündel_Entry,
-    &FormBatch_Entry,         &FormChangeDir_Entry,
+    &FormBatch_Entry,         &FormChangeDir_Entry,      &FormEditFahne_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.

@@ -17,6 +17,7 @@
 #include "cli/automate_trumpet.h"
 #include "cli/control_json.h"
 #include "cli/folder_answer.h"
+#include "cli/font_answer.h"
 #include "cli/headless.h"
 #include "cli/record_json.h"
 #include "cli/request.h"
@@ -211,7 +212,7 @@ json ClickGrid(const json& request, Control& control) {
 }
 
 json DoClick(const json& request) {
-    if (IsOnScreen(request)) RefuseOnScreen(request);
+    if (IsOnScreen(request)) return FlagClick(request, false);
     Control& control = FindReachable(request);
     if (control.Kind == ControlKind::Grid) return ClickGrid(request, control);
     if (control.Kind == ControlKind::Check) {
@@ -225,7 +226,7 @@ json DoClick(const json& request) {
 }
 
 json DoDblClick(const json& request) {
-    if (IsOnScreen(request)) RefuseOnScreen(request);
+    if (IsOnScreen(request)) return FlagClick(request, true);
     Control& control = FindReachable(request);
     if (control.Kind != ControlKind::Grid) {
         UserDblClick(control);
@@ -331,7 +332,7 @@ json DoClipboard(const json& request) {
 
 json DoAnswer(const json& request) {
     const std::string kind = TextMember(request, "kind");
-    constexpr std::array kKinds = {"message", "input", "open", "save", "folder", "colour", "form"};
+    constexpr std::array kKinds = {"message", "input", "open", "save", "folder", "colour", "font", "form"};
     if (std::find(kKinds.begin(), kKinds.end(), kind) == kKinds.end())
         Refuse("no dialog of this kind comes up");
     const json& value = Member(request, "value");
@@ -340,6 +341,11 @@ json DoAnswer(const json& request) {
         queue.push_back(std::nullopt);
     } else if (kind == "colour") {
         queue.push_back(std::to_string(WholeMember(request, "value", 0, 0xffffff)));
+    } else if (kind == "font") {
+        FontChoice font;
+        const std::string text = value.dump(-1, ' ', false, json::error_handler_t::replace);
+        if (!FontFromText(text, font)) Refuse("a font has a name, a size, bold and italic");
+        queue.push_back(text);
     } else if (kind == "form") {
         if (!value.is_array()) Refuse("a form is answered by an array of requests");
         queue.push_back(value.dump(-1, ' ', false, json::error_handler_t::replace));

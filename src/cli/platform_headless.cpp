@@ -9,7 +9,9 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "cli/font_answer.h"
 #include "cli/headless.h"
+#include "core/ask_font.h"
 #include "core/large_pages.h"
 #include "core/platform.h"
 #include "core/require.h"
@@ -74,6 +76,16 @@ std::optional<std::int32_t> AskColour(std::int32_t preset) {
     const char* const end = answer->data() + answer->size();
     const auto [stop, error] = std::from_chars(answer->data(), end, colour);
     if (error == std::errc() && stop == end && colour >= 0 && colour <= 0xffffff) return colour;
+    Headless.Dialogs.back().Answer.reset();
+    Headless.Unanswered = true;
+    return std::nullopt;
+}
+
+std::optional<FontChoice> AskFont(const FontChoice& preset) {
+    const auto answer = Answer({"font", "", "", {}, preset.Name, "", {}, ""});
+    if (!answer) return std::nullopt;
+    FontChoice chosen = preset;
+    if (FontFromText(*answer, chosen)) return chosen;
     Headless.Dialogs.back().Answer.reset();
     Headless.Unanswered = true;
     return std::nullopt;

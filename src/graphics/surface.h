@@ -16,6 +16,14 @@ constexpr std::uint32_t PixelOf(Colour colour) {
     return 0xff000000U | (c & 0xffU) << 16U | (c & 0xff00U) | (c >> 16U & 0xffU);
 }
 
+// What letters look like where a text bears a font of its own.
+struct TextFont {
+    std::string Name;
+    float Size = 8;  // points, 96 pixels to 72 of them
+    bool Bold = false, Italic = false, Underline = false, Strikethrough = false;
+    bool operator==(const TextFont&) const = default;
+};
+
 struct Surface {
     int Width = 0, Height = 0;  // logical pixels: what all coordinates count in
     int StatusBarHeight = 0;    // rows at the lower edge that a status bar hides
@@ -35,6 +43,13 @@ struct Surface {
     // Writes a text into the picture, its top left corner at (x, y); for pictures that leave the window with
     // their labels.
     void (*Text)(Surface&, float x, float y, const std::string& text, Colour colour) = nullptr;
+    // A rectangle of one colour.
+    void (*Fill)(Surface&, float x, float y, float width, float height, Colour colour) = nullptr;
+    // A text on a ground of its own: letters alone, its top left corner at (x, y).
+    void (*FontText)(Surface&, float x, float y, const std::string& text, Colour colour,
+                     const TextFont& font) = nullptr;
+    double (*FontWidth)(const TextFont& font, const std::string& text) = nullptr;  // pixels
+    double (*FontHeight)(const TextFont& font) = nullptr;                          // of a line, pixels
     // Tells that the picture has changed and may be shown.
     void (*Refresh)(Surface&) = nullptr;
     void (*Close)(Surface&) = nullptr;  // frees what stands behind the table

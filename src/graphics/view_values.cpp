@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstdint>
 
+#include "graphics/flags.h"
+
 namespace {
 
 template <class Number>
@@ -35,6 +37,7 @@ void MakeViewUsable(ScreenRecord& view) {
     }
     for (double& angle : view.RotAngles) KeepFinite(angle, 0.0);
     for (std::int32_t* spacing : {&view.ADis, &view.BDis, &view.Cdis}) *spacing = std::max(*spacing, 0);
+    MakeFlagsUsable(view);
     if (view.LineTable.size() % 2 != 0) {
         view.LineTable.clear();
         view.LineTableShape.clear();

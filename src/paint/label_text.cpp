@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "paint/gui.h"
+#include "paint/picture.h"
 
 namespace {
 
@@ -58,6 +59,38 @@ FontMasks& MasksOf(double scale) {
     if (found != sizes.end()) return found->second;
     const QFont font = FontOf(pixels);
     return sizes.emplace(pixels, FontMasks{font, QFontMetricsF(font), {}, {}}).first->second;
+}
+
+// Fonts of flags, by all that tells one from another and the size in pixels of the device.
+struct FontKey {
+    std::string Name;
+    int Pixels = 0;
+    bool Bold = false, Italic = false;
+    auto operator<=>(const FontKey&) const = default;
+};
+
+QFont FontOf(const FontKey& key) {
+    QFont font = FontOf(key.Pixels);
+    if (!key.Name.empty())
+        font.setFamilies({QString::fromStdString(key.Name), "DejaVu Sans", "Verdana", "Arial"});
+    font.setBold(key.Bold);
+    font.setItalic(key.Italic);
+    return font;
+}
+
+FontMasks& MasksOf(const TextFont& font, double scale) {
+    static std::map<FontKey, FontMasks> fonts;
+    EnsureGui();
+    constexpr double kPixelsToPoint = 96.0 / 72;
+    constexpr std::size_t kMostFonts = 64;  // that are kept
+    const FontKey key = {font.Name,
+                         std::max(1, static_cast<int>(std::lround(font.Size * kPixelsToPoint * scale))),
+                         font.Bold, font.Italic};
+    const auto found = fonts.find(key);
+    if (found != fonts.end()) return found->second;
+    if (fonts.size() >= kMostFonts) fonts.clear();
+    const QFont chosen = FontOf(key);
+    return fonts.emplace(key, FontMasks{chosen, QFontMetricsF(chosen), {}, {}}).first->second;
 }
 
 // Every pixel of the edge is as strong as the strongest of the letter within one pixel of it.
@@ -209,6 +242,38 @@ void DrawLabelText(QImage& picture, double scale, float x, float y, const std::s
         Stamp(picture, *mask.What, mask.What->Edge, penX + mask.X, penY, behind);
     for (const PlacedMask& mask : placed)
         Stamp(picture, *mask.What, mask.What->Letter, penX + mask.X, penY, colour);
+}
+
+void DrawFontText(QImage& picture, double scale, float x, float y, const std::string& text, QRgb colour,
+                  const TextFont& font) {
+    const double left = std::round(x * scale), top = std::round(y * scale);
+    if (!(std::abs(left) < 1e6 && std::abs(top) < 1e6)) return;
+    static std::vector<PlacedMask> placed;
+    FontMasks& masks = MasksOf(font, scale);
+    const int width = SetText(masks, text, placed);
+    const int penX = static_cast<int>(left), penY = static_cast<int>(top);
+    for (const PlacedMask& mask : placed)
+        Stamp(picture, *mask.What, mask.What->Letter, penX + mask.X, penY, colour);
+    const auto stroke = [&](double below) {
+        const int thick = std::max(1, static_cast<int>(std::lround(masks.Metrics.lineWidth())));
+        const int first = penY + static_cast<int>(std::lround(masks.Metrics.ascent() + below));
+        const int begin = std::max(0, penX), end = std::min(picture.width(), penX + width);
+        for (int row = std::max(0, first); row < std::min(picture.height(), first + thick); ++row)
+            if (begin < end)
+                std::fill(reinterpret_cast<QRgb*>(picture.scanLine(row)) + begin,
+                          reinterpret_cast<QRgb*>(picture.scanLine(row)) + end, colour);
+    };
+    if (font.Underline) stroke(masks.Metrics.underlinePos());
+    if (font.Strikethrough) stroke(-masks.Metrics.strikeOutPos());
+}
+
+double FontTextWidth(const TextFont& font, const std::string& text) {
+    std::vector<PlacedMask> placed;
+    return SetText(MasksOf(font, 1), text, placed);
+}
+
+double FontTextHeight(const TextFont& font) {
+    return std::ceil(MasksOf(font, 1).Metrics.height());
 }
 
 double LabelTextWidth(const std::string& text) {

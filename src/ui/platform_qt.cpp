@@ -8,6 +8,10 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFileDialog>
+#include <QFont>
+#include <QFontDialog>
+#include <QGridLayout>
+#include <QIcon>
 #include <QInputDialog>
 #include <QLocale>
 #include <QMessageBox>
@@ -18,6 +22,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "core/ask_font.h"
 #include "core/files.h"
 #include "core/large_pages.h"
 #include "core/platform.h"
@@ -139,6 +144,47 @@ std::optional<std::int32_t> AskColour(std::int32_t preset) {
     const QColor chosen = QColorDialog::getColor(ColourOf(preset), DialogParent());
     if (!chosen.isValid()) return std::nullopt;
     return chosen.red() | chosen.green() << 8 | chosen.blue() << 16;
+}
+
+std::optional<FontChoice> AskFont(const FontChoice& preset) {
+    ShowState();
+    const PlainPointer pointer;
+    QFont font(Q(preset.Name));
+    font.setPointSizeF(preset.Size);
+    font.setBold(preset.Bold);
+    font.setItalic(preset.Italic);
+    font.setUnderline(preset.Underline);
+    font.setStrikeOut(preset.Strikethrough);
+    QFontDialog dialog(font, DialogParent());
+    // The system's own dialog has no room for the colour.
+    dialog.setOption(QFontDialog::DontUseNativeDialog);
+    QColor colour = ColourOf(preset.Colour);
+    QPushButton button(QStringLiteral("C&olor..."), &dialog);
+    const auto show = [&button, &colour] {
+        QPixmap sample(16, 16);
+        sample.fill(colour);
+        button.setIcon(QIcon(sample));
+    };
+    show();
+    QObject::connect(&button, &QPushButton::clicked, &dialog, [&] {
+        const QColor chosen = QColorDialog::getColor(colour, &dialog);
+        if (chosen.isValid()) colour = chosen;
+        show();
+    });
+    button.setAutoDefault(false);
+    if (auto* grid = qobject_cast<QGridLayout*>(dialog.layout()))
+        grid->addWidget(&button, grid->rowCount(), 0, 1, 2, Qt::AlignLeft);
+    if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+    const QFont taken = dialog.selectedFont();
+    FontChoice chosen;
+    chosen.Name = S(taken.family());
+    chosen.Size = taken.pointSizeF() > 0 ? taken.pointSizeF() : preset.Size;
+    chosen.Bold = taken.bold();
+    chosen.Italic = taken.italic();
+    chosen.Underline = taken.underline();
+    chosen.Strikethrough = taken.strikeOut();
+    chosen.Colour = colour.red() | colour.green() << 8 | colour.blue() << 16;
+    return chosen;
 }
 
 void WaitForWindow(const std::string& name) {
