@@ -35,6 +35,7 @@
 #include "engine/transform.h"
 #include "graphics/form_black_plane.h"
 #include "graphics/form_color_bar.h"
+#include "graphics/form_edit_fahne.h"
 #include "graphics/form_graphics_options.h"
 #include "graphics/form_save_view.h"
 #include "graphics/scene.h"
@@ -70,6 +71,7 @@ const WindowEntry* const kWindows[] = {
     &FormGraphicsOptions_Entry,
     &FormBlackPlane_Entry,
     &FormGrafik_Entry,
+    &FormEditFahne_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.

@@ -213,7 +213,7 @@ json ClickGrid(const json& request, Control& control) {
 }
 
 json DoClick(const json& request) {
-    if (IsOnScreen(request)) RefuseOnScreen(request);
+    if (IsOnScreen(request)) return FlagClick(request, false);
     Control& control = FindReachable(request);
     if (control.Kind == ControlKind::Grid) return ClickGrid(request, control);
     if (control.Kind == ControlKind::Check) {
@@ -227,7 +227,7 @@ json DoClick(const json& request) {
 }
 
 json DoDblClick(const json& request) {
-    if (IsOnScreen(request)) RefuseOnScreen(request);
+    if (IsOnScreen(request)) return FlagClick(request, true);
     Control& control = FindReachable(request);
     if (control.Kind != ControlKind::Grid) {
         UserDblClick(control);

@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "cli/automate_flags.h"
 #include "cli/headless.h"
 #include "cli/record_json.h"
 #include "cli/request.h"
@@ -162,6 +163,7 @@ json PictureToJson(const ScreenWindow& window) {
 }
 
 json PartToJson(const ScreenWindow& window, const std::string& part) {
+    if (IsFlagPart(part)) return FlagToJson(window, part);
     if (part == "ScreenPixel") return PictureToJson(window);
     if (part == "LabelScale") return LabelAsControl(window.LabelScale);
     if (part == "LabelVectorScale") return LabelAsControl(window.LabelVectorScale);
@@ -443,6 +445,17 @@ json ScreenMouseEvent(const json& request) {
     mouse.Event.Ctrl = FlagMember(request, "ctrl") || Hands.Ctrl;
     DoMouse(id, what, mouse, request);
     return json::object();
+}
+
+json FlagClick(const json& request, bool twice) {
+    const ScreenTarget target = FindScreen(request);
+    if (!IsFlagPart(target.Part)) RefuseOnScreen(request);
+    RefuseWhileAnotherIsWaitedFor(target.Window->Caption);
+    json mouse = MouseOnFlag(*target.Window, target.Part, request);
+    const std::string at = TextMember(request, "at");
+    mouse["at"] = at.substr(0, at.find('.'));
+    mouse["event"] = twice ? "dblclick" : "click";
+    return ScreenMouseEvent(mouse);
 }
 
 void RefuseOnScreen(const json& request) {

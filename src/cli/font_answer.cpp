@@ -9,9 +9,12 @@ void RefuseNoFont(const nlohmann::json& value) {
     for (const auto& [name, member] : value.items()) {
         const bool switches =
             name == "bold" || name == "italic" || name == "underline" || name == "strikethrough";
-        if (!switches && name != "name" && name != "size") Refuse("a font has no \"" + name + "\"");
+        if (!switches && name != "name" && name != "size" && name != "color")
+            Refuse("a font has no \"" + name + "\"");
         if (switches && !member.is_boolean()) Refuse("\"" + name + "\" of a font is true or false");
         if (name == "name" && !member.is_string()) Refuse("the name of a font is a text");
+        if (name == "color" && !(member.is_number_unsigned() && member.get<std::uint64_t>() <= 0xffffff))
+            Refuse("the color of a font is a number from 0 to 16777215");
         if (name != "size") continue;
         const bool fits = member.is_number() && member.get<double>() >= kLeastFontSize &&
                           member.get<double>() <= kLargestFontSize;

@@ -1,5 +1,5 @@
-// The answer to the choice of a font: an object with any of name, size, bold, italic, underline and
-// strikethrough.
+// The answer to the choice of a font: an object with any of name, size, bold, italic, underline,
+// strikethrough and color (RGB with red in the low byte).
 #pragma once
 
 #include <nlohmann/json.hpp>

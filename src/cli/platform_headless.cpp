@@ -81,10 +81,11 @@ std::optional<std::int32_t> AskColour(std::int32_t preset) {
 }
 
 // Answered by an object whose members stand for those of the preset; what it leaves out stays.
-std::optional<TextFont> AskFont(const TextFont& preset) {
+std::optional<TextFont> AskFont(const TextFont& preset, std::int32_t* colour) {
     using nlohmann::json;
-    const json shown = {
+    json shown = {
         {"name", preset.Name}, {"size", preset.Size}, {"bold", preset.Bold}, {"italic", preset.Italic}};
+    if (colour != nullptr) shown["color"] = *colour;
     const auto answer =
         Answer({"font", "", "", {}, shown.dump(-1, ' ', false, json::error_handler_t::replace), "", {}, ""});
     if (!answer) return std::nullopt;
@@ -97,7 +98,11 @@ std::optional<TextFont> AskFont(const TextFont& preset) {
         font.Italic = chosen.value("italic", font.Italic);
         font.Underline = chosen.value("underline", font.Underline);
         font.Strikethrough = chosen.value("strikethrough", font.Strikethrough);
-        if (font.Size >= kLeastFontSize && font.Size <= kLargestFontSize) return font;
+        const std::int32_t letters = chosen.value("color", colour != nullptr ? *colour : 0);
+        if (font.Size >= kLeastFontSize && font.Size <= kLargestFontSize) {
+            if (colour != nullptr) *colour = letters & 0xffffff;
+            return font;
+        }
     } catch (const json::exception&) {  // no font at all
     }
     Headless.Dialogs.back().Answer.reset();

@@ -71,6 +71,10 @@ struct FormMain {
     Control MenüGraphicsLinesLineModeActive = Menu("&Line Mode");
     Control MenüGraphicsLinesSetLines = Menu("&Set Lines");
     Control MenüGraphicsLinesDeleteLines = Menu("&Delete Lines");
+    Control MenuFahne = Menu("Fla&g");
+    Control MenuFahneEdit = Menu("&Edit...");
+    Control MenuFahneCopy = Menu("&Copy");
+    Control MenuFahneDelete = Menu("&Delete");
 
     Control MenüGlobalGraphics = Menu("G&lobal Graphics");
     Control MenüGlobalRotateAbout = Menu("&Rotate about a Point");
@@ -190,6 +194,10 @@ struct FormMain {
     static void MenüGlobalRotateAbout_Click();
     static void MenüGlobalFlagsMode_Click();
     static void MenüGlobalGeneralGraphicsSettings_Click();
+    static void MenüAnsichtDynamicFlag_Click();
+    static void MenuFahneEdit_Click();
+    static void MenuFahneCopy_Click();
+    static void MenuFahneDelete_Click();
     static void MenüViewSaveView_Click();
     static void MenüViewDeleteView_Click();
     static void MenüViewLastView_Click();

@@ -16,6 +16,7 @@
 #include "core/run.h"
 #include "core/settings.h"
 #include "graphics/drawing.h"
+#include "graphics/flags.h"
 #include "graphics/form_black_plane.h"
 #include "graphics/form_color_bar.h"
 #include "graphics/projection.h"
@@ -116,6 +117,7 @@ void GraphicsFormOpen() {
     Main.MenueGraphicsWindow.Enabled = !screens.Open.empty();
     Main.MenueGraphics.Checked = !screens.Open.empty();
     ProgrammLogik();
+    ShowFlagCommands();
     ShowUndoState();
     if (screens.Open.empty()) ShowNoModes();
 }

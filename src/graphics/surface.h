@@ -38,6 +38,13 @@ struct Surface {
     // their labels.
     void (*Text)(Surface&, float x, float y, const std::string& text, Colour colour) = nullptr;
     TextFont Font;  // of the texts that are written from now on
+    // A rectangle of one colour.
+    void (*Fill)(Surface&, float x, float y, float width, float height, Colour colour) = nullptr;
+    // A text on a ground of its own: letters alone, its top left corner at (x, y).
+    void (*FontText)(Surface&, float x, float y, const std::string& text, Colour colour,
+                     const TextFont& font) = nullptr;
+    double (*FontWidth)(const TextFont& font, const std::string& text) = nullptr;  // pixels
+    double (*FontHeight)(const TextFont& font) = nullptr;                          // of a line, pixels
     // Tells that the picture has changed and may be shown.
     void (*Refresh)(Surface&) = nullptr;
     void (*Close)(Surface&) = nullptr;  // frees what stands behind the table

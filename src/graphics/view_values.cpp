@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "graphics/black_planes.h"
+#include "graphics/flags.h"
 
 namespace {
 
@@ -41,6 +42,7 @@ void MakeViewUsable(ScreenRecord& view) {
     if (!std::isfinite(view.SlabThickness)) view.SlabThickness = kFirstSlab;
     view.SlabThickness = std::max(view.SlabThickness, 0.0);
     if (!HasPlaneFrame(view)) view.BlackPlane = view.BlackInitial = kFalse;
+    MakeFlagsUsable(view);
     if (view.LineTable.size() % 2 != 0) {
         view.LineTable.clear();
         view.LineTableShape.clear();

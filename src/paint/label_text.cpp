@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "paint/gui.h"
+#include "paint/picture.h"
 
 namespace {
 
@@ -232,6 +233,26 @@ void DrawLabelText(QImage& picture, double scale, float x, float y, const std::s
         Stamp(picture, *mask.What, mask.What->Edge, penX + mask.X, penY, behind);
     for (const PlacedMask& mask : placed)
         Stamp(picture, *mask.What, mask.What->Letter, penX + mask.X, penY, colour);
+}
+
+void DrawFontText(QImage& picture, double scale, float x, float y, const std::string& text, QRgb colour,
+                  const TextFont& font) {
+    const double left = std::round(x * scale), top = std::round(y * scale);
+    if (!(std::abs(left) < 1e6 && std::abs(top) < 1e6)) return;
+    static std::vector<PlacedMask> placed;
+    SetText(MasksOf(font, scale), text, placed);
+    const int penX = static_cast<int>(left), penY = static_cast<int>(top);
+    for (const PlacedMask& mask : placed)
+        Stamp(picture, *mask.What, mask.What->Letter, penX + mask.X, penY, colour);
+}
+
+double FontTextWidth(const TextFont& font, const std::string& text) {
+    std::vector<PlacedMask> placed;
+    return SetText(MasksOf(font, 1), text, placed);
+}
+
+double FontTextHeight(const TextFont& font) {
+    return std::ceil(MasksOf(font, 1).Metrics.height());
 }
 
 double LabelTextWidth(const std::string& text) {

@@ -14,6 +14,10 @@
 void DrawLabelText(QImage& picture, double scale, float x, float y, const std::string& text,
                    const TextFont& textFont, QRgb colour, QRgb behind);
 
-// Width of a text in the font that pictures have by themselves, logical pixels.
+// The same in a font of its own and without the edge, for texts on a ground of their own.
+void DrawFontText(QImage& picture, double scale, float x, float y, const std::string& text, QRgb colour,
+                  const TextFont& font);
+
+// Width of a text, logical pixels.
 double LabelTextWidth(const std::string& text);
 double LabelTextHeight();

@@ -218,11 +218,14 @@ void ShowPointer() {
     }
 }
 
-// The pop-up menu of a table is the menu for editing, while its value says so.
+// A menu is a pop-up menu while its value says so: that for editing is one of a table, that for flags one of
+// a flag.
 void ShowPopUp() {
-    if (Main.MenuEdit.Value == 0 || Desktop.PopUpOpen) return;
-    Main.MenuEdit.Value = 0;
-    auto* menu = Desktop.FrameWindow->findChild<QMenu*>(QStringLiteral("MenuEdit"));
+    const bool flag = Main.MenuFahne.Value != 0;
+    if ((Main.MenuEdit.Value == 0 && !flag) || Desktop.PopUpOpen) return;
+    Main.MenuEdit.Value = Main.MenuFahne.Value = 0;
+    auto* menu = Desktop.FrameWindow->findChild<QMenu*>(flag ? QStringLiteral("MenuFahne")
+                                                             : QStringLiteral("MenuEdit"));
     if (menu == nullptr) return;
     Desktop.PopUpOpen = true;
     menu->popup(QCursor::pos());

@@ -10,6 +10,8 @@
 #include <QFileDialog>
 #include <QFont>
 #include <QFontDialog>
+#include <QGridLayout>
+#include <QIcon>
 #include <QInputDialog>
 #include <QLocale>
 #include <QMessageBox>
@@ -144,7 +146,7 @@ std::optional<std::int32_t> AskColour(std::int32_t preset) {
     return chosen.red() | chosen.green() << 8 | chosen.blue() << 16;
 }
 
-std::optional<TextFont> AskFont(const TextFont& preset) {
+std::optional<TextFont> AskFont(const TextFont& preset, std::int32_t* colour) {
     ShowState();
     const PlainPointer pointer;
     QFont font(preset.Name.empty() ? QStringLiteral("DejaVu Sans") : Q(preset.Name));
@@ -153,9 +155,31 @@ std::optional<TextFont> AskFont(const TextFont& preset) {
     font.setItalic(preset.Italic);
     font.setUnderline(preset.Underline);
     font.setStrikeOut(preset.Strikethrough);
-    bool taken = false;
-    const QFont chosen = QFontDialog::getFont(&taken, font, DialogParent());
-    if (!taken) return std::nullopt;
+    QFontDialog dialog(font, DialogParent());
+    QColor letters = ColourOf(colour != nullptr ? *colour : 0);
+    QPushButton button(QStringLiteral("C&olor..."), &dialog);
+    button.setAutoDefault(false);
+    const auto show = [&button, &letters] {
+        QPixmap sample(16, 16);
+        sample.fill(letters);
+        button.setIcon(QIcon(sample));
+    };
+    show();
+    QObject::connect(&button, &QPushButton::clicked, &dialog, [&] {
+        const QColor chosen = QColorDialog::getColor(letters, &dialog);
+        if (chosen.isValid()) letters = chosen;
+        show();
+    });
+    // The system's own dialog has no room for the colour.
+    if (colour != nullptr) dialog.setOption(QFontDialog::DontUseNativeDialog);
+    auto* grid = qobject_cast<QGridLayout*>(dialog.layout());
+    if (colour != nullptr && grid != nullptr)
+        grid->addWidget(&button, grid->rowCount(), 0, 1, 2, Qt::AlignLeft);
+    else
+        button.hide();
+    if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+    if (colour != nullptr) *colour = letters.red() | letters.green() << 8 | letters.blue() << 16;
+    const QFont chosen = dialog.selectedFont();
     const auto size = static_cast<float>(chosen.pointSizeF());
     return TextFont{S(chosen.family()), std::clamp(size, kLeastFontSize, kLargestFontSize),
                     chosen.bold(),      chosen.italic(),
