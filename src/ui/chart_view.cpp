@@ -3,6 +3,7 @@
 
 #include <QChart>
 #include <QChartView>
+#include <QEvent>
 #include <QLineSeries>
 #include <QPen>
 #include <QScatterSeries>
@@ -87,8 +88,7 @@ QChart* NewChart(const QPalette& palette) {
     const FormGrafik& w = GrafikWindow;
     auto* chart = new QChart;
     const QColor text = palette.color(QPalette::WindowText);
-    chart->setBackgroundBrush(palette.color(QPalette::Window));
-    chart->setBackgroundRoundness(0);
+    chart->setBackgroundVisible(false);
     chart->setPlotAreaBackgroundBrush(kWall);
     chart->setPlotAreaBackgroundVisible(true);
     chart->setTitle(Q(w.Title));
@@ -121,6 +121,20 @@ QChart* NewChart(const QPalette& palette) {
     return chart;
 }
 
+class ChartView : public QChartView {
+public:
+    using QChartView::QChartView;
+    QSize sizeHint() const override { return {760, 440}; }
+
+protected:
+    // Another theme reaches the widgets after the screen has been brought up to date.
+    void changeEvent(QEvent* event) override {
+        QChartView::changeEvent(event);
+        if (event->type() == QEvent::PaletteChange && parentWidget() != nullptr)
+            QTimer::singleShot(0, this, [this] { ShowChart(*parentWidget()); });
+    }
+};
+
 QChartView* ViewOf(const QWidget& form) {
     return form.findChild<QChartView*>(QLatin1String(kView));
 }
@@ -132,7 +146,7 @@ void AddChart(QWidget& form) {
     if (place == nullptr) return;
     auto* layout = new QVBoxLayout(place);
     layout->setContentsMargins(0, 0, 0, 0);
-    auto* view = new QChartView(place);
+    auto* view = new ChartView(place);
     view->setObjectName(QLatin1String(kView));
     view->setRenderHint(QPainter::Antialiasing);
     view->setFrameShape(QFrame::NoFrame);
@@ -143,12 +157,13 @@ void AddChart(QWidget& form) {
 void ShowChart(const QWidget& form) {
     QChartView* view = ViewOf(form);
     if (view == nullptr) return;
-    const QPalette palette = form.palette();
+    const QPalette& palette = view->palette();
     const QVariant filling = QVariant::fromValue<qulonglong>(GrafikWindow.Fillings),
                    colours = palette.cacheKey();
     if (view->property(kShownFilling) == filling && view->property(kShownPalette) == colours) return;
     view->setProperty(kShownFilling, filling);
     view->setProperty(kShownPalette, colours);
+    view->setBackgroundBrush(palette.color(QPalette::Window));
     try {
         const QChart* before = view->chart();
         view->setChart(NewChart(palette));

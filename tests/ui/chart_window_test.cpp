@@ -45,6 +45,7 @@ TEST_F(ChartByHand, TheChartShowsTheColumn) {
     ASSERT_NE(View(), nullptr);
     const QChart& chart = *View()->chart();
     EXPECT_EQ(S(chart.title()), "Datas Graph");
+    EXPECT_GT(View()->width(), 600) << "nobody has stored a place yet";
     EXPECT_EQ(chart.plotAreaBackgroundBrush().color(), QColor(Qt::white));
     const auto* values = qobject_cast<QValueAxis*>(chart.axes(Qt::Vertical).value(0));
     ASSERT_NE(values, nullptr);
@@ -67,9 +68,9 @@ TEST_F(ChartByHand, TheChartShowsTheColumn) {
 TEST_F(ChartByHand, ItFillsTheWindowWhateverItsSize) {
     OpenChart();
     for (const QSize size : {QSize(500, 300), QSize(700, 520)}) {
-        Widget("FormGrafik")->parentWidget()->resize(size);
+        WidgetOf(FormGrafik_Entry)->parentWidget()->resize(size);
         Serve();
-        const QWidget* form = Widget("FormGrafik");
+        const QWidget* form = WidgetOf(FormGrafik_Entry);
         EXPECT_EQ(View()->width(), form->width());
         EXPECT_EQ(View()->height(), form->height());
     }
@@ -82,8 +83,14 @@ TEST_F(ChartByHand, ItFollowsTheThemeAndTheData) {
         UserDid([theme] { ApplyTheme(theme); });
         Serve();
         const QImage shown = picture();
-        const QColor corner = shown.pixelColor(3, 3);
-        EXPECT_EQ(corner, Widget("FormGrafik")->palette().color(QPalette::Window));
+        const QPalette palette = WidgetOf(FormGrafik_Entry)->palette();
+        const int right = shown.width() - 4, middle = shown.height() / 2;
+        for (const QPoint at : {QPoint(3, 3), QPoint(right, middle), QPoint(right - 14, 18)})
+            EXPECT_EQ(shown.pixelColor(at), palette.color(QPalette::Window)) << at.x() << " " << at.y();
+        EXPECT_EQ(View()->chart()->titleBrush().color(), palette.color(QPalette::WindowText));
+        EXPECT_EQ(
+            qobject_cast<QValueAxis*>(View()->chart()->axes(Qt::Vertical).value(0))->labelsBrush().color(),
+            palette.color(QPalette::WindowText));
         const QRectF wall = View()->chart()->plotArea();
         const QPointF upperLeft = View()->chart()->mapToScene(wall.topLeft()) + QPointF(6, 6);
         EXPECT_EQ(shown.pixelColor((upperLeft * shown.devicePixelRatio()).toPoint()), QColor(Qt::white));

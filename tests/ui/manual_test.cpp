@@ -64,9 +64,10 @@ protected:
                     .captured(1)
                     .replace(QStringLiteral("&gt;"), QStringLiteral(">"))
                     .replace(QStringLiteral("&amp;"), QStringLiteral("&")));
-        for (const char* name : {"FormInputFiles", "FormTrafoBerechnung", "FormTrafoDetails", "FormMainSheet",
-                                 "FormOptions", "FormUnits", "FormColorBar", "FormSaveView",
-                                 "FormDistanceScale", "FormBündel", "FormGraphicsOptions"}) {
+        for (const char* name :
+             {"FormInputFiles", "FormTrafoBerechnung", "FormTrafoDetails", "FormMainSheet", "FormOptions",
+              "FormUnits", "FormColorBar", "FormSaveView", "FormDistanceScale", "FormBündel",
+              "FormGraphicsOptions", "FormBlackPlane"}) {
             const WindowEntry& window = *FindWindow(name);
             UserDid([&window] { ShowWindow(window.Name); });
             for (const ControlEntry& control : window.Controls) {
