@@ -51,9 +51,10 @@
 namespace {
 
 // The windows that stand above the frame; all others stand inside it.
-constexpr std::array<std::string_view, 10> kDialogs = {
-    "FormUnits",    "FormOptions",  "FormMenuHelpInfo",  "FormProgressBar", "FormInputFiles",
-    "FormColorBar", "FormSaveView", "FormStopParaTrafo", "FormBatch",       "FormChangeDir"};
+constexpr std::array<std::string_view, 11> kDialogs = {
+    "FormUnits",      "FormOptions",   "FormMenuHelpInfo", "FormProgressBar",
+    "FormInputFiles", "FormColorBar",  "FormSaveView",     "FormStopParaTrafo",
+    "FormBatch",      "FormChangeDir", "FormEditFahne"};
 
 // Work that writes a text at every step shows it no more often than this.
 constexpr qint64 kBetweenPanels_ms = 100;

@@ -22,7 +22,10 @@
 #include "core/form_progress_bar.h"
 #include "core/job.h"
 #include "core/run.h"
+#include "graphics/drawing.h"
+#include "graphics/flags.h"
 #include "graphics/picking.h"
+#include "graphics/picture_flags.h"
 #include "graphics/scene.h"
 #include "graphics/screen_events.h"
 #include "graphics/screen_window.h"
@@ -274,6 +277,15 @@ void ScreenPictures() {
         ScreenPixel_MouseMove(window, {.X = Scene.PixelX[row], .Y = Scene.PixelY[row]});
     });
     save("FormScreen");
+    UserDid([&window] {
+        FlagWorstPairs(window, 8);
+        Stelle_Grafik_dar(window);
+    });
+    save("FormScreen-flags");
+    Trigger("MenuFahneEdit");
+    SaveWindow("FormEditFahne");
+    Close("FormEditFahne");
+    UserDid([&window] { AlleLöschen(window); });
     Trigger("ToolbarGraphics.ColorBar");
     SaveWindow("FormColorBar");
     Close("FormColorBar");
