@@ -41,7 +41,7 @@ struct FormEditFahne {
     Control TextFlagOnEvery = TextBox("2.00");
 
     Control CheckChangeAll = CheckBox("Change all F&lags");
-    Control BtnFahneLöschen = Button("Delete Fla&g");
+    Control BtnFahneLöschen = Button("D&elete Flag");
     Control BtnAlleLöschen = Button("Delete All");
     Control BtnOK = Button("OK"), BtnCancel = Button("Cancel");
 

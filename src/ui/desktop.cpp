@@ -55,10 +55,10 @@
 namespace {
 
 // The windows that stand above the frame; all others stand inside it.
-constexpr std::array<std::string_view, 12> kDialogs = {
-    "FormUnits",      "FormOptions",   "FormMenuHelpInfo",    "FormProgressBar",
-    "FormInputFiles", "FormColorBar",  "FormSaveView",        "FormStopParaTrafo",
-    "FormBatch",      "FormChangeDir", "FormGraphicsOptions", "FormBlackPlane"};
+constexpr std::array<std::string_view, 13> kDialogs = {
+    "FormUnits",           "FormOptions",    "FormMenuHelpInfo",  "FormProgressBar", "FormInputFiles",
+    "FormColorBar",        "FormSaveView",   "FormStopParaTrafo", "FormBatch",       "FormChangeDir",
+    "FormGraphicsOptions", "FormBlackPlane", "FormEditFahne"};
 
 // Work that writes a text at every step shows it no more often than this.
 constexpr qint64 kBetweenPanels_ms = 100;

@@ -1,6 +1,5 @@
 // Every entry of every menu and every tool bar key of the main window does something that a user sees.
 #include <algorithm>
-#include <array>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -18,6 +17,8 @@
 #include "core/settings.h"
 #include "engine/form_trafo_berechnung.h"
 #include "graphics/analyse_mode.h"
+#include "graphics/drawing.h"
+#include "graphics/flags.h"
 #include "graphics/form_save_view.h"
 #include "graphics/scene.h"
 #include "graphics/screen_window.h"
@@ -25,10 +26,6 @@
 #include "support/fixture.h"
 
 namespace {
-
-constexpr std::array<std::string_view, 6> kBuiltElsewhere = {"MenuEditGraphData",      "MenüGrafikBlackPlane",
-                                                             "MenüAnsichtDynamicFlag", "MenuFahneEdit",
-                                                             "MenuFahneCopy",          "MenuFahneDelete"};
 
 const ControlEntry* EntryOf(std::string_view name) {
     for (const ControlEntry& entry : FormMain_Entry.Controls)
@@ -49,9 +46,7 @@ bool IsCommand(const ControlEntry& entry) {
 std::vector<std::string> Commands() {
     std::vector<std::string> names;
     for (const ControlEntry& entry : FormMain_Entry.Controls) {
-        const bool elsewhere =
-            std::find(kBuiltElsewhere.begin(), kBuiltElsewhere.end(), entry.Name) != kBuiltElsewhere.end();
-        if (IsCommand(entry) && !elsewhere) names.emplace_back(entry.Name);
+        if (IsCommand(entry)) names.emplace_back(entry.Name);
     }
     return names;
 }
@@ -141,6 +136,18 @@ protected:
         if (name == "MenuEditCopy" || name == "Toolbar1.Copy") {
             UserClick(Main.MenuVievMainSheet);
             Headless.Clipboard.clear();
+        }
+        if (name.starts_with("MenuFahne") && name != "MenuFahneEdit") {
+            FormMain::MenüGlobalFlagsMode_Click();
+            ScreenWindow& window = *findLFDFORM();
+            window.State.ActiveFlag = static_cast<std::int16_t>(AddFlag(window, 1, 10, 10));
+            ShowFlagCommands();
+            Stelle_Grafik_dar(window);
+            Headless.Clipboard.clear();
+        }
+        if (name == "MenuEditGraphData") {
+            UserClick(Main.MenuVievMainSheet);
+            UserClickCell(MainSheet.Sheet, 4, 3, false);
         }
         if (name == "MenueHelpSpezial")
             Headless.Clipboard =

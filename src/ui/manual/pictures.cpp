@@ -24,8 +24,11 @@
 #include "core/form_progress_bar.h"
 #include "core/job.h"
 #include "core/run.h"
+#include "graphics/drawing.h"
+#include "graphics/flags.h"
 #include "graphics/form_black_plane.h"
 #include "graphics/picking.h"
+#include "graphics/picture_flags.h"
 #include "graphics/projection.h"
 #include "graphics/scene.h"
 #include "graphics/screen_events.h"
@@ -285,6 +288,15 @@ void ScreenPictures() {
         ScreenPixel_MouseMove(window, {.X = Scene.PixelX[row], .Y = Scene.PixelY[row]});
     });
     save("FormScreen");
+    UserDid([&window] {
+        FlagWorstPairs(window, 8);
+        Stelle_Grafik_dar(window);
+    });
+    save("FormScreen-flags");
+    Trigger("MenuFahneEdit");
+    SaveWindow("FormEditFahne");
+    Close("FormEditFahne");
+    UserDid([&window] { AlleLöschen(window); });
     Trigger("ToolbarGraphics.ColorBar");
     SaveWindow("FormColorBar");
     Close("FormColorBar");
