@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -61,20 +62,15 @@ FontMasks& MasksOf(double scale) {
     return sizes.emplace(pixels, FontMasks{font, QFontMetricsF(font), {}, {}}).first->second;
 }
 
-// Fonts of flags, by all that tells one from another and the size in pixels of the device.
-struct FontKey {
-    std::string Name;
-    int Pixels = 0;
-    bool Bold = false, Italic = false;
-    auto operator<=>(const FontKey&) const = default;
-};
+// Fonts of flags, by name, size in pixels of the device, bold and italic.
+using FontKey = std::tuple<std::string, int, bool, bool>;
 
 QFont FontOf(const FontKey& key) {
-    QFont font = FontOf(key.Pixels);
-    if (!key.Name.empty())
-        font.setFamilies({QString::fromStdString(key.Name), "DejaVu Sans", "Verdana", "Arial"});
-    font.setBold(key.Bold);
-    font.setItalic(key.Italic);
+    const auto& [name, pixels, bold, italic] = key;
+    QFont font = FontOf(pixels);
+    if (!name.empty()) font.setFamilies({QString::fromStdString(name), "DejaVu Sans", "Verdana", "Arial"});
+    font.setBold(bold);
+    font.setItalic(italic);
     return font;
 }
 
