@@ -57,7 +57,8 @@ void StandAtSides(ScreenWindow& window, std::vector<int> rows) {
         const double step = std::min(3 * height, room / std::min(most, std::max(1, count)));
         for (int i = 0; i < count; ++i) {
             FlagRecord& record = FlagOf(window, FlagOfRow(window, rows[static_cast<std::size_t>(first + i)]));
-            const double inwards = i / most * (width + kEdge);
+            const int column = i / most;
+            const double inwards = column * (width + kEdge);
             record.Left = ToFlagPlace(left ? kEdge + inwards : right - inwards);
             record.Top = ToFlagPlace(kEdge + i % most * step);
         }

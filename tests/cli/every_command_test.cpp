@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "analysis/form_main_sheet.h"
 #include "bundle/network.h"
 #include "cli/headless.h"
 #include "core/controller.h"
@@ -147,7 +148,7 @@ protected:
         }
         if (name == "MenuEditGraphData") {
             UserClick(Main.MenuVievMainSheet);
-            UserClickCell(MainSheet.Sheet, 4, 3, false);
+            UserSelectCells(MainSheetWindow.MSFlexGrid1, {2, 4, 2, 4});
         }
         if (name == "MenueHelpSpezial")
             Headless.Clipboard =

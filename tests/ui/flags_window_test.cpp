@@ -5,7 +5,11 @@
 #include <QMenu>
 #include <QScrollBar>
 #include <QTimer>
+#include <ctime>
+#include <iostream>
 
+#include "core/controller.h"
+#include "graphics/drawing.h"
 #include "graphics/flags.h"
 #include "graphics/form_edit_fahne.h"
 #include "graphics/picking.h"
@@ -46,6 +50,57 @@ TEST_F(FlagsByHand, AClickSetsAFlagThatIsSeenInThePicture) {
     const QColor ground = ColourAt(window, Inside(window, 1) - QPoint(2, 2));
     const Colour wanted = FlagGround(window.State.Flags[1], window.FlagLabels[1]);
     EXPECT_EQ(ground, QColor(wanted & 0xff, wanted >> 8 & 0xff, wanted >> 16 & 0xff));
+}
+
+TEST_F(FlagsByHand, AThousandFlagsFollowTheMouse) {
+    constexpr int kFlags = 1000, kSteps = 20;
+    Begin();
+    UserDid([] {
+        Job = JobRecord{};
+        for (int i = 1; i <= kFlags; ++i) {
+            const double x = i % 40 * 10.0, y = i / 40 * 10.0;
+            for (auto* names : {&Job.MCS_Name, &Job.OCS_Name, &Job.TMCS_Name})
+                names->push_back("P" + std::to_string(i));
+            for (auto* column : {&Job.OCS_X, &Job.MCS_X, &Job.TMCS_X}) column->emplace_back(x);
+            for (auto* column : {&Job.OCS_Y, &Job.MCS_Y, &Job.TMCS_Y}) column->emplace_back(y);
+            Job.OCS_Z.push_back(0);
+            for (auto* column : {&Job.MCS_Z, &Job.TMCS_Z}) column->push_back(0.001 * i);
+        }
+        Job.UseFlags.assign(3 * kFlags + 1, 1);
+        for (auto* column : {&Job.RVecX, &Job.RVecY}) column->resize(kFlags + 1);
+        Job.RVecZ.resize(kFlags + 1);
+        Job.nMCS = Job.nOCS = Job.nIdent = kFlags;
+        Job.ViewAllMCS = kTrue;
+        Job.LengthUnitName = "mm";
+        ::Run.JobDataValid = kTrue;
+        ++::Run.JobGeneration;
+        ProgrammLogik();
+    });
+    ScreenWindow& window = OpenScreen();
+    Frame()->resize(1720, 1240);
+    Serve();
+    Outer(window).setGeometry(0, 0, 1608, 1028);
+    Serve();
+    UserDid([&window] {
+        for (int row = 1; row <= kFlags; ++row) AddFlag(window, row, row % 40 * 30, row / 40 * 30);
+        window.State.Flags[kFlags].SnaptoGrid = kFalse;
+        Stelle_Grafik_dar(window);
+    });
+    ScreenView& view = View(window);
+    const QPoint from(window.State.Flags[kFlags].Left + 4, window.State.Flags[kFlags].Top + 4);
+    const auto paints = window.PaintCount;
+    QTest::mousePress(&view, Qt::LeftButton, {}, from);
+    const std::clock_t begin = std::clock();
+    for (int step = 1; step <= kSteps; ++step) {
+        const QPointF at(from.x() + 5 * step, from.y() - 4 * step);
+        QMouseEvent move(QEvent::MouseMove, at, view.mapToGlobal(at), Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(&view, &move);
+        Serve();
+    }
+    const double frame_ms = static_cast<double>(std::clock() - begin) * 1000 / CLOCKS_PER_SEC / kSteps;
+    std::cout << "a frame with a thousand flags: " << frame_ms << " ms\n";
+    EXPECT_EQ(window.PaintCount, paints + kSteps);
+    EXPECT_LT(frame_ms, 250);
 }
 
 TEST_F(FlagsByHand, IsDraggedByTheMouse) {
