@@ -15,6 +15,7 @@
 #include "core/settings.h"
 #include "core/window.h"
 #include "engine/transform.h"
+#include "graphics/black_planes.h"
 #include "graphics/drawing.h"
 #include "graphics/picking.h"
 #include "graphics/projection.h"
@@ -169,6 +170,45 @@ void Graphics_FineFrame(benchmark::State& state) {
     FreshStart();
 }
 
+// Black planes about the whole cloud, so that as many points are painted as without: a turn of the picture,
+// and a step of the mouse that moves a plane.
+void Graphics_FrameWithPlanes(benchmark::State& state) {
+    ScreenWindow& window = OpenCloud(static_cast<int>(state.range(0)));
+    Initialisieren_BlackPlane(window, true, true);
+    window.State.TopDepth = -1e6F;
+    window.State.SlabThickness = 2e6;
+    std::vector<double> turned, turnedRatios, movedRatios;
+    int frame = 0;
+    const auto paint = [&] {
+        const std::clock_t begin = std::clock();
+        Stelle_Grafik_dar(window);
+        return ProcessorMilliseconds(begin);
+    };
+    // The first one after a switch finds out anew what is seen.
+    const auto turn = [&](Flag planes) {
+        window.State.BlackPlane = planes;
+        Stelle_Grafik_dar(window);
+        SetViewAngles(window, 3.4 + 0.017 * frame, -0.9 + 0.011 * frame, -0.7);
+        return paint();
+    };
+    for (auto _ : state) {
+        frame += 2;
+        const double plain = turn(kFalse);
+        --frame;
+        turned.push_back(turn(kTrue));
+        ++frame;
+        state.SetIterationTime(turned.back() / 1000);
+        turnedRatios.push_back(turned.back() / plain);
+        window.State.TopDepth += 1;
+        movedRatios.push_back(paint() / plain);
+    }
+    state.counters["ms"] = Median(turned);
+    state.counters["turned/plain"] = Median(turnedRatios);
+    state.counters["moved/plain"] = Median(movedRatios);
+    FillSurface = nullptr;
+    FreshStart();
+}
+
 void Graphics_Pick(benchmark::State& state) {
     ScreenWindow& window = OpenCloud(static_cast<int>(state.range(0)));
     int step = 0;
@@ -207,6 +247,12 @@ BENCHMARK(Graphics_FineFrame)
     ->Args({1'000'000, 150})
     ->Args({1'000'000, 200})
     ->Iterations(20)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(Graphics_FrameWithPlanes)
+    ->ArgName("points")
+    ->Arg(1'000'000)
+    ->Iterations(40)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(Graphics_Turn)->ArgName("points")->Arg(1'000'000)->Unit(benchmark::kMillisecond);

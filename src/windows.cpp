@@ -2,6 +2,7 @@
 #include "analysis/form_batch.h"
 #include "analysis/form_change_dir.h"
 #include "analysis/form_distance_scale.h"
+#include "analysis/form_grafik.h"
 #include "analysis/form_input_statistic.h"
 #include "analysis/form_main_sheet.h"
 #include "analysis/form_options.h"
@@ -32,7 +33,10 @@
 #include "engine/norms.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
+#include "graphics/form_black_plane.h"
 #include "graphics/form_color_bar.h"
+#include "graphics/form_edit_fahne.h"
+#include "graphics/form_graphics_options.h"
 #include "graphics/form_save_view.h"
 #include "graphics/scene.h"
 #include "graphics/screen_window.h"
@@ -46,11 +50,28 @@
 namespace {
 
 const WindowEntry* const kWindows[] = {
-    &FormMain_Entry,          &FormUnits_Entry,          &FormMenuHelpInfo_Entry,  &FormProgressBar_Entry,
-    &FormInputFiles_Entry,    &FormInputStatistic_Entry, &FormOptions_Entry,       &FormTrafoBerechnung_Entry,
-    &FormTrafoDetails_Entry,  &FormMainSheet_Entry,      &FormColorBar_Entry,      &FormSaveView_Entry,
-    &FormDistanceScale_Entry, &FormTrompete_Entry,       &FormStopParaTrafo_Entry, &FormBündel_Entry,
-    &FormBatch_Entry,         &FormChangeDir_Entry,
+    &FormMain_Entry,
+    &FormUnits_Entry,
+    &FormMenuHelpInfo_Entry,
+    &FormProgressBar_Entry,
+    &FormInputFiles_Entry,
+    &FormInputStatistic_Entry,
+    &FormOptions_Entry,
+    &FormTrafoBerechnung_Entry,
+    &FormTrafoDetails_Entry,
+    &FormMainSheet_Entry,
+    &FormColorBar_Entry,
+    &FormSaveView_Entry,
+    &FormDistanceScale_Entry,
+    &FormTrompete_Entry,
+    &FormStopParaTrafo_Entry,
+    &FormBündel_Entry,
+    &FormBatch_Entry,
+    &FormChangeDir_Entry,
+    &FormGraphicsOptions_Entry,
+    &FormBlackPlane_Entry,
+    &FormGrafik_Entry,
+    &FormEditFahne_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.

@@ -2,7 +2,7 @@
 # Sourced, not started. Needs: top (the folder of the project).
 
 # What the build needs, by its Debian package names.
-BUILD_PACKAGES="g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libgtest-dev qt6-base-dev qt6-tools-dev qt6-svg-dev"
+BUILD_PACKAGES="g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libgtest-dev qt6-base-dev qt6-tools-dev qt6-svg-dev qt6-charts-dev"
 # What the tests need besides.
 TEST_PACKAGES="git clang-format clang-tidy dbus-daemon xvfb openbox xdotool imagemagick jq"
 # What the benchmarks need besides.

@@ -12,11 +12,13 @@
 #include <vector>
 
 #include "analysis/form_change_dir.h"
+#include "cli/automate_chart.h"
 #include "cli/automate_replies.h"
 #include "cli/automate_screens.h"
 #include "cli/automate_trumpet.h"
 #include "cli/control_json.h"
 #include "cli/folder_answer.h"
+#include "cli/font_answer.h"
 #include "cli/headless.h"
 #include "cli/record_json.h"
 #include "cli/request.h"
@@ -211,7 +213,7 @@ json ClickGrid(const json& request, Control& control) {
 }
 
 json DoClick(const json& request) {
-    if (IsOnScreen(request)) RefuseOnScreen(request);
+    if (IsOnScreen(request)) return FlagClick(request, false);
     Control& control = FindReachable(request);
     if (control.Kind == ControlKind::Grid) return ClickGrid(request, control);
     if (control.Kind == ControlKind::Check) {
@@ -225,7 +227,7 @@ json DoClick(const json& request) {
 }
 
 json DoDblClick(const json& request) {
-    if (IsOnScreen(request)) RefuseOnScreen(request);
+    if (IsOnScreen(request)) return FlagClick(request, true);
     Control& control = FindReachable(request);
     if (control.Kind != ControlKind::Grid) {
         UserDblClick(control);
@@ -283,6 +285,7 @@ json DoGet(const json& request) {
     if (target.Control == nullptr) return WindowToJson(*target.Window);
     json state = ControlToJson(*target.Control->Place);
     if (IsTrumpetPlace(TextMember(request, "at"))) AddTrumpet(request, state);
+    if (IsChartPlace(TextMember(request, "at"))) AddChart(state);
     return state;
 }
 
@@ -331,7 +334,7 @@ json DoClipboard(const json& request) {
 
 json DoAnswer(const json& request) {
     const std::string kind = TextMember(request, "kind");
-    constexpr std::array kKinds = {"message", "input", "open", "save", "folder", "colour", "form"};
+    constexpr std::array kKinds = {"message", "input", "open", "save", "folder", "colour", "font", "form"};
     if (std::find(kKinds.begin(), kKinds.end(), kind) == kKinds.end())
         Refuse("no dialog of this kind comes up");
     const json& value = Member(request, "value");
@@ -340,6 +343,9 @@ json DoAnswer(const json& request) {
         queue.push_back(std::nullopt);
     } else if (kind == "colour") {
         queue.push_back(std::to_string(WholeMember(request, "value", 0, 0xffffff)));
+    } else if (kind == "font") {
+        RefuseNoFont(value);
+        queue.push_back(value.dump(-1, ' ', false, json::error_handler_t::replace));
     } else if (kind == "form") {
         if (!value.is_array()) Refuse("a form is answered by an array of requests");
         queue.push_back(value.dump(-1, ' ', false, json::error_handler_t::replace));

@@ -13,7 +13,7 @@ namespace {
 // Answers are kept as text; those that are no texts go out as what they are.
 json AnswerToJson(const DialogShown& dialog, const std::string& text) {
     if (dialog.Kind == "colour") return std::strtol(text.c_str(), nullptr, 10);
-    if (dialog.Kind == "form") return json::parse(text);
+    if (dialog.Kind == "form" || dialog.Kind == "font") return json::parse(text);
     return text;
 }
 
@@ -25,7 +25,8 @@ json DialogToJson(const DialogShown& dialog) {
                   {"default", dialog.Default},
                   {"filter", dialog.Filter},
                   {"answer", dialog.Answer ? AnswerToJson(dialog, *dialog.Answer) : json()}};
-    if (dialog.Kind == "colour") shown["default"] = AnswerToJson(dialog, dialog.Default);
+    if (dialog.Kind == "colour" || dialog.Kind == "font")
+        shown["default"] = AnswerToJson(dialog, dialog.Default);
     if (!dialog.Replies.empty()) shown["replies"] = json::parse(dialog.Replies);
     return shown;
 }

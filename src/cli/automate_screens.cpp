@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "cli/automate_flags.h"
 #include "cli/headless.h"
 #include "cli/record_json.h"
 #include "cli/request.h"
@@ -117,6 +118,10 @@ json LabelAsControl(const ScreenLabel& label) {
     return state;
 }
 
+json FontToJson(const TextFont& font) {
+    return {{"name", font.Name}, {"size", font.Size}, {"bold", font.Bold}, {"italic", font.Italic}};
+}
+
 json WholeToJson(const ScreenWindow& window) {
     json state = ScreenToJson(window.State);
     state.update(OwnFields(window));
@@ -126,6 +131,7 @@ json WholeToJson(const ScreenWindow& window) {
     for (const ScreenLabel* label : {&window.LabelScale, &window.LabelVectorScale})
         if (label->Visible && !label->Text.empty()) labels.push_back(LabelToJson(*label));
     state["labels"] = std::move(labels);
+    state["labelFont"] = FontToJson(window.LabelFont);
     state["caption"] = window.Caption;
     state["width"] = window.Screen.Width;
     state["height"] = window.Screen.Height;
@@ -157,6 +163,7 @@ json PictureToJson(const ScreenWindow& window) {
 }
 
 json PartToJson(const ScreenWindow& window, const std::string& part) {
+    if (IsFlagPart(part)) return FlagToJson(window, part);
     if (part == "ScreenPixel") return PictureToJson(window);
     if (part == "LabelScale") return LabelAsControl(window.LabelScale);
     if (part == "LabelVectorScale") return LabelAsControl(window.LabelVectorScale);
@@ -438,6 +445,17 @@ json ScreenMouseEvent(const json& request) {
     mouse.Event.Ctrl = FlagMember(request, "ctrl") || Hands.Ctrl;
     DoMouse(id, what, mouse, request);
     return json::object();
+}
+
+json FlagClick(const json& request, bool twice) {
+    const ScreenTarget target = FindScreen(request);
+    if (!IsFlagPart(target.Part)) RefuseOnScreen(request);
+    RefuseWhileAnotherIsWaitedFor(target.Window->Caption);
+    json mouse = MouseOnFlag(*target.Window, target.Part, request);
+    const std::string at = TextMember(request, "at");
+    mouse["at"] = at.substr(0, at.find('.'));
+    mouse["event"] = twice ? "dblclick" : "click";
+    return ScreenMouseEvent(mouse);
 }
 
 void RefuseOnScreen(const json& request) {

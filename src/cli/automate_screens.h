@@ -24,7 +24,10 @@ nlohmann::json ScreenKey(const nlohmann::json& request);
 nlohmann::json ScreenMouseEvent(const nlohmann::json& request);
 nlohmann::json ScreenPicture(const nlohmann::json& request);
 nlohmann::json ResizeScreen(const nlohmann::json& request);
-// For "click", "dblclick", "set" and "select", which no part of a graphics window takes.
+// A click on a cell of a flag, with the mouse on the cell's middle; every other part of a graphics window
+// refuses it.
+nlohmann::json FlagClick(const nlohmann::json& request, bool twice);
+// For "set" and "select", which no part of a graphics window takes.
 [[noreturn]] void RefuseOnScreen(const nlohmann::json& request);
 
 // An analyse mode ends when the user ends it. One that no request is coming for would run for ever: the first

@@ -125,6 +125,14 @@ CLI::App* AddRender(CLI::App& app, RenderSwitches& s) {
         ->check(Written(LimitsFromText))
         ->type_name("MIN,MAX");
     render->add_flag("--names", wish.Names, "Also the names of the points");
+    auto* flags = render->add_flag("--flags", wish.Flags,
+                                   "Also flags: those of a saved view that has any, else on the\n"
+                                   "points that deviate most");
+    render->add_option("--flag-count", wish.FlagCount, "Of the latter, at most")
+        ->check(Between(1, 1000))
+        ->type_name("N")
+        ->needs(flags)
+        ->capture_default_str();
     render->add_flag("--labels", wish.AxisLabels, "Also the names of the axes");
     render->add_flag("--targets", wish.Targets, "Also the targets of the identical points");
     render->add_option("--point-size", wish.PointSize, "Pixels; default: after the number of points")

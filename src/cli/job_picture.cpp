@@ -11,6 +11,8 @@
 #include "core/require.h"
 #include "core/settings.h"
 #include "graphics/drawing.h"
+#include "graphics/flags.h"
+#include "graphics/picture_flags.h"
 #include "graphics/projection.h"
 #include "graphics/scene.h"
 #include "graphics/tolerance.h"
@@ -168,16 +170,23 @@ void FitScene(ScreenWindow& window) {
 }
 
 // A saved view shows the same section of the scene, whatever the size of its window was.
-void TakeSavedView(ScreenWindow& window, const ScreenRecord& view) {
-    const auto flags = window.State.FlagIndex;
+void TakeSavedView(ScreenWindow& window, const ScreenRecord& view, bool withFlags) {
     window.State = view;
     MakeViewUsable(window.State);
-    window.State.FlagIndex = flags;
-    window.State.FlagIndexShape.clear();
     ScreenRecord& state = window.State;
+    if (!withFlags) {
+        state.FlagIndex.clear();
+        state.Flags.clear();
+        state.FlagCount = state.ActiveFlag = 0;
+    }
+    state.FlagIndex.resize(static_cast<std::size_t>(Scene.Rows));
+    state.FlagIndexShape.clear();
     rechne_PixelCloud(window);
     const double w = view.WindowWidth, h = view.WindowHeight;
-    if (!(w > 0 && h > 0)) return FitScene(window);
+    if (!(w > 0 && h > 0)) {
+        PlaceFlagsOfView(window, PictureWidth(window), PictureHeight(window), 1);
+        return FitScene(window);
+    }
     const double W = PictureWidth(window), H = PictureHeight(window);
     const double ratio = std::min(W / w, H / h);
     state.BildOffsetX = static_cast<float>(W / 2 - (w / 2 - state.BildOffsetX) * ratio);
@@ -185,6 +194,7 @@ void TakeSavedView(ScreenWindow& window, const ScreenRecord& view) {
     state.BildFaktor = static_cast<float>(state.BildFaktor * ratio);
     state.Vec_Maßstab = static_cast<float>(state.Vec_Maßstab * ratio);
     MakeViewUsable(state);
+    PlaceFlagsOfView(window, w, h, ratio);
 }
 
 void SetUpView(ScreenWindow& window, const PictureWish& wish, const std::vector<std::string>& views) {
@@ -199,7 +209,7 @@ void SetUpView(ScreenWindow& window, const PictureWish& wish, const std::vector<
         Scene.RotCenter = Vec3();
         const int number = SavedViewNumber(views, wish.View);
         Require(number >= 1 && static_cast<std::size_t>(number) < Job.SavedView.size());
-        TakeSavedView(window, Job.SavedView[static_cast<std::size_t>(number)]);
+        TakeSavedView(window, Job.SavedView[static_cast<std::size_t>(number)], wish.Flags);
     }
     ZoomAbout(window, static_cast<float>(PictureWidth(window)) / 2,
               static_cast<float>(PictureHeight(window)) / 2, window.State.BildFaktor * wish.Zoom);
@@ -255,6 +265,10 @@ std::string JobPicture(const PictureWish& wish, PictureForm form, const std::vec
     SetUpView(window, wish, views);
     const double magnification = TakeWishes(window, wish);
     Stelle_Grafik_dar(window);
+    if (wish.Flags && FlagsOf(window.State) == 0) {
+        FlagWorstPairs(window, wish.FlagCount);
+        Stelle_Grafik_dar(window);
+    }
     const ScreenRecord& state = window.State;
     facts = {IsTrue(state.VectorMode), magnification, state.Min, state.Max, {}};
     for (int k = 1; k <= state.AnzKlassenPos; ++k) facts.Colours.push_back(ClassColour(window, k));

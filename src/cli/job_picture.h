@@ -22,6 +22,8 @@ struct PictureWish {
     bool Vectors = false;
     double Magnification = 0;  // of the vectors against the scene; 0 = such that they can be seen
     bool ColorBar = false, Names = false, AxisLabels = false;
+    bool Flags = false;                // those of the saved view, else on the pairs that deviate most
+    int FlagCount = 10;                // of the latter
     bool PairsAlone = false;           // no points without a partner
     bool Targets = false;              // also the targets of the pairs
     int PointSize = 0;                 // pixels; 0 = after the number of points

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 
 #include "cli/headless.h"
 #include "core/large_pages.h"
@@ -74,6 +75,36 @@ std::optional<std::int32_t> AskColour(std::int32_t preset) {
     const char* const end = answer->data() + answer->size();
     const auto [stop, error] = std::from_chars(answer->data(), end, colour);
     if (error == std::errc() && stop == end && colour >= 0 && colour <= 0xffffff) return colour;
+    Headless.Dialogs.back().Answer.reset();
+    Headless.Unanswered = true;
+    return std::nullopt;
+}
+
+// Answered by an object whose members stand for those of the preset; what it leaves out stays.
+std::optional<TextFont> AskFont(const TextFont& preset, std::int32_t* colour) {
+    using nlohmann::json;
+    json shown = {
+        {"name", preset.Name}, {"size", preset.Size}, {"bold", preset.Bold}, {"italic", preset.Italic}};
+    if (colour != nullptr) shown["color"] = *colour;
+    const auto answer =
+        Answer({"font", "", "", {}, shown.dump(-1, ' ', false, json::error_handler_t::replace), "", {}, ""});
+    if (!answer) return std::nullopt;
+    TextFont font = preset;
+    try {
+        const json chosen = json::parse(*answer);
+        font.Name = chosen.value("name", font.Name);
+        font.Size = chosen.value("size", font.Size);
+        font.Bold = chosen.value("bold", font.Bold);
+        font.Italic = chosen.value("italic", font.Italic);
+        font.Underline = chosen.value("underline", font.Underline);
+        font.Strikethrough = chosen.value("strikethrough", font.Strikethrough);
+        const std::int32_t letters = chosen.value("color", colour != nullptr ? *colour : 0);
+        if (font.Size >= kLeastFontSize && font.Size <= kLargestFontSize) {
+            if (colour != nullptr) *colour = letters & 0xffffff;
+            return font;
+        }
+    } catch (const json::exception&) {  // no font at all
+    }
     Headless.Dialogs.back().Answer.reset();
     Headless.Unanswered = true;
     return std::nullopt;

@@ -11,6 +11,7 @@
 #include "core/require.h"
 #include "graphics/point_loop.h"
 #include "graphics/scene.h"
+#include "paint/picture.h"
 
 namespace {
 
@@ -104,6 +105,34 @@ void DrawText(Surface& screen, float x, float y, const std::string& text, Colour
     SheetOf(screen).Strokes += TextElement(x, y, text, colour);
 }
 
+void FillRectangle(Surface& screen, float x, float y, float width, float height, Colour colour) {
+    const bool near = x <= screen.Width && y <= screen.Height && x + width >= 0 && y + height >= 0;
+    if (!near || !(width > 0) || !(height > 0)) return;
+    // The sheet is shifted by half a pixel, for lines.
+    SheetOf(screen).Strokes += "<rect x=\"" + At(x - 0.5) + "\" y=\"" + At(y - 0.5) + "\" width=\"" +
+                               At(width) + "\" height=\"" + At(height) + "\" fill=\"" + Hex(colour) +
+                               "\" stroke=\"none\"/>\n";
+}
+
+void DrawTextInFont(Surface& screen, float x, float y, const std::string& text, Colour colour,
+                    const TextFont& font) {
+    const bool near = x <= screen.Width && y <= screen.Height && x >= -1000 && y >= -1000;
+    if (!near) return;
+    const double pixels = font.Size * 96 / 72;
+    std::string look;
+    if (font.Bold) look += " font-weight=\"bold\"";
+    if (font.Italic) look += " font-style=\"italic\"";
+    if (font.Underline || font.Strikethrough)
+        look += std::string(" text-decoration=\"") + (font.Underline ? "underline" : "") +
+                (font.Underline && font.Strikethrough ? " " : "") +
+                (font.Strikethrough ? "line-through" : "") + "\"";
+    constexpr double kAscent = 0.93;  // of the letters' size, from the top of the text to its base line
+    SheetOf(screen).Strokes += "<text x=\"" + At(x) + "\" y=\"" + At(y + kAscent * pixels) +
+                               "\" font-family=\"'" + EscapeMarkup(font.Name) +
+                               "', 'DejaVu Sans', Arial, sans-serif\" font-size=\"" + At(pixels) + "\"" +
+                               look + " fill=\"" + Hex(colour) + "\">" + EscapeMarkup(text) + "</text>\n";
+}
+
 void Close(Surface& screen) {
     const std::unique_ptr<SvgSheet> gone(static_cast<SvgSheet*>(screen.Own));
     screen = Surface{};
@@ -138,6 +167,10 @@ void FillSurfaceWithSvg(Surface& screen) {
     screen.Line = DrawLine;
     screen.Circle = DrawCircle;
     screen.Text = DrawText;
+    screen.Fill = FillRectangle;
+    screen.FontText = DrawTextInFont;
+    screen.FontWidth = FontTextWidth;
+    screen.FontHeight = FontTextHeight;
     screen.Close = Close;
     screen.Own = std::make_unique<SvgSheet>().release();
 }

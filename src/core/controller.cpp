@@ -99,7 +99,8 @@ void EnableCommands() {
           &Main.MenüAnsichtFrontView, &Main.MenüAnsichtIsometricView, &Main.MenüAnsichtPunkte,
           &Main.MenüAnsichtVektoren, &Main.MenüAnsichtAnalyse, &Main.MenüAnsichtToleranzen,
           &Main.MenüGlobalRotateAbout, &Main.MenüGlobalFlagsMode, &Main.MenüAnsichtDynamicFlag,
-          &Main.MenüViewS, &Main.MenüGraphicsLines, &Main.MenuHelpBindings})
+          &Main.MenüGlobalGeneralGraphicsSettings, &Main.MenüViewS, &Main.MenüGraphicsLines,
+          &Main.MenuHelpBindings})
         command->Enabled = graphics;
     Main.ToolbarGraphics.Enabled = Main.MenueGraphics.Enabled;
     const auto enable = [graphics](Control& button) { button.Enabled = graphics; };

@@ -71,6 +71,10 @@ struct FormMain {
     Control MenüGraphicsLinesLineModeActive = Menu("&Line Mode");
     Control MenüGraphicsLinesSetLines = Menu("&Set Lines");
     Control MenüGraphicsLinesDeleteLines = Menu("&Delete Lines");
+    Control MenuFahne = Menu("Fla&g");
+    Control MenuFahneEdit = Menu("&Edit...");
+    Control MenuFahneCopy = Menu("&Copy");
+    Control MenuFahneDelete = Menu("&Delete");
 
     Control MenüGlobalGraphics = Menu("G&lobal Graphics");
     Control MenüGlobalRotateAbout = Menu("&Rotate about a Point");
@@ -144,6 +148,7 @@ struct FormMain {
     static void MenüDateiAlt4_Click();
     static void MenuFileExit_Click();
     static void MenuEditCopy_Click();
+    static void MenuEditGraphData_Click();  // in analysis/form_grafik.cpp
     static void MenuVievMainSheet_Click();
     static void MenüViewInputStatistic_Click();
     static void MenuTransformationCalculation_Click();
@@ -181,12 +186,18 @@ struct FormMain {
     static void MenüAnsichtAnalyseModeLess_Click();
     static void MenüAnsichtToleranzenColorbar_Click();
     static void MenüAnsichtToleranzenEinstellungen_Click();
+    static void MenüGrafikBlackPlane_Click();
     static void MenüGraphicsPrint_Click();
     static void MenüGraphicsLinesLineModeActive_Click();
     static void MenüGraphicsLinesSetLines_Click();
     static void MenüGraphicsLinesDeleteLines_Click();
     static void MenüGlobalRotateAbout_Click();
     static void MenüGlobalFlagsMode_Click();
+    static void MenüGlobalGeneralGraphicsSettings_Click();
+    static void MenüAnsichtDynamicFlag_Click();
+    static void MenuFahneEdit_Click();
+    static void MenuFahneCopy_Click();
+    static void MenuFahneDelete_Click();
     static void MenüViewSaveView_Click();
     static void MenüViewDeleteView_Click();
     static void MenüViewLastView_Click();

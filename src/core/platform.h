@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "core/text_font.h"
+
 // An operation of the world around the program failed, or a text is no number where one must stand.
 // Ends the user's event that met it; one place catches it (Dispatch in core/window.h) and shows What,
 // which names what failed: file, line and text. Nothing else is thrown across rooms.
@@ -50,6 +52,10 @@ std::optional<std::string> AskSaveFile(const FileQuestion& question);
 
 // A colour, RGB with red in the low byte; nothing when cancelled.
 std::optional<std::int32_t> AskColour(std::int32_t preset);
+
+// A font, its size between kLeastFontSize and kLargestFontSize; nothing when cancelled. Where a colour of the
+// letters is given, RGB with red in the low byte, it can be chosen as well.
+std::optional<TextFont> AskFont(const TextFont& preset, std::int32_t* colour = nullptr);
 
 // Waits, with the event loop running, until the window of this name is closed; it blocks the others
 // meanwhile. Require: the window is open.

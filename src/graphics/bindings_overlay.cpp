@@ -12,6 +12,7 @@ constexpr Binding kBindings[] = {
     {"Shift + drag", "rotate"},
     {"Shift + drag with both buttons", "roll"},
     {"Ctrl + drag", "move the picture"},
+    {"T + drag, B + drag", "move the black planes, thickness of their slab"},
     {"Wheel", "zoom about the mouse"},
     {"Drag a frame", "zoom to the frame"},
     {"Right button", "zoom out about the mouse"},

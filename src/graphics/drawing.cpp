@@ -6,6 +6,8 @@
 #include "core/form_main.h"
 #include "core/run.h"
 #include "core/settings.h"
+#include "graphics/black_planes.h"
+#include "graphics/flags.h"
 #include "graphics/lines.h"
 #include "graphics/point_loop.h"
 #include "graphics/projection.h"
@@ -32,10 +34,14 @@ void Stelle_Grafik_dar(ScreenWindow& window) {
     RechneCloudAndPixels(window);
     Surface& screen = window.Screen;
     if (screen.Clear != nullptr) screen.Clear(screen, window.BackColor);
+    if (IsTrue(window.State.BlackPlane)) Zeichne_Black_Plane(window);
+    SetInside(window);
     const DepthSize depth = DepthOf(window);
     window.Labels.clear();
     DrawPoints(window, depth);
     const ScreenRecord& state = window.State;
+    const bool flags = state.FlagCount != 0 || window.DynamicFlag.Row != 0;
+    if (flags) DrawFlagLines(window);
     if (IsTrue(state.LineMode)) DrawLines(window);
     DrawRVectors(window);
     if (IsTrue(state.GridXY) || IsTrue(state.GridYZ) || IsTrue(state.GridZX)) Zeichne_KSGrid(window);
@@ -43,6 +49,7 @@ void Stelle_Grafik_dar(ScreenWindow& window) {
     if (IsTrue(Settings.ShowColorBar)) Zeichne_ColorBar(window);
     Zeichne_Kosys(window);
     Zeichne_Scale(window);
+    if (flags) DrawFlags(window);
     if (screen.Refresh != nullptr) screen.Refresh(screen);
     ++window.PaintCount;
 }

@@ -8,6 +8,8 @@
 #include "graphics/analyse_mode.h"
 #include "graphics/bindings_overlay.h"
 #include "graphics/drawing.h"
+#include "graphics/flags.h"
+#include "graphics/form_graphics_options.h"
 #include "graphics/picking.h"
 #include "graphics/saved_views.h"
 #include "graphics/scene.h"
@@ -117,10 +119,14 @@ void FormMain::MenüAnsichtToleranzenColorbar_Click() {
     Settings.ShowColorBar = ToFlag(!IsTrue(Settings.ShowColorBar));
     Main.MenüAnsichtToleranzenColorbar.Checked = IsTrue(Settings.ShowColorBar);
     DrawActualPoint(findLFDFORM());  // the switch is that of all windows
+    GraphicsOptions_ShowColorBar();
     SettingsSchreiben({"ShowColorBar"});
 }
 void FormMain::MenüAnsichtToleranzenEinstellungen_Click() {
     ShowWindow("FormColorBar");
+}
+void FormMain::MenüGrafikBlackPlane_Click() {
+    ShowWindow("FormBlackPlane");
 }
 void FormMain::MenüGraphicsPrint_Click() {
     MenüGraphicsPrint_Command();
@@ -157,6 +163,32 @@ void FormMain::MenüGlobalRotateAbout_Click() {
 }
 void FormMain::MenüGlobalFlagsMode_Click() {
     Toggle(&ScreenRecord::FlagMode);
+}
+void FormMain::MenüGlobalGeneralGraphicsSettings_Click() {
+    ShowWindow("FormGraphicsOptions");
+}
+
+// One flag follows the mouse; without the entry there is none.
+void FormMain::MenüAnsichtDynamicFlag_Click() {
+    Main.MenüAnsichtDynamicFlag.Checked = !Main.MenüAnsichtDynamicFlag.Checked;
+    if (Main.MenüAnsichtDynamicFlag.Checked) return;
+    for (const auto& window : Screens().Open) DynamicFlagTo(*window, 0);
+}
+void FormMain::MenuFahneEdit_Click() {
+    Main.MenuFahne.Value = 0;
+    if (findLFDFORM() != nullptr) ShowWindow("FormEditFahne");
+}
+void FormMain::MenuFahneCopy_Click() {
+    Main.MenuFahne.Value = 0;
+    MenuFahneCopy_Command();
+}
+void FormMain::MenuFahneDelete_Click() {
+    Main.MenuFahne.Value = 0;
+    OnTop([](ScreenWindow& window) {
+        if (window.State.ActiveFlag == 0) return;
+        Fahne_Löschen(window, window.State.ActiveFlag);
+        StoreScreenPropertiesToRecord(window);
+    });
 }
 
 void FormMain::MenüViewSaveView_Click() {

@@ -4,6 +4,7 @@
 #include "core/run.h"
 #include "core/settings.h"
 #include "graphics/drawing.h"
+#include "graphics/flags.h"
 #include "graphics/scene.h"
 #include "graphics/screen_window.h"
 #include "graphics/view_undo.h"
@@ -45,6 +46,7 @@ void ApplyTopGraphicsModes() {
     Main.MenüAnsichtAnalyseModeActive.Checked = window->AnalyseMode;
     Main.ToolbarGraphics_AnalyseMode.Value = window->AnalyseMode ? 1 : 0;
     Main.MenüAnsichtToleranzenColorbar.Checked = IsTrue(Settings.ShowColorBar);
+    ShowFlagCommands();
     ShowUndoState();  // the main window has just enabled its tool bars as a whole
 }
 

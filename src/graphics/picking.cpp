@@ -10,6 +10,7 @@
 #include "core/any_vectors.h"
 #include "core/refresh.h"
 #include "core/require.h"
+#include "graphics/black_planes.h"
 #include "graphics/drawing.h"
 #include "graphics/projection.h"
 #include "graphics/scene.h"
@@ -95,6 +96,7 @@ int RowAt(int first, double distance, double x, double y) {
 
 void PixelsForWindow(ScreenWindow& window) {
     SceneForWindow(window);
+    SetInside(window);
     if (Scene.PixelsOf == window.Id) return;
     rechne_PixelCloud(window);
     Rechne_pixel(window);

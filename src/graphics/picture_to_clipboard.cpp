@@ -41,6 +41,7 @@ private:
 void WriteLabels(ScreenWindow& window) {
     Surface& screen = window.Screen;
     if (screen.Text == nullptr) return;
+    screen.Font = window.LabelFont;
     const auto write = [&screen](const ScreenLabel& label) {
         if (label.Visible) screen.Text(screen, label.X, label.Y, label.Text, label.ForeColor);
     };

@@ -12,6 +12,7 @@
 #include "core/settings.h"
 #include "engine/rotations.h"
 #include "engine/transform.h"
+#include "graphics/black_planes.h"
 #include "graphics/scene.h"
 
 namespace {
@@ -110,11 +111,21 @@ void TurnUsedVectors(const Mat3& M) {
     }
 }
 
+// The centre is that of all windows and of all views that they can go back to.
+void KeepAllPlanes(const Vec3& before) {
+    for (const auto& open : Screens().Open) {
+        KeepPlanesInWorld(open->State, before, Scene.RotCenter);
+        for (ScreenRecord& step : open->UndoRing) KeepPlanesInWorld(step, before, Scene.RotCenter);
+    }
+}
+
 // The armed centre of rotation: the point of its row; the box of the window's view as it stood before goes to
 // the middle of the picture. The tables may hold the view of another window by now.
 void TakeRotationCenter(ScreenWindow& window) {
     const auto row = static_cast<std::size_t>(Scene.RotateAboutIndex);
+    const Vec3 before = Scene.RotCenter;
     Scene.RotCenter = {Scene.Points[kSceneX][row], Scene.Points[kSceneY][row], Scene.Points[kSceneZ][row]};
+    KeepAllPlanes(before);
     CenterBox(window);
     Scene.RotateAboutArmed = false;
     Main.MenüGlobalRotateAbout.Checked = false;

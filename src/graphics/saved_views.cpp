@@ -10,6 +10,7 @@
 #include "core/job.h"
 #include "core/platform.h"
 #include "core/run.h"
+#include "graphics/black_planes.h"
 #include "graphics/form_save_view.h"
 #include "graphics/projection.h"
 #include "graphics/scene.h"
@@ -32,7 +33,8 @@ bool ViewExists(int number) {
     return number >= 1 && number <= std::min<int>(Job.nSavedViews, kMostViews);
 }
 
-// The step of the ring that shows, with the size of the window and a table of flags for all rows.
+// The step of the ring that shows, with the size of the window and a table of flags for all rows. Its black
+// planes count from the world's origin, since the centre of rotation goes with the program run.
 ScreenRecord PresentView(ScreenWindow& window) {
     SceneForWindow(window);
     ScreenRecord view = window.UndoRing[static_cast<std::size_t>(window.UndoIndex)];
@@ -40,6 +42,7 @@ ScreenRecord PresentView(ScreenWindow& window) {
     view.WindowHeight = ToSize(PictureHeight(window));
     view.FlagIndex.resize(static_cast<std::size_t>(Scene.Rows));
     view.FlagIndexShape.clear();
+    KeepPlanesInWorld(view, Scene.RotCenter, Vec3());
     return view;
 }
 
@@ -94,10 +97,11 @@ void DeleteView(int number) {
 
 void GetScreenPropertiesFromSavedView(ScreenWindow& window, int number) {
     if (!ViewExists(number)) return;
-    const ScreenRecord view = SlotOf(number);
+    ScreenRecord view = SlotOf(number);
     if (view.WindowWidth > 0 && view.WindowHeight > 0)
         ResizeScreenWindow(window, std::min<int>(view.WindowWidth, kWidestView),
                            std::min<int>(view.WindowHeight, kHighestView));
+    KeepPlanesInWorld(view, Vec3(), Scene.RotCenter);
     GetScreenPropertiesFromRecord(window, view);
     StoreScreenPropertiesToRecord(window);
 }

@@ -142,6 +142,7 @@ void Grafik_Festlegen(ScreenWindow& window) {
     ++Scene.Stamp;
     Scene.PixelsOf = 0;
     SizeTables(counts.Rows());
+    Scene.InsideOf = {};  // the next paint hides what is behind the planes
     if (window.State.FlagIndex.size() != static_cast<std::size_t>(Scene.Rows)) {
         window.State.FlagIndex.resize(static_cast<std::size_t>(Scene.Rows));
         window.State.FlagIndexShape.clear();

@@ -30,6 +30,15 @@ enum SceneColumn : int {
     kSceneColumns = 17
 };
 
+// The planes that column 16 was worked out for, in the world: a point is seen where its way along the normal
+// from the centre of rotation is at most First and above Second, mm.
+struct SceneSlab {
+    bool On = false;  // off: all points are seen
+    std::array<double, 3> Normal{}, Center{};
+    double First = 0, Second = 0;
+    bool operator==(const SceneSlab&) const = default;
+};
+
 struct SceneRecord {
     int Rows = 0;  // n; rows 1 to nIdent are MCS points, the next nIdent their OCS points
     std::array<std::vector<float>, kSceneColumns> Points;  // one array a column, each with element 0
@@ -37,6 +46,7 @@ struct SceneRecord {
     std::array<std::vector<float>, 3> Vectors;             // ViewVectors, columns 1 and 2
     std::vector<float> PixelX, PixelY, PixelZ, VecPixelX, VecPixelY;
     std::uint64_t PixelsOf = 0;  // Id of the window whose picture the pixel tables hold, 0 = of none
+    SceneSlab InsideOf;          // what column 16 holds
     Vec3 RotCenter;
     int RotateAboutIndex = 0;
     bool RotateAboutArmed = false;

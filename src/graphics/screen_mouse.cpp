@@ -3,11 +3,14 @@
 #include <cmath>
 #include <utility>
 
+#include "core/form_main.h"
 #include "core/platform.h"
 #include "core/settings.h"
 #include "engine/rotations.h"
 #include "engine/transform.h"
+#include "graphics/black_planes.h"
 #include "graphics/drawing.h"
+#include "graphics/flags.h"
 #include "graphics/lines.h"
 #include "graphics/picking.h"
 #include "graphics/projection.h"
@@ -46,6 +49,15 @@ void PaintWithoutNames(ScreenWindow& window) {
     };
     const NamesOff off;
     Stelle_Grafik_dar(window);
+    window.Mouse.ViewMoved = true;
+}
+
+void MovePlanes(ScreenWindow& window, const MouseEvent& event) {
+    const double dx = window.Mouse.X - event.X, dy = window.Mouse.Y - event.Y;
+    if (window.Mouse.KeyT) MoveTopPlane(window, dx, dy);
+    if (window.Mouse.KeyB) ThickenSlab(window, dx, dy);
+    Stelle_Grafik_dar(window);
+    // Also where the key is let go before the button, which is no end of a frame then.
     window.Mouse.ViewMoved = true;
 }
 
@@ -140,15 +152,37 @@ bool InPicture(const ScreenWindow& window, const MouseEvent& event) {
            event.Y <= static_cast<float>(PictureHeight(window));
 }
 
+// A press on a flag is not one on the picture below it, unless the view is being turned or shifted.
+bool PressedFlag(ScreenWindow& window, const MouseEvent& event) {
+    if (Rotating(event) || Panning(event) || MovesPlane(window)) return false;
+    if (event.Buttons != kLeftButton && event.Buttons != kRightButton) return false;
+    const int flag = FlagAt(window, event.X, event.Y);
+    if (flag == 0) return false;
+    if (event.Buttons == kLeftButton)
+        PressFlag(window, flag, event.X, event.Y);
+    else
+        ShowFlagMenu(window, flag);
+    return true;
+}
+
+// The dynamic flag follows the point while no button is held.
+void FollowWithFlag(ScreenWindow& window, const MouseEvent& event) {
+    if (Main.MenüAnsichtDynamicFlag.Checked && event.Buttons == 0)
+        DynamicFlagTo(window, window.Mouse.ActualRow);
+}
+
 }  // namespace
 
 void ScreenPixel_MouseDown(ScreenWindow& window, const MouseEvent& event) {
     ScreenMouse& mouse = window.Mouse;
+    Main.MenuFahne.Value = 0;
     window.BindingsShown = false;
     mouse.DownButton = event.Buttons;
     mouse.X = mouse.DownX = event.X;
     mouse.Y = mouse.DownY = event.Y;
     mouse.ZoomedByFrame = mouse.ViewMoved = false;
+    mouse.OnFlag = PressedFlag(window, event);
+    if (mouse.OnFlag) return;
     if (event.Buttons == kRightButton && !Rotating(event)) {
         ZoomAbout(window, event.X, event.Y, window.State.BildFaktor * kZoomStep);
         Stelle_Grafik_dar(window);
@@ -160,23 +194,29 @@ void ScreenPixel_MouseDown(ScreenWindow& window, const MouseEvent& event) {
 void ScreenPixel_MouseMove(ScreenWindow& window, const MouseEvent& event) {
     ScreenMouse& mouse = window.Mouse;
     const bool left = (event.Buttons & kLeftButton) != 0, right = (event.Buttons & kRightButton) != 0;
-    if (left && right && Rotating(event))
+    if (left && mouse.DraggedFlag != 0)
+        DragFlag(window, event.X, event.Y);
+    else if (left && right && Rotating(event))
         Roll(window, event);
     else if (left && Rotating(event))
         Rotate(window, event);
     else if (left && Panning(event))
         Pan(window, event);
+    else if (left && MovesPlane(window) && IsTrue(window.State.BlackPlane))
+        MovePlanes(window, event);
     else if (left && mouse.FrameArmed && !mouse.ViewMoved && !MovesPlane(window))
         SizeFrame(mouse, event);
     mouse.X = event.X;
     mouse.Y = event.Y;
     mouse.ActualRow = Search_Point_Index(window, event.X, event.Y);
     ShowPointInStatusBar(window, mouse.ActualRow);
+    FollowWithFlag(window, event);
     LinesUnderMouse(window, mouse.ActualRow);
 }
 
 void ScreenPixel_MouseUp(ScreenWindow& window, const MouseEvent& event) {
     ScreenMouse& mouse = window.Mouse;
+    if (mouse.OnFlag) return ReleaseFlag(window);
     if (EndsFrame(window, event))
         mouse.ZoomedByFrame = ZoomToFrame(window, event);
     else if (mouse.ViewMoved && IsTrue(Settings.ShowPointNames))
@@ -187,7 +227,7 @@ void ScreenPixel_MouseUp(ScreenWindow& window, const MouseEvent& event) {
 
 void ScreenPixel_Click(ScreenWindow& window, const MouseEvent& event) {
     if (std::exchange(window.Mouse.ZoomedByFrame, false)) return;
-    if ((event.Buttons & (kRightButton | kMiddleButton)) != 0) return;
+    if ((event.Buttons & (kRightButton | kMiddleButton)) != 0 || window.Mouse.OnFlag) return;
     // In the flag mode a plain click is for flags and leaves the actual point alone; lines are set all the
     // same.
     const bool forFlags = IsTrue(window.State.FlagMode) && !Rotating(event) && !Panning(event);
@@ -199,12 +239,16 @@ void ScreenPixel_Click(ScreenWindow& window, const MouseEvent& event) {
         DrawActualPoint(&window);
         if (recentres) StoreScreenPropertiesToRecord(window);
     }
+    if (forFlags) FlagByClick(window, row, event.X, event.Y);
     LinesClicked(window, row);
 }
 
 void ScreenPixel_DblClick(ScreenWindow& window, const MouseEvent& event) {
     const bool other = (event.Buttons & (kRightButton | kMiddleButton)) != 0;
-    if (other || IsTrue(window.State.LineMode)) return;
+    if (other) return;
+    if (const int flag = FlagAt(window, event.X, event.Y); flag != 0)
+        return FlagDoubleClicked(window, flag, FlagCellAt(window, flag, event.X, event.Y));
+    if (IsTrue(window.State.LineMode)) return;
     const std::uint64_t id = window.Id;
     const auto colour = AskColour(window.BackColor);
     // The dialog has let events be handled.

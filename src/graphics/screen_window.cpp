@@ -16,6 +16,8 @@
 #include "core/run.h"
 #include "core/settings.h"
 #include "graphics/drawing.h"
+#include "graphics/flags.h"
+#include "graphics/form_black_plane.h"
 #include "graphics/form_color_bar.h"
 #include "graphics/projection.h"
 #include "graphics/scene.h"
@@ -88,6 +90,12 @@ int FreeNumber() {
     return number;
 }
 
+// The dialogs that refer to the active window follow it.
+void ShowInDialogs(const ScreenWindow& window) {
+    ColorBar_ShowWindow(window);
+    BlackPlane_ShowWindow(window);
+}
+
 // Without a window no mode is on.
 void ShowNoModes() {
     for (Control* entry :
@@ -109,6 +117,7 @@ void GraphicsFormOpen() {
     Main.MenueGraphicsWindow.Enabled = !screens.Open.empty();
     Main.MenueGraphics.Checked = !screens.Open.empty();
     ProgrammLogik();
+    ShowFlagCommands();
     ShowUndoState();
     if (screens.Open.empty()) ShowNoModes();
 }
@@ -132,7 +141,7 @@ ScreenWindow& OpenScreenWindow() {
     // The two-colour mode of the first paint already goes by this entry.
     Main.MenüAnsichtToleranzenColorbar.Checked = IsTrue(Settings.ShowColorBar);
     GiveStartValues(window);
-    ColorBar_ShowWindow(window);
+    ShowInDialogs(window);
     Stelle_Grafik_dar(window);
     StoreScreenPropertiesToRecord(window);
     GraphicsFormOpen();
@@ -153,16 +162,17 @@ void CloseScreenWindow(ScreenWindow& window) {
     if (screens.Active == &window)
         screens.Active = screens.Open.empty() ? nullptr : screens.Open.back().get();
     if (screens.Active != nullptr)
-        ColorBar_ShowWindow(*screens.Active);
+        ShowInDialogs(*screens.Active);
     else
-        UnloadWindow("FormColorBar");  // there is nothing left that it could refer to
+        for (const char* dialog : {"FormColorBar", "FormBlackPlane", "FormGraphicsOptions"})
+            UnloadWindow(dialog);  // there is nothing left that it could refer to
     GraphicsFormOpen();
 }
 
 void ActivateScreenWindow(ScreenWindow& window) {
     if (screens.Active == &window) return;
     screens.Active = &window;
-    ColorBar_ShowWindow(window);
+    ShowInDialogs(window);
     ProgrammLogik();
     ShowUndoState();
 }

@@ -10,6 +10,7 @@
 
 #include "core/screen_record.h"
 #include "core/window.h"
+#include "graphics/flag_label.h"
 #include "graphics/surface.h"
 
 inline constexpr int kUndoSlots = 50;
@@ -40,6 +41,10 @@ struct ScreenMouse {
     bool ZoomedByFrame = false;  // the click that ends a frame zoom is no click
     bool ViewMoved = false;      // by the present press: its end is no end of a frame
     bool KeyT = false, KeyB = false;
+    bool OnFlag = false;  // the present press went to a flag
+    int DraggedFlag = 0;  // 0 = none
+    bool FlagMoved = false;
+    int FlagLeft = 0, FlagTop = 0;  // where it stood when it was pressed
 };
 
 struct ScreenWindow {
@@ -61,6 +66,12 @@ struct ScreenWindow {
     bool BindingsShown = false;       // the text about mouse and keys lies over the picture
     std::vector<ScreenLabel> Labels;  // all but the two below; made anew by each paint
     ScreenLabel LabelScale, LabelVectorScale;
+    TextFont LabelFont;                 // of all labels
+    std::vector<FlagLabel> FlagLabels;  // one a flag of State, from 1
+    FlagTextKey FlagsShow;              // what their texts were written from
+    FlagLabel DynamicFlag;              // follows the mouse; Row 0 = none
+    FlagRecord DynamicRecord;
+    std::vector<bool> FlagCells;                       // the cells of the picture that are taken, row by row
     std::array<std::string, kScreenPanels + 1> Panel;  // the status bar, from 1
     std::string Deviation;                             // of the point that the panels name
     bool StatusBarVisible = true;                      // hidden while the picture goes to the clipboard

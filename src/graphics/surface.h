@@ -7,6 +7,8 @@
 #include <memory>
 #include <string>
 
+#include "core/text_font.h"
+
 // Colours are RGB with red in the low byte everywhere but in the picture itself.
 using Colour = std::int32_t;
 
@@ -35,6 +37,14 @@ struct Surface {
     // Writes a text into the picture, its top left corner at (x, y); for pictures that leave the window with
     // their labels.
     void (*Text)(Surface&, float x, float y, const std::string& text, Colour colour) = nullptr;
+    TextFont Font;  // of the texts that are written from now on
+    // A rectangle of one colour.
+    void (*Fill)(Surface&, float x, float y, float width, float height, Colour colour) = nullptr;
+    // A text on a ground of its own: letters alone, its top left corner at (x, y).
+    void (*FontText)(Surface&, float x, float y, const std::string& text, Colour colour,
+                     const TextFont& font) = nullptr;
+    double (*FontWidth)(const TextFont& font, const std::string& text) = nullptr;  // pixels
+    double (*FontHeight)(const TextFont& font) = nullptr;                          // of a line, pixels
     // Tells that the picture has changed and may be shown.
     void (*Refresh)(Surface&) = nullptr;
     void (*Close)(Surface&) = nullptr;  // frees what stands behind the table

@@ -8,6 +8,8 @@
 #include "core/controller.h"
 #include "core/form_main.h"
 #include "graphics/drawing.h"
+#include "graphics/flags.h"
+#include "graphics/form_black_plane.h"
 #include "graphics/form_color_bar.h"
 #include "graphics/scene.h"
 #include "graphics/view_values.h"
@@ -67,7 +69,10 @@ void GetScreenPropertiesFromRecord(ScreenWindow& window, const ScreenRecord& vie
     // The table of flags is as long as the scene, whatever the view was stored for.
     window.State.FlagIndex.resize(static_cast<std::size_t>(Scene.Rows));
     window.State.FlagIndexShape.clear();
+    window.Mouse.DraggedFlag = 0;
+    FahnenReset(window);
     ColorBar_ShowWindow(window);
+    BlackPlane_ShowWindow(window);
     Stelle_Grafik_dar(window);
     ProgrammLogik();
     ShowUndoState();

@@ -5,6 +5,9 @@
 #include <cmath>
 #include <cstdint>
 
+#include "graphics/black_planes.h"
+#include "graphics/flags.h"
+
 namespace {
 
 template <class Number>
@@ -35,6 +38,11 @@ void MakeViewUsable(ScreenRecord& view) {
     }
     for (double& angle : view.RotAngles) KeepFinite(angle, 0.0);
     for (std::int32_t* spacing : {&view.ADis, &view.BDis, &view.Cdis}) *spacing = std::max(*spacing, 0);
+    KeepFinite(view.TopDepth, 0.0F);
+    if (!std::isfinite(view.SlabThickness)) view.SlabThickness = kFirstSlab;
+    view.SlabThickness = std::max(view.SlabThickness, 0.0);
+    if (!HasPlaneFrame(view)) view.BlackPlane = view.BlackInitial = kFalse;
+    MakeFlagsUsable(view);
     if (view.LineTable.size() % 2 != 0) {
         view.LineTable.clear();
         view.LineTableShape.clear();

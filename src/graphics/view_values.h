@@ -8,5 +8,5 @@ inline constexpr int kLargestBigNess = 500;                           // pixels
 inline constexpr int kMostClasses = 100;                              // on each side of zero
 
 // Brings numbers that no window can show (point sizes below 1, no class at all, factors that are not finite,
-// tables of odd sizes) to the nearest that one can; all else stays.
+// tables of odd sizes, planes without a frame) to the nearest that one can; all else stays.
 void MakeViewUsable(ScreenRecord& view);

@@ -5,25 +5,28 @@
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QString>
+#include <QStringList>
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <map>
+#include <list>
 #include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "paint/gui.h"
+#include "paint/picture.h"
 
 namespace {
 
-constexpr int kLetterHeight = 12;         // logical pixels to the em: 9 points
-constexpr int kEdge = 1;                  // pixels of the edge around the letters
-constexpr int kEdgeStrength = 170;        // of 255
-constexpr char16_t kLastSimple = 0x24f;   // letters up to here stand side by side; others are set by Qt
-constexpr std::size_t kMostTexts = 4096;  // that are kept whole
-constexpr qsizetype kLongestText = 1000;  // letters; no picture is so wide
+constexpr double kPixelsToPoint = 4.0 / 3;  // logical ones
+constexpr std::size_t kMostFonts = 16;      // that are kept
+constexpr int kEdge = 1;                    // pixels of the edge around the letters
+constexpr int kEdgeStrength = 170;          // of 255
+constexpr char16_t kLastSimple = 0x24f;     // letters up to here stand side by side; others are set by Qt
+constexpr std::size_t kMostTexts = 4096;    // that are kept whole
+constexpr qsizetype kLongestText = 1000;    // letters; no picture is so wide
 
 // How much of each pixel the letter covers, and its edge, 0 to 255, row by row.
 struct Mask {
@@ -39,9 +42,15 @@ struct FontMasks {
     std::unordered_map<std::string, Mask> Texts;
 };
 
-QFont FontOf(int pixels) {
+QFont FontOf(const TextFont& wanted, int pixels) {
+    QStringList families = {"DejaVu Sans", "Verdana", "Arial"};
+    if (!wanted.Name.empty()) families.prepend(QString::fromStdString(wanted.Name));
     QFont font;
-    font.setFamilies({"DejaVu Sans", "Verdana", "Arial"});
+    font.setFamilies(families);
+    font.setBold(wanted.Bold);
+    font.setItalic(wanted.Italic);
+    font.setUnderline(wanted.Underline);
+    font.setStrikeOut(wanted.Strikethrough);
     font.setStyleHint(QFont::SansSerif);
     font.setPixelSize(pixels);
     font.setHintingPreference(QFont::PreferFullHinting);
@@ -50,14 +59,29 @@ QFont FontOf(int pixels) {
     return font;
 }
 
-FontMasks& MasksOf(double scale) {
-    static std::map<int, FontMasks> sizes;
+// The masks of a font in the size that it has on the picture; good until the next call.
+FontMasks& MasksOf(const TextFont& wanted, double scale) {
+    struct Kept {
+        TextFont Font;
+        int Pixels;
+        FontMasks Masks;
+    };
+    static std::list<Kept> kept;  // the last asked for first
     EnsureGui();
-    const int pixels = std::max(1, static_cast<int>(std::lround(kLetterHeight * scale)));
-    const auto found = sizes.find(pixels);
-    if (found != sizes.end()) return found->second;
-    const QFont font = FontOf(pixels);
-    return sizes.emplace(pixels, FontMasks{font, QFontMetricsF(font), {}, {}}).first->second;
+    const float points =
+        wanted.Size >= kLeastFontSize ? std::min(wanted.Size, kLargestFontSize) : kLeastFontSize;
+    const int pixels = std::max(1, static_cast<int>(std::lround(points * kPixelsToPoint * scale)));
+    const auto found = std::find_if(kept.begin(), kept.end(), [&](const Kept& one) {
+        return one.Pixels == pixels && one.Font == wanted;
+    });
+    if (found != kept.end()) {
+        kept.splice(kept.begin(), kept, found);
+        return kept.front().Masks;
+    }
+    if (kept.size() >= kMostFonts) kept.pop_back();
+    const QFont font = FontOf(wanted, pixels);
+    kept.push_front({wanted, pixels, {font, QFontMetricsF(font), {}, {}}});
+    return kept.front().Masks;
 }
 
 // Every pixel of the edge is as strong as the strongest of the letter within one pixel of it.
@@ -196,13 +220,13 @@ void Stamp(QImage& picture, const Mask& mask, const std::vector<std::uint8_t>& s
 
 }  // namespace
 
-void DrawLabelText(QImage& picture, double scale, float x, float y, const std::string& text, QRgb colour,
-                   QRgb behind) {
+void DrawLabelText(QImage& picture, double scale, float x, float y, const std::string& text,
+                   const TextFont& textFont, QRgb colour, QRgb behind) {
     const double left = std::round(x * scale), top = std::round(y * scale);
     // Far outside, or no place at all.
     if (!(std::abs(left) < 1e6 && std::abs(top) < 1e6)) return;
     static std::vector<PlacedMask> placed;
-    SetText(MasksOf(scale), text, placed);
+    SetText(MasksOf(textFont, scale), text, placed);
     const int penX = static_cast<int>(left), penY = static_cast<int>(top);
     // All edges first: the edge of a letter must not cut into the one before it.
     for (const PlacedMask& mask : placed)
@@ -211,11 +235,31 @@ void DrawLabelText(QImage& picture, double scale, float x, float y, const std::s
         Stamp(picture, *mask.What, mask.What->Letter, penX + mask.X, penY, colour);
 }
 
+void DrawFontText(QImage& picture, double scale, float x, float y, const std::string& text, QRgb colour,
+                  const TextFont& font) {
+    const double left = std::round(x * scale), top = std::round(y * scale);
+    if (!(std::abs(left) < 1e6 && std::abs(top) < 1e6)) return;
+    static std::vector<PlacedMask> placed;
+    SetText(MasksOf(font, scale), text, placed);
+    const int penX = static_cast<int>(left), penY = static_cast<int>(top);
+    for (const PlacedMask& mask : placed)
+        Stamp(picture, *mask.What, mask.What->Letter, penX + mask.X, penY, colour);
+}
+
+double FontTextWidth(const TextFont& font, const std::string& text) {
+    std::vector<PlacedMask> placed;
+    return SetText(MasksOf(font, 1), text, placed);
+}
+
+double FontTextHeight(const TextFont& font) {
+    return std::ceil(MasksOf(font, 1).Metrics.height());
+}
+
 double LabelTextWidth(const std::string& text) {
     std::vector<PlacedMask> placed;
-    return SetText(MasksOf(1), text, placed);
+    return SetText(MasksOf({}, 1), text, placed);
 }
 
 double LabelTextHeight() {
-    return std::ceil(MasksOf(1).Metrics.height());
+    return std::ceil(MasksOf({}, 1).Metrics.height());
 }

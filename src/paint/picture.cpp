@@ -149,7 +149,30 @@ void DrawCircle(Surface& screen, float x, float y, float radius, Colour colour, 
 void DrawText(Surface& screen, float x, float y, const std::string& text, Colour colour) {
     Picture& picture = PictureBehind(screen);
     if (picture.Painter.isActive()) picture.Painter.end();
-    DrawLabelText(picture.Image, screen.Scale, x, y, text, RgbOf(colour), RgbOf(picture.Background));
+    DrawLabelText(picture.Image, screen.Scale, x, y, text, screen.Font, RgbOf(colour),
+                  RgbOf(picture.Background));
+}
+
+void FillRectangle(Surface& screen, float x, float y, float width, float height, Colour colour) {
+    Picture& picture = PictureBehind(screen);
+    if (picture.Painter.isActive()) picture.Painter.end();
+    const auto edge = [&screen](double logical, int last) {
+        return static_cast<int>(std::clamp(std::nearbyint(std::nearbyint(logical) * screen.Scale), 0.0,
+                                           static_cast<double>(last)));
+    };
+    if (!std::isfinite(x) || !std::isfinite(y) || !(width > 0) || !(height > 0)) return;
+    const int left = edge(x, screen.PixelWidth), top = edge(y, screen.PixelHeight);
+    const int right = edge(static_cast<double>(x) + width, screen.PixelWidth);
+    const int bottom = edge(static_cast<double>(y) + height, screen.PixelHeight);
+    for (int row = top; row < bottom; ++row)
+        std::fill_n(screen.Pixels + row * screen.Stride + left, std::max(0, right - left), PixelOf(colour));
+}
+
+void DrawTextInFont(Surface& screen, float x, float y, const std::string& text, Colour colour,
+                    const TextFont& font) {
+    Picture& picture = PictureBehind(screen);
+    if (picture.Painter.isActive()) picture.Painter.end();
+    DrawFontText(picture.Image, screen.Scale, x, y, text, RgbOf(colour), font);
 }
 
 void EndPaint(Surface& screen) {
@@ -169,8 +192,8 @@ bool IsPicture(const Surface& screen) {
 
 void DrawLabel(QImage& image, const ScreenWindow& window, const ScreenLabel& label) {
     if (!label.Visible) return;
-    DrawLabelText(image, window.Screen.Scale, label.X, label.Y, label.Text, RgbOf(label.ForeColor),
-                  RgbOf(window.BackColor));
+    DrawLabelText(image, window.Screen.Scale, label.X, label.Y, label.Text, window.LabelFont,
+                  RgbOf(label.ForeColor), RgbOf(window.BackColor));
 }
 
 }  // namespace
@@ -193,6 +216,10 @@ void FillSurfaceWithPicture(Surface& screen) {
     screen.Line = DrawLine;
     screen.Circle = DrawCircle;
     screen.Text = DrawText;
+    screen.Fill = FillRectangle;
+    screen.FontText = DrawTextInFont;
+    screen.FontWidth = FontTextWidth;
+    screen.FontHeight = FontTextHeight;
     screen.Refresh = EndPaint;
     screen.Close = ClosePicture;
     screen.Own = picture.release();

@@ -10,6 +10,10 @@
 // logical pixel is not one of the device. At Scale 1 all is drawn in whole pixels without antialiasing.
 void FillSurfaceWithPicture(Surface& screen);
 
+// Sizes of texts in a font, logical pixels.
+double FontTextWidth(const TextFont& font, const std::string& text);
+double FontTextHeight(const TextFont& font);  // of a line
+
 // The window as a user sees it, with all labels, as the bytes of a PNG file; empty where the window keeps no
 // picture.
 std::string PictureBytes(const ScreenWindow& window);

@@ -259,8 +259,13 @@ void Connect(const Bound& bound) {
     Control& c = *bound.State;
     QWidget* widget = bound.Widget;
     if (auto* text = As<QLineEdit>(bound)) {
-        QObject::connect(text, &QLineEdit::textEdited, text,
-                         [&c](const QString& typed) { UserDid([&] { UserSetText(c, S(typed)); }); });
+        // A number that is put within its limits at each letter could not be typed.
+        if (text->property("takenWhenLeft").toBool())
+            QObject::connect(text, &QLineEdit::editingFinished, text,
+                             [&c, text] { UserDid([&] { UserSetText(c, S(text->text())); }); });
+        else
+            QObject::connect(text, &QLineEdit::textEdited, text,
+                             [&c](const QString& typed) { UserDid([&] { UserSetText(c, S(typed)); }); });
     } else if (auto* page = As<QPlainTextEdit>(bound)) {
         QObject::connect(page, &QPlainTextEdit::textChanged, page,
                          [&c, page] { UserDid([&] { UserSetText(c, S(page->toPlainText())); }); });

@@ -25,6 +25,7 @@
 #include <set>
 #include <string_view>
 
+#include "analysis/form_grafik.h"
 #include "analysis/form_trompete.h"
 #include "core/controller.h"
 #include "core/files.h"
@@ -34,10 +35,13 @@
 #include "core/refresh.h"
 #include "core/run.h"
 #include "core/text.h"
+#include "graphics/form_black_plane.h"
 #include "graphics/form_color_bar.h"
+#include "graphics/form_graphics_options.h"
 #include "import/form_input_files.h"
 #include "paraboloid/form_stop_para_trafo.h"
 #include "ui/binder.h"
+#include "ui/chart_view.h"
 #include "ui/clipboard.h"
 #include "ui/colour_sample.h"
 #include "ui/places.h"
@@ -51,9 +55,10 @@
 namespace {
 
 // The windows that stand above the frame; all others stand inside it.
-constexpr std::array<std::string_view, 10> kDialogs = {
-    "FormUnits",    "FormOptions",  "FormMenuHelpInfo",  "FormProgressBar", "FormInputFiles",
-    "FormColorBar", "FormSaveView", "FormStopParaTrafo", "FormBatch",       "FormChangeDir"};
+constexpr std::array<std::string_view, 13> kDialogs = {
+    "FormUnits",           "FormOptions",    "FormMenuHelpInfo",  "FormProgressBar", "FormInputFiles",
+    "FormColorBar",        "FormSaveView",   "FormStopParaTrafo", "FormBatch",       "FormChangeDir",
+    "FormGraphicsOptions", "FormBlackPlane", "FormEditFahne"};
 
 // Work that writes a text at every step shows it no more often than this.
 constexpr qint64 kBetweenPanels_ms = 100;
@@ -89,9 +94,10 @@ bool IsOfLongWork(const WindowEntry& window) {
     return &window == &FormProgressBar_Entry || &window == &FormStopParaTrafo_Entry;
 }
 
-// The dialog of the colours is at work beside the pictures that it changes.
+// These dialogs are at work beside the pictures that they change.
 bool IsBeside(const WindowEntry& window) {
-    return &window == &FormColorBar_Entry;
+    return &window == &FormColorBar_Entry || &window == &FormGraphicsOptions_Entry ||
+           &window == &FormBlackPlane_Entry;
 }
 
 QWidget* LoadForm(const WindowEntry& window) {
@@ -166,6 +172,7 @@ void OpenOne(const WindowEntry& window) {
     BindWindow(window, *open.Form);
     if (&window == &FormColorBar_Entry) AddColourSample(*open.Form);
     if (&window == &FormTrompete_Entry) AddTrumpet(*open.Form);
+    if (&window == &FormGrafik_Entry) AddChart(*open.Form);
     Desktop.Windows[&window] = open;
     open.Outer->setAttribute(Qt::WA_DeleteOnClose, false);
     open.Outer->installEventFilter(new WindowEvents(window, *open.Outer));
@@ -211,11 +218,14 @@ void ShowPointer() {
     }
 }
 
-// The pop-up menu of a table is the menu for editing, while its value says so.
+// A menu is a pop-up menu while its value says so: that for editing is one of a table, that for flags one of
+// a flag.
 void ShowPopUp() {
-    if (Main.MenuEdit.Value == 0 || Desktop.PopUpOpen) return;
-    Main.MenuEdit.Value = 0;
-    auto* menu = Desktop.FrameWindow->findChild<QMenu*>(QStringLiteral("MenuEdit"));
+    const bool flag = Main.MenuFahne.Value != 0;
+    if ((Main.MenuEdit.Value == 0 && !flag) || Desktop.PopUpOpen) return;
+    Main.MenuEdit.Value = Main.MenuFahne.Value = 0;
+    auto* menu = Desktop.FrameWindow->findChild<QMenu*>(flag ? QStringLiteral("MenuFahne")
+                                                             : QStringLiteral("MenuEdit"));
     if (menu == nullptr) return;
     Desktop.PopUpOpen = true;
     menu->popup(QCursor::pos());
@@ -431,6 +441,7 @@ void ShowState(bool insideWork) {
         ShowControls(*window, panels);
         if (window == &FormColorBar_Entry) ShowColourSample(*open.Form);
         if (window == &FormTrompete_Entry) ShowTrumpet(*open.Form);
+        if (window == &FormGrafik_Entry) ShowChart(*open.Form);
         const QString title = Q(window->State->Caption);
         if (open.Outer->windowTitle() != title) open.Outer->setWindowTitle(title);
         if (open.Form->isEnabled() != window->State->Enabled) open.Form->setEnabled(window->State->Enabled);

@@ -8,6 +8,10 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFileDialog>
+#include <QFont>
+#include <QFontDialog>
+#include <QGridLayout>
+#include <QIcon>
 #include <QInputDialog>
 #include <QLocale>
 #include <QMessageBox>
@@ -15,6 +19,7 @@
 #include <QPushButton>
 #include <QTimer>
 #include <QUrl>
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 
@@ -139,6 +144,46 @@ std::optional<std::int32_t> AskColour(std::int32_t preset) {
     const QColor chosen = QColorDialog::getColor(ColourOf(preset), DialogParent());
     if (!chosen.isValid()) return std::nullopt;
     return chosen.red() | chosen.green() << 8 | chosen.blue() << 16;
+}
+
+std::optional<TextFont> AskFont(const TextFont& preset, std::int32_t* colour) {
+    ShowState();
+    const PlainPointer pointer;
+    QFont font(preset.Name.empty() ? QStringLiteral("DejaVu Sans") : Q(preset.Name));
+    font.setPointSizeF(std::clamp(preset.Size, kLeastFontSize, kLargestFontSize));
+    font.setBold(preset.Bold);
+    font.setItalic(preset.Italic);
+    font.setUnderline(preset.Underline);
+    font.setStrikeOut(preset.Strikethrough);
+    QFontDialog dialog(font, DialogParent());
+    QColor letters = ColourOf(colour != nullptr ? *colour : 0);
+    QPushButton button(QStringLiteral("C&olor..."), &dialog);
+    button.setAutoDefault(false);
+    const auto show = [&button, &letters] {
+        QPixmap sample(16, 16);
+        sample.fill(letters);
+        button.setIcon(QIcon(sample));
+    };
+    show();
+    QObject::connect(&button, &QPushButton::clicked, &dialog, [&] {
+        const QColor chosen = QColorDialog::getColor(letters, &dialog);
+        if (chosen.isValid()) letters = chosen;
+        show();
+    });
+    // The system's own dialog has no room for the colour.
+    if (colour != nullptr) dialog.setOption(QFontDialog::DontUseNativeDialog);
+    auto* grid = qobject_cast<QGridLayout*>(dialog.layout());
+    if (colour != nullptr && grid != nullptr)
+        grid->addWidget(&button, grid->rowCount(), 0, 1, 2, Qt::AlignLeft);
+    else
+        button.hide();
+    if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+    if (colour != nullptr) *colour = letters.red() | letters.green() << 8 | letters.blue() << 16;
+    const QFont chosen = dialog.selectedFont();
+    const auto size = static_cast<float>(chosen.pointSizeF());
+    return TextFont{S(chosen.family()), std::clamp(size, kLeastFontSize, kLargestFontSize),
+                    chosen.bold(),      chosen.italic(),
+                    chosen.underline(), chosen.strikeOut()};
 }
 
 void WaitForWindow(const std::string& name) {

@@ -37,6 +37,23 @@ void NoteText(Surface& screen, float x, float y, const std::string& text, Colour
         {.Kind = Stroke::Text, .X1 = x, .Y1 = y, .Colour1 = colour, .Text = text});
 }
 
+void NoteFill(Surface& screen, float x, float y, float width, float height, Colour colour) {
+    const auto edge = [](double place, int end) {
+        return std::clamp(static_cast<int>(std::lround(place * RecordingScale)), 0, end);
+    };
+    const int left = edge(x, screen.PixelWidth), right = edge(x + width, screen.PixelWidth);
+    const int bottom = edge(y + height, screen.PixelHeight);
+    for (int row = edge(y, screen.PixelHeight); row < bottom; ++row)
+        std::fill_n(screen.Pixels + row * screen.Stride + left, std::max(0, right - left), PixelOf(colour));
+    Notes(screen).Operations.push_back(
+        {.Kind = Stroke::Fill, .X1 = x, .Y1 = y, .X2 = x + width, .Y2 = y + height, .Colour1 = colour});
+}
+
+void NoteFontText(Surface& screen, float x, float y, const std::string& text, Colour colour,
+                  const TextFont& /*font*/) {
+    NoteText(screen, x, y, text, colour);
+}
+
 void NoteRefresh(Surface& screen) {
     Notes(screen).Operations.push_back({.Kind = Stroke::Refresh});
 }
@@ -62,6 +79,8 @@ void FillSurfaceWithRecording(Surface& screen) {
     screen.Line = NoteLine;
     screen.Circle = NoteCircle;
     screen.Text = NoteText;
+    screen.Fill = NoteFill;
+    screen.FontText = NoteFontText;
     screen.Refresh = NoteRefresh;
     screen.Close = EndRecording;
     screen.Own = notes.release();

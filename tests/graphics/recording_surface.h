@@ -6,7 +6,7 @@
 
 #include "graphics/screen_window.h"
 
-enum class Stroke { Clear, Line, Circle, Text, Refresh };
+enum class Stroke { Clear, Line, Circle, Text, Fill, Refresh };
 
 struct Operation {
     Stroke Kind;

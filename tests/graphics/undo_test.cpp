@@ -121,6 +121,7 @@ TEST_F(GraphicsUndo, RestoresEveryFieldButTheWindowSize) {
     window.State.CS_Type = "SPH";
     window.State.LineTable = {1, 2, 3, 4};
     window.State.FlagCount = 1;
+    window.State.Flags.resize(2);
     window.State.FlagIndex[3] = 1;
     window.State.WindowWidth = 999;
     StoreScreenPropertiesToRecord(window);
@@ -144,6 +145,7 @@ TEST_F(GraphicsUndo, AViewOfAnotherNumberOfPointsFitsThePresentOnes) {
     FivePoints();
     ScreenWindow& window = OpenScreenWindow();
     window.State.FlagCount = 1;
+    window.State.Flags.resize(2);
     window.State.FlagIndex[7] = 1;
     StoreScreenPropertiesToRecord(window);
     ZoomIn(window);

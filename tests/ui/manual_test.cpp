@@ -66,7 +66,8 @@ protected:
                     .replace(QStringLiteral("&amp;"), QStringLiteral("&")));
         for (const char* name :
              {"FormInputFiles", "FormTrafoBerechnung", "FormTrafoDetails", "FormMainSheet", "FormOptions",
-              "FormUnits", "FormColorBar", "FormSaveView", "FormDistanceScale", "FormBündel"}) {
+              "FormUnits", "FormColorBar", "FormSaveView", "FormDistanceScale", "FormBündel",
+              "FormGraphicsOptions", "FormBlackPlane"}) {
             const WindowEntry& window = *FindWindow(name);
             UserDid([&window] { ShowWindow(window.Name); });
             for (const ControlEntry& control : window.Controls) {

@@ -11,21 +11,30 @@
 #include <QTemporaryDir>
 #include <QTimer>
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <vector>
 
+#include "analysis/form_main_sheet.h"
 #include "bundle/bundle_file.h"
 #include "core/controller.h"
 #include "core/form_main.h"
 #include "core/form_progress_bar.h"
 #include "core/job.h"
 #include "core/run.h"
+#include "graphics/drawing.h"
+#include "graphics/flags.h"
+#include "graphics/form_black_plane.h"
 #include "graphics/picking.h"
+#include "graphics/picture_flags.h"
+#include "graphics/projection.h"
 #include "graphics/scene.h"
 #include "graphics/screen_events.h"
 #include "graphics/screen_window.h"
+#include "graphics/views.h"
+#include "import/form_input_files.h"
 #include "ui/desktop.h"
 #include "ui/qt_text.h"
 #include "ui/screen_view.h"
@@ -185,6 +194,11 @@ void CalculationPictures() {
 void OtherPictures() {
     Trigger("MenuVievMainSheet");
     SaveWindow("FormMainSheet", {1100, 470});
+    constexpr int kDeviationX = 7;
+    UserDid([] { UserSelectCells(MainSheetWindow.MSFlexGrid1, {1, kDeviationX, 1, kDeviationX}); });
+    Trigger("MenuEditGraphData");
+    SaveWindow("FormGrafik", {760, 420});
+    Close("FormGrafik");
     Trigger("MenüViewInputStatistic");
     SaveWindow("FormInputStatistic", {400, 350});
     Trigger("MenuTransformationDistanceScale");
@@ -274,15 +288,105 @@ void ScreenPictures() {
         ScreenPixel_MouseMove(window, {.X = Scene.PixelX[row], .Y = Scene.PixelY[row]});
     });
     save("FormScreen");
+    UserDid([&window] {
+        FlagWorstPairs(window, 8);
+        Stelle_Grafik_dar(window);
+    });
+    save("FormScreen-flags");
+    Trigger("MenuFahneEdit");
+    SaveWindow("FormEditFahne");
+    Close("FormEditFahne");
+    UserDid([&window] { AlleLöschen(window); });
     Trigger("ToolbarGraphics.ColorBar");
     SaveWindow("FormColorBar");
     Close("FormColorBar");
+    Trigger("MenüGlobalGeneralGraphicsSettings");
+    SaveWindow("FormGraphicsOptions");
+    Close("FormGraphicsOptions");
     // The dialog is waited for, so its picture is taken from inside the wait.
     QTimer::singleShot(200, [] {
         SaveWindow("FormSaveView");
         Close("FormSaveView");
     });
     Trigger("ToolbarSaveView.SaveView");
+}
+
+// A cylinder block as a scanner sees it: the outer skin, two lids and four bores, a little out of round.
+std::string ScannedBlock(bool measured) {
+    constexpr double kPi = 3.14159265358979;
+    std::string text;
+    int number = 0;
+    const auto add = [&](double x, double y, double z) {
+        const double bulge = measured ? 0.8 * std::sin(x / 90) * std::cos(z / 110) : 0;
+        const double r = std::hypot(x, y) + 1e-9;
+        char line[96];
+        std::snprintf(line, sizeof line, "%d;%.3f;%.3f;%.3f\n", ++number, x * (1 + bulge / r),
+                      y * (1 + bulge / r), z + bulge);
+        text += line;
+    };
+    const auto tube = [&](double cx, double cy, double radius, double step) {
+        const int around = static_cast<int>(2 * kPi * radius / step);
+        for (double z = -200; z <= 200; z += step)
+            for (int k = 0; k < around; ++k)
+                add(cx + radius * std::cos(2 * kPi * k / around),
+                    cy + radius * std::sin(2 * kPi * k / around), z);
+    };
+    constexpr double kOuter = 250, kBore = 70, kOff = 110;
+    tube(0, 0, kOuter, 9);
+    for (const double x : {-kOff, kOff})
+        for (const double y : {-kOff, kOff}) tube(x, y, kBore, 9);
+    for (double x = -kOuter; x <= kOuter; x += 9)
+        for (double y = -kOuter; y <= kOuter; y += 9)
+            if (std::hypot(x, y) < kOuter && std::hypot(std::abs(x) - kOff, std::abs(y) - kOff) > kBore)
+                for (const double z : {-200.0, 200.0}) add(x, y, z);
+    return text;
+}
+
+void WriteText(const QString& path, const std::string& text) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text.c_str()) < 0)
+        Fail(QStringLiteral("%1 cannot be written").arg(path));
+}
+
+// A slab through a dense cloud, and the dialog that switches it.
+void SlabPictures() {
+    const QTemporaryDir scan;
+    const QString start = scan.filePath(QStringLiteral("scan.txt"));
+    const QString target = scan.filePath(QStringLiteral("nominal.txt"));
+    WriteText(start, ScannedBlock(true));
+    WriteText(target, ScannedBlock(false));
+    Run.JobDirty = kFalse;
+    UserDid([&] {
+        CloseAllChildForms();
+        Initialisieren();  // a job without points asks nothing
+        ShowWindow("FormInputFiles");
+        SetText(InputFiles.TextNameMCS, S(start));
+        SetText(InputFiles.TextNameOCS, S(target));
+    });
+    Settle();
+    Press("FormInputFiles", "BtnOK");
+    Trigger("MenueGraphics");
+    ScreenWindow& window = *Screens().Active;
+    Trigger("MenüAnsichtTopview");
+    Trigger("MenüGrafikBlackPlane");
+    auto* dialog = WidgetOf(FormBlackPlane_Entry);
+    for (const char* check : {"CheckActivate", "CheckShowBlackPlanes"})
+        dialog->findChild<QAbstractButton*>(QLatin1String(check))->click();
+    Press("FormBlackPlane", "BtnApply");
+    SaveWindow("FormBlackPlane");
+    Close("FormBlackPlane");
+    UserDid([&window] {
+        ScreenRecord& state = window.State;
+        state.TopDepth = static_cast<float>(-60 * state.BildFaktor);
+        state.SlabThickness = 90 * static_cast<double>(state.BildFaktor);
+        state.BigNess = 3;
+        SetViewAngles(window, -2.3, 0.25, 0.45);
+        Job.NameMCS = "Scan";
+        Job.NameOCS = "Block";
+        ZoomOut(window);  // the box is as wide as the picture was
+    });
+    Settle();
+    Save(*ViewOf(window), QStringLiteral("FormScreen-slab"));
 }
 
 // The main window keeps to its screen, and without a description of one the toolkit's own is too small for
@@ -329,6 +433,7 @@ int main(int argc, char** argv) {
     BatchPictures();
     InputPicture();
     ScreenPictures();
+    SlabPictures();
     BundlePicture();
     CloseDesktop();
     return 0;

@@ -1,0 +1,11 @@
+// The chart of a column of the main sheet in the automation.
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <string_view>
+
+// Does "at" name the chart?
+bool IsChartPlace(std::string_view at);
+
+// Adds what the chart shows to the state of its control.
+void AddChart(nlohmann::json& state);

@@ -1,0 +1,35 @@
+// The dialog of the black planes. It refers to the graphics window that is active.
+#pragma once
+
+#include "core/window.h"
+
+struct ScreenWindow;
+
+struct FormBlackPlane {
+    WindowState Window{.Caption = "Black Planes"};
+
+    Control CheckActivate = CheckBox("&Activate Black Planes");
+    Control CheckShowBlackPlanes = CheckBox("&Show Black Planes");
+    Control BtnInit = Button("&Initialize with Current View");
+    Control LabelKeys = Label(
+        "In the picture: hold T and drag with the left mouse button to move the slab, hold B and drag to "
+        "change its thickness.");
+    Control BtnApply = Button("A&pply"), BtnOK = Button("&OK"), BtnCancel = Button("&Cancel");
+
+    // Takes the present view of the active window as the frame of its planes, paints and stores the step.
+    static void Initialisieren();
+    // Copies the dialog to the active window, paints, stores the step and marks the job as changed.
+    static void Übernehmen();
+
+    static void Form_Load();
+    static void CheckActivate_Click();
+    static void BtnInit_Click();
+    static void BtnApply_Click();
+    static void BtnOK_Click();
+    static void BtnCancel_Click();
+};
+inline FormBlackPlane BlackPlaneWindow;
+extern const WindowEntry FormBlackPlane_Entry;
+
+// Shows the planes of a window where the dialog is open and refers to it.
+void BlackPlane_ShowWindow(const ScreenWindow& window);

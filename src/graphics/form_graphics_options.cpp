@@ -1,0 +1,126 @@
+// The dialog of the switches that hold for all graphics windows.
+#include "graphics/form_graphics_options.h"
+
+#include <optional>
+
+#include "core/form_main.h"
+#include "core/job.h"
+#include "core/platform.h"
+#include "core/refresh.h"
+#include "core/settings.h"
+#include "graphics/screen_window.h"
+
+namespace {
+
+using Dialog = FormGraphicsOptions;
+constexpr Handlers kSetting = {.Click = Dialog::Setting_Click};
+
+const ControlEntry kControls[] = {
+    {"FramePoints", &GraphicsOptionsWindow.FramePoints},
+    {"CheckPlotOCSIdent", &GraphicsOptionsWindow.CheckPlotOCSIdent, kSetting},
+    {"CheckPlotMCSIdent", &GraphicsOptionsWindow.CheckPlotMCSIdent, kSetting},
+    {"CheckPlotOnlyOCS", &GraphicsOptionsWindow.CheckPlotOnlyOCS, kSetting},
+    {"CheckPlotOnlyMCS", &GraphicsOptionsWindow.CheckPlotOnlyMCS, kSetting},
+    {"CheckViewOnlyTrafo", &GraphicsOptionsWindow.CheckViewOnlyTrafo, kSetting},
+    {"CheckViewOnlyNotTrafo", &GraphicsOptionsWindow.CheckViewOnlyNotTrafo, kSetting},
+    {"CheckDontViewOOT", &GraphicsOptionsWindow.CheckDontViewOOT, kSetting},
+    {"FrameLook", &GraphicsOptionsWindow.FrameLook},
+    {"CheckShowPointsBigger", &GraphicsOptionsWindow.CheckShowPointsBigger, kSetting},
+    {"CheckShowPointNames", &GraphicsOptionsWindow.CheckShowPointNames, kSetting},
+    {"CheckShowCoordinateSystemLabels", &GraphicsOptionsWindow.CheckShowCoordinateSystemLabels, kSetting},
+    {"CheckShowColorBar", &GraphicsOptionsWindow.CheckShowColorBar, kSetting},
+    {"BtnLabelFont", &GraphicsOptionsWindow.BtnLabelFont, {.Click = Dialog::BtnLabelFont_Click}},
+    {"FrameVectors", &GraphicsOptionsWindow.FrameVectors},
+    {"OptionVecDeviation", &GraphicsOptionsWindow.OptionVecDeviation, kSetting},
+    {"OptionVecCorrection", &GraphicsOptionsWindow.OptionVecCorrection, kSetting},
+    {"CheckVectorThick", &GraphicsOptionsWindow.CheckVectorThick, kSetting},
+    {"CheckVectorQuat", &GraphicsOptionsWindow.CheckVectorQuat, kSetting},
+    {"CheckShowRDistVec", &GraphicsOptionsWindow.CheckShowRDistVec, kSetting},
+    {"CheckAutoUpdate", &GraphicsOptionsWindow.CheckAutoUpdate, kSetting},
+    {"BtnApply", &GraphicsOptionsWindow.BtnApply, {.Click = Dialog::BtnApply_Click}},
+    {"BtnOK", &GraphicsOptionsWindow.BtnOK, {.Click = Dialog::BtnOK_Click}},
+    {"BtnCancel", &GraphicsOptionsWindow.BtnCancel, {.Click = Dialog::BtnCancel_Click}},
+};
+
+struct Switch {
+    Control& Check;
+    Flag& Place;
+};
+const Switch kSwitches[] = {
+    {GraphicsOptionsWindow.CheckPlotOCSIdent, Job.ViewAllOCS},
+    {GraphicsOptionsWindow.CheckPlotMCSIdent, Job.ViewAllMCS},
+    {GraphicsOptionsWindow.CheckPlotOnlyOCS, Job.ViewAllonlyOCS},
+    {GraphicsOptionsWindow.CheckPlotOnlyMCS, Job.ViewAllonlyMCS},
+    {GraphicsOptionsWindow.CheckViewOnlyTrafo, Settings.ViewOnlyIfTrafo},
+    {GraphicsOptionsWindow.CheckViewOnlyNotTrafo, Settings.ViewOnlyIfNotTrafo},
+    {GraphicsOptionsWindow.CheckDontViewOOT, Settings.DontViewOOT},
+    {GraphicsOptionsWindow.CheckShowPointsBigger, Settings.ShowPointsBigger},
+    {GraphicsOptionsWindow.CheckShowCoordinateSystemLabels, Settings.ShowCoordinateSystemLabels},
+    {GraphicsOptionsWindow.CheckShowPointNames, Settings.ShowPointNames},
+    {GraphicsOptionsWindow.CheckShowColorBar, Settings.ShowColorBar},
+    {GraphicsOptionsWindow.CheckVectorThick, Settings.VectorThick},
+    {GraphicsOptionsWindow.CheckVectorQuat, Settings.VectorQuat},
+    {GraphicsOptionsWindow.CheckShowRDistVec, Settings.ShowRVec},
+};
+
+void Close() {
+    UnloadWindow("FormGraphicsOptions");
+}
+
+}  // namespace
+
+const WindowEntry FormGraphicsOptions_Entry = {"FormGraphicsOptions",
+                                               &GraphicsOptionsWindow.Window,
+                                               kControls,
+                                               [] { GraphicsOptionsWindow = FormGraphicsOptions{}; },
+                                               FormGraphicsOptions::Form_Load,
+                                               nullptr,
+                                               FormGraphicsOptions::Form_Escape};
+
+void FormGraphicsOptions::Übernehmen() {
+    for (const Switch& one : kSwitches) one.Place = ToFlag(one.Check.Value == 1);
+    Settings.DevVecDirection = ToFlag(GraphicsOptionsWindow.OptionVecDeviation.Value == 1);
+    SettingsSchreiben({"ViewAllOCS", "ViewAllMCS", "ViewAllonlyOCS", "ViewAllonlyMCS", "ViewOnlyIfTrafo",
+                       "ViewOnlyIfNotTrafo", "DontViewOOT", "ShowPointsBigger", "ShowCoordinateSystemLabels",
+                       "ShowPointNames", "ShowColorBar", "VectorThick", "VectorQuat", "ShowRVec",
+                       "DevVecDirection"});
+    // The two-colour mode goes by this entry, so it is right before the windows are painted.
+    Main.MenüAnsichtToleranzenColorbar.Checked = IsTrue(Settings.ShowColorBar);
+    UpdateAllGraphicsWindows();
+}
+
+void GraphicsOptions_ShowColorBar() {
+    if (IsLoaded("FormGraphicsOptions"))
+        GraphicsOptionsWindow.CheckShowColorBar.Value = IsTrue(Settings.ShowColorBar) ? 1 : 0;
+}
+
+void FormGraphicsOptions::Form_Load() {
+    for (const Switch& one : kSwitches) one.Check.Value = IsTrue(one.Place) ? 1 : 0;
+    const bool deviation = IsTrue(Settings.DevVecDirection);
+    GraphicsOptionsWindow.OptionVecDeviation.Value = deviation ? 1 : 0;
+    GraphicsOptionsWindow.OptionVecCorrection.Value = deviation ? 0 : 1;
+}
+void FormGraphicsOptions::Form_Escape() {
+    Close();
+}
+void FormGraphicsOptions::Setting_Click() {
+    if (GraphicsOptionsWindow.CheckAutoUpdate.Value == 1) Übernehmen();
+}
+void FormGraphicsOptions::BtnLabelFont_Click() {
+    const ScreenWindow* active = findLFDFORM();
+    if (active == nullptr) return;
+    const std::optional<TextFont> chosen = AskFont(active->LabelFont);
+    if (!chosen) return;
+    for (const auto& window : Screens().Open) window->LabelFont = *chosen;
+    Setting_Click();
+}
+void FormGraphicsOptions::BtnApply_Click() {
+    Übernehmen();
+}
+void FormGraphicsOptions::BtnOK_Click() {
+    Übernehmen();
+    Close();
+}
+void FormGraphicsOptions::BtnCancel_Click() {
+    Close();
+}

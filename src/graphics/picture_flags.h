@@ -1,0 +1,12 @@
+// Flags on a picture without a screen.
+#pragma once
+
+#include "graphics/screen_window.h"
+
+// Gives the pairs with the largest deviations flags that tell of them. Require: the window has been painted.
+//   count   how many at most; Require: no more than there can be
+void FlagWorstPairs(ScreenWindow& window, int count);
+
+// The flags of a saved view about the middle of the picture, as its points are: `ratio` is that of the sizes
+// of picture and view, which was `width` by `height` pixels.
+void PlaceFlagsOfView(ScreenWindow& window, double width, double height, double ratio);
