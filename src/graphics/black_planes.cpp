@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 #include "core/any_vectors.h"
 #include "engine/rotations.h"
@@ -207,5 +208,13 @@ void KeepPlanesInWorld(ScreenRecord& view, const Vec3& before, const Vec3& after
     };
     view.FrameOffsetX = InFrame(view.FrameOffsetX - along(1));
     view.FrameOffsetY = InFrame(view.FrameOffsetY + along(2));
-    view.TopDepth = InFrame(view.TopDepth - along(3));
+    // A point on the first plane is inside, and must not fall out by a rounding: the plane gives way by one
+    // step of a float at the most, and the thickness leaves the second where it was.
+    const double top = view.TopDepth - along(3);
+    constexpr double kNoise = 1e-9;  // of what the sums above may be off by
+    float moved = InFrame(top);
+    if (moved > top - kNoise * std::max(1.0, std::abs(top)))
+        moved = std::nextafter(moved, -std::numeric_limits<float>::infinity());
+    view.SlabThickness += top - moved;
+    view.TopDepth = moved;
 }

@@ -139,7 +139,10 @@ void ZeichneLinieZuFahne(ScreenWindow& window, const FlagLabel& label, const Fla
 void DrawFlagLines(ScreenWindow& window) {
     const ScreenRecord& state = window.State;
     const int count = FlagsOf(state);
-    if (count != 0 && IsStale(window)) FahnenReset(window);
+    if ((count != 0 || window.DynamicFlag.Row != 0) && IsStale(window)) {
+        FahnenReset(window);
+        RefillDynamicFlag(window);
+    }
     for (int flag = 1; flag <= count; ++flag) {
         FlagLabel& label = window.FlagLabels[At(flag)];
         label.Visible = IsShown(window, label.Row, state.Flags[At(flag)]);

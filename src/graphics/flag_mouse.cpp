@@ -95,7 +95,8 @@ void DragFlag(ScreenWindow& window, float x, float y) {
     const std::int16_t left = place(mouse.FlagLeft, x - mouse.DownX),
                        top = place(mouse.FlagTop, y - mouse.DownY);
     if (left == record.Left && top == record.Top) return;
-    if (x == mouse.DownX && y == mouse.DownY) return;  // a press that does not move snaps nothing
+    // A press that does not move snaps nothing.
+    if (!mouse.FlagMoved && x == mouse.DownX && y == mouse.DownY) return;
     record.Left = left;
     record.Top = top;
     mouse.FlagMoved = true;

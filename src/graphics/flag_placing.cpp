@@ -117,10 +117,10 @@ std::vector<Place> SidePlaces(const Cells& cells, const std::vector<int>& rows) 
                          [&](std::size_t a, std::size_t b) { return along(a) < along(b); });
         double next = 0;
         for (const std::size_t i : stacks[side]) {
-            places[i] = {side == kRechts ? cells.Width - 1
+            places[i] = {side == kRechts ? std::max(0.0, cells.Width - cells.CellWidth)
                          : upright       ? 0
                                          : next,
-                         side == kUnten ? cells.Height - 1
+                         side == kUnten ? std::max(0.0, cells.Height - cells.CellHeight)
                          : upright      ? next
                                         : 0};
             next += upright ? cells.CellHeight : cells.CellWidth;
@@ -193,7 +193,8 @@ std::vector<int> RowsToPlace(ScreenWindow& window, const FlagPlacing& placing, b
 // The label whose size is that of a cell: the active flag's, else that of the first row.
 FlagLabel CurrentLabel(const ScreenWindow& window, const std::vector<int>& rows) {
     const auto active = static_cast<std::size_t>(window.State.ActiveFlag);
-    if (active != 0 && active < window.FlagLabels.size()) return window.FlagLabels[active];
+    if (active != 0 && active < window.FlagLabels.size() && window.FlagLabels[active].Row != 0)
+        return window.FlagLabels[active];
     FlagLabel label;
     const int first = rows.front();
     const int flag = FlagOfRow(window, first);

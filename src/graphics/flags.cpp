@@ -13,6 +13,7 @@
 #include "core/settings.h"
 #include "core/units.h"
 #include "graphics/drawing.h"
+#include "graphics/form_edit_fahne.h"
 #include "graphics/scene.h"
 #include "graphics/view_undo.h"
 
@@ -146,11 +147,15 @@ void FahnenReset(ScreenWindow& window) {
     }
 }
 
+void RefillDynamicFlag(ScreenWindow& window) {
+    const int row = window.DynamicFlag.Row;
+    if (row >= 1 && row <= Scene.Rows) FillFlagLabel(window, row, window.DynamicRecord, window.DynamicFlag);
+}
+
 void RefreshFlags(ScreenWindow& window) {
     if (FlagsOf(window.State) == 0 && window.DynamicFlag.Row == 0) return;
     FahnenReset(window);
-    const int row = window.DynamicFlag.Row;
-    if (row >= 1 && row <= Scene.Rows) FillFlagLabel(window, row, window.DynamicRecord, window.DynamicFlag);
+    RefillDynamicFlag(window);
     Stelle_Grafik_dar(window);
 }
 
@@ -194,4 +199,5 @@ void ShowFlagCommands() {
     Main.MenuFahneEdit.Enabled = window != nullptr;
     for (Control* entry : {&Main.MenuFahneCopy, &Main.MenuFahneDelete})
         entry->Enabled = window != nullptr && window->State.ActiveFlag != 0;
+    EditFahne_EnableDeleting();
 }

@@ -37,6 +37,8 @@ void Fahne_Löschen(ScreenWindow& window, int flag);  // repaints; Require: it e
 void AlleLöschen(ScreenWindow& window);              // repaints
 // Makes all labels anew from the records. No repaint.
 void FahnenReset(ScreenWindow& window);
+// Writes the texts of the flag that follows the mouse anew.
+void RefillDynamicFlag(ScreenWindow& window);
 // Writes the texts of all flags anew and paints the window.
 void RefreshFlags(ScreenWindow& window);
 // Puts the fields of flags in order, so that every number leads to a record.

@@ -201,13 +201,13 @@ int GridLengthOf(const std::string& text) {
                                        static_cast<double>(kLargestGrid)));
 }
 
+void Close() {
+    UnloadWindow("FormEditFahne");
+}
+
 void EnableDeleting(const ScreenWindow& window) {
     w.BtnFahneLöschen.Enabled = window.State.ActiveFlag != 0;
     w.BtnAlleLöschen.Enabled = window.State.FlagCount != 0;
-}
-
-void Close() {
-    UnloadWindow("FormEditFahne");
 }
 
 }  // namespace
@@ -245,6 +245,15 @@ void DoChangesOnFlags() {
     ScreenWindow* window = WindowOfDialog();
     if (window == nullptr) return;
     for (int flag = 1; flag <= FlagsOf(window->State); ++flag) TakeInto(FlagOf(*window, flag));
+}
+
+void EditFahne_EnableDeleting() {
+    if (const ScreenWindow* window = WindowOfDialog(); w.Window.Loaded && window != nullptr)
+        EnableDeleting(*window);
+}
+
+void EditFahne_ShowWindow(const ScreenWindow& window) {
+    if (w.Window.Loaded && w.Screen != window.Id) FormEditFahne::Form_Load();
 }
 
 void FormEditFahne::Form_Load() {

@@ -71,6 +71,11 @@ struct FormEditFahne {
 inline FormEditFahne EditFahneWindow;
 extern const WindowEntry FormEditFahne_Entry;
 
+// An open dialog turns to another window that has become the active one.
+void EditFahne_ShowWindow(const ScreenWindow& window);
+// Its buttons for deleting go by the flags that are there now.
+void EditFahne_EnableDeleting();
+
 // Applies the dialog to the active flag of its window, and to new ones, and stores the view.
 void ÜbernehmenEditFahne();
 // Applies the dialog to all flags of its window.

@@ -9,6 +9,7 @@
 #include "graphics/bindings_overlay.h"
 #include "graphics/drawing.h"
 #include "graphics/flags.h"
+#include "graphics/form_edit_fahne.h"
 #include "graphics/form_graphics_options.h"
 #include "graphics/picking.h"
 #include "graphics/saved_views.h"
@@ -176,7 +177,10 @@ void FormMain::MenüAnsichtDynamicFlag_Click() {
 }
 void FormMain::MenuFahneEdit_Click() {
     Main.MenuFahne.Value = 0;
-    if (findLFDFORM() != nullptr) ShowWindow("FormEditFahne");
+    if (findLFDFORM() == nullptr) return;
+    // An open one shows the flag that was clicked last.
+    if (EditFahneWindow.Window.Loaded) FormEditFahne::Form_Load();
+    ShowWindow("FormEditFahne");
 }
 void FormMain::MenuFahneCopy_Click() {
     Main.MenuFahne.Value = 0;

@@ -19,6 +19,7 @@
 #include "graphics/flags.h"
 #include "graphics/form_black_plane.h"
 #include "graphics/form_color_bar.h"
+#include "graphics/form_edit_fahne.h"
 #include "graphics/projection.h"
 #include "graphics/scene.h"
 #include "graphics/view_undo.h"
@@ -94,13 +95,14 @@ int FreeNumber() {
 void ShowInDialogs(const ScreenWindow& window) {
     ColorBar_ShowWindow(window);
     BlackPlane_ShowWindow(window);
+    EditFahne_ShowWindow(window);
 }
 
 // Without a window no mode is on.
 void ShowNoModes() {
     for (Control* entry :
-         {&Main.MenüAnsichtVektorenVektorModeActive, &Main.MenüGlobalFlagsMode, &Main.MenüGlobalRotateAbout,
-          &Main.MenüGraphicsLinesLineModeActive, &Main.MenüGraphicsLinesSetLines,
+         {&Main.MenüAnsichtVektorenVektorModeActive, &Main.MenüGlobalFlagsMode, &Main.MenüAnsichtDynamicFlag,
+          &Main.MenüGlobalRotateAbout, &Main.MenüGraphicsLinesLineModeActive, &Main.MenüGraphicsLinesSetLines,
           &Main.MenüGraphicsLinesDeleteLines, &Main.MenüAnsichtAnalyseModeActive})
         entry->Checked = false;
     for (Control* button :
@@ -164,7 +166,7 @@ void CloseScreenWindow(ScreenWindow& window) {
     if (screens.Active != nullptr)
         ShowInDialogs(*screens.Active);
     else
-        for (const char* dialog : {"FormColorBar", "FormBlackPlane", "FormGraphicsOptions"})
+        for (const char* dialog : {"FormColorBar", "FormBlackPlane", "FormGraphicsOptions", "FormEditFahne"})
             UnloadWindow(dialog);  // there is nothing left that it could refer to
     GraphicsFormOpen();
 }

@@ -215,6 +215,30 @@ TEST_F(BlackPlanesTest, APickedCentreOfRotationLeavesThePlanesWhereTheyAre) {
     EXPECT_EQ(Seen(), seen) << "a step stored before";
 }
 
+// Whatever point is picked: those on the first plane stay on the side that is seen.
+TEST_F(BlackPlanesTest, APickedCentreOfRotationLosesNoPointOfTheFirstPlane) {
+    std::vector<double> depths(20, 0.0);
+    for (int i = 1; i <= 12; ++i) depths.push_back(-0.1 * i * i - 3);
+    for (int picked = 21; picked <= 32; ++picked) {
+        CloseAllGraphicsWindows();
+        Job = JobRecord{};
+        Scene.RotCenter = Vec3{};
+        ScreenWindow& window = OpenDepths(depths);
+        window.State.BildFaktor = 1.37F;  // so that depths are no numbers of the scene
+        SetPlanes(window, 0, 100);
+        const std::set<int> seen = Seen();
+        ASSERT_EQ(seen.size(), 40U);
+        Scene.RotateAboutArmed = true;
+        Scene.RotateAboutIndex = picked;
+        Stelle_Grafik_dar(window);
+        EXPECT_EQ(Seen(), seen) << picked;
+        SetViewAngles(window, 0.3, -0.7, 1.1);
+        Stelle_Grafik_dar(window);
+        EXPECT_EQ(Seen(), seen) << picked;
+        EXPECT_NEAR(window.State.SlabThickness, 100, 1e-3);
+    }
+}
+
 // --- The frame
 // ----------------------------------------------------------------------------------------------
 

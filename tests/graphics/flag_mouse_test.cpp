@@ -158,3 +158,32 @@ TEST_F(FlagMouse, OneFlagFollowsThePointUnderTheMouseAndIsNotStored) {
     Move(window, 101, 102);
     EXPECT_EQ(window.DynamicFlag.Row, 0);
 }
+
+TEST_F(FlagMouse, AFlagDraggedBackStandsWhereItWas) {
+    ScreenWindow& window = OpenFive();
+    SmallFlagAt(window, 1, 200, 150);
+    ScreenPixel_MouseDown(window, At(205, 155, kLeftButton));
+    ScreenPixel_MouseMove(window, At(245, 175, kLeftButton));
+    EXPECT_EQ(RecordOf(window, 1).Left, 240);
+    ScreenPixel_MouseMove(window, At(205, 155, kLeftButton));
+    EXPECT_EQ(RecordOf(window, 1).Left, 200);
+    EXPECT_EQ(RecordOf(window, 1).Top, 150);
+}
+
+TEST_F(FlagMouse, TheFlagUnderTheMouseFollowsTheUnit) {
+    ScreenWindow& window = OpenFive();
+    UserClick(Main.MenüAnsichtDynamicFlag);
+    Move(window, 301, 102);
+    const double x_mm = Val(window.DynamicFlag.Text[kFlagActual][kFlagX]);
+    ASSERT_NE(x_mm, 0);
+    Units.LengthFactor = 0.5;
+    Stelle_Grafik_dar(window);
+    EXPECT_NEAR(Val(window.DynamicFlag.Text[kFlagActual][kFlagX]), x_mm / 2, 0.001);
+}
+
+TEST_F(FlagMouse, NoFlagFollowsTheMouseOnceTheLastWindowIsClosed) {
+    OpenFive();
+    UserClick(Main.MenüAnsichtDynamicFlag);
+    CloseAllGraphicsWindows();
+    EXPECT_FALSE(Main.MenüAnsichtDynamicFlag.Checked);
+}

@@ -221,3 +221,41 @@ TEST_F(EditFahne, OutlivesItsGraphicsWindow) {
     UserClick(Dialog().BtnOK);
     EXPECT_FALSE(IsLoaded("FormEditFahne"));
 }
+
+TEST_F(EditFahne, AnOpenOneTurnsToTheFlagThatIsEdited) {
+    ScreenWindow& window = OpenWithFlags();  // the second is the active one
+    FlagOf(window, 1).showPhi = FlagOf(window, 1).ChangeAll = FlagOf(window, 2).ChangeAll = kFalse;
+    window.State.ActiveFlag = 1;
+    UserClick(Main.MenuFahneEdit);
+    EXPECT_EQ(Dialog().CheckPhi.Value, 0);
+    window.State.ActiveFlag = 2;
+    UserClick(Main.MenuFahneEdit);
+    EXPECT_EQ(Dialog().CheckPhi.Value, 1);
+    UserClick(Dialog().BtnOK);
+    EXPECT_TRUE(IsTrue(RecordOf(window, 2).showPhi));
+    EXPECT_FALSE(IsTrue(RecordOf(window, 1).showPhi));
+}
+
+TEST_F(EditFahne, AnOpenOneFollowsTheActiveWindowAndClosesWithTheLast) {
+    ScreenWindow& first = OpenWithFlags();
+    ScreenWindow& second = OpenScreenWindow();
+    EXPECT_EQ(Dialog().Screen, second.Id);
+    EXPECT_FALSE(Dialog().BtnFahneLöschen.Enabled);
+    ActivateScreenWindow(first);
+    EXPECT_EQ(Dialog().Screen, first.Id);
+    EXPECT_TRUE(Dialog().BtnFahneLöschen.Enabled);
+    CloseScreenWindow(first);
+    EXPECT_EQ(Dialog().Screen, second.Id);
+    CloseScreenWindow(second);
+    EXPECT_FALSE(IsLoaded("FormEditFahne"));
+}
+
+TEST_F(EditFahne, ANewFlagCanBeDeletedByAnOpenOne) {
+    ScreenWindow& window = OpenInFlagMode();
+    UserClick(Main.MenuFahneEdit);
+    EXPECT_FALSE(Dialog().BtnFahneLöschen.Enabled);
+    EXPECT_FALSE(Dialog().BtnAlleLöschen.Enabled);
+    FlagOn(window, 1);
+    EXPECT_TRUE(Dialog().BtnFahneLöschen.Enabled);
+    EXPECT_TRUE(Dialog().BtnAlleLöschen.Enabled);
+}
