@@ -66,13 +66,6 @@ void TakeBundleAsJob(const std::string& startPath, const std::string& targetPath
     FuellenHaupttabelle();
     if (Run.JobGeneration != generation) return;
     ProgrammLogik();
-    if (IsLoaded("FormInputStatistic")) FORMfüllen();
-    if (Main.MenuTransformationCalculation.Checked) {
-        UnloadWindow("FormTrafoBerechnung");
-        ShowWindow("FormTrafoBerechnung");
-        Main.MenuTransformationCalculation.Checked = true;
-        Main.Toolbar1_TrafoBerechnung.Value = 1;
-    }
-    Run.JobDirty = kTrue;
+    ShowNewPoints();
     DistanceScale_Refill();
 }

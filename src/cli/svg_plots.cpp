@@ -50,6 +50,13 @@ std::string Begin(const std::string& title) {
 
 }  // namespace
 
+std::string SvgNumber(double value) {
+    std::string number = At(value);
+    number.erase(number.find_last_not_of('0') + 1);
+    if (number.back() == '.') number.pop_back();
+    return number == "-0" ? "0" : number;
+}
+
 std::string EscapeMarkup(const std::string& text) {
     std::string result;
     for (const char c : text) {

@@ -26,18 +26,6 @@ SvgSheet& SheetOf(const Surface& screen) {
     return *static_cast<SvgSheet*>(screen.Own);
 }
 
-// A coordinate to a hundredth of a pixel, without zeros behind it.
-std::string At(double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.2f", value);
-    std::string number = text;
-    // The page is no place for the decimal delimiter of the locale.
-    std::replace(number.begin(), number.end(), ',', '.');
-    number.erase(number.find_last_not_of('0') + 1);
-    if (number.back() == '.') number.pop_back();
-    return number == "-0" ? "0" : number;
-}
-
 std::string Hex(std::uint32_t pixel) {
     char text[16];
     std::snprintf(text, sizeof text, "#%06x", pixel & 0xffffffU);
@@ -80,8 +68,9 @@ void Clear(Surface& screen, Colour background) {
 void DrawLine(Surface& screen, float x1, float y1, float x2, float y2, Colour colour, int width) {
     std::array<double, 4> line = {x1, y1, x2, y2};
     if (!CutLine(screen, line)) return;
-    SheetOf(screen).Strokes += "<line x1=\"" + At(line[0]) + "\" y1=\"" + At(line[1]) + "\" x2=\"" +
-                               At(line[2]) + "\" y2=\"" + At(line[3]) + "\" stroke=\"" + Hex(colour) +
+    SheetOf(screen).Strokes += "<line x1=\"" + SvgNumber(line[0]) + "\" y1=\"" + SvgNumber(line[1]) +
+                               "\" x2=\"" + SvgNumber(line[2]) + "\" y2=\"" + SvgNumber(line[3]) +
+                               "\" stroke=\"" + Hex(colour) +
                                (width > 1 ? "\" stroke-width=\"" + std::to_string(width) : "") + "\"/>\n";
 }
 
@@ -89,16 +78,16 @@ void DrawCircle(Surface& screen, float x, float y, float radius, Colour colour, 
     const double reach = static_cast<double>(radius) + width + kMargin;
     const bool near = x >= -reach && x <= screen.Width + reach && y >= -reach && y <= screen.Height + reach;
     if (!near || !std::isfinite(reach)) return;
-    SheetOf(screen).Strokes += "<circle cx=\"" + At(x) + "\" cy=\"" + At(y) + "\" r=\"" + At(radius) +
-                               "\" fill=\"" + (fill == kNoFill ? "none" : Hex(fill)) + "\" stroke=\"" +
-                               Hex(colour) + (width > 1 ? "\" stroke-width=\"" + std::to_string(width) : "") +
-                               "\"/>\n";
+    SheetOf(screen).Strokes += "<circle cx=\"" + SvgNumber(x) + "\" cy=\"" + SvgNumber(y) + "\" r=\"" +
+                               SvgNumber(radius) + "\" fill=\"" + (fill == kNoFill ? "none" : Hex(fill)) +
+                               "\" stroke=\"" + Hex(colour) +
+                               (width > 1 ? "\" stroke-width=\"" + std::to_string(width) : "") + "\"/>\n";
 }
 
 std::string TextElement(float x, float y, const std::string& text, Colour colour) {
     constexpr double kAscent = 11;  // of the letters, from the top of the text to its base line
-    return "<text x=\"" + At(x) + "\" y=\"" + At(y + kAscent) + "\" fill=\"" + Hex(colour) + "\">" +
-           EscapeMarkup(text) + "</text>\n";
+    return "<text x=\"" + SvgNumber(x) + "\" y=\"" + SvgNumber(y + kAscent) + "\" fill=\"" + Hex(colour) +
+           "\">" + EscapeMarkup(text) + "</text>\n";
 }
 
 void DrawText(Surface& screen, float x, float y, const std::string& text, Colour colour) {
@@ -109,9 +98,9 @@ void FillRectangle(Surface& screen, float x, float y, float width, float height,
     const bool near = x <= screen.Width && y <= screen.Height && x + width >= 0 && y + height >= 0;
     if (!near || !(width > 0) || !(height > 0)) return;
     // The sheet is shifted by half a pixel, for lines.
-    SheetOf(screen).Strokes += "<rect x=\"" + At(x - 0.5) + "\" y=\"" + At(y - 0.5) + "\" width=\"" +
-                               At(width) + "\" height=\"" + At(height) + "\" fill=\"" + Hex(colour) +
-                               "\" stroke=\"none\"/>\n";
+    SheetOf(screen).Strokes += "<rect x=\"" + SvgNumber(x - 0.5) + "\" y=\"" + SvgNumber(y - 0.5) +
+                               "\" width=\"" + SvgNumber(width) + "\" height=\"" + SvgNumber(height) +
+                               "\" fill=\"" + Hex(colour) + "\" stroke=\"none\"/>\n";
 }
 
 void DrawTextInFont(Surface& screen, float x, float y, const std::string& text, Colour colour,
@@ -127,10 +116,10 @@ void DrawTextInFont(Surface& screen, float x, float y, const std::string& text, 
                 (font.Underline && font.Strikethrough ? " " : "") +
                 (font.Strikethrough ? "line-through" : "") + "\"";
     constexpr double kAscent = 0.93;  // of the letters' size, from the top of the text to its base line
-    SheetOf(screen).Strokes += "<text x=\"" + At(x) + "\" y=\"" + At(y + kAscent * pixels) +
-                               "\" font-family=\"'" + EscapeMarkup(font.Name) +
-                               "', 'DejaVu Sans', Arial, sans-serif\" font-size=\"" + At(pixels) + "\"" +
-                               look + " fill=\"" + Hex(colour) + "\">" + EscapeMarkup(text) + "</text>\n";
+    SheetOf(screen).Strokes +=
+        "<text x=\"" + SvgNumber(x) + "\" y=\"" + SvgNumber(y + kAscent * pixels) + "\" font-family=\"'" +
+        EscapeMarkup(font.Name) + "', 'DejaVu Sans', Arial, sans-serif\" font-size=\"" + SvgNumber(pixels) +
+        "\"" + look + " fill=\"" + Hex(colour) + "\">" + EscapeMarkup(text) + "</text>\n";
 }
 
 void Close(Surface& screen) {
@@ -155,7 +144,8 @@ std::string SmallPoints(const ScreenWindow& window) {
         if (Scene.Paint[row] != last)
             text += (last == 0 ? "<path fill=\"" : "\"/>\n<path fill=\"") + Hex(Scene.Paint[row]) + "\" d=\"";
         last = Scene.Paint[row];
-        text += "M" + At(std::nearbyint(x) - r - 0.5) + " " + At(std::nearbyint(y) - r - 0.5) + square;
+        text += "M" + SvgNumber(std::nearbyint(x) - r - 0.5) + " " + SvgNumber(std::nearbyint(y) - r - 0.5) +
+                square;
     }
     return last == 0 ? "" : text + "\"/>\n";
 }

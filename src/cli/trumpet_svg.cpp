@@ -24,27 +24,15 @@ constexpr const char* kStyle =
     "@media(prefers-color-scheme:dark){text{fill:#e4e7eb}.ground{fill:#1c1f23}.grid{stroke:#33383f}"
     ".zero{stroke:#757d87}.frame{stroke:#8b94a0}.point{fill:#6fb1f0}.points{stroke:#6fb1f0}}</style>\n";
 
-// A coordinate to a hundredth of a pixel, without zeros behind it.
-std::string At(double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.2f", value);
-    std::string number = text;
-    // The page is no place for the decimal delimiter of the locale.
-    std::replace(number.begin(), number.end(), ',', '.');
-    number.erase(number.find_last_not_of('0') + 1);
-    if (number.back() == '.') number.pop_back();
-    return number == "-0" ? "0" : number;
-}
-
 std::string Line(double x1, double y1, double x2, double y2, const char* style) {
-    return "<line class=\"" + std::string(style) + "\" x1=\"" + At(x1) + "\" y1=\"" + At(y1) + "\" x2=\"" +
-           At(x2) + "\" y2=\"" + At(y2) + "\"/>\n";
+    return "<line class=\"" + std::string(style) + "\" x1=\"" + SvgNumber(x1) + "\" y1=\"" + SvgNumber(y1) +
+           "\" x2=\"" + SvgNumber(x2) + "\" y2=\"" + SvgNumber(y2) + "\"/>\n";
 }
 
 std::string Text(double x, double y, const char* anchor, const std::string& text,
                  const std::string& more = "") {
-    return "<text x=\"" + At(x) + "\" y=\"" + At(y) + "\" text-anchor=\"" + anchor + "\"" + more + ">" +
-           EscapeMarkup(text) + "</text>\n";
+    return "<text x=\"" + SvgNumber(x) + "\" y=\"" + SvgNumber(y) + "\" text-anchor=\"" + anchor + "\"" +
+           more + ">" + EscapeMarkup(text) + "</text>\n";
 }
 
 std::string Axes(const TrumpetPlot& plot) {
@@ -62,20 +50,20 @@ std::string Axes(const TrumpetPlot& plot) {
         svg += Line(left, y, right, y, "grid") + Text(left - kBeside, y + kHalfLetter, "end", tick.Text);
     }
     if (a.YLow < 0 && a.YHigh > 0) svg += Line(left, plot.Y(0), right, plot.Y(0), "zero");
-    svg += "<rect class=\"frame\" x=\"" + At(left) + "\" y=\"" + At(top) + "\" width=\"" + At(right - left) +
-           "\" height=\"" + At(bottom - top) + "\"/>\n";
+    svg += "<rect class=\"frame\" x=\"" + SvgNumber(left) + "\" y=\"" + SvgNumber(top) + "\" width=\"" +
+           SvgNumber(right - left) + "\" height=\"" + SvgNumber(bottom - top) + "\"/>\n";
     svg += Text(right, bottom + 42, "end", TrumpetXTitle());
     return svg + Text(left, top - 12, "start", TrumpetYTitle());
 }
 
 std::string NamedPoints(const DistancePoints& points, const TrumpetPlot& plot, const TrumpetRaster& raster) {
-    const std::string radius = At(MarkRadius(points.Pairs()));
+    const std::string radius = SvgNumber(MarkRadius(points.Pairs()));
     std::string svg;
     for (const TrumpetRaster::PairAt& pixel : raster.Pixels) {
         if (pixel.From == 0) continue;
         const TrumpetPair pair = PairOfPoints(points, pixel.From, pixel.To);
-        svg += "<circle class=\"point\" cx=\"" + At(plot.X(pair.ToDistance)) + "\" cy=\"" +
-               At(plot.Y(pair.DeltaS)) + "\" r=\"" + radius + "\"><title>" +
+        svg += "<circle class=\"point\" cx=\"" + SvgNumber(plot.X(pair.ToDistance)) + "\" cy=\"" +
+               SvgNumber(plot.Y(pair.DeltaS)) + "\" r=\"" + radius + "\"><title>" +
                EscapeMarkup(PairInWords(points, pixel.From, pixel.To)) + "</title></circle>\n";
     }
     return svg;
@@ -83,14 +71,15 @@ std::string NamedPoints(const DistancePoints& points, const TrumpetPlot& plot, c
 
 // One path of strokes with round ends: neighbours in a line of pixels are one stroke.
 std::string CloudOfPoints(std::int64_t pairs, const TrumpetRaster& raster) {
-    std::string svg = "<path class=\"points\" stroke-width=\"" + At(2 * MarkRadius(pairs)) + "\" d=\"";
+    std::string svg = "<path class=\"points\" stroke-width=\"" + SvgNumber(2 * MarkRadius(pairs)) + "\" d=\"";
     for (int y = 0; y < raster.Height; ++y)
         for (int x = 0; x < raster.Width; ++x) {
             if (raster.At(x, y).From == 0) continue;
             const int begin = x;
             while (x + 1 < raster.Width && raster.At(x + 1, y).From != 0) ++x;
-            svg += "M" + At(raster.Left + (begin + 0.5) / raster.Scale) + " " +
-                   At(raster.Top + (y + 0.5) / raster.Scale) + "h" + At((x - begin) / raster.Scale);
+            svg += "M" + SvgNumber(raster.Left + (begin + 0.5) / raster.Scale) + " " +
+                   SvgNumber(raster.Top + (y + 0.5) / raster.Scale) + "h" +
+                   SvgNumber((x - begin) / raster.Scale);
         }
     return svg + "\"/>\n";
 }

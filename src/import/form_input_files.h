@@ -95,6 +95,10 @@ extern const WindowEntry FormInputFiles_Entry;
 // read; counts and arrays fit each other then too.
 void myBtn_OK();
 
+// What stays open shows the points that have just come in: the statistic, the calculation begun anew. The job
+// is changed.
+void ShowNewPoints();
+
 // The block text that BtnSpezial reads: one 3 by 3 part a block. No other room uses it.
 struct SpezialRecord {
     std::vector<Mat3> Blocks{Mat3{}};  // from 1

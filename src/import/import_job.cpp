@@ -196,6 +196,17 @@ void EndCancelled(JobBeforeImport& before) {
 
 }  // namespace
 
+void ShowNewPoints() {
+    if (IsLoaded("FormInputStatistic")) FORMfüllen();
+    if (Main.MenuTransformationCalculation.Checked) {
+        UnloadWindow("FormTrafoBerechnung");
+        ShowWindow("FormTrafoBerechnung");
+        Main.MenuTransformationCalculation.Checked = true;
+        Main.Toolbar1_TrafoBerechnung.Value = 1;
+    }
+    Run.JobDirty = kTrue;
+}
+
 void myBtn_OK() {
     FormInputFiles& w = InputFiles;
     if (!w.BundleFile.empty()) {
@@ -254,14 +265,7 @@ void myBtn_OK() {
     if (Run.JobGeneration != generation && !IsLoaded("FormInputFiles")) return;
     ProgrammLogik();
     UpdateAllGraphicsWindows();  // the round trip has left them open
-    if (IsLoaded("FormInputStatistic")) FORMfüllen();
-    if (Main.MenuTransformationCalculation.Checked) {
-        UnloadWindow("FormTrafoBerechnung");
-        ShowWindow("FormTrafoBerechnung");
-        Main.MenuTransformationCalculation.Checked = true;
-        Main.Toolbar1_TrafoBerechnung.Value = 1;
-    }
-    Run.JobDirty = kTrue;
+    ShowNewPoints();
     if (IsTrue(Job.IsParaboloid)) {
         EinlesenParaboloidData();
         Job.PathOCS = Run.PathReader;
