@@ -30,6 +30,7 @@ struct FlagLabel {
     std::array<bool, 3> InUse{};             // the coordinates of a pair
     float Width = 0, Height = 0;             // pixels
     bool Visible = false;                    // in the last paint
+    Colour ClassColour = 0xffffff;           // of its point in the last paint
     TextFont Font;
 };
 

@@ -21,6 +21,13 @@ std::size_t At(int flag) {
     return static_cast<std::size_t>(flag);
 }
 
+// The table of points is that of this window during its paint alone: what outlives it goes to the label.
+void TakeClassColour(FlagLabel& label) {
+    const bool inScene = label.Row >= 1 && label.Row <= Scene.Rows;
+    label.ClassColour =
+        inScene ? static_cast<Colour>(Scene.Points[kSceneColour][At(label.Row)]) : QbColor(kWhite);
+}
+
 bool IsShown(const ScreenWindow& window, int row, const FlagRecord& record) {
     if (row < 1 || row > Scene.Rows) return false;
     if (Scene.Points[kScenePlotted][At(row)] == 0.0F || Scene.Points[kSceneInside][At(row)] == 0.0F)
@@ -119,8 +126,7 @@ void DrawOne(ScreenWindow& window, const FlagLabel& label, const FlagRecord& rec
 }  // namespace
 
 Colour FlagGround(const FlagRecord& record, const FlagLabel& label) {
-    const bool byClass = IsTrue(record.ShowTolCol) && label.Row >= 1 && label.Row <= Scene.Rows;
-    return byClass ? static_cast<Colour>(Scene.Points[kSceneColour][At(label.Row)]) : QbColor(kWhite);
+    return IsTrue(record.ShowTolCol) ? label.ClassColour : QbColor(kWhite);
 }
 
 // A coordinate that takes no part in the fit is marked as in the point table.
@@ -145,11 +151,13 @@ void DrawFlagLines(ScreenWindow& window) {
     }
     for (int flag = 1; flag <= count; ++flag) {
         FlagLabel& label = window.FlagLabels[At(flag)];
+        TakeClassColour(label);
         label.Visible = IsShown(window, label.Row, state.Flags[At(flag)]);
         if (label.Visible) ZeichneLinieZuFahne(window, label, state.Flags[At(flag)], label.Row);
     }
     FlagLabel& dynamic = window.DynamicFlag;
     if (dynamic.Row == 0) return;
+    TakeClassColour(dynamic);
     dynamic.Visible = IsShown(window, dynamic.Row, window.DynamicRecord);
     if (dynamic.Visible) ZeichneLinieZuFahne(window, dynamic, window.DynamicRecord, dynamic.Row);
 }

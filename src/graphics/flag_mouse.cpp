@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr int kOffset = 20;  // pixels from a point to its new flag, to the right and down
+constexpr int kOffset = 20;  // pixels from a click to the flag that it sets
 
 std::size_t At(int flag) {
     return static_cast<std::size_t>(flag);
@@ -28,15 +28,18 @@ bool Covers(const FlagLabel& label, const FlagRecord& record, float x, float y) 
     return label.Visible && x >= left && x < left + label.Width && y >= top && y < top + label.Height;
 }
 
-// As far as it can, a new flag stands wholly in the picture.
-std::int16_t Inside(double place, double size, int room) {
-    return ToFlagPlace(std::max(0.0, std::min(place, room - size)));
+// Where a new flag begins: behind the place by the offset, or before it where the picture ends, and wholly
+// within the picture where neither has room for it.
+std::int16_t Beside(double place, double size, double room) {
+    double begin = place + kOffset;
+    if (begin + size > room) begin = place - kOffset - size;
+    if (begin < 0) begin = std::max(0.0, std::min(place + kOffset, room - size));
+    return ToFlagPlace(begin);
 }
 
 void PlaceNear(const ScreenWindow& window, float x, float y, const FlagLabel& label, FlagRecord& record) {
-    record.Left = Inside(static_cast<double>(x) + kOffset, label.Width, PictureWidth(window));
-    record.Top = Inside(static_cast<double>(y) + kOffset, label.Height,
-                        PictureHeight(window) - window.Screen.StatusBarHeight);
+    record.Left = Beside(x, label.Width, PictureWidth(window));
+    record.Top = Beside(y, label.Height, PictureHeight(window) - window.Screen.StatusBarHeight);
 }
 
 void MarkFlag(ScreenWindow& window, int flag) {

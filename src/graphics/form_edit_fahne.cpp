@@ -126,8 +126,6 @@ void EnablePlacing() {
                         w.OptionPlaceBorder.Value == 1 || w.OptionSpeziale.Value == 1;
     w.CheckPutAll.Enabled = placed;
     w.CheckPutToEvery.Enabled = placed && w.CheckPutAll.Value == 1;
-    w.TextFlagOnEvery.Enabled = w.CheckPutToEvery.Enabled && w.CheckPutToEvery.Value == 1;
-    w.TextFaktor.Enabled = w.OptionPlaceRadial.Value == 1;
 }
 
 void ShowRecord(const FlagRecord& record) {

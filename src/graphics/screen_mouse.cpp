@@ -58,7 +58,7 @@ void MovePlanes(ScreenWindow& window, const MouseEvent& event) {
     if (window.Mouse.KeyB) ThickenSlab(window, dx, dy);
     Stelle_Grafik_dar(window);
     // Also where the key is let go before the button, which is no end of a frame then.
-    window.Mouse.ViewMoved = true;
+    window.Mouse.ViewMoved = window.Mouse.PlanesMoved = true;
 }
 
 Colour FrameColourOn(Colour background) {
@@ -180,7 +180,7 @@ void ScreenPixel_MouseDown(ScreenWindow& window, const MouseEvent& event) {
     mouse.DownButton = event.Buttons;
     mouse.X = mouse.DownX = event.X;
     mouse.Y = mouse.DownY = event.Y;
-    mouse.ZoomedByFrame = mouse.ViewMoved = false;
+    mouse.ZoomedByFrame = mouse.ViewMoved = mouse.PlanesMoved = false;
     mouse.OnFlag = PressedFlag(window, event);
     if (mouse.OnFlag) return;
     if (event.Buttons == kRightButton && !Rotating(event)) {
@@ -222,7 +222,8 @@ void ScreenPixel_MouseUp(ScreenWindow& window, const MouseEvent& event) {
     else if (mouse.ViewMoved && IsTrue(Settings.ShowPointNames))
         Stelle_Grafik_dar(window);  // the names come back
     if (event.Buttons == kLeftButton) mouse.FrameArmed = mouse.FrameVisible = false;
-    if (!IsTrue(window.State.FlagMode)) StoreScreenPropertiesToRecord(window);
+    // The flag mode keeps no turned or shifted views, but the planes always travel with the view.
+    if (!IsTrue(window.State.FlagMode) || mouse.PlanesMoved) StoreScreenPropertiesToRecord(window);
 }
 
 void ScreenPixel_Click(ScreenWindow& window, const MouseEvent& event) {

@@ -41,8 +41,9 @@ struct ScreenMouse {
     bool ZoomedByFrame = false;  // the click that ends a frame zoom is no click
     bool ViewMoved = false;      // by the present press: its end is no end of a frame
     bool KeyT = false, KeyB = false;
-    bool OnFlag = false;  // the present press went to a flag
-    int DraggedFlag = 0;  // 0 = none
+    bool PlanesMoved = false;  // by the present press
+    bool OnFlag = false;       // the present press went to a flag
+    int DraggedFlag = 0;       // 0 = none
     bool FlagMoved = false;
     int FlagLeft = 0, FlagTop = 0;  // where it stood when it was pressed
 };

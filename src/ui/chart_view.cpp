@@ -31,7 +31,6 @@ constexpr qreal kMarker = 7;  // pixels
 // More points than this are a band of ink: of each group the lowest and the highest stand for all, which
 // leaves the same picture and a window that can be sized.
 constexpr std::size_t kMostPoints = 4000;
-constexpr std::size_t kMostMarkers = 1000;
 
 const QColor kSeries(255, 100, 100), kWall(Qt::white);
 
@@ -112,7 +111,7 @@ QChart* NewChart(const QPalette& palette) {
     markers->setBrush(Qt::black);
     markers->setPen(QPen(kSeries, 1));
     line->replace(points);
-    if (GrafikWindow.Points.size() <= kMostMarkers) markers->replace(points);
+    markers->replace(points);
     for (QXYSeries* series : {static_cast<QXYSeries*>(line), static_cast<QXYSeries*>(markers)}) {
         chart->addSeries(series);
         series->attachAxis(values);

@@ -114,6 +114,25 @@ TEST_F(Chart, RowsCountAsTheyStandInTheSheet) {
     EXPECT_EQ(values.size(), 3U);
 }
 
+TEST_F(Chart, AnglesInMinutesAndSecondsAreShownAsDegrees) {
+    AddPair({1, 0, 0}, {0, 0, 0});
+    AddPair({1, 1, 0}, {0, 0, 0});
+    AddPair({0, 2, 0}, {0, 0, 0});
+    SizeRest();
+    Job.AngleDigits = 4;
+    for (const char* unit : {"degree", kDegreeMinuteSecond}) {
+        Job.AngleUnitName = unit;
+        RhoFestlegung();
+        Open();
+        Select(1, kPhi);
+        Graph();
+        ASSERT_EQ(GrafikWindow.Points.size(), 3U) << unit;
+        for (std::size_t i = 0; i < 3; ++i)
+            EXPECT_NEAR(GrafikWindow.Points[i].Value, 45.0 * static_cast<double>(i), 1e-3) << unit;
+        UnloadWindow("FormMainSheet");
+    }
+}
+
 TEST_F(Chart, NamesAreNoValues) {
     FivePoints();
     Open();

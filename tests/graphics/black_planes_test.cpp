@@ -373,6 +373,30 @@ TEST_F(PlaneDrags, WithBTheThicknessIsChangedAndStopsAtZero) {
     EXPECT_EQ(window.State.SlabThickness, 30);
 }
 
+TEST_F(PlaneDrags, WithBothKeysBothAreChanged) {
+    ScreenWindow& window = OpenDepths({10, 20});
+    SetPlanes(window, 7, 100);
+    ScreenPixel_KeyDown(window, "b", false, false);
+    DragWith(window, "t", -10, -5);
+    ScreenPixel_KeyUp(window, "b");
+    EXPECT_EQ(window.State.TopDepth, 22);
+    EXPECT_EQ(window.State.SlabThickness, 115);
+}
+
+TEST_F(PlaneDrags, AreStepsOfTheHistoryInTheFlagModeToo) {
+    ScreenWindow& window = OpenDepths({10, 20});
+    SetPlanes(window, 0, 100);
+    StoreScreenPropertiesToRecord(window);
+    window.State.FlagMode = kTrue;
+    const int steps = window.UndoCount;
+    DragWith(window, "t", -30, 0);
+    EXPECT_EQ(window.UndoCount, steps + 1);
+    Rückgängig_Back(window);
+    EXPECT_EQ(window.State.TopDepth, 0);
+    Rückgängig_Force(window);
+    EXPECT_EQ(window.State.TopDepth, 30);
+}
+
 TEST_F(PlaneDrags, TheSignsFollowTheNormal) {
     ScreenWindow& window = OpenDepths({10, 20});
     SetPlanes(window, 0, 100);

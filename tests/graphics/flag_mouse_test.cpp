@@ -187,3 +187,86 @@ TEST_F(FlagMouse, NoFlagFollowsTheMouseOnceTheLastWindowIsClosed) {
     CloseAllGraphicsWindows();
     EXPECT_FALSE(Main.MenüAnsichtDynamicFlag.Checked);
 }
+
+TEST_F(FlagMouse, ANewFlagStandsBesideTheClickAndTurnsToTheOtherSideAtAnEdge) {
+    AddPair({100, 100, 0}, {100, 100, 0});
+    AddPair({780, 100, 0}, {780, 100, 0});
+    AddPair({100, 590, 0}, {100, 590, 0});
+    AddPair({400, 300, 0}, {400, 300, 0});
+    SizeRest();
+    Job.ViewAllOCS = kFalse;
+    ScreenWindow& window = OpenStraight();
+    window.State.FlagMode = kTrue;
+    FlagRecord record;
+    record.ShowLegendeName = record.ShowDev = record.showX = kTrue;
+    record.Size = 8;
+    TakeAsTemplate(window, record);
+    ClickAt(window, 101, 99);
+    EXPECT_EQ(RecordOf(window, 1).Left, 121);
+    EXPECT_EQ(RecordOf(window, 1).Top, 119);
+    ClickAt(window, 780, 100);
+    ASSERT_LT(LabelOf(window, 2).Width, 300);
+    EXPECT_NEAR(RecordOf(window, 2).Left + LabelOf(window, 2).Width, 760, 1);
+    EXPECT_EQ(RecordOf(window, 2).Top, 120);
+    ClickAt(window, 100, 590);
+    EXPECT_EQ(RecordOf(window, 3).Left, 120);
+    EXPECT_NEAR(RecordOf(window, 3).Top + LabelOf(window, 3).Height, 570, 1);
+    // One that has room on neither side stays within the picture as far as it can.
+    record.showY = record.showZ = record.showR = record.showPhi = record.showRho = record.showTheta =
+        record.show3D = record.ShowLegendeXYZ = kTrue;
+    record.Size = 12;
+    TakeAsTemplate(window, record);
+    ClickAt(window, 400, 300);
+    const double width = LabelOf(window, 4).Width;
+    ASSERT_GT(width, 380);
+    EXPECT_NEAR(RecordOf(window, 4).Left, std::max(0.0, 800 - width), 1);
+}
+
+TEST_F(FlagMouse, RowsThatAreNotSeenGetNone) {
+    ScreenWindow& window = OpenInFlagMode();
+    Scene.Points[kScenePlotted][1] = 0;
+    FlagByClick(window, 1, 100, 100);
+    EXPECT_EQ(window.State.FlagCount, 0) << "not plotted";
+    Scene.Points[kScenePlotted][1] = 1;
+    Scene.PixelX[1] = -5;
+    FlagByClick(window, 1, 0, 100);
+    EXPECT_EQ(window.State.FlagCount, 0) << "outside the picture";
+    Scene.PixelX[1] = 100;
+    FlagByClick(window, 1, 100, 100);
+    EXPECT_EQ(window.State.FlagCount, 1);
+}
+
+TEST_F(FlagMouse, WithSnapAPlaceBelowZeroIsZero) {
+    ScreenWindow& window = OpenFive();
+    SmallFlagAt(window, 1, 200, 150);
+    FlagOf(window, 1).SnaptoGrid = kTrue;
+    window.State.GridLength = 50;
+    ScreenPixel_MouseDown(window, At(205, 155, kLeftButton));
+    ScreenPixel_MouseMove(window, At(-40, -140, kLeftButton));
+    EXPECT_EQ(RecordOf(window, 1).Left, 0);
+    EXPECT_EQ(RecordOf(window, 1).Top, 0);
+}
+
+TEST_F(FlagMouse, TheFlagUnderTheMouseFollowsACalculation) {
+    ScreenWindow& window = OpenFive();
+    UserClick(Main.MenüAnsichtDynamicFlag);
+    Move(window, 101, 102);
+    ASSERT_EQ(window.DynamicFlag.Row, 1);
+    Job.TMCS_X[1] = 107.25;
+    UpdateAllGraphicsWindows();
+    EXPECT_EQ(window.DynamicFlag.Text[kFlagActual][kFlagX], "107.250");
+}
+
+TEST_F(FlagMouse, AUseCellCalculatesAtOnceWhereThatIsAutomatic) {
+    ScreenWindow& window = OpenFive();
+    SmallFlagAt(window, 1, 200, 150);
+    ShowWindow("FormTrafoBerechnung");
+    ::Run.TrafoValid = kFalse;
+    DblClickCell(window, 1, kFlagUse, kFlagZ);
+    EXPECT_FALSE(IsTrue(::Run.TrafoValid));
+    UserSetValue(TrafoWindow.CheckAutoRec, 1);
+    ::Run.TrafoValid = kFalse;
+    DblClickCell(window, 1, kFlagUse, kFlagZ);
+    EXPECT_TRUE(IsTrue(::Run.TrafoValid));
+    UnloadWindow("FormTrafoBerechnung");
+}

@@ -138,6 +138,21 @@ TEST_F(FlagPlacingAll, AtTheNearestSideTheFlagsAreStackedAlongIt) {
     EXPECT_GT(PlaceOf(window, 5).second, 500);
 }
 
+TEST_F(FlagPlacingAll, OffTheGridTheFlagsOfASideStandWhollyInThePicture) {
+    AddPair({750, 300, 0}, {0, 0, 0});
+    AddPair({400, 570, 0}, {0, 0, 0});
+    SizeRest();
+    Job.ViewAllOCS = kFalse;
+    ScreenWindow& window = OpenStraight();
+    TakeSmallFlags(window);
+    FlagPutAll(window, All(FlagPlacement::Side, false));
+    // The picture for flags is 785 by 590.
+    EXPECT_NEAR(PlaceOf(window, 1).first + LabelOf(window, FlagOfRow(window, 1)).Width, 785, 1);
+    EXPECT_EQ(PlaceOf(window, 1).second, 0);
+    EXPECT_EQ(PlaceOf(window, 2).first, 0);
+    EXPECT_NEAR(PlaceOf(window, 2).second + LabelOf(window, FlagOfRow(window, 2)).Height, 590, 1);
+}
+
 TEST_F(FlagPlacingAll, OnTheGridEachFlagHasACellOfItsOwn) {
     for (int i = 0; i < 40; ++i) AddStart("s" + std::to_string(10 + i), 400 + i, 300, 0);
     SizeRest();

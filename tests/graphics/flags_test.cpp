@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "cli/headless.h"
+#include "graphics/black_planes.h"
 #include "graphics/flag_window.h"
 #include "graphics/saved_views.h"
 
@@ -375,4 +376,27 @@ TEST_F(Flags, ATableOfManyFlagsKeepsTheirNumbersWithinSixteenBits) {
     for (int row = 1; row <= kMostFlags; ++row) ASSERT_EQ(AddFlag(window, row, 0, 0), row);
     EXPECT_EQ(AddFlag(window, kMostFlags + 1, 0, 0), 0);
     EXPECT_EQ(window.State.FlagCount, kMostFlags);
+}
+
+TEST_F(Flags, AreHiddenWithAPointThatABlackPlaneHides) {
+    ScreenWindow& window = OpenInFlagMode();
+    FlagOn(window, 1);
+    Initialisieren_BlackPlane(window, true, false);
+    window.State.SlabThickness = 0;
+    Stelle_Grafik_dar(window);
+    EXPECT_FALSE(LabelOf(window, 1).Visible);
+    EXPECT_EQ(FlagAt(window, RecordOf(window, 1).Left + 2.0F, RecordOf(window, 1).Top + 2.0F), 0);
+    window.State.BlackPlane = kFalse;
+    Stelle_Grafik_dar(window);
+    EXPECT_TRUE(LabelOf(window, 1).Visible);
+}
+
+TEST_F(Flags, TheGroundIsThatOfItsOwnWindowWhicheverWasPaintedLast) {
+    ScreenWindow& window = OpenInFlagMode();
+    FlagOn(window, 1);
+    const auto ground = FlagGround(RecordOf(window, 1), LabelOf(window, 1));
+    ScreenWindow& other = OpenScreenWindow();
+    Stelle_Grafik_dar(other);
+    Scene.Points[kSceneColour][1] = ground == 255 ? 65280.0F : 255.0F;
+    EXPECT_EQ(FlagGround(RecordOf(window, 1), LabelOf(window, 1)), ground);
 }

@@ -55,6 +55,8 @@ TEST_F(EditFahne, FactorsTakeAPointForAComma) {
         EXPECT_EQ(text->Text, "3.45");
         UserSetText(*text, "1.2,3");
         EXPECT_EQ(text->Text, "1.23");
+        UserSetText(*text, "2");
+        EXPECT_EQ(text->Text, "2") << "whoever types goes on typing";
     }
 }
 
@@ -109,13 +111,8 @@ TEST_F(EditFahne, PutAllIsThereOnceAPlaceIsChosen) {
     EXPECT_FALSE(d.CheckPutToEvery.Enabled);
     UserSetValue(d.OptionPlaceBorder, 1);
     EXPECT_TRUE(d.CheckPutAll.Enabled);
-    EXPECT_FALSE(d.TextFaktor.Enabled);
-    UserSetValue(d.OptionPlaceRadial, 1);
-    EXPECT_TRUE(d.TextFaktor.Enabled);
     UserSetValue(d.CheckPutAll, 1);
     EXPECT_TRUE(d.CheckPutToEvery.Enabled);
-    UserSetValue(d.CheckPutToEvery, 1);
-    EXPECT_TRUE(d.TextFlagOnEvery.Enabled);
 }
 
 TEST_F(EditFahne, OKAppliesToAllFlagsAndCloses) {
