@@ -119,11 +119,11 @@ TEST_F(Matching, TheTransformedPointsAreACopyOfTheStartPoints) {
     EXPECT_EQ(Job.UseFlags, (std::vector<std::int16_t>{0, 0, 1, 1}));
 }
 
-TEST_F(Matching, UseFlagsKeepTheirContentWhenThePairsChange) {
+TEST_F(Matching, WhatIsInUseStaysAndNewPlacesAreInUse) {
     Fill({"a", "b"}, {"a", "b"});
     Job.UseFlags = {0, 1, 0, 1};
     MatchByName();
-    EXPECT_EQ(Job.UseFlags, (std::vector<std::int16_t>{0, 1, 0, 1, 0, 0, 0}));
+    EXPECT_EQ(Job.UseFlags, (std::vector<std::int16_t>{0, 1, 0, 1, 1, 1, 1}));
 }
 
 TEST_F(Matching, NothingOfAnOlderJobStaysInTheRVectors) {
