@@ -1,6 +1,7 @@
 // The analyse mode: points that run along their vectors, while anything may happen under the loop.
 #include "graphics/analyse_mode.h"
 
+#include "graphics/black_planes.h"
 #include "graphics/input_window.h"
 
 namespace {
@@ -128,6 +129,23 @@ TEST_F(AnalyseMode, CorrectionsRunTheOtherWay) {
         if (round == 6) {
             EXPECT_FALSE(Painted(80, 100));
         }
+    });
+}
+
+TEST_F(AnalyseMode, PointsThatABlackPlaneHidesStayHidden) {
+    // The depths of the three start points are -5, -6 and -7; the slab holds the first alone.
+    ScreenWindow& window = OpenOnCanvas();
+    Job.ViewAllOCS = kFalse;
+    UpdateAllGraphicsWindows();
+    Initialisieren_BlackPlane(window, true, false);
+    window.State.TopDepth = -5.5F;
+    window.State.SlabThickness = 3;
+    Stelle_Grafik_dar(window);
+    RunFor(12, [&](int round) {
+        if (round != 11) return;
+        EXPECT_TRUE(Painted(60, 100));
+        EXPECT_FALSE(Painted(260, 100));
+        EXPECT_FALSE(Painted(60, 300));
     });
 }
 
