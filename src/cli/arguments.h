@@ -2,10 +2,15 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <charconv>
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <vector>
+
+#include "core/text.h"
 
 // The help tells choices once, beside the option's name, so the checks are silent there.
 inline CLI::Validator OneOf(std::vector<std::string> choices) {
@@ -16,9 +21,18 @@ inline CLI::Validator NameOf(const std::map<std::string, std::string>& names) {
     CLI::CheckedTransformer check(names);
     return check.description("");
 }
-inline CLI::Validator Between(int least, int most) {
-    CLI::Range check(least, most);
-    return check.description("");
+inline CLI::Validator Between(std::int64_t least, std::int64_t most) {
+    return CLI::Validator(
+        [least, most](const std::string& text) {
+            std::int64_t value = 0;
+            const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+            const bool whole = error == std::errc() && end == text.data() + text.size();
+            return whole && value >= least && value <= most
+                       ? std::string()
+                       : "\"" + Printable(text) + "\" is no whole number from " + std::to_string(least) +
+                             " to " + std::to_string(most);
+        },
+        "");
 }
 
 // The units of length by the names that a command line knows them by.

@@ -13,6 +13,7 @@
 #include "cli/fit_arguments.h"
 #include "cli/headless.h"
 #include "cli/job_files.h"
+#include "cli/named_files.h"
 #include "cli/render.h"
 #include "cli/transform.h"
 #include "cli/trumpet_svg.h"
@@ -22,6 +23,14 @@
 #include "core/text.h"
 
 namespace {
+
+// Tells two files that are one; false then.
+bool AreApart(const std::vector<NamedFile>& inputs, const std::vector<NamedFile>& outputs,
+              std::ostream& err) {
+    const std::string wrong = FilesApart(inputs, outputs);
+    if (!wrong.empty()) err << wrong << "\n";
+    return wrong.empty();
+}
 
 struct JobSwitches {
     JobFileOptions Options;
@@ -159,6 +168,7 @@ int Render(RenderSwitches& s, std::ostream& err) {
     if (!s.Limits.empty()) LimitsFromText(s.Limits, options.Limits.emplace());
     options.Decimal = DecimalOf(s.Decimal);
     if (s.Yes || s.No) options.Questions = s.Yes;
+    if (!AreApart({{"JOB", options.Job}}, {{"--out", options.Out}}, err)) return kWrongUsage;
     return RunRender(options, err);
 }
 
@@ -266,12 +276,21 @@ int Fit(FitSwitches& s, std::ostream& out, std::ostream& err, bool terminal, boo
         err << wrong << "\n";
         return kWrongUsage;
     }
+    const FitOptions& o = s.Options;
+    // A job may be saved where it came from; a page may not.
+    if (!AreApart({{"START", o.Start}, {"TARGET", o.Target}, {"--poses", o.Poses}},
+                  {{"--save", o.Save}, {"--report", o.Report}}, err) ||
+        !AreApart({{"--job", o.Job}}, {{"--report", o.Report}}, err))
+        return kWrongUsage;
     return RunFit(s.Options, out, err, terminal && ColourWanted(), progress);
 }
 
 int Distances(DistancesSwitches& s, std::ostream& out, std::ostream& err, bool terminal, bool progress) {
     s.Options.Decimal = DecimalOf(s.Decimal);
     if (s.Yes || s.No) s.Options.Questions = s.Yes;
+    const DistancesOptions& o = s.Options;
+    if (!AreApart({{"JOB", o.Job}}, {{"--trumpet", o.Trumpet}, {"--pairs", o.Pairs}}, err))
+        return kWrongUsage;
     return RunDistances(s.Options, out, err, terminal && ColourWanted(), progress);
 }
 
@@ -336,6 +355,10 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     }
     if (exported->parsed()) {
         TakeExportSwitches(exportSwitches);
+        const ExportOptions& o = exportSwitches.Options;
+        if (!AreApart({{"JOB", o.Job}},
+                      {{"--robcad", o.RobCad}, {"--rocal", o.Rocal}, {"--points", o.Points}}, err))
+            return kWrongUsage;
         return RunExport(exportSwitches.Options, err);
     }
     TakeJobSwitches(jobSwitches);

@@ -1,6 +1,9 @@
 // The options of `corvinade-cli fit`.
 #include "cli/fit_arguments.h"
 
+#include <cstdint>
+#include <limits>
+
 #include "cli/arguments.h"
 #include "core/numbers.h"
 #include "core/text.h"
@@ -166,6 +169,7 @@ void AddMonteCarloOptions(CLI::App& fit, FitOptions& o) {
     runs->needs(sigma);
     o.Seed = kUsualSeed;
     fit.add_option("--seed", o.Seed, "Begin the random numbers elsewhere; equal seeds give equal results")
+        ->check(Between(0, std::numeric_limits<std::uint32_t>::max()))
         ->type_name("K")
         ->group(group)
         ->needs(runs);

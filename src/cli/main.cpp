@@ -8,9 +8,11 @@
 
 #include "cli/commands.h"
 #include "cli/fit_options.h"
+#include "core/file_writer.h"
 #include "core/platform.h"
 
 int main(int argc, char** argv) {
+    LetTooLargeFilesRefuse();
     try {
         std::ios::sync_with_stdio(false);
         return RunCommandLine(argc, argv, std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1,

@@ -5,6 +5,9 @@
 #include <cmath>
 #include <cstdio>
 #include <numeric>
+#include <string_view>
+
+#include "core/text.h"
 
 namespace {
 
@@ -59,27 +62,27 @@ std::string SvgNumber(double value) {
 
 std::string EscapeMarkup(const std::string& text) {
     std::string result;
-    for (const char c : text) {
-        switch (c) {
-            case '&':
-                result += "&amp;";
-                break;
-            case '<':
-                result += "&lt;";
-                break;
-            case '>':
-                result += "&gt;";
-                break;
-            case '"':
-                result += "&quot;";
-                break;
-            case '\'':
-                result += "&#39;";
-                break;
-            default:
-                // Control characters have no place in a page.
-                result += static_cast<unsigned char>(c) < 0x20 ? '?' : c;
-        }
+    std::uint32_t code = 0;
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::size_t length = Utf8Character(rest, code);
+        // Control characters and what is no character have no place in a page.
+        const bool shown = length != 0 && code >= 0x20 && (code & 0xfffe) != 0xfffe;
+        const char c = rest.front();
+        if (!shown)
+            result += '?';
+        else if (c == '&')
+            result += "&amp;";
+        else if (c == '<')
+            result += "&lt;";
+        else if (c == '>')
+            result += "&gt;";
+        else if (c == '"')
+            result += "&quot;";
+        else if (c == '\'')
+            result += "&#39;";
+        else
+            result += rest.substr(0, length);
+        rest.remove_prefix(std::max<std::size_t>(length, 1));
     }
     return result;
 }

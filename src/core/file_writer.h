@@ -12,6 +12,10 @@ enum class Keeping : std::uint8_t {
     Unflushed  // for results in bulk that can be made anew: a flush a file would take longer than the work
 };
 
+// A file that grows beyond what the system allows this process (ulimit -f) then refuses the write, as a full
+// disk does, instead of ending the program. To be called once, by its main.
+void LetTooLargeFilesRefuse();
+
 // Written beside the target and renamed over it by Keep. Whatever happens, the target is the old file or
 // the new one, whole; without Keep, or when it throws, nothing is left beside it. Every procedure throws
 // PlatformError when the disk refuses (a write-protected target is refused at the beginning).

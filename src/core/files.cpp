@@ -2,6 +2,7 @@
 #include "core/files.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -109,6 +110,12 @@ fs::path BehindLinks(const std::string& path) {
 }
 
 }  // namespace
+
+void LetTooLargeFilesRefuse() {
+#ifdef SIGXFSZ
+    std::signal(SIGXFSZ, SIG_IGN);
+#endif
+}
 
 FileBeside::FileBeside(const std::string& path) : path_(path), target_(BehindLinks(path)) {
     std::error_code error;

@@ -82,6 +82,14 @@ std::string OnOneLine(std::string text) {
     return text;
 }
 
+// An editor may have stored the file as 16-bit text, in which no line would be found; and lines that are
+// added to it would spoil it.
+void RequireSettingsText(std::string_view text) {
+    if (text.find('\0') != std::string_view::npos)
+        throw PlatformError{"\"" + Run.SettingsFilePath +
+                            "\" is no text of single bytes or UTF-8; store it as such, or delete it"};
+}
+
 // Adds a line to the text of a settings file.
 void AddLine(std::string& text, std::string_view line) {
     text += line;
@@ -105,6 +113,7 @@ void IniDateiAnlegen() {
 
 void IniLesen() {
     const FileBytes bytes = ReadFile(Run.SettingsFilePath);
+    RequireSettingsText(bytes.View());
     ReadSettingsText(bytes.View(), Run.SettingsFilePath);
 }
 
@@ -144,8 +153,14 @@ std::optional<std::string> FindIniWert(std::string_view key) {
     return std::nullopt;
 }
 
+namespace {
+
+constexpr std::int32_t kMissingIniWert = 1000;
+
+}  // namespace
+
 std::string IniWertLesen(std::string_view key) {
-    return FindIniWert(key).value_or("1000");
+    return FindIniWert(key).value_or(std::to_string(kMissingIniWert));
 }
 
 std::string WithIniValue(std::string_view text, const IniLine& wanted) {
@@ -205,6 +220,7 @@ void IniWerteSchreiben(const std::vector<IniLine>& lines) {
     try {
         std::string text;
         if (File_Exist(Run.SettingsFilePath)) text = ReadFile(Run.SettingsFilePath).View();
+        RequireSettingsText(text);
         for (const IniLine& line : lines) text = WithIniValue(text, line);
         WriteFile(Run.SettingsFilePath, text);
         Settings.RefusalTold = false;
@@ -225,15 +241,27 @@ void SettingsSchreiben(std::initializer_list<std::string_view> keys) {
     IniWerteSchreiben(lines);
 }
 
-void LoadWindowPlace(WindowPlace& place, const std::string& name) {
-    const auto read = [&name](const char* key) {
+std::string ReadWindowPlace(WindowPlace& place, const std::string& name) {
+    std::string wrong;
+    const auto read = [&](const char* key) {
         const std::string what = "\"" + Run.SettingsFilePath + "\", key \"" + name + key + "\"";
-        return ToInt32(NumberFromText(IniWertLesen(name + key), what), what);
+        try {
+            return ToInt32(NumberFromText(IniWertLesen(name + key), what), what);
+        } catch (const PlatformError& error) {
+            if (wrong.empty()) wrong = error.What;
+            return kMissingIniWert;
+        }
     };
     place.Height = read("Height");
     place.Top = read("Top");
     place.Width = read("Width");
     place.Left = read("Left");
+    return wrong;
+}
+
+void LoadWindowPlace(WindowPlace& place, const std::string& name) {
+    const std::string wrong = ReadWindowPlace(place, name);
+    if (!wrong.empty()) ShowMessage(wrong + ".\r\n\r\nThe window opens at its usual place.");
 }
 
 void SaveWindowPlace(const WindowPlace& place, const std::string& name) {

@@ -113,7 +113,9 @@ void IniZeileTeilen(std::string_view line, std::string& key, std::string& value)
 
 // --- Window places -------------------------------------------------------------------------------------
 
-// Reads name + "Height", "Top", "Width", "Left"; a missing key counts as 1000.
+// Reads name + "Height", "Top", "Width", "Left"; a missing key counts as 1000, and so does one that is no
+// number. Gives what is wrong with the first such, or nothing; LoadWindowPlace tells it.
+std::string ReadWindowPlace(WindowPlace& place, const std::string& name);
 void LoadWindowPlace(WindowPlace& place, const std::string& name);
 void SaveWindowPlace(const WindowPlace& place, const std::string& name);
 

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 
 #include "core/controller.h"
+#include "core/file_writer.h"
 #include "ui/desktop.h"
 #include "ui/qt_text.h"
 #include "ui/start_screen.h"
@@ -36,6 +37,7 @@ bool IsOnlyAsked(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    LetTooLargeFilesRefuse();
     QCoreApplication::setApplicationName(QStringLiteral("Corvinade"));
     QCoreApplication::setApplicationVersion(Q(ProgramVersion()));
     QCommandLineParser parser;

@@ -101,7 +101,10 @@ std::string AskMessage(const std::string& text, const std::string& title,
         all.push_back(box.addButton(Q(button), QMessageBox::ActionRole));
     if (all.empty()) all.push_back(box.addButton(QMessageBox::Ok));
     box.setDefaultButton(all.front());
-    box.setEscapeButton(all.back());
+    // Esc is the last button. A question of Yes and No waits for its answer: "No" to whether a job shall be
+    // saved throws the work away.
+    const bool yesNo = buttons == std::vector<std::string>{"Yes", "No"};
+    if (!yesNo) box.setEscapeButton(all.back());
     box.exec();
     for (std::size_t i = 0; i < buttons.size(); ++i)
         if (box.clickedButton() == all[i]) return buttons[i];

@@ -80,7 +80,7 @@ QSize BordersOfAChild() {
 WindowPlace StoredPlace() {
     WindowPlace place;
     try {
-        LoadWindowPlace(place, kPlaceName);
+        ReadWindowPlace(place, kPlaceName);
     } catch (const PlatformError&) {  // settings that cannot be read: the start has told of them
         place = {};
     }

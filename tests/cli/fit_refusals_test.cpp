@@ -221,3 +221,55 @@ TEST_F(FitCommand, TheProgramItselfGivesTheStatus) {
     EXPECT_EQ(run("fit " + kMeasured + " " + kNominal + " --decimal ."), 0);
     EXPECT_EQ(run("fit /nowhere/a.txt /nowhere/b.txt"), 3);
 }
+
+TEST_F(FitCommand, AFileBeyondTheLimitOfTheSystemIsRefusedAndNothingIsLeft) {
+    const std::string program = CORVINADE_CLI, out = PathOf("out.json");
+    const int status = std::system(
+        ("ulimit -f 2; " + program + " convert " + kExamples + "roof.cvn " + out + " 2>" + PathOf("err.txt"))
+            .c_str());
+    EXPECT_EQ(status >> 8, 1);
+    EXPECT_NE(Contents(PathOf("err.txt")).find("out.json"), std::string::npos);
+    for (const auto& file : std::filesystem::directory_iterator(PathOf("")))
+        EXPECT_FALSE(file.path().filename().string().starts_with("out.json")) << file.path();
+}
+
+// Every output of a command stands apart from what it is made from, however its path is written.
+TEST_F(FitCommand, AnOutputThatIsAnInputOrAnotherOutputIsRefused) {
+    const std::string before = Contents(start_);
+    std::filesystem::create_symlink(start_, PathOf("link.txt"));
+    for (const char* name : {"start.txt", "./start.txt", "link.txt"}) {
+        const Outcome outcome = Fit({start_, target_, "--report", PathOf("") + "/" + name});
+        EXPECT_EQ(outcome.Status, 2) << name;
+        EXPECT_NE(outcome.Err.find("START and --report are the same file"), std::string::npos) << outcome.Err;
+    }
+    EXPECT_EQ(Contents(start_), before);
+    EXPECT_EQ(Fit({start_, target_, "--save", target_}).Status, 2);
+    EXPECT_EQ(Fit({start_, target_, "--save", PathOf("a"), "--report", PathOf("a")}).Status, 2);
+    EXPECT_FALSE(std::filesystem::exists(PathOf("a")));
+
+    const std::string job = PathOf("job.cvn");
+    EXPECT_EQ(Fit({start_, target_, "--save", job}).Status, 0);
+    EXPECT_EQ(Fit({"--job", job, "--save", job}).Status, 0) << "a job may be saved where it came from";
+    EXPECT_EQ(Fit({"--job", job, "--report", job}).Status, 2);
+    EXPECT_EQ(Fit({"--job", job, "--save", job, "--report", job}).Status, 2);
+    const std::string stored = Contents(job);
+    EXPECT_EQ(CommandLine({"distances", job, "--pairs", job}).Status, 2);
+    EXPECT_EQ(
+        CommandLine({"distances", job, "--pairs", PathOf("x.svg"), "--trumpet", PathOf("x.svg")}).Status, 2);
+    for (const char* kind : {"--robcad", "--rocal", "--points"})
+        EXPECT_EQ(CommandLine({"export", job, kind, job}).Status, 2) << kind;
+    EXPECT_EQ(Contents(job), stored);
+}
+
+TEST_F(FitCommand, AWholeNumberIsAskedForWithItsLimits) {
+    const auto refusal = [&](std::vector<std::string> more) {
+        more.insert(more.begin(), {start_, target_});
+        const Outcome outcome = Fit(more);
+        EXPECT_EQ(outcome.Status, 2);
+        return outcome.Err;
+    };
+    EXPECT_NE(refusal({"--digits", "1.5"}).find("\"1.5\" is no whole number from 0 to 6"), std::string::npos);
+    EXPECT_NE(refusal({"--digits", "7"}).find("\"7\" is no whole number from 0 to 6"), std::string::npos);
+    EXPECT_NE(refusal({"--monte-carlo", "9", "--sigma", "0.1", "--seed=-1"}).find("from 0 to 4294967295"),
+              std::string::npos);
+}

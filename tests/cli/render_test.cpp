@@ -198,6 +198,16 @@ TEST_F(Render, NamesAreNoMarkup) {
     EXPECT_FALSE(Has(svg, "<a>"));
 }
 
+TEST_F(Render, WhatIsNoCharacterOfAPageIsAQuestionMark) {
+    const std::string points =
+        "A\xEF\xBF\xBE"
+        "B;0;0;0\n\xC3\xA4\xF0\x9F\x98\x80;1;0;0\nC;0;1;0\n";
+    const std::string svg = Svg(JobOf(points, points), {"--names"});
+    EXPECT_FALSE(Has(svg, "\xEF\xBF\xBE"));
+    EXPECT_TRUE(Has(svg, "A?B"));
+    EXPECT_TRUE(Has(svg, "\xC3\xA4\xF0\x9F\x98\x80"));
+}
+
 TEST_F(Render, APictureIsTheSameEachTime) {
     const std::string job = Plate();
     const std::vector<std::string> all = {"--vectors", "--names", "--labels", "--color-bar"};

@@ -350,15 +350,26 @@ TEST_F(SettingsFile, AWindowPlaceIsWrittenAndReadUnderItsName) {
     EXPECT_EQ(place.Height, 1000);
 }
 
-TEST_F(SettingsFile, APlaceThatIsNoNumberIsNamed) {
-    Hold("FormXTop=here\r\n");
+TEST_F(SettingsFile, APlaceThatIsNoNumberIsNamedAndTheUsualOneTaken) {
+    Hold("FormXTop=here\r\nFormXLeft=1e20\r\nFormXWidth=700\r\n");
     WindowPlace place;
-    try {
-        LoadWindowPlace(place, "FormX");
-        ADD_FAILURE();
-    } catch (const PlatformError& error) {
-        EXPECT_EQ(error.What, "\"" + Run.SettingsFilePath + "\", key \"FormXTop\": \"here\" is not a number");
-    }
+    LoadWindowPlace(place, "FormX");
+    EXPECT_EQ(Messages(), (std::vector<std::string>{"\"" + Run.SettingsFilePath +
+                                                    "\", key \"FormXTop\": \"here\" is not a number.\r\n\r\n"
+                                                    "The window opens at its usual place."}));
+    EXPECT_EQ(place.Top, 1000);
+    EXPECT_EQ(place.Left, 1000);
+    EXPECT_EQ(place.Width, 700);
+}
+
+TEST_F(SettingsFile, SixteenBitTextIsRefusedAndLeftAsItIs) {
+    std::string wide;
+    for (const char c : std::string("[Global]\r\n")) wide += {c, '\0'};
+    Hold(wide);
+    EXPECT_NE(ReadingError().find("is no text of single bytes or UTF-8"), std::string::npos);
+    IniWertSchreiben("Settings", "RawScale", "1");
+    EXPECT_NE(LastMessage().find("The settings could not be stored."), std::string::npos);
+    EXPECT_EQ(Held(), wide);
 }
 
 TEST_F(SettingsFile, AColumnWidthComesFromTheFirstKeyThatTheFileHas) {
