@@ -73,6 +73,7 @@ int RunExport(const ExportOptions& options, std::ostream& err) {
     // Their transformed points are the measured ones as yet.
     if (!calculated && !options.Points.empty())
         return Refuse(err, kRefused, "You must make a calculation to export transformed points");
+    if (!ResultIsFinite()) return Refuse(err, kRefused, kResultNotFinite);
     const bool written = Dispatch([&options] {
         if (!options.RobCad.empty())
             return WriteFile(options.RobCad, RobCadText(options.Place, options.Tool, options.Robot));

@@ -2,6 +2,7 @@
 #include "cli/job_files.h"
 
 #include <array>
+#include <cmath>
 #include <ostream>
 #include <sstream>
 
@@ -55,6 +56,12 @@ int OpenJob(const std::string& path, std::optional<bool> questions, JobFileFacts
     Headless.Dialogs.clear();
     for (const std::string& message : said) err << OneParagraph(message) << "\n";
     return read ? kDone : Refuse(err, kUnreadable, Run.LastPlatformError);
+}
+
+bool ResultIsFinite() {
+    for (int parameter = kTraX; parameter < kParameterEnd; ++parameter)
+        if (!std::isfinite(ParameterValue(Job, parameter))) return false;
+    return true;
 }
 
 void WriteJobFile(const std::string& path, const JobFileFacts& facts) {

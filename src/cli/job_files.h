@@ -20,6 +20,11 @@ struct JobFileOptions {
 // job shall be read as one. kDone, or kUnreadable with the reason on `err`.
 int OpenJob(const std::string& path, std::optional<bool> questions, JobFileFacts& facts, std::ostream& err);
 
+// Are all parameters of the open job numbers? One that ran away, or was held at 1e999, may have been saved.
+bool ResultIsFinite();
+inline constexpr const char* kResultNotFinite =
+    "the result of the job is not finite; calculate it anew with other parameters or points";
+
 // Writes the open job with its saved views. Throws PlatformError when that is refused.
 void WriteJobFile(const std::string& path, const JobFileFacts& facts);
 

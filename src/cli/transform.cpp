@@ -162,6 +162,7 @@ int RunTransform(const TransformOptions& options, std::ostream& err, bool progre
     if (status != kDone) return status;
     // A job that was never calculated has no choice of parameters yet.
     if (Job.ParamText[1].empty()) return Refuse(err, kRefused, "No Transformation calculated");
+    if (!ResultIsFinite()) return Refuse(err, kRefused, kResultNotFinite);
     if (!Dispatch([&options] { CreateFolder(options.To); }))
         return Refuse(err, kRefused, Run.LastPlatformError);
     AnswerQuestions(options);

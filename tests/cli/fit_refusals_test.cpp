@@ -261,6 +261,27 @@ TEST_F(FitCommand, AnOutputThatIsAnInputOrAnotherOutputIsRefused) {
     EXPECT_EQ(Contents(job), stored);
 }
 
+// About a line that all points stand on the object may turn as it likes.
+TEST_F(FitCommand, PointsThatLeaveParametersOpenAreTold) {
+    const auto told = [&](const std::string& points, std::vector<std::string> more = {}) {
+        const std::string path = Write("open.txt", points);
+        more.insert(more.begin(), {path, path});
+        const Outcome outcome = Fit(more);
+        const std::size_t leave = outcome.Err.find("leave ");
+        return leave == std::string::npos ? ""
+                                          : outcome.Err.substr(leave, std::string("leave 1 of the 6").size());
+    };
+    EXPECT_EQ(told("A;1;2;3\nB;2;4;6\nC;3;6;9\nD;4;8;12\n"), "leave 1 of the 6");
+    EXPECT_EQ(told("A;1e6;2e6;3e6\nB;2e6;4e6;6e6\nC;3e6;6e6;9e6\n"), "leave 1 of the 6");
+    EXPECT_EQ(told("A;1;2;3\nB;1;2;3\nC;1;2;3\n"), "leave 3 of the 6") << "all at one place";
+    EXPECT_EQ(told("A;0;0;5\nB;9;0;5\nC;0;9;5\nD;9;9;5\nE;3;4;5\n", {"--parameters", "9"}),
+              "leave 1 of the 9")
+        << "nothing tells the scale across a plane";
+    EXPECT_EQ(told("A;0;0;5\nB;9;0;5\nC;0;9;5\nD;9;9;5\nE;3;4;5\n"), "");
+    EXPECT_EQ(told("A;0;0;0\nB;1e-3;0;0\nC;0;2e-3;0\nD;0;0;1e-3\n", {"--digits", "6"}), "") << "very small";
+    EXPECT_EQ(told("A;1e7;0;0\nB;10000001;0;0\nC;1e7;2;0\nD;1e7;0;1\n"), "") << "small and far away";
+}
+
 TEST_F(FitCommand, AWholeNumberIsAskedForWithItsLimits) {
     const auto refusal = [&](std::vector<std::string> more) {
         more.insert(more.begin(), {start_, target_});

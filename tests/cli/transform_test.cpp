@@ -233,3 +233,19 @@ TEST_F(TransformCommand, TheExampleFolderIsTransformed) {
     EXPECT_EQ(FilesOfFolder(PathOf("out")).size(), FilesOfFolder(kExamples + "batch").size());
     EXPECT_EQ(outcome.Err.find("held no three numbers"), std::string::npos) << outcome.Err;
 }
+
+// A parameter held at 1e999, say: the desktop saves such a job.
+TEST_F(TransformCommand, AResultThatIsNotFiniteIsAppliedToNothing) {
+    ASSERT_EQ(Command({"fit", start_, target_, "--save", job_}).Status, 0);
+    Job.TraX = std::numeric_limits<double>::infinity();
+    SaveFileAs(job_);
+    const std::string in = Write("a.txt", kPoint), out = PathOf("x");
+    for (const std::vector<std::string>& arguments :
+         {Names{"transform", job_, in, "--to", out}, Names{"export", job_, "--robcad", out},
+          Names{"export", job_, "--rocal", out}, Names{"export", job_, "--points", out}}) {
+        const Outcome outcome = Command(arguments);
+        EXPECT_EQ(outcome.Status, 1);
+        EXPECT_NE(outcome.Err.find("not finite"), std::string::npos) << outcome.Err;
+        EXPECT_FALSE(fs::exists(out)) << arguments[0];
+    }
+}
