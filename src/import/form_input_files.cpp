@@ -102,6 +102,11 @@ void FromClipboard(Control& text, const char* name) {
     SetText(text, path);
 }
 
+// Points can be added to points alone.
+void EnableMorePoints() {
+    InputFiles.FrameMoreMCS.Enabled = IsTrue(Run.JobDataValid);
+}
+
 // What is shown follows the way of identifying.
 void ShowForIdentification() {
     FormInputFiles& w = InputFiles;
@@ -125,7 +130,7 @@ void FormInputFiles::Form_Load() {
     Form_Resize();
     SetValue(w.OptionByID, 1);
     SetValue(w.OptionPrefix, 1);
-    w.FrameMoreMCS.Enabled = IsTrue(Run.JobDataValid);
+    EnableMorePoints();
     ShowForIdentification();
     SetText(w.TextNameMCS, Job.PathMCS);
     SetText(w.TextNameOCS, Job.PathOCS);
@@ -277,6 +282,7 @@ void FormInputFiles::BtnOK_Click() {
 
 void FormInputFiles::BtnApply_Click() {
     myBtn_OK();
+    EnableMorePoints();
 }
 
 void FormInputFiles::BtnCancel_Click() {

@@ -262,6 +262,7 @@ TEST_F(InputDialog, ApplyLeavesTheDialogOpen) {
     UserClick(InputFiles.BtnApply);
     EXPECT_TRUE(IsLoaded("FormInputFiles"));
     EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_TRUE(InputFiles.FrameMoreMCS.Enabled) << "now there are points to add to";
 }
 
 TEST_F(InputDialog, TheSameFileTwiceMakesAllPointsIdentical) {
