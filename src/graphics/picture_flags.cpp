@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/settings.h"
+#include "graphics/flag_search.h"
 #include "graphics/flags.h"
 #include "graphics/projection.h"
 #include "graphics/scene.h"
@@ -83,7 +84,7 @@ void FlagWorstPairs(ScreenWindow& window, int count) {
     window.State.Flags[0] = DeviationsAlone();
     for (const int row : rows)
         if (FlagOfRow(window, row) == 0) AddFlag(window, row, 0, 0);
-    StandAtSides(window, rows);
+    if (!PlaceBesidePoints(window, rows)) StandAtSides(window, rows);
     window.State.ActiveFlag = 0;  // in a picture no flag is marked
 }
 

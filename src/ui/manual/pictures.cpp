@@ -289,7 +289,7 @@ void ScreenPictures() {
     });
     save("FormScreen");
     UserDid([&window] {
-        FlagWorstPairs(window, 8);
+        FlagWorstPairs(window, 6);
         Stelle_Grafik_dar(window);
     });
     save("FormScreen-flags");
