@@ -251,14 +251,15 @@ std::string KeyName(const QKeyEvent& event) {
 // to the logic when the button is let go, and after each key.
 class GridEvents : public QObject {
 public:
-    GridEvents(Control& grid, QTableView& view) : QObject(&view), control_(grid), view_(view) {
+    GridEvents(Control& grid, QTableView& view)
+        : QObject(&view), control_(grid), view_(view), cells_(view.viewport()) {
         QObject::connect(view.selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
             if (!ModelOf(view_).Selecting && !ModelOf(view_).Arranging) TellSelection();
         });
     }
 
     bool eventFilter(QObject* object, QEvent* event) override {
-        const bool inCells = object == view_.viewport();
+        const bool inCells = object == cells_;
         if (inCells && event->type() == QEvent::MouseButtonPress) {
             ModelOf(view_).Selecting = true;
             doubleClick_ = false;
@@ -331,6 +332,8 @@ private:
 
     Control& control_;
     QTableView& view_;
+    // Asked for once: events come while the view is taken down, when only its base is left.
+    const QObject* const cells_;
     bool doubleClick_ = false;  // the button that is let go next is that of a double click
 };
 
