@@ -75,9 +75,12 @@ void FormGrafik::Form_Escape() {
 
 void FormMain::MenuEditGraphData_Click() {
     GridState& grid = MainSheetWindow.MSFlexGrid1.Grid;
-    if (!IsTrue(Run.JobDataValid) || Job.nIdent <= 0 || !MainSheetWindow.Window.Loaded ||
-        grid.Rows <= grid.FixedRows) {
+    if (!IsTrue(Run.JobDataValid) || Job.nIdent <= 0) {
         ShowMessage("There are no Points to graph!");
+        return;
+    }
+    if (!MainSheetWindow.Window.Loaded || grid.Rows <= grid.FixedRows) {
+        ShowMessage("Open the main sheet and click a cell of the column first.");
         return;
     }
     const GridRect selected = Selected(grid);

@@ -284,6 +284,11 @@ json DoGet(const json& request) {
     const Target target = FindTarget(request);
     if (target.Control == nullptr) return WindowToJson(*target.Window);
     json state = ControlToJson(*target.Control->Place);
+    // An entry of a menu that is disabled cannot be chosen either.
+    for (const ControlEntry* entry = target.Control; entry->Parent != nullptr;) {
+        entry = FindEntry(*target.Window, entry->Parent);
+        if (!entry->Place->Enabled) state["enabled"] = false;
+    }
     if (IsTrumpetPlace(TextMember(request, "at"))) AddTrumpet(request, state);
     if (IsChartPlace(TextMember(request, "at"))) AddChart(state);
     return state;

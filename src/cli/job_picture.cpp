@@ -265,12 +265,13 @@ std::string JobPicture(const PictureWish& wish, PictureForm form, const std::vec
     SetUpView(window, wish, views);
     const double magnification = TakeWishes(window, wish);
     Stelle_Grafik_dar(window);
+    int leftOut = 0;
     if (wish.Flags && FlagsOf(window.State) == 0) {
-        FlagWorstPairs(window, wish.FlagCount);
+        leftOut = FlagWorstPairs(window, wish.FlagCount);
         Stelle_Grafik_dar(window);
     }
     const ScreenRecord& state = window.State;
-    facts = {IsTrue(state.VectorMode), magnification, state.Min, state.Max, {}};
+    facts = {IsTrue(state.VectorMode), magnification, state.Min, state.Max, {}, leftOut};
     for (int k = 1; k <= state.AnzKlassenPos; ++k) facts.Colours.push_back(ClassColour(window, k));
     if (svg) return SvgOfWindow(window, "Deviations of the points", form == PictureForm::SvgInPage);
     std::string bytes = PictureBytes(window);

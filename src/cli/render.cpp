@@ -85,11 +85,13 @@ int RunRender(const RenderOptions& options, std::ostream& err) {
     if (options.Limits)
         wish.Limits_mm = {options.Limits->first / Units.LengthFactor,
                           options.Limits->second / Units.LengthFactor};
+    PictureFacts shown;
     const bool written = Dispatch([&] {
-        PictureFacts shown;
         WriteFile(options.Out, JobPicture(wish, IsSvg(options.Out) ? PictureForm::Svg : PictureForm::Png,
                                           facts.Views, shown));
     });
     Headless.Dialogs.clear();
+    if (written && shown.FlagsLeftOut > 0)
+        err << "no room for " << shown.FlagsLeftOut << " of the flags; a larger picture has more\n";
     return written ? kDone : Refuse(err, kRefused, Run.LastPlatformError);
 }

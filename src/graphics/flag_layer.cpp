@@ -106,16 +106,19 @@ void DrawFlag(ScreenWindow& window, const FlagLabel& label, const FlagRecord& re
     FillCell(screen, right, top, right + 1, bottom, mark);
 }
 
-// Names lie on top of the picture: one that would lie on a flag is hidden.
+// Names and scales lie on top of the picture: a text that would lie on a flag is hidden.
 void HideLabelsUnder(ScreenWindow& window, const FlagLabel& label, const FlagRecord& record) {
     constexpr float kLetterWidth = 7, kLetterHeight = 14;
     const auto left = static_cast<float>(record.Left), top = static_cast<float>(record.Top);
-    for (ScreenLabel& text : window.Labels) {
+    const auto hide = [&](ScreenLabel& text) {
         const float width = kLetterWidth * static_cast<float>(text.Text.size());
         if (text.X < left + label.Width && text.X + width > left && text.Y < top + label.Height &&
             text.Y + kLetterHeight > top)
             text.Visible = false;
-    }
+    };
+    std::for_each(window.Labels.begin(), window.Labels.end(), hide);
+    hide(window.LabelScale);
+    hide(window.LabelVectorScale);
 }
 
 void DrawOne(ScreenWindow& window, const FlagLabel& label, const FlagRecord& record, bool marked) {

@@ -17,6 +17,7 @@
 
 namespace {
 
+constexpr int kHold = 12;    // pixels of a flag that stay in the picture
 constexpr int kOffset = 20;  // pixels from a click to the flag that it sets
 
 std::size_t At(int flag) {
@@ -89,14 +90,20 @@ void DragFlag(ScreenWindow& window, float x, float y) {
     ScreenMouse& mouse = window.Mouse;
     if (mouse.DraggedFlag < 1 || mouse.DraggedFlag > window.State.FlagCount) return;
     FlagRecord& record = FlagOf(window, mouse.DraggedFlag);
-    const auto place = [&](int start, float way) {
-        double at = static_cast<double>(start) + way;
+    const auto place = [&](int start, float way, int room) {
+        // A corner of it stays in the picture, or nothing would be left to take hold of.
+        const double most = std::max(0, room - kHold);
+        double at = std::min(static_cast<double>(start) + way, most);
         const double step = window.State.GridLength;
-        if (IsTrue(record.SnaptoGrid) && step >= 1) at = std::floor(at / step + 0.5) * step;
+        if (IsTrue(record.SnaptoGrid) && step >= 1) {
+            at = std::floor(at / step + 0.5) * step;
+            if (at > most) at -= step;
+        }
         return ToFlagPlace(at);
     };
-    const std::int16_t left = place(mouse.FlagLeft, x - mouse.DownX),
-                       top = place(mouse.FlagTop, y - mouse.DownY);
+    const std::int16_t left = place(mouse.FlagLeft, x - mouse.DownX, PictureWidth(window)),
+                       top = place(mouse.FlagTop, y - mouse.DownY,
+                                   PictureHeight(window) - window.Screen.StatusBarHeight);
     if (left == record.Left && top == record.Top) return;
     // A press that does not move snaps nothing.
     if (!mouse.FlagMoved && x == mouse.DownX && y == mouse.DownY) return;

@@ -186,7 +186,9 @@ FlagPlacing PlacingOfDialog() {
                         : w.OptionPlaceBorder.Value == 1 ? FlagPlacement::Border
                         : w.OptionSpeziale.Value == 1    ? FlagPlacement::Side
                                                          : FlagPlacement::None;
-    placing.Factor = Val(w.TextFaktor.Text);
+    // A field without a digit asks for nothing.
+    if (w.TextFaktor.Text.find_first_of("0123456789") != std::string::npos)
+        placing.Factor = Val(w.TextFaktor.Text);
     placing.OnGrid = w.CheckSnaptoGrid.Value == 1;
     placing.PutAll = w.CheckPutAll.Value == 1;
     if (w.CheckPutToEvery.Value == 1)

@@ -3,6 +3,7 @@
 
 #include "core/controller.h"
 #include "core/form_main.h"
+#include "core/platform.h"
 #include "core/settings.h"
 #include "core/window.h"
 #include "graphics/analyse_mode.h"
@@ -199,7 +200,10 @@ void FormMain::MenüViewSaveView_Click() {
     OnTop(SaveView);
 }
 void FormMain::MenüViewDeleteView_Click() {
-    if (Main.ComboSaveView.Index >= 0) DeleteView(Main.ComboSaveView.Index + 1);
+    if (Main.ComboSaveView.Index >= 0)
+        DeleteView(Main.ComboSaveView.Index + 1);
+    else
+        ShowMessage("Choose a saved view in the list of the tool bar; it is deleted then.");
 }
 void FormMain::ComboSaveView_Click() {
     const int chosen = Main.ComboSaveView.Index + 1;

@@ -31,46 +31,65 @@ double DeviationOf(int row) {
                       Scene.Points[kSceneDevZ][at]);
 }
 
-// Half of the flags to each side of the picture, clear of what stands at its edges, in the order of their
-// points and evenly down the side; where a column is full the next one begins beside it.
-void StandAtSides(ScreenWindow& window, std::vector<int> rows) {
-    constexpr int kEdge = 10, kColourBar = 150, kScales = 180;  // pixels
+constexpr int kEdge = 10, kColourBar = 150, kScales = 180;  // pixels
+
+// Columns of flags from both sides of the picture towards its middle, clear of what stands at its edges.
+struct SideColumns {
+    double Width = 1, Height = 1;  // of the largest flag
+    double Right = 0;              // where the flags of the outermost right column begin
+    double Room = 0;               // height of a column
+    int Rows = 1, Columns = 1;     // Columns: of both sides together
+};
+
+SideColumns ColumnsFor(const ScreenWindow& window, const std::vector<int>& rows) {
+    SideColumns sides;
+    FlagLabel label;
+    for (const int row : rows) {
+        FillFlagLabel(window, row, window.State.Flags[0], label);
+        sides.Width = std::max<double>(sides.Width, label.Width);
+        sides.Height = std::max<double>(sides.Height, label.Height);
+    }
+    const double end = PictureWidth(window) - (IsTrue(Settings.ShowColorBar) ? kColourBar : kEdge);
+    sides.Right = end - sides.Width;
+    sides.Room = std::max(sides.Height, static_cast<double>(PictureHeight(window)) - kScales - kEdge);
+    sides.Rows = std::max(1, static_cast<int>(sides.Room / (sides.Height + kEdge)));
+    sides.Columns = std::max(1, static_cast<int>((end - kEdge) / (sides.Width + kEdge)));
+    return sides;
+}
+
+// Half of the flags to each side, in the order of their points and evenly down the side; where a column is
+// full the next one begins beside it. Require: there is room for them.
+void StandAtSides(ScreenWindow& window, std::vector<int> rows, const SideColumns& sides) {
     const auto by = [](const std::vector<float>& pixels) {
         return [&pixels](int one, int other) {
             return pixels[static_cast<std::size_t>(one)] < pixels[static_cast<std::size_t>(other)];
         };
     };
     std::stable_sort(rows.begin(), rows.end(), by(Scene.PixelX));
-    const auto middle = rows.begin() + static_cast<std::ptrdiff_t>(rows.size() / 2);
+    const std::size_t leftRoom = static_cast<std::size_t>((sides.Columns + 1) / 2 * sides.Rows);
+    const std::size_t rightRoom = static_cast<std::size_t>(sides.Columns / 2 * sides.Rows);
+    std::size_t left = std::min(rows.size() / 2, leftRoom);
+    if (rows.size() - left > rightRoom) left = rows.size() - rightRoom;
+    const auto middle = rows.begin() + static_cast<std::ptrdiff_t>(left);
     std::stable_sort(rows.begin(), middle, by(Scene.PixelY));
     std::stable_sort(middle, rows.end(), by(Scene.PixelY));
-    double width = 1, height = 1;
-    for (const int row : rows) {
-        const FlagLabel& label = window.FlagLabels[static_cast<std::size_t>(FlagOfRow(window, row))];
-        width = std::max<double>(width, label.Width);
-        height = std::max<double>(height, label.Height);
-    }
-    const double room = std::max(height, static_cast<double>(PictureHeight(window)) - kScales - kEdge);
-    const double right = PictureWidth(window) - (IsTrue(Settings.ShowColorBar) ? kColourBar : kEdge) - width;
-    const int most = std::max(1, static_cast<int>(room / (height + kEdge)));
-    const auto place = [&](std::ptrdiff_t first, std::ptrdiff_t end, bool left) {
+    const auto place = [&](std::size_t first, std::size_t end, bool isLeft) {
         const auto count = static_cast<int>(end - first);
-        const double step = std::min(3 * height, room / std::min(most, std::max(1, count)));
+        const double step = std::min(3 * sides.Height, sides.Room / std::min(sides.Rows, std::max(1, count)));
         for (int i = 0; i < count; ++i) {
-            FlagRecord& record = FlagOf(window, FlagOfRow(window, rows[static_cast<std::size_t>(first + i)]));
-            const int column = i / most;
-            const double inwards = column * (width + kEdge);
-            record.Left = ToFlagPlace(left ? kEdge + inwards : right - inwards);
-            record.Top = ToFlagPlace(kEdge + i % most * step);
+            FlagRecord& record = FlagOf(window, FlagOfRow(window, rows[first + static_cast<std::size_t>(i)]));
+            const double inwards = i / sides.Rows * (sides.Width + kEdge);
+            record.Left = ToFlagPlace(isLeft ? kEdge + inwards : sides.Right - inwards);
+            record.Top = ToFlagPlace(kEdge + i % sides.Rows * step);
         }
     };
-    place(0, middle - rows.begin(), true);
-    place(middle - rows.begin(), static_cast<std::ptrdiff_t>(rows.size()), false);
+    place(0, left, true);
+    place(left, rows.size(), false);
 }
 
 }  // namespace
 
-void FlagWorstPairs(ScreenWindow& window, int count) {
+int FlagWorstPairs(ScreenWindow& window, int count) {
     std::vector<int> rows;
     for (int row = 1; row <= Scene.Ident; ++row)
         if (Scene.Points[kScenePlotted][static_cast<std::size_t>(row)] != 0.0F &&
@@ -82,10 +101,15 @@ void FlagWorstPairs(ScreenWindow& window, int count) {
         rows.resize(static_cast<std::size_t>(std::max(count, 0)));
     if (window.State.Flags.empty()) window.State.Flags.resize(1);
     window.State.Flags[0] = DeviationsAlone();
+    // Flags on flags tell nothing: those that deviate least have none where there is no room for all.
+    const SideColumns sides = ColumnsFor(window, rows);
+    const std::size_t wanted = rows.size();
+    rows.resize(std::min(wanted, static_cast<std::size_t>(sides.Rows * sides.Columns)));
     for (const int row : rows)
         if (FlagOfRow(window, row) == 0) AddFlag(window, row, 0, 0);
-    if (!PlaceBesidePoints(window, rows)) StandAtSides(window, rows);
+    if (!PlaceBesidePoints(window, rows)) StandAtSides(window, rows, sides);
     window.State.ActiveFlag = 0;  // in a picture no flag is marked
+    return static_cast<int>(wanted - rows.size());
 }
 
 void PlaceFlagsOfView(ScreenWindow& window, double width, double height, double ratio) {

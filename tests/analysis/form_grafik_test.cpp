@@ -62,10 +62,10 @@ TEST_F(Chart, WithoutIdenticalPointsThereIsNothingToShow) {
     EXPECT_FALSE(IsLoaded("FormGrafik"));
 }
 
-TEST_F(Chart, WithoutTheMainSheetThereIsNothingToShow) {
+TEST_F(Chart, WithoutTheMainSheetNoColumnIsChosen) {
     FivePoints();
     Graph();
-    EXPECT_EQ(Messages(), Texts{"There are no Points to graph!"});
+    EXPECT_EQ(Messages(), Texts{"Open the main sheet and click a cell of the column first."});
     EXPECT_FALSE(IsLoaded("FormGrafik"));
 }
 

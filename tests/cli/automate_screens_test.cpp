@@ -35,6 +35,10 @@ TEST_F(Screens, WindowsAreNamedByTheirPlaceAmongTheOpenOnes) {
     Close("Screen#1");
     EXPECT_EQ(Get("Windows")["windows"], json({"FormMain"}));
     EXPECT_EQ(Get("FormMain.MenueGraphics")["checked"], false);
+    // Those that stand in a disabled menu as well.
+    for (const char* entry : {"MenüViewSaveView", "MenüViewDeleteView", "MenüAnsichtPunkteBigger",
+                              "MenüAnsichtVektorenLonger", "MenüGraphicsLinesSetLines", "MenuFahneEdit"})
+        EXPECT_EQ(Get(std::string("FormMain.") + entry)["enabled"], false) << entry;
     EXPECT_EQ(Get("FormMain.MenüAnsichtTopview")["enabled"], false);
 }
 

@@ -123,7 +123,7 @@ protected:
                 << window->State->Caption << '\n';
         for (const ControlEntry& entry : FormMain_Entry.Controls) {
             const Control& c = *entry.Place;
-            if (&c == worked) continue;
+            if (worked != nullptr && (&c == worked || SameCommand(entry, *worked))) continue;
             all << entry.Name << ' ' << c.Text << ' ' << c.Value << c.Checked << c.Enabled << c.Visible
                 << c.Items.size() << ' ' << c.Index << '\n';
         }
@@ -153,6 +153,11 @@ protected:
         move.Y = Scene.PixelY[1];
         ScreenPixel_MouseMove(window, move);
     }
+    // A key of a tool bar and its entry do the same and are ticked together.
+    static bool SameCommand(const ControlEntry& entry, const Control& worked) {
+        return entry.On.Click != nullptr && worked.Entry != nullptr &&
+               entry.On.Click == worked.Entry->On.Click;
+    }
     static bool IsRefusal(const DialogShown& shown) {
         return shown.Kind == "message" && shown.Buttons.size() <= 1 &&
                !shown.Text.starts_with("Angle and Distance Output will always be made in Unit");
@@ -177,7 +182,8 @@ protected:
             UserClick(Main.MenuVievMainSheet);
             UserSelectCells(MainSheetWindow.MSFlexGrid1, {2, 4, 2, 4});
         }
-        if (name == "MenüAnsichtAnpassen" || name == "Toolbar1.Fit") findLFDFORM()->State.BildFaktor *= 2;
+        if (name == "MenüAnsichtAnpassen" || name == "ToolbarGraphics.ZoomAll")
+            findLFDFORM()->State.BildFaktor *= 2;
         if (name == "MenueHelpSpezial")
             Headless.Clipboard =
                 "A\t0\t0\t0\tA\t5\t6\t7\r\nB\t1\t0\t0\tB\t6\t6\t7\r\nC\t0\t1\t0\tC\t5\t7\t7\r\n";

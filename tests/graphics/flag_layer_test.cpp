@@ -1,5 +1,6 @@
 // How flags are drawn: leader lines, the table, what lies on what.
 #include <algorithm>
+#include <cstdint>
 
 #include "graphics/drawing_job.h"
 #include "graphics/flags.h"
@@ -110,6 +111,26 @@ TEST_F(FlagLayer, NamesDoNotShineThroughAFlag) {
     ASSERT_NE(FindLabel(window, "P1"), nullptr);
     EXPECT_FALSE(FindLabel(window, "P1")->Visible);
     EXPECT_TRUE(FindLabel(window, "P2")->Visible);
+}
+
+TEST_F(FlagLayer, TheScalesDoNotShineThroughAFlag) {
+    ScreenWindow& window = OpenWithFlag();
+    window.State.VectorMode = kTrue;
+    window.State.Vec_Maßstab = 1;
+    Paint(window);
+    ASSERT_TRUE(window.LabelScale.Visible);
+    ASSERT_TRUE(window.LabelVectorScale.Visible);
+    FlagOf(window, 1).Left = static_cast<std::int16_t>(window.LabelScale.X - 5);
+    FlagOf(window, 1).Top = static_cast<std::int16_t>(window.LabelScale.Y - 2);
+    Paint(window);
+    EXPECT_FALSE(window.LabelScale.Visible);
+    FlagOf(window, 1).Top = static_cast<std::int16_t>(window.LabelVectorScale.Y - 2);
+    Paint(window);
+    EXPECT_FALSE(window.LabelVectorScale.Visible);
+    FlagOf(window, 1).Top = 0;
+    Paint(window);
+    EXPECT_TRUE(window.LabelScale.Visible);
+    EXPECT_TRUE(window.LabelVectorScale.Visible);
 }
 
 TEST_F(FlagLayer, AWindowWithoutFlagsDrawsNoneOfIt) {

@@ -270,3 +270,19 @@ TEST_F(FlagMouse, AUseCellCalculatesAtOnceWhereThatIsAutomatic) {
     EXPECT_TRUE(IsTrue(::Run.TrafoValid));
     UnloadWindow("FormTrafoBerechnung");
 }
+
+TEST_F(FlagMouse, AFlagCannotBeDraggedOutOfReach) {
+    ScreenWindow& window = OpenFive();
+    SmallFlagAt(window, 1, 200, 150);
+    ScreenPixel_MouseDown(window, At(205, 155, kLeftButton));
+    ScreenPixel_MouseMove(window, At(5000, 5000, kLeftButton));
+    EXPECT_EQ(RecordOf(window, 1).Left, 788);
+    EXPECT_EQ(RecordOf(window, 1).Top, 588);
+    ScreenPixel_MouseUp(window, At(5000, 5000, kLeftButton));
+    FlagOf(window, 1).SnaptoGrid = kTrue;
+    window.State.GridLength = 100;
+    ScreenPixel_MouseDown(window, At(790, 590, kLeftButton));
+    ScreenPixel_MouseMove(window, At(5000, 5000, kLeftButton));
+    EXPECT_EQ(RecordOf(window, 1).Left, 700) << "the last line of the grid in reach";
+    EXPECT_EQ(RecordOf(window, 1).Top, 500);
+}

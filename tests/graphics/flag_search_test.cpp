@@ -23,7 +23,7 @@ protected:
     static ScreenWindow& OpenPlate() {
         for (int i = 0; i < 20; ++i)
             for (int k = 0; k < 14; ++k)
-                AddPair({60.0 + 20 * i, 60.0 + 20 * k, i / 10.0 + k / 100.0},
+                AddPair({60.0 + 20 * i, 60.0 + 20 * k, i / 10.0 + k / 200.0},
                         {60.0 + 20 * i, 60.0 + 20 * k, 0});
         SizeRest();
         Job.ViewAllOCS = kFalse;
@@ -78,6 +78,24 @@ TEST_F(FlagSearch, AFlagThatIsAloneStandsBesideItsPoint) {
     const double x = (frame.Left + frame.Right) / 2 - Scene.PixelX[1];
     const double y = (frame.Top + frame.Bottom) / 2 - Scene.PixelY[1];
     EXPECT_LT(std::hypot(x, y), 60) << "pixels; a flag of two rows is some 30 high";
+}
+
+TEST_F(FlagSearch, OfManyFlagsTheWorstHaveRoomAndNoneLiesOnAnother) {
+    ScreenWindow& window = OpenPlate();
+    ResizeScreenWindow(window, 1600, 1000);
+    const int left = FlagWorstPairs(window, 200);
+    const int flags = window.State.FlagCount;
+    EXPECT_EQ(flags + left, 200);
+    EXPECT_GT(flags, kMostSearchedFlags);
+    EXPECT_GT(left, 0);
+    for (int flag = 1; flag <= flags; ++flag) {
+        const Frame frame = FrameOf(window, flag);
+        EXPECT_LE(frame.Right, 1600) << flag;
+        for (int other = 1; other < flag; ++other)
+            EXPECT_FALSE(frame.Meets(FrameOf(window, other))) << flag << " " << other;
+    }
+    // The deviations grow with the number of the pair.
+    for (int row = Scene.Ident; row > Scene.Ident - flags; --row) EXPECT_NE(FlagOfRow(window, row), 0) << row;
 }
 
 TEST_F(FlagSearch, WhatHasNoRoomIsLeftToTheSides) {

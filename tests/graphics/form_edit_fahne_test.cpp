@@ -60,6 +60,17 @@ TEST_F(EditFahne, FactorsTakeAPointForAComma) {
     }
 }
 
+TEST_F(EditFahne, AnEmptyFactorLeavesTheFlagsOnTheirPoints) {
+    ScreenWindow& window = OpenWithFlags();
+    UserSetValue(Dialog().CheckSnaptoGrid, 0);
+    UserSetValue(Dialog().OptionPlaceRadial, 1);
+    UserSetText(Dialog().TextFaktor, "");
+    UserClick(Dialog().BtnOK);
+    PixelsForWindow(window);
+    EXPECT_EQ(RecordOf(window, 1).Left, static_cast<int>(Scene.PixelX[1]));
+    EXPECT_EQ(RecordOf(window, 1).Top, static_cast<int>(Scene.PixelY[1]));
+}
+
 TEST_F(EditFahne, TheLastRowCannotBeTurnedOff) {
     OpenWithFlags();
     UserSetValue(Dialog().CheckActual, 0);

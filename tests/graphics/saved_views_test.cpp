@@ -294,6 +294,7 @@ TEST_F(SavedViews, WithoutAChosenEntryNothingIsDeleted) {
     Run.JobDirty = kFalse;
     Main.ComboSaveView.Index = -1;
     UserClick(Main.MenüViewDeleteView);
+    EXPECT_EQ(LastMessage(), "Choose a saved view in the list of the tool bar; it is deleted then.");
     for (const int number : {-1, 0, 2, 51}) DeleteView(number);
     EXPECT_EQ(Job.nSavedViews, 1);
     EXPECT_FALSE(IsTrue(Run.JobDirty));
