@@ -44,6 +44,8 @@ void ForgetKindOfJob() {
 
 void TakeBundleAsJob(const std::string& startPath, const std::string& targetPath) {
     if (IsTrue(Run.JobDataValid)) {
+        // Save shall ask for a name: the file that is open holds the points of another job.
+        if (Job.nMCS + Job.nOCS > 0 && Job.PathMCS != startPath) Run.JobFilePath = kDefaultJobPath;
         if (IsTrue(Run.ColorBarOpen)) UnloadWindow("FormColorBar");
         Initialisieren();
         CloseAllGraphicsWindows();

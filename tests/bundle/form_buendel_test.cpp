@@ -315,6 +315,18 @@ TEST_F(BundleWindow, OnASystemWithDecimalCommaTheFilesAreReadWithoutAQuestion) {
     EXPECT_EQ(Job.nIdent, 17);
 }
 
+TEST_F(BundleWindow, TheFileOfAnotherJobIsNotSavedOver) {
+    ::Run.JobFilePath = PathOf("hall.cvn");
+    Read(network_.Text());
+    Calculate();
+    EXPECT_EQ(::Run.JobFilePath, PathOf("hall.cvn")) << "named by New: no points were there";
+    Calculate();
+    EXPECT_EQ(::Run.JobFilePath, PathOf("hall.cvn")) << "the network's own job";
+    Job.PathMCS = "other.txt";
+    Calculate();
+    EXPECT_EQ(::Run.JobFilePath, kDefaultJobPath);
+}
+
 TEST_F(BundleWindow, WhatAnEarlierJobHadBesidesPointsGoesWithIt) {
     Read(network_.Text());
     Job.IsKuka = kTrue;
