@@ -78,7 +78,8 @@ void StandAtSides(ScreenWindow& window, std::vector<int> rows, const SideColumns
         const double step = std::min(3 * sides.Height, sides.Room / std::min(sides.Rows, std::max(1, count)));
         for (int i = 0; i < count; ++i) {
             FlagRecord& record = FlagOf(window, FlagOfRow(window, rows[first + static_cast<std::size_t>(i)]));
-            const double inwards = i / sides.Rows * (sides.Width + kEdge);
+            const int column = i / sides.Rows;
+            const double inwards = column * (sides.Width + kEdge);
             record.Left = ToFlagPlace(isLeft ? kEdge + inwards : sides.Right - inwards);
             record.Top = ToFlagPlace(kEdge + i % sides.Rows * step);
         }
