@@ -209,8 +209,12 @@ void Stamp(QImage& picture, const Mask& mask, const std::vector<std::uint8_t>& s
     const int left = x + mask.Left, top = y + mask.Top;
     const int firstColumn = std::max(0, -left), endColumn = std::min(mask.Width, picture.width() - left);
     const int firstRow = std::max(0, -top), endRow = std::min(mask.Height, picture.height() - top);
+    if (firstRow >= endRow || firstColumn >= endColumn) return;
+    // Asked for once: each row by itself would take as long as its letters.
+    auto* const pixels = reinterpret_cast<QRgb*>(picture.bits());
+    const std::ptrdiff_t stride = picture.bytesPerLine() / static_cast<std::ptrdiff_t>(sizeof(QRgb));
     for (int row = firstRow; row < endRow; ++row) {
-        auto* line = reinterpret_cast<QRgb*>(picture.scanLine(top + row)) + left;
+        QRgb* const line = pixels + (top + row) * stride + left;
         const std::uint8_t* strength =
             strengths.data() + static_cast<std::ptrdiff_t>(row) * static_cast<std::ptrdiff_t>(mask.Width);
         for (int column = firstColumn; column < endColumn; ++column)
