@@ -66,6 +66,11 @@ const ControlEntry* FindEntry(const WindowEntry& window, std::string_view name) 
     return nullptr;
 }
 
+// What a control stands in, or null.
+const ControlEntry* ParentOf(const Target& target, const ControlEntry& entry) {
+    return entry.Parent == nullptr ? nullptr : FindEntry(*target.Window, entry.Parent);
+}
+
 Target FindTarget(const json& request) {
     const std::string at = TextMember(request, "at");
     const std::size_t dot = at.find('.');
@@ -92,8 +97,7 @@ Control& FindReachable(const json& request) {
     if (target.Control == nullptr) Refuse("a control is expected");
     const std::string name = std::string(target.Window->Name) + "." + target.Control->Name;
     if (!target.Window->State->Enabled) Refuse(std::string(target.Window->Name) + " is disabled");
-    for (const ControlEntry* entry = target.Control; entry != nullptr;
-         entry = entry->Parent == nullptr ? nullptr : FindEntry(*target.Window, entry->Parent)) {
+    for (const ControlEntry* entry = target.Control; entry != nullptr; entry = ParentOf(target, *entry)) {
         const std::string who =
             entry == target.Control ? name : name + " stands in " + entry->Name + ", which";
         if (!entry->Place->Enabled) Refuse(who + " is disabled");
@@ -285,10 +289,8 @@ json DoGet(const json& request) {
     if (target.Control == nullptr) return WindowToJson(*target.Window);
     json state = ControlToJson(*target.Control->Place);
     // An entry of a menu that is disabled cannot be chosen either.
-    for (const ControlEntry* entry = target.Control; entry->Parent != nullptr;) {
-        entry = FindEntry(*target.Window, entry->Parent);
+    for (const ControlEntry* entry = target.Control; entry != nullptr; entry = ParentOf(target, *entry))
         if (!entry->Place->Enabled) state["enabled"] = false;
-    }
     if (IsTrumpetPlace(TextMember(request, "at"))) AddTrumpet(request, state);
     if (IsChartPlace(TextMember(request, "at"))) AddChart(state);
     return state;

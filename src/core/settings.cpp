@@ -15,6 +15,7 @@
 namespace {
 
 constexpr std::string_view kLastEntry = "[LastEntry]";
+constexpr std::int32_t kMissingIniWert = 1000;
 
 bool IsSkippedOnReading(std::string_view line) {
     return line.empty() || line.front() == '[' || line.front() == '\'' || line.starts_with("REM");
@@ -152,12 +153,6 @@ std::optional<std::string> FindIniWert(std::string_view key) {
     }
     return std::nullopt;
 }
-
-namespace {
-
-constexpr std::int32_t kMissingIniWert = 1000;
-
-}  // namespace
 
 std::string IniWertLesen(std::string_view key) {
     return FindIniWert(key).value_or(std::to_string(kMissingIniWert));

@@ -30,14 +30,6 @@ std::size_t At(int i) {
     return static_cast<std::size_t>(i);
 }
 
-// The weights a calculation begins with. Pairs that have no flags yet take part.
-Column WeightsFromUseFlags(int n) {
-    Column P(At(n) + 1, 1);
-    P[0] = 0;
-    for (std::size_t i = 1; i < P.size(); ++i) P[i] = CoordinateInUse(i) ? 1 : 0;
-    return P;
-}
-
 constexpr double kSignificanceEps = 1e-9;
 
 // A rotation by 180 degrees counts as none.
@@ -161,6 +153,13 @@ void TransformAllPoints(const Column* v) {
         TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
         put(i, image(1), image(2), image(3));
     }
+}
+
+Column WeightsFromUseFlags(int n) {
+    Column P(At(n) + 1, 1);
+    P[0] = 0;
+    for (std::size_t i = 1; i < P.size(); ++i) P[i] = CoordinateInUse(i) ? 1 : 0;
+    return P;
 }
 
 bool CalculationIsRefused() {

@@ -27,6 +27,9 @@ inline CalculationRecord Calculation;
 // A calculation has ended for the points that the job holds now.
 bool CalculationIsOfThisJob();
 
+// The weights of n observations that a calculation begins with. Pairs that have no flags yet take part.
+Column WeightsFromUseFlags(int n);
+
 // What no fit can begin with: fewer observations than unknowns, or a choice that leaves nothing to fit. True
 // with the message, which Calculation.Refused keeps.
 bool CalculationIsRefused();

@@ -28,10 +28,8 @@ int OpenParameters() {
     const FitModel& model = Adjustment.Model;
     if (!CalculationIsOfThisJob() || model.Mode != FitMode::Coincide || !Calculation.Finite) return 0;
     if (model.Unknowns != Calculation.nFloat || !LooksSuspicious(model)) return 0;
-    Column P(static_cast<std::size_t>(3 * Job.nIdent) + 1);
-    for (std::size_t i = 1; i < P.size(); ++i) P[i] = CoordinateInUse(i) ? 1 : 0;
     GatheredPoints points;
-    GatherPoints(P, false, points);
+    GatherPoints(WeightsFromUseFlags(3 * Job.nIdent), false, points);
     LinearRows rows;
     std::vector<std::vector<double>> T;
     MakeLinearRows(points, model, Linearise(model, points), rows, T);

@@ -55,8 +55,8 @@ void DrawPointsOnTheirWay(ScreenWindow& window, double t) {
     const auto left = static_cast<float>(-r), top = left;
     const auto right = static_cast<float>(screen.Width + r), bottom = static_cast<float>(screen.Height + r);
     for (int i = 1; i <= Scene.Ident; ++i) {
+        if (!IsSeen(i)) continue;
         const auto row = static_cast<std::size_t>(i);
-        if (Scene.Points[kScenePlotted][row] == 0 || Scene.Points[kSceneInside][row] == 0) continue;
         const auto x = static_cast<float>(Scene.PixelX[row] + t * Scene.VecPixelX[row]);
         const auto y = static_cast<float>(Scene.PixelY[row] + t * Scene.VecPixelY[row]);
         if (!(x >= left && x <= right && y >= top && y <= bottom)) continue;

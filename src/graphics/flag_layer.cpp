@@ -29,9 +29,7 @@ void TakeClassColour(FlagLabel& label) {
 }
 
 bool IsShown(const ScreenWindow& window, int row, const FlagRecord& record) {
-    if (row < 1 || row > Scene.Rows) return false;
-    if (Scene.Points[kScenePlotted][At(row)] == 0.0F || Scene.Points[kSceneInside][At(row)] == 0.0F)
-        return false;
+    if (row < 1 || row > Scene.Rows || !IsSeen(row)) return false;
     return !IsTrue(record.WithinScreen) || PixelWithinScreen(window, row);
 }
 

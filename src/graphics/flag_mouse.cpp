@@ -130,9 +130,7 @@ void ShowFlagMenu(ScreenWindow& window, int flag) {
 
 void FlagByClick(ScreenWindow& window, int row, float x, float y) {
     if (row < 1 || row > Scene.Rows || FlagOfRow(window, row) != 0) return;
-    const bool plotted =
-        Scene.Points[kScenePlotted][At(row)] != 0.0F && Scene.Points[kSceneInside][At(row)] != 0.0F;
-    if (!plotted || !PixelWithinScreen(window, row)) return;
+    if (!IsSeen(row) || !PixelWithinScreen(window, row)) return;
     const int flag = AddFlag(window, row, 0, 0);
     if (flag == 0) return;
     PlaceNear(window, x, y, window.FlagLabels[At(flag)], FlagOf(window, flag));

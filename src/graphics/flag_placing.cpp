@@ -30,10 +30,6 @@ std::size_t At(int number) {
     return static_cast<std::size_t>(number);
 }
 
-bool IsShown(int row) {
-    return Scene.Points[kScenePlotted][At(row)] != 0.0F && Scene.Points[kSceneInside][At(row)] != 0.0F;
-}
-
 Place PixelOfRow(int row) {
     return {Scene.PixelX[At(row)], Scene.PixelY[At(row)]};
 }
@@ -43,7 +39,7 @@ Place MiddleOfPoints() {
     int count = 0;
     for (int row = 1; row <= Scene.Rows; ++row) {
         const Place pixel = PixelOfRow(row);
-        if (!IsShown(row) || !std::isfinite(pixel.X) || !std::isfinite(pixel.Y)) continue;
+        if (!IsSeen(row) || !std::isfinite(pixel.X) || !std::isfinite(pixel.Y)) continue;
         sum = {sum.X + pixel.X, sum.Y + pixel.Y};
         ++count;
     }
@@ -181,7 +177,7 @@ std::vector<int> RowsToPlace(ScreenWindow& window, const FlagPlacing& placing, b
     std::vector<int> rows;
     int shown = 0;
     for (int row = 1; row <= Scene.Rows; ++row) {
-        if (!IsShown(row)) continue;
+        if (!IsSeen(row)) continue;
         const bool chosen = placing.PutAll && shown++ % std::max(1, placing.Every) == 0;
         if (chosen || FlagOfRow(window, row) != 0) rows.push_back(row);
         full = full || rows.size() > At(kMostFlags);

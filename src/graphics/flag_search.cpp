@@ -63,11 +63,10 @@ class PointMap {
 public:
     PointMap(int width, int height) : columns_(width / kCell + 2), rows_(height / kCell + 2) {
         sums_.assign(static_cast<std::size_t>(columns_) * static_cast<std::size_t>(rows_), 0);
-        for (std::size_t row = 1; row <= static_cast<std::size_t>(Scene.Rows); ++row) {
-            const bool seen =
-                Scene.Points[kScenePlotted][row] != 0.0F && Scene.Points[kSceneInside][row] != 0.0F;
+        for (int i = 1; i <= Scene.Rows; ++i) {
+            const auto row = static_cast<std::size_t>(i);
             const float x = Scene.PixelX[row], y = Scene.PixelY[row];
-            if (!seen ||
+            if (!IsSeen(i) ||
                 !(x >= 0 && y >= 0 && x < static_cast<float>(width) && y < static_cast<float>(height)))
                 continue;
             ++Sum(static_cast<int>(x) / kCell + 1, static_cast<int>(y) / kCell + 1);
@@ -113,16 +112,16 @@ double CostOf(const std::vector<PlacedFlag>& flags, std::size_t one, const Box& 
 
 // Moves one flag to the place of least cost; false where there is none at all.
 bool PlaceBest(std::vector<PlacedFlag>& flags, std::size_t one, PointMap& points, int W, int H) {
-    constexpr int kEdge = 10, kColourBar = 150, kScalesWide = 470, kScalesHigh = 180, kSteps = 80;  // pixels
+    constexpr int kScalesWide = 470, kSteps = 80;  // pixels
     PlacedFlag& flag = flags[one];
-    const double right = W - (IsTrue(Settings.ShowColorBar) ? kColourBar : kEdge) - flag.Width;
-    const double lower = H - kEdge - flag.Height;
+    const double right = W - (IsTrue(Settings.ShowColorBar) ? kColourBarRoom : kFlagEdge) - flag.Width;
+    const double lower = H - kFlagEdge - flag.Height;
     const double step = std::max(12.0, static_cast<double>(std::max(W, H)) / kSteps);
     double least = std::numeric_limits<double>::infinity();
     flag.Placed = false;
-    for (double top = kEdge; top <= lower; top += step / 2)
-        for (double left = kEdge; left <= right; left += step) {
-            if (left < kScalesWide && top + flag.Height > H - kScalesHigh) continue;
+    for (double top = kFlagEdge; top <= lower; top += step / 2)
+        for (double left = kFlagEdge; left <= right; left += step) {
+            if (left < kScalesWide && top + flag.Height > H - kScalesRoom) continue;
             const Box at{left, top, left + flag.Width, top + flag.Height};
             const double cost = CostOf(flags, one, at, points);
             if (!(cost < least)) continue;

@@ -31,8 +31,6 @@ double DeviationOf(int row) {
                       Scene.Points[kSceneDevZ][at]);
 }
 
-constexpr int kEdge = 10, kColourBar = 150, kScales = 180;  // pixels
-
 // Columns of flags from both sides of the picture towards its middle, clear of what stands at its edges.
 struct SideColumns {
     double Width = 1, Height = 1;  // of the largest flag
@@ -49,11 +47,11 @@ SideColumns ColumnsFor(const ScreenWindow& window, const std::vector<int>& rows)
         sides.Width = std::max<double>(sides.Width, label.Width);
         sides.Height = std::max<double>(sides.Height, label.Height);
     }
-    const double end = PictureWidth(window) - (IsTrue(Settings.ShowColorBar) ? kColourBar : kEdge);
+    const double end = PictureWidth(window) - (IsTrue(Settings.ShowColorBar) ? kColourBarRoom : kFlagEdge);
     sides.Right = end - sides.Width;
-    sides.Room = std::max(sides.Height, static_cast<double>(PictureHeight(window)) - kScales - kEdge);
-    sides.Rows = std::max(1, static_cast<int>(sides.Room / (sides.Height + kEdge)));
-    sides.Columns = std::max(1, static_cast<int>((end - kEdge) / (sides.Width + kEdge)));
+    sides.Room = std::max(sides.Height, static_cast<double>(PictureHeight(window)) - kScalesRoom - kFlagEdge);
+    sides.Rows = std::max(1, static_cast<int>(sides.Room / (sides.Height + kFlagEdge)));
+    sides.Columns = std::max(1, static_cast<int>((end - kFlagEdge) / (sides.Width + kFlagEdge)));
     return sides;
 }
 
@@ -79,9 +77,9 @@ void StandAtSides(ScreenWindow& window, std::vector<int> rows, const SideColumns
         for (int i = 0; i < count; ++i) {
             FlagRecord& record = FlagOf(window, FlagOfRow(window, rows[first + static_cast<std::size_t>(i)]));
             const int column = i / sides.Rows;
-            const double inwards = column * (sides.Width + kEdge);
-            record.Left = ToFlagPlace(isLeft ? kEdge + inwards : sides.Right - inwards);
-            record.Top = ToFlagPlace(kEdge + i % sides.Rows * step);
+            const double inwards = column * (sides.Width + kFlagEdge);
+            record.Left = ToFlagPlace(isLeft ? kFlagEdge + inwards : sides.Right - inwards);
+            record.Top = ToFlagPlace(kFlagEdge + i % sides.Rows * step);
         }
     };
     place(0, left, true);
@@ -93,9 +91,7 @@ void StandAtSides(ScreenWindow& window, std::vector<int> rows, const SideColumns
 int FlagWorstPairs(ScreenWindow& window, int count) {
     std::vector<int> rows;
     for (int row = 1; row <= Scene.Ident; ++row)
-        if (Scene.Points[kScenePlotted][static_cast<std::size_t>(row)] != 0.0F &&
-            std::isfinite(DeviationOf(row)))
-            rows.push_back(row);
+        if (IsSeen(row) && std::isfinite(DeviationOf(row))) rows.push_back(row);
     std::stable_sort(rows.begin(), rows.end(),
                      [](int one, int other) { return DeviationOf(one) > DeviationOf(other); });
     if (rows.size() > static_cast<std::size_t>(std::max(count, 0)))

@@ -51,8 +51,8 @@ void DrawRVectors(ScreenWindow& window) {
     const int width = IsTrue(Settings.VectorThick) ? window.State.BigNess : 1;
     const bool poses = Job.RobotABC.Rows >= Scene.Ident && Job.RobotABC.Columns >= 3;
     for (int i = 1; i <= Scene.Ident; ++i) {
+        if (!IsSeen(i)) continue;
         const auto row = static_cast<std::size_t>(i);
-        if (Scene.Points[kScenePlotted][row] != 1.0F || Scene.Points[kSceneInside][row] != 1.0F) continue;
         if (poses)
             DrawToolVectors(window, row, width);
         else

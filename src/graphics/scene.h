@@ -69,6 +69,12 @@ struct SceneRecord {
 };
 inline SceneRecord Scene;
 
+// Is a row, 1 to Rows, plotted and not hidden by a black plane of the window painted last?
+inline bool IsSeen(int row) {
+    const auto i = static_cast<std::size_t>(row);
+    return Scene.Points[kScenePlotted][i] != 0.0F && Scene.Points[kSceneInside][i] != 0.0F;
+}
+
 // The name of a row of ScenePoints, 1 to Rows (ScenePointName); empty where the job no longer has it.
 const std::string& ScenePointName(int row);
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <numeric>
 
+#include "graphics/black_planes.h"
 #include "graphics/flag_window.h"
 #include "graphics/picture_flags.h"
 
@@ -36,6 +37,7 @@ protected:
                 static_cast<double>(record.Left + label.Width),
                 static_cast<double>(record.Top + label.Height)};
     }
+    static float Cell(int row) { return Scene.Points[kSceneDevZ][static_cast<std::size_t>(row)]; }
     static int PointsUnder(const Frame& frame) {
         int count = 0;
         for (int row = 1; row <= Scene.Ident; ++row) {
@@ -96,6 +98,22 @@ TEST_F(FlagSearch, OfManyFlagsTheWorstHaveRoomAndNoneLiesOnAnother) {
     }
     // The deviations grow with the number of the pair.
     for (int row = Scene.Ident; row > Scene.Ident - flags; --row) EXPECT_NE(FlagOfRow(window, row), 0) << row;
+}
+
+TEST_F(FlagSearch, PairsBehindABlackPlaneAreNotAmongTheWorst) {
+    ScreenWindow& window = OpenPlate();
+    Initialisieren_BlackPlane(window, true, false);
+    // Depth is minus z, which is the deviation: the slab holds the lower half of them.
+    window.State.TopDepth = -1;
+    window.State.SlabThickness = 2;
+    Stelle_Grafik_dar(window);
+    FlagWorstPairs(window, 5);
+    ASSERT_EQ(window.State.FlagCount, 5);
+    for (int row = 1; row <= Scene.Ident; ++row) {
+        if (FlagOfRow(window, row) == 0) continue;
+        EXPECT_LE(Cell(row), 1.0F) << row;
+        EXPECT_GT(Cell(row), 0.9F) << row;
+    }
 }
 
 TEST_F(FlagSearch, WhatHasNoRoomIsLeftToTheSides) {
