@@ -186,16 +186,21 @@ std::vector<int> RowsToPlace(ScreenWindow& window, const FlagPlacing& placing, b
     return rows;
 }
 
-// The label whose size is that of a cell: the active flag's, else that of the first row.
+// The size of a cell: that of the active flag, else of the largest that is placed, so that none covers
+// another.
 FlagLabel CurrentLabel(const ScreenWindow& window, const std::vector<int>& rows) {
     const auto active = static_cast<std::size_t>(window.State.ActiveFlag);
     if (active != 0 && active < window.FlagLabels.size() && window.FlagLabels[active].Row != 0)
         return window.FlagLabels[active];
-    FlagLabel label;
-    const int first = rows.front();
-    const int flag = FlagOfRow(window, first);
-    FillFlagLabel(window, first, flag != 0 ? window.State.Flags[At(flag)] : NewFlagRecord(window), label);
-    return label;
+    FlagLabel largest, label;
+    const FlagRecord fresh = NewFlagRecord(window);
+    for (const int row : rows) {
+        const int flag = FlagOfRow(window, row);
+        FillFlagLabel(window, row, flag != 0 ? window.State.Flags[At(flag)] : fresh, label);
+        largest.Width = std::max(largest.Width, label.Width);
+        largest.Height = std::max(largest.Height, label.Height);
+    }
+    return largest;
 }
 
 // False where the picture is full.

@@ -175,6 +175,24 @@ TEST_F(FlagPlacingAll, OnTheGridEachFlagHasACellOfItsOwn) {
     for (int flag = 1; flag <= 40; ++flag) EXPECT_LT(std::abs(RecordOf(window, flag).Left - 400), 6 * width);
 }
 
+TEST_F(FlagPlacingAll, WithoutAnActiveFlagNoneCoversAnother) {
+    for (const char* name : {"a", "a much longer name", "bb", "another long name", "c"})
+        AddStart(name, 400, 300, 0);
+    SizeRest();
+    ScreenWindow& window = OpenStraight();
+    TakeSmallFlags(window);
+    FlagPutAll(window, All(FlagPlacement::Close, true));
+    ASSERT_EQ(window.State.FlagCount, 5);
+    for (int one = 1; one <= 5; ++one)
+        for (int other = 1; other < one; ++other) {
+            const FlagRecord &a = RecordOf(window, one), &b = RecordOf(window, other);
+            const bool beside =
+                static_cast<float>(a.Left) + LabelOf(window, one).Width <= static_cast<float>(b.Left) + 1 ||
+                static_cast<float>(b.Left) + LabelOf(window, other).Width <= static_cast<float>(a.Left) + 1;
+            EXPECT_TRUE(a.Top != b.Top || beside) << one << " " << other;
+        }
+}
+
 TEST_F(FlagPlacingAll, OffTheGridOnlyCollisionsMoveAFlag) {
     AddStart("s1", 400, 300, 0);
     AddStart("s2", 400, 300, 0);
