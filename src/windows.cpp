@@ -17,6 +17,7 @@
 #include "core/form_units.h"
 #include "core/fresh_start.h"
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/records.h"
 #include "core/run.h"
 #include "core/settings.h"
@@ -78,6 +79,7 @@ const WindowEntry* const kWindows[] = {
 void (*const kRecords[])() = {
     [] { Job = JobRecord{}; },
     [] { Run = RunRecord{}; },
+    [] { Notes = NotesRecord{}; },
     [] { Settings = SettingsRecord{}; },
     [] { Units = UnitsRecord{}; },
     [] { Chain = ChainRecord{}; },

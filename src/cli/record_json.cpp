@@ -85,6 +85,7 @@ struct ToJson {
         }
         return rows;
     }
+    json operator()(const std::vector<Note>* notes) const { return NotesToJson(*notes); }
     json operator()(const ViewRow& views) const {
         json list = json::array();
         for (int i = 0; i < views.Count; ++i) list.push_back(ScreenToJson(views.First[i]));
@@ -201,10 +202,23 @@ struct FromJson {
     std::string operator()(const TextRow& row) const { return TakeRow(Value, row.First, row.Count); }
     std::string operator()(const NumberRow16& row) const { return TakeRow(Value, row.First, row.Count); }
     std::string operator()(const NumberRow& row) const { return TakeRow(Value, row.First, row.Count); }
+    std::string operator()(const std::vector<Note>*) const { return "this record can only be read"; }
     std::string operator()(const ViewRow&) const { return "this record can only be read"; }
 };
 
 }  // namespace
+
+json NotesToJson(std::span<const Note> notes) {
+    json list = json::array();
+    for (const Note& note : notes)
+        list.push_back({{"code", NoteKindOf(note.Code).Name},
+                        {"severity", SeverityName(note.Weight)},
+                        {"text", note.Text},
+                        {"file", note.File.empty() ? json() : json(note.File)},
+                        {"line", note.Line > 0 ? json(note.Line) : json()},
+                        {"count", note.Count}});
+    return list;
+}
 
 json ScreenToJson(const ScreenRecord& view) {
     json object = json::object();

@@ -14,5 +14,8 @@ nlohmann::json RecordToJson(const RecordEntry& record);
 // or size than the record, or one after which counts and arrays of the job would not fit each other.
 std::string RecordFromJson(const RecordEntry& record, const nlohmann::json& value);
 
+// {code, severity, text, file, line, count} of each; file and line null where there is none.
+nlohmann::json NotesToJson(std::span<const Note> notes);
+
 // The state of a graphics window, or of a saved view, by the names of its fields.
 nlohmann::json ScreenToJson(const ScreenRecord& view);

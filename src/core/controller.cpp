@@ -7,6 +7,7 @@
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/platform.h"
 #include "core/refresh.h"
 #include "core/run.h"
@@ -198,6 +199,7 @@ void Initialisieren() {
     Run.JobDataValid = kFalse;
     Run.TrafoValid = Run.CalcDone = kFalse;
     ++Run.JobGeneration;
+    ForgetNotes();
     ProgrammLogik();
 }
 

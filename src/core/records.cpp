@@ -20,6 +20,7 @@ const RecordEntry kOtherRecords[] = {
     {"Rvec_y", &Job.Rvec_y, Storage::Run},
     {"Rvec_z", &Job.Rvec_z, Storage::Run},
     // Of the program run.
+    {"Notes", &Notes.List, Storage::Run},
     {"JobFilePath", &Run.JobFilePath, Storage::Run},
     {"JobDataValid", &Run.JobDataValid, Storage::Run},
     {"TrafoValid", &Run.TrafoValid, Storage::Run},

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/arrays.h"
+#include "core/notes.h"
 #include "core/screen_record.h"
 
 // Fixed arrays inside a record.
@@ -35,7 +36,7 @@ struct ViewRow {
 using RecordPlace =
     std::variant<std::int16_t*, std::int32_t*, float*, double*, std::string*, std::vector<std::string>*,
                  std::vector<TaggedValue>*, std::vector<double>*, std::vector<std::int16_t>*, Matrix*,
-                 TextRow, NumberRow16, NumberRow, ViewRow>;
+                 TextRow, NumberRow16, NumberRow, ViewRow, const std::vector<Note>*>;
 
 enum class Storage : std::uint8_t {
     JobFile,  // stored in the job file

@@ -7,6 +7,7 @@
 
 #include "core/controller.h"
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/settings.h"
@@ -189,6 +190,7 @@ void ButtonCalcErsatz() {
     if (useABC && Selection.CheckRDist)
         ShowMessage("bigbug here in the CODE, you can never use R_Dist AND UseABC");
 
+    if (!IsTrue(Job.IsParaboloid)) ForgetCalculationNotes();  // its passes are one calculation
     if (CalculationIsRefused()) return;
     const bool leastSquares = Job.NormType != 1 && Job.NormType != 3;
     Calculation.Refused = leastSquares && MonteCarloIsInTheFit() && !MonteCarloCanBeHeld();

@@ -8,6 +8,7 @@
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/refresh.h"
@@ -250,6 +251,7 @@ void myBtn_OK() {
         return;
     }
 
+    ForgetNotes();
     ImportGuard guard;
     std::optional<ImportUnderWay> underWay(&jobBefore);
     ++Run.JobGeneration;

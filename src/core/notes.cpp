@@ -1,0 +1,83 @@
+// The list of what the program noticed.
+#include "core/notes.h"
+
+#include <algorithm>
+
+#include "core/require.h"
+
+namespace {
+
+constexpr NoteKind kKinds[] = {
+    {NoteCode::NumberAsZero, "number-as-zero", Severity::Warning, true},
+    {NoteCode::ValueKept, "value-kept", Severity::Warning, true},
+    {NoteCode::EmptyCoordinate, "empty-coordinate", Severity::Warning, true},
+    {NoteCode::NameCut, "name-cut", Severity::Warning, true},
+    {NoteCode::ColumnsIgnored, "columns-ignored", Severity::Note, true},
+    {NoteCode::DelimitersSideBySide, "delimiters-side-by-side", Severity::Warning, true},
+    {NoteCode::DuplicateName, "duplicate-name", Severity::Warning, true},
+    {NoteCode::EmptyRow, "empty-row", Severity::Note, true},
+    {NoteCode::PosesSkipped, "poses-skipped", Severity::Note, true},
+    {NoteCode::DigitsCut, "digits-cut", Severity::Warning, true},
+    {NoteCode::NoOrientation, "no-orientation", Severity::Warning, true},
+    {NoteCode::TableExtended, "table-extended", Severity::Warning, false},
+    {NoteCode::NamesShort, "names-short", Severity::Warning, true},
+    {NoteCode::NetworkOpen, "network-open", Severity::Warning, false},
+    {NoteCode::Mirrored, "mirrored", Severity::Warning, false},
+    {NoteCode::BetterStart, "better-start", Severity::Note, false},
+    {NoteCode::OpenParameters, "open-parameters", Severity::Warning, false},
+    {NoteCode::EqualResiduals, "equal-residuals", Severity::Note, false},
+    {NoteCode::NoRedundancy, "no-redundancy", Severity::Warning, false},
+    {NoteCode::UnsettledFits, "unsettled-fits", Severity::Warning, false},
+    {NoteCode::GimbalLock, "gimbal-lock", Severity::Note, false},
+    {NoteCode::CollapsedScale, "collapsed-scale", Severity::Warning, false},
+    {NoteCode::NotConverged, "not-converged", Severity::Warning, false},
+    {NoteCode::MatrixAngles, "matrix-angles", Severity::Note, false},
+    {NoteCode::NearestForm, "nearest-form", Severity::Note, false},
+};
+static_assert(std::size(kKinds) == static_cast<std::size_t>(NoteCode::Count_));
+
+}  // namespace
+
+std::span<const NoteKind> NoteKinds() {
+    return kKinds;
+}
+
+const NoteKind& NoteKindOf(NoteCode code) {
+    const NoteKind& kind = kKinds[static_cast<std::size_t>(code)];
+    Require(kind.Code == code);
+    return kind;
+}
+
+void AddNote(NoteCode code, std::string text, std::string file, int line, int count) {
+    const NoteKind& kind = NoteKindOf(code);
+    for (Note& note : Notes.List) {
+        if (note.Code != code || note.File != file || (file.empty() && note.Text != text)) continue;
+        note.Count += count;
+        return;
+    }
+    Notes.List.push_back({code, kind.Weight, std::move(text), std::move(file), line, count});
+}
+
+void ForgetNotes() {
+    Notes.List.clear();
+}
+
+void ForgetCalculationNotes() {
+    std::erase_if(Notes.List, [](const Note& note) { return !NoteKindOf(note.Code).OfImport; });
+}
+
+bool HasWarnings() {
+    return std::any_of(Notes.List.begin(), Notes.List.end(),
+                       [](const Note& note) { return note.Weight == Severity::Warning; });
+}
+
+std::string NoteLine(const Note& note) {
+    std::string where = note.File;
+    if (note.Line > 0) where += (where.empty() ? "line " : ", line ") + std::to_string(note.Line);
+    if (note.Count > 1) where += (where.empty() ? "" : "; ") + std::to_string(note.Count) + " times";
+    return where.empty() ? note.Text : note.Text + " (" + where + ")";
+}
+
+const char* SeverityName(Severity weight) {
+    return weight == Severity::Warning ? "warning" : "note";
+}

@@ -1,0 +1,81 @@
+// What the program noticed and decided on its own: one list, filled by import and calculation. Nothing that a
+// reader or the engine decides for the user goes without an entry here.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+enum class NoteCode : std::uint8_t {
+    // Of an import.
+    NumberAsZero,          // a field that is no number counts as 0
+    ValueKept,             // a field that is no number leaves what the value was before
+    EmptyCoordinate,       // an empty coordinate counts as 0
+    NameCut,               // a name ends at its first blank
+    ColumnsIgnored,        // fields behind the coordinates are not read
+    DelimitersSideBySide,  // delimiters that follow each other count as one
+    DuplicateName,         // two points of one file bear the same name
+    EmptyRow,              // a row without a point is passed over
+    PosesSkipped,          // what looks like a pose of a robot program and is not taken
+    DigitsCut,             // digits of a number that a double or the told reader does not hold
+    NoOrientation,         // pairs without the orientation that their pose should have
+    TableExtended,         // a point beyond the end of a table is extrapolated
+    NamesShort,            // a set of points has fewer names or numbers than points
+    NetworkOpen,           // a network's point that the distances do not determine
+    // Of a calculation.
+    Mirrored,        // the result is mirrored
+    BetterStart,     // the iteration ended in a solution that is not the best, and began again
+    OpenParameters,  // what the points leave open
+    EqualResiduals,  // redundancy 0: residuals are 0 or equal whatever the points are
+    NoRedundancy,    // sigma and significance say nothing
+    UnsettledFits,   // inner fits that ended at their limit
+    GimbalLock,      // the second rotation stands at 90 degrees
+    CollapsedScale,  // a scale has gone to 0
+    NotConverged,    // a result that did not converge is used
+    MatrixAngles,    // angles taken from the rotation matrix, where a formula does not give it back
+    NearestForm,     // runs brought to the form nearest to the result
+    Count_
+};
+
+enum class Severity : std::uint8_t { Note, Warning };
+
+// What a code is called outside, and how heavy it weighs.
+struct NoteKind {
+    NoteCode Code;
+    const char* Name;  // as in JSON, lower case with hyphens
+    Severity Weight;
+    bool OfImport;  // goes with the next import; the others with the next calculation too
+};
+std::span<const NoteKind> NoteKinds();
+const NoteKind& NoteKindOf(NoteCode code);
+
+struct Note {
+    NoteCode Code = NoteCode::NumberAsZero;
+    Severity Weight = Severity::Note;
+    std::string Text;  // one sentence, one line
+    std::string File;  // "" where it is of no file
+    int Line = 0;      // in the file, from 1; of the first occurrence; 0 where there is none
+    int Count = 1;     // occurrences
+};
+
+struct NotesRecord {
+    std::vector<Note> List;  // in the order in which they came up
+};
+inline NotesRecord Notes;
+
+// Adds to the list. A note of the same code about the same file counts up what stands there already, whose
+// text and line stay: those of the first occurrence. Notes of a calculation have no file and are told apart
+// by their text.
+void AddNote(NoteCode code, std::string text, std::string file = "", int line = 0, int count = 1);
+
+// The list is emptied by an import; a calculation takes out what calculations have said.
+void ForgetNotes();
+void ForgetCalculationNotes();
+
+bool HasWarnings();
+
+// "Cannot use ... (mcs.txt, line 7; 3 times)": the note as one line of text, without its severity.
+std::string NoteLine(const Note& note);
+const char* SeverityName(Severity weight);  // "note", "warning"
