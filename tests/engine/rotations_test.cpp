@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <fstream>
+#include <nlohmann/json.hpp>
 
 #include "core/units.h"
 #include "engine/angles.h"

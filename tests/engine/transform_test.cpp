@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <fstream>
+#include <nlohmann/json.hpp>
 
 #include "core/job.h"
 #include "engine/fit_reference.h"
