@@ -23,6 +23,7 @@
 #include "core/settings.h"
 #include "core/units.h"
 #include "engine/adjustment.h"
+#include "engine/best_fit.h"
 #include "engine/calculation.h"
 #include "engine/calculation_window.h"
 #include "engine/engine_records.h"
@@ -88,6 +89,7 @@ void (*const kRecords[])() = {
     [] { Calculation = CalculationRecord{}; },
     [] { CalculationWindow = CalculationWindowRecord{}; },
     [] { Norm = NormRecord{}; },
+    [] { Certificate = CertificateRecord{}; },
     [] { MonteCarlo = MonteCarloRecord{}; },
     [] { Noise = NoiseRecord{}; },
     [] { Inverse = InverseRecord{}; },

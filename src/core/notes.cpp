@@ -24,6 +24,7 @@ constexpr NoteKind kKinds[] = {
     {NoteCode::NetworkOpen, "network-open", Severity::Warning, false},
     {NoteCode::Mirrored, "mirrored", Severity::Warning, false},
     {NoteCode::BetterStart, "better-start", Severity::Note, false},
+    {NoteCode::BetterElsewhere, "better-elsewhere", Severity::Warning, false},
     {NoteCode::OpenParameters, "open-parameters", Severity::Warning, false},
     {NoteCode::EqualResiduals, "equal-residuals", Severity::Note, false},
     {NoteCode::NoRedundancy, "no-redundancy", Severity::Warning, false},

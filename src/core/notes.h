@@ -25,17 +25,18 @@ enum class NoteCode : std::uint8_t {
     NamesShort,            // a set of points has fewer names or numbers than points
     NetworkOpen,           // a network's point that the distances do not determine
     // Of a calculation.
-    Mirrored,        // the result is mirrored
-    BetterStart,     // the iteration ended in a solution that is not the best, and began again
-    OpenParameters,  // what the points leave open
-    EqualResiduals,  // redundancy 0: residuals are 0 or equal whatever the points are
-    NoRedundancy,    // sigma and significance say nothing
-    UnsettledFits,   // inner fits that ended at their limit
-    GimbalLock,      // the second rotation stands at 90 degrees
-    CollapsedScale,  // a scale has gone to 0
-    NotConverged,    // a result that did not converge is used
-    MatrixAngles,    // angles taken from the rotation matrix, where a formula does not give it back
-    NearestForm,     // runs brought to the form nearest to the result
+    Mirrored,         // the result is mirrored
+    BetterStart,      // the iteration ended in a solution that is not the best, and began again
+    BetterElsewhere,  // another solution is better; start values of the user's own keep this one
+    OpenParameters,   // what the points leave open
+    EqualResiduals,   // redundancy 0: residuals are 0 or equal whatever the points are
+    NoRedundancy,     // sigma and significance say nothing
+    UnsettledFits,    // inner fits that ended at their limit
+    GimbalLock,       // the second rotation stands at 90 degrees
+    CollapsedScale,   // a scale has gone to 0
+    NotConverged,     // a result that did not converge is used
+    MatrixAngles,     // angles taken from the rotation matrix, where a formula does not give it back
+    NearestForm,      // runs brought to the form nearest to the result
     Count_
 };
 

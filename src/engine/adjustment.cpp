@@ -224,11 +224,30 @@ bool CarryOut(AdjustmentRun& run, Matrix& Q) {
     return true;
 }
 
-void TellOfLimit() {
-    if (Adjustment.Iterations > Settings.MaxIteration)
-        ShowMessage("Calculation stopped after " + PlainText(Settings.MaxIteration) +
-                    " Iterations, Convergence not reached yet!");
-}
+// The parameters that a run begins with.
+struct StartOfRun {
+    std::array<double, kParameterEnd> Values{};
+
+    StartOfRun() {
+        for (int k = kTraX; k < kParameterEnd; ++k) Values[At(k)] = ParameterValue(Job, k);
+    }
+    void PutBack() const {
+        for (int k = kTraX; k < kParameterEnd; ++k) ParameterValue(Job, k) = Values[At(k)];
+    }
+};
+
+// While it lives fits take the rows of the points.
+class RowsAlone {
+public:
+    explicit RowsAlone(GatheredPoints& points) : points_(points) { points.ByRows = true; }
+    ~RowsAlone() { points_.ByRows = before_; }
+    RowsAlone(const RowsAlone&) = delete;
+    RowsAlone& operator=(const RowsAlone&) = delete;
+
+private:
+    GatheredPoints& points_;
+    bool before_ = points_.ByRows;
+};
 
 }  // namespace
 
@@ -255,18 +274,62 @@ void BestFitIteration(int u, int n, const ParameterTexts& ParamText, Matrix& Q, 
     IterateFromHere(u, n, ParamText, Q, v, P, points);
 }
 
-void IterateFromHere(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Column& v, Column& P,
-                     GatheredPoints& points) {
+void TellOfLimit() {
+    if (Adjustment.Iterations > Settings.MaxIteration)
+        ShowMessage("Calculation stopped after " + PlainText(Settings.MaxIteration) +
+                    " Iterations, Convergence not reached yet!");
+}
+
+void IterateQuietly(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Column& v, Column& P,
+                    GatheredPoints& points) {
     Require(UpperBound(P) >= n);
     const FitModel model = BeginRun(u, n, ParamText, points);
     if (model.Mode == FitMode::Distance) PackWeights(P);
     SetWeights(P, points);
+    const StartOfRun start;
     PointMoments moments;
+    v.resize(At(n) + 1);
+    {
+        AdjustmentRun run(points, model, false, moments);
+        const bool byMoments = run.ByMoments;
+        if (!CarryOut(run, Q)) return;
+        Residuals(points, model, run.At, run.centred, v);
+        if (!byMoments || Adjustment.Converged || IsTrue(Run.StopRequested)) return;
+    }
+    // Thin clouds far from the origin cost the moments digits that the rows keep.
+    start.PutBack();
+    BeginRun(u, n, ParamText, points);
+    const RowsAlone rows(points);
     AdjustmentRun run(points, model, false, moments);
     if (!CarryOut(run, Q)) return;
-    v.resize(At(n) + 1);
     Residuals(points, model, run.At, run.centred, v);
-    TellOfLimit();
+}
+
+void IterateFromHere(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Column& v, Column& P,
+                     GatheredPoints& points) {
+    IterateQuietly(u, n, ParamText, Q, v, P, points);
+    if (!Adjustment.JobChanged) TellOfLimit();
+}
+
+void SettleHere(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Column& v, Column& P,
+                GatheredPoints& points) {
+    Require(UpperBound(P) >= n);
+    const FitModel model = BeginRun(u, n, ParamText, points);
+    Adjustment.Iterations = 1;
+    Adjustment.Converged = true;
+    SetWeights(P, points);
+    const Linearisation at = Linearise(model, points);
+    const auto sums = std::make_unique<NormalSums>();
+    SumNormalEquations(points, model, at, *sums);
+    Matrix N(u, u);
+    Column w(At(u) + 1), x(At(u) + 1);
+    NormalEquations(model, at, *sums, N, w);
+    Q = Matrix(u, u);
+    SolveNormalEquations(N, w, u, Adjustment.Iterations, Q, x);
+    FromCentre(model, at, Q);
+    v.assign(At(n) + 1, 0);
+    std::fill(x.begin(), x.end(), 0);
+    Residuals(points, model, at, x, v);
 }
 
 void IterateFromHere(int u, int n, const ParameterTexts& ParamText, Matrix& Q, GatheredPoints& points,

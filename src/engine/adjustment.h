@@ -50,6 +50,16 @@ void BestFitIteration(int u, int n, const std::array<std::string, 18>& ParamText
 void IterateFromHere(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q, Column& v,
                      Column& P, GatheredPoints& points);
 
+// The same without the message where the limit of iterations was reached, for a caller who goes on from there
+// and tells of it in the end.
+void IterateQuietly(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q, Column& v,
+                    Column& P, GatheredPoints& points);
+void TellOfLimit();  // the message, where the last run has reached the limit
+
+// Takes the parameters that stand in the job as the result: `v` and Q are those of a linearisation there.
+void SettleHere(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q, Column& v, Column& P,
+                GatheredPoints& points);
+
 // A fit on sums that its caller takes, so that residuals, weights and the sums of the next fit need one
 // pass over the points.
 struct FitOnMoments {

@@ -32,13 +32,26 @@ bool MoveTo(const Vec3& wanted, Vec3& angles) {
 }
 
 // The two triples of a rotation follow from each other by half turns. So the decomposition, whose circle
-// is short by 2e-10 rad, has to tell only which one it is, and no digits are lost.
-Vec3 WithAllDigits(const Vec3& wanted) {
+// is short by 2e-10 rad, has to tell only which one it is, and no digits are lost. Near gimbal lock it shares
+// the turn otherwise between Rot x and Rot z, and is off by 1e-9 rad and more: in a hall that is as much as
+// many a deviation. Its triple is then taken only where it is the rotation to the last digits.
+Vec3 WithAllDigits(const Vec3& wanted, const Mat3& R) {
     constexpr double kHalfTurn = std::numbers::pi;
+    constexpr double kLastDigits = 1e-14;
     Vec3 present(Job.RotX, Job.RotY, Job.RotZ);
     if (MoveTo(wanted, present)) return present;
     Vec3 other(Job.RotX + kHalfTurn, kHalfTurn - Job.RotY, Job.RotZ + kHalfTurn);
-    return MoveTo(wanted, other) ? other : wanted;
+    if (MoveTo(wanted, other)) return other;
+    Mat3 rebuilt;
+    RotMatrixXYZ(wanted(1), wanted(2), wanted(3), rebuilt);
+    double difference = 0;
+    bool equal = false;
+    MatrixCompare(rebuilt, R, kLastDigits, difference, equal);
+    if (difference < kLastDigits) return wanted;
+    for (Vec3* angles : {&present, &other})
+        for (int k = 1; k <= 3; ++k)
+            (*angles)(k) -= 2 * kHalfTurn * std::round((*angles)(k) / (2 * kHalfTurn));
+    return SumOfAngles(present) <= SumOfAngles(other) ? present : other;
 }
 
 // The neater triple where it can be told without the decomposition: with no angle at half a turn, where it
@@ -75,7 +88,7 @@ void NiceRotSol() {
     RotMatrixXYZ(Job.RotX, Job.RotY, Job.RotZ, R);
     Vec3 first, second;
     EulerFromMatrixXYZ(R, first, second);
-    const Vec3 nicer = WithAllDigits(SumOfAngles(first) < SumOfAngles(second) ? first : second);
+    const Vec3 nicer = WithAllDigits(SumOfAngles(first) < SumOfAngles(second) ? first : second, R);
 
     Mat3 rebuilt;
     RotMatrixXYZ(nicer(1), nicer(2), nicer(3), rebuilt);

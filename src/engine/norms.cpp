@@ -7,6 +7,7 @@
 #include "core/platform.h"
 #include "core/run.h"
 #include "engine/adjustment.h"
+#include "engine/best_fit.h"
 #include "engine/exact_norms.h"
 #include "engine/monte_carlo.h"
 
@@ -16,9 +17,12 @@ bool FitL2(NormFit& fit) {
     SetStatus(6, "...L2");
     SetStatus(7, "...L2");
     if (MonteCarloIsInTheFit() && !RunMonteCarlo(fit)) return false;
-    FitFromStart(fit);
+    TakeStartValues(fit.Choice, TakeSeedPoints());
+    IterateQuietly(fit.u, fit.n, fit.ParamText, fit.Q, fit.v, fit.P, fit.Points);
+    if (Adjustment.JobChanged || !SeekBestFit(fit)) return false;
+    TellOfLimit();
     Norm.Converged = Adjustment.Converged;
-    return !Adjustment.JobChanged;
+    return true;
 }
 
 // A loop that has come to its limit although each of its fits converged. The user's stop is no news, and a

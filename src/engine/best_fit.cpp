@@ -1,0 +1,363 @@
+// From the solution that the iteration has found to the best one there is.
+#include "engine/best_fit.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <string>
+
+#include "core/job.h"
+#include "core/notes.h"
+#include "core/numbers.h"
+#include "core/run.h"
+#include "core/settings.h"
+#include "engine/adjustment.h"
+#include "engine/best_transformation.h"
+#include "engine/chain_search.h"
+#include "engine/double_double.h"
+#include "engine/moments.h"
+#include "engine/small_svd.h"
+#include "engine/transform.h"
+
+namespace {
+
+std::size_t At(int i) {
+    return static_cast<std::size_t>(i);
+}
+
+constexpr double kEpsilon = 2.220446049250313e-16;
+
+// What a run leaves behind, to be put back.
+struct Outcome {
+    std::array<double, kParameterEnd> Values{};
+    AdjustmentRecord Record = Adjustment;
+    Matrix Q;
+    Column v;
+
+    explicit Outcome(const NormFit& fit) : Q(fit.Q), v(fit.v) {
+        for (int k = kTraX; k < kParameterEnd; ++k) Values[At(k)] = ParameterValue(Job, k);
+    }
+    void PutBack(NormFit& fit) const {
+        for (int k = kTraX; k < kParameterEnd; ++k) ParameterValue(Job, k) = Values[At(k)];
+        Adjustment = Record;
+        fit.Q = Q;
+        fit.v = v;
+    }
+};
+
+double SumOfSquares(const NormFit& fit) {
+    double sum = 0;
+    for (int i = 1; i <= fit.n; ++i) sum += fit.P[At(i)] * fit.v[At(i)] * fit.v[At(i)];
+    return sum;
+}
+
+bool JobIsMirrored() {
+    return Determinant3(Chain.Product) < 0;
+}
+
+// The choice as one of the presets, all of whose parameters float and whose others are neutral.
+std::optional<PlainModel> PresetOf(const FitModel& model) {
+    const auto floats = [&](int parameter) { return model.UnknownOf[At(parameter)] != 0; };
+    const auto all = [&](int first, int last) {
+        for (int k = first; k <= last; ++k)
+            if (!floats(k)) return false;
+        return true;
+    };
+    const auto neutral = [&](int first, int last, double value) {
+        for (int k = first; k <= last; ++k)
+            if (floats(k) || ParameterValue(Job, k) != value) return false;
+        return true;
+    };
+    if (!all(kTraX, kRotZ)) return {};
+    const bool frame = all(kAngleXY, kAngleZtoXY);
+    const bool rightAngled = neutral(kAngleXY, kAngleZtoXY, 0);
+    if (floats(kScaleXYZ)) return rightAngled ? std::optional(PlainModel::Similarity) : std::nullopt;
+    if (all(kScaleX, kScaleZ)) {
+        if (frame) return PlainModel::Affine;
+        return rightAngled ? std::optional(PlainModel::AxisScales) : std::nullopt;
+    }
+    if (neutral(kScaleX, kScaleXYZ, 1) && rightAngled) return PlainModel::Rigid;
+    return {};
+}
+
+// What the user has said about where the iteration begins and what it keeps.
+struct Wishes {
+    bool OwnStart = false;       // a floating parameter begins at a value of the user's own
+    bool NegativeScale = false;  // a scale begins or is held below 0
+
+    Wishes(const NormFit& fit) {
+        for (int k = kTraX; k <= kAngleZtoXY; ++k) {
+            const std::optional<double>& own = fit.Choice.Own[At(k)];
+            if (fit.Choice.Floats[At(k)] && own) OwnStart = true;
+            if (k < kScaleX || k > kScaleXYZ) continue;
+            if (own && *own < 0) NegativeScale = true;
+            if (fit.Choice.Held[At(k)] && fit.Choice.Value[At(k)] < 0) NegativeScale = true;
+        }
+    }
+};
+
+// A solution to be held against the present one.
+struct Solution {
+    Mat3 M;
+    Vec3 Shift;  // of the centred points
+    ChainValues Values;
+    double Gain = 0;
+};
+
+struct Solutions {
+    std::optional<Solution> Proper, Mirrored;
+    bool ClosedForm = false;
+    int Starts = 1;
+};
+
+Solutions FindSolutions(const NormFit& fit, const PointMoments& moments) {
+    Solutions found;
+    const FitModel& model = Adjustment.Model;
+    if (const std::optional<PlainModel> preset = PresetOf(model)) {
+        const BestTransformations best = BestOfModel(moments, *preset);
+        const auto take = [&](const std::optional<CentredTransformation>& from, std::optional<Solution>& to) {
+            if (from && std::isfinite(from->Gain))
+                to = Solution{from->M, from->Shift, ValuesOf(from->M, *preset), from->Gain};
+        };
+        take(best.Proper, found.Proper);
+        take(best.Mirrored, found.Mirrored);
+        found.ClosedForm = best.ClosedForm;
+        found.Starts = best.Starts;
+        return found;
+    }
+    ChainChoice choice;
+    choice.StartCentre = fit.Points.StartCentre;
+    choice.TargetCentre = fit.Points.TargetCentre;
+    for (int k = kTraX; k <= kAngleZtoXY; ++k) {
+        choice.Floats[At(k)] = model.UnknownOf[At(k)] != 0;
+        // What floats begins at the values of the search, not at those of a run that may have gone astray.
+        if (!choice.Floats[At(k)]) choice.Held.Value[At(k)] = ParameterValue(Job, k);
+    }
+    const ChainSearch search = SearchChain(moments, choice, StartsOf(moments, choice));
+    const auto take = [&](const std::optional<ChainResult>& from, std::optional<Solution>& to) {
+        if (!from) return;
+        Solution solution{MatrixOf(from->Values), {}, from->Values, from->Gain};
+        for (int axis = 1; axis <= 3; ++axis) {
+            DoubleDouble sum{from->Values.Value[At(kTraX + axis - 1)], 0};
+            for (int j = 1; j <= 3; ++j) sum.AddProduct(solution.M(axis, j), choice.StartCentre(j));
+            sum.Add(-choice.TargetCentre(axis));
+            solution.Shift(axis) = sum.Value();
+        }
+        to = solution;
+    };
+    take(search.Proper, found.Proper);
+    take(search.Mirrored, found.Mirrored);
+    found.Starts = search.Starts;
+    return found;
+}
+
+// A mirrored solution fits better by more than noise explains where normally distributed noise makes it e^8
+// times as likely as the proper one.
+bool MirrorIsReal(double properSum, double mirroredSum, double rounding, int redundancy) {
+    constexpr double kLogOdds = 8;
+    if (redundancy <= 0 || !(properSum > mirroredSum)) return false;
+    return properSum + rounding > (mirroredSum + rounding) * std::exp(2 * kLogOdds / redundancy);
+}
+
+// What rounding of the coordinates themselves adds to a sum of squares, mm^2.
+double RoundingOfSum(const NormFit& fit, const PointMoments& moments) {
+    double largest = 0, rows = 0;
+    for (int axis = 1; axis <= 3; ++axis) {
+        const auto& B = moments.B[At(axis)];
+        rows += B[0][0];
+        double size = 0;
+        for (int j = 1; j <= 3; ++j)
+            size += std::fabs(moments.M(axis, j)) *
+                    (std::fabs(fit.Points.StartCentre(j)) + std::sqrt(B[At(j)][At(j)]));
+        largest = std::max({largest, size, std::fabs(fit.Points.TargetCentre(axis))});
+    }
+    const double each = 8 * kEpsilon * largest;
+    return rows * each * each;
+}
+
+void TakeParameters(const NormFit& fit, const Solution& solution) {
+    const FitModel& model = Adjustment.Model;
+    for (int k = kTraX; k <= kAngleZtoXY; ++k) {
+        if (model.UnknownOf[At(k)] == 0) continue;
+        double value = solution.Values.Value[At(k)];
+        if (k <= kTraZ) {
+            const int axis = k - kTraX + 1;
+            DoubleDouble sum{solution.Shift(axis), 0};
+            sum.Add(fit.Points.TargetCentre(axis));
+            for (int j = 1; j <= 3; ++j) sum.AddProduct(-solution.M(axis, j), fit.Points.StartCentre(j));
+            value = sum.Value();
+        }
+        ParameterValue(Job, k) = value;
+        if (k == kScaleXYZ) Job.ScaleX = Job.ScaleY = Job.ScaleZ = value;
+    }
+}
+
+// One who seeks: the told run first, then what is better.
+class Seeker {
+public:
+    explicit Seeker(NormFit& fit) : fit_(fit), wishes_(fit) {}
+
+    // False when the job's points were replaced meanwhile.
+    bool Run() {
+        constexpr int kMostRounds = 4;
+        // Start values of the user's own that lead beyond all numbers are for the user to mend.
+        if (wishes_.OwnStart && !Adjustment.Finite) return true;
+        for (int round = 0; round < kMostRounds; ++round) {
+            Look();
+            const Solution* better = Better();
+            if (better == nullptr) break;
+            if (!BeginAgain(*better)) return false;
+            if (IsTrue(::Run.StopRequested)) break;
+        }
+        Look();
+        Certify();
+        return true;
+    }
+
+private:
+    // The sums at the present parameters, or where these are of no use at those that do nothing.
+    void Look() {
+        usable_ = Adjustment.Finite && Adjustment.Converged;
+        Linearisation at = Linearise(Adjustment.Model, fit_.Points);
+        if (!usable_) {
+            at.M = Mat3{};
+            for (int k = 1; k <= 3; ++k) at.M(k, k) = 1;
+            at.Shift = {};
+        }
+        SumMoments(fit_.Points, at, moments_);
+        found_ = FindSolutions(fit_, moments_);
+        mirrored_ = usable_ && JobIsMirrored();
+        rounding_ = RoundingOfSum(fit_, moments_);
+        sum_.reset();
+    }
+
+    double Sum() {
+        if (!sum_) sum_ = SumOfSquares(fit_);
+        return *sum_;
+    }
+
+    // The sum of a solution: from that of the present parameters where the moments stand there.
+    double SumOf(const Solution& solution) {
+        if (usable_) return std::max(0.0, Sum() - solution.Gain);
+        double sum = 0;
+        const GatheredPoints& points = fit_.Points;
+        for (int axis = 1; axis <= 3; ++axis)
+            for (int k = 0; k < points.Count; ++k) {
+                const auto i = At(k);
+                const double l =
+                    points.Target[At(axis - 1)][i] - solution.Shift(axis) -
+                    (solution.M(axis, 1) * points.Start[0][i] + solution.M(axis, 2) * points.Start[1][i] +
+                     solution.M(axis, 3) * points.Start[2][i]);
+                sum += (points.AllInUse ? 1 : points.Weight[At(axis - 1)][i]) * l * l;
+            }
+        return sum;
+    }
+
+    // The one of both sides of the mirror that is wanted; null where nothing was found.
+    const Solution* Wanted() {
+        const Solution* proper = found_.Proper ? &*found_.Proper : nullptr;
+        const Solution* mirrored = found_.Mirrored ? &*found_.Mirrored : nullptr;
+        if (proper == nullptr || mirrored == nullptr) return proper != nullptr ? proper : mirrored;
+        if (wishes_.NegativeScale) {
+            if (usable_) return mirrored_ ? mirrored : proper;
+            return mirrored->Gain > proper->Gain ? mirrored : proper;
+        }
+        if (!(mirrored->Gain > proper->Gain)) return proper;
+        const int redundancy = static_cast<int>(rows_()) - fit_.u;
+        return MirrorIsReal(SumOf(*proper), SumOf(*mirrored), rounding_, redundancy) ? mirrored : proper;
+    }
+
+    double rows_() const { return moments_.B[1][0][0] + moments_.B[2][0][0] + moments_.B[3][0][0]; }
+
+    // A solution that the present one has to give way to; null where it stands.
+    const Solution* Better() {
+        constexpr double kSame = 1e-10;  // of the sum
+        const Solution* wanted = Wanted();
+        if (wanted == nullptr) return nullptr;
+        if (!usable_) return wanted;
+        const bool otherSide = mirrored_ && Determinant3(wanted->M) > 0 && !wishes_.NegativeScale;
+        const double least = rounding_ + RoundingOfGain(moments_, wanted->M, wanted->Shift);
+        const bool isBetter = wanted->Gain > least && wanted->Gain > kSame * Sum() + least;
+        if (!isBetter && !otherSide) return nullptr;
+        if (wishes_.OwnStart && !otherSide) {
+            if (!begun_)
+                AddNote(NoteCode::BetterElsewhere, "another solution has a smaller sum of squares (" +
+                                                       Ratio(Sum(), SumOf(*wanted)) +
+                                                       "); the start values that were given keep this one");
+            return nullptr;
+        }
+        if (begun_ && !(wanted->Gain > least)) return nullptr;
+        return wanted;
+    }
+
+    static std::string Ratio(double more, double less) {
+        if (!(less > 0) || !(more / less < 1e6)) return "by far";
+        return "this one's is " + FormatNumber(more / less, "0.000") + " times as large";
+    }
+
+    // The solution as it stands, and the iteration from there on where that leads to the same.
+    bool BeginAgain(const Solution& better) {
+        const bool told = usable_;
+        const double before = told ? Sum() : 0;
+        TakeParameters(fit_, better);
+        SettleHere(fit_.u, fit_.n, fit_.ParamText, fit_.Q, fit_.v, fit_.P, fit_.Points);
+        const Outcome settled(fit_);
+        const double sum = SumOfSquares(fit_);
+        const bool side = JobIsMirrored();
+        if (begun_) return true;  // the iteration has been there, and did not stay
+        IterateQuietly(fit_.u, fit_.n, fit_.ParamText, fit_.Q, fit_.v, fit_.P, fit_.Points);
+        if (Adjustment.JobChanged) return false;
+        const bool same = Adjustment.Converged && SumOfSquares(fit_) <= sum * (1 + 1e-10) + rounding_ &&
+                          JobIsMirrored() == side;
+        if (!same) settled.PutBack(fit_);
+        if (!begun_)
+            AddNote(NoteCode::BetterStart,
+                    told ? "the iteration from the seed points ended in a solution that is not the best (" +
+                               RatioOfEnds(before, sum) + "); it began again from the best one"
+                         : std::string("the iteration from the seed points found no end; it began again from "
+                                       "the best solution"));
+        begun_ = true;
+        return true;
+    }
+
+    std::string RatioOfEnds(double before, double sum) const {
+        if (before <= sum * (1 + 1e-9) + rounding_) return "a mirrored one that fits as well";
+        if (!(sum > 0) || !(before / sum < 1e6)) return "its sum of squares was larger by far";
+        return "its sum of squares was " + FormatNumber(before / sum, "0.000") + " times as large";
+    }
+
+    void Certify() {
+        Certificate = CertificateRecord{};
+        Certificate.Mirrored = mirrored_;
+        const Solution* best = Wanted();
+        if (best == nullptr || !usable_) return;
+        Certificate.Kind =
+            found_.ClosedForm ? CertificateRecord::Road::ClosedForm : CertificateRecord::Road::Starts;
+        Certificate.Starts = found_.Starts;
+        const double least = rounding_ + RoundingOfGain(moments_, best->M, best->Shift);
+        if (best->Gain > least && Sum() > 0) Certificate.RelativeAbove = (best->Gain - least) / Sum();
+    }
+
+    NormFit& fit_;
+    Wishes wishes_;
+    PointMoments moments_;
+    Solutions found_;
+    bool usable_ = false, mirrored_ = false, begun_ = false;
+    double rounding_ = 0;
+    std::optional<double> sum_;
+};
+
+// A limit below the usual one was set by a user who wants to be told at it.
+bool LimitWasWanted() {
+    constexpr int kUsual = 100;
+    return !Adjustment.Converged && Settings.MaxIteration < kUsual;
+}
+
+}  // namespace
+
+bool SeekBestFit(NormFit& fit) {
+    Certificate = CertificateRecord{};
+    const bool plain = Adjustment.Model.Mode == FitMode::Coincide && fit.Points.OnlyInUse && fit.u > 0;
+    if (!plain || IsTrue(Job.IsParaboloid) || IsTrue(Run.StopRequested) || LimitWasWanted()) return true;
+    return Seeker(fit).Run();
+}
