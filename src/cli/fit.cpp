@@ -31,7 +31,6 @@
 #include "engine/inverse.h"
 #include "engine/monte_carlo.h"
 #include "engine/noise.h"
-#include "engine/open_parameters.h"
 #include "engine/pose_file.h"
 #include "engine/solution_details.h"
 #include "engine/vector.h"
@@ -176,9 +175,6 @@ int Calculate(const FitOptions& options, std::ostream& err) {
             "the iteration ran away from the points; give start values near the truth with --start");
     if (options.MonteCarloRuns > 0 && !HasMonteCarlo(options))
         return Refuse(err, kNotConverged, "the Monte Carlo runs ended early: one of them did not converge");
-    if (const int open = OpenParameters(); open > 0)
-        err << "the points in use, on one line or in one plane perhaps, leave " << open << " of the "
-            << unknowns << " parameters open: what is shown for those is arbitrary\n";
     if (Calculation.Converged) return kDone;
     // The way to an exact optimum ends without a message.
     return told ? kNotConverged : Refuse(err, kNotConverged, "the calculation did not converge");

@@ -15,6 +15,7 @@
 #include "core/settings.h"
 #include "core/units.h"
 #include "engine/adjustment.h"
+#include "engine/best_fit.h"
 #include "engine/calculation.h"
 #include "engine/clipboard_report.h"
 #include "engine/inverse.h"
@@ -138,6 +139,14 @@ ordered_json Others(const std::vector<std::string>& names, const X& x, const X& 
     return list;
 }
 
+// How the fit was held against all others; null where it was not.
+ordered_json CertificateOfTheFit() {
+    if (Certificate.Kind == CertificateRecord::Road::None) return nullptr;
+    return {{"kind", Certificate.Kind == CertificateRecord::Road::ClosedForm ? "closed form" : "starts"},
+            {"starts", Certificate.Starts},
+            {"relativeAbove", Certificate.RelativeAbove}};
+}
+
 // What ran on behind the weightings, and how near it came.
 ordered_json Optimum() {
     ordered_json optimum = {{"linearisations", Norm.Linearisations}, {"exchanges", Norm.Exchanges}};
@@ -176,6 +185,7 @@ void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std
     root["iterations"] = Adjustment.Iterations;
     root["norm"] = options.Norm;
     root["normIterations"] = Norm.Iterations;
+    root["certificate"] = CertificateOfTheFit();
     if (Norm.RunOn) root["optimum"] = Optimum();
     root["parameters"] = Parameters();
     root["transformation"] = Transformation();

@@ -2,6 +2,7 @@
 #include "cli/fit_parameters.h"
 
 #include <array>
+#include <cmath>
 #include <nlohmann/json.hpp>
 
 #include "cli/fit_selection.h"
@@ -9,30 +10,14 @@
 #include "core/numbers.h"
 #include "core/units.h"
 #include "engine/calculation.h"
+#include "engine/result_notes.h"
 
 namespace {
 
-struct Row {
-    int Parameter;
-    const char* Name;
-};
-constexpr std::array<Row, 17> kRows = {{{kTraX, "Tra x"},
-                                        {kTraY, "Tra y"},
-                                        {kTraZ, "Tra z"},
-                                        {kRotX, "Rot x"},
-                                        {kRotY, "Rot y"},
-                                        {kRotZ, "Rot z"},
-                                        {kScaleXYZ, "Scale xyz"},
-                                        {kScaleX, "Scale x"},
-                                        {kScaleY, "Scale y"},
-                                        {kScaleZ, "Scale z"},
-                                        {kAngleXY, "xy"},
-                                        {kAzimuth, "Azimuth"},
-                                        {kAngleZtoXY, "z to xy"},
-                                        {kRDist, "R Dist"},
-                                        {kRvecX, "R vec x"},
-                                        {kRvecY, "R vec y"},
-                                        {kRvecZ, "R vec z"}}};
+// In the order of the tables.
+constexpr std::array kOrder = {kTraX,       kTraY,   kTraZ,   kRotX,   kRotY,    kRotZ,
+                               kScaleXYZ,   kScaleX, kScaleY, kScaleZ, kAngleXY, kAzimuth,
+                               kAngleZtoXY, kRDist,  kRvecX,  kRvecY,  kRvecZ};
 
 }  // namespace
 
@@ -53,14 +38,17 @@ double FactorOf(ParameterKind kind) {
 
 std::vector<ShownParameter> ShownParameters() {
     std::vector<ShownParameter> shown;
-    for (const Row& row : kRows) {
-        const auto index = static_cast<std::size_t>(row.Parameter);
+    for (const int parameter : kOrder) {
+        const auto index = static_cast<std::size_t>(parameter);
         if (Job.ParamText[index] == kNotUsed) continue;
         const bool floats = Job.ParamText[index] == kFloat;
-        const ParameterKind is = KindOf(row.Parameter);
-        shown.push_back({row.Parameter, is, row.Name, ShownAs(is, ParameterValue(Job, row.Parameter)),
-                         floats ? ShownAs(is, Calculation.Sigma[index]) : "-",
-                         floats ? FormatNumber(Calculation.Significance[index], "0.0") : "held", UnitOf(is),
+        const ParameterKind is = KindOf(parameter);
+        const bool known = floats && !std::isnan(Calculation.Sigma[index]);
+        const std::string significance = known    ? FormatNumber(Calculation.Significance[index], "0.0")
+                                         : floats ? "open"
+                                                  : "held";
+        shown.push_back({parameter, is, ParameterName(parameter), ShownAs(is, ParameterValue(Job, parameter)),
+                         known ? ShownAs(is, Calculation.Sigma[index]) : "-", significance, UnitOf(is),
                          floats});
     }
     return shown;

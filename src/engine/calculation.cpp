@@ -21,6 +21,7 @@
 #include "engine/monte_carlo.h"
 #include "engine/nice_rotation.h"
 #include "engine/norms.h"
+#include "engine/result_notes.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
 #include "engine/vector.h"
@@ -220,6 +221,7 @@ void ButtonCalcErsatz() {
     FillStatistics(model);
     if (useABC || !Selection.RDistShown) Job.RDist = Hypot3(Job.Rvec_x, Job.Rvec_y, Job.Rvec_z);
     if (useABC) FillToolStatistics();
+    if (!IsTrue(Job.IsParaboloid)) NoteResult(fit);
 
     // In the distance and the tool model a residual is not the way to the target point.
     if (Calculation.Finite) TransformAllPoints(model.Mode == FitMode::Coincide ? &Calculation.v : nullptr);

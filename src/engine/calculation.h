@@ -18,8 +18,9 @@ struct CalculationRecord {
     bool Converged = false;  // the iteration ended by itself, neither by its limit nor by the user
     bool Finite = true;      // all parameters are numbers; if not, nothing was transformed with them
     double s0 = 0, sx = 0, sy = 0, sz = 0, SigmaXYZ = 0;
-    // By parameter number 1 to 17; 0 for a parameter that is held. The significance is how many sigmas the
-    // parameter lies from the value that does nothing: 0, for scales 1, for angles half turns too.
+    // By parameter number 1 to 17; 0 for a parameter that is held, no numbers (NaN) for one that the points
+    // leave open. The significance is how many sigmas the parameter lies from the value that does nothing: 0,
+    // for scales 1, for angles half turns too.
     std::array<double, 18> Sigma{}, Significance{};
 };
 inline CalculationRecord Calculation;

@@ -91,8 +91,11 @@ void ShowSigmas() {
     for (const ParameterControls& row : ParameterRows()) {
         const bool ofVector = row.Parameter == kRDist && Calculation.UnknownOf[kRvecX] != 0;
         if (row.Sigma == nullptr || (Calculation.UnknownOf[At(row.Parameter)] == 0 && !ofVector)) continue;
-        SetText(*row.Sigma, Shown(row.Parameter, Calculation.Sigma[At(row.Parameter)]));
-        SetText(*row.Signifikanz, FormatNumber(Calculation.Significance[At(row.Parameter)], "0.0"));
+        const double sigma = Calculation.Sigma[At(row.Parameter)];
+        const bool known = !std::isnan(sigma);  // and not left open by the points
+        SetText(*row.Sigma, known ? Shown(row.Parameter, sigma) : "");
+        SetText(*row.Signifikanz,
+                known ? FormatNumber(Calculation.Significance[At(row.Parameter)], "0.0") : "");
     }
 }
 

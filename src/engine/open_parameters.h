@@ -1,9 +1,30 @@
-// Whether the points of a calculation tell its parameters apart.
+// Whether the points of a fit, and its poses, tell its parameters apart.
 #pragma once
 
-// How many of the floating parameters of the last calculation the points in use leave open: turned by any
-// amount about a line that all points stand on, say, they fit as well. What the result holds for such
-// parameters is arbitrary, and their sigmas are no measure. By the rank of the design matrix about the
-// points' centres, at the result.
-// 0 for the distance and the tool model, which are not looked at, and where no calculation stands.
-int OpenParameters();
+#include <array>
+
+#include "core/arrays.h"
+#include "engine/design.h"
+#include "engine/gathered_points.h"
+
+// What can be changed together without a change of any observation, to first order at the result.
+struct OpenParameters {
+    int Count = 0;  // independent ways to do so: unknowns less the rank of the design matrix
+    std::array<bool, kParameterEnd> Open{};  // by parameter number: it takes part in such a change
+    // One of the ways is turning Rot x against Rot z while Rot y is at a right angle, which is a matter of
+    // the angles and not of the points. It counts in Count, and its two angles are open.
+    bool GimbalLock = false;
+    // The azimuth alone, while z to xy is 0: it counts likewise.
+    bool AzimuthWithoutEffect = false;
+
+    // Left open by the points or poses themselves.
+    int ByPoints() const { return Count - (GimbalLock ? 1 : 0) - (AzimuthWithoutEffect ? 1 : 0); }
+};
+
+// By the singular values of the design matrix of the coordinates in use, of all three models, whatever the
+// norm's weights are. A value counts as 0 where the rounding of the coordinates makes as much.
+//   points  gathered pairs of the job, with poses where the model is that of the tool; their weights do not
+//           count, the job's use flags do
+//   at      linearisation at the result
+OpenParameters FindOpenParameters(const GatheredPoints& points, const FitModel& model,
+                                  const Linearisation& at);

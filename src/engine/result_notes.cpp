@@ -1,0 +1,179 @@
+// What there is to say of a result that its numbers alone do not tell.
+#include "engine/result_notes.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <string>
+
+#include "core/job.h"
+#include "core/notes.h"
+#include "engine/adjustment.h"
+#include "engine/calculation.h"
+#include "engine/open_parameters.h"
+#include "engine/parameter_kind.h"
+#include "engine/small_svd.h"
+
+namespace {
+
+std::size_t At(int i) {
+    return static_cast<std::size_t>(i);
+}
+
+// "Rot x, Tra y and Tra z"
+std::string Named(const std::array<bool, kParameterEnd>& open) {
+    std::vector<const char*> names;
+    for (int k = kTraX; k < kParameterEnd; ++k)
+        if (open[At(k)]) names.push_back(ParameterName(k));
+    std::string text;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (i > 0) text += i + 1 == names.size() ? " and " : ", ";
+        text += names[i];
+    }
+    return text;
+}
+
+void TakeSigma(int parameter) {
+    constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+    Calculation.Sigma[At(parameter)] = Calculation.Significance[At(parameter)] = kNone;
+    // The length of the tool vector is no better known than its parts.
+    if (parameter >= kRvecX && parameter <= kRvecZ)
+        Calculation.Sigma[kRDist] = Calculation.Significance[kRDist] = kNone;
+}
+
+void NoteOpen(const OpenParameters& open, int unknowns) {
+    for (int k = kTraX; k < kParameterEnd; ++k)
+        if (open.Open[At(k)]) TakeSigma(k);
+    std::array<bool, kParameterEnd> byPoints = open.Open;
+    if (open.GimbalLock) {
+        AddNote(
+            NoteCode::GimbalLock,
+            "Rot y is at a right angle, where Rot x and Rot z turn about the same axis (gimbal lock): only "
+            "both together are determined, and neither has a sigma; hold one of them");
+        if (open.ByPoints() == 0) return;
+    }
+    if (open.AzimuthWithoutEffect) {
+        AddNote(NoteCode::OpenParameters,
+                "z to xy is 0, where the Azimuth has no effect: what is shown for it is arbitrary");
+        byPoints[kAzimuth] = false;
+    }
+    if (open.ByPoints() == 0) return;
+    AddNote(NoteCode::OpenParameters, "the points in use, on one line or in one plane perhaps, leave " +
+                                          std::to_string(open.ByPoints()) + " of the " +
+                                          std::to_string(unknowns) + " parameters open: what is shown for " +
+                                          Named(byPoints) + " is arbitrary, and they have no sigma");
+}
+
+// Near the lock the two angles are determined, but by little.
+void NoteNearLock(const FitModel& model) {
+    constexpr double kNear = 1e-4;
+    const double cosine = std::fabs(std::cos(Job.RotY));
+    if (cosine > kNear || model.UnknownOf[kRotX] == 0 || model.UnknownOf[kRotZ] == 0) return;
+    AddNote(
+        NoteCode::GimbalLock,
+        "Rot y is all but at a right angle (gimbal lock): Rot x and Rot z are hardly told apart, and their "
+        "sigmas are large; what both do together is as well determined as ever");
+}
+
+// How far the points in use reach along each axis of the start system, and the target's along any.
+struct Reach {
+    std::array<double, 4> Start{};
+    double Target = 0, LargestTarget = 0;
+
+    Reach() {
+        std::array<double, 4> least{}, most{}, leastTarget{}, mostTarget{};
+        bool first = true;
+        for (int i = 1; i <= Job.nIdent; ++i) {
+            const Vec3 p = StartPoint(i), q = TargetPoint(i);
+            if (!CoordinateInUse(At(3 * i - 2)) && !CoordinateInUse(At(3 * i - 1)) &&
+                !CoordinateInUse(At(3 * i)))
+                continue;
+            for (int k = 1; k <= 3; ++k) {
+                least[At(k)] = first ? p(k) : std::min(least[At(k)], p(k));
+                most[At(k)] = first ? p(k) : std::max(most[At(k)], p(k));
+                leastTarget[At(k)] = first ? q(k) : std::min(leastTarget[At(k)], q(k));
+                mostTarget[At(k)] = first ? q(k) : std::max(mostTarget[At(k)], q(k));
+                LargestTarget = std::max(LargestTarget, std::fabs(q(k)));
+            }
+            first = false;
+        }
+        for (int k = 1; k <= 3; ++k) {
+            Start[At(k)] = most[At(k)] - least[At(k)];
+            Target = std::max(Target, mostTarget[At(k)] - leastTarget[At(k)]);
+        }
+    }
+};
+
+// A scale of next to nothing carries all points to one place, or into one plane, and fits whatever is there.
+void NoteCollapse(const FitModel& model) {
+    constexpr double kNothing = 1e-9, kRounding = 64 * 2.220446049250313e-16;
+    const bool one = model.UnknownOf[kScaleXYZ] != 0;
+    bool any = one;
+    for (int k = kScaleX; k <= kScaleZ; ++k) any = any || model.UnknownOf[At(k)] != 0;
+    if (!any) return;
+    const Reach reach;
+    const double start = std::max({reach.Start[1], reach.Start[2], reach.Start[3]});
+    if (!(start > 0)) return;
+    if (reach.Target <= kRounding * reach.LargestTarget) {
+        AddNote(NoteCode::CollapsedScale,
+                "the target points in use are all at one place: a scale of 0 fits them whatever the start "
+                "points are, so this is no fit, and the rotation is arbitrary");
+        for (int k = kRotX; k <= kRotZ; ++k)
+            if (model.UnknownOf[At(k)] != 0) TakeSigma(k);
+        return;
+    }
+    for (int k = 1; k <= 3; ++k) {
+        const int parameter = kScaleX + k - 1;
+        if (!one && model.UnknownOf[At(parameter)] == 0) continue;
+        const double image = std::fabs(ParameterValue(Job, parameter)) * reach.Start[At(k)];
+        if (reach.Start[At(k)] <= kNothing * start || image > kNothing * reach.Target) continue;
+        AddNote(NoteCode::CollapsedScale,
+                std::string(ParameterName(one ? kScaleXYZ : parameter)) +
+                    " has gone to 0: it carries the points onto each other, and fits whatever they are");
+        if (one) return;
+    }
+}
+
+void NoteRedundancy(const NormFit& fit, const FitModel& model) {
+    int observations = 0;
+    for (int i = 1; i <= Job.nIdent; ++i) {
+        if (model.Mode == FitMode::Distance) {
+            observations += CoordinateInUse(At(3 * i)) ? 1 : 0;
+            continue;
+        }
+        for (int axis = 1; axis <= 3; ++axis) observations += CoordinateInUse(At(3 * (i - 1) + axis)) ? 1 : 0;
+    }
+    if (observations != fit.u) return;
+    AddNote(NoteCode::NoRedundancy, "no redundancy: sigma says nothing (" + std::to_string(observations) +
+                                        " observations for " + std::to_string(fit.u) + " parameters)");
+    AddNote(
+        NoteCode::EqualResiduals,
+        "as many observations as parameters: the deviations are 0, or equal, whatever was measured, and no "
+        "error can show in them");
+}
+
+}  // namespace
+
+const char* ParameterName(int parameter) {
+    constexpr std::array<const char*, kParameterEnd> kNames = {
+        "",        "Tra x",     "Tra y", "Tra z",   "Rot x",   "Rot y",  "Rot z",   "Scale x", "Scale y",
+        "Scale z", "Scale xyz", "xy",    "Azimuth", "z to xy", "R Dist", "R vec x", "R vec y", "R vec z"};
+    return kNames[At(parameter)];
+}
+
+void NoteResult(const NormFit& fit) {
+    if (!Calculation.Finite) return;
+    const FitModel& model = Adjustment.Model;
+    if (model.Unknowns != fit.u) return;
+    const Linearisation at = Linearise(model, fit.Points);
+    const OpenParameters open = FindOpenParameters(fit.Points, model, at);
+    NoteOpen(open, fit.u);
+    if (!open.GimbalLock) NoteNearLock(model);
+    NoteCollapse(model);
+    if (Determinant3(at.M) < 0)
+        AddNote(NoteCode::Mirrored,
+                "the result is mirrored: it carries the points onto their mirror image, as no movement can; "
+                "look for names that are exchanged or an axis that points the other way");
+    NoteRedundancy(fit, model);
+}
