@@ -13,6 +13,7 @@
 #include "core/controller.h"
 #include "core/form_help_info.h"
 #include "core/form_main.h"
+#include "core/form_notes.h"
 #include "core/form_progress_bar.h"
 #include "core/form_units.h"
 #include "core/fresh_start.h"
@@ -74,6 +75,7 @@ const WindowEntry* const kWindows[] = {
     &FormBlackPlane_Entry,
     &FormGrafik_Entry,
     &FormEditFahne_Entry,
+    &FormNotes_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.

@@ -65,6 +65,14 @@ inline void AddDecimal(CLI::App& command, std::string& decimal, const char* grou
         ->group(group);
 }
 
+inline void AddStrict(CLI::App& command, bool& strict, const char* group) {
+    command
+        .add_flag("--strict", strict,
+                  "End with status 3, before anything is written, where a warning\n"
+                  "came up")
+        ->group(group);
+}
+
 inline std::optional<char> DecimalOf(const std::string& text) {
     return text.empty() ? std::nullopt : std::optional<char>(text.front());
 }

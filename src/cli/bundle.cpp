@@ -13,6 +13,7 @@
 #include "cli/fit_style.h"
 #include "cli/headless.h"
 #include "cli/messages.h"
+#include "cli/record_json.h"
 #include "cli/text_columns.h"
 #include "core/controller.h"
 #include "core/job.h"
@@ -155,7 +156,8 @@ void WriteJson(const BundleOptions& options, const BundleResult& result, std::os
                               {"stations", std::move(stations)},
                               {"objectPoints", std::move(objects)},
                               {"distances", std::move(distances)},
-                              {"files", result.Files}};
+                              {"files", result.Files},
+                              {"notes", NotesToJson(Notes.List)}};
     out << all.dump(2, ' ', false, ordered_json::error_handler_t::replace) << "\n";
 }
 
@@ -214,6 +216,7 @@ int RunBundle(const BundleOptions& options, std::ostream& out, std::ostream& err
     const bool hasResult = result.End == BundleEnd::Converged || result.End == BundleEnd::NoEnd;
     if (!hasResult) return Refuse(err, kRefused, endText);
 
+    if (EndsForWarnings(options.Strict, err)) return kUnreadable;
     const bool written =
         options.Folder.empty() || Dispatch([&] {
             result.Files = {WriteNetwork(options.Folder, kBundleTargetFile, approximate),

@@ -12,6 +12,7 @@ struct BundleOptions {
     std::string LengthUnit = "millimeter";
     int LengthDigits = 3;
     bool Json = false;
+    bool Strict = false;  // no warning may pass
     std::optional<char> Decimal;
 };
 

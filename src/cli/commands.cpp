@@ -13,11 +13,13 @@
 #include "cli/fit_arguments.h"
 #include "cli/headless.h"
 #include "cli/job_files.h"
+#include "cli/messages.h"
 #include "cli/named_files.h"
 #include "cli/render.h"
 #include "cli/transform.h"
 #include "cli/trumpet_svg.h"
 #include "core/controller.h"
+#include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/text.h"
@@ -42,6 +44,7 @@ void AddJobQuestions(CLI::App& command, JobSwitches& s) {
     auto* yes = command.add_flag("--yes,-y", s.Yes,
                                  "A file without the head of a job file is one of an early version");
     command.add_flag("--no,-n", s.No, "It is none")->excludes(yes);
+    AddStrict(command, s.Options.Strict, "Options");
     AddDecimal(command, s.Decimal, "Options");
 }
 
@@ -154,6 +157,7 @@ CLI::App* AddRender(CLI::App& app, RenderSwitches& s) {
     auto* yes = render->add_flag("--yes,-y", s.Yes,
                                  "A file without the head of a job file is one of an early version");
     render->add_flag("--no,-n", s.No, "It is none")->excludes(yes);
+    AddStrict(*render, s.Options.Strict, "Options");
     AddDecimal(*render, s.Decimal, "Options");
     return render;
 }
@@ -197,6 +201,7 @@ CLI::App* AddDistances(CLI::App& app, DistancesSwitches& s) {
     auto* yes = distances->add_flag("--yes,-y", s.Yes,
                                     "A file without the head of a job file is one of an early version");
     distances->add_flag("--no,-n", s.No, "It is none")->excludes(yes);
+    AddStrict(*distances, options.Strict, "Options");
     AddDecimal(*distances, s.Decimal, "Options");
     return distances;
 }
@@ -237,6 +242,7 @@ CLI::App* AddBundle(CLI::App& app, BundleSwitches& s) {
         ->check(Between(0, 6))
         ->type_name("N");
     bundle->add_flag("--json", o.Json, "Everything as JSON, with full precision, in mm");
+    AddStrict(*bundle, o.Strict, "Options");
     AddDecimal(*bundle, s.Decimal, "Options");
     return bundle;
 }
@@ -307,6 +313,21 @@ int Serve(AutomateSwitches& s, std::istream& in, std::ostream& out) {
     return out ? kDone : kRefused;  // nobody has read the replies
 }
 
+// The notes of one command: it begins with none, and those that it has not told by its end are told then.
+class ToldNotes {
+public:
+    explicit ToldNotes(std::ostream& err) : err_(err) {
+        ForgetNotes();
+        Headless.NotesTold = 0;
+    }
+    ~ToldNotes() { WriteNotes(err_); }
+    ToldNotes(const ToldNotes&) = delete;
+    ToldNotes& operator=(const ToldNotes&) = delete;
+
+private:
+    std::ostream& err_;
+};
+
 }  // namespace
 
 int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ostream& out, std::ostream& err,
@@ -321,7 +342,7 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     JobSwitches jobSwitches;
     const CLI::App* fit = AddFit(app, fitSwitches);
     const CLI::App* info = AddInfo(app, jobSwitches);
-    const CLI::App* convert = AddConvert(app, jobSwitches);
+    AddConvert(app, jobSwitches);
     RenderSwitches renderSwitches;
     const CLI::App* render = AddRender(app, renderSwitches);
     DistancesSwitches distancesSwitches;
@@ -332,12 +353,14 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     const CLI::App* transform = AddTransform(app, transformSwitches);
     ExportSwitches exportSwitches;
     const CLI::App* exported = AddExport(app, exportSwitches);
-    AddAutomate(app, automateSwitches);
+    const CLI::App* automate = AddAutomate(app, automateSwitches);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         return app.exit(error, out, err) == 0 ? kDone : kWrongUsage;
     }
+    if (automate->parsed()) return Serve(automateSwitches, in, out);
+    const ToldNotes notes(err);
     if (fit->parsed()) {
         for (const CLI::Option* option : fit->get_options())
             if (option->count() > 0) fitSwitches.Options.Given.push_back(option->get_name());
@@ -363,6 +386,5 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     }
     TakeJobSwitches(jobSwitches);
     if (info->parsed()) return RunInfo(jobSwitches.Options, out, err, terminal && ColourWanted());
-    if (convert->parsed()) return RunConvert(jobSwitches.Options, err);
-    return Serve(automateSwitches, in, out);
+    return RunConvert(jobSwitches.Options, err);
 }

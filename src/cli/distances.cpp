@@ -15,6 +15,7 @@
 #include "cli/headless.h"
 #include "cli/job_files.h"
 #include "cli/messages.h"
+#include "cli/record_json.h"
 #include "cli/short_float.h"
 #include "cli/text_columns.h"
 #include "cli/trumpet_svg.h"
@@ -146,7 +147,8 @@ void WriteJson(const DistancesOptions& options, const Measured& m, std::ostream&
                                {"pairs", m.Points.Pairs()},
                                {"maxDelta", extreme(Largest(m))},
                                {"minDelta", extreme(Smallest(m))},
-                               {"points", std::move(points)}};
+                               {"points", std::move(points)},
+                               {"notes", NotesToJson(Notes.List)}};
     out << root.dump(2) << "\n";
 }
 
@@ -197,6 +199,7 @@ int RunDistances(const DistancesOptions& options, std::ostream& out, std::ostrea
         ShareLine line(err, "distances", progress);
         MeasurePoints(m.Points, m.Rows, [&line](double share) { return line.Show(share), true; });
     }
+    if (EndsForWarnings(options.Strict, err)) return kUnreadable;
     const bool written = Dispatch([&] {
         if (!options.Trumpet.empty())
             WriteFile(options.Trumpet, TrumpetSvg(m.Points, TrumpetTitle(m.Points, options.WithResult)));

@@ -12,6 +12,7 @@ struct DistancesOptions {
     std::string Trumpet;            // path of the plot to write; "" = none
     std::string Pairs;              // path of the file of all pairs; "" = none
     std::optional<bool> Questions;  // --yes or --no
+    bool Strict = false;            // no warning may pass
     std::optional<char> Decimal;
 };
 

@@ -50,6 +50,7 @@ CLI::App* AddExport(CLI::App& app, ExportSwitches& s) {
     auto* yes = command->add_flag("--yes,-y", s.Yes,
                                   "A file without the head of a job file is one of an early version");
     command->add_flag("--no,-n", s.No, "It is none")->excludes(yes);
+    AddStrict(*command, o.Strict, "Options");
     AddDecimal(*command, s.Decimal, "Options");
     return command;
 }
@@ -74,12 +75,17 @@ int RunExport(const ExportOptions& options, std::ostream& err) {
     if (!calculated && !options.Points.empty())
         return Refuse(err, kRefused, "You must make a calculation to export transformed points");
     if (!ResultIsFinite()) return Refuse(err, kRefused, kResultNotFinite);
-    const bool written = Dispatch([&options] {
-        if (!options.RobCad.empty())
-            return WriteFile(options.RobCad, RobCadText(options.Place, options.Tool, options.Robot));
-        if (!options.Rocal.empty()) return WriteFile(options.Rocal, RocalText());
-        WriteFile(options.Points, OnlyMcsText());
+    const std::string path = options.RobCad + options.Rocal + options.Points;  // one of them
+    std::string text;
+    const bool made = Dispatch([&options, &text] {
+        text = !options.RobCad.empty()  ? RobCadText(options.Place, options.Tool, options.Robot)
+               : !options.Rocal.empty() ? RocalText()
+                                        : OnlyMcsText();
     });
+    Headless.Dialogs.clear();
+    if (!made) return Refuse(err, kRefused, Run.LastPlatformError);
+    if (EndsForWarnings(options.Strict, err)) return kUnreadable;
+    const bool written = Dispatch([&path, &text] { WriteFile(path, text); });
     Headless.Dialogs.clear();
     return written ? kDone : Refuse(err, kRefused, Run.LastPlatformError);
 }

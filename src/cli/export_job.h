@@ -12,6 +12,7 @@ struct ExportOptions {
     std::string Place, Tool, Robot;     // names within the first
     std::optional<char> Decimal;
     std::optional<bool> Questions;  // --yes or --no
+    bool Strict = false;            // no warning may pass
 };
 
 struct ExportSwitches {

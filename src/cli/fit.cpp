@@ -252,6 +252,7 @@ int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour
         InverseTransformation();
     }
     WriteMessages(err);
+    if (EndsForWarnings(options.Strict, err)) return kUnreadable;
     if (!options.Save.empty() && !SaveJob(options, job)) return Refuse(err, kRefused, Run.LastPlatformError);
     // Start is what was transformed, whichever of the files that was.
     FitOptions shown = options;

@@ -63,6 +63,7 @@ void AddPointOptions(CLI::App& fit, FitSwitches& s) {
                              "other decimal delimiter is then changed")
                     ->group(group);
     fit.add_flag("--no,-n", s.No, "Answer the questions of the import with No")->group(group)->excludes(yes);
+    AddStrict(fit, o.Strict, group);
 }
 
 void AddModelOptions(CLI::App& fit, FitOptions& o) {
@@ -302,8 +303,8 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
         "  corvinade-cli fit measured.txt nominal.txt --monte-carlo 10000 --sigma 0.05\n"
         "  corvinade-cli fit measured.txt program.dat --as kuka --tool\n"
         "  corvinade-cli fit measured.txt shape.txt --as paraboloid\n\n"
-        "Exit status: 0 done, 1 refused, 2 wrong usage, 3 an input cannot be read,\n"
-        "4 calculated but not converged.");
+        "Exit status: 0 done, 1 refused, 2 wrong usage, 3 an input cannot be read, or\n"
+        "with --strict a warning came up, 4 calculated but not converged.");
     return fit;
 }
 

@@ -9,6 +9,7 @@
 #include "cli/fit_output.h"
 #include "cli/fit_parameters.h"
 #include "cli/fit_selection.h"
+#include "cli/record_json.h"
 #include "core/controller.h"
 #include "core/job.h"
 #include "core/run.h"
@@ -203,6 +204,7 @@ void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std
     root["points"] = Points(points);
     root["startOnly"] = Others(Job.TMCS_Name, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z);
     root["targetOnly"] = Others(Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
+    root["notes"] = NotesToJson(Notes.List);
     if (options.Protocol) root["protocol"] = CompleteProtocol();
     out << root.dump(2, ' ', false, ordered_json::error_handler_t::replace) << "\n";
 }

@@ -38,6 +38,7 @@ struct FitOptions {
     std::optional<char> Decimal;
     std::string Delimiter;
     std::optional<bool> Questions;  // --yes or --no
+    bool Strict = false;            // no warning may pass
     bool Inverse = false;           // table and JSON tell the inverse transformation as well
     bool Details = false;           // and the result in all forms of rotation
     bool Protocol = false;          // the complete protocol instead of the table, in JSON beside the rest

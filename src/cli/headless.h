@@ -2,6 +2,7 @@
 // answers dialogs from queues, and reports a question that nobody expected.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -32,7 +33,8 @@ struct HandedOver {
 struct HeadlessRecord {
     std::vector<DialogShown> Dialogs;
     std::vector<HandedOver> Shell;
-    bool Unanswered = false;  // a question came that nothing was queued for
+    std::size_t NotesTold = 0;  // of the list, by the command line on standard error
+    bool Unanswered = false;    // a question came that nothing was queued for
     std::map<std::string, std::deque<std::optional<std::string>>> Answers;  // by kind, first in first out
 
     // Asked when nothing is queued; gives the answer, or nothing to leave the question unanswered.

@@ -74,6 +74,7 @@ int RunInfo(const JobFileOptions& options, std::ostream& out, std::ostream& err,
     JobFileFacts facts;
     const int status = OpenJob(options.Path, options.Questions, facts, err);
     if (status != kDone) return status;
+    if (EndsForWarnings(options.Strict, err)) return kUnreadable;
     if (options.Json) {
         WriteJobJson(facts, false, out);
     } else {
@@ -94,6 +95,7 @@ int RunConvert(const JobFileOptions& options, std::ostream& err) {
     JobFileFacts facts;
     const int status = OpenJob(options.Path, options.Questions, facts, err);
     if (status != kDone) return status;
+    if (EndsForWarnings(options.Strict, err)) return kUnreadable;
     const bool written = Dispatch([&] {
         if (KindOfOut(options.Out) == ConvertTo::Job) return WriteJobFile(options.Out, facts);
         std::ostringstream text;

@@ -13,6 +13,7 @@ struct JobFileOptions {
     std::string Out;  // of convert
     bool Json = false;
     std::optional<bool> Questions;  // --yes or --no
+    bool Strict = false;            // no warning may pass
     std::optional<char> Decimal;
 };
 

@@ -137,7 +137,8 @@ ordered_json Summary(const JobFileFacts& file) {
             {"targetKind", TargetKind()},
             {"parametersChosen", !Job.ParamText[kTraX].empty()},
             {"parameters", std::move(parameters)},
-            {"savedViews", file.Views}};
+            {"savedViews", file.Views},
+            {"notes", NotesToJson(Notes.List)}};
 }
 
 }  // namespace

@@ -1,10 +1,18 @@
 // What the commands say on standard error.
 #include "cli/messages.h"
 
+#include <algorithm>
 #include <ostream>
 
 #include "cli/headless.h"
+#include "core/notes.h"
 #include "core/text.h"
+
+namespace {
+
+constexpr int kLongestNote = 2000;  // characters
+
+}  // namespace
 
 std::string OneParagraph(const std::string& text) {
     std::string result;
@@ -28,7 +36,27 @@ void WriteMessages(std::ostream& err) {
     Headless.Dialogs.clear();
 }
 
+void WriteNotes(std::ostream& err) {
+    if (Headless.NotesTold > Notes.List.size()) Headless.NotesTold = 0;  // another list meanwhile
+    for (; Headless.NotesTold < Notes.List.size(); ++Headless.NotesTold) {
+        const Note& note = Notes.List[Headless.NotesTold];
+        err << SeverityName(note.Weight) << ": " << Printable(NoteLine(note), kLongestNote) << "\n";
+    }
+}
+
+bool EndsForWarnings(bool strict, std::ostream& err) {
+    WriteNotes(err);
+    if (!strict || !HasWarnings()) return false;
+    const auto warnings = std::count_if(Notes.List.begin(), Notes.List.end(),
+                                        [](const Note& note) { return note.Weight == Severity::Warning; });
+    Refuse(err, kUnreadable,
+           std::to_string(warnings) + (warnings == 1 ? " warning" : " warnings") +
+               ", and --strict lets none pass: nothing was written");
+    return true;
+}
+
 int Refuse(std::ostream& err, ExitStatus status, const std::string& text) {
+    WriteNotes(err);
     err << "corvinade-cli: " << text << "\n";
     return status;
 }

@@ -12,5 +12,12 @@ std::string OneParagraph(const std::string& text);
 // The messages that came up, and the questions that an option has answered, which are then forgotten.
 void WriteMessages(std::ostream& err);
 
-// Says why a command ends; gives `status`.
+// The notes that have not been told yet, a line each: "warning: ..." or "note: ...".
+void WriteNotes(std::ostream& err);
+
+// The same, before a command writes anything. True, with `strict` alone, where a warning is among them: the
+// command then ends with kUnreadable.
+bool EndsForWarnings(bool strict, std::ostream& err);
+
+// Says why a command ends, behind the notes; gives `status`.
 int Refuse(std::ostream& err, ExitStatus status, const std::string& text);

@@ -86,6 +86,7 @@ int RunRender(const RenderOptions& options, std::ostream& err) {
         wish.Limits_mm = {options.Limits->first / Units.LengthFactor,
                           options.Limits->second / Units.LengthFactor};
     PictureFacts shown;
+    if (EndsForWarnings(options.Strict, err)) return kUnreadable;
     const bool written = Dispatch([&] {
         WriteFile(options.Out, JobPicture(wish, IsSvg(options.Out) ? PictureForm::Svg : PictureForm::Png,
                                           facts.Views, shown));

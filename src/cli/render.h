@@ -12,6 +12,7 @@ struct RenderOptions {
     PictureWish Wish;
     std::optional<std::pair<double, double>> Limits;  // of the colour scale, in the job's unit of length
     std::optional<bool> Questions;                    // --yes or --no
+    bool Strict = false;                              // no warning may pass
     std::optional<char> Decimal;
 };
 

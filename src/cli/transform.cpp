@@ -5,6 +5,7 @@
 #include <chrono>
 #include <ostream>
 #include <set>
+#include <utility>
 
 #include "analysis/batch_file.h"
 #include "cli/arguments.h"
@@ -14,6 +15,7 @@
 #include "core/files.h"
 #include "core/folders.h"
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/settings.h"
@@ -109,11 +111,61 @@ public:
         }
     }
 
+    // Reads a file as Transform does and writes nothing: what there is to note of it.
+    void LookInto(const std::string& path) {
+        try {
+            const BatchInput input = ReadBatchFile(path);
+            LineCounts counts;
+            TransformLines(input.Text, input.Form, {[](std::string_view) {}, [](double) { return true; }},
+                           counts);
+            if (counts.WithoutNumbers > 0) notes_.WithoutNumbers.push_back({path, counts});
+        } catch (const PlatformError& error) {
+            notes_.FilesLeft.push_back({path, error.What});
+        }
+    }
+
 private:
     const TransformOptions& options_;
     BatchNotes& notes_;
     std::set<std::string> written_;
 };
+
+// Tells what was found in the files, and notes the lines that hold no point: what is no number in them counts
+// as 0, so that they become points that nobody has measured.
+void TellFiles(BatchNotes notes, std::ostream& err) {
+    WriteMessages(err);
+    WriteNotes(err);
+    BatchNotes left;
+    left.FilesLeft = std::move(notes.FilesLeft);
+    notes.FilesLeft.clear();
+    for (const std::string& line : NotesAsLines(left, 0)) err << line << "\n";
+    for (const std::string& line : NotesAsLines(notes, 0)) err << "warning: " << line << "\n";
+    for (const auto& [path, counts] : notes.WithoutNumbers)
+        AddNote(NoteCode::NumberAsZero,
+                std::to_string(counts.WithoutNumbers) + " of " + std::to_string(counts.Lines) +
+                    " lines held no three numbers; what is none counts as 0",
+                path, static_cast<int>(counts.FirstWithout), static_cast<int>(counts.WithoutNumbers));
+    Headless.NotesTold = Notes.List.size();
+}
+
+// For --strict: is there a warning in any of the files? What has been noted of them is noted again when they
+// are transformed.
+bool AnyWarning(const TransformOptions& options, const std::vector<std::string>& files, std::ostream& err) {
+    const std::vector<Note> before = Notes.List;
+    BatchNotes notes;
+    Batch batch(options, notes);
+    for (const std::string& path : files) {
+        Run.Delimiter = options.Delimiter;
+        batch.LookInto(path);
+    }
+    if (HasWarnings() || !notes.WithoutNumbers.empty()) {
+        TellFiles(std::move(notes), err);
+        return EndsForWarnings(true, err);
+    }
+    Notes.List = before;
+    Headless.Dialogs.clear();
+    return false;
+}
 
 }  // namespace
 
@@ -145,6 +197,7 @@ CLI::App* AddTransform(CLI::App& app, TransformSwitches& s) {
                                     "Answer questions with Yes; a file with the other decimal\n"
                                     "delimiter is then changed");
     transform->add_flag("--no,-n", s.No, "Answer questions with No; such a file is then left")->excludes(yes);
+    AddStrict(*transform, o.Strict, "Options");
     AddDecimal(*transform, s.Decimal, "Options");
     return transform;
 }
@@ -163,11 +216,12 @@ int RunTransform(const TransformOptions& options, std::ostream& err, bool progre
     // A job that was never calculated has no choice of parameters yet.
     if (Job.ParamText[1].empty()) return Refuse(err, kRefused, "No Transformation calculated");
     if (!ResultIsFinite()) return Refuse(err, kRefused, kResultNotFinite);
-    if (!Dispatch([&options] { CreateFolder(options.To); }))
-        return Refuse(err, kRefused, Run.LastPlatformError);
     AnswerQuestions(options);
     BatchNotes notes;
     const std::vector<std::string> files = AllFiles(options.In, notes);
+    if (options.Strict && AnyWarning(options, files, err)) return kUnreadable;
+    if (!Dispatch([&options] { CreateFolder(options.To); }))
+        return Refuse(err, kRefused, Run.LastPlatformError);
     bool unreadable = !notes.FilesLeft.empty(), unwritten = false;
     {
         ProgressLine line(err, progress);
@@ -182,9 +236,9 @@ int RunTransform(const TransformOptions& options, std::ostream& err, bool progre
             unwritten = unwritten || ended == Ended::Unwritten;
         }
     }
-    WriteMessages(err);
-    for (const std::string& note : NotesAsLines(notes, 0)) err << note << "\n";
-    err << notes.Done << " of " << files.size() << " files transformed\n";
+    const std::int64_t done = notes.Done;
+    TellFiles(std::move(notes), err);
+    err << done << " of " << files.size() << " files transformed\n";
     if (unreadable) return kUnreadable;
     return unwritten ? kRefused : kDone;
 }

@@ -15,6 +15,7 @@ struct TransformOptions {
     std::string Delimiter = " ";  // of a file that shows none
     std::optional<char> Decimal;
     std::optional<bool> Questions;  // --yes or --no
+    bool Strict = false;            // no warning may pass
 };
 
 struct TransformSwitches {

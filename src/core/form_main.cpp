@@ -49,6 +49,7 @@ const ControlEntry kControls[] = {
      &Main.MenüViewInputStatistic,
      {.Click = FormMain::MenüViewInputStatistic_Click},
      "MenuView"},
+    {"MenuViewNotes", &Main.MenuViewNotes, {.Click = FormMain::MenuViewNotes_Click}, "MenuView"},
     {"MenüViewS", &Main.MenüViewS, {}, "MenuView"},
     {"MenüViewLastView", &Main.MenüViewLastView, {.Click = FormMain::MenüViewLastView_Click}, "MenüViewS"},
     {"MenüViewNextView", &Main.MenüViewNextView, {.Click = FormMain::MenüViewNextView_Click}, "MenüViewS"},
@@ -331,6 +332,7 @@ const ControlEntry kControls[] = {
     {"StatusBar.7", &Main.StatusBar_7},
     {"StatusBar.8", &Main.StatusBar_8},
     {"StatusBar.9", &Main.StatusBar_9},
+    {"StatusBar.Notes", &Main.StatusBar_Notes, {.Click = FormMain::StatusBar_Notes_Click}},
 };
 
 }  // namespace
@@ -377,6 +379,12 @@ void FormMain::MenuVievMainSheet_Click() {
 }
 void FormMain::MenüViewInputStatistic_Click() {
     ShowWindow("FormInputStatistic");
+}
+void FormMain::MenuViewNotes_Click() {
+    ShowWindow("FormNotes");
+}
+void FormMain::StatusBar_Notes_Click() {
+    ShowWindow("FormNotes");
 }
 void FormMain::MenuTransformationBundle_Click() {
     ShowWindow("FormBündel");

@@ -29,6 +29,7 @@ struct FormMain {
     Control MenuView = Menu("&View");
     Control MenuVievMainSheet = Menu("&Main Sheet");
     Control MenüViewInputStatistic = Menu("&Input Statistic");
+    Control MenuViewNotes = Menu("&Notes");
     Control MenüViewS = Menu("Saved &Views");
     Control MenüViewLastView = Menu("&Last View");
     Control MenüViewNextView = Menu("&Next View");
@@ -136,6 +137,7 @@ struct FormMain {
     Control StatusBar_1 = Panel(), StatusBar_2 = Panel(), StatusBar_3 = Panel(), StatusBar_4 = Panel(),
             StatusBar_5 = Panel(), StatusBar_6 = Panel(), StatusBar_7 = Panel(), StatusBar_8 = Panel(),
             StatusBar_9 = Panel();
+    Control StatusBar_Notes = HiddenButton();  // how many notes there are
 
     static void MenuFileNew_Click();
     static void MenuFileOpen_Click();
@@ -151,6 +153,8 @@ struct FormMain {
     static void MenuEditGraphData_Click();  // in analysis/form_grafik.cpp
     static void MenuVievMainSheet_Click();
     static void MenüViewInputStatistic_Click();
+    static void MenuViewNotes_Click();
+    static void StatusBar_Notes_Click();
     static void MenuTransformationCalculation_Click();
     static void MenuTransformationDistanceScale_Click();
     static void MenuTransformationBundle_Click();
@@ -208,6 +212,13 @@ struct FormMain {
     static void ComboSaveView_Click();
 
     static void Form_Unload();
+
+private:
+    static Control HiddenButton() {
+        Control button = Button("");
+        button.Visible = false;
+        return button;
+    }
 };
 inline FormMain Main;
 extern const WindowEntry FormMain_Entry;

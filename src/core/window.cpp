@@ -6,6 +6,7 @@
 #include <new>
 #include <stdexcept>
 
+#include "core/form_notes.h"
 #include "core/platform.h"
 #include "core/require.h"
 #include "core/run.h"
@@ -187,7 +188,10 @@ void SetIndex(Control& control, int index) {
     RunClick(control);
 }
 
-bool Dispatch(const std::function<void()>& work) {
+namespace {
+
+// False with the reason in Run.LastPlatformError.
+bool WentThrough(const std::function<void()>& work) {
     try {
         work();
         return true;
@@ -198,8 +202,16 @@ bool Dispatch(const std::function<void()>& work) {
     } catch (const std::bad_alloc&) {
         Run.LastPlatformError = "There is not enough memory for this.";
     }
-    ShowMessage(Run.LastPlatformError);
     return false;
+}
+
+}  // namespace
+
+bool Dispatch(const std::function<void()>& work) {
+    const bool done = WentThrough(work);
+    ShowNotes();
+    if (!done) ShowMessage(Run.LastPlatformError);
+    return done;
 }
 
 bool UserClick(Control& control) {

@@ -303,6 +303,15 @@ void AddPanels(QStatusBar& bar) {
         label->setObjectName(QStringLiteral("StatusBar.%1").arg(panel));
         bar.addWidget(label, panel == 3 ? 1 : 0);
     }
+    // Notes stay in sight whatever the panels tell.
+    auto* notes = new QPushButton(&bar);
+    notes->setObjectName(QStringLiteral("StatusBar.Notes"));
+    notes->setAccessibleName(QStringLiteral("Notes"));
+    notes->setFlat(true);
+    notes->setMaximumHeight(bar.fontMetrics().height());  // the bar keeps its height, with notes or without
+    notes->setFocusPolicy(Qt::TabFocus);
+    notes->setVisible(false);
+    bar.addPermanentWidget(notes);
 }
 
 void AddIcons(const QMainWindow& frame) {

@@ -29,6 +29,7 @@ namespace {
 static_assert(kMissingColWidth % kTwips != 0);
 constexpr int kLeastWidth = 68, kNarrowestWidth = 8;  // pixels; of a column by itself, and as it can be drawn
 constexpr int kMostWidth = 400;                       // a column by itself is no wider
+constexpr int kMostOfSentences = 1600;                // nor one whose cells are sentences
 
 // So many rows from the first one in sight are measured before they are painted.
 constexpr int kMeasuredAhead = 60;
@@ -159,15 +160,21 @@ private:
         return QVariant(across | Qt::AlignVCenter);
     }
 
+    // The form names the column whose cells are sentences.
+    int MostWidth(int col) const {
+        const QVariant sentences = view_.property("sentences");
+        return sentences.isValid() && sentences.toInt() == col ? kMostOfSentences : kMostWidth;
+    }
+
     // Notes how wide a text is; a column that is too narrow for it is widened once the cells are painted.
     void Measure(int row, int col, const QString& text) const {
         int& needed = needed_[static_cast<std::size_t>(col)];
-        if (text.isEmpty() || needed >= kMostWidth || IsWidthOfItsOwn(control_.Grid, col)) return;
+        if (text.isEmpty() || needed >= MostWidth(col) || IsWidthOfItsOwn(control_.Grid, col)) return;
         const bool bold = !IsDesktopGround(CellBackColor(control_.Grid, row, col));
         const int margin = view_.style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &view_) + 1;
         const int width = QFontMetrics(CellFont(view_, bold)).horizontalAdvance(text) + 2 * margin + kAir;
         if (width <= needed) return;
-        needed = std::min(width, kMostWidth);
+        needed = std::min(width, MostWidth(col));
         if (Arranging || widening_) return;
         widening_ = true;
         QTimer::singleShot(0, &view_, [this] { Widen(); });

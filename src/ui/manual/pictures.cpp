@@ -8,6 +8,7 @@
 #include <QMessageBox>
 #include <QPixmap>
 #include <QSplashScreen>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <algorithm>
@@ -23,6 +24,7 @@
 #include "core/form_main.h"
 #include "core/form_progress_bar.h"
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/run.h"
 #include "graphics/drawing.h"
 #include "graphics/flags.h"
@@ -228,6 +230,25 @@ void OtherPictures() {
     }
 }
 
+// The list as an import of a file with faults leaves it.
+void NotesPicture() {
+    const std::vector<Note> before = Notes.List;
+    UserDid([] {
+        Dispatch([] {
+            ForgetNotes();
+            AddNote(NoteCode::NumberAsZero, "\"12.5mm\" is no number, z counts as 0.", kStart, 7);
+            AddNote(NoteCode::DuplicateName, "Two points are named \"F09\", in line 9 and here.", kStart, 12);
+            AddNote(NoteCode::ColumnsIgnored, "Fields behind the third coordinate are not read.", kTarget, 1,
+                    15);
+            ShowWindow("FormNotes");
+        });
+    });
+    SaveWindow("FormNotes", {940, 200});
+    Save(*Frame()->statusBar(), QStringLiteral("StatusBar-notes"));
+    Close("FormNotes");
+    UserDid([&before] { Dispatch([&before] { Notes.List = before; }); });
+}
+
 // The batch with a folder of the examples, and the choice of a folder, with a few below it. The choice is
 // waited for, so its picture is taken from inside the wait.
 void BatchPictures() {
@@ -430,6 +451,7 @@ int main(int argc, char** argv) {
     if (Frame()->size() != QSize(1280, 800)) Fail(QStringLiteral("the main window has not its size"));
     CalculationPictures();
     OtherPictures();
+    NotesPicture();
     BatchPictures();
     InputPicture();
     ScreenPictures();

@@ -1,0 +1,34 @@
+// The window that lists what the program noticed.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/notes.h"
+#include "core/window.h"
+
+// Columns of its table.
+enum NotesColumn : int { kNotesSeverity, kNotesFile, kNotesLine, kNotesText, kNotesCount, kNotesCols };
+
+struct FormNotes {
+    WindowState Window{.Caption = "Notes"};
+
+    Control LabelSummary = Label("");
+    Control GridNotes = Grid(1, 1);
+    Control BtnCopy = Button("&Copy");
+    Control BtnClose = Button("C&lose");
+
+    std::vector<Note> Rows;  // what the table shows, from its row 1 on
+
+    static void Form_Load();
+    static void Form_Escape();
+    static void GridNotes_DblClick();
+    static void BtnCopy_Click();
+    static void BtnClose_Click();
+};
+inline FormNotes NotesWindow;
+extern const WindowEntry FormNotes_Entry;
+
+// The list in the main window's status bar ("3 notes"; nothing where there are none; the colour of a warning
+// where one is among them), and in this window while it is open. Every event of the user ends with it.
+void ShowNotes();
