@@ -261,7 +261,7 @@ CLI::App* AddAutomate(CLI::App& app, AutomateSwitches& s) {
         ->check(Written(SizeFromText))
         ->type_name("WxH")
         ->capture_default_str();
-    AddDecimal(*automate, s.Decimal, "Options");
+    AddDecimal(*automate, s.Decimal, "Options", "that of the locale");
     return automate;
 }
 
@@ -332,12 +332,15 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     const CLI::App* transform = AddTransform(app, transformSwitches);
     ExportSwitches exportSwitches;
     const CLI::App* exported = AddExport(app, exportSwitches);
-    AddAutomate(app, automateSwitches);
+    const CLI::App* automate = AddAutomate(app, automateSwitches);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         return app.exit(error, out, err) == 0 ? kDone : kWrongUsage;
     }
+    // A command gives the same on every machine, and to a script what its other programs read. The one that
+    // stands in for the desktop has the locale as that has.
+    if (!automate->parsed()) Headless.Decimal = '.';
     if (fit->parsed()) {
         for (const CLI::Option* option : fit->get_options())
             if (option->count() > 0) fitSwitches.Options.Given.push_back(option->get_name());
