@@ -14,6 +14,7 @@
 #include "core/files.h"
 #include "core/folders.h"
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/settings.h"
@@ -182,6 +183,8 @@ int RunTransform(const TransformOptions& options, std::ostream& err, bool progre
             unwritten = unwritten || ended == Ended::Unwritten;
         }
     }
+    // The delimiter of before is the one that the user has named, or the blank.
+    std::erase_if(Notes.List, [](const Note& note) { return note.Code == NoteCode::OldDelimiter; });
     WriteMessages(err);
     for (const std::string& note : NotesAsLines(notes, 0)) err << note << "\n";
     err << notes.Done << " of " << files.size() << " files transformed\n";
