@@ -8,6 +8,7 @@
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/job_commands.h"
+#include "core/job_notes.h"
 #include "core/platform.h"
 #include "core/pose_spans.h"
 #include "core/refresh.h"
@@ -91,6 +92,7 @@ void OpenFile(const std::string& path) {
     // The kinds of target file that a job does not store are not those of the job before.
     Run.IsDefault = Run.IsABBModx = Run.IsFanuc = Run.IsXYZABC = kFalse;
     FindPoseSpans();
+    NoteShortNames(path);
     RhoFestlegung();
     Run.JobDataValid = kTrue;  // the main sheet shows no others
     FuellenHaupttabelle();

@@ -1,11 +1,10 @@
-// How far the angles of the poses of a robot program spread, and what a job file keeps of them.
+// How far the angles of the poses of a robot program spread.
 #include "core/pose_spans.h"
 
 #include <algorithm>
 #include <array>
 
 #include "core/job.h"
-#include "core/notes.h"
 #include "core/run.h"
 
 void FindPoseSpans() {
@@ -25,13 +24,4 @@ void FindPoseSpans() {
     Run.SpanA = highest[0] - lowest[0];
     Run.SpanB = highest[1] - lowest[1];
     Run.SpanC = highest[2] - lowest[2];
-}
-
-void NoteOrientationsLost(const std::string& path) {
-    if (Job.RobotABC.Rows < 1 || IsTrue(Job.IsKuka) || IsTrue(Job.IsQuaternion)) return;
-    AddNote(
-        NoteCode::NoOrientation,
-        "A job file keeps the orientations of Kuka programs and of quaternions alone; those of this job are "
-        "not in its file",
-        path);
 }

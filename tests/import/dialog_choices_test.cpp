@@ -171,3 +171,19 @@ TEST_F(DialogChoices, SavingSaysWhichOrientationsAJobFileDoesNotKeep) {
     EXPECT_EQ(Notes.List[0].Code, NoteCode::NoOrientation);
     EXPECT_EQ(Notes.List[0].File, PathOf("angles.cvn"));
 }
+
+TEST_F(DialogChoices, AnOpenedJobWithMorePointsThanNamesSaysSo) {
+    OpenKukaJob();
+    for (const auto& [more, noted] : {std::pair{3U, false}, {4U, true}}) {
+        const std::size_t size = Job.OCS_Name.size() + more;
+        Job.OCS_X.resize(size);
+        Job.OCS_Y.resize(size);
+        Job.OCS_Z.resize(size);
+        SaveFileAs(PathOf("longer.cvn"));
+        OpenFile(PathOf("longer.cvn"));
+        ASSERT_EQ(!Notes.List.empty(), noted) << "three are those of the search by distances";
+        if (!noted) continue;
+        EXPECT_EQ(Notes.List[0].Code, NoteCode::NamesShort);
+        EXPECT_EQ(Notes.List[0].Count, 4);
+    }
+}
