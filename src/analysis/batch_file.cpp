@@ -5,6 +5,7 @@
 
 #include "core/file_writer.h"
 #include "core/files.h"
+#include "core/notes.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/text.h"
@@ -81,8 +82,13 @@ BatchInput ReadBatchFile(const std::string& path) {
 bool WriteBatchFile(const BatchInput& input, const std::string& outPath,
                     const std::function<bool(double share)>& goOn, LineCounts& counts) {
     FileBeside out(outPath);
-    const LineWork work = {[&out](std::string_view lines) { out.Write(lines); }, goOn};
+    RowNotes rows(input.Text.Path, input.Form.Delimiter, PointFields(input.Form.HasName));
+    const LineWork work = {[&out](std::string_view lines) { out.Write(lines); }, goOn, false, &rows};
     if (!TransformLines(input.Text, input.Form, work, counts)) return false;
+    rows.Write();
+    if (counts.MoreFields > 0)
+        AddNote(NoteCode::ColumnsIgnored, "Fields behind z are not read", input.Text.Path,
+                static_cast<int>(counts.FirstMore), static_cast<int>(counts.MoreFields));
     out.Keep(Keeping::Unflushed);
     return true;
 }

@@ -38,6 +38,7 @@ struct Lines {
     Vec3 Shift;       // mm
     std::string Out;  // lines not yet handed on
     LineCounts& Counts;
+    RowNotes* Rows;
     std::string Decoded = {}, Scratch = {}, Field = {}, Text = {};
 };
 
@@ -73,18 +74,22 @@ void PlainLine(Lines& s, std::string_view line, bool decode) {
         s.Text = std::to_string(s.Counts.Lines);
     }
     std::array<double, 3> xyz{};
-    bool numbers = true;
+    bool numbers = true, passed = !line.empty() && line.front() == delimiter;
     for (double& value : xyz) {
+        passed = passed || (!rest.empty() && rest.front() == delimiter);
         s.Field = CutField(rest, delimiter, s.Scratch);
         if (s.Decimal == ',') std::replace(s.Field.begin(), s.Field.end(), ',', '.');
         double exact = 0;
         numbers = numbers && TextToNumber(s.Field, '.', exact);
+        if (s.Rows != nullptr) s.Rows->LookAtDigits(s.Field, s.Counts.Lines);
         value = Val(s.Field);
     }
     if (!numbers) {
         ++s.Counts.WithoutNumbers;
         if (s.Counts.FirstWithout == 0) s.Counts.FirstWithout = s.Counts.Lines;
     }
+    if (s.Rows != nullptr && (passed || HoldsMore(rest)))
+        s.Rows->Look(decode ? DecodeText(line) : std::string(line), s.Counts.Lines);
     Carry(s, xyz);
     for (const double value : xyz) {
         s.Text += '\t';
@@ -305,6 +310,7 @@ const char* ShortLine(Lines& s, const char* at, const char* end, char*& out) {
         if (i > 0 && *at++ != delimiter) return nullptr;
         if (!ShortNumber(at, decimal, delimiter, xyz[i])) return nullptr;
     }
+    bool further = false;
     if (*at == '\n') {
         ++at;
     } else if (*at == '\r' && at[1] == '\n') {
@@ -314,6 +320,9 @@ const char* ShortLine(Lines& s, const char* at, const char* end, char*& out) {
         if (*at != delimiter && *at != ' ' && *at != '\t') return nullptr;
         const auto* lineFeed =
             static_cast<const char*>(std::memchr(at, '\n', static_cast<std::size_t>(end - at)));
+        const char* const stop = lineFeed == nullptr ? end : lineFeed;
+        further = std::any_of(
+            at, stop, [delimiter](char c) { return c != delimiter && c != ' ' && c != '\t' && c != '\r'; });
         at = lineFeed == nullptr ? end : lineFeed + 1;
     }
     Carry(s, xyz);
@@ -326,6 +335,7 @@ const char* ShortLine(Lines& s, const char* at, const char* end, char*& out) {
     *put++ = '\n';
     out = put;
     ++s.Counts.Lines;
+    if (further && s.Counts.MoreFields++ == 0) s.Counts.FirstMore = s.Counts.Lines;
     return at;
 }
 
@@ -344,7 +354,7 @@ bool TransformLines(const PointText& file, const LineForm& form, const LineWork&
     const std::size_t point = Units.FmtLength.find('.');
     const int places = point == std::string::npos ? 0 : static_cast<int>(Units.FmtLength.size() - point - 1);
     Lines s = {form, SystemDecimal(), Units.LengthFactor, Chain.Product, Vec3(Job.TraX, Job.TraY, Job.TraZ),
-               {},   counts};
+               {},   counts,          work.Rows};
     const bool shortRoad = std::endian::native == std::endian::little && !work.PlainOnly &&
                            !file.LoneReturns && form.Delimiter != '\0' && places <= 6 &&
                            Units.FmtLength == DigitFormats()[static_cast<std::size_t>(places)];

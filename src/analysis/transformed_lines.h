@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "import/point_text.h"
+#include "import/row_notes.h"
 
 // How a file writes its points.
 struct LineForm {
@@ -18,12 +19,15 @@ struct LineCounts {
     std::int64_t Lines = 0;
     std::int64_t WithoutNumbers = 0;  // lines whose three fields are not all numbers
     std::int64_t FirstWithout = 0;    // the first of them, from 1; 0 = none
+    std::int64_t MoreFields = 0;      // lines of the short road with further fields, which are passed over
+    std::int64_t FirstMore = 0;       // the first of them, from 1; 0 = none
 };
 
 struct LineWork {
     std::function<void(std::string_view bytes)> Write;  // takes the lines, many at a time
     std::function<bool(double share)> GoOn;             // asked now and then; false ends the work
     bool PlainOnly = false;                             // every line takes the general road
+    RowNotes* Rows = nullptr;  // looks at the lines of the general road that hold more than their fields
 };
 
 // Carries every line's point through the transformation of the job: three fields by their plain value,

@@ -9,11 +9,13 @@
 #include <unordered_map>
 #include <vector>
 
+#include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/text.h"
 #include "core/units.h"
 #include "import/point_text.h"
+#include "import/row_notes.h"
 
 namespace {
 
@@ -58,8 +60,8 @@ void ForEachEntry(const PointText& file, Take take) {
 // Fields of a line, one after the other.
 class Fields {
 public:
-    Fields(std::string_view line, std::int64_t row, BundleRecord& network)
-        : rest_(line), row_(row), network_(network) {}
+    Fields(std::string_view line, std::int64_t row, BundleRecord& network, RowNotes& notes)
+        : rest_(line), row_(row), network_(network), notes_(notes) {}
     std::string Text() { return std::string(CutField(rest_, ' ', scratch_)); }
     double Length() {
         const std::string_view field = CutField(rest_, ' ', scratch_);
@@ -68,19 +70,70 @@ public:
         // A decimal comma among them: what stands before it is a number, and a wrong one.
         if (!TextToNumber(field, '.', whole) && std::isfinite(value) && ++network_.NoNumbers == 1)
             network_.FirstNoNumber = "line " + std::to_string(row_) + ", \"" + Printable(field) + "\"";
+        Note(field, value);
         return value / Units.LengthFactor;
     }
 
+    // Behind the last field: what is left of the line is not read.
+    void End() {
+        if (!HoldsMore(rest_)) return;
+        notes_.Count(NoteCode::ColumnsIgnored, row_, [this] {
+            return "Fields behind those of the entry are not read: \"" + Printable(rest_) +
+                   "\"; a name has no blanks in it";
+        });
+    }
+
 private:
+    void Note(std::string_view field, double value) {
+        double exact = 0;
+        const std::string text = "\"" + Printable(field) + "\"";
+        if (TextToNumber(field, '.', exact)) {
+            notes_.LookAtDigits(field, row_);
+        } else if (field.empty()) {
+            notes_.Count(NoteCode::EmptyCoordinate, row_,
+                         [] { return "A number is missing and counts as 0"; });
+        } else if (!std::isfinite(value)) {
+            notes_.Count(NoteCode::DigitsCut, row_,
+                         [&] { return text + " is larger than any number that can be kept"; });
+        } else {
+            const bool begins = value != 0 || field.find_first_of("0123456789") == 0;
+            notes_.Count(begins ? NoteCode::FieldCut : NoteCode::NumberAsZero, row_, [&] {
+                return text + (begins ? " is read as far as it is a number with a decimal point"
+                                      : " is not a number and counts as 0");
+            });
+        }
+    }
+
     std::string_view rest_;
     std::int64_t row_;
     BundleRecord& network_;
+    RowNotes& notes_;
     std::string scratch_;
+};
+
+// The lines of the points by their names; notes a name that is there already. Of several points of one name a
+// distance is to the first.
+class NameLines {
+public:
+    explicit NameLines(RowNotes& notes) : notes_(notes) {}
+    void Add(const std::string& name, std::int64_t row) {
+        const auto [there, isNew] = lines_.emplace(name, row);
+        if (isNew) return;
+        notes_.Count(NoteCode::DuplicateName, there->second, [&] {
+            return "The name \"" + Printable(name) + "\" stands in line " + std::to_string(there->second) +
+                   " and in line " + std::to_string(row) + "; distances are to the first";
+        });
+    }
+
+private:
+    RowNotes& notes_;
+    std::unordered_map<std::string, std::int64_t> lines_;
 };
 
 void TakePoint(Fields fields, std::size_t number, std::vector<std::string>& names, Matrix& xyz) {
     names[number] = fields.Text();
     for (int axis = 1; axis <= 3; ++axis) xyz(static_cast<int>(number), axis) = fields.Length();
+    fields.End();
 }
 
 // Numbers of names; of several equal ones the first counts.
@@ -133,21 +186,28 @@ BundleRecord BündelInputFileEinlesen(const std::string& path) {
         network.DistancePair[end].resize(static_cast<std::size_t>(counts[2]) + 1);
     network.DistanceValue.resize(static_cast<std::size_t>(counts[2]) + 1);
 
+    ForgetNotes();
+    RowNotes notes(path, ' ', PointFields(true));
+    std::array<NameLines, 2> nameLines{NameLines(notes), NameLines(notes)};
     std::array<std::size_t, 3> number{};
     std::string scratch;
     ForEachEntry(file, [&](std::size_t section, std::string_view line, std::int64_t row) {
-        Fields fields(DecodedLine(file, line, scratch), row, network);
+        Fields fields(DecodedLine(file, line, scratch), row, network, notes);
         const std::size_t k = ++number[section];
         if (section == 0) {
             TakePoint(fields, k, network.StationName, network.StationXYZ);
+            nameLines[section].Add(network.StationName[k], row);
         } else if (section == 1) {
             TakePoint(fields, k, network.ObjectName, network.ObjectXYZ);
+            nameLines[section].Add(network.ObjectName[k], row);
         } else {
             network.DistancePair[1][k] = fields.Text();
             network.DistancePair[2][k] = fields.Text();
             network.DistanceValue[k] = fields.Length();
+            fields.End();
         }
     });
+    notes.Write();
     return network;
 }
 

@@ -55,11 +55,13 @@ inline const std::map<std::string, std::string>& DelimiterNames() {
     return kNames;
 }
 
-inline void AddDecimal(CLI::App& command, std::string& decimal, const char* group) {
+inline void AddDecimal(CLI::App& command, std::string& decimal, const char* group,
+                       const char* usual = "a point, whatever the locale") {
     command
         .add_option("--decimal", decimal,
-                    "Decimal delimiter of files and output, a point or a comma;\n"
-                    "default: that of the locale")
+                    std::string("Decimal delimiter of files and output, a point or a comma;\n"
+                                "default: ") +
+                        usual)
         ->check(OneOf({".", ","}))
         ->type_name("'.'|','")
         ->group(group);

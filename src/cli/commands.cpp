@@ -267,7 +267,7 @@ CLI::App* AddAutomate(CLI::App& app, AutomateSwitches& s) {
         ->check(Written(SizeFromText))
         ->type_name("WxH")
         ->capture_default_str();
-    AddDecimal(*automate, s.Decimal, "Options");
+    AddDecimal(*automate, s.Decimal, "Options", "that of the locale");
     return automate;
 }
 
@@ -359,6 +359,9 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     } catch (const CLI::ParseError& error) {
         return app.exit(error, out, err) == 0 ? kDone : kWrongUsage;
     }
+    // A command gives the same on every machine, and to a script what its other programs read. The one that
+    // stands in for the desktop has the locale as that has.
+    if (!automate->parsed()) Headless.Decimal = '.';
     if (automate->parsed()) return Serve(automateSwitches, in, out);
     const ToldNotes notes(err);
     if (fit->parsed()) {

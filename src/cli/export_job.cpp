@@ -51,7 +51,8 @@ CLI::App* AddExport(CLI::App& app, ExportSwitches& s) {
                                   "A file without the head of a job file is one of an early version");
     command->add_flag("--no,-n", s.No, "It is none")->excludes(yes);
     AddStrict(*command, o.Strict, "Options");
-    AddDecimal(*command, s.Decimal, "Options");
+    AddDecimal(*command, s.Decimal, "Options",
+               "a point, whatever the\nlocale; frame and matrix have a point always");
     return command;
 }
 
@@ -61,7 +62,8 @@ void TakeExportSwitches(ExportSwitches& s) {
 }
 
 int RunExport(const ExportOptions& options, std::ostream& err) {
-    if (options.Decimal) Headless.Decimal = options.Decimal;
+    // Frames and matrices go to programs, which take a decimal comma for the one between two numbers.
+    if (options.Decimal && !options.Points.empty()) Headless.Decimal = options.Decimal;
     ReadSettingsText(DefaultSettingsText(), "the built-in settings");
     JobFileFacts facts;
     const int status = OpenJob(options.Job, options.Questions, facts, err);

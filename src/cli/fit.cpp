@@ -17,6 +17,8 @@
 #include "core/files.h"
 #include "core/form_progress_bar.h"
 #include "core/job.h"
+#include "core/job_notes.h"
+#include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/refresh.h"
@@ -109,6 +111,7 @@ bool Import(const FitOptions& options) {
         SetValue(w.CheckUseOnlyFirst, 1);
         SetText(w.TextMaxOCS, std::to_string(options.OnlyFirst));
     }
+    w.ReadsDeclarations = true;
     const bool wentThrough = UserClick(w.BtnOK);
     UnloadWindow("FormInputFiles");
     return wentThrough && IsTrue(Run.JobDataValid) && !IsTrue(Run.ImportFailed);
@@ -195,6 +198,9 @@ int TakePoints(const FitOptions& options, std::ostream& err, bool showProgress) 
                           "the import asks a question, and neither --yes nor --no was given:\n  " + question);
         return Refuse(err, kUnreadable, "the points were not read");
     }
+    // The delimiter of before is what the user has named.
+    if (!options.Delimiter.empty())
+        std::erase_if(Notes.List, [](const Note& note) { return note.Code == NoteCode::OldDelimiter; });
     WriteMessages(err);
     return kDone;
 }
@@ -242,6 +248,7 @@ int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour
     Adjustment.AngleUnitsConfirmed = true;
     if (!options.Poses.empty() && !Dispatch([&options] { LoadPoses(options.Poses); }))
         return Refuse(err, kUnreadable, Run.LastPlatformError);
+    if (!options.Save.empty()) NoteOrientationsLost(options.Save);
     const int status = Calculate(options, err);
     if (showProgress) err << "\r\x1b[K" << std::flush;
     if (status == kRefused) return status;

@@ -11,6 +11,7 @@
 #include "core/files.h"
 #include "core/job.h"
 #include "core/job_file.h"
+#include "core/job_notes.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/settings.h"
@@ -45,6 +46,7 @@ void ReadJob(const std::string& path, std::optional<bool> questions, JobFileFact
     facts = {path, JobVersionText(content.Version), bytes.Size, std::move(content.ViewNames)};
     said = std::move(content.Said);
     RhoFestlegung();
+    NoteShortNames(path);
     Run.JobDataValid = kTrue;
 }
 

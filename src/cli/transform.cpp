@@ -133,6 +133,8 @@ private:
 // Tells what was found in the files, and notes the lines that hold no point: what is no number in them counts
 // as 0, so that they become points that nobody has measured.
 void TellFiles(BatchNotes notes, std::ostream& err) {
+    // The delimiter of before is the one that the user has named, or the blank.
+    std::erase_if(Notes.List, [](const Note& note) { return note.Code == NoteCode::OldDelimiter; });
     WriteMessages(err);
     WriteNotes(err);
     BatchNotes left;

@@ -8,7 +8,9 @@
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/job_commands.h"
+#include "core/job_notes.h"
 #include "core/platform.h"
+#include "core/pose_spans.h"
 #include "core/refresh.h"
 #include "core/run.h"
 #include "core/units.h"
@@ -56,6 +58,7 @@ void SaveFileAs(const std::string& path) {
     std::string bytes = JobBytes(Job, Main.ComboSaveView.Items);
     KeepOldEnd(bytes, path);
     WriteFile(path, bytes);
+    NoteOrientationsLost(path);
     ProgrammLogik();
     LogikLastFileEXIT();
     Run.JobDirty = kFalse;
@@ -88,6 +91,8 @@ void OpenFile(const std::string& path) {
     FillViewList(std::move(content.ViewNames));
     // The kinds of target file that a job does not store are not those of the job before.
     Run.IsDefault = Run.IsABBModx = Run.IsFanuc = Run.IsXYZABC = kFalse;
+    FindPoseSpans();
+    NoteShortNames(path);
     RhoFestlegung();
     Run.JobDataValid = kTrue;  // the main sheet shows no others
     FuellenHaupttabelle();

@@ -19,6 +19,10 @@ enum class NoteCode : std::uint8_t {
     DuplicateName,         // two points of one file bear the same name
     EmptyRow,              // a row without a point is passed over
     PosesSkipped,          // what looks like a pose of a robot program and is not taken
+    PosesDoubtful,         // what is taken as a pose of a robot program and declares something else
+    FieldSplit,            // a blank divides a field in two, so that what follows moves on by one
+    FieldCut,              // what stands behind a number in its field is not read
+    OldDelimiter,          // a file that shows no delimiter is read with the one of a file before
     DigitsCut,             // digits of a number that a double or the told reader does not hold
     NoOrientation,         // pairs without the orientation that their pose should have
     TableExtended,         // a point beyond the end of a table is extrapolated

@@ -86,8 +86,23 @@ std::string ScaleHeldAtZero() {
     return "";
 }
 
+// The pairs from which the tool model would take a pose that is turned by nothing: those for which the job
+// has no orientation. "" where there are none, and for other models.
+std::string PairsWithoutOrientation() {
+    if (ChooseMode(Job.ParamText) != FitMode::Tool) return "";
+    const int known = Job.RobotABC.Columns >= 3 ? std::max(Job.RobotABC.Rows, 0) : 0;
+    if (known >= Job.nIdent) return "";
+    const int without = Job.nIdent - known;
+    return std::to_string(without) + " of the " + std::to_string(Job.nIdent) +
+           " pairs have no orientation, the first is point \"" + Printable(Job.MCS_Name[At(known + 1)]) +
+           "\"; the tool vector needs that of every pose. A job file keeps the orientations of Kuka programs "
+           "and of quaternions alone: please import the robot program again, or load the orientations from a "
+           "text file (Load R data, on the command line --poses).";
+}
+
 // Choices that no fit can begin with; "" for all others.
 std::string WhyNot() {
+    if (const std::string pairs = PairsWithoutOrientation(); !pairs.empty()) return pairs;
     if (const std::string scale = ScaleHeldAtZero(); !scale.empty())
         return scale + " is held at 0, which leaves nothing of the points. Please hold it at another value.";
     if (const std::string name = PairThatStartsOnItsTarget(); !name.empty())

@@ -23,7 +23,7 @@ struct GatheredPoints {
 // Gathers the first Job.nIdent pairs; their weights come apart.
 //   P      weights, three entries a pair; what has weight 0 is left out of the choice of centres
 //   poses  gathers the orientation matrices Rz(A) Ry(B) Rx(C) of Job.RobotABC as well; a pair without
-//          an entry there counts as turned by 0
+//          an entry there counts as turned by 0, which CalculationIsRefused lets no fit come to
 void GatherPoints(const Column& P, bool poses, GatheredPoints& points);
 
 // Takes the weights of points that are gathered, three entries a pair.

@@ -9,8 +9,10 @@
 
 #include "core/files.h"
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
+#include "core/pose_spans.h"
 #include "core/run.h"
 #include "core/text.h"
 #include "core/units.h"
@@ -50,13 +52,14 @@ std::unordered_map<std::string, int> PairsByName() {
 }
 
 struct PoseLine {
-    std::string Place;               // file and line, for messages
+    std::string Place;  // file and line, for messages
+    int Line = 0;
     std::string Name;                // "" where the file has none
     std::array<double, 3> Angles{};  // rad
 };
 
-PoseLine ReadLine(const std::vector<std::string>& fields, const std::string& place) {
-    PoseLine pose{.Place = place};
+PoseLine ReadLine(const std::vector<std::string>& fields, const std::string& place, int line) {
+    PoseLine pose{.Place = place, .Line = line};
     const bool named = fields.size() == kPoseNumbers + 1;
     if (!named && fields.size() != kPoseNumbers)
         throw PlatformError{place +
@@ -73,13 +76,31 @@ PoseLine ReadLine(const std::vector<std::string>& fields, const std::string& pla
     return pose;
 }
 
+// Two delimiters with nothing between them: the fields behind have moved on by one.
+void NoteEmptyField(std::string_view line, const std::string& path, int number) {
+    const std::string_view delimiters = SystemDecimal() == ',' ? ";" : ";,";
+    bool before = true;  // a delimiter, or the beginning of the line
+    for (const char c : line) {
+        const bool here = delimiters.find(c) != std::string_view::npos;
+        if (here && before) {
+            AddNote(NoteCode::DelimitersSideBySide,
+                    "Delimiters stand side by side and count as one: the fields behind them move on", path,
+                    number);
+            return;
+        }
+        if (c != ' ' && c != '\t') before = here;
+    }
+}
+
 std::vector<PoseLine> ReadPoses(const std::string& path) {
     const std::string content = DecodeText(ReadFile(path).View());
     std::string_view rest = content, line;
     std::vector<PoseLine> poses;
     for (int number = 1; CutLine(rest, line); ++number) {
         const std::vector<std::string> fields = FieldsOf(line);
-        if (!fields.empty()) poses.push_back(ReadLine(fields, path + ", line " + std::to_string(number)));
+        if (fields.empty()) continue;
+        poses.push_back(ReadLine(fields, path + ", line " + std::to_string(number), number));
+        NoteEmptyField(line, path, number);
     }
     return poses;
 }
@@ -89,23 +110,39 @@ std::vector<PoseLine> ReadPoses(const std::string& path) {
 void LoadPoses(const std::string& path) {
     const std::vector<PoseLine> poses = ReadPoses(path);
     Matrix robot(Job.nIdent, 3);
-    std::vector<bool> known(static_cast<std::size_t>(Job.nIdent) + 1);
+    std::vector<int> known(static_cast<std::size_t>(Job.nIdent) +
+                           1);  // line of each pair's pose; 0 = none yet
     const auto pairs = PairsByName();
     int place = 0;
     for (const PoseLine& pose : poses) {
-        if (!pose.Name.empty() && !pairs.contains(pose.Name)) continue;  // a point without partner
+        if (!pose.Name.empty() && !pairs.contains(pose.Name)) {  // a point without partner
+            AddNote(NoteCode::PosesSkipped,
+                    "The pose \"" + Printable(pose.Name) + "\" is of no identical point and is not taken",
+                    path, pose.Line);
+            continue;
+        }
+        if (pose.Name.empty() != poses.front().Name.empty())
+            throw PlatformError{pose.Place +
+                                ": lines with a name and lines without one stand in the same file"};
         const int pair = pose.Name.empty() ? ++place : pairs.at(pose.Name);
         if (pair > Job.nIdent)
             throw PlatformError{pose.Place + ": there are only " + std::to_string(Job.nIdent) +
                                 " identical points; with names in front, the poses need no order"};
-        known[static_cast<std::size_t>(pair)] = true;
+        int& line = known[static_cast<std::size_t>(pair)];
+        if (line > 0)
+            AddNote(NoteCode::DuplicateName,
+                    "The poses of line " + std::to_string(line) + " and of line " +
+                        std::to_string(pose.Line) + " are of the same point; the later one is taken",
+                    path, line);
+        line = pose.Line;
         for (int k = 1; k <= 3; ++k) robot(pair, k) = pose.Angles[static_cast<std::size_t>(k - 1)];
     }
     for (int i = 1; i <= Job.nIdent; ++i)
-        if (!known[static_cast<std::size_t>(i)])
+        if (known[static_cast<std::size_t>(i)] == 0)
             throw PlatformError{path + ": there is no pose for the identical point \"" +
                                 Printable(Job.MCS_Name[static_cast<std::size_t>(i)]) + "\""};
     Job.RobotABC = std::move(robot);
+    FindPoseSpans();
     Run.JobDirty = kTrue;
 }
 

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/run.h"
@@ -17,6 +18,7 @@
 #include "import/point_file_checks.h"
 #include "import/robot_files.h"
 #include "import/robot_program.h"
+#include "import/row_notes.h"
 
 namespace {
 
@@ -25,7 +27,7 @@ namespace {
 constexpr std::size_t kBeforeValue = 4, kBehindValue = 6, kBehindLastAngle = 3;
 
 // The value whose letter stands at `place` and whose columns end before `end`.
-double ValueAt(const RobotProgram& program, std::size_t place, std::size_t end) {
+double ValueAt(const RobotProgram& program, std::size_t place, std::size_t end, RowNotes& notes) {
     const std::string_view line = program.Line;
     const std::size_t begin = place + kBeforeValue;
     const double value = NumberBetween(program, begin, end);
@@ -40,7 +42,13 @@ double ValueAt(const RobotProgram& program, std::size_t place, std::size_t end) 
            ((line[whole] >= '0' && line[whole] <= '9') || line[whole] == '.' || line[whole] == ','))
         ++whole;
     while (whole > end && (line[whole - 1] == ',' || line[whole - 1] == '.')) --whole;
-    if (whole > end && !(std::fabs(NumberBetween(program, begin, whole) - value) < kLastDecimal))
+    const double uncut = whole > end ? NumberBetween(program, begin, whole) : value;
+    if (uncut != value)
+        notes.Count(NoteCode::DigitsCut, program.Lines.Row, [&] {
+            return "The fixed columns cut \"" + Printable(line.substr(begin, whole - begin)) + "\" to \"" +
+                   Printable(line.substr(begin, end - begin)) + "\"";
+        });
+    if (!(std::fabs(uncut - value) < kLastDecimal))
         FailAtLine(program, "the fixed columns cut \"" + Printable(line.substr(begin, whole - begin)) +
                                 "\" to \"" + Printable(line.substr(begin, end - begin)) + "\"");
     return value;
@@ -55,25 +63,37 @@ void ReadPoses(const std::string& path) {
     std::int64_t n = 0;
     wieOftStringinFile(program.File, "]{", n);
     PoseTable poses(program, n, Units.AngleFactor);
+    RowNotes notes(path, '\0', PointFields(true));
+    std::int64_t taken = 0;
+    const auto end = [&] {
+        notes.Write();
+        if (taken < n)
+            AddNote(
+                NoteCode::PosesSkipped,
+                "What looks like a pose stands outside of the section of poses; its place stays without a point",
+                path, 0, static_cast<int>(n - taken));
+    };
     do NeedLine(program);
     while (!program.Line.starts_with("/POS"));
     do {
         NeedLine(program);
-        if (program.Line.starts_with("/END")) return;
+        if (program.Line.starts_with("/END")) return end();
         for (int line = 0; line < 3; ++line) NeedLine(program);
         const std::size_t x = PlaceOf(program, "X "), y = PlaceOf(program, "Y "), z = PlaceOf(program, "Z ");
-        const double X = ValueAt(program, x, Less(y, kBehindValue));
-        const double Y = ValueAt(program, y, Less(z, kBehindValue));
-        const double Z = ValueAt(program, z, Less(program.Line.size(), kBehindValue));
+        const double X = ValueAt(program, x, Less(y, kBehindValue), notes);
+        const double Y = ValueAt(program, y, Less(z, kBehindValue), notes);
+        const double Z = ValueAt(program, z, Less(program.Line.size(), kBehindValue), notes);
         NeedLine(program);
         const std::size_t w = PlaceOf(program, "W "), p = PlaceOf(program, "P "), r = PlaceOf(program, "R ");
-        const double W = ValueAt(program, w, Less(p, kBehindValue));
-        const double P = ValueAt(program, p, Less(r, kBehindValue));
-        const double R = ValueAt(program, r, Less(program.Line.size(), kBehindLastAngle));
+        const double W = ValueAt(program, w, Less(p, kBehindValue), notes);
+        const double P = ValueAt(program, p, Less(r, kBehindValue), notes);
+        const double R = ValueAt(program, r, Less(program.Line.size(), kBehindLastAngle), notes);
         poses.Take(program, {X, Y, Z}, {R, P, W});
+        ++taken;
         do NeedLine(program);
         while (!program.Line.starts_with("}"));
     } while (!HasEnded(program));
+    end();
 }
 
 }  // namespace

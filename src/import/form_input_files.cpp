@@ -154,11 +154,7 @@ void FormInputFiles::Form_Escape() {
 }
 
 void FormInputFiles::ComboOCS_Data_Click() {
-    const int index = InputFiles.ComboOCS_Data.Index;
-    for (const InputKind& kind : InputKinds()) *kind.IsKind = kFalse;
-    if (index < 0) return;
-    *InputKinds()[static_cast<std::size_t>(index)].IsKind = kTrue;
-    Settings.LastDropDownInfoInOCS = static_cast<std::int16_t>(index);
+    // The choice stays with the dialog: the job is of its kind as long as it has its points.
 }
 
 void FormInputFiles::OptionByID_Click() {

@@ -57,6 +57,9 @@ struct FormInputFiles {
     Control BtnApply = Button("&Apply");
     Control BtnCancel = Button("Cancel");
 
+    // The command line reads robot programs by their declarations; the window by the beginnings of their
+    // lines.
+    bool ReadsDeclarations = false;
     std::string BundleFile;  // a bundle input file that the next import reads in place of two point files
 
     static void Form_Load();

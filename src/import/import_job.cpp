@@ -1,4 +1,5 @@
 // The import of a job from two files, and the round trip through the clipboard.
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <exception>
@@ -174,7 +175,7 @@ struct ImportGuard {
     ~ImportGuard() {
         RepairJobCounts();
         Run.StopRequested = kFalse;  // a stop ends this import, not the calculation after it
-        const bool isLent = !IsTrue(Run.IsDefault) && !Run.PathReader.empty() && Job.PathOCS == lent_;
+        const bool isLent = lends_ && !Run.PathReader.empty() && Job.PathOCS == lent_;
         if (isLent) Job.PathOCS = Run.PathReader;
         if (Whole || std::uncaught_exceptions() == exceptions_) return;
         Run.JobDataValid = Run.TrafoValid = kFalse;
@@ -183,9 +184,59 @@ struct ImportGuard {
     bool Whole = false;  // all points are read and paired
 
 private:
+    bool lends_ = !IsTrue(Run.IsDefault);
     std::string lent_ = Job.PathOCS;  // another path is that of another job, opened during the search
     int exceptions_ = std::uncaught_exceptions();
 };
+
+// The entry that the dialog shows; without one the first.
+const InputKind& KindOfDialog() {
+    const int index = InputFiles.ComboOCS_Data.Index;
+    return InputKinds()[static_cast<std::size_t>(std::max(index, 0))];
+}
+
+// As an import goes on the job becomes one of the kind that the dialog has chosen. Unless the import comes to
+// its end the job is again of the kind that it was, with its orientations where its target points are still
+// there: a Save must not lose what it had.
+class KindOfImport {
+public:
+    KindOfImport(const InputKind& chosen, JobBeforeImport& before) : before_(before) {
+        for (std::size_t i = 0; i < flags_.size(); ++i) {
+            flags_[i] = *InputKinds()[i].IsKind;
+            *InputKinds()[i].IsKind = kFalse;
+        }
+        *chosen.IsKind = kTrue;
+        Settings.LastDropDownInfoInOCS = static_cast<std::int16_t>(&chosen - InputKinds().data());
+    }
+    ~KindOfImport() {
+        const bool isOtherJob = before_.Overtaken || Run.JobFilePath != jobPath_;
+        if (Kept || isOtherJob) return;
+        for (std::size_t i = 0; i < flags_.size(); ++i) *InputKinds()[i].IsKind = flags_[i];
+        Settings.LastDropDownInfoInOCS = last_;
+        before_.RestorePoses();
+    }
+    KindOfImport(const KindOfImport&) = delete;
+    KindOfImport& operator=(const KindOfImport&) = delete;
+    bool Kept = false;
+
+private:
+    static constexpr std::size_t kKinds = 7;
+    JobBeforeImport& before_;
+    std::array<Flag, kKinds> flags_{};
+    std::int16_t last_ = Settings.LastDropDownInfoInOCS;
+    std::string jobPath_ = Run.JobFilePath;
+};
+
+// A program gives each of its poses an orientation, which a fit of the tool vector needs.
+void NotePairsWithoutOrientation() {
+    const int known = std::max(Job.RobotABC.Rows, 0);
+    if (ChosenKind().Read == nullptr || known >= Job.nIdent) return;
+    AddNote(NoteCode::NoOrientation,
+            "Pairs have no orientation, the first is point \"" +
+                Printable(Job.MCS_Name[static_cast<std::size_t>(known) + 1]) +
+                "\": a tool vector cannot be fitted",
+            Run.PathReader, 0, Job.nIdent - known);
+}
 
 // A cancelled import leaves the points of before, and all that shows them.
 void EndCancelled(JobBeforeImport& before) {
@@ -222,22 +273,23 @@ void myBtn_OK() {
     JobBeforeImport jobBefore;
     Job.PathMCS = w.TextNameMCS.Text;
     Job.PathOCS = w.TextNameOCS.Text;
-    if (!FileIsThere(Job.PathMCS) || !FileIsThere(Job.PathOCS)) return;
+    const auto leaveJob = [&before] {
+        Job.PathMCS = before[0];
+        Job.PathOCS = before[1];
+        Job.NameMCS = before[2];
+        Job.NameOCS = before[3];
+    };
+    if (!FileIsThere(Job.PathMCS) || !FileIsThere(Job.PathOCS)) return leaveJob();
     Run.PathReader = w.TextNameOCS.Text;
-    const bool isDefault = &ChosenKind() == &InputKinds().front();
-    if (!isDefault) Job.PathOCS = Job.PathMCS;
+    const InputKind& chosen = KindOfDialog();
+    if (&chosen != &InputKinds().front()) Job.PathOCS = Job.PathMCS;
     Job.NameMCS = w.TextRenameMCS.Text;
     Job.NameOCS = w.TextRenameOCS.Text;
     if (IsTrue(Run.JobDataValid) && !IsTrue(Run.OverwriteQuiet)) {
         if (!AskYesNo(
                 "This will not add points, it will delete the old imported Points and import the new Points",
-                "Overwrite old Points?")) {
-            Job.PathMCS = before[0];
-            Job.PathOCS = before[1];
-            Job.NameMCS = before[2];
-            Job.NameOCS = before[3];
-            return;
-        }
+                "Overwrite old Points?"))
+            return leaveJob();
         if (IsTrue(Run.ColorBarOpen)) UnloadWindow("FormColorBar");
         Initialisieren();
         CloseAllGraphicsWindows();
@@ -252,6 +304,7 @@ void myBtn_OK() {
     }
 
     ForgetNotes();
+    KindOfImport kind(chosen, jobBefore);
     ImportGuard guard;
     std::optional<ImportUnderWay> underWay(&jobBefore);
     ++Run.JobGeneration;
@@ -259,7 +312,8 @@ void myBtn_OK() {
     IdentischePkte_Neu();
     if (IsTrue(Run.ImportFailed)) return EndCancelled(jobBefore);
     underWay.reset();
-    guard.Whole = true;
+    guard.Whole = kind.Kept = true;
+    NotePairsWithoutOrientation();
     Run.JobDataValid = kTrue;  // the main sheet shows no others
     const std::uint64_t generation = Run.JobGeneration;
     FuellenHaupttabelle();

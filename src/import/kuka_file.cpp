@@ -1,14 +1,18 @@
 // Programs with their poses in declarations, one a line: DECL E6POS XP1={X 1.5,Y 2,Z 3,A 4,B 5,C 6,S 2,T 35}
 #include <array>
 
+#include "core/notes.h"
 #include "core/run.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "import/form_input_files.h"
 #include "import/point_file_checks.h"
 #include "import/robot_files.h"
 #include "import/robot_program.h"
 
 namespace {
+
+// --- By the beginnings of lines --------------------------------------------------------------------------
 
 // A program has blanks between its words; some programs have sharps in their place. What stands behind the
 // orientation ends it.
@@ -42,15 +46,144 @@ void TakePose(const RobotProgram& program, const Declaration& form, PoseTable& p
     poses.Take(program, {values[0], values[1], values[2]}, {values[3], values[4], values[5]});
 }
 
-}  // namespace
-
-void EinlesenKUKAdatDatei() {
+void ReadByBeginnings() {
     RobotProgram program(Run.PathReader);
-    std::int64_t n = 0;
+    std::int64_t n = 0, taken = 0, firstLeft = 0;
     wieOftStringinFile(program.File, "{X", n);
     PoseTable poses(program, n, Units.AngleFactor);
     // A pose in the very last line is not taken: its place stays empty.
-    while (NextLine(program) && !HasEnded(program))
-        for (const Declaration& form : {kWithBlanks, kWithSharps})
-            if (program.Line.starts_with(form.Begin)) TakePose(program, form, poses);
+    while (NextLine(program)) {
+        const std::int64_t before = taken;
+        const bool isLast = HasEnded(program);
+        for (const Declaration& form : {kWithBlanks, kWithSharps}) {
+            if (isLast || !program.Line.starts_with(form.Begin)) continue;
+            TakePose(program, form, poses);
+            ++taken;
+        }
+        if (taken == before && firstLeft == 0 && program.Line.find("{X") != std::string_view::npos)
+            firstLeft = program.Lines.Row;
+        if (isLast) break;
+    }
+    if (taken < n)
+        AddNote(NoteCode::PosesSkipped,
+                "What looks like a pose is not taken, and its place stays without a point: the line does not "
+                "begin with DECL E6POS, or it is the last one",
+                program.File.Path, static_cast<int>(firstLeft), static_cast<int>(n - taken));
+}
+
+// --- By declarations -------------------------------------------------------------------------------------
+
+bool IsGap(char c) {
+    return c == ' ' || c == '\t' || c == '#';
+}
+
+std::size_t BehindGap(std::string_view line, std::size_t at) {
+    while (at < line.size() && IsGap(line[at])) ++at;
+    return at;
+}
+
+// Cuts a word of letters, digits, underlines and dollars off at `at`, in capital letters: the language knows
+// no others.
+std::string CutWord(std::string_view line, std::size_t& at) {
+    at = BehindGap(line, at);
+    const std::size_t begin = at;
+    const auto isPart = [](char c) {
+        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' ||
+               c == '$';
+    };
+    while (at < line.size() && isPart(line[at])) ++at;
+    return UpperAscii(line.substr(begin, at - begin));
+}
+
+// Does a line declare a pose with its value? `brace` is the place of the one that opens it.
+bool DeclaresPose(std::string_view line, std::size_t& brace) {
+    std::size_t at = 0;
+    std::string word = CutWord(line, at);
+    while (word == "DECL" || word == "GLOBAL" || word == "CONST") word = CutWord(line, at);
+    if (word != "E6POS" && word != "POS") return false;
+    if (CutWord(line, at).empty()) return false;
+    const std::size_t equals = line.find('=', at);
+    if (equals == std::string_view::npos) return false;
+    brace = BehindGap(line, equals + 1);
+    return brace < line.size() && line[brace] == '{';
+}
+
+// Positions and joint values of any kind open with a brace and their first letter.
+bool LooksLikePose(std::string_view line) {
+    for (std::size_t at = line.find('{'); at != std::string_view::npos; at = line.find('{', at + 1)) {
+        std::size_t place = at + 1;
+        const std::string word = CutWord(line, place);
+        if (word == "X" || word == "A1") return true;
+    }
+    return false;
+}
+
+// Where the value that begins at `at` ends: at a comma before the name of the next one. Another comma is a
+// decimal one.
+std::size_t EndOfValue(std::string_view line, std::size_t at, std::size_t end) {
+    for (; at < end; ++at) {
+        if (line[at] != ',') continue;
+        std::size_t next = at + 1;
+        const std::string word = CutWord(line, next);
+        if (word.empty() || (word[0] >= 'A' && word[0] <= 'Z')) break;
+    }
+    return at;
+}
+
+void TakeDeclaredPose(const RobotProgram& program, std::size_t brace, PoseTable& poses) {
+    const std::string_view line = program.Line;
+    const std::string names = "XYZABC";
+    std::array<double, 6> values{};
+    std::array<bool, 6> known{};
+    const std::size_t end = std::min(line.find('}', brace), line.size());
+    std::size_t at = brace + 1;
+    while (at < end) {
+        const std::string name = CutWord(line, at);
+        if (at < end && line[at] == ':') {  // the name of the type stands before the first value
+            ++at;
+            continue;
+        }
+        const std::size_t stop = EndOfValue(line, at, end);
+        const std::size_t k = name.size() == 1 ? names.find(name[0]) : std::string::npos;
+        if (k != std::string::npos) {
+            if (known[k]) FailAtLine(program, "\"" + name + "\" stands twice in \"" + Printable(line) + "\"");
+            values[k] = NumberBetween(program, BehindGap(line, at), stop);
+            known[k] = true;
+        }
+        at = stop + 1;
+    }
+    for (std::size_t k = 0; k < 6; ++k)
+        if (!known[k])
+            FailAtLine(program,
+                       std::string("there is no \"") + names[k] + "\" in \"" + Printable(line) + "\"");
+    poses.Take(program, {values[0], values[1], values[2]}, {values[3], values[4], values[5]});
+}
+
+void ReadByDeclarations() {
+    RobotProgram program(Run.PathReader);
+    std::int64_t n = 0, skipped = 0, firstSkipped = 0;
+    std::size_t brace = 0;
+    while (NextLine(program)) {
+        if (DeclaresPose(program.Line, brace)) {
+            ++n;
+        } else if (LooksLikePose(program.Line) && skipped++ == 0) {
+            firstSkipped = program.Lines.Row;
+        }
+    }
+    program.Lines = LineWalk(program.File);
+    PoseTable poses(program, n, Units.AngleFactor);
+    while (NextLine(program))
+        if (DeclaresPose(program.Line, brace)) TakeDeclaredPose(program, brace, poses);
+    if (skipped > 0)
+        AddNote(
+            NoteCode::PosesSkipped,
+            "What looks like a pose declares none and is not taken: a remark, a frame, joint values or an "
+            "assignment",
+            program.File.Path, static_cast<int>(firstSkipped), static_cast<int>(skipped));
+}
+
+}  // namespace
+
+void EinlesenKUKAdatDatei() {
+    InputFiles.ReadsDeclarations ? ReadByDeclarations() : ReadByBeginnings();
 }

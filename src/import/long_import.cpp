@@ -76,7 +76,7 @@ void JobBeforeImport::Restore() {
     PutValues(Transformation(), transformation_);
     Job.SeedIndex = seed_;
     Job.DirectionMCStoOCS = direction_;
-    Job.RobotABC = std::move(poses_);
+    if (poses_) Job.RobotABC = *std::exchange(poses_, std::nullopt);
     // The working points are still there; their arrays have only grown.
     Job.TMCS_Name.resize(working_[0]);
     Job.TMCS_X.resize(working_[1]);
@@ -90,6 +90,10 @@ void JobBeforeImport::Restore() {
     RepairJobCounts();
 }
 
+void JobBeforeImport::RestorePoses() {
+    if (!Target && poses_) Job.RobotABC = *std::exchange(poses_, std::nullopt);
+}
+
 ImportUnderWay::ImportUnderWay(JobBeforeImport* before) {
     LongImport = LongImportRecord{};
     LongImport.Before = before;
@@ -98,6 +102,7 @@ ImportUnderWay::ImportUnderWay(JobBeforeImport* before) {
 }
 
 ImportUnderWay::~ImportUnderWay() {
+    if (LongImport.Before != nullptr) LongImport.Before->Overtaken = LongImport.Overtaken;
     if (LongImport.Large && !outer_.Large) UnloadWindow(FormProgressBar_Entry.Name);
     LongImport = outer_;
 }

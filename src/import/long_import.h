@@ -24,8 +24,11 @@ struct JobBeforeImport {
     JobBeforeImport();
     // Puts everything back. To be called only while nothing else than the import has changed the points.
     void Restore();
+    // Puts the orientations back where the import ended before it had other target points for the job.
+    void RestorePoses();
 
     std::optional<PointArrays> Start, Target;
+    bool Overtaken = false;  // an import that has ended had found the points to be those of somebody else
 
 private:
     std::array<std::int32_t, 5> counts_;
@@ -33,7 +36,7 @@ private:
     std::array<double, 9> transformation_;
     std::array<std::int16_t, 4> seed_;
     Flag direction_, valid_, trafoValid_, calcDone_;
-    Matrix poses_;
+    std::optional<Matrix> poses_;
     std::array<std::size_t, 4> working_;
     std::uint64_t generation_;
 };

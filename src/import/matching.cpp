@@ -16,6 +16,7 @@
 #include "core/text.h"
 #include "import/long_import.h"
 #include "import/name_order.h"
+#include "import/row_notes.h"
 
 namespace {
 
@@ -123,6 +124,11 @@ bool RefuseDoubleName(PointSet set, const NameOrder& order) {
     if (name == nullptr) return false;
     const std::string message = "There might be a double Pointnumber in the " + std::string(set.Label) +
                                 " File. " + kLineEnd + "Please check Point Number " + *name;
+    const bool isStart = &set.Name == &Job.MCS_Name;
+    const std::string prefix = std::string(set.Label) + "_";  // which pairing without names puts in front
+    const std::string& path = isStart ? Job.PathMCS : Job.PathOCS;
+    NoteDoubleName(path, *name);
+    if (name->starts_with(prefix)) NoteDoubleName(path, name->substr(prefix.size()));
     Run.ImportFailed = kTrue;
     ShowMessage(message);
     return true;

@@ -7,8 +7,10 @@
 #include <iterator>
 #include <limits>
 #include <string_view>
+#include <unordered_set>
 
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/run.h"
@@ -17,6 +19,7 @@
 #include "import/long_import.h"
 #include "import/point_file_checks.h"
 #include "import/point_text.h"
+#include "import/row_notes.h"
 
 namespace {
 
@@ -46,10 +49,12 @@ constexpr std::array<double, 16> kPowersOfTen = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5
 // Cuts the next field off a line where it is a plain decimal number, in one go with its conversion. Up to
 // 15 digits are a whole number that a 64-bit float holds exactly, and so is the power of ten, so that one
 // division gives the correctly rounded value. False, and the line as it was, for any other field.
-bool CutPlainDecimal(std::string_view& line, char delimiter, char decimal, double& value) {
+//   passed  set where a delimiter stands in front of the field, behind the one that ended the field before
+bool CutPlainDecimal(std::string_view& line, char delimiter, char decimal, double& value, bool& passed) {
     const char* at = line.data();
     const char* const end = at + line.size();
     while (at != end && *at == delimiter) ++at;
+    passed |= at != line.data();
     while (at != end && (*at == ' ' || *at == '\t')) ++at;
     const bool negative = at != end && *at == '-';
     if (negative) ++at;
@@ -77,6 +82,24 @@ bool CutPlainDecimal(std::string_view& line, char delimiter, char decimal, doubl
     return true;
 }
 
+constexpr std::array<const char*, 3> kAxes = {"x", "y", "z"};
+
+// Notes on a field that is no plain decimal number.
+void NoteSlowField(std::string_view field, bool good, BadField badField, const char* axis,
+                   const std::string& name, std::int64_t row, RowNotes& notes) {
+    const auto place = [&] { return std::string(axis) + " of point \"" + Printable(name) + "\""; };
+    if (field.empty()) {
+        notes.Count(NoteCode::EmptyCoordinate, row, [&] { return place() + " is empty and counts as 0"; });
+    } else if (good) {
+        notes.LookAtDigits(field, row);
+    } else if (badField == BadField::LeavesValue) {
+        notes.Count(NoteCode::ValueKept, row, [&] {
+            return "\"" + Printable(field) + "\" in " + place() +
+                   " is not a number; the value stays empty, which counts as 0";
+        });
+    }
+}
+
 // Reads the lines of a checked file.
 PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, BadField badField) {
     std::int64_t rows = 0;
@@ -89,6 +112,7 @@ PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, Bad
     PointColumns points(n);
     const double factor = Units.LengthFactor;
     const char decimal = SystemDecimal();
+    RowNotes notes(file.Path, delimiter, PointFields(hasName));
     std::size_t p = 0, ignored = 0;
     LineWalk lines(file);
     std::string_view line;
@@ -99,6 +123,7 @@ PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, Bad
             if (p >= n) break;
             ShowMessage("Empty Row in File " + std::string(kLineEnd) + file.Path + kLineEnd + " in line " +
                         std::to_string(p + 1 + ignored) + " will be ignored");
+            notes.Count(NoteCode::EmptyRow, lines.Row, [] { return "A row without a point is passed over"; });
             ++ignored;
             continue;
         }
@@ -108,6 +133,8 @@ PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, Bad
             points.Cancelled = true;
             break;
         }
+        const std::string_view whole = rest;
+        bool passed = rest.front() == delimiter;
         if (hasName) {
             points.Name[p] = CutField(rest, delimiter, scratch);
         } else {
@@ -116,12 +143,14 @@ PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, Bad
         std::array<double, 3> xyz{};
         std::array<bool, 3> good{};
         for (std::size_t i = 0; i < 3; ++i) {
-            good[i] = CutPlainDecimal(rest, delimiter, decimal, xyz[i]);
+            good[i] = CutPlainDecimal(rest, delimiter, decimal, xyz[i], passed);
             std::string_view field;
             if (!good[i]) {
+                passed |= !rest.empty() && rest.front() == delimiter;
                 field = CutField(rest, delimiter, scratch);
                 good[i] =
                     field.empty() || (TextToNumber(field, decimal, xyz[i]) && std::isfinite(xyz[i] / factor));
+                NoteSlowField(field, good[i], badField, kAxes[i], points.Name[p], lines.Row, notes);
             }
             xyz[i] /= factor;
             if (good[i] || badField == BadField::LeavesValue) continue;
@@ -133,7 +162,10 @@ PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, Bad
         if (good[1]) points.Y[p] = xyz[1];
         if (good[2]) points.Z[p] = xyz[2];
         if (!points.Error.empty()) break;
+        // A plain row has no delimiter too many and nothing behind its last field.
+        if ((passed && delimiter != ' ') || HoldsMore(rest)) notes.Look(whole, lines.Row);
     }
+    notes.Write();
     return points;
 }
 
@@ -191,6 +223,30 @@ void Einlesen_Neu() {
     ReadSet(Job.PathOCS, BadField::LeavesValue, {35, 70}, ReplaceTarget);
 }
 
+namespace {
+
+// Names of further points that a point has already, of the job or among them.
+void NoteNamesThatAreThere(const std::string& path, const std::vector<std::string>& added,
+                           std::string_view prefix, std::string_view suffix) {
+    std::unordered_set<std::string_view> names(Job.MCS_Name.begin() + 1, Job.MCS_Name.end());
+    std::string_view first;
+    int count = 0;
+    for (std::size_t i = 1; i < added.size(); ++i) {
+        if (added[i].empty() || names.insert(added[i]).second) continue;
+        if (count++ == 0) first = added[i];
+    }
+    if (count == 0) return;
+    const std::array<int, 2> lines =
+        LinesOfName(path, first.substr(prefix.size(), first.size() - prefix.size() - suffix.size()));
+    const std::string other = lines[1] > 0 ? "in line " + std::to_string(lines[1]) : "among the start points";
+    AddNote(NoteCode::DuplicateName,
+            "The name \"" + Printable(first) + "\" of line " + std::to_string(lines[0]) + " stands " + other +
+                " too",
+            path, lines[0], count);
+}
+
+}  // namespace
+
 bool ReadMorePoints(const std::string& path, const std::string& prefix, const std::string& suffix) {
     Run.ImportFailed = kFalse;
     const ImportUnderWay underWay(nullptr);
@@ -218,6 +274,7 @@ bool ReadMorePoints(const std::string& path, const std::string& prefix, const st
         append(y, added.Y);
         append(z, added.Z);
     };
+    NoteNamesThatAreThere(path, more.Name, prefix, suffix);
     PointColumns copies = more;
     extend(Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z, more);
     extend(Job.TMCS_Name, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z, copies);

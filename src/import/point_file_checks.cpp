@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/run.h"
@@ -117,6 +118,9 @@ char DecimalMark(const PointText& file) {
     return file.Text.find('.') == std::string_view::npos ? ',' : '.';
 }
 
+// FindTrennzeichen; false where the file shows no delimiter.
+bool FindDelimiter(const PointText& file, std::string& delimiter, FileRows rows);
+
 }  // namespace
 
 void DezTrennzeichenIstKomma(Flag& isComma) {
@@ -124,6 +128,12 @@ void DezTrennzeichenIstKomma(Flag& isComma) {
 }
 
 void FindTrennzeichen(const PointText& file, std::string& delimiter, FileRows rows) {
+    FindDelimiter(file, delimiter, rows);
+}
+
+namespace {
+
+bool FindDelimiter(const PointText& file, std::string& delimiter, FileRows rows) {
     std::array<std::int64_t, 8> counts{};
     // Block by block, so that seven counts read the memory once.
     constexpr std::size_t kBlock = 1 << 14;
@@ -140,7 +150,10 @@ void FindTrennzeichen(const PointText& file, std::string& delimiter, FileRows ro
         if (other == 0 && IsBlankTableWithDecimalComma(file, rows)) result = 1;
     }
     if (result != 0) delimiter = std::string(1, kCandidates[result]);
+    return result != 0;
 }
+
+}  // namespace
 
 void Diverse_Checks(PointText& file, std::int64_t& columns, const std::string& delimiter,
                     std::int64_t& firstBadRow) {
@@ -251,7 +264,11 @@ void Check_DecimalDelimiter(PointText& file, const std::string& delimiter) {
 }
 
 bool CheckColumns(PointText& file, FileRows rows, std::string& delimiter, std::int64_t& columns) {
-    FindTrennzeichen(file, delimiter, rows);
+    if (!FindDelimiter(file, delimiter, rows) && !delimiter.empty())
+        AddNote(
+            NoteCode::OldDelimiter,
+            "The file shows no delimiter; it is read with that of before, \"" + Printable(delimiter) + "\"",
+            file.Path);
     if (delimiter.empty()) {
         const std::string gap = kBreak + kBreak + kBreak;
         Fail("Couldn´t find any delimiter in file: " + gap + file.Path + gap + "allowed is ONLY: " + kBreak +

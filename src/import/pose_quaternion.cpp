@@ -1,8 +1,10 @@
 // From quaternions to the angles of a pose.
 #include "import/pose_quaternion.h"
 
+#include <algorithm>
 #include <cmath>
 
+#include "core/notes.h"
 #include "core/platform.h"
 #include "core/text.h"
 #include "engine/quaternion.h"
@@ -10,12 +12,15 @@
 
 namespace {
 
-// Far above what rounding to four digits makes of a quaternion, and with a tool of 200 mm 0.2 mm.
-constexpr double kNoticeable_rad = 1e-3;
+using Quaternion = std::array<double, 4>;
+
+double LengthOf(const Quaternion& q) {
+    return std::sqrt(q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3]);
+}
 
 // The rotation of a quaternion of any length but 0.
-Mat3 MatrixOf(const std::array<double, 4>& q) {
-    const double length = std::sqrt(q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3]);
+Mat3 MatrixOf(const Quaternion& q) {
+    const double length = LengthOf(q);
     const double w = q[0] / length, x = q[1] / length, y = q[2] / length, z = q[3] / length;
     Mat3 M;
     M(1, 1) = 1 - 2 * (y * y + z * z);
@@ -30,35 +35,54 @@ Mat3 MatrixOf(const std::array<double, 4>& q) {
     return M;
 }
 
-bool TurnAlike(const PoseAngles& angles, const std::array<double, 4>& q) {
+// A quaternion of n digits is off from length 1 by its rounding, and from that the angles of either way
+// differ by as much. Beyond 1e-5, which a tool of 200 mm shows as 0.002 mm, digits explain nothing any more.
+double Tolerance(const Quaternion& q) {
+    constexpr double kExact = 1e-9, kMost = 1e-5;
+    const double length = LengthOf(q);
+    return std::min(kExact + 4 * std::fabs(length * length - 1), kMost);
+}
+
+bool TurnAlike(const PoseAngles& angles, const Mat3& wanted, double tolerance) {
     Mat3 turned;
     RotMatrixXYZ(-angles[2], -angles[1], -angles[0], turned);
-    const Mat3 wanted = MatrixOf(q);
     for (int row = 1; row <= 3; ++row)
         for (int column = 1; column <= 3; ++column)
-            if (!(std::fabs(turned(row, column) - wanted(row, column)) <= kNoticeable_rad)) return false;
+            if (!(std::fabs(turned(row, column) - wanted(row, column)) <= tolerance)) return false;
     return true;
+}
+
+// A, B, C of Rz(A) Ry(B) Rx(C) = M. Where B is a right angle A and C are one rotation: C is 0 then.
+PoseAngles AnglesOfMatrix(const Mat3& M) {
+    const double c = std::hypot(M(1, 1), M(2, 1));
+    constexpr double kPole = 1e-9;
+    const double B = std::atan2(-M(3, 1), c);
+    if (c < kPole) return {std::atan2(-M(1, 2), M(2, 2)), B, 0};
+    // Near it C goes with what rounding has made of A, so that both together give M.
+    const double A = std::atan2(M(2, 1), M(1, 1)), s = std::sin(A), k = std::cos(A);
+    return {A, B, std::atan2(s * M(1, 3) - k * M(2, 3), k * M(2, 2) - s * M(1, 2))};
 }
 
 }  // namespace
 
-PoseAngles AnglesOfQuaternion(const std::array<double, 4>& q, const RobotProgram& program,
-                              LostOrientations& lost) {
+PoseAngles AnglesOfQuaternion(const Quaternion& q, const RobotProgram& program, MatrixAngles& fromMatrix) {
+    const double length = LengthOf(q);
+    if (!std::isfinite(length) || !(length > 0))
+        FailAtLine(program, "these numbers are no pose: \"" + Printable(program.Line) + "\"");
     double a = 0, b = 0, c = 0;
     QuaternionToAngles(q[0], q[1], q[2], q[3], a, b, c);
     const PoseAngles angles = {-c, -b, -a};
-    if (!TurnAlike(angles, q) && lost.Count++ == 0) lost.FirstLine = program.Lines.Row;
-    return angles;
+    const Mat3 wanted = MatrixOf(q);
+    if (TurnAlike(angles, wanted, Tolerance(q))) return angles;
+    if (fromMatrix.Count++ == 0) fromMatrix.FirstLine = program.Lines.Row;
+    return AnglesOfMatrix(wanted);
 }
 
-void ShowLostOrientations(const RobotProgram& program, const LostOrientations& lost) {
-    if (lost.Count == 0) return;
-    const std::string gap = std::string(kLineEnd) + kLineEnd;
-    std::string poses = "1 pose, in line ";
-    if (lost.Count > 1) poses = std::to_string(lost.Count) + " poses, the first in line ";
-    ShowMessage(
-        "File: " + program.File.Path + gap + "The angles A, B, C of " + poses +
-        std::to_string(lost.FirstLine) + ", do not turn as the quaternion does." + gap +
-        "Its length is not 1, or it stands at a right angle. Positions are not touched; please do not "
-        "use these orientations for a tool vector.");
+void NoteMatrixAngles(const RobotProgram& program, const MatrixAngles& fromMatrix) {
+    if (fromMatrix.Count == 0) return;
+    AddNote(
+        NoteCode::MatrixAngles,
+        "The angles of a pose are taken from its rotation, because its quaternion has not length 1 or stands "
+        "at a right angle",
+        program.File.Path, static_cast<int>(fromMatrix.FirstLine), static_cast<int>(fromMatrix.Count));
 }

@@ -3,25 +3,27 @@
 
 #include <array>
 #include <cstdint>
-#include <string>
 
 #include "import/robot_program.h"
 
-// Which poses have angles that do not turn as their quaternions do.
-struct LostOrientations {
+// Which poses have their angles from the rotation itself.
+struct MatrixAngles {
     std::int64_t Count = 0;
     std::int64_t FirstLine = 0;
 };
 
 // The angles of a pose by QuaternionToAngles, which turn points where that one's turn axes: with the other
 // sign and in the order of RobotABC, rad.
-//   q     q1 to q4 of the file, the real part first
-//   lost  counts the pose of the present line when the angles do not give the rotation of q. That is so for
-//         quaternions whose length is not 1, and at right angles: where the second angle is 90 degrees, and
-//         where both divisors of QuaternionToAngles vanish, its fixed answers are others.
-// The result may hold NaN, which no table of poses takes.
+//   q           q1 to q4 of the file, the real part first
+//   fromMatrix  counts the pose of the present line when these angles do not give the rotation of q, and
+//   those of
+//               its rotation matrix are the result. That is so for quaternions whose length is not 1 by more
+//               than their digits explain, and at right angles: where the second angle is 90 degrees, and
+//               where both divisors of QuaternionToAngles vanish, its fixed answers are others.
+// Throws PlatformError, with the line in it, for a quaternion of length 0 or beyond the range of numbers: it
+// turns nothing.
 PoseAngles AnglesOfQuaternion(const std::array<double, 4>& q, const RobotProgram& program,
-                              LostOrientations& lost);
+                              MatrixAngles& fromMatrix);
 
-// Tells the user of them; nothing when there are none.
-void ShowLostOrientations(const RobotProgram& program, const LostOrientations& lost);
+// Notes them; nothing when there are none.
+void NoteMatrixAngles(const RobotProgram& program, const MatrixAngles& fromMatrix);

@@ -14,7 +14,8 @@ struct InputKind {
 };
 std::span<const InputKind> InputKinds();
 
-// The entry that is chosen; the first one when none is.
+// The kind of the job, which is that of the import under way; the first one when it is of none. What the
+// dialog shows is no kind of the job before its import goes on.
 const InputKind& ChosenKind();
 
 // Each reads a robot program into the target set: positions into OCS_* and nOCS, orientations into

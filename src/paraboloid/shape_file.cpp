@@ -14,6 +14,7 @@
 #include "core/text.h"
 #include "core/units.h"
 #include "import/point_file_checks.h"
+#include "import/row_notes.h"
 #include "paraboloid/paraboloid.h"
 #include "paraboloid/shape.h"
 
@@ -68,12 +69,16 @@ Profile ReadProfile(const PointText& file) {
     std::string_view line;
     std::string decoded, first, second;
     const char delimiter = DelimiterCharacter(Run.Delimiter);
+    RowNotes notes(file.Path, delimiter, {"radius", "height"});
     while (lines.Next(line)) {
         if (line.empty()) continue;
         std::string_view rest = DecodedLine(file, line, decoded);
+        const std::string_view whole = rest;
         const std::string_view radius = CutField(rest, delimiter, first);
         const double r = Length(file, lines.Row, radius);
         const double z = std::fabs(Length(file, lines.Row, CutField(rest, delimiter, second)));
+        if (HoldsMore(rest) || (delimiter != ' ' && CountByte(whole, delimiter) > 1))
+            notes.Look(whole, lines.Row);
         if (!profile.Points.empty() && profile.Points.back().r == r && profile.Points.back().z == z) {
             ++profile.DoublePoints;
             profile.Points.back().Line = lines.Row;
@@ -81,6 +86,7 @@ Profile ReadProfile(const PointText& file) {
             profile.Points.push_back({r, z, lines.Row});
         }
     }
+    notes.Write();
     return profile;
 }
 

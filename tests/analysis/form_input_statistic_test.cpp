@@ -10,6 +10,7 @@
 #include "core/refresh.h"
 #include "core/settings.h"
 #include "core/units.h"
+#include "import/robot_files.h"
 #include "support/fixture.h"
 
 class Statistic : public Program {
@@ -20,11 +21,10 @@ protected:
     void Import(const std::string& start, const std::string& target) const {
         ImportFiles(Write("start.txt", start), Write("target.txt", target));
     }
-    // Chooses a kind of target file by its entry in the input dialog, the first being 0.
+    // Makes the job one of a kind of target file, by its entry in the input dialog, the first being 0.
     static void ChooseKind(int entry) {
-        ShowWindow("FormInputFiles");
-        UserSetIndex(InputFiles.ComboOCS_Data, entry);
-        UnloadWindow("FormInputFiles");
+        for (const InputKind& kind : InputKinds()) *kind.IsKind = kFalse;
+        *InputKinds()[static_cast<std::size_t>(entry)].IsKind = kTrue;
     }
     static std::vector<const Control*> Ranges() {
         return {&InputStatistic.TextRangeA, &InputStatistic.TextRangeB, &InputStatistic.TextRangeC};

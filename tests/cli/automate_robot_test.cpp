@@ -86,6 +86,33 @@ TEST_F(RobotsByName, EveryKindIsImportedAndFittedWithItsToolVector) {
     }
 }
 
+TEST_F(RobotsByName, AToolVectorWithoutOrientationsIsRefusedWithTheReason) {
+    const auto open = [](const std::string& job) {
+        Good({{"do", "answer"}, {"kind", "open"}, {"value", job}});
+        Click("FormMain.MenuFileOpen");
+    };
+    for (const RobotKind& kind : kKinds) {
+        Import(kind.Entry, kExamples + kind.File);
+        const std::string job = PathOf("job.cvn");
+        Good({{"do", "answer"}, {"kind", "save"}, {"value", job}});
+        Click("FormMain.MenuFileSaveAs");
+        open(job);
+        Click("FormMain.MenuTransformationCalculation");
+        Set("FormTrafoBerechnung.CheckUseABC", 1);
+        const json reply = Click("FormTrafoBerechnung.BtnCalculate");
+        if (kind.HasSpans) {
+            EXPECT_EQ(Record("TrafoValid"), -1) << kind.Entry << reply;
+            EXPECT_LT(Record("s0").get<double>(), 0.12);
+        } else {
+            EXPECT_EQ(Record("TrafoValid"), 0) << kind.Entry;
+            EXPECT_NE(reply.dump().find("10 of the 10 pairs have no orientation"), std::string::npos)
+                << reply;
+            EXPECT_NE(reply.dump().find("import the robot program again"), std::string::npos);
+        }
+        Good({{"do", "close"}, {"at", "FormTrafoBerechnung"}});
+    }
+}
+
 TEST_F(RobotsByName, TheDistanceModelTakesThePositionsOfEveryKind) {
     for (const RobotKind& kind : kKinds) {
         SCOPED_TRACE(kind.Entry);

@@ -188,6 +188,35 @@ TEST_F(RobotProgramFits, ProgramsHaveThePointOnASystemWithComma) {
     ExpectTruth(fit, kTool);
 }
 
+TEST_F(RobotProgramFits, AJobThatKeepsNoOrientationsIsNotFittedWithThem) {
+    const std::string tips = Write("tips.txt", Tips(kTool));
+    std::string program;
+    for (std::size_t i = 0; i < poses_.size(); ++i) {
+        const auto& [p, a] = poses_[i];
+        program += Print("%zu;%g;%g;%g;%g;%g;%g\n", i + 1, p[0], p[1], p[2], a[0], a[1], a[2]);
+    }
+    const std::string path = Write("program.txt", program), job = PathOf("angles.cvn");
+    ASSERT_EQ(Fit({tips, path, "--as", "xyzabc", "--tool", "--save", job}).Status, 0);
+    for (const std::vector<std::string>& more : {std::vector<std::string>{}, {"--tool"}}) {
+        FreshStart();
+        std::vector<std::string> arguments = {"--job", job, "--json", "--save", PathOf("again.cvn")};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        const Outcome outcome = Fit(arguments);
+        EXPECT_EQ(outcome.Status, 1);
+        EXPECT_EQ(outcome.Out, "");
+        EXPECT_NE(outcome.Err.find("orientation"), std::string::npos) << outcome.Err;
+        EXPECT_FALSE(File_Exist(PathOf("again.cvn")));
+    }
+    // What it says to do: the orientations from a file.
+    FreshStart();
+    ExpectTruth(FitJson({"--job", job, "--poses", path}), kTool);
+    // Kuka jobs keep them.
+    const std::string kuka = PathOf("kuka.cvn");
+    ASSERT_EQ(Fit({tips, Kuka(), "--as", "kuka", "--tool", "--save", kuka}).Status, 0);
+    FreshStart();
+    ExpectTruth(FitJson({"--job", kuka}), kTool);
+}
+
 TEST_F(RobotProgramFits, OptionsThatDoNotGoTogetherAreWrongUsage) {
     const std::string tips = Write("tips.txt", Tips(kTool)), program = Kuka();
     const std::vector<std::vector<std::string>> wrong = {

@@ -45,6 +45,41 @@ TEST_F(TransformCommand, FilesAndFoldersAreTransformed) {
     EXPECT_EQ(Contents(to + "/one_out.csv"), "P\t3.500\t6.000\t8.000\r\n");
 }
 
+TEST_F(TransformCommand, OnAMachineWithDecimalCommaEveryCommandHasThePoint) {
+    const std::string in = Write("a.txt", kPoint);
+    const std::string frame = PathOf("cell.rf"), matrix = PathOf("cell.bas");
+    // What the locale of the machine would give.
+    const auto onGermanMachine = [](const std::vector<std::string>& arguments) {
+        FreshStart();
+        Headless = HeadlessRecord{};
+        Headless.Decimal = ',';
+        return CommandLine(arguments);
+    };
+    const Outcome fit =
+        onGermanMachine({"fit", kMeasured, kNominal, "--leave-out", "F09", "--save", PathOf("cell.cvn")});
+    EXPECT_EQ(fit.Status, 0) << fit.Err;
+    EXPECT_EQ(fit.Err, "");
+    EXPECT_NE(fit.Out.find("1834.184"), std::string::npos) << fit.Out;
+    EXPECT_EQ(onGermanMachine({"transform", job_, in, "--to", PathOf("out")}).Status, 0);
+    EXPECT_EQ(Contents(PathOf("out/a_out.txt")), kResult);
+    for (const std::vector<std::string>& more : {std::vector<std::string>{}, {"--decimal", ","}}) {
+        std::vector<std::string> arguments = {"export", PathOf("cell.cvn"), "--robcad", frame};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        EXPECT_EQ(onGermanMachine(arguments).Status, 0);
+        EXPECT_NE(Contents(frame).find("1.8342E+03 , -4.2101E+03"), std::string::npos) << Contents(frame);
+        arguments[2] = "--rocal";
+        arguments[3] = matrix;
+        EXPECT_EQ(onGermanMachine(arguments).Status, 0);
+        EXPECT_TRUE(Contents(matrix).starts_with("[0.")) << Contents(matrix);
+        EXPECT_NE(Contents(matrix).find(",1834.18"), std::string::npos) << Contents(matrix);
+    }
+    EXPECT_NE(onGermanMachine({"info", PathOf("cell.cvn")}).Out.find("1834.184"), std::string::npos);
+    EXPECT_NE(onGermanMachine({"distances", PathOf("cell.cvn"), "--csv"}).Out.find('.'), std::string::npos);
+    // Who wants the comma says so.
+    EXPECT_NE(onGermanMachine({"info", PathOf("cell.cvn"), "--decimal", ","}).Out.find("1834,184"),
+              std::string::npos);
+}
+
 TEST_F(TransformCommand, TheUnitsAndDigitsAreThoseOfTheJob) {
     const std::string path = PathOf("meter.cvn");
     ASSERT_EQ(Command({"fit", start_, target_, "--length-unit", "m", "--digits", "5", "--save", path}).Status,

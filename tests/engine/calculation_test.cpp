@@ -153,6 +153,7 @@ TEST_F(CalculationRun, DistanceAndToolTogetherAreWarnedOfAndCalculatedAllTheSame
 
 TEST_F(CalculationRun, PosesInAnotherAngleUnitAreAskedAboutUntilTheUserHasEnough) {
     AddCloud({.Points = 12, .Noise = 1, .Truth = kTruth});
+    Job.RobotABC = Matrix(Job.nIdent, 3);
     Job.AngleUnitName = "rad";
     FloatParameters(kRigid);
     Selection.CheckUseABC = true;

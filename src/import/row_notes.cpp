@@ -1,0 +1,168 @@
+// Notes on the rows of a text file.
+#include "import/row_notes.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "core/platform.h"
+#include "core/run.h"
+#include "core/text.h"
+#include "import/point_file_checks.h"
+#include "import/point_text.h"
+
+namespace {
+
+std::string Quoted(std::string_view text) {
+    return "\"" + Printable(text) + "\"";
+}
+
+// Cuts the next word off, between blanks and tabs.
+std::string_view CutWord(std::string_view& text) {
+    const std::size_t begin = std::min(text.find_first_not_of(" \t"), text.size());
+    const std::size_t end = std::min(text.find_first_of(" \t", begin), text.size());
+    const std::string_view word = text.substr(begin, end - begin);
+    text.remove_prefix(end);
+    return word;
+}
+
+std::size_t CountWords(std::string_view text) {
+    std::size_t count = 0;
+    while (!CutWord(text).empty()) ++count;
+    return count;
+}
+
+std::string_view Trimmed(std::string_view text) {
+    const std::size_t begin = std::min(text.find_first_not_of(" \t"), text.size());
+    text.remove_prefix(begin);
+    return text.substr(0, text.find_last_not_of(" \t") + 1);
+}
+
+int AsInt(std::int64_t value) {
+    return static_cast<int>(std::min<std::int64_t>(value, std::numeric_limits<int>::max()));
+}
+
+}  // namespace
+
+FieldNames PointFields(bool hasName) {
+    return hasName ? FieldNames{"name", "x", "y", "z"} : FieldNames{"x", "y", "z"};
+}
+
+RowNotes::RowNotes(std::string path, char delimiter, FieldNames fields)
+    : path_(std::move(path)),
+      delimiter_(delimiter == ' ' ? '\0' : delimiter),
+      fields_(std::move(fields)),
+      hasName_(std::string_view(fields_.front()) == "name") {}
+
+void RowNotes::Look(std::string_view line, std::int64_t row) {
+    const std::size_t size = fields_.size();
+    const auto ignored = [&](std::string_view what) {
+        Count(NoteCode::ColumnsIgnored, row, [&] {
+            return "Fields behind " + std::string(fields_.back()) + " are not read: " + Quoted(Trimmed(what));
+        });
+    };
+    if (delimiter_ == '\0') {
+        std::string_view rest = line;
+        for (std::size_t i = 0; i < size; ++i) CutWord(rest);
+        if (HoldsMore(rest)) ignored(rest);
+        return;
+    }
+    std::size_t taken = 0;
+    bool gap = false, split = false;
+    for (std::size_t at = 0; at <= line.size();) {
+        const std::size_t end = std::min(line.find(delimiter_, at), line.size());
+        const std::string_view cell = Trimmed(line.substr(at, end - at));
+        const std::string_view rest = line.substr(at);
+        at = end + 1;
+        if (cell.empty()) {
+            gap = true;
+            continue;
+        }
+        if (taken >= size) {
+            if (!split) ignored(rest);
+            break;
+        }
+        if (gap)
+            Count(NoteCode::DelimitersSideBySide, row, [&] {
+                return "Delimiters stand side by side and count as one: " + Quoted(cell) + " is taken as " +
+                       fields_[taken];
+            });
+        gap = false;
+        const std::size_t words = CountWords(cell);
+        if (words > 1) {
+            split = true;
+            if (taken == 0 && hasName_) {
+                Count(NoteCode::NameCut, row, [&] {
+                    return "The name " + Quoted(cell) + " ends at its blank, and what follows is taken as " +
+                           fields_[1];
+                });
+            } else if (taken + 1 == size) {
+                Count(NoteCode::FieldCut, row, [&] {
+                    return "What stands behind the first blank of " + Quoted(cell) + " in " + fields_[taken] +
+                           " is not read";
+                });
+            } else {
+                Count(NoteCode::FieldSplit, row, [&] {
+                    return "The field " + Quoted(cell) + " is divided by its blank: " + fields_[taken] +
+                           " is the first part, " + fields_[taken + 1] + " the second";
+                });
+            }
+        }
+        taken += words;
+    }
+}
+
+void RowNotes::LookAtDigits(std::string_view field, std::int64_t row) {
+    // As many a 64-bit float gives back, whatever the number.
+    constexpr std::size_t kMostDigits = 17;
+    std::string digits;
+    for (const char c : field) {
+        if (c == 'e' || c == 'E') break;
+        if (c >= '0' && c <= '9' && !(digits.empty() && c == '0')) digits += c;
+    }
+    while (digits.ends_with('0')) digits.pop_back();
+    if (digits.size() <= kMostDigits) return;
+    Count(NoteCode::DigitsCut, row, [&] {
+        return "The number " + Quoted(field) + " has more digits than are kept, which are " +
+               std::to_string(kMostDigits);
+    });
+}
+
+void RowNotes::Write() {
+    for (std::size_t code = 0; code < slots_.size(); ++code) {
+        Slot& slot = slots_[code];
+        if (slot.Count > 0)
+            AddNote(static_cast<NoteCode>(code), std::move(slot.Text), path_, AsInt(slot.Row),
+                    AsInt(slot.Count));
+        slot = Slot{};
+    }
+}
+
+std::array<int, 2> LinesOfName(const std::string& path, std::string_view name) {
+    std::array<int, 2> found{};
+    std::size_t count = 0;
+    try {
+        const PointText file = LoadPointText(path);
+        std::string delimiter = Run.Delimiter;
+        FindTrennzeichen(file, delimiter);
+        LineWalk lines(file);
+        std::string_view line;
+        std::string decoded, scratch;
+        while (count < found.size() && lines.Next(line)) {
+            std::string_view rest = DecodedLine(file, line, decoded);
+            if (CutField(rest, DelimiterCharacter(delimiter), scratch) == name)
+                found[count++] = AsInt(lines.Row);
+        }
+    } catch (const PlatformError&) {  // it has gone meanwhile
+        return {};
+    }
+    return found;
+}
+
+void NoteDoubleName(const std::string& path, std::string_view name) {
+    const std::array<int, 2> lines = LinesOfName(path, name);
+    if (lines[1] == 0) return;
+    AddNote(NoteCode::DuplicateName,
+            "The name " + Quoted(name) + " stands in line " + std::to_string(lines[0]) + " and in line " +
+                std::to_string(lines[1]),
+            path, lines[0]);
+}

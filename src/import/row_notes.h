@@ -1,0 +1,68 @@
+// What the rows of a text file hold beside the fields that a reader takes, or in place of them. Readers look
+// at a row that is none of the plain ones, and the notes of a file are written once, when it has been read.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/notes.h"
+
+// The fields of a row, by the names that notes give them; a name, where rows have one, is called so and comes
+// first.
+using FieldNames = std::vector<const char*>;
+FieldNames PointFields(bool hasName);  // (name), x, y, z
+
+class RowNotes {
+public:
+    // delimiter  between the fields; 0 = blanks and tabs alone
+    RowNotes(std::string path, char delimiter, FieldNames fields);
+
+    // Counts the row under the codes that apply:
+    //   NameCut               a blank ends the name, and what follows it is taken as the next field
+    //   FieldSplit            the same in another field
+    //   FieldCut              the same in the last field: what follows is not read
+    //   DelimitersSideBySide  an empty field is passed over, and the next one takes its place
+    //   ColumnsIgnored        fields behind those that are read
+    void Look(std::string_view line, std::int64_t row);
+
+    // Counts an occurrence; `text` is asked for that of the first.
+    template <class Text>
+    void Count(NoteCode code, std::int64_t row, Text text) {
+        Slot& slot = slots_[static_cast<std::size_t>(code)];
+        if (slot.Count++ > 0) return;
+        slot.Row = row;
+        slot.Text = text();
+    }
+
+    // Counts a number that has more digits than a 64-bit float holds.
+    void LookAtDigits(std::string_view field, std::int64_t row);
+
+    // Adds to the list of notes what has been counted since the last time.
+    void Write();
+
+private:
+    struct Slot {
+        std::int64_t Count = 0, Row = 0;
+        std::string Text;
+    };
+    std::string path_;
+    char delimiter_;
+    FieldNames fields_;
+    bool hasName_;
+    std::array<Slot, static_cast<std::size_t>(NoteCode::Count_)> slots_{};
+};
+
+// Is there anything but blanks and tabs in a text?
+inline bool HoldsMore(std::string_view rest) {
+    return !rest.empty() && rest.find_first_not_of(" \t") != std::string_view::npos;
+}
+
+// The first two lines of a point file whose points bear a name, from 1; 0 where there is none, or no file any
+// more.
+std::array<int, 2> LinesOfName(const std::string& path, std::string_view name);
+
+// The note that two points of a file bear the same name. Nothing where the file does not show it.
+void NoteDoubleName(const std::string& path, std::string_view name);

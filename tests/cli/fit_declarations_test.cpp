@@ -1,0 +1,112 @@
+// `corvinade-cli fit` reads robot programs by what they declare.
+#include "cli/fit_command.h"
+#include "core/job.h"
+#include "core/notes.h"
+
+namespace {
+
+class Declarations : public FitCommand {
+protected:
+    // The target positions of a fit of four start points, in their order, to the poses of a program.
+    std::vector<std::vector<double>> Positions(const std::string& program, const std::string& kind) {
+        FreshStart();
+        const json fit = FitJson({tips_, program, "--as", kind});
+        std::vector<std::vector<double>> positions;
+        for (const json& point : fit["points"])
+            positions.push_back(point["target_mm"].get<std::vector<double>>());
+        return positions;
+    }
+    static const Note* NoteOf(NoteCode code) {
+        for (const Note& note : Notes.List)
+            if (note.Code == code) return &note;
+        return nullptr;
+    }
+    std::string tips_ = Write("tips.txt", "1;1;2;3\n2;4;50;6\n3;70;8;9\n4;7;8;90\n");
+    const std::vector<std::vector<double>> truth_ = {{1, 2, 3}, {4, 50, 6}, {70, 8, 9}, {7, 8, 90}};
+};
+
+}  // namespace
+
+TEST_F(Declarations, OfAKukaProgramAreItsPosesWhereverAndHoweverTheyStand) {
+    const std::string program =
+        Write("program.dat",
+              "&ACCESS RVP\n"
+              "DEFDAT CALIB PUBLIC\n"
+              ";DECL E6POS XP0={X 9,Y 9,Z 9,A 9,B 9,C 9,S 2,T 35}\n"
+              "DECL E6POS XP1={X 1,Y 2,Z 3,A 10,B 20,C 30,S 2,T 35}\n"
+              "DECL FRAME HOME={X 9,Y 9,Z 9,A 9,B 9,C 9}\n"
+              "\t DECL GLOBAL E6POS XP2={X 4, Y 50, Z 6, A 10, B 20, C 30, S 2, T 35}\n"
+              "DECL E6AXIS XJ={A1 0,A2 0,A3 0,A4 0,A5 0,A6 0}\n"
+              "global decl pos XP3={pos: Z 9,X 70,Y 8,A 10,B 20,C 30} ; by hand\n"
+              "XP4={X 9,Y 9,Z 9,A 9,B 9,C 9,S 2,T 35}\n"
+              "DECL#E6POS#XP5={X#7,Y#8,Z#90,A#10,B#20,C#30,S#2,T#35}");
+    EXPECT_EQ(Positions(program, "kuka"), truth_);
+    const Note* const skipped = NoteOf(NoteCode::PosesSkipped);
+    ASSERT_NE(skipped, nullptr);
+    EXPECT_EQ(skipped->File, program);
+    EXPECT_EQ(skipped->Line, 3);
+    EXPECT_EQ(skipped->Count, 4) << "remark, frame, joint values, assignment";
+    EXPECT_EQ(Job.OCS_Name.size(), 5u);
+}
+
+TEST_F(Declarations, ThatLackSomethingAreRefusedWithTheirLine) {
+    const std::vector<std::pair<std::string, std::string>> wrong = {
+        {"POS P={X 1,Y 2,Z 3,A 4,B 5}", "line 2: there is no \"C\" in"},
+        {"POS P={X 1,Y 2,Z 3,A 4,B 5,C 6,X 7}", "line 2: \"X\" stands twice in"},
+        {"POS P={X 1,Y ,Z 3,A 4,B 5,C 6}", "line 2: a number is missing in"},
+        {"POS P={X 1,Y two,Z 3,A 4,B 5,C 6}", "line 2: \"two\" is not a number"},
+        {"POS P={X 1,Y 2 mm,Z 3,A 4,B 5,C 6}", "line 2: \"2 mm\" is not a number"},
+    };
+    for (const auto& [line, text] : wrong) {
+        const Outcome outcome =
+            Fit({tips_, Write("program.dat", "DEFDAT T\n" + line + "\n"), "--as", "kuka"});
+        EXPECT_EQ(outcome.Status, 3) << line;
+        EXPECT_NE(outcome.Err.find(text), std::string::npos) << outcome.Err;
+    }
+}
+
+TEST_F(Declarations, OfAModuleAreItsRobotTargetsAlone) {
+    const std::string rest = ",[1,0,0,0],[0,0,0,0],[9E9,9E9,9E9,9E9,9E9,9E9]];";
+    const std::string program =
+        Write("program.modx",
+              "MODULE Calib\n"
+              "  PERS tooldata t:=[TRUE,[[9,9,9],[1,0,0,0]],[1,[0,0,1],[1,0,0,0],0,0,0]];\n"
+              "  TASK PERS wobjdata w:=[FALSE,TRUE,\"a!b\",[[9,9,9],[1,0,0,0]],[[0,0,0],[1,0,0,0]]];\n"
+              "\n"
+              "  CONST jointtarget j:=[[0,0,0,0,0,0],[9E9,9E9,9E9,9E9,9E9,9E9]];\n"
+              "  ! CONST robtarget p0:=[[9,9,9]" +
+                  rest +
+                  "\n"
+                  "  LOCAL CONST robtarget p1:=[[1,2,3]" +
+                  rest +
+                  "\n"
+                  "  PERS tooldata u:=[TRUE,\n"
+                  "    [[9,9,9],[1,0,0,0]],\n"
+                  "    [1,[0,0,1],[1,0,0,0],0,0,0]];\n"
+                  "  VAR RobTarget p2:=\n"
+                  "    [[4,50,6]" +
+                  rest +
+                  "\n"
+                  "  p3:=[[70,8,9]" +
+                  rest +
+                  "\n"
+                  "  MoveL [[7,8,90],[1,0,0,0],[0,0,0,0],[9E9,9E9,9E9,9E9,9E9,9E9]],v100,fine,t;\n"
+                  "  MoveAbsJ [[0,0,0,0,0,0],[9E9,9E9,9E9,9E9,9E9,9E9]],v100,fine,t;\n"
+                  "ENDMODULE ! Calib");
+    EXPECT_EQ(Positions(program, "abb"), truth_);
+    const Note* const skipped = NoteOf(NoteCode::PosesSkipped);
+    ASSERT_NE(skipped, nullptr);
+    EXPECT_EQ(skipped->Line, 2);
+    EXPECT_EQ(skipped->Count, 6) << "two tools, work object, two of joints, remark";
+    EXPECT_EQ(NoteOf(NoteCode::PosesDoubtful), nullptr);
+}
+
+TEST_F(Declarations, ADelimiterThatIsNamedIsNoDecisionOfTheProgram) {
+    const std::string blanks = Write("blanks.txt", "1 1 2 3\n2 4 50 6\n3 70 8 9\n4 7 8 90\n");
+    EXPECT_EQ(Fit({blanks, blanks, "--delimiter", "space"}).Status, 0);
+    EXPECT_EQ(NoteOf(NoteCode::OldDelimiter), nullptr);
+    FreshStart();
+    EXPECT_EQ(Fit({tips_, blanks}).Status, 0);
+    ASSERT_NE(NoteOf(NoteCode::OldDelimiter), nullptr);
+    EXPECT_EQ(NoteOf(NoteCode::OldDelimiter)->File, blanks);
+}
