@@ -16,7 +16,7 @@ struct FormNotes {
     Control LabelSummary = Label("");
     Control GridNotes = Grid(1, 1);
     Control BtnCopy = Button("&Copy");
-    Control BtnClose = Button("C&lose");
+    Control BtnClose = Button("Cl&ose");
 
     std::vector<Note> Rows;  // what the table shows, from its row 1 on
 

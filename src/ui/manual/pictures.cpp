@@ -236,9 +236,9 @@ void NotesPicture() {
     UserDid([] {
         Dispatch([] {
             ForgetNotes();
-            AddNote(NoteCode::NumberAsZero, "\"12.5mm\" is no number, z counts as 0.", kStart, 7);
-            AddNote(NoteCode::DuplicateName, "Two points are named \"F09\", in line 9 and here.", kStart, 12);
-            AddNote(NoteCode::ColumnsIgnored, "Fields behind the third coordinate are not read.", kTarget, 1,
+            AddNote(NoteCode::NumberAsZero, "\"12.5mm\" is no number, z counts as 0", kStart, 7);
+            AddNote(NoteCode::DuplicateName, "two points are named \"F09\", in line 9 and here", kStart, 12);
+            AddNote(NoteCode::ColumnsIgnored, "fields behind the third coordinate are not read", kTarget, 1,
                     15);
             ShowWindow("FormNotes");
         });
