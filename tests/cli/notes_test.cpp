@@ -213,6 +213,23 @@ TEST_F(NotesOfCommands, ATransformedLineWithoutThreeNumbersIsAWarning) {
     EXPECT_NE(passed.Err.find("1 of 1 files transformed\n"), std::string::npos);
 }
 
+// Points on a line leave the turn about it open.
+TEST_F(NotesOfCommands, AFitThatLeavesParametersOpenPassesWithAWarningAndNotStrictly) {
+    const std::string start = Write("line.txt", "A;0;0;0\nB;100;0;0\nC;250;0;0\nD;400;0;0\n");
+    const std::string target = Write("placed.txt", "A;5;6;7\nB;105;6;7\nC;255;6;7\nD;405;6;7\n");
+    const Outcome plain = Run({"fit", start, target, "--json"});
+    EXPECT_EQ(plain.Status, 0) << plain.Err;
+    EXPECT_GE(Lines(plain.Err, "warning: "), 1) << plain.Err;
+    const json notes = json::parse(plain.Out).at("notes");
+    EXPECT_TRUE(std::any_of(notes.begin(), notes.end(), [](const json& note) {
+        return note.at("code") == "open-parameters";
+    })) << notes.dump();
+    const Outcome strict = Run({"fit", start, target, "--json", "--save", PathOf("line.cvn")}, true);
+    EXPECT_EQ(strict.Status, 3);
+    EXPECT_EQ(strict.Out, "");
+    EXPECT_FALSE(File_Exist(PathOf("line.cvn")));
+}
+
 // --- The manual
 // ----------------------------------------------------------------------------------------------
 
