@@ -164,10 +164,14 @@ struct Sizes {
             }
         Extent = chosen.empty() ? 0 : std::sqrt(squares / static_cast<double>(chosen.size()));
     }
+    static constexpr double kDigits = 64 * 2.220446049250313e-16;
+
+    // All points are at one place, but for the last digits.
+    bool OnePlace() const { return Extent <= kDigits * Coordinate; }
     // The share of a column that is rounding.
     double Rounding() const {
-        constexpr double kEpsilon = 2.220446049250313e-16, kLeast = 1e-10;
-        return Extent > 0 ? std::max(kLeast, 64 * kEpsilon * Coordinate / Extent) : 1;
+        constexpr double kLeast = 1e-10;
+        return OnePlace() ? kLeast : std::max(kLeast, kDigits * Coordinate / Extent);
     }
 };
 
@@ -201,7 +205,7 @@ std::vector<Column> NullSpace(const Cloud& cloud, const std::vector<int>& chosen
         norms[At(k)] = std::sqrt(squares);
         const bool inner = std::any_of(&cloud.At_.Inner[0], &cloud.At_.Inner[0] + cloud.At_.InnerCount,
                                        [k](const InnerDerivative& each) { return each.Unknown == k + 1; });
-        if (norms[At(k)] > (inner ? 1e-10 * size : 0)) {
+        if (inner ? norms[At(k)] > 1e-10 * size && !sizes.OnePlace() : norms[At(k)] > 0) {
             moving.push_back(k);
             continue;
         }
