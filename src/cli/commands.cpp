@@ -359,10 +359,10 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     } catch (const CLI::ParseError& error) {
         return app.exit(error, out, err) == 0 ? kDone : kWrongUsage;
     }
-    // A command gives the same on every machine, and to a script what its other programs read. The one that
-    // stands in for the desktop has the locale as that has.
-    if (!automate->parsed()) Headless.Decimal = '.';
     if (automate->parsed()) return Serve(automateSwitches, in, out);
+    // A command gives the same on every machine, and to a script what its other programs read. Only the one
+    // above, which stands in for the desktop, has the locale as that has.
+    Headless.Decimal = '.';
     const ToldNotes notes(err);
     if (fit->parsed()) {
         for (const CLI::Option* option : fit->get_options())

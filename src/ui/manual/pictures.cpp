@@ -236,10 +236,10 @@ void NotesPicture() {
     UserDid([] {
         Dispatch([] {
             ForgetNotes();
-            AddNote(NoteCode::NumberAsZero, "\"12.5mm\" is no number, z counts as 0", kStart, 7);
-            AddNote(NoteCode::DuplicateName, "two points are named \"F09\", in line 9 and here", kStart, 12);
-            AddNote(NoteCode::ColumnsIgnored, "fields behind the third coordinate are not read", kTarget, 1,
-                    15);
+            AddNote(NoteCode::EmptyCoordinate, "z of point \"F11\" is empty and counts as 0", kStart, 7);
+            AddNote(NoteCode::FieldCut,
+                    "What stands behind the first blank of \"782.7441 mm\" in z is not read", kStart, 11);
+            AddNote(NoteCode::ColumnsIgnored, "Fields behind z are not read: \"ok\"", kTarget, 1, 15);
             ShowWindow("FormNotes");
         });
     });
