@@ -329,6 +329,7 @@ private:
     void Certify() {
         Certificate = CertificateRecord{};
         Certificate.Mirrored = mirrored_;
+        Certificate.BeganAgain = begun_;
         const Solution* best = Wanted();
         if (best == nullptr || !usable_) return;
         Certificate.Kind =

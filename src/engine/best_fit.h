@@ -11,7 +11,8 @@ struct CertificateRecord {
     int Starts = 0;
     // By how much of itself the sum of squares is above that of the best solution found; 0 within rounding.
     double RelativeAbove = 0;
-    bool Mirrored = false;  // the determinant of R K S is below 0
+    bool Mirrored = false;    // the determinant of R K S is below 0
+    bool BeganAgain = false;  // the told iteration ended elsewhere, or nowhere
 };
 inline CertificateRecord Certificate;
 

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <utility>
 
+#include "core/job.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/require.h"
@@ -74,17 +75,25 @@ struct FitsOfRuns {
         return ChooseModel(Fit.ParamText);
     }
 
+    void Begin() const {
+        TakeStartValues(Choice, Seeds);
+        if (!Fit.RunsBegin) return;
+        for (int k = kTraX; k < kParameterEnd; ++k)
+            if (Short.Model.UnknownOf[At(k)] != 0) ParameterValue(Job, k) = (*Fit.RunsBegin)[At(k)];
+        if (Short.Model.UnknownOf[kScaleXYZ] != 0) Job.ScaleX = Job.ScaleY = Job.ScaleZ = Job.ScaleXYZ;
+    }
+
     // False when the job's points were replaced meanwhile. Adjustment.Converged tells whether it came to its
     // end.
     bool Run(bool shown) {
         ByShort = false;
         MoveSeeds(Fit.Points, Seeds);
-        TakeStartValues(Choice, Seeds);
+        Begin();
         if (ShortServes && !shown) {
             const FitEnd end = FitAgain(Short, Fit.Points);
             ByShort = end != FitEnd::Unfinished;
             if (ByShort) return end != FitEnd::JobChanged;
-            TakeStartValues(Choice, Seeds);
+            Begin();
         }
         IterateFromHere(Fit.u, Fit.n, Fit.ParamText, Fit.Q, Fit.v, Fit.P, Fit.Points);
         return !Adjustment.JobChanged;

@@ -3,6 +3,7 @@
 
 #include "core/controller.h"
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/run.h"
@@ -13,13 +14,30 @@
 
 namespace {
 
+// The iteration from the start values, held against the best fit. False when the job's points were replaced
+// meanwhile.
+bool SeekFromStart(NormFit& fit) {
+    TakeStartValues(fit.Choice, TakeSeedPoints());
+    IterateQuietly(fit.u, fit.n, fit.ParamText, fit.Q, fit.v, fit.P, fit.Points);
+    return !Adjustment.JobChanged && SeekBestFit(fit);
+}
+
+// Where the start values lead astray they would do so in the runs as well.
+bool ChooseBeginOfRuns(NormFit& fit) {
+    const std::vector<Note> notes = Notes.List;
+    if (!SeekFromStart(fit)) return false;
+    Notes.List = notes;  // the fit behind the runs says it
+    if (!Certificate.BeganAgain) return true;
+    std::array<double, 18>& begin = fit.RunsBegin.emplace();
+    for (int k = kTraX; k < kParameterEnd; ++k) begin[static_cast<std::size_t>(k)] = ParameterValue(Job, k);
+    return true;
+}
+
 bool FitL2(NormFit& fit) {
     SetStatus(6, "...L2");
     SetStatus(7, "...L2");
-    if (MonteCarloIsInTheFit() && !RunMonteCarlo(fit)) return false;
-    TakeStartValues(fit.Choice, TakeSeedPoints());
-    IterateQuietly(fit.u, fit.n, fit.ParamText, fit.Q, fit.v, fit.P, fit.Points);
-    if (Adjustment.JobChanged || !SeekBestFit(fit)) return false;
+    if (MonteCarloIsInTheFit() && (!ChooseBeginOfRuns(fit) || !RunMonteCarlo(fit))) return false;
+    if (!SeekFromStart(fit)) return false;
     TellOfLimit();
     Norm.Converged = Adjustment.Converged;
     return true;

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <limits>
+#include <optional>
 #include <string>
 
 #include "core/arrays.h"
@@ -37,6 +38,9 @@ struct NormFit {
     Column v;  // out: n residuals of the last fit, mm
     Column P;  // in: n weights 0 or 1; out: as the loop leaves them
     GatheredPoints Points;
+    // Where the runs of Monte Carlo begin, by parameter number: at the best fit, where the start values lead
+    // the iteration astray. Nothing: at the start values, each run by its own seed points.
+    std::optional<std::array<double, 18>> RunsBegin = {};
 };
 
 // Runs the norm that Job.NormType names: 1 L1, 3 Loo, any other number least squares. The points are

@@ -217,6 +217,21 @@ TEST_F(BestFit, WithAsManyParametersAsObservationsSaysThatSigmaSaysNothing) {
     EXPECT_EQ(Count(fit, "equal-residuals"), 1);
 }
 
+// The runs begin where the fit ends, and not where the seed points would lead them.
+TEST_F(BestFit, WithMonteCarloSpreadsTheRunsAboutItself) {
+    std::vector<Point> cloud = Cloud(12, 1000, 13);
+    for (std::size_t i = 0; i < 3; ++i)
+        cloud[i] = {100.0 * static_cast<double>(i), 1e-7, 0};  // seeds on a line
+    const json fit = Fitted(cloud, Mapped(cloud, Turned),
+                            {"--parameters", "7", "--monte-carlo", "200", "--sigma", "0.05"});
+    for (const json& parameter : fit["monteCarlo"]["parameters"]) {
+        if (parameter["name"] != "scalexyz") continue;
+        EXPECT_NEAR(parameter["mean"].get<double>(), 1, 1e-4);
+        EXPECT_LT(parameter["spread"].get<double>(), 1e-3);
+    }
+    EXPECT_EQ(fit["monteCarlo"]["runs"], 200);
+}
+
 // A plate of 1 m by 1 mm, ten metres off.
 TEST_F(BestFit, OfThinPlatesFarFromTheOriginConverges) {
     for (unsigned seed = 1; seed <= 100; ++seed) {
