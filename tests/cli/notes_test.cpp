@@ -24,10 +24,11 @@ protected:
     void Notice(NoteCode code, const std::string& text) {
         FileFaults.Refuse = [this, code, text](const std::string& operation, const std::string& path) {
             if (operation == "create" || operation == "folder") written_.push_back(path);
-            if (operation == "open" && (path == job_ || path == start_ || path == network_))
-                AddNote(code, text, path, 7);
+            if (operation == "open" && (path == job_ || path == start_)) AddNote(code, text, path, 7);
             return std::string();
         };
+        // The reader of networks begins its list behind the file's last byte.
+        adjusting_ = [this, code, text] { AddNote(code, text, network_, 7); };
     }
 
     // Every command that reads files, with all that it can write.
@@ -49,9 +50,15 @@ protected:
                 {"export", job_, "--rocal", PathOf("new.bas")},
                 {"export", job_, "--points", PathOf("new.asc")}};
     }
-    static Outcome Run(Arguments arguments, bool strict = false) {
+    Outcome Run(Arguments arguments, bool strict = false) const {
         if (strict) arguments.emplace_back("--strict");
-        return FreshCommandLine(arguments);
+        if (arguments[0] != "bundle") return FreshCommandLine(arguments);
+        const auto faults = FileFaults;
+        FreshStart();
+        FileFaults = faults;
+        Headless = HeadlessRecord{};
+        Headless.OnYield = adjusting_;
+        return CommandLine(arguments);
     }
     static std::string Shown(const Arguments& arguments) {
         std::string text;
@@ -62,6 +69,7 @@ protected:
     std::string job_ = PathOf("job.cvn");
     std::string network_ = kExamples + "hall_network.txt";
     std::vector<std::string> written_;
+    std::function<void()> adjusting_;
 };
 
 int Lines(const std::string& text, const std::string& line) {
