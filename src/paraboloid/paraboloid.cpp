@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/refresh.h"
@@ -12,12 +13,14 @@
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/calculation_window.h"
+#include "engine/equal_forms.h"
 #include "engine/monte_carlo.h"
 #include "engine/seed.h"
 #include "engine/start_values.h"
 #include "engine/transform.h"
 #include "engine/trend.h"
 #include "paraboloid/form_stop_para_trafo.h"
+#include "paraboloid/held_directions.h"
 #include "paraboloid/shape.h"
 #include "paraboloid/shape_passes.h"
 
@@ -75,7 +78,32 @@ bool Stopped() {
 // more is to follow.
 bool GoOnToRest() {
     ShapePasses passes;
-    return passes.Begin() && GoToRest(passes) == PassEnd::Done && !Stopped();
+    bool moved = false;
+    return passes.Begin() && GoToRest(passes, moved) == PassEnd::Done && moved && !Stopped();
+}
+
+// Parameters that the shape leaves open, and points that it does not reach.
+void NoteLimitsOfShape() {
+    ShapePasses passes;
+    if (!passes.Begin()) return;
+    const std::vector<const char*> names = OpenOfShape(passes);
+    std::string open;
+    for (const char* name : names) open += (open.empty() ? "" : ", ") + std::string(name);
+    const bool one = names.size() == 1;
+    if (!open.empty())
+        AddNote(NoteCode::OpenParameters, "The shape does not hold " + open + ": what the result has of " +
+                                              (one ? "it" : "them") + " is arbitrary, and " +
+                                              (one ? "its sigma says" : "their sigmas say") + " nothing.");
+    int beyond = 0;
+    for (int i = 1; i <= Job.nIdent; ++i)
+        if (NearestShapeFoot(Job.TMCS_X[At(i)].value_or(0), Job.TMCS_Y[At(i)].value_or(0), Job.TMCS_Z[At(i)],
+                             Job.ParaboloidShape)
+                .Beyond)
+            ++beyond;
+    if (beyond > 0)
+        AddNote(NoteCode::TableExtended,
+                "A point lies beyond the end of the shape's table, whose last segment is extended for it.",
+                "", 0, beyond);
 }
 
 // Where the runs were stopped no loop follows that would have to be stopped again.
@@ -201,6 +229,7 @@ void CalculateParaboloid() {
     if (Calculation.Refused || CalculationIsRefused()) return;
     const std::uint64_t generation = Run.JobGeneration;
     const WindowGivesWay gives;
+    ForgetCalculationNotes();
     Run.CalcDone = kFalse;
     ParaboloidRun.ParaPass = 1;
     ParaboloidRun.ParaStopRequested = kFalse;
@@ -211,5 +240,10 @@ void CalculateParaboloid() {
     if (end == LoopEnd::Rest && GoOnToRest()) end = FitToShape(tolerance);
     if (Run.JobGeneration != generation) return;
     if (end == LoopEnd::Stopped) Calculation.Converged = false;  // though the fit of the last pass did
-    if (!Calculation.Refused) TransformByParameters();
+    if (Calculation.Refused) return;
+    TakePositiveForm(Adjustment.Model, Calculation.Q);
+    TransformByParameters();
+    if (!Calculation.Finite) return;
+    if (runs) BringRunsToFormOfResult();
+    NoteLimitsOfShape();
 }
