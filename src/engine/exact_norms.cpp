@@ -14,9 +14,11 @@
 #include "engine/adjustment.h"
 #include "engine/corrections.h"
 #include "engine/exact_place.h"
+#include "engine/exact_starts.h"
 #include "engine/linear_optimum.h"
 #include "engine/moments.h"
 #include "engine/normal_equations.h"
+#include "engine/small_svd.h"
 #include "engine/smooth_norms.h"
 
 namespace {
@@ -163,34 +165,46 @@ struct ExactRun {
         return true;
     }
 
-    // From places around the best one, as far off as the residuals are large: another minimum that noise has
-    // made is about as near. As many as the rows leave time for, and always the same ones.
+    // From places that the points themselves propose, and from places around the best one, as far off as the
+    // residuals are large: another minimum that noise has made is about as near. As many as the rows leave
+    // time for, and always the same ones.
     bool TryOtherStarts(WayEnd& best) {
-        constexpr int kMostStarts = 12, kRowsInAll = 20000;
+        constexpr int kMostStarts = 16, kByPoints = 5, kRowsInAll = 25000;
         const int starts = std::min(kMostStarts, kRowsInAll / std::max(1, Place.Rows.Used));
+        const std::vector<ParameterArray> proposed =
+            StartsByPoints(Fit, Place, Kind.Objective, std::min(kByPoints, starts - 1));
+        const bool mirrored = Mirrored(best.Parameters);
         std::uint64_t seed = 1;
-        const auto next = [&seed] {
-            seed = seed * 6364136223846793005ULL + 1442695040888963407ULL;
-            return static_cast<double>(seed >> 11U) / 4503599627370496.0 - 1;
-        };
-        const ParameterArray from = best.Parameters;
-        SetJobParameters(from);
-        Place.Linearise();
+        for (; Norm.Starts < starts && !Stopped; ++Norm.Starts) {
+            const std::size_t k = At(Norm.Starts - 1);
+            SetJobParameters(k < proposed.size() ? proposed[k] : best.Parameters);
+            Place.Linearise();
+            if (k >= proposed.size() && !StepAside(seed)) break;
+            const WayEnd end = FromHere();
+            if (JobChanged()) return false;
+            if (!Stopped && IsBetter(end, best) && (mirrored || !Mirrored(end.Parameters))) best = end;
+        }
+        return true;
+    }
+
+    // False where there are no residuals that tell how far.
+    bool StepAside(std::uint64_t& seed) {
         double square = 0;
         for (int i = 0; i < Place.Rows.Count(); ++i)
             if (Place.Rows.InUse[At(i)] != 0) square += Place.Rows.v[At(i)] * Place.Rows.v[At(i)];
-        if (!(square > 0)) return true;
-        for (; Norm.Starts < starts && !Stopped; ++Norm.Starts) {
-            SetJobParameters(from);
-            Place.Linearise();
-            std::vector<double> y(Place.T.size());
-            for (double& entry : y) entry = std::sqrt(square) * next();
-            Place.Step(y);
-            const WayEnd end = FromHere();
-            if (JobChanged()) return false;
-            if (!Stopped && IsBetter(end, best)) best = end;
+        if (!(square > 0)) return false;
+        std::vector<double> y(Place.T.size());
+        for (double& entry : y) {
+            seed = seed * 6364136223846793005ULL + 1442695040888963407ULL;
+            entry = std::sqrt(square) * (static_cast<double>(seed >> 11U) / 4503599627370496.0 - 1);
         }
+        Place.Step(y);
         return true;
+    }
+
+    bool Mirrored(const ParameterArray& parameters) {
+        SetJobParameters(parameters);
+        return Determinant3(::Linearise(Place.Model, Fit.Points).M) < 0;
     }
 
     // Of the coordinates about their centres.

@@ -85,3 +85,32 @@ TEST_F(RandomSets, NoReweightingFromNearbyFindsASmallerSum) {
         for (int start = 0; start < 3; ++start) EXPECT_GE(ReweightedFromNearby(0.05), sum * (1 - 1e-9));
     }
 }
+
+TEST_F(RandomSets, GrossErrorsAtTheSeedPointsLeadNowhereElse) {
+    // The sum at the transformation that the points were made with is one that the least cannot be above.
+    for (int trial = 0; trial < 60; ++trial) {
+        SCOPED_TRACE(trial);
+        Job = JobRecord{};
+        BeginFit();
+        for (int skip = 0; skip < 61 * trial; ++skip) NextNumber();
+        const int points = 9 + trial % 12;
+        const auto truth = Truth({10, -20, 30, NextNumber(), NextNumber(), 3 * NextNumber(), 1, 1, 1, 1});
+        double sumAtTruth = 0;
+        for (int i = 0; i < points; ++i) {
+            const reference::Point start = {300 * NextNumber(), 300 * NextNumber(), 300 * NextNumber()};
+            reference::Point target = reference::Image(truth, start);
+            for (auto& coordinate : target) {
+                const double error = (i < points / 3 ? 400 : 0.5) * NextNumber();
+                coordinate += error;
+                sumAtTruth += std::fabs(error);
+            }
+            AddPair(start, target);
+        }
+        FloatParameters(kRigid);
+        if (trial % 2 == 1) FloatParameters({kScaleXYZ});
+        Calculate(kL1);
+        EXPECT_TRUE(Calculation.Converged);
+        EXPECT_LE(Sum(), sumAtTruth * (1 + 1e-9));
+        EXPECT_GT(Norm.Starts, 1);
+    }
+}
