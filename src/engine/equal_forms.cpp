@@ -92,16 +92,30 @@ bool IsNearestAlready(const FitModel& model, const ParameterValues& reference,
     return true;
 }
 
-double SquareApart(const FitModel& model, const EqualForm& form, const ParameterValues& reference,
-                   const ParameterValues& values) {
-    double sum = 0;
-    for (int k = kRotX; k <= kAngleZtoXY; ++k) {
-        if (!Floats(model, k)) continue;
-        const double apart = Apart(k, form.Of(k, values[At(k)]), reference[At(k)]);
-        sum += apart * apart;
+// The squares of how far a parameter of a run is from the reference's, by its sign and half turns in a form:
+// few numbers, of which those of the many forms are made up.
+struct SquaresApart {
+    std::array<std::array<double, 4>, kParameterEnd> Of{};
+
+    SquaresApart(const FitModel& model, const ParameterValues& reference, const ParameterValues& values) {
+        for (int k = kRotX; k <= kAngleZtoXY; ++k) {
+            if (!Floats(model, k)) continue;
+            for (const int sign : {1, -1})
+                for (const int turns : {0, 1}) {
+                    const double there = sign * values[At(k)] + turns * kHalfTurn;
+                    const double apart = Apart(k, there, reference[At(k)]);
+                    Of[At(k)][Place(sign, turns)] = apart * apart;
+                }
+        }
     }
-    return sum;
-}
+    static std::size_t Place(int sign, int turns) { return At((sign < 0 ? 2 : 0) + turns); }
+    double Sum(const EqualForm& form) const {
+        double sum = 0;
+        for (int k = kRotX; k <= kAngleZtoXY; ++k)
+            sum += Of[At(k)][Place(form.Sign[At(k)], form.HalfTurns[At(k)])];
+        return sum;
+    }
+};
 
 // Signs follow an unknown into the inverse of the normal matrix.
 void FollowSigns(const FitModel& model, const EqualForm& form, Matrix& Q) {
@@ -163,8 +177,9 @@ bool TakeNearestForm(const FitModel& model, const std::vector<EqualForm>& forms,
     if (!IsNearestAlready(model, reference, values)) {
         const EqualForm* nearest = nullptr;
         double least = 0;
+        const SquaresApart squares(model, reference, values);
         for (const EqualForm& form : forms) {
-            const double apart = SquareApart(model, form, reference, values);
+            const double apart = squares.Sum(form);
             if (nearest != nullptr && !(apart < least)) continue;
             nearest = &form;
             least = apart;
@@ -214,6 +229,6 @@ bool TakePositiveForm(const FitModel& model, Matrix& Q) {
     FollowSigns(model, *best, Q);
     NiceRotSolOfFit(model, Q);
     AddNote(NoteCode::NearestForm,
-            "The result with negative scales is shown in its equal form with positive scales.");
+            "the result with negative scales is shown in its equal form with positive scales");
     return true;
 }

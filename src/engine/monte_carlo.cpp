@@ -233,7 +233,7 @@ void BringRunsToFormOfResult() {
     AddNote(NoteCode::NearestForm,
             PlainText(others) + " of " + PlainText(results.Columns) +
                 " Monte Carlo runs ended in another form of the same transformation and were brought to the "
-                "form nearest to the result.");
+                "form nearest to the result");
 }
 
 double MeanOfArray(std::span<const double> a) {

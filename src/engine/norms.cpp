@@ -57,7 +57,7 @@ void NoteUnsettledFits(const NormLoop& loop) {
             PlainText(Norm.Unsettled) + (one ? " inner fit of " : " inner fits of ") + loop.Name +
                 " ended at the limit of " + PlainText(Settings.MaxIteration) +
                 " iterations and did not settle; the loop went on with " + (one ? "its" : "their") +
-                " weights, and the " + loop.Value + " may be above the least one.");
+                " weights, and the " + loop.Value + " may be above the least one");
 }
 
 // The fits inside a loop show no messages of their own.

@@ -2,7 +2,6 @@
 #include "paraboloid/held_directions.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 
@@ -141,10 +140,6 @@ bool AllFinite(const Square& a) {
     return true;
 }
 
-constexpr std::array<const char*, 14> kNames = {"",          "Tra x", "Tra y",   "Tra z",   "Rot x",
-                                                "Rot y",     "Rot z", "Scale x", "Scale y", "Scale z",
-                                                "Scale xyz", "xy",    "Azimuth", "z to xy"};
-
 }  // namespace
 
 FloatingParameters::FloatingParameters(const NormFit& fit) {
@@ -215,14 +210,14 @@ HeldDirections FindHeldDirections(const ShapePasses& passes, const FloatingParam
     return found;
 }
 
-std::vector<const char*> OpenOfShape(const ShapePasses& passes) {
+std::vector<int> OpenOfShape(const ShapePasses& passes) {
     constexpr double kPart = 0.1;
     const FloatingParameters floating(passes.Fit);
     const HeldDirections directions = FindHeldDirections(passes, floating, 0);
-    std::vector<const char*> names;
+    std::vector<int> parameters;
     for (std::size_t i = 0; i < floating.Numbers.size(); ++i)
         if (std::any_of(directions.Open.begin(), directions.Open.end(),
                         [i](const ParameterPlace& open) { return std::fabs(open[i]) > kPart; }))
-            names.push_back(kNames[At(floating.Numbers[i])]);
-    return names;
+            parameters.push_back(floating.Numbers[i]);
+    return parameters;
 }

@@ -42,6 +42,6 @@ struct HeldDirections {
 //   s0       of the last pass, mm
 HeldDirections FindHeldDirections(const ShapePasses& passes, const FloatingParameters& floating, int without);
 
-// The names of the parameters that a part of an open direction falls on, in the order of their numbers;
-// empty where the shape holds them all.
-std::vector<const char*> OpenOfShape(const ShapePasses& passes);
+// The numbers of the parameters that a part of an open direction falls on, rising; empty where the shape
+// holds them all.
+std::vector<int> OpenOfShape(const ShapePasses& passes);

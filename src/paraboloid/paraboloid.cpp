@@ -2,6 +2,7 @@
 #include "paraboloid/paraboloid.h"
 
 #include <cmath>
+#include <limits>
 
 #include "core/notes.h"
 #include "core/numbers.h"
@@ -15,6 +16,7 @@
 #include "engine/calculation_window.h"
 #include "engine/equal_forms.h"
 #include "engine/monte_carlo.h"
+#include "engine/result_notes.h"
 #include "engine/seed.h"
 #include "engine/start_values.h"
 #include "engine/transform.h"
@@ -82,18 +84,21 @@ bool GoOnToRest() {
     return passes.Begin() && GoToRest(passes, moved) == PassEnd::Done && moved && !Stopped();
 }
 
-// Parameters that the shape leaves open, and points that it does not reach.
+// Parameters that the shape leaves open, which then have no sigma, and points that it does not reach.
 void NoteLimitsOfShape() {
     ShapePasses passes;
     if (!passes.Begin()) return;
-    const std::vector<const char*> names = OpenOfShape(passes);
-    std::string open;
-    for (const char* name : names) open += (open.empty() ? "" : ", ") + std::string(name);
-    const bool one = names.size() == 1;
+    const std::vector<int> open = OpenOfShape(passes);
+    std::string names;
+    for (const int k : open) {
+        names += (names.empty() ? "" : ", ") + std::string(ParameterName(k));
+        Calculation.Sigma[At(k)] = Calculation.Significance[At(k)] = std::numeric_limits<double>::quiet_NaN();
+    }
     if (!open.empty())
-        AddNote(NoteCode::OpenParameters, "The shape does not hold " + open + ": what the result has of " +
-                                              (one ? "it" : "them") + " is arbitrary, and " +
-                                              (one ? "its sigma says" : "their sigmas say") + " nothing.");
+        AddNote(NoteCode::OpenParameters,
+                "the shape does not hold " + names + ": what is shown for " +
+                    (open.size() == 1 ? "it is arbitrary, and it has no sigma"
+                                      : "them is arbitrary, and they have no sigma"));
     int beyond = 0;
     for (int i = 1; i <= Job.nIdent; ++i)
         if (NearestShapeFoot(Job.TMCS_X[At(i)].value_or(0), Job.TMCS_Y[At(i)].value_or(0), Job.TMCS_Z[At(i)],
@@ -102,8 +107,8 @@ void NoteLimitsOfShape() {
             ++beyond;
     if (beyond > 0)
         AddNote(NoteCode::TableExtended,
-                "A point lies beyond the end of the shape's table, whose last segment is extended for it.",
-                "", 0, beyond);
+                "a point lies beyond the end of the shape's table, whose last segment is extended for it", "",
+                0, beyond);
 }
 
 // Where the runs were stopped no loop follows that would have to be stopped again.

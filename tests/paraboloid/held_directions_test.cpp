@@ -97,9 +97,12 @@ TEST_F(WhatAShapeHolds, OfAPlaneNoShiftInItIsMoved) {
     EXPECT_TRUE(Calculation.Converged);
     EXPECT_NEAR(Job.TraX, alone.TraX, 0.01);
     EXPECT_NEAR(Job.TraY, alone.TraY, 0.01);
+    for (const int k : {kTraX, kTraY})
+        EXPECT_TRUE(std::isnan(Calculation.Sigma[static_cast<std::size_t>(k)]));
+    EXPECT_GT(Calculation.Sigma[kTraZ], 0);
     EXPECT_EQ(NotesOf(NoteCode::OpenParameters),
-              std::vector<std::string>{"The shape does not hold Tra x, Tra y: what the result has of them is "
-                                       "arbitrary, and their sigmas say nothing."});
+              std::vector<std::string>{"the shape does not hold Tra x, Tra y: what is shown for them is "
+                                       "arbitrary, and they have no sigma"});
 }
 
 TEST_F(WhatAShapeHolds, TheTurnAboutTheAxisTakesNoPart) {
@@ -116,7 +119,7 @@ TEST_F(WhatAShapeHolds, TheTurnAboutTheAxisTakesNoPart) {
         EXPECT_NEAR(Job.RotZ, alone.RotZ, 1e-4);
         const std::vector<std::string> open = NotesOf(NoteCode::OpenParameters);
         ASSERT_EQ(open.size(), 1u);
-        EXPECT_EQ(open[0].find("The shape does not hold Rot z:"), 0u) << open[0];
+        EXPECT_EQ(open[0].find("the shape does not hold Rot z:"), 0u) << open[0];
     }
 }
 
@@ -204,8 +207,8 @@ TEST_F(WhatAShapeHolds, PointsBeyondTheTableAreCounted) {
     Job.ParaboloidShape = shorter;
     Calculate();
     EXPECT_EQ(NotesOf(NoteCode::TableExtended),
-              std::vector<std::string>{"A point lies beyond the end of the shape's table, whose last segment "
-                                       "is extended for it. (3 times)"});
+              std::vector<std::string>{"a point lies beyond the end of the shape's table, whose last segment "
+                                       "is extended for it (3 times)"});
 }
 
 TEST_F(WhatAShapeHolds, TheNormalIsThatOfTheSurfaceBehindTheTable) {
