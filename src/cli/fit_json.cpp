@@ -156,6 +156,8 @@ ordered_json Optimum() {
     } else {
         optimum["atMostAbove_mm"] = nullptr;
     }
+    optimum["about"] = Norm.BoundOfAll ? "all" : "this minimum";
+    optimum["starts"] = Norm.Starts;
     return optimum;
 }
 

@@ -30,7 +30,11 @@ std::string DistanceFromOptimum() {
     if (!std::isfinite(Norm.AboveOptimum)) return "how near the " + what + " is to it is not known";
     std::array<char, 32> text{};
     std::snprintf(text.data(), text.size(), "%.1e", Norm.AboveOptimum);
-    return "the " + what + " is at most " + text.data() + " mm above it";
+    const std::string about = Norm.BoundOfAll   ? " mm above it, which is the least of all"
+                              : Norm.Starts > 1 ? " mm above that of this minimum, the best of " +
+                                                      std::to_string(Norm.Starts) + " starts"
+                                                : " mm above that of this minimum";
+    return "the " + what + " is at most " + text.data() + about;
 }
 
 void WriteHead(const FitOptions& options, const Style& style, std::ostream& out) {

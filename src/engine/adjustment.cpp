@@ -205,9 +205,10 @@ bool Iterate(AdjustmentRun& run) {
 const FitModel& BeginRun(int u, int n, const ParameterTexts& ParamText, const GatheredPoints& points) {
     Require(n == 3 * Job.nIdent && points.Count == Job.nIdent);
     Require(u == CountUnknowns(ParamText));
-    const bool confirmed = Adjustment.AngleUnitsConfirmed;
+    const bool confirmed = Adjustment.AngleUnitsConfirmed, later = Adjustment.LimitToldLater;
     Adjustment = AdjustmentRecord{};
     Adjustment.AngleUnitsConfirmed = confirmed;
+    Adjustment.LimitToldLater = later;
     Adjustment.Model = ChooseModel(ParamText);
     return Adjustment.Model;
 }
@@ -275,6 +276,7 @@ void BestFitIteration(int u, int n, const ParameterTexts& ParamText, Matrix& Q, 
 }
 
 void TellOfLimit() {
+    if (Adjustment.LimitToldLater) return;
     if (Adjustment.Iterations > Settings.MaxIteration)
         ShowMessage("Calculation stopped after " + PlainText(Settings.MaxIteration) +
                     " Iterations, Convergence not reached yet!");

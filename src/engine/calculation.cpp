@@ -17,9 +17,9 @@
 #include "engine/calculation_window.h"
 #include "engine/design.h"
 #include "engine/distance_start.h"
+#include "engine/equal_forms.h"
 #include "engine/field_number.h"
 #include "engine/monte_carlo.h"
-#include "engine/nice_rotation.h"
 #include "engine/norms.h"
 #include "engine/result_notes.h"
 #include "engine/selection.h"
@@ -218,7 +218,8 @@ void ButtonCalcErsatz() {
 
     NormFit fit{.u = u, .n = n, .ParamText = Job.ParamText, .P = std::move(P)};
     if (!FitInNorm(fit) || Run.JobGeneration != generation) return;
-    NiceRotSol();
+    NiceRotSolOfFit(Adjustment.Model, fit.Q);
+    if (!IsTrue(Job.IsParaboloid)) TakePositiveForm(Adjustment.Model, fit.Q);  // once, behind its passes
     Calculation.Done = true;
     Calculation.JobGeneration = generation;
     Calculation.nFloat = u;
@@ -237,6 +238,8 @@ void ButtonCalcErsatz() {
     if (useABC || !Selection.RDistShown) Job.RDist = Hypot3(Job.Rvec_x, Job.Rvec_y, Job.Rvec_z);
     if (useABC) FillToolStatistics();
     if (!IsTrue(Job.IsParaboloid)) NoteResult(fit);
+
+    if (leastSquares && MonteCarloIsInTheFit() && Calculation.Finite) BringRunsToFormOfResult();
 
     // In the distance and the tool model a residual is not the way to the target point.
     if (Calculation.Finite) TransformAllPoints(model.Mode == FitMode::Coincide ? &Calculation.v : nullptr);

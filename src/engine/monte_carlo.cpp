@@ -4,8 +4,10 @@
 #include <algorithm>
 #include <cmath>
 #include <utility>
+#include <vector>
 
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/require.h"
@@ -13,6 +15,7 @@
 #include "core/settings.h"
 #include "engine/adjustment.h"
 #include "engine/angles.h"
+#include "engine/equal_forms.h"
 #include "engine/nice_rotation.h"
 #include "engine/noise.h"
 #include "engine/repeated_fit.h"
@@ -217,6 +220,29 @@ bool RunMonteCarlo(NormFit& fit) {
     Run.StopRequested = kFalse;
     MonteCarlo.MonteCarloDone = ToFlag(complete);
     return true;
+}
+
+void BringRunsToFormOfResult() {
+    if (!IsTrue(MonteCarlo.MonteCarloDone)) return;
+    const FitModel& model = Adjustment.Model;
+    ParameterValues reference{};
+    for (int k = kTraX; k < kParameterEnd; ++k) reference[At(k)] = ParameterValue(Job, k);
+    const std::vector<EqualForm> forms = EqualForms(model, reference);
+    Matrix& results = MonteCarlo.MCResults;
+    int others = 0;
+    for (int i = 1; i <= results.Columns; ++i) {
+        ParameterValues values = reference;
+        for (int k = kRotX; k <= kAngleZtoXY; ++k)
+            if (model.UnknownOf[At(k)] != 0) values[At(k)] = results(k, i);
+        if (TakeNearestForm(model, forms, reference, values)) ++others;
+        for (int k = kRotX; k <= kAngleZtoXY; ++k)
+            if (model.UnknownOf[At(k)] != 0) results(k, i) = values[At(k)];
+    }
+    if (others == 0) return;
+    AddNote(NoteCode::NearestForm,
+            PlainText(others) + " of " + PlainText(results.Columns) +
+                " Monte Carlo runs ended in another form of the same transformation and were brought to the "
+                "form nearest to the result");
 }
 
 double MeanOfArray(std::span<const double> a) {

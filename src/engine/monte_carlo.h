@@ -64,6 +64,13 @@ void MonteCarloFinalisieren(GatheredPoints& points);  // the points without nois
 // Run.StopRequested.
 bool RunMonteCarlo(NormFit& fit);
 
+// Behind the fit that follows the runs: brings each of them to the form of its transformation that is nearest
+// to the result, for several sets of parameters mean the same (equal_forms.h), and a spread over a mixture of
+// them would be that of their signs and half turns. Angles stand less than half a turn from the result's.
+// A note tells how many runs there were in another form. Nothing where the runs are not complete.
+//   Reads Adjustment.Model, the job's parameters; writes MCResults
+void BringRunsToFormOfResult();
+
 // Over the entries 1 to n of an array whose entry 0 is unused; n the array's upper bound.
 double MeanOfArray(std::span<const double> a);
 double SigmaOfArray(std::span<const double> a);  // with the divisor n - 1

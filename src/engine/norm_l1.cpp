@@ -113,9 +113,11 @@ bool FitL1(NormFit& fit) {
         SetStatus(6, "L1 Iterationen: " + std::to_string(Norm.Iterations));
         idle = d < lowest ? 0 : idle + 1;
         lowest = std::fmin(lowest, d);
-        const bool mayGoOn = !IsTrue(Run.StopRequested) && Adjustment.Converged;
-        Norm.Converged = mayGoOn && change < Norm.NormTolerance;
-        goOn = mayGoOn && !Norm.Converged && idle < kMostIdleRounds && Norm.Iterations < kMostNormRounds;
+        CountUnsettledFit();
+        const bool mayGoOn = !IsTrue(Run.StopRequested) && Adjustment.Finite;
+        const bool still = mayGoOn && change < Norm.NormTolerance;
+        Norm.Converged = still && Adjustment.Converged;
+        goOn = mayGoOn && !still && idle < kMostIdleRounds && Norm.Iterations < kMostNormRounds;
     }
     rounds.End();
     return true;

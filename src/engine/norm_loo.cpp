@@ -54,12 +54,13 @@ void FindExtremes(NormFit& fit, Extremes& found) {
 
 bool Fit(NormFit& fit) {
     FitFromStart(fit);
+    CountUnsettledFit();
     return !Adjustment.JobChanged;
 }
 
-// The user wants no more, or the last fit's result is not worth an exchange.
+// The user wants no more, or all fits behind would give no numbers either.
 bool MustEnd() {
-    return IsTrue(Run.StopRequested) || !Adjustment.Converged;
+    return IsTrue(Run.StopRequested) || !Adjustment.Finite;
 }
 
 void ShowRound(double max) {

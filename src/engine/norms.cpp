@@ -7,6 +7,7 @@
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/run.h"
+#include "core/settings.h"
 #include "engine/adjustment.h"
 #include "engine/best_fit.h"
 #include "engine/exact_norms.h"
@@ -43,25 +44,53 @@ bool FitL2(NormFit& fit) {
     return true;
 }
 
-// A loop that has come to its limit although each of its fits converged. The user's stop is no news, and a
-// fit that has not converged has its own message.
-void TellOfLimit(const std::string& norm, const std::string& value) {
-    if (Norm.Converged || !Adjustment.Converged || IsTrue(Run.StopRequested)) return;
-    ShowMessage(norm + " stopped after " + PlainText(Norm.Iterations) + " Iterations, the " + value +
-                " does not come to rest!");
+// What the loops of L1 and Loo differ in.
+struct NormLoop {
+    const char* Name;
+    const char* Value;  // that it makes least
+    bool (*Run)(NormFit&);
+    bool (*RunOn)(NormFit&);
+};
+
+// The message of the last inner fit's limit, or of a loop that has come to its limit although its last fit
+// converged. The user's stop is no news.
+void TellOfLoop(const NormLoop& loop) {
+    if (Norm.Converged) return;
+    if (!Adjustment.Converged) {
+        Adjustment.LimitToldLater = false;
+        return TellOfLimit();
+    }
+    if (IsTrue(Run.StopRequested) || Norm.RunOn) return;
+    ShowMessage(std::string(loop.Name) + " stopped after " + PlainText(Norm.Iterations) +
+                " Iterations, the " + loop.Value + " does not come to rest!");
 }
 
-bool LeastSumOfResiduals(NormFit& fit) {
-    if (!FitL1(fit)) return false;
-    if (Norm.RunOn) return RunOnToLeastSum(fit);
-    TellOfLimit("L1", "sum of residuals");
-    return true;
+// The loop's own rule does not know of fits that have not settled. What was run on to its optimum does not
+// stand on them any more.
+void NoteUnsettledFits(const NormLoop& loop) {
+    if (Norm.Unsettled == 0 || (Norm.RunOn && Norm.Converged)) return;
+    const bool one = Norm.Unsettled == 1;
+    AddNote(NoteCode::UnsettledFits,
+            PlainText(Norm.Unsettled) + (one ? " inner fit of " : " inner fits of ") + loop.Name +
+                " ended at the limit of " + PlainText(Settings.MaxIteration) +
+                " iterations and did not settle; the loop went on with " + (one ? "its" : "their") +
+                " weights, and the " + loop.Value + " may be above the least one");
 }
 
-bool LeastLargestResidual(NormFit& fit) {
-    if (!FitLoo(fit)) return false;
-    if (Norm.RunOn) return RunOnToLeastLargest(fit);
-    TellOfLimit("Loo", "largest residual");
+// The fits inside a loop show no messages of their own.
+struct LimitToldByLoop {
+    LimitToldByLoop() { Adjustment.LimitToldLater = true; }
+    ~LimitToldByLoop() { Adjustment.LimitToldLater = false; }
+    LimitToldByLoop(const LimitToldByLoop&) = delete;
+    LimitToldByLoop& operator=(const LimitToldByLoop&) = delete;
+};
+
+bool FitByLoop(NormFit& fit, const NormLoop& loop) {
+    const LimitToldByLoop quiet;
+    if (!loop.Run(fit)) return false;
+    if (Norm.RunOn && !loop.RunOn(fit)) return false;
+    NoteUnsettledFits(loop);
+    TellOfLoop(loop);
     return true;
 }
 
@@ -70,6 +99,10 @@ bool LeastLargestResidual(NormFit& fit) {
 void FitFromStart(NormFit& fit) {
     TakeStartValues(fit.Choice, TakeSeedPoints());
     IterateFromHere(fit.u, fit.n, fit.ParamText, fit.Q, fit.v, fit.P, fit.Points);
+}
+
+void CountUnsettledFit() {
+    if (Adjustment.Finite && !Adjustment.Converged && !IsTrue(Run.StopRequested)) ++Norm.Unsettled;
 }
 
 bool FitInNorm(NormFit& fit) {
@@ -81,10 +114,10 @@ bool FitInNorm(NormFit& fit) {
     bool done = false;
     switch (Job.NormType) {
         case 1:
-            done = LeastSumOfResiduals(fit);
+            done = FitByLoop(fit, {"L1", "sum of residuals", FitL1, RunOnToLeastSum});
             break;
         case 3:
-            done = LeastLargestResidual(fit);
+            done = FitByLoop(fit, {"Loo", "largest residual", FitLoo, RunOnToLeastLargest});
             break;
         default:
             done = FitL2(fit);

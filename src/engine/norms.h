@@ -15,6 +15,7 @@
 struct NormRecord {
     double NormTolerance = 1e-10;  // change at which a loop ends: of the sum (L1) or the largest (Loo), mm
     int Iterations = 0;            // fits of the loop; 0 for least squares
+    int Unsettled = 0;             // of all inner fits those that ended at their limit
     bool Converged = false;        // the loop ended by its own rule and its last fit converged
     // Behind the loops of L1 and Loo: run on to the true optimum. Stays as it is from calculation to
     // calculation.
@@ -22,8 +23,11 @@ struct NormRecord {
     int Linearisations = 0, Exchanges = 0;  // that it took
     // How far the sum (L1) or the largest (Loo) can at most be above that of the optimum, mm. Infinite where
     // the points leave an unknown open; NaN where nothing was run on. It is told from the rows made linear
-    // at the result, so it knows nothing of another optimum far off, behind half a turn for instance.
+    // at the result: it is about this minimum, and knows nothing of another one off it. Only where the model
+    // is linear there is no other, and BoundOfAll is true.
     double AboveOptimum = std::numeric_limits<double>::quiet_NaN();
+    bool BoundOfAll = false;
+    int Starts = 0;  // places that the optimum was looked for from; the result is the best
 };
 inline NormRecord Norm;
 
@@ -45,15 +49,19 @@ struct NormFit {
 
 // Runs the norm that Job.NormType names: 1 L1, 3 Loo, any other number least squares. The points are
 // gathered once. False when the job's points were replaced meanwhile: nothing more was written then.
-// The result is in the job's parameters and in `fit`. A stop ends each loop at its next test. A fit that
-// runs into Settings.MaxIteration or whose result is no number ends the loop too: all fits behind would
-// do the same, each with its message.
+// The result is in the job's parameters and in `fit`. A stop ends each loop at its next test, and so does a
+// fit whose result is no number: all fits behind would do the same. A fit that runs into
+// Settings.MaxIteration ends nothing, for the weights behind it may be kinder. How many did so a note says;
+// the message of the limit comes once, where the last fit is one of them.
 // With Norm.RunOn the loops of L1 and Loo are followed by the way to their optimum.
 // Reads Job.NormType and Job.UseFlags; writes Norm, Adjustment, the job's parameters, panels 6 and 7.
 bool FitInNorm(NormFit& fit);
 
 // One fit of the norm, from the start values on.
 void FitFromStart(NormFit& fit);
+
+// Behind each inner fit of a loop: counts it in Norm.Unsettled if it has come to its limit.
+void CountUnsettledFit();
 
 // L1 by reweighting: each fit's residuals give the weights 1/|v| of the next, until their sum stands
 // still within 1e-3. The weights left are those made from the last residuals; no fit follows them.

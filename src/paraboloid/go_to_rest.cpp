@@ -1,24 +1,18 @@
 // The place where the passes of the fit to a shape stand still.
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 #include <vector>
 
 #include "core/job.h"
 #include "core/run.h"
-#include "engine/angles.h"
-#include "engine/parameter_kind.h"
+#include "paraboloid/held_directions.h"
 #include "paraboloid/paraboloid.h"
 #include "paraboloid/shape_passes.h"
 
 namespace {
 
 using Values = std::vector<double>;
-
-std::size_t At(int i) {
-    return static_cast<std::size_t>(i);
-}
 
 double Dot(const Values& a, const Values& b) {
     double sum = 0;
@@ -35,41 +29,30 @@ void Subtract(Values& a, double factor, const Values& b) {
     for (std::size_t i = 0; i < a.size(); ++i) a[i] -= factor * b[i];
 }
 
-// The parameters that float, each as the millimetres that it moves a point at the cloud's edge by.
-struct FloatingParameters {
-    std::vector<int> Numbers;
-    double Size = 1;  // of the cloud, mm
+// Along the directions that the shape holds: the way there from where the search began, and back.
+struct HeldWay {
+    const FloatingParameters& Floating;
+    Values Begin;
+    HeldDirections Directions;
 
-    explicit FloatingParameters(const NormFit& fit) {
-        for (int k = kTraX; k <= kAngleZtoXY; ++k)
-            if (fit.ParamText[At(k)] == kFloat) Numbers.push_back(k);
-        double largest = 0;
-        for (const LaneArray& column : fit.Points.Start)
-            for (const double value : column) largest = std::max(largest, std::fabs(value));
-        if (largest > 0) Size = largest;
+    Values Shares(const Values& way) const {
+        Values shares;
+        shares.reserve(Directions.Held.size());
+        for (const Values& direction : Directions.Held) shares.push_back(Dot(direction, way));
+        return shares;
     }
-    double Factor(int parameter) const { return parameter <= kTraZ ? 1 : Size; }
-    Values Take() const {
-        Values values;
-        values.reserve(Numbers.size());
-        for (const int k : Numbers) values.push_back(ParameterValue(Job, k) * Factor(k));
-        return values;
+    void Put(const Values& shares) const {
+        Values place = Begin;
+        for (std::size_t k = 0; k < shares.size(); ++k) Subtract(place, -shares[k], Directions.Held[k]);
+        Floating.Put(place);
     }
-    void Put(const Values& values) const {
-        for (std::size_t i = 0; i < Numbers.size(); ++i) {
-            const int k = Numbers[i];
-            ParameterValue(Job, k) = values[i] / Factor(k);
-            if (k == kScaleXYZ) Job.ScaleX = Job.ScaleY = Job.ScaleZ = Job.ScaleXYZ;
-        }
-    }
-    // How far a pass has moved the parameters; angles the short way round.
-    Values Moved(const Values& from, const Values& to) const {
-        Values moved(from.size());
-        for (std::size_t i = 0; i < from.size(); ++i) {
-            moved[i] = to[i] - from[i];
-            if (KindOf(Numbers[i]) == ParameterKind::Angle) moved[i] = Size * WrapAngle(moved[i] / Size);
-        }
-        return moved;
+    // Where the last pass has come to.
+    Values Here() const { return Shares(Floating.Moved(Begin, Floating.Take())); }
+
+    // Ways along which the sum falls by no more than its rounding are none.
+    void DropIdleWays(Values& shares) const {
+        for (std::size_t k = 0; k < shares.size(); ++k)
+            if (!(shares[k] * shares[k] * Directions.Weight[k] > Directions.Rounding)) shares[k] = 0;
     }
 };
 
@@ -142,27 +125,31 @@ bool Stopped() {
 
 }  // namespace
 
-PassEnd GoToRest(ShapePasses& passes) {
+PassEnd GoToRest(ShapePasses& passes, bool& moved) {
     constexpr int kMostTries = 500, kPatience = 40;
     constexpr double kStill = 1e-13;  // of the cloud's size: the rounding of its coordinates
     constexpr double kAstray = 2;     // so many times the least s0
+    moved = false;
     const FloatingParameters floating(passes.Fit);
-    const Values begin = floating.Take();
-    Values place = begin, former, formerMovement;
+    // A shape of revolution does not hold the rotation about its axis: that stays where it is.
+    const HeldWay held{floating, floating.Take(), FindHeldDirections(passes, floating, kRotZ)};
+    if (held.Directions.Held.empty()) return PassEnd::Done;
+    Values place(held.Directions.Held.size()), former, formerMovement;
     double s0AtBegin = 0;
     Mixing mixing;
     BestPass best;
     for (int pass = 0, since = 0; pass < kMostTries && since < kPatience; ++pass, ++since) {
-        floating.Put(place);
+        held.Put(place);
         const PassEnd end = passes.Pass();
         if (end == PassEnd::Lost) return end;
         if (Stopped()) {
-            floating.Put(begin);  // what targets and residuals belong to
+            floating.Put(held.Begin);  // what targets and residuals belong to
             return PassEnd::Done;
         }
         if (pass == 0) s0AtBegin = passes.s0;
-        const Values after = floating.Take();
-        const Values movement = floating.Moved(place, after);
+        const Values after = held.Here();
+        Values movement = after;
+        Subtract(movement, 1, place);
         const double size = Length(movement);
         if (end == PassEnd::Failed || !std::isfinite(size) || passes.s0 > kAstray * best.s0) {
             // Out of reach of the last extrapolation: on from the best place, without what led away.
@@ -176,14 +163,20 @@ PassEnd GoToRest(ShapePasses& passes) {
         best.Take(after, size, passes.s0, gotOn);
         if (gotOn) since = 0;
         if (size <= kStill * floating.Size) break;
-        if (!former.empty())
-            mixing.Add(floating.Moved(former, place), floating.Moved(formerMovement, movement),
-                       floating.Numbers.size());
+        if (!former.empty()) {
+            Values step = place, change = movement;
+            Subtract(step, 1, former);
+            Subtract(change, 1, formerMovement);
+            mixing.Add(std::move(step), std::move(change), place.size());
+        }
         former = place;
         formerMovement = movement;
         mixing.Extrapolate(place, movement);
     }
-    const bool better = !best.Place.empty() && best.s0 <= s0AtBegin;
-    floating.Put(better ? best.Place : begin);
+    floating.Put(held.Begin);
+    if (best.Place.empty() || best.s0 > s0AtBegin) return PassEnd::Done;
+    held.DropIdleWays(best.Place);
+    moved = Length(best.Place) > 0;
+    if (moved) held.Put(best.Place);
     return PassEnd::Done;
 }

@@ -2,7 +2,9 @@
 #include "paraboloid/paraboloid.h"
 
 #include <cmath>
+#include <limits>
 
+#include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/refresh.h"
@@ -12,12 +14,15 @@
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/calculation_window.h"
+#include "engine/equal_forms.h"
 #include "engine/monte_carlo.h"
+#include "engine/result_notes.h"
 #include "engine/seed.h"
 #include "engine/start_values.h"
 #include "engine/transform.h"
 #include "engine/trend.h"
 #include "paraboloid/form_stop_para_trafo.h"
+#include "paraboloid/held_directions.h"
 #include "paraboloid/shape.h"
 #include "paraboloid/shape_passes.h"
 
@@ -75,7 +80,35 @@ bool Stopped() {
 // more is to follow.
 bool GoOnToRest() {
     ShapePasses passes;
-    return passes.Begin() && GoToRest(passes) == PassEnd::Done && !Stopped();
+    bool moved = false;
+    return passes.Begin() && GoToRest(passes, moved) == PassEnd::Done && moved && !Stopped();
+}
+
+// Parameters that the shape leaves open, which then have no sigma, and points that it does not reach.
+void NoteLimitsOfShape() {
+    ShapePasses passes;
+    if (!passes.Begin()) return;
+    const std::vector<int> open = OpenOfShape(passes);
+    std::string names;
+    for (const int k : open) {
+        names += (names.empty() ? "" : ", ") + std::string(ParameterName(k));
+        Calculation.Sigma[At(k)] = Calculation.Significance[At(k)] = std::numeric_limits<double>::quiet_NaN();
+    }
+    if (!open.empty())
+        AddNote(NoteCode::OpenParameters,
+                "the shape does not hold " + names + ": what is shown for " +
+                    (open.size() == 1 ? "it is arbitrary, and it has no sigma"
+                                      : "them is arbitrary, and they have no sigma"));
+    int beyond = 0;
+    for (int i = 1; i <= Job.nIdent; ++i)
+        if (NearestShapeFoot(Job.TMCS_X[At(i)].value_or(0), Job.TMCS_Y[At(i)].value_or(0), Job.TMCS_Z[At(i)],
+                             Job.ParaboloidShape)
+                .Beyond)
+            ++beyond;
+    if (beyond > 0)
+        AddNote(NoteCode::TableExtended,
+                "a point lies beyond the end of the shape's table, whose last segment is extended for it", "",
+                0, beyond);
 }
 
 // Where the runs were stopped no loop follows that would have to be stopped again.
@@ -201,6 +234,7 @@ void CalculateParaboloid() {
     if (Calculation.Refused || CalculationIsRefused()) return;
     const std::uint64_t generation = Run.JobGeneration;
     const WindowGivesWay gives;
+    ForgetCalculationNotes();
     Run.CalcDone = kFalse;
     ParaboloidRun.ParaPass = 1;
     ParaboloidRun.ParaStopRequested = kFalse;
@@ -211,5 +245,10 @@ void CalculateParaboloid() {
     if (end == LoopEnd::Rest && GoOnToRest()) end = FitToShape(tolerance);
     if (Run.JobGeneration != generation) return;
     if (end == LoopEnd::Stopped) Calculation.Converged = false;  // though the fit of the last pass did
-    if (!Calculation.Refused) TransformByParameters();
+    if (Calculation.Refused) return;
+    TakePositiveForm(Adjustment.Model, Calculation.Q);
+    TransformByParameters();
+    if (!Calculation.Finite) return;
+    if (runs) BringRunsToFormOfResult();
+    NoteLimitsOfShape();
 }

@@ -32,7 +32,8 @@ PassEnd Loop(ShapePasses& passes, double tolerance) {
 // The loop, on from where it rests, and the pass whose residuals count.
 PassEnd FitOfRun(ShapePasses& passes, double tolerance) {
     PassEnd end = Loop(passes, tolerance);
-    if (end == PassEnd::Done) end = GoToRest(passes);
+    bool moved = false;
+    if (end == PassEnd::Done) end = GoToRest(passes, moved);
     if (end == PassEnd::Done) end = passes.Pass();
     return end == PassEnd::Done && IsTrue(Run.StopRequested) ? PassEnd::Failed : end;
 }

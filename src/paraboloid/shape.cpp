@@ -9,7 +9,9 @@
 #include "core/refresh.h"
 #include "core/require.h"
 #include "core/run.h"
+#include "core/units.h"
 #include "engine/angles.h"
+#include "engine/transform.h"
 #include "engine/vector.h"
 
 namespace {
@@ -53,25 +55,62 @@ int NearestRow(const HalfPlane& p, int i) {
 struct Foot {
     Vec3 Place;
     double Distance;
+    int Row;  // the segment begins there
 };
 
 Foot FootOnSegment(const HalfPlane& p, int row) {
     const Vec3 a = p.At(row), b = p.At(row + 1), point(p.r, p.z, 0);
     Vec3 along;
     VecSub(b, a, along);
-    Foot foot;
+    Foot foot{{}, 0, row};
     LinePointFoot(a, along, point, foot.Place);
     foot.Distance = LinePointDistance(a, along, point);
     return foot;
 }
 
 Foot NearestFoot(const HalfPlane& p, int row) {
-    if (p.Rows() == 1) return {p.At(1), std::sqrt(p.SquareTo(1))};
+    if (p.Rows() == 1) return {p.At(1), std::sqrt(p.SquareTo(1)), 1};
     if (row == 1) return FootOnSegment(p, 1);
     const Foot before = FootOnSegment(p, row - 1);
     if (row == p.Rows()) return before;
     const Foot behind = FootOnSegment(p, row);
     return behind.Distance < before.Distance ? behind : before;
+}
+
+// A segment's length and its direction in the half plane.
+struct Segment {
+    double Length, Angle;
+};
+
+// Segments before the first and behind the last go on as the table does; at the axis the shape begins to
+// fall as it rises.
+Segment SegmentAt(const HalfPlane& p, int row) {
+    const auto of = [&p](int i) {
+        const double dr = p.Radius(i + 1) - p.Radius(i), dz = p.Shape(i + 1, 2) - p.Shape(i, 2);
+        return Segment{std::hypot(dr, dz), std::atan2(dz, dr)};
+    };
+    const int last = p.Rows() - 1;
+    if (row >= 1 && row <= last) return of(row);
+    const int end = row < 1 ? 1 : last;
+    const Segment at = of(end);
+    if (row < 1 && p.Radius(1) == 0) return {at.Length, -at.Angle};
+    if (last == 1) return at;
+    return {at.Length, at.Angle + std::remainder(at.Angle - of(row < 1 ? 2 : last - 1).Angle, 2 * kPi)};
+}
+
+// The direction of the surface at a foot, and the kink that is nearest to it.
+void TakeDirection(const HalfPlane& p, const Foot& foot, double& angle, double& kink) {
+    const Segment here = SegmentAt(p, foot.Row);
+    const Vec3 begin = p.At(foot.Row);
+    const double along =
+        (foot.Place(1) - begin(1)) * std::cos(here.Angle) + (foot.Place(2) - begin(2)) * std::sin(here.Angle);
+    const double fromMiddle = along - here.Length / 2;
+    const Segment next = SegmentAt(p, fromMiddle < 0 ? foot.Row - 1 : foot.Row + 1);
+    const double turn = std::remainder(next.Angle - here.Angle, 2 * kPi);
+    const double share = std::fabs(fromMiddle) / ((here.Length + next.Length) / 2);
+    angle = here.Angle;
+    kink = std::fabs(turn);
+    if (std::fabs(fromMiddle) <= here.Length / 2) angle += share * turn;
 }
 
 }  // namespace
@@ -90,6 +129,22 @@ void NearestShapePoint(double x, double y, double z, const Matrix& ParaboloidSha
     Y = foot.Place(1) * std::sin(phi);
     Z = foot.Place(2);
     distance = foot.Distance;
+}
+
+ShapeFoot NearestShapeFoot(double x, double y, double z, const Matrix& ParaboloidShape) {
+    Require(ShapeServes(ParaboloidShape));
+    const HalfPlane p{ParaboloidShape, Hypot2(x, y), z};
+    const Circle phi(AzimuthAngle(x, y));
+    const Foot foot = NearestFoot(p, NearestRow(p, RowOfRadius(p)));
+    double angle = 0;
+    ShapeFoot found{.Place = {foot.Place(1) * phi.Cos, foot.Place(1) * phi.Sin, foot.Place(2)},
+                    .Distance = foot.Distance};
+    TakeDirection(p, foot, angle, found.Kink);
+    const Circle way(angle);
+    found.Normal = {-way.Sin * phi.Cos, -way.Sin * phi.Sin, way.Cos};
+    const double first = p.Radius(1), last = p.Radius(p.Rows());
+    found.Beyond = foot.Place(1) > last || (first > 0 && foot.Place(1) < first);
+    return found;
 }
 
 bool JobHasShape() {

@@ -15,5 +15,18 @@ bool ShapeServes(const Matrix& ParaboloidShape);
 void NearestShapePoint(double x, double y, double z, const Matrix& ParaboloidShape, double& X, double& Y,
                        double& Z, double& distance);
 
+// The same, with what the surface is there.
+struct ShapeFoot {
+    Vec3 Place;           // mm
+    double Distance = 0;  // mm, in the half plane
+    // Of unit length. Between the middles of neighbouring segments it turns evenly, as that of the surface
+    // does that the table stands for.
+    Vec3 Normal;
+    double Kink = 0;      // between the two segments that are nearest to the foot, rad
+    bool Beyond = false;  // the foot is past an end of the table: on its last segment made longer, or in the
+                          // hole of a table that does not begin at the axis
+};
+ShapeFoot NearestShapeFoot(double x, double y, double z, const Matrix& ParaboloidShape);
+
 // True where the job has a shape that serves; otherwise false, and a message says what is missing.
 bool JobHasShape();

@@ -31,5 +31,9 @@ struct ShapePasses {
 // extrapolated from the last few of them ("Anderson mixing", Journal of the ACM 12(4), 1965), which needs
 // about as many passes as there are unknowns. The job's parameters are then those of the pass with the
 // least s0, or as they were where none is better, and where the user has stopped the search.
-//   Lost  the parameters are left as they are
-PassEnd GoToRest(ShapePasses& passes);
+// The way goes along directions that the shape holds, and only along those in which the sum of squares falls
+// by more than its rounding; the rotation about the shape's axis takes no part. What the shape does not hold
+// stays where the passes before have left it.
+//   moved  out: the parameters are others than before
+//   Lost   the parameters are left as they are
+PassEnd GoToRest(ShapePasses& passes, bool& moved);

@@ -1,6 +1,7 @@
 // L-infinity by exchange of weight: its steps by hand, its end, the weights taken back.
 #include "cli/headless.h"
 #include "core/form_main.h"
+#include "core/notes.h"
 #include "core/run.h"
 #include "core/units.h"
 #include "engine/norm_job.h"
@@ -222,13 +223,17 @@ TEST_F(Loo, AJobReplacedInTheLoopIsLeftAlone) {
     }
 }
 
-TEST_F(Loo, AFitThatDoesNotConvergeEndsTheLoopWithOneMessage) {
+TEST_F(Loo, FitsThatDoNotConvergeAreOneMessageAndOneNote) {
     AddCloud({.Points = 20, .Noise = 1, .Truth = kTruth});
     FloatParameters(kRigid);
     Settings.MaxIteration = 0;
     Calculate(kLoo);
+    EXPECT_GT(Norm.Iterations, 1) << "the loop goes on by its own rule";
+    EXPECT_EQ(Norm.Unsettled, Norm.Iterations + 2) << "with the fit before the rounds and the one behind";
     EXPECT_EQ(Messages().size(), 1u);
     EXPECT_FALSE(Calculation.Converged);
+    ASSERT_EQ(Notes.List.size(), 1u);
+    EXPECT_EQ(Notes.List[0].Code, NoteCode::UnsettledFits);
 }
 
 TEST_F(Loo, OfDistancesTheExchangeReachesTheRowBesideThePoint) {

@@ -1,0 +1,47 @@
+// What a shape holds of the parameters of a fit to it. Along a surface points slide freely: a shape of
+// revolution does not hold the rotation about its axis, a plane no shift in it, a ball no rotation at all.
+#pragma once
+
+#include <vector>
+
+#include "engine/design.h"
+#include "paraboloid/shape_passes.h"
+
+// Coordinates of the floating parameters, each as the millimetres that it moves a point at the cloud's edge
+// by.
+using ParameterPlace = std::vector<double>;
+
+// The floating parameters of a fit and their coordinates.
+struct FloatingParameters {
+    std::vector<int> Numbers;
+    double Size = 1;  // of the cloud, mm
+
+    explicit FloatingParameters(const NormFit& fit);
+    double Factor(int parameter) const { return parameter <= kTraZ ? 1 : Size; }
+    ParameterPlace Take() const;                  // from the job
+    void Put(const ParameterPlace& place) const;  // into the job
+    // The way from one place to another; angles the short way round.
+    ParameterPlace Moved(const ParameterPlace& from, const ParameterPlace& to) const;
+};
+
+// Directions of the floating parameters, orthonormal.
+struct HeldDirections {
+    std::vector<ParameterPlace> Held;
+    std::vector<double>
+        Weight;  // of each: how fast the sum of squared distances rises along it, mm^2 per mm^2
+    std::vector<ParameterPlace> Open;
+    // What rounding of the coordinates leaves open of the sum of squared distances, mm^2.
+    double Rounding = 0;
+};
+
+// At the parameters that stand in the job, with the points of the passes as they are gathered: the normal
+// matrix of the distances along the surface's normal, and its eigenvectors (by Jacobi's rotations). A
+// direction is open where it moves the points along the surface but for what the table leaves open of its
+// normals, and where even a way of the cloud's size would change the sum by no more than the residuals do.
+//   without  a parameter that takes no part, 0 for none; its entries of all directions are 0
+//   s0       of the last pass, mm
+HeldDirections FindHeldDirections(const ShapePasses& passes, const FloatingParameters& floating, int without);
+
+// The numbers of the parameters that a part of an open direction falls on, rising; empty where the shape
+// holds them all.
+std::vector<int> OpenOfShape(const ShapePasses& passes);
