@@ -21,7 +21,7 @@ constexpr NoteKind kKinds[] = {
     {NoteCode::FieldSplit, "field-split", Severity::Warning, true},
     {NoteCode::FieldCut, "field-cut", Severity::Warning, true},
     {NoteCode::OldDelimiter, "old-delimiter", Severity::Note, true},
-    {NoteCode::PoseAngles, "pose-angles", Severity::Note, true},
+    {NoteCode::AnglesOfPose, "pose-angles", Severity::Note, true},
     {NoteCode::DigitsCut, "digits-cut", Severity::Warning, true},
     {NoteCode::NoOrientation, "no-orientation", Severity::Warning, true},
     {NoteCode::TableExtended, "table-extended", Severity::Warning, false},

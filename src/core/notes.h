@@ -23,7 +23,7 @@ enum class NoteCode : std::uint8_t {
     FieldSplit,            // a blank divides a field in two, so that what follows moves on by one
     FieldCut,              // what stands behind a number in its field is not read
     OldDelimiter,          // a file that shows no delimiter is read with the one of a file before
-    PoseAngles,            // angles of a pose by its rotation, where the formula does not give it back
+    AnglesOfPose,          // angles of a pose by its rotation, where the formula does not give it back
     DigitsCut,             // digits of a number that a double or the told reader does not hold
     NoOrientation,         // pairs without the orientation that their pose should have
     TableExtended,         // a point beyond the end of a table is extrapolated

@@ -81,7 +81,7 @@ PoseAngles AnglesOfQuaternion(const Quaternion& q, const RobotProgram& program, 
 void NoteMatrixAngles(const RobotProgram& program, const MatrixAngles& fromMatrix) {
     if (fromMatrix.Count == 0) return;
     AddNote(
-        NoteCode::PoseAngles,
+        NoteCode::AnglesOfPose,
         "The angles of a pose are taken from its rotation, because its quaternion has not length 1 or stands "
         "at a right angle",
         program.File.Path, static_cast<int>(fromMatrix.FirstLine), static_cast<int>(fromMatrix.Count));

@@ -443,7 +443,7 @@ TEST_F(RobotFiles, OrientationsThatTheFormulaLosesAreThoseOfTheRotation) {
     }
     EXPECT_TRUE(Messages().empty());
     ASSERT_EQ(Notes.List.size(), 1u);
-    EXPECT_EQ(Notes.List[0].Code, NoteCode::PoseAngles);
+    EXPECT_EQ(Notes.List[0].Code, NoteCode::AnglesOfPose);
     EXPECT_EQ(Notes.List[0].Line, 2);
     EXPECT_EQ(Notes.List[0].Count, 5);
     EXPECT_EQ(Notes.List[0].File, PathOf("program.txt"));

@@ -308,7 +308,7 @@ protected:
         if (Job.RobotABC.Rows >= 0) out.Places = Job.nOCS;
         out.Messages = Messages();
         for (const Note& note : Notes.List)
-            if (note.Code == NoteCode::PoseAngles)
+            if (note.Code == NoteCode::AnglesOfPose)
                 out.Messages.push_back("lost " + std::to_string(note.Count));
         for (int i = 1; i <= Job.nOCS; ++i) {
             const auto k = static_cast<std::size_t>(i);
