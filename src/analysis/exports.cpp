@@ -11,7 +11,7 @@
 #include "core/text.h"
 #include "core/units.h"
 #include "engine/matrix.h"
-#include "engine/quaternion.h"
+#include "engine/sound_angles.h"
 #include "engine/transform.h"
 
 namespace {
@@ -77,9 +77,8 @@ std::string FormatText(const std::string& text, std::string_view picture) {
 std::string RobCadText(const std::string& place, const std::string& tool, const std::string& robot) {
     Mat3 R;
     RotMatrixXYZ(Job.RotX, Job.RotY, Job.RotZ, R);
-    Column record(9);
-    double a = 0, b = 0, c = 0;
-    MatrixToQuaternion(R, record, a, b, c);
+    const QuaternionForms forms = SoundQuaternionForms(R, Vec3(Job.RotX, Job.RotY, Job.RotZ));
+    if (forms.FromMatrix) NoteMatrixAngles();
     const auto length = [](double value_mm) { return ScientificText(value_mm * Units.LengthFactor); };
     const auto angle = [](double value_rad) { return ScientificText(value_rad * Units.AngleFactor); };
     const std::string component = tool + "_" + place + "_" + robot + " ;     ";
@@ -92,7 +91,7 @@ std::string RobCadText(const std::string& place, const std::string& tool, const 
     line("0.0e-05 , 0.0e-05 , 0.0e-05 ;   ");
     line(robot + "_calpos =FRA / " + length(Job.TraX) + " , " + length(Job.TraY) + " , " + length(Job.TraZ) +
          " ,");
-    line(angle(a) + " , " + angle(b) + " , " + angle(c) + " ;");
+    line(angle(forms.Angles(1)) + " , " + angle(forms.Angles(2)) + " , " + angle(forms.Angles(3)) + " ;");
     line("END / " + component);
     for (const char* const attribute : kPalettes) line(attribute);
     return EncodeText(text);
@@ -123,4 +122,11 @@ std::string OnlyMcsText() {
 
 std::string WithExtension(const std::string& path, std::string_view extension) {
     return path.substr(0, path.size() < 4 ? 0 : path.size() - 4) + std::string(extension);
+}
+
+bool UnconvergedConsent::Given() {
+    if (!IsTrue(Job.Unconverged) || agreed_) return true;
+    agreed_ = AskYesNo(std::string("The calculation did not converge, its result is not the best fit.") +
+                       kLineEnd + kLineEnd + "Do you want to export it all the same?");
+    return agreed_;
 }

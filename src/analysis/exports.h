@@ -12,7 +12,8 @@ std::string ScientificText(double value);
 std::string FormatText(const std::string& text, std::string_view picture);
 
 // The frame file: the job's translation in the length unit and the angles about x, y', z'' of its rotation,
-// as the details window has them, in the angle unit.
+// as the details window has them, in the angle unit. Where these come from the job's own angles, because a
+// formula does not give the rotation back, a note says so.
 std::string RobCadText(const std::string& place, const std::string& tool, const std::string& robot);
 
 // The homogeneous matrix of rotation and translation, row by row in square brackets; no line end behind the
@@ -24,3 +25,12 @@ std::string OnlyMcsText();
 
 // A path with other last four characters, as "cell.cvn" becomes "cell.txt".
 std::string WithExtension(const std::string& path, std::string_view extension);
+
+// Whether a result goes out that did not converge: the user is asked once, and where it converged never.
+class UnconvergedConsent {
+public:
+    bool Given();
+
+private:
+    bool agreed_ = false;
+};

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "analysis/batch_file.h"
+#include "analysis/exports.h"
 #include "analysis/form_change_dir.h"
 #include "core/files.h"
 #include "core/folders.h"
@@ -216,6 +217,8 @@ void FormBatch::BtnStartBatch_Click() {
         ShowMessage("No Transformation calculated");
         return;
     }
+    UnconvergedConsent consent;
+    if (!consent.Given()) return;
     BatchNotes notes;
     bool changed = false;
     {

@@ -46,6 +46,8 @@ void FormMain::MenueFileExportRobCad_Click() {
         ShowMessage("You must make a calculation to export a *.rf File");
         return;
     }
+    UnconvergedConsent consent;
+    if (!consent.Given()) return;
     ShowMessage(
         "Angle and Distance Output will always be made in Unit witch is set in Menu - Settings - Units");
     auto path = ExportName({"Export RobCad *.rf File", "*.rf", Stored(Settings.LastRobCadRoot), ""});
@@ -59,7 +61,7 @@ void FormMain::MenueFileExportRobCad_Click() {
     Settings.ToolName = tool.value_or("");
     SettingsSchreiben({"Place", "ToolName"});
     // The dialogs have let events be handled.
-    if (!IsTrue(Run.TrafoValid)) return;
+    if (!IsTrue(Run.TrafoValid) || !consent.Given()) return;
     WriteFile(*path, RobCadText(place.value_or(""), tool.value_or(""), robot.value_or("")));
     StartFile("Open", *path);
 }
@@ -69,12 +71,14 @@ void FormMain::MenueFileExportROCAL_Click() {
         ShowMessage("You must make a calculation to export a *.bas File");
         return;
     }
+    UnconvergedConsent consent;
+    if (!consent.Given()) return;
     const bool unnamed = Run.JobFilePath == kDefaultJobPath;
     const auto path = ExportName({"Export Rocal *.bas File", "*.bas", Stored(Settings.LastRocalRoot),
                                   unnamed ? "" : WithExtension(Run.JobFilePath, ".bas")});
     if (!path) return;
     StoreFolder(Settings.LastRocalRoot, "LastRocalRoot", *path);
-    if (!IsTrue(Run.TrafoValid)) return;
+    if (!IsTrue(Run.TrafoValid) || !consent.Given()) return;
     WriteFile(*path, RocalText());
 }
 
@@ -84,7 +88,10 @@ void FormMain::MenueOnlyMCStoTilde_Click() {
         ShowMessage("Noch kein Dateiname vergeben; mache nix");
         return;
     }
+    UnconvergedConsent consent;
+    if (!consent.Given()) return;
     if (File_Exist(path) && !AskYesNo("File " + path + " is existing.\rWill you replace it?")) return;
+    if (!consent.Given()) return;
     const BusyPointer busy;
     WriteFile(path, OnlyMcsText());
 }

@@ -63,6 +63,7 @@ void TakeBundleAsJob(const std::string& startPath, const std::string& targetPath
     GetInfoFromData();
     IdentischePkte_Neu();
     handOver.Whole = true;
+    ForgetBlock();
     Run.JobDataValid = kTrue;
     const std::uint64_t generation = Run.JobGeneration;
     FuellenHaupttabelle();

@@ -14,6 +14,7 @@ const RecordEntry kRecords[] = {
     {"StationXYZ", &Bundle.StationXYZ, Storage::Run},
     {"ObjectName", &Bundle.ObjectName, Storage::Run},
     {"ObjectXYZ", &Bundle.ObjectXYZ, Storage::Run},
+    {"DistancePair", TextTable{&Bundle.DistancePair[1], 2}, Storage::Run},
     {"DistancePair.1", &Bundle.DistancePair[1], Storage::Run},
     {"DistancePair.2", &Bundle.DistancePair[2], Storage::Run},
     {"DistanceValue", &Bundle.DistanceValue, Storage::Run},

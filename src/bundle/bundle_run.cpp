@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "bundle/bundle_file.h"
+#include "bundle/open_points.h"
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/platform.h"
@@ -46,10 +47,8 @@ bool IsFinite(const BundleRecord& network) {
            finite(network.DistanceValue);
 }
 
-}  // namespace
-
-BundleEnd AdjustBundle(BundleRecord& network, BundleWork& work, double limit_mm,
-                       const BundleTelling& telling) {
+// Iterates to an end of its own.
+BundleEnd Iterate(BundleRecord& network, BundleWork& work, double limit_mm, const BundleTelling& telling) {
     if (!IsFinite(network)) return BundleEnd::NotFinite;
     const Matrix stations = network.StationXYZ, objects = network.ObjectXYZ;
     bool ours = true;
@@ -76,6 +75,23 @@ BundleEnd AdjustBundle(BundleRecord& network, BundleWork& work, double limit_mm,
         if (!goOn) return BundleEnd::Stopped;
     }
     return BundleEnd::NoEnd;
+}
+
+}  // namespace
+
+BundleEnd AdjustBundle(BundleRecord& network, BundleWork& work, double limit_mm,
+                       const BundleTelling& telling) {
+    const int stations = network.nStations;
+    const BundleEnd end = Iterate(network, work, limit_mm, telling);
+    const bool hasResult =
+        end == BundleEnd::Converged || end == BundleEnd::NoEnd || end == BundleEnd::Stopped;
+    if (!hasResult || work.Iterations == 0) return end;
+    bool ours = true;
+    FindOpenCoordinates(stations, work, [&] {
+        YieldToEvents();
+        ours = ours && (!telling.Ours || telling.Ours());
+    });
+    return ours ? end : BundleEnd::Abandoned;
 }
 
 std::string BundleEndText(BundleEnd end, const BundleWork& work) {
@@ -129,8 +145,8 @@ std::string NetworkText(const BundleRecord& network, const BundleWork& work) {
 
 TaggedValue BundleAccuracy(const BundleRecord& network, const BundleWork& work, int column) {
     const TaggedValue& cofactor = work.Cofactor[At(column)];
-    if (!cofactor) return {};
-    // A network that its distances do not determine has cofactors of any sign.
+    if (!cofactor || IsOpenCoordinate(work, column)) return {};
+    // A network that its distances hardly determine has cofactors of any sign.
     return BundleS0(network, work) * std::sqrt(std::fabs(*cofactor));
 }
 
@@ -140,7 +156,9 @@ std::string ResultText(const BundleRecord& network, const BundleWork& work) {
         text += PointText(name, xyz);
         for (int axis = 1; axis <= 3; ++axis) {
             const TaggedValue accuracy = BundleAccuracy(network, work, column + axis);
-            text += "\t" + (accuracy ? Shown(*accuracy) : "0");
+            text += "\t" + (accuracy                                ? Shown(*accuracy)
+                            : IsOpenCoordinate(work, column + axis) ? "open"
+                                                                    : "0");
         }
         text += kLineEnd;
     });

@@ -27,6 +27,7 @@ struct BundleTelling {
     std::function<bool()> Ours;                        // after each yield: may the work go on?
 };
 
+// What the distances leave open is then found (work.Open).
 // Iterates until the biggest absolute x is below `limit_mm` or Run.StopRequested is set. Yields once an
 // iteration, and within the inverse of a large one.
 BundleEnd AdjustBundle(BundleRecord& network, BundleWork& work, double limit_mm,
@@ -47,10 +48,11 @@ std::string CheckPercentage(double percent);  // "" or why it cannot be taken
 // The stations and the object points in use, a line each: name, tab, X, tab, Y, tab, Z, in the present unit.
 std::string NetworkText(const BundleRecord& network, const BundleWork& work);
 
-// The same with the accuracy of each coordinate behind them, "0" for one that was held.
+// The same with the accuracy of each coordinate behind them, "0" for one that was held, "open" for one that
+// the distances leave open.
 std::string ResultText(const BundleRecord& network, const BundleWork& work);
 
-// Accuracy of the coordinate of a column, mm; nothing for one that was held.
+// Accuracy of the coordinate of a column, mm; nothing for one that was held or is open.
 TaggedValue BundleAccuracy(const BundleRecord& network, const BundleWork& work, int column);
 
 // The values of x and v of the last whole iteration, a line each.

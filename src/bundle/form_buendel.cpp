@@ -3,6 +3,7 @@
 
 #include "bundle/bundle_file.h"
 #include "bundle/bundle_run.h"
+#include "bundle/open_points.h"
 #include "core/controller.h"
 #include "core/job.h"
 #include "core/numbers.h"
@@ -96,7 +97,9 @@ void BundleRun() {
     const std::string startPath =
         WriteNetwork(SettingsFolder(), kBundleStartFile, NetworkText(Bundle, *work));
     SetText(w.TextResults, ResultText(Bundle, *work));
+    const BundleRecord network = Bundle;
     TakeBundleAsJob(startPath, targetPath);
+    NoteOpenPoints(network, *work);
 }
 
 // What an open window shows belongs to the network of before.
@@ -164,6 +167,7 @@ void FormBündel::Command1_Click() {
     BundleRecord own = Bundle;
     const BundleEnd end = AdjustBundle(own, *work, kWindowLimit, {{}, {}, SameAsNow()});
     if (end == BundleEnd::Abandoned) return;
+    NoteOpenPoints(own, *work);
     w.Own = std::move(own);
     TellEnd(end, *work);
     if (work->Iterations > 0)

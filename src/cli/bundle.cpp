@@ -9,6 +9,7 @@
 
 #include "bundle/bundle_file.h"
 #include "bundle/bundle_run.h"
+#include "bundle/open_points.h"
 #include "cli/fit_options.h"
 #include "cli/fit_style.h"
 #include "cli/headless.h"
@@ -79,7 +80,9 @@ void WritePoints(const BundleResult& result, const Style& style, std::ostream& o
         for (int axis = 1; axis <= 3; ++axis) row.push_back(ShownLength(xyz[axis]));
         for (int axis = 1; axis <= 3; ++axis) {
             const TaggedValue accuracy = BundleAccuracy(Bundle, result.Work, column + axis);
-            row.push_back(accuracy ? ShownLength(*accuracy) : "held");
+            row.push_back(accuracy                                       ? ShownLength(*accuracy)
+                          : IsOpenCoordinate(result.Work, column + axis) ? "open"
+                                                                         : "held");
         }
         rows.push_back(std::move(row));
     };
@@ -117,12 +120,16 @@ void WriteTable(const BundleOptions& options, const BundleResult& result, const 
 }
 
 ordered_json PointJson(const BundleResult& result, const std::string& name, const double* xyz, int column) {
-    ordered_json sigma = ordered_json::array();
+    ordered_json sigma = ordered_json::array(), determined = ordered_json::array();
     for (int axis = 1; axis <= 3; ++axis) {
         const TaggedValue accuracy = BundleAccuracy(Bundle, result.Work, column + axis);
         sigma.push_back(accuracy ? ordered_json(*accuracy) : ordered_json());
+        determined.push_back(!IsOpenCoordinate(result.Work, column + axis));
     }
-    return {{"name", name}, {"xyz_mm", {xyz[1], xyz[2], xyz[3]}}, {"sigma_mm", std::move(sigma)}};
+    return {{"name", name},
+            {"xyz_mm", {xyz[1], xyz[2], xyz[3]}},
+            {"sigma_mm", std::move(sigma)},
+            {"determined", std::move(determined)}};
 }
 
 void WriteJson(const BundleOptions& options, const BundleResult& result, std::ostream& out) {
@@ -216,6 +223,7 @@ int RunBundle(const BundleOptions& options, std::ostream& out, std::ostream& err
     const bool hasResult = result.End == BundleEnd::Converged || result.End == BundleEnd::NoEnd;
     if (!hasResult) return Refuse(err, kRefused, endText);
 
+    NoteOpenPoints(Bundle, result.Work);
     if (EndsForWarnings(options.Strict, err)) return kUnreadable;
     const bool written =
         options.Folder.empty() || Dispatch([&] {

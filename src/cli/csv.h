@@ -3,10 +3,21 @@
 
 #include <string>
 
+#include "core/job.h"
+
 // A text quoted where it has to be, as spreadsheets read it.
 inline std::string CsvText(const std::string& text) {
     if (text.find_first_of(";\"\r\n") == std::string::npos) return text;
     std::string result = "\"";
     for (const char c : text) result += c == '"' ? std::string("\"\"") : std::string(1, c);
     return result + "\"";
+}
+
+// A last column where the result did not converge; nothing where it did, so that the columns are the usual
+// ones.
+inline const char* UnconvergedHeading() {
+    return IsTrue(Job.Unconverged) ? ";not_converged" : "";
+}
+inline const char* UnconvergedCell() {
+    return IsTrue(Job.Unconverged) ? ";1" : "";
 }

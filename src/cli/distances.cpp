@@ -22,6 +22,7 @@
 #include "core/controller.h"
 #include "core/files.h"
 #include "core/job.h"
+#include "core/job_file.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/run.h"
@@ -193,6 +194,7 @@ int RunDistances(const DistancesOptions& options, std::ostream& out, std::ostrea
     m.Points = TakeDistancePoints(options.WithResult);
     if (m.Points.Count() < 2)
         return Refuse(err, kRefused, "There are not enough identically Points for a calculation");
+    if (options.WithResult) NoteUnconverged(options.Job);
     if (options.WithResult && m.Points == TakeDistancePoints(false))
         err << "the job holds no result: its transformed points are the start points\n";
     {

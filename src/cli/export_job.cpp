@@ -10,6 +10,7 @@
 #include "cli/messages.h"
 #include "core/files.h"
 #include "core/job.h"
+#include "core/job_file.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/window.h"
@@ -47,6 +48,7 @@ CLI::App* AddExport(CLI::App& app, ExportSwitches& s) {
         ->check(CheckName)
         ->needs(frame)
         ->type_name("NAME");
+    command->add_flag("--unconverged", o.Unconverged, "Take a result that did not converge too");
     auto* yes = command->add_flag("--yes,-y", s.Yes,
                                   "A file without the head of a job file is one of an early version");
     command->add_flag("--no,-n", s.No, "It is none")->excludes(yes);
@@ -77,6 +79,8 @@ int RunExport(const ExportOptions& options, std::ostream& err) {
     if (!calculated && !options.Points.empty())
         return Refuse(err, kRefused, "You must make a calculation to export transformed points");
     if (!ResultIsFinite()) return Refuse(err, kRefused, kResultNotFinite);
+    if (const int refused = RefuseUnconverged(err, options.Unconverged); refused != kDone) return refused;
+    NoteUnconverged(options.Job);
     const std::string path = options.RobCad + options.Rocal + options.Points;  // one of them
     std::string text;
     const bool made = Dispatch([&options, &text] {

@@ -10,6 +10,7 @@ struct ExportOptions {
     std::string Job;
     std::string RobCad, Rocal, Points;  // the file to write; one of them
     std::string Place, Tool, Robot;     // names within the first
+    bool Unconverged = false;           // a result that did not converge goes out too
     std::optional<char> Decimal;
     std::optional<bool> Questions;  // --yes or --no
     bool Strict = false;            // no warning may pass

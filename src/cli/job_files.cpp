@@ -42,7 +42,11 @@ void ReadJob(const std::string& path, std::optional<bool> questions, JobFileFact
         throw PlatformError{path + " does not begin like a job file" +
                             (questions ? "" : "; with --yes it is read as one of an early version")};
     JobFileContent content = ReadJobBytes(bytes.View(), path);
+    if (!content.BlockFault.empty() && !questions.value_or(false))
+        throw PlatformError{content.BlockFault +
+                            (questions ? "" : "; with --yes the job is opened without the block")};
     Job = std::move(content.Job);
+    NoteJobFile(content, path);
     facts = {path, JobVersionText(content.Version), bytes.Size, std::move(content.ViewNames)};
     said = std::move(content.Said);
     RhoFestlegung();
@@ -66,6 +70,13 @@ bool ResultIsFinite() {
     return true;
 }
 
+int RefuseUnconverged(std::ostream& err, bool allowed) {
+    if (!IsTrue(Job.Unconverged) || allowed) return kDone;
+    return Refuse(err, kNotConverged,
+                  "the result of the job is of a calculation that did not converge; with --unconverged it is "
+                  "taken all the same");
+}
+
 void WriteJobFile(const std::string& path, const JobFileFacts& facts) {
     WriteFile(path, JobBytes(Job, facts.Views));
 }
@@ -76,6 +87,7 @@ int RunInfo(const JobFileOptions& options, std::ostream& out, std::ostream& err,
     JobFileFacts facts;
     const int status = OpenJob(options.Path, options.Questions, facts, err);
     if (status != kDone) return status;
+    NoteUnconverged(options.Path);
     if (EndsForWarnings(options.Strict, err)) return kUnreadable;
     if (options.Json) {
         WriteJobJson(facts, false, out);
@@ -97,6 +109,7 @@ int RunConvert(const JobFileOptions& options, std::ostream& err) {
     JobFileFacts facts;
     const int status = OpenJob(options.Path, options.Questions, facts, err);
     if (status != kDone) return status;
+    NoteUnconverged(options.Path);
     if (EndsForWarnings(options.Strict, err)) return kUnreadable;
     const bool written = Dispatch([&] {
         if (KindOfOut(options.Out) == ConvertTo::Job) return WriteJobFile(options.Out, facts);

@@ -26,6 +26,10 @@ bool ResultIsFinite();
 inline constexpr const char* kResultNotFinite =
     "the result of the job is not finite; calculate it anew with other parameters or points";
 
+// What leaves the program as a result of the open job has to be one: kDone where it converged, or where the
+// user has `allowed` another one with --unconverged; else kNotConverged, with the reason on `err`.
+int RefuseUnconverged(std::ostream& err, bool allowed);
+
 // Writes the open job with its saved views. Throws PlatformError when that is refused.
 void WriteJobFile(const std::string& path, const JobFileFacts& facts);
 

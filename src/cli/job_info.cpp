@@ -107,6 +107,12 @@ void WriteParameters(const Style& style, std::ostream& out) {
         out << columns.Line(cells(p)) << "  " << style.Quiet(p.Unit) << "\n";
 }
 
+// Null as long as there is no result.
+ordered_json Converged() {
+    if (Job.ParamText[kTraX].empty()) return nullptr;
+    return !IsTrue(Job.Unconverged);
+}
+
 ordered_json Summary(const JobFileFacts& file) {
     int used = 0;
     for (int pair = 1; pair <= Job.nIdent; ++pair) used += 3 - static_cast<int>(LeftOut(pair).size());
@@ -136,6 +142,7 @@ ordered_json Summary(const JobFileFacts& file) {
             {"seedPoints", SeedNames()},
             {"targetKind", TargetKind()},
             {"parametersChosen", !Job.ParamText[kTraX].empty()},
+            {"converged", Converged()},
             {"parameters", std::move(parameters)},
             {"savedViews", file.Views},
             {"notes", NotesToJson(Notes.List)}};
@@ -157,6 +164,7 @@ void WriteJobTable(const JobFileFacts& file, std::ostream& out, bool colour) {
         << Printable(Job.AngleUnitName) << Digits(Job.AngleDigits) << "\n";
     out << HeadLabel("fit") << NormName() << ", "
         << (IsTrue(Job.DirectionMCStoOCS) ? "MCS => OCS" : "OCS => MCS") << "\n";
+    if (IsTrue(Job.Unconverged)) out << HeadLabel("result") << style.Alarm("convergence not reached") << "\n";
     if (!SeedNames().empty()) out << HeadLabel("seed points") << Joined(SeedNames()) << "\n";
     if (!file.Views.empty())
         out << HeadLabel("saved views") << file.Views.size() << ": " << Joined(file.Views) << "\n";
@@ -176,7 +184,8 @@ void WriteJobJson(const JobFileFacts& file, bool records, std::ostream& out) {
 
 void WriteJobCsv(std::ostream& out) {
     out << "kind;name;start_x;start_y;start_z;target_x;target_y;target_z;transformed_x;transformed_y;"
-           "transformed_z;dx;dy;dz;use_x;use_y;use_z\r\n";
+           "transformed_z;dx;dy;dz;use_x;use_y;use_z"
+        << UnconvergedHeading() << "\r\n";
     const int ends[] = {Job.nIdent, Job.nMCS, Job.nIdent + Job.nOCSOnly};
     const char* const kinds[] = {"pair", "start", "target"};
     for (int kind = 0; kind < 3; ++kind)
@@ -194,6 +203,6 @@ void WriteJobCsv(std::ostream& out) {
                 out << ';' << (start && target ? PlainText(moved(axis) - to(axis)) : "");
             for (int axis = 1; axis <= 3; ++axis)
                 out << ';' << (start && target ? (Used(i, axis) ? "1" : "0") : "");
-            out << "\r\n";
+            out << UnconvergedCell() << "\r\n";
         }
 }

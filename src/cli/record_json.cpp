@@ -85,6 +85,15 @@ struct ToJson {
         }
         return rows;
     }
+    json operator()(const TextTable& table) const {
+        json rows = json::array();
+        for (std::size_t row = 0; row < table.First->size(); ++row) {
+            json texts = json::array({""});
+            for (int column = 0; column < table.Columns; ++column) texts.push_back(table.First[column][row]);
+            rows.push_back(std::move(texts));
+        }
+        return rows;
+    }
     json operator()(const std::vector<Note>* notes) const { return NotesToJson(*notes); }
     json operator()(const ViewRow& views) const {
         json list = json::array();
@@ -197,6 +206,19 @@ struct FromJson {
             if (!wrong.empty()) return "row " + std::to_string(row) + ": " + wrong;
         }
         *out = std::move(matrix);
+        return "";
+    }
+    std::string operator()(const TextTable& table) const {
+        if (!Value.is_array()) return "an array of rows is expected";
+        std::vector<std::vector<std::string>> columns(static_cast<std::size_t>(table.Columns) + 1);
+        for (std::size_t row = 0; row < Value.size(); ++row) {
+            std::vector<std::string> texts(columns.size());
+            const std::string wrong = TakeRow(Value[row], texts.data(), static_cast<int>(texts.size()));
+            if (!wrong.empty()) return "row " + std::to_string(row) + ": " + wrong;
+            for (std::size_t column = 1; column < columns.size(); ++column)
+                columns[column].push_back(std::move(texts[column]));
+        }
+        std::move(columns.begin() + 1, columns.end(), table.First);
         return "";
     }
     std::string operator()(const TextRow& row) const { return TakeRow(Value, row.First, row.Count); }

@@ -11,6 +11,7 @@
 #include "cli/messages.h"
 #include "core/files.h"
 #include "core/job.h"
+#include "core/job_file.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/run.h"
@@ -80,6 +81,7 @@ int RunRender(const RenderOptions& options, std::ostream& err) {
     PictureWish wish = options.Wish;
     if (!IsFixedView(wish.View) && SavedViewNumber(facts.Views, wish.View) == 0)
         return Refuse(err, kWrongUsage, UnknownView(wish.View, facts.Views));
+    NoteUnconverged(options.Job);
     if (Job.nMCS + Job.nOCS == 0) return Refuse(err, kRefused, "the job has no points to draw");
     if (Job.nIdent == 0) err << "the job has no identical points: there are no deviations to see\n";
     if (options.Limits)

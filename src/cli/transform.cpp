@@ -15,6 +15,7 @@
 #include "core/files.h"
 #include "core/folders.h"
 #include "core/job.h"
+#include "core/job_file.h"
 #include "core/notes.h"
 #include "core/platform.h"
 #include "core/run.h"
@@ -189,6 +190,7 @@ CLI::App* AddTransform(CLI::App& app, TransformSwitches& s) {
         ->type_name("DIR")
         ->required();
     transform->add_flag("--overwrite", o.Overwrite, "Replace results that are there already");
+    transform->add_flag("--unconverged", o.Unconverged, "Take a result that did not converge too");
     transform
         ->add_option("--delimiter", o.Delimiter,
                      "What stands between the fields of files that do not show it;\n"
@@ -218,6 +220,8 @@ int RunTransform(const TransformOptions& options, std::ostream& err, bool progre
     // A job that was never calculated has no choice of parameters yet.
     if (Job.ParamText[1].empty()) return Refuse(err, kRefused, "No Transformation calculated");
     if (!ResultIsFinite()) return Refuse(err, kRefused, kResultNotFinite);
+    if (const int refused = RefuseUnconverged(err, options.Unconverged); refused != kDone) return refused;
+    NoteUnconverged(options.Job);
     AnswerQuestions(options);
     BatchNotes notes;
     const std::vector<std::string> files = AllFiles(options.In, notes);

@@ -12,6 +12,7 @@ struct TransformOptions {
     std::vector<std::string> In;  // files, and folders that stand for their files
     std::string To;
     bool Overwrite = false;
+    bool Unconverged = false;     // a result that did not converge is taken too
     std::string Delimiter = " ";  // of a file that shows none
     std::optional<char> Decimal;
     std::optional<bool> Questions;  // --yes or --no

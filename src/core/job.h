@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/arrays.h"
@@ -53,6 +54,9 @@ struct JobRecord {
     // distances wants the transformed point at. X and Y are empty where there is none.
     std::vector<TaggedValue> RVecX{{}}, RVecY{{}};
     std::vector<double> RVecZ{0};
+    // Elements that the file of the job has of RVecX, RVecY and RVecZ, where these are fewer than the pairs;
+    // -1 where it has them all. The job is written with as many again, as long as nothing stands behind them.
+    std::array<std::int32_t, 3> RVecInFile{-1, -1, -1};
     std::vector<std::int16_t> UseFlags{0};  // 3 a pair, X Y Z: 1 takes part in the fit, 0 does not
 
     std::int32_t nMCS = 0, nOCS = 0, nIdent = 0, nMCSOnly = 0, nOCSOnly = 0;
@@ -84,8 +88,20 @@ struct JobRecord {
     Matrix RobotABC;  // (0 to n, 0 to 3): columns 1 Rz, 2 Ry', 3 Rx'', rad
     std::array<ScreenRecord, 51> SavedView{};
     std::int16_t nSavedViews = 0;  // 0 to 50
+
+    // What the fields of the job file have no place for; it travels in a block behind them.
+    Flag Unconverged = kFalse;  // the result is of a calculation that did not converge
+    // Members of the block that this version does not know, each its name and its value as JSON text; they
+    // are written again as they stand.
+    std::vector<std::pair<std::string, std::string>> OtherMembers;
 };
 inline JobRecord Job;
+
+// New points: what the block said was of those before.
+inline void ForgetBlock() {
+    Job.Unconverged = kFalse;
+    Job.OtherMembers.clear();
+}
 
 // True when all arrays of the job are as long as the counts say. The coordinate arrays may be longer
 // than the names (the search by distances leaves them three longer), never shorter.

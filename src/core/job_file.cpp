@@ -7,8 +7,10 @@
 #include "core/controller.h"
 #include "core/files.h"
 #include "core/form_main.h"
+#include "core/job_block.h"
 #include "core/job_commands.h"
 #include "core/job_notes.h"
+#include "core/notes.h"
 #include "core/platform.h"
 #include "core/pose_spans.h"
 #include "core/refresh.h"
@@ -24,11 +26,23 @@ void FillViewList(std::vector<std::string> names) {
     Main.ComboSaveView.Text.clear();
 }
 
-// A longer old file keeps its end behind the new job.
+// A longer old file keeps its end behind the new job. A block says something of the job that it was written
+// with: that of an old file must not stand behind another job, and nothing stands behind one.
 void KeepOldEnd(std::string& bytes, const std::string& path) {
-    if (!File_Exist(path) || FileSize(path) <= bytes.size()) return;
+    if (!JobBlock(Job).empty() || !File_Exist(path) || FileSize(path) <= bytes.size()) return;
     const FileBytes old = ReadFile(path);
+    if (old.View().find(kJobBlockHead) != std::string_view::npos) return;
     if (old.Size > bytes.size()) bytes += old.View().substr(bytes.size());
+}
+
+constexpr const char* kWithoutBlock =
+    "What stands behind the fields of this job is damaged:\r\n\r\n%\r\n\r\n"
+    "Do you want to open the job without it?";
+
+bool WantedWithoutBlock(const std::string& fault) {
+    std::string question = kWithoutBlock;
+    question.replace(question.find('%'), 1, fault);
+    return AskYesNo(question);
 }
 
 // Reads a file; false when the user does not want it read.
@@ -42,7 +56,7 @@ bool ReadWithQuestions(const std::string& path, JobFileContent& content) {
     if (!message.empty()) ShowMessage(message);
     content = ReadJobBytes(file.View(), path, Job);
     for (std::size_t i = message.empty() ? 0 : 1; i < content.Said.size(); ++i) ShowMessage(content.Said[i]);
-    return true;
+    return content.BlockFault.empty() || WantedWithoutBlock(content.BlockFault);
 }
 
 // The program is without a job again.
@@ -52,6 +66,22 @@ void ForgetPath() {
 }
 
 }  // namespace
+
+void NoteJobFile(const JobFileContent& content, const std::string& path) {
+    for (const Note& note : content.Noticed) AddNote(note.Code, note.Text, path, note.Line, note.Count);
+    if (!content.BlockFault.empty())
+        AddNote(NoteCode::BlockLeftOut,
+                "What stands behind the fields of the job is damaged and was left out; whether its result "
+                "converged is not known",
+                path);
+}
+
+void NoteUnconverged(const std::string& path) {
+    if (IsTrue(Job.Unconverged))
+        AddNote(NoteCode::NotConverged,
+                "The result of the job is of a calculation that did not converge; it is not the best fit",
+                path);
+}
 
 void SaveFileAs(const std::string& path) {
     const BusyPointer busy;
@@ -87,6 +117,8 @@ void OpenFile(const std::string& path) {
         throw;
     }
     Job = std::move(content.Job);
+    NoteJobFile(content, path);
+    NoteUnconverged(path);
     generation = ++Run.JobGeneration;
     FillViewList(std::move(content.ViewNames));
     // The kinds of target file that a job does not store are not those of the job before.

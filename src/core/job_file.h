@@ -9,6 +9,7 @@
 
 #include "core/job.h"
 #include "core/job_file_fields.h"
+#include "core/notes.h"
 
 // --- Without windows --------------------------------------------------------------------------------------
 
@@ -36,16 +37,26 @@ struct JobFileContent {
     JobVersion Version;                  // by which the last fields were read
     bool HeadKnown = true;               // false: only on the user's wish is this a job file
     std::vector<std::string> Said;       // the messages that opening it shows, in their order
+    // What is wrong with the block behind the fields, with path and byte; "" when nothing is. The job has
+    // nothing of the block then. Whoever opens the job asks before it is opened without.
+    std::string BlockFault;
+    std::vector<Note> Noticed;  // for the list of notes, without the file's name
 };
 
 // Reads a job of any version. A file without a known head is read as if the user had wished so.
 //   path     the name that errors give
 //   before   the job that is open now: what an old file does not have, and what then stays as it is
 //            (some entries of ParamText, RDist), is taken from here
+// A block behind the fields is read too; one that is damaged is told in BlockFault.
 // Throws PlatformError with path, byte and field for bytes that are no job: cut off, with counts that do
 // not fit the bytes left or each other, with unknown tags. Takes memory of at most about ten times the
 // bytes.
 JobFileContent ReadJobBytes(std::string_view bytes, const std::string& path, const JobRecord& before = {});
+
+// Adds what was noticed in a file to the list of notes, under its path.
+void NoteJobFile(const JobFileContent& content, const std::string& path);
+// Notes that the result of the open job did not converge, where that is so: for all that goes on with it.
+void NoteUnconverged(const std::string& path);
 
 // A job as a file of the program's version. `viewNames` are the names of its saved views; without any the
 // file has no views. Throws PlatformError for a job that could not be read back: a text that is too long,
@@ -60,5 +71,6 @@ std::string JobFault(const JobRecord& job);
 // OpenFile, which opens a job file, is declared in core/refresh.h.
 
 // Writes the job that is open. The file is replaced in one step; where an old one is longer the rest of it
-// stays behind the job. Throws PlatformError when that is refused; Run.JobDirty then stays as it is.
+// stays behind the job, unless either of them has a block, which ends its file. Throws PlatformError when
+// that is refused; Run.JobDirty then stays as it is.
 void SaveFileAs(const std::string& path);

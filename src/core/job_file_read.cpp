@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/job_block.h"
 #include "core/job_file.h"
 #include "core/job_file_bytes.h"
 #include "core/job_file_views.h"
@@ -116,19 +117,35 @@ struct GetAbsent {
 };
 
 // What follows from the fields, and what a job has that no file stores.
-void Complete(JobRecord& job) {
+void Complete(JobRecord& job, bool hasRVectors) {
     job.nMCSOnly = job.nMCS - job.nIdent;
     job.nOCSOnly = job.nOCS - job.nIdent;
     job.AutoRecalc = kFalse;
     job.RotXCopy = job.RotX;
     job.RotYCopy = job.RotY;
     job.RotZCopy = job.RotZ;
-    // The R vectors are as many as the pairs; the files of most jobs do not have them.
+    // The R vectors are as many as the pairs; the files of most jobs do not have them, and some have fewer.
     const std::size_t pairs = static_cast<std::size_t>(job.nIdent) + 1;
-    const auto grow = [pairs](auto& values) { values.resize(std::max(values.size(), pairs)); };
-    grow(job.RVecX);
-    grow(job.RVecY);
-    grow(job.RVecZ);
+    const auto grow = [&](auto& values, std::int32_t& inFile) {
+        if (hasRVectors && values.size() < pairs) inFile = static_cast<std::int32_t>(values.size());
+        values.resize(std::max(values.size(), pairs));
+    };
+    grow(job.RVecX, job.RVecInFile[0]);
+    grow(job.RVecY, job.RVecInFile[1]);
+    grow(job.RVecZ, job.RVecInFile[2]);
+}
+
+// Flags of more pairs than are counted: either of the two is wrong, and the count is believed.
+void NoticeFlags(JobFileContent& content) {
+    const JobRecord& job = content.Job;
+    const int flags = UpperBound(job.UseFlags), wanted = 3 * job.nIdent;
+    if (flags <= wanted) return;
+    Note note{.Code = NoteCode::FlagsBeyondPairs};
+    note.Text = "The job counts " + std::to_string(job.nIdent) + " pairs, which have " +
+                std::to_string(wanted) + " use flags, and has " + std::to_string(flags) +
+                "; the flags from number " + std::to_string(wanted + 1) +
+                " on count for nothing, and the points behind the pairs have no partner";
+    content.Noticed.push_back(std::move(note));
 }
 
 }  // namespace
@@ -151,8 +168,8 @@ std::string JobVersionMessage(const JobVersion& version) {
     const bool higher = Above(version, program);
     const std::string lineEnd = kLineEnd;
     return "File Version is " + std::string(higher ? "higher" : "lower") + " than your Softwareversion!" +
-           lineEnd + "File Version is " + JobVersionText(version) + lineEnd + "Software Version is " +
-           JobVersionText(program) + lineEnd +
+           lineEnd + lineEnd + "File Version is " + JobVersionText(version) + lineEnd +
+           "Software Version is " + JobVersionText(program) + lineEnd +
            (higher ? "This can cause trouble with your data!"
                    : "Corvinade will convert Job to actual Softwareversion");
 }
@@ -180,6 +197,18 @@ JobFileContent ReadJobBytes(std::string_view bytes, const std::string& path, con
     in.Field = "counts";
     const std::string fault = JobFault(content.Job);
     if (!fault.empty()) in.Refuse(fault, counts);
-    Complete(content.Job);
+    bool hasRVectors = false;
+    for (const JobField& field : JobFields())
+        if (field.Place == JobFieldPlace{&JobRecord::RVecX})
+            hasRVectors = HasField(field, content.Version, content.Job);
+    Complete(content.Job, hasRVectors);
+    NoticeFlags(content);
+    const std::string_view rest = bytes.substr(in.Offset());
+    if (BeginsJobBlock(rest)) {
+        const JobBlockFault damage = TakeJobBlock(rest, content.Job);
+        if (!damage.What.empty())
+            content.BlockFault = "\"" + path + "\", byte " + std::to_string(in.Offset() + damage.Offset) +
+                                 ": block behind the fields: " + damage.What;
+    }
     return content;
 }

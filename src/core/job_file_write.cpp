@@ -1,7 +1,9 @@
 // A job to the bytes of a job file.
+#include <algorithm>
 #include <array>
 
 #include "core/controller.h"
+#include "core/job_block.h"
 #include "core/job_file.h"
 #include "core/job_file_bytes.h"
 #include "core/job_file_views.h"
@@ -42,8 +44,29 @@ struct PutField {
     void operator()(std::vector<Element> JobRecord::*place) const {
         const std::vector<Element>& values = Job.*place;
         if (values.empty()) Out.Refuse("its element 0 is missing");
+        if (const std::size_t size = SizeInFile(values); size < values.size()) {
+            const auto end = values.begin() + static_cast<std::ptrdiff_t>(size);
+            return PutVector(std::vector<Element>(values.begin(), end));
+        }
+        PutVector(values);
+    }
+    template <class Element>
+    void PutVector(const std::vector<Element>& values) const {
         Out.PutCount(values.size());
         Out.PutElements(values);
+    }
+    // R vectors that the job's file has fewer of than there are pairs: only empty ones have joined them.
+    template <class Element>
+    std::size_t SizeInFile(const std::vector<Element>& values) const {
+        const JobFieldPlace places[] = {&JobRecord::RVecX, &JobRecord::RVecY, &JobRecord::RVecZ};
+        for (std::size_t k = 0; k < 3; ++k) {
+            if (Field.Place != places[k] || Job.RVecInFile[k] < 1) continue;
+            auto size = static_cast<std::size_t>(Job.RVecInFile[k]);
+            for (std::size_t i = size; i < values.size(); ++i)
+                if (values[i] != Element{}) size = i + 1;
+            return std::min(size, values.size());
+        }
+        return values.size();
     }
     template <std::size_t N>
     void operator()(std::array<std::string, N> JobRecord::*place) const {
@@ -82,6 +105,7 @@ std::string JobBytes(const JobRecord& job, const std::vector<std::string>& viewN
         if (HasField(field, ProgramJobVersion(), job))
             std::visit(PutField{out, job, viewNames, field}, field.Place);
     }
+    out.Bytes += JobBlock(job);
     return std::move(out.Bytes);
 }
 

@@ -29,6 +29,8 @@ enum class NoteCode : std::uint8_t {
     TableExtended,         // a point beyond the end of a table is extrapolated
     NamesShort,            // a set of points has fewer names or numbers than points
     NetworkOpen,           // a network's point that the distances do not determine
+    FlagsBeyondPairs,      // a job file has use flags for more pairs than it counts
+    BlockLeftOut,          // what stands behind the fields of a job file is damaged and is left out
     // Of a calculation.
     Mirrored,         // the result is mirrored
     BetterStart,      // the iteration ended in a solution that is not the best, and began again

@@ -19,6 +19,8 @@ const RecordEntry kOtherRecords[] = {
     {"Rvec_x", &Job.Rvec_x, Storage::Run},
     {"Rvec_y", &Job.Rvec_y, Storage::Run},
     {"Rvec_z", &Job.Rvec_z, Storage::Run},
+    // Behind the fields of the job file.
+    {"Unconverged", &Job.Unconverged, Storage::JobFile},
     // Of the program run.
     {"Notes", &Notes.List, Storage::Run},
     {"JobFilePath", &Run.JobFilePath, Storage::Run},
@@ -60,6 +62,7 @@ const RecordEntry kOtherRecords[] = {
     {"SigmaZ", &Settings.SigmaZ, Storage::Run},
     {"MonteCarloRuns", &Settings.MonteCarloRuns, Storage::Run},
     {"GimbalLockBorder", &Settings.GimbalLockBorder, Storage::Run},
+    {"CheckForGimbalLock", &Settings.CheckForGimbalLock, Storage::Run},
     {"LastDropDownInfoInOCS", &Settings.LastDropDownInfoInOCS, Storage::Run},
     {"LastMCSRoot", &Settings.LastMCSRoot, Storage::Run},
     {"LastOCSRoot", &Settings.LastOCSRoot, Storage::Run},

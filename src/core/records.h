@@ -19,6 +19,11 @@ struct TextRow {
     std::string* First;
     int Count;
 };
+// The rows of a table of texts: `Columns` lists of one length, from 1, each a column from its element 0 on.
+struct TextTable {
+    std::vector<std::string>* First;
+    int Columns;
+};
 struct NumberRow16 {
     std::int16_t* First;
     int Count;
@@ -36,7 +41,7 @@ struct ViewRow {
 using RecordPlace =
     std::variant<std::int16_t*, std::int32_t*, float*, double*, std::string*, std::vector<std::string>*,
                  std::vector<TaggedValue>*, std::vector<double>*, std::vector<std::int16_t>*, Matrix*,
-                 TextRow, NumberRow16, NumberRow, ViewRow, const std::vector<Note>*>;
+                 TextRow, TextTable, NumberRow16, NumberRow, ViewRow, const std::vector<Note>*>;
 
 enum class Storage : std::uint8_t {
     JobFile,  // stored in the job file

@@ -120,6 +120,7 @@ void FillRVectors(bool wanted) {
     Job.RVecX.assign(size, {});
     Job.RVecY.assign(size, {});
     Job.RVecZ.assign(size, 0);
+    Job.RVecInFile.fill(-1);
     if (!wanted) return;
     for (int i = 1; i <= Job.nIdent; ++i) {
         const Vec3 target = TargetPoint(i);
@@ -133,6 +134,32 @@ void FillRVectors(bool wanted) {
     }
 }
 
+// While the parameters move they are no result, and a job that is saved meanwhile says so. Where the
+// calculation leaves without one, the mark of before stands again if nothing has moved, or another job does.
+class MarkedWhileRunning {
+public:
+    MarkedWhileRunning() { Job.Unconverged = kTrue; }
+    ~MarkedWhileRunning() {
+        if (!Ended && Run.JobGeneration == generation_ && MonteCarlo.Started == started_ &&
+            parameters_ == Parameters())
+            Job.Unconverged = before_;
+    }
+    MarkedWhileRunning(const MarkedWhileRunning&) = delete;
+    MarkedWhileRunning& operator=(const MarkedWhileRunning&) = delete;
+    bool Ended = false;  // the calculation has a result
+
+private:
+    static std::array<double, kParameterEnd> Parameters() {
+        std::array<double, kParameterEnd> values{};
+        for (int parameter = kTraX; parameter < kParameterEnd; ++parameter)
+            values[At(parameter)] = ParameterValue(Job, parameter);
+        return values;
+    }
+    Flag before_ = Job.Unconverged;
+    std::uint64_t generation_ = Run.JobGeneration, started_ = MonteCarlo.Started;
+    std::array<double, kParameterEnd> parameters_ = Parameters();
+};
+
 bool ParametersAreFinite() {
     for (int parameter = kTraX; parameter < kParameterEnd; ++parameter)
         if (!std::isfinite(ParameterValue(Job, parameter))) return false;
@@ -144,6 +171,13 @@ bool ParametersAreFinite() {
 bool CalculationIsOfThisJob() {
     return Calculation.Done && Calculation.JobGeneration == Run.JobGeneration &&
            Calculation.nObs == 3 * Job.nIdent;
+}
+
+void MarkResult(bool converged) {
+    std::erase_if(Notes.List, [](const Note& note) { return note.Code == NoteCode::NotConverged; });
+    Job.Unconverged = ToFlag(!converged);
+    if (!converged)
+        AddNote(NoteCode::NotConverged, "The calculation did not converge; its result is not the best fit");
 }
 
 void TransformAllPoints(const Column* v) {
@@ -217,6 +251,7 @@ void ButtonCalcErsatz() {
     Column P = WeightsFromUseFlags(n);
 
     NormFit fit{.u = u, .n = n, .ParamText = Job.ParamText, .P = std::move(P)};
+    MarkedWhileRunning marked;
     if (!FitInNorm(fit) || Run.JobGeneration != generation) return;
     NiceRotSolOfFit(Adjustment.Model, fit.Q);
     if (!IsTrue(Job.IsParaboloid)) TakePositiveForm(Adjustment.Model, fit.Q);  // once, behind its passes
@@ -229,6 +264,9 @@ void ButtonCalcErsatz() {
     Calculation.P = std::move(fit.P);
     Calculation.Converged = Norm.Converged;
     Calculation.Finite = ParametersAreFinite();
+    marked.Ended = true;
+    // A pass of a shape is no result yet; its loop tells when it is one.
+    if (!IsTrue(Job.IsParaboloid)) MarkResult(Calculation.Converged && Calculation.Finite);
     Job.RotXCopy = Job.RotX;
     Job.RotYCopy = Job.RotY;
     Job.RotZCopy = Job.RotZ;

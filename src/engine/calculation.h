@@ -42,6 +42,10 @@ bool CalculationIsRefused();
 // is not a redundant calculation" and changes nothing when the weights in use are fewer than the unknowns.
 void ButtonCalcErsatz();
 
+// The end of a calculation: the mark that the job carries from now on, and the note of a result that did not
+// converge. Those about the result of before go.
+void MarkResult(bool converged);
+
 // The transformed start points of the present parameters: with `v` the pairs are the targets plus their
 // residuals, without it they go through the chain as all points without partner do.
 void TransformAllPoints(const Column* v);

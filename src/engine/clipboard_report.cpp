@@ -146,10 +146,17 @@ bool IsMoreThanSixParameters() {
     });
 }
 
+// What stands before a result that did not converge.
+std::string UnconvergedNotice() {
+    if (!IsTrue(Job.Unconverged)) return "";
+    return std::string("Notice: The calculation did not converge, its result is not the best fit!") +
+           kLineEnd;
+}
+
 std::string InvertedParameters() {
-    std::string text;
+    std::string text = UnconvergedNotice();
     if (IsMoreThanSixParameters())
-        text =
+        text +=
             std::string(
                 "Notice: Your have NOT calculated a simple 6 parameter transformation, be sure what "
                 "you are doing!") +
@@ -170,6 +177,7 @@ std::string InvertedParameters() {
 std::string CompleteProtocol() {
     std::string text;
     text.reserve(2000 + 300 * At(Job.nIdent));
+    text += UnconvergedNotice();
     AddSystems(text);
     AddParameters(text);
     AddQuality(text);
@@ -180,14 +188,14 @@ std::string CompleteProtocol() {
 
 std::string BmwParameters() {
     if (IsTrue(Settings.InvertedBMW)) return InvertedParameters();
-    std::string text;
+    std::string text = UnconvergedNotice();
     for (const double length : {Job.TraX, Job.TraY, Job.TraZ}) text += ShownLength(length) + "\t";
     for (const double angle : {Job.RotX, Job.RotY, Job.RotZ}) text += ShownAngle(-angle) + "\t";
     return text;
 }
 
 std::string KukaParameters() {
-    std::string text;
+    std::string text = UnconvergedNotice();
     for (const double length : {Job.TraX, Job.TraY, Job.TraZ}) text += ShownLength(length) + "\t";
     for (const double angle : {Job.RotZ, Job.RotY, Job.RotX}) text += ShownAngle(-angle) + "\t";
     if (!IsTrue(Settings.AdTCP)) return text + "Trala xyz, Rot -z-y'-x''";

@@ -13,7 +13,7 @@
 #include "engine/field_number.h"
 #include "engine/inverted_solutions.h"
 #include "engine/matrix.h"
-#include "engine/rotations.h"
+#include "engine/sound_angles.h"
 #include "engine/transform.h"
 
 namespace {
@@ -126,8 +126,10 @@ void FormTrafoBerechnung::BtnSecSolution_Click() {
     Mat3 R;
     RotMatrixXYZ(Job.RotX, Job.RotY, Job.RotZ, R);
     if (!IsFinite(R)) return;
-    Vec3 first, second;
-    EulerFromMatrixXYZ(R, first, second);
+    RotationSolutions solutions;
+    if (SoundSolutions(RotationOrder::XYZ, R, solutions)) NoteMatrixAngles();
+    const Vec3 first(solutions.First[0], solutions.First[1], solutions.First[2]);
+    const Vec3 second(solutions.Second[0], solutions.Second[1], solutions.Second[2]);
     // One of the shown unit, whatever that is.
     const double shown = FieldAngle(w.TextRotX.Text);
     ShowRotation(std::fabs(shown - Units.AngleFactor * first(1)) >= 1 ? first : second);

@@ -3,23 +3,10 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
 
 #include "core/arrays.h"
 #include "engine/monte_carlo.h"
-
-// Rotations about axes that turn along: first axis, second, third.
-enum class RotationOrder : std::uint8_t { XYZ, ZYX, ZXY, ZXZ, ZYZ };
-inline constexpr std::array<RotationOrder, 5> kRotationOrders = {
-    RotationOrder::XYZ, RotationOrder::ZYX, RotationOrder::ZXY, RotationOrder::ZXZ, RotationOrder::ZYZ};
-
-// The axes of an order, as its name says them: "XYZ".
-const char* AxesOf(RotationOrder order);
-
-// The two sets of angles of one order, each in the order of its rotations, rad.
-struct RotationSolutions {
-    std::array<double, 3> First{}, Second{};
-};
+#include "engine/sound_angles.h"
 
 struct SolutionDetails {
     Mat3 Rotation, Affine, Scale;                // R, K and S of X = T + R K S x
@@ -42,6 +29,7 @@ struct SolutionDetails {
 };
 
 // Takes the present parameters of the job apart. Where they are not finite, the angles are no numbers
-// either. Where the inverse has no parameters of the model's own form, the message of its search comes.
-// Reads Job and MonteCarlo; writes Inverse.
+// either; angles that would not give the rotation back are those of the matrix, with a note. Where the
+// inverse has no parameters of the model's own form, the message of its search comes. Reads Job and
+// MonteCarlo; writes Inverse.
 SolutionDetails DetailsOfSolution();

@@ -11,6 +11,7 @@
 #include "engine/coordinate_forms.h"
 #include "graphics/flags.h"
 #include "graphics/scene.h"
+#include "graphics/tolerance.h"
 
 namespace {
 
@@ -75,13 +76,11 @@ void WritePoint(const Vec3& point, RowTexts& texts) {
     texts[kFlagTheta] = WinkelFormat(forms.Theta);
 }
 
-// The 3D deviation with the sign of the component that colours the points.
-double SignedDeviation(const ScreenRecord& state, const Vec3& deviation) {
+// The 3D deviation with the sign of the component that colours the points, as their class has it.
+double SignedDeviation(const ScreenRecord& state, const RowPoints& points, const Vec3& deviation) {
     const double size =
         std::sqrt(deviation(1) * deviation(1) + deviation(2) * deviation(2) + deviation(3) * deviation(3));
-    const std::string& by = state.ColorBased;
-    const int axis = by == "x" ? 1 : by == "y" ? 2 : by == "z" ? 3 : 0;
-    return axis != 0 && deviation(axis) < 0 ? -size : size;
+    return IsNegativeDeviation(state, points.Actual, points.Nominal) ? -size : size;
 }
 
 void WriteDeviation(const ScreenRecord& state, const RowPoints& points, RowTexts& texts) {
@@ -101,7 +100,7 @@ void WriteDeviation(const ScreenRecord& state, const RowPoints& points, RowTexts
         texts[kFlagPhi] = WinkelFormat(forms.Phi);
         texts[kFlagTheta] = WinkelFormat(forms.Theta);
     }
-    texts[kFlag3D] = LengthText(SignedDeviation(state, deviation));
+    texts[kFlag3D] = LengthText(SignedDeviation(state, points, deviation));
 }
 
 // Where nothing is drawn the sizes are those of a common font.

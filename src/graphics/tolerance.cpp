@@ -127,6 +127,16 @@ int SignedComponent(const std::string& colorBased) {
     return colorBased == "z" ? 2 : -1;
 }
 
+Shown ShownOf(Axes axes, const Vec3& start, const Vec3& target, const Switches& show) {
+    return axes == Axes::Cartesian  ? Cartesian(start, target, show)
+           : axes == Axes::Cylinder ? Cylinder(start, target, show)
+                                    : Sphere(start, target, show);
+}
+
+bool IsNegative(const Shown& shown, int component) {
+    return component >= 0 && shown.Signed[static_cast<std::size_t>(component)] < 0;
+}
+
 // Columns 4, 8, 9, 10.
 void FillShown(const ScreenRecord& state) {
     const Axes axes = AxesOf(state);
@@ -137,12 +147,10 @@ void FillShown(const ScreenRecord& state) {
         const auto row = static_cast<std::size_t>(i);
         const Vec3 start(Job.TMCS_X[row].value_or(0), Job.TMCS_Y[row].value_or(0), Job.TMCS_Z[row]);
         const Vec3 target = TargetPoint(i);
-        const Shown shown = axes == Axes::Cartesian  ? Cartesian(start, target, show)
-                            : axes == Axes::Cylinder ? Cylinder(start, target, show)
-                                                     : Sphere(start, target, show);
+        const Shown shown = ShownOf(axes, start, target, show);
         double size = none ? Hypot3(start(1) - target(1), start(2) - target(2), start(3) - target(3))
                            : std::sqrt(shown.X * shown.X + shown.Y * shown.Y + shown.Z * shown.Z);
-        if (component >= 0 && shown.Signed[static_cast<std::size_t>(component)] < 0) size = -size;
+        if (IsNegative(shown, component)) size = -size;
         Scene.Points[kSceneVecX][row] = static_cast<float>(shown.X);
         Scene.Points[kSceneVecY][row] = static_cast<float>(shown.Y);
         Scene.Points[kSceneVecZ][row] = static_cast<float>(shown.Z);
@@ -246,6 +254,11 @@ ClassKey KeyOf(const ScreenRecord& state) {
 }
 
 }  // namespace
+
+bool IsNegativeDeviation(const ScreenRecord& state, const Vec3& transformed, const Vec3& target) {
+    const Shown shown = ShownOf(AxesOf(state), transformed, target, {false, false, false});
+    return IsNegative(shown, SignedComponent(state.ColorBased));
+}
 
 void ForgetClasses() {
     Tolerance.Key = ClassKey{};

@@ -12,6 +12,9 @@
 // that are both 0, and all limits of a window with SetMinMaxOnChange, are taken from the sizes; column 12 is
 // then to be filled anew (Scene.PlottedFor).
 void Transform_dev_to_klasse(ScreenWindow& window);
+// Is the component of a deviation that ColorBased names, in the coordinate form of the view, below 0? It
+// gives the size of a deviation its sign. Points in mm.
+bool IsNegativeDeviation(const ScreenRecord& state, const Vec3& transformed, const Vec3& target);
 // The shown sizes (column 4) of the pairs of the window: of all of them, or with ShowOnlyUsedComponent of
 // those of which every coordinate is in use. Sizes that are no numbers do not count.
 struct SizeRange {

@@ -313,6 +313,7 @@ void myBtn_OK() {
     if (IsTrue(Run.ImportFailed)) return EndCancelled(jobBefore);
     underWay.reset();
     guard.Whole = kind.Kept = true;
+    ForgetBlock();
     NotePairsWithoutOrientation();
     Run.JobDataValid = kTrue;  // the main sheet shows no others
     const std::uint64_t generation = Run.JobGeneration;

@@ -261,6 +261,7 @@ void IdentischePkte_Neu() {
     Job.RVecX.assign(pairs, {});
     Job.RVecY.assign(pairs, {});
     Job.RVecZ.assign(pairs, 0);
+    Job.RVecInFile.fill(-1);
     // What is in use stays; a place that is new takes part, or a larger job would be fitted by a part of it.
     Job.UseFlags.resize(3 * (pairs - 1) + 1, 1);
     Job.TMCS_X.assign(Job.MCS_X.begin(), Job.MCS_X.begin() + static_cast<std::ptrdiff_t>(points));

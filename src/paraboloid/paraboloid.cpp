@@ -246,6 +246,7 @@ void CalculateParaboloid() {
     if (Run.JobGeneration != generation) return;
     if (end == LoopEnd::Stopped) Calculation.Converged = false;  // though the fit of the last pass did
     if (Calculation.Refused) return;
+    MarkResult(Calculation.Converged && Calculation.Finite);
     TakePositiveForm(Adjustment.Model, Calculation.Q);
     TransformByParameters();
     if (!Calculation.Finite) return;

@@ -345,3 +345,46 @@ TEST_F(Exports, TheMenuEntriesBearTheirNames) {
     EXPECT_EQ(Main.MenueFileExportROCAL.Text, "&Rocal *.bas File");
     EXPECT_EQ(Main.MenueOnlyMCStoTilde.Text, "OnlyMCS Pts to txt File");
 }
+
+// --- A result that did not converge
+// -------------------------------------------------------------------------
+
+TEST_F(Exports, AResultThatDidNotConvergeGoesOutOnlyWhenItIsWanted) {
+    ThreePoints();
+    Run.JobFilePath = PathOf("cell.cvn");
+    Job.Unconverged = kTrue;
+    const auto click = [&](Control& command, const std::string& answer) {
+        Headless.Dialogs.clear();
+        Answer("message", answer);
+        UserClick(command);
+        EXPECT_EQ(
+            Messages().at(0),
+            "The calculation did not converge, its result is not the best fit.\r\n\r\nDo you want to export it "
+            "all the same?");
+        return Headless.Dialogs.size();
+    };
+    for (Control* command :
+         {&Main.MenueFileExportRobCad, &Main.MenueFileExportROCAL, &Main.MenueOnlyMCStoTilde})
+        EXPECT_EQ(click(*command, "No"), 1u) << "nothing else is asked";
+    for (const char* name : {"f.rf", "f.bas", "cell.txt"}) EXPECT_FALSE(File_Exist(PathOf(name))) << name;
+    Answer("save", PathOf("f.bas"));
+    click(Main.MenueFileExportROCAL, "Yes");
+    EXPECT_EQ(Contents(PathOf("f.bas")), RocalText());
+    Answer("save", PathOf("f.rf"));
+    AnswerNames("a", "b", "c");
+    click(Main.MenueFileExportRobCad, "Yes");
+    EXPECT_EQ(Contents(PathOf("f.rf")), RobCadText("a", "b", "c"));
+    click(Main.MenueOnlyMCStoTilde, "Yes");
+    EXPECT_EQ(Contents(PathOf("cell.txt")), OnlyMcsText());
+}
+
+TEST_F(Exports, AResultThatCeasesToConvergeDuringTheDialogsIsAskedFor) {
+    Headless.OnQuestion = [](const DialogShown& dialog) -> std::optional<std::string> {
+        if (dialog.Kind == "message") return "No";
+        Job.Unconverged = kTrue;
+        return "x";
+    };
+    UserClick(Main.MenueFileExportRobCad);
+    EXPECT_FALSE(File_Exist("x.rf"));
+    Headless.OnQuestion = nullptr;
+}

@@ -495,3 +495,15 @@ TEST_F(BatchRun, TheMenuOpensTheWindow) {
     UserEscape(FormBatch_Entry);
     EXPECT_FALSE(IsLoaded("FormBatch"));
 }
+
+TEST_F(BatchRun, AResultThatDidNotConvergeIsTakenOnlyWhenItIsWanted) {
+    Write("in/a.txt", kPoint);
+    Job.Unconverged = kTrue;
+    Answer("No");
+    Start();
+    EXPECT_FALSE(File_Exist(Out("a_out.txt")));
+    EXPECT_EQ(Messages().size(), 1u);
+    Answer("Yes");
+    Start();
+    EXPECT_EQ(Contents(Out("a_out.txt")), kResult);
+}

@@ -27,6 +27,9 @@ TEST_F(BundleByName, ANetworkIsReadAdjustedAndFitted) {
     EXPECT_EQ(Record("nStations"), 6);
     EXPECT_EQ(Record("StationName")[2], "TH2");
     EXPECT_EQ(Record("DistancePair.2")[84], "T14");
+    EXPECT_EQ(Record("DistancePair").size(), 85u);
+    EXPECT_EQ(Record("DistancePair")[0], (json{"", "", ""}));
+    EXPECT_EQ(Record("DistancePair")[84], (json{"", "TH6", "T14"}));
     EXPECT_EQ(Get("FormMain.MenuTransformationBundle")["enabled"], true);
     EXPECT_EQ(Get("FormBündel.TextReduce")["text"], "100");
     EXPECT_EQ(Get("FormBündel.CommandSTOP")["enabled"], false);
@@ -38,4 +41,21 @@ TEST_F(BundleByName, ANetworkIsReadAdjustedAndFitted) {
     Click("FormTrafoBerechnung.BtnCalculate");
     EXPECT_EQ(Record("TrafoValid"), -1);
     EXPECT_LT(Record("SigmaXYZ"), 12);
+}
+
+TEST_F(BundleByName, ThePairsOfTheDistancesCanBeWritten) {
+    const json rows = {{"", "", ""}, {"", "S1", "P1"}, {"", "S2", "P1"}};
+    Good({{"do", "record"}, {"name", "DistancePair"}, {"value", rows}});
+    EXPECT_EQ(Record("DistancePair"), rows);
+    EXPECT_EQ(Record("DistancePair.1"), (json{"", "S1", "S2"}));
+    EXPECT_EQ(Record("DistancePair.2"), (json{"", "P1", "P1"}));
+    for (const json& wrong : {json("x"), json{{"", "a"}}, json{{"", "a", 1}}, json{"a"}})
+        EXPECT_EQ(Ask({{"do", "record"}, {"name", "DistancePair"}, {"value", wrong}})["ok"], false) << wrong;
+    EXPECT_EQ(Record("DistancePair"), rows);
+}
+
+TEST_F(BundleByName, TheCheckForGimbalLockIsARecord) {
+    EXPECT_EQ(Record("CheckForGimbalLock"), 0);
+    Good({{"do", "record"}, {"name", "CheckForGimbalLock"}, {"value", -1}});
+    EXPECT_EQ(Record("CheckForGimbalLock"), -1);
 }

@@ -1,9 +1,11 @@
 // `corvinade-cli bundle`: networks on the command line.
 #include <cmath>
 #include <filesystem>
+#include <sstream>
 
 #include "bundle/network_job.h"
 #include "cli/fit_command.h"
+#include "core/notes.h"
 
 namespace {
 
@@ -145,4 +147,28 @@ TEST_F(BundleCommand, AFolderThatCannotBeWrittenIsTold) {
     const Outcome outcome = Run({kNetwork, "--to", PathOf("file/below")});
     EXPECT_EQ(outcome.Status, 1);
     EXPECT_NE(outcome.Err.find("file/below"), std::string::npos) << outcome.Err;
+}
+
+TEST_F(BundleCommand, APointThatTheDistancesDoNotDetermineHasNoSigma) {
+    std::string text;
+    std::istringstream in(Contents(kNetwork));
+    for (std::string line; std::getline(in, line);)
+        if (line.find(" T14 ") == std::string::npos || line.starts_with("TH1 ") || line.starts_with("TH2 "))
+            text += line + "\n";
+    const std::string path = Write("net.txt", text);
+    const json all = RunJson({path});
+    const json& open = all["objectPoints"].back();
+    EXPECT_EQ(open["name"], "T14");
+    EXPECT_EQ(open["sigma_mm"], (json{nullptr, nullptr, nullptr}));
+    EXPECT_EQ(open["determined"], (json{false, false, false}));
+    EXPECT_EQ(all["stations"][0]["determined"], (json{true, true, true})) << "held";
+    EXPECT_GT(all["objectPoints"][0]["sigma_mm"][0], 0);
+    EXPECT_EQ(all["objectPoints"][0]["determined"], (json{true, true, true}));
+    ASSERT_EQ(Notes.List.size(), 1u);
+    EXPECT_EQ(Notes.List[0].Code, NoteCode::NetworkOpen);
+    EXPECT_NE(Notes.List[0].Text.find("\"T14\""), std::string::npos);
+    const Outcome table = Run({path});
+    const std::size_t row = table.Out.find("\nT14 ");
+    ASSERT_NE(row, std::string::npos);
+    EXPECT_NE(table.Out.find("open        open        open", row), std::string::npos) << table.Out;
 }

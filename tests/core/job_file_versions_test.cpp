@@ -23,11 +23,11 @@ const std::string kQuestion = CrLf(
 const std::string kNoViews = "Sorry, Saved Views can not be loaded";
 
 std::string Lower(const std::string& version) {
-    return CrLf("File Version is lower than your Softwareversion!\nFile Version is " + version +
+    return CrLf("File Version is lower than your Softwareversion!\n\nFile Version is " + version +
                 "\nSoftware Version is 2.0.64\nCorvinade will convert Job to actual Softwareversion");
 }
 std::string Higher(const std::string& version) {
-    return CrLf("File Version is higher than your Softwareversion!\nFile Version is " + version +
+    return CrLf("File Version is higher than your Softwareversion!\n\nFile Version is " + version +
                 "\nSoftware Version is 2.0.64\nThis can cause trouble with your data!");
 }
 

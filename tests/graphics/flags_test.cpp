@@ -7,6 +7,7 @@
 #include "graphics/black_planes.h"
 #include "graphics/flag_window.h"
 #include "graphics/saved_views.h"
+#include "graphics/scene.h"
 
 using Flags = FlagWindow;
 
@@ -109,6 +110,34 @@ TEST_F(Flags, ShowsThePointItsTargetAndTheirDifferences) {
     EXPECT_NEAR(number(kFlagNominal, kFlagTheta), 90, 5e-4);
     EXPECT_NEAR(number(kFlagDev, kFlag3D), std::hypot(40, 5), 5e-4);
     EXPECT_EQ(TextOf(window, 1, kFlagActual, kFlag3D), "");
+}
+
+// (100, 100, 5) with the target (140, 100, 0): inwards and turned on, which x, y and z do not say alike.
+TEST_F(Flags, TheSignIsThatOfTheComponentInTheCoordinateFormOfTheView) {
+    ScreenWindow& window = OpenInFlagMode();
+    FlagOn(window, 1);
+    struct Case {
+        const char *Form, *By;
+        double Component;
+    };
+    const double r1 = std::hypot(100, 100), r2 = std::hypot(140, 100);
+    const std::vector<Case> cases = {{"CYL", "x", r1 - r2},
+                                     {"CYL", "y", std::atan2(100, 100) - std::atan2(100, 140)},
+                                     {"CYL", "z", 5},
+                                     {"SPH", "x", std::hypot(r1, 5) - r2},
+                                     {"SPH", "y", std::atan2(100, 100) - std::atan2(100, 140)},
+                                     {"SPH", "z", std::atan2(r1, 5) - std::atan2(r2, 0)},
+                                     {"CART", "x", -40},
+                                     {"CART", "z", 5}};
+    for (const Case& c : cases) {
+        window.State.CS_Type = c.Form;
+        window.State.ColorBased = c.By;
+        Stelle_Grafik_dar(window);
+        const double size = std::hypot(40, 5);
+        EXPECT_NEAR(Val(TextOf(window, 1, kFlagDev, kFlag3D)), c.Component < 0 ? -size : size, 5e-4)
+            << c.Form << " " << c.By;
+        EXPECT_EQ(Scene.Points[kSceneSize][1] < 0, c.Component < 0) << "as the class has it";
+    }
 }
 
 TEST_F(Flags, TheDeviationHasTheSignOfTheComponentThatColours) {
