@@ -199,8 +199,10 @@ TEST_F(L1, FitsThatDoNotConvergeAreOneMessageAndOneNote) {
     EXPECT_FALSE(Calculation.Converged);
     EXPECT_EQ(Messages(), std::vector<std::string>{
                               "Calculation stopped after 0 Iterations, Convergence not reached yet!"});
-    ASSERT_EQ(Notes.List.size(), 1u);
+    // And the result itself is one that did not converge.
+    ASSERT_EQ(Notes.List.size(), 2u);
     EXPECT_EQ(Notes.List[0].Code, NoteCode::UnsettledFits);
+    EXPECT_EQ(Notes.List[1].Code, NoteCode::NotConverged);
     EXPECT_EQ(
         Notes.List[0].Text.find(std::to_string(Norm.Unsettled) + " inner fits of L1 ended at the limit"), 0u);
 }

@@ -232,8 +232,10 @@ TEST_F(Loo, FitsThatDoNotConvergeAreOneMessageAndOneNote) {
     EXPECT_EQ(Norm.Unsettled, Norm.Iterations + 2) << "with the fit before the rounds and the one behind";
     EXPECT_EQ(Messages().size(), 1u);
     EXPECT_FALSE(Calculation.Converged);
-    ASSERT_EQ(Notes.List.size(), 1u);
+    // And the result itself is one that did not converge.
+    ASSERT_EQ(Notes.List.size(), 2u);
     EXPECT_EQ(Notes.List[0].Code, NoteCode::UnsettledFits);
+    EXPECT_EQ(Notes.List[1].Code, NoteCode::NotConverged);
 }
 
 TEST_F(Loo, OfDistancesTheExchangeReachesTheRowBesideThePoint) {
