@@ -14,6 +14,7 @@
 #include "engine/adjustment.h"
 #include "engine/best_transformation.h"
 #include "engine/chain_search.h"
+#include "engine/corrections.h"
 #include "engine/double_double.h"
 #include "engine/moments.h"
 #include "engine/small_svd.h"
@@ -259,7 +260,7 @@ private:
         const Solution* mirrored = found_.Mirrored ? &*found_.Mirrored : nullptr;
         if (proper == nullptr || mirrored == nullptr) return proper != nullptr ? proper : mirrored;
         if (wishes_.NegativeScale) {
-            if (usable_) return mirrored_ ? mirrored : proper;
+            if (usable_ && mirrored_) return mirrored;
             return mirrored->Gain > proper->Gain ? mirrored : proper;
         }
         if (!(mirrored->Gain > proper->Gain)) return proper;
@@ -269,9 +270,33 @@ private:
 
     double rows_() const { return moments_.B[1][0][0] + moments_.B[2][0][0] + moments_.B[3][0][0]; }
 
+    // How far the points move from here to a solution, mean square, mm^2.
+    double MoveTo(const Solution& other) const {
+        double squares = 0;
+        for (int axis = 1; axis <= 3; ++axis) {
+            const auto& B = moments_.B[At(axis)];
+            const std::array<double, 4> d = {
+                other.Shift(axis) - moments_.Shift(axis), other.M(axis, 1) - moments_.M(axis, 1),
+                other.M(axis, 2) - moments_.M(axis, 2), other.M(axis, 3) - moments_.M(axis, 3)};
+            for (std::size_t i = 0; i < 4; ++i)
+                for (std::size_t j = 0; j < 4; ++j) squares += d[i] * B[i][j] * d[j];
+        }
+        return squares / std::max(1.0, rows_());
+    }
+
+    // The same solution but for what the iteration's own end leaves: a correction below its threshold.
+    bool IsHere(const Solution& other) const {
+        double spread = 0;
+        for (int axis = 1; axis <= 3; ++axis)
+            for (std::size_t k = 1; k <= 3; ++k) spread = std::max(spread, moments_.B[At(axis)][k][k]);
+        const double arm = 1 + std::sqrt(spread / std::max(1.0, rows_() / 3));
+        const double move = 10 * Threshold() * arm;
+        return MoveTo(other) < move * move;
+    }
+
     // A solution that the present one has to give way to; null where it stands.
     const Solution* Better() {
-        constexpr double kSame = 1e-10;  // of the sum
+        constexpr double kSame = 5e-10;  // of the sum
         const Solution* wanted = Wanted();
         if (wanted == nullptr) return nullptr;
         if (!usable_) return wanted;
@@ -280,7 +305,7 @@ private:
         const bool isBetter = wanted->Gain > least && wanted->Gain > kSame * Sum() + least;
         if (!isBetter && !otherSide) return nullptr;
         if (wishes_.OwnStart && !otherSide) {
-            if (!begun_)
+            if (!begun_ && !IsHere(*wanted))
                 AddNote(NoteCode::BetterElsewhere, "another solution has a smaller sum of squares (" +
                                                        Ratio(Sum(), SumOf(*wanted)) +
                                                        "); the start values that were given keep this one");
@@ -298,12 +323,18 @@ private:
     // The solution as it stands, and the iteration from there on where that leads to the same.
     bool BeginAgain(const Solution& better) {
         const bool told = usable_;
+        const bool polished = told && !mirrored_ && IsHere(better);
+        const int iterations = Adjustment.Iterations;
         const double before = told ? Sum() : 0;
         TakeParameters(fit_, better);
         SettleHere(fit_.u, fit_.n, fit_.ParamText, fit_.Q, fit_.v, fit_.P, fit_.Points);
         const Outcome settled(fit_);
         const double sum = SumOfSquares(fit_);
         const bool side = JobIsMirrored();
+        if (polished) {  // its last digits, and no other solution
+            Adjustment.Iterations = iterations;
+            return true;
+        }
         if (begun_) return true;  // the iteration has been there, and did not stay
         IterateQuietly(fit_.u, fit_.n, fit_.ParamText, fit_.Q, fit_.v, fit_.P, fit_.Points);
         if (Adjustment.JobChanged) return false;

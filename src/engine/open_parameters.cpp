@@ -232,6 +232,13 @@ std::vector<Column> NullSpace(const Cloud& cloud, const std::vector<int>& chosen
 // Marks the parameters that take part in a way, by the share that each has in moving the points.
 void Mark(const Cloud& cloud, Column way, const Sizes& sizes, OpenParameters& open) {
     constexpr double kTakesPart = 1e-6;
+    if (sizes.OnePlace()) {  // what turns and stretches about that place is open, and the place is not
+        for (int k = kTraX; k < kParameterEnd; ++k) {
+            const int unknown = cloud.Model.UnknownOf[At(k)];
+            if (unknown != 0 && way[At(unknown)] != 0) open.Open[At(k)] = true;
+        }
+        return;
+    }
     FromCentre(cloud.Model, cloud.At_, way);
     std::array<double, kParameterEnd> share{};
     double largest = 0;
@@ -255,6 +262,7 @@ bool IsGimbalLock(const OpenParameters& marked) {
 }
 
 bool IsAzimuthAlone(const OpenParameters& marked) {
+    if (std::fabs(std::sin(Job.AngleZtoXY)) > 1e-6) return false;
     for (int k = kTraX; k < kParameterEnd; ++k)
         if (marked.Open[At(k)] != (k == kAzimuth)) return false;
     return true;

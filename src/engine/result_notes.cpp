@@ -42,7 +42,7 @@ void TakeSigma(int parameter) {
         Calculation.Sigma[kRDist] = Calculation.Significance[kRDist] = kNone;
 }
 
-void NoteOpen(const OpenParameters& open, int unknowns) {
+void NoteOpen(const OpenParameters& open, const FitModel& model) {
     for (int k = kTraX; k < kParameterEnd; ++k)
         if (open.Open[At(k)]) TakeSigma(k);
     std::array<bool, kParameterEnd> byPoints = open.Open;
@@ -59,10 +59,13 @@ void NoteOpen(const OpenParameters& open, int unknowns) {
         byPoints[kAzimuth] = false;
     }
     if (open.ByPoints() == 0) return;
-    AddNote(NoteCode::OpenParameters, "the points in use, on one line or in one plane perhaps, leave " +
-                                          std::to_string(open.ByPoints()) + " of the " +
-                                          std::to_string(unknowns) + " parameters open: what is shown for " +
-                                          Named(byPoints) + " is arbitrary, and they have no sigma");
+    AddNote(NoteCode::OpenParameters,
+            (model.Mode == FitMode::Tool
+                 ? std::string("the points and poses in use, turned about one axis alone perhaps, leave ")
+                 : std::string("the points in use, on one line or in one plane perhaps, leave ")) +
+                std::to_string(open.ByPoints()) + " of the " + std::to_string(model.Unknowns) +
+                " parameters open: what is shown for " + Named(byPoints) +
+                " is arbitrary, and they have no sigma");
 }
 
 // Near the lock the two angles are determined, but by little.
@@ -106,22 +109,23 @@ struct Reach {
 };
 
 // A scale of next to nothing carries all points to one place, or into one plane, and fits whatever is there.
-void NoteCollapse(const FitModel& model) {
-    constexpr double kNothing = 1e-9, kRounding = 64 * 2.220446049250313e-16;
+// True where all of them are at one place.
+bool NoteCollapse(const FitModel& model) {
+    constexpr double kNothing = 1e-9, kOnePlace = 1e-6, kRounding = 64 * 2.220446049250313e-16;
     const bool one = model.UnknownOf[kScaleXYZ] != 0;
     bool any = one;
     for (int k = kScaleX; k <= kScaleZ; ++k) any = any || model.UnknownOf[At(k)] != 0;
-    if (!any) return;
+    if (!any) return false;
     const Reach reach;
     const double start = std::max({reach.Start[1], reach.Start[2], reach.Start[3]});
-    if (!(start > 0)) return;
-    if (reach.Target <= kRounding * reach.LargestTarget) {
+    if (!(start > 0)) return false;
+    if (reach.Target <= std::max(kRounding * reach.LargestTarget, kOnePlace * start)) {
         AddNote(NoteCode::CollapsedScale,
-                "the target points in use are all at one place: a scale of 0 fits them whatever the start "
-                "points are, so this is no fit, and the rotation is arbitrary");
+                "the target points in use are all at one place, or all but so: a scale of 0 fits them "
+                "whatever the start points are, so this is no fit, and the rotation is arbitrary");
         for (int k = kRotX; k <= kRotZ; ++k)
             if (model.UnknownOf[At(k)] != 0) TakeSigma(k);
-        return;
+        return true;
     }
     for (int k = 1; k <= 3; ++k) {
         const int parameter = kScaleX + k - 1;
@@ -130,9 +134,19 @@ void NoteCollapse(const FitModel& model) {
         if (reach.Start[At(k)] <= kNothing * start || image > kNothing * reach.Target) continue;
         AddNote(NoteCode::CollapsedScale,
                 std::string(ParameterName(one ? kScaleXYZ : parameter)) +
-                    " has gone to 0: it carries the points onto each other, and fits whatever they are");
-        if (one) return;
+                    " has gone to 0: it carries points that are apart onto each other");
+        if (one) break;
     }
+    return false;
+}
+
+// How far R K S is from carrying all into one plane: 1 for right angles, 0 for a plane, below 0 mirrored.
+double Handedness(const Mat3& M) {
+    double sizes = 1;
+    for (int column = 1; column <= 3; ++column)
+        sizes *= std::sqrt(M(1, column) * M(1, column) + M(2, column) * M(2, column) +
+                           M(3, column) * M(3, column));
+    return sizes > 0 ? Determinant3(M) / sizes : 0;
 }
 
 void NoteRedundancy(const NormFit& fit, const FitModel& model) {
@@ -168,10 +182,15 @@ void NoteResult(const NormFit& fit) {
     if (model.Unknowns != fit.u) return;
     const Linearisation at = Linearise(model, fit.Points);
     const OpenParameters open = FindOpenParameters(fit.Points, model, at);
-    NoteOpen(open, fit.u);
-    if (!open.GimbalLock) NoteNearLock(model);
-    NoteCollapse(model);
-    if (Determinant3(at.M) < 0)
+    constexpr double kPlane = 1e-9;
+    const bool onePlace = NoteCollapse(model);
+    if (!onePlace) NoteOpen(open, model);
+    if (!onePlace && !open.GimbalLock) NoteNearLock(model);
+    const double handedness = Handedness(at.M);
+    if (!onePlace && std::fabs(handedness) < kPlane)
+        AddNote(NoteCode::CollapsedScale,
+                "the result carries every body into one plane: the angles of its frame have closed up");
+    if (!onePlace && handedness < -kPlane)
         AddNote(NoteCode::Mirrored,
                 "the result is mirrored: it carries the points onto their mirror image, as no movement can; "
                 "look for names that are exchanged or an axis that points the other way");
