@@ -57,13 +57,13 @@ struct L1Rounds {
     // False when the job's points were replaced meanwhile.
     bool Next() {
         if (ByMoments) {
-            TakeStartValues(Fit.Choice, TakeSeedPoints());
+            TakeBeginOfFit(Fit);
             IterateFromHere(Fit.u, Fit.n, Fit.ParamText, Fit.Q, Fit.Points, Last);
             if (Adjustment.JobChanged) return false;
             if (!Last.ByMoments || !Adjustment.Converged) LeaveMoments();
             return true;
         }
-        FitFromStart(Fit);
+        Norm.Iterations <= 1 ? FirstFitOfLoop(Fit) : FitFromStart(Fit);
         if (Adjustment.JobChanged) return false;
         ByMoments =
             Norm.Iterations == 1 && Adjustment.Converged && MomentsServe(Adjustment.Model, Fit.Points);

@@ -53,7 +53,7 @@ void FindExtremes(NormFit& fit, Extremes& found) {
 }
 
 bool Fit(NormFit& fit) {
-    FitFromStart(fit);
+    Norm.Iterations == 0 ? FirstFitOfLoop(fit) : FitFromStart(fit);
     CountUnsettledFit();
     return !Adjustment.JobChanged;
 }

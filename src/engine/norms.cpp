@@ -96,9 +96,44 @@ bool FitByLoop(NormFit& fit, const NormLoop& loop) {
 
 }  // namespace
 
-void FitFromStart(NormFit& fit) {
+void TakeBeginOfFit(const NormFit& fit) {
     TakeStartValues(fit.Choice, TakeSeedPoints());
+    if (!fit.RunsBegin) return;
+    for (int k = kTraX; k <= kAngleZtoXY; ++k)
+        if (fit.Choice.Floats[static_cast<std::size_t>(k)])
+            ParameterValue(Job, k) = (*fit.RunsBegin)[static_cast<std::size_t>(k)];
+    if (fit.Choice.Floats[kScaleXYZ]) Job.ScaleX = Job.ScaleY = Job.ScaleZ = Job.ScaleXYZ;
+}
+
+void FitFromStart(NormFit& fit) {
+    TakeBeginOfFit(fit);
     IterateFromHere(fit.u, fit.n, fit.ParamText, fit.Q, fit.v, fit.P, fit.Points);
+}
+
+void FirstFitOfLoop(NormFit& fit) {
+    FitFromStart(fit);
+    if (Adjustment.JobChanged) return;
+    std::array<double, 18> told{};
+    for (int k = kTraX; k < kParameterEnd; ++k) told[static_cast<std::size_t>(k)] = ParameterValue(Job, k);
+    const AdjustmentRecord record = Adjustment;
+    const Matrix Q = fit.Q;
+    const Column v = fit.v;
+    const std::vector<Note> notes = Notes.List;
+    const bool sought = SeekBestFit(fit);
+    const bool again = Certificate.BeganAgain;
+    Certificate = CertificateRecord{};  // it speaks of least squares alone
+    if (!sought) return;
+    if (again) {
+        std::array<double, 18>& begin = fit.RunsBegin.emplace();
+        for (int k = kTraX; k < kParameterEnd; ++k)
+            begin[static_cast<std::size_t>(k)] = ParameterValue(Job, k);
+        return;
+    }
+    for (int k = kTraX; k < kParameterEnd; ++k) ParameterValue(Job, k) = told[static_cast<std::size_t>(k)];
+    Adjustment = record;
+    fit.Q = Q;
+    fit.v = v;
+    Notes.List = notes;
 }
 
 void CountUnsettledFit() {

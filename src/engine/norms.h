@@ -42,8 +42,9 @@ struct NormFit {
     Column v;  // out: n residuals of the last fit, mm
     Column P;  // in: n weights 0 or 1; out: as the loop leaves them
     GatheredPoints Points;
-    // Where the runs of Monte Carlo begin, by parameter number: at the best fit, where the start values lead
-    // the iteration astray. Nothing: at the start values, each run by its own seed points.
+    // Where the runs of Monte Carlo, and the fits of a loop, begin, by parameter number: at the best fit,
+    // where the start values lead the iteration astray. Nothing: at the start values, each run by its own
+    // seed points.
     std::optional<std::array<double, 18>> RunsBegin = {};
 };
 
@@ -57,8 +58,15 @@ struct NormFit {
 // Reads Job.NormType and Job.UseFlags; writes Norm, Adjustment, the job's parameters, panels 6 and 7.
 bool FitInNorm(NormFit& fit);
 
-// One fit of the norm, from the start values on.
+// The start values of a fit, or where the best fit by least squares has shown them to lead astray that one.
+void TakeBeginOfFit(const NormFit& fit);
+
+// One fit of the norm, from there on.
 void FitFromStart(NormFit& fit);
+
+// The first fit of a loop, whose weights are 0 and 1. Where the start values led it elsewhere than to the
+// best fit, or nowhere, the best one takes its place and is where the fits behind begin; a note says so.
+void FirstFitOfLoop(NormFit& fit);
 
 // Behind each inner fit of a loop: counts it in Norm.Unsettled if it has come to its limit.
 void CountUnsettledFit();

@@ -217,6 +217,31 @@ TEST_F(BestFit, WithAsManyParametersAsObservationsSaysThatSigmaSaysNothing) {
     EXPECT_EQ(Count(fit, "equal-residuals"), 1);
 }
 
+TEST_F(BestFit, OfAPlateWithSeedsOnOneEdgeHasItsScaleInTheOtherNormsToo) {
+    const std::vector<Point> plate = {{0, 0, 0},   {100, 0, 0},   {200, 0, 0},
+                                      {0, 100, 0}, {200, 100, 0}, {100, 100, 30}};
+    for (const std::string norm : {"l1", "l1-exact", "loo", "minimax"}) {
+        const json fit = Fitted(plate, Mapped(plate, Turned), {"--parameters", "7", "--norm", norm});
+        EXPECT_NEAR(Value(fit, "scalexyz"), 1, 1e-6) << norm;
+        EXPECT_EQ(Count(fit, "mirrored"), 0) << norm;
+    }
+}
+
+// The equations of these norms are singular there, so the fit may end without convergence, but not elsewhere.
+TEST_F(BestFit, WithRotYAtARightAngleIsNeverSilentlyMirroredInTheOtherNorms) {
+    const std::vector<Point> cloud = Cloud(6, 1000, 3);
+    const std::vector<Point> target = Mapped(cloud, [](const Point& p) {
+        return Point{p[2] + 100, p[1] + 200, -p[0] + 300};
+    });
+    const std::string s = File("s.txt", cloud), t = File("t.txt", target);
+    for (const std::string norm : {"l1", "l1-exact", "loo", "minimax"}) {
+        const Outcome outcome = Fit({s, t, "--parameters", "7", "--norm", norm, "--json"});
+        if (outcome.Status == 4) continue;
+        ASSERT_EQ(outcome.Status, 0) << norm << outcome.Err;
+        EXPECT_NEAR(Value(json::parse(outcome.Out), "scalexyz"), 1, 1e-6) << norm;
+    }
+}
+
 // The runs begin where the fit ends, and not where the seed points would lead them.
 TEST_F(BestFit, WithMonteCarloSpreadsTheRunsAboutItself) {
     std::vector<Point> cloud = Cloud(12, 1000, 13);
