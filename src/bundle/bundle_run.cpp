@@ -12,6 +12,7 @@
 #include "core/run.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "import/point_file.h"
 
 namespace {
 
@@ -139,6 +140,18 @@ std::string NetworkText(const BundleRecord& network, const BundleWork& work) {
     std::string text;
     ForEachPoint(network, work, [&](const std::string& name, const double* xyz, int) {
         text += PointText(name, xyz) + kLineEnd;
+    });
+    return text;
+}
+
+std::string AdjustedText(const BundleRecord& network, const BundleWork& work) {
+    if (std::find(work.Open.begin(), work.Open.end(), true) == work.Open.end())
+        return NetworkText(network, work);
+    std::string text;
+    ForEachPoint(network, work, [&](const std::string& name, const double* xyz, int column) {
+        const bool open = IsOpenCoordinate(work, column + 1) || IsOpenCoordinate(work, column + 2) ||
+                          IsOpenCoordinate(work, column + 3);
+        text += PointText(name, xyz) + "\t" + (open ? kMarkOfOpenPoint : kMarkOfFixedPoint) + kLineEnd;
     });
     return text;
 }

@@ -48,8 +48,12 @@ std::string CheckPercentage(double percent);  // "" or why it cannot be taken
 // The stations and the object points in use, a line each: name, tab, X, tab, Y, tab, Z, in the present unit.
 std::string NetworkText(const BundleRecord& network, const BundleWork& work);
 
-// The same with the accuracy of each coordinate behind them, "0" for one that was held, "open" for one that
-// the distances leave open.
+// The same of an adjusted network. Where the distances leave a coordinate of any point open, a fifth field
+// says of every point whether it is such a one: kMarkOfOpenPoint or kMarkOfFixedPoint.
+std::string AdjustedText(const BundleRecord& network, const BundleWork& work);
+
+// NetworkText with the accuracy of each coordinate behind them, "0" for one that was held, "open" for one
+// that the distances leave open.
 std::string ResultText(const BundleRecord& network, const BundleWork& work);
 
 // Accuracy of the coordinate of a column, mm; nothing for one that was held or is open.

@@ -95,7 +95,7 @@ void BundleRun() {
     if (Units.LengthFactor != unit)
         targetPath = WriteNetwork(SettingsFolder(), kBundleTargetFile, NetworkText(before, *work));
     const std::string startPath =
-        WriteNetwork(SettingsFolder(), kBundleStartFile, NetworkText(Bundle, *work));
+        WriteNetwork(SettingsFolder(), kBundleStartFile, AdjustedText(Bundle, *work));
     SetText(w.TextResults, ResultText(Bundle, *work));
     const BundleRecord network = Bundle;
     TakeBundleAsJob(startPath, targetPath);

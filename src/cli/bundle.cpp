@@ -225,11 +225,11 @@ int RunBundle(const BundleOptions& options, std::ostream& out, std::ostream& err
 
     NoteOpenPoints(Bundle, result.Work);
     if (EndsForWarnings(options.Strict, err)) return kUnreadable;
-    const bool written =
-        options.Folder.empty() || Dispatch([&] {
-            result.Files = {WriteNetwork(options.Folder, kBundleTargetFile, approximate),
-                            WriteNetwork(options.Folder, kBundleStartFile, NetworkText(Bundle, result.Work))};
-        });
+    const bool written = options.Folder.empty() || Dispatch([&] {
+                             result.Files = {WriteNetwork(options.Folder, kBundleTargetFile, approximate),
+                                             WriteNetwork(options.Folder, kBundleStartFile,
+                                                          AdjustedText(Bundle, result.Work))};
+                         });
     Headless.Dialogs.clear();
     if (!written) return Refuse(err, kRefused, Run.LastPlatformError);
     if (options.Json) {

@@ -8,6 +8,11 @@
 
 #include "core/arrays.h"
 
+// What may stand in the fifth field of a point of an adjusted network, where its distances leave points open:
+// such a one, whose coordinates are arbitrary, and all others. Any other fifth field is a remark.
+inline constexpr const char* kMarkOfOpenPoint = "open";
+inline constexpr const char* kMarkOfFixedPoint = "determined";
+
 // Reads Job.PathMCS and Job.PathOCS, all checks included, and divides every value by
 // Units.LengthFactor. For a paraboloid the target set is a copy of the start set.
 //   Reads   Job.PathMCS, PathOCS, IsParaboloid, Run.Delimiter, Units

@@ -9,7 +9,9 @@
 #include "bundle/bundle_run.h"
 #include "bundle/network_job.h"
 #include "cli/command_line.h"
+#include "core/job.h"
 #include "core/notes.h"
+#include "import/point_file.h"
 
 namespace {
 
@@ -48,6 +50,11 @@ protected:
         return a;
     }
     static int Stations() { return 5; }
+    static int Times(const std::string& text, const std::string& part) {
+        int count = 0;
+        for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+        return count;
+    }
     static std::vector<int> OpenOf(const Adjusted& a) {
         std::vector<int> open;
         for (int point = 1; point <= a.Network.nStations + a.Network.nObjectPoints; ++point)
@@ -219,8 +226,46 @@ TEST_F(OpenPoints, TheWindowShowsNoAccuracyForThemAndKeepsTheNote) {
         ASSERT_EQ(Notes.List.size(), 1u);
         EXPECT_EQ(Notes.List[0].Code, NoteCode::NetworkOpen);
     }
-    EXPECT_EQ(Contents(FolderOfFiles() + kBundleStartFile).find("open"), std::string::npos);
+    // In the file of the adjusted network each point says what it is; the approximate one is as ever.
+    const std::string file = Contents(FolderOfFiles() + kBundleStartFile);
+    EXPECT_TRUE(file.ends_with("\topen\r\n")) << file;
+    EXPECT_EQ(Times(file, "\topen\r\n"), 1);
+    EXPECT_EQ(Times(file, "\tdetermined\r\n"), Stations() + 11);
+    const std::string approximate = Contents(FolderOfFiles() + kBundleTargetFile);
+    EXPECT_EQ(Times(approximate, "open") + Times(approximate, "determined"), 0);
     UserClick(BündelWindow.Command1);
     EXPECT_EQ(Notes.List.size(), 1u);
     EXPECT_EQ(Notes.List[0].Count, 1);
+}
+
+TEST_F(OpenPoints, ANetworkWithoutThemIsWrittenAsEver) {
+    Read(network_.Text());
+    Calculate();
+    const std::string file = Contents(FolderOfFiles() + kBundleStartFile);
+    EXPECT_EQ(Times(file, "\t"), 3 * Times(file, "\r\n"));
+    EXPECT_EQ(file, NetworkText(Bundle, PrepareBundle(Bundle, 100)));
+}
+
+// Four fields are a point, whatever the fifth says; what it says is told.
+TEST_F(OpenPoints, TheMarksAreReadBackWithoutLoss) {
+    Read(Without(
+        [](const std::string& s, const std::string& o) { return o == "P12" && s != "S1" && s != "S2"; }));
+    Calculate();
+    ForgetNotes();
+    Einlesen_Neu();
+    ASSERT_EQ(Job.nMCS, Stations() + 12);
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(Job.nMCS); ++i) {
+        const int row = static_cast<int>(i) - Stations();
+        const bool station = row < 1;
+        EXPECT_EQ(Job.MCS_Name[i], station ? Bundle.StationName[i] : Bundle.ObjectName[i - 5]);
+        const double* xyz = station ? Bundle.StationXYZ.Row(static_cast<int>(i)) : Bundle.ObjectXYZ.Row(row);
+        EXPECT_EQ(*Job.MCS_X[i], xyz[1]);
+        EXPECT_EQ(*Job.MCS_Y[i], xyz[2]);
+        EXPECT_EQ(Job.MCS_Z[i], xyz[3]);
+    }
+    ASSERT_EQ(Notes.List.size(), 1u);
+    EXPECT_EQ(Notes.List[0].Code, NoteCode::NetworkOpen);
+    EXPECT_EQ(Notes.List[0].File, Job.PathMCS);
+    EXPECT_EQ(Notes.List[0].Line, Stations() + 12);
+    EXPECT_NE(Notes.List[0].Text.find("\"P12\""), std::string::npos) << Notes.List[0].Text;
 }

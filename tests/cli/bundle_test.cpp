@@ -167,6 +167,16 @@ TEST_F(BundleCommand, APointThatTheDistancesDoNotDetermineHasNoSigma) {
     ASSERT_EQ(Notes.List.size(), 1u);
     EXPECT_EQ(Notes.List[0].Code, NoteCode::NetworkOpen);
     EXPECT_NE(Notes.List[0].Text.find("\"T14\""), std::string::npos);
+    // The written network says so too, and whoever goes on with it hears it.
+    const std::string folder = PathOf("to");
+    EXPECT_EQ(Run({path, "--to", folder}).Status, 0);
+    const Outcome fitted =
+        CommandLine({"fit", folder + "/BündelMCS.txt", folder + "/BündelOCS.txt", "--json"});
+    EXPECT_EQ(fitted.Status, 0) << fitted.Err;
+    const json notes = json::parse(fitted.Out)["notes"];
+    ASSERT_EQ(notes.size(), 1u) << notes;
+    EXPECT_EQ(notes[0]["code"], "network-open");
+    EXPECT_NE(notes[0]["text"].get<std::string>().find("\"T14\""), std::string::npos);
     const Outcome table = Run({path});
     const std::size_t row = table.Out.find("\nT14 ");
     ASSERT_NE(row, std::string::npos);
