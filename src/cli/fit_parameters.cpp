@@ -2,7 +2,6 @@
 #include "cli/fit_parameters.h"
 
 #include <array>
-#include <cmath>
 #include <nlohmann/json.hpp>
 
 #include "cli/fit_selection.h"
@@ -43,12 +42,12 @@ std::vector<ShownParameter> ShownParameters() {
         if (Job.ParamText[index] == kNotUsed) continue;
         const bool floats = Job.ParamText[index] == kFloat;
         const ParameterKind is = KindOf(parameter);
-        const bool known = floats && !std::isnan(Calculation.Sigma[index]);
+        const bool known = floats && !IsLeftOpen(parameter);
         const std::string significance = known    ? FormatNumber(Calculation.Significance[index], "0.0")
-                                         : floats ? "open"
+                                         : floats ? kOpenSignificance
                                                   : "held";
         shown.push_back({parameter, is, ParameterName(parameter), ShownAs(is, ParameterValue(Job, parameter)),
-                         known ? ShownAs(is, Calculation.Sigma[index]) : "-", significance, UnitOf(is),
+                         known ? ShownAs(is, Calculation.Sigma[index]) : kOpenSigma, significance, UnitOf(is),
                          floats});
     }
     return shown;

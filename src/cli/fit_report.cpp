@@ -10,10 +10,12 @@
 #include "cli/svg_plots.h"
 #include "core/controller.h"
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/monte_carlo.h"
+#include "engine/result_notes.h"
 
 namespace {
 
@@ -181,8 +183,8 @@ std::string MonteCarloPlots(const FitOptions& options) {
     };
     for (const ShownParameter& p : ShownParameters())
         if (p.Floats)
-            plot(p.Name + ": spread " + ShownAs(p.Is, SigmaOfArray(MonteCarloArray(p.Number))) + ", sigma " +
-                     p.Sigma,
+            plot(p.Name + ": spread " + ShownAs(p.Is, SigmaOfArray(MonteCarloArray(p.Number))) +
+                     (IsLeftOpen(p.Number) ? std::string(", ") + kOpenSignificance : ", sigma " + p.Sigma),
                  p.Number, FactorOf(p.Is), p.Unit);
     plot("mean error xyz: spread " + ShownLength(SigmaOfArray(MonteCarloArray(kSigmaXYZ))), kSigmaXYZ,
          Units.LengthFactor, Job.LengthUnitName);
@@ -210,6 +212,19 @@ std::string PointTable(const std::vector<FitPoint>& all, const FitPoint* worst) 
            EscapeMarkup(Job.LengthUnitName) + ".</p>\n";
 }
 
+// What the program noticed; nothing where it noticed nothing.
+std::string NotesTable() {
+    if (Notes.List.empty()) return "";
+    std::string html =
+        "<h2>Notes</h2>\n<table>" + Head({"severity", "text", "file", "line", "count"}) + "<tbody>\n";
+    for (const Note& note : Notes.List)
+        html += "<tr>" + Cell(SeverityName(note.Weight), note.Weight == Severity::Warning ? "alarm" : "") +
+                "<td style=\"text-align: left\">" + EscapeMarkup(note.Text) + "</td>" + Cell(note.File) +
+                Cell(note.Line > 0 ? std::to_string(note.Line) : "") + Cell(std::to_string(note.Count)) +
+                "</tr>\n";
+    return html + "</tbody></table>\n";
+}
+
 }  // namespace
 
 std::string FitReport(const FitOptions& options) {
@@ -221,5 +236,5 @@ std::string FitReport(const FitOptions& options) {
            "</style>\n</head>\n<body>\n" + Introduction(options, worst) + ParameterTable() +
            FitPictureSection(options) + Plots(points) +
            (HasMonteCarlo(options) ? MonteCarloPlots(options) : "") + PointTable(points, worst) +
-           "</body>\n</html>\n";
+           NotesTable() + "</body>\n</html>\n";
 }

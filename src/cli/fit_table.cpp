@@ -21,6 +21,7 @@
 #include "engine/inverse.h"
 #include "engine/monte_carlo.h"
 #include "engine/norms.h"
+#include "engine/result_notes.h"
 
 namespace {
 
@@ -210,15 +211,16 @@ void WriteFitTable(const FitOptions& options, const SolutionDetails* details, st
 
 void WriteFitCsv(const FitOptions&, std::ostream& out) {
     const auto number = [](double value_mm) { return PlainText(value_mm * Units.LengthFactor); };
+    const std::string open = NamesLeftOpen();
     out << "name;start_x;start_y;start_z;target_x;target_y;target_z;transformed_x;transformed_y;transformed_z;"
            "dx;dy;dz;d3;use_x;use_y;use_z"
-        << UnconvergedHeading() << "\r\n";
+        << UnconvergedHeading() << (open.empty() ? "" : ";open_parameters") << "\r\n";
     for (const FitPoint& point : FitPoints()) {
         out << CsvText(point.Name);
         for (const auto* triple : {point.Start, point.Target, point.Transformed, point.Deviation})
             for (int axis = 0; axis < 3; ++axis) out << ';' << number(triple[axis]);
         out << ';' << number(point.Deviation3D);
         for (const bool used : point.Used) out << ';' << (used ? 1 : 0);
-        out << UnconvergedCell() << "\r\n";
+        out << UnconvergedCell() << (open.empty() ? "" : ";" + CsvText(open)) << "\r\n";
     }
 }

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/platform.h"
 #include "core/settings.h"
 #include "core/text.h"
@@ -15,6 +16,7 @@
 #include "engine/field_number.h"
 #include "engine/inverse.h"
 #include "engine/parameter_kind.h"
+#include "engine/result_notes.h"
 #include "engine/selection.h"
 
 namespace {
@@ -68,7 +70,9 @@ void AddParameters(std::string& text) {
     for (const Line& line : kLines) {
         if (line.Parameter == kScaleXYZ && !Floats(kScaleXYZ)) continue;
         if (line.Parameter >= kRDist && (line.Parameter == kRDist) == ToolVectorGoverns()) continue;
-        AddLine(text, line.Label, ShownAs(KindOf(line.Parameter), ParameterValue(Job, line.Parameter)));
+        std::string value = ShownAs(KindOf(line.Parameter), ParameterValue(Job, line.Parameter));
+        if (IsLeftOpen(line.Parameter)) value.append("\t").append(kOpenSignificance);
+        AddLine(text, line.Label, value);
     }
 }
 
@@ -153,8 +157,22 @@ std::string UnconvergedNotice() {
            kLineEnd;
 }
 
+// What stands before values that the points leave open, where there is no room behind each of them.
+std::string OpenNotice() {
+    const std::string open = NamesLeftOpen();
+    if (open.empty()) return "";
+    return "Notice: The points leave " + open + " open, what stands here for that is arbitrary!" + kLineEnd;
+}
+
+// What the program noticed; nothing where it noticed nothing.
+void AddNotes(std::string& text) {
+    if (Notes.List.empty()) return;
+    text.append("Notes").append(kLineEnd);
+    for (const Note& note : Notes.List) AddLine(text, SeverityName(note.Weight), NoteLine(note));
+}
+
 std::string InvertedParameters() {
-    std::string text = UnconvergedNotice();
+    std::string text = UnconvergedNotice() + OpenNotice();
     if (IsMoreThanSixParameters())
         text +=
             std::string(
@@ -183,19 +201,20 @@ std::string CompleteProtocol() {
     AddQuality(text);
     text.append(kPointHeading).append(kLineEnd);
     for (int i = 1; i <= Job.nIdent; ++i) AddPoint(text, i);
+    AddNotes(text);
     return text;
 }
 
 std::string BmwParameters() {
     if (IsTrue(Settings.InvertedBMW)) return InvertedParameters();
-    std::string text = UnconvergedNotice();
+    std::string text = UnconvergedNotice() + OpenNotice();
     for (const double length : {Job.TraX, Job.TraY, Job.TraZ}) text += ShownLength(length) + "\t";
     for (const double angle : {Job.RotX, Job.RotY, Job.RotZ}) text += ShownAngle(-angle) + "\t";
     return text;
 }
 
 std::string KukaParameters() {
-    std::string text = UnconvergedNotice();
+    std::string text = UnconvergedNotice() + OpenNotice();
     for (const double length : {Job.TraX, Job.TraY, Job.TraZ}) text += ShownLength(length) + "\t";
     for (const double angle : {Job.RotZ, Job.RotY, Job.RotX}) text += ShownAngle(-angle) + "\t";
     if (!IsTrue(Settings.AdTCP)) return text + "Trala xyz, Rot -z-y'-x''";

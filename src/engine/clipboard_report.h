@@ -9,10 +9,13 @@
 void ReportToClipboard();
 
 // The texts by themselves, in the present units and formats. All of them read the job, Calculation (of this
-// job) and Selection; lines end in CR LF, fields are divided by tabs.
+// job) and Selection; lines end in CR LF, fields are divided by tabs. A result that did not converge, and in
+// the robots' texts parameters that the points leave open, have a line "Notice: ..." in front.
 
 // Everything: files, parameters, quality, and a line a pair with its cylinder and sphere forms. "MCS" in
-// those forms is the transformed start point, as in the main sheet.
+// those forms is the transformed start point, as in the main sheet. Behind a parameter that the points leave
+// open stands "open". Where there are notes they follow at the end: a line "Notes", and a line each with its
+// severity and what it says.
 std::string CompleteProtocol();
 
 // The translation and the negated rotation, each value with a tab behind it. With Settings.InvertedBMW those

@@ -16,6 +16,7 @@
 #include "engine/clipboard_report.h"
 #include "engine/deviation_extremes.h"
 #include "engine/field_number.h"
+#include "engine/result_notes.h"
 #include "engine/selection.h"
 
 namespace {
@@ -91,8 +92,13 @@ void ShowSigmas() {
     for (const ParameterControls& row : ParameterRows()) {
         const bool ofVector = row.Parameter == kRDist && Calculation.UnknownOf[kRvecX] != 0;
         if (row.Sigma == nullptr || (Calculation.UnknownOf[At(row.Parameter)] == 0 && !ofVector)) continue;
+        if (IsLeftOpen(row.Parameter)) {
+            SetText(*row.Sigma, kOpenSigma);
+            SetText(*row.Signifikanz, kOpenSignificance);
+            continue;
+        }
         const double sigma = Calculation.Sigma[At(row.Parameter)];
-        const bool known = !std::isnan(sigma);  // and not left open by the points
+        const bool known = !std::isnan(sigma);
         SetText(*row.Sigma, known ? Shown(row.Parameter, sigma) : "");
         SetText(*row.Signifikanz,
                 known ? FormatNumber(Calculation.Significance[At(row.Parameter)], "0.0") : "");

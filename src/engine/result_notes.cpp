@@ -169,6 +169,17 @@ void NoteRedundancy(const NormFit& fit, const FitModel& model) {
 
 }  // namespace
 
+bool IsLeftOpen(int parameter) {
+    return Calculation.Finite && std::isnan(Calculation.Sigma[At(parameter)]);
+}
+
+std::string NamesLeftOpen() {
+    std::array<bool, kParameterEnd> open{};
+    for (int k = kTraX; k < kParameterEnd; ++k)
+        open[At(k)] = Calculation.UnknownOf[At(k)] != 0 && IsLeftOpen(k);
+    return Named(open);
+}
+
 const char* ParameterName(int parameter) {
     constexpr std::array<const char*, kParameterEnd> kNames = {
         "",        "Tra x",     "Tra y", "Tra z",   "Rot x",   "Rot y",  "Rot z",   "Scale x", "Scale y",

@@ -1,12 +1,25 @@
 // What there is to say of a result that its numbers alone do not tell.
 #pragma once
 
+#include <string>
+
 #include "engine/norms.h"
 
 // Notes of parameters that the points leave open, of gimbal lock, of a scale that has gone to 0, of a
 // mirrored result and of missing redundancy. Takes the sigma and the significance of open parameters from
 // Calculation: they are no numbers (NaN) then. Reads the job's parameters, Adjustment and Calculation.
 void NoteResult(const NormFit& fit);
+
+// The points leave this parameter of the last calculation open: it has no sigma. So has the length of a tool
+// vector of which a part is open.
+bool IsLeftOpen(int parameter);
+
+// What stands in the places of sigma and significance of such a parameter, wherever they are shown.
+inline constexpr const char* kOpenSigma = "-";
+inline constexpr const char* kOpenSignificance = "open";
+
+// "Rot x, Tra y and Tra z": the unknowns that are left open; "" where there are none.
+std::string NamesLeftOpen();
 
 // "Rot x": a parameter by its number, as the tables have it.
 const char* ParameterName(int parameter);
