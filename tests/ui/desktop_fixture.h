@@ -13,6 +13,9 @@
 
 #include "core/window.h"
 
+// What a test waits for comes at once, or never: how long until that is said is of no account.
+inline constexpr int kPatience_ms = 120000;
+
 class DesktopTest : public testing::Test {
 protected:
     DesktopTest();

@@ -187,8 +187,9 @@ TEST_F(QuickTexts, OfALoopReachTheStatusBarAndTheClipboardAFewTimesASecondAndThe
     QElapsedTimer time;
     time.start();
     QString last;
+    constexpr int kTexts = 5, kMostSteps = 20000000;
     UserDid([&] {
-        while (time.elapsed() < 700) {
+        while ((shown < kTexts || steps <= 100) && steps < kMostSteps) {
             const std::string text = "Iteration " + std::to_string(++steps);
             SetStatus(3, text);
             SetClipboardText(text);
@@ -200,10 +201,11 @@ TEST_F(QuickTexts, OfALoopReachTheStatusBarAndTheClipboardAFewTimesASecondAndThe
     });
     QObject::disconnect(counting);
     const std::string final = "Iteration " + std::to_string(steps);
-    EXPECT_GT(steps, 100);
-    EXPECT_LE(shown, 8);
-    EXPECT_GE(shown, 3);
-    EXPECT_LE(copies, 9);
+    EXPECT_GE(shown, kTexts);
+    // One each tenth of a second and no more; a busy machine shows fewer.
+    const int tenths = static_cast<int>(time.elapsed() / 100);
+    EXPECT_LE(shown, tenths + 1);
+    EXPECT_LE(copies, tenths + 2);
     EXPECT_EQ(S(panel->text()), final);
     EXPECT_EQ(S(QApplication::clipboard()->text()), final);
 }

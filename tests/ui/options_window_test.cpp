@@ -129,9 +129,9 @@ TEST_F(OptionsByHand, MnemonicsAndTheReturnKeyWork) {
     Trigger("MenueExtrasOptions");
     QWidget* dialog = Widget("FormOptions.TextSx")->window();
     dialog->activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog, kPatience_ms));
     QTest::keyClick(Widget("FormOptions.TextSx"), Qt::Key_R, Qt::AltModifier);
-    EXPECT_TRUE(QTest::qWaitFor([] { return IsSet("OptionRobot"); }, 2000));
+    EXPECT_TRUE(QTest::qWaitFor([] { return IsSet("OptionRobot"); }, kPatience_ms));
     QTest::keyClick(Widget("FormOptions.TextSx"), Qt::Key_Return);
     QApplication::processEvents();
     EXPECT_FALSE(IsOpen("FormOptions"));
