@@ -259,9 +259,10 @@ TEST_F(OpenPoints, TheMarksAreReadBackWithoutLoss) {
         const bool station = row < 1;
         EXPECT_EQ(Job.MCS_Name[i], station ? Bundle.StationName[i] : Bundle.ObjectName[i - 5]);
         const double* xyz = station ? Bundle.StationXYZ.Row(static_cast<int>(i)) : Bundle.ObjectXYZ.Row(row);
-        EXPECT_EQ(*Job.MCS_X[i], xyz[1]);
-        EXPECT_EQ(*Job.MCS_Y[i], xyz[2]);
-        EXPECT_EQ(Job.MCS_Z[i], xyz[3]);
+        // The file has fifteen digits.
+        EXPECT_NEAR(*Job.MCS_X[i], xyz[1], 1e-9);
+        EXPECT_NEAR(*Job.MCS_Y[i], xyz[2], 1e-9);
+        EXPECT_NEAR(Job.MCS_Z[i], xyz[3], 1e-9);
     }
     ASSERT_EQ(Notes.List.size(), 1u);
     EXPECT_EQ(Notes.List[0].Code, NoteCode::NetworkOpen);
