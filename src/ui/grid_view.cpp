@@ -383,13 +383,16 @@ void ShowSelection(Control& control, QTableView& view) {
     const bool untouched = from == to && grid.Row == grid.FixedRows && grid.Col == grid.FixedCols;
     if (untouched && view.currentIndex() == current) return;
     const bool moved = view.currentIndex() != current;
+    // Nor does the table run there: it begins at its left edge.
+    view.setAutoScroll(!untouched);
     selection.setCurrentIndex(current, QItemSelectionModel::NoUpdate);
+    view.setAutoScroll(true);
     if (untouched) {
         selection.clearSelection();
     } else {
         selection.select(QItemSelection(from, to), QItemSelectionModel::ClearAndSelect);
     }
-    if (moved && from == to) view.scrollTo(current);
+    if (moved && from == to && !untouched) view.scrollTo(current);
 }
 
 }  // namespace

@@ -192,8 +192,10 @@ void StoreFrame(const QMainWindow& frame) {
 }
 
 void PlaceChild(const WindowEntry& window, QWidget& form, QWidget& outer, const QMdiArea& area) {
-    outer.setGeometry(ChildRect(window.State->Place, window.Name, outer.sizeHint(), form.minimumSizeHint(),
-                                &outer, area, false));
+    // A form whose table would like more room than tables ask for says so itself.
+    const QSize natural = outer.sizeHint().expandedTo(form.property("natural").toSize());
+    outer.setGeometry(
+        ChildRect(window.State->Place, window.Name, natural, form.minimumSizeHint(), &outer, area, false));
 }
 
 QRect ScreenPlace(const WindowPlace& place, std::string_view name, bool first, const QWidget* outer,

@@ -1,6 +1,8 @@
 // The notes on the screen: their number in the status bar, and the window that lists them.
 #include <QAbstractItemModel>
+#include <QLabel>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QStatusBar>
 #include <QTableView>
 
@@ -68,4 +70,23 @@ TEST_F(NotesOnScreen, ASentenceIsReadableWithoutDrawingItsColumn) {
     QApplication::processEvents();
     const auto* table = qobject_cast<QTableView*>(Widget("FormNotes.GridNotes"));
     EXPECT_GT(table->columnWidth(kNotesText), table->fontMetrics().horizontalAdvance(Q(sentence)));
+}
+
+// Beside a calculation that fills the frame too.
+TEST_F(NotesOnScreen, TheWindowOpensWideEnoughAndFromTheLeft) {
+    Frame()->resize(1280, 900);
+    Notice(NoteCode::Mirrored, "The result is mirrored.");
+    Notice(NoteCode::EmptyRow, "A row without a point is passed over.",
+           "/cell/measurements/of/this/year/and/of/the/one/before/measured.txt", 3);
+    Trigger("MenuViewNotes");
+    QApplication::processEvents();
+    auto* table = qobject_cast<QTableView*>(Widget("FormNotes.GridNotes"));
+    EXPECT_EQ(table->horizontalScrollBar()->value(), 0);
+    EXPECT_GE(table->width(), 900);
+    table->setFixedWidth(300);  // where the file does not fit
+    Notice(NoteCode::GimbalLock, "Rot y is at a right angle.");
+    QApplication::processEvents();
+    EXPECT_EQ(table->horizontalScrollBar()->value(), 0);
+    const auto* summary = qobject_cast<QLabel*>(Widget("FormNotes.LabelSummary"));
+    EXPECT_GE(summary->width(), summary->fontMetrics().horizontalAdvance(summary->text()));
 }
