@@ -37,23 +37,34 @@ std::string_view NextLine(const PointText& file, LineWalk& lines, const std::str
                         std::to_string(lines.Row) + ", before " + missing};
 }
 
-// Walks over all sections; `take` gets the section's number and each of its entries.
+// Walks over all sections; `take` gets the section's number and each of its entries. Throws PlatformError
+// where the file ends before its sections do: an empty line in the place of an entry takes the next one for
+// the second line of its own.
 template <class Take>
 void ForEachEntry(const PointText& file, Take take) {
     LineWalk lines(file);
-    for (std::size_t s = 0; s < kSections.size(); ++s) {
-        const Section& section = kSections[s];
-        const std::string name = std::string("\"") + section.Keyword + "\"";
-        const std::string end = "the line END of the section " + name;
-        while (!NextLine(file, lines, "a section " + name).starts_with(section.Keyword)) {
+    std::int64_t empty = 0;
+    try {
+        for (std::size_t s = 0; s < kSections.size(); ++s) {
+            const Section& section = kSections[s];
+            const std::string name = std::string("\"") + section.Keyword + "\"";
+            const std::string end = "the line END of the section " + name;
+            while (!NextLine(file, lines, "a section " + name).starts_with(section.Keyword)) {
+            }
+            NextLine(file, lines, end);
+            for (;;) {
+                const std::string_view entry = NextLine(file, lines, end);
+                if (entry.starts_with("END")) break;
+                if (entry.empty() && empty == 0) empty = lines.Row;
+                take(s, entry, lines.Row);
+                if (section.SecondLine) NextLine(file, lines, end);
+            }
         }
-        NextLine(file, lines, end);
-        for (;;) {
-            const std::string_view entry = NextLine(file, lines, end);
-            if (entry.starts_with("END")) break;
-            take(s, entry, lines.Row);
-            if (section.SecondLine) NextLine(file, lines, end);
-        }
+    } catch (PlatformError& refusal) {
+        if (empty > 0)
+            refusal.What +=
+                "; line " + std::to_string(empty) + ", which is empty, stands in the place of an entry";
+        throw;
     }
 }
 
@@ -63,14 +74,15 @@ public:
     Fields(std::string_view line, std::int64_t row, BundleRecord& network, RowNotes& notes)
         : rest_(line), row_(row), network_(network), notes_(notes) {}
     std::string Text() { return std::string(CutField(rest_, ' ', scratch_)); }
-    double Length() {
+    // `place` is what the length is of, for its note.
+    double Length(const std::string& place) {
         const std::string_view field = CutField(rest_, ' ', scratch_);
         const double value = Val(field);
         double whole = 0;
         // A decimal comma among them: what stands before it is a number, and a wrong one.
         if (!TextToNumber(field, '.', whole) && std::isfinite(value) && ++network_.NoNumbers == 1)
             network_.FirstNoNumber = "line " + std::to_string(row_) + ", \"" + Printable(field) + "\"";
-        Note(field, value);
+        Note(field, value, place);
         return value / Units.LengthFactor;
     }
 
@@ -84,22 +96,23 @@ public:
     }
 
 private:
-    void Note(std::string_view field, double value) {
+    void Note(std::string_view field, double value, const std::string& place) {
         double exact = 0;
-        const std::string text = "\"" + Printable(field) + "\"";
+        const auto text = [&] { return "The field \"" + Printable(field) + "\" in " + place; };
         if (TextToNumber(field, '.', exact)) {
             notes_.LookAtDigits(field, row_);
         } else if (field.empty()) {
             notes_.Count(NoteCode::EmptyCoordinate, row_,
-                         [] { return "A number is missing and counts as 0"; });
+                         [&] { return "The " + place + " is missing and counts as 0"; });
         } else if (!std::isfinite(value)) {
             notes_.Count(NoteCode::DigitsCut, row_,
-                         [&] { return text + " is larger than any number that can be kept"; });
+                         [&] { return text() + " is larger than any number that can be kept"; });
         } else {
             const bool begins = value != 0 || field.find_first_of("0123456789") == 0;
             notes_.Count(begins ? NoteCode::FieldCut : NoteCode::NumberAsZero, row_, [&] {
-                return text + (begins ? " is read as far as it is a number with a decimal point"
-                                      : " is not a number and counts as 0");
+                return text() + (begins ? " is read as " + PlainText(value) +
+                                              ", as far as it is a number with a decimal point"
+                                        : std::string(" is not a number and counts as 0"));
             });
         }
     }
@@ -132,7 +145,9 @@ private:
 
 void TakePoint(Fields fields, std::size_t number, std::vector<std::string>& names, Matrix& xyz) {
     names[number] = fields.Text();
-    for (int axis = 1; axis <= 3; ++axis) xyz(static_cast<int>(number), axis) = fields.Length();
+    for (int axis = 1; axis <= 3; ++axis)
+        xyz(static_cast<int>(number), axis) =
+            fields.Length(std::string(1, "wxyz"[axis]) + " of point \"" + Printable(names[number]) + "\"");
     fields.End();
 }
 
@@ -203,7 +218,9 @@ BundleRecord BündelInputFileEinlesen(const std::string& path) {
         } else {
             network.DistancePair[1][k] = fields.Text();
             network.DistancePair[2][k] = fields.Text();
-            network.DistanceValue[k] = fields.Length();
+            network.DistanceValue[k] =
+                fields.Length("distance from \"" + Printable(network.DistancePair[1][k]) + "\" to \"" +
+                              Printable(network.DistancePair[2][k]) + "\"");
             fields.End();
         }
     });

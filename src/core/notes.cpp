@@ -39,6 +39,7 @@ constexpr NoteKind kKinds[] = {
     {NoteCode::GimbalLock, "gimbal-lock", Severity::Note, false},
     {NoteCode::CollapsedScale, "collapsed-scale", Severity::Warning, false},
     {NoteCode::NotConverged, "not-converged", Severity::Warning, false},
+    {NoteCode::ScaleLeftOut, "scale-left-out", Severity::Warning, false},
     {NoteCode::MatrixAngles, "matrix-angles", Severity::Note, false},
     {NoteCode::NearestForm, "nearest-form", Severity::Note, false},
 };

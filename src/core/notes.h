@@ -42,6 +42,7 @@ enum class NoteCode : std::uint8_t {
     GimbalLock,       // the second rotation stands at 90 degrees
     CollapsedScale,   // a scale has gone to 0
     NotConverged,     // a result that did not converge is used
+    ScaleLeftOut,     // scales or shears of the result that the format of an export has no place for
     MatrixAngles,     // angles taken from the rotation matrix, where a formula does not give it back
     NearestForm,      // runs brought to the form nearest to the result
     Count_

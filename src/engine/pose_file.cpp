@@ -9,6 +9,7 @@
 
 #include "core/files.h"
 #include "core/job.h"
+#include "core/lost_digits.h"
 #include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
@@ -58,7 +59,8 @@ struct PoseLine {
     std::array<double, 3> Angles{};  // rad
 };
 
-PoseLine ReadLine(const std::vector<std::string>& fields, const std::string& place, int line) {
+PoseLine ReadLine(const std::vector<std::string>& fields, const std::string& path, int line) {
+    const std::string place = path + ", line " + std::to_string(line);
     PoseLine pose{.Place = place, .Line = line};
     const bool named = fields.size() == kPoseNumbers + 1;
     if (!named && fields.size() != kPoseNumbers)
@@ -71,6 +73,8 @@ PoseLine ReadLine(const std::vector<std::string>& fields, const std::string& pla
         double value = 0;
         if (!TextToNumber(text, value) && !TextToNumber(text, '.', value))
             throw PlatformError{place + ": \"" + Printable(text) + "\" is no number"};
+        if (std::string lost = LostDigits(text); !lost.empty())
+            AddNote(NoteCode::DigitsCut, std::move(lost), path, line);
         if (k >= 3) pose.Angles[k - 3] = value / Units.AngleFactor;
     }
     return pose;
@@ -99,7 +103,7 @@ std::vector<PoseLine> ReadPoses(const std::string& path) {
     for (int number = 1; CutLine(rest, line); ++number) {
         const std::vector<std::string> fields = FieldsOf(line);
         if (fields.empty()) continue;
-        poses.push_back(ReadLine(fields, path + ", line " + std::to_string(number), number));
+        poses.push_back(ReadLine(fields, path, number));
         NoteEmptyField(line, path, number);
     }
     return poses;

@@ -86,6 +86,7 @@ struct Walk {
     bool EmptyLine = false;                         // the block has ended at one
     std::int64_t Poses = 0;                         // so far
     std::int64_t NoTargets = 0, FirstNoTarget = 0;  // lines with kPoseBegin that hold no robot target
+    std::int64_t Seconds = 0, FirstSecond = 0;      // lines of a pose with kPoseBegin once more
 };
 
 bool IsEnd(std::string_view line, bool byDeclarations) {
@@ -102,6 +103,11 @@ bool NextPose(RobotProgram& program, Walk& walk) {
         if (looksLikeOne && !isTarget && walk.NoTargets++ == 0) walk.FirstNoTarget = program.Lines.Row;
         if (walk.ByDeclarations ? isTarget : looksLikeOne) {
             ++walk.Poses;
+            const std::string_view line = WithoutRemark(program.Line);
+            const std::size_t behind = std::min(line.find(kPoseBegin), line.size());
+            if (isTarget && line.find(kPoseBegin, behind + 1) != std::string_view::npos &&
+                walk.Seconds++ == 0)
+                walk.FirstSecond = program.Lines.Row;
             return true;
         }
         walk.EmptyLine = walk.Poses > 0 && program.Line.empty();
@@ -122,14 +128,21 @@ std::int64_t CountPoses(RobotProgram& program) {
 }
 
 void NoteNoTargets(const RobotProgram& program, const Walk& walk) {
+    const bool noTargetsSkipped = walk.ByDeclarations && walk.NoTargets > 0;
+    if (walk.Seconds > 0 && !noTargetsSkipped)
+        AddNote(NoteCode::PosesSkipped, "A second pose in the line of another one is not taken",
+                program.File.Path, static_cast<int>(walk.FirstSecond), static_cast<int>(walk.Seconds));
     if (walk.NoTargets == 0) return;
     const auto line = static_cast<int>(walk.FirstNoTarget), count = static_cast<int>(walk.NoTargets);
     if (walk.ByDeclarations) {
-        AddNote(
-            NoteCode::PosesSkipped,
+        std::string text =
             "What looks like a pose is no robot target and is not taken: a remark, a tool, a work object or "
-            "joint values",
-            program.File.Path, line, count);
+            "joint values";
+        if (walk.Seconds > 0)
+            text += "; nor is a second pose in the line of another one, as in line " +
+                    std::to_string(walk.FirstSecond);
+        AddNote(NoteCode::PosesSkipped, std::move(text), program.File.Path, line,
+                count + static_cast<int>(walk.Seconds));
     } else {
         AddNote(
             NoteCode::PosesDoubtful,

@@ -90,8 +90,14 @@ void ReadPoses(const std::string& path) {
         const double R = ValueAt(program, r, Less(program.Line.size(), kBehindLastAngle), notes);
         poses.Take(program, {X, Y, Z}, {R, P, W});
         ++taken;
-        do NeedLine(program);
-        while (!program.Line.starts_with("}"));
+        do {
+            NeedLine(program);
+            // Another group of axes has a pose of its own.
+            if (program.Line.find("X =") != std::string_view::npos)
+                notes.Count(NoteCode::PosesSkipped, program.Lines.Row, [] {
+                    return "The pose of a second group stands behind the first one and is not taken";
+                });
+        } while (!program.Line.starts_with("}"));
     } while (!HasEnded(program));
     end();
 }

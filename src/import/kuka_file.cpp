@@ -1,5 +1,7 @@
 // Programs with their poses in declarations, one a line: DECL E6POS XP1={X 1.5,Y 2,Z 3,A 4,B 5,C 6,S 2,T 35}
+#include <algorithm>
 #include <array>
+#include <vector>
 
 #include "core/notes.h"
 #include "core/run.h"
@@ -46,9 +48,17 @@ void TakePose(const RobotProgram& program, const Declaration& form, PoseTable& p
     poses.Take(program, {values[0], values[1], values[2]}, {values[3], values[4], values[5]});
 }
 
+// How often a pose seems to begin in a line.
+std::int64_t MarksOf(std::string_view line) {
+    std::int64_t marks = 0;
+    for (std::size_t at = line.find("{X"); at != std::string_view::npos; at = line.find("{X", at + 1))
+        ++marks;
+    return marks;
+}
+
 void ReadByBeginnings() {
     RobotProgram program(Run.PathReader);
-    std::int64_t n = 0, taken = 0, firstLeft = 0;
+    std::int64_t n = 0, taken = 0, left = 0, firstLeft = 0;
     wieOftStringinFile(program.File, "{X", n);
     PoseTable poses(program, n, Units.AngleFactor);
     // A pose in the very last line is not taken: its place stays empty.
@@ -60,15 +70,19 @@ void ReadByBeginnings() {
             TakePose(program, form, poses);
             ++taken;
         }
-        if (taken == before && firstLeft == 0 && program.Line.find("{X") != std::string_view::npos)
-            firstLeft = program.Lines.Row;
+        const std::int64_t more = MarksOf(program.Line) - (taken - before);
+        if (more > 0) {
+            left += more;
+            if (firstLeft == 0) firstLeft = program.Lines.Row;
+        }
         if (isLast) break;
     }
-    if (taken < n)
+    left = std::max(left, n - taken);
+    if (left > 0)
         AddNote(NoteCode::PosesSkipped,
-                "What looks like a pose is not taken, and its place stays without a point: the line does not "
-                "begin with DECL E6POS, or it is the last one",
-                program.File.Path, static_cast<int>(firstLeft), static_cast<int>(n - taken));
+                "What looks like a pose is not taken: its line does not begin with DECL E6POS, holds another "
+                "pose before it, or is the last one; its place stays without a point",
+                program.File.Path, static_cast<int>(firstLeft), static_cast<int>(left));
 }
 
 // --- By declarations -------------------------------------------------------------------------------------
@@ -106,6 +120,28 @@ bool DeclaresPose(std::string_view line, std::size_t& brace) {
     if (equals == std::string_view::npos) return false;
     brace = BehindGap(line, equals + 1);
     return brace < line.size() && line[brace] == '{';
+}
+
+// The opening braces of the poses that a line declares: `DECL E6POS P1={...},P2={...}` has two. `behind` is
+// where nothing of them stands any more.
+std::vector<std::size_t> BracesOf(std::string_view line, std::size_t& behind) {
+    std::vector<std::size_t> braces;
+    std::size_t brace = 0;
+    behind = 0;
+    if (!DeclaresPose(line, brace)) return braces;
+    for (;;) {
+        braces.push_back(brace);
+        behind = line.find('}', brace);
+        if (behind == std::string_view::npos) break;
+        std::size_t at = BehindGap(line, ++behind);
+        if (at >= line.size() || line[at] != ',' || CutWord(line, ++at).empty()) break;
+        at = BehindGap(line, at);
+        if (at >= line.size() || line[at] != '=') break;
+        brace = BehindGap(line, at + 1);
+        if (brace >= line.size() || line[brace] != '{') break;
+    }
+    behind = std::min(behind, line.size());
+    return braces;
 }
 
 // Positions and joint values of any kind open with a brace and their first letter.
@@ -162,18 +198,16 @@ void TakeDeclaredPose(const RobotProgram& program, std::size_t brace, PoseTable&
 void ReadByDeclarations() {
     RobotProgram program(Run.PathReader);
     std::int64_t n = 0, skipped = 0, firstSkipped = 0;
-    std::size_t brace = 0;
+    std::size_t behind = 0;
     while (NextLine(program)) {
-        if (DeclaresPose(program.Line, brace)) {
-            ++n;
-        } else if (LooksLikePose(program.Line) && skipped++ == 0) {
-            firstSkipped = program.Lines.Row;
-        }
+        n += static_cast<std::int64_t>(BracesOf(program.Line, behind).size());
+        if (LooksLikePose(program.Line.substr(behind)) && skipped++ == 0) firstSkipped = program.Lines.Row;
     }
     program.Lines = LineWalk(program.File);
     PoseTable poses(program, n, Units.AngleFactor);
     while (NextLine(program))
-        if (DeclaresPose(program.Line, brace)) TakeDeclaredPose(program, brace, poses);
+        for (const std::size_t brace : BracesOf(program.Line, behind))
+            TakeDeclaredPose(program, brace, poses);
     if (skipped > 0)
         AddNote(
             NoteCode::PosesSkipped,

@@ -89,12 +89,13 @@ void NoteSlowField(std::string_view field, bool good, BadField badField, const c
                    const std::string& name, std::int64_t row, RowNotes& notes) {
     const auto place = [&] { return std::string(axis) + " of point \"" + Printable(name) + "\""; };
     if (field.empty()) {
-        notes.Count(NoteCode::EmptyCoordinate, row, [&] { return place() + " is empty and counts as 0"; });
+        notes.Count(NoteCode::EmptyCoordinate, row,
+                    [&] { return "The " + place() + " is empty and counts as 0"; });
     } else if (good) {
         notes.LookAtDigits(field, row);
     } else if (badField == BadField::LeavesValue) {
         notes.Count(NoteCode::ValueKept, row, [&] {
-            return "\"" + Printable(field) + "\" in " + place() +
+            return "The field \"" + Printable(field) + "\" in " + place() +
                    " is not a number; the value stays empty, which counts as 0";
         });
     }

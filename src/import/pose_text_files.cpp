@@ -18,7 +18,8 @@ namespace {
 
 // Reads the number at the start of a field, whatever the system's settings. A comma in it can only be a
 // decimal one, which the check of the file leaves there on a system that has it.
-double FieldValue(std::string_view field, const char* name, std::int64_t row, RowNotes& notes) {
+template <class Place>
+double FieldValue(std::string_view field, std::int64_t row, RowNotes& notes, Place place) {
     double value = 0;
     if (TextToNumber(field, '.', value)) {
         notes.LookAtDigits(field, row);
@@ -26,17 +27,8 @@ double FieldValue(std::string_view field, const char* name, std::int64_t row, Ro
     }
     std::string text(field);
     std::replace(text.begin(), text.end(), ',', '.');
-    const double begin = Val(text);
-    if (TextToNumber(text, '.', value)) return begin;  // a decimal comma
-    const std::string place = "\"" + Printable(field) + "\" in " + name;
-    // Nothing of it is a number where not even a digit begins it.
-    const std::size_t first = text.find_first_not_of("+-.");
-    if (first != std::string::npos && text[first] >= '0' && text[first] <= '9') {
-        notes.Count(NoteCode::FieldCut, row, [&] { return place + " is read as far as it is a number"; });
-    } else {
-        notes.Count(NoteCode::NumberAsZero, row, [&] { return place + " is not a number and counts as 0"; });
-    }
-    return begin;
+    notes.LookAtPlainValue(TextToNumber(text, '.', value) ? text : field, place(), row);
+    return Val(text);
 }
 
 // One pose a line that holds anything; `take` gets its name and the numbers behind it.
@@ -45,8 +37,17 @@ void ReadLines(RobotProgram& program, const FieldNames& fields, Take take) {
     const char delimiter = DelimiterCharacter(Run.Delimiter);
     RowNotes notes(program.File.Path, delimiter, fields);
     std::string scratch;
+    std::int64_t rows = 0, taken = 0;
+    AnzZeilen(program.File, rows);
     while (NextLine(program)) {
-        if (program.Line.empty()) continue;
+        if (program.Line.empty()) {
+            // Those at the end of the file are nothing.
+            if (taken < rows)
+                notes.Count(NoteCode::EmptyRow, program.Lines.Row,
+                            [] { return "A row without a point is passed over"; });
+            continue;
+        }
+        ++taken;
         std::string_view rest = program.Line;
         bool passed = rest.front() == delimiter;
         const std::string name(CutField(rest, delimiter, scratch));
@@ -57,7 +58,9 @@ void ReadLines(RobotProgram& program, const FieldNames& fields, Take take) {
             if (field.empty())
                 FailAtLine(program, "a name and " + std::to_string(kNumbers) + " numbers are expected in \"" +
                                         Printable(program.Line) + "\"");
-            numbers[k] = FieldValue(field, fields[k + 1], program.Lines.Row, notes);
+            numbers[k] = FieldValue(field, program.Lines.Row, notes, [&] {
+                return std::string(fields[k + 1]) + " of point \"" + Printable(name) + "\"";
+            });
         }
         if (passed || HoldsMore(rest)) notes.Look(program.Line, program.Lines.Row);
         take(name, numbers);

@@ -6,6 +6,8 @@
 #include <limits>
 
 #include "core/job.h"
+#include "core/lost_digits.h"
+#include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/run.h"
@@ -50,6 +52,8 @@ double NumberBetween(const RobotProgram& program, std::size_t begin, std::size_t
     double value = 0;
     if (!TextToNumber(text, value) && !TextToNumber(text, '.', value))
         FailAtLine(program, "\"" + Printable(text) + "\" is not a number");
+    if (const std::string lost = LostDigits(text); !lost.empty())
+        AddNote(NoteCode::DigitsCut, lost, program.File.Path, static_cast<int>(program.Lines.Row));
     return value;
 }
 

@@ -44,7 +44,8 @@ std::size_t PlaceOf(const RobotProgram& program, std::string_view text, std::siz
 
 // The number that stands in the places `begin` to `end` - 1 of the present line, and nothing but blanks
 // beside it, in the system's decimal form or with a point: robot programs have the point whatever the
-// system. Throws PlatformError, with the text in it, when there is none or no such places.
+// system. Digits of it that are not kept are noted. Throws PlatformError, with the text in it, when there is
+// none or no such places.
 double NumberBetween(const RobotProgram& program, std::size_t begin, std::size_t end);
 
 // The three angles of a pose: about z, the new y and the new x, as the columns 1 to 3 of RobotABC.

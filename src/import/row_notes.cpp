@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "core/lost_digits.h"
+#include "core/numbers.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/text.h"
@@ -37,6 +39,13 @@ std::string_view Trimmed(std::string_view text) {
     return text.substr(0, text.find_last_not_of(" \t") + 1);
 }
 
+// Is there a number at the start of a text, behind its sign?
+bool BeginsWithNumber(std::string_view text) {
+    std::size_t at = text.starts_with('+') || text.starts_with('-') ? 1 : 0;
+    if (at < text.size() && text[at] == '.') ++at;
+    return at < text.size() && text[at] >= '0' && text[at] <= '9';
+}
+
 int AsInt(std::int64_t value) {
     return static_cast<int>(std::min<std::int64_t>(value, std::numeric_limits<int>::max()));
 }
@@ -45,6 +54,10 @@ int AsInt(std::int64_t value) {
 
 FieldNames PointFields(bool hasName) {
     return hasName ? FieldNames{"name", "x", "y", "z"} : FieldNames{"x", "y", "z"};
+}
+
+std::string TooLarge(std::string_view field, std::string_view place) {
+    return Quoted(field) + " in " + std::string(place) + " is larger than any number that can be kept";
 }
 
 RowNotes::RowNotes(std::string path, char delimiter, FieldNames fields)
@@ -90,7 +103,15 @@ void RowNotes::Look(std::string_view line, std::int64_t row) {
         const std::size_t words = CountWords(cell);
         if (words > 1) {
             split = true;
-            if (taken == 0 && hasName_) {
+            if (taken == 0 && words >= size) {
+                Count(NoteCode::FieldSplit, row, [&] {
+                    return "The line " + Quoted(Trimmed(line)) + " is divided at its blanks, since no " +
+                           Quoted(std::string_view(&delimiter_, 1)) + " stands between its fields";
+                });
+                std::string_view behind = cell;
+                for (std::size_t i = 0; i < size; ++i) CutWord(behind);
+                if (HoldsMore(behind)) ignored(behind);
+            } else if (taken == 0 && hasName_) {
                 Count(NoteCode::NameCut, row, [&] {
                     return "The name " + Quoted(cell) + " ends at its blank, and what follows is taken as " +
                            fields_[1];
@@ -112,19 +133,25 @@ void RowNotes::Look(std::string_view line, std::int64_t row) {
 }
 
 void RowNotes::LookAtDigits(std::string_view field, std::int64_t row) {
-    // As many a 64-bit float gives back, whatever the number.
-    constexpr std::size_t kMostDigits = 17;
-    std::string digits;
-    for (const char c : field) {
-        if (c == 'e' || c == 'E') break;
-        if (c >= '0' && c <= '9' && !(digits.empty() && c == '0')) digits += c;
+    std::string lost = LostDigits(field);
+    if (!lost.empty()) Count(NoteCode::DigitsCut, row, [&] { return std::move(lost); });
+}
+
+void RowNotes::LookAtPlainValue(std::string_view field, std::string_view place, std::int64_t row) {
+    const auto start = [&] { return "The field " + Quoted(field) + " in " + std::string(place); };
+    double whole = 0;
+    if (field.empty()) {
+        Count(NoteCode::EmptyCoordinate, row,
+              [&] { return "The " + std::string(place) + " is empty and counts as 0"; });
+    } else if (TextToNumber(field, '.', whole)) {
+        LookAtDigits(field, row);
+    } else if (BeginsWithNumber(field)) {
+        Count(NoteCode::FieldCut, row, [&] {
+            return start() + " is read as " + PlainText(Val(field)) + ", as far as it is a number";
+        });
+    } else {
+        Count(NoteCode::NumberAsZero, row, [&] { return start() + " is not a number and counts as 0"; });
     }
-    while (digits.ends_with('0')) digits.pop_back();
-    if (digits.size() <= kMostDigits) return;
-    Count(NoteCode::DigitsCut, row, [&] {
-        return "The number " + Quoted(field) + " has more digits than are kept, which are " +
-               std::to_string(kMostDigits);
-    });
 }
 
 void RowNotes::Write() {

@@ -37,8 +37,16 @@ public:
         slot.Text = text();
     }
 
-    // Counts a number that has more digits than a 64-bit float holds.
+    // Counts a number of which a 64-bit float does not hold all, see LostDigits.
     void LookAtDigits(std::string_view field, std::int64_t row);
+
+    // Looks at a field that is read by its plain value, which takes what of it is a number and 0 where
+    // nothing is. `place` is what the value is of, as in `x of point "A"`. Counts the field as
+    //   EmptyCoordinate  there is none
+    //   FieldCut         more stands behind the number than is read
+    //   NumberAsZero     it is no number
+    //   DigitsCut        it is one, with digits that are not kept
+    void LookAtPlainValue(std::string_view field, std::string_view place, std::int64_t row);
 
     // Adds to the list of notes what has been counted since the last time.
     void Write();
@@ -54,6 +62,9 @@ private:
     bool hasName_;
     std::array<Slot, static_cast<std::size_t>(NoteCode::Count_)> slots_{};
 };
+
+// Why a number that no 64-bit float holds cannot be taken, behind the file and the line.
+std::string TooLarge(std::string_view field, std::string_view place);
 
 // Is there anything but blanks and tabs in a text?
 inline bool HoldsMore(std::string_view rest) {

@@ -9,6 +9,7 @@
 #include "core/platform.h"
 #include "core/refresh.h"
 #include "core/run.h"
+#include "core/text.h"
 #include "core/units.h"
 #include "core/window.h"
 #include "engine/adjustment.h"
@@ -96,19 +97,26 @@ void NoteLimitsOfShape() {
     }
     if (!open.empty())
         AddNote(NoteCode::OpenParameters,
-                "the shape does not hold " + names + ": what is shown for " +
+                "The shape does not hold " + names + ": what is shown for " +
                     (open.size() == 1 ? "it is arbitrary, and it has no sigma"
                                       : "them is arbitrary, and they have no sigma"));
     int beyond = 0;
-    for (int i = 1; i <= Job.nIdent; ++i)
-        if (NearestShapeFoot(Job.TMCS_X[At(i)].value_or(0), Job.TMCS_Y[At(i)].value_or(0), Job.TMCS_Z[At(i)],
-                             Job.ParaboloidShape)
-                .Beyond)
-            ++beyond;
+    std::string points;
+    constexpr int kMostNames = 5;
+    for (int i = 1; i <= Job.nIdent; ++i) {
+        if (!NearestShapeFoot(Job.TMCS_X[At(i)].value_or(0), Job.TMCS_Y[At(i)].value_or(0), Job.TMCS_Z[At(i)],
+                              Job.ParaboloidShape)
+                 .Beyond)
+            continue;
+        if (++beyond <= kMostNames)
+            points += (beyond == 1 ? "\"" : ", \"") + Printable(Job.MCS_Name[At(i)]) + "\"";
+    }
+    if (beyond > kMostNames) points += " and " + std::to_string(beyond - kMostNames) + " more";
     if (beyond > 0)
         AddNote(NoteCode::TableExtended,
-                "a point lies beyond the end of the shape's table, whose last segment is extended for it", "",
-                0, beyond);
+                (beyond == 1 ? "The point " + points + " lies" : "The points " + points + " lie") +
+                    " beyond the end of the shape's table, whose last segment is extended",
+                "", 0, beyond);
 }
 
 // Where the runs were stopped no loop follows that would have to be stopped again.

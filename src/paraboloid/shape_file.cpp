@@ -50,16 +50,17 @@ bool Check(PointText& file) {
     return !IsTrue(Run.ImportFailed);
 }
 
-double Length(const PointText& file, std::int64_t row, std::string_view field) {
+double Length(const PointText& file, std::int64_t row, std::string_view field, RowNotes& notes) {
     double value = 0;
     if (!TextToNumber(field, SystemDecimal(), value) || !std::isfinite(value / Units.LengthFactor))
         throw PlatformError{"Cannot read \"" + file.Path + "\", line " + std::to_string(row) + ": \"" +
                             Printable(field) + "\" is not a number"};
+    notes.LookAtDigits(field, row);
     return value / Units.LengthFactor;
 }
 
 Profile ReadProfile(const PointText& file) {
-    std::int64_t count = 0;
+    std::int64_t count = 0, filled = 0;
     AnzZeilen(file, count);
     if (count >= std::numeric_limits<std::int32_t>::max())
         throw PlatformError{"Cannot read \"" + file.Path + "\": it has more lines than a job has room for"};
@@ -71,12 +72,18 @@ Profile ReadProfile(const PointText& file) {
     const char delimiter = DelimiterCharacter(Run.Delimiter);
     RowNotes notes(file.Path, delimiter, {"radius", "height"});
     while (lines.Next(line)) {
-        if (line.empty()) continue;
+        if (line.empty()) {
+            if (filled < count)  // those at the end of the file are nothing
+                notes.Count(NoteCode::EmptyRow, lines.Row,
+                            [] { return "A row without a point is passed over"; });
+            continue;
+        }
+        ++filled;
         std::string_view rest = DecodedLine(file, line, decoded);
         const std::string_view whole = rest;
         const std::string_view radius = CutField(rest, delimiter, first);
-        const double r = Length(file, lines.Row, radius);
-        const double z = std::fabs(Length(file, lines.Row, CutField(rest, delimiter, second)));
+        const double r = Length(file, lines.Row, radius, notes);
+        const double z = std::fabs(Length(file, lines.Row, CutField(rest, delimiter, second), notes));
         if (HoldsMore(rest) || (delimiter != ' ' && CountByte(whole, delimiter) > 1))
             notes.Look(whole, lines.Row);
         if (!profile.Points.empty() && profile.Points.back().r == r && profile.Points.back().z == z) {

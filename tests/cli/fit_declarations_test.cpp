@@ -49,6 +49,24 @@ TEST_F(Declarations, OfAKukaProgramAreItsPosesWhereverAndHoweverTheyStand) {
     EXPECT_EQ(Job.OCS_Name.size(), 5u);
 }
 
+TEST_F(Declarations, OfSeveralPosesInOneLineAreAllTaken) {
+    const std::string program =
+        Write("program.dat",
+              "DECL E6POS A={X 1,Y 2,Z 3,A 1,B 2,C 3,S 2,T 35},B={X 4,Y 50,Z 6,A 1,B 2,C 3}\n"
+              "GLOBAL POS C={X 70,Y 8,Z 9,A 1,B 2,C 3} , D = {POS: X 7,Y 8,Z 90,A 1,B 2,C 3}\n");
+    EXPECT_EQ(Positions(program, "kuka"), truth_);
+    EXPECT_EQ(NoteOf(NoteCode::PosesSkipped), nullptr);
+    // What stands behind a pose and is none that is declared with it.
+    const std::string other = Write("other.dat",
+                                    "POS A={X 1,Y 2,Z 3,A 1,B 2,C 3}\nPOS B={X 4,Y 50,Z 6,A 1,B 2,C 3}\n"
+                                    "POS C={X 70,Y 8,Z 9,A 1,B 2,C 3} ;POS E={X 9,Y 9,Z 9,A 1,B 2,C 3}\n"
+                                    "POS D={X 7,Y 8,Z 90,A 1,B 2,C 3}");
+    EXPECT_EQ(Positions(other, "kuka"), truth_);
+    ASSERT_NE(NoteOf(NoteCode::PosesSkipped), nullptr);
+    EXPECT_EQ(NoteOf(NoteCode::PosesSkipped)->Line, 3);
+    EXPECT_EQ(NoteOf(NoteCode::PosesSkipped)->Count, 1);
+}
+
 TEST_F(Declarations, ThatLackSomethingAreRefusedWithTheirLine) {
     const std::vector<std::pair<std::string, std::string>> wrong = {
         {"POS P={X 1,Y 2,Z 3,A 4,B 5}", "line 2: there is no \"C\" in"},

@@ -4,6 +4,7 @@
 
 #include "cli/headless.h"
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/units.h"
@@ -150,6 +151,25 @@ TEST_F(PoseTexts, NumbersBeyondTheRangeAreAnError) {
 TEST_F(PoseTexts, AQuaternionThatTurnsNothingIsAnError) {
     EXPECT_EQ(Error(EinlesenABB, "P1;1;2;3;0;0;0;0\n"),
               In(1) + "these numbers are no pose: \"P1;1;2;3;0;0;0;0\"");
+}
+
+TEST_F(PoseTexts, EmptyRowsAreNotedUnlessTheyEndTheFile) {
+    Read(EinlesenXYZABC, "P1;1;2;3;4;5;6\n\n\nP2;1;2;3;4;5;6\n\n");
+    EXPECT_EQ(Job.nOCS, 2);
+    ASSERT_EQ(Notes.List.size(), 1u);
+    EXPECT_EQ(Notes.List[0].Code, NoteCode::EmptyRow);
+    EXPECT_EQ(Notes.List[0].Line, 2);
+    EXPECT_EQ(Notes.List[0].Count, 2);
+}
+
+TEST_F(PoseTexts, NotesNameThePointAndTheField) {
+    Read(EinlesenXYZABC, "P1;abc;2mm;3;4;5;1e-400\n");
+    std::vector<std::string> texts;
+    for (const Note& note : Notes.List) texts.push_back(note.Text);
+    EXPECT_EQ(texts, (std::vector<std::string>{
+                         "The field \"abc\" in x of point \"P1\" is not a number and counts as 0",
+                         "The field \"2mm\" in y of point \"P1\" is read as 2, as far as it is a number",
+                         "The number \"1e-400\" is smaller than any that can be kept and counts as 0"}));
 }
 
 TEST_F(PoseTexts, BlanksAndTabsDivideAsInPointFiles) {

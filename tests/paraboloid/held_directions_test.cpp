@@ -101,7 +101,7 @@ TEST_F(WhatAShapeHolds, OfAPlaneNoShiftInItIsMoved) {
         EXPECT_TRUE(std::isnan(Calculation.Sigma[static_cast<std::size_t>(k)]));
     EXPECT_GT(Calculation.Sigma[kTraZ], 0);
     EXPECT_EQ(NotesOf(NoteCode::OpenParameters),
-              std::vector<std::string>{"the shape does not hold Tra x, Tra y: what is shown for them is "
+              std::vector<std::string>{"The shape does not hold Tra x, Tra y: what is shown for them is "
                                        "arbitrary, and they have no sigma"});
 }
 
@@ -119,7 +119,7 @@ TEST_F(WhatAShapeHolds, TheTurnAboutTheAxisTakesNoPart) {
         EXPECT_NEAR(Job.RotZ, alone.RotZ, 1e-4);
         const std::vector<std::string> open = NotesOf(NoteCode::OpenParameters);
         ASSERT_EQ(open.size(), 1u);
-        EXPECT_EQ(open[0].find("the shape does not hold Rot z:"), 0u) << open[0];
+        EXPECT_EQ(open[0].find("The shape does not hold Rot z:"), 0u) << open[0];
     }
 }
 
@@ -206,9 +206,17 @@ TEST_F(WhatAShapeHolds, PointsBeyondTheTableAreCounted) {
     }
     Job.ParaboloidShape = shorter;
     Calculate();
+    std::string names;
+    for (int i = 1; i <= Job.nIdent; ++i) {
+        const auto k = static_cast<std::size_t>(i);
+        if (std::hypot(*Job.MCS_X[k], *Job.MCS_Y[k]) > end)
+            names += (names.empty() ? "\"" : ", \"") + Job.MCS_Name[k] + "\"";
+    }
+    EXPECT_EQ(std::count(names.begin(), names.end(), ','), 2);
     EXPECT_EQ(NotesOf(NoteCode::TableExtended),
-              std::vector<std::string>{"a point lies beyond the end of the shape's table, whose last segment "
-                                       "is extended for it (3 times)"});
+              std::vector<std::string>{"The points " + names +
+                                       " lie beyond the end of the shape's table, whose last segment is "
+                                       "extended (3 times)"});
 }
 
 TEST_F(WhatAShapeHolds, TheNormalIsThatOfTheSurfaceBehindTheTable) {
