@@ -79,18 +79,35 @@ BatchInput ReadBatchFile(const std::string& path) {
     return input;
 }
 
-bool WriteBatchFile(const BatchInput& input, const std::string& outPath,
-                    const std::function<bool(double share)>& goOn, LineCounts& counts) {
-    FileBeside out(outPath);
+namespace {
+
+// Transforms a file into what `write` takes, and notes what its rows hold.
+bool TransformAndNote(const BatchInput& input, const std::function<void(std::string_view)>& write,
+                      const std::function<bool(double share)>& goOn, LineCounts& counts) {
     RowNotes rows(input.Text.Path, input.Form.Delimiter, PointFields(input.Form.HasName));
-    const LineWork work = {[&out](std::string_view lines) { out.Write(lines); }, goOn, false, &rows};
-    if (!TransformLines(input.Text, input.Form, work, counts)) return false;
+    if (!TransformLines(input.Text, input.Form, {write, goOn, false, &rows}, counts)) return false;
     rows.Write();
     if (counts.MoreFields > 0)
         AddNote(NoteCode::ColumnsIgnored, "Fields behind z are not read", input.Text.Path,
                 static_cast<int>(counts.FirstMore), static_cast<int>(counts.MoreFields));
+    return true;
+}
+
+}  // namespace
+
+bool WriteBatchFile(const BatchInput& input, const std::string& outPath,
+                    const std::function<bool(double share)>& goOn, LineCounts& counts) {
+    FileBeside out(outPath);
+    if (!TransformAndNote(
+            input, [&out](std::string_view lines) { out.Write(lines); }, goOn, counts))
+        return false;
     out.Keep(Keeping::Unflushed);
     return true;
+}
+
+void LookIntoBatchFile(const BatchInput& input, LineCounts& counts) {
+    TransformAndNote(
+        input, [](std::string_view) {}, nullptr, counts);
 }
 
 std::vector<std::string> NotesAsLines(const BatchNotes& notes, std::size_t most) {

@@ -31,9 +31,13 @@ struct BatchInput {
 BatchInput ReadBatchFile(const std::string& path);
 
 // Transforms a file into another, which is replaced whole or not at all. False, with the target as it was,
-// where `goOn` has ended it. Throws PlatformError where the disk refuses.
+// where `goOn` has ended it. Throws PlatformError where the disk refuses, and where a coordinate is larger
+// than any number. What is read otherwise than it may be meant is noted with its line and its field.
 bool WriteBatchFile(const BatchInput& input, const std::string& outPath,
                     const std::function<bool(double share)>& goOn, LineCounts& counts);
+
+// The same without a file to write: counts and notes.
+void LookIntoBatchFile(const BatchInput& input, LineCounts& counts);
 
 // What a batch has to tell at its end.
 struct BatchNotes {

@@ -6,11 +6,13 @@
 #include <cmath>
 
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/text.h"
 #include "core/units.h"
 #include "engine/matrix.h"
+#include "engine/result_notes.h"
 #include "engine/sound_angles.h"
 #include "engine/transform.h"
 
@@ -41,6 +43,41 @@ constexpr std::array kPalettes = {"ATT / _PALETTE_LENGTH , 0;    ",
                                   "ATT / _PALETTE_S_PLANE , 0.0;    ",
                                   "ATT / _PALETTE_T_PLANE , 0.0;    ",
                                   "END;        "};
+
+// What a result has beside rotation and translation, with its values; "" for a rigid one. Scales that are off
+// from 1 by rounding alone move nothing.
+std::string ScalesAndShears() {
+    constexpr double kRounding = 1e-12;
+    const auto other = [](double scale) { return !(std::fabs(scale - 1) <= kRounding); };
+    std::string text;
+    const auto add = [&text](int parameter, double value, const std::string& unit) {
+        text += (text.empty() ? "" : ", ") + std::string(ParameterName(parameter)) + " " + PlainText(value) +
+                unit;
+    };
+    if (other(Job.ScaleX) && Job.ScaleX == Job.ScaleY && Job.ScaleX == Job.ScaleZ) {
+        add(kScaleXYZ, Job.ScaleX, "");
+    } else {
+        if (other(Job.ScaleX)) add(kScaleX, Job.ScaleX, "");
+        if (other(Job.ScaleY)) add(kScaleY, Job.ScaleY, "");
+        if (other(Job.ScaleZ)) add(kScaleZ, Job.ScaleZ, "");
+    }
+    const std::string unit = " " + Printable(Job.AngleUnitName);
+    if (std::fabs(Job.AngleXY) > kRounding) add(kAngleXY, Job.AngleXY * Units.AngleFactor, unit);
+    if (std::fabs(Job.AngleZtoXY) > kRounding) {
+        add(kAzimuth, Job.Azimuth * Units.AngleFactor, unit);
+        add(kAngleZtoXY, Job.AngleZtoXY * Units.AngleFactor, unit);
+    }
+    return text;
+}
+
+// The frame and the matrix hold a movement. What else the result is made of is missing in them.
+void NoteScalesLeftOut(const char* format) {
+    const std::string text = ScalesAndShears();
+    if (!text.empty())
+        AddNote(NoteCode::ScaleLeftOut, std::string("The ") + format +
+                                            " has no place for scales and shears and is written without " +
+                                            text + "; it is not the whole result");
+}
 
 }  // namespace
 
@@ -79,6 +116,7 @@ std::string RobCadText(const std::string& place, const std::string& tool, const 
     RotMatrixXYZ(Job.RotX, Job.RotY, Job.RotZ, R);
     const QuaternionForms forms = SoundQuaternionForms(R, Vec3(Job.RotX, Job.RotY, Job.RotZ));
     if (forms.FromMatrix) NoteMatrixAngles();
+    NoteScalesLeftOut("frame file");
     const auto length = [](double value_mm) { return ScientificText(value_mm * Units.LengthFactor); };
     const auto angle = [](double value_rad) { return ScientificText(value_rad * Units.AngleFactor); };
     const std::string component = tool + "_" + place + "_" + robot + " ;     ";
@@ -101,6 +139,7 @@ std::string RocalText() {
     Mat3 M;
     RotMatrixXYZ(Job.RotX, Job.RotY, Job.RotZ, M);
     const std::array<double, 3> shift = {Job.TraX, Job.TraY, Job.TraZ};
+    NoteScalesLeftOut("matrix of the .bas file");
     std::string text = "[";
     for (int row = 1; row <= 3; ++row) {
         for (int column = 1; column <= 3; ++column) text += PlainText(M(row, column)) + ",";

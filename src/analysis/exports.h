@@ -13,11 +13,12 @@ std::string FormatText(const std::string& text, std::string_view picture);
 
 // The frame file: the job's translation in the length unit and the angles about x, y', z'' of its rotation,
 // as the details window has them, in the angle unit. Where these come from the job's own angles, because a
-// formula does not give the rotation back, a note says so.
+// formula does not give the rotation back, a note says so. It has no place for scales and shears: where the
+// result has any, a warning names them.
 std::string RobCadText(const std::string& place, const std::string& tool, const std::string& robot);
 
 // The homogeneous matrix of rotation and translation, row by row in square brackets; no line end behind the
-// last row.
+// last row. Scales and shears as above.
 std::string RocalText();
 
 // The transformed start points without a partner, a line a point: name, tab, X, tab, Y, tab, Z.

@@ -39,6 +39,7 @@ struct Lines {
     std::string Out;  // lines not yet handed on
     LineCounts& Counts;
     RowNotes* Rows;
+    const std::string& Path;
     std::string Decoded = {}, Scratch = {}, Field = {}, Text = {};
 };
 
@@ -61,6 +62,15 @@ inline void Carry(const Lines& s, std::array<double, 3>& xyz) {
 // --- The general road
 // ---------------------------------------------------------------------------------------
 
+constexpr std::array<const char*, 3> kAxes = {"x", "y", "z"};
+
+// A coordinate that no number can hold has nothing that could be written in its place.
+[[noreturn]] void RefuseInfinite(Lines& s, const std::string& what) {
+    s.Counts.Refused = s.Counts.Lines;
+    throw PlatformError{"Cannot read \"" + s.Path + "\", line " + std::to_string(s.Counts.Lines) + ": " +
+                        what};
+}
+
 void PlainLine(Lines& s, std::string_view line, bool decode) {
     std::string_view rest = line;
     if (decode && !IsAscii(line)) {
@@ -74,15 +84,30 @@ void PlainLine(Lines& s, std::string_view line, bool decode) {
         s.Text = std::to_string(s.Counts.Lines);
     }
     std::array<double, 3> xyz{};
+    const std::string name = s.Text;
+    const auto place = [&name](std::size_t axis) {
+        return std::string(kAxes[axis]) + " of point \"" + Printable(name) + "\"";
+    };
+    const bool isEmpty = !HoldsMore(line);
+    if (isEmpty && s.Rows != nullptr)
+        s.Rows->Count(NoteCode::EmptyCoordinate, s.Counts.Lines,
+                      [] { return "An empty line is taken as a point whose coordinates are 0"; });
     bool numbers = true, passed = !line.empty() && line.front() == delimiter;
-    for (double& value : xyz) {
+    for (std::size_t i = 0; i < 3; ++i) {
         passed = passed || (!rest.empty() && rest.front() == delimiter);
         s.Field = CutField(rest, delimiter, s.Scratch);
         if (s.Decimal == ',') std::replace(s.Field.begin(), s.Field.end(), ',', '.');
+        xyz[i] = Val(s.Field);
+        if (!std::isfinite(xyz[i])) RefuseInfinite(s, TooLarge(s.Field, place(i)));
         double exact = 0;
-        numbers = numbers && TextToNumber(s.Field, '.', exact);
-        if (s.Rows != nullptr) s.Rows->LookAtDigits(s.Field, s.Counts.Lines);
-        value = Val(s.Field);
+        const bool number = TextToNumber(s.Field, '.', exact);
+        numbers = numbers && number;
+        if (s.Rows == nullptr || isEmpty) continue;
+        if (number) {
+            s.Rows->LookAtDigits(s.Field, s.Counts.Lines);
+        } else {
+            s.Rows->LookAtPlainValue(s.Field, place(i), s.Counts.Lines);
+        }
     }
     if (!numbers) {
         ++s.Counts.WithoutNumbers;
@@ -91,9 +116,11 @@ void PlainLine(Lines& s, std::string_view line, bool decode) {
     if (s.Rows != nullptr && (passed || HoldsMore(rest)))
         s.Rows->Look(decode ? DecodeText(line) : std::string(line), s.Counts.Lines);
     Carry(s, xyz);
-    for (const double value : xyz) {
+    for (std::size_t i = 0; i < 3; ++i) {
+        if (!std::isfinite(xyz[i]))
+            RefuseInfinite(s, "the transformed " + place(i) + " is larger than any number that can be kept");
         s.Text += '\t';
-        s.Text += FormatNumber(value, Units.FmtLength);
+        s.Text += FormatNumber(xyz[i], Units.FmtLength);
     }
     s.Text += kLineEnd;
     if (IsAscii(s.Text)) {
@@ -354,7 +381,7 @@ bool TransformLines(const PointText& file, const LineForm& form, const LineWork&
     const std::size_t point = Units.FmtLength.find('.');
     const int places = point == std::string::npos ? 0 : static_cast<int>(Units.FmtLength.size() - point - 1);
     Lines s = {form, SystemDecimal(), Units.LengthFactor, Chain.Product, Vec3(Job.TraX, Job.TraY, Job.TraZ),
-               {},   counts,          work.Rows};
+               {},   counts,          work.Rows,          file.Path};
     const bool shortRoad = std::endian::native == std::endian::little && !work.PlainOnly &&
                            !file.LoneReturns && form.Delimiter != '\0' && places <= 6 &&
                            Units.FmtLength == DigitFormats()[static_cast<std::size_t>(places)];

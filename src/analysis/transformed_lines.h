@@ -19,6 +19,7 @@ struct LineCounts {
     std::int64_t Lines = 0;
     std::int64_t WithoutNumbers = 0;  // lines whose three fields are not all numbers
     std::int64_t FirstWithout = 0;    // the first of them, from 1; 0 = none
+    std::int64_t Refused = 0;         // the line with a coordinate larger than any number, from 1; 0 = none
     std::int64_t MoreFields = 0;      // lines of the short road with further fields, which are passed over
     std::int64_t FirstMore = 0;       // the first of them, from 1; 0 = none
 };
@@ -27,7 +28,8 @@ struct LineWork {
     std::function<void(std::string_view bytes)> Write;  // takes the lines, many at a time
     std::function<bool(double share)> GoOn;             // asked now and then; false ends the work
     bool PlainOnly = false;                             // every line takes the general road
-    RowNotes* Rows = nullptr;  // looks at the lines of the general road that hold more than their fields
+    RowNotes* Rows =
+        nullptr;  // looks at fields that are no numbers, and at lines that hold more than their fields
 };
 
 // Carries every line's point through the transformation of the job: three fields by their plain value,
@@ -39,5 +41,8 @@ struct LineWork {
 // digits is a whole number over a power of ten, which one division rounds correctly; and a value whose
 // distance from the middle between two shown ones is larger than all roundings of the general formatter is
 // a whole number of its last place.
-//   Reads Job, Units. False when GoOn has ended it.
+//   Reads Job, Units. False when GoOn has ended it. Throws PlatformError, with the line and the coordinate,
+//   where
+// one is larger than any number, before or behind the transformation; what has been handed on is of no use
+// then.
 bool TransformLines(const PointText& file, const LineForm& form, const LineWork& work, LineCounts& counts);

@@ -66,6 +66,7 @@ CLI::App* AddConvert(CLI::App& app, JobSwitches& s) {
         ->type_name("FILE")
         ->check(CheckConvertOut)
         ->required();
+    convert->add_flag("--json", s.Options.Json, "Tell as JSON what was written and noticed");
     AddJobQuestions(*convert, s);
     return convert;
 }
@@ -154,6 +155,7 @@ CLI::App* AddRender(CLI::App& app, RenderSwitches& s) {
         ->check(Written(BackgroundFromText))
         ->type_name("COLOUR")
         ->capture_default_str();
+    render->add_flag("--json", s.Options.Json, "Tell as JSON what was written and noticed");
     auto* yes = render->add_flag("--yes,-y", s.Yes,
                                  "A file without the head of a job file is one of an early version");
     render->add_flag("--no,-n", s.No, "It is none")->excludes(yes);
@@ -162,7 +164,7 @@ CLI::App* AddRender(CLI::App& app, RenderSwitches& s) {
     return render;
 }
 
-int Render(RenderSwitches& s, std::ostream& err) {
+int Render(RenderSwitches& s, std::ostream& out, std::ostream& err) {
     RenderOptions& options = s.Options;
     PictureWish& wish = options.Wish;
     SizeFromText(s.Size, wish.Width, wish.Height);
@@ -173,7 +175,7 @@ int Render(RenderSwitches& s, std::ostream& err) {
     options.Decimal = DecimalOf(s.Decimal);
     if (s.Yes || s.No) options.Questions = s.Yes;
     if (!AreApart({{"JOB", options.Job}}, {{"--out", options.Out}}, err)) return kWrongUsage;
-    return RunRender(options, err);
+    return RunRender(options, out, err);
 }
 
 struct DistancesSwitches {
@@ -369,7 +371,7 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
             if (option->count() > 0) fitSwitches.Options.Given.push_back(option->get_name());
         return Fit(fitSwitches, out, err, terminal, progress);
     }
-    if (render->parsed()) return Render(renderSwitches, err);
+    if (render->parsed()) return Render(renderSwitches, out, err);
     if (distances->parsed()) return Distances(distancesSwitches, out, err, terminal, progress);
     if (bundle->parsed()) {
         bundleSwitches.Options.Decimal = DecimalOf(bundleSwitches.Decimal);
@@ -377,7 +379,7 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     }
     if (transform->parsed()) {
         TakeTransformSwitches(transformSwitches);
-        return RunTransform(transformSwitches.Options, err, progress);
+        return RunTransform(transformSwitches.Options, out, err, progress);
     }
     if (exported->parsed()) {
         TakeExportSwitches(exportSwitches);
@@ -385,9 +387,9 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
         if (!AreApart({{"JOB", o.Job}},
                       {{"--robcad", o.RobCad}, {"--rocal", o.Rocal}, {"--points", o.Points}}, err))
             return kWrongUsage;
-        return RunExport(exportSwitches.Options, err);
+        return RunExport(exportSwitches.Options, out, err);
     }
     TakeJobSwitches(jobSwitches);
     if (info->parsed()) return RunInfo(jobSwitches.Options, out, err, terminal && ColourWanted());
-    return RunConvert(jobSwitches.Options, err);
+    return RunConvert(jobSwitches.Options, out, err);
 }

@@ -194,7 +194,7 @@ int RunDistances(const DistancesOptions& options, std::ostream& out, std::ostrea
     m.Points = TakeDistancePoints(options.WithResult);
     if (m.Points.Count() < 2)
         return Refuse(err, kRefused, "There are not enough identically Points for a calculation");
-    if (options.WithResult) NoteUnconverged(options.Job);
+    if (options.WithResult) NoteResultOfJob(options.Job);
     if (options.WithResult && m.Points == TakeDistancePoints(false))
         err << "the job holds no result: its transformed points are the start points\n";
     {

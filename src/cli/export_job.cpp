@@ -8,6 +8,7 @@
 #include "cli/headless.h"
 #include "cli/job_files.h"
 #include "cli/messages.h"
+#include "cli/written_json.h"
 #include "core/files.h"
 #include "core/job.h"
 #include "core/job_file.h"
@@ -49,6 +50,7 @@ CLI::App* AddExport(CLI::App& app, ExportSwitches& s) {
         ->needs(frame)
         ->type_name("NAME");
     command->add_flag("--unconverged", o.Unconverged, "Take a result that did not converge too");
+    command->add_flag("--json", o.Json, "Tell as JSON what was written and noticed");
     auto* yes = command->add_flag("--yes,-y", s.Yes,
                                   "A file without the head of a job file is one of an early version");
     command->add_flag("--no,-n", s.No, "It is none")->excludes(yes);
@@ -63,7 +65,7 @@ void TakeExportSwitches(ExportSwitches& s) {
     if (s.Yes || s.No) s.Options.Questions = s.Yes;
 }
 
-int RunExport(const ExportOptions& options, std::ostream& err) {
+int RunExport(const ExportOptions& options, std::ostream& out, std::ostream& err) {
     // Frames and matrices go to programs, which take a decimal comma for the one between two numbers.
     if (options.Decimal && !options.Points.empty()) Headless.Decimal = options.Decimal;
     ReadSettingsText(DefaultSettingsText(), "the built-in settings");
@@ -80,7 +82,7 @@ int RunExport(const ExportOptions& options, std::ostream& err) {
         return Refuse(err, kRefused, "You must make a calculation to export transformed points");
     if (!ResultIsFinite()) return Refuse(err, kRefused, kResultNotFinite);
     if (const int refused = RefuseUnconverged(err, options.Unconverged); refused != kDone) return refused;
-    NoteUnconverged(options.Job);
+    NoteResultOfJob(options.Job);
     const std::string path = options.RobCad + options.Rocal + options.Points;  // one of them
     std::string text;
     const bool made = Dispatch([&options, &text] {
@@ -93,5 +95,6 @@ int RunExport(const ExportOptions& options, std::ostream& err) {
     if (EndsForWarnings(options.Strict, err)) return kUnreadable;
     const bool written = Dispatch([&path, &text] { WriteFile(path, text); });
     Headless.Dialogs.clear();
-    return written ? kDone : Refuse(err, kRefused, Run.LastPlatformError);
+    if (!written) return Refuse(err, kRefused, Run.LastPlatformError);
+    return options.Json ? TellWritten("export", options.Job, {path}, out, err) : kDone;
 }

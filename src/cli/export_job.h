@@ -11,6 +11,7 @@ struct ExportOptions {
     std::string RobCad, Rocal, Points;  // the file to write; one of them
     std::string Place, Tool, Robot;     // names within the first
     bool Unconverged = false;           // a result that did not converge goes out too
+    bool Json = false;                  // what was written, and the notes
     std::optional<char> Decimal;
     std::optional<bool> Questions;  // --yes or --no
     bool Strict = false;            // no warning may pass
@@ -26,4 +27,4 @@ CLI::App* AddExport(CLI::App& app, ExportSwitches& s);
 void TakeExportSwitches(ExportSwitches& s);
 
 // Writes the file, whole or not at all. kDone, or why not on `err`.
-int RunExport(const ExportOptions& options, std::ostream& err);
+int RunExport(const ExportOptions& options, std::ostream& out, std::ostream& err);

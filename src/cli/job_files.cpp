@@ -8,16 +8,20 @@
 
 #include "cli/headless.h"
 #include "cli/messages.h"
+#include "cli/written_json.h"
 #include "core/files.h"
 #include "core/job.h"
 #include "core/job_file.h"
 #include "core/job_notes.h"
+#include "core/notes.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
 #include "core/units.h"
 #include "core/window.h"
+#include "engine/small_svd.h"
+#include "engine/transform.h"
 
 namespace {
 
@@ -70,6 +74,22 @@ bool ResultIsFinite() {
     return true;
 }
 
+void NoteResultOfJob(const std::string& path) {
+    NoteUnconverged(path);
+    if (Job.ParamText[kTraX].empty()) return;  // nothing has been calculated
+    Mat3 K;
+    BuildShearMatrix(Job.AngleXY, Job.Azimuth, Job.AngleZtoXY, K);
+    const double scales = Job.ScaleX * Job.ScaleY * Job.ScaleZ;
+    constexpr double kPlane = 1e-9;  // nearer to 0 it is a plane, which has no other side
+    const double handedness = scales < 0 ? -Determinant3(K) : Determinant3(K);
+    if (scales != 0 && handedness < -kPlane)
+        AddNote(
+            NoteCode::Mirrored,
+            "The result of the job is mirrored: it carries points onto their mirror image, as no movement "
+            "can",
+            path);
+}
+
 int RefuseUnconverged(std::ostream& err, bool allowed) {
     if (!IsTrue(Job.Unconverged) || allowed) return kDone;
     return Refuse(err, kNotConverged,
@@ -87,7 +107,7 @@ int RunInfo(const JobFileOptions& options, std::ostream& out, std::ostream& err,
     JobFileFacts facts;
     const int status = OpenJob(options.Path, options.Questions, facts, err);
     if (status != kDone) return status;
-    NoteUnconverged(options.Path);
+    NoteResultOfJob(options.Path);
     if (EndsForWarnings(options.Strict, err)) return kUnreadable;
     if (options.Json) {
         WriteJobJson(facts, false, out);
@@ -103,13 +123,13 @@ std::string CheckConvertOut(const std::string& path) {
     return "\"" + Printable(path) + "\" ends neither in .cvn nor in .json nor in .csv";
 }
 
-int RunConvert(const JobFileOptions& options, std::ostream& err) {
+int RunConvert(const JobFileOptions& options, std::ostream& out, std::ostream& err) {
     if (options.Decimal) Headless.Decimal = options.Decimal;
     TakeBuiltInSettings();
     JobFileFacts facts;
     const int status = OpenJob(options.Path, options.Questions, facts, err);
     if (status != kDone) return status;
-    NoteUnconverged(options.Path);
+    NoteResultOfJob(options.Path);
     if (EndsForWarnings(options.Strict, err)) return kUnreadable;
     const bool written = Dispatch([&] {
         if (KindOfOut(options.Out) == ConvertTo::Job) return WriteJobFile(options.Out, facts);
@@ -122,5 +142,6 @@ int RunConvert(const JobFileOptions& options, std::ostream& err) {
         WriteFile(options.Out, text.str());
     });
     Headless.Dialogs.clear();
-    return written ? kDone : Refuse(err, kRefused, Run.LastPlatformError);
+    if (!written) return Refuse(err, kRefused, Run.LastPlatformError);
+    return options.Json ? TellWritten("convert", options.Path, {options.Out}, out, err) : kDone;
 }

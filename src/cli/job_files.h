@@ -26,6 +26,10 @@ bool ResultIsFinite();
 inline constexpr const char* kResultNotFinite =
     "the result of the job is not finite; calculate it anew with other parameters or points";
 
+// Before a command goes on with the result of the open job: the notes that it did not converge, and that it
+// is mirrored, which is where the determinant of R K S is below 0.
+void NoteResultOfJob(const std::string& path);
+
 // What leaves the program as a result of the open job has to be one: kDone where it converged, or where the
 // user has `allowed` another one with --unconverged; else kNotConverged, with the reason on `err`.
 int RefuseUnconverged(std::ostream& err, bool allowed);
@@ -37,7 +41,7 @@ int RunInfo(const JobFileOptions& options, std::ostream& out, std::ostream& err,
 
 // Writes the job as OUT says by its extension: .cvn the present version's file, .json all records, .csv the
 // points. Gives the exit status; OUT is written whole or not at all.
-int RunConvert(const JobFileOptions& options, std::ostream& err);
+int RunConvert(const JobFileOptions& options, std::ostream& out, std::ostream& err);
 
 // "" or why a file cannot be converted to this name.
 std::string CheckConvertOut(const std::string& path);

@@ -9,6 +9,7 @@
 #include "cli/headless.h"
 #include "cli/job_files.h"
 #include "cli/messages.h"
+#include "cli/written_json.h"
 #include "core/files.h"
 #include "core/job.h"
 #include "core/job_file.h"
@@ -70,7 +71,7 @@ std::string CheckPictureFile(const std::string& path) {
     return "\"" + Printable(path) + "\" ends neither in .png nor in .svg";
 }
 
-int RunRender(const RenderOptions& options, std::ostream& err) {
+int RunRender(const RenderOptions& options, std::ostream& out, std::ostream& err) {
     if (options.Decimal) Headless.Decimal = options.Decimal;
     // A picture shall be the same on every machine, so nobody's settings are read for it.
     ReadSettingsText(DefaultSettingsText(), "the built-in settings");
@@ -81,7 +82,7 @@ int RunRender(const RenderOptions& options, std::ostream& err) {
     PictureWish wish = options.Wish;
     if (!IsFixedView(wish.View) && SavedViewNumber(facts.Views, wish.View) == 0)
         return Refuse(err, kWrongUsage, UnknownView(wish.View, facts.Views));
-    NoteUnconverged(options.Job);
+    NoteResultOfJob(options.Job);
     if (Job.nMCS + Job.nOCS == 0) return Refuse(err, kRefused, "the job has no points to draw");
     if (Job.nIdent == 0) err << "the job has no identical points: there are no deviations to see\n";
     if (options.Limits)
@@ -96,5 +97,6 @@ int RunRender(const RenderOptions& options, std::ostream& err) {
     Headless.Dialogs.clear();
     if (written && shown.FlagsLeftOut > 0)
         err << "no room for " << shown.FlagsLeftOut << " of the flags; a larger picture has more\n";
-    return written ? kDone : Refuse(err, kRefused, Run.LastPlatformError);
+    if (!written) return Refuse(err, kRefused, Run.LastPlatformError);
+    return options.Json ? TellWritten("render", options.Job, {options.Out}, out, err) : kDone;
 }

@@ -13,6 +13,7 @@ struct RenderOptions {
     std::optional<std::pair<double, double>> Limits;  // of the colour scale, in the job's unit of length
     std::optional<bool> Questions;                    // --yes or --no
     bool Strict = false;                              // no warning may pass
+    bool Json = false;                                // what was written, and the notes
     std::optional<char> Decimal;
 };
 
@@ -24,4 +25,4 @@ std::string LimitsFromText(const std::string& text, std::pair<double, double>& l
 std::string CheckPictureFile(const std::string& path);                                   // .png or .svg
 
 // Writes the picture, whole or not at all. Gives the exit status.
-int RunRender(const RenderOptions& options, std::ostream& err);
+int RunRender(const RenderOptions& options, std::ostream& out, std::ostream& err);

@@ -12,6 +12,7 @@
 #include "cli/headless.h"
 #include "cli/job_files.h"
 #include "cli/messages.h"
+#include "cli/written_json.h"
 #include "core/files.h"
 #include "core/folders.h"
 #include "core/job.h"
@@ -85,6 +86,7 @@ public:
     Ended Transform(const std::string& path, Tell tell) {
         const std::string outPath = JoinPath(options_.To, BatchOutName(NameOfFile(path)));
         Ended ended = Ended::Unreadable;
+        LineCounts counts;
         try {
             const BatchInput input = ReadBatchFile(path);
             ended = Ended::Unwritten;
@@ -94,7 +96,6 @@ public:
                                     "\" holds another file's points by now"};
             if (!options_.Overwrite && File_Exist(outPath))
                 throw PlatformError{"\"" + path + "\": \"" + outPath + "\" exists; --overwrite replaces it"};
-            LineCounts counts;
             WriteBatchFile(
                 input, outPath,
                 [&tell](double share) {
@@ -103,12 +104,13 @@ public:
                 },
                 counts);
             written_.insert(outPath);
+            inOrder_.push_back(outPath);
             ++notes_.Done;
             if (counts.WithoutNumbers > 0) notes_.WithoutNumbers.push_back({path, counts});
             return Ended::Written;
         } catch (const PlatformError& error) {
             notes_.FilesLeft.push_back({path, error.What});
-            return ended;
+            return counts.Refused > 0 ? Ended::Unreadable : ended;
         }
     }
 
@@ -117,22 +119,23 @@ public:
         try {
             const BatchInput input = ReadBatchFile(path);
             LineCounts counts;
-            TransformLines(input.Text, input.Form, {[](std::string_view) {}, [](double) { return true; }},
-                           counts);
+            LookIntoBatchFile(input, counts);
             if (counts.WithoutNumbers > 0) notes_.WithoutNumbers.push_back({path, counts});
         } catch (const PlatformError& error) {
             notes_.FilesLeft.push_back({path, error.What});
         }
     }
 
+    const std::vector<std::string>& Written() const { return inOrder_; }
+
 private:
     const TransformOptions& options_;
     BatchNotes& notes_;
     std::set<std::string> written_;
+    std::vector<std::string> inOrder_;
 };
 
-// Tells what was found in the files, and notes the lines that hold no point: what is no number in them counts
-// as 0, so that they become points that nobody has measured.
+// Tells what was found in the files.
 void TellFiles(BatchNotes notes, std::ostream& err) {
     // The delimiter of before is the one that the user has named, or the blank.
     std::erase_if(Notes.List, [](const Note& note) { return note.Code == NoteCode::OldDelimiter; });
@@ -143,12 +146,6 @@ void TellFiles(BatchNotes notes, std::ostream& err) {
     notes.FilesLeft.clear();
     for (const std::string& line : NotesAsLines(left, 0)) err << line << "\n";
     for (const std::string& line : NotesAsLines(notes, 0)) err << "warning: " << line << "\n";
-    for (const auto& [path, counts] : notes.WithoutNumbers)
-        AddNote(NoteCode::NumberAsZero,
-                std::to_string(counts.WithoutNumbers) + " of " + std::to_string(counts.Lines) +
-                    " lines held no three numbers; what is none counts as 0",
-                path, static_cast<int>(counts.FirstWithout), static_cast<int>(counts.WithoutNumbers));
-    Headless.NotesTold = Notes.List.size();
 }
 
 // For --strict: is there a warning in any of the files? What has been noted of them is noted again when they
@@ -161,7 +158,7 @@ bool AnyWarning(const TransformOptions& options, const std::vector<std::string>&
         Run.Delimiter = options.Delimiter;
         batch.LookInto(path);
     }
-    if (HasWarnings() || !notes.WithoutNumbers.empty()) {
+    if (HasWarnings()) {
         TellFiles(std::move(notes), err);
         return EndsForWarnings(true, err);
     }
@@ -201,6 +198,7 @@ CLI::App* AddTransform(CLI::App& app, TransformSwitches& s) {
                                     "Answer questions with Yes; a file with the other decimal\n"
                                     "delimiter is then changed");
     transform->add_flag("--no,-n", s.No, "Answer questions with No; such a file is then left")->excludes(yes);
+    transform->add_flag("--json", o.Json, "Tell as JSON what was written, left and noticed");
     AddStrict(*transform, o.Strict, "Options");
     AddDecimal(*transform, s.Decimal, "Options");
     return transform;
@@ -211,7 +209,7 @@ void TakeTransformSwitches(TransformSwitches& s) {
     if (s.Yes || s.No) s.Options.Questions = s.Yes;
 }
 
-int RunTransform(const TransformOptions& options, std::ostream& err, bool progress) {
+int RunTransform(const TransformOptions& options, std::ostream& out, std::ostream& err, bool progress) {
     if (options.Decimal) Headless.Decimal = options.Decimal;
     ReadSettingsText(DefaultSettingsText(), "the built-in settings");
     JobFileFacts facts;
@@ -221,7 +219,7 @@ int RunTransform(const TransformOptions& options, std::ostream& err, bool progre
     if (Job.ParamText[1].empty()) return Refuse(err, kRefused, "No Transformation calculated");
     if (!ResultIsFinite()) return Refuse(err, kRefused, kResultNotFinite);
     if (const int refused = RefuseUnconverged(err, options.Unconverged); refused != kDone) return refused;
-    NoteUnconverged(options.Job);
+    NoteResultOfJob(options.Job);
     AnswerQuestions(options);
     BatchNotes notes;
     const std::vector<std::string> files = AllFiles(options.In, notes);
@@ -229,9 +227,9 @@ int RunTransform(const TransformOptions& options, std::ostream& err, bool progre
     if (!Dispatch([&options] { CreateFolder(options.To); }))
         return Refuse(err, kRefused, Run.LastPlatformError);
     bool unreadable = !notes.FilesLeft.empty(), unwritten = false;
+    Batch batch(options, notes);
     {
         ProgressLine line(err, progress);
-        Batch batch(options, notes);
         for (std::size_t i = 0; i < files.size(); ++i) {
             // Each file for itself: the delimiter of one is no word about the next.
             Run.Delimiter = options.Delimiter;
@@ -243,8 +241,12 @@ int RunTransform(const TransformOptions& options, std::ostream& err, bool progre
         }
     }
     const std::int64_t done = notes.Done;
+    std::vector<FileLeft> left;
+    for (const BatchNotes::Left& file : notes.FilesLeft) left.push_back({file.Path, file.Why});
     TellFiles(std::move(notes), err);
     err << done << " of " << files.size() << " files transformed\n";
+    const int told =
+        options.Json ? TellWritten("transform", options.Job, batch.Written(), out, err, left) : kDone;
     if (unreadable) return kUnreadable;
-    return unwritten ? kRefused : kDone;
+    return unwritten ? kRefused : told;
 }

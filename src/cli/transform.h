@@ -17,6 +17,7 @@ struct TransformOptions {
     std::optional<char> Decimal;
     std::optional<bool> Questions;  // --yes or --no
     bool Strict = false;            // no warning may pass
+    bool Json = false;              // what was written and left, and the notes
 };
 
 struct TransformSwitches {
@@ -31,4 +32,4 @@ void TakeTransformSwitches(TransformSwitches& s);
 // Transforms all files, each whole or not at all. What was left, and why, and which lines held no point, is
 // said on `err` at the end. kDone; kUnreadable where a file could not be read; kRefused where one could not
 // be written, or the job has no transformation.
-int RunTransform(const TransformOptions& options, std::ostream& err, bool progress);
+int RunTransform(const TransformOptions& options, std::ostream& out, std::ostream& err, bool progress);

@@ -8,6 +8,7 @@
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/settings.h"
 #include "core/units.h"
 #include "engine/calculation_window.h"
@@ -80,6 +81,44 @@ const std::string kUnits =
     "Angle and Distance Output will always be made in Unit witch is set in Menu - Settings - Units";
 
 }  // namespace
+
+// --- What the files have no place for
+// -----------------------------------------------------------------------
+
+TEST_F(Exports, ScalesAndShearsThatAFileHasNoPlaceForAreNamed) {
+    const auto left = [] {
+        std::vector<std::string> texts;
+        for (const auto& write : {+[] { RobCadText("", "", ""); }, +[] { RocalText(); }}) {
+            ForgetNotes();
+            write();
+            for (const Note& note : Notes.List) {
+                EXPECT_EQ(note.Code, NoteCode::ScaleLeftOut);
+                EXPECT_EQ(note.Weight, Severity::Warning);
+                const std::size_t begin = note.Text.find("without ") + 8;
+                texts.push_back(note.Text.substr(begin, note.Text.find(';') - begin));
+            }
+        }
+        return texts;
+    };
+    const auto twice = [](const std::string& text) { return std::vector<std::string>{text, text}; };
+    EXPECT_EQ(left(), std::vector<std::string>{});
+    Job.ScaleX = Job.ScaleY = Job.ScaleZ = 1.0125;
+    EXPECT_EQ(left(), twice("Scale xyz 1.0125"));
+    Job.ScaleX = Job.ScaleY = 1;
+    EXPECT_EQ(left(), twice("Scale z 1.0125"));
+    Job.ScaleZ = -1;
+    EXPECT_EQ(left(), twice("Scale z -1")) << "mirrored";
+    Job.ScaleZ = 1;
+    Job.AngleUnitName = "degree";
+    RhoFestlegung();
+    Job.AngleXY = kPi / 8;
+    Job.AngleZtoXY = kPi / 16;
+    Job.Azimuth = kPi / 4;
+    EXPECT_EQ(left(), twice("xy 22.5 degree, Azimuth 45 degree, z to xy 11.25 degree"));
+    ForgetNotes();
+    OnlyMcsText();
+    EXPECT_TRUE(Notes.List.empty()) << "points have gone through the scales";
+}
 
 // --- Numbers -----------------------------------------------------------------------------------------------
 

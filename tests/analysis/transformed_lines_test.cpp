@@ -10,6 +10,7 @@
 
 #include "cli/headless.h"
 #include "core/job.h"
+#include "core/platform.h"
 #include "core/units.h"
 #include "support/fixture.h"
 
@@ -162,10 +163,26 @@ TEST_F(TransformedLines, ALastLineWithoutEndAndReturnsAloneAreLines) {
     EXPECT_EQ(Through("A;1;2;3\n\n").Counts.Lines, 2);
 }
 
-TEST_F(TransformedLines, NumbersBeyondAllBoundsEndNothing) {
-    const Result result = Through("A;1e999;-1e999;1e300\nB;1e-400;123456789012345678901234567890;0\n");
-    EXPECT_EQ(result.Counts.Lines, 2);
-    EXPECT_EQ(result.Counts.WithoutNumbers, 1) << "a number that no 64-bit float holds is none";
+// Nothing could stand in its place but a word that is no number.
+TEST_F(TransformedLines, ANumberBeyondAllBoundsEndsTheWork) {
+    const auto error = [this](const std::string& text) {
+        try {
+            Through(text);
+        } catch (const PlatformError& refusal) {
+            return refusal.What.substr(refusal.What.find("line "));
+        }
+        return std::string();
+    };
+    EXPECT_EQ(error("A;1;2;3\nB;1e999;1;1\n"),
+              "line 2: \"1e999\" in x of point \"B\" is larger than any number that can be kept");
+    EXPECT_EQ(error("A;1;-1e400mm;3\n"),
+              "line 1: \"-1e400mm\" in y of point \"A\" is larger than any number that can be kept");
+    Job.ScaleZ = 1e10;
+    EXPECT_EQ(error("A;1;2;1e300\n"),
+              "line 1: the transformed z of point \"A\" is larger than any number that can be kept");
+    Job.ScaleZ = 1;
+    EXPECT_EQ(error("A;1;2;1e300\n"), "");
+    EXPECT_EQ(Through("B;1e-400;123456789012345678901234567890;0\n").Counts.WithoutNumbers, 0);
 }
 
 TEST_F(TransformedLines, ALineLongerThanEveryBlockIsOneLine) {
@@ -320,7 +337,17 @@ TEST_F(TransformedLines, DamagedTextsTakeBothRoadsToTheSameBytes) {
         }
         const char delimiter = std::string_view(";;; \t,:*#")[random() % 9];
         const bool hasName = random() % 3 != 0;
-        EXPECT_TRUE(Through(in, delimiter, hasName) == Through(in, delimiter, hasName, true)) << in;
+        // Both take it to its end, or refuse it for the same number.
+        const auto through = [&](bool plainOnly) {
+            try {
+                return Through(in, delimiter, hasName, plainOnly);
+            } catch (const PlatformError& refusal) {
+                Result refused;
+                refused.Text = refusal.What;
+                return refused;
+            }
+        };
+        EXPECT_TRUE(through(false) == through(true)) << in;
     }
 }
 

@@ -41,12 +41,16 @@ protected:
                 {"convert", job_, PathOf("new.cvn")},
                 {"convert", job_, PathOf("new.json")},
                 {"convert", job_, PathOf("new.csv")},
+                {"convert", job_, PathOf("new.csv"), "--json"},
                 {"render", job_, "--size", "64x64", "--out", PathOf("new.png")},
+                {"render", job_, "--size", "64x64", "--out", PathOf("new.svg"), "--json"},
                 {"distances", job_, "--trumpet", PathOf("new.svg"), "--pairs", PathOf("new.txt")},
                 {"distances", job_, "--json"},
                 {"bundle", network_, "--to", PathOf("adjusted"), "--json"},
                 {"transform", job_, start_, "--to", PathOf("out"), "--delimiter", "semicolon"},
+                {"transform", job_, start_, "--to", PathOf("to"), "--delimiter", "semicolon", "--json"},
                 {"export", job_, "--robcad", PathOf("new.rf")},
+                {"export", job_, "--robcad", PathOf("new.rf"), "--json"},
                 {"export", job_, "--rocal", PathOf("new.bas")},
                 {"export", job_, "--points", PathOf("new.asc")}};
     }
@@ -123,7 +127,9 @@ TEST_F(NotesOfCommands, StandInTheJson) {
         if (std::find(command.begin(), command.end(), "--json") == command.end()) continue;
         ++asked;
         const json notes = json::parse(Run(command).Out).at("notes");
-        ASSERT_EQ(notes.size(), 1U) << Shown(command);
+        // The one file after the other, each with its own.
+        const std::size_t files = command[0] == "transform" ? 2 : 1;
+        ASSERT_EQ(notes.size(), files) << Shown(command);
         EXPECT_EQ(notes[0].at("code"), "number-as-zero");
         EXPECT_EQ(notes[0].at("severity"), "warning");
         EXPECT_EQ(notes[0].at("text"), "\"abc\" is no number, x counts as 0.");
@@ -131,7 +137,7 @@ TEST_F(NotesOfCommands, StandInTheJson) {
         EXPECT_EQ(notes[0].at("line"), 7);
         EXPECT_GE(notes[0].at("count").get<int>(), 1);
     }
-    EXPECT_EQ(asked, 4);
+    EXPECT_EQ(asked, 8);
     Run({"convert", job_, PathOf("all.json")});
     EXPECT_EQ(json::parse(Contents(PathOf("all.json"))).at("notes").size(), 1U);
 }
@@ -206,11 +212,14 @@ TEST_F(NotesOfCommands, ATransformedLineWithoutThreeNumbersIsAWarning) {
                     "warning: \"" + bad + "\": 2 of 3 lines held no three numbers, the first in line 2\n"),
               1)
         << plain.Err;
-    ASSERT_EQ(Notes.List.size(), 1U);
+    ASSERT_EQ(Notes.List.size(), 2U);
+    EXPECT_EQ(
+        NoteLine(Notes.List[0]),
+        "The field \"x\" in x of point \"B\" is not a number and counts as 0 (" + bad + ", line 3; 3 times)");
     EXPECT_EQ(Notes.List[0].Code, NoteCode::NumberAsZero);
-    EXPECT_EQ(Notes.List[0].File, bad);
-    EXPECT_EQ(Notes.List[0].Line, 2);
-    EXPECT_EQ(Notes.List[0].Count, 2);
+    EXPECT_EQ(NoteLine(Notes.List[1]),
+              "The x of point \"nonsense\" is empty and counts as 0 (" + bad + ", line 2; 3 times)");
+    EXPECT_EQ(Notes.List[1].Code, NoteCode::EmptyCoordinate);
     const Outcome strict = Run({"transform", job_, good, bad, "--to", PathOf("strict")}, true);
     EXPECT_EQ(strict.Status, 3);
     EXPECT_EQ(Lines(strict.Err, "2 of 3 lines held no three numbers"), 1) << strict.Err;
@@ -219,6 +228,46 @@ TEST_F(NotesOfCommands, ATransformedLineWithoutThreeNumbersIsAWarning) {
     EXPECT_EQ(passed.Status, 0) << passed.Err;
     EXPECT_EQ(Contents(PathOf("strict/good_out.txt")), Contents(PathOf("plain/good_out.txt")));
     EXPECT_NE(passed.Err.find("1 of 1 files transformed\n"), std::string::npos);
+}
+
+// What is taken otherwise than it stands there, though every line has its three numbers.
+TEST_F(NotesOfCommands, AStrictTransformLooksAtTheRowsToo) {
+    for (const char* row :
+         {"A B 7;1;2;3\n", "A;;1;2;3\n", "A;1;2;1e-400\n", "A;1;2;3.12345678901234567890\n"}) {
+        const std::string in = Write("rows.txt", std::string("P;1;2;3\n") + row);
+        const Outcome strict = Run({"transform", job_, in, "--to", PathOf("rows")}, true);
+        EXPECT_EQ(strict.Status, 3) << row;
+        EXPECT_FALSE(Directory_Exist(PathOf("rows"))) << row;
+        EXPECT_GE(Lines(strict.Err, in + ", line 2"), 1) << strict.Err;
+    }
+}
+
+TEST_F(NotesOfCommands, TheJsonOfACommandThatWritesFilesNamesThem) {
+    const std::string bad = Write("bad.txt", "A;1;2;1e400\n");
+    const Outcome outcome = Run({"transform", job_, start_, bad, "--to", PathOf("out"), "--json"});
+    EXPECT_EQ(outcome.Status, 3) << outcome.Err;
+    const json told = json::parse(outcome.Out);
+    EXPECT_EQ(told.at("schema"), "corvinade-transform");
+    EXPECT_EQ(told.at("schemaVersion"), 1);
+    EXPECT_EQ(told.at("job"), job_);
+    ASSERT_EQ(told.at("written").size(), 1U);
+    EXPECT_TRUE(File_Exist(told["written"][0].get<std::string>()));
+    ASSERT_EQ(told.at("left").size(), 1U);
+    EXPECT_EQ(told["left"][0].at("path"), bad);
+    EXPECT_EQ(told["left"][0].at("why"),
+              "Cannot read \"" + bad +
+                  "\", line 1: \"1e400\" in z of point \"A\" is larger than any number "
+                  "that can be kept");
+    for (const Arguments& command : {Arguments{"render", job_, "--out", PathOf("a.svg"), "--json"},
+                                     {"convert", job_, PathOf("a.csv"), "--json"},
+                                     {"export", job_, "--rocal", PathOf("a.bas"), "--json"}}) {
+        const json one = json::parse(Run(command).Out);
+        EXPECT_EQ(one.at("schema"), "corvinade-" + command[0]);
+        EXPECT_EQ(one.at("written"), json::array({command[0] == "convert" ? command[2] : command[3]}));
+        EXPECT_TRUE(File_Exist(one["written"][0].get<std::string>()));
+        EXPECT_EQ(one.at("left"), json::array());
+        EXPECT_EQ(one.at("notes"), json::array());
+    }
 }
 
 // Points on a line leave the turn about it open.

@@ -129,6 +129,80 @@ TEST_F(TransformCommand, LinesWithoutNumbersAreToldByFile) {
         << outcome.Err;
 }
 
+TEST_F(TransformCommand, NoResultHoldsAWordInThePlaceOfANumber) {
+    for (const char* field : {"1e400", "-1e999", "1e400mm"}) {
+        const std::string in = Write("in/a.txt", std::string("A;1;2;3\nB;1;") + field + ";3\n");
+        Write("in/b.txt", kPoint);
+        const Outcome outcome =
+            Command({"transform", job_, PathOf("in"), "--to", PathOf("out"), "--overwrite"});
+        EXPECT_EQ(outcome.Status, 3);
+        EXPECT_EQ(FilesOfFolder(PathOf("out")), Names{"b_out.txt"});
+        EXPECT_NE(outcome.Err.find("left: Cannot read \"" + in + "\", line 2: \"" + field +
+                                   "\" in y of point \"B\" is larger than any number that can be kept\n"),
+                  std::string::npos)
+            << outcome.Err;
+    }
+    for (const char* field : {"NaN", "inf", "Infinity"}) {
+        const std::string in = Write("c.txt", std::string("A;1;2;3\nB;1;") + field + ";3\n");
+        const Outcome outcome = Command({"transform", job_, in, "--to", PathOf("out"), "--overwrite"});
+        EXPECT_EQ(Contents(PathOf("out/c_out.txt")), kResult + "B\t6.000\t6.000\t10.000\r\n");
+        EXPECT_NE(
+            outcome.Err.find("warning: The field \"" + std::string(field) +
+                             "\" in y of point \"B\" is not a number and counts as 0 (" + in + ", line 2)\n"),
+            std::string::npos)
+            << outcome.Err;
+    }
+}
+
+TEST_F(TransformCommand, ALineOfBlanksAmongSemicolonsIsCalledThat) {
+    const std::string in = Write("a.txt", "A;1;2;3\nB 4 5 6 late\nA;1;2;3\n");
+    const Outcome outcome = Command({"transform", job_, in, "--to", PathOf("out")});
+    EXPECT_EQ(Contents(PathOf("out/a_out.txt")), kResult + "B\t9.000\t11.000\t13.000\r\n" + kResult);
+    EXPECT_NE(
+        outcome.Err.find("warning: The line \"B 4 5 6 late\" is divided at its blanks, since no \";\" stands "
+                         "between its fields (" +
+                         in + ", line 2)\n"),
+        std::string::npos)
+        << outcome.Err;
+    EXPECT_NE(outcome.Err.find("note: Fields behind z are not read: \"late\" (" + in + ", line 2)\n"),
+              std::string::npos);
+    EXPECT_EQ(outcome.Err.find("The name"), std::string::npos) << outcome.Err;
+}
+
+TEST_F(TransformCommand, AMirroredResultIsToldByAllThatUseIt) {
+    const std::string from = "A;0;0;0\nB;1000;0;0\nC;0;1000;0\nD;0;0;1000\nE;300;200;150\n";
+    const std::string to = "A;5;6;7\nB;-995;6;7\nC;5;1006;7\nD;5;6;1007\nE;-295;206;157\n";
+    const std::string job = PathOf("mirrored.cvn");
+    ASSERT_EQ(
+        Command({"fit", Write("from.txt", from), Write("to.txt", to), "--parameters", "9", "--save", job})
+            .Status,
+        0);
+    const std::vector<Names> commands = {{"info", job},
+                                         {"convert", job, PathOf("copy.csv")},
+                                         {"render", job, "--out", PathOf("a.svg")},
+                                         {"distances", job, "--with-result"},
+                                         {"export", job, "--rocal", PathOf("a.bas")},
+                                         {"export", job, "--points", PathOf("a.txt")},
+                                         {"transform", job, start_, "--to", PathOf("to")}};
+    const std::string told =
+        "warning: The result of the job is mirrored: it carries points onto their mirror image, "
+        "as no movement can (";
+    for (Names command : commands) {
+        const Outcome outcome = Command(command);
+        EXPECT_EQ(outcome.Status, 0) << command[0] << outcome.Err;
+        EXPECT_NE(outcome.Err.find(told + job + ")\n"), std::string::npos) << command[0] << outcome.Err;
+        EXPECT_EQ(outcome.Err.find("scales and shears") != std::string::npos,
+                  command[2 % command.size()] == "--rocal")
+            << outcome.Err;
+        command[1] = job_;
+        if (command[0] == "transform") command.emplace_back("--overwrite");
+        EXPECT_EQ(Command(command).Err.find("mirrored"), std::string::npos) << command[0];
+        command[1] = job;
+        command.emplace_back("--strict");
+        EXPECT_EQ(Command(command).Status, 3) << command[0];
+    }
+}
+
 TEST_F(TransformCommand, WhatCannotBeReadIsLeftAndTheRestDone) {
     Write("in/a.txt", kPoint);
     Write("in/b.bin", std::string("\0\1\2", 3));
