@@ -18,6 +18,7 @@
 #include "engine/design.h"
 #include "engine/moments.h"
 #include "engine/normal_equations.h"
+#include "engine/parameter_values.h"
 #include "engine/selection.h"
 #include "engine/start_values.h"
 
@@ -225,18 +226,6 @@ bool CarryOut(AdjustmentRun& run, Matrix& Q) {
     return true;
 }
 
-// The parameters that a run begins with.
-struct StartOfRun {
-    std::array<double, kParameterEnd> Values{};
-
-    StartOfRun() {
-        for (int k = kTraX; k < kParameterEnd; ++k) Values[At(k)] = ParameterValue(Job, k);
-    }
-    void PutBack() const {
-        for (int k = kTraX; k < kParameterEnd; ++k) ParameterValue(Job, k) = Values[At(k)];
-    }
-};
-
 // While it lives fits take the rows of the points.
 class RowsAlone {
 public:
@@ -288,7 +277,7 @@ void IterateQuietly(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Co
     const FitModel model = BeginRun(u, n, ParamText, points);
     if (model.Mode == FitMode::Distance) PackWeights(P);
     SetWeights(P, points);
-    const StartOfRun start;
+    const ParameterValues start = JobParameters();
     PointMoments moments;
     v.resize(At(n) + 1);
     {
@@ -299,7 +288,7 @@ void IterateQuietly(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Co
         if (!byMoments || Adjustment.Converged || IsTrue(Run.StopRequested)) return;
     }
     // Thin clouds far from the origin cost the moments digits that the rows keep.
-    start.PutBack();
+    SetJobParameters(start);
     BeginRun(u, n, ParamText, points);
     const RowsAlone rows(points);
     AdjustmentRun run(points, model, false, moments);

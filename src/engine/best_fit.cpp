@@ -16,9 +16,10 @@
 #include "engine/chain_search.h"
 #include "engine/corrections.h"
 #include "engine/double_double.h"
+#include "engine/fit_outcome.h"
+#include "engine/mirror.h"
 #include "engine/moments.h"
 #include "engine/small_svd.h"
-#include "engine/transform.h"
 
 namespace {
 
@@ -28,32 +29,10 @@ std::size_t At(int i) {
 
 constexpr double kEpsilon = 2.220446049250313e-16;
 
-// What a run leaves behind, to be put back.
-struct Outcome {
-    std::array<double, kParameterEnd> Values{};
-    AdjustmentRecord Record = Adjustment;
-    Matrix Q;
-    Column v;
-
-    explicit Outcome(const NormFit& fit) : Q(fit.Q), v(fit.v) {
-        for (int k = kTraX; k < kParameterEnd; ++k) Values[At(k)] = ParameterValue(Job, k);
-    }
-    void PutBack(NormFit& fit) const {
-        for (int k = kTraX; k < kParameterEnd; ++k) ParameterValue(Job, k) = Values[At(k)];
-        Adjustment = Record;
-        fit.Q = Q;
-        fit.v = v;
-    }
-};
-
 double SumOfSquares(const NormFit& fit) {
     double sum = 0;
     for (int i = 1; i <= fit.n; ++i) sum += fit.P[At(i)] * fit.v[At(i)] * fit.v[At(i)];
     return sum;
-}
-
-bool JobIsMirrored() {
-    return Determinant3(Chain.Product) < 0;
 }
 
 // The choice as one of the presets, all of whose parameters float and whose others are neutral.
@@ -83,18 +62,11 @@ std::optional<PlainModel> PresetOf(const FitModel& model) {
 
 // What the user has said about where the iteration begins and what it keeps.
 struct Wishes {
-    bool OwnStart = false;       // a floating parameter begins at a value of the user's own
-    bool NegativeScale = false;  // a scale begins or is held below 0
+    bool OwnStart = false;  // a floating parameter begins at a value of the user's own
+    bool NegativeScale = false;
 
-    Wishes(const NormFit& fit) {
-        for (int k = kTraX; k <= kAngleZtoXY; ++k) {
-            const std::optional<double>& own = fit.Choice.Own[At(k)];
-            if (fit.Choice.Floats[At(k)] && own) OwnStart = true;
-            if (k < kScaleX || k > kScaleXYZ) continue;
-            if (own && *own < 0) NegativeScale = true;
-            if (fit.Choice.Held[At(k)] && fit.Choice.Value[At(k)] < 0) NegativeScale = true;
-        }
-    }
+    explicit Wishes(const NormFit& fit)
+        : OwnStart(StartsAreOwn(fit.Choice)), NegativeScale(NegativeScaleIsWanted(fit.Choice)) {}
 };
 
 // A solution to be held against the present one.
@@ -150,14 +122,6 @@ Solutions FindSolutions(const NormFit& fit, const PointMoments& moments) {
     take(search.Mirrored, found.Mirrored);
     found.Starts = search.Starts;
     return found;
-}
-
-// A mirrored solution fits better by more than noise explains where normally distributed noise makes it e^8
-// times as likely as the proper one.
-bool MirrorIsReal(double properSum, double mirroredSum, double rounding, int redundancy) {
-    constexpr double kLogOdds = 8;
-    if (redundancy <= 0 || !(properSum > mirroredSum)) return false;
-    return properSum + rounding > (mirroredSum + rounding) * std::exp(2 * kLogOdds / redundancy);
 }
 
 // What rounding of the coordinates themselves adds to a sum of squares, mm^2.
@@ -265,7 +229,7 @@ private:
         }
         if (!(mirrored->Gain > proper->Gain)) return proper;
         const int redundancy = static_cast<int>(rows_()) - fit_.u;
-        return MirrorIsReal(SumOf(*proper), SumOf(*mirrored), rounding_, redundancy) ? mirrored : proper;
+        return MirrorIsReal(SumOf(*proper), SumOf(*mirrored), rounding_, redundancy, 2) ? mirrored : proper;
     }
 
     double rows_() const { return moments_.B[1][0][0] + moments_.B[2][0][0] + moments_.B[3][0][0]; }
@@ -275,9 +239,7 @@ private:
         double squares = 0;
         for (int axis = 1; axis <= 3; ++axis) {
             const auto& B = moments_.B[At(axis)];
-            const std::array<double, 4> d = {
-                other.Shift(axis) - moments_.Shift(axis), other.M(axis, 1) - moments_.M(axis, 1),
-                other.M(axis, 2) - moments_.M(axis, 2), other.M(axis, 3) - moments_.M(axis, 3)};
+            const auto d = ChangeOf(moments_, other.M, other.Shift, axis);
             for (std::size_t i = 0; i < 4; ++i)
                 for (std::size_t j = 0; j < 4; ++j) squares += d[i] * B[i][j] * d[j];
         }
@@ -328,7 +290,7 @@ private:
         const double before = told ? Sum() : 0;
         TakeParameters(fit_, better);
         SettleHere(fit_.u, fit_.n, fit_.ParamText, fit_.Q, fit_.v, fit_.P, fit_.Points);
-        const Outcome settled(fit_);
+        const FitOutcome settled(fit_);
         const double sum = SumOfSquares(fit_);
         const bool side = JobIsMirrored();
         if (polished) {  // its last digits, and no other solution

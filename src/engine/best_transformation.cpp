@@ -19,11 +19,6 @@ std::size_t At(int i) {
 // Directions whose share of the spread is below this are rounding.
 constexpr double kFlat = 1e-14;
 
-std::array<double, 4> ChangeOf(const PointMoments& moments, const Mat3& M, const Vec3& Shift, int axis) {
-    return {Shift(axis) - moments.Shift(axis), M(axis, 1) - moments.M(axis, 1),
-            M(axis, 2) - moments.M(axis, 2), M(axis, 3) - moments.M(axis, 3)};
-}
-
 // Every pair's three coordinates weigh alike.
 bool WeighAlike(const PointMoments& moments) {
     for (std::size_t row = 0; row < 4; ++row)
@@ -213,6 +208,11 @@ void TakeFromStarts(const PointMoments& moments, PlainModel model, bool alike, B
 
 }  // namespace
 
+RowChange ChangeOf(const PointMoments& moments, const Mat3& M, const Vec3& Shift, int axis) {
+    return {Shift(axis) - moments.Shift(axis), M(axis, 1) - moments.M(axis, 1),
+            M(axis, 2) - moments.M(axis, 2), M(axis, 3) - moments.M(axis, 3)};
+}
+
 Mat3 CrossProducts(const PointMoments& moments) {
     Mat3 H;
     for (int axis = 1; axis <= 3; ++axis) {
@@ -317,6 +317,17 @@ Mat3 UnitColumns(const Mat3& M) {
     return NearestRotation(R, 1, trace);
 }
 
+// A unit vector across the columns before the second or third, so that all are a rotation in the end.
+void CompleteColumn(Mat3& R, int column) {
+    Mat3 before;
+    for (int k = 1; k < column; ++k)
+        for (int row = 1; row <= 3; ++row) before(row, k) = R(row, k);
+    const Svd3 svd = Decompose3(before);
+    for (int row = 1; row <= 3; ++row) R(row, column) = svd.U(row, column);
+    if (column == 3 && Determinant3(R) < 0)
+        for (int row = 1; row <= 3; ++row) R(row, 3) = -R(row, 3);
+}
+
 }  // namespace
 
 ChainValues ValuesOf(const Mat3& M, PlainModel model) {
@@ -344,6 +355,7 @@ ChainValues ValuesOf(const Mat3& M, PlainModel model) {
         case PlainModel::Affine: {
             // M = R U with U = K S upper triangular: R by Gram and Schmidt, twice for its last digits.
             for (int row = 1; row <= 3; ++row) proper(row, 3) *= handed;
+            constexpr double kClosed = 1e-10;  // what is left of a column within those before is rounding
             Mat3 R = UnitColumns(proper);
             for (int pass = 0; pass < 2; ++pass)
                 for (int k = 1; k <= 3; ++k) {
@@ -354,6 +366,7 @@ ChainValues ValuesOf(const Mat3& M, PlainModel model) {
                     }
                     const double size = SizeOfColumn(R, k);
                     for (int row = 1; row <= 3 && size > 0; ++row) R(row, k) /= size;
+                    if (pass == 0 && !(size > kClosed)) CompleteColumn(R, k);
                 }
             Mat3 U;
             for (int j = 1; j <= 3; ++j)

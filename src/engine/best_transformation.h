@@ -2,6 +2,7 @@
 // in closed form where there is one, from several starts where there is none.
 #pragma once
 
+#include <array>
 #include <optional>
 
 #include "core/arrays.h"
@@ -35,6 +36,10 @@ BestTransformations BestOfModel(const PointMoments& moments, PlainModel model);
 // Sums about the weighted centres: target times start, and start times itself along one axis's weights, mm^2.
 Mat3 CrossProducts(const PointMoments& moments);
 Mat3 StartProducts(const PointMoments& moments, int axis);
+
+// How a transformation differs from the reference of the moments along an axis: the shift, then the row of M.
+using RowChange = std::array<double, 4>;
+RowChange ChangeOf(const PointMoments& moments, const Mat3& M, const Vec3& Shift, int axis);
 
 // The gain of a transformation, and the best shift for M.
 double GainOf(const PointMoments& moments, const Mat3& M, const Vec3& Shift);

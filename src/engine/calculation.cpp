@@ -21,6 +21,7 @@
 #include "engine/field_number.h"
 #include "engine/monte_carlo.h"
 #include "engine/norms.h"
+#include "engine/parameter_values.h"
 #include "engine/result_notes.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
@@ -141,7 +142,7 @@ public:
     MarkedWhileRunning() { Job.Unconverged = kTrue; }
     ~MarkedWhileRunning() {
         if (!Ended && Run.JobGeneration == generation_ && MonteCarlo.Started == started_ &&
-            parameters_ == Parameters())
+            parameters_ == JobParameters())
             Job.Unconverged = before_;
     }
     MarkedWhileRunning(const MarkedWhileRunning&) = delete;
@@ -149,15 +150,9 @@ public:
     bool Ended = false;  // the calculation has a result
 
 private:
-    static std::array<double, kParameterEnd> Parameters() {
-        std::array<double, kParameterEnd> values{};
-        for (int parameter = kTraX; parameter < kParameterEnd; ++parameter)
-            values[At(parameter)] = ParameterValue(Job, parameter);
-        return values;
-    }
     Flag before_ = Job.Unconverged;
     std::uint64_t generation_ = Run.JobGeneration, started_ = MonteCarlo.Started;
-    std::array<double, kParameterEnd> parameters_ = Parameters();
+    ParameterValues parameters_ = JobParameters();
 };
 
 bool ParametersAreFinite() {

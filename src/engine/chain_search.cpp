@@ -7,6 +7,7 @@
 #include "engine/best_transformation.h"
 #include "engine/linear_rows.h"
 #include "engine/matrix.h"
+#include "engine/rotations.h"
 #include "engine/small_svd.h"
 #include "engine/transform.h"
 
@@ -14,14 +15,6 @@ namespace {
 
 std::size_t At(int i) {
     return static_cast<std::size_t>(i);
-}
-
-// One row of the change against the reference: shift and the row of M.
-using Change = std::array<double, 4>;
-
-Change ChangeOf(const PointMoments& moments, const Mat3& M, const Vec3& Shift, int axis) {
-    return {Shift(axis) - moments.Shift(axis), M(axis, 1) - moments.M(axis, 1),
-            M(axis, 2) - moments.M(axis, 2), M(axis, 3) - moments.M(axis, 3)};
 }
 
 // The image of the start centre less the target centre.
@@ -46,7 +39,8 @@ struct Derivatives {
         const Mat3 KS = MatrixProduct(K, S), RK = MatrixProduct(at.R, K);
         if (choice.RotatesFreely()) {
             const Mat3 M = MatrixProduct(at.R, KS);
-            for (int k = 1; k <= 3; ++k) Add(kRotX + k - 1, Turned(k, M));
+            for (int k = 1; k <= 3; ++k)
+                Add(kRotX + k - 1, Turned({k == 1 ? 1.0 : 0.0, k == 2 ? 1.0 : 0.0, k == 3 ? 1.0 : 0.0}, M));
         } else {
             const std::array<Circle, 3> circles = {Circle(at.Value[kRotX]), Circle(at.Value[kRotY]),
                                                    Circle(at.Value[kRotZ])};
@@ -73,16 +67,6 @@ private:
         Inner.push_back(D);
         Parameter.push_back(parameter);
     }
-    // (unit vector k) x each column
-    static Mat3 Turned(int k, const Mat3& M) {
-        Mat3 D;
-        const int i = k % 3 + 1, j = i % 3 + 1;
-        for (int column = 1; column <= 3; ++column) {
-            D(i, column) = -M(j, column);
-            D(j, column) = M(i, column);
-        }
-        return D;
-    }
     void AddFrame(const ChainChoice& choice, const ChainValues& at, const Mat3& S) {
         const double xy = at.Value[kAngleXY], az = at.Value[kAzimuth], zt = at.Value[kAngleZtoXY];
         const auto add = [&](int parameter, int column, const Vec3& d) {
@@ -96,27 +80,6 @@ private:
         add(kAngleZtoXY, 3, {std::cos(az) * std::cos(zt), std::sin(az) * std::cos(zt), -std::sin(zt)});
     }
 };
-
-// Rodrigues' formula.
-Mat3 RotationAbout(const Vec3& w) {
-    const double angle = std::sqrt(w(1) * w(1) + w(2) * w(2) + w(3) * w(3));
-    const double a = angle < 1e-8 ? 1 : std::sin(angle) / angle;
-    const double half = std::sin(angle / 2);
-    const double b = angle < 1e-8 ? 0.5 : 2 * half * half / (angle * angle);
-    Mat3 W;
-    W(1, 2) = -w(3);
-    W(1, 3) = w(2);
-    W(2, 1) = w(3);
-    W(2, 3) = -w(1);
-    W(3, 1) = -w(2);
-    W(3, 2) = w(1);
-    const Mat3 square = MatrixProduct(W, W);
-    Mat3 R;
-    for (int row = 1; row <= 3; ++row)
-        for (int column = 1; column <= 3; ++column)
-            R(row, column) = (row == column ? 1 : 0) + a * W(row, column) + b * square(row, column);
-    return R;
-}
 
 void FollowOneScale(const ChainChoice& choice, ChainValues& values) {
     if (choice.Floats[kScaleXYZ])
@@ -150,14 +113,14 @@ struct Climber {
         const Vec3 Shift = ShiftOf(Choice, at, M);
         for (int axis = 1; axis <= 3; ++axis) {
             const auto& B = Moments.B[At(axis)];
-            const Change change = ChangeOf(Moments, M, Shift, axis);
+            const RowChange change = ChangeOf(Moments, M, Shift, axis);
             std::array<double, 4> l{};
             for (std::size_t k = 0; k < 4; ++k) {
                 l[k] = Moments.m[At(axis)][k];
                 for (std::size_t j = 0; j < 4; ++j) l[k] -= B[k][j] * change[j];
             }
             const bool moves = Choice.Floats[At(kTraX + axis - 1)];
-            std::vector<Change> forms(At(u));
+            std::vector<RowChange> forms(At(u));
             for (int k = 0; k < t; ++k) forms[At(k)] = {Translations[At(k)] == axis ? 1.0 : 0.0, 0, 0, 0};
             for (int k = t; k < u; ++k) {
                 const Mat3& D = by.Inner[At(k - t)];

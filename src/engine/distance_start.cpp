@@ -6,6 +6,7 @@
 
 #include "core/job.h"
 #include "engine/design.h"
+#include "engine/parameter_values.h"
 #include "engine/start_values.h"
 #include "engine/transform.h"
 #include "engine/vector.h"
@@ -15,13 +16,9 @@ namespace {
 // Puts the parameters back that the start values replace.
 class ParametersKept {
 public:
-    ParametersKept() {
-        for (int k = kTraX; k < kParameterEnd; ++k)
-            before_[static_cast<std::size_t>(k)] = ParameterValue(Job, k);
-    }
+    ParametersKept() = default;
     ~ParametersKept() {
-        for (int k = kTraX; k < kParameterEnd; ++k)
-            ParameterValue(Job, k) = before_[static_cast<std::size_t>(k)];
+        SetJobParameters(before_);
         Job.RotXCopy = copies_[0];
         Job.RotYCopy = copies_[1];
         Job.RotZCopy = copies_[2];
@@ -30,7 +27,7 @@ public:
     ParametersKept& operator=(const ParametersKept&) = delete;
 
 private:
-    std::array<double, kParameterEnd> before_{};
+    ParameterValues before_ = JobParameters();
     std::array<double, 3> copies_ = {Job.RotXCopy, Job.RotYCopy, Job.RotZCopy};
 };
 

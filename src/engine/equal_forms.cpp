@@ -131,12 +131,6 @@ void FollowSigns(const FitModel& model, const EqualForm& form, Matrix& Q) {
     }
 }
 
-ParameterValues OfJob() {
-    ParameterValues values{};
-    for (int k = kTraX; k < kParameterEnd; ++k) values[At(k)] = ParameterValue(Job, k);
-    return values;
-}
-
 // Of forms without negative scales: how much the frame is turned round. 0 is the best.
 int TurnedRound(const EqualForm& form, const ParameterValues& values) {
     int turned = 0;
@@ -211,7 +205,7 @@ void NiceRotSolOfFit(const FitModel& model, Matrix& Q) {
 
 bool TakePositiveForm(const FitModel& model, Matrix& Q) {
     if (!(Job.ScaleX < 0 || Job.ScaleY < 0 || Job.ScaleZ < 0)) return false;
-    const ParameterValues values = OfJob();
+    const ParameterValues values = JobParameters();
     const EqualForm* best = nullptr;
     const std::vector<EqualForm> forms = EqualForms(model, values);
     for (const EqualForm& form : forms) {

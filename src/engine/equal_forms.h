@@ -8,9 +8,7 @@
 #include "core/arrays.h"
 #include "core/job.h"
 #include "engine/design.h"
-
-// The values of parameters 1 to 17 by their numbers; mm, rad and factors.
-using ParameterValues = std::array<double, kParameterEnd>;
+#include "engine/parameter_values.h"
 
 // Parameter k of the other form is Sign[k] times that of this one, plus HalfTurns[k] times pi.
 struct EqualForm {

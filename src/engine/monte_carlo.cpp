@@ -225,8 +225,7 @@ bool RunMonteCarlo(NormFit& fit) {
 void BringRunsToFormOfResult() {
     if (!IsTrue(MonteCarlo.MonteCarloDone)) return;
     const FitModel& model = Adjustment.Model;
-    ParameterValues reference{};
-    for (int k = kTraX; k < kParameterEnd; ++k) reference[At(k)] = ParameterValue(Job, k);
+    const ParameterValues reference = JobParameters();
     const std::vector<EqualForm> forms = EqualForms(model, reference);
     Matrix& results = MonteCarlo.MCResults;
     int others = 0;

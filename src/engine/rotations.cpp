@@ -147,3 +147,33 @@ Mat3 InverseRotation(const Mat3& R) {
     MatrixCompare(inverse, transpose, 1e-9, difference, equal);
     return equal ? inverse : transpose;
 }
+
+Mat3 RotationAbout(const Vec3& w) {
+    const double angle = std::sqrt(w(1) * w(1) + w(2) * w(2) + w(3) * w(3));
+    const double a = angle < 1e-8 ? 1 : std::sin(angle) / angle;
+    const double half = std::sin(angle / 2);
+    const double b = angle < 1e-8 ? 0.5 : 2 * half * half / (angle * angle);
+    Mat3 W;
+    W(1, 2) = -w(3);
+    W(1, 3) = w(2);
+    W(2, 1) = w(3);
+    W(2, 3) = -w(1);
+    W(3, 1) = -w(2);
+    W(3, 2) = w(1);
+    const Mat3 square = MatrixProduct(W, W);
+    Mat3 R;
+    for (int row = 1; row <= 3; ++row)
+        for (int column = 1; column <= 3; ++column)
+            R(row, column) = (row == column ? 1 : 0) + a * W(row, column) + b * square(row, column);
+    return R;
+}
+
+Mat3 Turned(const Vec3& w, const Mat3& M) {
+    Mat3 D;
+    for (int column = 1; column <= 3; ++column) {
+        D(1, column) = w(2) * M(3, column) - w(3) * M(2, column);
+        D(2, column) = w(3) * M(1, column) - w(1) * M(3, column);
+        D(3, column) = w(1) * M(2, column) - w(2) * M(1, column);
+    }
+    return D;
+}

@@ -23,3 +23,8 @@ void EulerFromMatrixZXZ(const Mat3& M, Vec3& first, Vec3& second);
 // which put about 0 on the diagonal, cost it some or all of its digits; where it is off from the transpose
 // by more than 1e-9 the transpose is the answer.
 Mat3 InverseRotation(const Mat3& R);
+
+// The rotation about w by its length, rad (Rodrigues' formula), and the derivative of such a turn of M's
+// columns at none: w x each column.
+Mat3 RotationAbout(const Vec3& w);
+Mat3 Turned(const Vec3& w, const Mat3& M);

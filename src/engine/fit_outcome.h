@@ -1,0 +1,22 @@
+// What a fit leaves behind, to be put back where another one turns out to be no better.
+#pragma once
+
+#include "core/arrays.h"
+#include "engine/adjustment.h"
+#include "engine/norms.h"
+#include "engine/parameter_values.h"
+
+struct FitOutcome {
+    ParameterValues Values = JobParameters();
+    AdjustmentRecord Record = Adjustment;
+    Matrix Q;
+    Column v;
+
+    explicit FitOutcome(const NormFit& fit) : Q(fit.Q), v(fit.v) {}
+    void PutBack(NormFit& fit) const {
+        SetJobParameters(Values);
+        Adjustment = Record;
+        fit.Q = Q;
+        fit.v = v;
+    }
+};

@@ -1,0 +1,29 @@
+// When a mirrored result may stand.
+#include "engine/mirror.h"
+
+#include <cmath>
+
+#include "engine/small_svd.h"
+#include "engine/transform.h"
+
+bool StartsAreOwn(const StartChoice& choice) {
+    for (std::size_t k = kTraX; k <= kAngleZtoXY; ++k)
+        if (choice.Floats[k] && choice.Own[k]) return true;
+    return false;
+}
+
+bool NegativeScaleIsWanted(const StartChoice& choice) {
+    for (std::size_t k = kScaleX; k <= kScaleXYZ; ++k)
+        if ((choice.Own[k] && *choice.Own[k] < 0) || (choice.Held[k] && choice.Value[k] < 0)) return true;
+    return false;
+}
+
+bool MirrorIsReal(double proper, double mirrored, double rounding, int redundancy, int power) {
+    constexpr double kLogOdds = 8;
+    if (redundancy <= 0 || !(proper > mirrored)) return false;
+    return proper + rounding > (mirrored + rounding) * std::exp(power * kLogOdds / redundancy);
+}
+
+bool JobIsMirrored() {
+    return Determinant3(Chain.Product) < 0;
+}
