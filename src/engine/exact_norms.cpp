@@ -3,19 +3,24 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <optional>
+#include <string>
 
 #include "core/controller.h"
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/units.h"
 #include "engine/adjustment.h"
-#include "engine/corrections.h"
 #include "engine/exact_place.h"
 #include "engine/exact_starts.h"
+#include "engine/fit_outcome.h"
 #include "engine/linear_optimum.h"
+#include "engine/mirror.h"
 #include "engine/moments.h"
 #include "engine/normal_equations.h"
 #include "engine/small_svd.h"
@@ -29,13 +34,15 @@ std::size_t At(int i) {
 
 constexpr int kMostLinearisations = 20;  // of a way by exchanges; what has not ended then goes the smooth way
 constexpr int kMostHalvings = 40;
-constexpr double kNear = 1e-6;    // of an objective, above the optimum
+constexpr double kNear = 1e-5;    // of an objective, above the optimum
+constexpr double kTold = 1e-6;    // less of an objective that a note is worth
 constexpr double kTight = 1e-9;   // what exchanges leave that is more is tried the smooth way too
 constexpr double kAlike = 1e-13;  // sums of residuals that rounding alone may tell apart
 
 // What the two norms differ in.
 struct ExactNorm {
     const char* Panel;
+    const char* Value;  // what it makes least
     double (*Objective)(const LinearRows&);
     int (*Optimum)(LinearRows, std::vector<double>&, Holding&, const MayGoOn&);
     double (*LowerBound)(const LinearRows&, const Holding&);
@@ -45,10 +52,11 @@ struct ExactNorm {
 
 // Where a way has ended.
 struct WayEnd {
-    ParameterArray Parameters{};
+    ParameterValues Parameters{};
     double Objective = std::numeric_limits<double>::infinity();
     double Above = std::numeric_limits<double>::infinity();
     bool Ended = false;  // nothing moves any more, and the bound is near
+    bool Mirrored = false;
 };
 
 // The state of one run.
@@ -76,7 +84,7 @@ struct ExactRun {
         std::vector<double> y;
         Norm.Exchanges += Kind.Optimum(Place.Rows, y, Held, [this] { return MayGoOn(); });
         if (JobChanged()) return 0;
-        const ParameterArray before = JobParameters();
+        const ParameterValues before = JobParameters();
         const double objective = Objective();
         LinearRows way = Place.Rows;
         way.v.assign(way.v.size(), 0);
@@ -84,17 +92,14 @@ struct ExactRun {
         const double length = LargestOf(way);
         // The bound of the optimum belongs to this very linearisation, so what is near enough stays here.
         if (length <= Rounding) return 0;
-        // Of the place that the step begins at, for what is tried is linearised at its own.
-        Column x = Place.Corrections(y);
         double share = 1;
         for (int halvings = 0; halvings < kMostHalvings; ++halvings, share /= 2) {
-            AddCorrections(Place.Model, x);
-            Place.Linearise();
+            Place.Step(y);
             if (Objective() <= objective * (1 + kAlike)) return share * length;
             SetJobParameters(before);
-            for (double& correction : x) correction /= 2;
+            Place.Linearise();
+            for (double& entry : y) entry /= 2;
         }
-        Place.Linearise();
         return 0;
     }
 
@@ -113,13 +118,13 @@ struct ExactRun {
         return EndHere(Kind.LowerBound(Place.Rows, Held), ended);
     }
 
+    // The bound is that of what the points tell apart; what they leave open moves no row.
     WayEnd EndHere(double bound, bool ended) const {
         WayEnd end{.Parameters = JobParameters(), .Objective = Objective()};
-        // Where an unknown is open there is no bound.
-        if (Place.AllTold) end.Above = std::max(0.0, end.Objective - bound);
+        end.Above = std::max(0.0, end.Objective - bound);
         // A way that ends far above its bound has lost itself.
-        end.Ended =
-            ended && (!Place.AllTold || end.Above <= kNear * end.Objective + Rounding * Place.Rows.Used);
+        end.Ended = ended && end.Above <= kNear * end.Objective + Rounding * Place.Rows.Used;
+        end.Mirrored = Determinant3(Place.Here.M) < 0;
         return end;
     }
 
@@ -128,7 +133,7 @@ struct ExactRun {
     WayEnd FromHere() {
         WayEnd best = ByExchanges(kMostLinearisations);
         const bool tight = best.Ended && best.Above <= kTight * best.Objective + Rounding * Place.Rows.Used;
-        if (tight || Stopped || !Place.AllTold) return best;
+        if (tight || Stopped) return best;
         const SmoothOptimum smooth = Kind.Follow(Place, [this] { return MayGoOn(); });
         Norm.Linearisations += smooth.Steps;
         ShowStep();
@@ -151,44 +156,161 @@ struct ExactRun {
     // False when the job's points were replaced meanwhile.
     bool Go() {
         Rounding = 1e-13 * Size() + 2e-15 * FarOut();
-        WayEnd best = FromHere();
+        const WayEnd first = FromHere();
         if (JobChanged()) return false;
         const bool linear = IsLinear(Place.Model);
         Norm.Starts = 1;
-        if (!(linear && best.Ended) && Place.AllTold && !TryOtherStarts(best)) return false;
+        Ends ends{first};
+        if (!(linear && first.Ended) && !TryOtherStarts(ends)) return false;
+        WayEnd best = Chosen(ends, first);
+        if (!GoOn(best)) return false;
         SetJobParameters(best.Parameters);
         Place.Linearise();
-        Norm.BoundOfAll = linear && static_cast<int>(Place.T.size()) == Place.Model.Unknowns;
-        Norm.AboveOptimum = best.Above;
+        const bool told = Place.PointsTellAll();
+        Norm.BoundOfAll = linear && told && static_cast<int>(Place.T.size()) == Place.Model.Unknowns;
+        Norm.AboveOptimum = told ? best.Above : std::numeric_limits<double>::infinity();
         Norm.Converged = best.Ended && !Stopped;
-        Residuals(Fit.Points, Place.Model, Place.Here, Column(At(Place.Model.Unknowns) + 1), Fit.v);
+        const Linearisation at = ::Linearise(Place.Model, Fit.Points);
+        Residuals(Fit.Points, Place.Model, at, Column(At(Place.Model.Unknowns) + 1), Fit.v);
         return true;
+    }
+
+    // The best end may be a way that has come to nothing: it goes on from places nearer and nearer to it.
+    bool GoOn(WayEnd& best) {
+        constexpr int kRounds = 4;
+        double share = 0.1;
+        std::uint64_t seed = 1;
+        for (int round = 0; round < kRounds && !best.Ended && !Stopped; ++round, share /= 10) {
+            SetJobParameters(best.Parameters);
+            Place.Linearise();
+            if (!StepAside(seed, share)) return true;
+            const WayEnd end = FromHere();
+            if (JobChanged()) return false;
+            if (!Stopped && end.Mirrored == best.Mirrored && IsBetter(end, best)) best = end;
+        }
+        return true;
+    }
+
+    // The best end on each side of the mirror.
+    struct Ends {
+        std::optional<WayEnd> Proper, Mirrored;
+
+        explicit Ends(const WayEnd& first) { Of(first) = first; }
+        std::optional<WayEnd>& Of(const WayEnd& end) { return end.Mirrored ? Mirrored : Proper; }
+    };
+
+    // The one of both sides that is wanted. What begins at values of the user's own stays there, unless it
+    // is mirrored for no reason.
+    WayEnd Chosen(const Ends& ends, const WayEnd& first) const {
+        const bool wanted = NegativeScaleIsWanted(Fit.Choice);
+        WayEnd best = ends.Proper ? *ends.Proper : *ends.Mirrored;
+        if (ends.Proper && ends.Mirrored) {
+            const WayEnd &proper = *ends.Proper, &mirrored = *ends.Mirrored;
+            const int redundancy = Place.Rows.Used - Place.Model.Unknowns;
+            const bool real = wanted ? first.Mirrored || IsBetter(mirrored, proper)
+                                     : MirrorIsReal(proper.Objective, mirrored.Objective,
+                                                    Rounding * Place.Rows.Used, redundancy, 1);
+            best = real ? mirrored : proper;
+        }
+        const bool otherSide = first.Mirrored && !best.Mirrored;
+        const bool less = best.Objective < first.Objective * (1 - kTold) - Rounding * Place.Rows.Used;
+        if (Stopped || !(less || otherSide)) return best;
+        if (first.Ended && StartsAreOwn(Fit.Choice) && !otherSide) {
+            AddNote(NoteCode::BetterElsewhere, "another optimum has a smaller " + std::string(Kind.Value) +
+                                                   " (" + Times(first.Objective, best.Objective) +
+                                                   "); the start values that were given keep this one");
+            return first;
+        }
+        AddNote(
+            NoteCode::BetterStart,
+            "the way from the weightings ended in an optimum that is not the best (" +
+                (less ? "its " + std::string(Kind.Value) + " was " + Times(first.Objective, best.Objective)
+                      : std::string("a mirrored one that fits no better")) +
+                "); the best one of " + std::to_string(Norm.Starts) + " starts is taken");
+        return best;
+    }
+
+    static std::string Times(double more, double less) {
+        if (!(less > 0) || !(more / less < 1e6)) return "larger by far";
+        return FormatNumber(more / less, "0.000") + " times as large";
     }
 
     // From places that the points themselves propose, and from places around the best one, as far off as the
     // residuals are large: another minimum that noise has made is about as near. As many as the rows leave
     // time for, and always the same ones.
-    bool TryOtherStarts(WayEnd& best) {
-        constexpr int kMostStarts = 16, kByPoints = 5, kRowsInAll = 25000;
+    bool TryOtherStarts(Ends& ends) {
+        constexpr int kMostStarts = 14, kAside = 4, kRowsInAll = 25000;
         const int starts = std::min(kMostStarts, kRowsInAll / std::max(1, Place.Rows.Used));
-        const std::vector<ParameterArray> proposed =
-            StartsByPoints(Fit, Place, Kind.Objective, std::min(kByPoints, starts - 1));
-        const bool mirrored = Mirrored(best.Parameters);
+        const std::vector<ParameterValues> proposed = BestProposed(starts - 1 - std::min(starts / 3, kAside));
+        if (JobChanged()) return false;
         std::uint64_t seed = 1;
         for (; Norm.Starts < starts && !Stopped; ++Norm.Starts) {
             const std::size_t k = At(Norm.Starts - 1);
-            SetJobParameters(k < proposed.size() ? proposed[k] : best.Parameters);
+            const bool aside = k >= proposed.size();
+            SetJobParameters(!aside ? proposed[k] : (ends.Proper ? *ends.Proper : *ends.Mirrored).Parameters);
             Place.Linearise();
-            if (k >= proposed.size() && !StepAside(seed)) break;
+            if (aside && !StepAside(seed, 1)) break;
             const WayEnd end = FromHere();
             if (JobChanged()) return false;
-            if (!Stopped && IsBetter(end, best) && (mirrored || !Mirrored(end.Parameters))) best = end;
+            std::optional<WayEnd>& best = ends.Of(end);
+            if (!Stopped && (!best || IsBetter(end, *best))) best = end;
         }
         return true;
     }
 
+    // Of the places that the points propose those that a few exchanges bring down farthest, half of them on
+    // each side of the mirror if there are both.
+    std::vector<ParameterValues> BestProposed(int most) {
+        constexpr int kMostTried = 160, kFollowed = 32, kRowsInAll = 25000, kFew = 2;
+        struct Proposal {
+            ParameterValues Parameters{};
+            double Objective = 0;
+            bool Mirrored = false;
+        };
+        std::vector<Proposal> tried;
+        const auto take = [&](const ParameterValues& parameters) {
+            SetJobParameters(parameters);
+            Place.Linearise();
+            if (!std::isfinite(Objective())) return;
+            tried.push_back({parameters, Objective(), Determinant3(Place.Here.M) < 0});
+        };
+        const auto sort = [&](std::size_t left) {
+            std::stable_sort(tried.begin(), tried.end(),
+                             [](const auto& a, const auto& b) { return a.Objective < b.Objective; });
+            if (tried.size() > left) tried.resize(left);
+        };
+        const int rows = std::max(1, Place.Rows.Used);
+        for (const ParameterValues& parameters :
+             StartsByPoints(Fit, Place, std::min(kMostTried, 4 * kRowsInAll / rows)))
+            take(parameters);
+        sort(At(std::min(kFollowed, kRowsInAll / rows)));
+        for (Proposal& proposal : tried) {
+            if (Stopped) break;
+            SetJobParameters(proposal.Parameters);
+            const WayEnd end = ByExchanges(kFew);
+            if (JobChanged()) return {};
+            proposal = {end.Parameters, end.Objective, end.Mirrored};
+        }
+        sort(tried.size());
+        const bool both =
+            std::any_of(tried.begin(), tried.end(), [](const Proposal& each) { return each.Mirrored; });
+        std::vector<ParameterValues> chosen;
+        for (const bool mirrored : {false, true}) {
+            const int room = both && !mirrored ? (most + 1) / 2 : most;
+            double last = -1;
+            for (const Proposal& proposal : tried) {
+                const bool same = last >= 0 && std::fabs(proposal.Objective - last) <= kTight * last;
+                if (proposal.Mirrored != mirrored || same || static_cast<int>(chosen.size()) >= room)
+                    continue;
+                chosen.push_back(proposal.Parameters);
+                last = proposal.Objective;
+            }
+        }
+        return chosen;
+    }
+
     // False where there are no residuals that tell how far.
-    bool StepAside(std::uint64_t& seed) {
+    bool StepAside(std::uint64_t& seed, double share) {
         double square = 0;
         for (int i = 0; i < Place.Rows.Count(); ++i)
             if (Place.Rows.InUse[At(i)] != 0) square += Place.Rows.v[At(i)] * Place.Rows.v[At(i)];
@@ -196,15 +318,10 @@ struct ExactRun {
         std::vector<double> y(Place.T.size());
         for (double& entry : y) {
             seed = seed * 6364136223846793005ULL + 1442695040888963407ULL;
-            entry = std::sqrt(square) * (static_cast<double>(seed >> 11U) / 4503599627370496.0 - 1);
+            entry = share * std::sqrt(square) * (static_cast<double>(seed >> 11U) / 4503599627370496.0 - 1);
         }
         Place.Step(y);
         return true;
-    }
-
-    bool Mirrored(const ParameterArray& parameters) {
-        SetJobParameters(parameters);
-        return Determinant3(::Linearise(Place.Model, Fit.Points).M) < 0;
     }
 
     // Of the coordinates about their centres.
@@ -256,10 +373,38 @@ bool Begins() {
 
 }  // namespace
 
+namespace {
+
+constexpr ExactNorm kLeastSum{"L1 optimum: ",  "sum of deviations", SumOf,     LeastSum,
+                              LowerBoundOfSum, FollowLeastSum,      BoundOfSum};
+constexpr ExactNorm kLeastLargest{"Loo optimum: ",     "largest deviation", LargestOf,     LeastLargest,
+                                  LowerBoundOfLargest, FollowLeastLargest,  BoundOfLargest};
+
+std::optional<ParameterValues> Seek(NormFit& fit, const ExactNorm& kind) {
+    constexpr int kMostPoints = 1000;
+    if (Adjustment.Model.Mode != FitMode::Coincide || fit.Points.Count > kMostPoints) return {};
+    const FitOutcome before(fit);
+    const NormRecord record = Norm;
+    const std::vector<Note> notes = Notes.List;
+    ExactRun run{.Fit = fit, .Kind = kind};
+    const bool done = run.Go();
+    if (!done) {
+        Adjustment.JobChanged = true;
+        return {};
+    }
+    const ParameterValues found = JobParameters();
+    before.PutBack(fit);
+    Norm = record;
+    Notes.List = notes;
+    if (run.Stopped) return {};
+    return found;
+}
+
+}  // namespace
+
 bool RunOnToLeastSum(NormFit& fit) {
     if (!Begins()) return true;
-    const ExactNorm kind{"L1 optimum: ", SumOf, LeastSum, LowerBoundOfSum, FollowLeastSum, BoundOfSum};
-    ExactRun run{.Fit = fit, .Kind = kind};
+    ExactRun run{.Fit = fit, .Kind = kLeastSum};
     if (!run.Go()) return false;
     for (int i = 1; i <= fit.n; ++i)
         if (fit.P[At(i)] != 0) fit.P[At(i)] = ResidualWeight(fit.v[At(i)]);
@@ -268,8 +413,14 @@ bool RunOnToLeastSum(NormFit& fit) {
 
 bool RunOnToLeastLargest(NormFit& fit) {
     if (!Begins()) return true;
-    const ExactNorm kind{"Loo optimum: ",     LargestOf,          LeastLargest,
-                         LowerBoundOfLargest, FollowLeastLargest, BoundOfLargest};
-    ExactRun run{.Fit = fit, .Kind = kind};
+    ExactRun run{.Fit = fit, .Kind = kLeastLargest};
     return run.Go();
+}
+
+std::optional<ParameterValues> SeekLeastSum(NormFit& fit) {
+    return Seek(fit, kLeastSum);
+}
+
+std::optional<ParameterValues> SeekLeastLargest(NormFit& fit) {
+    return Seek(fit, kLeastLargest);
 }

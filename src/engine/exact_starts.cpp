@@ -4,11 +4,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <utility>
+#include <tuple>
 
 #include "core/job.h"
 #include "engine/best_transformation.h"
 #include "engine/chain_search.h"
+#include "engine/matrix.h"
+#include "engine/moments.h"
+#include "engine/small_svd.h"
 
 namespace {
 
@@ -26,75 +29,131 @@ bool MovesFreely(const FitModel& model) {
     return true;
 }
 
-// Into the parameters that float; held ones stay.
-void TakeParameters(const FitModel& model, const GatheredPoints& points, const CentredTransformation& found,
-                    PlainModel plain) {
+bool Scales(const FitModel& model) {
+    bool any = false;
+    for (int k = kScaleX; k <= kScaleXYZ; ++k) any = any || Floats(model, k);
+    return any;
+}
+
+// The job's parameters with those that float taken from a transformation; held ones stay.
+ParameterValues ParametersOf(const FitModel& model, const GatheredPoints& points,
+                             const CentredTransformation& found, PlainModel plain) {
     constexpr double kSomeLean = 1e-3;  // rad; of none the azimuth would mean nothing
     const ChainValues values = ValuesOf(found.M, plain);
+    ParameterValues parameters = JobParameters();
     for (int k = kTraX; k <= kAngleZtoXY; ++k) {
         if (!Floats(model, k)) continue;
-        double value = values.Value[At(k)];
+        double& value = parameters[At(k)];
+        value = values.Value[At(k)];
         if (k == kAngleZtoXY) value = kSomeLean;
         if (k <= kTraZ) {
             const int axis = k - kTraX + 1;
             value = found.Shift(axis) + points.TargetCentre(axis);
             for (int j = 1; j <= 3; ++j) value -= found.M(axis, j) * points.StartCentre(j);
         }
-        ParameterValue(Job, k) = value;
-        if (k == kScaleXYZ) Job.ScaleX = Job.ScaleY = Job.ScaleZ = value;
+        if (k == kScaleXYZ) parameters[kScaleX] = parameters[kScaleY] = parameters[kScaleZ] = value;
     }
+    return parameters;
 }
 
-// The proper solution of the points in use by these weights. False where there is none.
-bool TakeSolution(const FitModel& model, GatheredPoints& points, const Column& P) {
-    const bool scale = Floats(model, kScaleXYZ) || Floats(model, kScaleX) || Floats(model, kScaleY) ||
-                       Floats(model, kScaleZ);
-    const PlainModel plain = scale ? PlainModel::Similarity : PlainModel::Rigid;
-    SetWeights(P, points);
-    PointMoments moments;
-    SumMoments(points, Linearise(model, points), moments);
-    const BestTransformations best = BestOfModel(moments, plain);
-    if (!best.Proper) return false;
-    TakeParameters(model, points, *best.Proper, plain);
-    return true;
+Mat3 TimesScalar(Mat3 M, double factor) {
+    for (int row = 1; row <= 3; ++row)
+        for (int column = 1; column <= 3; ++column) M(row, column) *= factor;
+    return M;
+}
+
+// Both sides of the mirror for the points in use by weights, for a similarity or a movement.
+class Solutions {
+public:
+    Solutions(const FitModel& model, const GatheredPoints& points, std::vector<ParameterValues>& starts)
+        : model_(model), points_(points), starts_(starts) {}
+
+    void OfWeights(const Column& P, bool turned) {
+        SetWeights(P, points_);
+        PointMoments moments;
+        const Linearisation at = ::Linearise(model_, points_);
+        SumMoments(points_, at, moments);
+        const bool scales = Scales(model_);
+        const Mat3 H = CrossProducts(moments);
+        double spread = 0;
+        for (int axis = 1; axis <= 3; ++axis) {
+            const Mat3 C = StartProducts(moments, axis);
+            spread += (C(1, 1) + C(2, 2) + C(3, 3)) / 3;
+        }
+        if (!(spread > 0)) return;
+        for (const int sign : {1, -1}) {
+            if (sign < 0 && !scales) break;
+            double trace = 0;
+            const Mat3 R = NearestRotation(H, sign, trace);
+            // A start need not be the best size; that of the other side will do where this one has none.
+            const double scale = scales && trace > 0 ? trace / spread : 1;
+            Take(moments, TimesScalar(R, scale));
+            if (!turned) continue;
+            for (const Mat3& turn : CubeRotations())
+                Take(moments, TimesScalar(MatrixProduct(R, turn), scale));
+        }
+    }
+
+private:
+    void Take(const PointMoments& moments, const Mat3& M) {
+        const PlainModel plain = Scales(model_) ? PlainModel::Similarity : PlainModel::Rigid;
+        starts_.push_back(ParametersOf(model_, points_, {M, BestShift(moments, M), 0}, plain));
+    }
+
+    const FitModel& model_;
+    GatheredPoints points_;
+    std::vector<ParameterValues>& starts_;
+};
+
+// Points whose three coordinates are in use, by where they are and not by where they stand in the list.
+std::vector<int> WholePoints(const NormFit& fit) {
+    std::vector<int> whole;
+    for (int k = 0; k < fit.n / 3; ++k)
+        if (fit.P[At(3 * k + 1)] * fit.P[At(3 * k + 2)] * fit.P[At(3 * k + 3)] != 0) whole.push_back(k);
+    std::sort(whole.begin(), whole.end(), [](int a, int b) {
+        const auto key = [](int k) {
+            const Vec3 p = StartPoint(k + 1), q = TargetPoint(k + 1);
+            return std::tuple(p(1), p(2), p(3), q(1), q(2), q(3));
+        };
+        return key(a) < key(b);
+    });
+    return whole;
 }
 
 }  // namespace
 
-std::vector<ParameterArray> StartsByPoints(const NormFit& fit, ExactPlace& place,
-                                           double (*objective)(const LinearRows&), int most) {
-    constexpr int kTriples = 120;
-    const FitModel& model = place.Model;
-    std::vector<ParameterArray> starts;
-    const ParameterArray before = JobParameters();
-    std::vector<int> whole;  // points whose three coordinates are in use
+std::vector<ParameterValues> StartsByPoints(const NormFit& fit, ExactPlace& place, int most) {
+    std::vector<ParameterValues> starts;
+    const std::vector<int> whole = WholePoints(fit);
+    if (most < 1 || !MovesFreely(place.Model) || whole.size() < 3) return starts;
+    const ParameterValues before = JobParameters();
+    Solutions solutions(place.Model, fit.Points, starts);
     Column all(At(fit.n) + 1);
     for (int i = 1; i <= fit.n; ++i) all[At(i)] = fit.P[At(i)] != 0 ? 1 : 0;
-    for (int k = 0; k < fit.n / 3; ++k)
-        if (all[At(3 * k + 1)] * all[At(3 * k + 2)] * all[At(3 * k + 3)] != 0) whole.push_back(k);
-    if (most < 1 || !MovesFreely(model) || whole.size() < 3) return starts;
-    GatheredPoints points = fit.Points;
-    if (TakeSolution(model, points, all)) starts.push_back(JobParameters());
-    std::uint64_t seed = 1;
-    const auto any = [&] {
-        seed = seed * 6364136223846793005ULL + 1442695040888963407ULL;
-        return whole[(seed >> 33U) % whole.size()];
-    };
-    std::vector<std::pair<double, ParameterArray>> tried;
-    for (int trial = 0; trial < kTriples; ++trial) {
-        const int a = any(), b = any(), c = any();
-        if (a == b || b == c || a == c) continue;
+    solutions.OfWeights(all, true);
+    const auto triple = [&](int a, int b, int c) {
         Column P(all.size());
         for (const int k : {a, b, c}) P[At(3 * k + 1)] = P[At(3 * k + 2)] = P[At(3 * k + 3)] = 1;
-        SetJobParameters(before);
-        if (!TakeSolution(model, points, P)) continue;
-        place.Linearise();
-        tried.emplace_back(objective(place.Rows), JobParameters());
+        solutions.OfWeights(P, false);
+    };
+    const int n = static_cast<int>(whole.size()), left = most - static_cast<int>(starts.size());
+    const int each = Scales(place.Model) ? 2 : 1;
+    if (n <= 50 && each * (n * (n - 1) * (n - 2) / 6) <= left) {
+        for (int a = 0; a < n; ++a)
+            for (int b = a + 1; b < n; ++b)
+                for (int c = b + 1; c < n; ++c) triple(whole[At(a)], whole[At(b)], whole[At(c)]);
+    } else {
+        std::uint64_t seed = 1;
+        const auto any = [&] {
+            seed = seed * 6364136223846793005ULL + 1442695040888963407ULL;
+            return whole[(seed >> 33U) % whole.size()];
+        };
+        for (int trial = 0; trial < left / each; ++trial) {
+            const int a = any(), b = any(), c = any();
+            if (a != b && b != c && a != c) triple(a, b, c);
+        }
     }
-    std::stable_sort(tried.begin(), tried.end(),
-                     [](const auto& one, const auto& other) { return one.first < other.first; });
-    for (std::size_t i = 0; i < tried.size() && static_cast<int>(starts.size()) < most; ++i)
-        if (i == 0 || tried[i].first != tried[i - 1].first) starts.push_back(tried[i].second);
+    if (static_cast<int>(starts.size()) > most) starts.resize(At(most));
     SetJobParameters(before);
     return starts;
 }

@@ -5,11 +5,10 @@
 
 #include "engine/exact_place.h"
 
-// The least-squares solution in closed form, and those of three points each that have the least objective:
-// one gross error, or two names swapped, can lead the loop to a wrong place, and three good points do not
-// know of it. Always the same triples. Empty where a rotation or a translation is held.
-//   place      is left at parameters of its own choice, and so is the job
-//   objective  of the norm
-//   most       starts at most
-std::vector<ParameterArray> StartsByPoints(const NormFit& fit, ExactPlace& place,
-                                           double (*objective)(const LinearRows&), int most);
+// The least-squares solution, its turns by the rotations of a cube, and the solutions of three points each,
+// on both sides of the mirror where a scale floats: one gross error, or two names swapped, can lead the loop
+// to a wrong place, and three good points do not know of it. They depend on the points and not on their
+// order. Empty where a rotation or a translation is held.
+//   place      is left at parameters of its own choice; the job's are put back
+//   most       starts at most; the least-squares solution comes first
+std::vector<ParameterValues> StartsByPoints(const NormFit& fit, ExactPlace& place, int most);

@@ -10,7 +10,7 @@ std::size_t At(int i) {
     return static_cast<std::size_t>(i);
 }
 
-constexpr int kMostExchanges = 20000;
+constexpr int kMostExchanges = 1000;  // of one search; more go round in a circle
 
 // A column of the dual: a row with a sign, or the bound of an unknown, which makes the first basis possible.
 struct DualColumn {
@@ -96,6 +96,7 @@ bool Search(const LinearRows& rows, std::vector<double>& y, Basis& basis, std::v
     basis.Columns.push_back({first, sign});
     // What rounding of the coordinates leaves of a residual.
     const double tolerance = 1e-13 * best + 1e-15;
+    const int last = exchanges + kMostExchanges;
     for (;; ++exchanges) {
         basis.Build();
         weights = right;
@@ -118,7 +119,7 @@ bool Search(const LinearRows& rows, std::vector<double>& y, Basis& basis, std::v
             if (beyond < 0) return true;
             enters = {-1 - beyond, corner[At(beyond)] < 0 ? -1.0 : 1.0};
         }
-        if (exchanges >= kMostExchanges || !mayGoOn()) return false;
+        if (exchanges >= last || !mayGoOn()) return false;
         std::vector<double> direction = basis.Column(enters);
         if (!SolveSquare(basis.Matrix, n, direction.data())) return false;
         int leaves = -1;

@@ -1,6 +1,9 @@
 // The norm of a calculation.
 #include "engine/norms.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "core/controller.h"
 #include "core/job.h"
 #include "core/notes.h"
@@ -10,8 +13,12 @@
 #include "core/settings.h"
 #include "engine/adjustment.h"
 #include "engine/best_fit.h"
+#include "engine/calculation.h"
 #include "engine/exact_norms.h"
+#include "engine/fit_outcome.h"
+#include "engine/mirror.h"
 #include "engine/monte_carlo.h"
+#include "engine/start_values.h"
 
 namespace {
 
@@ -29,8 +36,7 @@ bool ChooseBeginOfRuns(NormFit& fit) {
     if (!SeekFromStart(fit)) return false;
     Notes.List = notes;  // the fit behind the runs says it
     if (!Certificate.BeganAgain) return true;
-    std::array<double, 18>& begin = fit.RunsBegin.emplace();
-    for (int k = kTraX; k < kParameterEnd; ++k) begin[static_cast<std::size_t>(k)] = ParameterValue(Job, k);
+    fit.RunsBegin = JobParameters();
     return true;
 }
 
@@ -50,6 +56,7 @@ struct NormLoop {
     const char* Value;  // that it makes least
     bool (*Run)(NormFit&);
     bool (*RunOn)(NormFit&);
+    std::optional<ParameterValues> (*Seek)(NormFit&);
 };
 
 // The message of the last inner fit's limit, or of a loop that has come to its limit although its last fit
@@ -85,9 +92,159 @@ struct LimitToldByLoop {
     LimitToldByLoop& operator=(const LimitToldByLoop&) = delete;
 };
 
+EndOfFit EndHere(const NormFit& fit) {
+    EndOfFit end{.Parameters = JobParameters()};
+    for (int i = 1; i <= fit.n; ++i) {
+        if (!CoordinateInUse(static_cast<std::size_t>(i))) continue;
+        const double size = std::fabs(fit.v[static_cast<std::size_t>(i)]);
+        end.Objective = Job.NormType == 1 ? end.Objective + size : std::max(end.Objective, size);
+        end.Squares += size * size;
+    }
+    Linearise(Adjustment.Model, fit.Points);
+    end.Mirrored = JobIsMirrored();
+    return end;
+}
+
+// The first fit as the result; of L1 with the weights that its residuals make.
+void TakeFirstFit(NormFit& fit) {
+    fit.P = WeightsFromUseFlags(fit.n);
+    SetJobParameters(fit.FirstOfLoop->Parameters);
+    SettleHere(fit.u, fit.n, fit.ParamText, fit.Q, fit.v, fit.P, fit.Points);
+    for (std::size_t i = 1; i < fit.P.size() && Job.NormType == 1; ++i)
+        if (fit.P[i] != 0) fit.P[i] = ResidualWeight(fit.v[i]);
+}
+
+// Why the loop's end is no result; "" where it is one.
+std::string Astray(const NormFit& fit) {
+    constexpr double kWorse = 1e-6;
+    const EndOfFit end = EndHere(fit), &first = *fit.FirstOfLoop;
+    const double least = Norm.NormTolerance;
+    if (!Adjustment.Finite) return "found no end";
+    const auto rows = std::count_if(fit.P.begin() + 1, fit.P.end(), [](double w) { return w != 0; });
+    if (end.Mirrored && !first.Mirrored && !NegativeScaleIsWanted(fit.Choice) &&
+        !MirrorIsReal(first.Objective, end.Objective, least, static_cast<int>(rows) - fit.u, 1))
+        return "ended in a mirrored solution that fits no better than noise explains";
+    if (!(end.Objective <= first.Objective * (1 + kWorse) + least))
+        return "ended in a solution that is worse than that of least squares";
+    // What fits by less than the loop's own tolerance has no residuals to be weighted by.
+    if (!Norm.Converged && first.Objective <= least) return "found no end";
+    return "";
+}
+
+// Residuals as large as a hundredth of the target points' spread are no noise of a measurement: names are
+// exchanged perhaps, or an axis is turned round. The weighted fits then have several minima, and it hangs on
+// the seed points, that is on the order of the points, which of them the loop comes to.
+bool FitsBadly(const NormFit& fit) {
+    constexpr double kMostOfSpread = 1e-2;
+    bool turns = false;
+    for (int k = kRotX; k <= kRotZ; ++k)
+        turns = turns || Adjustment.Model.UnknownOf[static_cast<std::size_t>(k)] != 0;
+    double spread = 0;
+    for (const LaneArray& axis : fit.Points.Target)
+        for (int k = 0; k < fit.Points.Count; ++k) {
+            const double x = axis[static_cast<std::size_t>(k)];
+            spread += x * x;
+        }
+    return turns && fit.FirstOfLoop->Squares > kMostOfSpread * kMostOfSpread * spread;
+}
+
+// The loop again, each fit from the same parameters on. False when the job's points were replaced meanwhile.
+bool RunFrom(const ParameterValues& begin, NormFit& fit, const NormLoop& loop) {
+    fit.RunsBegin = begin;
+    fit.P = WeightsFromUseFlags(fit.n);
+    Norm.Iterations = Norm.Unsettled = 0;
+    Norm.Converged = false;
+    return loop.Run(fit);
+}
+
+void NoteAgain(const NormLoop& loop, const std::string& why) {
+    AddNote(NoteCode::BetterStart, std::string("the weightings of ") + loop.Name + " " + why +
+                                       "; they began again from the best fit");
+}
+
+// The first fit where no loop leads anywhere. It is an optimum of this norm only where it leaves no
+// residuals.
+void TakeAsUnconverged(NormFit& fit) {
+    TakeFirstFit(fit);
+    Norm.Converged = fit.FirstOfLoop->Objective <= Norm.NormTolerance;
+    Adjustment.Converged = Norm.Converged;
+    Norm.Unsettled = 0;
+}
+
+bool GoAgainWhereAstray(NormFit& fit, const NormLoop& loop, const std::string& why) {
+    NoteAgain(loop, why);
+    if (!RunFrom(fit.FirstOfLoop->Parameters, fit, loop)) return false;
+    if (IsTrue(Run.StopRequested) || Astray(fit).empty()) return true;
+    TakeAsUnconverged(fit);
+    return true;
+}
+
+// A loop that has ended, to be held against others.
+struct EndOfLoop {
+    FitOutcome Outcome;
+    Column P;
+    NormRecord Record = Norm;
+    double Objective;
+    bool Good;
+
+    explicit EndOfLoop(const NormFit& fit)
+        : Outcome(fit), P(fit.P), Objective(EndHere(fit).Objective), Good(Astray(fit).empty()) {}
+    bool IsBetter(const EndOfLoop& other, double share) const {
+        if (Good != other.Good) return Good;
+        if (std::fabs(Objective - other.Objective) > share * other.Objective)
+            return Objective < other.Objective;
+        return Record.Converged && !other.Record.Converged;
+    }
+    void PutBack(NormFit& fit) const {
+        Outcome.PutBack(fit);
+        fit.P = P;
+        SetWeights(fit.P, fit.Points);
+        Norm = Record;
+    }
+};
+
+// From the best fit by least squares and from the optimum itself. What differs from the end of these by no
+// more than the loop's own tolerance is taken from there, whatever the seed points.
+bool GoAgainWhereBad(NormFit& fit, const NormLoop& loop) {
+    constexpr double kSame = 1e-9, kTolerance = 1e-4;
+    const EndOfLoop told(fit);
+    std::vector<ParameterValues> begins = {fit.FirstOfLoop->Parameters};
+    // The way to the optimum that is to follow looks for it from everywhere itself.
+    if (!Norm.RunOn)
+        if (const auto optimum = loop.Seek(fit)) begins.push_back(*optimum);
+    if (Adjustment.JobChanged || IsTrue(Run.StopRequested)) return !Adjustment.JobChanged;
+    std::optional<EndOfLoop> best;
+    for (const ParameterValues& begin : begins) {
+        if (!RunFrom(begin, fit, loop)) return false;
+        if (IsTrue(Run.StopRequested)) return true;
+        const EndOfLoop end(fit);
+        if (!best || end.IsBetter(*best, kSame)) best.emplace(end);
+    }
+    const bool same = std::fabs(best->Objective - told.Objective) <= kSame * told.Objective;
+    const bool stays = told.IsBetter(*best, kTolerance) || (same && !best->IsBetter(told, kSame));
+    (stays ? told : *best).PutBack(fit);
+    Linearise(Adjustment.Model, fit.Points);
+    if (!(stays ? told : *best).Good) {
+        NoteAgain(loop, Astray(fit));
+        TakeAsUnconverged(fit);
+        return true;
+    }
+    if (!stays) NoteAgain(loop, "from the seed points ended elsewhere");
+    return true;
+}
+
+// Behind a loop. False when the job's points were replaced meanwhile.
+bool GoAgain(NormFit& fit, const NormLoop& loop) {
+    if (!fit.FirstOfLoop || IsTrue(Run.StopRequested)) return true;
+    const bool mirrored = fit.FirstOfLoop->Mirrored && !NegativeScaleIsWanted(fit.Choice);
+    if (mirrored || FitsBadly(fit)) return GoAgainWhereBad(fit, loop);
+    const std::string why = Astray(fit);
+    return why.empty() || GoAgainWhereAstray(fit, loop, why);
+}
+
 bool FitByLoop(NormFit& fit, const NormLoop& loop) {
     const LimitToldByLoop quiet;
-    if (!loop.Run(fit)) return false;
+    if (!loop.Run(fit) || !GoAgain(fit, loop)) return false;
     if (Norm.RunOn && !loop.RunOn(fit)) return false;
     NoteUnsettledFits(loop);
     TellOfLoop(loop);
@@ -112,28 +269,21 @@ void FitFromStart(NormFit& fit) {
 
 void FirstFitOfLoop(NormFit& fit) {
     FitFromStart(fit);
-    if (Adjustment.JobChanged) return;
-    std::array<double, 18> told{};
-    for (int k = kTraX; k < kParameterEnd; ++k) told[static_cast<std::size_t>(k)] = ParameterValue(Job, k);
-    const AdjustmentRecord record = Adjustment;
-    const Matrix Q = fit.Q;
-    const Column v = fit.v;
+    if (Adjustment.JobChanged || fit.FirstOfLoop) return;  // a loop that goes again begins at the best
+    const FitOutcome told(fit);
     const std::vector<Note> notes = Notes.List;
     const bool sought = SeekBestFit(fit);
     const bool again = Certificate.BeganAgain;
     Certificate = CertificateRecord{};  // it speaks of least squares alone
     if (!sought) return;
     if (again) {
-        std::array<double, 18>& begin = fit.RunsBegin.emplace();
-        for (int k = kTraX; k < kParameterEnd; ++k)
-            begin[static_cast<std::size_t>(k)] = ParameterValue(Job, k);
-        return;
+        fit.RunsBegin = JobParameters();
+    } else {
+        told.PutBack(fit);
+        Notes.List = notes;
     }
-    for (int k = kTraX; k < kParameterEnd; ++k) ParameterValue(Job, k) = told[static_cast<std::size_t>(k)];
-    Adjustment = record;
-    fit.Q = Q;
-    fit.v = v;
-    Notes.List = notes;
+    const bool plain = Adjustment.Model.Mode == FitMode::Coincide && !IsTrue(Job.IsParaboloid);
+    if (plain && Adjustment.Converged && Adjustment.Finite) fit.FirstOfLoop = EndHere(fit);
 }
 
 void CountUnsettledFit() {
@@ -149,10 +299,10 @@ bool FitInNorm(NormFit& fit) {
     bool done = false;
     switch (Job.NormType) {
         case 1:
-            done = FitByLoop(fit, {"L1", "sum of residuals", FitL1, RunOnToLeastSum});
+            done = FitByLoop(fit, {"L1", "sum of residuals", FitL1, RunOnToLeastSum, SeekLeastSum});
             break;
         case 3:
-            done = FitByLoop(fit, {"Loo", "largest residual", FitLoo, RunOnToLeastLargest});
+            done = FitByLoop(fit, {"Loo", "largest residual", FitLoo, RunOnToLeastLargest, SeekLeastLargest});
             break;
         default:
             done = FitL2(fit);

@@ -9,6 +9,7 @@
 
 #include "core/arrays.h"
 #include "engine/gathered_points.h"
+#include "engine/parameter_values.h"
 #include "engine/start_values.h"
 
 // How the last calculation's loop went.
@@ -31,6 +32,14 @@ struct NormRecord {
 };
 inline NormRecord Norm;
 
+// Where a fit of a loop has ended.
+struct EndOfFit {
+    ParameterValues Parameters{};
+    double Objective = 0;  // what the norm makes least: the sum (L1) or the largest (Loo) residual, mm
+    double Squares = 0;    // sum of the squared residuals, mm^2
+    bool Mirrored = false;
+};
+
 // One calculation, from the weights that its use flags give to those that its result stands on.
 struct NormFit {
     int u = 0;  // unknowns
@@ -45,7 +54,9 @@ struct NormFit {
     // Where the runs of Monte Carlo, and the fits of a loop, begin, by parameter number: at the best fit,
     // where the start values lead the iteration astray. Nothing: at the start values, each run by its own
     // seed points.
-    std::optional<std::array<double, 18>> RunsBegin = {};
+    std::optional<ParameterValues> RunsBegin = {};
+    // Of a loop: where its first fit has ended, with weights 0 and 1. Nothing: it has not settled.
+    std::optional<EndOfFit> FirstOfLoop = {};
 };
 
 // Runs the norm that Job.NormType names: 1 L1, 3 Loo, any other number least squares. The points are
@@ -54,6 +65,10 @@ struct NormFit {
 // fit whose result is no number: all fits behind would do the same. A fit that runs into
 // Settings.MaxIteration ends nothing, for the weights behind it may be kinder. How many did so a note says;
 // the message of the limit comes once, where the last fit is one of them.
+// A loop whose end is worse in its norm than its first fit, or mirrored where that is not and by no more than
+// noise explains, has been led astray: it is gone through again from the first fit, and where that leads
+// nowhere either the first fit is the result. Where points fit badly, so that it hangs on the seed points
+// where the weightings end, the better one of both ways is the result. A note says so.
 // With Norm.RunOn the loops of L1 and Loo are followed by the way to their optimum.
 // Reads Job.NormType and Job.UseFlags; writes Norm, Adjustment, the job's parameters, panels 6 and 7.
 bool FitInNorm(NormFit& fit);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 
 namespace {
@@ -80,6 +81,30 @@ void EachRow(const LinearRows& rows, Visit visit) {
         if (rows.InUse[At(i)] != 0) visit(At(i));
 }
 
+// Goes by y, or by the longest of its halves, quarters ... that makes the value smaller as its slope
+// promises. Returns how far the value was to fall by the whole of it; 0, and nothing has moved, where no
+// share does.
+//   value  at the place, once a share has been gone
+//   take   what goes along with the share that is gone
+double GoAlong(ExactPlace& place, const std::vector<double>& y, double before, double slope,
+               const MayGoOn& mayGoOn, const std::function<double(double)>& value,
+               const std::function<void(double)>& take) {
+    const ParameterValues parameters = JobParameters();
+    double share = 1;
+    for (int halvings = 0; halvings < kMostHalvings && mayGoOn(); ++halvings, share /= 2) {
+        std::vector<double> part = y;
+        for (double& entry : part) entry *= share;
+        place.Step(part);
+        if (value(share) <= before + 1e-4 * share * slope + 1e-14 * std::fabs(before)) {
+            take(share);
+            return -slope;
+        }
+        SetJobParameters(parameters);
+        place.Linearise();
+    }
+    return 0;
+}
+
 // The sum of t(v) = h + sqrt(h^2 + v^2) with its barrier, h its height: the smooth form of the sum of |v|.
 struct SmoothSum {
     ExactPlace& Place;
@@ -117,21 +142,11 @@ struct SmoothSum {
             next[i] = std::clamp(wanted, -most, most);
             if (!(std::fabs(v) > 0) && !std::isfinite(next[i])) next[i] = 0;
         });
-        const double before = Value(), slope = Dot(g, y);
-        const ParameterArray parameters = JobParameters();
-        double share = 1;
-        for (int halvings = 0; halvings < kMostHalvings && mayGoOn(); ++halvings, share /= 2) {
-            std::vector<double> part = y;
-            for (double& entry : part) entry *= share;
-            Place.Step(part);
-            if (Value() <= before + 1e-4 * share * slope + 1e-14 * std::fabs(before)) {
+        return GoAlong(
+            Place, y, Value(), Dot(g, y), mayGoOn, [this](double) { return Value(); },
+            [&](double share) {
                 for (std::size_t i = 0; i < next.size(); ++i) Weights[i] += share * (next[i] - Weights[i]);
-                return -slope;
-            }
-            SetJobParameters(parameters);
-            Place.Linearise();
-        }
-        return 0;
+            });
     }
 };
 
@@ -190,26 +205,15 @@ struct SmoothLargest {
             up[i] = std::max((h - Up[i] * (ds - way[i])) / (s - v), 0.01 * Up[i]);
             down[i] = std::max((h - Down[i] * (ds + way[i])) / (s + v), 0.01 * Down[i]);
         });
-        const double before = Value(s);
-        const ParameterArray parameters = JobParameters();
-        double share = 1;
-        for (int halvings = 0; halvings < kMostHalvings && mayGoOn(); ++halvings, share /= 2) {
-            std::vector<double> part = y;
-            for (double& entry : part) entry *= share;
-            Place.Step(part);
-            const double height = s + share * ds;
-            if (Value(height) <= before + 1e-4 * share * slope + 1e-14 * std::fabs(before)) {
-                s = height;
+        return GoAlong(
+            Place, y, Value(s), slope, mayGoOn, [&](double share) { return Value(s + share * ds); },
+            [&](double share) {
+                s += share * ds;
                 for (std::size_t i = 0; i < up.size(); ++i) {
                     Up[i] += share * (up[i] - Up[i]);
                     Down[i] += share * (down[i] - Down[i]);
                 }
-                return -slope;
-            }
-            SetJobParameters(parameters);
-            Place.Linearise();
-        }
-        return 0;
+            });
     }
 };
 
@@ -220,12 +224,21 @@ template <class Smooth>
 SmoothOptimum Follow(Smooth& smooth, double size, double rows, const MayGoOn& mayGoOn) {
     constexpr double kLower = 0.15, kNearMinimum = 0.05;
     constexpr int kLast = 4;  // steps at the least height: the multipliers come to rest behind the place
+    // So many steps, each of so little of the objective, are a valley as good as level: the bound tells how
+    // much could be left.
+    constexpr int kCreeping = 30;
+    constexpr double kLevel = 1e-9;
     SmoothOptimum found;
-    int last = 0;
+    int last = 0, creeping = 0;
     const double least = kNothing * size / rows;
     while (found.Steps < kMostSteps && mayGoOn()) {
         const double fall = smooth.Step(mayGoOn);
         ++found.Steps;
+        creeping = fall < kLevel * size ? creeping + 1 : 0;
+        if (creeping == kCreeping) {
+            found.Ended = true;
+            break;
+        }
         if (fall > kNearMinimum * smooth.h) continue;
         found.Ended = smooth.h <= least;
         if (found.Ended && ++last == kLast) break;
