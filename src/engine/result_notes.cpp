@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "core/job.h"
 #include "core/notes.h"
@@ -108,9 +109,61 @@ struct Reach {
     }
 };
 
+// Root mean squares about the middle, mm: of the start points in use, of their images, each as a whole and
+// along its least direction, and of the deviations.
+struct Spreads {
+    double Start = 0, LeastStart = 0, Image = 0, LeastImage = 0, Deviation = 0;
+
+    explicit Spreads(const Mat3& M) {
+        std::vector<Vec3> points;
+        Vec3 middle;
+        double squares = 0;
+        for (int i = 1; i <= Job.nIdent; ++i) {
+            bool any = false;
+            for (int axis = 1; axis <= 3; ++axis) {
+                const std::size_t row = At(3 * (i - 1) + axis);
+                if (!CoordinateInUse(row)) continue;
+                any = true;
+                squares += Calculation.v[row] * Calculation.v[row];
+            }
+            if (any) points.push_back(StartPoint(i));
+        }
+        const double count = std::max<double>(1, static_cast<double>(points.size()));
+        for (const Vec3& p : points)
+            for (int k = 1; k <= 3; ++k) middle(k) += p(k) / count;
+        Mat3 start;
+        for (const Vec3& p : points)
+            for (int i = 1; i <= 3; ++i)
+                for (int j = 1; j <= 3; ++j) start(i, j) += (p(i) - middle(i)) * (p(j) - middle(j)) / count;
+        Mat3 turned, image;
+        for (int i = 1; i <= 3; ++i)
+            for (int j = 1; j <= 3; ++j)
+                for (int k = 1; k <= 3; ++k) turned(i, j) += M(i, k) * start(k, j);
+        for (int i = 1; i <= 3; ++i)
+            for (int j = 1; j <= 3; ++j)
+                for (int k = 1; k <= 3; ++k) image(i, j) += turned(i, k) * M(j, k);
+        Take(start, Start, LeastStart);
+        Take(image, Image, LeastImage);
+        Deviation = std::sqrt(squares / count);
+    }
+
+private:
+    static void Take(const Mat3& products, double& whole, double& least) {
+        whole = std::sqrt(products(1, 1) + products(2, 2) + products(3, 3));
+        least = std::sqrt(Decompose3(products).s(3));
+    }
+};
+
+// Images that are a thousandth as far apart as they should be, and no farther than the deviations are long:
+// their scale is what the noise makes of none.
+bool Drowned(double image, double whole, const Spreads& spreads) {
+    constexpr double kThousandth = 1e-3;
+    return image <= kThousandth * whole && image <= spreads.Deviation;
+}
+
 // A scale of next to nothing carries all points to one place, or into one plane, and fits whatever is there.
 // True where all of them are at one place.
-bool NoteCollapse(const FitModel& model) {
+bool NoteCollapse(const FitModel& model, const Mat3& M) {
     constexpr double kNothing = 1e-9, kOnePlace = 1e-6, kRounding = 64 * 2.220446049250313e-16;
     const bool one = model.UnknownOf[kScaleXYZ] != 0;
     bool any = one;
@@ -119,7 +172,11 @@ bool NoteCollapse(const FitModel& model) {
     const Reach reach;
     const double start = std::max({reach.Start[1], reach.Start[2], reach.Start[3]});
     if (!(start > 0)) return false;
-    if (reach.Target <= std::max(kRounding * reach.LargestTarget, kOnePlace * start)) {
+    Spreads spreads(M);
+    // A residual is the way to the target point in the plain model alone.
+    if (model.Mode != FitMode::Coincide) spreads.Deviation = 0;
+    const bool onePlace = reach.Target <= std::max(kRounding * reach.LargestTarget, kOnePlace * start);
+    if (onePlace || Drowned(spreads.Image, spreads.Start, spreads)) {
         AddNote(NoteCode::CollapsedScale,
                 "the target points in use are all at one place, or all but so: a scale of 0 fits them "
                 "whatever the start points are, so this is no fit, and the rotation is arbitrary");
@@ -127,6 +184,7 @@ bool NoteCollapse(const FitModel& model) {
             if (model.UnknownOf[At(k)] != 0) TakeSigma(k);
         return true;
     }
+    bool noted = false;
     for (int k = 1; k <= 3; ++k) {
         const int parameter = kScaleX + k - 1;
         if (!one && model.UnknownOf[At(parameter)] == 0) continue;
@@ -135,8 +193,15 @@ bool NoteCollapse(const FitModel& model) {
         AddNote(NoteCode::CollapsedScale,
                 std::string(ParameterName(one ? kScaleXYZ : parameter)) +
                     " has gone to 0: it carries points that are apart onto each other");
+        noted = true;
         if (one) break;
     }
+    constexpr double kFlat = 1e-2;
+    if (!noted && !one && spreads.LeastStart > kFlat * spreads.Start &&
+        Drowned(spreads.LeastImage, spreads.Image, spreads))
+        AddNote(NoteCode::CollapsedScale,
+                "the result carries the points all but into one plane, nearer to it than the deviations are "
+                "long: along one direction the scale is what the noise makes of none");
     return false;
 }
 
@@ -194,7 +259,7 @@ void NoteResult(const NormFit& fit) {
     const Linearisation at = Linearise(model, fit.Points);
     const OpenParameters open = FindOpenParameters(fit.Points, model, at);
     constexpr double kPlane = 1e-9;
-    const bool onePlace = NoteCollapse(model);
+    const bool onePlace = NoteCollapse(model, at.M);
     if (!onePlace) NoteOpen(open, model);
     if (!onePlace && !open.GimbalLock) NoteNearLock(model);
     const double handedness = Handedness(at.M);
