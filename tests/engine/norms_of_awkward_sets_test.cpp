@@ -1,0 +1,166 @@
+// The norms of sets that lead astray: Rot y at a right angle, mirrored and swapped points, points on a line.
+#include <numeric>
+
+#include "core/notes.h"
+#include "engine/exact_norms_job.h"
+#include "engine/presets.h"
+#include "engine/seed.h"
+#include "engine/selection.h"
+
+namespace {
+
+using reference::Point;
+
+struct NormOfSet {
+    const char* Name;
+    int Type;
+    bool RunOn;
+};
+constexpr std::array<NormOfSet, 5> kNorms = {{{"l2", kL2, false},
+                                              {"l1", kL1, false},
+                                              {"loo", kLoo, false},
+                                              {"l1-exact", kL1, true},
+                                              {"minimax", kLoo, true}}};
+
+const std::vector<Point> kBody = {{0, 0, 0},   {1000, 0, 0},    {0, 800, 0},
+                                  {0, 0, 600}, {700, 500, 300}, {300, -400, 200}};
+
+class AwkwardSets : public ExactNorms {
+protected:
+    static void Fit(const std::vector<Point>& start, const std::vector<Point>& target, const char* preset,
+                    const NormOfSet& norm) {
+        Job = JobRecord{};
+        BeginFit();
+        for (std::size_t i = 0; i < start.size(); ++i) AddPair(start[i], target[i]);
+        SelectPreset(preset);
+        ChooseDefaultSeeds();
+        SelectionFromJob();
+        Norm.RunOn = norm.RunOn;
+        Notes.List.clear();
+        Calculate(norm.Type);
+    }
+    static double Objective(const NormOfSet& norm) { return norm.Type == kL1 ? Sum() : Largest(); }
+    static bool Noted(NoteCode code) {
+        return std::any_of(Notes.List.begin(), Notes.List.end(),
+                           [code](const Note& note) { return note.Code == code; });
+    }
+    static Point AnyPoint(double size) {
+        return {size * NextNumber(), size * NextNumber(), size * NextNumber()};
+    }
+    // A cloud and its image, with two names exchanged or the third axis turned round.
+    struct Set {
+        std::vector<Point> Start, Target;
+    };
+    static Set AnySet(int seed, bool mirrored) {
+        BeginFit();
+        for (int skip = 0; skip < 53 * seed; ++skip) NextNumber();
+        const auto truth =
+            Truth({100, -200, 300, 1.3 * NextNumber(), 1.3 * NextNumber(), 3 * NextNumber(), 1, 1, 1, 1});
+        Set set;
+        for (int i = 0; i < 8; ++i) {
+            const Point p = AnyPoint(500);
+            Point q = reference::Image(truth, {p[0], p[1], mirrored ? -p[2] : p[2]});
+            for (auto& x : q) x = static_cast<double>(x + 0.5 * NextNumber());
+            set.Start.push_back(p);
+            set.Target.push_back(q);
+        }
+        if (!mirrored) std::swap(set.Target[1], set.Target[static_cast<std::size_t>(2 + seed % 6)]);
+        return set;
+    }
+    static Set Permuted(const Set& set, int by) {
+        std::vector<std::size_t> order(set.Start.size());
+        std::iota(order.begin(), order.end(), 0U);
+        for (std::size_t i = order.size() - 1; i > 0; --i)
+            std::swap(order[i],
+                      order[static_cast<std::size_t>((NextNumber() + 1) / 2 * static_cast<double>(i + 1))]);
+        if (by == 0) std::iota(order.begin(), order.end(), 0U);
+        Set permuted;
+        for (const std::size_t i : order) {
+            permuted.Start.push_back(set.Start[i]);
+            permuted.Target.push_back(set.Target[i]);
+        }
+        return permuted;
+    }
+};
+
+}  // namespace
+
+TEST_F(AwkwardSets, WithRotYAtARightAngleEveryNormFindsTheProperSolution) {
+    for (const int side : {1, -1}) {
+        std::vector<Point> target;
+        for (const Point& p : kBody) target.push_back({side * p[2] + 100, p[1] + 200, -side * p[0] + 300});
+        for (const char* preset : {"6", "7", "9", "12"})
+            for (const NormOfSet& norm : kNorms) {
+                SCOPED_TRACE(std::string(preset) + ", " + norm.Name + ", side " + std::to_string(side));
+                Fit(kBody, target, preset, norm);
+                EXPECT_TRUE(Calculation.Converged);
+                EXPECT_TRUE(Messages().empty());
+                EXPECT_LT(Largest(), 1e-6);
+                EXPECT_FALSE(Noted(NoteCode::Mirrored));
+                EXPECT_NEAR(Job.ScaleX * Job.ScaleY * Job.ScaleZ, 1, 1e-9);
+            }
+    }
+}
+
+TEST_F(AwkwardSets, AMirroredBodyIsFittedByAMirrorWhichIsSaidInEveryNorm) {
+    std::vector<Point> target;
+    for (const Point& p : kBody) target.push_back({p[0] + 100, p[1] + 200, -p[2] + 300});
+    for (const char* preset : {"7", "9", "12"})
+        for (const NormOfSet& norm : kNorms) {
+            SCOPED_TRACE(std::string(preset) + ", " + norm.Name);
+            Fit(kBody, target, preset, norm);
+            EXPECT_TRUE(Calculation.Converged);
+            EXPECT_LT(Largest(), 1e-6);
+            EXPECT_TRUE(Noted(NoteCode::Mirrored));
+        }
+}
+
+TEST_F(AwkwardSets, TheOrderOfThePointsChangesNoResult) {
+    for (const bool mirrored : {false, true})
+        for (const char* preset : {"6", "7", "9"})
+            for (const NormOfSet& norm : kNorms)
+                for (int seed = 0; seed < 4; ++seed) {
+                    SCOPED_TRACE(std::string(mirrored ? "mirrored, " : "swapped, ") + preset + ", " +
+                                 norm.Name + ", set " + std::to_string(seed));
+                    const Set set = AnySet(seed, mirrored);
+                    double first = 0;
+                    bool isMirrored = false;
+                    for (int by = 0; by < 3; ++by) {
+                        const Set permuted = Permuted(set, by);
+                        Fit(permuted.Start, permuted.Target, preset, norm);
+                        if (by == 0) first = Objective(norm);
+                        if (by == 0) isMirrored = Noted(NoteCode::Mirrored);
+                        EXPECT_NEAR(Objective(norm), first, 1e-9 * first) << "order " << by;
+                        EXPECT_EQ(Noted(NoteCode::Mirrored), isMirrored) << "order " << by;
+                    }
+                }
+}
+
+TEST_F(AwkwardSets, AnOptimumOnALineConverges) {
+    for (const double noise : {0.0, 0.05, 0.5})
+        for (const char* preset : {"6", "7"})
+            for (const NormOfSet& norm : {kNorms[3], kNorms[4]})
+                for (int seed = 0; seed < 8; ++seed) {
+                    SCOPED_TRACE(std::string(preset) + ", " + norm.Name + ", noise " + std::to_string(noise) +
+                                 ", set " + std::to_string(seed));
+                    BeginFit();
+                    for (int skip = 0; skip < 31 * seed; ++skip) NextNumber();
+                    const Point middle = AnyPoint(500), along = AnyPoint(100);
+                    const auto truth = Truth({50, 0, -20, 0, 0, 3 * NextNumber(), 1, 1, 1, 1});
+                    std::vector<Point> start, target;
+                    for (int i = 0; i < 8; ++i) {
+                        Point p{}, q{};
+                        for (std::size_t k = 0; k < 3; ++k) p[k] = middle[k] + i * along[k];
+                        q = reference::Image(truth, p);
+                        for (std::size_t k = 0; k < 3; ++k) {
+                            p[k] = static_cast<double>(p[k] + noise * NextNumber());
+                            q[k] = static_cast<double>(q[k] + noise * NextNumber());
+                        }
+                        start.push_back(p);
+                        target.push_back(q);
+                    }
+                    Fit(start, target, preset, norm);
+                    EXPECT_TRUE(Calculation.Converged);
+                    EXPECT_TRUE(Messages().empty());
+                }
+}
