@@ -105,13 +105,11 @@ EndOfFit EndHere(const NormFit& fit) {
     return end;
 }
 
-// The first fit as the result; of L1 with the weights that its residuals make.
+// The first fit as the result, with the weights 0 and 1 that it stands on.
 void TakeFirstFit(NormFit& fit) {
     fit.P = WeightsFromUseFlags(fit.n);
     SetJobParameters(fit.FirstOfLoop->Parameters);
     SettleHere(fit.u, fit.n, fit.ParamText, fit.Q, fit.v, fit.P, fit.Points);
-    for (std::size_t i = 1; i < fit.P.size() && Job.NormType == 1; ++i)
-        if (fit.P[i] != 0) fit.P[i] = ResidualWeight(fit.v[i]);
 }
 
 // Why the loop's end is no result; "" where it is one.
