@@ -271,7 +271,7 @@ std::string JobPicture(const PictureWish& wish, PictureForm form, const std::vec
         Stelle_Grafik_dar(window);
     }
     const ScreenRecord& state = window.State;
-    facts = {IsTrue(state.VectorMode), magnification, state.Min, state.Max, {}, leftOut};
+    facts = {IsTrue(state.VectorMode), magnification, state.Max, {}, leftOut};
     for (int k = 1; k <= state.AnzKlassenPos; ++k) facts.Colours.push_back(ClassColour(window, k));
     if (svg) return SvgOfWindow(window, "Deviations of the points", form == PictureForm::SvgInPage);
     std::string bytes = PictureBytes(window);

@@ -36,10 +36,10 @@ struct PictureWish {
 // What the picture shows, for a text beside it.
 struct PictureFacts {
     bool Vectors = false;
-    double Magnification = 1;             // of the vectors against the scene
-    double Least_mm = 0, Largest_mm = 0;  // limits of the colour scale
-    std::vector<Colour> Colours;          // of the classes above 0
-    int FlagsLeftOut = 0;                 // of the pairs that were to have one: there was no room
+    double Magnification = 1;     // of the vectors against the scene
+    double Largest_mm = 0;        // upper limit of the colour scale
+    std::vector<Colour> Colours;  // of the classes above 0
+    int FlagsLeftOut = 0;         // of the pairs that were to have one: there was no room
 };
 
 // The number of the saved view of this name, from 1; 0 where there is none.

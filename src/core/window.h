@@ -78,7 +78,6 @@ struct Handlers {
     void (*Click)() = nullptr;  // button, menu, tool button; check, option, list, scroll bar after the change
     void (*Change)() = nullptr;  // text after the change
     void (*DblClick)() = nullptr;
-    void (*GotFocus)() = nullptr;
     void (*SelChange)() = nullptr;   // grid: after the current cell or the selection has changed
     void (*RightClick)() = nullptr;  // grid
     void (*Key)() = nullptr;         // grid: its Grid.Key tells which

@@ -102,14 +102,6 @@ void LinearRows::Times(const double* y, std::vector<double>& result) const {
         EvaluateForm(*Points, Combined(Forms[At(axis)], Columns, y), result.data() + axis * Points->Padded);
 }
 
-double LinearRows::Times(int row, const double* y) const {
-    std::array<double, kMostLinearColumns> a{};
-    Row(row, a.data());
-    double sum = 0;
-    for (int k = 0; k < Columns; ++k) sum += a[At(k)] * y[k];
-    return sum;
-}
-
 void LinearRows::Move(const double* y) {
     std::vector<double> way;
     Times(y, way);

@@ -24,9 +24,8 @@ struct LinearRows {
     int Count() const { return static_cast<int>(v.size()); }
     // The row's entries.
     void Row(int row, double* a) const;
-    // The product of all rows with y, and of one.
+    // The product of all rows with y.
     void Times(const double* y, std::vector<double>& result) const;
-    double Times(int row, const double* y) const;
     // v + A y, for the rows out of use as well.
     void Move(const double* y);
     // The rows of other unknowns z, y = Z z; Z by columns of length Columns.

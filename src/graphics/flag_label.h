@@ -40,5 +40,4 @@ struct FlagTextKey {
     double LengthFactor = 0, AngleFactor = 0;
     std::string FmtLength, FmtAngle, AngleUnit, ColorBased;
     bool ArcLengths = false;
-    bool operator==(const FlagTextKey&) const = default;
 };

@@ -258,12 +258,3 @@ double FontTextWidth(const TextFont& font, const std::string& text) {
 double FontTextHeight(const TextFont& font) {
     return std::ceil(MasksOf(font, 1).Metrics.height());
 }
-
-double LabelTextWidth(const std::string& text) {
-    std::vector<PlacedMask> placed;
-    return SetText(MasksOf({}, 1), text, placed);
-}
-
-double LabelTextHeight() {
-    return std::ceil(MasksOf({}, 1).Metrics.height());
-}

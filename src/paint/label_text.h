@@ -17,7 +17,3 @@ void DrawLabelText(QImage& picture, double scale, float x, float y, const std::s
 // The same in a font of its own and without the edge, for texts on a ground of their own.
 void DrawFontText(QImage& picture, double scale, float x, float y, const std::string& text, QRgb colour,
                   const TextFont& font);
-
-// Width of a text, logical pixels.
-double LabelTextWidth(const std::string& text);
-double LabelTextHeight();
