@@ -99,8 +99,7 @@ double OurFile() {
     return counts.Lines == kPoints ? Milliseconds(begin) : -1;
 }
 
-// --- The limit: no checks, no errors, nothing but such lines
-// ------------------------------------------------
+// --- The limit: no checks, no errors, nothing but such lines ----------------------------------------------
 
 double LimitNumber(const char*& at) {
     const bool negative = *at == '-';

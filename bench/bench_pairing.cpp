@@ -20,7 +20,7 @@
 
 namespace {
 
-// --- By name: 1,000,000 points in each set -------------------------------------------------------------
+// --- By name: 1,000,000 points in each set ----------------------------------------------------------------
 
 enum class Order { File, Shuffled };
 
@@ -65,7 +65,7 @@ void PairingByName(benchmark::State& state, Order order) {
     }
 }
 
-// --- By distances: the same points in both sets, moved and with noise -----------------------------------
+// --- By distances: the same points in both sets, moved and with noise -------------------------------------
 
 struct Cloud {
     std::vector<double> X{0}, Y{0}, Z{0};
@@ -156,7 +156,7 @@ void TwoLoopsByDistances(benchmark::State& state) {
     state.counters["rows"] = static_cast<double>(rows);
 }
 
-// --- By coordinates: 100,000 by 100,000 points -----------------------------------------------------------
+// --- By coordinates: 100,000 by 100,000 points ------------------------------------------------------------
 
 void PairingByCoordinates(benchmark::State& state) {
     const Cloud target = RandomCloud(100'000, 7, 1000);

@@ -59,8 +59,7 @@ inline void Carry(const Lines& s, std::array<double, 3>& xyz) {
         xyz[i] = (s.Shift(static_cast<int>(i) + 1) + turned(static_cast<int>(i) + 1)) * s.Factor;
 }
 
-// --- The general road
-// ---------------------------------------------------------------------------------------
+// --- The general road -------------------------------------------------------------------------------------
 
 constexpr std::array<const char*, 3> kAxes = {"x", "y", "z"};
 
@@ -130,7 +129,7 @@ void PlainLine(Lines& s, std::string_view line, bool decode) {
     }
 }
 
-// --- The short road
+// --- The short road ---------------------------------------------------------------------------------------
 // Eight characters at a time, as one word with the first of them lowest: how many digits there are is found
 // without a branch for each, which no processor foretells in numbers of all lengths.
 

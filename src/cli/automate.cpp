@@ -53,7 +53,7 @@ constexpr std::uint64_t kAnalyseRounds = 200;
 
 json Answer(const json& request);
 
-// --- Places ---------------------------------------------------------------------------------------------
+// --- Places -----------------------------------------------------------------------------------------------
 
 struct Target {
     const WindowEntry* Window = nullptr;
@@ -106,7 +106,7 @@ Control& FindReachable(const json& request) {
     return *target.Control->Place;
 }
 
-// --- The requests ------------------------------------------------------------------------------------------
+// --- The requests -----------------------------------------------------------------------------------------
 
 // What a user types for a JSON value: numbers in the form the system shows them.
 std::string TypedText(const json& value) {

@@ -18,7 +18,7 @@ struct PlatformError {
     std::string What;
 };
 
-// --- Messages and questions --------------------------------------------------------------------------
+// --- Messages and questions -------------------------------------------------------------------------------
 
 inline constexpr const char* kProgramName = "Corvinade";
 inline constexpr const char* kClipboardRefused = "Clipboard coud not be set due unknown error";
@@ -61,7 +61,7 @@ std::optional<TextFont> AskFont(const TextFont& preset, std::int32_t* colour = n
 // meanwhile. Require: the window is open.
 void WaitForWindow(const std::string& name);
 
-// --- Clipboard, event loop, desktop --------------------------------------------------------------------
+// --- Clipboard, event loop, desktop -----------------------------------------------------------------------
 
 std::string ClipboardText();
 bool SetClipboardText(const std::string& text);  // false when the clipboard refuses
@@ -88,7 +88,7 @@ void StartFile(const std::string& verb, const std::string& path);
 // Shows the start screen for its short time; does nothing for the job, and nothing without a screen.
 void ShowStartScreen();
 
-// --- The system ----------------------------------------------------------------------------------------
+// --- The system -------------------------------------------------------------------------------------------
 
 std::string OperatingSystemName();
 std::optional<std::string> EnvironmentVariable(const std::string& name);

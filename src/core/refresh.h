@@ -7,7 +7,7 @@
 
 #include "core/arrays.h"
 
-// --- core/: the job commands and the job file ------------------------------------------------------------
+// --- core/: the job commands and the job file -------------------------------------------------------------
 void JobChanged();  // asks whether a changed job shall be saved
 // Opens a job file: closes all windows, sets the run to "no data", asks and tells what there is to say of the
 // file's version, and fills the job. A file that is missing gives a message; throws PlatformError for one
@@ -46,7 +46,7 @@ void CalculateParaboloid();  // the passes of a calculation of a job with a shap
 void ReadBundleFile(const std::string& path);  // the reader behind the bundle file of the input dialog
 bool BundleInMemory();                         // a network has been read
 
-// --- analysis/ ---------------------------------------------------------------------------------------
+// --- analysis/ --------------------------------------------------------------------------------------------
 // Refills the main sheet where it is open, from a job with valid data. Yields at each row.
 void FuellenHaupttabelle();
 void MainSheet_Copy();                // copies its selected cells
@@ -55,7 +55,7 @@ void FORMfüllen();                    // refills the input statistic
 // Measures the distances anew where their windows are open and the points are no longer those.
 void DistanceScale_Refill();
 
-// --- graphics/ ---------------------------------------------------------------------------------------
+// --- graphics/ --------------------------------------------------------------------------------------------
 struct GraphicsModes {
     bool VectorMode = false, FlagMode = false, LineMode = false, SetLine = false, DeleteLine = false;
 };

@@ -55,7 +55,7 @@ struct SettingsRecord {
 };
 inline SettingsRecord Settings;
 
-// --- The table of all keys -----------------------------------------------------------------------------
+// --- The table of all keys --------------------------------------------------------------------------------
 
 struct FlagPlace {
     Flag* Place;
@@ -73,7 +73,7 @@ std::span<const SettingEntry> AllSettings();
 // The value of a setting as the file holds it. Require: the key is in the table.
 std::string SettingText(std::string_view key);
 
-// --- The file ------------------------------------------------------------------------------------------
+// --- The file ---------------------------------------------------------------------------------------------
 
 // Creates the settings file with its defaults.
 void IniDateiAnlegen();
@@ -111,7 +111,7 @@ std::string WithIniValue(std::string_view text, const IniLine& line);
 // Splits a line at its first "="; a line without one has an empty key.
 void IniZeileTeilen(std::string_view line, std::string& key, std::string& value);
 
-// --- Window places -------------------------------------------------------------------------------------
+// --- Window places ----------------------------------------------------------------------------------------
 
 // Reads name + "Height", "Top", "Width", "Left"; a missing key counts as 1000, and so does one that is no
 // number. Gives what is wrong with the first such, or nothing; LoadWindowPlace tells it.

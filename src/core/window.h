@@ -117,7 +117,7 @@ struct WindowEntry {
 // The one table of all windows; defined above all rooms.
 std::span<const WindowEntry* const> AllWindows();
 
-// --- Windows -------------------------------------------------------------------------------------------
+// --- Windows ----------------------------------------------------------------------------------------------
 
 const WindowEntry* FindWindow(std::string_view name);                    // null when there is none
 Control* FindControl(const WindowEntry& window, std::string_view name);  // null when there is none
@@ -131,7 +131,7 @@ void ShowWindow(std::string_view name);
 // Closes a window: its unload procedure, its place stored, its struct fresh again.
 void UnloadWindow(std::string_view name);
 
-// --- Values set from code --------------------------------------------------------------------------------
+// --- Values set from code ---------------------------------------------------------------------------------
 // A value that differs from the present one runs the control's handler, exactly as the user's own action
 // does; the value that stands already runs nothing. Selecting an option clears the others of its group,
 // whose handlers do not run.
@@ -140,7 +140,7 @@ void SetValue(Control& control, int value);  // of a scroll bar: at most to its 
 void SetText(Control& control, const std::string& text);
 void SetIndex(Control& control, int index);  // -1 = no entry; Require: the entry exists
 
-// --- What the user does ------------------------------------------------------------------------------------
+// --- What the user does -----------------------------------------------------------------------------------
 
 // Runs a user's event or a command. An error of the platform ends it: the error is shown in one message
 // box and kept in Run.LastPlatformError, the program goes on. False in that case.

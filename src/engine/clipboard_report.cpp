@@ -34,7 +34,7 @@ bool ToolVectorGoverns() {
     return !Selection.RDistShown;
 }
 
-// --- Complete protocol ---------------------------------------------------------------------------------
+// --- Complete protocol ------------------------------------------------------------------------------------
 
 void AddLine(std::string& text, const char* label, const std::string& value) {
     text.append(label).append("\t").append(value).append(kLineEnd);
@@ -128,7 +128,7 @@ void AddPoint(std::string& text, int i) {
     text += kLineEnd;
 }
 
-// --- Robot modes ---------------------------------------------------------------------------------------
+// --- Robot modes ------------------------------------------------------------------------------------------
 
 // A parameter's field in the calculation window, or what it would show there.
 std::string FieldText(int parameter) {

@@ -33,7 +33,7 @@ void ShowRotation(const Vec3& angles) {
     ShowAngle(w.TextRotY, angles(2));
 }
 
-// --- Gimbal lock ------------------------------------------------------------------------------------
+// --- Gimbal lock ------------------------------------------------------------------------------------------
 
 bool NearGimbalLock() {
     const double angle = std::fabs(FieldAngle(w.TextRotY.Text) / Units.AngleFactor);
@@ -55,7 +55,7 @@ bool AskToFixRotX() {
     return AskYesNo(question, "Multiple Solution Warning - Gimbal Lock");
 }
 
-// --- Rotation with affine part ----------------------------------------------------------------------
+// --- Rotation with affine part ----------------------------------------------------------------------------
 
 // Whether the fields of the rotation show that of a row.
 bool RowIsShown(const Matrix& list, int row) {

@@ -26,8 +26,7 @@ void TurnFrom(Control& text, const char* from, const char* to) {
     if (text.Text == from) SetText(text, to);
 }
 
-// --- Switching the recalculation off
-// -------------------------------------------------------------------------
+// --- Switching the recalculation off ----------------------------------------------------------------------
 
 // A choice that sets many boxes is followed by one calculation, not by one for each box: the box of the
 // recalculation is cleared meanwhile, and put back.
@@ -46,8 +45,7 @@ private:
     bool wanted_ = IsTrue(Job.AutoRecalc);
 };
 
-// --- The mark of the presets
-// --------------------------------------------------------------------------------------
+// --- The mark of the presets ------------------------------------------------------------------------------
 
 struct PresetMark {
     const char* Preset;
@@ -81,8 +79,7 @@ void UnmarkPreset() {
         if (mark.Option->Value == 1 && !BoxesAreThoseOf(mark.Preset)) mark.Option->Value = 0;
 }
 
-// --- Boxes
-// ----------------------------------------------------------------------------------------------------
+// --- Boxes ------------------------------------------------------------------------------------------------
 
 // The seed of a parameter can be chosen while the parameter floats.
 void FollowWithSeed(const ParameterControls& row) {
@@ -273,8 +270,7 @@ void INI_Rdist() {
     }
 }
 
-// --- Presets
-// --------------------------------------------------------------------------------------------------
+// --- Presets ----------------------------------------------------------------------------------------------
 
 void CheckReset() {
     for (Control* const box : {&w.CheckRotX, &w.CheckRotY, &w.CheckRotZ, &w.CheckTraX, &w.CheckTraY,
@@ -380,8 +376,7 @@ void FormTrafoBerechnung::Option12_Click() {
     });
 }
 
-// --- Norms
-// ----------------------------------------------------------------------------------------------------
+// --- Norms ------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -407,8 +402,7 @@ void FormTrafoBerechnung::OptionLoo_Click() {
     ChooseNorm(w.OptionLoo, 3);
 }
 
-// --- What the engine reads
-// ----------------------------------------------------------------------------------
+// --- What the engine reads --------------------------------------------------------------------------------
 
 void TakeSelection() {
     std::array<std::string, 18> slots;

@@ -31,8 +31,7 @@ std::string Shown(int parameter, double value) {
     return ShownAs(KindOf(parameter), value);
 }
 
-// --- Parameters
-// -----------------------------------------------------------------------------------------------
+// --- Parameters -------------------------------------------------------------------------------------------
 
 bool IsShown(const ParameterControls& row) {
     if (row.Parameter == kScaleXYZ) return row.Check->Value == 1;
@@ -105,8 +104,7 @@ void ShowSigmas() {
     }
 }
 
-// --- Quality
-// --------------------------------------------------------------------------------------------------
+// --- Quality ----------------------------------------------------------------------------------------------
 
 std::string NameOf(int point) {
     return point == 0 ? "" : Job.MCS_Name[At(point)];
@@ -163,8 +161,7 @@ void ShowTrends() {
     }
 }
 
-// --- Points
-// ---------------------------------------------------------------------------------------------------
+// --- Points -----------------------------------------------------------------------------------------------
 
 // Where the pictures show R vectors, the pairs too are shown where the parameters put them and not on their
 // target less the residual. The point table has been filled before that, and shows the deviations.
@@ -200,8 +197,7 @@ void FormThings() {
     w.BtnSEED.Enabled = true;
 }
 
-// --- Other units
-// ----------------------------------------------------------------------------------------------
+// --- Other units ------------------------------------------------------------------------------------------
 
 namespace {
 

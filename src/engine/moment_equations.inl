@@ -31,9 +31,8 @@ LANES_TARGET void Equate(const PointMoments& moments, const LaneColumns* columns
             for (std::size_t c = 0; c < 4; ++c)
                 E[c] = moments.m[At(axis)][c] * behind + ((B[0][c] * column[0] + B[1][c] * column[1]) +
                                                           (B[2][c] * column[2] + B[3][c] * column[3]));
-            const Vector size =
-                (of.Root[0] * Absolute(column[0]) + of.Root[1] * Absolute(column[1])) +
-                (of.Root[2] * Absolute(column[2]) + of.Root[3] * Absolute(column[3]));
+            const Vector size = (of.Root[0] * Absolute(column[0]) + of.Root[1] * Absolute(column[1])) +
+                                (of.Root[2] * Absolute(column[2]) + of.Root[3] * Absolute(column[3]));
             most += size * size;
             for (int k = 0; k < of.Count; ++k) {
                 const int place = of.Place[At(k)];

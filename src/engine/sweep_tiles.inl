@@ -62,7 +62,8 @@ LANES_INLINE void SweepColumns(const Elements& B, const Block& block, int row, i
 }
 
 // A whole tile takes the products of all steps of the block.
-LANES_INLINE void AddToTile(double* place, std::size_t step, const double* factor, const double* row, int steps) {
+LANES_INLINE void AddToTile(double* place, std::size_t step, const double* factor, const double* row,
+                            int steps) {
     Vector sum[kTileRows][kVectors];
     for (int i = 0; i < kTileRows; ++i)
         for (int v = 0; v < kVectors; ++v) sum[i][v] = AT_LOOSE(place + At(i) * step + v * LANES_WIDTH);
@@ -84,11 +85,9 @@ LANES_TARGET inline __attribute__((noinline)) void AddToPart(const Elements& B, 
                                                              int columns, const double* factor,
                                                              const double* rowK, int steps) {
     alignas(64) double whole[kTileRows][kTileColumns] = {};
-    for (int i = 0; i < rows; ++i)
-        std::memcpy(whole[i], B(row + i, column), At(columns) * sizeof(double));
+    for (int i = 0; i < rows; ++i) std::memcpy(whole[i], B(row + i, column), At(columns) * sizeof(double));
     AddToTile(whole[0], kTileColumns, factor, rowK, steps);
-    for (int i = 0; i < rows; ++i)
-        std::memcpy(B(row + i, column), whole[i], At(columns) * sizeof(double));
+    for (int i = 0; i < rows; ++i) std::memcpy(B(row + i, column), whole[i], At(columns) * sizeof(double));
 }
 
 LANES_INLINE bool Outside(const Block& block, int first) {

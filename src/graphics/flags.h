@@ -49,7 +49,7 @@ std::string FlagText(const FlagLabel& label);
 void MenuFahneCopy_Command();  // that of the active flag of the active window to the clipboard
 void ShowFlagCommands();       // enables the entries for the active flag
 
-// --- Painting -----------------------------------------------------------------------------------------
+// --- Painting ---------------------------------------------------------------------------------------------
 
 // Decides which flags are visible and draws their leader lines. Pixel tables are those of the window.
 void DrawFlagLines(ScreenWindow& window);
@@ -64,7 +64,7 @@ std::array<float, kFlagRows + 1> FlagRowEdges(const FlagLabel& label);
 Colour FlagGround(const FlagRecord& record, const FlagLabel& label);
 Colour FlagCellGround(const FlagRecord& record, const FlagLabel& label, int row, int column);
 
-// --- Mouse --------------------------------------------------------------------------------------------
+// --- Mouse ------------------------------------------------------------------------------------------------
 
 // The visible flag on top at a place, 0 = none.
 int FlagAt(const ScreenWindow& window, float x, float y);

@@ -133,8 +133,7 @@ int ValueOf(Flag flag) {
     return IsTrue(flag) ? 1 : 0;
 }
 
-// --- Applying
-// -----------------------------------------------------------------------------------------------
+// --- Applying ---------------------------------------------------------------------------------------------
 
 // Do two states differ in a number or a text?
 bool Differs(const ScreenRecord& one, const ScreenRecord& other) {

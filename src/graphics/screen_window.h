@@ -80,7 +80,7 @@ struct ScreenWindow {
     std::uint64_t PaintCount = 0;  // paints so far, for tests and for the face
 };
 
-// --- The open windows ---------------------------------------------------------------------------------
+// --- The open windows -------------------------------------------------------------------------------------
 // In the order in which they were opened. The active one is on top.
 
 struct ScreensRecord {

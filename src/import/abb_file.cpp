@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::string_view kPoseBegin = "[[";
 
-// --- What a line declares ----------------------------------------------------------------------------------
+// --- What a line declares ---------------------------------------------------------------------------------
 
 bool IsBlank(char c) {
     return c == ' ' || c == '\t';
@@ -78,7 +78,7 @@ private:
     std::string type_;  // of the declaration that is open behind the last line
 };
 
-// --- The poses of the first block --------------------------------------------------------------------------
+// --- The poses of the first block -------------------------------------------------------------------------
 
 struct Walk {
     bool ByDeclarations;  // robot targets alone are poses; else every line with kPoseBegin is one

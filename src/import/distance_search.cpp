@@ -37,7 +37,7 @@ ON_ANY_VECTORS void DistancesToRest(const double* x, const double* y, const doub
     }
 }
 
-// --- By scan -------------------------------------------------------------------------------------------
+// --- By scan ----------------------------------------------------------------------------------------------
 
 using Lanes = double __attribute__((vector_size(64)));
 constexpr std::size_t kLanes = 8;
@@ -102,7 +102,7 @@ bool ScanForCandidate(std::span<const double> target, double value, float etta,
     return true;
 }
 
-// --- By index ------------------------------------------------------------------------------------------
+// --- By index ---------------------------------------------------------------------------------------------
 
 bool IsFinite(double distance) {
     return distance < std::numeric_limits<double>::infinity();  // no distance is negative

@@ -14,7 +14,7 @@
 
 namespace {
 
-// --- By the beginnings of lines --------------------------------------------------------------------------
+// --- By the beginnings of lines ---------------------------------------------------------------------------
 
 // A program has blanks between its words; some programs have sharps in their place. What stands behind the
 // orientation ends it.
@@ -85,7 +85,7 @@ void ReadByBeginnings() {
                 program.File.Path, static_cast<int>(firstLeft), static_cast<int>(left));
 }
 
-// --- By declarations -------------------------------------------------------------------------------------
+// --- By declarations --------------------------------------------------------------------------------------
 
 bool IsGap(char c) {
     return c == ' ' || c == '\t' || c == '#';

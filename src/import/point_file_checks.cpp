@@ -305,7 +305,7 @@ void AnzZeilen(const PointText& file, std::int64_t& count) {
     count = CountFilledLines(file.Text);
 }
 
-// --- The same by path ----------------------------------------------------------------------------------
+// --- The same by path -------------------------------------------------------------------------------------
 
 void ASCII_FileCheck(const std::string& path, Flag& hasName, std::string& delimiter) {
     PointText file = LoadPointText(path);

@@ -52,8 +52,7 @@ enum class LoopEnd {
 // The outer loop, to its end. `tolerance` in mm.
 LoopEnd FitToShape(double tolerance);
 
-// --- What the passes share with those of Monte Carlo
-// --------------------------------------------------------
+// --- What the passes share with those of Monte Carlo ------------------------------------------------------
 
 // The loop begins: no history, no steady step, PreviousS0 as large as no fit has it.
 void BeginOuterLoop();

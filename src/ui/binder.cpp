@@ -297,8 +297,7 @@ void Connect(const Bound& bound) {
     widget->installEventFilter(new FieldEvents(c, *widget));
 }
 
-// --- Names
-// --------------------------------------------------------------------------------------------------
+// --- Names ------------------------------------------------------------------------------------------------
 
 bool FitsKind(ControlKind kind, const Bound& bound) {
     switch (kind) {

@@ -111,8 +111,7 @@ QWidget* LoadForm(const WindowEntry& window) {
     return form;
 }
 
-// --- What the user does to a window as a whole
-// ----------------------------------------------------------------
+// --- What the user does to a window as a whole ------------------------------------------------------------
 
 class WindowEvents : public QObject {
 public:
@@ -232,8 +231,7 @@ void ShowPopUp() {
     Desktop.PopUpOpen = false;
 }
 
-// --- The frame
-// ------------------------------------------------------------------------------------------------
+// --- The frame --------------------------------------------------------------------------------------------
 
 class FrameEvents : public QObject {
 public:

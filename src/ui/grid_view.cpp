@@ -21,7 +21,7 @@
 
 namespace {
 
-// --- Columns as wide as what stands in them ----------------------------------------------------------------
+// --- Columns as wide as what stands in them ---------------------------------------------------------------
 
 // A width that is drawn is a whole number of pixels, which that of a missing setting is not. A column of such
 // a width, or of none, is as wide as the widest text that it has shown, and what the settings file gets stays

@@ -82,8 +82,7 @@ const std::string kUnits =
 
 }  // namespace
 
-// --- What the files have no place for
-// -----------------------------------------------------------------------
+// --- What the files have no place for ---------------------------------------------------------------------
 
 TEST_F(Exports, ScalesAndShearsThatAFileHasNoPlaceForAreNamed) {
     const auto left = [] {
@@ -120,7 +119,7 @@ TEST_F(Exports, ScalesAndShearsThatAFileHasNoPlaceForAreNamed) {
     EXPECT_TRUE(Notes.List.empty()) << "points have gone through the scales";
 }
 
-// --- Numbers -----------------------------------------------------------------------------------------------
+// --- Numbers ----------------------------------------------------------------------------------------------
 
 TEST_F(Exports, ANumberHasFiveDigitsAndAnExponentOfTwo) {
     const std::vector<std::pair<double, std::string>> cases = {
@@ -141,7 +140,7 @@ TEST_F(Exports, ATextByAPictureIsItselfUnlessItIsANumber) {
     EXPECT_EQ(FormatText("", "0.000"), "");
 }
 
-// --- The frame file ----------------------------------------------------------------------------------------
+// --- The frame file ---------------------------------------------------------------------------------------
 
 TEST_F(Exports, TheFrameFileIsWrittenByteByByteAndOpened) {
     const std::string path = PathOf("frame.rf");
@@ -290,7 +289,7 @@ TEST_F(Exports, AFullDiskIsToldAndTheOldFileStays) {
     EXPECT_TRUE(Headless.Shell.empty());
 }
 
-// --- The matrix --------------------------------------------------------------------------------------------
+// --- The matrix -------------------------------------------------------------------------------------------
 
 TEST_F(Exports, TheMatrixHasNoLineEndBehindItsLastRow) {
     Job.RotZ = 0;
@@ -328,8 +327,7 @@ TEST_F(Exports, TheMatrixIsNamedAfterTheJob) {
     EXPECT_EQ(IniWertLesen("LastRocalRoot"), folder_);
 }
 
-// --- Points without a partner
-// --------------------------------------------------------------------------------
+// --- Points without a partner -----------------------------------------------------------------------------
 
 TEST_F(Exports, PointsWithoutAPartnerGoToATextFile) {
     ThreePoints();
@@ -385,8 +383,7 @@ TEST_F(Exports, TheMenuEntriesBearTheirNames) {
     EXPECT_EQ(Main.MenueOnlyMCStoTilde.Text, "OnlyMCS Pts to txt File");
 }
 
-// --- A result that did not converge
-// -------------------------------------------------------------------------
+// --- A result that did not converge -----------------------------------------------------------------------
 
 TEST_F(Exports, AResultThatDidNotConvergeGoesOutOnlyWhenItIsWanted) {
     ThreePoints();

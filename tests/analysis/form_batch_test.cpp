@@ -209,8 +209,7 @@ TEST_F(BatchRun, ASecondRunInTheSameFolderReadsWhatTheFirstOneWrote) {
     EXPECT_EQ(Contents(In("a_out_out.txt")), "A\t29.000\t8.000\t63.000\r\n");
 }
 
-// --- Files that exist
-// ---------------------------------------------------------------------------------------
+// --- Files that exist -------------------------------------------------------------------------------------
 
 TEST_F(BatchRun, AFileThatExistsIsReplacedOnlyWhenTheUserSaysSo) {
     for (const char* name : {"a.txt", "b.txt", "c.txt"}) {
@@ -261,8 +260,7 @@ TEST_F(BatchRun, TheFileInQuestionIsTheOneThatTheStatusNames) {
     EXPECT_EQ(Contents(Out("b_out.txt")), kResult);
 }
 
-// --- Files that cannot be done
-// --------------------------------------------------------------------------------
+// --- Files that cannot be done ----------------------------------------------------------------------------
 
 TEST_F(BatchRun, WhatCannotBeDoneIsLeftAndToldAtTheEnd) {
     Write("in/a.txt", kPoint);
@@ -366,8 +364,7 @@ TEST_F(BatchRun, OnASystemWithDecimalCommaBothDelimitersAreRead) {
     EXPECT_EQ(Contents(Out("b_out.txt")), "A\t12,500\t18,500\t33,500\r\n");
 }
 
-// --- Guests
-// ----------------------------------------------------------------------------------------------------
+// --- Guests -----------------------------------------------------------------------------------------------
 
 TEST_F(BatchRun, ClosingTheWindowEndsTheRun) {
     for (const char* name : {"in/a.txt", "in/b.txt", "in/c.txt"}) Write(name, kPoint);
@@ -445,8 +442,7 @@ TEST_F(BatchRun, ARunDoesNotBeginAgainInsideItself) {
     EXPECT_FALSE(enabled);
 }
 
-// --- Folders by dialog
-// ---------------------------------------------------------------------------------------
+// --- Folders by dialog ------------------------------------------------------------------------------------
 
 TEST_F(BatchRun, FoldersAreChosenInTheWindowForThem) {
     std::vector<std::string> titles;

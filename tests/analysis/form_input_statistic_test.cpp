@@ -52,7 +52,7 @@ const char* const kTarget = "A;5;6;7\r\nB;105;6;7\r\nC;5;206;7\r\nF;1;1;1\r\n";
 
 }  // namespace
 
-// --- What is shown ------------------------------------------------------------------------------------
+// --- What is shown ----------------------------------------------------------------------------------------
 
 TEST_F(Statistic, OpensByTheMenuEntryWithItsStoredPlace) {
     Open();
@@ -174,7 +174,7 @@ TEST_F(Statistic, WithoutRangesTheirTitleStaysAsItIs) {
     ExpectNotInUse();
 }
 
-// --- Refilling ------------------------------------------------------------------------------------------
+// --- Refilling --------------------------------------------------------------------------------------------
 
 TEST_F(Statistic, FollowsAnImportWhileItIsOpen) {
     Open();

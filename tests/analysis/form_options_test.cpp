@@ -53,7 +53,7 @@ Control& OptionNumber(int number) {
 
 }  // namespace
 
-// --- What is shown ------------------------------------------------------------------------------------
+// --- What is shown ----------------------------------------------------------------------------------------
 
 TEST_F(Options, OpenByTheMenuEntryWithTheirStoredPlace) {
     Open();
@@ -180,7 +180,7 @@ TEST_F(Options, TheBorderStandsInTheAngleUnitAndItsFormat) {
     }
 }
 
-// --- What OK takes ------------------------------------------------------------------------------------
+// --- What OK takes ----------------------------------------------------------------------------------------
 
 TEST_F(Options, OkStoresEachChoiceOfTheClipboard) {
     for (int value = 1; value <= 5; ++value) {
@@ -344,7 +344,7 @@ TEST_F(Options, TheHiddenOptionHasNoNumber) {
     EXPECT_EQ(Settings.ClipboardValue, 3);
 }
 
-// --- What is no number ----------------------------------------------------------------------------------
+// --- What is no number ------------------------------------------------------------------------------------
 
 TEST_F(Options, ATextThatIsNoNumberStoresNothing) {
     const auto fields = [] {
@@ -416,7 +416,7 @@ TEST_F(Options, ABorderBeyondAllNumbersIsShownAsSuchAndCannotBeTyped) {
     EXPECT_EQ(Settings.GimbalLockBorder, 1e308);
 }
 
-// --- Leaving --------------------------------------------------------------------------------------------
+// --- Leaving ----------------------------------------------------------------------------------------------
 
 TEST_F(Options, CancelEscapeAndTheCrossChangeNothing) {
     Open();

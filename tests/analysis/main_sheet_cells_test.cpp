@@ -163,7 +163,7 @@ TEST_F(MainSheetCellsShown, BeforeAnyCalculationStartPointsStandWhereTheyAre) {
             EXPECT_EQ(Cell(i, axis), FormatNumber(StartPoint(i)(axis), "0.000"));
 }
 
-// --- Directions --------------------------------------------------------------------------------------------
+// --- Directions -------------------------------------------------------------------------------------------
 
 TEST_F(MainSheetCellsShown, APointOnTheNegativeYAxisHasPhiOfMinusNinetyDegrees) {
     AddPair({0, -5, 0}, {0, 5, 0});
@@ -222,7 +222,7 @@ TEST_F(MainSheetCellsShown, ThetaIsMeasuredFromTheZAxis) {
     EXPECT_EQ(Cell(2, 21), "-45.0000");
 }
 
-// --- Units -------------------------------------------------------------------------------------------------
+// --- Units ------------------------------------------------------------------------------------------------
 
 TEST_F(MainSheetCellsShown, LengthsAndAnglesStandInTheUnitsOfTheJob) {
     FivePoints();
@@ -275,7 +275,7 @@ TEST_F(MainSheetCellsShown, TheDecimalDelimiterIsThatOfTheSystem) {
     EXPECT_EQ(Cell(1, 13), "-1,1344");
 }
 
-// --- Edge cases ------------------------------------------------------------------------------------------
+// --- Edge cases -------------------------------------------------------------------------------------------
 
 TEST_F(MainSheetCellsShown, WithoutPairsAllPointsAreListedWithEmptyDeviations) {
     AddStart("A", 1, 2, 3);

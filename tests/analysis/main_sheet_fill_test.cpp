@@ -39,7 +39,7 @@ protected:
 
 }  // namespace
 
-// --- Opening and closing -----------------------------------------------------------------------------------
+// --- Opening and closing ----------------------------------------------------------------------------------
 
 TEST_F(MainSheetFill, TheMenuEntryOpensItAndIsCheckedWhileItIsOpen) {
     FivePoints();
@@ -135,8 +135,7 @@ TEST_F(MainSheetFill, AJobWhoseCountsAndArraysDoNotFitHasNoData) {
     EXPECT_EQ(Rows(), 1);
 }
 
-// --- What others change
-// -------------------------------------------------------------------------------------
+// --- What others change -----------------------------------------------------------------------------------
 
 TEST_F(MainSheetFill, ItShowsThePointsAsTheyStoodWhenItWasFilled) {
     FivePoints();
@@ -317,8 +316,7 @@ TEST_F(MainSheetFill, AShorterJobPullsTheSelectionInside) {
     EXPECT_LT(Cells().TopRow, 4);
 }
 
-// --- Events inside a fill
-// ------------------------------------------------------------------------------------
+// --- Events inside a fill ---------------------------------------------------------------------------------
 
 TEST_F(MainSheetFill, ItYieldsAtEachRowWithTheBusyPointer) {
     FivePoints();

@@ -13,8 +13,7 @@ protected:
 
 }  // namespace
 
-// --- Sorting
-// -------------------------------------------------------------------------------------------------
+// --- Sorting ----------------------------------------------------------------------------------------------
 
 TEST_F(MainSheetUse, HeadingsSortAndEachFurtherClickGoesTheOtherWayRound) {
     FivePoints();
@@ -94,8 +93,7 @@ TEST_F(MainSheetUse, AnEmptySheetCanBeClickedAndCopied) {
     EXPECT_EQ(Cells().SortCol, 7);
 }
 
-// --- Copying
-// -------------------------------------------------------------------------------------------------
+// --- Copying ----------------------------------------------------------------------------------------------
 
 TEST_F(MainSheetUse, TheSelectionIsCopied) {
     FivePoints();
@@ -168,8 +166,7 @@ TEST_F(MainSheetUse, TheMainWindowsCopyCommandsCopyTheSelection) {
     EXPECT_EQ(Messages(), Texts{});
 }
 
-// --- The right button
-// ----------------------------------------------------------------------------------------
+// --- The right button -------------------------------------------------------------------------------------
 
 TEST_F(MainSheetUse, TheRightButtonCollectsTheFirstSelectedColumnAndPopsUpTheEditMenu) {
     FivePoints();
@@ -202,8 +199,7 @@ TEST_F(MainSheetUse, CollectedValuesAreReadWithTheSystemsDelimiter) {
     EXPECT_EQ(CalculationWindow.GraphValues, (Column{0, 0.5, 0}));
 }
 
-// --- The current point
-// -----------------------------------------------------------------------------------------
+// --- The current point ------------------------------------------------------------------------------------
 
 TEST_F(MainSheetUse, APointChosenElsewhereBecomesTheCurrentRowInTheMiddle) {
     NamedPairs(500);
@@ -248,8 +244,7 @@ TEST_F(MainSheetUse, TheNameUnderThePointTablesCursorLeadsToItsRow) {
     EXPECT_EQ(CurrentPoint(), 3);
 }
 
-// --- Widths
-// -------------------------------------------------------------------------------------------------
+// --- Widths -----------------------------------------------------------------------------------------------
 
 TEST_F(MainSheetUse, WidthsComeFromTheSettingsAndGoBackThere) {
     IniWerteSchreiben({{"Cols", "FormMainSheet0", "1500"},

@@ -184,8 +184,7 @@ TEST_F(BlackPlanesByName, ASavedSlabStaysAtItsPointsWhenThePictureTurnsAboutAnot
     EXPECT_EQ(Seen(), slab);
 }
 
-// --- The chart
-// ----------------------------------------------------------------------------------------------
+// --- The chart --------------------------------------------------------------------------------------------
 
 TEST_F(BlackPlanesByName, TheChartOfAColumnIsReadByItsName) {
     Start();  // deviations along z: 0.3, 0, 0, 0

@@ -353,8 +353,7 @@ TEST_F(Screens, AnswersOfTheirKindsAreCheckedBeforeTheyAreQueued) {
     EXPECT_EQ(answer("form", "x"), false);
 }
 
-// --- What is refused
-// ----------------------------------------------------------------------------------------
+// --- What is refused --------------------------------------------------------------------------------------
 
 TEST_F(Screens, AWindowThatIsNotThereIsAClearError) {
     Start();

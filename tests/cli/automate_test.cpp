@@ -53,7 +53,7 @@ const char* const kTarget = "A;5;6;7\nB;105;6;7\nC;5;206;7\nE;1;1;1\n";
 
 }  // namespace
 
-// --- Running --------------------------------------------------------------------------------------------
+// --- Running ----------------------------------------------------------------------------------------------
 
 TEST_F(Automation, AnswersEachLineInOrderAndEndsOnQuit) {
     std::istringstream in(
@@ -115,7 +115,7 @@ TEST_F(Automation, RepliesThatNobodyTakesEndItWithoutSuccess) {
     EXPECT_FALSE(IsLoaded("FormUnits")) << "no request runs whose reply would be lost";
 }
 
-// --- Requests that are none --------------------------------------------------------------------------------
+// --- Requests that are none -------------------------------------------------------------------------------
 
 TEST_F(Automation, RefusesWhatItDoesNotUnderstandAndGoesOn) {
     Start();
@@ -146,8 +146,7 @@ TEST_F(Automation, AControlOutOfReachTakesNothing) {
     EXPECT_EQ(Set("FormInputFiles.TextPreSuff", "x")["ok"], false) << "its frame is disabled without data";
 }
 
-// --- Controls
-// ------------------------------------------------------------------------------------------------
+// --- Controls ---------------------------------------------------------------------------------------------
 
 TEST_F(Automation, ChangesUnitsByNamesAlone) {
     Start();
@@ -210,8 +209,7 @@ TEST_F(Automation, OptionsAndChecksFollowTheClick) {
     EXPECT_EQ(Set("FormInputFiles.BtnOK", 1)["ok"], false);
 }
 
-// --- Import and records
-// ------------------------------------------------------------------------------------------
+// --- Import and records -----------------------------------------------------------------------------------
 
 TEST_F(Automation, ImportsByIdAndReadsEveryRecord) {
     Start();
@@ -334,8 +332,7 @@ TEST_F(Automation, FullPrecisionSurvivesAReadAndAWrite) {
     EXPECT_EQ(Record("RotZ").get<double>(), value);
 }
 
-// --- Clipboard, yields
-// -----------------------------------------------------------------------------------------
+// --- Clipboard, yields ------------------------------------------------------------------------------------
 
 TEST_F(Automation, TheClipboardIsReadSetAndMadeToRefuse) {
     Start();

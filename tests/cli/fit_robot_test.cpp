@@ -265,7 +265,7 @@ TEST_F(RobotProgramFits, StartPointsWithOtherNamesAreToldOfTheNamesOfPoses) {
     EXPECT_NE(outcome.Err.find("bear the names 1, 2, 3"), std::string::npos) << outcome.Err;
 }
 
-// --- The example -----------------------------------------------------------------------------------------
+// --- The example ------------------------------------------------------------------------------------------
 
 TEST_F(RobotProgramFits, AllFiveKindsOfTheExampleGiveTheSameFit) {
     const json first = FitJson({kTips, kPrograms[0].second, "--as", kPrograms[0].first, "--tool"});

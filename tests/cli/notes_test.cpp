@@ -287,8 +287,7 @@ TEST_F(NotesOfCommands, AFitThatLeavesParametersOpenPassesWithAWarningAndNotStri
     EXPECT_FALSE(File_Exist(PathOf("line.cvn")));
 }
 
-// --- The manual
-// ----------------------------------------------------------------------------------------------
+// --- The manual -------------------------------------------------------------------------------------------
 
 TEST_F(NotesOfCommands, AreAllExplainedByTheManual) {
     const std::string manual = Contents(kManual);

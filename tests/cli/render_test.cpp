@@ -302,8 +302,7 @@ TEST_F(Render, TheSmallestPictureIsOnePixel) {
                 << size;
 }
 
-// --- What is refused
-// ----------------------------------------------------------------------------------------
+// --- What is refused --------------------------------------------------------------------------------------
 
 TEST_F(Render, WrongUsageIsToldAndWritesNothing) {
     const std::string job = Plate();

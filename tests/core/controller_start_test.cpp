@@ -51,7 +51,7 @@ private:
 
 }  // namespace
 
-// --- Start: the settings file --------------------------------------------------------------------------
+// --- Start: the settings file -----------------------------------------------------------------------------
 
 TEST_F(ControllerStart, TheFirstStartCreatesFolderAndSettingsFile) {
     TraceFiles();
@@ -203,7 +203,7 @@ TEST_F(ControllerStart, AWrongTextInTheSettingsFileIsToldAndTheProgramStarts) {
     EXPECT_TRUE(IsLoaded("FormMain"));
 }
 
-// --- Start: no data ------------------------------------------------------------------------------------
+// --- Start: no data ---------------------------------------------------------------------------------------
 
 TEST_F(ControllerStart, TheStartEndsWithoutData) {
     StartUp("");

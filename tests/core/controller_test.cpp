@@ -64,7 +64,7 @@ const std::vector<const char*> kGraphicsCommands = {
 
 }  // namespace
 
-// --- The title -----------------------------------------------------------------------------------------
+// --- The title --------------------------------------------------------------------------------------------
 
 TEST_F(Controller, TheTitleKeepsOneHundredAndSixtyCharactersAndTheEndOfThePath) {
     // "Corvinade Version " has 18 characters, "2.0.64 | " has 9.
@@ -90,7 +90,7 @@ TEST_F(Controller, TheTitleCountsCharactersAndNotBytes) {
     EXPECT_TRUE(title.ends_with("€€"));
 }
 
-// --- The state of the commands -------------------------------------------------------------------------
+// --- The state of the commands ----------------------------------------------------------------------------
 
 TEST_F(Controller, RecentFilesAndTitleFollowTheRun) {
     StartUp("");
@@ -187,7 +187,7 @@ TEST_F(Controller, PanelsOfTheStatusBarAreNumbered) {
     EXPECT_EQ(Main.StatusBar_1.Text, "text 1");
 }
 
-// --- Commands ------------------------------------------------------------------------------------------
+// --- Commands ---------------------------------------------------------------------------------------------
 
 TEST_F(Controller, WithFewerThanTwoPairsThereIsNoCalculation) {
     StartUp("");
@@ -266,7 +266,7 @@ TEST_F(Controller, TheManualIsHandedToTheDesktop) {
     EXPECT_EQ(Headless.Shell[0].Path, folder_ + "/program/manual Corvinade English 2.0.0.pdf");
 }
 
-// --- The end -------------------------------------------------------------------------------------------
+// --- The end ----------------------------------------------------------------------------------------------
 
 TEST_F(Controller, ClosingUnloadsEveryWindowWithItsPlace) {
     StartUp("");

@@ -64,7 +64,7 @@ struct Include {
 };
 
 bool IsSource(const fs::path& path) {
-    return path.extension() == ".cpp" || path.extension() == ".h";
+    return path.extension() == ".cpp" || path.extension() == ".h" || path.extension() == ".inl";
 }
 
 std::vector<fs::path> FilesBelow(const fs::path& folder) {
@@ -85,8 +85,13 @@ std::vector<Include> AllIncludes() {
             const std::size_t hash = line.find_first_not_of(" \t");
             if (hash == std::string::npos || line[hash] != '#') continue;
             const std::size_t word = line.find_first_not_of(" \t", hash + 1);
-            if (word == std::string::npos || line.compare(word, 7, "include") != 0) continue;
+            if (word == std::string::npos) continue;
+            // A loop in lanes is included by the name that its #define says.
+            if (line.compare(word, 7, "include") != 0 && line.compare(word, 17, "define LANES_BODY") != 0)
+                continue;
             const std::size_t open = line.find_first_of("\"<", word);
+            if (open == std::string::npos)
+                continue;  // the name that a #define above says, which is looked at
             const std::size_t close = line.find_first_of("\">", open + 1);
             includes.push_back({fs::relative(path, kSource / "src").generic_string(),
                                 line.substr(open + 1, close - open - 1), line[open] == '"'});
@@ -122,10 +127,18 @@ std::string Objection(const Include& include) {
 }
 
 bool IsText(const fs::path& path) {
-    static const std::set<std::string> kExtensions = {".cpp", ".h",   ".md",  ".txt",  ".cmake",
-                                                      ".ui",  ".qrc", ".svg", ".json", ".py",
-                                                      ".sh",  ".yml", ".csv", ".xml"};
+    static const std::set<std::string> kExtensions = {".cpp",   ".h",  ".inl", ".md",  ".txt",
+                                                      ".cmake", ".ui", ".qrc", ".svg", ".json",
+                                                      ".py",    ".sh", ".yml", ".csv", ".xml"};
     return kExtensions.contains(path.extension().string());
+}
+
+// The line that parts a file into sections: "// --- Title ---", 109 columns wide as all others. clang-format
+// knows nothing of it and breaks one that is too long in two.
+bool IsWholeRuler(const std::string& line) {
+    const auto columns = std::count_if(
+        line.begin(), line.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; });
+    return line.starts_with("// --- ") && line.ends_with("---") && columns == 109;
 }
 
 }  // namespace
@@ -165,6 +178,47 @@ TEST(Floors, NoSourceFileIsLongerThanFiveHundredLines) {
         const std::string text = Contents(path.string());
         EXPECT_LE(std::count(text.begin(), text.end(), '\n'), 500) << path;
     }
+}
+
+TEST(Floors, EveryKindOfSourceIsLookedAt) {
+    std::set<std::string> extensions;
+    for (const char* room : {"src", "tests", "bench"})
+        for (const fs::path& path : FilesBelow(kSource / room))
+            if (IsSource(path)) extensions.insert(path.extension().string());
+    EXPECT_EQ(extensions, (std::set<std::string>{".cpp", ".h", ".inl"}));
+    const std::vector<Include> includes = AllIncludes();
+    const auto bodies = std::count_if(includes.begin(), includes.end(), [](const Include& include) {
+        return include.Name.ends_with(".inl") && !include.Name.ends_with("all_widths.inl");
+    });
+    EXPECT_GE(bodies, 4);
+}
+
+TEST(Floors, ARulerThatIsBrokenIsSeen) {
+    const std::string whole = "// --- Places " + std::string(95, '-');
+    EXPECT_TRUE(IsWholeRuler(whole));
+    EXPECT_TRUE(IsWholeRuler("// --- Maß " + std::string(98, '-')));
+    EXPECT_FALSE(IsWholeRuler(whole + "-"));
+    EXPECT_FALSE(IsWholeRuler("    " + whole.substr(0, 105)));
+    EXPECT_FALSE(IsWholeRuler("// --- Places"));
+    EXPECT_FALSE(IsWholeRuler("// " + std::string(106, '-')));
+}
+
+TEST(Floors, SectionRulersAreWholeAndAsLongAsAllOthers) {
+    int rulers = 0;
+    for (const char* room : {"src", "tests", "bench"})
+        for (const fs::path& path : FilesBelow(kSource / room)) {
+            if (!IsSource(path)) continue;
+            std::istringstream lines(Contents(path.string()));
+            int number = 0;
+            for (std::string line; std::getline(lines, line);) {
+                ++number;
+                const std::size_t text = line.find_first_not_of(" \t");
+                if (text == std::string::npos || line.compare(text, 6, "// ---") != 0) continue;
+                ++rulers;
+                EXPECT_TRUE(IsWholeRuler(line)) << path << ":" << number << ": " << line;
+            }
+        }
+    EXPECT_GT(rulers, 50);
 }
 
 TEST(Floors, TextsHaveNoByteOrderMarkNoCarriageReturnAndComposedUmlauts) {

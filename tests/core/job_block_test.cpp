@@ -189,8 +189,7 @@ TEST_F(JobBlocks, SavingOverOneCutsItOff) {
     ExpectBytes(Contents(path), now);
 }
 
-// --- What else a file may hold that does not fit
-// ------------------------------------------------------------
+// --- What else a file may hold that does not fit ----------------------------------------------------------
 
 TEST_F(JobBlocks, FlagsOfMorePairsThanAreCountedAreNoted) {
     HandJob job = Example();

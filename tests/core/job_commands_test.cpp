@@ -59,7 +59,7 @@ using Texts = std::vector<std::string>;
 
 }  // namespace
 
-// --- Save and Save As -----------------------------------------------------------------------------------
+// --- Save and Save As -------------------------------------------------------------------------------------
 
 TEST_F(JobCommands, SaveWritesTheJobUnderItsNameAfterASecondWithABusyPointer) {
     Run.JobFilePath = PathOf("a.cvn");

@@ -117,7 +117,7 @@ const std::vector<std::pair<std::string, Keys>>& KnownKeys() {
 
 }  // namespace
 
-// --- A new file ----------------------------------------------------------------------------------------
+// --- A new file -------------------------------------------------------------------------------------------
 
 TEST_F(SettingsFile, ANewFileHoldsTheDefaultsByteByByte) {
     IniDateiAnlegen();
@@ -196,7 +196,7 @@ TEST_F(SettingsFile, TheFlagKeysAreWrittenWithShowPointNumberFirst) {
     EXPECT_EQ(written, KnownKeys()[8].second);
 }
 
-// --- Reading -------------------------------------------------------------------------------------------
+// --- Reading ----------------------------------------------------------------------------------------------
 
 TEST_F(SettingsFile, OneValueIsTheFirstInTheFileAndTheWholeFileGivesTheLast) {
     Hold(CrLf("[A]\nMaxIteration=3\n[B]\nMaxIteration=4\n"));
@@ -331,7 +331,7 @@ TEST_F(SettingsFile, UnknownKeysAndLooseLinesAreIgnored) {
     EXPECT_EQ(Settings.MaxIteration, 0);
 }
 
-// --- Window places -------------------------------------------------------------------------------------
+// --- Window places ----------------------------------------------------------------------------------------
 
 TEST_F(SettingsFile, AWindowPlaceIsWrittenAndReadUnderItsName) {
     SaveWindowPlace({1, -2, 30000, 40000}, "FormX");

@@ -22,7 +22,7 @@ std::string With(const std::string& text, const std::string& section, const std:
 
 }  // namespace
 
-// --- Writing one value ---------------------------------------------------------------------------------
+// --- Writing one value ------------------------------------------------------------------------------------
 
 TEST_F(SettingsWriting, AnEmptyFileGetsSectionValueAndEndMark) {
     EXPECT_EQ(With("", "A", "k", "1"), CrLf("[A]\nk=1\n[LastEntry]\n"));
@@ -185,7 +185,7 @@ TEST_F(SettingsWriting, SettingsOfTheTableAreWrittenUnderTheirSection) {
                            "LastDir=/tmp/\xE4\n[LastEntry]\n"));
 }
 
-// --- Refusals ------------------------------------------------------------------------------------------
+// --- Refusals ---------------------------------------------------------------------------------------------
 
 TEST_F(SettingsWriting, ARefusedWriteIsToldOnceAndKeepsTheOldFile) {
     const std::string text = CrLf("[A]\nk=1\n");

@@ -215,7 +215,7 @@ TEST_F(UnitsAndFormats, AnAngleInputBecomesANumberText) {
     }
 }
 
-// --- The window ----------------------------------------------------------------------------------------
+// --- The window -------------------------------------------------------------------------------------------
 
 TEST_F(UnitsAndFormats, TheWindowListsAllUnitsAndFormatsInTheirOrder) {
     OpenWindow();

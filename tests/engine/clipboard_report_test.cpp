@@ -214,7 +214,7 @@ TEST_F(ClipboardReport, AProtocolOfAHundredThousandPointsHasALineForEach) {
     EXPECT_EQ(std::count(text.begin() + heading, text.end(), '\n'), 100001);
 }
 
-// --- Robot modes ---------------------------------------------------------------------------------------
+// --- Robot modes ------------------------------------------------------------------------------------------
 
 TEST_F(ClipboardReport, TheCalculationPutsTheTextOfItsModeOnTheClipboard) {
     ExactJob();
@@ -308,7 +308,7 @@ TEST_F(ClipboardReport, WithoutParametersOfTheInverseItsTranslationStandsAlone) 
     EXPECT_NE(LastMessage().find("No inverted Solutions found."), std::string::npos);
 }
 
-// --- Where nothing can be written ----------------------------------------------------------------------
+// --- Where nothing can be written -------------------------------------------------------------------------
 
 TEST_F(ClipboardReport, AClipboardThatRefusesIsToldOnceAndChangesNothing) {
     ThreePairs();

@@ -93,7 +93,7 @@ protected:
 
 }  // namespace
 
-// --- Matrix and translation ------------------------------------------------------------------------------
+// --- Matrix and translation -------------------------------------------------------------------------------
 
 TEST_F(InverseOfTheChain, ThereAndBackIsTheSamePoint) {
     std::mt19937 random(6);
@@ -179,7 +179,7 @@ TEST_F(InverseOfTheChain, ParametersThatAreNoNumbersHaveNoSolutionAndEnd) {
     }
 }
 
-// --- Solutions -------------------------------------------------------------------------------------------
+// --- Solutions --------------------------------------------------------------------------------------------
 
 TEST_F(InverseOfTheChain, ARigidTransformationHasTwoSolutionsWhichLeadBack) {
     Rotate(0.3, -0.4, 2.5);
@@ -315,7 +315,7 @@ TEST_F(InverseOfTheChain, AHugeScaleWithShearComesToAnEnd) {
     EXPECT_GT(Inverse.InvSolutions.Rows, 8);
 }
 
-// --- The record ------------------------------------------------------------------------------------------
+// --- The record -------------------------------------------------------------------------------------------
 
 TEST_F(InverseOfTheChain, IsKnownByNameAndGoneInANewProgram) {
     Rotate(0.3, -0.4, 0.5);

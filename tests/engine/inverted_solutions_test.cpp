@@ -121,7 +121,7 @@ void ExpectSolutions(const Mat3& W, const Matrix& list, double tolerance) {
 
 }  // namespace
 
-// --- The search ------------------------------------------------------------------------------------------
+// --- The search -------------------------------------------------------------------------------------------
 
 TEST_F(InvertedParameters, ARotationHasItsTwoTriples) {
     std::mt19937 random(3);
@@ -226,7 +226,7 @@ TEST_F(InvertedParameters, RowsDifferSomewhereByMoreThanTheLimit) {
     }
 }
 
-// --- No solution -----------------------------------------------------------------------------------------
+// --- No solution ------------------------------------------------------------------------------------------
 
 TEST_F(InvertedParameters, AMatrixThatIsNotOfTheFormSaysSo) {
     Mat3 W = Rounded(ModelMatrix({0.4, -0.3, 2.0, 1, 1, 1, 0, 0, 0}));
@@ -266,7 +266,7 @@ TEST_F(InvertedParameters, WhatIsNoNumberHasNoSolution) {
             }
 }
 
-// --- The shear matrix ------------------------------------------------------------------------------------
+// --- The shear matrix -------------------------------------------------------------------------------------
 
 TEST_F(InvertedParameters, AShearMatrixSplitsIntoBothItsTriples) {
     std::mt19937 random(8);

@@ -3,7 +3,7 @@
 
 using PointTableClicks = PointTableWindow;
 
-// --- Coordinates in and out ----------------------------------------------------------------------------
+// --- Coordinates in and out -------------------------------------------------------------------------------
 
 TEST_F(PointTableClicks, ADoubleClickOnAUseCellTurnsItOver) {
     OpenWithFour();
@@ -174,7 +174,7 @@ TEST_F(PointTableClicks, APointThatTheJobNoLongerHasIsLeftAlone) {
     EXPECT_EQ(Cells().Row, 0);
 }
 
-// --- Seeds ---------------------------------------------------------------------------------------------
+// --- Seeds ------------------------------------------------------------------------------------------------
 
 TEST_F(PointTableClicks, ADoubleClickOnANameMakesItTheFirstSeed) {
     OpenWithFour();

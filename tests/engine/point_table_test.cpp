@@ -3,7 +3,7 @@
 
 using PointTableShown = PointTableWindow;
 
-// --- What it shows ---------------------------------------------------------------------------------------
+// --- What it shows ----------------------------------------------------------------------------------------
 
 TEST_F(PointTableShown, TheWindowOpensWithHeadingsAndTheDeviations) {
     OpenWithFour();
@@ -176,7 +176,7 @@ TEST_F(PointTableShown, TheTableShowsTheDeviationsAlsoWhereThePicturesShowRVecto
     EXPECT_EQ(Cell(3, 4), Length(Calculation.v[9]));
 }
 
-// --- Widths ----------------------------------------------------------------------------------------------
+// --- Widths -----------------------------------------------------------------------------------------------
 
 TEST_F(PointTableShown, WidthsComeFromTheSettingsAndGoBackThere) {
     IniWerteSchreiben({{"Cols", "col_fb_1", "1500"}, {"Cols", "col_fb_2", "0"}});
@@ -203,7 +203,7 @@ TEST_F(PointTableShown, AWidthThatIsNoneIsTheUsualOneAndTheWindowOpens) {
     for (const std::size_t col : {4, 5, 6}) EXPECT_EQ(Cells().ColWidths[col], 900);
 }
 
-// --- Sorting ---------------------------------------------------------------------------------------------
+// --- Sorting ----------------------------------------------------------------------------------------------
 
 TEST_F(PointTableShown, HeadingsSortAndEachFurtherClickGoesTheOtherWayRound) {
     OpenWithFour();
@@ -257,7 +257,7 @@ TEST_F(PointTableShown, ARefillKeepsTopRowAndSelection) {
     EXPECT_EQ(Selected(Cells()).Row2, 2);
 }
 
-// --- Copying -------------------------------------------------------------------------------------------
+// --- Copying ----------------------------------------------------------------------------------------------
 
 TEST_F(PointTableShown, TheSelectionIsCopied) {
     OpenWithFour();

@@ -242,8 +242,7 @@ TEST_F(AnalyseMode, ItNeedsNoVectorMode) {
     EXPECT_EQ(Scene.VecPixelX[1], -40);
 }
 
-// --- What happens meanwhile
-// -----------------------------------------------------------------------------------
+// --- What happens meanwhile -------------------------------------------------------------------------------
 
 TEST_F(AnalyseMode, AWindowClosedInsideTheLoopEndsIt) {
     ScreenWindow& window = OpenOnCanvas();

@@ -239,8 +239,7 @@ TEST_F(BlackPlanesTest, APickedCentreOfRotationLosesNoPointOfTheFirstPlane) {
     }
 }
 
-// --- The frame
-// ----------------------------------------------------------------------------------------------
+// --- The frame --------------------------------------------------------------------------------------------
 
 class BlackPlaneFrame : public BlackPlanesTest {
 protected:
@@ -322,8 +321,7 @@ TEST_F(BlackPlaneFrame, ItLiesBehindThePointsAndGoesWithThePlanes) {
     for (std::size_t i = 1; i <= 12; ++i) EXPECT_EQ(all[i].Kind, Stroke::Line) << i;
 }
 
-// --- The mouse
-// ----------------------------------------------------------------------------------------------
+// --- The mouse --------------------------------------------------------------------------------------------
 
 class PlaneDrags : public BlackPlanesTest {
 protected:

@@ -8,8 +8,7 @@
 
 namespace {
 
-// --- What comes out of files
-// --------------------------------------------------------------------------------
+// --- What comes out of files ------------------------------------------------------------------------------
 
 TEST_F(BlackPlanesTest, AFrameThatIsNoneHidesNothing) {
     ScreenWindow& window = OpenDepths({-20, 20});
@@ -35,8 +34,7 @@ TEST_F(BlackPlanesTest, AFrameThatIsNoneHidesNothing) {
     EXPECT_EQ(window.State.SlabThickness, 0);
 }
 
-// --- The dialog
-// ---------------------------------------------------------------------------------------------
+// --- The dialog -------------------------------------------------------------------------------------------
 
 class BlackPlaneDialog : public BlackPlanesTest {
 protected:

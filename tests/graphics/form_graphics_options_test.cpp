@@ -106,8 +106,7 @@ const SwitchRow kRows[] = {
 
 }  // namespace
 
-// --- The dialog
-// ------------------------------------------------------------------------------------------------
+// --- The dialog -------------------------------------------------------------------------------------------
 
 TEST_F(GraphicsOptions, IsOpenedByItsEntryWhichNeedsAGraphicsWindow) {
     UserClose(FormGraphicsOptions_Entry);
@@ -258,8 +257,7 @@ TEST_F(GraphicsOptions, TheColourBarHasOneSwitchHereAndInTheMenu) {
     EXPECT_FALSE(Main.MenüAnsichtToleranzenColorbar.Checked);
 }
 
-// --- What each switch does in the picture
-// -------------------------------------------------------------------------
+// --- What each switch does in the picture -----------------------------------------------------------------
 
 TEST_F(GraphicsOptions, EachBlockOfPointsHasItsSwitch) {
     for (const SwitchRow& row : kRows) Set(row.Control, 0);
@@ -395,8 +393,7 @@ TEST_F(GraphicsOptions, RVectorsAreDrawnWhereTheJobHasADistance) {
     EXPECT_FALSE(LinesOf(*first_, QbColor(13)).empty());
 }
 
-// --- The font of the labels
-// -----------------------------------------------------------------------------------
+// --- The font of the labels -------------------------------------------------------------------------------
 
 TEST_F(GraphicsOptions, TheFontChooserBeginsWithTheFontOfTheActiveWindowAndServesAllLabels) {
     ScreenWindow& second = OpenScreenWindow();

@@ -305,8 +305,7 @@ TEST_F(Menus, WithoutAWindowNoHandlerDoesHarm) {
     EXPECT_TRUE(Screens().Open.empty());
 }
 
-// --- Keys and mouse told
-// --------------------------------------------------------------------------------------
+// --- Keys and mouse told ----------------------------------------------------------------------------------
 
 TEST_F(Menus, TheFirstWindowEverTellsWhatMouseAndKeysDo) {
     ScreenWindow& first = OpenFive();
@@ -337,8 +336,7 @@ TEST_F(Menus, AnyPressTakesTheBindingsAwayAndActsAllTheSame) {
     EXPECT_FALSE(window.BindingsShown);
 }
 
-// --- What the other rooms tell
-// --------------------------------------------------------------------------------
+// --- What the other rooms tell ----------------------------------------------------------------------------
 
 TEST_F(Menus, OtherUnitsPaintThePicturesAnew) {
     ScreenWindow& window = OpenFive();

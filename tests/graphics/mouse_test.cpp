@@ -41,8 +41,7 @@ protected:
     static constexpr int kBoth = kLeftButton | kRightButton;
 };
 
-// --- Rotation
-// -------------------------------------------------------------------------------------------------
+// --- Rotation ---------------------------------------------------------------------------------------------
 
 TEST_F(Mouse, LeftWithShiftTurnsAboutTheAxesOfTheScreen) {
     ScreenWindow& window = OpenFive();
@@ -132,8 +131,7 @@ TEST_F(Mouse, NamesAreLeftOutDuringAMoveAndComeBackBehindIt) {
     }
 }
 
-// --- Zoom
-// -----------------------------------------------------------------------------------------------------
+// --- Zoom -------------------------------------------------------------------------------------------------
 
 TEST_F(Mouse, TheRightButtonZoomsOutAboutTheMouse) {
     ScreenWindow& window = OpenFive();
@@ -277,8 +275,7 @@ TEST_F(Mouse, EveryReleaseStoresTheViewButInTheFlagMode) {
     EXPECT_EQ(window.UndoCount, stored + 2);
 }
 
-// --- Status bar
-// -----------------------------------------------------------------------------------------------
+// --- Status bar -------------------------------------------------------------------------------------------
 
 TEST_F(Mouse, TheStatusBarTellsThePointUnderTheMouse) {
     ScreenWindow& window = OpenFive();
@@ -332,8 +329,7 @@ TEST_F(Mouse, TheStatusBarIsBroughtUpToDateInEveryKindOfMove) {
     EXPECT_EQ(window.Mouse.Y, 120);
 }
 
-// --- Clicks
-// ---------------------------------------------------------------------------------------------------
+// --- Clicks -----------------------------------------------------------------------------------------------
 
 TEST_F(Mouse, TheClickThatEndsAFrameZoomIsNoClick) {
     ScreenWindow& window = OpenFive();

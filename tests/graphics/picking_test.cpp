@@ -213,8 +213,7 @@ TEST_F(Picking, AClickOutsideThePicturePicksNothing) {
     EXPECT_EQ(Scene.ActualPointName, "T");
 }
 
-// --- Rotation about a point
-// -----------------------------------------------------------------------------------
+// --- Rotation about a point -------------------------------------------------------------------------------
 
 TEST_F(Picking, AnArmedRotationIsAboutThePointThatIsPicked) {
     ScreenWindow& window = OpenFive();

@@ -89,8 +89,7 @@ TEST_F(SavedViews, TheFiftyFirstIsRefusedWithTheMessageAndNothingChanges) {
     EXPECT_EQ(Slot(50).BildOffsetX, 50);
 }
 
-// --- The dialog
-// -----------------------------------------------------------------------------------------------
+// --- The dialog -------------------------------------------------------------------------------------------
 
 TEST_F(SavedViews, TheDialogListsAllNamesAndTakesTheChosenOne) {
     OpenFive();
@@ -188,8 +187,7 @@ TEST_F(SavedViews, TheDialogComesUpOnce) {
     EXPECT_EQ(Names(), Texts{"a"});
 }
 
-// --- Restoring
-// ------------------------------------------------------------------------------------------------
+// --- Restoring --------------------------------------------------------------------------------------------
 
 TEST_F(SavedViews, TheChosenEntryIsRestoredWithTheSizeOfItsWindow) {
     ScreenWindow& window = OpenFive();
@@ -262,8 +260,7 @@ TEST_F(SavedViews, AViewBelongsToTheJobAndNotToTheWindow) {
     UserSetIndex(Main.ComboSaveView, 0);  // no window: nothing to restore
 }
 
-// --- Deleting
-// -------------------------------------------------------------------------------------------------
+// --- Deleting ---------------------------------------------------------------------------------------------
 
 TEST_F(SavedViews, DeletingMovesTheViewsBehindUpByOne) {
     ScreenWindow& window = OpenFive();

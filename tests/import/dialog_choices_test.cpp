@@ -137,7 +137,7 @@ TEST_F(DialogChoices, AnImportThatSucceedsMakesTheJobOfItsKindAlone) {
     }
 }
 
-// --- What an opened job has of its poses ---------------------------------------------------------------
+// --- What an opened job has of its poses ------------------------------------------------------------------
 
 TEST_F(DialogChoices, AnOpenedJobHasTheSpansOfItsOwnPoses) {
     OpenKukaJob();

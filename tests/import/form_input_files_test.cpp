@@ -15,7 +15,7 @@
 #include "import/input_dialog.h"
 #include "import/matching.h"
 
-// --- Opening ------------------------------------------------------------------------------------------
+// --- Opening ----------------------------------------------------------------------------------------------
 
 TEST_F(InputDialog, OpensByTheMenuEntryWithItsStoredPlace) {
     UserClick(Main.MenuFileInputFiles);
@@ -100,7 +100,7 @@ TEST_F(InputDialog, IsNeverSmallerThanItsFramesNeed) {
     EXPECT_EQ(InputFiles.Window.Place.Width, 650);
 }
 
-// --- The buttons -----------------------------------------------------------------------------------------
+// --- The buttons ------------------------------------------------------------------------------------------
 
 TEST_F(InputDialog, BrowsingBeginsInTheLastFolderAndFillsTheText) {
     Settings.LastMCSRoot = "/m";
@@ -200,7 +200,7 @@ TEST_F(InputDialog, ABundleFileIsReadInPlaceOfPointsAndForgotten) {
     EXPECT_EQ(Run.JobDataValid, kFalse);
 }
 
-// --- The import by ID -----------------------------------------------------------------------------------
+// --- The import by ID -------------------------------------------------------------------------------------
 
 TEST_F(InputDialog, ImportsByIdAndBringsThePairsToTheFront) {
     Import();
@@ -322,7 +322,7 @@ TEST_F(InputDialog, PointsAreReadInTheChosenUnit) {
     EXPECT_DOUBLE_EQ(*Job.OCS_Y[3], 206 * 25.4);
 }
 
-// --- Replacing points -----------------------------------------------------------------------------------
+// --- Replacing points -------------------------------------------------------------------------------------
 
 TEST_F(InputDialog, AsksBeforeItReplacesPoints) {
     Import();

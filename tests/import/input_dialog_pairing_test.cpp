@@ -16,7 +16,7 @@
 #include "import/input_dialog.h"
 #include "import/matching.h"
 
-// --- By coordinate and by distance -----------------------------------------------------------------------
+// --- By coordinate and by distance ------------------------------------------------------------------------
 
 TEST_F(InputDialog, ByCoordinateAsksForTheToleranceWithItsText) {
     target_ = Write("near.txt", "p;0.1;0;0\r\nq;100;0.2;0\r\nr;0;200;5\r\n");
@@ -238,7 +238,7 @@ TEST_F(InputDialog, ElementsThatShortLinesLeaveUnusedNeverPair) {
     EXPECT_EQ(Names(Job.OCS_Name), (std::vector<std::string>{"A", "C", ""}));
 }
 
-// --- When files cannot be written --------------------------------------------------------------------------
+// --- When files cannot be written -------------------------------------------------------------------------
 
 TEST_F(InputDialog, AFullDiskAtTheRewrittenFileLeavesTheUsersFileWholeAndTheJobNot) {
     for (const char* operation : {"create", "write", "flush", "rename"}) {
@@ -334,8 +334,7 @@ TEST_F(InputDialog, AddingABadFileLeavesTheJobAsItWas) {
     EXPECT_EQ(Run.JobDataValid, kTrue);
 }
 
-// --- The round trip through the clipboard
-// -----------------------------------------------------------------
+// --- The round trip through the clipboard -----------------------------------------------------------------
 
 TEST_F(InputDialog, TheRoundTripCalculatesFromTheClipboardAndAddsTheQuality) {
     Headless.Clipboard =  // a pure shift by (5, 6, 7)

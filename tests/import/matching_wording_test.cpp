@@ -43,7 +43,7 @@ int Last(const Set& set) {
     return static_cast<int>(set.size()) - 1;
 }
 
-// --- The rules, step by step ----------------------------------------------------------------------------
+// --- The rules, step by step ------------------------------------------------------------------------------
 
 std::string Padded(const std::string& name) {
     const bool digits = !name.empty() && name.find_first_not_of("0123456789") == std::string::npos;
@@ -200,7 +200,7 @@ std::vector<Candidate> PlainSearch(const std::vector<Row>& start, const std::vec
     return found;
 }
 
-// --- The comparison --------------------------------------------------------------------------------------
+// --- The comparison ---------------------------------------------------------------------------------------
 
 class MatchingWording : public Program {
 protected:

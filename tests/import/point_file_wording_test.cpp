@@ -17,7 +17,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-// --- The rules, step by step ----------------------------------------------------------------------------
+// --- The rules, step by step ------------------------------------------------------------------------------
 
 std::string PlainField(std::string& line, char delimiter) {
     std::string field;
@@ -249,7 +249,7 @@ Outcome PlainRead(Lines lines, const Surroundings& at) {
     return out;
 }
 
-// --- The comparison --------------------------------------------------------------------------------------
+// --- The comparison ---------------------------------------------------------------------------------------
 
 class PointFileWording : public Program {
 protected:

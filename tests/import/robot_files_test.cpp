@@ -1,7 +1,7 @@
 // The readers of robot programs: what each takes, and where it stops.
 #include "import/robot_programs.h"
 
-// --- Declarations ----------------------------------------------------------------------------------------
+// --- Declarations -----------------------------------------------------------------------------------------
 
 TEST_F(RobotFiles, DeclaredPosesHaveNumbersAsNamesAndTheirAnglesInTheColumnsZYX) {
     Kuka("&ACCESS RVP\nDEFDAT  CALIB PUBLIC\n\n" + kFirst + "DECL FDAT FP1={TOOL_NO 0,BASE_NO 0}\n" +
@@ -155,7 +155,7 @@ TEST_F(RobotFiles, AFileOfMarksAloneTakesNoMemoryForTheirPoses) {
     EXPECT_EQ(Job.nOCS, 0);
 }
 
-// --- Fixed columns ---------------------------------------------------------------------------------------
+// --- Fixed columns ----------------------------------------------------------------------------------------
 
 TEST_F(RobotFiles, PosesInColumnsHaveTheirAnglesInTheOrderRPW) {
     Fanuc(kFanucHead + FanucPose(1, {1234.5, -20.25, 600.125}, {-170, 15.5, 90.001}) +
@@ -231,7 +231,7 @@ TEST_F(RobotFiles, JointPositionsAreAnError) {
               In(10) + "there is no \"X \" in \"?J1 =     0.000 deg\"");
 }
 
-// --- Modules ---------------------------------------------------------------------------------------------
+// --- Modules ----------------------------------------------------------------------------------------------
 
 TEST_F(RobotFiles, TargetsOfAModuleTurnAsTheirQuaternionsDo) {
     // 45 degrees about z; 30 degrees about y; both, z first; 180 degrees about x.

@@ -19,7 +19,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-// --- The rules, step by step ----------------------------------------------------------------------------
+// --- The rules, step by step ------------------------------------------------------------------------------
 
 struct Bad {  // what ends a reading: the number of the line; 0 = the file as a whole
     int Line;
@@ -280,7 +280,7 @@ void PlainAbb(Reader& r) {
     if (lost > 0) r.Out.Messages.push_back("lost " + std::to_string(lost));
 }
 
-// --- The comparison --------------------------------------------------------------------------------------
+// --- The comparison ---------------------------------------------------------------------------------------
 
 class RobotFilesWording : public Program {
 protected:
