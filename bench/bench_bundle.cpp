@@ -11,7 +11,7 @@
 
 #include "bundle/adjustment_steps.h"
 #include "core/fresh_start.h"
-#include "engine/matrix.h"
+#include "fit/matrix.h"
 #include "timing.h"
 
 #ifdef CORVINADE_BENCH_LAPACK

@@ -5,10 +5,10 @@
 #include <cmath>
 #include <span>
 
-#include "core/any_vectors.h"
 #include "core/job.h"
-#include "core/require.h"
 #include "core/run.h"
+#include "fit/any_vectors.h"
+#include "fit/require.h"
 
 namespace {
 

@@ -11,10 +11,10 @@
 #include "core/platform.h"
 #include "core/text.h"
 #include "core/units.h"
-#include "engine/matrix.h"
 #include "engine/result_notes.h"
 #include "engine/sound_angles.h"
 #include "engine/transform.h"
+#include "fit/matrix.h"
 
 namespace {
 

@@ -10,9 +10,9 @@
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/platform.h"
-#include "core/require.h"
 #include "core/run.h"
 #include "engine/field_number.h"
+#include "fit/require.h"
 
 namespace {
 

@@ -10,11 +10,11 @@
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/refresh.h"
-#include "core/require.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
 #include "engine/calculation_window.h"
+#include "fit/require.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include "core/run.h"
 #include "core/units.h"
 #include "core/window.h"
-#include "engine/coordinate_forms.h"
 #include "engine/transform.h"
+#include "fit/coordinate_forms.h"
 
 namespace {
 

@@ -10,9 +10,9 @@
 
 #include "core/numbers.h"
 #include "core/platform.h"
-#include "core/require.h"
-#include "engine/matrix.h"
-#include "engine/vector.h"
+#include "fit/matrix.h"
+#include "fit/require.h"
+#include "fit/vector.h"
 
 namespace {
 

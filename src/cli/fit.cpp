@@ -22,7 +22,6 @@
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/refresh.h"
-#include "core/require.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
@@ -35,7 +34,8 @@
 #include "engine/noise.h"
 #include "engine/pose_file.h"
 #include "engine/solution_details.h"
-#include "engine/vector.h"
+#include "fit/require.h"
+#include "fit/vector.h"
 #include "import/form_input_files.h"
 
 namespace {

@@ -11,8 +11,8 @@
 #include "cli/fit_parameters.h"
 #include "cli/text_columns.h"
 #include "core/numbers.h"
-#include "engine/matrix.h"
 #include "engine/transform.h"
+#include "fit/matrix.h"
 
 using nlohmann::ordered_json;
 

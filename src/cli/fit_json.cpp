@@ -22,8 +22,8 @@
 #include "engine/inverse.h"
 #include "engine/monte_carlo.h"
 #include "engine/norms.h"
-#include "engine/quaternion.h"
 #include "engine/transform.h"
+#include "fit/quaternion.h"
 
 using nlohmann::ordered_json;
 
@@ -37,7 +37,7 @@ ordered_json Triple(const double (&values)[3]) {
 }
 
 // The thirteen of the chain, and behind them those of the distance or the tool model where one is used.
-ordered_json Parameters() {
+ordered_json ParameterRows() {
     ordered_json list = ordered_json::array();
     for (int k = 1; k < kParameterEnd; ++k) {
         const auto index = static_cast<std::size_t>(k);
@@ -190,7 +190,7 @@ void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std
     root["normIterations"] = Norm.Iterations;
     root["certificate"] = CertificateOfTheFit();
     if (Norm.RunOn) root["optimum"] = Optimum();
-    root["parameters"] = Parameters();
+    root["parameters"] = ParameterRows();
     root["transformation"] = Transformation();
     if (details != nullptr) root["details"] = DetailsJson(*details);
     if (HasMonteCarlo(options)) root["monteCarlo"] = MonteCarloOfTheFit(options);

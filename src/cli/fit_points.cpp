@@ -8,11 +8,11 @@
 #include "core/refresh.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
-#include "engine/matrix.h"
 #include "engine/monte_carlo.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
-#include "engine/vector.h"
+#include "fit/matrix.h"
+#include "fit/vector.h"
 
 namespace {
 

@@ -20,8 +20,8 @@
 #include "core/text.h"
 #include "core/units.h"
 #include "core/window.h"
-#include "engine/small_svd.h"
 #include "engine/transform.h"
+#include "fit/small_svd.h"
 
 namespace {
 

@@ -13,8 +13,8 @@
 #include "cli/headless.h"
 #include "core/large_pages.h"
 #include "core/platform.h"
-#include "core/require.h"
 #include "core/window.h"
+#include "fit/require.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <memory>
 
 #include "cli/svg_plots.h"
-#include "core/require.h"
+#include "fit/require.h"
 #include "graphics/point_loop.h"
 #include "graphics/scene.h"
 #include "paint/picture.h"

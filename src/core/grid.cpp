@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "core/numbers.h"
-#include "core/require.h"
 #include "core/text.h"
 #include "core/window.h"
+#include "fit/require.h"
 
 namespace {
 

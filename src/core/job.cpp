@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <array>
 
-#include "core/require.h"
 #include "core/run.h"
+#include "fit/require.h"
 
 bool JobCountsFit(const JobRecord& job) {
     const auto reaches = [](std::int32_t count, const auto&... arrays) {
@@ -39,25 +39,40 @@ void RepairJobCounts() {
     ++Run.JobGeneration;
 }
 
+namespace {
+
+constexpr std::array<double JobRecord::*, kParameterEnd> kPlaces = {nullptr,
+                                                                    &JobRecord::TraX,
+                                                                    &JobRecord::TraY,
+                                                                    &JobRecord::TraZ,
+                                                                    &JobRecord::RotX,
+                                                                    &JobRecord::RotY,
+                                                                    &JobRecord::RotZ,
+                                                                    &JobRecord::ScaleX,
+                                                                    &JobRecord::ScaleY,
+                                                                    &JobRecord::ScaleZ,
+                                                                    &JobRecord::ScaleXYZ,
+                                                                    &JobRecord::AngleXY,
+                                                                    &JobRecord::Azimuth,
+                                                                    &JobRecord::AngleZtoXY,
+                                                                    &JobRecord::RDist,
+                                                                    &JobRecord::Rvec_x,
+                                                                    &JobRecord::Rvec_y,
+                                                                    &JobRecord::Rvec_z};
+
+}  // namespace
+
 double& ParameterValue(JobRecord& job, int parameter) {
-    static constexpr std::array<double JobRecord::*, kParameterEnd> kPlaces = {nullptr,
-                                                                               &JobRecord::TraX,
-                                                                               &JobRecord::TraY,
-                                                                               &JobRecord::TraZ,
-                                                                               &JobRecord::RotX,
-                                                                               &JobRecord::RotY,
-                                                                               &JobRecord::RotZ,
-                                                                               &JobRecord::ScaleX,
-                                                                               &JobRecord::ScaleY,
-                                                                               &JobRecord::ScaleZ,
-                                                                               &JobRecord::ScaleXYZ,
-                                                                               &JobRecord::AngleXY,
-                                                                               &JobRecord::Azimuth,
-                                                                               &JobRecord::AngleZtoXY,
-                                                                               &JobRecord::RDist,
-                                                                               &JobRecord::Rvec_x,
-                                                                               &JobRecord::Rvec_y,
-                                                                               &JobRecord::Rvec_z};
     Require(parameter >= 1 && parameter < kParameterEnd);
     return job.*kPlaces[static_cast<std::size_t>(parameter)];
+}
+
+Parameters ParametersOf(const JobRecord& job) {
+    Parameters parameters;
+    for (int k = kTraX; k < kParameterEnd; ++k) parameters[k] = job.*kPlaces[static_cast<std::size_t>(k)];
+    return parameters;
+}
+
+void PutParameters(const Parameters& parameters, JobRecord& job) {
+    for (int k = kTraX; k < kParameterEnd; ++k) job.*kPlaces[static_cast<std::size_t>(k)] = parameters[k];
 }

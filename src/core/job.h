@@ -10,33 +10,12 @@
 
 #include "core/arrays.h"
 #include "core/screen_record.h"
+#include "fit/parameters.h"
 
 // The text of `ParamText` for a parameter that the adjustment determines, and for one that keeps its
 // neutral value. Any other text is the value that the parameter is held at, as typed.
 inline constexpr const char* kFloat = "float";
 inline constexpr const char* kNotUsed = "not used";
-
-// Parameter numbers, the index of `ParamText`.
-enum Parameter : int {
-    kTraX = 1,
-    kTraY,
-    kTraZ,
-    kRotX,
-    kRotY,
-    kRotZ,
-    kScaleX,
-    kScaleY,
-    kScaleZ,
-    kScaleXYZ,
-    kAngleXY,
-    kAzimuth,
-    kAngleZtoXY,
-    kRDist,
-    kRvecX,
-    kRvecY,
-    kRvecZ,
-    kParameterEnd  // one past the last
-};
 
 struct JobRecord {
     // Point sets. Every array has an unused element 0. After matching, positions 1 to nIdent of MCS_*
@@ -114,6 +93,10 @@ void RepairJobCounts();
 
 // The result value of a parameter 1 to 17 of the job, by number.
 double& ParameterValue(JobRecord& job, int parameter);
+
+// All result values of the job, and the way back.
+Parameters ParametersOf(const JobRecord& job);
+void PutParameters(const Parameters& parameters, JobRecord& job);
 
 // Does the coordinate with this index of the use flags take part in the fit? One that has no flag yet does.
 inline bool CoordinateInUse(std::size_t index) {

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "core/require.h"
+#include "fit/require.h"
 
 namespace {
 

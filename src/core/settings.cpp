@@ -8,9 +8,9 @@
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/platform.h"
-#include "core/require.h"
 #include "core/run.h"
 #include "core/text.h"
+#include "fit/require.h"
 
 namespace {
 

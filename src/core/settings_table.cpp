@@ -3,10 +3,10 @@
 
 #include "core/job.h"
 #include "core/numbers.h"
-#include "core/require.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/units.h"
+#include "fit/require.h"
 
 namespace {
 

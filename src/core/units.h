@@ -6,9 +6,7 @@
 #include <string>
 
 #include "core/arrays.h"
-
-// 15 digits on purpose: results are compared against values computed with this constant.
-inline constexpr double kPi = 3.14159265358979;
+#include "fit/angles.h"
 
 struct UnitsRecord {
     double LengthFactor = 1;         // mm to the shown unit

@@ -8,9 +8,9 @@
 
 #include "core/form_notes.h"
 #include "core/platform.h"
-#include "core/require.h"
 #include "core/run.h"
 #include "core/settings.h"
+#include "fit/require.h"
 
 namespace {
 

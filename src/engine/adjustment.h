@@ -8,7 +8,10 @@
 #include "core/arrays.h"
 #include "engine/design.h"
 #include "engine/gathered_points.h"
-#include "engine/moments.h"
+#include "engine/job_fit.h"
+#include "fit/adjustment.h"
+#include "fit/moments.h"
+#include "fit/statistics.h"
 
 // How the last run of the adjustment went, and what outlives a run.
 struct AdjustmentRecord {
@@ -61,25 +64,6 @@ void TellOfLimit();  // the message, where the last run has reached the limit
 void SettleHere(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q, Column& v, Column& P,
                 GatheredPoints& points);
 
-// A fit on sums that its caller takes, so that residuals, weights and the sums of the next fit need one
-// pass over the points.
-struct FitOnMoments {
-    PointMoments Moments;  // in: what the fit stands on
-    // Out: false when digits would have been lost. The fit has gone by the rows then, with the weights that
-    // the moments stand for, and these are set in the points.
-    bool ByMoments = true;
-    // Out: the last pass's linearisation and corrections of the centred unknowns, which `Residuals` takes.
-    Linearisation At;
-    Column Centred;
-};
-
 // The same fit of points and their moments, without residuals. For models that MomentsServe.
 void IterateFromHere(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q,
                      GatheredPoints& points, FitOnMoments& fit);
-
-// Quality of a finished fit. s0 divides by the sum of the weights less one, not by n - u: that is the
-// form that the reports are calibrated on. sx, sy, sz the same for each axis alone.
-void Statistics(const Column& v, const Column& P, int n, double& s0, double& sx, double& sy, double& sz);
-
-// Of an axis alone, by the sum of its squared residuals with their weights and that of the weights.
-double SigmaOfAxis(double squares, double weights);

@@ -15,11 +15,13 @@
 #include "engine/best_transformation.h"
 #include "engine/chain_search.h"
 #include "engine/corrections.h"
-#include "engine/double_double.h"
+#include "engine/design.h"
 #include "engine/fit_outcome.h"
 #include "engine/mirror.h"
-#include "engine/moments.h"
-#include "engine/small_svd.h"
+#include "engine/transform.h"
+#include "fit/double_double.h"
+#include "fit/moments.h"
+#include "fit/small_svd.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "engine/chain_search.h"
-#include "engine/matrix.h"
-#include "engine/small_svd.h"
+#include "fit/matrix.h"
+#include "fit/small_svd.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "core/arrays.h"
-#include "engine/moments.h"
+#include "fit/moments.h"
 
 // What floats besides translation and rotation.
 enum class PlainModel { Rigid, Similarity, AxisScales, Affine };

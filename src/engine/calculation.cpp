@@ -21,11 +21,10 @@
 #include "engine/field_number.h"
 #include "engine/monte_carlo.h"
 #include "engine/norms.h"
-#include "engine/parameter_values.h"
 #include "engine/result_notes.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
-#include "engine/vector.h"
+#include "fit/vector.h"
 
 namespace {
 
@@ -142,7 +141,7 @@ public:
     MarkedWhileRunning() { Job.Unconverged = kTrue; }
     ~MarkedWhileRunning() {
         if (!Ended && Run.JobGeneration == generation_ && MonteCarlo.Started == started_ &&
-            parameters_ == JobParameters())
+            parameters_ == ParametersOf(Job))
             Job.Unconverged = before_;
     }
     MarkedWhileRunning(const MarkedWhileRunning&) = delete;
@@ -152,7 +151,7 @@ public:
 private:
     Flag before_ = Job.Unconverged;
     std::uint64_t generation_ = Run.JobGeneration, started_ = MonteCarlo.Started;
-    ParameterValues parameters_ = JobParameters();
+    Parameters parameters_ = ParametersOf(Job);
 };
 
 bool ParametersAreFinite() {

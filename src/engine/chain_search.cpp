@@ -5,11 +5,11 @@
 #include <cmath>
 
 #include "engine/best_transformation.h"
-#include "engine/linear_rows.h"
-#include "engine/matrix.h"
-#include "engine/rotations.h"
-#include "engine/small_svd.h"
 #include "engine/transform.h"
+#include "fit/linear_rows.h"
+#include "fit/matrix.h"
+#include "fit/rotations.h"
+#include "fit/small_svd.h"
 
 namespace {
 

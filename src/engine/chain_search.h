@@ -8,7 +8,7 @@
 
 #include "core/arrays.h"
 #include "core/job.h"
-#include "engine/moments.h"
+#include "fit/moments.h"
 
 // The thirteen parameters of the chain apart from the job, by their number; mm, rad, factors.
 struct ChainValues {

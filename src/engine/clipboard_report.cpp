@@ -11,13 +11,13 @@
 #include "core/text.h"
 #include "engine/calculation.h"
 #include "engine/calculation_window.h"
-#include "engine/coordinate_forms.h"
 #include "engine/deviation_extremes.h"
 #include "engine/field_number.h"
 #include "engine/inverse.h"
 #include "engine/parameter_kind.h"
 #include "engine/result_notes.h"
 #include "engine/selection.h"
+#include "fit/coordinate_forms.h"
 
 namespace {
 

@@ -9,9 +9,9 @@
 
 #include <cmath>
 
-#include "core/require.h"
-#include "engine/matrix.h"
 #include "engine/transform.h"
+#include "fit/matrix.h"
+#include "fit/require.h"
 
 namespace {
 

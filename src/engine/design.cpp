@@ -1,10 +1,7 @@
-// The model of a fit and its linearisation at the present parameters.
+// The model that the job's choice of parameters asks for.
 #include "engine/design.h"
 
-#include <cmath>
-
-#include "engine/double_double.h"
-#include "engine/matrix.h"
+#include "core/job.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
 
@@ -18,62 +15,6 @@ bool Floats(const ParameterTexts& ParamText, int parameter) {
 
 bool ToolFloats(const ParameterTexts& ParamText) {
     return Floats(ParamText, kRvecX) && Floats(ParamText, kRvecY) && Floats(ParamText, kRvecZ);
-}
-
-// A matrix with one column of another, the rest 0: the derivative by a scale is column j of R K at the
-// place of coordinate j.
-Mat3 OneColumn(const Mat3& M, int column) {
-    Mat3 result;
-    for (int row = 1; row <= 3; ++row) result(row, column) = M(row, column);
-    return result;
-}
-
-void Derive(int parameter, InnerDerivative& inner) {
-    const auto rotation = [&inner](RotationAngle angle) {
-        const auto& [a, b, c] = Chain.Rotations;
-        const Mat3 derivative = RotationDerivative(angle, a, b, c);
-        if (Chain.RightAngled) {
-            WithScales(derivative, inner.D);
-        } else {
-            inner.D = MatrixProduct(derivative, Chain.KS);
-        }
-    };
-    const auto shear = [](ShearAngle angle) {
-        return MatrixProduct(MatrixProduct(Chain.RotationMatrix, ShearDerivative(angle)), Chain.ScaleMatrix);
-    };
-    inner.OnlyColumn = 0;
-    switch (parameter) {
-        case kRotX:
-            rotation(RotationAngle::X);
-            break;
-        case kRotY:
-            rotation(RotationAngle::Y);
-            break;
-        case kRotZ:
-            rotation(RotationAngle::Z);
-            break;
-        case kScaleX:
-        case kScaleY:
-        case kScaleZ:
-            inner.OnlyColumn = parameter - kScaleX + 1;
-            inner.D = OneColumn(Chain.RK, inner.OnlyColumn);
-            break;
-        case kScaleXYZ:
-            inner.D = Chain.RK;
-            break;
-        case kAngleXY:
-            inner.D = shear(ShearAngle::XY);
-            inner.OnlyColumn = 2;
-            break;
-        case kAzimuth:
-            inner.D = shear(ShearAngle::Azimuth);
-            inner.OnlyColumn = 3;
-            break;
-        default:
-            inner.D = shear(ShearAngle::ZtoXY);
-            inner.OnlyColumn = 3;
-            break;
-    }
 }
 
 }  // namespace
@@ -115,33 +56,5 @@ void Linearise(const FitModel& model, const GatheredPoints& points, Linearisatio
     Job.RotXCopy = Job.RotX;
     Job.RotYCopy = Job.RotY;
     Job.RotZCopy = Job.RotZ;
-    BuildChain();
-    at.InnerCount = 0;
-    at.M = Chain.Product;
-    at.RDist = Job.RDist;
-    at.Tool = {Job.Rvec_x, Job.Rvec_y, Job.Rvec_z};
-
-    // T + M c - q is small where its parts are as large as the hall, so it is summed with twice the
-    // digits: each bit lost here would be lost in every deviation.
-    const Vec3& c = points.StartCentre;
-    const Vec3 T(Job.TraX, Job.TraY, Job.TraZ);
-    for (int axis = 1; axis <= 3; ++axis) {
-        DoubleDouble sum{T(axis), 0};
-        for (int j = 1; j <= 3; ++j) sum.AddProduct(at.M(axis, j), c(j));
-        sum.Add(-points.TargetCentre(axis));
-        at.Shift(axis) = sum.Value();
-        at.AxisFloats[static_cast<std::size_t>(axis)] =
-            model.UnknownOf[static_cast<std::size_t>(kTraX + axis - 1)] != 0;
-    }
-
-    for (int parameter = kRotX; parameter <= kAngleZtoXY; ++parameter) {
-        const int unknown = model.UnknownOf[static_cast<std::size_t>(parameter)];
-        if (unknown == 0) continue;
-        InnerDerivative& inner = at.Inner[static_cast<std::size_t>(at.InnerCount++)];
-        Derive(parameter, inner);
-        inner.Unknown = unknown;
-        for (int axis = 1; axis <= 3; ++axis)
-            inner.AtCentre(axis) =
-                inner.D(axis, 1) * c(1) + inner.D(axis, 2) * c(2) + inner.D(axis, 3) * c(3);
-    }
+    Linearise(model, ParametersOf(Job), points, Chain, at);
 }

@@ -2,7 +2,7 @@
 #include "engine/deviation_extremes.h"
 
 #include "engine/calculation.h"
-#include "engine/vector.h"
+#include "fit/vector.h"
 
 Extremes FindExtremes() {
     const auto At = [](int i) { return static_cast<std::size_t>(i); };

@@ -6,10 +6,9 @@
 
 #include "core/job.h"
 #include "engine/design.h"
-#include "engine/parameter_values.h"
 #include "engine/start_values.h"
 #include "engine/transform.h"
-#include "engine/vector.h"
+#include "fit/vector.h"
 
 namespace {
 
@@ -18,7 +17,7 @@ class ParametersKept {
 public:
     ParametersKept() = default;
     ~ParametersKept() {
-        SetJobParameters(before_);
+        PutParameters(before_, Job);
         Job.RotXCopy = copies_[0];
         Job.RotYCopy = copies_[1];
         Job.RotZCopy = copies_[2];
@@ -27,7 +26,7 @@ public:
     ParametersKept& operator=(const ParametersKept&) = delete;
 
 private:
-    ParameterValues before_ = JobParameters();
+    Parameters before_ = ParametersOf(Job);
     std::array<double, 3> copies_ = {Job.RotXCopy, Job.RotYCopy, Job.RotZCopy};
 };
 

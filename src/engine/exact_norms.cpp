@@ -16,15 +16,17 @@
 #include "core/settings.h"
 #include "core/units.h"
 #include "engine/adjustment.h"
+#include "engine/corrections.h"
+#include "engine/design.h"
 #include "engine/exact_place.h"
 #include "engine/exact_starts.h"
 #include "engine/fit_outcome.h"
-#include "engine/linear_optimum.h"
 #include "engine/mirror.h"
-#include "engine/moments.h"
-#include "engine/normal_equations.h"
-#include "engine/small_svd.h"
 #include "engine/smooth_norms.h"
+#include "fit/linear_optimum.h"
+#include "fit/moments.h"
+#include "fit/normal_equations.h"
+#include "fit/small_svd.h"
 
 namespace {
 
@@ -52,7 +54,7 @@ struct ExactNorm {
 
 // Where a way has ended.
 struct WayEnd {
-    ParameterValues Parameters{};
+    Parameters Values{};
     double Objective = std::numeric_limits<double>::infinity();
     double Above = std::numeric_limits<double>::infinity();
     bool Ended = false;  // nothing moves any more, and the bound is near
@@ -84,7 +86,7 @@ struct ExactRun {
         std::vector<double> y;
         Norm.Exchanges += Kind.Optimum(Place.Rows, y, Held, [this] { return MayGoOn(); });
         if (JobChanged()) return 0;
-        const ParameterValues before = JobParameters();
+        const Parameters before = ParametersOf(Job);
         const double objective = Objective();
         LinearRows way = Place.Rows;
         way.v.assign(way.v.size(), 0);
@@ -96,7 +98,7 @@ struct ExactRun {
         for (int halvings = 0; halvings < kMostHalvings; ++halvings, share /= 2) {
             Place.Step(y);
             if (Objective() <= objective * (1 + kAlike)) return share * length;
-            SetJobParameters(before);
+            PutParameters(before, Job);
             Place.Linearise();
             for (double& entry : y) entry /= 2;
         }
@@ -120,7 +122,7 @@ struct ExactRun {
 
     // The bound is that of what the points tell apart; what they leave open moves no row.
     WayEnd EndHere(double bound, bool ended) const {
-        WayEnd end{.Parameters = JobParameters(), .Objective = Objective()};
+        WayEnd end{.Values = ParametersOf(Job), .Objective = Objective()};
         end.Above = std::max(0.0, end.Objective - bound);
         // A way that ends far above its bound has lost itself.
         end.Ended = ended && end.Above <= kNear * end.Objective + Rounding * Place.Rows.Used;
@@ -164,7 +166,7 @@ struct ExactRun {
         if (!(linear && first.Ended) && !TryOtherStarts(ends)) return false;
         WayEnd best = Chosen(ends, first);
         if (!GoOn(best)) return false;
-        SetJobParameters(best.Parameters);
+        PutParameters(best.Values, Job);
         Place.Linearise();
         const bool told = Place.PointsTellAll();
         Norm.BoundOfAll = linear && told && static_cast<int>(Place.T.size()) == Place.Model.Unknowns;
@@ -181,7 +183,7 @@ struct ExactRun {
         double share = 0.1;
         std::uint64_t seed = 1;
         for (int round = 0; round < kRounds && !best.Ended && !Stopped; ++round, share /= 10) {
-            SetJobParameters(best.Parameters);
+            PutParameters(best.Values, Job);
             Place.Linearise();
             if (!StepAside(seed, share)) return true;
             const WayEnd end = FromHere();
@@ -241,13 +243,13 @@ struct ExactRun {
     bool TryOtherStarts(Ends& ends) {
         constexpr int kMostStarts = 14, kAside = 4, kRowsInAll = 25000;
         const int starts = std::min(kMostStarts, kRowsInAll / std::max(1, Place.Rows.Used));
-        const std::vector<ParameterValues> proposed = BestProposed(starts - 1 - std::min(starts / 3, kAside));
+        const std::vector<Parameters> proposed = BestProposed(starts - 1 - std::min(starts / 3, kAside));
         if (JobChanged()) return false;
         std::uint64_t seed = 1;
         for (; Norm.Starts < starts && !Stopped; ++Norm.Starts) {
             const std::size_t k = At(Norm.Starts - 1);
             const bool aside = k >= proposed.size();
-            SetJobParameters(!aside ? proposed[k] : (ends.Proper ? *ends.Proper : *ends.Mirrored).Parameters);
+            PutParameters(!aside ? proposed[k] : (ends.Proper ? *ends.Proper : *ends.Mirrored).Values, Job);
             Place.Linearise();
             if (aside && !StepAside(seed, 1)) break;
             const WayEnd end = FromHere();
@@ -260,16 +262,16 @@ struct ExactRun {
 
     // Of the places that the points propose those that a few exchanges bring down farthest, half of them on
     // each side of the mirror if there are both.
-    std::vector<ParameterValues> BestProposed(int most) {
+    std::vector<Parameters> BestProposed(int most) {
         constexpr int kMostTried = 160, kFollowed = 32, kRowsInAll = 25000, kFew = 2;
         struct Proposal {
-            ParameterValues Parameters{};
+            Parameters Values{};
             double Objective = 0;
             bool Mirrored = false;
         };
         std::vector<Proposal> tried;
-        const auto take = [&](const ParameterValues& parameters) {
-            SetJobParameters(parameters);
+        const auto take = [&](const Parameters& parameters) {
+            PutParameters(parameters, Job);
             Place.Linearise();
             if (!std::isfinite(Objective())) return;
             tried.push_back({parameters, Objective(), Determinant3(Place.Here.M) < 0});
@@ -280,21 +282,21 @@ struct ExactRun {
             if (tried.size() > left) tried.resize(left);
         };
         const int rows = std::max(1, Place.Rows.Used);
-        for (const ParameterValues& parameters :
+        for (const Parameters& parameters :
              StartsByPoints(Fit, Place, std::min(kMostTried, 4 * kRowsInAll / rows)))
             take(parameters);
         sort(At(std::min(kFollowed, kRowsInAll / rows)));
         for (Proposal& proposal : tried) {
             if (Stopped) break;
-            SetJobParameters(proposal.Parameters);
+            PutParameters(proposal.Values, Job);
             const WayEnd end = ByExchanges(kFew);
             if (JobChanged()) return {};
-            proposal = {end.Parameters, end.Objective, end.Mirrored};
+            proposal = {end.Values, end.Objective, end.Mirrored};
         }
         sort(tried.size());
         const bool both =
             std::any_of(tried.begin(), tried.end(), [](const Proposal& each) { return each.Mirrored; });
-        std::vector<ParameterValues> chosen;
+        std::vector<Parameters> chosen;
         for (const bool mirrored : {false, true}) {
             const int room = both && !mirrored ? (most + 1) / 2 : most;
             double last = -1;
@@ -302,7 +304,7 @@ struct ExactRun {
                 const bool same = last >= 0 && std::fabs(proposal.Objective - last) <= kTight * last;
                 if (proposal.Mirrored != mirrored || same || static_cast<int>(chosen.size()) >= room)
                     continue;
-                chosen.push_back(proposal.Parameters);
+                chosen.push_back(proposal.Values);
                 last = proposal.Objective;
             }
         }
@@ -380,7 +382,7 @@ constexpr ExactNorm kLeastSum{"L1 optimum: ",  "sum of deviations", SumOf,     L
 constexpr ExactNorm kLeastLargest{"Loo optimum: ",     "largest deviation", LargestOf,     LeastLargest,
                                   LowerBoundOfLargest, FollowLeastLargest,  BoundOfLargest};
 
-std::optional<ParameterValues> Seek(NormFit& fit, const ExactNorm& kind) {
+std::optional<Parameters> Seek(NormFit& fit, const ExactNorm& kind) {
     constexpr int kMostPoints = 1000;
     if (Adjustment.Model.Mode != FitMode::Coincide || fit.Points.Count > kMostPoints) return {};
     const FitOutcome before(fit);
@@ -392,7 +394,7 @@ std::optional<ParameterValues> Seek(NormFit& fit, const ExactNorm& kind) {
         Adjustment.JobChanged = true;
         return {};
     }
-    const ParameterValues found = JobParameters();
+    const Parameters found = ParametersOf(Job);
     before.PutBack(fit);
     Norm = record;
     Notes.List = notes;
@@ -417,10 +419,10 @@ bool RunOnToLeastLargest(NormFit& fit) {
     return run.Go();
 }
 
-std::optional<ParameterValues> SeekLeastSum(NormFit& fit) {
+std::optional<Parameters> SeekLeastSum(NormFit& fit) {
     return Seek(fit, kLeastSum);
 }
 
-std::optional<ParameterValues> SeekLeastLargest(NormFit& fit) {
+std::optional<Parameters> SeekLeastLargest(NormFit& fit) {
     return Seek(fit, kLeastLargest);
 }

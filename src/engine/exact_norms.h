@@ -23,5 +23,5 @@ bool RunOnToLeastLargest(NormFit& fit);
 // The parameters of these optima alone, found from the job's on, whatever the loop is. The job and `fit` stay
 // as they are, but for the weights in use of its points. Nothing for thousands of points, where a loop is
 // through sooner, and after a stop.
-std::optional<ParameterValues> SeekLeastSum(NormFit& fit);
-std::optional<ParameterValues> SeekLeastLargest(NormFit& fit);
+std::optional<Parameters> SeekLeastSum(NormFit& fit);
+std::optional<Parameters> SeekLeastLargest(NormFit& fit);

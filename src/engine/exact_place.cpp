@@ -8,10 +8,12 @@
 #include "engine/best_transformation.h"
 #include "engine/chain_search.h"
 #include "engine/corrections.h"
-#include "engine/matrix.h"
-#include "engine/rotations.h"
-#include "engine/small_svd.h"
+#include "engine/design.h"
 #include "engine/transform.h"
+#include "fit/matrix.h"
+#include "fit/normal_equations.h"
+#include "fit/rotations.h"
+#include "fit/small_svd.h"
 
 namespace {
 
@@ -230,7 +232,7 @@ std::vector<double> ExactPlace::Curvature(const std::vector<double>& weights) co
     std::vector<double> curvature(m * m);
     if (Kind == PlaceUnknowns::Elements) return curvature;
     const std::array<PointForm, 3> sums = SumsOfPoints(Rows, weights);
-    const ParameterValues before = JobParameters();
+    const Parameters before = ParametersOf(Job);
     std::vector<double> W(At(u * u));
     for (int k = 0; k < Here.InnerCount; ++k) {
         const int unknown = Here.Inner[At(k)].Unknown;
@@ -240,7 +242,7 @@ std::vector<double> ExactPlace::Curvature(const std::vector<double>& weights) co
             x[At(unknown)] = side == 0 ? -kStep : kStep;
             MoveInner(x);
             gradients[At(side)] = Gradient(LineariseAbout(axes_), sums, u);
-            SetJobParameters(before);
+            PutParameters(before, Job);
         }
         for (int i = 0; i < u; ++i)
             W[At(i * u + unknown - 1)] = (gradients[1][At(i)] - gradients[0][At(i)]) / (2 * kStep);

@@ -4,10 +4,10 @@
 #include <functional>
 #include <vector>
 
-#include "engine/linear_optimum.h"
-#include "engine/linear_rows.h"
+#include "core/job.h"
 #include "engine/norms.h"
-#include "engine/parameter_values.h"
+#include "fit/linear_optimum.h"
+#include "fit/linear_rows.h"
 
 // What the unknowns of a place stand for, besides the translations. Angles that all float are no unknowns of
 // their own, for there are places where two of them do the same (Rot y at a right angle, an azimuth without

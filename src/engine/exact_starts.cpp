@@ -9,9 +9,10 @@
 #include "core/job.h"
 #include "engine/best_transformation.h"
 #include "engine/chain_search.h"
-#include "engine/matrix.h"
-#include "engine/moments.h"
-#include "engine/small_svd.h"
+#include "engine/design.h"
+#include "fit/matrix.h"
+#include "fit/moments.h"
+#include "fit/small_svd.h"
 
 namespace {
 
@@ -36,11 +37,11 @@ bool Scales(const FitModel& model) {
 }
 
 // The job's parameters with those that float taken from a transformation; held ones stay.
-ParameterValues ParametersOf(const FitModel& model, const GatheredPoints& points,
-                             const CentredTransformation& found, PlainModel plain) {
+Parameters ParametersAt(const FitModel& model, const GatheredPoints& points,
+                        const CentredTransformation& found, PlainModel plain) {
     constexpr double kSomeLean = 1e-3;  // rad; of none the azimuth would mean nothing
     const ChainValues values = ValuesOf(found.M, plain);
-    ParameterValues parameters = JobParameters();
+    Parameters parameters = ParametersOf(Job);
     for (int k = kTraX; k <= kAngleZtoXY; ++k) {
         if (!Floats(model, k)) continue;
         double& value = parameters[At(k)];
@@ -65,7 +66,7 @@ Mat3 TimesScalar(Mat3 M, double factor) {
 // Both sides of the mirror for the points in use by weights, for a similarity or a movement.
 class Solutions {
 public:
-    Solutions(const FitModel& model, const GatheredPoints& points, std::vector<ParameterValues>& starts)
+    Solutions(const FitModel& model, const GatheredPoints& points, std::vector<Parameters>& starts)
         : model_(model), points_(points), starts_(starts) {}
 
     void OfWeights(const Column& P, bool turned) {
@@ -97,12 +98,12 @@ public:
 private:
     void Take(const PointMoments& moments, const Mat3& M) {
         const PlainModel plain = Scales(model_) ? PlainModel::Similarity : PlainModel::Rigid;
-        starts_.push_back(ParametersOf(model_, points_, {M, BestShift(moments, M), 0}, plain));
+        starts_.push_back(ParametersAt(model_, points_, {M, BestShift(moments, M), 0}, plain));
     }
 
     const FitModel& model_;
     GatheredPoints points_;
-    std::vector<ParameterValues>& starts_;
+    std::vector<Parameters>& starts_;
 };
 
 // Points whose three coordinates are in use, by where they are and not by where they stand in the list.
@@ -122,11 +123,11 @@ std::vector<int> WholePoints(const NormFit& fit) {
 
 }  // namespace
 
-std::vector<ParameterValues> StartsByPoints(const NormFit& fit, ExactPlace& place, int most) {
-    std::vector<ParameterValues> starts;
+std::vector<Parameters> StartsByPoints(const NormFit& fit, ExactPlace& place, int most) {
+    std::vector<Parameters> starts;
     const std::vector<int> whole = WholePoints(fit);
     if (most < 1 || !MovesFreely(place.Model) || whole.size() < 3) return starts;
-    const ParameterValues before = JobParameters();
+    const Parameters before = ParametersOf(Job);
     Solutions solutions(place.Model, fit.Points, starts);
     Column all(At(fit.n) + 1);
     for (int i = 1; i <= fit.n; ++i) all[At(i)] = fit.P[At(i)] != 0 ? 1 : 0;
@@ -154,6 +155,6 @@ std::vector<ParameterValues> StartsByPoints(const NormFit& fit, ExactPlace& plac
         }
     }
     if (static_cast<int>(starts.size()) > most) starts.resize(At(most));
-    SetJobParameters(before);
+    PutParameters(before, Job);
     return starts;
 }

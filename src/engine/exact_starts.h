@@ -11,4 +11,4 @@
 // order. Empty where a rotation or a translation is held.
 //   place      is left at parameters of its own choice; the job's are put back
 //   most       starts at most; the least-squares solution comes first
-std::vector<ParameterValues> StartsByPoints(const NormFit& fit, ExactPlace& place, int most);
+std::vector<Parameters> StartsByPoints(const NormFit& fit, ExactPlace& place, int most);

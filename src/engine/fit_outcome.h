@@ -2,19 +2,19 @@
 #pragma once
 
 #include "core/arrays.h"
+#include "core/job.h"
 #include "engine/adjustment.h"
 #include "engine/norms.h"
-#include "engine/parameter_values.h"
 
 struct FitOutcome {
-    ParameterValues Values = JobParameters();
+    Parameters Values = ParametersOf(Job);
     AdjustmentRecord Record = Adjustment;
     Matrix Q;
     Column v;
 
     explicit FitOutcome(const NormFit& fit) : Q(fit.Q), v(fit.v) {}
     void PutBack(NormFit& fit) const {
-        SetJobParameters(Values);
+        PutParameters(Values, Job);
         Adjustment = Record;
         fit.Q = Q;
         fit.v = v;

@@ -12,9 +12,9 @@
 #include "engine/calculation_window.h"
 #include "engine/field_number.h"
 #include "engine/inverted_solutions.h"
-#include "engine/matrix.h"
 #include "engine/sound_angles.h"
 #include "engine/transform.h"
+#include "fit/matrix.h"
 
 namespace {
 

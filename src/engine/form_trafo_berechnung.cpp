@@ -7,12 +7,12 @@
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/refresh.h"
-#include "core/require.h"
 #include "core/run.h"
 #include "core/units.h"
 #include "engine/calculation_window.h"
 #include "engine/monte_carlo.h"
 #include "engine/selection.h"
+#include "fit/require.h"
 
 namespace {
 

@@ -2,117 +2,38 @@
 #include "engine/gathered_points.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstdint>
+#include <vector>
 
 #include "core/job.h"
-#include "core/require.h"
-#include "engine/transform.h"
 
 namespace {
-
-// Enough points for a centre inside the cloud; of more points only every so many are taken.
-constexpr int kMostForCentre = 4096;
 
 std::size_t At(int i) {
     return static_cast<std::size_t>(i);
 }
 
-bool TakesPart(const Column& P, int i) {
-    return P[At(3 * i - 2)] != 0 || P[At(3 * i - 1)] != 0 || P[At(3 * i)] != 0;
-}
-
-// Takes every so many points; false when none of them takes part.
-bool FindCentres(const Column& P, int step, GatheredPoints& points) {
-    int taken = 0;
-    std::array<int, 4> targetsTaken{};
-    Vec3 start, target;
-    for (int i = 1; i <= points.Count; i += step) {
-        if (!TakesPart(P, i)) continue;
-        ++taken;
-        // Running means: no sum that could overflow where the points do not. A target coordinate that
-        // is out of use may be anything, and must not draw the centre away from the others.
-        const Vec3 p = StartPoint(i), q = TargetPoint(i);
-        for (int axis = 1; axis <= 3; ++axis) {
-            start(axis) += (p(axis) - start(axis)) / taken;
-            if (P[At(3 * (i - 1) + axis)] != 0)
-                target(axis) += (q(axis) - target(axis)) / ++targetsTaken[At(axis)];
-        }
-    }
-    points.StartCentre = start;
-    points.TargetCentre = target;
-    return taken > 0;
-}
-
-void GatherPoses(GatheredPoints& points) {
-    const Matrix& angles = Job.RobotABC;
-    for (LaneArray& column : points.Pose) column.resize(At(points.Padded));
-    for (int i = 1; i <= points.Padded; ++i) {
-        Mat3 G;
-        if (i <= points.Count && i <= angles.Rows && angles.Columns >= 3) {
-            RotMatrixXYZ(-angles(i, 3), -angles(i, 2), -angles(i, 1), G);
-        } else {
-            RotMatrixXYZ(0, 0, 0, G);
-        }
-        for (int row = 1; row <= 3; ++row)
-            for (int column = 1; column <= 3; ++column)
-                points.Pose[At(3 * (row - 1) + column - 1)][At(i - 1)] = G(row, column);
-    }
-}
-
-// Without a branch for each weight; an array is all ones or has another value near its beginning.
-bool AllOnes(const double* weights, int n) {
-    constexpr int kAtOnce = 1024;
-    constexpr auto kOne = std::bit_cast<std::uint64_t>(1.0);
-    for (int begin = 0; begin < n; begin += kAtOnce) {
-        const int end = std::min(n, begin + kAtOnce);
-        std::uint64_t different = 0;
-        for (int i = begin; i < end; ++i) different |= std::bit_cast<std::uint64_t>(weights[i]) ^ kOne;
-        if (different != 0) return false;
-    }
-    return true;
+std::vector<double> Untagged(const std::vector<TaggedValue>& column, int count) {
+    std::vector<double> numbers(At(count));
+    for (std::size_t k = 0; k < numbers.size(); ++k) numbers[k] = column[k + 1].value_or(0);
+    return numbers;
 }
 
 }  // namespace
 
 void GatherPoints(const Column& P, bool poses, GatheredPoints& points) {
-    points.Count = Job.nIdent;
-    points.Padded = WholeLanes(points.Count);
-    Require(UpperBound(P) >= 3 * points.Count);
-    const int step = std::max(1, points.Count / kMostForCentre);
-    if (!FindCentres(P, step, points) && step > 1) FindCentres(P, 1, points);
-    const auto padded = At(points.Padded);
-    for (int axis = 0; axis < 3; ++axis) {
-        points.Start[At(axis)].resize(padded);
-        points.Target[At(axis)].resize(padded);
-    }
-    const Vec3 c = points.StartCentre, q = points.TargetCentre;
-    for (std::size_t k = 0; k < At(points.Count); ++k) {
-        points.Start[0][k] = Job.MCS_X[k + 1].value_or(0) - c(1);
-        points.Start[1][k] = Job.MCS_Y[k + 1].value_or(0) - c(2);
-        points.Start[2][k] = Job.MCS_Z[k + 1] - c(3);
-        points.Target[0][k] = Job.OCS_X[k + 1].value_or(0) - q(1);
-        points.Target[1][k] = Job.OCS_Y[k + 1].value_or(0) - q(2);
-        points.Target[2][k] = Job.OCS_Z[k + 1] - q(3);
-    }
-    for (std::size_t k = At(points.Count); k < padded; ++k)
-        for (int axis = 0; axis < 3; ++axis) points.Start[At(axis)][k] = points.Target[At(axis)][k] = 0;
-    if (poses) GatherPoses(points);
-}
-
-void SetWeights(const Column& P, GatheredPoints& points) {
-    // Weights that are all 1 are left out of the products, which changes no bit of them.
-    const double* const first = P.data() + 1;
-    const int n = 3 * points.Count;
-    points.AllInUse = AllOnes(first, n);
-    points.OnlyInUse = points.AllInUse || std::all_of(first, first + n, [](double weight) {
-                           return weight == 0 || weight == 1;
-                       });
-    for (int axis = 0; axis < 3; ++axis) {
-        LaneArray& weight = points.Weight[At(axis)];
-        weight.resize(points.AllInUse ? 0 : At(points.Padded));
-        if (points.AllInUse) continue;
-        for (int i = 1; i <= points.Count; ++i) weight[At(i - 1)] = P[At(3 * (i - 1) + axis + 1)];
-        for (int i = points.Count; i < points.Padded; ++i) weight[At(i)] = 0;
-    }
+    const int count = Job.nIdent;
+    // X and Y are tagged in the job, Z is not.
+    const std::vector<double> x = Untagged(Job.MCS_X, count), y = Untagged(Job.MCS_Y, count);
+    const std::vector<double> X = Untagged(Job.OCS_X, count), Y = Untagged(Job.OCS_Y, count);
+    const std::span<const double> z(Job.MCS_Z.data() + 1, At(count)), Z(Job.OCS_Z.data() + 1, At(count));
+    PairColumns pairs{.Start = {x, y, z}, .Target = {X, Y, Z}, .PoseAngles = {}};
+    std::array<std::vector<double>, 3> angles;
+    if (poses && Job.RobotABC.Columns >= 3)
+        for (int column = 1; column <= 3; ++column) {
+            std::vector<double>& one = angles[At(column - 1)];
+            for (int i = 1; i <= std::min(count, Job.RobotABC.Rows); ++i)
+                one.push_back(Job.RobotABC(i, column));
+            pairs.PoseAngles[At(column - 1)] = one;
+        }
+    GatherPoints(pairs, P, poses, points);
 }

@@ -3,9 +3,9 @@
 
 #include "core/job.h"
 #include "engine/inverted_solutions.h"
-#include "engine/matrix.h"
-#include "engine/rotations.h"
 #include "engine/transform.h"
+#include "fit/matrix.h"
+#include "fit/rotations.h"
 
 namespace {
 

@@ -6,13 +6,13 @@
 
 #include "core/platform.h"
 #include "core/units.h"
-#include "engine/angles.h"
 #include "engine/combination_search.h"
-#include "engine/matrix.h"
-#include "engine/rotations.h"
 #include "engine/sort_table.h"
 #include "engine/transform.h"
-#include "engine/vector.h"
+#include "fit/angles.h"
+#include "fit/matrix.h"
+#include "fit/rotations.h"
+#include "fit/vector.h"
 
 namespace {
 
@@ -85,6 +85,10 @@ void ShearCandidates(const Mat3& W, Candidates& c) {
 }
 
 }  // namespace
+
+double ChooseAngleBySinCos(double s, double c) {
+    return ChooseAngleBySinCos(s, c, Units.AngleFactor);
+}
 
 void DecomposeShear(const Mat3& K, Vec3& first, Vec3& second) {
     const double xy = ChooseAngleBySinCos(K(1, 2), K(2, 2));

@@ -15,3 +15,6 @@ void InvertedSolutions(const Mat3& W, bool anyShear, bool anyScale, Matrix& list
 // Splits a shear matrix into its two triples (xy, azimuth, zt), rad: leaning by zt towards the azimuth, and
 // by -zt towards the opposite side. A matrix that is no shear gives some angles and no failure.
 void DecomposeShear(const Mat3& K, Vec3& first, Vec3& second);
+
+// The one angle whose sine is about s and whose cosine is about c, by sectors in the shown angle unit.
+double ChooseAngleBySinCos(double s, double c);

@@ -3,8 +3,8 @@
 
 #include <cmath>
 
-#include "engine/small_svd.h"
 #include "engine/transform.h"
+#include "fit/small_svd.h"
 
 bool StartsAreOwn(const StartChoice& choice) {
     for (std::size_t k = kTraX; k <= kAngleZtoXY; ++k)

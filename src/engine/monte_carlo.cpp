@@ -10,17 +10,18 @@
 #include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
-#include "core/require.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "engine/adjustment.h"
-#include "engine/angles.h"
 #include "engine/equal_forms.h"
+#include "engine/job_fit.h"
 #include "engine/nice_rotation.h"
 #include "engine/noise.h"
-#include "engine/repeated_fit.h"
 #include "engine/seed.h"
 #include "engine/start_values.h"
+#include "fit/angles.h"
+#include "fit/repeated_fit.h"
+#include "fit/require.h"
 
 namespace {
 
@@ -63,6 +64,7 @@ struct FitsOfRuns {
     StartChoice Choice = Fit.Choice;
     SeedPoints Seeds = TakeSeedPoints();
     RepeatedFit Short;
+    FitRun Quiet = BeginQuietFitOfJob();
     bool ShortServes;
     bool ByShort = false;  // the last run, which has left no residuals then
 
@@ -78,12 +80,14 @@ struct FitsOfRuns {
         return ChooseModel(Fit.ParamText);
     }
 
-    void Begin() const {
-        TakeStartValues(Choice, Seeds);
-        if (!Fit.RunsBegin) return;
+    Parameters Begin() const {
+        Parameters begin = StartValues(Choice, Seeds);
+        if (!Fit.RunsBegin) return begin;
+        const auto floats = [this](int k) { return Short.Model.UnknownOf[At(k)] != 0; };
         for (int k = kTraX; k < kParameterEnd; ++k)
-            if (Short.Model.UnknownOf[At(k)] != 0) ParameterValue(Job, k) = (*Fit.RunsBegin)[At(k)];
-        if (Short.Model.UnknownOf[kScaleXYZ] != 0) Job.ScaleX = Job.ScaleY = Job.ScaleZ = Job.ScaleXYZ;
+            if (floats(k)) begin[k] = (*Fit.RunsBegin)[k];
+        if (floats(kScaleXYZ)) begin[kScaleX] = begin[kScaleY] = begin[kScaleZ] = begin[kScaleXYZ];
+        return begin;
     }
 
     // False when the job's points were replaced meanwhile. Adjustment.Converged tells whether it came to its
@@ -91,13 +95,17 @@ struct FitsOfRuns {
     bool Run(bool shown) {
         ByShort = false;
         MoveSeeds(Fit.Points, Seeds);
-        Begin();
         if (ShortServes && !shown) {
-            const FitEnd end = FitAgain(Short, Fit.Points);
+            Quiet.Now = Begin();
+            const FitEnd end = FitAgain(Short, Quiet, Fit.Points);
             ByShort = end != FitEnd::Unfinished;
-            if (ByShort) return end != FitEnd::JobChanged;
-            Begin();
+            if (ByShort) {
+                Adjustment.Model = Short.Model;
+                TakeFit(Quiet);
+                return end != FitEnd::Abandoned;
+            }
         }
+        PutParameters(Begin(), Job);
         IterateFromHere(Fit.u, Fit.n, Fit.ParamText, Fit.Q, Fit.v, Fit.P, Fit.Points);
         return !Adjustment.JobChanged;
     }
@@ -225,17 +233,17 @@ bool RunMonteCarlo(NormFit& fit) {
 void BringRunsToFormOfResult() {
     if (!IsTrue(MonteCarlo.MonteCarloDone)) return;
     const FitModel& model = Adjustment.Model;
-    const ParameterValues reference = JobParameters();
+    const Parameters reference = ParametersOf(Job);
     const std::vector<EqualForm> forms = EqualForms(model, reference);
     Matrix& results = MonteCarlo.MCResults;
     int others = 0;
     for (int i = 1; i <= results.Columns; ++i) {
-        ParameterValues values = reference;
+        Parameters values = reference;
         for (int k = kRotX; k <= kAngleZtoXY; ++k)
-            if (model.UnknownOf[At(k)] != 0) values[At(k)] = results(k, i);
+            if (model.UnknownOf[At(k)] != 0) values[k] = results(k, i);
         if (TakeNearestForm(model, forms, reference, values)) ++others;
         for (int k = kRotX; k <= kAngleZtoXY; ++k)
-            if (model.UnknownOf[At(k)] != 0) results(k, i) = values[At(k)];
+            if (model.UnknownOf[At(k)] != 0) results(k, i) = values[k];
     }
     if (others == 0) return;
     AddNote(NoteCode::NearestForm,

@@ -7,9 +7,10 @@
 #include "core/run.h"
 #include "core/units.h"
 #include "engine/adjustment.h"
-#include "engine/moments.h"
-#include "engine/normal_equations.h"
+#include "engine/design.h"
 #include "engine/norms.h"
+#include "fit/moments.h"
+#include "fit/normal_equations.h"
 
 namespace {
 

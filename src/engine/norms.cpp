@@ -36,7 +36,7 @@ bool ChooseBeginOfRuns(NormFit& fit) {
     if (!SeekFromStart(fit)) return false;
     Notes.List = notes;  // the fit behind the runs says it
     if (!Certificate.BeganAgain) return true;
-    fit.RunsBegin = JobParameters();
+    fit.RunsBegin = ParametersOf(Job);
     return true;
 }
 
@@ -56,7 +56,7 @@ struct NormLoop {
     const char* Value;  // that it makes least
     bool (*Run)(NormFit&);
     bool (*RunOn)(NormFit&);
-    std::optional<ParameterValues> (*Seek)(NormFit&);
+    std::optional<Parameters> (*Seek)(NormFit&);
 };
 
 // The message of the last inner fit's limit, or of a loop that has come to its limit although its last fit
@@ -93,7 +93,7 @@ struct LimitToldByLoop {
 };
 
 EndOfFit EndHere(const NormFit& fit) {
-    EndOfFit end{.Parameters = JobParameters()};
+    EndOfFit end{.Values = ParametersOf(Job)};
     for (int i = 1; i <= fit.n; ++i) {
         if (!CoordinateInUse(static_cast<std::size_t>(i))) continue;
         const double size = std::fabs(fit.v[static_cast<std::size_t>(i)]);
@@ -108,7 +108,7 @@ EndOfFit EndHere(const NormFit& fit) {
 // The first fit as the result, with the weights 0 and 1 that it stands on.
 void TakeFirstFit(NormFit& fit) {
     fit.P = WeightsFromUseFlags(fit.n);
-    SetJobParameters(fit.FirstOfLoop->Parameters);
+    PutParameters(fit.FirstOfLoop->Values, Job);
     SettleHere(fit.u, fit.n, fit.ParamText, fit.Q, fit.v, fit.P, fit.Points);
 }
 
@@ -147,7 +147,7 @@ bool FitsBadly(const NormFit& fit) {
 }
 
 // The loop again, each fit from the same parameters on. False when the job's points were replaced meanwhile.
-bool RunFrom(const ParameterValues& begin, NormFit& fit, const NormLoop& loop) {
+bool RunFrom(const Parameters& begin, NormFit& fit, const NormLoop& loop) {
     fit.RunsBegin = begin;
     fit.P = WeightsFromUseFlags(fit.n);
     Norm.Iterations = Norm.Unsettled = 0;
@@ -171,7 +171,7 @@ void TakeAsUnconverged(NormFit& fit) {
 
 bool GoAgainWhereAstray(NormFit& fit, const NormLoop& loop, const std::string& why) {
     NoteAgain(loop, why);
-    if (!RunFrom(fit.FirstOfLoop->Parameters, fit, loop)) return false;
+    if (!RunFrom(fit.FirstOfLoop->Values, fit, loop)) return false;
     if (IsTrue(Run.StopRequested) || Astray(fit).empty()) return true;
     TakeAsUnconverged(fit);
     return true;
@@ -206,13 +206,13 @@ struct EndOfLoop {
 bool GoAgainWhereBad(NormFit& fit, const NormLoop& loop) {
     constexpr double kSame = 1e-9, kTolerance = 1e-4;
     const EndOfLoop told(fit);
-    std::vector<ParameterValues> begins = {fit.FirstOfLoop->Parameters};
+    std::vector<Parameters> begins = {fit.FirstOfLoop->Values};
     // The way to the optimum that is to follow looks for it from everywhere itself.
     if (!Norm.RunOn)
         if (const auto optimum = loop.Seek(fit)) begins.push_back(*optimum);
     if (Adjustment.JobChanged || IsTrue(Run.StopRequested)) return !Adjustment.JobChanged;
     std::optional<EndOfLoop> best;
-    for (const ParameterValues& begin : begins) {
+    for (const Parameters& begin : begins) {
         if (!RunFrom(begin, fit, loop)) return false;
         if (IsTrue(Run.StopRequested)) return true;
         const EndOfLoop end(fit);
@@ -255,8 +255,7 @@ void TakeBeginOfFit(const NormFit& fit) {
     TakeStartValues(fit.Choice, TakeSeedPoints());
     if (!fit.RunsBegin) return;
     for (int k = kTraX; k <= kAngleZtoXY; ++k)
-        if (fit.Choice.Floats[static_cast<std::size_t>(k)])
-            ParameterValue(Job, k) = (*fit.RunsBegin)[static_cast<std::size_t>(k)];
+        if (fit.Choice.Floats[static_cast<std::size_t>(k)]) ParameterValue(Job, k) = (*fit.RunsBegin)[k];
     if (fit.Choice.Floats[kScaleXYZ]) Job.ScaleX = Job.ScaleY = Job.ScaleZ = Job.ScaleXYZ;
 }
 
@@ -275,7 +274,7 @@ void FirstFitOfLoop(NormFit& fit) {
     Certificate = CertificateRecord{};  // it speaks of least squares alone
     if (!sought) return;
     if (again) {
-        fit.RunsBegin = JobParameters();
+        fit.RunsBegin = ParametersOf(Job);
     } else {
         told.PutBack(fit);
         Notes.List = notes;

@@ -8,8 +8,8 @@
 #include <string>
 
 #include "core/arrays.h"
+#include "core/job.h"
 #include "engine/gathered_points.h"
-#include "engine/parameter_values.h"
 #include "engine/start_values.h"
 
 // How the last calculation's loop went.
@@ -34,7 +34,7 @@ inline NormRecord Norm;
 
 // Where a fit of a loop has ended.
 struct EndOfFit {
-    ParameterValues Parameters{};
+    Parameters Values{};
     double Objective = 0;  // what the norm makes least: the sum (L1) or the largest (Loo) residual, mm
     double Squares = 0;    // sum of the squared residuals, mm^2
     bool Mirrored = false;
@@ -54,7 +54,7 @@ struct NormFit {
     // Where the runs of Monte Carlo, and the fits of a loop, begin, by parameter number: at the best fit,
     // where the start values lead the iteration astray. Nothing: at the start values, each run by its own
     // seed points.
-    std::optional<ParameterValues> RunsBegin = {};
+    std::optional<Parameters> RunsBegin = {};
     // Of a loop: where its first fit has ended, with weights 0 and 1. Nothing: it has not settled.
     std::optional<EndOfFit> FirstOfLoop = {};
 };

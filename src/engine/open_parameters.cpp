@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "core/job.h"
-#include "engine/normal_equations.h"
-#include "engine/small_svd.h"
+#include "fit/normal_equations.h"
+#include "fit/small_svd.h"
 
 namespace {
 

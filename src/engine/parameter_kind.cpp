@@ -1,14 +1,8 @@
-// The kinds of parameters.
+// What unit and format a parameter is shown in.
 #include "engine/parameter_kind.h"
 
-#include "core/job.h"
 #include "core/numbers.h"
 #include "core/units.h"
-
-ParameterKind KindOf(int parameter) {
-    if (parameter <= kTraZ || parameter >= kRDist) return ParameterKind::Length;
-    return parameter >= kScaleX && parameter <= kScaleXYZ ? ParameterKind::Scale : ParameterKind::Angle;
-}
 
 std::string ShownAs(ParameterKind kind, double value) {
     if (kind == ParameterKind::Length) return ShownLength(value);

@@ -1,17 +1,10 @@
-// The kinds of parameters: what unit and format a parameter is typed and shown in.
+// What unit and format a parameter is shown in, by its kind: lengths in the length unit, angles in the angle
+// unit.
 #pragma once
 
-#include <cstdint>
 #include <string>
 
-enum class ParameterKind : std::uint8_t {
-    Length,  // mm, shown in the length unit
-    Angle,   // rad, shown in the angle unit
-    Scale    // a factor
-};
-
-// Of parameter 1 to 17.
-ParameterKind KindOf(int parameter);
+#include "fit/parameters.h"
 
 // A value as a field of its kind shows it, in the present units and formats.
 std::string ShownAs(ParameterKind kind, double value);

@@ -12,9 +12,10 @@
 #include "core/notes.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/design.h"
 #include "engine/open_parameters.h"
 #include "engine/parameter_kind.h"
-#include "engine/small_svd.h"
+#include "fit/small_svd.h"
 
 namespace {
 

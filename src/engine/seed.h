@@ -1,20 +1,10 @@
 // Start values of the adjustment: a closed solution from three seed points, and the user's own.
 #pragma once
 
-#include <array>
-#include <optional>
 #include <string>
 
-#include "core/arrays.h"
-
-// The pairs that a closed solution stands on, elements 1 to 3.
-struct SeedPoints {
-    std::array<int, 4> Pair{};          // 0: there is none, and the point counts as 0
-    std::array<Vec3, 4> Start, Target;  // mm
-    // The target's axes as its seed points have them; these stay where they are while Start may be moved.
-    std::array<Vec3, 3> Reference;
-    bool ScalesAreOne = false;  // no raw scales are wanted
-};
+#include "fit/seed.h"
+#include "fit/start_values.h"
 
 // The seed points of the job. Reads the job's points, use flags and Settings.RawScale.
 SeedPoints TakeSeedPoints();
@@ -27,16 +17,11 @@ SeedPoints TakeSeedPoints();
 void RawSolution(double& tx, double& ty, double& tz, double& rx, double& ry, double& rz, double& sx,
                  double& sy, double& sz);
 
-// The same from seed points whose start side may have been moved, straight into the job's parameters.
-void RawSolution(const SeedPoints& seeds);
-
-// The start values of the calculation window by parameter number; nothing where the raw one stays.
-using OwnStarts = std::array<std::optional<double>, 18>;
+// The start values of the calculation window; nothing where the raw one stays.
 OwnStarts ReadOwnStarts();
 
 // Applies the start values of the calculation window to the job's parameters.
 void GetSeed();
-void GetSeed(const OwnStarts& starts);
 
 // True when the name is that of one of the three seed points.
 bool ItsASeed(const std::string& name);

@@ -89,7 +89,7 @@ void EachRow(const LinearRows& rows, Visit visit) {
 double GoAlong(ExactPlace& place, const std::vector<double>& y, double before, double slope,
                const MayGoOn& mayGoOn, const std::function<double(double)>& value,
                const std::function<void(double)>& take) {
-    const ParameterValues parameters = JobParameters();
+    const Parameters parameters = ParametersOf(Job);
     double share = 1;
     for (int halvings = 0; halvings < kMostHalvings && mayGoOn(); ++halvings, share /= 2) {
         std::vector<double> part = y;
@@ -99,7 +99,7 @@ double GoAlong(ExactPlace& place, const std::vector<double>& y, double before, d
             take(share);
             return -slope;
         }
-        SetJobParameters(parameters);
+        PutParameters(parameters, Job);
         place.Linearise();
     }
     return 0;

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <numeric>
 
-#include "core/require.h"
+#include "fit/require.h"
 
 void SortTable(Matrix& table, std::span<const int> columns) {
     for (const int column : columns) Require(column >= 0 && column <= table.Columns);

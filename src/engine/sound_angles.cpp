@@ -7,11 +7,11 @@
 #include <numbers>
 
 #include "core/notes.h"
-#include "engine/matrix.h"
-#include "engine/quaternion.h"
-#include "engine/rotations.h"
 #include "engine/transform.h"
-#include "engine/vector.h"
+#include "fit/matrix.h"
+#include "fit/quaternion.h"
+#include "fit/rotations.h"
+#include "fit/vector.h"
 
 namespace {
 

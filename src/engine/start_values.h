@@ -11,13 +11,7 @@
 //   ParamText  indices 1 to 17: "float", "not used" or a value in the shown units
 void TakeStartValues(const std::array<std::string, 18>& ParamText);
 
-// A choice of parameters and the user's own start values, read from their texts once for many runs. By
-// parameter number; Value is 0 where none is held.
-struct StartChoice {
-    std::array<bool, 18> Floats{}, Held{}, Seeded{};
-    std::array<double, 18> Value{};
-    OwnStarts Own;
-};
+// A choice of parameters and the user's own start values, read from their texts once for many runs.
 StartChoice ReadStartChoice(const std::array<std::string, 18>& ParamText);
 
 // The same from a choice that has been read, and from seed points that may have been moved.

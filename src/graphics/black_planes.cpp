@@ -6,9 +6,9 @@
 #include <cstddef>
 #include <limits>
 
-#include "core/any_vectors.h"
-#include "engine/rotations.h"
-#include "engine/vector.h"
+#include "fit/any_vectors.h"
+#include "fit/rotations.h"
+#include "fit/vector.h"
 #include "graphics/projection.h"
 #include "graphics/scene.h"
 #include "graphics/strokes.h"

@@ -4,11 +4,11 @@
 
 #include "core/job.h"
 #include "core/numbers.h"
-#include "core/require.h"
 #include "core/settings.h"
 #include "core/text.h"
 #include "core/units.h"
-#include "engine/coordinate_forms.h"
+#include "fit/coordinate_forms.h"
+#include "fit/require.h"
 #include "graphics/flags.h"
 #include "graphics/scene.h"
 #include "graphics/tolerance.h"

@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "core/platform.h"
-#include "core/require.h"
 #include "core/text.h"
+#include "fit/require.h"
 #include "graphics/drawing.h"
 #include "graphics/scene.h"
 #include "graphics/view_undo.h"

@@ -7,9 +7,9 @@
 #include <limits>
 
 #include "analysis/form_main_sheet.h"
-#include "core/any_vectors.h"
 #include "core/refresh.h"
-#include "core/require.h"
+#include "fit/any_vectors.h"
+#include "fit/require.h"
 #include "graphics/black_planes.h"
 #include "graphics/drawing.h"
 #include "graphics/projection.h"

@@ -9,9 +9,9 @@
 #include <cstring>
 #include <utility>
 
-#include "core/any_vectors.h"
 #include "core/settings.h"
 #include "core/window.h"
+#include "fit/any_vectors.h"
 #include "graphics/drawing.h"
 #include "graphics/scene.h"
 

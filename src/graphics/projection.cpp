@@ -6,12 +6,12 @@
 #include <cstddef>
 #include <cstring>
 
-#include "core/any_vectors.h"
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/settings.h"
-#include "engine/rotations.h"
 #include "engine/transform.h"
+#include "fit/any_vectors.h"
+#include "fit/rotations.h"
 #include "graphics/black_planes.h"
 #include "graphics/scene.h"
 

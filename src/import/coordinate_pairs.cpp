@@ -8,7 +8,7 @@
 #include <numeric>
 #include <utility>
 
-#include "core/require.h"
+#include "fit/require.h"
 
 namespace {
 

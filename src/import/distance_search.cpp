@@ -7,8 +7,8 @@
 #include <limits>
 #include <optional>
 
-#include "core/any_vectors.h"
-#include "core/require.h"
+#include "fit/any_vectors.h"
+#include "fit/require.h"
 
 namespace {
 

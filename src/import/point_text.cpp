@@ -6,8 +6,8 @@
 #include <cstring>
 
 #include "core/platform.h"
-#include "core/require.h"
 #include "core/text.h"
+#include "fit/require.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include "core/notes.h"
 #include "core/platform.h"
 #include "core/text.h"
-#include "engine/quaternion.h"
 #include "engine/transform.h"
+#include "fit/quaternion.h"
 
 namespace {
 

@@ -8,6 +8,7 @@
 #include "core/job.h"
 #include "core/units.h"
 #include "engine/adjustment.h"
+#include "engine/design.h"
 #include "engine/parameter_kind.h"
 #include "engine/transform.h"
 #include "paraboloid/shape.h"

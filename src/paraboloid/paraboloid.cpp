@@ -21,7 +21,7 @@
 #include "engine/seed.h"
 #include "engine/start_values.h"
 #include "engine/transform.h"
-#include "engine/trend.h"
+#include "fit/trend.h"
 #include "paraboloid/form_stop_para_trafo.h"
 #include "paraboloid/held_directions.h"
 #include "paraboloid/shape.h"

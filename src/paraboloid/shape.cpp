@@ -7,12 +7,12 @@
 #include "core/job.h"
 #include "core/platform.h"
 #include "core/refresh.h"
-#include "core/require.h"
 #include "core/run.h"
 #include "core/units.h"
-#include "engine/angles.h"
 #include "engine/transform.h"
-#include "engine/vector.h"
+#include "fit/angles.h"
+#include "fit/require.h"
+#include "fit/vector.h"
 
 namespace {
 

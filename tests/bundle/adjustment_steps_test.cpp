@@ -2,7 +2,7 @@
 #include <cstring>
 
 #include "bundle/network_job.h"
-#include "engine/matrix.h"
+#include "fit/matrix.h"
 
 namespace {
 

@@ -11,8 +11,8 @@
 #include "engine/calculation.h"
 #include "engine/design.h"
 #include "engine/fit_job.h"
-#include "engine/normal_equations.h"
 #include "engine/selection.h"
+#include "fit/normal_equations.h"
 #include "support/fixture.h"
 
 namespace {

@@ -10,13 +10,13 @@
 #include "core/settings.h"
 #include "core/text.h"
 #include "core/units.h"
-#include "engine/angles.h"
 #include "engine/design.h"
 #include "engine/fit_job.h"
-#include "engine/rotations.h"
 #include "engine/seed.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
+#include "fit/angles.h"
+#include "fit/rotations.h"
 #include "support/fixture.h"
 
 class Fit : public Program {

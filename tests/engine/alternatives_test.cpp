@@ -9,8 +9,8 @@
 #include "engine/field_number.h"
 #include "engine/fit_reference.h"
 #include "engine/inverted_solutions.h"
-#include "engine/matrix.h"
 #include "engine/transform.h"
+#include "fit/matrix.h"
 
 namespace {
 

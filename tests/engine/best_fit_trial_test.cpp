@@ -13,8 +13,8 @@
 #include "engine/fit_job.h"
 #include "engine/global_optimum.h"
 #include "engine/selection.h"
-#include "engine/small_svd.h"
 #include "engine/transform.h"
+#include "fit/small_svd.h"
 #include "support/fixture.h"
 
 namespace {

@@ -5,8 +5,8 @@
 #include <limits>
 #include <random>
 
-#include "engine/matrix.h"
 #include "engine/transform.h"
+#include "fit/matrix.h"
 #include "support/fixture.h"
 
 using CombinationSearch = Program;

@@ -1,5 +1,5 @@
 // Cylindrical and spherical form of points.
-#include "engine/coordinate_forms.h"
+#include "fit/coordinate_forms.h"
 
 #include <cmath>
 #include <numbers>

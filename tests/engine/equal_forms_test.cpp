@@ -19,8 +19,8 @@ constexpr std::initializer_list<int> kTwelve = {kTraX,   kTraY,   kTraZ,   kRotX
 
 class Forms : public NormTest {
 protected:
-    static ParameterValues ValuesOfJob() {
-        ParameterValues values{};
+    static Parameters ValuesOfJob() {
+        Parameters values{};
         for (int k = kTraX; k < kParameterEnd; ++k)
             values[static_cast<std::size_t>(k)] = ParameterValue(Job, k);
         return values;
@@ -28,7 +28,7 @@ protected:
     static FitModel ModelOfJob() { return ChooseModel(Job.ParamText); }
 
     // R K S in long double, by the elementary rotations.
-    static reference::Square MatrixOf(const ParameterValues& p) {
+    static reference::Square MatrixOf(const Parameters& p) {
         std::array<reference::Real, 18> values{};
         for (std::size_t k = 1; k < values.size(); ++k) values[k] = p[k];
         reference::Square M{};
@@ -41,14 +41,14 @@ protected:
         }
         return M;
     }
-    static void ExpectSameMatrix(const ParameterValues& a, const ParameterValues& b, double tolerance) {
+    static void ExpectSameMatrix(const Parameters& a, const Parameters& b, double tolerance) {
         const reference::Square A = MatrixOf(a), B = MatrixOf(b);
         for (std::size_t i = 0; i < 3; ++i)
             for (std::size_t j = 0; j < 3; ++j)
                 EXPECT_NEAR(static_cast<double>(A[i][j]), static_cast<double>(B[i][j]), tolerance);
     }
-    static ParameterValues Applied(const EqualForm& form, const ParameterValues& values) {
-        ParameterValues other = values;
+    static Parameters Applied(const EqualForm& form, const Parameters& values) {
+        Parameters other = values;
         for (int k = kRotX; k <= kAngleZtoXY; ++k)
             other[static_cast<std::size_t>(k)] = form.Of(k, values[static_cast<std::size_t>(k)]);
         return other;
@@ -86,7 +86,7 @@ TEST_F(Forms, AllGiveTheSameMatrix) {
     FloatParameters(kTwelve);
     for (int trial = 0; trial < 50; ++trial) {
         TakeAny();
-        const ParameterValues values = ValuesOfJob();
+        const Parameters values = ValuesOfJob();
         const std::vector<EqualForm> forms = EqualForms(ModelOfJob(), values);
         EXPECT_EQ(forms.size(), 64u);
         for (const EqualForm& form : forms) ExpectSameMatrix(Applied(form, values), values, 1e-13);
@@ -108,11 +108,11 @@ TEST_F(Forms, LeaveWhatIsHeldAsItIs) {
         TakeAny();
         Job.AngleXY = Job.Azimuth = Job.AngleZtoXY = 0;
         if (choice.Forms == 1) Job.ScaleX = Job.ScaleY = Job.ScaleZ = Job.ScaleXYZ = 1.5;
-        const ParameterValues values = ValuesOfJob();
+        const Parameters values = ValuesOfJob();
         const FitModel model = ModelOfJob();
         std::set<std::array<bool, 3>> signs;
         for (const EqualForm& form : EqualForms(model, values)) {
-            const ParameterValues other = Applied(form, values);
+            const Parameters other = Applied(form, values);
             ExpectSameMatrix(other, values, 1e-13);
             signs.insert({other[kScaleX] < 0, other[kScaleY] < 0, other[kScaleZ] < 0});
             for (int k = kRotX; k <= kAngleZtoXY; ++k) {
@@ -137,15 +137,15 @@ TEST_F(Forms, TheNearestIsTheOneThatWasTurnedAway) {
     FloatParameters(kTwelve);
     for (int trial = 0; trial < 50; ++trial) {
         TakeAny();
-        const ParameterValues reference = ValuesOfJob();
+        const Parameters reference = ValuesOfJob();
         const std::vector<EqualForm> forms = EqualForms(ModelOfJob(), reference);
         for (const EqualForm& form : forms) {
-            ParameterValues values = Applied(form, reference);
+            Parameters values = Applied(form, reference);
             for (int k = kRotX; k <= kAngleZtoXY; ++k)
                 values[static_cast<std::size_t>(k)] += 1e-4 * NextNumber();
             for (const int k : {kRotX, kRotZ, kAzimuth})
                 values[static_cast<std::size_t>(k)] += 2 * std::numbers::pi * std::round(NextNumber());
-            const ParameterValues before = values;
+            const Parameters before = values;
             EXPECT_EQ(TakeNearestForm(ModelOfJob(), forms, reference, values), !form.IsSame());
             ExpectSameMatrix(values, before, 1e-12);
             for (const int k : kTwelve)
@@ -203,7 +203,7 @@ TEST_F(Forms, RunsKeepTheirMatrixAndStandWithinHalfATurnOfTheResult) {
     MonteCarlo.MCResults = turned;
     BringRunsToFormOfResult();
     for (int i = 1; i <= brought.Columns; ++i) {
-        ParameterValues a = ValuesOfJob(), b = a;
+        Parameters a = ValuesOfJob(), b = a;
         for (const int k : kTwelve) {
             const auto index = static_cast<std::size_t>(k);
             a[index] = MonteCarlo.MCResults(k, i);
@@ -282,7 +282,7 @@ TEST_F(Forms, AMirroredResultHasNoPositiveForm) {
     Job.ParamText[kAngleXY] = Job.ParamText[kAzimuth] = Job.ParamText[kAngleZtoXY] = kNotUsed;
     Job.AngleXY = Job.Azimuth = Job.AngleZtoXY = 0;
     Job.ScaleX = -Job.ScaleX;
-    const ParameterValues before = ValuesOfJob();
+    const Parameters before = ValuesOfJob();
     Matrix Q;
     EXPECT_FALSE(TakePositiveForm(ModelOfJob(), Q));
     EXPECT_EQ(ValuesOfJob(), before);

@@ -7,10 +7,10 @@
 #include "cli/headless.h"
 #include "core/run.h"
 #include "engine/exact_norms_job.h"
-#include "engine/linear_optimum.h"
-#include "engine/moments.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
+#include "fit/linear_optimum.h"
+#include "fit/moments.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // General matrix operations.
-#include "engine/matrix.h"
+#include "fit/matrix.h"
 
 #include <cmath>
 #include <limits>

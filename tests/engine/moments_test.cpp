@@ -1,15 +1,16 @@
 // The road by moments against the road by rows: the same fit to the last digits that the data hold.
-#include "engine/moments.h"
+#include "fit/moments.h"
 
 #include <cmath>
 
 #include "cli/headless.h"
 #include "engine/adjustment.h"
+#include "engine/design.h"
 #include "engine/fit_job.h"
-#include "engine/normal_equations.h"
 #include "engine/selection.h"
 #include "engine/start_values.h"
 #include "engine/transform.h"
+#include "fit/normal_equations.h"
 #include "support/fixture.h"
 
 namespace {

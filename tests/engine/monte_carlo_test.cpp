@@ -10,11 +10,11 @@
 #include "core/records.h"
 #include "core/run.h"
 #include "core/units.h"
-#include "engine/angles.h"
 #include "engine/noise.h"
 #include "engine/norm_job.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
+#include "fit/angles.h"
 
 namespace {
 

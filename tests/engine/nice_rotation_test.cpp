@@ -9,8 +9,8 @@
 #include "core/job.h"
 #include "core/units.h"
 #include "engine/fit_reference.h"
-#include "engine/rotations.h"
 #include "engine/transform.h"
+#include "fit/rotations.h"
 #include "support/fixture.h"
 
 namespace {

@@ -1,12 +1,12 @@
 // The solution of the normal equations against the general matrix operations.
-#include "engine/normal_equations.h"
+#include "fit/normal_equations.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
 #include "engine/fit_job.h"
-#include "engine/matrix.h"
+#include "fit/matrix.h"
 #include "support/fixture.h"
 
 using NormalSolution = Program;
@@ -27,7 +27,7 @@ TEST_F(NormalSolution, ItsInverseIsThatOfTheMatrixOperationsToTheLastBit) {
             for (int j = 1; j <= u; ++j) N(3, j) = N(j, 3) = 0;  // an unknown that nothing is said about
         MatrixInverse(N, u, u, expected);
         MatrixMultiply(expected, u, u, w, 1, product);
-        SolveNormalEquations(N, w, u, 0, Q, x);
+        SolveNormalEquations(N, w, u, Q, x);
         for (int i = 1; i <= u; ++i) {
             EXPECT_EQ(x[static_cast<std::size_t>(i)], product[static_cast<std::size_t>(i)]);
             for (int j = 1; j <= u; ++j) EXPECT_EQ(Q(i, j), expected(i, j)) << i << ", " << j;

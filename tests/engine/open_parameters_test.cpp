@@ -8,6 +8,7 @@
 #include "core/notes.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/design.h"
 #include "engine/fit_job.h"
 #include "engine/selection.h"
 #include "support/fixture.h"

@@ -1,16 +1,16 @@
 // Euler forms, their decompositions, and quaternions.
-#include "engine/rotations.h"
+#include "fit/rotations.h"
 
 #include <cmath>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "core/units.h"
-#include "engine/angles.h"
 #include "engine/fit_reference.h"
-#include "engine/matrix.h"
-#include "engine/quaternion.h"
 #include "engine/transform.h"
+#include "fit/angles.h"
+#include "fit/matrix.h"
+#include "fit/quaternion.h"
 #include "support/fixture.h"
 
 using Rotations = Program;

@@ -11,10 +11,10 @@
 #include "core/settings.h"
 #include "core/units.h"
 #include "engine/calculation_job.h"
-#include "engine/matrix.h"
-#include "engine/rotations.h"
 #include "engine/solution_details.h"
 #include "engine/transform.h"
+#include "fit/matrix.h"
+#include "fit/rotations.h"
 
 namespace {
 

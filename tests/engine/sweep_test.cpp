@@ -1,5 +1,5 @@
 // The inverse of large matrices against the plain sweep, element by element and bit by bit.
-#include "engine/sweep.h"
+#include "fit/sweep.h"
 
 #include <cmath>
 #include <cstring>

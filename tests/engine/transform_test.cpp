@@ -7,7 +7,7 @@
 
 #include "core/job.h"
 #include "engine/fit_reference.h"
-#include "engine/matrix.h"
+#include "fit/matrix.h"
 #include "support/fixture.h"
 
 using Transformation = Program;

@@ -1,5 +1,5 @@
 // Sums and trends of a series.
-#include "engine/trend.h"
+#include "fit/trend.h"
 
 #include <gtest/gtest.h>
 

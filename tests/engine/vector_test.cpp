@@ -1,11 +1,12 @@
 // Vectors, triangles and angles.
-#include "engine/vector.h"
+#include "fit/vector.h"
 
 #include <cmath>
 
 #include "core/units.h"
-#include "engine/angles.h"
-#include "engine/triangle.h"
+#include "engine/inverted_solutions.h"
+#include "fit/angles.h"
+#include "fit/triangle.h"
 #include "support/fixture.h"
 
 using Vectors = Program;

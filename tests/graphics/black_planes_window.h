@@ -6,7 +6,7 @@
 #include <set>
 #include <vector>
 
-#include "engine/vector.h"
+#include "fit/vector.h"
 #include "graphics/black_planes.h"
 #include "graphics/input_window.h"
 

@@ -11,7 +11,7 @@
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/units.h"
-#include "engine/quaternion.h"
+#include "fit/quaternion.h"
 #include "import/robot_files.h"
 #include "support/fixture.h"
 

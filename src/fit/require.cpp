@@ -1,0 +1,10 @@
+// How the program stops when one of its own promises is broken.
+#include "fit/require.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+void BrokenPromise(const char* what, const char* file, int line) {
+    std::fprintf(stderr, "corvinade: internal error: %s does not hold (%s:%d)\n", what, file, line);
+    std::abort();
+}

@@ -1,0 +1,35 @@
+// Quality of a finished fit.
+#include "fit/statistics.h"
+
+#include <cmath>
+
+#include "fit/require.h"
+
+namespace {
+
+constexpr double kTiny = 1e-9;
+
+}  // namespace
+
+double SigmaOfAxis(double squares, double weights) {
+    return std::sqrt(squares / std::fabs(weights - 1 + kTiny));
+}
+
+void Statistics(const Column& v, const Column& P, int n, double& s0, double& sx, double& sy, double& sz) {
+    Require(n % 3 == 0 && UpperBound(v) >= n && UpperBound(P) >= n);
+    double vPv = 0, W = 0;
+    double squares[3] = {}, weights[3] = {};
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(n); i += 3)
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            const double residual = v[i + axis], weight = P[i + axis];
+            W += weight;
+            weights[axis] += weight;
+            // What takes no part does not count, however large it is.
+            if (weight == 0) continue;
+            vPv += residual * weight * residual;
+            squares[axis] += residual * residual * weight;
+        }
+    s0 = W - 1 + kTiny > 0 ? std::sqrt(vPv / (W - 1 + kTiny)) : 0;
+    double* const axes[3] = {&sx, &sy, &sz};
+    for (std::size_t axis = 0; axis < 3; ++axis) *axes[axis] = SigmaOfAxis(squares[axis], weights[axis]);
+}

@@ -1,0 +1,11 @@
+// Quality of a finished fit.
+#pragma once
+
+#include "fit/arrays.h"
+
+// s0 divides by the sum of the weights less one, not by n - u: that is the form that the reports are
+// calibrated on. sx, sy, sz the same for each axis alone. Of n residuals v (mm) and weights P, three a pair.
+void Statistics(const Column& v, const Column& P, int n, double& s0, double& sx, double& sy, double& sz);
+
+// Of an axis alone, by the sum of its squared residuals with their weights and that of the weights.
+double SigmaOfAxis(double squares, double weights);
