@@ -270,7 +270,7 @@ private:
         if (!isBetter && !otherSide) return nullptr;
         if (wishes_.OwnStart && !otherSide) {
             if (!begun_ && !IsHere(*wanted))
-                AddNote(NoteCode::BetterElsewhere, "another solution has a smaller sum of squares (" +
+                AddNote(NoteCode::BetterElsewhere, "Another solution has a smaller sum of squares (" +
                                                        Ratio(Sum(), SumOf(*wanted)) +
                                                        "); the start values that were given keep this one");
             return nullptr;
@@ -307,9 +307,9 @@ private:
         if (!same) settled.PutBack(fit_);
         if (!begun_)
             AddNote(NoteCode::BetterStart,
-                    told ? "the iteration from the seed points ended in a solution that is not the best (" +
+                    told ? "The iteration from the seed points ended in a solution that is not the best (" +
                                RatioOfEnds(before, sum) + "); it began again from the best one"
-                         : std::string("the iteration from the seed points found no end; it began again from "
+                         : std::string("The iteration from the seed points found no end; it began again from "
                                        "the best solution"));
         begun_ = true;
         return true;

@@ -27,6 +27,6 @@ bool TakePositiveForm(const FitModel& model, Matrix& Q) {
     PutParameters(parameters, Job);
     TakeCopies();
     AddNote(NoteCode::NearestForm,
-            "the result with negative scales is shown in its equal form with positive scales");
+            "The result with negative scales is shown in its equal form with positive scales");
     return true;
 }

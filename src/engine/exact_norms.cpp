@@ -218,14 +218,14 @@ struct ExactRun {
         const bool less = best.Objective < first.Objective * (1 - kTold) - Rounding * Place.Rows.Used;
         if (Stopped || !(less || otherSide)) return best;
         if (first.Ended && StartsAreOwn(Fit.Choice) && !otherSide) {
-            AddNote(NoteCode::BetterElsewhere, "another optimum has a smaller " + std::string(Kind.Value) +
+            AddNote(NoteCode::BetterElsewhere, "Another optimum has a smaller " + std::string(Kind.Value) +
                                                    " (" + Times(first.Objective, best.Objective) +
                                                    "); the start values that were given keep this one");
             return first;
         }
         AddNote(
             NoteCode::BetterStart,
-            "the way from the weightings ended in an optimum that is not the best (" +
+            "The way from the weightings ended in an optimum that is not the best (" +
                 (less ? "its " + std::string(Kind.Value) + " was " + Times(first.Objective, best.Objective)
                       : std::string("a mirrored one that fits no better")) +
                 "); the best one of " + std::to_string(Norm.Starts) + " starts is taken");

@@ -156,7 +156,7 @@ bool RunFrom(const Parameters& begin, NormFit& fit, const NormLoop& loop) {
 }
 
 void NoteAgain(const NormLoop& loop, const std::string& why) {
-    AddNote(NoteCode::BetterStart, std::string("the weightings of ") + loop.Name + " " + why +
+    AddNote(NoteCode::BetterStart, std::string("The weightings of ") + loop.Name + " " + why +
                                        "; they began again from the best fit");
 }
 

@@ -63,8 +63,8 @@ void NoteOpen(const OpenParameters& open, const FitModel& model) {
     if (open.ByPoints() == 0) return;
     AddNote(NoteCode::OpenParameters,
             (model.Mode == FitMode::Tool
-                 ? std::string("the points and poses in use, turned about one axis alone perhaps, leave ")
-                 : std::string("the points in use, on one line or in one plane perhaps, leave ")) +
+                 ? std::string("The points and poses in use, turned about one axis alone perhaps, leave ")
+                 : std::string("The points in use, on one line or in one plane perhaps, leave ")) +
                 std::to_string(open.ByPoints()) + " of the " + std::to_string(model.Unknowns) +
                 " parameters open: what is shown for " + Named(byPoints) +
                 " is arbitrary, and they have no sigma");
@@ -179,7 +179,7 @@ bool NoteCollapse(const FitModel& model, const Mat3& M) {
     const bool onePlace = reach.Target <= std::max(kRounding * reach.LargestTarget, kOnePlace * start);
     if (onePlace || Drowned(spreads.Image, spreads.Start, spreads)) {
         AddNote(NoteCode::CollapsedScale,
-                "the target points in use are all at one place, or all but so: a scale of 0 fits them "
+                "The target points in use are all at one place, or all but so: a scale of 0 fits them "
                 "whatever the start points are, so this is no fit, and the rotation is arbitrary");
         for (int k = kRotX; k <= kRotZ; ++k)
             if (model.UnknownOf[At(k)] != 0) TakeSigma(k);
@@ -201,7 +201,7 @@ bool NoteCollapse(const FitModel& model, const Mat3& M) {
     if (!noted && !one && spreads.LeastStart > kFlat * spreads.Start &&
         Drowned(spreads.LeastImage, spreads.Image, spreads))
         AddNote(NoteCode::CollapsedScale,
-                "the result carries the points all but into one plane, nearer to it than the deviations are "
+                "The result carries the points all but into one plane, nearer to it than the deviations are "
                 "long: along one direction the scale is what the noise makes of none");
     return false;
 }
@@ -229,7 +229,7 @@ void NoteRedundancy(const NormFit& fit, const FitModel& model) {
                                         " observations for " + std::to_string(fit.u) + " parameters)");
     AddNote(
         NoteCode::EqualResiduals,
-        "as many observations as parameters: the deviations are 0, or equal, whatever was measured, and no "
+        "As many observations as parameters: the deviations are 0, or equal, whatever was measured, and no "
         "error can show in them");
 }
 
@@ -266,10 +266,10 @@ void NoteResult(const NormFit& fit) {
     const double handedness = Handedness(at.M);
     if (!onePlace && std::fabs(handedness) < kPlane)
         AddNote(NoteCode::CollapsedScale,
-                "the result carries every body into one plane: the angles of its frame have closed up");
+                "The result carries every body into one plane: the angles of its frame have closed up");
     if (!onePlace && handedness < -kPlane)
         AddNote(NoteCode::Mirrored,
-                "the result is mirrored: it carries the points onto their mirror image, as no movement can; "
+                "The result is mirrored: it carries the points onto their mirror image, as no movement can; "
                 "look for names that are exchanged or an axis that points the other way");
     NoteRedundancy(fit, model);
 }

@@ -36,7 +36,7 @@ TEST_F(NotesTest, OfACalculationAreToldApartByTheirText) {
 
 TEST_F(NotesTest, OfAnImportOutlastACalculationAndNotAnImport) {
     AddNote(NoteCode::DuplicateName, "two points are named A", "a.txt", 3);
-    AddNote(NoteCode::Mirrored, "the result is mirrored");
+    AddNote(NoteCode::Mirrored, "The result is mirrored");
     ForgetCalculationNotes();
     ASSERT_EQ(Notes.List.size(), 1u);
     EXPECT_EQ(Notes.List[0].Code, NoteCode::DuplicateName);
@@ -47,7 +47,7 @@ TEST_F(NotesTest, OfAnImportOutlastACalculationAndNotAnImport) {
 TEST_F(NotesTest, AWarningIsOneWhateverStandsBesideIt) {
     AddNote(NoteCode::ColumnsIgnored, "columns beyond the fourth are not read", "a.txt");
     EXPECT_FALSE(HasWarnings());
-    AddNote(NoteCode::Mirrored, "the result is mirrored");
+    AddNote(NoteCode::Mirrored, "The result is mirrored");
     EXPECT_TRUE(HasWarnings());
 }
 

@@ -236,7 +236,7 @@ void NotesPicture() {
     UserDid([] {
         Dispatch([] {
             ForgetNotes();
-            AddNote(NoteCode::EmptyCoordinate, "z of point \"F11\" is empty and counts as 0", kStart, 7);
+            AddNote(NoteCode::EmptyCoordinate, "The z of point \"F11\" is empty and counts as 0", kStart, 7);
             AddNote(NoteCode::FieldCut,
                     "What stands behind the first blank of \"782.7441 mm\" in z is not read", kStart, 11);
             AddNote(NoteCode::ColumnsIgnored, "Fields behind z are not read: \"ok\"", kTarget, 1, 15);
