@@ -71,7 +71,7 @@ TEST_F(OpenOutputs, TheProtocolHasTheNotesOfTheImportToo) {
     ASSERT_NE(section, std::string::npos) << text;
     EXPECT_NE(text.find("\r\nnote\tFields behind z are not read", section), std::string::npos);
     EXPECT_NE(text.find(remarks + ", line 1; 4 times)", section), std::string::npos);
-    EXPECT_NE(text.find("\r\nwarning\tthe points in use", section), std::string::npos);
+    EXPECT_NE(text.find("\r\nwarning\tThe points in use", section), std::string::npos);
     EXPECT_TRUE(Line(text, "Rotx ").ends_with("\topen\r")) << Line(text, "Rotx ");
     EXPECT_EQ(Fit({start_, target_, "--protocol"}).Out.find("\r\nNotes\r\n"), std::string::npos);
 }
