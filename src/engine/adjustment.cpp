@@ -40,10 +40,9 @@ bool PosesMayCount() {
 FitModel BeginRun(int u, int n, const ParameterTexts& ParamText, const GatheredPoints& points) {
     Require(n == 3 * Job.nIdent && points.Count == Job.nIdent);
     Require(u == CountUnknowns(ParamText));
-    const bool confirmed = Adjustment.AngleUnitsConfirmed, later = Adjustment.LimitToldLater;
+    const bool confirmed = Adjustment.AngleUnitsConfirmed;
     Adjustment = AdjustmentRecord{};
     Adjustment.AngleUnitsConfirmed = confirmed;
-    Adjustment.LimitToldLater = later;
     Adjustment.Model = ChooseModel(ParamText);
     return Adjustment.Model;
 }
@@ -94,7 +93,6 @@ void BestFitIteration(int u, int n, const ParameterTexts& ParamText, Matrix& Q, 
 }
 
 void TellOfLimit() {
-    if (Adjustment.LimitToldLater) return;
     if (Adjustment.Iterations > Settings.MaxIteration)
         ShowMessage("Calculation stopped after " + PlainText(Settings.MaxIteration) +
                     " Iterations, Convergence not reached yet!");

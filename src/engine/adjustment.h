@@ -21,7 +21,6 @@ struct AdjustmentRecord {
     bool JobChanged = false;  // the points were replaced while events were served: nothing was written
     FitModel Model;           // of this run; the choice may change while events are served
     bool AngleUnitsConfirmed = false;  // the user wants no more warnings of the poses' angle unit
-    bool LimitToldLater = false;       // a run at its limit is one of many, whose caller tells of it
 };
 inline AdjustmentRecord Adjustment;
 

@@ -15,6 +15,7 @@
 #include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/corrections.h"
+#include "engine/norms.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
 
@@ -22,6 +23,7 @@ namespace {
 
 // What the program does with what it hears.
 struct Audience {
+    FitNorm Kind = FitNorm::LeastSquares;
     std::uint64_t JobGeneration = Run.JobGeneration;
     bool TraceKept = Selection.CheckRDist;
     std::string Trace;  // the corrections of all passes, which the clipboard shows while the iteration runs
@@ -45,18 +47,50 @@ struct Audience {
             case FitStep::IterationEnds:
                 ShowConvergence(event.Last);
                 break;
+            case FitStep::LoopRound:
+                ShowRound(event);
+                break;
+            case FitStep::OptimumStep:
+                ShowOptimum(event);
+                break;
+            case FitStep::Searching:
+                return Serve(event);
         }
         return true;
     }
 
     bool BeginPass(const FitEvent& event) {
         if (event.Iterations == 0) Trace.clear();
-        PutParameters(event.Now, Job);
         Adjustment.Iterations = event.Iterations;
         ShowConvergence(event.Last);
         SetStatus(2, "... calculating Matrix for LeastSquare calc...");
+        return Serve(event);
+    }
+
+    bool Serve(const FitEvent& event) const {
+        PutParameters(event.Now, Job);
+        Norm.Iterations = event.Rounds;
+        Norm.Linearisations = event.Steps;
         YieldToEvents();
         return Run.JobGeneration == JobGeneration;
+    }
+
+    // Panels 6 and 7.
+    void ShowRound(const FitEvent& event) const {
+        const double value = event.Value * Units.LengthFactor;
+        const std::string rounds = std::to_string(event.Rounds);
+        if (Kind == FitNorm::LeastSum) {
+            SetStatus(7, "d[v]: " + PlainText(value));
+            SetStatus(6, "L1 Iterationen: " + rounds);
+        } else {
+            SetStatus(7, FormatNumber(value, Units.FmtLength) + "[v max]: ");
+            SetStatus(6, "Loo Iterat.: " + rounds);
+        }
+    }
+    void ShowOptimum(const FitEvent& event) const {
+        SetStatus(
+            6, (Kind == FitNorm::LeastSum ? "L1 optimum: " : "Loo optimum: ") + std::to_string(event.Steps));
+        SetStatus(7, FormatNumber(event.Value * Units.LengthFactor, Units.FmtLength));
     }
 
     // Panels 3 to 5.
@@ -97,13 +131,14 @@ FitRun BeginHeardBy(std::function<bool(const FitEvent&)> hear) {
     run.Listener = {.Hear = std::move(hear), .StopIsWanted = [] { return IsTrue(Run.StopRequested); }};
     run.Now = ParametersOf(Job);
     run.Chain = Chain;
+    run.Norm = Norm;
     return run;
 }
 
 }  // namespace
 
-FitRun BeginFitOfJob() {
-    const auto audience = std::make_shared<Audience>();
+FitRun BeginFitOfJob(FitNorm norm) {
+    const auto audience = std::make_shared<Audience>(Audience{.Kind = norm});
     return BeginHeardBy([audience](const FitEvent& event) { return audience->Hear(event); });
 }
 

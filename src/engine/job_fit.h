@@ -2,12 +2,13 @@
 #pragma once
 
 #include "fit/fit_run.h"
+#include "fit/norm_run.h"
 
 // A fit that begins at the job's parameters, by the limits of the settings. Its listener is the program: it
-// shows each pass in the status bar and on the clipboard, puts the parameters into the job and serves events.
-// The fit is abandoned when the job's points are replaced meanwhile, and stops where Run.StopRequested says
-// so.
-FitRun BeginFitOfJob();
+// shows each pass, and each round of the norm's loop, in the status bar and on the clipboard, puts the
+// parameters into the job and serves events. The fit is abandoned when the job's points are replaced
+// meanwhile, and stops where Run.StopRequested says so.
+FitRun BeginFitOfJob(FitNorm norm = FitNorm::LeastSquares);
 
 // The same for fits that are repeated thousands of times: the listener serves events and leaves the empty
 // trace on the clipboard, and shows nothing.

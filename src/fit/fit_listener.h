@@ -13,7 +13,10 @@ enum class FitStep : std::uint8_t {
     Summed,      // the sums over the points stand, the normal equations are to be solved
     Solved,      // they are
     PassEnds,    // with its corrections, which are to be added next
-    IterationEnds
+    IterationEnds,
+    LoopRound,    // of a norm's loop is over: Value is how far the sum has changed, or the largest residual
+    OptimumStep,  // on the way to a norm's optimum is over: Value is what the norm makes least
+    Searching     // in the middle of long work
 };
 
 // Of a pass: how its largest correction stands to that of the pass before.
@@ -31,6 +34,9 @@ struct FitEvent {
     const Parameters& Now;
     Convergence Last = {};
     const Column* Corrections = nullptr;  // of the pass, of unknowns 1 to u; at PassEnds
+    int Rounds = 0;                       // of a norm's loop that have begun
+    int Steps = 0;                        // likewise on the way to its optimum
+    double Value = 0;                     // mm; at LoopRound and OptimumStep
 };
 
 struct FitListener {

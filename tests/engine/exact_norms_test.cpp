@@ -1,6 +1,6 @@
 // The true optimum of the norms: closed forms, linear programs solved by trying everything, and bounds
 // that hold.
-#include "engine/exact_norms.h"
+#include "fit/exact_norms.h"
 
 #include <numeric>
 

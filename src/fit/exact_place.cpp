@@ -1,15 +1,12 @@
 // A place on the way to an exact norm's optimum.
-#include "engine/exact_place.h"
+#include "fit/exact_place.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "core/job.h"
-#include "engine/best_transformation.h"
-#include "engine/chain_search.h"
-#include "engine/corrections.h"
-#include "engine/design.h"
-#include "engine/transform.h"
+#include "fit/best_transformation.h"
+#include "fit/chain_search.h"
+#include "fit/corrections.h"
 #include "fit/matrix.h"
 #include "fit/normal_equations.h"
 #include "fit/rotations.h"
@@ -120,8 +117,8 @@ struct Spread {
 
 }  // namespace
 
-ExactPlace::ExactPlace(const GatheredPoints& points, const FitModel& model)
-    : Points(points), Model(model), Kind(UnknownsOf(model)) {
+ExactPlace::ExactPlace(FitRun& run, const GatheredPoints& points, const FitModel& model)
+    : Run(run), Points(points), Model(model), Kind(UnknownsOf(model)) {
     const Spread spread(points);
     Along = spread.Along;
     // About a place that is held even points on a line can be turned about it.
@@ -134,7 +131,7 @@ ExactPlace::ExactPlace(const GatheredPoints& points, const FitModel& model)
 }
 
 std::array<Vec3, 3> ExactPlace::Axes() const {
-    const Mat3& M = Chain.Product;
+    const Mat3& M = Run.Chain.Product;
     Vec3 image;
     for (int row = 1; row <= 3; ++row)
         for (int j = 1; j <= 3; ++j) image(row) += M(row, j) * Along(j, 1);
@@ -148,7 +145,7 @@ std::array<Vec3, 3> ExactPlace::Axes() const {
 }
 
 Linearisation ExactPlace::LineariseAbout(const std::array<Vec3, 3>& axes) const {
-    Linearisation at = ::Linearise(Model, Points);
+    Linearisation at = ::Linearise(Model, Run.Now, Points, Run.Chain);
     if (Kind == PlaceUnknowns::Parameters) return at;
     for (int k = 0; k < at.InnerCount; ++k) {
         InnerDerivative& inner = at.Inner[At(k)];
@@ -171,14 +168,14 @@ Linearisation ExactPlace::LineariseAbout(const std::array<Vec3, 3>& axes) const 
 }
 
 void ExactPlace::Linearise() {
-    ::Linearise(Model, Points);  // the chain at the job's parameters
+    ::Linearise(Model, Run.Now, Points, Run.Chain);  // the chain at the present parameters
     axes_ = Axes();
     Here = LineariseAbout(axes_);
     AllTold = MakeLinearRows(Points, Model, Here, Rows, T);
 }
 
 void ExactPlace::MoveInner(const Column& x) const {
-    if (Kind == PlaceUnknowns::Parameters) return AddCorrections(Model, x);
+    if (Kind == PlaceUnknowns::Parameters) return AddCorrections(Model, x, Run.Now);
     if (Kind == PlaceUnknowns::Elements) {
         Mat3 M = Here.M;
         for (int k = 0; k < Here.InnerCount; ++k) {
@@ -188,7 +185,7 @@ void ExactPlace::MoveInner(const Column& x) const {
         }
         const ChainValues values = ValuesOf(M, PlainModel::Affine);
         for (int k = kRotX; k <= kAngleZtoXY; ++k)
-            if (Model.UnknownOf[At(k)] != 0) ParameterValue(Job, k) = values.Value[At(k)];
+            if (Model.UnknownOf[At(k)] != 0) Run.Now[k] = values.Value[At(k)];
         return;
     }
     Column others = x;
@@ -199,12 +196,12 @@ void ExactPlace::MoveInner(const Column& x) const {
         others[At(unknown)] = 0;
     }
     Mat3 R;
-    RotMatrixXYZ(Job.RotX, Job.RotY, Job.RotZ, R);
+    RotMatrixXYZ(Run.Now[kRotX], Run.Now[kRotY], Run.Now[kRotZ], R);
     const Vec3 angles = AnglesOf(MatrixProduct(RotationAbout(turn), R));
-    AddCorrections(Model, others);
-    Job.RotX = angles(1);
-    Job.RotY = angles(2);
-    Job.RotZ = angles(3);
+    AddCorrections(Model, others, Run.Now);
+    Run.Now[kRotX] = angles(1);
+    Run.Now[kRotY] = angles(2);
+    Run.Now[kRotZ] = angles(3);
 }
 
 void ExactPlace::Step(const std::vector<double>& y) {
@@ -218,10 +215,9 @@ void ExactPlace::Step(const std::vector<double>& y) {
             x[At(unknown)] = 0;
         }
     MoveInner(x);
-    const Linearisation there = ::Linearise(Model, Points);
+    const Linearisation there = ::Linearise(Model, Run.Now, Points, Run.Chain);
     for (int axis = 1; axis <= 3; ++axis)
-        if (there.AxisFloats[At(axis)])
-            ParameterValue(Job, kTraX + axis - 1) += wanted(axis) - there.Shift(axis);
+        if (there.AxisFloats[At(axis)]) Run.Now[kTraX + axis - 1] += wanted(axis) - there.Shift(axis);
     Linearise();
 }
 
@@ -232,7 +228,7 @@ std::vector<double> ExactPlace::Curvature(const std::vector<double>& weights) co
     std::vector<double> curvature(m * m);
     if (Kind == PlaceUnknowns::Elements) return curvature;
     const std::array<PointForm, 3> sums = SumsOfPoints(Rows, weights);
-    const Parameters before = ParametersOf(Job);
+    const Parameters before = Run.Now;
     std::vector<double> W(At(u * u));
     for (int k = 0; k < Here.InnerCount; ++k) {
         const int unknown = Here.Inner[At(k)].Unknown;
@@ -242,7 +238,7 @@ std::vector<double> ExactPlace::Curvature(const std::vector<double>& weights) co
             x[At(unknown)] = side == 0 ? -kStep : kStep;
             MoveInner(x);
             gradients[At(side)] = Gradient(LineariseAbout(axes_), sums, u);
-            PutParameters(before, Job);
+            Run.Now = before;
         }
         for (int i = 0; i < u; ++i)
             W[At(i * u + unknown - 1)] = (gradients[1][At(i)] - gradients[0][At(i)]) / (2 * kStep);
@@ -260,7 +256,7 @@ std::vector<double> ExactPlace::Curvature(const std::vector<double>& weights) co
 }
 
 bool ExactPlace::PointsTellAll() const {
-    ExactPlace plain(Points, Model);
+    ExactPlace plain(Run, Points, Model);
     plain.Along = Mat3{};
     for (int k = 1; k <= 3; ++k) plain.Along(k, k) = 1;
     plain.spreads_.fill(true);
@@ -269,7 +265,7 @@ bool ExactPlace::PointsTellAll() const {
     std::vector<std::vector<double>> columns;
     // About the axes of the start system, as Rot x turns about its x.
     Mat3 R;
-    RotMatrixXYZ(Job.RotX, Job.RotY, Job.RotZ, R);
+    RotMatrixXYZ(Run.Now[kRotX], Run.Now[kRotY], Run.Now[kRotZ], R);
     std::array<Vec3, 3> axes;
     for (int k = 1; k <= 3; ++k) axes[At(k - 1)] = {R(1, k), R(2, k), R(3, k)};
     return MakeLinearRows(Points, Model, plain.LineariseAbout(axes), rows, columns);

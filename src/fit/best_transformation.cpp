@@ -1,12 +1,12 @@
 // The best transformation that the sums of a point set allow.
-#include "engine/best_transformation.h"
+#include "fit/best_transformation.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <vector>
 
-#include "engine/chain_search.h"
+#include "fit/chain_search.h"
 #include "fit/matrix.h"
 #include "fit/small_svd.h"
 

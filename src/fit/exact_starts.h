@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "engine/exact_place.h"
+#include "fit/exact_place.h"
 
 // The least-squares solution, its turns by the rotations of a cube, and the solutions of three points each,
 // on both sides of the mirror where a scale floats: one gross error, or two names swapped, can lead the loop
@@ -11,4 +11,4 @@
 // order. Empty where a rotation or a translation is held.
 //   place      is left at parameters of its own choice; the job's are put back
 //   most       starts at most; the least-squares solution comes first
-std::vector<Parameters> StartsByPoints(const NormFit& fit, ExactPlace& place, int most);
+std::vector<Parameters> StartsByPoints(const NormRun& fit, const ExactPlace& place, int most);

@@ -1,7 +1,7 @@
 // When a mirrored result may stand: one that no movement of the points can bring about.
 #pragma once
 
-#include "engine/norms.h"
+#include "fit/norm_run.h"
 
 // A floating parameter begins at a value of the user's own.
 bool StartsAreOwn(const StartChoice& choice);
@@ -18,5 +18,5 @@ bool NegativeScaleIsWanted(const StartChoice& choice);
 //   power             2 of squares, else 1
 bool MirrorIsReal(double proper, double mirrored, double rounding, int redundancy, int power);
 
-// Does R K S of the job's parameters mirror? That of the last linearisation.
-bool JobIsMirrored();
+// Does R K S mirror? That of the last linearisation.
+bool IsMirrored(const ChainRecord& chain);

@@ -1,9 +1,8 @@
 // When a mirrored result may stand.
-#include "engine/mirror.h"
+#include "fit/mirror.h"
 
 #include <cmath>
 
-#include "engine/transform.h"
 #include "fit/small_svd.h"
 
 bool StartsAreOwn(const StartChoice& choice) {
@@ -24,6 +23,6 @@ bool MirrorIsReal(double proper, double mirrored, double rounding, int redundanc
     return proper + rounding > (mirrored + rounding) * std::exp(power * kLogOdds / redundancy);
 }
 
-bool JobIsMirrored() {
-    return Determinant3(Chain.Product) < 0;
+bool IsMirrored(const ChainRecord& chain) {
+    return Determinant3(chain.Product) < 0;
 }

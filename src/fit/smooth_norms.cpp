@@ -1,5 +1,5 @@
 // The optimum of L1 and L-infinity along a smooth way.
-#include "engine/smooth_norms.h"
+#include "fit/smooth_norms.h"
 
 #include <algorithm>
 #include <cmath>
@@ -89,7 +89,7 @@ void EachRow(const LinearRows& rows, Visit visit) {
 double GoAlong(ExactPlace& place, const std::vector<double>& y, double before, double slope,
                const MayGoOn& mayGoOn, const std::function<double(double)>& value,
                const std::function<void(double)>& take) {
-    const Parameters parameters = ParametersOf(Job);
+    const Parameters parameters = place.Run.Now;
     double share = 1;
     for (int halvings = 0; halvings < kMostHalvings && mayGoOn(); ++halvings, share /= 2) {
         std::vector<double> part = y;
@@ -99,7 +99,7 @@ double GoAlong(ExactPlace& place, const std::vector<double>& y, double before, d
             take(share);
             return -slope;
         }
-        PutParameters(parameters, Job);
+        place.Run.Now = parameters;
         place.Linearise();
     }
     return 0;

@@ -1,16 +1,9 @@
 // The least sum of absolute residuals by reweighting.
 #include <cmath>
 
-#include "core/controller.h"
-#include "core/job.h"
-#include "core/numbers.h"
-#include "core/run.h"
-#include "core/units.h"
-#include "engine/adjustment.h"
-#include "engine/design.h"
-#include "engine/norms.h"
 #include "fit/moments.h"
 #include "fit/normal_equations.h"
+#include "fit/norms.h"
 
 namespace {
 
@@ -51,7 +44,7 @@ double ReweightDistances(const Column& v, int n, Column& P) {
 // with the weights that the residuals make. These sums are taken where the last fit has ended, so that
 // even the heaviest rows say little that is still to be told, and drown nothing of the others.
 struct L1Rounds {
-    NormFit& Fit;
+    NormRun& Fit;
     FitOnMoments Last;
     bool ByMoments = false;
 
@@ -59,66 +52,65 @@ struct L1Rounds {
     bool Next() {
         if (ByMoments) {
             TakeBeginOfFit(Fit);
-            IterateFromHere(Fit.u, Fit.n, Fit.ParamText, Fit.Q, Fit.Points, Last);
-            if (Adjustment.JobChanged) return false;
-            if (!Last.ByMoments || !Adjustment.Converged) LeaveMoments();
+            Iterate(Fit.Run, Fit.Model, Fit.Points, Last, Fit.Result.Q);
+            if (Fit.Abandoned()) return false;
+            if (!Last.ByMoments || !Fit.Run.State.Converged) LeaveMoments();
             return true;
         }
-        Norm.Iterations <= 1 ? FirstFitOfLoop(Fit) : FitFromStart(Fit);
-        if (Adjustment.JobChanged) return false;
+        Fit.Run.Norm.Iterations <= 1 ? FirstFitOfLoop(Fit) : FitFromStart(Fit);
+        if (Fit.Abandoned()) return false;
         ByMoments =
-            Norm.Iterations == 1 && Adjustment.Converged && MomentsServe(Adjustment.Model, Fit.Points);
+            Fit.Run.Norm.Iterations == 1 && Fit.Run.State.Converged && MomentsServe(Fit.Model, Fit.Points);
         return true;
     }
 
     // The sum of absolute residuals of the last fit.
     double Reweigh() {
         if (ByMoments) {
-            const bool tool = Adjustment.Model.Mode == FitMode::Tool;
-            SumMoments(Fit.Points, Linearise(Adjustment.Model, Fit.Points),
+            const bool tool = Fit.Model.Mode == FitMode::Tool;
+            SumMoments(Fit.Points, Linearise(Fit.Model, Fit.Run.Now, Fit.Points, Fit.Run.Chain),
                        {.Tool = tool, .Reweighted = true}, Last.Moments);
             return Last.Moments.AbsoluteSum;
         }
-        return Adjustment.Model.Mode == FitMode::Distance ? ReweightDistances(Fit.v, Fit.n, Fit.P)
-                                                          : Reweight(Fit.v, Fit.n, Fit.P);
+        return Fit.Model.Mode == FitMode::Distance ? ReweightDistances(Fit.Result.v, Fit.Rows(), Fit.P)
+                                                   : Reweight(Fit.Result.v, Fit.Rows(), Fit.P);
     }
 
     void End() {
         if (!ByMoments) return;
-        if (Norm.Iterations > 1) LeaveMoments();
-        Reweight(Fit.v, Fit.n, Fit.P);
+        if (Fit.Run.Norm.Iterations > 1) LeaveMoments();
+        Reweight(Fit.Result.v, Fit.Rows(), Fit.P);
     }
 
     // The last fit's residuals come from the points. The weights have stayed 0 and 1 up to here.
     void LeaveMoments() {
         ByMoments = false;
-        Residuals(Fit.Points, Adjustment.Model, Last.At, Last.Centred, Fit.v);
+        Residuals(Fit.Points, Fit.Model, Last.At, Last.Centred, Fit.Result.v);
     }
 };
 
 }  // namespace
 
-bool FitL1(NormFit& fit) {
-    Norm.NormTolerance = 1e-3;
+bool FitL1(NormRun& fit) {
+    fit.Run.Norm.NormTolerance = 1e-3;
     L1Rounds rounds{.Fit = fit};
     double d = 1e12, lowest = d;
     int idle = 0;
     bool goOn = true;
     while (goOn) {
         const double dPrev = d;
-        ++Norm.Iterations;
+        ++fit.Run.Norm.Iterations;
         if (!rounds.Next()) return false;
         d = rounds.Reweigh();
         const double change = std::fabs(d - dPrev);
-        SetStatus(7, "d[v]: " + PlainText(change * Units.LengthFactor));
-        SetStatus(6, "L1 Iterationen: " + std::to_string(Norm.Iterations));
+        if (!fit.Run.Tell(FitStep::LoopRound, change)) return false;
         idle = d < lowest ? 0 : idle + 1;
         lowest = std::fmin(lowest, d);
-        CountUnsettledFit();
-        const bool mayGoOn = !IsTrue(Run.StopRequested) && Adjustment.Finite;
-        const bool still = mayGoOn && change < Norm.NormTolerance;
-        Norm.Converged = still && Adjustment.Converged;
-        goOn = mayGoOn && !still && idle < kMostIdleRounds && Norm.Iterations < kMostNormRounds;
+        CountUnsettledFit(fit);
+        const bool mayGoOn = !fit.Stops() && fit.Run.State.Finite;
+        const bool still = mayGoOn && change < fit.Run.Norm.NormTolerance;
+        fit.Run.Norm.Converged = still && fit.Run.State.Converged;
+        goOn = mayGoOn && !still && idle < kMostIdleRounds && fit.Run.Norm.Iterations < kMostNormRounds;
     }
     rounds.End();
     return true;

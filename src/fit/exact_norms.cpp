@@ -1,5 +1,5 @@
 // The way from the result of a norm's loop to the norm's true optimum.
-#include "engine/exact_norms.h"
+#include "fit/exact_norms.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,26 +7,16 @@
 #include <optional>
 #include <string>
 
-#include "core/controller.h"
-#include "core/job.h"
-#include "core/notes.h"
-#include "core/numbers.h"
-#include "core/platform.h"
-#include "core/run.h"
-#include "core/settings.h"
-#include "core/units.h"
-#include "engine/adjustment.h"
-#include "engine/corrections.h"
-#include "engine/design.h"
-#include "engine/exact_place.h"
-#include "engine/exact_starts.h"
-#include "engine/fit_outcome.h"
-#include "engine/mirror.h"
-#include "engine/smooth_norms.h"
+#include "fit/corrections.h"
+#include "fit/exact_place.h"
+#include "fit/exact_starts.h"
 #include "fit/linear_optimum.h"
+#include "fit/mirror.h"
 #include "fit/moments.h"
 #include "fit/normal_equations.h"
+#include "fit/norms.h"
 #include "fit/small_svd.h"
+#include "fit/smooth_norms.h"
 
 namespace {
 
@@ -43,8 +33,6 @@ constexpr double kAlike = 1e-13;  // sums of residuals that rounding alone may t
 
 // What the two norms differ in.
 struct ExactNorm {
-    const char* Panel;
-    const char* Value;  // what it makes least
     double (*Objective)(const LinearRows&);
     int (*Optimum)(LinearRows, std::vector<double>&, Holding&, const MayGoOn&);
     double (*LowerBound)(const LinearRows&, const Holding&);
@@ -63,19 +51,18 @@ struct WayEnd {
 
 // The state of one run.
 struct ExactRun {
-    NormFit& Fit;
+    NormRun& Fit;
     const ExactNorm& Kind;
-    ExactPlace Place{Fit.Points, Adjustment.Model};
-    std::uint64_t JobGeneration = Run.JobGeneration;
+    ExactPlace Place{Fit.Run, Fit.Points, Fit.Model};
     Holding Held;
     bool Stopped = false;
     double Rounding = 0;  // mm; a shorter way of the points cannot be told from none
 
-    bool JobChanged() const { return Run.JobGeneration != JobGeneration; }
+    bool Abandoned() const { return Fit.Abandoned(); }
 
     bool MayGoOn() {
-        YieldToEvents();
-        Stopped = Stopped || IsTrue(Run.StopRequested) || JobChanged();
+        const bool goesOn = Fit.Run.Tell(FitStep::Searching);
+        Stopped = Stopped || Fit.Stops() || !goesOn;
         return !Stopped;
     }
     double Objective() const { return Kind.Objective(Place.Rows); }
@@ -84,9 +71,9 @@ struct ExactRun {
     // the rows have moved at most, mm; 0 when no step is better.
     double Improve() {
         std::vector<double> y;
-        Norm.Exchanges += Kind.Optimum(Place.Rows, y, Held, [this] { return MayGoOn(); });
-        if (JobChanged()) return 0;
-        const Parameters before = ParametersOf(Job);
+        Fit.Run.Norm.Exchanges += Kind.Optimum(Place.Rows, y, Held, [this] { return MayGoOn(); });
+        if (Abandoned()) return 0;
+        const Parameters before = Fit.Run.Now;
         const double objective = Objective();
         LinearRows way = Place.Rows;
         way.v.assign(way.v.size(), 0);
@@ -98,7 +85,7 @@ struct ExactRun {
         for (int halvings = 0; halvings < kMostHalvings; ++halvings, share /= 2) {
             Place.Step(y);
             if (Objective() <= objective * (1 + kAlike)) return share * length;
-            PutParameters(before, Job);
+            Fit.Run.Now = before;
             Place.Linearise();
             for (double& entry : y) entry /= 2;
         }
@@ -111,9 +98,9 @@ struct ExactRun {
         Place.Linearise();
         bool ended = false;
         for (int k = 0; k < most && !ended && !Stopped; ++k) {
-            ++Norm.Linearisations;
+            ++Fit.Run.Norm.Linearisations;
             const double moved = Improve();
-            if (JobChanged()) return {};
+            if (Abandoned()) return {};
             ended = !Stopped && moved == 0;
             ShowStep();
         }
@@ -122,7 +109,7 @@ struct ExactRun {
 
     // The bound is that of what the points tell apart; what they leave open moves no row.
     WayEnd EndHere(double bound, bool ended) const {
-        WayEnd end{.Values = ParametersOf(Job), .Objective = Objective()};
+        WayEnd end{.Values = Fit.Run.Now, .Objective = Objective()};
         end.Above = std::max(0.0, end.Objective - bound);
         // A way that ends far above its bound has lost itself.
         end.Ended = ended && end.Above <= kNear * end.Objective + Rounding * Place.Rows.Used;
@@ -137,7 +124,7 @@ struct ExactRun {
         const bool tight = best.Ended && best.Above <= kTight * best.Objective + Rounding * Place.Rows.Used;
         if (tight || Stopped) return best;
         const SmoothOptimum smooth = Kind.Follow(Place, [this] { return MayGoOn(); });
-        Norm.Linearisations += smooth.Steps;
+        Fit.Run.Norm.Linearisations += smooth.Steps;
         ShowStep();
         if (Stopped) return best;
         const WayEnd end = EndHere(Kind.SmoothBound(Place.Rows, smooth.Weights), smooth.Ended);
@@ -159,21 +146,21 @@ struct ExactRun {
     bool Go() {
         Rounding = 1e-13 * Size() + 2e-15 * FarOut();
         const WayEnd first = FromHere();
-        if (JobChanged()) return false;
+        if (Abandoned()) return false;
         const bool linear = IsLinear(Place.Model);
-        Norm.Starts = 1;
+        Fit.Run.Norm.Starts = 1;
         Ends ends{first};
         if (!(linear && first.Ended) && !TryOtherStarts(ends)) return false;
         WayEnd best = Chosen(ends, first);
         if (!GoOn(best)) return false;
-        PutParameters(best.Values, Job);
+        Fit.Run.Now = best.Values;
         Place.Linearise();
         const bool told = Place.PointsTellAll();
-        Norm.BoundOfAll = linear && told && static_cast<int>(Place.T.size()) == Place.Model.Unknowns;
-        Norm.AboveOptimum = told ? best.Above : std::numeric_limits<double>::infinity();
-        Norm.Converged = best.Ended && !Stopped;
-        const Linearisation at = ::Linearise(Place.Model, Fit.Points);
-        Residuals(Fit.Points, Place.Model, at, Column(At(Place.Model.Unknowns) + 1), Fit.v);
+        Fit.Run.Norm.BoundOfAll = linear && told && static_cast<int>(Place.T.size()) == Place.Model.Unknowns;
+        Fit.Run.Norm.AboveOptimum = told ? best.Above : std::numeric_limits<double>::infinity();
+        Fit.Run.Norm.Converged = best.Ended && !Stopped;
+        const Linearisation at = ::Linearise(Place.Model, Fit.Run.Now, Fit.Points, Fit.Run.Chain);
+        Residuals(Fit.Points, Place.Model, at, Column(At(Place.Model.Unknowns) + 1), Fit.Result.v);
         return true;
     }
 
@@ -183,11 +170,11 @@ struct ExactRun {
         double share = 0.1;
         std::uint64_t seed = 1;
         for (int round = 0; round < kRounds && !best.Ended && !Stopped; ++round, share /= 10) {
-            PutParameters(best.Values, Job);
+            Fit.Run.Now = best.Values;
             Place.Linearise();
             if (!StepAside(seed, share)) return true;
             const WayEnd end = FromHere();
-            if (JobChanged()) return false;
+            if (Abandoned()) return false;
             if (!Stopped && end.Mirrored == best.Mirrored && IsBetter(end, best)) best = end;
         }
         return true;
@@ -203,7 +190,7 @@ struct ExactRun {
 
     // The one of both sides that is wanted. What begins at values of the user's own stays there, unless it
     // is mirrored for no reason.
-    WayEnd Chosen(const Ends& ends, const WayEnd& first) const {
+    WayEnd Chosen(const Ends& ends, const WayEnd& first) {
         const bool wanted = NegativeScaleIsWanted(Fit.Choice);
         WayEnd best = ends.Proper ? *ends.Proper : *ends.Mirrored;
         if (ends.Proper && ends.Mirrored) {
@@ -217,24 +204,15 @@ struct ExactRun {
         const bool otherSide = first.Mirrored && !best.Mirrored;
         const bool less = best.Objective < first.Objective * (1 - kTold) - Rounding * Place.Rows.Used;
         if (Stopped || !(less || otherSide)) return best;
+        const double times = TimesAsMuch(first.Objective, best.Objective);
         if (first.Ended && StartsAreOwn(Fit.Choice) && !otherSide) {
-            AddNote(NoteCode::BetterElsewhere, "Another optimum has a smaller " + std::string(Kind.Value) +
-                                                   " (" + Times(first.Objective, best.Objective) +
-                                                   "); the start values that were given keep this one");
+            Fit.Remarks.push_back({.Kind = FitRemark::What::OtherOptimumIsLess, .Times = times});
             return first;
         }
-        AddNote(
-            NoteCode::BetterStart,
-            "The way from the weightings ended in an optimum that is not the best (" +
-                (less ? "its " + std::string(Kind.Value) + " was " + Times(first.Objective, best.Objective)
-                      : std::string("a mirrored one that fits no better")) +
-                "); the best one of " + std::to_string(Norm.Starts) + " starts is taken");
+        Fit.Remarks.push_back({.Kind = FitRemark::What::OptimumFromOtherStart,
+                               .Times = less ? times : 0,
+                               .Count = Fit.Run.Norm.Starts});
         return best;
-    }
-
-    static std::string Times(double more, double less) {
-        if (!(less > 0) || !(more / less < 1e6)) return "larger by far";
-        return FormatNumber(more / less, "0.000") + " times as large";
     }
 
     // From places that the points themselves propose, and from places around the best one, as far off as the
@@ -244,16 +222,16 @@ struct ExactRun {
         constexpr int kMostStarts = 14, kAside = 4, kRowsInAll = 25000;
         const int starts = std::min(kMostStarts, kRowsInAll / std::max(1, Place.Rows.Used));
         const std::vector<Parameters> proposed = BestProposed(starts - 1 - std::min(starts / 3, kAside));
-        if (JobChanged()) return false;
+        if (Abandoned()) return false;
         std::uint64_t seed = 1;
-        for (; Norm.Starts < starts && !Stopped; ++Norm.Starts) {
-            const std::size_t k = At(Norm.Starts - 1);
+        for (; Fit.Run.Norm.Starts < starts && !Stopped; ++Fit.Run.Norm.Starts) {
+            const std::size_t k = At(Fit.Run.Norm.Starts - 1);
             const bool aside = k >= proposed.size();
-            PutParameters(!aside ? proposed[k] : (ends.Proper ? *ends.Proper : *ends.Mirrored).Values, Job);
+            Fit.Run.Now = !aside ? proposed[k] : (ends.Proper ? *ends.Proper : *ends.Mirrored).Values;
             Place.Linearise();
             if (aside && !StepAside(seed, 1)) break;
             const WayEnd end = FromHere();
-            if (JobChanged()) return false;
+            if (Abandoned()) return false;
             std::optional<WayEnd>& best = ends.Of(end);
             if (!Stopped && (!best || IsBetter(end, *best))) best = end;
         }
@@ -271,7 +249,7 @@ struct ExactRun {
         };
         std::vector<Proposal> tried;
         const auto take = [&](const Parameters& parameters) {
-            PutParameters(parameters, Job);
+            Fit.Run.Now = parameters;
             Place.Linearise();
             if (!std::isfinite(Objective())) return;
             tried.push_back({parameters, Objective(), Determinant3(Place.Here.M) < 0});
@@ -288,9 +266,9 @@ struct ExactRun {
         sort(At(std::min(kFollowed, kRowsInAll / rows)));
         for (Proposal& proposal : tried) {
             if (Stopped) break;
-            PutParameters(proposal.Values, Job);
+            Fit.Run.Now = proposal.Values;
             const WayEnd end = ByExchanges(kFew);
-            if (JobChanged()) return {};
+            if (Abandoned()) return {};
             proposal = {end.Values, end.Objective, end.Mirrored};
         }
         sort(tried.size());
@@ -344,10 +322,7 @@ struct ExactRun {
         return far;
     }
 
-    void ShowStep() const {
-        SetStatus(6, Kind.Panel + std::to_string(Norm.Linearisations));
-        SetStatus(7, FormatNumber(Objective() * Units.LengthFactor, Units.FmtLength));
-    }
+    void ShowStep() { Fit.Run.Tell(FitStep::OptimumStep, Objective()); }
 
     // Models whose residuals are linear in their unknowns, or in the nine elements of a matrix that twelve
     // unknowns make up: there is one minimum then.
@@ -363,66 +338,40 @@ struct ExactRun {
     }
 };
 
-// What a run needs to begin at: the loop's result in the plain model.
-bool Begins() {
-    if (Adjustment.Model.Mode == FitMode::Coincide) return Adjustment.Finite && !IsTrue(Run.StopRequested);
-    Norm.Converged = false;
-    ShowMessage(
-        "The true optimum of L1 and L-infinity is found for points that are to coincide, not for the "
-        "distance R_Dist and the tool vector. The result is that of the weightings.");
-    return false;
+constexpr ExactNorm kLeastSum{SumOf, LeastSum, LowerBoundOfSum, FollowLeastSum, BoundOfSum};
+constexpr ExactNorm kLeastLargest{LargestOf, LeastLargest, LowerBoundOfLargest, FollowLeastLargest,
+                                  BoundOfLargest};
+
+const ExactNorm& KindOf(const NormRun& fit) {
+    return fit.Kind == FitNorm::LeastSum ? kLeastSum : kLeastLargest;
 }
 
 }  // namespace
 
-namespace {
-
-constexpr ExactNorm kLeastSum{"L1 optimum: ",  "sum of deviations", SumOf,     LeastSum,
-                              LowerBoundOfSum, FollowLeastSum,      BoundOfSum};
-constexpr ExactNorm kLeastLargest{"Loo optimum: ",     "largest deviation", LargestOf,     LeastLargest,
-                                  LowerBoundOfLargest, FollowLeastLargest,  BoundOfLargest};
-
-std::optional<Parameters> Seek(NormFit& fit, const ExactNorm& kind) {
-    constexpr int kMostPoints = 1000;
-    if (Adjustment.Model.Mode != FitMode::Coincide || fit.Points.Count > kMostPoints) return {};
-    const FitOutcome before(fit);
-    const NormRecord record = Norm;
-    const std::vector<Note> notes = Notes.List;
-    ExactRun run{.Fit = fit, .Kind = kind};
-    const bool done = run.Go();
-    if (!done) {
-        Adjustment.JobChanged = true;
-        return {};
+void RunOnToOptimum(NormRun& fit) {
+    if (fit.Model.Mode != FitMode::Coincide) {
+        fit.Run.Norm.Converged = false;
+        return;
     }
-    const Parameters found = ParametersOf(Job);
+    if (!fit.Run.State.Finite || fit.Stops()) return;
+    ExactRun run{.Fit = fit, .Kind = KindOf(fit)};
+    if (!run.Go() || fit.Kind != FitNorm::LeastSum) return;
+    for (int i = 1; i <= fit.Rows(); ++i)
+        if (fit.P[At(i)] != 0) fit.P[At(i)] = ResidualWeight(fit.Result.v[At(i)]);
+}
+
+std::optional<Parameters> SeekOptimum(NormRun& fit) {
+    constexpr int kMostPoints = 1000;
+    if (fit.Model.Mode != FitMode::Coincide || fit.Points.Count > kMostPoints) return {};
+    const FitOutcome before(fit);
+    const NormRecord record = fit.Run.Norm;
+    const std::vector<FitRemark> remarks = fit.Remarks;
+    ExactRun run{.Fit = fit, .Kind = KindOf(fit)};
+    if (!run.Go()) return {};
+    const Parameters found = fit.Run.Now;
     before.PutBack(fit);
-    Norm = record;
-    Notes.List = notes;
+    fit.Run.Norm = record;
+    fit.Remarks = remarks;
     if (run.Stopped) return {};
     return found;
-}
-
-}  // namespace
-
-bool RunOnToLeastSum(NormFit& fit) {
-    if (!Begins()) return true;
-    ExactRun run{.Fit = fit, .Kind = kLeastSum};
-    if (!run.Go()) return false;
-    for (int i = 1; i <= fit.n; ++i)
-        if (fit.P[At(i)] != 0) fit.P[At(i)] = ResidualWeight(fit.v[At(i)]);
-    return true;
-}
-
-bool RunOnToLeastLargest(NormFit& fit) {
-    if (!Begins()) return true;
-    ExactRun run{.Fit = fit, .Kind = kLeastLargest};
-    return run.Go();
-}
-
-std::optional<Parameters> SeekLeastSum(NormFit& fit) {
-    return Seek(fit, kLeastSum);
-}
-
-std::optional<Parameters> SeekLeastLargest(NormFit& fit) {
-    return Seek(fit, kLeastLargest);
 }

@@ -1,15 +1,13 @@
 // Places to look for an exact norm's optimum from.
-#include "engine/exact_starts.h"
+#include "fit/exact_starts.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <tuple>
 
-#include "core/job.h"
-#include "engine/best_transformation.h"
-#include "engine/chain_search.h"
-#include "engine/design.h"
+#include "fit/best_transformation.h"
+#include "fit/chain_search.h"
 #include "fit/matrix.h"
 #include "fit/moments.h"
 #include "fit/small_svd.h"
@@ -36,12 +34,11 @@ bool Scales(const FitModel& model) {
     return any;
 }
 
-// The job's parameters with those that float taken from a transformation; held ones stay.
-Parameters ParametersAt(const FitModel& model, const GatheredPoints& points,
+// Parameters with those that float taken from a transformation; held ones stay.
+Parameters ParametersAt(Parameters parameters, const FitModel& model, const GatheredPoints& points,
                         const CentredTransformation& found, PlainModel plain) {
     constexpr double kSomeLean = 1e-3;  // rad; of none the azimuth would mean nothing
     const ChainValues values = ValuesOf(found.M, plain);
-    Parameters parameters = ParametersOf(Job);
     for (int k = kTraX; k <= kAngleZtoXY; ++k) {
         if (!Floats(model, k)) continue;
         double& value = parameters[At(k)];
@@ -66,13 +63,14 @@ Mat3 TimesScalar(Mat3 M, double factor) {
 // Both sides of the mirror for the points in use by weights, for a similarity or a movement.
 class Solutions {
 public:
-    Solutions(const FitModel& model, const GatheredPoints& points, std::vector<Parameters>& starts)
-        : model_(model), points_(points), starts_(starts) {}
+    Solutions(const FitRun& run, const FitModel& model, const GatheredPoints& points,
+              std::vector<Parameters>& starts)
+        : held_(run.Now), chain_(run.Chain), model_(model), points_(points), starts_(starts) {}
 
     void OfWeights(const Column& P, bool turned) {
         SetWeights(P, points_);
         PointMoments moments;
-        const Linearisation at = ::Linearise(model_, points_);
+        const Linearisation at = Linearise(model_, held_, points_, chain_);
         SumMoments(points_, at, moments);
         const bool scales = Scales(model_);
         const Mat3 H = CrossProducts(moments);
@@ -98,23 +96,26 @@ public:
 private:
     void Take(const PointMoments& moments, const Mat3& M) {
         const PlainModel plain = Scales(model_) ? PlainModel::Similarity : PlainModel::Rigid;
-        starts_.push_back(ParametersAt(model_, points_, {M, BestShift(moments, M), 0}, plain));
+        starts_.push_back(ParametersAt(held_, model_, points_, {M, BestShift(moments, M), 0}, plain));
     }
 
+    const Parameters held_;
+    ChainRecord chain_;
     const FitModel& model_;
     GatheredPoints points_;
     std::vector<Parameters>& starts_;
 };
 
 // Points whose three coordinates are in use, by where they are and not by where they stand in the list.
-std::vector<int> WholePoints(const NormFit& fit) {
+std::vector<int> WholePoints(const NormRun& fit) {
     std::vector<int> whole;
-    for (int k = 0; k < fit.n / 3; ++k)
+    for (int k = 0; k < fit.Points.Count; ++k)
         if (fit.P[At(3 * k + 1)] * fit.P[At(3 * k + 2)] * fit.P[At(3 * k + 3)] != 0) whole.push_back(k);
-    std::sort(whole.begin(), whole.end(), [](int a, int b) {
-        const auto key = [](int k) {
-            const Vec3 p = StartPoint(k + 1), q = TargetPoint(k + 1);
-            return std::tuple(p(1), p(2), p(3), q(1), q(2), q(3));
+    std::sort(whole.begin(), whole.end(), [&fit](int a, int b) {
+        const auto key = [&fit](int k) {
+            const auto &p = fit.Points.Start, &q = fit.Points.Target;
+            const std::size_t i = At(k);
+            return std::tuple(p[0][i], p[1][i], p[2][i], q[0][i], q[1][i], q[2][i]);
         };
         return key(a) < key(b);
     });
@@ -123,14 +124,13 @@ std::vector<int> WholePoints(const NormFit& fit) {
 
 }  // namespace
 
-std::vector<Parameters> StartsByPoints(const NormFit& fit, ExactPlace& place, int most) {
+std::vector<Parameters> StartsByPoints(const NormRun& fit, const ExactPlace& place, int most) {
     std::vector<Parameters> starts;
     const std::vector<int> whole = WholePoints(fit);
     if (most < 1 || !MovesFreely(place.Model) || whole.size() < 3) return starts;
-    const Parameters before = ParametersOf(Job);
-    Solutions solutions(place.Model, fit.Points, starts);
-    Column all(At(fit.n) + 1);
-    for (int i = 1; i <= fit.n; ++i) all[At(i)] = fit.P[At(i)] != 0 ? 1 : 0;
+    Solutions solutions(fit.Run, place.Model, fit.Points, starts);
+    Column all(At(fit.Rows()) + 1);
+    for (int i = 1; i <= fit.Rows(); ++i) all[At(i)] = fit.P[At(i)] != 0 ? 1 : 0;
     solutions.OfWeights(all, true);
     const auto triple = [&](int a, int b, int c) {
         Column P(all.size());
@@ -155,6 +155,5 @@ std::vector<Parameters> StartsByPoints(const NormFit& fit, ExactPlace& place, in
         }
     }
     if (static_cast<int>(starts.size()) > most) starts.resize(At(most));
-    PutParameters(before, Job);
     return starts;
 }

@@ -1,26 +1,18 @@
 // From the solution that the iteration has found to the best one there is.
-#include "engine/best_fit.h"
+#include "fit/best_fit.h"
 
 #include <algorithm>
 #include <cmath>
 #include <optional>
 #include <string>
 
-#include "core/job.h"
-#include "core/notes.h"
-#include "core/numbers.h"
-#include "core/run.h"
-#include "core/settings.h"
-#include "engine/adjustment.h"
-#include "engine/best_transformation.h"
-#include "engine/chain_search.h"
-#include "engine/corrections.h"
-#include "engine/design.h"
-#include "engine/fit_outcome.h"
-#include "engine/mirror.h"
-#include "engine/transform.h"
+#include "fit/best_transformation.h"
+#include "fit/chain_search.h"
+#include "fit/corrections.h"
 #include "fit/double_double.h"
+#include "fit/mirror.h"
 #include "fit/moments.h"
+#include "fit/norms.h"
 #include "fit/small_svd.h"
 
 namespace {
@@ -31,14 +23,14 @@ std::size_t At(int i) {
 
 constexpr double kEpsilon = 2.220446049250313e-16;
 
-double SumOfSquares(const NormFit& fit) {
+double SumOfSquares(const NormRun& fit) {
     double sum = 0;
-    for (int i = 1; i <= fit.n; ++i) sum += fit.P[At(i)] * fit.v[At(i)] * fit.v[At(i)];
+    for (int i = 1; i <= fit.Rows(); ++i) sum += fit.P[At(i)] * fit.Result.v[At(i)] * fit.Result.v[At(i)];
     return sum;
 }
 
 // The choice as one of the presets, all of whose parameters float and whose others are neutral.
-std::optional<PlainModel> PresetOf(const FitModel& model) {
+std::optional<PlainModel> PresetOf(const FitModel& model, const Parameters& parameters) {
     const auto floats = [&](int parameter) { return model.UnknownOf[At(parameter)] != 0; };
     const auto all = [&](int first, int last) {
         for (int k = first; k <= last; ++k)
@@ -47,7 +39,7 @@ std::optional<PlainModel> PresetOf(const FitModel& model) {
     };
     const auto neutral = [&](int first, int last, double value) {
         for (int k = first; k <= last; ++k)
-            if (floats(k) || ParameterValue(Job, k) != value) return false;
+            if (floats(k) || parameters[k] != value) return false;
         return true;
     };
     if (!all(kTraX, kRotZ)) return {};
@@ -67,7 +59,7 @@ struct Wishes {
     bool OwnStart = false;  // a floating parameter begins at a value of the user's own
     bool NegativeScale = false;
 
-    explicit Wishes(const NormFit& fit)
+    explicit Wishes(const NormRun& fit)
         : OwnStart(StartsAreOwn(fit.Choice)), NegativeScale(NegativeScaleIsWanted(fit.Choice)) {}
 };
 
@@ -85,10 +77,10 @@ struct Solutions {
     int Starts = 1;
 };
 
-Solutions FindSolutions(const NormFit& fit, const PointMoments& moments) {
+Solutions FindSolutions(const NormRun& fit, const PointMoments& moments) {
     Solutions found;
-    const FitModel& model = Adjustment.Model;
-    if (const std::optional<PlainModel> preset = PresetOf(model)) {
+    const FitModel& model = fit.Model;
+    if (const std::optional<PlainModel> preset = PresetOf(model, fit.Run.Now)) {
         const BestTransformations best = BestOfModel(moments, *preset);
         const auto take = [&](const std::optional<CentredTransformation>& from, std::optional<Solution>& to) {
             if (from && std::isfinite(from->Gain))
@@ -106,7 +98,7 @@ Solutions FindSolutions(const NormFit& fit, const PointMoments& moments) {
     for (int k = kTraX; k <= kAngleZtoXY; ++k) {
         choice.Floats[At(k)] = model.UnknownOf[At(k)] != 0;
         // What floats begins at the values of the search, not at those of a run that may have gone astray.
-        if (!choice.Floats[At(k)]) choice.Held.Value[At(k)] = ParameterValue(Job, k);
+        if (!choice.Floats[At(k)]) choice.Held.Value[At(k)] = fit.Run.Now[k];
     }
     const ChainSearch search = SearchChain(moments, choice, StartsOf(moments, choice));
     const auto take = [&](const std::optional<ChainResult>& from, std::optional<Solution>& to) {
@@ -127,7 +119,7 @@ Solutions FindSolutions(const NormFit& fit, const PointMoments& moments) {
 }
 
 // What rounding of the coordinates themselves adds to a sum of squares, mm^2.
-double RoundingOfSum(const NormFit& fit, const PointMoments& moments) {
+double RoundingOfSum(const NormRun& fit, const PointMoments& moments) {
     double largest = 0, rows = 0;
     for (int axis = 1; axis <= 3; ++axis) {
         const auto& B = moments.B[At(axis)];
@@ -142,8 +134,8 @@ double RoundingOfSum(const NormFit& fit, const PointMoments& moments) {
     return rows * each * each;
 }
 
-void TakeParameters(const NormFit& fit, const Solution& solution) {
-    const FitModel& model = Adjustment.Model;
+void TakeParameters(NormRun& fit, const Solution& solution) {
+    const FitModel& model = fit.Model;
     for (int k = kTraX; k <= kAngleZtoXY; ++k) {
         if (model.UnknownOf[At(k)] == 0) continue;
         double value = solution.Values.Value[At(k)];
@@ -154,27 +146,28 @@ void TakeParameters(const NormFit& fit, const Solution& solution) {
             for (int j = 1; j <= 3; ++j) sum.AddProduct(-solution.M(axis, j), fit.Points.StartCentre(j));
             value = sum.Value();
         }
-        ParameterValue(Job, k) = value;
-        if (k == kScaleXYZ) Job.ScaleX = Job.ScaleY = Job.ScaleZ = value;
+        fit.Run.Now[k] = value;
+        if (k == kScaleXYZ)
+            for (const int scale : {kScaleX, kScaleY, kScaleZ}) fit.Run.Now[scale] = value;
     }
 }
 
 // One who seeks: the told run first, then what is better.
 class Seeker {
 public:
-    explicit Seeker(NormFit& fit) : fit_(fit), wishes_(fit) {}
+    explicit Seeker(NormRun& fit) : fit_(fit), wishes_(fit) {}
 
     // False when the job's points were replaced meanwhile.
     bool Run() {
         constexpr int kMostRounds = 4;
         // Start values of the user's own that lead beyond all numbers are for the user to mend.
-        if (wishes_.OwnStart && !Adjustment.Finite) return true;
+        if (wishes_.OwnStart && !fit_.Run.State.Finite) return true;
         for (int round = 0; round < kMostRounds; ++round) {
             Look();
             const Solution* better = Better();
             if (better == nullptr) break;
             if (!BeginAgain(*better)) return false;
-            if (IsTrue(::Run.StopRequested)) break;
+            if (fit_.Stops()) break;
         }
         Look();
         Certify();
@@ -184,8 +177,8 @@ public:
 private:
     // The sums at the present parameters, or where these are of no use at those that do nothing.
     void Look() {
-        usable_ = Adjustment.Finite && Adjustment.Converged;
-        Linearisation at = Linearise(Adjustment.Model, fit_.Points);
+        usable_ = fit_.Run.State.Finite && fit_.Run.State.Converged;
+        Linearisation at = Linearise(fit_.Model, fit_.Run.Now, fit_.Points, fit_.Run.Chain);
         if (!usable_) {
             at.M = Mat3{};
             for (int k = 1; k <= 3; ++k) at.M(k, k) = 1;
@@ -193,7 +186,7 @@ private:
         }
         SumMoments(fit_.Points, at, moments_);
         found_ = FindSolutions(fit_, moments_);
-        mirrored_ = usable_ && JobIsMirrored();
+        mirrored_ = usable_ && IsMirrored(fit_.Run.Chain);
         rounding_ = RoundingOfSum(fit_, moments_);
         sum_.reset();
     }
@@ -230,7 +223,7 @@ private:
             return mirrored->Gain > proper->Gain ? mirrored : proper;
         }
         if (!(mirrored->Gain > proper->Gain)) return proper;
-        const int redundancy = static_cast<int>(rows_()) - fit_.u;
+        const int redundancy = static_cast<int>(rows_()) - fit_.Model.Unknowns;
         return MirrorIsReal(SumOf(*proper), SumOf(*mirrored), rounding_, redundancy, 2) ? mirrored : proper;
     }
 
@@ -254,7 +247,7 @@ private:
         for (int axis = 1; axis <= 3; ++axis)
             for (std::size_t k = 1; k <= 3; ++k) spread = std::max(spread, moments_.B[At(axis)][k][k]);
         const double arm = 1 + std::sqrt(spread / std::max(1.0, rows_() / 3));
-        const double move = 10 * Threshold() * arm;
+        const double move = 10 * fit_.Run.Limits.Threshold * arm;
         return MoveTo(other) < move * move;
     }
 
@@ -270,71 +263,64 @@ private:
         if (!isBetter && !otherSide) return nullptr;
         if (wishes_.OwnStart && !otherSide) {
             if (!begun_ && !IsHere(*wanted))
-                AddNote(NoteCode::BetterElsewhere, "Another solution has a smaller sum of squares (" +
-                                                       Ratio(Sum(), SumOf(*wanted)) +
-                                                       "); the start values that were given keep this one");
+                Remark(FitRemark::What::OtherSolutionIsLess, TimesAsMuch(Sum(), SumOf(*wanted)));
             return nullptr;
         }
         if (begun_ && !(wanted->Gain > least)) return nullptr;
         return wanted;
     }
 
-    static std::string Ratio(double more, double less) {
-        if (!(less > 0) || !(more / less < 1e6)) return "by far";
-        return "this one's is " + FormatNumber(more / less, "0.000") + " times as large";
+    void Remark(FitRemark::What what, double times) {
+        fit_.Remarks.push_back({.Kind = what, .Times = times});
     }
 
     // The solution as it stands, and the iteration from there on where that leads to the same.
     bool BeginAgain(const Solution& better) {
         const bool told = usable_;
         const bool polished = told && !mirrored_ && IsHere(better);
-        const int iterations = Adjustment.Iterations;
+        const int iterations = fit_.Run.State.Iterations;
         const double before = told ? Sum() : 0;
         TakeParameters(fit_, better);
-        SettleHere(fit_.u, fit_.n, fit_.ParamText, fit_.Q, fit_.v, fit_.P, fit_.Points);
+        SettleFit(fit_);
         const FitOutcome settled(fit_);
         const double sum = SumOfSquares(fit_);
-        const bool side = JobIsMirrored();
+        const bool side = IsMirrored(fit_.Run.Chain);
         if (polished) {  // its last digits, and no other solution
-            Adjustment.Iterations = iterations;
+            fit_.Run.State.Iterations = iterations;
             return true;
         }
         if (begun_) return true;  // the iteration has been there, and did not stay
-        IterateQuietly(fit_.u, fit_.n, fit_.ParamText, fit_.Q, fit_.v, fit_.P, fit_.Points);
-        if (Adjustment.JobChanged) return false;
-        const bool same = Adjustment.Converged && SumOfSquares(fit_) <= sum * (1 + 1e-10) + rounding_ &&
-                          JobIsMirrored() == side;
+        IterateFit(fit_);
+        if (fit_.Abandoned()) return false;
+        const bool same = fit_.Run.State.Converged && SumOfSquares(fit_) <= sum * (1 + 1e-10) + rounding_ &&
+                          IsMirrored(fit_.Run.Chain) == side;
         if (!same) settled.PutBack(fit_);
         if (!begun_)
-            AddNote(NoteCode::BetterStart,
-                    told ? "The iteration from the seed points ended in a solution that is not the best (" +
-                               RatioOfEnds(before, sum) + "); it began again from the best one"
-                         : std::string("The iteration from the seed points found no end; it began again from "
-                                       "the best solution"));
+            told ? Remark(FitRemark::What::IterationBeganAgain, TimesOfEnds(before, sum))
+                 : Remark(FitRemark::What::IterationFoundNoEnd, 0);
         begun_ = true;
         return true;
     }
 
-    std::string RatioOfEnds(double before, double sum) const {
-        if (before <= sum * (1 + 1e-9) + rounding_) return "a mirrored one that fits as well";
-        if (!(sum > 0) || !(before / sum < 1e6)) return "its sum of squares was larger by far";
-        return "its sum of squares was " + FormatNumber(before / sum, "0.000") + " times as large";
+    // 0 of a mirrored one that fits as well.
+    double TimesOfEnds(double before, double sum) const {
+        return before <= sum * (1 + 1e-9) + rounding_ ? 0 : TimesAsMuch(before, sum);
     }
 
     void Certify() {
-        Certificate = CertificateRecord{};
-        Certificate.Mirrored = mirrored_;
-        Certificate.BeganAgain = begun_;
+        fit_.Certificate = CertificateRecord{};
+        fit_.Certificate.Mirrored = mirrored_;
+        fit_.Certificate.BeganAgain = begun_;
         const Solution* best = Wanted();
         if (best == nullptr || !usable_) return;
-        Certificate.Kind =
+        fit_.Certificate.Kind =
             found_.ClosedForm ? CertificateRecord::Road::ClosedForm : CertificateRecord::Road::Starts;
-        Certificate.Starts = found_.Starts;
+        fit_.Certificate.Starts = found_.Starts;
         const double least = rounding_ + RoundingOfGain(moments_, best->M, best->Shift);
-        if (best->Gain > least && Sum() > 0) Certificate.RelativeAbove = (best->Gain - least) / Sum();
+        if (best->Gain > least && Sum() > 0) fit_.Certificate.RelativeAbove = (best->Gain - least) / Sum();
     }
 
-    NormFit& fit_;
+    NormRun& fit_;
     Wishes wishes_;
     PointMoments moments_;
     Solutions found_;
@@ -344,16 +330,16 @@ private:
 };
 
 // A limit below the usual one was set by a user who wants to be told at it.
-bool LimitWasWanted() {
+bool LimitWasWanted(const FitRun& run) {
     constexpr int kUsual = 100;
-    return !Adjustment.Converged && Settings.MaxIteration < kUsual;
+    return !run.State.Converged && run.Limits.MaxIteration < kUsual;
 }
 
 }  // namespace
 
-bool SeekBestFit(NormFit& fit) {
-    Certificate = CertificateRecord{};
-    const bool plain = Adjustment.Model.Mode == FitMode::Coincide && fit.Points.OnlyInUse && fit.u > 0;
-    if (!plain || IsTrue(Job.IsParaboloid) || IsTrue(Run.StopRequested) || LimitWasWanted()) return true;
+bool SeekBestFit(NormRun& fit) {
+    fit.Certificate = CertificateRecord{};
+    const bool plain = fit.Model.Mode == FitMode::Coincide && fit.Points.OnlyInUse && fit.Model.Unknowns > 0;
+    if (!plain || !fit.SeeksBest || fit.Stops() || LimitWasWanted(fit.Run)) return true;
     return Seeker(fit).Run();
 }

@@ -1,13 +1,7 @@
 // The least largest residual by exchange of weight between the worst and the best row.
 #include <cmath>
 
-#include "core/controller.h"
-#include "core/job.h"
-#include "core/numbers.h"
-#include "core/run.h"
-#include "core/units.h"
-#include "engine/adjustment.h"
-#include "engine/norms.h"
+#include "fit/norms.h"
 
 namespace {
 
@@ -34,69 +28,62 @@ struct Extremes {
     }
 };
 
-bool RowInUse(int i) {
-    return CoordinateInUse(static_cast<std::size_t>(i));
-}
-
-void FindExtremes(NormFit& fit, Extremes& found) {
+void FindExtremes(NormRun& fit, Extremes& found) {
     found.Max = -1e11;
     found.Min = 1e11;
-    if (Adjustment.Model.Mode == FitMode::Distance) {
+    if (fit.Model.Mode == FitMode::Distance) {
         // A point's residual counts for its three rows. The place is the number of points before it, as
         // results have always been made with: the exchange reaches a row beside the point's own.
-        for (int i = 1; i <= fit.n; ++i)
-            if (At(fit.P, i) != 0) found.Consider(std::fabs(At(fit.v, (i - 1) / 3 + 1)), (i - 1) / 3);
+        for (int i = 1; i <= fit.Rows(); ++i)
+            if (At(fit.P, i) != 0) found.Consider(std::fabs(At(fit.Result.v, (i - 1) / 3 + 1)), (i - 1) / 3);
     } else {
-        for (int i = 1; i <= fit.n; ++i)
-            if (RowInUse(i)) found.Consider(std::fabs(At(fit.v, i)), i);
+        for (int i = 1; i <= fit.Rows(); ++i)
+            if (At(fit.InUse, i) != 0) found.Consider(std::fabs(At(fit.Result.v, i)), i);
     }
 }
 
-bool Fit(NormFit& fit) {
-    Norm.Iterations == 0 ? FirstFitOfLoop(fit) : FitFromStart(fit);
-    CountUnsettledFit();
-    return !Adjustment.JobChanged;
+bool Fit(NormRun& fit) {
+    fit.Run.Norm.Iterations == 0 ? FirstFitOfLoop(fit) : FitFromStart(fit);
+    CountUnsettledFit(fit);
+    return !fit.Abandoned();
 }
 
 // The user wants no more, or all fits behind would give no numbers either.
-bool MustEnd() {
-    return IsTrue(Run.StopRequested) || !Adjustment.Finite;
+bool MustEnd(const NormRun& fit) {
+    return fit.Stops() || !fit.Run.State.Finite;
 }
 
-void ShowRound(double max) {
-    SetStatus(7, FormatNumber(std::fabs(max) * Units.LengthFactor, Units.FmtLength) + "[v max]: ");
-    SetStatus(6, "Loo Iterat.: " + std::to_string(Norm.Iterations));
+void ShowRound(NormRun& fit, double max) {
+    fit.Run.Tell(FitStep::LoopRound, std::fabs(max));
 }
 
 }  // namespace
 
-bool FitLoo(NormFit& fit) {
-    SetStatus(6, "Loo...max is min");
-    SetStatus(7, "Loo...max is min");
+bool FitLoo(NormRun& fit) {
     if (!Fit(fit)) return false;
-    if (MustEnd()) return true;
-    Norm.NormTolerance = 1e-4;
+    if (MustEnd(fit)) return true;
+    fit.Run.Norm.NormTolerance = 1e-4;
     Extremes previous, now;
     for (;;) {
         previous = now;
-        ++Norm.Iterations;
+        ++fit.Run.Norm.Iterations;
         if (!Fit(fit)) return false;
         FindExtremes(fit, now);
         // Both may be the same row, whose weight then stays.
         At(fit.P, now.iMax) *= kExchange;
         At(fit.P, now.iMin) /= kExchange;
-        ShowRound(now.Max);
-        if (MustEnd()) return true;
-        if (std::fabs(previous.Max - now.Max) < Norm.NormTolerance) break;
-        if (Norm.Iterations > 1 && now.Max > previous.Max) break;
-        if (Norm.Iterations == kMostNormRounds) return true;
+        ShowRound(fit, now.Max);
+        if (MustEnd(fit)) return true;
+        if (std::fabs(previous.Max - now.Max) < fit.Run.Norm.NormTolerance) break;
+        if (fit.Run.Norm.Iterations > 1 && now.Max > previous.Max) break;
+        if (fit.Run.Norm.Iterations == kMostNormRounds) return true;
     }
     At(fit.P, now.iMax) /= kExchange;
     At(fit.P, previous.iMax) /= kExchange;
     At(fit.P, now.iMin) *= kExchange;
     At(fit.P, previous.iMin) *= kExchange;
     if (!Fit(fit)) return false;
-    ShowRound(now.Max);
-    Norm.Converged = Adjustment.Converged;
+    ShowRound(fit, now.Max);
+    fit.Run.Norm.Converged = fit.Run.State.Converged;
     return true;
 }

@@ -6,7 +6,7 @@
 
 #include <vector>
 
-#include "engine/exact_place.h"
+#include "fit/exact_place.h"
 
 // What an optimum rests on: weights of the rows that cancel out in each unknown. Of L1 each is between -1
 // and 1, of L-infinity the sum of their sizes is 1.
@@ -16,8 +16,8 @@ struct SmoothOptimum {
     bool Ended = false;  // the barrier is nothing
 };
 
-// From the job's parameters on, which are left at the place found. That may be no better than the start, for
-// the way begins in the middle; the caller compares.
+// From the present parameters on, which are left at the place found. That may be no better than the start,
+// for the way begins in the middle; the caller compares.
 SmoothOptimum FollowLeastSum(ExactPlace& place, const MayGoOn& mayGoOn);
 SmoothOptimum FollowLeastLargest(ExactPlace& place, const MayGoOn& mayGoOn);
 

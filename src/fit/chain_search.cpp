@@ -1,11 +1,10 @@
 // Searching the floating parameters of the plain model on the sums of a point set.
-#include "engine/chain_search.h"
+#include "fit/chain_search.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "engine/best_transformation.h"
-#include "engine/transform.h"
+#include "fit/best_transformation.h"
 #include "fit/linear_rows.h"
 #include "fit/matrix.h"
 #include "fit/rotations.h"

@@ -4,10 +4,9 @@
 #include <functional>
 #include <vector>
 
-#include "core/job.h"
-#include "engine/norms.h"
 #include "fit/linear_optimum.h"
 #include "fit/linear_rows.h"
+#include "fit/norm_run.h"
 
 // What the unknowns of a place stand for, besides the translations. Angles that all float are no unknowns of
 // their own, for there are places where two of them do the same (Rot y at a right angle, an azimuth without
@@ -19,6 +18,7 @@ enum class PlaceUnknowns {
 };
 
 struct ExactPlace {
+    FitRun& Run;  // whose parameters are the place
     const GatheredPoints& Points;
     const FitModel& Model;
     PlaceUnknowns Kind;
@@ -28,9 +28,9 @@ struct ExactPlace {
     std::vector<std::vector<double>> T;
     bool AllTold = true;  // the points tell all unknowns apart
 
-    ExactPlace(const GatheredPoints& points, const FitModel& model);
+    ExactPlace(FitRun& run, const GatheredPoints& points, const FitModel& model);
 
-    // At the present parameters of the job.
+    // At the present parameters.
     void Linearise();
 
     // Goes by y, mm, and linearises there. The image of the points' centre moves as y says and by nothing

@@ -5,7 +5,6 @@
 #include <array>
 #include <optional>
 
-#include "core/arrays.h"
 #include "fit/moments.h"
 
 // What floats besides translation and rotation.

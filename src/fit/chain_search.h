@@ -6,8 +6,6 @@
 #include <optional>
 #include <vector>
 
-#include "core/arrays.h"
-#include "core/job.h"
 #include "fit/moments.h"
 
 // The thirteen parameters of the chain apart from the job, by their number; mm, rad, factors.

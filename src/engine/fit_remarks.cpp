@@ -1,0 +1,107 @@
+// What a fit has decided on its own, as notes.
+#include "engine/fit_remarks.h"
+
+#include <cmath>
+#include <string>
+
+#include "core/notes.h"
+#include "core/numbers.h"
+
+namespace {
+
+// What the words of a norm's remarks are.
+struct NormWords {
+    const char* Name;
+    const char* Weighted;  // what its loop makes least
+    const char* Least;     // what its optimum is the least of
+};
+
+const NormWords& WordsOf(FitNorm norm) {
+    static constexpr NormWords kSquares{"L2", "sum of squares", "sum of squares"},
+        kSum{"L1", "sum of residuals", "sum of deviations"},
+        kLargest{"Loo", "largest residual", "largest deviation"};
+    if (norm == FitNorm::LeastSum) return kSum;
+    return norm == FitNorm::LeastLargest ? kLargest : kSquares;
+}
+
+std::string TimesText(double times) {
+    return std::isinf(times) ? "larger by far" : FormatNumber(times, "0.000") + " times as large";
+}
+
+std::string OfOtherSolution(const FitRemark& remark) {
+    return "Another solution has a smaller sum of squares (" +
+           (std::isinf(remark.Times)
+                ? std::string("by far")
+                : "this one's is " + FormatNumber(remark.Times, "0.000") + " times as large") +
+           "); the start values that were given keep this one";
+}
+
+std::string OfIteration(const FitRemark& remark) {
+    return "The iteration from the seed points ended in a solution that is not the best (" +
+           (remark.Times == 0 ? std::string("a mirrored one that fits as well")
+                              : "its sum of squares was " + TimesText(remark.Times)) +
+           "); it began again from the best one";
+}
+
+std::string ReasonText(FitRemark::Reason why) {
+    switch (why) {
+        case FitRemark::Reason::MirroredForNothing:
+            return "ended in a mirrored solution that fits no better than noise explains";
+        case FitRemark::Reason::WorseThanFirstFit:
+            return "ended in a solution that is worse than that of least squares";
+        case FitRemark::Reason::OtherFromSeeds:
+            return "from the seed points ended elsewhere";
+        default:
+            return "found no end";
+    }
+}
+
+std::string OfOptimum(const FitRemark& remark, const NormWords& words) {
+    return "The way from the weightings ended in an optimum that is not the best (" +
+           (remark.Times != 0 ? "its " + std::string(words.Least) + " was " + TimesText(remark.Times)
+                              : std::string("a mirrored one that fits no better")) +
+           "); the best one of " + std::to_string(remark.Count) + " starts is taken";
+}
+
+std::string OfUnsettled(const FitRemark& remark, const NormWords& words, int limit) {
+    const bool one = remark.Count == 1;
+    return PlainText(remark.Count) + (one ? " inner fit of " : " inner fits of ") + words.Name +
+           " ended at the limit of " + PlainText(limit) +
+           " iterations and did not settle; the loop went on with " + (one ? "its" : "their") +
+           " weights, and the " + words.Weighted + " may be above the least one";
+}
+
+}  // namespace
+
+void NoteRemarks(const NormRun& run) {
+    const NormWords& words = WordsOf(run.Kind);
+    for (const FitRemark& remark : run.Remarks) switch (remark.Kind) {
+            case FitRemark::What::IterationBeganAgain:
+                AddNote(NoteCode::BetterStart, OfIteration(remark));
+                break;
+            case FitRemark::What::IterationFoundNoEnd:
+                AddNote(NoteCode::BetterStart,
+                        "The iteration from the seed points found no end; it began again from the best "
+                        "solution");
+                break;
+            case FitRemark::What::OtherSolutionIsLess:
+                AddNote(NoteCode::BetterElsewhere, OfOtherSolution(remark));
+                break;
+            case FitRemark::What::LoopBeganAgain:
+                AddNote(NoteCode::BetterStart, std::string("The weightings of ") + words.Name + " " +
+                                                   ReasonText(remark.Why) +
+                                                   "; they began again from the best fit");
+                break;
+            case FitRemark::What::OptimumFromOtherStart:
+                AddNote(NoteCode::BetterStart, OfOptimum(remark, words));
+                break;
+            case FitRemark::What::OtherOptimumIsLess:
+                AddNote(NoteCode::BetterElsewhere,
+                        "Another optimum has a smaller " + std::string(words.Least) + " (" +
+                            TimesText(remark.Times) + "); the start values that were given keep this one");
+                break;
+            case FitRemark::What::FitsUnsettled:
+                AddNote(NoteCode::UnsettledFits, OfUnsettled(remark, words, run.Run.Limits.MaxIteration));
+                break;
+        }
+}
