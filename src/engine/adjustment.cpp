@@ -93,7 +93,7 @@ void BestFitIteration(int u, int n, const ParameterTexts& ParamText, Matrix& Q, 
 }
 
 void TellOfLimit() {
-    if (Adjustment.Iterations > Settings.MaxIteration)
+    if (Adjustment.Iterations > Settings.MaxIteration && !Adjustment.AtRest)
         ShowMessage("Calculation stopped after " + PlainText(Settings.MaxIteration) +
                     " Iterations, Convergence not reached yet!");
 }

@@ -16,7 +16,8 @@
 // How the last run of the adjustment went, and what outlives a run.
 struct AdjustmentRecord {
     int Iterations = 0;       // passes so far, shown in the status bar
-    bool Converged = false;   // the largest correction fell below the threshold
+    bool Converged = false;   // the largest correction fell below the threshold, or AtRest
+    bool AtRest = false;      // at its limit only rounding moved it any more: far from the origin
     bool Finite = true;       // no parameter has become infinite or undefined
     bool JobChanged = false;  // the points were replaced while events were served: nothing was written
     FitModel Model;           // of this run; the choice may change while events are served

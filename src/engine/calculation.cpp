@@ -154,6 +154,14 @@ private:
     Parameters parameters_ = ParametersOf(Job);
 };
 
+// Residuals beyond 1e154 have squares that no number holds, and so has nothing that follows from them.
+bool ResidualsAreFinite() {
+    double squares = 0;
+    for (std::size_t i = 1; i < Calculation.v.size() && i < Calculation.P.size(); ++i)
+        if (Calculation.P[i] != 0) squares += Calculation.v[i] * Calculation.v[i];
+    return std::isfinite(squares);
+}
+
 bool ParametersAreFinite() {
     for (int parameter = kTraX; parameter < kParameterEnd; ++parameter)
         if (!std::isfinite(ParameterValue(Job, parameter))) return false;
@@ -257,7 +265,7 @@ void ButtonCalcErsatz() {
     Calculation.v = std::move(fit.v);
     Calculation.P = std::move(fit.P);
     Calculation.Converged = Norm.Converged;
-    Calculation.Finite = ParametersAreFinite();
+    Calculation.Finite = ParametersAreFinite() && ResidualsAreFinite();
     marked.Ended = true;
     // A pass of a shape is no result yet; its loop tells when it is one.
     if (!IsTrue(Job.IsParaboloid)) MarkResult(Calculation.Converged && Calculation.Finite);

@@ -59,7 +59,7 @@ std::string ReasonText(FitRemark::Reason why) {
 std::string OfOptimum(const FitRemark& remark, const NormWords& words) {
     return "The way from the weightings ended in an optimum that is not the best (" +
            (remark.Times != 0 ? "its " + std::string(words.Least) + " was " + TimesText(remark.Times)
-                              : std::string("a mirrored one that fits no better")) +
+                              : std::string("a mirrored one that fits no better than noise explains")) +
            "); the best one of " + std::to_string(remark.Count) + " starts is taken";
 }
 

@@ -157,6 +157,7 @@ void TakeFit(const FitRun& run) {
     if (Adjustment.JobChanged) return;
     Adjustment.Iterations = run.State.Iterations;
     Adjustment.Converged = run.State.Converged;
+    Adjustment.AtRest = run.State.AtRest;
     Adjustment.Finite = run.State.Finite;
     PutParameters(run.Now, Job);
     Chain = run.Chain;

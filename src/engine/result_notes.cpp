@@ -53,7 +53,6 @@ void NoteOpen(const OpenParameters& open, const FitModel& model) {
             NoteCode::GimbalLock,
             "Rot y is at a right angle, where Rot x and Rot z turn about the same axis (gimbal lock): only "
             "both together are determined, and neither has a sigma; hold one of them");
-        if (open.ByPoints() == 0) return;
     }
     if (open.AzimuthWithoutEffect) {
         AddNote(NoteCode::OpenParameters,
@@ -155,11 +154,12 @@ private:
     }
 };
 
-// Images that are a thousandth as far apart as they should be, and no farther than the deviations are long:
-// their scale is what the noise makes of none.
+// Images that are a thousandth as far apart as they should be, and hardly farther than the deviations are
+// long: their scale is what the noise makes of none. A fit of many parameters takes up most of the noise of
+// few points, whatever the norm; metres that were read as millimetres leave far less than a tenth.
 bool Drowned(double image, double whole, const Spreads& spreads) {
-    constexpr double kThousandth = 1e-3;
-    return image <= kThousandth * whole && image <= spreads.Deviation;
+    constexpr double kThousandth = 1e-3, kMostOfDeviation = 10;
+    return image <= kThousandth * whole && image <= kMostOfDeviation * spreads.Deviation;
 }
 
 // A scale of next to nothing carries all points to one place, or into one plane, and fits whatever is there.
@@ -200,9 +200,10 @@ bool NoteCollapse(const FitModel& model, const Mat3& M) {
     constexpr double kFlat = 1e-2;
     if (!noted && !one && spreads.LeastStart > kFlat * spreads.Start &&
         Drowned(spreads.LeastImage, spreads.Image, spreads))
-        AddNote(NoteCode::CollapsedScale,
-                "The result carries the points all but into one plane, nearer to it than the deviations are "
-                "long: along one direction the scale is what the noise makes of none");
+        AddNote(
+            NoteCode::CollapsedScale,
+            "The result carries the points all but into one plane, about as near to it as the deviations are "
+            "long: along one direction the scale is what the noise makes of none");
     return false;
 }
 

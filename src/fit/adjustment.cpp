@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <memory>
 
 #include "fit/corrections.h"
@@ -116,6 +117,26 @@ struct Iteration {
         return true;
     }
 
+    // Far from the origin the rounding of a translation alone is more than the threshold: an iteration whose
+    // corrections are no more than that has come to rest, though it never falls below the threshold.
+    bool MovesByRoundingOnly() const {
+        constexpr double kRounding = 256 * std::numeric_limits<double>::epsilon();
+        double far = 0;
+        for (int axis = 1; axis <= 3; ++axis) {
+            double size = std::fabs(Points.TargetCentre(axis));
+            for (int j = 1; j <= 3; ++j) size += std::fabs(this->At.M(axis, j) * Points.StartCentre(j));
+            far = std::fmax(far, size);
+        }
+        for (int k = kTraX; k < kParameterEnd; ++k) {
+            const int unknown = Model.UnknownOf[::At(k)];
+            if (unknown == 0) continue;
+            const double most =
+                k <= kTraZ ? std::fmax(Run.Limits.Threshold, kRounding * far) : Run.Limits.Threshold;
+            if (!(std::fabs(x[::At(unknown)]) < most)) return false;
+        }
+        return true;
+    }
+
     // Passes until an end is reached. False when it was abandoned.
     bool Passes() {
         IterationState& state = Run.State;
@@ -139,7 +160,11 @@ struct Iteration {
                 state.Converged = true;
                 return true;
             }
-            if (state.Iterations > Run.Limits.MaxIteration || Run.Stops()) return true;
+            if (state.Iterations > Run.Limits.MaxIteration) {
+                state.Converged = state.AtRest = MovesByRoundingOnly();
+                return true;
+            }
+            if (Run.Stops()) return true;
         }
     }
 
@@ -187,6 +212,19 @@ void Iterate(FitRun& run, const FitModel& model, GatheredPoints& points, Column&
     Iteration iteration(run, points, model, false, moments);
     if (!iteration.CarryOut(result.Q)) return;
     Residuals(points, model, iteration.At, iteration.centred, result.v);
+}
+
+void RenewResiduals(FitRun& run, const FitModel& model, const GatheredPoints& points, Column& v) {
+    constexpr double kRounding =
+        1e-6;  // mm and share: less is what a last correction below the threshold moves
+    const Linearisation at = Linearise(model, run.Now, points, run.Chain);
+    Column renewed(v.size());
+    Residuals(points, model, at, Column(At(model.Unknowns) + 1), renewed);
+    for (std::size_t i = 1; i < v.size(); ++i)
+        if (!(std::fabs(renewed[i] - v[i]) <= kRounding * (1 + std::fabs(v[i])))) {
+            v = std::move(renewed);
+            return;
+        }
 }
 
 void SettleHere(FitRun& run, const FitModel& model, GatheredPoints& points, const Column& P,

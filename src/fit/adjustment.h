@@ -25,6 +25,11 @@ struct IterationResult {
 // moments digits. An iteration that was abandoned leaves `result` as it was.
 void Iterate(FitRun& run, const FitModel& model, GatheredPoints& points, Column& P, IterationResult& result);
 
+// Of an iteration that has not converged: its last residuals are those that its last correction was to bring
+// about, which may be far from those of the parameters that it has led to. Takes the latter where they
+// differ.
+void RenewResiduals(FitRun& run, const FitModel& model, const GatheredPoints& points, Column& v);
+
 // Takes the parameters as they stand as the result: residuals and Q are those of a linearisation there.
 void SettleHere(FitRun& run, const FitModel& model, GatheredPoints& points, const Column& P,
                 IterationResult& result);

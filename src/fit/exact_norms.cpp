@@ -111,8 +111,11 @@ struct ExactRun {
     WayEnd EndHere(double bound, bool ended) const {
         WayEnd end{.Values = Fit.Run.Now, .Objective = Objective()};
         end.Above = std::max(0.0, end.Objective - bound);
-        // A way that ends far above its bound has lost itself.
-        end.Ended = ended && end.Above <= kNear * end.Objective + Rounding * Place.Rows.Used;
+        // A way that ends far above its bound has lost itself; one that is at its bound has arrived, whether
+        // or not something still moves.
+        const double rounding = Rounding * Place.Rows.Used;
+        end.Ended = end.Above <= kTight * end.Objective + rounding ||
+                    (ended && end.Above <= kNear * end.Objective + rounding);
         end.Mirrored = Determinant3(Place.Here.M) < 0;
         return end;
     }

@@ -11,7 +11,8 @@
 // How an iteration has gone.
 struct IterationState {
     int Iterations = 0;      // passes so far
-    bool Converged = false;  // the largest correction fell below the threshold
+    bool Converged = false;  // the largest correction fell below the threshold, or AtRest
+    bool AtRest = false;     // at its limit only rounding moved it any more
     bool Finite = true;      // no parameter has become infinite or undefined
     bool Abandoned = false;  // the listener says that the points have been replaced: there is no result
     FitModel Model;          // of the last iteration

@@ -176,6 +176,11 @@ void RemarkUnsettledFits(NormRun& fit) {
     fit.Remarks.push_back({.Kind = FitRemark::What::FitsUnsettled, .Count = fit.Run.Norm.Unsettled});
 }
 
+void RenewWhereUnsettled(NormRun& fit) {
+    const IterationState& state = fit.Run.State;
+    if (state.Finite && !state.Converged) RenewResiduals(fit.Run, fit.Model, fit.Points, fit.Result.v);
+}
+
 }  // namespace
 
 double TimesAsMuch(double more, double less) {
@@ -243,12 +248,15 @@ void FirstFitOfLoop(NormRun& fit) {
 }
 
 void CountUnsettledFit(NormRun& fit) {
+    // One that only rounding moves at its limit has come to rest, and has not settled by its threshold.
     const IterationState& state = fit.Run.State;
-    if (state.Finite && !state.Converged && !fit.Stops()) ++fit.Run.Norm.Unsettled;
+    const bool atLimit = !state.Converged || state.AtRest;
+    if (state.Finite && atLimit && !fit.Stops()) ++fit.Run.Norm.Unsettled;
 }
 
 bool FitLeastSquares(NormRun& fit) {
     if (!SeekFromStart(fit)) return false;
+    RenewWhereUnsettled(fit);
     fit.Run.Norm.Converged = fit.Run.State.Converged;
     return true;
 }
@@ -257,6 +265,7 @@ bool FitByLoop(NormRun& fit) {
     if (!RunLoop(fit) || !GoAgain(fit)) return false;
     if (fit.Run.Norm.RunOn) RunOnToOptimum(fit);
     if (fit.Abandoned()) return false;
+    RenewWhereUnsettled(fit);
     RemarkUnsettledFits(fit);
     return true;
 }
