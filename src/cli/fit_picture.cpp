@@ -2,12 +2,11 @@
 #include "cli/fit_picture.h"
 
 #include <array>
-#include <cstdio>
 
 #include "cli/fit_output.h"
 #include "cli/fit_parameters.h"
 #include "cli/job_picture.h"
-#include "cli/svg_plots.h"
+#include "cli/svg_element.h"
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/window.h"
@@ -33,15 +32,10 @@ std::string Base64(const std::string& bytes) {
     return text;
 }
 
-std::string Css(Colour colour) {
-    char text[16];
-    std::snprintf(text, sizeof text, "#%06x", PixelOf(colour) & 0xffffffU);
-    return text;
-}
-
 std::string ColourScale(const PictureFacts& facts) {
     std::string html = "<p class=\"scale\"><span>0</span>";
-    for (const Colour colour : facts.Colours) html += "<i style=\"background:" + Css(colour) + "\"></i>";
+    for (const Colour colour : facts.Colours)
+        html += "<i style=\"background:" + SvgColour(PixelOf(colour)) + "\"></i>";
     return html + "<span>" + EscapeMarkup(ShownLength(facts.Largest_mm) + " " + Job.LengthUnitName) +
            " and more</span></p>\n";
 }

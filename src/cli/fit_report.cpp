@@ -7,6 +7,7 @@
 #include "cli/fit_output.h"
 #include "cli/fit_parameters.h"
 #include "cli/fit_picture.h"
+#include "cli/svg_element.h"
 #include "cli/svg_plots.h"
 #include "core/controller.h"
 #include "core/job.h"

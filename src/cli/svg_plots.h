@@ -4,12 +4,6 @@
 #include <string>
 #include <vector>
 
-// Text as it may stand in HTML and SVG.
-std::string EscapeMarkup(const std::string& text);
-
-// A coordinate to a hundredth of a pixel, without zeros behind it and with a decimal point in every locale.
-std::string SvgNumber(double value);
-
 struct Bar {
     std::string Name;
     double Value;

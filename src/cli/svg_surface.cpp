@@ -4,10 +4,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <memory>
 
-#include "cli/svg_plots.h"
+#include "cli/svg_element.h"
 #include "fit/require.h"
 #include "graphics/point_loop.h"
 #include "graphics/scene.h"
@@ -16,6 +15,7 @@
 namespace {
 
 constexpr double kMargin = 20;  // pixels around the picture that are still written
+constexpr const char* kFamilies = "'DejaVu Sans', Arial, sans-serif";
 
 struct SvgSheet {
     std::string Strokes;
@@ -26,13 +26,8 @@ SvgSheet& SheetOf(const Surface& screen) {
     return *static_cast<SvgSheet*>(screen.Own);
 }
 
-std::string Hex(std::uint32_t pixel) {
-    char text[16];
-    std::snprintf(text, sizeof text, "#%06x", pixel & 0xffffffU);
-    return text;
-}
 std::string Hex(Colour colour) {
-    return Hex(PixelOf(colour));
+    return SvgColour(PixelOf(colour));
 }
 
 // Cuts a line to the picture and its margin. False where nothing of it is there.
@@ -65,42 +60,56 @@ void Clear(Surface& screen, Colour background) {
     SheetOf(screen) = {"", background};
 }
 
+// The last attributes of lines and circles.
+void Outline(SvgElement& element, Colour colour, int width) {
+    element.Word("stroke", Hex(colour));
+    if (width > 1) element.Number("stroke-width", width);
+    element.Empty("\n");
+}
+
 void DrawLine(Surface& screen, float x1, float y1, float x2, float y2, Colour colour, int width) {
     std::array<double, 4> line = {x1, y1, x2, y2};
     if (!CutLine(screen, line)) return;
-    SheetOf(screen).Strokes += "<line x1=\"" + SvgNumber(line[0]) + "\" y1=\"" + SvgNumber(line[1]) +
-                               "\" x2=\"" + SvgNumber(line[2]) + "\" y2=\"" + SvgNumber(line[3]) +
-                               "\" stroke=\"" + Hex(colour) +
-                               (width > 1 ? "\" stroke-width=\"" + std::to_string(width) : "") + "\"/>\n";
+    SvgElement element(SheetOf(screen).Strokes, "line");
+    element.Number("x1", line[0]).Number("y1", line[1]).Number("x2", line[2]).Number("y2", line[3]);
+    Outline(element, colour, width);
 }
 
 void DrawCircle(Surface& screen, float x, float y, float radius, Colour colour, Colour fill, int width) {
     const double reach = static_cast<double>(radius) + width + kMargin;
     const bool near = x >= -reach && x <= screen.Width + reach && y >= -reach && y <= screen.Height + reach;
     if (!near || !std::isfinite(reach)) return;
-    SheetOf(screen).Strokes += "<circle cx=\"" + SvgNumber(x) + "\" cy=\"" + SvgNumber(y) + "\" r=\"" +
-                               SvgNumber(radius) + "\" fill=\"" + (fill == kNoFill ? "none" : Hex(fill)) +
-                               "\" stroke=\"" + Hex(colour) +
-                               (width > 1 ? "\" stroke-width=\"" + std::to_string(width) : "") + "\"/>\n";
+    SvgElement element(SheetOf(screen).Strokes, "circle");
+    element.Number("cx", x).Number("cy", y).Number("r", radius);
+    element.Word("fill", fill == kNoFill ? "none" : Hex(fill));
+    Outline(element, colour, width);
 }
 
-std::string TextElement(float x, float y, const std::string& text, Colour colour) {
+void AddText(std::string& svg, float x, float y, const std::string& text, Colour colour) {
     constexpr double kAscent = 11;  // of the letters, from the top of the text to its base line
-    return "<text x=\"" + SvgNumber(x) + "\" y=\"" + SvgNumber(y + kAscent) + "\" fill=\"" + Hex(colour) +
-           "\">" + EscapeMarkup(text) + "</text>\n";
+    SvgElement(svg, "text")
+        .Number("x", x)
+        .Number("y", y + kAscent)
+        .Word("fill", Hex(colour))
+        .Holds(text, "\n");
 }
 
 void DrawText(Surface& screen, float x, float y, const std::string& text, Colour colour) {
-    SheetOf(screen).Strokes += TextElement(x, y, text, colour);
+    AddText(SheetOf(screen).Strokes, x, y, text, colour);
 }
 
 void FillRectangle(Surface& screen, float x, float y, float width, float height, Colour colour) {
     const bool near = x <= screen.Width && y <= screen.Height && x + width >= 0 && y + height >= 0;
     if (!near || !(width > 0) || !(height > 0)) return;
     // The sheet is shifted by half a pixel, for lines.
-    SheetOf(screen).Strokes += "<rect x=\"" + SvgNumber(x - 0.5) + "\" y=\"" + SvgNumber(y - 0.5) +
-                               "\" width=\"" + SvgNumber(width) + "\" height=\"" + SvgNumber(height) +
-                               "\" fill=\"" + Hex(colour) + "\" stroke=\"none\"/>\n";
+    SvgElement(SheetOf(screen).Strokes, "rect")
+        .Number("x", x - 0.5)
+        .Number("y", y - 0.5)
+        .Number("width", width)
+        .Number("height", height)
+        .Word("fill", Hex(colour))
+        .Word("stroke", "none")
+        .Empty("\n");
 }
 
 void DrawTextInFont(Surface& screen, float x, float y, const std::string& text, Colour colour,
@@ -108,18 +117,18 @@ void DrawTextInFont(Surface& screen, float x, float y, const std::string& text, 
     const bool near = x <= screen.Width && y <= screen.Height && x >= -1000 && y >= -1000;
     if (!near) return;
     const double pixels = font.Size * 96 / 72;
-    std::string look;
-    if (font.Bold) look += " font-weight=\"bold\"";
-    if (font.Italic) look += " font-style=\"italic\"";
-    if (font.Underline || font.Strikethrough)
-        look += std::string(" text-decoration=\"") + (font.Underline ? "underline" : "") +
-                (font.Underline && font.Strikethrough ? " " : "") +
-                (font.Strikethrough ? "line-through" : "") + "\"";
     constexpr double kAscent = 0.93;  // of the letters' size, from the top of the text to its base line
-    SheetOf(screen).Strokes +=
-        "<text x=\"" + SvgNumber(x) + "\" y=\"" + SvgNumber(y + kAscent * pixels) + "\" font-family=\"'" +
-        EscapeMarkup(font.Name) + "', 'DejaVu Sans', Arial, sans-serif\" font-size=\"" + SvgNumber(pixels) +
-        "\"" + look + " fill=\"" + Hex(colour) + "\">" + EscapeMarkup(text) + "</text>\n";
+    SvgElement element(SheetOf(screen).Strokes, "text");
+    element.Number("x", x).Number("y", y + kAscent * pixels);
+    element.Word("font-family", "'" + EscapeMarkup(font.Name) + "', " + kFamilies)
+        .Number("font-size", pixels);
+    if (font.Bold) element.Word("font-weight", "bold");
+    if (font.Italic) element.Word("font-style", "italic");
+    const std::string under = font.Underline ? "underline" : "",
+                      through = font.Strikethrough ? "line-through" : "";
+    if (font.Underline || font.Strikethrough)
+        element.Word("text-decoration", under + (font.Underline && font.Strikethrough ? " " : "") + through);
+    element.Word("fill", Hex(colour)).Holds(text, "\n");
 }
 
 void Close(Surface& screen) {
@@ -141,13 +150,16 @@ std::string SmallPoints(const ScreenWindow& window) {
         const bool near = x >= -kMargin && x <= window.Screen.Width + kMargin && y >= -kMargin &&
                           y <= window.Screen.Height + kMargin;
         if (Scene.Paint[row] == 0 || !near) continue;
-        if (Scene.Paint[row] != last)
-            text += (last == 0 ? "<path fill=\"" : "\"/>\n<path fill=\"") + Hex(Scene.Paint[row]) + "\" d=\"";
+        if (Scene.Paint[row] != last) {
+            if (last != 0) EndPath(text);
+            SvgElement(text, "path").Word("fill", SvgColour(Scene.Paint[row])).BeginsPath();
+        }
         last = Scene.Paint[row];
         text += "M" + SvgNumber(std::nearbyint(x) - r - 0.5) + " " + SvgNumber(std::nearbyint(y) - r - 0.5) +
                 square;
     }
-    return last == 0 ? "" : text + "\"/>\n";
+    if (last != 0) EndPath(text);
+    return text;
 }
 
 }  // namespace
@@ -168,22 +180,25 @@ void FillSurfaceWithSvg(Surface& screen) {
 std::string SvgOfWindow(const ScreenWindow& window, const std::string& title, bool inPage) {
     Require(window.Screen.Close == Close);
     const SvgSheet& sheet = SheetOf(window.Screen);
-    const std::string width = std::to_string(window.Screen.Width);
-    const std::string height = std::to_string(window.Screen.Height);
-    std::string svg = inPage ? "<svg" : "<svg xmlns=\"http://www.w3.org/2000/svg\"";
-    svg += " width=\"" + width + "\" height=\"" + height + "\" viewBox=\"0 0 " + width + " " + height +
-           "\" role=\"img\" aria-label=\"" + EscapeMarkup(title) + "\">\n<title>" + EscapeMarkup(title) +
-           "</title>\n<rect width=\"100%\" height=\"100%\" fill=\"" + Hex(sheet.Background) +
-           "\"/>\n<g transform=\"translate(0.5 0.5)\" stroke-width=\"1\">\n" + SmallPoints(window) +
-           sheet.Strokes + "</g>\n";
+    std::string svg;
+    BeginSvg(svg, window.Screen.Width, window.Screen.Height, title, inPage);
+    const std::string ground = Hex(sheet.Background);
+    SvgElement(svg, "rect").Word("width", "100%").Word("height", "100%").Word("fill", ground).Empty("\n");
+    SvgElement(svg, "g").Word("transform", "translate(0.5 0.5)").Number("stroke-width", 1).Opens("\n");
+    svg += SmallPoints(window) + sheet.Strokes + "</g>\n";
     // Letters stand out from what they lie on.
-    svg +=
-        "<g font-family=\"'DejaVu Sans', Arial, sans-serif\" font-size=\"12\" paint-order=\"stroke\" stroke=\"" +
-        Hex(sheet.Background) + "\" stroke-width=\"2\" stroke-linejoin=\"round\">\n";
+    SvgElement(svg, "g")
+        .Word("font-family", kFamilies)
+        .Number("font-size", 12)
+        .Word("paint-order", "stroke")
+        .Word("stroke", ground)
+        .Number("stroke-width", 2)
+        .Word("stroke-linejoin", "round")
+        .Opens("\n");
     for (const ScreenLabel& label : window.Labels)
-        if (label.Visible) svg += TextElement(label.X, label.Y, label.Text, label.ForeColor);
+        if (label.Visible) AddText(svg, label.X, label.Y, label.Text, label.ForeColor);
     for (const ScreenLabel* label : {&window.LabelScale, &window.LabelVectorScale})
         if (label->Visible && !label->Text.empty())
-            svg += TextElement(label->X, label->Y, label->Text, label->ForeColor);
+            AddText(svg, label->X, label->Y, label->Text, label->ForeColor);
     return svg + "</g>\n</svg>\n";
 }

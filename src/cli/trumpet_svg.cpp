@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "cli/svg_plots.h"
+#include "cli/svg_element.h"
 #include "core/job.h"
 #include "core/text.h"
 
