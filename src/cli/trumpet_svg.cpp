@@ -3,15 +3,15 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
+#include <span>
 
 #include "cli/svg_element.h"
 #include "core/job.h"
 #include "core/text.h"
+#include "graphics/trumpet_paint.h"
 
 namespace {
 
-constexpr std::int64_t kMostNamed = 2000;  // pairs; more of them are a cloud in which nobody finds one
 constexpr int kWidth = 1100, kHeight = 700;
 constexpr double kFineScale = 4;          // thinned so that nobody sees it
 constexpr double kMostFine_pixels = 2e7;  // coarser in a picture larger than any screen
@@ -24,64 +24,90 @@ constexpr const char* kStyle =
     "@media(prefers-color-scheme:dark){text{fill:#e4e7eb}.ground{fill:#1c1f23}.grid{stroke:#33383f}"
     ".zero{stroke:#757d87}.frame{stroke:#8b94a0}.point{fill:#6fb1f0}.points{stroke:#6fb1f0}}</style>\n";
 
-std::string Line(double x1, double y1, double x2, double y2, const char* style) {
-    return "<line class=\"" + std::string(style) + "\" x1=\"" + SvgNumber(x1) + "\" y1=\"" + SvgNumber(y1) +
-           "\" x2=\"" + SvgNumber(x2) + "\" y2=\"" + SvgNumber(y2) + "\"/>\n";
+// What the plot is painted in is its reader's choice, so a colour is the number of a class of the style; the
+// style gives the letters, too.
+enum Ink : Colour { kGround, kText, kGrid, kZero, kFrame, kPoint };
+constexpr const char* kClass[] = {"ground", "", "grid", "zero", "frame", "point"};
+
+struct Sheet {
+    std::string Svg;
+    bool PathOpen = false;  // of rows of points: all that follow each other are one path
+};
+
+std::string& SvgOf(Surface& screen) {
+    Sheet& sheet = *static_cast<Sheet*>(screen.Own);
+    if (sheet.PathOpen) EndPath(sheet.Svg);
+    sheet.PathOpen = false;
+    return sheet.Svg;
 }
 
-std::string Text(double x, double y, const char* anchor, const std::string& text,
-                 const std::string& more = "") {
-    return "<text x=\"" + SvgNumber(x) + "\" y=\"" + SvgNumber(y) + "\" text-anchor=\"" + anchor + "\"" +
-           more + ">" + EscapeMarkup(text) + "</text>\n";
+void Clear(Surface& screen, Colour ground) {
+    std::string& svg = SvgOf(screen);
+    svg.clear();
+    SvgElement(svg, "rect")
+        .Word("class", kClass[ground])
+        .Number("width", screen.Width)
+        .Number("height", screen.Height)
+        .Empty("\n");
 }
 
-std::string Axes(const TrumpetPlot& plot) {
-    constexpr double kBeside = 8, kHalfLetter = 4.5;
-    const TrumpetAxes& a = plot.Axes;
-    const double left = plot.X(a.XLow), right = plot.X(a.XHigh), top = plot.Y(a.YHigh),
-                 bottom = plot.Y(a.YLow);
-    std::string svg;
-    for (const TrumpetTick& tick : plot.XTicks) {
-        const double x = plot.X(tick.Place);
-        svg += Line(x, top, x, bottom, "grid") + Text(x, bottom + 20, "middle", tick.Text);
+void Rule(Surface& screen, double x1, double y1, double x2, double y2, Colour colour) {
+    SvgElement(SvgOf(screen), "line")
+        .Word("class", kClass[colour])
+        .Number("x1", x1)
+        .Number("y1", y1)
+        .Number("x2", x2)
+        .Number("y2", y2)
+        .Empty("\n");
+}
+
+void Frame(Surface& screen, double left, double top, double right, double bottom, Colour colour) {
+    SvgElement(SvgOf(screen), "rect")
+        .Word("class", kClass[colour])
+        .Number("x", left)
+        .Number("y", top)
+        .Number("width", right - left)
+        .Number("height", bottom - top)
+        .Empty("\n");
+}
+
+void LineText(Surface& screen, double x, double y, TextAnchor anchor, const std::string& text,
+              Colour /*colour*/, const TextFont& /*font*/) {
+    constexpr const char* kAnchor[] = {"start", "middle", "end"};
+    SvgElement(SvgOf(screen), "text")
+        .Number("x", x)
+        .Number("y", y)
+        .Word("text-anchor", kAnchor[static_cast<int>(anchor)])
+        .Holds(text, "\n");
+}
+
+void Spot(Surface& screen, double x, double y, double radius, Colour colour, const std::string& words) {
+    SvgElement(SvgOf(screen), "circle")
+        .Word("class", kClass[colour])
+        .Number("cx", x)
+        .Number("cy", y)
+        .Number("r", radius)
+        .HoldsTitle(words, "\n");
+}
+
+// Strokes with round ends.
+void Spots(Surface& screen, std::span<const SpotRow> rows, double radius, Colour colour) {
+    Sheet& sheet = *static_cast<Sheet*>(screen.Own);
+    std::string& svg = sheet.Svg;
+    if (!sheet.PathOpen)
+        SvgElement(svg, "path")
+            .Word("class", std::string(kClass[colour]) + "s")
+            .Number("stroke-width", 2 * radius)
+            .BeginsPath();
+    sheet.PathOpen = true;
+    for (const SpotRow& row : rows) {
+        svg += 'M';
+        svg += SvgNumber(row.X);
+        svg += ' ';
+        svg += SvgNumber(row.Y);
+        svg += 'h';
+        svg += SvgNumber(row.Length);
     }
-    for (const TrumpetTick& tick : plot.YTicks) {
-        const double y = plot.Y(tick.Place);
-        svg += Line(left, y, right, y, "grid") + Text(left - kBeside, y + kHalfLetter, "end", tick.Text);
-    }
-    if (a.YLow < 0 && a.YHigh > 0) svg += Line(left, plot.Y(0), right, plot.Y(0), "zero");
-    svg += "<rect class=\"frame\" x=\"" + SvgNumber(left) + "\" y=\"" + SvgNumber(top) + "\" width=\"" +
-           SvgNumber(right - left) + "\" height=\"" + SvgNumber(bottom - top) + "\"/>\n";
-    svg += Text(right, bottom + 42, "end", TrumpetXTitle());
-    return svg + Text(left, top - 12, "start", TrumpetYTitle());
-}
-
-std::string NamedPoints(const DistancePoints& points, const TrumpetPlot& plot, const TrumpetRaster& raster) {
-    const std::string radius = SvgNumber(MarkRadius(points.Pairs()));
-    std::string svg;
-    for (const TrumpetRaster::PairAt& pixel : raster.Pixels) {
-        if (pixel.From == 0) continue;
-        const TrumpetPair pair = PairOfPoints(points, pixel.From, pixel.To);
-        svg += "<circle class=\"point\" cx=\"" + SvgNumber(plot.X(pair.ToDistance)) + "\" cy=\"" +
-               SvgNumber(plot.Y(pair.DeltaS)) + "\" r=\"" + radius + "\"><title>" +
-               EscapeMarkup(PairInWords(points, pixel.From, pixel.To)) + "</title></circle>\n";
-    }
-    return svg;
-}
-
-// One path of strokes with round ends: neighbours in a line of pixels are one stroke.
-std::string CloudOfPoints(std::int64_t pairs, const TrumpetRaster& raster) {
-    std::string svg = "<path class=\"points\" stroke-width=\"" + SvgNumber(2 * MarkRadius(pairs)) + "\" d=\"";
-    for (int y = 0; y < raster.Height; ++y)
-        for (int x = 0; x < raster.Width; ++x) {
-            if (raster.At(x, y).From == 0) continue;
-            const int begin = x;
-            while (x + 1 < raster.Width && raster.At(x + 1, y).From != 0) ++x;
-            svg += "M" + SvgNumber(raster.Left + (begin + 0.5) / raster.Scale) + " " +
-                   SvgNumber(raster.Top + (y + 0.5) / raster.Scale) + "h" +
-                   SvgNumber((x - begin) / raster.Scale);
-        }
-    return svg + "\"/>\n";
 }
 
 }  // namespace
@@ -95,18 +121,32 @@ std::string CheckTrumpetFile(const std::string& path) {
     return UpperAscii(path).ends_with(".SVG") ? "" : "\"" + Printable(path) + "\" does not end in .svg";
 }
 
-std::string TrumpetSvg(const DistancePoints& points, const std::string& title, const TrumpetPlot& plot) {
-    const bool named = points.Pairs() <= kMostNamed;
+std::string TrumpetSvg(const DistancePoints& points, const std::string& title, const TrumpetPlot& plot,
+                       bool notAllPairs) {
+    const bool named = points.Pairs() <= kMostTrumpetSpots;
     TrumpetPlot fine = plot;
     const double area = static_cast<double>(plot.Place.Width) * plot.Place.Height;
     fine.Place.Scale = std::min(named ? kFineScale : 1, std::sqrt(kMostFine_pixels / area));
     const TrumpetRaster raster = RasterOf(points, fine);
-    const std::string width = std::to_string(plot.Place.Width), height = std::to_string(plot.Place.Height);
-    const std::string size = "width=\"" + width + "\" height=\"" + height;
-    return "<svg xmlns=\"http://www.w3.org/2000/svg\" " + size + "\" viewBox=\"0 0 " + width + " " + height +
-           "\" role=\"img\" aria-label=\"" + EscapeMarkup(title) + "\">\n<title>" + EscapeMarkup(title) +
-           "</title>\n" + kStyle + "<rect class=\"ground\" " + size + "\"/>\n" + Axes(plot) +
-           (named ? NamedPoints(points, plot, raster) : CloudOfPoints(points.Pairs(), raster)) + "</svg>\n";
+    Sheet sheet;
+    Surface screen;
+    screen.Width = plot.Place.Width;
+    screen.Height = plot.Place.Height;
+    screen.Clear = Clear;
+    screen.Rule = Rule;
+    screen.Frame = Frame;
+    screen.LineText = LineText;
+    screen.Spot = Spot;
+    screen.Spots = Spots;
+    screen.Own = &sheet;
+    TrumpetLook look;
+    look.Colours = {kGround, kText, kGrid, kZero, kFrame, kPoint};
+    look.NamePairs = true;
+    look.NotAllPairs = notAllPairs;
+    PaintTrumpet(screen, points, plot, raster, look);
+    std::string svg;
+    BeginSvg(svg, screen.Width, screen.Height, title);
+    return svg + kStyle + SvgOf(screen) + "</svg>\n";
 }
 
 std::string TrumpetSvg(const DistancePoints& points, const std::string& title) {

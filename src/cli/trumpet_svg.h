@@ -12,7 +12,9 @@
 std::string TrumpetSvg(const DistancePoints& points, const std::string& title);
 
 // The same of a plot that stands already, in its size and with its axes.
-std::string TrumpetSvg(const DistancePoints& points, const std::string& title, const TrumpetPlot& plot);
+//   notAllPairs   said in the picture: pairs may lie beyond the axes, which were never found for all of them
+std::string TrumpetSvg(const DistancePoints& points, const std::string& title, const TrumpetPlot& plot,
+                       bool notAllPairs = false);
 
 // What the plot is of, in words.
 std::string TrumpetTitle(const DistancePoints& points, bool withResult);

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "core/text_font.h"
@@ -17,6 +18,13 @@ constexpr std::uint32_t PixelOf(Colour colour) {
     const auto c = static_cast<std::uint32_t>(colour);
     return 0xff000000U | (c & 0xffU) << 16U | (c & 0xff00U) | (c >> 16U & 0xffU);
 }
+
+enum class TextAnchor : std::uint8_t { Start, Middle, End };
+
+// Marks without a gap, from the middle of the first one at (X, Y) to that of the last one.
+struct SpotRow {
+    double X = 0, Y = 0, Length = 0;
+};
 
 struct Surface {
     int Width = 0, Height = 0;  // logical pixels: what all coordinates count in
@@ -45,6 +53,21 @@ struct Surface {
                      const TextFont& font) = nullptr;
     double (*FontWidth)(const TextFont& font, const std::string& text) = nullptr;  // pixels
     double (*FontHeight)(const TextFont& font) = nullptr;                          // of a line, pixels
+
+    // Of plots. Their places count from the left and upper edge of the picture, in parts of pixels: a whole
+    // number is the border between two of them.
+    // The finest line, along a row or a column.
+    void (*Rule)(Surface&, double x1, double y1, double x2, double y2, Colour colour) = nullptr;
+    void (*Frame)(Surface&, double left, double top, double right, double bottom, Colour colour) = nullptr;
+    // A text whose letters stand on y and begin at x, have their middle there, or end there.
+    void (*LineText)(Surface&, double x, double y, TextAnchor anchor, const std::string& text, Colour colour,
+                     const TextFont& font) = nullptr;
+    // A round mark without an outline. `words` are for a reader's mouse; a picture has no place for them.
+    void (*Spot)(Surface&, double x, double y, double radius, Colour colour,
+                 const std::string& words) = nullptr;
+    // Marks of one size side by side, in rows.
+    void (*Spots)(Surface&, std::span<const SpotRow> rows, double radius, Colour colour) = nullptr;
+
     // Tells that the picture has changed and may be shown.
     void (*Refresh)(Surface&) = nullptr;
     void (*Close)(Surface&) = nullptr;  // frees what stands behind the table

@@ -8,6 +8,7 @@
 // The picture alone, without labels, as the window last painted it; it shares the surface's memory. A null
 // image for a surface that something else filled.
 QImage BarePictureOf(const ScreenWindow& window);
+QImage BarePictureOf(const Surface& screen);
 
 // A copy with all labels on it, as a user sees the window.
 QImage PictureOf(const ScreenWindow& window);

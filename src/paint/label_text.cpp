@@ -222,6 +222,16 @@ void Stamp(QImage& picture, const Mask& mask, const std::vector<std::uint8_t>& s
     }
 }
 
+// Letters alone, from the pen at (left, top) in pixels of the picture. Not where that is far outside, or no
+// place at all.
+void StampLetters(QImage& picture, const std::vector<PlacedMask>& placed, double left, double top,
+                  QRgb colour) {
+    if (!(std::abs(left) < 1e6 && std::abs(top) < 1e6)) return;
+    const int penX = static_cast<int>(left), penY = static_cast<int>(top);
+    for (const PlacedMask& mask : placed)
+        Stamp(picture, *mask.What, mask.What->Letter, penX + mask.X, penY, colour);
+}
+
 }  // namespace
 
 void DrawLabelText(QImage& picture, double scale, float x, float y, const std::string& text,
@@ -241,13 +251,17 @@ void DrawLabelText(QImage& picture, double scale, float x, float y, const std::s
 
 void DrawFontText(QImage& picture, double scale, float x, float y, const std::string& text, QRgb colour,
                   const TextFont& font) {
-    const double left = std::round(x * scale), top = std::round(y * scale);
-    if (!(std::abs(left) < 1e6 && std::abs(top) < 1e6)) return;
     static std::vector<PlacedMask> placed;
     SetText(MasksOf(font, scale), text, placed);
-    const int penX = static_cast<int>(left), penY = static_cast<int>(top);
-    for (const PlacedMask& mask : placed)
-        Stamp(picture, *mask.What, mask.What->Letter, penX + mask.X, penY, colour);
+    StampLetters(picture, placed, std::round(x * scale), std::round(y * scale), colour);
+}
+
+void DrawTextOnLine(QImage& picture, double scale, double x, double y, double share, const std::string& text,
+                    QRgb colour, const TextFont& font) {
+    FontMasks& masks = MasksOf(font, scale);
+    const Mask& whole = TextMask(masks, text, QString::fromStdString(text).left(kLongestText));
+    StampLetters(picture, {{&whole, 0}}, std::round(x * scale - share * whole.Advance),
+                 std::round(y * scale) - std::round(masks.Metrics.ascent()), colour);
 }
 
 double FontTextWidth(const TextFont& font, const std::string& text) {

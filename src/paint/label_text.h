@@ -17,3 +17,8 @@ void DrawLabelText(QImage& picture, double scale, float x, float y, const std::s
 // The same in a font of its own and without the edge, for texts on a ground of their own.
 void DrawFontText(QImage& picture, double scale, float x, float y, const std::string& text, QRgb colour,
                   const TextFont& font);
+
+// The same for titles: set as a whole, its letters standing on y; x is the place of that share of its width,
+// 0 its start, 1 its end.
+void DrawTextOnLine(QImage& picture, double scale, double x, double y, double share, const std::string& text,
+                    QRgb colour, const TextFont& font);

@@ -17,28 +17,8 @@
 #include "paint/gui.h"
 #include "paint/image.h"
 #include "paint/label_text.h"
-
-namespace {
-
-constexpr int kLargestSide = 32767;  // pixels of the device; QPainter counts no further
-
-constexpr int kDotsPerMetre = 3780;  // 96 to the inch
-
-struct Picture {
-    QImage Image;
-    QPainter Painter;       // open from the first stroke of a paint to its end
-    Colour Background = 0;  // what it was last cleared to
-    Colour PenColour = kNoFill;
-    int PenWidth = 0;
-};
-
-Picture& PictureBehind(Surface& screen) {
-    return *static_cast<Picture*>(screen.Own);
-}
-
-QRgb RgbOf(Colour colour) {
-    return PixelOf(colour);
-}
+#include "paint/painted_surface.h"
+#include "paint/plot_strokes.h"
 
 QPainter& OpenPainter(const Surface& screen, Picture& picture) {
     if (picture.Painter.isActive()) return picture.Painter;
@@ -52,6 +32,10 @@ QPainter& OpenPainter(const Surface& screen, Picture& picture) {
     }
     return picture.Painter;
 }
+
+namespace {
+
+constexpr int kDotsPerMetre = 3780;  // 96 to the inch
 
 void SetPen(Picture& picture, Colour colour, int width) {
     if (picture.PenColour == colour && picture.PenWidth == width) return;
@@ -220,18 +204,22 @@ void FillSurfaceWithPicture(Surface& screen) {
     screen.FontText = DrawTextInFont;
     screen.FontWidth = FontTextWidth;
     screen.FontHeight = FontTextHeight;
+    FillSurfaceWithPlotStrokes(screen);
     screen.Refresh = EndPaint;
     screen.Close = ClosePicture;
     screen.Own = picture.release();
 }
 
-QImage BarePictureOf(const ScreenWindow& window) {
-    const Surface& screen = window.Screen;
+QImage BarePictureOf(const Surface& screen) {
     if (!IsPicture(screen)) return {};
     QImage image(reinterpret_cast<const uchar*>(screen.Pixels), screen.PixelWidth, screen.PixelHeight,
                  screen.Stride * static_cast<qsizetype>(sizeof(std::uint32_t)), QImage::Format_RGB32);
     image.setDevicePixelRatio(screen.Scale);
     return image;
+}
+
+QImage BarePictureOf(const ScreenWindow& window) {
+    return BarePictureOf(window.Screen);
 }
 
 void PictureInto(QImage& picture, const ScreenWindow& window) {

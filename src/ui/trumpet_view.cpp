@@ -2,27 +2,28 @@
 #include "ui/trumpet_view.h"
 
 #include <QEvent>
-#include <QImage>
+#include <QFontInfo>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QTimer>
 #include <QWidget>
 #include <algorithm>
-#include <cmath>
 #include <string>
 
 #include "analysis/form_distance_scale.h"
 #include "analysis/form_trompete.h"
 #include "core/units.h"
+#include "graphics/trumpet_paint.h"
+#include "paint/image.h"
+#include "paint/picture.h"
 #include "ui/desktop.h"
 #include "ui/qt_text.h"
 
 namespace {
 
 constexpr const char* kPlace = "Trumpet";
-constexpr int kAir = 8;      // between frame, numbers and titles, pixels
-constexpr int kRing = 5;     // radius of the ring about the point under the mouse, pixels
-constexpr int kDiscs = 500;  // so few points are round; more are set as small squares without corners
+constexpr int kAir = 8;   // beside letters, pixels
+constexpr int kRing = 5;  // radius of the ring about the point under the mouse, pixels
 
 // What the picture was painted from.
 struct Shown {
@@ -62,73 +63,32 @@ TrumpetPlace PlaceOf(const QWidget& widget) {
     return place;
 }
 
-void PaintAxes(QPainter& painter, const TrumpetPlot& plot, const QPalette& palette) {
+Colour ColourFrom(const QColor& colour) {
+    return colour.red() | colour.green() << 8 | colour.blue() << 16;
+}
+
+TrumpetLook LookOf(const QWidget& widget) {
+    const QPalette palette = widget.palette();
     const QColor text = palette.color(QPalette::Text), base = palette.color(QPalette::Base);
-    const TrumpetAxes& a = plot.Axes;
-    const QRectF frame(QPointF(plot.X(a.XLow), plot.Y(a.YHigh)), QPointF(plot.X(a.XHigh), plot.Y(a.YLow)));
-    const int letter = painter.fontMetrics().height();
-    const auto line = [&painter](QPointF from, QPointF to, const QColor& colour) {
-        painter.setPen(QPen(colour, 0));
-        painter.drawLine(from, to);
-    };
-    const QColor faint = Mixed(base, text, 0.12);
-    for (const TrumpetTick& tick : plot.XTicks) {
-        const double x = plot.X(tick.Place);
-        line({x, frame.top()}, {x, frame.bottom()}, faint);
-        painter.setPen(text);
-        painter.drawText(QRectF(x - 100, frame.bottom() + kAir / 2.0, 200, letter), Qt::AlignCenter,
-                         Q(tick.Text));
-    }
-    for (const TrumpetTick& tick : plot.YTicks) {
-        const double y = plot.Y(tick.Place);
-        line({frame.left(), y}, {frame.right(), y}, faint);
-        painter.setPen(text);
-        painter.drawText(QRectF(0, y - letter / 2.0, frame.left() - kAir, letter),
-                         Qt::AlignRight | Qt::AlignVCenter, Q(tick.Text));
-    }
-    if (a.YLow < 0 && a.YHigh > 0)
-        line({frame.left(), plot.Y(0)}, {frame.right(), plot.Y(0)}, Mixed(base, text, 0.45));
-    painter.setPen(QPen(Mixed(base, text, 0.6), 0));
-    painter.drawRect(frame);
-    painter.setPen(text);
-    painter.drawText(
-        QRectF(kAir, kAir / 2.0, plot.Place.Width - 2 * kAir, letter), Qt::AlignLeft,
-        Q(TrumpetYTitle()) + (Trumpet.Cut ? QStringLiteral("   (cancelled: not all pairs)") : QString()));
-    painter.drawText(QRectF(kAir, frame.bottom() + letter + kAir, frame.right() - kAir, letter),
-                     Qt::AlignRight, Q(TrumpetXTitle()));
-}
-
-// Points in fine pixels, each as a square of `2 r + 1` without its corners.
-void StampPoints(QImage& image, const TrumpetRaster& raster, int r, QRgb colour) {
-    const int left = static_cast<int>(std::lround(raster.Left * raster.Scale));
-    const int top = static_cast<int>(std::lround(raster.Top * raster.Scale));
-    for (int y = 0; y < raster.Height; ++y)
-        for (int x = 0; x < raster.Width; ++x) {
-            if (raster.At(x, y).From == 0) continue;
-            for (int dy = -r; dy <= r; ++dy) {
-                const int row = top + y + dy;
-                if (row < 0 || row >= image.height()) continue;
-                auto* pixels = reinterpret_cast<QRgb*>(image.scanLine(row));
-                const int half = r > 0 && std::abs(dy) == r ? r - 1 : r;
-                const int from = std::max(left + x - half, 0);
-                const int to = std::min(left + x + half, image.width() - 1);
-                for (int col = from; col <= to; ++col) pixels[col] = colour;
-            }
-        }
-}
-
-void PaintDiscs(QPainter& painter, const TrumpetPlot& plot, const TrumpetRaster& raster,
-                const QColor& colour) {
-    const DistancePoints& points = *DistanceScale.Points;
-    const double r = MarkRadius(points.Pairs());
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(colour);
-    for (const TrumpetRaster::PairAt& pixel : raster.Pixels) {
-        if (pixel.From == 0 || pixel.To > points.Count()) continue;
-        const TrumpetPair pair = PairOfPoints(points, pixel.From, pixel.To);
-        painter.drawEllipse(QPointF(plot.X(pair.ToDistance), plot.Y(pair.DeltaS)), r, r);
-    }
+    const QFont font = widget.font();
+    const QFontInfo found(font);
+    const QFontMetrics letters = widget.fontMetrics();
+    TrumpetLook look;
+    look.Colours = {ColourFrom(base),
+                    ColourFrom(text),
+                    ColourFrom(Mixed(base, text, 0.12)),
+                    ColourFrom(Mixed(base, text, 0.45)),
+                    ColourFrom(Mixed(base, text, 0.6)),
+                    ColourFrom(palette.color(QPalette::Link))};
+    constexpr float kPointsOfPixel = 0.75F;
+    look.Letters.Font.Name = S(found.family());
+    look.Letters.Font.Size = static_cast<float>(found.pixelSize()) * kPointsOfPixel;
+    look.Letters.Font.Bold = font.bold();
+    look.Letters.Font.Italic = font.italic();
+    look.Letters.Ascent = letters.ascent();
+    look.Letters.Height = letters.height();
+    look.NotAllPairs = Trumpet.Cut;
+    return look;
 }
 
 class TrumpetEvents : public QObject {
@@ -143,6 +103,10 @@ public:
         QObject::connect(&timer_, &QTimer::timeout, this, [this] { Draw(); });
         QObject::connect(&moves_, &QTimer::timeout, this, [this] { Moved(); });
     }
+
+    ~TrumpetEvents() override { CloseSheet(); }
+    TrumpetEvents(const TrumpetEvents&) = delete;
+    TrumpetEvents& operator=(const TrumpetEvents&) = delete;
 
     bool eventFilter(QObject*, QEvent* event) override {
         switch (event->type()) {
@@ -190,26 +154,19 @@ private:
 
     void PaintPicture() {
         const double scale = place_.devicePixelRatioF();
-        const QPalette palette = place_.palette();
-        picture_ = QImage(place_.size() * scale, QImage::Format_RGB32);
-        picture_.fill(palette.color(QPalette::Base));
-        picture_.setDevicePixelRatio(scale);
-        const TrumpetPlot plot = PlotOf(Trumpet.Range, Trumpet.Place);
-        {
-            QPainter painter(&picture_);
-            painter.setFont(place_.font());
-            PaintAxes(painter, plot, palette);
+        if (sheet_.Own == nullptr || sheet_.Width != place_.width() || sheet_.Height != place_.height() ||
+            sheet_.Scale != scale) {
+            CloseSheet();
+            sheet_.Width = place_.width();
+            sheet_.Height = place_.height();
+            sheet_.Scale = scale;
+            FillSurfaceWithPicture(sheet_);
         }
-        const TrumpetRaster& raster = Trumpet.Raster;
-        const QColor colour = palette.color(QPalette::Link);
-        if (raster.Pixels.empty()) return;
-        if (DistanceScale.Points->Pairs() <= kDiscs) {
-            QPainter painter(&picture_);
-            PaintDiscs(painter, plot, raster, colour);
-        } else {
-            const double radius = MarkRadius(DistanceScale.Points->Pairs()) * scale;
-            StampPoints(picture_, raster, static_cast<int>(std::lround(radius)), colour.rgb());
-        }
+        PaintTrumpet(sheet_, *DistanceScale.Points, PlotOf(Trumpet.Range, Trumpet.Place), Trumpet.Raster,
+                     LookOf(place_));
+    }
+    void CloseSheet() {
+        if (sheet_.Close != nullptr) sheet_.Close(sheet_);
     }
 
     void Paint() {
@@ -224,7 +181,7 @@ private:
         }
         QPainter painter(&place_);
         painter.fillRect(place_.rect(), place_.palette().color(QPalette::Base));
-        painter.drawImage(QPointF(), picture_);
+        painter.drawImage(QPointF(), BarePictureOf(sheet_));
         ring_ = Trumpet.Under;
         if (ring_.From == 0 || !fits) return;
         const TrumpetPlot plot = PlotOf(Trumpet.Range, Trumpet.Place);
@@ -235,7 +192,7 @@ private:
     }
 
     QWidget& place_;
-    QImage picture_;  // all but the ring
+    Surface sheet_;  // all but the ring
     Shown shown_;
     TrumpetRaster::PairAt ring_;
     QPointF mouse_;
