@@ -53,7 +53,7 @@ void Trumpet_PointsChanged() {
     if (!w.Window.Loaded) return;
     const BusyPointer busy;
     TakePairUnderMouse({});
-    w.Drawn = w.Cut = false;
+    w.Drawn = w.Cut = w.RangeCut = false;
     ++w.Drawings;
     const std::shared_ptr<const DistancePoints> points = DistanceScale.Points;
     PairProgress progress("Trumpet Graph - Progress", kStepsOfAPair * points->Pairs());
@@ -63,7 +63,7 @@ void Trumpet_PointsChanged() {
     });
     if (!w.Window.Loaded || DistanceScale.Points != points) return;
     w.Range = range;
-    w.Cut = !whole;
+    w.Cut = w.RangeCut = !whole;
 }
 
 void Trumpet_Resize(const TrumpetPlace& place) {

@@ -18,6 +18,7 @@ struct FormTrompete {
     TrumpetRaster Raster;
     bool Drawn = false;           // the raster is that of Range and Place
     bool Cut = false;             // the user has cancelled the drawing: not all pairs are in it
+    bool RangeCut = false;        // ... while it was found what they span: some may lie beyond the axes
     std::uint64_t Drawings = 0;   // counts them
     TrumpetRaster::PairAt Under;  // the pair under the mouse, From 0: none
 

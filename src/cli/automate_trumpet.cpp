@@ -111,7 +111,7 @@ json TrumpetPicture(const json& request) {
     Dispatch([&file] {
         const DistancePoints& points = *DistanceScale.Points;
         WriteFile(file, TrumpetSvg(points, TrumpetTitle(points, IsTrue(DistanceScale.WithCal)),
-                                   PlotOf(Trumpet.Range, Trumpet.Place)));
+                                   PlotOf(Trumpet.Range, Trumpet.Place), Trumpet.RangeCut));
     });
     return json::object();
 }

@@ -100,6 +100,22 @@ TEST_F(TrumpetGraph, ADrawingThatIsCancelledIsNotWhole) {
     EXPECT_FALSE(IsLoaded("FormProgressBar"));
 }
 
+// A picture of its own is drawn anew with all pairs; only axes that were never found for all of them leave
+// some out.
+TEST_F(TrumpetGraph, AxesThatLackPairsAreToldFromAPictureThatDoes) {
+    Cloud(7200);
+    DistanceScale.Points = std::make_shared<const DistancePoints>(TakeDistancePoints(false));
+    ShowWindow("FormTrompete");
+    EXPECT_FALSE(Trumpet.Cut);
+    Headless.OnYield = [] { UserClick(Progress.BtnCancel); };
+    Trumpet_Draw();
+    EXPECT_TRUE(Trumpet.Cut);
+    EXPECT_FALSE(Trumpet.RangeCut);
+    Trumpet_PointsChanged();
+    EXPECT_TRUE(Trumpet.Cut);
+    EXPECT_TRUE(Trumpet.RangeCut);
+}
+
 TEST_F(TrumpetGraph, AWindowClosedDuringTheDrawingStaysClosed) {
     Cloud(7200);
     DistanceScale.Points = std::make_shared<const DistancePoints>(TakeDistancePoints(false));

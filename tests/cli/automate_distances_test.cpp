@@ -1,6 +1,7 @@
 // The distance scale and its trumpet plot by names alone.
 #include <cmath>
 
+#include "analysis/form_trompete.h"
 #include "cli/automation.h"
 #include "core/text.h"
 
@@ -138,6 +139,16 @@ TEST_F(DistancesByName, ThePictureOfThePlotHasItsSizeAndItsPoints) {
     Good({{"do", "set"}, {"at", "FormDistanceScale.OptionWithCal"}, {"value", true}});
     Good(request);
     EXPECT_NE(Contents(file).find("after the transformation"), std::string::npos);
+}
+
+TEST_F(DistancesByName, ThePictureOfAPlotWithAxesOfAPartOfThePairsSaysSo) {
+    StartWithPlot();
+    const json request = {{"do", "picture"}, {"at", "FormTrompete.Trumpet"}, {"file", PathOf("part.svg")}};
+    Good(request);
+    EXPECT_EQ(Contents(PathOf("part.svg")).find("cancelled"), std::string::npos);
+    Trumpet.RangeCut = true;
+    Good(request);
+    EXPECT_NE(Contents(PathOf("part.svg")).find("(cancelled: not all pairs)</text>"), std::string::npos);
 }
 
 TEST_F(DistancesByName, APictureOfThePlotThatCannotBeIsRefusedOrTold) {
