@@ -201,7 +201,8 @@ struct ExactRun {
             const int redundancy = Place.Rows.Used - Place.Model.Unknowns;
             const bool real = wanted ? first.Mirrored || IsBetter(mirrored, proper)
                                      : MirrorIsReal(proper.Objective, mirrored.Objective,
-                                                    Rounding * Place.Rows.Used, redundancy, 1);
+                                                    Rounding * Place.Rows.Used, redundancy, 1) ||
+                                           NothingProperIsBeside(mirrored, proper.Objective);
             best = real ? mirrored : proper;
         }
         const bool otherSide = first.Mirrored && !best.Mirrored;
@@ -216,6 +217,21 @@ struct ExactRun {
                                .Times = less ? times : 0,
                                .Count = Fit.Run.Norm.Starts});
         return best;
+    }
+
+    // The way from a mirrored optimum to the proper side leads through a scale of 0. Where less is left there
+    // than at the proper optimum, that one is another solution far off: beside the mirrored one there is
+    // none, for all that are nearer and nearer to the mirror are better and better.
+    bool NothingProperIsBeside(const WayEnd& mirrored, double proper) {
+        double least = std::numeric_limits<double>::infinity();
+        for (int k = kScaleX; k <= kScaleZ; ++k) {
+            if (Place.Model.UnknownOf[At(k)] == 0) continue;
+            Fit.Run.Now = mirrored.Values;
+            Fit.Run.Now[k] = 0;
+            Place.Linearise();
+            least = std::fmin(least, Objective());
+        }
+        return least < proper * (1 - kTold);
     }
 
     // From places that the points themselves propose, and from places around the best one, as far off as the

@@ -176,3 +176,34 @@ TEST_F(HonestEnds, AnOptimumAtItsBoundHasConverged) {
         EXPECT_TRUE(Messages().empty()) << norm;
     }
 }
+
+TEST_F(HonestEnds, AnOptimumIsNotAboveThoseWithAScaleHeld) {
+    // Points all but in a plane, whose mirrored optimum has no proper one beside it.
+    const std::vector<reference::Point> start = {{186.275329759, -374.173000264, -1.172706844},
+                                                 {-192.765963560, -361.706037215, 4.165639830},
+                                                 {134.946310957, 33.760338542, -2.441930912},
+                                                 {118.781552917, 194.320021173, 3.576906571},
+                                                 {369.354038395, 358.722432303, 3.837468289}};
+    const std::vector<reference::Point> target = {{2213.591541053, -1321.528171749, -1478.320107037},
+                                                  {2507.326316749, -1246.311502984, -1259.638111488},
+                                                  {2734.437844662, -1423.366023727, -1611.814140651},
+                                                  {2933.797698001, -1328.362592797, -1768.772082053},
+                                                  {2845.329078426, -1479.167122475, -2044.814341376}};
+    for (std::size_t i = 0; i < start.size(); ++i) AddPair(start[i], target[i]);
+    Norm.RunOn = true;
+    for (const int norm : {kL1, kLoo}) {
+        const auto value = [&] { return norm == kL1 ? SumOfResiduals() : LargestResidual(); };
+        Begin("9");
+        Calculate(norm);
+        const double free = value();
+        const bool mirrored = Noted(NoteCode::Mirrored);
+        for (const char* held : {"0.01", "0.3", "1", "5"}) {
+            Begin("9");
+            Job.ParamText[kScaleZ] = held;
+            SelectionFromJob();
+            Calculate(norm);
+            EXPECT_LE(free, value() * (1 + 1e-6)) << norm << ", " << held;
+        }
+        EXPECT_TRUE(mirrored) << norm << ": a mirrored result is told";
+    }
+}
