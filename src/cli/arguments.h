@@ -6,11 +6,13 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <system_error>
 #include <vector>
 
 #include "core/text.h"
+#include "core/units.h"
 
 // The help tells choices once, beside the option's name, so the checks are silent there.
 inline CLI::Validator OneOf(std::vector<std::string> choices) {
@@ -35,16 +37,25 @@ inline CLI::Validator Between(std::int64_t least, std::int64_t most) {
         "");
 }
 
-// The units of length by the names that a command line knows them by.
-inline CLI::Validator LengthUnitByName() {
-    return NameOf({{"millimeter", "millimeter"},
-                   {"mm", "millimeter"},
-                   {"meter", "meter"},
-                   {"m", "meter"},
-                   {"inch", "inch"},
-                   {"in", "inch"},
-                   {"feet", "feet"},
-                   {"ft", "feet"}});
+// Choices as the help shows them: "a|b|c".
+inline std::string Choices(const std::vector<std::string>& names) {
+    std::string text;
+    for (const std::string& name : names) text += (text.empty() ? "" : "|") + name;
+    return text;
+}
+
+// A unit by the names that a command line knows it by, and the choices that the help shows.
+inline CLI::Validator UnitByName(std::span<const UnitRow> units) {
+    std::map<std::string, std::string> names;
+    for (const UnitRow& unit : units)
+        for (const char* const name : unit.Given)
+            if (name != nullptr) names[name] = unit.Name;
+    return NameOf(names);
+}
+inline std::string UnitChoices(std::span<const UnitRow> units) {
+    std::vector<std::string> names;
+    for (const UnitRow& unit : units) names.emplace_back(unit.Given.front());
+    return Choices(names);
 }
 
 // What stands between the fields of a point file, by name.

@@ -238,8 +238,8 @@ CLI::App* AddBundle(CLI::App& app, BundleSwitches& s) {
         })
         ->type_name("DIR");
     bundle->add_option("--length-unit", o.LengthUnit, "Unit of the files and of what is shown; default: mm")
-        ->transform(LengthUnitByName())
-        ->type_name("mm|m|in|ft");
+        ->transform(UnitByName(LengthUnits()))
+        ->type_name(UnitChoices(LengthUnits()));
     bundle->add_option("--digits", o.LengthDigits, "Decimals of lengths, 0 to 6; default: 3")
         ->check(Between(0, 6))
         ->type_name("N");

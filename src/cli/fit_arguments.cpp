@@ -13,13 +13,6 @@
 
 namespace {
 
-// Names by which the units are known on a command line; those of lengths serve other commands too.
-const std::map<std::string, std::string> kAngleNames = {
-    {"degree", "degree"},       {"deg", "degree"},
-    {"gon", "grad (gon)"},      {"rad", "rad"},
-    {"mrad", "mrad"},           {"arcsecond", "arcsecond"},
-    {"arcminute", "arcminute"}, {"dms", kDegreeMinuteSecond}};
-
 // The import takes its tolerance as a 32-bit float above 0.
 std::string CheckTolerance(const std::string& text) {
     double value = 0;
@@ -93,12 +86,12 @@ void AddOutputOptions(CLI::App& fit, FitSwitches& s) {
     const char* const group = "Units and output";
     FitOptions& o = s.Options;
     fit.add_option("--length-unit", o.LengthUnit, "Unit of the files and of what is shown; default: mm")
-        ->transform(LengthUnitByName())
-        ->type_name("mm|m|in|ft")
+        ->transform(UnitByName(LengthUnits()))
+        ->type_name(UnitChoices(LengthUnits()))
         ->group(group);
     fit.add_option("--angle-unit", o.AngleUnit, "Unit of angles; default: deg")
-        ->transform(NameOf(kAngleNames))
-        ->type_name("deg|gon|rad|mrad|arcsecond|arcminute|dms")
+        ->transform(UnitByName(AngleUnits()))
+        ->type_name(UnitChoices(AngleUnits()))
         ->group(group);
     fit.add_option("--digits", o.LengthDigits, "Decimals of lengths, 0 to 6; default: 3")
         ->check(Between(0, 6))

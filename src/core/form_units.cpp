@@ -46,7 +46,7 @@ const WindowEntry FormUnits_Entry = {
 
 void FormUnits::Form_Load() {
     FormUnits& w = UnitsWindow;
-    const auto unitName = [](const UnitFactor& unit) { return unit.Name; };
+    const auto unitName = [](const UnitRow& unit) { return unit.Name; };
     const auto format = [](const char* text) { return text; };
     Fill(w.ComboLength, LengthUnits(), unitName);
     Fill(w.ComboAngle, AngleUnits(), unitName);

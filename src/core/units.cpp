@@ -11,22 +11,24 @@
 
 namespace {
 
-constexpr UnitFactor kLengthUnits[] = {
-    {"millimeter", 1}, {"meter", 1.0 / 1000}, {"inch", 1 / 25.4}, {"feet", 1 / 304.8}};
+constexpr UnitRow kLengthUnits[] = {{"millimeter", 1, {"mm", "millimeter"}, 1000, " millimeter per meter"},
+                                    {"meter", 1.0 / 1000, {"m", "meter"}, 1000000, " ppm"},
+                                    {"inch", 1 / 25.4, {"in", "inch"}, 10000, " 10thou per inch"},
+                                    {"feet", 1 / 304.8, {"ft", "feet"}}};
 
-constexpr UnitFactor kAngleUnits[] = {{"degree", 180 / kPi},
-                                      {"grad (gon)", 200 / kPi},
-                                      {"rad", 1},
-                                      {"mrad", 1000},
-                                      {"arcsecond", 648000 / kPi},
-                                      {"arcminute", 10800 / kPi},
-                                      {kDegreeMinuteSecond, 180 / kPi}};
+constexpr UnitRow kAngleUnits[] = {{"degree", 180 / kPi, {"deg", "degree"}},
+                                   {"grad (gon)", 200 / kPi, {"gon"}},
+                                   {"rad", 1, {"rad"}},
+                                   {"mrad", 1000, {"mrad"}},
+                                   {"arcsecond", 648000 / kPi, {"arcsecond"}},
+                                   {"arcminute", 10800 / kPi, {"arcminute"}},
+                                   {kDegreeMinuteSecond, 180 / kPi, {"dms"}}};
 
 constexpr const char* kDigitFormats[] = {"0", "0.0", "0.00", "0.000", "0.0000", "0.00000", "0.000000"};
 constexpr const char* kScaleFormats[] = {"0.000000", "0.000000000000"};
 
-void TakeFactor(std::span<const UnitFactor> units, const std::string& name, double& factor) {
-    for (const UnitFactor& unit : units)
+void TakeFactor(std::span<const UnitRow> units, const std::string& name, double& factor) {
+    for (const UnitRow& unit : units)
         if (name == unit.Name) factor = unit.Factor;
 }
 
@@ -37,10 +39,10 @@ void TakeFormat(std::span<const char* const> formats, int digits, std::string& f
 
 }  // namespace
 
-std::span<const UnitFactor> LengthUnits() {
+std::span<const UnitRow> LengthUnits() {
     return kLengthUnits;
 }
-std::span<const UnitFactor> AngleUnits() {
+std::span<const UnitRow> AngleUnits() {
     return kAngleUnits;
 }
 std::span<const char* const> DigitFormats() {

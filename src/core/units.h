@@ -2,6 +2,7 @@
 // A shown value is internal x factor; a value read is text value / factor.
 #pragma once
 
+#include <array>
 #include <span>
 #include <string>
 
@@ -15,12 +16,17 @@ struct UnitsRecord {
 };
 inline UnitsRecord Units;
 
-struct UnitFactor {
-    const char* Name;
-    double Factor;
+struct UnitRow {
+    const char* Name;  // in jobs, settings and the lists of the window
+    double Factor;     // internal to shown
+    // Names on a command line: the one that its help shows, and another one or nullptr.
+    std::array<const char*, 2> Given;
+    // Of a length: how a scale m is told in words, as (1 - m) x ScaleFactor and these; nullptr: it is not.
+    double ScaleFactor = 0;
+    const char* ScaleWords = nullptr;
 };
-std::span<const UnitFactor> LengthUnits();  // in the order of their list
-std::span<const UnitFactor> AngleUnits();
+std::span<const UnitRow> LengthUnits();  // in the order of their list
+std::span<const UnitRow> AngleUnits();
 inline constexpr const char* kDegreeMinuteSecond = "360°60'60''";
 
 // The picture string of 0 to 6 digits, and that of `ScaleDigits` 0 or 1.

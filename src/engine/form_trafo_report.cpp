@@ -60,17 +60,9 @@ bool KeepsItsText(const ParameterControls& row, double value) {
 
 // How much a scale changes a length, in the words of the length unit; "" where there are none.
 std::string ScaleTip(double scale) {
-    struct Words {
-        const char* Unit;
-        double Factor;
-        const char* Text;
-    };
-    constexpr Words kWords[] = {{"millimeter", 1000, " millimeter per meter"},
-                                {"inch", 10000, " 10thou per inch"},
-                                {"meter", 1000000, " ppm"}};
-    for (const Words& words : kWords)
-        if (Job.LengthUnitName == words.Unit)
-            return FormatNumber((1 - scale) * words.Factor, Units.FmtScale) + words.Text;
+    for (const UnitRow& unit : LengthUnits())
+        if (Job.LengthUnitName == unit.Name && unit.ScaleWords != nullptr)
+            return FormatNumber((1 - scale) * unit.ScaleFactor, Units.FmtScale) + unit.ScaleWords;
     return "";
 }
 
