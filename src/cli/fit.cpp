@@ -32,6 +32,7 @@
 #include "engine/inverse.h"
 #include "engine/monte_carlo.h"
 #include "engine/noise.h"
+#include "engine/norm_table.h"
 #include "engine/pose_file.h"
 #include "engine/solution_details.h"
 #include "fit/require.h"
@@ -216,8 +217,7 @@ int TakeJob(FitOptions& options, JobFileFacts& facts, std::ostream& err) {
     if (options.Tool && Job.RobotABC.Rows < Job.nIdent)
         return Refuse(err, kRefused, "the job has no orientations for --tool");
     if (!options.IsGiven("--parameters")) options.Parameters = "job";
-    if (!options.IsGiven("--norm"))
-        options.Norm = Job.NormType == 1 ? "l1" : Job.NormType == 3 ? "loo" : "l2";
+    if (!options.IsGiven("--norm")) options.Norm = NormOfJob().Name;
     return kDone;
 }
 

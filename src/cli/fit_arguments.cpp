@@ -10,6 +10,8 @@
 #include "core/units.h"
 #include "engine/monte_carlo.h"
 #include "engine/noise.h"
+#include "engine/norm_table.h"
+#include "engine/presets.h"
 
 namespace {
 
@@ -61,19 +63,13 @@ void AddPointOptions(CLI::App& fit, FitSwitches& s) {
 
 void AddModelOptions(CLI::App& fit, FitOptions& o) {
     const char* const group = "Model";
-    fit.add_option("--parameters", o.Parameters,
-                   "What floats: level (3 shifts and the rotation about z), 6 (rigid),\n"
-                   "7 (with one scale), 9 (with three scales), 12 (affine); default: 6")
-        ->check(OneOf({"level", "6", "7", "9", "12"}))
-        ->type_name("level|6|7|9|12")
+    fit.add_option("--parameters", o.Parameters, PresetsInWords())
+        ->check(OneOf(PresetNames()))
+        ->type_name(Choices(PresetNames()))
         ->group(group);
-    fit.add_option("--norm", o.Norm,
-                   "What is made least: the sum of squares (l2), the sum of absolute\n"
-                   "deviations (l1, robust against outliers), or nearly the largest\n"
-                   "deviation (loo); default: l2. l1-exact and minimax run on to the\n"
-                   "true optimum of l1 and loo and tell how near they came")
-        ->check(OneOf({"l1", "l2", "loo", "l1-exact", "minimax"}))
-        ->type_name("l1|l2|loo|l1-exact|minimax")
+    fit.add_option("--norm", o.Norm, NormsInWords())
+        ->check(OneOf(NormNames()))
+        ->type_name(Choices(NormNames()))
         ->group(group);
     fit.add_option("--hold", o.Hold,
                    "Hold parameters at values, in the units in use:\n"
@@ -306,7 +302,7 @@ std::string TakeFitSwitches(FitSwitches& s) {
     if (s.Yes || s.No) s.Options.Questions = s.Yes;
     s.Options.Output = s.Json ? FitOutput::Json : s.Csv ? FitOutput::Csv : FitOutput::Table;
     s.Options.Inverse |= s.Options.Details;
-    if (s.Options.MonteCarloRuns > 0 && s.Options.Norm != "l2")
+    if (s.Options.MonteCarloRuns > 0 && !IsLeastSquares(NormByName(s.Options.Norm).Norm))
         return "--monte-carlo goes with --norm l2 alone";
     if (s.Options.Protocol && !s.Json && (s.Options.Inverse || s.Options.MonteCarloRuns > 0))
         return "--protocol stands instead of the table, so --details, --inverse and --monte-carlo go with it in "

@@ -19,8 +19,8 @@ struct FitOptions {
     std::string Match = "id";           // id, coordinate, distance
     double Tolerance_mm = 0.8;
     int OnlyFirst = 0;             // matching by distance looks at the first so many target points; 0 = all
-    std::string Parameters = "6";  // level, 6, 7, 9, 12
-    std::string Norm = "l2";       // l1, l2, loo, l1-exact, minimax
+    std::string Parameters = "6";  // by name: engine/presets.h
+    std::string Norm = "l2";       // by name: engine/norm_table.h
     bool RDist = false;            // the distance model: points lie at one distance from their targets
     bool Tool = false;             // the tool model, with the orientations of the robot program
     std::string Poses;             // file of the target poses' orientations for the tool model; "" = none

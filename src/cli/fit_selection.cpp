@@ -14,6 +14,7 @@
 #include "core/platform.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "engine/norm_table.h"
 #include "engine/norms.h"
 #include "engine/parameter_kind.h"
 #include "engine/presets.h"
@@ -175,7 +176,7 @@ const char* OptionAgainstShape(const FitOptions& options) {
     if (options.RDist) return "--r-dist";
     if (options.Tool) return "--tool";
     if (!options.Poses.empty()) return "--poses";
-    if (options.Norm != "l2") return "--norm";
+    if (!IsLeastSquares(NormByName(options.Norm).Norm)) return "--norm";
     return options.FromTarget ? "--direction ocs-mcs" : nullptr;
 }
 
@@ -193,17 +194,16 @@ std::string SelectParameters(const FitOptions& options) {
     const bool ofJob = !options.Job.empty();
     if (!ofJob || options.IsGiven("--parameters") || ParamText(kTraX).empty())
         SelectPreset(options.Parameters == "job" ? FitOptions().Parameters : options.Parameters);
-    Norm.RunOn = options.Norm == "l1-exact" || options.Norm == "minimax";
-    const bool sum = options.Norm == "l1" || options.Norm == "l1-exact";
-    const bool largest = options.Norm == "loo" || options.Norm == "minimax";
-    Job.NormType = sum ? 1 : largest ? 3 : 2;
+    const NormWish wish = NormByName(options.Norm);
+    Norm.RunOn = wish.Exact;
+    Job.NormType = wish.Norm.Number;
     for (const std::string& hold : options.Hold) {
         const std::string wrong = HoldParameter(hold);
         if (!wrong.empty()) return wrong;
     }
     if (options.RDist) ParamText(kRDist) = kFloat;
     if (options.Tool || !options.Poses.empty()) {
-        if (options.Norm != "l2" || options.FromTarget)
+        if (!IsLeastSquares(wish.Norm) || options.FromTarget)
             return std::string(options.Tool ? "--tool" : "--poses") +
                    " goes with --norm l2 and --direction mcs-ocs alone";
         for (const int part : {kRvecX, kRvecY, kRvecZ}) ParamText(part) = kFloat;

@@ -20,6 +20,7 @@
 #include "engine/calculation.h"
 #include "engine/inverse.h"
 #include "engine/monte_carlo.h"
+#include "engine/norm_table.h"
 #include "engine/norms.h"
 #include "engine/result_notes.h"
 
@@ -27,7 +28,7 @@ namespace {
 
 // How much less the sum or the largest deviation could be at most.
 std::string DistanceFromOptimum() {
-    const std::string what = Job.NormType == 1 ? "sum" : "largest deviation";
+    const std::string what = NormOfJob().Least;
     if (!std::isfinite(Norm.AboveOptimum)) return "how near the " + what + " is to it is not known";
     std::array<char, 32> text{};
     std::snprintf(text.data(), text.size(), "%.1e", Norm.AboveOptimum);
@@ -51,8 +52,7 @@ void WriteHead(const FitOptions& options, const Style& style, std::ostream& out)
     out << "\n"
         << HeadLabel("observations") << ObservationsInUse() << " in use, " << c.nFloat << " unknowns\n";
     if (Norm.Iterations > 0)
-        out << HeadLabel("norm") << (Job.NormType == 1 ? "L1" : "L-infinity") << ", " << Norm.Iterations
-            << " weightings\n";
+        out << HeadLabel("norm") << NormOfJob().Label << ", " << Norm.Iterations << " weightings\n";
     if (Norm.RunOn) out << HeadLabel("optimum") << DistanceFromOptimum() << "\n";
     out << HeadLabel("iterations") << Adjustment.Iterations;
     if (!c.Converged) out << "  " << style.Alarm("convergence not reached");

@@ -16,6 +16,7 @@
 #include "core/records.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "engine/norm_table.h"
 
 using nlohmann::ordered_json;
 
@@ -26,10 +27,6 @@ constexpr int kSchemaVersion = 1;
 
 // A list of names in a table goes no further than this.
 constexpr std::size_t kMostNames = 12;
-
-const char* NormName() {
-    return Job.NormType == 1 ? "L1" : Job.NormType == 3 ? "L-infinity" : "L2";
-}
 
 // What the target set came from, as far as a job keeps it.
 std::string TargetKind() {
@@ -138,7 +135,7 @@ ordered_json Summary(const JobFileFacts& file) {
               {"targetOnly", Job.nOCSOnly},
               {"coordinatesInUse", used}}},
             {"direction", IsTrue(Job.DirectionMCStoOCS) ? "mcs-ocs" : "ocs-mcs"},
-            {"norm", NormName()},
+            {"norm", NormOfJob().Label},
             {"seedPoints", SeedNames()},
             {"targetKind", TargetKind()},
             {"parametersChosen", !Job.ParamText[kTraX].empty()},
@@ -162,7 +159,7 @@ void WriteJobTable(const JobFileFacts& file, std::ostream& out, bool colour) {
     WritePoints(out);
     out << HeadLabel("units") << Printable(Job.LengthUnitName) << Digits(Job.LengthDigits) << ", "
         << Printable(Job.AngleUnitName) << Digits(Job.AngleDigits) << "\n";
-    out << HeadLabel("fit") << NormName() << ", "
+    out << HeadLabel("fit") << NormOfJob().Label << ", "
         << (IsTrue(Job.DirectionMCStoOCS) ? "MCS => OCS" : "OCS => MCS") << "\n";
     if (IsTrue(Job.Unconverged)) out << HeadLabel("result") << style.Alarm("convergence not reached") << "\n";
     if (!SeedNames().empty()) out << HeadLabel("seed points") << Joined(SeedNames()) << "\n";

@@ -53,7 +53,7 @@ struct JobRecord {
     // Settings that travel with the job.
     Flag DirectionMCStoOCS = kTrue;
     Flag AutoRecalc = kFalse;
-    std::int16_t NormType = 0;  // 1 L1, 2 L2, 3 L-infinity; 0 is read as 2
+    std::int16_t NormType = 0;  // number of the norm; 0 is read as that of least squares
     std::string NameMCS, NameOCS;
     std::string PathMCS, PathOCS;
     std::string LengthUnitName, AngleUnitName;

@@ -20,6 +20,7 @@
 #include "engine/equal_forms.h"
 #include "engine/field_number.h"
 #include "engine/monte_carlo.h"
+#include "engine/norm_table.h"
 #include "engine/norms.h"
 #include "engine/result_notes.h"
 #include "engine/selection.h"
@@ -244,7 +245,7 @@ void ButtonCalcErsatz() {
 
     if (!IsTrue(Job.IsParaboloid)) ForgetCalculationNotes();  // its passes are one calculation
     if (CalculationIsRefused()) return;
-    const bool leastSquares = Job.NormType != 1 && Job.NormType != 3;
+    const bool leastSquares = IsLeastSquares(NormOfJob());
     Calculation.Refused = leastSquares && MonteCarloIsInTheFit() && !MonteCarloCanBeHeld();
     if (Calculation.Refused) return;
 

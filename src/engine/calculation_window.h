@@ -69,6 +69,12 @@ void MarkPreset();
 // Blanks the fields of sigma, significance and deviations.
 void AnzeigeReset();
 
+// Takes the norm of an option that was pressed. Monte Carlo is for least squares alone.
+void ChooseNorm(Control FormTrafoBerechnung::*option);
+
+// Whether other norms than least squares can be chosen.
+void OfferOtherNorms(bool offered);
+
 // Puts the fields of R distance and R vector, the norms and the direction in order after their boxes.
 void INI_Rdist();
 

@@ -6,6 +6,7 @@
 
 #include "core/notes.h"
 #include "core/numbers.h"
+#include "engine/norm_table.h"
 
 namespace {
 
@@ -16,12 +17,9 @@ struct NormWords {
     const char* Least;     // what its optimum is the least of
 };
 
-const NormWords& WordsOf(FitNorm norm) {
-    static constexpr NormWords kSquares{"L2", "sum of squares", "sum of squares"},
-        kSum{"L1", "sum of residuals", "sum of deviations"},
-        kLargest{"Loo", "largest residual", "largest deviation"};
-    if (norm == FitNorm::LeastSum) return kSum;
-    return norm == FitNorm::LeastLargest ? kLargest : kSquares;
+NormWords WordsOf(FitNorm fit) {
+    const NormRow& norm = NormOfFit(fit);
+    return {norm.Told, norm.Weighted, norm.Optimum};
 }
 
 std::string TimesText(double times) {
@@ -74,7 +72,7 @@ std::string OfUnsettled(const FitRemark& remark, const NormWords& words, int lim
 }  // namespace
 
 void NoteRemarks(const NormRun& run) {
-    const NormWords& words = WordsOf(run.Kind);
+    const NormWords words = WordsOf(run.Kind);
     for (const FitRemark& remark : run.Remarks) switch (remark.Kind) {
             case FitRemark::What::IterationBeganAgain:
                 AddNote(NoteCode::BetterStart, OfIteration(remark));

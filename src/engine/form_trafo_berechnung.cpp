@@ -11,6 +11,7 @@
 #include "core/units.h"
 #include "engine/calculation_window.h"
 #include "engine/monte_carlo.h"
+#include "engine/norm_table.h"
 #include "engine/selection.h"
 #include "fit/require.h"
 
@@ -24,6 +25,11 @@ void SeedBox_Click() {
     const ParameterControls& row = RowOf(parameter);
     row.SeedText->Enabled = row.SeedCheck->Value == 1;
     if (row.SeedText->Enabled && row.SeedText->Text.empty()) SetText(*row.SeedText, "0");
+}
+
+template <Control FormTrafoBerechnung::*option>
+void Norm_Click() {
+    ChooseNorm(option);
 }
 
 const ControlEntry kControls[] = {
@@ -128,9 +134,9 @@ const ControlEntry kControls[] = {
     {"Option9Parameter", &w.Option9Parameter, {.Click = FormTrafoBerechnung::Option9Parameter_Click}},
     {"Option12", &w.Option12, {.Click = FormTrafoBerechnung::Option12_Click}},
     {"OptionHoldLevel", &w.OptionHoldLevel, {.Click = FormTrafoBerechnung::OptionHoldLevel_Click}},
-    {"OptionL1", &w.OptionL1, {.Click = FormTrafoBerechnung::OptionL1_Click}},
-    {"OptionL2", &w.OptionL2, {.Click = FormTrafoBerechnung::OptionL2_Click}},
-    {"OptionLoo", &w.OptionLoo, {.Click = FormTrafoBerechnung::OptionLoo_Click}},
+    {"OptionL1", &w.OptionL1, {.Click = Norm_Click<&FormTrafoBerechnung::OptionL1>}},
+    {"OptionL2", &w.OptionL2, {.Click = Norm_Click<&FormTrafoBerechnung::OptionL2>}},
+    {"OptionLoo", &w.OptionLoo, {.Click = Norm_Click<&FormTrafoBerechnung::OptionLoo>}},
     {"CheckMonteCarlo", &w.CheckMonteCarlo, {.Click = FormTrafoBerechnung::CheckMonteCarlo_Click}},
     {"CheckAutoRec", &w.CheckAutoRec, {.Click = FormTrafoBerechnung::CheckAutoRec_Click}},
     {"BtnCalculate", &w.BtnCalculate, {.Click = FormTrafoBerechnung::BtnCalculate_Click}},
@@ -301,14 +307,14 @@ namespace {
 // A job with a shape takes its targets from that: direction and norm are given, and there is no distance.
 void LockForParaboloid() {
     w.BtnSwitchMcsOcs.Enabled = false;
-    SetValue(w.OptionL2, 1);
-    w.OptionL1.Enabled = w.OptionLoo.Enabled = false;
+    SetValue(w.*LeastSquares().Option, 1);
+    OfferOtherNorms(false);
     w.CheckRDist.Enabled = false;
 }
 
 void SelectNorm() {
-    if (Job.NormType == 0) Job.NormType = 2;
-    SetValue(Job.NormType == 1 ? w.OptionL1 : Job.NormType == 3 ? w.OptionLoo : w.OptionL2, 1);
+    if (Job.NormType == 0) Job.NormType = LeastSquares().Number;
+    SetValue(w.*NormOfJob().Option, 1);
 }
 
 // The parameters come back from their slots. Slots 12 and 13 come back exchanged on purpose: that is how

@@ -139,9 +139,6 @@ struct FormTrafoBerechnung {
     static void Option9Parameter_Click();
     static void Option12_Click();
     static void OptionHoldLevel_Click();
-    static void OptionL1_Click();
-    static void OptionL2_Click();
-    static void OptionLoo_Click();
     static void CheckMonteCarlo_Click();
     static void CheckAutoRec_Click();
     static void BtnCalculate_Click();

@@ -8,8 +8,10 @@
 #include "engine/calculation_window.h"
 #include "engine/field_number.h"
 #include "engine/monte_carlo.h"
+#include "engine/norm_table.h"
 #include "engine/presets.h"
 #include "engine/selection.h"
+#include "fit/require.h"
 
 namespace {
 
@@ -47,20 +49,10 @@ private:
 
 // --- The mark of the presets ------------------------------------------------------------------------------
 
-struct PresetMark {
-    const char* Preset;
-    Control* Option;
-};
-const PresetMark kMarks[] = {{"level", &w.OptionHoldLevel},
-                             {"6", &w.Option6Parameter},
-                             {"7", &w.Option7Parameter},
-                             {"9", &w.Option9Parameter},
-                             {"12", &w.Option12}};
-
-bool BoxesAreThoseOf(const char* preset) {
+bool BoxesAreThoseOf(const PresetRow& preset) {
     const auto rows = ParameterRows();
-    return std::all_of(rows.begin(), rows.end(), [preset](const ParameterControls& row) {
-        return (row.Check->Value == 1) == FloatsInPreset(preset, row.Parameter);
+    return std::all_of(rows.begin(), rows.end(), [&preset](const ParameterControls& row) {
+        return (row.Check->Value == 1) == Floats(preset, row.Parameter);
     });
 }
 
@@ -75,8 +67,10 @@ bool HoldsNothingOfItsOwn(const ParameterControls& row) {
 // A preset whose boxes the user has changed is no longer the choice, and can be chosen again.
 void UnmarkPreset() {
     if (CalculationWindow.ChoosingPreset) return;
-    for (const PresetMark& mark : kMarks)
-        if (mark.Option->Value == 1 && !BoxesAreThoseOf(mark.Preset)) mark.Option->Value = 0;
+    for (const PresetRow& preset : Presets()) {
+        Control& option = w.*preset.Option;
+        if (option.Value == 1 && !BoxesAreThoseOf(preset)) option.Value = 0;
+    }
 }
 
 // --- Boxes ------------------------------------------------------------------------------------------------
@@ -250,7 +244,7 @@ void INI_Rdist() {
             SetText(*part, kNotUsed);
         }
         SetText(w.TextRDist, kFloat);
-        w.OptionL1.Enabled = w.OptionLoo.Enabled = true;
+        OfferOtherNorms(true);
         w.BtnSwitchMcsOcs.Enabled = true;
     }
     // The R vector exists for least squares and in the direction of the poses alone.
@@ -259,11 +253,10 @@ void INI_Rdist() {
         for (Control* const part : parts) SetText(*part, kFloat);
         SetText(w.TextRDist, kNotUsed);
         w.TextRDist.Enabled = false;
-        for (Control* const norm : {&w.OptionL1, &w.OptionLoo}) {
-            norm->Value = 0;
-            norm->Enabled = false;
-        }
-        SetValue(w.OptionL2, 1);
+        for (const NormRow& norm : Norms())
+            if (!IsLeastSquares(norm)) (w.*norm.Option).Value = 0;
+        OfferOtherNorms(false);
+        SetValue(w.*LeastSquares().Option, 1);
         enableSeeds(true, false);
         w.BtnSwitchMcsOcs.Enabled = false;
         if (!IsTrue(Job.DirectionMCStoOCS)) FormTrafoBerechnung::BtnSwitchMcsOcs_Click();
@@ -288,22 +281,12 @@ void AnzeigeReset() {
 
 namespace {
 
-void Set(const std::vector<Control*>& boxes) {
-    for (Control* const box : boxes) SetValue(*box, 1);
-}
-
 // Turns the other fields of scales to "not used": that is what the box's own handler does.
 void NoScaleAtAll() {
     SetValue(w.CheckScaleXYZ, 1);
     SetValue(w.CheckScaleXYZ, 0);
     SetText(w.TextScaleXYZ, kNotUsed);
     w.TextScaleXYZ.Locked = true;
-}
-
-const std::vector<Control*>& RigidBoxes() {
-    static const std::vector<Control*> boxes = {&w.CheckRotX, &w.CheckRotY, &w.CheckRotZ,
-                                                &w.CheckTraX, &w.CheckTraY, &w.CheckTraZ};
-    return boxes;
 }
 
 // While it lives the boxes that change are those of a preset.
@@ -315,13 +298,29 @@ public:
     Choosing& operator=(const Choosing&) = delete;
 };
 
-void Preset(void (*choose)()) {
+void SetBoxesOf(const PresetRow& preset) {
+    for (const int parameter : preset.Floating) SetValue(*RowOf(parameter).Check, 1);
+    if (std::none_of(preset.Floating.begin(), preset.Floating.end(),
+                     [](int parameter) { return KindOf(parameter) == ParameterKind::Scale; }))
+        NoScaleAtAll();
+    if (!preset.BlanksRest) return;
+    for (Control* const text : {&w.TextXY, &w.TextAzimuth, &w.TextZtoXY, &w.TextRDist}) {
+        SetText(*text, kNotUsed);
+        text->Enabled = false;
+    }
+}
+
+void ChoosePreset(Control FormTrafoBerechnung::*option) {
+    const auto presets = Presets();
+    const auto preset = std::find_if(presets.begin(), presets.end(),
+                                     [option](const PresetRow& row) { return row.Option == option; });
+    Require(preset != presets.end());
     {
         const OneRecalculation once;
         const Choosing choosing;
         CheckReset();
         AnzeigeReset();
-        choose();
+        if ((w.*option).Value != 0 || preset->WhenUnmarked) SetBoxesOf(*preset);
     }
     RecalculateIfAutomatic();
 }
@@ -331,75 +330,42 @@ void Preset(void (*choose)()) {
 void MarkPreset() {
     const auto rows = ParameterRows();
     const bool plain = std::all_of(rows.begin(), rows.end(), HoldsNothingOfItsOwn);
-    for (const PresetMark& mark : kMarks) mark.Option->Value = plain && BoxesAreThoseOf(mark.Preset) ? 1 : 0;
+    for (const PresetRow& preset : Presets())
+        (w.*preset.Option).Value = plain && BoxesAreThoseOf(preset) ? 1 : 0;
 }
 
 void FormTrafoBerechnung::OptionHoldLevel_Click() {
-    Preset([] {
-        if (w.OptionHoldLevel.Value == 0) return;
-        Set({&w.CheckRotZ, &w.CheckTraX, &w.CheckTraY, &w.CheckTraZ});
-        NoScaleAtAll();
-    });
+    ChoosePreset(&FormTrafoBerechnung::OptionHoldLevel);
 }
-
 void FormTrafoBerechnung::Option6Parameter_Click() {
-    Preset([] {
-        if (w.Option6Parameter.Value == 0) return;
-        Set(RigidBoxes());
-        NoScaleAtAll();
-        for (Control* const text : {&w.TextXY, &w.TextAzimuth, &w.TextZtoXY, &w.TextRDist}) {
-            SetText(*text, kNotUsed);
-            text->Enabled = false;
-        }
-    });
+    ChoosePreset(&FormTrafoBerechnung::Option6Parameter);
 }
-
 void FormTrafoBerechnung::Option7Parameter_Click() {
-    Preset([] {
-        if (w.Option7Parameter.Value == 0) return;
-        Set(RigidBoxes());
-        Set({&w.CheckScaleXYZ});
-    });
+    ChoosePreset(&FormTrafoBerechnung::Option7Parameter);
 }
-
 void FormTrafoBerechnung::Option9Parameter_Click() {
-    Preset([] {
-        Set(RigidBoxes());
-        Set({&w.CheckScaleX, &w.CheckScaleY, &w.CheckScaleZ});
-    });
+    ChoosePreset(&FormTrafoBerechnung::Option9Parameter);
 }
-
 void FormTrafoBerechnung::Option12_Click() {
-    Preset([] {
-        Set(RigidBoxes());
-        Set({&w.CheckScaleX, &w.CheckScaleY, &w.CheckScaleZ, &w.CheckXY, &w.CheckZtoXY, &w.CheckAzimuth});
-    });
+    ChoosePreset(&FormTrafoBerechnung::Option12);
 }
 
 // --- Norms ------------------------------------------------------------------------------------------------
 
-namespace {
-
-void ChooseNorm(const Control& option, std::int16_t norm) {
-    if (option.Value != 0) Job.NormType = norm;
+void ChooseNorm(Control FormTrafoBerechnung::*option) {
+    for (const NormRow& norm : Norms())
+        if (norm.Option == option && (w.*option).Value != 0) Job.NormType = norm.Number;
     RecalculateIfAutomatic();
     if (!IsLoaded("FormTrafoBerechnung")) return;
     // The spread of noise is that of least squares.
-    const bool leastSquares = Job.NormType == 2;
+    const bool leastSquares = Job.NormType == LeastSquares().Number;
     if (!leastSquares) SetValue(w.CheckMonteCarlo, 0);
     w.CheckMonteCarlo.Enabled = leastSquares;
 }
 
-}  // namespace
-
-void FormTrafoBerechnung::OptionL1_Click() {
-    ChooseNorm(w.OptionL1, 1);
-}
-void FormTrafoBerechnung::OptionL2_Click() {
-    ChooseNorm(w.OptionL2, 2);
-}
-void FormTrafoBerechnung::OptionLoo_Click() {
-    ChooseNorm(w.OptionLoo, 3);
+void OfferOtherNorms(bool offered) {
+    for (const NormRow& norm : Norms())
+        if (!IsLeastSquares(norm)) (w.*norm.Option).Enabled = offered;
 }
 
 // --- What the engine reads --------------------------------------------------------------------------------

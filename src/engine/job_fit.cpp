@@ -15,6 +15,7 @@
 #include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/corrections.h"
+#include "engine/norm_table.h"
 #include "engine/norms.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
@@ -23,7 +24,7 @@ namespace {
 
 // What the program does with what it hears.
 struct Audience {
-    FitNorm Kind = FitNorm::LeastSquares;
+    const NormRow& Kind = LeastSquares();
     std::uint64_t JobGeneration = Run.JobGeneration;
     bool TraceKept = Selection.CheckRDist;
     std::string Trace;  // the corrections of all passes, which the clipboard shows while the iteration runs
@@ -77,19 +78,10 @@ struct Audience {
 
     // Panels 6 and 7.
     void ShowRound(const FitEvent& event) const {
-        const double value = event.Value * Units.LengthFactor;
-        const std::string rounds = std::to_string(event.Rounds);
-        if (Kind == FitNorm::LeastSum) {
-            SetStatus(7, "d[v]: " + PlainText(value));
-            SetStatus(6, "L1 Iterationen: " + rounds);
-        } else {
-            SetStatus(7, FormatNumber(value, Units.FmtLength) + "[v max]: ");
-            SetStatus(6, "Loo Iterat.: " + rounds);
-        }
+        Kind.ShowRound(event.Value * Units.LengthFactor, event.Rounds);
     }
     void ShowOptimum(const FitEvent& event) const {
-        SetStatus(
-            6, (Kind == FitNorm::LeastSum ? "L1 optimum: " : "Loo optimum: ") + std::to_string(event.Steps));
+        SetStatus(6, Kind.Steps + std::to_string(event.Steps));
         SetStatus(7, FormatNumber(event.Value * Units.LengthFactor, Units.FmtLength));
     }
 
@@ -138,7 +130,7 @@ FitRun BeginHeardBy(std::function<bool(const FitEvent&)> hear) {
 }  // namespace
 
 FitRun BeginFitOfJob(FitNorm norm) {
-    const auto audience = std::make_shared<Audience>(Audience{.Kind = norm});
+    const auto audience = std::make_shared<Audience>(Audience{.Kind = NormOfFit(norm)});
     return BeginHeardBy([audience](const FitEvent& event) { return audience->Hear(event); });
 }
 

@@ -15,19 +15,15 @@
 #include "engine/fit_remarks.h"
 #include "engine/job_fit.h"
 #include "engine/monte_carlo.h"
+#include "engine/norm_table.h"
 
 namespace {
-
-FitNorm NormOfJob() {
-    if (Job.NormType == 1) return FitNorm::LeastSum;
-    return Job.NormType == 3 ? FitNorm::LeastLargest : FitNorm::LeastSquares;
-}
 
 // The job's side of a run: lends it what is gathered, and takes what it leaves.
 class RunOfJob {
 public:
-    explicit RunOfJob(NormFit& fit) : fit_(fit) {
-        Run.Kind = NormOfJob();
+    RunOfJob(NormFit& fit, const NormRow& norm) : fit_(fit) {
+        Run.Kind = norm.Fit;
         Run.Choice = fit.Choice;
         Run.Seeds = TakeSeedPoints();
         Run.SeeksBest = !IsTrue(Job.IsParaboloid);
@@ -64,16 +60,14 @@ private:
 
 // Where the start values lead astray they would do so in the runs of Monte Carlo as well.
 bool ChooseBeginOfRuns(NormFit& fit) {
-    RunOfJob job(fit);
+    RunOfJob job(fit, LeastSquares());
     SeekBeginOfRuns(job.Run);
     return job.Take();
 }
 
 bool FitL2(NormFit& fit) {
-    SetStatus(6, "...L2");
-    SetStatus(7, "...L2");
     if (MonteCarloIsInTheFit() && (!ChooseBeginOfRuns(fit) || !RunMonteCarlo(fit))) return false;
-    RunOfJob job(fit);
+    RunOfJob job(fit, LeastSquares());
     FitLeastSquares(job.Run);
     if (!job.Take()) return false;
     NoteRemarks(job.Run);
@@ -83,16 +77,16 @@ bool FitL2(NormFit& fit) {
 
 // The message of the last inner fit's limit, or of a loop that has come to its limit although its last fit
 // converged. The user's stop is no news.
-void TellOfLoop(const char* name, const char* value) {
+void TellOfLoop(const NormRow& norm) {
     if (Norm.Converged) return;
     if (!Adjustment.Converged) return TellOfLimit();
     if (IsTrue(Run.StopRequested) || Norm.RunOn) return;
-    ShowMessage(std::string(name) + " stopped after " + PlainText(Norm.Iterations) + " Iterations, the " +
-                value + " does not come to rest!");
+    ShowMessage(std::string(norm.Told) + " stopped after " + PlainText(Norm.Iterations) +
+                " Iterations, the " + norm.Weighted + " does not come to rest!");
 }
 
-bool FitLoop(NormFit& fit, const char* name, const char* value) {
-    RunOfJob job(fit);
+bool FitLoop(NormFit& fit, const NormRow& norm) {
+    RunOfJob job(fit, norm);
     FitByLoop(job.Run);
     if (!job.Take()) return false;
     if (Norm.RunOn && job.Run.Model.Mode != FitMode::Coincide)
@@ -100,7 +94,7 @@ bool FitLoop(NormFit& fit, const char* name, const char* value) {
             "The true optimum of L1 and L-infinity is found for points that are to coincide, not for the "
             "distance R_Dist and the tool vector. The result is that of the weightings.");
     NoteRemarks(job.Run);
-    TellOfLoop(name, value);
+    TellOfLoop(norm);
     return true;
 }
 
@@ -112,19 +106,10 @@ bool FitInNorm(NormFit& fit) {
     Norm.RunOn = runOn;
     if (!GatherForFit(fit.P, fit.Points)) return false;
     fit.Choice = ReadStartChoice(fit.ParamText);
-    bool done = false;
-    switch (NormOfJob()) {
-        case FitNorm::LeastSum:
-            done = FitLoop(fit, "L1", "sum of residuals");
-            break;
-        case FitNorm::LeastLargest:
-            SetStatus(6, "Loo...max is min");
-            SetStatus(7, "Loo...max is min");
-            done = FitLoop(fit, "Loo", "largest residual");
-            break;
-        case FitNorm::LeastSquares:
-            done = FitL2(fit);
-    }
+    const NormRow& norm = NormOfJob();
+    if (norm.Begins != nullptr)
+        for (const int panel : {6, 7}) SetStatus(panel, norm.Begins);
+    const bool done = IsLeastSquares(norm) ? FitL2(fit) : FitLoop(fit, norm);
     if (done) SetStatus(2, "...ready");
     return done;
 }

@@ -31,7 +31,7 @@ struct NormFit {
     std::optional<Parameters> RunsBegin = {};
 };
 
-// Runs the norm that Job.NormType names: 1 L1, 3 Loo, any other number least squares (fit/norms.h). The
+// Runs the norm that Job.NormType names (norm_table.h) as it begins, whatever becomes of that meanwhile. The
 // points are gathered once. False when the job's points were replaced meanwhile: nothing more was written
 // then. The result is in the job's parameters and in `fit`. The message of the limit of iterations comes
 // once, where the last fit has run into it. What the fit decided on its own becomes a note. Reads

@@ -15,6 +15,7 @@
 #include "fit/moments.h"
 #include "fit/normal_equations.h"
 #include "fit/norms.h"
+#include "fit/require.h"
 #include "fit/small_svd.h"
 #include "fit/smooth_norms.h"
 
@@ -31,8 +32,10 @@ constexpr double kTold = 1e-6;    // less of an objective that a note is worth
 constexpr double kTight = 1e-9;   // what exchanges leave that is more is tried the smooth way too
 constexpr double kAlike = 1e-13;  // sums of residuals that rounding alone may tell apart
 
-// What the two norms differ in.
+// What the norms differ in.
 struct ExactNorm {
+    FitNorm Norm;
+    bool Reweighs;  // the weights left are those of the last residuals, and not those of the loop
     double (*Objective)(const LinearRows&);
     int (*Optimum)(LinearRows, std::vector<double>&, Holding&, const MayGoOn&);
     double (*LowerBound)(const LinearRows&, const Holding&);
@@ -357,12 +360,16 @@ struct ExactRun {
     }
 };
 
-constexpr ExactNorm kLeastSum{SumOf, LeastSum, LowerBoundOfSum, FollowLeastSum, BoundOfSum};
-constexpr ExactNorm kLeastLargest{LargestOf, LeastLargest, LowerBoundOfLargest, FollowLeastLargest,
-                                  BoundOfLargest};
+constexpr ExactNorm kExactNorms[] = {
+    {FitNorm::LeastSum, true, SumOf, LeastSum, LowerBoundOfSum, FollowLeastSum, BoundOfSum},
+    {FitNorm::LeastLargest, false, LargestOf, LeastLargest, LowerBoundOfLargest, FollowLeastLargest,
+     BoundOfLargest}};
 
 const ExactNorm& KindOf(const NormRun& fit) {
-    return fit.Kind == FitNorm::LeastSum ? kLeastSum : kLeastLargest;
+    const auto kind = std::find_if(std::begin(kExactNorms), std::end(kExactNorms),
+                                   [&fit](const ExactNorm& row) { return row.Norm == fit.Kind; });
+    Require(kind != std::end(kExactNorms));
+    return *kind;
 }
 
 }  // namespace
@@ -374,7 +381,7 @@ void RunOnToOptimum(NormRun& fit) {
     }
     if (!fit.Run.State.Finite || fit.Stops()) return;
     ExactRun run{.Fit = fit, .Kind = KindOf(fit)};
-    if (!run.Go() || fit.Kind != FitNorm::LeastSum) return;
+    if (!run.Go() || !run.Kind.Reweighs) return;
     for (int i = 1; i <= fit.Rows(); ++i)
         if (fit.P[At(i)] != 0) fit.P[At(i)] = ResidualWeight(fit.Result.v[At(i)]);
 }

@@ -7,6 +7,7 @@
 #include "fit/best_fit.h"
 #include "fit/exact_norms.h"
 #include "fit/mirror.h"
+#include "fit/require.h"
 
 namespace {
 
@@ -14,18 +15,51 @@ std::size_t At(int i) {
     return static_cast<std::size_t>(i);
 }
 
+// Of the residuals in use, mm.
+double SumOfSizes(const NormRun& fit) {
+    double sum = 0;
+    for (int i = 1; i <= fit.Rows(); ++i)
+        if (fit.InUse[At(i)] != 0) sum += std::fabs(fit.Result.v[At(i)]);
+    return sum;
+}
+
+double LargestSize(const NormRun& fit) {
+    double largest = 0;
+    for (int i = 1; i <= fit.Rows(); ++i)
+        if (fit.InUse[At(i)] != 0) largest = std::max(largest, std::fabs(fit.Result.v[At(i)]));
+    return largest;
+}
+
+double SumOfSquares(const NormRun& fit) {
+    double sum = 0;
+    for (int i = 1; i <= fit.Rows(); ++i)
+        if (fit.InUse[At(i)] != 0) sum += fit.Result.v[At(i)] * fit.Result.v[At(i)];
+    return sum;
+}
+
+// The norms that are no single fit.
+struct NormLoop {
+    FitNorm Norm;
+    bool (*Run)(NormRun&);
+    double (*Objective)(const NormRun&);  // that it makes least
+};
+constexpr NormLoop kLoops[] = {{FitNorm::LeastSum, FitL1, SumOfSizes},
+                               {FitNorm::LeastLargest, FitLoo, LargestSize}};
+
+const NormLoop& LoopOf(const NormRun& fit) {
+    const auto loop = std::find_if(std::begin(kLoops), std::end(kLoops),
+                                   [&fit](const NormLoop& row) { return row.Norm == fit.Kind; });
+    Require(loop != std::end(kLoops));
+    return *loop;
+}
+
 bool RunLoop(NormRun& fit) {
-    return fit.Kind == FitNorm::LeastSum ? FitL1(fit) : FitLoo(fit);
+    return LoopOf(fit).Run(fit);
 }
 
 EndOfFit EndHere(const NormRun& fit) {
-    EndOfFit end{.Values = fit.Run.Now};
-    for (int i = 1; i <= fit.Rows(); ++i) {
-        if (fit.InUse[At(i)] == 0) continue;
-        const double size = std::fabs(fit.Result.v[At(i)]);
-        end.Objective = fit.Kind == FitNorm::LeastSum ? end.Objective + size : std::max(end.Objective, size);
-        end.Squares += size * size;
-    }
+    EndOfFit end{
+        .Values = fit.Run.Now, .Objective = LoopOf(fit).Objective(fit), .Squares = SumOfSquares(fit)};
     ChainRecord chain;
     BuildChain(ChainSourceOf(fit.Run.Now), chain);
     end.Mirrored = IsMirrored(chain);

@@ -76,6 +76,20 @@ TEST_F(Loo, TakesTheStepsOfAWeightedMean) {
     EXPECT_LT(LargestResidual(), 5.5);
 }
 
+TEST_F(Loo, ANormThatIsChosenInsideTheLoopIsThatOfTheNextCalculation) {
+    const std::vector<double> heights = {0, 0.5, -0.25, 0.1, 10};
+    Heights(heights);
+    // Its end was held against the sum of the residuals then, and the loop taken for one led astray.
+    Headless.OnYield = [] {
+        if (Norm.Iterations == 2) Job.NormType = kL1;
+    };
+    Calculate(kLoo);
+    EXPECT_EQ(Job.NormType, kL1);
+    ExpectAsByHand(heights, Exchanged(heights));
+    EXPECT_TRUE(Calculation.Converged);
+    for (const Note& note : Notes.List) EXPECT_NE(note.Code, NoteCode::BetterStart) << note.Text;
+}
+
 TEST_F(Loo, AMaximumThatRisesInTheSecondRoundEndsTheLoopAndBothExchangesAreTakenBack) {
     const std::vector<double> heights = {1, -0.99, 0.001, 0};
     Heights(heights);
