@@ -70,6 +70,39 @@ std::string ScalesAndShears() {
     return text;
 }
 
+// The numbers of a frame, and what five digits lose of them.
+class FrameNumbers {
+public:
+    std::string Length(const char* name, double value_mm) {
+        return Text(name, value_mm * Units.LengthFactor, Units.LengthFactor, kLeast_mm, 1, " mm");
+    }
+    std::string Angle(const char* name, double value_rad) {
+        return Text(name, value_rad * Units.AngleFactor, Units.AngleFactor, kLeast_rad, 1000, " mrad");
+    }
+    void Note() const {
+        if (!lost_.empty())
+            AddNote(NoteCode::DigitsCut, "The frame file has five digits for a number: " + lost_);
+    }
+
+private:
+    // Less than that is as good as nothing for a robot.
+    static constexpr double kLeast_mm = 0.0005, kLeast_rad = 1e-6;
+
+    std::string Text(const char* name, double value, double factor, double least, double shown,
+                     const char* unit) {
+        std::string text = ScientificText(value);
+        double written = value;
+        TextToNumber(text, written);
+        const double lost = std::fabs(written - value) / factor;
+        if (lost > least)
+            lost_ += (lost_.empty() ? "" : ", ") + std::string(name) + " " + PlainText(value) +
+                     " is written as " + text + ", which is off by " + FormatNumber(lost * shown, "0.000") +
+                     unit;
+        return text;
+    }
+    std::string lost_;
+};
+
 // The frame and the matrix hold a movement. What else the result is made of is missing in them.
 void NoteScalesLeftOut(const char* format) {
     const std::string text = ScalesAndShears();
@@ -117,8 +150,7 @@ std::string RobCadText(const std::string& place, const std::string& tool, const 
     const QuaternionForms forms = SoundQuaternionForms(R, Vec3(Job.RotX, Job.RotY, Job.RotZ));
     if (forms.FromMatrix) NoteMatrixAngles();
     NoteScalesLeftOut("frame file");
-    const auto length = [](double value_mm) { return ScientificText(value_mm * Units.LengthFactor); };
-    const auto angle = [](double value_rad) { return ScientificText(value_rad * Units.AngleFactor); };
+    FrameNumbers numbers;
     const std::string component = tool + "_" + place + "_" + robot + " ;     ";
 
     std::string text;
@@ -127,9 +159,15 @@ std::string RobCadText(const std::string& place, const std::string& tool, const 
     line("COMPONENT / " + component);
     line(tool + " =FRA / 0.0e-05 , 0.0e-05 , 0.0e-05 ,");
     line("0.0e-05 , 0.0e-05 , 0.0e-05 ;   ");
-    line(robot + "_calpos =FRA / " + length(Job.TraX) + " , " + length(Job.TraY) + " , " + length(Job.TraZ) +
-         " ,");
-    line(angle(forms.Angles(1)) + " , " + angle(forms.Angles(2)) + " , " + angle(forms.Angles(3)) + " ;");
+    // In this order: the note names them as they come.
+    const std::string x = numbers.Length("Tra x", Job.TraX), y = numbers.Length("Tra y", Job.TraY),
+                      z = numbers.Length("Tra z", Job.TraZ);
+    const std::string a = numbers.Angle("the angle about x", forms.Angles(1)),
+                      b = numbers.Angle("the angle about y", forms.Angles(2)),
+                      c = numbers.Angle("the angle about z", forms.Angles(3));
+    numbers.Note();
+    line(robot + "_calpos =FRA / " + x + " , " + y + " , " + z + " ,");
+    line(a + " , " + b + " , " + c + " ;");
     line("END / " + component);
     for (const char* const attribute : kPalettes) line(attribute);
     return EncodeText(text);
@@ -153,9 +191,19 @@ std::string OnlyMcsText() {
     const auto shown = [](double value_mm) {
         return "\t" + FormatNumber(value_mm * Units.LengthFactor, Units.FmtLength);
     };
-    for (auto i = static_cast<std::size_t>(Job.nIdent) + 1; i <= static_cast<std::size_t>(Job.nMCS); ++i)
-        text += EncodeText(FormatText(Job.TMCS_Name[i], Units.FmtLength) + shown(Job.TMCS_X[i].value_or(0)) +
-                           shown(Job.TMCS_Y[i].value_or(0)) + shown(Job.TMCS_Z[i]) + kLineEnd);
+    std::string rounded;
+    int count = 0;
+    for (auto i = static_cast<std::size_t>(Job.nIdent) + 1; i <= static_cast<std::size_t>(Job.nMCS); ++i) {
+        const std::string& name = Job.TMCS_Name[i];
+        const std::string written = FormatText(name, Units.FmtLength);
+        double is = 0, was = 0;
+        if (TextToNumber(name, was) && TextToNumber(written, is) && is != was && count++ == 0)
+            rounded = "The name \"" + Printable(name) + "\" is a number and is written as one of lengths, " +
+                      written;
+        text += EncodeText(written + shown(Job.TMCS_X[i].value_or(0)) + shown(Job.TMCS_Y[i].value_or(0)) +
+                           shown(Job.TMCS_Z[i]) + kLineEnd);
+    }
+    if (count > 0) AddNote(NoteCode::DigitsCut, rounded, "", 0, count);
     return text;
 }
 

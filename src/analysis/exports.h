@@ -13,7 +13,8 @@ std::string FormatText(const std::string& text, std::string_view picture);
 
 // The frame file: the job's translation in the length unit and the angles about x, y', z'' of its rotation,
 // as the details window has them, in the angle unit. Where these come from the job's own angles, because a
-// formula does not give the rotation back, a note says so. It has no place for scales and shears: where the
+// formula does not give the rotation back, a note says so. Where five digits lose more than 0.0005 mm or 1e-6
+// rad of a number, a warning says of which and how much. It has no place for scales and shears: where the
 // result has any, a warning names them.
 std::string RobCadText(const std::string& place, const std::string& tool, const std::string& robot);
 
@@ -21,7 +22,8 @@ std::string RobCadText(const std::string& place, const std::string& tool, const 
 // last row. Scales and shears as above.
 std::string RocalText();
 
-// The transformed start points without a partner, a line a point: name, tab, X, tab, Y, tab, Z.
+// The transformed start points without a partner, a line a point: name, tab, X, tab, Y, tab, Z. A name that
+// is a number comes in the format of lengths; a warning says so where that rounds it.
 std::string OnlyMcsText();
 
 // A path with other last four characters, as "cell.cvn" becomes "cell.txt".

@@ -72,7 +72,10 @@ void ForgetNotes() {
 }
 
 void ForgetCalculationNotes() {
-    std::erase_if(Notes.List, [](const Note& note) { return !NoteKindOf(note.Code).OfImport; });
+    // Digits that an export has cut are those of the result before.
+    std::erase_if(Notes.List, [](const Note& note) {
+        return !NoteKindOf(note.Code).OfImport || (note.Code == NoteCode::DigitsCut && note.File.empty());
+    });
 }
 
 bool HasWarnings() {

@@ -119,6 +119,68 @@ TEST_F(Exports, ScalesAndShearsThatAFileHasNoPlaceForAreNamed) {
     EXPECT_TRUE(Notes.List.empty()) << "points have gone through the scales";
 }
 
+TEST_F(Exports, DigitsThatTheFrameHasNoPlaceForAreNamed) {
+    const auto texts = [] {
+        std::string all;
+        ForgetNotes();
+        RobCadText("", "", "");
+        for (const Note& note : Notes.List) {
+            EXPECT_EQ(note.Code, NoteCode::DigitsCut);
+            EXPECT_EQ(note.Weight, Severity::Warning);
+            all += note.Text + "\n";
+        }
+        return all;
+    };
+    const auto holds = [](const std::string& all, const std::string& part) {
+        return all.find(part) != std::string::npos;
+    };
+    EXPECT_EQ(texts(), "") << "all of them fit into five digits";
+    Job.RotZ = 0;
+    Job.TraX = 123456.788;
+    Job.TraZ = -12345;
+    // 123460 - 123456.788; -12345 has five digits.
+    std::string all = texts();
+    EXPECT_TRUE(holds(all, "Tra x 123456.788 is written as 1.2346E+05, which is off by 3.212 mm")) << all;
+    EXPECT_FALSE(holds(all, "Tra y")) << all;
+    EXPECT_FALSE(holds(all, "Tra z")) << all;
+    Job.LengthUnitName = "meter";
+    RhoFestlegung();
+    all = texts();
+    EXPECT_TRUE(holds(all, "Tra x 123.456788 is written as 1.2346E+02, which is off by 3.212 mm")) << all;
+    Headless.Decimal = ',';
+    all = texts();
+    EXPECT_TRUE(holds(all, "is written as 1,2346E+02, which is off by 3,212 mm")) << all;
+    Headless.Decimal = '.';
+    Job.LengthUnitName = "millimeter";
+    Job.AngleUnitName = "degree";
+    RhoFestlegung();
+    Job.TraX = 100.0004;
+    EXPECT_EQ(texts(), "");
+    Job.TraX = 100.0006;
+    EXPECT_TRUE(holds(texts(), "off by 0.001 mm"));
+    // 12.34561 goes out as 12.346, by 0.00039 degree or 6.8e-6 more; 12.34603 by 0.5e-6 less.
+    Job.TraX = 0;
+    Job.RotX = 12.34561 * kPi / 180;
+    EXPECT_TRUE(holds(texts(), "which is off by 0.007 mrad")) << texts();
+    EXPECT_FALSE(holds(texts(), "Tra")) << texts();
+    Job.RotX = 12.34603 * kPi / 180;
+    EXPECT_EQ(texts(), "");
+}
+
+TEST_F(Exports, ANameThatTheFormatOfLengthsRoundsIsNoted) {
+    ThreePoints();
+    ForgetNotes();
+    OnlyMcsText();
+    EXPECT_TRUE(Notes.List.empty()) << "12.000 is 12";
+    Job.TMCS_Name = {"", "A", "12.3456", "12.3461"};
+    OnlyMcsText();
+    ASSERT_EQ(Notes.List.size(), 1u);
+    EXPECT_EQ(Notes.List[0].Code, NoteCode::DigitsCut);
+    EXPECT_EQ(Notes.List[0].Text,
+              "The name \"12.3456\" is a number and is written as one of lengths, 12.346");
+    EXPECT_EQ(Notes.List[0].Count, 2);
+}
+
 // --- Numbers ----------------------------------------------------------------------------------------------
 
 TEST_F(Exports, ANumberHasFiveDigitsAndAnExponentOfTwo) {

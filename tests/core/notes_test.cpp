@@ -58,3 +58,13 @@ TEST_F(NotesTest, CodesHaveNamesOfTheirOwn) {
         EXPECT_TRUE(names.insert(kind.Name).second) << kind.Name;
     }
 }
+
+TEST_F(NotesTest, OfDigitsThatAnExportCutsGoWithTheNextCalculation) {
+    ForgetNotes();
+    AddNote(NoteCode::DigitsCut, "a number of a file", "a.txt", 3);
+    AddNote(NoteCode::DigitsCut, "a number of a result");
+    ForgetCalculationNotes();
+    ASSERT_EQ(Notes.List.size(), 1u);
+    EXPECT_EQ(Notes.List[0].File, "a.txt");
+    ForgetNotes();
+}
