@@ -112,7 +112,8 @@ void PlainLine(Lines& s, std::string_view line, bool decode) {
         ++s.Counts.WithoutNumbers;
         if (s.Counts.FirstWithout == 0) s.Counts.FirstWithout = s.Counts.Lines;
     }
-    if (s.Rows != nullptr && (passed || HoldsMore(rest)))
+    const bool marked = s.Rows != nullptr && s.Form.HasName && s.Rows->TakeMark(rest, name, s.Counts.Lines);
+    if (s.Rows != nullptr && (passed || (HoldsMore(rest) && !marked)))
         s.Rows->Look(decode ? DecodeText(line) : std::string(line), s.Counts.Lines);
     Carry(s, xyz);
     for (std::size_t i = 0; i < 3; ++i) {
@@ -323,6 +324,13 @@ inline char* PutName(char* put, const char*& at, char delimiter) {
     return nullptr;
 }
 
+// The marks are short, and most remarks are told apart by their first letter.
+inline bool EndsInMark(const char* at, const char* stop) {
+    if (stop > at && stop[-1] == '\r') --stop;
+    if (at >= stop || stop - at > 16 || (*at != 'o' && *at != 'd' && *at != ' ')) return false;
+    return IsMark({at, static_cast<std::size_t>(stop - at)});
+}
+
 // Takes the line at `at` where it is one that the short road knows; the next line's beginning, or null. There
 // are kLookAhead characters of text.
 template <int places>
@@ -342,13 +350,14 @@ const char* ShortLine(Lines& s, const char* at, const char* end, char*& out) {
     } else if (*at == '\r' && at[1] == '\n') {
         at += 2;
     } else {
-        // Further fields are passed over.
+        // Further fields are passed over, but for a mark that says something of the point.
         if (*at != delimiter && *at != ' ' && *at != '\t') return nullptr;
         const auto* lineFeed =
             static_cast<const char*>(std::memchr(at, '\n', static_cast<std::size_t>(end - at)));
         const char* const stop = lineFeed == nullptr ? end : lineFeed;
         further = std::any_of(
             at, stop, [delimiter](char c) { return c != delimiter && c != ' ' && c != '\t' && c != '\r'; });
+        if (further && s.Form.HasName && EndsInMark(at + 1, stop)) return nullptr;
         at = lineFeed == nullptr ? end : lineFeed + 1;
     }
     Carry(s, xyz);

@@ -101,18 +101,6 @@ void NoteSlowField(std::string_view field, bool good, BadField badField, const c
     }
 }
 
-// The mark of a point of an adjusted network behind its coordinates. False for anything else.
-bool TakeMark(std::string_view rest, const std::string& name, std::int64_t row, RowNotes& notes) {
-    if (rest == kMarkOfFixedPoint) return true;
-    if (rest != kMarkOfOpenPoint) return false;
-    notes.Count(NoteCode::NetworkOpen, row, [&] {
-        return "Point \"" + Printable(name) +
-               "\" is marked as one that the distances of its network do not determine; its coordinates are "
-               "arbitrary";
-    });
-    return true;
-}
-
 // Reads the lines of a checked file.
 PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, BadField badField) {
     std::int64_t rows = 0;
@@ -176,7 +164,7 @@ PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, Bad
         if (good[2]) points.Z[p] = xyz[2];
         if (!points.Error.empty()) break;
         // A plain row has no delimiter too many and nothing behind its last field.
-        const bool marked = hasName && TakeMark(rest, points.Name[p], lines.Row, notes);
+        const bool marked = hasName && notes.TakeMark(rest, points.Name[p], lines.Row);
         if ((passed && delimiter != ' ') || (HoldsMore(rest) && !marked)) notes.Look(whole, lines.Row);
     }
     notes.Write();

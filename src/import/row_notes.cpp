@@ -9,6 +9,7 @@
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/text.h"
+#include "import/point_file.h"
 #include "import/point_file_checks.h"
 #include "import/point_text.h"
 
@@ -152,6 +153,22 @@ void RowNotes::LookAtPlainValue(std::string_view field, std::string_view place, 
     } else {
         Count(NoteCode::NumberAsZero, row, [&] { return start() + " is not a number and counts as 0"; });
     }
+}
+
+bool IsMark(std::string_view rest) {
+    const std::string_view mark = Trimmed(rest);
+    return mark == kMarkOfFixedPoint || mark == kMarkOfOpenPoint;
+}
+
+bool RowNotes::TakeMark(std::string_view rest, std::string_view name, std::int64_t row) {
+    if (!IsMark(rest)) return false;
+    if (Trimmed(rest) == kMarkOfOpenPoint)
+        Count(NoteCode::NetworkOpen, row, [&] {
+            return "Point " + Quoted(name) +
+                   " is marked as one that the distances of its network do not determine; its coordinates are "
+                   "arbitrary";
+        });
+    return true;
 }
 
 void RowNotes::Write() {

@@ -48,6 +48,10 @@ public:
     //   DigitsCut        it is one, with digits that are not kept
     void LookAtPlainValue(std::string_view field, std::string_view place, std::int64_t row);
 
+    // Takes the mark of a point of an adjusted network behind its coordinates. Counts NetworkOpen for a point
+    // that is left open. False for anything else.
+    bool TakeMark(std::string_view rest, std::string_view name, std::int64_t row);
+
     // Adds to the list of notes what has been counted since the last time.
     void Write();
 
@@ -65,6 +69,9 @@ private:
 
 // Why a number that no 64-bit float holds cannot be taken, behind the file and the line.
 std::string TooLarge(std::string_view field, std::string_view place);
+
+// Is the last field of a line the mark of a point of an adjusted network?
+bool IsMark(std::string_view rest);
 
 // Is there anything but blanks and tabs in a text?
 inline bool HoldsMore(std::string_view rest) {

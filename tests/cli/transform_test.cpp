@@ -155,9 +155,10 @@ TEST_F(TransformCommand, NoResultHoldsAWordInThePlaceOfANumber) {
 }
 
 TEST_F(TransformCommand, ALineOfBlanksAmongSemicolonsIsCalledThat) {
-    const std::string in = Write("a.txt", "A;1;2;3\nB 4 5 6 late\nA;1;2;3\n");
+    const std::string in = Write("a.txt", "A;1;2;3\nB 4 5 6 late\nC;1;2;3\n");
     const Outcome outcome = Command({"transform", job_, in, "--to", PathOf("out")});
-    EXPECT_EQ(Contents(PathOf("out/a_out.txt")), kResult + "B\t9.000\t11.000\t13.000\r\n" + kResult);
+    EXPECT_EQ(Contents(PathOf("out/a_out.txt")),
+              kResult + "B\t9.000\t11.000\t13.000\r\nC" + kResult.substr(1));
     EXPECT_NE(
         outcome.Err.find("warning: The line \"B 4 5 6 late\" is divided at its blanks, since no \";\" stands "
                          "between its fields (" +
@@ -357,4 +358,36 @@ TEST_F(TransformCommand, AResultThatIsNotFiniteIsAppliedToNothing) {
         EXPECT_NE(outcome.Err.find("not finite"), std::string::npos) << outcome.Err;
         EXPECT_FALSE(fs::exists(out)) << arguments[0];
     }
+}
+
+TEST_F(TransformCommand, AMarkOfAnOpenPointOfANetworkIsToldAsTheReaderOfPointsTellsIt) {
+    const auto network = [](const std::string& delimiter, int points) {
+        std::string text;
+        for (int i = 1; i <= points; ++i) {
+            text += "T" + std::to_string(i);
+            for (const int value : {i, 2 * i, 3 * i}) text += delimiter + std::to_string(value) + ".25";
+            text += delimiter + (i % 5 == 3 ? "open" : "determined") + "\n";
+        }
+        return text;
+    };
+    for (const std::string delimiter : {"\t", ";"}) {
+        // As many that most lines are not the last ones, which take another road.
+        const std::string in = Write("network.txt", network(delimiter, 40));
+        const Outcome outcome = Command({"transform", job_, in, "--to", PathOf("out"), "--overwrite"});
+        EXPECT_EQ(outcome.Status, 0);
+        EXPECT_EQ(
+            outcome.Err,
+            "warning: Point \"T3\" is marked as one that the distances of its network do not determine; "
+            "its coordinates are arbitrary (" +
+                in + ", line 3; 8 times)\n1 of 1 files transformed\n");
+        EXPECT_TRUE(Contents(PathOf("out/network_out.txt"))
+                        .starts_with("T1\t6.250\t8.250\t10.250\r\nT2\t7.250\t10.250\t13.250\r\nT3\t8.250"));
+        EXPECT_EQ(Command({"transform", job_, in, "--to", PathOf("strict"), "--strict"}).Status, 3);
+        EXPECT_FALSE(fs::exists(PathOf("strict")));
+    }
+    // Any other fifth field is a remark, and without names there is none.
+    const std::string remark = Write("remark.txt", "A;1;2;3;opened\nB;1;2;3;open gate\n");
+    EXPECT_EQ(Command({"transform", job_, remark, "--to", PathOf("out")}).Err,
+              "note: Fields behind z are not read: \"opened\" (" + remark +
+                  ", line 1; 2 times)\n1 of 1 files transformed\n");
 }
