@@ -87,6 +87,7 @@ bool TransformAndNote(const BatchInput& input, const std::function<void(std::str
     RowNotes rows(input.Text.Path, input.Form.Delimiter, PointFields(input.Form.HasName));
     if (!TransformLines(input.Text, input.Form, {write, goOn, false, &rows}, counts)) return false;
     rows.Write();
+    if (input.Form.HasName) NoteDoubleNames(input.Text, input.Form.Delimiter);
     if (counts.MoreFields > 0)
         AddNote(NoteCode::ColumnsIgnored, "Fields behind z are not read", input.Text.Path,
                 static_cast<int>(counts.FirstMore), static_cast<int>(counts.MoreFields));

@@ -23,6 +23,7 @@
 #include "import/matching.h"
 #include "import/point_file.h"
 #include "import/robot_files.h"
+#include "import/row_notes.h"
 
 namespace {
 
@@ -117,6 +118,12 @@ bool ReadBothFiles(bool byID) {
     return !IsTrue(Run.ImportFailed);
 }
 
+// Pairing by names refuses a double one, the other ways pair the points whatever they are called.
+void NoteDoubleNamesOfFiles() {
+    NoteDoubleNames(Job.PathMCS, Job.MCS_Name);
+    if (!IsTrue(Job.IsParaboloid)) NoteDoubleNames(Job.PathOCS, Job.OCS_Name);
+}
+
 // Each way of identifying reads both files and pairs the points. False when the import must stop.
 bool ImportByID() {
     return ReadBothFiles(true) && MatchByName();
@@ -124,6 +131,7 @@ bool ImportByID() {
 
 bool ImportByDistance() {
     if (!ReadBothFiles(false)) return false;
+    NoteDoubleNamesOfFiles();
     const MatchingOptions options = OptionsOfDialog();
     if (!AskEtta(DistanceText())) return false;
     AddPrefix(Job.MCS_Name, "MCS_");
@@ -134,6 +142,7 @@ bool ImportByDistance() {
 
 bool ImportByCoordinate() {
     if (!ReadBothFiles(false)) return false;
+    NoteDoubleNamesOfFiles();
     const MatchingOptions options = OptionsOfDialog();
     Job.ScaleX = Job.ScaleY = Job.ScaleZ = 1;
     if (!AskEtta(CoordinateText())) return false;

@@ -2,7 +2,9 @@
 #include "import/row_notes.h"
 
 #include <algorithm>
+#include <functional>
 #include <limits>
+#include <unordered_set>
 
 #include "core/lost_digits.h"
 #include "core/numbers.h"
@@ -202,11 +204,98 @@ std::array<int, 2> LinesOfName(const std::string& path, std::string_view name) {
     return found;
 }
 
+namespace {
+
+bool IsNoted(const std::string& path) {
+    return std::any_of(Notes.List.begin(), Notes.List.end(), [&path](const Note& note) {
+        return note.Code == NoteCode::DuplicateName && note.File == path;
+    });
+}
+
+void NoteTwice(const std::string& path, std::string_view name, std::int64_t first, std::int64_t second,
+               std::int64_t count) {
+    AddNote(NoteCode::DuplicateName,
+            "The name " + Quoted(name) + " stands in line " + std::to_string(first) + " and in line " +
+                std::to_string(second),
+            path, AsInt(first), AsInt(count));
+}
+
+}  // namespace
+
 void NoteDoubleName(const std::string& path, std::string_view name) {
+    if (IsNoted(path)) return;
     const std::array<int, 2> lines = LinesOfName(path, name);
     if (lines[1] == 0) return;
-    AddNote(NoteCode::DuplicateName,
-            "The name " + Quoted(name) + " stands in line " + std::to_string(lines[0]) + " and in line " +
-                std::to_string(lines[1]),
-            path, lines[0]);
+    NoteTwice(path, name, lines[0], lines[1], 1);
+}
+
+void NoteDoubleNames(const std::string& path, std::span<const std::string> names) {
+    std::unordered_set<std::string_view> seen;
+    std::string_view again;
+    std::int64_t count = 0;
+    for (std::size_t i = 1; i < names.size(); ++i) {
+        if (names[i].empty() || seen.insert(names[i]).second) continue;
+        if (count++ == 0) again = names[i];
+    }
+    if (count == 0) return;
+    const std::array<int, 2> lines = LinesOfName(path, again);
+    if (lines[1] > 0) NoteTwice(path, again, lines[0], lines[1], count);
+}
+
+namespace {
+
+// Gives each line's name to `take`, which goes on with true.
+template <class Take>
+void WalkNames(const PointText& file, char delimiter, Take take) {
+    LineWalk lines(file);
+    std::string_view line;
+    std::string scratch;
+    while (lines.Next(line)) {
+        const std::string_view name = CutField(line, delimiter, scratch);
+        if (!name.empty() && !take(name, lines.Row)) return;
+    }
+}
+
+// Files of any length come through here, as a rule with names in some order or without a double: names that
+// grow from line to line need no memory, and others that of a number each.
+bool MayHoldDoubles(const PointText& file, char delimiter) {
+    bool grows = true;
+    std::string last;
+    WalkNames(file, delimiter, [&](std::string_view name, std::int64_t) {
+        grows = name.size() > last.size() || (name.size() == last.size() && name > last);
+        last = name;
+        return grows;
+    });
+    if (grows) return false;
+    std::vector<std::size_t> hashes;
+    WalkNames(file, delimiter, [&](std::string_view name, std::int64_t) {
+        hashes.push_back(std::hash<std::string_view>()(name));
+        return true;
+    });
+    std::sort(hashes.begin(), hashes.end());
+    return std::adjacent_find(hashes.begin(), hashes.end()) != hashes.end();
+}
+
+}  // namespace
+
+void NoteDoubleNames(const PointText& file, char delimiter) {
+    if (!MayHoldDoubles(file, delimiter)) return;
+    NamesSeen seen;
+    WalkNames(file, delimiter, [&](std::string_view name, std::int64_t row) {
+        seen.Add(std::string(name), name, row);
+        return true;
+    });
+    seen.Write(file.Path);
+}
+
+void NamesSeen::Add(const std::string& key, std::string_view name, std::int64_t row) {
+    if (key.empty()) return;
+    const auto [place, isNew] = rows_.emplace(key, row);
+    if (isNew || count_++ > 0) return;
+    again_ = name;
+    lines_ = {place->second, row};
+}
+
+void NamesSeen::Write(const std::string& path) const {
+    if (count_ > 0) NoteTwice(path, again_, lines_[0], lines_[1], count_);
 }

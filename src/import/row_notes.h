@@ -4,11 +4,14 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "core/notes.h"
+#include "import/point_text.h"
 
 // The fields of a row, by the names that notes give them; a name, where rows have one, is called so and comes
 // first.
@@ -67,6 +70,21 @@ private:
     std::array<Slot, static_cast<std::size_t>(NoteCode::Count_)> slots_{};
 };
 
+// Names as they come up in a file, and of which line each is.
+class NamesSeen {
+public:
+    // key  what is the same for names that are; "" = there is none, which is passed over
+    void Add(const std::string& key, std::string_view name, std::int64_t row);
+    // The note on names that come up again: the first of them, with both lines.
+    void Write(const std::string& path) const;
+
+private:
+    std::unordered_map<std::string, std::int64_t> rows_;
+    std::string again_;  // the first that has come up again
+    std::array<std::int64_t, 2> lines_{};
+    std::int64_t count_ = 0;
+};
+
 // Why a number that no 64-bit float holds cannot be taken, behind the file and the line.
 std::string TooLarge(std::string_view field, std::string_view place);
 
@@ -82,5 +100,10 @@ inline bool HoldsMore(std::string_view rest) {
 // more.
 std::array<int, 2> LinesOfName(const std::string& path, std::string_view name);
 
-// The note that two points of a file bear the same name. Nothing where the file does not show it.
+// The note that two points of a file bear the same name. Nothing where the file does not show it, and where
+// there is one of this file already.
 void NoteDoubleName(const std::string& path, std::string_view name);
+
+// The same for all names of a file that stand in it again: the first of them with its lines, and their count.
+void NoteDoubleNames(const std::string& path, std::span<const std::string> names);  // from 1 on; "" is none
+void NoteDoubleNames(const PointText& file, char delimiter);  // first fields of its lines
