@@ -11,8 +11,43 @@
 #include "import/point_file_checks.h"
 #include "import/robot_files.h"
 #include "import/robot_program.h"
+#include "import/row_notes.h"
 
 namespace {
+
+// --- Words ------------------------------------------------------------------------------------------------
+
+bool IsGap(char c) {
+    return c == ' ' || c == '\t' || c == '#';
+}
+
+std::size_t BehindGap(std::string_view line, std::size_t at) {
+    while (at < line.size() && IsGap(line[at])) ++at;
+    return at;
+}
+
+// Cuts a word of letters, digits, underlines and dollars off at `at`, in capital letters: the language knows
+// no others.
+std::string CutWord(std::string_view line, std::size_t& at) {
+    at = BehindGap(line, at);
+    const std::size_t begin = at;
+    const auto isPart = [](char c) {
+        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' ||
+               c == '$';
+    };
+    while (at < line.size() && isPart(line[at])) ++at;
+    return UpperAscii(line.substr(begin, at - begin));
+}
+
+// The name of the first value behind a brace, in capital letters. That of the type and a colon may stand
+// before it.
+std::string FirstValueName(std::string_view line, std::size_t brace) {
+    std::size_t place = brace + 1;
+    std::string word = CutWord(line, place);
+    place = BehindGap(line, place);
+    if (place < line.size() && line[place] == ':') word = CutWord(line, ++place);
+    return word;
+}
 
 // --- By the beginnings of lines ---------------------------------------------------------------------------
 
@@ -48,11 +83,11 @@ void TakePose(const RobotProgram& program, const Declaration& form, PoseTable& p
     poses.Take(program, {values[0], values[1], values[2]}, {values[3], values[4], values[5]});
 }
 
-// How often a pose seems to begin in a line.
+// How often a pose seems to begin in a line, the type before its values or not.
 std::int64_t MarksOf(std::string_view line) {
     std::int64_t marks = 0;
-    for (std::size_t at = line.find("{X"); at != std::string_view::npos; at = line.find("{X", at + 1))
-        ++marks;
+    for (std::size_t at = line.find('{'); at != std::string_view::npos; at = line.find('{', at + 1))
+        if (line.substr(at).starts_with("{X") || FirstValueName(line, at) == "X") ++marks;
     return marks;
 }
 
@@ -81,75 +116,65 @@ void ReadByBeginnings() {
     if (left > 0)
         AddNote(NoteCode::PosesSkipped,
                 "What looks like a pose is not taken: its line does not begin with DECL E6POS, holds another "
-                "pose before it, or is the last one; its place stays without a point",
+                "pose before it, or is the last one; the place that its {X makes stays without a point",
                 program.File.Path, static_cast<int>(firstLeft), static_cast<int>(left));
 }
 
 // --- By declarations --------------------------------------------------------------------------------------
 
-bool IsGap(char c) {
-    return c == ' ' || c == '\t' || c == '#';
-}
+// A pose that a line declares.
+struct DeclaredPose {
+    std::size_t Brace;      // the place of the one that opens its value
+    std::string_view Name;  // as it stands there
+};
 
-std::size_t BehindGap(std::string_view line, std::size_t at) {
-    while (at < line.size() && IsGap(line[at])) ++at;
-    return at;
-}
-
-// Cuts a word of letters, digits, underlines and dollars off at `at`, in capital letters: the language knows
-// no others.
-std::string CutWord(std::string_view line, std::size_t& at) {
-    at = BehindGap(line, at);
-    const std::size_t begin = at;
-    const auto isPart = [](char c) {
-        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' ||
-               c == '$';
-    };
-    while (at < line.size() && isPart(line[at])) ++at;
-    return UpperAscii(line.substr(begin, at - begin));
-}
-
-// Does a line declare a pose with its value? `brace` is the place of the one that opens it.
-bool DeclaresPose(std::string_view line, std::size_t& brace) {
+// Does a line declare a pose with its value?
+bool DeclaresPose(std::string_view line, DeclaredPose& pose) {
     std::size_t at = 0;
     std::string word = CutWord(line, at);
     while (word == "DECL" || word == "GLOBAL" || word == "CONST") word = CutWord(line, at);
     if (word != "E6POS" && word != "POS") return false;
+    const std::size_t begin = BehindGap(line, at);
     if (CutWord(line, at).empty()) return false;
-    const std::size_t equals = line.find('=', at);
+    std::size_t equals = line.find('=', at);
     if (equals == std::string_view::npos) return false;
-    brace = BehindGap(line, equals + 1);
-    return brace < line.size() && line[brace] == '{';
+    pose.Brace = BehindGap(line, equals + 1);
+    while (IsGap(line[equals - 1])) --equals;
+    pose.Name = line.substr(begin, equals - begin);
+    return pose.Brace < line.size() && line[pose.Brace] == '{';
 }
 
-// The opening braces of the poses that a line declares: `DECL E6POS P1={...},P2={...}` has two. `behind` is
-// where nothing of them stands any more.
-std::vector<std::size_t> BracesOf(std::string_view line, std::size_t& behind) {
-    std::vector<std::size_t> braces;
-    std::size_t brace = 0;
+// The poses that a line declares: `DECL E6POS P1={...},P2={...}` has two. `behind` is where nothing of them
+// stands any more.
+std::vector<DeclaredPose> PosesOf(std::string_view line, std::size_t& behind) {
+    std::vector<DeclaredPose> poses;
+    DeclaredPose pose{};
     behind = 0;
-    if (!DeclaresPose(line, brace)) return braces;
+    if (!DeclaresPose(line, pose)) return poses;
     for (;;) {
-        braces.push_back(brace);
-        behind = line.find('}', brace);
+        poses.push_back(pose);
+        behind = line.find('}', pose.Brace);
         if (behind == std::string_view::npos) break;
         std::size_t at = BehindGap(line, ++behind);
-        if (at >= line.size() || line[at] != ',' || CutWord(line, ++at).empty()) break;
+        if (at >= line.size() || line[at] != ',') break;
+        const std::size_t begin = BehindGap(line, ++at);
+        if (CutWord(line, at).empty()) break;
+        pose.Name = line.substr(begin, at - begin);
         at = BehindGap(line, at);
         if (at >= line.size() || line[at] != '=') break;
-        brace = BehindGap(line, at + 1);
-        if (brace >= line.size() || line[brace] != '{') break;
+        pose.Brace = BehindGap(line, at + 1);
+        if (pose.Brace >= line.size() || line[pose.Brace] != '{') break;
     }
     behind = std::min(behind, line.size());
-    return braces;
+    return poses;
 }
 
-// Positions and joint values of any kind open with a brace and their first letter.
+// Positions and joint values of any kind open with a brace and the name of a value; that of the type may
+// stand before it.
 bool LooksLikePose(std::string_view line) {
     for (std::size_t at = line.find('{'); at != std::string_view::npos; at = line.find('{', at + 1)) {
-        std::size_t place = at + 1;
-        const std::string word = CutWord(line, place);
-        if (word == "X" || word == "A1") return true;
+        const std::string word = FirstValueName(line, at);
+        if (word == "X" || word == "Y" || word == "Z" || word == "A1") return true;
     }
     return false;
 }
@@ -200,20 +225,23 @@ void ReadByDeclarations() {
     std::int64_t n = 0, skipped = 0, firstSkipped = 0;
     std::size_t behind = 0;
     while (NextLine(program)) {
-        n += static_cast<std::int64_t>(BracesOf(program.Line, behind).size());
+        n += static_cast<std::int64_t>(PosesOf(program.Line, behind).size());
         if (LooksLikePose(program.Line.substr(behind)) && skipped++ == 0) firstSkipped = program.Lines.Row;
     }
     program.Lines = LineWalk(program.File);
     PoseTable poses(program, n, Units.AngleFactor);
+    NamesSeen names;
     while (NextLine(program))
-        for (const std::size_t brace : BracesOf(program.Line, behind))
-            TakeDeclaredPose(program, brace, poses);
+        for (const DeclaredPose& pose : PosesOf(program.Line, behind)) {
+            names.Add(UpperAscii(pose.Name), pose.Name, program.Lines.Row);
+            TakeDeclaredPose(program, pose.Brace, poses);
+        }
+    names.Write(program.File.Path);
     if (skipped > 0)
-        AddNote(
-            NoteCode::PosesSkipped,
-            "What looks like a pose declares none and is not taken: a remark, a frame, joint values or an "
-            "assignment",
-            program.File.Path, static_cast<int>(firstSkipped), static_cast<int>(skipped));
+        AddNote(NoteCode::PosesSkipped,
+                "What looks like a pose declares none and is not taken: a remark, a frame, joint values, an "
+                "assignment or an instruction",
+                program.File.Path, static_cast<int>(firstSkipped), static_cast<int>(skipped));
 }
 
 }  // namespace
