@@ -128,3 +128,127 @@ TEST_F(Declarations, ADelimiterThatIsNamedIsNoDecisionOfTheProgram) {
     ASSERT_NE(NoteOf(NoteCode::OldDelimiter), nullptr);
     EXPECT_EQ(NoteOf(NoteCode::OldDelimiter)->File, blanks);
 }
+
+namespace {
+
+const std::string kNoTurn = ",[1,0,0,0],[0,0,0,0],[9E9,9E9,9E9,9E9,9E9,9E9]]";
+
+std::string RobTarget(const std::string& name, const std::string& position) {
+    return "CONST robtarget " + name + ":=[[" + position + "]" + kNoTurn + ";\n";
+}
+
+}  // namespace
+
+TEST_F(Declarations, OfTargetsThatAFunctionMovesNoneIsTaken) {
+    const std::string moved = "[[9,9,9]" + kNoTurn;
+    const std::string program = Write(
+        "program.modx", "MODULE A\n" + RobTarget("p1", "1,2,3") + RobTarget("p2", "4,50,6") + "MoveL Offs(" +
+                            moved + ",0,0,250),v100,fine,t;\np9:=RelTool(" + moved +
+                            ",0,0,5);\nVAR robtarget p8:=Offs(\n  " + moved + ",0,0,5);\nMoveJ [[70,8,9]" +
+                            kNoTurn + ",v100,fine,t;\n" + RobTarget("p4", "7,8,90") + "ENDMODULE\n");
+    EXPECT_EQ(Positions(program, "abb"), truth_);
+    const Note* const skipped = NoteOf(NoteCode::PosesSkipped);
+    ASSERT_NE(skipped, nullptr);
+    EXPECT_EQ(skipped->File, program);
+    EXPECT_EQ(skipped->Line, 4);
+    EXPECT_EQ(skipped->Count, 3);
+    EXPECT_NE(skipped->Text.find("what a function is given"), std::string::npos) << skipped->Text;
+}
+
+TEST_F(Declarations, OfAModuleMayStandInAnyLinesAndWithAnyBlanks) {
+    const std::string program = Write("program.modx",
+                                      "MODULE A\n"
+                                      "CONST robtarget p1:=[[1,2,3], ! the position\n"
+                                      "  [1,0,0,0],\n"
+                                      "  [0,0,0,0],[9E9,9E9,9E9,9E9,9E9,9E9]];\n"
+                                      "CONST robtarget p2:=\n"
+                                      "[\n"
+                                      "  [ 4, 50,\n"
+                                      "    6 ] ,\n"
+                                      "\n"
+                                      "  [1,0,0,0], [0,0,0,0], [9E9,9E9,9E9,9E9,9E9,9E9]\n"
+                                      "];\n"
+                                      "CONST robtarget\n"
+                                      "  p3 := [ [70,8,9]" +
+                                          kNoTurn + "; " + RobTarget("p4", "7,8,90") + "ENDMODULE\n");
+    EXPECT_EQ(Positions(program, "abb"), truth_);
+    EXPECT_EQ(NoteOf(NoteCode::PosesSkipped), nullptr);
+}
+
+TEST_F(Declarations, OfAModuleThatAreBrokenAreRefusedWithTheLineInWhichTheyBegin) {
+    const std::vector<std::pair<std::string, std::string>> wrong = {
+        {"CONST robtarget p2:=[[1,2,3],\n [1,0,0,zero],[0,0,0,0]];\n", "line 3: \"zero\" is not a number"},
+        {"CONST robtarget p2:=[[1,2,3]\n [1,0,0,0]];\n",
+         "line 3: \"],[\" is expected before the orientation"},
+        {"CONST robtarget p2:=[[1,2,3],\n [1,0,0\n", "line 3: there is no \",\" in"}};
+    for (const auto& [line, text] : wrong) {
+        FreshStart();
+        const Outcome outcome = Fit(
+            {tips_, Write("program.modx", "MODULE A\n" + RobTarget("p1", "1,2,3") + line), "--as", "abb"});
+        EXPECT_EQ(outcome.Status, 3) << line;
+        EXPECT_NE(outcome.Err.find(text), std::string::npos) << outcome.Err;
+    }
+}
+
+TEST_F(Declarations, BehindTheEndOfTheFirstBlockAreCounted) {
+    const std::string four = RobTarget("p1", "1,2,3") + RobTarget("p2", "4,50,6") +
+                             RobTarget("p3", "70,8,9") + RobTarget("p4", "7,8,90");
+    const std::string more = RobTarget("p5", "9,9,9") + RobTarget("p6", "9,9,9");
+    const std::vector<std::pair<std::string, int>> ends = {
+        {"ENDMODULE\nMODULE B\n", 8}, {"\n\n", 8}, {"endmodule ! A\n\n\n", 9}};
+    for (const auto& [end, line] : ends) {
+        const std::string program = Write("program.modx", "MODULE A\n" + four + end + more + "ENDMODULE\n");
+        EXPECT_EQ(Positions(program, "abb"), truth_);
+        const Note* const skipped = NoteOf(NoteCode::PosesSkipped);
+        ASSERT_NE(skipped, nullptr) << end;
+        EXPECT_EQ(skipped->File, program);
+        EXPECT_EQ(skipped->Line, line);
+        EXPECT_EQ(skipped->Count, 2);
+        EXPECT_NE(skipped->Text.find("behind the end of the first block"), std::string::npos);
+    }
+    const std::string program = Write("program.modx", "MODULE A\n" + four + "ENDMODULE\n\n! remark\n");
+    EXPECT_EQ(Positions(program, "abb"), truth_);
+    EXPECT_EQ(NoteOf(NoteCode::PosesSkipped), nullptr);
+}
+
+TEST_F(Declarations, OfAKukaProgramLeaveThePosesOfInstructionsOutAndCountThem) {
+    const std::string four =
+        "DECL E6POS P1={X 1,Y 2,Z 3,A 1,B 2,C 3}\nDECL E6POS P2={X 4,Y 50,Z 6,A 1,B 2,C 3}\n"
+        "DECL E6POS P3={X 70,Y 8,Z 9,A 1,B 2,C 3}\nDECL E6POS P4={X 7,Y 8,Z 90,A 1,B 2,C 3}\n";
+    const std::string program = Write("program.dat", four +
+                                                         "LIN {E6POS: X 900,Y 700,Z 500,A 1,B 2,C 3} C_DIS\n"
+                                                         "PTP {POS: X 1,Y 2,Z 3,A 4,B 5,C 6}\n"
+                                                         "lin {frame: z 1, x 2, y 3}\n"
+                                                         "LIN_REL {Z 5}\n"
+                                                         "PTP { E6AXIS : A1 0,A2 0,A3 0}\n"
+                                                         "PTP $POS\n"
+                                                         "DECL LDAT L1={VEL 2,ACC 100}\n");
+    EXPECT_EQ(Positions(program, "kuka"), truth_);
+    const Note* const skipped = NoteOf(NoteCode::PosesSkipped);
+    ASSERT_NE(skipped, nullptr);
+    EXPECT_EQ(skipped->Line, 5);
+    EXPECT_EQ(skipped->Count, 5);
+    EXPECT_NE(skipped->Text.find("instruction"), std::string::npos) << skipped->Text;
+}
+
+TEST_F(Declarations, OfOneNameAreNotedWithTheirLines) {
+    const auto expect = [](const std::string& program, const std::string& text, int line, int count) {
+        const Note* const twice = NoteOf(NoteCode::DuplicateName);
+        ASSERT_NE(twice, nullptr) << program;
+        EXPECT_EQ(twice->Text, text);
+        EXPECT_EQ(twice->File, program);
+        EXPECT_EQ(twice->Line, line);
+        EXPECT_EQ(twice->Count, count);
+    };
+    const std::string kuka = Write("program.dat",
+                                   "DEFDAT T\nDECL E6POS XP1={X 1,Y 2,Z 3,A 1,B 2,C 3}\n"
+                                   "POS Q={X 4,Y 50,Z 6,A 1,B 2,C 3}, xp1={X 70,Y 8,Z 9,A 1,B 2,C 3}\n"
+                                   "POS q={X 7,Y 8,Z 90,A 1,B 2,C 3}\n");
+    EXPECT_EQ(Positions(kuka, "kuka"), truth_);
+    expect(kuka, "The name \"xp1\" stands in line 2 and in line 3", 2, 2);
+    const std::string abb =
+        Write("program.modx", "MODULE A\n" + RobTarget("p1", "1,2,3") + RobTarget("p2", "4,50,6") +
+                                  RobTarget("P1", "70,8,9") + "p2:=[[7,8,90]" + kNoTurn + ";\nENDMODULE\n");
+    EXPECT_EQ(Positions(abb, "abb"), truth_);
+    expect(abb, "The name \"P1\" stands in line 2 and in line 4", 2, 1);
+}

@@ -3,12 +3,12 @@
 
 TEST_F(DamagedFields, OfRobotPrograms) {
     const auto kuka = [](const Fields& f) {
-        return "DECL E6POS XP={X " + Named(f, 1) + ",Y " + Named(f, 2) + ",Z " + Named(f, 3) +
-               ",A 10,B 20,C 30,S 2,T 35}\n";
+        return "DECL E6POS XP" + Named(f, 0) + "={X " + Named(f, 1) + ",Y " + Named(f, 2) + ",Z " +
+               Named(f, 3) + ",A 10,B 20,C 30,S 2,T 35}\n";
     };
     const auto abb = [](const Fields& f) {
-        return "CONST robtarget p:=[[" + Named(f, 1) + "," + Named(f, 2) + "," + Named(f, 3) +
-               "],[1,0,0,0],[0,0,0,0],[9E9]];\n";
+        return "CONST robtarget p" + Named(f, 0) + ":=[[" + Named(f, 1) + "," + Named(f, 2) + "," +
+               Named(f, 3) + "],[1,0,0,0],[0,0,0,0],[9E9]];\n";
     };
     const auto fanuc = [](const Fields& f) {
         const auto padded = [&f](std::size_t i) {
@@ -44,12 +44,12 @@ TEST_F(DamagedFields, OfRobotPrograms) {
         };
     };
     const auto kukaAngles = [](const Fields& f) {
-        return "DECL E6POS XP={X 10,Y 20,Z 30,A " + Named(f, 1) + ",B " + Named(f, 2) + ",C " + Named(f, 3) +
-               ",S 2,T 35}\n";
+        return "DECL E6POS XP" + Named(f, 0) + "={X 10,Y 20,Z 30,A " + Named(f, 1) + ",B " + Named(f, 2) +
+               ",C " + Named(f, 3) + ",S 2,T 35}\n";
     };
     const auto abbTurn = [](const Fields& f) {
-        return "CONST robtarget p:=[[10,20,30],[10," + Named(f, 1) + "," + Named(f, 2) + "," + Named(f, 3) +
-               "],[0,0,0,0],[9E9]];\n";
+        return "CONST robtarget p" + Named(f, 0) + ":=[[10,20,30],[10," + Named(f, 1) + "," + Named(f, 2) +
+               "," + Named(f, 3) + "],[0,0,0,0],[9E9]];\n";
     };
     for (const bool declarations : {false, true}) {
         Walk({"angles of kuka", kukaAngles, "DEFDAT T\n", "ENDDAT\n", "", 3, false,

@@ -70,3 +70,45 @@ TEST_F(RobotFiles, WhatAModuleHasOfOtherTypesIsTakenWithAWarning) {
     EXPECT_EQ(Notes.List[0].Line, 2);
     EXPECT_EQ(Notes.List[0].Count, 2);
 }
+
+TEST_F(RobotFiles, PosesWithTheirTypeInFrontOfTheValuesAreNoted) {
+    Kuka(kFirst + "LIN {E6POS: X 900,Y 700,Z 500,A 1,B 2,C 3} C_DIS\nPTP {POS: X 1,Y 2,Z 3}\nENDDAT\n");
+    EXPECT_EQ(Position(1), (Row{1.5, -2.25, 3}));
+    ASSERT_EQ(Notes.List.size(), 1u);
+    EXPECT_EQ(Notes.List[0].Code, NoteCode::PosesSkipped);
+    EXPECT_EQ(Notes.List[0].Line, 2);
+    EXPECT_EQ(Notes.List[0].Count, 2);
+}
+
+TEST_F(RobotFiles, TargetsBehindTheFirstBlockAreNoted) {
+    for (const std::string end : {"ENDMODULE\nMODULE N\n", "\n\n"}) {
+        ForgetNotes();
+        Abb("MODULE M\n" + kTurned + end + kTurned + kTurned + "ENDMODULE\n");
+        EXPECT_EQ(Job.nOCS, 1);
+        ASSERT_EQ(Notes.List.size(), 1u);
+        EXPECT_EQ(Notes.List[0].Code, NoteCode::PosesSkipped);
+        EXPECT_EQ(Notes.List[0].Line, 5);
+        EXPECT_EQ(Notes.List[0].Count, 2);
+    }
+}
+
+TEST_F(RobotFiles, ATargetThatAFunctionIsGivenIsTakenWithAWarning) {
+    std::string moved = kTurned.substr(kTurned.find("[["));
+    moved = "  MoveL Offs(" + moved.substr(0, moved.find(';')) + ",0,0,250),v100,fine,t;\n";
+    Abb("MODULE M\n" + kTurned + moved + "ENDMODULE\n");
+    EXPECT_EQ(Job.nOCS, 2);
+    ASSERT_EQ(Notes.List.size(), 1u);
+    EXPECT_EQ(Notes.List[0].Code, NoteCode::PosesDoubtful);
+    EXPECT_EQ(Notes.List[0].Line, 3);
+    EXPECT_EQ(Notes.List[0].Count, 1);
+}
+
+TEST_F(RobotFiles, ATargetWhoseBracketsAreDividedIsNoted) {
+    std::string divided = kTurned;
+    divided.insert(divided.find("[[") + 1, "\n");
+    Abb("MODULE M\n" + kTurned + divided + "ENDMODULE\n");
+    EXPECT_EQ(Job.nOCS, 1);
+    ASSERT_EQ(Notes.List.size(), 1u);
+    EXPECT_EQ(Notes.List[0].Code, NoteCode::PosesSkipped);
+    EXPECT_EQ(Notes.List[0].Line, 3);
+}
