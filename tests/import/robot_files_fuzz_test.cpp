@@ -33,6 +33,7 @@ protected:
                      1);
         Headless.Dialogs.clear();
         ::Run.JobDataValid = kFalse;
+        InputFiles.ReadsDeclarations = ++imports_ % 2 == 0;  // as the command line does
         UserClick(InputFiles.BtnApply);
         ASSERT_TRUE(JobCountsFit(Job));
         ASSERT_TRUE(IsTrue(::Run.JobDataValid) || !Messages().empty());
@@ -52,7 +53,7 @@ protected:
         return text;
     }
     std::mt19937 random_{20240922};
-    int imported_ = 0;
+    int imports_ = 0, imported_ = 0;
 };
 
 const std::string kGood[kKinds] = {
