@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/job.h"
+#include "fit/gathering.h"
 
 namespace {
 
@@ -12,28 +13,28 @@ std::size_t At(int i) {
     return static_cast<std::size_t>(i);
 }
 
-std::vector<double> Untagged(const std::vector<TaggedValue>& column, int count) {
-    std::vector<double> numbers(At(count));
-    for (std::size_t k = 0; k < numbers.size(); ++k) numbers[k] = column[k + 1].value_or(0);
-    return numbers;
+void GatherPosesOfJob(GatheredPoints& points) {
+    std::array<std::vector<double>, 3> angles;
+    if (Job.RobotABC.Columns >= 3)
+        for (int i = 1; i <= std::min(points.Count, Job.RobotABC.Rows); ++i)
+            for (int column = 1; column <= 3; ++column)
+                angles[At(column - 1)].push_back(Job.RobotABC(i, column));
+    GatherPoses({angles[0], angles[1], angles[2]}, points);
 }
 
 }  // namespace
 
 void GatherPoints(const Column& P, bool poses, GatheredPoints& points) {
-    const int count = Job.nIdent;
-    // X and Y are tagged in the job, Z is not.
-    const std::vector<double> x = Untagged(Job.MCS_X, count), y = Untagged(Job.MCS_Y, count);
-    const std::vector<double> X = Untagged(Job.OCS_X, count), Y = Untagged(Job.OCS_Y, count);
-    const std::span<const double> z(Job.MCS_Z.data() + 1, At(count)), Z(Job.OCS_Z.data() + 1, At(count));
-    PairColumns pairs{.Start = {x, y, z}, .Target = {X, Y, Z}, .PoseAngles = {}};
-    std::array<std::vector<double>, 3> angles;
-    if (poses && Job.RobotABC.Columns >= 3)
-        for (int column = 1; column <= 3; ++column) {
-            std::vector<double>& one = angles[At(column - 1)];
-            for (int i = 1; i <= std::min(count, Job.RobotABC.Rows); ++i)
-                one.push_back(Job.RobotABC(i, column));
-            pairs.PoseAngles[At(column - 1)] = one;
-        }
-    GatherPoints(pairs, P, poses, points);
+    BeginGathering(Job.nIdent, StartPoint, TargetPoint, P, points);
+    // Straight from the tagged columns of the job: a copy of a million points would cost as much as a fit.
+    const Vec3 c = points.StartCentre, q = points.TargetCentre;
+    for (std::size_t k = 0; k < At(points.Count); ++k) {
+        points.Start[0][k] = Job.MCS_X[k + 1].value_or(0) - c(1);
+        points.Start[1][k] = Job.MCS_Y[k + 1].value_or(0) - c(2);
+        points.Start[2][k] = Job.MCS_Z[k + 1] - c(3);
+        points.Target[0][k] = Job.OCS_X[k + 1].value_or(0) - q(1);
+        points.Target[1][k] = Job.OCS_Y[k + 1].value_or(0) - q(2);
+        points.Target[2][k] = Job.OCS_Z[k + 1] - q(3);
+    }
+    if (poses) GatherPosesOfJob(points);
 }

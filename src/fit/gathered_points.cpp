@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "fit/chain.h"
+#include "fit/gathering.h"
 #include "fit/require.h"
 
 namespace {
@@ -27,7 +28,8 @@ Vec3 PointOf(const std::array<std::span<const double>, 3>& columns, int i) {
 }
 
 // Takes every so many points; false when none of them takes part.
-bool FindCentres(const PairColumns& pairs, const Column& P, int step, GatheredPoints& points) {
+bool FindCentres(const PointAt& startOf, const PointAt& targetOf, const Column& P, int step,
+                 GatheredPoints& points) {
     int taken = 0;
     std::array<int, 4> targetsTaken{};
     Vec3 start, target;
@@ -36,7 +38,7 @@ bool FindCentres(const PairColumns& pairs, const Column& P, int step, GatheredPo
         ++taken;
         // Running means: no sum that could overflow where the points do not. A target coordinate that
         // is out of use may be anything, and must not draw the centre away from the others.
-        const Vec3 p = PointOf(pairs.Start, i), q = PointOf(pairs.Target, i);
+        const Vec3 p = startOf(i), q = targetOf(i);
         for (int axis = 1; axis <= 3; ++axis) {
             start(axis) += (p(axis) - start(axis)) / taken;
             if (P[At(3 * (i - 1) + axis)] != 0)
@@ -46,22 +48,6 @@ bool FindCentres(const PairColumns& pairs, const Column& P, int step, GatheredPo
     points.StartCentre = start;
     points.TargetCentre = target;
     return taken > 0;
-}
-
-void GatherPoses(const std::array<std::span<const double>, 3>& angles, GatheredPoints& points) {
-    for (LaneArray& column : points.Pose) column.resize(At(points.Padded));
-    for (int i = 1; i <= points.Padded; ++i) {
-        Mat3 G;
-        if (i <= points.Count && At(i) <= angles[0].size()) {
-            const std::size_t k = At(i) - 1;
-            RotMatrixXYZ(-angles[2][k], -angles[1][k], -angles[0][k], G);
-        } else {
-            RotMatrixXYZ(0, 0, 0, G);
-        }
-        for (int row = 1; row <= 3; ++row)
-            for (int column = 1; column <= 3; ++column)
-                points.Pose[At(3 * (row - 1) + column - 1)][At(i - 1)] = G(row, column);
-    }
 }
 
 // Without a branch for each weight; an array is all ones or has another value near its beginning.
@@ -79,24 +65,45 @@ bool AllOnes(const double* weights, int n) {
 
 }  // namespace
 
-void GatherPoints(const PairColumns& pairs, const Column& P, bool poses, GatheredPoints& points) {
-    points.Count = static_cast<int>(pairs.Start[0].size());
-    points.Padded = WholeLanes(points.Count);
-    Require(UpperBound(P) >= 3 * points.Count);
-    const int step = std::max(1, points.Count / kMostForCentre);
-    if (!FindCentres(pairs, P, step, points) && step > 1) FindCentres(pairs, P, 1, points);
-    const auto padded = At(points.Padded);
-    for (int axis = 0; axis < 3; ++axis) {
-        points.Start[At(axis)].resize(padded);
-        points.Target[At(axis)].resize(padded);
+void GatherPoses(const std::array<std::span<const double>, 3>& angles, GatheredPoints& points) {
+    for (LaneArray& column : points.Pose) column.resize(At(points.Padded));
+    for (int i = 1; i <= points.Padded; ++i) {
+        Mat3 G;
+        if (i <= points.Count && At(i) <= angles[0].size()) {
+            const std::size_t k = At(i) - 1;
+            RotMatrixXYZ(-angles[2][k], -angles[1][k], -angles[0][k], G);
+        } else {
+            RotMatrixXYZ(0, 0, 0, G);
+        }
+        for (int row = 1; row <= 3; ++row)
+            for (int column = 1; column <= 3; ++column)
+                points.Pose[At(3 * (row - 1) + column - 1)][At(i - 1)] = G(row, column);
     }
+}
+
+void BeginGathering(int count, const PointAt& start, const PointAt& target, const Column& P,
+                    GatheredPoints& points) {
+    points.Count = count;
+    points.Padded = WholeLanes(count);
+    Require(UpperBound(P) >= 3 * count);
+    const int step = std::max(1, count / kMostForCentre);
+    if (!FindCentres(start, target, P, step, points) && step > 1) FindCentres(start, target, P, 1, points);
+    for (auto* columns : {&points.Start, &points.Target})
+        for (LaneArray& column : *columns) {
+            column.resize(At(points.Padded));
+            std::fill(column.begin() + count, column.end(), 0);
+        }
+}
+
+void GatherPoints(const PairColumns& pairs, const Column& P, bool poses, GatheredPoints& points) {
+    BeginGathering(
+        static_cast<int>(pairs.Start[0].size()), [&](int i) { return PointOf(pairs.Start, i); },
+        [&](int i) { return PointOf(pairs.Target, i); }, P, points);
     for (int axis = 0; axis < 3; ++axis)
         for (std::size_t k = 0; k < At(points.Count); ++k) {
             points.Start[At(axis)][k] = pairs.Start[At(axis)][k] - points.StartCentre(axis + 1);
             points.Target[At(axis)][k] = pairs.Target[At(axis)][k] - points.TargetCentre(axis + 1);
         }
-    for (std::size_t k = At(points.Count); k < padded; ++k)
-        for (int axis = 0; axis < 3; ++axis) points.Start[At(axis)][k] = points.Target[At(axis)][k] = 0;
     if (poses) GatherPoses(pairs.PoseAngles, points);
 }
 
