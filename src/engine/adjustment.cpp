@@ -36,14 +36,19 @@ bool PosesMayCount() {
     return Selection.CheckUseABC || !Selection.RDistShown;
 }
 
-// A fresh record of the run, and the model that the job's parameters give.
-FitModel BeginRun(int u, int n, const ParameterTexts& ParamText, const GatheredPoints& points) {
-    Require(n == 3 * Job.nIdent && points.Count == Job.nIdent);
-    Require(u == CountUnknowns(ParamText));
+// A fresh record of the run.
+void BeginRun(const FitModel& model) {
     const bool confirmed = Adjustment.AngleUnitsConfirmed;
     Adjustment = AdjustmentRecord{};
     Adjustment.AngleUnitsConfirmed = confirmed;
-    Adjustment.Model = ChooseModel(ParamText);
+    Adjustment.Model = model;
+}
+
+// The same, and the model that the job's parameters give.
+FitModel BeginRun(int u, int n, const ParameterTexts& ParamText, const GatheredPoints& points) {
+    Require(n == 3 * Job.nIdent && points.Count == Job.nIdent);
+    Require(u == CountUnknowns(ParamText));
+    BeginRun(ChooseModel(ParamText));
     return Adjustment.Model;
 }
 
@@ -66,6 +71,13 @@ private:
     Matrix& Q_;
     Column& v_;
 };
+
+void IterateHere(const FitModel& model, Matrix& Q, Column& v, Column& P, GatheredPoints& points) {
+    FitRun run = BeginFitOfJob();
+    Lent lent(Q, v);
+    Iterate(run, model, points, P, lent.Result);
+    TakeFit(run);
+}
 
 }  // namespace
 
@@ -100,11 +112,13 @@ void TellOfLimit() {
 
 void IterateQuietly(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Column& v, Column& P,
                     GatheredPoints& points) {
-    const FitModel model = BeginRun(u, n, ParamText, points);
-    FitRun run = BeginFitOfJob();
-    Lent lent(Q, v);
-    Iterate(run, model, points, P, lent.Result);
-    TakeFit(run);
+    IterateHere(BeginRun(u, n, ParamText, points), Q, v, P, points);
+}
+
+void IterateFromHere(const FitModel& model, Matrix& Q, Column& v, Column& P, GatheredPoints& points) {
+    BeginRun(model);
+    IterateHere(model, Q, v, P, points);
+    if (!Adjustment.JobChanged) TellOfLimit();
 }
 
 void IterateFromHere(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Column& v, Column& P,

@@ -54,6 +54,9 @@ void BestFitIteration(int u, int n, const std::array<std::string, 18>& ParamText
 void IterateFromHere(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q, Column& v,
                      Column& P, GatheredPoints& points);
 
+// The same of a model that is not that of the job's choice: it holds what floats there.
+void IterateFromHere(const FitModel& model, Matrix& Q, Column& v, Column& P, GatheredPoints& points);
+
 // The same without the message where the limit of iterations was reached, for a caller who goes on from there
 // and tells of it in the end.
 void IterateQuietly(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q, Column& v,

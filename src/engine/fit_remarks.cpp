@@ -7,6 +7,8 @@
 #include "core/notes.h"
 #include "core/numbers.h"
 #include "engine/norm_table.h"
+#include "engine/parameter_kind.h"
+#include "engine/result_notes.h"
 
 namespace {
 
@@ -69,6 +71,22 @@ std::string OfUnsettled(const FitRemark& remark, const NormWords& words, int lim
            " weights, and the " + words.Weighted + " may be above the least one";
 }
 
+std::string OfHeld(const NormRun& run) {
+    const std::string names = NamesOf(run.HeldByFit);
+    std::string values;
+    int count = 0;
+    for (int k = kTraX; k < kParameterEnd; ++k)
+        if (run.HeldByFit[static_cast<std::size_t>(k)]) {
+            values += (values.empty() ? "" : ", ") + ShownAs(KindOf(k), run.Run.Now[k]);
+            ++count;
+        }
+    return names + (count == 1 ? " is" : " are") + " held at " + values + ": left to float " +
+           (count == 1 ? "it leads" : "they lead") +
+           " to a mirrored result, which fits no better than noise explains, and no proper one is the best; "
+           "the points in use, all but on one line or in one plane perhaps, do not determine " +
+           (count == 1 ? "it, and it has" : "them, and they have") + " no sigma";
+}
+
 }  // namespace
 
 void NoteRemarks(const NormRun& run) {
@@ -97,6 +115,9 @@ void NoteRemarks(const NormRun& run) {
                 AddNote(NoteCode::BetterElsewhere,
                         "Another optimum has a smaller " + std::string(words.Least) + " (" +
                             TimesText(remark.Times) + "); the start values that were given keep this one");
+                break;
+            case FitRemark::What::HeldWhereMirrored:
+                AddNote(NoteCode::OpenParameters, OfHeld(run));
                 break;
             case FitRemark::What::FitsUnsettled:
                 AddNote(NoteCode::UnsettledFits, OfUnsettled(remark, words, run.Run.Limits.MaxIteration));

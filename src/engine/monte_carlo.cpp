@@ -20,6 +20,7 @@
 #include "engine/seed.h"
 #include "engine/start_values.h"
 #include "fit/angles.h"
+#include "fit/fit.h"
 #include "fit/repeated_fit.h"
 #include "fit/require.h"
 
@@ -61,23 +62,36 @@ void WriteRun(int i, double sigmaXYZ) {
 // fit does; at each step of the progress bar one goes the whole way and shows them.
 struct FitsOfRuns {
     NormFit& Fit;
-    StartChoice Choice = Fit.Choice;
+    StartChoice Choice;
     SeedPoints Seeds = TakeSeedPoints();
     RepeatedFit Short;
     FitRun Quiet = BeginQuietFitOfJob();
     bool ShortServes;
     bool ByShort = false;  // the last run, which has left no residuals then
 
-    explicit FitsOfRuns(NormFit& fit) : Fit(fit), Short(ModelOfRuns()) {
+    explicit FitsOfRuns(NormFit& fit) : Fit(fit), Choice(ChoiceOfRuns(fit)), Short(ModelOfRuns()) {
         SetWeights(Fit.P, Fit.Points);
         Fit.v.resize(At(Fit.n) + 1);
         ShortServes = RepeatedFitServes(Short.Model, Fit.Points);
     }
 
+    // What the fit holds the runs hold as well.
+    static StartChoice ChoiceOfRuns(const NormFit& fit) {
+        StartChoice choice = fit.Choice;
+        for (std::size_t k = kTraX; k < kParameterEnd; ++k) {
+            if (!fit.HeldByFit[k]) continue;
+            choice.Floats[k] = choice.Seeded[k] = false;
+            choice.Held[k] = true;
+            choice.Value[k] = (*fit.RunsBegin)[static_cast<int>(k)];
+            choice.Own[k].reset();
+        }
+        return choice;
+    }
+
     // The start values decide on the model, with held values that are those of each run.
     FitModel ModelOfRuns() const {
         TakeStartValues(Choice, Seeds);
-        return ChooseModel(Fit.ParamText);
+        return ModelOf(Choice, ChooseMode(Fit.ParamText));
     }
 
     Parameters Begin() const {
@@ -106,7 +120,7 @@ struct FitsOfRuns {
             }
         }
         PutParameters(Begin(), Job);
-        IterateFromHere(Fit.u, Fit.n, Fit.ParamText, Fit.Q, Fit.v, Fit.P, Fit.Points);
+        IterateFromHere(Short.Model, Fit.Q, Fit.v, Fit.P, Fit.Points);
         return !Adjustment.JobChanged;
     }
 
@@ -116,6 +130,8 @@ struct FitsOfRuns {
         } else {
             MonteCarloWriteiResults(i, Fit.v, Fit.P);
         }
+        for (int k = kTraX; k < kParameterEnd; ++k)
+            if (Fit.HeldByFit[At(k)]) MonteCarlo.MCResults(k, i) = ParameterValue(Job, k);
     }
 };
 

@@ -47,6 +47,7 @@ public:
         Norm = Run.Run.Norm;
         Certificate = Run.Certificate;
         fit_.RunsBegin = Run.RunsBegin;
+        fit_.HeldByFit = Run.HeldByFit;
         fit_.Q = std::move(Run.Result.Q);
         fit_.v = std::move(Run.Result.v);
         fit_.P = std::move(Run.P);

@@ -29,6 +29,8 @@ struct NormFit {
     // Where the runs of Monte Carlo begin: at the best fit, where the start values lead the iteration astray.
     // Nothing: at the start values, each run by its own seed points.
     std::optional<Parameters> RunsBegin = {};
+    // Parameters that were to float and that the fit holds (fit/proper_beside.h), in the runs likewise.
+    std::array<bool, kParameterEnd> HeldByFit{};
 };
 
 // Runs the norm that Job.NormType names (norm_table.h) as it begins, whatever becomes of that meanwhile. The

@@ -23,19 +23,6 @@ std::size_t At(int i) {
     return static_cast<std::size_t>(i);
 }
 
-// "Rot x, Tra y and Tra z"
-std::string Named(const std::array<bool, kParameterEnd>& open) {
-    std::vector<const char*> names;
-    for (int k = kTraX; k < kParameterEnd; ++k)
-        if (open[At(k)]) names.push_back(ParameterName(k));
-    std::string text;
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        if (i > 0) text += i + 1 == names.size() ? " and " : ", ";
-        text += names[i];
-    }
-    return text;
-}
-
 void TakeSigma(int parameter) {
     constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
     Calculation.Sigma[At(parameter)] = Calculation.Significance[At(parameter)] = kNone;
@@ -44,7 +31,7 @@ void TakeSigma(int parameter) {
         Calculation.Sigma[kRDist] = Calculation.Significance[kRDist] = kNone;
 }
 
-void NoteOpen(const OpenParameters& open, const FitModel& model) {
+void NoteOpen(const NormFit& fit, const OpenParameters& open, const FitModel& model) {
     for (int k = kTraX; k < kParameterEnd; ++k)
         if (open.Open[At(k)]) TakeSigma(k);
     std::array<bool, kParameterEnd> byPoints = open.Open;
@@ -55,8 +42,9 @@ void NoteOpen(const OpenParameters& open, const FitModel& model) {
             "both together are determined, and neither has a sigma; hold one of them");
     }
     if (open.AzimuthWithoutEffect) {
-        AddNote(NoteCode::OpenParameters,
-                "z to xy is 0, where the Azimuth has no effect: what is shown for it is arbitrary");
+        if (!fit.HeldByFit[kAzimuth])  // else that is told already
+            AddNote(NoteCode::OpenParameters,
+                    "z to xy is 0, where the Azimuth has no effect: what is shown for it is arbitrary");
         byPoints[kAzimuth] = false;
     }
     if (open.ByPoints() == 0) return;
@@ -65,7 +53,7 @@ void NoteOpen(const OpenParameters& open, const FitModel& model) {
                  ? std::string("The points and poses in use, turned about one axis alone perhaps, leave ")
                  : std::string("The points in use, on one line or in one plane perhaps, leave ")) +
                 std::to_string(open.ByPoints()) + " of the " + std::to_string(model.Unknowns) +
-                " parameters open: what is shown for " + Named(byPoints) +
+                " parameters open: what is shown for " + NamesOf(byPoints) +
                 " is arbitrary, and they have no sigma");
 }
 
@@ -236,6 +224,18 @@ void NoteRedundancy(const NormFit& fit, const FitModel& model) {
 
 }  // namespace
 
+std::string NamesOf(const std::array<bool, kParameterEnd>& open) {
+    std::vector<const char*> names;
+    for (int k = kTraX; k < kParameterEnd; ++k)
+        if (open[At(k)]) names.push_back(ParameterName(k));
+    std::string text;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (i > 0) text += i + 1 == names.size() ? " and " : ", ";
+        text += names[i];
+    }
+    return text;
+}
+
 bool IsLeftOpen(int parameter) {
     return Calculation.Finite && std::isnan(Calculation.Sigma[At(parameter)]);
 }
@@ -244,7 +244,7 @@ std::string NamesLeftOpen() {
     std::array<bool, kParameterEnd> open{};
     for (int k = kTraX; k < kParameterEnd; ++k)
         open[At(k)] = Calculation.UnknownOf[At(k)] != 0 && IsLeftOpen(k);
-    return Named(open);
+    return NamesOf(open);
 }
 
 const char* ParameterName(int parameter) {
@@ -262,7 +262,9 @@ void NoteResult(const NormFit& fit) {
     const OpenParameters open = FindOpenParameters(fit.Points, model, at);
     constexpr double kPlane = 1e-9;
     const bool onePlace = NoteCollapse(model, at.M);
-    if (!onePlace) NoteOpen(open, model);
+    if (!onePlace) NoteOpen(fit, open, model);
+    for (int k = kTraX; k < kParameterEnd; ++k)
+        if (fit.HeldByFit[At(k)]) TakeSigma(k);  // what the fit did of it is told already
     if (!onePlace && !open.GimbalLock) NoteNearLock(model);
     const double handedness = Handedness(at.M);
     if (!onePlace && std::fabs(handedness) < kPlane)

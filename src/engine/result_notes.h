@@ -1,6 +1,7 @@
 // What there is to say of a result that its numbers alone do not tell.
 #pragma once
 
+#include <array>
 #include <string>
 
 #include "engine/norms.h"
@@ -20,6 +21,9 @@ inline constexpr const char* kOpenSignificance = "open";
 
 // "Rot x, Tra y and Tra z": the unknowns that are left open; "" where there are none.
 std::string NamesLeftOpen();
+
+// The same of any parameters.
+std::string NamesOf(const std::array<bool, kParameterEnd>& parameters);
 
 // "Rot x": a parameter by its number, as the tables have it.
 const char* ParameterName(int parameter);

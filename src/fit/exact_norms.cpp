@@ -32,6 +32,14 @@ constexpr double kTold = 1e-6;    // less of an objective that a note is worth
 constexpr double kTight = 1e-9;   // what exchanges leave that is more is tried the smooth way too
 constexpr double kAlike = 1e-13;  // sums of residuals that rounding alone may tell apart
 
+// Models whose residuals are linear in their unknowns, or in the nine elements of a matrix that twelve
+// unknowns make up: there is one minimum then.
+bool IsLinear(const FitModel& model) {
+    for (const int k : {kRotX, kRotY, kRotZ, kAngleXY, kAzimuth, kAngleZtoXY})
+        if (model.UnknownOf[At(k)] != 0) return IsAffine(model);
+    return true;
+}
+
 // What the norms differ in.
 struct ExactNorm {
     FitNorm Norm;
@@ -345,19 +353,6 @@ struct ExactRun {
     }
 
     void ShowStep() { Fit.Run.Tell(FitStep::OptimumStep, Objective()); }
-
-    // Models whose residuals are linear in their unknowns, or in the nine elements of a matrix that twelve
-    // unknowns make up: there is one minimum then.
-    static bool IsLinear(const FitModel& model) {
-        const auto floats = [&model](int k) { return model.UnknownOf[At(k)] != 0; };
-        bool angles = false, affine = !floats(kScaleXYZ);
-        for (int k = kTraX; k <= kAngleZtoXY; ++k) {
-            const bool angle = (k >= kRotX && k <= kRotZ) || (k >= kAngleXY && k <= kAngleZtoXY);
-            angles = angles || (angle && floats(k));
-            affine = affine && (floats(k) || k == kScaleXYZ);
-        }
-        return !angles || affine;
-    }
 };
 
 constexpr ExactNorm kExactNorms[] = {

@@ -70,5 +70,6 @@ FitResult Fit(const FitProblem& problem, const FitListener& listener) {
             .State = run.Run.State,
             .Norm = run.Run.Norm,
             .Certificate = run.Certificate,
-            .Remarks = std::move(run.Remarks)};
+            .Remarks = std::move(run.Remarks),
+            .HeldByFit = run.HeldByFit};
 }

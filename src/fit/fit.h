@@ -32,6 +32,9 @@ struct FitResult {
     NormRecord Norm;
     CertificateRecord Certificate;
     std::vector<FitRemark> Remarks;
+    // Parameters that were to float and that the fit has held all the same (proper_beside.h); Q has them
+    // float.
+    std::array<bool, kParameterEnd> HeldByFit{};
     bool Converged() const { return Norm.Converged && State.Finite && !State.Abandoned; }
 };
 

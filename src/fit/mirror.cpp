@@ -26,3 +26,9 @@ bool MirrorIsReal(double proper, double mirrored, double rounding, int redundanc
 bool IsMirrored(const ChainRecord& chain) {
     return Determinant3(chain.Product) < 0;
 }
+
+bool IsAffine(const FitModel& model) {
+    for (std::size_t k = kTraX; k <= kAngleZtoXY; ++k)
+        if ((model.UnknownOf[k] != 0) == (k == kScaleXYZ)) return false;
+    return true;
+}

@@ -20,3 +20,7 @@ bool MirrorIsReal(double proper, double mirrored, double rounding, int redundanc
 
 // Does R K S mirror? That of the last linearisation.
 bool IsMirrored(const ChainRecord& chain);
+
+// All of translation, rotation, three scales and the frame's angles float: any matrix can be the result, and
+// what is best of it is found in a closed form.
+bool IsAffine(const FitModel& model);

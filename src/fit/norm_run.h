@@ -1,6 +1,7 @@
 // One calculation in its norm: what its parts share.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -46,7 +47,8 @@ struct FitRemark {
         LoopBeganAgain,       // from the best fit, Why
         OptimumFromOtherStart,
         OtherOptimumIsLess,  // start values of the user's own keep this one
-        FitsUnsettled        // Count inner fits ended at their limit, and the loop went on
+        FitsUnsettled,       // Count inner fits ended at their limit, and the loop went on
+        HeldWhereMirrored    // parameters in HeldByFit (proper_beside.h)
     };
     enum class Reason : std::uint8_t {
         None,
@@ -77,6 +79,8 @@ struct NormRun {
     IterationResult Result;  // of the last fit
     CertificateRecord Certificate;
     std::vector<FitRemark> Remarks;
+    // Of the parameters that float those that the fit has held all the same (proper_beside.h).
+    std::array<bool, kParameterEnd> HeldByFit{};
     // Where the runs of Monte Carlo, and the fits of a loop, begin: at the best fit, where the start values
     // lead the iteration astray. Nothing: at the start values, each run by its own seed points.
     std::optional<Parameters> RunsBegin;

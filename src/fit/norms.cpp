@@ -7,6 +7,7 @@
 #include "fit/best_fit.h"
 #include "fit/exact_norms.h"
 #include "fit/mirror.h"
+#include "fit/proper_beside.h"
 #include "fit/require.h"
 
 namespace {
@@ -239,9 +240,10 @@ bool SeekFromStart(NormRun& fit) {
 
 bool SeekBeginOfRuns(NormRun& fit) {
     const std::vector<FitRemark> remarks = fit.Remarks;
-    if (!SeekFromStart(fit)) return false;
+    if (!FitLeastSquares(fit)) return false;
     fit.Remarks = remarks;  // the fit behind the runs says it
-    if (fit.Certificate.BeganAgain) fit.RunsBegin = fit.Run.Now;
+    const bool held = std::find(fit.HeldByFit.begin(), fit.HeldByFit.end(), true) != fit.HeldByFit.end();
+    if (fit.Certificate.BeganAgain || held) fit.RunsBegin = fit.Run.Now;
     return true;
 }
 
@@ -288,18 +290,33 @@ void CountUnsettledFit(NormRun& fit) {
     if (state.Finite && atLimit && !fit.Stops()) ++fit.Run.Norm.Unsettled;
 }
 
-bool FitLeastSquares(NormRun& fit) {
+namespace {
+
+bool FitSquaresAsTheyAre(NormRun& fit) {
     if (!SeekFromStart(fit)) return false;
     RenewWhereUnsettled(fit);
     fit.Run.Norm.Converged = fit.Run.State.Converged;
     return true;
 }
 
-bool FitByLoop(NormRun& fit) {
+bool FitByLoopAsItIs(NormRun& fit) {
     if (!RunLoop(fit) || !GoAgain(fit)) return false;
     if (fit.Run.Norm.RunOn) RunOnToOptimum(fit);
     if (fit.Abandoned()) return false;
     RenewWhereUnsettled(fit);
     RemarkUnsettledFits(fit);
     return true;
+}
+
+constexpr NormToHold kSquares{FitSquaresAsTheyAre, SumOfSquares, 2};
+
+}  // namespace
+
+bool FitLeastSquares(NormRun& fit) {
+    return FitSquaresAsTheyAre(fit) && HoldWhereMirrored(fit, kSquares, kSquares);
+}
+
+bool FitByLoop(NormRun& fit) {
+    return FitByLoopAsItIs(fit) &&
+           HoldWhereMirrored(fit, {FitByLoopAsItIs, LoopOf(fit).Objective, 1}, kSquares);
 }

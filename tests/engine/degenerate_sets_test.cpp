@@ -194,9 +194,9 @@ struct NormOfSet {
 constexpr std::array<NormOfSet, 5> kNorms = {
     {{"l2", 2, false}, {"l1", 1, false}, {"loo", 3, false}, {"l1-exact", 1, true}, {"minimax", 3, true}}};
 
-bool Noted(NoteCode code) {
+bool Noted(NoteCode code, const std::string& text = "") {
     for (const Note& note : Notes.List)
-        if (note.Code == code) return true;
+        if (note.Code == code && note.Text.find(text) != std::string::npos) return true;
     return false;
 }
 
@@ -235,7 +235,7 @@ std::string TextsOfNotes() {
 class DegenerateSets : public Program {};
 
 TEST_F(DegenerateSets, SayWhatTheyLeaveOpenAndNothingElse) {
-    int sets = 0, refused = 0, open = 0, doubtful = 0;
+    int sets = 0, refused = 0, open = 0, doubtful = 0, held = 0;
     for (int shape = 0; shape < static_cast<int>(Shape::Count_); ++shape)
         for (const char* preset : {"level", "6", "7", "9", "12"})
             for (int variant = 0; variant < 4; ++variant)
@@ -272,7 +272,13 @@ TEST_F(DegenerateSets, SayWhatTheyLeaveOpenAndNothingElse) {
                     if (mustBe) {
                         EXPECT_TRUE(flagged) << found.Ways << " open, not a word" << TextsOfNotes();
                     }
-                    if (!mayBe) {
+                    // What has no proper best value is held, which is another reason than rank.
+                    const bool isHeld = Noted(NoteCode::OpenParameters, "held at");
+                    held += isHeld ? 1 : 0;
+                    if (isHeld) {
+                        EXPECT_FALSE(Noted(NoteCode::Mirrored)) << TextsOfNotes();
+                    }
+                    if (!mayBe && !isHeld) {
                         EXPECT_FALSE(flagged) << "nothing is open" << TextsOfNotes();
                     }
                 }
@@ -280,6 +286,7 @@ TEST_F(DegenerateSets, SayWhatTheyLeaveOpenAndNothingElse) {
     EXPECT_GT(refused, 20);
     EXPECT_GT(open, 500);
     EXPECT_LT(doubtful, sets / 20);
-    std::printf("%d degenerate sets: %d refused, %d leave something open, %d doubtful\n", sets, refused, open,
-                doubtful);
+    EXPECT_LT(held, sets / 50);
+    std::printf("%d degenerate sets: %d refused, %d leave something open, %d doubtful, %d held\n", sets,
+                refused, open, doubtful, held);
 }
