@@ -3,8 +3,10 @@
 
 # What the build needs, by its Debian package names.
 BUILD_PACKAGES="g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libgtest-dev qt6-base-dev qt6-tools-dev qt6-svg-dev qt6-charts-dev"
+# The manual's PDF and its letters.
+BUILD_PACKAGES="$BUILD_PACKAGES pandoc weasyprint fonts-open-sans fonts-dejavu-core"
 # What the tests need besides.
-TEST_PACKAGES="git clang-format clang-tidy dbus-daemon xvfb openbox xdotool imagemagick jq"
+TEST_PACKAGES="git clang-format clang-tidy dbus-daemon xvfb openbox xdotool imagemagick jq poppler-utils qpdf"
 # What the benchmarks need besides.
 BENCH_PACKAGES="libbenchmark-dev libeigen3-dev libopenblas-dev mawk"
 

@@ -187,18 +187,6 @@ TEST_F(Manual, ItsTableOfTheGraphicsWindowsHasEveryBinding) {
         EXPECT_TRUE(text.contains("| " + QString::fromUtf8(binding.Keys) + " | ")) << binding.Keys;
 }
 
-// A viewer shows them beside the pages.
-TEST_F(Manual, ThePdfHasABookmarkForEveryChapter) {
-    QFile file(Q(ProgramFolder() + "/manual Corvinade English 2.0.0.pdf"));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QByteArray bytes = file.readAll();
-    const int chapters = ForEach("(?:^|\\n)# ([^\\n]+)", [&](const QRegularExpressionMatch& chapter) {
-        EXPECT_TRUE(bytes.contains("(" + chapter.captured(1).toLatin1() + ")")) << S(chapter.captured(1));
-    });
-    EXPECT_EQ(chapters, Folder().entryList({QStringLiteral("*.md")}).size());
-    EXPECT_TRUE(bytes.contains("/PageMode /UseOutlines"));
-}
-
 TEST_F(Manual, EveryKeyThatItNamesForAMenuEntryIsTheKeyOfOne) {
     Begin();
     std::set<QString> keys;
