@@ -323,7 +323,8 @@ TEST_F(ManualPdf, ChaptersThatDoNotHoldTogetherAreRefused) {
         {"# Second\n\nSee [there](03-c.md).\n", "a link leads to 03-c.md, which is no chapter"},
         {"# Second\n\nSee [there](01-a.md#part).\n", "a link leads to 01-a.md#part, which is no chapter"},
         {"# Second\n\n![Blue it is](blue.png)\n", "blue.png"},
-        {"Second, without a heading.\n", "1 headings of chapters in 2 files"},
+        {"Second, without a heading.\n", "02-b.md does not begin with its heading"},
+        {"See # First\n\n# Second\n", "02-b.md does not begin with its heading"},
         {"# Second\n\n# Third\n", "3 headings of chapters in 2 files"},
     };
     const QDir folder = SmallManual(Q(PathOf("manual")));
