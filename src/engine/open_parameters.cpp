@@ -233,9 +233,14 @@ std::vector<Column> NullSpace(const Cloud& cloud, const std::vector<int>& chosen
 void Mark(const Cloud& cloud, Column way, const Sizes& sizes, OpenParameters& open) {
     constexpr double kTakesPart = 1e-6;
     if (sizes.OnePlace()) {  // what turns and stretches about that place is open, and the place is not
+        const Column centred = way;
+        FromCentre(cloud.Model, cloud.At_, way);
         for (int k = kTraX; k < kParameterEnd; ++k) {
             const int unknown = cloud.Model.UnknownOf[At(k)];
-            if (unknown != 0 && way[At(unknown)] != 0) open.Open[At(k)] = true;
+            if (unknown == 0) continue;
+            // Away from the origin, however, it takes the translation along.
+            const bool along = k <= kTraZ && std::fabs(way[At(unknown)]) > kTakesPart * sizes.Coordinate;
+            if (centred[At(unknown)] != 0 || along) open.Open[At(k)] = true;
         }
         return;
     }

@@ -98,13 +98,13 @@ struct Reach {
 };
 
 // Root mean squares about the middle, mm: of the start points in use, of their images, each as a whole and
-// along its least direction, and of the deviations.
+// along its least direction, of the target points, and of the deviations.
 struct Spreads {
-    double Start = 0, LeastStart = 0, Image = 0, LeastImage = 0, Deviation = 0;
+    double Start = 0, LeastStart = 0, Image = 0, LeastImage = 0, Target = 0, Deviation = 0;
 
     explicit Spreads(const Mat3& M) {
-        std::vector<Vec3> points;
-        Vec3 middle;
+        std::vector<Vec3> points, targets;
+        Vec3 middle, targetMiddle;
         double squares = 0;
         for (int i = 1; i <= Job.nIdent; ++i) {
             bool any = false;
@@ -115,10 +115,18 @@ struct Spreads {
                 squares += Calculation.v[row] * Calculation.v[row];
             }
             if (any) points.push_back(StartPoint(i));
+            if (any) targets.push_back(TargetPoint(i));
         }
         const double count = std::max<double>(1, static_cast<double>(points.size()));
         for (const Vec3& p : points)
             for (int k = 1; k <= 3; ++k) middle(k) += p(k) / count;
+        for (const Vec3& q : targets)
+            for (int k = 1; k <= 3; ++k) targetMiddle(k) += q(k) / count;
+        double targetSquares = 0;
+        for (const Vec3& q : targets)
+            for (int k = 1; k <= 3; ++k)
+                targetSquares += (q(k) - targetMiddle(k)) * (q(k) - targetMiddle(k)) / count;
+        Target = std::sqrt(targetSquares);
         Mat3 start;
         for (const Vec3& p : points)
             for (int i = 1; i <= 3; ++i)
@@ -142,12 +150,13 @@ private:
     }
 };
 
-// Images that are a thousandth as far apart as they should be, and hardly farther than the deviations are
-// long: their scale is what the noise makes of none. A fit of many parameters takes up most of the noise of
-// few points, whatever the norm; metres that were read as millimetres leave far less than a tenth.
-bool Drowned(double image, double whole, const Spreads& spreads) {
-    constexpr double kThousandth = 1e-3, kMostOfDeviation = 10;
-    return image <= kThousandth * whole && image <= kMostOfDeviation * spreads.Deviation;
+// Points (of the target, or their images) less than a thousandth as far apart as they should be, whose images
+// are hardly farther apart than the deviations are long: their scale is what the noise makes of none. A fit
+// of many parameters takes up most of the noise of few points, whatever the norm. Metres that were read as
+// millimetres are a thousandth, and with gross errors among them deviate as much: they stay above.
+bool Drowned(double apart, double image, double whole, const Spreads& spreads) {
+    constexpr double kSmall = 8e-4, kMostOfDeviation = 10;
+    return apart <= kSmall * whole && image <= kMostOfDeviation * spreads.Deviation;
 }
 
 // A scale of next to nothing carries all points to one place, or into one plane, and fits whatever is there.
@@ -165,7 +174,7 @@ bool NoteCollapse(const FitModel& model, const Mat3& M) {
     // A residual is the way to the target point in the plain model alone.
     if (model.Mode != FitMode::Coincide) spreads.Deviation = 0;
     const bool onePlace = reach.Target <= std::max(kRounding * reach.LargestTarget, kOnePlace * start);
-    if (onePlace || Drowned(spreads.Image, spreads.Start, spreads)) {
+    if (onePlace || Drowned(spreads.Target, spreads.Image, spreads.Start, spreads)) {
         AddNote(NoteCode::CollapsedScale,
                 "The target points in use are all at one place, or all but so: a scale of 0 fits them "
                 "whatever the start points are, so this is no fit, and the rotation is arbitrary");
@@ -187,7 +196,7 @@ bool NoteCollapse(const FitModel& model, const Mat3& M) {
     }
     constexpr double kFlat = 1e-2;
     if (!noted && !one && spreads.LeastStart > kFlat * spreads.Start &&
-        Drowned(spreads.LeastImage, spreads.Image, spreads))
+        Drowned(spreads.LeastImage, spreads.LeastImage, spreads.Image, spreads))
         AddNote(
             NoteCode::CollapsedScale,
             "The result carries the points all but into one plane, about as near to it as the deviations are "

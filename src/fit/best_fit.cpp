@@ -218,6 +218,7 @@ private:
         const Solution* proper = found_.Proper ? &*found_.Proper : nullptr;
         const Solution* mirrored = found_.Mirrored ? &*found_.Mirrored : nullptr;
         if (proper == nullptr || mirrored == nullptr) return proper != nullptr ? proper : mirrored;
+        if (fit_.ProperAlone) return proper;
         if (wishes_.NegativeScale) {
             if (usable_ && mirrored_) return mirrored;
             return mirrored->Gain > proper->Gain ? mirrored : proper;

@@ -1,6 +1,7 @@
 // Equal forms of one transformation.
 #include "fit/equal_forms.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -76,15 +77,24 @@ bool Allowed(const FitModel& model, const Parameters& values, EqualForm& form) {
     return true;
 }
 
-// How far two values of a parameter are apart: rad, or a share of the scale.
-double Apart(int parameter, double a, double b) {
-    return KindOf(parameter) == ParameterKind::Angle ? ShortWay(a - b) : (a - b) / b;
+// The largest scale of the reference: a scale that noise has brought near 0 is no measure of its own changes.
+double ScaleSize(const Parameters& reference) {
+    const double size = std::max(
+        {std::fabs(reference[kScaleX]), std::fabs(reference[kScaleY]), std::fabs(reference[kScaleZ])});
+    return size > 0 ? size : 1;
+}
+
+// How far two values of a parameter are apart: rad, or a share of the size of the scales.
+double Apart(int parameter, double a, double b, double size) {
+    return KindOf(parameter) == ParameterKind::Angle ? ShortWay(a - b) : (a - b) / size;
 }
 
 // Each other form has a scale of the other sign or an angle half a turn off, so none is as near as this.
 bool IsNearestAlready(const FitModel& model, const Parameters& reference, const Parameters& values) {
+    const double size = ScaleSize(reference);
     for (int k = kRotX; k <= kAngleZtoXY; ++k)
-        if (Floats(model, k) && !(std::fabs(Apart(k, values[k], reference[k])) < kHalfTurn / 4)) return false;
+        if (Floats(model, k) && !(std::fabs(Apart(k, values[k], reference[k], size)) < kHalfTurn / 4))
+            return false;
     return true;
 }
 
@@ -94,12 +104,13 @@ struct SquaresApart {
     std::array<std::array<double, 4>, kParameterEnd> Of{};
 
     SquaresApart(const FitModel& model, const Parameters& reference, const Parameters& values) {
+        const double size = ScaleSize(reference);
         for (int k = kRotX; k <= kAngleZtoXY; ++k) {
             if (!Floats(model, k)) continue;
             for (const int sign : {1, -1})
                 for (const int turns : {0, 1}) {
                     const double there = sign * values[k] + turns * kHalfTurn;
-                    const double apart = Apart(k, there, reference[k]);
+                    const double apart = Apart(k, there, reference[k], size);
                     Of[At(k)][Place(sign, turns)] = apart * apart;
                 }
         }

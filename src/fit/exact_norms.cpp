@@ -210,10 +210,11 @@ struct ExactRun {
         if (ends.Proper && ends.Mirrored) {
             const WayEnd &proper = *ends.Proper, &mirrored = *ends.Mirrored;
             const int redundancy = Place.Rows.Used - Place.Model.Unknowns;
-            const bool real = wanted ? first.Mirrored || IsBetter(mirrored, proper)
-                                     : MirrorIsReal(proper.Objective, mirrored.Objective,
-                                                    Rounding * Place.Rows.Used, redundancy, 1) ||
-                                           NothingProperIsBeside(mirrored, proper.Objective);
+            const bool real = Fit.ProperAlone ? false
+                              : wanted        ? first.Mirrored || IsBetter(mirrored, proper)
+                                              : MirrorIsReal(proper.Objective, mirrored.Objective,
+                                                             Rounding * Place.Rows.Used, redundancy, 1) ||
+                                             NothingProperIsBeside(mirrored, proper.Objective);
             best = real ? mirrored : proper;
         }
         const bool otherSide = first.Mirrored && !best.Mirrored;

@@ -73,6 +73,8 @@ struct NormRun {
     SeedPoints Seeds;
     // Is the best solution of all looked for? Not for the passes of an outer loop, say.
     bool SeeksBest = true;
+    // No mirrored solution is taken where there is a proper one, however much better it is.
+    bool ProperAlone = false;
     GatheredPoints Points;
     Column InUse;            // three a pair, 0 or 1
     Column P;                // three a pair: the weights of the last fit, or those of the next

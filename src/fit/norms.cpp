@@ -84,7 +84,8 @@ Reason Astray(const NormRun& fit) {
     if (!fit.Run.State.Finite) return Reason::NoEnd;
     const auto rows = std::count_if(fit.P.begin() + 1, fit.P.end(), [](double w) { return w != 0; });
     if (end.Mirrored && !first.Mirrored && !NegativeScaleIsWanted(fit.Choice) &&
-        !MirrorIsReal(first.Objective, end.Objective, least, static_cast<int>(rows) - fit.Model.Unknowns, 1))
+        (fit.ProperAlone || !MirrorIsReal(first.Objective, end.Objective, least,
+                                          static_cast<int>(rows) - fit.Model.Unknowns, 1)))
         return Reason::MirroredForNothing;
     if (!(end.Objective <= first.Objective * (1 + kWorse) + least)) return Reason::WorseThanFirstFit;
     // What fits by less than the loop's own tolerance has no residuals to be weighted by.

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <initializer_list>
+#include <limits>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -103,6 +104,7 @@ NormRun HoldingThese(const NormRun& fit, const std::vector<int>& parameters, dou
         run.HeldByFit[At(k)] = true;
     }
     run.Model = ModelOf(run.Choice, fit.Model.Mode);
+    run.ProperAlone = true;
     run.InUse = fit.InUse;
     run.P = fit.InUse;
     run.Run.State = {};
@@ -179,6 +181,19 @@ std::optional<HeldFit> BestHeldFit(NormRun& fit, const NormToHold& norm, const N
     return best ? std::move(best) : std::move(unsettled);
 }
 
+// The proper transformations come near to the mirrored one where the same scales are all but 0: so near that
+// one has to be that may be told from it. With many points even noise of the start points draws a scale
+// across them to 0, and away from where it is held. Infinite where that has no proper end.
+double ObjectiveNearZero(NormRun& fit, const NormToHold& norm, const NormRun& held, double scale) {
+    constexpr double kNearZero = 1e-3;
+    std::vector<int> parameters;
+    for (int k = kScaleX; k <= kAngleZtoXY; ++k)
+        if (held.HeldByFit[At(k)]) parameters.push_back(k);
+    const HeldFit near = FitHolding(fit, norm, parameters, kNearZero * scale);
+    const bool serves = !fit.Abandoned() && !fit.Stops() && near.Proper;
+    return serves ? near.Objective : std::numeric_limits<double>::infinity();
+}
+
 void Take(NormRun& held, NormRun& fit) {
     const FitModel all = fit.Model;
     fit.Run = held.Run;
@@ -206,7 +221,10 @@ bool HoldWhereMirrored(NormRun& fit, const NormToHold& norm, const NormToHold& s
     if (!(scale > 0) || !std::isfinite(scale)) return true;
     const double mirrored = norm.Objective(fit), rounding = RoundingOf(fit, norm);
     std::optional<HeldFit> held = BestHeldFit(fit, norm, squares, scale);
-    if (held && !MirrorIsReal(held->Objective, mirrored, rounding, redundancy, norm.Power))
-        Take(held->Run, fit);
+    if (!held || fit.Abandoned()) return !fit.Abandoned();
+    double proper = held->Objective;
+    const auto isReal = [&] { return MirrorIsReal(proper, mirrored, rounding, redundancy, norm.Power); };
+    if (isReal()) proper = std::fmin(proper, ObjectiveNearZero(fit, norm, held->Run, scale));
+    if (!fit.Abandoned() && !fit.Stops() && !isReal()) Take(held->Run, fit);
     return !fit.Abandoned();
 }

@@ -164,3 +164,19 @@ TEST_F(AwkwardSets, AnOptimumOnALineConverges) {
                     EXPECT_TRUE(Messages().empty());
                 }
 }
+
+TEST_F(AwkwardSets, MetresAgainstMillimetresWithExchangedNamesHaveNotCollapsed) {
+    // A thousandth is their true scale, and the deviations of two exchanged names are as long as the images.
+    for (int seed = 0; seed < 8; ++seed)
+        for (const char* preset : {"7", "9"})
+            for (const NormOfSet& norm : kNorms) {
+                SCOPED_TRACE(std::string(norm.Name) + ", " + preset + ", " + std::to_string(seed));
+                Set set = AnySet(seed, false);
+                for (Point& p : set.Target)
+                    for (auto& x : p) x /= 1000;
+                Fit(set.Start, set.Target, preset, norm);
+                EXPECT_FALSE(Noted(NoteCode::CollapsedScale));
+                const double scales = Job.ScaleX * Job.ScaleY * Job.ScaleZ;
+                EXPECT_EQ(Noted(NoteCode::Mirrored), scales < 0);
+            }
+}

@@ -56,6 +56,22 @@ TEST_F(OpenParametersTest, AboutALineARotationIsOpenInEveryNorm) {
     }
 }
 
+TEST_F(OpenParametersTest, AboutOnePlaceOffTheOriginTheTranslationIsOpenWithTheRotation) {
+    // T = q - R p: with R any, so is T, unless p is the origin.
+    for (const bool away : {false, true}) {
+        Job = JobRecord{};
+        BeginFit();
+        for (int i = 0; i < 5; ++i) AddPair({away ? 1000.0 : 0, away ? 2.0 : 0, away ? 3.0 : 0}, {4, 5, 6});
+        FloatParameters(kRigid);
+        const OpenParameters open = Found();
+        EXPECT_TRUE(open.Open[kRotX] && open.Open[kRotY] && open.Open[kRotZ]);
+        for (int k = kTraX; k <= kTraZ; ++k) {
+            EXPECT_EQ(open.Open[static_cast<std::size_t>(k)], away) << k;
+            EXPECT_EQ(std::isnan(Calculation.Sigma[static_cast<std::size_t>(k)]), away) << k;
+        }
+    }
+}
+
 TEST_F(OpenParametersTest, AcrossAPlaneAlongTheAxesTheScaleIsOpen) {
     for (int i = 0; i < 9; ++i) AddShifted(100.0 * (i % 3), 100.0 * (i / 3), 0);
     FloatParameters(kRigid);

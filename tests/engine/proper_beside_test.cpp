@@ -34,7 +34,8 @@ protected:
     };
     // Points within so much of each direction of a system of their own, which is turned against the start
     // system or not; moved, turned and with noise; mirrored by the third direction of that system.
-    static Set AnySet(int seed, const Point& size, double noise, bool mirrored, bool turned = true) {
+    static Set AnySet(int seed, const Point& size, double noise, bool mirrored, bool turned = true,
+                      int points = 8) {
         BeginFit();
         for (int skip = 0; skip < 41 * seed; ++skip) NextNumber();
         const auto turn = [] {
@@ -47,7 +48,7 @@ protected:
         moved[kTraY] = -200;
         moved[kTraZ] = 300;
         Set set;
-        for (int i = 0; i < 8; ++i) {
+        for (int i = 0; i < points; ++i) {
             const Point p = {size[0] * NextNumber(), size[1] * NextNumber(), size[2] * NextNumber()};
             Point start = reference::Image(own, p);
             Point target =
@@ -127,6 +128,44 @@ TEST_F(ProperBeside, NoisyLinesAndPlatesAreNeverMirrored) {
                 EXPECT_FALSE(NamesLeftOpen().empty());
             }
     EXPECT_GT(held, 10);  // the sets are of that kind
+}
+
+TEST_F(ProperBeside, ManyPointsOfANoisyPlateAreNotMirroredEither) {
+    // Noise of the start points draws the scale across them to 0, the farther from 1 the more points there
+    // are.
+    int held = 0;
+    for (const int points : {20, 50, 100, 300})
+        for (int seed = 0; seed < 5; ++seed)
+            for (const NormOfSet& norm : {kNorms[0], kNorms[1], kNorms[4]}) {
+                SCOPED_TRACE(std::string(norm.Name) + ", seed " + std::to_string(seed) + ", points " +
+                             std::to_string(points));
+                Fit(AnySet(seed, {500, 300, 0}, kNoise, false, false, points), "9", norm);
+                EXPECT_GT(Determinant(), 0);
+                held += Held() ? 1 : 0;
+            }
+    EXPECT_GT(held, 10);
+}
+
+TEST_F(ProperBeside, RunsOfAScaleNearZeroKeepToOneForm) {
+    // Where noise leaves a scale small and above 0 the runs come out on both sides of it.
+    int seed = 0;
+    do Fit(AnySet(++seed, {500, 300, 0}, kNoise, false, false, 50), "9", kNorms[0]);
+    while ((Held() || std::fabs(ParameterValue(Job, kScaleZ)) > 0.2) && seed < 60);
+    ASSERT_FALSE(Held());
+    MonteCarlo.MonteCarloOn = kTrue;
+    Settings.MonteCarloRuns = 50;
+    Settings.SigmaX = Settings.SigmaY = Settings.SigmaZ = kNoise;
+    Choose(AnySet(seed, {500, 300, 0}, kNoise, false, false, 50), "9");
+    Calculate(kL2);
+    ASSERT_TRUE(IsTrue(MonteCarlo.MonteCarloDone));
+    for (const int k : {kRotX, kRotY, kRotZ, kScaleX, kScaleY}) {
+        double least = 1e300, most = -1e300;
+        for (int i = 1; i <= 50; ++i) {
+            least = std::min(least, MonteCarlo.MCResults(k, i));
+            most = std::max(most, MonteCarlo.MCResults(k, i));
+        }
+        EXPECT_LT(most - least, 0.01) << k;  // rad and shares: some hundred times the noise over the size
+    }
 }
 
 TEST_F(ProperBeside, WhatIsMirroredBeyondNoiseStaysSo) {
