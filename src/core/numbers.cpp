@@ -153,10 +153,43 @@ std::string PlainText(std::int64_t value) {
     return std::to_string(value);
 }
 
+namespace {
+
+// The number in a picture by plain arithmetic: false where its 15 digits, on which it is rounded, or the
+// rounding of the product could decide otherwise. Both are off by less than 1e-5 of the last decimal for what
+// is taken here.
+bool FormatPlainly(double value, int decimals, std::string& text) {
+    constexpr std::array<double, 10> kPowersOfTen = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+    constexpr double kMost = 1e9, kDoubt = 1e-4;
+    if (decimals < 0 || decimals >= static_cast<int>(kPowersOfTen.size())) return false;
+    const auto places = static_cast<std::size_t>(decimals);
+    const double scaled = std::fabs(value) * kPowersOfTen[places];
+    if (!(scaled < kMost)) return false;
+    const double whole = std::floor(scaled), rest = scaled - whole;
+    if (std::fabs(rest - 0.5) < kDoubt) return false;
+    const std::uint64_t number = static_cast<std::uint64_t>(whole) + (rest > 0.5 ? 1 : 0);
+    std::array<char, 24> digits{};
+    const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    const auto count = static_cast<std::size_t>(end - digits.data());
+    if (value < 0 && number != 0) text += '-';
+    const std::size_t zeros = count <= places ? places + 1 - count : 0;
+    // All but the last `places` of the zeros and digits stand before the delimiter.
+    const std::size_t before = zeros + count - places;
+    for (std::size_t i = 0; i < zeros + count; ++i) {
+        if (i == before) text += SystemDecimal();
+        text += i < zeros ? '0' : digits[i - zeros];
+    }
+    return true;
+}
+
+}  // namespace
+
 std::string FormatNumber(double value, std::string_view picture) {
     if (!std::isfinite(value)) return PlainDigits(value, 15);
     const std::size_t point = picture.find('.');
     const int decimals = point == std::string_view::npos ? 0 : static_cast<int>(picture.size() - point - 1);
+    std::string text;
+    if (FormatPlainly(value, decimals, text)) return text;
 
     // The 15 digits d.dddd...e+xx, then rounding by hand: half away from zero on what is shown there.
     std::array<char, 40> buffer{};
@@ -191,7 +224,7 @@ std::string FormatNumber(double value, std::string_view picture) {
     if (static_cast<int>(digits.size()) <= decimals)
         digits.insert(0, static_cast<std::size_t>(decimals + 1) - digits.size(), '0');
     const bool zero = digits.find_first_not_of('0') == std::string::npos;
-    std::string text = value < 0 && !zero ? "-" : "";
+    if (value < 0 && !zero) text += '-';
     text.append(digits, 0, digits.size() - static_cast<std::size_t>(decimals));
     if (decimals > 0) {
         text += SystemDecimal();

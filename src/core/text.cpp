@@ -115,6 +115,8 @@ int CharacterCount(std::string_view text) {
 }
 
 std::string Printable(std::string_view text, int most) {
+    const bool plain = std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+    if (plain && most > 0 && text.size() <= static_cast<std::size_t>(most)) return std::string(text);
     std::string out;
     std::uint32_t code = 0;
     while (!text.empty()) {
