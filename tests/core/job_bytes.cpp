@@ -19,7 +19,7 @@ HandBytes& HandBytes::F32(float value) {
 HandBytes& HandBytes::F64(double value) {
     return Whole(std::bit_cast<std::uint64_t>(value), 8);
 }
-HandBytes& HandBytes::Tagged(const std::optional<double>& value) {
+HandBytes& HandBytes::Tagged(const TaggedValue& value) {
     return value ? I16(5).F64(*value) : I16(0);
 }
 HandBytes& HandBytes::Shorts(const std::vector<std::string>& texts) {
@@ -27,7 +27,7 @@ HandBytes& HandBytes::Shorts(const std::vector<std::string>& texts) {
     for (const std::string& text : texts) Short(text);
     return *this;
 }
-HandBytes& HandBytes::Taggeds(const std::vector<std::optional<double>>& values) {
+HandBytes& HandBytes::Taggeds(const std::vector<TaggedValue>& values) {
     I32(static_cast<int>(values.size()) - 1);
     for (const auto& value : values) Tagged(value);
     return *this;

@@ -22,21 +22,21 @@ struct HandBytes {
     HandBytes& Flag(bool value) { return I16(value ? -1 : 0); }
     HandBytes& Long(const std::string& text) { return I32(static_cast<int>(text.size())).Raw(text); }
     HandBytes& Short(const std::string& text) { return I16(static_cast<int>(text.size())).Raw(text); }
-    HandBytes& Tagged(const std::optional<double>& value);
+    HandBytes& Tagged(const TaggedValue& value);
     HandBytes& Raw(const std::string& bytes) {
         Text += bytes;
         return *this;
     }
     // With the upper bound before them.
     HandBytes& Shorts(const std::vector<std::string>& texts);
-    HandBytes& Taggeds(const std::vector<std::optional<double>>& values);
+    HandBytes& Taggeds(const std::vector<TaggedValue>& values);
     HandBytes& F64s(const std::vector<double>& values);
 };
 
 // Texts are the bytes of the file, of plain letters but for those that a test sets.
 struct HandPoints {
     std::vector<std::string> Name{""};
-    std::vector<std::optional<double>> X{{}}, Y{{}};
+    std::vector<TaggedValue> X{{}}, Y{{}};
     std::vector<double> Z{0};
     void Add(const std::string& name, double x, double y, double z);
     int Count() const { return static_cast<int>(Name.size()) - 1; }
@@ -61,7 +61,7 @@ struct HandJob {
     int ViewSeed = 0;
     bool IsKuka = false, IsQuaternion = false;
     std::vector<std::array<double, 4>> Robot{{}};
-    std::vector<std::optional<double>> RVecX{{}}, RVecY{{}};
+    std::vector<TaggedValue> RVecX{{}}, RVecY{{}};
     std::vector<double> RVecZ{0};
 };
 
