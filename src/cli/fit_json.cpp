@@ -118,26 +118,56 @@ ordered_json MonteCarloOfTheFit(const FitOptions& options) {
             {"sigmaXYZ", {{"mean_mm", MeanOfArray(sigmas)}, {"spread_mm", SigmaOfArray(sigmas)}}}};
 }
 
-ordered_json Points(const std::vector<FitPoint>& points) {
-    ordered_json list = ordered_json::array();
-    for (const FitPoint& point : points)
-        list.push_back({{"name", point.Name},
-                        {"start_mm", Triple(point.Start)},
-                        {"target_mm", Triple(point.Target)},
-                        {"transformed_mm", Triple(point.Transformed)},
-                        {"residual_mm", Triple(point.Deviation)},
-                        {"residual3D_mm", point.Deviation3D},
-                        {"used", {point.Used[0], point.Used[1], point.Used[2]}}});
-    return list;
+ordered_json PointJson(const FitPoint& point) {
+    return {{"name", point.Name},
+            {"start_mm", Triple(point.Start)},
+            {"target_mm", Triple(point.Target)},
+            {"transformed_mm", Triple(point.Transformed)},
+            {"residual_mm", Triple(point.Deviation)},
+            {"residual3D_mm", point.Deviation3D},
+            {"used", {point.Used[0], point.Used[1], point.Used[2]}}};
+}
+
+// --- An object that is written member by member -----------------------------------------------------------
+
+// Of a million points the whole object takes gigabytes.
+
+std::string Indented(const ordered_json& value, int depth) {
+    const std::string text = value.dump(2, ' ', false, ordered_json::error_handler_t::replace);
+    std::string indented;
+    for (const char c : text) {
+        indented += c;
+        if (c == '\n') indented.append(static_cast<std::size_t>(depth), ' ');
+    }
+    return indented;
+}
+
+void BeginMember(const char* name, bool& first, std::ostream& out) {
+    out << (first ? "\n  \"" : ",\n  \"") << name << "\": ";
+    first = false;
+}
+
+// A list whose elements `element` gives by their numbers, from `begin` to `end` - 1.
+template <class Element>
+void WriteList(const char* name, std::size_t begin, std::size_t end, Element element, std::ostream& out) {
+    bool first = false;
+    BeginMember(name, first, out);
+    out << "[";
+    for (std::size_t i = begin; i < end; ++i)
+        out << (i == begin ? "\n    " : ",\n    ") << Indented(element(i), 4);
+    out << (begin < end ? "\n  ]" : "]");
 }
 
 // Points of one set without a partner, behind the pairs.
 template <class X, class Z>
-ordered_json Others(const std::vector<std::string>& names, const X& x, const X& y, const Z& z) {
-    ordered_json list = ordered_json::array();
-    for (std::size_t i = static_cast<std::size_t>(Job.nIdent) + 1; i < names.size(); ++i)
-        list.push_back({{"name", names[i]}, {"mm", {x[i].value_or(0), y[i].value_or(0), z[i]}}});
-    return list;
+void WriteOthers(const char* name, const std::vector<std::string>& names, const X& x, const X& y, const Z& z,
+                 std::ostream& out) {
+    WriteList(
+        name, static_cast<std::size_t>(Job.nIdent) + 1, names.size(),
+        [&](std::size_t i) {
+            return ordered_json{{"name", names[i]}, {"mm", {x[i].value_or(0), y[i].value_or(0), z[i]}}};
+        },
+        out);
 }
 
 // How the fit was held against all others; null where it was not.
@@ -165,8 +195,7 @@ ordered_json Optimum() {
 
 void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std::ostream& out) {
     const auto& c = Calculation;
-    const std::vector<FitPoint> points = FitPoints();
-    const FitNorms norms = NormsOfDeviations(points);
+    const FitNorms norms = NormsOfDeviations();
     ordered_json root;
     root["schema"] = "corvinade-fit";
     root["schemaVersion"] = kSchemaVersion;
@@ -203,10 +232,19 @@ void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std
                        {"sumOfDeviations_mm", norms.Sum},
                        {"largestDeviation_mm", norms.Largest},
                        {"note", "s0 = sqrt(vPv / (sum of weights - 1))"}};
-    root["points"] = Points(points);
-    root["startOnly"] = Others(Job.TMCS_Name, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z);
-    root["targetOnly"] = Others(Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
-    root["notes"] = NotesToJson(Notes.List);
-    if (options.Protocol) root["protocol"] = CompleteProtocol();
-    out << root.dump(2, ' ', false, ordered_json::error_handler_t::replace) << "\n";
+    bool first = true;
+    const auto write = [&](const char* name, const ordered_json& value) {
+        BeginMember(name, first, out);
+        out << Indented(value, 2);
+    };
+    out << "{";
+    for (const auto& member : root.items()) write(member.key().c_str(), member.value());
+    WriteList(
+        "points", 1, static_cast<std::size_t>(Job.nIdent) + 1,
+        [](std::size_t i) { return PointJson(FitPointOf(static_cast<int>(i))); }, out);
+    WriteOthers("startOnly", Job.TMCS_Name, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z, out);
+    WriteOthers("targetOnly", Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z, out);
+    write("notes", NotesToJson(Notes.List));
+    if (options.Protocol) write("protocol", CompleteProtocol());
+    out << "\n}\n";
 }

@@ -3,6 +3,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/fit_options.h"
@@ -11,13 +12,14 @@
 
 // Everything that the outputs say of one identical point; lengths in mm.
 struct FitPoint {
-    std::string Name;
+    std::string_view Name;  // of the job
     double Start[3], Target[3], Transformed[3];
     double Deviation[3];  // transformed minus target
     double Deviation3D;
     bool Used[3];
 };
-std::vector<FitPoint> FitPoints();
+FitPoint FitPointOf(int pair);
+std::vector<FitPoint> FitPoints();  // of all pairs; those of a million take 130 MB
 
 // The names of the system that is transformed and of that which it is fitted to, whatever the direction.
 std::string StartSystem();
@@ -30,7 +32,7 @@ int ObservationsInUse();
 struct FitNorms {
     double Sum = 0, Largest = 0;  // of the absolute deviations
 };
-FitNorms NormsOfDeviations(const std::vector<FitPoint>& points);
+FitNorms NormsOfDeviations();
 
 // True when Monte Carlo was asked for and all its runs were done.
 bool HasMonteCarlo(const FitOptions& options);

@@ -24,34 +24,36 @@ double ShareBeyondDistance(const Vec3& a, const Vec3& b) {
 
 }  // namespace
 
-std::vector<FitPoint> FitPoints() {
+FitPoint FitPointOf(int pair) {
     const bool distance = Adjustment.Model.Mode == FitMode::Distance;
+    const auto k = static_cast<std::size_t>(pair);
+    FitPoint point;
+    point.Name = Job.MCS_Name[k];
+    const Vec3 start = StartPoint(pair);
+    const Vec3 target = TargetPoint(pair);
+    const Vec3 transformed(Job.TMCS_X[k].value_or(0), Job.TMCS_Y[k].value_or(0), Job.TMCS_Z[k]);
+    const double share = ShareBeyondDistance(transformed, target);
+    double squares = 0;
+    for (int axis = 0; axis < 3; ++axis) {
+        point.Start[axis] = start(axis + 1);
+        point.Target[axis] = target(axis + 1);
+        point.Transformed[axis] = transformed(axis + 1);
+        // The residual of the adjustment: the difference of the two coordinates would cost its digits. In
+        // the distance model the way to the target, less what of it is the distance.
+        const auto row = 3 * (k - 1) + static_cast<std::size_t>(axis) + 1;
+        point.Deviation[axis] =
+            distance ? share * (transformed(axis + 1) - target(axis + 1)) : Calculation.v[row];
+        point.Used[axis] = CoordinateInUse(row);
+        squares += point.Deviation[axis] * point.Deviation[axis];
+    }
+    point.Deviation3D = std::sqrt(squares);
+    return point;
+}
+
+std::vector<FitPoint> FitPoints() {
     std::vector<FitPoint> points;
     points.reserve(static_cast<std::size_t>(Job.nIdent));
-    for (int i = 1; i <= Job.nIdent; ++i) {
-        const auto k = static_cast<std::size_t>(i);
-        FitPoint point;
-        point.Name = Job.MCS_Name[k];
-        const Vec3 start = StartPoint(i);
-        const Vec3 target = TargetPoint(i);
-        const Vec3 transformed(Job.TMCS_X[k].value_or(0), Job.TMCS_Y[k].value_or(0), Job.TMCS_Z[k]);
-        const double share = ShareBeyondDistance(transformed, target);
-        double squares = 0;
-        for (int axis = 0; axis < 3; ++axis) {
-            point.Start[axis] = start(axis + 1);
-            point.Target[axis] = target(axis + 1);
-            point.Transformed[axis] = transformed(axis + 1);
-            // The residual of the adjustment: the difference of the two coordinates would cost its digits. In
-            // the distance model the way to the target, less what of it is the distance.
-            const auto row = 3 * (k - 1) + static_cast<std::size_t>(axis) + 1;
-            point.Deviation[axis] =
-                distance ? share * (transformed(axis + 1) - target(axis + 1)) : Calculation.v[row];
-            point.Used[axis] = CoordinateInUse(row);
-            squares += point.Deviation[axis] * point.Deviation[axis];
-        }
-        point.Deviation3D = std::sqrt(squares);
-        points.push_back(std::move(point));
-    }
+    for (int i = 1; i <= Job.nIdent; ++i) points.push_back(FitPointOf(i));
     return points;
 }
 
@@ -63,15 +65,17 @@ std::string TargetSystem() {
     return DirectionSwitched() ? Job.NameMCS : Job.NameOCS;
 }
 
-FitNorms NormsOfDeviations(const std::vector<FitPoint>& points) {
+FitNorms NormsOfDeviations() {
     FitNorms norms;
-    for (const FitPoint& point : points)
+    for (int i = 1; i <= Job.nIdent; ++i) {
+        const FitPoint point = FitPointOf(i);
         for (int axis = 0; axis < 3; ++axis) {
             if (!point.Used[axis]) continue;
             const double deviation = std::fabs(point.Deviation[axis]);
             norms.Sum += deviation;
             norms.Largest = std::max(norms.Largest, deviation);
         }
+    }
     return norms;
 }
 

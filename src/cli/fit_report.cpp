@@ -120,7 +120,8 @@ std::string Introduction(const FitOptions& options, const FitPoint* worst) {
     html += "<div class=\"cards\">\n" + Card("s0, " + Job.LengthUnitName, ShownLength(c.s0)) +
             Card("mean error x", ShownLength(c.sx)) + Card("mean error y", ShownLength(c.sy)) +
             Card("mean error z", ShownLength(c.sz)) + Card("mean error xyz", ShownLength(c.SigmaXYZ));
-    if (worst != nullptr) html += Card("largest deviation, " + worst->Name, ShownLength(worst->Deviation3D));
+    if (worst != nullptr)
+        html += Card("largest deviation, " + std::string(worst->Name), ShownLength(worst->Deviation3D));
     return html + "</div>\n";
 }
 
@@ -159,8 +160,8 @@ std::string Plots(const std::vector<FitPoint>& all) {
             });
         std::vector<Bar> bars;
         for (auto point = points.begin(); point != points.end(); ++point)
-            bars.push_back({point->Name, point->Deviation[axis] * Units.LengthFactor, point->Used[axis],
-                            point == worst});
+            bars.push_back({std::string(point->Name), point->Deviation[axis] * Units.LengthFactor,
+                            point->Used[axis], point == worst});
         html += BarChart(std::string("d") + "xyz"[axis], bars, Job.LengthUnitName, limit) + "\n";
     }
     return html + Histogram("How often: deviations of all coordinates in use", used, Job.LengthUnitName) +
@@ -202,7 +203,7 @@ std::string PointTable(const std::vector<FitPoint>& all, const FitPoint* worst) 
     for (const FitPoint& point : points) {
         const bool isWorst = worst != nullptr && point.Name == worst->Name;
         html += isWorst ? "<tr class=\"worst\">" : "<tr>";
-        html += Cell(point.Name + (isWorst ? " (largest)" : ""));
+        html += Cell(std::string(point.Name) + (isWorst ? " (largest)" : ""));
         for (int axis = 0; axis < 3; ++axis) {
             const std::string value = ShownLength(point.Deviation[axis]);
             html += point.Used[axis] ? Cell(value) : Cell("(" + value + ")", "unused");

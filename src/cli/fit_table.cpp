@@ -143,7 +143,7 @@ void WriteInverse(const Style& style, std::ostream& out) {
         out << style.Quiet("(and " + std::to_string(solutions - shown) + " more solutions)") << "\n";
 }
 
-void WriteQuality(const std::vector<FitPoint>& points, const Style& style, std::ostream& out) {
+void WriteQuality(const Style& style, std::ostream& out) {
     const auto& c = Calculation;
     const std::vector<std::string> mean = {"mean error", ShownLength(c.sx), ShownLength(c.sy),
                                            ShownLength(c.sz), ShownLength(c.SigmaXYZ)};
@@ -151,7 +151,7 @@ void WriteQuality(const std::vector<FitPoint>& points, const Style& style, std::
     TextColumns columns{{12, 10, 10, 10, 10}};
     columns.MakeRoom(mean);
     columns.MakeRoom(s0);
-    const FitNorms norms = NormsOfDeviations(points);
+    const FitNorms norms = NormsOfDeviations();
     const std::vector<std::string> sum = {"sum", ShownLength(norms.Sum)};
     const std::vector<std::string> largest = {"largest", ShownLength(norms.Largest)};
     columns.MakeRoom(sum);
@@ -164,34 +164,100 @@ void WriteQuality(const std::vector<FitPoint>& points, const Style& style, std::
     if (Norm.Iterations > 0) out << columns.Line(sum) << "\n" << columns.Line(largest) << "\n";
 }
 
-void WriteDeviations(const std::vector<FitPoint>& points, const Style& style, std::ostream& out) {
-    const auto cells = [](const FitPoint& point) {
-        std::vector<std::string> texts = {ForTable(point.Name, kLongestName)};
-        for (int axis = 0; axis < 3; ++axis) {
-            // A coordinate that takes no part stands in brackets.
-            const std::string value = ShownLength(point.Deviation[axis]);
-            texts.push_back(point.Used[axis] ? value : "(" + value + ")");
+// What the outputs have of all points is handed out in blocks of this size, bytes.
+constexpr std::size_t kBlock = 1 << 16;
+
+void HandOut(std::string& block, std::ostream& out, std::size_t from = kBlock) {
+    if (block.size() < from) return;
+    out.write(block.data(), static_cast<std::streamsize>(block.size()));
+    block.clear();
+}
+
+// A coordinate that takes no part stands in brackets.
+std::string DeviationCell(double deviation_mm, bool used) {
+    const std::string value = ShownLength(deviation_mm);
+    return used ? value : "(" + value + ")";
+}
+
+// The deviations of a column that are shown with the most characters: of the larger of two numbers with the
+// same sign no fewer are shown.
+struct Extremes {
+    double Least = 0, Most = 0;
+    double NotFinite = 0;  // one of these; 0 = there is none
+    bool Any = false;
+    void Take(double value) {
+        Any = true;
+        if (!std::isfinite(value)) {
+            if (NotFinite == 0 || value < 0) NotFinite = value;
+        } else if (value < Least) {
+            Least = value;
+        } else if (value > Most) {
+            Most = value;
         }
-        texts.push_back(ShownLength(point.Deviation3D));
-        return texts;
+    }
+};
+
+// What has to be known of all deviations before the first is written.
+struct DeviationLook {
+    TextColumns Columns{{12, 10, 10, 10, 10}};
+    int Largest = 0;  // pair
+    bool LeftOut = false;
+};
+
+constexpr std::size_t kNameColumn = 0, kLengthColumn = 4, kColumns = 5;
+
+DeviationLook LookAtDeviations() {
+    DeviationLook look;
+    std::vector<int>& widths = look.Columns.Widths;
+    std::array<std::array<Extremes, 2>, 3> axes{};  // by axis, left out or used
+    Extremes length;
+    double largest_mm = 0;
+    for (int i = 1; i <= Job.nIdent; ++i) {
+        const FitPoint point = FitPointOf(i);
+        widths[kNameColumn] = std::max(widths[kNameColumn], DisplayWidth(ForTable(point.Name, kLongestName)));
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            axes[axis][point.Used[axis] ? 1 : 0].Take(point.Deviation[axis]);
+            look.LeftOut |= !point.Used[axis];
+        }
+        length.Take(point.Deviation3D);
+        if (look.Largest > 0 && !(largest_mm < point.Deviation3D)) continue;
+        look.Largest = i;
+        largest_mm = point.Deviation3D;
+    }
+    const auto makeRoom = [&widths](std::size_t column, const Extremes& deviations, bool used) {
+        if (!deviations.Any) return;
+        for (const double value : {deviations.Least, deviations.Most, deviations.NotFinite})
+            widths[column] = std::max(widths[column], DisplayWidth(DeviationCell(value, used)));
     };
-    TextColumns columns{{12, 10, 10, 10, 10}};
-    bool leftOut = false;
-    for (const FitPoint& point : points) {
-        columns.MakeRoom(cells(point));
-        leftOut |= !point.Used[0] || !point.Used[1] || !point.Used[2];
-    }
-    const auto largest =
-        std::max_element(points.begin(), points.end(),
-                         [](const FitPoint& a, const FitPoint& b) { return a.Deviation3D < b.Deviation3D; });
+    for (std::size_t axis = 0; axis < 3; ++axis)
+        for (const bool used : {false, true}) makeRoom(axis + 1, axes[axis][used ? 1 : 0], used);
+    makeRoom(kLengthColumn, length, true);
+    return look;
+}
+
+void WriteDeviations(const Style& style, std::ostream& out) {
+    const DeviationLook look = LookAtDeviations();
     out << "\n"
-        << style.Heading(columns.Line({"Deviation", "dx", "dy", "dz", "3D"})) << "  "
+        << style.Heading(look.Columns.Line({"Deviation", "dx", "dy", "dz", "3D"})) << "  "
         << style.Quiet(Job.LengthUnitName + ", transformed start minus target") << "\n";
-    for (auto point = points.begin(); point != points.end(); ++point) {
-        const std::string line = columns.Line(cells(*point));
-        out << (point == largest ? style.Alarm(line + "  <- largest") : line) << "\n";
+    std::string block;
+    std::vector<std::string> cells(kColumns);
+    for (int i = 1; i <= Job.nIdent; ++i) {
+        const FitPoint point = FitPointOf(i);
+        cells[kNameColumn] = ForTable(point.Name, kLongestName);
+        for (std::size_t axis = 0; axis < 3; ++axis)
+            cells[axis + 1] = DeviationCell(point.Deviation[axis], point.Used[axis]);
+        cells[kLengthColumn] = ShownLength(point.Deviation3D);
+        if (i == look.Largest) {
+            block += style.Alarm(look.Columns.Line(cells) + "  <- largest");
+        } else {
+            look.Columns.Append(cells, block);
+        }
+        block += '\n';
+        HandOut(block, out);
     }
-    if (leftOut) out << style.Quiet("(in brackets: not used in the fit)") << "\n";
+    HandOut(block, out, 0);
+    if (look.LeftOut) out << style.Quiet("(in brackets: not used in the fit)") << "\n";
 }
 
 }  // namespace
@@ -204,9 +270,8 @@ void WriteFitTable(const FitOptions& options, const SolutionDetails* details, st
     if (details != nullptr) WriteDetails(*details, style, out);
     if (HasMonteCarlo(options)) WriteMonteCarlo(options, style, out);
     if (options.Inverse) WriteInverse(style, out);
-    const std::vector<FitPoint> points = FitPoints();
-    WriteQuality(points, style, out);
-    WriteDeviations(points, style, out);
+    WriteQuality(style, out);
+    WriteDeviations(style, out);
 }
 
 void WriteFitCsv(const FitOptions&, std::ostream& out) {
@@ -215,12 +280,18 @@ void WriteFitCsv(const FitOptions&, std::ostream& out) {
     out << "name;start_x;start_y;start_z;target_x;target_y;target_z;transformed_x;transformed_y;transformed_z;"
            "dx;dy;dz;d3;use_x;use_y;use_z"
         << UnconvergedHeading() << (open.empty() ? "" : ";open_parameters") << "\r\n";
-    for (const FitPoint& point : FitPoints()) {
-        out << CsvText(point.Name);
+    std::string block;
+    for (int i = 1; i <= Job.nIdent; ++i) {
+        const FitPoint point = FitPointOf(i);
+        block += CsvText(std::string(point.Name));
         for (const auto* triple : {point.Start, point.Target, point.Transformed, point.Deviation})
-            for (int axis = 0; axis < 3; ++axis) out << ';' << number(triple[axis]);
-        out << ';' << number(point.Deviation3D);
-        for (const bool used : point.Used) out << ';' << (used ? 1 : 0);
-        out << UnconvergedCell() << (open.empty() ? "" : ";" + CsvText(open)) << "\r\n";
+            for (int axis = 0; axis < 3; ++axis) block.append(";").append(number(triple[axis]));
+        block.append(";").append(number(point.Deviation3D));
+        for (const bool used : point.Used) block += used ? ";1" : ";0";
+        block += UnconvergedCell();
+        if (!open.empty()) block.append(";").append(CsvText(open));
+        block += "\r\n";
+        HandOut(block, out);
     }
+    HandOut(block, out, 0);
 }

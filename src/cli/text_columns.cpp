@@ -50,6 +50,10 @@ int CutWidth(std::string_view& text) {
 }  // namespace
 
 int DisplayWidth(std::string_view text) {
+    // Of plain texts each byte is a character that takes a column.
+    unsigned char all = 0;
+    for (const char c : text) all |= static_cast<unsigned char>(c);
+    if (all < 0x80) return static_cast<int>(text.size());
     int width = 0;
     while (!text.empty()) width += CutWidth(text);
     return width;
@@ -71,13 +75,20 @@ void TextColumns::MakeRoom(const std::vector<std::string>& cells) {
         Widths[i] = std::max(Widths[i], DisplayWidth(cells[i]));
 }
 
+void TextColumns::Append(const std::vector<std::string>& cells, std::string& text) const {
+    for (std::size_t i = 0; i < std::min(cells.size(), Widths.size()); ++i) {
+        const auto fill = static_cast<std::size_t>(std::max(0, Widths[i] - DisplayWidth(cells[i])));
+        if (i == 0) {
+            text.append(cells[i]).append(fill, ' ');
+        } else {
+            text.append(fill + 2, ' ').append(cells[i]);
+        }
+    }
+}
+
 std::string TextColumns::Line(const std::vector<std::string>& cells) const {
     std::string line;
-    for (std::size_t i = 0; i < std::min(cells.size(), Widths.size()); ++i) {
-        const std::string fill(static_cast<std::size_t>(std::max(0, Widths[i] - DisplayWidth(cells[i]))),
-                               ' ');
-        line += i == 0 ? cells[i] + fill : "  " + fill + cells[i];
-    }
+    Append(cells, line);
     return line;
 }
 

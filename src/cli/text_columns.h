@@ -20,6 +20,7 @@ struct TextColumns {
 
     void MakeRoom(const std::vector<std::string>& cells);  // for every row, before the first Line
     std::string Line(const std::vector<std::string>& cells) const;
+    void Append(const std::vector<std::string>& cells, std::string& text) const;  // the same line to a text
 };
 
 // Names and paths longer than this are cut: a table is to be read, and the other outputs hold them whole.

@@ -1,4 +1,5 @@
 // `corvinade-cli fit`: its numbers against a closed form, and its outputs.
+#include <array>
 #include <cmath>
 #include <fstream>
 #include <map>
@@ -215,6 +216,56 @@ TEST_F(FitCommand, TheTableStaysInColumnsWithAnyNameAndAnyValue) {
         for (int i = 0; i < 4; ++i) EXPECT_TRUE(cells >> value) << line << ": values run into each other";
     }
     EXPECT_EQ(rows, 4);
+}
+
+// Columns are as wide as their widest cell, brackets and signs included, and no wider; 3000 rows are more
+// than one block of the output.
+TEST_F(FitCommand, TheColumnsOfTheTableAreAsWideAsTheirWidestCell) {
+    std::string start, target;
+    for (int i = 0; i < 3000; ++i) {
+        const std::string name = "P" + std::to_string(i) + ";";
+        const std::string rest = std::to_string(i * 37 % 1000) + ";" + std::to_string(i * 91 % 1000) + "\n";
+        start += name + std::to_string(i) + ";" + rest;
+        target += name + std::to_string(i == 7 ? -4000000 : i) + ";" + rest;
+    }
+    const std::string from = Write("w1.txt", start), to = Write("w2.txt", target);
+    for (const std::vector<std::string>& options : {std::vector<std::string>{},
+                                                    {"--digits", "6"},
+                                                    {"--leave-out", "P7:x"},
+                                                    {"--digits", "6", "--leave-out", "P7:xy"},
+                                                    {"--digits", "6", "--leave-out", "P8:z"}}) {
+        std::vector<std::string> arguments = {from, to};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const Outcome outcome = Fit(arguments);
+        std::istringstream lines(outcome.Out.substr(outcome.Out.find("\nDeviation") + 1));
+        std::string line;
+        std::getline(lines, line);
+        // Where the headings end the cells do.
+        std::vector<std::size_t> ends;
+        for (const char* heading : {" dx", " dy", " dz", " 3D"}) ends.push_back(line.find(heading) + 3);
+        std::array<std::size_t, 4> widest{};
+        std::size_t rows = 0;
+        for (; std::getline(lines, line) && line.starts_with("P"); ++rows)
+            for (std::size_t k = 0; k < 4; ++k) {
+                const std::size_t end = ends[k];
+                ASSERT_NE(line[end - 1], ' ') << line;
+                ASSERT_TRUE(end == line.size() || line[end] == ' ') << line;
+                widest[k] = std::max(widest[k], end - line.rfind(' ', end - 1) - 1);
+            }
+        EXPECT_EQ(rows, 3000U);
+        for (std::size_t k = 0; k < 4; ++k)
+            EXPECT_EQ(ends[k] - (k == 0 ? 12 : ends[k - 1]), 2 + std::max<std::size_t>(widest[k], 10)) << k;
+    }
+}
+
+TEST_F(FitCommand, TheJsonIsLaidOutAsAWhole) {
+    const auto expectLaidOut = [](std::vector<std::string> arguments) {
+        arguments.emplace_back("--json");
+        const std::string text = Fit(arguments).Out;
+        EXPECT_EQ(nlohmann::ordered_json::parse(text).dump(2) + "\n", text);
+    };
+    expectLaidOut({kMeasured, kNominal, "--details"});  // points of one file alone, and notes
+    expectLaidOut({start_, target_, "--protocol"});     // lists without an element
 }
 
 TEST_F(FitCommand, JsonIsValidWithNamesOfAnyBytes) {
