@@ -32,10 +32,13 @@ public:
         Run.Model = Adjustment.Model = ChooseModel(fit.ParamText);
         Run.Run = BeginFitOfJob(Run.Kind);
         Run.InUse = WeightsFromUseFlags(fit.n);
-        Run.P = fit.P;
+        std::swap(Run.P, fit.P);
         std::swap(Run.Points, fit.Points);
     }
-    ~RunOfJob() { std::swap(Run.Points, fit_.Points); }
+    ~RunOfJob() {
+        std::swap(Run.P, fit_.P);
+        std::swap(Run.Points, fit_.Points);
+    }
     RunOfJob(const RunOfJob&) = delete;
     RunOfJob& operator=(const RunOfJob&) = delete;
 
@@ -50,7 +53,6 @@ public:
         fit_.HeldByFit = Run.HeldByFit;
         fit_.Q = std::move(Run.Result.Q);
         fit_.v = std::move(Run.Result.v);
-        fit_.P = std::move(Run.P);
         return true;
     }
     NormRun Run;
