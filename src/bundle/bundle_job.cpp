@@ -9,6 +9,7 @@
 #include "core/run.h"
 #include "core/window.h"
 #include "import/form_input_files.h"
+#include "import/import_request.h"
 #include "import/matching.h"
 #include "import/point_file.h"
 #include "import/robot_files.h"
@@ -31,8 +32,7 @@ struct HandOver {
 
 // What the points of an earlier job were beside points.
 void ForgetKindOfJob() {
-    for (const InputKind& kind : InputKinds()) *kind.IsKind = kFalse;
-    Run.IsDefault = kTrue;
+    MakeJobOfKind(TargetKind::Points);
     if (IsLoaded("FormInputFiles")) SetIndex(InputFiles.ComboOCS_Data, 0);
     Job.ParaboloidShape = Matrix{};
     Job.RobotABC = Matrix{};

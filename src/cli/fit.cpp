@@ -1,8 +1,7 @@
-// `corvinade-cli fit`: drives the same dialog and the same calculation as the desktop does.
+// `corvinade-cli fit`: asks for the same import and runs the same calculation as the desktop does.
 #include "cli/fit.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <optional>
 #include <ostream>
@@ -35,17 +34,14 @@
 #include "engine/norm_table.h"
 #include "engine/pose_file.h"
 #include "engine/solution_details.h"
-#include "fit/require.h"
 #include "fit/vector.h"
-#include "import/form_input_files.h"
+#include "import/import_request.h"
 
 namespace {
 
-// Answers the questions of the import: Yes or No as the user has said beforehand, the tolerance from
-// its option.
+// Answers the questions of a calculation: Yes or No as the user has said beforehand.
 void AnswerQuestions(const FitOptions& options) {
     Headless.OnQuestion = [&options](const DialogShown& dialog) -> std::optional<std::string> {
-        if (dialog.Kind == "input") return PlainText(options.Tolerance_mm);
         if (dialog.Kind != "message" || !options.Questions) return std::nullopt;
         const std::string wanted = *options.Questions ? "Yes" : "No";
         const bool has =
@@ -81,7 +77,6 @@ void SetUp(const FitOptions& options) {
     Settings.ScaleDigits = static_cast<std::int16_t>(options.ScaleDigits);
     ShowWindow("FormMain");
     Initialisieren();
-    Run.Delimiter = options.Delimiter;
     if (options.MonteCarloRuns == 0) return;
     MonteCarlo.MonteCarloOn = kTrue;
     Settings.MonteCarloRuns = options.MonteCarloRuns;
@@ -91,38 +86,32 @@ void SetUp(const FitOptions& options) {
     SeedNoise(options.Seed);
 }
 
-// The entry of the list of target files.
-int EntryOf(const std::string& targetKind) {
-    constexpr std::array<const char*, 7> kKinds = {"points", "kuka",       "abb",       "fanuc",
-                                                   "xyzabc", "quaternion", "paraboloid"};
-    const auto* const found = std::find(kKinds.begin(), kKinds.end(), targetKind);
-    Require(found != kKinds.end());
-    return static_cast<int>(found - kKinds.begin());
+Pairing WayOf(const std::string& match) {
+    if (match == "coordinate") return Pairing::ByCoordinate;
+    return match == "distance" ? Pairing::ByDistance : Pairing::ByID;
 }
 
-bool Import(const FitOptions& options) {
-    ShowWindow("FormInputFiles");
-    FormInputFiles& w = InputFiles;
-    SetText(w.TextNameMCS, options.Start);
-    SetText(w.TextNameOCS, options.Target);
-    SetIndex(w.ComboOCS_Data, EntryOf(options.TargetKind));
-    if (options.Match == "coordinate") SetValue(w.OptionByCoordinate, 1);
-    if (options.Match == "distance") SetValue(w.OptionByDis, 1);
-    if (options.OnlyFirst > 0) {
-        SetValue(w.CheckUseOnlyFirst, 1);
-        SetText(w.TextMaxOCS, std::to_string(options.OnlyFirst));
-    }
-    w.ReadsDeclarations = true;
-    const bool wentThrough = UserClick(w.BtnOK);
-    UnloadWindow("FormInputFiles");
-    return wentThrough && IsTrue(Run.JobDataValid) && !IsTrue(Run.ImportFailed);
-}
-
-// The question that nobody has answered, for the message; "" when there is none.
-std::string OpenQuestion() {
-    for (const DialogShown& dialog : Headless.Dialogs)
-        if (dialog.Buttons.size() > 1 && !dialog.Answer) return OneParagraph(dialog.Text);
-    return "";
+// Its questions are answered as the user has said beforehand, and stand among the messages with their answer;
+// `open` gets the first one that nobody has answered, which counts as No.
+ImportRequest RequestOf(const FitOptions& options, std::string& open) {
+    ImportRequest request;
+    request.StartPath = options.Start;
+    request.TargetPath = options.Target;
+    request.Kind = TargetKindByName(options.TargetKind);
+    request.ByDeclarations = true;
+    request.Delimiter = options.Delimiter;
+    request.Way = WayOf(options.Match);
+    request.Tolerance_mm = options.Tolerance_mm;
+    if (options.OnlyFirst > 0) request.OnlyFirst = std::to_string(options.OnlyFirst);
+    if (options.Decimal) request.How.Decimal = *options.Decimal;
+    request.How.YesNo = [&options, &open](const std::string& text, const std::string& title) {
+        DialogShown question{"message", title, text, {"Yes", "No"}, "Yes", "", {}, ""};
+        if (options.Questions) question.Answer = *options.Questions ? "Yes" : "No";
+        if (!options.Questions && open.empty()) open = OneParagraph(text);
+        Headless.Dialogs.push_back(std::move(question));
+        return options.Questions.value_or(false);
+    };
+    return request;
 }
 
 std::string TooFewPairs(const FitOptions& options) {
@@ -189,10 +178,11 @@ int TakePoints(const FitOptions& options, std::ostream& err, bool showProgress) 
     for (const std::string& path : {options.Start, options.Target})
         if (!Dispatch([&path] { CheckReadable(path); }))
             return Refuse(err, kUnreadable, Run.LastPlatformError);
-    const bool imported = Import(options);
+    std::string question;
+    ImportOutcome outcome = ImportOutcome::NotRead;
+    Dispatch([&] { outcome = Import(RequestOf(options, question)); });
     if (showProgress && Headless.Yields > 0) err << "\r\x1b[K" << std::flush;
-    if (!imported) {
-        const std::string question = OpenQuestion();
+    if (outcome != ImportOutcome::Done) {
         WriteMessages(err);
         if (!question.empty())
             return Refuse(err, kUnreadable,

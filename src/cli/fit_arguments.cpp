@@ -12,6 +12,7 @@
 #include "engine/noise.h"
 #include "engine/norm_table.h"
 #include "engine/presets.h"
+#include "import/robot_files.h"
 
 namespace {
 
@@ -167,13 +168,9 @@ void AddMonteCarloOptions(CLI::App& fit, FitOptions& o) {
 
 // What stands in place of points that fall on their targets.
 void AddRobotOptions(CLI::App& fit, FitOptions& o) {
-    fit.add_option("--as", o.TargetKind,
-                   "TARGET is a robot program: declarations (.dat), fixed columns (.ls),\n"
-                   "robot targets (.modx), or text, a line a pose: name x y z and a\n"
-                   "quaternion or three angles; or the profile of a shape of\n"
-                   "revolution, text, a line a point: radius and height")
-        ->check(OneOf({"kuka", "fanuc", "abb", "quaternion", "xyzabc", "paraboloid"}))
-        ->type_name("kuka|fanuc|abb|quaternion|xyzabc|paraboloid")
+    fit.add_option("--as", o.TargetKind, kInputKindsInWords)
+        ->check(OneOf(TargetKindNames()))
+        ->type_name(Choices(TargetKindNames()))
         ->group("Points");
     const char* const group = "Model";
     auto* distance = fit.add_flag("--r-dist", o.RDist,
@@ -235,9 +232,9 @@ void AddFormOptions(CLI::App& fit, FitOptions& o) {
 
 // What a job has of its own. (Told as what the option excludes it would make a very long line of the help.)
 std::string CheckJobOptions(const FitOptions& o) {
-    if (o.Tool && o.Job.empty() && (o.TargetKind == "points" || o.TargetKind == "paraboloid"))
+    if (o.Tool && o.Job.empty() && InputKindOf(TargetKindByName(o.TargetKind)).Read == nullptr)
         return "--tool takes the orientations of a robot program: name its kind with --as";
-    if (o.TargetKind == "paraboloid" && o.Match != "id")
+    if (TargetKindByName(o.TargetKind) == TargetKind::Shape && o.Match != "id")
         return "--as paraboloid has no target points to pair with: --match does not go with it";
     if (o.Job.empty())
         return o.Start.empty() || o.Target.empty() ? "fit takes START and TARGET, or --job FILE.cvn" : "";

@@ -7,6 +7,8 @@
 
 #include "core/arrays.h"
 
+struct TargetFile;
+
 // --- core/: the job commands and the job file -------------------------------------------------------------
 void JobChanged();  // asks whether a changed job shall be saved
 // Opens a job file: closes all windows, sets the run to "no data", asks and tells what there is to say of the
@@ -40,7 +42,7 @@ void HeldValues_UnitsChanged(double lengthBefore, double angleBefore);
 double CalculationSigmaXYZ();  // of the last calculation, mm
 
 // --- paraboloid/ and bundle/ ------------------------------------------------------------------------------
-void EinlesenParaboloidData();    // reads the shape file that the input dialog names as target
+void EinlesenParaboloidData(const TargetFile& file);  // reads the shape file of an import
 void ParaboloidNearestTargets();  // each start point's nearest point of the shape becomes its target
 void CalculateParaboloid();  // the passes of a calculation of a job with a shape, and its Monte Carlo runs
 void ReadBundleFile(const std::string& path);  // the reader behind the bundle file of the input dialog

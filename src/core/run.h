@@ -21,14 +21,13 @@ struct RunRecord {
     Flag StopRequested = kFalse;            // the user asked a long run to stop
     std::string Delimiter;                  // the field delimiter last found in a point file
 
-    // The kinds of target file that no job stores; with IsParaboloid, IsKuka and IsQuaternion of the
-    // job at most one of the seven is true.
+    // Kinds of target file that no job stores; with IsParaboloid, IsKuka and IsQuaternion of the job at most
+    // one of the seven is true.
     Flag IsDefault = kFalse, IsABBModx = kFalse, IsFanuc = kFalse, IsXYZABC = kFalse;
 
     Flag ImportFailed = kFalse;
     Flag RobotFileHasId = kFalse;  // the file check skips a first column
     Flag OverwriteQuiet = kFalse;  // the clipboard round trip replaces points without a question
-    std::string PathReader;        // the target file of an import of another kind than two point files
     // Largest minus smallest angle of a robot program, by the columns of Job.RobotABC, rad.
     double SpanA = 0, SpanB = 0, SpanC = 0;
     float Etta = 0;  // tolerance of the matching, mm

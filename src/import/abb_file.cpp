@@ -7,10 +7,8 @@
 
 #include "core/notes.h"
 #include "core/platform.h"
-#include "core/run.h"
 #include "core/text.h"
 #include "import/abb_targets.h"
-#include "import/form_input_files.h"
 #include "import/pose_quaternion.h"
 #include "import/robot_files.h"
 #include "import/robot_program.h"
@@ -74,8 +72,8 @@ AbbLeft LeftOf(const std::vector<AbbTarget>& targets) {
     return {static_cast<std::int64_t>(targets.size()), targets.empty() ? 0 : targets.front().Row};
 }
 
-void ReadByDeclarations() {
-    RobotProgram program(Run.PathReader);
+void ReadByDeclarations(const TargetFile& file) {
+    RobotProgram program(file);
     const AbbTargets found = FindTargets(program);
     const auto n = static_cast<std::int64_t>(found.FirstBlock.size());
     if (found.EmptyLine) TellOfFurtherBlocks(n);
@@ -149,8 +147,8 @@ void NoteOtherThanTargets(RobotProgram& program, std::set<std::int64_t> rows) {
             program.File.Path, static_cast<int>(doubtful.First), static_cast<int>(doubtful.Count));
 }
 
-void ReadByLines() {
-    RobotProgram program(Run.PathReader);
+void ReadByLines(const TargetFile& file) {
+    RobotProgram program(file);
     const std::int64_t n = CountPoses(program);
     program.Lines = LineWalk(program.File);
     MatrixAngles fromMatrix;
@@ -170,6 +168,6 @@ void ReadByLines() {
 
 }  // namespace
 
-void EinlesenABB_MODX() {
-    InputFiles.ReadsDeclarations ? ReadByDeclarations() : ReadByLines();
+void EinlesenABB_MODX(const TargetFile& file) {
+    file.ByDeclarations ? ReadByDeclarations(file) : ReadByLines(file);
 }

@@ -12,7 +12,6 @@
 #include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
-#include "core/run.h"
 #include "core/text.h"
 #include "core/units.h"
 #include "import/point_file_checks.h"
@@ -58,12 +57,12 @@ std::size_t Less(std::size_t place, std::size_t count) {
     return place < count ? 0 : place - count;
 }
 
-void ReadPoses(const std::string& path) {
-    RobotProgram program(path);
+void ReadPoses(const TargetFile& file) {
+    RobotProgram program(file);
     std::int64_t n = 0;
     wieOftStringinFile(program.File, "]{", n);
     PoseTable poses(program, n, Units.AngleFactor);
-    RowNotes notes(path, '\0', PointFields(true));
+    RowNotes notes(file.Path, '\0', PointFields(true));
     std::int64_t taken = 0;
     const auto end = [&] {
         notes.Write();
@@ -71,7 +70,7 @@ void ReadPoses(const std::string& path) {
             AddNote(
                 NoteCode::PosesSkipped,
                 "What looks like a pose stands outside of the section of poses; its place stays without a point",
-                path, 0, static_cast<int>(n - taken));
+                file.Path, 0, static_cast<int>(n - taken));
     };
     do NeedLine(program);
     while (!program.Line.starts_with("/POS"));
@@ -104,9 +103,9 @@ void ReadPoses(const std::string& path) {
 
 }  // namespace
 
-void EinlesenFanucDatei(const std::string& path) {
+void EinlesenFanucDatei(const TargetFile& file) {
     try {
-        ReadPoses(path);
+        ReadPoses(file);
     } catch (const PlatformError&) {
         ShowMessage("Error while importing FANUC Data");
         throw;  // it tells where

@@ -1,6 +1,9 @@
 // The dialog in which a job gets its points: its controls and what they do to each other.
 #include "import/form_input_files.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "core/controller.h"
 #include "core/files.h"
 #include "core/job.h"
@@ -10,6 +13,7 @@
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
+#include "import/import_request.h"
 #include "import/point_file.h"
 #include "import/point_file_checks.h"
 #include "import/robot_files.h"
@@ -113,6 +117,31 @@ void ShowForIdentification() {
     const bool byDistance = w.OptionByDis.Value == 1;
     for (Control* shown : {&w.LabelMaxOCS1, &w.LabelMaxOCS2, &w.TextMaxOCS}) shown->Visible = byDistance;
     w.CheckRenameMCS.Visible = w.CheckRenameOCS.Visible = w.OptionByCoordinate.Value == 1;
+}
+
+Pairing ChosenWay() {
+    const FormInputFiles& w = InputFiles;
+    if (w.OptionByID.Value == 1 || !w.OptionByID.Enabled) return Pairing::ByID;
+    if (w.OptionByDis.Value == 1 && w.OptionByDis.Enabled) return Pairing::ByDistance;
+    if (w.OptionByCoordinate.Value == 1 && w.OptionByCoordinate.Enabled) return Pairing::ByCoordinate;
+    return Pairing::None;
+}
+
+ImportRequest RequestOfDialog() {
+    const FormInputFiles& w = InputFiles;
+    ImportRequest request;
+    request.StartPath = w.TextNameMCS.Text;
+    request.TargetPath = w.TextNameOCS.Text;
+    request.StartName = w.TextRenameMCS.Text;
+    request.TargetName = w.TextRenameOCS.Text;
+    request.Kind = static_cast<TargetKind>(std::max(w.ComboOCS_Data.Index, 0));
+    request.Way = ChosenWay();
+    request.RenameStart = w.CheckRenameMCS.Value == 1;
+    request.RenameTarget = w.CheckRenameOCS.Value == 1;
+    if (w.CheckUseOnlyFirst.Value == 1) request.OnlyFirst = w.TextMaxOCS.Text;
+    request.ReplacesQuietly = IsTrue(Run.OverwriteQuiet);
+    request.Window = FormInputFiles_Entry.Name;
+    return request;
 }
 
 }  // namespace
@@ -269,6 +298,15 @@ void FormInputFiles::BtnSpezial_Click() {
         next();
     }
     Spezial.Blocks = std::move(read);
+}
+
+void myBtn_OK() {
+    const std::string bundle = std::exchange(InputFiles.BundleFile, "");
+    if (bundle.empty()) {
+        Import(RequestOfDialog());
+    } else {
+        ReadBundleFile(bundle);
+    }
 }
 
 void FormInputFiles::BtnOK_Click() {

@@ -57,9 +57,6 @@ struct FormInputFiles {
     Control BtnApply = Button("&Apply");
     Control BtnCancel = Button("Cancel");
 
-    // The command line reads robot programs by their declarations; the window by the beginnings of their
-    // lines.
-    bool ReadsDeclarations = false;
     std::string BundleFile;  // a bundle input file that the next import reads in place of two point files
 
     static void Form_Load();
@@ -92,15 +89,8 @@ struct FormInputFiles {
 inline FormInputFiles InputFiles;
 extern const WindowEntry FormInputFiles_Entry;
 
-// The whole import, from the controls of the dialog: both files read, paired, the working set filled.
-// Says what is wrong in messages and leaves what was read so far; Run.JobDataValid is set only for a
-// whole job, Run.ImportFailed tells the caller. Throws PlatformError on a file or number that cannot be
-// read; counts and arrays fit each other then too.
+// The import that the controls of the dialog ask for (import/import_request.h), or that of the bundle file.
 void myBtn_OK();
-
-// What stays open shows the points that have just come in: the statistic, the calculation begun anew. The job
-// is changed.
-void ShowNewPoints();
 
 // The block text that BtnSpezial reads: one 3 by 3 part a block. No other room uses it.
 struct SpezialRecord {

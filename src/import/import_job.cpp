@@ -1,4 +1,4 @@
-// The import of a job from two files, and the round trip through the clipboard.
+// The import of a job from two files.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -16,13 +16,12 @@
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
-#include "core/units.h"
+#include "core/window.h"
 #include "import/auto_find.h"
-#include "import/form_input_files.h"
+#include "import/import_request.h"
 #include "import/long_import.h"
 #include "import/matching.h"
 #include "import/point_file.h"
-#include "import/robot_files.h"
 #include "import/row_notes.h"
 
 namespace {
@@ -68,11 +67,11 @@ const std::string& CoordinateText() {
     return text;
 }
 
-// Asks for the tolerance of the matching until it is not 0. False when the user gives none.
-bool AskEtta(const std::string& text) {
-    Run.Etta = 0;
+// Takes the tolerance of the matching, or asks for it until it is not 0. False when the user gives none.
+bool TakeEtta(const ImportRequest& request, const std::string& text) {
+    Run.Etta = static_cast<float>(request.Tolerance_mm.value_or(0));
     while (Run.Etta == 0) {
-        const auto answer = AskInput(text, "Etta Value", PlainText(0.8));
+        const auto answer = request.AskLine(text, "Etta Value", PlainText(0.8));
         if (!answer || answer->empty()) return false;
         Run.Etta = static_cast<float>(NumberFromText(*answer, "Etta Value"));
     }
@@ -84,15 +83,20 @@ void AddPrefix(std::vector<std::string>& names, const char* prefix) {
         if (!names[i].empty()) names[i].insert(0, prefix);  // an unused element stays without a name
 }
 
-MatchingOptions OptionsOfDialog() {
-    const FormInputFiles& w = InputFiles;
+MatchingOptions OptionsOf(const ImportRequest& request) {
     MatchingOptions options;
-    options.CheckRenameMCS = w.CheckRenameMCS.Value == 1;
-    options.CheckRenameOCS = w.CheckRenameOCS.Value == 1;
-    options.CheckUseOnlyFirst = w.CheckUseOnlyFirst.Value == 1;
-    if (options.CheckUseOnlyFirst && w.OptionByDis.Value == 1)
-        options.TextMaxOCS = NumberFromText(w.TextMaxOCS.Text, "Number of OCS points");
+    options.CheckRenameMCS = request.RenameStart;
+    options.CheckRenameOCS = request.RenameTarget;
+    options.CheckUseOnlyFirst = request.OnlyFirst.has_value();
+    if (request.OnlyFirst && request.Way == Pairing::ByDistance)
+        options.TextMaxOCS = NumberFromText(*request.OnlyFirst, "Number of OCS points");
     return options;
+}
+
+// The file that the target points are read from as text. A kind with a reader of its own has none, and the
+// targets of a shape are found on it: there the start points stand in their place.
+const std::string& TargetPointFile(const ImportRequest& request) {
+    return request.Kind == TargetKind::Points ? request.TargetPath : request.StartPath;
 }
 
 // Sorts and pairs by name. False when the import must stop.
@@ -104,17 +108,14 @@ bool MatchByName() {
 }
 
 // Reads both files, the target by the reader of its kind. False when the import must stop.
-bool ReadBothFiles(bool byID) {
-    const InputKind& kind = ChosenKind();
-    Einlesen_Neu();
+bool ReadBothFiles(const ImportRequest& request) {
+    const InputKind& kind = InputKindOf(request.Kind);
+    Einlesen_Neu(
+        {request.StartPath, TargetPointFile(request), request.Kind == TargetKind::Shape, request.How});
     if (IsTrue(Run.ImportFailed)) return false;
-    // The poses of a module bear numbers alone, in its order; so do then the points that pair with them.
-    if (byID && IsTrue(Run.IsABBModx))
+    if (request.Way == Pairing::ByID && kind.NumbersPoints)
         for (std::size_t i = 1; i < Job.MCS_Name.size(); ++i) Job.MCS_Name[i] = std::to_string(i);
-    if (kind.Read != nullptr) {
-        kind.Read();
-        Job.PathOCS = Run.PathReader;
-    }
+    if (kind.Read != nullptr) kind.Read({request.TargetPath, request.ByDeclarations, request.How});
     return !IsTrue(Run.ImportFailed);
 }
 
@@ -125,45 +126,54 @@ void NoteDoubleNamesOfFiles() {
 }
 
 // Each way of identifying reads both files and pairs the points. False when the import must stop.
-bool ImportByID() {
-    return ReadBothFiles(true) && MatchByName();
+bool ImportByID(const ImportRequest& request) {
+    return ReadBothFiles(request) && MatchByName();
 }
 
-bool ImportByDistance() {
-    if (!ReadBothFiles(false)) return false;
+bool ImportByDistance(const ImportRequest& request) {
+    if (!ReadBothFiles(request)) return false;
     NoteDoubleNamesOfFiles();
-    const MatchingOptions options = OptionsOfDialog();
-    if (!AskEtta(DistanceText())) return false;
+    const MatchingOptions options = OptionsOf(request);
+    if (!TakeEtta(request, DistanceText())) return false;
     AddPrefix(Job.MCS_Name, "MCS_");
     AddPrefix(Job.OCS_Name, "OCS_");
     AutoFindPts(options);
     return !IsTrue(Run.ImportFailed) && MatchByName();
 }
 
-bool ImportByCoordinate() {
-    if (!ReadBothFiles(false)) return false;
+bool ImportByCoordinate(const ImportRequest& request) {
+    if (!ReadBothFiles(request)) return false;
     NoteDoubleNamesOfFiles();
-    const MatchingOptions options = OptionsOfDialog();
+    const MatchingOptions options = OptionsOf(request);
     Job.ScaleX = Job.ScaleY = Job.ScaleZ = 1;
-    if (!AskEtta(CoordinateText())) return false;
+    if (!TakeEtta(request, CoordinateText())) return false;
     if (!options.CheckRenameMCS && !options.CheckRenameOCS) {
         AddPrefix(Job.MCS_Name, "MCS_");
         AddPrefix(Job.OCS_Name, "OCS_");
     }
     PärchenSuchen(options);
     if (IsTrue(Run.ImportFailed) || IsTrue(Run.StopRequested)) return false;
-    if (options.CheckRenameMCS) RewritePointFile(Job.PathMCS, Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z);
+    if (options.CheckRenameMCS)
+        RewritePointFile(request.StartPath, Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z,
+                         request.How.Decimal);
     // A robot program has more in it than points, and no place for their names.
-    if (options.CheckRenameOCS && ChosenKind().Read == nullptr)
-        RewritePointFile(Job.PathOCS, Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
+    if (options.CheckRenameOCS && InputKindOf(request.Kind).Read == nullptr)
+        RewritePointFile(TargetPointFile(request), Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z,
+                         request.How.Decimal);
     return MatchByName();
 }
 
-bool ImportPoints() {
-    const FormInputFiles& w = InputFiles;
-    if (w.OptionByID.Value == 1 || !w.OptionByID.Enabled) return ImportByID();
-    if (w.OptionByDis.Value == 1 && w.OptionByDis.Enabled) return ImportByDistance();
-    if (w.OptionByCoordinate.Value == 1 && w.OptionByCoordinate.Enabled) return ImportByCoordinate();
+bool ImportPoints(const ImportRequest& request) {
+    switch (request.Way) {
+        case Pairing::ByID:
+            return ImportByID(request);
+        case Pairing::ByCoordinate:
+            return ImportByCoordinate(request);
+        case Pairing::ByDistance:
+            return ImportByDistance(request);
+        case Pairing::None:
+            break;
+    }
     return false;
 }
 
@@ -174,9 +184,8 @@ bool FileIsThere(const std::string& path) {
     return false;
 }
 
-// On the way out of an import, however it ends: counts and arrays fit each other, a job that an error has
-// left half read is not valid, and the target path that a robot file's import has lent to the start file
-// is put back.
+// On the way out of an import, however it ends: counts and arrays fit each other, and a job that an error has
+// left half read is not valid.
 struct ImportGuard {
     ImportGuard() = default;
     ImportGuard(const ImportGuard&) = delete;
@@ -184,8 +193,6 @@ struct ImportGuard {
     ~ImportGuard() {
         RepairJobCounts();
         Run.StopRequested = kFalse;  // a stop ends this import, not the calculation after it
-        const bool isLent = lends_ && !Run.PathReader.empty() && Job.PathOCS == lent_;
-        if (isLent) Job.PathOCS = Run.PathReader;
         if (Whole || std::uncaught_exceptions() == exceptions_) return;
         Run.JobDataValid = Run.TrafoValid = kFalse;
         ProgrammLogik();
@@ -193,34 +200,26 @@ struct ImportGuard {
     bool Whole = false;  // all points are read and paired
 
 private:
-    bool lends_ = !IsTrue(Run.IsDefault);
-    std::string lent_ = Job.PathOCS;  // another path is that of another job, opened during the search
     int exceptions_ = std::uncaught_exceptions();
 };
 
-// The entry that the dialog shows; without one the first.
-const InputKind& KindOfDialog() {
-    const int index = InputFiles.ComboOCS_Data.Index;
-    return InputKinds()[static_cast<std::size_t>(std::max(index, 0))];
-}
-
-// As an import goes on the job becomes one of the kind that the dialog has chosen. Unless the import comes to
+// As an import goes on the job becomes one of the kind of its request. Unless the import comes to
 // its end the job is again of the kind that it was, with its orientations where its target points are still
 // there: a Save must not lose what it had.
 class KindOfImport {
 public:
-    KindOfImport(const InputKind& chosen, JobBeforeImport& before) : before_(before) {
-        for (std::size_t i = 0; i < flags_.size(); ++i) {
-            flags_[i] = *InputKinds()[i].IsKind;
-            *InputKinds()[i].IsKind = kFalse;
-        }
-        *chosen.IsKind = kTrue;
-        Settings.LastDropDownInfoInOCS = static_cast<std::int16_t>(&chosen - InputKinds().data());
+    KindOfImport(TargetKind chosen, JobBeforeImport& before) : before_(before) {
+        for (const InputKind& kind : InputKinds())
+            if (kind.IsKind != nullptr) flags_.push_back(*kind.IsKind);
+        MakeJobOfKind(chosen);
+        Settings.LastDropDownInfoInOCS = static_cast<std::int16_t>(chosen);
     }
     ~KindOfImport() {
         const bool isOtherJob = before_.Overtaken || Run.JobFilePath != jobPath_;
         if (Kept || isOtherJob) return;
-        for (std::size_t i = 0; i < flags_.size(); ++i) *InputKinds()[i].IsKind = flags_[i];
+        std::size_t i = 0;
+        for (const InputKind& kind : InputKinds())
+            if (kind.IsKind != nullptr) *kind.IsKind = flags_[i++];
         Settings.LastDropDownInfoInOCS = last_;
         before_.RestorePoses();
     }
@@ -229,30 +228,30 @@ public:
     bool Kept = false;
 
 private:
-    static constexpr std::size_t kKinds = 7;
     JobBeforeImport& before_;
-    std::array<Flag, kKinds> flags_{};
+    std::vector<Flag> flags_;  // of the kinds that have one
     std::int16_t last_ = Settings.LastDropDownInfoInOCS;
     std::string jobPath_ = Run.JobFilePath;
 };
 
 // A program gives each of its poses an orientation, which a fit of the tool vector needs.
-void NotePairsWithoutOrientation() {
+void NotePairsWithoutOrientation(const ImportRequest& request) {
     const int known = std::max(Job.RobotABC.Rows, 0);
-    if (ChosenKind().Read == nullptr || known >= Job.nIdent) return;
+    if (InputKindOf(request.Kind).Read == nullptr || known >= Job.nIdent) return;
     AddNote(NoteCode::NoOrientation,
             "Pairs have no orientation, the first is point \"" +
                 Printable(Job.MCS_Name[static_cast<std::size_t>(known) + 1]) +
                 "\": a tool vector cannot be fitted",
-            Run.PathReader, 0, Job.nIdent - known);
+            request.TargetPath, 0, Job.nIdent - known);
 }
 
 // A cancelled import leaves the points of before, and all that shows them.
-void EndCancelled(JobBeforeImport& before) {
-    if (!IsTrue(Run.StopRequested) || LongImport.Overtaken) return;
+ImportOutcome EndCancelled(JobBeforeImport& before) {
+    if (!IsTrue(Run.StopRequested) || LongImport.Overtaken) return ImportOutcome::NotRead;
     before.Restore();
     ProgrammLogik();
     if (IsTrue(Run.JobDataValid)) FuellenHaupttabelle();
+    return ImportOutcome::NotRead;
 }
 
 }  // namespace
@@ -268,34 +267,27 @@ void ShowNewPoints() {
     Run.JobDirty = kTrue;
 }
 
-void myBtn_OK() {
-    FormInputFiles& w = InputFiles;
-    if (!w.BundleFile.empty()) {
-        const std::string path = w.BundleFile;
-        w.BundleFile.clear();
-        ReadBundleFile(path);
-        return;
-    }
+ImportOutcome Import(const ImportRequest& request) {
     const BusyPointer busy;
     Run.ImportFailed = kFalse;
     const std::array<std::string, 4> before = {Job.PathMCS, Job.PathOCS, Job.NameMCS, Job.NameOCS};
     JobBeforeImport jobBefore;
-    Job.PathMCS = w.TextNameMCS.Text;
-    Job.PathOCS = w.TextNameOCS.Text;
+    const std::string startName = request.StartName.value_or(Job.NameMCS.empty() ? "MCS" : Job.NameMCS);
+    const std::string targetName = request.TargetName.value_or(Job.NameOCS.empty() ? "OCS" : Job.NameOCS);
+    Job.PathMCS = request.StartPath;
+    Job.PathOCS = request.TargetPath;
     const auto leaveJob = [&before] {
         Job.PathMCS = before[0];
         Job.PathOCS = before[1];
         Job.NameMCS = before[2];
         Job.NameOCS = before[3];
+        return ImportOutcome::NotRead;
     };
     if (!FileIsThere(Job.PathMCS) || !FileIsThere(Job.PathOCS)) return leaveJob();
-    Run.PathReader = w.TextNameOCS.Text;
-    const InputKind& chosen = KindOfDialog();
-    if (&chosen != &InputKinds().front()) Job.PathOCS = Job.PathMCS;
-    Job.NameMCS = w.TextRenameMCS.Text;
-    Job.NameOCS = w.TextRenameOCS.Text;
-    if (IsTrue(Run.JobDataValid) && !IsTrue(Run.OverwriteQuiet)) {
-        if (!AskYesNo(
+    Job.NameMCS = startName;
+    Job.NameOCS = targetName;
+    if (IsTrue(Run.JobDataValid) && !request.ReplacesQuietly) {
+        if (!request.How.YesNo(
                 "This will not add points, it will delete the old imported Points and import the new Points",
                 "Overwrite old Points?"))
             return leaveJob();
@@ -303,38 +295,39 @@ void myBtn_OK() {
         Initialisieren();
         CloseAllGraphicsWindows();
     }
-    if (w.TextNameMCS.Text.empty()) {
+    if (request.StartPath.empty()) {
         ShowMessage("There is no file for the MCS ");
-        return;
+        return ImportOutcome::NotRead;
     }
-    if (w.TextNameOCS.Text.empty()) {
+    if (request.TargetPath.empty()) {
         ShowMessage("There is no file for the OCS ");
-        return;
+        return ImportOutcome::NotRead;
     }
 
     ForgetNotes();
-    KindOfImport kind(chosen, jobBefore);
+    if (request.Delimiter) Run.Delimiter = *request.Delimiter;
+    KindOfImport kind(request.Kind, jobBefore);
     ImportGuard guard;
     std::optional<ImportUnderWay> underWay(&jobBefore);
     ++Run.JobGeneration;
-    if (!ImportPoints()) return EndCancelled(jobBefore);
+    if (!ImportPoints(request)) return EndCancelled(jobBefore);
     IdentischePkte_Neu();
     if (IsTrue(Run.ImportFailed)) return EndCancelled(jobBefore);
     underWay.reset();
     guard.Whole = kind.Kept = true;
     ForgetBlock();
-    NotePairsWithoutOrientation();
+    NotePairsWithoutOrientation(request);
     Run.JobDataValid = kTrue;  // the main sheet shows no others
     const std::uint64_t generation = Run.JobGeneration;
     FuellenHaupttabelle();
-    // Another job that has been opened during the fill has closed the dialog, and is left as it is.
-    if (Run.JobGeneration != generation && !IsLoaded("FormInputFiles")) return;
+    if (Run.JobGeneration != generation && !IsLoaded(request.Window)) return ImportOutcome::Overtaken;
     ProgrammLogik();
     UpdateAllGraphicsWindows();  // the round trip has left them open
     ShowNewPoints();
-    if (IsTrue(Job.IsParaboloid)) {
-        EinlesenParaboloidData();
-        Job.PathOCS = Run.PathReader;
+    // The dialog may have imported other points during the fill: the shape is not theirs.
+    const bool isOfThisJob = IsTrue(Job.IsParaboloid) && Job.PathOCS == request.TargetPath;
+    if (request.Kind == TargetKind::Shape && isOfThisJob) {
+        EinlesenParaboloidData({request.TargetPath, request.ByDeclarations, request.How});
         ParaboloidNearestTargets();
     }
     Settings.LastMCSRoot = Pfad(Job.PathMCS);
@@ -344,97 +337,5 @@ void myBtn_OK() {
     SettingsSchreiben({"NameMCS", "NameOCS", "LastMCSRoot", "LastOCSRoot", "MCS_FileName", "OCS_FileName",
                        "LastDropDownInfoInOCS"});
     DistanceScale_Refill();
-}
-
-// --- The round trip ---------------------------------------------------------------------------------------
-
-namespace {
-
-// A table on the clipboard: four columns start point, four columns target point. False when no line
-// holds a point.
-bool SplitClipboardTable(std::string_view table, std::string& start, std::string& target) {
-    std::string_view line;
-    while (CutLine(table, line)) {
-        std::array<std::string_view, 8> fields{};
-        for (std::string_view& field : fields) {
-            const std::size_t tab = line.find('\t');
-            field = line.substr(0, tab);
-            line = tab == std::string_view::npos ? std::string_view{} : line.substr(tab + 1);
-        }
-        const auto add = [&fields](std::size_t first, std::string& text) {
-            bool holdsSomething = false;
-            for (std::size_t i = first; i < first + 4; ++i) holdsSomething |= !fields[i].empty();
-            if (!holdsSomething) return;
-            for (std::size_t i = first; i < first + 4; ++i) {
-                if (i > first) text += '\t';
-                text += fields[i];
-            }
-            text += kLineEnd;
-        };
-        add(0, start);
-        add(4, target);
-    }
-    return !start.empty() && !target.empty();
-}
-
-// Largest minus smallest deviation of the identical points, start after the transformation minus target.
-template <class Start, class Target>
-double Span(const Start& start, const Target& target) {
-    double largest = -1e10;
-    double smallest = 1e10;
-    for (std::size_t i = 1; i <= static_cast<std::size_t>(Job.nIdent); ++i) {
-        const double deviation = TaggedValue(start[i]).value_or(0) - TaggedValue(target[i]).value_or(0);
-        largest = std::max(largest, deviation);
-        smallest = std::min(smallest, deviation);
-    }
-    return Job.nIdent == 0 ? 0 : largest - smallest;
-}
-
-struct QuietOverwrite {
-    QuietOverwrite() { Run.OverwriteQuiet = kTrue; }
-    QuietOverwrite(const QuietOverwrite&) = delete;
-    QuietOverwrite& operator=(const QuietOverwrite&) = delete;
-    ~QuietOverwrite() { Run.OverwriteQuiet = kFalse; }
-};
-
-}  // namespace
-
-void ClipboardRoundTrip() {
-    const QuietOverwrite quiet;
-    std::string start;
-    std::string target;
-    if (!SplitClipboardTable(ClipboardText(), start, target)) {
-        ShowMessage("Fehler beim Einlesen", "Corvinade");
-        return;
-    }
-    if (!Directory_Exist(SettingsFolder())) CreateFolder(SettingsFolder());
-    const std::string startPath = JoinPath(SettingsFolder(), "mcs.txt");
-    const std::string targetPath = JoinPath(SettingsFolder(), "ocs.txt");
-    WriteFile(startPath, EncodeText(start));
-    WriteFile(targetPath, EncodeText(target));
-    Job.PathMCS = startPath;
-    Job.PathOCS = targetPath;
-
-    // The dialog is where an import takes its choices from; here they are those of a new dialog, for
-    // two plain point files.
-    UnloadWindow("FormInputFiles");
-    ShowWindow("FormInputFiles");
-    SetIndex(InputFiles.ComboOCS_Data, 0);
-    myBtn_OK();
-    UnloadWindow("FormInputFiles");
-    if (IsTrue(Run.ImportFailed) || !IsTrue(Run.JobDataValid)) return;
-
-    for (std::size_t i = 1; i < Job.UseFlags.size(); ++i) Job.UseFlags[i] = 1;
-    myButtonCalculate();
-
-    std::string text = ClipboardText();
-    const auto add = [&text](const char* label, double value_mm) {
-        text +=
-            std::string("\t") + label + "\t" + FormatNumber(value_mm * Units.LengthFactor, Units.FmtLength);
-    };
-    add("s0 ", CalculationSigmaXYZ());
-    add("Spanne x ", Span(Job.TMCS_X, Job.OCS_X));
-    add("Spanne y ", Span(Job.TMCS_Y, Job.OCS_Y));
-    add("Spanne z ", Span(Job.TMCS_Z, Job.OCS_Z));
-    ToClipboard(text);
+    return IsTrue(Run.ImportFailed) ? ImportOutcome::NotRead : ImportOutcome::Done;
 }

@@ -4,10 +4,8 @@
 #include <vector>
 
 #include "core/notes.h"
-#include "core/run.h"
 #include "core/text.h"
 #include "core/units.h"
-#include "import/form_input_files.h"
 #include "import/point_file_checks.h"
 #include "import/robot_files.h"
 #include "import/robot_program.h"
@@ -91,8 +89,8 @@ std::int64_t MarksOf(std::string_view line) {
     return marks;
 }
 
-void ReadByBeginnings() {
-    RobotProgram program(Run.PathReader);
+void ReadByBeginnings(const TargetFile& file) {
+    RobotProgram program(file);
     std::int64_t n = 0, taken = 0, left = 0, firstLeft = 0;
     wieOftStringinFile(program.File, "{X", n);
     PoseTable poses(program, n, Units.AngleFactor);
@@ -220,8 +218,8 @@ void TakeDeclaredPose(const RobotProgram& program, std::size_t brace, PoseTable&
     poses.Take(program, {values[0], values[1], values[2]}, {values[3], values[4], values[5]});
 }
 
-void ReadByDeclarations() {
-    RobotProgram program(Run.PathReader);
+void ReadByDeclarations(const TargetFile& file) {
+    RobotProgram program(file);
     std::int64_t n = 0, skipped = 0, firstSkipped = 0;
     std::size_t behind = 0;
     while (NextLine(program)) {
@@ -246,6 +244,6 @@ void ReadByDeclarations() {
 
 }  // namespace
 
-void EinlesenKUKAdatDatei() {
-    InputFiles.ReadsDeclarations ? ReadByDeclarations() : ReadByBeginnings();
+void EinlesenKUKAdatDatei(const TargetFile& file) {
+    file.ByDeclarations ? ReadByDeclarations(file) : ReadByBeginnings(file);
 }

@@ -1,6 +1,7 @@
 // Reading of point files into the job.
 #include "import/point_file.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -102,7 +103,8 @@ void NoteSlowField(std::string_view field, bool good, BadField badField, const c
 }
 
 // Reads the lines of a checked file.
-PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, BadField badField) {
+PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, char decimal,
+                        BadField badField) {
     std::int64_t rows = 0;
     AnzZeilen(file, rows);
     if (rows >= std::numeric_limits<std::int32_t>::max())
@@ -112,7 +114,6 @@ PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, Bad
     const auto n = static_cast<std::size_t>(rows);
     PointColumns points(n);
     const double factor = Units.LengthFactor;
-    const char decimal = SystemDecimal();
     RowNotes notes(file.Path, delimiter, PointFields(hasName));
     std::size_t p = 0, ignored = 0;
     LineWalk lines(file);
@@ -177,7 +178,8 @@ struct Share {
 };
 
 // Checks and reads one of the two files; nothing where a message has said why not.
-bool ReadSet(const std::string& path, BadField badField, Share share, void (*replace)(PointArrays)) {
+bool ReadSet(const std::string& path, const Reading& how, BadField badField, Share share,
+             void (*replace)(PointArrays)) {
     if (!File_Exist(path)) {
         Run.ImportFailed = kTrue;
         ShowMessage("File " + path + " not found");
@@ -186,9 +188,10 @@ bool ReadSet(const std::string& path, BadField badField, Share share, void (*rep
     PointText file = LoadPointText(path);
     BeginFile(file.Text.size(), share.From, share.To);
     Flag hasName = kFalse;
-    ASCII_FileCheck(file, hasName, Run.Delimiter);
+    ASCII_FileCheck(file, hasName, Run.Delimiter, how);
     if (IsTrue(Run.ImportFailed)) return false;
-    PointColumns points = ReadPoints(file, IsTrue(hasName), DelimiterCharacter(Run.Delimiter), badField);
+    PointColumns points =
+        ReadPoints(file, IsTrue(hasName), DelimiterCharacter(Run.Delimiter), how.Decimal, badField);
     if (points.Cancelled) return false;
     replace(std::move(static_cast<PointArrays&>(points)));
     ForgetPairs();
@@ -213,16 +216,20 @@ void ForgetPairs() {
     ++Run.JobGeneration;
 }
 
-void Einlesen_Neu() {
-    if (!ReadSet(Job.PathMCS, BadField::Ends, {0, 35}, ReplaceStart)) return;
+void Einlesen_Neu(const PointFiles& files) {
+    if (!ReadSet(files.Start, files.How, BadField::Ends, {0, 35}, ReplaceStart)) return;
     Job.RobotABC = Matrix{};  // the orientations of target points that go now
-    if (IsTrue(Job.IsParaboloid)) {
+    if (files.TargetIsCopy) {
         ReplaceTarget({Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z});
         ForgetPairs();
         return;
     }
     if (!ImportGoesOn(1)) return;
-    ReadSet(Job.PathOCS, BadField::LeavesValue, {35, 70}, ReplaceTarget);
+    ReadSet(files.Target, files.How, BadField::LeavesValue, {35, 70}, ReplaceTarget);
+}
+
+void Einlesen_Neu() {
+    Einlesen_Neu({Job.PathMCS, Job.PathOCS, IsTrue(Job.IsParaboloid), {}});
 }
 
 namespace {
@@ -252,12 +259,14 @@ void NoteNamesThatAreThere(const std::string& path, const std::vector<std::strin
 bool ReadMorePoints(const std::string& path, const std::string& prefix, const std::string& suffix) {
     Run.ImportFailed = kFalse;
     const ImportUnderWay underWay(nullptr);
+    const Reading how;
     PointText file = LoadPointText(path);
     BeginFile(file.Text.size(), 0, 100);
     Flag hasName = kFalse;
-    ASCII_FileCheck(file, hasName, Run.Delimiter);
+    ASCII_FileCheck(file, hasName, Run.Delimiter, how);
     if (IsTrue(Run.ImportFailed)) return false;
-    PointColumns more = ReadPoints(file, IsTrue(hasName), DelimiterCharacter(Run.Delimiter), BadField::Ends);
+    PointColumns more =
+        ReadPoints(file, IsTrue(hasName), DelimiterCharacter(Run.Delimiter), how.Decimal, BadField::Ends);
     if (more.Cancelled) return false;
     if (!more.Error.empty()) throw PlatformError{more.Error};
 
@@ -288,12 +297,17 @@ bool ReadMorePoints(const std::string& path, const std::string& prefix, const st
 
 void RewritePointFile(const std::string& path, std::span<const std::string> names,
                       std::span<const TaggedValue> x, std::span<const TaggedValue> y,
-                      std::span<const double> z) {
+                      std::span<const double> z, char decimal) {
+    const auto number = [decimal](double value) {
+        std::string text = PlainText(value);
+        std::replace(text.begin(), text.end(), SystemDecimal(), decimal);
+        return text;
+    };
     std::string content;
     for (std::size_t i = 1; i < names.size(); ++i)
         // Line by line, as it will be decoded.
-        content += EncodeText(names[i] + Run.Delimiter + PlainText(x[i].value_or(0)) + Run.Delimiter +
-                              PlainText(y[i].value_or(0)) + Run.Delimiter + PlainText(z[i]) + kLineEnd);
+        content += EncodeText(names[i] + Run.Delimiter + number(x[i].value_or(0)) + Run.Delimiter +
+                              number(y[i].value_or(0)) + Run.Delimiter + number(z[i]) + kLineEnd);
     std::string kept = path + ".$";
     while (File_Exist(kept) || Directory_Exist(kept)) kept += ".$";
     RenameFile(path, kept);

@@ -7,15 +7,22 @@
 #include <vector>
 
 #include "core/arrays.h"
+#include "core/platform.h"
+#include "import/reading.h"
 
 // What may stand in the fifth field of a point of an adjusted network, where its distances leave points open:
 // such a one, whose coordinates are arbitrary, and all others. Any other fifth field is a remark.
 inline constexpr const char* kMarkOfOpenPoint = "open";
 inline constexpr const char* kMarkOfFixedPoint = "determined";
 
-// Reads Job.PathMCS and Job.PathOCS, all checks included, and divides every value by
-// Units.LengthFactor. For a paraboloid the target set is a copy of the start set.
-//   Reads   Job.PathMCS, PathOCS, IsParaboloid, Run.Delimiter, Units
+struct PointFiles {
+    std::string Start, Target;
+    bool TargetIsCopy = false;  // the target set is a copy of the start set, and no file is read for it
+    Reading How{};
+};
+
+// Reads two point files, all checks included, and divides every value by Units.LengthFactor.
+//   Reads   Run.Delimiter, Units
 //   Writes  MCS_*, OCS_*, nMCS, nOCS, and RobotABC, which has no rows then; no pairs are left, and the
 //   working arrays are long enough for that.
 //           Run.Delimiter, Run.ImportFailed with a message where a file is unsuitable. What was read
@@ -23,7 +30,8 @@ inline constexpr const char* kMarkOfFixedPoint = "determined";
 // Throws PlatformError where a file cannot be read or has no point, and where a field of the start file is
 // no number or too large for its unit, naming file, line and field. In the target file such a field leaves
 // its value without a number, which counts as 0.
-void Einlesen_Neu();
+void Einlesen_Neu(const PointFiles& files);
+void Einlesen_Neu();  // those of the job; the target set of one with a shape is such a copy
 
 // The counts after a change of the sets themselves: those of the name arrays, and no pair is known any more.
 // The working arrays grow to be long enough.
@@ -37,9 +45,9 @@ void ForgetPairs();
 bool ReadMorePoints(const std::string& path, const std::string& prefix, const std::string& suffix);
 
 // Writes a point file anew: a line of name, X, Y, Z in mm for each point, with Run.Delimiter between them
-// and the system's decimal delimiter. The old file is kept under its path with ".$" behind it, as often
+// and this decimal delimiter. The old file is kept under its path with ".$" behind it, as often
 // as it takes to find a free name. All arrays have their elements from 1 on; an empty value is written
 // as 0. Throws PlatformError when the disk refuses; the old file then stands in its old place.
 void RewritePointFile(const std::string& path, std::span<const std::string> names,
                       std::span<const TaggedValue> x, std::span<const TaggedValue> y,
-                      std::span<const double> z);
+                      std::span<const double> z, char decimal = SystemDecimal());

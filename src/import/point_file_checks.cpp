@@ -21,12 +21,6 @@ const std::string kBreak = kLineEnd;
 constexpr std::array<char, 8> kCandidates = {'\0', ' ', ';', ':', '*', '#', '\t', ','};
 constexpr std::size_t kComma = 7;
 
-bool SystemHasComma() {
-    Flag isComma = kFalse;
-    DezTrennzeichenIstKomma(isComma);
-    return IsTrue(isComma);
-}
-
 void Fail(const std::string& message) {
     Run.ImportFailed = kTrue;
     ShowMessage(message);
@@ -119,7 +113,7 @@ char DecimalMark(const PointText& file) {
 }
 
 // FindTrennzeichen; false where the file shows no delimiter.
-bool FindDelimiter(const PointText& file, std::string& delimiter, FileRows rows);
+bool FindDelimiter(const PointText& file, std::string& delimiter, FileRows rows, const Reading& how);
 
 }  // namespace
 
@@ -127,17 +121,17 @@ void DezTrennzeichenIstKomma(Flag& isComma) {
     isComma = ToFlag(PlainText(1.1)[1] == ',');
 }
 
-void FindTrennzeichen(const PointText& file, std::string& delimiter, FileRows rows) {
-    FindDelimiter(file, delimiter, rows);
+void FindTrennzeichen(const PointText& file, std::string& delimiter, FileRows rows, const Reading& how) {
+    FindDelimiter(file, delimiter, rows, how);
 }
 
 namespace {
 
-bool FindDelimiter(const PointText& file, std::string& delimiter, FileRows rows) {
+bool FindDelimiter(const PointText& file, std::string& delimiter, FileRows rows, const Reading& how) {
     std::array<std::int64_t, 8> counts{};
     // Block by block, so that seven counts read the memory once.
     constexpr std::size_t kBlock = 1 << 14;
-    const std::size_t end = SystemHasComma() ? kComma : kComma + 1;
+    const std::size_t end = how.Decimal == ',' ? kComma : kComma + 1;
     for (std::size_t at = 0; at < file.Text.size(); at += kBlock)
         for (std::size_t i = 1; i < end; ++i)
             counts[i] += CountByte(file.Text.substr(at, kBlock), kCandidates[i]);
@@ -178,8 +172,8 @@ void Diverse_Checks(PointText& file, std::int64_t& columns, const std::string& d
     columns = highest + 1;
 }
 
-void Check_DecimalDelimiter(PointText& file, const std::string& delimiter) {
-    const char system = SystemHasComma() ? ',' : '.';
+void Check_DecimalDelimiter(PointText& file, const std::string& delimiter, const Reading& how) {
+    const char system = how.Decimal;
     const char sign = DelimiterCharacter(delimiter);
 
     // What a character means, so that the loop over all fields tests each once.
@@ -245,7 +239,7 @@ void Check_DecimalDelimiter(PointText& file, const std::string& delimiter) {
                                  "system, which is \"" +
                                  system + "\"" + kBreak + kBreak + "Should I change the " + found +
                                  " in your File to " + system + " ?";
-    if (!AskYesNo(question, "Country Settings; issue with . and ,")) {
+    if (!how.YesNo(question, "Country Settings; issue with . and ,")) {
         Run.ImportFailed = kTrue;
         return;
     }
@@ -263,8 +257,9 @@ void Check_DecimalDelimiter(PointText& file, const std::string& delimiter) {
     WriteFile(file.Path, file.Changed);
 }
 
-bool CheckColumns(PointText& file, FileRows rows, std::string& delimiter, std::int64_t& columns) {
-    if (!FindDelimiter(file, delimiter, rows) && !delimiter.empty())
+bool CheckColumns(PointText& file, FileRows rows, std::string& delimiter, std::int64_t& columns,
+                  const Reading& how) {
+    if (!FindDelimiter(file, delimiter, rows, how) && !delimiter.empty())
         AddNote(
             NoteCode::OldDelimiter,
             "The file shows no delimiter; it is read with that of before, \"" + Printable(delimiter) + "\"",
@@ -290,15 +285,15 @@ bool CheckColumns(PointText& file, FileRows rows, std::string& delimiter, std::i
     return true;
 }
 
-void ASCII_FileCheck(PointText& file, Flag& hasName, std::string& delimiter) {
+void ASCII_FileCheck(PointText& file, Flag& hasName, std::string& delimiter, const Reading& how) {
     std::int64_t columns = 0;
-    if (!CheckColumns(file, FileRows::Points, delimiter, columns)) return;
+    if (!CheckColumns(file, FileRows::Points, delimiter, columns, how)) return;
     if (columns == 3)
         ShowMessage(InFile(file) +
                     "File has only 3 columns; they will be interpreted as x, y, z; Point Number will be "
                     "Line Number of File!");
     hasName = ToFlag(columns != 3);
-    Check_DecimalDelimiter(file, delimiter);
+    Check_DecimalDelimiter(file, delimiter, how);
 }
 
 void AnzZeilen(const PointText& file, std::int64_t& count) {

@@ -9,6 +9,7 @@
 
 #include "core/arrays.h"
 #include "import/point_text.h"
+#include "import/reading.h"
 
 // All checks on one file, in order, up to the first that fails.
 //   hasName    out: lines begin with a name, which is so unless the file has 3 columns
@@ -16,19 +17,21 @@
 // hasName is set before the decimal delimiter is checked: the readers of robot coordinates hand in
 // Run.RobotFileHasId, which that check reads.
 void ASCII_FileCheck(const std::string& path, Flag& hasName, std::string& delimiter);
-void ASCII_FileCheck(PointText& file, Flag& hasName, std::string& delimiter);
+void ASCII_FileCheck(PointText& file, Flag& hasName, std::string& delimiter, const Reading& how = {});
 
 // What the rows of a file hold: a point, with or without its name in front, or a point of a profile, which is
 // two numbers.
 enum class FileRows : std::uint8_t { Points, Shape };
 
 // The checks up to the number of columns, which is given. False, with the message, when one fails.
-bool CheckColumns(PointText& file, FileRows rows, std::string& delimiter, std::int64_t& columns);
+bool CheckColumns(PointText& file, FileRows rows, std::string& delimiter, std::int64_t& columns,
+                  const Reading& how);
 
 // Finds the field delimiter among blank ; : * # tab and comma. The comma is none where it is the
-// system's decimal delimiter, nor where the file without it is a table of numbers with decimal comma.
+// decimal delimiter, nor where the file without it is a table of numbers with decimal comma.
 void FindTrennzeichen(const std::string& path, std::string& delimiter);
-void FindTrennzeichen(const PointText& file, std::string& delimiter, FileRows rows = FileRows::Points);
+void FindTrennzeichen(const PointText& file, std::string& delimiter, FileRows rows = FileRows::Points,
+                      const Reading& how = {});
 
 // Counts the columns of every line by its single delimiter characters.
 //   columns      out: highest number of them; below 0 when no line holds anything
@@ -39,10 +42,10 @@ void Diverse_Checks(PointText& file, std::int64_t& columns, const std::string& d
                     std::int64_t& firstBadRow);
 
 // Compares the decimal delimiter of the first three fields (of those behind the first one with
-// Run.RobotFileHasId) with the system's. Where they differ the user is asked whether the file shall be
+// Run.RobotFileHasId) with that of the reading. Where they differ the user is asked whether the file shall be
 // changed; on Yes the file on disk is rewritten, and `file` holds the new content.
 void Check_DecimalDelimiter(const std::string& path, const std::string& delimiter);
-void Check_DecimalDelimiter(PointText& file, const std::string& delimiter);
+void Check_DecimalDelimiter(PointText& file, const std::string& delimiter, const Reading& how = {});
 
 // Is the system's decimal delimiter the comma?
 void DezTrennzeichenIstKomma(Flag& isComma);

@@ -69,8 +69,8 @@ void ReadLines(RobotProgram& program, const FieldNames& fields, Take take) {
 }
 
 // Checks the file as a point file and counts its poses. False where a message has said what is wrong.
-bool Check(RobotProgram& program, std::int64_t& n) {
-    ASCII_FileCheck(program.File, Run.RobotFileHasId, Run.Delimiter);
+bool Check(RobotProgram& program, const Reading& how, std::int64_t& n) {
+    ASCII_FileCheck(program.File, Run.RobotFileHasId, Run.Delimiter, how);
     program.Lines = LineWalk(program.File);
     AnzZeilen(program.File, n);
     return !IsTrue(Run.ImportFailed);
@@ -78,10 +78,10 @@ bool Check(RobotProgram& program, std::int64_t& n) {
 
 }  // namespace
 
-void EinlesenABB() {
-    RobotProgram program(Run.PathReader);
+void EinlesenABB(const TargetFile& file) {
+    RobotProgram program(file);
     std::int64_t n = 0;
-    if (!Check(program, n)) return;
+    if (!Check(program, file.How, n)) return;
     MatrixAngles fromMatrix;
     {
         constexpr double kRadians = 1;  // which the angles of quaternions are in
@@ -95,10 +95,10 @@ void EinlesenABB() {
     NoteMatrixAngles(program, fromMatrix);
 }
 
-void EinlesenXYZABC() {
-    RobotProgram program(Run.PathReader);
+void EinlesenXYZABC(const TargetFile& file) {
+    RobotProgram program(file);
     std::int64_t n = 0;
-    if (!Check(program, n)) return;
+    if (!Check(program, file.How, n)) return;
     PoseTable poses(program, n, Units.AngleFactor);
     ReadLines<6>(program, {"name", "x", "y", "z", "a", "b", "c"},
                  [&](const std::string& name, const std::array<double, 6>& v) {

@@ -1,31 +1,30 @@
 // The kinds of target file.
 #include "import/robot_files.h"
 
-#include "core/job.h"
-#include "core/refresh.h"
-#include "core/run.h"
+#include <algorithm>
 
-namespace {
+#include "fit/require.h"
 
-const InputKind kKinds[] = {
-    {"Default - [Ptnr = optional], x, y z", &Run.IsDefault, nullptr},
-    {"Kuka Robot file (*.dat) A = Rz, B = Ry', C = Rx''", &Job.IsKuka, EinlesenKUKAdatDatei},
-    {"ABB Robot file (*.modx) x y z q1 q2 q3 q4", &Run.IsABBModx, EinlesenABB_MODX},
-    {"Fanuc Robot file (*.ls) W = Rx, P = Ry', R = Rz''", &Run.IsFanuc,
-     [] { EinlesenFanucDatei(Run.PathReader); }},
-    {"only coordinates and R-Angles x, y, z, A = Rz, B = Ry', C = Rx''", &Run.IsXYZABC, EinlesenXYZABC},
-    {"only coordinates and quaternions x, y, z, q1, q2, q3, q4", &Job.IsQuaternion, EinlesenABB},
-    {"Paraboloid Shape Data", &Job.IsParaboloid, nullptr},
-};
-
-}  // namespace
-
-std::span<const InputKind> InputKinds() {
-    return kKinds;
+TargetKind TargetKindByName(std::string_view name) {
+    const auto kinds = InputKinds();
+    const auto found =
+        std::find_if(kinds.begin(), kinds.end(), [name](const InputKind& kind) { return name == kind.Name; });
+    Require(found != kinds.end());
+    return found->Kind;
 }
 
-const InputKind& ChosenKind() {
-    for (const InputKind& kind : kKinds)
-        if (IsTrue(*kind.IsKind)) return kind;
-    return kKinds[0];
+std::vector<std::string> TargetKindNames() {
+    std::vector<const InputKind*> listed;
+    for (const InputKind& kind : InputKinds())
+        if (kind.Turn > 0) listed.push_back(&kind);
+    std::sort(listed.begin(), listed.end(),
+              [](const InputKind* a, const InputKind* b) { return a->Turn < b->Turn; });
+    std::vector<std::string> names;
+    for (const InputKind* kind : listed) names.emplace_back(kind->Name);
+    return names;
+}
+
+void MakeJobOfKind(TargetKind kind) {
+    for (const InputKind& other : InputKinds())
+        if (other.IsKind != nullptr) *other.IsKind = ToFlag(other.Kind == kind);
 }

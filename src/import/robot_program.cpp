@@ -15,7 +15,8 @@
 #include "core/units.h"
 #include "import/point_file.h"
 
-RobotProgram::RobotProgram(const std::string& path) : File(LoadPointText(path)), Lines(File) {}
+RobotProgram::RobotProgram(const TargetFile& file)
+    : File(LoadPointText(file.Path)), Lines(File), Decimal(file.How.Decimal) {}
 
 bool NextLine(RobotProgram& program) {
     std::string_view line;
@@ -50,7 +51,7 @@ double NumberBetween(const RobotProgram& program, std::size_t begin, std::size_t
         FailAtLine(program, "a number is missing in \"" + Printable(program.Line) + "\"");
     const std::string_view text = program.Line.substr(begin, end - begin);
     double value = 0;
-    if (!TextToNumber(text, value) && !TextToNumber(text, '.', value))
+    if (!TextToNumber(text, program.Decimal, value) && !TextToNumber(text, '.', value))
         FailAtLine(program, "\"" + Printable(text) + "\" is not a number");
     if (const std::string lost = LostDigits(text); !lost.empty())
         AddNote(NoteCode::DigitsCut, lost, program.File.Path, static_cast<int>(program.Lines.Row));

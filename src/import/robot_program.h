@@ -11,6 +11,7 @@
 
 #include "core/arrays.h"
 #include "import/point_text.h"
+#include "import/robot_files.h"
 
 // A file and the line that its reader has come to.
 struct RobotProgram {
@@ -18,9 +19,10 @@ struct RobotProgram {
     LineWalk Lines;
     std::string_view Line;
     std::string Decoded;  // what Line points into where the file is not plain ASCII
+    char Decimal;         // of its numbers, beside the point
 
     // Throws PlatformError as LoadPointText does.
-    explicit RobotProgram(const std::string& path);
+    explicit RobotProgram(const TargetFile& file);
     RobotProgram(const RobotProgram&) = delete;
     RobotProgram& operator=(const RobotProgram&) = delete;
     ~RobotProgram() = default;
@@ -43,9 +45,9 @@ bool HasEnded(const RobotProgram& program);
 std::size_t PlaceOf(const RobotProgram& program, std::string_view text, std::size_t from = 0);
 
 // The number that stands in the places `begin` to `end` - 1 of the present line, and nothing but blanks
-// beside it, in the system's decimal form or with a point: robot programs have the point whatever the
-// system. Digits of it that are not kept are noted. Throws PlatformError, with the text in it, when there is
-// none or no such places.
+// beside it, with the decimal delimiter of its reading or with a point: robot programs have the point
+// whatever the system. Digits of it that are not kept are noted. Throws PlatformError, with the text in it,
+// when there is none or no such places.
 double NumberBetween(const RobotProgram& program, std::size_t begin, std::size_t end);
 
 // The three angles of a pose: about z, the new y and the new x, as the columns 1 to 3 of RobotABC.

@@ -14,6 +14,7 @@
 #include "core/text.h"
 #include "core/units.h"
 #include "import/point_file_checks.h"
+#include "import/robot_files.h"
 #include "import/row_notes.h"
 #include "paraboloid/paraboloid.h"
 #include "paraboloid/shape.h"
@@ -42,24 +43,25 @@ private:
 };
 
 // False where a message has said what is wrong.
-bool Check(PointText& file) {
+bool Check(PointText& file, const Reading& how) {
     std::int64_t columns = 0;
-    if (!CheckColumns(file, FileRows::Shape, Run.Delimiter, columns)) return false;
+    if (!CheckColumns(file, FileRows::Shape, Run.Delimiter, columns, how)) return false;
     const NoNameInFront none;
-    Check_DecimalDelimiter(file, Run.Delimiter);
+    Check_DecimalDelimiter(file, Run.Delimiter, how);
     return !IsTrue(Run.ImportFailed);
 }
 
-double Length(const PointText& file, std::int64_t row, std::string_view field, RowNotes& notes) {
+double Length(const PointText& file, std::int64_t row, std::string_view field, char decimal,
+              RowNotes& notes) {
     double value = 0;
-    if (!TextToNumber(field, SystemDecimal(), value) || !std::isfinite(value / Units.LengthFactor))
+    if (!TextToNumber(field, decimal, value) || !std::isfinite(value / Units.LengthFactor))
         throw PlatformError{"Cannot read \"" + file.Path + "\", line " + std::to_string(row) + ": \"" +
                             Printable(field) + "\" is not a number"};
     notes.LookAtDigits(field, row);
     return value / Units.LengthFactor;
 }
 
-Profile ReadProfile(const PointText& file) {
+Profile ReadProfile(const PointText& file, char decimal) {
     std::int64_t count = 0, filled = 0;
     AnzZeilen(file, count);
     if (count >= std::numeric_limits<std::int32_t>::max())
@@ -82,8 +84,9 @@ Profile ReadProfile(const PointText& file) {
         std::string_view rest = DecodedLine(file, line, decoded);
         const std::string_view whole = rest;
         const std::string_view radius = CutField(rest, delimiter, first);
-        const double r = Length(file, lines.Row, radius, notes);
-        const double z = std::fabs(Length(file, lines.Row, CutField(rest, delimiter, second), notes));
+        const double r = Length(file, lines.Row, radius, decimal, notes);
+        const double z =
+            std::fabs(Length(file, lines.Row, CutField(rest, delimiter, second), decimal, notes));
         if (HoldsMore(rest) || (delimiter != ' ' && CountByte(whole, delimiter) > 1))
             notes.Look(whole, lines.Row);
         if (!profile.Points.empty() && profile.Points.back().r == r && profile.Points.back().z == z) {
@@ -194,15 +197,15 @@ void Fail(const std::string& message) {
 
 }  // namespace
 
-void EinlesenParaboloidData() {
-    const std::string path = ParaboloidRun.ParaboloidFile = Run.PathReader;
+void EinlesenParaboloidData(const TargetFile& target) {
+    const std::string path = ParaboloidRun.ParaboloidFile = target.Path;
     Job.ParaboloidShape = Matrix(0, 2);  // the shape of other points is none of these
     ParaboloidRun.ShapeTest.assign(1, 0);
     if (!File_Exist(path)) return Fail("File " + path + " not found");
     PointText file = LoadPointText(path);
     const std::uint64_t generation = Run.JobGeneration;
-    if (!Check(file) || Run.JobGeneration != generation) return;
-    const Profile profile = ReadProfile(file);
+    if (!Check(file, target.How) || Run.JobGeneration != generation) return;
+    const Profile profile = ReadProfile(file, target.How.Decimal);
     if (profile.Points.size() < 2)
         return Fail("File: " + path + kLineEnd + kLineEnd + "A shape needs at least 2 different rows.");
     TakeProfile(profile);

@@ -2,6 +2,7 @@
 // in it.
 #include <filesystem>
 #include <regex>
+#include <set>
 #include <sstream>
 
 #include "support/fixture.h"
@@ -75,6 +76,17 @@ std::string Objection(const Step& step) {
     return "";
 }
 
+// The sources of the program that hold a text.
+std::set<std::string> SourcesWith(const std::string& text) {
+    std::set<std::string> names;
+    for (const auto& entry : fs::recursive_directory_iterator(kTree / "src")) {
+        const fs::path& path = entry.path();
+        if (path.extension() != ".cpp" && path.extension() != ".h") continue;
+        if (Contents(path.string()).find(text) != std::string::npos) names.insert(path.filename().string());
+    }
+    return names;
+}
+
 std::string Page() {
     return Contents((kTree / "CONTRIBUTING.md").string());
 }
@@ -102,6 +114,22 @@ TEST(Contributing, ARecipeThatIsNoLongerTrueIsSeen) {
     EXPECT_EQ(Objection(recipes[0].Steps[1]), "no such file: src/core/no_such_file.h");
     EXPECT_NE(Objection(recipes[0].Steps[2]), "");
     EXPECT_EQ(Objection({"src/core/job.h", {"JobRecord", "NormType"}}), "");
+}
+
+// Recipe 8 touches no other source than the reader and the row.
+TEST(Contributing, ARobotProgramIsKnownInItsOwnFileAndInItsRow) {
+    using Names = std::set<std::string>;
+    const struct {
+        const char *Reader, *Name, *File;
+    } readers[] = {{"EinlesenKUKAdatDatei", "\"kuka\"", "kuka_file.cpp"},
+                   {"EinlesenABB_MODX", "\"abb\"", "abb_file.cpp"},
+                   {"EinlesenFanucDatei", "\"fanuc\"", "fanuc_file.cpp"},
+                   {"EinlesenXYZABC", "\"xyzabc\"", "pose_text_files.cpp"}};
+    for (const auto& [reader, name, file] : readers) {
+        EXPECT_EQ(SourcesWith(reader), (Names{file, "robot_files.h"}));
+        EXPECT_EQ(SourcesWith(name), Names{"robot_files.h"});
+    }
+    EXPECT_EQ(SourcesWith("TargetKind::Fanuc"), Names{"robot_files.h"});
 }
 
 TEST(Contributing, EveryPathThatThePageNamesIsThere) {

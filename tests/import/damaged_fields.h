@@ -326,9 +326,8 @@ protected:
             return points;
         };
     }
-    static Points ReadPoses(void (*reader)(), const std::string& path) {
-        ::Run.PathReader = path;
-        reader();
+    static Points ReadPoses(PoseReader reader, const std::string& path, bool byDeclarations = false) {
+        reader({path, byDeclarations});
         return PointsOf(Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
     }
     static Points Angles() {
@@ -342,8 +341,8 @@ protected:
         return points;
     }
     // The vectors of quaternions whose first number is 10, from the angles that were made of them.
-    static Points Turns(void (*reader)(), const std::string& path) {
-        ReadPoses(reader, path);
+    static Points Turns(PoseReader reader, const std::string& path, bool byDeclarations = false) {
+        ReadPoses(reader, path, byDeclarations);
         std::erase_if(Notes.List, [](const Note& note) { return note.Code == NoteCode::AnglesOfPose; });
         Points points;
         for (int i = 1; i <= Job.RobotABC.Rows; ++i) {

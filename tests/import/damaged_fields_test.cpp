@@ -22,8 +22,7 @@ TEST_F(DamagedFields, OfPointFiles) {
 TEST_F(DamagedFields, OfShapes) {
     Walk({"shape", [](const Fields& fields) { return Joined(fields, ";"); }, "", "", "# by hand\n", 2, false,
           [](const std::string& path) {
-              ::Run.PathReader = path;
-              EinlesenParaboloidData();
+              EinlesenParaboloidData({path});
               Points points;
               for (int row = 1; row <= Job.ParaboloidShape.Rows; ++row)
                   points.push_back(

@@ -22,10 +22,9 @@ TEST_F(DamagedFields, OfRobotPrograms) {
     };
     for (const bool declarations : {false, true}) {
         const std::string mode = declarations ? ", by declarations" : "";
-        const auto read = [declarations](void (*reader)()) {
+        const auto read = [declarations](PoseReader reader) {
             return [declarations, reader](const std::string& path) {
-                InputFiles.ReadsDeclarations = declarations;
-                return ReadPoses(reader, path);
+                return ReadPoses(reader, path, declarations);
             };
         };
         Walk({"kuka" + mode, kuka, "DEFDAT T\n", "ENDDAT\n", ";" + kuka({"", "9", "9", "9"}), 3, false,
@@ -33,13 +32,10 @@ TEST_F(DamagedFields, OfRobotPrograms) {
         Walk({"abb" + mode, abb, "MODULE T\n", "ENDMODULE\n", "! " + abb({"", "9", "9", "9"}), 3, false,
               read(EinlesenABB_MODX), true});
     }
-    InputFiles.ReadsDeclarations = false;
     // Their orientations.
-    const auto angles = [](void (*reader)(), bool declarations) {
+    const auto angles = [](PoseReader reader, bool declarations) {
         return [reader, declarations](const std::string& path) {
-            InputFiles.ReadsDeclarations = declarations;
-            ReadPoses(reader, path);
-            InputFiles.ReadsDeclarations = false;
+            ReadPoses(reader, path, declarations);
             return Angles();
         };
     };
@@ -55,13 +51,9 @@ TEST_F(DamagedFields, OfRobotPrograms) {
         Walk({"angles of kuka", kukaAngles, "DEFDAT T\n", "ENDDAT\n", "", 3, false,
               angles(EinlesenKUKAdatDatei, declarations), true, 0, true, false});
         Walk({"quaternions of abb", abbTurn, "MODULE T\n", "ENDMODULE\n", "", 3, false,
-              [declarations](const std::string& path) {
-                  InputFiles.ReadsDeclarations = declarations;
-                  return Turns(EinlesenABB_MODX, path);
-              },
+              [declarations](const std::string& path) { return Turns(EinlesenABB_MODX, path, declarations); },
               true, 0, true, false});
     }
-    InputFiles.ReadsDeclarations = false;
     const auto fanucAngles = [](const Fields& f) {
         const auto padded = [&f](std::size_t i) {
             const std::string text =
@@ -73,12 +65,9 @@ TEST_F(DamagedFields, OfRobotPrograms) {
                padded(3) + " deg,\tP =" + padded(2) + " deg,\tR =" + padded(1) + " deg\n};\n";
     };
     Walk({"angles of fanuc", fanucAngles, "/PROG T\n/POS\n", "/END\n", "", 3, false,
-          angles([] { EinlesenFanucDatei(::Run.PathReader); }, false), true, 4, true, false});
+          angles(EinlesenFanucDatei, false), true, 4, true, false});
     Walk({"fanuc", fanuc, "/PROG T\n/POS\n", "/END\n", "", 3, false,
-          [](const std::string& path) {
-              return ReadPoses([] { EinlesenFanucDatei(::Run.PathReader); }, path);
-          },
-          true, 3});
+          [](const std::string& path) { return ReadPoses(EinlesenFanucDatei, path); }, true, 3});
 }
 
 TEST_F(DamagedFields, OfTextsOfPoses) {

@@ -18,13 +18,12 @@ constexpr double kDegree = std::numbers::pi / 180;
 
 class PoseTexts : public Program {
 protected:
-    void Read(void (*reader)(), const std::string& content) const {
-        ::Run.PathReader = Write("poses.txt", CrLf(content));
+    void Read(PoseReader reader, const std::string& content) const {
         ::Run.ImportFailed = kFalse;
-        reader();
+        reader({Write("poses.txt", CrLf(content))});
         EXPECT_TRUE(JobCountsFit(Job));
     }
-    std::string Error(void (*reader)(), const std::string& content) const {
+    std::string Error(PoseReader reader, const std::string& content) const {
         std::string what;
         try {
             Read(reader, content);
@@ -117,7 +116,7 @@ TEST_F(PoseTexts, AFileInTheSystemsFormWithCommaIsNotCutAtTheComma) {
 
 TEST_F(PoseTexts, AFileThatFailsItsCheckLeavesTheJobAsItWas) {
     Read(EinlesenXYZABC, "P1;1;2;3;4;5;6\n");
-    for (void (*reader)() : {EinlesenXYZABC, EinlesenABB}) {
+    for (const PoseReader reader : {EinlesenXYZABC, EinlesenABB}) {
         Headless.Answers["message"].emplace_back("No");
         Read(reader, "Q1;1,5;2;3;4;5;6;7\n");
         EXPECT_EQ(::Run.ImportFailed, kTrue);

@@ -4,6 +4,7 @@
 #include <random>
 
 #include "core/job.h"
+#include "import/import_request.h"
 #include "import/input_dialog.h"
 #include "import/robot_files.h"
 
@@ -23,6 +24,17 @@ protected:
             return overwrite || random_() % 2 == 0 ? "Yes" : "No";
         };
     }
+    static void ImportByDeclarations(TargetKind kind) {
+        ImportRequest request;
+        request.StartPath = InputFiles.TextNameMCS.Text;
+        request.TargetPath = InputFiles.TextNameOCS.Text;
+        request.Kind = kind;
+        request.ByDeclarations = true;
+        request.Way = InputFiles.OptionByDis.Value == 1          ? Pairing::ByDistance
+                      : InputFiles.OptionByCoordinate.Value == 1 ? Pairing::ByCoordinate
+                                                                 : Pairing::ByID;
+        Dispatch([&request] { ::Import(request); });
+    }
     void Import(int kind, const std::string& program) {
         UserSetText(InputFiles.TextNameOCS, Write("program.txt", program));
         UserSetIndex(InputFiles.ComboOCS_Data, kind);
@@ -33,8 +45,11 @@ protected:
                      1);
         Headless.Dialogs.clear();
         ::Run.JobDataValid = kFalse;
-        InputFiles.ReadsDeclarations = ++imports_ % 2 == 0;  // as the command line does
-        UserClick(InputFiles.BtnApply);
+        if (++imports_ % 2 == 0) {
+            ImportByDeclarations(static_cast<TargetKind>(kind));  // as the command line does
+        } else {
+            UserClick(InputFiles.BtnApply);
+        }
         ASSERT_TRUE(JobCountsFit(Job));
         ASSERT_TRUE(IsTrue(::Run.JobDataValid) || !Messages().empty());
         ASSERT_EQ(::Run.WaitPointers, 0);

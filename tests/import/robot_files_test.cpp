@@ -138,7 +138,7 @@ TEST_F(RobotFiles, APointIsTakenOnASystemWithComma) {
 TEST_F(RobotFiles, AFileWithoutAPoseIsAnErrorAndTheJobStaysAsItWas) {
     Kuka(kFirst + kSecond + "ENDDAT\n");
     const JobRecord before = Job;
-    for (void (*reader)() : {EinlesenKUKAdatDatei, EinlesenABB_MODX}) {
+    for (const PoseReader reader : {EinlesenKUKAdatDatei, EinlesenABB_MODX}) {
         for (const char* content : {"", "\n", "DEFDAT CALIB\nENDDAT\n", "1;2;3;4\n"})
             EXPECT_EQ(Error(reader, content),
                       "Cannot read \"" + PathOf("program.txt") + "\": there is no pose in it");

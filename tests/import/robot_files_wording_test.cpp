@@ -285,19 +285,18 @@ void PlainAbb(Reader& r) {
 class RobotFilesWording : public Program {
 protected:
     // What the reader gives, in the same form; checks what stands beside it.
-    Outcome Read(void (*reader)(), const Lines& lines, bool lastEnd) {
+    Outcome Read(PoseReader reader, const Lines& lines, bool lastEnd) {
         std::string content;
         for (const std::string& line : lines) content += line + (random_() % 2 == 0 ? "\n" : "\r\n");
         if (!lastEnd)
             while (!content.empty() && (content.back() == '\n' || content.back() == '\r')) content.pop_back();
         const std::string path = Write("program.txt", content);
         Job = JobRecord{};
-        ::Run.PathReader = path;
         Headless.Dialogs.clear();
         ForgetNotes();
         Outcome out;
         try {
-            reader();
+            reader({path});
         } catch (const PlatformError& error) {
             const std::string head = "Cannot read \"" + path + "\"";
             EXPECT_EQ(error.What.substr(0, head.size()), head);
@@ -379,7 +378,8 @@ protected:
         }
     }
     template <class Make, class Steps>
-    void Compare(Make make, Steps steps, void (*reader)(), const std::string& letters, bool isFanuc = false) {
+    void Compare(Make make, Steps steps, PoseReader reader, const std::string& letters,
+                 bool isFanuc = false) {
         int good = 0, errors = 0, told = 0, empty = 0;
         for (int round = 0; round < 6000; ++round) {
             Headless.Decimal = random_() % 3 == 0 ? ',' : '.';
@@ -455,8 +455,7 @@ TEST_F(RobotFilesWording, PosesInColumnsAreReadAsTheRulesSay) {
         if (random_() % 3 != 0) lines.emplace_back("/END");
         return lines;
     };
-    Compare(
-        make, PlainFanuc, [] { EinlesenFanucDatei(::Run.PathReader); }, "XYZWPR=]{} ,.-0159m\t", true);
+    Compare(make, PlainFanuc, EinlesenFanucDatei, "XYZWPR=]{} ,.-0159m\t", true);
 }
 
 TEST_F(RobotFilesWording, TargetsOfModulesAreReadAsTheRulesSay) {

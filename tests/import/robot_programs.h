@@ -21,22 +21,19 @@ using Row = std::array<double, 3>;
 class RobotFiles : public Program {
 protected:
     // A program with CR LF line ends, read by the reader of a kind.
-    void Read(void (*reader)(), const std::string& content) const {
-        ::Run.PathReader = Write("program.txt", CrLf(content));
+    void Read(PoseReader reader, const std::string& content) const {
         ::Run.ImportFailed = kFalse;
-        reader();
+        reader({Write("program.txt", CrLf(content))});
         EXPECT_TRUE(JobCountsFit(Job));
         EXPECT_EQ(Job.RobotABC.Rows, Job.nOCS);
         EXPECT_EQ(Job.RobotABC.Columns, 3);
     }
     void Kuka(const std::string& content) const { Read(EinlesenKUKAdatDatei, content); }
     void Abb(const std::string& content) const { Read(EinlesenABB_MODX, content); }
-    void Fanuc(const std::string& content) const {
-        Read([] { EinlesenFanucDatei(::Run.PathReader); }, content);
-    }
+    void Fanuc(const std::string& content) const { Read(EinlesenFanucDatei, content); }
 
     // What a reader says of a file that it cannot read; "" when it can. Counts and arrays fit either way.
-    std::string Error(void (*reader)(), const std::string& content) const {
+    std::string Error(PoseReader reader, const std::string& content) const {
         std::string what;
         try {
             Read(reader, content);
@@ -46,9 +43,7 @@ protected:
         EXPECT_TRUE(JobCountsFit(Job));
         return what;
     }
-    std::string FanucError(const std::string& content) const {
-        return Error([] { EinlesenFanucDatei(::Run.PathReader); }, content);
-    }
+    std::string FanucError(const std::string& content) const { return Error(EinlesenFanucDatei, content); }
     std::string In(int line) const {
         return "Cannot read \"" + PathOf("program.txt") + "\", line " + std::to_string(line) + ": ";
     }

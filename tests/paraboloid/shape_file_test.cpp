@@ -1,6 +1,7 @@
 // The shape file and the report on its interpolation.
 #include <limits>
 
+#include "import/robot_files.h"
 #include "paraboloid/shape_job.h"
 
 namespace {
@@ -13,9 +14,8 @@ protected:
     }
     void Read(const std::string& content) {
         path_ = Write("shape.txt", content);
-        ::Run.PathReader = path_;
         ::Run.ImportFailed = kFalse;
-        EinlesenParaboloidData();
+        EinlesenParaboloidData({path_});
     }
     static std::vector<std::array<double, 2>> Rows() {
         std::vector<std::array<double, 2>> rows;
@@ -73,8 +73,7 @@ TEST_F(ShapeFile, IsInTheChosenUnitOfLength) {
 }
 
 TEST_F(ShapeFile, ThatIsMissingIsSaid) {
-    ::Run.PathReader = PathOf("none.txt");
-    EinlesenParaboloidData();
+    EinlesenParaboloidData({PathOf("none.txt")});
     EXPECT_EQ(Messages(), std::vector<std::string>{"File " + PathOf("none.txt") + " not found"});
     EXPECT_TRUE(IsTrue(::Run.ImportFailed));
     EXPECT_FALSE(ShapeServes(Job.ParaboloidShape));
@@ -223,7 +222,6 @@ TEST_F(ShapeFile, ThatIsEmptyOrNoTextIsRefused) {
 
 TEST_F(ShapeFile, DoesNotKeepTheShapeOfTheFileBefore) {
     Read("0;0\n10;1\n20;4\n");
-    ::Run.PathReader = PathOf("none.txt");
-    EinlesenParaboloidData();
+    EinlesenParaboloidData({PathOf("none.txt")});
     EXPECT_FALSE(ShapeServes(Job.ParaboloidShape));
 }
