@@ -5,6 +5,7 @@
 #include "cli/fit_command.h"
 #include "cli/headless.h"
 #include "core/files.h"
+#include "support/program_path.h"
 
 // --- Questions, refusals, exit statuses -------------------------------------------------------------------
 
@@ -212,7 +213,7 @@ TEST_F(FitCommand, ColoursStandOnATerminalAloneAndNeverWithNoColor) {
 }
 
 TEST_F(FitCommand, TheProgramItselfGivesTheStatus) {
-    const std::string program = CORVINADE_CLI;
+    const std::string program = ProgramPath();
     const auto run = [&](const std::string& arguments) {
         return std::system((program + " " + arguments + " >/dev/null 2>&1").c_str()) >> 8;
     };
@@ -223,7 +224,7 @@ TEST_F(FitCommand, TheProgramItselfGivesTheStatus) {
 }
 
 TEST_F(FitCommand, AFileBeyondTheLimitOfTheSystemIsRefusedAndNothingIsLeft) {
-    const std::string program = CORVINADE_CLI, out = PathOf("out.json");
+    const std::string program = ProgramPath(), out = PathOf("out.json");
     const int status = std::system(
         ("ulimit -f 2; " + program + " convert " + kExamples + "roof.cvn " + out + " 2>" + PathOf("err.txt"))
             .c_str());
