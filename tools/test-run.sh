@@ -1,38 +1,72 @@
 # Shared by test: runs a program of tests and counts what it did. Sourced, not started.
-# Counts into: passed, failed. Needs: a program made with GoogleTest, and jq.
+# Counts into: passed, failed. Needs: a program made with GoogleTest, jq, and top (the folder of the project).
 
 passed=0
 failed=0
 
-# run_tests NAME PROGRAM [ARGUMENTS]: runs all tests of the program and adds to passed and failed. What counts
-# as a failure of its own, beside the tests that failed: a program that ends with an error though none of
-# its tests did (a leak, a crash in the end), and one that ran fewer tests than it lists (it ended before).
+# How many processes share the tests of a program: one for each processor.
+TEST_SHARDS=${TEST_SHARDS:-$(nproc)}
+
+# What libraries keep to the end is not reported as a leak, by their names; a leak of ours ends the program
+# with an error. The fonts' library was built so that only the slow way back through the calls finds its name.
+export LSAN_OPTIONS="suppressions='$top/tests/leaks.supp':print_suppressions=0"
+
+# run_tests NAME PROGRAM [ARGUMENTS]: runs all tests of the program, in TEST_SHARDS processes at once, and adds to
+# passed and failed. What counts as a failure of its own, beside the tests that failed: a process that ends with
+# an error though none of its tests did (a leak, a crash in the end), and processes that together ran not as many
+# tests as the program lists (one ended before, or they did not share them).
 run_tests() {
     name=$1
     shift
     echo "Tests, $name"
-    counts=$(mktemp)
+    counts=$(mktemp -d)
     listed=$("$@" --gtest_list_tests 2>/dev/null | grep -E '^  ' | grep -vc '^  DISABLED_')
-    "$@" --gtest_brief=1 --gtest_shuffle --gtest_output="json:$counts" 2>&1 | grep --line-buffered -vE '^\[==========\]|^$'
-    status=${PIPESTATUS[0]}
-    # A test that skips itself has not been run. The counts are written when all tests have been run; a program that ended before has written none.
-    ran=$(jq '[.testsuites[].testsuite[] | select(.result == "COMPLETED")] | length' "$counts" 2>/dev/null)
-    bad=$(jq '[.testsuites[].testsuite[] | select(.status == "RUN" and has("failures"))] | length' "$counts" 2>/dev/null)
-    rm -f "$counts"
-    ran=${ran:-0}
-    bad=${bad:-0}
+    shards=""
+    for shard in $(seq 0 $((TEST_SHARDS - 1))); do
+        {
+            GTEST_TOTAL_SHARDS=$TEST_SHARDS GTEST_SHARD_INDEX=$shard \
+                "$@" --gtest_brief=1 --gtest_shuffle --gtest_output="json:$counts/$shard.json" 2>&1 |
+                grep --line-buffered -vE '^\[==========\]|^$|^Note: This is test shard'
+            echo "${PIPESTATUS[0]}" >"$counts/$shard.status"
+        } &
+        shards="$shards $!"
+    done
+    wait $shards
+    ran=0
+    bad=0
+    ends=""
+    odd=""
+    for shard in $(seq 0 $((TEST_SHARDS - 1))); do
+        status=$(cat "$counts/$shard.status")
+        # A test that skips itself has not been run. The counts are written when all tests of the process have been
+        # run; a process that ended before has written none.
+        did=$(jq '[.testsuites[].testsuite[] | select(.result == "COMPLETED")] | length' "$counts/$shard.json" 2>/dev/null)
+        wrong=$(jq '[.testsuites[].testsuite[] | select(.status == "RUN" and has("failures"))] | length' "$counts/$shard.json" 2>/dev/null)
+        ran=$((ran + ${did:-0}))
+        bad=$((bad + ${wrong:-0}))
+        ends="$ends $status"
+        if [ "$status" != 0 ] && [ "${wrong:-0}" = 0 ]; then odd="$odd $status"; fi
+    done
+    rm -rf "$counts"
     passed=$((passed + ran - bad))
     failed=$((failed + bad))
     if [ "$listed" = 0 ]; then
         echo "The tests $name: none are listed by $1" >&2
         failed=$((failed + 1))
-    elif [ "$ran" -lt "$listed" ]; then
-        echo "The tests $name: $ran of $listed were run (status $status)" >&2
+    elif [ "$ran" != "$listed" ]; then
+        echo "The tests $name: $ran of $listed were run (status$ends)" >&2
         failed=$((failed + 1))
-    elif [ "$status" != 0 ] && [ "$bad" = 0 ]; then
-        echo "The tests $name: no test failed, and yet the program ended with status $status" >&2
+    elif [ -n "$odd" ]; then
+        echo "The tests $name: no test failed, and yet the program ended with status$odd" >&2
         failed=$((failed + 1))
     fi
+}
+
+# check NAME COMMAND [ARGUMENTS]: one more that has passed or failed.
+check() {
+    echo "$1"
+    shift
+    if "$@"; then passed=$((passed + 1)); else failed=$((failed + 1)); fi
 }
 
 # The closing line, and the status that goes with it.
