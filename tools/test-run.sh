@@ -26,7 +26,7 @@ run_tests() {
         {
             GTEST_TOTAL_SHARDS=$TEST_SHARDS GTEST_SHARD_INDEX=$shard \
                 "$@" --gtest_brief=1 --gtest_shuffle --gtest_output="json:$counts/$shard.json" 2>&1 |
-                grep --line-buffered -vE '^\[==========\]|^$|^Note: This is test shard'
+                grep --line-buffered -vE '^\[==========\]|^$|^Note: This is test shard|^Running main'
             echo "${PIPESTATUS[0]}" >"$counts/$shard.status"
         } &
         shards="$shards $!"
