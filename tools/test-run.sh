@@ -8,7 +8,7 @@ failed=0
 TEST_SHARDS=${TEST_SHARDS:-$(nproc)}
 
 # What libraries keep to the end is not reported as a leak, by their names; a leak of ours ends the program
-# with an error. The fonts' library was built so that only the slow way back through the calls finds its name.
+# with an error.
 export LSAN_OPTIONS="suppressions='$top/tests/leaks.supp':print_suppressions=0"
 
 # run_tests NAME PROGRAM [ARGUMENTS]: runs all tests of the program, in TEST_SHARDS processes at once, and adds to
