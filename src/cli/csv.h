@@ -21,3 +21,17 @@ inline const char* UnconvergedHeading() {
 inline const char* UnconvergedCell() {
     return IsTrue(Job.Unconverged) ? ";1" : "";
 }
+
+// Likewise where a scale has collapsed, and where the parameters of these names are open.
+inline const char* CollapsedHeading() {
+    return IsTrue(Job.Collapsed) ? ";collapsed_scale" : "";
+}
+inline const char* CollapsedCell() {
+    return IsTrue(Job.Collapsed) ? ";1" : "";
+}
+inline const char* OpenHeading(const std::string& names) {
+    return names.empty() ? "" : ";open_parameters";
+}
+inline std::string OpenCell(const std::string& names) {
+    return names.empty() ? "" : ";" + CsvText(names);
+}

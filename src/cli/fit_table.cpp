@@ -279,7 +279,7 @@ void WriteFitCsv(const FitOptions&, std::ostream& out) {
     const std::string open = NamesLeftOpen();
     out << "name;start_x;start_y;start_z;target_x;target_y;target_z;transformed_x;transformed_y;transformed_z;"
            "dx;dy;dz;d3;use_x;use_y;use_z"
-        << UnconvergedHeading() << (open.empty() ? "" : ";open_parameters") << "\r\n";
+        << UnconvergedHeading() << OpenHeading(open) << CollapsedHeading() << "\r\n";
     std::string block;
     for (int i = 1; i <= Job.nIdent; ++i) {
         const FitPoint point = FitPointOf(i);
@@ -289,7 +289,7 @@ void WriteFitCsv(const FitOptions&, std::ostream& out) {
         block.append(";").append(number(point.Deviation3D));
         for (const bool used : point.Used) block += used ? ";1" : ";0";
         block += UnconvergedCell();
-        if (!open.empty()) block.append(";").append(CsvText(open));
+        block.append(OpenCell(open)).append(CollapsedCell());
         block += "\r\n";
         HandOut(block, out);
     }

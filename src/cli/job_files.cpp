@@ -75,7 +75,7 @@ bool ResultIsFinite() {
 }
 
 void NoteResultOfJob(const std::string& path) {
-    NoteUnconverged(path);
+    NoteMarks(path);
     if (Job.ParamText[kTraX].empty()) return;  // nothing has been calculated
     Mat3 K;
     BuildShearMatrix(Job.AngleXY, Job.Azimuth, Job.AngleZtoXY, K);

@@ -26,8 +26,8 @@ bool ResultIsFinite();
 inline constexpr const char* kResultNotFinite =
     "the result of the job is not finite; calculate it anew with other parameters or points";
 
-// Before a command goes on with the result of the open job: the notes that it did not converge, and that it
-// is mirrored, which is where the determinant of R K S is below 0.
+// Before a command goes on with the result of the open job: the notes of its marks, and that it is mirrored,
+// which is where the determinant of R K S is below 0.
 void NoteResultOfJob(const std::string& path);
 
 // What leaves the program as a result of the open job has to be one: kDone where it converged, or where the

@@ -7,11 +7,13 @@
 
 #include "cli/csv.h"
 #include "cli/fit_parameters.h"
+#include "cli/fit_selection.h"
 #include "cli/fit_style.h"
 #include "cli/record_json.h"
 #include "cli/text_columns.h"
 #include "core/controller.h"
 #include "core/job.h"
+#include "core/job_notes.h"
 #include "core/numbers.h"
 #include "core/records.h"
 #include "core/text.h"
@@ -104,10 +106,26 @@ void WriteParameters(const Style& style, std::ostream& out) {
         out << columns.Line(cells(p)) << "  " << style.Quiet(p.Unit) << "\n";
 }
 
+// What the result is marked with, in words of the table.
+std::vector<std::string> MarksOfResult() {
+    std::vector<std::string> marks;
+    if (IsTrue(Job.Unconverged)) marks.emplace_back("convergence not reached");
+    if (const std::string open = NamesMarkedOpen(); !open.empty())
+        marks.push_back("leaves " + open + " open");
+    if (IsTrue(Job.Collapsed)) marks.emplace_back("a scale has collapsed");
+    return marks;
+}
+
 // Null as long as there is no result.
-ordered_json Converged() {
-    if (Job.ParamText[kTraX].empty()) return nullptr;
-    return !IsTrue(Job.Unconverged);
+ordered_json OfResult(ordered_json mark) {
+    return Job.ParamText[kTraX].empty() ? ordered_json(nullptr) : std::move(mark);
+}
+
+ordered_json OpenOfResult() {
+    ordered_json names = ordered_json::array();
+    for (int k = kTraX; k < kParameterEnd; ++k)
+        if (Job.LeftOpen[static_cast<std::size_t>(k)] != 0) names.push_back(HeldParameterName(k));
+    return OfResult(std::move(names));
 }
 
 ordered_json Summary(const JobFileFacts& file) {
@@ -139,7 +157,9 @@ ordered_json Summary(const JobFileFacts& file) {
             {"seedPoints", SeedNames()},
             {"targetKind", TargetKind()},
             {"parametersChosen", !Job.ParamText[kTraX].empty()},
-            {"converged", Converged()},
+            {"converged", OfResult(!IsTrue(Job.Unconverged))},
+            {"openParameters", OpenOfResult()},
+            {"collapsedScale", OfResult(IsTrue(Job.Collapsed))},
             {"parameters", std::move(parameters)},
             {"savedViews", file.Views},
             {"notes", NotesToJson(Notes.List)}};
@@ -161,7 +181,7 @@ void WriteJobTable(const JobFileFacts& file, std::ostream& out, bool colour) {
         << Printable(Job.AngleUnitName) << Digits(Job.AngleDigits) << "\n";
     out << HeadLabel("fit") << NormOfJob().Label << ", "
         << (IsTrue(Job.DirectionMCStoOCS) ? "MCS => OCS" : "OCS => MCS") << "\n";
-    if (IsTrue(Job.Unconverged)) out << HeadLabel("result") << style.Alarm("convergence not reached") << "\n";
+    for (const std::string& mark : MarksOfResult()) out << HeadLabel("result") << style.Alarm(mark) << "\n";
     if (!SeedNames().empty()) out << HeadLabel("seed points") << Joined(SeedNames()) << "\n";
     if (!file.Views.empty())
         out << HeadLabel("saved views") << file.Views.size() << ": " << Joined(file.Views) << "\n";
@@ -180,9 +200,10 @@ void WriteJobJson(const JobFileFacts& file, bool records, std::ostream& out) {
 }
 
 void WriteJobCsv(std::ostream& out) {
+    const std::string open = NamesMarkedOpen();
     out << "kind;name;start_x;start_y;start_z;target_x;target_y;target_z;transformed_x;transformed_y;"
            "transformed_z;dx;dy;dz;use_x;use_y;use_z"
-        << UnconvergedHeading() << "\r\n";
+        << UnconvergedHeading() << OpenHeading(open) << CollapsedHeading() << "\r\n";
     const int ends[] = {Job.nIdent, Job.nMCS, Job.nIdent + Job.nOCSOnly};
     const char* const kinds[] = {"pair", "start", "target"};
     for (int kind = 0; kind < 3; ++kind)
@@ -200,6 +221,6 @@ void WriteJobCsv(std::ostream& out) {
                 out << ';' << (start && target ? PlainText(moved(axis) - to(axis)) : "");
             for (int axis = 1; axis <= 3; ++axis)
                 out << ';' << (start && target ? (Used(i, axis) ? "1" : "0") : "");
-            out << UnconvergedCell() << "\r\n";
+            out << UnconvergedCell() << OpenCell(open) << CollapsedCell() << "\r\n";
         }
 }

@@ -70,6 +70,11 @@ struct JobRecord {
 
     // What the fields of the job file have no place for; it travels in a block behind them.
     Flag Unconverged = kFalse;  // the result is of a calculation that did not converge
+    // By parameter number: 1 where points, poses or shape of the result do not determine the parameter, so
+    // that its value is arbitrary. Angles that are open by gimbal lock alone are not among them, nor an
+    // azimuth without effect: what the result does to points is determined then.
+    std::array<std::int16_t, kParameterEnd> LeftOpen{};
+    Flag Collapsed = kFalse;  // a scale of the result has gone to 0, or to what noise makes of 0
     // Members of the block that this version does not know, each its name and its value as JSON text; they
     // are written again as they stand.
     std::vector<std::pair<std::string, std::string>> OtherMembers;
@@ -78,7 +83,8 @@ inline JobRecord Job;
 
 // New points: what the block said was of those before.
 inline void ForgetBlock() {
-    Job.Unconverged = kFalse;
+    Job.Unconverged = Job.Collapsed = kFalse;
+    Job.LeftOpen.fill(0);
     Job.OtherMembers.clear();
 }
 

@@ -2,8 +2,11 @@
 #include "core/job_block.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
+#include <system_error>
 #include <vector>
 
 #include "core/job_file_bytes.h"
@@ -12,7 +15,8 @@ namespace {
 
 constexpr std::size_t kLengthSize = sizeof(std::uint64_t);
 constexpr std::size_t kTextBegin = kJobBlockHead.size() + kLengthSize;
-constexpr std::string_view kConverged = "\"converged\"";
+constexpr std::string_view kConverged = "\"converged\"", kOpen = "\"openParameters\"",
+                           kCollapsed = "\"collapsedScale\"";
 
 std::uint64_t LengthAt(std::string_view bytes, std::size_t place) {
     std::uint64_t length = 0;
@@ -25,6 +29,10 @@ struct Member {
     std::string_view Name, Value;
     std::size_t ValueAt = 0;
 };
+
+constexpr bool IsBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
 
 // A strict walk over JSON text that knows where values begin and end, and nothing of what they say.
 class JsonWalk {
@@ -69,7 +77,7 @@ private:
         if (Wrong.empty()) Wrong = what;
     }
     void Blanks() {
-        while (Wrong.empty() && (Is(' ') || Is('\t') || Is('\n') || Is('\r'))) ++At;
+        while (Wrong.empty() && At < text_.size() && IsBlank(text_[At])) ++At;
     }
     void Want(char c) {
         if (!Wrong.empty()) return;
@@ -176,6 +184,41 @@ private:
     std::string_view text_;
 };
 
+// Takes a JSON value that is true or false; false for all others.
+bool TakeTruth(std::string_view value, bool& truth) {
+    truth = value == "true";
+    return truth || value == "false";
+}
+
+// Takes a JSON value that is an array of parameter numbers, each once; false for all others.
+bool TakeNumbers(std::string_view value, decltype(JobRecord::LeftOpen)& marks) {
+    if (!value.starts_with('[')) return false;
+    marks.fill(0);
+    std::string bare;  // without blanks; the walk has seen that none divides a number
+    std::copy_if(value.begin(), value.end(), std::back_inserter(bare), [](char c) { return !IsBlank(c); });
+    if (bare == "[]") return true;
+    for (std::size_t at = 1; at < bare.size();) {
+        const std::size_t end = bare.find_first_of(",]", at);
+        int parameter = 0;
+        const char* const last = bare.data() + end;
+        const auto [stop, wrong] = std::from_chars(bare.data() + at, last, parameter);
+        if (wrong != std::errc() || stop != last || parameter < kTraX || parameter >= kParameterEnd)
+            return false;
+        std::int16_t& mark = marks[static_cast<std::size_t>(parameter)];
+        if (mark != 0) return false;
+        mark = 1;
+        at = end + 1;
+    }
+    return true;
+}
+
+std::string NumbersOf(const decltype(JobRecord::LeftOpen)& marks) {
+    std::string text;
+    for (std::size_t k = kTraX; k < marks.size(); ++k)
+        if (marks[k] != 0) text.append(text.empty() ? "[" : ",").append(std::to_string(k));
+    return text.empty() ? "" : text + "]";
+}
+
 void PutLength(std::string& bytes, std::size_t length) {
     const std::uint64_t number = length;
     bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
@@ -204,23 +247,32 @@ JobBlockFault TakeJobBlock(std::string_view block, JobRecord& job) {
     JsonWalk walk(block.substr(kTextBegin, static_cast<std::size_t>(length)));
     const std::vector<Member> members = walk.Members();
     if (!walk.Wrong.empty()) return {std::string(walk.Wrong), kTextBegin + walk.At};
-    Flag unconverged = kFalse;
+    bool converged = true, collapsed = false;
+    decltype(job.LeftOpen) leftOpen{};
     decltype(job.OtherMembers) others;
     for (auto member = members.begin(); member != members.end(); ++member) {
         const auto same = [member](const Member& other) { return other.Name == member->Name; };
         if (std::any_of(members.begin(), member, same))
             return {"the member " + std::string(member->Name) + " stands there twice",
                     kTextBegin + member->ValueAt};
-        if (member->Name != kConverged) {
-            others.emplace_back(member->Name, member->Value);
-        } else if (member->Value == "true" || member->Value == "false") {
-            unconverged = ToFlag(member->Value == "false");
+        const auto wrong = [member](const char* what) {
+            return JobBlockFault{"the member " + std::string(member->Name) + what,
+                                 kTextBegin + member->ValueAt};
+        };
+        constexpr const char* kNoTruth = " is neither true nor false";
+        if (member->Name == kConverged) {
+            if (!TakeTruth(member->Value, converged)) return wrong(kNoTruth);
+        } else if (member->Name == kCollapsed) {
+            if (!TakeTruth(member->Value, collapsed)) return wrong(kNoTruth);
+        } else if (member->Name == kOpen) {
+            if (!TakeNumbers(member->Value, leftOpen)) return wrong(" is no list of parameters 1 to 17");
         } else {
-            return {"the member " + std::string(kConverged) + " is neither true nor false",
-                    kTextBegin + member->ValueAt};
+            others.emplace_back(member->Name, member->Value);
         }
     }
-    job.Unconverged = unconverged;
+    job.Unconverged = ToFlag(!converged);
+    job.LeftOpen = leftOpen;
+    job.Collapsed = ToFlag(collapsed);
     job.OtherMembers = std::move(others);
     return {};
 }
@@ -231,6 +283,8 @@ std::string JobBlock(const JobRecord& job) {
         text.append(text.empty() ? "{" : ",").append(name).append(":").append(value);
     };
     if (IsTrue(job.Unconverged)) add(kConverged, "false");
+    if (const std::string open = NumbersOf(job.LeftOpen); !open.empty()) add(kOpen, open);
+    if (IsTrue(job.Collapsed)) add(kCollapsed, "true");
     for (const auto& [name, value] : job.OtherMembers) add(name, value);
     if (text.empty()) return "";
     text += '}';

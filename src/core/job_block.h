@@ -29,5 +29,5 @@ struct JobBlockFault {
 // Takes what a block says into the job. With a fault the job is as before.
 JobBlockFault TakeJobBlock(std::string_view block, JobRecord& job);
 
-// The block of a job; "" where it has nothing to say, as all jobs with a result that converged.
+// The block of a job; "" where it has nothing to say, as all jobs with a sound result.
 std::string JobBlock(const JobRecord& job);

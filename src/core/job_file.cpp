@@ -72,14 +72,7 @@ void NoteJobFile(const JobFileContent& content, const std::string& path) {
     if (!content.BlockFault.empty())
         AddNote(NoteCode::BlockLeftOut,
                 "What stands behind the fields of the job is damaged and was left out; whether its result "
-                "converged is not known",
-                path);
-}
-
-void NoteUnconverged(const std::string& path) {
-    if (IsTrue(Job.Unconverged))
-        AddNote(NoteCode::NotConverged,
-                "The result of the job is of a calculation that did not converge; it is not the best fit",
+                "converged, and whether its points determine it, is not known",
                 path);
 }
 
@@ -118,7 +111,7 @@ void OpenFile(const std::string& path) {
     }
     Job = std::move(content.Job);
     NoteJobFile(content, path);
-    NoteUnconverged(path);
+    NoteMarks(path);
     generation = ++Run.JobGeneration;
     FillViewList(std::move(content.ViewNames));
     // The kinds of target file that a job does not store are not those of the job before.

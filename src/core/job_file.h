@@ -55,8 +55,6 @@ JobFileContent ReadJobBytes(std::string_view bytes, const std::string& path, con
 
 // Adds what was noticed in a file to the list of notes, under its path.
 void NoteJobFile(const JobFileContent& content, const std::string& path);
-// Notes that the result of the open job did not converge, where that is so: for all that goes on with it.
-void NoteUnconverged(const std::string& path);
 
 // A job as a file of the program's version. `viewNames` are the names of its saved views; without any the
 // file has no views. Throws PlatformError for a job that could not be read back: a text that is too long,

@@ -2,9 +2,39 @@
 #include "core/job_notes.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 
 #include "core/job.h"
 #include "core/notes.h"
+#include "core/parameter_names.h"
+
+void NoteMarks(const std::string& path) {
+    if (IsTrue(Job.Unconverged))
+        AddNote(NoteCode::NotConverged,
+                "The result of the job is of a calculation that did not converge; it is not the best fit",
+                path);
+    if (const std::string open = NamesMarkedOpen(); !open.empty())
+        AddNote(
+            NoteCode::OpenParameters,
+            "The result of the job leaves " + open +
+                " open: what it holds for that is arbitrary, and so is where it puts whatever lies off the "
+                "points that it was calculated from",
+            path);
+    if (IsTrue(Job.Collapsed))
+        AddNote(
+            NoteCode::CollapsedScale,
+            "A scale in the result of the job has collapsed, to 0 or what noise makes of it: this is no "
+            "fit, and where it puts whatever lies off the points that it was calculated from is arbitrary",
+            path);
+}
+
+std::string NamesMarkedOpen() {
+    std::array<bool, kParameterEnd> open{};
+    std::transform(Job.LeftOpen.begin(), Job.LeftOpen.end(), open.begin(),
+                   [](std::int16_t mark) { return mark != 0; });
+    return NamesOf(open);
+}
 
 void NoteOrientationsLost(const std::string& path) {
     if (Job.RobotABC.Rows < 1 || IsTrue(Job.IsKuka) || IsTrue(Job.IsQuaternion)) return;

@@ -3,6 +3,13 @@
 
 #include <string>
 
+// After a job has been read from `path`, for all that goes on with its result: the notes of what it is marked
+// with, that it did not converge, that parameters are open, that a scale has collapsed.
+void NoteMarks(const std::string& path);
+
+// "Rot x and Tra z": the parameters that the open job is marked with as open; "" where there are none.
+std::string NamesMarkedOpen();
+
 // Before the job that is open is written to `path`: the note that a job file does not keep the orientations
 // that are there. It has room for those of Kuka programs and of quaternions alone.
 void NoteOrientationsLost(const std::string& path);

@@ -21,6 +21,8 @@ const RecordEntry kOtherRecords[] = {
     {"Rvec_z", &Job.Rvec_z, Storage::Run},
     // Behind the fields of the job file.
     {"Unconverged", &Job.Unconverged, Storage::JobFile},
+    {"LeftOpen", NumberRow16{Job.LeftOpen.data(), kParameterEnd}, Storage::JobFile},
+    {"Collapsed", &Job.Collapsed, Storage::JobFile},
     // Of the program run.
     {"Notes", &Notes.List, Storage::Run},
     {"JobFilePath", &Run.JobFilePath, Storage::Run},

@@ -179,6 +179,8 @@ bool CalculationIsOfThisJob() {
 void MarkResult(bool converged) {
     std::erase_if(Notes.List, [](const Note& note) { return note.Code == NoteCode::NotConverged; });
     Job.Unconverged = ToFlag(!converged);
+    Job.Collapsed = kFalse;
+    std::copy(Calculation.HeldByFit.begin(), Calculation.HeldByFit.end(), Job.LeftOpen.begin());
     if (!converged)
         AddNote(NoteCode::NotConverged, "The calculation did not converge; its result is not the best fit");
 }
@@ -266,6 +268,7 @@ void ButtonCalcErsatz() {
     Calculation.v = std::move(fit.v);
     Calculation.P = std::move(fit.P);
     Calculation.Converged = Norm.Converged;
+    Calculation.HeldByFit = fit.HeldByFit;
     Calculation.Finite = ParametersAreFinite() && ResidualsAreFinite();
     marked.Ended = true;
     // A pass of a shape is no result yet; its loop tells when it is one.

@@ -22,6 +22,7 @@ struct CalculationRecord {
     // leave open. The significance is how many sigmas the parameter lies from the value that does nothing: 0,
     // for scales 1, for angles half turns too.
     std::array<double, 18> Sigma{}, Significance{};
+    std::array<bool, 18> HeldByFit{};  // by parameter number: it floats, and the fit had to hold it
 };
 inline CalculationRecord Calculation;
 
@@ -42,8 +43,10 @@ bool CalculationIsRefused();
 // is not a redundant calculation" and changes nothing when the weights in use are fewer than the unknowns.
 void ButtonCalcErsatz();
 
-// The end of a calculation: the mark that the job carries from now on, and the note of a result that did not
-// converge. Those about the result of before go.
+// The end of a calculation: the marks that the job carries from now on, and the note of a result that did not
+// converge. Those about the result of before go. Of the parameters those are marked as open that the fit
+// held; what else the points or the shape leave open, and a scale that has collapsed, is marked where it is
+// noted.
 void MarkResult(bool converged);
 
 // The transformed start points of the present parameters: with `v` the pairs are the targets plus their

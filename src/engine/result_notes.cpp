@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/job.h"
@@ -48,6 +49,8 @@ void NoteOpen(const NormFit& fit, const OpenParameters& open, const FitModel& mo
         byPoints[kAzimuth] = false;
     }
     if (open.ByPoints() == 0) return;
+    for (int k = kTraX; k < kParameterEnd; ++k)
+        if (byPoints[At(k)]) Job.LeftOpen[At(k)] = 1;
     AddNote(NoteCode::OpenParameters,
             (model.Mode == FitMode::Tool
                  ? std::string("The points and poses in use, turned about one axis alone perhaps, leave ")
@@ -159,6 +162,11 @@ bool Drowned(double apart, double image, double whole, const Spreads& spreads) {
     return apart <= kSmall * whole && image <= kMostOfDeviation * spreads.Deviation;
 }
 
+void NoteCollapsed(std::string text) {
+    Job.Collapsed = kTrue;
+    AddNote(NoteCode::CollapsedScale, std::move(text));
+}
+
 // A scale of next to nothing carries all points to one place, or into one plane, and fits whatever is there.
 // True where all of them are at one place.
 bool NoteCollapse(const FitModel& model, const Mat3& M) {
@@ -175,9 +183,9 @@ bool NoteCollapse(const FitModel& model, const Mat3& M) {
     if (model.Mode != FitMode::Coincide) spreads.Deviation = 0;
     const bool onePlace = reach.Target <= std::max(kRounding * reach.LargestTarget, kOnePlace * start);
     if (onePlace || Drowned(spreads.Target, spreads.Image, spreads.Start, spreads)) {
-        AddNote(NoteCode::CollapsedScale,
-                "The target points in use are all at one place, or all but so: a scale of 0 fits them "
-                "whatever the start points are, so this is no fit, and the rotation is arbitrary");
+        NoteCollapsed(
+            "The target points in use are all at one place, or all but so: a scale of 0 fits them "
+            "whatever the start points are, so this is no fit, and the rotation is arbitrary");
         for (int k = kRotX; k <= kRotZ; ++k)
             if (model.UnknownOf[At(k)] != 0) TakeSigma(k);
         return true;
@@ -188,17 +196,15 @@ bool NoteCollapse(const FitModel& model, const Mat3& M) {
         if (!one && model.UnknownOf[At(parameter)] == 0) continue;
         const double image = std::fabs(ParameterValue(Job, parameter)) * reach.Start[At(k)];
         if (reach.Start[At(k)] <= kNothing * start || image > kNothing * reach.Target) continue;
-        AddNote(NoteCode::CollapsedScale,
-                std::string(ParameterName(one ? kScaleXYZ : parameter)) +
-                    " has gone to 0: it carries points that are apart onto each other");
+        NoteCollapsed(std::string(ParameterName(one ? kScaleXYZ : parameter)) +
+                      " has gone to 0: it carries points that are apart onto each other");
         noted = true;
         if (one) break;
     }
     constexpr double kFlat = 1e-2;
     if (!noted && !one && spreads.LeastStart > kFlat * spreads.Start &&
         Drowned(spreads.LeastImage, spreads.LeastImage, spreads.Image, spreads))
-        AddNote(
-            NoteCode::CollapsedScale,
+        NoteCollapsed(
             "The result carries the points all but into one plane, about as near to it as the deviations are "
             "long: along one direction the scale is what the noise makes of none");
     return false;
@@ -233,18 +239,6 @@ void NoteRedundancy(const NormFit& fit, const FitModel& model) {
 
 }  // namespace
 
-std::string NamesOf(const std::array<bool, kParameterEnd>& open) {
-    std::vector<const char*> names;
-    for (int k = kTraX; k < kParameterEnd; ++k)
-        if (open[At(k)]) names.push_back(ParameterName(k));
-    std::string text;
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        if (i > 0) text += i + 1 == names.size() ? " and " : ", ";
-        text += names[i];
-    }
-    return text;
-}
-
 bool IsLeftOpen(int parameter) {
     return Calculation.Finite && std::isnan(Calculation.Sigma[At(parameter)]);
 }
@@ -254,13 +248,6 @@ std::string NamesLeftOpen() {
     for (int k = kTraX; k < kParameterEnd; ++k)
         open[At(k)] = Calculation.UnknownOf[At(k)] != 0 && IsLeftOpen(k);
     return NamesOf(open);
-}
-
-const char* ParameterName(int parameter) {
-    constexpr std::array<const char*, kParameterEnd> kNames = {
-        "",        "Tra x",     "Tra y", "Tra z",   "Rot x",   "Rot y",  "Rot z",   "Scale x", "Scale y",
-        "Scale z", "Scale xyz", "xy",    "Azimuth", "z to xy", "R Dist", "R vec x", "R vec y", "R vec z"};
-    return kNames[At(parameter)];
 }
 
 void NoteResult(const NormFit& fit) {
@@ -277,8 +264,7 @@ void NoteResult(const NormFit& fit) {
     if (!onePlace && !open.GimbalLock) NoteNearLock(model);
     const double handedness = Handedness(at.M);
     if (!onePlace && std::fabs(handedness) < kPlane)
-        AddNote(NoteCode::CollapsedScale,
-                "The result carries every body into one plane: the angles of its frame have closed up");
+        NoteCollapsed("The result carries every body into one plane: the angles of its frame have closed up");
     if (!onePlace && handedness < -kPlane)
         AddNote(NoteCode::Mirrored,
                 "The result is mirrored: it carries the points onto their mirror image, as no movement can; "

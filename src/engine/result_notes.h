@@ -4,6 +4,7 @@
 #include <array>
 #include <string>
 
+#include "core/parameter_names.h"
 #include "engine/norms.h"
 
 // Notes of parameters that the points leave open, of gimbal lock, of a scale that has gone to 0, of a
@@ -21,9 +22,3 @@ inline constexpr const char* kOpenSignificance = "open";
 
 // "Rot x, Tra y and Tra z": the unknowns that are left open; "" where there are none.
 std::string NamesLeftOpen();
-
-// The same of any parameters.
-std::string NamesOf(const std::array<bool, kParameterEnd>& parameters);
-
-// "Rot x": a parameter by its number, as the tables have it.
-const char* ParameterName(int parameter);

@@ -94,6 +94,7 @@ void NoteLimitsOfShape() {
     for (const int k : open) {
         names += (names.empty() ? "" : ", ") + std::string(ParameterName(k));
         Calculation.Sigma[At(k)] = Calculation.Significance[At(k)] = std::numeric_limits<double>::quiet_NaN();
+        Job.LeftOpen[At(k)] = 1;
     }
     if (!open.empty())
         AddNote(NoteCode::OpenParameters,

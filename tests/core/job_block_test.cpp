@@ -59,6 +59,29 @@ TEST_F(JobBlocks, TheMarkStandsBehindTheLastField) {
     ExpectJob(again.Job, HandExample());
 }
 
+TEST_F(JobBlocks, OpenParametersAndACollapsedScaleStandThereToo) {
+    const std::string open = "\"openParameters\":[4,6,17]", collapsed = "\"collapsedScale\":true";
+    std::array<std::int16_t, 18> marks{};
+    marks[4] = marks[6] = marks[17] = 1;
+    for (const auto& text : {open, collapsed, open + "," + collapsed,
+                             "\"converged\":false," + open + "," + collapsed + ",\"cell\":[4]"}) {
+        const std::string bytes = Fields() + Block("{" + text + "}");
+        const JobFileContent content = Read(bytes);
+        EXPECT_EQ(content.BlockFault, "");
+        EXPECT_EQ(content.Job.LeftOpen, text.find(open) != std::string::npos ? marks : decltype(marks){});
+        EXPECT_EQ(content.Job.Collapsed, ToFlag(text.find(collapsed) != std::string::npos));
+        EXPECT_EQ(content.Job.Unconverged, ToFlag(text.find("converged\"") != std::string::npos));
+        ExpectJob(content.Job, HandExample());
+        ExpectBytes(JobBytes(content.Job, {}), bytes);
+    }
+    const JobFileContent blanks =
+        Read(Fields() + Block("{\"openParameters\": [ 17,\t6 ,\r\n4 ] , \"collapsedScale\" : false }"));
+    EXPECT_EQ(blanks.Job.LeftOpen, marks) << blanks.BlockFault;
+    EXPECT_EQ(blanks.Job.Collapsed, kFalse);
+    ExpectBytes(JobBytes(Read(Fields() + Block("{\"openParameters\":[ ],\"collapsedScale\":false}")).Job, {}),
+                Fields());
+}
+
 TEST_F(JobBlocks, AllVersionsOfTheFieldsMayHaveOne) {
     const HandJob job = HandExample();
     for (const std::string& fields :
@@ -120,6 +143,19 @@ TEST_F(JobBlocks, DamageIsToldWithItsByte) {
         {"{\"converged\":false", 18},
         {"{\"converged\":0}", 13},
         {"{\"converged\":false}}", 19},
+        {"{\"collapsedScale\":1}", 18},
+        {"{\"openParameters\":4}", 18},
+        {"{\"openParameters\":true}", 18},
+        {"{\"openParameters\":[0]}", 18},
+        {"{\"openParameters\":[18]}", 18},
+        {"{\"openParameters\":[-4]}", 18},
+        {"{\"openParameters\":[4.0]}", 18},
+        {"{\"openParameters\":[4e0]}", 18},
+        {"{\"openParameters\":[4,4]}", 18},
+        {"{\"openParameters\":[\"4\"]}", 18},
+        {"{\"openParameters\":[[4]]}", 18},
+        {"{\"openParameters\":[4,99999999999]}", 18},
+        {"{\"openParameters\":[4],\"openParameters\":[4]}", 39},
         {"{\"a\":1,\"a\":2}", 11},
         {"{\"a\":01}", 7},
         {"{\"a\":tru}", 5},
@@ -164,6 +200,23 @@ TEST_F(JobBlocks, OpeningAJobThatDidNotConvergeIsNoted) {
     EXPECT_TRUE(Messages().empty());
     OpenFile(Write("b.cvn", Fields()));
     EXPECT_EQ(Job.Unconverged, kFalse) << "it is that of the job before";
+    EXPECT_TRUE(Notes.List.empty());
+}
+
+TEST_F(JobBlocks, OpeningAJobWhoseResultIsNotDeterminedIsNoted) {
+    const std::string bytes = Fields() + Block("{\"openParameters\":[1,4,6],\"collapsedScale\":true}");
+    const std::string path = Write("a.cvn", bytes);
+    OpenFile(path);
+    ASSERT_EQ(Codes(), (std::vector<std::string>{"open-parameters", "collapsed-scale"}));
+    EXPECT_NE(Notes.List[0].Text.find("leaves Tra x, Rot x and Rot z open"), std::string::npos)
+        << Notes.List[0].Text;
+    for (const Note& note : Notes.List) EXPECT_EQ(note.File, path);
+    EXPECT_TRUE(Messages().empty());
+    SaveFileAs(PathOf("again.cvn"));
+    ExpectBytes(Contents(PathOf("again.cvn")), bytes);
+    OpenFile(Write("b.cvn", Fields()));
+    EXPECT_EQ(Job.LeftOpen, JobRecord{}.LeftOpen) << "they are those of the job before";
+    EXPECT_EQ(Job.Collapsed, kFalse);
     EXPECT_TRUE(Notes.List.empty());
 }
 

@@ -168,6 +168,18 @@ TEST_F(ProperBeside, RunsOfAScaleNearZeroKeepToOneForm) {
     }
 }
 
+TEST_F(ProperBeside, TheJobIsMarkedWithWhatIsHeld) {
+    int seed = 0;
+    do Fit(AnySet(++seed, {500, 300, 0}, kNoise, false, false), "9", kNorms[0]);
+    while (!Held());
+    int open = 0;
+    for (int k = 1; k < kParameterEnd; ++k) {
+        open += IsLeftOpen(k) ? 1 : 0;
+        EXPECT_EQ(Job.LeftOpen[static_cast<std::size_t>(k)], IsLeftOpen(k) ? 1 : 0) << k;
+    }
+    EXPECT_GT(open, 0);
+}
+
 TEST_F(ProperBeside, WhatIsMirroredBeyondNoiseStaysSo) {
     for (const Point& size : {Point{500, 300, 200}, Point{500, 300, 5}})
         for (const char* preset : {"7", "9", "12"})

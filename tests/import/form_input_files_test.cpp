@@ -376,3 +376,19 @@ TEST_F(InputDialog, AFailedImportOverAValidJobLeavesNoValidJobBehind) {
     EXPECT_EQ(Run.WaitPointers, 0);
     EXPECT_EQ(Contents(start_), "A;1;1;1\r\nB;two;2;2\r\n");
 }
+
+TEST_F(InputDialog, NewPointsTakeTheMarksOfTheResultBeforeOff) {
+    Import();
+    Job.Unconverged = Job.Collapsed = kTrue;
+    Job.LeftOpen[kRotX] = 1;
+    start_ = PathOf("missing.txt");
+    Answer("message", "Yes");
+    Import();
+    EXPECT_EQ(Job.LeftOpen[kRotX], 1) << "the import has failed";
+    start_ = Write("new.txt", kStart);
+    Answer("message", "Yes");
+    Import();
+    EXPECT_EQ(Job.LeftOpen, JobRecord{}.LeftOpen);
+    EXPECT_EQ(Job.Collapsed, kFalse);
+    EXPECT_EQ(Job.Unconverged, kFalse);
+}

@@ -132,6 +132,20 @@ TEST_F(WhatAShapeHolds, WithTheTurnHeldADishHoldsTheRestAndNothingIsSaid) {
     EXPECT_TRUE(DirectionsHere(0).Open.empty());
 }
 
+TEST_F(WhatAShapeHolds, TheJobIsMarkedWithWhatTheShapeDoesNotHold) {
+    TakePlane();
+    Job.ParamText[kRotZ] = "0";
+    AddPointsOf(60, {.Tx = 0.3, .Tz = 4, .A = 0.002, .B = -0.001}, 0.01, [](double) { return 120.0; });
+    Calculate();
+    EXPECT_EQ(Job.LeftOpen, (decltype(Job.LeftOpen){0, 1, 1})) << "Tra x and Tra y";
+    // The next result has its own.
+    Job.ParamText[kTraX] = Job.ParamText[kTraY] = "0";
+    Job.Collapsed = kTrue;
+    Calculate();
+    EXPECT_EQ(Job.LeftOpen, decltype(Job.LeftOpen){});
+    EXPECT_EQ(Job.Collapsed, kFalse);
+}
+
 TEST_F(WhatAShapeHolds, AlongOpenDirectionsTheSumStaysAndAlongHeldOnesItRisesAsTold) {
     const std::vector<std::pair<const char*, std::size_t>> shapes = {{"plane", 3}, {"ball", 3}, {"dish", 5}};
     for (const auto& [name, held] : shapes) {
