@@ -5,10 +5,12 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "bundle/distance_check.h"
 #include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
@@ -37,11 +39,18 @@ std::string_view NextLine(const PointText& file, LineWalk& lines, const std::str
                         std::to_string(lines.Row) + ", before " + missing};
 }
 
-// Walks over all sections; `take` gets the section's number and each of its entries. Throws PlatformError
-// where the file ends before its sections do: an empty line in the place of an entry takes the next one for
-// the second line of its own.
-template <class Take>
-void ForEachEntry(const PointText& file, Take take) {
+// Where a line that the format passes over stands, as a note on it says.
+constexpr const char* kBehindKeyword = "it stands in the line behind a keyword, where a heading is expected";
+constexpr const char* kSecondLine = "it stands in the place of the second line of the entry before it";
+constexpr const char* kLineOfEnd = "it begins with END, and ends its section";
+constexpr const char* kBetween = "it stands behind the END of its section";
+
+// Walks over all sections; `take` gets the section's number, each of its entries and their lines. `pass` gets
+// the same of the lines that are passed over from the first keyword on, and where they stand. Throws
+// PlatformError where the file ends before its sections do: an empty line in the place of an entry takes the
+// next one for the second line of its own.
+template <class Take, class Pass>
+void ForEachEntry(const PointText& file, Take take, Pass pass) {
     LineWalk lines(file);
     std::int64_t empty = 0;
     try {
@@ -49,15 +58,24 @@ void ForEachEntry(const PointText& file, Take take) {
             const Section& section = kSections[s];
             const std::string name = std::string("\"") + section.Keyword + "\"";
             const std::string end = "the line END of the section " + name;
-            while (!NextLine(file, lines, "a section " + name).starts_with(section.Keyword)) {
+            for (;;) {
+                const std::string_view line = NextLine(file, lines, "a section " + name);
+                if (line.starts_with(section.Keyword)) break;
+                if (s > 0) pass(s - 1, line, lines.Row, kBetween);
             }
-            NextLine(file, lines, end);
+            const std::string_view heading = NextLine(file, lines, end);
+            pass(s, heading, lines.Row, kBehindKeyword);
             for (;;) {
                 const std::string_view entry = NextLine(file, lines, end);
-                if (entry.starts_with("END")) break;
+                if (entry.starts_with("END")) {
+                    pass(s, entry, lines.Row, kLineOfEnd);
+                    break;
+                }
                 if (entry.empty() && empty == 0) empty = lines.Row;
                 take(s, entry, lines.Row);
-                if (section.SecondLine) NextLine(file, lines, end);
+                if (!section.SecondLine) continue;
+                const std::string_view second = NextLine(file, lines, end);
+                pass(s, second, lines.Row, kSecondLine);
             }
         }
     } catch (PlatformError& refusal) {
@@ -151,12 +169,50 @@ void TakePoint(Fields fields, std::size_t number, std::vector<std::string>& name
     fields.End();
 }
 
-// Numbers of names; of several equal ones the first counts.
-using Numbers = std::unordered_map<std::string_view, int>;
-Numbers NumbersOf(const std::vector<std::string>& names) {
-    Numbers numbers;
-    for (std::size_t i = 1; i < names.size(); ++i) numbers.emplace(names[i], static_cast<int>(i));
-    return numbers;
+// Notes the distances that are left out or cannot be meant.
+//   rows   of each distance its line
+void NoteDistances(const BundleRecord& network, const DistanceCheck& check,
+                   const std::vector<std::int64_t>& rows, RowNotes& notes) {
+    for (std::size_t k = 1; k < network.DistanceValue.size(); ++k) {
+        const DistanceFaults faults = check.Of(k);
+        const auto count = [&](NoteCode code, const char* text) {
+            notes.Count(code, rows[k], [&] { return "The distance from " + PairText(network, k) + text; });
+        };
+        if (faults.NotPositive)
+            count(NoteCode::DistanceNotPositive, " is 0 or less, and takes part as it stands");
+        if (faults.Swapped) {
+            count(NoteCode::DistanceSwapped,
+                  " names the object point before the station, and is left out of the adjustment");
+        } else if (faults.Unknown) {
+            count(NoteCode::DistanceUnknown,
+                  " names a point that is not there, and is left out of the adjustment");
+        } else if (faults.OnePlace) {
+            count(NoteCode::DistanceOnePlace,
+                  " is one between points at the same place, and is left out of the adjustment");
+        }
+    }
+}
+
+// Does a line that is passed over look like an entry of a section of points?
+bool LooksLikePoint(std::string_view line) {
+    std::string scratch;
+    double value = 0;
+    if (CutField(line, ' ', scratch).empty()) return false;
+    for (int axis = 1; axis <= 3; ++axis) {
+        const std::string_view field = CutField(line, ' ', scratch);
+        if (!TextToNumber(field, '.', value) && !TextToNumber(field, ',', value)) return false;
+    }
+    return true;
+}
+
+// The same for the section of distances, where headings may be of two words and a number too: the names must
+// be there.
+bool LooksLikeDistance(std::string_view line, const DistanceCheck& check) {
+    std::string scratch;
+    const std::string from(CutField(line, ' ', scratch)), to(CutField(line, ' ', scratch));
+    const std::string_view field = CutField(line, ' ', scratch);
+    double value = 0;
+    return (TextToNumber(field, '.', value) || TextToNumber(field, ',', value)) && check.AreNames(from, to);
 }
 
 // Counts what is wrong, with the first of them.
@@ -181,12 +237,15 @@ struct Objection {
 BundleRecord BündelInputFileEinlesen(const std::string& path) {
     const PointText file = LoadPointText(path);
     std::array<std::int64_t, 3> counts{};
-    ForEachEntry(file, [&](std::size_t section, std::string_view, std::int64_t row) {
-        if (++counts[section] > kSections[section].MostEntries)
-            throw PlatformError{"Cannot read \"" + path + "\", line " + std::to_string(row) +
-                                ": the section \"" + kSections[section].Keyword + "\" has more than " +
-                                std::to_string(kSections[section].MostEntries) + " entries"};
-    });
+    ForEachEntry(
+        file,
+        [&](std::size_t section, std::string_view, std::int64_t row) {
+            if (++counts[section] > kSections[section].MostEntries)
+                throw PlatformError{"Cannot read \"" + path + "\", line " + std::to_string(row) +
+                                    ": the section \"" + kSections[section].Keyword + "\" has more than " +
+                                    std::to_string(kSections[section].MostEntries) + " entries"};
+        },
+        [](std::size_t, std::string_view, std::int64_t, const char*) {});
 
     BundleRecord network;
     network.BundleFilePath = path;
@@ -205,8 +264,10 @@ BundleRecord BündelInputFileEinlesen(const std::string& path) {
     RowNotes notes(path, ' ', PointFields(true));
     std::array<NameLines, 2> nameLines{NameLines(notes), NameLines(notes)};
     std::array<std::size_t, 3> number{};
+    std::vector<std::int64_t> distanceRows(static_cast<std::size_t>(counts[2]) + 1);
+    std::optional<DistanceCheck> check;  // from the third section on, when the points are there
     std::string scratch;
-    ForEachEntry(file, [&](std::size_t section, std::string_view line, std::int64_t row) {
+    const auto take = [&](std::size_t section, std::string_view line, std::int64_t row) {
         Fields fields(DecodedLine(file, line, scratch), row, network, notes);
         const std::size_t k = ++number[section];
         if (section == 0) {
@@ -218,32 +279,33 @@ BundleRecord BündelInputFileEinlesen(const std::string& path) {
         } else {
             network.DistancePair[1][k] = fields.Text();
             network.DistancePair[2][k] = fields.Text();
-            network.DistanceValue[k] =
-                fields.Length("distance from \"" + Printable(network.DistancePair[1][k]) + "\" to \"" +
-                              Printable(network.DistancePair[2][k]) + "\"");
+            network.DistanceValue[k] = fields.Length("distance from " + PairText(network, k));
             fields.End();
+            distanceRows[k] = row;
         }
-    });
+    };
+    const auto pass = [&](std::size_t section, std::string_view line, std::int64_t row, const char* place) {
+        if (section == 2 && !check) check.emplace(network);
+        const std::string_view text = DecodedLine(file, line, scratch);
+        if (section == 2 ? !LooksLikeDistance(text, *check) : !LooksLikePoint(text)) return;
+        notes.Count(NoteCode::EntrySkipped, row, [&] {
+            return "The line \"" + Printable(text) + "\" looks like an entry, and is not read: " + place;
+        });
+    };
+    ForEachEntry(file, take, pass);
+    NoteDistances(network, *check, distanceRows, notes);
     notes.Write();
     return network;
 }
 
 std::string BundleObjections(const BundleRecord& network) {
-    const Numbers stations = NumbersOf(network.StationName), objects = NumbersOf(network.ObjectName);
+    const DistanceCheck check(network);
     Objection unknown, nothing, onePlace;
     for (std::size_t k = 1; k < network.DistanceValue.size(); ++k) {
-        const std::string& from = network.DistancePair[1][k];
-        const std::string& to = network.DistancePair[2][k];
-        const std::string pair = "\"" + Printable(from) + "\" to \"" + Printable(to) + "\"";
-        if (!(network.DistanceValue[k] > 0)) nothing.Add(pair);
-        const auto station = stations.find(from), object = objects.find(to);
-        if (station == stations.end() || object == objects.end()) {
-            unknown.Add(pair);
-        } else if (const double* a = network.StationXYZ.Row(station->second),
-                   *b = network.ObjectXYZ.Row(object->second);
-                   std::equal(a + 1, a + 4, b + 1)) {
-            onePlace.Add(pair);
-        }
+        const DistanceFaults faults = check.Of(k);
+        if (faults.NotPositive) nothing.Add(PairText(network, k));
+        if (faults.Unknown) unknown.Add(PairText(network, k));
+        if (faults.OnePlace) onePlace.Add(PairText(network, k));
     }
     std::string text;
     if (network.nDistances == unknown.Count) text = kNoDistance;

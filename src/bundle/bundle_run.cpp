@@ -7,6 +7,7 @@
 #include "bundle/bundle_file.h"
 #include "bundle/open_points.h"
 #include "core/files.h"
+#include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/run.h"
@@ -104,6 +105,19 @@ std::string BundleEndText(BundleEnd end, const BundleWork& work) {
                " iterations the coordinates still change by up to " + Shown(work.BiggestX) +
                ". The distances may not be enough for a network.";
     return "";
+}
+
+void NoteBundleEnd(const BundleRecord& network, const BundleWork& work, BundleEnd end) {
+    std::erase_if(Notes.List, [](const Note& note) { return note.Code == NoteCode::NotConverged; });
+    if (end != BundleEnd::NoEnd && end != BundleEnd::Stopped) return;
+    const std::string text =
+        "The adjustment of the network " +
+        (end == BundleEnd::Stopped
+             ? "was stopped before it converged"
+             : "did not converge: after " + std::to_string(work.Iterations) +
+                   " iterations the coordinates still change by up to " + Shown(work.BiggestX)) +
+        "; its coordinates are not those that fit the distances best";
+    AddNote(NoteCode::NotConverged, text, network.BundleFilePath);
 }
 
 std::string BundleWarnings(const BundleRecord& network, const BundleWork& work) {

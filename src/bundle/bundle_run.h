@@ -36,6 +36,10 @@ BundleEnd AdjustBundle(BundleRecord& network, BundleWork& work, double limit_mm,
 // What a user is told of an end that is not the wanted one; "" for Converged, Stopped and Abandoned.
 std::string BundleEndText(BundleEnd end, const BundleWork& work);
 
+// Notes an end without convergence, of the file of the network: what is shown is not its best fit. The note
+// of an adjustment of before goes.
+void NoteBundleEnd(const BundleRecord& network, const BundleWork& work, BundleEnd end);
+
 // What there is to say before an adjustment, in the file and in the choice of points; "" when there is
 // nothing.
 std::string BundleWarnings(const BundleRecord& network, const BundleWork& work);

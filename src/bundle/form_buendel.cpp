@@ -100,6 +100,7 @@ void BundleRun() {
     const BundleRecord network = Bundle;
     TakeBundleAsJob(startPath, targetPath);
     NoteOpenPoints(network, *work);
+    NoteBundleEnd(network, *work, end);
 }
 
 // What an open window shows belongs to the network of before.
@@ -168,6 +169,7 @@ void FormBündel::Command1_Click() {
     const BundleEnd end = AdjustBundle(own, *work, kWindowLimit, {{}, {}, SameAsNow()});
     if (end == BundleEnd::Abandoned) return;
     NoteOpenPoints(own, *work);
+    NoteBundleEnd(own, *work, end);
     w.Own = std::move(own);
     TellEnd(end, *work);
     if (work->Iterations > 0)

@@ -224,6 +224,7 @@ int RunBundle(const BundleOptions& options, std::ostream& out, std::ostream& err
     if (!hasResult) return Refuse(err, kRefused, endText);
 
     NoteOpenPoints(Bundle, result.Work);
+    NoteBundleEnd(Bundle, result.Work, result.End);
     if (EndsForWarnings(options.Strict, err)) return kUnreadable;
     const bool written = options.Folder.empty() || Dispatch([&] {
                              result.Files = {WriteNetwork(options.Folder, kBundleTargetFile, approximate),

@@ -31,6 +31,11 @@ enum class NoteCode : std::uint8_t {
     NetworkOpen,           // a network's point that the distances do not determine
     FlagsBeyondPairs,      // a job file has use flags for more pairs than it counts
     BlockLeftOut,          // what stands behind the fields of a job file is damaged and is left out
+    EntrySkipped,      // a line of a network file that the format passes over, and that looks like an entry
+    DistanceUnknown,   // a distance of a network names a point that is not there
+    DistanceSwapped,   // a distance of a network names the object point before the station
+    DistanceOnePlace,  // a distance of a network is one between points at the same place
+    DistanceNotPositive,  // a distance of a network is 0 or less
     // Of a calculation.
     Mirrored,         // the result is mirrored
     BetterStart,      // the iteration ended in a solution that is not the best, and began again

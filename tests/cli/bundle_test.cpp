@@ -182,3 +182,82 @@ TEST_F(BundleCommand, APointThatTheDistancesDoNotDetermineHasNoSigma) {
     ASSERT_NE(row, std::string::npos);
     EXPECT_NE(table.Out.find("open        open        open", row), std::string::npos) << table.Out;
 }
+
+namespace {
+
+// The network of the examples with other lines in the place of some of its own, by how they begin.
+class BundleNotes : public BundleCommand {
+protected:
+    std::string Changed(const std::map<std::string, std::string>& lines) {
+        std::string text;
+        std::istringstream in(Contents(kNetwork));
+        for (std::string line; std::getline(in, line);) {
+            for (const auto& [begin, other] : lines)
+                if (line.starts_with(begin)) line = other;
+            text += line + "\n";
+        }
+        return Write("changed" + std::to_string(++files_) + ".txt", text);
+    }
+    static std::vector<std::string> Warnings(const json& all) {
+        std::vector<std::string> codes;
+        for (const json& note : all.at("notes"))
+            if (note.at("severity") == "warning") codes.push_back(note.at("code"));
+        return codes;
+    }
+    int files_ = 0;
+};
+
+}  // namespace
+
+TEST_F(BundleNotes, DistancesThatCannotBeMeantEndAStrictCommand) {
+    // An object point at the place of a station, by the approximate coordinates.
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {Changed({{"TH1 T01 ", "TH1 T99 6005.516"}}), "distance-unknown"},
+        {Changed({{"TH1 T01 ", "T01 TH1 6005.516"}}), "distance-swapped"},
+        {Changed({{"TH1 T14 ", "TH1 T14 0"}}), "distance-not-positive"},
+        {Changed({{"T14 ", "T14 5.1 -5.3 1650.7"}}), "distance-one-place"}};
+    for (const auto& [path, code] : cases) {
+        const std::string to = PathOf("to " + code);
+        const Outcome strict = Run({path, "--strict", "--to", to});
+        EXPECT_EQ(strict.Status, 3) << code << strict.Err;
+        EXPECT_EQ(strict.Out, "") << code;
+        EXPECT_FALSE(std::filesystem::exists(to)) << code;
+        const json all = json::parse(Run({path, "--json"}).Out);
+        const std::vector<std::string> warnings = Warnings(all);
+        EXPECT_NE(std::find(warnings.begin(), warnings.end(), code), warnings.end()) << all.at("notes");
+    }
+    EXPECT_EQ(Run({kNetwork, "--strict"}).Status, 0);
+}
+
+TEST_F(BundleNotes, PointsOfOneLineEndAStrictCommand) {
+    // Without the second lines every other point is one.
+    std::string text;
+    std::istringstream in(Contents(kNetwork));
+    bool objects = false;
+    for (std::string line; std::getline(in, line);) {
+        if (line.starts_with("END")) objects = false;
+        const bool kept = !objects || (line.starts_with("T") || line.starts_with("name"));
+        if (line.starts_with("Object Points")) objects = true;
+        if (kept) text += line + "\n";
+    }
+    const std::string path = Write("one.txt", text);
+    const Outcome strict = Run({path, "--strict"});
+    EXPECT_EQ(strict.Status, 3) << strict.Err;
+    const json all = json::parse(Run({path, "--json"}).Out);
+    EXPECT_EQ(all["objectPoints"].size(), 7u);
+    const std::vector<std::string> warnings = Warnings(all);
+    EXPECT_EQ(warnings, (std::vector<std::string>{"entry-skipped", "distance-unknown"}));
+    EXPECT_EQ(all["notes"][0]["count"], 7);
+}
+
+TEST_F(BundleNotes, AnAdjustmentThatDoesNotConvergeIsOne) {
+    const std::string path = Changed({{"TH1 T01 ", "TH1 T01 100000"}});
+    const Outcome outcome = Run({path, "--json"});
+    ASSERT_EQ(outcome.Status, 4) << outcome.Err;
+    const json all = json::parse(outcome.Out);
+    EXPECT_EQ(all["converged"], false);
+    ASSERT_EQ(Warnings(all), std::vector<std::string>{"not-converged"});
+    EXPECT_EQ(all["notes"][0]["file"], path);
+    EXPECT_EQ(Run({path, "--strict"}).Status, 3);
+    EXPECT_EQ(RunJson({kNetwork})["notes"], json::array());
+}
