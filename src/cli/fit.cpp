@@ -200,6 +200,8 @@ int TakePoints(const FitOptions& options, std::ostream& err, bool showProgress) 
 int TakeJob(FitOptions& options, JobFileFacts& facts, std::ostream& err) {
     const int status = OpenJob(options.Job, options.Questions, facts, err);
     if (status != kDone) return status;
+    // Nothing is calculated from what is wrong with the job: that might end with a refusal of its own.
+    if (options.Strict && HasWarnings() && EndsForWarnings(true, err)) return kUnreadable;
     options.Start = Job.PathMCS;
     options.Target = Job.PathOCS;
     options.Match = "the job " + options.Job;

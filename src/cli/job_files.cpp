@@ -55,6 +55,7 @@ void ReadJob(const std::string& path, std::optional<bool> questions, JobFileFact
     said = std::move(content.Said);
     RhoFestlegung();
     NoteShortNames(path);
+    NoteNotFinite(path);
     Run.JobDataValid = kTrue;
 }
 

@@ -118,6 +118,7 @@ void OpenFile(const std::string& path) {
     Run.IsDefault = Run.IsABBModx = Run.IsFanuc = Run.IsXYZABC = kFalse;
     FindPoseSpans();
     NoteShortNames(path);
+    NoteNotFinite(path);
     RhoFestlegung();
     Run.JobDataValid = kTrue;  // the main sheet shows no others
     FuellenHaupttabelle();

@@ -3,11 +3,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdint>
 
 #include "core/job.h"
 #include "core/notes.h"
 #include "core/parameter_names.h"
+#include "core/text.h"
 
 void NoteMarks(const std::string& path) {
     if (IsTrue(Job.Unconverged))
@@ -59,4 +61,67 @@ void NoteShortNames(const std::string& path) {
          std::max({Job.MCS_X.size(), Job.MCS_Y.size(), Job.MCS_Z.size()}));
     note("target system", Job.OCS_Name.size(),
          std::max({Job.OCS_X.size(), Job.OCS_Y.size(), Job.OCS_Z.size()}));
+}
+
+namespace {
+
+// Numbers that are none, of one array of the job after the other.
+struct NotFinite {
+    std::string Text;
+    int Count = 0;
+
+    // what    the array, "of the start system"
+    // values  (i, k) gives the value k, 1 to `columns`, of the entry i, 1 to `size`
+    // name    what the entry i is called
+    template <class Values, class Name>
+    void Add(const char* what, int size, int columns, Values values, Name name) {
+        int count = 0;
+        std::string first;
+        for (int i = 1; i <= size; ++i)
+            for (int k = 1; k <= columns; ++k)
+                if (!std::isfinite(values(i, k)) && ++count == 1) first = name(i);
+        if (count == 0) return;
+        Text +=
+            (Text.empty() ? "" : ", ") + std::to_string(count) + " " + what + " (the first of " + first + ")";
+        Count += count;
+    }
+};
+
+}  // namespace
+
+void NoteNotFinite(const std::string& path) {
+    NotFinite found;
+    const auto points = [&found](const char* what, const std::vector<std::string>& names,
+                                 const std::vector<TaggedValue>& x, const std::vector<TaggedValue>& y,
+                                 const std::vector<double>& z) {
+        const std::size_t size = std::max({x.size(), y.size(), z.size()});
+        found.Add(
+            what, static_cast<int>(size) - 1, 3,
+            [&](int i, int k) {
+                const auto at = static_cast<std::size_t>(i);
+                if (k == 3) return at < z.size() ? z[at] : 0;
+                const std::vector<TaggedValue>& values = k == 1 ? x : y;
+                return at < values.size() ? values[at].value_or(0) : 0;
+            },
+            [&](int i) {
+                const auto at = static_cast<std::size_t>(i);
+                return "point " +
+                       (at < names.size() ? "\"" + Printable(names[at]) + "\"" : std::to_string(i));
+            });
+    };
+    const auto rows = [&found](const char* what, const Matrix& matrix) {
+        found.Add(
+            what, matrix.Rows, matrix.Columns, [&matrix](int i, int k) { return matrix(i, k); },
+            [](int i) { return "row " + std::to_string(i); });
+    };
+    points("of the start system", Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z);
+    points("of the target system", Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
+    points("of the transformed points", Job.TMCS_Name, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z);
+    rows("of the orientations", Job.RobotABC);
+    rows("of the shape", Job.ParaboloidShape);
+    if (found.Count == 0) return;
+    AddNote(NoteCode::NotFinite,
+            "Numbers of the job are infinite or none: " + found.Text +
+                "; whatever is computed from them is none either",
+            path, 0, found.Count);
 }
