@@ -37,6 +37,10 @@ enum class NoteCode : std::uint8_t {
     DistanceSwapped,   // a distance of a network names the object point before the station
     DistanceOnePlace,  // a distance of a network is one between points at the same place
     DistanceNotPositive,  // a distance of a network is 0 or less
+    HeightSign,           // heights of a shape lose their sign
+    RadiusNegative,       // a shape has radii below 0
+    ShapeUnsorted,        // the radii of a shape do not rise
+    RadiusTwice,          // a shape has two heights at one radius
     // Of a calculation.
     Mirrored,         // the result is mirrored
     BetterStart,      // the iteration ended in a solution that is not the best, and began again

@@ -61,6 +61,23 @@ double Length(const PointText& file, std::int64_t row, std::string_view field, c
     return value / Units.LengthFactor;
 }
 
+// Where the radius does not rise from a row to the next.
+void NoteOrder(const ProfilePoint& before, const ProfilePoint& here, RowNotes& notes) {
+    const auto shown = [](double length_mm) { return PlainText(length_mm * Units.LengthFactor); };
+    if (here.r < before.r)
+        notes.Count(NoteCode::ShapeUnsorted, here.Line, [&] {
+            return "The radius " + shown(here.r) + " stands behind the radius " + shown(before.r) +
+                   ", though rows must rise; points near this row may be put onto a wrong place of the shape";
+        });
+    if (here.r == before.r)
+        notes.Count(NoteCode::RadiusTwice, here.Line, [&] {
+            return "The radius " + shown(here.r) + " has two heights, " + shown(before.z) + " and " +
+                   shown(here.z) +
+                   "; both rows are kept, and points there may be put onto a wrong place of the "
+                   "shape";
+        });
+}
+
 Profile ReadProfile(const PointText& file, char decimal) {
     std::int64_t count = 0, filled = 0;
     AnzZeilen(file, count);
@@ -85,14 +102,25 @@ Profile ReadProfile(const PointText& file, char decimal) {
         const std::string_view whole = rest;
         const std::string_view radius = CutField(rest, delimiter, first);
         const double r = Length(file, lines.Row, radius, decimal, notes);
-        const double z =
-            std::fabs(Length(file, lines.Row, CutField(rest, delimiter, second), decimal, notes));
+        const std::string_view height = CutField(rest, delimiter, second);
+        const double signedHeight = Length(file, lines.Row, height, decimal, notes), z = std::fabs(signedHeight);
+        if (r < 0)
+            notes.Count(NoteCode::RadiusNegative, lines.Row, [&] {
+                return "The radius \"" + Printable(radius) +
+                       "\" is below 0; its row is kept, and points near the axis may be put onto a wrong place "
+                       "of the shape";
+            });
+        if (signedHeight < 0)
+            notes.Count(NoteCode::HeightSign, lines.Row, [&] {
+                return "The height \"" + Printable(height) + "\" is below 0, and is taken without its sign";
+            });
         if (HoldsMore(rest) || (delimiter != ' ' && CountByte(whole, delimiter) > 1))
             notes.Look(whole, lines.Row);
         if (!profile.Points.empty() && profile.Points.back().r == r && profile.Points.back().z == z) {
             ++profile.DoublePoints;
             profile.Points.back().Line = lines.Row;
         } else {
+            if (!profile.Points.empty()) NoteOrder(profile.Points.back(), {r, z, lines.Row}, notes);
             profile.Points.push_back({r, z, lines.Row});
         }
     }

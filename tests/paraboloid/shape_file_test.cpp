@@ -1,6 +1,8 @@
 // The shape file and the report on its interpolation.
 #include <limits>
+#include <tuple>
 
+#include "core/notes.h"
 #include "import/robot_files.h"
 #include "paraboloid/shape_job.h"
 
@@ -23,9 +25,19 @@ protected:
             rows.push_back({Job.ParaboloidShape(row, 1), Job.ParaboloidShape(row, 2)});
         return rows;
     }
+    // What is noted of the shape: code, line, count.
+    static std::vector<std::tuple<std::string, int, int>> Noted() {
+        std::vector<std::tuple<std::string, int, int>> noted;
+        for (const Note& note : Notes.List) {
+            EXPECT_EQ(note.Weight, Severity::Warning);
+            noted.emplace_back(NoteKindOf(note.Code).Name, note.Line, note.Count);
+        }
+        return noted;
+    }
     std::string path_;
 };
 
+using NoteList = std::vector<std::tuple<std::string, int, int>>;
 using Profile = std::vector<std::array<double, 2>>;
 
 const std::string kReportHead = CrLf(
@@ -224,4 +236,47 @@ TEST_F(ShapeFile, DoesNotKeepTheShapeOfTheFileBefore) {
     Read("0;0\n10;1\n20;4\n");
     EinlesenParaboloidData({PathOf("none.txt")});
     EXPECT_FALSE(ShapeServes(Job.ParaboloidShape));
+}
+
+// --- Notes ------------------------------------------------------------------------------------------------
+
+TEST_F(ShapeFile, ThatIsAsItShouldBeHasNoNote) {
+    Read("0;0\n10;1\n10;1\n20;4\n30;4\n40;-0\n");
+    EXPECT_EQ(Noted(), NoteList{});
+}
+
+TEST_F(ShapeFile, NotesHeightsThatLoseTheirSign) {
+    Read("0;0\n10;-1\n20;4\n30;-9.5\n");
+    EXPECT_EQ(Noted(), (NoteList{{"height-sign", 2, 2}}));
+    EXPECT_EQ(Notes.List[0].Text, "The height \"-1\" is below 0, and is taken without its sign");
+    EXPECT_EQ(Notes.List[0].File, path_);
+    EXPECT_EQ(Job.ParaboloidShape(2, 2), 1) << "so it is";
+}
+
+TEST_F(ShapeFile, NotesRadiiBelow0) {
+    Read("-20;4\n-10;1\n0;0\n10;1\n20;4\n");
+    EXPECT_EQ(Noted(), (NoteList{{"radius-negative", 1, 2}}));
+    EXPECT_EQ(
+        Notes.List[0].Text,
+        "The radius \"-20\" is below 0; its row is kept, and points near the axis may be put onto a wrong "
+        "place of the shape");
+    EXPECT_EQ(Job.ParaboloidShape(1, 1), -20) << "so it is";
+}
+
+TEST_F(ShapeFile, NotesRadiiThatDoNotRise) {
+    Read("0;0\n10;1\n30;9\n20;4\n40;16\n15;1\n");
+    EXPECT_EQ(Noted(), (NoteList{{"shape-unsorted", 4, 2}}));
+    EXPECT_EQ(
+        Notes.List[0].Text,
+        "The radius 20 stands behind the radius 30, though rows must rise; points near this row may be put "
+        "onto a wrong place of the shape");
+}
+
+TEST_F(ShapeFile, NotesTwoHeightsAtOneRadius) {
+    Read("0;0\n10;1\n10;1\n30;9\n30;10\n30;11\n40;16\n");
+    EXPECT_EQ(Noted(), (NoteList{{"radius-twice", 5, 2}}));
+    EXPECT_EQ(
+        Notes.List[0].Text,
+        "The radius 30 has two heights, 9 and 10; both rows are kept, and points there may be put onto a "
+        "wrong place of the shape");
 }
