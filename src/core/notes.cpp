@@ -39,6 +39,8 @@ constexpr NoteKind kKinds[] = {
     {NoteCode::RadiusNegative, "radius-negative", Severity::Warning, true},
     {NoteCode::ShapeUnsorted, "shape-unsorted", Severity::Warning, true},
     {NoteCode::RadiusTwice, "radius-twice", Severity::Warning, true},
+    {NoteCode::AngleUnit, "angle-unit", Severity::Warning, true},
+    {NoteCode::LengthUnit, "length-unit", Severity::Warning, true},
     {NoteCode::Mirrored, "mirrored", Severity::Warning, false},
     {NoteCode::BetterStart, "better-start", Severity::Note, false},
     {NoteCode::BetterElsewhere, "better-elsewhere", Severity::Warning, false},

@@ -41,6 +41,8 @@ enum class NoteCode : std::uint8_t {
     RadiusNegative,       // a shape has radii below 0
     ShapeUnsorted,        // the radii of a shape do not rise
     RadiusTwice,          // a shape has two heights at one radius
+    AngleUnit,            // angles of a robot program are read in another unit than its own
+    LengthUnit,           // the same of its positions
     // Of a calculation.
     Mirrored,         // the result is mirrored
     BetterStart,      // the iteration ended in a solution that is not the best, and began again

@@ -64,6 +64,7 @@ void TakePose(const RobotProgram& program, PoseTable& poses, MatrixAngles& fromM
     place += kBetween.size();
     for (std::size_t k = 0; k < 4; ++k) q[k] = NextNumber(program, place, k < 3 ? "," : "]");
     poses.Take(program, position, AnglesOfQuaternion(q, program, fromMatrix));
+    NoteProgramUnits(program, true, false);  // a quaternion has none
 }
 
 // --- By declarations --------------------------------------------------------------------------------------

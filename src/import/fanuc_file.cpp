@@ -82,12 +82,14 @@ void ReadPoses(const TargetFile& file) {
         const double X = ValueAt(program, x, Less(y, kBehindValue), notes);
         const double Y = ValueAt(program, y, Less(z, kBehindValue), notes);
         const double Z = ValueAt(program, z, Less(program.Line.size(), kBehindValue), notes);
+        const bool millimetres = program.Line.find(" mm") != std::string_view::npos;
         NeedLine(program);
         const std::size_t w = PlaceOf(program, "W "), p = PlaceOf(program, "P "), r = PlaceOf(program, "R ");
         const double W = ValueAt(program, w, Less(p, kBehindValue), notes);
         const double P = ValueAt(program, p, Less(r, kBehindValue), notes);
         const double R = ValueAt(program, r, Less(program.Line.size(), kBehindLastAngle), notes);
         poses.Take(program, {X, Y, Z}, {R, P, W});
+        NoteProgramUnits(program, millimetres, program.Line.find(" deg") != std::string_view::npos);
         ++taken;
         do {
             NeedLine(program);

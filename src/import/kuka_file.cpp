@@ -79,6 +79,7 @@ void TakePose(const RobotProgram& program, const Declaration& form, PoseTable& p
     }
     values[5] = NumberBetween(program, places[5] + kMarkerLength, end);
     poses.Take(program, {values[0], values[1], values[2]}, {values[3], values[4], values[5]});
+    NoteProgramUnits(program, true, true);
 }
 
 // How often a pose seems to begin in a line, the type before its values or not.
@@ -216,6 +217,7 @@ void TakeDeclaredPose(const RobotProgram& program, std::size_t brace, PoseTable&
             FailAtLine(program,
                        std::string("there is no \"") + names[k] + "\" in \"" + Printable(line) + "\"");
     poses.Take(program, {values[0], values[1], values[2]}, {values[3], values[4], values[5]});
+    NoteProgramUnits(program, true, true);
 }
 
 void ReadByDeclarations(const TargetFile& file) {

@@ -58,6 +58,17 @@ double NumberBetween(const RobotProgram& program, std::size_t begin, std::size_t
     return value;
 }
 
+void NoteProgramUnits(const RobotProgram& program, bool millimetres, bool degrees) {
+    const auto note = [&program](NoteCode code, const char* what, const std::string& unit) {
+        AddNote(code, std::string(what) + ", and are read as numbers in the unit in use, " + unit,
+                program.File.Path, static_cast<int>(program.Lines.Row));
+    };
+    if (millimetres && Units.LengthFactor != 1)
+        note(NoteCode::LengthUnit, "The positions of the program are in millimetres", Job.LengthUnitName);
+    if (degrees && Units.AngleFactor != AngleUnits().front().Factor)
+        note(NoteCode::AngleUnit, "The angles of the program are in degrees", Job.AngleUnitName);
+}
+
 PoseTable::PoseTable(const RobotProgram& program, std::int64_t count, double angleFactor)
     : angleFactor_(angleFactor) {
     const std::string refusal = "Cannot read \"" + program.File.Path + "\": ";

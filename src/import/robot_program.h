@@ -50,6 +50,10 @@ std::size_t PlaceOf(const RobotProgram& program, std::string_view text, std::siz
 // when there is none or no such places.
 double NumberBetween(const RobotProgram& program, std::size_t begin, std::size_t end);
 
+// For each pose taken: notes that its positions, which the program has in millimetres, or its angles, which
+// it has in degrees, are read in another unit, since that is in use.
+void NoteProgramUnits(const RobotProgram& program, bool millimetres, bool degrees);
+
 // The three angles of a pose: about z, the new y and the new x, as the columns 1 to 3 of RobotABC.
 using PoseAngles = std::array<double, 3>;
 

@@ -114,6 +114,40 @@ TEST_F(RobotProgramFits, ProgramsAreInTheUnitsOfTheOptions) {
                 kTool);
 }
 
+TEST_F(RobotProgramFits, UnitsThatAreNotThoseOfTheProgramAreNoted) {
+    const auto warnings = [](const std::string& kind, const std::string& program, const std::string& option,
+                             const std::string& unit) {
+        std::vector<std::string> codes;
+        const json fit = json::parse(Fit({kTips, program, "--as", kind, option, unit, "--json"}).Out);
+        for (const json& note : fit["notes"])
+            if (note["severity"] == "warning") codes.push_back(note["code"]);
+        return codes;
+    };
+    for (const auto& [kind, program] : kPrograms) {
+        const bool hasDegrees = kind == "kuka" || kind == "fanuc";
+        const bool hasMillimetres = hasDegrees || kind == "abb";
+        for (const char* unit : {"rad", "gon", "mrad"})
+            EXPECT_EQ(warnings(kind, program, "--angle-unit", unit),
+                      (hasDegrees ? std::vector<std::string>{"angle-unit"} : std::vector<std::string>{}))
+                << kind;
+        for (const char* unit : {"m", "in"})
+            EXPECT_EQ(warnings(kind, program, "--length-unit", unit),
+                      (hasMillimetres ? std::vector<std::string>{"length-unit"} : std::vector<std::string>{}))
+                << kind;
+        EXPECT_EQ(warnings(kind, program, "--angle-unit", "deg"), std::vector<std::string>{}) << kind;
+        EXPECT_EQ(warnings(kind, program, "--angle-unit", "dms"), std::vector<std::string>{}) << kind;
+        EXPECT_EQ(Fit({kTips, program, "--as", kind, "--tool", "--angle-unit", "rad", "--strict"}).Status,
+                  hasDegrees ? 3 : 0)
+            << kind;
+    }
+    const json fit = FitJson({kTips, kPrograms[1].second, "--as", "fanuc", "--angle-unit", "rad"});
+    EXPECT_EQ(fit["notes"][0]["text"],
+              "The angles of the program are in degrees, and are read as numbers in the unit in use, rad");
+    EXPECT_EQ(fit["notes"][0]["file"], kPrograms[1].second);
+    EXPECT_EQ(fit["notes"][0]["count"], 10) << "poses";
+    EXPECT_GT(fit["notes"][0]["line"], 1);
+}
+
 TEST_F(RobotProgramFits, WithoutAModelThePositionsAreFitted) {
     const json fit = FitJson({Write("flanges.txt", Tips({0, 0, 0})), Kuka(), "--as", "kuka"});
     EXPECT_NEAR(Parameter(fit, "tray"), -200, 1e-5);
