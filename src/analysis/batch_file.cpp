@@ -2,6 +2,7 @@
 #include "analysis/batch_file.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "core/file_writer.h"
 #include "core/files.h"
@@ -40,6 +41,12 @@ bool LinesHoldNames(PointText& file, const std::string& delimiter) {
     return fields != 3;
 }
 
+bool ColumnsChange(PointText& file, const std::string& delimiter) {
+    std::int64_t columns = 0, badRow = 1;
+    if (!delimiter.empty()) Diverse_Checks(file, columns, delimiter, badRow);
+    return badRow != 0;
+}
+
 // Do the coordinates bear the comma where the system has the point?
 bool HasForeignComma(const PointText& file, const LineForm& form) {
     if (SystemDecimal() == ',' || form.Delimiter == ',') return false;
@@ -64,13 +71,14 @@ std::string BatchOutName(const std::string& name) {
 
 BatchInput ReadBatchFile(const std::string& path) {
     if (FileSize(path) > kMostBytesOfBatchFile) Leave(path, "it is larger than 1 GiB");
-    BatchInput input = {LoadPointText(path), {}};
+    BatchInput input = {.Text = LoadPointText(path)};
     if (input.Text.Text.empty()) Leave(path, "it is empty");
     Run.ImportFailed = kFalse;
     Flag hasName = kFalse;
     ASCII_FileCheck(input.Text, hasName, Run.Delimiter);
     const bool failed = IsTrue(Run.ImportFailed);
     Run.ImportFailed = kFalse;
+    input.ColumnsChange = failed && ColumnsChange(input.Text, Run.Delimiter);
     input.Form.HasName = failed ? LinesHoldNames(input.Text, Run.Delimiter) : IsTrue(hasName);
     input.Form.Delimiter = DelimiterCharacter(Run.Delimiter);
     // Every value would be cut at its comma.
@@ -81,11 +89,55 @@ BatchInput ReadBatchFile(const std::string& path) {
 
 namespace {
 
+// Fields of a line that hold anything: what stands between its delimiters, or between blanks and tabs where
+// these delimit. A mark of a point of a network at the end is none.
+int CountFields(std::string_view line, char delimiter) {
+    std::string scratch;
+    int count = 0;
+    while (HoldsMore(line) && !IsMark(line)) {
+        if (delimiter == '\0' || delimiter == ' ') {
+            CutField(line, delimiter, scratch);
+            ++count;
+        } else {
+            const std::size_t end = std::min(line.find(delimiter), line.size());
+            if (HoldsMore(line.substr(0, end))) ++count;
+            line.remove_prefix(std::min(end + 1, line.size()));
+        }
+    }
+    return count;
+}
+
+// Rows with more fields than other rows that hold a point. The comma of thousands is such a field, and all
+// that stands behind it moves on by one; a file to fit is refused for them.
+void NoteChangedColumns(const BatchInput& input, RowNotes& notes) {
+    const int wanted = input.Form.HasName ? 4 : 3;
+    const auto walk = [&input, wanted](auto take) {
+        LineWalk lines(input.Text);
+        std::string_view line;
+        std::string decoded;
+        while (lines.Next(line)) {
+            const int fields = CountFields(DecodedLine(input.Text, line, decoded), input.Form.Delimiter);
+            if (fields >= wanted) take(fields, lines.Row);
+        }
+    };
+    int fewest = std::numeric_limits<int>::max();
+    walk([&fewest](int fields, std::int64_t) { fewest = std::min(fewest, fields); });
+    walk([&](int fields, std::int64_t row) {
+        if (fields == fewest) return;
+        notes.Count(NoteCode::ColumnsChanged, row, [fields, fewest, &input] {
+            return "The row has " + std::to_string(fields) + " fields where others have " +
+                   std::to_string(fewest) + "; its first ones are taken as " +
+                   (input.Form.HasName ? "name, x, y and z" : "x, y and z");
+        });
+    });
+}
+
 // Transforms a file into what `write` takes, and notes what its rows hold.
 bool TransformAndNote(const BatchInput& input, const std::function<void(std::string_view)>& write,
                       const std::function<bool(double share)>& goOn, LineCounts& counts) {
     RowNotes rows(input.Text.Path, input.Form.Delimiter, PointFields(input.Form.HasName));
     if (!TransformLines(input.Text, input.Form, {write, goOn, false, &rows}, counts)) return false;
+    if (input.ColumnsChange) NoteChangedColumns(input, rows);
     rows.Write();
     if (input.Form.HasName) NoteDoubleNames(input.Text, input.Form.Delimiter);
     if (counts.MoreFields > 0)

@@ -20,6 +20,7 @@ std::string BatchOutName(const std::string& name);
 struct BatchInput {
     PointText Text;
     LineForm Form;
+    bool ColumnsChange = false;  // not all lines have the same number of delimiters, or none is known
 };
 
 // Reads a file and looks how it writes its points, with all checks of a point file and their messages.

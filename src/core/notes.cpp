@@ -41,6 +41,7 @@ constexpr NoteKind kKinds[] = {
     {NoteCode::RadiusTwice, "radius-twice", Severity::Warning, true},
     {NoteCode::AngleUnit, "angle-unit", Severity::Warning, true},
     {NoteCode::LengthUnit, "length-unit", Severity::Warning, true},
+    {NoteCode::ColumnsChanged, "columns-changed", Severity::Warning, true},
     {NoteCode::Mirrored, "mirrored", Severity::Warning, false},
     {NoteCode::BetterStart, "better-start", Severity::Note, false},
     {NoteCode::BetterElsewhere, "better-elsewhere", Severity::Warning, false},

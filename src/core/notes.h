@@ -43,6 +43,7 @@ enum class NoteCode : std::uint8_t {
     RadiusTwice,          // a shape has two heights at one radius
     AngleUnit,            // angles of a robot program are read in another unit than its own
     LengthUnit,           // the same of its positions
+    ColumnsChanged,       // rows of a file with more fields than others
     // Of a calculation.
     Mirrored,         // the result is mirrored
     BetterStart,      // the iteration ended in a solution that is not the best, and began again

@@ -391,3 +391,44 @@ TEST_F(TransformCommand, AMarkOfAnOpenPointOfANetworkIsToldAsTheReaderOfPointsTe
               "note: Fields behind z are not read: \"opened\" (" + remark +
                   ", line 1; 2 times)\n1 of 1 files transformed\n");
 }
+
+// The comma of thousands between commas: the first number is cut in two.
+TEST_F(TransformCommand, RowsWithMoreColumnsThanOthersAreAWarning) {
+    struct Case {
+        const char* Rows;
+        int Line, Count;  // 0: none
+    };
+    const std::vector<Case> cases = {{"A,1.5,2.5,3.5\nC,1,234.5,8,9\n", 2, 1},
+                                     {"C,1,234.5,8,9\nA,1.5,2.5,3.5\nD,1,2,3,4,5,6\n", 1, 2},
+                                     {"A;1.5;2.5;3.5\nB;1.5;2.5;3.5;9\n", 2, 1},
+                                     {"A 1.5 2.5 3.5\nB  1.5 2.5  3.5\nC 1 234.5 8 9\n", 3, 1},
+                                     // As many fields in each, whatever stands between them.
+                                     {"A,1.5,2.5,3.5,remark\nC,1,234.5,8,9\n", 0, 0},
+                                     {"A 1.5 2.5 3.5\nB  1.5   2.5  3.5\n", 0, 0},
+                                     {"A;1;2;3\nB;1;2;3;\n", 0, 0},
+                                     // A heading, and a line that holds no point, are noted for that.
+                                     {"points\nA;1;2;3\nB;4;5;6\n", 0, 0}};
+    for (const Case& c : cases) {
+        const std::string path = Write("rows.txt", c.Rows);
+        const std::vector<std::string> command = {"transform",  job_,     path,         "--to",
+                                                  PathOf("to"), "--json", "--overwrite"};
+        const json notes = json::parse(Command(command).Out).at("notes");
+        int found = 0;
+        for (const json& note : notes) {
+            if (note["code"] != "columns-changed") continue;
+            ++found;
+            EXPECT_EQ(note["severity"], "warning");
+            EXPECT_EQ(note["line"], c.Line) << c.Rows;
+            EXPECT_EQ(note["count"], c.Count) << c.Rows;
+            EXPECT_EQ(note["file"], path);
+        }
+        EXPECT_EQ(found, c.Line > 0 ? 1 : 0) << c.Rows << notes;
+        if (c.Line == 0) continue;
+        const std::string to = PathOf("strict");
+        EXPECT_EQ(Command({"transform", job_, path, "--to", to, "--strict"}).Status, 3) << c.Rows;
+        EXPECT_FALSE(fs::exists(to)) << c.Rows;
+    }
+    // The points that come out are those of before.
+    EXPECT_EQ(Command({"transform", job_, Write("a.csv", cases[0].Rows), "--to", PathOf("out")}).Status, 0);
+    EXPECT_EQ(Contents(PathOf("out/a_out.csv")), "A\t6.500\t8.500\t10.500\r\nC\t6.000\t240.500\t15.000\r\n");
+}
