@@ -79,10 +79,23 @@ bool Stopped() {
 // Where s0 rests the parameters may still be far from where they would come to, by tenths of a millimetre on
 // a dish of metres, and the last acceleration stands behind the last fit: on to there. False when nothing
 // more is to follow.
-bool GoOnToRest() {
+//   left  out: how far the passes still moved the points there, as a share of the cloud's size
+bool GoOnToRest(double& left) {
     ShapePasses passes;
     bool moved = false;
-    return passes.Begin() && GoToRest(passes, moved) == PassEnd::Done && moved && !Stopped();
+    left = 0;
+    return passes.Begin() && GoToRest(passes, moved, left) == PassEnd::Done && moved && !Stopped();
+}
+
+// Along a table of few rows points hang at its kinks, and passes stand still, or all but so, at places that
+// hang on where they began.
+void NoteUnrest(double left) {
+    constexpr double kRest = 1e-9;
+    if (left <= kRest) return;
+    AddNote(
+        NoteCode::UnsettledFits,
+        "The passes along the shape came to no rest, though s0 did: other start values may lead to another "
+        "place, with a smaller s0; rows of the shape that are nearer to each other help");
 }
 
 // Parameters that the shape leaves open, which then have no sigma, and points that it does not reach.
@@ -251,7 +264,8 @@ void CalculateParaboloid() {
     constexpr double kRest = 1e-6;
     const double tolerance = kRest * Units.LengthFactor;
     LoopEnd end = FitToShape(tolerance);
-    if (end == LoopEnd::Rest && GoOnToRest()) end = FitToShape(tolerance);
+    double left = 0;
+    if (end == LoopEnd::Rest && GoOnToRest(left)) end = FitToShape(tolerance);
     if (Run.JobGeneration != generation) return;
     if (end == LoopEnd::Stopped) Calculation.Converged = false;  // though the fit of the last pass did
     if (Calculation.Refused) return;
@@ -261,4 +275,5 @@ void CalculateParaboloid() {
     if (!Calculation.Finite) return;
     if (runs) BringRunsToFormOfResult();
     NoteLimitsOfShape();
+    if (end == LoopEnd::Rest) NoteUnrest(left);
 }

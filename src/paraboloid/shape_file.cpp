@@ -103,7 +103,8 @@ Profile ReadProfile(const PointText& file, char decimal) {
         const std::string_view radius = CutField(rest, delimiter, first);
         const double r = Length(file, lines.Row, radius, decimal, notes);
         const std::string_view height = CutField(rest, delimiter, second);
-        const double signedHeight = Length(file, lines.Row, height, decimal, notes), z = std::fabs(signedHeight);
+        const double signedHeight = Length(file, lines.Row, height, decimal, notes),
+                     z = std::fabs(signedHeight);
         if (r < 0)
             notes.Count(NoteCode::RadiusNegative, lines.Row, [&] {
                 return "The radius \"" + Printable(radius) +

@@ -167,12 +167,14 @@ TEST_F(OpenJobs, TheCsvOfTheFitSaysThatAScaleHasCollapsed) {
 TEST_F(OpenJobs, TheNextFitOfTheJobMarksItAnew) {
     // Shifts alone are determined by a line, and by a place.
     for (const std::string& job : {SavedLine(), SavedPlace("7")}) {
-        const std::string again = Saved("again.cvn", {"--job", job, "--parameters", "3"});
+        const std::string again = Saved("again.cvn", {"--job", job, "--parameters", "6", "--hold", "rotx=0",
+                                                      "--hold", "roty=0", "--hold", "rotz=0"});
         EXPECT_EQ(Contents(again).find("CORVINADE-BLOCK"), std::string::npos);
         EXPECT_EQ(FreshCommandLine({"info", again, "--strict"}).Status, 0);
     }
     // The two points that are left are one line, along x.
-    const std::string two = Saved("two.cvn", {"--job", good_, "--leave-out", "C,D,E"});
+    const std::string two =
+        Saved("two.cvn", {"--job", good_, "--leave-out", "C", "--leave-out", "D", "--leave-out", "E"});
     EXPECT_EQ(FreshCommandLine({"info", two}).Status, 0);
     ASSERT_EQ(MarksNoted().size(), 1u);
     EXPECT_NE(MarksNoted()[0].Text.find("leaves Rot x open"), std::string::npos) << MarksNoted()[0].Text;
