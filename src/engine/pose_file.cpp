@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -55,8 +56,9 @@ std::unordered_map<std::string, int> PairsByName() {
 struct PoseLine {
     std::string Place;  // file and line, for messages
     int Line = 0;
-    std::string Name;                // "" where the file has none
-    std::array<double, 3> Angles{};  // rad
+    std::string Name;                  // "" where the file has none
+    std::array<double, 3> Angles{};    // rad
+    std::array<double, 3> Position{};  // mm
 };
 
 PoseLine ReadLine(const std::vector<std::string>& fields, const std::string& path, int line) {
@@ -75,7 +77,10 @@ PoseLine ReadLine(const std::vector<std::string>& fields, const std::string& pat
             throw PlatformError{place + ": \"" + Printable(text) + "\" is no number"};
         if (std::string lost = LostDigits(text); !lost.empty())
             AddNote(NoteCode::DigitsCut, std::move(lost), path, line);
-        if (k >= 3) pose.Angles[k - 3] = value / Units.AngleFactor;
+        if (k >= 3)
+            pose.Angles[k - 3] = value / Units.AngleFactor;
+        else
+            pose.Position[k] = value / Units.LengthFactor;
     }
     return pose;
 }
@@ -93,6 +98,36 @@ void NoteEmptyField(std::string_view line, const std::string& path, int number) 
             return;
         }
         if (c != ' ' && c != '\t') before = here;
+    }
+}
+
+// Only the orientation of a pose is taken. A position far from the target of its pair belongs to another
+// pose, or to another system. A file that has zeros for all positions says nothing of them.
+void NotePositions(const std::vector<PoseLine>& poses, const std::vector<int>& known,
+                   const std::string& path) {
+    constexpr double kFar = 1;  // mm
+    const bool any = std::any_of(poses.begin(), poses.end(), [](const PoseLine& pose) {
+        return pose.Position != std::array<double, 3>{};
+    });
+    if (!any) return;
+    for (const PoseLine& pose : poses) {
+        const auto pair = std::find(known.begin() + 1, known.end(), pose.Line);
+        if (pair == known.end()) continue;
+        const int i = static_cast<int>(pair - known.begin());
+        const Vec3 target = TargetPoint(i);
+        double square = 0;
+        for (int axis = 1; axis <= 3; ++axis) {
+            const double apart = pose.Position[static_cast<std::size_t>(axis - 1)] - target(axis);
+            square += apart * apart;
+        }
+        const double apart = std::sqrt(square);
+        if (apart > kFar)
+            AddNote(NoteCode::PosesDoubtful,
+                    "The position of the pose for point \"" +
+                        Printable(Job.OCS_Name[static_cast<std::size_t>(i)]) + "\" is " +
+                        FormatNumber(apart * Units.LengthFactor, Units.FmtLength) +
+                        " off the target point; the orientation is taken all the same",
+                    path, pose.Line);
     }
 }
 
@@ -145,6 +180,7 @@ void LoadPoses(const std::string& path) {
         if (known[static_cast<std::size_t>(i)] == 0)
             throw PlatformError{path + ": there is no pose for the identical point \"" +
                                 Printable(Job.MCS_Name[static_cast<std::size_t>(i)]) + "\""};
+    NotePositions(poses, known, path);
     Job.RobotABC = std::move(robot);
     FindPoseSpans();
     Run.JobDirty = kTrue;

@@ -167,6 +167,21 @@ void NoteCollapsed(std::string text) {
     AddNote(NoteCode::CollapsedScale, std::move(text));
 }
 
+// Sums of products of such lengths are below the least number that is kept in full.
+void NoteTooNear() {
+    constexpr double kNear = 1e-70;    // mm
+    constexpr int kMostPoints = 1000;  // many points that are measured at all are not so near
+    if (Job.nIdent > kMostPoints) return;
+    const Reach reach;
+    const double start = std::max({reach.Start[1], reach.Start[2], reach.Start[3]}), target = reach.Target;
+    const auto near = [](double length) { return length > 0 && length < kNear; };
+    if (near(start) || near(target))
+        AddNote(
+            NoteCode::CollapsedScale,
+            "The points in use are nearer to each other than 1e-70 mm: products of such lengths have no digits, "
+            "so neither the rotation nor the deviations are to be trusted");
+}
+
 // A scale of next to nothing carries all points to one place, or into one plane, and fits whatever is there.
 // True where all of them are at one place.
 bool NoteCollapse(const FitModel& model, const Mat3& M) {
@@ -257,6 +272,7 @@ void NoteResult(const NormFit& fit) {
     const Linearisation at = Linearise(model, fit.Points);
     const OpenParameters open = FindOpenParameters(fit.Points, model, at);
     constexpr double kPlane = 1e-9;
+    NoteTooNear();
     const bool onePlace = NoteCollapse(model, at.M);
     if (!onePlace) NoteOpen(fit, open, model);
     for (int k = kTraX; k < kParameterEnd; ++k)

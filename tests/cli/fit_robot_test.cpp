@@ -215,6 +215,28 @@ TEST_F(RobotProgramFits, OrientationsOfAFileMayReplaceThoseOfTheProgram) {
     ExpectTruth(FitJson({tips, Kuka(1, 0.5), "--as", "kuka", "--poses", Write("poses.txt", poses)}), kTool);
 }
 
+TEST_F(RobotProgramFits, PosesOfAnotherPlaceAreWarnedOf) {
+    const std::string tips = Write("tips.txt", Tips(kTool));
+    for (const bool astray : {false, true}) {
+        std::string poses;
+        for (std::size_t i = 0; i < poses_.size(); ++i) {
+            const auto& [p, a] = poses_[i];
+            poses += Print("%d %g %g %g %g %g %g\n", static_cast<int>(i + 1), p[0], p[1],
+                           p[2] + (astray && i == 4 ? 100 : 0), a[0], a[1], a[2]);
+        }
+        const json fit = FitJson({tips, Kuka(1, 0.5), "--as", "kuka", "--poses", Write("poses.txt", poses)});
+        ExpectTruth(fit, kTool);
+        int doubtful = 0;
+        for (const json& note : fit["notes"])
+            if (note["code"] == "poses-doubtful") {
+                ++doubtful;
+                EXPECT_EQ(note["line"], 5);
+                EXPECT_NE(note["text"].get<std::string>().find("is 100.000 off"), std::string::npos);
+            }
+        EXPECT_EQ(doubtful, astray ? 1 : 0);
+    }
+}
+
 TEST_F(RobotProgramFits, ProgramsHaveThePointOnASystemWithComma) {
     std::string tips = Tips(kTool);
     std::replace(tips.begin(), tips.end(), '.', ',');

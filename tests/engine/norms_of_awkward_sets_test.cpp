@@ -180,3 +180,16 @@ TEST_F(AwkwardSets, MetresAgainstMillimetresWithExchangedNamesHaveNotCollapsed) 
                 EXPECT_EQ(Noted(NoteCode::Mirrored), scales < 0);
             }
 }
+
+TEST_F(AwkwardSets, LengthsWhoseProductsHaveNoDigitsAreTold) {
+    for (const double size : {1.0, 1e-60, 1e-80, 1e-90, 1e-200}) {
+        std::vector<Point> start = kBody, target = kBody;
+        for (std::size_t i = 0; i < kBody.size(); ++i)
+            for (std::size_t axis = 0; axis < 3; ++axis) {
+                start[i][axis] *= size;
+                target[i][axis] = kBody[i][(axis + 1) % 3] * size;
+            }
+        Fit(start, target, "6", kNorms[0]);
+        EXPECT_EQ(Noted(NoteCode::CollapsedScale), size < 1e-70) << size;
+    }
+}
