@@ -176,8 +176,7 @@ void NoteTooNear() {
     const double start = std::max({reach.Start[1], reach.Start[2], reach.Start[3]}), target = reach.Target;
     const auto near = [](double length) { return length > 0 && length < kNear; };
     if (near(start) || near(target))
-        AddNote(
-            NoteCode::CollapsedScale,
+        NoteCollapsed(
             "The points in use are nearer to each other than 1e-70 mm: products of such lengths have no digits, "
             "so neither the rotation nor the deviations are to be trusted");
 }

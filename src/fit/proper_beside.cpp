@@ -189,7 +189,10 @@ double ObjectiveNearZero(NormRun& fit, const NormToHold& norm, const NormRun& he
     std::vector<int> parameters;
     for (int k = kScaleX; k <= kAngleZtoXY; ++k)
         if (held.HeldByFit[At(k)]) parameters.push_back(k);
+    // A start value of the user's own says where a scale is held, and nothing of where the mirror lies.
+    const OwnStarts own = std::exchange(fit.Choice.Own, OwnStarts{});
     const HeldFit near = FitHolding(fit, norm, parameters, kNearZero * scale);
+    fit.Choice.Own = own;
     const bool serves = !fit.Abandoned() && !fit.Stops() && near.Proper;
     return serves ? near.Objective : std::numeric_limits<double>::infinity();
 }

@@ -146,6 +146,23 @@ TEST_F(ProperBeside, ManyPointsOfANoisyPlateAreNotMirroredEither) {
     EXPECT_GT(held, 10);
 }
 
+TEST_F(ProperBeside, AStartValueOfTheUsersOwnIsWhereTheScaleIsHeld) {
+    int held = 0;
+    for (const int points : {8, 100})
+        for (int seed = 0; seed < 12; ++seed) {
+            SCOPED_TRACE(std::to_string(points) + " points, seed " + std::to_string(seed));
+            Choose(AnySet(seed, {500, 300, 0}, kNoise, false, false, points), "9");
+            Selection.DialogOpen = Selection.Seed[kScaleZ] = true;
+            Selection.SeedText[kScaleZ] = "1.25";
+            Calculate(kL2);
+            EXPECT_GT(Determinant(), 0);
+            if (!Held()) continue;
+            ++held;
+            EXPECT_EQ(Job.ScaleZ, 1.25);
+        }
+    EXPECT_GT(held, 4);
+}
+
 TEST_F(ProperBeside, RunsOfAScaleNearZeroKeepToOneForm) {
     // Where noise leaves a scale small and above 0 the runs come out on both sides of it.
     int seed = 0;
