@@ -1,9 +1,23 @@
 // What the tests of the exact norms stand on: norms that run on, and a search around their result.
 #pragma once
 
+#include <array>
+
 #include "core/run.h"
 #include "engine/norm_job.h"
 #include "engine/transform.h"
+
+// By their names on the command line.
+struct NormOfSet {
+    const char* Name;
+    int Type;
+    bool RunOn;
+};
+inline constexpr std::array<NormOfSet, 5> kNorms = {{{"l2", kL2, false},
+                                                     {"l1", kL1, false},
+                                                     {"loo", kLoo, false},
+                                                     {"l1-exact", kL1, true},
+                                                     {"minimax", kLoo, true}}};
 
 class ExactNorms : public NormTest {
 protected:

@@ -11,17 +11,6 @@ namespace {
 
 using reference::Point;
 
-struct NormOfSet {
-    const char* Name;
-    int Type;
-    bool RunOn;
-};
-constexpr std::array<NormOfSet, 5> kNorms = {{{"l2", kL2, false},
-                                              {"l1", kL1, false},
-                                              {"loo", kLoo, false},
-                                              {"l1-exact", kL1, true},
-                                              {"minimax", kLoo, true}}};
-
 const std::vector<Point> kBody = {{0, 0, 0},   {1000, 0, 0},    {0, 800, 0},
                                   {0, 0, 600}, {700, 500, 300}, {300, -400, 200}};
 

@@ -16,17 +16,6 @@ namespace {
 using reference::Point;
 using reference::Real;
 
-struct NormOfSet {
-    const char* Name;
-    int Type;
-    bool RunOn;
-};
-constexpr std::array<NormOfSet, 5> kNorms = {{{"l2", kL2, false},
-                                              {"l1", kL1, false},
-                                              {"loo", kLoo, false},
-                                              {"l1-exact", kL1, true},
-                                              {"minimax", kLoo, true}}};
-
 class ProperBeside : public ExactNorms {
 protected:
     struct Set {
