@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <regex>
 #include <set>
 #include <sstream>
 
@@ -163,6 +164,21 @@ TEST(Floors, AnIncludeThatRunsUpIsSeen) {
     EXPECT_NE(Objection({"core/a.cpp", "unistd.h", false}), "");
     EXPECT_NE(Objection({"core/a.cpp", "b.h", true}), "");
     EXPECT_NE(Objection({"misc/a.cpp", "core/b.h", true}), "");
+}
+
+// Of rooms above core/; that these stand on core/ and fit/ the drawing tells in the boxes.
+TEST(Floors, TheDrawingHasTheArrowsOfTheIncludes) {
+    std::set<std::string> included, drawn;
+    for (const Include& include : AllIncludes()) {
+        const std::string from = RoomOf(include.File), to = RoomOf(include.Name);
+        if (include.Quoted && FloorOf(from) < 1000 && from != to && kFloors.contains(to) && FloorOf(to) > 0)
+            included.insert(from + " includes " + to);
+    }
+    const std::string drawing = Contents((kSource / "docs/rooms.svg").string());
+    const std::regex arrow("<title>([a-z]+)&#45;&gt;([a-z]+)</title>");
+    for (std::sregex_iterator found(drawing.begin(), drawing.end(), arrow), end; found != end; ++found)
+        if (FloorOf((*found)[2]) > 0) drawn.insert((*found)[1].str() + " includes " + (*found)[2].str());
+    EXPECT_EQ(drawn, included) << "tools/rooms draws them anew";
 }
 
 TEST(Floors, EveryIncludedHeaderOfOursExists) {
