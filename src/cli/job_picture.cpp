@@ -31,38 +31,45 @@ FixedView FixedViewOf(const std::string& name) {
     return name == "front" ? FrontView : nullptr;
 }
 
-// Puts back what a picture changes for its own sake.
-class KeptState {
+// A graphics window for the picture alone. The centre of rotation is that of all windows and goes back to
+// where it was.
+class PictureWindow {
 public:
-    KeptState() = default;
-    ~KeptState() {
-        if (window_ != 0)
-            for (const auto& open : Screens().Open)
-                if (open->Id == window_) {
-                    CloseScreenWindow(*open);
-                    break;
-                }
-        Settings = settings_;
-        Job.ViewAllOCS = targets_;
-        Job.ViewAllonlyMCS = startOnly_;
-        Job.ViewAllonlyOCS = targetOnly_;
-        Screens().NewWidth = width_;
-        Screens().NewHeight = height_;
-        FillSurface = fill_;
+    explicit PictureWindow(const PictureSetup& setup) : id_(OpenScreenWindow(setup).Id) {}
+    ~PictureWindow() {
+        for (const auto& open : Screens().Open)
+            if (open->Id == id_) {
+                CloseScreenWindow(*open);
+                break;
+            }
         Scene.RotCenter = center_;
     }
-    KeptState(const KeptState&) = delete;
-    KeptState& operator=(const KeptState&) = delete;
-    void Closes(std::uint64_t window) { window_ = window; }
+    PictureWindow(const PictureWindow&) = delete;
+    PictureWindow& operator=(const PictureWindow&) = delete;
+    ScreenWindow& operator*() const {
+        const auto& all = Screens().Open;
+        const auto window =
+            std::find_if(all.begin(), all.end(), [this](const auto& open) { return open->Id == id_; });
+        Require(window != all.end());
+        return **window;
+    }
 
 private:
-    SettingsRecord settings_ = Settings;
-    Flag targets_ = Job.ViewAllOCS, startOnly_ = Job.ViewAllonlyMCS, targetOnly_ = Job.ViewAllonlyOCS;
-    int width_ = Screens().NewWidth, height_ = Screens().NewHeight;
-    void (*fill_)(Surface&) = FillSurface;
     Vec3 center_ = Scene.RotCenter;
-    std::uint64_t window_ = 0;
+    std::uint64_t id_;
 };
+
+// A target lies under its point's mark, in one colour, and would hide that of the point.
+PictureLook LookOf(const PictureWish& wish) {
+    return {.StartPoints = IsTrue(Job.ViewAllMCS),
+            .Targets = wish.Targets,
+            .StartPointsAlone = !wish.PairsAlone && IsTrue(Job.ViewAllonlyMCS),
+            .TargetsAlone = !wish.PairsAlone && IsTrue(Job.ViewAllonlyOCS),
+            .PointNames = wish.Names,
+            .ColorBar = wish.ColorBar,
+            .AxisLabels = wish.AxisLabels,
+            .NearPointsBigger = false};
+}
 
 // Of the points that take part in the fit, mm; of all where none does.
 double LargestUsedDeviation() {
@@ -133,9 +140,9 @@ Margins MarginsOf(const ScreenWindow& window) {
     constexpr double kScales = 105, kBar = 75, kNumbers = 60, kName = 20;
     const bool roomy = PictureWidth(window) >= 400 && PictureHeight(window) >= 400;
     if (!roomy) return {};
-    return {IsTrue(Settings.ShowColorBar) ? kBar + kNumbers : 0,
-            // A name stands below its point.
-            IsTrue(Settings.ShowPointNames) ? kScales + kName : kScales};
+    const PictureLook look = LookOf(window);
+    // A name stands below its point.
+    return {look.ColorBar ? kBar + kNumbers : 0, look.PointNames ? kScales + kName : kScales};
 }
 
 // Fits what is plotted; a graphics window's own fit counts hidden points too.
@@ -245,23 +252,15 @@ int SavedViewNumber(const std::vector<std::string>& names, const std::string& na
 
 std::string JobPicture(const PictureWish& wish, PictureForm form, const std::vector<std::string>& views,
                        PictureFacts& facts) {
-    KeptState kept;
-    Settings.ShowColorBar = ToFlag(wish.ColorBar);
-    Settings.ShowPointNames = ToFlag(wish.Names);
-    Settings.ShowCoordinateSystemLabels = ToFlag(wish.AxisLabels);
-    Settings.ShowPointsBigger = kFalse;
-    if (wish.Background) Settings.ScreenBackColor = *wish.Background;
-    // A target lies under its point's mark, in one colour, and would hide that of the point.
-    Job.ViewAllOCS = ToFlag(wish.Targets);
-    if (wish.PairsAlone) Job.ViewAllonlyMCS = Job.ViewAllonlyOCS = kFalse;
-    Screens().NewWidth = wish.Width;
-    Screens().NewHeight = wish.Height;
     const bool svg = form == PictureForm::Svg || form == PictureForm::SvgInPage;
-    FillSurface = svg                             ? FillSurfaceWithSvg
-                  : form == PictureForm::SharpPng ? FillSharply
-                                                  : FillSurfaceWithPicture;
-    ScreenWindow& window = OpenScreenWindow();
-    kept.Closes(window.Id);
+    const PictureWindow opened({.Width = wish.Width,
+                                .Height = wish.Height,
+                                .BackColor = wish.Background.value_or(Settings.ScreenBackColor),
+                                .Look = LookOf(wish),
+                                .Fill = svg                             ? FillSurfaceWithSvg
+                                        : form == PictureForm::SharpPng ? FillSharply
+                                                                        : FillSurfaceWithPicture});
+    ScreenWindow& window = *opened;
     SetUpView(window, wish, views);
     const double magnification = TakeWishes(window, wish);
     Stelle_Grafik_dar(window);

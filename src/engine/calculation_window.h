@@ -21,6 +21,7 @@ struct CalculationWindowRecord {
     double LengthFactor = 1, AngleFactor = 1;
     // Events that arrive while a run yields do not begin another one inside it.
     bool Running = false;
+    int ManyChanges = 0;          // changes that belong together are being made (NoRecalculation)
     bool ChoosingPreset = false;  // a preset is setting its boxes
     bool Again = false;           // a change that arrived meanwhile asks for a calculation behind this one
     std::uint64_t Started = 0;    // counts the calculations
@@ -111,16 +112,16 @@ void ShowDirection(const char* arrow);
 // Runs the handler of BtnCalculate where every change is followed by a calculation.
 void RecalculateIfAutomatic();
 
+// The job wants that, and no more changes are to come at once.
+bool RecalculatesByItself();
+
 // While it lives no change is followed by a calculation.
 class NoRecalculation {
 public:
-    NoRecalculation() { Job.AutoRecalc = kFalse; }
-    ~NoRecalculation() { Job.AutoRecalc = before_; }
+    NoRecalculation() { ++CalculationWindow.ManyChanges; }
+    ~NoRecalculation() { --CalculationWindow.ManyChanges; }
     NoRecalculation(const NoRecalculation&) = delete;
     NoRecalculation& operator=(const NoRecalculation&) = delete;
-
-private:
-    Flag before_ = Job.AutoRecalc;
 };
 
 // Columns of the point table: their widths come from the settings when the window opens and go back there

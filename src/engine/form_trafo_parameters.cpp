@@ -44,7 +44,7 @@ public:
     OneRecalculation& operator=(const OneRecalculation&) = delete;
 
 private:
-    bool wanted_ = IsTrue(Job.AutoRecalc);
+    bool wanted_ = RecalculatesByItself();
 };
 
 // --- The mark of the presets ------------------------------------------------------------------------------

@@ -140,8 +140,12 @@ double CalculationSigmaXYZ() {
     return Calculation.SigmaXYZ;
 }
 
+bool RecalculatesByItself() {
+    return IsTrue(Job.AutoRecalc) && CalculationWindow.ManyChanges == 0;
+}
+
 void RecalculateIfAutomatic() {
-    if (IsTrue(Job.AutoRecalc) && WindowIsOpen()) FormTrafoBerechnung::BtnCalculate_Click();
+    if (RecalculatesByItself() && WindowIsOpen()) FormTrafoBerechnung::BtnCalculate_Click();
 }
 
 void FormTrafoBerechnung::BtnCalculate_Click() {

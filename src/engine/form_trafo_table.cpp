@@ -86,7 +86,7 @@ void FormTrafoBerechnung::CheckDeviation_Click() {
 void FormTrafoBerechnung::BtnUseAllPts_Click() {
     const int flags = std::min(3 * Job.nIdent, UpperBound(Job.UseFlags));
     std::fill_n(Job.UseFlags.begin() + 1, std::max(flags, 0), std::int16_t{1});
-    if (IsTrue(Job.AutoRecalc)) {
+    if (RecalculatesByItself()) {
         BtnCalculate_Click();
     } else {
         TabelleFüllenNeu();

@@ -24,7 +24,7 @@ constexpr std::array<int, 3> kAxisColours = {12, 14, 10};                      /
 constexpr std::array<const char*, 3> kAxisNames = {"x ", "y ", "z "};
 
 void LabelTip(ScreenWindow& window, const PicturePoint& tip, const std::string& text) {
-    if (!IsTrue(Settings.ShowCoordinateSystemLabels) || !IsPlace(tip)) return;
+    if (!IsPlace(tip)) return;
     SetLabelToPos(window, text, static_cast<float>(tip.X + kLabelShift),
                   static_cast<float>(tip.Y + kLabelShift));
 }
@@ -36,7 +36,7 @@ Vec3 AlongAxis(int axis, double length) {
 }
 
 // The cross in the corner: as the view is turned, always of one size.
-void DrawCornerMark(ScreenWindow& window) {
+void DrawCornerMark(ScreenWindow& window, bool labels) {
     const PicturePoint middle = {kCornerLeft, PictureHeight(window) - kCornerAboveEdge};
     const auto place = [&](double x, double y, double z) -> PicturePoint {
         const PictureVector turned = pkt_drehen(window, x, y, z);
@@ -56,17 +56,18 @@ void DrawCornerMark(ScreenWindow& window) {
     stroke(middle, tips[2], 2);
     stroke(place(-kTick / 2, 0, L - kArrow), place(kTick / 2, 0, L - kArrow), 2);
     stroke(place(-kTick / 2, 0, L - kArrow - kTick), place(kTick / 2, 0, L - kArrow - kTick), 2);
-    for (std::size_t axis = 0; axis < 3; ++axis) LabelTip(window, tips[axis], kAxisNames[axis] + Job.NameOCS);
+    for (std::size_t axis = 0; axis < 3 && labels; ++axis)
+        LabelTip(window, tips[axis], kAxisNames[axis] + Job.NameOCS);
 }
 
 // The diagonal of the box about the start points. They are many and do not move with the view.
 double WorldDiagonal() {
-    if (Scene.DiagonalStamp != Scene.Stamp || Scene.Stamp == 0) {
+    if (Scene.DiagonalOf != Scene.Stamp || Scene.Stamp == 0) {
         const WorldBounds bounds = MaxMinGlobalSys();
         const double dx = bounds.xmax - bounds.xmin, dy = bounds.ymax - bounds.ymin,
                      dz = bounds.zmax - bounds.zmin;
         Scene.Diagonal = std::sqrt(dx * dx + dy * dy + dz * dz);
-        Scene.DiagonalStamp = Scene.Stamp;
+        Scene.DiagonalOf = Scene.Stamp;
     }
     return Scene.Diagonal;
 }
@@ -85,7 +86,7 @@ Vec3 Transformed(const Vec3& point) {
     return target;
 }
 
-void DrawSystem(ScreenWindow& window, bool start, const std::string& name, int width) {
+void DrawSystem(ScreenWindow& window, bool start, const std::string& name, int width, bool labels) {
     const auto place = [&window, start](const Vec3& point) {
         return PlaceOf(window, start ? Transformed(point) : point);
     };
@@ -95,16 +96,20 @@ void DrawSystem(ScreenWindow& window, bool start, const std::string& name, int w
         const auto k = static_cast<std::size_t>(axis - 1);
         const PicturePoint tip = place(AlongAxis(axis, L));
         DrawStroke(window.Screen, origin, tip, QbColor(kAxisColours[k]), width);
-        LabelTip(window, tip, kAxisNames[k] + name);
+        if (labels) LabelTip(window, tip, kAxisNames[k] + name);
     }
 }
 
 }  // namespace
 
 void Zeichne_Kosys(ScreenWindow& window) {
-    DrawCornerMark(window);
-    DrawSystem(window, false, Job.NameOCS, 1);
-    DrawSystem(window, true, Job.NameMCS, 2);
+    Zeichne_Kosys(window, LookOf(window).AxisLabels);
+}
+
+void Zeichne_Kosys(ScreenWindow& window, bool labels) {
+    DrawCornerMark(window, labels);
+    DrawSystem(window, false, Job.NameOCS, 1, labels);
+    DrawSystem(window, true, Job.NameMCS, 2, labels);
 }
 
 // Half of the axis to each side of the origin. Without a rotation there is none.

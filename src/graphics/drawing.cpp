@@ -18,27 +18,24 @@ namespace {
 
 constexpr float kLeastDepth = 0.0001F;  // of the box, mm: with less, all points have one size
 
-DepthSize DepthOf(const ScreenWindow& window) {
+DepthSize DepthOf(const ScreenWindow& window, const PictureLook& look) {
     const double depth = static_cast<double>(window.ViewBox[5]) - window.ViewBox[4];
     // A depth without end, as a coordinate beyond all numbers makes it, tells no point from another.
-    if (!IsTrue(Settings.ShowPointsBigger) || !(depth > kLeastDepth) || !std::isfinite(depth)) return {};
+    if (!look.NearPointsBigger || !(depth > kLeastDepth) || !std::isfinite(depth)) return {};
     const int bigness = window.State.BigNess;
     return {true, bigness == 1 ? 0.0F : static_cast<float>(bigness / (depth + 1e-9))};
 }
 
-}  // namespace
-
-void Stelle_Grafik_dar(ScreenWindow& window) {
+void Paint(ScreenWindow& window, const PictureLook& look) {
     SceneForWindow(window);
-    Transform_dev_to_klasse(window);
     RechneCloudAndPixels(window);
     Surface& screen = window.Screen;
     if (screen.Clear != nullptr) screen.Clear(screen, window.BackColor);
     if (IsTrue(window.State.BlackPlane)) Zeichne_Black_Plane(window);
     SetInside(window);
-    const DepthSize depth = DepthOf(window);
+    const DepthSize depth = DepthOf(window, look);
     window.Labels.clear();
-    DrawPoints(window, depth);
+    DrawPoints(window, depth, look.PointNames);
     const ScreenRecord& state = window.State;
     const bool flags = state.FlagCount != 0 || window.DynamicFlag.Row != 0;
     if (flags) DrawFlagLines(window);
@@ -46,12 +43,24 @@ void Stelle_Grafik_dar(ScreenWindow& window) {
     DrawRVectors(window);
     if (IsTrue(state.GridXY) || IsTrue(state.GridYZ) || IsTrue(state.GridZX)) Zeichne_KSGrid(window);
     if (IsTrue(Settings.VectorQuat) && IsTrue(Run.TrafoValid)) Zeichne_Quat(window);
-    if (IsTrue(Settings.ShowColorBar)) Zeichne_ColorBar(window);
-    Zeichne_Kosys(window);
+    if (look.ColorBar) Zeichne_ColorBar(window);
+    Zeichne_Kosys(window, look.AxisLabels);
     Zeichne_Scale(window);
     if (flags) DrawFlags(window);
     if (screen.Refresh != nullptr) screen.Refresh(screen);
     ++window.PaintCount;
+}
+
+}  // namespace
+
+void Stelle_Grafik_dar(ScreenWindow& window) {
+    Paint(window, LookOf(window));
+}
+
+void PaintWhileMoving(ScreenWindow& window) {
+    PictureLook look = LookOf(window);
+    look.PointNames = false;
+    Paint(window, look);
 }
 
 // The text stands where it is asked for, as far as that is in the picture.

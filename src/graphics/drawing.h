@@ -5,13 +5,16 @@
 
 #include "graphics/screen_window.h"
 
-void Stelle_Grafik_dar(ScreenWindow& window);
+void Stelle_Grafik_dar(ScreenWindow& window);  // in its look
+// Names would be written again for every step of a move: it goes without them.
+void PaintWhileMoving(ScreenWindow& window);
 
 void DrawRVectors(ScreenWindow& window);
 void Zeichne_KSGrid(ScreenWindow& window);
 void Zeichne_Quat(ScreenWindow& window);
 void Zeichne_ColorBar(ScreenWindow& window);
 void Zeichne_Kosys(ScreenWindow& window);
+void Zeichne_Kosys(ScreenWindow& window, bool labels);
 void Zeichne_Scale(ScreenWindow& window);
 // Writes a number with lines, turned by `angle` degrees, in the job's length format.
 void Plot_Number(ScreenWindow& window, double value, float x, float y, float size, double angle,

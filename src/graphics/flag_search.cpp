@@ -111,10 +111,11 @@ double CostOf(const std::vector<PlacedFlag>& flags, std::size_t one, const Box& 
 }
 
 // Moves one flag to the place of least cost; false where there is none at all.
-bool PlaceBest(std::vector<PlacedFlag>& flags, std::size_t one, PointMap& points, int W, int H) {
+bool PlaceBest(std::vector<PlacedFlag>& flags, std::size_t one, PointMap& points, int W, int H,
+               bool colourBar) {
     constexpr int kScalesWide = 470, kSteps = 80;  // pixels
     PlacedFlag& flag = flags[one];
-    const double right = W - (IsTrue(Settings.ShowColorBar) ? kColourBarRoom : kFlagEdge) - flag.Width;
+    const double right = W - (colourBar ? kColourBarRoom : kFlagEdge) - flag.Width;
     const double lower = H - kFlagEdge - flag.Height;
     const double step = std::max(12.0, static_cast<double>(std::max(W, H)) / kSteps);
     double least = std::numeric_limits<double>::infinity();
@@ -174,7 +175,7 @@ bool PlaceBesidePoints(ScreenWindow& window, const std::vector<int>& rows) {
     PointMap points(W, H);
     for (int round = 0; round < kRounds; ++round) {
         for (std::size_t one = 0; one < flags.size(); ++one)
-            if (!PlaceBest(flags, one, points, W, H)) return false;
+            if (!PlaceBest(flags, one, points, W, H, LookOf(window).ColorBar)) return false;
         ChangeOver(flags, points);
     }
     for (std::size_t i = 0; i < rows.size(); ++i) {

@@ -37,7 +37,7 @@ double HalfOf(double count) {
     return Int((count + 1) / 2);
 }
 
-GridLook LookOf(const ScreenWindow& window) {
+GridLook LookOfGrid(const ScreenWindow& window) {
     const ScreenRecord& state = window.State;
     GridLook look;
     const std::array<double, 3> spacings = {static_cast<double>(state.ADis), static_cast<double>(state.BDis),
@@ -119,7 +119,7 @@ void DrawPlane(ScreenWindow& window, const GridLook& look, std::size_t first, st
 }  // namespace
 
 void Zeichne_KSGrid(ScreenWindow& window) {
-    const GridLook look = LookOf(window);
+    const GridLook look = LookOfGrid(window);
     const ScreenRecord& state = window.State;
     if (IsTrue(state.GridXY)) DrawPlane(window, look, 0, 1);
     if (IsTrue(state.GridYZ)) DrawPlane(window, look, 1, 2);

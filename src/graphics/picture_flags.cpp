@@ -47,7 +47,7 @@ SideColumns ColumnsFor(const ScreenWindow& window, const std::vector<int>& rows)
         sides.Width = std::max<double>(sides.Width, label.Width);
         sides.Height = std::max<double>(sides.Height, label.Height);
     }
-    const double end = PictureWidth(window) - (IsTrue(Settings.ShowColorBar) ? kColourBarRoom : kFlagEdge);
+    const double end = PictureWidth(window) - (LookOf(window).ColorBar ? kColourBarRoom : kFlagEdge);
     sides.Right = end - sides.Width;
     sides.Room = std::max(sides.Height, static_cast<double>(PictureHeight(window)) - kScalesRoom - kFlagEdge);
     sides.Rows = std::max(1, static_cast<int>(sides.Room / (sides.Height + kFlagEdge)));

@@ -160,10 +160,9 @@ struct PointLook {
     int ActualRow;
 };
 
-PointLook LookOf(const ScreenWindow& window) {
+PointLook LookOfPoints(const ScreenWindow& window, bool names) {
     const ScreenRecord& state = window.State;
-    return {IsTrue(Settings.ShowPointNames), IsTrue(state.VectorMode),
-            IsTrue(Settings.VectorThick) ? state.BigNess : 1, ActualRow()};
+    return {names, IsTrue(state.VectorMode), IsTrue(Settings.VectorThick) ? state.BigNess : 1, ActualRow()};
 }
 
 // A row with a flag is never left out, wherever it lies.
@@ -223,8 +222,12 @@ int SquareRadius(double bigness) {
 }
 
 void DrawPoints(ScreenWindow& window, const DepthSize& depth) {
+    DrawPoints(window, depth, LookOf(window).PointNames);
+}
+
+void DrawPoints(ScreenWindow& window, const DepthSize& depth, bool names) {
     FillPaint(window);
-    const PointLook look = LookOf(window);
+    const PointLook look = LookOfPoints(window, names);
     const int r = SquareRadius(window.State.BigNess);
     const bool small = window.State.BigNess <= kLargestSquare && !depth.On;
     if (small && !look.Names && !look.Vectors && AreSmall(window.Screen, r)) {

@@ -9,7 +9,8 @@ struct DepthSize {
     float Factor = 0;  // pixels per pixel of depth above the lowest
 };
 
-void DrawPoints(ScreenWindow& window, const DepthSize& depth);
+void DrawPoints(ScreenWindow& window, const DepthSize& depth);  // in the window's look
+void DrawPoints(ScreenWindow& window, const DepthSize& depth, bool names);
 
 // A square of 2 r + 1 logical pixels about (x, y), as far as it lies in the picture. `colour` as the picture
 // holds it. Require: the surface keeps pixels.

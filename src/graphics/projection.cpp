@@ -234,6 +234,18 @@ void TakeIntoBox(int first, int count, std::array<float, 6>& box) {
         BoundBlock(count, Scene.View[axis + 1].data() + first, box[2 * axis], box[2 * axis + 1]);
 }
 
+// A shift, another size or another window of the same view leaves the turned points as they are.
+SceneView KeyOf(const Turn& turn) {
+    return {Scene.Stamp, turn.M, turn.Center};
+}
+bool HoldsView(const Turn& turn) {
+    return Scene.Stamp != 0 && Scene.ViewOf == KeyOf(turn);
+}
+void KeepView(const Turn& turn, const std::array<float, 6>& box) {
+    Scene.ViewOf = KeyOf(turn);
+    Scene.ViewBox = box;
+}
+
 template <class Work>
 void ForEachBlock(Work work) {
     for (int first = 1; first <= Scene.Rows; first += kBlock)
@@ -246,8 +258,12 @@ void rechne_PixelCloud(ScreenWindow& window) {
     TakeArmedRotationCenter(window);
     SizeView();
     const Turn turn = TurnOf(window);
-    ForEachBlock([&turn](int first, int count) { TurnRows(turn, first, count); });
-    Max_Min(window);
+    if (!HoldsView(turn)) {
+        ForEachBlock([&turn](int first, int count) { TurnRows(turn, first, count); });
+        Max_Min(window);
+        KeepView(turn, window.ViewBox);
+    }
+    window.ViewBox = Scene.ViewBox;
     TurnDeviations(window);
 }
 
@@ -264,12 +280,16 @@ void RechneCloudAndPixels(ScreenWindow& window) {
     SizeView();
     SizePixels(window);
     const Turn turn = TurnOf(window);
-    std::array<float, 6> box = kNoBox;
+    const bool turned = HoldsView(turn);
+    std::array<float, 6> box = turned ? Scene.ViewBox : kNoBox;
     ForEachBlock([&](int first, int count) {
-        TurnRows(turn, first, count);
-        TakeIntoBox(first, count, box);
+        if (!turned) {
+            TurnRows(turn, first, count);
+            TakeIntoBox(first, count, box);
+        }
         ScaleRows(window, first, count);
     });
+    KeepView(turn, box);
     window.ViewBox = box;
     TurnDeviations(window);
     ScaleVectors(window);

@@ -90,13 +90,14 @@ void FillPlotted(const ScreenWindow& window) {
     std::vector<float>& plotted = Scene.Points[kScenePlotted];
     const std::vector<float>& classes = Scene.Points[kSceneClass];
     const auto begin = plotted.begin() + 1;
-    const auto block = [begin](int first, int count, Flag shown) {
-        std::fill_n(begin + first, count, IsTrue(shown) ? 1.0F : 0.0F);
+    const auto block = [begin](int first, int count, bool shown) {
+        std::fill_n(begin + first, count, shown ? 1.0F : 0.0F);
     };
-    block(0, Scene.Ident, Job.ViewAllMCS);
-    block(Scene.Ident, Scene.Ident, Job.ViewAllOCS);
-    block(2 * Scene.Ident, Scene.MCSOnly, Job.ViewAllonlyMCS);
-    block(2 * Scene.Ident + Scene.MCSOnly, Scene.OCSOnly, Job.ViewAllonlyOCS);
+    const PictureLook look = LookOf(window);
+    block(0, Scene.Ident, look.StartPoints);
+    block(Scene.Ident, Scene.Ident, look.Targets);
+    block(2 * Scene.Ident, Scene.MCSOnly, look.StartPointsAlone);
+    block(2 * Scene.Ident + Scene.MCSOnly, Scene.OCSOnly, look.TargetsAlone);
 
     const bool used = IsTrue(Settings.ViewOnlyIfTrafo), unused = IsTrue(Settings.ViewOnlyIfNotTrafo);
     const bool hideOutside = IsTrue(Settings.DontViewOOT);
@@ -119,6 +120,32 @@ bool BuiltFromPresentJob() {
            Scene.OCSOnly == counts.OCSOnly && Scene.JobGeneration == Run.JobGeneration && Scene.Stamp != 0;
 }
 
+void SizeFlagIndex(ScreenWindow& window) {
+    if (window.State.FlagIndex.size() == static_cast<std::size_t>(Scene.Rows)) return;
+    window.State.FlagIndex.resize(static_cast<std::size_t>(Scene.Rows));
+    window.State.FlagIndexShape.clear();
+}
+
+// The points of the table, without deviations, classes and view.
+void FillPoints(ScreenWindow& window) {
+    const SceneCounts counts = CountsOfJob();
+    Scene.Ident = counts.Ident;
+    Scene.MCSOnly = counts.MCSOnly;
+    Scene.OCSOnly = counts.OCSOnly;
+    Scene.JobGeneration = Run.JobGeneration;
+    ++Scene.Stamp;
+    Scene.PixelsOf = 0;
+    SizeTables(counts.Rows());
+    Scene.InsideOf = {};  // the next paint hides what is behind the planes
+    SizeFlagIndex(window);
+    FillBlock(1, Scene.Ident, PointSet::TransformedStart, 1);
+    FillBlock(Scene.Ident + 1, Scene.Ident, PointSet::Target, 1);
+    FillBlock(2 * Scene.Ident + 1, Scene.MCSOnly, PointSet::TransformedStart, Scene.Ident + 1);
+    FillBlock(2 * Scene.Ident + Scene.MCSOnly + 1, Scene.OCSOnly, PointSet::Target, Scene.Ident + 1);
+    ForgetClasses();
+    Scene.PaintStale = true;
+}
+
 }  // namespace
 
 const std::string& ScenePointName(int row) {
@@ -134,23 +161,7 @@ const std::string& ScenePointName(int row) {
 }
 
 void Grafik_Festlegen(ScreenWindow& window) {
-    const SceneCounts counts = CountsOfJob();
-    Scene.Ident = counts.Ident;
-    Scene.MCSOnly = counts.MCSOnly;
-    Scene.OCSOnly = counts.OCSOnly;
-    Scene.JobGeneration = Run.JobGeneration;
-    ++Scene.Stamp;
-    Scene.PixelsOf = 0;
-    SizeTables(counts.Rows());
-    Scene.InsideOf = {};  // the next paint hides what is behind the planes
-    if (window.State.FlagIndex.size() != static_cast<std::size_t>(Scene.Rows)) {
-        window.State.FlagIndex.resize(static_cast<std::size_t>(Scene.Rows));
-        window.State.FlagIndexShape.clear();
-    }
-    FillBlock(1, Scene.Ident, PointSet::TransformedStart, 1);
-    FillBlock(Scene.Ident + 1, Scene.Ident, PointSet::Target, 1);
-    FillBlock(2 * Scene.Ident + 1, Scene.MCSOnly, PointSet::TransformedStart, Scene.Ident + 1);
-    FillBlock(2 * Scene.Ident + Scene.MCSOnly + 1, Scene.OCSOnly, PointSet::Target, Scene.Ident + 1);
+    FillPoints(window);
     Transform_dev_to_klasse(window);
     rechne_PixelCloud(window);
     FillDeviations();  // writes the plain lengths over the sizes that colour the points
@@ -162,13 +173,10 @@ void Grafik_Festlegen(ScreenWindow& window) {
 
 void SceneForWindow(ScreenWindow& window) {
     if (!BuiltFromPresentJob()) {
-        Grafik_Festlegen(window);
-        return;
+        FillPoints(window);
+        FillDeviations();
     }
-    if (window.State.FlagIndex.size() != static_cast<std::size_t>(Scene.Rows)) {
-        window.State.FlagIndex.resize(static_cast<std::size_t>(Scene.Rows));
-        window.State.FlagIndexShape.clear();
-    }
+    SizeFlagIndex(window);
     Transform_dev_to_klasse(window);  // new classes leave column 12 to nobody
     if (Scene.PlottedFor == &window) return;
     FillPlotted(window);

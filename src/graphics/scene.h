@@ -39,10 +39,20 @@ struct SceneSlab {
     bool operator==(const SceneSlab&) const = default;
 };
 
+// The view that the tables of the turned points hold.
+struct SceneView {
+    std::uint64_t Stamp = 0;    // of the scene; 0: none
+    std::array<double, 9> M{};  // the rotation, row by row
+    std::array<double, 3> Center{};
+    bool operator==(const SceneView&) const = default;
+};
+
 struct SceneRecord {
     int Rows = 0;  // n; rows 1 to nIdent are MCS points, the next nIdent their OCS points
     std::array<std::vector<float>, kSceneColumns> Points;  // one array a column, each with element 0
     std::array<std::vector<float>, 4> View;                // ViewPoints, columns 1 to 3
+    SceneView ViewOf;                                      // what they hold
+    std::array<float, 6> ViewBox{};                        // about them, as in ScreenWindow
     std::array<std::vector<float>, 3> Vectors;             // ViewVectors, columns 1 and 2
     std::vector<float> PixelX, PixelY, PixelZ, VecPixelX, VecPixelY;
     std::uint64_t PixelsOf = 0;  // Id of the window whose picture the pixel tables hold, 0 = of none
@@ -65,7 +75,7 @@ struct SceneRecord {
 
     // Diagonal of the box about the start points (MaxMinGlobalSys), mm, of the table with this stamp.
     double Diagonal = 0;
-    std::uint64_t DiagonalStamp = 0;
+    std::uint64_t DiagonalOf = 0;
 };
 inline SceneRecord Scene;
 

@@ -38,17 +38,8 @@ bool MovesPlane(const ScreenWindow& window) {
     return window.Mouse.KeyT || window.Mouse.KeyB;
 }
 
-// Names would be written again for every step of a move.
-void PaintWithoutNames(ScreenWindow& window) {
-    struct NamesOff {
-        Flag Before = Settings.ShowPointNames;
-        NamesOff() { Settings.ShowPointNames = kFalse; }
-        ~NamesOff() { Settings.ShowPointNames = Before; }
-        NamesOff(const NamesOff&) = delete;
-        NamesOff& operator=(const NamesOff&) = delete;
-    };
-    const NamesOff off;
-    Stelle_Grafik_dar(window);
+void PaintMove(ScreenWindow& window) {
+    PaintWhileMoving(window);
     window.Mouse.ViewMoved = true;
 }
 
@@ -105,19 +96,19 @@ void Rotate(ScreenWindow& window, const MouseEvent& event) {
         EulerFromMatrixXYZ(after, angles, other);
         SetViewAngles(window, angles(1), angles(2), angles(3));
     }
-    PaintWithoutNames(window);
+    PaintMove(window);
 }
 
 void Pan(ScreenWindow& window, const MouseEvent& event) {
     window.State.BildOffsetX -= window.Mouse.X - event.X;
     window.State.BildOffsetY += window.Mouse.Y - event.Y;
-    PaintWithoutNames(window);
+    PaintMove(window);
 }
 
 void Roll(ScreenWindow& window, const MouseEvent& event) {
     const double way = (window.Mouse.X - event.X) + (window.Mouse.Y - event.Y);
     SetViewAngles(window, ViewAngle(window, 1), ViewAngle(window, 2), ViewAngle(window, 3) + way * kRoll);
-    PaintWithoutNames(window);
+    PaintMove(window);
 }
 
 // The frame from the place of the press to this one comes to fill the picture, its middle to the middle of
@@ -219,7 +210,7 @@ void ScreenPixel_MouseUp(ScreenWindow& window, const MouseEvent& event) {
     if (mouse.OnFlag) return ReleaseFlag(window);
     if (EndsFrame(window, event))
         mouse.ZoomedByFrame = ZoomToFrame(window, event);
-    else if (mouse.ViewMoved && IsTrue(Settings.ShowPointNames))
+    else if (mouse.ViewMoved && LookOf(window).PointNames)
         Stelle_Grafik_dar(window);  // the names come back
     if (event.Buttons == kLeftButton) mouse.FrameArmed = mouse.FrameVisible = false;
     // The flag mode keeps no turned or shifted views, but the planes always travel with the view.

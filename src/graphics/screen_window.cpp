@@ -38,7 +38,7 @@ void SizeSurface(ScreenWindow& window, int width, int height) {
     screen = Surface{};
     screen.Width = std::clamp(width, 1, kLargestPicture);
     screen.Height = std::clamp(height, 1, kLargestPicture);
-    if (FillSurface != nullptr) FillSurface(screen);
+    if (window.Fill != nullptr) window.Fill(screen);
 }
 
 // Powers of ten beyond the type come to its end.
@@ -130,17 +130,32 @@ ScreensRecord& Screens() {
     return screens;
 }
 
-ScreenWindow& OpenScreenWindow() {
+PictureLook LookOf(const ScreenWindow& window) {
+    if (window.OwnLook) return *window.OwnLook;
+    return {.StartPoints = IsTrue(Job.ViewAllMCS),
+            .Targets = IsTrue(Job.ViewAllOCS),
+            .StartPointsAlone = IsTrue(Job.ViewAllonlyMCS),
+            .TargetsAlone = IsTrue(Job.ViewAllonlyOCS),
+            .PointNames = IsTrue(Settings.ShowPointNames),
+            .ColorBar = IsTrue(Settings.ShowColorBar),
+            .AxisLabels = IsTrue(Settings.ShowCoordinateSystemLabels),
+            .NearPointsBigger = IsTrue(Settings.ShowPointsBigger)};
+}
+
+namespace {
+
+ScreenWindow& Open(const PictureSetup& setup, const std::optional<PictureLook>& own) {
     auto opened = std::make_unique<ScreenWindow>();
     ScreenWindow& window = *opened;
+    window.OwnLook = own;
+    window.Fill = setup.Fill;
     window.Number = FreeNumber();
     window.Caption = window.Number == 1 ? "Screen - DEFAULT" : "Screen - " + std::to_string(window.Number);
-    window.BackColor = Settings.ScreenBackColor;
+    window.BackColor = setup.BackColor;
     window.Id = ++screens.Count;
-    SizeSurface(window, screens.NewWidth, screens.NewHeight);
+    SizeSurface(window, setup.Width, setup.Height);
     screens.Open.push_back(std::move(opened));
     screens.Active = &window;
-    // The two-colour mode of the first paint already goes by this entry.
     Main.MenüAnsichtToleranzenColorbar.Checked = IsTrue(Settings.ShowColorBar);
     GiveStartValues(window);
     ShowInDialogs(window);
@@ -150,12 +165,28 @@ ScreenWindow& OpenScreenWindow() {
     return window;
 }
 
+}  // namespace
+
+ScreenWindow& OpenScreenWindow() {
+    return Open({.Width = screens.NewWidth,
+                 .Height = screens.NewHeight,
+                 .BackColor = Settings.ScreenBackColor,
+                 .Fill = FillSurface},
+                {});
+}
+
+ScreenWindow& OpenScreenWindow(const PictureSetup& setup) {
+    return Open(setup, setup.Look);
+}
+
 void CloseScreenWindow(ScreenWindow& window) {
     const auto place = std::find_if(screens.Open.begin(), screens.Open.end(),
                                     [&window](const auto& open) { return open.get() == &window; });
     Require(place != screens.Open.end());
-    CopyLocalGraphics(window.State, Settings.LocalGraphics, [](const char*) { return true; });
-    screens.DefaultsTaken = true;
+    if (!window.OwnLook) {
+        CopyLocalGraphics(window.State, Settings.LocalGraphics, [](const char*) { return true; });
+        screens.DefaultsTaken = true;
+    }
     if (window.Screen.Close != nullptr) window.Screen.Close(window.Screen);
     if (Scene.PlottedFor == &window) Scene.PlottedFor = nullptr;
     // What closes is kept alive to the end of this call; the loops that draw it find it gone.

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,6 +49,14 @@ struct ScreenMouse {
     int FlagLeft = 0, FlagTop = 0;  // where it stood when it was pressed
 };
 
+// What a picture shows beside what belongs to its view.
+struct PictureLook {
+    bool StartPoints = true, Targets = false;           // of the pairs
+    bool StartPointsAlone = true, TargetsAlone = true;  // points without a partner
+    bool PointNames = false, ColorBar = false, AxisLabels = false, NearPointsBigger = false;
+    bool operator==(const PictureLook&) const = default;
+};
+
 struct ScreenWindow {
     std::uint64_t Id = 0;  // never given twice in a run: a new window may stand where an old one stood
     int Number = 1;        // 1 is "Screen - DEFAULT"
@@ -77,7 +86,9 @@ struct ScreenWindow {
     std::string Deviation;                             // of the point that the panels name
     bool StatusBarVisible = true;                      // hidden while the picture goes to the clipboard
     Surface Screen;
-    std::uint64_t PaintCount = 0;  // paints so far, for tests and for the face
+    void (*Fill)(Surface&) = nullptr;    // fills the table of functions of a new surface
+    std::optional<PictureLook> OwnLook;  // of a picture without a window; nothing: the user's settings
+    std::uint64_t PaintCount = 0;        // paints so far, for tests and for the face
 };
 
 // --- The open windows -------------------------------------------------------------------------------------
@@ -99,7 +110,17 @@ ScreensRecord& Screens();  // lives for the program run; FreshStart makes it new
 // Unset: the window has a picture-less surface and all tables are computed just the same.
 inline void (*FillSurface)(Surface&) = nullptr;
 
-ScreenWindow& OpenScreenWindow();              // with its start values, active, painted
+ScreenWindow& OpenScreenWindow();  // with its start values, active, painted
+// The same for a picture that is asked for by a program, in its own size and look. It leaves nothing in the
+// settings when it closes.
+struct PictureSetup {
+    int Width = 0, Height = 0;  // inner size
+    Colour BackColor = 0;
+    PictureLook Look;
+    void (*Fill)(Surface&) = nullptr;
+};
+ScreenWindow& OpenScreenWindow(const PictureSetup& setup);
+PictureLook LookOf(const ScreenWindow& window);
 void CloseScreenWindow(ScreenWindow& window);  // the reference is dead afterwards
 void ActivateScreenWindow(ScreenWindow& window);
 void ResizeScreenWindow(ScreenWindow& window, int width, int height);  // inner size; repaints

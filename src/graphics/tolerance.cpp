@@ -218,12 +218,14 @@ Colour ScaleColour(float t) {
     return Rgb(255, Component(std::abs(t - 1.0) * 335), 0);
 }
 
-bool TwoColours(const ScreenRecord& state) {
-    return Main.MenüAnsichtToleranzenColorbar.Checked && IsTrue(state.BinärModus);
+bool TwoColours(const ScreenWindow& window) {
+    const bool bar = window.OwnLook ? window.OwnLook->ColorBar : Main.MenüAnsichtToleranzenColorbar.Checked;
+    return bar && IsTrue(window.State.BinärModus);
 }
 
-Colour ColourOf(const ScreenRecord& state, double k) {
-    if (TwoColours(state)) {
+Colour ColourOf(const ScreenWindow& window, double k) {
+    const ScreenRecord& state = window.State;
+    if (TwoColours(window)) {
         const bool odd = k / 2 != Int(k / 2);
         return odd == (k >= 0) ? kWhite : kGreen;
     }
@@ -235,21 +237,22 @@ Colour ColourOf(const ScreenRecord& state, double k) {
     return ScaleColour(static_cast<float>(k / (k < 0 ? state.AnzKlassenNeg : state.AnzKlassenPos)));
 }
 
-void FillBar(const ScreenRecord& state, int count, int below, ColourTable& table) {
+void FillBar(const ScreenWindow& window, int count, int below, ColourTable& table) {
     count = std::max(count, 0);
     table.Class.assign(static_cast<std::size_t>(count) + 1, 0.0F);
     table.Colour.assign(static_cast<std::size_t>(count) + 1, 0.0F);
     for (int k = 1; k <= count; ++k) {
         const auto row = static_cast<std::size_t>(k);
         table.Class[row] = static_cast<float>(k - below);
-        table.Colour[row] = static_cast<float>(ColourOf(state, k - below));
+        table.Colour[row] = static_cast<float>(ColourOf(window, k - below));
     }
 }
 
-ClassKey KeyOf(const ScreenRecord& state) {
+ClassKey KeyOf(const ScreenWindow& window) {
+    const ScreenRecord& state = window.State;
     return {Scene.Stamp,         state.AnzKlassenPos, state.AnzKlassenNeg, state.Max,
             state.Min,           state.showVeX,       state.showVeY,       state.showVeZ,
-            state.AusserhalbTol, state.OuterColor,    TwoColours(state),   state.ColorBased,
+            state.AusserhalbTol, state.OuterColor,    TwoColours(window),  state.ColorBased,
             state.CS_Type};
 }
 
@@ -267,13 +270,13 @@ void ForgetClasses() {
 void Transform_dev_to_klasse(ScreenWindow& window) {
     ScreenRecord& state = window.State;
     const bool limitsOpen = state.Max == 0 && state.Min == 0;
-    if (!limitsOpen && Scene.Stamp != 0 && KeyOf(state) == Tolerance.Key) return;
+    if (!limitsOpen && Scene.Stamp != 0 && KeyOf(window) == Tolerance.Key) return;
     FillShown(state);
     const double max = state.Max, min = state.Min;
     FillLimits(window);
     FillClasses(state);
     Calculate_RGB(window);
-    Tolerance.Key = KeyOf(state);
+    Tolerance.Key = KeyOf(window);
     Scene.PlottedFor = nullptr;  // column 12 may depend on the classes
     if ((state.Max != max || state.Min != min) && &window == Screens().Active) ColorBar_ShowLimits(window);
 }
@@ -288,7 +291,7 @@ double TwoDecimalsDown(double value) {
 }
 
 Colour ClassColour(const ScreenWindow& window, int k) {
-    return ColourOf(window.State, k);
+    return ColourOf(window, k);
 }
 
 void Calculate_RGB(ScreenWindow& window) {
@@ -298,17 +301,17 @@ void Calculate_RGB(ScreenWindow& window) {
     const int above = std::max<int>(state.AnzKlassenPos, 0) + 1;
     std::vector<float> colours(static_cast<std::size_t>(below + above) + 1);
     for (int k = -below; k <= above; ++k)
-        colours[static_cast<std::size_t>(k + below)] = static_cast<float>(ColourOf(state, k));
-    const bool twoColours = TwoColours(state);
+        colours[static_cast<std::size_t>(k + below)] = static_cast<float>(ColourOf(window, k));
+    const bool twoColours = TwoColours(window);
     std::vector<float>& column = Scene.Points[kSceneColour];
     for (int i = 1; i <= Scene.Rows; ++i) {
         const auto row = static_cast<std::size_t>(i);
         const double k = Scene.Points[kSceneClass][row];
         column[row] = twoColours
-                          ? static_cast<float>(ColourOf(state, k))
+                          ? static_cast<float>(ColourOf(window, k))
                           : colours[static_cast<std::size_t>(std::clamp<double>(k, -below, above) + below)];
     }
-    FillBar(state, state.AnzKlassenNeg, state.AnzKlassenNeg, Tolerance.Negative);
-    FillBar(state, state.AnzKlassenPos, 0, Tolerance.Positive);
+    FillBar(window, state.AnzKlassenNeg, state.AnzKlassenNeg, Tolerance.Negative);
+    FillBar(window, state.AnzKlassenPos, 0, Tolerance.Positive);
     Scene.PaintStale = true;
 }
