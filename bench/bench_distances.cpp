@@ -7,6 +7,7 @@
 #include "analysis/form_distance_scale.h"
 #include "analysis/form_trompete.h"
 #include "analysis/trumpet_file.h"
+#include "cli/trumpet_file.h"
 #include "cli/trumpet_svg.h"
 #include "core/fresh_start.h"
 #include "fit_data.h"
@@ -71,7 +72,7 @@ BENCHMARK(BM_TrumpetFile)->Arg(3000)->Unit(benchmark::kMillisecond);
 void BM_TrumpetSvg(benchmark::State& state) {
     FillWithPoints(state);
     const DistancePoints points = TakeDistancePoints(false);
-    for (auto _ : state) state.counters["bytes"] = static_cast<double>(TrumpetSvg(points, "Pairs").size());
+    for (auto _ : state) state.counters["bytes"] = static_cast<double>(TrumpetSvg(points, "Pairs", WholeTrumpetPlot(points)).size());
     FreshStart();
 }
 BENCHMARK(BM_TrumpetSvg)->Arg(3000)->Unit(benchmark::kMillisecond);

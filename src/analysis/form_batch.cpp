@@ -167,13 +167,15 @@ void TellNotes(const BatchNotes& notes, bool changed) {
 
 }  // namespace
 
-const WindowEntry FormBatch_Entry = {"FormBatch",
-                                     &w.Window,
-                                     kControls,
-                                     [] { w = FormBatch{}; },
-                                     FormBatch::Form_Load,
-                                     nullptr,
-                                     FormBatch::BtnCancel_Click};
+const WindowEntry FormBatch_Entry = {
+    .Name = "FormBatch",
+    .State = &w.Window,
+    .Controls = kControls,
+    .Fresh = [] { w = FormBatch{}; },
+    .Load = FormBatch::Form_Load,
+    .Escape = FormBatch::BtnCancel_Click,
+    .Stand = WindowStand::Dialog,
+};
 
 void DateiListe(std::string& folder, std::vector<std::string>& list) {
     folder = WithSeparator(folder);

@@ -57,13 +57,15 @@ std::string NearestFolder(const std::string& wanted) {
 
 }  // namespace
 
-const WindowEntry FormChangeDir_Entry = {"FormChangeDir",
-                                         &w.Window,
-                                         kControls,
-                                         [] { w = FormChangeDir{}; },
-                                         FormChangeDir::Form_Load,
-                                         nullptr,
-                                         FormChangeDir::BtnCancel_Click};
+const WindowEntry FormChangeDir_Entry = {
+    .Name = "FormChangeDir",
+    .State = &w.Window,
+    .Controls = kControls,
+    .Fresh = [] { w = FormChangeDir{}; },
+    .Load = FormChangeDir::Form_Load,
+    .Escape = FormChangeDir::BtnCancel_Click,
+    .Stand = WindowStand::Dialog,
+};
 
 void FormChangeDir::Form_Load() {
     ChangeDirAnswer.Chosen.reset();

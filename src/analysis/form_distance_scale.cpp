@@ -74,13 +74,14 @@ std::span<const RecordEntry> AnalysisRecords() {
     return kRecords;
 }
 
-const WindowEntry FormDistanceScale_Entry = {"FormDistanceScale",
-                                             &w.Window,
-                                             kControls,
-                                             [] { w = FormDistanceScale{}; },
-                                             FormDistanceScale::Form_Load,
-                                             nullptr,
-                                             FormDistanceScale::Form_Escape};
+const WindowEntry FormDistanceScale_Entry = {
+    .Name = "FormDistanceScale",
+    .State = &w.Window,
+    .Controls = kControls,
+    .Fresh = [] { w = FormDistanceScale{}; },
+    .Load = FormDistanceScale::Form_Load,
+    .Escape = FormDistanceScale::Form_Escape,
+};
 
 std::string DistanceScaleText(const DistancePoints& points, const DistanceExtremes& row, int point, int col) {
     const auto name = [&points](int number) { return points.Names[static_cast<std::size_t>(number)]; };

@@ -48,7 +48,12 @@ std::vector<ChartPoint> ColumnOfSheet(int col) {
 }  // namespace
 
 const WindowEntry FormGrafik_Entry = {
-    "FormGrafik", &w.Window, kControls, [] { w = FormGrafik{}; }, nullptr, nullptr, FormGrafik::Form_Escape};
+    .Name = "FormGrafik",
+    .State = &w.Window,
+    .Controls = kControls,
+    .Fresh = [] { w = FormGrafik{}; },
+    .Escape = FormGrafik::Form_Escape,
+};
 
 void Grafik_Failed() {
     Empty();

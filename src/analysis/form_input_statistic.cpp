@@ -33,13 +33,14 @@ const ControlEntry kControls[] = {
 
 }  // namespace
 
-const WindowEntry FormInputStatistic_Entry = {"FormInputStatistic",
-                                              &InputStatistic.Window,
-                                              kControls,
-                                              [] { InputStatistic = FormInputStatistic{}; },
-                                              FormInputStatistic::Form_Load,
-                                              nullptr,
-                                              FormInputStatistic::Form_Escape};
+const WindowEntry FormInputStatistic_Entry = {
+    .Name = "FormInputStatistic",
+    .State = &InputStatistic.Window,
+    .Controls = kControls,
+    .Fresh = [] { InputStatistic = FormInputStatistic{}; },
+    .Load = FormInputStatistic::Form_Load,
+    .Escape = FormInputStatistic::Form_Escape,
+};
 
 void FormInputStatistic::Form_Load() {
     FORMfüllen();

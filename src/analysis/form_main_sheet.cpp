@@ -128,8 +128,13 @@ void PopUp(bool open) {
 }  // namespace
 
 const WindowEntry FormMainSheet_Entry = {
-    "FormMainSheet",           &w.Window, kControls, [] { w = FormMainSheet{}; }, FormMainSheet::Form_Load,
-    FormMainSheet::Form_Unload};
+    .Name = "FormMainSheet",
+    .State = &w.Window,
+    .Controls = kControls,
+    .Fresh = [] { w = FormMainSheet{}; },
+    .Load = FormMainSheet::Form_Load,
+    .Unload = FormMainSheet::Form_Unload,
+};
 
 void FuellenHaupttabelle() {
     if (!w.Window.Loaded) return;

@@ -60,13 +60,15 @@ double NumberOf(const Control& text, const Control& label) {
 
 }  // namespace
 
-const WindowEntry FormOptions_Entry = {"FormOptions",
-                                       &OptionsWindow.Window,
-                                       kControls,
-                                       [] { OptionsWindow = FormOptions{}; },
-                                       FormOptions::Form_Load,
-                                       nullptr,
-                                       FormOptions::Form_Escape};
+const WindowEntry FormOptions_Entry = {
+    .Name = "FormOptions",
+    .State = &OptionsWindow.Window,
+    .Controls = kControls,
+    .Fresh = [] { OptionsWindow = FormOptions{}; },
+    .Load = FormOptions::Form_Load,
+    .Escape = FormOptions::Form_Escape,
+    .Stand = WindowStand::Dialog,
+};
 
 void FormOptions::Form_Load() {
     FormOptions& w = OptionsWindow;

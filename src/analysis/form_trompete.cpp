@@ -28,13 +28,15 @@ void TakePairUnderMouse(const TrumpetRaster::PairAt& pair) {
 
 }  // namespace
 
-const WindowEntry FormTrompete_Entry = {"FormTrompete",
-                                        &w.Window,
-                                        kControls,
-                                        [] { w = FormTrompete{}; },
-                                        FormTrompete::Form_Load,
-                                        FormTrompete::Form_Unload,
-                                        FormTrompete::Form_Escape};
+const WindowEntry FormTrompete_Entry = {
+    .Name = "FormTrompete",
+    .State = &w.Window,
+    .Controls = kControls,
+    .Fresh = [] { w = FormTrompete{}; },
+    .Load = FormTrompete::Form_Load,
+    .Unload = FormTrompete::Form_Unload,
+    .Escape = FormTrompete::Form_Escape,
+};
 
 void FormTrompete::Form_Load() {
     Trumpet_PointsChanged();

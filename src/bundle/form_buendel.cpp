@@ -121,13 +121,14 @@ void ForgetClosedJob() {
 
 }  // namespace
 
-const WindowEntry FormBündel_Entry = {"FormBündel",
-                                      &BündelWindow.Window,
-                                      kControls,
-                                      [] { BündelWindow = FormBündel{}; },
-                                      FormBündel::Form_Load,
-                                      nullptr,
-                                      FormBündel::Form_Escape};
+const WindowEntry FormBündel_Entry = {
+    .Name = "FormBündel",
+    .State = &BündelWindow.Window,
+    .Controls = kControls,
+    .Fresh = [] { BündelWindow = FormBündel{}; },
+    .Load = FormBündel::Form_Load,
+    .Escape = FormBündel::Form_Escape,
+};
 
 bool BundleInMemory() {
     return !Bundle.IsEmpty();

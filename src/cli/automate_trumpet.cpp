@@ -12,7 +12,7 @@
 #include "cli/automate_screens.h"
 #include "cli/request.h"
 #include "cli/short_float.h"
-#include "cli/trumpet_svg.h"
+#include "cli/trumpet_file.h"
 #include "core/arrays.h"
 #include "core/files.h"
 
@@ -110,8 +110,8 @@ json TrumpetPicture(const json& request) {
     if (const std::string wrong = CheckTrumpetFile(file); !wrong.empty()) Refuse(wrong);
     Dispatch([&file] {
         const DistancePoints& points = *DistanceScale.Points;
-        WriteFile(file, TrumpetSvg(points, TrumpetTitle(points, IsTrue(DistanceScale.WithCal)),
-                                   PlotOf(Trumpet.Range, Trumpet.Place), Trumpet.RangeCut));
+        WriteTrumpetPicture(file, points, TrumpetTitle(points, IsTrue(DistanceScale.WithCal)),
+                            PlotOf(Trumpet.Range, Trumpet.Place), Trumpet.RangeCut);
     });
     return json::object();
 }

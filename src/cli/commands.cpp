@@ -17,7 +17,7 @@
 #include "cli/named_files.h"
 #include "cli/render.h"
 #include "cli/transform.h"
-#include "cli/trumpet_svg.h"
+#include "cli/trumpet_file.h"
 #include "core/controller.h"
 #include "core/notes.h"
 #include "core/numbers.h"
@@ -195,8 +195,9 @@ CLI::App* AddDistances(CLI::App& app, DistancesSwitches& s) {
     distances->add_flag("--csv", options.Csv, "As CSV, in the units of the job")->excludes(json);
     distances
         ->add_option("--trumpet", options.Trumpet,
-                     "Also write the differences against the distances as a plot")
-        ->type_name("FILE.svg")
+                     "Also write the differences against the distances as a plot,\n"
+                     ".svg or .png")
+        ->type_name("FILE")
         ->check(CheckTrumpetFile);
     distances->add_option("--pairs", options.Pairs, "Also write all pairs of points, one line a pair")
         ->type_name("FILE");

@@ -18,7 +18,7 @@
 #include "cli/record_json.h"
 #include "cli/short_float.h"
 #include "cli/text_columns.h"
-#include "cli/trumpet_svg.h"
+#include "cli/trumpet_file.h"
 #include "core/controller.h"
 #include "core/files.h"
 #include "core/job.h"
@@ -204,7 +204,8 @@ int RunDistances(const DistancesOptions& options, std::ostream& out, std::ostrea
     if (EndsForWarnings(options.Strict, err)) return kUnreadable;
     const bool written = Dispatch([&] {
         if (!options.Trumpet.empty())
-            WriteFile(options.Trumpet, TrumpetSvg(m.Points, TrumpetTitle(m.Points, options.WithResult)));
+            WriteTrumpetPicture(options.Trumpet, m.Points, TrumpetTitle(m.Points, options.WithResult),
+                                WholeTrumpetPlot(m.Points));
         if (options.Pairs.empty()) return;
         ShareLine line(err, "pairs", progress);
         WriteTrumpetFile(options.Pairs, m.Points, [&line](double share) { return line.Show(share), true; });

@@ -1,4 +1,4 @@
-// The trumpet plot as a picture of its own.
+// The trumpet plot as SVG.
 #include "cli/trumpet_svg.h"
 
 #include <algorithm>
@@ -6,13 +6,10 @@
 #include <span>
 
 #include "cli/svg_element.h"
-#include "core/job.h"
-#include "core/text.h"
 #include "graphics/trumpet_paint.h"
 
 namespace {
 
-constexpr int kWidth = 1100, kHeight = 700;
 constexpr double kFineScale = 4;          // thinned so that nobody sees it
 constexpr double kMostFine_pixels = 2e7;  // coarser in a picture larger than any screen
 
@@ -112,15 +109,6 @@ void Spots(Surface& screen, std::span<const SpotRow> rows, double radius, Colour
 
 }  // namespace
 
-std::string TrumpetTitle(const DistancePoints& points, bool withResult) {
-    return "Differences of " + std::to_string(points.Pairs()) + " distances, " + Job.NameMCS +
-           (withResult ? " after the transformation" : "") + " and " + Job.NameOCS;
-}
-
-std::string CheckTrumpetFile(const std::string& path) {
-    return UpperAscii(path).ends_with(".SVG") ? "" : "\"" + Printable(path) + "\" does not end in .svg";
-}
-
 std::string TrumpetSvg(const DistancePoints& points, const std::string& title, const TrumpetPlot& plot,
                        bool notAllPairs) {
     const bool named = points.Pairs() <= kMostTrumpetSpots;
@@ -147,15 +135,4 @@ std::string TrumpetSvg(const DistancePoints& points, const std::string& title, c
     std::string svg;
     BeginSvg(svg, screen.Width, screen.Height, title);
     return svg + kStyle + SvgOf(screen) + "</svg>\n";
-}
-
-std::string TrumpetSvg(const DistancePoints& points, const std::string& title) {
-    TrumpetRange range;
-    RangeOfPairs(points, range);
-    TrumpetPlace place{kWidth, kHeight, 90, 44, 24, 60};
-    std::size_t longest = 0;
-    for (const TrumpetTick& tick : PlotOf(range, place).YTicks) longest = std::max(longest, tick.Text.size());
-    constexpr int kDigit_pixels = 9, kAir_pixels = 18;
-    place.Left = std::max(60, static_cast<int>(longest) * kDigit_pixels + kAir_pixels);
-    return TrumpetSvg(points, title, PlotOf(range, place));
 }

@@ -1,4 +1,4 @@
-// The trumpet plot as a picture of its own.
+// The trumpet plot as SVG.
 #pragma once
 
 #include <string>
@@ -9,15 +9,7 @@
 // An SVG document in light or dark as its reader has it: axes with their units, and a point a pair. Pairs
 // that fall on one place are drawn once. Where they are few, each names its pair under the mouse. Reads Job
 // (names and units) and Units.
-std::string TrumpetSvg(const DistancePoints& points, const std::string& title);
-
-// The same of a plot that stands already, in its size and with its axes.
-//   notAllPairs   said in the picture: pairs may lie beyond the axes, which were never found for all of them
+//   plot         its size and its axes
+//   notAllPairs  said in the picture: pairs may lie beyond the axes, which were never found for all of them
 std::string TrumpetSvg(const DistancePoints& points, const std::string& title, const TrumpetPlot& plot,
                        bool notAllPairs = false);
-
-// What the plot is of, in words.
-std::string TrumpetTitle(const DistancePoints& points, bool withResult);
-
-// "" or why a plot cannot be written under this name.
-std::string CheckTrumpetFile(const std::string& path);

@@ -16,13 +16,15 @@ const ControlEntry kControls[] = {
 
 }  // namespace
 
-const WindowEntry FormMenuHelpInfo_Entry = {"FormMenuHelpInfo",
-                                            &HelpInfo.Window,
-                                            kControls,
-                                            [] { HelpInfo = FormMenuHelpInfo{}; },
-                                            FormMenuHelpInfo::Form_Load,
-                                            nullptr,
-                                            FormMenuHelpInfo::Form_Escape};
+const WindowEntry FormMenuHelpInfo_Entry = {
+    .Name = "FormMenuHelpInfo",
+    .State = &HelpInfo.Window,
+    .Controls = kControls,
+    .Fresh = [] { HelpInfo = FormMenuHelpInfo{}; },
+    .Load = FormMenuHelpInfo::Form_Load,
+    .Escape = FormMenuHelpInfo::Form_Escape,
+    .Stand = WindowStand::Dialog,
+};
 
 void FormMenuHelpInfo::Form_Load() {
     HelpInfo.LabelVersion.Text = "Version " + ProgramVersion();

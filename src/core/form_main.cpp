@@ -337,8 +337,15 @@ const ControlEntry kControls[] = {
 
 }  // namespace
 
-const WindowEntry FormMain_Entry = {"FormMain", &Main.Window,          kControls, [] { Main = FormMain{}; },
-                                    nullptr,    FormMain::Form_Unload, nullptr,   false};
+const WindowEntry FormMain_Entry = {
+    .Name = "FormMain",
+    .State = &Main.Window,
+    .Controls = kControls,
+    .Fresh = [] { Main = FormMain{}; },
+    .Unload = FormMain::Form_Unload,
+    .Stand = WindowStand::Frame,
+    .StoresPlace = false,
+};
 
 void FormMain::MenuFileNew_Click() {
     MenuFileNew_Command();

@@ -77,8 +77,13 @@ void FillTable() {
 }  // namespace
 
 const WindowEntry FormNotes_Entry = {
-    "FormNotes",           &w.Window, kControls, [] { w = FormNotes{}; }, FormNotes::Form_Load, nullptr,
-    FormNotes::Form_Escape};
+    .Name = "FormNotes",
+    .State = &w.Window,
+    .Controls = kControls,
+    .Fresh = [] { w = FormNotes{}; },
+    .Load = FormNotes::Form_Load,
+    .Escape = FormNotes::Form_Escape,
+};
 
 void ShowNotes() {
     ShowInStatusBar();

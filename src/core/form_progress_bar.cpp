@@ -12,14 +12,15 @@ const ControlEntry kControls[] = {
 
 }  // namespace
 
-const WindowEntry FormProgressBar_Entry = {"FormProgressBar",
-                                           &Progress.Window,
-                                           kControls,
-                                           [] { Progress = FormProgressBar{}; },
-                                           nullptr,
-                                           nullptr,
-                                           FormProgressBar::BtnCancel_Click,
-                                           false};
+const WindowEntry FormProgressBar_Entry = {
+    .Name = "FormProgressBar",
+    .State = &Progress.Window,
+    .Controls = kControls,
+    .Fresh = [] { Progress = FormProgressBar{}; },
+    .Escape = FormProgressBar::BtnCancel_Click,
+    .Stand = WindowStand::LongWork,
+    .StoresPlace = false,
+};
 
 void FormProgressBar::BtnCancel_Click() {
     Run.StopRequested = kTrue;

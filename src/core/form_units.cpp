@@ -41,8 +41,14 @@ void SelectDigits(Control& combo, int digits) {
 }  // namespace
 
 const WindowEntry FormUnits_Entry = {
-    "FormUnits", &UnitsWindow.Window,   kControls, [] { UnitsWindow = FormUnits{}; }, FormUnits::Form_Load,
-    nullptr,     FormUnits::Form_Escape};
+    .Name = "FormUnits",
+    .State = &UnitsWindow.Window,
+    .Controls = kControls,
+    .Fresh = [] { UnitsWindow = FormUnits{}; },
+    .Load = FormUnits::Form_Load,
+    .Escape = FormUnits::Form_Escape,
+    .Stand = WindowStand::Dialog,
+};
 
 void FormUnits::Form_Load() {
     FormUnits& w = UnitsWindow;

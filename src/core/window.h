@@ -103,6 +103,15 @@ struct WindowState {
         0;  // how often ShowWindow has been asked for it since it opened; a screen brings it to the front
 };
 
+// Where a window stands on a screen.
+enum class WindowStand : std::uint8_t {
+    Child,    // inside the frame
+    Frame,    // it is the frame
+    Dialog,   // above the frame, which is out of reach meanwhile
+    Beside,   // above the frame, at work beside the pictures that it changes
+    LongWork  // above the frame, which stays in reach, for its STOP ends the work too
+};
+
 struct WindowEntry {
     const char* Name;
     WindowState* State;
@@ -111,7 +120,8 @@ struct WindowEntry {
     void (*Load)() = nullptr;    // fills the controls, runs once the struct is in place
     void (*Unload)() = nullptr;  // runs before the window goes
     void (*Escape)() = nullptr;  // the key Esc; unset = nothing
-    bool StoresPlace = true;     // its place is kept in the settings file under its name
+    WindowStand Stand = WindowStand::Child;
+    bool StoresPlace = true;  // its place is kept in the settings file under its name
 };
 
 // The one table of all windows; defined above all rooms.

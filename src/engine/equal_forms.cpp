@@ -16,7 +16,8 @@ void TakeCopies() {
 
 void NiceRotSolOfFit(const FitModel& model, Matrix& Q) {
     Parameters parameters = ParametersOf(Job);
-    if (!TakeNicerRotation(model, parameters, Q)) return;
+    const bool turns = TakeWholeTurnsOff(model, parameters);
+    if (!TakeNicerRotation(model, parameters, Q) && !turns) return;
     PutParameters(parameters, Job);
     TakeCopies();
 }

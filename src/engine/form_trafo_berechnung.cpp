@@ -269,12 +269,14 @@ const QualityControls kQualities[] = {
 
 }  // namespace
 
-const WindowEntry FormTrafoBerechnung_Entry = {"FormTrafoBerechnung",
-                                               &TrafoWindow.Window,
-                                               kControls,
-                                               [] { TrafoWindow = FormTrafoBerechnung{}; },
-                                               FormTrafoBerechnung::Form_Load,
-                                               FormTrafoBerechnung::Form_Unload};
+const WindowEntry FormTrafoBerechnung_Entry = {
+    .Name = "FormTrafoBerechnung",
+    .State = &TrafoWindow.Window,
+    .Controls = kControls,
+    .Fresh = [] { TrafoWindow = FormTrafoBerechnung{}; },
+    .Load = FormTrafoBerechnung::Form_Load,
+    .Unload = FormTrafoBerechnung::Form_Unload,
+};
 
 std::span<const ParameterControls> ParameterRows() {
     return kParameters;

@@ -64,9 +64,13 @@ Control& GridOf(RotationOrder order) {
 
 }  // namespace
 
-const WindowEntry FormTrafoDetails_Entry = {"FormTrafoDetails", &DetailsWindow.Window, kControls,
-                                            [] { DetailsWindow = FormTrafoDetails{}; },
-                                            FormTrafoDetails::Form_Load};
+const WindowEntry FormTrafoDetails_Entry = {
+    .Name = "FormTrafoDetails",
+    .State = &DetailsWindow.Window,
+    .Controls = kControls,
+    .Fresh = [] { DetailsWindow = FormTrafoDetails{}; },
+    .Load = FormTrafoDetails::Form_Load,
+};
 
 void DetailFormFuellen() {
     const BusyPointer busy;

@@ -1,20 +1,12 @@
-// Parameters of the model's own form that make up a given matrix.
+// The parameters that make up a matrix, by the sectors of the shown angle unit, and what is said of none.
 #pragma once
 
-#include "core/arrays.h"
+#include "fit/inverted_solutions.h"
 
-// Finds sets of rotation, scale and shear with R K S = W, to a sum of differences below 1e-5.
-//   anyShear, anyScale  whether shear angles other than 0 and scales other than 1 are to be looked for;
-//                       the one scale of an axis is the length of its image
-//   list                out, (0 to n, 0 to 9): columns 1 to 3 are the rotation, 4 to 6 the scales,
-//                       7 to 9 xy, azimuth and zt; rad. Sorted by xy, then rotation about z, then azimuth
-// Where none is found a message says so and `list` was never sized (Rows -1). A matrix with infinite or
-// undefined elements has no solution.
+// As InvertedSolutions of fit/. Where none is found a message says so and `list` was never sized.
 void InvertedSolutions(const Mat3& W, bool anyShear, bool anyScale, Matrix& list);
 
-// Splits a shear matrix into its two triples (xy, azimuth, zt), rad: leaning by zt towards the azimuth, and
-// by -zt towards the opposite side. A matrix that is no shear gives some angles and no failure.
 void DecomposeShear(const Mat3& K, Vec3& first, Vec3& second);
 
-// The one angle whose sine is about s and whose cosine is about c, by sectors in the shown angle unit.
+// The one angle whose sine is about s and whose cosine is about c.
 double ChooseAngleBySinCos(double s, double c);

@@ -14,8 +14,8 @@
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/design.h"
-#include "engine/open_parameters.h"
 #include "engine/parameter_kind.h"
+#include "fit/open_parameters.h"
 #include "fit/small_svd.h"
 
 namespace {
@@ -269,7 +269,7 @@ void NoteResult(const NormFit& fit) {
     const FitModel& model = Adjustment.Model;
     if (model.Unknowns != fit.u) return;
     const Linearisation at = Linearise(model, fit.Points);
-    const OpenParameters open = FindOpenParameters(fit.Points, model, at);
+    const OpenParameters open = FindOpenParameters(fit.Points, model, CoordinateInUse, ParametersOf(Job), at);
     constexpr double kPlane = 1e-9;
     NoteTooNear();
     const bool onePlace = NoteCollapse(model, at.M);

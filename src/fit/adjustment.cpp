@@ -117,8 +117,28 @@ struct Iteration {
         return true;
     }
 
+    // Rot y is at a right angle, and what the corrections of Rot x and Rot z do together is below the
+    // threshold.
+    bool TurnsNothingAtLock() const {
+        constexpr double kAtLock = 1e-6;
+        if (!(std::fabs(std::cos(Run.Now[kRotY])) < kAtLock)) return false;
+        Mat3 turned;
+        for (int k = 0; k < this->At.InnerCount; ++k) {
+            const InnerDerivative& inner = this->At.Inner[::At(k)];
+            const bool either =
+                inner.Unknown == Model.UnknownOf[kRotX] || inner.Unknown == Model.UnknownOf[kRotZ];
+            for (int i = 1; i <= 3 && either; ++i)
+                for (int j = 1; j <= 3; ++j) turned(i, j) += inner.D(i, j) * x[::At(inner.Unknown)];
+        }
+        for (int i = 1; i <= 3; ++i)
+            for (int j = 1; j <= 3; ++j)
+                if (!(std::fabs(turned(i, j)) < Run.Limits.Threshold)) return false;
+        return true;
+    }
+
     // Far from the origin the rounding of a translation alone is more than the threshold: an iteration whose
-    // corrections are no more than that has come to rest, though it never falls below the threshold.
+    // corrections are no more than that has come to rest, though it never falls below the threshold. So has
+    // one that only turns Rot x against Rot z at the lock of these angles: where both stand there is any.
     bool MovesByRoundingOnly() const {
         constexpr double kRounding = 256 * std::numeric_limits<double>::epsilon();
         double far = 0;
@@ -127,12 +147,17 @@ struct Iteration {
             for (int j = 1; j <= 3; ++j) size += std::fabs(this->At.M(axis, j) * Points.StartCentre(j));
             far = std::fmax(far, size);
         }
+        constexpr double kAtLock_mm = 1e-7;  // what the angles' turning against each other leaves of digits
+        const bool locked = TurnsNothingAtLock();
         for (int k = kTraX; k < kParameterEnd; ++k) {
             const int unknown = Model.UnknownOf[::At(k)];
-            if (unknown == 0) continue;
-            const double most =
-                k <= kTraZ ? std::fmax(Run.Limits.Threshold, kRounding * far) : Run.Limits.Threshold;
-            if (!(std::fabs(x[::At(unknown)]) < most)) return false;
+            if (unknown == 0 || (locked && (k == kRotX || k == kRotZ))) continue;
+            const bool ofPlace = k <= kTraZ;
+            double most = ofPlace ? std::fmax(Run.Limits.Threshold, kRounding * far) : Run.Limits.Threshold;
+            if (locked && KindOf(k) == ParameterKind::Length) most = std::fmax(most, kAtLock_mm);
+            // Away from the origin the two angles take the translation along.
+            const Column& corrections = locked && ofPlace ? centred : x;
+            if (!(std::fabs(corrections[::At(unknown)]) < most)) return false;
         }
         return true;
     }
@@ -190,6 +215,61 @@ private:
     bool before_ = points_.ByRows;
 };
 
+// What rounding of the coordinates adds to a sum of squares, mm^2.
+double RoundingOfSquares(const GatheredPoints& points) {
+    constexpr double kDigits = 64 * std::numeric_limits<double>::epsilon();
+    double far = 0;
+    for (int axis = 1; axis <= 3; ++axis)
+        far = std::max({far, std::fabs(points.TargetCentre(axis)), std::fabs(points.StartCentre(axis))});
+    for (const auto* set : {&points.Start, &points.Target})
+        for (const LaneArray& axis : *set)
+            for (int i = 0; i < points.Count; ++i) far = std::max(far, std::fabs(axis[At(i)]));
+    return 3.0 * points.Count * kDigits * far * kDigits * far;
+}
+
+double SumOfSquares(const Column& v, const Column& P) {
+    double sum = 0;
+    for (std::size_t i = 1; i < v.size(); ++i) sum += P[i] * v[i] * v[i];
+    return sum;
+}
+
+// An iteration that has reached its limit at the lock of the angles, where Rot x and Rot z turn against each
+// other by any amount: with Rot x left where it is it comes to rest, and that is the result where it is no
+// worse.
+void RestAtLock(FitRun& run, const FitModel& model, GatheredPoints& points, const Column& P,
+                IterationResult& result) {
+    constexpr double kAtLock = 1e-6, kNoWorse = 1e-9;
+    const bool both = model.UnknownOf[kRotX] != 0 && model.UnknownOf[kRotZ] != 0;
+    if (!both || !run.State.Finite || !(std::fabs(std::cos(run.Now[kRotY])) < kAtLock)) return;
+    FitModel resting = model;
+    for (int k = kRotX + 1; k < kParameterEnd; ++k)
+        if (resting.UnknownOf[At(k)] > model.UnknownOf[kRotX]) --resting.UnknownOf[At(k)];
+    resting.UnknownOf[kRotX] = 0;
+    --resting.Unknowns;
+    const Parameters before = run.Now;
+    const IterationState ended = run.State;
+    const IterationResult kept = result;
+    run.State.Iterations = 0;
+    PointMoments moments;
+    Matrix inverse;
+    {
+        Iteration iteration(run, points, resting, false, moments);
+        if (!iteration.CarryOut(inverse)) return;
+    }
+    const bool rests = run.State.Converged;
+    if (rests) {
+        SettleHere(run, model, points, P, result);
+        run.State.Iterations = ended.Iterations;
+        run.State.AtRest = true;
+        const double most = SumOfSquares(kept.v, P) * (1 + kNoWorse);
+        const double rounding = RoundingOfSquares(points);
+        if (SumOfSquares(result.v, P) <= most + rounding) return;
+    }
+    run.Now = before;
+    run.State = ended;
+    result = kept;
+}
+
 }  // namespace
 
 void Iterate(FitRun& run, const FitModel& model, GatheredPoints& points, Column& P, IterationResult& result) {
@@ -209,9 +289,13 @@ void Iterate(FitRun& run, const FitModel& model, GatheredPoints& points, Column&
     }
     run.Now = start;
     const RowsAlone rows(points);
-    Iteration iteration(run, points, model, false, moments);
-    if (!iteration.CarryOut(result.Q)) return;
-    Residuals(points, model, iteration.At, iteration.centred, result.v);
+    {
+        Iteration iteration(run, points, model, false, moments);
+        if (!iteration.CarryOut(result.Q)) return;
+        Residuals(points, model, iteration.At, iteration.centred, result.v);
+        if (run.State.Converged || run.Stops()) return;
+    }
+    RestAtLock(run, model, points, P, result);
 }
 
 void RenewResiduals(FitRun& run, const FitModel& model, const GatheredPoints& points, Column& v) {

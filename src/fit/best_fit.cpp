@@ -10,6 +10,7 @@
 #include "fit/chain_search.h"
 #include "fit/corrections.h"
 #include "fit/double_double.h"
+#include "fit/handedness.h"
 #include "fit/mirror.h"
 #include "fit/moments.h"
 #include "fit/norms.h"
@@ -225,7 +226,13 @@ private:
         }
         if (!(mirrored->Gain > proper->Gain)) return proper;
         const int redundancy = static_cast<int>(rows_()) - fit_.Model.Unknowns;
-        return MirrorIsReal(SumOf(*proper), SumOf(*mirrored), rounding_, redundancy, 2) ? mirrored : proper;
+        const auto told = [&] {
+            return HandednessOf(fit_.Points, mirrored->M, mirrored->Shift, FitNorm::LeastSquares,
+                                fit_.Model.Unknowns, SizeRatio(fit_.Points, FitNorm::LeastSquares));
+        };
+        const bool stands = MirrorMayStand(SumOf(*proper), SumOf(*mirrored), rounding_, redundancy,
+                                           FitNorm::LeastSquares, told);
+        return stands ? mirrored : proper;
     }
 
     double rows_() const { return moments_.B[1][0][0] + moments_.B[2][0][0] + moments_.B[3][0][0]; }

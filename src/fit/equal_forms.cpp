@@ -213,6 +213,16 @@ bool TakeNicerRotation(const FitModel& model, Parameters& parameters, Matrix& Q)
     return true;
 }
 
+bool TakeWholeTurnsOff(const FitModel& model, Parameters& parameters) {
+    bool taken = false;
+    for (int k = kAngleXY; k <= kAngleZtoXY; ++k) {
+        if (!Floats(model, k) || !(std::fabs(parameters[k]) >= kTurn) || std::isinf(parameters[k])) continue;
+        parameters[k] = ShortWay(parameters[k]);
+        taken = true;
+    }
+    return taken;
+}
+
 bool TakePositiveForm(const FitModel& model, Parameters& parameters, Matrix& Q) {
     if (!(parameters[kScaleX] < 0 || parameters[kScaleY] < 0 || parameters[kScaleZ] < 0)) return false;
     const Parameters values = parameters;

@@ -10,6 +10,7 @@
 #include "fit/corrections.h"
 #include "fit/exact_place.h"
 #include "fit/exact_starts.h"
+#include "fit/handedness.h"
 #include "fit/linear_optimum.h"
 #include "fit/mirror.h"
 #include "fit/moments.h"
@@ -210,11 +211,17 @@ struct ExactRun {
         if (ends.Proper && ends.Mirrored) {
             const WayEnd &proper = *ends.Proper, &mirrored = *ends.Mirrored;
             const int redundancy = Place.Rows.Used - Place.Model.Unknowns;
+            const auto told = [&] {
+                const Linearisation at = ::Linearise(Place.Model, mirrored.Values, Fit.Points, Fit.Run.Chain);
+                return HandednessOf(Fit.Points, at.M, at.Shift, Fit.Kind, Place.Model.Unknowns,
+                                    SizeRatio(Fit.Points, Fit.Kind));
+            };
             const bool real = Fit.ProperAlone ? false
-                              : wanted        ? first.Mirrored || IsBetter(mirrored, proper)
-                                              : MirrorIsReal(proper.Objective, mirrored.Objective,
-                                                             Rounding * Place.Rows.Used, redundancy, 1) ||
-                                             NothingProperIsBeside(mirrored, proper.Objective);
+                              : wanted
+                                  ? first.Mirrored || IsBetter(mirrored, proper)
+                                  : MirrorMayStand(proper.Objective, mirrored.Objective,
+                                                   Rounding * Place.Rows.Used, redundancy, Fit.Kind, told) ||
+                                        NothingProperIsBeside(mirrored, proper.Objective);
             best = real ? mirrored : proper;
         }
         const bool otherSide = first.Mirrored && !best.Mirrored;

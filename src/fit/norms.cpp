@@ -6,6 +6,7 @@
 
 #include "fit/best_fit.h"
 #include "fit/exact_norms.h"
+#include "fit/handedness.h"
 #include "fit/mirror.h"
 #include "fit/proper_beside.h"
 #include "fit/require.h"
@@ -84,8 +85,9 @@ Reason Astray(const NormRun& fit) {
     if (!fit.Run.State.Finite) return Reason::NoEnd;
     const auto rows = std::count_if(fit.P.begin() + 1, fit.P.end(), [](double w) { return w != 0; });
     if (end.Mirrored && !first.Mirrored && !NegativeScaleIsWanted(fit.Choice) &&
-        (fit.ProperAlone || !MirrorIsReal(first.Objective, end.Objective, least,
-                                          static_cast<int>(rows) - fit.Model.Unknowns, 1)))
+        (fit.ProperAlone ||
+         !MirrorMayStand(first.Objective, end.Objective, least, static_cast<int>(rows) - fit.Model.Unknowns,
+                         fit.Kind, [&fit] { return HandednessHere(fit); })))
         return Reason::MirroredForNothing;
     if (!(end.Objective <= first.Objective * (1 + kWorse) + least)) return Reason::WorseThanFirstFit;
     // What fits by less than the loop's own tolerance has no residuals to be weighted by.

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <initializer_list>
 #include <limits>
 #include <optional>
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "fit/fit.h"
+#include "fit/handedness.h"
 #include "fit/mirror.h"
 #include "fit/norms.h"
 
@@ -20,8 +22,9 @@ std::size_t At(int i) {
 }
 
 // What may be held together: one scale, or what closes up the frame in one way.
-std::vector<std::vector<int>> FloatingGroups(const FitModel& model) {
-    std::vector<std::vector<int>> groups;
+using Groups = std::vector<std::vector<int>>;
+Groups FloatingGroups(const FitModel& model) {
+    Groups groups;
     for (const std::vector<int>& group : std::initializer_list<std::vector<int>>{
              {kScaleX}, {kScaleY}, {kScaleZ}, {kScaleXYZ}, {kAngleXY}, {kAzimuth, kAngleZtoXY}}) {
         std::vector<int> floating;
@@ -29,6 +32,26 @@ std::vector<std::vector<int>> FloatingGroups(const FitModel& model) {
             if (model.UnknownOf[At(k)] != 0) floating.push_back(k);
         if (!floating.empty()) groups.push_back(std::move(floating));
     }
+    return groups;
+}
+
+// Those of them that the points hardly determine, by what is left of each in the inverse of the normal
+// matrix: what lies in the plane of a plate is determined a hundred times better than what leads out of it.
+Groups LooseGroups(const NormRun& fit) {
+    constexpr double kLoose = 1e-4;  // of the loosest; squares, as the matrix has them
+    const auto looseness = [&fit](const std::vector<int>& group) {
+        double most = 0;
+        for (const int k : group) {
+            const int i = fit.Model.UnknownOf[At(k)];
+            const double q = i <= fit.Result.Q.Rows ? fit.Result.Q(i, i) : 0;
+            most = std::isfinite(q) ? std::max(most, std::fabs(q)) : std::numeric_limits<double>::infinity();
+        }
+        return most;
+    };
+    Groups groups = FloatingGroups(fit.Model);
+    double loosest = 0;
+    for (const std::vector<int>& group : groups) loosest = std::max(loosest, looseness(group));
+    std::erase_if(groups, [&](const auto& group) { return looseness(group) < kLoose * loosest; });
     return groups;
 }
 
@@ -40,24 +63,6 @@ bool EndsMirrored(const NormRun& fit) {
     ChainRecord chain;
     BuildChain(ChainSourceOf(fit.Run.Now), chain);
     return IsMirrored(chain);
-}
-
-// Of the points about their middle: the root of the sum of squares.
-double SpreadOf(const std::array<LaneArray, 3>& set, const GatheredPoints& points) {
-    double squares = 0;
-    for (int axis = 0; axis < 3; ++axis) {
-        double count = 0, middle = 0;
-        const auto inUse = [&](int i) { return points.AllInUse || points.Weight[At(axis)][At(i)] != 0; };
-        for (int i = 0; i < points.Count; ++i)
-            if (inUse(i)) {
-                ++count;
-                middle += set[At(axis)][At(i)];
-            }
-        middle /= std::max(1.0, count);
-        for (int i = 0; i < points.Count; ++i)
-            if (inUse(i)) squares += (set[At(axis)][At(i)] - middle) * (set[At(axis)][At(i)] - middle);
-    }
-    return std::sqrt(squares);
 }
 
 // What rounding of the coordinates adds to the objective.
@@ -134,8 +139,7 @@ HeldFit FitHolding(NormRun& fit, const NormToHold& norm, const std::vector<int>&
 }
 
 // All ways to hold something, the fewer parameters the sooner.
-std::vector<std::vector<int>> WaysToHold(const FitModel& model) {
-    const std::vector<std::vector<int>> groups = FloatingGroups(model);
+std::vector<std::vector<int>> WaysToHold(const Groups& groups) {
     std::vector<std::vector<int>> ways;
     for (unsigned set = 1; set < 1U << groups.size(); ++set) {
         std::vector<int> way;
@@ -148,15 +152,20 @@ std::vector<std::vector<int>> WaysToHold(const FitModel& model) {
     return ways;
 }
 
-// The held fit that is best; nothing where none is proper, or the fit was stopped. A loop that ends nowhere
-// whatever is held is better than a mirrored one: its result is marked as not converged.
+// Tells whether a proper fit with this objective is as good as the mirrored one but for noise.
+using AsGood = std::function<bool(double)>;
+
+// The best held fit that is as good as the mirrored one but for noise; nothing where none is, or the fit was
+// stopped. A loop that ends nowhere whatever is held is better than a mirrored one: its result is marked as
+// not converged.
 std::optional<HeldFit> BestHeldFit(NormRun& fit, const NormToHold& norm, const NormToHold& squares,
-                                   double scale) {
+                                   const Groups& groups, double scale, const AsGood& isAsGood) {
+    constexpr int kMostTries = 3;  // of ways with as many parameters, beside the choice by squares
     struct Choice {
         std::vector<int> Way;
         double Squares;
     };
-    const std::vector<std::vector<int>> ways = WaysToHold(fit.Model);
+    const std::vector<std::vector<int>> ways = WaysToHold(groups);
     const bool bySquares = norm.Fit == squares.Fit;
     std::optional<HeldFit> best, unsettled;
     for (std::size_t first = 0, end = 0; first < ways.size() && !best; first = end) {
@@ -166,35 +175,21 @@ std::optional<HeldFit> BestHeldFit(NormRun& fit, const NormToHold& norm, const N
             if (fit.Abandoned() || fit.Stops()) return {};
             if (!held.Proper || !held.Ended) continue;
             choices.push_back({ways[end], held.Objective});
-            if (bySquares && (!best || held.Objective < best->Objective)) best.emplace(std::move(held));
+            if (bySquares && isAsGood(held.Objective) && (!best || held.Objective < best->Objective))
+                best.emplace(std::move(held));
         }
+        if (bySquares) continue;
         std::stable_sort(choices.begin(), choices.end(),
                          [](const Choice& a, const Choice& b) { return a.Squares < b.Squares; });
-        for (std::size_t i = 0; i < choices.size() && !best; ++i) {
+        for (std::size_t i = 0; i < choices.size() && i < kMostTries && !best; ++i) {
             HeldFit held = FitHolding(fit, norm, choices[i].Way, scale);
             if (fit.Abandoned() || fit.Stops()) return {};
-            if (!held.Proper) continue;
+            if (!held.Proper || !isAsGood(held.Objective)) continue;
             std::optional<HeldFit>& found = held.Ended ? best : unsettled;
             if (!found) found.emplace(std::move(held));
         }
     }
     return best ? std::move(best) : std::move(unsettled);
-}
-
-// The proper transformations come near to the mirrored one where the same scales are all but 0: so near that
-// one has to be that may be told from it. With many points even noise of the start points draws a scale
-// across them to 0, and away from where it is held. Infinite where that has no proper end.
-double ObjectiveNearZero(NormRun& fit, const NormToHold& norm, const NormRun& held, double scale) {
-    constexpr double kNearZero = 1e-3;
-    std::vector<int> parameters;
-    for (int k = kScaleX; k <= kAngleZtoXY; ++k)
-        if (held.HeldByFit[At(k)]) parameters.push_back(k);
-    // A start value of the user's own says where a scale is held, and nothing of where the mirror lies.
-    const OwnStarts own = std::exchange(fit.Choice.Own, OwnStarts{});
-    const HeldFit near = FitHolding(fit, norm, parameters, kNearZero * scale);
-    fit.Choice.Own = own;
-    const bool serves = !fit.Abandoned() && !fit.Stops() && near.Proper;
-    return serves ? near.Objective : std::numeric_limits<double>::infinity();
 }
 
 void Take(NormRun& held, NormRun& fit) {
@@ -220,14 +215,31 @@ bool HoldWhereMirrored(NormRun& fit, const NormToHold& norm, const NormToHold& s
     if (IsAffine(fit.Model)) return true;
     const int redundancy = Redundancy(fit);
     if (redundancy <= 0 || FloatingGroups(fit.Model).empty() || !EndsMirrored(fit)) return true;
-    const double scale = SpreadOf(fit.Points.Target, fit.Points) / SpreadOf(fit.Points.Start, fit.Points);
+    const double scale = SizeRatio(fit.Points, fit.Kind);
     if (!(scale > 0) || !std::isfinite(scale)) return true;
     const double mirrored = norm.Objective(fit), rounding = RoundingOf(fit, norm);
-    std::optional<HeldFit> held = BestHeldFit(fit, norm, squares, scale);
-    if (!held || fit.Abandoned()) return !fit.Abandoned();
-    double proper = held->Objective;
-    const auto isReal = [&] { return MirrorIsReal(proper, mirrored, rounding, redundancy, norm.Power); };
-    if (isReal()) proper = std::fmin(proper, ObjectiveNearZero(fit, norm, held->Run, scale));
-    if (!fit.Abandoned() && !fit.Stops() && !isReal()) Take(held->Run, fit);
+    std::optional<Handedness> told;
+    const AsGood isAsGood = [&](double proper) {
+        return !MirrorMayStand(proper, mirrored, rounding, redundancy, fit.Kind, [&] {
+            if (!told) told = HandednessHere(fit);
+            return *told;
+        });
+    };
+    std::optional<HeldFit> held;
+    for (const Groups& groups : {LooseGroups(fit), FloatingGroups(fit.Model)}) {
+        if (told && told->Sure) break;  // it is mirrored: one look has been enough
+        const auto look = [&] {
+            if (!held && !fit.Abandoned() && !fit.Stops())
+                held = BestHeldFit(fit, norm, squares, groups, scale, isAsGood);
+        };
+        look();
+        if (!StartsAreOwn(fit.Choice)) continue;
+        // A start value of the user's own may say where a scale is to be held, or may be far from all that
+        // fits.
+        const OwnStarts own = std::exchange(fit.Choice.Own, OwnStarts{});
+        look();
+        fit.Choice.Own = own;
+    }
+    if (held && !fit.Abandoned() && !fit.Stops()) Take(held->Run, fit);
     return !fit.Abandoned();
 }

@@ -42,13 +42,15 @@ void Close() {
 
 }  // namespace
 
-const WindowEntry FormBlackPlane_Entry = {"FormBlackPlane",
-                                          &w.Window,
-                                          kControls,
-                                          [] { w = FormBlackPlane{}; },
-                                          FormBlackPlane::Form_Load,
-                                          nullptr,
-                                          FormBlackPlane::BtnCancel_Click};
+const WindowEntry FormBlackPlane_Entry = {
+    .Name = "FormBlackPlane",
+    .State = &w.Window,
+    .Controls = kControls,
+    .Fresh = [] { w = FormBlackPlane{}; },
+    .Load = FormBlackPlane::Form_Load,
+    .Escape = FormBlackPlane::BtnCancel_Click,
+    .Stand = WindowStand::Beside,
+};
 
 void FormBlackPlane::Initialisieren() {
     ScreenWindow* window = findLFDFORM();

@@ -216,13 +216,16 @@ void Close() {
 
 }  // namespace
 
-const WindowEntry FormColorBar_Entry = {"FormColorBar",
-                                        &ColorBarWindow.Window,
-                                        kControls,
-                                        [] { ColorBarWindow = FormColorBar{}; },
-                                        FormColorBar::Form_Load,
-                                        FormColorBar::Form_Unload,
-                                        FormColorBar::Form_Escape};
+const WindowEntry FormColorBar_Entry = {
+    .Name = "FormColorBar",
+    .State = &ColorBarWindow.Window,
+    .Controls = kControls,
+    .Fresh = [] { ColorBarWindow = FormColorBar{}; },
+    .Load = FormColorBar::Form_Load,
+    .Unload = FormColorBar::Form_Unload,
+    .Escape = FormColorBar::Form_Escape,
+    .Stand = WindowStand::Beside,
+};
 
 void FormColorBar::SetFormtoVars() {
     const ScreenWindow* window = findLFDFORM();

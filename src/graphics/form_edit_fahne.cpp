@@ -212,13 +212,15 @@ void EnableDeleting(const ScreenWindow& window) {
 
 }  // namespace
 
-const WindowEntry FormEditFahne_Entry = {"FormEditFahne",
-                                         &EditFahneWindow.Window,
-                                         kControls,
-                                         [] { EditFahneWindow = FormEditFahne{}; },
-                                         FormEditFahne::Form_Load,
-                                         nullptr,
-                                         FormEditFahne::Form_Escape};
+const WindowEntry FormEditFahne_Entry = {
+    .Name = "FormEditFahne",
+    .State = &EditFahneWindow.Window,
+    .Controls = kControls,
+    .Fresh = [] { EditFahneWindow = FormEditFahne{}; },
+    .Load = FormEditFahne::Form_Load,
+    .Escape = FormEditFahne::Form_Escape,
+    .Stand = WindowStand::Dialog,
+};
 
 void ÜbernehmenEditFahne() {
     ScreenWindow* window = WindowOfDialog();

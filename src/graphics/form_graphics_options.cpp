@@ -69,13 +69,15 @@ void Close() {
 
 }  // namespace
 
-const WindowEntry FormGraphicsOptions_Entry = {"FormGraphicsOptions",
-                                               &GraphicsOptionsWindow.Window,
-                                               kControls,
-                                               [] { GraphicsOptionsWindow = FormGraphicsOptions{}; },
-                                               FormGraphicsOptions::Form_Load,
-                                               nullptr,
-                                               FormGraphicsOptions::Form_Escape};
+const WindowEntry FormGraphicsOptions_Entry = {
+    .Name = "FormGraphicsOptions",
+    .State = &GraphicsOptionsWindow.Window,
+    .Controls = kControls,
+    .Fresh = [] { GraphicsOptionsWindow = FormGraphicsOptions{}; },
+    .Load = FormGraphicsOptions::Form_Load,
+    .Escape = FormGraphicsOptions::Form_Escape,
+    .Stand = WindowStand::Beside,
+};
 
 void FormGraphicsOptions::Übernehmen() {
     for (const Switch& one : kSwitches) one.Place = ToFlag(one.Check.Value == 1);

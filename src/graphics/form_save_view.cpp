@@ -24,13 +24,15 @@ bool IsInUse(const std::string& name) {
 
 }  // namespace
 
-const WindowEntry FormSaveView_Entry = {"FormSaveView",
-                                        &w.Window,
-                                        kControls,
-                                        [] { w = FormSaveView{}; },
-                                        FormSaveView::Form_Load,
-                                        nullptr,
-                                        FormSaveView::BtnAbbrechen_Click};
+const WindowEntry FormSaveView_Entry = {
+    .Name = "FormSaveView",
+    .State = &w.Window,
+    .Controls = kControls,
+    .Fresh = [] { w = FormSaveView{}; },
+    .Load = FormSaveView::Form_Load,
+    .Escape = FormSaveView::BtnAbbrechen_Click,
+    .Stand = WindowStand::Dialog,
+};
 
 void FormSaveView::Form_Load() {
     SaveViewAnswer.Name.clear();

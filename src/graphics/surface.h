@@ -13,6 +13,11 @@
 // Colours are RGB with red in the low byte everywhere but in the picture itself.
 using Colour = std::int32_t;
 
+// Shares from 0 to 255.
+constexpr Colour Rgb(int red, int green, int blue) {
+    return red | green << 8 | blue << 16;
+}
+
 // The same colour as the picture holds it: 0xffRRGGBB.
 constexpr std::uint32_t PixelOf(Colour colour) {
     const auto c = static_cast<std::uint32_t>(colour);

@@ -24,9 +24,6 @@ constexpr double kWholeTurn = 2 * 3.14159265358979, kQuarterTurn = 3.14159265358
 constexpr double kAboveZero = 1e-10;  // so that no deviation at all is in the first class above zero
 constexpr double kFarAway = 1e10;
 
-constexpr Colour Rgb(int red, int green, int blue) {
-    return red | green << 8 | blue << 16;
-}
 constexpr Colour kRed = Rgb(255, 0, 0), kGreen = Rgb(0, 255, 0), kBlue = Rgb(0, 0, 255);
 constexpr Colour kWhite = Rgb(255, 255, 255);
 

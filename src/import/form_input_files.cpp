@@ -146,13 +146,15 @@ ImportRequest RequestOfDialog() {
 
 }  // namespace
 
-const WindowEntry FormInputFiles_Entry = {"FormInputFiles",
-                                          &InputFiles.Window,
-                                          kControls,
-                                          [] { InputFiles = FormInputFiles{}; },
-                                          FormInputFiles::Form_Load,
-                                          nullptr,
-                                          FormInputFiles::Form_Escape};
+const WindowEntry FormInputFiles_Entry = {
+    .Name = "FormInputFiles",
+    .State = &InputFiles.Window,
+    .Controls = kControls,
+    .Fresh = [] { InputFiles = FormInputFiles{}; },
+    .Load = FormInputFiles::Form_Load,
+    .Escape = FormInputFiles::Form_Escape,
+    .Stand = WindowStand::Dialog,
+};
 
 void FormInputFiles::Form_Load() {
     FormInputFiles& w = InputFiles;

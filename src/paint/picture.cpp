@@ -243,8 +243,9 @@ QImage PictureOf(const ScreenWindow& window) {
     return picture;
 }
 
-std::string PictureBytes(const ScreenWindow& window) {
-    QImage image = PictureOf(window);
+namespace {
+
+std::string PngOf(QImage image) {
     // Whatever resolution the screen of this machine claims, the file is the same.
     image.setDotsPerMeterX(kDotsPerMetre);
     image.setDotsPerMeterY(kDotsPerMetre);
@@ -252,6 +253,18 @@ std::string PictureBytes(const ScreenWindow& window) {
     QBuffer buffer(&bytes);
     if (image.isNull() || !buffer.open(QIODevice::WriteOnly) || !image.save(&buffer, "PNG")) return "";
     return bytes.toStdString();
+}
+
+}  // namespace
+
+std::string PictureBytes(const ScreenWindow& window) {
+    return PngOf(PictureOf(window));
+}
+
+std::string PictureBytes(const Surface& screen, const std::string& title) {
+    QImage image = BarePictureOf(screen).copy();
+    image.setText(QStringLiteral("Title"), QString::fromStdString(title));
+    return PngOf(std::move(image));
 }
 
 bool WritePicture(const ScreenWindow& window, const std::string& path) {

@@ -18,5 +18,8 @@ double FontTextHeight(const TextFont& font);  // of a line
 // picture.
 std::string PictureBytes(const ScreenWindow& window);
 
-// The same into a file. False where the window keeps no picture. Throws PlatformError as WriteFile.
+// A surface that FillSurfaceWithPicture has filled, without labels; the PNG file bears the title.
+std::string PictureBytes(const Surface& screen, const std::string& title);
+
+// The same as PictureBytes of a window, into a file. False where the window keeps no picture. Throws PlatformError as WriteFile.
 bool WritePicture(const ScreenWindow& window, const std::string& path);

@@ -15,13 +15,15 @@ const ControlEntry kControls[] = {
 
 }  // namespace
 
-const WindowEntry FormStopParaTrafo_Entry = {"FormStopParaTrafo",
-                                             &StopParaTrafo.Window,
-                                             kControls,
-                                             [] { StopParaTrafo = FormStopParaTrafo{}; },
-                                             nullptr,
-                                             FormStopParaTrafo::Form_Unload,
-                                             StopIt};
+const WindowEntry FormStopParaTrafo_Entry = {
+    .Name = "FormStopParaTrafo",
+    .State = &StopParaTrafo.Window,
+    .Controls = kControls,
+    .Fresh = [] { StopParaTrafo = FormStopParaTrafo{}; },
+    .Unload = FormStopParaTrafo::Form_Unload,
+    .Escape = StopIt,
+    .Stand = WindowStand::LongWork,
+};
 
 void FormStopParaTrafo::BtnStopParaTrafo_Click() {
     StopIt();

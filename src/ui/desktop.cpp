@@ -3,62 +3,33 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QComboBox>
 #include <QDialog>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QLabel>
 #include <QMainWindow>
 #include <QMdiArea>
 #include <QMdiSubWindow>
-#include <QMenu>
-#include <QMimeData>
 #include <QPushButton>
-#include <QStatusBar>
-#include <QToolBar>
 #include <QUiLoader>
-#include <QUrl>
 #include <QVBoxLayout>
 #include <algorithm>
-#include <array>
 #include <map>
-#include <set>
-#include <string_view>
+#include <utility>
 
-#include "analysis/form_grafik.h"
-#include "analysis/form_trompete.h"
-#include "core/controller.h"
-#include "core/files.h"
-#include "core/form_main.h"
-#include "core/form_progress_bar.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
-#include "core/text.h"
-#include "graphics/form_black_plane.h"
-#include "graphics/form_color_bar.h"
-#include "graphics/form_graphics_options.h"
-#include "import/form_input_files.h"
-#include "paraboloid/form_stop_para_trafo.h"
+#include "fit/require.h"
 #include "ui/binder.h"
-#include "ui/chart_view.h"
 #include "ui/clipboard.h"
-#include "ui/colour_sample.h"
+#include "ui/drops.h"
+#include "ui/frame.h"
 #include "ui/places.h"
-#include "ui/portal.h"
+#include "ui/plots.h"
 #include "ui/program_keys.h"
 #include "ui/qt_text.h"
 #include "ui/screen_windows.h"
-#include "ui/theme.h"
-#include "ui/trumpet_view.h"
 
 namespace {
-
-// The windows that stand above the frame; all others stand inside it.
-constexpr std::array<std::string_view, 13> kDialogs = {
-    "FormUnits",           "FormOptions",    "FormMenuHelpInfo",  "FormProgressBar", "FormInputFiles",
-    "FormColorBar",        "FormSaveView",   "FormStopParaTrafo", "FormBatch",       "FormChangeDir",
-    "FormGraphicsOptions", "FormBlackPlane", "FormEditFahne"};
 
 // Work that writes a text at every step shows it no more often than this.
 constexpr qint64 kBetweenPanels_ms = 100;
@@ -81,23 +52,18 @@ struct DesktopRecord {
 };
 DesktopRecord Desktop;
 
-bool IsJob(const std::string& path) {
-    return UpperAscii(path).ends_with(".CVN");
+// The window that is the frame itself.
+const WindowEntry& FrameEntry() {
+    const auto all = AllWindows();
+    const auto frame = std::find_if(all.begin(), all.end(), [](const WindowEntry* window) {
+        return window->Stand == WindowStand::Frame;
+    });
+    Require(frame != all.end());
+    return **frame;
 }
 
 bool IsDialog(const WindowEntry& window) {
-    return std::find(kDialogs.begin(), kDialogs.end(), window.Name) != kDialogs.end();
-}
-
-// The windows of long work.
-bool IsOfLongWork(const WindowEntry& window) {
-    return &window == &FormProgressBar_Entry || &window == &FormStopParaTrafo_Entry;
-}
-
-// These dialogs are at work beside the pictures that they change.
-bool IsBeside(const WindowEntry& window) {
-    return &window == &FormColorBar_Entry || &window == &FormGraphicsOptions_Entry ||
-           &window == &FormBlackPlane_Entry;
+    return window.Stand != WindowStand::Child && window.Stand != WindowStand::Frame;
 }
 
 QWidget* LoadForm(const WindowEntry& window) {
@@ -155,30 +121,31 @@ void OpenOne(const WindowEntry& window) {
     open.Form = LoadForm(window);
     if (IsDialog(window)) {
         auto* dialog = new QDialog(Desktop.FrameWindow);
-        dialog->setAcceptDrops(&window == &FormInputFiles_Entry);
+        dialog->setAcceptDrops(true);
         auto* layout = new QVBoxLayout(dialog);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(open.Form);
         ShowDefaultButton(*open.Form);
         // The window of long work leaves the frame in reach, whose STOP ends the work too; above a dialog
         // that blocks the frame it must stand in front itself.
-        const bool overAll = !IsOfLongWork(window) || QApplication::activeModalWidget() != nullptr;
-        dialog->setWindowModality(overAll && !IsBeside(window) ? Qt::WindowModal : Qt::NonModal);
+        const bool overAll =
+            window.Stand == WindowStand::Dialog ||
+            (window.Stand == WindowStand::LongWork && QApplication::activeModalWidget() != nullptr);
+        dialog->setWindowModality(overAll ? Qt::WindowModal : Qt::NonModal);
         open.Outer = dialog;
     } else {
         open.Outer = Desktop.Area->addSubWindow(open.Form);
     }
     BindWindow(window, *open.Form);
-    if (&window == &FormColorBar_Entry) AddColourSample(*open.Form);
-    if (&window == &FormTrompete_Entry) AddTrumpet(*open.Form);
-    if (&window == &FormGrafik_Entry) AddChart(*open.Form);
+    AddPlot(window, *open.Form);
     Desktop.Windows[&window] = open;
     open.Outer->setAttribute(Qt::WA_DeleteOnClose, false);
     open.Outer->installEventFilter(new WindowEvents(window, *open.Outer));
     ShowControls(window);
     open.Outer->setWindowTitle(Q(window.State->Caption));
     if (IsDialog(window)) {
-        PlaceDialog(window, *open.Form, *open.Outer, *Desktop.FrameWindow, IsBeside(window));
+        PlaceDialog(window, *open.Form, *open.Outer, *Desktop.FrameWindow,
+                    window.Stand == WindowStand::Beside);
     } else {
         PlaceChild(window, *open.Form, *open.Outer, *Desktop.Area);
     }
@@ -217,144 +184,20 @@ void ShowPointer() {
     }
 }
 
-// A menu is a pop-up menu while its value says so: that for editing is one of a table, that for flags one of
-// a flag.
-void ShowPopUp() {
-    const bool flag = Main.MenuFahne.Value != 0;
-    if ((Main.MenuEdit.Value == 0 && !flag) || Desktop.PopUpOpen) return;
-    Main.MenuEdit.Value = Main.MenuFahne.Value = 0;
-    auto* menu = Desktop.FrameWindow->findChild<QMenu*>(flag ? QStringLiteral("MenuFahne")
-                                                             : QStringLiteral("MenuEdit"));
-    if (menu == nullptr) return;
-    Desktop.PopUpOpen = true;
-    menu->popup(QCursor::pos());
-    Desktop.PopUpOpen = false;
-}
-
-// --- The frame --------------------------------------------------------------------------------------------
-
 class FrameEvents : public QObject {
 public:
     explicit FrameEvents(QObject* parent) : QObject(parent) {}
     bool eventFilter(QObject* object, QEvent* event) override {
-        if (event->type() == QEvent::Close && object == Desktop.FrameWindow && FormMain_Entry.State->Loaded) {
+        if (event->type() == QEvent::Close && object == Desktop.FrameWindow && FrameEntry().State->Loaded) {
             event->ignore();
-            UserDid([] { UserClose(FormMain_Entry); });
+            UserDid([] { UserClose(FrameEntry()); });
             return true;
         }
         return false;
     }
 };
 
-std::vector<std::string> LocalPaths(const QMimeData& data) {
-    std::vector<std::string> paths;
-    for (const QUrl& url : data.urls()) paths.push_back(url.isLocalFile() ? S(url.toLocalFile()) : "");
-    return paths;
-}
-
-// Puts dropped point files into the input dialog: one file into the field that it was dropped onto, two into
-// the first two fields.
-void TakeIntoInputDialog(const QWidget& target, const std::vector<std::string>& paths) {
-    Control* field = &InputFiles.TextNameMCS;
-    for (Control* one : {&InputFiles.TextNameOCS, &InputFiles.TextNameMoreMCS})
-        if (paths.size() == 1 && one->Entry != nullptr && target.isEnabled() &&
-            target.objectName() == QString::fromUtf8(one->Entry->Name))
-            field = one;
-    UserDid([&] {
-        Dispatch([&] {
-            SetText(*field, paths.front());
-            if (paths.size() > 1) SetText(InputFiles.TextNameOCS, paths[1]);
-        });
-    });
-}
-
-// Files over any part of the frame or the input dialog. Fields would take the text of their address.
-class Drops : public QObject {
-public:
-    explicit Drops(QObject* parent) : QObject(parent) {}
-    bool eventFilter(QObject* object, QEvent* event) override {
-        const bool drop = event->type() == QEvent::Drop;
-        if (!drop && event->type() != QEvent::DragEnter && event->type() != QEvent::DragMove) return false;
-        if (!object->isWidgetType()) return false;
-        auto* drag = static_cast<QDropEvent*>(event);
-        if (!drag->mimeData()->hasUrls()) return false;
-        const auto& target = *static_cast<QWidget*>(object);
-        const std::vector<std::string> paths = LocalPaths(*drag->mimeData());
-        const QWidget* modal = QApplication::activeModalWidget();
-        const QWidget* input = WidgetOf(FormInputFiles_Entry);
-        const bool ontoInput = input != nullptr && target.window() == input->window() &&
-                               (modal == nullptr || modal == input->window());
-        const bool ontoFrame = target.window() == Desktop.FrameWindow && modal == nullptr;
-        const bool taken = CanBeDropped(paths) && (ontoFrame || (ontoInput && !IsJob(paths.front())));
-        drag->setAccepted(taken);
-        if (!taken) return true;
-        drag->acceptProposedAction();
-        if (drop && ontoInput) TakeIntoInputDialog(target, paths);
-        if (drop && !ontoInput) OpenDropped(paths);
-        return true;
-    }
-};
-
-void AddPanels(QStatusBar& bar) {
-    for (int panel = 1; panel <= kStatusPanels; ++panel) {
-        auto* label = new QLabel(&bar);
-        label->setObjectName(QStringLiteral("StatusBar.%1").arg(panel));
-        bar.addWidget(label, panel == 3 ? 1 : 0);
-    }
-    // Notes stay in sight whatever the panels tell.
-    auto* notes = new QPushButton(&bar);
-    notes->setObjectName(QStringLiteral("StatusBar.Notes"));
-    notes->setAccessibleName(QStringLiteral("Notes"));
-    notes->setFlat(true);
-    notes->setMaximumHeight(bar.fontMetrics().height());  // the bar keeps its height, with notes or without
-    notes->setFocusPolicy(Qt::TabFocus);
-    notes->setVisible(false);
-    bar.addPermanentWidget(notes);
-}
-
-void AddIcons(const QMainWindow& frame) {
-    for (QAction* action : frame.findChildren<QAction*>()) {
-        const QString name = action->objectName();
-        const qsizetype dot = name.indexOf('.');
-        if (dot > 0) action->setIcon(IconOf(name.mid(dot + 1)));
-    }
-}
-
-constexpr std::array<std::pair<const char*, Theme>, 3> kThemes = {
-    {{"_ThemeDesktop", Theme::Desktop}, {"_ThemeLight", Theme::Light}, {"_ThemeDark", Theme::Dark}}};
-
-// Everything that is on the screen, in the palette of a theme.
-void ShowTheme(Theme theme) {
-    ApplyTheme(theme);
-    for (const auto& [name, one] : kThemes)
-        if (auto* action = Desktop.FrameWindow->findChild<QAction*>(QLatin1String(name)))
-            action->setChecked(one == theme);
-    AddIcons(*Desktop.FrameWindow);
-    Desktop.Area->setBackground(Desktop.FrameWindow->palette().mid());
-    ForgetShown();
-}
-
-void ConnectThemes() {
-    for (const auto& [name, theme] : kThemes)
-        if (auto* action = Desktop.FrameWindow->findChild<QAction*>(QLatin1String(name)))
-            QObject::connect(action, &QAction::triggered, action, [chosen = theme] {
-                UserDid([chosen] {
-                    Dispatch([chosen] { StoreTheme(chosen); });
-                    ShowTheme(chosen);
-                });
-            });
-}
-
 }  // namespace
-
-void ShowStoredTheme() {
-    Theme theme = Theme::Desktop;
-    try {
-        theme = StoredTheme();
-    } catch (const PlatformError&) {  // settings that cannot be read: the start has told of them
-    }
-    ShowTheme(theme);
-}
 
 QString FormFile(const WindowEntry& window) {
     QString name = Q(std::string_view(window.Name));
@@ -380,43 +223,19 @@ QWidget* DialogParent() {
 }
 
 void OpenDesktop() {
-    auto* frame = qobject_cast<QMainWindow*>(LoadForm(FormMain_Entry));
+    auto* frame = qobject_cast<QMainWindow*>(LoadForm(FrameEntry()));
     Desktop.FrameWindow = frame;
-    Desktop.Area = frame->findChild<QMdiArea*>();
-    Desktop.Area->setViewMode(QMdiArea::SubWindowView);
-    Desktop.Area->setBackground(frame->palette().mid());
-    // A smaller frame leaves its windows where they are, and in reach.
-    Desktop.Area->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-    Desktop.Area->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    Desktop.Area = &AreaOf(*frame);
     BeginScreens(*Desktop.Area);
-    if (auto* bar = frame->findChild<QToolBar*>(QStringLiteral("ToolbarSaveView"))) {
-        auto* combo = new QComboBox(bar);
-        combo->setObjectName(QStringLiteral("ComboSaveView"));
-        combo->setMinimumWidth(140);
-        combo->setPlaceholderText(QStringLiteral("Saved views"));
-        bar->addWidget(combo);
-        // The view that the list shows can be chosen again, after the picture has been turned away from it.
-        // This stands in front of the binder's connection, which is the one that changes the choice.
-        QObject::connect(combo, &QComboBox::activated, combo, [](int index) {
-            if (index == Main.ComboSaveView.Index) UserDid([] { UserClick(Main.ComboSaveView); });
-        });
-    }
-    AddPanels(*frame->statusBar());
-    AddIcons(*frame);
-    ConnectThemes();
-    WatchDesktop(frame, [] {
-        if (StoredTheme() == Theme::Desktop) UserDid([] { ShowStoredTheme(); });
-    });
-    frame->setWindowIcon(IconOf(QStringLiteral("corvinade")));
-    frame->setAcceptDrops(true);
+    FurnishFrame(*frame);
     frame->installEventFilter(new FrameEvents(frame));
     QApplication::instance()->installEventFilter(NewProgramKeys(*frame));
-    QApplication::instance()->installEventFilter(new Drops(frame));
+    QApplication::instance()->installEventFilter(NewDrops(*frame));
 }
 
 void CloseDesktop() {
     while (!Desktop.Windows.empty()) CloseOne(*Desktop.Windows.begin()->first);
-    UnbindWindow(FormMain_Entry);
+    UnbindWindow(FrameEntry());
     EndScreens();
     if (Desktop.BusyShown) QApplication::restoreOverrideCursor();
     delete Desktop.FrameWindow;
@@ -425,20 +244,21 @@ void CloseDesktop() {
 
 void ShowState(bool insideWork) {
     if (Desktop.FrameWindow == nullptr || Desktop.Showing) return;
+    const WindowEntry& frame = FrameEntry();
     Desktop.Showing = true;
     const bool panels =
         !insideWork || !Desktop.Panels.isValid() || Desktop.Panels.elapsed() >= kBetweenPanels_ms;
     if (panels) Desktop.Panels.start();
     PutClipboard(insideWork);
-    if (FormMain_Entry.State->Loaded && WidgetOf(FormMain_Entry) == nullptr) {
-        BindWindow(FormMain_Entry, *Desktop.FrameWindow);
-        Desktop.Windows[&FormMain_Entry] = {Desktop.FrameWindow, Desktop.FrameWindow};
+    if (frame.State->Loaded && WidgetOf(frame) == nullptr) {
+        BindWindow(frame, *Desktop.FrameWindow);
+        Desktop.Windows[&frame] = {Desktop.FrameWindow, Desktop.FrameWindow};
         ShowStoredTheme();
         PlaceFrame(*Desktop.FrameWindow);
         Desktop.FrameWindow->show();
     }
     for (const WindowEntry* window : AllWindows()) {
-        if (window == &FormMain_Entry) continue;
+        if (window == &frame) continue;
         const bool open = Desktop.Windows.count(window) != 0;
         if (open && !window->State->Loaded) CloseOne(*window);
         if (!open && window->State->Loaded) OpenOne(*window);
@@ -446,20 +266,21 @@ void ShowState(bool insideWork) {
     for (auto& [window, open] : Desktop.Windows) {
         BringToFront(*window, open);
         ShowControls(*window, panels);
-        if (window == &FormColorBar_Entry) ShowColourSample(*open.Form);
-        if (window == &FormTrompete_Entry) ShowTrumpet(*open.Form);
-        if (window == &FormGrafik_Entry) ShowChart(*open.Form);
+        ShowPlot(*window, *open.Form);
         const QString title = Q(window->State->Caption);
         if (open.Outer->windowTitle() != title) open.Outer->setWindowTitle(title);
         if (open.Form->isEnabled() != window->State->Enabled) open.Form->setEnabled(window->State->Enabled);
     }
     ShowScreens(insideWork);
     ShowPointer();
-    ShowPopUp();
+    if (!std::exchange(Desktop.PopUpOpen, true)) {
+        ShowPopUpMenu(*Desktop.FrameWindow);
+        Desktop.PopUpOpen = false;
+    }
     Desktop.Showing = false;
     // Work that the frame was closed under ends first.
-    if (!FormMain_Entry.State->Loaded && Desktop.Events > 0) Run.StopRequested = kTrue;
-    if (!FormMain_Entry.State->Loaded && Desktop.Events == 0 && Desktop.Windows.count(&FormMain_Entry) != 0) {
+    if (!frame.State->Loaded && Desktop.Events > 0) Run.StopRequested = kTrue;
+    if (!frame.State->Loaded && Desktop.Events == 0 && Desktop.Windows.count(&frame) != 0) {
         if (Desktop.FrameWindow->isVisible()) StoreFrame(*Desktop.FrameWindow);
         Desktop.FrameWindow->hide();
         QApplication::quit();
@@ -471,21 +292,4 @@ void UserDid(const std::function<void()>& action) {
     action();
     --Desktop.Events;
     ShowState(Desktop.Events > 0);
-}
-
-bool CanBeDropped(const std::vector<std::string>& paths) {
-    if (paths.empty() || !std::all_of(paths.begin(), paths.end(), File_Exist)) return false;
-    return paths.size() == 1 || (paths.size() == 2 && std::none_of(paths.begin(), paths.end(), IsJob));
-}
-
-void OpenDropped(const std::vector<std::string>& paths) {
-    if (!CanBeDropped(paths)) return;
-    UserDid([&] {
-        Dispatch([&] {
-            if (IsJob(paths.front())) return OpenLastProjekt("&1 " + paths.front());
-            ShowWindow("FormInputFiles");
-            SetText(InputFiles.TextNameMCS, paths.front());
-            if (paths.size() > 1) SetText(InputFiles.TextNameOCS, paths[1]);
-        });
-    });
 }

@@ -13,9 +13,6 @@ class QWidget;
 // or when it is over.
 void OpenDesktop();
 
-// Light or dark as the settings have it.
-void ShowStoredTheme();
-
 // Takes the frame and all windows down, whatever the logic holds.
 void CloseDesktop();
 
@@ -36,9 +33,3 @@ QWidget* WidgetOf(const WindowEntry& window);
 
 // Where dialogs of the system belong: the active window, or the frame.
 QWidget* DialogParent();
-
-// Files that can be dropped onto the frame: a job, or one or two point files.
-bool CanBeDropped(const std::vector<std::string>& paths);
-
-// What was dropped: a job is opened, point files go to the input dialog. Anything else is left alone.
-void OpenDropped(const std::vector<std::string>& paths);

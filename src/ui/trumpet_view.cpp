@@ -64,7 +64,7 @@ TrumpetPlace PlaceOf(const QWidget& widget) {
 }
 
 Colour ColourFrom(const QColor& colour) {
-    return colour.red() | colour.green() << 8 | colour.blue() << 16;
+    return Rgb(colour.red(), colour.green(), colour.blue());
 }
 
 TrumpetLook LookOf(const QWidget& widget) {

@@ -141,6 +141,19 @@ TEST_F(DistancesByName, ThePictureOfThePlotHasItsSizeAndItsPoints) {
     EXPECT_NE(Contents(file).find("after the transformation"), std::string::npos);
 }
 
+TEST_F(DistancesByName, ThePictureOfThePlotAsPngHasItsSizeAtTwoPixelsForOne) {
+    StartWithPlot();
+    Good({{"do", "resize"}, {"at", "FormTrompete.Trumpet"}, {"width", 640}, {"height", 400}});
+    Good({{"do", "picture"}, {"at", "FormTrompete.Trumpet"}, {"file", PathOf("plot.png")}});
+    const std::string png = Contents(PathOf("plot.png"));
+    EXPECT_EQ(png.substr(0, 8), "\x89PNG\r\n\x1A\n");
+    const auto number = [&png](std::size_t at) {
+        return static_cast<unsigned char>(png[at + 2]) * 256 + static_cast<unsigned char>(png[at + 3]);
+    };
+    EXPECT_EQ(number(16), 1280);
+    EXPECT_EQ(number(20), 800);
+}
+
 TEST_F(DistancesByName, ThePictureOfAPlotWithAxesOfAPartOfThePairsSaysSo) {
     StartWithPlot();
     const json request = {{"do", "picture"}, {"at", "FormTrompete.Trumpet"}, {"file", PathOf("part.svg")}};
@@ -157,8 +170,8 @@ TEST_F(DistancesByName, APictureOfThePlotThatCannotBeIsRefusedOrTold) {
     EXPECT_EQ(ErrorOf(request), "FormTrompete is not open");
     Click("FormMain.MenuTransformationDistanceScale");
     Click("FormDistanceScale.BtnTrumpetGraph");
-    request["file"] = PathOf("plot.png");
-    EXPECT_NE(ErrorOf(request).find("does not end in .svg"), std::string::npos);
+    request["file"] = PathOf("plot.pdf");
+    EXPECT_NE(ErrorOf(request).find("does not end in .svg or .png"), std::string::npos);
     request["file"] = PathOf("no folder/plot.svg");
     EXPECT_NE(Good(request)["platformError"].dump().find("Cannot write"), std::string::npos);
     Good({{"do", "resize"}, {"at", "FormTrompete.Trumpet"}, {"width", 8192}, {"height", 8192}});

@@ -106,7 +106,7 @@ TEST_F(DistancesCommand, WrongUsageIsToldApartFromAFileThatIsNone) {
     Triangle();
     const std::string job = Saved();
     EXPECT_EQ(Command({job, "--json", "--csv"}).Status, 2);
-    EXPECT_EQ(Command({job, "--trumpet", "plot.png"}).Status, 2);
+    EXPECT_EQ(Command({job, "--trumpet", "plot.pdf"}).Status, 2);
     EXPECT_EQ(Command({}).Status, 2);
     EXPECT_EQ(Command({PathOf("missing.cvn")}).Status, 3);
     EXPECT_EQ(Command({Write("text.cvn", "no job at all")}).Status, 3);

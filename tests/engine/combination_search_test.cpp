@@ -1,5 +1,5 @@
 // The search among candidates against the plain one: every combination, multiplied out and compared.
-#include "engine/combination_search.h"
+#include "fit/combination_search.h"
 
 #include <cmath>
 #include <limits>

@@ -1,5 +1,5 @@
 // What points and poses leave open, by known shapes.
-#include "engine/open_parameters.h"
+#include "fit/open_parameters.h"
 
 #include <gtest/gtest.h>
 
@@ -24,7 +24,8 @@ protected:
         ButtonCalcErsatz();
         GatheredPoints points;
         GatherPoints(WeightsFromUseFlags(3 * Job.nIdent), Selection.CheckUseABC, points);
-        return FindOpenParameters(points, Adjustment.Model, Linearise(Adjustment.Model, points));
+        return FindOpenParameters(points, Adjustment.Model, CoordinateInUse, ParametersOf(Job),
+                                  Linearise(Adjustment.Model, points));
     }
     static bool Noted(NoteCode code) {
         for (const Note& note : Notes.List)

@@ -270,3 +270,111 @@ TEST_F(ProperBeside, MonteCarloHoldsWhatTheFitHolds) {
         }
     }
 }
+
+TEST_F(ProperBeside, PlatesMeasuredOnBothSidesAreNotMirroredByAnyChoiceThatHasAProperOptimum) {
+    // 7 parameters always have one; so have 9 where no scale lies across the plate, or that one is held.
+    struct Choice {
+        const char* Preset;
+        bool Turned;
+        int Held;
+    };
+    for (const Choice& choice : {Choice{"7", true, 0}, Choice{"9", true, 0}, Choice{"9", false, kScaleZ}})
+        for (const Point& size : {Point{500, 300, 0}, Point{500, 0, 0}})
+            for (const int points : {20, 100, 300})
+                for (int seed = 0; seed < 6; ++seed)
+                    for (const NormOfSet& norm : {kNorms[0], kNorms[3]}) {
+                        if (norm.Type != kL2 && seed > 1) continue;
+                        SCOPED_TRACE(std::string(norm.Name) + ", seed " + std::to_string(seed) + ", points " +
+                                     std::to_string(points) + ", preset " + choice.Preset +
+                                     (size[1] > 0 ? ", plate" : ", line"));
+                        Choose(AnySet(seed, size, kNoise, false, choice.Turned, points), choice.Preset);
+                        if (choice.Held != 0) Job.ParamText[static_cast<std::size_t>(choice.Held)] = "1";
+                        SelectionFromJob();
+                        Norm.RunOn = norm.RunOn;
+                        Calculate(norm.Type);
+                        EXPECT_GT(Determinant(), 0);
+                        EXPECT_FALSE(Noted(NoteCode::Mirrored));
+                    }
+}
+
+TEST_F(ProperBeside, AReliefThatManyPointsShowIsMirroredWhereTheSetsAre) {
+    // Three times the noise: of one point nothing can be told, of three hundred it can.
+    for (int seed = 0; seed < 5; ++seed) {
+        SCOPED_TRACE(seed);
+        Fit(AnySet(seed, {500, 300, 3 * kNoise}, kNoise, true, false, 300), "7", kNorms[0]);
+        EXPECT_LT(Determinant(), 0);
+        EXPECT_TRUE(Noted(NoteCode::Mirrored));
+    }
+}
+
+TEST_F(ProperBeside, BlundersDoNotChangeWhatTheLeastSumMakesOfAPlate) {
+    int held = 0;
+    for (const Real blunder : {1e3, 1e5, 1e6})
+        for (int seed = 0; seed < 6; ++seed)
+            for (const NormOfSet& norm : {kNorms[1], kNorms[3]}) {
+                SCOPED_TRACE(std::string(norm.Name) + ", seed " + std::to_string(seed) + ", blunder " +
+                             std::to_string(static_cast<double>(blunder)));
+                Set set = AnySet(seed, {500, 300, 0}, kNoise, false, false, 30);
+                set.Target[7][1] += blunder;
+                Fit(set, "9", norm);
+                if (!Calculation.Converged) continue;
+                EXPECT_GT(Determinant(), 0);
+                // All others as they fit without it.
+                double sum = 0;
+                for (std::size_t i = 1; i < Calculation.v.size(); ++i)
+                    if ((i - 1) / 3 != 7) sum += std::fabs(Calculation.v[i]);
+                EXPECT_LT(sum, 29 * 3 * 2 * kNoise);
+                if (!Held()) continue;
+                ++held;
+                EXPECT_NEAR(Job.ScaleZ, 1, 0.1);
+            }
+    EXPECT_GT(held, 3);
+}
+
+TEST_F(ProperBeside, ABodyThatIsMirroredStaysSoBesideABlunder) {
+    for (int seed = 0; seed < 5; ++seed) {
+        SCOPED_TRACE(seed);
+        Set set = AnySet(seed, {500, 300, 200}, kNoise, true, true, 20);
+        set.Target[3][0] += 1e5;
+        Fit(set, "7", kNorms[3]);
+        EXPECT_LT(Determinant(), 0);
+    }
+}
+
+TEST_F(ProperBeside, AStartValueFarFromAllThatFitsHoldsNothing) {
+    int held = 0;
+    for (const char* start : {"10", "1000", "1e6"})
+        for (int seed = 0; seed < 8; ++seed) {
+            SCOPED_TRACE(std::string(start) + ", seed " + std::to_string(seed));
+            Choose(AnySet(seed, {500, 300, 0}, kNoise, false, false, 30), "9");
+            Selection.DialogOpen = Selection.Seed[kScaleZ] = true;
+            Selection.SeedText[kScaleZ] = start;
+            Norm.RunOn = false;
+            Calculate(kL2);
+            EXPECT_GT(Determinant(), 0);
+            if (!Held()) continue;
+            ++held;
+            EXPECT_LT(Squares(), 90 * 4 * kNoise * kNoise);
+            EXPECT_NEAR(Job.ScaleZ, 1, 0.1);
+        }
+    EXPECT_GT(held, 3);
+}
+
+TEST_F(ProperBeside, WhatIsHeldIsWhatThePlateDoesNotDetermine) {
+    // With the angle between the first two axes held, that is the scale across and the third axis' lean.
+    int held = 0;
+    for (int seed = 0; seed < 12; ++seed) {
+        SCOPED_TRACE(seed);
+        Choose(AnySet(seed, {500, 300, 0}, kNoise, false, false, 30), "12");
+        Job.ParamText[kAngleXY] = "0";
+        SelectionFromJob();
+        Calculate(kL2);
+        if (!Held()) continue;
+        ++held;
+        EXPECT_GT(Determinant(), 0);
+        EXPECT_NEAR(Job.ScaleX, 1, 0.001);
+        EXPECT_NEAR(Job.ScaleY, 1, 0.001);
+        EXPECT_EQ(NamesLeftOpen().find("Scale x"), std::string::npos) << NamesLeftOpen();
+    }
+    EXPECT_GT(held, 1);
+}

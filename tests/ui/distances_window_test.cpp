@@ -13,6 +13,7 @@
 #include "core/units.h"
 #include "ui/desktop.h"
 #include "ui/desktop_fixture.h"
+#include "ui/frame.h"
 #include "ui/qt_text.h"
 #include "ui/theme.h"
 

@@ -10,6 +10,7 @@
 #include "core/job.h"
 #include "core/run.h"
 #include "ui/desktop.h"
+#include "ui/drops.h"
 #include "ui/desktop_fixture.h"
 #include "ui/qt_text.h"
 

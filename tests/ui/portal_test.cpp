@@ -12,6 +12,7 @@
 
 #include "ui/desktop.h"
 #include "ui/desktop_fixture.h"
+#include "ui/frame.h"
 #include "ui/theme.h"
 
 namespace {

@@ -18,6 +18,7 @@
 #include "ui/colours.h"
 #include "ui/desktop.h"
 #include "ui/desktop_fixture.h"
+#include "ui/frame.h"
 
 namespace {
 

@@ -38,6 +38,7 @@
 #include "graphics/views.h"
 #include "import/form_input_files.h"
 #include "ui/desktop.h"
+#include "ui/drops.h"
 #include "ui/qt_text.h"
 #include "ui/screen_view.h"
 #include "ui/screen_windows.h"

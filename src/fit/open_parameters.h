@@ -2,10 +2,12 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
+#include <functional>
 
-#include "core/arrays.h"
-#include "engine/design.h"
-#include "engine/gathered_points.h"
+#include "fit/arrays.h"
+#include "fit/design.h"
+#include "fit/gathered_points.h"
 
 // What can be changed together without a change of any observation, to first order at the result.
 struct OpenParameters {
@@ -23,8 +25,9 @@ struct OpenParameters {
 
 // By the singular values of the design matrix of the coordinates in use, of all three models, whatever the
 // norm's weights are. A value counts as 0 where the rounding of the coordinates makes as much.
-//   points  gathered pairs of the job, with poses where the model is that of the tool; their weights do not
-//           count, the job's use flags do
-//   at      linearisation at the result
+//   points  gathered pairs, with poses where the model is that of the tool; their weights do not count
+//   inUse   of a coordinate by its index, three a pair, x y z, from 1 on: whether it takes part
+//   result  whose linearisation is `at`
 OpenParameters FindOpenParameters(const GatheredPoints& points, const FitModel& model,
+                                  const std::function<bool(std::size_t)>& inUse, const Parameters& result,
                                   const Linearisation& at);

@@ -3,7 +3,7 @@
 
 #include <span>
 
-#include "core/arrays.h"
+#include "fit/arrays.h"
 
 // Sorts rows 1 to Rows ascending by the columns named, the first of them counting most. Row 0 stays; rows
 // that are equal in all of these columns keep their order; a value that is no number stands behind all

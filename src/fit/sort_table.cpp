@@ -1,5 +1,5 @@
 // Sorting the rows of a table of numbers.
-#include "engine/sort_table.h"
+#include "fit/sort_table.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 // The search among candidates of rotation and shear for those that make up a given matrix.
 #pragma once
 
-#include "core/arrays.h"
+#include "fit/arrays.h"
 
 // Candidates of the parameters of R K S, rad; element 0 is unused. The scales are settled already.
 struct Candidates {

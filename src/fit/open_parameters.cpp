@@ -1,11 +1,10 @@
 // The rank of a fit's design matrix, and what is open where it is not full.
-#include "engine/open_parameters.h"
+#include "fit/open_parameters.h"
 
 #include <algorithm>
 #include <cmath>
 #include <vector>
 
-#include "core/job.h"
 #include "fit/normal_equations.h"
 #include "fit/small_svd.h"
 
@@ -55,6 +54,7 @@ struct Cloud {
     const GatheredPoints& Points;
     const FitModel& Model;
     const Linearisation& At_;
+    const std::function<bool(std::size_t)>& Uses;
 
     double Start(int axis, int i) const { return Points.Start[At(axis - 1)][At(i)]; }
     double Image(int axis, int i) const {
@@ -62,7 +62,7 @@ struct Cloud {
         for (int j = 1; j <= 3; ++j) image += At_.M(axis, j) * Start(j, i);
         return image;
     }
-    bool InUse(int axis, int i) const { return CoordinateInUse(At(3 * i + axis)); }
+    bool InUse(int axis, int i) const { return Uses(At(3 * i + axis)); }
 };
 
 int UnknownOfTool(const FitModel& model, int j) {
@@ -259,15 +259,15 @@ void Mark(const Cloud& cloud, Column way, const Sizes& sizes, OpenParameters& op
 }
 
 // The one way that turns Rot x against Rot z alone.
-bool IsGimbalLock(const OpenParameters& marked) {
-    if (std::fabs(std::cos(Job.RotY)) > 1e-6) return false;
+bool IsGimbalLock(const OpenParameters& marked, const Parameters& result) {
+    if (std::fabs(std::cos(result[kRotY])) > 1e-6) return false;
     for (int k = kTraX; k < kParameterEnd; ++k)
         if (marked.Open[At(k)] && k != kRotX && k != kRotZ) return false;
     return marked.Open[kRotX] && marked.Open[kRotZ];
 }
 
-bool IsAzimuthAlone(const OpenParameters& marked) {
-    if (std::fabs(std::sin(Job.AngleZtoXY)) > 1e-6) return false;
+bool IsAzimuthAlone(const OpenParameters& marked, const Parameters& result) {
+    if (std::fabs(std::sin(result[kAngleZtoXY])) > 1e-6) return false;
     for (int k = kTraX; k < kParameterEnd; ++k)
         if (marked.Open[At(k)] != (k == kAzimuth)) return false;
     return true;
@@ -276,9 +276,10 @@ bool IsAzimuthAlone(const OpenParameters& marked) {
 }  // namespace
 
 OpenParameters FindOpenParameters(const GatheredPoints& points, const FitModel& model,
+                                  const std::function<bool(std::size_t)>& inUse, const Parameters& result,
                                   const Linearisation& at) {
     constexpr int kSample = 64;
-    const Cloud cloud{points, model, at};
+    const Cloud cloud{points, model, at, inUse};
     OpenParameters open;
     if (model.Unknowns == 0) return open;
     std::vector<int> chosen = Spread(points.Count, kSample);
@@ -294,8 +295,8 @@ OpenParameters FindOpenParameters(const GatheredPoints& points, const FitModel& 
         Mark(cloud, way, sizes, one);
         for (int k = kTraX; k < kParameterEnd; ++k)
             if (one.Open[At(k)]) open.Open[At(k)] = true;
-        if (IsGimbalLock(one)) open.GimbalLock = true;
-        if (IsAzimuthAlone(one)) open.AzimuthWithoutEffect = true;
+        if (IsGimbalLock(one, result)) open.GimbalLock = true;
+        if (IsAzimuthAlone(one, result)) open.AzimuthWithoutEffect = true;
     }
     return open;
 }

@@ -5,11 +5,11 @@
 // element that is off by the limit already rejects all combinations it stands in, since a sum of numbers
 // that are not negative is never below any of them, rounded or not. What is left is compared in full, so
 // that the accepted combinations and their sums are those of the plain search.
-#include "engine/combination_search.h"
+#include "fit/combination_search.h"
 
 #include <cmath>
 
-#include "engine/transform.h"
+#include "fit/chain.h"
 #include "fit/matrix.h"
 #include "fit/require.h"
 

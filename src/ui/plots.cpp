@@ -1,0 +1,32 @@
+// The windows that paint a part of themselves.
+#include "ui/plots.h"
+
+#include "analysis/form_grafik.h"
+#include "analysis/form_trompete.h"
+#include "graphics/form_color_bar.h"
+#include "ui/chart_view.h"
+#include "ui/colour_sample.h"
+#include "ui/trumpet_view.h"
+
+namespace {
+
+struct PlotRow {
+    const WindowEntry* Window;
+    void (*Add)(QWidget& form);
+    void (*Show)(const QWidget& form);
+};
+constexpr PlotRow kPlots[] = {{&FormColorBar_Entry, AddColourSample, ShowColourSample},
+                              {&FormTrompete_Entry, AddTrumpet, ShowTrumpet},
+                              {&FormGrafik_Entry, AddChart, ShowChart}};
+
+}  // namespace
+
+void AddPlot(const WindowEntry& window, QWidget& form) {
+    for (const PlotRow& plot : kPlots)
+        if (plot.Window == &window) plot.Add(form);
+}
+
+void ShowPlot(const WindowEntry& window, const QWidget& form) {
+    for (const PlotRow& plot : kPlots)
+        if (plot.Window == &window) plot.Show(form);
+}

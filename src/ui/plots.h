@@ -1,0 +1,12 @@
+// The windows that paint a part of themselves.
+#pragma once
+
+#include "core/window.h"
+
+class QWidget;
+
+// Gives the form of such a window what it paints in; nothing to any other.
+void AddPlot(const WindowEntry& window, QWidget& form);
+
+// Paints it anew where it is no longer what the window holds.
+void ShowPlot(const WindowEntry& window, const QWidget& form);
