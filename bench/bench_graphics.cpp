@@ -55,20 +55,17 @@ ScreenWindow& OpenCloud(int rows) {
     };
     const int pairs = rows / 2;
     const auto size = static_cast<std::size_t>(pairs) + 1;
-    for (auto* names : {&Job.MCS_Name, &Job.OCS_Name, &Job.TMCS_Name}) names->resize(size);
-    for (auto* column : {&Job.MCS_X, &Job.MCS_Y, &Job.OCS_X, &Job.OCS_Y, &Job.TMCS_X, &Job.TMCS_Y})
-        column->resize(size);
-    for (auto* column : {&Job.MCS_Z, &Job.OCS_Z, &Job.TMCS_Z}) column->resize(size);
+    for (PointSet* points : {&Job.Start, &Job.Target, &Job.Transformed}) points->Resize(pairs);
     Job.UseFlags.assign(3 * size, 1);
     for (std::size_t i = 1; i < size; ++i) {
-        Job.OCS_X[i] = between(2500);
-        Job.OCS_Y[i] = between(1500);
-        Job.OCS_Z[i] = between(1000);
-        Job.TMCS_X[i] = Job.MCS_X[i] = *Job.OCS_X[i] + between(0.6);
-        Job.TMCS_Y[i] = Job.MCS_Y[i] = *Job.OCS_Y[i] + between(0.6);
-        Job.TMCS_Z[i] = Job.MCS_Z[i] = Job.OCS_Z[i] + between(0.6);
+        Job.Target.X[i] = between(2500);
+        Job.Target.Y[i] = between(1500);
+        Job.Target.Z[i] = between(1000);
+        Job.Transformed.X[i] = Job.Start.X[i] = *Job.Target.X[i] + between(0.6);
+        Job.Transformed.Y[i] = Job.Start.Y[i] = *Job.Target.Y[i] + between(0.6);
+        Job.Transformed.Z[i] = Job.Start.Z[i] = Job.Target.Z[i] + between(0.6);
     }
-    Job.nMCS = Job.nOCS = Job.nIdent = pairs;
+    Job.SetPairs(pairs);
     Job.ViewAllMCS = Job.ViewAllOCS = kTrue;
     Run.JobDataValid = kTrue;
     FillSurface = PlainMemory;

@@ -95,7 +95,8 @@ void EinlesenNeuOfTwoFiles(benchmark::State& state) {
         Job.PathOCS = Files().Target();
         state.ResumeTiming();
         Einlesen_Neu();
-        if (Job.nMCS != kPoints || Job.nOCS != kPoints) state.SkipWithError("not all points were read");
+        if (Job.Start.Count() != kPoints || Job.Target.Count() != kPoints)
+            state.SkipWithError("not all points were read");
     }
 }
 

@@ -75,7 +75,7 @@ void BesideCopies(benchmark::State& state, const JobFolder& folder, Work work) {
 void JobFileOpen(benchmark::State& state) {
     const JobFolder folder;
     BesideCopies(state, folder, [&] { OpenFile(folder.JobPath()); });
-    if (Job.nIdent != kPoints) state.SkipWithError("not all points were read");
+    if (Job.Pairs() != kPoints) state.SkipWithError("not all points were read");
 }
 
 void JobFileSave(benchmark::State& state) {
@@ -87,7 +87,7 @@ void JobFileSave(benchmark::State& state) {
 void JobFileBytesToJob(benchmark::State& state) {
     const JobFolder folder;
     const FileBytes bytes = ReadFile(folder.JobPath());
-    for (auto _ : state) benchmark::DoNotOptimize(ReadJobBytes(bytes.View(), "job").Job.nMCS);
+    for (auto _ : state) benchmark::DoNotOptimize(ReadJobBytes(bytes.View(), "job").Job.Start.Count());
 }
 void JobFileJobToBytes(benchmark::State& state) {
     const JobFolder folder;

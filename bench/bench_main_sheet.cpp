@@ -66,8 +66,8 @@ BENCHMARK(BM_MainSheetFillAndLookSorted)->Arg(100'000)->Unit(benchmark::kMillise
 // The 21 numbers of each row as the sheet shows them, in shown units.
 std::vector<double> NumbersOfJob() {
     std::vector<double> numbers;
-    numbers.reserve(21 * static_cast<std::size_t>(Job.nIdent));
-    for (int i = 1; i <= Job.nIdent; ++i) {
+    numbers.reserve(21 * static_cast<std::size_t>(Job.Pairs()));
+    for (int i = 1; i <= Job.Pairs(); ++i) {
         const Vec3 p = StartPoint(i), q = TargetPoint(i);
         Vec3 image, deviation;
         TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
@@ -90,9 +90,9 @@ std::vector<double> NumbersOfJob() {
 void FormatBare(const std::vector<double>& numbers, std::string& text) {
     text.clear();
     std::size_t next = 0;
-    for (int i = 1; i <= Job.nIdent; ++i) {
+    for (int i = 1; i <= Job.Pairs(); ++i) {
         if (i > 1) text += kLineEnd;
-        text += Job.MCS_Name[static_cast<std::size_t>(i)];
+        text += Job.Start.Name[static_cast<std::size_t>(i)];
         for (int k = 0; k < 21; ++k, ++next) {
             const bool isAngle = k >= 9 && (k - 9) % 2 == 1;
             text += '\t';

@@ -28,22 +28,19 @@ void MonteCarlo_Runs(benchmark::State& state) {
     const auto& p = data.Start[0];
     const auto& q = data.Target[0];
     for (std::size_t i = 0; i < data.Start.size(); ++i) {
-        Job.MCS_X.push_back(data.Start[i][0] - p[0]);
-        Job.MCS_Y.push_back(data.Start[i][1] - p[1]);
-        Job.MCS_Z.push_back(data.Start[i][2] - p[2]);
-        Job.OCS_X.push_back(data.Target[i][0] - q[0] + 1234.5);
-        Job.OCS_Y.push_back(data.Target[i][1] - q[1] - 876.25);
-        Job.OCS_Z.push_back(data.Target[i][2] - q[2] + 345.125);
+        const auto &a = data.Start[i], &b = data.Target[i];
+        Job.Start.Add("", a[0] - p[0], a[1] - p[1], a[2] - p[2]);
+        Job.Target.Add("", b[0] - q[0] + 1234.5, b[1] - q[1] - 876.25, b[2] - q[2] + 345.125);
     }
     const std::size_t n = 3 * data.Start.size();
     Job.UseFlags.assign(n + 1, 1);
-    Job.nIdent = Job.nMCS = Job.nOCS = static_cast<std::int32_t>(data.Start.size());
+    Job.SetPairs(Job.Start.Count());
     Job.ParamText.fill(kNotUsed);
     for (const int k : {kTraX, kTraY, kTraZ, kRotX, kRotY, kRotZ, kScaleXYZ})
         Job.ParamText[static_cast<std::size_t>(k)] = kFloat;
     MonteCarlo.MonteCarloOn = kTrue;
     for (auto _ : state) {
-        NormFit fit{.u = 7, .n = 3 * Job.nIdent, .ParamText = Job.ParamText, .P = Column(n + 1, 1)};
+        NormFit fit{.u = 7, .n = 3 * Job.Pairs(), .ParamText = Job.ParamText, .P = Column(n + 1, 1)};
         if (!FitInNorm(fit) || !IsTrue(MonteCarlo.MonteCarloDone))
             state.SkipWithError("the runs did not end");
     }

@@ -39,7 +39,7 @@ void FillNormJob(const FitData& data, int norm) {
 // The whole calculation, points gathered and residuals left.
 bool Calculate(NormFit& fit) {
     fit.u = 7;
-    fit.n = 3 * Job.nIdent;
+    fit.n = 3 * Job.Pairs();
     fit.ParamText = Job.ParamText;
     fit.P.assign(static_cast<std::size_t>(fit.n) + 1, 1);
     return FitInNorm(fit) && Norm.Converged;

@@ -49,19 +49,15 @@ void SortOfTheNamesAlone(benchmark::State& state, Order order) {
 void PairingByName(benchmark::State& state, Order order) {
     FreshStart();
     JobRecord job;
-    for (const std::string& name : Names(order, 1)) job.MCS_Name.push_back(name);
-    for (const std::string& name : Names(order, 2)) job.OCS_Name.push_back(name);
-    job.MCS_X.resize(job.MCS_Name.size(), 1.0);
-    job.MCS_Y = job.OCS_X = job.OCS_Y = job.MCS_X;
-    job.MCS_Z.resize(job.MCS_Name.size(), 1.0);
-    job.OCS_Z = job.MCS_Z;
+    for (const std::string& name : Names(order, 1)) job.Start.Add(name, 1, 1, 1);
+    for (const std::string& name : Names(order, 2)) job.Target.Add(name, 1, 1, 1);
     for (auto _ : state) {
         state.PauseTiming();
         Job = job;
         state.ResumeTiming();
         MCS_OCS_aufbereiten();
         GetInfoFromData();
-        if (Job.nIdent != 1'000'000) state.SkipWithError("not all points are paired");
+        if (Job.Pairs() != 1'000'000) state.SkipWithError("not all points are paired");
     }
 }
 
@@ -113,13 +109,10 @@ void AutoFindWithoutSolution(benchmark::State& state) {
     FreshStart();
     Headless = HeadlessRecord{};
     const Cloud target = RandomCloud(1000, 5, 2000), start = RandomCloud(1000, 6, 2000);
-    Job.MCS_Name = Job.OCS_Name = std::vector<std::string>(1001);
-    Job.MCS_X = {start.X.begin(), start.X.end()};
-    Job.MCS_Y = {start.Y.begin(), start.Y.end()};
-    Job.MCS_Z = start.Z;
-    Job.OCS_X = {target.X.begin(), target.X.end()};
-    Job.OCS_Y = {target.Y.begin(), target.Y.end()};
-    Job.OCS_Z = target.Z;
+    for (std::size_t i = 1; i <= 1000; ++i) {
+        Job.Start.Add("", start.X[i], start.Y[i], start.Z[i]);
+        Job.Target.Add("", target.X[i], target.Y[i], target.Z[i]);
+    }
     GetInfoFromData();
     Run.Etta = 1e-9F;
     for (auto _ : state) AutoFindPts({});

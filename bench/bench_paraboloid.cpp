@@ -47,16 +47,12 @@ void FillJob(int points) {
     for (int i = 0; i < points; ++i) {
         const double r = kRim * std::sqrt(unit(random)), phi = 2 * kPi * unit(random);
         const double y = r * std::sin(phi), z = r * r / (4 * kFocus);
-        Job.MCS_Name.push_back(std::to_string(i + 1));
-        Job.MCS_X.emplace_back(r * std::cos(phi) + 5 + noise(random));
-        Job.MCS_Y.emplace_back(c * y - s * z - 3 + noise(random));
-        Job.MCS_Z.push_back(s * y + c * z + 10 + noise(random));
+        const double X = r * std::cos(phi) + 5 + noise(random);
+        const double Y = c * y - s * z - 3 + noise(random);
+        Job.Start.Add(std::to_string(i + 1), X, Y, s * y + c * z + 10 + noise(random));
     }
-    Job.OCS_Name = Job.TMCS_Name = Job.MCS_Name;
-    Job.OCS_X = Job.TMCS_X = Job.MCS_X;
-    Job.OCS_Y = Job.TMCS_Y = Job.MCS_Y;
-    Job.OCS_Z = Job.TMCS_Z = Job.MCS_Z;
-    Job.nMCS = Job.nOCS = Job.nIdent = points;
+    Job.Target = Job.Transformed = Job.Start;
+    Job.SetPairs(points);
     Job.UseFlags.assign(3 * static_cast<std::size_t>(points) + 1, 1);
     Job.ParamText.fill(kNotUsed);
     for (const int k : {kTraX, kTraY, kTraZ, kRotX, kRotY})

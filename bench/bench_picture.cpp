@@ -25,10 +25,10 @@ void FillAtScale(Surface& screen) {
 ScreenWindow& OpenWithPairs(int pairs, int scale) {
     const FitData data = MakeFitData(pairs, 7);
     FillJob(data, 7);
-    for (std::size_t i = 1; i < Job.OCS_X.size(); ++i) {
-        Job.TMCS_X[i] = *Job.OCS_X[i] + 0.01 * static_cast<double>(i % 10);
-        Job.TMCS_Y[i] = Job.OCS_Y[i];
-        Job.TMCS_Z[i] = Job.OCS_Z[i];
+    for (std::size_t i = 1; i < Job.Target.X.size(); ++i) {
+        Job.Transformed.X[i] = *Job.Target.X[i] + 0.01 * static_cast<double>(i % 10);
+        Job.Transformed.Y[i] = Job.Target.Y[i];
+        Job.Transformed.Z[i] = Job.Target.Z[i];
     }
     Job.ViewAllMCS = kTrue;
     wantedScale = scale;

@@ -76,20 +76,13 @@ void FillJob(const FitData& data, int parameters) {
     Settings.RawScale = 2;
     const std::size_t n = data.Start.size();
     for (std::size_t i = 0; i < n; ++i) {
-        Job.MCS_Name.push_back("P" + std::to_string(i + 1));
-        Job.MCS_X.push_back(data.Start[i][0]);
-        Job.MCS_Y.push_back(data.Start[i][1]);
-        Job.MCS_Z.push_back(data.Start[i][2]);
-        Job.OCS_X.push_back(data.Target[i][0]);
-        Job.OCS_Y.push_back(data.Target[i][1]);
-        Job.OCS_Z.push_back(data.Target[i][2]);
+        const std::string name = "P" + std::to_string(i + 1);
+        Job.Start.Add(name, data.Start[i][0], data.Start[i][1], data.Start[i][2]);
+        Job.Target.Add(name, data.Target[i][0], data.Target[i][1], data.Target[i][2]);
     }
-    Job.OCS_Name = Job.TMCS_Name = Job.MCS_Name;
-    Job.TMCS_X = Job.MCS_X;
-    Job.TMCS_Y = Job.MCS_Y;
-    Job.TMCS_Z = Job.MCS_Z;
+    Job.Transformed = Job.Start;
     Job.UseFlags.assign(3 * n + 1, 1);
-    Job.nIdent = Job.nMCS = Job.nOCS = static_cast<std::int32_t>(n);
+    Job.SetPairs(Job.Start.Count());
     Run.JobDataValid = kTrue;
     Job.ParamText.fill(kNotUsed);
     for (const int k : {kTraX, kTraY, kTraZ, kRotX, kRotY, kRotZ})

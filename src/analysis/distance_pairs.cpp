@@ -18,12 +18,8 @@ std::size_t At(int i) {
     return static_cast<std::size_t>(i);
 }
 
-// Pairs whose arrays are all there; a job is whole unless work on it has broken off.
 int PairsOfJob() {
-    if (!IsTrue(Run.JobDataValid)) return 0;
-    const auto reach = [](const auto&... arrays) { return std::min({UpperBound(arrays)...}); };
-    return std::max(0, std::min<int>(Job.nIdent, reach(Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z,
-                                                       Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z)));
+    return IsTrue(Run.JobDataValid) ? Job.Pairs() : 0;
 }
 
 ON_ANY_VECTORS void Distances(const double* x, const double* y, const double* z, double px, double py,
@@ -61,15 +57,12 @@ void TakePairs(DistanceExtremes& row, int first, std::span<const double> from, s
 DistancePoints TakeDistancePoints(bool transformed) {
     DistancePoints points;
     const int count = PairsOfJob();
-    points.Names.assign(Job.MCS_Name.begin(), Job.MCS_Name.begin() + (count + 1));
+    points.Names.assign(Job.Start.Name.begin(), Job.Start.Name.begin() + (count + 1));
     for (auto* side : {&points.From, &points.To})
         for (std::vector<double>& column : *side) column.assign(At(count) + 1, 0.0);
     for (int i = 1; i <= count; ++i) {
-        Vec3 start = StartPoint(i);
         const std::size_t k = At(i);
-        if (transformed && k < Job.TMCS_X.size() && k < Job.TMCS_Y.size() && k < Job.TMCS_Z.size())
-            start = {Job.TMCS_X[k].value_or(0), Job.TMCS_Y[k].value_or(0), Job.TMCS_Z[k]};
-        const Vec3 target = TargetPoint(i);
+        const Vec3 start = transformed ? TransformedPoint(i) : StartPoint(i), target = TargetPoint(i);
         for (int axis = 1; axis <= 3; ++axis) {
             points.From[At(axis) - 1][k] = start(axis);
             points.To[At(axis) - 1][k] = target(axis);

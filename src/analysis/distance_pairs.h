@@ -22,8 +22,7 @@ struct DistancePoints {
 };
 
 // Takes the identical points of the job, without data none.
-//   transformed   the start points are those after the transformation (TMCS_*), otherwise the raw ones
-//   (MCS_*)
+//   transformed   the start points are those after the transformation, otherwise the raw ones
 // Reads Job.
 DistancePoints TakeDistancePoints(bool transformed);
 

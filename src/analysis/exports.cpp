@@ -193,15 +193,15 @@ std::string OnlyMcsText() {
     };
     std::string rounded;
     int count = 0;
-    for (auto i = static_cast<std::size_t>(Job.nIdent) + 1; i <= static_cast<std::size_t>(Job.nMCS); ++i) {
-        const std::string& name = Job.TMCS_Name[i];
+    for (int i = Job.Pairs() + 1; i <= Job.Start.Count(); ++i) {
+        const std::string& name = Job.Transformed.Name[static_cast<std::size_t>(i)];
+        const Vec3 point = TransformedPoint(i);
         const std::string written = FormatText(name, Units.FmtLength);
         double is = 0, was = 0;
         if (TextToNumber(name, was) && TextToNumber(written, is) && is != was && count++ == 0)
             rounded = "The name \"" + Printable(name) + "\" is a number and is written as one of lengths, " +
                       written;
-        text += EncodeText(written + shown(Job.TMCS_X[i].value_or(0)) + shown(Job.TMCS_Y[i].value_or(0)) +
-                           shown(Job.TMCS_Z[i]) + kLineEnd);
+        text += EncodeText(written + shown(point(1)) + shown(point(2)) + shown(point(3)) + kLineEnd);
     }
     if (count > 0) AddNote(NoteCode::DigitsCut, rounded, "", 0, count);
     return text;

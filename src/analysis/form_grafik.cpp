@@ -80,7 +80,7 @@ void FormGrafik::Form_Escape() {
 
 void FormMain::MenuEditGraphData_Click() {
     GridState& grid = MainSheetWindow.MSFlexGrid1.Grid;
-    if (!IsTrue(Run.JobDataValid) || Job.nIdent <= 0) {
+    if (!IsTrue(Run.JobDataValid) || Job.Pairs() <= 0) {
         ShowMessage("There are no Points to graph!");
         return;
     }

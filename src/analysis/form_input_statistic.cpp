@@ -62,11 +62,11 @@ void FORMfüllen() {
     SetText(w.Label7, Job.NameOCS + " Filename");
     SetText(w.Text6, Job.PathMCS);
     SetText(w.Text7, Job.PathOCS);
-    SetText(w.Text1, PlainText(Job.nMCS));
-    SetText(w.Text2, PlainText(Job.nOCS));
-    SetText(w.Text3, PlainText(Job.nIdent));
-    SetText(w.Text4, PlainText(Job.nMCSOnly));
-    SetText(w.Text5, PlainText(Job.nOCSOnly));
+    SetText(w.Text1, PlainText(Job.Start.Count()));
+    SetText(w.Text2, PlainText(Job.Target.Count()));
+    SetText(w.Text3, PlainText(Job.Pairs()));
+    SetText(w.Text4, PlainText(Job.StartOnly()));
+    SetText(w.Text5, PlainText(Job.TargetOnly()));
 
     // The other kinds of robot file have spans as well; the window shows those of these two alone.
     const bool inUse = IsTrue(Job.IsKuka) || IsTrue(Job.IsQuaternion);

@@ -109,16 +109,8 @@ std::string NumberText(const MainSheetCells& cells, Quantity what, double value)
 }  // namespace
 
 PointCounts PointsOfJob() {
-    const auto reach = [](int count, const auto&... arrays) {
-        return ((UpperBound(arrays) >= count) && ...);
-    };
-    const bool counts = Job.nIdent >= 0 && Job.nMCSOnly >= 0 && Job.nOCSOnly >= 0 &&
-                        Job.nMCS == std::int64_t{Job.nIdent} + Job.nMCSOnly &&
-                        Job.nOCS == std::int64_t{Job.nIdent} + Job.nOCSOnly;
-    const bool whole = IsTrue(Run.JobDataValid) && counts &&
-                       reach(Job.nMCS, Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z) &&
-                       reach(Job.nOCS, Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
-    return whole ? PointCounts{Job.nIdent, Job.nMCSOnly, Job.nOCSOnly} : PointCounts{};
+    if (!IsTrue(Run.JobDataValid)) return {};
+    return {Job.Pairs(), Job.StartOnly(), Job.TargetOnly()};
 }
 
 MainSheetCells BeginMainSheet(const PointCounts& counts) {
@@ -148,7 +140,7 @@ void TakeRow(MainSheetCells& cells, int row) {
         cells.Target[At(points.Target - 1)] = {q(1), q(2), q(3)};
     }
     cells.Names[At(row - 1)] =
-        points.Start != 0 ? Job.MCS_Name[At(points.Start)] : Job.OCS_Name[At(points.Target)];
+        points.Start != 0 ? Job.Start.Name[At(points.Start)] : Job.Target.Name[At(points.Target)];
 }
 
 int MainSheetRows(const MainSheetCells& cells) {

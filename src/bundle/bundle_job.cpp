@@ -10,19 +10,20 @@
 #include "core/window.h"
 #include "import/form_input_files.h"
 #include "import/import_request.h"
+#include "import/long_import.h"
 #include "import/matching.h"
 #include "import/point_file.h"
 #include "import/robot_files.h"
 
 namespace {
 
-// However the reading ends, counts and arrays fit each other, and a job that is half read is not valid.
+// However the reading ends, all points count, and a job that is half read is not valid.
 struct HandOver {
     HandOver() = default;
     HandOver(const HandOver&) = delete;
     HandOver& operator=(const HandOver&) = delete;
     ~HandOver() {
-        RepairJobCounts();
+        CountAllPoints();
         if (Whole) return;
         Run.JobDataValid = Run.TrafoValid = kFalse;
         ProgrammLogik();
@@ -45,7 +46,8 @@ void ForgetKindOfJob() {
 void TakeBundleAsJob(const std::string& startPath, const std::string& targetPath) {
     if (IsTrue(Run.JobDataValid)) {
         // Save shall ask for a name: the file that is open holds the points of another job.
-        if (Job.nMCS + Job.nOCS > 0 && Job.PathMCS != startPath) Run.JobFilePath = kDefaultJobPath;
+        if (Job.Start.Count() + Job.Target.Count() > 0 && Job.PathMCS != startPath)
+            Run.JobFilePath = kDefaultJobPath;
         if (IsTrue(Run.ColorBarOpen)) UnloadWindow("FormColorBar");
         Initialisieren();
         CloseAllGraphicsWindows();

@@ -111,12 +111,11 @@ void ForgetResults() {
 
 // No points of an earlier job show through behind a network when that job was closed.
 void ForgetClosedJob() {
-    Job.MCS_Name = Job.OCS_Name = Job.TMCS_Name = {""};
-    Job.MCS_X = Job.MCS_Y = Job.OCS_X = Job.OCS_Y = Job.TMCS_X = Job.TMCS_Y = {TaggedValue{}};
-    Job.MCS_Z = Job.OCS_Z = Job.TMCS_Z = {0};
+    Job.Start = Job.Target = Job.Transformed = PointSet();
+    Job.SetPairs(0);
+    ++Run.JobGeneration;
     Job.RobotABC = Matrix{};
     Job.ParaboloidShape = Matrix{};
-    ForgetPairs();
 }
 
 }  // namespace

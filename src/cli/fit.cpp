@@ -115,10 +115,10 @@ ImportRequest RequestOf(const FitOptions& options, std::string& open) {
 }
 
 std::string TooFewPairs(const FitOptions& options) {
-    std::string text = "the start file has " + std::to_string(Job.nMCS) + " points and the target file " +
-                       std::to_string(Job.nOCS) + ", " + std::to_string(Job.nIdent) +
-                       " of them identical; a transformation needs at least 2";
-    if (std::min(Job.nMCS, Job.nOCS) < 2) return text;  // no way of pairing finds more
+    std::string text = "the start file has " + std::to_string(Job.Start.Count()) +
+                       " points and the target file " + std::to_string(Job.Target.Count()) + ", " +
+                       std::to_string(Job.Pairs()) + " of them identical; a transformation needs at least 2";
+    if (std::min(Job.Start.Count(), Job.Target.Count()) < 2) return text;  // no way of pairing finds more
     if (options.Match == "id" && options.TargetKind != "points")
         text += "\n  the poses of a robot program bear the names 1, 2, 3..., those of a text file their own";
     if (options.Match == "id")
@@ -132,14 +132,14 @@ std::string TooFewPairs(const FitOptions& options) {
 // same. No true solution is a million times farther than the points are from their origins.
 bool RanAway() {
     double largest = 1;
-    for (int i = 1; i <= Job.nIdent; ++i)
+    for (int i = 1; i <= Job.Pairs(); ++i)
         for (const Vec3& point : {StartPoint(i), TargetPoint(i)})
             largest = std::max(largest, Hypot3(point(1), point(2), point(3)));
     return Hypot3(Job.TraX, Job.TraY, Job.TraZ) > 1e6 * largest;
 }
 
 int Calculate(const FitOptions& options, std::ostream& err) {
-    if (Job.nIdent < 2) return Refuse(err, kRefused, TooFewPairs(options));
+    if (Job.Pairs() < 2) return Refuse(err, kRefused, TooFewPairs(options));
     // The points of a job that was switched stand in the other order already.
     if (options.FromTarget && options.Job.empty()) {
         Job.DirectionMCStoOCS = kFalse;
@@ -206,7 +206,7 @@ int TakeJob(FitOptions& options, JobFileFacts& facts, std::ostream& err) {
     options.Target = Job.PathOCS;
     options.Match = "the job " + options.Job;
     options.FromTarget = !IsTrue(Job.DirectionMCStoOCS);
-    if (options.Tool && Job.RobotABC.Rows < Job.nIdent)
+    if (options.Tool && Job.RobotABC.Rows < Job.Pairs())
         return Refuse(err, kRefused, "the job has no orientations for --tool");
     if (!options.IsGiven("--parameters")) options.Parameters = "job";
     if (!options.IsGiven("--norm")) options.Norm = NormOfJob().Name;

@@ -163,7 +163,7 @@ template <class X, class Z>
 void WriteOthers(const char* name, const std::vector<std::string>& names, const X& x, const X& y, const Z& z,
                  std::ostream& out) {
     WriteList(
-        name, static_cast<std::size_t>(Job.nIdent) + 1, names.size(),
+        name, static_cast<std::size_t>(Job.Pairs()) + 1, names.size(),
         [&](std::size_t i) {
             return ordered_json{{"name", names[i]}, {"mm", {x[i].value_or(0), y[i].value_or(0), z[i]}}};
         },
@@ -208,9 +208,9 @@ void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std
                      {"angleUnit", Job.AngleUnitName},
                      {"direction", options.FromTarget ? "ocs-mcs" : "mcs-ocs"}};
     root["input"]["targetKind"] = options.TargetKind;
-    root["counts"] = {{"start", Job.nMCS},
-                      {"target", Job.nOCS},
-                      {"pairs", Job.nIdent},
+    root["counts"] = {{"start", Job.Start.Count()},
+                      {"target", Job.Target.Count()},
+                      {"pairs", Job.Pairs()},
                       {"observations", ObservationsInUse()},
                       {"unknowns", c.nFloat}};
     root["converged"] = c.Converged;
@@ -240,10 +240,11 @@ void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std
     out << "{";
     for (const auto& member : root.items()) write(member.key().c_str(), member.value());
     WriteList(
-        "points", 1, static_cast<std::size_t>(Job.nIdent) + 1,
+        "points", 1, static_cast<std::size_t>(Job.Pairs()) + 1,
         [](std::size_t i) { return PointJson(FitPointOf(static_cast<int>(i))); }, out);
-    WriteOthers("startOnly", Job.TMCS_Name, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z, out);
-    WriteOthers("targetOnly", Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z, out);
+    WriteOthers("startOnly", Job.Transformed.Name, Job.Transformed.X, Job.Transformed.Y, Job.Transformed.Z,
+                out);
+    WriteOthers("targetOnly", Job.Target.Name, Job.Target.X, Job.Target.Y, Job.Target.Z, out);
     write("notes", NotesToJson(Notes.List));
     if (options.Protocol) write("protocol", CompleteProtocol());
     out << "\n}\n";

@@ -51,8 +51,8 @@ std::string FitPictureSection(const FitOptions& options) {
     wish.Vectors = true;
     wish.AxisLabels = true;
     wish.PairsAlone = true;
-    wish.Names = Job.nIdent <= kMostNamed;
-    const bool drawn = Job.nIdent <= kMostDrawn;
+    wish.Names = Job.Pairs() <= kMostNamed;
+    const bool drawn = Job.Pairs() <= kMostDrawn;
     PictureFacts facts;
     const std::string picture =
         JobPicture(wish, drawn ? PictureForm::SvgInPage : PictureForm::SharpPng, {}, facts);

@@ -28,10 +28,10 @@ FitPoint FitPointOf(int pair) {
     const bool distance = Adjustment.Model.Mode == FitMode::Distance;
     const auto k = static_cast<std::size_t>(pair);
     FitPoint point;
-    point.Name = Job.MCS_Name[k];
+    point.Name = Job.Start.Name[k];
     const Vec3 start = StartPoint(pair);
     const Vec3 target = TargetPoint(pair);
-    const Vec3 transformed(Job.TMCS_X[k].value_or(0), Job.TMCS_Y[k].value_or(0), Job.TMCS_Z[k]);
+    const Vec3 transformed = TransformedPoint(pair);
     const double share = ShareBeyondDistance(transformed, target);
     double squares = 0;
     for (int axis = 0; axis < 3; ++axis) {
@@ -43,7 +43,7 @@ FitPoint FitPointOf(int pair) {
         const auto row = 3 * (k - 1) + static_cast<std::size_t>(axis) + 1;
         point.Deviation[axis] =
             distance ? share * (transformed(axis + 1) - target(axis + 1)) : Calculation.v[row];
-        point.Used[axis] = CoordinateInUse(row);
+        point.Used[axis] = Used(pair, axis + 1);
         squares += point.Deviation[axis] * point.Deviation[axis];
     }
     point.Deviation3D = std::sqrt(squares);
@@ -52,8 +52,8 @@ FitPoint FitPointOf(int pair) {
 
 std::vector<FitPoint> FitPoints() {
     std::vector<FitPoint> points;
-    points.reserve(static_cast<std::size_t>(Job.nIdent));
-    for (int i = 1; i <= Job.nIdent; ++i) points.push_back(FitPointOf(i));
+    points.reserve(static_cast<std::size_t>(Job.Pairs()));
+    for (int i = 1; i <= Job.Pairs(); ++i) points.push_back(FitPointOf(i));
     return points;
 }
 
@@ -67,7 +67,7 @@ std::string TargetSystem() {
 
 FitNorms NormsOfDeviations() {
     FitNorms norms;
-    for (int i = 1; i <= Job.nIdent; ++i) {
+    for (int i = 1; i <= Job.Pairs(); ++i) {
         const FitPoint point = FitPointOf(i);
         for (int axis = 0; axis < 3; ++axis) {
             if (!point.Used[axis]) continue;
@@ -83,7 +83,7 @@ int ObservationsInUse() {
     // A distance is one observation of the whole point, which takes part as its Z does.
     const std::size_t step = Selection.CheckRDist ? 3 : 1;
     int observations = 0;
-    for (std::size_t i = step; i <= 3 * static_cast<std::size_t>(Job.nIdent); i += step)
+    for (std::size_t i = step; i <= 3 * static_cast<std::size_t>(Job.Pairs()); i += step)
         observations += CoordinateInUse(i) ? 1 : 0;
     return observations;
 }

@@ -111,9 +111,9 @@ std::string Introduction(const FitOptions& options, const FitPoint* worst) {
     std::string html =
         "<h1>Transformation of " + EscapeMarkup(StartSystem()) + " to " + EscapeMarkup(TargetSystem()) +
         "</h1>\n<p class=\"quiet\">Least-squares 3D transformation by Corvinade " + ProgramVersion() +
-        "</p>\n<p>Start <b>" + EscapeMarkup(options.Start) + "</b>, " + std::to_string(Job.nMCS) +
-        " points. Target <b>" + EscapeMarkup(options.Target) + "</b>, " + std::to_string(Job.nOCS) +
-        " points. " + std::to_string(Job.nIdent) + " identical points by " + EscapeMarkup(options.Match) +
+        "</p>\n<p>Start <b>" + EscapeMarkup(options.Start) + "</b>, " + std::to_string(Job.Start.Count()) +
+        " points. Target <b>" + EscapeMarkup(options.Target) + "</b>, " + std::to_string(Job.Target.Count()) +
+        " points. " + std::to_string(Job.Pairs()) + " identical points by " + EscapeMarkup(options.Match) +
         ", " + std::to_string(ObservationsInUse()) + " coordinates in use for " + std::to_string(c.nFloat) +
         " unknowns.</p>\n";
     if (!c.Converged) html += "<p class=\"alarm\">The iteration did not converge.</p>\n";

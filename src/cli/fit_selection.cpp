@@ -99,8 +99,8 @@ std::string StartParameter(const std::string& start) {
 // by coordinates under "MCS_start=OCS_target"; either side will do. By distance to poses with names of their
 // own the start point's number stands before that: " 3_MCS_start=OCS_target".
 int FindPair(const std::string& name) {
-    for (int i = 1; i <= Job.nIdent; ++i) {
-        std::string_view pair = Job.MCS_Name[static_cast<std::size_t>(i)];
+    for (int i = 1; i <= Job.Pairs(); ++i) {
+        std::string_view pair = Job.Start.Name[static_cast<std::size_t>(i)];
         if (pair == name) return i;
         if (const std::size_t digits = pair.find_first_not_of("0123456789", 1);
             pair.starts_with(' ') && digits != std::string_view::npos && pair[digits] == '_')
@@ -166,7 +166,7 @@ std::string TakeSeedPoints(const std::vector<std::string>& given) {
     }
     for (std::size_t k = 0; k < 3; ++k) {
         Job.SeedIndex[k + 1] = static_cast<std::int16_t>(pairs[k]);
-        Job.SeedName[k + 1] = Job.MCS_Name[static_cast<std::size_t>(pairs[k])];
+        Job.SeedName[k + 1] = Job.Start.Name[static_cast<std::size_t>(pairs[k])];
     }
     return "";
 }

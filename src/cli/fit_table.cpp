@@ -42,13 +42,15 @@ std::string DistanceFromOptimum() {
 void WriteHead(const FitOptions& options, const Style& style, std::ostream& out) {
     const auto& c = Calculation;
     out << style.Heading("Corvinade " + ProgramVersion()) << "  least-squares 3D transformation\n\n";
-    out << HeadLabel("start") << ForTable(options.Start, kLongestPath) << "  (" << Job.nMCS << " points)\n";
-    out << HeadLabel("target") << ForTable(options.Target, kLongestPath) << "  (" << Job.nOCS << " points)\n";
+    out << HeadLabel("start") << ForTable(options.Start, kLongestPath) << "  (" << Job.Start.Count()
+        << " points)\n";
+    out << HeadLabel("target") << ForTable(options.Target, kLongestPath) << "  (" << Job.Target.Count()
+        << " points)\n";
     if (options.FromTarget)
         out << HeadLabel("direction") << StartSystem() << " => " << TargetSystem() << "\n";
-    out << HeadLabel("pairs") << Job.nIdent << " by " << options.Match;
-    if (Job.nMCSOnly > 0) out << ", " << Job.nMCSOnly << " only in start";
-    if (Job.nOCSOnly > 0) out << ", " << Job.nOCSOnly << " only in target";
+    out << HeadLabel("pairs") << Job.Pairs() << " by " << options.Match;
+    if (Job.StartOnly() > 0) out << ", " << Job.StartOnly() << " only in start";
+    if (Job.TargetOnly() > 0) out << ", " << Job.TargetOnly() << " only in target";
     out << "\n"
         << HeadLabel("observations") << ObservationsInUse() << " in use, " << c.nFloat << " unknowns\n";
     if (Norm.Iterations > 0)
@@ -212,7 +214,7 @@ DeviationLook LookAtDeviations() {
     std::array<std::array<Extremes, 2>, 3> axes{};  // by axis, left out or used
     Extremes length;
     double largest_mm = 0;
-    for (int i = 1; i <= Job.nIdent; ++i) {
+    for (int i = 1; i <= Job.Pairs(); ++i) {
         const FitPoint point = FitPointOf(i);
         widths[kNameColumn] = std::max(widths[kNameColumn], DisplayWidth(ForTable(point.Name, kLongestName)));
         for (std::size_t axis = 0; axis < 3; ++axis) {
@@ -242,7 +244,7 @@ void WriteDeviations(const Style& style, std::ostream& out) {
         << style.Quiet(Job.LengthUnitName + ", transformed start minus target") << "\n";
     std::string block;
     std::vector<std::string> cells(kColumns);
-    for (int i = 1; i <= Job.nIdent; ++i) {
+    for (int i = 1; i <= Job.Pairs(); ++i) {
         const FitPoint point = FitPointOf(i);
         cells[kNameColumn] = ForTable(point.Name, kLongestName);
         for (std::size_t axis = 0; axis < 3; ++axis)
@@ -281,7 +283,7 @@ void WriteFitCsv(const FitOptions&, std::ostream& out) {
            "dx;dy;dz;d3;use_x;use_y;use_z"
         << UnconvergedHeading() << OpenHeading(open) << CollapsedHeading() << "\r\n";
     std::string block;
-    for (int i = 1; i <= Job.nIdent; ++i) {
+    for (int i = 1; i <= Job.Pairs(); ++i) {
         const FitPoint point = FitPointOf(i);
         block += CsvText(std::string(point.Name));
         for (const auto* triple : {point.Start, point.Target, point.Transformed, point.Deviation})

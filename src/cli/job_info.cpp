@@ -40,10 +40,6 @@ std::string TargetKind() {
     return "";
 }
 
-bool Used(int pair, int axis) {
-    return CoordinateInUse(static_cast<std::size_t>(3 * (pair - 1) + axis));
-}
-
 // The coordinates of a pair that take no part: "", or letters of "xyz".
 std::string LeftOut(int pair) {
     std::string letters;
@@ -72,21 +68,21 @@ std::string Digits(int digits) {
 }
 
 void WritePoints(std::ostream& out) {
-    out << HeadLabel("points") << Job.nMCS << " start, " << Job.nOCS << " target, " << Job.nIdent
-        << " identical";
-    if (Job.nMCSOnly > 0) out << ", " << Job.nMCSOnly << " only in start";
-    if (Job.nOCSOnly > 0) out << ", " << Job.nOCSOnly << " only in target";
+    out << HeadLabel("points") << Job.Start.Count() << " start, " << Job.Target.Count() << " target, "
+        << Job.Pairs() << " identical";
+    if (Job.StartOnly() > 0) out << ", " << Job.StartOnly() << " only in start";
+    if (Job.TargetOnly() > 0) out << ", " << Job.TargetOnly() << " only in target";
     out << "\n";
     int used = 0;
     std::vector<std::string> leftOut;
-    for (int pair = 1; pair <= Job.nIdent; ++pair) {
+    for (int pair = 1; pair <= Job.Pairs(); ++pair) {
         const std::string letters = LeftOut(pair);
         used += 3 - static_cast<int>(letters.size());
         if (letters.empty()) continue;
-        const std::string& name = Job.MCS_Name[static_cast<std::size_t>(pair)];
+        const std::string& name = Job.Start.Name[static_cast<std::size_t>(pair)];
         leftOut.push_back(letters.size() == 3 ? name : name + ":" + letters);
     }
-    out << HeadLabel("in use") << used << " of " << 3 * Job.nIdent << " coordinates\n";
+    out << HeadLabel("in use") << used << " of " << 3 * Job.Pairs() << " coordinates\n";
     if (!leftOut.empty()) out << HeadLabel("left out") << Joined(leftOut) << "\n";
 }
 
@@ -130,7 +126,7 @@ ordered_json OpenOfResult() {
 
 ordered_json Summary(const JobFileFacts& file) {
     int used = 0;
-    for (int pair = 1; pair <= Job.nIdent; ++pair) used += 3 - static_cast<int>(LeftOut(pair).size());
+    for (int pair = 1; pair <= Job.Pairs(); ++pair) used += 3 - static_cast<int>(LeftOut(pair).size());
     ordered_json parameters = ordered_json::array();
     for (int k = 1; k < kParameterEnd; ++k) parameters.push_back(ParameterAsJson(k));
     return {{"schema", "corvinade-job"},
@@ -146,11 +142,11 @@ ordered_json Summary(const JobFileFacts& file) {
               {"angle", Job.AngleUnitName},
               {"angleDigits", Job.AngleDigits}}},
             {"counts",
-             {{"start", Job.nMCS},
-              {"target", Job.nOCS},
-              {"identical", Job.nIdent},
-              {"startOnly", Job.nMCSOnly},
-              {"targetOnly", Job.nOCSOnly},
+             {{"start", Job.Start.Count()},
+              {"target", Job.Target.Count()},
+              {"identical", Job.Pairs()},
+              {"startOnly", Job.StartOnly()},
+              {"targetOnly", Job.TargetOnly()},
               {"coordinatesInUse", used}}},
             {"direction", IsTrue(Job.DirectionMCStoOCS) ? "mcs-ocs" : "ocs-mcs"},
             {"norm", NormOfJob().Label},
@@ -204,17 +200,16 @@ void WriteJobCsv(std::ostream& out) {
     out << "kind;name;start_x;start_y;start_z;target_x;target_y;target_z;transformed_x;transformed_y;"
            "transformed_z;dx;dy;dz;use_x;use_y;use_z"
         << UnconvergedHeading() << OpenHeading(open) << CollapsedHeading() << "\r\n";
-    const int ends[] = {Job.nIdent, Job.nMCS, Job.nIdent + Job.nOCSOnly};
+    const int ends[] = {Job.Pairs(), Job.Start.Count(), Job.Pairs() + Job.TargetOnly()};
     const char* const kinds[] = {"pair", "start", "target"};
     for (int kind = 0; kind < 3; ++kind)
-        for (int i = kind == 0 ? 1 : Job.nIdent + 1; i <= ends[kind]; ++i) {
+        for (int i = kind == 0 ? 1 : Job.Pairs() + 1; i <= ends[kind]; ++i) {
             const auto k = static_cast<std::size_t>(i);
             const bool start = kind != 2, target = kind != 1;
-            out << kinds[kind] << ';' << CsvText(start ? Job.MCS_Name[k] : Job.OCS_Name[k]);
+            out << kinds[kind] << ';' << CsvText(start ? Job.Start.Name[k] : Job.Target.Name[k]);
             const Vec3 from = start ? StartPoint(i) : Vec3();
             const Vec3 to = target ? TargetPoint(i) : Vec3();
-            const Vec3 moved =
-                start ? Vec3(Job.TMCS_X[k].value_or(0), Job.TMCS_Y[k].value_or(0), Job.TMCS_Z[k]) : Vec3();
+            const Vec3 moved = start ? TransformedPoint(i) : Vec3();
             for (const auto& [point, there] : {std::pair{from, start}, {to, target}, {moved, start}})
                 for (int axis = 1; axis <= 3; ++axis) out << ';' << (there ? PlainText(point(axis)) : "");
             for (int axis = 1; axis <= 3; ++axis)

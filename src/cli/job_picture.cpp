@@ -76,13 +76,11 @@ double LargestUsedDeviation() {
     double used = 0, all = 0;
     for (int i = 1; i <= Scene.Ident; ++i) {
         const auto row = static_cast<std::size_t>(i);
-        const std::size_t first = 3 * row - 2;
         const double size = std::hypot(Scene.Points[kSceneDevX][row], Scene.Points[kSceneDevY][row],
                                        Scene.Points[kSceneDevZ][row]);
         if (!std::isfinite(size)) continue;
         all = std::max(all, size);
-        if (CoordinateInUse(first) || CoordinateInUse(first + 1) || CoordinateInUse(first + 2))
-            used = std::max(used, size);
+        if (Used(i, 1) || Used(i, 2) || Used(i, 3)) used = std::max(used, size);
     }
     return used > 0 ? used : all;
 }

@@ -65,16 +65,28 @@ json ArrayToJson(const std::vector<Element>& values, const ScreenArray& array, c
     return rows;
 }
 
+json ListOf(const std::vector<TaggedValue>& values) {
+    json list = json::array();
+    for (const TaggedValue& value : values) list.push_back(value ? json(*value) : json());
+    return list;
+}
+json ListOf(const std::vector<std::string>& values) {
+    return values;
+}
+json ListOf(const std::vector<double>& values) {
+    return values;
+}
+
 struct ToJson {
     template <class Value>
     json operator()(Value* value) const {
         return *value;
     }
-    json operator()(std::vector<TaggedValue>* values) const {
-        json list = json::array();
-        for (const TaggedValue& value : *values) list.push_back(value ? json(*value) : json());
-        return list;
+    json operator()(std::vector<TaggedValue>* values) const { return ListOf(*values); }
+    json operator()(const PointsPlace& points) const {
+        return WithColumn(*points.Set, points.Part, [](const auto& column) { return ListOf(column); });
     }
+    json operator()(const CountPlace& count) const { return CountOf(*count.Of, count.Count); }
     json operator()(Matrix* matrix) const {
         json rows = json::array();
         for (int row = 0; row <= matrix->Rows; ++row) {
@@ -181,8 +193,42 @@ std::string TakeRow(const json& value, Element* first, int count) {
     return "";
 }
 
+constexpr const char* kFitNoLonger = "counts and arrays of the job would no longer fit each other";
+
+// A count follows from the points. Only in a job that is not whole may other ones of those that it has be
+// counted.
+std::string TakeCount(const CountPlace& place, std::int32_t count) {
+    JobRecord& job = *place.Of;
+    if (count == CountOf(job, place.Count)) return "";
+    if (JobIsWhole(job) || count < 0) return kFitNoLonger;
+    if (place.Count == JobCount::Pairs && count <= std::min(job.Start.Count(), job.Target.Count())) {
+        job.SetPairs(count);
+    } else if (place.Count == JobCount::Start && count <= UpperBound(job.Start.Name)) {
+        job.Start.CountOnly(count);
+    } else if (place.Count == JobCount::Target && count <= UpperBound(job.Target.Name)) {
+        job.Target.CountOnly(count);
+    } else {
+        return kFitNoLonger;
+    }
+    return "";
+}
+
 struct FromJson {
     const json& Value;
+
+    std::string operator()(const PointsPlace& points) const {
+        return WithColumn(*points.Set, points.Part, [&](auto& column) -> std::string {
+            std::vector<typename std::decay_t<decltype(column)>::value_type> values;
+            const std::string wrong = TakeList(Value, values);
+            if (!wrong.empty()) return wrong;
+            return points.Set->Exchange(column, values) ? "" : kFitNoLonger;
+        });
+    }
+    std::string operator()(const CountPlace& place) const {
+        std::int32_t count = 0;
+        const std::string wrong = Take(Value, count);
+        return wrong.empty() ? TakeCount(place, count) : wrong;
+    }
 
     template <class Plain>
     std::string operator()(Plain* out) const {
@@ -262,13 +308,13 @@ json RecordToJson(const RecordEntry& record) {
 }
 
 std::string RecordFromJson(const RecordEntry& record, const json& value) {
-    const bool fitBefore = JobCountsFit(Job);
+    const bool fitBefore = JobIsWhole(Job);
     const json before = RecordToJson(record);
     const std::string wrong = std::visit(FromJson{value}, record.Place);
     if (!wrong.empty()) return wrong;
-    if (fitBefore && !JobCountsFit(Job)) {
+    if (fitBefore && !JobIsWhole(Job)) {
         std::visit(FromJson{before}, record.Place);
-        return "counts and arrays of the job would no longer fit each other";
+        return kFitNoLonger;
     }
     return "";
 }

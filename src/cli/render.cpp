@@ -83,8 +83,9 @@ int RunRender(const RenderOptions& options, std::ostream& out, std::ostream& err
     if (!IsFixedView(wish.View) && SavedViewNumber(facts.Views, wish.View) == 0)
         return Refuse(err, kWrongUsage, UnknownView(wish.View, facts.Views));
     NoteResultOfJob(options.Job);
-    if (Job.nMCS + Job.nOCS == 0) return Refuse(err, kRefused, "the job has no points to draw");
-    if (Job.nIdent == 0) err << "the job has no identical points: there are no deviations to see\n";
+    if (Job.Start.Count() + Job.Target.Count() == 0)
+        return Refuse(err, kRefused, "the job has no points to draw");
+    if (Job.Pairs() == 0) err << "the job has no identical points: there are no deviations to see\n";
     if (options.Limits)
         wish.Limits_mm = {options.Limits->first / Units.LengthFactor,
                           options.Limits->second / Units.LengthFactor};

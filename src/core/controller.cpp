@@ -195,7 +195,10 @@ void Initialisieren() {
     }
     RhoFestlegung();
     Job.DirectionMCStoOCS = kTrue;
-    Job.nMCS = Job.nOCS = Job.nIdent = Job.nMCSOnly = Job.nOCSOnly = 0;
+    // The points stay, and are none of a job any more.
+    Job.Start.CountOnly(0);
+    Job.Target.CountOnly(0);
+    Job.SetPairs(0);
     Run.JobDataValid = kFalse;
     Run.TrafoValid = Run.CalcDone = kFalse;
     ++Run.JobGeneration;

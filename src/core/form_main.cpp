@@ -412,13 +412,13 @@ void FormMain::MenuSettingsUnits_Click() {
 }
 
 void FormMain::MenuTransformationCalculation_Click() {
-    if (Job.nIdent < 2) {
+    if (Job.Pairs() < 2) {
         ShowMessage(std::string("There are less then two identically Points for a calculation!") + kLineEnd +
                     "That makes no sence." + kLineEnd +
                     "Please load more identically Points to do Transformation Calculations.");
         return;
     }
-    if (Job.nIdent == 2)
+    if (Job.Pairs() == 2)
         ShowMessage(
             std::string("There are less than three identically Points for a calculation.") + kLineEnd +
             "By rational settings of the Transformation Parameters logical Calculations can be made." +
@@ -435,7 +435,7 @@ void FormMain::MenuTransformationCalculation_Click() {
 }
 
 void FormMain::MenuTransformationDistanceScale_Click() {
-    if (Job.nIdent < 2) {
+    if (Job.Pairs() < 2) {
         ShowMessage("There are not enough identically Points for a calculation");
         return;
     }

@@ -2,6 +2,7 @@
 // the job file stores and tables and pictures read. Lengths are millimetres, angles radians, always.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "core/arrays.h"
+#include "core/point_set.h"
 #include "core/screen_record.h"
 #include "fit/parameters.h"
 
@@ -18,18 +20,11 @@ inline constexpr const char* kFloat = "float";
 inline constexpr const char* kNotUsed = "not used";
 
 struct JobRecord {
-    // Point sets. Every array has an unused element 0. After matching, positions 1 to nIdent of MCS_*
-    // and OCS_* hold the pairs; nothing downstream searches by name.
-    std::vector<std::string> MCS_Name{""};
-    std::vector<TaggedValue> MCS_X{{}}, MCS_Y{{}};  // X and Y are tagged, Z is not: the job file has it so
-    std::vector<double> MCS_Z{0};
-    std::vector<std::string> OCS_Name{""};
-    std::vector<TaggedValue> OCS_X{{}}, OCS_Y{{}};
-    std::vector<double> OCS_Z{0};
-    std::vector<std::string> TMCS_Name{""};  // the start points after the transformation
-    std::vector<TaggedValue> TMCS_X{{}}, TMCS_Y{{}};
-    std::vector<double> TMCS_Z{0};
-    // nIdent entries, for the display of the R vectors: the place at R_Dist from the target that a fit to
+    // The points. After matching, points 1 to Pairs() of Start and Target are the pairs, with equal names;
+    // nothing downstream searches by name.
+    PointSet Start, Target;
+    PointSet Transformed;  // the start points after the transformation
+    // Pairs() entries, for the display of the R vectors: the place at R_Dist from the target that a fit to
     // distances wants the transformed point at. X and Y are empty where there is none.
     std::vector<TaggedValue> RVecX{{}}, RVecY{{}};
     std::vector<double> RVecZ{0};
@@ -38,7 +33,10 @@ struct JobRecord {
     std::array<std::int32_t, 3> RVecInFile{-1, -1, -1};
     std::vector<std::int16_t> UseFlags{0};  // 3 a pair, X Y Z: 1 takes part in the fit, 0 does not
 
-    std::int32_t nMCS = 0, nOCS = 0, nIdent = 0, nMCSOnly = 0, nOCSOnly = 0;
+    int Pairs() const { return std::min({pairs_, Start.Count(), Target.Count()}); }
+    void SetPairs(int pairs);  // require: both sets have so many points
+    int StartOnly() const { return Start.Count() - Pairs(); }
+    int TargetOnly() const { return Target.Count() - Pairs(); }
 
     // Parameter fields and results.
     std::array<std::string, 18> ParamText{};
@@ -78,6 +76,9 @@ struct JobRecord {
     // Members of the block that this version does not know, each its name and its value as JSON text; they
     // are written again as they stand.
     std::vector<std::pair<std::string, std::string>> OtherMembers;
+
+private:
+    int pairs_ = 0;
 };
 inline JobRecord Job;
 
@@ -88,14 +89,13 @@ inline void ForgetBlock() {
     Job.OtherMembers.clear();
 }
 
-// True when all arrays of the job are as long as the counts say. The coordinate arrays may be longer
-// than the names (the search by distances leaves them three longer), never shorter.
-bool JobCountsFit(const JobRecord& job);
+// The counts of a job's points, as they are told.
+enum class JobCount : std::uint8_t { Pairs, Start, Target, StartOnly, TargetOnly };
+std::int32_t CountOf(const JobRecord& job, JobCount count);
 
-// Brings counts and arrays of a job together again after work that broke off in the middle: counts
-// follow the name arrays, pairs that are no longer there are no longer counted.
-// Reads and writes Job; clears Run.JobDataValid when it had to change something.
-void RepairJobCounts();
+// True when every name of both sets is a point, and all that goes with points and pairs reaches them. It is
+// not so in a job that was closed, or read from a file that counts fewer points than it has.
+bool JobIsWhole(const JobRecord& job);
 
 // The result value of a parameter 1 to 17 of the job, by number.
 double& ParameterValue(JobRecord& job, int parameter);
@@ -109,12 +109,18 @@ inline bool CoordinateInUse(std::size_t index) {
     return index >= Job.UseFlags.size() || Job.UseFlags[index] == 1;
 }
 
-// Start point and target point i of the job; an empty tagged value counts as 0.
+// The same by pair and axis 1 to 3.
+inline bool Used(int pair, int axis) {
+    return CoordinateInUse(3 * static_cast<std::size_t>(pair - 1) + static_cast<std::size_t>(axis));
+}
+
+// Points of the job by number; an empty tagged value counts as 0.
 inline Vec3 StartPoint(int i) {
-    const auto k = static_cast<std::size_t>(i);
-    return {Job.MCS_X[k].value_or(0), Job.MCS_Y[k].value_or(0), Job.MCS_Z[k]};
+    return Job.Start.Point(i);
 }
 inline Vec3 TargetPoint(int i) {
-    const auto k = static_cast<std::size_t>(i);
-    return {Job.OCS_X[k].value_or(0), Job.OCS_Y[k].value_or(0), Job.OCS_Z[k]};
+    return Job.Target.Point(i);
+}
+inline Vec3 TransformedPoint(int i) {
+    return Job.Transformed.Point(i);
 }

@@ -2,7 +2,9 @@
 // core/job_file_fields.h holds it as the table that reader and writer run.
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -61,8 +63,21 @@ void NoteJobFile(const JobFileContent& content, const std::string& path);
 // counts that do not fit the arrays.
 std::string JobBytes(const JobRecord& job, const std::vector<std::string>& viewNames);
 
+// A job's counts, and the upper bounds of its arrays: names, X, Y, Z of each set.
+struct JobLengths {
+    std::int32_t Pairs = 0, Start = 0, Target = 0;
+    std::array<int, 4> StartEnds{}, TargetEnds{}, TransformedEnds{};
+    int UseFlagsEnd = 0;
+};
+// `points` is a PointSet or PointArrays.
+template <class Points>
+std::array<int, 4> LengthsOf(const Points& points) {
+    return {UpperBound(points.Name), UpperBound(points.X), UpperBound(points.Y), UpperBound(points.Z)};
+}
+JobLengths LengthsOf(const JobRecord& job);
+
 // What is wrong with a job's counts and the lengths of its arrays; empty when they fit each other.
-std::string JobFault(const JobRecord& job);
+std::string JobFault(const JobLengths& lengths);
 
 // --- The open job -----------------------------------------------------------------------------------------
 

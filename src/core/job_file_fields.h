@@ -52,20 +52,25 @@ struct SavedViews {  // i16 number; with any: the names as an array of short str
     bool operator==(const SavedViews&) const = default;
 };
 
+struct JobPoints {  // a column of a point set
+    PointSet JobRecord::*Set;
+    PointPart Part;
+    bool operator==(const JobPoints&) const = default;
+};
+
 // The type of the record tells how it is stored:
-//   numbers                     i16, i32, f64; flags are i16
+//   numbers, counts             i16, i32, f64; flags are i16
 //   std::string                 long string
-//   vectors                     i32 upper bound, then the elements 0 to there: short strings, tagged values,
+//   vectors, columns            i32 upper bound, then the elements 0 to there: short strings, tagged values,
 //                               f64 or i16
 //   arrays                      their elements without a count
 //   Matrix                      i32 upper bound of the first index, then f64, the first index fastest
 using JobFieldPlace =
-    std::variant<VersionText, SavedViews, std::int16_t JobRecord::*, std::int32_t JobRecord::*,
-                 double JobRecord::*, std::string JobRecord::*, std::vector<std::string> JobRecord::*,
-                 std::vector<TaggedValue> JobRecord::*, std::vector<double> JobRecord::*,
-                 std::vector<std::int16_t> JobRecord::*, std::array<std::string, 18> JobRecord::*,
-                 std::array<std::string, 4> JobRecord::*, std::array<std::int16_t, 4> JobRecord::*,
-                 Matrix JobRecord::*>;
+    std::variant<VersionText, SavedViews, JobPoints, JobCount, std::int16_t JobRecord::*, double JobRecord::*,
+                 std::string JobRecord::*, std::vector<TaggedValue> JobRecord::*,
+                 std::vector<double> JobRecord::*, std::vector<std::int16_t> JobRecord::*,
+                 std::array<std::string, 18> JobRecord::*, std::array<std::string, 4> JobRecord::*,
+                 std::array<std::int16_t, 4> JobRecord::*, Matrix JobRecord::*>;
 
 // Which files have a field.
 enum class FileVersions : std::uint8_t { All, Above, AnyPartAbove, NoPartAbove };

@@ -33,10 +33,26 @@ JobVersion GetVersion(ByteSource& in, std::int32_t length) {
 // wrong, takes more memory than a small multiple of the file.
 constexpr std::size_t kPointSize = sizeof(std::uint16_t) * 3 + sizeof(double);
 
+// The points as the file has them, before it is known that columns and counts fit each other.
+struct FilePoints {
+    PointArrays Start, Target, Transformed;
+    std::int32_t Pairs = 0, StartCount = 0, TargetCount = 0;
+
+    PointArrays& Of(PointSet JobRecord::*set) {
+        if (set == &JobRecord::Start) return Start;
+        return set == &JobRecord::Target ? Target : Transformed;
+    }
+    std::int32_t& Of(JobCount count) {
+        if (count == JobCount::Pairs) return Pairs;
+        return count == JobCount::Start ? StartCount : TargetCount;
+    }
+};
+
 // Reads one field of its type.
 struct GetField {
     ByteSource& In;
     JobFileContent& Content;
+    FilePoints& Points;
     const JobRecord& Before;
     const JobField& Field;
 
@@ -45,21 +61,27 @@ struct GetField {
         const auto length = In.GetNumber<std::int32_t>();
         Content.Version = LeadsVersion(length) ? GetVersion(In, length) : kVersionUntold;
     }
+    void operator()(JobPoints points) const {
+        WithColumn(Points.Of(points.Set), points.Part, [this](auto& values) { GetVector(values); });
+    }
+    void operator()(JobCount count) const { In.Get(Points.Of(count)); }
     void operator()(SavedViews) const { GetSavedViews(In, Content.Job, Content.ViewNames); }
 
     void operator()(std::string JobRecord::*place) const { In.GetLongText(Content.Job.*place); }
-    void operator()(std::vector<std::string> JobRecord::*place) const { GetVector(place, kPointSize); }
-    void operator()(std::vector<TaggedValue> JobRecord::*place) const {
-        GetVector(place, sizeof(std::uint16_t));
+    template <class Element>
+    void operator()(std::vector<Element> JobRecord::*place) const {
+        GetVector(Content.Job.*place);
     }
-    void operator()(std::vector<double> JobRecord::*place) const { GetVector(place, sizeof(double)); }
-    void operator()(std::vector<std::int16_t> JobRecord::*place) const {
-        GetVector(place, sizeof(std::int16_t));
+    void GetVector(std::vector<std::string>& values) const { GetVector(values, kPointSize); }
+    void GetVector(std::vector<TaggedValue>& values) const { GetVector(values, sizeof(std::uint16_t)); }
+    template <class Number>
+    void GetVector(std::vector<Number>& values) const {
+        GetVector(values, sizeof(Number));
     }
     template <class Element>
-    void GetVector(std::vector<Element> JobRecord::*place, std::size_t elementSize) const {
-        (Content.Job.*place).resize(In.GetCount(elementSize));
-        In.GetElements(Content.Job.*place);
+    void GetVector(std::vector<Element>& values, std::size_t elementSize) const {
+        values.resize(In.GetCount(elementSize));
+        In.GetElements(values);
     }
 
     void operator()(std::array<std::string, 18> JobRecord::*place) const { GetParamText(Content.Job.*place); }
@@ -116,16 +138,33 @@ struct GetAbsent {
     }
 };
 
+JobLengths LengthsOf(const FilePoints& points, const JobRecord& job) {
+    return {points.Pairs,
+            points.StartCount,
+            points.TargetCount,
+            LengthsOf(points.Start),
+            LengthsOf(points.Target),
+            LengthsOf(points.Transformed),
+            UpperBound(job.UseFlags)};
+}
+
+void TakePoints(FilePoints points, JobRecord& job) {
+    job.Start = PointSet(std::move(points.Start));
+    job.Target = PointSet(std::move(points.Target));
+    job.Transformed = PointSet(std::move(points.Transformed));
+    job.Start.CountOnly(points.StartCount);
+    job.Target.CountOnly(points.TargetCount);
+    job.SetPairs(points.Pairs);
+}
+
 // What follows from the fields, and what a job has that no file stores.
 void Complete(JobRecord& job, bool hasRVectors) {
-    job.nMCSOnly = job.nMCS - job.nIdent;
-    job.nOCSOnly = job.nOCS - job.nIdent;
     job.AutoRecalc = kFalse;
     job.RotXCopy = job.RotX;
     job.RotYCopy = job.RotY;
     job.RotZCopy = job.RotZ;
     // The R vectors are as many as the pairs; the files of most jobs do not have them, and some have fewer.
-    const std::size_t pairs = static_cast<std::size_t>(job.nIdent) + 1;
+    const std::size_t pairs = static_cast<std::size_t>(job.Pairs()) + 1;
     const auto grow = [&](auto& values, std::int32_t& inFile) {
         if (hasRVectors && values.size() < pairs) inFile = static_cast<std::int32_t>(values.size());
         values.resize(std::max(values.size(), pairs));
@@ -138,10 +177,10 @@ void Complete(JobRecord& job, bool hasRVectors) {
 // Flags of more pairs than are counted: either of the two is wrong, and the count is believed.
 void NoticeFlags(JobFileContent& content) {
     const JobRecord& job = content.Job;
-    const int flags = UpperBound(job.UseFlags), wanted = 3 * job.nIdent;
+    const int flags = UpperBound(job.UseFlags), wanted = 3 * job.Pairs();
     if (flags <= wanted) return;
     Note note{.Code = NoteCode::FlagsBeyondPairs};
-    note.Text = "The job counts " + std::to_string(job.nIdent) + " pairs, which have " +
+    note.Text = "The job counts " + std::to_string(job.Pairs()) + " pairs, which have " +
                 std::to_string(wanted) + " use flags, and has " + std::to_string(flags) +
                 "; the flags from number " + std::to_string(wanted + 1) +
                 " on count for nothing, and the points behind the pairs have no partner";
@@ -184,19 +223,21 @@ JobFileContent ReadJobBytes(std::string_view bytes, const std::string& path, con
 
     ByteSource in(bytes, path);
     in.Take(head.Length);
+    FilePoints points;
     std::size_t counts = 0;
     for (const JobField& field : JobFields().subspan(1)) {
         in.Field = field.Name;
-        if (field.Place == JobFieldPlace{&JobRecord::nIdent}) counts = in.Offset();
+        if (field.Place == JobFieldPlace{JobCount::Pairs}) counts = in.Offset();
         if (HasField(field, content.Version, content.Job)) {
-            std::visit(GetField{in, content, before, field}, field.Place);
+            std::visit(GetField{in, content, points, before, field}, field.Place);
         } else {
             std::visit(GetAbsent{content, before, field}, field.Place);
         }
     }
     in.Field = "counts";
-    const std::string fault = JobFault(content.Job);
+    const std::string fault = JobFault(LengthsOf(points, content.Job));
     if (!fault.empty()) in.Refuse(fault, counts);
+    TakePoints(std::move(points), content.Job);
     bool hasRVectors = false;
     for (const JobField& field : JobFields())
         if (field.Place == JobFieldPlace{&JobRecord::RVecX})

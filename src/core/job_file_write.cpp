@@ -19,12 +19,11 @@ std::size_t ExpectedSize(const JobRecord& job) {
         return size;
     };
     std::size_t size = 64 * std::size_t{1024};
-    for (const auto* values : {&job.MCS_Name, &job.OCS_Name, &job.TMCS_Name}) size += names(*values);
-    for (const auto* values :
-         {&job.MCS_X, &job.MCS_Y, &job.OCS_X, &job.OCS_Y, &job.TMCS_X, &job.TMCS_Y, &job.RVecX, &job.RVecY})
-        size += kTagged * values->size();
-    for (const auto* values : {&job.MCS_Z, &job.OCS_Z, &job.TMCS_Z, &job.RVecZ, &job.RobotABC.Elements,
-                               &job.ParaboloidShape.Elements})
+    for (const PointSet* points : {&job.Start, &job.Target, &job.Transformed})
+        size += names(points->Name) + kTagged * (points->X.size() + points->Y.size()) +
+                sizeof(double) * points->Z.size();
+    size += kTagged * (job.RVecX.size() + job.RVecY.size());
+    for (const auto* values : {&job.RVecZ, &job.RobotABC.Elements, &job.ParaboloidShape.Elements})
         size += sizeof(double) * values->size();
     return size + sizeof(std::int16_t) * job.UseFlags.size();
 }
@@ -37,6 +36,14 @@ struct PutField {
     const JobField& Field;
 
     void operator()(VersionText) const { Out.PutLongText(ProgramVersion()); }
+    void operator()(JobPoints points) const {
+        WithColumn(Job.*points.Set, points.Part, [this](const auto& values) { PutColumn(values); });
+    }
+    template <class Element>
+    void PutColumn(const PointValues<Element>& values) const {
+        PutVector<Element>(values);
+    }
+    void operator()(JobCount count) const { Out.Put(CountOf(Job, count)); }
     void operator()(SavedViews) const { PutSavedViews(Out, Job, ViewNames); }
 
     void operator()(std::string JobRecord::*place) const { Out.PutLongText(Job.*place); }
@@ -98,7 +105,7 @@ struct PutField {
 std::string JobBytes(const JobRecord& job, const std::vector<std::string>& viewNames) {
     ByteSink out(ExpectedSize(job));
     out.Field = "counts";
-    const std::string fault = JobFault(job);
+    const std::string fault = JobFault(LengthsOf(job));
     if (!fault.empty()) out.Refuse(fault);
     for (const JobField& field : JobFields()) {
         out.Field = field.Name;
@@ -109,38 +116,39 @@ std::string JobBytes(const JobRecord& job, const std::vector<std::string>& viewN
     return std::move(out.Bytes);
 }
 
-std::string JobFault(const JobRecord& job) {
-    for (const std::int32_t count : {job.nIdent, job.nMCS, job.nOCS})
-        if (count < 0)
-            return "nIdent = " + std::to_string(job.nIdent) + ", nMCS = " + std::to_string(job.nMCS) +
-                   ", nOCS = " + std::to_string(job.nOCS) + " are no counts";
-    if (job.nIdent > job.nMCS || job.nIdent > job.nOCS)
-        return std::to_string(job.nIdent) + " pairs of " + std::to_string(job.nMCS) + " start points and " +
-               std::to_string(job.nOCS) + " target points";
+JobLengths LengthsOf(const JobRecord& job) {
+    return {job.Pairs(),           job.Start.Count(),          job.Target.Count(),      LengthsOf(job.Start),
+            LengthsOf(job.Target), LengthsOf(job.Transformed), UpperBound(job.UseFlags)};
+}
 
-    struct Demand {
-        const char* Name;
-        int Has;
-        std::int64_t Needs;
+std::string JobFault(const JobLengths& is) {
+    for (const std::int32_t count : {is.Pairs, is.Start, is.Target})
+        if (count < 0)
+            return "nIdent = " + std::to_string(is.Pairs) + ", nMCS = " + std::to_string(is.Start) +
+                   ", nOCS = " + std::to_string(is.Target) + " are no counts";
+    if (is.Pairs > is.Start || is.Pairs > is.Target)
+        return std::to_string(is.Pairs) + " pairs of " + std::to_string(is.Start) + " start points and " +
+               std::to_string(is.Target) + " target points";
+
+    const auto shorter = [](const std::string& name, int has, std::int64_t needs) {
+        return has >= needs
+                   ? std::string()
+                   : name + " ends at " + std::to_string(has) + " and not at " + std::to_string(needs);
     };
-    const int starts = UpperBound(job.MCS_Name), targets = UpperBound(job.OCS_Name),
-              transformed = UpperBound(job.TMCS_Name);
-    const std::array<Demand, 13> demands = {{{"MCS_Name", starts, job.nMCS},
-                                             {"MCS_X", UpperBound(job.MCS_X), starts},
-                                             {"MCS_Y", UpperBound(job.MCS_Y), starts},
-                                             {"MCS_Z", UpperBound(job.MCS_Z), starts},
-                                             {"OCS_Name", targets, job.nOCS},
-                                             {"OCS_X", UpperBound(job.OCS_X), targets},
-                                             {"OCS_Y", UpperBound(job.OCS_Y), targets},
-                                             {"OCS_Z", UpperBound(job.OCS_Z), targets},
-                                             {"TMCS_Name", transformed, job.nMCS},
-                                             {"TMCS_X", UpperBound(job.TMCS_X), transformed},
-                                             {"TMCS_Y", UpperBound(job.TMCS_Y), transformed},
-                                             {"TMCS_Z", UpperBound(job.TMCS_Z), transformed},
-                                             {"UseFlags", UpperBound(job.UseFlags), 3LL * job.nIdent}}};
-    for (const Demand& demand : demands)
-        if (demand.Has < demand.Needs)
-            return std::string(demand.Name) + " ends at " + std::to_string(demand.Has) + " and not at " +
-                   std::to_string(demand.Needs);
-    return "";
+    struct Demand {
+        const char* Set;
+        const std::array<int, 4>& Ends;
+        std::int32_t Names;  // the coordinates reach as far as the names that are there
+    };
+    for (const Demand& demand :
+         {Demand{"MCS_", is.StartEnds, is.Start}, Demand{"OCS_", is.TargetEnds, is.Target},
+          Demand{"TMCS_", is.TransformedEnds, is.Start}}) {
+        constexpr std::array<const char*, 4> kParts = {"Name", "X", "Y", "Z"};
+        for (std::size_t k = 0; k < kParts.size(); ++k) {
+            const int needs = k == 0 ? demand.Names : demand.Ends[0];
+            const std::string fault = shorter(std::string(demand.Set) + kParts[k], demand.Ends[k], needs);
+            if (!fault.empty()) return fault;
+        }
+    }
+    return shorter("UseFlags", is.UseFlagsEnd, 3LL * is.Pairs);
 }

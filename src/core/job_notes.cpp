@@ -49,7 +49,8 @@ void NoteOrientationsLost(const std::string& path) {
 
 void NoteShortNames(const std::string& path) {
     constexpr std::size_t kOfSearch = 3;
-    const auto note = [&path](const char* set, std::size_t names, std::size_t points) {
+    const auto note = [&path](const char* set, const PointSet& of) {
+        const std::size_t names = of.Name.size(), points = std::max({of.X.size(), of.Y.size(), of.Z.size()});
         if (points <= names + kOfSearch) return;
         AddNote(NoteCode::NamesShort,
                 std::string("The ") + set + " has " + std::to_string(names - 1) +
@@ -57,10 +58,8 @@ void NoteShortNames(const std::string& path) {
                     " points; those without a name are left out",
                 path, 0, static_cast<int>(points - names));
     };
-    note("start system", Job.MCS_Name.size(),
-         std::max({Job.MCS_X.size(), Job.MCS_Y.size(), Job.MCS_Z.size()}));
-    note("target system", Job.OCS_Name.size(),
-         std::max({Job.OCS_X.size(), Job.OCS_Y.size(), Job.OCS_Z.size()}));
+    note("start system", Job.Start);
+    note("target system", Job.Target);
 }
 
 namespace {
@@ -91,22 +90,20 @@ struct NotFinite {
 
 void NoteNotFinite(const std::string& path) {
     NotFinite found;
-    const auto points = [&found](const char* what, const std::vector<std::string>& names,
-                                 const std::vector<TaggedValue>& x, const std::vector<TaggedValue>& y,
-                                 const std::vector<double>& z) {
-        const std::size_t size = std::max({x.size(), y.size(), z.size()});
+    const auto points = [&found](const char* what, const PointSet& set) {
+        const std::size_t size = std::max({set.X.size(), set.Y.size(), set.Z.size()});
         found.Add(
             what, static_cast<int>(size) - 1, 3,
             [&](int i, int k) {
                 const auto at = static_cast<std::size_t>(i);
-                if (k == 3) return at < z.size() ? z[at] : 0;
-                const std::vector<TaggedValue>& values = k == 1 ? x : y;
+                if (k == 3) return at < set.Z.size() ? set.Z[at] : 0;
+                const auto& values = k == 1 ? set.X : set.Y;
                 return at < values.size() ? values[at].value_or(0) : 0;
             },
             [&](int i) {
                 const auto at = static_cast<std::size_t>(i);
                 return "point " +
-                       (at < names.size() ? "\"" + Printable(names[at]) + "\"" : std::to_string(i));
+                       (at < set.Name.size() ? "\"" + Printable(set.Name[at]) + "\"" : std::to_string(i));
             });
     };
     const auto rows = [&found](const char* what, const Matrix& matrix) {
@@ -114,9 +111,9 @@ void NoteNotFinite(const std::string& path) {
             what, matrix.Rows, matrix.Columns, [&matrix](int i, int k) { return matrix(i, k); },
             [](int i) { return "row " + std::to_string(i); });
     };
-    points("of the start system", Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z);
-    points("of the target system", Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
-    points("of the transformed points", Job.TMCS_Name, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z);
+    points("of the start system", Job.Start);
+    points("of the target system", Job.Target);
+    points("of the transformed points", Job.Transformed);
     rows("of the orientations", Job.RobotABC);
     rows("of the shape", Job.ParaboloidShape);
     if (found.Count == 0) return;

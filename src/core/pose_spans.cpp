@@ -13,7 +13,7 @@ void FindPoseSpans() {
     bool any = false;
     for (int row = 1; row <= angles.Rows && angles.Columns >= 3; ++row) {
         const auto k = static_cast<std::size_t>(row);
-        if (k < Job.OCS_Name.size() && Job.OCS_Name[k].empty()) continue;
+        if (k < Job.Target.Name.size() && Job.Target.Name[k].empty()) continue;
         for (std::size_t column = 0; column < 3; ++column) {
             const double angle = angles(row, static_cast<int>(column) + 1);
             lowest[column] = any ? std::min(lowest[column], angle) : angle;

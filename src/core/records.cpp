@@ -11,8 +11,8 @@ namespace {
 
 const RecordEntry kOtherRecords[] = {
     // Of the job, but recomputed or set anew when it is opened.
-    {"nMCSOnly", &Job.nMCSOnly, Storage::Run},
-    {"nOCSOnly", &Job.nOCSOnly, Storage::Run},
+    {"nMCSOnly", CountPlace{&Job, JobCount::StartOnly}, Storage::Run},
+    {"nOCSOnly", CountPlace{&Job, JobCount::TargetOnly}, Storage::Run},
     {"RotXCopy", &Job.RotXCopy, Storage::Run},
     {"RotYCopy", &Job.RotYCopy, Storage::Run},
     {"RotZCopy", &Job.RotZCopy, Storage::Run},
@@ -93,6 +93,8 @@ struct OpenJobPlaces {
         Records.push_back({name, place, Storage::JobFile});
     }
     void operator()(VersionText) const {}
+    void operator()(JobPoints points) const { Add(Name, PointsPlace{&(Job.*points.Set), points.Part}); }
+    void operator()(JobCount count) const { Add(Name, CountPlace{&Job, count}); }
     void operator()(SavedViews) const {
         Add("nSavedViews", &Job.nSavedViews);
         Add(Name, ViewRow{Job.SavedView.data(), static_cast<int>(Job.SavedView.size())});

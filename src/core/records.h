@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/arrays.h"
+#include "core/job.h"
 #include "core/notes.h"
 #include "core/screen_record.h"
 
@@ -37,11 +38,22 @@ struct ViewRow {
     int Count;
 };
 
+// A column of one of the job's point sets, whose length goes with those of the others.
+struct PointsPlace {
+    PointSet* Set;
+    PointPart Part;
+};
+// A count that follows from the job's points.
+struct CountPlace {
+    JobRecord* Of;
+    JobCount Count;
+};
+
 // Flags are 16-bit numbers, -1 and 0.
-using RecordPlace =
-    std::variant<std::int16_t*, std::int32_t*, float*, double*, std::string*, std::vector<std::string>*,
-                 std::vector<TaggedValue>*, std::vector<double>*, std::vector<std::int16_t>*, Matrix*,
-                 TextRow, TextTable, NumberRow16, NumberRow, ViewRow, const std::vector<Note>*>;
+using RecordPlace = std::variant<std::int16_t*, std::int32_t*, float*, double*, std::string*,
+                                 std::vector<std::string>*, std::vector<TaggedValue>*, std::vector<double>*,
+                                 std::vector<std::int16_t>*, Matrix*, TextRow, TextTable, NumberRow16,
+                                 NumberRow, ViewRow, const std::vector<Note>*, PointsPlace, CountPlace>;
 
 enum class Storage : std::uint8_t {
     JobFile,  // stored in the job file

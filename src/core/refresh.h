@@ -23,8 +23,8 @@ void MenuFileSaveAs_Command();
 
 // --- import/ ----------------------------------------------------------------------------------------------
 void ClipboardRoundTrip();  // the menu entry "&Spezial"
-// Sizes TMCS_*, RVec* and UseFlags (whose content stays) from the counts and fills TMCS_* with the start
-// points. A job that the calculation window has marked as switched is switched again. An import that is
+// Makes the transformed points those of the start, and sizes RVec* and UseFlags (whose content stays) by the
+// pairs. A job that the calculation window has marked as switched is switched again. An import that is
 // cancelled meanwhile leaves all of them as they were.
 void IdentischePkte_Neu();
 

@@ -46,7 +46,7 @@ void BeginRun(const FitModel& model) {
 
 // The same, and the model that the job's parameters give.
 FitModel BeginRun(int u, int n, const ParameterTexts& ParamText, const GatheredPoints& points) {
-    Require(n == 3 * Job.nIdent && points.Count == Job.nIdent);
+    Require(n == 3 * Job.Pairs() && points.Count == Job.Pairs());
     Require(u == CountUnknowns(ParamText));
     BeginRun(ChooseModel(ParamText));
     return Adjustment.Model;

@@ -27,11 +27,11 @@ inline AdjustmentRecord Adjustment;
 
 // The whole adjustment, from the start values on.
 //   u          number of unknowns, CountUnknowns(ParamText)
-//   n          observations, 3 Job.nIdent
+//   n          observations, 3 Job.Pairs()
 //   ParamText  state of parameters 1 to 17
 //   Q          out, u by u: inverse of the normal matrix
 //   v          out, n: residuals, transformed minus target, mm. In the distance model row i belongs to
-//              pair i and the rows behind Job.nIdent are 0
+//              pair i and the rows behind Job.Pairs() are 0
 //   P          n weights, 0 = takes no part. The distance model sets all three of a point to that of its Z
 // Leaves the result in the job's parameters, after every kind of end: converged, limit reached (with a
 // message) or stopped by the user. A singular normal matrix gives huge values and no failure. Corrections

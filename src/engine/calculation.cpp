@@ -92,10 +92,10 @@ std::string ScaleHeldAtZero() {
 std::string PairsWithoutOrientation() {
     if (ChooseMode(Job.ParamText) != FitMode::Tool) return "";
     const int known = Job.RobotABC.Columns >= 3 ? std::max(Job.RobotABC.Rows, 0) : 0;
-    if (known >= Job.nIdent) return "";
-    const int without = Job.nIdent - known;
-    return std::to_string(without) + " of the " + std::to_string(Job.nIdent) +
-           " pairs have no orientation, the first is point \"" + Printable(Job.MCS_Name[At(known + 1)]) +
+    if (known >= Job.Pairs()) return "";
+    const int without = Job.Pairs() - known;
+    return std::to_string(without) + " of the " + std::to_string(Job.Pairs()) +
+           " pairs have no orientation, the first is point \"" + Printable(Job.Start.Name[At(known + 1)]) +
            "\"; the tool vector needs that of every pose. A job file keeps the orientations of Kuka programs "
            "and of quaternions alone: please import the robot program again, or load the orientations from a "
            "text file (Load R data, on the command line --poses).";
@@ -117,16 +117,16 @@ std::string WhyNot() {
 // transformed point, which is on the line from its target through it, at R_Dist from the target. A pair whose
 // points fall together has no such line and no second point, and neither has any pair in the other models.
 void FillRVectors(bool wanted) {
-    const std::size_t size = At(Job.nIdent) + 1;
+    const std::size_t size = At(Job.Pairs()) + 1;
     Job.RVecX.assign(size, {});
     Job.RVecY.assign(size, {});
     Job.RVecZ.assign(size, 0);
     Job.RVecInFile.fill(-1);
     if (!wanted) return;
-    for (int i = 1; i <= Job.nIdent; ++i) {
+    for (int i = 1; i <= Job.Pairs(); ++i) {
         const Vec3 target = TargetPoint(i);
-        const double dx = Job.TMCS_X[At(i)].value_or(0) - target(1),
-                     dy = Job.TMCS_Y[At(i)].value_or(0) - target(2), dz = Job.TMCS_Z[At(i)] - target(3);
+        const Vec3 image = TransformedPoint(i);
+        const double dx = image(1) - target(1), dy = image(2) - target(2), dz = image(3) - target(3);
         const double share = Job.RDist / Hypot3(dx, dy, dz);
         if (!std::isfinite(share)) continue;
         Job.RVecX[At(i)] = target(1) + share * dx;
@@ -173,7 +173,7 @@ bool ParametersAreFinite() {
 
 bool CalculationIsOfThisJob() {
     return Calculation.Done && Calculation.JobGeneration == Run.JobGeneration &&
-           Calculation.nObs == 3 * Job.nIdent;
+           Calculation.nObs == 3 * Job.Pairs();
 }
 
 void MarkResult(bool converged) {
@@ -186,28 +186,19 @@ void MarkResult(bool converged) {
 }
 
 void TransformAllPoints(const Column* v) {
-    const auto put = [](int i, double X, double Y, double Z) {
-        Job.TMCS_X[At(i)] = X;
-        Job.TMCS_Y[At(i)] = Y;
-        Job.TMCS_Z[At(i)] = Z;
-    };
-    const std::size_t size = At(Job.nMCS) + 1;
-    if (Job.TMCS_Name.size() < size) Job.TMCS_Name = Job.MCS_Name;
-    if (Job.TMCS_X.size() < size) Job.TMCS_X.resize(size);
-    if (Job.TMCS_Y.size() < size) Job.TMCS_Y.resize(size);
-    if (Job.TMCS_Z.size() < size) Job.TMCS_Z.resize(size);
+    if (Job.Transformed.Count() < Job.Start.Count()) Job.Transformed = Job.Start;
     int i = 1;
     if (v != nullptr)
-        for (; i <= Job.nIdent; ++i) {
+        for (; i <= Job.Pairs(); ++i) {
             const Vec3 q = TargetPoint(i);
             const std::size_t row = At(3 * (i - 1));
-            put(i, q(1) + (*v)[row + 1], q(2) + (*v)[row + 2], q(3) + (*v)[row + 3]);
+            Job.Transformed.SetPoint(i, q(1) + (*v)[row + 1], q(2) + (*v)[row + 2], q(3) + (*v)[row + 3]);
         }
-    for (; i <= Job.nMCS; ++i) {
+    for (; i <= Job.Start.Count(); ++i) {
         const Vec3 p = StartPoint(i);
         Vec3 image;
         TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
-        put(i, image(1), image(2), image(3));
+        Job.Transformed.SetPoint(i, image(1), image(2), image(3));
     }
 }
 
@@ -219,7 +210,7 @@ Column WeightsFromUseFlags(int n) {
 }
 
 bool CalculationIsRefused() {
-    const Column P = WeightsFromUseFlags(3 * Job.nIdent);
+    const Column P = WeightsFromUseFlags(3 * Job.Pairs());
     double W = std::accumulate(P.begin(), P.end(), 0.0);
     if (Selection.CheckRDist && !Selection.CheckUseABC) W /= 3;
     std::string why;
@@ -252,7 +243,7 @@ void ButtonCalcErsatz() {
     if (Calculation.Refused) return;
 
     const int u = CountUnknowns(Job.ParamText);
-    const int n = 3 * Job.nIdent;
+    const int n = 3 * Job.Pairs();
     Column P = WeightsFromUseFlags(n);
 
     NormFit fit{.u = u, .n = n, .ParamText = Job.ParamText, .P = std::move(P)};

@@ -102,22 +102,17 @@ constexpr const char* kPointHeading =
     "\t use.z \t MCS.r.CYL \t MCS.Phi \t OCS.r.CYL \t OCS.Phi \t dev.r.CYL \t dev.Phi \t MCS.R.SPH \t "
     "MCS.Theta.SPH \t OCS.R.SPH \t OCS.Theta.SPH \t dev.R.SPH \t dev.Theta.SPH";
 
-Vec3 TransformedPoint(int i) {
-    return {Job.TMCS_X[At(i)].value_or(0), Job.TMCS_Y[At(i)].value_or(0), Job.TMCS_Z[At(i)]};
-}
-
 void AddLengths(std::string& text, const Vec3& lengths) {
     for (int axis = 1; axis <= 3; ++axis) text.append("\t").append(ShownLength(lengths(axis)));
 }
 
 void AddPoint(std::string& text, int i) {
     const Vec3 image = TransformedPoint(i), target = TargetPoint(i);
-    text += Job.MCS_Name[At(i)];
+    text += Job.Start.Name[At(i)];
     AddLengths(text, StartPoint(i));
     AddLengths(text, target);
     AddLengths(text, {image(1) - target(1), image(2) - target(2), image(3) - target(3)});
-    for (std::size_t row = 3 * At(i) - 2; row <= 3 * At(i); ++row)
-        text.append("\t").append(CoordinateInUse(row) ? "1" : "0");
+    for (int axis = 1; axis <= 3; ++axis) text.append("\t").append(Used(i, axis) ? "1" : "0");
     const CoordinateForms ofStart = FormsOf(image), ofTarget = FormsOf(target);
     const std::array<CoordinateForms, 3> forms = {ofStart, ofTarget, FormDifference(ofStart, ofTarget)};
     const auto add = [&text](double length, double angle) {
@@ -194,13 +189,13 @@ std::string InvertedParameters() {
 
 std::string CompleteProtocol() {
     std::string text;
-    text.reserve(2000 + 300 * At(Job.nIdent));
+    text.reserve(2000 + 300 * At(Job.Pairs()));
     text += UnconvergedNotice();
     AddSystems(text);
     AddParameters(text);
     AddQuality(text);
     text.append(kPointHeading).append(kLineEnd);
-    for (int i = 1; i <= Job.nIdent; ++i) AddPoint(text, i);
+    for (int i = 1; i <= Job.Pairs(); ++i) AddPoint(text, i);
     AddNotes(text);
     return text;
 }

@@ -31,7 +31,7 @@ private:
 };
 
 bool InUse(int pair) {
-    return CoordinateInUse(3 * static_cast<std::size_t>(pair));
+    return Used(pair, 3);
 }
 
 bool OnItsTarget(int pair) {
@@ -53,7 +53,7 @@ std::string PairThatStartsOnItsTarget() {
     Job.RotXCopy = Job.RotX;
     Job.RotYCopy = Job.RotY;
     Job.RotZCopy = Job.RotZ;
-    for (int pair = 1; pair <= Job.nIdent; ++pair)
-        if (InUse(pair) && OnItsTarget(pair)) return Job.MCS_Name[static_cast<std::size_t>(pair)];
+    for (int pair = 1; pair <= Job.Pairs(); ++pair)
+        if (InUse(pair) && OnItsTarget(pair)) return Job.Start.Name[static_cast<std::size_t>(pair)];
     return "";
 }

@@ -13,12 +13,6 @@ FormTrafoBerechnung& w = TrafoWindow;
 
 constexpr int kBlack = 0, kRed = 12;  // of the sixteen colours
 
-// An array of a point set with room for `count` points, as long as the counts say.
-template <class Array>
-void CutTo(Array& array, std::int32_t count) {
-    array.resize(static_cast<std::size_t>(count) + 1);
-}
-
 }  // namespace
 
 bool DirectionSwitched() {
@@ -51,25 +45,12 @@ void FormTrafoBerechnung::BtnSwitchMcsOcs_Click() {
 // systems stay where they are.
 void MCS_OCS() {
     ++Run.JobGeneration;
-    std::swap(Job.MCS_Name, Job.OCS_Name);
-    std::swap(Job.MCS_X, Job.OCS_X);
-    std::swap(Job.MCS_Y, Job.OCS_Y);
-    std::swap(Job.MCS_Z, Job.OCS_Z);
-    std::swap(Job.nMCS, Job.nOCS);
-    std::swap(Job.nMCSOnly, Job.nOCSOnly);
-    const auto cut = [](auto& names, auto& x, auto& y, auto& z, std::int32_t count) {
-        CutTo(names, count);
-        CutTo(x, count);
-        CutTo(y, count);
-        CutTo(z, count);
-    };
-    cut(Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z, Job.nMCS);
-    cut(Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z, Job.nOCS);
+    std::swap(Job.Start, Job.Target);
+    // As long as the counts say.
+    Job.Start.Resize(Job.Start.Count());
+    Job.Target.Resize(Job.Target.Count());
     // As after an import, the transformed points are the start points until they are calculated.
-    Job.TMCS_Name = Job.MCS_Name;
-    Job.TMCS_X = Job.MCS_X;
-    Job.TMCS_Y = Job.MCS_Y;
-    Job.TMCS_Z = Job.MCS_Z;
+    Job.Transformed = Job.Start;
     // The parameters are those of the other direction until the next calculation.
     Run.TrafoValid = Run.CalcDone = kFalse;
     Run.JobDirty = kTrue;

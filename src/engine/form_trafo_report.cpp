@@ -99,7 +99,7 @@ void ShowSigmas() {
 // --- Quality ----------------------------------------------------------------------------------------------
 
 std::string NameOf(int point) {
-    return point == 0 ? "" : Job.MCS_Name[At(point)];
+    return point == 0 ? "" : Job.Start.Name[At(point)];
 }
 
 // All quality values, in the order of their fields.

@@ -65,7 +65,7 @@ void TabelleFüllenNeu() {
     table.Object = w.CheckObject.Value == 1;
     table.Deviation = w.CheckDeviation.Value == 1;
     if (RowKinds(table) == 0) return;
-    if (Job.nIdent <= UpperBound(Job.MCS_Name)) ChooseDefaultSeeds();
+    ChooseDefaultSeeds();
     table.LengthFactor = Units.LengthFactor;
     table.Format = Units.FmtLength;
     std::copy(Job.SeedName.begin() + 1, Job.SeedName.end(), table.Seeds.begin());
@@ -84,7 +84,7 @@ void FormTrafoBerechnung::CheckDeviation_Click() {
 }
 
 void FormTrafoBerechnung::BtnUseAllPts_Click() {
-    const int flags = std::min(3 * Job.nIdent, UpperBound(Job.UseFlags));
+    const int flags = std::min(3 * Job.Pairs(), UpperBound(Job.UseFlags));
     std::fill_n(Job.UseFlags.begin() + 1, std::max(flags, 0), std::int16_t{1});
     if (RecalculatesByItself()) {
         BtnCalculate_Click();

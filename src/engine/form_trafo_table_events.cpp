@@ -21,9 +21,8 @@ std::size_t At(int i) {
 // the job no longer has that point.
 int PointSeen(int row) {
     const int point = PointOfRow(w.Points, FilledRow(w.Tabelle.Grid, row));
-    const bool still = point >= 1 && point <= Job.nIdent && 3 * point <= UpperBound(Job.UseFlags) &&
-                       point <= UpperBound(Job.MCS_Name) &&
-                       Job.MCS_Name[At(point)] == w.Points.Names[At(point)];
+    const bool still = point >= 1 && point <= Job.Pairs() && 3 * point <= UpperBound(Job.UseFlags) &&
+                       Job.Start.Name[At(point)] == w.Points.Names[At(point)];
     return still ? point : 0;
 }
 
@@ -70,7 +69,7 @@ bool ActOnSelection() {
 bool TakeSeed() {
     const GridState& grid = w.Tabelle.Grid;
     const int point = grid.Col == kColName ? PointSeen(grid.Row) : 0;
-    if (point == 0 || ItsASeed(Job.MCS_Name[At(point)])) return false;
+    if (point == 0 || ItsASeed(Job.Start.Name[At(point)])) return false;
     TakeAsNewestSeed(point);
     TabelleFüllenNeu();
     return true;

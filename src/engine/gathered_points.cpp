@@ -25,16 +25,16 @@ void GatherPosesOfJob(GatheredPoints& points) {
 }  // namespace
 
 void GatherPoints(const Column& P, bool poses, GatheredPoints& points) {
-    BeginGathering(Job.nIdent, StartPoint, TargetPoint, P, points);
+    BeginGathering(Job.Pairs(), StartPoint, TargetPoint, P, points);
     // Straight from the tagged columns of the job: a copy of a million points would cost as much as a fit.
     const Vec3 c = points.StartCentre, q = points.TargetCentre;
     for (std::size_t k = 0; k < At(points.Count); ++k) {
-        points.Start[0][k] = Job.MCS_X[k + 1].value_or(0) - c(1);
-        points.Start[1][k] = Job.MCS_Y[k + 1].value_or(0) - c(2);
-        points.Start[2][k] = Job.MCS_Z[k + 1] - c(3);
-        points.Target[0][k] = Job.OCS_X[k + 1].value_or(0) - q(1);
-        points.Target[1][k] = Job.OCS_Y[k + 1].value_or(0) - q(2);
-        points.Target[2][k] = Job.OCS_Z[k + 1] - q(3);
+        points.Start[0][k] = Job.Start.X[k + 1].value_or(0) - c(1);
+        points.Start[1][k] = Job.Start.Y[k + 1].value_or(0) - c(2);
+        points.Start[2][k] = Job.Start.Z[k + 1] - c(3);
+        points.Target[0][k] = Job.Target.X[k + 1].value_or(0) - q(1);
+        points.Target[1][k] = Job.Target.Y[k + 1].value_or(0) - q(2);
+        points.Target[2][k] = Job.Target.Z[k + 1] - q(3);
     }
     if (poses) GatherPosesOfJob(points);
 }

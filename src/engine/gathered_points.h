@@ -3,7 +3,7 @@
 
 #include "fit/gathered_points.h"
 
-// Gathers the first Job.nIdent pairs; their weights come apart.
+// Gathers the first Job.Pairs() pairs; their weights come apart.
 //   P      weights, three entries a pair; what has weight 0 is left out of the choice of centres
 //   poses  gathers the orientation matrices Rz(A) Ry(B) Rx(C) of Job.RobotABC as well; a pair without
 //          an entry there counts as turned by 0, which CalculationIsRefused lets no fit come to

@@ -172,10 +172,10 @@ void MonteCarloInitialisieren() {
     ++MonteCarlo.Started;
     MonteCarlo.MonteCarloDone = kFalse;
     MonteCarlo.Shown.reset();  // of runs that these overtake; closing it later would close the new window
-    const auto size = At(Job.nIdent) + 1;
+    const auto size = At(Job.Pairs()) + 1;
     for (Column* const saved : {&MonteCarlo.MCSaveX, &MonteCarlo.MCSaveY, &MonteCarlo.MCSaveZ})
         saved->assign(size, 0);
-    for (int i = 1; i <= Job.nIdent; ++i) {
+    for (int i = 1; i <= Job.Pairs(); ++i) {
         const Vec3 p = StartPoint(i);
         MonteCarlo.MCSaveX[At(i)] = p(1);
         MonteCarlo.MCSaveY[At(i)] = p(2);

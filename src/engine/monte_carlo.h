@@ -26,7 +26,7 @@ inline constexpr int kMonteCarloArrays = kSigmaXYZ;
 struct MonteCarloRecord {
     Flag MonteCarloOn = kFalse;        // the next calculation by least squares begins with the runs
     Flag MonteCarloDone = kFalse;      // MCResults is complete; stays so until the next runs begin
-    Column MCSaveX, MCSaveY, MCSaveZ;  // 1 to Job.nIdent: the start points without noise, mm
+    Column MCSaveX, MCSaveY, MCSaveZ;  // 1 to Job.Pairs(): the start points without noise, mm
     // Row k holds array k, entries 1 to the number of runs; mm and rad. Those of a held parameter are 0.
     Matrix MCResults;
     std::uint64_t Started = 0;  // counts the starts: a run that was overtaken by another writes nothing

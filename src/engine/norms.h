@@ -18,7 +18,7 @@ inline NormRecord Norm;
 // One calculation, from the weights that its use flags give to those that its result stands on.
 struct NormFit {
     int u = 0;  // unknowns
-    int n = 0;  // observations, 3 Job.nIdent
+    int n = 0;  // observations, 3 Job.Pairs()
     std::array<std::string, 18> ParamText;
     // The start values that the texts meant when the norm began: the units may change while it runs.
     StartChoice Choice;

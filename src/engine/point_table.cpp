@@ -52,16 +52,9 @@ bool IsUseCell(const PointTable& table, int row, int col) {
     return col >= kColUseX && col <= kColUseZ && IsDeviationRow(table, row);
 }
 
-// While an import replaces the points, counts and arrays need not fit each other.
+// While an import goes on, the pairs that it has found need not have use flags yet.
 int PairsOfJob() {
-    const auto reaches = [](int count, const auto&... arrays) {
-        return ((UpperBound(arrays) >= count) && ...);
-    };
-    const bool whole = Job.nIdent > 0 &&
-                       reaches(Job.nIdent, Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z, Job.OCS_X,
-                               Job.OCS_Y, Job.OCS_Z, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z) &&
-                       reaches(3 * Job.nIdent, Job.UseFlags);
-    return whole ? Job.nIdent : 0;
+    return UpperBound(Job.UseFlags) >= 3 * Job.Pairs() ? Job.Pairs() : 0;
 }
 
 std::array<double, 3> Components(const Vec3& point) {
@@ -69,9 +62,8 @@ std::array<double, 3> Components(const Vec3& point) {
 }
 
 std::array<double, 3> DeviationOf(int i) {
-    const Vec3 target = TargetPoint(i);
-    return {Job.TMCS_X[At(i)].value_or(0) - target(1), Job.TMCS_Y[At(i)].value_or(0) - target(2),
-            Job.TMCS_Z[At(i)] - target(3)};
+    const Vec3 image = TransformedPoint(i), target = TargetPoint(i);
+    return {image(1) - target(1), image(2) - target(2), image(3) - target(3)};
 }
 
 }  // namespace
@@ -90,12 +82,11 @@ void TakePoints(PointTable& table) {
     table.Deviations.assign(table.Deviation ? size : 0, {});
     table.InUse.assign(size, {});
     for (int i = 1; i <= pairs; ++i) {
-        table.Names[At(i)] = Job.MCS_Name[At(i)];
+        table.Names[At(i)] = Job.Start.Name[At(i)];
         if (table.Measurement) table.Start[At(i)] = Components(StartPoint(i));
         if (table.Object) table.Target[At(i)] = Components(TargetPoint(i));
         if (table.Deviation) table.Deviations[At(i)] = DeviationOf(i);
-        for (int axis = 0; axis < 3; ++axis)
-            table.InUse[At(i)][At(axis)] = CoordinateInUse(At(3 * i - 2 + axis));
+        for (int axis = 0; axis < 3; ++axis) table.InUse[At(i)][At(axis)] = Used(i, axis + 1);
     }
 }
 

@@ -41,10 +41,10 @@ std::vector<std::string> FieldsOf(std::string_view line) {
 // of both their points.
 std::unordered_map<std::string, int> PairsByName() {
     std::unordered_map<std::string, int> pairs;
-    for (int i = 1; i <= Job.nIdent; ++i) {
+    for (int i = 1; i <= Job.Pairs(); ++i) {
         const auto k = static_cast<std::size_t>(i);
-        const std::string& target = Job.OCS_Name[k];
-        pairs.emplace(Job.MCS_Name[k], i);
+        const std::string& target = Job.Target.Name[k];
+        pairs.emplace(Job.Start.Name[k], i);
         pairs.emplace(target, i);
         constexpr std::string_view kMark = "=OCS_";
         if (const std::size_t at = target.rfind(kMark); at != std::string::npos)
@@ -124,7 +124,7 @@ void NotePositions(const std::vector<PoseLine>& poses, const std::vector<int>& k
         if (apart > kFar)
             AddNote(NoteCode::PosesDoubtful,
                     "The position of the pose for point \"" +
-                        Printable(Job.OCS_Name[static_cast<std::size_t>(i)]) + "\" is " +
+                        Printable(Job.Target.Name[static_cast<std::size_t>(i)]) + "\" is " +
                         FormatNumber(apart * Units.LengthFactor, Units.FmtLength) +
                         " off the target point; the orientation is taken all the same",
                     path, pose.Line);
@@ -148,8 +148,8 @@ std::vector<PoseLine> ReadPoses(const std::string& path) {
 
 void LoadPoses(const std::string& path) {
     const std::vector<PoseLine> poses = ReadPoses(path);
-    Matrix robot(Job.nIdent, 3);
-    std::vector<int> known(static_cast<std::size_t>(Job.nIdent) +
+    Matrix robot(Job.Pairs(), 3);
+    std::vector<int> known(static_cast<std::size_t>(Job.Pairs()) +
                            1);  // line of each pair's pose; 0 = none yet
     const auto pairs = PairsByName();
     int place = 0;
@@ -164,8 +164,8 @@ void LoadPoses(const std::string& path) {
             throw PlatformError{pose.Place +
                                 ": lines with a name and lines without one stand in the same file"};
         const int pair = pose.Name.empty() ? ++place : pairs.at(pose.Name);
-        if (pair > Job.nIdent)
-            throw PlatformError{pose.Place + ": there are only " + std::to_string(Job.nIdent) +
+        if (pair > Job.Pairs())
+            throw PlatformError{pose.Place + ": there are only " + std::to_string(Job.Pairs()) +
                                 " identical points; with names in front, the poses need no order"};
         int& line = known[static_cast<std::size_t>(pair)];
         if (line > 0)
@@ -176,10 +176,10 @@ void LoadPoses(const std::string& path) {
         line = pose.Line;
         for (int k = 1; k <= 3; ++k) robot(pair, k) = pose.Angles[static_cast<std::size_t>(k - 1)];
     }
-    for (int i = 1; i <= Job.nIdent; ++i)
+    for (int i = 1; i <= Job.Pairs(); ++i)
         if (known[static_cast<std::size_t>(i)] == 0)
             throw PlatformError{path + ": there is no pose for the identical point \"" +
-                                Printable(Job.MCS_Name[static_cast<std::size_t>(i)]) + "\""};
+                                Printable(Job.Start.Name[static_cast<std::size_t>(i)]) + "\""};
     NotePositions(poses, known, path);
     Job.RobotABC = std::move(robot);
     FindPoseSpans();

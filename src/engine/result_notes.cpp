@@ -79,11 +79,9 @@ struct Reach {
     Reach() {
         std::array<double, 4> least{}, most{}, leastTarget{}, mostTarget{};
         bool first = true;
-        for (int i = 1; i <= Job.nIdent; ++i) {
+        for (int i = 1; i <= Job.Pairs(); ++i) {
             const Vec3 p = StartPoint(i), q = TargetPoint(i);
-            if (!CoordinateInUse(At(3 * i - 2)) && !CoordinateInUse(At(3 * i - 1)) &&
-                !CoordinateInUse(At(3 * i)))
-                continue;
+            if (!Used(i, 1) && !Used(i, 2) && !Used(i, 3)) continue;
             for (int k = 1; k <= 3; ++k) {
                 least[At(k)] = first ? p(k) : std::min(least[At(k)], p(k));
                 most[At(k)] = first ? p(k) : std::max(most[At(k)], p(k));
@@ -109,11 +107,11 @@ struct Spreads {
         std::vector<Vec3> points, targets;
         Vec3 middle, targetMiddle;
         double squares = 0;
-        for (int i = 1; i <= Job.nIdent; ++i) {
+        for (int i = 1; i <= Job.Pairs(); ++i) {
             bool any = false;
             for (int axis = 1; axis <= 3; ++axis) {
+                if (!Used(i, axis)) continue;
                 const std::size_t row = At(3 * (i - 1) + axis);
-                if (!CoordinateInUse(row)) continue;
                 any = true;
                 squares += Calculation.v[row] * Calculation.v[row];
             }
@@ -171,7 +169,7 @@ void NoteCollapsed(std::string text) {
 void NoteTooNear() {
     constexpr double kNear = 1e-70;    // mm
     constexpr int kMostPoints = 1000;  // many points that are measured at all are not so near
-    if (Job.nIdent > kMostPoints) return;
+    if (Job.Pairs() > kMostPoints) return;
     const Reach reach;
     const double start = std::max({reach.Start[1], reach.Start[2], reach.Start[3]}), target = reach.Target;
     const auto near = [](double length) { return length > 0 && length < kNear; };
@@ -235,12 +233,12 @@ double Handedness(const Mat3& M) {
 
 void NoteRedundancy(const NormFit& fit, const FitModel& model) {
     int observations = 0;
-    for (int i = 1; i <= Job.nIdent; ++i) {
+    for (int i = 1; i <= Job.Pairs(); ++i) {
         if (model.Mode == FitMode::Distance) {
-            observations += CoordinateInUse(At(3 * i)) ? 1 : 0;
+            observations += Used(i, 3) ? 1 : 0;
             continue;
         }
-        for (int axis = 1; axis <= 3; ++axis) observations += CoordinateInUse(At(3 * (i - 1) + axis)) ? 1 : 0;
+        for (int axis = 1; axis <= 3; ++axis) observations += Used(i, axis) ? 1 : 0;
     }
     if (observations != fit.u) return;
     AddNote(NoteCode::NoRedundancy, "no redundancy: sigma says nothing (" + std::to_string(observations) +

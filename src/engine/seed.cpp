@@ -17,18 +17,18 @@ namespace {
 // The pair that stands as seed k. Where no seed has been chosen, or the pairs have become fewer since,
 // pair k itself; 0 where there is none.
 int SeedPair(int k) {
-    if (k > Job.nIdent) return 0;
+    if (k > Job.Pairs()) return 0;
     const int chosen = Job.SeedIndex[static_cast<std::size_t>(k)];
-    return chosen >= 1 && chosen <= Job.nIdent ? chosen : k;
+    return chosen >= 1 && chosen <= Job.Pairs() ? chosen : k;
 }
 
 // The raw scales are wanted only where all nine coordinates of the seed points take part.
 bool ScalesAreOne() {
     if (Settings.RawScale == 1) return true;
-    if (Settings.RawScale != 2 || Job.nIdent < 3) return false;
+    if (Settings.RawScale != 2 || Job.Pairs() < 3) return false;
     for (int k = 1; k <= 3; ++k)
         for (int axis = 1; axis <= 3; ++axis) {
-            if (!CoordinateInUse(static_cast<std::size_t>(3 * (SeedPair(k) - 1) + axis))) return true;
+            if (!Used(SeedPair(k), axis)) return true;
         }
     return false;
 }
@@ -42,7 +42,7 @@ const std::string* ChosenStart(int parameter) {
 
 void SetSeed(std::size_t k, int pair) {
     Job.SeedIndex[k] = ToInt16(pair, "Number of the seed point");
-    Job.SeedName[k] = Job.MCS_Name[static_cast<std::size_t>(pair)];
+    Job.SeedName[k] = Job.Start.Name[static_cast<std::size_t>(pair)];
 }
 
 }  // namespace
@@ -98,12 +98,12 @@ bool ItsASeed(const std::string& name) {
 
 void ChooseDefaultSeeds() {
     if (!Job.SeedName[1].empty()) return;
-    for (int k = 1; k <= 3 && k <= Job.nIdent; ++k) SetSeed(static_cast<std::size_t>(k), k);
+    for (int k = 1; k <= 3 && k <= Job.Pairs(); ++k) SetSeed(static_cast<std::size_t>(k), k);
 }
 
 void TakeAsNewestSeed(int pair) {
-    Require(pair >= 1 && pair <= Job.nIdent);
-    if (ItsASeed(Job.MCS_Name[static_cast<std::size_t>(pair)])) return;
+    Require(pair >= 1 && pair <= Job.Pairs());
+    if (ItsASeed(Job.Start.Name[static_cast<std::size_t>(pair)])) return;
     const auto names = Job.SeedName;
     const auto indices = Job.SeedIndex;
     SetSeed(1, pair);

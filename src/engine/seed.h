@@ -30,7 +30,7 @@ bool ItsASeed(const std::string& name);
 void ChooseDefaultSeeds();
 
 // Makes an identical point the newest seed: it becomes the first one, the first the second, the second
-// the third. A point that is a seed already changes nothing. Require: 1 <= pair <= Job.nIdent. Throws
+// the third. A point that is a seed already changes nothing. Require: 1 <= pair <= Job.Pairs(). Throws
 // PlatformError, the seeds unchanged, for a pair beyond 32767, the last that a job file can name.
 void TakeAsNewestSeed(int pair);
 

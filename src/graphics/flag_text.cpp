@@ -29,15 +29,6 @@ struct RowPoints {
     Vec3 Actual, Nominal;
 };
 
-Vec3 ActualOf(int i) {
-    const auto at = static_cast<std::size_t>(i);
-    return {Job.TMCS_X[at].value_or(0), Job.TMCS_Y[at].value_or(0), Job.TMCS_Z[at]};
-}
-Vec3 NominalOf(int i) {
-    const auto at = static_cast<std::size_t>(i);
-    return {Job.OCS_X[at].value_or(0), Job.OCS_Y[at].value_or(0), Job.OCS_Z[at]};
-}
-
 // The points behind a row of the scene; both rows of a pair show the pair.
 RowPoints PointsOfRow(int row) {
     RowPoints points;
@@ -50,13 +41,11 @@ RowPoints PointsOfRow(int row) {
     } else {
         target = row - ident - startOnly;
     }
-    const auto has = [](int i, const auto&... columns) {
-        return i >= 1 && ((i <= UpperBound(columns)) && ...);
-    };
-    points.HasActual = has(start, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z);
-    points.HasNominal = has(target, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
-    if (points.HasActual) points.Actual = ActualOf(start);
-    if (points.HasNominal) points.Nominal = NominalOf(target);
+    // The scene may be of points that are gone.
+    points.HasActual = start >= 1 && start <= Job.Transformed.Count();
+    points.HasNominal = target >= 1 && target <= Job.Target.Count();
+    if (points.HasActual) points.Actual = TransformedPoint(start);
+    if (points.HasNominal) points.Nominal = TargetPoint(target);
     return points;
 }
 
@@ -192,7 +181,7 @@ void FillFlagLabel(const ScreenWindow& window, int row, const FlagRecord& record
         if (points.HasNominal) WritePoint(points.Nominal, label.Text[kFlagNominal]);
         if (points.HasActual && points.HasNominal) WriteDeviation(window.State, points, label.Text[kFlagDev]);
         for (std::size_t axis = 0; axis < 3 && points.Pair != 0; ++axis) {
-            label.InUse[axis] = CoordinateInUse(3 * static_cast<std::size_t>(points.Pair) - 2 + axis);
+            label.InUse[axis] = Used(points.Pair, static_cast<int>(axis) + 1);
             if (label.InUse[axis]) label.Text[kFlagUse][kFlagX + axis] = "X";
         }
     }

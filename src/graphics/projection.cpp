@@ -102,8 +102,8 @@ bool VectorsNeeded(const ScreenWindow& window) {
 void TurnUsedVectors(const Mat3& M) {
     for (int i = 1; i <= Scene.Ident; ++i) {
         const auto row = static_cast<std::size_t>(i);
-        const auto component = [row](SceneColumn column, std::size_t axis) {
-            return CoordinateInUse(3 * row - 3 + axis) ? static_cast<double>(Scene.Points[column][row]) : 0.0;
+        const auto component = [i, row](SceneColumn column, int axis) {
+            return Used(i, axis) ? static_cast<double>(Scene.Points[column][row]) : 0.0;
         };
         const double x = component(kSceneVecX, 1), y = component(kSceneVecY, 2), z = component(kSceneVecZ, 3);
         Scene.Vectors[1][row] = static_cast<float>(M(1, 1) * x + M(1, 2) * y + M(1, 3) * z);
@@ -307,8 +307,7 @@ void Max_Min(ScreenWindow& window) {
 
 WorldBounds MaxMinGlobalSys() {
     WorldBounds bounds{-kFarAway, -kFarAway, -kFarAway, kFarAway, kFarAway, kFarAway};
-    const int count =
-        std::min({Job.nMCS, UpperBound(Job.MCS_X), UpperBound(Job.MCS_Y), UpperBound(Job.MCS_Z)});
+    const int count = Job.Start.Count();
     for (int i = 1; i <= count; ++i) {
         const Vec3 point = StartPoint(i);
         bounds.xmax = std::max(bounds.xmax, point(1));

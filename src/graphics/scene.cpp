@@ -14,7 +14,6 @@
 
 namespace {
 
-// Sizes that every array of the job can serve: a job whose counts and arrays do not fit shows what it has.
 struct SceneCounts {
     int Ident = 0, MCSOnly = 0, OCSOnly = 0;
     int Rows() const { return 2 * Ident + MCSOnly + OCSOnly; }
@@ -22,16 +21,7 @@ struct SceneCounts {
 
 SceneCounts CountsOfJob() {
     if (!IsTrue(Run.JobDataValid)) return {};
-    const auto least = [](std::initializer_list<std::size_t> sizes) {
-        return static_cast<int>(std::min(std::min(sizes), std::size_t{1} << 29U)) - 1;
-    };
-    const int start = least({Job.TMCS_Name.size(), Job.TMCS_X.size(), Job.TMCS_Y.size(), Job.TMCS_Z.size()});
-    const int target = least({Job.OCS_Name.size(), Job.OCS_X.size(), Job.OCS_Y.size(), Job.OCS_Z.size()});
-    SceneCounts counts;
-    counts.Ident = std::max(0, std::min({Job.nIdent, start, target}));
-    counts.MCSOnly = std::max(0, std::min(Job.nMCSOnly, start - counts.Ident));
-    counts.OCSOnly = std::max(0, std::min(Job.nOCSOnly, target - counts.Ident));
-    return counts;
+    return {Job.Pairs(), Job.StartOnly(), Job.TargetOnly()};
 }
 
 float AsFloat(const TaggedValue& value) {
@@ -47,20 +37,14 @@ void SizeTables(int rows) {
     Scene.Rows = rows;
 }
 
-enum class PointSet { TransformedStart, Target };
-
 // Rows `first` .. of one block, with the points from number `from` of one of the job's sets.
-void FillBlock(int first, int count, PointSet set, int from) {
-    const bool start = set == PointSet::TransformedStart;
-    const std::vector<TaggedValue>& x = start ? Job.TMCS_X : Job.OCS_X;
-    const std::vector<TaggedValue>& y = start ? Job.TMCS_Y : Job.OCS_Y;
-    const std::vector<double>& z = start ? Job.TMCS_Z : Job.OCS_Z;
+void FillBlock(int first, int count, const PointSet& points, int from) {
     for (int k = 0; k < count; ++k) {
         const auto row = static_cast<std::size_t>(first + k);
         const auto point = static_cast<std::size_t>(from + k);
-        Scene.Points[kSceneX][row] = AsFloat(x[point]);
-        Scene.Points[kSceneY][row] = AsFloat(y[point]);
-        Scene.Points[kSceneZ][row] = static_cast<float>(z[point]);
+        Scene.Points[kSceneX][row] = AsFloat(points.X[point]);
+        Scene.Points[kSceneY][row] = AsFloat(points.Y[point]);
+        Scene.Points[kSceneZ][row] = static_cast<float>(points.Z[point]);
         Scene.Points[kSceneInside][row] = 1.0F;
     }
 }
@@ -69,9 +53,8 @@ void FillBlock(int first, int count, PointSet set, int from) {
 void FillDeviations() {
     for (int i = 1; i <= Scene.Ident; ++i) {
         const auto row = static_cast<std::size_t>(i);
-        const double x = Job.TMCS_X[row].value_or(0) - Job.OCS_X[row].value_or(0);
-        const double y = Job.TMCS_Y[row].value_or(0) - Job.OCS_Y[row].value_or(0);
-        const double z = Job.TMCS_Z[row] - Job.OCS_Z[row];
+        const Vec3 start = TransformedPoint(i), target = TargetPoint(i);
+        const double x = start(1) - target(1), y = start(2) - target(2), z = start(3) - target(3);
         Scene.Points[kSceneDevX][row] = static_cast<float>(x);
         Scene.Points[kSceneDevY][row] = static_cast<float>(y);
         Scene.Points[kSceneDevZ][row] = static_cast<float>(z);
@@ -80,8 +63,7 @@ void FillDeviations() {
 }
 
 bool AnyCoordinateInUse(int point) {
-    const std::size_t first = 3 * static_cast<std::size_t>(point) - 2;
-    return CoordinateInUse(first) || CoordinateInUse(first + 1) || CoordinateInUse(first + 2);
+    return Used(point, 1) || Used(point, 2) || Used(point, 3);
 }
 
 // Column 12. The filters by use only ever switch the row of the start point on: they act as filters where the
@@ -138,10 +120,10 @@ void FillPoints(ScreenWindow& window) {
     SizeTables(counts.Rows());
     Scene.InsideOf = {};  // the next paint hides what is behind the planes
     SizeFlagIndex(window);
-    FillBlock(1, Scene.Ident, PointSet::TransformedStart, 1);
-    FillBlock(Scene.Ident + 1, Scene.Ident, PointSet::Target, 1);
-    FillBlock(2 * Scene.Ident + 1, Scene.MCSOnly, PointSet::TransformedStart, Scene.Ident + 1);
-    FillBlock(2 * Scene.Ident + Scene.MCSOnly + 1, Scene.OCSOnly, PointSet::Target, Scene.Ident + 1);
+    FillBlock(1, Scene.Ident, Job.Transformed, 1);
+    FillBlock(Scene.Ident + 1, Scene.Ident, Job.Target, 1);
+    FillBlock(2 * Scene.Ident + 1, Scene.MCSOnly, Job.Transformed, Scene.Ident + 1);
+    FillBlock(2 * Scene.Ident + Scene.MCSOnly + 1, Scene.OCSOnly, Job.Target, Scene.Ident + 1);
     ForgetClasses();
     Scene.PaintStale = true;
 }
@@ -154,10 +136,10 @@ const std::string& ScenePointName(int row) {
         return point >= 1 && point <= UpperBound(names) ? names[static_cast<std::size_t>(point)] : kNone;
     };
     if (row < 1 || row > Scene.Rows) return kNone;
-    if (row <= Scene.Ident) return name(Job.OCS_Name, row);
-    if (row <= 2 * Scene.Ident) return name(Job.OCS_Name, row - Scene.Ident);
-    if (row <= 2 * Scene.Ident + Scene.MCSOnly) return name(Job.TMCS_Name, row - Scene.Ident);
-    return name(Job.OCS_Name, row - Scene.Ident - Scene.MCSOnly);
+    if (row <= Scene.Ident) return name(Job.Target.Name, row);
+    if (row <= 2 * Scene.Ident) return name(Job.Target.Name, row - Scene.Ident);
+    if (row <= 2 * Scene.Ident + Scene.MCSOnly) return name(Job.Transformed.Name, row - Scene.Ident);
+    return name(Job.Target.Name, row - Scene.Ident - Scene.MCSOnly);
 }
 
 void Grafik_Festlegen(ScreenWindow& window) {

@@ -48,7 +48,7 @@ struct SceneView {
 };
 
 struct SceneRecord {
-    int Rows = 0;  // n; rows 1 to nIdent are MCS points, the next nIdent their OCS points
+    int Rows = 0;  // n; rows 1 to Ident are start points, the next Ident their target points
     std::array<std::vector<float>, kSceneColumns> Points;  // one array a column, each with element 0
     std::array<std::vector<float>, 4> View;                // ViewPoints, columns 1 to 3
     SceneView ViewOf;                                      // what they hold

@@ -142,8 +142,7 @@ void FillShown(const ScreenRecord& state) {
     const int component = SignedComponent(state.ColorBased);
     for (int i = 1; i <= Scene.Ident; ++i) {
         const auto row = static_cast<std::size_t>(i);
-        const Vec3 start(Job.TMCS_X[row].value_or(0), Job.TMCS_Y[row].value_or(0), Job.TMCS_Z[row]);
-        const Vec3 target = TargetPoint(i);
+        const Vec3 start = TransformedPoint(i), target = TargetPoint(i);
         const Shown shown = ShownOf(axes, start, target, show);
         double size = none ? Hypot3(start(1) - target(1), start(2) - target(2), start(3) - target(3))
                            : std::sqrt(shown.X * shown.X + shown.Y * shown.Y + shown.Z * shown.Z);
@@ -160,8 +159,7 @@ SizeRange SizesOf(bool fullyUsedOnly) {
     SizeRange range{-kFarAway, kFarAway, false};
     for (int i = 1; i <= Scene.Ident; ++i) {
         const auto row = static_cast<std::size_t>(i);
-        const bool used =
-            CoordinateInUse(3 * row - 2) && CoordinateInUse(3 * row - 1) && CoordinateInUse(3 * row);
+        const bool used = Used(i, 1) && Used(i, 2) && Used(i, 3);
         const double size = Scene.Points[kSceneSize][row];
         if ((fullyUsedOnly && !used) || !std::isfinite(size)) continue;
         range = {std::max(range.Largest, size), std::min(range.Smallest, size), true};

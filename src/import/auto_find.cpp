@@ -33,13 +33,12 @@ constexpr std::int64_t RowsOf(std::int64_t points) {
 struct Columns {
     std::vector<double> X, Y, Z;
 };
-Columns Gather(const std::vector<TaggedValue>& x, const std::vector<TaggedValue>& y,
-               const std::vector<double>& z, std::int64_t count) {
+Columns Gather(const PointSet& points, std::int64_t count) {
     Columns columns;
     for (std::size_t i = 0; i <= static_cast<std::size_t>(count); ++i) {
-        columns.X.push_back(x[i].value_or(0));
-        columns.Y.push_back(y[i].value_or(0));
-        columns.Z.push_back(z[i]);
+        columns.X.push_back(points.X[i].value_or(0));
+        columns.Y.push_back(points.Y[i].value_or(0));
+        columns.Z.push_back(points.Z[i]);
     }
     return columns;
 }
@@ -58,7 +57,7 @@ struct Tables {
 
 // How many target points the table takes.
 std::int64_t TargetPoints(const MatchingOptions& options) {
-    if (!options.CheckUseOnlyFirst || !(options.TextMaxOCS < Job.nOCS)) return Job.nOCS;
+    if (!options.CheckUseOnlyFirst || !(options.TextMaxOCS < Job.Target.Count())) return Job.Target.Count();
     return options.TextMaxOCS < 1 ? 0 : static_cast<std::int64_t>(options.TextMaxOCS);
 }
 
@@ -74,15 +73,15 @@ bool RefuseTable(std::int64_t points, std::int64_t row_bytes, const char* label)
 
 Tables MakeTables(std::int64_t targetPoints) {
     Tables tables;
-    tables.StartPoints = Job.nMCS;
+    tables.StartPoints = Job.Start.Count();
     tables.TargetPoints = targetPoints;
-    const Columns start = Gather(Job.MCS_X, Job.MCS_Y, Job.MCS_Z, Job.nMCS);
-    const Columns target = Gather(Job.OCS_X, Job.OCS_Y, Job.OCS_Z, targetPoints);
-    tables.Start = DistancesOfPairs(start.X, start.Y, start.Z, Job.nMCS);
+    const Columns start = Gather(Job.Start, Job.Start.Count());
+    const Columns target = Gather(Job.Target, targetPoints);
+    tables.Start = DistancesOfPairs(start.X, start.Y, start.Z, Job.Start.Count());
     tables.Target = DistancesOfPairs(target.X, target.Y, target.Z, targetPoints);
     // The rest of the target table holds zeros. They are searched like any distance, and the two lowest
     // rows of them decide all that more of them would.
-    const std::int64_t zeros = RowsOf(Job.nOCS) - RowsOf(targetPoints);
+    const std::int64_t zeros = RowsOf(Job.Target.Count()) - RowsOf(targetPoints);
     tables.Target.insert(tables.Target.end(), static_cast<std::size_t>(std::min<std::int64_t>(zeros, 2)),
                          0.0);
     return tables;
@@ -135,50 +134,25 @@ std::vector<Candidate> ChooseThree(const std::vector<Candidate>& candidates) {
     return chosen;
 }
 
-// Makes room for three seed points at the front of both sets for as long as it lives: all points stand
-// three places up. The coordinate arrays stay three elements longer afterwards.
-class SeedRoom {
-public:
-    SeedRoom() {
-        Move(Job.nMCS, true, Job.MCS_X, Job.MCS_Y, Job.MCS_Z);
-        Move(Job.nOCS, true, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
+constexpr int kSeeds = 3;
+
+// The coordinates stay three elements longer than the names, as if the seeds had stood in front of the points
+// and all had moved down again: the job file shows what is left then, the last three of both.
+void LeaveRoomOfSeeds(PointSet& points, const std::array<Vec3, kSeeds>& seeds) {
+    points.SpareCoordinates(kSeeds);
+    const int count = points.Count();
+    for (int i = count + 1; i <= count + kSeeds; ++i) {
+        if (const int seed = i - 1; seed < kSeeds) {
+            const Vec3& left = seeds[static_cast<std::size_t>(seed)];
+            points.SetPoint(i, left(1), left(2), left(3));
+            continue;
+        }
+        const auto to = static_cast<std::size_t>(i), from = to - kSeeds;
+        points.X[to] = points.X[from];
+        points.Y[to] = points.Y[from];
+        points.Z[to] = points.Z[from];
     }
-    ~SeedRoom() {
-        Move(Job.nMCS, false, Job.MCS_X, Job.MCS_Y, Job.MCS_Z);
-        Move(Job.nOCS, false, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
-    }
-    SeedRoom(const SeedRoom&) = delete;
-    SeedRoom& operator=(const SeedRoom&) = delete;
-
-private:
-    static constexpr std::ptrdiff_t kSeeds = 3;
-
-    template <class... Arrays>
-    static void Move(std::ptrdiff_t count, bool up, Arrays&... arrays) {
-        const auto moveOne = [count, up](auto& array) {
-            if (up) array.resize(static_cast<std::size_t>(count + 1 + kSeeds));
-            const auto first = array.begin() + 1;
-            if (up) {
-                std::move_backward(first, first + count, first + count + kSeeds);
-            } else {
-                std::move(first + kSeeds, first + kSeeds + count, first);
-            }
-        };
-        (moveOne(arrays), ...);
-    }
-};
-
-// A setting that is put back.
-class RawScaleOfOne {
-public:
-    RawScaleOfOne() : before_(Settings.RawScale) { Settings.RawScale = 1; }
-    ~RawScaleOfOne() { Settings.RawScale = before_; }
-    RawScaleOfOne(const RawScaleOfOne&) = delete;
-    RawScaleOfOne& operator=(const RawScaleOfOne&) = delete;
-
-private:
-    std::int16_t before_;
-};
+}
 
 Vec3 Middle(const Vec3& a, const Vec3& b) {
     return {(a(1) + b(1)) / 2, (a(2) + b(2)) / 2, (a(3) + b(3)) / 2};
@@ -187,7 +161,7 @@ Vec3 Middle(const Vec3& a, const Vec3& b) {
 // The raw solution from the middles of the chosen pairs: which end of a distance is which does not show,
 // but the middle is the same either way.
 void SolveFromMiddles(const std::vector<Candidate>& chosen) {
-    std::array<Vec3, 3> start, target;
+    std::array<Vec3, kSeeds> start, target;
     for (std::size_t k = 0; k < 3; ++k) {
         const auto point = [](std::int64_t i) { return static_cast<int>(i); };
         start[k] =
@@ -195,33 +169,42 @@ void SolveFromMiddles(const std::vector<Candidate>& chosen) {
         target[k] =
             Middle(TargetPoint(point(chosen[k].Target.First)), TargetPoint(point(chosen[k].Target.Second)));
     }
-    const SeedRoom room;
-    for (std::size_t k = 0; k < 3; ++k) {
-        Job.MCS_X[k + 1] = start[k](1);
-        Job.MCS_Y[k + 1] = start[k](2);
-        Job.MCS_Z[k + 1] = start[k](3);
-        Job.OCS_X[k + 1] = target[k](1);
-        Job.OCS_Y[k + 1] = target[k](2);
-        Job.OCS_Z[k + 1] = target[k](3);
-        Job.SeedIndex[k + 1] = static_cast<std::int16_t>(k + 1);
+    SeedPoints seeds;
+    for (std::size_t k = 1; k <= kSeeds; ++k) {
+        seeds.Pair[k] = static_cast<int>(k);
+        seeds.Start[k] = start[k - 1];
+        seeds.Target[k] = target[k - 1];
+        Job.SeedIndex[k] = static_cast<std::int16_t>(k);
     }
-    Job.nIdent = 3;
-    const RawScaleOfOne scale;
-    RawSolution(Job.TraX, Job.TraY, Job.TraZ, Job.RotXCopy, Job.RotYCopy, Job.RotZCopy, Job.ScaleX,
-                Job.ScaleY, Job.ScaleZ);
+    seeds.Reference = ReferenceInFrame(seeds.Target);
+    seeds.ScalesAreOne = true;
+    Parameters raw;
+    RawSolution(seeds, raw);
+    Job.TraX = raw[kTraX];
+    Job.TraY = raw[kTraY];
+    Job.TraZ = raw[kTraZ];
+    Job.RotXCopy = raw[kRotX];
+    Job.RotYCopy = raw[kRotY];
+    Job.RotZCopy = raw[kRotZ];
+    Job.ScaleX = raw[kScaleX];
+    Job.ScaleY = raw[kScaleY];
+    Job.ScaleZ = raw[kScaleZ];
+    LeaveRoomOfSeeds(Job.Start, start);
+    LeaveRoomOfSeeds(Job.Target, target);
 }
 
 }  // namespace
 
 void AutoFindPts(const MatchingOptions& options) {
     Run.StopRequested = kFalse;
-    Job.nIdent = 0;
+    Job.SetPairs(0);
     if (IsTrue(Run.RobotFileHasId))
-        for (std::size_t i = 1; i <= static_cast<std::size_t>(Job.nMCS); ++i)
-            Job.MCS_Name[i] = " " + std::to_string(i) + "_" + Job.MCS_Name[i];
+        for (std::size_t i = 1; i <= static_cast<std::size_t>(Job.Start.Count()); ++i)
+            Job.Start.Name[i] = " " + std::to_string(i) + "_" + Job.Start.Name[i];
 
     const std::int64_t targetPoints = TargetPoints(options);
-    if (RefuseTable(Job.nMCS, kStartRow_bytes, "MCS") || RefuseTable(targetPoints, kTargetRow_bytes, "OCS"))
+    if (RefuseTable(Job.Start.Count(), kStartRow_bytes, "MCS") ||
+        RefuseTable(targetPoints, kTargetRow_bytes, "OCS"))
         return;
 
     std::vector<Candidate> candidates;
@@ -238,6 +221,5 @@ void AutoFindPts(const MatchingOptions& options) {
         return;
     }
     SolveFromMiddles(ChooseThree(candidates));
-    Job.nIdent = 0;
     if (!IsTrue(Run.StopRequested)) PärchenSuchen(options);
 }

@@ -50,12 +50,12 @@ template <class Start, class Target>
 double Span(const Start& start, const Target& target) {
     double largest = -1e10;
     double smallest = 1e10;
-    for (std::size_t i = 1; i <= static_cast<std::size_t>(Job.nIdent); ++i) {
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(Job.Pairs()); ++i) {
         const double deviation = TaggedValue(start[i]).value_or(0) - TaggedValue(target[i]).value_or(0);
         largest = std::max(largest, deviation);
         smallest = std::min(smallest, deviation);
     }
-    return Job.nIdent == 0 ? 0 : largest - smallest;
+    return Job.Pairs() == 0 ? 0 : largest - smallest;
 }
 
 struct QuietOverwrite {
@@ -97,8 +97,8 @@ void ClipboardRoundTrip() {
             std::string("\t") + label + "\t" + FormatNumber(value_mm * Units.LengthFactor, Units.FmtLength);
     };
     add("s0 ", CalculationSigmaXYZ());
-    add("Spanne x ", Span(Job.TMCS_X, Job.OCS_X));
-    add("Spanne y ", Span(Job.TMCS_Y, Job.OCS_Y));
-    add("Spanne z ", Span(Job.TMCS_Z, Job.OCS_Z));
+    add("Spanne x ", Span(Job.Transformed.X, Job.Target.X));
+    add("Spanne y ", Span(Job.Transformed.Y, Job.Target.Y));
+    add("Spanne z ", Span(Job.Transformed.Z, Job.Target.Z));
     ToClipboard(text);
 }

@@ -28,8 +28,9 @@ void EndOvertaken(std::uint64_t generation) {
 }  // namespace
 
 void PärchenSuchen(const MatchingOptions& options) {
-    const auto nMCS = static_cast<std::size_t>(Job.nMCS), nOCS = static_cast<std::size_t>(Job.nOCS);
-    Job.nIdent = 0;
+    const auto nMCS = static_cast<std::size_t>(Job.Start.Count()),
+               nOCS = static_cast<std::size_t>(Job.Target.Count());
+    Job.SetPairs(0);
     Run.StopRequested = kFalse;
     const std::uint64_t generation = Run.JobGeneration;
     std::optional<ProgressWindow> progress;  // seldom needed; the search by distances has shown its own
@@ -46,35 +47,37 @@ void PärchenSuchen(const MatchingOptions& options) {
     if (many && !whileLong(0)) return EndOvertaken(generation);
     std::vector<double> startX(nMCS + 1), startY(nMCS + 1), startZ(nMCS + 1);
     for (std::size_t i = 1; i <= nMCS; ++i)
-        TransformPoint(Job.MCS_X[i].value_or(0), Job.MCS_Y[i].value_or(0), Job.MCS_Z[i], startX[i], startY[i],
-                       startZ[i]);
+        TransformPoint(Job.Start.X[i].value_or(0), Job.Start.Y[i].value_or(0), Job.Start.Z[i], startX[i],
+                       startY[i], startZ[i]);
     if (many && !whileLong(0)) return EndOvertaken(generation);
     std::vector<double> targetX(nOCS + 1), targetY(nOCS + 1), targetZ(nOCS + 1);
     for (std::size_t j = 1; j <= nOCS; ++j) {
-        targetX[j] = Job.OCS_X[j].value_or(0);
-        targetY[j] = Job.OCS_Y[j].value_or(0);
-        targetZ[j] = Job.OCS_Z[j];
+        targetX[j] = Job.Target.X[j].value_or(0);
+        targetY[j] = Job.Target.Y[j].value_or(0);
+        targetZ[j] = Job.Target.Z[j];
     }
     // An element without a name is no point, only a place that a line too short for one has left unused.
     constexpr double kNowhere = std::numeric_limits<double>::quiet_NaN();
     for (std::size_t i = 1; i <= nMCS; ++i)
-        if (Job.MCS_Name[i].empty()) startX[i] = kNowhere;
+        if (Job.Start.Name[i].empty()) startX[i] = kNowhere;
     for (std::size_t j = 1; j <= nOCS; ++j)
-        if (Job.OCS_Name[j].empty()) targetX[j] = kNowhere;
+        if (Job.Target.Name[j].empty()) targetX[j] = kNowhere;
     if (many && !whileLong(0)) return EndOvertaken(generation);
     const std::vector<std::int32_t> partner =
         PairByCoordinates({startX, startY, startZ}, {targetX, targetY, targetZ}, Run.Etta, whileLong);
     if (Run.JobGeneration != generation || IsTrue(Run.StopRequested)) return EndOvertaken(generation);
     constexpr std::size_t kNamesBetweenYields = 1 << 15;
+    int pairs = 0;
     for (std::size_t i = 1; i <= nMCS; ++i) {
         if (i % kNamesBetweenYields == 0 && !whileLong(nMCS)) return EndOvertaken(generation);
         if (partner[i] == 0) continue;
-        std::string& startName = Job.MCS_Name[i];
-        std::string& targetName = Job.OCS_Name[static_cast<std::size_t>(partner[i])];
+        std::string& startName = Job.Start.Name[i];
+        std::string& targetName = Job.Target.Name[static_cast<std::size_t>(partner[i])];
         if (!options.CheckRenameMCS && !options.CheckRenameOCS)
             startName = targetName = startName + "=" + targetName;
         if (options.CheckRenameMCS) startName = targetName;
         if (options.CheckRenameOCS) targetName = startName;
-        ++Job.nIdent;
+        ++pairs;
     }
+    Job.SetPairs(pairs);
 }

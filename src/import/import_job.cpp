@@ -78,7 +78,7 @@ bool TakeEtta(const ImportRequest& request, const std::string& text) {
     return true;
 }
 
-void AddPrefix(std::vector<std::string>& names, const char* prefix) {
+void AddPrefix(PointValues<std::string>& names, const char* prefix) {
     for (std::size_t i = 1; i < names.size(); ++i)
         if (!names[i].empty()) names[i].insert(0, prefix);  // an unused element stays without a name
 }
@@ -114,15 +114,15 @@ bool ReadBothFiles(const ImportRequest& request) {
         {request.StartPath, TargetPointFile(request), request.Kind == TargetKind::Shape, request.How});
     if (IsTrue(Run.ImportFailed)) return false;
     if (request.Way == Pairing::ByID && kind.NumbersPoints)
-        for (std::size_t i = 1; i < Job.MCS_Name.size(); ++i) Job.MCS_Name[i] = std::to_string(i);
+        for (std::size_t i = 1; i < Job.Start.Name.size(); ++i) Job.Start.Name[i] = std::to_string(i);
     if (kind.Read != nullptr) kind.Read({request.TargetPath, request.ByDeclarations, request.How});
     return !IsTrue(Run.ImportFailed);
 }
 
 // Pairing by names refuses a double one, the other ways pair the points whatever they are called.
 void NoteDoubleNamesOfFiles() {
-    NoteDoubleNames(Job.PathMCS, Job.MCS_Name);
-    if (!IsTrue(Job.IsParaboloid)) NoteDoubleNames(Job.PathOCS, Job.OCS_Name);
+    NoteDoubleNames(Job.PathMCS, Job.Start.Name);
+    if (!IsTrue(Job.IsParaboloid)) NoteDoubleNames(Job.PathOCS, Job.Target.Name);
 }
 
 // Each way of identifying reads both files and pairs the points. False when the import must stop.
@@ -135,9 +135,10 @@ bool ImportByDistance(const ImportRequest& request) {
     NoteDoubleNamesOfFiles();
     const MatchingOptions options = OptionsOf(request);
     if (!TakeEtta(request, DistanceText())) return false;
-    AddPrefix(Job.MCS_Name, "MCS_");
-    AddPrefix(Job.OCS_Name, "OCS_");
+    AddPrefix(Job.Start.Name, "MCS_");
+    AddPrefix(Job.Target.Name, "OCS_");
     AutoFindPts(options);
+    Job.SetPairs(0);  // they do not stand in front yet
     return !IsTrue(Run.ImportFailed) && MatchByName();
 }
 
@@ -148,17 +149,18 @@ bool ImportByCoordinate(const ImportRequest& request) {
     Job.ScaleX = Job.ScaleY = Job.ScaleZ = 1;
     if (!TakeEtta(request, CoordinateText())) return false;
     if (!options.CheckRenameMCS && !options.CheckRenameOCS) {
-        AddPrefix(Job.MCS_Name, "MCS_");
-        AddPrefix(Job.OCS_Name, "OCS_");
+        AddPrefix(Job.Start.Name, "MCS_");
+        AddPrefix(Job.Target.Name, "OCS_");
     }
     PärchenSuchen(options);
+    Job.SetPairs(0);  // they do not stand in front yet
     if (IsTrue(Run.ImportFailed) || IsTrue(Run.StopRequested)) return false;
     if (options.CheckRenameMCS)
-        RewritePointFile(request.StartPath, Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z,
+        RewritePointFile(request.StartPath, Job.Start.Name, Job.Start.X, Job.Start.Y, Job.Start.Z,
                          request.How.Decimal);
     // A robot program has more in it than points, and no place for their names.
     if (options.CheckRenameOCS && InputKindOf(request.Kind).Read == nullptr)
-        RewritePointFile(TargetPointFile(request), Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z,
+        RewritePointFile(TargetPointFile(request), Job.Target.Name, Job.Target.X, Job.Target.Y, Job.Target.Z,
                          request.How.Decimal);
     return MatchByName();
 }
@@ -184,14 +186,14 @@ bool FileIsThere(const std::string& path) {
     return false;
 }
 
-// On the way out of an import, however it ends: counts and arrays fit each other, and a job that an error has
-// left half read is not valid.
+// On the way out of an import, however it ends: all points count, and a job that an error has left half read
+// is not valid.
 struct ImportGuard {
     ImportGuard() = default;
     ImportGuard(const ImportGuard&) = delete;
     ImportGuard& operator=(const ImportGuard&) = delete;
     ~ImportGuard() {
-        RepairJobCounts();
+        CountAllPoints();
         Run.StopRequested = kFalse;  // a stop ends this import, not the calculation after it
         if (Whole || std::uncaught_exceptions() == exceptions_) return;
         Run.JobDataValid = Run.TrafoValid = kFalse;
@@ -237,12 +239,12 @@ private:
 // A program gives each of its poses an orientation, which a fit of the tool vector needs.
 void NotePairsWithoutOrientation(const ImportRequest& request) {
     const int known = std::max(Job.RobotABC.Rows, 0);
-    if (InputKindOf(request.Kind).Read == nullptr || known >= Job.nIdent) return;
+    if (InputKindOf(request.Kind).Read == nullptr || known >= Job.Pairs()) return;
     AddNote(NoteCode::NoOrientation,
             "Pairs have no orientation, the first is point \"" +
-                Printable(Job.MCS_Name[static_cast<std::size_t>(known) + 1]) +
+                Printable(Job.Start.Name[static_cast<std::size_t>(known) + 1]) +
                 "\": a tool vector cannot be fitted",
-            request.TargetPath, 0, Job.nIdent - known);
+            request.TargetPath, 0, Job.Pairs() - known);
 }
 
 // A cancelled import leaves the points of before, and all that shows them.

@@ -12,28 +12,6 @@ namespace {
 
 constexpr std::size_t kLargeFile_bytes = 4 << 20;
 
-PointArrays TakeStart() {
-    return {std::move(Job.MCS_Name), std::move(Job.MCS_X), std::move(Job.MCS_Y), std::move(Job.MCS_Z)};
-}
-PointArrays TakeTarget() {
-    return {std::move(Job.OCS_Name), std::move(Job.OCS_X), std::move(Job.OCS_Y), std::move(Job.OCS_Z)};
-}
-void PutStart(PointArrays points) {
-    Job.MCS_Name = std::move(points.Name);
-    Job.MCS_X = std::move(points.X);
-    Job.MCS_Y = std::move(points.Y);
-    Job.MCS_Z = std::move(points.Z);
-}
-void PutTarget(PointArrays points) {
-    Job.OCS_Name = std::move(points.Name);
-    Job.OCS_X = std::move(points.X);
-    Job.OCS_Y = std::move(points.Y);
-    Job.OCS_Z = std::move(points.Z);
-}
-
-std::array<std::int32_t*, 5> Counts() {
-    return {&Job.nMCS, &Job.nOCS, &Job.nIdent, &Job.nMCSOnly, &Job.nOCSOnly};
-}
 std::array<std::string*, 4> Names() {
     return {&Job.PathMCS, &Job.PathOCS, &Job.NameMCS, &Job.NameOCS};
 }
@@ -56,7 +34,10 @@ void PutValues(const std::array<Value*, n>& places, const std::array<Value, n>& 
 }  // namespace
 
 JobBeforeImport::JobBeforeImport()
-    : counts_(ValuesOf(Counts())),
+    : startCount_(Job.Start.Count()),
+      targetCount_(Job.Target.Count()),
+      pairs_(Job.Pairs()),
+      transformed_(Job.Transformed.Count()),
       names_(ValuesOf(Names())),
       transformation_(ValuesOf(Transformation())),
       seed_(Job.SeedIndex),
@@ -65,29 +46,26 @@ JobBeforeImport::JobBeforeImport()
       trafoValid_(Run.TrafoValid),
       calcDone_(Run.CalcDone),
       poses_(Job.RobotABC),
-      working_({Job.TMCS_Name.size(), Job.TMCS_X.size(), Job.TMCS_Y.size(), Job.TMCS_Z.size()}),
       generation_(Run.JobGeneration) {}
 
 void JobBeforeImport::Restore() {
-    if (Start) PutStart(*std::exchange(Start, std::nullopt));
-    if (Target) PutTarget(*std::exchange(Target, std::nullopt));
-    PutValues(Counts(), counts_);
+    if (Start) Job.Start = *std::exchange(Start, std::nullopt);
+    if (Target) Job.Target = *std::exchange(Target, std::nullopt);
+    Job.Start.CountOnly(startCount_);
+    Job.Target.CountOnly(targetCount_);
+    Job.SetPairs(pairs_);
     PutValues(Names(), names_);
     PutValues(Transformation(), transformation_);
     Job.SeedIndex = seed_;
     Job.DirectionMCStoOCS = direction_;
     if (poses_) Job.RobotABC = *std::exchange(poses_, std::nullopt);
-    // The working points are still there; their arrays have only grown.
-    Job.TMCS_Name.resize(working_[0]);
-    Job.TMCS_X.resize(working_[1]);
-    Job.TMCS_Y.resize(working_[2]);
-    Job.TMCS_Z.resize(working_[3]);
+    // The transformed points are still there; they have only become more.
+    if (Job.Transformed.Count() > transformed_) Job.Transformed.Resize(transformed_);
     Run.JobDataValid = valid_;
     Run.TrafoValid = trafoValid_;
     Run.CalcDone = calcDone_;
     // The same points again: what was made from them is of them still.
     Run.JobGeneration = generation_;
-    RepairJobCounts();
 }
 
 void JobBeforeImport::RestorePoses() {
@@ -130,15 +108,35 @@ bool ImportGoesOn(double share) {
     return false;
 }
 
-void ReplaceStart(PointArrays points) {
-    PointArrays old = TakeStart();
-    if (LongImport.Before != nullptr && !LongImport.Before->Start) LongImport.Before->Start = std::move(old);
-    PutStart(std::move(points));
+namespace {
+
+void Replace(PointSet JobRecord::*set, std::optional<PointSet> JobBeforeImport::*kept, PointSet points) {
+    std::swap(Job.*set, points);
+    if (LongImport.Before != nullptr && !(LongImport.Before->*kept))
+        LongImport.Before->*kept = std::move(points);
+    Job.Start.CountAll();
+    Job.Target.CountAll();
+    Job.SetPairs(0);
+    Job.Transformed.Reach(Job.Start.Count());
+    ++Run.JobGeneration;
 }
 
-void ReplaceTarget(PointArrays points) {
-    PointArrays old = TakeTarget();
-    if (LongImport.Before != nullptr && !LongImport.Before->Target)
-        LongImport.Before->Target = std::move(old);
-    PutTarget(std::move(points));
+}  // namespace
+
+void ReplaceStart(PointSet points) {
+    Replace(&JobRecord::Start, &JobBeforeImport::Start, std::move(points));
+}
+
+void ReplaceTarget(PointSet points) {
+    Replace(&JobRecord::Target, &JobBeforeImport::Target, std::move(points));
+}
+
+void CountAllPoints() {
+    if (Job.Start.CountsAll() && Job.Target.CountsAll()) return;
+    Job.SetPairs(0);
+    Job.Start.CountAll();
+    Job.Target.CountAll();
+    Job.Transformed.Reach(Job.Start.Count());
+    Run.JobDataValid = kFalse;
+    ++Run.JobGeneration;
 }

@@ -11,12 +11,7 @@
 
 #include "core/arrays.h"
 #include "core/form_progress_bar.h"
-
-struct PointArrays {
-    std::vector<std::string> Name;
-    std::vector<TaggedValue> X, Y;
-    std::vector<double> Z;
-};
+#include "core/point_set.h"
 
 // What the job has before an import. Made before anything of it changes; the point sets move in here when the
 // import replaces them.
@@ -27,17 +22,16 @@ struct JobBeforeImport {
     // Puts the orientations back where the import ended before it had other target points for the job.
     void RestorePoses();
 
-    std::optional<PointArrays> Start, Target;
+    std::optional<PointSet> Start, Target;
     bool Overtaken = false;  // an import that has ended had found the points to be those of somebody else
 
 private:
-    std::array<std::int32_t, 5> counts_;
+    int startCount_, targetCount_, pairs_, transformed_;
     std::array<std::string, 4> names_;
     std::array<double, 9> transformation_;
     std::array<std::int16_t, 4> seed_;
     Flag direction_, valid_, trafoValid_, calcDone_;
     std::optional<Matrix> poses_;
-    std::array<std::size_t, 4> working_;
     std::uint64_t generation_;
 };
 
@@ -75,6 +69,12 @@ inline constexpr double kShareOfChecks = 0.25;
 // then.
 bool ImportGoesOn(double share);
 
-// A point set of the job is replaced by what was read; what it was is kept for a cancelled import.
-void ReplaceStart(PointArrays points);
-void ReplaceTarget(PointArrays points);
+// A point set of the job is replaced by what was read; what it was is kept for a cancelled import. All points
+// of both sets count then, no pair is known any more, and the transformed points are as many as the start
+// points at least.
+void ReplaceStart(PointSet points);
+void ReplaceTarget(PointSet points);
+
+// Behind an import, however it ended: all points that are there count again, also those of a job that was
+// closed for it. Where some did not count the job is not valid, and has no pairs.
+void CountAllPoints();

@@ -20,22 +20,19 @@
 
 namespace {
 
-// One of the job's two point sets.
-struct PointSet {
-    std::vector<std::string>& Name;
-    std::vector<TaggedValue>& X;
-    std::vector<TaggedValue>& Y;
-    std::vector<double>& Z;
+// One of the job's two point sets, and what goes with its points.
+struct MatchedSet {
+    PointSet& Points;
     const char* Label;
     Matrix* Poses = nullptr;  // orientations, a row a point; null = the points have none
 };
-PointSet StartSet() {
-    return {Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z, "MCS"};
+MatchedSet StartSet() {
+    return {Job.Start, "MCS"};
 }
-PointSet TargetSet() {
+MatchedSet TargetSet() {
     // Orientations of another number of poses are not those of these points.
-    const bool arePoses = Job.RobotABC.Rows > 0 && Job.RobotABC.Rows == UpperBound(Job.OCS_Name);
-    return {Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z, "OCS", arePoses ? &Job.RobotABC : nullptr};
+    const bool arePoses = Job.RobotABC.Rows > 0 && Job.RobotABC.Rows == UpperBound(Job.Target.Name);
+    return {Job.Target, "OCS", arePoses ? &Job.RobotABC : nullptr};
 }
 
 // Shares of the whole import that the steps of the pairing have.
@@ -82,22 +79,23 @@ void RearrangeRows(Matrix& rows, const std::vector<std::int32_t>& place) {
 
 // Sorts a set by its names; the order then is that of the places. While it yields the set is as it was, or
 // sorted; nothing when the import must end.
-std::optional<NameOrder> SortSet(PointSet set) {
-    NameOrder order = SortNames(set.Name, [] { return GoesOn(kSorting); });
+std::optional<NameOrder> SortSet(MatchedSet set) {
+    PointSet& points = set.Points;
+    NameOrder order = SortNames(points.Name, [] { return GoesOn(kSorting); });
     if (order.Place.empty()) return std::nullopt;
     if (std::is_sorted(order.Place.begin(), order.Place.end())) return order;
-    auto x = Arranged(set.X, order.Place);
+    auto x = Arranged<TaggedValue>(points.X, order.Place);
     if (!x || !GoesOn(kArranging)) return std::nullopt;
-    auto y = Arranged(set.Y, order.Place);
+    auto y = Arranged<TaggedValue>(points.Y, order.Place);
     if (!y || !GoesOn(kArranging)) return std::nullopt;
-    auto z = Arranged(set.Z, order.Place);
+    auto z = Arranged<double>(points.Z, order.Place);
     if (!z || !GoesOn(kArranging)) return std::nullopt;
-    auto names = Arranged(set.Name, order.Place);
+    auto names = Arranged<std::string>(points.Name, order.Place);
     if (!names || !GoesOn(kArranging)) return std::nullopt;
-    set.Name.swap(*names);
-    set.X = std::move(*x);
-    set.Y = std::move(*y);
-    set.Z = std::move(*z);
+    points.Exchange(points.Name, *names);
+    points.Exchange(points.X, *x);
+    points.Exchange(points.Y, *y);
+    points.Exchange(points.Z, *z);
     if (set.Poses != nullptr) RearrangeRows(*set.Poses, order.Place);
     for (std::size_t k = 1; k < order.Place.size(); ++k) order.Place[k] = static_cast<std::int32_t>(k);
     if (!Discard(std::move(*names))) return std::nullopt;
@@ -119,12 +117,12 @@ const std::string* DoubleName(const std::vector<std::string>& names, const NameO
     return nullptr;
 }
 
-bool RefuseDoubleName(PointSet set, const NameOrder& order) {
-    const std::string* name = DoubleName(set.Name, order);
+bool RefuseDoubleName(MatchedSet set, const NameOrder& order) {
+    const std::string* name = DoubleName(set.Points.Name, order);
     if (name == nullptr) return false;
     const std::string message = "There might be a double Pointnumber in the " + std::string(set.Label) +
                                 " File. " + kLineEnd + "Please check Point Number " + *name;
-    const bool isStart = &set.Name == &Job.MCS_Name;
+    const bool isStart = &set.Points == &Job.Start;
     const std::string prefix = std::string(set.Label) + "_";  // which pairing without names puts in front
     const std::string& path = isStart ? Job.PathMCS : Job.PathOCS;
     NoteDoubleName(path, *name);
@@ -140,15 +138,15 @@ struct Pairs {
 };
 
 Pairs FindPairs(const NameOrder& joined) {
-    const auto isStart = [](std::int32_t place) { return place <= UpperBound(Job.MCS_Name); };
+    const auto isStart = [](std::int32_t place) { return place <= UpperBound(Job.Start.Name); };
     const auto name = [&](std::int32_t place) -> const std::string& {
-        return isStart(place) ? Job.MCS_Name[static_cast<std::size_t>(place)]
-                              : Job.OCS_Name[static_cast<std::size_t>(place - UpperBound(Job.MCS_Name))];
+        return isStart(place) ? Job.Start.Name[static_cast<std::size_t>(place)]
+                              : Job.Target.Name[static_cast<std::size_t>(place - UpperBound(Job.Start.Name))];
     };
     Pairs pairs;
     const auto add = [&](std::int32_t one, std::int32_t other) {
         pairs.Start.push_back(isStart(one) ? one : other);
-        pairs.Target.push_back((isStart(one) ? other : one) - UpperBound(Job.MCS_Name));
+        pairs.Target.push_back((isStart(one) ? other : one) - UpperBound(Job.Start.Name));
     };
     // An element without a name is the one that a line too short for a point has left unused: no point.
     const auto match = [&](std::int32_t one, std::int32_t other) {
@@ -184,17 +182,18 @@ Pairs FindPairs(const NameOrder& joined) {
 
 // Swaps pair c to position c, for all pairs. A swap may move a point that a later pair is waiting for,
 // so the positions are kept up to date.
-void BringToFront(PointSet set, std::vector<std::int32_t>& position) {
-    std::vector<std::int32_t> pairAt(set.Name.size());
+void BringToFront(MatchedSet set, std::vector<std::int32_t>& position) {
+    PointSet& points = set.Points;
+    std::vector<std::int32_t> pairAt(points.Name.size());
     for (std::size_t c = 1; c < position.size(); ++c)
         pairAt[static_cast<std::size_t>(position[c])] = static_cast<std::int32_t>(c);
     for (std::size_t c = 1; c < position.size(); ++c) {
         const auto from = static_cast<std::size_t>(position[c]);
         if (from == c) continue;
-        std::swap(set.Name[c], set.Name[from]);
-        std::swap(set.X[c], set.X[from]);
-        std::swap(set.Y[c], set.Y[from]);
-        std::swap(set.Z[c], set.Z[from]);
+        std::swap(points.Name[c], points.Name[from]);
+        std::swap(points.X[c], points.X[from]);
+        std::swap(points.Y[c], points.Y[from]);
+        std::swap(points.Z[c], points.Z[from]);
         if (set.Poses != nullptr) {
             double* const row = set.Poses->Row(static_cast<int>(c));
             std::swap_ranges(row, row + set.Poses->Columns + 1, set.Poses->Row(static_cast<int>(from)));
@@ -207,7 +206,7 @@ void BringToFront(PointSet set, std::vector<std::int32_t>& position) {
 
 void SortForIdentPts(const NameOrder& start, const NameOrder& target) {
     const NameOrder joined =
-        JoinOrders(Job.MCS_Name, start, Job.OCS_Name, target, [] { return GoesOn(kArranging); });
+        JoinOrders(Job.Start.Name, start, Job.Target.Name, target, [] { return GoesOn(kArranging); });
     if (!GoesOn(kPairing)) return;
     Pairs pairs = FindPairs(joined);
     if (!GoesOn(kInFront)) return;
@@ -220,7 +219,7 @@ void SortForIdentPts(const NameOrder& start, const NameOrder& target) {
 }  // namespace
 
 void SortForIdentPts() {
-    SortForIdentPts(SortNames(Job.MCS_Name), SortNames(Job.OCS_Name));
+    SortForIdentPts(SortNames(Job.Start.Name), SortNames(Job.Target.Name));
 }
 
 void MCS_OCS_aufbereiten() {
@@ -229,43 +228,36 @@ void MCS_OCS_aufbereiten() {
     if (!start || !GoesOn(kArranging)) return;
     const auto target = SortSet(TargetSet());
     if (!target || !GoesOn(kArranging)) return;
-    if (RefuseDoubleName(StartSet(), *start) || RefuseDoubleName(TargetSet(), *target)) {
-        RepairJobCounts();
-        return;
-    }
+    if (RefuseDoubleName(StartSet(), *start) || RefuseDoubleName(TargetSet(), *target)) return;
     SortForIdentPts(*start, *target);
 }
 
 void GetInfoFromData() {
-    Job.nMCS = UpperBound(Job.MCS_Name);
-    Job.nOCS = UpperBound(Job.OCS_Name);
-    Job.nIdent = 0;
-    const auto both = static_cast<std::size_t>(std::min(Job.nMCS, Job.nOCS));
+    Job.Start.CountAll();
+    Job.Target.CountAll();
+    const auto both = static_cast<std::size_t>(std::min(Job.Start.Count(), Job.Target.Count()));
+    int pairs = 0;
     for (std::size_t i = 1; i <= both; ++i)
-        if (Job.MCS_Name[i] == Job.OCS_Name[i] && !Job.MCS_Name[i].empty()) ++Job.nIdent;
-    Job.nMCSOnly = Job.nMCS - Job.nIdent;
-    Job.nOCSOnly = Job.nOCS - Job.nIdent;
+        if (Job.Start.Name[i] == Job.Target.Name[i] && !Job.Start.Name[i].empty()) ++pairs;
+    Job.SetPairs(pairs);
 }
 
 void IdentischePkte_Neu() {
-    const auto points = static_cast<std::size_t>(Job.nMCS) + 1;
-    const auto pairs = static_cast<std::size_t>(Job.nIdent) + 1;
+    const auto points = static_cast<std::size_t>(Job.Start.Count()) + 1;
+    const auto pairs = static_cast<std::size_t>(Job.Pairs()) + 1;
     // Many names take a while. They are copied beside the present ones, which a cancelled import keeps.
     constexpr std::size_t kBetweenYields = 1 << 16;
     std::vector<std::string> names(points);
     for (std::size_t i = 0; i < points; ++i) {
-        names[i] = Job.MCS_Name[i];
+        names[i] = Job.Start.Name[i];
         if (i % kBetweenYields == kBetweenYields - 1 && !GoesOn(1)) return;
     }
-    Job.TMCS_Name.swap(names);
+    Job.Transformed.Copy(Job.Start, std::move(names));
     Job.RVecX.assign(pairs, {});
     Job.RVecY.assign(pairs, {});
     Job.RVecZ.assign(pairs, 0);
     Job.RVecInFile.fill(-1);
     // What is in use stays; a place that is new takes part, or a larger job would be fitted by a part of it.
     Job.UseFlags.resize(3 * (pairs - 1) + 1, 1);
-    Job.TMCS_X.assign(Job.MCS_X.begin(), Job.MCS_X.begin() + static_cast<std::ptrdiff_t>(points));
-    Job.TMCS_Y.assign(Job.MCS_Y.begin(), Job.MCS_Y.begin() + static_cast<std::ptrdiff_t>(points));
-    Job.TMCS_Z.assign(Job.MCS_Z.begin(), Job.MCS_Z.begin() + static_cast<std::ptrdiff_t>(points));
     if (DirectionSwitched()) MCS_OCS();
 }

@@ -20,14 +20,13 @@ void MCS_OCS_aufbereiten();
 // no name twice. Counts are not touched (GetInfoFromData).
 void SortForIdentPts();
 
-// Recomputes the counts: the lengths of the name arrays, and the positions at which both sets have the
-// same name.
+// Counts anew: every point of both sets, and as pairs the positions at which both have the same name.
 void GetInfoFromData();
 
 // Pairs each start point, in their order, with the nearest target point that is still free and nearer
 // than Run.Etta once the start point is transformed with the parameters of the job. Paired points get
-// equal names as the options say; Job.nIdent counts them. The points stay where they are:
-// MCS_OCS_aufbereiten brings the pairs to the front by their names.
-// A search that takes long shows its progress and yields. Run.StopRequested, cleared first, ends it without
-// a pair; so do points that replace these ones meanwhile, with Run.ImportFailed and nothing written.
+// equal names as the options say; Job.Pairs() counts them. The points stay where they are, so that the count
+// is that alone: MCS_OCS_aufbereiten brings the pairs to the front by their names. A search that takes long
+// shows its progress and yields. Run.StopRequested, cleared first, ends it without a pair; so do points that
+// replace these ones meanwhile, with Run.ImportFailed and nothing written.
 void PärchenSuchen(const MatchingOptions& options);

@@ -24,17 +24,11 @@
 
 namespace {
 
-// Points as they come from a file, elements from 1.
-struct PointColumns : PointArrays {
+// Points as they come from a file.
+struct FilePoints {
+    PointSet Set;
     std::string Error;       // why the reading broke off; empty = it did not
     bool Cancelled = false;  // it broke off because the import must end
-
-    explicit PointColumns(std::size_t count) {
-        Name.resize(count + 1);
-        X.resize(count + 1);
-        Y.resize(count + 1);
-        Z.resize(count + 1);
-    }
 };
 
 // A long file yields as often.
@@ -103,8 +97,7 @@ void NoteSlowField(std::string_view field, bool good, BadField badField, const c
 }
 
 // Reads the lines of a checked file.
-PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, char decimal,
-                        BadField badField) {
+FilePoints ReadPoints(const PointText& file, bool hasName, char delimiter, char decimal, BadField badField) {
     std::int64_t rows = 0;
     AnzZeilen(file, rows);
     if (rows >= std::numeric_limits<std::int32_t>::max())
@@ -112,7 +105,9 @@ PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, cha
     // With the delimiter of an earlier file such a one passes all checks.
     if (rows == 0) throw PlatformError{"Cannot read \"" + file.Path + "\": there is no point in it"};
     const auto n = static_cast<std::size_t>(rows);
-    PointColumns points(n);
+    FilePoints points;
+    PointSet& set = points.Set;
+    set.Resize(static_cast<int>(n));
     const double factor = Units.LengthFactor;
     RowNotes notes(file.Path, delimiter, PointFields(hasName));
     std::size_t p = 0, ignored = 0;
@@ -138,9 +133,9 @@ PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, cha
         const std::string_view whole = rest;
         bool passed = rest.front() == delimiter;
         if (hasName) {
-            points.Name[p] = CutField(rest, delimiter, scratch);
+            set.Name[p] = CutField(rest, delimiter, scratch);
         } else {
-            points.Name[p] = std::to_string(p);
+            set.Name[p] = std::to_string(p);
         }
         std::array<double, 3> xyz{};
         std::array<bool, 3> good{};
@@ -152,7 +147,7 @@ PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, cha
                 field = CutField(rest, delimiter, scratch);
                 good[i] =
                     field.empty() || (TextToNumber(field, decimal, xyz[i]) && std::isfinite(xyz[i] / factor));
-                NoteSlowField(field, good[i], badField, kAxes[i], points.Name[p], lines.Row, notes);
+                NoteSlowField(field, good[i], badField, kAxes[i], set.Name[p], lines.Row, notes);
             }
             xyz[i] /= factor;
             if (good[i] || badField == BadField::LeavesValue) continue;
@@ -160,12 +155,12 @@ PointColumns ReadPoints(const PointText& file, bool hasName, char delimiter, cha
                            Printable(field) + "\" is not a number";
             break;
         }
-        if (good[0]) points.X[p] = xyz[0];
-        if (good[1]) points.Y[p] = xyz[1];
-        if (good[2]) points.Z[p] = xyz[2];
+        if (good[0]) set.X[p] = xyz[0];
+        if (good[1]) set.Y[p] = xyz[1];
+        if (good[2]) set.Z[p] = xyz[2];
         if (!points.Error.empty()) break;
         // A plain row has no delimiter too many and nothing behind its last field.
-        const bool marked = hasName && notes.TakeMark(rest, points.Name[p], lines.Row);
+        const bool marked = hasName && notes.TakeMark(rest, set.Name[p], lines.Row);
         if ((passed && delimiter != ' ') || (HoldsMore(rest) && !marked)) notes.Look(whole, lines.Row);
     }
     notes.Write();
@@ -179,7 +174,7 @@ struct Share {
 
 // Checks and reads one of the two files; nothing where a message has said why not.
 bool ReadSet(const std::string& path, const Reading& how, BadField badField, Share share,
-             void (*replace)(PointArrays)) {
+             void (*replace)(PointSet)) {
     if (!File_Exist(path)) {
         Run.ImportFailed = kTrue;
         ShowMessage("File " + path + " not found");
@@ -190,38 +185,21 @@ bool ReadSet(const std::string& path, const Reading& how, BadField badField, Sha
     Flag hasName = kFalse;
     ASCII_FileCheck(file, hasName, Run.Delimiter, how);
     if (IsTrue(Run.ImportFailed)) return false;
-    PointColumns points =
+    FilePoints points =
         ReadPoints(file, IsTrue(hasName), DelimiterCharacter(Run.Delimiter), how.Decimal, badField);
     if (points.Cancelled) return false;
-    replace(std::move(static_cast<PointArrays&>(points)));
-    ForgetPairs();
+    replace(std::move(points.Set));
     if (!points.Error.empty()) throw PlatformError{points.Error};
     return true;
 }
 
 }  // namespace
 
-void ForgetPairs() {
-    const auto grow = [](std::int32_t count, auto&... arrays) {
-        const auto size = static_cast<std::size_t>(count) + 1;
-        ((arrays.resize(arrays.size() < size ? size : arrays.size())), ...);
-    };
-    Job.nMCS = UpperBound(Job.MCS_Name);
-    Job.nOCS = UpperBound(Job.OCS_Name);
-    Job.nIdent = 0;
-    Job.nMCSOnly = Job.nMCS;
-    Job.nOCSOnly = Job.nOCS;
-    grow(Job.nMCS, Job.TMCS_Name, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z);
-    grow(0, Job.RVecX, Job.RVecY, Job.RVecZ, Job.UseFlags);
-    ++Run.JobGeneration;
-}
-
 void Einlesen_Neu(const PointFiles& files) {
     if (!ReadSet(files.Start, files.How, BadField::Ends, {0, 35}, ReplaceStart)) return;
     Job.RobotABC = Matrix{};  // the orientations of target points that go now
     if (files.TargetIsCopy) {
-        ReplaceTarget({Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z});
-        ForgetPairs();
+        ReplaceTarget(Job.Start);
         return;
     }
     if (!ImportGoesOn(1)) return;
@@ -237,7 +215,7 @@ namespace {
 // Names of further points that a point has already, of the job or among them.
 void NoteNamesThatAreThere(const std::string& path, const std::vector<std::string>& added,
                            std::string_view prefix, std::string_view suffix) {
-    std::unordered_set<std::string_view> names(Job.MCS_Name.begin() + 1, Job.MCS_Name.end());
+    std::unordered_set<std::string_view> names(Job.Start.Name.begin() + 1, Job.Start.Name.end());
     std::string_view first;
     int count = 0;
     for (std::size_t i = 1; i < added.size(); ++i) {
@@ -265,32 +243,20 @@ bool ReadMorePoints(const std::string& path, const std::string& prefix, const st
     Flag hasName = kFalse;
     ASCII_FileCheck(file, hasName, Run.Delimiter, how);
     if (IsTrue(Run.ImportFailed)) return false;
-    PointColumns more =
+    FilePoints more =
         ReadPoints(file, IsTrue(hasName), DelimiterCharacter(Run.Delimiter), how.Decimal, BadField::Ends);
     if (more.Cancelled) return false;
     if (!more.Error.empty()) throw PlatformError{more.Error};
 
-    // The coordinates may be longer than the names; the new points follow the last name.
-    const auto old = static_cast<std::size_t>(UpperBound(Job.MCS_Name)) + 1;
-    const auto append = [old](auto& all, auto& added) {
-        all.resize(old);
-        all.insert(all.end(), std::make_move_iterator(added.begin() + 1),
-                   std::make_move_iterator(added.end()));
-    };
+    std::span<std::string> names(more.Set.Name);
     if (!prefix.empty() || !suffix.empty())
-        for (std::size_t i = 1; i < more.Name.size(); ++i) more.Name[i] = prefix + more.Name[i] + suffix;
-    const auto extend = [&](auto& names, auto& x, auto& y, auto& z, PointColumns& added) {
-        append(names, added.Name);
-        append(x, added.X);
-        append(y, added.Y);
-        append(z, added.Z);
-    };
-    NoteNamesThatAreThere(path, more.Name, prefix, suffix);
-    PointColumns copies = more;
-    extend(Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z, more);
-    extend(Job.TMCS_Name, Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z, copies);
-    Job.nMCS = UpperBound(Job.MCS_Name);
-    Job.nMCSOnly = Job.nMCS - Job.nIdent;
+        for (std::string& name : names.subspan(1)) name = prefix + name + suffix;
+    NoteNamesThatAreThere(path, more.Set.Name, prefix, suffix);
+    // The new points follow the last name, in both sets.
+    Job.Start.CountAll();
+    Job.Transformed.Resize(Job.Start.Count());
+    Job.Transformed.Append(more.Set);
+    Job.Start.Append(std::move(more.Set));
     ++Run.JobGeneration;
     return true;
 }

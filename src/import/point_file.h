@@ -23,8 +23,7 @@ struct PointFiles {
 
 // Reads two point files, all checks included, and divides every value by Units.LengthFactor.
 //   Reads   Run.Delimiter, Units
-//   Writes  MCS_*, OCS_*, nMCS, nOCS, and RobotABC, which has no rows then; no pairs are left, and the
-//   working arrays are long enough for that.
+//   Writes  Job.Start, Job.Target, and RobotABC, which has no rows then; no pairs are left.
 //           Run.Delimiter, Run.ImportFailed with a message where a file is unsuitable. What was read
 //           before a failure stays, with counts that fit.
 // Throws PlatformError where a file cannot be read or has no point, and where a field of the start file is
@@ -33,13 +32,9 @@ struct PointFiles {
 void Einlesen_Neu(const PointFiles& files);
 void Einlesen_Neu();  // those of the job; the target set of one with a shape is such a copy
 
-// The counts after a change of the sets themselves: those of the name arrays, and no pair is known any more.
-// The working arrays grow to be long enough.
-void ForgetPairs();
-
 // Appends the points of a further file to the start set; `prefix` and `suffix` are put around each name.
-// A file without names numbers its points from 1. The transformed points get copies of the new ones,
-// nMCS and nMCSOnly follow; the target set and the pairs are not touched.
+// A file without names numbers its points from 1. The transformed points get copies of the new ones; the
+// target set and the pairs are not touched.
 // False, with the message shown and the job untouched, when a check fails. Throws PlatformError as
 // Einlesen_Neu does for the start file, the job untouched then too.
 bool ReadMorePoints(const std::string& path, const std::string& prefix, const std::string& suffix);

@@ -24,7 +24,7 @@ struct TargetFile {
 
 using PoseReader = void (*)(const TargetFile& file);
 
-// Each reads a robot program into the target set: positions into OCS_* and nOCS, orientations into
+// Each reads a robot program into the target set: positions into Job.Target, orientations into
 // Job.RobotABC (rows 0 to n; columns 1 to 3 are the rotations about z, the new y and the new x, rad), the
 // spans of these into Run.SpanA to SpanC. No pairs are left; the start set and the rest of the job are not
 // touched. Lengths and angles in the file are in the units of Units.

@@ -13,7 +13,7 @@
 #include "core/run.h"
 #include "core/text.h"
 #include "core/units.h"
-#include "import/point_file.h"
+#include "import/long_import.h"
 
 RobotProgram::RobotProgram(const TargetFile& file)
     : File(LoadPointText(file.Path)), Lines(File), Decimal(file.How.Decimal) {}
@@ -81,22 +81,13 @@ PoseTable::PoseTable(const RobotProgram& program, std::int64_t count, double ang
     if (count > room || count >= std::numeric_limits<std::int32_t>::max())
         throw PlatformError{refusal + "it announces " + std::to_string(count) +
                             " poses, more than it has room for"};
-    const auto size = static_cast<std::size_t>(count) + 1;
-    name_.resize(size);
-    x_.resize(size);
-    y_.resize(size);
-    z_.resize(size);
+    points_.Resize(static_cast<int>(count));
     angles_ = Matrix(static_cast<int>(count), 3);
 }
 
 PoseTable::~PoseTable() {
-    if (name_.empty()) return;
-    Job.OCS_Name = std::move(name_);
-    Job.OCS_X = std::move(x_);
-    Job.OCS_Y = std::move(y_);
-    Job.OCS_Z = std::move(z_);
+    ReplaceTarget(std::move(points_));
     Job.RobotABC = std::move(angles_);
-    ForgetPairs();
     const auto span = [this](std::size_t k) {
         return taken_ == 0 ? 0 : (highest_[k] - lowest_[k]) / angleFactor_;
     };
@@ -112,7 +103,7 @@ void PoseTable::Take(const RobotProgram& program, const std::array<double, 3>& p
 
 void PoseTable::Take(const RobotProgram& program, const std::array<double, 3>& position,
                      const PoseAngles& angles, std::string name) {
-    const std::size_t last = name_.size() - 1;
+    const auto last = static_cast<std::size_t>(points_.Count());
     if (taken_ == last)
         FailAtLine(program, "one more pose than the " + std::to_string(last) +
                                 " that the file announces: \"" + Printable(program.Line) + "\"");
@@ -125,10 +116,8 @@ void PoseTable::Take(const RobotProgram& program, const std::array<double, 3>& p
     }
     if (!finite) FailAtLine(program, "these numbers are no pose: \"" + Printable(program.Line) + "\"");
     ++taken_;
-    name_[taken_] = std::move(name);
-    x_[taken_] = mm[0];
-    y_[taken_] = mm[1];
-    z_[taken_] = mm[2];
+    points_.Name[taken_] = std::move(name);
+    points_.SetPoint(static_cast<int>(taken_), mm[0], mm[1], mm[2]);
     for (std::size_t k = 0; k < 3; ++k) {
         angles_(static_cast<int>(taken_), static_cast<int>(k) + 1) = rad[k];
         highest_[k] = std::max(highest_[k], angles[k]);

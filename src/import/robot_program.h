@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/arrays.h"
+#include "core/point_set.h"
 #include "import/point_text.h"
 #include "import/robot_files.h"
 
@@ -58,7 +59,7 @@ void NoteProgramUnits(const RobotProgram& program, bool millimetres, bool degree
 using PoseAngles = std::array<double, 3>;
 
 // Poses as they are read. However the reading ends, they become the target set of the job with its
-// orientations: OCS_*, nOCS, RobotABC, Run.SpanA to SpanC; no pairs are left. Places for which no pose has
+// orientations: Job.Target, RobotABC, Run.SpanA to SpanC; no pairs are left. Places for which no pose has
 // come hold nothing, not even a name, so that they pair with nothing.
 class PoseTable {
 public:
@@ -77,9 +78,7 @@ public:
               std::string name);
 
 private:
-    std::vector<std::string> name_;
-    std::vector<TaggedValue> x_, y_;
-    std::vector<double> z_;
+    PointSet points_;
     Matrix angles_;  // rad
     std::size_t taken_ = 0;
     double angleFactor_;

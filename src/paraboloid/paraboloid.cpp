@@ -48,12 +48,13 @@ void TransformByParameters() {
 bool ProjectPairs() {
     const std::uint64_t generation = Run.JobGeneration;
     double distance = 0;
-    for (int i = 1; i <= Job.nIdent; ++i) {
+    for (int i = 1; i <= Job.Pairs(); ++i) {
         YieldToEvents();
         if (Run.JobGeneration != generation) return false;
         Vec3 nearest;
-        NearestShapePoint(Job.TMCS_X[At(i)].value_or(0), Job.TMCS_Y[At(i)].value_or(0), Job.TMCS_Z[At(i)],
-                          Job.ParaboloidShape, nearest(1), nearest(2), nearest(3), distance);
+        const Vec3 point = TransformedPoint(i);
+        NearestShapePoint(point(1), point(2), point(3), Job.ParaboloidShape, nearest(1), nearest(2),
+                          nearest(3), distance);
         PutTarget(i, nearest);
     }
     return true;
@@ -117,13 +118,11 @@ void NoteLimitsOfShape() {
     int beyond = 0;
     std::string points;
     constexpr int kMostNames = 5;
-    for (int i = 1; i <= Job.nIdent; ++i) {
-        if (!NearestShapeFoot(Job.TMCS_X[At(i)].value_or(0), Job.TMCS_Y[At(i)].value_or(0), Job.TMCS_Z[At(i)],
-                              Job.ParaboloidShape)
-                 .Beyond)
-            continue;
+    for (int i = 1; i <= Job.Pairs(); ++i) {
+        const Vec3 point = TransformedPoint(i);
+        if (!NearestShapeFoot(point(1), point(2), point(3), Job.ParaboloidShape).Beyond) continue;
         if (++beyond <= kMostNames)
-            points += (beyond == 1 ? "\"" : ", \"") + Printable(Job.MCS_Name[At(i)]) + "\"";
+            points += (beyond == 1 ? "\"" : ", \"") + Printable(Job.Start.Name[At(i)]) + "\"";
     }
     if (beyond > kMostNames) points += " and " + std::to_string(beyond - kMostNames) + " more";
     if (beyond > 0)
@@ -145,9 +144,7 @@ bool MonteCarloRuns() {
 }  // namespace
 
 void PutTarget(int i, const Vec3& target) {
-    Job.OCS_X[At(i)] = target(1);
-    Job.OCS_Y[At(i)] = target(2);
-    Job.OCS_Z[At(i)] = target(3);
+    Job.Target.SetPoint(i, target(1), target(2), target(3));
 }
 
 void ShowTargets() {

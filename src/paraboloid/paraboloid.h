@@ -37,7 +37,7 @@ inline ParaboloidRecord ParaboloidRun;
 // own start values. False when it was not carried through: the fit was refused, or the job's points were
 // replaced while events were served.
 //   Reads   Job's points, parameters and shape, Selection; requires that the shape serves
-//   Writes  Job.OCS_* of the pairs, Job.TMCS_*, the job's parameters, Calculation, ParaboloidRun
+//   Writes  Job.Target of the pairs, Job.Transformed, the job's parameters, Calculation, ParaboloidRun
 bool CalcParaboloid();
 
 // The same, and s0 and the overall mean error in the fields of the calculation window.

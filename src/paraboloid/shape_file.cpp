@@ -248,7 +248,7 @@ void EinlesenParaboloidData(const TargetFile& target) {
 void ParaboloidNearestTargets() {
     if (!ShapeServes(Job.ParaboloidShape)) return;
     double distance = 0;
-    for (int i = 1; i <= std::min(Job.nMCS, Job.nOCS); ++i) {
+    for (int i = 1; i <= std::min(Job.Start.Count(), Job.Target.Count()); ++i) {
         const Vec3 start = StartPoint(i);
         Vec3 nearest;
         NearestShapePoint(start(1), start(2), start(3), Job.ParaboloidShape, nearest(1), nearest(2),

@@ -21,7 +21,7 @@ std::size_t At(int i) {
 bool ShapePasses::Begin() {
     Generation = Run.JobGeneration;
     MonteCarloStarted = MonteCarlo.Started;
-    const int n = 3 * Job.nIdent;
+    const int n = 3 * Job.Pairs();
     Fit.u = CountUnknowns(Job.ParamText);
     Fit.n = n;
     Fit.ParamText = Job.ParamText;

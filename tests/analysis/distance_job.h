@@ -34,11 +34,11 @@ protected:
     // A pair; its transformed start point is a third point.
     static void Pair(const std::string& name, const Point& start, const Point& target, const Point& moved) {
         AddPair(start, target);
-        Job.MCS_Name.back() = Job.OCS_Name.back() = Job.TMCS_Name.back() = name;
-        Job.TMCS_X.back() = static_cast<double>(moved[0]);
-        Job.TMCS_Y.back() = static_cast<double>(moved[1]);
-        Job.TMCS_Z.back() = static_cast<double>(moved[2]);
-        const std::size_t size = static_cast<std::size_t>(Job.nIdent) + 1;
+        Job.Start.Name.back() = Job.Target.Name.back() = Job.Transformed.Name.back() = name;
+        Job.Transformed.X.back() = static_cast<double>(moved[0]);
+        Job.Transformed.Y.back() = static_cast<double>(moved[1]);
+        Job.Transformed.Z.back() = static_cast<double>(moved[2]);
+        const std::size_t size = static_cast<std::size_t>(Job.Pairs()) + 1;
         Job.RVecX.resize(size);
         Job.RVecY.resize(size);
         Job.RVecZ.resize(size);

@@ -35,12 +35,10 @@ protected:
         for (const std::string& name : {place, tool, robot}) Answer("input", name);
     }
     static void ThreePoints() {
-        Job.TMCS_Name = {"", "A", "12", "B x"};
-        Job.TMCS_X = {{}, 1.0, 2.0, 3.0};
-        Job.TMCS_Y = {{}, -1.0, {}, 1.0006};
-        Job.TMCS_Z = {0, 0.5, 0.25, -7};
-        Job.nMCS = 3;
-        Job.nIdent = 1;
+        Job.Start = Job.Transformed = PointSet(
+            {{"", "A", "12", "B x"}, {{}, 1.0, 2.0, 3.0}, {{}, -1.0, {}, 1.0006}, {0, 0.5, 0.25, -7}});
+        Job.Target.Resize(3);
+        Job.SetPairs(1);
     }
     // The file as it shall be, but for the two lines with names and numbers.
     static std::string RobCad(const std::string& component, const std::string& tool,
@@ -172,7 +170,8 @@ TEST_F(Exports, ANameThatTheFormatOfLengthsRoundsIsNoted) {
     ForgetNotes();
     OnlyMcsText();
     EXPECT_TRUE(Notes.List.empty()) << "12.000 is 12";
-    Job.TMCS_Name = {"", "A", "12.3456", "12.3461"};
+    Job.Transformed.Name[2] = "12.3456";
+    Job.Transformed.Name[3] = "12.3461";
     OnlyMcsText();
     ASSERT_EQ(Notes.List.size(), 1u);
     EXPECT_EQ(Notes.List[0].Code, NoteCode::DigitsCut);
@@ -411,7 +410,7 @@ TEST_F(Exports, PointsWithoutAPartnerAreInTheLengthUnit) {
 
 TEST_F(Exports, TheTextFileIsEmptyWhereAllPointsAreIdentical) {
     ThreePoints();
-    Job.nIdent = 3;
+    Job.SetPairs(3);
     Run.JobFilePath = PathOf("cell.cvn");
     UserClick(Main.MenueOnlyMCStoTilde);
     EXPECT_TRUE(File_Exist(PathOf("cell.txt")));
@@ -426,7 +425,7 @@ TEST_F(Exports, AJobWithoutANameGetsAMessageInsteadOfATextFile) {
 
 TEST_F(Exports, ATextFileThatExistsIsReplacedOnYesAlone) {
     ThreePoints();
-    Job.nIdent = 2;
+    Job.SetPairs(2);
     Run.JobFilePath = PathOf("cell.cvn");
     const std::string path = Write("cell.txt", "old");
     Answer("message", "No");

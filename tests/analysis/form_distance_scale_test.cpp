@@ -110,7 +110,7 @@ TEST_F(DistanceScaleTable, ACalculationWhileItIsOpenMovesTheTransformedPoints) {
     ShowWindow("FormTrafoBerechnung");
     Calculate();
     EXPECT_NE(DistanceScale.Points->From[0][1], before);
-    EXPECT_EQ(DistanceScale.Points->From[0][1], Job.TMCS_X[1]);
+    EXPECT_EQ(DistanceScale.Points->From[0][1], Job.Transformed.X[1]);
 }
 
 TEST_F(DistanceScaleTable, ManyPointsShowProgressAndCancelLeavesNoPoints) {
@@ -147,7 +147,7 @@ TEST_F(DistanceScaleTable, ACancelEndsItsOwnWorkAlone) {
 
 TEST_F(DistanceScaleTable, AnOptionChosenDuringTheWorkIsTheOneThatStands) {
     Cloud(3600);
-    for (std::size_t i = 1; i < Job.TMCS_X.size(); ++i) Job.TMCS_X[i] = 0;
+    for (std::size_t i = 1; i < Job.Transformed.X.size(); ++i) Job.Transformed.X[i] = 0;
     Headless.OnYield = [] {
         Headless.OnYield = nullptr;
         UserSetValue(DistanceScaleWindow.OptionWithCal, 1);

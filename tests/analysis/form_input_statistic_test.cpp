@@ -192,7 +192,7 @@ TEST_F(Statistic, FollowsFurtherPointsWhileItIsOpen) {
     ShowWindow("FormInputFiles");
     UserSetText(InputFiles.TextNameMoreMCS, Write("more.txt", "M1;1;2;3\r\nM2;4;5;6\r\n"));
     UserClick(InputFiles.BtnImportMoreMCS);
-    EXPECT_EQ(Job.nMCS, 7);
+    EXPECT_EQ(Job.Start.Count(), 7);
     EXPECT_EQ(InputStatistic.Text1.Text, "7");
     EXPECT_EQ(InputStatistic.Text4.Text, "4");
 }

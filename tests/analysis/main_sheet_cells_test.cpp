@@ -301,11 +301,11 @@ TEST_F(MainSheetCellsShown, CoordinatesBeyondAllBoundsAreShownAsTheyAre) {
     AddPair({0, 0, 0}, {0, 0, 0});
     AddPair({0, 0, 0}, {0, 0, 0});
     SizeRest();
-    Job.OCS_X[2] = nan;
-    Job.OCS_Y[3] = inf;
-    Job.OCS_Z[3] = -inf;
-    Job.MCS_X[4] = 1e300;
-    Job.OCS_X[4] = -1e308;
+    Job.Target.X[2] = nan;
+    Job.Target.Y[3] = inf;
+    Job.Target.Z[3] = -inf;
+    Job.Start.X[4] = 1e300;
+    Job.Target.X[4] = -1e308;
     Open();
     for (int row = 0; row < Rows(); ++row)
         for (int col = 0; col < 23; ++col) Cell(row, col);
@@ -325,8 +325,8 @@ TEST_F(MainSheetCellsShown, CoordinatesBeyondAllBoundsAreShownAsTheyAre) {
 
 TEST_F(MainSheetCellsShown, ACoordinateThatHoldsNothingCountsAsZero) {
     FivePoints();
-    Job.MCS_X[1].reset();
-    Job.OCS_Y[1].reset();
+    Job.Start.X[1].reset();
+    Job.Target.Y[1].reset();
     Open();
     EXPECT_EQ(Cell(1, 1), "0.000");
     EXPECT_EQ(Cell(1, 5), "0.000");

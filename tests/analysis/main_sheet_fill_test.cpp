@@ -31,8 +31,8 @@ protected:
         Job = JobRecord{};
         AddPair({1, 2, 3}, {4, 5, 6});
         AddPair({1, 2, 3}, {4, 5, 6});
-        Job.MCS_Name[1] = Job.OCS_Name[1] = "Q1";
-        Job.MCS_Name[2] = Job.OCS_Name[2] = "Q2";
+        Job.Start.Name[1] = Job.Target.Name[1] = "Q1";
+        Job.Start.Name[2] = Job.Target.Name[2] = "Q2";
         ++Run.JobGeneration;
     }
 };
@@ -120,19 +120,20 @@ TEST_F(MainSheetFill, AClosedSheetIsNotFilledAndSaysNothing) {
     EXPECT_EQ(Headless.Clipboard, "");
 }
 
-TEST_F(MainSheetFill, AJobWhoseCountsAndArraysDoNotFitHasNoData) {
+TEST_F(MainSheetFill, AJobWhosePointsDoNotCountHasNoData) {
     FivePoints();
-    Job.OCS_Y.resize(3);
+    Job.Start.CountOnly(0);
+    Job.Target.CountOnly(0);
     Open();
     EXPECT_EQ(Messages(), Texts{kNoData});
     EXPECT_EQ(Rows(), 1);
-    Job.OCS_Y.resize(5);
-    Job.nMCSOnly = -1;
+    Job.Start.CountAll();
+    Job.Target.CountAll();
     FuellenHaupttabelle();
-    EXPECT_EQ(Rows(), 1);
-    Job.nMCSOnly = Job.nIdent = Job.nMCS = 2147483647;
+    EXPECT_EQ(Rows(), 6);
+    Job.Target.Resize(2);  // two pairs are left, and two start points without a partner
     FuellenHaupttabelle();
-    EXPECT_EQ(Rows(), 1);
+    EXPECT_EQ(Rows(), 5);
 }
 
 // --- What others change -----------------------------------------------------------------------------------
@@ -140,8 +141,8 @@ TEST_F(MainSheetFill, AJobWhoseCountsAndArraysDoNotFitHasNoData) {
 TEST_F(MainSheetFill, ItShowsThePointsAsTheyStoodWhenItWasFilled) {
     FivePoints();
     Open();
-    Job.MCS_Name[1] = "other";
-    Job.MCS_X[1] = 7;
+    Job.Start.Name[1] = "other";
+    Job.Start.X[1] = 7;
     Job.TraX = 1000;
     EXPECT_EQ(Cell(1, 0), "P1");
     EXPECT_EQ(Cell(1, 1), "100.000");
@@ -171,7 +172,7 @@ TEST_F(MainSheetFill, ACalculationRefillsIt) {
     CalculationJob::Open();
     Calculate();
     EXPECT_NEAR(Number(1, 1), TargetPoint(1)(1), 1);
-    EXPECT_NEAR(Number(1, 1), Job.TMCS_X[1].value(), 0.51e-3);
+    EXPECT_NEAR(Number(1, 1), Job.Transformed.X[1].value(), 0.51e-3);
     ExpectAtRest();
 }
 
@@ -227,7 +228,7 @@ TEST_F(MainSheetFill, ANewJobShowsNoRowOfTheFormerOne) {
     EXPECT_FALSE(IsLoaded("FormMainSheet"));
     EXPECT_FALSE(Main.MenuVievMainSheet.Checked);
     EXPECT_EQ(Messages(), Texts{});
-    EXPECT_EQ(Job.nIdent, 3);  // the points stay in memory
+    EXPECT_EQ(Job.Pairs(), 3);  // the points stay in memory
     Open();
     EXPECT_EQ(Messages(), Texts{kNoData});
     EXPECT_EQ(Rows(), 1);
@@ -261,7 +262,7 @@ TEST_F(MainSheetFill, AJobThatIsOpenedInsideAFillEndsIt) {
     FivePoints();
     Run.JobFilePath = PathOf("a.cvn");
     UserClick(Main.MenuFileSave);
-    Job.MCS_Name[1] = Job.OCS_Name[1] = "changed";
+    Job.Start.Name[1] = Job.Target.Name[1] = "changed";
     Run.JobDirty = kFalse;
     AtYield(2, [this] {
         Headless.Answers["open"].push_back(PathOf("a.cvn"));
@@ -270,7 +271,7 @@ TEST_F(MainSheetFill, AJobThatIsOpenedInsideAFillEndsIt) {
     UserClick(Main.MenuVievMainSheet);
     ExpectAtRest();
     EXPECT_FALSE(IsLoaded("FormMainSheet"));
-    EXPECT_EQ(Job.MCS_Name[1], "P1");
+    EXPECT_EQ(Job.Start.Name[1], "P1");
     EXPECT_EQ(Run.JobDirty, kFalse);
     Open();
     EXPECT_EQ(Cell(1, 0), "P1");
@@ -309,7 +310,8 @@ TEST_F(MainSheetFill, AShorterJobPullsTheSelectionInside) {
     Open();
     Select({15, 3, 19, 6});
     Cells().TopRow = 15;
-    Job.nIdent = Job.nMCS = Job.nOCS = 3;
+    Job.Start.CountOnly(3);
+    Job.Target.CountOnly(3);
     FuellenHaupttabelle();
     EXPECT_EQ(Rows(), 4);
     EXPECT_LT(Selected(Cells()).Row2, 4);
@@ -352,8 +354,8 @@ TEST_F(MainSheetFill, AJobThatIsReplacedWithoutARefillIsNotMixedWithTheFormerOne
     FivePoints();
     Open();
     AtYield(3, [] {
-        Job.MCS_Name.resize(2);
-        Job.OCS_X.resize(2);
+        Job.Start.Resize(1);
+        Job.Target.Resize(1);
         ++Run.JobGeneration;
     });
     FuellenHaupttabelle();
@@ -375,8 +377,8 @@ TEST_F(MainSheetFill, NothingMoreIsTakenOnceTheJobIsAnotherOne) {
 TEST_F(MainSheetFill, PointsThatVanishInsideAFillEndIt) {
     FivePoints();
     Open();
-    AtYield(2, [] { Job.OCS_X.resize(2); });
-    Job.MCS_X[1] = 7;
+    AtYield(2, [] { Job.Target.Resize(1); });
+    Job.Start.X[1] = 7;
     FuellenHaupttabelle();
     EXPECT_EQ(Cell(1, 1), "100.000");
     EXPECT_EQ(Run.WaitPointers, 0);
@@ -398,7 +400,7 @@ TEST_F(MainSheetFill, AWindowThatIsClosedAndOpenedInsideAFillIsFilledOnce) {
     Open();
     AtYield(2, [] {
         Close();
-        Job.MCS_Name[1] = "new";
+        Job.Start.Name[1] = "new";
         Open();
     });
     FuellenHaupttabelle();
@@ -419,7 +421,8 @@ TEST_F(MainSheetFill, ACalculationInsideAFillLeavesRowsOfOneTransformation) {
         Open();  // not checked yet, so the calculation does not fill it
         Headless.OnYield = nullptr;
         for (int i = 1; i <= 6; ++i)
-            EXPECT_NEAR(Number(i, 1), Job.TMCS_X[static_cast<std::size_t>(i)].value(), 0.51e-3) << yield;
+            EXPECT_NEAR(Number(i, 1), Job.Transformed.X[static_cast<std::size_t>(i)].value(), 0.51e-3)
+                << yield;
         ExpectAtRest();
         Close();
         UnloadWindow("FormTrafoBerechnung");
@@ -430,11 +433,11 @@ TEST_F(MainSheetFill, AFillWithoutDataInsideAFillEndsThatToo) {
     FivePoints();
     Open();
     AtYield(2, [] {
-        Job.nIdent = Job.nMCS = Job.nOCS = Job.nMCSOnly = Job.nOCSOnly = 0;
+        Job.Start.CountOnly(0);
+        Job.Target.CountOnly(0);
         FuellenHaupttabelle();
-        Job.nIdent = 3;
-        Job.nMCS = Job.nOCS = 4;
-        Job.nMCSOnly = Job.nOCSOnly = 1;
+        Job.Start.CountAll();
+        Job.Target.CountAll();
     });
     FuellenHaupttabelle();
     EXPECT_EQ(Messages(), Texts{kNoData});
@@ -450,7 +453,7 @@ TEST_F(MainSheetFill, AnImportWhoseFillIsOvertakenByAnotherJobLeavesThatAlone) {
     });
     Import("X;0;0;0\r\nY;100;0;0\r\n", "X;5;6;7\r\nY;105;6;7\r\n");
     EXPECT_EQ(Run.JobDirty, kFalse);
-    EXPECT_EQ(Job.MCS_Name[1], "Q1");
+    EXPECT_EQ(Job.Start.Name[1], "Q1");
 }
 
 TEST_F(MainSheetFill, ASwitchOfDirectionInsideTheFillOfAnImportLeavesAValidJob) {
@@ -473,13 +476,13 @@ TEST_F(MainSheetFill, ACalculationWhoseFillIsOvertakenByAnotherJobLeavesThatAlon
     const std::uint64_t before = Headless.Yields;
     Calculate();
     const auto yields = static_cast<int>(Headless.Yields - before);
-    Job.MCS_X[1] = Job.MCS_X[1].value() + 0.001;
+    Job.Start.X[1] = Job.Start.X[1].value() + 0.001;
     AtYield(yields - 2, [] {
         ReplaceJob();
         Run.JobDirty = kFalse;
     });
     Calculate();
-    EXPECT_EQ(Job.MCS_Name[1], "Q1") << "the calculation has yielded otherwise";
+    EXPECT_EQ(Job.Start.Name[1], "Q1") << "the calculation has yielded otherwise";
     EXPECT_EQ(Run.JobDirty, kFalse);
     EXPECT_EQ(Run.WaitPointers, 0);
 }

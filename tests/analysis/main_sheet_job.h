@@ -20,21 +20,11 @@ protected:
 
     // Points without a partner; to be added behind the pairs.
     static void AddStart(const std::string& name, double x, double y, double z) {
-        for (auto* names : {&Job.MCS_Name, &Job.TMCS_Name}) names->push_back(name);
-        for (auto* column : {&Job.MCS_X, &Job.TMCS_X}) column->emplace_back(x);
-        for (auto* column : {&Job.MCS_Y, &Job.TMCS_Y}) column->emplace_back(y);
-        for (auto* column : {&Job.MCS_Z, &Job.TMCS_Z}) column->push_back(z);
-        ++Job.nMCS;
-        ++Job.nMCSOnly;
+        for (PointSet* points : {&Job.Start, &Job.Transformed}) points->Add(name, x, y, z);
         Run.JobDataValid = kTrue;
     }
     static void AddTarget(const std::string& name, double x, double y, double z) {
-        Job.OCS_Name.push_back(name);
-        Job.OCS_X.emplace_back(x);
-        Job.OCS_Y.emplace_back(y);
-        Job.OCS_Z.push_back(z);
-        ++Job.nOCS;
-        ++Job.nOCSOnly;
+        Job.Target.Add(name, x, y, z);
         Run.JobDataValid = kTrue;
     }
     // Pairs "P1" to "P3", a start point "S" and a target point "T"; the deviations are (-1, 2, 0),
@@ -49,11 +39,11 @@ protected:
     }
     // The arrays of the job that the sheet does not show.
     static void SizeRest() {
-        const std::size_t size = static_cast<std::size_t>(Job.nIdent) + 1;
+        const std::size_t size = static_cast<std::size_t>(Job.Pairs()) + 1;
         Job.RVecX.resize(size);
         Job.RVecY.resize(size);
         Job.RVecZ.resize(size);
-        ASSERT_TRUE(JobCountsFit(Job));
+        ASSERT_TRUE(JobIsWhole(Job));
     }
     static void NamedPairs(int pairs) {
         for (int i = 1; i <= pairs; ++i) AddPair({i * 1.0, 0, 0}, {i * 2.0, 1, 0});

@@ -60,7 +60,7 @@ TEST_F(MainSheetUse, TheSortingOutlivesARefillAndTheWindow) {
     Click(0, 7);
     FuellenHaupttabelle();
     EXPECT_EQ(Col(0), (Texts{"S", "T", "P3", "P2", "P1"}));
-    Job.MCS_X[1] = 1000;  // now the largest deviation
+    Job.Start.X[1] = 1000;  // now the largest deviation
     FuellenHaupttabelle();
     EXPECT_EQ(Col(0), (Texts{"S", "T", "P1", "P3", "P2"}));
     Close();

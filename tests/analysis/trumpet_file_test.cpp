@@ -131,7 +131,7 @@ TEST_F(TrumpetFile, ALargeOneCanBeCancelled) {
 
 TEST_F(TrumpetFile, TheOptionChosenWhileItIsWrittenLeavesItsNumbers) {
     Cloud(2400);
-    for (auto& x : Job.TMCS_X) x = 0;
+    for (auto& x : Job.Transformed.X) x = 0;
     Open();
     Headless.OnYield = [] {
         Headless.OnYield = nullptr;

@@ -50,7 +50,7 @@ TEST_F(NetworkFile, TellsItsCountsMakesTheJobValidAndOpensTheWindow) {
     EXPECT_TRUE(Main.MenuTransformation.Enabled);
     EXPECT_TRUE(Main.MenuTransformationBundle.Enabled);
     EXPECT_TRUE(IsLoaded("FormBündel"));
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 TEST_F(NetworkFile, IsNamedInTheInputDialogAndReadByItsOkInPlaceOfPoints) {
@@ -184,15 +184,13 @@ TEST_F(NetworkFile, ThatIsNoTextIsRefused) {
 }
 
 TEST_F(NetworkFile, PointsOfAClosedJobDoNotComeBackBehindANetwork) {
-    Job.MCS_Name = {"", "A"};
-    Job.MCS_X = Job.MCS_Y = {{}, 1.0};
-    Job.MCS_Z = {0, 1};
+    Job.Start.Add("A", 1, 1, 1);
     Job.RobotABC = Matrix(1, 3);
     ReadBytes(network_.Text());
-    EXPECT_EQ(Job.nMCS, 0);
-    EXPECT_EQ(Job.MCS_Name.size(), 1u);
+    EXPECT_EQ(Job.Start.Count(), 0);
+    EXPECT_EQ(Job.Start.Name.size(), 1u);
     EXPECT_EQ(Job.RobotABC.Rows, -1);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 TEST_F(NetworkFile, ObjectionsNameWhatCannotBeMeant) {

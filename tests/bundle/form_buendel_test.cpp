@@ -33,7 +33,7 @@ protected:
         EXPECT_FALSE(w.CommandSTOP.Enabled);
         EXPECT_FALSE(IsTrue(::Run.StopRequested));
         EXPECT_EQ(::Run.WaitPointers, 0);
-        EXPECT_TRUE(JobCountsFit(Job));
+        EXPECT_TRUE(JobIsWhole(Job));
     }
     std::string StartFile() const { return FolderOfFiles() + "BündelMCS.txt"; }
     std::string TargetFile() const { return FolderOfFiles() + "BündelOCS.txt"; }
@@ -69,17 +69,17 @@ TEST_F(BundleWindow, TakesBothNetworksAsTheJobPairedByName) {
     Calculate();
     EXPECT_EQ(Job.PathMCS, StartFile());
     EXPECT_EQ(Job.PathOCS, TargetFile());
-    EXPECT_EQ(Job.nMCS, 17);
-    EXPECT_EQ(Job.nIdent, 17);
+    EXPECT_EQ(Job.Start.Count(), 17);
+    EXPECT_EQ(Job.Pairs(), 17);
     EXPECT_EQ(Run.JobDataValid, kTrue);
     EXPECT_EQ(Run.JobDirty, kTrue);
     EXPECT_TRUE(Main.MenuTransformation.Enabled);
-    for (int i = 1; i <= Job.nIdent; ++i) {
+    for (int i = 1; i <= Job.Pairs(); ++i) {
         const auto k = static_cast<std::size_t>(i);
-        ASSERT_EQ(Job.MCS_Name[k], Job.OCS_Name[k]);
-        if (Job.MCS_Name[k] != "P7") continue;
-        EXPECT_NEAR(*Job.MCS_X[k], Bundle.ObjectXYZ(7, 1), 1e-10);
-        EXPECT_NEAR(*Job.OCS_X[k], network_.Objects[6][0], 1e-10);
+        ASSERT_EQ(Job.Start.Name[k], Job.Target.Name[k]);
+        if (Job.Start.Name[k] != "P7") continue;
+        EXPECT_NEAR(*Job.Start.X[k], Bundle.ObjectXYZ(7, 1), 1e-10);
+        EXPECT_NEAR(*Job.Target.X[k], network_.Objects[6][0], 1e-10);
     }
 }
 
@@ -142,14 +142,14 @@ TEST_F(BundleWindow, SaysThatTheClipboardRefusesAndGoesOn) {
     Headless.ClipboardRefuses = true;
     Calculate();
     EXPECT_EQ(Messages(), std::vector<std::string>{"Clipboard coud not be set due unknown error"});
-    EXPECT_EQ(Job.nIdent, 17);
+    EXPECT_EQ(Job.Pairs(), 17);
 }
 
 TEST_F(BundleWindow, UsesThePercentageOfTheObjectPoints) {
     Read(network_.Text());
     UserSetText(w.TextReduce, "50");
     Calculate();
-    EXPECT_EQ(Job.nMCS, 5 + 6);
+    EXPECT_EQ(Job.Start.Count(), 5 + 6);
     EXPECT_EQ(Lines(Contents(TargetFile())).size(), 11u);
     EXPECT_EQ(Lines(w.TextResults.Text)[6].substr(0, 3), "P3\t");
 }
@@ -200,7 +200,7 @@ TEST_F(BundleWindow, StationsOnALineEndTheRunBehindTheFirstFile) {
     EXPECT_FALSE(File_Exist(StartFile()));
     EXPECT_EQ(Bundle.ObjectXYZ.Elements, before.Elements);
     EXPECT_EQ(Headless.Clipboard, "before");
-    EXPECT_EQ(Job.nMCS, 0);
+    EXPECT_EQ(Job.Start.Count(), 0);
     ExpectAtRest();
 }
 
@@ -213,7 +213,7 @@ TEST_F(BundleWindow, YieldsOnceAnIterationAndStopsBehindIt) {
     Calculate();
     EXPECT_EQ(Lines(w.TextRUN.Text).size(), 2u);
     EXPECT_TRUE(File_Exist(StartFile())) << "what was adjusted so far is handed on";
-    EXPECT_EQ(Job.nIdent, 17);
+    EXPECT_EQ(Job.Pairs(), 17);
     ExpectAtRest();
 }
 
@@ -243,7 +243,7 @@ TEST_F(BundleWindow, AStopWithinALaterIterationHandsOnTheOneBefore) {
     };
     Calculate();
     EXPECT_EQ(Lines(w.TextRUN.Text).size(), 1u);
-    EXPECT_EQ(Job.nIdent, 236);
+    EXPECT_EQ(Job.Pairs(), 236);
     ASSERT_EQ(Lines(w.TextResults.Text).size(), 236u);
     EXPECT_GT(Val(FieldsOf(Lines(w.TextResults.Text)[200])[4]), 0);
     ExpectAtRest();
@@ -288,9 +288,9 @@ TEST_F(BundleWindow, WritesBothFilesInTheUnitThatTheyAreReadIn) {
     Read(network_.Text(0.001));
     Calculate();
     EXPECT_NEAR(Val(FieldsOf(Lines(Contents(TargetFile()))[5])[1]), network_.Objects[0][0] / 1000, 1e-12);
-    for (std::size_t k = 1; k < Job.OCS_Name.size(); ++k)
-        if (Job.OCS_Name[k] == "P1") {
-            EXPECT_NEAR(*Job.OCS_X[k], network_.Objects[0][0], 1e-9);
+    for (std::size_t k = 1; k < Job.Target.Name.size(); ++k)
+        if (Job.Target.Name[k] == "P1") {
+            EXPECT_NEAR(*Job.Target.X[k], network_.Objects[0][0], 1e-9);
         }
 
     Headless.OnYield = [] {
@@ -300,9 +300,9 @@ TEST_F(BundleWindow, WritesBothFilesInTheUnitThatTheyAreReadIn) {
     };
     Calculate();
     EXPECT_GT(Val(FieldsOf(Lines(Contents(TargetFile()))[5])[1]), 100);
-    for (std::size_t k = 1; k < Job.OCS_Name.size(); ++k)
-        if (Job.OCS_Name[k] == "P1") {
-            EXPECT_NEAR(*Job.OCS_X[k], *Job.MCS_X[k], 1);
+    for (std::size_t k = 1; k < Job.Target.Name.size(); ++k)
+        if (Job.Target.Name[k] == "P1") {
+            EXPECT_NEAR(*Job.Target.X[k], *Job.Start.X[k], 1);
         }
 }
 
@@ -312,7 +312,7 @@ TEST_F(BundleWindow, OnASystemWithDecimalCommaTheFilesAreReadWithoutAQuestion) {
     Calculate();
     EXPECT_EQ(Messages(), std::vector<std::string>{});
     EXPECT_NE(Contents(StartFile()).find(','), std::string::npos);
-    EXPECT_EQ(Job.nIdent, 17);
+    EXPECT_EQ(Job.Pairs(), 17);
 }
 
 TEST_F(BundleWindow, TheFileOfAnotherJobIsNotSavedOver) {
@@ -334,7 +334,7 @@ TEST_F(BundleWindow, WhatAnEarlierJobHadBesidesPointsGoesWithIt) {
     Job.ParaboloidShape = Matrix(7, 2);
     Job.RobotABC = Matrix(9, 3);
     Job.NameMCS = "Robot";
-    Job.nMCS = 0;
+    Job.Start.CountOnly(0);
     ::Run.TrafoValid = kTrue;
     Calculate();
     EXPECT_EQ(Job.IsKuka, kFalse);
@@ -344,7 +344,7 @@ TEST_F(BundleWindow, WhatAnEarlierJobHadBesidesPointsGoesWithIt) {
     EXPECT_EQ(Job.RobotABC.Rows, -1);
     EXPECT_EQ(Job.NameMCS, "MCS");
     EXPECT_EQ(Run.TrafoValid, kFalse);
-    EXPECT_EQ(Job.nIdent, 17);
+    EXPECT_EQ(Job.Pairs(), 17);
 }
 
 TEST_F(BundleWindow, TheCalculationWindowOpensAnewOnTheNetwork) {
@@ -476,7 +476,7 @@ TEST_F(BundleWindow, EscapeStopsARunAndClosesTheWindowAtRest) {
 
 TEST_F(BundleWindow, AJobOfNoPointsBehindANetworkDoesNoHarm) {
     Read(network_.Text());
-    ASSERT_EQ(Job.nMCS, 0);
+    ASSERT_EQ(Job.Start.Count(), 0);
     UserClick(Main.MenuVievMainSheet);
     UserClick(Main.MenueGraphics);
     UserClick(Main.MenuTransformationCalculation);
@@ -485,5 +485,5 @@ TEST_F(BundleWindow, AJobOfNoPointsBehindANetworkDoesNoHarm) {
     UserClick(Main.MenuFileSaveAs);
     EXPECT_TRUE(File_Exist(PathOf("empty.cvn")));
     UserClick(BündelWindow.BtnCalculate);
-    EXPECT_EQ(Job.nIdent, 17);
+    EXPECT_EQ(Job.Pairs(), 17);
 }

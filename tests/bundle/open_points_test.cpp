@@ -253,16 +253,16 @@ TEST_F(OpenPoints, TheMarksAreReadBackWithoutLoss) {
     Calculate();
     ForgetNotes();
     Einlesen_Neu();
-    ASSERT_EQ(Job.nMCS, Stations() + 12);
-    for (std::size_t i = 1; i <= static_cast<std::size_t>(Job.nMCS); ++i) {
+    ASSERT_EQ(Job.Start.Count(), Stations() + 12);
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(Job.Start.Count()); ++i) {
         const int row = static_cast<int>(i) - Stations();
         const bool station = row < 1;
-        EXPECT_EQ(Job.MCS_Name[i], station ? Bundle.StationName[i] : Bundle.ObjectName[i - 5]);
+        EXPECT_EQ(Job.Start.Name[i], station ? Bundle.StationName[i] : Bundle.ObjectName[i - 5]);
         const double* xyz = station ? Bundle.StationXYZ.Row(static_cast<int>(i)) : Bundle.ObjectXYZ.Row(row);
         // The file has fifteen digits.
-        EXPECT_NEAR(*Job.MCS_X[i], xyz[1], 1e-9);
-        EXPECT_NEAR(*Job.MCS_Y[i], xyz[2], 1e-9);
-        EXPECT_NEAR(Job.MCS_Z[i], xyz[3], 1e-9);
+        EXPECT_NEAR(*Job.Start.X[i], xyz[1], 1e-9);
+        EXPECT_NEAR(*Job.Start.Y[i], xyz[2], 1e-9);
+        EXPECT_NEAR(Job.Start.Z[i], xyz[3], 1e-9);
     }
     ASSERT_EQ(Notes.List.size(), 1u);
     EXPECT_EQ(Notes.List[0].Code, NoteCode::NetworkOpen);

@@ -299,7 +299,7 @@ TEST_F(Automation, RecordsCanBeWritten) {
         true);
     EXPECT_EQ(Job.ParamText[6], "float");
     EXPECT_EQ(write("MCS_X", json::parse("[null,1,2,3,null]"))["ok"], true);
-    EXPECT_FALSE(Job.MCS_X[4].has_value());
+    EXPECT_FALSE(Job.Start.X[4].has_value());
     EXPECT_EQ(write("StopRequested", -1)["ok"], true);
 }
 
@@ -311,9 +311,9 @@ TEST_F(Automation, RecordsThatWouldNotFitAreRefusedAndUnchanged) {
         return reply["ok"] == false;
     };
     EXPECT_TRUE(refused("nIdent", 100));
-    EXPECT_EQ(Job.nIdent, 3);
+    EXPECT_EQ(Job.Pairs(), 3);
     EXPECT_TRUE(refused("MCS_Name", json({"", "A"})));
-    EXPECT_EQ(Job.MCS_Name.size(), 5u);
+    EXPECT_EQ(Job.Start.Name.size(), 5u);
     EXPECT_TRUE(refused("MCS_X", json({nullptr})));
     EXPECT_TRUE(refused("TraX", "12"));
     EXPECT_TRUE(refused("LengthDigits", 40000));
@@ -322,7 +322,7 @@ TEST_F(Automation, RecordsThatWouldNotFitAreRefusedAndUnchanged) {
     EXPECT_TRUE(refused("Etta", 1e300));
     EXPECT_TRUE(refused("ParamText", json({"a"})));
     EXPECT_TRUE(refused("SavedView", json::array()));
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 TEST_F(Automation, FullPrecisionSurvivesAReadAndAWrite) {
@@ -401,7 +401,7 @@ TEST_F(Automation, AnImportInsideTheSearchOfAnotherOneHasTheLastWord) {
     ASSERT_EQ(reply["during"].size(), 3u) << reply;
     EXPECT_TRUE(reply["during"][2].contains("platformError"));
     EXPECT_EQ(Record("JobDataValid"), 0) << "the outer import has no points left to call a job";
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 // --- Anything at all --------------------------------------------------------------------------------------
@@ -471,7 +471,7 @@ TEST_F(Automation, SurvivesAnyLine) {
         const json reply = json::parse(AnswerLine(line, quit));
         ASSERT_TRUE(reply.contains("ok"));
         ASSERT_FALSE(quit);
-        ASSERT_TRUE(JobCountsFit(Job)) << line;
+        ASSERT_TRUE(JobIsWhole(Job)) << line;
     }
     Headless.Unanswered = false;
 }

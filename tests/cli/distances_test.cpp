@@ -71,7 +71,7 @@ TEST_F(DistancesCommand, JsonHasFullPrecisionInMillimetres) {
 
 TEST_F(DistancesCommand, CsvIsInTheUnitsOfTheJob) {
     Triangle();
-    Job.MCS_Name[1] = Job.TMCS_Name[1] = "A;1";
+    Job.Start.Name[1] = Job.Transformed.Name[1] = "A;1";
     const Outcome outcome = Command({Saved(), "--csv", "--decimal", ","});
     EXPECT_TRUE(Has(outcome.Out, "name;max_delta_s;max_delta_s_at;")) << outcome.Out;
     EXPECT_TRUE(Has(outcome.Out, "\r\nB;1;\"A;1\";-2;C;1,2;\"A;1\";0,8333333;C;1,5;1,016667\r\n"))

@@ -112,7 +112,7 @@ protected:
         UserSetText(InputFiles.TextNameOCS,
                     Write("target.txt", "A;5;6;7\nB;1005;6;7\nC;5;2006;7\nD;5;6;3007\n"));
         UserClick(InputFiles.BtnOK);
-        ASSERT_EQ(Job.nIdent, 4);
+        ASSERT_EQ(Job.Pairs(), 4);
     }
 
     // What a user sees, hears of and finds on the disk, but for the control that is just worked: that it

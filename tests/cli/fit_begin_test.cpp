@@ -164,7 +164,7 @@ TEST_F(FitBegin, ASeedPointBehindTheLastThatAJobFileCanNameIsRefused) {
                   std::to_string(i % 11) + "\n";
     const std::string file = Write("many.txt", points);
     EXPECT_EQ(Fit({file, file, "--seed-points", "P1,P2,P3"}).Status, 0);
-    const Outcome outcome = Fit({file, file, "--seed-points", "P1,P2," + Job.MCS_Name[32768]});
+    const Outcome outcome = Fit({file, file, "--seed-points", "P1,P2," + Job.Start.Name[32768]});
     EXPECT_EQ(outcome.Status, 2);
     EXPECT_NE(outcome.Err.find("32767"), std::string::npos) << outcome.Err;
 }

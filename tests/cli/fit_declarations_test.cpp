@@ -46,7 +46,7 @@ TEST_F(Declarations, OfAKukaProgramAreItsPosesWhereverAndHoweverTheyStand) {
     EXPECT_EQ(skipped->File, program);
     EXPECT_EQ(skipped->Line, 3);
     EXPECT_EQ(skipped->Count, 4) << "remark, frame, joint values, assignment";
-    EXPECT_EQ(Job.OCS_Name.size(), 5u);
+    EXPECT_EQ(Job.Target.Name.size(), 5u);
 }
 
 TEST_F(Declarations, OfSeveralPosesInOneLineAreAllTaken) {

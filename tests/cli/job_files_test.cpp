@@ -143,9 +143,9 @@ TEST_F(JobFiles, ConvertWritesTheSameJobAndEverythingAsJson) {
     EXPECT_EQ(outcome.Out, "");
     const json all = json::parse(Contents(PathOf("all.JSON")));
     const json& records = all["records"];
-    EXPECT_EQ(records["MCS_Name"][1], Job.MCS_Name[1]);
+    EXPECT_EQ(records["MCS_Name"][1], Job.Start.Name[1]);
     EXPECT_EQ(records["MCS_X"][0], json());
-    EXPECT_EQ(records["MCS_X"][1], *Job.MCS_X[1]);
+    EXPECT_EQ(records["MCS_X"][1], *Job.Start.X[1]);
     EXPECT_EQ(records["UseFlags"].size(), Job.UseFlags.size());
     EXPECT_EQ(records["ParamText"][kRotX], "0.1");
     EXPECT_EQ(records["SavedView"].size(), 51u);

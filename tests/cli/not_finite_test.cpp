@@ -13,7 +13,7 @@ protected:
     NotFiniteCommands() {
         EXPECT_EQ(FreshCommandLine({"fit", start_, target_, "--save", good_}).Status, 0);
         JobFileContent content = ReadJobBytes(Contents(good_), good_);
-        content.Job.OCS_Y[4] = std::numeric_limits<double>::quiet_NaN();
+        content.Job.Target.Y[4] = std::numeric_limits<double>::quiet_NaN();
         Write("job.cvn", JobBytes(content.Job, {}));
     }
     std::string good_ = PathOf("good.cvn"), job_ = PathOf("job.cvn");

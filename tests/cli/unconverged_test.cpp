@@ -165,8 +165,7 @@ TEST_F(UnconvergedCommands, AJobWhoseBlockIsDamagedOpensWithoutItOnlyWithYes) {
 
 TEST_F(UnconvergedCommands, MoreUseFlagsThanPairsAreNoted) {
     JobRecord job = ReadJobBytes(Contents(good_), good_).Job;
-    job.nIdent = 3;
-    job.nMCSOnly = job.nOCSOnly = 2;
+    job.SetPairs(3);
     const std::string path = Write("flags.cvn", JobBytes(job, {}));
     EXPECT_EQ(FreshCommandLine({"info", path}).Status, 0);
     ASSERT_EQ(Notes.List.size(), 1u);

@@ -229,7 +229,8 @@ TEST_F(ControllerStart, InitialisierenSetsTheRunToNoData) {
     Run.ColorBarOpen = Run.TrafoValid = Run.JobDataValid = kTrue;
     Run.PointCloud = true;
     Job.DirectionMCStoOCS = kFalse;
-    Job.nMCS = Job.nOCS = Job.nIdent = Job.nMCSOnly = Job.nOCSOnly = 5;
+    for (PointSet* points : {&Job.Start, &Job.Target}) points->Resize(5);
+    Job.SetPairs(3);
     Job.LengthUnitName = "inch";
     Job.LengthDigits = 6;
     Job.AngleUnitName = "";
@@ -243,7 +244,8 @@ TEST_F(ControllerStart, InitialisierenSetsTheRunToNoData) {
     EXPECT_EQ(Run.JobDataValid, kFalse);
     EXPECT_FALSE(Run.PointCloud);
     EXPECT_EQ(Job.DirectionMCStoOCS, kTrue);
-    for (const std::int32_t count : {Job.nMCS, Job.nOCS, Job.nIdent, Job.nMCSOnly, Job.nOCSOnly})
+    for (const std::int32_t count :
+         {Job.Start.Count(), Job.Target.Count(), Job.Pairs(), Job.StartOnly(), Job.TargetOnly()})
         EXPECT_EQ(count, 0);
     EXPECT_EQ(Job.LengthUnitName, "inch");
     EXPECT_EQ(Job.LengthDigits, 6);

@@ -27,15 +27,15 @@ std::vector<std::string> EnabledOf(const std::vector<std::pair<std::string, Cont
 void FillPairs(int pairs) {
     Job = JobRecord{};
     for (int i = 1; i <= pairs; ++i) {
-        for (auto* names : {&Job.MCS_Name, &Job.OCS_Name, &Job.TMCS_Name})
-            names->push_back(std::to_string(i));
-        for (auto* places : {&Job.MCS_X, &Job.OCS_X, &Job.TMCS_X, &Job.RVecX}) places->emplace_back(i * i);
-        for (auto* places : {&Job.MCS_Y, &Job.OCS_Y, &Job.TMCS_Y, &Job.RVecY}) places->emplace_back(10 * i);
-        for (auto* places : {&Job.MCS_Z, &Job.OCS_Z, &Job.TMCS_Z, &Job.RVecZ}) places->push_back(3 - i);
+        for (PointSet* points : {&Job.Start, &Job.Target, &Job.Transformed})
+            points->Add(std::to_string(i), i * i, 10 * i, 3 - i);
+        Job.RVecX.emplace_back(i * i);
+        Job.RVecY.emplace_back(10 * i);
+        Job.RVecZ.push_back(3 - i);
         for (int axis = 0; axis < 3; ++axis) Job.UseFlags.push_back(1);
     }
-    Job.nMCS = Job.nOCS = Job.nIdent = pairs;
-    EXPECT_TRUE(JobCountsFit(Job));
+    Job.SetPairs(pairs);
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 std::vector<Control*> ControlsNamed(const std::vector<const char*>& names) {

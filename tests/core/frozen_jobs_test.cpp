@@ -37,16 +37,16 @@ protected:
 
     // All files hold the same points: eight pairs, one start and two target points without a partner.
     static void ExpectPointsAndPairs() {
-        EXPECT_EQ(Job.MCS_Name,
+        EXPECT_EQ(Job.Start.Name,
                   (Texts{"", "M1", "M2", "M3", "M4", "M5", "Säule", "M7", "M8", "only tracker"}));
-        EXPECT_EQ(Job.OCS_Name,
+        EXPECT_EQ(Job.Target.Name,
                   (Texts{"", "M1", "M2", "M3", "M4", "M5", "Säule", "M7", "M8", "only CAD", "only CAD 2"}));
-        EXPECT_EQ(Job.TMCS_Name, Job.MCS_Name);
-        EXPECT_EQ(Job.nIdent, 8);
-        EXPECT_EQ(Job.nMCS, 9);
-        EXPECT_EQ(Job.nOCS, 10);
-        EXPECT_EQ(Job.nMCSOnly, 1);
-        EXPECT_EQ(Job.nOCSOnly, 2);
+        EXPECT_EQ(Job.Transformed.Name, Job.Start.Name);
+        EXPECT_EQ(Job.Pairs(), 8);
+        EXPECT_EQ(Job.Start.Count(), 9);
+        EXPECT_EQ(Job.Target.Count(), 10);
+        EXPECT_EQ(Job.StartOnly(), 1);
+        EXPECT_EQ(Job.TargetOnly(), 2);
         EXPECT_EQ(Told(StartPoint(1)), Told({1200, 340, 50}));
         EXPECT_EQ(Told(StartPoint(2)), Told({-800, 2250.5, 51.25}));
         EXPECT_EQ(Told(StartPoint(3)), Told({40000, -7, 0.125}));
@@ -57,9 +57,9 @@ protected:
         EXPECT_EQ(Told(TargetPoint(1)), Told({2201, -660, 1550}));
         EXPECT_EQ(Told(TargetPoint(8)), Told({992.5, -1016.5, 1467.5}));
         EXPECT_EQ(Told(TargetPoint(10)), Told({15, 16, 17}));
-        EXPECT_EQ(Job.TMCS_X[9], 1010);
-        EXPECT_EQ(Job.TMCS_Y[2], 1250.5);
-        EXPECT_EQ(Job.TMCS_Z[8], 1467.5);
+        EXPECT_EQ(Job.Transformed.X[9], 1010);
+        EXPECT_EQ(Job.Transformed.Y[2], 1250.5);
+        EXPECT_EQ(Job.Transformed.Z[8], 1467.5);
         const std::vector<std::int16_t> use = {0, 1, 1, 1, 1, 0, 1, 0, 0, 0, 1, 1, 1,
                                                1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
         EXPECT_EQ(Job.UseFlags, use);

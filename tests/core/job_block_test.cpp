@@ -183,7 +183,7 @@ TEST_F(JobBlocks, OpeningAsksBeforeItLeavesADamagedOneOut) {
         << LastMessage();
     EXPECT_EQ(Run.JobDataValid, kFalse);
     EXPECT_EQ(Run.JobFilePath, kDefaultJobPath) << "nothing may be saved over it";
-    EXPECT_EQ(Job.nIdent, 0);
+    EXPECT_EQ(Job.Pairs(), 0);
     Headless.Answers["message"].emplace_back("Yes");
     OpenFile(path);
     EXPECT_EQ(Run.JobDataValid, kTrue);
@@ -254,7 +254,7 @@ TEST_F(JobBlocks, FlagsOfMorePairsThanAreCountedAreNoted) {
               std::string::npos)
         << Notes.List[0].Text;
     EXPECT_EQ(Notes.List[0].File, path);
-    EXPECT_EQ(Job.nIdent, 3);
+    EXPECT_EQ(Job.Pairs(), 3);
     ExpectBytes(JobBytes(Job, {}), HandFile(job));
 }
 
@@ -266,7 +266,7 @@ TEST_F(JobBlocks, RVectorsThatAreShorterThanThePairsStayAsShort) {
     job.AutoRecalc = false;
     const JobFileContent content = Read(HandFile(job));
     ExpectBytes(JobBytes(content.Job, content.ViewNames), HandFile(job));
-    EXPECT_TRUE(JobCountsFit(content.Job)) << "in memory they reach the pairs";
+    EXPECT_TRUE(JobIsWhole(content.Job)) << "in memory they reach the pairs";
     // What has come to stand behind them is written too.
     JobRecord more = content.Job;
     more.RVecX[3] = 7;

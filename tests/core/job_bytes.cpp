@@ -285,23 +285,23 @@ void ExpectBytes(const std::string& actual, const std::string& expected) {
 }
 
 void ExpectJob(const JobRecord& job, const HandJob& hand) {
-    EXPECT_EQ(job.MCS_Name, hand.MCS.Name);
-    EXPECT_EQ(job.MCS_X, hand.MCS.X);
-    EXPECT_EQ(job.MCS_Y, hand.MCS.Y);
-    EXPECT_EQ(job.MCS_Z, hand.MCS.Z);
-    EXPECT_EQ(job.OCS_Name, hand.OCS.Name);
-    EXPECT_EQ(job.OCS_X, hand.OCS.X);
-    EXPECT_EQ(job.OCS_Y, hand.OCS.Y);
-    EXPECT_EQ(job.OCS_Z, hand.OCS.Z);
-    EXPECT_EQ(job.TMCS_Name, hand.TMCS.Name);
-    EXPECT_EQ(job.TMCS_X, hand.TMCS.X);
-    EXPECT_EQ(job.TMCS_Y, hand.TMCS.Y);
-    EXPECT_EQ(job.TMCS_Z, hand.TMCS.Z);
-    EXPECT_EQ(job.nIdent, hand.nIdent);
-    EXPECT_EQ(job.nMCS, hand.nMCS);
-    EXPECT_EQ(job.nOCS, hand.nOCS);
-    EXPECT_EQ(job.nMCSOnly, hand.nMCS - hand.nIdent);
-    EXPECT_EQ(job.nOCSOnly, hand.nOCS - hand.nIdent);
+    EXPECT_EQ(job.Start.Name, hand.MCS.Name);
+    EXPECT_EQ(job.Start.X, hand.MCS.X);
+    EXPECT_EQ(job.Start.Y, hand.MCS.Y);
+    EXPECT_EQ(job.Start.Z, hand.MCS.Z);
+    EXPECT_EQ(job.Target.Name, hand.OCS.Name);
+    EXPECT_EQ(job.Target.X, hand.OCS.X);
+    EXPECT_EQ(job.Target.Y, hand.OCS.Y);
+    EXPECT_EQ(job.Target.Z, hand.OCS.Z);
+    EXPECT_EQ(job.Transformed.Name, hand.TMCS.Name);
+    EXPECT_EQ(job.Transformed.X, hand.TMCS.X);
+    EXPECT_EQ(job.Transformed.Y, hand.TMCS.Y);
+    EXPECT_EQ(job.Transformed.Z, hand.TMCS.Z);
+    EXPECT_EQ(job.Pairs(), hand.nIdent);
+    EXPECT_EQ(job.Start.Count(), hand.nMCS);
+    EXPECT_EQ(job.Target.Count(), hand.nOCS);
+    EXPECT_EQ(job.StartOnly(), hand.nMCS - hand.nIdent);
+    EXPECT_EQ(job.TargetOnly(), hand.nOCS - hand.nIdent);
     EXPECT_EQ(std::vector<int>(job.UseFlags.begin(), job.UseFlags.end()), hand.UseFlags);
     EXPECT_EQ(job.ParamText, hand.ParamText);
     EXPECT_EQ(job.DirectionMCStoOCS, FlagOf(hand.Direction));

@@ -29,13 +29,11 @@ protected:
         Fill("A");
     }
     static void Fill(const std::string& name) {
-        Job.MCS_Name = Job.OCS_Name = Job.TMCS_Name = {"", name};
-        Job.MCS_X = Job.MCS_Y = Job.OCS_X = Job.OCS_Y = Job.TMCS_X = Job.TMCS_Y = {{}, 1.0};
-        Job.MCS_Z = Job.OCS_Z = Job.TMCS_Z = {0, 1};
+        Job.Start = Job.Target = Job.Transformed = PointSet({{"", name}, {{}, 1.0}, {{}, 1.0}, {0, 1}});
         Job.RVecX = Job.RVecY = {{}, {}};
         Job.RVecZ = {0, 0};
         Job.UseFlags = {0, 1, 1, 1};
-        Job.nMCS = Job.nOCS = Job.nIdent = 1;
+        Job.SetPairs(1);
         ::Run.JobDataValid = kTrue;
         ProgrammLogik();
     }
@@ -287,17 +285,15 @@ TEST_F(JobCommands, NewTakesANameAndGivesUpDataAndResult) {
     EXPECT_FALSE(Main.MenuTransformation.Enabled);
     EXPECT_EQ(Main.Window.Caption, TitleText(PathOf("new.cvn")));
     EXPECT_FALSE(File_Exist(PathOf("new.cvn"))) << "nothing is written before it is saved";
-    EXPECT_EQ(Job.MCS_Name, (Texts{"", "A"})) << "the old arrays stay in memory";
-    EXPECT_EQ(Job.nMCS, 1);
+    EXPECT_EQ(Job.Start.Name, (Texts{"", "A"})) << "the old arrays stay in memory";
+    EXPECT_EQ(Job.Start.Count(), 1);
 }
 
 TEST_F(JobCommands, NewSizesTheWorkingArraysFromTheCountsInMemory) {
-    Job.TMCS_Name = {""};
-    Job.TMCS_X = Job.TMCS_Y = {{}};
-    Job.TMCS_Z = {0};
+    Job.Transformed = PointSet();
     Answer("save", PathOf("new.cvn"));
     UserClick(Main.MenuFileNew);
-    EXPECT_EQ(Job.TMCS_Name, (Texts{"", "A"}));
+    EXPECT_EQ(Job.Transformed.Name, (Texts{"", "A"}));
     EXPECT_EQ(Job.UseFlags.size(), 4u);
 }
 
@@ -323,7 +319,7 @@ TEST_F(JobCommands, OpenReadsAJobAndMovesNothingInTheRecentFiles) {
     EXPECT_EQ(Headless.Dialogs[0].Title, "Open File ");
     EXPECT_EQ(Headless.Dialogs[0].Filter, "cvn Dateien (*.cvn)|*.cvn|Alle Dateien (*.*)|*.*|");
     EXPECT_EQ(Run.JobFilePath, a);
-    EXPECT_EQ(Job.MCS_Name, (Texts{"", "A"}));
+    EXPECT_EQ(Job.Start.Name, (Texts{"", "A"}));
     EXPECT_EQ(Run.WaitPointers, 0);
     EXPECT_EQ(Recent(), (Texts{b, a, "", ""}));
     UserClick(Main.MenuFileSave);
@@ -381,7 +377,7 @@ TEST_F(JobCommands, ARecentEntryOpensItsFile) {
     UserClick(Main.MenüDateiAlt2);
     EXPECT_EQ(Messages(), Texts{kQuestion});
     EXPECT_EQ(Run.JobFilePath, a);
-    EXPECT_EQ(Job.MCS_Name, (Texts{"", "A"}));
+    EXPECT_EQ(Job.Start.Name, (Texts{"", "A"}));
     EXPECT_FALSE(IsLoaded("FormUnits"));
     EXPECT_EQ(Run.JobDataValid, kTrue);
 }
@@ -404,7 +400,7 @@ TEST_F(JobCommands, ARecentEntryOfAMissingFileLeavesTheProgramWithoutData) {
     UserClick(Main.MenüDateiAlt1);
     EXPECT_EQ(Messages(), Texts{kMissing});
     EXPECT_EQ(Run.JobDataValid, kFalse);
-    EXPECT_EQ(Job.nMCS, 0);
+    EXPECT_EQ(Job.Start.Count(), 0);
 }
 
 TEST_F(JobCommands, AJobThatCannotBeReadIsNotTheOneThatIsSavedLater) {

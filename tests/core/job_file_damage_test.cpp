@@ -225,9 +225,9 @@ TEST_F(JobFileDamage, ADamagedFileLeavesNoHalfJobAndIsItselfUntouched) {
         EXPECT_EQ(Run.TrafoValid, kFalse);
         EXPECT_FALSE(Main.MenuTransformation.Enabled);
         // The job before has no points any more; nothing of the file stands in its place.
-        EXPECT_EQ(Job.nMCS, 0);
-        EXPECT_EQ(Job.nIdent, 0);
-        EXPECT_EQ(Job.MCS_Name, HandRobotExample().MCS.Name);
+        EXPECT_EQ(Job.Start.Count(), 0);
+        EXPECT_EQ(Job.Pairs(), 0);
+        EXPECT_EQ(Job.Start.Name, HandRobotExample().MCS.Name);
         EXPECT_EQ(Job.LengthUnitName, "inch");
         EXPECT_EQ(Job.IsParaboloid, kFalse);
         EXPECT_EQ(Job.IsKuka, kTrue);
@@ -241,7 +241,7 @@ TEST_F(JobFileDamage, ADamagedFileLeavesNoHalfJobAndIsItselfUntouched) {
     SaveFileAs(PathOf("left.cvn"));
     OpenFile(PathOf("left.cvn"));
     EXPECT_EQ(Run.JobDataValid, kTrue);
-    EXPECT_EQ(Job.nMCS, 0);
+    EXPECT_EQ(Job.Start.Count(), 0);
 }
 
 TEST_F(JobFileDamage, AnUnreadableFileIsToldAndLeavesNoData) {

@@ -89,8 +89,8 @@ TEST_F(JobFileFormat, AFreshJobIsWrittenWithElement0OfEveryArray) {
     EXPECT_EQ(HandFile(hand).size(),
               10U + 3 * 30 + 12 + 6 + 36 + 4 + 104 + 8 + 8 + 6 + 8 + 8 + 16 + 8 + 2 + 2 + 4);
     const JobFileContent content = ReadJobBytes(HandFile(hand), "a.cvn");
-    EXPECT_FALSE(content.Job.MCS_X.at(0).has_value());
-    EXPECT_FALSE(content.Job.TMCS_Y.at(0).has_value());
+    EXPECT_FALSE(content.Job.Start.X[0].has_value());
+    EXPECT_FALSE(content.Job.Transformed.Y[0].has_value());
 }
 
 TEST_F(JobFileFormat, TheFirstBytesOfASmallJobStandAsTold) {
@@ -122,7 +122,7 @@ TEST_F(JobFileFormat, CoordinateArraysLongerThanTheNamesKeepTheirLength) {
         }
     const JobFileContent content = ReadJobBytes(HandFile(hand), "a.cvn");
     ExpectJob(content.Job, hand);
-    EXPECT_TRUE(JobCountsFit(content.Job));
+    EXPECT_TRUE(JobIsWhole(content.Job));
     ExpectBytes(JobBytes(content.Job, {}), Saved(hand));
 }
 
@@ -132,7 +132,7 @@ TEST_F(JobFileFormat, AJobWithTargetPointsAloneIsReadAndWritten) {
     hand.nOCS = 1;
     const JobFileContent content = ReadJobBytes(HandFile(hand), "a.cvn");
     ExpectJob(content.Job, hand);
-    EXPECT_TRUE(JobCountsFit(content.Job));
+    EXPECT_TRUE(JobIsWhole(content.Job));
     ExpectBytes(JobBytes(content.Job, {}), Saved(hand));
 }
 
@@ -170,8 +170,8 @@ TEST_F(JobFileFormat, RVectorsReachThePairsWhateverTheFileHas) {
     EXPECT_EQ(job.RVecX, (std::vector<TaggedValue>{{}, 1.0, {}, {}}));
     EXPECT_EQ(job.RVecY.size(), 4U);
     EXPECT_EQ(job.RVecZ.size(), 4U);
-    EXPECT_TRUE(JobCountsFit(job));
-    EXPECT_TRUE(JobCountsFit(ReadJobBytes(HandFile(HandExample()), "a.cvn").Job));
+    EXPECT_TRUE(JobIsWhole(job));
+    EXPECT_TRUE(JobIsWhole(ReadJobBytes(HandFile(HandExample()), "a.cvn").Job));
 }
 
 TEST_F(JobFileFormat, OnlyMinusOneIsATrueFlag) {
@@ -226,7 +226,7 @@ TEST_F(JobFileFormat, TextsOfTheFileAreSingleBytesAndUtf8InMemory) {
         "R\xFC"
         "ck"};
     const JobFileContent content = ReadJobBytes(HandFile(hand), "a.cvn");
-    EXPECT_EQ(content.Job.MCS_Name[1], "Prüfpunkt €");
+    EXPECT_EQ(content.Job.Start.Name[1], "Prüfpunkt €");
     EXPECT_EQ(content.Job.ParamText[1], "ä");
     EXPECT_EQ(content.Job.NameMCS, "Meßsystem");
     EXPECT_EQ(content.Job.AngleUnitName, kDegreeMinuteSecond);
@@ -262,7 +262,7 @@ TEST_F(JobFileFormat, TaggedValuesOfEveryKindAreReadAsNumbers) {
     const JobRecord job = ReadJobBytes(before + values.Text + after, "a.cvn").Job;
     const std::vector<TaggedValue> expected = {{},   0.1,   -300.0, -70000.0, static_cast<double>(0.1F),
                                                12.5, -1.25, {},     {},       {}};
-    EXPECT_EQ(job.MCS_X, expected);
+    EXPECT_EQ(job.Start.X, expected);
     // They are written back as f64 or nothing.
     hand.MCS.X.assign(expected.begin(), expected.end());
     ExpectBytes(JobBytes(job, {}), HandFile(hand));
@@ -270,15 +270,15 @@ TEST_F(JobFileFormat, TaggedValuesOfEveryKindAreReadAsNumbers) {
 
 TEST_F(JobFileFormat, ATextThatTheFileCannotHoldIsRefused) {
     JobRecord job = ReadJobBytes(HandFile(HandExample()), "a.cvn").Job;
-    job.MCS_Name[1] = std::string(65535, 'x');
-    EXPECT_EQ(ReadJobBytes(JobBytes(job, {}), "a.cvn").Job.MCS_Name[1].size(), 65535U);
-    job.MCS_Name[1] += 'x';
+    job.Start.Name[1] = std::string(65535, 'x');
+    EXPECT_EQ(ReadJobBytes(JobBytes(job, {}), "a.cvn").Job.Start.Name[1].size(), 65535U);
+    job.Start.Name[1] += 'x';
     EXPECT_EQ(ErrorOfWriting(job),
               "This job cannot be saved: MCS_Name: a text of 65536 bytes is too long, 65535 is the most");
     // The bytes of the file count: here half as many as in memory.
-    job.MCS_Name[1].clear();
-    for (int i = 0; i < 65535; ++i) job.MCS_Name[1] += "ä";
-    EXPECT_EQ(ReadJobBytes(JobBytes(job, {}), "a.cvn").Job.MCS_Name[1], job.MCS_Name[1]);
+    job.Start.Name[1].clear();
+    for (int i = 0; i < 65535; ++i) job.Start.Name[1] += "ä";
+    EXPECT_EQ(ReadJobBytes(JobBytes(job, {}), "a.cvn").Job.Start.Name[1], job.Start.Name[1]);
     // Long strings have no such bound.
     job.PathMCS = std::string(70000, 'p');
     EXPECT_EQ(ReadJobBytes(JobBytes(job, {}), "a.cvn").Job.PathMCS, job.PathMCS);
@@ -289,13 +289,9 @@ TEST_F(JobFileFormat, AJobThatCouldNotBeReadBackIsNotWritten) {
     const std::vector<std::string> views = {"Front", "Side"};
     EXPECT_EQ(ErrorOfWriting(good, views), "");
     JobRecord job = good;
-    job.nMCS = 5;
+    job.UseFlags.resize(9);
     EXPECT_EQ(ErrorOfWriting(job, views),
-              "This job cannot be saved: counts: MCS_Name ends at 4 and not at 5");
-    job = good;
-    job.nIdent = 5;
-    EXPECT_EQ(ErrorOfWriting(job, views),
-              "This job cannot be saved: counts: 5 pairs of 4 start points and 5 target points");
+              "This job cannot be saved: counts: UseFlags ends at 8 and not at 9");
     job = good;
     job.RVecX.clear();
     EXPECT_EQ(ErrorOfWriting(job, views), "This job cannot be saved: RVecX: its element 0 is missing");

@@ -149,7 +149,7 @@ protected:
             const JobFileContent content = ReadJobBytes(file, "a.cvn");
             ++Opened;
             ASSERT_LT(memory.Peak(), 12 * file.size() + 100000);
-            ASSERT_EQ(JobFault(content.Job), "");
+            ASSERT_EQ(JobFault(LengthsOf(content.Job)), "");
             const std::string saved = JobBytes(content.Job, content.ViewNames);
             const JobFileContent again = ReadJobBytes(saved, "b.cvn");
             ASSERT_TRUE(JobBytes(again.Job, again.ViewNames) == saved);
@@ -165,12 +165,12 @@ protected:
         Headless.Dialogs.clear();
         Headless.OnQuestion = [](const DialogShown&) { return "Yes"; };
         Job = JobRecord{};
-        Job.MCS_Name = {"", "before"};
+        Job.Start.Add("before", {}, {}, 0);
         const bool opened = Dispatch([&] { OpenFile(path); });
         ASSERT_EQ(Run.JobDataValid, opened ? kTrue : kFalse);
         ASSERT_EQ(Run.WaitPointers, 0);
         if (!opened) {
-            ASSERT_EQ(Job.MCS_Name, (std::vector<std::string>{"", "before"}));
+            ASSERT_EQ(Job.Start.Name, (std::vector<std::string>{"", "before"}));
             ASSERT_TRUE(NamesAPlace(LastMessage(), path, file.size())) << LastMessage();
         } else {
             ASSERT_EQ(Main.ComboSaveView.Items.size(), static_cast<std::size_t>(Job.nSavedViews));

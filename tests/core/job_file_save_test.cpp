@@ -124,7 +124,7 @@ TEST_F(JobFileSave, AWriteProtectedFileIsKept) {
 
 TEST_F(JobFileSave, AJobThatCannotBeWrittenLeavesTheFileAlone) {
     OpenExample();
-    Job.MCS_Name[2] = std::string(70000, 'n');
+    Job.Start.Name[2] = std::string(70000, 'n');
     const std::string path = Write("a.cvn", "old job");
     EXPECT_FALSE(Dispatch([&] { SaveFileAs(path); }));
     EXPECT_EQ(LastMessage(),

@@ -310,7 +310,7 @@ TEST_F(JobFileVersions, NoLeavesTheProgramWithoutAJobAndTheFileAsItWas) {
     EXPECT_EQ(Run.JobFilePath, "..\\default.cvn");
     EXPECT_EQ(Main.Window.Caption, "Corvinade Version 2.0.64 | ..\\default.cvn");
     EXPECT_EQ(Run.JobDataValid, kFalse);
-    EXPECT_EQ(Job.nMCS, 0);
+    EXPECT_EQ(Job.Start.Count(), 0);
     ExpectBytes(Contents(PathOf("a.cvn")), file);
 }
 
@@ -329,12 +329,13 @@ TEST_F(JobFileVersions, WindowsAreClosedAndTheRunHasNoDataBeforeAnythingIsAsked)
     OpenFile(Write("a.cvn", HandFile68(TenPoints(), "1.3.68")));
     EXPECT_EQ(asked, 1);
     EXPECT_EQ(Messages().size(), 3U);
-    EXPECT_EQ(Job.nMCS, 10);
+    EXPECT_EQ(Job.Start.Count(), 10);
     EXPECT_GT(Run.JobGeneration, generation + 1);
 }
 
 TEST_F(JobFileVersions, ACalculationWindowThatAGuestHasOpenedShowsTheNewJob) {
-    Job.nIdent = 3;
+    for (PointSet* points : {&Job.Start, &Job.Target}) points->Resize(3);
+    Job.SetPairs(3);
     Headless.OnQuestion = [](const DialogShown&) -> std::optional<std::string> {
         ShowWindow("FormTrafoBerechnung");
         return "Yes";
@@ -353,7 +354,7 @@ TEST_F(JobFileVersions, AMissingFileIsToldAndLeavesNoData) {
     OpenFile(PathOf("none.cvn"));
     EXPECT_EQ(Messages(), std::vector<std::string>{"File does not exist; maybe check the drive!?"});
     EXPECT_EQ(Run.JobDataValid, kFalse);
-    EXPECT_EQ(Job.nMCS, 0);
+    EXPECT_EQ(Job.Start.Count(), 0);
     EXPECT_EQ(Run.JobDirty, kTrue);  // opening never touches it
     OpenFile(folder_);               // a folder is no file
     EXPECT_EQ(Messages().size(), 2U);
@@ -375,6 +376,6 @@ TEST_F(JobFileVersions, TheStartOpensTheJobOfTheCommandLine) {
     const std::string path = Write("a.cvn", HandFile(HandExample()));
     StartUp("\"" + path + "\"");
     EXPECT_EQ(Run.JobFilePath, path);
-    EXPECT_EQ(Job.nIdent, 3);
+    EXPECT_EQ(Job.Pairs(), 3);
     EXPECT_EQ(Run.JobDataValid, kTrue);
 }

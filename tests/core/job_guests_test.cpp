@@ -72,7 +72,7 @@ TEST_F(JobGuests, AJobGivenUpWhileTheSheetIsFilledStaysGivenUp) {
     Headless.OnQuestion = [](const DialogShown&) -> std::optional<std::string> {
         ShowWindow("FormMainSheet");
         Headless.OnYield = [] {
-            if (Job.nMCS != 10) return;
+            if (Job.Start.Count() != 10) return;
             Headless.OnYield = nullptr;
             UserClick(Main.MenuFileNew);
         };

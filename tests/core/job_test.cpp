@@ -1,4 +1,4 @@
-// The job's records, and how counts and arrays are brought together again.
+// The job's records and their counts.
 #include "core/job.h"
 
 #include "core/controller.h"
@@ -12,42 +12,28 @@ namespace {
 void Fill(int start, int target, int pairs) {
     Job = JobRecord{};
     const auto size = [](int count) { return static_cast<std::size_t>(count) + 1; };
-    Job.MCS_Name.resize(size(start));
-    Job.MCS_X.resize(size(start));
-    Job.MCS_Y.resize(size(start));
-    Job.MCS_Z.resize(size(start));
-    Job.TMCS_Name.resize(size(start));
-    Job.TMCS_X.resize(size(start));
-    Job.TMCS_Y.resize(size(start));
-    Job.TMCS_Z.resize(size(start));
-    Job.OCS_Name.resize(size(target));
-    Job.OCS_X.resize(size(target));
-    Job.OCS_Y.resize(size(target));
-    Job.OCS_Z.resize(size(target));
+    for (int i = 1; i <= start; ++i) Job.Start.Add("P" + std::to_string(i), {}, {}, 0);
+    Job.Target.Resize(target);
+    Job.Transformed.Resize(start);
     Job.RVecX.resize(size(pairs));
     Job.RVecY.resize(size(pairs));
     Job.RVecZ.resize(size(pairs));
     Job.UseFlags.resize(size(3 * pairs), 1);
-    for (int i = 1; i <= start; ++i) Job.MCS_Name[static_cast<std::size_t>(i)] = "P" + std::to_string(i);
-    Job.nMCS = start;
-    Job.nOCS = target;
-    Job.nIdent = pairs;
-    Job.nMCSOnly = start - pairs;
-    Job.nOCSOnly = target - pairs;
+    Job.SetPairs(pairs);
     Run.JobDataValid = kTrue;
 }
 
 }  // namespace
 
 TEST_F(JobRecords, ANewJobHasNoPointsAndAnEmptyElementZero) {
-    EXPECT_TRUE(JobCountsFit(Job));
-    EXPECT_EQ(UpperBound(Job.MCS_Name), 0);
+    EXPECT_TRUE(JobIsWhole(Job));
+    EXPECT_EQ(UpperBound(Job.Start.Name), 0);
     EXPECT_EQ(UpperBound(Job.UseFlags), 0);
-    EXPECT_FALSE(Job.MCS_X[0].has_value());
-    EXPECT_FALSE(Job.OCS_Y[0].has_value());
-    EXPECT_FALSE(Job.TMCS_X[0].has_value());
+    EXPECT_FALSE(Job.Start.X[0].has_value());
+    EXPECT_FALSE(Job.Target.Y[0].has_value());
+    EXPECT_FALSE(Job.Transformed.X[0].has_value());
     EXPECT_FALSE(Job.RVecY[0].has_value());
-    EXPECT_EQ(Job.MCS_Z[0], 0);
+    EXPECT_EQ(Job.Start.Z[0], 0);
     EXPECT_EQ(Job.DirectionMCStoOCS, kTrue);
     for (const std::string& text : Job.ParamText) EXPECT_EQ(text, "");
     EXPECT_EQ(Job.ParamText.size(), 18U);
@@ -74,8 +60,8 @@ TEST_F(JobRecords, ParametersHaveTheirNumbers) {
 
 TEST_F(JobRecords, AnEmptyCoordinateCountsAsZero) {
     Fill(1, 1, 1);
-    Job.MCS_Y[1] = 2;
-    Job.MCS_Z[1] = 3;
+    Job.Start.Y[1] = 2;
+    Job.Start.Z[1] = 3;
     EXPECT_EQ(StartPoint(1)(1), 0);
     EXPECT_EQ(StartPoint(1)(2), 2);
     EXPECT_EQ(StartPoint(1)(3), 3);
@@ -84,80 +70,65 @@ TEST_F(JobRecords, AnEmptyCoordinateCountsAsZero) {
 
 TEST_F(JobRecords, AJobWithoutPairsIsValid) {
     Fill(3, 2, 0);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
     EXPECT_EQ(UpperBound(Job.UseFlags), 0);
 }
 
-TEST_F(JobRecords, CountsThatDoNotFitAreSeen) {
+TEST_F(JobRecords, AJobThatIsNotWholeIsSeen) {
     const auto broken = [](const std::function<void()>& breaking) {
         Fill(4, 5, 3);
-        EXPECT_TRUE(JobCountsFit(Job));
+        EXPECT_TRUE(JobIsWhole(Job));
         breaking();
-        return !JobCountsFit(Job);
+        return !JobIsWhole(Job);
     };
-    EXPECT_TRUE(broken([] { Job.nMCS = 3; }));
-    EXPECT_TRUE(broken([] { Job.nMCS = -1; }));
-    EXPECT_TRUE(broken([] { Job.nOCS = 6; }));
-    EXPECT_TRUE(broken([] { Job.nIdent = 5; }));
-    EXPECT_TRUE(broken([] { Job.nIdent = -1; }));
-    EXPECT_TRUE(broken([] { Job.nMCSOnly = 0; }));
-    EXPECT_TRUE(broken([] { Job.nOCSOnly = 0; }));
-    EXPECT_TRUE(broken([] { Job.MCS_Name.pop_back(); }));
-    EXPECT_TRUE(broken([] { Job.OCS_Name.emplace_back(); }));
-    EXPECT_TRUE(broken([] { Job.MCS_X.pop_back(); }));
-    EXPECT_TRUE(broken([] { Job.OCS_Z.pop_back(); }));
-    EXPECT_TRUE(broken([] { Job.TMCS_Name.pop_back(); }));
-    EXPECT_TRUE(broken([] { Job.TMCS_Z.pop_back(); }));
+    EXPECT_TRUE(broken([] { Job.Start.CountOnly(3); }));
+    EXPECT_TRUE(broken([] { Job.Target.CountOnly(0); }));
+    EXPECT_TRUE(broken([] { Job.Transformed.Resize(3); }));
     EXPECT_TRUE(broken([] { Job.RVecX.pop_back(); }));
     EXPECT_TRUE(broken([] { Job.UseFlags.pop_back(); }));
 }
 
-TEST_F(JobRecords, CoordinateArraysMayBeLongerThanTheNames) {
+TEST_F(JobRecords, CoordinatesMayBeLongerThanTheNames) {
     Fill(4, 5, 3);
-    for (int i = 0; i < 3; ++i) {
-        Job.MCS_X.emplace_back();
-        Job.OCS_Z.push_back(0);
-    }
-    EXPECT_TRUE(JobCountsFit(Job));
+    Job.Start.SpareCoordinates(3);
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
-TEST_F(JobRecords, RepairLeavesAJobThatFits) {
+TEST_F(JobRecords, ThePairsAreNeverMoreThanThePoints) {
     Fill(4, 5, 3);
-    const auto generation = Run.JobGeneration;
-    RepairJobCounts();
-    EXPECT_EQ(Job.nIdent, 3);
-    EXPECT_EQ(Run.JobDataValid, kTrue);
-    EXPECT_EQ(Run.JobGeneration, generation);
+    EXPECT_EQ(Job.Pairs(), 3);
+    EXPECT_EQ(Job.StartOnly(), 1);
+    EXPECT_EQ(Job.TargetOnly(), 2);
+    EXPECT_DEATH(Job.SetPairs(5), "internal error");
+    EXPECT_DEATH(Job.SetPairs(-1), "internal error");
+    Job.Target.Resize(2);
+    EXPECT_EQ(Job.Pairs(), 2);
+    EXPECT_EQ(Job.StartOnly(), 2);
+    EXPECT_EQ(Job.TargetOnly(), 0);
+    Job.Start.CountOnly(0);
+    EXPECT_EQ(Job.Pairs(), 0);
+    EXPECT_EQ(Job.TargetOnly(), 2);
 }
 
-TEST_F(JobRecords, RepairFollowsTheNamesAndDropsThePairs) {
+TEST_F(JobRecords, CountsAreToldByNumber) {
     Fill(4, 5, 3);
-    Job.MCS_Name.resize(9);
-    Job.MCS_Z.resize(2);
-    const auto generation = Run.JobGeneration;
-    RepairJobCounts();
-    EXPECT_TRUE(JobCountsFit(Job));
-    EXPECT_EQ(Job.nMCS, 8);
-    EXPECT_EQ(Job.nOCS, 5);
-    EXPECT_EQ(Job.nIdent, 0);
-    EXPECT_EQ(Job.nMCSOnly, 8);
-    EXPECT_EQ(Job.nOCSOnly, 5);
-    EXPECT_EQ(Job.MCS_Name[4], "P4");
-    EXPECT_EQ(Run.JobDataValid, kFalse);
-    EXPECT_NE(Run.JobGeneration, generation);
+    EXPECT_EQ(CountOf(Job, JobCount::Pairs), 3);
+    EXPECT_EQ(CountOf(Job, JobCount::Start), 4);
+    EXPECT_EQ(CountOf(Job, JobCount::Target), 5);
+    EXPECT_EQ(CountOf(Job, JobCount::StartOnly), 1);
+    EXPECT_EQ(CountOf(Job, JobCount::TargetOnly), 2);
 }
 
-TEST_F(JobRecords, RepairMakesRoomForElementZero) {
-    Fill(4, 5, 3);
-    Job.MCS_Name.clear();
-    Job.OCS_Name.clear();
-    Job.OCS_X.clear();
-    Job.UseFlags.clear();
-    RepairJobCounts();
-    EXPECT_TRUE(JobCountsFit(Job));
-    EXPECT_EQ(Job.nMCS, 0);
-    EXPECT_EQ(Job.nOCS, 0);
-    EXPECT_EQ(UpperBound(Job.UseFlags), 0);
+TEST_F(JobRecords, APairUsesItsOwnThreeFlags) {
+    Fill(3, 3, 2);
+    Job.UseFlags = {0, 1, 0, 1, 0, 1, 0};
+    EXPECT_TRUE(Used(1, 1));
+    EXPECT_FALSE(Used(1, 2));
+    EXPECT_TRUE(Used(1, 3));
+    EXPECT_FALSE(Used(2, 1));
+    EXPECT_TRUE(Used(2, 2));
+    EXPECT_FALSE(Used(2, 3));
+    EXPECT_TRUE(Used(3, 1)) << "a pair that has no flags yet takes part";
 }
 
 TEST_F(JobRecords, MatricesHaveRoomForIndexZero) {

@@ -47,7 +47,7 @@ protected:
     }
     void RunWithWeights() {
         u_ = CountUnknowns(Job.ParamText);
-        BestFitIteration(u_, 3 * Job.nIdent, Job.ParamText, Q_, v_, P_);
+        BestFitIteration(u_, 3 * Job.Pairs(), Job.ParamText, Q_, v_, P_);
     }
     void FillJob(const nlohmann::json& set) {
         Job = JobRecord{};

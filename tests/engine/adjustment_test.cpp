@@ -24,7 +24,7 @@ protected:
     Fit() { BeginFit(); }
 
     void RunFit() {
-        const int n = 3 * Job.nIdent;
+        const int n = 3 * Job.Pairs();
         P_ = Column(Job.UseFlags.begin(), Job.UseFlags.end());
         BestFitIteration(CountUnknowns(Job.ParamText), n, Job.ParamText, Q_, v_, P_);
     }
@@ -110,7 +110,7 @@ TEST_F(Fit, ResidualsAreTransformedMinusTarget) {
     Job.RotXCopy = Job.RotX;
     Job.RotYCopy = Job.RotY;
     Job.RotZCopy = Job.RotZ;
-    for (int i = 1; i <= Job.nIdent; ++i) {
+    for (int i = 1; i <= Job.Pairs(); ++i) {
         const Vec3 p = StartPoint(i), q = TargetPoint(i);
         Vec3 image;
         TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
@@ -348,7 +348,7 @@ TEST_F(Fit, AJobThatIsReplacedMeanwhileIsNotWrittenTo) {
 
 TEST_F(Fit, CorrectionsThatAreNoNumbersEndTheRunWithTheMessageOfTheLimit) {
     AddCloud({.Points = 9, .Truth = kTruth});
-    Job.MCS_X[4] = std::nan("");
+    Job.Start.X[4] = std::nan("");
     FloatParameters(kRigid);
     Settings.MaxIteration = 32767;
     RunFit();
@@ -359,8 +359,8 @@ TEST_F(Fit, CorrectionsThatAreNoNumbersEndTheRunWithTheMessageOfTheLimit) {
 
 TEST_F(Fit, CoordinatesNearTheEndOfTheRangeEndTheRun) {
     AddCloud({.Points = 9, .Truth = kTruth});
-    Job.MCS_X[4] = 1e308;
-    Job.OCS_X[5] = -1e308;
+    Job.Start.X[4] = 1e308;
+    Job.Target.X[5] = -1e308;
     FloatParameters(kRigid);
     FloatParameters({kScaleXYZ});
     RunFit();

@@ -19,7 +19,7 @@ protected:
         EXPECT_FALSE(CalculationWindow.Running);
         EXPECT_FALSE(IsTrue(::Run.StopRequested));
         EXPECT_EQ(::Run.WaitPointers, 0);
-        EXPECT_TRUE(JobCountsFit(Job));
+        EXPECT_TRUE(JobIsWhole(Job));
         EXPECT_FALSE(IsLoaded("FormProgressBar"));
     }
 };
@@ -75,7 +75,8 @@ TEST_F(CalculationGuests, NothingFloatingIsACalculationToo) {
 }
 
 TEST_F(CalculationGuests, AJobWithoutPointsIsRefusedOrEndsInEveryNorm) {
-    Job.nIdent = Job.nMCS = Job.nOCS = 0;
+    Job.Start.CountOnly(0);
+    Job.Target.CountOnly(0);
     Open();
     for (Control* const norm : {&w.OptionL1, &w.OptionLoo, &w.OptionL2}) {
         UserSetValue(*norm, 1);
@@ -149,7 +150,7 @@ TEST_F(CalculationGuests, OddTextsInTheJobsSlotsNeverStopTheWindow) {
         Job.NormType = static_cast<std::int16_t>(static_cast<int>(pick(6)) - 1);
         Job.AutoRecalc = ToFlag(pick(2) == 0);
         Job.DirectionMCStoOCS = ToFlag(pick(2) == 0);
-        if (pick(4) == 0) Job.RobotABC = Matrix(Job.nIdent, 3);
+        if (pick(4) == 0) Job.RobotABC = Matrix(Job.Pairs(), 3);
         Open();
         Calculate();
         if (pick(2) == 0) {
@@ -171,11 +172,11 @@ TEST_F(CalculationGuests, OddTextsInTheJobsSlotsNeverStopTheWindow) {
 
 TEST_F(CalculationGuests, LongNamesAndPointsThatAreNoNumbersAreShown) {
     AddPairs(6);
-    Job.MCS_Name[2] = Job.OCS_Name[2] = std::string(100000, 'x');
+    Job.Start.Name[2] = Job.Target.Name[2] = std::string(100000, 'x');
     Open();
     Calculate();
     ExpectAtRest();
-    Job.OCS_Y[3] = std::numeric_limits<double>::quiet_NaN();
+    Job.Target.Y[3] = std::numeric_limits<double>::quiet_NaN();
     for (Control* const norm : {&w.OptionL1, &w.OptionLoo, &w.OptionL2}) {
         UserSetValue(*norm, 1);
         Calculate();
@@ -290,7 +291,7 @@ TEST_F(CalculationGuests, PointsReplacedInsideARunStayAndTheWindowIsAtRest) {
     Open();
     for (Control* const norm : {&w.OptionL1, &w.OptionLoo, &w.OptionL2}) {
         UserSetValue(*norm, 1);
-        const int pairs = Job.nIdent;
+        const int pairs = Job.Pairs();
         int yields = 0;
         Headless.OnYield = [&yields] {
             if (++yields != 3) return;
@@ -302,7 +303,7 @@ TEST_F(CalculationGuests, PointsReplacedInsideARunStayAndTheWindowIsAtRest) {
         };
         Calculate();
         Headless.OnYield = nullptr;
-        EXPECT_EQ(Job.nIdent, pairs + 3);
+        EXPECT_EQ(Job.Pairs(), pairs + 3);
         EXPECT_FALSE(CalculationIsOfThisJob());
         EXPECT_EQ(w.TextTraX.Text, "float");
         EXPECT_EQ(w.TextSxyz.Text, "");
@@ -314,7 +315,7 @@ TEST_F(CalculationGuests, PointsReplacedInsideARunStayAndTheWindowIsAtRest) {
 
 TEST_F(CalculationGuests, TheRVectorChosenFromAnotherNormAndDirectionEndsWithBothPutBack) {
     AddPairs(10);
-    Job.RobotABC = Matrix(Job.nIdent, 3);
+    Job.RobotABC = Matrix(Job.Pairs(), 3);
     Open();
     UserSetValue(w.OptionL1, 1);
     UserClick(w.BtnSwitchMcsOcs);

@@ -31,7 +31,7 @@ protected:
             {.Points = points,
              .Noise = noise,
              .Truth = Truth({100, 200, 300, 10 * degree, 20 * degree, 30 * degree, 1, 1, 1, 1, 0, 0, 0})});
-        const std::size_t size = static_cast<std::size_t>(Job.nIdent) + 1;
+        const std::size_t size = static_cast<std::size_t>(Job.Pairs()) + 1;
         Job.RVecX.resize(size);
         Job.RVecY.resize(size);
         Job.RVecZ.resize(size);

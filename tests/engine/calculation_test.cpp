@@ -27,20 +27,14 @@ protected:
     }
     static Vec3 Transformed(int i) {
         const auto k = static_cast<std::size_t>(i);
-        return {*Job.TMCS_X[k], *Job.TMCS_Y[k], Job.TMCS_Z[k]};
+        return {*Job.Transformed.X[k], *Job.Transformed.Y[k], Job.Transformed.Z[k]};
     }
     static void ExpectTransformed(int i) {
         for (int k = 1; k <= 3; ++k) EXPECT_NEAR(Transformed(i)(k), Image(i)(k), 1e-10) << i;
     }
     static void AddStartPointWithoutPartner(double x, double y, double z) {
-        for (auto* names : {&Job.MCS_Name, &Job.TMCS_Name}) names->push_back("alone");
-        Job.MCS_X.push_back(x);
-        Job.MCS_Y.push_back(y);
-        Job.MCS_Z.push_back(z);
-        Job.TMCS_X.push_back(0);
-        Job.TMCS_Y.push_back(0);
-        Job.TMCS_Z.push_back(0);
-        ++Job.nMCS;
+        Job.Start.Add("alone", x, y, z);
+        Job.Transformed.Add("alone", 0, 0, 0);
     }
 };
 
@@ -78,7 +72,7 @@ TEST_F(CalculationRun, TransformsPairsAndPointsWithoutPartner) {
     EXPECT_EQ(Calculation.nObs, 24);
     for (int i = 1; i <= 9; ++i) ExpectTransformed(i);
     for (int i = 1; i <= 8; ++i)
-        EXPECT_EQ(*Job.TMCS_X[static_cast<std::size_t>(i)],
+        EXPECT_EQ(*Job.Transformed.X[static_cast<std::size_t>(i)],
                   TargetPoint(i)(1) + Calculation.v[static_cast<std::size_t>(3 * i - 2)]);
     EXPECT_EQ(::Run.TrafoValid, kTrue);
     EXPECT_EQ(::Run.JobDirty, kTrue);
@@ -153,7 +147,7 @@ TEST_F(CalculationRun, DistanceAndToolTogetherAreWarnedOfAndCalculatedAllTheSame
 
 TEST_F(CalculationRun, PosesInAnotherAngleUnitAreAskedAboutUntilTheUserHasEnough) {
     AddCloud({.Points = 12, .Noise = 1, .Truth = kTruth});
-    Job.RobotABC = Matrix(Job.nIdent, 3);
+    Job.RobotABC = Matrix(Job.Pairs(), 3);
     Job.AngleUnitName = "rad";
     FloatParameters(kRigid);
     Selection.CheckUseABC = true;
@@ -175,12 +169,12 @@ TEST_F(CalculationRun, AResultThatIsNoNumberIsRecognisedAndTransformsNothing) {
     FloatParameters(kRigid);
     ButtonCalcErsatz();
     EXPECT_EQ(::Run.TrafoValid, kTrue);
-    const auto before = Job.TMCS_X;
-    Job.MCS_Y[5] = std::nan("");
+    const auto before = Job.Transformed.X;
+    Job.Start.Y[5] = std::nan("");
     ButtonCalcErsatz();
     EXPECT_FALSE(Calculation.Finite);
     EXPECT_EQ(::Run.TrafoValid, kFalse);
-    EXPECT_EQ(Job.TMCS_X, before);
+    EXPECT_EQ(Job.Transformed.X, before);
     EXPECT_EQ(LastMessage(), "Calculation stopped after 100 Iterations, Convergence not reached yet!");
 }
 
@@ -202,15 +196,12 @@ TEST_F(CalculationRun, AJobReplacedDuringTheCalculationIsLeftAlone) {
 
 TEST_F(CalculationRun, MissingTransformedPointsAndFlagsAreMade) {
     AddCloud({.Points = 8, .Truth = kTruth});
-    Job.TMCS_X.resize(3);
-    Job.TMCS_Y.resize(3);
-    Job.TMCS_Z.resize(3);
-    Job.TMCS_Name.resize(3);
+    Job.Transformed.Resize(2);
     Job.UseFlags.resize(4);
     FloatParameters(kRigid);
     ButtonCalcErsatz();
     EXPECT_TRUE(Calculation.Converged);
-    EXPECT_EQ(Job.TMCS_Name.size(), 9U);
+    EXPECT_EQ(Job.Transformed.Name.size(), 9U);
     for (int i = 1; i <= 8; ++i) ExpectTransformed(i);
 }
 

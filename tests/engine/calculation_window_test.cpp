@@ -91,7 +91,7 @@ TEST_F(CalculationWindowRun, ARefusalKeepsParametersTableAndFields) {
     EXPECT_EQ(Messages(), (std::vector<std::string>{"This is not a redundant calculation"}));
     for (int k = kTraX; k < kParameterEnd; ++k)
         EXPECT_EQ(ParameterValue(Job, k), ParameterValue(const_cast<JobRecord&>(before), k));
-    EXPECT_EQ(Job.TMCS_X, before.TMCS_X);
+    EXPECT_EQ(Job.Transformed.X, before.Transformed.X);
     EXPECT_EQ(Calculation.v, v);
     EXPECT_EQ(w.TextTraX.Text, "5") << "what the user typed is not lost";
     EXPECT_EQ(w.TextRotX.Text, rotation);
@@ -154,9 +154,9 @@ TEST_F(CalculationWindowRun, AnAngleThatIsNoDegreeMinuteSecondChangesNothing) {
 
 TEST_F(CalculationWindowRun, ResultsThatAreNoNumbersShowInTheFields) {
     AddPairs(6, 0);
-    Job.OCS_X[2] = 1e308;
-    Job.OCS_X[3] = -1e308;
-    Job.OCS_Y[4] = 1e308;
+    Job.Target.X[2] = 1e308;
+    Job.Target.X[3] = -1e308;
+    Job.Target.Y[4] = 1e308;
     Open();
     Calculate();
     EXPECT_FALSE(IsTrue(Run.TrafoValid));
@@ -279,34 +279,29 @@ TEST_F(CalculationWindowRun, SwitchingDuringARunEndsItWithoutWriting) {
 
 TEST_F(CalculationWindowRun, TheSwitchExchangesTheSetsAndTheirCounts) {
     AddPairs(4);
-    Job.MCS_Name.emplace_back("only start");
-    Job.MCS_X.emplace_back(1);
-    Job.MCS_Y.emplace_back(2);
-    Job.MCS_Z.push_back(3);
-    Job.nMCS = 5;
-    Job.nMCSOnly = 1;
+    Job.Start.Add("only start", 1, 2, 3);
     const JobRecord before = Job;
     Open();
     UserClick(w.BtnSwitchMcsOcs);
-    EXPECT_EQ(Job.MCS_X, before.OCS_X);
-    EXPECT_EQ(Job.OCS_Z, before.MCS_Z);
-    EXPECT_EQ(Job.OCS_Name, before.MCS_Name);
-    EXPECT_EQ(Job.nMCS, 4);
-    EXPECT_EQ(Job.nOCS, 5);
-    EXPECT_EQ(Job.nMCSOnly, 0);
-    EXPECT_EQ(Job.nOCSOnly, 1);
-    EXPECT_EQ(Job.TMCS_X.size(), 5u);
+    EXPECT_EQ(Job.Start.X, before.Target.X);
+    EXPECT_EQ(Job.Target.Z, before.Start.Z);
+    EXPECT_EQ(Job.Target.Name, before.Start.Name);
+    EXPECT_EQ(Job.Start.Count(), 4);
+    EXPECT_EQ(Job.Target.Count(), 5);
+    EXPECT_EQ(Job.StartOnly(), 0);
+    EXPECT_EQ(Job.TargetOnly(), 1);
+    EXPECT_EQ(Job.Transformed.X.size(), 5u);
     EXPECT_EQ(Job.NameMCS, "Cell");
     EXPECT_EQ(Job.UseFlags, before.UseFlags);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
     EXPECT_FALSE(IsTrue(Job.DirectionMCStoOCS));
     EXPECT_EQ(w.LabelDirection.Text, "OCS -> MCS");
     EXPECT_EQ(w.LabelDirection.ForeColor, QbColor(12));
     EXPECT_EQ(w.BtnSwitchMcsOcs.BackColor, QbColor(12));
     EXPECT_EQ(w.LabelDirection.ToolTip, "Robot => Cell");
     UserClick(w.BtnSwitchMcsOcs);
-    EXPECT_EQ(Job.MCS_Name, before.MCS_Name);
-    EXPECT_EQ(Job.OCS_X, before.OCS_X);
+    EXPECT_EQ(Job.Start.Name, before.Start.Name);
+    EXPECT_EQ(Job.Target.X, before.Target.X);
     EXPECT_EQ(w.LabelDirection.Text, "MCS -> OCS");
     EXPECT_EQ(w.LabelDirection.ForeColor, QbColor(0));
     EXPECT_EQ(w.BtnSwitchMcsOcs.BackColor, kSystemColour);
@@ -333,8 +328,9 @@ TEST_F(CalculationWindowRun, TheSwitchedFitIsTheInverse) {
     Calculate();
     // The inverse of a rigid motion has the same length of shift and a rotation of the same angle.
     EXPECT_NEAR(Root(Job.TraX, Job.TraY, Job.TraZ), Root(100, 200, 300), 1e-8);
-    for (int i = 1; i <= Job.nIdent; ++i)
-        EXPECT_NEAR(*Job.TMCS_X[static_cast<std::size_t>(i)], *Job.OCS_X[static_cast<std::size_t>(i)], 1e-9);
+    for (int i = 1; i <= Job.Pairs(); ++i)
+        EXPECT_NEAR(*Job.Transformed.X[static_cast<std::size_t>(i)],
+                    *Job.Target.X[static_cast<std::size_t>(i)], 1e-9);
 }
 
 TEST_F(CalculationWindowRun, TheResultBecomesTheSeeds) {

@@ -40,9 +40,9 @@ protected:
     // A pair whose transformed point stands where the test puts it.
     static void AddResult(const reference::Point& start, const Vec3& image, const Vec3& target) {
         AddPair(start, {target(1), target(2), target(3)});
-        Job.TMCS_X.back() = image(1);
-        Job.TMCS_Y.back() = image(2);
-        Job.TMCS_Z.back() = image(3);
+        Job.Transformed.X.back() = image(1);
+        Job.Transformed.Y.back() = image(2);
+        Job.Transformed.Z.back() = image(3);
         for (int axis = 1; axis <= 3; ++axis) {
             Calculation.v.push_back(image(axis) - target(axis));
             Calculation.P.push_back(1);
@@ -53,7 +53,7 @@ protected:
         SelectionFromJob();
         Calculation.Done = true;
         Calculation.JobGeneration = Run.JobGeneration;
-        Calculation.nObs = 3 * Job.nIdent;
+        Calculation.nObs = 3 * Job.Pairs();
     }
 
     // Three pairs with the forms that matter: on the negative Y axis, on both sides of the seam, the origin.

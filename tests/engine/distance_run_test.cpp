@@ -26,9 +26,9 @@ protected:
         for (std::size_t i = 1; i <= 12; ++i) {
             const double angle = 0.7 * static_cast<double>(i), up = -0.9 + 0.15 * static_cast<double>(i);
             const double across = std::sqrt(1 - up * up), far = i % 2 == 0 ? 50 : 50 + more;
-            Job.OCS_X[i] = *Job.OCS_X[i] + far * across * std::cos(angle);
-            Job.OCS_Y[i] = *Job.OCS_Y[i] + far * across * std::sin(angle);
-            Job.OCS_Z[i] += far * up;
+            Job.Target.X[i] = *Job.Target.X[i] + far * across * std::cos(angle);
+            Job.Target.Y[i] = *Job.Target.Y[i] + far * across * std::sin(angle);
+            Job.Target.Z[i] += far * up;
         }
     }
     static void SeedTraX() {
@@ -83,9 +83,10 @@ TEST_F(DistanceRun, RVectorsLeadFromThePointsToTheFittedDistanceFromTheirTargets
         };
         const double x = *Job.RVecX[i], y = *Job.RVecY[i], z = Job.RVecZ[i];
         double px = 0, py = 0, pz = 0;
-        TransformPoint(*Job.MCS_X[i], *Job.MCS_Y[i], Job.MCS_Z[i], px, py, pz);
-        const double present = distance(px, py, pz, *Job.OCS_X[i], *Job.OCS_Y[i], Job.OCS_Z[i]);
-        EXPECT_NEAR(distance(x, y, z, *Job.OCS_X[i], *Job.OCS_Y[i], Job.OCS_Z[i]), Job.RDist, 1e-9) << i;
+        TransformPoint(*Job.Start.X[i], *Job.Start.Y[i], Job.Start.Z[i], px, py, pz);
+        const double present = distance(px, py, pz, *Job.Target.X[i], *Job.Target.Y[i], Job.Target.Z[i]);
+        EXPECT_NEAR(distance(x, y, z, *Job.Target.X[i], *Job.Target.Y[i], Job.Target.Z[i]), Job.RDist, 1e-9)
+            << i;
         EXPECT_NEAR(distance(x, y, z, px, py, pz), std::abs(present - Job.RDist), 1e-9) << i;
         worst = std::max(worst, std::abs(present - Job.RDist));
     }

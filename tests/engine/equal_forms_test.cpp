@@ -65,10 +65,10 @@ protected:
                   .Noise = 0,
                   .Truth = Truth(
                       {100, -200, 300, 0.4, -0.7, 2.1, unit, 1.03 * unit, 0.98 * unit, 1, 0.01, 2.6, lean})});
-        for (std::size_t i = 1; i < Job.OCS_X.size(); ++i) {
-            Job.OCS_X[i] = *Job.OCS_X[i] + noise * unit * NextNumber();
-            Job.OCS_Y[i] = *Job.OCS_Y[i] + noise * unit * NextNumber();
-            Job.OCS_Z[i] += noise * unit * NextNumber();
+        for (std::size_t i = 1; i < Job.Target.X.size(); ++i) {
+            Job.Target.X[i] = *Job.Target.X[i] + noise * unit * NextNumber();
+            Job.Target.Y[i] = *Job.Target.Y[i] + noise * unit * NextNumber();
+            Job.Target.Z[i] += noise * unit * NextNumber();
         }
         FloatParameters(kTwelve);
     }
@@ -240,7 +240,7 @@ TEST_F(Forms, AResultIsShownWithPositiveScalesAndQStaysTheInverseNormalMatrix) {
             const bool length = k <= kTraZ, scale = k >= kScaleX && k <= kScaleZ;
             const double step = length ? 1e-3 * unit : scale ? 1e-6 * unit : 1e-6;
             std::vector<double> column;
-            for (int i = 1; i <= Job.nIdent; ++i) {
+            for (int i = 1; i <= Job.Pairs(); ++i) {
                 const Vec3 p = StartPoint(i);
                 Vec3 up, down;
                 const double kept = ParameterValue(Job, k);

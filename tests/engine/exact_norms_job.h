@@ -53,7 +53,7 @@ protected:
         Job.RotXCopy = Job.RotX;
         Job.RotYCopy = Job.RotY;
         Job.RotZCopy = Job.RotZ;
-        for (int i = 1; i <= Job.nIdent; ++i) {
+        for (int i = 1; i <= Job.Pairs(); ++i) {
             const Vec3 p = StartPoint(i), q = TargetPoint(i);
             Vec3 X;
             TransformPoint(p(1), p(2), p(3), X(1), X(2), X(3));

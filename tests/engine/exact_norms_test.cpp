@@ -233,7 +233,7 @@ TEST_F(ExactNorms, RowsThatFitExactlyAreFoundBehindOutliers) {
         Job = JobRecord{};
         BeginFit();
         AddCloud({.Points = 20, .Centre = {far, -far, 0}, .Truth = kTruth});
-        for (const std::size_t k : {3, 11, 17}) Job.OCS_X[k] = *Job.OCS_X[k] + 50.0;
+        for (const std::size_t k : {3, 11, 17}) Job.Target.X[k] = *Job.Target.X[k] + 50.0;
         FloatParameters(kRigid);
         Calculate(kL1);
         EXPECT_TRUE(Calculation.Converged);
@@ -247,7 +247,7 @@ TEST_F(ExactNorms, HeldParametersStayAndRowsOutOfUseDoNotCount) {
     AddCloud({.Points = 15, .Noise = 0.2, .Truth = kTruth});
     FloatParameters({kTraX, kTraZ, kRotX, kRotY, kRotZ});
     Job.ParamText[kTraY] = "-200.5";
-    Job.OCS_X[4] = 1e5;
+    Job.Target.X[4] = 1e5;
     Job.UseFlags[10] = 0;
     for (const int norm : {kL1, kLoo}) {
         Calculate(norm);

@@ -35,19 +35,15 @@ void BeginFit() {
 
 void AddPair(const reference::Point& start, const reference::Point& target) {
     std::string name = "P";
-    name += std::to_string(Job.nIdent + 1);
-    for (auto* names : {&Job.MCS_Name, &Job.OCS_Name, &Job.TMCS_Name}) names->push_back(name);
-    const auto put = [](auto& X, auto& Y, auto& Z, const reference::Point& p) {
-        X.push_back(static_cast<double>(p[0]));
-        Y.push_back(static_cast<double>(p[1]));
-        Z.push_back(static_cast<double>(p[2]));
+    name += std::to_string(Job.Pairs() + 1);
+    const auto put = [&name](PointSet& points, const reference::Point& p) {
+        points.Add(name, static_cast<double>(p[0]), static_cast<double>(p[1]), static_cast<double>(p[2]));
     };
-    put(Job.MCS_X, Job.MCS_Y, Job.MCS_Z, start);
-    put(Job.OCS_X, Job.OCS_Y, Job.OCS_Z, target);
-    put(Job.TMCS_X, Job.TMCS_Y, Job.TMCS_Z, start);
+    put(Job.Start, start);
+    put(Job.Target, target);
+    put(Job.Transformed, start);
     Job.UseFlags.insert(Job.UseFlags.end(), 3, 1);
-    ++Job.nIdent;
-    Job.nMCS = Job.nOCS = Job.nIdent;
+    Job.SetPairs(Job.Pairs() + 1);
     Run.JobDataValid = kTrue;
 }
 
@@ -76,7 +72,7 @@ void AddCloud(const CloudEntry& cloud) {
 
 reference::Problem ProblemOfJob(const std::array<reference::Real, 18>& begin) {
     reference::Problem problem;
-    for (int i = 1; i <= Job.nIdent; ++i) {
+    for (int i = 1; i <= Job.Pairs(); ++i) {
         const Vec3 p = StartPoint(i), q = TargetPoint(i);
         problem.Start.push_back({p(1), p(2), p(3)});
         problem.Target.push_back({q(1), q(2), q(3)});

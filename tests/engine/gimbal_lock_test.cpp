@@ -41,9 +41,10 @@ protected:
     }
     static double LargestMiss() {
         double largest = 0;
-        for (std::size_t i = 1; i <= static_cast<std::size_t>(Job.nIdent); ++i)
-            for (const double miss : {*Job.TMCS_X[i] - *Job.OCS_X[i], *Job.TMCS_Y[i] - *Job.OCS_Y[i],
-                                      Job.TMCS_Z[i] - Job.OCS_Z[i]})
+        for (std::size_t i = 1; i <= static_cast<std::size_t>(Job.Pairs()); ++i)
+            for (const double miss :
+                 {*Job.Transformed.X[i] - *Job.Target.X[i], *Job.Transformed.Y[i] - *Job.Target.Y[i],
+                  Job.Transformed.Z[i] - Job.Target.Z[i]})
                 largest = std::max(largest, std::fabs(miss));
         return largest;
     }

@@ -12,8 +12,8 @@ FormTrafoBerechnung& w = TrafoWindow;
 class HeldValues : public CalculationJob {
 protected:
     static void AddPoses() {
-        Job.RobotABC = Matrix(Job.nIdent, 3);
-        for (int i = 1; i <= Job.nIdent; ++i)
+        Job.RobotABC = Matrix(Job.Pairs(), 3);
+        for (int i = 1; i <= Job.Pairs(); ++i)
             for (int k = 1; k <= 3; ++k) Job.RobotABC(i, k) = 2 * NextNumber();
     }
 };

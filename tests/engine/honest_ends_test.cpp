@@ -31,7 +31,7 @@ protected:
     // The largest way between the points that the deviations stand for and those of the parameters, mm.
     static double Contradiction() {
         double largest = 0;
-        for (int i = 1; i <= Job.nIdent; ++i) {
+        for (int i = 1; i <= Job.Pairs(); ++i) {
             const Vec3 p = StartPoint(i), q = TargetPoint(i);
             Vec3 image;
             TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
@@ -135,7 +135,7 @@ TEST_F(HonestEnds, MonteCarloRunsFarFromTheOrigin) {
 
 TEST_F(HonestEnds, WhatNoNumberHoldsIsNoResult) {
     AddCloud({.Points = 6, .Truth = Truth({1, 2, 3, 0, 0, 0, 1, 1, 1, 1})});
-    Job.OCS_Z[4] = 1e200;
+    Job.Target.Z[4] = 1e200;
     Begin("6");
     Calculate(kL2);
     EXPECT_FALSE(Calculation.Finite);

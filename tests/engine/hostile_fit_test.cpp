@@ -19,7 +19,7 @@ protected:
 
     void RunFit() {
         P_ = Column(Job.UseFlags.begin(), Job.UseFlags.end());
-        BestFitIteration(CountUnknowns(Job.ParamText), 3 * Job.nIdent, Job.ParamText, Q_, v_, P_);
+        BestFitIteration(CountUnknowns(Job.ParamText), 3 * Job.Pairs(), Job.ParamText, Q_, v_, P_);
     }
     // Pairs whose targets lie at the distance 50 from their start points, in all directions.
     static void AddPairsAtDistanceFifty(int pairs) {
@@ -31,7 +31,7 @@ protected:
         }
     }
     static void LeaveOutLastPair() {
-        const auto last = static_cast<std::size_t>(3 * Job.nIdent);
+        const auto last = static_cast<std::size_t>(3 * Job.Pairs());
         Job.UseFlags[last - 2] = Job.UseFlags[last - 1] = Job.UseFlags[last] = 0;
     }
 
@@ -52,7 +52,7 @@ TEST_F(HostileFit, ACoordinateOutOfUseThatIsNoNumberChangesNothing) {
         Job = JobRecord{};
         BeginFit();
         AddCloud({.Points = 9, .Truth = kTruth});
-        Job.OCS_Y[5] = bad;
+        Job.Target.Y[5] = bad;
         Job.UseFlags[3 * 4 + 2] = 0;
         FloatParameters(kRigid);
         RunFit();
@@ -77,7 +77,7 @@ TEST_F(HostileFit, TheCentreLiesInTheCloudWhicheverPairsAreOutOfUse) {
 
 TEST_F(HostileFit, AGrossTargetCoordinateOutOfUseDoesNotMoveTheCentre) {
     AddCloud({.Points = 9, .Truth = kTruth});
-    Job.OCS_Y[5] = 1e12;
+    Job.Target.Y[5] = 1e12;
     Job.UseFlags[3 * 4 + 2] = 0;
     GatheredPoints points;
     GatherPoints(Column(Job.UseFlags.begin(), Job.UseFlags.end()), false, points);
@@ -164,8 +164,8 @@ TEST_F(HostileFit, HugeAndInfiniteCoordinatesEndTheRunInEveryMode) {
             AddCloud({.Points = 9, .Truth = kTruth});
             Job.RobotABC = Matrix(9, 3);
             Job.RobotABC(3, 2) = bad;
-            Job.MCS_Z[2] = bad;
-            Job.OCS_X[7] = -bad;
+            Job.Start.Z[2] = bad;
+            Job.Target.X[7] = -bad;
             Selection.CheckRDist = mode == 1;
             Selection.CheckUseABC = mode == 2;
             FloatParameters(kRigid);
@@ -202,7 +202,7 @@ TEST_F(HostileFit, AChoiceThatChangesDuringTheRunCountsFromTheNextOneOn) {
         EXPECT_EQ(Calculation.Sigma[static_cast<std::size_t>(parameter)], 0) << parameter;
     EXPECT_EQ(Job.RDist, 0);
     // The pairs are their targets plus the residuals, as without a distance.
-    EXPECT_EQ(*Job.TMCS_X[2], *Job.OCS_X[2] + Calculation.v[4]);
+    EXPECT_EQ(*Job.Transformed.X[2], *Job.Target.X[2] + Calculation.v[4]);
     EXPECT_EQ(Headless.Clipboard, "");
 }
 

@@ -19,7 +19,7 @@ protected:
 
     void RunFit() {
         P_ = Column(Job.UseFlags.begin(), Job.UseFlags.end());
-        BestFitIteration(CountUnknowns(Job.ParamText), 3 * Job.nIdent, Job.ParamText, Q_, v_, P_);
+        BestFitIteration(CountUnknowns(Job.ParamText), 3 * Job.Pairs(), Job.ParamText, Q_, v_, P_);
     }
     // Three pairs that differ by a shift alone, and a start of the translations at 0.
     static void ShiftedPairs(double x, double y) {

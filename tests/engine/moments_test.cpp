@@ -35,7 +35,7 @@ protected:
         GatheredPoints points;
         EXPECT_TRUE(GatherForFit(P, points));
         points.ByRows = rows;
-        BestFitIteration(CountUnknowns(Job.ParamText), 3 * Job.nIdent, Job.ParamText, result.Q, result.v, P,
+        BestFitIteration(CountUnknowns(Job.ParamText), 3 * Job.Pairs(), Job.ParamText, result.Q, result.v, P,
                          points);
         for (int k = 1; k < kParameterEnd; ++k)
             result.Parameters[static_cast<std::size_t>(k)] = ParameterValue(Job, k);
@@ -68,8 +68,8 @@ protected:
     }
     // Poses turned by up to `most` rad about each axis.
     static void AddPoses(double most = 1.5) {
-        Job.RobotABC = Matrix(Job.nIdent, 3);
-        for (int i = 1; i <= Job.nIdent; ++i)
+        Job.RobotABC = Matrix(Job.Pairs(), 3);
+        for (int i = 1; i <= Job.Pairs(); ++i)
             for (int k = 1; k <= 3; ++k) Job.RobotABC(i, k) = most * NextNumber();
     }
     static void FloatTwelve() {
@@ -168,8 +168,8 @@ TEST_F(MomentRoad, AgreesAfterStartValuesFarOff) {
     // Seed points that are knocked: the start is hundreds of millimetres and many degrees away.
     AddCloud({.Points = 30, .Noise = 0.1, .Truth = kTruth});
     for (int i = 1; i <= 3; ++i) Job.SeedIndex[static_cast<std::size_t>(i)] = static_cast<std::int16_t>(i);
-    Job.OCS_X[1] = *Job.OCS_X[1] + 400;
-    Job.OCS_Z[2] -= 300;
+    Job.Target.X[1] = *Job.Target.X[1] + 400;
+    Job.Target.Z[2] -= 300;
     for (std::size_t row = 1; row <= 6; ++row) Job.UseFlags[row] = 0;
     FloatParameters(kRigid);
     ExpectTheSame();
@@ -326,9 +326,9 @@ TEST_F(MomentRoad, AgreesInTheToolModel) {
                     Mat3 G;
                     const int row = static_cast<int>(i);
                     RotMatrixXYZ(-Job.RobotABC(row, 3), -Job.RobotABC(row, 2), -Job.RobotABC(row, 1), G);
-                    Job.OCS_X[i] = *Job.OCS_X[i] + 30 * G(1, 1) - 50 * G(1, 2) + 120 * G(1, 3);
-                    Job.OCS_Y[i] = *Job.OCS_Y[i] + 30 * G(2, 1) - 50 * G(2, 2) + 120 * G(2, 3);
-                    Job.OCS_Z[i] += 30 * G(3, 1) - 50 * G(3, 2) + 120 * G(3, 3);
+                    Job.Target.X[i] = *Job.Target.X[i] + 30 * G(1, 1) - 50 * G(1, 2) + 120 * G(1, 3);
+                    Job.Target.Y[i] = *Job.Target.Y[i] + 30 * G(2, 1) - 50 * G(2, 2) + 120 * G(2, 3);
+                    Job.Target.Z[i] += 30 * G(3, 1) - 50 * G(3, 2) + 120 * G(3, 3);
                 }
                 if (out)
                     for (const std::size_t row : {2, 3, 7, 22, 23, 24, 1500}) Job.UseFlags[row] = 0;

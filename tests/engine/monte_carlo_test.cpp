@@ -72,9 +72,9 @@ TEST_F(Runs, EachIsThePlainFitOfTheStartPointsWithItsNoise) {
     for (int run = 1; run <= 3; ++run) {
         Job = job;
         for (std::size_t i = 1; i <= 12; ++i) {
-            Job.MCS_X[i] = *job.MCS_X[i] + GaussNoise(0, 0.05);
-            Job.MCS_Y[i] = *job.MCS_Y[i] + GaussNoise(0, 0.5);
-            Job.MCS_Z[i] = job.MCS_Z[i] + GaussNoise(0, 2);
+            Job.Start.X[i] = *job.Start.X[i] + GaussNoise(0, 0.05);
+            Job.Start.Y[i] = *job.Start.Y[i] + GaussNoise(0, 0.5);
+            Job.Start.Z[i] = job.Start.Z[i] + GaussNoise(0, 2);
         }
         Calculate(kL2);
         for (const int k : {kTraX, kTraY, kTraZ}) EXPECT_NEAR(results(k, run), ParameterValue(Job, k), 1e-8);
@@ -226,14 +226,14 @@ TEST_F(Runs, TheNoiseIsNeverInTheJob) {
     int yields = 0;
     Headless.OnYield = [&] {
         ++yields;
-        EXPECT_EQ(Job.MCS_X, job.MCS_X);
-        EXPECT_EQ(Job.MCS_Y, job.MCS_Y);
-        EXPECT_EQ(Job.MCS_Z, job.MCS_Z);
+        EXPECT_EQ(Job.Start.X, job.Start.X);
+        EXPECT_EQ(Job.Start.Y, job.Start.Y);
+        EXPECT_EQ(Job.Start.Z, job.Start.Z);
         if (!Progress.Window.Loaded) return;
         for (std::size_t i = 1; i <= 12; ++i) {
-            EXPECT_EQ(MonteCarlo.MCSaveX[i], *job.MCS_X[i]);
-            EXPECT_EQ(MonteCarlo.MCSaveY[i], *job.MCS_Y[i]);
-            EXPECT_EQ(MonteCarlo.MCSaveZ[i], job.MCS_Z[i]);
+            EXPECT_EQ(MonteCarlo.MCSaveX[i], *job.Start.X[i]);
+            EXPECT_EQ(MonteCarlo.MCSaveY[i], *job.Start.Y[i]);
+            EXPECT_EQ(MonteCarlo.MCSaveZ[i], job.Start.Z[i]);
         }
     };
     Calculate(kL2);
@@ -269,8 +269,8 @@ TEST_F(Runs, AStopAfterTheFirstRunLeavesTheSolutionOfTheRestoredPoints) {
     EXPECT_FALSE(Progress.Window.Loaded);
     EXPECT_NE(MonteCarlo.MCResults(kTraX, 1), 0);
     for (int i = 2; i <= 100; ++i) EXPECT_EQ(MonteCarlo.MCResults(kTraX, i), 0) << i;
-    EXPECT_EQ(Job.MCS_X, job.MCS_X);
-    EXPECT_EQ(Job.MCS_Z, job.MCS_Z);
+    EXPECT_EQ(Job.Start.X, job.Start.X);
+    EXPECT_EQ(Job.Start.Z, job.Start.Z);
     EXPECT_TRUE(Calculation.Converged);
     const std::vector<double> afterStop = Parameters();
     Headless.OnYield = nullptr;
@@ -355,7 +355,7 @@ TEST_F(Runs, MoreThanMemoryHoldsAreRefusedBeforeAnythingChanges) {
     Calculate(kL2);
     const std::vector<double> before = Parameters();
     const Matrix results = MonteCarlo.MCResults;
-    Job.OCS_Z[1] += 100;
+    Job.Target.Z[1] += 100;
     for (const int runs : {kMostMonteCarloRuns + 1, std::numeric_limits<int>::max()}) {
         Settings.MonteCarloRuns = runs;
         Calculate(kL2);
@@ -380,7 +380,7 @@ TEST_F(Runs, AJobReplacedMeanwhileIsLeftAlone) {
     });
     Calculate(kL2);
     EXPECT_EQ(Calculation.nFloat, 77);
-    EXPECT_EQ(Job.MCS_X.size(), 1u);
+    EXPECT_EQ(Job.Start.X.size(), 1u);
     EXPECT_EQ(Job.TraX, 0);
     EXPECT_FALSE(IsTrue(MonteCarlo.MonteCarloDone));
     EXPECT_FALSE(Progress.Window.Loaded);

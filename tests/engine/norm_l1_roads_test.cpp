@@ -28,7 +28,7 @@ protected:
         Result result;
         const std::uint64_t yields = Headless.Yields;
         Job.NormType = kL1;
-        NormFit fit{.u = CountUnknowns(Job.ParamText), .n = 3 * Job.nIdent, .ParamText = Job.ParamText};
+        NormFit fit{.u = CountUnknowns(Job.ParamText), .n = 3 * Job.Pairs(), .ParamText = Job.ParamText};
         fit.P.assign(Job.UseFlags.begin(), Job.UseFlags.end());
         fit.Points.ByRows = rows;
         EXPECT_TRUE(FitInNorm(fit));
@@ -173,8 +173,8 @@ TEST_F(L1Roads, AgreeToWhatTheStopLeavesOpenWhereMostRowsFitExactly) {
         BeginFit();
         AddCloud({.Points = 20, .Centre = {far, -2 * far, far / 10}, .Truth = kTruth});
         for (const std::size_t k : {3, 11, 17}) {
-            Job.OCS_X[k] = *Job.OCS_X[k] + 50.0 * static_cast<double>(k);
-            Job.OCS_Z[k] -= 7;
+            Job.Target.X[k] = *Job.Target.X[k] + 50.0 * static_cast<double>(k);
+            Job.Target.Z[k] -= 7;
         }
         FloatParameters(kRigid);
         ExpectTheSameSum();

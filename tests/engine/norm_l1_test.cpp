@@ -41,9 +41,9 @@ ByHand Reweighted(const std::vector<double>& values) {
 
 void MoveTarget(int point, double dx, double dy, double dz) {
     const auto k = static_cast<std::size_t>(point);
-    Job.OCS_X[k] = *Job.OCS_X[k] + dx;
-    Job.OCS_Y[k] = *Job.OCS_Y[k] + dy;
-    Job.OCS_Z[k] += dz;
+    Job.Target.X[k] = *Job.Target.X[k] + dx;
+    Job.Target.Y[k] = *Job.Target.Y[k] + dy;
+    Job.Target.Z[k] += dz;
 }
 
 }  // namespace
@@ -70,7 +70,7 @@ TEST_F(L1, NoFitFollowsTheLastReweighting) {
     Calculate(kL1);
     for (int i = 1; i <= 5; ++i) {
         const double residual = Calculation.v[static_cast<std::size_t>(3 * i)];
-        EXPECT_NEAR(residual, Job.TraZ - Job.OCS_Z[static_cast<std::size_t>(i)], 1e-14) << i;
+        EXPECT_NEAR(residual, Job.TraZ - Job.Target.Z[static_cast<std::size_t>(i)], 1e-14) << i;
         EXPECT_EQ(WeightOfHeight(i), 1 / (1e-12 + std::fabs(residual))) << i;
     }
 }

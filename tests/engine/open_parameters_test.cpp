@@ -23,7 +23,7 @@ protected:
         SelectionFromJob();
         ButtonCalcErsatz();
         GatheredPoints points;
-        GatherPoints(WeightsFromUseFlags(3 * Job.nIdent), Selection.CheckUseABC, points);
+        GatherPoints(WeightsFromUseFlags(3 * Job.Pairs()), Selection.CheckUseABC, points);
         return FindOpenParameters(points, Adjustment.Model, CoordinateInUse, ParametersOf(Job),
                                   Linearise(Adjustment.Model, points));
     }

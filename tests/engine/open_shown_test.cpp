@@ -18,7 +18,7 @@ protected:
             const double x = 100.0 * (i % 3), y = 100.0 * (i / 3), z = i == 4 ? height : 0;
             AddPair({x, y, z}, {x + 1 + 0.01 * (i % 2), y + 2, z + 3});
         }
-        const std::size_t size = static_cast<std::size_t>(Job.nIdent) + 1;
+        const std::size_t size = static_cast<std::size_t>(Job.Pairs()) + 1;
         Job.RVecX.resize(size);
         Job.RVecY.resize(size);
         Job.RVecZ.resize(size);

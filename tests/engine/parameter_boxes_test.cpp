@@ -336,10 +336,10 @@ TEST_F(ParameterBoxes, TheRVectorTurnsASwitchedJobBack) {
     Open();
     UserClick(w.BtnSwitchMcsOcs);
     EXPECT_FALSE(IsTrue(Job.DirectionMCStoOCS));
-    const double x = *Job.MCS_X[1];
+    const double x = *Job.Start.X[1];
     UserSetValue(w.CheckUseABC, 1);
     EXPECT_TRUE(IsTrue(Job.DirectionMCStoOCS));
-    EXPECT_EQ(*Job.OCS_X[1], x);
+    EXPECT_EQ(*Job.Target.X[1], x);
     EXPECT_EQ(w.LabelDirection.Text, "MCS -> OCS");
 }
 

@@ -159,16 +159,16 @@ TEST_F(PointTableClicks, AClickWhileACalculationRunsCountsForTheNextOne) {
 TEST_F(PointTableClicks, APointThatTheJobNoLongerHasIsLeftAlone) {
     OpenWithFour();
     EXPECT_EQ(Rows(), 5);
-    Job.nIdent = 1;
+    Job.SetPairs(1);
     Job.UseFlags.resize(4);
     DblClick(4, 5);
     DblClick(4, 1);
-    Job.MCS_Name[1] = "another";
+    Job.Start.Name[1] = "another";
     DblClick(1, 5);
     DblClick(1, 1);
     EXPECT_EQ(Flags(), Ints(3, 1));
     EXPECT_EQ(SeedNames(), (Texts{"P1", "P2", "P3"}));
-    Job.MCS_X.clear();  // in the middle of an import
+    Job.Start = PointSet();  // in the middle of an import
     TabelleFüllenNeu();
     EXPECT_EQ(Rows(), 1);
     EXPECT_EQ(Cells().Row, 0);

@@ -47,7 +47,7 @@ TEST_F(PointTableShown, WithoutABoxTheTableStaysAsItWas) {
     DblClick(2, 5);  // without its box nothing acts on a deviation
     DblClick(2, 2);
     EXPECT_EQ(FlagsOf(2), (Ints{1, 1, 1}));
-    Job.MCS_Name[2] = "other";
+    Job.Start.Name[2] = "other";
     TabelleFüllenNeu();
     EXPECT_EQ(Cell(2, 1), "P2");
     UserSetValue(Window().CheckObject, 1);
@@ -106,12 +106,12 @@ TEST_F(PointTableShown, FewPointsHaveFewSeedsAndAnEmptyNameIsNone) {
     AddPair({1, 2, 3}, {1, 2, 3});
     AddPair({4, 5, 6}, {4, 5, 6});
     AddPair({7, 8, 9}, {4, 5, 6});
-    Job.nIdent = 2;
+    Job.SetPairs(2);
     Open();
     EXPECT_EQ(SeedNames(), (Texts{"P1", "P2", ""}));
     EXPECT_EQ(Rows(), 3);
-    Job.nIdent = 3;
-    Job.MCS_Name[3] = "";
+    Job.SetPairs(3);
+    Job.Start.Name[3] = "";
     TabelleFüllenNeu();
     EXPECT_EQ(Colour(2, 1), kGreen);
     EXPECT_EQ(Colour(3, 1), kSystemColour);
@@ -140,8 +140,8 @@ TEST_F(PointTableShown, ATableIsTakenWhenItIsFirstLookedAt) {
     EXPECT_EQ(Cell(1, 1), "P1");
     EXPECT_FALSE(Cells().Fill);
     // What the job does from now on is not shown until the table is filled again.
-    Job.MCS_Name[1] = "new";
-    Job.TMCS_X[1] = 0.25;
+    Job.Start.Name[1] = "new";
+    Job.Transformed.X[1] = 0.25;
     Job.UseFlags[1] = 0;
     EXPECT_EQ(Row(1), (Texts{"", "P1", "-10.500", "-20.000", "-29.000", "X", "X", "X", "1"}));
     TabelleFüllenNeu();
@@ -250,7 +250,7 @@ TEST_F(PointTableShown, ARefillKeepsTopRowAndSelection) {
     EXPECT_EQ(Cells().RowSel, 4);
     EXPECT_EQ(Cells().Col, 3);
     EXPECT_EQ(Cells().ColSel, 5);
-    Job.nIdent = 2;  // the table shrinks below it
+    Job.SetPairs(2);  // the table shrinks below it
     TabelleFüllenNeu();
     EXPECT_EQ(Rows(), 3);
     EXPECT_EQ(Cells().TopRow, 2);

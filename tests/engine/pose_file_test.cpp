@@ -34,7 +34,7 @@ TEST_F(PosesFromFile, LinesWithoutNamesGoByOrder) {
 }
 
 TEST_F(PosesFromFile, LinesWithNamesGoByThem) {
-    Job.OCS_Name[2] = "MCS_a=OCS_b";
+    Job.Target.Name[2] = "MCS_a=OCS_b";
     Load("P3 0 0 0 3 3 3\nb 0 0 0 2 2 2\nelsewhere 0 0 0 9 9 9\nP1 0 0 0 1 1 1\n");
     EXPECT_TRUE(Messages().empty()) << LastMessage();
     for (int i = 1; i <= 3; ++i) EXPECT_NEAR(Degrees(i, 2), i, 1e-9);

@@ -213,8 +213,8 @@ class ToolResult : public CalculationJob {
 protected:
     ToolResult() {
         AddPairs(8, 0.05);
-        Job.RobotABC = Matrix(Job.nIdent, 3);
-        for (int i = 1; i <= Job.nIdent; ++i)
+        Job.RobotABC = Matrix(Job.Pairs(), 3);
+        for (int i = 1; i <= Job.Pairs(); ++i)
             for (int k = 1; k <= 3; ++k) Job.RobotABC(i, k) = 2 * NextNumber();
         Open();
         UserSetValue(w.CheckUseABC, 1);

@@ -46,7 +46,7 @@ TEST_F(Seeds, RawSolutionCarriesTheThreeSeedPointsOntoTheirTargets) {
 
 TEST_F(Seeds, RawSolutionUsesTheSeedsThatWereChosen) {
     AddCloud({.Points = 9, .Truth = Truth({100, -200, 300, 0.4, -0.7, 2.1, 1, 1, 1})});
-    Job.OCS_X[2] = 5000;  // a gross error in a pair that is no seed
+    Job.Target.X[2] = 5000;  // a gross error in a pair that is no seed
     Job.SeedIndex = {0, 5, 9, 7};
     RunRawSolution();
     EXPECT_LT(Miss({5, 9, 7}), 1e-6);

@@ -53,7 +53,7 @@ TEST_F(ToolAtLock, FitsOfExactPosesConverge) {
             FloatParameters({kTraX, kTraY, kTraZ, kRotX, kRotY, kRotZ, kRvecX, kRvecY, kRvecZ});
             Selection.CheckUseABC = true;
             Selection.RDistShown = false;
-            const int u = CountUnknowns(Job.ParamText), n = 3 * Job.nIdent;
+            const int u = CountUnknowns(Job.ParamText), n = 3 * Job.Pairs();
             Matrix Q;
             Column v, P(At(n) + 1, 1);
             BestFitIteration(u, n, Job.ParamText, Q, v, P);

@@ -188,7 +188,7 @@ TEST_F(BlackPlanesTest, EachWindowHasPlanesOfItsOwn) {
 
 TEST_F(BlackPlanesTest, APointThatIsNoNumberIsHidden) {
     ScreenWindow& window = OpenDepths({10, 20});
-    Job.TMCS_X[1] = std::nan("");
+    Job.Transformed.X[1] = std::nan("");
     Grafik_Festlegen(window);
     SetPlanes(window, 0, 100);
     EXPECT_EQ(Seen(), (std::set<int>{2, 3, 4}));

@@ -27,17 +27,12 @@ inline void FillJob(const std::vector<Pair>& pairs) {
     for (std::size_t i = 0; i < pairs.size(); ++i) {
         const Pair& pair = pairs[i];
         const std::string name = *pair.Name != 0 ? pair.Name : "P" + std::to_string(i + 1);
-        for (auto* names : {&Job.MCS_Name, &Job.OCS_Name, &Job.TMCS_Name}) names->push_back(name);
-        Job.OCS_X.emplace_back(pair.X);
-        Job.OCS_Y.emplace_back(pair.Y);
-        Job.OCS_Z.push_back(pair.Z);
-        for (auto* x : {&Job.MCS_X, &Job.TMCS_X}) x->emplace_back(pair.X + pair.DX);
-        for (auto* y : {&Job.MCS_Y, &Job.TMCS_Y}) y->emplace_back(pair.Y + pair.DY);
-        for (auto* z : {&Job.MCS_Z, &Job.TMCS_Z}) z->push_back(pair.Z + pair.DZ);
+        Job.Target.Add(name, pair.X, pair.Y, pair.Z);
+        for (PointSet* points : {&Job.Start, &Job.Transformed})
+            points->Add(name, pair.X + pair.DX, pair.Y + pair.DY, pair.Z + pair.DZ);
         Job.UseFlags.insert(Job.UseFlags.end(), 3, std::int16_t{1});
     }
-    const auto count = static_cast<std::int32_t>(pairs.size());
-    Job.nMCS = Job.nOCS = Job.nIdent = count;
+    Job.SetPairs(static_cast<int>(pairs.size()));
     Job.RVecX.resize(pairs.size() + 1);
     Job.RVecY.resize(pairs.size() + 1);
     Job.RVecZ.resize(pairs.size() + 1);

@@ -338,16 +338,8 @@ TEST_F(DrawingPoints, VectorsAreAsWideAsThePointsWhereAsked) {
 
 TEST_F(DrawingPoints, OnlyTheStartPointsOfPairsHaveVectors) {
     FillJob({{20, 30, 0, 0.5, 0, 0}, {60, 30, 0, 0.5, 0, 0}});
-    Job.MCS_Name.emplace_back("alone");
-    Job.MCS_X.emplace_back(0.0);
-    Job.MCS_Y.emplace_back(0.0);
-    Job.MCS_Z.push_back(0);
-    Job.TMCS_Name = Job.MCS_Name;
-    Job.TMCS_X = Job.MCS_X;
-    Job.TMCS_Y = Job.MCS_Y;
-    Job.TMCS_Z = Job.MCS_Z;
-    Job.nMCS = 3;
-    Job.nMCSOnly = 1;
+    Job.Start.Add("alone", 0, 0, 0);
+    Job.Transformed = Job.Start;
     ScreenWindow& window = Open(FlatView());
     window.State.VectorMode = kTrue;
     SetBigNess(window, 4);

@@ -252,7 +252,7 @@ TEST_F(FlagMouse, TheFlagUnderTheMouseFollowsACalculation) {
     UserClick(Main.MenüAnsichtDynamicFlag);
     Move(window, 101, 102);
     ASSERT_EQ(window.DynamicFlag.Row, 1);
-    Job.TMCS_X[1] = 107.25;
+    Job.Transformed.X[1] = 107.25;
     UpdateAllGraphicsWindows();
     EXPECT_EQ(window.DynamicFlag.Text[kFlagActual][kFlagX], "107.250");
 }

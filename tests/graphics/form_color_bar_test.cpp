@@ -350,7 +350,7 @@ TEST_F(ColourBarDialog, LimitsThatFollowTheDataAreShown) {
     EXPECT_EQ(window.State.Max, 3);
     EXPECT_EQ(window.State.Min, 2.06);
     EXPECT_EQ(C("TextUntereGrenze").Text, "2.06");
-    Job.TMCS_X[3] = 32;  // 5 mm from its target
+    Job.Transformed.X[3] = 32;  // 5 mm from its target
     UpdateAllGraphicsWindows();
     EXPECT_EQ(C("TextObereGrenze").Text, "5.00");
 }

@@ -43,21 +43,9 @@ protected:
         return window;
     }
     static void AddStartOnly(const std::string& name, double x, double y) {
-        for (auto* names : {&Job.MCS_Name, &Job.TMCS_Name}) names->push_back(name);
-        for (auto* xs : {&Job.MCS_X, &Job.TMCS_X}) xs->emplace_back(x);
-        for (auto* ys : {&Job.MCS_Y, &Job.TMCS_Y}) ys->emplace_back(y);
-        for (auto* zs : {&Job.MCS_Z, &Job.TMCS_Z}) zs->push_back(0);
-        ++Job.nMCS;
-        ++Job.nMCSOnly;
+        for (PointSet* points : {&Job.Start, &Job.Transformed}) points->Add(name, x, y, 0);
     }
-    static void AddTargetOnly(const std::string& name, double x, double y) {
-        Job.OCS_Name.push_back(name);
-        Job.OCS_X.emplace_back(x);
-        Job.OCS_Y.emplace_back(y);
-        Job.OCS_Z.push_back(0);
-        ++Job.nOCS;
-        ++Job.nOCSOnly;
-    }
+    static void AddTargetOnly(const std::string& name, double x, double y) { Job.Target.Add(name, x, y, 0); }
 
     static Control& C(const std::string& name) {
         Control* control = FindControl(FormGraphicsOptions_Entry, name);
@@ -383,8 +371,8 @@ TEST_F(GraphicsOptions, TheQuaternionAxisIsDrawnWhereThereIsAResult) {
 }
 
 TEST_F(GraphicsOptions, RVectorsAreDrawnWhereTheJobHasADistance) {
-    for (auto* x : {&Job.RVecX, &Job.RVecY}) x->assign(Job.MCS_Name.size(), 60.0);
-    Job.RVecZ.assign(Job.MCS_Name.size(), 5);
+    for (auto* x : {&Job.RVecX, &Job.RVecY}) x->assign(Job.Start.Name.size(), 60.0);
+    Job.RVecZ.assign(Job.Start.Name.size(), 5);
     Job.RDist = 80;
     Job.ParamText[kRDist] = "float";
     Turn("CheckShowRDistVec", 0);

@@ -42,29 +42,18 @@ protected:
     static void AddPoints(const std::string& name, const Vec3& start, const Vec3& target) {
         AddStartOnly(name + "m", start);
         AddTargetOnly(name, target);
-        --Job.nMCSOnly;
-        --Job.nOCSOnly;
-        ++Job.nIdent;
+        Job.SetPairs(Job.Pairs() + 1);
         Job.UseFlags.insert(Job.UseFlags.end(), 3, 1);
-        Job.RVecX.resize(Job.MCS_Name.size());
-        Job.RVecY.resize(Job.MCS_Name.size());
-        Job.RVecZ.resize(Job.MCS_Name.size());
+        Job.RVecX.resize(Job.Start.Name.size());
+        Job.RVecY.resize(Job.Start.Name.size());
+        Job.RVecZ.resize(Job.Start.Name.size());
     }
     static void AddStartOnly(const std::string& name, const Vec3& point) {
-        for (auto* names : {&Job.MCS_Name, &Job.TMCS_Name}) names->push_back(name);
-        for (auto* x : {&Job.MCS_X, &Job.TMCS_X}) x->emplace_back(point(1));
-        for (auto* y : {&Job.MCS_Y, &Job.TMCS_Y}) y->emplace_back(point(2));
-        for (auto* z : {&Job.MCS_Z, &Job.TMCS_Z}) z->push_back(point(3));
-        ++Job.nMCS;
-        ++Job.nMCSOnly;
+        for (PointSet* points : {&Job.Start, &Job.Transformed})
+            points->Add(name, point(1), point(2), point(3));
     }
     static void AddTargetOnly(const std::string& name, const Vec3& point) {
-        Job.OCS_Name.push_back(name);
-        Job.OCS_X.emplace_back(point(1));
-        Job.OCS_Y.emplace_back(point(2));
-        Job.OCS_Z.push_back(point(3));
-        ++Job.nOCS;
-        ++Job.nOCSOnly;
+        Job.Target.Add(name, point(1), point(2), point(3));
     }
     // Three pairs with the deviations (-1, 2, 0), (0, -2, 0.5), (3, 0, 0), and a point more on each side.
     static void FivePoints() {

@@ -140,7 +140,7 @@ TEST_F(GraphicsProjection, OnePassGivesTheNumbersOfTurningAndScalingOneAfterTheO
 
 TEST_F(GraphicsProjection, BoundsTheStartPointsOfTheJobInWorldCoordinates) {
     FivePoints();
-    Job.TMCS_X[1] = 5000;  // not the transformed ones
+    Job.Transformed.X[1] = 5000;  // not the transformed ones
     const WorldBounds world = MaxMinGlobalSys();
     EXPECT_EQ(world.xmax, 100);
     EXPECT_EQ(world.xmin, -10);

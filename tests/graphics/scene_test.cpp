@@ -28,7 +28,7 @@ void Deselect(int point) {
 
 TEST_F(GraphicsScene, HasTheStartPointsThenTheTargetsThenThePointsWithoutAPartner) {
     FivePoints();
-    Job.TMCS_X[1] = 100.5;  // what is shown is the transformed point
+    Job.Transformed.X[1] = 100.5;  // what is shown is the transformed point
     OpenScreenWindow();
     ASSERT_EQ(Scene.Rows, kRowsOfFive);
     const std::array<Vec3, kRowsOfFive> places = {Vec3(100.5, 0, 0),  Vec3(0, 200, 10),  Vec3(30, 40, 50),
@@ -192,13 +192,15 @@ TEST_F(GraphicsScene, FollowsAnotherJobAtTheNextPaint) {
     EXPECT_EQ(ScenePointName(1), "N");
 }
 
-TEST_F(GraphicsScene, ShowsWhatAJobWithShorterArraysThanCountsHas) {
+TEST_F(GraphicsScene, ShowsWhatAJobHasThatLosesPoints) {
     FivePoints();
-    Job.nIdent = 40;
-    Job.nOCSOnly = 100000;
     ScreenWindow& window = OpenScreenWindow();
-    EXPECT_LE(Scene.Rows, 16);
-    Job.TMCS_X.clear();
+    EXPECT_EQ(Scene.Rows, 8);
+    Job.Target.Resize(1);
+    Grafik_Festlegen(window);
+    EXPECT_EQ(Scene.Ident, 1);
+    EXPECT_EQ(Scene.MCSOnly, 3);
+    Job.Start.CountOnly(0);
     Grafik_Festlegen(window);
     EXPECT_EQ(Scene.MCSOnly + Scene.Ident, 0);
 }

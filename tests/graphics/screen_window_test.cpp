@@ -288,7 +288,7 @@ TEST_F(GraphicsWindows, AllOfThemFollowAChangedJobAndAResult) {
     ScreenWindow& first = OpenScreenWindow();
     ScreenWindow& second = OpenScreenWindow();
     const std::uint64_t paints = first.PaintCount;
-    Job.TMCS_X[1] = 500;
+    Job.Transformed.X[1] = 500;
     UpdateAllGraphicsWindows();
     EXPECT_EQ(first.PaintCount, paints + 1);
     EXPECT_EQ(second.PaintCount, 2U);

@@ -41,7 +41,7 @@ float SizeOf(int row) {
 
 // One pair whose shown size is `size` (x alone is shown), and its class by limits and numbers of classes.
 float ClassOfSize(ScreenWindow& window, double size) {
-    Job.TMCS_X[1] = size;
+    Job.Transformed.X[1] = size;
     Grafik_Festlegen(window);
     Transform_dev_to_klasse(window);
     return Scene.Points[kSceneClass][1];
@@ -220,7 +220,7 @@ TEST_F(GraphicsTolerance, LimitsStayZeroWithoutPairsOrWithoutDeviations) {
     Stelle_Grafik_dar(window);
     EXPECT_EQ(window.State.Max, 0);
     // Once there is a deviation the next paint finds it.
-    Job.TMCS_X[1] = 7;
+    Job.Transformed.X[1] = 7;
     Grafik_Festlegen(window);
     Stelle_Grafik_dar(window);
     EXPECT_EQ(window.State.Max, 2);
@@ -233,11 +233,11 @@ TEST_F(GraphicsTolerance, LimitsOfAWindowThatFollowsTheDataChangeWithThem) {
     Stelle_Grafik_dar(window);
     EXPECT_EQ(window.State.Max, 9);
     window.SetMinMaxOnChange = true;
-    Job.TMCS_X[1] = 2.5;
+    Job.Transformed.X[1] = 2.5;
     DrawResultInGraphicsWindows();
     EXPECT_EQ(window.State.Max, 2.5);
     EXPECT_EQ(window.State.Min, -0.57);
-    Job.TMCS_X[1] = -3.0;
+    Job.Transformed.X[1] = -3.0;
     DrawResultInGraphicsWindows();
     EXPECT_EQ(window.State.Max, -0.57);
     EXPECT_EQ(window.State.Min, -3);

@@ -46,30 +46,18 @@ protected:
         GetInfoFromData();
         IdentischePkte_Neu();
     }
-    static void AddStart(const std::string& name, const Vec3& p) {
-        Job.MCS_Name.push_back(name);
-        Job.MCS_X.emplace_back(p(1));
-        Job.MCS_Y.emplace_back(p(2));
-        Job.MCS_Z.push_back(p(3));
-        ++Job.nMCS;
-    }
-    static void AddTarget(const std::string& name, const Vec3& p) {
-        Job.OCS_Name.push_back(name);
-        Job.OCS_X.emplace_back(p(1));
-        Job.OCS_Y.emplace_back(p(2));
-        Job.OCS_Z.push_back(p(3));
-        ++Job.nOCS;
-    }
+    static void AddStart(const std::string& name, const Vec3& p) { Job.Start.Add(name, p(1), p(2), p(3)); }
+    static void AddTarget(const std::string& name, const Vec3& p) { Job.Target.Add(name, p(1), p(2), p(3)); }
 };
 
 TEST_F(AutoFind, PointsOfAMovedSetFindTheirPartners) {
     FillMoved(20, 0.001);
     AutoFindPts({});
     EXPECT_TRUE(Messages().empty());
-    EXPECT_EQ(Job.nIdent, 20);
+    EXPECT_EQ(Job.Pairs(), 20);
     for (std::size_t i = 1; i <= 20; ++i) {
         const std::string number = std::to_string(i);
-        EXPECT_EQ(Job.MCS_Name[i], "MCS_" + number + "=OCS_" + number);
+        EXPECT_EQ(Job.Start.Name[i], "MCS_" + number + "=OCS_" + number);
     }
     EXPECT_NEAR(Job.TraX, 100, 1);
     EXPECT_EQ(Job.ScaleX, 1);
@@ -80,22 +68,22 @@ TEST_F(AutoFind, PointsOfAMovedSetFindTheirPartners) {
     MCS_OCS_aufbereiten();
     GetInfoFromData();
     IdentischePkte_Neu();
-    EXPECT_EQ(Job.nIdent, 20);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_EQ(Job.Pairs(), 20);
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 TEST_F(AutoFind, PointsStayInTheirPlacesAndCoordinatesAreThreeLonger) {
     FillMoved(10, 0);
     const JobRecord before = Job;
     AutoFindPts({});
-    EXPECT_EQ(Job.MCS_Name.size(), 11u);
-    ASSERT_EQ(Job.MCS_X.size(), 14u);
-    ASSERT_EQ(Job.OCS_Z.size(), 14u);
-    EXPECT_EQ(Job.MCS_X[0], std::nullopt);
+    EXPECT_EQ(Job.Start.Name.size(), 11u);
+    ASSERT_EQ(Job.Start.X.size(), 14u);
+    ASSERT_EQ(Job.Target.Z.size(), 14u);
+    EXPECT_EQ(Job.Start.X[0], std::nullopt);
     for (std::size_t i = 0; i <= 10; ++i) {
-        EXPECT_EQ(Job.MCS_X[i], before.MCS_X[i]);
-        EXPECT_EQ(Job.MCS_Z[i], before.MCS_Z[i]);
-        EXPECT_EQ(Job.OCS_Y[i], before.OCS_Y[i]);
+        EXPECT_EQ(Job.Start.X[i], before.Start.X[i]);
+        EXPECT_EQ(Job.Start.Z[i], before.Start.Z[i]);
+        EXPECT_EQ(Job.Target.Y[i], before.Target.Y[i]);
     }
 }
 
@@ -108,11 +96,11 @@ TEST_F(AutoFind, EqualDistancesCannotBeSolved) {
     GetInfoFromData();
     AutoFindPts({});
     EXPECT_EQ(LastMessage(), kUnsolved);
-    EXPECT_EQ(Job.nIdent, 0);
-    EXPECT_EQ(Job.MCS_X.size(), 17u);
+    EXPECT_EQ(Job.Pairs(), 0);
+    EXPECT_EQ(Job.Start.X.size(), 17u);
     MCS_OCS_aufbereiten();
     GetInfoFromData();
-    EXPECT_EQ(Job.nIdent, 0);
+    EXPECT_EQ(Job.Pairs(), 0);
     EXPECT_EQ(::Run.ImportFailed, kFalse);
 }
 
@@ -130,7 +118,7 @@ TEST_F(AutoFind, ThreePointsAreEnough) {
     FillMoved(3, 0);
     AutoFindPts({});
     EXPECT_TRUE(Messages().empty());
-    EXPECT_EQ(Job.nIdent, 3);
+    EXPECT_EQ(Job.Pairs(), 3);
 }
 
 TEST_F(AutoFind, OnlyTheFirstTargetPointsAreSearchedWhenAsked) {
@@ -140,7 +128,7 @@ TEST_F(AutoFind, OnlyTheFirstTargetPointsAreSearchedWhenAsked) {
     options.TextMaxOCS = 8.9;  // 8: the last eight start points
     AutoFindPts(options);
     EXPECT_TRUE(Messages().empty());
-    EXPECT_EQ(Job.nIdent, 20);
+    EXPECT_EQ(Job.Pairs(), 20);
     for (const double none : {0.0, 1.0, -5.0}) {
         Headless.Dialogs.clear();
         options.TextMaxOCS = none;
@@ -170,7 +158,7 @@ TEST_F(AutoFind, ARobotFileNumbersTheStartNames) {
     FillMoved(5, 0);
     ::Run.RobotFileHasId = kTrue;
     AutoFindPts({});
-    EXPECT_EQ(Job.MCS_Name[2], " 2_MCS_2=OCS_2");
+    EXPECT_EQ(Job.Start.Name[2], " 2_MCS_2=OCS_2");
 }
 
 TEST_F(AutoFind, StopEndsTheSearch) {
@@ -184,7 +172,7 @@ TEST_F(AutoFind, StopEndsTheSearch) {
     AutoFindPts({});
     EXPECT_EQ(Headless.Yields, 2u);
     EXPECT_EQ(LastMessage(), kUnsolved);
-    EXPECT_EQ(Job.nIdent, 0);
+    EXPECT_EQ(Job.Pairs(), 0);
 }
 
 TEST_F(AutoFind, StopAfterThreeCandidatesGivesTheTransformationWithoutPairs) {
@@ -194,8 +182,8 @@ TEST_F(AutoFind, StopAfterThreeCandidatesGivesTheTransformationWithoutPairs) {
     };
     AutoFindPts({});
     EXPECT_TRUE(Messages().empty());
-    EXPECT_EQ(Job.nIdent, 0);
-    EXPECT_EQ(Job.MCS_Name[1], "MCS_1");
+    EXPECT_EQ(Job.Pairs(), 0);
+    EXPECT_EQ(Job.Start.Name[1], "MCS_1");
     EXPECT_NE(Job.TraX, 0);
 }
 
@@ -209,8 +197,8 @@ TEST_F(AutoFind, AJobThatChangesUnderTheSearchIsLeftAlone) {
     AutoFindPts({});
     EXPECT_TRUE(Messages().empty());
     EXPECT_EQ(Headless.Yields, 3u);
-    EXPECT_EQ(Job.nMCS, 0);
-    EXPECT_EQ(Job.MCS_X.size(), 1u);
+    EXPECT_EQ(Job.Start.Count(), 0);
+    EXPECT_EQ(Job.Start.X.size(), 1u);
     EXPECT_FALSE(Progress.Window.Loaded);
 }
 
@@ -220,7 +208,7 @@ TEST_F(AutoFind, TablesBeyondTheMemoryAreRefusedWithTheNumberOfPoints) {
     AutoFindPts({});
     EXPECT_NE(LastMessage().find("20004 points of the MCS File"), std::string::npos);
     EXPECT_NE(LastMessage().find("use 16384 points at most"), std::string::npos);
-    EXPECT_EQ(Job.nIdent, 0);
+    EXPECT_EQ(Job.Pairs(), 0);
     Job = JobRecord{};
     FillMoved(4, 0);
     for (int i = 0; i < 10000; ++i) AddTarget("target " + std::to_string(i), Vec3(i, 0, 0));
@@ -232,7 +220,7 @@ TEST_F(AutoFind, TablesBeyondTheMemoryAreRefusedWithTheNumberOfPoints) {
     options.TextMaxOCS = 4;
     AutoFindPts(options);
     EXPECT_TRUE(Messages().empty());
-    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_EQ(Job.Pairs(), 4);
 }
 
 }  // namespace

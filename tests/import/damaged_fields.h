@@ -283,13 +283,13 @@ protected:
         Job.PathOCS = good_;
         Job.IsParaboloid = kFalse;
         Einlesen_Neu();
-        return PointsOf(Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z);
+        return PointsOf(Job.Start.Name, Job.Start.X, Job.Start.Y, Job.Start.Z);
     }
     Points ReadTarget(const std::string& path) const {
         Job.PathMCS = good_;
         Job.PathOCS = path;
         Einlesen_Neu();
-        return PointsOf(Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
+        return PointsOf(Job.Target.Name, Job.Target.X, Job.Target.Y, Job.Target.Z);
     }
     // By the whole import, so that names are looked at as well.
     Points ImportTarget(const std::string& path) const {
@@ -307,13 +307,13 @@ protected:
         if (IsTrue(::Run.ImportFailed))
             for (const Note& note : Notes.List)
                 if (note.Code == NoteCode::DuplicateName) throw PlatformError{note.Text};
-        return PointsOf(Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
+        return PointsOf(Job.Target.Name, Job.Target.X, Job.Target.Y, Job.Target.Z);
     }
     Points ReadMore(const std::string& path) const {
         Job = JobRecord{};
         RhoFestlegung();
         ReadMorePoints(path, "", "");
-        return PointsOf(Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z);
+        return PointsOf(Job.Start.Name, Job.Start.X, Job.Start.Y, Job.Start.Z);
     }
     // Names are compared by the import alone.
     static std::function<Points(const std::string&)> WithNames(
@@ -328,7 +328,7 @@ protected:
     }
     static Points ReadPoses(PoseReader reader, const std::string& path, bool byDeclarations = false) {
         reader({path, byDeclarations});
-        return PointsOf(Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z);
+        return PointsOf(Job.Target.Name, Job.Target.X, Job.Target.Y, Job.Target.Z);
     }
     static Points Angles() {
         constexpr double kDegree = std::numbers::pi / 180;
@@ -336,7 +336,7 @@ protected:
         for (int i = 1; i <= Job.RobotABC.Rows; ++i) {
             Values values;
             for (int k = 1; k <= 3; ++k) values.push_back(Job.RobotABC(i, k) / kDegree);
-            points.push_back({Job.OCS_Name[static_cast<std::size_t>(i)], values});
+            points.push_back({Job.Target.Name[static_cast<std::size_t>(i)], values});
         }
         return points;
     }
@@ -356,8 +356,8 @@ protected:
             const Values v = {c[1] * c[2] * s[3] - s[1] * s[2] * c[3],
                               c[1] * s[2] * c[3] + s[1] * c[2] * s[3],
                               s[1] * c[2] * c[3] - c[1] * s[2] * s[3]};
-            points.push_back(
-                {Job.OCS_Name[static_cast<std::size_t>(i)], {10 * v[0] / w, 10 * v[1] / w, 10 * v[2] / w}});
+            points.push_back({Job.Target.Name[static_cast<std::size_t>(i)],
+                              {10 * v[0] / w, 10 * v[1] / w, 10 * v[2] / w}});
         }
         return points;
     }

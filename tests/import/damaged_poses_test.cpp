@@ -95,8 +95,9 @@ TEST_F(DamagedFields, OfTextsOfPoses) {
     const auto load = [](const std::string& path) {
         Job = JobRecord{};
         RhoFestlegung();
-        Job.MCS_Name = Job.OCS_Name = {"", "A", "B", "C"};
-        Job.nIdent = 3;
+        for (PointSet* points : {&Job.Start, &Job.Target})
+            for (const char* name : {"A", "B", "C"}) points->Add(name, {}, {}, 0);
+        Job.SetPairs(3);
         LoadPoses(path);
         return Angles();
     };

@@ -29,7 +29,7 @@ protected:
         Open();
         UserSetIndex(InputFiles.ComboOCS_Data, kKuka);
         UserClick(InputFiles.BtnOK);
-        ASSERT_EQ(Job.nIdent, 3) << LastMessage();
+        ASSERT_EQ(Job.Pairs(), 3) << LastMessage();
         SaveFileAs(PathOf("k.cvn"));
         bytes_ = Contents(PathOf("k.cvn"));
         Settings.LastDropDownInfoInOCS = kDefault;
@@ -147,7 +147,8 @@ TEST_F(DialogChoices, AnOpenedJobHasTheSpansOfItsOwnPoses) {
     for (const double span : {::Run.SpanA, ::Run.SpanB, ::Run.SpanC}) EXPECT_NEAR(span, 60 * kDegree, 1e-12);
     Job = JobRecord{};
     Job.RobotABC = Matrix(2, 3);
-    Job.OCS_Name = {"", "1", ""};
+    Job.Target.Resize(2);
+    Job.Target.Name[1] = "1";
     Job.RobotABC(1, 1) = 0.5;
     Settings.LastDropDownInfoInOCS = kDefault;
     target_ = Write("points.txt", "1;1;2;3\r\n2;4;5;6\r\n3;7;8;9\r\n");
@@ -164,7 +165,7 @@ TEST_F(DialogChoices, SavingSaysWhichOrientationsAJobFileDoesNotKeep) {
     Open();
     UserSetIndex(InputFiles.ComboOCS_Data, kXYZABC);
     UserClick(InputFiles.BtnOK);
-    ASSERT_EQ(Job.nIdent, 3) << LastMessage();
+    ASSERT_EQ(Job.Pairs(), 3) << LastMessage();
     EXPECT_TRUE(Notes.List.empty());
     SaveFileAs(PathOf("angles.cvn"));
     ASSERT_EQ(Notes.List.size(), 1u);
@@ -174,11 +175,8 @@ TEST_F(DialogChoices, SavingSaysWhichOrientationsAJobFileDoesNotKeep) {
 
 TEST_F(DialogChoices, AnOpenedJobWithMorePointsThanNamesSaysSo) {
     OpenKukaJob();
-    for (const auto& [more, noted] : {std::pair{3U, false}, {4U, true}}) {
-        const std::size_t size = Job.OCS_Name.size() + more;
-        Job.OCS_X.resize(size);
-        Job.OCS_Y.resize(size);
-        Job.OCS_Z.resize(size);
+    for (const auto& [more, noted] : {std::pair{3, false}, {4, true}}) {
+        Job.Target.SpareCoordinates(more);
         SaveFileAs(PathOf("longer.cvn"));
         OpenFile(PathOf("longer.cvn"));
         ASSERT_EQ(!Notes.List.empty(), noted) << "three are those of the search by distances";

@@ -206,42 +206,43 @@ TEST_F(InputDialog, ImportsByIdAndBringsThePairsToTheFront) {
     Import();
     EXPECT_FALSE(IsLoaded("FormInputFiles"));
     EXPECT_EQ(Messages(), std::vector<std::string>{});
-    EXPECT_EQ(Job.nMCS, 5);
-    EXPECT_EQ(Job.nOCS, 5);
-    EXPECT_EQ(Job.nIdent, 4);
-    EXPECT_EQ(Job.nMCSOnly, 1);
-    EXPECT_EQ(Job.nOCSOnly, 1);
-    EXPECT_EQ(Names(Job.MCS_Name), (std::vector<std::string>{"A", "B", "C", "D", "E"}));
-    EXPECT_EQ(Names(Job.OCS_Name), (std::vector<std::string>{"A", "B", "C", "D", "F"}));
+    EXPECT_EQ(Job.Start.Count(), 5);
+    EXPECT_EQ(Job.Target.Count(), 5);
+    EXPECT_EQ(Job.Pairs(), 4);
+    EXPECT_EQ(Job.StartOnly(), 1);
+    EXPECT_EQ(Job.TargetOnly(), 1);
+    EXPECT_EQ(Names(Job.Start.Name), (std::vector<std::string>{"A", "B", "C", "D", "E"}));
+    EXPECT_EQ(Names(Job.Target.Name), (std::vector<std::string>{"A", "B", "C", "D", "F"}));
     EXPECT_EQ(Run.JobDataValid, kTrue);
     EXPECT_EQ(Run.JobDirty, kTrue);
     EXPECT_TRUE(Main.MenuTransformation.Enabled);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
     EXPECT_EQ(Run.WaitPointers, 0);
 }
 
 TEST_F(InputDialog, FillsTheWorkingSetWithTheStartPoints) {
     Import();
-    EXPECT_EQ(Job.TMCS_Name, Job.MCS_Name);
-    EXPECT_EQ(Job.TMCS_X, Job.MCS_X);
-    EXPECT_EQ(Job.TMCS_Y, Job.MCS_Y);
-    EXPECT_EQ(Job.TMCS_Z, Job.MCS_Z);
+    EXPECT_EQ(Job.Transformed.Name, Job.Start.Name);
+    EXPECT_EQ(Job.Transformed.X, Job.Start.X);
+    EXPECT_EQ(Job.Transformed.Y, Job.Start.Y);
+    EXPECT_EQ(Job.Transformed.Z, Job.Start.Z);
     EXPECT_EQ(Job.UseFlags.size(), 13u);
 }
 
 TEST_F(InputDialog, ElementZeroStaysEmptyThroughAnImport) {
     Import();
-    EXPECT_EQ(Job.MCS_Name[0], "");
-    EXPECT_FALSE(Job.MCS_X[0] || Job.MCS_Y[0] || Job.OCS_X[0] || Job.OCS_Y[0] || Job.TMCS_X[0]);
-    EXPECT_EQ(Job.MCS_Z[0], 0);
+    EXPECT_EQ(Job.Start.Name[0], "");
+    EXPECT_FALSE(Job.Start.X[0] || Job.Start.Y[0] || Job.Target.X[0] || Job.Target.Y[0] ||
+                 Job.Transformed.X[0]);
+    EXPECT_EQ(Job.Start.Z[0], 0);
 }
 
 TEST_F(InputDialog, WithoutPairsTheJobIsValidAndTheWorkingSetIsTheCopy) {
     target_ = Write("other.txt", "X;1;2;3\r\nY;4;5;6\r\n");
     Import();
-    EXPECT_EQ(Job.nIdent, 0);
+    EXPECT_EQ(Job.Pairs(), 0);
     EXPECT_EQ(Run.JobDataValid, kTrue);
-    EXPECT_EQ(Job.TMCS_X, Job.MCS_X);
+    EXPECT_EQ(Job.Transformed.X, Job.Start.X);
     EXPECT_EQ(Job.UseFlags.size(), 1u);
 }
 
@@ -249,15 +250,15 @@ TEST_F(InputDialog, ApplyLeavesTheDialogOpen) {
     Open();
     UserClick(InputFiles.BtnApply);
     EXPECT_TRUE(IsLoaded("FormInputFiles"));
-    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_EQ(Job.Pairs(), 4);
     EXPECT_TRUE(InputFiles.FrameMoreMCS.Enabled) << "now there are points to add to";
 }
 
 TEST_F(InputDialog, TheSameFileTwiceMakesAllPointsIdentical) {
     target_ = start_;
     Import();
-    EXPECT_EQ(Job.nIdent, 5);
-    EXPECT_EQ(Job.MCS_X, Job.OCS_X);
+    EXPECT_EQ(Job.Pairs(), 5);
+    EXPECT_EQ(Job.Start.X, Job.Target.X);
 }
 
 TEST_F(InputDialog, AMissingFileIsNamedAndNothingElseHappens) {
@@ -296,7 +297,7 @@ TEST_F(InputDialog, DoubleNamesStopTheImportAndLeaveNoValidJob) {
               "There might be a double Pointnumber in the MCS File. \r\nPlease check Point Number A");
     EXPECT_EQ(Run.ImportFailed, kTrue);
     EXPECT_EQ(Run.JobDataValid, kFalse);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 TEST_F(InputDialog, WritesNamesFoldersPathsAndKindToTheSettings) {
@@ -318,8 +319,8 @@ TEST_F(InputDialog, PointsAreReadInTheChosenUnit) {
     Job.LengthUnitName = "inch";
     RhoFestlegung();
     Import();
-    EXPECT_DOUBLE_EQ(*Job.MCS_X[2], 2540);
-    EXPECT_DOUBLE_EQ(*Job.OCS_Y[3], 206 * 25.4);
+    EXPECT_DOUBLE_EQ(*Job.Start.X[2], 2540);
+    EXPECT_DOUBLE_EQ(*Job.Target.Y[3], 206 * 25.4);
 }
 
 // --- Replacing points -------------------------------------------------------------------------------------
@@ -334,19 +335,19 @@ TEST_F(InputDialog, AsksBeforeItReplacesPoints) {
     EXPECT_EQ(Headless.Dialogs[0].Text,
               "This will not add points, it will delete the old imported Points and import the new Points");
     EXPECT_EQ(Headless.Dialogs[0].Buttons, (std::vector<std::string>{"Yes", "No"}));
-    EXPECT_EQ(Job.nMCS, 1);
+    EXPECT_EQ(Job.Start.Count(), 1);
 }
 
 TEST_F(InputDialog, NoLeavesTheJobItsPathsAndItsNamesAlone) {
     Import();
-    const std::vector<std::string> names = Job.MCS_Name;
+    const std::vector<std::string> names = Job.Start.Name;
     const std::string oldStart = Job.PathMCS;
     start_ = Write("start2.txt", "A;1;1;1\r\n");
     Answer("message", "No");
     Open();
     UserSetText(InputFiles.TextRenameMCS, "Other");
     UserClick(InputFiles.BtnOK);
-    EXPECT_EQ(Job.MCS_Name, names);
+    EXPECT_EQ(Job.Start.Name, names);
     EXPECT_EQ(Job.PathMCS, oldStart);
     EXPECT_EQ(Job.NameMCS, "MCS");
     EXPECT_EQ(Run.JobDataValid, kTrue);
@@ -361,7 +362,7 @@ TEST_F(InputDialog, AsksEachTimeAlsoOnTheSameData) {
     Answer("message", "Yes");
     UserClick(InputFiles.BtnOK);
     EXPECT_EQ(Headless.Dialogs.size(), 2u);
-    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_EQ(Job.Pairs(), 4);
 }
 
 TEST_F(InputDialog, AFailedImportOverAValidJobLeavesNoValidJobBehind) {
@@ -372,7 +373,7 @@ TEST_F(InputDialog, AFailedImportOverAValidJobLeavesNoValidJobBehind) {
     EXPECT_NE(LastMessage().find("line 2"), std::string::npos) << LastMessage();
     EXPECT_NE(LastMessage().find("two"), std::string::npos);
     EXPECT_EQ(Run.JobDataValid, kFalse);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
     EXPECT_EQ(Run.WaitPointers, 0);
     EXPECT_EQ(Contents(start_), "A;1;1;1\r\nB;two;2;2\r\n");
 }

@@ -46,7 +46,7 @@ TEST_F(ImportRequests, FillTheJobAsTheDialogDoesAndOpenNoWindow) {
     EXPECT_EQ(::Import(Request()), ImportOutcome::Done);
     EXPECT_FALSE(IsLoaded("FormInputFiles"));
     EXPECT_EQ(Job.NameMCS, "MCS");
-    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_EQ(Job.Pairs(), 4);
     SaveFileAs(PathOf("request.cvn"));
     EXPECT_EQ(Contents(PathOf("request.cvn")), Contents(PathOf("dialog.cvn")));
 }
@@ -58,9 +58,21 @@ TEST_F(ImportRequests, LeaveADialogThatIsOpenAlone) {
     UserSetIndex(InputFiles.ComboOCS_Data, 3);
     EXPECT_EQ(::Import(Request()), ImportOutcome::Done);
     EXPECT_EQ(Job.PathMCS, start_);
-    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_EQ(Job.Pairs(), 4);
     EXPECT_EQ(InputFiles.TextNameMCS.Text, "somewhere.txt");
     EXPECT_EQ(InputFiles.ComboOCS_Data.Index, 3);
+}
+
+TEST_F(ImportRequests, ThatReplaceNothingLeaveThePointsOfBeforeCounted) {
+    ASSERT_EQ(::Import(Request()), ImportOutcome::Done);
+    ImportRequest request = Request();
+    AnswerYesNo(request, true);
+    request.StartPath = Write("short.txt", "A;1\r\n");
+    EXPECT_EQ(::Import(request), ImportOutcome::NotRead);
+    EXPECT_EQ(Job.Start.Count(), 5);
+    EXPECT_EQ(Job.Target.Count(), 5);
+    EXPECT_EQ(Job.Pairs(), 0);
+    EXPECT_EQ(::Run.JobDataValid, kFalse);
 }
 
 // --- Questions --------------------------------------------------------------------------------------------
@@ -75,11 +87,11 @@ TEST_F(ImportRequests, AskForPointsThatWouldGo) {
     ASSERT_EQ(asked_.size(), 1U);
     EXPECT_TRUE(asked_[0].starts_with("This will not add points")) << asked_[0];
     EXPECT_EQ(Job.PathMCS, start_);
-    EXPECT_EQ(Job.nMCS, 5);
+    EXPECT_EQ(Job.Start.Count(), 5);
     request.ReplacesQuietly = true;
     EXPECT_EQ(::Import(request), ImportOutcome::Done);
     EXPECT_EQ(asked_.size(), 1U);
-    EXPECT_EQ(Job.nMCS, 2);
+    EXPECT_EQ(Job.Start.Count(), 2);
     EXPECT_TRUE(Headless.Dialogs.empty()) << "nobody else is asked";
 }
 
@@ -94,7 +106,7 @@ TEST_F(ImportRequests, AskWhetherAFileWithTheOtherDecimalDelimiterShallBeChanged
         EXPECT_EQ(Contents(start_), yes ? "A;0.5;0;0\r\nB;100;0;0" : before);
     }
     EXPECT_EQ(asked_.size(), 2U);
-    EXPECT_EQ(Job.MCS_X[1], 0.5);
+    EXPECT_EQ(Job.Start.X[1], 0.5);
     EXPECT_TRUE(Headless.Dialogs.empty());
 }
 
@@ -109,8 +121,8 @@ TEST_F(ImportRequests, TakeTheDecimalDelimiterThatTheyName) {
     AnswerYesNo(request, true);
     EXPECT_EQ(::Import(request), ImportOutcome::Done);
     EXPECT_TRUE(asked_.empty());
-    EXPECT_EQ(Job.MCS_X[1], 0.5);
-    EXPECT_EQ(Job.nIdent, 2);
+    EXPECT_EQ(Job.Start.X[1], 0.5);
+    EXPECT_EQ(Job.Pairs(), 2);
     EXPECT_EQ(Contents(start_), "P;0,5;0;0\r\nQ;100,25;0;0\r\n") << "it is written as it is read";
 }
 
@@ -123,7 +135,7 @@ TEST_F(ImportRequests, TakeTheDecimalDelimiterOfProgramsAndShapesToo) {
     request.How.Decimal = ',';
     request.Kind = TargetKind::Kuka;
     EXPECT_EQ(::Import(request), ImportOutcome::Done);
-    EXPECT_EQ(Job.OCS_X[1], 1.5);
+    EXPECT_EQ(Job.Target.X[1], 1.5);
     request.TargetPath = Write("shape.txt", "0;0\r\n10,5;1,25\r\n20;4\r\n");
     request.Kind = TargetKind::Shape;
     request.ReplacesQuietly = true;
@@ -167,18 +179,18 @@ TEST_F(ImportRequests, SearchAsManyTargetPointsAsTheySay) {
     EXPECT_EQ(Run.JobDataValid, kFalse);
     request.OnlyFirst = "1";  // between one point there is no distance
     ::Import(request);
-    EXPECT_EQ(Job.nIdent, 0);
+    EXPECT_EQ(Job.Pairs(), 0);
     request.OnlyFirst = std::nullopt;
     request.ReplacesQuietly = true;
     EXPECT_EQ(::Import(request), ImportOutcome::Done);
-    EXPECT_EQ(Job.nIdent, 5);
+    EXPECT_EQ(Job.Pairs(), 5);
 }
 
 TEST_F(ImportRequests, WithoutAWayOfPairingReadNothing) {
     ImportRequest request = Request();
     request.Way = Pairing::None;
     EXPECT_EQ(::Import(request), ImportOutcome::NotRead);
-    EXPECT_EQ(Job.nMCS, 0);
+    EXPECT_EQ(Job.Start.Count(), 0);
     EXPECT_EQ(Run.JobDataValid, kFalse);
 }
 
@@ -190,7 +202,7 @@ TEST_F(ImportRequests, NameTheDelimiterOfAFileThatDoesNotShowIt) {
     EXPECT_EQ(::Import(request), ImportOutcome::NotRead);
     request.Delimiter = " ";
     EXPECT_EQ(::Import(request), ImportOutcome::Done);
-    EXPECT_EQ(Job.nIdent, 2);
+    EXPECT_EQ(Job.Pairs(), 2);
 }
 
 // --- Kinds ------------------------------------------------------------------------------------------------
@@ -205,7 +217,7 @@ TEST_F(ImportRequests, OfAProgramHaveItsPathInTheJobAllTheTime) {
     EXPECT_EQ(asked_.size(), 1U);
     EXPECT_EQ(pathAsked_, target_);
     EXPECT_EQ(Job.PathOCS, target_);
-    EXPECT_EQ(Job.nIdent, 2);
+    EXPECT_EQ(Job.Pairs(), 2);
 }
 
 TEST_F(ImportRequests, OfAShapeWriteNoNamesIntoIt) {
@@ -233,14 +245,14 @@ TEST_F(ImportRequests, OfARoundTripLeaveAJobAloneThatIsOpenedMeanwhile) {
     ShowWindow("FormMainSheet");
     bool opened = false;
     Headless.OnYield = [&opened, other = PathOf("other.cvn")] {
-        if (opened || Job.nMCS != 3 || !IsTrue(::Run.JobDataValid)) return;
+        if (opened || Job.Start.Count() != 3 || !IsTrue(::Run.JobDataValid)) return;
         opened = true;
         OpenFile(other);
     };
     UserClick(Main.MenueHelpSpezial);
     Headless.OnYield = nullptr;
     ASSERT_TRUE(opened);
-    EXPECT_EQ(Job.nMCS, 5);
+    EXPECT_EQ(Job.Start.Count(), 5);
     EXPECT_EQ(Job.UseFlags[1], 0);
     EXPECT_EQ(Run.TrafoValid, kFalse);
     EXPECT_EQ(Headless.Clipboard, table);

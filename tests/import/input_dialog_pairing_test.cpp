@@ -41,10 +41,10 @@ TEST_F(InputDialog, ByCoordinateAsksForTheToleranceWithItsText) {
                    "If you set it too small, maybe no identically point will be detected.\n"
                    "If you set it too big, maybe points will be detected as identically but they are not.\n"
                    "\n"));
-    EXPECT_EQ(Job.nIdent, 2);
-    EXPECT_EQ(Job.MCS_Name[1], "MCS_A=OCS_p");
-    EXPECT_EQ(Job.OCS_Name[2], "MCS_B=OCS_q");
-    EXPECT_EQ(Job.MCS_Name[3].substr(0, 4), "MCS_");
+    EXPECT_EQ(Job.Pairs(), 2);
+    EXPECT_EQ(Job.Start.Name[1], "MCS_A=OCS_p");
+    EXPECT_EQ(Job.Target.Name[2], "MCS_B=OCS_q");
+    EXPECT_EQ(Job.Start.Name[3].substr(0, 4), "MCS_");
 }
 
 TEST_F(InputDialog, AToleranceOfZeroIsAskedForAgain) {
@@ -54,7 +54,7 @@ TEST_F(InputDialog, AToleranceOfZeroIsAskedForAgain) {
     Answer("input", "20");
     UserClick(InputFiles.BtnOK);
     EXPECT_EQ(Headless.Dialogs.size(), 2u);
-    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_EQ(Job.Pairs(), 4);
 }
 
 TEST_F(InputDialog, WithoutAToleranceTheImportEndsWithoutMatching) {
@@ -64,9 +64,9 @@ TEST_F(InputDialog, WithoutAToleranceTheImportEndsWithoutMatching) {
         Answer("input", nothing);
         UserClick(InputFiles.BtnOK);
         EXPECT_EQ(Run.JobDataValid, kFalse);
-        EXPECT_EQ(Job.nIdent, 0);
+        EXPECT_EQ(Job.Pairs(), 0);
         EXPECT_EQ(Run.WaitPointers, 0);
-        EXPECT_TRUE(JobCountsFit(Job));
+        EXPECT_TRUE(JobIsWhole(Job));
     }
 }
 
@@ -79,7 +79,7 @@ TEST_F(InputDialog, ByCoordinateUsesTheParametersInMemoryButNoScale) {
     UserSetValue(InputFiles.OptionByCoordinate, 1);
     Answer("input", "0.01");
     UserClick(InputFiles.BtnOK);
-    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_EQ(Job.Pairs(), 4);
     EXPECT_EQ(Job.ScaleX, 1);
 }
 
@@ -96,8 +96,8 @@ TEST_F(InputDialog, RenamingTheStartPointsRewritesTheirFileAndKeepsTheOldOne) {
         EXPECT_EQ(Contents(start_ + backups), before);
         EXPECT_EQ(Contents(start_), "p;0;0;0\r\nq;100;0;0\r\nC;0;200;0\r\nD;0;0;300\r\nE;10;20;30\r\n");
     }
-    EXPECT_EQ(Job.MCS_Name[1], "p");
-    EXPECT_EQ(Job.nIdent, 2);
+    EXPECT_EQ(Job.Start.Name[1], "p");
+    EXPECT_EQ(Job.Pairs(), 2);
 }
 
 TEST_F(InputDialog, AStopDuringTheSearchByCoordinateEndsTheImportAndRewritesNothing) {
@@ -119,7 +119,7 @@ TEST_F(InputDialog, AStopDuringTheSearchByCoordinateEndsTheImportAndRewritesNoth
     EXPECT_EQ(Headless.Yields, 1u);
     EXPECT_EQ(Run.JobDataValid, kFalse);
     EXPECT_EQ(Run.WaitPointers, 0);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
     EXPECT_FALSE(File_Exist(start_ + ".$"));
 }
 
@@ -165,12 +165,13 @@ TEST_F(InputDialog, ByDistanceFindsPairsInTurnedFrames) {
                    "If you set it too small, maybe no identically point will be detected.\n"
                    "If you set it too big, maybe points will be detected as identically but they are not.\n"
                    "\n"));
-    EXPECT_EQ(Job.nIdent, 5);
-    EXPECT_EQ(Names(Job.MCS_Name), (std::vector<std::string>{"MCS_A=OCS_v", "MCS_B=OCS_w", "MCS_C=OCS_x",
-                                                             "MCS_D=OCS_y", "MCS_E=OCS_z"}));
-    EXPECT_EQ(Job.MCS_X.size(), 9u) << "the search leaves the coordinate arrays three longer than the names";
+    EXPECT_EQ(Job.Pairs(), 5);
+    EXPECT_EQ(Names(Job.Start.Name), (std::vector<std::string>{"MCS_A=OCS_v", "MCS_B=OCS_w", "MCS_C=OCS_x",
+                                                               "MCS_D=OCS_y", "MCS_E=OCS_z"}));
+    EXPECT_EQ(Job.Start.X.size(), 9u)
+        << "the search leaves the coordinate arrays three longer than the names";
     EXPECT_FALSE(IsLoaded("FormProgressBar"));
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 TEST_F(InputDialog, ByDistanceWithoutASolutionGoesOnByNamesWithoutPairs) {
@@ -182,7 +183,7 @@ TEST_F(InputDialog, ByDistanceWithoutASolutionGoesOnByNamesWithoutPairs) {
     UserClick(InputFiles.BtnOK);
     EXPECT_EQ(LastMessage(), "Could not solve the auto find problem, maybe try changing ETTA Value");
     EXPECT_EQ(Run.JobDataValid, kTrue);
-    EXPECT_EQ(Job.nIdent, 0);
+    EXPECT_EQ(Job.Pairs(), 0);
 }
 
 TEST_F(InputDialog, AJobThatReplacesThePointsDuringTheSearchIsLeftAsItIs) {
@@ -193,18 +194,11 @@ TEST_F(InputDialog, AJobThatReplacesThePointsDuringTheSearchIsLeftAsItIs) {
     Headless.OnYield = [&] {
         if (Headless.Yields != 3) return;
         Job = JobRecord{};
-        Job.MCS_Name = {"", "b", "a", "c"};
-        Job.OCS_Name = {"", "b", "a"};
-        Job.MCS_X = Job.MCS_Y = {{}, 1.0, 2.0, 3.0};
-        Job.OCS_X = Job.OCS_Y = {{}, 1.0, 2.0};
-        Job.MCS_Z = {0, 1, 2, 3};
-        Job.OCS_Z = {0, 1, 2};
-        Job.nMCS = 3;
-        Job.nOCS = Job.nIdent = 2;
-        Job.nMCSOnly = 1;
-        Job.TMCS_Name = Job.MCS_Name;
-        Job.TMCS_X = Job.TMCS_Y = {{}, 7.0, 8.0, 9.0};
-        Job.TMCS_Z = {0, 7, 8, 9};
+        Job.Start = PointSet({{"", "b", "a", "c"}, {{}, 1.0, 2.0, 3.0}, {{}, 1.0, 2.0, 3.0}, {0, 1, 2, 3}});
+        Job.Target = PointSet({{"", "b", "a"}, {{}, 1.0, 2.0}, {{}, 1.0, 2.0}, {0, 1, 2}});
+        Job.Transformed =
+            PointSet({{"", "b", "a", "c"}, {{}, 7.0, 8.0, 9.0}, {{}, 7.0, 8.0, 9.0}, {0, 7, 8, 9}});
+        Job.SetPairs(2);
         Job.RVecX = Job.RVecY = {{}, {}, {}};
         Job.RVecZ = {0, 0, 0};
         Job.UseFlags = {0, 1, 1, 0, 1, 1, 1};
@@ -214,11 +208,11 @@ TEST_F(InputDialog, AJobThatReplacesThePointsDuringTheSearchIsLeftAsItIs) {
         ++Run.JobGeneration;
     };
     UserClick(InputFiles.BtnApply);
-    EXPECT_EQ(Job.MCS_Name, other.MCS_Name);
-    EXPECT_EQ(Job.OCS_Name, other.OCS_Name);
-    EXPECT_EQ(Job.MCS_X, other.MCS_X);
-    EXPECT_EQ(Job.TMCS_X, other.TMCS_X);
-    EXPECT_EQ(Job.nIdent, 2);
+    EXPECT_EQ(Job.Start.Name, other.Start.Name);
+    EXPECT_EQ(Job.Target.Name, other.Target.Name);
+    EXPECT_EQ(Job.Start.X, other.Start.X);
+    EXPECT_EQ(Job.Transformed.X, other.Transformed.X);
+    EXPECT_EQ(Job.Pairs(), 2);
     EXPECT_EQ(Run.JobDirty, kFalse);
     EXPECT_EQ(Run.ImportFailed, kTrue);
     EXPECT_NE(Settings.MCS_FileName, "another");
@@ -228,14 +222,14 @@ TEST_F(InputDialog, ElementsThatShortLinesLeaveUnusedNeverPair) {
     start_ = Write("short1.txt", "A;0;0;0\r\nB;100;0;0\r\nC;0;200;0\r\n");
     target_ = Write("short2.txt", "A;5;6;7\r\nB;105;6;7\r\nC;5;206;7\r\n");
     Import();
-    for (auto* names : {&Job.MCS_Name, &Job.OCS_Name}) (*names)[2] = "";
+    for (auto* names : {&Job.Start.Name, &Job.Target.Name}) (*names)[2] = "";
     GetInfoFromData();
-    EXPECT_EQ(Job.nIdent, 2);
+    EXPECT_EQ(Job.Pairs(), 2);
     SortForIdentPts();
     GetInfoFromData();
-    EXPECT_EQ(Job.nIdent, 2);
-    EXPECT_EQ(Names(Job.MCS_Name), (std::vector<std::string>{"A", "C", ""}));
-    EXPECT_EQ(Names(Job.OCS_Name), (std::vector<std::string>{"A", "C", ""}));
+    EXPECT_EQ(Job.Pairs(), 2);
+    EXPECT_EQ(Names(Job.Start.Name), (std::vector<std::string>{"A", "C", ""}));
+    EXPECT_EQ(Names(Job.Target.Name), (std::vector<std::string>{"A", "C", ""}));
 }
 
 // --- When files cannot be written -------------------------------------------------------------------------
@@ -255,7 +249,7 @@ TEST_F(InputDialog, AFullDiskAtTheRewrittenFileLeavesTheUsersFileWholeAndTheJobN
         EXPECT_EQ(Contents(start_), kStart) << operation;
         EXPECT_FALSE(File_Exist(start_ + ".$")) << operation;
         EXPECT_EQ(Run.JobDataValid, kFalse);
-        EXPECT_TRUE(JobCountsFit(Job));
+        EXPECT_TRUE(JobIsWhole(Job));
     }
 }
 
@@ -265,7 +259,7 @@ TEST_F(InputDialog, SettingsThatCannotBeWrittenLeaveTheImportedJobWhole) {
     };
     Import();
     EXPECT_EQ(Run.JobDataValid, kTrue);
-    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_EQ(Job.Pairs(), 4);
     EXPECT_TRUE(Main.MenuTransformation.Enabled);
 }
 
@@ -294,16 +288,16 @@ TEST_F(InputDialog, AddsStartPointsWithAPrefix) {
     UserSetText(InputFiles.TextPreSuff, "n_");
     Run.JobDirty = kFalse;
     UserClick(InputFiles.BtnImportMoreMCS);
-    EXPECT_EQ(Job.nMCS, 7);
-    EXPECT_EQ(Job.nMCSOnly, 3);
-    EXPECT_EQ(Job.nIdent, 4);
-    EXPECT_EQ(Job.nOCS, 5);
-    EXPECT_EQ(Job.MCS_Name[6], "n_M1");
-    EXPECT_EQ(*Job.MCS_Y[7], 5);
-    EXPECT_EQ(Job.TMCS_Name[7], "n_M2");
-    EXPECT_EQ(Job.TMCS_Z[7], 6);
+    EXPECT_EQ(Job.Start.Count(), 7);
+    EXPECT_EQ(Job.StartOnly(), 3);
+    EXPECT_EQ(Job.Pairs(), 4);
+    EXPECT_EQ(Job.Target.Count(), 5);
+    EXPECT_EQ(Job.Start.Name[6], "n_M1");
+    EXPECT_EQ(*Job.Start.Y[7], 5);
+    EXPECT_EQ(Job.Transformed.Name[7], "n_M2");
+    EXPECT_EQ(Job.Transformed.Z[7], 6);
     EXPECT_EQ(Run.JobDirty, kTrue);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 TEST_F(InputDialog, AddsStartPointsWithASuffix) {
@@ -313,7 +307,7 @@ TEST_F(InputDialog, AddsStartPointsWithASuffix) {
     UserSetValue(InputFiles.Option2, 1);
     UserSetText(InputFiles.TextPreSuff, "_n");
     UserClick(InputFiles.BtnImportMoreMCS);
-    EXPECT_EQ(Job.MCS_Name[6], "M1_n");
+    EXPECT_EQ(Job.Start.Name[6], "M1_n");
     EXPECT_EQ(InputFiles.OptionPrefix.Value, 0);
 }
 
@@ -329,8 +323,8 @@ TEST_F(InputDialog, AddingABadFileLeavesTheJobAsItWas) {
     ShowWindow("FormInputFiles");
     UserSetText(InputFiles.TextNameMoreMCS, Write("more.txt", "M1;1;2;3\r\nM2;4;x;6\r\n"));
     UserClick(InputFiles.BtnImportMoreMCS);
-    EXPECT_EQ(Job.nMCS, 5);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_EQ(Job.Start.Count(), 5);
+    EXPECT_TRUE(JobIsWhole(Job));
     EXPECT_EQ(Run.JobDataValid, kTrue);
 }
 
@@ -345,7 +339,7 @@ TEST_F(InputDialog, TheRoundTripCalculatesFromTheClipboardAndAddsTheQuality) {
               "A\t0\t0\t0\r\nB\t100\t0\t0\r\nC\t0\t200\t0\r\nD\t0\t0\t300\r\n");
     EXPECT_EQ(Contents(folder_ + "/settings/Corvinade/ocs.txt"),
               "A\t5\t6\t7\r\nB\t105\t6\t7\r\nC\t5\t206\t7\r\nD\t5\t6\t307\r\n");
-    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_EQ(Job.Pairs(), 4);
     for (std::size_t i = 1; i < Job.UseFlags.size(); ++i) EXPECT_EQ(Job.UseFlags[i], 1);
     EXPECT_NEAR(Job.TraX, 5, 1e-9);
     EXPECT_NEAR(Job.TraY, 6, 1e-9);
@@ -378,7 +372,7 @@ TEST_F(InputDialog, ARoundTripThatCannotReadItsPointsLeavesNoValidJob) {
     EXPECT_NE(Run.LastPlatformError.find("zero"), std::string::npos);
     EXPECT_EQ(Run.JobDataValid, kFalse) << "half of the points are those of before";
     EXPECT_FALSE(Main.MenuTransformation.Enabled);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 TEST_F(InputDialog, ARoundTripThatCannotWriteItsFilesLeavesTheJobAlone) {
@@ -391,7 +385,7 @@ TEST_F(InputDialog, ARoundTripThatCannotWriteItsFilesLeavesTheJobAlone) {
     EXPECT_NE(Run.LastPlatformError.find("no space left"), std::string::npos);
     EXPECT_EQ(Job.PathMCS, start_);
     EXPECT_EQ(Job.PathOCS, target_);
-    EXPECT_EQ(Job.nMCS, 5);
+    EXPECT_EQ(Job.Start.Count(), 5);
     EXPECT_EQ(Run.JobDataValid, kTrue);
 }
 
@@ -401,7 +395,7 @@ TEST_F(InputDialog, TheRoundTripReplacesPointsWithoutAQuestion) {
         "A\t0\t0\t0\tA\t5\t6\t7\r\nB\t100\t0\t0\tB\t105\t6\t7\r\nC\t0\t200\t0\tC\t5\t206\t7\r\n";
     UserClick(Main.MenueHelpSpezial);
     EXPECT_EQ(Messages(), std::vector<std::string>{});
-    EXPECT_EQ(Job.nMCS, 3);
+    EXPECT_EQ(Job.Start.Count(), 3);
 }
 
 TEST_F(InputDialog, TheRoundTripRefusesAClipboardWithoutATable) {

@@ -37,19 +37,19 @@ protected:
 
     void ImportSmall() {
         Apply(small_, small_);
-        ASSERT_EQ(Job.nIdent, 3);
+        ASSERT_EQ(Job.Pairs(), 3);
         Headless.Answers["message"].push_back("Yes");
     }
 
     void ExpectSmall() const {
-        EXPECT_EQ(Job.MCS_Name, (std::vector<std::string>{"", "A", "B", "C"}));
-        EXPECT_EQ(Job.OCS_Name, Job.MCS_Name);
-        EXPECT_EQ(Job.TMCS_Name, Job.MCS_Name);
-        EXPECT_EQ(Job.OCS_X[2], TaggedValue(1.0));
-        EXPECT_EQ(Job.nIdent, 3);
+        EXPECT_EQ(Job.Start.Name, (std::vector<std::string>{"", "A", "B", "C"}));
+        EXPECT_EQ(Job.Target.Name, Job.Start.Name);
+        EXPECT_EQ(Job.Transformed.Name, Job.Start.Name);
+        EXPECT_EQ(Job.Target.X[2], TaggedValue(1.0));
+        EXPECT_EQ(Job.Pairs(), 3);
         EXPECT_EQ(Job.PathMCS, small_);
         EXPECT_EQ(Run.JobDataValid, kTrue);
-        EXPECT_TRUE(JobCountsFit(Job));
+        EXPECT_TRUE(JobIsWhole(Job));
         EXPECT_TRUE(Main.MenuTransformation.Enabled);
     }
 };
@@ -59,8 +59,8 @@ protected:
 TEST_F(LongImports, CancelledAtAnyYieldLeaveThePointsOfBefore) {
     Apply(large_, large_);
     const std::uint64_t yields = Headless.Yields;
-    EXPECT_EQ(Job.nIdent, kMany);
-    EXPECT_EQ(Job.MCS_Name[1], "Point_1");
+    EXPECT_EQ(Job.Pairs(), kMany);
+    EXPECT_EQ(Job.Start.Name[1], "Point_1");
     ASSERT_GT(yields, 60u);
     for (std::uint64_t at = 1; at <= yields; at += at < 6 || at + 6 > yields ? 1 : yields / 9) {
         Run.JobDataValid = kFalse;  // no question
@@ -86,8 +86,8 @@ TEST_F(LongImports, TheFirstOneThatIsCancelledLeavesNoPoints) {
     Headless.OnYield = [] { Run.StopRequested = kTrue; };
     Apply(large_, large_);
     EXPECT_EQ(Run.JobDataValid, kFalse);
-    EXPECT_EQ(Job.nMCS, 0);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_EQ(Job.Start.Count(), 0);
+    EXPECT_TRUE(JobIsWhole(Job));
     EXPECT_TRUE(Messages().empty());
 }
 
@@ -100,10 +100,10 @@ TEST_F(LongImports, EndWhereAnotherImportHasReplacedThePoints) {
         };
         Apply(large_, large_);
         Headless.OnYield = nullptr;
-        EXPECT_EQ(Job.nIdent, 3) << at;
-        EXPECT_EQ(Job.MCS_Name, (std::vector<std::string>{"", "A", "B", "C"})) << at;
+        EXPECT_EQ(Job.Pairs(), 3) << at;
+        EXPECT_EQ(Job.Start.Name, (std::vector<std::string>{"", "A", "B", "C"})) << at;
         EXPECT_EQ(Run.JobDataValid, kTrue);
-        EXPECT_TRUE(JobCountsFit(Job));
+        EXPECT_TRUE(JobIsWhole(Job));
         EXPECT_FALSE(IsLoaded("FormProgressBar"));
     }
 }
@@ -115,9 +115,9 @@ TEST_F(LongImports, FailedOnesKeepWhatWasReadAsSmallOnesDo) {
     Apply(damaged, large_);
     EXPECT_NE(LastMessage().find("damaged.txt"), std::string::npos);
     EXPECT_EQ(Run.JobDataValid, kFalse);
-    EXPECT_EQ(Job.nMCS, kMany + 1);
-    EXPECT_EQ(Job.OCS_Name.size(), 4u);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_EQ(Job.Start.Count(), kMany + 1);
+    EXPECT_EQ(Job.Target.Name.size(), 4u);
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 TEST_F(LongImports, OfMorePointsThatAreCancelledAddNone) {
@@ -127,8 +127,8 @@ TEST_F(LongImports, OfMorePointsThatAreCancelledAddNone) {
     ExpectSmall();
     Headless.OnYield = nullptr;
     EXPECT_TRUE(ReadMorePoints(large_, "m_", ""));
-    EXPECT_EQ(Job.nMCS, kMany + 3);
-    EXPECT_EQ(Job.MCS_Name[4], "m_Point_" + std::to_string(kMany));
+    EXPECT_EQ(Job.Start.Count(), kMany + 3);
+    EXPECT_EQ(Job.Start.Name[4], "m_Point_" + std::to_string(kMany));
 }
 
 TEST_F(LongImports, SortNamesAsShortOnesDo) {

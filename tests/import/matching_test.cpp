@@ -20,19 +20,15 @@ protected:
     static void Fill(const std::vector<std::string>& start, const std::vector<std::string>& target) {
         Job = JobRecord{};
         for (const std::string& name : start) {
-            Job.MCS_Name.push_back(name);
-            Job.MCS_X.emplace_back(static_cast<double>(Job.MCS_Name.size() - 1));
-            Job.MCS_Y.emplace_back(0.5);
-            Job.MCS_Z.push_back(-Job.MCS_X.back().value());
+            const double x = Job.Start.Count() + 1;
+            Job.Start.Add(name, x, 0.5, -x);
         }
         for (const std::string& name : target) {
-            Job.OCS_Name.push_back(name);
-            Job.OCS_X.emplace_back(100.0 + static_cast<double>(Job.OCS_Name.size() - 1));
-            Job.OCS_Y.emplace_back(0.5);
-            Job.OCS_Z.push_back(-Job.OCS_X.back().value());
+            const double x = 100.0 + Job.Target.Count() + 1;
+            Job.Target.Add(name, x, 0.5, -x);
         }
         GetInfoFromData();
-        Job.nIdent = 0;
+        Job.SetPairs(0);
     }
     static void MatchByName() {
         MCS_OCS_aufbereiten();
@@ -42,24 +38,25 @@ protected:
     // The pairs stand at the front of both sets, nobody else has a partner, and points are whole.
     static void ExpectInvariant(const std::vector<std::string>& start,
                                 const std::vector<std::string>& target) {
-        EXPECT_TRUE(JobCountsFit(Job));
-        for (int i = 1; i <= Job.nIdent; ++i)
-            ASSERT_EQ(Job.MCS_Name[static_cast<std::size_t>(i)], Job.OCS_Name[static_cast<std::size_t>(i)]);
-        for (int i = 1; i <= Job.nIdent; ++i) ASSERT_NE(Job.MCS_Name[static_cast<std::size_t>(i)], "");
+        EXPECT_TRUE(JobIsWhole(Job));
+        for (int i = 1; i <= Job.Pairs(); ++i)
+            ASSERT_EQ(Job.Start.Name[static_cast<std::size_t>(i)],
+                      Job.Target.Name[static_cast<std::size_t>(i)]);
+        for (int i = 1; i <= Job.Pairs(); ++i) ASSERT_NE(Job.Start.Name[static_cast<std::size_t>(i)], "");
         std::vector<std::string> both;
         std::vector<std::string> a = start, b = target;
         std::sort(a.begin(), a.end());
         std::sort(b.begin(), b.end());
         std::set_intersection(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(both));
         std::erase(both, "");  // an element without a name is no point
-        EXPECT_EQ(Job.nIdent, static_cast<int>(both.size()));
-        for (std::size_t i = 1; i < Job.MCS_Name.size(); ++i) {
-            EXPECT_EQ(start[static_cast<std::size_t>(*Job.MCS_X[i]) - 1], Job.MCS_Name[i]);
-            EXPECT_EQ(Job.MCS_Z[i], -*Job.MCS_X[i]);
+        EXPECT_EQ(Job.Pairs(), static_cast<int>(both.size()));
+        for (std::size_t i = 1; i < Job.Start.Name.size(); ++i) {
+            EXPECT_EQ(start[static_cast<std::size_t>(*Job.Start.X[i]) - 1], Job.Start.Name[i]);
+            EXPECT_EQ(Job.Start.Z[i], -*Job.Start.X[i]);
         }
-        for (std::size_t i = 1; i < Job.OCS_Name.size(); ++i) {
-            EXPECT_EQ(target[static_cast<std::size_t>(*Job.OCS_X[i]) - 101], Job.OCS_Name[i]);
-            EXPECT_EQ(Job.OCS_Z[i], -*Job.OCS_X[i]);
+        for (std::size_t i = 1; i < Job.Target.Name.size(); ++i) {
+            EXPECT_EQ(target[static_cast<std::size_t>(*Job.Target.X[i]) - 101], Job.Target.Name[i]);
+            EXPECT_EQ(Job.Target.Z[i], -*Job.Target.X[i]);
         }
     }
 };
@@ -68,11 +65,11 @@ TEST_F(Matching, EqualNamesComeToTheFrontOfBothSetsInTheirOrder) {
     const std::vector<std::string> start = {"x", "10", "B", "2"}, target = {"2", "A", "B", "10", "C"};
     Fill(start, target);
     MatchByName();
-    EXPECT_EQ(Job.nIdent, 3);
-    EXPECT_EQ(Job.nMCSOnly, 1);
-    EXPECT_EQ(Job.nOCSOnly, 2);
-    EXPECT_EQ(Job.MCS_Name, (std::vector<std::string>{"", "2", "10", "B", "x"}));
-    EXPECT_EQ(Job.OCS_Name, (std::vector<std::string>{"", "2", "10", "B", "A", "C"}));
+    EXPECT_EQ(Job.Pairs(), 3);
+    EXPECT_EQ(Job.StartOnly(), 1);
+    EXPECT_EQ(Job.TargetOnly(), 2);
+    EXPECT_EQ(Job.Start.Name, (std::vector<std::string>{"", "2", "10", "B", "x"}));
+    EXPECT_EQ(Job.Target.Name, (std::vector<std::string>{"", "2", "10", "B", "A", "C"}));
     ExpectInvariant(start, target);
 }
 
@@ -88,14 +85,14 @@ TEST_F(Matching, EveryPoseStaysWithItsPoint) {
         std::shuffle(target.begin(), target.end(), random);
         for (unsigned unused = random() % 3; unused > 0; --unused) target.emplace_back();
         Fill(start, target);
-        Job.RobotABC = Matrix(Job.nOCS, 3);
-        for (int i = 1; i <= Job.nOCS; ++i)
+        Job.RobotABC = Matrix(Job.Target.Count(), 3);
+        for (int i = 1; i <= Job.Target.Count(); ++i)
             for (int k = 0; k <= 3; ++k) Job.RobotABC(i, k) = 10.0 * (100 + i) + k;
         MatchByName();
         ExpectInvariant(start, target);
-        for (int i = 1; i <= Job.nOCS; ++i)
+        for (int i = 1; i <= Job.Target.Count(); ++i)
             for (int k = 0; k <= 3; ++k)
-                ASSERT_EQ(Job.RobotABC(i, k), 10.0 * *Job.OCS_X[static_cast<std::size_t>(i)] + k);
+                ASSERT_EQ(Job.RobotABC(i, k), 10.0 * *Job.Target.X[static_cast<std::size_t>(i)] + k);
         EXPECT_TRUE(Messages().empty()) << "places that no pose has come to are no points of equal name";
     }
 }
@@ -112,9 +109,9 @@ TEST_F(Matching, TheTransformedPointsAreACopyOfTheStartPoints) {
     Fill({"a", "b"}, {"b"});
     Job.UseFlags = {0, 0, 1, 1};
     MatchByName();
-    EXPECT_EQ(Job.TMCS_Name, Job.MCS_Name);
-    EXPECT_EQ(Job.TMCS_X, Job.MCS_X);
-    EXPECT_EQ(Job.TMCS_Z, Job.MCS_Z);
+    EXPECT_EQ(Job.Transformed.Name, Job.Start.Name);
+    EXPECT_EQ(Job.Transformed.X, Job.Start.X);
+    EXPECT_EQ(Job.Transformed.Z, Job.Start.Z);
     EXPECT_EQ(Job.RVecX.size(), 2u);
     EXPECT_EQ(Job.UseFlags, (std::vector<std::int16_t>{0, 0, 1, 1}));
 }
@@ -140,12 +137,12 @@ TEST_F(Matching, NothingOfAnOlderJobStaysInTheRVectors) {
 TEST_F(Matching, WithoutAPairTheJobIsValid) {
     Fill({"a"}, {"b"});
     MatchByName();
-    EXPECT_EQ(Job.nIdent, 0);
+    EXPECT_EQ(Job.Pairs(), 0);
     EXPECT_EQ(Job.UseFlags.size(), 1u);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
     Fill({}, {});
     MatchByName();
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 TEST_F(Matching, DoubleStartNamesStopEvenWithoutPartner) {
@@ -154,7 +151,7 @@ TEST_F(Matching, DoubleStartNamesStopEvenWithoutPartner) {
     EXPECT_EQ(::Run.ImportFailed, kTrue);
     EXPECT_EQ(LastMessage(),
               "There might be a double Pointnumber in the MCS File. \r\nPlease check Point Number q");
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 TEST_F(Matching, DoubleTargetNamesStop) {
@@ -183,7 +180,7 @@ TEST_F(Matching, NamesOfDifferentZerosAreDifferentPoints) {
     MatchByName();
     EXPECT_EQ(::Run.ImportFailed, kFalse);
     ExpectInvariant(start, target);
-    EXPECT_EQ(Job.nIdent, 0);
+    EXPECT_EQ(Job.Pairs(), 0);
 }
 
 TEST_F(Matching, PairsStandInFrontForEveryMixtureOfLevelNames) {
@@ -212,8 +209,8 @@ TEST_F(Matching, PairsStandInFrontWithoutASortBefore) {
     GetInfoFromData();
     IdentischePkte_Neu();
     ExpectInvariant(start, target);
-    EXPECT_EQ(Job.MCS_Name[1], "a");
-    EXPECT_EQ(Job.MCS_Name[3], "e");
+    EXPECT_EQ(Job.Start.Name[1], "a");
+    EXPECT_EQ(Job.Start.Name[3], "e");
 }
 
 TEST_F(Matching, AHundredThousandNamesThatAreAllLevelOrDoubleEnd) {
@@ -223,38 +220,24 @@ TEST_F(Matching, AHundredThousandNamesThatAreAllLevelOrDoubleEnd) {
     EXPECT_EQ(::Run.ImportFailed, kTrue);
     SortForIdentPts();
     GetInfoFromData();
-    EXPECT_EQ(Job.nIdent, 100000);
+    EXPECT_EQ(Job.Pairs(), 100000);
 }
 
 TEST_F(Matching, ElementsBehindTheNamesStayWhereTheyAre) {
     Fill({"b", "a"}, {"a"});
-    Job.MCS_X.emplace_back(77);
-    Job.MCS_Y.emplace_back(77);
-    Job.MCS_Z.push_back(77);
+    Job.Start.SpareCoordinates(1);
+    Job.Start.SetPoint(3, 77, 77, 77);
     MatchByName();
-    EXPECT_EQ(Job.MCS_Name[1], "a");
-    EXPECT_EQ(Job.MCS_X[3], 77);
-    EXPECT_EQ(Job.MCS_Z[3], 77);
+    EXPECT_EQ(Job.Start.Name[1], "a");
+    EXPECT_EQ(Job.Start.X[3], 77);
+    EXPECT_EQ(Job.Start.Z[3], 77);
 }
 
 class MatchingByCoordinate : public Program {
 protected:
     MatchingByCoordinate() { ::Run.Etta = 0.5F; }
-    static void Add(std::vector<std::string>& names, std::vector<TaggedValue>& x, std::vector<TaggedValue>& y,
-                    std::vector<double>& z, const std::string& name, double px) {
-        names.push_back(name);
-        x.emplace_back(px);
-        y.emplace_back(0);
-        z.push_back(0);
-    }
-    static void Start(const std::string& name, double x) {
-        Add(Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z, name, x);
-        ++Job.nMCS;
-    }
-    static void Target(const std::string& name, double x) {
-        Add(Job.OCS_Name, Job.OCS_X, Job.OCS_Y, Job.OCS_Z, name, x);
-        ++Job.nOCS;
-    }
+    static void Start(const std::string& name, double x) { Job.Start.Add(name, x, 0, 0); }
+    static void Target(const std::string& name, double x) { Job.Target.Add(name, x, 0, 0); }
 };
 
 TEST_F(MatchingByCoordinate, TheFirstStartPointHasTheFirstChoice) {
@@ -263,11 +246,11 @@ TEST_F(MatchingByCoordinate, TheFirstStartPointHasTheFirstChoice) {
     Target("t1", 0.0);
     Target("t2", 0.4);
     PärchenSuchen({});
-    EXPECT_EQ(Job.nIdent, 2);
-    EXPECT_EQ(Job.MCS_Name[1], "s1=t2");
-    EXPECT_EQ(Job.OCS_Name[2], "s1=t2");
-    EXPECT_EQ(Job.MCS_Name[2], "s2=t1");
-    EXPECT_EQ(Job.OCS_Name[1], "s2=t1");
+    EXPECT_EQ(Job.Pairs(), 2);
+    EXPECT_EQ(Job.Start.Name[1], "s1=t2");
+    EXPECT_EQ(Job.Target.Name[2], "s1=t2");
+    EXPECT_EQ(Job.Start.Name[2], "s2=t1");
+    EXPECT_EQ(Job.Target.Name[1], "s2=t1");
 }
 
 TEST_F(MatchingByCoordinate, ThePointsArePairedUnderTheParametersOfTheJob) {
@@ -277,17 +260,17 @@ TEST_F(MatchingByCoordinate, ThePointsArePairedUnderTheParametersOfTheJob) {
     Target("far", 10);
     Target("t", 1020);
     PärchenSuchen({});
-    EXPECT_EQ(Job.nIdent, 1);
-    EXPECT_EQ(Job.OCS_Name[2], "s=t");
-    EXPECT_EQ(Job.OCS_Name[1], "far");
+    EXPECT_EQ(Job.Pairs(), 1);
+    EXPECT_EQ(Job.Target.Name[2], "s=t");
+    EXPECT_EQ(Job.Target.Name[1], "far");
 }
 
 TEST_F(MatchingByCoordinate, APointAtTheToleranceIsNoPartner) {
     Start("s", 0);
     Target("t", 0.5);
     PärchenSuchen({});
-    EXPECT_EQ(Job.nIdent, 0);
-    EXPECT_EQ(Job.MCS_Name[1], "s");
+    EXPECT_EQ(Job.Pairs(), 0);
+    EXPECT_EQ(Job.Start.Name[1], "s");
 }
 
 TEST_F(MatchingByCoordinate, TheRenameBoxesChooseWhoseNameStays) {
@@ -299,9 +282,9 @@ TEST_F(MatchingByCoordinate, TheRenameBoxesChooseWhoseNameStays) {
         options.CheckRenameMCS = start;
         options.CheckRenameOCS = target;
         PärchenSuchen(options);
-        EXPECT_EQ(Job.MCS_Name[1], start ? "t" : "s");
-        EXPECT_EQ(Job.OCS_Name[1], start ? "t" : "s");
-        EXPECT_EQ(Job.nIdent, 1);
+        EXPECT_EQ(Job.Start.Name[1], start ? "t" : "s");
+        EXPECT_EQ(Job.Target.Name[1], start ? "t" : "s");
+        EXPECT_EQ(Job.Pairs(), 1);
     }
 }
 
@@ -313,10 +296,10 @@ TEST_F(MatchingByCoordinate, TheNamesThenBringThePairsToTheFront) {
     MCS_OCS_aufbereiten();
     GetInfoFromData();
     IdentischePkte_Neu();
-    EXPECT_EQ(Job.nIdent, 1);
-    EXPECT_EQ(Job.MCS_Name[1], "b=c");
-    EXPECT_EQ(Job.MCS_X[1], 5);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_EQ(Job.Pairs(), 1);
+    EXPECT_EQ(Job.Start.Name[1], "b=c");
+    EXPECT_EQ(Job.Start.X[1], 5);
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 // Every start point stands at the centre of a sphere of target points, all of which are equally near but for
@@ -329,8 +312,8 @@ protected:
             Start("s" + std::to_string(i), 0);
             const double height = 1 - 2.0 * i / (kCount + 1), width = std::sqrt(1 - height * height);
             Target("t" + std::to_string(i), 1000 * width * std::cos(i));
-            Job.OCS_Y.back() = 1000 * width * std::sin(i);
-            Job.OCS_Z.back() = 1000 * height;
+            Job.Target.Y.back() = 1000 * width * std::sin(i);
+            Job.Target.Z.back() = 1000 * height;
         }
         GetInfoFromData();
     }
@@ -346,7 +329,7 @@ TEST_F(MatchingOnASphere, ALongPairingYieldsAndShowsHowFarItIs) {
     PärchenSuchen({});
     EXPECT_GT(progress.size(), 5u);
     EXPECT_TRUE(std::is_sorted(progress.begin(), progress.end()));
-    EXPECT_EQ(Job.nIdent, kCount);
+    EXPECT_EQ(Job.Pairs(), kCount);
     EXPECT_FALSE(Progress.Window.Loaded);
 }
 
@@ -355,24 +338,25 @@ TEST_F(MatchingOnASphere, AStopLeavesAllNamesAndNoPair) {
     Headless.OnYield = [] {
         if (Headless.Yields == 2) UserClick(Progress.BtnCancel);
     };
-    const auto names = Job.OCS_Name;
+    const auto names = Job.Target.Name;
     PärchenSuchen({});
     EXPECT_EQ(Headless.Yields, 2u);
     EXPECT_EQ(::Run.StopRequested, kTrue);
-    EXPECT_EQ(Job.nIdent, 0);
-    EXPECT_EQ(Job.OCS_Name, names);
+    EXPECT_EQ(Job.Pairs(), 0);
+    EXPECT_EQ(Job.Target.Name, names);
     EXPECT_EQ(::Run.ImportFailed, kFalse);
 }
 
 TEST_F(MatchingOnASphere, PointsThatReplaceThemMeanwhileAreLeftAlone) {
     Headless.OnYield = [] {
         Job = JobRecord{};
-        Job.nIdent = 77;
+        for (PointSet* points : {&Job.Start, &Job.Target}) points->Resize(77);
+        Job.SetPairs(77);
         ++::Run.JobGeneration;
     };
     PärchenSuchen({});
     EXPECT_EQ(Headless.Yields, 1u);
-    EXPECT_EQ(Job.nIdent, 77);
+    EXPECT_EQ(Job.Pairs(), 77);
     EXPECT_EQ(::Run.ImportFailed, kTrue);
 }
 
@@ -383,7 +367,7 @@ TEST_F(MatchingByCoordinate, APairingThatIsDoneAtOnceShowsNoWindow) {
     }
     PärchenSuchen({});
     EXPECT_EQ(Headless.Yields, 0u);
-    EXPECT_EQ(Job.nIdent, 2000);
+    EXPECT_EQ(Job.Pairs(), 2000);
 }
 
 }  // namespace

@@ -206,41 +206,33 @@ class MatchingWording : public Program {
 protected:
     static void Fill(const Set& start, const Set& target) {
         Job = JobRecord{};
-        for (const Point& p : Set(start.begin() + 1, start.end())) {
-            Job.MCS_Name.push_back(p.Name);
-            Job.MCS_X.emplace_back(p.X);
-            Job.MCS_Y.emplace_back(p.Y);
-            Job.MCS_Z.push_back(p.Z);
-        }
-        for (const Point& p : Set(target.begin() + 1, target.end())) {
-            Job.OCS_Name.push_back(p.Name);
-            Job.OCS_X.emplace_back(p.X);
-            Job.OCS_Y.emplace_back(p.Y);
-            Job.OCS_Z.push_back(p.Z);
-        }
+        for (const Point& p : Set(start.begin() + 1, start.end())) Job.Start.Add(p.Name, p.X, p.Y, p.Z);
+        for (const Point& p : Set(target.begin() + 1, target.end())) Job.Target.Add(p.Name, p.X, p.Y, p.Z);
         GetInfoFromData();
-        Job.nIdent = 0;
+        Job.SetPairs(0);
         Headless.Dialogs.clear();
         ::Run.ImportFailed = kFalse;
     }
     static Set StartSet() {
         Set set(1);
-        for (int i = 1; i < static_cast<int>(Job.MCS_Name.size()); ++i)
-            set.push_back({Job.MCS_Name[At(i)], *Job.MCS_X[At(i)], *Job.MCS_Y[At(i)], Job.MCS_Z[At(i)]});
+        for (int i = 1; i < static_cast<int>(Job.Start.Name.size()); ++i)
+            set.push_back(
+                {Job.Start.Name[At(i)], *Job.Start.X[At(i)], *Job.Start.Y[At(i)], Job.Start.Z[At(i)]});
         return set;
     }
     static Set TargetSet() {
         Set set(1);
-        for (int i = 1; i < static_cast<int>(Job.OCS_Name.size()); ++i)
-            set.push_back({Job.OCS_Name[At(i)], *Job.OCS_X[At(i)], *Job.OCS_Y[At(i)], Job.OCS_Z[At(i)]});
+        for (int i = 1; i < static_cast<int>(Job.Target.Name.size()); ++i)
+            set.push_back(
+                {Job.Target.Name[At(i)], *Job.Target.X[At(i)], *Job.Target.Y[At(i)], Job.Target.Z[At(i)]});
         return set;
     }
     // Pair i stands at position i in both sets with one name, and nobody behind has a partner.
     static void ExpectInvariant() {
-        ASSERT_TRUE(JobCountsFit(Job));
-        for (std::size_t i = 1; i < Job.MCS_Name.size(); ++i)
-            for (std::size_t j = 1; j < Job.OCS_Name.size(); ++j)
-                ASSERT_EQ(Job.MCS_Name[i] == Job.OCS_Name[j], i == j && i <= At(Job.nIdent));
+        ASSERT_TRUE(JobIsWhole(Job));
+        for (std::size_t i = 1; i < Job.Start.Name.size(); ++i)
+            for (std::size_t j = 1; j < Job.Target.Name.size(); ++j)
+                ASSERT_EQ(Job.Start.Name[i] == Job.Target.Name[j], i == j && i <= At(Job.Pairs()));
     }
     // Matches the sets that stand in the job by name, and by the rules; all must agree.
     static void MatchByName(Set start, Set target) {
@@ -322,12 +314,12 @@ TEST_F(MatchingWording, CoordinatesPairAsTheRulesSay) {
         const MatchingOptions options = RandomOptions();
         const int nIdent = PlainPairByCoordinate(start, target, ::Run.Etta, options);
         PärchenSuchen(options);
-        ASSERT_EQ(Job.nIdent, nIdent) << round;
+        ASSERT_EQ(Job.Pairs(), nIdent) << round;
         ASSERT_EQ(StartSet(), start) << round;
         ASSERT_EQ(TargetSet(), target) << round;
         MatchByName(start, target);
         if (HasFatalFailure()) FAIL() << "round " << round;
-        ASSERT_EQ(Job.nIdent, nIdent);
+        ASSERT_EQ(Job.Pairs(), nIdent);
     }
 }
 
@@ -407,7 +399,7 @@ TEST_F(MatchingWording, DistancesPairAsTheRulesSay) {
                 targets.push_back(middle(target, c[3], c[4]));
             }
             Fill(starts, targets);
-            Job.nIdent = 3;
+            Job.SetPairs(3);
             Job.SeedIndex = {0, 1, 2, 3};
             Settings.RawScale = 1;
             JobRecord& e = expected;
@@ -436,15 +428,15 @@ TEST_F(MatchingWording, DistancesPairAsTheRulesSay) {
         };
         ASSERT_EQ(parameters(Job), parameters(expected)) << round;
         ASSERT_EQ(Job.SeedIndex, expected.SeedIndex);
-        ASSERT_EQ(Job.nIdent, nIdent);
+        ASSERT_EQ(Job.Pairs(), nIdent);
         ASSERT_EQ(StartSet(), start) << round;
         ASSERT_EQ(TargetSet(), target) << round;
         const std::size_t extra = found.size() < 3 ? 0 : 3;
-        ASSERT_EQ(Job.MCS_X.size(), start.size() + extra);
-        ASSERT_EQ(Job.OCS_Z.size(), target.size() + extra);
+        ASSERT_EQ(Job.Start.X.size(), start.size() + extra);
+        ASSERT_EQ(Job.Target.Z.size(), target.size() + extra);
         MatchByName(start, target);
         if (HasFatalFailure()) FAIL() << "round " << round;
-        ASSERT_EQ(Job.nIdent, nIdent);
+        ASSERT_EQ(Job.Pairs(), nIdent);
     }
     // Each way through the rules has been gone often enough.
     for (const int times : {solved, chosen, tied, cut, unsolved}) EXPECT_GT(times, 20);

@@ -183,8 +183,8 @@ TEST_F(PointFileChecks, PointsBecomeCommasOnASystemWithDecimalComma) {
     Job.PathMCS = Write("start.txt", "A;1.5;2.5;3.5\r\n");
     Job.PathOCS = Write("target.txt", "A;1,5;2,5;3,5\r\n");
     Einlesen_Neu();
-    EXPECT_EQ(Job.MCS_X[1], 1.5);
-    EXPECT_EQ(Job.OCS_Z[1], 3.5);
+    EXPECT_EQ(Job.Start.X[1], 1.5);
+    EXPECT_EQ(Job.Target.Z[1], 3.5);
     EXPECT_EQ(Contents(Job.PathMCS), "A;1,5;2,5;3,5");
 }
 

@@ -31,21 +31,21 @@ protected:
             Einlesen_Neu();
             failed = IsTrue(::Run.ImportFailed);
             if (!failed) {
-                ASSERT_TRUE(JobCountsFit(Job));
+                ASSERT_TRUE(JobIsWhole(Job));
                 MCS_OCS_aufbereiten();
                 failed = IsTrue(::Run.ImportFailed);
             }
             if (!failed) {
                 GetInfoFromData();
                 IdentischePkte_Neu();
-                for (std::size_t i = 1; i <= static_cast<std::size_t>(Job.nIdent); ++i)
-                    ASSERT_EQ(Job.MCS_Name[i], Job.OCS_Name[i]);
+                for (std::size_t i = 1; i <= static_cast<std::size_t>(Job.Pairs()); ++i)
+                    ASSERT_EQ(Job.Start.Name[i], Job.Target.Name[i]);
             }
         } catch (const PlatformError& error) {
             EXPECT_FALSE(error.What.empty());
         }
         EXPECT_TRUE(!failed || !Messages().empty());
-        ASSERT_TRUE(JobCountsFit(Job));
+        ASSERT_TRUE(JobIsWhole(Job));
     }
     std::string Good(const std::string& delimiter, int rows) {
         std::string text;
@@ -133,9 +133,9 @@ TEST_F(PointFileFuzz, LinesOfTenMegabytesEndInAMessageOrInPoints) {
     Import("A;" + digits + ";2;3\r\n", good);
     Import(digits + ";1;2;3\r\n" + good, good);
     Import("A;1;" + std::string(10'000'000, ' ') + "2;3\r\n", good);
-    EXPECT_EQ(Job.MCS_Y[1], 2);
+    EXPECT_EQ(Job.Start.Y[1], 2);
     Import("A;0." + std::string(10'000'000, '1') + ";2;3\r\n", good);
-    EXPECT_NEAR(*Job.MCS_X[1], 1 / 9.0, 1e-15);
+    EXPECT_NEAR(*Job.Start.X[1], 1 / 9.0, 1e-15);
     Import(std::string(10'000'000, ';'), good);
 }
 

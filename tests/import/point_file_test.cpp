@@ -2,6 +2,7 @@
 #include "import/point_file.h"
 
 #include "cli/headless.h"
+#include "core/controller.h"
 #include "core/files.h"
 #include "core/job.h"
 #include "core/platform.h"
@@ -31,25 +32,25 @@ protected:
 };
 
 void ExpectStart(std::size_t i, const std::string& name, double x, double y, double z) {
-    ASSERT_LT(i, Job.MCS_Name.size());
-    EXPECT_EQ(Job.MCS_Name[i], name);
-    EXPECT_EQ(Job.MCS_X[i], x);
-    EXPECT_EQ(Job.MCS_Y[i], y);
-    EXPECT_EQ(Job.MCS_Z[i], z);
+    ASSERT_LT(i, Job.Start.Name.size());
+    EXPECT_EQ(Job.Start.Name[i], name);
+    EXPECT_EQ(Job.Start.X[i], x);
+    EXPECT_EQ(Job.Start.Y[i], y);
+    EXPECT_EQ(Job.Start.Z[i], z);
 }
 
 TEST_F(PointFile, FourColumnsAreNameAndCoordinates) {
     Import("A;1;2;3\r\nB;-4.5;5.25;1E2\r\n", "C;7;8;9\r\n");
     EXPECT_EQ(::Run.ImportFailed, kFalse);
     EXPECT_TRUE(Messages().empty());
-    EXPECT_EQ(Job.nMCS, 2);
-    EXPECT_EQ(Job.nOCS, 1);
+    EXPECT_EQ(Job.Start.Count(), 2);
+    EXPECT_EQ(Job.Target.Count(), 1);
     ExpectStart(1, "A", 1, 2, 3);
     ExpectStart(2, "B", -4.5, 5.25, 100);
-    EXPECT_EQ(Job.OCS_Name[1], "C");
-    EXPECT_EQ(Job.OCS_X[1], 7);
-    EXPECT_EQ(Job.MCS_X[0], std::nullopt);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_EQ(Job.Target.Name[1], "C");
+    EXPECT_EQ(Job.Target.X[1], 7);
+    EXPECT_EQ(Job.Start.X[0], std::nullopt);
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 TEST_F(PointFile, ThreeColumnsAreNumberedAndSaidSo) {
@@ -77,9 +78,9 @@ TEST_F(PointFile, TwoColumnsHaveANameAndMissingCoordinatesOfZero) {
 TEST_F(PointFile, ValuesAreReadInTheChosenLengthUnit) {
     Units.LengthFactor = 1 / 25.4;
     Import("A;1;2;-3\r\n");
-    EXPECT_NEAR(*Job.MCS_X[1], 25.4, 1e-12);
-    EXPECT_NEAR(*Job.MCS_Y[1], 50.8, 1e-12);
-    EXPECT_NEAR(Job.MCS_Z[1], -76.2, 1e-12);
+    EXPECT_NEAR(*Job.Start.X[1], 25.4, 1e-12);
+    EXPECT_NEAR(*Job.Start.Y[1], 50.8, 1e-12);
+    EXPECT_NEAR(Job.Start.Z[1], -76.2, 1e-12);
 }
 
 TEST_F(PointFile, TwoBlanksBesideASemicolonDisturbNothing) {
@@ -95,20 +96,20 @@ TEST_F(PointFile, ABlankEndsAFieldWhateverTheDelimiter) {
 
 TEST_F(PointFile, SeveralLineEndsAreLineEnds) {
     Import("A;1;2;3\rB;4;5;6\nC;7;8;9\r\nD;1;1;1");
-    ASSERT_EQ(Job.nMCS, 4);
+    ASSERT_EQ(Job.Start.Count(), 4);
     ExpectStart(2, "B", 4, 5, 6);
     ExpectStart(4, "D", 1, 1, 1);
 }
 
 TEST_F(PointFile, EmptyLinesAtTheEndGiveNoMessage) {
     Import("A;1;2;3\r\nB;4;5;6\r\n\r\n\r\n\r\n");
-    EXPECT_EQ(Job.nMCS, 2);
+    EXPECT_EQ(Job.Start.Count(), 2);
     EXPECT_TRUE(Messages().empty());
 }
 
 TEST_F(PointFile, EmptyLinesBetweenPointsAreReportedOneByOne) {
     Import("A;1;2;3\r\n\r\n\r\nB;4;5;6\r\n");
-    EXPECT_EQ(Job.nMCS, 2);
+    EXPECT_EQ(Job.Start.Count(), 2);
     ExpectStart(2, "B", 4, 5, 6);
     ASSERT_EQ(Messages().size(), 2u);
     EXPECT_EQ(Messages()[0], "Empty Row in File \r\n" + Job.PathMCS + "\r\n in line 2 will be ignored");
@@ -119,20 +120,20 @@ TEST_F(PointFile, ALineOfOneCharacterLeavesAnUnusedElementAtTheEnd) {
     ::Run.Delimiter = std::string(";");
     // The line holds no delimiter, so the columns of this file change there.
     Import(";1;2\r\n;3;4\r\n");
-    EXPECT_EQ(Job.nMCS, 2);
+    EXPECT_EQ(Job.Start.Count(), 2);
     Import("7\r\n89\r\n");
-    ASSERT_EQ(Job.nMCS, 2);
-    EXPECT_EQ(Job.MCS_Name[1], "89");
-    EXPECT_EQ(Job.MCS_Name[2], "");
-    EXPECT_EQ(Job.MCS_X[2], std::nullopt);
+    ASSERT_EQ(Job.Start.Count(), 2);
+    EXPECT_EQ(Job.Start.Name[1], "89");
+    EXPECT_EQ(Job.Start.Name[2], "");
+    EXPECT_EQ(Job.Start.X[2], std::nullopt);
     EXPECT_EQ(LastMessage(), "Empty Row in File \r\n" + Job.PathMCS + "\r\n in line 1 will be ignored");
 }
 
 TEST_F(PointFile, ALineOfOneUmlautIsOneCharacterInEitherEncoding) {
     ::Run.Delimiter = std::string(";");
     Import("ü\r\nab\r\n", "\xFC\r\nab\r\n");
-    EXPECT_EQ(Job.MCS_Name[1], "ab");
-    EXPECT_EQ(Job.OCS_Name[1], "ab");
+    EXPECT_EQ(Job.Start.Name[1], "ab");
+    EXPECT_EQ(Job.Target.Name[1], "ab");
     EXPECT_EQ(Messages().size(), 2u);
 }
 
@@ -149,7 +150,7 @@ TEST_F(PointFile, ByteOrderMarksAreNoPartOfTheFirstName) {
         "\xFF\xFE"
         "B;1;2;3\r\n");
     ExpectStart(1, "A", 1, 2, 3);
-    EXPECT_EQ(Job.OCS_Name[1], "B");
+    EXPECT_EQ(Job.Target.Name[1], "B");
 }
 
 TEST_F(PointFile, AMissingStartFileIsNamed) {
@@ -170,15 +171,15 @@ TEST_F(PointFile, AMissingTargetFileLeavesTheStartPointsRead) {
     Job.PathOCS = folder_;  // a folder is no file
     Einlesen_Neu();
     EXPECT_EQ(::Run.ImportFailed, kTrue);
-    EXPECT_EQ(Job.nMCS, 1);
+    EXPECT_EQ(Job.Start.Count(), 1);
     ExpectStart(1, "A", 1, 2, 3);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 TEST_F(PointFile, AFieldThatIsNoNumberEndsTheStartFile) {
     EXPECT_EQ(ErrorOf("A;1;2;3\r\nB;4;x5;6\r\n"),
               "Cannot read \"" + PathOf("start.txt") + "\", line 2: \"x5\" is not a number");
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
     ExpectStart(1, "A", 1, 2, 3);
 }
 
@@ -195,17 +196,17 @@ TEST_F(PointFile, DecimalsOfAnyLengthAreRoundedCorrectly) {
     for (const char* text : {"0.1", "123.4567", "-999999999999999", "0.000000000000001", "9007199254740993",
                              "1234567.89012345", "0.30000000000000004", "12345678.9012345678"}) {
         Import(std::string("A;") + text + ";0;0\r\n");
-        EXPECT_EQ(*Job.MCS_X[1], std::strtod(text, nullptr)) << text;
+        EXPECT_EQ(*Job.Start.X[1], std::strtod(text, nullptr)) << text;
     }
 }
 
 TEST_F(PointFile, AFieldThatIsNoNumberLeavesATargetValueWithoutNumber) {
     Import("A;1;2;3\r\n", "A;1;y;z\r\nB;4;5;6\r\n");
     EXPECT_EQ(::Run.ImportFailed, kFalse);
-    EXPECT_EQ(Job.OCS_X[1], 1);
-    EXPECT_EQ(Job.OCS_Y[1], std::nullopt);
-    EXPECT_EQ(Job.OCS_Z[1], 0);
-    EXPECT_EQ(Job.OCS_Z[2], 6);
+    EXPECT_EQ(Job.Target.X[1], 1);
+    EXPECT_EQ(Job.Target.Y[1], std::nullopt);
+    EXPECT_EQ(Job.Target.Z[1], 0);
+    EXPECT_EQ(Job.Target.Z[2], 6);
 }
 
 TEST_F(PointFile, NumbersThatTheUnitTakesBeyondAnyValueAreNoNumbers) {
@@ -213,9 +214,9 @@ TEST_F(PointFile, NumbersThatTheUnitTakesBeyondAnyValueAreNoNumbers) {
     EXPECT_EQ(ErrorOf("A;1;2;1e307\r\n"),
               "Cannot read \"" + PathOf("start.txt") + "\", line 1: \"1e307\" is not a number");
     Import("A;1;2;3\r\n", "A;1e307;2;1e307\r\n");
-    EXPECT_EQ(Job.OCS_X[1], std::nullopt);
-    EXPECT_EQ(Job.OCS_Y[1], 2000);
-    EXPECT_EQ(Job.OCS_Z[1], 0);
+    EXPECT_EQ(Job.Target.X[1], std::nullopt);
+    EXPECT_EQ(Job.Target.Y[1], 2000);
+    EXPECT_EQ(Job.Target.Z[1], 0);
 }
 
 TEST_F(PointFile, AFileWithoutPointsIsRefusedAlsoWithTheDelimiterOfAnEarlierFile) {
@@ -224,7 +225,7 @@ TEST_F(PointFile, AFileWithoutPointsIsRefusedAlsoWithTheDelimiterOfAnEarlierFile
         EXPECT_EQ(ErrorOf("A;1;2;3\r\n", nothing),
                   "Cannot read \"" + PathOf("target.txt") + "\": there is no point in it");
         EXPECT_EQ(ErrorOf(nothing), "Cannot read \"" + PathOf("start.txt") + "\": there is no point in it");
-        EXPECT_TRUE(JobCountsFit(Job));
+        EXPECT_TRUE(JobIsWhole(Job));
     }
 }
 
@@ -243,7 +244,7 @@ TEST_F(PointFile, ASixteenBitTextIsRefusedInEitherSet) {
     for (const std::string& bytes : {wide(text, true), text + std::string("B;4;5;\0\r\n", 9)})
         EXPECT_NE(ErrorOf(text, bytes).find(": it is no text, it holds characters of code 0"),
                   std::string::npos);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 TEST_F(PointFile, AParaboloidTakesTheStartPointsAsTarget) {
@@ -252,17 +253,28 @@ TEST_F(PointFile, AParaboloidTakesTheStartPointsAsTarget) {
     Job.PathMCS = Write("start.txt", "A;1;2;3\r\nB;4;5;6\r\n");
     Einlesen_Neu();
     EXPECT_TRUE(Messages().empty());
-    EXPECT_EQ(Job.OCS_Name, Job.MCS_Name);
-    EXPECT_EQ(Job.OCS_Y, Job.MCS_Y);
-    EXPECT_EQ(Job.nOCS, 2);
+    EXPECT_EQ(Job.Target.Name, Job.Start.Name);
+    EXPECT_EQ(Job.Target.Y, Job.Start.Y);
+    EXPECT_EQ(Job.Target.Count(), 2);
 }
 
 TEST_F(PointFile, APreviousJobsPairsAreForgotten) {
-    Job.nMCS = Job.nOCS = Job.nIdent = 50;
+    for (PointSet* points : {&Job.Start, &Job.Target}) points->Resize(50);
+    Job.SetPairs(50);
     Import("A;1;2;3\r\n");
-    EXPECT_EQ(Job.nIdent, 0);
-    EXPECT_EQ(Job.nMCSOnly, 1);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_EQ(Job.Pairs(), 0);
+    EXPECT_EQ(Job.StartOnly(), 1);
+    EXPECT_TRUE(JobIsWhole(Job));
+}
+
+TEST_F(PointFile, WhatAFailedReadingLeavesOfAClosedJobCounts) {
+    Import("A;1;2;3\r\n", "Y;1;1;1\r\nZ;1;1;1\r\n");
+    Initialisieren();
+    EXPECT_EQ(Job.Target.Count(), 0);
+    EXPECT_THROW(Import("A;1;2;3\r\nB;x;5;6\r\n"), PlatformError);
+    EXPECT_EQ(Job.Start.Count(), 2);
+    EXPECT_EQ(Job.Target.Count(), 2);
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 TEST_F(PointFile, MorePointsFollowTheOldOnesWithPrefixOrSuffix) {
@@ -270,22 +282,22 @@ TEST_F(PointFile, MorePointsFollowTheOldOnesWithPrefixOrSuffix) {
     EXPECT_TRUE(ReadMorePoints(Write("more.txt", "B;4;5;6\r\nC;7;8;9\r\n"), "x_", ""));
     EXPECT_TRUE(ReadMorePoints(Write("more.txt", "B;4;5;6\r\n"), "", "_y"));
     EXPECT_TRUE(ReadMorePoints(Write("more.txt", "4;5;6\r\n"), "", ""));
-    ASSERT_EQ(Job.nMCS, 5);
+    ASSERT_EQ(Job.Start.Count(), 5);
     ExpectStart(2, "x_B", 4, 5, 6);
     ExpectStart(3, "x_C", 7, 8, 9);
     ExpectStart(4, "B_y", 4, 5, 6);
     ExpectStart(5, "1", 4, 5, 6);
-    EXPECT_EQ(Job.TMCS_Name[2], "x_B");
-    EXPECT_EQ(Job.TMCS_Name[5], "1");
-    EXPECT_EQ(Job.TMCS_X[4], 4);
-    EXPECT_EQ(Job.nMCSOnly, 5);
-    EXPECT_TRUE(JobCountsFit(Job));
+    EXPECT_EQ(Job.Transformed.Name[2], "x_B");
+    EXPECT_EQ(Job.Transformed.Name[5], "1");
+    EXPECT_EQ(Job.Transformed.X[4], 4);
+    EXPECT_EQ(Job.StartOnly(), 5);
+    EXPECT_TRUE(JobIsWhole(Job));
 }
 
 TEST_F(PointFile, MorePointsFollowTheLastNameWhereCoordinatesAreLonger) {
     Import("A;1;2;3\r\n");
-    for (auto* column : {&Job.MCS_X, &Job.MCS_Y}) column->resize(5, 99.0);
-    Job.MCS_Z.resize(5, 99);
+    Job.Start.SpareCoordinates(3);
+    for (int i = 2; i < 5; ++i) Job.Start.SetPoint(i, 99, 99, 99);
     EXPECT_TRUE(ReadMorePoints(Write("more.txt", "B;4;5;6\r\n"), "", ""));
     ExpectStart(2, "B", 4, 5, 6);
 }
@@ -294,20 +306,21 @@ TEST_F(PointFile, MorePointsThatCannotBeReadLeaveTheJobAlone) {
     Import("A;1;2;3\r\n");
     EXPECT_THROW(ReadMorePoints(Write("more.txt", "B;4;5;6\r\nC;x;1;1\r\n"), "", ""), PlatformError);
     EXPECT_FALSE(ReadMorePoints(Write("more.txt", "B;4;5;6\r\nC;1;1\r\n"), "", ""));
-    EXPECT_EQ(Job.nMCS, 1);
-    EXPECT_EQ(Job.MCS_Name.size(), 2u);
+    EXPECT_EQ(Job.Start.Count(), 1);
+    EXPECT_EQ(Job.Start.Name.size(), 2u);
 }
 
 TEST_F(PointFile, ARewrittenFileHoldsMillimetresAndKeepsABackup) {
     Import("A;1;2;3\r\nB;4;5;6\r\n");
     ::Run.Delimiter = std::string(";");
     Units.LengthFactor = 0.001;
-    Job.MCS_Name = {"", "A=1", "Ä"};
-    Job.MCS_X[2] = 0.1;
-    RewritePointFile(Job.PathMCS, Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z);
+    Job.Start.Name[1] = "A=1";
+    Job.Start.Name[2] = "Ä";
+    Job.Start.X[2] = 0.1;
+    RewritePointFile(Job.PathMCS, Job.Start.Name, Job.Start.X, Job.Start.Y, Job.Start.Z);
     EXPECT_EQ(Contents(Job.PathMCS), "A=1;1;2;3\r\n\xC4;0.1;5;6\r\n");
     EXPECT_EQ(Contents(Job.PathMCS + ".$"), "A;1;2;3\r\nB;4;5;6\r\n");
-    RewritePointFile(Job.PathMCS, Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z);
+    RewritePointFile(Job.PathMCS, Job.Start.Name, Job.Start.X, Job.Start.Y, Job.Start.Z);
     EXPECT_EQ(Contents(Job.PathMCS + ".$.$"), "A=1;1;2;3\r\n\xC4;0.1;5;6\r\n");
     EXPECT_EQ(Contents(Job.PathMCS + ".$"), "A;1;2;3\r\nB;4;5;6\r\n");
 }
@@ -315,7 +328,7 @@ TEST_F(PointFile, ARewrittenFileHoldsMillimetresAndKeepsABackup) {
 TEST_F(PointFile, ARewrittenFileHasTheSystemsDecimalDelimiter) {
     Headless.Decimal = ',';
     Import("A;1,5;2;3\r\n");
-    RewritePointFile(Job.PathMCS, Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z);
+    RewritePointFile(Job.PathMCS, Job.Start.Name, Job.Start.X, Job.Start.Y, Job.Start.Z);
     EXPECT_EQ(Contents(Job.PathMCS), "A;1,5;2;3\r\n");
 }
 
@@ -325,7 +338,7 @@ TEST_F(PointFile, ARewriteThatTheDiskRefusesPutsTheOldFileBack) {
         FileFaults.Refuse = [&](const std::string& operation, const std::string&) {
             return operation == refused ? std::string("disk full") : std::string();
         };
-        EXPECT_THROW(RewritePointFile(Job.PathMCS, Job.MCS_Name, Job.MCS_X, Job.MCS_Y, Job.MCS_Z),
+        EXPECT_THROW(RewritePointFile(Job.PathMCS, Job.Start.Name, Job.Start.X, Job.Start.Y, Job.Start.Z),
                      PlatformError);
         FileFaults.Refuse = nullptr;
         EXPECT_EQ(Contents(Job.PathMCS), "A;1;2;3\r\n") << refused;

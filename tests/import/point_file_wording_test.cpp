@@ -282,10 +282,10 @@ protected:
         if (!started && !::Run.Delimiter.empty()) out.Delimiter = ::Run.Delimiter;
         out.Messages = Messages();
         out.File = Contents(at.Path);
-        if (Job.MCS_Name.size() > 1) {
-            out.Name = Job.MCS_Name;
-            out.X = Job.MCS_X;
-            out.Z = Job.MCS_Z;
+        if (Job.Start.Name.size() > 1) {
+            out.Name = Job.Start.Name;
+            out.X = Job.Start.X;
+            out.Z = Job.Start.Z;
         }
         return out;
     }

@@ -21,7 +21,7 @@ protected:
     void Read(PoseReader reader, const std::string& content) const {
         ::Run.ImportFailed = kFalse;
         reader({Write("poses.txt", CrLf(content))});
-        EXPECT_TRUE(JobCountsFit(Job));
+        EXPECT_TRUE(JobIsWhole(Job));
     }
     std::string Error(PoseReader reader, const std::string& content) const {
         std::string what;
@@ -30,7 +30,7 @@ protected:
         } catch (const PlatformError& error) {
             what = error.What;
         }
-        EXPECT_TRUE(JobCountsFit(Job));
+        EXPECT_TRUE(JobIsWhole(Job));
         return what;
     }
     std::string In(int line) const {
@@ -47,11 +47,11 @@ TEST_F(PoseTexts, AnglesKeepTheirNamesAndTheirOrder) {
     Read(EinlesenXYZABC, "P1;1.5;2;3;10.5;-20;30\n\nTip 2;-4;5;6;11;21;31;further\nP3;7;8;9;12;22;32\n");
     EXPECT_EQ(::Run.ImportFailed, kTrue) << "the column behind the angles is in one line alone";
     Read(EinlesenXYZABC, "P1;1.5;2;3;10.5;-20;30\n\nTip-2;-4;5;6;11;21;31\nP3;7;8;9;12;22;32\n");
-    EXPECT_EQ(Job.OCS_Name, (std::vector<std::string>{"", "P1", "Tip-2", "P3"}));
-    EXPECT_EQ(Job.nOCS, 3);
-    EXPECT_EQ(Job.OCS_X[1], 1.5);
-    EXPECT_EQ(Job.OCS_Y[2], 5);
-    EXPECT_EQ(Job.OCS_Z[3], 9);
+    EXPECT_EQ(Job.Target.Name, (std::vector<std::string>{"", "P1", "Tip-2", "P3"}));
+    EXPECT_EQ(Job.Target.Count(), 3);
+    EXPECT_EQ(Job.Target.X[1], 1.5);
+    EXPECT_EQ(Job.Target.Y[2], 5);
+    EXPECT_EQ(Job.Target.Z[3], 9);
     ExpectAngle(1, 1, 10.5);
     ExpectAngle(1, 2, -20);
     ExpectAngle(3, 3, 32);
@@ -66,8 +66,8 @@ TEST_F(PoseTexts, QuaternionsBecomeAnglesWhateverTheUnit) {
     RhoFestlegung();
     Read(EinlesenABB,
          "A;1;2;3;0.923879532511287;0;0;0.38268343236509\nB;4;5;6;0.965925826289068;0;0.258819045102521;0\n");
-    EXPECT_EQ(Job.OCS_Name, (std::vector<std::string>{"", "A", "B"}));
-    EXPECT_NEAR(*Job.OCS_X[1], 1000, 1e-9);
+    EXPECT_EQ(Job.Target.Name, (std::vector<std::string>{"", "A", "B"}));
+    EXPECT_NEAR(*Job.Target.X[1], 1000, 1e-9);
     ExpectAngle(1, 1, 45);
     ExpectAngle(1, 2, 0);
     ExpectAngle(2, 2, 30);
@@ -104,13 +104,13 @@ TEST_F(PoseTexts, NumbersAreReadByThePlainConversionWhateverTheSystem) {
 TEST_F(PoseTexts, AFileInTheSystemsFormWithCommaIsNotCutAtTheComma) {
     Headless.Decimal = ',';
     Read(EinlesenXYZABC, "P1;1,5;2,25;3;10,5;0;0\n");
-    EXPECT_EQ(Job.OCS_X[1], 1.5);
+    EXPECT_EQ(Job.Target.X[1], 1.5);
     ExpectAngle(1, 1, 10.5);
     // The other form brings up the question of every point file, and Yes turns it into this one.
     Headless.Answers["message"].emplace_back("Yes");
     Read(EinlesenXYZABC, "P1;1.5;2.25;3;10.5;0;0\n");
     EXPECT_EQ(Contents(PathOf("poses.txt")), "P1;1,5;2,25;3;10,5;0;0");
-    EXPECT_EQ(Job.OCS_Y[1], 2.25);
+    EXPECT_EQ(Job.Target.Y[1], 2.25);
     ExpectAngle(1, 1, 10.5);
 }
 
@@ -120,7 +120,7 @@ TEST_F(PoseTexts, AFileThatFailsItsCheckLeavesTheJobAsItWas) {
         Headless.Answers["message"].emplace_back("No");
         Read(reader, "Q1;1,5;2;3;4;5;6;7\n");
         EXPECT_EQ(::Run.ImportFailed, kTrue);
-        EXPECT_EQ(Job.OCS_Name[1], "P1");
+        EXPECT_EQ(Job.Target.Name[1], "P1");
         EXPECT_EQ(Job.RobotABC.Rows, 1);
         Headless.Answers.clear();
     }
@@ -129,7 +129,7 @@ TEST_F(PoseTexts, AFileThatFailsItsCheckLeavesTheJobAsItWas) {
 TEST_F(PoseTexts, ALineWithTooFewNumbersIsNamedWithItsText) {
     EXPECT_EQ(Error(EinlesenXYZABC, "P1;1;2;3;4;5;6\n\nP2;1;2;3;4;5;\n"),
               In(3) + "a name and 6 numbers are expected in \"P2;1;2;3;4;5;\"");
-    EXPECT_EQ(Job.OCS_Name, (std::vector<std::string>{"", "P1", ""}));
+    EXPECT_EQ(Job.Target.Name, (std::vector<std::string>{"", "P1", ""}));
     EXPECT_EQ(Error(EinlesenABB, "P1;1;2;3;4;5;6\n"),
               In(1) + "a name and 7 numbers are expected in \"P1;1;2;3;4;5;6\"");
     Headless.Dialogs.clear();
@@ -154,7 +154,7 @@ TEST_F(PoseTexts, AQuaternionThatTurnsNothingIsAnError) {
 
 TEST_F(PoseTexts, EmptyRowsAreNotedUnlessTheyEndTheFile) {
     Read(EinlesenXYZABC, "P1;1;2;3;4;5;6\n\n\nP2;1;2;3;4;5;6\n\n");
-    EXPECT_EQ(Job.nOCS, 2);
+    EXPECT_EQ(Job.Target.Count(), 2);
     ASSERT_EQ(Notes.List.size(), 1u);
     EXPECT_EQ(Notes.List[0].Code, NoteCode::EmptyRow);
     EXPECT_EQ(Notes.List[0].Line, 2);
@@ -173,9 +173,9 @@ TEST_F(PoseTexts, NotesNameThePointAndTheField) {
 
 TEST_F(PoseTexts, BlanksAndTabsDivideAsInPointFiles) {
     Read(EinlesenXYZABC, "P1\t1\t2\t3\t4\t5\t6\r\nP2\t1\t2\t3\t4\t5\t6\n");
-    EXPECT_EQ(Job.nOCS, 2);
+    EXPECT_EQ(Job.Target.Count(), 2);
     Run.Delimiter = " ";
     Read(EinlesenXYZABC, "P1 1 2 3 4 5 6\nP2 1 2 3 4 5 7\n");
-    EXPECT_EQ(Job.nOCS, 2);
+    EXPECT_EQ(Job.Target.Count(), 2);
     ExpectAngle(2, 3, 7);
 }

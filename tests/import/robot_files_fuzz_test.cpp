@@ -50,13 +50,13 @@ protected:
         } else {
             UserClick(InputFiles.BtnApply);
         }
-        ASSERT_TRUE(JobCountsFit(Job));
+        ASSERT_TRUE(JobIsWhole(Job));
         ASSERT_TRUE(IsTrue(::Run.JobDataValid) || !Messages().empty());
         ASSERT_EQ(::Run.WaitPointers, 0);
         ASSERT_EQ(Job.PathOCS, InputFiles.TextNameOCS.Text);
         if (IsTrue(::Run.JobDataValid)) {
             ++imported_;
-            ASSERT_EQ(Job.RobotABC.Rows, Job.nOCS);
+            ASSERT_EQ(Job.RobotABC.Rows, Job.Target.Count());
             for (const double angle : Job.RobotABC.Elements) ASSERT_TRUE(std::isfinite(angle));
             for (const double span : {::Run.SpanA, ::Run.SpanB, ::Run.SpanC}) ASSERT_GE(span, 0);
         }

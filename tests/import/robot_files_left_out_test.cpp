@@ -37,7 +37,7 @@ TEST_F(RobotFiles, ASecondPoseInALineIsNotedWithItsLine) {
     ForgetNotes();
     const std::string target = kTurned.substr(0, kTurned.find('\n'));
     Abb("MODULE M\n" + target + " " + target + "\n" + kTurned + "ENDMODULE\n");
-    EXPECT_EQ(Job.nOCS, 2);
+    EXPECT_EQ(Job.Target.Count(), 2);
     ASSERT_EQ(Notes.List.size(), 1u);
     EXPECT_EQ(Notes.List[0].Code, NoteCode::PosesSkipped);
     EXPECT_EQ(Notes.List[0].Line, 2);
@@ -64,7 +64,7 @@ TEST_F(RobotFiles, DigitsThatTheColumnsCutAreNoted) {
 TEST_F(RobotFiles, WhatAModuleHasOfOtherTypesIsTakenWithAWarning) {
     Abb("MODULE M\n  PERS tooldata t:=[TRUE,[[1,2,3],[1,0,0,0]],[1,[0,0,1],[1,0,0,0],0,0,0]];\n  ! " +
         kTurned + kTurned + "ENDMODULE\n");
-    EXPECT_EQ(Job.nOCS, 3);
+    EXPECT_EQ(Job.Target.Count(), 3);
     ASSERT_EQ(Notes.List.size(), 1u);
     EXPECT_EQ(Notes.List[0].Code, NoteCode::PosesDoubtful);
     EXPECT_EQ(Notes.List[0].Line, 2);
@@ -84,7 +84,7 @@ TEST_F(RobotFiles, TargetsBehindTheFirstBlockAreNoted) {
     for (const std::string end : {"ENDMODULE\nMODULE N\n", "\n\n"}) {
         ForgetNotes();
         Abb("MODULE M\n" + kTurned + end + kTurned + kTurned + "ENDMODULE\n");
-        EXPECT_EQ(Job.nOCS, 1);
+        EXPECT_EQ(Job.Target.Count(), 1);
         ASSERT_EQ(Notes.List.size(), 1u);
         EXPECT_EQ(Notes.List[0].Code, NoteCode::PosesSkipped);
         EXPECT_EQ(Notes.List[0].Line, 5);
@@ -96,7 +96,7 @@ TEST_F(RobotFiles, ATargetThatAFunctionIsGivenIsTakenWithAWarning) {
     std::string moved = kTurned.substr(kTurned.find("[["));
     moved = "  MoveL Offs(" + moved.substr(0, moved.find(';')) + ",0,0,250),v100,fine,t;\n";
     Abb("MODULE M\n" + kTurned + moved + "ENDMODULE\n");
-    EXPECT_EQ(Job.nOCS, 2);
+    EXPECT_EQ(Job.Target.Count(), 2);
     ASSERT_EQ(Notes.List.size(), 1u);
     EXPECT_EQ(Notes.List[0].Code, NoteCode::PosesDoubtful);
     EXPECT_EQ(Notes.List[0].Line, 3);
@@ -107,7 +107,7 @@ TEST_F(RobotFiles, ATargetWhoseBracketsAreDividedIsNoted) {
     std::string divided = kTurned;
     divided.insert(divided.find("[[") + 1, "\n");
     Abb("MODULE M\n" + kTurned + divided + "ENDMODULE\n");
-    EXPECT_EQ(Job.nOCS, 1);
+    EXPECT_EQ(Job.Target.Count(), 1);
     ASSERT_EQ(Notes.List.size(), 1u);
     EXPECT_EQ(Notes.List[0].Code, NoteCode::PosesSkipped);
     EXPECT_EQ(Notes.List[0].Line, 3);

@@ -6,8 +6,8 @@
 TEST_F(RobotFiles, DeclaredPosesHaveNumbersAsNamesAndTheirAnglesInTheColumnsZYX) {
     Kuka("&ACCESS RVP\nDEFDAT  CALIB PUBLIC\n\n" + kFirst + "DECL FDAT FP1={TOOL_NO 0,BASE_NO 0}\n" +
          kSecond + "ENDDAT\n");
-    EXPECT_EQ(Job.OCS_Name, (std::vector<std::string>{"", "1", "2"}));
-    EXPECT_EQ(Job.nOCS, 2);
+    EXPECT_EQ(Job.Target.Name, (std::vector<std::string>{"", "1", "2"}));
+    EXPECT_EQ(Job.Target.Count(), 2);
     EXPECT_EQ(Position(1), (Row{1.5, -2.25, 3}));
     EXPECT_EQ(Position(2), (Row{4, 5, 6}));
     ExpectAngles(1, {10.5, -20, 30.25});
@@ -15,7 +15,7 @@ TEST_F(RobotFiles, DeclaredPosesHaveNumbersAsNamesAndTheirAnglesInTheColumnsZYX)
     EXPECT_NEAR(Run.SpanA, 159.5 * kDegree, kRoundings);
     EXPECT_NEAR(Run.SpanB, 60 * kDegree, kRoundings);
     EXPECT_NEAR(Run.SpanC, 80.25 * kDegree, kRoundings);
-    EXPECT_FALSE(Job.OCS_X[0]) << "element 0 stays empty";
+    EXPECT_FALSE(Job.Target.X[0]) << "element 0 stays empty";
     EXPECT_TRUE(Messages().empty());
 }
 
@@ -24,8 +24,8 @@ TEST_F(RobotFiles, ValuesAreInTheUnitsThatAreChosen) {
     Job.AngleUnitName = "grad (gon)";
     RhoFestlegung();
     Kuka(kFirst + kSecond + "ENDDAT\n");
-    EXPECT_NEAR(*Job.OCS_X[1], 1500, 1e-9);
-    EXPECT_NEAR(Job.OCS_Z[2], 6000, 1e-9);
+    EXPECT_NEAR(*Job.Target.X[1], 1500, 1e-9);
+    EXPECT_NEAR(Job.Target.Z[2], 6000, 1e-9);
     ExpectAngles(1, {9.45, -18, 27.225});
     EXPECT_NEAR(Run.SpanA, 159.5 * 0.9 * kDegree, kRoundings);
 }
@@ -34,7 +34,7 @@ TEST_F(RobotFiles, BothFormsOfADeclarationMixInOneFile) {
     Kuka(kFirst + "DECL#E6POS#XP2={X#4,Y#5.5,Z#6,A#170,B#40,C#-50,S#2,T#35}\n" +
          KukaLine("XP3", "X 7,Y 8,Z 9,A 1,B 2,C 3") +
          "DECL#E6POS#XP4={X#-1,Y#-2,Z#-3,A#0.1,B#0.2,C#0.3, S#2,T#35}\nENDDAT\n");
-    ASSERT_EQ(Job.nOCS, 4);
+    ASSERT_EQ(Job.Target.Count(), 4);
     EXPECT_EQ(Position(2), (Row{4, 5.5, 6}));
     EXPECT_EQ(Position(3), (Row{7, 8, 9}));
     EXPECT_EQ(Position(4), (Row{-1, -2, -3}));
@@ -52,7 +52,7 @@ TEST_F(RobotFiles, ABlankMayStandBeforeTheStatusAlone) {
 TEST_F(RobotFiles, MoreMarksThanDeclarationsLeaveRowsOfZeroAtTheEnd) {
     Kuka("DECL FRAME HOME={X 9,Y 9,Z 9,A 9,B 9,C 9}\n" + kFirst + kSecond +
          "GLOBAL E6POS XP7={X 9,Y 9,Z 9,A 9,B 9,C 9,S 2,T 35}\nENDDAT\n");
-    EXPECT_EQ(Job.nOCS, 4);
+    EXPECT_EQ(Job.Target.Count(), 4);
     EXPECT_EQ(Position(2), (Row{4, 5, 6}));
     ExpectNoPose(3);
     ExpectNoPose(4);
@@ -61,7 +61,7 @@ TEST_F(RobotFiles, MoreMarksThanDeclarationsLeaveRowsOfZeroAtTheEnd) {
 
 TEST_F(RobotFiles, MarksCountAcrossLineEndsToo) {
     Kuka(kFirst + "! {\nX\nENDDAT\n");
-    EXPECT_EQ(Job.nOCS, 2);
+    EXPECT_EQ(Job.Target.Count(), 2);
     ExpectNoPose(2);
 }
 
@@ -70,11 +70,11 @@ TEST_F(RobotFiles, APoseInTheVeryLastLineIsNotTaken) {
         std::string second = kSecond;
         second.pop_back();
         Kuka(kFirst + second + end);
-        EXPECT_EQ(Job.nOCS, 2);
-        EXPECT_EQ(Job.OCS_Name[1], "1");
+        EXPECT_EQ(Job.Target.Count(), 2);
+        EXPECT_EQ(Job.Target.Name[1], "1");
         ExpectNoPose(2);
         Kuka(second + end);
-        EXPECT_EQ(Job.nOCS, 1);
+        EXPECT_EQ(Job.Target.Count(), 1);
         ExpectNoPose(1);
         EXPECT_EQ(Run.SpanA, 0);
     }
@@ -84,7 +84,7 @@ TEST_F(RobotFiles, APoseInTheVeryLastLineIsNotTaken) {
 
 TEST_F(RobotFiles, DeclarationsBeginAtTheBeginningOfTheirLine) {
     Kuka(" " + kFirst + kSecond + "ENDDAT\n");
-    EXPECT_EQ(Job.nOCS, 2);
+    EXPECT_EQ(Job.Target.Count(), 2);
     EXPECT_EQ(Position(1), (Row{4, 5, 6}));
     ExpectNoPose(2);
 }
@@ -143,7 +143,7 @@ TEST_F(RobotFiles, AFileWithoutAPoseIsAnErrorAndTheJobStaysAsItWas) {
             EXPECT_EQ(Error(reader, content),
                       "Cannot read \"" + PathOf("program.txt") + "\": there is no pose in it");
     }
-    EXPECT_EQ(Job.OCS_Name, before.OCS_Name);
+    EXPECT_EQ(Job.Target.Name, before.Target.Name);
     EXPECT_EQ(Job.RobotABC.Elements, before.RobotABC.Elements);
 }
 
@@ -152,7 +152,7 @@ TEST_F(RobotFiles, AFileOfMarksAloneTakesNoMemoryForTheirPoses) {
     for (int i = 0; i < 200000; ++i) marks += "{X";
     EXPECT_NE(Error(EinlesenKUKAdatDatei, kFirst + marks + "\n").find("it announces 200001 poses"),
               std::string::npos);
-    EXPECT_EQ(Job.nOCS, 0);
+    EXPECT_EQ(Job.Target.Count(), 0);
 }
 
 // --- Fixed columns ----------------------------------------------------------------------------------------
@@ -160,7 +160,7 @@ TEST_F(RobotFiles, AFileOfMarksAloneTakesNoMemoryForTheirPoses) {
 TEST_F(RobotFiles, PosesInColumnsHaveTheirAnglesInTheOrderRPW) {
     Fanuc(kFanucHead + FanucPose(1, {1234.5, -20.25, 600.125}, {-170, 15.5, 90.001}) +
           FanucPose(2, {-1, 2, -3}, {4, 5, 6}) + "/END\n");
-    EXPECT_EQ(Job.OCS_Name, (std::vector<std::string>{"", "1", "2"}));
+    EXPECT_EQ(Job.Target.Name, (std::vector<std::string>{"", "1", "2"}));
     EXPECT_EQ(Position(1), (Row{1234.5, -20.25, 600.125}));
     EXPECT_EQ(Position(2), (Row{-1, 2, -3}));
     ExpectAngles(1, {90.001, 15.5, -170});
@@ -214,7 +214,7 @@ TEST_F(RobotFiles, ASectionOfPosesEndsAtItsEndOrAtTheEndOfTheFile) {
     Fanuc(kFanucHead + pose);
     EXPECT_EQ(Position(1), (Row{1, 2, 3}));
     Fanuc(kFanucHead + pose + "/END\n" + FanucPose(2, {4, 5, 6}, {7, 8, 9}));
-    EXPECT_EQ(Job.nOCS, 2);
+    EXPECT_EQ(Job.Target.Count(), 2);
     ExpectNoPose(2);
     const std::string cut = kFanucHead + pose.substr(0, pose.find("};"));
     EXPECT_EQ(FanucError(cut), In(11) + "the file ends here, inside its poses");
@@ -246,8 +246,8 @@ TEST_F(RobotFiles, TargetsOfAModuleTurnAsTheirQuaternionsDo) {
         Target("p2", "1,2,3", q(c30, 0, s30, 0)) +
         Target("p3", "4,5,6", q(c45 * c30, -s45 * s30, c45 * s30, s45 * c30)) +
         Target("p4", "7,8,9", "0,1,0,0") + "ENDMODULE\n" + kTurned);
-    ASSERT_EQ(Job.nOCS, 4);
-    EXPECT_EQ(Job.OCS_Name, (std::vector<std::string>{"", "1", "2", "3", "4"}));
+    ASSERT_EQ(Job.Target.Count(), 4);
+    EXPECT_EQ(Job.Target.Name, (std::vector<std::string>{"", "1", "2", "3", "4"}));
     EXPECT_EQ(Position(1), (Row{100.5, -200, 300.25}));
     const Row expected[] = {{45, 0, 0}, {0, 30, 0}, {45, 30, 0}};
     for (int i = 1; i <= 3; ++i)
@@ -261,7 +261,7 @@ TEST_F(RobotFiles, TargetsOfAModuleTurnAsTheirQuaternionsDo) {
 
 TEST_F(RobotFiles, OfTwoBlocksTheFirstAloneIsImportedWithItsMessage) {
     Abb("MODULE Calib\n\n" + kTurned + "  ! a comment\n" + kTurned + "\n" + kTurned + "ENDMODULE\n");
-    EXPECT_EQ(Job.nOCS, 2);
+    EXPECT_EQ(Job.Target.Count(), 2);
     EXPECT_EQ(Messages(), std::vector<std::string>{
                               "myabe there are more than one Block in the File - only importing the First "
                               "block in file with 2 Points"});
@@ -271,13 +271,13 @@ TEST_F(RobotFiles, ABlockEndsAtAnEmptyLineAndAModuleAtItsLastWordAlone) {
     // Blanks are something, and so is a remark.
     Abb("MODULE Calib\n" + kTurned + "  \n" + kTurned + "\t\n" + kTurned + "ENDMODULE ! of three\n" +
         kTurned + " ENDMODULE\n" + kTurned + "ENDMODULE\n" + kTurned);
-    EXPECT_EQ(Job.nOCS, 5);
+    EXPECT_EQ(Job.Target.Count(), 5);
     EXPECT_TRUE(Messages().empty());
 }
 
 TEST_F(RobotFiles, AModuleWithoutItsEndIsReadToTheEndOfTheFile) {
     Abb(kTurned + kTurned);
-    EXPECT_EQ(Job.nOCS, 2);
+    EXPECT_EQ(Job.Target.Count(), 2);
     EXPECT_TRUE(Messages().empty());
 }
 
@@ -316,7 +316,7 @@ TEST_F(RobotFiles, OrientationsThatTheFormulaLosesAreThoseOfTheRotation) {
         module += Target("p", "1,2,3", text.data());
     }
     Abb(module + "ENDMODULE\n");
-    ASSERT_EQ(Job.nOCS, 6);
+    ASSERT_EQ(Job.Target.Count(), 6);
     for (std::size_t i = 0; i < q.size(); ++i) {
         // The columns of the quaternion's matrix are the images of the unit vectors under Rz(A) Ry(B) Rx(C).
         auto [w, x, y, z] = q[i];

@@ -303,22 +303,23 @@ protected:
             const std::string rest = error.What.substr(head.size());
             out.Error = rest.starts_with(", line ") ? std::stoi(rest.substr(7)) : 0;
         }
-        EXPECT_TRUE(JobCountsFit(Job));
-        if (Job.RobotABC.Rows >= 0) out.Places = Job.nOCS;
+        EXPECT_TRUE(JobIsWhole(Job));
+        if (Job.RobotABC.Rows >= 0) out.Places = Job.Target.Count();
         out.Messages = Messages();
         for (const Note& note : Notes.List)
             if (note.Code == NoteCode::AnglesOfPose)
                 out.Messages.push_back("lost " + std::to_string(note.Count));
-        for (int i = 1; i <= Job.nOCS; ++i) {
+        for (int i = 1; i <= Job.Target.Count(); ++i) {
             const auto k = static_cast<std::size_t>(i);
-            if (Job.OCS_Name[k].empty()) {
-                EXPECT_FALSE(Job.OCS_X[k]);
+            if (Job.Target.Name[k].empty()) {
+                EXPECT_FALSE(Job.Target.X[k]);
                 continue;
             }
-            EXPECT_EQ(Job.OCS_Name[k], std::to_string(i)) << "poses stand before the places without one";
+            EXPECT_EQ(Job.Target.Name[k], std::to_string(i)) << "poses stand before the places without one";
             EXPECT_EQ(static_cast<std::size_t>(i), out.Poses.size() + 1);
-            out.Poses.push_back({Job.OCS_X[k].value_or(NAN), Job.OCS_Y[k].value_or(NAN), Job.OCS_Z[k],
-                                 Job.RobotABC(i, 1), Job.RobotABC(i, 2), Job.RobotABC(i, 3)});
+            out.Poses.push_back({Job.Target.X[k].value_or(NAN), Job.Target.Y[k].value_or(NAN),
+                                 Job.Target.Z[k], Job.RobotABC(i, 1), Job.RobotABC(i, 2),
+                                 Job.RobotABC(i, 3)});
         }
         if (out.Places >= 0) out.Spans = {::Run.SpanA, ::Run.SpanB, ::Run.SpanC};
         return out;

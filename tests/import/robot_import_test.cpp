@@ -80,8 +80,8 @@ protected:
     }
     // Whichever way the poses have gone, position and angles are those of one pose.
     static void ExpectWholePoses() {
-        EXPECT_TRUE(JobCountsFit(Job));
-        ASSERT_EQ(Job.nOCS, kPoses);
+        EXPECT_TRUE(JobIsWhole(Job));
+        ASSERT_EQ(Job.Target.Count(), kPoses);
         ASSERT_EQ(Job.RobotABC.Rows, kPoses);
         for (int row = 1; row <= kPoses; ++row) {
             const Vec3 p = TargetPoint(row);
@@ -99,12 +99,12 @@ TEST_F(RobotImport, EveryKindGivesTheSamePosesEachWithItsPoint) {
     for (const Kind kind : {kKuka, kFanuc, kXYZABC, kQuaternion}) {
         ImportKind(kind);
         EXPECT_TRUE(IsTrue(Run.JobDataValid)) << kind << ": " << LastMessage();
-        EXPECT_EQ(Job.nIdent, kPoses);
+        EXPECT_EQ(Job.Pairs(), kPoses);
         ExpectWholePoses();
         for (int i = 1; i <= kPoses; ++i) {
             const auto k = static_cast<std::size_t>(i);
-            EXPECT_EQ(Job.OCS_Name[k], std::to_string(i));
-            EXPECT_EQ(Job.MCS_X[k], Job.OCS_X[k]);
+            EXPECT_EQ(Job.Target.Name[k], std::to_string(i));
+            EXPECT_EQ(Job.Start.X[k], Job.Target.X[k]);
         }
         EXPECT_NEAR(Run.SpanA, 10 * kDegree, 1e-9);
         EXPECT_NEAR(Run.SpanC, 30 * kDegree, 1e-9);
@@ -117,12 +117,12 @@ TEST_F(RobotImport, EveryKindGivesTheSamePosesEachWithItsPoint) {
 
 TEST_F(RobotImport, StartPointsOfAModuleAreNumberedInTheirOrder) {
     ImportKind(kAbb);
-    EXPECT_EQ(Job.nIdent, kPoses);
+    EXPECT_EQ(Job.Pairs(), kPoses);
     ExpectWholePoses();
     for (int i = 1; i <= kPoses; ++i) {
         const auto k = static_cast<std::size_t>(i);
-        EXPECT_EQ(Job.MCS_Name[k], std::to_string(i));
-        EXPECT_EQ(Job.MCS_X[k], 100.0 * (kPoses + 1 - i)) << "the file has them from the last to the first";
+        EXPECT_EQ(Job.Start.Name[k], std::to_string(i));
+        EXPECT_EQ(Job.Start.X[k], 100.0 * (kPoses + 1 - i)) << "the file has them from the last to the first";
     }
 }
 
@@ -130,11 +130,11 @@ TEST_F(RobotImport, PosesWithoutAStartPointFollowBehindThePairs) {
     start_ = Write("start.txt", "7;0;0;0\r\nA;1;1;1\r\n10;2;2;2\r\n2;3;3;3\r\n");
     for (const Kind kind : {kKuka, kFanuc, kXYZABC, kQuaternion}) {
         ImportKind(kind);
-        EXPECT_EQ(Job.nIdent, 3);
+        EXPECT_EQ(Job.Pairs(), 3);
         ExpectWholePoses();
-        EXPECT_EQ(Job.OCS_X[1], 200);
-        EXPECT_EQ(Job.OCS_X[2], 700);
-        EXPECT_EQ(Job.OCS_X[3], 1000);
+        EXPECT_EQ(Job.Target.X[1], 200);
+        EXPECT_EQ(Job.Target.X[2], 700);
+        EXPECT_EQ(Job.Target.X[3], 1000);
     }
 }
 
@@ -152,14 +152,14 @@ TEST_F(RobotImport, ByDistanceThePosesAreThoseOfTheProgram) {
         if (IsTrue(Run.JobDataValid)) Answer("message", "Yes");
         Answer("input", "0.01");
         UserClick(InputFiles.BtnOK);
-        EXPECT_EQ(Job.nIdent, kPoses) << kind << ": " << LastMessage();
+        EXPECT_EQ(Job.Pairs(), kPoses) << kind << ": " << LastMessage();
         ExpectWholePoses();
         for (int i = 1; i <= kPoses; ++i) {
             const auto k = static_cast<std::size_t>(i);
-            EXPECT_EQ(Job.MCS_Y[k].value() - 7, Job.OCS_X[k]);
-            const std::string number = std::to_string(std::lround(Job.OCS_X[k].value() / 100));
-            EXPECT_NE(Job.OCS_Name[k].find("N" + number + "=OCS_" + number), std::string::npos)
-                << Job.OCS_Name[k];
+            EXPECT_EQ(Job.Start.Y[k].value() - 7, Job.Target.X[k]);
+            const std::string number = std::to_string(std::lround(Job.Target.X[k].value() / 100));
+            EXPECT_NE(Job.Target.Name[k].find("N" + number + "=OCS_" + number), std::string::npos)
+                << Job.Target.Name[k];
         }
         EXPECT_EQ(Job.PathOCS, target_);
     }
@@ -173,7 +173,7 @@ TEST_F(RobotImport, RenamingNeverWritesToAProgram) {
         if (IsTrue(Run.JobDataValid)) Answer("message", "Yes");
         Answer("input", "0.01");
         UserClick(InputFiles.BtnOK);
-        EXPECT_EQ(Job.nIdent, kPoses);
+        EXPECT_EQ(Job.Pairs(), kPoses);
         ExpectWholePoses();
         EXPECT_EQ(Contents(target_), Program(kind));
         EXPECT_EQ(Contents(target_ + ".$"), "");
@@ -190,8 +190,8 @@ TEST_F(RobotImport, AnErrorInTheProgramEndsTheImportWithTheTargetPathPutBack) {
         EXPECT_FALSE(IsTrue(Run.JobDataValid)) << kind;
         EXPECT_FALSE(LastMessage().empty());
         EXPECT_EQ(Job.PathOCS, target_);
-        EXPECT_TRUE(JobCountsFit(Job));
-        EXPECT_EQ(Job.nIdent, 0);
+        EXPECT_TRUE(JobIsWhole(Job));
+        EXPECT_EQ(Job.Pairs(), 0);
         EXPECT_EQ(Run.WaitPointers, 0);
     }
 }
@@ -201,7 +201,7 @@ TEST_F(RobotImport, AMissingProgramIsNamedBeforeAnythingIsRead) {
     UserSetText(InputFiles.TextNameOCS, PathOf("none.dat"));
     UserClick(InputFiles.BtnOK);
     EXPECT_EQ(LastMessage(), CrLf("\n\n" + PathOf("none.dat") + "\n\n is not existing"));
-    EXPECT_EQ(Job.nMCS, 0);
+    EXPECT_EQ(Job.Start.Count(), 0);
 }
 
 TEST_F(RobotImport, PointsWithoutOrientationTakeThoseOfTheOldPointsAway) {
@@ -211,7 +211,7 @@ TEST_F(RobotImport, PointsWithoutOrientationTakeThoseOfTheOldPointsAway) {
     UserSetIndex(InputFiles.ComboOCS_Data, kDefault);
     Answer("message", "Yes");
     UserClick(InputFiles.BtnOK);
-    EXPECT_EQ(Job.nOCS, 5);
+    EXPECT_EQ(Job.Target.Count(), 5);
     EXPECT_EQ(Job.RobotABC.Rows, -1);
 }
 

@@ -24,8 +24,8 @@ protected:
     void Read(PoseReader reader, const std::string& content) const {
         ::Run.ImportFailed = kFalse;
         reader({Write("program.txt", CrLf(content))});
-        EXPECT_TRUE(JobCountsFit(Job));
-        EXPECT_EQ(Job.RobotABC.Rows, Job.nOCS);
+        EXPECT_TRUE(JobIsWhole(Job));
+        EXPECT_EQ(Job.RobotABC.Rows, Job.Target.Count());
         EXPECT_EQ(Job.RobotABC.Columns, 3);
     }
     void Kuka(const std::string& content) const { Read(EinlesenKUKAdatDatei, content); }
@@ -40,7 +40,7 @@ protected:
         } catch (const PlatformError& error) {
             what = error.What;
         }
-        EXPECT_TRUE(JobCountsFit(Job));
+        EXPECT_TRUE(JobIsWhole(Job));
         return what;
     }
     std::string FanucError(const std::string& content) const { return Error(EinlesenFanucDatei, content); }
@@ -50,8 +50,8 @@ protected:
 
     static Row Position(int i) {
         const auto k = static_cast<std::size_t>(i);
-        EXPECT_TRUE(Job.OCS_X[k] && Job.OCS_Y[k]);
-        return {Job.OCS_X[k].value_or(NAN), Job.OCS_Y[k].value_or(NAN), Job.OCS_Z[k]};
+        EXPECT_TRUE(Job.Target.X[k] && Job.Target.Y[k]);
+        return {Job.Target.X[k].value_or(NAN), Job.Target.Y[k].value_or(NAN), Job.Target.Z[k]};
     }
     static void ExpectAngles(int i, const Row& degrees) {
         for (int k = 1; k <= 3; ++k)
@@ -60,10 +60,10 @@ protected:
     }
     static void ExpectNoPose(int i) {
         const auto k = static_cast<std::size_t>(i);
-        EXPECT_EQ(Job.OCS_Name[k], "");
-        EXPECT_FALSE(Job.OCS_X[k]);
-        EXPECT_FALSE(Job.OCS_Y[k]);
-        EXPECT_EQ(Job.OCS_Z[k], 0);
+        EXPECT_EQ(Job.Target.Name[k], "");
+        EXPECT_FALSE(Job.Target.X[k]);
+        EXPECT_FALSE(Job.Target.Y[k]);
+        EXPECT_EQ(Job.Target.Z[k], 0);
         for (int c = 1; c <= 3; ++c) EXPECT_EQ(Job.RobotABC(i, c), 0);
     }
 };

@@ -20,7 +20,7 @@ using ExamplePicture = Program;
 TEST_F(ExamplePicture, ShowsEveryPointInItsColourWithItsName) {
     FillSurface = FillSurfaceWithPicture;
     OpenFile(CORVINADE_SOURCE_DIR "/examples/robot_cell.cvn");
-    ASSERT_GT(Job.nIdent, 0);
+    ASSERT_GT(Job.Pairs(), 0);
     Job.ViewAllMCS = kTrue;
     Job.ViewAllOCS = kFalse;  // the ends of the deviations would lie on top
     Settings.ShowPointNames = kTrue;
@@ -29,7 +29,7 @@ TEST_F(ExamplePicture, ShowsEveryPointInItsColourWithItsName) {
     IsoView(window);
     GrafikAnpassen(window);
     const QImage bare = BarePictureOf(window), picture = PictureOf(window);
-    for (int row = 1; row <= Job.nIdent; ++row) {
+    for (int row = 1; row <= Job.Pairs(); ++row) {
         const auto k = static_cast<std::size_t>(row);
         const auto column = static_cast<int>(std::lround(Scene.PixelX[k]));
         const auto line = static_cast<int>(std::lround(Scene.PixelY[k]));
@@ -45,9 +45,9 @@ TEST_F(ExamplePicture, ShowsEveryPointInItsColourWithItsName) {
         EXPECT_GE(painted, 3) << row;
         const auto label =
             std::find_if(window.Labels.begin(), window.Labels.end(), [k](const ScreenLabel& candidate) {
-                return candidate.Text == Job.OCS_Name[k] && candidate.X == Scene.PixelX[k] + 5;
+                return candidate.Text == Job.Target.Name[k] && candidate.X == Scene.PixelX[k] + 5;
             });
-        ASSERT_NE(label, window.Labels.end()) << Job.OCS_Name[k];
+        ASSERT_NE(label, window.Labels.end()) << Job.Target.Name[k];
         const QRect place(static_cast<int>(label->X), static_cast<int>(label->Y), 20, 14);
         EXPECT_NE(picture.copy(place), bare.copy(place)) << label->Text;
     }

@@ -36,9 +36,9 @@ protected:
             const double r = kRim * std::sqrt(0.5 + 0.48 * NextNumber()), phi = kPi * NextNumber();
             auto p = Before(d, {r * std::cos(phi), r * std::sin(phi), height(r)});
             for (double& coordinate : p) coordinate += noise * NextNumber();
-            Job.MCS_X[k] = p[0];
-            Job.MCS_Y[k] = p[1];
-            Job.MCS_Z[k] = p[2];
+            Job.Start.X[k] = p[0];
+            Job.Start.Y[k] = p[1];
+            Job.Start.Z[k] = p[2];
         }
         ParaboloidNearestTargets();
     }
@@ -61,7 +61,7 @@ protected:
         Job.RotYCopy = Job.RotY;
         Job.RotZCopy = Job.RotZ;
         double sum = 0;
-        for (int i = 1; i <= Job.nIdent; ++i) {
+        for (int i = 1; i <= Job.Pairs(); ++i) {
             const Vec3 p = StartPoint(i);
             Vec3 X, foot;
             double distance = 0;
@@ -207,9 +207,9 @@ TEST_F(WhatAShapeHolds, PointsBeyondTheTableAreCounted) {
     EXPECT_TRUE(NotesOf(NoteCode::TableExtended).empty());
     // The table ends before the outermost points.
     std::vector<double> radii;
-    for (int i = 1; i <= Job.nIdent; ++i)
+    for (int i = 1; i <= Job.Pairs(); ++i)
         radii.push_back(
-            std::hypot(*Job.MCS_X[static_cast<std::size_t>(i)], *Job.MCS_Y[static_cast<std::size_t>(i)]));
+            std::hypot(*Job.Start.X[static_cast<std::size_t>(i)], *Job.Start.Y[static_cast<std::size_t>(i)]));
     std::sort(radii.begin(), radii.end());
     const double end = (radii[76] + radii[77]) / 2;  // three are beyond, and nearer than 1 mm to it none
     ASSERT_GT(radii[77] - radii[76], 1);
@@ -221,10 +221,10 @@ TEST_F(WhatAShapeHolds, PointsBeyondTheTableAreCounted) {
     Job.ParaboloidShape = shorter;
     Calculate();
     std::string names;
-    for (int i = 1; i <= Job.nIdent; ++i) {
+    for (int i = 1; i <= Job.Pairs(); ++i) {
         const auto k = static_cast<std::size_t>(i);
-        if (std::hypot(*Job.MCS_X[k], *Job.MCS_Y[k]) > end)
-            names += (names.empty() ? "\"" : ", \"") + Job.MCS_Name[k] + "\"";
+        if (std::hypot(*Job.Start.X[k], *Job.Start.Y[k]) > end)
+            names += (names.empty() ? "\"" : ", \"") + Job.Start.Name[k] + "\"";
     }
     EXPECT_EQ(std::count(names.begin(), names.end(), ','), 2);
     EXPECT_EQ(NotesOf(NoteCode::TableExtended),

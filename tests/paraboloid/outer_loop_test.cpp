@@ -69,11 +69,9 @@ TEST_F(KnownShape, BringsBackTiltAndShiftWithinTheInterpolation) {
 TEST_F(KnownShape, BringsBackMoreWithADenserTable) {
     std::array<double, 2> off{};
     for (const int rows : {151, 1501}) {
-        Job.MCS_Name = Job.OCS_Name = {""};
-        Job.MCS_X = Job.MCS_Y = Job.OCS_X = Job.OCS_Y = {{}};
-        Job.MCS_Z = Job.OCS_Z = {0};
+        Job.Start = Job.Target = PointSet();
         Job.UseFlags = {0};
-        Job.nIdent = Job.nMCS = Job.nOCS = 0;
+        Job.SetPairs(0);
         TakeShape(rows);
         AddPoints(200, kDisplaced);
         Calculate();
@@ -98,9 +96,9 @@ TEST_F(KnownShape, WithNoiseIsFoundAsTheDistancesFromItSay) {
     // distances are those from z = r^2 / (4 f) itself, by Newton's method from the point's own radius.
     const auto sumOfSquares = [](const Displacement& by) {
         double sum = 0;
-        for (int i = 1; i <= Job.nIdent; ++i) {
+        for (int i = 1; i <= Job.Pairs(); ++i) {
             const auto k = static_cast<std::size_t>(i);
-            const auto p = Before(by, {*Job.TMCS_X[k], *Job.TMCS_Y[k], Job.TMCS_Z[k]});
+            const auto p = Before(by, {*Job.Transformed.X[k], *Job.Transformed.Y[k], Job.Transformed.Z[k]});
             const double r = std::hypot(p[0], p[1]), z = p[2];
             double s = r;
             for (int step = 0; step < 20; ++step) {
@@ -118,25 +116,27 @@ TEST_F(KnownShape, WithNoiseIsFoundAsTheDistancesFromItSay) {
                                        Displacement{.B = 3e-5 * step}})
             EXPECT_GT(sumOfSquares(by), here);
     }
-    EXPECT_NEAR(Calculation.s0, std::sqrt(here / (3 * Job.nIdent - 1)), 1e-4);
+    EXPECT_NEAR(Calculation.s0, std::sqrt(here / (3 * Job.Pairs() - 1)), 1e-4);
 }
 
 TEST_F(FitToAShape, LeavesTheNearestPointsOfTheShapeAsTargets) {
     AddPoints(50, kDisplaced, 0.3);
     Calculate();
-    for (int i = 1; i <= Job.nIdent; ++i) {
+    for (int i = 1; i <= Job.Pairs(); ++i) {
         const auto k = static_cast<std::size_t>(i);
         double X = 0, Y = 0, Z = 0, distance = 0;
-        NearestShapePoint(*Job.TMCS_X[k], *Job.TMCS_Y[k], Job.TMCS_Z[k], Job.ParaboloidShape, X, Y, Z,
-                          distance);
-        EXPECT_NEAR(*Job.OCS_X[k], X, 1e-3);
-        EXPECT_NEAR(*Job.OCS_Y[k], Y, 1e-3);
-        EXPECT_NEAR(Job.OCS_Z[k], Z, 1e-3);
-        EXPECT_NEAR(std::hypot(*Job.TMCS_X[k] - X, *Job.TMCS_Y[k] - Y, Job.TMCS_Z[k] - Z), distance, 1e-7);
+        NearestShapePoint(*Job.Transformed.X[k], *Job.Transformed.Y[k], Job.Transformed.Z[k],
+                          Job.ParaboloidShape, X, Y, Z, distance);
+        EXPECT_NEAR(*Job.Target.X[k], X, 1e-3);
+        EXPECT_NEAR(*Job.Target.Y[k], Y, 1e-3);
+        EXPECT_NEAR(Job.Target.Z[k], Z, 1e-3);
+        EXPECT_NEAR(
+            std::hypot(*Job.Transformed.X[k] - X, *Job.Transformed.Y[k] - Y, Job.Transformed.Z[k] - Z),
+            distance, 1e-7);
         for (const int axis : {1, 2, 3}) {
-            const double deviation = axis == 1   ? *Job.TMCS_X[k] - *Job.OCS_X[k]
-                                     : axis == 2 ? *Job.TMCS_Y[k] - *Job.OCS_Y[k]
-                                                 : Job.TMCS_Z[k] - Job.OCS_Z[k];
+            const double deviation = axis == 1   ? *Job.Transformed.X[k] - *Job.Target.X[k]
+                                     : axis == 2 ? *Job.Transformed.Y[k] - *Job.Target.Y[k]
+                                                 : Job.Transformed.Z[k] - Job.Target.Z[k];
             EXPECT_NEAR(Calculation.v[3 * (k - 1) + static_cast<std::size_t>(axis)], deviation, 1e-6);
         }
     }
@@ -184,7 +184,7 @@ TEST_F(FitToAShape, FirstStandsAtTheRawSolutionWithScalesOfOne) {
 
 TEST_F(FitToAShape, LeavesACoordinateOutThatIsNotInUse) {
     AddPoints(100, kDisplaced);
-    Job.MCS_Z[7] += 400;  // a gross error
+    Job.Start.Z[7] += 400;  // a gross error
     for (const std::size_t i : {19U, 20U, 21U}) Job.UseFlags[i] = 0;
     Calculate();
     EXPECT_LT(Calculation.s0, 1e-4);
@@ -195,11 +195,11 @@ TEST_F(FitToAShape, WithTooFewObservationsIsRefusedAndChangesNothing) {
     AddPoints(4, kDisplaced);
     for (std::size_t i = 1; i <= 9; ++i) Job.UseFlags[i] = 0;
     Job.TraX = 77;
-    const auto targets = Job.OCS_X;
+    const auto targets = Job.Target.X;
     Calculate();
     EXPECT_EQ(Messages(), std::vector<std::string>{"This is not a redundant calculation"});
     EXPECT_EQ(Job.TraX, 77);
-    EXPECT_EQ(Job.OCS_X, targets);
+    EXPECT_EQ(Job.Target.X, targets);
     EXPECT_FALSE(IsLoaded("FormStopParaTrafo"));
 }
 
@@ -294,8 +294,8 @@ TEST_F(FitToAShape, ThatIsStoppedBehindTheRestOfS0KeepsTheParametersItsTargetsBe
     ASSERT_TRUE(stopped);
     for (int parameter = kTraX; parameter <= kRotZ; ++parameter)
         EXPECT_EQ(ParameterValue(Job, parameter), ParameterValue(rested, parameter)) << parameter;
-    EXPECT_EQ(Job.OCS_X, rested.OCS_X);
-    EXPECT_EQ(Job.TMCS_Z, rested.TMCS_Z);
+    EXPECT_EQ(Job.Target.X, rested.Target.X);
+    EXPECT_EQ(Job.Transformed.Z, rested.Transformed.Z);
 }
 
 TEST_F(FitToAShape, WhoseMeanErrorNeverRestsEndsWithTheLastPassThatCanBeCounted) {
@@ -303,9 +303,9 @@ TEST_F(FitToAShape, WhoseMeanErrorNeverRestsEndsWithTheLastPassThatCanBeCounted)
     for (const int parameter : {kTraX, kTraY, kRotX, kRotY, kRotZ})
         Job.ParamText[static_cast<std::size_t>(parameter)] = kNotUsed;
     // A point that is higher with each event.
-    const double height = Job.MCS_Z[1];
+    const double height = Job.Start.Z[1];
     int yields = 0;
-    Headless.OnYield = [&] { Job.MCS_Z[1] = height + 5 + 0.001 * (++yields % 997); };
+    Headless.OnYield = [&] { Job.Start.Z[1] = height + 5 + 0.001 * (++yields % 997); };
     Calculate();
     EXPECT_EQ(Messages(),
               std::vector<std::string>{"Paraboloid stopped after 32767 passes, s0 does not come to rest!"});
@@ -364,7 +364,7 @@ TEST_F(FitToAShape, LeavesAJobAloneThatIsReplacedMeanwhile) {
     };
     Calculate();
     EXPECT_EQ(Job.TraZ, 0);
-    EXPECT_EQ(Job.OCS_X.size(), 1u);
+    EXPECT_EQ(Job.Target.X.size(), 1u);
     EXPECT_FALSE(IsLoaded("FormStopParaTrafo"));
 }
 

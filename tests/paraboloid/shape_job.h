@@ -79,15 +79,11 @@ protected:
             for (double& coordinate : p) coordinate += noise * NextNumber();
             AddPair({p[0], p[1], p[2]}, {p[0], p[1], p[2]});
         }
-        Job.nOCS = Job.nMCS = Job.nIdent;
-        const std::size_t size = static_cast<std::size_t>(Job.nIdent) + 1;
+        const std::size_t size = static_cast<std::size_t>(Job.Pairs()) + 1;
         Job.RVecX.resize(size);
         Job.RVecY.resize(size);
         Job.RVecZ.resize(size);
-        Job.TMCS_Name = Job.MCS_Name;
-        Job.TMCS_X = Job.MCS_X;
-        Job.TMCS_Y = Job.MCS_Y;
-        Job.TMCS_Z = Job.MCS_Z;
+        Job.Transformed = Job.Start;
         ParaboloidNearestTargets();
     }
 

@@ -55,7 +55,7 @@ TEST_F(BundleByHand, OpensWithTheFileAndShowsTheAdjustment) {
     EXPECT_EQ(messages_[0].find("Found 6 Stations and 14 Object Points"), 0u) << messages_[0];
     EXPECT_FALSE(Widget("FormBündel.CommandSTOP")->isEnabled());
     Click("FormBündel.BtnCalculate");
-    EXPECT_EQ(Job.nIdent, 20);
+    EXPECT_EQ(Job.Pairs(), 20);
     EXPECT_EQ(Page("TextWhatDO").find("calculationg A Matrix"), 0u);
     EXPECT_EQ(Page("TextRUN").find("Iterations 1 "), 0u);
     EXPECT_EQ(Page("TextResults").find("TH1\t5.1\t"), 0u);

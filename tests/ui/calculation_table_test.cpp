@@ -117,15 +117,15 @@ TEST_F(CalculationScreen, AHeadingSortsAndTheMarkedColumnIsTheOneThatIsCopied) {
     ClickHeading(kColX);
     EXPECT_TRUE(Table()->horizontalHeader()->isSortIndicatorShown());
     EXPECT_EQ(SelectedInView(), QItemSelectionRange(Table()->model()->index(0, kColX),
-                                                    Table()->model()->index(Job.nIdent - 1, kColX)));
+                                                    Table()->model()->index(Job.Pairs() - 1, kColX)));
     double before = -1e9;
-    for (int row = 0; row < Job.nIdent; ++row) {
+    for (int row = 0; row < Job.Pairs(); ++row) {
         const double value = Table()->model()->index(row, kColX).data().toString().toDouble();
         EXPECT_GE(value, before);
         before = value;
     }
     Key(Qt::Key_C, Qt::ControlModifier);
-    EXPECT_EQ(QApplication::clipboard()->text().count('\n'), Job.nIdent - 1);
+    EXPECT_EQ(QApplication::clipboard()->text().count('\n'), Job.Pairs() - 1);
     ClickHeading(kColX);
     EXPECT_EQ(Table()->horizontalHeader()->sortIndicatorOrder(), Qt::DescendingOrder);
     const int width = Table()->columnWidth(kColX);
@@ -196,7 +196,7 @@ TEST_F(CalculationScreen, ADoubleClickOnAnExtremeTakesItsPointOutAndCalculatesOn
     EXPECT_EQ(CalculationWindow.Started, runs + 1);
     EXPECT_NE(S(Field("TextMaxDevXYZPkt")->text()), worst);
     std::size_t point = 1;
-    while (Job.MCS_Name[point] != worst) ++point;
+    while (Job.Start.Name[point] != worst) ++point;
     for (std::size_t axis = 0; axis < 3; ++axis) EXPECT_EQ(Job.UseFlags[3 * point - 2 + axis], 0);
     DoubleClick(*Field("TextMinDevYPkt"), Field("TextMinDevYPkt")->rect().center());
     EXPECT_EQ(CalculationWindow.Started, runs + 2);
@@ -204,8 +204,8 @@ TEST_F(CalculationScreen, ADoubleClickOnAnExtremeTakesItsPointOutAndCalculatesOn
 
 TEST_F(CalculationScreen, LargeNumbersAreNotCut) {
     BeginWithExample();
-    for (std::size_t i = 1; i <= static_cast<std::size_t>(Job.nIdent); ++i)
-        Job.OCS_Y[i] = *Job.OCS_Y[i] - 4292512.123456;
+    for (std::size_t i = 1; i <= static_cast<std::size_t>(Job.Pairs()); ++i)
+        Job.Target.Y[i] = *Job.Target.Y[i] - 4292512.123456;
     Click("FormTrafoBerechnung.CheckMeasurement");
     Click("FormTrafoBerechnung.CheckObject");
     Click("FormTrafoBerechnung.BtnCalculate");

@@ -60,7 +60,7 @@ protected:
         Type("FormInputFiles.TextNameOCS", Write("target.txt", target));
         Click("FormInputFiles.BtnOK");
         ASSERT_FALSE(IsOpen("FormInputFiles"));
-        ASSERT_EQ(Job.nIdent, static_cast<int>(points.size()));
+        ASSERT_EQ(Job.Pairs(), static_cast<int>(points.size()));
     }
 
     static std::vector<Point> Six() {
@@ -393,7 +393,7 @@ TEST_F(LongRun, CancelOfTheProgressEndsAPairingThatADialogBegan) {
     EXPECT_TRUE(looked);
     EXPECT_FALSE(IsOpen("FormProgressBar"));
     EXPECT_TRUE(IsOpen("FormInputFiles"));
-    EXPECT_LT(Job.nIdent, 1500);
+    EXPECT_LT(Job.Pairs(), 1500);
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
@@ -413,7 +413,7 @@ TEST_F(CalculationByHand, ClosingAChangedJobSavesItOnYes) {
     EXPECT_TRUE(std::filesystem::exists(PathOf("cell.cvn")));
     CloseDesktop();
     Begin(PathOf("cell.cvn"));
-    EXPECT_EQ(Job.nIdent, 6);
+    EXPECT_EQ(Job.Pairs(), 6);
 }
 
 TEST_F(CalculationByHand, ClosingAChangedJobLeavesTheFileOnNo) {
@@ -444,5 +444,5 @@ TEST_F(CalculationByHand, AJobWithoutANameThatIsNotSavedAfterAllStaysOpen) {
     EXPECT_EQ(messages_[1], "The job has not been saved.");
     EXPECT_TRUE(IsLoaded("FormMain"));
     EXPECT_TRUE(Frame()->isVisible());
-    EXPECT_EQ(Job.nIdent, 6);
+    EXPECT_EQ(Job.Pairs(), 6);
 }

@@ -26,7 +26,7 @@ protected:
         Type("FormInputFiles.TextNameMCS", Write("start.txt", "A;1;0;0\nB;98;4;0\nC;3;104;12\n"));
         Type("FormInputFiles.TextNameOCS", Write("target.txt", "A;0;0;0\nB;100;4;0\nC;0;104;12\n"));
         Click("FormInputFiles.BtnOK");
-        ASSERT_EQ(Job.nIdent, 3);
+        ASSERT_EQ(Job.Pairs(), 3);
         Trigger("MenuVievMainSheet");
         UserDid([] { UserSelectCells(MainSheetWindow.MSFlexGrid1, {1, 7, 1, 7}); });
         Trigger("MenuEditGraphData");

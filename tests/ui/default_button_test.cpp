@@ -18,5 +18,5 @@ TEST_F(DefaultButton, EnterInAFieldOfTheInputFilesBringsThePointsIn) {
     QTest::keyClick(Widget("FormInputFiles.TextNameOCS"), Qt::Key_Return);
     QApplication::processEvents();
     EXPECT_FALSE(IsOpen("FormInputFiles"));
-    EXPECT_EQ(Job.nIdent, 3);
+    EXPECT_EQ(Job.Pairs(), 3);
 }

@@ -151,10 +151,10 @@ TEST_F(Dialogs, InputFilesAreReadOnApplyAndTheDialogStays) {
     TypePaths();
     Click("FormInputFiles.BtnApply");
     EXPECT_TRUE(IsOpen("FormInputFiles"));
-    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_EQ(Job.Pairs(), 4);
     Click("FormInputFiles.BtnCancel");
     EXPECT_FALSE(IsOpen("FormInputFiles"));
-    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_EQ(Job.Pairs(), 4);
 }
 
 TEST_F(Dialogs, InputFilesAreLeftOnCancelAndEscape) {
@@ -165,7 +165,7 @@ TEST_F(Dialogs, InputFilesAreLeftOnCancelAndEscape) {
     TypePaths();
     Escape("FormInputFiles.TextNameOCS");
     EXPECT_FALSE(IsOpen("FormInputFiles"));
-    EXPECT_EQ(Job.nIdent, 0);
+    EXPECT_EQ(Job.Pairs(), 0);
     EXPECT_FALSE(IsTrue(::Run.JobDataValid));
 }
 
@@ -260,7 +260,7 @@ TEST_F(Commands, KeepTheLogicsMarkWhateverTheClickOnThemDid) {
     Trigger("Toolbar1.TrafoBerechnung");
     EXPECT_FALSE(IsOpen("FormTrafoBerechnung"));
     EXPECT_FALSE(Action("MenuTransformationCalculation")->isChecked());
-    Job.nIdent = 1;
+    Job.SetPairs(1);
     AnswerNext("OK");
     Trigger("Toolbar1.TrafoBerechnung");  // refused with a message
     EXPECT_EQ(messages_.size(), 1u);
@@ -278,7 +278,7 @@ TEST_F(Commands, OpenTheRecentFiles) {
     Begin();
     ASSERT_EQ(S(Action("MenüDateiAlt1")->text()), "&1 " + PathOf("cell.cvn"));
     Trigger("MenüDateiAlt1");
-    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_EQ(Job.Pairs(), 4);
     EXPECT_EQ(::Run.JobFilePath, PathOf("cell.cvn"));
 }
 

@@ -28,7 +28,7 @@ protected:
         Type("FormInputFiles.TextNameMCS", Write("start.txt", "A;0;0;0\nB;3;4;0\nC;3;4;12\n"));
         Type("FormInputFiles.TextNameOCS", Write("target.txt", "A;10;0;0\nB;16;0;0\nC;26;0;0\n"));
         Click("FormInputFiles.BtnOK");
-        ASSERT_EQ(Job.nIdent, 3);
+        ASSERT_EQ(Job.Pairs(), 3);
     }
     void OpenPlot() {
         Import();

@@ -59,17 +59,14 @@ TEST_F(FlagsByHand, AThousandFlagsFollowTheMouse) {
         Job = JobRecord{};
         for (int i = 1; i <= kFlags; ++i) {
             const double x = i % 40 * 10.0, y = i / 40 * 10.0;
-            for (auto* names : {&Job.MCS_Name, &Job.OCS_Name, &Job.TMCS_Name})
-                names->push_back("P" + std::to_string(i));
-            for (auto* column : {&Job.OCS_X, &Job.MCS_X, &Job.TMCS_X}) column->emplace_back(x);
-            for (auto* column : {&Job.OCS_Y, &Job.MCS_Y, &Job.TMCS_Y}) column->emplace_back(y);
-            Job.OCS_Z.push_back(0);
-            for (auto* column : {&Job.MCS_Z, &Job.TMCS_Z}) column->push_back(0.001 * i);
+            const std::string name = "P" + std::to_string(i);
+            Job.Target.Add(name, x, y, 0);
+            for (PointSet* points : {&Job.Start, &Job.Transformed}) points->Add(name, x, y, 0.001 * i);
         }
         Job.UseFlags.assign(3 * kFlags + 1, 1);
         for (auto* column : {&Job.RVecX, &Job.RVecY}) column->resize(kFlags + 1);
         Job.RVecZ.resize(kFlags + 1);
-        Job.nMCS = Job.nOCS = Job.nIdent = kFlags;
+        Job.SetPairs(kFlags);
         Job.ViewAllMCS = kTrue;
         Job.LengthUnitName = "mm";
         ::Run.JobDataValid = kTrue;

@@ -42,7 +42,7 @@ protected:
         Type("FormInputFiles.TextNameMCS", start_);
         Type("FormInputFiles.TextNameOCS", target_);
         Click("FormInputFiles.BtnOK");
-        ASSERT_EQ(Job.nIdent, 4);
+        ASSERT_EQ(Job.Pairs(), 4);
     }
 
     // Drags addresses over a widget and drops them there. False where they are not taken.
@@ -94,7 +94,7 @@ TEST_F(Dropped, TwoPointFilesGoToTheInputDialogWhereverTheyFall) {
     EXPECT_EQ(InField("FormInputFiles.TextNameMCS"), start_);
     EXPECT_EQ(InField("FormInputFiles.TextNameOCS"), target_);
     Click("FormInputFiles.BtnOK");
-    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_EQ(Job.Pairs(), 4);
     // A field of a window inside the frame does not take the address as its text.
     Trigger("MenuTransformationCalculation");
     auto* field = qobject_cast<QLineEdit*>(Widget("FormTrafoBerechnung.TextTraX"));
@@ -125,7 +125,7 @@ TEST_F(Dropped, AJobIsOpenedAndAChangedOneAskedForFirst) {
     ASSERT_EQ(messages_.size(), 1u);
     EXPECT_NE(messages_[0].find("Do you want to save it?"), std::string::npos);
     EXPECT_EQ(::Run.JobFilePath, path);
-    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_EQ(Job.Pairs(), 4);
 }
 
 TEST_F(Dropped, WhatIsNoJobAndNoPairOfPointFilesIsRefused) {

@@ -37,7 +37,7 @@ TEST_F(JobRoad, TwoFilesAreImportedAndTheCommandsFollow) {
     Begin();
     EXPECT_FALSE(Frame()->findChild<QMenu*>(QStringLiteral("MenuTransformation"))->menuAction()->isEnabled());
     Import();
-    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_EQ(Job.Pairs(), 4);
     EXPECT_TRUE(Frame()->findChild<QMenu*>(QStringLiteral("MenuTransformation"))->menuAction()->isEnabled());
     EXPECT_TRUE(Frame()->windowTitle().startsWith(QLatin1String("Corvinade Version 2.0.64")));
 }
@@ -66,7 +66,7 @@ TEST_F(JobRoad, AJobIsSavedUnderANameAndOpenedAgain) {
     EXPECT_EQ(::Run.JobDirty, kFalse);
     CloseDesktop();
     Begin(PathOf("cell.cvn"));
-    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_EQ(Job.Pairs(), 4);
     EXPECT_TRUE(Frame()->windowTitle().endsWith(QLatin1String("cell.cvn")));
 }
 

@@ -81,16 +81,16 @@ TEST_F(LargeImport, OfAMillionPointsLetsEventsInAndShowsHowFarItHasCome) {
     EXPECT_GT(value, 60);
     EXPECT_LT(widestStep, 30) << "percent of the work without a look at the events";
     EXPECT_FALSE(IsOpen("FormProgressBar"));
-    ASSERT_EQ(Job.nIdent, kPoints);
+    ASSERT_EQ(Job.Pairs(), kPoints);
     for (const std::size_t i : {1U, 2U, 500000U, 1000000U}) {
         const auto number = static_cast<int>(i) - 1;
         char name[16];
         std::snprintf(name, sizeof name, "P%07d", number);
-        EXPECT_EQ(Job.MCS_Name[i], name);
-        EXPECT_EQ(Job.OCS_Name[i], name);
-        EXPECT_EQ(Job.OCS_X[i], Job.MCS_X[i]);
-        EXPECT_EQ(Job.OCS_Z[i], number % 77 + 0.25);
-        EXPECT_EQ(*Job.MCS_X[i], number % 1000 + 0.125);
+        EXPECT_EQ(Job.Start.Name[i], name);
+        EXPECT_EQ(Job.Target.Name[i], name);
+        EXPECT_EQ(Job.Target.X[i], Job.Start.X[i]);
+        EXPECT_EQ(Job.Target.Z[i], number % 77 + 0.25);
+        EXPECT_EQ(*Job.Start.X[i], number % 1000 + 0.125);
     }
     ::Run.JobDirty = kFalse;
 }
@@ -137,7 +137,7 @@ TEST_F(LongPairing, ByCoordinateLetsEventsIn) {
     });
     answer.start(20);
     EXPECT_GE(Looks("by coordinate", start, target, "FormInputFiles.OptionByCoordinate"), kFewLooks);
-    EXPECT_EQ(Job.nIdent, kPoints);
+    EXPECT_EQ(Job.Pairs(), kPoints);
 }
 
 TEST_F(LongPairing, OfLevelNamesLetsEventsIn) {
@@ -161,7 +161,7 @@ TEST_F(LargeImport, ThatIsCancelledAnywhereLeavesThePointsOfBeforeWhole) {
     Trigger("MenuTransformationCalculation");
     Click("FormTrafoBerechnung.BtnCalculate");
     const JobRecord before = Job;
-    ASSERT_EQ(before.nIdent, 4);
+    ASSERT_EQ(before.Pairs(), 4);
     ASSERT_TRUE(IsTrue(::Run.TrafoValid));
     const std::string start = Points("large_start.txt", 200000, 70001);
     const std::string target = Points("large_target.txt", 200000, 30007);
@@ -180,20 +180,20 @@ TEST_F(LargeImport, ThatIsCancelledAnywhereLeavesThePointsOfBeforeWhole) {
         AnswerNext("Yes");
         Import(start, target);
         ASSERT_TRUE(pressed) << percent;
-        if (Job.nIdent == 200000) continue;  // the last step was over before
+        if (Job.Pairs() == 200000) continue;  // the last step was over before
         ++cancelled;
         EXPECT_FALSE(IsOpen("FormProgressBar"));
         EXPECT_TRUE(IsOpen("FormInputFiles"));
-        EXPECT_EQ(Job.MCS_Name, before.MCS_Name) << percent;
-        EXPECT_EQ(Job.OCS_Name, before.OCS_Name);
-        EXPECT_EQ(Job.MCS_X, before.MCS_X);
-        EXPECT_EQ(Job.OCS_Z, before.OCS_Z);
-        EXPECT_EQ(Job.TMCS_Name, before.TMCS_Name);
-        EXPECT_EQ(Job.TMCS_X, before.TMCS_X);
+        EXPECT_EQ(Job.Start.Name, before.Start.Name) << percent;
+        EXPECT_EQ(Job.Target.Name, before.Target.Name);
+        EXPECT_EQ(Job.Start.X, before.Start.X);
+        EXPECT_EQ(Job.Target.Z, before.Target.Z);
+        EXPECT_EQ(Job.Transformed.Name, before.Transformed.Name);
+        EXPECT_EQ(Job.Transformed.X, before.Transformed.X);
         EXPECT_EQ(Job.UseFlags, before.UseFlags);
         EXPECT_EQ(Job.PathMCS, before.PathMCS);
-        EXPECT_EQ(Job.nIdent, 4);
-        EXPECT_TRUE(JobCountsFit(Job));
+        EXPECT_EQ(Job.Pairs(), 4);
+        EXPECT_TRUE(JobIsWhole(Job));
         EXPECT_TRUE(IsTrue(::Run.JobDataValid));
         EXPECT_TRUE(IsTrue(::Run.TrafoValid));
         EXPECT_FALSE(IsTrue(::Run.JobDirty));
@@ -204,6 +204,6 @@ TEST_F(LargeImport, ThatIsCancelledAnywhereLeavesThePointsOfBeforeWhole) {
     }
     EXPECT_GE(cancelled, 5);
     Click("FormTrafoBerechnung.BtnCalculate");
-    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_EQ(Job.Pairs(), 4);
     ::Run.JobDirty = kFalse;
 }

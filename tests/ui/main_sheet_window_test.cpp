@@ -28,7 +28,7 @@ protected:
         Type("FormInputFiles.TextNameMCS", start);
         Type("FormInputFiles.TextNameOCS", target);
         Click("FormInputFiles.BtnOK");
-        ASSERT_EQ(Job.nIdent, 3);
+        ASSERT_EQ(Job.Pairs(), 3);
     }
 
     void Open() {

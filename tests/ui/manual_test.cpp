@@ -210,7 +210,7 @@ TEST_F(Manual, APointIsLeftOutAndTheFitRepeatedByKeysAlone) {
     Type("FormInputFiles.TextNameMCS", CORVINADE_SOURCE_DIR "/examples/robot_cell_measured.txt");
     Type("FormInputFiles.TextNameOCS", CORVINADE_SOURCE_DIR "/examples/robot_cell_nominal.txt");
     Click("FormInputFiles.BtnOK");
-    ASSERT_EQ(Job.nIdent, 14);
+    ASSERT_EQ(Job.Pairs(), 14);
     Trigger("MenuTransformationCalculation");
     Frame()->activateWindow();
     QWidget* form = WidgetOf(*FindWindow("FormTrafoBerechnung"));

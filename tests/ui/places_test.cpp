@@ -26,7 +26,7 @@ protected:
         Type("FormInputFiles.TextNameMCS", start_);
         Type("FormInputFiles.TextNameOCS", target_);
         Click("FormInputFiles.BtnOK");
-        ASSERT_EQ(Job.nIdent, 4);
+        ASSERT_EQ(Job.Pairs(), 4);
     }
 
     // The program ends as by its own command, and begins anew.
@@ -194,5 +194,5 @@ TEST_F(Places, EnterInADialogIsItsOkAndNoOtherButton) {
     QTest::keyClick(Widget("FormInputFiles.TextNameOCS"), Qt::Key_Return);
     QApplication::processEvents();
     EXPECT_FALSE(IsOpen("FormInputFiles"));
-    EXPECT_EQ(Job.nIdent, 4);
+    EXPECT_EQ(Job.Pairs(), 4);
 }

@@ -26,7 +26,7 @@ protected:
         Type("FormInputFiles.TextNameMCS", Write("start.txt", Points(0)));
         Type("FormInputFiles.TextNameOCS", Write("target.txt", Points(2)));
         Click("FormInputFiles.BtnOK");
-        ASSERT_EQ(Job.nIdent, 8);
+        ASSERT_EQ(Job.Pairs(), 8);
     }
 
     static ScreenWindow& OpenScreen() {

@@ -16,20 +16,18 @@ constexpr int kSteps = 20;
 void FillJob() {
     Job = JobRecord{};
     const auto count = static_cast<std::size_t>(kPoints);
-    for (auto* column : {&Job.OCS_X, &Job.OCS_Y, &Job.MCS_X, &Job.MCS_Y, &Job.TMCS_X, &Job.TMCS_Y})
-        column->reserve(count + 1);
+    for (PointSet* points : {&Job.Start, &Job.Target, &Job.Transformed}) points->Resize(kPoints);
     for (int i = 0; i < kPoints; ++i) {
         const double x = i % 1000 * 4.0, y = i / 1000 * 4.0, bent = x * x * 2 / 16e6;
-        for (auto* names : {&Job.MCS_Name, &Job.OCS_Name, &Job.TMCS_Name}) names->push_back("P");
-        for (auto* column : {&Job.OCS_X, &Job.MCS_X, &Job.TMCS_X}) column->emplace_back(x);
-        for (auto* column : {&Job.OCS_Y, &Job.MCS_Y, &Job.TMCS_Y}) column->emplace_back(y);
-        Job.OCS_Z.push_back(0);
-        for (auto* column : {&Job.MCS_Z, &Job.TMCS_Z}) column->push_back(bent);
+        for (PointSet* points : {&Job.Start, &Job.Target, &Job.Transformed}) {
+            points->Name[static_cast<std::size_t>(i) + 1] = "P";
+            points->SetPoint(i + 1, x, y, points == &Job.Target ? 0 : bent);
+        }
     }
     Job.UseFlags.assign(3 * count + 1, 1);
     for (auto* column : {&Job.RVecX, &Job.RVecY}) column->resize(count + 1);
     Job.RVecZ.resize(count + 1);
-    Job.nMCS = Job.nOCS = Job.nIdent = kPoints;
+    Job.SetPairs(kPoints);
     Job.ViewAllMCS = kTrue;
     Job.LengthUnitName = "mm";
     ::Run.JobDataValid = kTrue;

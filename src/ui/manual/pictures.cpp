@@ -305,7 +305,7 @@ void ScreenPictures() {
     Trigger("MenuHelpBindings");
     // The mouse is at the corner that has sagged.
     UserDid([&window] {
-        const auto row = static_cast<std::size_t>(Job.nIdent);
+        const auto row = static_cast<std::size_t>(Job.Pairs());
         PixelsForWindow(window);
         ScreenPixel_MouseMove(window, {.X = Scene.PixelX[row], .Y = Scene.PixelY[row]});
     });
