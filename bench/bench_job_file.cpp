@@ -15,7 +15,6 @@
 #include "core/files.h"
 #include "core/job.h"
 #include "core/job_file.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "fit_data.h"
 #include "timing.h"

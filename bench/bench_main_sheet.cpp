@@ -8,7 +8,6 @@
 #include "core/fresh_start.h"
 #include "core/job.h"
 #include "core/numbers.h"
-#include "core/refresh.h"
 #include "core/text.h"
 #include "core/units.h"
 #include "engine/transform.h"

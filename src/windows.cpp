@@ -1,4 +1,9 @@
-// The tables above all rooms: every window, and every record with mutable state.
+// The tables above all rooms: every window, every record with mutable state, everything that follows a
+// change.
+#include <algorithm>
+#include <vector>
+
+#include "analysis/analysis_changes.h"
 #include "analysis/form_batch.h"
 #include "analysis/form_change_dir.h"
 #include "analysis/form_distance_scale.h"
@@ -10,6 +15,7 @@
 #include "bundle/bundle_records.h"
 #include "bundle/form_buendel.h"
 #include "bundle/network.h"
+#include "core/changes.h"
 #include "core/controller.h"
 #include "core/form_help_info.h"
 #include "core/form_main.h"
@@ -27,6 +33,7 @@
 #include "engine/best_fit.h"
 #include "engine/calculation.h"
 #include "engine/calculation_window.h"
+#include "engine/engine_changes.h"
 #include "engine/engine_records.h"
 #include "engine/form_trafo_berechnung.h"
 #include "engine/form_trafo_details.h"
@@ -41,6 +48,7 @@
 #include "graphics/form_edit_fahne.h"
 #include "graphics/form_graphics_options.h"
 #include "graphics/form_save_view.h"
+#include "graphics/graphics_refresh.h"
 #include "graphics/scene.h"
 #include "graphics/screen_window.h"
 #include "graphics/tolerance.h"
@@ -82,6 +90,7 @@ const WindowEntry* const kWindows[] = {
 void (*const kRecords[])() = {
     [] { Job = JobRecord{}; },
     [] { Run = RunRecord{}; },
+    [] { Changes = ChangesRecord{}; },
     [] { Notes = NotesRecord{}; },
     [] { Settings = SettingsRecord{}; },
     [] { Units = UnitsRecord{}; },
@@ -122,6 +131,18 @@ std::span<const std::span<const RecordEntry>> AllRecords() {
     static const std::span<const RecordEntry> kTables[] = {CoreRecords(), EngineRecords(), AnalysisRecords(),
                                                            ParaboloidRecords(), BundleRecords()};
     return kTables;
+}
+
+std::span<const ChangeRow> AllChangeRows() {
+    static const std::vector<ChangeRow> kRows = [] {
+        std::vector<ChangeRow> rows;
+        for (const auto room :
+             {CoreChanges(), EngineChanges(), BundleChanges(), AnalysisChanges(), GraphicsChanges()})
+            rows.insert(rows.end(), room.begin(), room.end());
+        std::ranges::stable_sort(rows, {}, &ChangeRow::Place);
+        return rows;
+    }();
+    return kRows;
 }
 
 void FreshStart() {

@@ -11,7 +11,6 @@
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"

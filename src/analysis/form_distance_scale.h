@@ -39,6 +39,8 @@ extern const std::array<const char*, kDistanceScaleCols> kDistanceScaleHeadings;
 // Measures all pairs of the job anew and fills the table. With many points it shows its progress; cancelled,
 // it leaves the table without points.
 void Distance_Calculation();
+// The same where it or the trumpet plot is open, and the points are no longer those that were measured.
+void DistanceScale_Refill();
 
 // A cell of the table below its headings, with the present units and formats.
 std::string DistanceScaleText(const DistancePoints& points, const DistanceExtremes& row, int point, int col);

@@ -3,7 +3,6 @@
 
 #include "core/job.h"
 #include "core/numbers.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/units.h"

@@ -38,3 +38,5 @@ private:
 };
 inline FormInputStatistic InputStatistic;
 extern const WindowEntry FormInputStatistic_Entry;
+
+void FORMfüllen();  // refills the window

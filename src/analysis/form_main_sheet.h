@@ -21,6 +21,9 @@ struct FormMainSheet {
 inline FormMainSheet MainSheetWindow;
 extern const WindowEntry FormMainSheet_Entry;
 
+// Refills the sheet where it is open, from a job with valid data. Yields at each row.
+void FuellenHaupttabelle();
+
 // The line that shows a row as the sheet was filled, from 1; 0 where the sheet is closed or shows other
 // points.
 int MainSheet_LineOf(int filledRow);

@@ -2,6 +2,7 @@
 #include <exception>
 
 #include "bundle/bundle_run.h"
+#include "core/changes.h"
 #include "core/controller.h"
 #include "core/form_main.h"
 #include "core/job.h"
@@ -26,7 +27,7 @@ struct HandOver {
         CountAllPoints();
         if (Whole) return;
         Run.JobDataValid = Run.TrafoValid = kFalse;
-        ProgrammLogik();
+        Changed(What::State);
     }
     bool Whole = false;
 };
@@ -68,9 +69,9 @@ void TakeBundleAsJob(const std::string& startPath, const std::string& targetPath
     ForgetBlock();
     Run.JobDataValid = kTrue;
     const std::uint64_t generation = Run.JobGeneration;
-    FuellenHaupttabelle();
+    Changed(What::Points);
+    ShowChanges();
     if (Run.JobGeneration != generation) return;
-    ProgrammLogik();
     ShowNewPoints();
-    DistanceScale_Refill();
+    Changed(What::Pairs);
 }

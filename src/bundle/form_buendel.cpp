@@ -5,6 +5,7 @@
 #include "bundle/bundle_run.h"
 #include "bundle/open_points.h"
 #include "core/controller.h"
+#include "core/form_main.h"
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/platform.h"
@@ -129,8 +130,17 @@ const WindowEntry FormBündel_Entry = {
     .Escape = FormBündel::Form_Escape,
 };
 
-bool BundleInMemory() {
-    return !Bundle.IsEmpty();
+namespace {
+
+constexpr ChangeRow kChanges[] = {
+    {kStateOfJob, Turn::BundleCommands,
+     [](What) { Main.MenuTransformationBundle.Enabled = !Bundle.IsEmpty(); }},
+};
+
+}  // namespace
+
+std::span<const ChangeRow> BundleChanges() {
+    return kChanges;
 }
 
 void ReadBundleFile(const std::string& path) {

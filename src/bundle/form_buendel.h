@@ -1,7 +1,10 @@
 // The window in which a network is adjusted.
 #pragma once
 
+#include <span>
+
 #include "bundle/network.h"
+#include "core/changes.h"
 #include "core/window.h"
 
 struct FormBündel {
@@ -32,3 +35,5 @@ private:
 };
 inline FormBündel BündelWindow;
 extern const WindowEntry FormBündel_Entry;
+
+std::span<const ChangeRow> BundleChanges();  // the room's rows in the table of changes

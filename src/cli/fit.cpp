@@ -26,6 +26,7 @@
 #include "core/text.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/calculation_window.h"
 #include "engine/clipboard_report.h"
 #include "engine/design.h"
 #include "engine/inverse.h"

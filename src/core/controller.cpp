@@ -4,9 +4,12 @@
 #include <array>
 #include <string_view>
 
+#include "core/changes.h"
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/job.h"
+#include "core/job_commands.h"
+#include "core/job_file.h"
 #include "core/notes.h"
 #include "core/platform.h"
 #include "core/refresh.h"
@@ -85,7 +88,6 @@ void EnableCommands() {
     for (Control* command :
          {&Main.MenueGraphics, &Main.MenüGlobalGraphics, &Main.MenuTransformation, &Main.MenuEdit})
         command->Enabled = data;
-    Main.MenuTransformationBundle.Enabled = BundleInMemory();
     Main.MenueFileExport.Enabled = result;
     Main.MenueFileExport.Text = "Export";
     Main.Toolbar2_FileNew.Enabled = Main.MenuFileNew.Enabled;
@@ -114,27 +116,16 @@ void EnableCommands() {
         shown->Visible = graphics;
 }
 
-// What follows from the modes of the top graphics window.
-void FollowTopGraphicsWindow() {
-    const GraphicsModes modes = TopGraphicsModes();
-    Main.MenüAnsichtVektorenVektorModeActive.Checked = modes.VectorMode;
-    for (Control* command : {&Main.MenüAnsichtVektorenShorter, &Main.MenüAnsichtVektorenLonger})
-        command->Enabled = modes.VectorMode;
-    for (Control* button : {&Main.ToolbarGraphics_VectorMode, &Main.ToolbarGraphics_VectorLonger,
-                            &Main.ToolbarGraphics_VectorShorter})
-        button->Value = modes.VectorMode ? 1 : 0;
-    Main.MenüGlobalFlagsMode.Checked = modes.FlagMode;
-    Main.ToolbarGraphics_FlagMode.Value = modes.FlagMode ? 1 : 0;
-    // The entry that turns the line mode on stays within reach while it is off.
-    Main.MenüGraphicsLinesLineModeActive.Checked = modes.LineMode;
-    for (Control* command : {&Main.MenüGraphicsLinesDeleteLines, &Main.MenüGraphicsLinesSetLines})
-        command->Enabled = modes.LineMode;
-    ToolbarButtons{"ToolbarLines"}.ForEach(
-        1, [&modes](Control& button) { button.Value = modes.LineMode ? 1 : 0; });
-    Main.MenüGraphicsLinesSetLines.Checked = modes.LineMode && modes.SetLine;
-    Main.MenüGraphicsLinesDeleteLines.Checked = modes.LineMode && modes.DeleteLine;
-    ApplyTopGraphicsModes();
+void ShowState(What) {
+    const std::array<Control*, 4> recent = {&Main.MenüDateiAlt1, &Main.MenüDateiAlt2, &Main.MenüDateiAlt3,
+                                            &Main.MenüDateiAlt4};
+    for (std::size_t i = 0; i < recent.size(); ++i)
+        recent[i]->Text = "&" + std::to_string(i + 1) + " " + Run.LastFile[i + 1];
+    Main.Window.Caption = TitleText(Run.JobFilePath);
+    EnableCommands();
 }
+
+constexpr ChangeRow kChanges[] = {{kStateOfJob, Turn::Commands, ShowState}};
 
 }  // namespace
 
@@ -207,20 +198,12 @@ void Initialisieren() {
 }
 
 void ProgrammLogik() {
-    const std::array<Control*, 4> recent = {&Main.MenüDateiAlt1, &Main.MenüDateiAlt2, &Main.MenüDateiAlt3,
-                                            &Main.MenüDateiAlt4};
-    for (std::size_t i = 0; i < recent.size(); ++i)
-        recent[i]->Text = "&" + std::to_string(i + 1) + " " + Run.LastFile[i + 1];
-    Main.Window.Caption = TitleText(Run.JobFilePath);
-    std::int16_t graphicsWindows = 0;
-    CountChildForms(graphicsWindows);
-    if (graphicsWindows > 0) Run.GraphicsWindowSeen = true;
-    EnableCommands();
-    if (graphicsWindows > 0) FollowTopGraphicsWindow();
+    Changed(What::State);
+    ShowChanges();
 }
 
-void FuellenMainSheet() {
-    if (IsLoaded("FormMainSheet")) FuellenHaupttabelle();
+std::span<const ChangeRow> CoreChanges() {
+    return kChanges;
 }
 
 void CloseAllChildForms() {

@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 
+#include "core/changes.h"
 #include "core/window.h"
 
 // The whole start: settings file, settings, `Initialisieren`, and the job that the command line names.
@@ -14,12 +15,12 @@ void StartUp(const std::string& commandLine);
 // Sets the run to "no data".
 void Initialisieren();
 
-// Recomputes the recent-file entries, the title and the state of every command. To be called after
-// every change of the job's validity, the result's validity or the number of graphics windows.
+// Shows all changes now, with the recent-file entries, the title and the state of every command: where that
+// has to be seen before the handler ends. Else it is enough to say What::State.
 void ProgrammLogik();
 
-// Refills the main sheet where it is open.
-void FuellenMainSheet();
+// The room's rows in the table of changes.
+std::span<const ChangeRow> CoreChanges();
 
 // Closes all child windows; the main window stays.
 void CloseAllChildForms();

@@ -4,6 +4,7 @@
 #include "core/controller.h"
 #include "core/files.h"
 #include "core/job.h"
+#include "core/job_commands.h"
 #include "core/platform.h"
 #include "core/refresh.h"
 #include "core/run.h"

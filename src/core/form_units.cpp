@@ -1,6 +1,7 @@
 // The window in which units and digits are chosen.
 #include "core/form_units.h"
 
+#include "core/changes.h"
 #include "core/controller.h"
 #include "core/job.h"
 #include "core/refresh.h"
@@ -84,8 +85,7 @@ void FormUnits::BtnOK_Click() {
     RhoFestlegung();
     HeldValues_UnitsChanged(lengthBefore, angleBefore);
     UnloadWindow("FormUnits");
-    if (IsLoaded("FormTrafoBerechnung")) CalculationWindow_UnitsChanged();
-    UpdateAllGraphicsWindows();
-    FuellenMainSheet();
+    Changed(What::UnitsAndDigits);
+    ShowChanges();  // ahead of what there may be to say of the settings
     SettingsSchreiben({"UnitLength", "UnitAngle", "DigitLength", "DigitAngle", "PhiThetaAsQ", "DigitScale"});
 }

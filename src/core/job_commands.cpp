@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "core/changes.h"
 #include "core/controller.h"
 #include "core/files.h"
 #include "core/job.h"
@@ -125,12 +126,11 @@ void MenuFileNew_Command() {
     Run.JobFilePath = WithExtension(*path);
     KeepFolder(Run.JobFilePath);
     CloseAllChildForms();
-    FuellenHaupttabelle();
     IdentischePkte_Neu();
     Run.JobDataValid = kFalse;
     Run.TrafoValid = Run.CalcDone = kFalse;
     ++Run.JobGeneration;
-    ProgrammLogik();
+    Changed(What::State);
 }
 
 void MenuFileOpen_Command() {

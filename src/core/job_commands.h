@@ -1,6 +1,14 @@
-// New, Open, Save, Save As and the recent files. The commands themselves are those that the main window's
-// menu calls, see core/refresh.h.
+// New, Open, Save, Save As and the recent files.
 #pragma once
+
+#include <string>
+
+void JobChanged();                                 // asks whether a changed job shall be saved
+void OpenLastProjekt(const std::string& caption);  // opens the job of a recent-file menu entry
+void MenuFileNew_Command();
+void MenuFileOpen_Command();
+void MenuFileSave_Command();
+void MenuFileSaveAs_Command();
 
 // Puts the path of the job that was just saved at the head of the recent files, and writes them to the
 // settings file. A path that differs from an entry by case alone stays where it is, the unnamed job's is

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "core/changes.h"
 #include "core/controller.h"
 #include "core/files.h"
 #include "core/form_main.h"
@@ -13,7 +14,6 @@
 #include "core/notes.h"
 #include "core/platform.h"
 #include "core/pose_spans.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/units.h"
 
@@ -97,8 +97,8 @@ void OpenFile(const std::string& path) {
     FillViewList({});
     Job.nSavedViews = 0;  // the views are found by the list alone
     JobFileContent content;
-    // A message and the fill of the sheet let other work in, and the job that it has opened is left as it is.
-    std::uint64_t generation = Run.JobGeneration;
+    // A message lets other work in, and the job that it has opened is left as it is.
+    const std::uint64_t generation = Run.JobGeneration;
     const auto overtaken = [&generation] { return Run.JobGeneration != generation; };
     try {
         const bool wanted = ReadWithQuestions(path, content);
@@ -112,7 +112,7 @@ void OpenFile(const std::string& path) {
     Job = std::move(content.Job);
     NoteJobFile(content, path);
     NoteMarks(path);
-    generation = ++Run.JobGeneration;
+    ++Run.JobGeneration;
     FillViewList(std::move(content.ViewNames));
     // The kinds of target file that a job does not store are not those of the job before.
     Run.IsDefault = Run.IsABBModx = Run.IsFanuc = Run.IsXYZABC = kFalse;
@@ -121,8 +121,5 @@ void OpenFile(const std::string& path) {
     NoteNotFinite(path);
     RhoFestlegung();
     Run.JobDataValid = kTrue;  // the main sheet shows no others
-    FuellenHaupttabelle();
-    if (overtaken()) return;
-    if (IsLoaded("FormTrafoBerechnung")) INI_Formtrafoberechnung();
-    ProgrammLogik();
+    Changed(What::OpenedJob);
 }

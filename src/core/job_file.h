@@ -81,7 +81,10 @@ std::string JobFault(const JobLengths& lengths);
 
 // --- The open job -----------------------------------------------------------------------------------------
 
-// OpenFile, which opens a job file, is declared in core/refresh.h.
+// Opens a job file: closes all windows, sets the run to "no data", asks and tells what there is to say of the
+// file's version, and fills the job. A file that is missing gives a message; throws PlatformError for one
+// that is no job (as ReadJobBytes), the job is then without data.
+void OpenFile(const std::string& path);
 
 // Writes the job that is open. The file is replaced in one step; where an old one is longer the rest of it
 // stays behind the job, unless either of them has a block, which ends its file. Throws PlatformError when

@@ -6,6 +6,7 @@
 #include <new>
 #include <stdexcept>
 
+#include "core/changes.h"
 #include "core/form_notes.h"
 #include "core/platform.h"
 #include "core/run.h"
@@ -22,7 +23,7 @@ Control Make(ControlKind kind, std::string text) {
 }
 
 void Run_(void (*handler)()) {
-    if (handler != nullptr) handler();
+    if (handler != nullptr) RunHandler(handler);
 }
 
 void RunClick(const Control& control) {
@@ -208,7 +209,7 @@ bool WentThrough(const std::function<void()>& work) {
 }  // namespace
 
 bool Dispatch(const std::function<void()>& work) {
-    const bool done = WentThrough(work);
+    const bool done = WentThrough([&work] { RunEvent(work); });
     ShowNotes();
     if (!done) ShowMessage(Run.LastPlatformError);
     return done;

@@ -86,6 +86,16 @@ void TakeSelection();
 // Enables the walk through the alternatives where the frame's angles give any.
 void Logic_BtnShowAlternativ();
 
+void myButtonCalculate();      // one whole calculation with the present selection of parameters
+double CalculationSigmaXYZ();  // of the last calculation, mm
+
+void MCS_OCS();            // swaps the two point sets of a job that has been marked as switched
+bool DirectionSwitched();  // the window has marked the job as switched
+
+void CalculationWindow_UnitsChanged();  // shows everything in the present units
+// Fills the window from the job: parameters as the job has them, or six parameters for a fresh one.
+void INI_Formtrafoberechnung();
+
 // Fills all result fields from the last calculation, the table and the clipboard, and keeps its quality for
 // the next comparison.
 void FormThings();

@@ -6,7 +6,6 @@
 #include "core/controller.h"
 #include "core/form_main.h"
 #include "core/job.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/units.h"
 #include "engine/calculation_window.h"

@@ -1,9 +1,9 @@
 // The direction of the job: which of the two point sets is the start.
 #include <algorithm>
 
+#include "core/changes.h"
 #include "core/controller.h"
 #include "core/job.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "engine/calculation_window.h"
 
@@ -35,10 +35,7 @@ void FormTrafoBerechnung::BtnSwitchMcsOcs_Click() {
         ShowDirection(" -> ");
     }
     MCS_OCS();
-    TabelleFüllenNeu();
-    UpdateAllGraphicsWindows();
-    FuellenMainSheet();
-    DistanceScale_Refill();
+    Changed(What::Coordinates | What::Pairs);
 }
 
 // The pairs stand first in both sets, so the use flags stay those of their points. The names of the two
@@ -54,6 +51,5 @@ void MCS_OCS() {
     // The parameters are those of the other direction until the next calculation.
     Run.TrafoValid = Run.CalcDone = kFalse;
     Run.JobDirty = kTrue;
-    ProgrammLogik();
-    if (IsLoaded("FormInputStatistic")) FORMfüllen();
+    Changed(What::Counts | What::State);
 }

@@ -1,4 +1,5 @@
 // The run of a calculation: from the click on the button until everything shows the new result.
+#include "core/changes.h"
 #include "core/controller.h"
 #include "core/form_main.h"
 #include "core/job.h"
@@ -78,15 +79,12 @@ void Calculate() {
     }
 }
 
-// False when other points have come in during the fill of the main sheet.
+// False when other points have come in meanwhile.
 bool ShowResultElsewhere() {
-    if (Main.MenueGraphics.Checked) DrawResultInGraphicsWindows();
     const std::uint64_t generation = Run.JobGeneration;
-    if (Main.MenuVievMainSheet.Checked) FuellenHaupttabelle();
+    Changed(What::Result);
+    ShowChanges();  // until then nothing else begins
     if (Run.JobGeneration != generation) return false;
-    DistanceScale_Refill();
-    if (Run.JobGeneration != generation) return false;
-    ProgrammLogik();
     Run.JobDirty = kTrue;
     return true;
 }
@@ -128,6 +126,7 @@ void CalculateAndShow() {
 }  // namespace
 
 void myButtonCalculate() {
+    ShowChanges();  // what has led to the calculation is seen ahead of it
     const BusyPointer busy;
     const Running running;
     do {

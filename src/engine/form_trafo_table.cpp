@@ -1,10 +1,10 @@
 // The point table of the calculation window: how it is filled, its columns, and the buttons about it.
 #include <algorithm>
 
+#include "core/changes.h"
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/numbers.h"
-#include "core/refresh.h"
 #include "core/settings.h"
 #include "core/units.h"
 #include "engine/calculation_window.h"
@@ -91,5 +91,5 @@ void FormTrafoBerechnung::BtnUseAllPts_Click() {
     } else {
         TabelleFüllenNeu();
     }
-    if (Main.MenueGraphics.Checked) Alle_Fahnen_neu_zeichnen();
+    Changed(What::Use);
 }

@@ -1,6 +1,7 @@
 // What the user does in the point table: coordinates in and out of the fit, seed points, sorting, copying.
 #include <algorithm>
 
+#include "core/changes.h"
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/platform.h"
@@ -76,7 +77,7 @@ bool TakeSeed() {
 }
 
 void TellOthers() {
-    if (Main.MenueGraphics.Checked) Alle_Fahnen_neu_zeichnen();
+    Changed(What::Use);
     RecalculateIfAutomatic();
 }
 

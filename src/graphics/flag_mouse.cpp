@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/changes.h"
 #include "core/form_main.h"
 #include "core/job.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/window.h"
 #include "engine/calculation_window.h"
@@ -151,7 +151,7 @@ void FlagDoubleClicked(ScreenWindow& window, int flag, const FlagCell& cell) {
     Run.JobDirty = kTrue;
     const bool calculates = IsLoaded("FormTrafoBerechnung");
     if (calculates) TabelleFüllenNeu();
-    Alle_Fahnen_neu_zeichnen();
+    Changed(What::Use);
     if (calculates) RecalculateIfAutomatic();
 }
 

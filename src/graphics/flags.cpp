@@ -8,7 +8,6 @@
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/settings.h"
 #include "core/units.h"
 #include "fit/require.h"

@@ -41,6 +41,7 @@ void FahnenReset(ScreenWindow& window);
 void RefillDynamicFlag(ScreenWindow& window);
 // Writes the texts of all flags anew and paints the window.
 void RefreshFlags(ScreenWindow& window);
+void Alle_Fahnen_neu_zeichnen();  // in all windows
 // Puts the fields of flags in order, so that every number leads to a record.
 void MakeFlagsUsable(ScreenRecord& view);
 

@@ -3,10 +3,10 @@
 
 #include <optional>
 
+#include "core/changes.h"
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/settings.h"
 #include "graphics/screen_window.h"
 
@@ -88,7 +88,7 @@ void FormGraphicsOptions::Übernehmen() {
                        "DevVecDirection"});
     // The two-colour mode goes by this entry, so it is right before the windows are painted.
     Main.MenüAnsichtToleranzenColorbar.Checked = IsTrue(Settings.ShowColorBar);
-    UpdateAllGraphicsWindows();
+    Changed(What::PictureSettings);
 }
 
 void GraphicsOptions_ShowColorBar() {

@@ -1,4 +1,6 @@
-// What the other rooms tell the graphics windows after a change.
+// What the graphics windows show of a change, and what the main window shows of them.
+#include "graphics/graphics_refresh.h"
+
 #include "core/form_main.h"
 #include "core/refresh.h"
 #include "core/run.h"
@@ -17,37 +19,79 @@ void ForEachScreen(Action action) {
     for (std::size_t i = 0; i < Screens().Open.size(); ++i) action(*Screens().Open[i]);
 }
 
+constexpr What kPictureChanges =
+    What::Points | What::Coordinates | What::UnitsAndDigits | What::PictureSettings;
+
 void DrawAnew(ScreenWindow& window) {
     Grafik_Festlegen(window);
     Stelle_Grafik_dar(window);
 }
 
-}  // namespace
-
-void CountChildForms(std::int16_t& count) {
-    count = static_cast<std::int16_t>(Screens().Open.size());
+// A new result is drawn wherever a picture is, all else where the job holds points.
+void ShowPictures(What changed) {
+    const bool result = Share(changed, What::Result) && Main.MenueGraphics.Checked;
+    const bool other = Share(changed, kPictureChanges);
+    if (result)
+        DrawResultInGraphicsWindows();
+    else if (other)
+        UpdateAllGraphicsWindows();
 }
 
-GraphicsModes TopGraphicsModes() {
-    const ScreenWindow* window = Screens().Active;
-    if (window == nullptr) return {};
-    return {IsTrue(window->State.VectorMode), IsTrue(window->State.FlagMode), IsTrue(window->State.LineMode),
-            window->SetLine, window->DeleteLine};
+void ShowUse(What) {
+    if (Main.MenueGraphics.Checked) Alle_Fahnen_neu_zeichnen();
 }
 
-void ApplyTopGraphicsModes() {
+// The mouse pointer of a window goes by its modes; without line mode no line is set or deleted.
+void PutPointerInOrder(ScreenWindow& window) {
+    if (!IsTrue(window.State.LineMode)) window.SetLine = window.DeleteLine = false;
+    window.Pointer = window.DeleteLine               ? ScreenPointer::DeletesLine
+                     : window.SetLine                ? ScreenPointer::SetsLine
+                     : IsTrue(window.State.FlagMode) ? ScreenPointer::SetsFlag
+                                                     : ScreenPointer::Arrow;
+}
+
+// The main window follows the modes of the top graphics window.
+void ShowTopWindow(What) {
     ScreenWindow* window = Screens().Active;
     if (window == nullptr) return;
-    if (!IsTrue(window->State.LineMode)) window->SetLine = window->DeleteLine = false;
-    window->Pointer = window->DeleteLine               ? ScreenPointer::DeletesLine
-                      : window->SetLine                ? ScreenPointer::SetsLine
-                      : IsTrue(window->State.FlagMode) ? ScreenPointer::SetsFlag
-                                                       : ScreenPointer::Arrow;
+    PutPointerInOrder(*window);
+    const auto press = [](Control& button, bool pressed) { button.Value = pressed ? 1 : 0; };
+    const bool vectors = IsTrue(window->State.VectorMode);
+    Main.MenüAnsichtVektorenVektorModeActive.Checked = vectors;
+    for (Control* command : {&Main.MenüAnsichtVektorenShorter, &Main.MenüAnsichtVektorenLonger})
+        command->Enabled = vectors;
+    for (Control* button : {&Main.ToolbarGraphics_VectorMode, &Main.ToolbarGraphics_VectorLonger,
+                            &Main.ToolbarGraphics_VectorShorter})
+        press(*button, vectors);
+    Main.MenüGlobalFlagsMode.Checked = IsTrue(window->State.FlagMode);
+    press(Main.ToolbarGraphics_FlagMode, IsTrue(window->State.FlagMode));
+    // The entry that turns the line mode on stays within reach while it is off.
+    const bool lines = IsTrue(window->State.LineMode);
+    Main.MenüGraphicsLinesLineModeActive.Checked = lines;
+    for (Control* command : {&Main.MenüGraphicsLinesDeleteLines, &Main.MenüGraphicsLinesSetLines})
+        command->Enabled = lines;
+    for (Control* button :
+         {&Main.ToolbarLines_LineMode, &Main.ToolbarLines_SetLines, &Main.ToolbarLines_DeleteLines})
+        press(*button, lines);
+    Main.MenüGraphicsLinesSetLines.Checked = window->SetLine;
+    Main.MenüGraphicsLinesDeleteLines.Checked = window->DeleteLine;
     Main.MenüAnsichtAnalyseModeActive.Checked = window->AnalyseMode;
-    Main.ToolbarGraphics_AnalyseMode.Value = window->AnalyseMode ? 1 : 0;
+    press(Main.ToolbarGraphics_AnalyseMode, window->AnalyseMode);
     Main.MenüAnsichtToleranzenColorbar.Checked = IsTrue(Settings.ShowColorBar);
     ShowFlagCommands();
     ShowUndoState();  // the main window has just enabled its tool bars as a whole
+}
+
+constexpr ChangeRow kChanges[] = {
+    {kPictureChanges | What::Result, Turn::Pictures, ShowPictures},
+    {What::Use, Turn::Flags, ShowUse},
+    {kStateOfJob, Turn::TopWindow, ShowTopWindow},
+};
+
+}  // namespace
+
+std::span<const ChangeRow> GraphicsChanges() {
+    return kChanges;
 }
 
 // The active window goes last: its settings are those that a new window begins with.
@@ -63,12 +107,12 @@ void UpdateAllGraphicsWindows() {
     if (IsTrue(Run.JobDataValid)) ForEachScreen(DrawAnew);
 }
 
-void Grafik_Festlegen_Main() {
-    if (!Screens().Open.empty()) Grafik_Festlegen(*Screens().Open.front());
-}
-
 void DrawResultInGraphicsWindows() {
     ForEachScreen(DrawAnew);
+}
+
+void Grafik_Festlegen_Main() {
+    if (!Screens().Open.empty()) Grafik_Festlegen(*Screens().Open.front());
 }
 
 bool GraphicsDefaultsTaken() {

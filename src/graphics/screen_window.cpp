@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "core/changes.h"
 #include "core/controller.h"
 #include "core/form_main.h"
 #include "core/job.h"
@@ -118,6 +119,7 @@ void ShowNoModes() {
 void GraphicsFormOpen() {
     Main.MenueGraphicsWindow.Enabled = !screens.Open.empty();
     Main.MenueGraphics.Checked = !screens.Open.empty();
+    if (!screens.Open.empty()) Run.GraphicsWindowSeen = true;
     ProgrammLogik();
     ShowFlagCommands();
     ShowUndoState();
@@ -206,8 +208,7 @@ void ActivateScreenWindow(ScreenWindow& window) {
     if (screens.Active == &window) return;
     screens.Active = &window;
     ShowInDialogs(window);
-    ProgrammLogik();
-    ShowUndoState();
+    Changed(What::State);
 }
 
 void ResizeScreenWindow(ScreenWindow& window, int width, int height) {

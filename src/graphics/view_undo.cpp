@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "core/changes.h"
 #include "core/controller.h"
 #include "core/form_main.h"
 #include "graphics/drawing.h"
@@ -74,8 +75,7 @@ void GetScreenPropertiesFromRecord(ScreenWindow& window, const ScreenRecord& vie
     ColorBar_ShowWindow(window);
     BlackPlane_ShowWindow(window);
     Stelle_Grafik_dar(window);
-    ProgrammLogik();
-    ShowUndoState();
+    Changed(What::State);
 }
 
 void ShowUndoState() {

@@ -14,6 +14,7 @@
 #include "core/text.h"
 #include "core/units.h"
 #include "core/window.h"
+#include "engine/calculation_window.h"
 #include "import/import_request.h"
 
 namespace {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/changes.h"
 #include "core/controller.h"
 #include "core/files.h"
 #include "core/job.h"
@@ -256,9 +257,9 @@ void FormInputFiles::BtnImportMoreMCS_Click() {
                         prefix ? "" : w.TextPreSuff.Text))
         return;
     const std::uint64_t generation = ++Run.JobGeneration;
-    FuellenHaupttabelle();
+    Changed(What::MorePoints);
+    ShowChanges();
     if (Run.JobGeneration != generation) return;
-    if (IsLoaded("FormInputStatistic")) FORMfüllen();
     Run.JobDirty = kTrue;
 }
 

@@ -5,6 +5,7 @@
 #include <exception>
 #include <optional>
 
+#include "core/changes.h"
 #include "core/controller.h"
 #include "core/files.h"
 #include "core/form_main.h"
@@ -197,7 +198,7 @@ struct ImportGuard {
         Run.StopRequested = kFalse;  // a stop ends this import, not the calculation after it
         if (Whole || std::uncaught_exceptions() == exceptions_) return;
         Run.JobDataValid = Run.TrafoValid = kFalse;
-        ProgrammLogik();
+        Changed(What::State);
     }
     bool Whole = false;  // all points are read and paired
 
@@ -251,15 +252,13 @@ void NotePairsWithoutOrientation(const ImportRequest& request) {
 ImportOutcome EndCancelled(JobBeforeImport& before) {
     if (!IsTrue(Run.StopRequested) || LongImport.Overtaken) return ImportOutcome::NotRead;
     before.Restore();
-    ProgrammLogik();
-    if (IsTrue(Run.JobDataValid)) FuellenHaupttabelle();
+    Changed(What::Restored);
     return ImportOutcome::NotRead;
 }
 
 }  // namespace
 
 void ShowNewPoints() {
-    if (IsLoaded("FormInputStatistic")) FORMfüllen();
     if (Main.MenuTransformationCalculation.Checked) {
         UnloadWindow("FormTrafoBerechnung");
         ShowWindow("FormTrafoBerechnung");
@@ -321,10 +320,9 @@ ImportOutcome Import(const ImportRequest& request) {
     NotePairsWithoutOrientation(request);
     Run.JobDataValid = kTrue;  // the main sheet shows no others
     const std::uint64_t generation = Run.JobGeneration;
-    FuellenHaupttabelle();
+    Changed(What::Points);
+    ShowChanges();
     if (Run.JobGeneration != generation && !IsLoaded(request.Window)) return ImportOutcome::Overtaken;
-    ProgrammLogik();
-    UpdateAllGraphicsWindows();  // the round trip has left them open
     ShowNewPoints();
     // The dialog may have imported other points during the fill: the shape is not theirs.
     const bool isOfThisJob = IsTrue(Job.IsParaboloid) && Job.PathOCS == request.TargetPath;
@@ -338,6 +336,6 @@ ImportOutcome Import(const ImportRequest& request) {
     Settings.OCS_FileName = Job.PathOCS;
     SettingsSchreiben({"NameMCS", "NameOCS", "LastMCSRoot", "LastOCSRoot", "MCS_FileName", "OCS_FileName",
                        "LastDropDownInfoInOCS"});
-    DistanceScale_Refill();
+    Changed(What::Pairs);
     return IsTrue(Run.ImportFailed) ? ImportOutcome::NotRead : ImportOutcome::Done;
 }

@@ -64,6 +64,6 @@ enum class ImportOutcome : std::uint8_t {
 // Throws PlatformError on a file or number that cannot be read; the job is not valid then.
 ImportOutcome Import(const ImportRequest& request);
 
-// What stays open shows the points that have just come in: the statistic, the calculation begun anew. The job
-// is changed.
+// The calculation window is begun anew with the points that have just come in, where it is open. The job is
+// changed.
 void ShowNewPoints();

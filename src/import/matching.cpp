@@ -14,6 +14,7 @@
 #include "core/refresh.h"
 #include "core/run.h"
 #include "core/text.h"
+#include "engine/calculation_window.h"
 #include "import/long_import.h"
 #include "import/name_order.h"
 #include "import/row_notes.h"

@@ -147,12 +147,6 @@ void PutTarget(int i, const Vec3& target) {
     Job.Target.SetPoint(i, target(1), target(2), target(3));
 }
 
-void ShowTargets() {
-    if (CalculationWindowIsOpen()) TabelleFüllenNeu();
-    UpdateAllGraphicsWindows();
-    FuellenHaupttabelle();
-}
-
 void BeginOuterLoop() {
     ParaboloidRun.PreviousS0 = 100;
     for (ParameterTrend& trend : ParaboloidRun.Trends) {

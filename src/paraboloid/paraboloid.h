@@ -81,4 +81,3 @@ bool RunMonteCarloOfShape();
 void PutTarget(int i, const Vec3& target);
 
 // Shows the targets wherever they are on show.
-void ShowTargets();

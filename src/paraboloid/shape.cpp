@@ -6,7 +6,6 @@
 
 #include "core/job.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/units.h"
 #include "engine/transform.h"

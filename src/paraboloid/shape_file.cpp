@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "core/changes.h"
 #include "core/files.h"
 #include "core/job.h"
 #include "core/numbers.h"
@@ -255,5 +256,5 @@ void ParaboloidNearestTargets() {
                           nearest(3), distance);
         PutTarget(i, nearest);
     }
-    ShowTargets();
+    Changed(What::Coordinates);
 }

@@ -10,7 +10,7 @@
 
 #include "core/controller.h"
 #include "core/files.h"
-#include "core/refresh.h"
+#include "core/job_commands.h"
 #include "core/text.h"
 #include "import/form_input_files.h"
 #include "ui/desktop.h"

@@ -7,7 +7,6 @@
 #include "core/controller.h"
 #include "core/form_main.h"
 #include "core/job.h"
-#include "core/refresh.h"
 #include "core/settings.h"
 #include "core/units.h"
 #include "import/robot_files.h"

@@ -1,4 +1,5 @@
 // When the main sheet is filled, what may happen while it is, and what it never shows.
+#include "analysis/form_main_sheet.h"
 #include "analysis/import_files.h"
 #include "analysis/main_sheet_job.h"
 #include "core/form_units.h"
@@ -110,7 +111,7 @@ TEST_F(MainSheetFill, AClosedSheetIsNotFilledAndSaysNothing) {
     FivePoints();
     const std::uint64_t yields = Headless.Yields;
     FuellenHaupttabelle();
-    FuellenMainSheet();
+    Changed(What::UnitsAndDigits);
     MainSheet_ShowPoint(1);
     MainSheet_Copy();
     EXPECT_EQ(Headless.Yields, yields);

@@ -1,5 +1,6 @@
 // What the user does in the main sheet: sorting, copying, picking values and points, column widths.
 
+#include "analysis/form_main_sheet.h"
 #include "analysis/main_sheet_job.h"
 #include "core/files.h"
 

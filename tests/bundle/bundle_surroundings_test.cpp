@@ -3,7 +3,6 @@
 #include "bundle/network_job.h"
 #include "core/form_main.h"
 #include "core/form_progress_bar.h"
-#include "core/refresh.h"
 
 namespace {
 

@@ -8,7 +8,6 @@
 #include "core/job_file.h"
 #include "core/notes.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/window.h"
 #include "support/fixture.h"
 

@@ -9,7 +9,6 @@
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/job_file.h"
-#include "core/refresh.h"
 #include "core/settings.h"
 #include "core/text.h"
 #include "support/fixture.h"

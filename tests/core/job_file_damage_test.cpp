@@ -7,7 +7,6 @@
 #include "core/job_bytes.h"
 #include "core/job_file.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/window.h"
 #include "support/fixture.h"
 #include "support/memory_use.h"

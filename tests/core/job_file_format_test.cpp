@@ -8,7 +8,6 @@
 #include "core/job_bytes.h"
 #include "core/job_file.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/units.h"
 #include "support/fixture.h"
 

@@ -10,7 +10,6 @@
 #include "core/job_bytes.h"
 #include "core/job_file.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/window.h"
 #include "support/fixture.h"
 

@@ -5,7 +5,6 @@
 #include "core/job_bytes.h"
 #include "core/job_file.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "support/fixture.h"
 
 using JobFileViews = Program;

@@ -6,8 +6,8 @@
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/job_bytes.h"
+#include "core/job_file.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/window.h"
 #include "support/fixture.h"
 

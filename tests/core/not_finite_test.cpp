@@ -2,8 +2,8 @@
 #include <limits>
 
 #include "core/job_bytes.h"
+#include "core/job_file.h"
 #include "core/notes.h"
-#include "core/refresh.h"
 #include "core/window.h"
 #include "support/fixture.h"
 

@@ -2,10 +2,10 @@
 // that close and open, jobs with odd texts. Nothing of it may leave the window in a state of its own.
 #include <limits>
 
-#include "core/refresh.h"
 #include "core/settings.h"
 #include "engine/adjustment.h"
 #include "engine/calculation_job.h"
+#include "engine/calculation_window.h"
 
 namespace {
 

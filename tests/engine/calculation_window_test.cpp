@@ -1,7 +1,9 @@
 // The run of a calculation in its window: the click, the stop, the direction, and what a refusal leaves.
+#include "engine/calculation_window.h"
+
 #include <cmath>
 
-#include "core/refresh.h"
+#include "core/controller.h"
 #include "core/settings.h"
 #include "engine/adjustment.h"
 #include "engine/calculation_job.h"

@@ -8,7 +8,6 @@
 #include "cli/headless.h"
 #include "core/controller.h"
 #include "core/job.h"
-#include "core/refresh.h"
 #include "core/settings.h"
 #include "core/units.h"
 #include "engine/calculation.h"

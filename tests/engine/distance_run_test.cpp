@@ -1,10 +1,10 @@
 // Fits to distances in the calculation window, and the R vectors that they leave for the pictures.
 #include <cmath>
 
-#include "core/refresh.h"
 #include "core/settings.h"
 #include "engine/adjustment.h"
 #include "engine/calculation_job.h"
+#include "engine/calculation_window.h"
 #include "engine/transform.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // Values that the user holds parameters at: as typed, in whatever unit, from one calculation to the next.
-#include "core/refresh.h"
 #include "engine/adjustment.h"
 #include "engine/calculation_job.h"
+#include "engine/calculation_window.h"
 #include "engine/field_number.h"
 #include "engine/selection.h"
 

@@ -3,11 +3,11 @@
 #include <limits>
 
 #include "cli/headless.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/calculation_window.h"
 #include "engine/design.h"
 #include "engine/fit_job.h"
 #include "engine/selection.h"

@@ -1,4 +1,5 @@
 // What a click in the point table does to the use flags and the seed points.
+#include "engine/calculation_window.h"
 #include "engine/point_table_window.h"
 
 using PointTableClicks = PointTableWindow;

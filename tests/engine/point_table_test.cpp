@@ -1,4 +1,5 @@
 // What the point table of the calculation window shows, how it is sorted and copied.
+#include "engine/calculation_window.h"
 #include "engine/point_table_window.h"
 
 using PointTableShown = PointTableWindow;

@@ -5,7 +5,6 @@
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/numbers.h"
-#include "core/refresh.h"
 #include "core/settings.h"
 #include "core/units.h"
 #include "core/window.h"

@@ -4,9 +4,9 @@
 #include <cmath>
 
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/settings.h"
 #include "core/units.h"
+#include "engine/calculation_window.h"
 #include "engine/fit_job.h"
 #include "engine/selection.h"
 #include "support/fixture.h"

@@ -1,7 +1,9 @@
 // The analyse mode: points that run along their vectors, while anything may happen under the loop.
 #include "graphics/analyse_mode.h"
 
+#include "engine/calculation_window.h"
 #include "graphics/black_planes.h"
+#include "graphics/graphics_refresh.h"
 #include "graphics/input_window.h"
 
 namespace {

@@ -1,6 +1,7 @@
 // What the mouse does with flags: marking, dragging, the pop-up menu, use cells, the dynamic flag.
 #include "engine/form_trafo_berechnung.h"
 #include "graphics/flag_window.h"
+#include "graphics/graphics_refresh.h"
 
 using FlagMouse = FlagWindow;
 

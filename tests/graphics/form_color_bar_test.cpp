@@ -4,6 +4,7 @@
 #include "cli/headless.h"
 #include "graphics/drawing.h"
 #include "graphics/graphics_fixture.h"
+#include "graphics/graphics_refresh.h"
 #include "graphics/tolerance.h"
 #include "graphics/view_undo.h"
 

@@ -1,4 +1,5 @@
 // Menu entries and tool bar keys of the main window that act on the graphics window on top.
+#include "engine/calculation_window.h"
 #include "graphics/bindings_overlay.h"
 #include "graphics/input_window.h"
 #include "graphics/tolerance.h"

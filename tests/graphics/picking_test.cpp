@@ -1,6 +1,7 @@
 // Points under the mouse, and the point that main sheet and pictures share.
 #include <random>
 
+#include "graphics/graphics_refresh.h"
 #include "graphics/input_window.h"
 #include "graphics/tolerance.h"
 

@@ -8,6 +8,7 @@
 #include "graphics/drawing.h"
 #include "graphics/form_color_bar.h"
 #include "graphics/graphics_fixture.h"
+#include "graphics/graphics_refresh.h"
 #include "graphics/view_undo.h"
 
 using GraphicsWindows = GraphicsJob;

@@ -9,6 +9,7 @@
 #include "core/units.h"
 #include "graphics/drawing.h"
 #include "graphics/graphics_fixture.h"
+#include "graphics/graphics_refresh.h"
 
 using GraphicsTolerance = GraphicsJob;
 

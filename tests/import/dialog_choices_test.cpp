@@ -4,7 +4,6 @@
 #include "core/job.h"
 #include "core/job_file.h"
 #include "core/notes.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "import/input_dialog.h"

@@ -5,7 +5,6 @@
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/job_file.h"
-#include "core/refresh.h"
 #include "core/settings.h"
 #include "import/input_dialog.h"
 

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "core/job.h"
-#include "core/refresh.h"
+#include "core/job_file.h"
 #include "core/settings.h"
 #include "core/window.h"
 #include "graphics/drawing.h"

@@ -1,0 +1,41 @@
+// What main sheet, distances and input statistic show of a change.
+#include "analysis/analysis_changes.h"
+
+#include "analysis/form_distance_scale.h"
+#include "analysis/form_input_statistic.h"
+#include "analysis/form_main_sheet.h"
+#include "core/form_main.h"
+#include "core/run.h"
+
+namespace {
+
+constexpr What kSheetChanges =
+    What::OpenedJob | What::Points | What::MorePoints | What::Coordinates | What::UnitsAndDigits;
+
+// A result fills a sheet that shows points; points that are back after an import are shown where they are
+// a job.
+void ShowInSheet(What changed) {
+    const bool result = Share(changed, What::Result) && Main.MenuVievMainSheet.Checked;
+    const bool restored = Share(changed, What::Restored) && IsTrue(Run.JobDataValid);
+    if (result || restored || Share(changed, kSheetChanges)) FuellenHaupttabelle();
+}
+
+void ShowInDistances(What) {
+    DistanceScale_Refill();
+}
+
+void ShowInStatistic(What) {
+    if (IsLoaded("FormInputStatistic")) FORMfüllen();
+}
+
+constexpr ChangeRow kChanges[] = {
+    {kSheetChanges | What::Result | What::Restored, Turn::Sheet, ShowInSheet},
+    {What::Pairs | What::Result, Turn::Distances, ShowInDistances},
+    {What::Points | What::MorePoints | What::Counts, Turn::Statistic, ShowInStatistic},
+};
+
+}  // namespace
+
+std::span<const ChangeRow> AnalysisChanges() {
+    return kChanges;
+}

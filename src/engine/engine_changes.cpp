@@ -1,0 +1,34 @@
+// What the calculation window shows of a change.
+#include "engine/engine_changes.h"
+
+#include "engine/calculation_window.h"
+
+namespace {
+
+bool WindowIsOpen() {
+    return IsLoaded("FormTrafoBerechnung");
+}
+
+void ShowUnits(What) {
+    if (WindowIsOpen()) CalculationWindow_UnitsChanged();
+}
+
+void ShowPoints(What) {
+    if (WindowIsOpen()) TabelleFüllenNeu();
+}
+
+void ShowJob(What) {
+    if (WindowIsOpen()) INI_Formtrafoberechnung();
+}
+
+constexpr ChangeRow kChanges[] = {
+    {What::UnitsAndDigits, Turn::CalculationUnits, ShowUnits},
+    {What::Coordinates, Turn::PairTable, ShowPoints},
+    {What::OpenedJob, Turn::CalculationFields, ShowJob, true},
+};
+
+}  // namespace
+
+std::span<const ChangeRow> EngineChanges() {
+    return kChanges;
+}

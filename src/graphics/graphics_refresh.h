@@ -1,0 +1,11 @@
+// What the graphics windows show of a change.
+#pragma once
+
+#include <span>
+
+#include "core/changes.h"
+
+std::span<const ChangeRow> GraphicsChanges();  // the room's rows in the table of changes
+
+void UpdateAllGraphicsWindows();     // recomputes and redraws all of them where the job holds points
+void DrawResultInGraphicsWindows();  // the same, whatever the job holds
