@@ -17,9 +17,6 @@ namespace {
 
 constexpr Colour kRed = 255, kGreen = 255 << 8, kBlue = 255 << 16, kWhite = 0xFFFFFF;
 
-constexpr Colour Rgb(int red, int green, int blue) {
-    return red | green << 8 | blue << 16;
-}
 int GreenOf(Colour colour) {
     return colour >> 8 & 255;
 }

@@ -1,0 +1,141 @@
+// Who is called from where: what a room's headers declare is defined in that room, so that no call runs up.
+// The few exceptions are listed here by name.
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <sstream>
+
+#include "support/fixture.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Names = std::set<std::string>;
+
+// A statement or the head of a definition that begins at the left edge.
+struct Head {
+    std::string Text;
+    bool Defines = false;  // a body follows
+};
+
+bool BeginsWithAny(const std::string& line, std::initializer_list<const char*> words) {
+    return std::any_of(words.begin(), words.end(), [&](const char* word) { return line.starts_with(word); });
+}
+
+std::vector<Head> HeadsOf(const std::string& text) {
+    std::vector<Head> heads;
+    std::istringstream lines(text);
+    std::string head;
+    for (std::string line; std::getline(lines, line);) {
+        if (head.empty() && (line.empty() || line.ends_with(':') ||
+                             std::string_view(" \t#/}").find(line[0]) != std::string_view::npos))
+            continue;
+        if (const std::size_t comment = line.find("//"); comment != std::string::npos) line.resize(comment);
+        head += " " + line;
+        const std::size_t body = head.find('{'), end = head.find(';');
+        if (body == std::string::npos && end == std::string::npos) continue;
+        heads.push_back({head.substr(1, std::min(body, end) - 1), body < end});
+        head.clear();
+    }
+    return heads;
+}
+
+// The procedure's name; "" where the head is of something else.
+std::string ProcedureOf(const Head& head) {
+    const std::string& text = head.Text;
+    if (BeginsWithAny(
+            text, {"using", "struct", "class", "enum", "namespace", "template", "extern", "static_assert"}))
+        return "";
+    const std::size_t open = text.find('(');
+    if (open == std::string::npos || text.find('=') < open) return "";
+    std::size_t first = open;
+    const auto isLetter = [](char c) {
+        return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || (c & '\x80') != 0;
+    };
+    while (first > 0 && isLetter(text[first - 1])) --first;
+    if (first == 0 || text[first - 1] == ':' || first == open) return "";
+    return text.substr(first, open - first);
+}
+
+struct Rooms {
+    std::map<std::string, Names> Declared;  // by header, relative to src/
+    std::map<std::string, Names> Defined;   // by room; "" above all rooms
+
+    Rooms() {
+        const fs::path source = fs::path(CORVINADE_SOURCE_DIR) / "src";
+        for (const auto& entry : fs::recursive_directory_iterator(source)) {
+            const std::string extension = entry.path().extension().string();
+            if (extension != ".h" && extension != ".cpp" && extension != ".inl") continue;
+            const std::string file = fs::relative(entry.path(), source).generic_string();
+            const std::size_t slash = file.find('/');
+            const std::string room = slash == std::string::npos ? "" : file.substr(0, slash);
+            for (const Head& head : HeadsOf(Contents(entry.path().string()))) {
+                const std::string name = ProcedureOf(head);
+                if (name.empty()) continue;
+                if (head.Defines) Defined[room].insert(name);
+                if (!head.Defines && extension == ".h") Declared[file].insert(name);
+            }
+        }
+    }
+    // Declared in a header and not defined in its room, by the header.
+    std::map<std::string, Names> DefinedElsewhere() const {
+        std::map<std::string, Names> elsewhere;
+        for (const auto& [header, names] : Declared) {
+            const Names& own = Defined.at(header.substr(0, header.find('/')));
+            for (const std::string& name : names)
+                if (!own.contains(name)) elsewhere[header].insert(name);
+        }
+        return elsewhere;
+    }
+};
+
+}  // namespace
+
+TEST(Calls, WhatAHeaderDeclaresIsDefinedInItsRoom) {
+    const Rooms rooms;
+    std::map<std::string, Names> elsewhere = rooms.DefinedElsewhere();
+    // What the world around the program does, each face of the program does for itself.
+    for (const char* header : {"core/platform.h", "core/large_pages.h"}) {
+        for (const std::string& name : elsewhere[header])
+            for (const char* face : {"cli", "ui"}) EXPECT_TRUE(rooms.Defined.at(face).contains(name)) << name;
+        elsewhere.erase(header);
+    }
+    // The tables above all rooms.
+    for (const auto& [header, name] : {std::pair{"core/changes.h", "AllChangeRows"},
+                                       {"core/fresh_start.h", "FreshStart"},
+                                       {"core/records.h", "AllRecords"},
+                                       {"core/window.h", "AllWindows"}}) {
+        EXPECT_EQ(elsewhere[header], Names{name}) << header;
+        EXPECT_TRUE(rooms.Defined.at("").contains(name)) << name;
+        elsewhere.erase(header);
+    }
+    // Work of upper rooms that lower ones set going. What merely shows a change is a row of the table of
+    // changes, so this list grows no longer.
+    EXPECT_EQ(elsewhere["core/refresh.h"],
+              (Names{"CalculateParaboloid", "ClipboardRoundTrip", "CloseAllGraphicsWindows",
+                     "EinlesenParaboloidData", "GraphicsDefaultsTaken", "Grafik_Festlegen_Main",
+                     "HeldValues_UnitsChanged", "IdentischePkte_Neu", "MainSheet_Copy", "MainSheet_ShowPoint",
+                     "ParaboloidNearestTargets", "ReadBundleFile", "SetActivePoint"}));
+    elsewhere.erase("core/refresh.h");
+    for (const auto& [header, names] : elsewhere)
+        for (const std::string& name : names)
+            ADD_FAILURE() << header << " declares " << name << ", which is defined in another room";
+}
+
+TEST(Calls, TheHeadsOfProceduresAreSeen) {
+    const std::vector<Head> heads = HeadsOf(
+        "// void No();\n"
+        "int One(int a,\n        int b);\n"
+        "void Two() {\n    Three();\n}\n"
+        "class Four {\npublic:\n    void Five();\n};\n"
+        "constexpr int kSix = Seven(1);\n"
+        "void FormEight::Nine() {\n}\n"
+        "Vec3 Größe(int i) {  // mm\n}\n");
+    std::vector<std::string> names;
+    for (const Head& head : heads)
+        if (const std::string name = ProcedureOf(head); !name.empty())
+            names.push_back(name + (head.Defines ? " defined" : " declared"));
+    EXPECT_EQ(names, (std::vector<std::string>{"One declared", "Two defined", "Größe defined"}));
+}
