@@ -116,6 +116,19 @@ void NoteNotFinite(const std::string& path) {
     points("of the transformed points", Job.Transformed);
     rows("of the orientations", Job.RobotABC);
     rows("of the shape", Job.ParaboloidShape);
+    found.Add(
+        "of the result", kParameterEnd - 1, 1, [](int i, int) { return ParameterValue(Job, i); },
+        [](int i) { return std::string(ParameterName(i)); });
+    const std::size_t vectors = std::max({Job.RVecX.size(), Job.RVecY.size(), Job.RVecZ.size()});
+    found.Add(
+        "of the R vectors", static_cast<int>(vectors) - 1, 3,
+        [](int i, int k) {
+            const auto at = static_cast<std::size_t>(i);
+            if (k == 3) return at < Job.RVecZ.size() ? Job.RVecZ[at] : 0;
+            const std::vector<TaggedValue>& values = k == 1 ? Job.RVecX : Job.RVecY;
+            return at < values.size() ? values[at].value_or(0) : 0;
+        },
+        [](int i) { return "row " + std::to_string(i); });
     if (found.Count == 0) return;
     AddNote(NoteCode::NotFinite,
             "Numbers of the job are infinite or none: " + found.Text +

@@ -18,6 +18,7 @@ void NoteOrientationsLost(const std::string& path);
 // a name are none; three places behind the names are what the search by distances leaves.
 void NoteShortNames(const std::string& path);
 
-// The same: the note that coordinates of a set of points, orientations or the shape are infinite or no
-// numbers. A file of points cannot bring such into a job, and what is computed from them is nothing.
+// The same: the note that coordinates of a set of points, orientations, the shape, the result or its R
+// vectors are infinite or no numbers. A file of points cannot bring such into a job, and what is computed
+// from them is nothing.
 void NoteNotFinite(const std::string& path);

@@ -61,3 +61,24 @@ TEST_F(NotFiniteCommands, EveryCommandSaysSoAndStrictLetsNonePass) {
     ASSERT_EQ(Notes.List.size(), 1u);
     EXPECT_EQ(Notes.List[0].Code, NoteCode::NotFinite);
 }
+
+TEST_F(NotFiniteCommands, AResultThatIsNoneIsNotedByWhatUsesIt) {
+    for (const double value :
+         {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
+        JobFileContent content = ReadJobBytes(Contents(good_), good_);
+        content.Job.TraX = value;
+        Write("job.cvn", JobBytes(content.Job, {}));
+        for (std::vector<std::string> command : {std::vector<std::string>{"info", job_},
+                                                 {"convert", job_, PathOf("copy.cvn")},
+                                                 {"render", job_, "--out", PathOf("a.svg")},
+                                                 {"distances", job_, "--with-result"}}) {
+            const Outcome plain = FreshCommandLine(command);
+            EXPECT_NE(plain.Err.find("warning: Numbers of the job are infinite or none: 1 of the result (the "
+                                     "first of Tra x)"),
+                      std::string::npos)
+                << command[0] << plain.Err;
+            command.emplace_back("--strict");
+            EXPECT_EQ(FreshCommandLine(command).Status, 3) << command[0];
+        }
+    }
+}

@@ -1,9 +1,11 @@
 // A job file with numbers that are infinite or none: opening it says so.
+#include <cmath>
 #include <limits>
 
 #include "core/job_bytes.h"
 #include "core/job_file.h"
 #include "core/notes.h"
+#include "core/parameter_names.h"
 #include "core/window.h"
 #include "support/fixture.h"
 
@@ -81,6 +83,42 @@ TEST_F(NotFiniteJobs, AreNotedForOrientationsAndShapesToo) {
     (*shape.Shape)[1][2] = kInfinity;
     Open(shape);
     EXPECT_NE(Noted(1).find(": 1 of the shape (the first of row 1); "), std::string::npos);
+}
+
+TEST_F(NotFiniteJobs, AreNotedForTheResultAndItsRVectorsToo) {
+    Open(HandExample());
+    const JobRecord good = Job;
+    int held = 0;
+    for (int parameter = 1; parameter < kParameterEnd; ++parameter)
+        for (const double value : {kNan, kInfinity, -kInfinity}) {
+            JobRecord job = good;
+            ParameterValue(job, parameter) = value;
+            path_ = Write("a.cvn", JobBytes(job, {}));
+            JobRecord read = ReadJobBytes(Contents(path_), path_).Job;
+            if (std::isfinite(ParameterValue(read, parameter))) continue;  // the file has no field for it
+            ++held;
+            ForgetNotes();
+            OpenFile(path_);
+            EXPECT_EQ(Noted(1), std::string("Numbers of the job are infinite or none: 1 of the result (the "
+                                            "first of ") +
+                                    ParameterName(parameter) +
+                                    "); whatever is computed from them is none either");
+        }
+    EXPECT_GE(held, 3 * 14);
+    Open(HandRobotExample());  // the others have no field for them
+    JobRecord job = Job;
+    const auto size = static_cast<std::size_t>(job.Pairs()) + 1;
+    job.RVecX.resize(size);
+    job.RVecY.resize(size);
+    job.RVecZ.resize(size);
+    job.RVecInFile.fill(-1);
+    ASSERT_GT(size, 2u);
+    job.RVecX[1] = kNan;
+    job.RVecZ[2] = kInfinity;
+    path_ = Write("a.cvn", JobBytes(job, {}));
+    ForgetNotes();
+    OpenFile(path_);
+    EXPECT_NE(Noted(2).find(": 2 of the R vectors (the first of row 1); "), std::string::npos);
 }
 
 TEST_F(NotFiniteJobs, ThatAreOpenedAgainWithoutThemHaveNoNote) {
