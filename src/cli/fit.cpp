@@ -19,6 +19,7 @@
 #include "core/job_notes.h"
 #include "core/notes.h"
 #include "core/numbers.h"
+#include "core/parameter_names.h"
 #include "core/platform.h"
 #include "core/refresh.h"
 #include "core/run.h"
@@ -29,6 +30,7 @@
 #include "engine/calculation_window.h"
 #include "engine/clipboard_report.h"
 #include "engine/design.h"
+#include "engine/field_number.h"
 #include "engine/inverse.h"
 #include "engine/monte_carlo.h"
 #include "engine/noise.h"
@@ -236,6 +238,15 @@ int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour
     if (taken != kDone) return taken;
     const std::string wrong = SelectParameters(options);
     if (!wrong.empty()) return Refuse(err, kWrongUsage, wrong);
+    if (const int held = FirstHeldText(); held != 0) {
+        const std::string name = HeldParameterName(held);
+        return Refuse(err, kUnreadable,
+                      "the job holds " + std::string(ParameterName(held)) + " at \"" +
+                          Printable(Job.ParamText[static_cast<std::size_t>(held)]) +
+                          "\", which is no number; " +
+                          (held <= kAngleZtoXY ? "give a value with --hold " + name + "=VALUE, or " : "") +
+                          "choose with --parameters which ones float");
+    }
     // The unit of the angles has been said with --angle-unit, or by the job, so nobody has to be warned of
     // it.
     Adjustment.AngleUnitsConfirmed = true;

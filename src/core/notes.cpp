@@ -55,6 +55,10 @@ constexpr NoteKind kKinds[] = {
     {NoteCode::ScaleLeftOut, "scale-left-out", Severity::Warning, false},
     {NoteCode::MatrixAngles, "matrix-angles", Severity::Note, false},
     {NoteCode::NearestForm, "nearest-form", Severity::Note, false},
+    {NoteCode::PointsTooNear, "points-too-near", Severity::Warning, false},
+    {NoteCode::HardlyKnown, "hardly-known", Severity::Warning, false},
+    {NoteCode::NoEffect, "no-effect", Severity::Note, false},
+    {NoteCode::HeldText, "held-text", Severity::Warning, false},
 };
 static_assert(std::size(kKinds) == static_cast<std::size_t>(NoteCode::Count_));
 

@@ -58,6 +58,10 @@ enum class NoteCode : std::uint8_t {
     ScaleLeftOut,     // scales or shears of the result that the format of an export has no place for
     MatrixAngles,     // angles taken from the rotation matrix, where a formula does not give it back
     NearestForm,      // runs brought to the form nearest to the result
+    PointsTooNear,    // points so near to each other that products of their distances have no digits
+    HardlyKnown,      // a rotation that the points determine, but not to the tenth part of a radian
+    NoEffect,         // a parameter that changes nothing at the values of the others
+    HeldText,         // the value that a parameter is held at is no number
     Count_
 };
 

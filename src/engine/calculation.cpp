@@ -238,6 +238,7 @@ void ButtonCalcErsatz() {
 
     if (!IsTrue(Job.IsParaboloid)) ForgetCalculationNotes();  // its passes are one calculation
     if (CalculationIsRefused()) return;
+    NoteHeldTexts();
     const bool leastSquares = IsLeastSquares(NormOfJob());
     Calculation.Refused = leastSquares && MonteCarloIsInTheFit() && !MonteCarloCanBeHeld();
     if (Calculation.Refused) return;

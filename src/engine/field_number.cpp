@@ -1,10 +1,24 @@
 // Numbers that the user types into the fields of the calculation window.
 #include "engine/field_number.h"
 
+#include <algorithm>
+
 #include "core/job.h"
+#include "core/notes.h"
 #include "core/numbers.h"
+#include "core/parameter_names.h"
+#include "core/platform.h"
 #include "core/text.h"
 #include "core/units.h"
+
+namespace {
+
+bool IsNumber(const std::string& text) {
+    double value = 0;
+    return TextToNumber(text, value) || TextToNumber(text, '.', value) || TextToNumber(text, ',', value);
+}
+
+}  // namespace
 
 double FieldNumber(const std::string& text) {
     double value = 0;
@@ -37,4 +51,36 @@ double ParameterFromText(int parameter, const std::string& text) {
     if (length) return FieldNumber(text) / Units.LengthFactor;
     if (angle) return FieldNumber(SaveWinkelZurück(text)) / Units.AngleFactor;
     return FieldNumber(text);
+}
+
+bool IsParameterNumber(int parameter, const std::string& text) {
+    if (text.empty()) return true;
+    const bool angle =
+        (parameter >= kRotX && parameter <= kRotZ) || (parameter >= kAngleXY && parameter <= kAngleZtoXY);
+    try {
+        return IsNumber(angle ? SaveWinkelZurück(text) : text);
+    } catch (const PlatformError&) {
+        return false;
+    }
+}
+
+int FirstHeldText() {
+    for (int k = kTraX; k < kParameterEnd; ++k) {
+        const std::string& text = Job.ParamText[static_cast<std::size_t>(k)];
+        if (IsHeldValue(text) && !IsParameterNumber(k, text)) return k;
+    }
+    return 0;
+}
+
+void NoteHeldTexts() {
+    for (int k = kTraX; k < kParameterEnd; ++k) {
+        const std::string& text = Job.ParamText[static_cast<std::size_t>(k)];
+        if (!IsHeldValue(text) || IsParameterNumber(k, text)) continue;
+        const std::string note = std::string(ParameterName(k)) + " is held at \"" + Printable(text) +
+                                 "\", which is no number and counts as " + PlainText(FieldNumber(text));
+        // A shape calculates again and again, which is one calculation.
+        const bool told = std::any_of(Notes.List.begin(), Notes.List.end(),
+                                      [&note](const Note& each) { return each.Text == note; });
+        if (!told) AddNote(NoteCode::HeldText, note);
+    }
 }

@@ -18,3 +18,13 @@ bool IsHeldValue(const std::string& text);
 // angles (4 to 6, 11 to 13, also as degree minute second) by the angle factor, everything else as it
 // stands. Throws PlatformError for degree minute second with a field that is no number.
 double ParameterFromText(int parameter, const std::string& text);
+
+// Is the text of a held parameter a number, by any of the roads of FieldNumber but the last two? An empty one
+// counts as 0, as an empty field of the window does.
+bool IsParameterNumber(int parameter, const std::string& text);
+
+// The warnings of the job's held values that are no numbers, and of what they count as.
+void NoteHeldTexts();
+
+// The first of these parameters; 0 where there is none.
+int FirstHeldText();

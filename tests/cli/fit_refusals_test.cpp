@@ -5,6 +5,7 @@
 #include "cli/fit_command.h"
 #include "cli/headless.h"
 #include "core/files.h"
+#include "core/job_file.h"
 #include "support/program_path.h"
 
 // --- Questions, refusals, exit statuses -------------------------------------------------------------------
@@ -294,4 +295,32 @@ TEST_F(FitCommand, AWholeNumberIsAskedForWithItsLimits) {
     EXPECT_NE(refusal({"--digits", "7"}).find("\"7\" is no whole number from 0 to 6"), std::string::npos);
     EXPECT_NE(refusal({"--monte-carlo", "9", "--sigma", "0.1", "--seed=-1"}).find("from 0 to 4294967295"),
               std::string::npos);
+}
+
+// --- Held values of a job ---------------------------------------------------------------------------------
+
+TEST_F(FitCommand, AJobThatHoldsAParameterAtNoNumberIsRefused) {
+    const std::string good = PathOf("good.cvn");
+    ASSERT_EQ(Fit({start_, target_, "--hold", "rotz=0", "--save", good}).Status, 0);
+    const auto holding = [&](const char* text, int parameter = kRotZ) {
+        JobFileContent content = ReadJobBytes(Contents(good), good);
+        content.Job.ParamText[static_cast<std::size_t>(parameter)] = text;
+        return Write("job.cvn", JobBytes(content.Job, {}));
+    };
+    for (const char* text : {"abc", "nan", "inf", "5.5.5", "1e400", "5 mm", "--5", "0x1F"}) {
+        const std::string job = holding(text);
+        const Outcome outcome = Fit({"--job", job});
+        EXPECT_EQ(outcome.Status, 3) << text;
+        EXPECT_EQ(outcome.Out, "") << text;
+        EXPECT_NE(outcome.Err.find("the job holds Rot z at \"" + std::string(text) +
+                                   "\", which is no number; give a value with --hold rotz=VALUE"),
+                  std::string::npos)
+            << outcome.Err;
+        // Another value, or none, is what the user says.
+        EXPECT_EQ(Fit({"--job", job, "--hold", "rotz=0"}).Status, 0) << text;
+        EXPECT_EQ(Fit({"--job", job, "--parameters", "6"}).Status, 0) << text;
+    }
+    EXPECT_EQ(Fit({"--job", holding("abc", kTraX)}).Status, 3);
+    for (const char* text : {"0", "0.0", "0,0", " 0 ", "-0", "0e5"})
+        EXPECT_EQ(Fit({"--job", holding(text)}).Status, 0) << text;
 }

@@ -1,4 +1,5 @@
 // Values that the user holds parameters at: as typed, in whatever unit, from one calculation to the next.
+#include "core/notes.h"
 #include "engine/adjustment.h"
 #include "engine/calculation_job.h"
 #include "engine/calculation_window.h"
@@ -73,6 +74,30 @@ TEST_F(HeldValues, TextsThatAreNoNumbersDoNotStopAChangeOfUnits) {
     EXPECT_EQ(w.TextRotX.Text, "10 - 30");
     EXPECT_EQ(w.TextTraZ.Text, "0.300");
     EXPECT_EQ(Main.StatusBar_8.Text, "meter");
+}
+
+TEST_F(HeldValues, TextsThatAreNoNumbersAreWarnedOf) {
+    AddPairs();
+    Open();
+    UserSetValue(w.CheckTraY, 0);
+    UserSetText(w.TextTraY, "abc");
+    UserSetValue(w.CheckRotZ, 0);
+    UserSetText(w.TextRotZ, "5.5.5");
+    Calculate();
+    EXPECT_EQ(Job.TraY, 0);
+    EXPECT_NEAR(Job.RotZ, 5.5 * kPi / 180, 1e-14);
+    std::vector<std::string> texts;
+    for (const Note& note : Notes.List)
+        if (note.Code == NoteCode::HeldText) texts.push_back(note.Text);
+    EXPECT_EQ(texts,
+              (std::vector<std::string>{"Tra y is held at \"abc\", which is no number and counts as 0",
+                                        "Rot z is held at \"5.5.5\", which is no number and counts as 5.5"}));
+    for (const char* text : {"7", "7,5", "-1.25e1", "", "0"}) {
+        UserSetText(w.TextTraY, text);
+        UserSetText(w.TextRotZ, "30");
+        Calculate();
+        for (const Note& note : Notes.List) EXPECT_NE(note.Code, NoteCode::HeldText) << note.Text;
+    }
 }
 
 TEST_F(HeldValues, AHeldValueWithMoreDigitsThanShownIsHeldInEveryCalculation) {
