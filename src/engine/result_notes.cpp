@@ -14,6 +14,8 @@
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/design.h"
+#include "engine/loose_turns.h"
+#include "engine/norm_table.h"
 #include "engine/parameter_kind.h"
 #include "fit/open_parameters.h"
 #include "fit/small_svd.h"
@@ -44,7 +46,7 @@ void NoteOpen(const NormFit& fit, const OpenParameters& open, const FitModel& mo
     }
     if (open.AzimuthWithoutEffect) {
         if (!fit.HeldByFit[kAzimuth])  // else that is told already
-            AddNote(NoteCode::OpenParameters,
+            AddNote(NoteCode::NoEffect,
                     "z to xy is 0, where the Azimuth has no effect: what is shown for it is arbitrary");
         byPoints[kAzimuth] = false;
     }
@@ -58,6 +60,50 @@ void NoteOpen(const NormFit& fit, const OpenParameters& open, const FitModel& mo
                 std::to_string(open.ByPoints()) + " of the " + std::to_string(model.Unknowns) +
                 " parameters open: what is shown for " + NamesOf(byPoints) +
                 " is arbitrary, and they have no sigma");
+}
+
+// Turns that the sum does not depend on, though the rank of the design matrix does not show it: at gimbal
+// lock, whose axes do not reach every turn, and where the targets are what lies on one line or at one place.
+// And those that noise alone determines.
+void NoteLooseTurns(const NormFit& fit, const OpenParameters& open, const FitModel& model,
+                    const Linearisation& at) {
+    const bool robust = NormOfJob().Fit == FitNorm::LeastSum;
+    std::array<bool, kParameterEnd> free{}, hardly{};
+    int turns = 0;
+    double sigma = 0;
+    for (const LooseTurn& turn : FindLooseTurns(fit.Points, model, at, robust)) {
+        turns += turn.Open ? 1 : 0;
+        if (!turn.Open) sigma = std::max(sigma, turn.Sigma);
+        for (int k = kTraX; k < kParameterEnd; ++k)
+            if (turn.Moves[At(k)]) (turn.Open ? free : hardly)[At(k)] = true;
+    }
+    const auto told = [](const std::array<bool, kParameterEnd>& marked) {
+        for (int k = kRotX; k <= kRotZ; ++k)
+            if (marked[At(k)] && Job.LeftOpen[At(k)] == 0) return false;
+        return true;
+    };
+    if (turns > 0 && (turns > open.ByPoints() || !told(free))) {
+        for (int k = kTraX; k < kParameterEnd; ++k) {
+            if (!free[At(k)]) continue;
+            TakeSigma(k);
+            Job.LeftOpen[At(k)] = 1;
+        }
+        AddNote(NoteCode::OpenParameters,
+                "The points in use, or their targets, are on one line or at one place, so that a turn leaves "
+                "the deviations as they are: what is shown for " +
+                    NamesOf(free) + " is arbitrary, and they have no sigma");
+    }
+    // Of a collapsed scale nothing is known anyway.
+    if (sigma == 0 || IsTrue(Job.Collapsed) || told(hardly)) return;
+    for (int k = kTraX; k < kParameterEnd; ++k)
+        if (hardly[At(k)]) Job.LeftOpen[At(k)] = 1;
+    constexpr double kNothing = 1;  // rad: a sigma of this size says no more
+    AddNote(NoteCode::HardlyKnown,
+            "The points in use, or their targets, are so near to one line or one place that a turn is " +
+                (sigma < kNothing ? "known to " + ShownAngle(sigma) + " " + Job.AngleUnitName + " only"
+                                  : std::string("not known at all")) +
+                ": what is shown for " + NamesOf(hardly) +
+                " is as good as open, and what lies off the points is put all but anywhere");
 }
 
 // Near the lock the two angles are determined, but by little.
@@ -99,22 +145,27 @@ struct Reach {
 };
 
 // Root mean squares about the middle, mm: of the start points in use, of their images, each as a whole and
-// along its least direction, of the target points, and of the deviations.
+// along its least direction, of the target points, and of the deviations. And the deviation that half of the
+// points reach, which gross errors leave as it is.
 struct Spreads {
-    double Start = 0, LeastStart = 0, Image = 0, LeastImage = 0, Target = 0, Deviation = 0;
+    double Start = 0, LeastStart = 0, Image = 0, LeastImage = 0, Target = 0, Deviation = 0, HalfDeviation = 0;
 
     explicit Spreads(const Mat3& M) {
         std::vector<Vec3> points, targets;
+        std::vector<double> deviations;
         Vec3 middle, targetMiddle;
         double squares = 0;
         for (int i = 1; i <= Job.Pairs(); ++i) {
             bool any = false;
+            double ofPoint = 0;
             for (int axis = 1; axis <= 3; ++axis) {
                 if (!Used(i, axis)) continue;
                 const std::size_t row = At(3 * (i - 1) + axis);
                 any = true;
-                squares += Calculation.v[row] * Calculation.v[row];
+                ofPoint += Calculation.v[row] * Calculation.v[row];
             }
+            squares += ofPoint;
+            if (any) deviations.push_back(std::sqrt(ofPoint));
             if (any) points.push_back(StartPoint(i));
             if (any) targets.push_back(TargetPoint(i));
         }
@@ -142,6 +193,10 @@ struct Spreads {
         Take(start, Start, LeastStart);
         Take(image, Image, LeastImage);
         Deviation = std::sqrt(squares / count);
+        if (deviations.empty()) return;
+        const auto half = deviations.begin() + static_cast<std::ptrdiff_t>(deviations.size() / 2);
+        std::nth_element(deviations.begin(), half, deviations.end());
+        HalfDeviation = *half;
     }
 
 private:
@@ -155,9 +210,16 @@ private:
 // are hardly farther apart than the deviations are long: their scale is what the noise makes of none. A fit
 // of many parameters takes up most of the noise of few points, whatever the norm. Metres that were read as
 // millimetres are a thousandth, and with gross errors among them deviate as much: they stay above.
+constexpr double kSmall = 8e-4, kMostOfDeviation = 10;
 bool Drowned(double apart, double image, double whole, const Spreads& spreads) {
-    constexpr double kSmall = 8e-4, kMostOfDeviation = 10;
     return apart <= kSmall * whole && image <= kMostOfDeviation * spreads.Deviation;
+}
+
+// The same of images, however far apart their targets are, as targets on one line can be: far nearer to each
+// other than most deviations are long. Few gross errors among points of another unit do not make it so.
+bool ImagesDrowned(const Spreads& spreads) {
+    constexpr double kMostOfHalf = 0.1;
+    return spreads.Image <= kSmall * spreads.Start && spreads.Image <= kMostOfHalf * spreads.HalfDeviation;
 }
 
 void NoteCollapsed(std::string text) {
@@ -166,17 +228,20 @@ void NoteCollapsed(std::string text) {
 }
 
 // Sums of products of such lengths are below the least number that is kept in full.
-void NoteTooNear() {
+void NoteTooNear(const FitModel& model) {
     constexpr double kNear = 1e-70;    // mm
     constexpr int kMostPoints = 1000;  // many points that are measured at all are not so near
     if (Job.Pairs() > kMostPoints) return;
     const Reach reach;
     const double start = std::max({reach.Start[1], reach.Start[2], reach.Start[3]}), target = reach.Target;
     const auto near = [](double length) { return length > 0 && length < kNear; };
-    if (near(start) || near(target))
-        NoteCollapsed(
-            "The points in use are nearer to each other than 1e-70 mm: products of such lengths have no digits, "
-            "so neither the rotation nor the deviations are to be trusted");
+    if (!near(start) && !near(target)) return;
+    for (int k = kRotX; k <= kRotZ; ++k)
+        if (model.UnknownOf[At(k)] != 0) Job.LeftOpen[At(k)] = 1;
+    AddNote(
+        NoteCode::PointsTooNear,
+        "The points in use are nearer to each other than 1e-70 mm: products of such lengths have no digits, "
+        "so neither the rotation nor the deviations are to be trusted");
 }
 
 // A scale of next to nothing carries all points to one place, or into one plane, and fits whatever is there.
@@ -192,8 +257,11 @@ bool NoteCollapse(const FitModel& model, const Mat3& M) {
     if (!(start > 0)) return false;
     Spreads spreads(M);
     // A residual is the way to the target point in the plain model alone.
-    if (model.Mode != FitMode::Coincide) spreads.Deviation = 0;
-    const bool onePlace = reach.Target <= std::max(kRounding * reach.LargestTarget, kOnePlace * start);
+    if (model.Mode != FitMode::Coincide) spreads.Deviation = spreads.HalfDeviation = 0;
+    // Targets of another unit are near to each other too, and their images then fit them.
+    const bool onePlace =
+        reach.Target <= kRounding * reach.LargestTarget ||
+        (reach.Target <= kOnePlace * start && spreads.Image <= kMostOfDeviation * spreads.HalfDeviation);
     if (onePlace || Drowned(spreads.Target, spreads.Image, spreads.Start, spreads)) {
         NoteCollapsed(
             "The target points in use are all at one place, or all but so: a scale of 0 fits them "
@@ -212,6 +280,12 @@ bool NoteCollapse(const FitModel& model, const Mat3& M) {
                       " has gone to 0: it carries points that are apart onto each other");
         noted = true;
         if (one) break;
+    }
+    if (!noted && ImagesDrowned(spreads)) {
+        NoteCollapsed(
+            "The scale has all but gone to 0: it carries the points onto places that are far nearer to each other "
+            "than the deviations are long, so it is what the deviations make of none");
+        noted = true;
     }
     constexpr double kFlat = 1e-2;
     if (!noted && !one && spreads.LeastStart > kFlat * spreads.Start &&
@@ -269,9 +343,10 @@ void NoteResult(const NormFit& fit) {
     const Linearisation at = Linearise(model, fit.Points);
     const OpenParameters open = FindOpenParameters(fit.Points, model, CoordinateInUse, ParametersOf(Job), at);
     constexpr double kPlane = 1e-9;
-    NoteTooNear();
+    NoteTooNear(model);
     const bool onePlace = NoteCollapse(model, at.M);
     if (!onePlace) NoteOpen(fit, open, model);
+    if (!onePlace && !IsTrue(Job.IsParaboloid)) NoteLooseTurns(fit, open, model, at);
     for (int k = kTraX; k < kParameterEnd; ++k)
         if (fit.HeldByFit[At(k)]) TakeSigma(k);  // what the fit did of it is told already
     if (!onePlace && !open.GimbalLock) NoteNearLock(model);

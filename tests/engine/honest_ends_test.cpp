@@ -149,7 +149,7 @@ TEST_F(HonestEnds, AnAzimuthWithoutEffectIsNamedAtThePoleToo) {
     Begin("12");
     Calculate(kL2);
     EXPECT_TRUE(Noted(NoteCode::GimbalLock));
-    EXPECT_TRUE(Noted(NoteCode::OpenParameters, "Azimuth"));
+    EXPECT_TRUE(Noted(NoteCode::NoEffect, "Azimuth"));
 }
 
 TEST_F(HonestEnds, AnOptimumAtItsBoundHasConverged) {

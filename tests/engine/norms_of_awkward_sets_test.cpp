@@ -170,6 +170,53 @@ TEST_F(AwkwardSets, MetresAgainstMillimetresWithExchangedNamesHaveNotCollapsed) 
             }
 }
 
+// The scale of a cloud whose targets lie on a short line goes to 0 where a norm lets it; the line itself is
+// long enough to be no one place.
+TEST_F(AwkwardSets, AScaleThatHasGoneToNothingIsToldInEveryNorm) {
+    int gone = 0;
+    for (int seed = 0; seed < 8; ++seed)
+        for (const NormOfSet& norm : kNorms) {
+            SCOPED_TRACE(std::string(norm.Name) + ", set " + std::to_string(seed));
+            BeginFit();
+            for (int skip = 0; skip < 31 * seed; ++skip) NextNumber();
+            std::vector<Point> start, target;
+            for (int i = 0; i < 6; ++i) {
+                start.push_back(AnyPoint(500));
+                target.push_back({5, 5, static_cast<double>(5 + i)});
+            }
+            Fit(start, target, "7", norm);
+            // The points are hundreds of millimetres apart, and the targets one.
+            if (std::fabs(Job.ScaleXYZ) > 1e-5) continue;
+            ++gone;
+            EXPECT_TRUE(Noted(NoteCode::CollapsedScale)) << Job.ScaleXYZ;
+            EXPECT_EQ(Job.Collapsed, kTrue);
+        }
+    EXPECT_GT(gone, 8);
+}
+
+TEST_F(AwkwardSets, MetresAgainstMicrometresHaveNotCollapsed) {
+    for (int seed = 0; seed < 6; ++seed)
+        for (const char* preset : {"7", "9"})
+            for (const NormOfSet& norm : kNorms)
+                for (const bool blunder : {false, true}) {
+                    // The others give way to it.
+                    if (blunder && (norm.Type != kNorms[1].Type || *preset != '7')) continue;
+                    SCOPED_TRACE(std::string(norm.Name) + ", " + preset + ", " + std::to_string(seed) +
+                                 (blunder ? ", one gross error" : ""));
+                    Set set = AnySet(seed, false);
+                    set.Target.clear();
+                    const auto truth = Truth({0, 0, 0, 0.4, -0.3, 1, 1, 1, 1, 1});
+                    for (const Point& p : set.Start) {
+                        Point q = reference::Image(truth, p);
+                        for (auto& x : q) x = static_cast<double>((x + 0.05 * NextNumber()) * 1e-6L);
+                        set.Target.push_back(q);
+                    }
+                    if (blunder) set.Target[2][1] += 3;
+                    Fit(set.Start, set.Target, preset, norm);
+                    EXPECT_FALSE(Noted(NoteCode::CollapsedScale)) << Job.ScaleX << " " << Job.ScaleY;
+                }
+}
+
 TEST_F(AwkwardSets, LengthsWhoseProductsHaveNoDigitsAreTold) {
     for (const double size : {1.0, 1e-60, 1e-80, 1e-90, 1e-200}) {
         std::vector<Point> start = kBody, target = kBody;
@@ -179,6 +226,7 @@ TEST_F(AwkwardSets, LengthsWhoseProductsHaveNoDigitsAreTold) {
                 target[i][axis] = kBody[i][(axis + 1) % 3] * size;
             }
         Fit(start, target, "6", kNorms[0]);
-        EXPECT_EQ(Noted(NoteCode::CollapsedScale), size < 1e-70) << size;
+        EXPECT_EQ(Noted(NoteCode::PointsTooNear), size < 1e-70) << size;
+        EXPECT_FALSE(Noted(NoteCode::CollapsedScale)) << size;  // there is no scale
     }
 }

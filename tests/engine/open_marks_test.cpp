@@ -116,3 +116,20 @@ TEST_F(OpenMarks, GimbalLockIsNone) {
     EXPECT_EQ(Notes.List[0].Code, NoteCode::GimbalLock);
     EXPECT_EQ(Job.LeftOpen, Marks{});
 }
+
+// The axes of exact points stand at right angles, so that z to xy is 0.
+TEST_F(OpenMarks, AnAzimuthWithoutEffectIsANoteAlone) {
+    for (const auto& [x, y, z] :
+         {std::array{0.0, 0.0, 0.0}, std::array{100.0, 0.0, 10.0}, std::array{0.0, 200.0, 20.0},
+          std::array{30.0, 40.0, 300.0}, std::array{-70.0, 90.0, 110.0}, std::array{55.0, -60.0, 20.0}})
+        AddPair({x, y, z}, {z + 100, x - 50, y + 20});
+    FloatParameters({kScaleX, kScaleY, kScaleZ, kAngleXY, kAzimuth, kAngleZtoXY});
+    Fit();
+    ASSERT_TRUE(Calculation.Converged);
+    ASSERT_LT(std::fabs(Job.AngleZtoXY), 1e-9);
+    EXPECT_FALSE(HasWarnings());
+    ASSERT_FALSE(Notes.List.empty());
+    EXPECT_EQ(Notes.List[0].Code, NoteCode::NoEffect);
+    EXPECT_TRUE(std::isnan(Calculation.Sigma[kAzimuth]));
+    EXPECT_EQ(Job.LeftOpen, Marks{});
+}

@@ -1,0 +1,379 @@
+// Turns that the sum of squares hardly depends on.
+#include "engine/loose_turns.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/job.h"
+#include "fit/chain.h"
+#include "fit/small_svd.h"
+#include "fit/vector.h"
+
+namespace {
+
+constexpr double kDigits = 64 * 2.220446049250313e-16;
+
+std::size_t At(int i) {
+    return static_cast<std::size_t>(i);
+}
+
+// A pair about the middles of both clouds.
+struct Pair {
+    Vec3 Image, Target;
+    std::array<bool, 4> InUse{};  // by axis
+    double Deviation = 0;         // of the point, mm
+};
+
+double Dot(const Vec3& a, const Vec3& b) {
+    return a(1) * b(1) + a(2) * b(2) + a(3) * b(3);
+}
+
+struct Pairs {
+    std::vector<Pair> List;
+    int Observations = 0;
+    Vec3 Lever;  // from the place that the start system's origin is carried to, to the middle of the images
+    double LargestImage = 0, LargestTarget = 0;  // coordinates as they were read
+
+    Pairs(const GatheredPoints& points, const Linearisation& at, int step) {
+        for (int i = 0; i < points.Count; i += step) Add(points, at, i);
+        Centre();
+        for (int axis = 1; axis <= 3; ++axis)
+            for (int j = 1; j <= 3; ++j) Lever(axis) += at.M(axis, j) * points.StartCentre(j);
+    }
+
+    // Those whose deviation is not far above what most have.
+    void LeaveOutGrossErrors() {
+        std::vector<double> deviations;
+        for (const Pair& pair : List) deviations.push_back(pair.Deviation);
+        if (deviations.empty()) return;
+        std::vector<double> sorted = deviations;
+        const auto middle = sorted.begin() + static_cast<std::ptrdiff_t>(sorted.size() / 2);
+        std::nth_element(sorted.begin(), middle, sorted.end());
+        constexpr double kGross = 10;
+        const double most = kGross * *middle + kDigits * (LargestImage + LargestTarget);
+        std::vector<Pair> left;
+        for (std::size_t i = 0; i < List.size(); ++i)
+            if (deviations[i] <= most) left.push_back(List[i]);
+        constexpr std::size_t kFew = 3;
+        if (left.size() < kFew) return;
+        List = std::move(left);
+        Centre();
+    }
+
+    // Without the pair whose place is farthest from the middle: a gross error makes any cloud a long one.
+    Pairs WithoutFarthest(const Vec3 Pair::*place) const {
+        Pairs left = *this;
+        constexpr std::size_t kFew = 3;
+        if (List.size() <= kFew) return left;
+        const auto farthest =
+            std::max_element(left.List.begin(), left.List.end(), [place](const Pair& a, const Pair& b) {
+                return Dot(a.*place, a.*place) < Dot(b.*place, b.*place);
+            });
+        left.List.erase(farthest);
+        left.Centre();
+        return left;
+    }
+
+private:
+    void Add(const GatheredPoints& points, const Linearisation& at, int i) {
+        Pair pair;
+        bool any = false;
+        double squares = 0;
+        for (int axis = 1; axis <= 3; ++axis) {
+            pair.InUse[At(axis)] = Used(i + 1, axis);
+            any = any || pair.InUse[At(axis)];
+            double read = 0;
+            pair.Image(axis) = at.Shift(axis);
+            for (int j = 1; j <= 3; ++j) {
+                const double start = points.Start[At(j - 1)][At(i)];
+                pair.Image(axis) += at.M(axis, j) * start;
+                read += std::fabs(at.M(axis, j)) * std::fabs(start + points.StartCentre(j));
+            }
+            pair.Target(axis) = points.Target[At(axis - 1)][At(i)];
+            if (!pair.InUse[At(axis)]) continue;
+            const double off = pair.Image(axis) - pair.Target(axis);
+            squares += off * off;
+            LargestImage = std::max(LargestImage, read);
+            LargestTarget = std::max(LargestTarget, std::fabs(pair.Target(axis) + points.TargetCentre(axis)));
+        }
+        pair.Deviation = std::sqrt(squares);
+        if (any) List.push_back(pair);
+    }
+
+    void Centre() {
+        Observations = 0;
+        for (int axis = 1; axis <= 3; ++axis) {
+            double image = 0, target = 0;
+            int count = 0;
+            for (const Pair& pair : List) {
+                if (!pair.InUse[At(axis)]) continue;
+                image += pair.Image(axis);
+                target += pair.Target(axis);
+                ++count;
+            }
+            Observations += count;
+            for (Pair& pair : List) {
+                pair.Image(axis) -= image / std::max(1, count);
+                pair.Target(axis) -= target / std::max(1, count);
+            }
+        }
+    }
+};
+
+// What the turn about w does to the clouds.
+struct Turn {
+    double Images = 0, Targets = 0;  // |w x e|, |w x f| over the coordinates in use, mm
+    double Along = 0, Across = 0;    // C and D of the sum, mm^2
+};
+Turn TurnAbout(const Vec3& w, const Pairs& pairs) {
+    Turn turn;
+    Vec3 middleOfImages, middleOfTargets;
+    std::array<int, 4> counts{};
+    std::vector<std::array<Vec3, 2>> turned(pairs.List.size());
+    for (std::size_t i = 0; i < pairs.List.size(); ++i) {
+        const Pair& pair = pairs.List[i];
+        VecCross(w, pair.Image, turned[i][0]);
+        VecCross(w, pair.Target, turned[i][1]);
+        for (int axis = 1; axis <= 3; ++axis) {
+            if (!pair.InUse[At(axis)]) continue;
+            ++counts[At(axis)];
+            middleOfImages(axis) += turned[i][0](axis);
+            middleOfTargets(axis) += turned[i][1](axis);
+        }
+    }
+    double images = 0, targets = 0;
+    for (std::size_t i = 0; i < pairs.List.size(); ++i)
+        for (int axis = 1; axis <= 3; ++axis) {
+            if (!pairs.List[i].InUse[At(axis)]) continue;
+            // A translation takes the mean of what a turn does along its axis.
+            const double e = turned[i][0](axis) - middleOfImages(axis) / counts[At(axis)];
+            const double f = turned[i][1](axis) - middleOfTargets(axis) / counts[At(axis)];
+            images += e * e;
+            targets += f * f;
+            turn.Along += e * f;
+            turn.Across += e * pairs.List[i].Target(axis);
+        }
+    turn.Images = std::sqrt(images);
+    turn.Targets = std::sqrt(targets);
+    return turn;
+}
+
+// The axes that the floating angles turn about, in the target system: the derivative of R is [axis]x R.
+struct Axes {
+    std::vector<int> Parameters;
+    std::vector<Vec3> Of;
+
+    explicit Axes(const FitModel& model) {
+        Mat3 afterZ, afterYZ;  // R = Rz(-c) Ry(-b) Rx(-a)
+        RotMatrixXYZ(0, 0, Job.RotZ, afterZ);
+        RotMatrixXYZ(0, Job.RotY, Job.RotZ, afterYZ);
+        const std::array<Vec3, 3> axes = {Vec3(-afterYZ(1, 1), -afterYZ(2, 1), -afterYZ(3, 1)),
+                                          Vec3(-afterZ(1, 2), -afterZ(2, 2), -afterZ(3, 2)), Vec3(0, 0, -1)};
+        for (int k = kRotX; k <= kRotZ; ++k) {
+            if (model.UnknownOf[At(k)] == 0) continue;
+            Parameters.push_back(k);
+            Of.push_back(axes[At(k - kRotX)]);
+        }
+    }
+
+    // Unit vectors at right angles that span what can be turned about. All three angles reach every turn,
+    // at gimbal lock too, where their axes lie in one plane: but for a moment.
+    std::vector<Vec3> Span() const {
+        if (Of.size() == 3) return {Vec3(1, 0, 0), Vec3(0, 1, 0), Vec3(0, 0, 1)};
+        std::vector<Vec3> span;
+        constexpr double kSame = 1e-6;
+        for (Vec3 axis : Of) {
+            for (const Vec3& before : span) {
+                const double share = Dot(axis, before);
+                for (int k = 1; k <= 3; ++k) axis(k) -= share * before(k);
+            }
+            if (std::sqrt(Dot(axis, axis)) < kSame) continue;
+            VecNormalize(axis, axis);
+            span.push_back(axis);
+        }
+        return span;
+    }
+
+    // The angles that take part in a turn, by shares of the largest above `least`.
+    std::array<bool, kParameterEnd> Marked(const Vec3& w, double least) const {
+        std::array<bool, kParameterEnd> marked{};
+        const int m = static_cast<int>(Of.size());
+        std::vector<double> A(At(3 * m));
+        for (int axis = 1; axis <= 3; ++axis)
+            for (int k = 0; k < m; ++k) A[At((axis - 1) * m + k)] = Of[At(k)](axis);
+        const SmallSvd svd = DecomposeSmall(A, 3, m);
+        std::vector<double> shares(At(m));
+        Vec3 reached;
+        constexpr double kLocked = 1e-4, kReached = 0.1;
+        for (int j = 0; j < m; ++j) {
+            if (!(svd.s[At(j)] > kLocked)) continue;
+            double along = 0;
+            for (int axis = 1; axis <= 3; ++axis) along += svd.U[At((axis - 1) * m + j)] * w(axis);
+            for (int axis = 1; axis <= 3; ++axis) reached(axis) += svd.U[At((axis - 1) * m + j)] * along;
+            for (int k = 0; k < m; ++k) shares[At(k)] += svd.V[At(k * m + j)] * along / svd.s[At(j)];
+        }
+        Vec3 missing;
+        VecSub(w, reached, missing);
+        double largest = 0;
+        for (const double share : shares) largest = std::max(largest, std::fabs(share));
+        for (int k = 0; k < m; ++k)
+            marked[At(Parameters[At(k)])] =
+                std::sqrt(Dot(missing, missing)) > kReached || std::fabs(shares[At(k)]) > least * largest;
+        return marked;
+    }
+};
+
+// Unit vectors within the span along which the products of two clouds are least to greatest, in no order.
+void AddAxes(const std::vector<Vec3>& span, const Pairs& pairs, const Vec3 Pair::*a, const Vec3 Pair::*b,
+             std::vector<Vec3>& axes) {
+    const int m = static_cast<int>(span.size());
+    Mat3 products;
+    for (const Pair& pair : pairs.List)
+        for (int i = 1; i <= 3; ++i)
+            for (int j = 1; j <= 3; ++j)
+                if (pair.InUse[At(i)] && pair.InUse[At(j)])
+                    products(i, j) += ((pair.*a)(i) * (pair.*b)(j) + (pair.*a)(j) * (pair.*b)(i)) / 2;
+    std::vector<double> within(At(m * m));
+    for (int r = 0; r < m; ++r)
+        for (int c = 0; c < m; ++c)
+            for (int i = 1; i <= 3; ++i)
+                for (int j = 1; j <= 3; ++j)
+                    within[At(r * m + c)] += span[At(r)](i) * products(i, j) * span[At(c)](j);
+    const SmallSvd svd = DecomposeSmall(within, m, m);
+    for (int k = 0; k < m; ++k) {
+        Vec3 axis;
+        for (int r = 0; r < m; ++r)
+            for (int i = 1; i <= 3; ++i) axis(i) += svd.V[At(r * m + k)] * span[At(r)](i);
+        axes.push_back(axis);
+    }
+}
+
+// One scale of the images that comes nearest to the targets, and what is left then of each coordinate.
+struct Noise {
+    double Scale = 0, Size = 0;
+
+    Noise(const Pairs& pairs, int unknowns) {
+        double products = 0, squares = 0, left = 0;
+        for (const Pair& pair : pairs.List)
+            for (int axis = 1; axis <= 3; ++axis)
+                if (pair.InUse[At(axis)]) {
+                    products += pair.Image(axis) * pair.Target(axis);
+                    squares += pair.Image(axis) * pair.Image(axis);
+                }
+        if (!(squares > 0)) return;
+        Scale = products / squares;
+        for (const Pair& pair : pairs.List)
+            for (int axis = 1; axis <= 3; ++axis)
+                if (pair.InUse[At(axis)]) {
+                    const double off = pair.Target(axis) - Scale * pair.Image(axis);
+                    left += off * off;
+                }
+        const int spare = pairs.Observations - unknowns;
+        if (spare > 0) Size = std::sqrt(left / spare);
+    }
+};
+
+class Judge {
+public:
+    Judge(const Pairs& pairs, const FitModel& model, bool robust)
+        : pairs_(pairs),
+          nearImages_(pairs.WithoutFarthest(&Pair::Image)),
+          nearTargets_(pairs.WithoutFarthest(&Pair::Target)),
+          axes_(model),
+          noise_(pairs, model.Unknowns),
+          robust_(robust) {
+        const std::vector<Vec3> span = axes_.Span();
+        AddAxes(span, pairs, &Pair::Image, &Pair::Target, candidates_);
+        AddAxes(span, pairs, &Pair::Image, &Pair::Image, candidates_);
+        AddAxes(span, pairs, &Pair::Target, &Pair::Target, candidates_);
+        for (const Vec3& w : candidates_) {
+            const Turn turn = TurnAbout(w, pairs);
+            images_ = std::max(images_, turn.Images);
+            targets_ = std::max(targets_, turn.Targets);
+            nearImage_ = std::max(nearImage_, TurnAbout(w, nearImages_).Images);
+            nearTarget_ = std::max(nearTarget_, TurnAbout(w, nearTargets_).Targets);
+        }
+    }
+
+    std::vector<LooseTurn> Loose() const {
+        std::vector<LooseTurn> found;
+        std::vector<Vec3> taken;
+        constexpr double kSameAxis = 0.7;
+        for (const bool open : {true, false})
+            for (const Vec3& w : candidates_) {
+                if (std::any_of(taken.begin(), taken.end(),
+                                [&w](const Vec3& before) { return std::fabs(Dot(w, before)) > kSameAxis; }))
+                    continue;
+                LooseTurn loose;
+                const Turn turn = TurnAbout(w, pairs_);
+                loose.Open = IsOpen(turn);
+                if (loose.Open != open) continue;
+                if (!open && !IsLoose(w, turn, loose.Sigma)) continue;
+                constexpr double kTakesPart = 1e-6, kMostly = 0.1;
+                loose.Moves = axes_.Marked(w, open ? kTakesPart : kMostly);
+                Vec3 shift;
+                VecCross(w, pairs_.Lever, shift);
+                const double reach = std::max(images_, targets_) / Root();
+                for (int axis = 1; axis <= 3; ++axis)
+                    loose.Moves[At(kTraX + axis - 1)] =
+                        std::fabs(shift(axis)) > (open ? kTakesPart : kMostly) * reach;
+                found.push_back(loose);
+                taken.push_back(w);
+            }
+        return found;
+    }
+
+private:
+    double Root() const { return std::sqrt(std::max<double>(1, static_cast<double>(pairs_.List.size()))); }
+
+    bool IsOpen(const Turn& turn) const {
+        constexpr double kLeast = 1e-10;
+        const double images = std::max(kDigits * pairs_.LargestImage * Root(), kLeast * images_);
+        const double targets = std::max(kDigits * pairs_.LargestTarget * Root(), kLeast * targets_);
+        if (turn.Images <= images || turn.Targets <= targets) return true;
+        const double rounding = kLeast * turn.Images * turn.Targets;
+        return !robust_ && std::fabs(turn.Along) <= rounding && std::fabs(turn.Across) <= rounding;
+    }
+
+    bool IsLoose(const Vec3& w, const Turn& turn, double& sigma) const {
+        // No measurement is better than a millionth of the object, and coordinates are rounded.
+        constexpr double kLeastNoise = 1e-6, kLoose = 0.1, kSmallLever = 0.1, kSmallScale = 8e-4;
+        const double noise = std::max({noise_.Size, kLeastNoise * images_ / Root(),
+                                       kDigits * (pairs_.LargestImage + pairs_.LargestTarget)});
+        const double along = std::hypot(turn.Along, turn.Across);
+        const double scale = std::max(noise_.Scale, 0.0);
+        sigma = noise * std::max(turn.Images, scale > 0 ? turn.Targets / scale : 0) / along;
+        if (!(sigma > kLoose)) return false;
+        return scale < kSmallScale || TurnAbout(w, nearImages_).Images < kSmallLever * nearImage_ ||
+               TurnAbout(w, nearTargets_).Targets < kSmallLever * nearTarget_;
+    }
+
+    const Pairs& pairs_;
+    Pairs nearImages_, nearTargets_;
+    Axes axes_;
+    Noise noise_;
+    bool robust_;
+    std::vector<Vec3> candidates_;
+    double images_ = 0, targets_ = 0, nearImage_ = 0, nearTarget_ = 0;  // the largest of any turn
+};
+
+}  // namespace
+
+std::vector<LooseTurn> FindLooseTurns(const GatheredPoints& points, const FitModel& model,
+                                      const Linearisation& at, bool robust) {
+    if (model.Mode != FitMode::Coincide) return {};
+    for (int k = kTraX; k <= kTraZ; ++k)
+        if (model.UnknownOf[At(k)] == 0) return {};
+    if (std::none_of(&model.UnknownOf[kRotX], &model.UnknownOf[kRotZ] + 1, [](int u) { return u != 0; }))
+        return {};
+    constexpr int kSample = 256;
+    const int step = std::max(1, points.Count / kSample);
+    for (int every = step;; every = 1) {
+        Pairs pairs(points, at, every);
+        if (robust) pairs.LeaveOutGrossErrors();
+        if (pairs.List.empty()) return {};
+        std::vector<LooseTurn> loose = Judge(pairs, model, robust).Loose();
+        // What some of the points tell all of them do.
+        if (loose.empty() || every == 1) return loose;
+    }
+}
