@@ -7,6 +7,7 @@
 #include "core/file_writer.h"
 #include "core/files.h"
 #include "core/notes.h"
+#include "core/numbers.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/text.h"
@@ -107,29 +108,63 @@ int CountFields(std::string_view line, char delimiter) {
     return count;
 }
 
-// Rows with more fields than other rows that hold a point. The comma of thousands is such a field, and all
-// that stands behind it moves on by one; a file to fit is refused for them.
+// Are the fields of a line from `first` on, counted from 0, all numbers? Of commas of thousands they are.
+bool SurplusIsOfNumbers(std::string_view line, char delimiter, int first) {
+    std::string scratch;
+    double value = 0;
+    for (int field = 0; HoldsMore(line) && !IsMark(line); ++field) {
+        const std::string_view cell = CutField(line, delimiter, scratch);
+        if (field >= first && !TextToNumber(cell, '.', value)) return false;
+    }
+    return true;
+}
+
+// Rows with more fields than other rows that hold a point. The comma of thousands makes such a field, and all
+// that stands behind it moves on by one, as the blank of thousands does; a file to fit is refused for them.
+// Remarks, and columns behind other delimiters, move nothing.
 void NoteChangedColumns(const BatchInput& input, RowNotes& notes) {
+    const char delimiter = input.Form.Delimiter;
+    if (delimiter != ',' && delimiter != ' ' && delimiter != '\0') return;
     const int wanted = input.Form.HasName ? 4 : 3;
-    const auto walk = [&input, wanted](auto take) {
+    const auto walk = [&input, wanted, delimiter](auto take) {
         LineWalk lines(input.Text);
         std::string_view line;
         std::string decoded;
         while (lines.Next(line)) {
-            const int fields = CountFields(DecodedLine(input.Text, line, decoded), input.Form.Delimiter);
-            if (fields >= wanted) take(fields, lines.Row);
+            const std::string_view text = DecodedLine(input.Text, line, decoded);
+            const int fields = CountFields(text, delimiter);
+            if (fields >= wanted) take(fields, lines.Row, text);
         }
     };
     int fewest = std::numeric_limits<int>::max();
-    walk([&fewest](int fields, std::int64_t) { fewest = std::min(fewest, fields); });
-    walk([&](int fields, std::int64_t row) {
-        if (fields == fewest) return;
+    walk([&fewest](int fields, std::int64_t, std::string_view) { fewest = std::min(fewest, fields); });
+    walk([&](int fields, std::int64_t row, std::string_view text) {
+        if (fields == fewest || !SurplusIsOfNumbers(text, delimiter, fewest)) return;
         notes.Count(NoteCode::ColumnsChanged, row, [fields, fewest, &input] {
             return "The row has " + std::to_string(fields) + " fields where others have " +
                    std::to_string(fewest) + "; its first ones are taken as " +
                    (input.Form.HasName ? "name, x, y and z" : "x, y and z");
         });
     });
+}
+
+// Commas of thousands in every row: all rows have as many fields then, and no other row shows it.
+void NoteCommasOfThousands(const BatchInput& input) {
+    if (input.Form.Delimiter != ',') return;
+    const std::size_t wanted = input.Form.HasName ? 4 : 3;
+    LineWalk lines(input.Text);
+    std::string_view line;
+    std::string decoded;
+    std::int64_t first = 0, count = 0;
+    while (lines.Next(line)) {
+        const std::string_view text = DecodedLine(input.Text, line, decoded);
+        if (CountFields(text, ',') < static_cast<int>(wanted)) continue;  // holds no point
+        if (!CommasOfThousands(text, wanted, input.Form.HasName)) return;
+        if (++count == 1) first = lines.Row;
+    }
+    if (count > 0)
+        AddNote(NoteCode::ColumnsChanged, kCommasOfThousands, input.Text.Path, static_cast<int>(first),
+                static_cast<int>(count));
 }
 
 // Transforms a file into what `write` takes, and notes what its rows hold.
@@ -139,6 +174,7 @@ bool TransformAndNote(const BatchInput& input, const std::function<void(std::str
     if (!TransformLines(input.Text, input.Form, {write, goOn, false, &rows}, counts)) return false;
     if (input.ColumnsChange) NoteChangedColumns(input, rows);
     rows.Write();
+    if (counts.MoreFields > 0 && !input.ColumnsChange) NoteCommasOfThousands(input);
     if (input.Form.HasName) NoteDoubleNames(input.Text, input.Form.Delimiter);
     if (counts.MoreFields > 0)
         AddNote(NoteCode::ColumnsIgnored, "Fields behind z are not read", input.Text.Path,

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "bundle/distance_check.h"
@@ -215,6 +216,35 @@ bool LooksLikeDistance(std::string_view line, const DistanceCheck& check) {
     return (TextToNumber(field, '.', value) || TextToNumber(field, ',', value)) && check.AreNames(from, to);
 }
 
+// A line that is passed over, and looks like an entry.
+struct SkippedLine {
+    std::string Text;
+    const char* Place = "";  // why it is not read
+    std::int64_t Row = 0;
+    bool IsDistance = false;
+};
+using SkippedLines = std::vector<SkippedLine>;
+
+// Notes the lines that are lost entries: distances between points that are there, and points that a distance
+// names, or a line of the stations. The others are remarks that look alike, "Date 2026 11 22".
+void NoteSkipped(const BundleRecord& network, const SkippedLines& lines, RowNotes& notes) {
+    std::unordered_set<std::string_view> named(network.StationName.begin(), network.StationName.end());
+    for (const std::size_t end : {1U, 2U})
+        named.insert(network.DistancePair[end].begin(), network.DistancePair[end].end());
+    std::string scratch;
+    for (const SkippedLine& line : lines) {
+        std::string_view rest = line.Text;
+        // Without a distance none is there to name it; and one that ends its section takes others with it.
+        const bool lost = line.IsDistance || network.nDistances == 0 || line.Text.starts_with("END") ||
+                          named.contains(CutField(rest, ' ', scratch));
+        notes.Count(lost ? NoteCode::EntrySkipped : NoteCode::EmptyRow, line.Row, [&] {
+            return "The line \"" + Printable(line.Text) +
+                   "\" looks like an entry, and is not read: " + line.Place +
+                   (lost ? "" : "; no distance names it, so it is taken as a remark");
+        });
+    }
+}
+
 // Counts what is wrong, with the first of them.
 struct Objection {
     std::int64_t Count = 0;
@@ -284,15 +314,15 @@ BundleRecord BündelInputFileEinlesen(const std::string& path) {
             distanceRows[k] = row;
         }
     };
+    SkippedLines skipped;
     const auto pass = [&](std::size_t section, std::string_view line, std::int64_t row, const char* place) {
         if (section == 2 && !check) check.emplace(network);
         const std::string_view text = DecodedLine(file, line, scratch);
-        if (section == 2 ? !LooksLikeDistance(text, *check) : !LooksLikePoint(text)) return;
-        notes.Count(NoteCode::EntrySkipped, row, [&] {
-            return "The line \"" + Printable(text) + "\" looks like an entry, and is not read: " + place;
-        });
+        if (section == 2 ? LooksLikeDistance(text, *check) : LooksLikePoint(text))
+            skipped.push_back({std::string(text), place, row, section == 2});
     };
     ForEachEntry(file, take, pass);
+    NoteSkipped(network, skipped, notes);
     NoteDistances(network, *check, distanceRows, notes);
     notes.Write();
     return network;

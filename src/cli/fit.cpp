@@ -195,6 +195,9 @@ int TakePoints(const FitOptions& options, std::ostream& err, bool showProgress) 
     // The delimiter of before is what the user has named.
     if (!options.Delimiter.empty())
         std::erase_if(Notes.List, [](const Note& note) { return note.Code == NoteCode::OldDelimiter; });
+    // Orientations take part with the tool vector alone, or in a job that is written.
+    if (!options.Tool && options.Save.empty())
+        std::erase_if(Notes.List, [](const Note& note) { return note.Code == NoteCode::AngleUnit; });
     WriteMessages(err);
     return kDone;
 }

@@ -75,6 +75,8 @@ void RowNotes::Look(std::string_view line, std::int64_t row) {
         Count(NoteCode::ColumnsIgnored, row, [&] {
             return "Fields behind " + std::string(fields_.back()) + " are not read: " + Quoted(Trimmed(what));
         });
+        if (delimiter_ == ',' && CommasOfThousands(line, size, hasName_) && thousands_++ == 0)
+            firstThousands_ = row;
     };
     if (delimiter_ == '\0') {
         std::string_view rest = line;
@@ -173,7 +175,59 @@ bool RowNotes::TakeMark(std::string_view rest, std::string_view name, std::int64
     return true;
 }
 
+namespace {
+
+bool AreDigits(std::string_view text) {
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+constexpr std::size_t kGroup = 3;  // digits between two commas of thousands
+
+// May a group of thousands follow? "-1", "12", "345".
+bool BeginsThousands(std::string_view cell) {
+    if (cell.starts_with('+') || cell.starts_with('-')) cell.remove_prefix(1);
+    return AreDigits(cell) && cell.size() <= kGroup && cell.front() != '0';
+}
+
+bool IsGroup(std::string_view cell) {
+    const std::size_t point = std::min(cell.find('.'), cell.size());
+    return point == kGroup && AreDigits(cell.substr(0, point)) &&
+           (point + 1 >= cell.size() || AreDigits(cell.substr(point + 1)));
+}
+
+}  // namespace
+
+const char* const kCommasOfThousands =
+    "The commas of a number like \"1,000.5\" part it in two fields: all rows have more fields than are read, "
+    "and commas of thousands would explain it";
+
+bool CommasOfThousands(std::string_view line, std::size_t wanted, bool hasName) {
+    std::size_t cells = 0, groups = 0;
+    bool open = false;  // the cell before may be the beginning of a number that goes on behind the comma
+    for (std::size_t at = 0; at <= line.size();) {
+        const std::size_t end = std::min(line.find(',', at), line.size());
+        const std::string_view cell = Trimmed(line.substr(at, end - at));
+        at = end + 1;
+        if (cell.empty()) {
+            open = false;
+            continue;
+        }
+        const bool group = open && IsGroup(cell);
+        if (group) ++groups;
+        open = (!hasName || cells > 0) &&
+               (group ? cell.find('.') == std::string_view::npos : BeginsThousands(cell));
+        ++cells;
+    }
+    return cells > wanted && groups >= cells - wanted;
+}
+
 void RowNotes::Write() {
+    const bool changes = slots_[static_cast<std::size_t>(NoteCode::ColumnsChanged)].Count > 0;
+    if (!changes && thousands_ > 0 &&
+        thousands_ == slots_[static_cast<std::size_t>(NoteCode::ColumnsIgnored)].Count)
+        AddNote(NoteCode::ColumnsChanged, kCommasOfThousands, path_, AsInt(firstThousands_),
+                AsInt(thousands_));
+    thousands_ = 0;
     for (std::size_t code = 0; code < slots_.size(); ++code) {
         Slot& slot = slots_[code];
         if (slot.Count > 0)

@@ -55,7 +55,8 @@ public:
     // that is left open. False for anything else.
     bool TakeMark(std::string_view rest, std::string_view name, std::int64_t row);
 
-    // Adds to the list of notes what has been counted since the last time.
+    // Adds to the list of notes what has been counted since the last time. Rows of which all that have fields
+    // behind those that are read may hold commas of thousands are a warning, ColumnsChanged.
     void Write();
 
 private:
@@ -67,6 +68,8 @@ private:
     char delimiter_;
     FieldNames fields_;
     bool hasName_;
+    std::int64_t thousands_ = 0;  // rows with ignored columns that commas of thousands would explain
+    std::int64_t firstThousands_ = 0;
     std::array<Slot, static_cast<std::size_t>(NoteCode::Count_)> slots_{};
 };
 
@@ -87,6 +90,12 @@ private:
 
 // Why a number that no 64-bit float holds cannot be taken, behind the file and the line.
 std::string TooLarge(std::string_view field, std::string_view place);
+
+// Would commas of thousands explain that a row, with commas between its fields, has more of them than
+// `wanted`? "P1,1,000.5,2,000.5,300" has two more than a name and three numbers.
+bool CommasOfThousands(std::string_view line, std::size_t wanted, bool hasName);
+// What is to be said of a file all of whose rows are such.
+extern const char* const kCommasOfThousands;
 
 // Is the last field of a line the mark of a point of an adjusted network?
 bool IsMark(std::string_view rest);

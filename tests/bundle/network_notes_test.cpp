@@ -55,13 +55,30 @@ TEST_F(NetworkNotes, EntriesOfOneLineSwallowEachOther) {
     ReadBytes(
         "Theodolite\nname x y z\nS1 0 0 0\n2 sets\nEND\nObject Points\nname x y z\n"
         "P1 0 5 0\nP2 1.5 -5 2e1\nP3 0 7 0\nP4 0,5 8,5 0\nP5 1 1 1\nmeasured 3 times\nEND\n"
-        "Distances\nfrom to distance\nS1 P1 5\nEND\n");
+        "Distances\nfrom to distance\nS1 P1 5\nS1 P2 5\nS1 P4 5\nEND\n");
     EXPECT_EQ(Bundle.nObjectPoints, 3);
     ExpectNote(
         "entry-skipped", 9, 2,
         "The line \"P2 1.5 -5 2e1\" looks like an entry, and is not read: it stands in the place of the "
         "second line of the entry before it");
-    EXPECT_EQ(Codes(), std::vector<std::string>{"entry-skipped"});
+    EXPECT_EQ(Codes(), (std::vector<std::string>{"entry-skipped", "distance-unknown"}));
+}
+
+TEST_F(NetworkNotes, RemarksThatLookLikeAnEntryAreNoWarning) {
+    ReadBytes(
+        "Theodolite\nname x y z\nS1 0 0 0\ntemp 20.5 1013 45\nS2 10 0 0\nsets 2 4 8\nEND\n"
+        "Date 2026 11 22\nObject Points\nname x y z\nP1 0 5 0\n\nP2 10 0 0\n\nEND\n"
+        "Distances\nfrom to distance\nS1 P1 5\nEND\n");
+    EXPECT_EQ(Codes(), std::vector<std::string>{"empty-row"});
+    const Note* note = Of("empty-row");
+    ASSERT_NE(note, nullptr);
+    EXPECT_EQ(note->Weight, Severity::Note);
+    EXPECT_EQ(note->Line, 4);
+    EXPECT_EQ(note->Count, 3);
+    EXPECT_EQ(
+        note->Text,
+        "The line \"temp 20.5 1013 45\" looks like an entry, and is not read: it stands in the place of "
+        "the second line of the entry before it; no distance names it, so it is taken as a remark");
 }
 
 TEST_F(NetworkNotes, AnEntryInThePlaceOfAHeadingIsNotRead) {
@@ -86,7 +103,7 @@ TEST_F(NetworkNotes, AnEntryInThePlaceOfAHeadingIsNotRead) {
 TEST_F(NetworkNotes, ANameThatBeginsWithEndEndsItsSectionAndWhatFollowsIsNotRead) {
     ReadBytes(
         "The hall in 3 parts\nP0 1 2 3\nTheodolite\n\nS1 0 0 0\n\nENDPOINT 4 5 6\n\nS3 1 1 1\n\nEND\n"
-        "Object Points\n\nP1 0 5 0\n\nEND of points\nDistances\n\nS1 P1 5\nEND\n");
+        "Object Points\n\nP1 0 5 0\n\nEND of points\nDistances\n\nS1 P1 5\nS3 P1 4\nEND\n");
     EXPECT_EQ(Bundle.nStations, 1);
     ExpectNote(
         "entry-skipped", 7, 2,

@@ -123,13 +123,24 @@ TEST_F(RobotProgramFits, UnitsThatAreNotThoseOfTheProgramAreNoted) {
             if (note["severity"] == "warning") codes.push_back(note["code"]);
         return codes;
     };
+    const auto warnsOfAngles = [](const std::string& kind, const std::string& program,
+                                  const std::string& unit, const std::vector<std::string>& more) {
+        std::vector<std::string> command = {kTips, program, "--as", kind, "--angle-unit", unit, "--json"};
+        command.insert(command.end(), more.begin(), more.end());
+        const json fit = json::parse(Fit(command).Out);
+        for (const json& note : fit["notes"])
+            if (note["code"] == "angle-unit" && note["severity"] == "warning") return true;
+        return false;
+    };
     for (const auto& [kind, program] : kPrograms) {
         const bool hasDegrees = kind == "kuka" || kind == "fanuc";
         const bool hasMillimetres = hasDegrees || kind == "abb";
-        for (const char* unit : {"rad", "gon", "mrad"})
-            EXPECT_EQ(warnings(kind, program, "--angle-unit", unit),
-                      (hasDegrees ? std::vector<std::string>{"angle-unit"} : std::vector<std::string>{}))
-                << kind;
+        for (const char* unit : {"rad", "gon", "mrad"}) {
+            EXPECT_EQ(warnsOfAngles(kind, program, unit, {"--tool"}), hasDegrees) << kind;
+            EXPECT_EQ(warnsOfAngles(kind, program, unit, {"--save", PathOf("a.cvn")}), hasDegrees) << kind;
+            // Without the tool vector no orientation takes part.
+            EXPECT_EQ(warnings(kind, program, "--angle-unit", unit), std::vector<std::string>{}) << kind;
+        }
         for (const char* unit : {"m", "in"})
             EXPECT_EQ(warnings(kind, program, "--length-unit", unit),
                       (hasMillimetres ? std::vector<std::string>{"length-unit"} : std::vector<std::string>{}))
@@ -140,7 +151,8 @@ TEST_F(RobotProgramFits, UnitsThatAreNotThoseOfTheProgramAreNoted) {
                   hasDegrees ? 3 : 0)
             << kind;
     }
-    const json fit = FitJson({kTips, kPrograms[1].second, "--as", "fanuc", "--angle-unit", "rad"});
+    const json fit = FitJson(
+        {kTips, kPrograms[1].second, "--as", "fanuc", "--angle-unit", "rad", "--save", PathOf("a.cvn")});
     EXPECT_EQ(fit["notes"][0]["text"],
               "The angles of the program are in degrees, and are read as numbers in the unit in use, rad");
     EXPECT_EQ(fit["notes"][0]["file"], kPrograms[1].second);

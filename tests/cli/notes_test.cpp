@@ -287,6 +287,25 @@ TEST_F(NotesOfCommands, AFitThatLeavesParametersOpenPassesWithAWarningAndNotStri
     EXPECT_FALSE(File_Exist(PathOf("line.cvn")));
 }
 
+// All rows have as many fields then, so that none shows it but by its groups of three digits.
+TEST_F(NotesOfCommands, CommasOfThousandsInEveryRowAreAWarning) {
+    const auto rows = [this](const char* name, bool surplus) {
+        std::string text;
+        for (const char* row : {"P1,1,000.5,2,000.5,300", "P2,4,100.5,1,020.5,250", "P3,5,001.25,3,800,100",
+                                "P4,2,200.5,2,900.5,-77"})
+            text += surplus ? std::string(row) + "\n" : std::string(row, 2) + ",1.5,2.5,3.5,0.02,0.03\n";
+        return Write(name, text);
+    };
+    const Outcome strict = Fit({rows("a.csv", true), rows("b.csv", true), "--strict"});
+    EXPECT_EQ(strict.Status, 3);
+    EXPECT_NE(
+        strict.Err.find("commas of thousands would explain it (" + PathOf("a.csv") + ", line 1; 4 times)"),
+        std::string::npos)
+        << strict.Err;
+    const Outcome plain = Fit({rows("a.csv", false), rows("b.csv", false)});
+    EXPECT_EQ(plain.Err.find("thousands"), std::string::npos) << plain.Err;
+}
+
 // --- The manual -------------------------------------------------------------------------------------------
 
 TEST_F(NotesOfCommands, AreAllExplainedByTheManual) {

@@ -400,7 +400,19 @@ TEST_F(TransformCommand, RowsWithMoreColumnsThanOthersAreAWarning) {
     };
     const std::vector<Case> cases = {{"A,1.5,2.5,3.5\nC,1,234.5,8,9\n", 2, 1},
                                      {"C,1,234.5,8,9\nA,1.5,2.5,3.5\nD,1,2,3,4,5,6\n", 1, 2},
-                                     {"A;1.5;2.5;3.5\nB;1.5;2.5;3.5;9\n", 2, 1},
+                                     // What stands behind other delimiters moves nothing, nor do remarks.
+                                     {"A;1.5;2.5;3.5\nB;1.5;2.5;3.5;9\n", 0, 0},
+                                     {"A;1;2;3;0.01;0.02;0.03\nB;4;5;6;0.01;0.02\n", 0, 0},
+                                     {"A;1;2;3;x;y\nB;1;2;3;x\nC;1;2;3;x;y\n", 0, 0},
+                                     {"A;1;2;3; weld seam one\nB;4;5;6\n", 0, 0},
+                                     {"A 1 2 3\nB 4 5 6 weld\nC 7 8 9\n", 0, 0},
+                                     {"A,1,2,3,rem\nB,4,5,6\nC,7,8,9\n", 0, 0},
+                                     // Commas of thousands in every row, so that all have as many fields.
+                                     {"P1,1,000.5,2,000.5,300\nP2,1,000.5,2,000.5,300\n", 1, 2},
+                                     {"P1,-1,200,5,6\nP2,1,000,5,6\n", 1, 2},
+                                     // Numbers behind z that are no such groups.
+                                     {"P1,1000.5,2000.5,300,0.02\nP2,1000.5,2000.5,300,0.02\n", 0, 0},
+                                     {"P1,12.5,345.5,678.5,0.02\nP2,12,345,678,0.02\n", 0, 0},
                                      {"A 1.5 2.5 3.5\nB  1.5 2.5  3.5\nC 1 234.5 8 9\n", 3, 1},
                                      // As many fields in each, whatever stands between them.
                                      {"A,1.5,2.5,3.5,remark\nC,1,234.5,8,9\n", 0, 0},
