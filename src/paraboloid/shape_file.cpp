@@ -79,6 +79,34 @@ void NoteOrder(const ProfilePoint& before, const ProfilePoint& here, RowNotes& n
         });
 }
 
+// Radii and heights below 0, as they stand in their row.
+struct BelowZero {
+    double Value;  // mm
+    std::int64_t Line;
+    std::string Field;
+};
+
+// At the axis a table that was computed may have numbers below 0 that are rounding beside its own size: these
+// are nothing to speak of. A height changes with its sign by twice itself, a radius stays as it is.
+void NoteBelowZero(const std::vector<BelowZero>& radii, const std::vector<BelowZero>& heights,
+                   const std::vector<ProfilePoint>& points, RowNotes& notes) {
+    constexpr double kRadius = 1e-5, kHeight = 1e-7;
+    double size = 0;
+    for (const ProfilePoint& point : points) size = std::max({size, std::fabs(point.r), point.z});
+    for (const BelowZero& radius : radii)
+        if (-radius.Value > kRadius * size)
+            notes.Count(NoteCode::RadiusNegative, radius.Line, [&] {
+                return "The radius \"" + radius.Field +
+                       "\" is below 0; its row is kept, and points near the axis may be put onto a wrong place "
+                       "of the shape";
+            });
+    for (const BelowZero& height : heights)
+        if (-height.Value > kHeight * size)
+            notes.Count(NoteCode::HeightSign, height.Line, [&] {
+                return "The height \"" + height.Field + "\" is below 0, and is taken without its sign";
+            });
+}
+
 Profile ReadProfile(const PointText& file, char decimal) {
     std::int64_t count = 0, filled = 0;
     AnzZeilen(file, count);
@@ -89,6 +117,7 @@ Profile ReadProfile(const PointText& file, char decimal) {
     LineWalk lines(file);
     std::string_view line;
     std::string decoded, first, second;
+    std::vector<BelowZero> radiiBelow, heightsBelow;
     const char delimiter = DelimiterCharacter(Run.Delimiter);
     RowNotes notes(file.Path, delimiter, {"radius", "height"});
     while (lines.Next(line)) {
@@ -106,16 +135,8 @@ Profile ReadProfile(const PointText& file, char decimal) {
         const std::string_view height = CutField(rest, delimiter, second);
         const double signedHeight = Length(file, lines.Row, height, decimal, notes),
                      z = std::fabs(signedHeight);
-        if (r < 0)
-            notes.Count(NoteCode::RadiusNegative, lines.Row, [&] {
-                return "The radius \"" + Printable(radius) +
-                       "\" is below 0; its row is kept, and points near the axis may be put onto a wrong place "
-                       "of the shape";
-            });
-        if (signedHeight < 0)
-            notes.Count(NoteCode::HeightSign, lines.Row, [&] {
-                return "The height \"" + Printable(height) + "\" is below 0, and is taken without its sign";
-            });
+        if (r < 0) radiiBelow.push_back({r, lines.Row, Printable(radius)});
+        if (signedHeight < 0) heightsBelow.push_back({signedHeight, lines.Row, Printable(height)});
         if (HoldsMore(rest) || (delimiter != ' ' && CountByte(whole, delimiter) > 1))
             notes.Look(whole, lines.Row);
         if (!profile.Points.empty() && profile.Points.back().r == r && profile.Points.back().z == z) {
@@ -126,6 +147,7 @@ Profile ReadProfile(const PointText& file, char decimal) {
             profile.Points.push_back({r, z, lines.Row});
         }
     }
+    NoteBelowZero(radiiBelow, heightsBelow, profile.Points, notes);
     notes.Write();
     return profile;
 }

@@ -253,6 +253,21 @@ TEST_F(ShapeFile, NotesHeightsThatLoseTheirSign) {
     EXPECT_EQ(Job.ParaboloidShape(2, 2), 1) << "so it is";
 }
 
+TEST_F(ShapeFile, SaysNothingOfRoundingAtTheAxis) {
+    Read("0;0\n0.001;-0.0000001\n10;0.1\n20;0.4\n30;0.9\n");
+    EXPECT_EQ(Noted(), NoteList{});
+    Read("-0.0001;0\n10;0.1\n20;0.4\n30;0.9\n40;1.6\n");
+    EXPECT_EQ(Noted(), NoteList{});
+    EXPECT_EQ(Job.ParaboloidShape(1, 1), -0.0001);
+    // Beside a table of such sizes it is none.
+    Notes.List.clear();
+    Read("0;0\n0.001;-0.0000001\n0.002;0.0000004\n");
+    EXPECT_EQ(Noted(), (NoteList{{"height-sign", 2, 1}}));
+    Notes.List.clear();
+    Read("-0.0001;0\n0.001;0.0001\n0.002;0.0004\n");
+    EXPECT_EQ(Noted(), (NoteList{{"radius-negative", 1, 1}}));
+}
+
 TEST_F(ShapeFile, NotesRadiiBelow0) {
     Read("-20;4\n-10;1\n0;0\n10;1\n20;4\n");
     EXPECT_EQ(Noted(), (NoteList{{"radius-negative", 1, 2}}));
