@@ -125,12 +125,11 @@ bool Stopped() {
 
 }  // namespace
 
-PassEnd GoToRest(ShapePasses& passes, bool& moved, double& left) {
+PassEnd GoToRest(ShapePasses& passes, bool& moved) {
     constexpr int kMostTries = 500, kPatience = 40;
     constexpr double kStill = 1e-13;  // of the cloud's size: the rounding of its coordinates
     constexpr double kAstray = 2;     // so many times the least s0
     moved = false;
-    left = 0;
     const FloatingParameters floating(passes.Fit);
     // A shape of revolution does not hold the rotation about its axis: that stays where it is.
     const HeldWay held{floating, floating.Take(), FindHeldDirections(passes, floating, kRotZ)};
@@ -175,7 +174,6 @@ PassEnd GoToRest(ShapePasses& passes, bool& moved, double& left) {
         mixing.Extrapolate(place, movement);
     }
     floating.Put(held.Begin);
-    left = best.Movement / floating.Size;
     if (best.Place.empty() || best.s0 > s0AtBegin) return PassEnd::Done;
     held.DropIdleWays(best.Place);
     moved = Length(best.Place) > 0;

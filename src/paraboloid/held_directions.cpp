@@ -64,27 +64,6 @@ struct Sums {
     int Points = 0;
 };
 
-// The ways of a point's image with each parameter, mm by mm.
-std::vector<Vec3> Ways(const FitModel& model, const Linearisation& at, const FloatingParameters& floating,
-                       const Vec3& p) {
-    std::vector<Vec3> ways(floating.Numbers.size());
-    for (std::size_t i = 0; i < ways.size(); ++i) {
-        const int parameter = floating.Numbers[i], unknown = model.UnknownOf[At(parameter)];
-        if (parameter <= kTraZ) {
-            ways[i](parameter) = 1;
-            continue;
-        }
-        for (int k = 0; k < at.InnerCount; ++k) {
-            const InnerDerivative& inner = at.Inner[At(k)];
-            if (inner.Unknown != unknown) continue;
-            for (int row = 1; row <= 3; ++row)
-                ways[i](row) = (inner.D(row, 1) * p(1) + inner.D(row, 2) * p(2) + inner.D(row, 3) * p(3)) /
-                               floating.Factor(parameter);
-        }
-    }
-    return ways;
-}
-
 void AddPoint(const std::vector<Vec3>& ways, const ShapeFoot& foot, Sums& sums) {
     const Vec3& n = foot.Normal;
     std::vector<double> across(ways.size());
@@ -102,11 +81,6 @@ void AddPoint(const std::vector<Vec3>& ways, const ShapeFoot& foot, Sums& sums) 
     ++sums.Points;
 }
 
-bool InUse(const GatheredPoints& points, std::size_t k) {
-    return points.AllInUse || points.Weight[0][k] != 0 || points.Weight[1][k] != 0 ||
-           points.Weight[2][k] != 0;
-}
-
 Sums SumsOf(const ShapePasses& passes, const FloatingParameters& floating) {
     const GatheredPoints& points = passes.Fit.Points;
     const FitModel model = ChooseModel(passes.Fit.ParamText);
@@ -114,12 +88,12 @@ Sums SumsOf(const ShapePasses& passes, const FloatingParameters& floating) {
     const std::size_t n = floating.Numbers.size();
     Sums sums{.Across = Square(n, std::vector<double>(n)), .Whole = Square(n, std::vector<double>(n))};
     for (std::size_t k = 0; k < At(points.Count); ++k) {
-        if (!InUse(points, k)) continue;
+        if (!PointInUse(points, k)) continue;
         const Vec3 c = points.StartCentre;
         const Vec3 p(points.Start[0][k] + c(1), points.Start[1][k] + c(2), points.Start[2][k] + c(3));
         Vec3 image;
         TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
-        AddPoint(Ways(model, at, floating, p),
+        AddPoint(WaysOfPoint(model, at, floating, p),
                  NearestShapeFoot(image(1), image(2), image(3), Job.ParaboloidShape), sums);
         for (int axis = 1; axis <= 3; ++axis)
             sums.Far = std::max({sums.Far, std::fabs(p(axis)), std::fabs(image(axis))});
@@ -142,6 +116,31 @@ bool AllFinite(const Square& a) {
 }
 
 }  // namespace
+
+std::vector<Vec3> WaysOfPoint(const FitModel& model, const Linearisation& at,
+                              const FloatingParameters& floating, const Vec3& p) {
+    std::vector<Vec3> ways(floating.Numbers.size());
+    for (std::size_t i = 0; i < ways.size(); ++i) {
+        const int parameter = floating.Numbers[i], unknown = model.UnknownOf[At(parameter)];
+        if (parameter <= kTraZ) {
+            ways[i](parameter) = 1;
+            continue;
+        }
+        for (int k = 0; k < at.InnerCount; ++k) {
+            const InnerDerivative& inner = at.Inner[At(k)];
+            if (inner.Unknown != unknown) continue;
+            for (int row = 1; row <= 3; ++row)
+                ways[i](row) = (inner.D(row, 1) * p(1) + inner.D(row, 2) * p(2) + inner.D(row, 3) * p(3)) /
+                               floating.Factor(parameter);
+        }
+    }
+    return ways;
+}
+
+bool PointInUse(const GatheredPoints& points, std::size_t k) {
+    return points.AllInUse || points.Weight[0][k] != 0 || points.Weight[1][k] != 0 ||
+           points.Weight[2][k] != 0;
+}
 
 FloatingParameters::FloatingParameters(const NormFit& fit) {
     for (int k = kTraX; k <= kAngleZtoXY; ++k)

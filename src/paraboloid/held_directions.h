@@ -24,6 +24,14 @@ struct FloatingParameters {
     ParameterPlace Moved(const ParameterPlace& from, const ParameterPlace& to) const;
 };
 
+// The ways of a point's image with each of them, mm by mm.
+//   p  the point of the start system, mm
+std::vector<Vec3> WaysOfPoint(const FitModel& model, const Linearisation& at,
+                              const FloatingParameters& floating, const Vec3& p);
+
+// Does any coordinate of gathered point k, from 0 on, take part?
+bool PointInUse(const GatheredPoints& points, std::size_t k);
+
 // Directions of the floating parameters, orthonormal.
 struct HeldDirections {
     std::vector<ParameterPlace> Held;

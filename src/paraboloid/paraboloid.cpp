@@ -22,6 +22,7 @@
 #include "engine/start_values.h"
 #include "engine/transform.h"
 #include "fit/trend.h"
+#include "paraboloid/better_place.h"
 #include "paraboloid/form_stop_para_trafo.h"
 #include "paraboloid/held_directions.h"
 #include "paraboloid/shape.h"
@@ -80,23 +81,48 @@ bool Stopped() {
 // Where s0 rests the parameters may still be far from where they would come to, by tenths of a millimetre on
 // a dish of metres, and the last acceleration stands behind the last fit: on to there. False when nothing
 // more is to follow.
-//   left  out: how far the passes still moved the points there, as a share of the cloud's size
-bool GoOnToRest(double& left) {
+bool GoOnToRest() {
     ShapePasses passes;
     bool moved = false;
-    left = 0;
-    return passes.Begin() && GoToRest(passes, moved, left) == PassEnd::Done && moved && !Stopped();
+    return passes.Begin() && GoToRest(passes, moved) == PassEnd::Done && moved && !Stopped();
 }
 
-// Along a table of few rows points hang at its kinks, and passes stand still, or all but so, at places that
-// hang on where they began.
-void NoteUnrest(double left) {
-    constexpr double kRest = 1e-9;
-    if (left <= kRest) return;
-    AddNote(
-        NoteCode::UnsettledFits,
-        "The passes along the shape came to no rest, though s0 did: other start values may lead to another "
-        "place, with a smaller s0; rows of the shape that are nearer to each other help");
+LoopEnd FitToRest(double tolerance) {
+    const LoopEnd end = FitToShape(tolerance);
+    return end == LoopEnd::Rest && GoOnToRest() ? FitToShape(tolerance) : end;
+}
+
+// Along a table of few rows points hang at its kinks, and passes rest at places that hang on where they
+// began: on to the best place beside. What stands is left as it is where that is not better.
+LoopEnd FitBeside(double tolerance, BesideSearch& found) {
+    ShapePasses passes;
+    if (!passes.Begin()) return LoopEnd::Lost;
+    const Parameters before = ParametersOf(Job);
+    const double s0 = Calculation.s0;
+    if (SearchBeside(passes, found) == PassEnd::Lost) return LoopEnd::Lost;
+    LoopEnd end = LoopEnd::Rest;
+    if (found.Better && !Stopped()) {
+        end = FitToRest(tolerance);
+        if (end == LoopEnd::Rest && !(Calculation.s0 < s0)) {
+            PutParameters(before, Job);
+            found.Better = false;
+            return FitToShape(tolerance);
+        }
+    }
+    return end;
+}
+
+void NoteBeside(const BesideSearch& found) {
+    if (found.Better)
+        AddNote(NoteCode::BetterStart,
+                "The passes along the shape had come to rest at a place that is not the best; the result is "
+                "that of a better one beside it");
+    if (found.Doubt)
+        AddNote(
+            NoteCode::UnsettledFits,
+            "The rows of the shape are so far apart that the result hangs on them: other start values may "
+            "lead to another place, with a smaller s0, and the sigmas do not tell how far off the "
+            "parameters may be; rows of the shape that are nearer to each other help");
 }
 
 // Parameters that the shape leaves open, which then have no sigma, and points that it does not reach.
@@ -254,9 +280,9 @@ void CalculateParaboloid() {
     if (runs && !MonteCarloRuns()) return;
     constexpr double kRest = 1e-6;
     const double tolerance = kRest * Units.LengthFactor;
-    LoopEnd end = FitToShape(tolerance);
-    double left = 0;
-    if (end == LoopEnd::Rest && GoOnToRest(left)) end = FitToShape(tolerance);
+    LoopEnd end = FitToRest(tolerance);
+    BesideSearch beside;
+    if (end == LoopEnd::Rest) end = FitBeside(tolerance, beside);
     if (Run.JobGeneration != generation) return;
     if (end == LoopEnd::Stopped) Calculation.Converged = false;  // though the fit of the last pass did
     if (Calculation.Refused) return;
@@ -266,5 +292,5 @@ void CalculateParaboloid() {
     if (!Calculation.Finite) return;
     if (runs) BringRunsToFormOfResult();
     NoteLimitsOfShape();
-    if (end == LoopEnd::Rest) NoteUnrest(left);
+    if (end == LoopEnd::Rest) NoteBeside(beside);
 }

@@ -33,8 +33,7 @@ PassEnd Loop(ShapePasses& passes, double tolerance) {
 PassEnd FitOfRun(ShapePasses& passes, double tolerance) {
     PassEnd end = Loop(passes, tolerance);
     bool moved = false;
-    double left = 0;
-    if (end == PassEnd::Done) end = GoToRest(passes, moved, left);
+    if (end == PassEnd::Done) end = GoToRest(passes, moved);
     if (end == PassEnd::Done) end = passes.Pass();
     return end == PassEnd::Done && IsTrue(Run.StopRequested) ? PassEnd::Failed : end;
 }

@@ -97,6 +97,25 @@ Segment SegmentAt(const HalfPlane& p, int row) {
     return {at.Length, at.Angle + std::remainder(at.Angle - of(row < 1 ? 2 : last - 1).Angle, 2 * kPi)};
 }
 
+// Of two curvatures the lesser one, 0 where they bend to different sides.
+double LesserCurvature(double a, double b) {
+    if (!(a * b > 0)) return 0;
+    return std::fabs(a) < std::fabs(b) ? a : b;
+}
+
+// Of the surface that a segment stands for. The kinks at both ends of a segment are those of a curved surface
+// where they are alike; a kink at one end alone is a corner. At the ends of the table the next kink inwards
+// stands for the missing one.
+double CurvatureAt(const HalfPlane& p, int row) {
+    const int last = p.Rows() - 1;
+    const auto kink = [&p, last](int i) {  // between segments i and i + 1
+        if (i < 1 || i >= last) return 0.0;
+        const Segment a = SegmentAt(p, i), b = SegmentAt(p, i + 1);
+        return std::remainder(b.Angle - a.Angle, 2 * kPi) / ((a.Length + b.Length) / 2);
+    };
+    return LesserCurvature(kink(row > 1 ? row - 1 : row + 1), kink(row < last ? row : row - 2));
+}
+
 // The direction of the surface at a foot, and the kink that is nearest to it.
 void TakeDirection(const HalfPlane& p, const Foot& foot, double& angle, double& kink) {
     const Segment here = SegmentAt(p, foot.Row);
@@ -110,6 +129,21 @@ void TakeDirection(const HalfPlane& p, const Foot& foot, double& angle, double& 
     angle = here.Angle;
     kink = std::fabs(turn);
     if (std::fabs(fromMiddle) <= here.Length / 2) angle += share * turn;
+}
+
+// The surface that bends as its curvature says lies beside the segment by half of that times the lengths on
+// both sides of the foot.
+void TakeBend(const HalfPlane& p, const Foot& foot, double& facet, double& bend, double& bulge) {
+    const Segment here = SegmentAt(p, foot.Row);
+    const Vec3 begin = p.At(foot.Row);
+    const double along =
+        (foot.Place(1) - begin(1)) * std::cos(here.Angle) + (foot.Place(2) - begin(2)) * std::sin(here.Angle);
+    facet = bend = here.Angle;
+    bulge = 0;
+    if (!(along >= 0 && along <= here.Length)) return;
+    const double curvature = CurvatureAt(p, foot.Row);
+    bend += curvature * (along - here.Length / 2);
+    bulge = -curvature * along * (here.Length - along) / 2;
 }
 
 }  // namespace
@@ -139,8 +173,15 @@ ShapeFoot NearestShapeFoot(double x, double y, double z, const Matrix& Paraboloi
     ShapeFoot found{.Place = {foot.Place(1) * phi.Cos, foot.Place(1) * phi.Sin, foot.Place(2)},
                     .Distance = foot.Distance};
     TakeDirection(p, foot, angle, found.Kink);
-    const Circle way(angle);
-    found.Normal = {-way.Sin * phi.Cos, -way.Sin * phi.Sin, way.Cos};
+    double facet = 0, bend = 0;
+    TakeBend(p, foot, facet, bend, found.Bulge);
+    const auto normal = [&phi](double direction) {
+        const Circle way(direction);
+        return Vec3(-way.Sin * phi.Cos, -way.Sin * phi.Sin, way.Cos);
+    };
+    found.Normal = normal(angle);
+    found.Facet = normal(facet);
+    found.Bend = normal(bend);
     const double first = p.Radius(1), last = p.Radius(p.Rows());
     found.Beyond = foot.Place(1) > last || (first > 0 && foot.Place(1) < first);
     return found;

@@ -22,6 +22,11 @@ struct ShapeFoot {
     // Of unit length. Between the middles of neighbouring segments it turns evenly, as that of the surface
     // does that the table stands for.
     Vec3 Normal;
+    Vec3 Facet;  // the normal of the segment that the foot is on; the point is along it from the foot
+    // The same of a surface that bends along the segment as the kinks around say where they are alike, and
+    // how far that lies beside the segment, along Facet, mm. A corner bends nothing.
+    Vec3 Bend;
+    double Bulge = 0;
     double Kink = 0;      // between the two segments that are nearest to the foot, rad
     bool Beyond = false;  // the foot is past an end of the table: on its last segment made longer, or in the
                           // hole of a table that does not begin at the axis

@@ -35,7 +35,5 @@ struct ShapePasses {
 // by more than its rounding; the rotation about the shape's axis takes no part. What the shape does not hold
 // stays where the passes before have left it.
 //   moved  out: the parameters are others than before
-//   left   out: how far the best pass still moved them, as a share of the cloud's size; a table of few rows
-//          has kinks, at which passes may stand without having arrived. 0 where the shape holds nothing
 //   Lost   the parameters are left as they are
-PassEnd GoToRest(ShapePasses& passes, bool& moved, double& left);
+PassEnd GoToRest(ShapePasses& passes, bool& moved);

@@ -172,12 +172,12 @@ TEST_F(ShapeFits, OfTheExampleGiveItsTilt) {
     EXPECT_NEAR(Value(fit, "traz"), -35.2, 0.015);
 }
 
-TEST_F(ShapeFits, ThatComeToNoRestAreNoted) {
+TEST_F(ShapeFits, ThatHangAtKinksGoOnToABetterPlace) {
     // Rows 5 mm apart: a table of many small kinks, at which passes from far off may hang.
     std::string shape;
     for (int i = 0; i <= 120; ++i) shape += Line("%.6f;%.9f\n", 5.0 * i, 25.0 * i * i / 4000);
     const std::string table = Write("rows.txt", shape);
-    int above = 0;
+    int wentOn = 0;
     for (unsigned set = 1; set <= 40; ++set) {
         unsigned seed = set;
         const auto any = [&seed] {
@@ -196,18 +196,20 @@ TEST_F(ShapeFits, ThatComeToNoRestAreNoted) {
             arguments.insert(arguments.end(), start.begin(), start.end());
             const json fit = FitJson(arguments);
             bool noted = false;
-            for (const json& note : fit["notes"]) noted = noted || note["code"] == "unsettled-fits";
+            for (const json& note : fit["notes"]) {
+                noted = noted || note["code"] == "unsettled-fits";
+                wentOn += note["code"] == "better-start" ? 1 : 0;
+            }
             return std::pair<double, bool>(fit["quality"]["s0_mm"], noted);
         };
         const auto [near, nearNoted] = end({});
         for (const char* tilt : {"rotx=3", "roty=-2", "roty=2", "rotx=-3"}) {
             const auto [far, farNoted] = end({"--start", "trax=60", "--start", tilt});
-            if (far < 1.2 * near) continue;
-            ++above;
+            if (far < 1.01 * near) continue;
             EXPECT_TRUE(farNoted) << set << ", " << tilt << ": " << far << " against " << near;
         }
     }
-    EXPECT_GT(above, 0);
+    EXPECT_GT(wentOn, 0);
     const json example = FitJson({kExamples + "dish_measured.txt", kExamples + "dish_shape.txt", "--as",
                                   "paraboloid", "--hold", "rotz=0"});
     for (const json& note : example["notes"]) EXPECT_NE(note["code"], "unsettled-fits");

@@ -1,0 +1,388 @@
+// Places beside the one where the passes of the fit to a shape rest.
+#include "paraboloid/better_place.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <utility>
+#include <vector>
+
+#include "core/job.h"
+#include "core/platform.h"
+#include "core/run.h"
+#include "engine/parameter_kind.h"
+#include "engine/transform.h"
+#include "paraboloid/held_directions.h"
+#include "paraboloid/paraboloid.h"
+#include "paraboloid/shape.h"
+
+namespace {
+
+using Values = std::vector<double>;
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+// A place is told by the ways from the begin along the held directions, mm at the cloud's edge.
+struct Rest {
+    Values Place;
+    double Sum = kInfinity;  // of squared distances, mm^2
+};
+
+// Normal equations of the distances in the held directions.
+struct Equations {
+    std::vector<Values> Normal;
+    Values Right;
+
+    // Cholesky's decomposition. False where the matrix is not positive.
+    bool Solve(Values& x) const {
+        const std::size_t n = Right.size();
+        std::vector<Values> l = Normal;
+        x = Right;
+        for (std::size_t i = 0; i < n; ++i)
+            for (std::size_t j = 0; j <= i; ++j) {
+                double sum = Normal[i][j];
+                for (std::size_t k = 0; k < j; ++k) sum -= l[i][k] * l[j][k];
+                if (i == j && !(sum > 0)) return false;
+                l[i][j] = i == j ? std::sqrt(sum) : sum / l[j][j];
+            }
+        for (std::size_t i = 0; i < n; ++i) {
+            for (std::size_t k = 0; k < i; ++k) x[i] -= l[i][k] * x[k];
+            x[i] /= l[i][i];
+        }
+        for (std::size_t i = n; i-- > 0;) {
+            for (std::size_t k = i + 1; k < n; ++k) x[i] -= l[k][i] * x[k];
+            x[i] /= l[i][i];
+        }
+        return true;
+    }
+};
+
+enum class Surface {
+    Segments,  // as the table has them
+    Even       // bending evenly along them
+};
+
+// The sum of squared distances over the parameters that the shape holds.
+class Landscape {
+public:
+    explicit Landscape(ShapePasses& passes)
+        : passes_(passes), floating_(passes.Fit), model_(ChooseModel(passes.Fit.ParamText)) {
+        before_ = ParametersOf(Job);
+        begin_ = floating_.Take();
+        directions_ = FindHeldDirections(passes, floating_, kRotZ);
+        const GatheredPoints& points = passes.Fit.Points;
+        const Vec3 c = points.StartCentre;
+        for (std::size_t k = 0; k < static_cast<std::size_t>(points.Count); ++k)
+            if (PointInUse(points, k))
+                points_.push_back(
+                    {points.Start[0][k] + c(1), points.Start[1][k] + c(2), points.Start[2][k] + c(3)});
+        double observations = 0;
+        for (const double weight : passes.Fit.P) observations += weight != 0 ? 1 : 0;
+        redundancy_ = std::max(1.0, observations - passes.Fit.u);
+    }
+
+    std::size_t Directions() const { return directions_.Held.size(); }
+    bool Lost() const { return lost_; }
+    bool Ended() const {
+        return lost_ || IsTrue(Run.StopRequested) || IsTrue(ParaboloidRun.ParaStopRequested);
+    }
+
+    // Has the search taken as long as it may? Many points even the kinks out, so that a first look does.
+    bool Spent() const {
+        constexpr std::size_t kMost = 500000;  // distances
+        return sums_ * points_.size() > kMost;
+    }
+
+    void Restore() const { PutParameters(before_, Job); }
+    void Put(const Values& place) const {
+        ParameterPlace parameters = begin_;
+        for (std::size_t k = 0; k < place.size(); ++k)
+            for (std::size_t i = 0; i < parameters.size(); ++i)
+                parameters[i] += place[k] * directions_.Held[k][i];
+        floating_.Put(parameters);
+        Job.RotXCopy = Job.RotX;
+        Job.RotYCopy = Job.RotY;
+        Job.RotZCopy = Job.RotZ;
+    }
+
+    // Infinite where a scale leaves its neighbourhood, where there is no number, and behind the end.
+    double SumAt(const Values& place) {
+        if (!Serve()) return kInfinity;
+        Put(place);
+        if (!ScalesAreNear()) return kInfinity;
+        double sum = 0;
+        for (const Vec3& p : points_) {
+            Vec3 image, nearest;
+            double distance = 0;
+            TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
+            NearestShapePoint(image(1), image(2), image(3), Job.ParaboloidShape, nearest(1), nearest(2),
+                              nearest(3), distance);
+            sum += distance * distance;
+        }
+        return std::isfinite(sum) ? sum : kInfinity;
+    }
+
+    // Down to a place of rest. On segments each step leaves the points where they are, which may then be
+    // nearer to other segments, so that whole steps only ever lead down where the shape is hollow.
+    Rest Descend(Values place) {
+        constexpr int kMostSteps = 30, kMostHalves = 6;
+        constexpr double kNothing = 1e-12;
+        Rest rest{.Place = std::move(place)};
+        rest.Sum = SumAt(rest.Place);
+        Values step;
+        for (int count = 0; count < kMostSteps && std::isfinite(rest.Sum); ++count) {
+            if (!EquationsAt(rest.Place, Surface::Segments).Solve(step)) break;
+            Rest next;
+            double share = 1;
+            for (int halves = 0; halves < kMostHalves && !(next.Sum < rest.Sum); ++halves, share /= 2) {
+                next.Place = rest.Place;
+                for (std::size_t k = 0; k < step.size(); ++k) next.Place[k] -= share * step[k];
+                next.Sum = SumAt(next.Place);
+            }
+            if (!(next.Sum < rest.Sum)) break;
+            const double gain = rest.Sum - next.Sum;
+            rest = std::move(next);
+            if (gain < kNothing * rest.Sum) break;
+        }
+        return rest;
+    }
+
+    // The least place of the surface that bends evenly, which has no kinks to hang at.
+    Values EvenPlace() {
+        constexpr int kSteps = 10;
+        Values place(Directions()), step;
+        for (int count = 0; count < kSteps; ++count) {
+            if (Ended() || !EquationsAt(place, Surface::Even).Solve(step)) break;
+            for (std::size_t k = 0; k < step.size(); ++k) place[k] -= step[k];
+        }
+        return place;
+    }
+
+    // How far to go along direction k so that the sum changes by `sum`.
+    double Way(std::size_t k, double sum) const { return std::sqrt(sum / directions_.Weight[k]); }
+
+    // The sum that the table itself stands for at the begin: of what its segments lie off the even surface.
+    double OffTable() {
+        Put(Values(Directions()));
+        double sum = 0;
+        for (const Vec3& p : points_) {
+            const ShapeFoot foot = FootOf(p);
+            sum += foot.Bulge * foot.Bulge;
+        }
+        return std::isfinite(sum) ? sum : 0;
+    }
+
+    double SquaredMeanError(double sum) const { return sum / redundancy_; }
+    // By how much another sum must differ to be another.
+    double Worth(double sum) const {
+        constexpr double kOfError = 0.01, kOfSum = 1e-6;
+        return std::max(kOfSum * sum, kOfError * SquaredMeanError(sum));
+    }
+    // One place: as near to each other as the mean error of `b` leaves it, or as lengths of the cloud's size
+    // mean anything.
+    bool AreOnePlace(const Values& a, const Rest& b) const {
+        constexpr double kNear = 1e-6;  // of the cloud's size
+        double apart = 0;
+        for (std::size_t k = 0; k < Directions(); ++k) {
+            const double way = a[k] - b.Place[k];
+            apart += directions_.Weight[k] * way * way;
+        }
+        const double near = kNear * floating_.Size;
+        return apart <= std::max(SquaredMeanError(b.Sum), near * near * static_cast<double>(points_.size()));
+    }
+
+private:
+    bool Serve() {
+        if (Ended()) return false;
+        ++sums_;
+        YieldToEvents();
+        lost_ = lost_ || passes_.Overtaken();
+        return !Ended();
+    }
+
+    bool ScalesAreNear() const {
+        constexpr double kNear = 0.1;
+        for (std::size_t i = 0; i < begin_.size(); ++i) {
+            const int parameter = floating_.Numbers[i];
+            if (KindOf(parameter) != ParameterKind::Scale) continue;
+            const double begin = begin_[i] / floating_.Factor(parameter);
+            if (!(std::fabs(ParameterValue(Job, parameter) - begin) <= kNear * std::fabs(begin)))
+                return false;
+        }
+        return true;
+    }
+
+    static ShapeFoot FootOf(const Vec3& p) {
+        Vec3 image;
+        TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
+        return NearestShapeFoot(image(1), image(2), image(3), Job.ParaboloidShape);
+    }
+
+    Equations EquationsAt(const Values& place, Surface surface) {
+        const std::size_t n = Directions();
+        Equations equations{.Normal = std::vector<Values>(n, Values(n)), .Right = Values(n)};
+        if (!Serve()) return equations;
+        Put(place);
+        const Linearisation at = Linearise(model_, passes_.Fit.Points);
+        Values along(n);
+        for (const Vec3& p : points_) {
+            Vec3 image;
+            TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
+            const ShapeFoot foot = NearestShapeFoot(image(1), image(2), image(3), Job.ParaboloidShape);
+            double distance = surface == Surface::Even ? -foot.Bulge : 0;
+            for (int axis = 1; axis <= 3; ++axis)
+                distance += foot.Facet(axis) * (image(axis) - foot.Place(axis));
+            const Vec3& normal = surface == Surface::Even ? foot.Bend : foot.Facet;
+            const std::vector<Vec3> ways = WaysOfPoint(model_, at, floating_, p);
+            std::fill(along.begin(), along.end(), 0);
+            for (std::size_t i = 0; i < ways.size(); ++i) {
+                const double across =
+                    normal(1) * ways[i](1) + normal(2) * ways[i](2) + normal(3) * ways[i](3);
+                for (std::size_t k = 0; k < n; ++k) along[k] += across * directions_.Held[k][i];
+            }
+            for (std::size_t k = 0; k < n; ++k) {
+                equations.Right[k] += along[k] * distance;
+                for (std::size_t j = 0; j < n; ++j) equations.Normal[k][j] += along[k] * along[j];
+            }
+        }
+        return equations;
+    }
+
+    ShapePasses& passes_;
+    FloatingParameters floating_;
+    FitModel model_;
+    Parameters before_;
+    ParameterPlace begin_;
+    HeldDirections directions_;
+    std::vector<Vec3> points_;  // in use, mm
+    std::size_t sums_ = 0;      // so far
+    double redundancy_ = 1;
+    bool lost_ = false;
+};
+
+// Numbers of mean 0 and variance 1, all but normal, the same in each search.
+class Dice {
+public:
+    double Even() {  // from 0 to 1
+        state_ = state_ * 6364136223846793005U + 1442695040888963407U;
+        return static_cast<double>(state_ >> 11U) * 0x1p-53;
+    }
+    double Normal() {
+        constexpr int kTwelve = 12;
+        double sum = -kTwelve / 2.0;
+        for (int i = 0; i < kTwelve; ++i) sum += Even();
+        return sum;
+    }
+
+private:
+    std::uint64_t state_ = 1;
+};
+
+// The places of rest that a search has come to.
+class Search {
+public:
+    explicit Search(Landscape& land) : land_(land) {}
+
+    const Rest& Best() const { return ends_[best_]; }
+
+    // Takes an end of a way; true where it is better than the best so far.
+    bool Take(Rest end) {
+        const bool better = ends_.empty() || end.Sum < Best().Sum - land_.Worth(Best().Sum);
+        if (better) best_ = ends_.size();
+        ends_.push_back(std::move(end));
+        return better;
+    }
+
+    // Has every way come to the best place?
+    bool AllAreOne() const {
+        return std::all_of(ends_.begin(), ends_.end(), [this](const Rest& end) { return IsBest(end); });
+    }
+
+    // From the best place both ways along each direction, by these parts of the way that changes the sum by
+    // `unit`. The first look goes on even where the time is spent.
+    bool LookAlong(const std::vector<double>& parts, double unit, bool first = false) {
+        bool better = false;
+        const Values centre = Best().Place;
+        for (std::size_t k = 0; k < land_.Directions(); ++k)
+            for (const double part : parts)
+                for (const double sign : {-1.0, 1.0}) {
+                    if (land_.Ended() || (!first && land_.Spent())) return better;
+                    Values place = centre;
+                    place[k] += sign * part * land_.Way(k, unit);
+                    better |= Take(land_.Descend(place));
+                }
+        return better;
+    }
+
+    void LookAround(int count, double unit) {
+        Dice dice;
+        for (int i = 0; i < count && !land_.Ended() && !land_.Spent(); ++i) {
+            Values place = Best().Place;
+            const double size = 0.3 + 2 * dice.Even();
+            for (std::size_t k = 0; k < place.size(); ++k)
+                place[k] += size * dice.Normal() * land_.Way(k, unit);
+            Take(land_.Descend(place));
+        }
+    }
+
+    bool LeavesDoubt() const {
+        constexpr int kSure = 3;
+        constexpr double kHardly = 4;  // times the squared mean error: two sigma
+        const double most = Best().Sum + kHardly * land_.SquaredMeanError(Best().Sum);
+        int ways = 0;
+        for (const Rest& end : ends_) {
+            if (IsBest(end)) ++ways;
+            if (end.Sum <= most && !land_.AreOnePlace(end.Place, Best())) return true;
+        }
+        return ways < kSure;
+    }
+
+private:
+    bool IsBest(const Rest& end) const {
+        return end.Sum <= Best().Sum + land_.Worth(Best().Sum) && land_.AreOnePlace(end.Place, Best());
+    }
+
+    Landscape& land_;
+    std::vector<Rest> ends_;
+    std::size_t best_ = 0;
+};
+
+// The whole search, behind a first look that has not come back to one place.
+void SeekOn(Search& search, double offTable) {
+    constexpr int kMostRounds = 10, kAround = 60;
+    const std::vector<double> parts = {0.5, 1, 2, 4};
+    for (int round = 0; round < kMostRounds; ++round)
+        if (!search.LookAlong(parts, search.Best().Sum)) break;
+    search.LookAround(kAround, std::max(search.Best().Sum, offTable));
+}
+
+}  // namespace
+
+PassEnd SearchBeside(ShapePasses& passes, BesideSearch& found) {
+    found = BesideSearch{};
+    Landscape land(passes);
+    if (land.Directions() == 0) return PassEnd::Done;
+    const Values begin(land.Directions());
+    const double before = land.SumAt(begin);
+    if (land.Lost()) return PassEnd::Lost;
+    if (land.Ended() || !std::isfinite(before)) {
+        land.Restore();
+        return PassEnd::Done;
+    }
+    Search search(land);
+    const double offTable = land.OffTable();
+    search.Take(land.Descend(begin));
+    const Values even = land.EvenPlace();
+    search.Take(land.Descend(even));
+    search.LookAlong({1}, std::max(search.Best().Sum, offTable), true);
+    const bool one = search.AllAreOne();
+    if (!one) SeekOn(search, offTable);
+    if (land.Lost()) return PassEnd::Lost;
+    land.Restore();
+    if (land.Ended()) return PassEnd::Done;
+    found.Doubt = (!one && search.LeavesDoubt()) || !land.AreOnePlace(even, search.Best());
+    found.Better = search.Best().Sum < before - land.Worth(before);
+    if (found.Better) land.Put(search.Best().Place);
+    return PassEnd::Done;
+}
