@@ -264,8 +264,11 @@ bool NoteCollapse(const FitModel& model, const Mat3& M) {
         (reach.Target <= kOnePlace * start && spreads.Image <= kMostOfDeviation * spreads.HalfDeviation);
     if (onePlace || Drowned(spreads.Target, spreads.Image, spreads.Start, spreads)) {
         NoteCollapsed(
-            "The target points in use are all at one place, or all but so: a scale of 0 fits them "
-            "whatever the start points are, so this is no fit, and the rotation is arbitrary");
+            IsTrue(Job.IsParaboloid)
+                ? "The scale has all but gone to 0: it carries all points to one place of the shape, which fits "
+                  "whatever the points are, so this is no fit, and the rotation is arbitrary"
+                : "The target points in use are all at one place, or all but so: a scale of 0 fits them "
+                  "whatever the start points are, so this is no fit, and the rotation is arbitrary");
         for (int k = kRotX; k <= kRotZ; ++k)
             if (model.UnknownOf[At(k)] != 0) TakeSigma(k);
         return true;
@@ -334,6 +337,11 @@ std::string NamesLeftOpen() {
     for (int k = kTraX; k < kParameterEnd; ++k)
         open[At(k)] = Calculation.UnknownOf[At(k)] != 0 && IsLeftOpen(k);
     return NamesOf(open);
+}
+
+void NoteCollapseOnShape(const NormFit& fit) {
+    const FitModel& model = Adjustment.Model;
+    NoteCollapse(model, Linearise(model, fit.Points).M);
 }
 
 void NoteResult(const NormFit& fit) {

@@ -12,6 +12,10 @@
 // Calculation: they are no numbers (NaN) then. Reads the job's parameters, Adjustment and Calculation.
 void NoteResult(const NormFit& fit);
 
+// Of a fit to a shape, whose nearest points shrink with the images of the points: the note of a scale that
+// has gone to 0 alone. `fit` has its points gathered.
+void NoteCollapseOnShape(const NormFit& fit);
+
 // The points leave this parameter of the last calculation open: it has no sigma. So has the length of a tool
 // vector of which a part is open.
 bool IsLeftOpen(int parameter);

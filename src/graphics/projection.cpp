@@ -258,12 +258,9 @@ void rechne_PixelCloud(ScreenWindow& window) {
     TakeArmedRotationCenter(window);
     SizeView();
     const Turn turn = TurnOf(window);
-    if (!HoldsView(turn)) {
-        ForEachBlock([&turn](int first, int count) { TurnRows(turn, first, count); });
-        Max_Min(window);
-        KeepView(turn, window.ViewBox);
-    }
-    window.ViewBox = Scene.ViewBox;
+    ForEachBlock([&turn](int first, int count) { TurnRows(turn, first, count); });
+    Max_Min(window);
+    KeepView(turn, window.ViewBox);
     TurnDeviations(window);
 }
 

@@ -125,7 +125,8 @@ void NoteBeside(const BesideSearch& found) {
             "parameters may be; rows of the shape that are nearer to each other help");
 }
 
-// Parameters that the shape leaves open, which then have no sigma, and points that it does not reach.
+// Parameters that the shape leaves open, which then have no sigma, a scale that has gone to 0, and points
+// that the shape does not reach.
 void NoteLimitsOfShape() {
     ShapePasses passes;
     if (!passes.Begin()) return;
@@ -141,6 +142,7 @@ void NoteLimitsOfShape() {
                 "The shape does not hold " + names + ": what is shown for " +
                     (open.size() == 1 ? "it is arbitrary, and it has no sigma"
                                       : "them is arbitrary, and they have no sigma"));
+    NoteCollapseOnShape(passes.Fit);
     int beyond = 0;
     std::string points;
     constexpr int kMostNames = 5;
@@ -292,5 +294,6 @@ void CalculateParaboloid() {
     if (!Calculation.Finite) return;
     if (runs) BringRunsToFormOfResult();
     NoteLimitsOfShape();
-    if (end == LoopEnd::Rest) NoteBeside(beside);
+    // Beside a scale that has collapsed lesser ones are all better.
+    if (end == LoopEnd::Rest && !IsTrue(Job.Collapsed)) NoteBeside(beside);
 }

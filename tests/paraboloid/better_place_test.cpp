@@ -239,3 +239,36 @@ TEST_F(TablesOfFewRows, TellHowFarTheSurfaceBehindThemIsOffTheirSegments) {
         EXPECT_NEAR(foot.Bend(3), 1 / std::hypot(slope, 1), 1e-4);
     }
 }
+
+TEST_F(TablesOfFewRows, OfAConeLeaveNothingOfAScaleThatFloats) {
+    BeginDish(20, 60, 0.02);
+    for (int row = 1; row <= 20; ++row) Job.ParaboloidShape(row, 2) = Job.ParaboloidShape(row, 1) / 2;
+    for (std::size_t i = 1; i <= 60; ++i) {
+        const double r = kEdge * std::sqrt(0.45 + 0.44 * NextNumber()), phi = kPi * NextNumber();
+        const auto p = Before(kBeside, {r * std::cos(phi), r * std::sin(phi), r / 2});
+        Job.Start.X[i] = p[0] + 0.02 * NextNumber();
+        Job.Start.Y[i] = p[1] + 0.02 * NextNumber();
+        Job.Start.Z[i] = p[2] + 0.02 * NextNumber();
+    }
+    ParaboloidNearestTargets();
+    FloatParameters({kTraX, kTraY, kTraZ, kRotX, kRotY, kScaleXYZ});
+    Calculate();
+    // A cone is its own image in any size about its tip: nothing holds the scale but the noise.
+    ASSERT_LT(std::fabs(Job.ScaleXYZ), 1e-3);
+    EXPECT_TRUE(IsNoted(NoteCode::CollapsedScale));
+    EXPECT_EQ(Job.Collapsed, kTrue);
+}
+
+TEST_F(TablesOfFewRows, OfADishHoldAScale) {
+    BeginDish(500, 60, 0.02);
+    for (std::size_t i = 1; i <= 60; ++i) {
+        Job.Start.X[i] = *Job.Start.X[i] / 1.02;
+        Job.Start.Y[i] = *Job.Start.Y[i] / 1.02;
+        Job.Start.Z[i] /= 1.02;
+    }
+    FloatParameters({kTraX, kTraY, kTraZ, kRotX, kRotY, kScaleXYZ});
+    Calculate();
+    EXPECT_NEAR(Job.ScaleXYZ, 1.02, 2e-3);
+    EXPECT_FALSE(IsNoted(NoteCode::CollapsedScale));
+    EXPECT_EQ(Job.Collapsed, kFalse);
+}
