@@ -21,6 +21,11 @@ void PackWeights(int pairs, Column& P) {
     for (int i = 1; i <= pairs; ++i) P[At(3 * i - 2)] = P[At(3 * i - 1)] = P[At(3 * i)];
 }
 
+// Points that are to coincide have a solution in closed form to go on from (best_fit.h).
+bool HasOtherWays(const FitModel& model) {
+    return model.Mode == FitMode::Coincide;
+}
+
 // The state of one iteration.
 struct Iteration {
     FitRun& Run;
@@ -121,7 +126,7 @@ struct Iteration {
     // threshold.
     bool TurnsNothingAtLock() const {
         constexpr double kAtLock = 1e-6;
-        if (!(std::fabs(std::cos(Run.Now[kRotY])) < kAtLock)) return false;
+        if (HasOtherWays(Model) || !(std::fabs(std::cos(Run.Now[kRotY])) < kAtLock)) return false;
         Mat3 turned;
         for (int k = 0; k < this->At.InnerCount; ++k) {
             const InnerDerivative& inner = this->At.Inner[::At(k)];
@@ -240,7 +245,8 @@ void RestAtLock(FitRun& run, const FitModel& model, GatheredPoints& points, cons
                 IterationResult& result) {
     constexpr double kAtLock = 1e-6, kNoWorse = 1e-9;
     const bool both = model.UnknownOf[kRotX] != 0 && model.UnknownOf[kRotZ] != 0;
-    if (!both || !run.State.Finite || !(std::fabs(std::cos(run.Now[kRotY])) < kAtLock)) return;
+    if (HasOtherWays(model) || !both || !run.State.Finite || !(std::fabs(std::cos(run.Now[kRotY])) < kAtLock))
+        return;
     FitModel resting = model;
     for (int k = kRotX + 1; k < kParameterEnd; ++k)
         if (resting.UnknownOf[At(k)] > model.UnknownOf[kRotX]) --resting.UnknownOf[At(k)];

@@ -175,34 +175,51 @@ Handedness HandednessHere(const NormRun& fit) {
                         SizeRatio(fit.Points, fit.Kind));
 }
 
-double SizeRatio(const GatheredPoints& points, FitNorm norm) {
+namespace {
+
+double RatioOfRoots(const GatheredPoints& points) {
     const auto sizeOf = [&](const std::array<LaneArray, 3>& set) {
-        const auto used = [&](int axis, int i) {
-            return points.AllInUse || points.Weight[At(axis)][At(i)] != 0;
-        };
-        const bool middles = norm == FitNorm::LeastSum;
         double squares = 0;
-        std::vector<double> distances(At(points.Count));
         for (int axis = 0; axis < 3; ++axis) {
+            const auto used = [&](int i) { return points.AllInUse || points.Weight[At(axis)][At(i)] != 0; };
             double count = 0, middle = 0;
-            std::vector<double> values;
             for (int i = 0; i < points.Count; ++i)
-                if (used(axis, i)) {
+                if (used(i)) {
                     ++count;
                     middle += set[At(axis)][At(i)];
-                    if (middles) values.push_back(set[At(axis)][At(i)]);
                 }
-            middle = middles ? Middle(std::move(values)) : middle / std::max(1.0, count);
+            middle /= std::max(1.0, count);
             for (int i = 0; i < points.Count; ++i)
-                if (used(axis, i)) {
-                    const double off = set[At(axis)][At(i)] - middle;
-                    squares += off * off;
-                    distances[At(i)] += off * off;
-                }
+                if (used(i)) squares += (set[At(axis)][At(i)] - middle) * (set[At(axis)][At(i)] - middle);
         }
-        return middles ? std::sqrt(Middle(std::move(distances))) : std::sqrt(squares);
+        return std::sqrt(squares);
     };
     return sizeOf(points.Target) / sizeOf(points.Start);
+}
+
+// Of the distances between each pair and the one half the list away. NaN where there are none.
+double RatioOfMiddles(const GatheredPoints& points) {
+    std::vector<double> ratios;
+    const int away = std::max(1, points.Count / 2);
+    for (int i = 0; i < points.Count; ++i) {
+        const int other = (i + away) % points.Count;
+        if (PartOf(points, i) != Part::All || PartOf(points, other) != Part::All) continue;
+        const auto distance = [&](const std::array<LaneArray, 3>& set) {
+            const Vec3 a = PointOf(set, i), b = PointOf(set, other);
+            return Length({a(1) - b(1), a(2) - b(2), a(3) - b(3)});
+        };
+        const double start = distance(points.Start);
+        if (start > 0) ratios.push_back(distance(points.Target) / start);
+    }
+    return ratios.empty() ? std::numeric_limits<double>::quiet_NaN() : Middle(std::move(ratios));
+}
+
+}  // namespace
+
+double SizeRatio(const GatheredPoints& points, FitNorm norm) {
+    const double middle =
+        norm == FitNorm::LeastSum ? RatioOfMiddles(points) : std::numeric_limits<double>::quiet_NaN();
+    return middle > 0 ? middle : RatioOfRoots(points);
 }
 
 bool MirrorMayStand(double proper, double mirrored, double rounding, int redundancy, FitNorm norm,

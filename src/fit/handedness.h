@@ -31,9 +31,9 @@ Handedness HandednessOf(const GatheredPoints& points, const Mat3& M, const Vec3&
 // The same of the transformation at which a fit stands, in its norm.
 Handedness HandednessHere(const NormRun& fit);
 
-// Size of the target set by that of the start set, each about its middle: by the roots of the sums of
-// squares, and of the least sum by the middle distances, which blunders do not change. NaN where the start
-// has no size.
+// Size of the target set by that of the start set: by the roots of the sums of squares about the middles, and
+// of the least sum by the middle one of the ratios of distances, which blunders hardly change. NaN where the
+// start has no size.
 double SizeRatio(const GatheredPoints& points, FitNorm norm);
 
 // A mirrored result may stand: it fits better than a proper one by more than noise explains, by its size

@@ -208,7 +208,7 @@ void ActivateScreenWindow(ScreenWindow& window) {
     if (screens.Active == &window) return;
     screens.Active = &window;
     ShowInDialogs(window);
-    Changed(What::State);
+    RunEvent([] { Changed(What::State); });  // while a handler yields, too: the user has changed the window
 }
 
 void ResizeScreenWindow(ScreenWindow& window, int width, int height) {

@@ -131,6 +131,11 @@ bool ImportByID(const ImportRequest& request) {
     return ReadBothFiles(request) && MatchByName();
 }
 
+// Pairs that a search has found do not stand in front yet. Those of a job that has come in meanwhile do.
+void ForgetPairsFound(std::uint64_t generation) {
+    if (Run.JobGeneration == generation) Job.SetPairs(0);
+}
+
 bool ImportByDistance(const ImportRequest& request) {
     if (!ReadBothFiles(request)) return false;
     NoteDoubleNamesOfFiles();
@@ -138,8 +143,9 @@ bool ImportByDistance(const ImportRequest& request) {
     if (!TakeEtta(request, DistanceText())) return false;
     AddPrefix(Job.Start.Name, "MCS_");
     AddPrefix(Job.Target.Name, "OCS_");
+    const std::uint64_t generation = Run.JobGeneration;
     AutoFindPts(options);
-    Job.SetPairs(0);  // they do not stand in front yet
+    ForgetPairsFound(generation);
     return !IsTrue(Run.ImportFailed) && MatchByName();
 }
 
@@ -153,8 +159,9 @@ bool ImportByCoordinate(const ImportRequest& request) {
         AddPrefix(Job.Start.Name, "MCS_");
         AddPrefix(Job.Target.Name, "OCS_");
     }
+    const std::uint64_t generation = Run.JobGeneration;
     PärchenSuchen(options);
-    Job.SetPairs(0);  // they do not stand in front yet
+    ForgetPairsFound(generation);
     if (IsTrue(Run.ImportFailed) || IsTrue(Run.StopRequested)) return false;
     if (options.CheckRenameMCS)
         RewritePointFile(request.StartPath, Job.Start.Name, Job.Start.X, Job.Start.Y, Job.Start.Z,

@@ -229,7 +229,10 @@ void MCS_OCS_aufbereiten() {
     if (!start || !GoesOn(kArranging)) return;
     const auto target = SortSet(TargetSet());
     if (!target || !GoesOn(kArranging)) return;
-    if (RefuseDoubleName(StartSet(), *start) || RefuseDoubleName(TargetSet(), *target)) return;
+    if (RefuseDoubleName(StartSet(), *start) || RefuseDoubleName(TargetSet(), *target)) {
+        CountAllPoints();
+        return;
+    }
     SortForIdentPts(*start, *target);
 }
 

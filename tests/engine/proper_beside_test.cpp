@@ -331,16 +331,6 @@ TEST_F(ProperBeside, BlundersDoNotChangeWhatTheLeastSumMakesOfAPlate) {
     EXPECT_GT(held, 3);
 }
 
-TEST_F(ProperBeside, ABodyThatIsMirroredStaysSoBesideABlunder) {
-    for (int seed = 0; seed < 5; ++seed) {
-        SCOPED_TRACE(seed);
-        Set set = AnySet(seed, {500, 300, 200}, kNoise, true, true, 20);
-        set.Target[3][0] += 1e5;
-        Fit(set, "7", kNorms[3]);
-        EXPECT_LT(Determinant(), 0);
-    }
-}
-
 TEST_F(ProperBeside, AStartValueFarFromAllThatFitsHoldsNothing) {
     int held = 0;
     for (const char* start : {"10", "1000", "1e6"})

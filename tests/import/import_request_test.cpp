@@ -65,8 +65,11 @@ TEST_F(ImportRequests, LeaveADialogThatIsOpenAlone) {
 TEST_F(ImportRequests, ThatReplaceNothingLeaveThePointsOfBeforeCounted) {
     ASSERT_EQ(::Import(Request()), ImportOutcome::Done);
     ImportRequest request = Request();
-    AnswerYesNo(request, true);
-    request.StartPath = Write("short.txt", "A;1\r\n");
+    // The points may go; the file with the other decimal delimiter is not to be changed, so it is not read.
+    request.How.YesNo = [](const std::string&, const std::string& title) {
+        return title == "Overwrite old Points?";
+    };
+    request.StartPath = Write("comma.txt", "A;0,5;0;0\r\nB;100;0;0\r\n");
     EXPECT_EQ(::Import(request), ImportOutcome::NotRead);
     EXPECT_EQ(Job.Start.Count(), 5);
     EXPECT_EQ(Job.Target.Count(), 5);
