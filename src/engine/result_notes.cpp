@@ -258,10 +258,11 @@ bool NoteCollapse(const FitModel& model, const Mat3& M) {
     Spreads spreads(M);
     // A residual is the way to the target point in the plain model alone.
     if (model.Mode != FitMode::Coincide) spreads.Deviation = spreads.HalfDeviation = 0;
-    // Targets of another unit are near to each other too, and their images then fit them.
+    // Targets of another unit are near to each other too, and their images then fit them. Those of a shape
+    // are wherever the points are carried to, and shrink with them.
+    const bool images = IsTrue(Job.IsParaboloid) || spreads.Image <= kMostOfDeviation * spreads.HalfDeviation;
     const bool onePlace =
-        reach.Target <= kRounding * reach.LargestTarget ||
-        (reach.Target <= kOnePlace * start && spreads.Image <= kMostOfDeviation * spreads.HalfDeviation);
+        reach.Target <= kRounding * reach.LargestTarget || (reach.Target <= kOnePlace * start && images);
     if (onePlace || Drowned(spreads.Target, spreads.Image, spreads.Start, spreads)) {
         NoteCollapsed(
             IsTrue(Job.IsParaboloid)

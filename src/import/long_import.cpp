@@ -132,7 +132,8 @@ void ReplaceTarget(PointSet points) {
 }
 
 void CountAllPoints() {
-    if (Job.Start.CountsAll() && Job.Target.CountsAll()) return;
+    if (Job.Start.CountsAll() && Job.Target.CountsAll() && Job.Transformed.Count() >= Job.Start.Count())
+        return;
     Job.SetPairs(0);
     Job.Start.CountAll();
     Job.Target.CountAll();
