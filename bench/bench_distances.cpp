@@ -72,7 +72,9 @@ BENCHMARK(BM_TrumpetFile)->Arg(3000)->Unit(benchmark::kMillisecond);
 void BM_TrumpetSvg(benchmark::State& state) {
     FillWithPoints(state);
     const DistancePoints points = TakeDistancePoints(false);
-    for (auto _ : state) state.counters["bytes"] = static_cast<double>(TrumpetSvg(points, "Pairs", WholeTrumpetPlot(points)).size());
+    for (auto _ : state)
+        state.counters["bytes"] =
+            static_cast<double>(TrumpetSvg(points, "Pairs", WholeTrumpetPlot(points)).size());
     FreshStart();
 }
 BENCHMARK(BM_TrumpetSvg)->Arg(3000)->Unit(benchmark::kMillisecond);

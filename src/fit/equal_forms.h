@@ -36,8 +36,8 @@ bool TakeNearestForm(const FitModel& model, const std::vector<EqualForm>& forms,
 // Q stays the inverse of the normal matrix. False, and nothing is changed, where there is none.
 bool TakeNicerRotation(const FitModel& model, Parameters& parameters, Matrix& Q);
 
-// Takes whole turns off the frame's floating angles, where an iteration has left a turn or more in them. False,
-// and nothing is changed, where it has not.
+// Takes whole turns off the frame's floating angles, where an iteration has left a turn or more in them.
+// False, and nothing is changed, where it has not.
 bool TakeWholeTurnsOff(const FitModel& model, Parameters& parameters);
 
 // Takes parameters from a form with a negative scale to the equal one without, if there is one; of several

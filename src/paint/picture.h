@@ -21,5 +21,6 @@ std::string PictureBytes(const ScreenWindow& window);
 // A surface that FillSurfaceWithPicture has filled, without labels; the PNG file bears the title.
 std::string PictureBytes(const Surface& screen, const std::string& title);
 
-// The same as PictureBytes of a window, into a file. False where the window keeps no picture. Throws PlatformError as WriteFile.
+// The same as PictureBytes of a window, into a file. False where the window keeps no picture. Throws
+// PlatformError as WriteFile.
 bool WritePicture(const ScreenWindow& window, const std::string& path);

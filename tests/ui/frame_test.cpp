@@ -26,8 +26,8 @@
 #include "engine/form_trafo_berechnung.h"
 #include "import/form_input_files.h"
 #include "ui/desktop.h"
-#include "ui/drops.h"
 #include "ui/desktop_fixture.h"
+#include "ui/drops.h"
 #include "ui/qt_text.h"
 
 namespace {

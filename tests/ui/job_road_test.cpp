@@ -10,8 +10,8 @@
 #include "core/job.h"
 #include "core/run.h"
 #include "ui/desktop.h"
-#include "ui/drops.h"
 #include "ui/desktop_fixture.h"
+#include "ui/drops.h"
 #include "ui/qt_text.h"
 
 namespace {
