@@ -1,8 +1,11 @@
 // Runs the tests in random order, each from a fresh start; gtest prints the seed.
+#include "core/fresh_start.h"
 #include "support/fixture.h"
 
 int main(int argc, char** argv) {
     GTEST_FLAG_SET(shuffle, true);
     testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
+    const int status = RUN_ALL_TESTS();
+    FreshStart();  // pictures of windows that the last test has left open would pass for lost memory
+    return status;
 }

@@ -108,7 +108,16 @@ std::string BundleEndText(BundleEnd end, const BundleWork& work) {
 }
 
 void NoteBundleEnd(const BundleRecord& network, const BundleWork& work, BundleEnd end) {
-    std::erase_if(Notes.List, [](const Note& note) { return note.Code == NoteCode::NotConverged; });
+    std::erase_if(Notes.List, [](const Note& note) {
+        return note.Code == NoteCode::NotConverged || note.Code == NoteCode::NoRedundancy;
+    });
+    const auto used =
+        std::count_if(work.StationOf.begin(), work.StationOf.end(), [](int number) { return number != 0; });
+    if (work.Iterations > 0 && work.nUnknown > 0 && used <= work.nUnknown)
+        AddNote(NoteCode::NoRedundancy,
+                "no redundancy: sigma says nothing (" + std::to_string(used) + " distances for " +
+                    std::to_string(work.nUnknown) + " unknown coordinates)",
+                network.BundleFilePath);
     if (end != BundleEnd::NoEnd && end != BundleEnd::Stopped) return;
     const std::string text =
         "The adjustment of the network " +

@@ -82,7 +82,7 @@ std::string TrumpetPng(const DistancePoints& points, const std::string& title, c
     look.NotAllPairs = notAllPairs;
     PaintTrumpet(sheet.Screen, points, plot, RasterOf(points, sharp), look);
     const std::string bytes = PictureBytes(sheet.Screen, title);
-    if (bytes.empty()) throw PlatformError("There is no memory for the picture of the plot");
+    if (bytes.empty()) throw PlatformError{"There is no memory for the picture of the plot"};
     return bytes;
 }
 

@@ -14,6 +14,7 @@
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/design.h"
+#include "engine/loose_scales.h"
 #include "engine/loose_turns.h"
 #include "engine/norm_table.h"
 #include "engine/parameter_kind.h"
@@ -104,6 +105,23 @@ void NoteLooseTurns(const NormFit& fit, const OpenParameters& open, const FitMod
                                   : std::string("not known at all")) +
                 ": what is shown for " + NamesOf(hardly) +
                 " is as good as open, and what lies off the points is put all but anywhere");
+}
+
+// Of those that are not told as open already.
+void NoteLooseScales(const NormFit& fit, const FitModel& model, const Linearisation& at, bool robust) {
+    LooseScales loose = FindLooseScales(fit, model, at, robust);
+    for (int k = kTraX; k < kParameterEnd; ++k)
+        if (Job.LeftOpen[At(k)] != 0 || fit.HeldByFit[At(k)]) loose.Of[At(k)] = false;
+    if (!loose.Any() || IsTrue(Job.Collapsed)) return;
+    for (int k = kTraX; k < kParameterEnd; ++k)
+        if (loose.Of[At(k)]) Job.LeftOpen[At(k)] = 1;
+    AddNote(
+        NoteCode::HardlyKnown,
+        "The points in use, or their targets, stand off a plane or a line by little more than their noise, which "
+        "alone determines " +
+            NamesOf(loose.Of) +
+            ": what is shown is as good as open, and what lies off the points is put "
+            "all but anywhere; hold what leads across them");
 }
 
 // Near the lock the two angles are determined, but by little.
@@ -355,7 +373,10 @@ void NoteResult(const NormFit& fit) {
     NoteTooNear(model);
     const bool onePlace = NoteCollapse(model, at.M);
     if (!onePlace) NoteOpen(fit, open, model);
-    if (!onePlace && !IsTrue(Job.IsParaboloid)) NoteLooseTurns(fit, open, model, at);
+    if (!onePlace && !IsTrue(Job.IsParaboloid)) {
+        NoteLooseTurns(fit, open, model, at);
+        NoteLooseScales(fit, model, at, NormOfJob().Fit == FitNorm::LeastSum);
+    }
     for (int k = kTraX; k < kParameterEnd; ++k)
         if (fit.HeldByFit[At(k)]) TakeSigma(k);  // what the fit did of it is told already
     if (!onePlace && !open.GimbalLock) NoteNearLock(model);

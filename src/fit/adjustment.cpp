@@ -5,9 +5,11 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <utility>
 
 #include "fit/corrections.h"
 #include "fit/normal_equations.h"
+#include "fit/open_parameters.h"
 #include "fit/require.h"
 
 namespace {
@@ -238,20 +240,43 @@ double SumOfSquares(const Column& v, const Column& P) {
     return sum;
 }
 
-// An iteration that has reached its limit at the lock of the angles, where Rot x and Rot z turn against each
-// other by any amount: with Rot x left where it is it comes to rest, and that is the result where it is no
-// worse.
-void RestAtLock(FitRun& run, const FitModel& model, GatheredPoints& points, const Column& P,
-                IterationResult& result) {
-    constexpr double kAtLock = 1e-6, kNoWorse = 1e-9;
-    const bool both = model.UnknownOf[kRotX] != 0 && model.UnknownOf[kRotZ] != 0;
-    if (HasOtherWays(model) || !both || !run.State.Finite || !(std::fabs(std::cos(run.Now[kRotY])) < kAtLock))
-        return;
+void Hold(int parameter, FitModel& model) {
+    const int unknown = std::exchange(model.UnknownOf[At(parameter)], 0);
+    for (int& other : model.UnknownOf)
+        if (other > unknown) --other;
+    --model.Unknowns;
+}
+
+// Without Rot x where the angles are at their lock.
+FitModel WithoutLock(const FitRun& run, const FitModel& model) {
+    constexpr double kAtLock = 1e-6;
     FitModel resting = model;
-    for (int k = kRotX + 1; k < kParameterEnd; ++k)
-        if (resting.UnknownOf[At(k)] > model.UnknownOf[kRotX]) --resting.UnknownOf[At(k)];
-    resting.UnknownOf[kRotX] = 0;
-    --resting.Unknowns;
+    const bool both = model.UnknownOf[kRotX] != 0 && model.UnknownOf[kRotZ] != 0;
+    if (both && std::fabs(std::cos(run.Now[kRotY])) < kAtLock) Hold(kRotX, resting);
+    return resting;
+}
+
+// Without a shift for each way that points and poses leave open at the present parameters.
+FitModel WithoutOpenShifts(const FitRun& run, FitModel model, const GatheredPoints& points, const Column& P) {
+    constexpr int kMost = 3;
+    for (int held = 0; held < kMost; ++held) {
+        ChainRecord chain;
+        const Linearisation at = Linearise(model, run.Now, points, chain);
+        const OpenParameters open = FindOpenParameters(
+            points, model, [&P](std::size_t i) { return P[i] != 0; }, run.Now, at);
+        int shift = kTraX;
+        while (shift <= kTraZ && (!open.Open[At(shift)] || model.UnknownOf[At(shift)] == 0)) ++shift;
+        if (open.ByPoints() == 0 || shift > kTraZ) break;
+        Hold(shift, model);
+    }
+    return model;
+}
+
+// The iteration with some parameters left where they are, whose end is the result where it comes to rest and
+// is no worse. False where it is not; everything is as it was then.
+bool Rests(FitRun& run, const FitModel& model, const FitModel& resting, GatheredPoints& points,
+           const Column& P, IterationResult& result) {
+    constexpr double kNoWorse = 1e-9;
     const Parameters before = run.Now;
     const IterationState ended = run.State;
     const IterationResult kept = result;
@@ -260,20 +285,30 @@ void RestAtLock(FitRun& run, const FitModel& model, GatheredPoints& points, cons
     Matrix inverse;
     {
         Iteration iteration(run, points, resting, false, moments);
-        if (!iteration.CarryOut(inverse)) return;
+        if (!iteration.CarryOut(inverse)) return true;  // abandoned
     }
-    const bool rests = run.State.Converged;
-    if (rests) {
+    if (run.State.Converged) {
         SettleHere(run, model, points, P, result);
         run.State.Iterations = ended.Iterations;
         run.State.AtRest = true;
         const double most = SumOfSquares(kept.v, P) * (1 + kNoWorse);
-        const double rounding = RoundingOfSquares(points);
-        if (SumOfSquares(result.v, P) <= most + rounding) return;
+        if (SumOfSquares(result.v, P) <= most + RoundingOfSquares(points)) return true;
     }
     run.Now = before;
     run.State = ended;
     result = kept;
+    return false;
+}
+
+// An iteration that has reached its limit where something moves without end and without effect: Rot x at the
+// lock of the angles, or what is open.
+void RestWithoutWhatMoves(FitRun& run, const FitModel& model, GatheredPoints& points, const Column& P,
+                          IterationResult& result) {
+    if (HasOtherWays(model) || !run.State.Finite) return;
+    const FitModel unlocked = WithoutLock(run, model);
+    if (unlocked.Unknowns < model.Unknowns && Rests(run, model, unlocked, points, P, result)) return;
+    const FitModel resting = WithoutOpenShifts(run, unlocked, points, P);
+    if (resting.Unknowns < unlocked.Unknowns) Rests(run, model, resting, points, P, result);
 }
 
 }  // namespace
@@ -301,7 +336,7 @@ void Iterate(FitRun& run, const FitModel& model, GatheredPoints& points, Column&
         Residuals(points, model, iteration.At, iteration.centred, result.v);
         if (run.State.Converged || run.Stops()) return;
     }
-    RestAtLock(run, model, points, P, result);
+    RestWithoutWhatMoves(run, model, points, P, result);
 }
 
 void RenewResiduals(FitRun& run, const FitModel& model, const GatheredPoints& points, Column& v) {

@@ -74,6 +74,9 @@ PoseAngles AnglesOfQuaternion(const Quaternion& q, const RobotProgram& program, 
     const PoseAngles angles = {-c, -b, -a};
     const Mat3 wanted = MatrixOf(q);
     if (TurnAlike(angles, wanted, Tolerance(q))) return angles;
+    constexpr double kMostRounding = 5e-3;  // four numbers of three digits
+    if (std::fabs(length - 1) > kMostRounding && fromMatrix.Misread++ == 0)
+        fromMatrix.FirstMisread = program.Lines.Row;
     if (fromMatrix.Count++ == 0) fromMatrix.FirstLine = program.Lines.Row;
     return AnglesOfMatrix(wanted);
 }
@@ -85,4 +88,10 @@ void NoteMatrixAngles(const RobotProgram& program, const MatrixAngles& fromMatri
         "The angles of a pose are taken from its rotation, because its quaternion has not length 1 or stands "
         "at a right angle",
         program.File.Path, static_cast<int>(fromMatrix.FirstLine), static_cast<int>(fromMatrix.Count));
+    if (fromMatrix.Misread > 0)
+        AddNote(NoteCode::PosesDoubtful,
+                "The quaternion of a pose is not of length 1 by far more than its digits explain: one of its "
+                "numbers may be mistyped, and its orientation wrong",
+                program.File.Path, static_cast<int>(fromMatrix.FirstMisread),
+                static_cast<int>(fromMatrix.Misread));
 }

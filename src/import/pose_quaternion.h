@@ -10,6 +10,8 @@
 struct MatrixAngles {
     std::int64_t Count = 0;
     std::int64_t FirstLine = 0;
+    // Of them those whose quaternions are too far from length 1 for any rounding.
+    std::int64_t Misread = 0, FirstMisread = 0;
 };
 
 // The angles of a pose by QuaternionToAngles, which turn points where that one's turn axes: with the other

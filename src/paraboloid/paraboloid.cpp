@@ -87,8 +87,37 @@ bool GoOnToRest() {
     return passes.Begin() && GoToRest(passes, moved) == PassEnd::Done && moved && !Stopped();
 }
 
-LoopEnd FitToRest(double tolerance) {
+// Does the loop end far from where its best pass has been? The acceleration may throw it past the shape.
+bool IsThrownOff(LoopEnd end) {
+    constexpr double kFar = 1.5;  // of the least s0
+    if (end == LoopEnd::Lost || Stopped() || Calculation.Refused) return false;
+    return std::isfinite(ParaboloidRun.LeastS0) && !(Calculation.s0 <= kFar * ParaboloidRun.LeastS0);
+}
+
+// On from the best pass without acceleration, where the loop has been thrown off. What stands is kept where
+// that is no better.
+LoopEnd FitWithoutThrow(double tolerance) {
     const LoopEnd end = FitToShape(tolerance);
+    if (!IsThrownOff(end)) return end;
+    const Parameters thrown = ParametersOf(Job);
+    const double s0 = Calculation.s0;
+    PutParameters(ParaboloidRun.Best, Job);
+    ParaboloidRun.Accelerates = false;
+    LoopEnd plain = FitToShape(tolerance);
+    if (plain == LoopEnd::Rest && !(Calculation.s0 < s0)) {
+        PutParameters(thrown, Job);
+        plain = FitToShape(tolerance);
+    } else if (plain == LoopEnd::Rest) {
+        AddNote(NoteCode::BetterStart,
+                "The acceleration of the passes along the shape had thrown them off; the result is that of "
+                "passes without it, from the best place that they had come to");
+    }
+    ParaboloidRun.Accelerates = true;
+    return plain;
+}
+
+LoopEnd FitToRest(double tolerance) {
+    const LoopEnd end = FitWithoutThrow(tolerance);
     return end == LoopEnd::Rest && GoOnToRest() ? FitToShape(tolerance) : end;
 }
 
@@ -143,6 +172,14 @@ void NoteLimitsOfShape() {
                     (open.size() == 1 ? "it is arbitrary, and it has no sigma"
                                       : "them is arbitrary, and they have no sigma"));
     NoteCollapseOnShape(passes.Fit);
+    int used = 0;
+    for (int i = 1; i <= Job.Pairs(); ++i)
+        if (Used(i, 1) || Used(i, 2) || Used(i, 3)) ++used;
+    if (used <= passes.Fit.u)
+        AddNote(NoteCode::NoRedundancy, "no redundancy: sigma says nothing (" + std::to_string(used) +
+                                            " points on the shape, each of which "
+                                            "tells one distance from it, for " +
+                                            std::to_string(passes.Fit.u) + " parameters)");
     int beyond = 0;
     std::string points;
     constexpr int kMostNames = 5;
@@ -177,6 +214,7 @@ void PutTarget(int i, const Vec3& target) {
 
 void BeginOuterLoop() {
     ParaboloidRun.PreviousS0 = 100;
+    ParaboloidRun.LeastS0 = std::numeric_limits<double>::infinity();
     for (ParameterTrend& trend : ParaboloidRun.Trends) {
         trend.History.assign(6, 0);
         trend.Boost = 0;
@@ -235,7 +273,12 @@ bool CalcParaboloid() {
     ButtonCalcErsatz();
     if (Run.JobGeneration != generation || Calculation.Refused) return false;
     ParaboloidRun.S0 = Calculation.s0;
-    Accelerate(Calculation.s0);
+    if (Calculation.s0 < ParaboloidRun.LeastS0 && Calculation.Converged && Calculation.Finite) {
+        ParaboloidRun.LeastS0 = Calculation.s0;
+        ParaboloidRun.Best = ParametersOf(Job);
+    }
+    if (ParaboloidRun.Accelerates) Accelerate(Calculation.s0);
+    ParaboloidRun.PreviousS0 = Calculation.s0;
     TransformByParameters();
     return true;
 }

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <limits>
 #include <string>
 
 #include "core/arrays.h"
@@ -24,6 +25,9 @@ struct ParaboloidRecord {
     double PreviousS0 = 100;          // s0 of the pass before, mm; the loop begins with 100
     double S0 = 0;                    // of the last pass
     std::int32_t ParaPass = 1;        // number of the pass to come
+    bool Accelerates = true;          // the passes of this loop
+    Parameters Best;                  // behind the fit of the pass with the least s0 of this loop, and that
+    double LeastS0 = std::numeric_limits<double>::infinity();
     // A shape of revolution does not hold the rotation about its axis, so that has no trend.
     std::array<ParameterTrend, 5> Trends{
         ParameterTrend{.Parameter = kTraX}, ParameterTrend{.Parameter = kTraY},

@@ -161,3 +161,16 @@ TEST_F(NetworkNotes, AnAdjustmentWithoutAnEndIsNotedOnTheDesktopToo) {
     Calculate();
     EXPECT_EQ(Of("not-converged"), nullptr);
 }
+
+TEST_F(NetworkNotes, AsManyDistancesAsUnknownsAreTold) {
+    // 4 stations and 6 points: 24 distances, and 30 coordinates less the 6 that are held.
+    for (const int objects : {6, 7}) {
+        SCOPED_TRACE(objects);
+        Read(SimulatedNetwork(4, objects).Text());
+        Calculate();
+        const bool told = std::any_of(Notes.List.begin(), Notes.List.end(),
+                                      [](const Note& note) { return note.Code == NoteCode::NoRedundancy; });
+        EXPECT_EQ(told, objects == 6);
+        UnloadWindow("FormBündel");
+    }
+}

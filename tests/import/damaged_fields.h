@@ -343,7 +343,10 @@ protected:
     // The vectors of quaternions whose first number is 10, from the angles that were made of them.
     static Points Turns(PoseReader reader, const std::string& path, bool byDeclarations = false) {
         ReadPoses(reader, path, byDeclarations);
-        std::erase_if(Notes.List, [](const Note& note) { return note.Code == NoteCode::AnglesOfPose; });
+        // Of these lengths all of them are told.
+        std::erase_if(Notes.List, [](const Note& note) {
+            return note.Code == NoteCode::AnglesOfPose || note.Text.starts_with("The quaternion of a pose");
+        });
         Points points;
         for (int i = 1; i <= Job.RobotABC.Rows; ++i) {
             std::array<double, 4> s{}, c{};

@@ -342,11 +342,15 @@ TEST_F(RobotFiles, OrientationsThatTheFormulaLosesAreThoseOfTheRotation) {
         for (int k = 0; k < 9; ++k) EXPECT_NEAR(turned[k], wanted[k], 1e-9) << i << " " << k;
     }
     EXPECT_TRUE(Messages().empty());
-    ASSERT_EQ(Notes.List.size(), 1u);
+    ASSERT_EQ(Notes.List.size(), 2u);
     EXPECT_EQ(Notes.List[0].Code, NoteCode::AnglesOfPose);
     EXPECT_EQ(Notes.List[0].Line, 2);
     EXPECT_EQ(Notes.List[0].Count, 5);
     EXPECT_EQ(Notes.List[0].File, PathOf("program.txt"));
+    // Of lengths 2 and 0.72.
+    EXPECT_EQ(Notes.List[1].Code, NoteCode::PosesDoubtful);
+    EXPECT_EQ(Notes.List[1].Line, 5);
+    EXPECT_EQ(Notes.List[1].Count, 2);
 }
 
 TEST_F(RobotFiles, TheUsualSixDigitsOfAQuaternionAreNotMeddledWith) {

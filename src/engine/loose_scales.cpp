@@ -1,0 +1,164 @@
+// Scales and angles of the frame that only noise determines.
+#include "engine/loose_scales.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "core/job.h"
+#include "fit/normal_equations.h"
+#include "fit/small_svd.h"
+
+namespace {
+
+std::size_t At(int i) {
+    return static_cast<std::size_t>(i);
+}
+
+constexpr double kEpsilon = 2.220446049250313e-16;
+
+bool IsOfFrame(int parameter) {
+    return parameter >= kScaleX && parameter <= kAngleZtoXY && parameter != kScaleXYZ;
+}
+
+double Middle(std::vector<double> values) {
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+// Whole pairs, without gross errors where they are to stand aside.
+struct WholePairs {
+    std::vector<int> List;  // from 0
+    double Noise = 0;       // of a coordinate, mm
+
+    WholePairs(const GatheredPoints& points, const Linearisation& at, int unknowns, bool robust) {
+        constexpr double kGross = 20;
+        std::vector<double> deviations;
+        double largest = 0;
+        for (int i = 0; i < points.Count; ++i) {
+            if (!Used(i + 1, 1) || !Used(i + 1, 2) || !Used(i + 1, 3)) continue;
+            double squares = 0;
+            for (int axis = 1; axis <= 3; ++axis) {
+                const double target = points.Target[At(axis - 1)][At(i)];
+                double off = at.Shift(axis) - target;
+                for (int j = 1; j <= 3; ++j) off += at.M(axis, j) * points.Start[At(j - 1)][At(i)];
+                squares += off * off;
+                largest = std::max(largest, std::fabs(target) + std::fabs(points.TargetCentre(axis)));
+            }
+            List.push_back(i);
+            deviations.push_back(std::sqrt(squares));
+        }
+        if (List.empty()) return;
+        const double most = robust ? kGross * Middle(deviations) + kEpsilon * largest
+                                   : std::numeric_limits<double>::infinity();
+        double squares = 0;
+        std::size_t kept = 0;
+        for (std::size_t k = 0; k < List.size(); ++k) {
+            if (!(deviations[k] <= most)) continue;
+            squares += deviations[k] * deviations[k];
+            List[kept++] = List[k];
+        }
+        List.resize(kept);
+        const double redundancy = 3.0 * static_cast<double>(kept) - unknowns;
+        Noise = redundancy > 0 ? std::sqrt(squares / redundancy) : 0;
+        Noise = std::max(Noise, 8 * kEpsilon * largest);
+    }
+};
+
+// Standard deviations along the directions of a set about its middle, mm, the least last.
+Vec3 ReliefOf(const std::array<LaneArray, 3>& set, const std::vector<int>& pairs) {
+    Vec3 middle;
+    const auto n = static_cast<double>(pairs.size());
+    for (const int i : pairs)
+        for (int k = 1; k <= 3; ++k) middle(k) += set[At(k - 1)][At(i)] / n;
+    Mat3 products;
+    for (const int i : pairs)
+        for (int j = 1; j <= 3; ++j)
+            for (int k = 1; k <= 3; ++k)
+                products(j, k) +=
+                    (set[At(j - 1)][At(i)] - middle(j)) * (set[At(k - 1)][At(i)] - middle(k)) / n;
+    const Vec3 squares = Decompose3(products).s;
+    Vec3 relief;
+    for (int k = 1; k <= 3; ++k) relief(k) = std::sqrt(std::fmax(0, squares(k)));
+    return relief;
+}
+
+double SizeOf(const Vec3& relief) {
+    return std::hypot(relief(1), relief(2), relief(3));
+}
+
+// The diagonal of the inverse of the normal matrix with equal weights, by unknown; of some of the pairs where
+// these are many.
+Column Cofactors(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
+                 const std::vector<int>& pairs) {
+    constexpr std::size_t kSample = 2000;
+    const std::size_t step = std::max<std::size_t>(1, pairs.size() / kSample);
+    const int u = model.Unknowns;
+    // Of a lean of next to nothing the direction is anything: the lean alone counts.
+    const int without = model.UnknownOf[kAzimuth];
+    Matrix N(u, u), Q(u, u);
+    Column w(At(u) + 1), x(At(u) + 1), row(At(u) + 1), cofactors(At(u) + 1);
+    for (std::size_t k = 0; k < pairs.size(); k += step)
+        for (int axis = 1; axis <= 3; ++axis) {
+            std::fill(row.begin(), row.end(), 0);
+            if (const int unknown = model.UnknownOf[At(kTraX + axis - 1)]; unknown != 0) row[At(unknown)] = 1;
+            for (int inner = 0; inner < at.InnerCount; ++inner) {
+                const InnerDerivative& derivative = at.Inner[At(inner)];
+                if (derivative.Unknown == without) continue;
+                double value = at.Held(derivative, axis);
+                for (int j = 1; j <= 3; ++j)
+                    value += derivative.D(axis, j) * points.Start[At(j - 1)][At(pairs[k])];
+                row[At(derivative.Unknown)] = value;
+            }
+            for (int i = 1; i <= u; ++i)
+                for (int j = 1; j <= u; ++j) N(i, j) += row[At(i)] * row[At(j)] * static_cast<double>(step);
+        }
+    if (without != 0) N(without, without) = 1;
+    SolveNormalEquations(N, w, u, Q, x);
+    for (int i = 1; i <= u; ++i) cofactors[At(i)] = Q(i, i);
+    return cofactors;
+}
+
+}  // namespace
+
+bool LooseScales::Any() const {
+    return std::find(Of.begin(), Of.end(), true) != Of.end();
+}
+
+LooseScales FindLooseScales(const NormFit& fit, const FitModel& model, const Linearisation& at, bool robust) {
+    constexpr double kLoose = 0.1, kLooseIfThin = 0.005, kWorse = 100, kThin = 4, kFlat = 1e-7;
+    LooseScales loose;
+    bool ofFrame = false;
+    for (int k = kScaleX; k <= kAngleZtoXY; ++k)
+        ofFrame = ofFrame || (IsOfFrame(k) && model.UnknownOf[At(k)] != 0);
+    if (model.Mode != FitMode::Coincide || !ofFrame) return loose;
+    const WholePairs pairs(fit.Points, at, model.Unknowns, robust);
+    if (3 * static_cast<int>(pairs.List.size()) <= model.Unknowns) return loose;
+    const Vec3 start = ReliefOf(fit.Points.Start, pairs.List),
+               target = ReliefOf(fit.Points.Target, pairs.List);
+    // What is flat but for rounding is open, and told already.
+    if (!(start(3) > kFlat * start(1))) return loose;
+    const double scale = SizeOf(target) / SizeOf(start);
+    if (!(scale > 0) || !std::isfinite(scale)) return loose;
+    loose.Relief = std::fmin(start(3) * scale, target(3));
+    loose.Noise = pairs.Noise;
+    const bool thin = loose.Relief < kThin * loose.Noise;
+    const Column cofactors = Cofactors(fit.Points, model, at, pairs.List);
+    std::array<double, kParameterEnd> sigma{};
+    double best = std::numeric_limits<double>::infinity();
+    for (int k = kScaleX; k <= kAngleZtoXY; ++k) {
+        const int unknown = model.UnknownOf[At(k)];
+        if (!IsOfFrame(k) || unknown == 0 || k == kAzimuth) continue;
+        const double one = KindOf(k) == ParameterKind::Scale ? scale : 1;
+        sigma[At(k)] = loose.Noise * std::sqrt(std::fabs(cofactors[At(unknown)])) / one;
+        best = std::fmin(best, sigma[At(k)]);
+    }
+    for (int k = kScaleX; k <= kAngleZtoXY; ++k)
+        loose.Of[At(k)] =
+            sigma[At(k)] > kLoose ||
+            (thin && sigma[At(k)] > 0 && (sigma[At(k)] > kLooseIfThin || sigma[At(k)] > kWorse * best));
+    loose.Of[kAzimuth] = loose.Of[kAngleZtoXY] && model.UnknownOf[kAzimuth] != 0;
+    return loose;
+}

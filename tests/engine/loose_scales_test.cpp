@@ -1,0 +1,97 @@
+// Scales that only the noise of a plate determines, against the truth that made the plate.
+#include "engine/loose_scales.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/notes.h"
+#include "engine/exact_norms_job.h"
+#include "engine/presets.h"
+#include "engine/seed.h"
+#include "engine/selection.h"
+
+namespace {
+
+using reference::Point;
+using reference::Real;
+
+class LooseScalesTest : public ExactNorms {
+protected:
+    // Points of a plate of so much relief, measured with noise in both systems, where all scales are 1.
+    static void AddPlate(int seed, int points, double relief, double noise, double length = 1500) {
+        Job = JobRecord{};
+        BeginFit();
+        for (int skip = 0; skip < 29 * seed; ++skip) NextNumber();
+        const auto moved =
+            Truth({100, -200, 300, 0.3 * NextNumber(), 0.3 * NextNumber(), NextNumber(), 1, 1, 1, 1});
+        for (int i = 0; i < points; ++i) {
+            const Point p = {length * NextNumber(), 0.6 * length * NextNumber(), relief * NextNumber()};
+            Point start = p, target = reference::Image(moved, p);
+            for (Point* each : {&start, &target})
+                for (Real& x : *each) x = static_cast<double>(x + noise * NextNumber());
+            AddPair(start, target);
+        }
+    }
+    static void Fit(const char* preset, const NormOfSet& norm) {
+        SelectPreset(preset);
+        ChooseDefaultSeeds();
+        SelectionFromJob();
+        Notes.List.clear();
+        Norm.RunOn = norm.RunOn;
+        Calculate(norm.Type);
+    }
+    static bool Noted(NoteCode code) {
+        return std::any_of(Notes.List.begin(), Notes.List.end(),
+                           [code](const Note& note) { return note.Code == code; });
+    }
+};
+
+}  // namespace
+
+TEST_F(LooseScalesTest, AScaleAcrossAPlateIsToldWhateverTheNoiseHasMadeOfIt) {
+    int floating = 0;
+    for (const int points : {8, 12, 100, 1000})
+        for (int seed = 0; seed < 8; ++seed)
+            for (const NormOfSet& norm : {kNorms[0], kNorms[1], kNorms[3]}) {
+                if (points > 100 && norm.Type != kL2) continue;
+                SCOPED_TRACE(std::string(norm.Name) + ", seed " + std::to_string(seed) + ", points " +
+                             std::to_string(points));
+                AddPlate(seed, points, 0, 0.1);
+                Fit("9", norm);
+                EXPECT_TRUE(Noted(NoteCode::HardlyKnown) || Noted(NoteCode::OpenParameters));
+                EXPECT_NE(Job.LeftOpen[kScaleZ], 0);
+                EXPECT_EQ(Job.LeftOpen[kScaleX], 0);
+                EXPECT_EQ(Job.LeftOpen[kScaleY], 0);
+                floating += Noted(NoteCode::HardlyKnown) ? 1 : 0;
+            }
+    EXPECT_GT(floating, 20);
+}
+
+TEST_F(LooseScalesTest, NothingIsToldOfABodyOrOfThePresetsThatAPlateDetermines) {
+    for (const NormOfSet& norm : kNorms)
+        for (int seed = 0; seed < 3; ++seed) {
+            SCOPED_TRACE(std::string(norm.Name) + ", seed " + std::to_string(seed));
+            for (const char* preset : {"9", "12"}) {
+                AddPlate(seed, 20, 400, 0.1);
+                Fit(preset, norm);
+                EXPECT_FALSE(Noted(NoteCode::HardlyKnown)) << preset;
+                EXPECT_NEAR(Job.ScaleZ, 1, 0.01) << preset;
+            }
+            AddPlate(seed, 20, 0, 0.1);
+            Fit("7", norm);
+            EXPECT_FALSE(Noted(NoteCode::HardlyKnown));
+        }
+}
+
+TEST_F(LooseScalesTest, AReliefOfTenTimesTheNoiseOfManyPointsIsKnown) {
+    AddPlate(1, 300, 3, 0.1);
+    Fit("9", kNorms[0]);
+    EXPECT_FALSE(Noted(NoteCode::HardlyKnown));
+    EXPECT_NEAR(Job.ScaleZ, 1, 0.02);
+}
+
+TEST_F(LooseScalesTest, ExactSetsWhoseThirdAxisDoesNotLeanAreKnown) {
+    AddPlate(2, 12, 300, 0);
+    Fit("12", kNorms[0]);
+    EXPECT_FALSE(Noted(NoteCode::HardlyKnown));
+}
