@@ -247,12 +247,16 @@ void Hold(int parameter, FitModel& model) {
     --model.Unknowns;
 }
 
-// Without Rot x where the angles are at their lock.
+bool IsAtLock(const FitRun& run, double within) {
+    return std::fabs(std::cos(run.Now[kRotY])) < within;
+}
+
+// Without Rot x where the angles are near their lock.
 FitModel WithoutLock(const FitRun& run, const FitModel& model) {
-    constexpr double kAtLock = 1e-6;
+    constexpr double kNear = 0.05;
     FitModel resting = model;
     const bool both = model.UnknownOf[kRotX] != 0 && model.UnknownOf[kRotZ] != 0;
-    if (both && std::fabs(std::cos(run.Now[kRotY])) < kAtLock) Hold(kRotX, resting);
+    if (both && IsAtLock(run, kNear)) Hold(kRotX, resting);
     return resting;
 }
 
@@ -276,7 +280,9 @@ FitModel WithoutOpenShifts(const FitRun& run, FitModel model, const GatheredPoin
 // is no worse. False where it is not; everything is as it was then.
 bool Rests(FitRun& run, const FitModel& model, const FitModel& resting, GatheredPoints& points,
            const Column& P, IterationResult& result) {
-    constexpr double kNoWorse = 1e-9;
+    constexpr double kNoWorse = 1e-9, kAtLock = 1e-6;
+    // Away from the lock Rot x is not to be left where it is.
+    const bool unlocked = resting.UnknownOf[kRotX] == 0 && model.UnknownOf[kRotX] != 0;
     const Parameters before = run.Now;
     const IterationState ended = run.State;
     const IterationResult kept = result;
@@ -287,7 +293,7 @@ bool Rests(FitRun& run, const FitModel& model, const FitModel& resting, Gathered
         Iteration iteration(run, points, resting, false, moments);
         if (!iteration.CarryOut(inverse)) return true;  // abandoned
     }
-    if (run.State.Converged) {
+    if (run.State.Converged && (!unlocked || IsAtLock(run, kAtLock))) {
         SettleHere(run, model, points, P, result);
         run.State.Iterations = ended.Iterations;
         run.State.AtRest = true;

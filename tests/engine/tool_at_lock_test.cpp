@@ -45,7 +45,7 @@ protected:
 
 TEST_F(ToolAtLock, FitsOfExactPosesConverge) {
     for (const int sign : {1, -1})
-        for (int seed = 0; seed < 8; ++seed) {
+        for (int seed = 0; seed < 24; ++seed) {
             SCOPED_TRACE(std::to_string(sign) + ", seed " + std::to_string(seed));
             Job = JobRecord{};
             BeginFit();
