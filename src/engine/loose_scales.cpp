@@ -9,6 +9,7 @@
 #include "core/job.h"
 #include "fit/normal_equations.h"
 #include "fit/small_svd.h"
+#include "fit/statistics.h"
 
 namespace {
 
@@ -20,12 +21,6 @@ constexpr double kEpsilon = 2.220446049250313e-16;
 
 bool IsOfFrame(int parameter) {
     return parameter >= kScaleX && parameter <= kAngleZtoXY && parameter != kScaleXYZ;
-}
-
-double Middle(std::vector<double> values) {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
 }
 
 // Whole pairs, without gross errors where they are to stand aside.
@@ -51,7 +46,7 @@ struct WholePairs {
             deviations.push_back(std::sqrt(squares));
         }
         if (List.empty()) return;
-        const double most = robust ? kGross * Middle(deviations) + kEpsilon * largest
+        const double most = robust ? kGross * MiddleOf(deviations) + kEpsilon * largest
                                    : std::numeric_limits<double>::infinity();
         double squares = 0;
         std::size_t kept = 0;

@@ -7,6 +7,7 @@
 #include "core/job.h"
 #include "fit/chain.h"
 #include "fit/small_svd.h"
+#include "fit/statistics.h"
 #include "fit/vector.h"
 
 namespace {
@@ -46,11 +47,8 @@ struct Pairs {
         std::vector<double> deviations;
         for (const Pair& pair : List) deviations.push_back(pair.Deviation);
         if (deviations.empty()) return;
-        std::vector<double> sorted = deviations;
-        const auto middle = sorted.begin() + static_cast<std::ptrdiff_t>(sorted.size() / 2);
-        std::nth_element(sorted.begin(), middle, sorted.end());
         constexpr double kGross = 10;
-        const double most = kGross * *middle + kDigits * (LargestImage + LargestTarget);
+        const double most = kGross * MiddleOf(deviations) + kDigits * (LargestImage + LargestTarget);
         std::vector<Pair> left;
         for (std::size_t i = 0; i < List.size(); ++i)
             if (deviations[i] <= most) left.push_back(List[i]);

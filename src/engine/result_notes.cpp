@@ -20,6 +20,7 @@
 #include "engine/parameter_kind.h"
 #include "fit/open_parameters.h"
 #include "fit/small_svd.h"
+#include "fit/statistics.h"
 
 namespace {
 
@@ -211,10 +212,7 @@ struct Spreads {
         Take(start, Start, LeastStart);
         Take(image, Image, LeastImage);
         Deviation = std::sqrt(squares / count);
-        if (deviations.empty()) return;
-        const auto half = deviations.begin() + static_cast<std::ptrdiff_t>(deviations.size() / 2);
-        std::nth_element(deviations.begin(), half, deviations.end());
-        HalfDeviation = *half;
+        HalfDeviation = MiddleOf(std::move(deviations));
     }
 
 private:

@@ -10,6 +10,7 @@
 #include "fit/matrix.h"
 #include "fit/mirror.h"
 #include "fit/small_svd.h"
+#include "fit/statistics.h"
 
 namespace {
 
@@ -40,13 +41,6 @@ Vec3 Product(const Mat3& M, const Vec3& p) {
 
 double Length(const Vec3& p) {
     return std::hypot(p(1), p(2), p(3));
-}
-
-double Middle(std::vector<double> values) {
-    if (values.empty()) return 0;
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
 }
 
 // Sums over pairs about their means.
@@ -125,7 +119,7 @@ Handedness HandednessOf(const GatheredPoints& points, const Mat3& M, const Vec3&
         size = std::max(size, Length(q));
     }
     if (norm == FitNorm::LeastSum) {
-        const double most = std::max(kBlunder * Middle(residuals), 1e3 * kEpsilon * size);
+        const double most = std::max(kBlunder * MiddleOf(residuals), 1e3 * kEpsilon * size);
         std::vector<int> good;
         std::vector<double> kept;
         for (std::size_t k = 0; k < pairs.size(); ++k)
@@ -211,7 +205,7 @@ double RatioOfMiddles(const GatheredPoints& points) {
         const double start = distance(points.Start);
         if (start > 0) ratios.push_back(distance(points.Target) / start);
     }
-    return ratios.empty() ? std::numeric_limits<double>::quiet_NaN() : Middle(std::move(ratios));
+    return ratios.empty() ? std::numeric_limits<double>::quiet_NaN() : MiddleOf(std::move(ratios));
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // Quality of a finished fit.
 #include "fit/statistics.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "fit/require.h"
@@ -32,4 +33,11 @@ void Statistics(const Column& v, const Column& P, int n, double& s0, double& sx,
     s0 = W - 1 + kTiny > 0 ? std::sqrt(vPv / (W - 1 + kTiny)) : 0;
     double* const axes[3] = {&sx, &sy, &sz};
     for (std::size_t axis = 0; axis < 3; ++axis) *axes[axis] = SigmaOfAxis(squares[axis], weights[axis]);
+}
+
+double MiddleOf(std::vector<double> values) {
+    if (values.empty()) return 0;
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
 }

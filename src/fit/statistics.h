@@ -1,6 +1,8 @@
 // Quality of a finished fit.
 #pragma once
 
+#include <vector>
+
 #include "fit/arrays.h"
 
 // s0 divides by the sum of the weights less one, not by n - u: that is the form that the reports are
@@ -9,3 +11,6 @@ void Statistics(const Column& v, const Column& P, int n, double& s0, double& sx,
 
 // Of an axis alone, by the sum of its squared residuals with their weights and that of the weights.
 double SigmaOfAxis(double squares, double weights);
+
+// The value that half of them reach: of an even number the greater of the two in the middle. 0 of none.
+double MiddleOf(std::vector<double> values);

@@ -39,6 +39,17 @@ protected:
             AddPair(start, target);
         }
     }
+    // Base and tool; the residuals.
+    static Column FitTool() {
+        FloatParameters({kTraX, kTraY, kTraZ, kRotX, kRotY, kRotZ, kRvecX, kRvecY, kRvecZ});
+        Selection.CheckUseABC = true;
+        Selection.RDistShown = false;
+        const int u = CountUnknowns(Job.ParamText), n = 3 * Job.Pairs();
+        Matrix Q;
+        Column v, P(At(n) + 1, 1);
+        BestFitIteration(u, n, Job.ParamText, Q, v, P);
+        return v;
+    }
 };
 
 }  // namespace
@@ -53,13 +64,7 @@ TEST_F(ToolAtLock, FitsOfExactPosesConverge) {
             const auto truth =
                 Truth({100, 200, 300, 3 * NextNumber(), sign * std::numbers::pi / 2, 0, 1, 1, 1, 1});
             AddPoses(truth);
-            FloatParameters({kTraX, kTraY, kTraZ, kRotX, kRotY, kRotZ, kRvecX, kRvecY, kRvecZ});
-            Selection.CheckUseABC = true;
-            Selection.RDistShown = false;
-            const int u = CountUnknowns(Job.ParamText), n = 3 * Job.Pairs();
-            Matrix Q;
-            Column v, P(At(n) + 1, 1);
-            BestFitIteration(u, n, Job.ParamText, Q, v, P);
+            FitTool();
             EXPECT_TRUE(Adjustment.Converged);
             EXPECT_NEAR(Job.TraX, 100, 1e-4);
             EXPECT_NEAR(Job.Rvec_z, 200, 1e-4);
@@ -79,20 +84,14 @@ TEST_F(ToolAtLock, PosesTurnedAboutOneAxisConvergeThoughTheyLeaveAShiftOpen) {
         for (int skip = 0; skip < 13 * seed; ++skip) NextNumber();
         const auto truth = Truth({700, 1400, 2000, 0.4 * NextNumber(), 0.5, 0.3, 1, 1, 1, 1});
         AddPoses(truth, 0.02, true);
-        FloatParameters({kTraX, kTraY, kTraZ, kRotX, kRotY, kRotZ, kRvecX, kRvecY, kRvecZ});
-        Selection.CheckUseABC = true;
-        Selection.RDistShown = false;
-        const int u = CountUnknowns(Job.ParamText), n = 3 * Job.Pairs();
-        Matrix Q;
-        Column v, P(At(n) + 1, 1);
-        BestFitIteration(u, n, Job.ParamText, Q, v, P);
+        const Column v = FitTool();
         ended += Adjustment.Converged ? 1 : 0;
         // What the poses determine is right; the tool's length and the shift along it are not of these.
         EXPECT_NEAR(Job.TraX, 700, 0.1);
         EXPECT_NEAR(Job.Rvec_x, 30, 0.1);
         double sum = 0;
         for (const double residual : v) sum += residual * residual;
-        EXPECT_LT(std::sqrt(sum / n), 0.02);
+        EXPECT_LT(std::sqrt(sum / (3 * Job.Pairs())), 0.02);
     }
     EXPECT_EQ(ended, 12);
 }
