@@ -19,6 +19,7 @@ enum class NoteCode : std::uint8_t {
     DuplicateName,         // two points of one file bear the same name
     EmptyRow,              // a row without a point is passed over
     PosesSkipped,          // what looks like a pose of a robot program and is not taken
+    PosesByTurn,           // poses and points are paired by their turn, and are not as many
     PosesDoubtful,         // what is taken as a pose of a robot program and declares something else
     FieldSplit,            // a blank divides a field in two, so that what follows moves on by one
     FieldCut,              // what stands behind a number in its field is not read
@@ -51,6 +52,7 @@ enum class NoteCode : std::uint8_t {
     OpenParameters,   // what the points leave open
     EqualResiduals,   // redundancy 0: residuals are 0 or equal whatever the points are
     NoRedundancy,     // sigma and significance say nothing
+    ShapeSigma,       // the sigmas of a fit to a shape are smaller than its parameters are known
     UnsettledFits,    // inner fits that ended at their limit
     GimbalLock,       // the second rotation stands at 90 degrees
     CollapsedScale,   // a scale has gone to 0

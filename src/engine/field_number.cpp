@@ -10,6 +10,7 @@
 #include "core/platform.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "engine/selection.h"
 
 namespace {
 
@@ -73,14 +74,20 @@ int FirstHeldText() {
 }
 
 void NoteHeldTexts() {
-    for (int k = kTraX; k < kParameterEnd; ++k) {
-        const std::string& text = Job.ParamText[static_cast<std::size_t>(k)];
-        if (!IsHeldValue(text) || IsParameterNumber(k, text)) continue;
-        const std::string note = std::string(ParameterName(k)) + " is held at \"" + Printable(text) +
+    const auto look = [](int k, const char* use, const std::string& text) {
+        if (IsParameterNumber(k, text)) return;
+        const std::string note = std::string(ParameterName(k)) + use + Printable(text) +
                                  "\", which is no number and counts as " + PlainText(FieldNumber(text));
         // A shape calculates again and again, which is one calculation.
         const bool told = std::any_of(Notes.List.begin(), Notes.List.end(),
                                       [&note](const Note& each) { return each.Text == note; });
         if (!told) AddNote(NoteCode::HeldText, note);
+    };
+    for (int k = kTraX; k < kParameterEnd; ++k) {
+        const auto at = static_cast<std::size_t>(k);
+        if (IsHeldValue(Job.ParamText[at])) look(k, " is held at \"", Job.ParamText[at]);
+        const bool starts =
+            Selection.DialogOpen && k <= kAngleZtoXY && Selection.Float[at] && Selection.Seed[at];
+        if (starts && Selection.SeedText[at] != kFloat) look(k, " starts from \"", Selection.SeedText[at]);
     }
 }

@@ -23,7 +23,8 @@ double ParameterFromText(int parameter, const std::string& text);
 // counts as 0, as an empty field of the window does.
 bool IsParameterNumber(int parameter, const std::string& text);
 
-// The warnings of the job's held values that are no numbers, and of what they count as.
+// The warnings of the job's held values, and of start values in the fields of the calculation window, that
+// are no numbers, and of what they count as.
 void NoteHeldTexts();
 
 // The first of these parameters; 0 where there is none.

@@ -61,7 +61,7 @@ void NoteOpen(const NormFit& fit, const OpenParameters& open, const FitModel& mo
                  : std::string("The points in use, on one line or in one plane perhaps, leave ")) +
                 std::to_string(open.ByPoints()) + " of the " + std::to_string(model.Unknowns) +
                 " parameters open: what is shown for " + NamesOf(byPoints) +
-                " is arbitrary, and they have no sigma");
+                " is arbitrary and has no sigma");
 }
 
 // Turns that the sum does not depend on, though the rank of the design matrix does not show it: at gimbal
@@ -93,7 +93,7 @@ void NoteLooseTurns(const NormFit& fit, const OpenParameters& open, const FitMod
         AddNote(NoteCode::OpenParameters,
                 "The points in use, or their targets, are on one line or at one place, so that a turn leaves "
                 "the deviations as they are: what is shown for " +
-                    NamesOf(free) + " is arbitrary, and they have no sigma");
+                    NamesOf(free) + " is arbitrary and has no sigma");
     }
     // Of a collapsed scale nothing is known anyway.
     if (sigma == 0 || IsTrue(Job.Collapsed) || told(hardly)) return;

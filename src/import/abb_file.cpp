@@ -41,7 +41,7 @@ void NoteLeft(const RobotProgram& program, const std::vector<std::pair<AbbLeft, 
         sum.Count += left.Count;
     }
     if (sum.Count == 0) return;
-    AddNote(NoteCode::PosesSkipped, all, program.File.Path, static_cast<int>(sum.First),
+    AddNote(NoteCode::PosesSkipped, all + kNumberedByTurn, program.File.Path, static_cast<int>(sum.First),
             static_cast<int>(sum.Count));
 }
 

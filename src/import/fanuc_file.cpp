@@ -69,7 +69,9 @@ void ReadPoses(const TargetFile& file) {
         if (taken < n)
             AddNote(
                 NoteCode::PosesSkipped,
-                "What looks like a pose stands outside of the section of poses; its place stays without a point",
+                std::string(
+                    "What looks like a pose stands outside of the section of poses; its place stays without a point") +
+                    kNumberedByTurn,
                 file.Path, 0, static_cast<int>(n - taken));
     };
     do NeedLine(program);

@@ -108,6 +108,25 @@ bool MatchByName() {
     return true;
 }
 
+// Poses that are paired by their turn go with other points behind one that is missing or not taken.
+void NotePosesByTurn(const ImportRequest& request) {
+    const auto named = [](const PointValues<std::string>& names) {
+        return static_cast<int>(std::count_if(names.begin() + 1, names.end(),
+                                              [](const std::string& name) { return !name.empty(); }));
+    };
+    const int points = named(Job.Start.Name), poses = named(Job.Target.Name);
+    const bool skipped = std::any_of(Notes.List.begin(), Notes.List.end(), [&request](const Note& note) {
+        return note.Code == NoteCode::PosesSkipped && note.File == request.TargetPath;
+    });
+    if (points == poses || (!skipped && !InputKindOf(request.Kind).NumbersPoints)) return;
+    AddNote(
+        NoteCode::PosesByTurn,
+        std::to_string(poses) + " poses are taken for " + std::to_string(points) +
+            " points and numbered by their turn: where one is missing in the midst, all behind it are paired "
+            "with other points",
+        request.TargetPath);
+}
+
 // Reads both files, the target by the reader of its kind. False when the import must stop.
 bool ReadBothFiles(const ImportRequest& request) {
     const InputKind& kind = InputKindOf(request.Kind);
@@ -117,7 +136,9 @@ bool ReadBothFiles(const ImportRequest& request) {
     if (request.Way == Pairing::ByID && kind.NumbersPoints)
         for (std::size_t i = 1; i < Job.Start.Name.size(); ++i) Job.Start.Name[i] = std::to_string(i);
     if (kind.Read != nullptr) kind.Read({request.TargetPath, request.ByDeclarations, request.How});
-    return !IsTrue(Run.ImportFailed);
+    if (IsTrue(Run.ImportFailed)) return false;
+    if (request.Way == Pairing::ByID && kind.ByTurn) NotePosesByTurn(request);
+    return true;
 }
 
 // Pairing by names refuses a double one, the other ways pair the points whatever they are called.

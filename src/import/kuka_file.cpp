@@ -113,10 +113,13 @@ void ReadByBeginnings(const TargetFile& file) {
     }
     left = std::max(left, n - taken);
     if (left > 0)
-        AddNote(NoteCode::PosesSkipped,
+        AddNote(
+            NoteCode::PosesSkipped,
+            std::string(
                 "What looks like a pose is not taken: its line does not begin with DECL E6POS, holds another "
-                "pose before it, or is the last one; the place that its {X makes stays without a point",
-                program.File.Path, static_cast<int>(firstLeft), static_cast<int>(left));
+                "pose before it, or is the last one; the place that its {X makes stays without a point") +
+                kNumberedByTurn,
+            program.File.Path, static_cast<int>(firstLeft), static_cast<int>(left));
 }
 
 // --- By declarations --------------------------------------------------------------------------------------
@@ -238,10 +241,13 @@ void ReadByDeclarations(const TargetFile& file) {
         }
     names.Write(program.File.Path);
     if (skipped > 0)
-        AddNote(NoteCode::PosesSkipped,
+        AddNote(
+            NoteCode::PosesSkipped,
+            std::string(
                 "What looks like a pose declares none and is not taken: a remark, a frame, joint values, an "
-                "assignment or an instruction",
-                program.File.Path, static_cast<int>(firstSkipped), static_cast<int>(skipped));
+                "assignment or an instruction") +
+                kNumberedByTurn,
+            program.File.Path, static_cast<int>(firstSkipped), static_cast<int>(skipped));
 }
 
 }  // namespace

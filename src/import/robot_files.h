@@ -52,16 +52,18 @@ struct InputKind {
     PoseReader Read;    // reads the poses; null = it has none
     // Paired by ID: the poses bear numbers alone, in their order, and so do then the start points.
     bool NumbersPoints = false;
+    // The poses that are taken bear the numbers of their turn, so one that is not moves those behind it.
+    bool ByTurn = false;
 };
 
 inline constexpr InputKind kInputKinds[] = {
     {TargetKind::Points, "Default - [Ptnr = optional], x, y z", "points", 0, &Run.IsDefault, nullptr},
     {TargetKind::Kuka, "Kuka Robot file (*.dat) A = Rz, B = Ry', C = Rx''", "kuka", 1, &Job.IsKuka,
-     EinlesenKUKAdatDatei},
+     EinlesenKUKAdatDatei, false, true},
     {TargetKind::Abb, "ABB Robot file (*.modx) x y z q1 q2 q3 q4", "abb", 3, &Run.IsABBModx, EinlesenABB_MODX,
-     true},
+     true, true},
     {TargetKind::Fanuc, "Fanuc Robot file (*.ls) W = Rx, P = Ry', R = Rz''", "fanuc", 2, &Run.IsFanuc,
-     EinlesenFanucDatei},
+     EinlesenFanucDatei, false, true},
     {TargetKind::Angles, "only coordinates and R-Angles x, y, z, A = Rz, B = Ry', C = Rx''", "xyzabc", 5,
      &Run.IsXYZABC, EinlesenXYZABC},
     {TargetKind::Quaternions, "only coordinates and quaternions x, y, z, q1, q2, q3, q4", "quaternion", 4,

@@ -14,6 +14,9 @@
 #include "import/point_text.h"
 #include "import/robot_files.h"
 
+// What a note on poses left out ends with.
+inline constexpr const char* kNumberedByTurn = "; those that are taken are numbered by their turn";
+
 // A file and the line that its reader has come to.
 struct RobotProgram {
     PointText File;

@@ -183,6 +183,8 @@ HeldDirections FindHeldDirections(const ShapePasses& passes, const FloatingParam
     Sums sums = SumsOf(passes, floating);
     HeldDirections found;
     if (sums.Points == 0 || !AllFinite(sums.Across) || !AllFinite(sums.Whole)) return found;
+    found.SumOfSquares = sums.Squares;
+    found.Points = sums.Points;
     found.Rounding = 2 * std::sqrt(sums.Points * sums.Squares) * kEps * sums.Far +
                      sums.Points * kEps * sums.Far * kEps * sums.Far;
     std::vector<std::size_t> part;
@@ -210,14 +212,41 @@ HeldDirections FindHeldDirections(const ShapePasses& passes, const FloatingParam
     return found;
 }
 
-std::vector<int> OpenOfShape(const ShapePasses& passes) {
+namespace {
+
+// Does a part of an open direction fall on the floating parameter in this place?
+bool IsOpen(const HeldDirections& directions, std::size_t i) {
     constexpr double kPart = 0.1;
+    return std::any_of(directions.Open.begin(), directions.Open.end(),
+                       [i](const ParameterPlace& open) { return std::fabs(open[i]) > kPart; });
+}
+
+}  // namespace
+
+std::vector<int> OpenOfShape(const ShapePasses& passes) {
     const FloatingParameters floating(passes.Fit);
     const HeldDirections directions = FindHeldDirections(passes, floating, 0);
     std::vector<int> parameters;
     for (std::size_t i = 0; i < floating.Numbers.size(); ++i)
-        if (std::any_of(directions.Open.begin(), directions.Open.end(),
-                        [i](const ParameterPlace& open) { return std::fabs(open[i]) > kPart; }))
-            parameters.push_back(floating.Numbers[i]);
+        if (IsOpen(directions, i)) parameters.push_back(floating.Numbers[i]);
     return parameters;
+}
+
+std::vector<double> SigmasByDistances(const ShapePasses& passes) {
+    const FloatingParameters floating(passes.Fit);
+    const HeldDirections directions = FindHeldDirections(passes, floating, 0);
+    const int spare = directions.Points - static_cast<int>(directions.Held.size());
+    if (spare <= 0) return {};
+    const double variance = directions.SumOfSquares / spare;
+    std::vector<double> sigmas(At(kAngleZtoXY) + 1);
+    for (std::size_t i = 0; i < floating.Numbers.size(); ++i) {
+        double cofactor = 0;
+        for (std::size_t k = 0; k < directions.Held.size(); ++k)
+            cofactor += directions.Held[k][i] * directions.Held[k][i] / directions.Weight[k];
+        const int parameter = floating.Numbers[i];
+        sigmas[At(parameter)] = IsOpen(directions, i)
+                                    ? std::numeric_limits<double>::quiet_NaN()
+                                    : std::sqrt(variance * cofactor) / floating.Factor(parameter);
+    }
+    return sigmas;
 }

@@ -40,6 +40,8 @@ struct HeldDirections {
     std::vector<ParameterPlace> Open;
     // What rounding of the coordinates leaves open of the sum of squared distances, mm^2.
     double Rounding = 0;
+    double SumOfSquares = 0;  // of the distances, mm^2
+    int Points = 0;           // that take part
 };
 
 // At the parameters that stand in the job, with the points of the passes as they are gathered: the normal
@@ -53,3 +55,10 @@ HeldDirections FindHeldDirections(const ShapePasses& passes, const FloatingParam
 // The numbers of the parameters that a part of an open direction falls on, rising; empty where the shape
 // holds them all.
 std::vector<int> OpenOfShape(const ShapePasses& passes);
+
+// How well the distances from the shape alone know the parameters: a point of a surface tells one number, its
+// distance along the normal, wherever it slides. Standard deviations from the normal equations of these
+// distances, sqrt(sum of squares / (points - unknowns) * element of the inverse), at the parameters that
+// stand in the job; mm, rad, or 1 for a scale. 0 for a parameter that does not float, NaN for one that the
+// shape leaves open. Empty without a point to spare.
+std::vector<double> SigmasByDistances(const ShapePasses& passes);

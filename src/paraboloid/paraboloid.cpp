@@ -1,7 +1,9 @@
 // The outer loop of the fit to a shape.
 #include "paraboloid/paraboloid.h"
 
+#include <array>
 #include <cmath>
+#include <cstdio>
 #include <limits>
 
 #include "core/notes.h"
@@ -154,6 +156,28 @@ void NoteBeside(const BesideSearch& found) {
             "parameters may be; rows of the shape that are nearer to each other help");
 }
 
+// The sigmas take the places on the shape for measured targets, three coordinates each, which they are not.
+void NoteSigmasOfShape(const ShapePasses& passes) {
+    constexpr double kMuch = 2;
+    const std::vector<double> known = SigmasByDistances(passes);
+    std::string names;
+    double most = 0;
+    for (int k = 1; k < static_cast<int>(known.size()); ++k) {
+        const double times = known[At(k)] / Calculation.Sigma[At(k)];
+        if (!(times > kMuch) || !std::isfinite(times)) continue;
+        names += (names.empty() ? "" : ", ") + std::string(ParameterName(k));
+        most = std::max(most, times);
+    }
+    if (names.empty()) return;
+    std::array<char, 32> times{};
+    std::snprintf(times.data(), times.size(), most < 10 ? "%.1f" : "%.0f", most);
+    AddNote(NoteCode::ShapeSigma,
+            "Sigma takes the places on the shape for measured targets; by the distances from "
+            "the shape alone it is too small for " +
+                names + ", by up to " + times.data() +
+                " times; Monte Carlo tells how well the parameters are known");
+}
+
 // Parameters that the shape leaves open, which then have no sigma, a scale that has gone to 0, and points
 // that the shape does not reach.
 void NoteLimitsOfShape() {
@@ -172,6 +196,7 @@ void NoteLimitsOfShape() {
                     (open.size() == 1 ? "it is arbitrary, and it has no sigma"
                                       : "them is arbitrary, and they have no sigma"));
     NoteCollapseOnShape(passes.Fit);
+    if (!IsTrue(Job.Collapsed)) NoteSigmasOfShape(passes);
     int used = 0;
     for (int i = 1; i <= Job.Pairs(); ++i)
         if (Used(i, 1) || Used(i, 2) || Used(i, 3)) ++used;

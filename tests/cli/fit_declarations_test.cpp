@@ -252,3 +252,33 @@ TEST_F(Declarations, OfOneNameAreNotedWithTheirLines) {
     EXPECT_EQ(Positions(abb, "abb"), truth_);
     expect(abb, "The name \"P1\" stands in line 2 and in line 4", 2, 1);
 }
+
+TEST_F(Declarations, ThatAreNotAsManyAsThePointsAreWarnedOfWhereOneIsLeftOut) {
+    const std::string
+        third = "DECL E6POS XP3={X 70,Y 8,Z 9,A 1,B 2,C 3}\n",
+        rest =
+            "DECL E6POS XP4={X 7,Y 8,Z 90,A 1,B 2,C 3}\nDECL E6POS XP5={X 1,Y 1,Z 50,A 1,B 2,C 3}\nENDDAT\n";
+    const std::string two =
+        "DECL E6POS XP1={X 1,Y 2,Z 3,A 1,B 2,C 3}\nDECL E6POS XP2={X 4,Y 50,Z 6,A 1,B 2,C 3}\n";
+    // The third one is a remark: the fourth goes with the third point.
+    Positions(Write("program.dat", two + ";" + third + rest), "kuka");
+    EXPECT_EQ(NoteOf(NoteCode::PosesByTurn), nullptr) << "four poses for four points";
+    ASSERT_NE(NoteOf(NoteCode::PosesSkipped), nullptr);
+    EXPECT_NE(NoteOf(NoteCode::PosesSkipped)->Text.find("numbered by their turn"), std::string::npos);
+    const std::string less =
+        Write("less.dat", two + ";" + third + "DECL E6POS XP4={X 7,Y 8,Z 90,A 1,B 2,C 3}\n");
+    Positions(less, "kuka");
+    const Note* const turn = NoteOf(NoteCode::PosesByTurn);
+    ASSERT_NE(turn, nullptr);
+    EXPECT_EQ(turn->Weight, Severity::Warning);
+    EXPECT_EQ(turn->File, less);
+    EXPECT_EQ(turn->Text.find("3 poses are taken for 4 points"), 0u) << turn->Text;
+    // Points that bear names of their own say themselves which pose is theirs.
+    Positions(Write("more.dat", two + third + rest), "kuka");
+    EXPECT_EQ(NoteOf(NoteCode::PosesByTurn), nullptr);
+    // Where the points are numbered by their turn too, nothing does.
+    Positions(Write("program.modx", "MODULE A\n" + RobTarget("p1", "1,2,3") + RobTarget("p2", "4,50,6") +
+                                        RobTarget("p4", "7,8,90") + "ENDMODULE\n"),
+              "abb");
+    EXPECT_NE(NoteOf(NoteCode::PosesByTurn), nullptr);
+}

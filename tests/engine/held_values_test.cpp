@@ -100,6 +100,26 @@ TEST_F(HeldValues, TextsThatAreNoNumbersAreWarnedOf) {
     }
 }
 
+TEST_F(HeldValues, StartValuesThatAreNoNumbersAreWarnedOf) {
+    const auto texts = [] {
+        std::vector<std::string> found;
+        for (const Note& note : Notes.List)
+            if (note.Code == NoteCode::HeldText) found.push_back(note.Text);
+        return found;
+    };
+    AddPairs();
+    Open();
+    UserSetValue(w.CheckSeedTrax, 1);
+    UserSetText(w.TextSeedTrax, "1O0");
+    UserSetText(w.TextSeedTray, "no start of its own");
+    Calculate();
+    EXPECT_EQ(texts(),
+              std::vector<std::string>{"Tra x starts from \"1O0\", which is no number and counts as 1"});
+    UserSetText(w.TextSeedTrax, "100");
+    Calculate();
+    EXPECT_EQ(texts(), std::vector<std::string>{});
+}
+
 TEST_F(HeldValues, AHeldValueWithMoreDigitsThanShownIsHeldInEveryCalculation) {
     AddPairs();
     Open();

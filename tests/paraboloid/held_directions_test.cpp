@@ -2,6 +2,7 @@
 #include "paraboloid/held_directions.h"
 
 #include "core/notes.h"
+#include "core/parameter_names.h"
 #include "core/settings.h"
 #include "engine/monte_carlo.h"
 #include "engine/transform.h"
@@ -84,6 +85,11 @@ protected:
         EXPECT_TRUE(passes.Begin());
         return FindHeldDirections(passes, FloatingParameters(passes.Fit), without);
     }
+    static std::vector<double> SigmasHere() {
+        ShapePasses passes;
+        EXPECT_TRUE(passes.Begin());
+        return SigmasByDistances(passes);
+    }
 };
 
 }  // namespace
@@ -127,7 +133,7 @@ TEST_F(WhatAShapeHolds, WithTheTurnHeldADishHoldsTheRestAndNothingIsSaid) {
     Job.ParamText[kRotZ] = "0";
     AddPoints(80, {.Tx = 5, .Ty = -3, .Tz = 10, .A = 0.03, .B = -0.02}, 0.02);
     Calculate();
-    EXPECT_TRUE(Notes.List.empty());
+    EXPECT_EQ(NotesOf(NoteCode::ShapeSigma).size(), Notes.List.size());
     EXPECT_EQ(DirectionsHere(0).Held.size(), 5u);
     EXPECT_TRUE(DirectionsHere(0).Open.empty());
 }
@@ -251,5 +257,41 @@ TEST_F(WhatAShapeHolds, TheNormalIsThatOfTheSurfaceBehindTheTable) {
         EXPECT_NEAR(foot.Normal(2), -slope / length * std::sin(phi), 1e-6);
         EXPECT_NEAR(foot.Normal(3), 1 / length, 1e-6);
         EXPECT_FALSE(foot.Beyond);
+    }
+}
+
+// Many fits of one dish with fresh noise: how far they lie from the truth is what the sigmas should say.
+TEST_F(WhatAShapeHolds, TheDistancesTellHowWellItIsKnown) {
+    constexpr int kFits = 60;
+    const Displacement truth{.Tx = 5, .Ty = -3, .Tz = 10, .A = 0.03, .B = -0.02};
+    const std::array<double, 6> at{0, truth.Tx, truth.Ty, truth.Tz, truth.A, truth.B};
+    std::array<double, 6> squares{}, told{}, known{};
+    std::string note;
+    for (int fit = 0; fit < kFits; ++fit) {
+        Job = JobRecord{};
+        BeginFit();
+        FloatParameters(kRigid);
+        Job.ParamText[kRotZ] = "0";
+        TakeShape(1501);
+        for (int skipped = 0; skipped < 211 * fit; ++skipped) NextNumber();  // BeginFit has begun it anew
+        AddPoints(40, truth, 0.1);
+        Calculate();
+        ASSERT_TRUE(Calculation.Converged);
+        const std::vector<double> sigmas = SigmasHere();
+        for (std::size_t k = 1; k <= 5; ++k) {
+            const double off = ParameterValue(Job, static_cast<int>(k)) - at[k];
+            squares[k] += off * off / kFits;
+            known[k] += sigmas[k] / kFits;
+            told[k] += Calculation.Sigma[k] / kFits;
+        }
+        ASSERT_EQ(NotesOf(NoteCode::ShapeSigma).size(), 1u);
+        note = NotesOf(NoteCode::ShapeSigma)[0];
+    }
+    for (std::size_t k = 1; k <= 5; ++k) {
+        SCOPED_TRACE(k);
+        const double spread = std::sqrt(squares[k]);
+        EXPECT_NEAR(known[k] / spread, 1, 0.3);
+        const bool named = note.find(ParameterName(static_cast<int>(k))) != std::string::npos;
+        EXPECT_EQ(named, spread > 2 * told[k]) << note;
     }
 }
