@@ -19,6 +19,8 @@
 #include "timing.h"
 #ifdef CORVINADE_BENCH_EIGEN
 #include "eigen_fit.h"
+
+using namespace corvinade;
 #endif
 
 namespace {

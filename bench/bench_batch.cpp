@@ -30,6 +30,8 @@
 #include "engine/transform.h"
 #include "timing.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr int kPoints = 1'000'000, kSmallFiles = 1'000;

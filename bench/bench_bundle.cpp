@@ -14,6 +14,8 @@
 #include "fit/matrix.h"
 #include "timing.h"
 
+using namespace corvinade;
+
 #ifdef CORVINADE_BENCH_LAPACK
 extern "C" {
 void dpotrf_(const char* part, const int* n, double* a, const int* step, int* info);

@@ -12,6 +12,8 @@
 #include "core/fresh_start.h"
 #include "fit_data.h"
 
+using namespace corvinade;
+
 namespace {
 
 void FillWithPoints(benchmark::State& state) {

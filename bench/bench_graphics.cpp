@@ -25,6 +25,8 @@
 #include "point_limit.h"
 #include "timing.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr int kWidth = 1600, kHeight = 1000;

@@ -18,6 +18,8 @@
 #include "import/point_file.h"
 #include "import/point_file_checks.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr int kPoints = 1'000'000;

@@ -19,6 +19,8 @@
 #include "fit_data.h"
 #include "timing.h"
 
+using namespace corvinade;
+
 namespace {
 
 namespace fs = std::filesystem;

@@ -16,6 +16,8 @@
 #include "grid_screen.h"
 #include "timing.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr int kDeviationX = 7, kCylinderPhi = 11;

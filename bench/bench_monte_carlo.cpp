@@ -12,6 +12,8 @@
 #include "engine/noise.h"
 #include "fit_data.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr int kRuns = 10000;

@@ -17,6 +17,8 @@
 #include "timing.h"
 #ifdef CORVINADE_BENCH_EIGEN
 #include "eigen_fit.h"
+
+using namespace corvinade;
 #endif
 
 namespace {

@@ -18,6 +18,8 @@
 #include "import/distance_search.h"
 #include "import/matching.h"
 
+using namespace corvinade;
+
 namespace {
 
 // --- By name: 1,000,000 points in each set ----------------------------------------------------------------

@@ -15,6 +15,8 @@
 #include "paraboloid/paraboloid.h"
 #include "paraboloid/shape.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr double kFocus = 1000, kRim = 1500;  // mm

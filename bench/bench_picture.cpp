@@ -13,6 +13,8 @@
 #include "graphics/views.h"
 #include "paint/picture.h"
 
+using namespace corvinade;
+
 namespace {
 
 double wantedScale = 1;

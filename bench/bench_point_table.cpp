@@ -9,6 +9,8 @@
 #include "fit_data.h"
 #include "grid_screen.h"
 
+using namespace corvinade;
+
 namespace {
 
 void OpenWithPoints(int points) {

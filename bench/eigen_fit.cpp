@@ -4,6 +4,8 @@
 #include <Eigen/Dense>
 #include <cmath>
 
+using namespace corvinade;
+
 namespace {
 
 using Eigen::Matrix3d;

@@ -6,6 +6,8 @@
 
 #include "fit_data.h"
 
+using namespace corvinade;
+
 struct EigenFitResult {
     std::vector<double> Parameters;
     std::vector<std::array<double, 3>> Residuals;

@@ -10,6 +10,8 @@
 #include "core/settings.h"
 #include "engine/transform.h"
 
+using namespace corvinade;
+
 namespace {
 
 // A small generator of our own: the standard distributions differ from library to library.

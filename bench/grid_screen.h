@@ -5,6 +5,8 @@
 
 #include "core/grid.h"
 
+using namespace corvinade;
+
 // Texts and colours of fifty rows in the middle of 100,000.
 inline void LookAtScreen(GridState& grid) {
     for (int row = 50'000; row < 50'050; ++row)

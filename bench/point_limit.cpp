@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstring>
 
+using namespace corvinade;
+
 namespace {
 
 constexpr int kPointsOfBlock = 1024;

@@ -58,6 +58,8 @@
 #include "paraboloid/paraboloid.h"
 #include "paraboloid/paraboloid_records.h"
 
+namespace corvinade::core {
+
 namespace {
 
 const WindowEntry* const kWindows[] = {
@@ -149,3 +151,5 @@ void FreshStart() {
     for (void (*const reset)() : kRecords) reset();
     for (const WindowEntry* window : kWindows) window->Fresh();
 }
+
+}  // namespace corvinade::core

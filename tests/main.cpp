@@ -2,6 +2,8 @@
 #include "core/fresh_start.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 int main(int argc, char** argv) {
     GTEST_FLAG_SET(shuffle, true);
     testing::InitGoogleTest(&argc, argv);

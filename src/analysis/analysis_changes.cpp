@@ -7,6 +7,8 @@
 #include "core/form_main.h"
 #include "core/run.h"
 
+namespace corvinade::analysis {
+
 namespace {
 
 constexpr What kSheetChanges =
@@ -39,3 +41,5 @@ constexpr ChangeRow kChanges[] = {
 std::span<const ChangeRow> AnalysisChanges() {
     return kChanges;
 }
+
+}  // namespace corvinade::analysis

@@ -4,5 +4,10 @@
 #include <span>
 
 #include "core/changes.h"
+#include "core/rooms.h"
+
+namespace corvinade::analysis {
 
 std::span<const ChangeRow> AnalysisChanges();
+
+}  // namespace corvinade::analysis

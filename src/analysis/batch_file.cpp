@@ -13,6 +13,8 @@
 #include "core/text.h"
 #include "import/point_file_checks.h"
 
+namespace corvinade::analysis {
+
 namespace {
 
 [[noreturn]] void Leave(const std::string& path, const std::string& why) {
@@ -217,3 +219,5 @@ std::vector<std::string> NotesAsLines(const BatchNotes& notes, std::size_t most)
     rest(notes.WithoutNumbers.size());
     return lines;
 }
+
+}  // namespace corvinade::analysis

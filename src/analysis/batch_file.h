@@ -8,7 +8,10 @@
 #include <vector>
 
 #include "analysis/transformed_lines.h"
+#include "core/rooms.h"
 #include "import/point_text.h"
+
+namespace corvinade::analysis {
 
 // A larger file is left: it is read whole.
 inline constexpr std::size_t kMostBytesOfBatchFile = std::size_t{1} << 30;
@@ -57,3 +60,5 @@ struct BatchNotes {
 // A line for each file that was left, and for each with lines that are no points; at most `most` of a kind,
 // 0 = all.
 std::vector<std::string> NotesAsLines(const BatchNotes& notes, std::size_t most);
+
+}  // namespace corvinade::analysis

@@ -6,6 +6,8 @@
 
 #include "core/numbers.h"
 
+namespace corvinade::analysis {
+
 double ChartLimit(double m) {
     double limit = m * 1.3;
     limit = Int(limit / 0.01) * 0.01;
@@ -22,3 +24,5 @@ double LargestAbsolute(std::span<const ChartPoint> points) {
     }
     return largest;
 }
+
+}  // namespace corvinade::analysis

@@ -3,6 +3,10 @@
 
 #include <span>
 
+#include "core/rooms.h"
+
+namespace corvinade::analysis {
+
 struct ChartPoint {
     double Index = 0, Value = 0;
     bool operator==(const ChartPoint&) const = default;
@@ -16,3 +20,5 @@ struct ChartPoint {
 double ChartLimit(double m);
 
 double LargestAbsolute(std::span<const ChartPoint> points);  // 0 without any
+
+}  // namespace corvinade::analysis

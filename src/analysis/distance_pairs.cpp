@@ -10,6 +10,8 @@
 #include "fit/any_vectors.h"
 #include "fit/require.h"
 
+namespace corvinade::analysis {
+
 namespace {
 
 constexpr double kEps = 1e-10;  // mm, keeps the scale of points that coincide a number
@@ -126,3 +128,5 @@ bool RangeOfPairs(const DistancePoints& points, TrumpetRange& range, const WorkG
     }
     return true;
 }
+
+}  // namespace corvinade::analysis

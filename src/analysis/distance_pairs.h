@@ -10,6 +10,10 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
+
+namespace corvinade::analysis {
+
 // The identical points as they were when they were taken, element 0 unused; mm.
 struct DistancePoints {
     std::vector<std::string> Names{""};
@@ -70,3 +74,5 @@ struct TrumpetRange {
 };
 // False when `goOn` ended it; `range` is then that of the pairs up to there.
 bool RangeOfPairs(const DistancePoints& points, TrumpetRange& range, const WorkGoesOn& goOn = {});
+
+}  // namespace corvinade::analysis

@@ -16,6 +16,8 @@
 #include "engine/transform.h"
 #include "fit/matrix.h"
 
+namespace corvinade::analysis {
+
 namespace {
 
 // What stands behind the frame. The blanks belong to the format, and so does it that the second palette is
@@ -217,3 +219,5 @@ bool UnconvergedConsent::Given() {
                        kLineEnd + kLineEnd + "Do you want to export it all the same?");
     return agreed_;
 }
+
+}  // namespace corvinade::analysis

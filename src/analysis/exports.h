@@ -4,6 +4,10 @@
 #include <string>
 #include <string_view>
 
+#include "core/rooms.h"
+
+namespace corvinade::analysis {
+
 // A number in the format "0.0000E+00": five digits, rounded half away from zero on its 15 digits, and an
 // exponent of at least two, with the system's decimal delimiter.
 std::string ScientificText(double value);
@@ -37,3 +41,5 @@ public:
 private:
     bool agreed_ = false;
 };
+
+}  // namespace corvinade::analysis

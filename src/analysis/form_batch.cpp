@@ -18,6 +18,8 @@
 #include "core/units.h"
 #include "engine/calculation_window.h"
 
+namespace corvinade::analysis {
+
 namespace {
 
 FormBatch& w = Batch;
@@ -246,3 +248,5 @@ void FormBatch::BtnStartBatch_Click() {
 void FormBatch::BtnCancel_Click() {
     UnloadWindow("FormBatch");
 }
+
+}  // namespace corvinade::analysis

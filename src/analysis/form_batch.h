@@ -4,7 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::analysis {
 
 struct FormBatch {
     WindowState Window{.Caption = "Batch Transformation"};
@@ -43,3 +46,5 @@ extern const WindowEntry FormBatch_Entry;
 
 // Names of the files of a folder, to which the separator is added where it is missing.
 void DateiListe(std::string& folder, std::vector<std::string>& list);
+
+}  // namespace corvinade::analysis

@@ -7,6 +7,8 @@
 #include "core/folders.h"
 #include "core/platform.h"
 
+namespace corvinade::analysis {
+
 namespace {
 
 FormChangeDir& w = ChangeDir;
@@ -119,3 +121,5 @@ std::optional<std::string> AskFolder(const std::string& title, const std::string
     WaitForWindow("FormChangeDir");
     return ChangeDirAnswer.Chosen;
 }
+
+}  // namespace corvinade::analysis

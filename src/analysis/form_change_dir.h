@@ -5,7 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::analysis {
 
 struct FormChangeDir {
     WindowState Window;  // its caption says what is chosen
@@ -42,3 +45,5 @@ inline ChangeDirRecord ChangeDirAnswer;
 // Asks for a folder and waits for the answer. `begin` is where the list begins; where that is no folder, the
 // nearest one above it. Nothing when cancelled, or when the window is open already.
 std::optional<std::string> AskFolder(const std::string& title, const std::string& begin);
+
+}  // namespace corvinade::analysis

@@ -16,6 +16,8 @@
 #include "core/text.h"
 #include "core/units.h"
 
+namespace corvinade::analysis {
+
 const std::array<const char*, kDistanceScaleCols> kDistanceScaleHeadings = {
     "Von Pkt", "max delta s", "bei Pkt", "min delta s",          "bei Pkt",      "max Scale ",
     "bei Pkt", "min Scale",   "bei Pkt", "Schnitt Abs(delta s)", "Schnitt Scale"};
@@ -195,3 +197,5 @@ void FormDistanceScale::TabelleScale_Key() {
     GridState& grid = w.TabelleScale.Grid;
     if (grid.Key == "Ctrl+C") ToClipboard(RectText(grid, Selected(grid)));
 }
+
+}  // namespace corvinade::analysis

@@ -10,7 +10,10 @@
 #include "analysis/distance_pairs.h"
 #include "core/arrays.h"
 #include "core/records.h"
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::analysis {
 
 struct FormDistanceScale {
     WindowState Window{.Caption = "Distance Scale"};
@@ -57,3 +60,5 @@ inline DistanceScaleRecord DistanceScale;
 
 // The room's records by name.
 std::span<const RecordEntry> AnalysisRecords();
+
+}  // namespace corvinade::analysis

@@ -14,6 +14,8 @@
 #include "engine/field_number.h"
 #include "fit/require.h"
 
+namespace corvinade::analysis {
+
 namespace {
 
 FormGrafik& w = GrafikWindow;
@@ -78,6 +80,10 @@ void FormGrafik::Form_Escape() {
     UnloadWindow("FormGrafik");
 }
 
+}  // namespace corvinade::analysis
+
+namespace corvinade::core {
+
 void FormMain::MenuEditGraphData_Click() {
     GridState& grid = MainSheetWindow.MSFlexGrid1.Grid;
     if (!IsTrue(Run.JobDataValid) || Job.Pairs() <= 0) {
@@ -96,3 +102,5 @@ void FormMain::MenuEditGraphData_Click() {
     const std::vector<ChartPoint> points = ColumnOfSheet(selected.Col);
     Grafik(points, 0, static_cast<int>(points.size()) - 1);
 }
+
+}  // namespace corvinade::core

@@ -7,7 +7,10 @@
 #include <vector>
 
 #include "analysis/chart.h"
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::analysis {
 
 struct FormGrafik {
     WindowState Window{.Caption = "Graph Data"};
@@ -31,3 +34,5 @@ extern const WindowEntry FormGrafik_Entry;
 void Grafik(std::span<const ChartPoint> array, int first, int last);
 
 void Grafik_Failed();  // the message that the chart cannot be shown; the window stays empty
+
+}  // namespace corvinade::analysis

@@ -7,6 +7,8 @@
 #include "core/settings.h"
 #include "core/units.h"
 
+namespace corvinade::analysis {
+
 namespace {
 
 const ControlEntry kControls[] = {
@@ -80,3 +82,5 @@ void FORMfüllen() {
         SetText(range.Text, inUse ? WinkelFormat(range.Span_rad) : "not in use");
     }
 }
+
+}  // namespace corvinade::analysis

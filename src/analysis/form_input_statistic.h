@@ -1,7 +1,10 @@
 // The window that shows what an import has brought in.
 #pragma once
 
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::analysis {
 
 struct FormInputStatistic {
     WindowState Window{.Caption = "Input Statistic"};
@@ -40,3 +43,5 @@ inline FormInputStatistic InputStatistic;
 extern const WindowEntry FormInputStatistic_Entry;
 
 void FORMfüllen();  // refills the window
+
+}  // namespace corvinade::analysis

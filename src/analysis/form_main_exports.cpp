@@ -11,6 +11,8 @@
 #include "core/window.h"
 #include "engine/calculation_window.h"
 
+namespace corvinade::analysis {
+
 namespace {
 
 // Within a calculation the parameters are those of a pass.
@@ -40,6 +42,10 @@ std::string Stored(const std::string& value) {
 }
 
 }  // namespace
+
+}  // namespace corvinade::analysis
+
+namespace corvinade::core {
 
 void FormMain::MenueFileExportRobCad_Click() {
     if (!ResultStands()) {
@@ -95,3 +101,5 @@ void FormMain::MenueOnlyMCStoTilde_Click() {
     const BusyPointer busy;
     WriteFile(path, OnlyMcsText());
 }
+
+}  // namespace corvinade::core

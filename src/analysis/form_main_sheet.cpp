@@ -16,6 +16,8 @@
 #include "engine/calculation_window.h"
 #include "fit/require.h"
 
+namespace corvinade::analysis {
+
 namespace {
 
 FormMainSheet& w = MainSheetWindow;
@@ -223,3 +225,5 @@ void FormMainSheet::MSFlexGrid1_RightClick() {
 void FormMainSheet::MSFlexGrid1_Key() {
     if (w.MSFlexGrid1.Grid.Key == "Ctrl+C") MainSheet_Copy();
 }
+
+}  // namespace corvinade::analysis

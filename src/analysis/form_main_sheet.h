@@ -2,7 +2,10 @@
 #pragma once
 
 #include "analysis/main_sheet_cells.h"
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::analysis {
 
 struct FormMainSheet {
     WindowState Window{.Caption = "Main Sheet"};
@@ -37,3 +40,5 @@ struct MainSheetRecord {
     std::uint64_t Fills = 0;  // counts them; one that begins during a yield overtakes the one that yielded
 };
 inline MainSheetRecord MainSheet;
+
+}  // namespace corvinade::analysis

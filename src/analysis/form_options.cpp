@@ -6,6 +6,8 @@
 #include "core/settings.h"
 #include "core/units.h"
 
+namespace corvinade::analysis {
+
 namespace {
 
 const ControlEntry kControls[] = {
@@ -144,3 +146,5 @@ void FormOptions::BtnOK_Click() {
 void FormOptions::BtnCancel_Click() {
     UnloadWindow("FormOptions");
 }
+
+}  // namespace corvinade::analysis

@@ -2,7 +2,10 @@
 // the copy of the main sheet, Monte Carlo, and the border of the gimbal lock.
 #pragma once
 
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::analysis {
 
 struct FormOptions {
     WindowState Window{.Caption = "Options"};
@@ -61,3 +64,5 @@ private:
 };
 inline FormOptions OptionsWindow;
 extern const WindowEntry FormOptions_Entry;
+
+}  // namespace corvinade::analysis

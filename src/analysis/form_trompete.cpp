@@ -9,6 +9,8 @@
 #include "core/job.h"
 #include "core/platform.h"
 
+namespace corvinade::analysis {
+
 namespace {
 
 FormTrompete& w = Trumpet;
@@ -96,3 +98,5 @@ void Trumpet_MouseMove(double x, double y) {
     const TrumpetRaster::PairAt pair = PairNear(w.Raster, x, y, kTrumpetReach);
     if (pair.From != w.Under.From || pair.To != w.Under.To) TakePairUnderMouse(pair);
 }
+
+}  // namespace corvinade::analysis

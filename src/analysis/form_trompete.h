@@ -5,7 +5,10 @@
 #include <cstdint>
 
 #include "analysis/trumpet_plot.h"
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::analysis {
 
 struct FormTrompete {
     WindowState Window{.Caption = "Trumpet Graph"};
@@ -40,3 +43,5 @@ void Trumpet_Resize(const TrumpetPlace& place);
 void Trumpet_Draw();
 // The mouse is at a place of the picture, pixels, or outside.
 void Trumpet_MouseMove(double x, double y);
+
+}  // namespace corvinade::analysis

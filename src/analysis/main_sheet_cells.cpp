@@ -9,6 +9,8 @@
 #include "engine/transform.h"
 #include "fit/coordinate_forms.h"
 
+namespace corvinade::analysis {
+
 namespace {
 
 using Point = std::array<double, 3>;
@@ -185,3 +187,5 @@ std::int32_t MainSheetBackColor(const MainSheetCells& cells, int row, int col) {
         return isPair ? QbColor(kGreen) : points.Start != 0 ? QbColor(kYellow) : kOrange;
     return (isPair ? column.MarkedInPairs : column.MarkedAlone) ? QbColor(kYellow) : kSystemColour;
 }
+
+}  // namespace corvinade::analysis

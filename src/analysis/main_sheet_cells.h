@@ -8,6 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
+
+namespace corvinade::analysis {
+
 // Columns of the sheet; those without a name of their own here stand in the table of the source.
 inline constexpr int kColPointID = 0, kColNumber = 22, kMainSheetCols = 23;
 
@@ -50,3 +54,5 @@ int PairOfRow(const MainSheetCells& cells, int row);
 // and formatted here, for one cell alone.
 std::string MainSheetText(const MainSheetCells& cells, int row, int col);
 std::int32_t MainSheetBackColor(const MainSheetCells& cells, int row, int col);
+
+}  // namespace corvinade::analysis

@@ -6,6 +6,8 @@
 #include "core/platform.h"
 #include "core/run.h"
 
+namespace corvinade::analysis {
+
 PairProgress::PairProgress(const std::string& caption, std::int64_t steps) : shown_(steps > kQuickSteps) {
     if (!shown_) return;
     // Work begun inside the yields of other long work shares its window.
@@ -29,3 +31,5 @@ bool PairProgress::GoesOn(double share) {
     YieldToEvents();
     return !IsTrue(Run.StopRequested);
 }
+
+}  // namespace corvinade::analysis

@@ -10,6 +10,9 @@
 #include "analysis/distance_pairs.h"
 #include "core/arrays.h"
 #include "core/form_progress_bar.h"
+#include "core/rooms.h"
+
+namespace corvinade::analysis {
 
 // So many steps, of a few nanoseconds each, are done before anybody waits for them.
 inline constexpr std::int64_t kQuickSteps = 50'000'000;
@@ -30,3 +33,5 @@ private:
     bool shown_ = false, own_ = false;
     Flag stopBefore_ = kFalse;
 };
+
+}  // namespace corvinade::analysis

@@ -15,6 +15,8 @@
 #include "core/units.h"
 #include "engine/transform.h"
 
+namespace corvinade::analysis {
+
 namespace {
 
 constexpr std::array<double, 16> kPowersOfTen = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
@@ -443,3 +445,5 @@ bool TransformLines(const PointText& file, const LineForm& form, const LineWork&
     handOn();
     return true;
 }
+
+}  // namespace corvinade::analysis

@@ -6,8 +6,11 @@
 #include <string>
 #include <string_view>
 
+#include "core/rooms.h"
 #include "import/point_text.h"
 #include "import/row_notes.h"
+
+namespace corvinade::analysis {
 
 // How a file writes its points.
 struct LineForm {
@@ -46,3 +49,5 @@ struct LineWork {
 // one is larger than any number, before or behind the transformation; what has been handed on is of no use
 // then.
 bool TransformLines(const PointText& file, const LineForm& form, const LineWork& work, LineCounts& counts);
+
+}  // namespace corvinade::analysis

@@ -15,6 +15,8 @@
 #include "core/text.h"
 #include "core/units.h"
 
+namespace corvinade::analysis {
+
 namespace {
 
 constexpr std::size_t kPart_bytes = 1 << 20;  // one write to the file
@@ -172,3 +174,5 @@ bool WriteTrumpetFile(const std::string& path, const DistancePoints& points, con
     TrumpetLines lines(points, goOn);
     return WriteFileInParts(path, [&lines] { return lines.Next(); });
 }
+
+}  // namespace corvinade::analysis

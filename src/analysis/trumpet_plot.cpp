@@ -9,6 +9,8 @@
 #include "core/numbers.h"
 #include "core/units.h"
 
+namespace corvinade::analysis {
+
 namespace {
 
 constexpr double kMargin = 0.05;            // of what an axis spans, at each end that is not 0
@@ -176,3 +178,5 @@ std::string PairInWords(const DistancePoints& points, int i, int j) {
            ": distance " + shown(pair.ToDistance) + ", delta s " + shown(pair.DeltaS) + " " +
            Job.LengthUnitName;
 }
+
+}  // namespace corvinade::analysis

@@ -7,6 +7,9 @@
 #include <vector>
 
 #include "analysis/distance_pairs.h"
+#include "core/rooms.h"
+
+namespace corvinade::analysis {
 
 // Where the picture stands and how large it is, in pixels as the window counts them. On a screen of finer
 // pixels there are Scale of them to one on each side.
@@ -76,3 +79,5 @@ std::string TrumpetXTitle();
 std::string TrumpetYTitle();
 // A pair in words: names, distance and difference in the shown unit.
 std::string PairInWords(const DistancePoints& points, int i, int j);
+
+}  // namespace corvinade::analysis

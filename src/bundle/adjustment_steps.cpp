@@ -14,6 +14,8 @@
 #include "fit/require.h"
 #include "fit/vector.h"
 
+namespace corvinade::bundle {
+
 namespace {
 
 constexpr std::size_t At(int i) {
@@ -287,3 +289,5 @@ BundleStep BundleIteration(BundleRecord& network, BundleWork& work, const Bundle
 double BundleS0(const BundleRecord& network, const BundleWork& work) {
     return network.nDistances < 2 ? 0 : std::sqrt(work.SumVV / (network.nDistances - 1));
 }
+
+}  // namespace corvinade::bundle

@@ -11,6 +11,9 @@
 
 #include "bundle/network.h"
 #include "core/arrays.h"
+#include "core/rooms.h"
+
+namespace corvinade::bundle {
 
 // A row of `A` has six elements: the direction from the object point to the station in the columns of the
 // station, its opposite in those of the object point. A row without a station is zero.
@@ -78,3 +81,5 @@ BundleStep BundleIteration(BundleRecord& network, BundleWork& work, const Bundle
 
 // Measure of accuracy of a distance: sqrt([vv] / (n - 1)) with n distances, mm; 0 for fewer than two.
 double BundleS0(const BundleRecord& network, const BundleWork& work);
+
+}  // namespace corvinade::bundle

@@ -20,6 +20,8 @@
 #include "import/point_text.h"
 #include "import/row_notes.h"
 
+namespace corvinade::bundle {
+
 namespace {
 
 struct Section {
@@ -354,3 +356,5 @@ std::string BundleObjections(const BundleRecord& network) {
     }
     return text;
 }
+
+}  // namespace corvinade::bundle

@@ -4,6 +4,9 @@
 #include <string>
 
 #include "bundle/network.h"
+#include "core/rooms.h"
+
+namespace corvinade::bundle {
 
 // Reads the text file of a theodolite network, lengths in the present unit. Behind each keyword, which
 // begins a line, one line is skipped; then come the entries up to a line that begins with "END":
@@ -22,3 +25,5 @@ BundleRecord BündelInputFileEinlesen(const std::string& path);
 inline constexpr const char* kNoDistance =
     "There is no distance between a station and an object point of the file, so nothing can be adjusted.";
 std::string BundleObjections(const BundleRecord& network);
+
+}  // namespace corvinade::bundle

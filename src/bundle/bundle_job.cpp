@@ -16,6 +16,8 @@
 #include "import/point_file.h"
 #include "import/robot_files.h"
 
+namespace corvinade::bundle {
+
 namespace {
 
 // However the reading ends, all points count, and a job that is half read is not valid.
@@ -75,3 +77,5 @@ void TakeBundleAsJob(const std::string& startPath, const std::string& targetPath
     ShowNewPoints();
     Changed(What::Pairs);
 }
+
+}  // namespace corvinade::bundle

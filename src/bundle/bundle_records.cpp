@@ -3,6 +3,8 @@
 
 #include "bundle/network.h"
 
+namespace corvinade::bundle {
+
 namespace {
 
 const RecordEntry kRecords[] = {
@@ -25,3 +27,5 @@ const RecordEntry kRecords[] = {
 std::span<const RecordEntry> BundleRecords() {
     return kRecords;
 }
+
+}  // namespace corvinade::bundle

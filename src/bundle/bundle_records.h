@@ -4,5 +4,10 @@
 #include <span>
 
 #include "core/records.h"
+#include "core/rooms.h"
+
+namespace corvinade::bundle {
 
 std::span<const RecordEntry> BundleRecords();
+
+}  // namespace corvinade::bundle

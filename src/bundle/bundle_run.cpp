@@ -15,6 +15,8 @@
 #include "core/units.h"
 #include "import/point_file.h"
 
+namespace corvinade::bundle {
+
 namespace {
 
 constexpr std::size_t At(int i) {
@@ -226,3 +228,5 @@ std::string WriteNetwork(const std::string& folder, const char* name, const std:
     WriteFile(path, content);
     return path;
 }
+
+}  // namespace corvinade::bundle

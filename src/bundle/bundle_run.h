@@ -7,6 +7,9 @@
 #include <string>
 
 #include "bundle/adjustment_steps.h"
+#include "core/rooms.h"
+
+namespace corvinade::bundle {
 
 enum class BundleEnd {
     Converged,
@@ -80,3 +83,5 @@ std::string WriteNetwork(const std::string& folder, const char* name, const std:
 // before goes, and everything that shows points follows. A message tells what keeps it from that; the job is
 // without valid data then. Throws PlatformError where a file cannot be read.
 void TakeBundleAsJob(const std::string& startPath, const std::string& targetPath);
+
+}  // namespace corvinade::bundle

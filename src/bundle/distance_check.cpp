@@ -5,6 +5,8 @@
 
 #include "core/text.h"
 
+namespace corvinade::bundle {
+
 DistanceCheck::DistanceCheck(const BundleRecord& network)
     : network_(network), stations_(NumbersOf(network.StationName)), objects_(NumbersOf(network.ObjectName)) {}
 
@@ -39,3 +41,5 @@ std::string PairText(const BundleRecord& network, std::size_t distance) {
     return "\"" + Printable(network.DistancePair[1][distance]) + "\" to \"" +
            Printable(network.DistancePair[2][distance]) + "\"";
 }
+
+}  // namespace corvinade::bundle

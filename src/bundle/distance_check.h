@@ -7,6 +7,9 @@
 #include <unordered_map>
 
 #include "bundle/network.h"
+#include "core/rooms.h"
+
+namespace corvinade::bundle {
 
 struct DistanceFaults {
     bool NotPositive = false;  // 0 or less, or no number at all
@@ -35,3 +38,5 @@ private:
 
 // The names of a distance: "S1" to "P1", in quotation marks.
 std::string PairText(const BundleRecord& network, std::size_t distance);
+
+}  // namespace corvinade::bundle

@@ -15,6 +15,8 @@
 #include "core/units.h"
 #include "import/point_file.h"
 
+namespace corvinade::bundle {
+
 namespace {
 
 FormBündel& w = BündelWindow;
@@ -191,3 +193,5 @@ void FormBündel::CommandSTOP_Click() {
     Run.StopRequested = kTrue;
     YieldToEvents();
 }
+
+}  // namespace corvinade::bundle

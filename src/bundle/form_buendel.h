@@ -5,7 +5,10 @@
 
 #include "bundle/network.h"
 #include "core/changes.h"
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::bundle {
 
 struct FormBündel {
     WindowState Window{.Caption = "Bundle"};
@@ -37,3 +40,5 @@ inline FormBündel BündelWindow;
 extern const WindowEntry FormBündel_Entry;
 
 std::span<const ChangeRow> BundleChanges();  // the room's rows in the table of changes
+
+}  // namespace corvinade::bundle

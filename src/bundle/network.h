@@ -7,6 +7,9 @@
 #include <vector>
 
 #include "core/arrays.h"
+#include "core/rooms.h"
+
+namespace corvinade::bundle {
 
 struct BundleRecord {
     std::string BundleFilePath;
@@ -26,3 +29,5 @@ struct BundleRecord {
     bool IsEmpty() const { return nStations == 0 && nObjectPoints == 0 && nDistances == 0; }
 };
 inline BundleRecord Bundle;
+
+}  // namespace corvinade::bundle

@@ -10,6 +10,8 @@
 #include "core/notes.h"
 #include "core/text.h"
 
+namespace corvinade::bundle {
+
 namespace {
 
 constexpr double kNothingLeft = 1e-11;  // of the observations of a direction; rounding leaves about 1e-15
@@ -312,3 +314,5 @@ void NoteOpenPoints(const BundleRecord& network, const BundleWork& work) {
     AddNote(NoteCode::NetworkOpen, std::move(text), network.BundleFilePath, 0,
             static_cast<int>(stations.size() + objects.size()));
 }
+
+}  // namespace corvinade::bundle

@@ -7,6 +7,9 @@
 #include <string>
 
 #include "bundle/adjustment_steps.h"
+#include "core/rooms.h"
+
+namespace corvinade::bundle {
 
 // Fills work.Open from the rows of the last iteration, and where anything is open the cofactors anew: the
 // inverse of a matrix that has none has spoilt those of the other coordinates too. With nothing open the
@@ -23,3 +26,5 @@ bool IsOpenCoordinate(const BundleWork& work, int column);
 
 // Notes the open points of a network by their names; the note of an adjustment of before goes.
 void NoteOpenPoints(const BundleRecord& network, const BundleWork& work);
+
+}  // namespace corvinade::bundle

@@ -11,8 +11,11 @@
 #include <system_error>
 #include <vector>
 
+#include "core/rooms.h"
 #include "core/text.h"
 #include "core/units.h"
+
+namespace corvinade::cli {
 
 // The help tells choices once, beside the option's name, so the checks are silent there.
 inline CLI::Validator OneOf(std::vector<std::string> choices) {
@@ -89,3 +92,5 @@ inline void AddStrict(CLI::App& command, bool& strict, const char* group) {
 inline std::optional<char> DecimalOf(const std::string& text) {
     return text.empty() ? std::nullopt : std::optional<char>(text.front());
 }
+
+}  // namespace corvinade::cli

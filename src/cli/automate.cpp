@@ -30,6 +30,8 @@
 #include "core/run.h"
 #include "core/window.h"
 
+namespace corvinade::cli {
+
 using nlohmann::json;
 
 namespace {
@@ -498,3 +500,5 @@ void Automate(const AutomationOptions& options, std::istream& in, std::ostream& 
         out << AnswerLine(line, quit) << std::endl;
     }
 }
+
+}  // namespace corvinade::cli

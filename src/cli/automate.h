@@ -4,6 +4,10 @@
 #include <iosfwd>
 #include <string>
 
+#include "core/rooms.h"
+
+namespace corvinade::cli {
+
 struct AutomationOptions {
     std::string Job;        // opened at the start, as a quoted command line argument would be
     int ScreenWidth = 800;  // inner size of a new graphics window, pixels
@@ -20,3 +24,5 @@ std::string AnswerLine(const std::string& line, bool& quit);
 
 // Serves requests until the end of input or a request to quit.
 void Automate(const AutomationOptions& options, std::istream& in, std::ostream& out);
+
+}  // namespace corvinade::cli

@@ -5,6 +5,8 @@
 
 #include "analysis/form_grafik.h"
 
+namespace corvinade::cli {
+
 using nlohmann::json;
 
 bool IsChartPlace(std::string_view at) {
@@ -22,3 +24,5 @@ void AddChart(json& state) {
     for (const ChartPoint& point : chart.Points) points.push_back({point.Index, point.Value});
     state["points"] = std::move(points);
 }
+
+}  // namespace corvinade::cli

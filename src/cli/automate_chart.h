@@ -4,8 +4,14 @@
 #include <nlohmann/json_fwd.hpp>
 #include <string_view>
 
+#include "core/rooms.h"
+
+namespace corvinade::cli {
+
 // Does "at" name the chart?
 bool IsChartPlace(std::string_view at);
 
 // Adds what the chart shows to the state of its control.
 void AddChart(nlohmann::json& state);
+
+}  // namespace corvinade::cli

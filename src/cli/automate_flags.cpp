@@ -9,6 +9,8 @@
 #include "cli/request.h"
 #include "graphics/flags.h"
 
+namespace corvinade::cli {
+
 using nlohmann::json;
 
 namespace {
@@ -92,3 +94,5 @@ json MouseOnFlag(const ScreenWindow& window, const std::string& part, const json
     mouse["y"] = y;
     return mouse;
 }
+
+}  // namespace corvinade::cli

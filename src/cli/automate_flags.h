@@ -4,7 +4,10 @@
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::cli {
 
 // Does a part of a graphics window name a flag, be it there or not?
 bool IsFlagPart(const std::string& part);
@@ -16,3 +19,5 @@ nlohmann::json FlagToJson(const ScreenWindow& window, const std::string& part);
 // request's button and keys. Throws RequestError where a user could not click there.
 nlohmann::json MouseOnFlag(const ScreenWindow& window, const std::string& part,
                            const nlohmann::json& request);
+
+}  // namespace corvinade::cli

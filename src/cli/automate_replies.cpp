@@ -6,6 +6,8 @@
 
 #include "core/run.h"
 
+namespace corvinade::cli {
+
 using nlohmann::json;
 
 namespace {
@@ -64,3 +66,5 @@ void PutBack(Happenings kept) {
     Run.LastPlatformError = std::move(kept.PlatformError);
     DuringReplies = std::move(kept.During);
 }
+
+}  // namespace corvinade::cli

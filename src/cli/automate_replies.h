@@ -7,6 +7,9 @@
 #include <vector>
 
 #include "cli/headless.h"
+#include "core/rooms.h"
+
+namespace corvinade::cli {
 
 struct Happenings {
     std::vector<DialogShown> Dialogs;
@@ -26,3 +29,5 @@ void AddHappenings(nlohmann::json& reply);
 // far is laid aside, and put back behind it.
 Happenings LayAside();
 void PutBack(Happenings kept);
+
+}  // namespace corvinade::cli

@@ -19,6 +19,8 @@
 #include "graphics/screen_window.h"
 #include "paint/picture.h"
 
+namespace corvinade::cli {
+
 using nlohmann::json;
 
 namespace {
@@ -474,3 +476,5 @@ void EndForgottenAnalyseMode() {
         return;  // handlers have run, the list may be another one; the next yield sees to the next
     }
 }
+
+}  // namespace corvinade::cli

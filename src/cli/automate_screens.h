@@ -5,6 +5,10 @@
 #include <string>
 #include <string_view>
 
+#include "core/rooms.h"
+
+namespace corvinade::cli {
+
 // Inner sizes that a graphics window takes, pixels.
 inline constexpr int kLargestScreenSide = 16384;
 inline constexpr std::int64_t kLargestScreenArea = std::int64_t{1} << 26U;
@@ -36,3 +40,5 @@ void EndForgottenAnalyseMode();
 
 // The names of the open ones: "Screen#1", "Screen#2", ...
 nlohmann::json OpenScreenNames();
+
+}  // namespace corvinade::cli

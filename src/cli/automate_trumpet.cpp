@@ -16,6 +16,8 @@
 #include "core/arrays.h"
 #include "core/files.h"
 
+namespace corvinade::cli {
+
 using nlohmann::json;
 
 namespace {
@@ -125,3 +127,5 @@ json TrumpetResize(const json& request) {
     Trumpet_Resize(place);
     return json::object();
 }
+
+}  // namespace corvinade::cli

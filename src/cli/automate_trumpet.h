@@ -4,6 +4,10 @@
 #include <nlohmann/json_fwd.hpp>
 #include <string_view>
 
+#include "core/rooms.h"
+
+namespace corvinade::cli {
+
 // Does "at" name the plot?
 bool IsTrumpetPlace(std::string_view at);
 
@@ -13,3 +17,5 @@ nlohmann::json TrumpetMouse(const nlohmann::json& request);
 // Writes the plot as SVG, in its present size and with the axes that its state tells.
 nlohmann::json TrumpetPicture(const nlohmann::json& request);
 nlohmann::json TrumpetResize(const nlohmann::json& request);
+
+}  // namespace corvinade::cli

@@ -26,6 +26,8 @@
 #include "core/units.h"
 #include "core/window.h"
 
+namespace corvinade::cli {
+
 using nlohmann::ordered_json;
 
 namespace {
@@ -241,3 +243,5 @@ int RunBundle(const BundleOptions& options, std::ostream& out, std::ostream& err
     if (!out.flush()) return Refuse(err, kRefused, "the result could not be written to standard output");
     return result.End == BundleEnd::Converged ? kDone : Refuse(err, kNotConverged, endText);
 }
+
+}  // namespace corvinade::cli

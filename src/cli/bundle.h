@@ -5,6 +5,10 @@
 #include <optional>
 #include <string>
 
+#include "core/rooms.h"
+
+namespace corvinade::cli {
+
 struct BundleOptions {
     std::string Path;
     double Percent = 100;  // of the object points
@@ -22,3 +26,5 @@ int RunBundle(const BundleOptions& options, std::ostream& out, std::ostream& err
 
 // "" or why a text is no percentage of object points.
 std::string CheckReduce(const std::string& text);
+
+}  // namespace corvinade::cli

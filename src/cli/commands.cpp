@@ -24,6 +24,8 @@
 #include "core/platform.h"
 #include "core/text.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 // Tells two files that are one; false then.
@@ -394,3 +396,5 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     if (info->parsed()) return RunInfo(jobSwitches.Options, out, err, terminal && ColourWanted());
     return RunConvert(jobSwitches.Options, out, err);
 }
+
+}  // namespace corvinade::cli

@@ -4,6 +4,8 @@
 #include <array>
 #include <nlohmann/json.hpp>
 
+namespace corvinade::cli {
+
 using nlohmann::json;
 
 namespace {
@@ -72,3 +74,5 @@ json WindowToJson(const WindowEntry& window) {
              {{"left", place.Left}, {"top", place.Top}, {"width", place.Width}, {"height", place.Height}}},
             {"controls", names}};
 }
+
+}  // namespace corvinade::cli

@@ -4,6 +4,9 @@
 #include <string>
 
 #include "core/job.h"
+#include "core/rooms.h"
+
+namespace corvinade::cli {
 
 // A text quoted where it has to be, as spreadsheets read it.
 inline std::string CsvText(const std::string& text) {
@@ -35,3 +38,5 @@ inline const char* OpenHeading(const std::string& names) {
 inline std::string OpenCell(const std::string& names) {
     return names.empty() ? "" : ";" + CsvText(names);
 }
+
+}  // namespace corvinade::cli

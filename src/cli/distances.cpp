@@ -31,6 +31,8 @@
 #include "core/units.h"
 #include "core/window.h"
 
+namespace corvinade::cli {
+
 using nlohmann::ordered_json;
 
 namespace {
@@ -222,3 +224,5 @@ int RunDistances(const DistancesOptions& options, std::ostream& out, std::ostrea
     if (!out.flush()) return Refuse(err, kRefused, "the result could not be written to standard output");
     return kDone;
 }
+
+}  // namespace corvinade::cli

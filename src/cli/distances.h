@@ -5,6 +5,10 @@
 #include <optional>
 #include <string>
 
+#include "core/rooms.h"
+
+namespace corvinade::cli {
+
 struct DistancesOptions {
     std::string Job;
     bool WithResult = false;  // the start points are the transformed ones
@@ -20,3 +24,5 @@ struct DistancesOptions {
 //   progress  long work tells on `err` how far it is
 int RunDistances(const DistancesOptions& options, std::ostream& out, std::ostream& err, bool colour,
                  bool progress);
+
+}  // namespace corvinade::cli

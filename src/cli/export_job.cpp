@@ -16,6 +16,8 @@
 #include "core/settings.h"
 #include "core/window.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 std::string CheckName(const std::string& text) {
@@ -98,3 +100,5 @@ int RunExport(const ExportOptions& options, std::ostream& out, std::ostream& err
     if (!written) return Refuse(err, kRefused, Run.LastPlatformError);
     return options.Json ? TellWritten("export", options.Job, {path}, out, err) : kDone;
 }
+
+}  // namespace corvinade::cli

@@ -6,6 +6,10 @@
 #include <optional>
 #include <string>
 
+#include "core/rooms.h"
+
+namespace corvinade::cli {
+
 struct ExportOptions {
     std::string Job;
     std::string RobCad, Rocal, Points;  // the file to write; one of them
@@ -28,3 +32,5 @@ void TakeExportSwitches(ExportSwitches& s);
 
 // Writes the file, whole or not at all. kDone, or why not on `err`.
 int RunExport(const ExportOptions& options, std::ostream& out, std::ostream& err);
+
+}  // namespace corvinade::cli

@@ -40,6 +40,8 @@
 #include "fit/vector.h"
 #include "import/import_request.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 // Answers the questions of a calculation: Yes or No as the user has said beforehand.
@@ -291,3 +293,5 @@ int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour
     if (!out.flush()) return Refuse(err, kRefused, "the result could not be written to standard output");
     return status;
 }
+
+}  // namespace corvinade::cli

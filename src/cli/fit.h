@@ -4,8 +4,13 @@
 #include <iosfwd>
 
 #include "cli/fit_options.h"
+#include "core/rooms.h"
+
+namespace corvinade::cli {
 
 // Runs the fit. The result goes to `out`, messages go to `err`. Gives the exit status.
 //   colour        the table may use colours
 //   showProgress  long work tells on `err` how far it is
 int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour, bool showProgress);
+
+}  // namespace corvinade::cli

@@ -14,6 +14,8 @@
 #include "engine/presets.h"
 #include "import/robot_files.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 // The import takes its tolerance as a 32-bit float above 0.
@@ -306,3 +308,5 @@ std::string TakeFitSwitches(FitSwitches& s) {
                "--json alone";
     return CheckJobOptions(s.Options);
 }
+
+}  // namespace corvinade::cli

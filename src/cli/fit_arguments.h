@@ -4,10 +4,13 @@
 #include <string>
 
 #include "cli/fit_options.h"
+#include "core/rooms.h"
 
 namespace CLI {
 class App;
 }
+
+namespace corvinade::cli {
 
 // The options as they were typed; what more than one of them says goes into Options afterwards.
 struct FitSwitches {
@@ -21,3 +24,5 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s);
 
 // Completes s.Options. Gives "" or what does not go together.
 std::string TakeFitSwitches(FitSwitches& s);
+
+}  // namespace corvinade::cli

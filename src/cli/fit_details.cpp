@@ -14,6 +14,8 @@
 #include "engine/transform.h"
 #include "fit/matrix.h"
 
+namespace corvinade::cli {
+
 using nlohmann::ordered_json;
 
 namespace {
@@ -162,3 +164,5 @@ ordered_json DetailsJson(const SolutionDetails& details) {
             {"affineMatrix", Rows(details.Affine)},
             {"rotationAndTranslation", homogeneous}};
 }
+
+}  // namespace corvinade::cli

@@ -5,7 +5,10 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include "cli/fit_style.h"
+#include "core/rooms.h"
 #include "engine/solution_details.h"
+
+namespace corvinade::cli {
 
 // A triple of angles that does not give the rotation is left out ("-" in the table, null in JSON): in gimbal
 // lock the conversions of the engine may find none.
@@ -14,3 +17,5 @@ nlohmann::ordered_json DetailsJson(const SolutionDetails& details);
 
 // A matrix as three rows of three numbers.
 nlohmann::ordered_json Rows(const Mat3& matrix);
+
+}  // namespace corvinade::cli

@@ -25,6 +25,8 @@
 #include "engine/transform.h"
 #include "fit/quaternion.h"
 
+namespace corvinade::cli {
+
 using nlohmann::ordered_json;
 
 namespace {
@@ -249,3 +251,5 @@ void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std
     if (options.Protocol) write("protocol", CompleteProtocol());
     out << "\n}\n";
 }
+
+}  // namespace corvinade::cli

@@ -9,6 +9,10 @@
 #include <string_view>
 #include <vector>
 
+#include "core/rooms.h"
+
+namespace corvinade::cli {
+
 enum class FitOutput { Table, Json, Csv };
 
 struct FitOptions {
@@ -59,3 +63,5 @@ enum ExitStatus : int {
     kUnreadable = 3,
     kNotConverged = 4,
 };
+
+}  // namespace corvinade::cli

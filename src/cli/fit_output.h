@@ -8,7 +8,10 @@
 
 #include "cli/fit_options.h"
 #include "core/arrays.h"
+#include "core/rooms.h"
 #include "engine/solution_details.h"
+
+namespace corvinade::cli {
 
 // Everything that the outputs say of one identical point; lengths in mm.
 struct FitPoint {
@@ -46,3 +49,5 @@ Mat3 FitMatrix();
 void WriteFitTable(const FitOptions& options, const SolutionDetails* details, std::ostream& out, bool colour);
 void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std::ostream& out);
 void WriteFitCsv(const FitOptions& options, std::ostream& out);
+
+}  // namespace corvinade::cli

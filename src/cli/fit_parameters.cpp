@@ -11,6 +11,8 @@
 #include "engine/calculation.h"
 #include "engine/result_notes.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 // In the order of the tables.
@@ -69,3 +71,5 @@ nlohmann::ordered_json ParameterAsJson(int parameter) {
             {"shown", value * FactorOf(kind)},
             {"shownUnit", UnitOf(kind)}};
 }
+
+}  // namespace corvinade::cli

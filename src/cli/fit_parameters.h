@@ -5,7 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
 #include "engine/parameter_kind.h"
+
+namespace corvinade::cli {
 
 struct ShownParameter {
     int Number;
@@ -29,3 +32,5 @@ nlohmann::ordered_json ParameterAsJson(int parameter);
 
 // "float", "held" or "not used".
 const char* StateOfParameter(int parameter);
+
+}  // namespace corvinade::cli

@@ -11,6 +11,8 @@
 #include "core/numbers.h"
 #include "core/window.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 constexpr int kWidth = 770, kHeight = 480;  // as wide as the page's column
@@ -69,3 +71,5 @@ std::string FitPictureSection(const FitOptions& options) {
                         "\"/>\n") +
            "</div>\n" + ColourScale(facts);
 }
+
+}  // namespace corvinade::cli

@@ -14,6 +14,8 @@
 #include "fit/matrix.h"
 #include "fit/vector.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 // Of the way between two points, the share that is more (or less) than R_Dist.
@@ -104,3 +106,5 @@ std::string NoiseInWords(const FitOptions& options) {
     return PlainText(options.MonteCarloRuns) + " runs with noise of " + PlainText(noise[0]) + ", " +
            PlainText(noise[1]) + ", " + PlainText(noise[2]) + " mm in x, y, z of the start points";
 }
+
+}  // namespace corvinade::cli

@@ -18,6 +18,8 @@
 #include "engine/monte_carlo.h"
 #include "engine/result_notes.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 // Of more points the page shows the worst; the other outputs hold them all.
@@ -240,3 +242,5 @@ std::string FitReport(const FitOptions& options) {
            (HasMonteCarlo(options) ? MonteCarloPlots(options) : "") + PointTable(points, worst) +
            NotesTable() + "</body>\n</html>\n";
 }
+
+}  // namespace corvinade::cli

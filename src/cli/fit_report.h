@@ -4,6 +4,11 @@
 #include <string>
 
 #include "cli/fit_options.h"
+#include "core/rooms.h"
+
+namespace corvinade::cli {
 
 // The whole page.
 std::string FitReport(const FitOptions& options);
+
+}  // namespace corvinade::cli

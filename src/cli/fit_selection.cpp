@@ -21,6 +21,8 @@
 #include "engine/seed.h"
 #include "engine/selection.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 constexpr std::array<const char*, kParameterEnd> kNames = {
@@ -221,3 +223,5 @@ std::string SelectParameters(const FitOptions& options) {
     return ofJob && options.SeedPoints.empty() && Job.SeedIndex[1] > 0 ? ""
                                                                        : TakeSeedPoints(options.SeedPoints);
 }
+
+}  // namespace corvinade::cli

@@ -3,6 +3,10 @@
 
 #include <string>
 
+#include "core/rooms.h"
+
+namespace corvinade::cli {
+
 struct Style {
     bool Colour;
     std::string Heading(const std::string& text) const {
@@ -11,3 +15,5 @@ struct Style {
     std::string Alarm(const std::string& text) const { return Colour ? "\x1b[31m" + text + "\x1b[0m" : text; }
     std::string Quiet(const std::string& text) const { return Colour ? "\x1b[2m" + text + "\x1b[0m" : text; }
 };
+
+}  // namespace corvinade::cli

@@ -24,6 +24,8 @@
 #include "engine/norms.h"
 #include "engine/result_notes.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 // How much less the sum or the largest deviation could be at most.
@@ -297,3 +299,5 @@ void WriteFitCsv(const FitOptions&, std::ostream& out) {
     }
     HandOut(block, out, 0);
 }
+
+}  // namespace corvinade::cli

@@ -8,6 +8,8 @@
 #include "cli/headless.h"
 #include "core/window.h"
 
+namespace corvinade::cli {
+
 bool ChooseQueuedFolder() {
     auto& queue = Headless.Answers["folder"];
     if (queue.empty()) return false;
@@ -23,3 +25,5 @@ bool ChooseQueuedFolder() {
     Headless.Dialogs.push_back({"folder", title, begin, {}, "", "", path, ""});
     return true;
 }
+
+}  // namespace corvinade::cli

@@ -4,6 +4,8 @@
 #include "cli/request.h"
 #include "core/text_font.h"
 
+namespace corvinade::cli {
+
 void RefuseNoFont(const nlohmann::json& value) {
     if (!value.is_object()) Refuse("a font is an object with name, size, bold and italic");
     for (const auto& [name, member] : value.items()) {
@@ -21,3 +23,5 @@ void RefuseNoFont(const nlohmann::json& value) {
         if (!fits) Refuse("the size of a font is a number from 1 to 200");
     }
 }
+
+}  // namespace corvinade::cli

@@ -4,5 +4,11 @@
 
 #include <nlohmann/json.hpp>
 
+#include "core/rooms.h"
+
+namespace corvinade::cli {
+
 // Refuses what is no such object.
 void RefuseNoFont(const nlohmann::json& value);
+
+}  // namespace corvinade::cli

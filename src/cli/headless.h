@@ -11,6 +11,10 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
+
+namespace corvinade::cli {
+
 struct DialogShown {
     std::string Kind;  // "message", "input", "open", "save", "folder", "colour", "font", "form"
     std::string Title, Text;
@@ -57,3 +61,5 @@ struct HeadlessRecord {
     std::string ProgramDir;
 };
 inline HeadlessRecord Headless;
+
+}  // namespace corvinade::cli

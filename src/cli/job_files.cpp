@@ -23,6 +23,8 @@
 #include "engine/transform.h"
 #include "fit/small_svd.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 enum class ConvertTo { Nothing, Job, Json, Csv };
@@ -146,3 +148,5 @@ int RunConvert(const JobFileOptions& options, std::ostream& out, std::ostream& e
     if (!written) return Refuse(err, kRefused, Run.LastPlatformError);
     return options.Json ? TellWritten("convert", options.Path, {options.Out}, out, err) : kDone;
 }
+
+}  // namespace corvinade::cli

@@ -7,6 +7,9 @@
 
 #include "cli/fit_options.h"
 #include "cli/job_info.h"
+#include "core/rooms.h"
+
+namespace corvinade::cli {
 
 struct JobFileOptions {
     std::string Path;
@@ -45,3 +48,5 @@ int RunConvert(const JobFileOptions& options, std::ostream& out, std::ostream& e
 
 // "" or why a file cannot be converted to this name.
 std::string CheckConvertOut(const std::string& path);
+
+}  // namespace corvinade::cli

@@ -20,6 +20,8 @@
 #include "core/units.h"
 #include "engine/norm_table.h"
 
+namespace corvinade::cli {
+
 using nlohmann::ordered_json;
 
 namespace {
@@ -219,3 +221,5 @@ void WriteJobCsv(std::ostream& out) {
             out << UnconvergedCell() << OpenCell(open) << CollapsedCell() << "\r\n";
         }
 }
+
+}  // namespace corvinade::cli

@@ -6,6 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
+
+namespace corvinade::cli {
+
 // What is known of the file besides the job in it.
 struct JobFileFacts {
     std::string Path, Version;
@@ -20,3 +24,5 @@ void WriteJobJson(const JobFileFacts& file, bool records, std::ostream& out);
 
 // The points, a line a pair or a point without partner, with full precision in mm.
 void WriteJobCsv(std::ostream& out);
+
+}  // namespace corvinade::cli

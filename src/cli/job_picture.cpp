@@ -20,6 +20,8 @@
 #include "graphics/views.h"
 #include "paint/picture.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 using FixedView = void (*)(ScreenWindow&);
@@ -275,3 +277,5 @@ std::string JobPicture(const PictureWish& wish, PictureForm form, const std::vec
     if (bytes.empty()) throw PlatformError{"There is not enough memory for a picture of this size"};
     return bytes;
 }
+
+}  // namespace corvinade::cli

@@ -7,7 +7,10 @@
 #include <utility>
 #include <vector>
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::cli {
 
 enum class PictureForm : std::uint8_t {
     Png,
@@ -51,3 +54,5 @@ bool IsFixedView(const std::string& name);
 //   views   names of the job's saved views. Require: `wish.View` is one of them or a fixed view
 std::string JobPicture(const PictureWish& wish, PictureForm form, const std::vector<std::string>& views,
                        PictureFacts& facts);
+
+}  // namespace corvinade::cli

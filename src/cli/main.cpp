@@ -11,6 +11,8 @@
 #include "core/file_writer.h"
 #include "core/platform.h"
 
+using namespace corvinade;
+
 int main(int argc, char** argv) {
     LetTooLargeFilesRefuse();
     try {

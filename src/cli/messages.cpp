@@ -8,6 +8,8 @@
 #include "core/notes.h"
 #include "core/text.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 constexpr int kLongestNote = 2000;  // characters
@@ -60,3 +62,5 @@ int Refuse(std::ostream& err, ExitStatus status, const std::string& text) {
     err << "corvinade-cli: " << text << "\n";
     return status;
 }
+
+}  // namespace corvinade::cli

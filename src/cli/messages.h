@@ -5,6 +5,9 @@
 #include <string>
 
 #include "cli/fit_options.h"
+#include "core/rooms.h"
+
+namespace corvinade::cli {
 
 // A message box's text as a paragraph without blank lines.
 std::string OneParagraph(const std::string& text);
@@ -21,3 +24,5 @@ bool EndsForWarnings(bool strict, std::ostream& err);
 
 // Says why a command ends, behind the notes; gives `status`.
 int Refuse(std::ostream& err, ExitStatus status, const std::string& text);
+
+}  // namespace corvinade::cli

@@ -6,6 +6,8 @@
 
 #include "core/text.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -36,3 +38,5 @@ std::string FilesApart(const std::vector<NamedFile>& inputs, const std::vector<N
     }
     return "";
 }
+
+}  // namespace corvinade::cli

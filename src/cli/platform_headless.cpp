@@ -16,6 +16,8 @@
 #include "core/window.h"
 #include "fit/require.h"
 
+namespace corvinade::core {
+
 namespace {
 
 // Answers a dialog from its queue and records it. A message with a single button needs no answer.
@@ -211,3 +213,5 @@ void PreferLargePages([[maybe_unused]] void* block, [[maybe_unused]] std::size_t
     madvise(static_cast<char*>(block) + before, (size - before) / kLargePage * kLargePage, MADV_HUGEPAGE);
 #endif
 }
+
+}  // namespace corvinade::core

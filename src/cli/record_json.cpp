@@ -9,6 +9,8 @@
 
 #include "core/job.h"
 
+namespace corvinade::cli {
+
 using nlohmann::json;
 
 namespace {
@@ -318,3 +320,5 @@ std::string RecordFromJson(const RecordEntry& record, const json& value) {
     }
     return "";
 }
+
+}  // namespace corvinade::cli

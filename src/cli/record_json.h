@@ -5,6 +5,9 @@
 #include <string>
 
 #include "core/records.h"
+#include "core/rooms.h"
+
+namespace corvinade::cli {
 
 // Numbers with full precision, flags -1 and 0, an empty tagged value null, arrays with their element 0,
 // two-dimensional arrays as rows.
@@ -19,3 +22,5 @@ nlohmann::json NotesToJson(std::span<const Note> notes);
 
 // The state of a graphics window, or of a saved view, by the names of its fields.
 nlohmann::json ScreenToJson(const ScreenRecord& view);
+
+}  // namespace corvinade::cli

@@ -21,6 +21,8 @@
 #include "core/units.h"
 #include "core/window.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 bool IsSvg(const std::string& path) {
@@ -101,3 +103,5 @@ int RunRender(const RenderOptions& options, std::ostream& out, std::ostream& err
     if (!written) return Refuse(err, kRefused, Run.LastPlatformError);
     return options.Json ? TellWritten("render", options.Job, {options.Out}, out, err) : kDone;
 }
+
+}  // namespace corvinade::cli

@@ -6,6 +6,9 @@
 #include <string>
 
 #include "cli/job_picture.h"
+#include "core/rooms.h"
+
+namespace corvinade::cli {
 
 struct RenderOptions {
     std::string Job, Out;
@@ -26,3 +29,5 @@ std::string CheckPictureFile(const std::string& path);                          
 
 // Writes the picture, whole or not at all. Gives the exit status.
 int RunRender(const RenderOptions& options, std::ostream& out, std::ostream& err);
+
+}  // namespace corvinade::cli

@@ -6,6 +6,9 @@
 #include <string>
 
 #include "cli/headless.h"
+#include "core/rooms.h"
+
+namespace corvinade::cli {
 
 // A request that cannot be carried out; it has changed nothing.
 struct RequestError {
@@ -54,3 +57,5 @@ inline bool FlagMember(const nlohmann::json& request, const char* name) {
     if (!value->is_boolean()) Refuse(std::string("\"") + name + "\" is true or false");
     return value->get<bool>();
 }
+
+}  // namespace corvinade::cli

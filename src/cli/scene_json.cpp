@@ -8,6 +8,8 @@
 
 #include "graphics/scene.h"
 
+namespace corvinade::cli {
+
 using nlohmann::json;
 
 namespace {
@@ -62,3 +64,5 @@ bool SceneTableToJson(std::string_view name, json& table) {
         }
     return false;
 }
+
+}  // namespace corvinade::cli

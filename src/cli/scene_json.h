@@ -5,5 +5,11 @@
 #include <nlohmann/json_fwd.hpp>
 #include <string_view>
 
+#include "core/rooms.h"
+
+namespace corvinade::cli {
+
 // Is there such a table? Fills `table` then: element 0 of each index unused, two indices as rows.
 bool SceneTableToJson(std::string_view name, nlohmann::json& table);
+
+}  // namespace corvinade::cli

@@ -6,6 +6,8 @@
 
 #include "core/text.h"
 
+namespace corvinade::cli {
+
 std::string EscapeMarkup(const std::string& text) {
     std::string result;
     std::uint32_t code = 0;
@@ -126,3 +128,5 @@ void BeginSvg(std::string& svg, int width, int height, const std::string& title,
         .Opens("\n");
     SvgElement(svg, "title").Holds(title, "\n");
 }
+
+}  // namespace corvinade::cli

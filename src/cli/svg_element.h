@@ -5,6 +5,10 @@
 #include <string>
 #include <string_view>
 
+#include "core/rooms.h"
+
+namespace corvinade::cli {
+
 // Text as it may stand in HTML and SVG. Control characters and what is no character become "?".
 std::string EscapeMarkup(const std::string& text);
 
@@ -45,3 +49,5 @@ void EndPath(std::string& svg);
 //   title    what readers without eyes are told
 //   inPage   for a place inside a page, which needs no name space
 void BeginSvg(std::string& svg, int width, int height, const std::string& title, bool inPage = false);
+
+}  // namespace corvinade::cli

@@ -8,6 +8,8 @@
 
 #include "cli/svg_element.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 constexpr double kWidth = 720, kHeight = 190, kLeft = 64, kRight = 10, kTop = 26, kBottom = 24;
@@ -137,3 +139,5 @@ std::string Histogram(const std::string& title, const std::vector<double>& value
              Tick(share * limit) + (share == 1 ? " " + unit : ""), "tick", share == 1 ? "end" : "middle");
     return svg + "</svg>";
 }
+
+}  // namespace corvinade::cli

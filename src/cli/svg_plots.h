@@ -4,6 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
+
+namespace corvinade::cli {
+
 struct Bar {
     std::string Name;
     double Value;
@@ -25,3 +29,5 @@ std::string Histogram(const std::string& title, const std::vector<double>& value
 
 // A number above 0 rounded up to 1, 2 or 5 times a power of ten; 1 for anything else.
 double RoundLimit(double value);
+
+}  // namespace corvinade::cli

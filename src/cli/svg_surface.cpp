@@ -12,6 +12,8 @@
 #include "graphics/scene.h"
 #include "paint/picture.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 constexpr double kMargin = 20;  // pixels around the picture that are still written
@@ -202,3 +204,5 @@ std::string SvgOfWindow(const ScreenWindow& window, const std::string& title, bo
             AddText(svg, label->X, label->Y, label->Text, label->ForeColor);
     return svg + "</g>\n</svg>\n";
 }
+
+}  // namespace corvinade::cli

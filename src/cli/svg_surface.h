@@ -3,7 +3,10 @@
 
 #include <string>
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::cli {
 
 // For the hook FillSurface (graphics/screen_window.h).
 void FillSurfaceWithSvg(Surface& screen);
@@ -13,3 +16,5 @@ void FillSurfaceWithSvg(Surface& screen);
 //   title    what readers without eyes are told
 //   inPage   for a place inside a page, which needs no name space
 std::string SvgOfWindow(const ScreenWindow& window, const std::string& title, bool inPage);
+
+}  // namespace corvinade::cli

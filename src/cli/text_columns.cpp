@@ -8,6 +8,8 @@
 
 #include "core/text.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 struct CodeRange {
@@ -95,3 +97,5 @@ std::string TextColumns::Line(const std::vector<std::string>& cells) const {
 std::string HeadLabel(const std::string& text) {
     return TextColumns{{14}}.Line({text});
 }
+
+}  // namespace corvinade::cli

@@ -5,6 +5,10 @@
 #include <string_view>
 #include <vector>
 
+#include "core/rooms.h"
+
+namespace corvinade::cli {
+
 // Columns that a terminal gives to a UTF-8 text: combining characters take none, the wide characters of
 // East Asian scripts and pictograms two.
 int DisplayWidth(std::string_view text);
@@ -29,3 +33,5 @@ inline constexpr int kLongestPath = 200;
 
 // The label of a line above a table, up to where its text begins.
 std::string HeadLabel(const std::string& text);
+
+}  // namespace corvinade::cli

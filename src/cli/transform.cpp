@@ -23,6 +23,8 @@
 #include "core/settings.h"
 #include "core/window.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 // The files that are named, those of a folder by their names.
@@ -250,3 +252,5 @@ int RunTransform(const TransformOptions& options, std::ostream& out, std::ostrea
     if (unreadable) return kUnreadable;
     return unwritten ? kRefused : told;
 }
+
+}  // namespace corvinade::cli

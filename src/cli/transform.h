@@ -7,6 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
+
+namespace corvinade::cli {
+
 struct TransformOptions {
     std::string Job;
     std::vector<std::string> In;  // files, and folders that stand for their files
@@ -33,3 +37,5 @@ void TakeTransformSwitches(TransformSwitches& s);
 // said on `err` at the end. kDone; kUnreadable where a file could not be read; kRefused where one could not
 // be written, or the job has no transformation.
 int RunTransform(const TransformOptions& options, std::ostream& out, std::ostream& err, bool progress);
+
+}  // namespace corvinade::cli

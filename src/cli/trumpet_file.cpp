@@ -12,6 +12,8 @@
 #include "graphics/trumpet_paint.h"
 #include "paint/picture.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 constexpr int kWidth = 1100, kHeight = 700;
@@ -91,3 +93,5 @@ void WriteTrumpetPicture(const std::string& path, const DistancePoints& points, 
     WriteFile(path, EndsIn(path, ".PNG") ? TrumpetPng(points, title, plot, notAllPairs)
                                          : TrumpetSvg(points, title, plot, notAllPairs));
 }
+
+}  // namespace corvinade::cli

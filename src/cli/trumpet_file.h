@@ -5,6 +5,9 @@
 
 #include "analysis/distance_pairs.h"
 #include "analysis/trumpet_plot.h"
+#include "core/rooms.h"
+
+namespace corvinade::cli {
 
 // "" or why a plot cannot be written under this name: it ends in .svg or .png, in any case of letters.
 std::string CheckTrumpetFile(const std::string& path);
@@ -25,3 +28,5 @@ std::string TrumpetPng(const DistancePoints& points, const std::string& title, c
 // Writes the one or the other, by the end of the path. Throws PlatformError as WriteFile.
 void WriteTrumpetPicture(const std::string& path, const DistancePoints& points, const std::string& title,
                          const TrumpetPlot& plot, bool notAllPairs = false);
+
+}  // namespace corvinade::cli

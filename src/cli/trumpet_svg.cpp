@@ -8,6 +8,8 @@
 #include "cli/svg_element.h"
 #include "graphics/trumpet_paint.h"
 
+namespace corvinade::cli {
+
 namespace {
 
 constexpr double kFineScale = 4;          // thinned so that nobody sees it
@@ -136,3 +138,5 @@ std::string TrumpetSvg(const DistancePoints& points, const std::string& title, c
     BeginSvg(svg, screen.Width, screen.Height, title);
     return svg + kStyle + SvgOf(screen) + "</svg>\n";
 }
+
+}  // namespace corvinade::cli

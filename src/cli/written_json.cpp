@@ -9,6 +9,8 @@
 #include "core/controller.h"
 #include "core/notes.h"
 
+namespace corvinade::cli {
+
 using nlohmann::ordered_json;
 
 namespace {
@@ -33,3 +35,5 @@ int TellWritten(const std::string& command, const std::string& job, const std::v
     if (!out.flush()) return Refuse(err, kRefused, "the result could not be written to standard output");
     return kDone;
 }
+
+}  // namespace corvinade::cli

@@ -6,6 +6,9 @@
 #include <vector>
 
 #include "cli/fit_options.h"
+#include "core/rooms.h"
+
+namespace corvinade::cli {
 
 // A file that could not be done, and why.
 struct FileLeft {
@@ -16,3 +19,5 @@ struct FileLeft {
 // kDone, or kRefused with the reason on `err` where standard output does not take it.
 int TellWritten(const std::string& command, const std::string& job, const std::vector<std::string>& written,
                 std::ostream& out, std::ostream& err, const std::vector<FileLeft>& left = {});
+
+}  // namespace corvinade::cli

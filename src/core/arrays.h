@@ -6,7 +6,10 @@
 #include <limits>
 #include <optional>
 
+#include "core/rooms.h"
 #include "fit/arrays.h"
+
+namespace corvinade::core {
 
 // A 16-bit truth value: true is -1, and only -1; everything else is false. So it stands in files too.
 using Flag = std::int16_t;
@@ -53,3 +56,5 @@ private:
     double value_ = kNothing;
 };
 static_assert(sizeof(TaggedValue) == sizeof(double));
+
+}  // namespace corvinade::core

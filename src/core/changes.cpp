@@ -5,6 +5,8 @@
 
 #include "core/run.h"
 
+namespace corvinade::core {
+
 namespace {
 
 // The changes of one event, apart from those of a handler that yields to it.
@@ -64,3 +66,5 @@ void RunEvent(const std::function<void()>& work) {
     }
     ShowChanges();
 }
+
+}  // namespace corvinade::core

@@ -6,6 +6,10 @@
 #include <functional>
 #include <span>
 
+#include "core/rooms.h"
+
+namespace corvinade::core {
+
 enum class What : std::uint32_t {
     Nothing = 0,
     OpenedJob = 1U << 0U,         // another job is open
@@ -78,3 +82,5 @@ struct ChangesRecord {
     bool Handling = false;         // one runs
 };
 inline ChangesRecord Changes;
+
+}  // namespace corvinade::core

@@ -18,6 +18,8 @@
 #include "core/text.h"
 #include "core/units.h"
 
+namespace corvinade::core {
+
 namespace {
 
 constexpr std::string_view kTitle = "Corvinade Version ";
@@ -228,3 +230,5 @@ void FormMain::Form_Unload() {
 void CloseProgram() {
     UnloadWindow("FormMain");
 }
+
+}  // namespace corvinade::core

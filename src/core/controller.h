@@ -5,7 +5,10 @@
 #include <string>
 
 #include "core/changes.h"
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::core {
 
 // The whole start: settings file, settings, `Initialisieren`, and the job that the command line names.
 //   commandLine   one argument as the quoting shell hands it over, with its quotes: the first and the
@@ -41,3 +44,5 @@ std::string TitleText(const std::string& path);
 
 // The folder where the settings file stands and clipboard texts are put down.
 std::string SettingsFolder();
+
+}  // namespace corvinade::core

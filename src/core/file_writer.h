@@ -7,6 +7,10 @@
 #include <string>
 #include <string_view>
 
+#include "core/rooms.h"
+
+namespace corvinade::core {
+
 enum class Keeping : std::uint8_t {
     Flushed,   // on the disk before it takes its place, so that the power may fail at any time
     Unflushed  // for results in bulk that can be made anew: a flush a file would take longer than the work
@@ -36,3 +40,5 @@ private:
     std::FILE* file_ = nullptr;
     bool kept_ = false;
 };
+
+}  // namespace corvinade::core

@@ -13,6 +13,8 @@
 #include "core/large_pages.h"
 #include "core/platform.h"
 
+namespace corvinade::core {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -218,3 +220,5 @@ std::string JoinPath(const std::string& folder, const std::string& name) {
     const char separator = fs::path::preferred_separator == '/' ? '/' : '\\';
     return folder.back() == separator ? folder + name : folder + separator + name;
 }
+
+}  // namespace corvinade::core

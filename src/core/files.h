@@ -7,6 +7,10 @@
 #include <string>
 #include <string_view>
 
+#include "core/rooms.h"
+
+namespace corvinade::core {
+
 // Tests that never fail. A folder is no file, and the empty path is neither.
 bool File_Exist(const std::string& path);
 bool Directory_Exist(const std::string& path);
@@ -59,3 +63,5 @@ struct FileFaultRecord {
     std::function<std::string(const std::string& operation, const std::string& path)> Refuse;
 };
 inline FileFaultRecord FileFaults;
+
+}  // namespace corvinade::core

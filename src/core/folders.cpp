@@ -8,6 +8,8 @@
 #include "core/files.h"
 #include "core/platform.h"
 
+namespace corvinade::core {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -76,3 +78,5 @@ std::string PlainFolder(const std::string& folder) {
 std::string FolderAbove(const std::string& folder) {
     return TextOf(PathOf(folder).parent_path());
 }
+
+}  // namespace corvinade::core

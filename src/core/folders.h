@@ -4,6 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
+
+namespace corvinade::core {
+
 // Names of the files in a folder, by their names; folders and what is neither are left out. Empty where
 // there is no such folder. Throws PlatformError where it cannot be read.
 std::vector<std::string> FilesOfFolder(const std::string& folder);
@@ -22,3 +26,5 @@ std::string PlainFolder(const std::string& folder);
 
 // The folder that a folder stands in; a top one itself. `folder` as PlainFolder gives it.
 std::string FolderAbove(const std::string& folder);
+
+}  // namespace corvinade::core

@@ -5,6 +5,8 @@
 #include "core/platform.h"
 #include "core/run.h"
 
+namespace corvinade::core {
+
 namespace {
 
 const ControlEntry kControls[] = {
@@ -38,3 +40,5 @@ void FormMenuHelpInfo::BtnEditIniFile_Click() {
 void FormMenuHelpInfo::BtnOK_Click() {
     UnloadWindow("FormMenuHelpInfo");
 }
+
+}  // namespace corvinade::core

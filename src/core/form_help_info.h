@@ -1,7 +1,10 @@
 // The window that tells the program's version.
 #pragma once
 
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::core {
 
 struct FormMenuHelpInfo {
     WindowState Window{.Caption = "Info"};
@@ -18,3 +21,5 @@ struct FormMenuHelpInfo {
 };
 inline FormMenuHelpInfo HelpInfo;
 extern const WindowEntry FormMenuHelpInfo_Entry;
+
+}  // namespace corvinade::core

@@ -10,6 +10,8 @@
 #include "core/run.h"
 #include "core/text.h"
 
+namespace corvinade::core {
+
 namespace {
 
 // Buttons of a tool bar stand behind it, in their order on the screen.
@@ -450,3 +452,5 @@ void FormMain::MenueHelpQuestion_Click() {
 void FormMain::MenueHelpSpezial_Click() {
     ClipboardRoundTrip();
 }
+
+}  // namespace corvinade::core

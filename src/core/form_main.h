@@ -1,7 +1,10 @@
 // The main window: menus, tool bars, status bar.
 #pragma once
 
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::core {
 
 struct FormMain {
     WindowState Window;
@@ -222,3 +225,5 @@ private:
 };
 inline FormMain Main;
 extern const WindowEntry FormMain_Entry;
+
+}  // namespace corvinade::core

@@ -7,6 +7,8 @@
 #include "core/platform.h"
 #include "core/settings.h"
 
+namespace corvinade::core {
+
 namespace {
 
 FormNotes& w = NotesWindow;
@@ -114,3 +116,5 @@ void FormNotes::BtnCopy_Click() {
 void FormNotes::BtnClose_Click() {
     UnloadWindow("FormNotes");
 }
+
+}  // namespace corvinade::core

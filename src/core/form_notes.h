@@ -5,7 +5,10 @@
 #include <vector>
 
 #include "core/notes.h"
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::core {
 
 // Columns of its table.
 enum NotesColumn : int { kNotesSeverity, kNotesFile, kNotesLine, kNotesText, kNotesCount, kNotesCols };
@@ -32,3 +35,5 @@ extern const WindowEntry FormNotes_Entry;
 // The list in the main window's status bar ("3 notes"; nothing where there are none; the colour of a warning
 // where one is among them), and in this window while it is open. Every event of the user ends with it.
 void ShowNotes();
+
+}  // namespace corvinade::core

@@ -3,6 +3,8 @@
 
 #include "core/run.h"
 
+namespace corvinade::core {
+
 namespace {
 
 const ControlEntry kControls[] = {
@@ -34,3 +36,5 @@ ProgressWindow::ProgressWindow(const std::string& caption) {
 ProgressWindow::~ProgressWindow() {
     UnloadWindow("FormProgressBar");
 }
+
+}  // namespace corvinade::core

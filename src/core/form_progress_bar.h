@@ -1,7 +1,10 @@
 // The window that shows how far long work has come and lets the user stop it.
 #pragma once
 
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::core {
 
 struct FormProgressBar {
     WindowState Window;
@@ -22,3 +25,5 @@ public:
     ProgressWindow(const ProgressWindow&) = delete;
     ProgressWindow& operator=(const ProgressWindow&) = delete;
 };
+
+}  // namespace corvinade::core

@@ -9,6 +9,8 @@
 #include "core/settings.h"
 #include "core/units.h"
 
+namespace corvinade::core {
+
 namespace {
 
 const ControlEntry kControls[] = {
@@ -89,3 +91,5 @@ void FormUnits::BtnOK_Click() {
     ShowChanges();  // ahead of what there may be to say of the settings
     SettingsSchreiben({"UnitLength", "UnitAngle", "DigitLength", "DigitAngle", "PhiThetaAsQ", "DigitScale"});
 }
+
+}  // namespace corvinade::core

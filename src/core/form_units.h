@@ -1,7 +1,10 @@
 // The window in which units and digits are chosen.
 #pragma once
 
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::core {
 
 struct FormUnits {
     WindowState Window{.Caption = "Units"};
@@ -23,3 +26,5 @@ struct FormUnits {
 };
 inline FormUnits UnitsWindow;
 extern const WindowEntry FormUnits_Entry;
+
+}  // namespace corvinade::core

@@ -2,4 +2,10 @@
 // test begins in a new program.
 #pragma once
 
+#include "core/rooms.h"
+
+namespace corvinade::core {
+
 void FreshStart();
+
+}  // namespace corvinade::core

@@ -10,6 +10,8 @@
 #include "core/window.h"
 #include "fit/require.h"
 
+namespace corvinade::core {
+
 namespace {
 
 std::size_t Place(const GridState& grid, int row, int col) {
@@ -180,3 +182,5 @@ std::string RectText(GridState& grid, const GridRect& rect) {
     }
     return text;
 }
+
+}  // namespace corvinade::core

@@ -7,6 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
+
+namespace corvinade::core {
+
 enum class GridAlign : std::uint8_t { Left, Centre, Right };
 
 struct GridRect {
@@ -87,3 +91,5 @@ void KeepSelectionInside(GridState& grid);
 // Cells of a rectangle as text: tabs between cells, CR LF between rows. Hidden columns are left out.
 // A carriage return inside a cell becomes carriage return plus line feed.
 std::string RectText(GridState& grid, const GridRect& rect);
+
+}  // namespace corvinade::core

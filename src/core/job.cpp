@@ -6,6 +6,8 @@
 
 #include "fit/require.h"
 
+namespace corvinade::core {
+
 void JobRecord::SetPairs(int pairs) {
     Require(pairs >= 0 && pairs <= std::min(Start.Count(), Target.Count()));
     pairs_ = pairs;
@@ -72,3 +74,5 @@ Parameters ParametersOf(const JobRecord& job) {
 void PutParameters(const Parameters& parameters, JobRecord& job) {
     for (int k = kTraX; k < kParameterEnd; ++k) job.*kPlaces[static_cast<std::size_t>(k)] = parameters[k];
 }
+
+}  // namespace corvinade::core

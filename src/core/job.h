@@ -11,8 +11,11 @@
 
 #include "core/arrays.h"
 #include "core/point_set.h"
+#include "core/rooms.h"
 #include "core/screen_record.h"
 #include "fit/parameters.h"
+
+namespace corvinade::core {
 
 // The text of `ParamText` for a parameter that the adjustment determines, and for one that keeps its
 // neutral value. Any other text is the value that the parameter is held at, as typed.
@@ -124,3 +127,5 @@ inline Vec3 TargetPoint(int i) {
 inline Vec3 TransformedPoint(int i) {
     return Job.Transformed.Point(i);
 }
+
+}  // namespace corvinade::core

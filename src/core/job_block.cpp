@@ -11,6 +11,8 @@
 
 #include "core/job_file_bytes.h"
 
+namespace corvinade::core {
+
 namespace {
 
 constexpr std::size_t kLengthSize = sizeof(std::uint64_t);
@@ -294,3 +296,5 @@ std::string JobBlock(const JobRecord& job) {
     PutLength(block, text.size());
     return block;
 }
+
+}  // namespace corvinade::core

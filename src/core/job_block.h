@@ -12,6 +12,9 @@
 #include <string_view>
 
 #include "core/job.h"
+#include "core/rooms.h"
+
+namespace corvinade::core {
 
 // No field looks like it: the bytes would be a count of 1,448,234,819 elements, or of texts as long.
 inline constexpr std::string_view kJobBlockHead{"CORVINADE-BLOCK\x1a", 16};
@@ -31,3 +34,5 @@ JobBlockFault TakeJobBlock(std::string_view block, JobRecord& job);
 
 // The block of a job; "" where it has nothing to say, as all jobs with a sound result.
 std::string JobBlock(const JobRecord& job);
+
+}  // namespace corvinade::core

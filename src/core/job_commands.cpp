@@ -15,6 +15,8 @@
 #include "core/text.h"
 #include "core/window.h"
 
+namespace corvinade::core {
+
 namespace {
 
 constexpr const char* kJobFilter = "cvn Dateien (*.cvn)|*.cvn|Alle Dateien (*.*)|*.*|";
@@ -165,3 +167,5 @@ void MenuFileSave_Command() {
 void MenuFileSaveAs_Command() {
     SaveAs();
 }
+
+}  // namespace corvinade::core

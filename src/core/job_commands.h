@@ -3,6 +3,10 @@
 
 #include <string>
 
+#include "core/rooms.h"
+
+namespace corvinade::core {
+
 void JobChanged();                                 // asks whether a changed job shall be saved
 void OpenLastProjekt(const std::string& caption);  // opens the job of a recent-file menu entry
 void MenuFileNew_Command();
@@ -14,3 +18,5 @@ void MenuFileSaveAs_Command();
 // settings file. A path that differs from an entry by case alone stays where it is, the unnamed job's is
 // none.
 void LogikLastFileEXIT();
+
+}  // namespace corvinade::core

@@ -17,6 +17,8 @@
 #include "core/run.h"
 #include "core/units.h"
 
+namespace corvinade::core {
+
 namespace {
 
 // The list takes no view while it is filled, so no handler runs.
@@ -123,3 +125,5 @@ void OpenFile(const std::string& path) {
     Run.JobDataValid = kTrue;  // the main sheet shows no others
     Changed(What::OpenedJob);
 }
+
+}  // namespace corvinade::core

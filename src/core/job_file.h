@@ -12,6 +12,9 @@
 #include "core/job.h"
 #include "core/job_file_fields.h"
 #include "core/notes.h"
+#include "core/rooms.h"
+
+namespace corvinade::core {
 
 // --- Without windows --------------------------------------------------------------------------------------
 
@@ -90,3 +93,5 @@ void OpenFile(const std::string& path);
 // stays behind the job, unless either of them has a block, which ends its file. Throws PlatformError when
 // that is refused; Run.JobDirty then stays as it is.
 void SaveFileAs(const std::string& path);
+
+}  // namespace corvinade::core

@@ -9,6 +9,8 @@
 #include "core/platform.h"
 #include "core/text.h"
 
+namespace corvinade::core {
+
 namespace {
 
 // Texts of plain letters, nearly all names of points, are taken as they stand and without a detour.
@@ -118,7 +120,7 @@ void ByteSink::Refuse(const std::string& what) const {
 void ByteSink::PutLongText(std::string_view text) {
     const std::string encoded = EncodeText(text);
     if (encoded.size() > std::numeric_limits<std::int32_t>::max())
-        Refuse("a text of " + ::Bytes(encoded.size()) + " is too long");
+        Refuse("a text of " + core::Bytes(encoded.size()) + " is too long");
     Put(static_cast<std::int32_t>(encoded.size()));
     Bytes += encoded;
 }
@@ -126,7 +128,7 @@ void ByteSink::PutLongText(std::string_view text) {
 void ByteSink::PutShortText(std::string_view text) {
     const auto put = [this](std::string_view encoded) {
         if (encoded.size() > kLongestShortText)
-            Refuse("a text of " + ::Bytes(encoded.size()) + " is too long, " +
+            Refuse("a text of " + core::Bytes(encoded.size()) + " is too long, " +
                    std::to_string(kLongestShortText) + " is the most");
         Put(static_cast<std::uint16_t>(encoded.size()));
         Bytes += encoded;
@@ -168,3 +170,5 @@ void ByteSink::PutElements(const std::vector<TaggedValue>& values) {
     }
     Bytes.append(chunk.data(), used);
 }
+
+}  // namespace corvinade::core

@@ -11,6 +11,9 @@
 #include <vector>
 
 #include "core/arrays.h"
+#include "core/rooms.h"
+
+namespace corvinade::core {
 
 // Numbers are copied as they stand in memory.
 static_assert(std::endian::native == std::endian::little, "the job file is little-endian");
@@ -106,3 +109,5 @@ public:
     // Throws PlatformError: the job cannot be saved, for the reason that `what` gives.
     [[noreturn]] void Refuse(const std::string& what) const;
 };
+
+}  // namespace corvinade::core

@@ -6,6 +6,8 @@
 #include "core/controller.h"
 #include "core/numbers.h"
 
+namespace corvinade::core {
+
 namespace {
 
 constexpr JobVersion kLastWithoutFilters{1, 2, 40};
@@ -150,3 +152,5 @@ std::string JobVersionText(const JobVersion& version) {
 JobVersion ProgramJobVersion() {
     return ParseJobVersion(ProgramVersion());
 }
+
+}  // namespace corvinade::core

@@ -13,6 +13,9 @@
 #include <vector>
 
 #include "core/job.h"
+#include "core/rooms.h"
+
+namespace corvinade::core {
 
 struct JobVersion {
     std::int32_t Major = 0, Minor = 0, Revision = 0;
@@ -92,3 +95,5 @@ std::span<const JobField> JobFields();
 
 // Does a file of this version have the field? `job` is what has been read before it.
 bool HasField(const JobField& field, const JobVersion& version, const JobRecord& job);
+
+}  // namespace corvinade::core

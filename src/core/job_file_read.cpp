@@ -9,6 +9,8 @@
 #include "core/platform.h"
 #include "core/text.h"
 
+namespace corvinade::core {
+
 const char* const kNoJobFileQuestion =
     "This is not a Corvinade File.\r\n\r\n"
     "Click  YES  to try loading this file and \r\n\r\n"
@@ -253,3 +255,5 @@ JobFileContent ReadJobBytes(std::string_view bytes, const std::string& path, con
     }
     return content;
 }
+
+}  // namespace corvinade::core

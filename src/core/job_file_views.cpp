@@ -5,6 +5,8 @@
 
 #include "core/records.h"
 
+namespace corvinade::core {
+
 namespace {
 
 constexpr std::uint16_t kMostDimensions = 60;  // that an array of the file's author can have
@@ -208,3 +210,5 @@ void PutSavedViews(ByteSink& out, const JobRecord& job, const std::vector<std::s
             std::visit(PutField{out, job.SavedView[i], field.Array}, field.Place);
         }
 }
+
+}  // namespace corvinade::core

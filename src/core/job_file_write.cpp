@@ -8,6 +8,8 @@
 #include "core/job_file_bytes.h"
 #include "core/job_file_views.h"
 
+namespace corvinade::core {
+
 namespace {
 
 // Bytes that a job takes about; never much less, so that its bytes do not move while they are put together.
@@ -152,3 +154,5 @@ std::string JobFault(const JobLengths& is) {
     }
     return shorter("UseFlags", is.UseFlagsEnd, 3LL * is.Pairs);
 }
+
+}  // namespace corvinade::core

@@ -11,6 +11,8 @@
 #include "core/parameter_names.h"
 #include "core/text.h"
 
+namespace corvinade::core {
+
 void NoteMarks(const std::string& path) {
     if (IsTrue(Job.Unconverged))
         AddNote(NoteCode::NotConverged,
@@ -135,3 +137,5 @@ void NoteNotFinite(const std::string& path) {
                 "; whatever is computed from them is none either",
             path, 0, found.Count);
 }
+
+}  // namespace corvinade::core

@@ -3,6 +3,10 @@
 
 #include <string>
 
+#include "core/rooms.h"
+
+namespace corvinade::core {
+
 // After a job has been read from `path`, for all that goes on with its result: the notes of what it is marked
 // with, that it did not converge, that parameters are open, that a scale has collapsed.
 void NoteMarks(const std::string& path);
@@ -22,3 +26,5 @@ void NoteShortNames(const std::string& path);
 // vectors are infinite or no numbers. A file of points cannot bring such into a job, and what is computed
 // from them is nothing.
 void NoteNotFinite(const std::string& path);
+
+}  // namespace corvinade::core

@@ -6,6 +6,8 @@
 #include "core/numbers.h"
 #include "core/text.h"
 
+namespace corvinade::core {
+
 std::string LostDigits(std::string_view field) {
     const auto named = [&field] { return "The number \"" + Printable(field) + "\""; };
     // As many a 64-bit float gives back, whatever the number.
@@ -24,3 +26,5 @@ std::string LostDigits(std::string_view field) {
     if (Val(plain) != 0) return "";
     return named() + " is smaller than any that can be kept and counts as 0";
 }
+
+}  // namespace corvinade::core

@@ -4,6 +4,12 @@
 #include <string>
 #include <string_view>
 
+#include "core/rooms.h"
+
+namespace corvinade::core {
+
 // What of a number does not fit into a 64-bit float, as the text of a note: digits beyond the 17 that are
 // kept, or all of them where it is too small. "" for any other field.
 std::string LostDigits(std::string_view field);
+
+}  // namespace corvinade::core

@@ -5,6 +5,8 @@
 
 #include "fit/require.h"
 
+namespace corvinade::core {
+
 namespace {
 
 constexpr NoteKind kKinds[] = {
@@ -112,3 +114,5 @@ std::string NoteLine(const Note& note) {
 const char* SeverityName(Severity weight) {
     return weight == Severity::Warning ? "warning" : "note";
 }
+
+}  // namespace corvinade::core

@@ -8,6 +8,10 @@
 #include <string_view>
 #include <vector>
 
+#include "core/rooms.h"
+
+namespace corvinade::core {
+
 enum class NoteCode : std::uint8_t {
     // Of an import.
     NumberAsZero,          // a field that is no number counts as 0
@@ -107,3 +111,5 @@ bool HasWarnings();
 // "Cannot use ... (mcs.txt, line 7; 3 times)": the note as one line of text, without its severity.
 std::string NoteLine(const Note& note);
 const char* SeverityName(Severity weight);  // "note", "warning"
+
+}  // namespace corvinade::core

@@ -10,6 +10,8 @@
 #include "core/platform.h"
 #include "core/text.h"
 
+namespace corvinade::core {
+
 namespace {
 
 bool IsBlank(char c) {
@@ -256,3 +258,5 @@ std::int16_t ToInt16(double value, std::string_view what) {
 std::int32_t ToInt32(double value, std::string_view what) {
     return ToWhole<std::int32_t>(value, what);
 }
+
+}  // namespace corvinade::core

@@ -5,6 +5,10 @@
 #include <string>
 #include <string_view>
 
+#include "core/rooms.h"
+
+namespace corvinade::core {
+
 // The plain value conversion, independent of the system's settings: reads a number with "." as decimal
 // point from the start of the text, skips blanks, stops at the first character that cannot belong to
 // it, and gives 0 for a text without a number.
@@ -42,3 +46,5 @@ double Int(double value);
 // To a whole number, half to even. Throws PlatformError naming `what` outside the type's range.
 std::int16_t ToInt16(double value, std::string_view what);
 std::int32_t ToInt32(double value, std::string_view what);
+
+}  // namespace corvinade::core

@@ -3,6 +3,8 @@
 
 #include <vector>
 
+namespace corvinade::core {
+
 std::string NamesOf(const std::array<bool, kParameterEnd>& parameters) {
     std::vector<const char*> names;
     for (int k = kTraX; k < kParameterEnd; ++k)
@@ -21,3 +23,5 @@ const char* ParameterName(int parameter) {
         "Scale z", "Scale xyz", "xy",    "Azimuth", "z to xy", "R Dist", "R vec x", "R vec y", "R vec z"};
     return kNames[static_cast<std::size_t>(parameter)];
 }
+
+}  // namespace corvinade::core

@@ -9,7 +9,10 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
 #include "core/text_font.h"
+
+namespace corvinade::core {
 
 // An operation of the world around the program failed, or a text is no number where one must stand.
 // Ends the user's event that met it; one place catches it (Dispatch in core/window.h) and shows What,
@@ -98,3 +101,5 @@ char SystemDecimal();              // '.' or ','
 
 // Forces what was written to `file` onto the disk; false when the system reports a failure.
 bool FlushToDisk(std::FILE* file);
+
+}  // namespace corvinade::core

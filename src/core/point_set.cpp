@@ -6,6 +6,8 @@
 
 #include "fit/require.h"
 
+namespace corvinade::core {
+
 PointSet::PointSet() : PointSet(PointArrays{}) {}
 
 PointSet::PointSet(PointArrays arrays)
@@ -103,3 +105,5 @@ void PointSet::SpareCoordinates(int elements) {
     Y.values_.resize(size);
     Z.values_.resize(size);
 }
+
+}  // namespace corvinade::core

@@ -8,6 +8,9 @@
 #include <vector>
 
 #include "core/arrays.h"
+#include "core/rooms.h"
+
+namespace corvinade::core {
 
 // One column of a set, element 0 unused. Its elements may be changed, its length is that of the set.
 template <class Value>
@@ -127,3 +130,5 @@ auto WithColumn(Set& set, PointPart part, Use use) {
     }
     return use(set.Z);
 }
+
+}  // namespace corvinade::core

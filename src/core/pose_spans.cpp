@@ -7,6 +7,8 @@
 #include "core/job.h"
 #include "core/run.h"
 
+namespace corvinade::core {
+
 void FindPoseSpans() {
     const Matrix& angles = Job.RobotABC;
     std::array<double, 3> lowest{}, highest{};
@@ -25,3 +27,5 @@ void FindPoseSpans() {
     Run.SpanB = highest[1] - lowest[1];
     Run.SpanC = highest[2] - lowest[2];
 }
+
+}  // namespace corvinade::core

@@ -7,6 +7,8 @@
 #include "core/settings.h"
 #include "core/units.h"
 
+namespace corvinade::core {
+
 namespace {
 
 const RecordEntry kOtherRecords[] = {
@@ -228,3 +230,5 @@ const RecordEntry* FindRecord(std::string_view name) {
             if (name == entry.Name) return &entry;
     return nullptr;
 }
+
+}  // namespace corvinade::core

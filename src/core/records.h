@@ -13,7 +13,10 @@
 #include "core/arrays.h"
 #include "core/job.h"
 #include "core/notes.h"
+#include "core/rooms.h"
 #include "core/screen_record.h"
+
+namespace corvinade::core {
 
 // Fixed arrays inside a record.
 struct TextRow {
@@ -101,3 +104,5 @@ struct FlagField {
     FlagFieldPlace Place;
 };
 std::span<const FlagField> FlagFields();
+
+}  // namespace corvinade::core

@@ -6,6 +6,9 @@
 #include <string>
 
 #include "core/arrays.h"
+#include "core/rooms.h"
+
+namespace corvinade::core {
 
 // Stands for the unnamed job; a fixed text, never the path of a file.
 inline constexpr const char* kDefaultJobPath = "..\\default.cvn";
@@ -41,3 +44,5 @@ struct RunRecord {
     std::string LastPlatformError;    // text of the last error that ended a handler
 };
 inline RunRecord Run;
+
+}  // namespace corvinade::core

@@ -6,6 +6,9 @@
 #include <vector>
 
 #include "core/arrays.h"
+#include "core/rooms.h"
+
+namespace corvinade::core {
 
 // One flag of a graphics window: a small table that belongs to a point. The same fields hold the
 // defaults of a new flag in the settings.
@@ -76,3 +79,5 @@ struct ScreenRecord {
     // Empty: as told above.
     ArrayShape RotAnglesShape, FlagIndexShape, FlagsShape, LineTableShape;
 };
+
+}  // namespace corvinade::core

@@ -12,6 +12,8 @@
 #include "core/text.h"
 #include "fit/require.h"
 
+namespace corvinade::core {
+
 namespace {
 
 constexpr std::string_view kLastEntry = "[LastEntry]";
@@ -276,3 +278,5 @@ int LoadColWidth(std::initializer_list<std::string> keys, int otherwise) {
         }
     return width >= 1 && width <= kMost ? static_cast<int>(width) : otherwise;
 }
+
+}  // namespace corvinade::core

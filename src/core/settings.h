@@ -11,8 +11,11 @@
 #include <vector>
 
 #include "core/arrays.h"
+#include "core/rooms.h"
 #include "core/screen_record.h"
 #include "core/window.h"
+
+namespace corvinade::core {
 
 struct SettingsRecord {
     // Global
@@ -127,3 +130,5 @@ bool IsFirstPlace(const WindowPlace& place, std::string_view name);
 // as 1000 here too, a value that is no width as `otherwise`.
 inline constexpr int kMissingColWidth = 1000;
 int LoadColWidth(std::initializer_list<std::string> keys, int otherwise);
+
+}  // namespace corvinade::core

@@ -8,6 +8,8 @@
 #include "core/units.h"
 #include "fit/require.h"
 
+namespace corvinade::core {
+
 namespace {
 
 SettingsRecord& S = Settings;
@@ -222,3 +224,5 @@ std::string DefaultSettingsText() {
     }
     return text;
 }
+
+}  // namespace corvinade::core

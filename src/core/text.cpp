@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstring>
 
+namespace corvinade::core {
+
 namespace {
 
 // Code points of the bytes 0x80 to 0x9F in Windows-1252; its five unused codes map to themselves.
@@ -222,3 +224,5 @@ std::string Zerpflück(std::string& line, char delimiter) {
     line.erase(0, line.size() - rest.size());
     return field;
 }
+
+}  // namespace corvinade::core

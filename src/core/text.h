@@ -5,6 +5,10 @@
 #include <string>
 #include <string_view>
 
+#include "core/rooms.h"
+
+namespace corvinade::core {
+
 inline constexpr const char* kLineEnd = "\r\n";
 
 bool IsAscii(std::string_view bytes);
@@ -49,3 +53,5 @@ std::string Zerpflück(std::string& line, char delimiter);
 // The same without copies: `line` is shortened, the result points into it, or into `scratch` where a
 // character had to vanish.
 std::string_view CutField(std::string_view& line, char delimiter, std::string& scratch);
+
+}  // namespace corvinade::core

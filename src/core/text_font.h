@@ -3,6 +3,10 @@
 
 #include <string>
 
+#include "core/rooms.h"
+
+namespace corvinade::core {
+
 inline constexpr float kLeastFontSize = 1, kLargestFontSize = 200;  // points
 
 struct TextFont {
@@ -11,3 +15,5 @@ struct TextFont {
     bool Bold = false, Italic = false, Underline = false, Strikethrough = false;
     bool operator==(const TextFont&) const = default;
 };
+
+}  // namespace corvinade::core

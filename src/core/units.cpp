@@ -9,6 +9,8 @@
 #include "core/settings.h"
 #include "core/text.h"
 
+namespace corvinade::core {
+
 namespace {
 
 constexpr UnitRow kLengthUnits[] = {{"millimeter", 1, {"mm", "millimeter"}, 1000, " millimeter per meter"},
@@ -103,3 +105,5 @@ double GradMinSekToZahl(std::string text) {
 std::string SaveWinkelZurück(const std::string& text) {
     return IsItGradMinSek(text) ? PlainText(GradMinSekToZahl(text)) : text;
 }
+
+}  // namespace corvinade::core

@@ -7,7 +7,10 @@
 #include <string>
 
 #include "core/arrays.h"
+#include "core/rooms.h"
 #include "fit/angles.h"
+
+namespace corvinade::core {
 
 struct UnitsRecord {
     double LengthFactor = 1;         // mm to the shown unit
@@ -56,3 +59,5 @@ double GradMinSekToZahl(std::string text);
 // Makes a number text of an angle input: decimal degrees for a degree minute second text, else the
 // text itself.
 std::string SaveWinkelZurück(const std::string& text);
+
+}  // namespace corvinade::core

@@ -13,6 +13,8 @@
 #include "core/settings.h"
 #include "fit/require.h"
 
+namespace corvinade::core {
+
 namespace {
 
 Control Make(ControlKind kind, std::string text) {
@@ -327,3 +329,5 @@ BusyPointer::BusyPointer() {
 BusyPointer::~BusyPointer() {
     --Run.WaitPointers;
 }
+
+}  // namespace corvinade::core

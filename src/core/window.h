@@ -11,6 +11,9 @@
 #include <vector>
 
 #include "core/grid.h"
+#include "core/rooms.h"
+
+namespace corvinade::core {
 
 enum class ControlKind : std::uint8_t {
     Button,
@@ -182,3 +185,5 @@ public:
     BusyPointer(const BusyPointer&) = delete;
     BusyPointer& operator=(const BusyPointer&) = delete;
 };
+
+}  // namespace corvinade::core

@@ -16,6 +16,8 @@
 #include "fit/normal_equations.h"
 #include "fit/require.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 using ParameterTexts = std::array<std::string, 18>;
@@ -144,3 +146,5 @@ void IterateFromHere(int u, int n, const ParameterTexts& ParamText, Matrix& Q, G
     TakeFit(run);
     if (!Adjustment.JobChanged) TellOfLimit();
 }
+
+}  // namespace corvinade::engine

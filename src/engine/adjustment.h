@@ -6,12 +6,15 @@
 #include <string>
 
 #include "core/arrays.h"
+#include "core/rooms.h"
 #include "engine/design.h"
 #include "engine/gathered_points.h"
 #include "engine/job_fit.h"
 #include "fit/adjustment.h"
 #include "fit/moments.h"
 #include "fit/statistics.h"
+
+namespace corvinade::engine {
 
 // How the last run of the adjustment went, and what outlives a run.
 struct AdjustmentRecord {
@@ -70,3 +73,5 @@ void SettleHere(int u, int n, const std::array<std::string, 18>& ParamText, Matr
 // The same fit of points and their moments, without residuals. For models that MomentsServe.
 void IterateFromHere(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q,
                      GatheredPoints& points, FitOnMoments& fit);
+
+}  // namespace corvinade::engine

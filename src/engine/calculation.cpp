@@ -27,6 +27,8 @@
 #include "engine/transform.h"
 #include "fit/vector.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 std::size_t At(int i) {
@@ -284,3 +286,5 @@ void ButtonCalcErsatz() {
     Run.JobDirty = kTrue;
     ProgrammLogik();
 }
+
+}  // namespace corvinade::engine

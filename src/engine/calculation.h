@@ -5,6 +5,9 @@
 #include <cstdint>
 
 #include "core/arrays.h"
+#include "core/rooms.h"
+
+namespace corvinade::engine {
 
 struct CalculationRecord {
     Matrix Q;     // nFloat by nFloat, inverse of the normal matrix
@@ -52,3 +55,5 @@ void MarkResult(bool converged);
 // The transformed start points of the present parameters: with `v` the pairs are the targets plus their
 // residuals, without it they go through the chain as all points without partner do.
 void TransformAllPoints(const Column* v);
+
+}  // namespace corvinade::engine

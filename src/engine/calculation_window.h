@@ -7,7 +7,10 @@
 
 #include "core/arrays.h"
 #include "core/job.h"
+#include "core/rooms.h"
 #include "engine/form_trafo_berechnung.h"
+
+namespace corvinade::engine {
 
 // Survives from one calculation to the next, and the window's closing.
 struct CalculationWindowRecord {
@@ -138,3 +141,5 @@ public:
 // when it closes. A width in the settings that is none counts as 900 twips.
 void PreparePointTable();
 void SchreibeTabellenSpalteBreite_in_ini();
+
+}  // namespace corvinade::engine

@@ -19,6 +19,8 @@
 #include "engine/selection.h"
 #include "fit/coordinate_forms.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 std::size_t At(int i) {
@@ -239,3 +241,5 @@ void ReportToClipboard() {
     }
     ToClipboard(text);
 }
+
+}  // namespace corvinade::engine

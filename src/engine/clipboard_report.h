@@ -3,6 +3,10 @@
 
 #include <string>
 
+#include "core/rooms.h"
+
+namespace corvinade::engine {
+
 // The text of the mode that Settings.ClipboardValue names, on the clipboard; nothing in the modes that have
 // none, and nothing without a calculation of this job. Reads the job, the last calculation and Selection;
 // shows a message where the clipboard refuses.
@@ -28,3 +32,5 @@ std::string BmwParameters();
 // The translation, the negated rotation in reversed order, with Settings.AdTCP the negated tool vector, and
 // a comment on what all that is.
 std::string KukaParameters();
+
+}  // namespace corvinade::engine

@@ -4,6 +4,8 @@
 #include "core/job.h"
 #include "core/settings.h"
 
+namespace corvinade::engine {
+
 double Threshold() {
     return Settings.BestFit_Etta == 0 ? 1e-9 : Settings.BestFit_Etta;
 }
@@ -13,3 +15,5 @@ void AddCorrections(const FitModel& model, const Column& x) {
     AddCorrections(model, x, parameters);
     PutParameters(parameters, Job);
 }
+
+}  // namespace corvinade::engine

@@ -5,6 +5,8 @@
 #include "engine/selection.h"
 #include "engine/transform.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 using ParameterTexts = std::array<std::string, 18>;
@@ -58,3 +60,5 @@ void Linearise(const FitModel& model, const GatheredPoints& points, Linearisatio
     Job.RotZCopy = Job.RotZ;
     Linearise(model, ParametersOf(Job), points, Chain, at);
 }
+
+}  // namespace corvinade::engine

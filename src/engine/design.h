@@ -4,8 +4,11 @@
 #include <array>
 #include <string>
 
+#include "core/rooms.h"
 #include "engine/gathered_points.h"
 #include "fit/design.h"
+
+namespace corvinade::engine {
 
 // Number of unknowns of a parameter choice. The tool vector floats only when all its three parts do.
 int CountUnknowns(const std::array<std::string, 18>& ParamText);
@@ -19,3 +22,5 @@ FitMode ChooseMode(const std::array<std::string, 18>& ParamText);
 // Reads the job's parameters; writes Job.RotXCopy, RotYCopy, RotZCopy and Chain.
 Linearisation Linearise(const FitModel& model, const GatheredPoints& points);
 void Linearise(const FitModel& model, const GatheredPoints& points, Linearisation& at);
+
+}  // namespace corvinade::engine

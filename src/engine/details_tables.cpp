@@ -7,6 +7,8 @@
 #include "core/numbers.h"
 #include "engine/parameter_kind.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 // Labels of the inverse, and what parameter each row is: first the shift, then the nine columns of a
@@ -105,3 +107,5 @@ Cells MonteCarloCells(const SolutionDetails& details) {
     }
     return cells;
 }
+
+}  // namespace corvinade::engine

@@ -4,7 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
 #include "engine/solution_details.h"
+
+namespace corvinade::engine {
 
 using Cells = std::vector<std::vector<std::string>>;
 
@@ -21,3 +24,5 @@ Cells InverseCells(const SolutionDetails& details);
 
 // A heading and 18 rows of label and sigma; all empty while there are no complete runs.
 Cells MonteCarloCells(const SolutionDetails& details);
+
+}  // namespace corvinade::engine

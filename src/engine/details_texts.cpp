@@ -7,6 +7,8 @@
 #include "engine/details_tables.h"
 #include "engine/parameter_kind.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 std::string Line(const std::vector<std::string>& cells) {
@@ -95,3 +97,5 @@ std::string DetailsText(const SolutionDetails& details) {
     return text + QuaternionText(details) + Line({"last MonteCarlo - sigma of parameter"}) +
            MonteCarloText(details);
 }
+
+}  // namespace corvinade::engine

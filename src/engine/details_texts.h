@@ -5,7 +5,10 @@
 
 #include <string>
 
+#include "core/rooms.h"
 #include "engine/solution_details.h"
+
+namespace corvinade::engine {
 
 std::string RotationMatrixText(const SolutionDetails& details);
 std::string AffineMatrixText(const SolutionDetails& details);
@@ -18,3 +21,5 @@ std::string MonteCarloText(const SolutionDetails& details);  // likewise
 
 // All of them, one behind the other.
 std::string DetailsText(const SolutionDetails& details);
+
+}  // namespace corvinade::engine

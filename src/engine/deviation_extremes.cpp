@@ -4,6 +4,8 @@
 #include "engine/calculation.h"
 #include "fit/vector.h"
 
+namespace corvinade::engine {
+
 Extremes FindExtremes() {
     const auto At = [](int i) { return static_cast<std::size_t>(i); };
     Extremes found;
@@ -35,3 +37,5 @@ Extremes FindExtremes() {
     }
     return found;
 }
+
+}  // namespace corvinade::engine

@@ -3,6 +3,10 @@
 
 #include <array>
 
+#include "core/rooms.h"
+
+namespace corvinade::engine {
+
 // By axis and of whole points, mm. Points are numbered as pairs; 0 where no coordinate takes part, the value
 // then being that which the search begins with. Of equal deviations the first point stands.
 struct Extremes {
@@ -14,3 +18,5 @@ struct Extremes {
 
 // Reads the residuals and weights of Calculation.
 Extremes FindExtremes();
+
+}  // namespace corvinade::engine

@@ -10,6 +10,8 @@
 #include "engine/transform.h"
 #include "fit/vector.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 // Puts the parameters back that the start values replace.
@@ -57,3 +59,5 @@ std::string PairThatStartsOnItsTarget() {
         if (InUse(pair) && OnItsTarget(pair)) return Job.Start.Name[static_cast<std::size_t>(pair)];
     return "";
 }
+
+}  // namespace corvinade::engine

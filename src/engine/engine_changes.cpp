@@ -3,6 +3,8 @@
 
 #include "engine/calculation_window.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 bool WindowIsOpen() {
@@ -32,3 +34,5 @@ constexpr ChangeRow kChanges[] = {
 std::span<const ChangeRow> EngineChanges() {
     return kChanges;
 }
+
+}  // namespace corvinade::engine

@@ -4,5 +4,10 @@
 #include <span>
 
 #include "core/changes.h"
+#include "core/rooms.h"
+
+namespace corvinade::engine {
 
 std::span<const ChangeRow> EngineChanges();
+
+}  // namespace corvinade::engine

@@ -8,6 +8,8 @@
 #include "engine/monte_carlo.h"
 #include "engine/norms.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 const RecordEntry kRecords[] = {
@@ -47,3 +49,5 @@ const RecordEntry kRecords[] = {
 std::span<const RecordEntry> EngineRecords() {
     return kRecords;
 }
+
+}  // namespace corvinade::engine

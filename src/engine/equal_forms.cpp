@@ -4,6 +4,8 @@
 #include "core/job.h"
 #include "core/notes.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 void TakeCopies() {
@@ -31,3 +33,5 @@ bool TakePositiveForm(const FitModel& model, Matrix& Q) {
             "The result with negative scales is shown in its equal form with positive scales");
     return true;
 }
+
+}  // namespace corvinade::engine

@@ -1,8 +1,11 @@
 // The job's result in the neatest of its equal forms.
 #pragma once
 
+#include "core/rooms.h"
 #include "engine/design.h"
 #include "fit/equal_forms.h"
+
+namespace corvinade::engine {
 
 // NiceRotSol for the result of a fit, with Q (TakeNicerRotation). Writes the rotation's copies too.
 void NiceRotSolOfFit(const FitModel& model, Matrix& Q);
@@ -10,3 +13,5 @@ void NiceRotSolOfFit(const FitModel& model, Matrix& Q);
 // Takes the job's parameters from a form with a negative scale to the equal one without, if there is one, and
 // says so in a note. False, and nothing is changed, where there is none.
 bool TakePositiveForm(const FitModel& model, Matrix& Q);
+
+}  // namespace corvinade::engine

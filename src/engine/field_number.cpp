@@ -12,6 +12,8 @@
 #include "core/units.h"
 #include "engine/selection.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 bool IsNumber(const std::string& text) {
@@ -91,3 +93,5 @@ void NoteHeldTexts() {
         if (starts && Selection.SeedText[at] != kFloat) look(k, " starts from \"", Selection.SeedText[at]);
     }
 }
+
+}  // namespace corvinade::engine

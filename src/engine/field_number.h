@@ -3,6 +3,10 @@
 
 #include <string>
 
+#include "core/rooms.h"
+
+namespace corvinade::engine {
+
 // The number of a field's text, as tolerant as a field has to be: with the system's decimal delimiter,
 // else with the other one, else the number with "." that the text begins with, else 0.
 double FieldNumber(const std::string& text);
@@ -29,3 +33,5 @@ void NoteHeldTexts();
 
 // The first of these parameters; 0 where there is none.
 int FirstHeldText();
+
+}  // namespace corvinade::engine

@@ -10,6 +10,8 @@
 #include "engine/parameter_kind.h"
 #include "engine/result_notes.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 // What the words of a norm's remarks are.
@@ -124,3 +126,5 @@ void NoteRemarks(const NormRun& run) {
                 break;
         }
 }
+
+}  // namespace corvinade::engine

@@ -16,6 +16,8 @@
 #include "engine/transform.h"
 #include "fit/matrix.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;
@@ -159,3 +161,5 @@ void FormTrafoBerechnung::BtnShowAlternativeRottAff_Click() {
     InvertedSolutions(MatrixProduct(R, A), affine, scaled, list);
     if (const int next = SuccessorOfShownRow(list); next != 0) TakeRow(list, next);
 }
+
+}  // namespace corvinade::engine

@@ -14,6 +14,8 @@
 #include "engine/selection.h"
 #include "fit/require.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;
@@ -380,3 +382,5 @@ void INI_Formtrafoberechnung() {
     CalculationWindow.AngleFactor = Units.AngleFactor;
     TabelleFüllenNeu();
 }
+
+}  // namespace corvinade::engine

@@ -4,9 +4,12 @@
 
 #include <span>
 
+#include "core/rooms.h"
 #include "core/window.h"
 #include "engine/parameter_kind.h"
 #include "engine/point_table.h"
+
+namespace corvinade::engine {
 
 struct FormTrafoBerechnung {
     WindowState Window{.Caption = "Transformation"};
@@ -193,3 +196,5 @@ private:
 };
 inline FormTrafoBerechnung TrafoWindow;
 extern const WindowEntry FormTrafoBerechnung_Entry;
+
+}  // namespace corvinade::engine

@@ -8,6 +8,8 @@
 #include "engine/details_tables.h"
 #include "engine/details_texts.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 FormTrafoDetails& w = DetailsWindow;
@@ -160,3 +162,5 @@ void FormTrafoDetails::BtnOK_Click() {
     SettingsSchreiben({"CheckForGimbalLock"});
     UnloadWindow("FormTrafoDetails");
 }
+
+}  // namespace corvinade::engine

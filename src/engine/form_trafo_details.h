@@ -2,8 +2,11 @@
 // and the spread of the last Monte Carlo runs. It shows what stood when it was filled.
 #pragma once
 
+#include "core/rooms.h"
 #include "core/window.h"
 #include "engine/solution_details.h"
+
+namespace corvinade::engine {
 
 struct FormTrafoDetails {
     WindowState Window{.Caption = "Details"};
@@ -51,3 +54,5 @@ void DetailFormFuellen();
 
 // Opens the window; one that is open already is filled again.
 void ShowDetails();
+
+}  // namespace corvinade::engine

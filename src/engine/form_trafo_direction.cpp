@@ -7,6 +7,8 @@
 #include "core/run.h"
 #include "engine/calculation_window.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;
@@ -53,3 +55,5 @@ void MCS_OCS() {
     Run.JobDirty = kTrue;
     Changed(What::Counts | What::State);
 }
+
+}  // namespace corvinade::engine

@@ -13,6 +13,8 @@
 #include "engine/selection.h"
 #include "fit/require.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;
@@ -394,3 +396,5 @@ void TakeSelection() {
     Selection = taken;
     Job.ParamText = slots;
 }
+
+}  // namespace corvinade::engine

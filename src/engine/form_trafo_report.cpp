@@ -19,6 +19,8 @@
 #include "engine/result_notes.h"
 #include "engine/selection.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;
@@ -253,3 +255,5 @@ void CalculationWindow_UnitsChanged() {
     }
     TabelleFüllenNeu();
 }
+
+}  // namespace corvinade::engine

@@ -16,6 +16,8 @@
 #include "engine/seed.h"
 #include "engine/selection.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;
@@ -172,3 +174,5 @@ void FormTrafoBerechnung::BtnDetails_Click() {
     const BusyPointer busy;
     ShowDetails();
 }
+
+}  // namespace corvinade::engine

@@ -10,6 +10,8 @@
 #include "engine/calculation_window.h"
 #include "engine/seed.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;
@@ -93,3 +95,5 @@ void FormTrafoBerechnung::BtnUseAllPts_Click() {
     }
     Changed(What::Use);
 }
+
+}  // namespace corvinade::engine

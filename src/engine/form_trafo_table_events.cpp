@@ -10,6 +10,8 @@
 #include "engine/field_number.h"
 #include "engine/seed.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;
@@ -200,3 +202,5 @@ void FormTrafoBerechnung::TextMinDevYPkt_DblClick() {
 void FormTrafoBerechnung::TextMinDevZPkt_DblClick() {
     SwitchNamed(w.TextMinDevZPkt, "Z");
 }
+
+}  // namespace corvinade::engine

@@ -7,6 +7,8 @@
 #include "core/job.h"
 #include "fit/gathering.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 std::size_t At(int i) {
@@ -38,3 +40,5 @@ void GatherPoints(const Column& P, bool poses, GatheredPoints& points) {
     }
     if (poses) GatherPosesOfJob(points);
 }
+
+}  // namespace corvinade::engine

@@ -5,6 +5,8 @@
 #include "engine/inverted_solutions.h"
 #include "fit/inverse.h"
 
+namespace corvinade::engine {
+
 void InverseTransformation() {
     const InverseMatrix inverse = InverseOf(ParametersOf(Job));
     Inverse.InvMatrix = inverse.Linear;
@@ -16,3 +18,5 @@ void InverseTransformation() {
     const bool anyScale = Job.ScaleX != 1 || Job.ScaleY != 1 || Job.ScaleZ != 1 || Job.ScaleXYZ != 1;
     InvertedSolutions(inverse.Linear, anyShear, anyScale, Inverse.InvSolutions);
 }
+
+}  // namespace corvinade::engine

@@ -2,6 +2,9 @@
 #pragma once
 
 #include "core/arrays.h"
+#include "core/rooms.h"
+
+namespace corvinade::engine {
 
 // x = InvMatrix X + (InvTraX, InvTraY, InvTraZ) leads back from the target system to the start system.
 struct InverseRecord {
@@ -19,3 +22,5 @@ inline InverseRecord Inverse;
 // transformation gives huge values and no failure.
 // Reads Job.TraX to AngleZtoXY; writes Inverse.
 void InverseTransformation();
+
+}  // namespace corvinade::engine

@@ -5,18 +5,22 @@
 #include "core/units.h"
 #include "fit/angles.h"
 
+namespace corvinade::engine {
+
 double ChooseAngleBySinCos(double s, double c) {
-    return ChooseAngleBySinCos(s, c, Units.AngleFactor);
+    return fit::ChooseAngleBySinCos(s, c, Units.AngleFactor);
 }
 
 void DecomposeShear(const Mat3& K, Vec3& first, Vec3& second) {
-    DecomposeShear(K, Units.AngleFactor, first, second);
+    fit::DecomposeShear(K, Units.AngleFactor, first, second);
 }
 
 void InvertedSolutions(const Mat3& W, bool anyShear, bool anyScale, Matrix& list) {
-    list = InvertedSolutions(W, anyShear, anyScale, Units.AngleFactor);
+    list = fit::InvertedSolutions(W, anyShear, anyScale, Units.AngleFactor);
     if (list.Rows < 1)
         ShowMessage(
             "No inverted Solutions found. Notice: A transformation with any scale in a SEPPARATE Axis does "
             "not have an inverted solution!");
 }
+
+}  // namespace corvinade::engine

@@ -20,6 +20,8 @@
 #include "engine/selection.h"
 #include "engine/transform.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 // What the program does with what it hears.
@@ -158,3 +160,5 @@ void TakeFit(const FitRun& run) {
     Job.RotYCopy = y;
     Job.RotZCopy = z;
 }
+
+}  // namespace corvinade::engine

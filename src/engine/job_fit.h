@@ -1,8 +1,11 @@
 // From the job to a fit of its points, and back.
 #pragma once
 
+#include "core/rooms.h"
 #include "fit/fit_run.h"
 #include "fit/norm_run.h"
+
+namespace corvinade::engine {
 
 // A fit that begins at the job's parameters, by the limits of the settings. Its listener is the program: it
 // shows each pass, and each round of the norm's loop, in the status bar and on the clipboard, puts the
@@ -17,3 +20,5 @@ FitRun BeginQuietFitOfJob();
 // What the fit leaves: the job's parameters, the copies of the angles, `Chain`, and `Adjustment` apart from
 // its model. Nothing of a fit that was abandoned but that mark.
 void TakeFit(const FitRun& run);
+
+}  // namespace corvinade::engine

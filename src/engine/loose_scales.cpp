@@ -11,6 +11,8 @@
 #include "fit/small_svd.h"
 #include "fit/statistics.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 std::size_t At(int i) {
@@ -157,3 +159,5 @@ LooseScales FindLooseScales(const NormFit& fit, const FitModel& model, const Lin
     loose.Of[kAzimuth] = loose.Of[kAngleZtoXY] && model.UnknownOf[kAzimuth] != 0;
     return loose;
 }
+
+}  // namespace corvinade::engine

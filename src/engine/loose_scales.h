@@ -3,8 +3,11 @@
 
 #include <array>
 
+#include "core/rooms.h"
 #include "engine/norms.h"
 #include "fit/design.h"
+
+namespace corvinade::engine {
 
 struct LooseScales {
     std::array<bool, kParameterEnd> Of{};  // by parameter number
@@ -22,3 +25,5 @@ struct LooseScales {
 //   robust  the norm lets gross errors stand aside: pairs that deviate twenty times as much as the middle one
 //           have no part in it
 LooseScales FindLooseScales(const NormFit& fit, const FitModel& model, const Linearisation& at, bool robust);
+
+}  // namespace corvinade::engine

@@ -10,6 +10,8 @@
 #include "fit/statistics.h"
 #include "fit/vector.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 constexpr double kDigits = 64 * 2.220446049250313e-16;
@@ -375,3 +377,5 @@ std::vector<LooseTurn> FindLooseTurns(const GatheredPoints& points, const FitMod
         if (loose.empty() || every == 1) return loose;
     }
 }
+
+}  // namespace corvinade::engine

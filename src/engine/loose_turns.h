@@ -5,8 +5,11 @@
 #include <array>
 #include <vector>
 
+#include "core/rooms.h"
 #include "engine/design.h"
 #include "engine/gathered_points.h"
+
+namespace corvinade::engine {
 
 struct LooseTurn {
     bool Open = false;  // whatever the turn is, the sum of the squares is the same, but for rounding
@@ -26,3 +29,5 @@ struct LooseTurn {
 // one of s |w x f| / C, the norms over all points; the larger of both is Sigma.
 std::vector<LooseTurn> FindLooseTurns(const GatheredPoints& points, const FitModel& model,
                                       const Linearisation& at, bool robust);
+
+}  // namespace corvinade::engine

@@ -24,6 +24,8 @@
 #include "fit/repeated_fit.h"
 #include "fit/require.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 std::size_t At(int i) {
@@ -286,3 +288,5 @@ std::span<const double> MonteCarloArray(int k) {
     Require(k >= 1 && k <= results.Rows);
     return {results.Row(k), At(results.Columns) + 1};
 }
+
+}  // namespace corvinade::engine

@@ -9,8 +9,11 @@
 #include "core/arrays.h"
 #include "core/form_progress_bar.h"
 #include "core/job.h"
+#include "core/rooms.h"
 #include "core/window.h"
 #include "engine/norms.h"
+
+namespace corvinade::engine {
 
 // What the user sees while the runs last.
 struct MonteCarloShown {
@@ -77,3 +80,5 @@ double SigmaOfArray(std::span<const double> a);  // with the divisor n - 1
 
 // Array k of MCResults.
 std::span<const double> MonteCarloArray(int k);
+
+}  // namespace corvinade::engine

@@ -4,6 +4,8 @@
 #include "core/job.h"
 #include "fit/nice_rotation.h"
 
+namespace corvinade::engine {
+
 void NiceRotSol() {
     const std::optional<Vec3> angles = NicerRotation({Job.RotX, Job.RotY, Job.RotZ});
     if (!angles) return;
@@ -11,3 +13,5 @@ void NiceRotSol() {
     Job.RotY = Job.RotYCopy = (*angles)(2);
     Job.RotZ = Job.RotZCopy = (*angles)(3);
 }
+
+}  // namespace corvinade::engine

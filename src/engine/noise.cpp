@@ -1,6 +1,8 @@
 // The program's one source of noise.
 #include "engine/noise.h"
 
+namespace corvinade::engine {
+
 void SeedNoise(std::uint32_t seed) {
     SeedNoise(Noise, seed);
 }
@@ -12,3 +14,5 @@ double GaussNoise(double mean, double sigma) {
 void FillWithNoise(std::span<double> numbers) {
     FillWithNoise(Noise, numbers);
 }
+
+}  // namespace corvinade::engine

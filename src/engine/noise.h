@@ -2,10 +2,15 @@
 // time.
 #pragma once
 
+#include "core/rooms.h"
 #include "fit/noise.h"
+
+namespace corvinade::engine {
 
 inline NoiseRecord Noise;
 
 void SeedNoise(std::uint32_t seed);
 double GaussNoise(double mean, double sigma);
 void FillWithNoise(std::span<double> numbers);
+
+}  // namespace corvinade::engine

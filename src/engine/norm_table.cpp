@@ -10,6 +10,8 @@
 #include "engine/form_trafo_berechnung.h"
 #include "fit/require.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 void ShowRoundOfSum(double value, int rounds) {
@@ -122,3 +124,5 @@ std::vector<std::string> NormNames() {
 const char* NormsInWords() {
     return kWords;
 }
+
+}  // namespace corvinade::engine

@@ -8,9 +8,15 @@
 #include <string_view>
 #include <vector>
 
+#include "core/rooms.h"
 #include "fit/norm_run.h"
 
+namespace corvinade::core {
 struct Control;
+}
+
+namespace corvinade::engine {
+
 struct FormTrafoBerechnung;
 
 struct NormRow {
@@ -52,3 +58,5 @@ NormWish NormByName(std::string_view name);
 // All names of the command line, those of the exact norms last; and what its help says of them.
 std::vector<std::string> NormNames();
 const char* NormsInWords();
+
+}  // namespace corvinade::engine

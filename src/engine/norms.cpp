@@ -17,6 +17,8 @@
 #include "engine/monte_carlo.h"
 #include "engine/norm_table.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 // The job's side of a run: lends it what is gathered, and takes what it leaves.
@@ -116,3 +118,5 @@ bool FitInNorm(NormFit& fit) {
     if (done) SetStatus(2, "...ready");
     return done;
 }
+
+}  // namespace corvinade::engine

@@ -7,10 +7,13 @@
 #include <string>
 
 #include "core/arrays.h"
+#include "core/rooms.h"
 #include "engine/gathered_points.h"
 #include "engine/start_values.h"
 #include "fit/norm_run.h"
 #include "fit/norms.h"
+
+namespace corvinade::engine {
 
 // Of the last calculation. RunOn stays as it is from calculation to calculation.
 inline NormRecord Norm;
@@ -39,3 +42,5 @@ struct NormFit {
 // once, where the last fit has run into it. What the fit decided on its own becomes a note. Reads
 // Job.NormType and Job.UseFlags; writes Norm, Certificate, Adjustment, the job's parameters, panels 6 and 7.
 bool FitInNorm(NormFit& fit);
+
+}  // namespace corvinade::engine

@@ -4,6 +4,8 @@
 #include "core/numbers.h"
 #include "core/units.h"
 
+namespace corvinade::engine {
+
 std::string ShownAs(ParameterKind kind, double value) {
     if (kind == ParameterKind::Length) return ShownLength(value);
     return kind == ParameterKind::Angle ? ShownAngle(value) : FormatNumber(value, Units.FmtScale);
@@ -16,3 +18,5 @@ std::string ShownLength(double value_mm) {
 std::string ShownAngle(double value_rad) {
     return WinkelFormat(value_rad);
 }
+
+}  // namespace corvinade::engine

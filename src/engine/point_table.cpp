@@ -5,6 +5,8 @@
 #include "core/numbers.h"
 #include "core/window.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 constexpr int kGreen = 10, kYellow = 14, kWhite = 15;  // of the sixteen colours
@@ -133,3 +135,5 @@ std::int32_t PointTableBackColor(const PointTable& table, int row, int col) {
         if (!seed.empty() && seed == name) return QbColor(kGreen);
     return kSystemColour;
 }
+
+}  // namespace corvinade::engine

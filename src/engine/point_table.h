@@ -7,6 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
+
+namespace corvinade::engine {
+
 // Columns of the table. A use column stands three to the right of the deviation that it governs.
 enum PointColumn : int {
     kColName = 1,
@@ -54,3 +58,5 @@ int DeviationRow(const PointTable& table, int point);
 // Text and back colour of a cell. The numbers are formatted here, for one cell alone.
 std::string PointTableText(const PointTable& table, int row, int col);
 std::int32_t PointTableBackColor(const PointTable& table, int row, int col);
+
+}  // namespace corvinade::engine

@@ -20,6 +20,8 @@
 #include "core/units.h"
 #include "engine/calculation_window.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 constexpr int kPoseNumbers = 6;  // x y z a b c
@@ -192,3 +194,5 @@ void FormTrafoBerechnung::BtnLoadRData_Click() {
         {"Points with orientation: x y z a b c", "Text files|*.txt;*.dat;*.csv|All files|*.*", "", ""});
     if (path && Run.JobGeneration == generation) LoadPoses(*path);
 }
+
+}  // namespace corvinade::engine

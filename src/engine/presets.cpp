@@ -6,6 +6,8 @@
 #include "core/job.h"
 #include "engine/form_trafo_berechnung.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 constexpr int kLevel[] = {kRotZ, kTraX, kTraY, kTraZ};
@@ -58,3 +60,5 @@ std::vector<std::string> PresetNames() {
 const char* PresetsInWords() {
     return kWords;
 }
+
+}  // namespace corvinade::engine

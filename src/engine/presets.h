@@ -5,7 +5,14 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
+
+namespace corvinade::core {
 struct Control;
+}
+
+namespace corvinade::engine {
+
 struct FormTrafoBerechnung;
 
 struct PresetRow {
@@ -29,3 +36,5 @@ bool SelectPreset(const std::string& name);
 // All names, and what the help of the command line says of them.
 std::vector<std::string> PresetNames();
 const char* PresetsInWords();
+
+}  // namespace corvinade::engine

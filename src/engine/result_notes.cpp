@@ -22,6 +22,8 @@
 #include "fit/small_svd.h"
 #include "fit/statistics.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 std::size_t At(int i) {
@@ -387,3 +389,5 @@ void NoteResult(const NormFit& fit) {
                 "look for names that are exchanged or an axis that points the other way");
     NoteRedundancy(fit, model);
 }
+
+}  // namespace corvinade::engine

@@ -5,7 +5,10 @@
 #include <string>
 
 #include "core/parameter_names.h"
+#include "core/rooms.h"
 #include "engine/norms.h"
+
+namespace corvinade::engine {
 
 // Notes of parameters that the points leave open, of gimbal lock, of a scale that has gone to 0, of a
 // mirrored result and of missing redundancy. Takes the sigma and the significance of open parameters from
@@ -26,3 +29,5 @@ inline constexpr const char* kOpenSignificance = "open";
 
 // "Rot x, Tra y and Tra z": the unknowns that are left open; "" where there are none.
 std::string NamesLeftOpen();
+
+}  // namespace corvinade::engine

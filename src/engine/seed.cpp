@@ -12,6 +12,8 @@
 #include "engine/selection.h"
 #include "fit/require.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 // The pair that stands as seed k. Where no seed has been chosen, or the pairs have become fewer since,
@@ -120,3 +122,5 @@ void SeedsFromResult() {
             Selection.SeedText[k] = ShownAs(KindOf(parameter), ParameterValue(Job, parameter));
     }
 }
+
+}  // namespace corvinade::engine

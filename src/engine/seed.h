@@ -3,8 +3,11 @@
 
 #include <string>
 
+#include "core/rooms.h"
 #include "fit/seed.h"
 #include "fit/start_values.h"
+
+namespace corvinade::engine {
 
 // The seed points of the job. Reads the job's points, use flags and Settings.RawScale.
 SeedPoints TakeSeedPoints();
@@ -37,3 +40,5 @@ void TakeAsNewestSeed(int pair);
 // Turns the last result into start values: every parameter whose field holds a value gives its seed
 // field the job's present value in the shown unit and format, and so does the distance.
 void SeedsFromResult();
+
+}  // namespace corvinade::engine

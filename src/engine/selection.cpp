@@ -5,6 +5,8 @@
 
 #include "core/job.h"
 
+namespace corvinade::engine {
+
 bool ToolVectorGoverns(const std::array<std::string, 18>& ParamText) {
     return std::any_of(&ParamText[kRvecX], &ParamText[kRvecZ] + 1,
                        [](const std::string& text) { return !text.empty() && text != kNotUsed; });
@@ -20,3 +22,5 @@ void SelectionFromJob() {
     Selection.CheckUseABC = Selection.Float[kRvecX] && Selection.Float[kRvecY] && Selection.Float[kRvecZ];
     Selection.RDistShown = !ToolVectorGoverns(Job.ParamText);
 }
+
+}  // namespace corvinade::engine

@@ -5,6 +5,10 @@
 #include <array>
 #include <string>
 
+#include "core/rooms.h"
+
+namespace corvinade::engine {
+
 // Indices 1 to 17 as in `ParamText`; index 0 is unused.
 struct SelectionRecord {
     bool DialogOpen = false;       // the user's own start values apply only while the window is open
@@ -24,3 +28,5 @@ bool ToolVectorGoverns(const std::array<std::string, 18>& ParamText);
 
 // Where no window chooses: what Job.ParamText says, without start values of the user's own.
 void SelectionFromJob();
+
+}  // namespace corvinade::engine

@@ -5,6 +5,8 @@
 #include "engine/inverse.h"
 #include "engine/transform.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 void SetSpread(SolutionDetails& details) {
@@ -40,3 +42,5 @@ SolutionDetails DetailsOfSolution() {
     SetSpread(details);
     return details;
 }
+
+}  // namespace corvinade::engine

@@ -5,8 +5,11 @@
 #include <array>
 
 #include "core/arrays.h"
+#include "core/rooms.h"
 #include "engine/monte_carlo.h"
 #include "engine/sound_angles.h"
+
+namespace corvinade::engine {
 
 struct SolutionDetails {
     Mat3 Rotation, Affine, Scale;                // R, K and S of X = T + R K S x
@@ -33,3 +36,5 @@ struct SolutionDetails {
 // inverse has no parameters of the model's own form, the message of its search comes. Reads Job and
 // MonteCarlo; writes Inverse.
 SolutionDetails DetailsOfSolution();
+
+}  // namespace corvinade::engine

@@ -13,6 +13,8 @@
 #include "fit/rotations.h"
 #include "fit/vector.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 struct OrderEntry {
@@ -190,3 +192,5 @@ void NoteMatrixAngles() {
         "A formula for the angles does not give the rotation back, since two of its axes fall together or it "
         "hardly turns; they were taken from the rotation matrix");
 }
+
+}  // namespace corvinade::engine

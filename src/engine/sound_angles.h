@@ -8,6 +8,9 @@
 #include <cstdint>
 
 #include "core/arrays.h"
+#include "core/rooms.h"
+
+namespace corvinade::engine {
 
 // Rotations about axes that turn along: first axis, second, third.
 enum class RotationOrder : std::uint8_t { XYZ, ZYX, ZXY, ZXZ, ZYZ };
@@ -53,3 +56,5 @@ QuaternionForms SoundQuaternionForms(const Mat3& R, const Vec3& own);
 
 // Notes that angles were taken from the matrix, once a calculation.
 void NoteMatrixAngles();
+
+}  // namespace corvinade::engine

@@ -6,6 +6,8 @@
 #include "engine/seed.h"
 #include "engine/selection.h"
 
+namespace corvinade::engine {
+
 namespace {
 
 std::size_t At(int i) {
@@ -34,3 +36,5 @@ void TakeStartValues(const std::array<std::string, 18>& ParamText) {
 void TakeStartValues(const StartChoice& choice, const SeedPoints& seeds) {
     PutParameters(StartValues(choice, seeds), Job);
 }
+
+}  // namespace corvinade::engine

@@ -3,6 +3,8 @@
 
 #include "core/job.h"
 
+namespace corvinade::engine {
+
 ChainSource SourceOfJobChain() {
     return {.Rotation = {Job.RotXCopy, Job.RotYCopy, Job.RotZCopy},
             .Scale = {Job.ScaleX, Job.ScaleY, Job.ScaleZ},
@@ -42,3 +44,5 @@ Mat3 RotationDerivative(RotationAngle angle) {
 Mat3 ShearDerivative(ShearAngle angle) {
     return ShearDerivative(angle, SourceOfJobChain().Shear);
 }
+
+}  // namespace corvinade::engine

@@ -1,7 +1,10 @@
 // The transformation of the job: its parameters taken through the chain of matrices.
 #pragma once
 
+#include "core/rooms.h"
 #include "fit/chain.h"
+
+namespace corvinade::engine {
 
 // The matrices of the chain at the job's parameters that they were last built from.
 inline ChainRecord Chain;
@@ -23,3 +26,5 @@ void TransformPoint(double x, double y, double z, double& X, double& Y, double& 
 // Element-wise derivatives of R and K with respect to their angles, at the job's parameters.
 Mat3 RotationDerivative(RotationAngle angle);
 Mat3 ShearDerivative(ShearAngle angle);
+
+}  // namespace corvinade::engine

@@ -12,6 +12,8 @@
 #include "fit/open_parameters.h"
 #include "fit/require.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -131,11 +133,11 @@ struct Iteration {
         if (HasOtherWays(Model) || !(std::fabs(std::cos(Run.Now[kRotY])) < kAtLock)) return false;
         Mat3 turned;
         for (int k = 0; k < this->At.InnerCount; ++k) {
-            const InnerDerivative& inner = this->At.Inner[::At(k)];
+            const InnerDerivative& inner = this->At.Inner[fit::At(k)];
             const bool either =
                 inner.Unknown == Model.UnknownOf[kRotX] || inner.Unknown == Model.UnknownOf[kRotZ];
             for (int i = 1; i <= 3 && either; ++i)
-                for (int j = 1; j <= 3; ++j) turned(i, j) += inner.D(i, j) * x[::At(inner.Unknown)];
+                for (int j = 1; j <= 3; ++j) turned(i, j) += inner.D(i, j) * x[fit::At(inner.Unknown)];
         }
         for (int i = 1; i <= 3; ++i)
             for (int j = 1; j <= 3; ++j)
@@ -157,14 +159,14 @@ struct Iteration {
         constexpr double kAtLock_mm = 1e-7;  // what the angles' turning against each other leaves of digits
         const bool locked = TurnsNothingAtLock();
         for (int k = kTraX; k < kParameterEnd; ++k) {
-            const int unknown = Model.UnknownOf[::At(k)];
+            const int unknown = Model.UnknownOf[fit::At(k)];
             if (unknown == 0 || (locked && (k == kRotX || k == kRotZ))) continue;
             const bool ofPlace = k <= kTraZ;
             double most = ofPlace ? std::fmax(Run.Limits.Threshold, kRounding * far) : Run.Limits.Threshold;
             if (locked && KindOf(k) == ParameterKind::Length) most = std::fmax(most, kAtLock_mm);
             // Away from the origin the two angles take the translation along.
             const Column& corrections = locked && ofPlace ? centred : x;
-            if (!(std::fabs(corrections[::At(unknown)]) < most)) return false;
+            if (!(std::fabs(corrections[fit::At(unknown)]) < most)) return false;
         }
         return true;
     }
@@ -180,7 +182,7 @@ struct Iteration {
             state.Finite = AllFinite(x, u);
             ++state.Iterations;
             if (state.Iterations > 1 && u > 0)
-                Run.Last = {true, previous.Size / (Run.Limits.Threshold + x[::At(previous.Unknown)]),
+                Run.Last = {true, previous.Size / (Run.Limits.Threshold + x[fit::At(previous.Unknown)]),
                             previous.Size, previous.Unknown};
             previous = largest;
             if (!state.Finite) {
@@ -388,3 +390,5 @@ void Iterate(FitRun& run, const FitModel& model, GatheredPoints& points, FitOnMo
     fit.At = iteration.At;
     fit.Centred = std::move(iteration.centred);
 }
+
+}  // namespace corvinade::fit

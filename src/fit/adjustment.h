@@ -8,6 +8,8 @@
 #include "fit/gathered_points.h"
 #include "fit/moments.h"
 
+namespace corvinade::fit {
+
 // What an iteration leaves beside its parameters.
 struct IterationResult {
     Matrix Q;  // u by u: inverse of the normal matrix
@@ -48,3 +50,5 @@ struct FitOnMoments {
 
 // The same iteration of points and their moments, without residuals. For models that MomentsServe.
 void Iterate(FitRun& run, const FitModel& model, GatheredPoints& points, FitOnMoments& fit, Matrix& Q);
+
+}  // namespace corvinade::fit

@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+namespace corvinade::fit {
+
 double ArcCos(double x) {
     const double s2 = 1 - x * x;
     if (s2 < 0) return 0;
@@ -56,3 +58,5 @@ double ChooseAngleBySinCos(double s, double c, double perRad) {
     if (d14 < d34) return nearPole ? w4 : w1;
     return nearPole ? w4 : w3;
 }
+
+}  // namespace corvinade::fit

@@ -1,6 +1,8 @@
 // Inverse trigonometry that never fails, and angles brought to their range. All angles in rad.
 #pragma once
 
+namespace corvinade::fit {
+
 // 15 digits on purpose: results are compared against values computed with this constant.
 inline constexpr double kPi = 3.14159265358979;
 
@@ -22,3 +24,5 @@ double AzimuthAngle(double x, double y);
 // The one angle whose sine is about s and whose cosine is about c, both from noisy data. Which of the
 // two is believed follows from sectors of 45, 135 and 180 units of which `perRad` make a rad.
 double ChooseAngleBySinCos(double s, double c, double perRad);
+
+}  // namespace corvinade::fit

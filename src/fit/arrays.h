@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <vector>
 
+namespace corvinade::fit {
+
 // A column vector, elements 1 to size() - 1.
 using Column = std::vector<double>;
 
@@ -59,3 +61,5 @@ struct Matrix {
                static_cast<std::size_t>(column);
     }
 };
+
+}  // namespace corvinade::fit

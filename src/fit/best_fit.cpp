@@ -16,6 +16,8 @@
 #include "fit/norms.h"
 #include "fit/small_svd.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -351,3 +353,5 @@ bool SeekBestFit(NormRun& fit) {
     if (!plain || !fit.SeeksBest || fit.Stops() || LimitWasWanted(fit.Run)) return true;
     return Seeker(fit).Run();
 }
+
+}  // namespace corvinade::fit

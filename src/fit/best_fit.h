@@ -3,6 +3,8 @@
 
 #include "fit/norm_run.h"
 
+namespace corvinade::fit {
+
 // Compares the fit that the told iteration has ended in with the best of all solutions that keep the values
 // the user has held: in closed form for 6, 7 and 12 parameters that all float, by several starts for other
 // choices. Where another one is better by more than rounding, or the iteration found no end, the iteration
@@ -14,3 +16,5 @@
 // a better one. For the plain model with weights 0 and 1; does nothing for others, nor where
 // SeeksBest is false. False when the fit was abandoned.
 bool SeekBestFit(NormRun& fit);
+
+}  // namespace corvinade::fit

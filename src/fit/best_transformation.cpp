@@ -10,6 +10,8 @@
 #include "fit/matrix.h"
 #include "fit/small_svd.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -385,3 +387,5 @@ ChainValues ValuesOf(const Mat3& M, PlainModel model) {
     for (int k = 1; k <= 3; ++k) values.Value[At(kRotX + k - 1)] = angles(k);
     return values;
 }
+
+}  // namespace corvinade::fit

@@ -7,6 +7,8 @@
 
 #include "fit/moments.h"
 
+namespace corvinade::fit {
+
 // What floats besides translation and rotation.
 enum class PlainModel { Rigid, Similarity, AxisScales, Affine };
 
@@ -50,3 +52,5 @@ double RoundingOfGain(const PointMoments& moments, const Mat3& M, const Vec3& Sh
 // scale: that of all axes, or where there are three that of z.
 struct ChainValues;
 ChainValues ValuesOf(const Mat3& M, PlainModel model);
+
+}  // namespace corvinade::fit

@@ -3,6 +3,8 @@
 
 #include "fit/matrix.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 void SetRow(Mat3& M, int row, double x, double y, double z) {
@@ -148,3 +150,5 @@ Mat3 ShearDerivative(ShearAngle angle, const std::array<double, 3>& shear) {
     }
     return D;
 }
+
+}  // namespace corvinade::fit

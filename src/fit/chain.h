@@ -9,6 +9,8 @@
 #include "fit/arrays.h"
 #include "fit/parameters.h"
 
+namespace corvinade::fit {
+
 // Sine and cosine of an angle in rad, for procedures that need them again and again.
 struct Circle {
     double Sin = 0, Cos = 1;
@@ -71,3 +73,5 @@ enum class RotationAngle { X, Y, Z };
 enum class ShearAngle { XY, Azimuth, ZtoXY };
 Mat3 RotationDerivative(RotationAngle angle, const Circle& a, const Circle& b, const Circle& c);
 Mat3 ShearDerivative(ShearAngle angle, const std::array<double, 3>& shear);
+
+}  // namespace corvinade::fit

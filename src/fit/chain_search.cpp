@@ -10,6 +10,8 @@
 #include "fit/rotations.h"
 #include "fit/small_svd.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -327,3 +329,5 @@ const std::vector<Mat3>& CubeRotations() {
     }();
     return kRotations;
 }
+
+}  // namespace corvinade::fit

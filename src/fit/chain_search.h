@@ -8,6 +8,8 @@
 
 #include "fit/moments.h"
 
+namespace corvinade::fit {
+
 // The thirteen parameters of the chain apart from the job, by their number; mm, rad, factors.
 struct ChainValues {
     std::array<double, kAngleZtoXY + 1> Value{};
@@ -56,3 +58,5 @@ std::vector<ChainValues> StartsOf(const PointMoments& moments, const ChainChoice
 
 // The 24 rotations of a cube.
 const std::vector<Mat3>& CubeRotations();
+
+}  // namespace corvinade::fit

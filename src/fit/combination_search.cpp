@@ -13,6 +13,8 @@
 #include "fit/matrix.h"
 #include "fit/require.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 constexpr double kAccepted = 1e-5;
@@ -183,3 +185,5 @@ void SearchCombinations(const Mat3& W, Candidates candidates, Matrix& rows) {
         for (int k = 1; k <= 7; ++k)
             rows(row, k) = search.Found[static_cast<std::size_t>(row - 1)][static_cast<std::size_t>(k - 1)];
 }
+
+}  // namespace corvinade::fit

@@ -3,6 +3,8 @@
 
 #include "fit/arrays.h"
 
+namespace corvinade::fit {
+
 // Candidates of the parameters of R K S, rad; element 0 is unused. The scales are settled already.
 struct Candidates {
     Column RotX, RotY, RotZ;
@@ -18,3 +20,5 @@ struct Candidates {
 // Candidates that are no numbers are passed over. At most 32 candidates each, so that the time stays
 // bounded: the largest search takes a few milliseconds.
 void SearchCombinations(const Mat3& W, Candidates candidates, Matrix& rows);
+
+}  // namespace corvinade::fit

@@ -4,6 +4,8 @@
 #include "fit/angles.h"
 #include "fit/vector.h"
 
+namespace corvinade::fit {
+
 double CylRadius(double x, double y) {
     return Hypot2(x, y);
 }
@@ -40,3 +42,5 @@ CoordinateForms FormDifference(const CoordinateForms& first, const CoordinateFor
     return {first.CylRadius - second.CylRadius, PhiDifference(first.Phi, second.Phi),
             first.SphRadius - second.SphRadius, first.Theta - second.Theta};
 }
+
+}  // namespace corvinade::fit

@@ -3,6 +3,8 @@
 
 #include "fit/arrays.h"
 
+namespace corvinade::fit {
+
 // Distance from the Z axis and from the origin, in the unit of the coordinates.
 double CylRadius(double x, double y);
 double SphRadius(double x, double y, double z);
@@ -25,3 +27,5 @@ double PhiDifference(double first, double second);
 
 // First minus second form.
 CoordinateForms FormDifference(const CoordinateForms& first, const CoordinateForms& second);
+
+}  // namespace corvinade::fit

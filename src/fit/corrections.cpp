@@ -6,6 +6,8 @@
 
 #include "fit/angles.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -50,3 +52,5 @@ void AddCorrections(const FitModel& model, const Column& x, Parameters& paramete
         if (parameter == kScaleXYZ) parameters[kScaleX] = parameters[kScaleY] = parameters[kScaleZ] = value;
     }
 }
+
+}  // namespace corvinade::fit

@@ -5,6 +5,8 @@
 #include "fit/design.h"
 #include "fit/parameters.h"
 
+namespace corvinade::fit {
+
 struct LargestCorrection {
     double Size = 0;
     int Unknown = 1;
@@ -22,3 +24,5 @@ inline constexpr double kFarFromMoments = 1e-3;
 // Adds corrections to the floating parameters in the order of their indices, and wraps the angles.
 //   x  corrections of the parameters themselves, not of the centred unknowns
 void AddCorrections(const FitModel& model, const Column& x, Parameters& parameters);
+
+}  // namespace corvinade::fit

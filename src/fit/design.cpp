@@ -6,6 +6,8 @@
 #include "fit/double_double.h"
 #include "fit/matrix.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 // A matrix with one column of another, the rest 0: the derivative by a scale is column j of R K at the
@@ -107,3 +109,5 @@ void Linearise(const FitModel& model, const Parameters& parameters, const Gather
                 inner.D(axis, 1) * c(1) + inner.D(axis, 2) * c(2) + inner.D(axis, 3) * c(3);
     }
 }
+
+}  // namespace corvinade::fit

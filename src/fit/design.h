@@ -9,6 +9,8 @@
 #include "fit/gathered_points.h"
 #include "fit/parameters.h"
 
+namespace corvinade::fit {
+
 // What a point's equations demand.
 enum class FitMode {
     Coincide,  // three equations: the transformed point is the target point
@@ -58,3 +60,5 @@ Linearisation Linearise(const FitModel& model, const Parameters& parameters, con
                         ChainRecord& chain);
 void Linearise(const FitModel& model, const Parameters& parameters, const GatheredPoints& points,
                ChainRecord& chain, Linearisation& at);
+
+}  // namespace corvinade::fit

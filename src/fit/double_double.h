@@ -3,6 +3,8 @@
 // so the same on every machine.
 #pragma once
 
+namespace corvinade::fit {
+
 struct DoubleDouble {
     double High = 0, Low = 0;
 
@@ -30,3 +32,5 @@ private:
         low = x - high;
     }
 };
+
+}  // namespace corvinade::fit

@@ -7,6 +7,8 @@
 
 #include "fit/nice_rotation.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -243,3 +245,5 @@ bool TakePositiveForm(const FitModel& model, Parameters& parameters, Matrix& Q) 
     TakeNicerRotation(model, parameters, Q);
     return true;
 }
+
+}  // namespace corvinade::fit

@@ -9,6 +9,8 @@
 #include "fit/design.h"
 #include "fit/parameters.h"
 
+namespace corvinade::fit {
+
 // Parameter k of the other form is Sign[k] times that of this one, plus HalfTurns[k] times pi.
 struct EqualForm {
     std::array<int, kParameterEnd> Sign{}, HalfTurns{};
@@ -44,3 +46,5 @@ bool TakeWholeTurnsOff(const FitModel& model, Parameters& parameters);
 // that whose frame is the least turned round. Q follows as above. False, and nothing is changed, where no
 // scale is negative, and where the result is mirrored: that has no such form.
 bool TakePositiveForm(const FitModel& model, Parameters& parameters, Matrix& Q);
+
+}  // namespace corvinade::fit

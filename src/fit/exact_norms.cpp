@@ -20,6 +20,8 @@
 #include "fit/small_svd.h"
 #include "fit/smooth_norms.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -174,7 +176,7 @@ struct ExactRun {
         Fit.Run.Norm.BoundOfAll = linear && told && static_cast<int>(Place.T.size()) == Place.Model.Unknowns;
         Fit.Run.Norm.AboveOptimum = told ? best.Above : std::numeric_limits<double>::infinity();
         Fit.Run.Norm.Converged = best.Ended && !Stopped;
-        const Linearisation at = ::Linearise(Place.Model, Fit.Run.Now, Fit.Points, Fit.Run.Chain);
+        const Linearisation at = fit::Linearise(Place.Model, Fit.Run.Now, Fit.Points, Fit.Run.Chain);
         Residuals(Fit.Points, Place.Model, at, Column(At(Place.Model.Unknowns) + 1), Fit.Result.v);
         return true;
     }
@@ -212,7 +214,8 @@ struct ExactRun {
             const WayEnd &proper = *ends.Proper, &mirrored = *ends.Mirrored;
             const int redundancy = Place.Rows.Used - Place.Model.Unknowns;
             const auto told = [&] {
-                const Linearisation at = ::Linearise(Place.Model, mirrored.Values, Fit.Points, Fit.Run.Chain);
+                const Linearisation at =
+                    fit::Linearise(Place.Model, mirrored.Values, Fit.Points, Fit.Run.Chain);
                 return HandednessOf(Fit.Points, at.M, at.Shift, Fit.Kind, Place.Model.Unknowns,
                                     SizeRatio(Fit.Points, Fit.Kind));
             };
@@ -404,3 +407,5 @@ std::optional<Parameters> SeekOptimum(NormRun& fit) {
     if (run.Stopped) return {};
     return found;
 }
+
+}  // namespace corvinade::fit

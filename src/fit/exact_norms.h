@@ -5,6 +5,8 @@
 
 #include "fit/norm_run.h"
 
+namespace corvinade::fit {
+
 // Runs on from the parameters of the last fit to the least sum of absolute residuals, or to the least largest
 // one. Each step makes the residuals linear and goes to the optimum of the linear problem; a step that would
 // make the value larger is halved. Where that does not end a smooth way takes over (smooth_norms.h), and
@@ -21,3 +23,5 @@ void RunOnToOptimum(NormRun& fit);
 // it is, but for the weights in use of its points. Nothing for thousands of points, where a loop is through
 // sooner, and where the search was stopped or abandoned.
 std::optional<Parameters> SeekOptimum(NormRun& fit);
+
+}  // namespace corvinade::fit

@@ -12,6 +12,8 @@
 #include "fit/rotations.h"
 #include "fit/small_svd.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -145,7 +147,7 @@ std::array<Vec3, 3> ExactPlace::Axes() const {
 }
 
 Linearisation ExactPlace::LineariseAbout(const std::array<Vec3, 3>& axes) const {
-    Linearisation at = ::Linearise(Model, Run.Now, Points, Run.Chain);
+    Linearisation at = fit::Linearise(Model, Run.Now, Points, Run.Chain);
     if (Kind == PlaceUnknowns::Parameters) return at;
     for (int k = 0; k < at.InnerCount; ++k) {
         InnerDerivative& inner = at.Inner[At(k)];
@@ -168,7 +170,7 @@ Linearisation ExactPlace::LineariseAbout(const std::array<Vec3, 3>& axes) const 
 }
 
 void ExactPlace::Linearise() {
-    ::Linearise(Model, Run.Now, Points, Run.Chain);  // the chain at the present parameters
+    fit::Linearise(Model, Run.Now, Points, Run.Chain);  // the chain at the present parameters
     axes_ = Axes();
     Here = LineariseAbout(axes_);
     AllTold = MakeLinearRows(Points, Model, Here, Rows, T);
@@ -215,7 +217,7 @@ void ExactPlace::Step(const std::vector<double>& y) {
             x[At(unknown)] = 0;
         }
     MoveInner(x);
-    const Linearisation there = ::Linearise(Model, Run.Now, Points, Run.Chain);
+    const Linearisation there = fit::Linearise(Model, Run.Now, Points, Run.Chain);
     for (int axis = 1; axis <= 3; ++axis)
         if (there.AxisFloats[At(axis)]) Run.Now[kTraX + axis - 1] += wanted(axis) - there.Shift(axis);
     Linearise();
@@ -279,3 +281,5 @@ std::vector<double> WeightedSum(const LinearRows& rows, const std::vector<double
             gradient[At(k)] += Product(rows.Forms[axis][At(k)], sums[axis]);
     return gradient;
 }
+
+}  // namespace corvinade::fit

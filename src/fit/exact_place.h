@@ -8,6 +8,8 @@
 #include "fit/linear_rows.h"
 #include "fit/norm_run.h"
 
+namespace corvinade::fit {
+
 // What the unknowns of a place stand for, besides the translations. Angles that all float are no unknowns of
 // their own, for there are places where two of them do the same (Rot y at a right angle, an azimuth without
 // lean) and no linearisation tells the way on.
@@ -58,3 +60,5 @@ private:
 
 // The sum of the rows in use, each times its weight: A'w. One entry a column.
 std::vector<double> WeightedSum(const LinearRows& rows, const std::vector<double>& weights);
+
+}  // namespace corvinade::fit

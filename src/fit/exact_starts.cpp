@@ -12,6 +12,8 @@
 #include "fit/moments.h"
 #include "fit/small_svd.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -157,3 +159,5 @@ std::vector<Parameters> StartsByPoints(const NormRun& fit, const ExactPlace& pla
     if (static_cast<int>(starts.size()) > most) starts.resize(At(most));
     return starts;
 }
+
+}  // namespace corvinade::fit

@@ -5,6 +5,8 @@
 
 #include "fit/exact_place.h"
 
+namespace corvinade::fit {
+
 // The least-squares solution, its turns by the rotations of a cube, and the solutions of three points each,
 // on both sides of the mirror where a scale floats: one gross error, or two names swapped, can lead the loop
 // to a wrong place, and three good points do not know of it. They depend on the points and not on their
@@ -12,3 +14,5 @@
 //   place      is left at parameters of its own choice; the job's are put back
 //   most       starts at most; the least-squares solution comes first
 std::vector<Parameters> StartsByPoints(const NormRun& fit, const ExactPlace& place, int most);
+
+}  // namespace corvinade::fit

@@ -7,6 +7,8 @@
 #include "fit/norms.h"
 #include "fit/require.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -73,3 +75,5 @@ FitResult Fit(const FitProblem& problem, const FitListener& listener) {
             .Remarks = std::move(run.Remarks),
             .HeldByFit = run.HeldByFit};
 }
+
+}  // namespace corvinade::fit

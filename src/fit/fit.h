@@ -7,6 +7,8 @@
 
 #include "fit/norm_run.h"
 
+namespace corvinade::fit {
+
 // All that a fit needs to know. Lengths in mm, angles in rad.
 struct FitProblem {
     PairColumns Pairs;
@@ -46,3 +48,5 @@ FitModel ModelOf(const StartChoice& choice, FitMode mode);
 // fewer observations than unknowns, or points that leave some open, the result is one of many and no failure;
 // a number that is none ends the fit with State.Finite false.
 FitResult Fit(const FitProblem& problem, const FitListener& listener = {});
+
+}  // namespace corvinade::fit

@@ -7,6 +7,8 @@
 #include "fit/arrays.h"
 #include "fit/parameters.h"
 
+namespace corvinade::fit {
+
 enum class FitStep : std::uint8_t {
     PassBegins,  // of the iteration, behind its corrections of the pass before
     Linearised,  // the pass has its linearisation
@@ -48,3 +50,5 @@ struct FitListener {
     bool GoesOn(const FitEvent& event) const { return !Hear || Hear(event); }
     bool Stops() const { return StopIsWanted && StopIsWanted(); }
 };
+
+}  // namespace corvinade::fit

@@ -8,6 +8,8 @@
 #include "fit/fit_listener.h"
 #include "fit/parameters.h"
 
+namespace corvinade::fit {
+
 // How an iteration has gone.
 struct IterationState {
     int Iterations = 0;      // passes so far
@@ -69,3 +71,5 @@ struct FitRun {
     }
     bool Stops() const { return Listener.Stops(); }
 };
+
+}  // namespace corvinade::fit

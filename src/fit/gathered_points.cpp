@@ -9,6 +9,8 @@
 #include "fit/gathering.h"
 #include "fit/require.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 // Enough points for a centre inside the cloud; of more points only every so many are taken.
@@ -123,3 +125,5 @@ void SetWeights(const Column& P, GatheredPoints& points) {
         for (int i = points.Count; i < points.Padded; ++i) weight[At(i)] = 0;
     }
 }
+
+}  // namespace corvinade::fit

@@ -7,6 +7,8 @@
 #include "fit/arrays.h"
 #include "fit/lanes.h"
 
+namespace corvinade::fit {
+
 // Coordinates are taken about a point inside each cloud. Hall coordinates near 1e6 mm with deviations
 // near 1e-3 mm would otherwise cost half of the digits in the products of a fit.
 struct GatheredPoints {
@@ -36,3 +38,5 @@ void GatherPoints(const PairColumns& pairs, const Column& P, bool poses, Gathere
 
 // Takes the weights of points that are gathered, three entries a pair.
 void SetWeights(const Column& P, GatheredPoints& points);
+
+}  // namespace corvinade::fit

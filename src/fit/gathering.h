@@ -8,6 +8,8 @@
 #include "fit/arrays.h"
 #include "fit/gathered_points.h"
 
+namespace corvinade::fit {
+
 using PointAt = std::function<Vec3(int)>;  // of pair 1 to Count, mm
 
 // Sizes the columns for `count` pairs and chooses the centres; what has weight 0 is left out. The columns are
@@ -17,3 +19,5 @@ void BeginGathering(int count, const PointAt& start, const PointAt& target, cons
 
 // The orientation matrices of the poses; a pair behind the end of their angles (rad) counts as turned by 0.
 void GatherPoses(const std::array<std::span<const double>, 3>& angles, GatheredPoints& points);
+
+}  // namespace corvinade::fit

@@ -12,6 +12,8 @@
 #include "fit/small_svd.h"
 #include "fit/statistics.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -227,3 +229,5 @@ bool MirrorMayStand(double proper, double mirrored, double rounding, int redunda
     const double most = norm == FitNorm::LeastSum ? std::sqrt(3.0) * told.Sum : told.Largest;
     return !(proper <= mirrored + 2 * most + rounding);
 }
+
+}  // namespace corvinade::fit

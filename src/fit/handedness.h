@@ -6,6 +6,8 @@
 #include "fit/gathered_points.h"
 #include "fit/norm_run.h"
 
+namespace corvinade::fit {
+
 // What the points say of a transformation that mirrors them. Points all but in one plane are carried as well
 // by one that does not: on the other side of the plane stand but the small distances by which they are off
 // it.
@@ -41,3 +43,5 @@ double SizeRatio(const GatheredPoints& points, FitNorm norm);
 //   proper, mirrored  what the norm makes least, as of MirrorIsReal
 bool MirrorMayStand(double proper, double mirrored, double rounding, int redundancy, FitNorm norm,
                     const std::function<Handedness()>& handedness);
+
+}  // namespace corvinade::fit

@@ -5,6 +5,8 @@
 #include "fit/matrix.h"
 #include "fit/rotations.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 Mat3 InverseOf(const Mat3& A) {
@@ -29,3 +31,5 @@ InverseMatrix InverseOf(const Parameters& p) {
         inverse.Shift(i) = -(W(i, 1) * p[kTraX] + W(i, 2) * p[kTraY] + W(i, 3) * p[kTraZ]);
     return inverse;
 }
+
+}  // namespace corvinade::fit

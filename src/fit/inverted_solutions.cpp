@@ -12,6 +12,8 @@
 #include "fit/sort_table.h"
 #include "fit/vector.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 constexpr double kProbe_mm = 1000;
@@ -118,3 +120,5 @@ Matrix InvertedSolutions(const Mat3& W, bool anyShear, bool anyScale, double per
         }
     return list;
 }
+
+}  // namespace corvinade::fit

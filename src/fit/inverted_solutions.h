@@ -3,6 +3,8 @@
 
 #include "fit/arrays.h"
 
+namespace corvinade::fit {
+
 // Finds sets of rotation, scale and shear with R K S = W, to a sum of differences below 1e-5: (0 to n, 0 to
 // 9), columns 1 to 3 the rotation, 4 to 6 the scales, 7 to 9 xy, azimuth and zt; rad. Sorted by xy, then
 // rotation about z, then azimuth. Never sized (Rows -1) where there is none; a matrix with infinite or
@@ -15,3 +17,5 @@ Matrix InvertedSolutions(const Mat3& W, bool anyShear, bool anyScale, double per
 // Splits a shear matrix into its two triples (xy, azimuth, zt), rad: leaning by zt towards the azimuth, and
 // by -zt towards the opposite side. A matrix that is no shear gives some angles and no failure.
 void DecomposeShear(const Mat3& K, double perRad, Vec3& first, Vec3& second);
+
+}  // namespace corvinade::fit

@@ -8,6 +8,8 @@
 #include <new>
 #include <vector>
 
+namespace corvinade::fit {
+
 inline constexpr int kLanes = 8;
 inline constexpr std::size_t kLaneAlignment = kLanes * sizeof(double);
 
@@ -45,3 +47,5 @@ struct LaneAllocator {
     bool operator==(const LaneAllocator&) const { return true; }
 };
 using LaneArray = std::vector<double, LaneAllocator<double>>;
+
+}  // namespace corvinade::fit

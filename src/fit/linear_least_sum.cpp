@@ -6,6 +6,8 @@
 
 #include "fit/linear_optimum.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -195,3 +197,5 @@ double LowerBoundOfSum(const LinearRows& rows, const Holding& holding) {
     slack = std::sqrt(slack) * 2.1 * SumOf(rows);
     return std::max(0.0, (dual - slack) / largest);
 }
+
+}  // namespace corvinade::fit

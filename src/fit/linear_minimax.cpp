@@ -4,6 +4,8 @@
 
 #include "fit/linear_optimum.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -270,3 +272,5 @@ double LowerBoundOfLargest(const LinearRows& rows, const Holding& holding) {
     slack = std::sqrt(slack) * 2.1 * std::sqrt(static_cast<double>(rows.Used)) * LargestOf(rows);
     return std::max(0.0, (std::fabs(dual) - slack) / sum);
 }
+
+}  // namespace corvinade::fit

@@ -7,6 +7,8 @@
 
 #include "fit/linear_rows.h"
 
+namespace corvinade::fit {
+
 // What holds an optimum where it is, in a later linearisation too.
 struct Holding {
     // The rows that do. A number below 0 stands for a bound of the search and is no row; an optimum that the
@@ -36,3 +38,5 @@ int LeastSum(LinearRows rows, std::vector<double>& y, Holding& holding, const Ma
 // allowed for: any y that is at least as good as 0 moves the rows by a bounded length.
 double LowerBoundOfLargest(const LinearRows& rows, const Holding& holding);
 double LowerBoundOfSum(const LinearRows& rows, const Holding& holding);
+
+}  // namespace corvinade::fit

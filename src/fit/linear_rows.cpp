@@ -5,6 +5,8 @@
 #include <cmath>
 #include <utility>
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -224,3 +226,5 @@ bool SolveTransposed(const std::vector<double>& A, int n, double* b) {
         for (int j = 0; j < n; ++j) transposed[At(j * n + i)] = A[At(i * n + j)];
     return SolveSquare(std::move(transposed), n, b);
 }
+
+}  // namespace corvinade::fit

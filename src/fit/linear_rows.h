@@ -8,6 +8,8 @@
 #include "fit/design.h"
 #include "fit/gathered_points.h"
 
+namespace corvinade::fit {
+
 inline constexpr int kMostLinearColumns = 13;  // unknowns of the plain model, one scale beside three
 
 using PointForm = std::array<double, 4>;  // of [1 x y z]
@@ -53,3 +55,5 @@ double SumOf(const LinearRows& rows);      // of |v| in use
 bool SolveSquare(std::vector<double> A, int n, double* b);
 // The transposed system, likewise.
 bool SolveTransposed(const std::vector<double>& A, int n, double* b);
+
+}  // namespace corvinade::fit

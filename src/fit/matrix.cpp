@@ -7,6 +7,8 @@
 #include "fit/require.h"
 #include "fit/sweep.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 constexpr int kLargestSize = 32767;
@@ -181,3 +183,5 @@ void ArrayRemoveNearDuplicates(Column& array) {
             array.end());
     }
 }
+
+}  // namespace corvinade::fit

@@ -7,6 +7,8 @@
 
 #include "fit/arrays.h"
 
+namespace corvinade::fit {
+
 // One matrix for all operations: a Matrix, a Mat3, or a Column as a matrix of one column.
 struct ConstMatrixView {
     const double* Data;
@@ -84,3 +86,5 @@ void MatrixDeleteRowOrColumn(ConstMatrixView A, int rows, int columns, MatrixVie
 // every later one that lies nearer to it than 1e-8.
 void ArrayRemoveElement(Column& array, int k);
 void ArrayRemoveNearDuplicates(Column& array);
+
+}  // namespace corvinade::fit

@@ -5,6 +5,8 @@
 
 #include "fit/small_svd.h"
 
+namespace corvinade::fit {
+
 bool StartsAreOwn(const StartChoice& choice) {
     for (std::size_t k = kTraX; k <= kAngleZtoXY; ++k)
         if (choice.Floats[k] && choice.Own[k]) return true;
@@ -32,3 +34,5 @@ bool IsAffine(const FitModel& model) {
         if ((model.UnknownOf[k] != 0) == (k == kScaleXYZ)) return false;
     return true;
 }
+
+}  // namespace corvinade::fit

@@ -3,6 +3,8 @@
 
 #include "fit/norm_run.h"
 
+namespace corvinade::fit {
+
 // A floating parameter begins at a value of the user's own.
 bool StartsAreOwn(const StartChoice& choice);
 
@@ -24,3 +26,5 @@ bool IsMirrored(const ChainRecord& chain);
 // All of translation, rotation, three scales and the frame's angles float: any matrix can be the result, and
 // what is best of it is found in a closed form.
 bool IsAffine(const FitModel& model);
+
+}  // namespace corvinade::fit

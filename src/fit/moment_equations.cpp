@@ -6,6 +6,8 @@
 #include "fit/moments.h"
 #include "fit/require.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 // Below this share the diagonal has lost three digits that the rows would have kept.
@@ -228,3 +230,5 @@ double MovedSince(const Linearisation& at, const PointMoments& moments) {
     }
     return size > 0 ? moved / size : 1;
 }
+
+}  // namespace corvinade::fit

@@ -7,6 +7,8 @@
 #include "fit/lanes.h"
 #include "fit/require.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 constexpr int kMomentBlock = 512;  // points a block, in the nearest cache for its three axes
@@ -170,3 +172,5 @@ void TakeResidualWeights(const PointMoments& moments, GatheredPoints& points) {
     }
     points.AllInUse = points.OnlyInUse = false;
 }
+
+}  // namespace corvinade::fit

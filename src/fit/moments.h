@@ -11,6 +11,8 @@
 #include "fit/gathered_points.h"
 #include "fit/normal_equations.h"
 
+namespace corvinade::fit {
+
 inline constexpr int kMostPlaces = 7;
 
 // p are the start points about their centre, l the observations of the linearisation that the sums were
@@ -71,3 +73,5 @@ bool NormalEquations(const FitModel& model, const Linearisation& at, const Point
 // How far the transformed points have moved since the moments were taken, as a share of the cloud's
 // size. The sums l [1 p] carried along lose as many digits as this has before the point.
 double MovedSince(const Linearisation& at, const PointMoments& moments);
+
+}  // namespace corvinade::fit

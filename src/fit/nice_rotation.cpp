@@ -10,6 +10,8 @@
 #include "fit/matrix.h"
 #include "fit/rotations.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 // Of one angle, or the sum over the elements of the matrix. The ten digits of the library's pi leave about
@@ -91,3 +93,5 @@ std::optional<Vec3> NicerRotation(const Vec3& angles) {
     if (!(difference < kSameRotation)) return {};
     return nicer;
 }
+
+}  // namespace corvinade::fit

@@ -9,6 +9,8 @@
 #include "fit/any_vectors.h"
 #include "fit/lanes.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 constexpr int kPairs = NoiseRecord::kPairs;
@@ -133,3 +135,5 @@ void FillWithNoise(NoiseRecord& noise, std::span<double> numbers) {
         numbers = numbers.subspan(taken);
     }
 }
+
+}  // namespace corvinade::fit

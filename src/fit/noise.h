@@ -6,6 +6,8 @@
 #include <random>
 #include <span>
 
+namespace corvinade::fit {
+
 // The uniform numbers of std::mt19937, a whole state of it at once: taken one by one they would cost more
 // than the fits that they are for.
 struct UniformBlocks {
@@ -35,3 +37,5 @@ double GaussNoise(NoiseRecord& noise, double mean, double sigma);
 
 // The numbers that as many calls of GaussNoise(0, 1) would give, in their order.
 void FillWithNoise(NoiseRecord& noise, std::span<double> numbers);
+
+}  // namespace corvinade::fit

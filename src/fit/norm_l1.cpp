@@ -5,6 +5,8 @@
 #include "fit/normal_equations.h"
 #include "fit/norms.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -115,3 +117,5 @@ bool FitL1(NormRun& fit) {
     rounds.End();
     return true;
 }
+
+}  // namespace corvinade::fit

@@ -3,6 +3,8 @@
 
 #include "fit/norms.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 constexpr double kExchange = 1.1;  // a row's weight changes by this factor
@@ -87,3 +89,5 @@ bool FitLoo(NormRun& fit) {
     fit.Run.Norm.Converged = fit.Run.State.Converged;
     return true;
 }
+
+}  // namespace corvinade::fit

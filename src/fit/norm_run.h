@@ -13,6 +13,8 @@
 #include "fit/parameters.h"
 #include "fit/start_values.h"
 
+namespace corvinade::fit {
+
 enum class FitNorm : std::uint8_t {
     LeastSquares,
     LeastSum,     // of the absolute residuals: L1
@@ -107,3 +109,5 @@ struct FitOutcome {
         fit.Result = Result;
     }
 };
+
+}  // namespace corvinade::fit

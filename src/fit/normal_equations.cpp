@@ -9,6 +9,8 @@
 #include "fit/matrix.h"
 #include "fit/require.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -304,3 +306,5 @@ Vec3 SquaresOfResiduals(const GatheredPoints& points, const FitModel& model, con
     }
     return squares;
 }
+
+}  // namespace corvinade::fit

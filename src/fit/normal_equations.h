@@ -9,6 +9,8 @@
 #include "fit/gathered_points.h"
 #include "fit/lanes.h"
 
+namespace corvinade::fit {
+
 inline constexpr int kBlock = 128;       // points a block, so that its rows stay in the nearest cache
 inline constexpr int kMostColumns = 16;  // inner and tool columns, translation or distance, observation
 
@@ -69,3 +71,5 @@ void Residuals(const GatheredPoints& points, const FitModel& model, const Linear
 // weight is 0 do not count, all others count once.
 Vec3 SquaresOfResiduals(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
                         const Column& x);
+
+}  // namespace corvinade::fit

@@ -5,6 +5,8 @@
 #include "fit/normal_equations.h"
 #include "fit/require.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 // The columns of gathered points that a block reads.
@@ -67,3 +69,5 @@ void SumNormalEquations(const GatheredPoints& points, const FitModel& model, con
     static const VectorWidth widest = WidestVectors();
     SumNormalEquations(points, model, at, widest, sums);
 }
+
+}  // namespace corvinade::fit

@@ -11,6 +11,8 @@
 #include "fit/proper_beside.h"
 #include "fit/require.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -323,3 +325,5 @@ bool FitByLoop(NormRun& fit) {
     return FitByLoopAsItIs(fit) &&
            HoldWhereMirrored(fit, {FitByLoopAsItIs, LoopOf(fit).Objective, 1}, kSquares);
 }
+
+}  // namespace corvinade::fit

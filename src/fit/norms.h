@@ -10,6 +10,8 @@
 
 #include "fit/norm_run.h"
 
+namespace corvinade::fit {
+
 // The fit from the start values on, held against the best one there is (best_fit.h).
 bool FitLeastSquares(NormRun& fit);
 
@@ -58,3 +60,5 @@ void CountUnsettledFit(NormRun& fit);
 
 // How many times as large the one is as the other; infinite from a million times on, and beside 0.
 double TimesAsMuch(double more, double less);
+
+}  // namespace corvinade::fit

@@ -8,6 +8,8 @@
 #include "fit/normal_equations.h"
 #include "fit/small_svd.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -300,3 +302,5 @@ OpenParameters FindOpenParameters(const GatheredPoints& points, const FitModel& 
     }
     return open;
 }
+
+}  // namespace corvinade::fit

@@ -9,6 +9,8 @@
 #include "fit/design.h"
 #include "fit/gathered_points.h"
 
+namespace corvinade::fit {
+
 // What can be changed together without a change of any observation, to first order at the result.
 struct OpenParameters {
     int Count = 0;  // independent ways to do so: unknowns less the rank of the design matrix
@@ -31,3 +33,5 @@ struct OpenParameters {
 OpenParameters FindOpenParameters(const GatheredPoints& points, const FitModel& model,
                                   const std::function<bool(std::size_t)>& inUse, const Parameters& result,
                                   const Linearisation& at);
+
+}  // namespace corvinade::fit

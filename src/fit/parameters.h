@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace corvinade::fit {
+
 // Parameter numbers, the index of everything that is held by parameter; index 0 is unused.
 enum Parameter : int {
     kTraX = 1,
@@ -45,3 +47,5 @@ enum class ParameterKind : std::uint8_t {
 
 // Of parameter 1 to 17.
 ParameterKind KindOf(int parameter);
+
+}  // namespace corvinade::fit

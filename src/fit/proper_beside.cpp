@@ -15,6 +15,8 @@
 #include "fit/mirror.h"
 #include "fit/norms.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -243,3 +245,5 @@ bool HoldWhereMirrored(NormRun& fit, const NormToHold& norm, const NormToHold& s
     if (held && !fit.Abandoned() && !fit.Stops()) Take(held->Run, fit);
     return !fit.Abandoned();
 }
+
+}  // namespace corvinade::fit

@@ -3,6 +3,8 @@
 
 #include "fit/norm_run.h"
 
+namespace corvinade::fit {
+
 // What a norm's fit is made of here.
 struct NormToHold {
     bool (*Fit)(NormRun&);                // the whole fit, from the start values on; false: abandoned
@@ -25,3 +27,5 @@ struct NormToHold {
 // listener has abandoned the fit.
 //   squares  the fit by least squares, by which the held parameters are chosen
 bool HoldWhereMirrored(NormRun& fit, const NormToHold& norm, const NormToHold& squares);
+
+}  // namespace corvinade::fit

@@ -6,6 +6,8 @@
 #include "fit/angles.h"
 #include "fit/require.h"
 
+namespace corvinade::fit {
+
 void MatrixToQuaternion(const Mat3& M, Column& record, double& a, double& b, double& c) {
     Require(UpperBound(record) >= 8);
     const double trace = M(1, 1) + M(2, 2) + M(3, 3);
@@ -67,3 +69,5 @@ void QuaternionToAngles(double q0, double q1, double q2, double q3, double& a, d
     b = -WrapAngle(b);
     c = -WrapAngle(c);
 }
+
+}  // namespace corvinade::fit

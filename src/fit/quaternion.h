@@ -3,6 +3,8 @@
 
 #include "fit/arrays.h"
 
+namespace corvinade::fit {
+
 // The quaternion of a rotation matrix by Shepperd's rule, its axis-angle form, and the angles of
 // RotMatrixXYZ that give the same matrix, rad.
 //   record   entries 1 to 8: q0, q1, q2, q3, theta, e1, e2, e3; Require: the caller has sized it so
@@ -11,3 +13,5 @@ void MatrixToQuaternion(const Mat3& M, Column& record, double& a, double& b, dou
 // The angles of RotMatrixXYZ for a unit quaternion. At the pole of b, where a and c cannot be told
 // apart, a = c = pi/4 is the fixed answer.
 void QuaternionToAngles(double q0, double q1, double q2, double q3, double& a, double& b, double& c);
+
+}  // namespace corvinade::fit

@@ -6,6 +6,8 @@
 #include "fit/corrections.h"
 #include "fit/statistics.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 // False when the rows themselves would give digits that the moments have lost.
@@ -64,3 +66,5 @@ double SigmaXYZOf(const RepeatedFit& fit, const GatheredPoints& points) {
     }
     return std::sqrt(sum);
 }
+
+}  // namespace corvinade::fit

@@ -9,6 +9,8 @@
 #include "fit/moments.h"
 #include "fit/normal_equations.h"
 
+namespace corvinade::fit {
+
 enum class FitEnd {
     Converged,
     Stopped,    // the listener wanted it
@@ -34,3 +36,5 @@ FitEnd FitAgain(RepeatedFit& fit, FitRun& run, const GatheredPoints& points);
 
 // The mean error xyz of a fit that converged: the root of the squares of what Statistics gives for the axes.
 double SigmaXYZOf(const RepeatedFit& fit, const GatheredPoints& points);
+
+}  // namespace corvinade::fit

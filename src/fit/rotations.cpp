@@ -7,6 +7,8 @@
 #include "fit/chain.h"
 #include "fit/matrix.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 // What every quotient adds to its denominator.
@@ -177,3 +179,5 @@ Mat3 Turned(const Vec3& w, const Mat3& M) {
     }
     return D;
 }
+
+}  // namespace corvinade::fit

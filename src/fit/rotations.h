@@ -5,6 +5,8 @@
 
 #include "fit/arrays.h"
 
+namespace corvinade::fit {
+
 void RotMatrixYXZ(double a, double b, double c, Mat3& R);  // Ry(-b) Rx(-a) Rz(-c)
 void RotMatrixZYX(double a, double b, double c, Mat3& R);  // Rx(-a) Ry(-b) Rz(-c)
 void RotMatrixZYZ(double a, double b, double c, Mat3& R);  // Rz(-c) Ry(-b) Rz(-a)
@@ -28,3 +30,5 @@ Mat3 InverseRotation(const Mat3& R);
 // columns at none: w x each column.
 Mat3 RotationAbout(const Vec3& w);
 Mat3 Turned(const Vec3& w, const Mat3& M);
+
+}  // namespace corvinade::fit

@@ -8,6 +8,8 @@
 #include "fit/rotations.h"
 #include "fit/vector.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 // Keeps divisions alive where seed points coincide, and the least determinant of the scales.
@@ -161,3 +163,5 @@ void RawSolution(const SeedPoints& seeds, Parameters& parameters) {
     const Vec3 image = Turned(rotation, p4);
     for (int axis = 1; axis <= 3; ++axis) parameters[kTraX + axis - 1] = -image(axis);
 }
+
+}  // namespace corvinade::fit

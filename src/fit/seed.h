@@ -6,6 +6,8 @@
 #include "fit/arrays.h"
 #include "fit/parameters.h"
 
+namespace corvinade::fit {
+
 // The pairs that a closed solution stands on, elements 1 to 3.
 struct SeedPoints {
     std::array<int, 4> Pair{};          // 0: there is none, and the point counts as 0
@@ -23,3 +25,5 @@ std::array<Vec3, 3> ReferenceInFrame(std::array<Vec3, 4> target);
 // axis. Of seed points that lie on a line or on each other, or are fewer than three, it is a poor start and
 // no failure. The other parameters stay as they are.
 void RawSolution(const SeedPoints& seeds, Parameters& parameters);
+
+}  // namespace corvinade::fit

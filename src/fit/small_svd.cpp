@@ -5,6 +5,8 @@
 #include <cmath>
 #include <numeric>
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -154,3 +156,5 @@ Mat3 NearestRotation(const Mat3& H, int sign, double& trace) {
     trace = svd.s(1) + svd.s(2) + last * svd.s(3);
     return R;
 }
+
+}  // namespace corvinade::fit

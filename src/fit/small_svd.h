@@ -5,6 +5,8 @@
 
 #include "fit/arrays.h"
 
+namespace corvinade::fit {
+
 // A = U diag(s) V' of m rows and n columns, m >= n or not; A row by row. The singular values fall.
 //   U  m by n, row by row: unit columns, 0 where the singular value is 0
 //   V  n by n, row by row: orthogonal
@@ -29,3 +31,5 @@ double Determinant3(const Mat3& A);
 // determinant's sign Umeyama 1991, IEEE PAMI 13(4).)
 //   sign  -1 for the best reflection instead
 Mat3 NearestRotation(const Mat3& H, int sign, double& trace);
+
+}  // namespace corvinade::fit

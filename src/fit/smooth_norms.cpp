@@ -6,6 +6,8 @@
 #include <functional>
 #include <limits>
 
+namespace corvinade::fit {
+
 namespace {
 
 std::size_t At(int i) {
@@ -306,3 +308,5 @@ double BoundOfLargest(const LinearRows& rows, const std::vector<double>& weights
     const double longest = 2.1 * std::sqrt(static_cast<double>(rows.Used)) * LargestOf(rows);
     return std::max(0.0, (std::fabs(Dual(rows, weights)) - LeftOver(rows, weights, longest)) / sum);
 }
+
+}  // namespace corvinade::fit

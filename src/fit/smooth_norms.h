@@ -8,6 +8,8 @@
 
 #include "fit/exact_place.h"
 
+namespace corvinade::fit {
+
 // What an optimum rests on: weights of the rows that cancel out in each unknown. Of L1 each is between -1
 // and 1, of L-infinity the sum of their sizes is 1.
 struct SmoothOptimum {
@@ -24,3 +26,5 @@ SmoothOptimum FollowLeastLargest(ExactPlace& place, const MayGoOn& mayGoOn);
 // What no choice of y can be below, by weights as above; what they leave over in the unknowns is allowed for.
 double BoundOfSum(const LinearRows& rows, const std::vector<double>& weights);
 double BoundOfLargest(const LinearRows& rows, const std::vector<double>& weights);
+
+}  // namespace corvinade::fit

@@ -7,6 +7,8 @@
 
 #include "fit/require.h"
 
+namespace corvinade::fit {
+
 void SortTable(Matrix& table, std::span<const int> columns) {
     for (const int column : columns) Require(column >= 0 && column <= table.Columns);
     if (table.Rows < 2) return;
@@ -27,3 +29,5 @@ void SortTable(Matrix& table, std::span<const int> columns) {
         std::copy_n(table.Row(order[static_cast<std::size_t>(row - 1)]), table.Columns + 1, sorted.Row(row));
     table = std::move(sorted);
 }
+
+}  // namespace corvinade::fit

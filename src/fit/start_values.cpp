@@ -7,6 +7,8 @@
 #include "fit/chain.h"
 #include "fit/rotations.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 // Not 0: there the derivative with respect to the azimuth vanishes, which acts only through the other.
@@ -97,3 +99,5 @@ Parameters StartValues(const StartChoice& choice, const SeedPoints& seeds) {
             parameters[parameter] = choice.Value[At(parameter)];
     return parameters;
 }
+
+}  // namespace corvinade::fit

@@ -7,6 +7,8 @@
 #include "fit/parameters.h"
 #include "fit/seed.h"
 
+namespace corvinade::fit {
+
 // Start values of the user's own by parameter number; nothing where the raw one stays.
 using OwnStarts = std::array<std::optional<double>, kParameterEnd>;
 
@@ -25,3 +27,5 @@ struct StartChoice {
 // All parameters that a fit begins with: the raw solution of the seed points, the user's own start values and
 // the value of every parameter that is held. Depends on nothing of an earlier fit.
 Parameters StartValues(const StartChoice& choice, const SeedPoints& seeds);
+
+}  // namespace corvinade::fit

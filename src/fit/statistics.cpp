@@ -6,6 +6,8 @@
 
 #include "fit/require.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 constexpr double kTiny = 1e-9;
@@ -41,3 +43,5 @@ double MiddleOf(std::vector<double> values) {
     std::nth_element(values.begin(), middle, values.end());
     return *middle;
 }
+
+}  // namespace corvinade::fit

@@ -5,6 +5,8 @@
 
 #include "fit/arrays.h"
 
+namespace corvinade::fit {
+
 // s0 divides by the sum of the weights less one, not by n - u: that is the form that the reports are
 // calibrated on. sx, sy, sz the same for each axis alone. Of n residuals v (mm) and weights P, three a pair.
 void Statistics(const Column& v, const Column& P, int n, double& s0, double& sx, double& sy, double& sz);
@@ -14,3 +16,5 @@ double SigmaOfAxis(double squares, double weights);
 
 // The value that half of them reach: of an even number the greater of the two in the middle. 0 of none.
 double MiddleOf(std::vector<double> values);
+
+}  // namespace corvinade::fit

@@ -9,6 +9,8 @@
 
 #include "fit/require.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 constexpr int kBlock = 48;            // steps, a whole number of tiles of every width
@@ -82,3 +84,5 @@ bool BlockedSweep(MatrixView B, int n, VectorWidth width, const std::function<bo
 #endif
     return lanes128::Sweep(elements, n, {goOn});
 }
+
+}  // namespace corvinade::fit

@@ -6,6 +6,8 @@
 #include "fit/lanes.h"
 #include "fit/matrix.h"
 
+namespace corvinade::fit {
+
 // From this size on the blocks are worth their overhead.
 inline constexpr int kBlockedFrom = 64;
 
@@ -16,3 +18,5 @@ inline constexpr int kBlockedFrom = 64;
 //          neither the matrix nor its inverse
 // Gives false where it was ended.
 bool BlockedSweep(MatrixView B, int n, VectorWidth width, const std::function<bool()>* goOn);
+
+}  // namespace corvinade::fit

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <numeric>
 
+namespace corvinade::fit {
+
 void ArrayTrend(const Column& a, double percent, bool& constant) {
     constant = true;
     if (UpperBound(a) < 3) return;
@@ -17,3 +19,5 @@ void ArrayTrend(const Column& a, double percent, bool& constant) {
 void SummeArray(const Column& a, double& sum) {
     sum = a.empty() ? 0 : std::accumulate(a.begin() + 1, a.end(), 0.0);
 }
+
+}  // namespace corvinade::fit

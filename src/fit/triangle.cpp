@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+namespace corvinade::fit {
+
 void HoeheHoehenfusspunkt(double a, double b, double c, double& h, double& p, double& q,
                           std::string& message) {
     if (a > b + c || b > a + c || c > a + b) message = "Error in Höhe-Höhenfußpunkt; no possible triangle";
@@ -18,3 +20,5 @@ void HoeheHoehenfusspunkt(double a, double b, double c, double& h, double& p, do
         h = std::sqrt(std::fabs(a * a - p * p));
     }
 }
+
+}  // namespace corvinade::fit

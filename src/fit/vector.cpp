@@ -5,6 +5,8 @@
 
 #include "fit/angles.h"
 
+namespace corvinade::fit {
+
 namespace {
 
 // Keeps divisions by a length alive where the length is zero.
@@ -90,3 +92,5 @@ double LinePointDistance(const Vec3& a, const Vec3& d, const Vec3& p) {
     VecLength(across, value);
     return value;
 }
+
+}  // namespace corvinade::fit

@@ -3,6 +3,8 @@
 
 #include "fit/arrays.h"
 
+namespace corvinade::fit {
+
 void VecAdd(const Vec3& a, const Vec3& b, Vec3& c);  // c = a + b
 void VecSub(const Vec3& a, const Vec3& b, Vec3& c);  // c = a - b
 void VecScale(const Vec3& a, double f, Vec3& c);     // c = a f
@@ -23,3 +25,5 @@ void PlaneDistance(const Vec3& q, const Vec3& n, const Vec3& p, double& value);
 // Foot of the perpendicular from p on the line through a with the direction d (any length).
 void LinePointFoot(const Vec3& a, const Vec3& d, const Vec3& p, Vec3& f);
 double LinePointDistance(const Vec3& a, const Vec3& d, const Vec3& p);
+
+}  // namespace corvinade::fit

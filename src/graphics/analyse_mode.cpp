@@ -16,6 +16,8 @@
 #include "graphics/scene.h"
 #include "graphics/tolerance.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr int kSteps = 10;           // from the point to the end of its vector
@@ -117,3 +119,5 @@ void ToggleAnalyseMode(ScreenWindow& window) {
     ProgrammLogik();
     if (window.AnalyseMode) AnalyseModeAction(window);
 }
+
+}  // namespace corvinade::graphics

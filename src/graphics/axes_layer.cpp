@@ -15,6 +15,8 @@
 #include "graphics/scene.h"
 #include "graphics/strokes.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr double kCornerLength = 50, kCornerLeft = 70, kCornerAboveEdge = 90;  // pixels
@@ -128,3 +130,5 @@ void Zeichne_Quat(ScreenWindow& window) {
     DrawStroke(window.Screen, end, tip, QbColor(13), 1);
     LabelTip(window, tip, "Quaternion Vector");
 }
+
+}  // namespace corvinade::graphics

@@ -3,6 +3,8 @@
 
 #include "core/settings.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr const char* kSection = "GraphicsSettings";
@@ -47,3 +49,5 @@ void ShowBindingsOnce(ScreenWindow& window) {
     window.BindingsShown = true;
     IniWertSchreiben(kSection, kKey, "True");
 }
+
+}  // namespace corvinade::graphics

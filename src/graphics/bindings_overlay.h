@@ -3,7 +3,10 @@
 
 #include <span>
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::graphics {
 
 struct Binding {
     const char* Keys;
@@ -15,3 +18,5 @@ void ToggleBindingsOverlay(ScreenWindow& window);  // shown until the next press
 // Shows it over the first graphics window that the user ever opens; the settings remember that. May throw as
 // IniWertSchreiben.
 void ShowBindingsOnce(ScreenWindow& window);
+
+}  // namespace corvinade::graphics

@@ -13,6 +13,8 @@
 #include "graphics/scene.h"
 #include "graphics/strokes.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr double kShift = 200;  // as in the projection
@@ -218,3 +220,5 @@ void KeepPlanesInWorld(ScreenRecord& view, const Vec3& before, const Vec3& after
     view.SlabThickness += top - moved;
     view.TopDepth = moved;
 }
+
+}  // namespace corvinade::graphics

@@ -9,7 +9,10 @@
 #include <array>
 
 #include "core/arrays.h"
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::graphics {
 
 inline constexpr double kFirstSlab = 100;  // thickness at the setting, pixels of the frame
 
@@ -46,3 +49,5 @@ bool HasPlaneFrame(const ScreenRecord& view);
 // A frame counts from the centre of rotation. When that goes to another place, the planes stay where they are
 // in the world; mm.
 void KeepPlanesInWorld(ScreenRecord& view, const Vec3& before, const Vec3& after);
+
+}  // namespace corvinade::graphics

@@ -10,6 +10,8 @@
 #include "graphics/strokes.h"
 #include "graphics/tolerance.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr double kWidestBar = 75;  // pixels kept free at the right edge
@@ -52,3 +54,5 @@ void Zeichne_ColorBar(ScreenWindow& window) {
     label(state.Min, bar.Bottom);
     label(state.Max, bar.Bottom - 2 * height);
 }
+
+}  // namespace corvinade::graphics

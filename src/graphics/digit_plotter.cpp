@@ -11,6 +11,8 @@
 #include "graphics/projection.h"
 #include "graphics/strokes.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 // Six places that the strokes of a digit run between, three rows of two:  1 2 / 3 4 / 5 6.
@@ -78,3 +80,5 @@ void Plot_Number(ScreenWindow& window, double value, float x, float y, float siz
         penY += step * std::sin(along);
     }
 }
+
+}  // namespace corvinade::graphics

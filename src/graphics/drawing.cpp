@@ -14,6 +14,8 @@
 #include "graphics/scene.h"
 #include "graphics/tolerance.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr float kLeastDepth = 0.0001F;  // of the box, mm: with less, all points have one size
@@ -69,3 +71,5 @@ void SetLabelToPos(ScreenWindow& window, const std::string& text, float x, float
         return;
     window.Labels.push_back({text, x, y, QbColor(window.BackColor == QbColor(15) ? 0 : 7), true});
 }
+
+}  // namespace corvinade::graphics

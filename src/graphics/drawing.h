@@ -3,7 +3,10 @@
 
 #include <string>
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::graphics {
 
 void Stelle_Grafik_dar(ScreenWindow& window);  // in its look
 // Names would be written again for every step of a move: it goes without them.
@@ -22,3 +25,5 @@ void Plot_Number(ScreenWindow& window, double value, float x, float y, float siz
 // Adds a label when its place is in the picture.
 void SetLabelToPos(ScreenWindow& window, const std::string& text, float x, float y);
 void MenüGraphicsPrint_Command();  // the picture to the clipboard
+
+}  // namespace corvinade::graphics

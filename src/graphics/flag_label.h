@@ -5,7 +5,10 @@
 #include <cstdint>
 #include <string>
 
+#include "core/rooms.h"
 #include "graphics/surface.h"
+
+namespace corvinade::graphics {
 
 // Rows and columns of a flag.
 enum FlagRow : std::uint8_t { kFlagHeading, kFlagActual, kFlagNominal, kFlagDev, kFlagUse, kFlagRows };
@@ -41,3 +44,5 @@ struct FlagTextKey {
     std::string FmtLength, FmtAngle, AngleUnit, ColorBased;
     bool ArcLengths = false;
 };
+
+}  // namespace corvinade::graphics

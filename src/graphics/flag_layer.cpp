@@ -11,6 +11,8 @@
 #include "graphics/scene.h"
 #include "graphics/strokes.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr Colour kLeader = 0 | 100 << 8 | 100 << 16;  // RGB (0, 100, 100)
@@ -176,3 +178,5 @@ void DrawFlags(ScreenWindow& window) {
     if (window.DynamicFlag.Row != 0 && window.DynamicFlag.Visible)
         DrawOne(window, window.DynamicFlag, window.DynamicRecord, false);
 }
+
+}  // namespace corvinade::graphics

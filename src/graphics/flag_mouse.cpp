@@ -15,6 +15,8 @@
 #include "graphics/scene.h"
 #include "graphics/view_undo.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr int kHold = 12;    // pixels of a flag that stay in the picture
@@ -168,3 +170,5 @@ void DynamicFlagTo(ScreenWindow& window, int row) {
     }
     Stelle_Grafik_dar(window);
 }
+
+}  // namespace corvinade::graphics

@@ -17,6 +17,8 @@
 #include "graphics/projection.h"
 #include "graphics/scene.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr int kRightEdge = 15, kLowerEdge = 10;  // pixels of the picture that no flag begins in
@@ -243,3 +245,5 @@ void FlagPutAll(ScreenWindow& window, const FlagPlacing& placing) {
     Stelle_Grafik_dar(window);
     if (full) ShowMessage("screen is full, make more views for your flags");
 }
+
+}  // namespace corvinade::graphics

@@ -1,7 +1,10 @@
 // The places of many flags at once.
 #pragma once
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::graphics {
 
 enum class FlagPlacement : std::uint8_t {
     None,
@@ -22,3 +25,5 @@ struct FlagPlacing {
 // Gives rows their flags where that is asked for, places all flags whose points are shown and repaints. Shows
 // a message where the picture is full; the flags placed so far stay, and so do those that were there before.
 void FlagPutAll(ScreenWindow& window, const FlagPlacing& placing);
+
+}  // namespace corvinade::graphics

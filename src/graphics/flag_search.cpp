@@ -11,6 +11,8 @@
 #include "graphics/projection.h"
 #include "graphics/scene.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 // Pixels of leader line that one covers or crosses for.
@@ -185,3 +187,5 @@ bool PlaceBesidePoints(ScreenWindow& window, const std::vector<int>& rows) {
     }
     return true;
 }
+
+}  // namespace corvinade::graphics

@@ -3,7 +3,10 @@
 
 #include <vector>
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::graphics {
 
 // Beyond this many the search would take too long, and flags cover what they tell about anyway.
 inline constexpr int kMostSearchedFlags = 30;
@@ -17,3 +20,5 @@ inline constexpr int kFlagEdge = 10, kColourBarRoom = 150, kScalesRoom = 180;
 // of the window and the sizes of its labels. False, and nothing is moved, where there are too many of them or
 // the picture has no room for all. Require: each row has a flag.
 bool PlaceBesidePoints(ScreenWindow& window, const std::vector<int>& rows);
+
+}  // namespace corvinade::graphics

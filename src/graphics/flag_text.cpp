@@ -13,6 +13,8 @@
 #include "graphics/scene.h"
 #include "graphics/tolerance.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr int kTwips = 15;                                     // to the pixel
@@ -210,3 +212,5 @@ std::string FlagText(const FlagLabel& label) {
     }
     return text;
 }
+
+}  // namespace corvinade::graphics

@@ -16,6 +16,8 @@
 #include "graphics/scene.h"
 #include "graphics/view_undo.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 FlagRecord AllSwitchesOn() {
@@ -200,3 +202,5 @@ void ShowFlagCommands() {
         entry->Enabled = window != nullptr && window->State.ActiveFlag != 0;
     EditFahne_EnableDeleting();
 }
+
+}  // namespace corvinade::graphics

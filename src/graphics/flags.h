@@ -2,7 +2,10 @@
 // of the window's state; their labels are made from them.
 #pragma once
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::graphics {
 
 inline constexpr int kMostFlags = 32767;  // their numbers are 16-bit ones
 
@@ -84,3 +87,5 @@ void FlagByClick(ScreenWindow& window, int row, float x, float y);
 void FlagDoubleClicked(ScreenWindow& window, int flag, const FlagCell& cell);
 // The dynamic flag goes to the row under the mouse, 0 = none.
 void DynamicFlagTo(ScreenWindow& window, int row);
+
+}  // namespace corvinade::graphics

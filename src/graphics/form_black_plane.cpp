@@ -6,6 +6,8 @@
 #include "graphics/drawing.h"
 #include "graphics/view_undo.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 FormBlackPlane& w = BlackPlaneWindow;
@@ -98,3 +100,5 @@ void FormBlackPlane::BtnOK_Click() {
 void FormBlackPlane::BtnCancel_Click() {
     Close();
 }
+
+}  // namespace corvinade::graphics

@@ -1,7 +1,10 @@
 // The dialog of the black planes. It refers to the graphics window that is active.
 #pragma once
 
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::graphics {
 
 struct ScreenWindow;
 
@@ -33,3 +36,5 @@ extern const WindowEntry FormBlackPlane_Entry;
 
 // Shows the planes of a window where the dialog is open and refers to it.
 void BlackPlane_ShowWindow(const ScreenWindow& window);
+
+}  // namespace corvinade::graphics

@@ -17,6 +17,8 @@
 #include "graphics/view_undo.h"
 #include "graphics/view_values.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 using Dialog = FormColorBar;
@@ -417,3 +419,5 @@ void FormColorBar::GridPlane_Click() {
 void FormColorBar::Setting_Click() {
     ApplyIfAuto();
 }
+
+}  // namespace corvinade::graphics

@@ -5,8 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
 #include "core/window.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::graphics {
 
 struct FormColorBar {
     WindowState Window{.Caption = "Color Bar"};
@@ -93,3 +96,5 @@ void ColorBar_ShowLimits(const ScreenWindow& window);  // the two limits alone
 // What ScreenColorBar shows: the colours of the active window's classes, from the lowest to the highest; of
 // equal height below and above zero, `below` of them are below. Empty without a window.
 std::vector<Colour> ColorBarSample(int& below);
+
+}  // namespace corvinade::graphics

@@ -15,6 +15,8 @@
 #include "graphics/flags.h"
 #include "graphics/view_undo.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 using Dialog = FormEditFahne;
@@ -359,3 +361,5 @@ void FormEditFahne::BtnOK_Click() {
 void FormEditFahne::BtnCancel_Click() {
     Close();
 }
+
+}  // namespace corvinade::graphics

@@ -2,8 +2,11 @@
 // are placed.
 #pragma once
 
+#include "core/rooms.h"
 #include "core/window.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::graphics {
 
 struct FormEditFahne {
     WindowState Window{.Caption = "Flags"};
@@ -80,3 +83,5 @@ void EditFahne_EnableDeleting();
 void ÜbernehmenEditFahne();
 // Applies the dialog to all flags of its window.
 void DoChangesOnFlags();
+
+}  // namespace corvinade::graphics

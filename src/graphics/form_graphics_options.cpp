@@ -10,6 +10,8 @@
 #include "core/settings.h"
 #include "graphics/screen_window.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 using Dialog = FormGraphicsOptions;
@@ -126,3 +128,5 @@ void FormGraphicsOptions::BtnOK_Click() {
 void FormGraphicsOptions::BtnCancel_Click() {
     Close();
 }
+
+}  // namespace corvinade::graphics

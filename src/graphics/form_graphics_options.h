@@ -1,7 +1,10 @@
 // The dialog of the switches that hold for all graphics windows.
 #pragma once
 
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::graphics {
 
 struct FormGraphicsOptions {
     WindowState Window{.Caption = "Graphics Settings"};
@@ -49,3 +52,5 @@ extern const WindowEntry FormGraphicsOptions_Entry;
 
 // The switch of the colour bar has been turned elsewhere; the open dialog follows.
 void GraphicsOptions_ShowColorBar();
+
+}  // namespace corvinade::graphics

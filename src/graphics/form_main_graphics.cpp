@@ -20,6 +20,8 @@
 #include "graphics/view_values.h"
 #include "graphics/views.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 // Without a window there is nothing to act on: the entries are disabled then, but a handler may still run
@@ -51,6 +53,10 @@ void Toggle(Flag ScreenRecord::*mode) {
 }
 
 }  // namespace
+
+}  // namespace corvinade::graphics
+
+namespace corvinade::core {
 
 void FormMain::MenueGraphics_Click() {
     ShowBindingsOnce(OpenScreenWindow());
@@ -220,3 +226,5 @@ void FormMain::MenüViewNextView_Click() {
 void FormMain::MenuHelpBindings_Click() {
     OnTop(ToggleBindingsOverlay);
 }
+
+}  // namespace corvinade::core

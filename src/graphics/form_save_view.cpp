@@ -6,6 +6,8 @@
 #include "core/form_main.h"
 #include "core/platform.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 FormSaveView& w = SaveViewWindow;
@@ -59,3 +61,5 @@ void FormSaveView::BtnOK_Click() {
 void FormSaveView::BtnAbbrechen_Click() {
     UnloadWindow("FormSaveView");
 }
+
+}  // namespace corvinade::graphics

@@ -3,7 +3,10 @@
 
 #include <string>
 
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::graphics {
 
 struct FormSaveView {
     WindowState Window{.Caption = "Save View"};
@@ -26,3 +29,5 @@ struct SaveViewRecord {
     std::string Name;  // empty: cancelled
 };
 inline SaveViewRecord SaveViewAnswer;
+
+}  // namespace corvinade::graphics

@@ -11,6 +11,8 @@
 #include "graphics/screen_window.h"
 #include "graphics/view_undo.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 // Closing and painting run handlers of other windows, so the list is gone through by place.
@@ -118,3 +120,5 @@ void Grafik_Festlegen_Main() {
 bool GraphicsDefaultsTaken() {
     return Screens().DefaultsTaken && Settings.LocalGraphics.ADis != 0;
 }
+
+}  // namespace corvinade::graphics

@@ -4,8 +4,13 @@
 #include <span>
 
 #include "core/changes.h"
+#include "core/rooms.h"
+
+namespace corvinade::graphics {
 
 std::span<const ChangeRow> GraphicsChanges();  // the room's rows in the table of changes
 
 void UpdateAllGraphicsWindows();     // recomputes and redraws all of them where the job holds points
 void DrawResultInGraphicsWindows();  // the same, whatever the job holds
+
+}  // namespace corvinade::graphics

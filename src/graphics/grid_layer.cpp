@@ -12,6 +12,8 @@
 #include "graphics/scene.h"
 #include "graphics/strokes.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr double kLeastDistance = 2;  // pixels from line to line; closer ones are left out
@@ -125,3 +127,5 @@ void Zeichne_KSGrid(ScreenWindow& window) {
     if (IsTrue(state.GridYZ)) DrawPlane(window, look, 1, 2);
     if (IsTrue(state.GridZX)) DrawPlane(window, look, 2, 0);
 }
+
+}  // namespace corvinade::graphics

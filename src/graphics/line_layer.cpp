@@ -4,6 +4,8 @@
 #include "graphics/scene.h"
 #include "graphics/strokes.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr int kLineColour = 9, kSelectedColour = 14;
@@ -34,3 +36,5 @@ void DrawLines(ScreenWindow& window) {
                    QbColor(selected ? kSelectedColour : kLineColour), selected ? kSelectedWidth : 1);
     }
 }
+
+}  // namespace corvinade::graphics

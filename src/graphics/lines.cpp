@@ -13,6 +13,8 @@
 #include "graphics/scene.h"
 #include "graphics/view_undo.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 // Place of end 1 of a line in the table, whose columns begin with one that holds nothing.
@@ -100,3 +102,5 @@ void LinesClicked(ScreenWindow& window, int row) {
                     " rows of the picture; \"" + ScenePointName(row) + "\" stands in row " +
                     std::to_string(row) + ".");
 }
+
+}  // namespace corvinade::graphics

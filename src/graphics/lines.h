@@ -1,7 +1,10 @@
 // The lines between points of the line mode.
 #pragma once
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::graphics {
 
 // Rows that a line can join: its table holds 16-bit numbers.
 inline constexpr int kLastLineRow = 32767;
@@ -17,3 +20,5 @@ void LinesUnderMouse(ScreenWindow& window, int row);
 // line. The last thing that a handler does: may show a message, during which the window can be closed.
 void LinesClicked(ScreenWindow& window, int row);
 void DrawLines(ScreenWindow& window);  // with the rubber line to the mouse
+
+}  // namespace corvinade::graphics

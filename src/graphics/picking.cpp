@@ -15,6 +15,8 @@
 #include "graphics/projection.h"
 #include "graphics/scene.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr double kFar = std::numeric_limits<double>::infinity();
@@ -166,3 +168,5 @@ void SetActivePoint(int point) {
     Scene.ActualPointName = ScenePointName(point);
     DrawActualPoint();
 }
+
+}  // namespace corvinade::graphics

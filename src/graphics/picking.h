@@ -1,7 +1,10 @@
 // Points under the mouse.
 #pragma once
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::graphics {
 
 // Brings the scene and its pixel tables to those of this window, where another one has computed since.
 void PixelsForWindow(ScreenWindow& window);
@@ -24,3 +27,5 @@ void TakeActualPoint(int row);
 // Puts the main sheet's cursor point into the pictures of all windows; that of `first`, which may be null,
 // before the others.
 void DrawActualPoint(ScreenWindow* first = nullptr);
+
+}  // namespace corvinade::graphics

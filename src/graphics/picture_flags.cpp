@@ -12,6 +12,8 @@
 #include "graphics/projection.h"
 #include "graphics/scene.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 // A name with the deviation's components below their headings.
@@ -122,3 +124,5 @@ void PlaceFlagsOfView(ScreenWindow& window, double width, double height, double 
     }
     window.State.ActiveFlag = 0;
 }
+
+}  // namespace corvinade::graphics

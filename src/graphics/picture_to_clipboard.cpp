@@ -6,6 +6,8 @@
 #include "core/window.h"
 #include "graphics/drawing.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr const char* kStamp = "calculated with https://corvinade.example";
@@ -88,3 +90,5 @@ void MenüGraphicsPrint_Command() {
     if (window == nullptr) return;
     if (PrintPicture(*window) == Printed::Refused) ShowMessage(kClipboardRefused);
 }
+
+}  // namespace corvinade::graphics

@@ -15,6 +15,8 @@
 #include "graphics/drawing.h"
 #include "graphics/scene.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr float kMargin = 10;       // pixels around the picture within which a point is still painted
@@ -245,3 +247,5 @@ void DrawPoints(ScreenWindow& window, const DepthSize& depth, bool names) {
     }
     for (int i = 1; i <= Scene.Rows; ++i) DrawRow(window, static_cast<std::size_t>(i), depth, look);
 }
+
+}  // namespace corvinade::graphics

@@ -1,7 +1,10 @@
 // The points of a paint: squares written straight into the picture, discs, names, vectors.
 #pragma once
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::graphics {
 
 // How big a point is by its depth; off: all points have the window's BigNess.
 struct DepthSize {
@@ -20,3 +23,5 @@ void PaintSquare(Surface& screen, float x, float y, int r, std::uint32_t colour)
 // 2 r + 1 of them.
 int SquareRadius(double bigness);
 inline constexpr int kLargestSquare = 3;  // BigNess; above it points are discs
+
+}  // namespace corvinade::graphics

@@ -15,6 +15,8 @@
 #include "graphics/black_planes.h"
 #include "graphics/scene.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr double kShift = 200;     // stands in the offsets of all saved views
@@ -341,3 +343,5 @@ PictureVector pkt_drehen(const ScreenWindow& window, double x, double y, double 
     const Mat3 M = ViewRotation(window);
     return {M(1, 1) * x + M(1, 2) * y + M(1, 3) * z, M(2, 1) * x + M(2, 2) * y + M(2, 3) * z};
 }
+
+}  // namespace corvinade::graphics

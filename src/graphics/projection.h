@@ -5,7 +5,10 @@
 #pragma once
 
 #include "core/arrays.h"
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::graphics {
 
 int PictureWidth(const ScreenWindow& window);  // logical pixels
 int PictureHeight(const ScreenWindow& window);
@@ -35,3 +38,5 @@ struct PictureVector {
     double U, V;
 };
 PictureVector pkt_drehen(const ScreenWindow& window, double x, double y, double z);
+
+}  // namespace corvinade::graphics

@@ -11,6 +11,8 @@
 #include "graphics/scene.h"
 #include "graphics/strokes.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 PicturePoint PixelOfRow(std::size_t row) {
@@ -59,3 +61,5 @@ void DrawRVectors(ScreenWindow& window) {
             DrawDistanceVectors(window, row, width);
     }
 }
+
+}  // namespace corvinade::graphics

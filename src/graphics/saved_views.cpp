@@ -16,6 +16,8 @@
 #include "graphics/scene.h"
 #include "graphics/view_undo.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 // No screen is larger; a job from elsewhere may hold sizes in other units, and a picture takes its memory.
@@ -105,3 +107,5 @@ void GetScreenPropertiesFromSavedView(ScreenWindow& window, int number) {
     GetScreenPropertiesFromRecord(window, view);
     StoreScreenPropertiesToRecord(window);
 }
+
+}  // namespace corvinade::graphics

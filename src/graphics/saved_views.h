@@ -2,7 +2,10 @@
 // of the list is the view k + 1.
 #pragma once
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::graphics {
 
 inline constexpr int kMostViews = 50;
 
@@ -12,3 +15,5 @@ void SaveView(ScreenWindow& window);
 void DeleteView(int number);  // a number without a view does nothing
 // Restores a view with the size of its window, as a step of the undo ring; likewise.
 void GetScreenPropertiesFromSavedView(ScreenWindow& window, int number);
+
+}  // namespace corvinade::graphics

@@ -10,6 +10,8 @@
 #include "graphics/projection.h"
 #include "graphics/strokes.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr double kLongestBar = 300, kShortestBar = 30;  // pixels
@@ -65,3 +67,5 @@ void Zeichne_Scale(ScreenWindow& window) {
     if (IsTrue(window.State.VectorMode))
         DrawScale(window, window.LabelVectorScale, "Scale Vector ", 0.1, window.State.Vec_Maßstab, 95);
 }
+
+}  // namespace corvinade::graphics

@@ -12,6 +12,8 @@
 #include "graphics/screen_window.h"
 #include "graphics/tolerance.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 struct SceneCounts {
@@ -165,3 +167,5 @@ void SceneForWindow(ScreenWindow& window) {
     Scene.PlottedFor = &window;
     Scene.PaintStale = true;
 }
+
+}  // namespace corvinade::graphics

@@ -8,6 +8,9 @@
 #include <vector>
 
 #include "core/arrays.h"
+#include "core/rooms.h"
+
+namespace corvinade::graphics {
 
 struct ScreenWindow;
 
@@ -98,3 +101,5 @@ void Grafik_Festlegen(ScreenWindow& window);
 // Builds the scene anew where the job's points are no longer those that it was built from, and puts the plot
 // switches (column 12) in the state that belongs to this window.
 void SceneForWindow(ScreenWindow& window);
+
+}  // namespace corvinade::graphics

@@ -3,7 +3,10 @@
 
 #include <string_view>
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::graphics {
 
 struct MouseEvent {
     float X = 0, Y = 0;  // logical pixels of the picture
@@ -19,3 +22,5 @@ void ScreenPixel_Wheel(ScreenWindow& window, const MouseEvent& event, int delta)
 // Key names as in the automation ("Left", "KP_Add", "r", "Pause", "Shift").
 void ScreenPixel_KeyDown(ScreenWindow& window, std::string_view key, bool shift, bool ctrl);
 void ScreenPixel_KeyUp(ScreenWindow& window, std::string_view key);
+
+}  // namespace corvinade::graphics

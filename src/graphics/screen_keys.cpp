@@ -9,6 +9,8 @@
 #include "graphics/view_undo.h"
 #include "graphics/views.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr double kStep = 6.28318530717958 / 4 / 10;  // rad: forty to the turn
@@ -80,3 +82,5 @@ void ScreenPixel_KeyUp(ScreenWindow& window, std::string_view) {
     Screens().RotateKey = Screens().PanKey = false;
     window.Mouse.KeyT = window.Mouse.KeyB = false;
 }
+
+}  // namespace corvinade::graphics

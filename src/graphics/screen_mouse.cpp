@@ -21,6 +21,8 @@
 #include "graphics/view_values.h"
 #include "graphics/views.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr double kTurn = 0.008, kRoll = 0.02;  // rad a pixel
@@ -263,3 +265,5 @@ void ScreenPixel_Wheel(ScreenWindow& window, const MouseEvent& event, int delta)
     else
         ZoomOut(window);
 }
+
+}  // namespace corvinade::graphics

@@ -27,6 +27,8 @@
 #include "graphics/view_values.h"
 #include "graphics/views.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 ScreensRecord screens;
@@ -225,3 +227,5 @@ bool ScreenIsOpen(std::uint64_t id) {
 ScreenWindow* findLFDFORM() {
     return screens.Active;
 }
+
+}  // namespace corvinade::graphics

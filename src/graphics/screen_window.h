@@ -9,10 +9,13 @@
 #include <string_view>
 #include <vector>
 
+#include "core/rooms.h"
 #include "core/screen_record.h"
 #include "core/window.h"
 #include "graphics/flag_label.h"
 #include "graphics/surface.h"
+
+namespace corvinade::graphics {
 
 inline constexpr int kUndoSlots = 50;
 inline constexpr int kScreenPanels = 4;
@@ -127,3 +130,5 @@ void ResizeScreenWindow(ScreenWindow& window, int width, int height);  // inner 
 // For loops that yield and messages: is the window with this Id still open?
 bool ScreenIsOpen(std::uint64_t id);
 ScreenWindow* findLFDFORM();  // the active window, null where none is open
+
+}  // namespace corvinade::graphics

@@ -9,6 +9,8 @@
 #include "core/units.h"
 #include "graphics/scene.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 // Its distance from the target, and dx, dy, dz; empty for rows that have no deviation of their own.
@@ -40,3 +42,5 @@ void ShowPointInStatusBar(ScreenWindow& window, int row) {
     window.Panel = {"", "Pnt.ID: " + ScenePointName(row), coordinate("x: ", kSceneX),
                     coordinate("y: ", kSceneY), coordinate("z: ", kSceneZ)};
 }
+
+}  // namespace corvinade::graphics

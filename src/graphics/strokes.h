@@ -3,9 +3,12 @@
 
 #include <cmath>
 
+#include "core/rooms.h"
 #include "graphics/projection.h"
 #include "graphics/scene.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::graphics {
 
 struct PicturePoint {
     double X = 0, Y = 0;  // logical pixels
@@ -37,3 +40,5 @@ inline PicturePoint PlaceOf(const ScreenWindow& window, const Vec3& world) {
 inline double Round(double value) {
     return std::nearbyint(value);
 }
+
+}  // namespace corvinade::graphics

@@ -8,7 +8,10 @@
 #include <span>
 #include <string>
 
+#include "core/rooms.h"
 #include "core/text_font.h"
+
+namespace corvinade::graphics {
 
 // Colours are RGB with red in the low byte everywhere but in the picture itself.
 using Colour = std::int32_t;
@@ -80,3 +83,5 @@ struct Surface {
     void* Own = nullptr;  // belongs to whoever filled the table
 };
 inline constexpr Colour kNoFill = -1;
+
+}  // namespace corvinade::graphics

@@ -18,6 +18,8 @@
 #include "graphics/scene.h"
 #include "graphics/view_values.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr double kWholeTurn = 2 * 3.14159265358979, kQuarterTurn = 3.14159265358979 / 2;
@@ -310,3 +312,5 @@ void Calculate_RGB(ScreenWindow& window) {
     FillBar(window, state.AnzKlassenPos, 0, Tolerance.Positive);
     Scene.PaintStale = true;
 }
+
+}  // namespace corvinade::graphics

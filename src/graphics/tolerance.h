@@ -5,7 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::graphics {
 
 // Fills columns 4, 5, 8, 9, 10 of the identical rows of ScenePoints, and column 6 of all rows with them
 // (Calculate_RGB). Does nothing where neither scene nor settings of the window have changed since. Limits
@@ -52,3 +55,5 @@ struct ToleranceRecord {
 };
 inline ToleranceRecord Tolerance;
 void Calculate_RGB(ScreenWindow& window);
+
+}  // namespace corvinade::graphics

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr double kBeside = 8;     // pixels between the frame and its numbers
@@ -82,3 +84,5 @@ void PaintTrumpet(Surface& screen, const DistancePoints& points, const TrumpetPl
         PaintCloud(screen, points, raster, look.Colours.Point);
     if (screen.Refresh != nullptr) screen.Refresh(screen);
 }
+
+}  // namespace corvinade::graphics

@@ -4,7 +4,10 @@
 #include <cstdint>
 
 #include "analysis/trumpet_plot.h"
+#include "core/rooms.h"
 #include "graphics/surface.h"
+
+namespace corvinade::graphics {
 
 struct TrumpetColours {
     Colour Ground = 0, Text = 0, Grid = 0, Zero = 0, Frame = 0, Point = 0;
@@ -34,3 +37,5 @@ inline constexpr std::int64_t kMostTrumpetSpots = 2000;
 // Reads Job (names and units) and Units. A surface without the functions for plots stays as it is.
 void PaintTrumpet(Surface& screen, const DistancePoints& points, const TrumpetPlot& plot,
                   const TrumpetRaster& raster, const TrumpetLook& look);
+
+}  // namespace corvinade::graphics

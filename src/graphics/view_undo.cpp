@@ -15,6 +15,8 @@
 #include "graphics/scene.h"
 #include "graphics/view_values.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 // A step of the ring that holds no flags keeps no table of them: a million points would make each step two
@@ -85,3 +87,5 @@ void ShowUndoState() {
     ShowSteps(window == nullptr ? 0 : StepsForth(*window), "Next view", Main.ToolbarSaveView_NextView,
               Main.MenüViewNextView);
 }
+
+}  // namespace corvinade::graphics

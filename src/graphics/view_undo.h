@@ -1,7 +1,10 @@
 // The ring of the last fifty views of a window.
 #pragma once
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::graphics {
 
 void StoreScreenPropertiesToRecord(ScreenWindow& window);
 void Rückgängig_Back(ScreenWindow& window);
@@ -11,3 +14,5 @@ void Rückgängig_Force(ScreenWindow& window);
 void GetScreenPropertiesFromRecord(ScreenWindow& window, const ScreenRecord& view);
 // The buttons and entries "last view" and "next view" of the main window, after the active window's ring.
 void ShowUndoState();
+
+}  // namespace corvinade::graphics

@@ -8,6 +8,8 @@
 #include "graphics/black_planes.h"
 #include "graphics/flags.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 template <class Number>
@@ -48,3 +50,5 @@ void MakeViewUsable(ScreenRecord& view) {
         view.LineTableShape.clear();
     }
 }
+
+}  // namespace corvinade::graphics

@@ -12,6 +12,8 @@
 #include "graphics/view_undo.h"
 #include "graphics/view_values.h"
 
+namespace corvinade::graphics {
+
 namespace {
 
 constexpr double kVectorStep = 1.5;
@@ -143,3 +145,5 @@ float StartVec_Maßstab(const ScreenWindow& window) {
     const auto length = static_cast<float>(size / (LargestDeviation() + 1e-10) / 500);
     return std::isfinite(length) && length > 0 ? length : kWithoutResult;
 }
+
+}  // namespace corvinade::graphics

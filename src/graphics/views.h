@@ -1,7 +1,10 @@
 // Fit, fixed views, zoom, length of the vectors.
 #pragma once
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::graphics {
 
 // Fits the cloud to nine tenths of the picture; no repaint. Where there is no point the view stays.
 void Anpassen(ScreenWindow& window);
@@ -21,3 +24,5 @@ void Vec_Maßstab_longer(ScreenWindow& window);
 void Vec_Maßstab_shorter(ScreenWindow& window);
 float LargestDeviation();                            // of column 4 of ScenePoints, from 0, mm
 float StartVec_Maßstab(const ScreenWindow& window);  // 400 without a result or without a box of any size
+
+}  // namespace corvinade::graphics

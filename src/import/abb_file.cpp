@@ -14,6 +14,8 @@
 #include "import/robot_program.h"
 #include "import/row_notes.h"
 
+namespace corvinade::import {
+
 namespace {
 
 constexpr std::string_view kPoseBegin = "[[";
@@ -172,3 +174,5 @@ void ReadByLines(const TargetFile& file) {
 void EinlesenABB_MODX(const TargetFile& file) {
     file.ByDeclarations ? ReadByDeclarations(file) : ReadByLines(file);
 }
+
+}  // namespace corvinade::import

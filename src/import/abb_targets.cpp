@@ -6,6 +6,8 @@
 
 #include "core/text.h"
 
+namespace corvinade::import {
+
 namespace {
 
 bool IsBlank(char c) {
@@ -191,3 +193,5 @@ AbbTargets FindTargets(RobotProgram& program) {
     EndStatement(s);
     return std::move(s.Found);
 }
+
+}  // namespace corvinade::import

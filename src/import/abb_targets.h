@@ -5,7 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
 #include "import/robot_program.h"
+
+namespace corvinade::import {
 
 struct AbbTarget {
     std::string Text;      // of its statement, from its "[[" on; a blank stands there between values alone
@@ -31,3 +34,5 @@ struct AbbTargets {
 // and a line may hold several. A target whose brackets do not close ends at its semicolon or at the end of
 // the module: whoever takes its numbers finds what is missing.
 AbbTargets FindTargets(RobotProgram& program);
+
+}  // namespace corvinade::import

@@ -19,6 +19,8 @@
 #include "import/distance_search.h"
 #include "import/long_import.h"
 
+namespace corvinade::import {
+
 namespace {
 
 // What the search holds in memory for each row of a table. The start table has its distances alone.
@@ -223,3 +225,5 @@ void AutoFindPts(const MatchingOptions& options) {
     SolveFromMiddles(ChooseThree(candidates));
     if (!IsTrue(Run.StopRequested)) PärchenSuchen(options);
 }
+
+}  // namespace corvinade::import

@@ -1,7 +1,10 @@
 // Pairing without names and without a known transformation, from the distances inside each set.
 #pragma once
 
+#include "core/rooms.h"
 #include "import/matching.h"
+
+namespace corvinade::import {
 
 // Looks for distances between start points that occur between target points as well and are clear of all
 // others there, computes a transformation from the middles of three such pairs, and pairs the points by
@@ -15,3 +18,5 @@
 // of the start table; when the points have been replaced meanwhile it ends without a further write to the
 // job and sets Run.ImportFailed.
 void AutoFindPts(const MatchingOptions& options);
+
+}  // namespace corvinade::import

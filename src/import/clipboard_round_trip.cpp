@@ -17,6 +17,8 @@
 #include "engine/calculation_window.h"
 #include "import/import_request.h"
 
+namespace corvinade::import {
+
 namespace {
 
 // A table on the clipboard: four columns start point, four columns target point. False when no line
@@ -103,3 +105,5 @@ void ClipboardRoundTrip() {
     add("Spanne z ", Span(Job.Transformed.Z, Job.Target.Z));
     ToClipboard(text);
 }
+
+}  // namespace corvinade::import

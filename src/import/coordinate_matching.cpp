@@ -15,6 +15,8 @@
 #include "import/long_import.h"
 #include "import/matching.h"
 
+namespace corvinade::import {
+
 namespace {
 
 // The search ends: stopped, or because other points have taken the place of those it was begun for, which are
@@ -81,3 +83,5 @@ void PärchenSuchen(const MatchingOptions& options) {
     }
     Job.SetPairs(pairs);
 }
+
+}  // namespace corvinade::import

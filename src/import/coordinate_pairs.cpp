@@ -10,6 +10,8 @@
 
 #include "fit/require.h"
 
+namespace corvinade::import {
+
 namespace {
 
 constexpr double kInfinite = std::numeric_limits<double>::infinity();
@@ -248,3 +250,5 @@ std::vector<std::int32_t> PairByCoordinates(const CoordinateColumns& start, cons
     }
     return partner;
 }
+
+}  // namespace corvinade::import

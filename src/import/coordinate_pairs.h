@@ -7,6 +7,10 @@
 #include <span>
 #include <vector>
 
+#include "core/rooms.h"
+
+namespace corvinade::import {
+
 // Points as columns, elements from 1; element 0 is unused. All columns have the same length.
 struct CoordinateColumns {
     std::span<const double> X, Y, Z;  // mm
@@ -24,3 +28,5 @@ using PairingCall = std::function<bool(std::size_t done)>;
 // points see very many target points equally far off (at the centre of a sphere of them) it is n².
 std::vector<std::int32_t> PairByCoordinates(const CoordinateColumns& start, const CoordinateColumns& target,
                                             float etta, const PairingCall& whileLong = {});
+
+}  // namespace corvinade::import

@@ -10,6 +10,8 @@
 #include "fit/any_vectors.h"
 #include "fit/require.h"
 
+namespace corvinade::import {
+
 namespace {
 
 constexpr double kNothing = 1e10;  // where both searches begin: what lies farther off is not found
@@ -238,3 +240,5 @@ PointPair PairOfRow(std::int64_t row, std::int64_t count) {
     }
     return {low, low + 1 + row - begin(low)};
 }
+
+}  // namespace corvinade::import

@@ -10,6 +10,10 @@
 #include <span>
 #include <vector>
 
+#include "core/rooms.h"
+
+namespace corvinade::import {
+
 struct DistanceCandidate {
     std::int64_t StartRow = 0, TargetRow = 0;  // rows of the tables, from 0
     double Best1 = 0;                          // start distance less target distance, mm
@@ -41,3 +45,5 @@ struct PointPair {
     std::int64_t First = 0, Second = 0;
 };
 PointPair PairOfRow(std::int64_t row, std::int64_t count);
+
+}  // namespace corvinade::import

@@ -19,6 +19,8 @@
 #include "import/robot_program.h"
 #include "import/row_notes.h"
 
+namespace corvinade::import {
+
 namespace {
 
 // Behind the letter of a value stand " = ", and before what follows it its unit and what divides it from the
@@ -115,3 +117,5 @@ void EinlesenFanucDatei(const TargetFile& file) {
         throw;  // it tells where
     }
 }
+
+}  // namespace corvinade::import

@@ -19,6 +19,8 @@
 #include "import/point_file_checks.h"
 #include "import/robot_files.h"
 
+namespace corvinade::import {
+
 namespace {
 
 const ControlEntry kControls[] = {
@@ -325,3 +327,5 @@ void FormInputFiles::BtnApply_Click() {
 void FormInputFiles::BtnCancel_Click() {
     UnloadWindow("FormInputFiles");
 }
+
+}  // namespace corvinade::import

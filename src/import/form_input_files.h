@@ -5,7 +5,10 @@
 #include <vector>
 
 #include "core/arrays.h"
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::import {
 
 struct FormInputFiles {
     WindowState Window{.Caption = "Input Files"};
@@ -97,3 +100,5 @@ struct SpezialRecord {
     std::vector<Mat3> Blocks{Mat3{}};  // from 1
 };
 inline SpezialRecord Spezial;
+
+}  // namespace corvinade::import

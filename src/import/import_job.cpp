@@ -25,6 +25,8 @@
 #include "import/point_file.h"
 #include "import/row_notes.h"
 
+namespace corvinade::import {
+
 namespace {
 
 const std::string kNewLine = kLineEnd;
@@ -367,3 +369,5 @@ ImportOutcome Import(const ImportRequest& request) {
     Changed(What::Pairs);
     return IsTrue(Run.ImportFailed) ? ImportOutcome::NotRead : ImportOutcome::Done;
 }
+
+}  // namespace corvinade::import

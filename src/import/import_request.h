@@ -8,8 +8,11 @@
 #include <string>
 
 #include "core/platform.h"
+#include "core/rooms.h"
 #include "import/reading.h"
 #include "import/robot_files.h"
+
+namespace corvinade::import {
 
 // How the points that both files hold are found.
 enum class Pairing : std::uint8_t {
@@ -67,3 +70,5 @@ ImportOutcome Import(const ImportRequest& request);
 // The calculation window is begun anew with the points that have just come in, where it is open. The job is
 // changed.
 void ShowNewPoints();
+
+}  // namespace corvinade::import

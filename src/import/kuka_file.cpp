@@ -11,6 +11,8 @@
 #include "import/robot_program.h"
 #include "import/row_notes.h"
 
+namespace corvinade::import {
+
 namespace {
 
 // --- Words ------------------------------------------------------------------------------------------------
@@ -255,3 +257,5 @@ void ReadByDeclarations(const TargetFile& file) {
 void EinlesenKUKAdatDatei(const TargetFile& file) {
     file.ByDeclarations ? ReadByDeclarations(file) : ReadByBeginnings(file);
 }
+
+}  // namespace corvinade::import

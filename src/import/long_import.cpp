@@ -8,6 +8,8 @@
 #include "core/platform.h"
 #include "core/run.h"
 
+namespace corvinade::import {
+
 namespace {
 
 constexpr std::size_t kLargeFile_bytes = 4 << 20;
@@ -141,3 +143,5 @@ void CountAllPoints() {
     Run.JobDataValid = kFalse;
     ++Run.JobGeneration;
 }
+
+}  // namespace corvinade::import

@@ -12,6 +12,9 @@
 #include "core/arrays.h"
 #include "core/form_progress_bar.h"
 #include "core/point_set.h"
+#include "core/rooms.h"
+
+namespace corvinade::import {
 
 // What the job has before an import. Made before anything of it changes; the point sets move in here when the
 // import replaces them.
@@ -78,3 +81,5 @@ void ReplaceTarget(PointSet points);
 // Behind an import, however it ended: all points that are there count again, also those of a job that was
 // closed for it. Where some did not count the job is not valid, and has no pairs.
 void CountAllPoints();
+
+}  // namespace corvinade::import

@@ -19,6 +19,8 @@
 #include "import/name_order.h"
 #include "import/row_notes.h"
 
+namespace corvinade::import {
+
 namespace {
 
 // One of the job's two point sets, and what goes with its points.
@@ -265,3 +267,5 @@ void IdentischePkte_Neu() {
     Job.UseFlags.resize(3 * (pairs - 1) + 1, 1);
     if (DirectionSwitched()) MCS_OCS();
 }
+
+}  // namespace corvinade::import

@@ -3,6 +3,9 @@
 #pragma once
 
 #include "core/arrays.h"
+#include "core/rooms.h"
+
+namespace corvinade::import {
 
 // What the input dialog chooses for the matching.
 struct MatchingOptions {
@@ -30,3 +33,5 @@ void GetInfoFromData();
 // shows its progress and yields. Run.StopRequested, cleared first, ends it without a pair; so do points that
 // replace these ones meanwhile, with Run.ImportFailed and nothing written.
 void PärchenSuchen(const MatchingOptions& options);
+
+}  // namespace corvinade::import

@@ -5,6 +5,8 @@
 #include <bit>
 #include <cstring>
 
+namespace corvinade::import {
+
 namespace {
 
 constexpr std::size_t kWidth = 50;
@@ -205,3 +207,5 @@ NameOrder JoinOrders(std::span<const std::string> firstNames, const NameOrder& f
     if (!joined.Distinct) OrderLevelNames(joined, n1 + n2, goesOn);
     return joined;
 }
+
+}  // namespace corvinade::import

@@ -12,6 +12,10 @@
 #include <string_view>
 #include <vector>
 
+#include "core/rooms.h"
+
+namespace corvinade::import {
+
 // Negative, 0, positive as the first name stands before, level with or behind the second.
 int CompareNames(std::string_view first, std::string_view second);
 
@@ -38,3 +42,5 @@ NameOrder JoinOrders(std::span<const std::string> firstNames, const NameOrder& f
 // is called every few milliseconds, gives false.
 bool QuicksortRanks(std::span<std::int32_t> rank, std::span<std::int32_t> place,
                     const std::function<bool()>& goesOn = {});
+
+}  // namespace corvinade::import

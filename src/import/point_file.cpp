@@ -22,6 +22,8 @@
 #include "import/point_text.h"
 #include "import/row_notes.h"
 
+namespace corvinade::import {
+
 namespace {
 
 // Points as they come from a file.
@@ -288,3 +290,5 @@ void RewritePointFile(const std::string& path, std::span<const std::string> name
         throw;
     }
 }
+
+}  // namespace corvinade::import

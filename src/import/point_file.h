@@ -8,7 +8,10 @@
 
 #include "core/arrays.h"
 #include "core/platform.h"
+#include "core/rooms.h"
 #include "import/reading.h"
+
+namespace corvinade::import {
 
 // What may stand in the fifth field of a point of an adjusted network, where its distances leave points open:
 // such a one, whose coordinates are arbitrary, and all others. Any other fifth field is a remark.
@@ -46,3 +49,5 @@ bool ReadMorePoints(const std::string& path, const std::string& prefix, const st
 void RewritePointFile(const std::string& path, std::span<const std::string> names,
                       std::span<const TaggedValue> x, std::span<const TaggedValue> y,
                       std::span<const double> z, char decimal = SystemDecimal());
+
+}  // namespace corvinade::import

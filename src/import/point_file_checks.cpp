@@ -13,6 +13,8 @@
 #include "core/text.h"
 #include "import/long_import.h"
 
+namespace corvinade::import {
+
 namespace {
 
 const std::string kBreak = kLineEnd;
@@ -321,3 +323,5 @@ void Check_DecimalDelimiter(const std::string& path, const std::string& delimite
 void AnzZeilen(const std::string& path, std::int64_t& count) {
     AnzZeilen(LoadPointText(path), count);
 }
+
+}  // namespace corvinade::import

@@ -8,8 +8,11 @@
 #include <string>
 
 #include "core/arrays.h"
+#include "core/rooms.h"
 #include "import/point_text.h"
 #include "import/reading.h"
+
+namespace corvinade::import {
 
 // All checks on one file, in order, up to the first that fails.
 //   hasName    out: lines begin with a name, which is so unless the file has 3 columns
@@ -68,3 +71,5 @@ void RechtsIstString(const std::string& text, std::span<const std::string> texts
 
 // Does a text equal one of the texts, element 0 left aside?
 void StringGleichFeld(const std::string& text, std::span<const std::string> texts, Flag& result);
+
+}  // namespace corvinade::import

@@ -9,6 +9,8 @@
 #include "core/text.h"
 #include "fit/require.h"
 
+namespace corvinade::import {
+
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -276,3 +278,5 @@ const LineCensus& CensusOf(PointText& file, char delimiter, char mark) {
     TakeCensus(file.Text, census);
     return census;
 }
+
+}  // namespace corvinade::import

@@ -7,6 +7,9 @@
 #include <string_view>
 
 #include "core/files.h"
+#include "core/rooms.h"
+
+namespace corvinade::import {
 
 // What the lines of a text hold of two characters.
 struct LineCensus {
@@ -62,3 +65,5 @@ const LineCensus& CensusOf(PointText& file, char delimiter, char mark);
 
 // Number of lines that hold at least one character.
 std::int64_t CountFilledLines(std::string_view text);
+
+}  // namespace corvinade::import

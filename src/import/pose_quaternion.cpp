@@ -10,6 +10,8 @@
 #include "engine/transform.h"
 #include "fit/quaternion.h"
 
+namespace corvinade::import {
+
 namespace {
 
 using Quaternion = std::array<double, 4>;
@@ -95,3 +97,5 @@ void NoteMatrixAngles(const RobotProgram& program, const MatrixAngles& fromMatri
                 program.File.Path, static_cast<int>(fromMatrix.FirstMisread),
                 static_cast<int>(fromMatrix.Misread));
 }
+
+}  // namespace corvinade::import

@@ -4,7 +4,10 @@
 #include <array>
 #include <cstdint>
 
+#include "core/rooms.h"
 #include "import/robot_program.h"
+
+namespace corvinade::import {
 
 // Which poses have their angles from the rotation itself.
 struct MatrixAngles {
@@ -29,3 +32,5 @@ PoseAngles AnglesOfQuaternion(const std::array<double, 4>& q, const RobotProgram
 
 // Notes them; nothing when there are none.
 void NoteMatrixAngles(const RobotProgram& program, const MatrixAngles& fromMatrix);
+
+}  // namespace corvinade::import

@@ -14,6 +14,8 @@
 #include "import/robot_program.h"
 #include "import/row_notes.h"
 
+namespace corvinade::import {
+
 namespace {
 
 // Reads the number at the start of a field, whatever the system's settings. A comma in it can only be a
@@ -105,3 +107,5 @@ void EinlesenXYZABC(const TargetFile& file) {
                      poses.Take(program, {v[0], v[1], v[2]}, {v[3], v[4], v[5]}, name);
                  });
 }
+
+}  // namespace corvinade::import

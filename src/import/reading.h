@@ -5,6 +5,9 @@
 #include <string>
 
 #include "core/platform.h"
+#include "core/rooms.h"
+
+namespace corvinade::import {
 
 struct Reading {
     // In the numbers of text files. Whether a file with the other one shall be changed is asked.
@@ -13,3 +16,5 @@ struct Reading {
     std::function<bool(const std::string& text, const std::string& title)> YesNo =
         [](const std::string& text, const std::string& title) { return AskYesNo(text, title); };
 };
+
+}  // namespace corvinade::import

@@ -5,6 +5,8 @@
 
 #include "fit/require.h"
 
+namespace corvinade::import {
+
 TargetKind TargetKindByName(std::string_view name) {
     const auto kinds = InputKinds();
     const auto found =
@@ -28,3 +30,5 @@ void MakeJobOfKind(TargetKind kind) {
     for (const InputKind& other : InputKinds())
         if (other.IsKind != nullptr) *other.IsKind = ToFlag(other.Kind == kind);
 }
+
+}  // namespace corvinade::import

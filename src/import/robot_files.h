@@ -11,8 +11,11 @@
 
 #include "core/arrays.h"
 #include "core/job.h"
+#include "core/rooms.h"
 #include "core/run.h"
 #include "import/reading.h"
+
+namespace corvinade::import {
 
 // A target file and how it is read.
 struct TargetFile {
@@ -100,3 +103,5 @@ std::vector<std::string> TargetKindNames();
 
 // Sets the flag of a kind and clears all others.
 void MakeJobOfKind(TargetKind kind);
+
+}  // namespace corvinade::import

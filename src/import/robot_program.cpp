@@ -15,6 +15,8 @@
 #include "core/units.h"
 #include "import/long_import.h"
 
+namespace corvinade::import {
+
 RobotProgram::RobotProgram(const TargetFile& file)
     : File(LoadPointText(file.Path)), Lines(File), Decimal(file.How.Decimal) {}
 
@@ -124,3 +126,5 @@ void PoseTable::Take(const RobotProgram& program, const std::array<double, 3>& p
         lowest_[k] = std::min(lowest_[k], angles[k]);
     }
 }
+
+}  // namespace corvinade::import

@@ -11,8 +11,11 @@
 
 #include "core/arrays.h"
 #include "core/point_set.h"
+#include "core/rooms.h"
 #include "import/point_text.h"
 #include "import/robot_files.h"
+
+namespace corvinade::import {
 
 // What a note on poses left out ends with.
 inline constexpr const char* kNumberedByTurn = "; those that are taken are numbered by their turn";
@@ -88,3 +91,5 @@ private:
     // Of the angles as the file has them.
     PoseAngles highest_{-1e10, -1e10, -1e10}, lowest_{1e10, 1e10, 1e10};
 };
+
+}  // namespace corvinade::import

@@ -15,6 +15,8 @@
 #include "import/point_file_checks.h"
 #include "import/point_text.h"
 
+namespace corvinade::import {
+
 namespace {
 
 std::string Quoted(std::string_view text) {
@@ -353,3 +355,5 @@ void NamesSeen::Add(const std::string& key, std::string_view name, std::int64_t 
 void NamesSeen::Write(const std::string& path) const {
     if (count_ > 0) NoteTwice(path, again_, lines_[0], lines_[1], count_);
 }
+
+}  // namespace corvinade::import

@@ -11,7 +11,10 @@
 #include <vector>
 
 #include "core/notes.h"
+#include "core/rooms.h"
 #include "import/point_text.h"
+
+namespace corvinade::import {
 
 // The fields of a row, by the names that notes give them; a name, where rows have one, is called so and comes
 // first.
@@ -116,3 +119,5 @@ void NoteDoubleName(const std::string& path, std::string_view name);
 // The same for all names of a file that stand in it again: the first of them with its lines, and their count.
 void NoteDoubleNames(const std::string& path, std::span<const std::string> names);  // from 1 on; "" is none
 void NoteDoubleNames(const PointText& file, char delimiter);  // first fields of its lines
+
+}  // namespace corvinade::import

@@ -5,6 +5,8 @@
 #include "core/text.h"
 #include "import/point_file_checks.h"
 
+namespace corvinade::import {
+
 void AnzSpalten(const std::string& line, std::int32_t& count, const std::string& delimiter) {
     count = 0;
     const char sign = DelimiterCharacter(delimiter);
@@ -59,3 +61,5 @@ void RechtsIstString(const std::string& text, std::span<const std::string> texts
 void StringGleichFeld(const std::string& text, std::span<const std::string> texts, Flag& result) {
     result = ToFlag(!texts.empty() && IsOneOf(text, texts.subspan(1)));
 }
+
+}  // namespace corvinade::import

@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <unordered_map>
 
+namespace corvinade::paint {
+
 namespace {
 
 constexpr double kStepsOfRadius = 4;  // radii that differ less share a disc
@@ -88,3 +90,5 @@ void PutStamp(Surface& screen, const DiscStamp& stamp, int column, int row, std:
         mix(solidStop, stop);
     }
 }
+
+}  // namespace corvinade::paint

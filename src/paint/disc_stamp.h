@@ -5,7 +5,10 @@
 #include <cstdint>
 #include <vector>
 
+#include "core/rooms.h"
 #include "graphics/surface.h"
+
+namespace corvinade::paint {
 
 // What a disc covers, pixels of the device, row by row from `Top`; every row from its own `First`.
 struct DiscRow {
@@ -25,3 +28,5 @@ const DiscStamp& DiscStampOf(double radius, double scale);
 
 // Puts it about the pixel (column, row), as far as that is in the picture.
 void PutStamp(Surface& screen, const DiscStamp& stamp, int column, int row, std::uint32_t colour);
+
+}  // namespace corvinade::paint

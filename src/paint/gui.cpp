@@ -7,6 +7,8 @@
 #include <clocale>
 #include <string>
 
+namespace corvinade::paint {
+
 namespace {
 
 void SayNothing(QtMsgType, const QMessageLogContext&, const QString&) {}
@@ -27,3 +29,5 @@ void EnsureGui() {
     qInstallMessageHandler(handler);
     std::setlocale(LC_NUMERIC, kept.c_str());
 }
+
+}  // namespace corvinade::paint

@@ -3,7 +3,10 @@
 
 #include <QImage>
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::paint {
 
 // The picture alone, without labels, as the window last painted it; it shares the surface's memory. A null
 // image for a surface that something else filled.
@@ -14,3 +17,5 @@ QImage BarePictureOf(const Surface& screen);
 QImage PictureOf(const ScreenWindow& window);
 // The same into an image that keeps its memory from one paint to the next.
 void PictureInto(QImage& picture, const ScreenWindow& window);
+
+}  // namespace corvinade::paint

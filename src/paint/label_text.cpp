@@ -18,6 +18,8 @@
 #include "paint/gui.h"
 #include "paint/picture.h"
 
+namespace corvinade::paint {
+
 namespace {
 
 constexpr double kPixelsToPoint = 4.0 / 3;  // logical ones
@@ -272,3 +274,5 @@ double FontTextWidth(const TextFont& font, const std::string& text) {
 double FontTextHeight(const TextFont& font) {
     return std::ceil(MasksOf(font, 1).Metrics.height());
 }
+
+}  // namespace corvinade::paint

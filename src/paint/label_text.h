@@ -4,7 +4,10 @@
 #include <QImage>
 #include <string>
 
+#include "core/rooms.h"
 #include "core/text_font.h"
+
+namespace corvinade::paint {
 
 // Writes `text` with its top left corner at (x, y), logical pixels; `scale` pixels of the image to the
 // logical one. What lies outside the image is cut off. Nothing around the letters is covered.
@@ -22,3 +25,5 @@ void DrawFontText(QImage& picture, double scale, float x, float y, const std::st
 // 0 its start, 1 its end.
 void DrawTextOnLine(QImage& picture, double scale, double x, double y, double share, const std::string& text,
                     QRgb colour, const TextFont& font);
+
+}  // namespace corvinade::paint

@@ -4,7 +4,10 @@
 #include <QImage>
 #include <QPainter>
 
+#include "core/rooms.h"
 #include "graphics/surface.h"
+
+namespace corvinade::paint {
 
 constexpr int kLargestSide = 32767;  // pixels of the device; QPainter counts no further
 
@@ -27,3 +30,5 @@ inline QRgb RgbOf(Colour colour) {
 // At Scale 1 it draws in whole pixels, otherwise softly, with (0, 0) in the middle of the first logical
 // pixel.
 QPainter& OpenPainter(const Surface& screen, Picture& picture);
+
+}  // namespace corvinade::paint

@@ -20,6 +20,8 @@
 #include "paint/painted_surface.h"
 #include "paint/plot_strokes.h"
 
+namespace corvinade::paint {
+
 QPainter& OpenPainter(const Surface& screen, Picture& picture) {
     if (picture.Painter.isActive()) return picture.Painter;
     picture.Painter.begin(&picture.Image);
@@ -273,3 +275,5 @@ bool WritePicture(const ScreenWindow& window, const std::string& path) {
     WriteFile(path, bytes);
     return true;
 }
+
+}  // namespace corvinade::paint

@@ -4,7 +4,10 @@
 
 #include <string>
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::paint {
 
 // For the hook FillSurface (graphics/screen_window.h). `screen` has Width and Height, and its Scale where a
 // logical pixel is not one of the device. At Scale 1 all is drawn in whole pixels without antialiasing.
@@ -24,3 +27,5 @@ std::string PictureBytes(const Surface& screen, const std::string& title);
 // The same as PictureBytes of a window, into a file. False where the window keeps no picture. Throws
 // PlatformError as WriteFile.
 bool WritePicture(const ScreenWindow& window, const std::string& path);
+
+}  // namespace corvinade::paint

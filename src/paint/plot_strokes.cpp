@@ -7,6 +7,8 @@
 #include "paint/label_text.h"
 #include "paint/painted_surface.h"
 
+namespace corvinade::paint {
+
 namespace {
 
 // A pixel of the device, kept to a range that sums and products of pixels fit in.
@@ -104,3 +106,5 @@ void FillSurfaceWithPlotStrokes(Surface& screen) {
     screen.Spot = DrawSpot;
     screen.Spots = DrawSpots;
 }
+
+}  // namespace corvinade::paint

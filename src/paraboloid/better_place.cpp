@@ -17,6 +17,8 @@
 #include "paraboloid/paraboloid.h"
 #include "paraboloid/shape.h"
 
+namespace corvinade::paraboloid {
+
 namespace {
 
 using Values = std::vector<double>;
@@ -386,3 +388,5 @@ PassEnd SearchBeside(ShapePasses& passes, BesideSearch& found) {
     if (found.Better) land.Put(search.Best().Place);
     return PassEnd::Done;
 }
+
+}  // namespace corvinade::paraboloid

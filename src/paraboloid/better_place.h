@@ -3,7 +3,10 @@
 // passes end is a matter of where they began.
 #pragma once
 
+#include "core/rooms.h"
 #include "paraboloid/shape_passes.h"
+
+namespace corvinade::paraboloid {
 
 struct BesideSearch {
     bool Better = false;  // the job's parameters are those of a place with a lesser sum than before
@@ -25,3 +28,5 @@ struct BesideSearch {
 // nothing is better, to the last bit.
 //   Lost  the job's points were replaced; nothing is written
 PassEnd SearchBeside(ShapePasses& passes, BesideSearch& found);
+
+}  // namespace corvinade::paraboloid

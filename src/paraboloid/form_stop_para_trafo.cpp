@@ -4,6 +4,8 @@
 #include "engine/form_trafo_berechnung.h"
 #include "paraboloid/paraboloid.h"
 
+namespace corvinade::paraboloid {
+
 namespace {
 
 const ControlEntry kControls[] = {
@@ -46,3 +48,5 @@ void CloseStopWindow() {
     TrafoWindow.Window.Enabled = enabled;
     ParaboloidRun.ParaStopRequested = stop;
 }
+
+}  // namespace corvinade::paraboloid

@@ -1,7 +1,10 @@
 // The small window whose button ends the fit to a shape. It is open while the fit runs.
 #pragma once
 
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::paraboloid {
 
 struct FormStopParaTrafo {
     WindowState Window{.Caption = "Paraboloid"};
@@ -21,3 +24,5 @@ void StopIt();
 
 // Closes this window without ending anything.
 void CloseStopWindow();
+
+}  // namespace corvinade::paraboloid

@@ -10,6 +10,8 @@
 #include "paraboloid/paraboloid.h"
 #include "paraboloid/shape_passes.h"
 
+namespace corvinade::paraboloid {
+
 namespace {
 
 using Values = std::vector<double>;
@@ -180,3 +182,5 @@ PassEnd GoToRest(ShapePasses& passes, bool& moved) {
     if (moved) held.Put(best.Place);
     return PassEnd::Done;
 }
+
+}  // namespace corvinade::paraboloid

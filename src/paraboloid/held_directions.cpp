@@ -13,6 +13,8 @@
 #include "engine/transform.h"
 #include "paraboloid/shape.h"
 
+namespace corvinade::paraboloid {
+
 namespace {
 
 std::size_t At(int i) {
@@ -250,3 +252,5 @@ std::vector<double> SigmasByDistances(const ShapePasses& passes) {
     }
     return sigmas;
 }
+
+}  // namespace corvinade::paraboloid

@@ -4,8 +4,11 @@
 
 #include <vector>
 
+#include "core/rooms.h"
 #include "engine/design.h"
 #include "paraboloid/shape_passes.h"
+
+namespace corvinade::paraboloid {
 
 // Coordinates of the floating parameters, each as the millimetres that it moves a point at the cloud's edge
 // by.
@@ -62,3 +65,5 @@ std::vector<int> OpenOfShape(const ShapePasses& passes);
 // stand in the job; mm, rad, or 1 for a scale. 0 for a parameter that does not float, NaN for one that the
 // shape leaves open. Empty without a point to spare.
 std::vector<double> SigmasByDistances(const ShapePasses& passes);
+
+}  // namespace corvinade::paraboloid

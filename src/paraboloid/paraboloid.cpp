@@ -30,6 +30,8 @@
 #include "paraboloid/shape.h"
 #include "paraboloid/shape_passes.h"
 
+namespace corvinade::paraboloid {
+
 namespace {
 
 std::size_t At(int i) {
@@ -365,3 +367,5 @@ void CalculateParaboloid() {
     // Beside a scale that has collapsed lesser ones are all better.
     if (end == LoopEnd::Rest && !IsTrue(Job.Collapsed)) NoteBeside(beside);
 }
+
+}  // namespace corvinade::paraboloid

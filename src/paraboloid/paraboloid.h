@@ -9,6 +9,9 @@
 
 #include "core/arrays.h"
 #include "core/job.h"
+#include "core/rooms.h"
+
+namespace corvinade::paraboloid {
 
 // How a parameter has moved over the last passes. Points slide along a surface with little resistance, so
 // a parameter that moves steadily is sent ahead.
@@ -85,3 +88,5 @@ bool RunMonteCarloOfShape();
 void PutTarget(int i, const Vec3& target);
 
 // Shows the targets wherever they are on show.
+
+}  // namespace corvinade::paraboloid

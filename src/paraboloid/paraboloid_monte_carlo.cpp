@@ -7,6 +7,8 @@
 #include "paraboloid/paraboloid.h"
 #include "paraboloid/shape_passes.h"
 
+namespace corvinade::paraboloid {
+
 namespace {
 
 // The outer loop on the points as they stand.
@@ -70,3 +72,5 @@ bool RunMonteCarloOfShape() {
     MonteCarlo.MonteCarloDone = ToFlag(complete);
     return true;
 }
+
+}  // namespace corvinade::paraboloid

@@ -3,6 +3,8 @@
 
 #include "paraboloid/paraboloid.h"
 
+namespace corvinade::paraboloid {
+
 namespace {
 
 const RecordEntry kRecords[] = {
@@ -28,3 +30,5 @@ const RecordEntry kRecords[] = {
 std::span<const RecordEntry> ParaboloidRecords() {
     return kRecords;
 }
+
+}  // namespace corvinade::paraboloid

@@ -2,5 +2,10 @@
 #pragma once
 
 #include "core/records.h"
+#include "core/rooms.h"
+
+namespace corvinade::paraboloid {
 
 std::span<const RecordEntry> ParaboloidRecords();
+
+}  // namespace corvinade::paraboloid

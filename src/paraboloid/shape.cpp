@@ -13,6 +13,8 @@
 #include "fit/require.h"
 #include "fit/vector.h"
 
+namespace corvinade::paraboloid {
+
 namespace {
 
 // The profile and the point in its half plane.
@@ -193,3 +195,5 @@ bool JobHasShape() {
         "There is no shape of a paraboloid to fit to. Please import a shape file with at least 2 rows.");
     return false;
 }
+
+}  // namespace corvinade::paraboloid

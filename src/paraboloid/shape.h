@@ -2,6 +2,9 @@
 #pragma once
 
 #include "core/arrays.h"
+#include "core/rooms.h"
+
+namespace corvinade::paraboloid {
 
 // Is there enough of a shape to put points onto? Its table has the columns 1 radius and 2 height, mm, from
 // row 1 on; two rows make the first segment.
@@ -35,3 +38,5 @@ ShapeFoot NearestShapeFoot(double x, double y, double z, const Matrix& Paraboloi
 
 // True where the job has a shape that serves; otherwise false, and a message says what is missing.
 bool JobHasShape();
+
+}  // namespace corvinade::paraboloid

@@ -20,6 +20,8 @@
 #include "paraboloid/paraboloid.h"
 #include "paraboloid/shape.h"
 
+namespace corvinade::paraboloid {
+
 namespace {
 
 struct ProfilePoint {
@@ -280,3 +282,5 @@ void ParaboloidNearestTargets() {
     }
     Changed(What::Coordinates);
 }
+
+}  // namespace corvinade::paraboloid

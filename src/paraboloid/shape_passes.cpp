@@ -10,6 +10,8 @@
 #include "engine/transform.h"
 #include "paraboloid/shape.h"
 
+namespace corvinade::paraboloid {
+
 namespace {
 
 std::size_t At(int i) {
@@ -57,3 +59,5 @@ PassEnd ShapePasses::Pass() {
     Statistics(Fit.v, Fit.P, Fit.n, s0, sx, sy, sz);
     return Adjustment.Converged && Adjustment.Finite ? PassEnd::Done : PassEnd::Failed;
 }
+
+}  // namespace corvinade::paraboloid

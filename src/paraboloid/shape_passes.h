@@ -4,7 +4,10 @@
 
 #include <cstdint>
 
+#include "core/rooms.h"
 #include "engine/norms.h"
+
+namespace corvinade::paraboloid {
 
 enum class PassEnd {
     Done,
@@ -37,3 +40,5 @@ struct ShapePasses {
 //   moved  out: the parameters are others than before
 //   Lost   the parameters are left as they are
 PassEnd GoToRest(ShapePasses& passes, bool& moved);
+
+}  // namespace corvinade::paraboloid

@@ -14,6 +14,8 @@
 #include "ui/qt_text.h"
 #include "ui/widget_kinds.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 std::map<const WindowEntry*, std::vector<Bound>>& AllBound() {
@@ -122,3 +124,5 @@ void ShowControls(const WindowEntry& window, bool withPanels) {
         bound.Ever = true;
     }
 }
+
+}  // namespace corvinade::ui

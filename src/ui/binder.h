@@ -4,9 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
 #include "core/window.h"
 
 class QWidget;
+
+namespace corvinade::ui {
 
 // Connects every control of `window` with the widget of its name below `top`. Gives what does not fit, a line
 // a fault: a control without a widget, a widget without a control (names that begin with "_" and the
@@ -22,3 +25,5 @@ void ShowControls(const WindowEntry& window, bool withPanels = true);
 
 // Lets the next ShowControls show everything anew, as a new palette needs it.
 void ForgetShown();
+
+}  // namespace corvinade::ui

@@ -20,6 +20,8 @@
 #include "ui/desktop.h"
 #include "ui/qt_text.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 constexpr const char* kPlace = "Chart";
@@ -172,3 +174,5 @@ void ShowChart(const QWidget& form) {
         QTimer::singleShot(0, view, [] { UserDid([] { Dispatch(Grafik_Failed); }); });
     }
 }
+
+}  // namespace corvinade::ui

@@ -10,6 +10,8 @@
 #include "core/platform.h"
 #include "ui/qt_text.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 constexpr qint64 kBetweenCopies_ms = 100;
@@ -41,6 +43,10 @@ void PutClipboard(bool insideWork) {
     QApplication::clipboard()->setText(Q(Copies.Put));
 }
 
+}  // namespace corvinade::ui
+
+namespace corvinade::core {
+
 std::string ClipboardText() {
     return Copies.Waiting ? *Copies.Waiting : S(QApplication::clipboard()->text());
 }
@@ -64,3 +70,5 @@ bool SetClipboardPicture(int width, int height, const std::uint32_t* pixels, std
     QApplication::clipboard()->setImage(picture);
     return true;
 }
+
+}  // namespace corvinade::core

@@ -10,6 +10,8 @@
 #include "ui/colours.h"
 #include "ui/qt_text.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 constexpr const char* kPlace = "ScreenColorBar";
@@ -89,3 +91,5 @@ void ShowColourSample(const QWidget& form) {
     events->shown = std::move(now);
     place->update();
 }
+
+}  // namespace corvinade::ui

@@ -4,7 +4,10 @@
 #include <QColor>
 #include <cstdint>
 
+#include "core/rooms.h"
 #include "core/window.h"
+
+namespace corvinade::ui {
 
 // Text on the logic's own colours is dark, whatever the palette; dark enough for a red ground.
 inline constexpr QRgb kDarkText = 0xFF101010;
@@ -17,3 +20,5 @@ inline QColor ColourOf(std::int32_t rgb) {
 inline bool IsDesktopGround(std::int32_t rgb) {
     return rgb == kSystemColour || rgb == 0xFFFFFF;
 }
+
+}  // namespace corvinade::ui

@@ -29,6 +29,8 @@
 #include "ui/qt_text.h"
 #include "ui/screen_windows.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 // Work that writes a text at every step shows it no more often than this.
@@ -293,3 +295,5 @@ void UserDid(const std::function<void()>& action) {
     --Desktop.Events;
     ShowState(Desktop.Events > 0);
 }
+
+}  // namespace corvinade::ui

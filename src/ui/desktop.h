@@ -4,10 +4,13 @@
 #include <QString>
 #include <functional>
 
+#include "core/rooms.h"
 #include "core/window.h"
 
 class QMainWindow;
 class QWidget;
+
+namespace corvinade::ui {
 
 // Builds the frame. The logic's start (StartUp) comes after it; the frame shows itself with its first message
 // or when it is over.
@@ -33,3 +36,5 @@ QWidget* WidgetOf(const WindowEntry& window);
 
 // Where dialogs of the system belong: the active window, or the frame.
 QWidget* DialogParent();
+
+}  // namespace corvinade::ui

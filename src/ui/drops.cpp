@@ -16,6 +16,8 @@
 #include "ui/desktop.h"
 #include "ui/qt_text.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 bool IsJob(const std::string& path) {
@@ -93,3 +95,5 @@ void OpenDropped(const std::vector<std::string>& paths) {
         });
     });
 }
+
+}  // namespace corvinade::ui

@@ -4,7 +4,11 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
+
 class QObject;
+
+namespace corvinade::ui {
 
 // Takes them wherever they fall: a filter for the events of the whole application.
 QObject* NewDrops(QObject& parent);
@@ -14,3 +18,5 @@ bool CanBeDropped(const std::vector<std::string>& paths);
 
 // What was dropped: a job is opened, point files go to the input dialog. Anything else is left alone.
 void OpenDropped(const std::vector<std::string>& paths);
+
+}  // namespace corvinade::ui

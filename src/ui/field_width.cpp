@@ -4,6 +4,8 @@
 #include <QLineEdit>
 #include <algorithm>
 
+namespace corvinade::ui {
+
 namespace {
 
 constexpr int kMostDigits = 30;
@@ -20,3 +22,5 @@ void FitWidthToText(QLineEdit& field) {
         std::min(metrics.horizontalAdvance(field.text()), kMostDigits * metrics.horizontalAdvance('0'));
     if (text + kBeside > field.minimumWidth()) field.setMinimumWidth(text + kBeside);
 }
+
+}  // namespace corvinade::ui

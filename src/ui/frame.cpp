@@ -24,6 +24,8 @@
 #include "ui/qt_text.h"
 #include "ui/theme.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 void AddPanels(QStatusBar& bar) {
@@ -133,3 +135,5 @@ void ShowStoredTheme() {
     }
     ShowTheme(theme);
 }
+
+}  // namespace corvinade::ui

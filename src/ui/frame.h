@@ -1,8 +1,12 @@
 // The frame's bars, its theme, and its menus that pop up.
 #pragma once
 
+#include "core/rooms.h"
+
 class QMainWindow;
 class QMdiArea;
+
+namespace corvinade::ui {
 
 // Gives the frame, as its form has it, all that no form can say: panels, icons, the list of views, themes.
 void FurnishFrame(QMainWindow& frame);
@@ -15,3 +19,5 @@ void ShowPopUpMenu(const QMainWindow& frame);
 
 // Light or dark as the settings have it.
 void ShowStoredTheme();
+
+}  // namespace corvinade::ui

@@ -19,6 +19,8 @@
 #include "ui/desktop.h"
 #include "ui/qt_text.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 // --- Columns as wide as what stands in them ---------------------------------------------------------------
@@ -438,3 +440,5 @@ void ShowGrid(Control& control, QTableView& view) {
     view.viewport()->update();
     heading.viewport()->update();
 }
+
+}  // namespace corvinade::ui

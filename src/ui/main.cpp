@@ -11,6 +11,8 @@
 #include "ui/start_screen.h"
 #include "ui/theme.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 void AddOptions(QCommandLineParser& parser) {
@@ -35,6 +37,10 @@ bool IsOnlyAsked(int argc, char** argv) {
 }
 
 }  // namespace
+
+}  // namespace corvinade::ui
+
+using namespace corvinade;
 
 int main(int argc, char** argv) {
     LetTooLargeFilesRefuse();

@@ -19,6 +19,8 @@
 #include "core/settings.h"
 #include "ui/qt_text.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 // A stored width or height below this is none: a settings file without one gives 1000.
@@ -230,3 +232,5 @@ void TakePlace(const WindowEntry& window, const QWidget& outer) {
     window.State->Place = {outer.x() * kTwips, outer.y() * kTwips, outer.width() * kTwips,
                            outer.height() * kTwips};
 }
+
+}  // namespace corvinade::ui

@@ -4,11 +4,14 @@
 #include <QRect>
 #include <string_view>
 
+#include "core/rooms.h"
 #include "core/window.h"
 
 class QMainWindow;
 class QMdiArea;
 class QWidget;
+
+namespace corvinade::ui {
 
 // Where the frame stood at the last end of the program; at the first start in the middle of the screen, its
 // title and borders on it too. No place is off every screen. To be called before the frame is shown.
@@ -31,3 +34,5 @@ QRect ScreenPlace(const WindowPlace& place, std::string_view name, bool first, c
 
 // Where the window stands now becomes its place.
 void TakePlace(const WindowEntry& window, const QWidget& outer);
+
+}  // namespace corvinade::ui

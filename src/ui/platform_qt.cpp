@@ -34,6 +34,8 @@
 #include "ui/screen_windows.h"
 #include "ui/start_screen.h"
 
+namespace corvinade::core {
+
 namespace {
 
 // Waiting events are served no more often than this, so that work that yields at every step stays quick.
@@ -276,3 +278,5 @@ void PreferLargePages([[maybe_unused]] void* block, [[maybe_unused]] std::size_t
     madvise(static_cast<char*>(block) + before, (size - before) / kLargePage * kLargePage, MADV_HUGEPAGE);
 #endif
 }
+
+}  // namespace corvinade::core

@@ -8,6 +8,8 @@
 #include "ui/colour_sample.h"
 #include "ui/trumpet_view.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 struct PlotRow {
@@ -30,3 +32,5 @@ void ShowPlot(const WindowEntry& window, const QWidget& form) {
     for (const PlotRow& plot : kPlots)
         if (plot.Window == &window) plot.Show(form);
 }
+
+}  // namespace corvinade::ui

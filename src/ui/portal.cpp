@@ -6,6 +6,8 @@
 #include <QDBusVariant>
 #include <QTimer>
 
+namespace corvinade::ui {
+
 namespace {
 
 constexpr const char* kService = "org.freedesktop.portal.Desktop";
@@ -51,3 +53,5 @@ void WatchDesktop(QObject* owner, const std::function<void()>& changed) {
                                           QLatin1String(kSettings), QStringLiteral("SettingChanged"), timer,
                                           SLOT(start()));
 }
+
+}  // namespace corvinade::ui

@@ -15,6 +15,8 @@
 #include "ui/desktop.h"
 #include "ui/screen_windows.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 // The window of the logic that a dialog on the screen shows, or null.
@@ -83,3 +85,5 @@ public:
 QObject* NewProgramKeys(QObject& parent) {
     return new Keys(&parent);
 }
+
+}  // namespace corvinade::ui

@@ -4,6 +4,10 @@
 #include <QString>
 #include <string>
 
+#include "core/rooms.h"
+
+namespace corvinade::ui {
+
 inline QString Q(const std::string& text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
@@ -16,3 +20,5 @@ inline std::string S(const QString& text) {
 
 // Places of windows are kept in twips, 15 to the logical pixel.
 inline constexpr int kTwips = 15;
+
+}  // namespace corvinade::ui

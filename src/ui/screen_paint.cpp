@@ -12,6 +12,8 @@
 #include "ui/qt_text.h"
 #include "ui/theme.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 void PaintPicture(QPainter& painter, const ScreenWindow& window, const QImage& picture, const QSize& size) {
@@ -126,3 +128,5 @@ void PaintScreen(QPainter& painter, const ScreenWindow& window, const QImage& pi
     PaintFrame(painter, window);
     if (window.BindingsShown) PaintBindings(painter, size);
 }
+
+}  // namespace corvinade::ui

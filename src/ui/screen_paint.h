@@ -7,7 +7,10 @@
 #include <QPainter>
 #include <QRect>
 
+#include "core/rooms.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::ui {
 
 // The picture with its labels, `size` large on the screen, and all that lies on it.
 //   picture  of PictureOf (paint/image.h)
@@ -17,3 +20,5 @@ void PaintScreen(QPainter& painter, const ScreenWindow& window, const QImage& pi
 QRect FrameOf(const ScreenWindow& window);
 
 QCursor PointerOf(ScreenPointer pointer);
+
+}  // namespace corvinade::ui

@@ -19,6 +19,8 @@
 #include "ui/screen_paint.h"
 #include "ui/screen_windows.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 // How far a press and its release may lie apart and still be a click, logical pixels.
@@ -264,3 +266,5 @@ void ScreenView::focusOutEvent(QFocusEvent* event) {
     if (Window() == nullptr) return;
     Did([](ScreenWindow& window) { ScreenPixel_KeyUp(window, "Shift"); });
 }
+
+}  // namespace corvinade::ui

@@ -9,8 +9,11 @@
 #include <array>
 #include <cstdint>
 
+#include "core/rooms.h"
 #include "graphics/screen_events.h"
 #include "graphics/screen_window.h"
+
+namespace corvinade::ui {
 
 // Rows at the lower edge of a picture that lie under the window's own status bar.
 inline constexpr int kScreenBarHeight = 24;
@@ -67,3 +70,5 @@ private:
     bool mayClick_ = false;
     int wheel_ = 0;  // what is left of the wheel's turning after whole steps
 };
+
+}  // namespace corvinade::ui

@@ -23,6 +23,8 @@
 #include "ui/qt_text.h"
 #include "ui/screen_view.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 // Under this name the place of the first window is kept.
@@ -259,3 +261,5 @@ bool IsReduced(const QWidget& view) {
 bool TakeRoundShown() {
     return std::exchange(Shown.RoundShown, false);
 }
+
+}  // namespace corvinade::ui

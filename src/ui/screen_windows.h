@@ -3,9 +3,17 @@
 
 #include <cstdint>
 
-struct ScreenWindow;
+#include "core/rooms.h"
+
 class QMdiArea;
 class QWidget;
+
+namespace corvinade::graphics {
+struct ScreenWindow;
+}
+
+namespace corvinade::ui {
+
 class ScreenView;
 
 // From here on new windows of the logic have a picture, and the size that they will have in the area.
@@ -23,3 +31,5 @@ bool IsReduced(const QWidget& view);             // to its mere title
 
 // A window whose picture runs by itself has shown a round since this was last asked.
 bool TakeRoundShown();
+
+}  // namespace corvinade::ui

@@ -12,6 +12,8 @@
 #include "ui/qt_text.h"
 #include "ui/theme.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 bool Skipped = false;
@@ -78,3 +80,5 @@ void ShowStartScreenFor(int milliseconds) {
     QObject::connect(timer, &QTimer::timeout, screen, &QWidget::close);
     timer->start(milliseconds);
 }
+
+}  // namespace corvinade::ui

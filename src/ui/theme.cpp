@@ -22,6 +22,8 @@
 #include "core/settings.h"
 #include "ui/portal.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 // The neutral colour that all icons are drawn in.
@@ -189,3 +191,5 @@ QIcon IconOf(const QString& name) {
     };
     return QIcon(new DrawingEngine(inked(QPalette::Active), inked(QPalette::Disabled)));
 }
+
+}  // namespace corvinade::ui

@@ -4,6 +4,10 @@
 #include <QIcon>
 #include <QString>
 
+#include "core/rooms.h"
+
+namespace corvinade::ui {
+
 // What the user has chosen in the settings menu.
 enum class Theme { Desktop, Light, Dark };
 
@@ -20,3 +24,5 @@ void ApplyTheme(Theme theme);
 // An icon of the family by its name, in the present text colour of the palette and sharp in every size; an
 // empty one where there is none.
 QIcon IconOf(const QString& name);
+
+}  // namespace corvinade::ui

@@ -19,6 +19,8 @@
 #include "ui/desktop.h"
 #include "ui/qt_text.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 constexpr const char* kPlace = "Trumpet";
@@ -213,3 +215,5 @@ void ShowTrumpet(const QWidget& form) {
             dynamic_cast<TrumpetEvents*>(place->findChild<QObject*>(QStringLiteral("_TrumpetEvents"))))
         events->ShowPresent();
 }
+
+}  // namespace corvinade::ui

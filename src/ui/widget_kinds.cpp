@@ -25,6 +25,8 @@
 #include "ui/grid_view.h"
 #include "ui/qt_text.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 // A caption on the screen: a line ends with a line feed alone there.
@@ -370,3 +372,5 @@ void Connect(const Bound& bound) {
     if (bound.Widget != nullptr && bound.State->Kind != ControlKind::Grid)
         bound.Widget->installEventFilter(new FieldEvents(*bound.State, *bound.Widget));
 }
+
+}  // namespace corvinade::ui

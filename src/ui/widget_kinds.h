@@ -5,11 +5,14 @@
 #include <string>
 #include <vector>
 
+#include "core/rooms.h"
 #include "core/window.h"
 
 class QAction;
 class QMenu;
 class QWidget;
+
+namespace corvinade::ui {
 
 // What the screen shows of a control.
 struct ShownState {
@@ -57,3 +60,5 @@ void ShowBound(Bound& bound);
 
 // Ties its signals to the control, once.
 void Connect(const Bound& bound);
+
+}  // namespace corvinade::ui

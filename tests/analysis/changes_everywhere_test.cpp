@@ -8,6 +8,8 @@
 #include "engine/calculation_window.h"
 #include "graphics/screen_window.h"
 
+using namespace corvinade;
+
 class ChangesEverywhere : public MainSheetJob {
 protected:
     ChangesEverywhere() {

@@ -13,6 +13,8 @@
 #include "core/settings.h"
 #include "engine/calculation_job.h"
 
+using namespace corvinade;
+
 class DistanceJob : public CalculationJob {
 protected:
     using Texts = std::vector<std::string>;

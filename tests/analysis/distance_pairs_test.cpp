@@ -6,6 +6,8 @@
 
 #include "analysis/distance_job.h"
 
+using namespace corvinade;
+
 namespace {
 
 using DistancePairs = DistanceJob;

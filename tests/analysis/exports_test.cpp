@@ -14,6 +14,8 @@
 #include "engine/calculation_window.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 class Exports : public Program {

@@ -19,6 +19,8 @@
 #include "engine/calculation_window.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace fs = std::filesystem;
 
 namespace {

@@ -5,6 +5,8 @@
 #include "analysis/import_files.h"
 #include "core/files.h"
 
+using namespace corvinade;
+
 namespace {
 
 using DistanceScaleTable = DistanceJob;

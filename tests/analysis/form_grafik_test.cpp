@@ -8,6 +8,8 @@
 #include "analysis/main_sheet_job.h"
 #include "core/form_main.h"
 
+using namespace corvinade;
+
 namespace {
 
 class Chart : public MainSheetJob {

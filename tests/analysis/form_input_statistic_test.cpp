@@ -12,6 +12,8 @@
 #include "import/robot_files.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 class Statistic : public Program {
 protected:
     Statistic() { StartUp(""); }

@@ -14,6 +14,8 @@
 #include "core/units.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 class Options : public Program {
 protected:
     Options() { StartUp(""); }

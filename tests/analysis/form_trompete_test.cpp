@@ -3,6 +3,8 @@
 
 #include "analysis/distance_job.h"
 
+using namespace corvinade;
+
 namespace {
 
 class TrumpetGraph : public DistanceJob {

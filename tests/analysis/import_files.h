@@ -6,6 +6,8 @@
 #include "core/window.h"
 #include "import/form_input_files.h"
 
+using namespace corvinade;
+
 // Imports both files with the systems named "Tracker" and "CAD" and leaves the dialog open.
 inline void ImportFiles(const std::string& startPath, const std::string& targetPath) {
     ShowWindow("FormInputFiles");

@@ -8,6 +8,8 @@
 #include "analysis/main_sheet_job.h"
 #include "engine/fit_reference.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr double pi = std::numbers::pi;

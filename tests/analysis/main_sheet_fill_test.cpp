@@ -4,6 +4,8 @@
 #include "analysis/main_sheet_job.h"
 #include "core/form_units.h"
 
+using namespace corvinade;
+
 namespace {
 
 const char* const kNoData = "No Data found; Problem in Modul FuellenHaupttabelle";

@@ -7,6 +7,8 @@
 #include "core/settings.h"
 #include "engine/calculation_job.h"
 
+using namespace corvinade;
+
 class MainSheetJob : public CalculationJob {
 protected:
     using Texts = std::vector<std::string>;

@@ -4,6 +4,8 @@
 #include "analysis/main_sheet_job.h"
 #include "core/files.h"
 
+using namespace corvinade;
+
 namespace {
 
 class MainSheetUse : public MainSheetJob {

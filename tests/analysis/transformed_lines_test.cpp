@@ -14,6 +14,8 @@
 #include "core/units.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 struct Result {

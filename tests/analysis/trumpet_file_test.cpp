@@ -9,6 +9,8 @@
 #include "core/numbers.h"
 #include "core/text.h"
 
+using namespace corvinade;
+
 namespace {
 
 class TrumpetFile : public DistanceJob {

@@ -6,6 +6,8 @@
 #include "analysis/distance_job.h"
 #include "core/numbers.h"
 
+using namespace corvinade;
+
 namespace {
 
 class TrumpetPlots : public DistanceJob {

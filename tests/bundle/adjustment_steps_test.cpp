@@ -4,6 +4,8 @@
 #include "bundle/network_job.h"
 #include "fit/matrix.h"
 
+using namespace corvinade;
+
 namespace {
 
 class AdjustmentSteps : public NetworkJob {

@@ -4,6 +4,8 @@
 #include "core/refresh.h"
 #include "core/units.h"
 
+using namespace corvinade;
+
 namespace {
 
 class NetworkFile : public NetworkJob {

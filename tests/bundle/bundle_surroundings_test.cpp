@@ -4,6 +4,8 @@
 #include "core/form_main.h"
 #include "core/form_progress_bar.h"
 
+using namespace corvinade;
+
 namespace {
 
 FormBündel& w = BündelWindow;

@@ -9,6 +9,8 @@
 #include "core/units.h"
 #include "engine/calculation_window.h"
 
+using namespace corvinade;
+
 namespace {
 
 FormBündel& w = BündelWindow;

@@ -6,6 +6,8 @@
 #include "bundle/network_job.h"
 #include "core/arrays.h"
 
+using namespace corvinade;
+
 namespace {
 
 using FreeNetwork = NetworkJob;

@@ -16,6 +16,8 @@
 #include "import/form_input_files.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using Place = std::array<double, 3>;
 
 // Stations and object points in a hall of some metres, in mm, every object point measured from every station.

@@ -4,6 +4,8 @@
 #include "core/notes.h"
 #include "core/refresh.h"
 
+using namespace corvinade;
+
 namespace {
 
 class NetworkNotes : public NetworkJob {

@@ -13,6 +13,8 @@
 #include "core/notes.h"
 #include "import/point_file.h"
 
+using namespace corvinade;
+
 namespace {
 
 class OpenPoints : public NetworkJob {

@@ -3,6 +3,8 @@
 #include "cli/fit_command.h"
 #include "core/files.h"
 
+using namespace corvinade;
+
 namespace {
 
 class BatchByNames : public Automated {

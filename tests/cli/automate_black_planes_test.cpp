@@ -5,6 +5,8 @@
 #include "cli/screen_automation.h"
 #include "core/fresh_start.h"
 
+using namespace corvinade;
+
 namespace {
 
 // A stair of six pairs seen from above: P0 at z = 0 mm, each further one 10 mm higher. Seen from above, depth

@@ -1,6 +1,8 @@
 // A network by the names of controls: from the input dialog to the job that is fitted.
 #include "cli/automation.h"
 
+using namespace corvinade;
+
 namespace {
 
 class BundleByName : public Automated {

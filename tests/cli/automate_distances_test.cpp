@@ -5,6 +5,8 @@
 #include "cli/automation.h"
 #include "core/text.h"
 
+using namespace corvinade;
+
 namespace {
 
 class DistancesByName : public Automated {

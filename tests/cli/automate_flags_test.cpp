@@ -4,6 +4,8 @@
 #include "cli/headless.h"
 #include "cli/screen_automation.h"
 
+using namespace corvinade;
+
 namespace {
 
 // All coordinates of the plate take part in the fit.

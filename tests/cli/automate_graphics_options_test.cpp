@@ -1,6 +1,8 @@
 // The switches of all graphics windows by names: the dialog, its effect in two windows, the font.
 #include "cli/screen_automation.h"
 
+using namespace corvinade;
+
 using GraphicsOptionsByNames = ScreenByNames;
 
 TEST_F(GraphicsOptionsByNames, ASwitchIsTurnedForAllWindows) {

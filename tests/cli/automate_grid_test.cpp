@@ -8,6 +8,8 @@
 #include "engine/fit_job.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using nlohmann::json;
 
 class GridsByName : public Program {

@@ -6,6 +6,8 @@
 #include "core/controller.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using nlohmann::json;
 
 class MainSheetByName : public Program {

@@ -4,6 +4,8 @@
 #include "core/notes.h"
 #include "core/window.h"
 
+using namespace corvinade;
+
 namespace {
 
 class NotesByName : public Automated {

@@ -4,6 +4,8 @@
 
 #include "cli/screen_automation.h"
 
+using namespace corvinade;
+
 namespace {
 
 struct OddJob {

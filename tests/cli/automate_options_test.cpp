@@ -5,6 +5,8 @@
 #include "cli/automate.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using nlohmann::json;
 
 class OptionsByName : public Program {

@@ -4,6 +4,8 @@
 
 #include "cli/automation.h"
 
+using namespace corvinade;
+
 namespace {
 
 const std::string kExamples = std::string(CORVINADE_SOURCE_DIR) + "/examples/";

@@ -6,6 +6,8 @@
 #include "cli/automation.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using nlohmann::json;
 
 namespace {

@@ -1,6 +1,8 @@
 // Saved views and the analyse mode of the graphics windows, by names alone.
 #include "cli/screen_automation.h"
 
+using namespace corvinade;
+
 namespace {
 
 class SavedViewsByNames : public ScreenByNames {

@@ -1,6 +1,8 @@
 // What a user does in a graphics window, by mouse, keys and dialogs, by names alone.
 #include "cli/screen_automation.h"
 
+using namespace corvinade;
+
 namespace {
 
 class ScreenEvents : public ScreenByNames {

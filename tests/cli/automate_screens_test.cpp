@@ -5,6 +5,8 @@
 #include "cli/screen_automation.h"
 #include "core/window.h"
 
+using namespace corvinade;
+
 namespace {
 
 using Screens = ScreenByNames;

@@ -16,6 +16,8 @@
 #include "core/window.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using nlohmann::json;
 
 namespace {

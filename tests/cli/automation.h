@@ -6,6 +6,8 @@
 #include "cli/automate.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using nlohmann::json;
 
 class Automated : public Program {

@@ -10,6 +10,8 @@
 #include "core/notes.h"
 #include "core/numbers.h"
 
+using namespace corvinade;
+
 namespace {
 
 using Point = closed_form::Point;

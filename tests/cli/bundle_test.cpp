@@ -7,6 +7,8 @@
 #include "cli/fit_command.h"
 #include "core/notes.h"
 
+using namespace corvinade;
+
 namespace {
 
 const std::string kNetwork = kExamples + "hall_network.txt";

@@ -2,6 +2,8 @@
 // says, and no other.
 #include "cli/fit_command.h"
 
+using namespace corvinade;
+
 namespace {
 
 using Choices = FitCommand;

@@ -10,6 +10,8 @@
 #include "core/files.h"
 #include "core/fresh_start.h"
 
+using namespace corvinade;
+
 struct Outcome {
     int Status;
     std::string Out, Err;

@@ -9,6 +9,8 @@
 #include "core/files.h"
 #include "core/job_file.h"
 
+using namespace corvinade;
+
 using nlohmann::json;
 
 namespace {

@@ -2,6 +2,8 @@
 #include "cli/fit_command.h"
 #include "core/notes.h"
 
+using namespace corvinade;
+
 namespace {
 
 class DuplicateNames : public FitCommand {

@@ -31,6 +31,8 @@
 #include "paint/picture.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 const ControlEntry* EntryOf(std::string_view name) {

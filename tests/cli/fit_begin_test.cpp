@@ -6,6 +6,8 @@
 #include "core/job.h"
 #include "engine/selection.h"
 
+using namespace corvinade;
+
 namespace {
 
 class FitBegin : public FitCommand {

@@ -9,6 +9,8 @@
 #include "cli/command_line.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using nlohmann::json;
 
 inline const std::string kExamples = std::string(CORVINADE_SOURCE_DIR) + "/examples/";

@@ -3,6 +3,8 @@
 #include "core/job.h"
 #include "core/notes.h"
 
+using namespace corvinade;
+
 namespace {
 
 class Declarations : public FitCommand {

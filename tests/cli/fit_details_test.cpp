@@ -7,6 +7,8 @@
 #include "cli/headless.h"
 #include "engine/clipboard_report.h"
 
+using namespace corvinade;
+
 namespace {
 
 using Rotation = std::array<std::array<double, 3>, 3>;

@@ -4,6 +4,8 @@
 
 #include "cli/fit_command.h"
 
+using namespace corvinade;
+
 namespace {
 
 using Matrix4 = std::array<std::array<double, 4>, 4>;

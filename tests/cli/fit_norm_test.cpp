@@ -3,6 +3,8 @@
 
 #include "cli/fit_command.h"
 
+using namespace corvinade;
+
 using FitNorm = FitCommand;
 
 namespace {

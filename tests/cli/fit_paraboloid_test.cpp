@@ -8,6 +8,8 @@
 
 #include "cli/fit_command.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr double kFocus = 1000, kRim = 1500, kRadian = std::numbers::pi / 180;  // mm

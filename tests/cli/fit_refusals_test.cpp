@@ -8,6 +8,8 @@
 #include "core/job_file.h"
 #include "support/program_path.h"
 
+using namespace corvinade;
+
 // --- Questions, refusals, exit statuses -------------------------------------------------------------------
 
 TEST_F(FitCommand, AQuestionWithoutAnAnswerIsAnErrorThatQuotesIt) {

@@ -7,6 +7,8 @@
 #include "core/files.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 int Count(const std::string& text, const std::string& part) {

@@ -6,6 +6,8 @@
 
 #include "cli/fit_command.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr double kDegree = std::numbers::pi / 180;

@@ -8,6 +8,8 @@
 #include "cli/fit_command.h"
 #include "cli/text_columns.h"
 
+using namespace corvinade;
+
 namespace {
 
 // "name;x;y;z" lines, read apart from the program.

@@ -6,6 +6,8 @@
 #include "core/form_main.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace fs = std::filesystem;
 
 namespace {

@@ -7,6 +7,8 @@
 #include "core/job.h"
 #include "core/settings.h"
 
+using namespace corvinade;
+
 namespace {
 
 class JobFiles : public FitCommand {

@@ -4,6 +4,8 @@
 
 #include "cli/fit_command.h"
 
+using namespace corvinade;
+
 namespace {
 
 using ManPage = FitCommand;

@@ -7,6 +7,8 @@
 
 #include "cli/fit_command.h"
 
+using namespace corvinade;
+
 namespace {
 
 // Each command with a reader that notices something in its file. The readers' own notes have their tests;

@@ -6,6 +6,8 @@
 #include "core/job_file.h"
 #include "core/notes.h"
 
+using namespace corvinade;
+
 namespace {
 
 class OpenJobs : public FitCommand {

@@ -4,6 +4,8 @@
 #include "cli/fit_command.h"
 #include "core/notes.h"
 
+using namespace corvinade;
+
 namespace {
 
 class OpenOutputs : public FitCommand {

@@ -5,6 +5,8 @@
 #include "cli/screen_automation.h"
 #include "core/files.h"
 
+using namespace corvinade;
+
 namespace {
 
 class RenderFlags : public ScreenByNames {

@@ -10,6 +10,8 @@
 #include "core/job_file.h"
 #include "graphics/screen_window.h"
 
+using namespace corvinade;
+
 namespace {
 
 // The job of the small plate. A is off its target by 0.3 mm in z, B by 0.4 mm in y.

@@ -10,6 +10,8 @@
 #include "cli/automation.h"
 #include "core/numbers.h"
 
+using namespace corvinade;
+
 class ScreenByNames : public Automated {
 protected:
     // Starts the program with graphics windows of this size and takes the plate in.

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace corvinade;
+
 TEST(SvgElements, AttributesStandInTheirOrderAndTheElementEnds) {
     std::string svg = "<g>";
     SvgElement(svg, "line").Number("x1", 3).Fixed("y1", 0.5).Word("class", "grid").Empty();

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace corvinade;
+
 TEST(TextColumns, CountColumnsAsATerminalDoes) {
     EXPECT_EQ(DisplayWidth(""), 0);
     EXPECT_EQ(DisplayWidth("F09"), 3);

@@ -7,6 +7,8 @@
 #include "core/folders.h"
 #include "core/job_file.h"
 
+using namespace corvinade;
+
 namespace fs = std::filesystem;
 
 namespace {

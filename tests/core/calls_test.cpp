@@ -8,6 +8,8 @@
 
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace fs = std::filesystem;
 
 namespace {

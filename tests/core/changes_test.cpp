@@ -12,6 +12,8 @@
 #include "core/window.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 class ChangeTable : public Program {
 protected:
     using Texts = std::vector<std::string>;

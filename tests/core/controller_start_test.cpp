@@ -14,6 +14,8 @@
 #include "core/units.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace fs = std::filesystem;
 
 class ControllerStart : public Program {

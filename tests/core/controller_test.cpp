@@ -9,6 +9,8 @@
 #include "core/text.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 class Controller : public Program {
 protected:
     std::string UserFile() const { return folder_ + "/settings/Corvinade/Corvinade.ini"; }

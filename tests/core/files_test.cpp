@@ -9,6 +9,8 @@
 #include "core/platform.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace fs = std::filesystem;
 
 class Files : public Program {

@@ -9,6 +9,8 @@
 
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace fs = std::filesystem;
 
 namespace {

@@ -11,6 +11,8 @@
 #include "core/platform.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace fs = std::filesystem;
 
 using Names = std::vector<std::string>;

@@ -9,6 +9,8 @@
 #include "core/settings.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 class NotesWindowTest : public Program {

@@ -11,6 +11,8 @@
 #include "core/job_file.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 const std::string kJobs = CORVINADE_SOURCE_DIR "/tests/data/jobs/";

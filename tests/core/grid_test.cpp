@@ -5,6 +5,8 @@
 #include "core/window.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 class Grids : public Program {
 protected:
     // One column of texts below one heading.

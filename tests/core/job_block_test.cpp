@@ -11,6 +11,8 @@
 #include "core/window.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 class JobBlocks : public Program {

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <bit>
 
+using namespace corvinade;
+
 HandBytes& HandBytes::Whole(std::uint64_t value, int bytes) {
     for (int i = 0; i < bytes; ++i) {
         Text += static_cast<char>(value & 0xFFU);

@@ -10,6 +10,8 @@
 
 #include "core/job.h"
 
+using namespace corvinade;
+
 // Bytes in the order in which they are put.
 struct HandBytes {
     std::string Text;

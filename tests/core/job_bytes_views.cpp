@@ -3,6 +3,8 @@
 
 #include "core/job_bytes.h"
 
+using namespace corvinade;
+
 void PutHandView(HandBytes& out, int seed, const HandViewSizes& sizes) {
     int n = seed;
     const auto i16 = [&](int count) {

@@ -13,6 +13,8 @@
 #include "core/text.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 const std::string kQuestion = CrLf("Changes have been made to the job.\n\nDo you want to save it?");

@@ -11,6 +11,8 @@
 #include "support/fixture.h"
 #include "support/memory_use.h"
 
+using namespace corvinade;
+
 using JobFileDamage = Program;
 
 namespace {

@@ -11,6 +11,8 @@
 #include "core/units.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using JobFileFormat = Program;
 
 namespace {

@@ -19,6 +19,8 @@
 #include "support/fixture.h"
 #include "support/memory_use.h"
 
+using namespace corvinade;
+
 namespace {
 
 using Clock = std::chrono::steady_clock;

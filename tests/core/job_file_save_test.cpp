@@ -13,6 +13,8 @@
 #include "core/window.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 class JobFileSave : public Program {
 protected:
     void OpenExample() {

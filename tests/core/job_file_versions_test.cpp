@@ -14,6 +14,8 @@
 #include "core/window.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 const std::string kQuestion = CrLf(

@@ -7,6 +7,8 @@
 #include "core/platform.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using JobFileViews = Program;
 
 namespace {

@@ -4,6 +4,8 @@
 #include "core/controller.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using JobRecords = Program;
 
 namespace {

@@ -9,6 +9,8 @@
 #include "core/window.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN(),

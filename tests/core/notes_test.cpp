@@ -7,6 +7,8 @@
 
 #include "core/fresh_start.h"
 
+using namespace corvinade;
+
 class NotesTest : public testing::Test {
 protected:
     void SetUp() override { FreshStart(); }

@@ -10,6 +10,8 @@
 #include "core/platform.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using Numbers = Program;
 
 namespace {

@@ -5,6 +5,8 @@
 
 #include <utility>
 
+using namespace corvinade;
+
 namespace {
 
 using Texts = std::vector<std::string>;

@@ -8,6 +8,8 @@
 #include "core/text.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using SettingsFuzz = Program;
 
 namespace {

@@ -10,6 +10,8 @@
 #include "core/run.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 class SettingsFile : public Program {
 protected:
     SettingsFile() { Run.SettingsFilePath = PathOf("Corvinade.ini"); }

@@ -6,6 +6,8 @@
 #include "core/settings.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 class SettingsWriting : public Program {
 protected:
     SettingsWriting() { Run.SettingsFilePath = PathOf("Corvinade.ini"); }

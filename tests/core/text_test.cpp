@@ -5,6 +5,8 @@
 
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using Text = Program;
 
 namespace {

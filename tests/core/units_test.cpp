@@ -13,6 +13,8 @@
 #include "core/text.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 class UnitsAndFormats : public Program {
 protected:
     UnitsAndFormats() {

@@ -13,6 +13,8 @@
 #include "core/settings.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 class Windows : public Program {
 protected:
     Windows() {

@@ -15,6 +15,8 @@
 #include "fit/normal_equations.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 std::size_t At(int i) {

@@ -19,6 +19,8 @@
 #include "fit/rotations.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 class Fit : public Program {
 protected:
     Fit() { BeginFit(); }

@@ -12,6 +12,8 @@
 #include "engine/transform.h"
 #include "fit/matrix.h"
 
+using namespace corvinade;
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;

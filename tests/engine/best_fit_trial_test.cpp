@@ -17,6 +17,8 @@
 #include "fit/small_svd.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 using optimum::Kind;

@@ -7,6 +7,8 @@
 #include "engine/calculation_job.h"
 #include "engine/calculation_window.h"
 
+using namespace corvinade;
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;

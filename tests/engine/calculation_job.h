@@ -11,6 +11,8 @@
 #include "engine/fit_job.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 // A program with the main window and a job of a few pairs, on which no calculation has run.
 class CalculationJob : public Program {
 protected:

@@ -13,6 +13,8 @@
 #include "engine/transform.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 class CalculationRun : public Program {
 protected:
     CalculationRun() {

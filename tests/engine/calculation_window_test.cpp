@@ -8,6 +8,8 @@
 #include "engine/adjustment.h"
 #include "engine/calculation_job.h"
 
+using namespace corvinade;
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;

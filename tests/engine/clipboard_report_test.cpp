@@ -16,6 +16,8 @@
 #include "engine/selection.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr double kDegree = std::numbers::pi / 180;

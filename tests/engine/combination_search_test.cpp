@@ -9,6 +9,8 @@
 #include "fit/matrix.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using CombinationSearch = Program;
 
 namespace {

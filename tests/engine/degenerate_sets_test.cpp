@@ -17,6 +17,8 @@
 #include "engine/selection.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 using reference::Point;

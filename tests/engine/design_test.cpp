@@ -8,6 +8,8 @@
 #include "engine/transform.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr double kPi = std::numbers::pi;

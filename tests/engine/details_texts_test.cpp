@@ -6,6 +6,8 @@
 #include "core/units.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 // Numbers that no solution has together; what counts here is where each of them stands.

@@ -14,6 +14,8 @@
 #include "engine/monte_carlo.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 FormTrafoDetails& w = DetailsWindow;

@@ -7,6 +7,8 @@
 #include "engine/calculation_window.h"
 #include "engine/transform.h"
 
+using namespace corvinade;
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;

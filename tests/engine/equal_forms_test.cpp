@@ -12,6 +12,8 @@
 #include "engine/selection.h"
 #include "engine/transform.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr std::initializer_list<int> kTwelve = {kTraX,   kTraY,   kTraZ,   kRotX,    kRotY,    kRotZ,

@@ -7,6 +7,8 @@
 #include "engine/norm_job.h"
 #include "engine/transform.h"
 
+using namespace corvinade;
+
 // By their names on the command line.
 struct NormOfSet {
     const char* Name;

@@ -12,6 +12,8 @@
 #include "fit/linear_optimum.h"
 #include "fit/moments.h"
 
+using namespace corvinade;
+
 namespace {
 
 const std::array<reference::Real, 18> kTruth = Truth({100, -200, 300, 0.4, -0.7, 2.1, 1, 1, 1, 1});

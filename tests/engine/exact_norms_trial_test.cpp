@@ -4,6 +4,8 @@
 #include "core/notes.h"
 #include "engine/exact_norms_job.h"
 
+using namespace corvinade;
+
 namespace {
 
 // Random sets: clouds and plates, of 6 to 12 unknowns, with noise from small to a third of their size.

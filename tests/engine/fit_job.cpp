@@ -6,6 +6,8 @@
 #include "core/run.h"
 #include "core/settings.h"
 
+using namespace corvinade;
+
 namespace {
 
 std::uint64_t state = 0;

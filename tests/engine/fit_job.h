@@ -8,6 +8,8 @@
 #include "core/job.h"
 #include "engine/fit_reference.h"
 
+using namespace corvinade;
+
 // Settings as a new settings file has them, and no parameter chosen: all "not used".
 void BeginFit();
 

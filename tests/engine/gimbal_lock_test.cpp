@@ -8,6 +8,8 @@
 #include "engine/form_trafo_details.h"
 #include "engine/monte_carlo.h"
 
+using namespace corvinade;
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;

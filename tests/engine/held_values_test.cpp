@@ -6,6 +6,8 @@
 #include "engine/field_number.h"
 #include "engine/selection.h"
 
+using namespace corvinade;
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;

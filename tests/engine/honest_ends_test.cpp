@@ -11,6 +11,8 @@
 #include "engine/selection.h"
 #include "engine/transform.h"
 
+using namespace corvinade;
+
 namespace {
 
 class HonestEnds : public NormTest {

@@ -12,6 +12,8 @@
 #include "engine/fit_reference.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 const char* const kNoneFound =

@@ -11,6 +11,8 @@
 #include "engine/fit_reference.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using InvertedParameters = Program;
 
 namespace {

@@ -10,6 +10,8 @@
 #include "engine/seed.h"
 #include "engine/selection.h"
 
+using namespace corvinade;
+
 namespace {
 
 using reference::Point;

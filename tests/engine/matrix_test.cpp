@@ -6,6 +6,8 @@
 
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using Matrices = Program;
 
 namespace {

@@ -13,6 +13,8 @@
 #include "engine/start_values.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 class FitModels : public Program {
 protected:
     FitModels() { BeginFit(); }

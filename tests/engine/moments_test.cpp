@@ -13,6 +13,8 @@
 #include "fit/normal_equations.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 struct Result {

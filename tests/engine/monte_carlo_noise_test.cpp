@@ -7,6 +7,8 @@
 #include "engine/noise.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using GaussianNoise = Program;
 
 namespace {

@@ -6,6 +6,8 @@
 #include "engine/selection.h"
 #include "engine/transform.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr int kRuns = 4000;

@@ -13,6 +13,8 @@
 #include "fit/rotations.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 class NiceRotation : public Program {

@@ -15,6 +15,8 @@
 #include "engine/norms.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 class NormTest : public Program {
 protected:
     NormTest() {

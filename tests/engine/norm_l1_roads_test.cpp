@@ -8,6 +8,8 @@
 #include "engine/selection.h"
 #include "engine/transform.h"
 
+using namespace corvinade;
+
 namespace {
 
 struct Result {

@@ -7,6 +7,8 @@
 #include "engine/norm_job.h"
 #include "engine/selection.h"
 
+using namespace corvinade;
+
 using L1 = NormTest;
 
 namespace {

@@ -7,6 +7,8 @@
 #include "engine/presets.h"
 #include "engine/selection.h"
 
+using namespace corvinade;
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;

@@ -6,6 +6,8 @@
 #include "engine/calculation_job.h"
 #include "engine/selection.h"
 
+using namespace corvinade;
+
 namespace {
 
 using Marks = decltype(JobRecord::LeftOpen);

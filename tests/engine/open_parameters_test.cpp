@@ -13,6 +13,8 @@
 #include "engine/selection.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 class OpenParametersTest : public Program {

@@ -6,6 +6,8 @@
 #include "engine/calculation_job.h"
 #include "engine/clipboard_report.h"
 
+using namespace corvinade;
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;

@@ -6,6 +6,8 @@
 
 #include "core/job.h"
 
+using namespace corvinade;
+
 namespace truth {
 
 namespace {

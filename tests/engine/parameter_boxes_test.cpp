@@ -3,6 +3,8 @@
 #include "engine/calculation_job.h"
 #include "engine/selection.h"
 
+using namespace corvinade;
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;

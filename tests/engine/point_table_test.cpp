@@ -2,6 +2,8 @@
 #include "engine/calculation_window.h"
 #include "engine/point_table_window.h"
 
+using namespace corvinade;
+
 using PointTableShown = PointTableWindow;
 
 // --- What it shows ----------------------------------------------------------------------------------------

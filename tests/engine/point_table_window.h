@@ -14,6 +14,8 @@
 #include "engine/form_trafo_berechnung.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 class PointTableWindow : public Program {
 protected:
     PointTableWindow() {

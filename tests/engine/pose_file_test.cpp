@@ -1,6 +1,8 @@
 // Orientations of poses from a text file.
 #include "engine/calculation_job.h"
 
+using namespace corvinade;
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;

@@ -5,6 +5,8 @@
 #include "core/settings.h"
 #include "engine/calculation_job.h"
 
+using namespace corvinade;
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;

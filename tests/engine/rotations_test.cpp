@@ -13,6 +13,8 @@
 #include "fit/quaternion.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using Rotations = Program;
 
 namespace {

@@ -11,6 +11,8 @@
 #include "engine/selection.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 class Seeds : public Program {
 protected:
     Seeds() { BeginFit(); }

@@ -8,6 +8,8 @@
 
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using SortedTable = Program;
 
 namespace {

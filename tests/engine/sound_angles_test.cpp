@@ -16,6 +16,8 @@
 #include "fit/matrix.h"
 #include "fit/rotations.h"
 
+using namespace corvinade;
+
 namespace {
 
 using Angles = std::array<double, 3>;

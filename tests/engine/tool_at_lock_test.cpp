@@ -9,6 +9,8 @@
 #include "engine/selection.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 class ToolAtLock : public Program {

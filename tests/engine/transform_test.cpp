@@ -10,6 +10,8 @@
 #include "fit/matrix.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using Transformation = Program;
 
 namespace {

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <limits>
 
+using namespace corvinade::fit;
+
 namespace {
 
 bool IsConstant(const Column& a, double percent) {

@@ -7,6 +7,8 @@
 #include "engine/calculation_job.h"
 #include "engine/clipboard_report.h"
 
+using namespace corvinade;
+
 namespace {
 
 class Unconverged : public CalculationJob {

@@ -9,6 +9,8 @@
 #include "fit/triangle.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using Vectors = Program;
 using Angles = Program;
 

@@ -8,6 +8,8 @@
 #include "fit/chain.h"
 #include "fit/start_values.h"
 
+using namespace corvinade::fit;
+
 namespace {
 
 std::size_t At(int i) {

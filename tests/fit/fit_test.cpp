@@ -9,6 +9,8 @@
 
 #include "fit/chain.h"
 
+using namespace corvinade::fit;
+
 namespace {
 
 std::size_t At(int i) {

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <random>
 
+using namespace corvinade::fit;
+
 namespace {
 
 struct Sets {

@@ -10,6 +10,8 @@
 #include "fit/inverted_solutions.h"
 #include "fit/open_parameters.h"
 
+using namespace corvinade::fit;
+
 namespace {
 
 constexpr double kDegree = 57.295779513082323;

@@ -6,6 +6,8 @@
 #include "graphics/graphics_refresh.h"
 #include "graphics/input_window.h"
 
+using namespace corvinade;
+
 namespace {
 
 // A picture in memory, and what was drawn on it beside the points.

@@ -7,6 +7,8 @@
 #include "graphics/recording_surface.h"
 #include "graphics/view_undo.h"
 
+using namespace corvinade;
+
 namespace {
 
 TEST_F(BlackPlanesTest, TheSettingTakesThePresentViewAsTheFrame) {

@@ -10,6 +10,8 @@
 #include "graphics/black_planes.h"
 #include "graphics/input_window.h"
 
+using namespace corvinade;
+
 class BlackPlanesTest : public InputWindow {
 protected:
     // Points at a place of the picture, each with a depth: straight on, its depth is minus its z.

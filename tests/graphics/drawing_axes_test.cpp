@@ -1,6 +1,8 @@
 // The axis crosses and the rotation axis.
 #include "graphics/drawing_job.h"
 
+using namespace corvinade;
+
 using DrawingAxes = Drawing;
 
 namespace {

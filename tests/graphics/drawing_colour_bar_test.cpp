@@ -3,6 +3,8 @@
 #include "graphics/drawing_job.h"
 #include "graphics/tolerance.h"
 
+using namespace corvinade;
+
 using DrawingColourBar = Drawing;
 
 namespace {

@@ -5,6 +5,8 @@
 #include "core/units.h"
 #include "graphics/drawing_job.h"
 
+using namespace corvinade;
+
 using DrawingDigits = Drawing;
 
 namespace {

@@ -6,6 +6,8 @@
 #include "graphics/drawing_job.h"
 #include "graphics/point_loop.h"
 
+using namespace corvinade;
+
 using DrawingFastPath = Drawing;
 
 namespace {

@@ -4,6 +4,8 @@
 #include "core/units.h"
 #include "graphics/drawing_job.h"
 
+using namespace corvinade;
+
 using DrawingGrid = Drawing;
 
 namespace {

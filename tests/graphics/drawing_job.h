@@ -15,6 +15,8 @@
 #include "graphics/scene.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 struct Pair {
     double X, Y, Z;         // target, mm
     double DX, DY, DZ;      // transformed start minus target, mm

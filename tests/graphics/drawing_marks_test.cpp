@@ -4,6 +4,8 @@
 #include "graphics/lines.h"
 #include "graphics/recording_surface.h"
 
+using namespace corvinade;
+
 namespace {
 
 // Windows whose strokes are noted, on points of which P1 to P3 stand at (100, 100), (300, 100) and

@@ -4,6 +4,8 @@
 #include "graphics/drawing_job.h"
 #include "graphics/tolerance.h"
 
+using namespace corvinade;
+
 using DrawingOrder = Drawing;
 
 namespace {

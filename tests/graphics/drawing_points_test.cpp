@@ -3,6 +3,8 @@
 #include "graphics/point_loop.h"
 #include "graphics/tolerance.h"
 
+using namespace corvinade;
+
 using DrawingPoints = Drawing;
 
 namespace {

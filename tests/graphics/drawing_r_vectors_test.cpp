@@ -2,6 +2,8 @@
 #include "engine/calculation_job.h"
 #include "graphics/drawing_job.h"
 
+using namespace corvinade;
+
 using DrawingRVectors = Drawing;
 
 namespace {

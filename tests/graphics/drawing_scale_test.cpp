@@ -2,6 +2,8 @@
 #include "core/units.h"
 #include "graphics/drawing_job.h"
 
+using namespace corvinade;
+
 using DrawingScale = Drawing;
 
 namespace {

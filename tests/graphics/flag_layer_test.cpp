@@ -5,6 +5,8 @@
 #include "graphics/drawing_job.h"
 #include "graphics/flags.h"
 
+using namespace corvinade;
+
 class FlagLayer : public Drawing {
 protected:
     static constexpr Colour kLeader = 100 << 8 | 100 << 16;

@@ -3,6 +3,8 @@
 #include "graphics/flag_window.h"
 #include "graphics/graphics_refresh.h"
 
+using namespace corvinade;
+
 using FlagMouse = FlagWindow;
 
 namespace {

@@ -7,6 +7,8 @@
 
 #include "graphics/flag_window.h"
 
+using namespace corvinade;
+
 class FlagPlacingAll : public FlagWindow {
 protected:
     // New flags show their number alone, so that many fit.

@@ -8,6 +8,8 @@
 #include "graphics/flag_window.h"
 #include "graphics/picture_flags.h"
 
+using namespace corvinade;
+
 namespace {
 
 struct Frame {

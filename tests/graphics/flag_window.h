@@ -5,6 +5,8 @@
 #include "graphics/input_window.h"
 #include "graphics/view_undo.h"
 
+using namespace corvinade;
+
 class FlagWindow : public InputWindow {
 protected:
     // Five points (see OpenFive) in the flag mode, with the mouse still outside.

@@ -9,6 +9,8 @@
 #include "graphics/saved_views.h"
 #include "graphics/scene.h"
 
+using namespace corvinade;
+
 using Flags = FlagWindow;
 
 TEST_F(Flags, AClickInTheFlagModeGivesThePointAFlag) {

@@ -6,6 +6,8 @@
 #include "graphics/black_planes_window.h"
 #include "graphics/view_undo.h"
 
+using namespace corvinade;
+
 namespace {
 
 // --- What comes out of files ------------------------------------------------------------------------------

@@ -8,6 +8,8 @@
 #include "graphics/tolerance.h"
 #include "graphics/view_undo.h"
 
+using namespace corvinade;
+
 namespace {
 
 class ColourBarDialog : public GraphicsJob {

@@ -4,6 +4,8 @@
 #include "cli/headless.h"
 #include "graphics/flag_window.h"
 
+using namespace corvinade;
+
 class EditFahne : public FlagWindow {
 protected:
     static FormEditFahne& Dialog() { return EditFahneWindow; }

@@ -13,6 +13,8 @@
 #include "engine/selection.h"
 #include "graphics/drawing_job.h"
 
+using namespace corvinade;
+
 namespace {
 
 class GraphicsOptions : public Drawing {

@@ -17,6 +17,8 @@
 #include "graphics/views.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 struct Place3 {
     long double X = 0, Y = 0, Z = 0;
 };

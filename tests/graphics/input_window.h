@@ -13,6 +13,8 @@
 #include "graphics/screen_window.h"
 #include "graphics/views.h"
 
+using namespace corvinade;
+
 class InputWindow : public MainSheetJob {
 protected:
     static constexpr int kWidth = 800, kHeight = 600;

@@ -1,6 +1,8 @@
 // What the keys do on the picture.
 #include "graphics/input_window.h"
 
+using namespace corvinade;
+
 class Keys : public InputWindow {
 protected:
     static constexpr double kStep = 6.28318530717958 / 4 / 10;

@@ -4,6 +4,8 @@
 #include "graphics/input_window.h"
 #include "graphics/view_undo.h"
 
+using namespace corvinade;
+
 class Lines : public InputWindow {
 protected:
     using Ends = std::vector<std::pair<int, int>>;

@@ -4,6 +4,8 @@
 #include "graphics/input_window.h"
 #include "graphics/tolerance.h"
 
+using namespace corvinade;
+
 class Menus : public InputWindow {
 protected:
     using Three = std::array<double, 3>;

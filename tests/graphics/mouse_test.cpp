@@ -3,6 +3,8 @@
 
 #include "graphics/input_window.h"
 
+using namespace corvinade;
+
 namespace {
 
 using Rows3 = std::array<std::array<double, 3>, 3>;

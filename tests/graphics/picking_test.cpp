@@ -5,6 +5,8 @@
 #include "graphics/input_window.h"
 #include "graphics/tolerance.h"
 
+using namespace corvinade;
+
 class Picking : public InputWindow {
 protected:
     // By the rule itself, one row after the other.

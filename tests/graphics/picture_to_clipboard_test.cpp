@@ -4,6 +4,8 @@
 #include "graphics/drawing_job.h"
 #include "paint/picture.h"
 
+using namespace corvinade;
+
 using PictureToClipboard = Drawing;
 
 namespace {

@@ -8,6 +8,8 @@
 #include "graphics/drawing.h"
 #include "graphics/graphics_fixture.h"
 
+using namespace corvinade;
+
 using GraphicsProjection = GraphicsJob;
 
 namespace {

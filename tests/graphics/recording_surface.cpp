@@ -5,6 +5,8 @@
 #include <cmath>
 #include <memory>
 
+using namespace corvinade;
+
 namespace {
 
 Recording& Notes(Surface& screen) {

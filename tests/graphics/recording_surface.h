@@ -6,6 +6,8 @@
 
 #include "graphics/screen_window.h"
 
+using namespace corvinade;
+
 enum class Stroke { Clear, Line, Circle, Text, Fill, Refresh };
 
 struct Operation {

@@ -6,6 +6,8 @@
 #include "graphics/lines.h"
 #include "graphics/view_undo.h"
 
+using namespace corvinade;
+
 class SavedViews : public InputWindow {
 protected:
     // The user types a name and presses OK, in the next dialog.

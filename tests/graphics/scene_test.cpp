@@ -7,6 +7,8 @@
 #include "graphics/drawing.h"
 #include "graphics/graphics_fixture.h"
 
+using namespace corvinade;
+
 using GraphicsScene = GraphicsJob;
 
 namespace {

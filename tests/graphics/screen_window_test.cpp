@@ -11,6 +11,8 @@
 #include "graphics/graphics_refresh.h"
 #include "graphics/view_undo.h"
 
+using namespace corvinade;
+
 using GraphicsWindows = GraphicsJob;
 
 namespace {

@@ -11,6 +11,8 @@
 #include "graphics/graphics_fixture.h"
 #include "graphics/graphics_refresh.h"
 
+using namespace corvinade;
+
 using GraphicsTolerance = GraphicsJob;
 
 namespace {

@@ -7,6 +7,8 @@
 
 #include "analysis/distance_job.h"
 
+using namespace corvinade;
+
 namespace {
 
 // A surface that notes what plots draw on it.

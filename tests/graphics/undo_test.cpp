@@ -5,6 +5,8 @@
 #include "graphics/graphics_fixture.h"
 #include "graphics/view_undo.h"
 
+using namespace corvinade;
+
 using GraphicsUndo = GraphicsJob;
 
 namespace {

@@ -8,6 +8,8 @@
 #include "graphics/graphics_fixture.h"
 #include "graphics/view_values.h"
 
+using namespace corvinade;
+
 using GraphicsViews = GraphicsJob;
 
 namespace {

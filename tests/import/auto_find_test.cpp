@@ -14,6 +14,8 @@
 #include "import/matching.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr const char* kUnsolved = "Could not solve the auto find problem, maybe try changing ETTA Value";

@@ -7,6 +7,8 @@
 
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 struct Points {

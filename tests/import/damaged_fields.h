@@ -29,6 +29,8 @@
 #include "import/row_notes.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using Values = std::vector<double>;
 using Points = std::vector<std::pair<std::string, Values>>;
 using Fields = std::vector<std::string>;

@@ -1,6 +1,8 @@
 // The readers of points, shapes, networks and batches on every kind of damaged field.
 #include "import/damaged_fields.h"
 
+using namespace corvinade;
+
 TEST_F(DamagedFields, OfPointFiles) {
     const auto row = [](const Fields& fields) { return Joined(fields, ";"); };
     const auto tabs = [](const Fields& fields) { return Joined(fields, "\t"); };

@@ -1,6 +1,8 @@
 // The readers of robot programs and of files of poses on every kind of damaged field.
 #include "import/damaged_fields.h"
 
+using namespace corvinade;
+
 TEST_F(DamagedFields, OfRobotPrograms) {
     const auto kuka = [](const Fields& f) {
         return "DECL E6POS XP" + Named(f, 0) + "={X " + Named(f, 1) + ",Y " + Named(f, 2) + ",Z " +

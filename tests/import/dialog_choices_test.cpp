@@ -9,6 +9,8 @@
 #include "import/input_dialog.h"
 #include "import/robot_files.h"
 
+using namespace corvinade;
+
 namespace {
 
 enum Kind : int { kDefault, kKuka, kAbb, kFanuc, kXYZABC, kQuaternion, kShape };

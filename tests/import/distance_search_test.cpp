@@ -7,6 +7,8 @@
 
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 std::vector<DistanceCandidate> TwoLoops(const std::vector<double>& start, const std::vector<double>& target,

@@ -15,6 +15,8 @@
 #include "import/input_dialog.h"
 #include "import/matching.h"
 
+using namespace corvinade;
+
 // --- Opening ----------------------------------------------------------------------------------------------
 
 TEST_F(InputDialog, OpensByTheMenuEntryWithItsStoredPlace) {

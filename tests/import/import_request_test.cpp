@@ -8,6 +8,8 @@
 #include "core/settings.h"
 #include "import/input_dialog.h"
 
+using namespace corvinade;
+
 namespace {
 
 const char* const kProgram =

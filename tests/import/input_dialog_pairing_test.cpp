@@ -16,6 +16,8 @@
 #include "import/input_dialog.h"
 #include "import/matching.h"
 
+using namespace corvinade;
+
 // --- By coordinate and by distance ------------------------------------------------------------------------
 
 TEST_F(InputDialog, ByCoordinateAsksForTheToleranceWithItsText) {

@@ -12,6 +12,8 @@
 #include "import/point_file.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr int kMany = 150000;

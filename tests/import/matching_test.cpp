@@ -12,6 +12,8 @@
 #include "core/run.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 class Matching : public Program {

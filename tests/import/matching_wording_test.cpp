@@ -18,6 +18,8 @@
 #include "import/matching.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 struct Point {

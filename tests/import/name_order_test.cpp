@@ -6,6 +6,8 @@
 
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 class NameOrderTest : public Program {

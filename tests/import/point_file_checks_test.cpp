@@ -9,6 +9,8 @@
 #include "import/point_file.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 class PointFileChecks : public Program {

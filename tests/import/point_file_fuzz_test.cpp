@@ -11,6 +11,8 @@
 #include "import/point_file.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 class PointFileFuzz : public Program {

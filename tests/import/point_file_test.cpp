@@ -10,6 +10,8 @@
 #include "core/units.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 class PointFile : public Program {

@@ -13,6 +13,8 @@
 #include "import/point_file_checks.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 using Lines = std::vector<std::string>;

@@ -12,6 +12,8 @@
 #include "import/robot_files.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr double kDegree = std::numbers::pi / 180;

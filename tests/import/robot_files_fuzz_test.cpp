@@ -8,6 +8,8 @@
 #include "import/input_dialog.h"
 #include "import/robot_files.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr int kKinds = 5;  // entries 1 to 5 of the list

@@ -1,6 +1,8 @@
 // The readers of robot programs: what is left out, and what is said of it.
 #include "import/robot_programs.h"
 
+using namespace corvinade;
+
 TEST_F(RobotFiles, PlacesWithoutAPoseAreNoted) {
     Kuka("DECL FRAME HOME={X 9,Y 9,Z 9,A 9,B 9,C 9}\n" + kFirst + kSecond);
     ASSERT_EQ(Notes.List.size(), 1u);

@@ -1,6 +1,8 @@
 // The readers of robot programs: what each takes, and where it stops.
 #include "import/robot_programs.h"
 
+using namespace corvinade;
+
 // --- Declarations -----------------------------------------------------------------------------------------
 
 TEST_F(RobotFiles, DeclaredPosesHaveNumbersAsNamesAndTheirAnglesInTheColumnsZYX) {

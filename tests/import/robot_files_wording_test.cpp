@@ -15,6 +15,8 @@
 #include "import/robot_files.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 using Lines = std::vector<std::string>;

@@ -7,6 +7,8 @@
 #include "core/settings.h"
 #include "import/input_dialog.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr double kDegree = std::numbers::pi / 180;

@@ -13,6 +13,8 @@
 #include "import/robot_files.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 constexpr double kDegree = std::numbers::pi / 180;
 constexpr double kRoundings = 1e-12;  // the system's pi has 15 digits
 

@@ -5,6 +5,8 @@
 #include "import/robot_files.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 class TargetKinds : public Program {};

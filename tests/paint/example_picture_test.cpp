@@ -15,6 +15,8 @@
 #include "paint/picture.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 using ExamplePicture = Program;
 
 TEST_F(ExamplePicture, ShowsEveryPointInItsColourWithItsName) {

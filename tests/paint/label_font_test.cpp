@@ -10,6 +10,8 @@
 #include "paint/picture.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 struct Box {

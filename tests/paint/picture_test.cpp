@@ -9,6 +9,8 @@
 #include "paint/image.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 // A surface of its own, without a window.

@@ -13,6 +13,8 @@
 #include "paint/picture.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 struct PlotSurface {

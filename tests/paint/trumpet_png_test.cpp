@@ -7,6 +7,8 @@
 #include "core/files.h"
 #include "core/job_file.h"
 
+using namespace corvinade;
+
 using TrumpetPng = DistanceJob;
 
 TEST_F(TrumpetPng, HasItsPointsWhereTheSvgHasThem) {

@@ -7,6 +7,8 @@
 #include "engine/transform.h"
 #include "paraboloid/shape_job.h"
 
+using namespace corvinade;
+
 namespace {
 
 // A dish of 1 m across, z = r^2 / 1000, seen from 4 mm and 0.6 degrees beside.

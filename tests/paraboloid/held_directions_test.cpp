@@ -8,6 +8,8 @@
 #include "engine/transform.h"
 #include "paraboloid/shape_job.h"
 
+using namespace corvinade;
+
 namespace {
 
 class WhatAShapeHolds : public ShapeJob {

@@ -4,6 +4,8 @@
 #include "core/notes.h"
 #include "paraboloid/shape_job.h"
 
+using namespace corvinade;
+
 using OuterLoopEnds = ShapeJob;
 
 TEST_F(OuterLoopEnds, HeldAnglesDoNotLetTheAccelerationThrowThePassesOff) {

@@ -11,6 +11,8 @@
 #include "paraboloid/form_stop_para_trafo.h"
 #include "paraboloid/shape_job.h"
 
+using namespace corvinade;
+
 namespace {
 
 const Displacement kDisplaced = {.Tx = 5, .Ty = -3, .Tz = 10, .A = 0.03, .B = -0.02};

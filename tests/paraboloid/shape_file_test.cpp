@@ -6,6 +6,8 @@
 #include "import/robot_files.h"
 #include "paraboloid/shape_job.h"
 
+using namespace corvinade;
+
 namespace {
 
 class ShapeFile : public ShapeJob {

@@ -18,6 +18,8 @@
 #include "paraboloid/shape.h"
 #include "support/fixture.h"
 
+using namespace corvinade;
+
 // Where a point of the start system is in the target system: tilted about the x and the y axis, turned about
 // the z axis, shifted.
 struct Displacement {

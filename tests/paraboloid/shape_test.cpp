@@ -5,6 +5,8 @@
 
 #include "paraboloid/shape_job.h"
 
+using namespace corvinade;
+
 namespace {
 
 struct Found {

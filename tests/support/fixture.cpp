@@ -13,6 +13,8 @@
 #include "core/platform.h"
 #include "graphics/screen_window.h"
 
+using namespace corvinade;
+
 Program::Program() {
     FreshStart();
     Headless = HeadlessRecord{};

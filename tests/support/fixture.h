@@ -10,6 +10,8 @@
 
 #include "core/run.h"
 
+using namespace corvinade;
+
 // A new program with an empty folder of its own. A question that nobody queued an answer for fails the
 // test, unless it says ExpectUnanswered().
 class Program : public testing::Test {

@@ -16,6 +16,8 @@
 #include "ui/desktop_fixture.h"
 #include "ui/qt_text.h"
 
+using namespace corvinade;
+
 namespace {
 
 class BatchByHand : public DesktopTest {

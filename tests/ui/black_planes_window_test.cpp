@@ -6,6 +6,8 @@
 #include "graphics/scene.h"
 #include "ui/screen_fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 class BlackPlanesByHand : public ScreenByHand {

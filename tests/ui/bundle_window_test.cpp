@@ -14,6 +14,8 @@
 #include "ui/desktop_fixture.h"
 #include "ui/qt_text.h"
 
+using namespace corvinade;
+
 namespace {
 
 class BundleByHand : public DesktopTest {

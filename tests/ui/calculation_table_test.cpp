@@ -26,6 +26,8 @@
 #include "ui/desktop_fixture.h"
 #include "ui/qt_text.h"
 
+using namespace corvinade;
+
 namespace {
 
 class CalculationScreen : public DesktopTest {

@@ -28,6 +28,8 @@
 #include "ui/qt_text.h"
 #include "ui/work_time.h"
 
+using namespace corvinade;
+
 namespace {
 
 using Point = std::array<double, 3>;

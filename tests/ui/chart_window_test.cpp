@@ -15,6 +15,8 @@
 #include "ui/qt_text.h"
 #include "ui/theme.h"
 
+using namespace corvinade;
+
 namespace {
 
 class ChartByHand : public DesktopTest {

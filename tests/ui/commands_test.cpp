@@ -8,6 +8,8 @@
 #include "ui/desktop_fixture.h"
 #include "ui/qt_text.h"
 
+using namespace corvinade;
+
 namespace {
 
 // Tells what the toolkit keeps to an object itself.

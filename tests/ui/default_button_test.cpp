@@ -4,6 +4,8 @@
 #include "core/job.h"
 #include "ui/desktop_fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 class DefaultButton : public DesktopTest {};

@@ -17,6 +17,8 @@
 #include "ui/qt_text.h"
 #include "ui/start_screen.h"
 
+using namespace corvinade;
+
 namespace {
 
 // Runs `action` on the next modal widget of a type, when there is one.

@@ -13,6 +13,8 @@
 
 #include "core/window.h"
 
+using namespace corvinade;
+
 // What a test waits for comes at once, or never: how long until that is said is of no account.
 inline constexpr int kPatience_ms = 120000;
 

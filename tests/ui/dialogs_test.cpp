@@ -22,6 +22,8 @@
 #include "ui/desktop_fixture.h"
 #include "ui/qt_text.h"
 
+using namespace corvinade;
+
 namespace {
 
 class Dialogs : public DesktopTest {

@@ -17,6 +17,8 @@
 #include "ui/qt_text.h"
 #include "ui/theme.h"
 
+using namespace corvinade;
+
 namespace {
 
 class DistancesByHand : public DesktopTest {

@@ -16,6 +16,8 @@
 #include "graphics/scene.h"
 #include "ui/screen_fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 class FlagsByHand : public ScreenByHand {

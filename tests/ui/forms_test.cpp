@@ -10,6 +10,8 @@
 #include "ui/desktop_fixture.h"
 #include "ui/qt_text.h"
 
+using namespace corvinade;
+
 TEST_F(DesktopTest, EveryControlOfEveryWindowHasItsWidgetAndNoOtherIsThere) {
     Begin();
     for (const WindowEntry* window : AllWindows()) {

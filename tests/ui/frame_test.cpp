@@ -30,6 +30,8 @@
 #include "ui/drops.h"
 #include "ui/qt_text.h"
 
+using namespace corvinade;
+
 namespace {
 
 class FrameTest : public DesktopTest {

@@ -7,6 +7,8 @@
 #include "graphics/form_graphics_options.h"
 #include "ui/screen_fixture.h"
 
+using namespace corvinade;
+
 using GraphicsOptionsWindowTest = ScreenByHand;
 
 TEST_F(GraphicsOptionsWindowTest, StaysBesideThePicturesThatItChanges) {

@@ -14,6 +14,8 @@
 #include "ui/drops.h"
 #include "ui/qt_text.h"
 
+using namespace corvinade;
+
 namespace {
 
 class JobRoad : public DesktopTest {

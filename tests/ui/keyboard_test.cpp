@@ -21,6 +21,8 @@
 #include "ui/desktop_fixture.h"
 #include "ui/qt_text.h"
 
+using namespace corvinade;
+
 namespace {
 
 class EveryWindow : public DesktopTest {

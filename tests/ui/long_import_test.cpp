@@ -15,6 +15,8 @@
 #include "ui/qt_text.h"
 #include "ui/work_time.h"
 
+using namespace corvinade;
+
 namespace {
 
 class LargeImport : public DesktopTest {

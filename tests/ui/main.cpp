@@ -11,6 +11,8 @@
 
 #include "ui/theme.h"
 
+using namespace corvinade;
+
 namespace {
 
 // A bus of their own, so that no test asks the desktop of whoever runs it; it ends with the tests however

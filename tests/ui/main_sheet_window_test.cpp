@@ -13,6 +13,8 @@
 #include "ui/desktop_fixture.h"
 #include "ui/qt_text.h"
 
+using namespace corvinade;
+
 namespace {
 
 class MainSheetByHand : public DesktopTest {

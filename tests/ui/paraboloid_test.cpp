@@ -15,6 +15,8 @@
 #include "ui/desktop_fixture.h"
 #include "ui/qt_text.h"
 
+using namespace corvinade;
+
 namespace {
 
 class ShapesByHand : public DesktopTest {

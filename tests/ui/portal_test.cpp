@@ -15,6 +15,8 @@
 #include "ui/frame.h"
 #include "ui/theme.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr const char* kService = "org.freedesktop.portal.Desktop";

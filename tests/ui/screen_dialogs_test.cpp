@@ -9,6 +9,8 @@
 #include "graphics/form_color_bar.h"
 #include "ui/screen_fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 class ScreenDialogs : public ScreenByHand {

@@ -12,6 +12,8 @@
 #include "graphics/scene.h"
 #include "ui/screen_fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 // Where a row of the scene lies in the picture, painted for this window.

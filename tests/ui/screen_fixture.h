@@ -16,6 +16,8 @@
 #include "ui/screen_view.h"
 #include "ui/screen_windows.h"
 
+using namespace corvinade;
+
 class ScreenByHand : public DesktopTest {
 protected:
     // The desktop with the eight points in it, no text over the first picture.

@@ -7,6 +7,8 @@
 #include "graphics/scene.h"
 #include "ui/screen_fixture.h"
 
+using namespace corvinade;
+
 namespace {
 
 constexpr int kPoints = 1000000;

@@ -13,6 +13,8 @@
 #include "paint/image.h"
 #include "ui/screen_fixture.h"
 
+using namespace corvinade;
+
 namespace {
 bool GraphicsMenuIsEnabled() {
     return Frame()->findChild<QMenu*>(QStringLiteral("MenueGraphicsWindow"))->menuAction()->isEnabled();

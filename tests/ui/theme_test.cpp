@@ -20,6 +20,8 @@
 #include "ui/desktop_fixture.h"
 #include "ui/frame.h"
 
+using namespace corvinade;
+
 namespace {
 
 bool IsDark() {

@@ -45,6 +45,8 @@
 #include "ui/start_screen.h"
 #include "ui/theme.h"
 
+namespace corvinade::ui {
+
 namespace {
 
 constexpr auto kJob = "examples/robot_cell.cvn";
@@ -424,6 +426,10 @@ void BeginOnLargeScreen(const QTemporaryDir& folder) {
 }
 
 }  // namespace
+
+}  // namespace corvinade::ui
+
+using namespace corvinade;
 
 // corvinade-pictures: run in the folder of the project.
 int main(int argc, char** argv) {
