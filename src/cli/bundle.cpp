@@ -154,7 +154,7 @@ void WriteJson(const BundleOptions& options, const BundleResult& result, std::os
         iterations.push_back(
             {{"biggestX_mm", facts.BiggestX}, {"sumV_mm", facts.SumV}, {"sumVV_mm2", facts.SumVV}});
     const ordered_json all = {{"schemaVersion", kSchemaVersion},
-                              {"program", "Corvinade " + ProgramVersion()},
+                              {"program", ProgramAsJson()},
                               {"file", options.Path},
                               {"reduce", options.Percent},
                               {"converged", result.End == BundleEnd::Converged},

@@ -11,6 +11,7 @@
 #include "cli/export_job.h"
 #include "cli/fit.h"
 #include "cli/fit_arguments.h"
+#include "cli/fit_exports.h"
 #include "cli/headless.h"
 #include "cli/job_files.h"
 #include "cli/messages.h"
@@ -288,10 +289,12 @@ int Fit(FitSwitches& s, std::ostream& out, std::ostream& err, bool terminal, boo
         return kWrongUsage;
     }
     const FitOptions& o = s.Options;
-    // A job may be saved where it came from; a page may not.
-    if (!AreApart({{"START", o.Start}, {"TARGET", o.Target}, {"--poses", o.Poses}},
-                  {{"--save", o.Save}, {"--report", o.Report}}, err) ||
-        !AreApart({{"--job", o.Job}}, {{"--report", o.Report}}, err))
+    // A job may be saved where it came from; a page and a form may not stand there.
+    std::vector<NamedFile> written = ExportFiles(o);
+    written.push_back({"--report", o.Report});
+    if (!AreApart({{"--job", o.Job}}, written, err)) return kWrongUsage;
+    written.insert(written.begin(), {"--save", o.Save});
+    if (!AreApart({{"START", o.Start}, {"TARGET", o.Target}, {"--poses", o.Poses}}, written, err))
         return kWrongUsage;
     return RunFit(s.Options, out, err, terminal && ColourWanted(), progress);
 }
@@ -303,6 +306,24 @@ int Distances(DistancesSwitches& s, std::ostream& out, std::ostream& err, bool t
     if (!AreApart({{"JOB", o.Job}}, {{"--trumpet", o.Trumpet}, {"--pairs", o.Pairs}}, err))
         return kWrongUsage;
     return RunDistances(s.Options, out, err, terminal && ColourWanted(), progress);
+}
+
+int Export(ExportSwitches& s, std::ostream& out, std::ostream& err) {
+    const std::string wrong = TakeExportSwitches(s);
+    if (!wrong.empty()) {
+        err << wrong << "\n";
+        return kWrongUsage;
+    }
+    const ExportOptions& o = s.Options;
+    const bool named = (o.RobCad + o.Rocal + o.Points).empty() && o.Out != "-";
+    if (!AreApart({{"JOB", o.Job}},
+                  {{"--robcad", o.RobCad},
+                   {"--rocal", o.Rocal},
+                   {"--points", o.Points},
+                   {"--out", named ? o.Out : ""}},
+                  err))
+        return kWrongUsage;
+    return RunExport(o, out, err);
 }
 
 void TakeJobSwitches(JobSwitches& s) {
@@ -385,12 +406,7 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
         return RunTransform(transformSwitches.Options, out, err, progress);
     }
     if (exported->parsed()) {
-        TakeExportSwitches(exportSwitches);
-        const ExportOptions& o = exportSwitches.Options;
-        if (!AreApart({{"JOB", o.Job}},
-                      {{"--robcad", o.RobCad}, {"--rocal", o.Rocal}, {"--points", o.Points}}, err))
-            return kWrongUsage;
-        return RunExport(exportSwitches.Options, out, err);
+        return Export(exportSwitches, out, err);
     }
     TakeJobSwitches(jobSwitches);
     if (info->parsed()) return RunInfo(jobSwitches.Options, out, err, terminal && ColourWanted());

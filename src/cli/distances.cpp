@@ -144,7 +144,7 @@ void WriteJson(const DistancesOptions& options, const Measured& m, std::ostream&
     };
     const ordered_json root = {{"schema", "corvinade-distances"},
                                {"schemaVersion", kSchemaVersion},
-                               {"program", "Corvinade " + ProgramVersion()},
+                               {"program", ProgramAsJson()},
                                {"job", options.Job},
                                {"withResult", options.WithResult},
                                {"pairs", m.Points.Pairs()},

@@ -6,6 +6,7 @@
 #include <optional>
 #include <ostream>
 
+#include "cli/fit_exports.h"
 #include "cli/fit_output.h"
 #include "cli/fit_report.h"
 #include "cli/fit_selection.h"
@@ -230,6 +231,16 @@ bool SaveJob(const FitOptions& options, const JobFileFacts& facts) {
     });
 }
 
+// The largest deviation in use against the one that the user lets pass.
+int HeldAgainstLimit(const FitOptions& options, std::ostream& err) {
+    if (!options.Limit_mm) return kDone;
+    const double largest = NormsOfDeviations().Largest;
+    if (largest <= *options.Limit_mm) return kDone;
+    return Refuse(err, kAboveLimit,
+                  "the largest deviation in use, " + PlainText(largest) + " mm, is above --limit " +
+                      PlainText(*options.Limit_mm) + " mm");
+}
+
 }  // namespace
 
 int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour, bool showProgress) {
@@ -267,6 +278,8 @@ int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour
     } else if (options.Inverse) {
         InverseTransformation();
     }
+    std::vector<FitExport> exports;
+    if (const int refused = MakeExports(options, exports, err); refused != kDone) return refused;
     WriteMessages(err);
     if (EndsForWarnings(options.Strict, err)) return kUnreadable;
     if (!options.Save.empty() && !SaveJob(options, job)) return Refuse(err, kRefused, Run.LastPlatformError);
@@ -275,6 +288,7 @@ int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour
     if (shown.FromTarget) std::swap(shown.Start, shown.Target);
     switch (shown.Output) {
         case FitOutput::Table:
+            if (ExportsToOutput(options)) break;
             if (options.Protocol) {
                 out << CompleteProtocol();
             } else {
@@ -290,8 +304,9 @@ int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour
     }
     if (!shown.Report.empty() && !Dispatch([&shown] { WriteFile(shown.Report, FitReport(shown)); }))
         return Refuse(err, kRefused, Run.LastPlatformError);
+    if (const int refused = WriteExports(exports, out, err); refused != kDone) return refused;
     if (!out.flush()) return Refuse(err, kRefused, "the result could not be written to standard output");
-    return status;
+    return status == kDone ? HeldAgainstLimit(options, err) : status;
 }
 
 }  // namespace corvinade::cli

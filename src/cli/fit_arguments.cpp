@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "cli/arguments.h"
+#include "cli/fit_exports.h"
 #include "core/numbers.h"
 #include "core/text.h"
 #include "core/units.h"
@@ -23,6 +24,12 @@ std::string CheckTolerance(const std::string& text) {
     double value = 0;
     if (TextToNumber(text, '.', value) && value >= 1e-30 && value <= 1e30) return "";
     return "\"" + Printable(text) + "\" is no length between 1e-30 and 1e30 mm";
+}
+
+std::string CheckLimit(const std::string& text) {
+    double value = 0;
+    if (TextToNumber(text, '.', value) && value >= 0) return "";
+    return "\"" + Printable(text) + "\" is no length from 0 on";
 }
 
 void AddPointOptions(CLI::App& fit, FitSwitches& s) {
@@ -107,6 +114,7 @@ void AddOutputOptions(CLI::App& fit, FitSwitches& s) {
                         ->group(group);
     auto* json = fit.add_flag("--json", s.Json, "Everything as JSON, with full precision, in mm and rad")
                      ->group(group);
+    fit.add_flag("--no-points", o.NoPoints, "JSON without its points")->group(group)->needs(json);
     fit.add_option("--report", o.Report,
                    "Also write a page to look at and to print: parameters, plots, points")
         ->type_name("FILE.html")
@@ -119,6 +127,26 @@ void AddOutputOptions(CLI::App& fit, FitSwitches& s) {
         ->excludes(json)
         ->excludes(inverse)
         ->excludes(fit.get_option("--monte-carlo"));
+    fit.add_option("--limit", o.Limit_mm,
+                   "End with status 5, behind all output, where the largest deviation\n"
+                   "of a coordinate in use is above it, in mm whatever the unit")
+        ->check(CheckLimit)
+        ->type_name("MM")
+        ->group(group);
+}
+
+void AddExportOptions(CLI::App& fit, FitOptions& o) {
+    const char* const group = "Units and output";
+    auto* exports = fit.add_option("--export", o.Exports,
+                                   "Also write the result in a form of export --as; - is standard\n"
+                                   "output, in place of the table; may be given several times")
+                        ->check(CheckFitExport)
+                        ->allow_extra_args(false)
+                        ->type_name("FORM=FILE|FORM=-")
+                        ->group(group);
+    fit.add_flag("--unconverged", o.Unconverged, "--export takes a result that did not converge too")
+        ->group(group)
+        ->needs(exports);
 }
 
 // One number for all axes, or three behind commas; "" when the text is neither.
@@ -281,6 +309,7 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
     AddRobotOptions(*fit, s.Options);
     AddMonteCarloOptions(*fit, s.Options);
     AddOutputOptions(*fit, s);
+    AddExportOptions(*fit, s.Options);
     AddFormOptions(*fit, s.Options);
     AddJobOptions(*fit, s.Options);
     fit->footer(
@@ -292,7 +321,8 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
         "  corvinade-cli fit measured.txt program.dat --as kuka --tool\n"
         "  corvinade-cli fit measured.txt shape.txt --as paraboloid\n\n"
         "Exit status: 0 done, 1 refused, 2 wrong usage, 3 an input cannot be read, or\n"
-        "with --strict a warning came up, 4 calculated but not converged.");
+        "with --strict a warning came up, 4 calculated but not converged, 5 a deviation\n"
+        "above --limit.");
     return fit;
 }
 
@@ -306,6 +336,7 @@ std::string TakeFitSwitches(FitSwitches& s) {
     if (s.Options.Protocol && !s.Json && (s.Options.Inverse || s.Options.MonteCarloRuns > 0))
         return "--protocol stands instead of the table, so --details, --inverse and --monte-carlo go with it in "
                "--json alone";
+    if (const std::string wrong = ExportsAgainst(s.Options); !wrong.empty()) return wrong;
     return CheckJobOptions(s.Options);
 }
 

@@ -201,7 +201,7 @@ void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std
     ordered_json root;
     root["schema"] = "corvinade-fit";
     root["schemaVersion"] = kSchemaVersion;
-    root["program"] = {{"name", "Corvinade"}, {"version", ProgramVersion()}};
+    root["program"] = ProgramAsJson();
     root["input"] = {{"start", options.Start},
                      {"target", options.Target},
                      {"match", options.Match},
@@ -210,12 +210,16 @@ void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std
                      {"angleUnit", Job.AngleUnitName},
                      {"direction", options.FromTarget ? "ocs-mcs" : "mcs-ocs"}};
     root["input"]["targetKind"] = options.TargetKind;
+    root["input"]["lengthDigits"] = Job.LengthDigits;
+    root["input"]["angleDigits"] = Job.AngleDigits;
     root["counts"] = {{"start", Job.Start.Count()},
                       {"target", Job.Target.Count()},
                       {"pairs", Job.Pairs()},
                       {"observations", ObservationsInUse()},
                       {"unknowns", c.nFloat}};
     root["converged"] = c.Converged;
+    root["openParameters"] = NamesOfOpen();
+    root["collapsedScale"] = IsTrue(Job.Collapsed);
     root["iterations"] = Adjustment.Iterations;
     root["norm"] = options.Norm;
     root["normIterations"] = Norm.Iterations;
@@ -241,12 +245,14 @@ void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std
     };
     out << "{";
     for (const auto& member : root.items()) write(member.key().c_str(), member.value());
-    WriteList(
-        "points", 1, static_cast<std::size_t>(Job.Pairs()) + 1,
-        [](std::size_t i) { return PointJson(FitPointOf(static_cast<int>(i))); }, out);
-    WriteOthers("startOnly", Job.Transformed.Name, Job.Transformed.X, Job.Transformed.Y, Job.Transformed.Z,
-                out);
-    WriteOthers("targetOnly", Job.Target.Name, Job.Target.X, Job.Target.Y, Job.Target.Z, out);
+    if (!options.NoPoints) {
+        WriteList(
+            "points", 1, static_cast<std::size_t>(Job.Pairs()) + 1,
+            [](std::size_t i) { return PointJson(FitPointOf(static_cast<int>(i))); }, out);
+        WriteOthers("startOnly", Job.Transformed.Name, Job.Transformed.X, Job.Transformed.Y,
+                    Job.Transformed.Z, out);
+        WriteOthers("targetOnly", Job.Target.Name, Job.Target.X, Job.Target.Y, Job.Target.Z, out);
+    }
     write("notes", NotesToJson(Notes.List));
     if (options.Protocol) write("protocol", CompleteProtocol());
     out << "\n}\n";

@@ -47,7 +47,11 @@ struct FitOptions {
     bool Details = false;           // and the result in all forms of rotation
     bool Protocol = false;          // the complete protocol instead of the table, in JSON beside the rest
     FitOutput Output = FitOutput::Table;
-    std::string Report;  // path of the page to write; empty = none
+    std::string Report;                // path of the page to write; empty = none
+    std::vector<std::string> Exports;  // "kuka-base=cell.src", "ros=-": cli/fit_exports.h
+    bool Unconverged = false;          // they take a result that did not converge too
+    std::optional<double> Limit_mm;    // the largest deviation in use that passes
+    bool NoPoints = false;             // JSON without points
 
     std::vector<std::string> Given;  // the options that the user has given: "--norm"
     bool IsGiven(std::string_view option) const {
@@ -62,6 +66,7 @@ enum ExitStatus : int {
     kWrongUsage = 2,
     kUnreadable = 3,
     kNotConverged = 4,
+    kAboveLimit = 5,
 };
 
 }  // namespace corvinade::cli

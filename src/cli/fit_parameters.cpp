@@ -72,4 +72,11 @@ nlohmann::ordered_json ParameterAsJson(int parameter) {
             {"shownUnit", UnitOf(kind)}};
 }
 
+nlohmann::ordered_json NamesOfOpen() {
+    nlohmann::ordered_json names = nlohmann::ordered_json::array();
+    for (int k = kTraX; k < kParameterEnd; ++k)
+        if (Job.LeftOpen[static_cast<std::size_t>(k)] != 0) names.push_back(HeldParameterName(k));
+    return names;
+}
+
 }  // namespace corvinade::cli

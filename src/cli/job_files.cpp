@@ -8,6 +8,7 @@
 
 #include "cli/headless.h"
 #include "cli/messages.h"
+#include "cli/result_file.h"
 #include "cli/written_json.h"
 #include "core/files.h"
 #include "core/job.h"
@@ -69,6 +70,23 @@ int OpenJob(const std::string& path, std::optional<bool> questions, JobFileFacts
     Headless.Dialogs.clear();
     for (const std::string& message : said) err << OneParagraph(message) << "\n";
     return read ? kDone : Refuse(err, kUnreadable, Run.LastPlatformError);
+}
+
+int OpenJobOrResult(const std::string& path, std::optional<bool> questions, bool& hasPoints,
+                    std::ostream& err) {
+    hasPoints = true;
+    bool isResult = false;
+    const bool read = Dispatch([&] {
+        const FileBytes bytes = ReadFile(path);
+        isResult = LooksLikeResult(bytes.View());
+        if (!isResult) return;
+        ReadResult(bytes.View(), path, hasPoints);
+        Run.JobDataValid = kTrue;
+    });
+    Headless.Dialogs.clear();
+    if (!read) return Refuse(err, kUnreadable, Run.LastPlatformError);
+    JobFileFacts facts;
+    return isResult ? kDone : OpenJob(path, questions, facts, err);
 }
 
 bool ResultIsFinite() {

@@ -24,6 +24,11 @@ struct JobFileOptions {
 // job shall be read as one. kDone, or kUnreadable with the reason on `err`.
 int OpenJob(const std::string& path, std::optional<bool> questions, JobFileFacts& facts, std::ostream& err);
 
+// The same, or of a result as `fit --json` prints it: the job then holds this alone, see cli/result_file.h.
+//   hasPoints  false where it tells nothing of points
+int OpenJobOrResult(const std::string& path, std::optional<bool> questions, bool& hasPoints,
+                    std::ostream& err);
+
 // Are all parameters of the open job numbers? One that ran away, or was held at 1e999, may have been saved.
 bool ResultIsFinite();
 inline constexpr const char* kResultNotFinite =

@@ -119,13 +119,6 @@ ordered_json OfResult(ordered_json mark) {
     return Job.ParamText[kTraX].empty() ? ordered_json(nullptr) : std::move(mark);
 }
 
-ordered_json OpenOfResult() {
-    ordered_json names = ordered_json::array();
-    for (int k = kTraX; k < kParameterEnd; ++k)
-        if (Job.LeftOpen[static_cast<std::size_t>(k)] != 0) names.push_back(HeldParameterName(k));
-    return OfResult(std::move(names));
-}
-
 ordered_json Summary(const JobFileFacts& file) {
     int used = 0;
     for (int pair = 1; pair <= Job.Pairs(); ++pair) used += 3 - static_cast<int>(LeftOut(pair).size());
@@ -133,7 +126,7 @@ ordered_json Summary(const JobFileFacts& file) {
     for (int k = 1; k < kParameterEnd; ++k) parameters.push_back(ParameterAsJson(k));
     return {{"schema", "corvinade-job"},
             {"schemaVersion", kSchemaVersion},
-            {"program", "Corvinade " + ProgramVersion()},
+            {"program", ProgramAsJson()},
             {"file", {{"path", file.Path}, {"version", file.Version}, {"bytes", file.Bytes}}},
             {"systems",
              {{"start", {{"name", Job.NameMCS}, {"path", Job.PathMCS}}},
@@ -156,7 +149,7 @@ ordered_json Summary(const JobFileFacts& file) {
             {"targetKind", TargetKind()},
             {"parametersChosen", !Job.ParamText[kTraX].empty()},
             {"converged", OfResult(!IsTrue(Job.Unconverged))},
-            {"openParameters", OpenOfResult()},
+            {"openParameters", OfResult(NamesOfOpen())},
             {"collapsedScale", OfResult(IsTrue(Job.Collapsed))},
             {"parameters", std::move(parameters)},
             {"savedViews", file.Views},

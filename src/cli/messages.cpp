@@ -57,9 +57,13 @@ bool EndsForWarnings(bool strict, std::ostream& err) {
     return true;
 }
 
-int Refuse(std::ostream& err, ExitStatus status, const std::string& text) {
+void TellError(std::ostream& err, const std::string& text) {
     WriteNotes(err);
     err << "corvinade-cli: " << text << "\n";
+}
+
+int Refuse(std::ostream& err, ExitStatus status, const std::string& text) {
+    TellError(err, text);
     return status;
 }
 

@@ -22,6 +22,9 @@ void WriteNotes(std::ostream& err);
 // command then ends with kUnreadable.
 bool EndsForWarnings(bool strict, std::ostream& err);
 
+// Says what went wrong, behind the notes, while the command goes on.
+void TellError(std::ostream& err, const std::string& text);
+
 // Says why a command ends, behind the notes; gives `status`.
 int Refuse(std::ostream& err, ExitStatus status, const std::string& text);
 

@@ -7,7 +7,9 @@
 #include <nlohmann/json.hpp>
 #include <type_traits>
 
+#include "core/controller.h"
 #include "core/job.h"
+#include "core/platform.h"
 
 namespace corvinade::cli {
 
@@ -288,6 +290,10 @@ json NotesToJson(std::span<const Note> notes) {
                         {"line", note.Line > 0 ? json(note.Line) : json()},
                         {"count", note.Count}});
     return list;
+}
+
+json ProgramAsJson() {
+    return {{"name", kProgramName}, {"version", ProgramVersion()}};
 }
 
 json ScreenToJson(const ScreenRecord& view) {

@@ -23,4 +23,7 @@ nlohmann::json NotesToJson(std::span<const Note> notes);
 // The state of a graphics window, or of a saved view, by the names of its fields.
 nlohmann::json ScreenToJson(const ScreenRecord& view);
 
+// {name, version} of the program, as every object has it that a command prints.
+nlohmann::json ProgramAsJson();
+
 }  // namespace corvinade::cli

@@ -26,7 +26,7 @@ int TellWritten(const std::string& command, const std::string& job, const std::v
     for (const FileLeft& file : left) leftFiles.push_back({{"path", file.Path}, {"why", file.Why}});
     const ordered_json root = {{"schema", "corvinade-" + command},
                                {"schemaVersion", kSchemaVersion},
-                               {"program", "Corvinade " + ProgramVersion()},
+                               {"program", ProgramAsJson()},
                                {"job", job},
                                {"written", written},
                                {"left", std::move(leftFiles)},

@@ -2,7 +2,9 @@
 #include "core/job_block.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <iterator>
@@ -18,7 +20,7 @@ namespace {
 constexpr std::size_t kLengthSize = sizeof(std::uint64_t);
 constexpr std::size_t kTextBegin = kJobBlockHead.size() + kLengthSize;
 constexpr std::string_view kConverged = "\"converged\"", kOpen = "\"openParameters\"",
-                           kCollapsed = "\"collapsedScale\"";
+                           kCollapsed = "\"collapsedScale\"", kTool = "\"toolVector_mm\"";
 
 std::uint64_t LengthAt(std::string_view bytes, std::size_t place) {
     std::uint64_t length = 0;
@@ -214,6 +216,41 @@ bool TakeNumbers(std::string_view value, decltype(JobRecord::LeftOpen)& marks) {
     return true;
 }
 
+// Takes a JSON value that is an array of three numbers; false for all others.
+bool TakeVector(std::string_view value, std::array<double, 3>& vector) {
+    if (!value.starts_with('[')) return false;
+    std::string bare;
+    std::copy_if(value.begin(), value.end(), std::back_inserter(bare), [](char c) { return !IsBlank(c); });
+    std::size_t at = 1;
+    for (std::size_t k = 0; k < 3; ++k) {
+        const std::size_t end = bare.find(k < 2 ? ',' : ']', at);
+        if (end == std::string::npos) return false;
+        const char* const last = bare.data() + end;
+        const auto [stop, wrong] = std::from_chars(bare.data() + at, last, vector[k]);
+        if (wrong != std::errc() || stop != last || !std::isfinite(vector[k])) return false;
+        at = end + 1;
+    }
+    return at == bare.size();
+}
+
+// Of a fit with the tool vector; "" of all others.
+std::string ToolVectorOf(const JobRecord& job) {
+    const std::string& choice = job.ParamText[kRvecX];
+    const std::array<double, 3> vector = {job.Rvec_x, job.Rvec_y, job.Rvec_z};
+    const auto none = [](double part) { return part == 0; };
+    const auto number = [](double part) { return std::isfinite(part); };
+    if (choice.empty() || choice == kNotUsed || std::all_of(vector.begin(), vector.end(), none) ||
+        !std::all_of(vector.begin(), vector.end(), number))
+        return "";
+    std::string text;
+    for (const double part : vector) {
+        std::array<char, 40> buffer{};
+        const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), part).ptr;
+        text.append(text.empty() ? "[" : ",").append(buffer.data(), end);
+    }
+    return text + "]";
+}
+
 std::string NumbersOf(const decltype(JobRecord::LeftOpen)& marks) {
     std::string text;
     for (std::size_t k = kTraX; k < marks.size(); ++k)
@@ -251,6 +288,7 @@ JobBlockFault TakeJobBlock(std::string_view block, JobRecord& job) {
     if (!walk.Wrong.empty()) return {std::string(walk.Wrong), kTextBegin + walk.At};
     bool converged = true, collapsed = false;
     decltype(job.LeftOpen) leftOpen{};
+    std::array<double, 3> tool = {job.Rvec_x, job.Rvec_y, job.Rvec_z};
     decltype(job.OtherMembers) others;
     for (auto member = members.begin(); member != members.end(); ++member) {
         const auto same = [member](const Member& other) { return other.Name == member->Name; };
@@ -268,6 +306,8 @@ JobBlockFault TakeJobBlock(std::string_view block, JobRecord& job) {
             if (!TakeTruth(member->Value, collapsed)) return wrong(kNoTruth);
         } else if (member->Name == kOpen) {
             if (!TakeNumbers(member->Value, leftOpen)) return wrong(" is no list of parameters 1 to 17");
+        } else if (member->Name == kTool) {
+            if (!TakeVector(member->Value, tool)) return wrong(" is no list of three numbers");
         } else {
             others.emplace_back(member->Name, member->Value);
         }
@@ -275,6 +315,9 @@ JobBlockFault TakeJobBlock(std::string_view block, JobRecord& job) {
     job.Unconverged = ToFlag(!converged);
     job.LeftOpen = leftOpen;
     job.Collapsed = ToFlag(collapsed);
+    job.Rvec_x = tool[0];
+    job.Rvec_y = tool[1];
+    job.Rvec_z = tool[2];
     job.OtherMembers = std::move(others);
     return {};
 }
@@ -287,6 +330,7 @@ std::string JobBlock(const JobRecord& job) {
     if (IsTrue(job.Unconverged)) add(kConverged, "false");
     if (const std::string open = NumbersOf(job.LeftOpen); !open.empty()) add(kOpen, open);
     if (IsTrue(job.Collapsed)) add(kCollapsed, "true");
+    if (const std::string tool = ToolVectorOf(job); !tool.empty()) add(kTool, tool);
     for (const auto& [name, value] : job.OtherMembers) add(name, value);
     if (text.empty()) return "";
     text += '}';

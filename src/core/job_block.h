@@ -32,7 +32,8 @@ struct JobBlockFault {
 // Takes what a block says into the job. With a fault the job is as before.
 JobBlockFault TakeJobBlock(std::string_view block, JobRecord& job);
 
-// The block of a job; "" where it has nothing to say, as all jobs with a sound result.
+// The block of a job; "" where it has nothing to say, as all jobs with a sound result, but those of a fit
+// with the tool vector.
 std::string JobBlock(const JobRecord& job);
 
 }  // namespace corvinade::core
