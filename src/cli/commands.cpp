@@ -1,12 +1,15 @@
 // The command line: its commands, options and exit statuses.
 #include "cli/commands.h"
 
+#include <algorithm>
+#include <new>
 #include <ostream>
-#include <tuple>
+#include <sstream>
 
 #include "cli/arguments.h"
 #include "cli/automate.h"
 #include "cli/bundle.h"
+#include "cli/completion.h"
 #include "cli/distances.h"
 #include "cli/export_job.h"
 #include "cli/fit.h"
@@ -17,11 +20,12 @@
 #include "cli/messages.h"
 #include "cli/named_files.h"
 #include "cli/render.h"
+#include "cli/render_arguments.h"
+#include "cli/told.h"
 #include "cli/transform.h"
 #include "cli/trumpet_file.h"
 #include "core/controller.h"
 #include "core/notes.h"
-#include "core/numbers.h"
 #include "core/platform.h"
 #include "core/text.h"
 
@@ -74,111 +78,10 @@ CLI::App* AddConvert(CLI::App& app, JobSwitches& s) {
     return convert;
 }
 
-// A check by a procedure that fills a value as well.
-template <class... Values>
-CLI::Validator Written(std::string (*take)(const std::string&, Values&...)) {
-    return CLI::Validator(
-        [take](const std::string& text) {
-            std::tuple<Values...> values;
-            return std::apply([&](auto&... each) { return take(text, each...); }, values);
-        },
-        "");
-}
-
-CLI::Validator Factor(double least, double most) {
-    return CLI::Validator(
-        [least, most](const std::string& text) {
-            double factor = 0;
-            const bool good = TextToNumber(text, '.', factor) && factor >= least && factor <= most;
-            return good ? ""
-                        : "\"" + Printable(text) + "\" is no factor from " + PlainText(least) + " to " +
-                              PlainText(most);
-        },
-        "");
-}
-
-struct RenderSwitches {
-    RenderOptions Options;
-    std::string Size = "1600x1000", Vectors, Background = "black", Limits, Decimal;
-    const CLI::Option* VectorsOption = nullptr;
-    bool Yes = false, No = false;
-};
-
-CLI::App* AddRender(CLI::App& app, RenderSwitches& s) {
-    PictureWish& wish = s.Options.Wish;
-    CLI::App* render = app.add_subcommand("render", "Draw the points of a job and their deviations");
-    render->add_option("JOB", s.Options.Job, "Job file of any version")->type_name("FILE.cvn")->required();
-    render->add_option("--out", s.Options.Out, "File to write, its kind by its extension: .png or .svg")
-        ->type_name("FILE")
-        ->check(CheckPictureFile)
-        ->required();
-    render->add_option("--view", wish.View, "iso, top, side, front, or the name of a saved view of the job")
-        ->type_name("NAME")
-        ->capture_default_str();
-    render->add_option("--size", s.Size, "Size of the picture, pixels")
-        ->check(Written(SizeFromText))
-        ->type_name("WxH")
-        ->capture_default_str();
-    render->add_option("--zoom", wish.Zoom, "Against the view in which all points fit, or the saved one")
-        ->check(Factor(1e-3, 1e3))
-        ->type_name("FACTOR")
-        ->capture_default_str();
-    s.VectorsOption = render
-                          ->add_option("--vectors", s.Vectors,
-                                       "Also the deviations as lines, SCALE times as long as in the scene;\n"
-                                       "without SCALE so long that they can be seen")
-                          ->expected(0, 1)
-                          ->check(Factor(1e-6, 1e9))
-                          ->type_name("[SCALE]");
-    render->add_flag("--color-bar", wish.ColorBar, "Also the colour bar");
-    render->add_option("--classes", wish.Classes, "Tolerance classes on each side of 0")
-        ->check(Between(1, 100))
-        ->type_name("N");
-    render
-        ->add_option("--limits", s.Limits,
-                     "Limits of the colours in the job's unit, as in --limits=-0.2,0.5;\n"
-                     "default: the largest deviation in use, both sides of 0")
-        ->check(Written(LimitsFromText))
-        ->type_name("MIN,MAX");
-    render->add_flag("--names", wish.Names, "Also the names of the points");
-    auto* flags = render->add_flag("--flags", wish.Flags,
-                                   "Also flags: those of a saved view that has any, else on the\n"
-                                   "points that deviate most");
-    render->add_option("--flag-count", wish.FlagCount, "Of the latter, at most")
-        ->check(Between(1, 1000))
-        ->type_name("N")
-        ->needs(flags)
-        ->capture_default_str();
-    render->add_flag("--labels", wish.AxisLabels, "Also the names of the axes");
-    render->add_flag("--targets", wish.Targets, "Also the targets of the identical points");
-    render->add_option("--point-size", wish.PointSize, "Pixels; default: after the number of points")
-        ->check(Between(1, 100))
-        ->type_name("N");
-    render->add_option("--background", s.Background, "white, black, or red, green and blue as ffee00")
-        ->check(Written(BackgroundFromText))
-        ->type_name("COLOUR")
-        ->capture_default_str();
-    render->add_flag("--json", s.Options.Json, "Tell as JSON what was written and noticed");
-    auto* yes = render->add_flag("--yes,-y", s.Yes,
-                                 "A file without the head of a job file is one of an early version");
-    render->add_flag("--no,-n", s.No, "It is none")->excludes(yes);
-    AddStrict(*render, s.Options.Strict, "Options");
-    AddDecimal(*render, s.Decimal, "Options");
-    return render;
-}
-
 int Render(RenderSwitches& s, std::ostream& out, std::ostream& err) {
-    RenderOptions& options = s.Options;
-    PictureWish& wish = options.Wish;
-    SizeFromText(s.Size, wish.Width, wish.Height);
-    BackgroundFromText(s.Background, wish.Background.emplace());
-    wish.Vectors = s.VectorsOption->count() > 0;
-    if (!s.Vectors.empty()) wish.Magnification = Val(s.Vectors);
-    if (!s.Limits.empty()) LimitsFromText(s.Limits, options.Limits.emplace());
-    options.Decimal = DecimalOf(s.Decimal);
-    if (s.Yes || s.No) options.Questions = s.Yes;
-    if (!AreApart({{"JOB", options.Job}}, {{"--out", options.Out}}, err)) return kWrongUsage;
-    return RunRender(options, out, err);
+    TakeRenderSwitches(s);
+    if (!AreApart({{"JOB", s.Options.Job}}, {{"--out", s.Options.Out}}, err)) return kWrongUsage;
+    return RunRender(s.Options, out, err);
 }
 
 struct DistancesSwitches {
@@ -354,6 +257,108 @@ private:
     std::ostream& err_;
 };
 
+// The switches of all commands, and those that were parsed.
+struct Commands {
+    FitSwitches FitOf;
+    AutomateSwitches AutomateOf;
+    JobSwitches JobOf;
+    RenderSwitches RenderOf;
+    DistancesSwitches DistancesOf;
+    BundleSwitches BundleOf;
+    TransformSwitches TransformOf;
+    ExportSwitches ExportOf;
+    bool Quiet = false;
+    std::string Shell;
+    CLI::App *FitApp, *InfoApp, *ConvertApp, *RenderApp, *DistancesApp, *BundleApp, *TransformApp, *ExportApp,
+        *AutomateApp, *CompletionApp;
+};
+
+void AddQuiet(CLI::App& command, bool& quiet, const char* group) {
+    command.add_flag("--quiet", quiet, "No notes on standard error; errors stay")->group(group);
+}
+
+void AddCommands(CLI::App& app, Commands& c) {
+    c.FitApp = AddFit(app, c.FitOf);
+    c.InfoApp = AddInfo(app, c.JobOf);
+    c.ConvertApp = AddConvert(app, c.JobOf);
+    c.RenderApp = AddRender(app, c.RenderOf);
+    c.DistancesApp = AddDistances(app, c.DistancesOf);
+    c.BundleApp = AddBundle(app, c.BundleOf);
+    c.TransformApp = AddTransform(app, c.TransformOf);
+    c.ExportApp = AddExport(app, c.ExportOf);
+    AddQuiet(*c.FitApp, c.Quiet, "Units and output");
+    for (CLI::App* command :
+         {c.InfoApp, c.ConvertApp, c.RenderApp, c.DistancesApp, c.BundleApp, c.TransformApp, c.ExportApp})
+        AddQuiet(*command, c.Quiet, "Options");
+    c.AutomateApp = AddAutomate(app, c.AutomateOf);
+    c.CompletionApp =
+        app.add_subcommand("completion", "Print what makes a shell complete commands and options");
+    c.CompletionApp->add_option("SHELL", c.Shell, "The shell that the script is for")
+        ->check(OneOf(CompletionShells()))
+        ->type_name(Choices(CompletionShells()))
+        ->required();
+}
+
+// Runs the command that was parsed.
+int RunParsed(Commands& c, std::ostream& out, std::ostream& err, bool terminal, bool progress) {
+    const bool colour = terminal && ColourWanted();
+    if (c.FitApp->parsed()) {
+        for (const CLI::Option* option : c.FitApp->get_options())
+            if (option->count() > 0) c.FitOf.Options.Given.push_back(option->get_name());
+        return Fit(c.FitOf, out, err, terminal, progress);
+    }
+    if (c.RenderApp->parsed()) return Render(c.RenderOf, out, err);
+    if (c.DistancesApp->parsed()) return Distances(c.DistancesOf, out, err, terminal, progress);
+    if (c.BundleApp->parsed()) {
+        c.BundleOf.Options.Decimal = DecimalOf(c.BundleOf.Decimal);
+        return RunBundle(c.BundleOf.Options, out, err, colour, progress);
+    }
+    if (c.TransformApp->parsed()) {
+        TakeTransformSwitches(c.TransformOf);
+        return RunTransform(c.TransformOf.Options, out, err, progress);
+    }
+    if (c.ExportApp->parsed()) return Export(c.ExportOf, out, err);
+    TakeJobSwitches(c.JobOf);
+    if (c.InfoApp->parsed()) return RunInfo(c.JobOf.Options, out, err, colour);
+    return RunConvert(c.JobOf.Options, out, err);
+}
+
+bool IsGiven(const CLI::App& command, const char* option) {
+    const CLI::Option* const found = command.get_option_no_throw(option);
+    return found != nullptr && found->count() > 0;
+}
+
+// All that the command line says beside the names of its options: the files are among it.
+std::vector<std::string> NamedBy(const CLI::App& command) {
+    std::vector<std::string> named;
+    for (const CLI::Option* option : OptionsOf(command))
+        for (const std::string& text : option->results()) {
+            named.push_back(text);
+            if (const std::size_t equals = text.find('='); equals != std::string::npos)
+                named.push_back(text.substr(equals + 1));
+        }
+    return named;
+}
+
+// Runs it, with what it says kept for its end. An error that nothing has caught is one as well.
+int RunForItsEnd(Commands& c, const CLI::App& command, std::ostream& out, std::ostream& err, bool terminal) {
+    const bool json = IsGiven(command, "--json"), quiet = c.Quiet;
+    std::ostringstream said;
+    Telling = {true, quiet};
+    int status = kUnreadable;
+    try {
+        status = RunParsed(c, out, said, terminal, false);
+    } catch (const PlatformError& error) {
+        said << error.What << "\n";
+    } catch (const std::bad_alloc&) {
+        said << "there is not enough memory for this\n";
+    }
+    TellAtEnd(status, json, quiet, said.str(), NamedBy(command), err);
+    Headless.NotesTold = Notes.List.size();
+    Telling = {};
+    return status;
+}
+
 }  // namespace
 
 int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ostream& out, std::ostream& err,
@@ -363,54 +368,30 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     app.set_version_flag("--version", "corvinade-cli " + ProgramVersion());
     app.require_subcommand(1);
     app.get_formatter()->column_width(34);
-    FitSwitches fitSwitches;
-    AutomateSwitches automateSwitches;
-    JobSwitches jobSwitches;
-    const CLI::App* fit = AddFit(app, fitSwitches);
-    const CLI::App* info = AddInfo(app, jobSwitches);
-    AddConvert(app, jobSwitches);
-    RenderSwitches renderSwitches;
-    const CLI::App* render = AddRender(app, renderSwitches);
-    DistancesSwitches distancesSwitches;
-    const CLI::App* distances = AddDistances(app, distancesSwitches);
-    BundleSwitches bundleSwitches;
-    const CLI::App* bundle = AddBundle(app, bundleSwitches);
-    TransformSwitches transformSwitches;
-    const CLI::App* transform = AddTransform(app, transformSwitches);
-    ExportSwitches exportSwitches;
-    const CLI::App* exported = AddExport(app, exportSwitches);
-    const CLI::App* automate = AddAutomate(app, automateSwitches);
+    Commands commands;
+    AddCommands(app, commands);
+    Telling = {};
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error, out, err) == 0 ? kDone : kWrongUsage;
+        const bool json =
+            std::any_of(argv, argv + argc, [](const char* text) { return text == std::string("--json"); });
+        if (error.get_exit_code() == 0 || !json) return app.exit(error, out, err) == 0 ? kDone : kWrongUsage;
+        ForgetNotes();
+        WriteErrorJson(kWrongUsage, error.what(), {}, err);
+        return kWrongUsage;
     }
-    if (automate->parsed()) return Serve(automateSwitches, in, out);
+    if (commands.CompletionApp->parsed())
+        return (out << CompletionScript(app, commands.Shell)).flush() ? kDone : kRefused;
+    if (commands.AutomateApp->parsed()) return Serve(commands.AutomateOf, in, out);
     // A command gives the same on every machine, and to a script what its other programs read. Only the one
     // above, which stands in for the desktop, has the locale as that has.
     Headless.Decimal = '.';
     const ToldNotes notes(err);
-    if (fit->parsed()) {
-        for (const CLI::Option* option : fit->get_options())
-            if (option->count() > 0) fitSwitches.Options.Given.push_back(option->get_name());
-        return Fit(fitSwitches, out, err, terminal, progress);
-    }
-    if (render->parsed()) return Render(renderSwitches, out, err);
-    if (distances->parsed()) return Distances(distancesSwitches, out, err, terminal, progress);
-    if (bundle->parsed()) {
-        bundleSwitches.Options.Decimal = DecimalOf(bundleSwitches.Decimal);
-        return RunBundle(bundleSwitches.Options, out, err, terminal && ColourWanted(), progress);
-    }
-    if (transform->parsed()) {
-        TakeTransformSwitches(transformSwitches);
-        return RunTransform(transformSwitches.Options, out, err, progress);
-    }
-    if (exported->parsed()) {
-        return Export(exportSwitches, out, err);
-    }
-    TakeJobSwitches(jobSwitches);
-    if (info->parsed()) return RunInfo(jobSwitches.Options, out, err, terminal && ColourWanted());
-    return RunConvert(jobSwitches.Options, out, err);
+    const CLI::App& command = *app.get_subcommands().front();
+    if (IsGiven(command, "--json") || commands.Quiet)
+        return RunForItsEnd(commands, command, out, err, terminal);
+    return RunParsed(commands, out, err, terminal, progress);
 }
 
 }  // namespace corvinade::cli

@@ -97,14 +97,30 @@ Pairing WayOf(const std::string& match) {
     return match == "distance" ? Pairing::ByDistance : Pairing::ByID;
 }
 
+// Names with commas between.
+void AddNames(std::string_view text, std::vector<std::string>& names) {
+    for (bool more = true; more;) {
+        const std::size_t comma = text.find(',');
+        more = comma != std::string_view::npos;
+        names.emplace_back(text.substr(0, comma));
+        if (more) text.remove_prefix(comma + 1);
+    }
+}
+
 // Its questions are answered as the user has said beforehand, and stand among the messages with their answer;
-// `open` gets the first one that nobody has answered, which counts as No.
-ImportRequest RequestOf(const FitOptions& options, std::string& open) {
+// `open` gets the first one that nobody has answered, which counts as No, and `unknownPose` what is told of a
+// pose that is selected and not there.
+ImportRequest RequestOf(const FitOptions& options, std::string& open, std::string& unknownPose) {
     ImportRequest request;
     request.StartPath = options.Start;
     request.TargetPath = options.Target;
     request.Kind = TargetKindByName(options.TargetKind);
     request.ByDeclarations = true;
+    request.Names = options.Names.empty()       ? PoseNames::Match
+                    : options.Names == "number" ? PoseNames::ByTurn
+                                                : PoseNames::Program;
+    for (const std::string& names : options.Select) AddNames(names, request.Select);
+    request.UnknownPose = [&unknownPose](const std::string& text) { unknownPose = text; };
     request.Delimiter = options.Delimiter;
     request.Way = WayOf(options.Match);
     request.Tolerance_mm = options.Tolerance_mm;
@@ -126,7 +142,9 @@ std::string TooFewPairs(const FitOptions& options) {
                        std::to_string(Job.Pairs()) + " of them identical; a transformation needs at least 2";
     if (std::min(Job.Start.Count(), Job.Target.Count()) < 2) return text;  // no way of pairing finds more
     if (options.Match == "id" && options.TargetKind != "points")
-        text += "\n  the poses of a robot program bear the names 1, 2, 3..., those of a text file their own";
+        text +=
+            "\n  the poses of a robot program bear the names 1, 2, 3..., those of a text file their own; "
+            "--names program takes those of the program";
     if (options.Match == "id")
         return text +
                "\n  points without common names are paired with --match coordinate or --match distance";
@@ -184,12 +202,13 @@ int TakePoints(const FitOptions& options, std::ostream& err, bool showProgress) 
     for (const std::string& path : {options.Start, options.Target})
         if (!Dispatch([&path] { CheckReadable(path); }))
             return Refuse(err, kUnreadable, Run.LastPlatformError);
-    std::string question;
+    std::string question, unknownPose;
     ImportOutcome outcome = ImportOutcome::NotRead;
-    Dispatch([&] { outcome = Import(RequestOf(options, question)); });
+    Dispatch([&] { outcome = Import(RequestOf(options, question, unknownPose)); });
     if (showProgress && Headless.Yields > 0) err << "\r\x1b[K" << std::flush;
     if (outcome != ImportOutcome::Done) {
         WriteMessages(err);
+        if (!unknownPose.empty()) return Refuse(err, kWrongUsage, unknownPose);
         if (!question.empty())
             return Refuse(err, kUnreadable,
                           "the import asks a question, and neither --yes nor --no was given:\n  " + question);

@@ -202,6 +202,19 @@ void AddRobotOptions(CLI::App& fit, FitOptions& o) {
         ->check(OneOf(TargetKindNames()))
         ->type_name(Choices(TargetKindNames()))
         ->group("Points");
+    fit.add_option("--names", o.Names,
+                   "Names of the poses of a robot program: the numbers of their turn,\n"
+                   "or those of the program; default: program where names in START\n"
+                   "match them")
+        ->check(OneOf({"number", "program"}))
+        ->type_name("number|program")
+        ->group("Points");
+    fit.add_option("--select", o.Select,
+                   "Take these poses of a robot program alone, by the names of the\n"
+                   "program, in capital letters or not")
+        ->allow_extra_args(false)
+        ->type_name("NAME,...")
+        ->group("Points");
     const char* const group = "Model";
     auto* distance = fit.add_flag("--r-dist", o.RDist,
                                   "The transformed points need not fall on their targets: all lie at\n"
@@ -264,13 +277,17 @@ void AddFormOptions(CLI::App& fit, FitOptions& o) {
 std::string CheckJobOptions(const FitOptions& o) {
     if (o.Tool && o.Job.empty() && InputKindOf(TargetKindByName(o.TargetKind)).Read == nullptr)
         return "--tool takes the orientations of a robot program: name its kind with --as";
+    if (!o.Names.empty() && o.Job.empty() && !InputKindOf(TargetKindByName(o.TargetKind)).ByTurn)
+        return "--names is about the poses of robot programs: --as kuka, fanuc or abb";
+    if (!o.Select.empty() && o.Job.empty() && InputKindOf(TargetKindByName(o.TargetKind)).Read == nullptr)
+        return "--select takes poses of a robot program: name its kind with --as";
     if (TargetKindByName(o.TargetKind) == TargetKind::Shape && o.Match != "id")
         return "--as paraboloid has no target points to pair with: --match does not go with it";
     if (o.Job.empty())
         return o.Start.empty() || o.Target.empty() ? "fit takes START and TARGET, or --job FILE.cvn" : "";
     for (const char* option :
-         {"START", "TARGET", "--as", "--match", "--tolerance", "--only-first", "--delimiter", "--length-unit",
-          "--angle-unit", "--digits", "--angle-digits", "--direction"})
+         {"START", "TARGET", "--as", "--names", "--select", "--match", "--tolerance", "--only-first",
+          "--delimiter", "--length-unit", "--angle-unit", "--digits", "--angle-digits", "--direction"})
         if (o.IsGiven(option))
             return std::string("--job brings points, units and direction of its own: ") + option +
                    " does not go with it";

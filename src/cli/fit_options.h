@@ -20,6 +20,8 @@ struct FitOptions {
     std::string Job;                    // path of a job that stands in the place of both; "" = none
     std::string Save;                   // path of the job to write with its result; "" = none
     std::string TargetKind = "points";  // by name: import/robot_files.h
+    std::string Names;                  // of poses: number, program; "" = by those of the start points
+    std::vector<std::string> Select;    // names of poses
     std::string Match = "id";           // id, coordinate, distance
     double Tolerance_mm = 0.8;
     int OnlyFirst = 0;             // matching by distance looks at the first so many target points; 0 = all

@@ -39,6 +39,7 @@ void WriteMessages(std::ostream& err) {
 }
 
 void WriteNotes(std::ostream& err) {
+    if (Telling.NotesWait) return;
     if (Headless.NotesTold > Notes.List.size()) Headless.NotesTold = 0;  // another list meanwhile
     for (; Headless.NotesTold < Notes.List.size(); ++Headless.NotesTold) {
         const Note& note = Notes.List[Headless.NotesTold];
@@ -49,6 +50,10 @@ void WriteNotes(std::ostream& err) {
 bool EndsForWarnings(bool strict, std::ostream& err) {
     WriteNotes(err);
     if (!strict || !HasWarnings()) return false;
+    if (Telling.Quiet) {
+        Telling.NotesWait = false;  // here they say what is wrong
+        WriteNotes(err);
+    }
     const auto warnings = std::count_if(Notes.List.begin(), Notes.List.end(),
                                         [](const Note& note) { return note.Weight == Severity::Warning; });
     Refuse(err, kUnreadable,

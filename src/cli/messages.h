@@ -9,13 +9,20 @@
 
 namespace corvinade::cli {
 
+// How the present command tells what it has noticed. With --json and --quiet its notes wait for its end.
+struct TellingRecord {
+    bool NotesWait = false;
+    bool Quiet = false;  // --quiet: they are not told at all, unless --strict ends the command for them
+};
+inline TellingRecord Telling;
+
 // A message box's text as a paragraph without blank lines.
 std::string OneParagraph(const std::string& text);
 
 // The messages that came up, and the questions that an option has answered, which are then forgotten.
 void WriteMessages(std::ostream& err);
 
-// The notes that have not been told yet, a line each: "warning: ..." or "note: ...".
+// The notes that have not been told yet, a line each: "warning: ..." or "note: ...". Nothing while they wait.
 void WriteNotes(std::ostream& err);
 
 // The same, before a command writes anything. True, with `strict` alone, where a warning is among them: the

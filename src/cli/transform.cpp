@@ -147,6 +147,7 @@ void TellFiles(BatchNotes notes, std::ostream& err) {
     left.FilesLeft = std::move(notes.FilesLeft);
     notes.FilesLeft.clear();
     for (const std::string& line : NotesAsLines(left, 0)) err << line << "\n";
+    if (Telling.Quiet) return;
     for (const std::string& line : NotesAsLines(notes, 0)) err << "warning: " << line << "\n";
 }
 

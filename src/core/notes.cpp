@@ -63,6 +63,7 @@ constexpr NoteKind kKinds[] = {
     {NoteCode::HardlyKnown, "hardly-known", Severity::Warning, false},
     {NoteCode::NoEffect, "no-effect", Severity::Note, false},
     {NoteCode::HeldText, "held-text", Severity::Warning, false},
+    {NoteCode::PoseNames, "pose-names", Severity::Note, true},
 };
 static_assert(std::size(kKinds) == static_cast<std::size_t>(NoteCode::Count_));
 

@@ -68,6 +68,8 @@ enum class NoteCode : std::uint8_t {
     HardlyKnown,      // a rotation that the points determine, but not to the tenth part of a radian
     NoEffect,         // a parameter that changes nothing at the values of the others
     HeldText,         // the value that a parameter is held at is no number
+    // Of an import again.
+    PoseNames,  // poses are paired by the names that their program gives them
     Count_
 };
 

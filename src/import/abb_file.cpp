@@ -90,6 +90,7 @@ void ReadByDeclarations(const TargetFile& file) {
             program.Lines.Row = target.Row;
             names.Add(UpperAscii(target.Name), target.Name, target.Row);
             TakePose(program, poses, fromMatrix);
+            poses.CalledInProgram(target.Name);
         }
     }
     NoteLeft(program,

@@ -59,6 +59,18 @@ std::size_t Less(std::size_t place, std::size_t count) {
     return place < count ? 0 : place - count;
 }
 
+// The number in the brackets of a line such as `P[12:"above the pin"]{`; "" where there is none.
+std::string NumberOfPose(std::string_view line) {
+    std::size_t at = line.find('[');
+    if (at == std::string_view::npos) return "";
+    at = line.find_first_not_of(' ', at + 1);
+    if (at == std::string_view::npos) return "";
+    const std::size_t end = std::min(line.find_first_not_of("0123456789", at), line.size());
+    std::string_view number = line.substr(at, end - at);
+    while (number.size() > 1 && number.front() == '0') number.remove_prefix(1);
+    return std::string(number);
+}
+
 void ReadPoses(const TargetFile& file) {
     RobotProgram program(file);
     std::int64_t n = 0;
@@ -81,6 +93,7 @@ void ReadPoses(const TargetFile& file) {
     do {
         NeedLine(program);
         if (program.Line.starts_with("/END")) return end();
+        const std::string number = NumberOfPose(program.Line);
         for (int line = 0; line < 3; ++line) NeedLine(program);
         const std::size_t x = PlaceOf(program, "X "), y = PlaceOf(program, "Y "), z = PlaceOf(program, "Z ");
         const double X = ValueAt(program, x, Less(y, kBehindValue), notes);
@@ -93,6 +106,7 @@ void ReadPoses(const TargetFile& file) {
         const double P = ValueAt(program, p, Less(r, kBehindValue), notes);
         const double R = ValueAt(program, r, Less(program.Line.size(), kBehindLastAngle), notes);
         poses.Take(program, {X, Y, Z}, {R, P, W});
+        poses.CalledInProgram(number);
         NoteProgramUnits(program, millimetres, program.Line.find(" deg") != std::string_view::npos);
         ++taken;
         do {

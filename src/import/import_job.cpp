@@ -22,6 +22,7 @@
 #include "import/import_request.h"
 #include "import/long_import.h"
 #include "import/matching.h"
+#include "import/named_poses.h"
 #include "import/point_file.h"
 #include "import/row_notes.h"
 
@@ -129,18 +130,31 @@ void NotePosesByTurn(const ImportRequest& request) {
         request.TargetPath);
 }
 
+void NumberStartPoints() {
+    for (std::size_t i = 1; i < Job.Start.Name.size(); ++i) Job.Start.Name[i] = std::to_string(i);
+}
+
 // Reads both files, the target by the reader of its kind. False when the import must stop.
 bool ReadBothFiles(const ImportRequest& request) {
     const InputKind& kind = InputKindOf(request.Kind);
     Einlesen_Neu(
         {request.StartPath, TargetPointFile(request), request.Kind == TargetKind::Shape, request.How});
     if (IsTrue(Run.ImportFailed)) return false;
-    if (request.Way == Pairing::ByID && kind.NumbersPoints)
-        for (std::size_t i = 1; i < Job.Start.Name.size(); ++i) Job.Start.Name[i] = std::to_string(i);
-    if (kind.Read != nullptr) kind.Read({request.TargetPath, request.ByDeclarations, request.How});
+    const bool numbers = request.Way == Pairing::ByID && kind.NumbersPoints;
+    // Where the names may be those of the program the start points keep theirs until the program is known.
+    if (numbers && request.Names == PoseNames::ByTurn) NumberStartPoints();
+    if (kind.Read == nullptr) return true;
+    kind.Read({request.TargetPath, request.ByDeclarations, request.How});
     if (IsTrue(Run.ImportFailed)) return false;
-    if (request.Way == Pairing::ByID && kind.ByTurn) NotePosesByTurn(request);
-    return true;
+    const bool named = NamePoses(request);
+    if (numbers && !named) NumberStartPoints();
+    // Before any is left out: those do not move the others.
+    if (request.Way == Pairing::ByID && kind.ByTurn && !named && request.Select.empty())
+        NotePosesByTurn(request);
+    if (!request.ByDeclarations) return true;
+    const std::string unknown = SelectPoses(request);
+    if (!unknown.empty()) request.UnknownPose(unknown);
+    return unknown.empty();
 }
 
 // Pairing by names refuses a double one, the other ways pair the points whatever they are called.

@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/platform.h"
 #include "core/rooms.h"
@@ -20,6 +21,13 @@ enum class Pairing : std::uint8_t {
     ByCoordinate,  // by coordinates that are near to each other
     ByDistance,    // by distances inside each set
     None,          // no way has been chosen, so nothing is read
+};
+
+// What the poses of a robot program are called.
+enum class PoseNames : std::uint8_t {
+    ByTurn,   // 1, 2, 3...
+    Program,  // as the program calls them
+    Match,    // by ID: as the program does where start points bear such names, and no fewer than numbers
 };
 
 struct ImportRequest {
@@ -40,6 +48,13 @@ struct ImportRequest {
     // By distance: how many target points are searched, as typed; nothing = all. It is read when the search
     // begins, and what is no number is an error there.
     std::optional<std::string> OnlyFirst;
+
+    PoseNames Names = PoseNames::ByTurn;
+    // The poses that are taken, by what the program calls them or by their names, in capital letters or not;
+    // none = all.
+    std::vector<std::string> Select;
+    // Told of one that is not there, which ends the import.
+    std::function<void(const std::string& text)> UnknownPose = [](const std::string&) {};
 
     bool ReplacesQuietly = false;  // the points of before go without a question
     Reading How{};

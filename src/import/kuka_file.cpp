@@ -240,6 +240,7 @@ void ReadByDeclarations(const TargetFile& file) {
         for (const DeclaredPose& pose : PosesOf(program.Line, behind)) {
             names.Add(UpperAscii(pose.Name), pose.Name, program.Lines.Row);
             TakeDeclaredPose(program, pose.Brace, poses);
+            poses.CalledInProgram(pose.Name);
         }
     names.Write(program.File.Path);
     if (skipped > 0)

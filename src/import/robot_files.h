@@ -27,6 +27,13 @@ struct TargetFile {
 
 using PoseReader = void (*)(const TargetFile& file);
 
+// What the robot program that was read last calls its poses, from 1: as they are declared, or the number in
+// the brackets. "" where the program has no name for a pose; text files have none beside those of the points.
+struct ProgramPosesRecord {
+    std::vector<std::string> Name{""};
+};
+inline ProgramPosesRecord ProgramPoses;
+
 // Each reads a robot program into the target set: positions into Job.Target, orientations into
 // Job.RobotABC (rows 0 to n; columns 1 to 3 are the rotations about z, the new y and the new x, rad), the
 // spans of these into Run.SpanA to SpanC. No pairs are left; the start set and the rest of the job are not

@@ -85,17 +85,23 @@ PoseTable::PoseTable(const RobotProgram& program, std::int64_t count, double ang
                             " poses, more than it has room for"};
     points_.Resize(static_cast<int>(count));
     angles_ = Matrix(static_cast<int>(count), 3);
+    programNames_.resize(static_cast<std::size_t>(count) + 1);
 }
 
 PoseTable::~PoseTable() {
     ReplaceTarget(std::move(points_));
     Job.RobotABC = std::move(angles_);
+    ProgramPoses.Name = std::move(programNames_);
     const auto span = [this](std::size_t k) {
         return taken_ == 0 ? 0 : (highest_[k] - lowest_[k]) / angleFactor_;
     };
     Run.SpanA = span(0);
     Run.SpanB = span(1);
     Run.SpanC = span(2);
+}
+
+void PoseTable::CalledInProgram(std::string_view name) {
+    programNames_[taken_] = name;
 }
 
 void PoseTable::Take(const RobotProgram& program, const std::array<double, 3>& position,

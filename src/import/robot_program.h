@@ -65,8 +65,8 @@ void NoteProgramUnits(const RobotProgram& program, bool millimetres, bool degree
 using PoseAngles = std::array<double, 3>;
 
 // Poses as they are read. However the reading ends, they become the target set of the job with its
-// orientations: Job.Target, RobotABC, Run.SpanA to SpanC; no pairs are left. Places for which no pose has
-// come hold nothing, not even a name, so that they pair with nothing.
+// orientations: Job.Target, RobotABC, ProgramPoses, Run.SpanA to SpanC; no pairs are left. Places for which
+// no pose has come hold nothing, not even a name, so that they pair with nothing.
 class PoseTable {
 public:
     // Room for `count` poses. Angles are divided by `angleFactor`, positions by Units.LengthFactor.
@@ -80,12 +80,15 @@ public:
     // Takes the pose of the present line, in the units of the file; without a name its number is its name.
     // Throws PlatformError when all places are taken, and where a number is too large for its unit.
     void Take(const RobotProgram& program, const std::array<double, 3>& position, const PoseAngles& angles);
+    // What the program calls the pose that was taken last.
+    void CalledInProgram(std::string_view name);
     void Take(const RobotProgram& program, const std::array<double, 3>& position, const PoseAngles& angles,
               std::string name);
 
 private:
     PointSet points_;
     Matrix angles_;  // rad
+    std::vector<std::string> programNames_;
     std::size_t taken_ = 0;
     double angleFactor_;
     // Of the angles as the file has them.
