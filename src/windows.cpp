@@ -54,6 +54,7 @@
 #include "graphics/tolerance.h"
 #include "import/form_input_files.h"
 #include "import/long_import.h"
+#include "import/robot_files.h"
 #include "paraboloid/form_stop_para_trafo.h"
 #include "paraboloid/paraboloid.h"
 #include "paraboloid/paraboloid_records.h"
@@ -109,6 +110,7 @@ void (*const kRecords[])() = {
     [] { Spezial = SpezialRecord{}; },
     [] { Bundle = BundleRecord{}; },
     [] { LongImport = LongImportRecord{}; },
+    [] { ProgramPoses = ProgramPosesRecord{}; },
     [] { MainSheet = MainSheetRecord{}; },
     [] { DistanceScale = DistanceScaleRecord{}; },
     [] {

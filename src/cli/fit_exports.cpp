@@ -2,6 +2,7 @@
 #include "cli/fit_exports.h"
 
 #include <algorithm>
+#include <optional>
 #include <ostream>
 
 #include "analysis/export_forms.h"
@@ -27,6 +28,20 @@ Wanted WantedBy(const std::string& text) {
     if (equals == std::string::npos) return {nullptr, ""};
     return {analysis::FindExportForm(text.substr(0, equals)), text.substr(equals + 1)};
 }
+
+// As long as it lives, texts have a decimal point.
+class PointInTexts {
+public:
+    explicit PointInTexts(bool wanted) {
+        if (wanted) Headless.Decimal = '.';
+    }
+    ~PointInTexts() { Headless.Decimal = before_; }
+    PointInTexts(const PointInTexts&) = delete;
+    PointInTexts& operator=(const PointInTexts&) = delete;
+
+private:
+    std::optional<char> before_ = Headless.Decimal;
+};
 
 }  // namespace
 
@@ -74,6 +89,8 @@ int MakeExports(const FitOptions& options, std::vector<FitExport>& exports, std:
         if (const std::string why = WhyNotInForm(*wanted.Form, placement); !why.empty())
             return Refuse(err, kRefused, why);
         FitExport made{wanted.Path, ""};
+        // As of export: the points alone go by --decimal.
+        const PointInTexts point(wanted.Form->Name != std::string("points"));
         if (!Dispatch([&] { made.Text = ExportText(*wanted.Form, placement); }))
             return Refuse(err, kRefused, Run.LastPlatformError);
         exports.push_back(std::move(made));

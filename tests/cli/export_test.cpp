@@ -71,6 +71,25 @@ TEST_F(ExportCommand, AFitHandsItsResultOnInSeveralForms) {
               FreshCommandLine({"fit", start_, target_}).Out);
 }
 
+TEST_F(ExportCommand, NoDecimalCommaComesIntoAFormButThePoints) {
+    const std::string from =
+                          Write("from.txt", "A;0,5;0;0\nB;1000,25;0;0\nC;0;2000;0\nD;0;0;3000\nE;1;2;3,5\n"),
+                      to = Write("to.txt", "A;5,5;6;7\nB;1005,25;6;7\nC;5;2006;7\nD;5;6;3007,5\n");
+    std::vector<std::string> fit = {"fit", from, to, "--decimal", ",", "--save", PathOf("from.cvn")};
+    for (const std::string& form : analysis::ExportFormNames())
+        fit.insert(fit.end(), {"--export", form + "=" + PathOf(form + ".out")});
+    const Outcome outcome = FreshCommandLine(fit);
+    ASSERT_EQ(outcome.Status, 0) << outcome.Err;
+    for (const std::string& form : analysis::ExportFormNames()) {
+        if (form == "points") {
+            EXPECT_EQ(Contents(PathOf("points.out")).substr(0, 2), "E\t");
+            EXPECT_NE(Contents(PathOf("points.out")).find(','), std::string::npos) << "as --decimal says";
+            continue;
+        }
+        EXPECT_EQ(Contents(PathOf(form + ".out")), Text(PathOf("from.cvn"), form)) << form;
+    }
+}
+
 TEST_F(ExportCommand, TheOptionsOfBeforeWriteTheSameAsTheirForms) {
     const std::pair<const char*, const char*> both[] = {
         {"--rocal", "rocal"}, {"--robcad", "robcad"}, {"--points", "points"}};

@@ -1,4 +1,4 @@
-// The man page and the program's own help tell of the same options.
+// The man page, the document on the command line and the program's own help tell of the same options.
 #include <regex>
 #include <set>
 
@@ -10,6 +10,7 @@ namespace {
 
 using ManPage = FitCommand;
 
+const std::string kDocument = std::string(CORVINADE_SOURCE_DIR) + "/docs/command-line.md";
 const std::string kPage = std::string(CORVINADE_SOURCE_DIR) + "/packaging/corvinade-cli.1.in";
 
 std::set<std::string> LongOptions(const std::string& text) {
@@ -27,22 +28,33 @@ std::string Page() {
     return page;
 }
 
-TEST_F(ManPage, TellsOfEveryOptionOfTheProgramAndOfNoOther) {
+std::set<std::string> OptionsOfTheHelp() {
     std::set<std::string> options;
-    for (const char* command :
-         {"fit", "info", "convert", "render", "distances", "bundle", "transform", "export", "automate"}) {
+    for (const char* command : {"fit", "info", "convert", "render", "distances", "bundle", "transform",
+                                "export", "automate", "completion"}) {
         const Outcome help = CommandLine({command, "--help"});
         EXPECT_EQ(help.Status, 0) << help.Err;
         options.merge(LongOptions(help.Out));
     }
     options.merge(LongOptions(CommandLine({"--help"}).Out));
+    return options;
+}
+
+TEST_F(ManPage, TellsOfEveryOptionOfTheProgramAndOfNoOther) {
+    const std::set<std::string> options = OptionsOfTheHelp();
     EXPECT_TRUE(options.count("--monte-carlo"));
     EXPECT_EQ(LongOptions(Page()), options);
 }
 
+TEST_F(ManPage, AndTheDocumentTellOfTheSame) {
+    std::set<std::string> options = OptionsOfTheHelp();
+    options.erase("--version");
+    EXPECT_EQ(LongOptions(Contents(kDocument)), options);
+}
+
 TEST_F(ManPage, NamesEveryExitStatus) {
     const std::string page = Page();
-    for (const char* status : {"0", "1", "2", "3", "4"})
+    for (const char* status : {"0", "1", "2", "3", "4", "5"})
         EXPECT_NE(page.find(std::string(".TP\n.B ") + status + "\n"), std::string::npos) << status;
 }
 
