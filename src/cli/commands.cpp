@@ -328,15 +328,17 @@ bool IsGiven(const CLI::App& command, const char* option) {
     return found != nullptr && found->count() > 0;
 }
 
-// All that the command line says beside the names of its options: the files are among it.
+// The files and folders that the command line names.
 std::vector<std::string> NamedBy(const CLI::App& command) {
     std::vector<std::string> named;
-    for (const CLI::Option* option : OptionsOf(command))
+    for (const CLI::Option* option : OptionsOf(command)) {
+        if (!TakesFile(*option)) continue;
         for (const std::string& text : option->results()) {
             named.push_back(text);
             if (const std::size_t equals = text.find('='); equals != std::string::npos)
                 named.push_back(text.substr(equals + 1));
         }
+    }
     return named;
 }
 

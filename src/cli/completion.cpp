@@ -67,8 +67,7 @@ Choice ChoiceOf(const CLI::Option& option) {
     choice.TakesValue = option.get_items_expected_max() > 0;
     const std::string type = option.get_type_name();
     choice.Values = ValuesOf(type);
-    for (const char* const word : {"FILE", "OUT", "DIR", "FOLDER"})
-        choice.TakesFile = choice.TakesFile || type.find(word) != std::string::npos;
+    choice.TakesFile = TakesFile(option);
     return choice;
 }
 
@@ -204,6 +203,12 @@ struct Shell {
 constexpr Shell kShells[] = {{"bash", Bash}, {"zsh", Zsh}, {"fish", Fish}};
 
 }  // namespace
+
+bool TakesFile(const CLI::Option& option) {
+    const std::string type = option.get_type_name();
+    const auto says = [&type](const char* word) { return type.find(word) != std::string::npos; };
+    return says("FILE") || says("OUT") || says("DIR") || says("FOLDER");
+}
 
 std::vector<const CLI::Option*> OptionsOf(const CLI::App& command) {
     std::vector<const CLI::Option*> options = command.get_options();

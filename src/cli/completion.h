@@ -15,6 +15,9 @@ std::vector<std::string> CompletionShells();
 // The script of one of them, made of the commands of `app`. Require: the shell is one of these.
 std::string CompletionScript(const CLI::App& app, const std::string& shell);
 
+// Is the value of an option a file or a folder? The word for it in the help says so.
+bool TakesFile(const CLI::Option& option);
+
 // All options of a command, those of its groups too.
 std::vector<const CLI::Option*> OptionsOf(const CLI::App& command);
 

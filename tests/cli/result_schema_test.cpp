@@ -206,6 +206,15 @@ TEST_F(JsonErrors, AreThereInEveryCommandAndForWrongUsage) {
     EXPECT_EQ(Error({"fit", start_, Write("one.txt", "A;0;0;0\n"), "--json"}, 1)["line"], nullptr);
 }
 
+// "6 unknowns" is no file, though the command line says 6.
+TEST_F(JsonErrors, TakeNoOtherValueForAFile) {
+    const std::string two = Write("two.txt", "A;0;0;0\nB;1000;0;0\n");
+    const json few = Error({"fit", two, two, "--parameters", "12", "--leave-out", "B:x", "--json"}, 1);
+    EXPECT_NE(few["text"].get<std::string>().find("12 unknowns"), std::string::npos) << few;
+    EXPECT_EQ(few["file"], nullptr);
+    EXPECT_EQ(few["line"], nullptr);
+}
+
 TEST_F(JsonErrors, TheResultIsThereAllTheSameWhereThereIsOne) {
     const Outcome outcome = FreshCommandLine({"fit", kMeasured, kNominal, "--json", "--limit", "0.001"});
     EXPECT_EQ(outcome.Status, 5);

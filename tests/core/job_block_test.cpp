@@ -83,6 +83,33 @@ TEST_F(JobBlocks, OpenParametersAndACollapsedScaleStandThereToo) {
                 Fields());
 }
 
+// No field has a place for the tool vector, and exports hand its tip on.
+TEST_F(JobBlocks, TheToolVectorOfAResultStandsThere) {
+    JobRecord job = Read(Fields()).Job;
+    job.ParamText[kRvecX] = job.ParamText[kRvecY] = job.ParamText[kRvecZ] = kNotUsed;
+    job.Rvec_x = -62.5;
+    EXPECT_EQ(JobBytes(job, {}).find("toolVector"), std::string::npos) << "of another model";
+    job.ParamText[kRvecX] = job.ParamText[kRvecY] = job.ParamText[kRvecZ] = kFloat;
+    job.Rvec_y = 0.1 + 0.2;
+    job.Rvec_z = -1e-7;
+    const std::string bytes = JobBytes(job, {});
+    EXPECT_NE(bytes.find("{\"toolVector_mm\":[-62.5,0.30000000000000004,-1e-07]}"), std::string::npos);
+    const JobFileContent again = Read(bytes);
+    EXPECT_EQ(again.BlockFault, "");
+    EXPECT_EQ(again.Job.Rvec_x, -62.5);
+    EXPECT_EQ(again.Job.Rvec_y, 0.1 + 0.2);
+    EXPECT_EQ(again.Job.Rvec_z, -1e-7);
+    ExpectBytes(JobBytes(again.Job, {}), bytes);
+    job.Rvec_x = job.Rvec_y = job.Rvec_z = 0;
+    EXPECT_EQ(JobBytes(job, {}).find("toolVector"), std::string::npos) << "nothing calculated yet";
+    EXPECT_EQ(Read(Fields() + Block("{\"toolVector_mm\": [ 1 , 2.5 ,\t-3E1 ]}")).Job.Rvec_z, -30);
+    for (const char* value :
+         {"[1,2]", "[1,2,3,4]", "1", "[1,2,\"3\"]", "[1,2,null]", "[[1,2,3]]", "[1,2,1e999]"})
+        EXPECT_NE(FaultOf(std::string("{\"toolVector_mm\":") + value + "}").find("no list of three numbers"),
+                  std::string::npos)
+            << value;
+}
+
 TEST_F(JobBlocks, AllVersionsOfTheFieldsMayHaveOne) {
     const HandJob job = HandExample();
     for (const std::string& fields :
