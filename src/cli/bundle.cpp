@@ -209,7 +209,7 @@ int RunBundle(const BundleOptions& options, std::ostream& out, std::ostream& err
         const std::string warnings = BundleWarnings(Bundle, result.Work);
         if (!warnings.empty()) err << OneParagraph(warnings) << "\n";
         approximate = NetworkText(Bundle, result.Work);
-        if (progress) ShowProgress(err, result.Work);
+        if (progress) ShowProgress(LiveStream(err), result.Work);
         result.End = AdjustBundle(Bundle, result.Work, kBundleLimit,
                                   {{},
                                    [&result](const BundleWork& work) {
@@ -217,7 +217,7 @@ int RunBundle(const BundleOptions& options, std::ostream& out, std::ostream& err
                                    },
                                    {}});
         Headless.OnYield = nullptr;
-        if (progress) err << "\r" << std::flush;
+        if (progress) LiveStream(err) << "\r" << std::flush;
     });
     Headless.Dialogs.clear();
     if (!adjusted) return Refuse(err, kRefused, Run.LastPlatformError);

@@ -343,13 +343,14 @@ std::vector<std::string> NamedBy(const CLI::App& command) {
 }
 
 // Runs it, with what it says kept for its end. An error that nothing has caught is one as well.
-int RunForItsEnd(Commands& c, const CLI::App& command, std::ostream& out, std::ostream& err, bool terminal) {
+int RunForItsEnd(Commands& c, const CLI::App& command, std::ostream& out, std::ostream& err, bool terminal,
+                 bool progress) {
     const bool json = IsGiven(command, "--json"), quiet = c.Quiet;
     std::ostringstream said;
-    Telling = {true, quiet};
+    Telling = {true, quiet, &err};
     int status = kUnreadable;
     try {
-        status = RunParsed(c, out, said, terminal, false);
+        status = RunParsed(c, out, said, terminal, progress && !quiet);
     } catch (const PlatformError& error) {
         said << error.What << "\n";
     } catch (const std::bad_alloc&) {
@@ -392,7 +393,7 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     const ToldNotes notes(err);
     const CLI::App& command = *app.get_subcommands().front();
     if (IsGiven(command, "--json") || commands.Quiet)
-        return RunForItsEnd(commands, command, out, err, terminal);
+        return RunForItsEnd(commands, command, out, err, terminal, progress);
     return RunParsed(commands, out, err, terminal, progress);
 }
 

@@ -142,16 +142,11 @@ void WriteJson(const DistancesOptions& options, const Measured& m, std::ostream&
     const auto extreme = [&](const Extreme& e) {
         return ordered_json{{"value_mm", ShortFloat(e.Value)}, {"from", m.Name(e.From)}, {"to", at(e.To)}};
     };
-    const ordered_json root = {{"schema", "corvinade-distances"},
-                               {"schemaVersion", kSchemaVersion},
-                               {"program", ProgramAsJson()},
-                               {"job", options.Job},
-                               {"withResult", options.WithResult},
-                               {"pairs", m.Points.Pairs()},
-                               {"maxDelta", extreme(Largest(m))},
-                               {"minDelta", extreme(Smallest(m))},
-                               {"points", std::move(points)},
-                               {"notes", NotesToJson(Notes.List)}};
+    const ordered_json root = {{"schema", "corvinade-distances"},  {"schemaVersion", kSchemaVersion},
+                               {"program", ProgramAsJson()},       {"job", options.Job},
+                               {"withResult", options.WithResult}, {"pairs", m.Points.Pairs()},
+                               {"maxDelta", extreme(Largest(m))},  {"minDelta", extreme(Smallest(m))},
+                               {"points", std::move(points)},      {"notes", NotesToJson(Notes.List)}};
     out << root.dump(2) << "\n";
 }
 
@@ -200,7 +195,7 @@ int RunDistances(const DistancesOptions& options, std::ostream& out, std::ostrea
     if (options.WithResult && m.Points == TakeDistancePoints(false))
         err << "the job holds no result: its transformed points are the start points\n";
     {
-        ShareLine line(err, "distances", progress);
+        ShareLine line(LiveStream(err), "distances", progress);
         MeasurePoints(m.Points, m.Rows, [&line](double share) { return line.Show(share), true; });
     }
     if (EndsForWarnings(options.Strict, err)) return kUnreadable;
@@ -209,7 +204,7 @@ int RunDistances(const DistancesOptions& options, std::ostream& out, std::ostrea
             WriteTrumpetPicture(options.Trumpet, m.Points, TrumpetTitle(m.Points, options.WithResult),
                                 WholeTrumpetPlot(m.Points));
         if (options.Pairs.empty()) return;
-        ShareLine line(err, "pairs", progress);
+        ShareLine line(LiveStream(err), "pairs", progress);
         WriteTrumpetFile(options.Pairs, m.Points, [&line](double share) { return line.Show(share), true; });
     });
     Headless.Dialogs.clear();

@@ -205,7 +205,7 @@ int TakePoints(const FitOptions& options, std::ostream& err, bool showProgress) 
     std::string question, unknownPose;
     ImportOutcome outcome = ImportOutcome::NotRead;
     Dispatch([&] { outcome = Import(RequestOf(options, question, unknownPose)); });
-    if (showProgress && Headless.Yields > 0) err << "\r\x1b[K" << std::flush;
+    if (showProgress && Headless.Yields > 0) LiveStream(err) << "\r\x1b[K" << std::flush;
     if (outcome != ImportOutcome::Done) {
         WriteMessages(err);
         if (!unknownPose.empty()) return Refuse(err, kWrongUsage, unknownPose);
@@ -265,7 +265,7 @@ int HeldAgainstLimit(const FitOptions& options, std::ostream& err) {
 int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour, bool showProgress) {
     if (options.Decimal) Headless.Decimal = options.Decimal;
     AnswerQuestions(options);
-    if (showProgress) ShowProgress(err);
+    if (showProgress) ShowProgress(LiveStream(err));
     SetUp(options);
     JobFileFacts job;
     const int taken =
@@ -289,7 +289,7 @@ int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour
         return Refuse(err, kUnreadable, Run.LastPlatformError);
     if (!options.Save.empty()) NoteOrientationsLost(options.Save);
     const int status = Calculate(options, err);
-    if (showProgress) err << "\r\x1b[K" << std::flush;
+    if (showProgress) LiveStream(err) << "\r\x1b[K" << std::flush;
     if (status == kRefused) return status;
     std::optional<SolutionDetails> details;
     if (options.Details) {

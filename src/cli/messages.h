@@ -13,8 +13,14 @@ namespace corvinade::cli {
 struct TellingRecord {
     bool NotesWait = false;
     bool Quiet = false;  // --quiet: they are not told at all, unless --strict ends the command for them
+    std::ostream* Live = nullptr;  // what is said waits too, but not how far long work is: that goes here
 };
 inline TellingRecord Telling;
+
+// Where a command that says its messages on `err` tells how far it is.
+inline std::ostream& LiveStream(std::ostream& err) {
+    return Telling.Live != nullptr ? *Telling.Live : err;
+}
 
 // A message box's text as a paragraph without blank lines.
 std::string OneParagraph(const std::string& text);

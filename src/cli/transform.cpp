@@ -232,7 +232,7 @@ int RunTransform(const TransformOptions& options, std::ostream& out, std::ostrea
     bool unreadable = !notes.FilesLeft.empty(), unwritten = false;
     Batch batch(options, notes);
     {
-        ProgressLine line(err, progress);
+        ProgressLine line(LiveStream(err), progress);
         for (std::size_t i = 0; i < files.size(); ++i) {
             // Each file for itself: the delimiter of one is no word about the next.
             Run.Delimiter = options.Delimiter;
