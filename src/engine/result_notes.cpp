@@ -327,6 +327,16 @@ double Handedness(const Mat3& M) {
     return sizes > 0 ? Determinant3(M) / sizes : 0;
 }
 
+// The weights of a least sum are 1/|deviation|, and next to nothing is left of the deviations that count
+// most.
+void NoteSigmaOfLeastSum() {
+    if (NormOfJob().Fit != FitNorm::LeastSum || !Calculation.Converged || Calculation.s0 == 0) return;
+    AddNote(
+        NoteCode::NormSigma,
+        "Sigma, significance, s0 and the mean errors follow from the weights 1/|deviation| of the norm L1 and "
+        "do not tell how well the parameters are known; those of L2 do, and Monte Carlo");
+}
+
 void NoteRedundancy(const NormFit& fit, const FitModel& model) {
     int observations = 0;
     for (int i = 1; i <= Job.Pairs(); ++i) {
@@ -388,6 +398,7 @@ void NoteResult(const NormFit& fit) {
                 "The result is mirrored: it carries the points onto their mirror image, as no movement can; "
                 "look for names that are exchanged or an axis that points the other way");
     NoteRedundancy(fit, model);
+    NoteSigmaOfLeastSum();
 }
 
 }  // namespace corvinade::engine
