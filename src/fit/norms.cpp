@@ -257,6 +257,8 @@ void TakeBeginOfFit(NormRun& fit) {
     if (fit.RunsBegin) {
         for (int k = kTraX; k <= kAngleZtoXY; ++k)
             if (fit.Choice.Floats[At(k)]) begin[k] = (*fit.RunsBegin)[k];
+        if (fit.Model.ToolFloats)
+            for (const int k : {kRvecX, kRvecY, kRvecZ}) begin[k] = (*fit.RunsBegin)[k];
         if (fit.Choice.Floats[kScaleXYZ])
             for (const int scale : {kScaleX, kScaleY, kScaleZ}) begin[scale] = begin[kScaleXYZ];
     }

@@ -1,0 +1,192 @@
+// Searching the tool model.
+#include "fit/tool_search.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "fit/best_transformation.h"
+#include "fit/linear_rows.h"
+#include "fit/matrix.h"
+#include "fit/small_svd.h"
+
+namespace corvinade::fit {
+
+namespace {
+
+std::size_t At(int i) {
+    return static_cast<std::size_t>(i);
+}
+
+double Product(const ToolForm::Elements& a, const Mat3& D) {
+    double sum = 0;
+    for (int i = 1; i <= 3; ++i)
+        for (int j = 1; j <= 3; ++j) sum += a[At(3 * (i - 1) + j - 1)] * D(i, j);
+    return sum;
+}
+
+bool ScalesFloat(const ChainChoice& choice) {
+    for (int k = kScaleX; k <= kScaleXYZ; ++k)
+        if (choice.Floats[At(k)]) return true;
+    return false;
+}
+
+void TakeFactor(const ChainChoice& choice, double factor, ChainValues& values) {
+    for (int k = kScaleX; k <= kScaleXYZ; ++k)
+        if (choice.Floats[At(k)]) values.Value[At(k)] = factor;
+    if (choice.Floats[kScaleXYZ])
+        for (int k = kScaleX; k <= kScaleZ; ++k) values.Value[At(k)] = factor;
+}
+
+// What floats begins with these; the rotation is to be put in.
+ChainValues FirstValues(const ChainChoice& choice) {
+    ChainValues first = choice.Held;
+    TakeFactor(choice, 1, first);
+    for (int k = kAngleXY; k <= kAngleZtoXY; ++k)
+        if (choice.Floats[At(k)]) first.Value[At(k)] = k == kAngleXY ? 0 : 1e-3;
+    return first;
+}
+
+std::vector<ChainValues> RotationsToTry(const Mat3& nearest, const ChainChoice& choice) {
+    const ChainValues first = FirstValues(choice);
+    std::vector<ChainValues> rotations;
+    const auto add = [&](const Mat3& R, const Vec3& angles) {
+        ChainValues start = first;
+        start.R = R;
+        for (int k = 1; k <= 3; ++k) start.Value[At(kRotX + k - 1)] = angles(k);
+        rotations.push_back(start);
+    };
+    const Vec3 around = AnglesOf(nearest);
+    if (choice.RotatesFreely()) {
+        for (const Mat3& turn : CubeRotations()) add(MatrixProduct(nearest, turn), around);
+        return rotations;
+    }
+    constexpr double kQuarter = 1.5707963267948966;
+    std::array<int, 3> quarters{};
+    for (int k = 0; k < 3; ++k) quarters[At(k)] = choice.Floats[At(kRotX + k)] ? 4 : 1;
+    for (int a = 0; a < quarters[0]; ++a)
+        for (int b = 0; b < quarters[1]; ++b)
+            for (int c = 0; c < quarters[2]; ++c) {
+                const std::array<int, 3> turn = {a, b, c};
+                Vec3 angles;
+                for (int k = 1; k <= 3; ++k)
+                    angles(k) = choice.Floats[At(kRotX + k - 1)] ? around(k) + kQuarter * turn[At(k - 1)]
+                                                                 : choice.Held.Value[At(kRotX + k - 1)];
+                Mat3 R;
+                RotMatrixXYZ(angles(1), angles(2), angles(3), R);
+                add(R, angles);
+            }
+    return rotations;
+}
+
+// Those that are worth the climb: the nearest rotation, and the best others of each side of the mirror.
+std::vector<ChainValues> StartsWorthIt(const ToolForm& form, const ChainChoice& choice,
+                                       const std::vector<ChainValues>& rotations) {
+    constexpr std::size_t kProper = 8, kMirrored = 4;
+    std::vector<std::pair<double, ChainValues>> proper, mirrored;
+    const bool scales = ScalesFloat(choice);
+    std::vector<ChainValues> starts;
+    for (ChainValues start : rotations) {
+        if (scales) {
+            const double factor = form.BestFactor(MatrixOf(start));
+            if (starts.empty()) {
+                starts.push_back(start);
+                TakeFactor(choice, factor != 0 ? std::fabs(factor) : 1, starts.back());
+            }
+            TakeFactor(choice, factor != 0 ? factor : 1, start);
+        } else if (starts.empty()) {
+            starts.push_back(start);
+        }
+        const Mat3 M = MatrixOf(start);
+        (Determinant3(M) < 0 ? mirrored : proper).emplace_back(-form.Gain(M), start);
+    }
+    const auto take = [&starts](auto& list, std::size_t most) {
+        std::stable_sort(list.begin(), list.end(),
+                         [](const auto& a, const auto& b) { return a.first < b.first; });
+        for (std::size_t k = 0; k < std::min(most, list.size()); ++k) starts.push_back(list[k].second);
+    };
+    take(proper, kProper);
+    take(mirrored, kMirrored);
+    return starts;
+}
+
+ToolSolution SolutionOf(const ToolForm& form, const ChainValues& values) {
+    const Mat3 M = MatrixOf(values);
+    return {values, M, form.ShiftOf(M), form.ToolOf(M), form.Gain(M)};
+}
+
+}  // namespace
+
+std::optional<ToolSolution> ClimbTool(const ToolForm& form, const ChainChoice& choice,
+                                      const ChainValues& start) {
+    constexpr int kMostSteps = 300, kMostAttempts = 12, kIdle = 3;
+    constexpr double kStill = 1e-15;
+    ChainValues at = start;
+    double gain = form.Gain(MatrixOf(at)), damping = 1e-3;
+    if (!std::isfinite(gain)) return {};
+    int idle = 0;
+    for (int step = 0; step < kMostSteps && idle < kIdle; ++step) {
+        const ChainDerivatives by(choice, at);
+        const int u = static_cast<int>(by.Inner.size());
+        if (u == 0) break;
+        const ToolForm::Elements slope = form.SlopeAt(MatrixOf(at));
+        std::vector<double> N(At(u * u)), g(At(u));
+        for (int i = 0; i < u; ++i) {
+            const ToolForm::Elements curved = form.Curved(by.Inner[At(i)]);
+            g[At(i)] = Product(slope, by.Inner[At(i)]);
+            for (int j = 0; j <= i; ++j)
+                N[At(i * u + j)] = N[At(j * u + i)] = Product(curved, by.Inner[At(j)]);
+        }
+        bool climbed = false;
+        for (int attempt = 0; attempt < kMostAttempts && !climbed; ++attempt) {
+            std::vector<double> damped = N, x = g;
+            for (int k = 0; k < u; ++k) damped[At(k * u + k)] += damping * N[At(k * u + k)] + 1e-300;
+            ChainValues to;
+            double better = 0;
+            bool solved = SolveSquare(std::move(damped), u, x.data());
+            if (solved) {
+                to = MovedInner(choice, at, by, x.data());
+                better = form.Gain(MatrixOf(to));
+            }
+            if (solved && better > gain) {
+                idle = better - gain < kStill * std::fabs(better) ? idle + 1 : 0;
+                at = to;
+                gain = better;
+                damping = std::max(damping / 10, 1e-15);
+                climbed = true;
+            } else {
+                damping *= 10;
+            }
+        }
+        if (!climbed) break;
+    }
+    const Vec3 angles = AnglesOf(at.R);
+    if (choice.RotatesFreely())
+        for (int k = 1; k <= 3; ++k) at.Value[At(kRotX + k - 1)] = angles(k);
+    return SolutionOf(form, at);
+}
+
+ToolSolutions SearchTool(const ToolForm& form, const ChainChoice& choice, bool affine) {
+    ToolSolutions found;
+    const auto take = [&found](const std::optional<ToolSolution>& solution) {
+        ++found.Starts;
+        if (!solution) return;
+        auto& best = Determinant3(solution->M) < 0 ? found.Mirrored : found.Proper;
+        if (!best || solution->Gain > best->Gain) best = solution;
+    };
+    const Mat3 least = form.LeastMatrix();
+    if (affine) {
+        ChainValues values = ValuesOf(least, PlainModel::Affine);
+        const Vec3 angles = AnglesOf(values.R);
+        for (int k = 1; k <= 3; ++k) values.Value[At(kRotX + k - 1)] = angles(k);
+        take(ClimbTool(form, choice, values));
+        return found;
+    }
+    double trace = 0;
+    const Mat3 nearest = NearestRotation(least, 1, trace);
+    for (const ChainValues& start : StartsWorthIt(form, choice, RotationsToTry(nearest, choice)))
+        take(ClimbTool(form, choice, start));
+    return found;
+}
+
+}  // namespace corvinade::fit
