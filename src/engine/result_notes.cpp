@@ -75,11 +75,14 @@ std::string DirectionText(const Vec3& w) {
 // What the fit has put at 0 since the poses determine it by the errors of their angles alone.
 void NoteLeftByPoses(const PosesLeave& left) {
     if (left.Directions.empty()) return;
+    bool told = true;  // the rank of the design matrix shows as much
     for (int k = kTraX; k < kParameterEnd; ++k) {
         if (!left.Of[At(k)]) continue;
+        told = told && Job.LeftOpen[At(k)] != 0;
         TakeSigma(k);
         Job.LeftOpen[At(k)] = 1;
     }
+    if (told) return;
     std::string directions;
     for (const Vec3& w : left.Directions)
         directions += (directions.empty() ? "" : " and ") + DirectionText(w);

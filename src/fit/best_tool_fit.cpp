@@ -282,7 +282,8 @@ private:
             const auto end = ClimbTool(form, ChoiceHere(), here);
             if (!end) break;
             SettleHolding(fit_.Run, fit_.Model, fit_.Points, fit_.P, still, fit_.Result);
-            rests = end->Gain <= kStill * SumOfSquares(fit_) + RoundingOfSum(fit_, at);
+            rests =
+                end->Gain <= kStill * SumOfSquares(fit_) + RoundingOfSum(fit_, at) + form.RoundingNearby();
             TakeSolution(fit_, *end);
         }
         SettleHolding(fit_.Run, fit_.Model, fit_.Points, fit_.P, still, fit_.Result);

@@ -66,13 +66,14 @@ Mat3 MovingDirections(const std::vector<Vec3>& still) {
     return across;
 }
 
-// The inverse of a symmetric matrix within its directions that are more than rounding.
-Mat3 InverseWithin(const Mat3& products) {
+// The inverse of the products of so many poses within the directions that are more than rounding. Rows of
+// poses are unit vectors.
+Mat3 InverseWithin(const Mat3& products, double poses) {
     constexpr double kLeast = 1e-13;
     const Svd3 svd = Decompose3(products);
     Mat3 inverse;
     for (int k = 1; k <= 3; ++k) {
-        if (!(svd.s(k) > kLeast * svd.s(1))) continue;
+        if (!(svd.s(k) > kLeast * poses)) continue;
         for (int i = 1; i <= 3; ++i)
             for (int j = 1; j <= 3; ++j) inverse(i, j) += svd.V(i, k) * svd.V(j, k) / svd.s(k);
     }
@@ -111,7 +112,7 @@ ToolForm::ToolForm(const FitModel& model, const GatheredPoints& points, const Po
         for (int j = 1; j <= 3; ++j)
             for (int k = 1; k <= 3; ++k)
                 for (int l = 1; l <= 3; ++l) within(i, j) += moving(i, k) * products(k, l) * moving(l, j);
-    inverse_ = InverseWithin(within);
+    inverse_ = InverseWithin(within, rows / 3);
     const_ += Dot(toolSlope_, Times(inverse_, toolSlope_));
     for (std::size_t row = 0; row < 9; ++row) {
         const Vec3 ofTool = Times(inverse_, {across_[row][0], across_[row][1], across_[row][2]});
@@ -139,14 +140,10 @@ double ToolForm::Gain(const Mat3& M) const {
     return gain;
 }
 
-double ToolForm::RoundingOfGain(const Mat3& M) const {
-    const Elements d = ChangeTo(M);
-    double size = std::fabs(const_);
-    for (std::size_t i = 0; i < 9; ++i) {
-        double Ad = 0;
-        for (std::size_t j = 0; j < 9; ++j) Ad += std::fabs(A_[i][j] * d[j]);
-        size += std::fabs(d[i]) * (2 * std::fabs(b_[i]) + Ad);
-    }
+double ToolForm::RoundingNearby() const {
+    double size = 0;
+    for (int i = 1; i <= 3; ++i)
+        for (int j = 1; j <= 3; ++j) size += std::fabs(b_[At(3 * (i - 1) + j - 1)] * moments_.M(i, j));
     return 64 * kEpsilon * size;
 }
 

@@ -26,9 +26,9 @@ public:
     ToolForm(const FitModel& model, const GatheredPoints& points, const PointMoments& moments,
              const std::vector<Vec3>& still = {});
 
-    // Sum of squares at the moments less the least one of M, mm^2, and what rounding makes of it.
+    // Sum of squares at the moments less the least one of M, mm^2.
     double Gain(const Mat3& M) const;
-    double RoundingOfGain(const Mat3& M) const;
+    double RoundingNearby() const;  // of the gains of changes as small as the last digits of M
     // The best tool vector of M, and the image of the start centre less the target centre; mm.
     Vec3 ToolOf(const Mat3& M) const;
     Vec3 ShiftOf(const Mat3& M) const;
