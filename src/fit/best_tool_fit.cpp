@@ -160,7 +160,9 @@ private:
         look.Here = Linearise(fit_.Model, from, fit_.Points, chain);
         SumMoments(fit_.Points, look.Here, {.Tool = true}, look.Moments);
         const ToolForm form(fit_.Model, fit_.Points, look.Moments, still);
-        look.Found = SearchTool(form, ChoiceHere(), IsAffine(fit_.Model));
+        const bool stands = Usable() && still.empty();
+        look.Found = SearchTool(form, ChoiceHere(), IsAffine(fit_.Model),
+                                stands ? 0 : -std::numeric_limits<double>::infinity());
         look.Directions = form.Directions();
         look.Rounding = RoundingOfSum(fit_, look.Here);
         Column v(At(fit_.Rows()) + 1);

@@ -179,7 +179,7 @@ Vec3 ToolForm::ShiftOf(const Mat3& M) const {
     return shift;
 }
 
-Mat3 ToolForm::LeastMatrix() const {
+ToolForm::LeastOfAll ToolForm::Least() const {
     constexpr double kLeast = 1e-12;
     std::vector<double> A;
     for (const Elements& row : A_) A.insert(A.end(), row.begin(), row.end());
@@ -193,7 +193,7 @@ Mat3 ToolForm::LeastMatrix() const {
             M(static_cast<int>(i) / 3 + 1, static_cast<int>(i) % 3 + 1) +=
                 along / svd.s[k] * svd.V[i * 9 + k];
     }
-    return M;
+    return {M, Gain(M), svd.s[8]};
 }
 
 ToolForm::Elements ToolForm::SlopeAt(const Mat3& M) const {

@@ -34,8 +34,12 @@ public:
     Vec3 ShiftOf(const Mat3& M) const;
 
     // The M whose sum is least of all matrices; where several are that the nearest one to that of the
-    // moments.
-    Mat3 LeastMatrix() const;
+    // moments. No M has a sum that is not above its own by Stiffness times the square of their distance.
+    struct LeastOfAll {
+        Mat3 M;
+        double Gain = 0, Stiffness = 0;  // mm^2
+    };
+    LeastOfAll Least() const;
     // Half the gradient of the gain at M, and minus half its second derivative times D, row by row.
     using Elements = std::array<double, 9>;
     Elements SlopeAt(const Mat3& M) const;

@@ -8,6 +8,7 @@
 #include "fit/best_transformation.h"
 #include "fit/linear_rows.h"
 #include "fit/matrix.h"
+#include "fit/rotations.h"
 #include "fit/small_svd.h"
 
 namespace corvinade::fit {
@@ -58,7 +59,11 @@ std::vector<ChainValues> RotationsToTry(const Mat3& nearest, const ChainChoice& 
     };
     const Vec3 around = AnglesOf(nearest);
     if (choice.RotatesFreely()) {
+        // The second cube stands on a corner in the first one's middle.
+        const Mat3 between = RotationAbout({0.6, 0.6, 0.6});
         for (const Mat3& turn : CubeRotations()) add(MatrixProduct(nearest, turn), around);
+        for (const Mat3& turn : CubeRotations())
+            add(MatrixProduct(nearest, MatrixProduct(turn, between)), around);
         return rotations;
     }
     constexpr double kQuarter = 1.5707963267948966;
@@ -79,35 +84,21 @@ std::vector<ChainValues> RotationsToTry(const Mat3& nearest, const ChainChoice& 
     return rotations;
 }
 
-// Those that are worth the climb: the nearest rotation, and the best others of each side of the mirror.
-std::vector<ChainValues> StartsWorthIt(const ToolForm& form, const ChainChoice& choice,
-                                       const std::vector<ChainValues>& rotations) {
-    constexpr std::size_t kProper = 8, kMirrored = 4;
-    std::vector<std::pair<double, ChainValues>> proper, mirrored;
-    const bool scales = ScalesFloat(choice);
-    std::vector<ChainValues> starts;
-    for (ChainValues start : rotations) {
-        if (scales) {
-            const double factor = form.BestFactor(MatrixOf(start));
-            if (starts.empty()) {
-                starts.push_back(start);
-                TakeFactor(choice, factor != 0 ? std::fabs(factor) : 1, starts.back());
-            }
-            TakeFactor(choice, factor != 0 ? factor : 1, start);
-        } else if (starts.empty()) {
-            starts.push_back(start);
-        }
-        const Mat3 M = MatrixOf(start);
-        (Determinant3(M) < 0 ? mirrored : proper).emplace_back(-form.Gain(M), start);
-    }
-    const auto take = [&starts](auto& list, std::size_t most) {
-        std::stable_sort(list.begin(), list.end(),
-                         [](const auto& a, const auto& b) { return a.first < b.first; });
-        for (std::size_t k = 0; k < std::min(most, list.size()); ++k) starts.push_back(list[k].second);
-    };
-    take(proper, kProper);
-    take(mirrored, kMirrored);
-    return starts;
+// With the scales that fit it best, of either sign.
+ChainValues WithBestFactor(const ToolForm& form, const ChainChoice& choice, ChainValues start, bool proper) {
+    if (!ScalesFloat(choice)) return start;
+    double factor = form.BestFactor(MatrixOf(start));
+    if (proper) factor = std::fabs(factor);
+    TakeFactor(choice, factor != 0 ? factor : 1, start);
+    return start;
+}
+
+// Root mean square of its columns' lengths.
+double SizeOf(const Mat3& M) {
+    double squares = 0;
+    for (int i = 1; i <= 3; ++i)
+        for (int j = 1; j <= 3; ++j) squares += M(i, j) * M(i, j);
+    return std::sqrt(squares / 3);
 }
 
 ToolSolution SolutionOf(const ToolForm& form, const ChainValues& values) {
@@ -118,7 +109,7 @@ ToolSolution SolutionOf(const ToolForm& form, const ChainValues& values) {
 }  // namespace
 
 std::optional<ToolSolution> ClimbTool(const ToolForm& form, const ChainChoice& choice,
-                                      const ChainValues& start) {
+                                      const ChainValues& start, double bound, double share) {
     constexpr int kMostSteps = 300, kMostAttempts = 12, kIdle = 3;
     constexpr double kStill = 1e-15;
     ChainValues at = start;
@@ -150,6 +141,7 @@ std::optional<ToolSolution> ClimbTool(const ToolForm& form, const ChainChoice& c
             }
             if (solved && better > gain) {
                 idle = better - gain < kStill * std::fabs(better) ? idle + 1 : 0;
+                if (share > 0 && better - gain <= share * (bound - better)) idle = kIdle;
                 at = to;
                 gain = better;
                 damping = std::max(damping / 10, 1e-15);
@@ -166,26 +158,52 @@ std::optional<ToolSolution> ClimbTool(const ToolForm& form, const ChainChoice& c
     return SolutionOf(form, at);
 }
 
-ToolSolutions SearchTool(const ToolForm& form, const ChainChoice& choice, bool affine) {
+ToolSolutions SearchTool(const ToolForm& form, const ChainChoice& choice, bool affine, double known) {
     ToolSolutions found;
-    const auto take = [&found](const std::optional<ToolSolution>& solution) {
-        ++found.Starts;
+    const ToolForm::LeastOfAll least = form.Least();
+    const auto keep = [&found](const std::optional<ToolSolution>& solution) {
         if (!solution) return;
         auto& best = Determinant3(solution->M) < 0 ? found.Mirrored : found.Proper;
         if (!best || solution->Gain > best->Gain) best = solution;
     };
-    const Mat3 least = form.LeastMatrix();
+    found.Starts = 1;
     if (affine) {
-        ChainValues values = ValuesOf(least, PlainModel::Affine);
+        ChainValues values = ValuesOf(least.M, PlainModel::Affine);
         const Vec3 angles = AnglesOf(values.R);
         for (int k = 1; k <= 3; ++k) values.Value[At(kRotX + k - 1)] = angles(k);
-        take(ClimbTool(form, choice, values));
+        keep(ClimbTool(form, choice, values));
         return found;
     }
     double trace = 0;
-    const Mat3 nearest = NearestRotation(least, 1, trace);
-    for (const ChainValues& start : StartsWorthIt(form, choice, RotationsToTry(nearest, choice)))
-        take(ClimbTool(form, choice, start));
+    const std::vector<ChainValues> rotations = RotationsToTry(NearestRotation(least.M, 1, trace), choice);
+    keep(ClimbTool(form, choice, WithBestFactor(form, choice, rotations.front(), true)));
+    if (found.Proper) known = std::max(known, found.Proper->Gain);
+    constexpr double kSmall = 0.5;  // beside the length of a column of M
+    const double length = SizeOf(least.M);
+    if (least.Gain - known <= least.Stiffness * kSmall * kSmall * length * length) return found;
+    constexpr double kRoughly = 1e-3;
+    // A rotation far off makes the best factor a small one, on the way to a solution that presses all points
+    // together; so solutions with scales as they are expected to be are looked for as well.
+    for (const ChainValues& start : rotations) {
+        keep(ClimbTool(form, choice, WithBestFactor(form, choice, start, false), least.Gain, kRoughly));
+        ++found.Starts;
+    }
+    if (ScalesFloat(choice)) {
+        ChainChoice rigid = choice;
+        for (int k = kScaleX; k <= kScaleXYZ; ++k) rigid.Floats[At(k)] = false;
+        for (const double factor : {1.0, SizeOf(least.M)}) {
+            std::optional<ToolSolution> best;
+            for (ChainValues start : rotations) {
+                TakeFactor(choice, factor, start);
+                const auto end = ClimbTool(form, rigid, start, least.Gain, kRoughly);
+                ++found.Starts;
+                if (end && (!best || end->Gain > best->Gain)) best = end;
+            }
+            if (best) keep(ClimbTool(form, choice, best->Values, least.Gain, kRoughly));
+        }
+    }
+    for (auto* best : {&found.Proper, &found.Mirrored})
+        if (*best) *best = ClimbTool(form, choice, (*best)->Values);
     return found;
 }
 
