@@ -72,7 +72,7 @@ std::string DirectionText(const Vec3& w) {
            FormatNumber(w(3), "0.000") + ")";
 }
 
-// What the fit has put at 0 since the poses determine it by the errors of their angles alone.
+// What the poses determine of the tool vector by the errors of their angles alone.
 void NoteLeftByPoses(const PosesLeave& left) {
     if (left.Directions.empty()) return;
     bool told = true;  // the rank of the design matrix shows as much
@@ -87,15 +87,15 @@ void NoteLeftByPoses(const PosesLeave& left) {
     for (const Vec3& w : left.Directions)
         directions += (directions.empty() ? "" : " and ") + DirectionText(w);
     constexpr double kDegree = 3.14159265358979323846 / 180;
-    AddNote(
-        NoteCode::OpenParameters,
-        "The poses in use are turned about one axis alone, but for angles that are no larger than errors of "
-        "the orientations are (" +
-            FormatNumber(left.Turned / kDegree, "0.00000") + " degree, against errors of " +
-            FormatNumber(left.Noise / kDegree, "0.00000") + "): they do not tell the tool vector along " +
-            directions +
-            " of the flange from a translation, and this part of it is put at 0; what is shown for " +
-            NamesOf(left.Of) + " is arbitrary and has no sigma; turn the poses about a second axis");
+    AddNote(NoteCode::OpenParameters,
+            "The poses in use are turned about one axis alone but for " +
+                FormatNumber(left.Turned / kDegree, "0.00000") +
+                " degree, which errors of their angles explain (such as of " +
+                FormatNumber(left.Noise / kDegree, "0.00000") +
+                " degree): they do not tell the tool vector along " + directions +
+                " of the flange from a translation, and this part of it is " +
+                (left.PutAtZero ? "put at 0" : "what those errors make of it") + "; what is shown for " +
+                NamesOf(left.Of) + " is arbitrary and has no sigma; turn the poses about a second axis");
 }
 
 // Turns that the sum does not depend on, though the rank of the design matrix does not show it: at gimbal

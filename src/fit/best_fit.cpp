@@ -350,6 +350,7 @@ bool LimitWasWanted(const FitRun& run) {
 
 bool SeekBestFit(NormRun& fit) {
     fit.Certificate = CertificateRecord{};
+    fit.LeftByPoses = PosesLeave{};
     const bool known = fit.Model.Mode != FitMode::Distance && fit.Points.OnlyInUse && fit.Model.Unknowns > 0;
     if (!known || !fit.SeeksBest || fit.Stops() || LimitWasWanted(fit.Run)) return true;
     return fit.Model.Mode == FitMode::Tool ? SeekBestToolFit(fit) : Seeker(fit).Run();

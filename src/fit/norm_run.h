@@ -40,10 +40,11 @@ struct EndOfFit {
     bool Mirrored = false;
 };
 
-// What poses turned about one axis leave of the tool vector (best_tool_fit.h): it is 0 along these directions
-// of the flange, unit vectors.
+// What poses turned about one axis leave open of the tool vector (best_tool_fit.h): its part along these
+// directions of the flange, unit vectors.
 struct PosesLeave {
     std::vector<Vec3> Directions;
+    bool PutAtZero = true;  // that part; not in the loops of other norms, which leave it to the errors
     double Turned = 0;                     // by how much the poses turn them at most, root mean square, rad
     double Noise = 0;                      // of their angles, against which that is judged, rad
     std::array<bool, kParameterEnd> Of{};  // parameters that are arbitrary by that

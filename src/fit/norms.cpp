@@ -279,6 +279,7 @@ void FirstFitOfLoop(NormRun& fit) {
     const bool again = fit.Certificate.BeganAgain;
     fit.Certificate = CertificateRecord{};  // it speaks of least squares alone
     if (!sought) return;
+    fit.LeftByPoses.PutAtZero = false;
     if (again) {
         fit.RunsBegin = fit.Run.Now;
     } else {
