@@ -48,22 +48,39 @@ ChainValues FirstValues(const ChainChoice& choice) {
     return first;
 }
 
+ChainValues StartAt(const Mat3& R, const Vec3& angles, const ChainChoice& choice) {
+    ChainValues start = FirstValues(choice);
+    start.R = R;
+    for (int k = 1; k <= 3; ++k) start.Value[At(kRotX + k - 1)] = angles(k);
+    return start;
+}
+
+// Of angles that are held by their values.
+ChainValues StartAt(const Vec3& angles, const ChainChoice& choice) {
+    Vec3 kept = angles;
+    for (int k = 1; k <= 3; ++k)
+        if (!choice.Floats[At(kRotX + k - 1)]) kept(k) = choice.Held.Value[At(kRotX + k - 1)];
+    Mat3 R;
+    RotMatrixXYZ(kept(1), kept(2), kept(3), R);
+    return StartAt(R, kept, choice);
+}
+
+ChainValues StartAt(const Mat3& nearest, const ChainChoice& choice) {
+    const Vec3 angles = AnglesOf(nearest);
+    return choice.RotatesFreely() ? StartAt(nearest, angles, choice) : StartAt(angles, choice);
+}
+
 std::vector<ChainValues> RotationsToTry(const Mat3& nearest, const ChainChoice& choice) {
-    const ChainValues first = FirstValues(choice);
     std::vector<ChainValues> rotations;
-    const auto add = [&](const Mat3& R, const Vec3& angles) {
-        ChainValues start = first;
-        start.R = R;
-        for (int k = 1; k <= 3; ++k) start.Value[At(kRotX + k - 1)] = angles(k);
-        rotations.push_back(start);
-    };
     const Vec3 around = AnglesOf(nearest);
     if (choice.RotatesFreely()) {
         // The second cube stands on a corner in the first one's middle.
         const Mat3 between = RotationAbout({0.6, 0.6, 0.6});
-        for (const Mat3& turn : CubeRotations()) add(MatrixProduct(nearest, turn), around);
         for (const Mat3& turn : CubeRotations())
-            add(MatrixProduct(nearest, MatrixProduct(turn, between)), around);
+            rotations.push_back(StartAt(MatrixProduct(nearest, turn), around, choice));
+        for (const Mat3& turn : CubeRotations())
+            rotations.push_back(
+                StartAt(MatrixProduct(nearest, MatrixProduct(turn, between)), around, choice));
         return rotations;
     }
     constexpr double kQuarter = 1.5707963267948966;
@@ -71,16 +88,10 @@ std::vector<ChainValues> RotationsToTry(const Mat3& nearest, const ChainChoice& 
     for (int k = 0; k < 3; ++k) quarters[At(k)] = choice.Floats[At(kRotX + k)] ? 4 : 1;
     for (int a = 0; a < quarters[0]; ++a)
         for (int b = 0; b < quarters[1]; ++b)
-            for (int c = 0; c < quarters[2]; ++c) {
-                const std::array<int, 3> turn = {a, b, c};
-                Vec3 angles;
-                for (int k = 1; k <= 3; ++k)
-                    angles(k) = choice.Floats[At(kRotX + k - 1)] ? around(k) + kQuarter * turn[At(k - 1)]
-                                                                 : choice.Held.Value[At(kRotX + k - 1)];
-                Mat3 R;
-                RotMatrixXYZ(angles(1), angles(2), angles(3), R);
-                add(R, angles);
-            }
+            for (int c = 0; c < quarters[2]; ++c)
+                rotations.push_back(StartAt(
+                    Vec3(around(1) + kQuarter * a, around(2) + kQuarter * b, around(3) + kQuarter * c),
+                    choice));
     return rotations;
 }
 
@@ -110,13 +121,13 @@ ToolSolution SolutionOf(const ToolForm& form, const ChainValues& values) {
 
 std::optional<ToolSolution> ClimbTool(const ToolForm& form, const ChainChoice& choice,
                                       const ChainValues& start, double bound, double share) {
-    constexpr int kMostSteps = 300, kMostAttempts = 12, kIdle = 3;
-    constexpr double kStill = 1e-15;
+    constexpr int kMostSteps = 300, kMostAttempts = 12;
+    const double rounding = form.RoundingNearby();
     ChainValues at = start;
     double gain = form.Gain(MatrixOf(at)), damping = 1e-3;
     if (!std::isfinite(gain)) return {};
-    int idle = 0;
-    for (int step = 0; step < kMostSteps && idle < kIdle; ++step) {
+    bool still = false;
+    for (int step = 0; step < kMostSteps && !still; ++step) {
         const ChainDerivatives by(choice, at);
         const int u = static_cast<int>(by.Inner.size());
         if (u == 0) break;
@@ -140,8 +151,7 @@ std::optional<ToolSolution> ClimbTool(const ToolForm& form, const ChainChoice& c
                 better = form.Gain(MatrixOf(to));
             }
             if (solved && better > gain) {
-                idle = better - gain < kStill * std::fabs(better) ? idle + 1 : 0;
-                if (share > 0 && better - gain <= share * (bound - better)) idle = kIdle;
+                still = better - gain <= share * std::max(0.0, bound - better) + rounding;
                 at = to;
                 gain = better;
                 damping = std::max(damping / 10, 1e-15);
@@ -175,13 +185,15 @@ ToolSolutions SearchTool(const ToolForm& form, const ChainChoice& choice, bool a
         return found;
     }
     double trace = 0;
-    const std::vector<ChainValues> rotations = RotationsToTry(NearestRotation(least.M, 1, trace), choice);
-    keep(ClimbTool(form, choice, WithBestFactor(form, choice, rotations.front(), true)));
+    constexpr double kRoughly = 1e-3, kFinely = 1e-13;
+    const Mat3 nearest = NearestRotation(least.M, 1, trace);
+    keep(ClimbTool(form, choice, WithBestFactor(form, choice, StartAt(nearest, choice), true), least.Gain,
+                   kFinely));
     if (found.Proper) known = std::max(known, found.Proper->Gain);
     constexpr double kSmall = 0.5;  // beside the length of a column of M
     const double length = SizeOf(least.M);
     if (least.Gain - known <= least.Stiffness * kSmall * kSmall * length * length) return found;
-    constexpr double kRoughly = 1e-3;
+    const std::vector<ChainValues> rotations = RotationsToTry(nearest, choice);
     // A rotation far off makes the best factor a small one, on the way to a solution that presses all points
     // together; so solutions with scales as they are expected to be are looked for as well.
     for (const ChainValues& start : rotations) {
@@ -203,7 +215,7 @@ ToolSolutions SearchTool(const ToolForm& form, const ChainChoice& choice, bool a
         }
     }
     for (auto* best : {&found.Proper, &found.Mirrored})
-        if (*best) *best = ClimbTool(form, choice, (*best)->Values);
+        if (*best) *best = ClimbTool(form, choice, (*best)->Values, least.Gain, kFinely);
     return found;
 }
 
