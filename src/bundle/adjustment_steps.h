@@ -36,6 +36,7 @@ struct BundleWork {
     double SumV = 0, SumVV = 0;      // of |v| in mm and v^2 in mm^2
     // Of the last whole iteration: the diagonal of Qxx by column, empty for one that was held.
     std::vector<TaggedValue> Cofactor{{}};
+    int OpenMoves = 0;       // how many independent moves of coordinates change no distance
     std::vector<bool> Open;  // by column: the distances leave it open; empty as long as unknown
     int Iterations = 0;      // whole ones
     std::vector<int> StationOf{0}, ObjectOf{0};  // the points of each distance; 0 = not found or not in use

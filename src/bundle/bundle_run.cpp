@@ -115,10 +115,13 @@ void NoteBundleEnd(const BundleRecord& network, const BundleWork& work, BundleEn
     });
     const auto used =
         std::count_if(work.StationOf.begin(), work.StationOf.end(), [](int number) { return number != 0; });
-    if (work.Iterations > 0 && work.nUnknown > 0 && used <= work.nUnknown)
+    // What the distances leave open takes none of them.
+    const int determined = work.nUnknown - work.OpenMoves;
+    if (work.Iterations > 0 && determined > 0 && used <= determined)
         AddNote(NoteCode::NoRedundancy,
                 "no redundancy: sigma says nothing (" + std::to_string(used) + " distances for " +
-                    std::to_string(work.nUnknown) + " unknown coordinates)",
+                    std::to_string(work.nUnknown) + " unknown coordinates" +
+                    (work.OpenMoves > 0 ? ", " + std::to_string(work.OpenMoves) + " of them open" : "") + ")",
                 network.BundleFilePath);
     if (end != BundleEnd::NoEnd && end != BundleEnd::Stopped) return;
     const std::string text =

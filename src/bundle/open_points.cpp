@@ -262,6 +262,9 @@ void FindOpenCoordinates(int stations, BundleWork& work, const std::function<voi
     part.Decompose(goOn);
     const std::vector<Column> moves = part.OpenMoves();
     work.Open.assign(work.Unknown.size(), false);
+    work.OpenMoves = static_cast<int>(moves.size());
+    for (std::size_t o = 1; o < objects.size(); ++o)
+        work.OpenMoves += static_cast<int>(objects[o].OpenMoves.size());
     bool any = false;
     const auto open = [&](int column, double share) {
         if (!(std::fabs(share) > kPartOfMove)) return;

@@ -1,6 +1,7 @@
 // What the open job holds, for people, as JSON, and as CSV.
 #include "cli/job_info.h"
 
+#include <algorithm>
 #include <array>
 #include <nlohmann/json.hpp>
 #include <ostream>
@@ -18,6 +19,7 @@
 #include "core/records.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "engine/field_number.h"
 #include "engine/norm_table.h"
 
 namespace corvinade::cli {
@@ -31,6 +33,26 @@ constexpr int kSchemaVersion = 1;
 
 // A list of names in a table goes no further than this.
 constexpr std::size_t kMostNames = 12;
+
+// A job file has no place for a tool vector that was fitted, and for a held one its text alone.
+bool IsNotKept(int parameter) {
+    return parameter >= kRvecX && parameter <= kRvecZ &&
+           Job.ParamText[static_cast<std::size_t>(parameter)] == kFloat;
+}
+
+void TakeHeldToolVector() {
+    for (int k = kRvecX; k <= kRvecZ; ++k) {
+        const std::string& text = Job.ParamText[static_cast<std::size_t>(k)];
+        if (IsHeldValue(text) && IsParameterNumber(k, text))
+            ParameterValue(Job, k) = ParameterFromText(k, text);
+    }
+}
+
+ordered_json ParameterOfJob(int k) {
+    ordered_json parameter = ParameterAsJson(k);
+    if (IsNotKept(k)) parameter["value"] = parameter["shown"] = nullptr;
+    return parameter;
+}
 
 // What the target set came from, as far as a job keeps it.
 std::string TargetKind() {
@@ -94,7 +116,7 @@ void WriteParameters(const Style& style, std::ostream& out) {
         return;
     }
     const auto cells = [](const ShownParameter& p) -> std::vector<std::string> {
-        return {p.Name, StateOfParameter(p.Number), p.Value};
+        return {p.Name, StateOfParameter(p.Number), IsNotKept(p.Number) ? "-" : p.Value};
     };
     const std::vector<ShownParameter> parameters = ShownParameters();
     TextColumns columns{{12, 8, 16}};
@@ -102,6 +124,10 @@ void WriteParameters(const Style& style, std::ostream& out) {
     out << "\n" << style.Heading(columns.Line({"Parameter", "state", "value"})) << "  unit\n";
     for (const ShownParameter& p : parameters)
         out << columns.Line(cells(p)) << "  " << style.Quiet(p.Unit) << "\n";
+    if (std::any_of(parameters.begin(), parameters.end(),
+                    [](const ShownParameter& p) { return IsNotKept(p.Number); }))
+        out << style.Quiet("(a job does not keep a tool vector that was fitted; fit --job fits it again)")
+            << "\n";
 }
 
 // What the result is marked with, in words of the table.
@@ -122,8 +148,9 @@ ordered_json OfResult(ordered_json mark) {
 ordered_json Summary(const JobFileFacts& file) {
     int used = 0;
     for (int pair = 1; pair <= Job.Pairs(); ++pair) used += 3 - static_cast<int>(LeftOut(pair).size());
+    TakeHeldToolVector();
     ordered_json parameters = ordered_json::array();
-    for (int k = 1; k < kParameterEnd; ++k) parameters.push_back(ParameterAsJson(k));
+    for (int k = 1; k < kParameterEnd; ++k) parameters.push_back(ParameterOfJob(k));
     return {{"schema", "corvinade-job"},
             {"schemaVersion", kSchemaVersion},
             {"program", ProgramAsJson()},
@@ -176,6 +203,7 @@ void WriteJobTable(const JobFileFacts& file, std::ostream& out, bool colour) {
     if (!SeedNames().empty()) out << HeadLabel("seed points") << Joined(SeedNames()) << "\n";
     if (!file.Views.empty())
         out << HeadLabel("saved views") << file.Views.size() << ": " << Joined(file.Views) << "\n";
+    TakeHeldToolVector();
     WriteParameters(style, out);
 }
 

@@ -52,6 +52,7 @@ constexpr NoteKind kKinds[] = {
     {NoteCode::EqualResiduals, "equal-residuals", Severity::Note, false},
     {NoteCode::NoRedundancy, "no-redundancy", Severity::Warning, false},
     {NoteCode::ShapeSigma, "shape-sigma", Severity::Note, false},
+    {NoteCode::NormSigma, "norm-sigma", Severity::Note, false},
     {NoteCode::UnsettledFits, "unsettled-fits", Severity::Warning, false},
     {NoteCode::GimbalLock, "gimbal-lock", Severity::Note, false},
     {NoteCode::CollapsedScale, "collapsed-scale", Severity::Warning, false},

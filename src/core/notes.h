@@ -57,6 +57,7 @@ enum class NoteCode : std::uint8_t {
     EqualResiduals,   // redundancy 0: residuals are 0 or equal whatever the points are
     NoRedundancy,     // sigma and significance say nothing
     ShapeSigma,       // the sigmas of a fit to a shape are smaller than its parameters are known
+    NormSigma,        // the sigmas of a norm follow from its weights
     UnsettledFits,    // inner fits that ended at their limit
     GimbalLock,       // the second rotation stands at 90 degrees
     CollapsedScale,   // a scale has gone to 0

@@ -48,7 +48,7 @@ struct WholePairs {
             deviations.push_back(std::sqrt(squares));
         }
         if (List.empty()) return;
-        const double most = robust ? kGross * MiddleOf(deviations) + kEpsilon * largest
+        const double most = robust ? kGross * MiddleDeviation(deviations, unknowns) + kEpsilon * largest
                                    : std::numeric_limits<double>::infinity();
         double squares = 0;
         std::size_t kept = 0;

@@ -45,12 +45,13 @@ struct Pairs {
     }
 
     // Those whose deviation is not far above what most have.
-    void LeaveOutGrossErrors() {
+    void LeaveOutGrossErrors(int unknowns) {
         std::vector<double> deviations;
         for (const Pair& pair : List) deviations.push_back(pair.Deviation);
         if (deviations.empty()) return;
         constexpr double kGross = 10;
-        const double most = kGross * MiddleOf(deviations) + kDigits * (LargestImage + LargestTarget);
+        const double most =
+            kGross * MiddleDeviation(deviations, unknowns) + kDigits * (LargestImage + LargestTarget);
         std::vector<Pair> left;
         for (std::size_t i = 0; i < List.size(); ++i)
             if (deviations[i] <= most) left.push_back(List[i]);
@@ -248,11 +249,17 @@ void AddAxes(const std::vector<Vec3>& span, const Pairs& pairs, const Vec3 Pair:
     }
 }
 
-// One scale of the images that comes nearest to the targets, and what is left then of each coordinate.
+// One scale of the images that comes nearest to the targets, and what is left then of each coordinate. Of
+// three points a scale that does not float would take most of the noise: there the deviations are it as they
+// stand.
 struct Noise {
     double Scale = 0, Size = 0;
 
-    Noise(const Pairs& pairs, int unknowns) {
+    Noise(const Pairs& pairs, const FitModel& model) {
+        constexpr int kFew = 3;
+        const int spare = pairs.Observations - model.Unknowns;
+        const bool scales = std::any_of(&model.UnknownOf[kScaleX], &model.UnknownOf[kScaleXYZ] + 1,
+                                        [](int unknown) { return unknown != 0; });
         double products = 0, squares = 0, left = 0;
         for (const Pair& pair : pairs.List)
             for (int axis = 1; axis <= 3; ++axis)
@@ -262,13 +269,13 @@ struct Noise {
                 }
         if (!(squares > 0)) return;
         Scale = products / squares;
+        const double scale = !scales && spare <= kFew ? 1 : Scale;
         for (const Pair& pair : pairs.List)
             for (int axis = 1; axis <= 3; ++axis)
                 if (pair.InUse[At(axis)]) {
-                    const double off = pair.Target(axis) - Scale * pair.Image(axis);
+                    const double off = pair.Target(axis) - scale * pair.Image(axis);
                     left += off * off;
                 }
-        const int spare = pairs.Observations - unknowns;
         if (spare > 0) Size = std::sqrt(left / spare);
     }
 };
@@ -280,7 +287,7 @@ public:
           nearImages_(pairs.WithoutFarthest(&Pair::Image)),
           nearTargets_(pairs.WithoutFarthest(&Pair::Target)),
           axes_(model),
-          noise_(pairs, model.Unknowns),
+          noise_(pairs, model),
           robust_(robust) {
         const std::vector<Vec3> span = axes_.Span();
         AddAxes(span, pairs, &Pair::Image, &Pair::Target, candidates_);
@@ -370,7 +377,7 @@ std::vector<LooseTurn> FindLooseTurns(const GatheredPoints& points, const FitMod
     const int step = std::max(1, points.Count / kSample);
     for (int every = step;; every = 1) {
         Pairs pairs(points, at, every);
-        if (robust) pairs.LeaveOutGrossErrors();
+        if (robust) pairs.LeaveOutGrossErrors(model.Unknowns);
         if (pairs.List.empty()) return {};
         std::vector<LooseTurn> loose = Judge(pairs, model, robust).Loose();
         // What some of the points tell all of them do.

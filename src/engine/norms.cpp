@@ -53,6 +53,7 @@ public:
         Certificate = Run.Certificate;
         fit_.RunsBegin = Run.RunsBegin;
         fit_.HeldByFit = Run.HeldByFit;
+        fit_.LeftByPoses = Run.LeftByPoses;
         fit_.Q = std::move(Run.Result.Q);
         fit_.v = std::move(Run.Result.v);
         return true;

@@ -34,6 +34,7 @@ struct NormFit {
     std::optional<Parameters> RunsBegin = {};
     // Parameters that were to float and that the fit holds (fit/proper_beside.h), in the runs likewise.
     std::array<bool, kParameterEnd> HeldByFit{};
+    PosesLeave LeftByPoses;  // of the tool vector
 };
 
 // Runs the norm that Job.NormType names (norm_table.h) as it begins, whatever becomes of that meanwhile. The

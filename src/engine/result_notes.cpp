@@ -11,6 +11,7 @@
 
 #include "core/job.h"
 #include "core/notes.h"
+#include "core/numbers.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/design.h"
@@ -64,6 +65,37 @@ void NoteOpen(const NormFit& fit, const OpenParameters& open, const FitModel& mo
                 std::to_string(open.ByPoints()) + " of the " + std::to_string(model.Unknowns) +
                 " parameters open: what is shown for " + NamesOf(byPoints) +
                 " is arbitrary and has no sigma");
+}
+
+std::string DirectionText(const Vec3& w) {
+    return "(" + FormatNumber(w(1), "0.000") + ", " + FormatNumber(w(2), "0.000") + ", " +
+           FormatNumber(w(3), "0.000") + ")";
+}
+
+// What the poses determine of the tool vector by the errors of their angles alone.
+void NoteLeftByPoses(const PosesLeave& left) {
+    if (left.Directions.empty()) return;
+    bool told = true;  // the rank of the design matrix shows as much
+    for (int k = kTraX; k < kParameterEnd; ++k) {
+        if (!left.Of[At(k)]) continue;
+        told = told && Job.LeftOpen[At(k)] != 0;
+        TakeSigma(k);
+        Job.LeftOpen[At(k)] = 1;
+    }
+    if (told) return;
+    std::string directions;
+    for (const Vec3& w : left.Directions)
+        directions += (directions.empty() ? "" : " and ") + DirectionText(w);
+    constexpr double kDegree = 3.14159265358979323846 / 180;
+    AddNote(NoteCode::OpenParameters,
+            "The poses in use are turned about one axis alone but for " +
+                FormatNumber(left.Turned / kDegree, "0.00000") +
+                " degree, which errors of their angles explain (such as of " +
+                FormatNumber(left.Noise / kDegree, "0.00000") +
+                " degree): they do not tell the tool vector along " + directions +
+                " of the flange from a translation, and this part of it is " +
+                (left.PutAtZero ? "put at 0" : "what those errors make of it") + "; what is shown for " +
+                NamesOf(left.Of) + " is arbitrary and has no sigma; turn the poses about a second axis");
 }
 
 // Turns that the sum does not depend on, though the rank of the design matrix does not show it: at gimbal
@@ -327,6 +359,16 @@ double Handedness(const Mat3& M) {
     return sizes > 0 ? Determinant3(M) / sizes : 0;
 }
 
+// The weights of a least sum are 1/|deviation|, and next to nothing is left of the deviations that count
+// most.
+void NoteSigmaOfLeastSum() {
+    if (NormOfJob().Fit != FitNorm::LeastSum || !Calculation.Converged || Calculation.s0 == 0) return;
+    AddNote(
+        NoteCode::NormSigma,
+        "Sigma, significance, s0 and the mean errors follow from the weights 1/|deviation| of the norm L1 and "
+        "do not tell how well the parameters are known; those of L2 do, and Monte Carlo");
+}
+
 void NoteRedundancy(const NormFit& fit, const FitModel& model) {
     int observations = 0;
     for (int i = 1; i <= Job.Pairs(); ++i) {
@@ -373,6 +415,7 @@ void NoteResult(const NormFit& fit) {
     NoteTooNear(model);
     const bool onePlace = NoteCollapse(model, at.M);
     if (!onePlace) NoteOpen(fit, open, model);
+    NoteLeftByPoses(fit.LeftByPoses);
     if (!onePlace && !IsTrue(Job.IsParaboloid)) {
         NoteLooseTurns(fit, open, model, at);
         NoteLooseScales(fit, model, at, NormOfJob().Fit == FitNorm::LeastSum);
@@ -388,6 +431,7 @@ void NoteResult(const NormFit& fit) {
                 "The result is mirrored: it carries the points onto their mirror image, as no movement can; "
                 "look for names that are exchanged or an axis that points the other way");
     NoteRedundancy(fit, model);
+    NoteSigmaOfLeastSum();
 }
 
 }  // namespace corvinade::engine

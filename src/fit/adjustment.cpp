@@ -211,6 +211,16 @@ struct Iteration {
     }
 };
 
+// Observations of the tool vector, so heavy that it does not move along these directions.
+void HoldTool(const std::vector<Vec3>& still, const FitModel& model, int points, Matrix& N) {
+    constexpr double kHeavy = 1e6;  // beside all poses
+    for (const Vec3& w : still)
+        for (int i = 1; i <= 3; ++i)
+            for (int j = 1; j <= 3; ++j)
+                N(model.UnknownOf[At(kRvecX + i - 1)], model.UnknownOf[At(kRvecX + j - 1)]) +=
+                    kHeavy * points * w(i) * w(j);
+}
+
 // While it lives fits take the rows of the points.
 class RowsAlone {
 public:
@@ -362,6 +372,11 @@ void RenewResiduals(FitRun& run, const FitModel& model, const GatheredPoints& po
 
 void SettleHere(FitRun& run, const FitModel& model, GatheredPoints& points, const Column& P,
                 IterationResult& result) {
+    SettleHolding(run, model, points, P, {}, result);
+}
+
+void SettleHolding(FitRun& run, const FitModel& model, GatheredPoints& points, const Column& P,
+                   const std::vector<Vec3>& still, IterationResult& result) {
     const int u = model.Unknowns, n = 3 * points.Count;
     Require(UpperBound(P) >= n);
     run.State = IterationState{};
@@ -375,6 +390,7 @@ void SettleHere(FitRun& run, const FitModel& model, GatheredPoints& points, cons
     Matrix N(u, u);
     Column w(At(u) + 1), x(At(u) + 1);
     NormalEquations(model, at, *sums, N, w);
+    HoldTool(still, model, points.Count, N);
     result.Q = Matrix(u, u);
     SolveNormalEquations(N, w, u, result.Q, x);
     FromCentre(model, at, result.Q);

@@ -36,6 +36,11 @@ void RenewResiduals(FitRun& run, const FitModel& model, const GatheredPoints& po
 void SettleHere(FitRun& run, const FitModel& model, GatheredPoints& points, const Column& P,
                 IterationResult& result);
 
+// The same with a tool vector that does not move along `still`, unit vectors at right angles: Q is that of
+// the unknowns under this condition. None of them: as above.
+void SettleHolding(FitRun& run, const FitModel& model, GatheredPoints& points, const Column& P,
+                   const std::vector<Vec3>& still, IterationResult& result);
+
 // A fit on sums that its caller takes, so that residuals, weights and the sums of the next fit need one
 // pass over the points.
 struct FitOnMoments {

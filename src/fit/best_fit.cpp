@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "fit/best_tool_fit.h"
 #include "fit/best_transformation.h"
 #include "fit/chain_search.h"
 #include "fit/corrections.h"
@@ -349,9 +350,10 @@ bool LimitWasWanted(const FitRun& run) {
 
 bool SeekBestFit(NormRun& fit) {
     fit.Certificate = CertificateRecord{};
-    const bool plain = fit.Model.Mode == FitMode::Coincide && fit.Points.OnlyInUse && fit.Model.Unknowns > 0;
-    if (!plain || !fit.SeeksBest || fit.Stops() || LimitWasWanted(fit.Run)) return true;
-    return Seeker(fit).Run();
+    fit.LeftByPoses = PosesLeave{};
+    const bool known = fit.Model.Mode != FitMode::Distance && fit.Points.OnlyInUse && fit.Model.Unknowns > 0;
+    if (!known || !fit.SeeksBest || fit.Stops() || LimitWasWanted(fit.Run)) return true;
+    return fit.Model.Mode == FitMode::Tool ? SeekBestToolFit(fit) : Seeker(fit).Run();
 }
 
 }  // namespace corvinade::fit

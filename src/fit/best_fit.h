@@ -13,8 +13,8 @@ namespace corvinade::fit {
 // size of the whole) the closed solution itself is the result. Everything else is left as it is, bit by bit.
 // A mirrored solution is taken only where it fits better by more than noise explains, or where the start
 // scales ask for it. With start values of the user's own a fit that converged is left, and a remark tells of
-// a better one. For the plain model with weights 0 and 1; does nothing for others, nor where
-// SeeksBest is false. False when the fit was abandoned.
+// a better one. For the plain model with weights 0 and 1, and by best_tool_fit.h for the tool
+// model; does nothing for others, nor where SeeksBest is false. False when the fit was abandoned.
 bool SeekBestFit(NormRun& fit);
 
 }  // namespace corvinade::fit

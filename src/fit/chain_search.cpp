@@ -28,60 +28,6 @@ Vec3 ShiftOf(const ChainChoice& choice, const ChainValues& values, const Mat3& M
     return shift;
 }
 
-// Derivatives of M by the floating inner parameters, and which unknown each is.
-struct Derivatives {
-    std::vector<Mat3> Inner;
-    std::vector<int> Parameter;
-
-    Derivatives(const ChainChoice& choice, const ChainValues& at) {
-        Mat3 K, S;
-        BuildShearMatrix(at.Value[kAngleXY], at.Value[kAzimuth], at.Value[kAngleZtoXY], K);
-        for (int k = 1; k <= 3; ++k) S(k, k) = at.Value[At(kScaleX + k - 1)];
-        const Mat3 KS = MatrixProduct(K, S), RK = MatrixProduct(at.R, K);
-        if (choice.RotatesFreely()) {
-            const Mat3 M = MatrixProduct(at.R, KS);
-            for (int k = 1; k <= 3; ++k)
-                Add(kRotX + k - 1, Turned({k == 1 ? 1.0 : 0.0, k == 2 ? 1.0 : 0.0, k == 3 ? 1.0 : 0.0}, M));
-        } else {
-            const std::array<Circle, 3> circles = {Circle(at.Value[kRotX]), Circle(at.Value[kRotY]),
-                                                   Circle(at.Value[kRotZ])};
-            constexpr std::array<RotationAngle, 3> kAngles = {RotationAngle::X, RotationAngle::Y,
-                                                              RotationAngle::Z};
-            for (int k = 0; k < 3; ++k)
-                if (choice.Floats[At(kRotX + k)])
-                    Add(kRotX + k,
-                        MatrixProduct(RotationDerivative(kAngles[At(k)], circles[0], circles[1], circles[2]),
-                                      KS));
-        }
-        for (int k = 1; k <= 3; ++k) {
-            if (!choice.Floats[At(kScaleX + k - 1)]) continue;
-            Mat3 D;
-            for (int row = 1; row <= 3; ++row) D(row, k) = RK(row, k);
-            Add(kScaleX + k - 1, D);
-        }
-        if (choice.Floats[kScaleXYZ]) Add(kScaleXYZ, RK);
-        AddFrame(choice, at, S);
-    }
-
-private:
-    void Add(int parameter, const Mat3& D) {
-        Inner.push_back(D);
-        Parameter.push_back(parameter);
-    }
-    void AddFrame(const ChainChoice& choice, const ChainValues& at, const Mat3& S) {
-        const double xy = at.Value[kAngleXY], az = at.Value[kAzimuth], zt = at.Value[kAngleZtoXY];
-        const auto add = [&](int parameter, int column, const Vec3& d) {
-            if (!choice.Floats[At(parameter)]) return;
-            Mat3 dK;
-            for (int row = 1; row <= 3; ++row) dK(row, column) = d(row);
-            Add(parameter, MatrixProduct(MatrixProduct(at.R, dK), S));
-        };
-        add(kAngleXY, 2, {std::cos(xy), -std::sin(xy), 0});
-        add(kAzimuth, 3, {-std::sin(az) * std::sin(zt), std::cos(az) * std::sin(zt), 0});
-        add(kAngleZtoXY, 3, {std::cos(az) * std::cos(zt), std::sin(az) * std::cos(zt), -std::sin(zt)});
-    }
-};
-
 void FollowOneScale(const ChainChoice& choice, ChainValues& values) {
     if (choice.Floats[kScaleXYZ])
         values.Value[kScaleX] = values.Value[kScaleY] = values.Value[kScaleZ] = values.Value[kScaleXYZ];
@@ -105,7 +51,7 @@ struct Climber {
 
     // Normal equations of the unknowns; N row by row. The translations are those of the centres' images, so
     // that an inner parameter moves the points about their centre along the axes whose translation floats.
-    void Equations(const ChainValues& at, const Derivatives& by, std::vector<double>& N,
+    void Equations(const ChainValues& at, const ChainDerivatives& by, std::vector<double>& N,
                    std::vector<double>& g) const {
         const int t = static_cast<int>(Translations.size()), u = t + static_cast<int>(by.Inner.size());
         N.assign(At(u * u), 0);
@@ -144,23 +90,10 @@ struct Climber {
         }
     }
 
-    ChainValues Stepped(const ChainValues& at, const Derivatives& by, const std::vector<double>& x) const {
-        ChainValues to = at;
+    ChainValues Stepped(const ChainValues& at, const ChainDerivatives& by,
+                        const std::vector<double>& x) const {
         const auto t = Translations.size();
-        Vec3 turn;
-        for (std::size_t k = 0; k < by.Inner.size(); ++k) {
-            const int parameter = by.Parameter[k];
-            if (parameter <= kRotZ && Choice.RotatesFreely())
-                turn(parameter - kRotX + 1) = x[t + k];
-            else
-                to.Value[At(parameter)] += x[t + k];
-        }
-        FollowOneScale(Choice, to);
-        if (Choice.RotatesFreely()) {
-            to.R = MatrixProduct(RotationAbout(turn), at.R);
-        } else {
-            RotMatrixXYZ(to.Value[kRotX], to.Value[kRotY], to.Value[kRotZ], to.R);
-        }
+        ChainValues to = MovedInner(Choice, at, by, x.data() + t);
         // The corrections of the translations are those of the centre's image.
         const Mat3 before = MatrixOf(at), now = MatrixOf(to);
         for (std::size_t k = 0; k < t; ++k) {
@@ -174,6 +107,74 @@ struct Climber {
 };
 
 }  // namespace
+
+ChainDerivatives::ChainDerivatives(const ChainChoice& choice, const ChainValues& at) {
+    Mat3 K, S;
+    BuildShearMatrix(at.Value[kAngleXY], at.Value[kAzimuth], at.Value[kAngleZtoXY], K);
+    for (int k = 1; k <= 3; ++k) S(k, k) = at.Value[At(kScaleX + k - 1)];
+    const Mat3 KS = MatrixProduct(K, S), RK = MatrixProduct(at.R, K);
+    if (choice.RotatesFreely()) {
+        const Mat3 M = MatrixProduct(at.R, KS);
+        for (int k = 1; k <= 3; ++k)
+            Add(kRotX + k - 1, Turned({k == 1 ? 1.0 : 0.0, k == 2 ? 1.0 : 0.0, k == 3 ? 1.0 : 0.0}, M));
+    } else {
+        const std::array<Circle, 3> circles = {Circle(at.Value[kRotX]), Circle(at.Value[kRotY]),
+                                               Circle(at.Value[kRotZ])};
+        constexpr std::array<RotationAngle, 3> kAngles = {RotationAngle::X, RotationAngle::Y,
+                                                          RotationAngle::Z};
+        for (int k = 0; k < 3; ++k)
+            if (choice.Floats[At(kRotX + k)])
+                Add(kRotX + k,
+                    MatrixProduct(RotationDerivative(kAngles[At(k)], circles[0], circles[1], circles[2]),
+                                  KS));
+    }
+    for (int k = 1; k <= 3; ++k) {
+        if (!choice.Floats[At(kScaleX + k - 1)]) continue;
+        Mat3 D;
+        for (int row = 1; row <= 3; ++row) D(row, k) = RK(row, k);
+        Add(kScaleX + k - 1, D);
+    }
+    if (choice.Floats[kScaleXYZ]) Add(kScaleXYZ, RK);
+    AddFrame(choice, at, S);
+}
+
+void ChainDerivatives::Add(int parameter, const Mat3& D) {
+    Inner.push_back(D);
+    Parameter.push_back(parameter);
+}
+
+void ChainDerivatives::AddFrame(const ChainChoice& choice, const ChainValues& at, const Mat3& S) {
+    const double xy = at.Value[kAngleXY], az = at.Value[kAzimuth], zt = at.Value[kAngleZtoXY];
+    const auto add = [&](int parameter, int column, const Vec3& d) {
+        if (!choice.Floats[At(parameter)]) return;
+        Mat3 dK;
+        for (int row = 1; row <= 3; ++row) dK(row, column) = d(row);
+        Add(parameter, MatrixProduct(MatrixProduct(at.R, dK), S));
+    };
+    add(kAngleXY, 2, {std::cos(xy), -std::sin(xy), 0});
+    add(kAzimuth, 3, {-std::sin(az) * std::sin(zt), std::cos(az) * std::sin(zt), 0});
+    add(kAngleZtoXY, 3, {std::cos(az) * std::cos(zt), std::sin(az) * std::cos(zt), -std::sin(zt)});
+}
+
+ChainValues MovedInner(const ChainChoice& choice, const ChainValues& at, const ChainDerivatives& by,
+                       const double* x) {
+    ChainValues to = at;
+    Vec3 turn;
+    for (std::size_t k = 0; k < by.Inner.size(); ++k) {
+        const int parameter = by.Parameter[k];
+        if (parameter <= kRotZ && choice.RotatesFreely())
+            turn(parameter - kRotX + 1) = x[k];
+        else
+            to.Value[At(parameter)] += x[k];
+    }
+    FollowOneScale(choice, to);
+    if (choice.RotatesFreely()) {
+        to.R = MatrixProduct(RotationAbout(turn), at.R);
+    } else {
+        RotMatrixXYZ(to.Value[kRotX], to.Value[kRotY], to.Value[kRotZ], to.R);
+    }
+    return to;
+}
 
 ChainValues::ChainValues() {
     for (int k = kScaleX; k <= kScaleXYZ; ++k) Value[At(k)] = 1;
@@ -211,7 +212,7 @@ std::optional<ChainResult> Climb(const PointMoments& moments, const ChainChoice&
     std::vector<double> N, g, damped;
     int idle = 0;
     for (int step = 0; step < kMostSteps && idle < 3; ++step) {
-        const Derivatives by(choice, at);
+        const ChainDerivatives by(choice, at);
         climber.Equations(at, by, N, g);
         const int u = static_cast<int>(g.size());
         bool climbed = false;

@@ -33,6 +33,23 @@ struct ChainChoice {
     bool RotatesFreely() const { return Floats[kRotX] && Floats[kRotY] && Floats[kRotZ]; }
 };
 
+// Derivatives of M by the floating inner parameters, and which parameter each is of. Where all three
+// rotations float these are turns about the target's axes, which reach every rotation at gimbal lock too.
+struct ChainDerivatives {
+    std::vector<Mat3> Inner;
+    std::vector<int> Parameter;
+
+    ChainDerivatives(const ChainChoice& choice, const ChainValues& at);
+
+private:
+    void Add(int parameter, const Mat3& D);
+    void AddFrame(const ChainChoice& choice, const ChainValues& at, const Mat3& S);
+};
+
+// Goes by corrections x of these, one each; translations stay.
+ChainValues MovedInner(const ChainChoice& choice, const ChainValues& at, const ChainDerivatives& by,
+                       const double* x);
+
 struct ChainResult {
     ChainValues Values;
     double Gain = 0;  // sum of squares at the moments' reference less that here, mm^2

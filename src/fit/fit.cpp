@@ -73,7 +73,8 @@ FitResult Fit(const FitProblem& problem, const FitListener& listener) {
             .Norm = run.Run.Norm,
             .Certificate = run.Certificate,
             .Remarks = std::move(run.Remarks),
-            .HeldByFit = run.HeldByFit};
+            .HeldByFit = run.HeldByFit,
+            .LeftByPoses = std::move(run.LeftByPoses)};
 }
 
 }  // namespace corvinade::fit

@@ -37,6 +37,7 @@ struct FitResult {
     // Parameters that were to float and that the fit has held all the same (proper_beside.h); Q has them
     // float.
     std::array<bool, kParameterEnd> HeldByFit{};
+    PosesLeave LeftByPoses;  // of the tool vector; Q is that with this part of it held
     bool Converged() const { return Norm.Converged && State.Finite && !State.Abandoned; }
 };
 

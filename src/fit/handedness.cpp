@@ -121,7 +121,7 @@ Handedness HandednessOf(const GatheredPoints& points, const Mat3& M, const Vec3&
         size = std::max(size, Length(q));
     }
     if (norm == FitNorm::LeastSum) {
-        const double most = std::max(kBlunder * MiddleOf(residuals), 1e3 * kEpsilon * size);
+        const double most = std::max(kBlunder * MiddleDeviation(residuals, unknowns), 1e3 * kEpsilon * size);
         std::vector<int> good;
         std::vector<double> kept;
         for (std::size_t k = 0; k < pairs.size(); ++k)

@@ -40,6 +40,16 @@ struct EndOfFit {
     bool Mirrored = false;
 };
 
+// What poses turned about one axis leave open of the tool vector (best_tool_fit.h): its part along these
+// directions of the flange, unit vectors.
+struct PosesLeave {
+    std::vector<Vec3> Directions;
+    bool PutAtZero = true;  // that part; not in the loops of other norms, which leave it to the errors
+    double Turned = 0;                     // by how much the poses turn them at most, root mean square, rad
+    double Noise = 0;                      // of their angles, against which that is judged, rad
+    std::array<bool, kParameterEnd> Of{};  // parameters that are arbitrary by that
+};
+
 // What a calculation has decided on its own, or leaves to be said, in the order in which it came up.
 struct FitRemark {
     enum class What : std::uint8_t {
@@ -85,6 +95,7 @@ struct NormRun {
     std::vector<FitRemark> Remarks;
     // Of the parameters that float those that the fit has held all the same (proper_beside.h).
     std::array<bool, kParameterEnd> HeldByFit{};
+    PosesLeave LeftByPoses;
     // Where the runs of Monte Carlo, and the fits of a loop, begin: at the best fit, where the start values
     // lead the iteration astray. Nothing: at the start values, each run by its own seed points.
     std::optional<Parameters> RunsBegin;

@@ -257,6 +257,8 @@ void TakeBeginOfFit(NormRun& fit) {
     if (fit.RunsBegin) {
         for (int k = kTraX; k <= kAngleZtoXY; ++k)
             if (fit.Choice.Floats[At(k)]) begin[k] = (*fit.RunsBegin)[k];
+        if (fit.Model.ToolFloats)
+            for (const int k : {kRvecX, kRvecY, kRvecZ}) begin[k] = (*fit.RunsBegin)[k];
         if (fit.Choice.Floats[kScaleXYZ])
             for (const int scale : {kScaleX, kScaleY, kScaleZ}) begin[scale] = begin[kScaleXYZ];
     }
@@ -277,6 +279,7 @@ void FirstFitOfLoop(NormRun& fit) {
     const bool again = fit.Certificate.BeganAgain;
     fit.Certificate = CertificateRecord{};  // it speaks of least squares alone
     if (!sought) return;
+    fit.LeftByPoses.PutAtZero = false;
     if (again) {
         fit.RunsBegin = fit.Run.Now;
     } else {

@@ -44,4 +44,13 @@ double MiddleOf(std::vector<double> values) {
     return *middle;
 }
 
+double MiddleDeviation(std::vector<double> deviations, int unknowns) {
+    constexpr std::size_t kCoordinates = 3;
+    const std::size_t exact = static_cast<std::size_t>(std::max(0, unknowns)) / kCoordinates;
+    if (deviations.size() / 2 >= exact || deviations.size() <= exact) return MiddleOf(std::move(deviations));
+    std::sort(deviations.begin(), deviations.end());
+    deviations.erase(deviations.begin(), deviations.begin() + static_cast<std::ptrdiff_t>(exact));
+    return MiddleOf(std::move(deviations));
+}
+
 }  // namespace corvinade::fit

@@ -17,4 +17,9 @@ double SigmaOfAxis(double squares, double weights);
 // The value that half of them reach: of an even number the greater of the two in the middle. 0 of none.
 double MiddleOf(std::vector<double> values);
 
+// The middle of the lengths of the deviations of whole pairs. A least sum of absolute values goes through as
+// many points exactly as its unknowns allow; where these are half of all or more, they say nothing of how
+// long a deviation is, and the middle is that of the others.
+double MiddleDeviation(std::vector<double> deviations, int unknowns);
+
 }  // namespace corvinade::fit

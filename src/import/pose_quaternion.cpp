@@ -45,6 +45,22 @@ double Tolerance(const Quaternion& q) {
     return std::min(kExact + 4 * std::fabs(length * length - 1), kMost);
 }
 
+// How far rounding takes a quaternion off length 1, by the decimals of its numbers. Programs write more of
+// them than the single precision holds that they compute in.
+double RoundingOf(const Quaternion& q) {
+    constexpr int kMostDecimals = 9;
+    constexpr double kSinglePrecision = 1e-5, kOfAll = 2;
+    double unit = 1;
+    for (int decimals = 0; decimals < kMostDecimals; ++decimals, unit /= 10) {
+        const bool whole = std::all_of(q.begin(), q.end(), [unit](double value) {
+            constexpr double kWhole = 1e-6;
+            return std::fabs(value / unit - std::round(value / unit)) < kWhole;
+        });
+        if (whole) break;
+    }
+    return std::max(kOfAll * unit, kSinglePrecision);
+}
+
 bool TurnAlike(const PoseAngles& angles, const Mat3& wanted, double tolerance) {
     Mat3 turned;
     RotMatrixXYZ(-angles[2], -angles[1], -angles[0], turned);
@@ -76,8 +92,7 @@ PoseAngles AnglesOfQuaternion(const Quaternion& q, const RobotProgram& program, 
     const PoseAngles angles = {-c, -b, -a};
     const Mat3 wanted = MatrixOf(q);
     if (TurnAlike(angles, wanted, Tolerance(q))) return angles;
-    constexpr double kMostRounding = 5e-3;  // four numbers of three digits
-    if (std::fabs(length - 1) > kMostRounding && fromMatrix.Misread++ == 0)
+    if (std::fabs(length - 1) > RoundingOf(q) && fromMatrix.Misread++ == 0)
         fromMatrix.FirstMisread = program.Lines.Row;
     if (fromMatrix.Count++ == 0) fromMatrix.FirstLine = program.Lines.Row;
     return AnglesOfMatrix(wanted);

@@ -29,6 +29,7 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 struct Rest {
     Values Place;
     double Sum = kInfinity;  // of squared distances, mm^2
+    Values Distances;        // of the points there, with the side of the surface as their sign, mm
 };
 
 // Normal equations of the distances in the held directions.
@@ -79,9 +80,8 @@ public:
             if (PointInUse(points, k))
                 points_.push_back(
                     {points.Start[0][k] + c(1), points.Start[1][k] + c(2), points.Start[2][k] + c(3)});
-        double observations = 0;
-        for (const double weight : passes.Fit.P) observations += weight != 0 ? 1 : 0;
-        redundancy_ = std::max(1.0, observations - passes.Fit.u);
+        // A point of a surface tells one number, its distance.
+        redundancy_ = std::max(1.0, static_cast<double>(points_.size()) - static_cast<double>(Directions()));
     }
 
     std::size_t Directions() const { return directions_.Held.size(); }
@@ -109,7 +109,7 @@ public:
     }
 
     // Infinite where a scale leaves its neighbourhood, where there is no number, and behind the end.
-    double SumAt(const Values& place) {
+    double SumAt(const Values& place, Surface surface = Surface::Segments) {
         if (!Serve()) return kInfinity;
         Put(place);
         if (!ScalesAreNear()) return kInfinity;
@@ -118,6 +118,12 @@ public:
             Vec3 image, nearest;
             double distance = 0;
             TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
+            if (surface == Surface::Even) {
+                const ShapeFoot foot = NearestShapeFoot(image(1), image(2), image(3), Job.ParaboloidShape);
+                const double off = OffSegment(foot, image) - foot.Bulge;
+                sum += off * off;
+                continue;
+            }
             NearestShapePoint(image(1), image(2), image(3), Job.ParaboloidShape, nearest(1), nearest(2),
                               nearest(3), distance);
             sum += distance * distance;
@@ -127,20 +133,20 @@ public:
 
     // Down to a place of rest. On segments each step leaves the points where they are, which may then be
     // nearer to other segments, so that whole steps only ever lead down where the shape is hollow.
-    Rest Descend(Values place) {
+    Rest Descend(Values place, Surface surface = Surface::Segments) {
         constexpr int kMostSteps = 30, kMostHalves = 6;
         constexpr double kNothing = 1e-12;
         Rest rest{.Place = std::move(place)};
-        rest.Sum = SumAt(rest.Place);
+        rest.Sum = SumAt(rest.Place, surface);
         Values step;
         for (int count = 0; count < kMostSteps && std::isfinite(rest.Sum); ++count) {
-            if (!EquationsAt(rest.Place, Surface::Segments).Solve(step)) break;
+            if (!EquationsAt(rest.Place, surface).Solve(step)) break;
             Rest next;
             double share = 1;
             for (int halves = 0; halves < kMostHalves && !(next.Sum < rest.Sum); ++halves, share /= 2) {
                 next.Place = rest.Place;
                 for (std::size_t k = 0; k < step.size(); ++k) next.Place[k] -= share * step[k];
-                next.Sum = SumAt(next.Place);
+                next.Sum = SumAt(next.Place, surface);
             }
             if (!(next.Sum < rest.Sum)) break;
             const double gain = rest.Sum - next.Sum;
@@ -151,15 +157,7 @@ public:
     }
 
     // The least place of the surface that bends evenly, which has no kinks to hang at.
-    Values EvenPlace() {
-        constexpr int kSteps = 10;
-        Values place(Directions()), step;
-        for (int count = 0; count < kSteps; ++count) {
-            if (Ended() || !EquationsAt(place, Surface::Even).Solve(step)) break;
-            for (std::size_t k = 0; k < step.size(); ++k) place[k] -= step[k];
-        }
-        return place;
-    }
+    Values EvenPlace() { return Descend(Values(Directions()), Surface::Even).Place; }
 
     // How far to go along direction k so that the sum changes by `sum`.
     double Way(std::size_t k, double sum) const { return std::sqrt(sum / directions_.Weight[k]); }
@@ -181,17 +179,34 @@ public:
         constexpr double kOfError = 0.01, kOfSum = 1e-6;
         return std::max(kOfSum * sum, kOfError * SquaredMeanError(sum));
     }
-    // One place: as near to each other as the mean error of `b` leaves it, or as lengths of the cloud's size
-    // mean anything.
-    bool AreOnePlace(const Values& a, const Rest& b) const {
+    // How far the points lie off the surface at a place, and on which side.
+    Values DistancesAt(const Values& place) {
+        Values distances;
+        if (!Serve()) return distances;
+        Put(place);
+        distances.reserve(points_.size());
+        for (const Vec3& p : points_) {
+            Vec3 image;
+            TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
+            distances.push_back(
+                OffSegment(NearestShapeFoot(image(1), image(2), image(3), Job.ParaboloidShape), image));
+        }
+        return distances;
+    }
+    // One place: the surface lies as near to the points as so many squared mean errors of `b` leave it, or as
+    // lengths of the cloud's size mean anything. The parameters themselves would not do, since along a
+    // surface they move far on bent ways without any change of the distances.
+    bool AreOnePlace(const Values& a, const Rest& b, double errors = 1) const {
         constexpr double kNear = 1e-6;  // of the cloud's size
+        if (a.size() != b.Distances.size()) return false;
         double apart = 0;
-        for (std::size_t k = 0; k < Directions(); ++k) {
-            const double way = a[k] - b.Place[k];
-            apart += directions_.Weight[k] * way * way;
+        for (std::size_t k = 0; k < a.size(); ++k) {
+            const double way = a[k] - b.Distances[k];
+            apart += way * way;
         }
         const double near = kNear * floating_.Size;
-        return apart <= std::max(SquaredMeanError(b.Sum), near * near * static_cast<double>(points_.size()));
+        return apart <=
+               std::max(errors * SquaredMeanError(b.Sum), near * near * static_cast<double>(points_.size()));
     }
 
 private:
@@ -215,6 +230,13 @@ private:
         return true;
     }
 
+    // How far an image lies off the segment of its foot, and on which side.
+    static double OffSegment(const ShapeFoot& foot, const Vec3& image) {
+        double distance = 0;
+        for (int axis = 1; axis <= 3; ++axis) distance += foot.Facet(axis) * (image(axis) - foot.Place(axis));
+        return distance;
+    }
+
     static ShapeFoot FootOf(const Vec3& p) {
         Vec3 image;
         TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
@@ -232,9 +254,7 @@ private:
             Vec3 image;
             TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
             const ShapeFoot foot = NearestShapeFoot(image(1), image(2), image(3), Job.ParaboloidShape);
-            double distance = surface == Surface::Even ? -foot.Bulge : 0;
-            for (int axis = 1; axis <= 3; ++axis)
-                distance += foot.Facet(axis) * (image(axis) - foot.Place(axis));
+            const double distance = OffSegment(foot, image) - (surface == Surface::Even ? foot.Bulge : 0);
             const Vec3& normal = surface == Surface::Even ? foot.Bend : foot.Facet;
             const std::vector<Vec3> ways = WaysOfPoint(model_, at, floating_, p);
             std::fill(along.begin(), along.end(), 0);
@@ -290,6 +310,7 @@ public:
 
     // Takes an end of a way; true where it is better than the best so far.
     bool Take(Rest end) {
+        end.Distances = land_.DistancesAt(end.Place);
         const bool better = ends_.empty() || end.Sum < Best().Sum - land_.Worth(Best().Sum);
         if (better) best_ = ends_.size();
         ends_.push_back(std::move(end));
@@ -334,15 +355,17 @@ public:
         const double most = Best().Sum + kHardly * land_.SquaredMeanError(Best().Sum);
         int ways = 0;
         for (const Rest& end : ends_) {
-            if (IsBest(end)) ++ways;
-            if (end.Sum <= most && !land_.AreOnePlace(end.Place, Best())) return true;
+            if (!(end.Sum <= most)) continue;
+            // What lies as far off as such a sum does in an even valley is within what noise leaves open.
+            if (!land_.AreOnePlace(end.Distances, Best(), kHardly)) return true;
+            ++ways;
         }
         return ways < kSure;
     }
 
 private:
     bool IsBest(const Rest& end) const {
-        return end.Sum <= Best().Sum + land_.Worth(Best().Sum) && land_.AreOnePlace(end.Place, Best());
+        return end.Sum <= Best().Sum + land_.Worth(Best().Sum) && land_.AreOnePlace(end.Distances, Best());
     }
 
     Landscape& land_;
@@ -380,10 +403,11 @@ PassEnd SearchBeside(ShapePasses& passes, BesideSearch& found) {
     search.LookAlong({1}, std::max(search.Best().Sum, offTable), true);
     const bool one = search.AllAreOne();
     if (!one) SeekOn(search, offTable);
+    const Values evenDistances = land.DistancesAt(even);
     if (land.Lost()) return PassEnd::Lost;
     land.Restore();
     if (land.Ended()) return PassEnd::Done;
-    found.Doubt = (!one && search.LeavesDoubt()) || !land.AreOnePlace(even, search.Best());
+    found.Doubt = (!one && search.LeavesDoubt()) || !land.AreOnePlace(evenDistances, search.Best());
     found.Better = search.Best().Sum < before - land.Worth(before);
     if (found.Better) land.Put(search.Best().Place);
     return PassEnd::Done;

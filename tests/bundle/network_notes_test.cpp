@@ -176,3 +176,18 @@ TEST_F(NetworkNotes, AsManyDistancesAsUnknownsAreTold) {
         UnloadWindow("FormBündel");
     }
 }
+
+TEST_F(NetworkNotes, WhatNoDistanceNamesTakesNoRedundancy) {
+    // Of 7 points there are 28 distances for 27 unknowns; one more point that no distance names has three.
+    std::string text = SimulatedNetwork(4, 7).Text();
+    const std::size_t at = text.find("P7");
+    ASSERT_NE(at, std::string::npos);
+    const std::size_t begin = text.rfind("\n", at) + 1, end = text.find("\n", text.find("\n", at) + 1) + 1;
+    std::string lines = text.substr(begin, end - begin);
+    lines.replace(lines.find("P7"), 2, "P99");
+    text.insert(end, lines);
+    Read(text);
+    Calculate();
+    EXPECT_NE(Of("network-open"), nullptr);
+    EXPECT_EQ(Of("no-redundancy"), nullptr);
+}

@@ -389,3 +389,25 @@ TEST_F(RobotProgramFits, TheExampleFindsWhatItWasMadeFrom) {
             }
     EXPECT_NEAR(fit["quality"]["s0_mm"].get<double>(), 0.1, 0.05);
 }
+
+// The job has a place for the text of a tool vector alone.
+TEST_F(RobotProgramFits, AJobDoesNotShowAToolVectorThatItDoesNotKeep) {
+    const Point tool = {40, -30, 210};
+    const std::string tips = Write("tips.txt", Tips(tool)), program = Kuka();
+    const auto info = [this](const std::string& job) {
+        const Outcome outcome = CommandLine({"info", job, "--json"});
+        EXPECT_EQ(outcome.Status, 0) << outcome.Err;
+        return json::parse(outcome.Out);
+    };
+    FitJson({tips, program, "--as", "kuka", "--tool", "--save", PathOf("floating.cvn")});
+    FreshStart();
+    const json floating = info(PathOf("floating.cvn"));
+    for (const json& row : floating["parameters"])
+        if (row["name"].get<std::string>().starts_with("rvec")) {
+            EXPECT_EQ(row["value"], nullptr) << row;
+            EXPECT_EQ(row["shown"], nullptr) << row;
+        }
+    FreshStart();
+    const std::string table = CommandLine({"info", PathOf("floating.cvn")}).Out;
+    EXPECT_NE(table.find("R vec x          float                 -"), std::string::npos) << table;
+}

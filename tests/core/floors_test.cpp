@@ -144,7 +144,42 @@ bool IsWholeRuler(const std::string& line) {
     return line.starts_with("// --- ") && line.ends_with("---") && columns == 109;
 }
 
+// The first line of a header of a room that declares something outside of the rooms' namespaces; "" where
+// none does. Names of others may be declared in front.
+std::string OutsideOfRooms(const std::string& text) {
+    static const std::regex kForeign("(class|struct) Q\\w+;");
+    std::istringstream lines(text);
+    std::ptrdiff_t depth = 0;  // of braces, from that of the namespace on
+    bool define = false;
+    for (std::string line; std::getline(lines, line);) {
+        const bool inDefine = define;
+        define = (line.starts_with("#") || inDefine) && line.ends_with("\\");
+        if (inDefine || line.empty() || line.starts_with("#") || line.starts_with("//")) continue;
+        const bool opens = line.starts_with("namespace corvinade") || line.starts_with("namespace CLI {");
+        if (depth == 0 && !opens && !std::regex_match(line, kForeign)) return line;
+        if (depth > 0 || opens)
+            depth += std::count(line.begin(), line.end(), '{') - std::count(line.begin(), line.end(), '}');
+    }
+    return "";
+}
+
 }  // namespace
+
+TEST(Floors, HeadersDeclareTheirNamesInTheNamespaceOfARoom) {
+    int seen = 0;
+    for (const fs::path& path : FilesBelow(kSource / "src")) {
+        const std::string file = fs::relative(path, kSource / "src").generic_string(), room = RoomOf(file);
+        if (room.empty() || path.extension() != ".h") continue;
+        const std::string text = Contents(path.string());
+        EXPECT_EQ(OutsideOfRooms(text), "") << file;
+        // All rooms; what upper rooms define; defines alone.
+        if (file == "core/rooms.h" || file == "core/refresh.h" || file == "fit/any_vectors.h") continue;
+        EXPECT_NE(text.find("namespace corvinade::" + room), std::string::npos) << file;
+        ++seen;
+    }
+    EXPECT_GT(seen, 200);
+    EXPECT_EQ(OutsideOfRooms("#pragma once\nint Everywhere();\n"), "int Everywhere();");
+}
 
 TEST(Floors, NoIncludeRunsUp) {
     const std::vector<Include> includes = AllIncludes();

@@ -97,3 +97,18 @@ TEST_F(LooseScalesTest, ExactSetsWhoseThirdAxisDoesNotLeanAreKnown) {
     Fit("12", kNorms[0]);
     EXPECT_FALSE(Noted(NoteCode::HardlyKnown));
 }
+
+// A least sum goes through four points exactly, so that of five to seven points half and more have no
+// deviation.
+TEST_F(LooseScalesTest, OfAPlateOfFewPointsAreToldUnderTheLeastSumToo) {
+    for (const int points : {5, 6, 7})
+        for (int seed = 0; seed < 20; ++seed)
+            for (const NormOfSet& norm : kNorms) {
+                if (norm.Type != kL1) continue;
+                SCOPED_TRACE(std::string(norm.Name) + ", seed " + std::to_string(seed) + ", points " +
+                             std::to_string(points));
+                AddPlate(seed, points, 0, 0.1);
+                Fit("12", norm);
+                EXPECT_TRUE(Noted(NoteCode::HardlyKnown) || Noted(NoteCode::OpenParameters));
+            }
+}

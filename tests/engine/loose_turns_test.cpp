@@ -259,3 +259,22 @@ TEST_F(LooseTurns, AreNamedWithWhatIsKnownOfThem) {
     EXPECT_FALSE(Told()) << Codes();
     EXPECT_FALSE(AnyRotationMarked());
 }
+
+// Of three points a scale would take what noise there is along their line.
+TEST_F(LooseTurns, OfThreePointsNearALineTheTurnIsToldWhereItIsOff) {
+    int off = 0;
+    for (int set = 0; set < 400; ++set) {
+        SCOPED_TRACE(set);
+        Begin();
+        for (int skip = 0; skip < 13 * set; ++skip) NextNumber();
+        for (int i = 0; i < 3; ++i) {
+            const Point p = {1000.0 * i + 100 * NextNumber(), 0.3 * NextNumber(), 0.3 * NextNumber()};
+            AddPair(Noisy(p, 0.1), Noisy(p, 0.1));
+        }
+        Fit("6");
+        const bool wrong = std::fabs(std::remainder(Job.RotX, 2 * kPi)) > 1;
+        off += wrong ? 1 : 0;
+        EXPECT_TRUE(Told() || !wrong) << Job.RotX << Codes();
+    }
+    EXPECT_GT(off, 20);
+}

@@ -360,3 +360,17 @@ TEST_F(RobotFiles, TheUsualSixDigitsOfAQuaternionAreNotMeddledWith) {
     EXPECT_NEAR(Job.RobotABC(1, 1), 45 * kDegree, 2e-6);
     EXPECT_TRUE(Notes.List.empty());
 }
+
+TEST_F(RobotFiles, ADigitOfAQuaternionThatItsDecimalsDoNotExplainIsWarnedOf) {
+    // cos 22.5 and sin 22.5 degrees; in the second row 0.382683 is mistyped as 0.392683.
+    for (const auto& [q, doubtful] :
+         {std::pair{"0.923880,0.0,0.0,0.382683", false}, std::pair{"0.923880,0.0,0.0,0.392683", true},
+          std::pair{"0.924,0.0,0.0,0.383", false}, std::pair{"0.9,0.0,0.0,0.4", false}}) {
+        SCOPED_TRACE(q);
+        ForgetNotes();
+        Abb(Target("p", "1,2,3", q) + "ENDMODULE\n");
+        const bool told = std::any_of(Notes.List.begin(), Notes.List.end(),
+                                      [](const Note& note) { return note.Code == NoteCode::PosesDoubtful; });
+        EXPECT_EQ(told, doubtful);
+    }
+}
