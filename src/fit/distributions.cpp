@@ -148,7 +148,8 @@ double FoundByNumerator(double shift, double critical, double freedom) {
 // digits here, since the density ends in both directions faster than any power.
 double FoundByDenominator(double shift, double critical, double freedom) {
     constexpr double kNothing = -45;
-    const double step = std::min(0.02, 0.1 / std::sqrt(freedom));
+    // Shares of the density's width and of that of the normal step within it.
+    const double step = std::min(0.2 / std::sqrt(freedom), 0.2 / (1 + critical));
     double found = 0, all = 0;
     for (const int sign : {1, -1})
         for (int k = sign > 0 ? 0 : 1;; ++k) {
@@ -166,13 +167,31 @@ template <class Found>
 double ShiftFoundWith(double power, double most, Found found) {
     if (!IsProbability(power)) return kNone;
     if (found(0.0) >= power) return 0;
-    while (found(most) < power && most < 1e12) most *= 2;
-    double low = 0, high = most;
-    for (int k = 0; k < 60; ++k) {
-        const double middle = (low + high) / 2;
-        (found(middle) < power ? low : high) = middle;
+    double low = 0, high = most, below = found(low) - power, above = found(high) - power;
+    while (above < 0 && high < 1e12) {
+        low = high;
+        below = above;
+        above = found(high *= 2) - power;
     }
-    return (low + high) / 2;
+    // Regula falsi, the value at an end that stays is halved (Illinois).
+    for (int k = 0, side = 0; k < 200 && high - low > 1e-13 * high; ++k) {
+        const double middle = (low * above - high * below) / (above - below);
+        if (!(middle > low && middle < high)) break;
+        const double here = found(middle) - power;
+        if (std::fabs(here) < 1e-15) return middle;
+        if (here < 0) {
+            low = middle;
+            below = here;
+            if (side == -1) above /= 2;
+            side = -1;
+        } else {
+            high = middle;
+            above = here;
+            if (side == 1) below /= 2;
+            side = 1;
+        }
+    }
+    return std::fabs(above) < std::fabs(below) ? high : low;
 }
 
 }  // namespace

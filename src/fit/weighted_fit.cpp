@@ -1,0 +1,234 @@
+// Least squares under a-priori standard deviations of both systems.
+//
+// The gradient of the objective is 2 sum A(x + e)' W r, where e = -start M' W r is the correction of the
+// start point that the weight stands for, and A(x + e) the design matrix at the corrected point. Steps of
+// Gauss and Newton with these rows therefore end where the gradient is zero, weights that move with M
+// included.
+#include "fit/weighted_fit.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "fit/axis_forms.h"
+#include "fit/corrections.h"
+#include "fit/normal_equations.h"
+#include "fit/norms.h"
+#include "fit/require.h"
+
+namespace corvinade::fit {
+
+namespace {
+
+std::size_t At(int i) {
+    return static_cast<std::size_t>(i);
+}
+
+// Sums over the pairs at one linearisation.
+struct Sums {
+    std::array<Form4, kAxisPairs> Squares{};          // w_ab [1 p] [1 p]', p the corrected start point
+    std::array<std::array<double, 4>, 4> Gradient{};  // by axis: (W r)_a [1 p]
+    double Objective = 0;
+};
+
+Vec3 StartOf(const GatheredPoints& points, int i) {
+    return {points.Start[0][At(i)], points.Start[1][At(i)], points.Start[2][At(i)]};
+}
+
+// T + M x - X, whichever coordinates are in use.
+Vec3 ResidualOf(const GatheredPoints& points, const Linearisation& at, const Vec3& p, int i) {
+    Vec3 r;
+    for (int a = 1; a <= 3; ++a)
+        r(a) = (at.Shift(a) - points.Target[At(a - 1)][At(i)]) +
+               (at.M(a, 1) * p(1) + at.M(a, 2) * p(2) + at.M(a, 3) * p(3));
+    return r;
+}
+
+Vec3 Times(const Mat3& A, const Vec3& x) {
+    Vec3 y;
+    for (int i = 1; i <= 3; ++i) y(i) = A(i, 1) * x(1) + A(i, 2) * x(2) + A(i, 3) * x(3);
+    return y;
+}
+
+double Dot(const Vec3& a, const Vec3& b) {
+    return a(1) * b(1) + a(2) * b(2) + a(3) * b(3);
+}
+
+// Residuals of coordinates out of use may be anything, no numbers too.
+Vec3 InUseOf(const Vec3& r, const double* inUse) {
+    return {inUse[0] != 0 ? r(1) : 0, inUse[1] != 0 ? r(2) : 0, inUse[2] != 0 ? r(3) : 0};
+}
+
+Sums SumOver(const GatheredPoints& points, const Column& inUse, const PairSigmas& sigmas,
+             const Linearisation& at) {
+    Sums sums;
+    PairWeights weights(sigmas, at.M);
+    for (int i = 0; i < points.Count; ++i) {
+        const double* const use = &inUse[At(3 * i + 1)];
+        const PairWeight& weight = weights.Of(i, use);
+        const Vec3 p = StartOf(points, i);
+        const Vec3 r = InUseOf(ResidualOf(points, at, p, i), use);
+        const Vec3 Wr = Times(weight.W, r), e = Times(weight.SM, Wr);
+        const std::array<double, 4> corrected = {1, p(1) - e(1), p(2) - e(2), p(3) - e(3)};
+        const Form4 square = SquareOf(corrected[1], corrected[2], corrected[3]);
+        sums.Objective += Dot(r, Wr);
+        for (int a = 1; a <= 3; ++a) {
+            for (std::size_t k = 0; k < 4; ++k) sums.Gradient[At(a)][k] += Wr(a) * corrected[k];
+            for (int b = a; b <= 3; ++b) {
+                const double w = weight.W(a, b);
+                Form4& sum = sums.Squares[At(AxisPair(a, b))];
+                for (std::size_t k = 0; k < square.size(); ++k) sum[k] += w * square[k];
+            }
+        }
+    }
+    return sums;
+}
+
+double ObjectiveAt(const NormRun& fit, const PairSigmas& sigmas, const Parameters& values) {
+    return WeightedObjective(fit.Points, fit.InUse, sigmas, values);
+}
+
+// The step of the centred unknowns. False where the points leave some open.
+bool Step(const FitModel& model, const Linearisation& at, const Sums& sums, Column& centred) {
+    const AxisForms forms = FormsOf(model, at);
+    Matrix Q;
+    if (!InvertPositive(NormalMatrixOf(forms, sums.Squares), model.Unknowns, Q)) return false;
+    Column gradient(At(model.Unknowns) + 1);
+    for (int k = 1; k <= model.Unknowns; ++k)
+        for (int a = 1; a <= 3; ++a)
+            for (std::size_t j = 0; j < 4; ++j)
+                gradient[At(k)] += forms.Of[At(a)][At(k)][j] * sums.Gradient[At(a)][j];
+    centred.assign(gradient.size(), 0);
+    for (int j = 1; j <= model.Unknowns; ++j)
+        for (int k = 1; k <= model.Unknowns; ++k) centred[At(j)] -= Q(j, k) * gradient[At(k)];
+    return true;
+}
+
+// Takes the step, or as much of it as makes the objective less. Far from the minimum a whole one may lead too
+// far. False when the objective cannot be made less but by rounding.
+bool Take(NormRun& fit, const PairSigmas& sigmas, const Linearisation& at, double objective, Column centred) {
+    constexpr int kMostHalvings = 30;
+    constexpr double kRounding = 1e-12;
+    const Parameters before = fit.Run.Now;
+    for (int k = 0; k < kMostHalvings; ++k) {
+        Column x = centred;
+        FromCentre(fit.Model, at, x);
+        AddCorrections(fit.Model, x, fit.Run.Now);
+        if (ObjectiveAt(fit, sigmas, fit.Run.Now) <= objective * (1 + kRounding)) return true;
+        fit.Run.Now = before;
+        for (double& each : centred) each /= 2;
+    }
+    return false;
+}
+
+// The iteration. False when it was abandoned.
+bool IterateWeighted(NormRun& fit, const PairSigmas& sigmas) {
+    IterationState& state = fit.Run.State;
+    const bool finite = state.Finite;
+    state = IterationState{};
+    state.Model = fit.Model;
+    state.Finite = finite;
+    for (;;) {
+        if (!fit.Run.Tell(FitStep::PassBegins)) return false;
+        const Linearisation at = Linearise(fit.Model, fit.Run.Now, fit.Points, fit.Run.Chain);
+        const Sums sums = SumOver(fit.Points, fit.InUse, sigmas, at);
+        ++state.Iterations;
+        Column centred;
+        if (!Step(fit.Model, at, sums, centred)) return true;
+        state.Finite = AllFinite(centred, fit.Model.Unknowns);
+        if (!state.Finite) return true;
+        if (!fit.Run.Tell(FitStep::PassEnds, &centred)) return false;
+        const double largest = FindLargest(centred, fit.Model.Unknowns).Size;
+        const bool taken = Take(fit, sigmas, at, sums.Objective, centred);
+        // What the sum's own rounding keeps from getting less is at rest.
+        constexpr double kNearlyThere = 1e-6;
+        state.AtRest = !taken && largest < kNearlyThere;
+        state.Converged = largest < fit.Run.Limits.Threshold || state.AtRest;
+        if (state.Converged || !taken || state.Iterations > fit.Run.Limits.MaxIteration || fit.Stops())
+            return true;
+    }
+}
+
+// Weights 1 / C_ii of the coordinates in use, scaled to a mean of 1. Gives what they were scaled by.
+double TakeScaledWeights(const NormRun& fit, const PairSigmas& sigmas, const Mat3& M, Column& P) {
+    PairWeights weights(sigmas, M);
+    P.assign(fit.InUse.size(), 0);
+    double sum = 0;
+    int n = 0;
+    for (int i = 0; i < fit.Points.Count; ++i)
+        for (int axis = 1; axis <= 3; ++axis) {
+            const std::size_t index = At(3 * i + axis);
+            if (fit.InUse[index] == 0) continue;
+            P[index] = 1 / weights.Of(i, &fit.InUse[At(3 * i + 1)]).C(axis, axis);
+            sum += P[index];
+            ++n;
+        }
+    const double mean = n > 0 ? sum / n : 1;
+    const auto alike = [&P, mean](std::size_t i) { return std::fabs(P[i] - mean) <= 1e-14 * mean; };
+    for (std::size_t i = 1; i < P.size(); ++i)
+        if (P[i] != 0) P[i] = alike(i) ? 1 : P[i] / mean;
+    return mean;
+}
+
+void TakeResult(NormRun& fit, const PairSigmas& sigmas) {
+    const Linearisation at = Linearise(fit.Model, fit.Run.Now, fit.Points, fit.Run.Chain);
+    PairWeights weights(sigmas, at.M);
+    std::array<Form4, kAxisPairs> sums{};
+    fit.Result.v.assign(fit.InUse.size(), 0);
+    for (int i = 0; i < fit.Points.Count; ++i) {
+        const Vec3 p = StartOf(fit.Points, i), r = ResidualOf(fit.Points, at, p, i);
+        const Mat3& W = weights.Of(i, &fit.InUse[At(3 * i + 1)]).W;
+        const Form4 square = SquareOf(p(1), p(2), p(3));
+        for (int a = 1; a <= 3; ++a) {
+            fit.Result.v[At(3 * i + a)] = r(a);
+            for (int b = a; b <= 3; ++b)
+                for (std::size_t k = 0; k < square.size(); ++k)
+                    sums[At(AxisPair(a, b))][k] += W(a, b) * square[k];
+        }
+    }
+    const double mean = TakeScaledWeights(fit, sigmas, at.M, fit.P);
+    Matrix Q;
+    // Where the points leave parameters open the Q of the plain fit says so as it always does.
+    if (!InvertPositive(NormalMatrixOf(FormsOf(fit.Model, at), sums), fit.Model.Unknowns, Q)) return;
+    FromCentre(fit.Model, at, Q);
+    for (double& element : Q.Elements) element *= mean;
+    fit.Result.Q = std::move(Q);
+}
+
+}  // namespace
+
+double WeightedObjective(const GatheredPoints& points, const Column& inUse, const PairSigmas& sigmas,
+                         const Parameters& values) {
+    ChainRecord chain;
+    const Linearisation at = Linearise(FitModel{}, values, points, chain);
+    PairWeights weights(sigmas, at.M);
+    double sum = 0;
+    for (int i = 0; i < points.Count; ++i) {
+        const double* const use = &inUse[At(3 * i + 1)];
+        const PairWeight& weight = weights.Of(i, use);
+        if (!weight.Positive) return std::numeric_limits<double>::quiet_NaN();
+        const Vec3 r = InUseOf(ResidualOf(points, at, StartOf(points, i), i), use);
+        sum += Dot(r, Times(weight.W, r));
+    }
+    return sum;
+}
+
+int FitWeighted(NormRun& fit, const PairSigmas& sigmas) {
+    Require(fit.Model.Mode == FitMode::Coincide);
+    Linearisation at = Linearise(fit.Model, fit.Run.Now, fit.Points, fit.Run.Chain);
+    if (const int pair = PairWithoutWeight(sigmas, at.M, fit.Points.Count, fit.InUse); pair != 0) return pair;
+    if (sigmas.Start.FreeOfErrors()) {
+        Column P;
+        TakeScaledWeights(fit, sigmas, at.M, P);
+        if (P == fit.InUse) return 0;  // the plain fit
+        fit.P = std::move(P);
+        IterateFit(fit);
+    } else if (IterateWeighted(fit, sigmas)) {
+        TakeResult(fit, sigmas);
+    }
+    fit.Run.Norm.Converged = fit.Run.State.Converged;
+    return 0;
+}
+
+}  // namespace corvinade::fit
