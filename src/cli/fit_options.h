@@ -49,6 +49,14 @@ struct FitOptions {
     FitOutput Output = FitOutput::Table;
     std::string Report;  // path of the page to write; empty = none
 
+    // Standard deviations of the coordinates in each file's own system, in the length unit.
+    std::optional<std::array<double, 3>> StartSigma, TargetSigma;
+    bool Statistics = false;                        // table and JSON tell how far the result can be trusted
+    bool Snoop = false;                             // outliers are taken out one by one
+    std::optional<double> Alpha;                    // of all tests; none: those of TestLevels
+    double Power = 0.8, Confidence = 0.95;          // of the MDB and of the ellipsoids
+    std::vector<std::array<double, 3>> AccuracyAt;  // points of the start system, in the length unit
+
     std::vector<std::string> Given;  // the options that the user has given: "--norm"
     bool IsGiven(std::string_view option) const {
         return std::find(Given.begin(), Given.end(), option) != Given.end();

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/job_file_bytes.h"
+#include "core/measurement_sigmas.h"
 
 namespace corvinade::core {
 
@@ -269,6 +270,9 @@ JobBlockFault TakeJobBlock(std::string_view block, JobRecord& job) {
         } else if (member->Name == kOpen) {
             if (!TakeNumbers(member->Value, leftOpen)) return wrong(" is no list of parameters 1 to 17");
         } else {
+            const bool sigmas = member->Name == kStartSigmas || member->Name == kTargetSigmas;
+            if (sigmas && !SideFromText(member->Value))
+                return wrong(" is no list of three sigmas of 0 or more");
             others.emplace_back(member->Name, member->Value);
         }
     }

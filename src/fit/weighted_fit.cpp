@@ -171,6 +171,17 @@ double TakeScaledWeights(const NormRun& fit, const PairSigmas& sigmas, const Mat
     return mean;
 }
 
+// The run's model without the parameters that the plain fit has held.
+FitModel WithoutHeld(const NormRun& fit) {
+    FitModel model = fit.Model;
+    model.Unknowns = 0;
+    for (int k = kTraX; k < kParameterEnd; ++k) {
+        int& unknown = model.UnknownOf[At(k)];
+        unknown = unknown != 0 && !fit.HeldByFit[At(k)] ? ++model.Unknowns : 0;
+    }
+    return model;
+}
+
 void TakeResult(NormRun& fit, const PairSigmas& sigmas) {
     const Linearisation at = Linearise(fit.Model, fit.Run.Now, fit.Points, fit.Run.Chain);
     PairWeights weights(sigmas, at.M);
@@ -216,18 +227,26 @@ double WeightedObjective(const GatheredPoints& points, const Column& inUse, cons
 
 int FitWeighted(NormRun& fit, const PairSigmas& sigmas) {
     Require(fit.Model.Mode == FitMode::Coincide);
-    Linearisation at = Linearise(fit.Model, fit.Run.Now, fit.Points, fit.Run.Chain);
+    const Linearisation at = Linearise(fit.Model, fit.Run.Now, fit.Points, fit.Run.Chain);
     if (const int pair = PairWithoutWeight(sigmas, at.M, fit.Points.Count, fit.InUse); pair != 0) return pair;
-    if (sigmas.Start.FreeOfErrors()) {
-        Column P;
-        TakeScaledWeights(fit, sigmas, at.M, P);
-        if (P == fit.InUse) return 0;  // the plain fit
+    Column P;
+    TakeScaledWeights(fit, sigmas, at.M, P);
+    const bool targetAlone = sigmas.Start.FreeOfErrors();
+    if (targetAlone && P == fit.InUse) return 0;  // the plain fit
+    // What the plain fit had to hold stays where that has left it, and has the Q that tells so.
+    const FitModel model = fit.Model;
+    const Matrix Q = fit.Result.Q;
+    fit.Model = WithoutHeld(fit);
+    if (targetAlone) {
         fit.P = std::move(P);
         IterateFit(fit);
     } else if (IterateWeighted(fit, sigmas)) {
         TakeResult(fit, sigmas);
     }
+    if (fit.Model.Unknowns < model.Unknowns) fit.Result.Q = Q;
+    fit.Model = fit.Run.State.Model = model;
     fit.Run.Norm.Converged = fit.Run.State.Converged;
+    fit.Certificate = {};  // it speaks of the plain fit
     return 0;
 }
 

@@ -1,0 +1,46 @@
+// How far the result of a fit can be trusted, for the outputs of `corvinade-cli fit`.
+#pragma once
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/fit_options.h"
+#include "core/job.h"
+#include "core/rooms.h"
+#include "engine/result_statistics.h"
+
+namespace corvinade::cli {
+
+// A coordinate that its test has taken out of the fit.
+struct TakenOut {
+    std::string Name;
+    int Axis = 0;  // 1 to 3
+    double Standardized = 0, CriticalValue = 0;
+};
+
+struct FitStatistics {
+    std::optional<AdjustmentStatistics> Of;  // nothing: there are none of this fit
+    std::vector<TakenOut> Snooped;
+};
+
+TestLevels LevelsOf(const FitOptions& options);
+
+// Of JSON without --statistics, for an output of a million points takes long enough without them.
+inline constexpr int kMostPairsUnasked = 10000;
+
+// Do the outputs have statistics?
+bool WantsStatistics(const FitOptions& options);
+
+// The value of the member `statistics`, two blanks deep; written point by point.
+void WriteStatisticsJson(const FitOptions& options, const FitStatistics& statistics, std::ostream& out);
+
+// The blocks of the table.
+void WriteStatisticsTable(const FitOptions& options, const FitStatistics& statistics, std::ostream& out,
+                          bool colour);
+
+// "The global test is passed: ..." in plain words; "" without a-priori standard deviations or redundancy.
+std::string GlobalTestInWords(const AdjustmentStatistics& statistics);
+
+}  // namespace corvinade::cli
