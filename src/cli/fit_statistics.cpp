@@ -104,14 +104,10 @@ void WriteReliability(const AdjustmentStatistics& s, const Style& style, std::os
         const FitPoint point = FitPointOf(pair);
         for (int axis = 1; axis <= 3; ++axis) {
             const std::size_t index = At(3 * (pair - 1) + axis);
-            const bool used = Used(pair, axis);
-            const std::string verdict = s.IsOutlier(index, used) ? (used ? "outlier" : "would not fit")
-                                        : !used                  ? "out of use"
-                                        : std::isfinite(s.Standardized[index]) ? "ok"
-                                                                               : "no control";
             rows.push_back({ForTable(point.Name, kLongestName), std::string(1, "wxyz"[axis]),
                             Length(point.Deviation[axis - 1]), Plain(s.Redundancies[index], "0.000"),
-                            Plain(s.Standardized[index], "0.00"), Length(s.Mdb[index]), verdict});
+                            Plain(s.Standardized[index], "0.00"), Length(s.Mdb[index]),
+                            VerdictOf(s, pair, axis)});
         }
     }
     WriteRows({"Reliability", "axis", "deviation", "redundancy", "standardized", "MDB", "verdict"}, rows,
@@ -160,6 +156,14 @@ void WriteSnooped(const FitStatistics& statistics, const Style& style, std::ostr
 }
 
 }  // namespace
+
+std::string VerdictOf(const AdjustmentStatistics& s, int pair, int axis) {
+    const std::size_t index = At(3 * (pair - 1) + axis);
+    const bool used = Used(pair, axis);
+    if (s.IsOutlier(index, used)) return used ? "outlier" : "would not fit";
+    if (!used) return "out of use";
+    return std::isfinite(s.Standardized[index]) ? "ok" : "no control";
+}
 
 TestLevels LevelsOf(const FitOptions& options) {
     TestLevels levels{.Power = options.Power, .Confidence = options.Confidence};

@@ -40,7 +40,12 @@ void WriteStatisticsJson(const FitOptions& options, const FitStatistics& statist
 void WriteStatisticsTable(const FitOptions& options, const FitStatistics& statistics, std::ostream& out,
                           bool colour);
 
-// "The global test is passed: ..." in plain words; "" without a-priori standard deviations or redundancy.
+// "ok", "outlier", "would not fit" (of one out of use), "out of use", "no control": of a coordinate, pair and
+// axis from 1 on.
+std::string VerdictOf(const AdjustmentStatistics& statistics, int pair, int axis);
+
+// "passed (...): the deviations are ..." in plain words; "" without a-priori standard deviations or
+// redundancy.
 std::string GlobalTestInWords(const AdjustmentStatistics& statistics);
 
 }  // namespace corvinade::cli
