@@ -3,7 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
+#include <sstream>
 
 #include "cli/fit_output.h"
 #include "cli/fit_parameters.h"
@@ -14,7 +14,6 @@
 #include "core/controller.h"
 #include "core/job.h"
 #include "core/notes.h"
-#include "core/numbers.h"
 #include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
@@ -49,6 +48,7 @@ td { text-align: right; border-bottom: 1px solid var(--line); padding: 3px 8px; 
 th:first-child, td:first-child { text-align: left; overflow-wrap: anywhere; }
 tr.worst td { color: var(--red); font-weight: 650; }
 td.unused { color: var(--quiet); font-style: italic; }
+pre { font-size: 9.5px; line-height: 1.35; overflow-x: auto; }
 thead { display: table-header-group; }
 tr, svg, .card, .scene { break-inside: avoid; }
 svg { display: block; width: 100%; height: auto; margin: 6px 0 10px; font-size: 11px; }
@@ -219,82 +219,15 @@ std::string PointTable(const std::vector<FitPoint>& all, const FitPoint* worst) 
            EscapeMarkup(Job.LengthUnitName) + ".</p>\n";
 }
 
-// The coordinates by how badly they do in their tests, those without one last; no more than the page has rows
-// for.
-std::vector<std::size_t> WorstCoordinates(const AdjustmentStatistics& s) {
-    std::vector<std::size_t> order(s.Standardized.size() - 1);
-    std::iota(order.begin(), order.end(), std::size_t{1});
-    const auto size = [&s](std::size_t i) {
-        return std::isfinite(s.Standardized[i]) ? std::fabs(s.Standardized[i]) : -1;
-    };
-    const std::size_t rows = std::min(order.size(), kMostRows);
-    std::partial_sort(
-        order.begin(), order.begin() + static_cast<std::ptrdiff_t>(rows), order.end(),
-        [&size](std::size_t a, std::size_t b) { return size(a) > size(b) || (size(a) == size(b) && a < b); });
-    order.resize(rows);
-    return order;
-}
-
-std::string ReliabilityTable(const AdjustmentStatistics& s) {
-    const auto shown = [](double value, const char* picture) {
-        return std::isfinite(value) ? FormatNumber(value, picture) : std::string("-");
-    };
-    std::string html = "<table>" +
-                       Head({"point", "axis", "deviation", "redundancy", "standardized", "MDB", "verdict"}) +
-                       "<tbody>\n";
-    for (const std::size_t i : WorstCoordinates(s)) {
-        const int pair = static_cast<int>((i - 1) / 3) + 1, axis = static_cast<int>((i - 1) % 3);
-        const FitPoint point = FitPointOf(pair);
-        const std::string verdict = VerdictOf(s, pair, axis + 1);
-        html += s.IsOutlier(i, point.Used[axis]) ? "<tr class=\"worst\">" : "<tr>";
-        html += Cell(std::string(point.Name)) + Cell(std::string(1, "xyz"[axis])) +
-                Cell(ShownLength(point.Deviation[axis])) + Cell(shown(s.Redundancies[i], "0.000")) +
-                Cell(shown(s.Standardized[i], "0.00")) +
-                Cell(std::isfinite(s.Mdb[i]) ? ShownLength(s.Mdb[i]) : "-") + Cell(verdict) + "</tr>\n";
-    }
-    return html + "</tbody></table>\n";
-}
-
-std::string AccuracyTable(const AdjustmentStatistics& s) {
-    std::string html =
-        "<h2>Accuracy of the transformed points</h2>\n<p class=\"quiet\">By the transformation alone; "
-        "semi-axes of the ellipsoid of " +
-        PlainText(100 * s.Levels.Confidence) + " %.</p>\n<table>" +
-        Head({"point", "sigma x", "sigma y", "sigma z", "axis 1", "axis 2", "axis 3"}) + "<tbody>\n";
-    const int rows = std::min(Job.Start.Count(), static_cast<int>(kMostRows));
-    for (int i = 1; i <= rows; ++i) {
-        const Mat3 covariance = CovarianceOfTransformed(s, StartPoint(i));
-        const Ellipsoid ellipsoid = EllipsoidOf(covariance, s.EllipsoidFactor);
-        html += "<tr>" + Cell(Job.Start.Name[static_cast<std::size_t>(i)]);
-        for (int axis = 1; axis <= 3; ++axis)
-            html += Cell(ShownLength(std::sqrt(std::max(0.0, covariance(axis, axis)))));
-        for (int axis = 1; axis <= 3; ++axis) html += Cell(ShownLength(ellipsoid.SemiAxes(axis)));
-        html += "</tr>\n";
-    }
-    html += "</tbody></table>\n";
-    if (rows < Job.Start.Count())
-        html += "<p class=\"quiet\">The first " + std::to_string(rows) + " of " +
-                std::to_string(Job.Start.Count()) + " points.</p>\n";
-    return html;
-}
-
-// How far the result can be trusted; nothing where nothing can be said.
-std::string StatisticsSection(const FitStatistics& statistics) {
+// How far the result can be trusted, as the table of the command line has it; nothing where nothing can be
+// said.
+std::string StatisticsSection(const FitOptions& options, const FitStatistics& statistics) {
     if (!statistics.Of) return "";
-    const AdjustmentStatistics& s = *statistics.Of;
-    std::string html = "<h2>How far it can be trusted</h2>\n";
-    const auto line = [&html](const std::string& text) { html += "<p>" + EscapeMarkup(text) + "</p>\n"; };
-    for (const TakenOut& out : statistics.Snooped)
-        line("Taken out by its test: " + out.Name + " " + "wxyz"[out.Axis] + ", standardized deviation " +
-             FormatNumber(out.Standardized, "0.00") + ", limit " + FormatNumber(out.CriticalValue, "0.00"));
-    if (const std::string note = NoteOfStatistics(s); !note.empty())
-        html += "<p class=\"alarm\">" + EscapeMarkup(note) + "</p>\n";
-    if (s.Singular) return html;
-    line("Redundancy " + std::to_string(s.Redundancy) + ": " + std::to_string(s.Observations) +
-         " coordinates less " + std::to_string(s.Unknowns) + " unknowns.");
-    if (const std::string test = GlobalTestInWords(s); !test.empty()) line("Global test " + test + ".");
-    html += ReliabilityTable(s);
-    return std::isfinite(s.VarianceFactor) ? html + AccuracyTable(s) : html;
+    FitOptions all = options;
+    all.Statistics = true;
+    std::ostringstream text;
+    WriteStatisticsTable(all, statistics, text, false, kMostRows);
+    return "<h2>How far it can be trusted</h2>\n<pre>" + EscapeMarkup(text.str()) + "</pre>\n";
 }
 
 // What the program noticed; nothing where it noticed nothing.
@@ -321,7 +254,7 @@ std::string FitReport(const FitOptions& options, const FitStatistics& statistics
            "</style>\n</head>\n<body>\n" + Introduction(options, worst) + ParameterTable() +
            FitPictureSection(options) + Plots(points) +
            (HasMonteCarlo(options) ? MonteCarloPlots(options) : "") + PointTable(points, worst) +
-           StatisticsSection(statistics) + NotesTable() + "</body>\n</html>\n";
+           StatisticsSection(options, statistics) + NotesTable() + "</body>\n</html>\n";
 }
 
 }  // namespace corvinade::cli
