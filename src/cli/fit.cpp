@@ -10,6 +10,7 @@
 #include "cli/fit_output.h"
 #include "cli/fit_report.h"
 #include "cli/fit_selection.h"
+#include "cli/fit_statistics.h"
 #include "cli/headless.h"
 #include "cli/job_files.h"
 #include "cli/messages.h"
@@ -18,6 +19,7 @@
 #include "core/form_progress_bar.h"
 #include "core/job.h"
 #include "core/job_notes.h"
+#include "core/measurement_sigmas.h"
 #include "core/notes.h"
 #include "core/numbers.h"
 #include "core/parameter_names.h"
@@ -26,6 +28,7 @@
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
+#include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/calculation_window.h"
@@ -37,6 +40,7 @@
 #include "engine/noise.h"
 #include "engine/norm_table.h"
 #include "engine/pose_file.h"
+#include "engine/result_statistics.h"
 #include "engine/solution_details.h"
 #include "fit/vector.h"
 #include "import/import_request.h"
@@ -165,7 +169,7 @@ bool RanAway() {
 int Calculate(const FitOptions& options, std::ostream& err) {
     if (Job.Pairs() < 2) return Refuse(err, kRefused, TooFewPairs(options));
     // The points of a job that was switched stand in the other order already.
-    if (options.FromTarget && options.Job.empty()) {
+    if (options.FromTarget && options.Job.empty() && IsTrue(Job.DirectionMCStoOCS)) {
         Job.DirectionMCStoOCS = kFalse;
         MCS_OCS();
     }
@@ -195,6 +199,41 @@ int Calculate(const FitOptions& options, std::ostream& err) {
     if (Calculation.Converged) return kDone;
     // The way to an exact optimum ends without a message.
     return told ? kNotConverged : Refuse(err, kNotConverged, "the calculation did not converge");
+}
+
+// The sigmas of the files, whichever of them is fitted to the other. What a job has of a side stays where no
+// option tells of it.
+void TakeSigmas(const FitOptions& options) {
+    if (!options.StartSigma && !options.TargetSigma) return;
+    const bool switched = !IsTrue(Job.DirectionMCStoOCS);
+    MeasurementSigmas sigmas = SigmasOf(Job);
+    const auto take = [](const std::optional<std::array<double, 3>>& given,
+                         std::optional<SideAccuracy>& side) {
+        if (!given) return;
+        side = *given;
+        for (double& sigma : *side) sigma /= Units.LengthFactor;
+    };
+    take(options.StartSigma, switched ? sigmas.Target : sigmas.Start);
+    take(options.TargetSigma, switched ? sigmas.Start : sigmas.Target);
+    PutSigmas(sigmas, Job);
+}
+
+// Takes the worst coordinate out and calculates again, until none fails its test. Gives the exit status of
+// the last calculation.
+int Snoop(const FitOptions& options, FitStatistics& statistics, std::ostream& err) {
+    for (;;) {
+        statistics.Of = StatisticsOfResult(LevelsOf(options));
+        if (!statistics.Of) return kDone;
+        const Coordinate worst = WorstOutlier(*statistics.Of);
+        if (worst.Pair == 0) return kDone;
+        const std::size_t index =
+            3 * static_cast<std::size_t>(worst.Pair - 1) + static_cast<std::size_t>(worst.Axis);
+        statistics.Snooped.push_back({Job.Start.Name[static_cast<std::size_t>(worst.Pair)], worst.Axis,
+                                      statistics.Of->Standardized[index], statistics.Of->CriticalValue});
+        Job.UseFlags[index] = 0;
+        const int status = Calculate(options, err);
+        if (status != kDone) return status;
+    }
 }
 
 // The points of the two files, paired.
@@ -288,9 +327,14 @@ int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour
     if (!options.Poses.empty() && !Dispatch([&options] { LoadPoses(options.Poses); }))
         return Refuse(err, kUnreadable, Run.LastPlatformError);
     if (!options.Save.empty()) NoteOrientationsLost(options.Save);
-    const int status = Calculate(options, err);
+    TakeSigmas(options);
+    int status = Calculate(options, err);
+    FitStatistics statistics;
+    if (status == kDone && options.Snoop) status = Snoop(options, statistics, err);
     if (showProgress) LiveStream(err) << "\r\x1b[K" << std::flush;
     if (status == kRefused) return status;
+    if (WantsStatistics(options) || !options.Report.empty())
+        statistics.Of = StatisticsOfResult(LevelsOf(options));
     std::optional<SolutionDetails> details;
     if (options.Details) {
         details = DetailsOfSolution();  // with the inverse
@@ -311,17 +355,17 @@ int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour
             if (options.Protocol) {
                 out << CompleteProtocol();
             } else {
-                WriteFitTable(shown, details ? &*details : nullptr, out, colour);
+                WriteFitTable(shown, details ? &*details : nullptr, statistics, out, colour);
             }
             break;
         case FitOutput::Json:
-            WriteFitJson(shown, details ? &*details : nullptr, out);
+            WriteFitJson(shown, details ? &*details : nullptr, statistics, out);
             break;
         case FitOutput::Csv:
             WriteFitCsv(shown, out);
             break;
     }
-    if (!shown.Report.empty() && !Dispatch([&shown] { WriteFile(shown.Report, FitReport(shown)); }))
+    if (!shown.Report.empty() && !Dispatch([&] { WriteFile(shown.Report, FitReport(shown, statistics)); }))
         return Refuse(err, kRefused, Run.LastPlatformError);
     if (const int refused = WriteExports(exports, out, err); refused != kDone) return refused;
     if (!out.flush()) return Refuse(err, kRefused, "the result could not be written to standard output");

@@ -195,7 +195,8 @@ ordered_json Optimum() {
 
 }  // namespace
 
-void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std::ostream& out) {
+void WriteFitJson(const FitOptions& options, const SolutionDetails* details, const FitStatistics& statistics,
+                  std::ostream& out) {
     const auto& c = Calculation;
     const FitNorms norms = NormsOfDeviations();
     ordered_json root;
@@ -245,6 +246,8 @@ void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std
     };
     out << "{";
     for (const auto& member : root.items()) write(member.key().c_str(), member.value());
+    BeginMember("statistics", first, out);
+    WriteStatisticsJson(options, statistics, out);
     if (!options.NoPoints) {
         WriteList(
             "points", 1, static_cast<std::size_t>(Job.Pairs()) + 1,

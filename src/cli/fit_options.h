@@ -55,6 +55,14 @@ struct FitOptions {
     std::optional<double> Limit_mm;    // the largest deviation in use that passes
     bool NoPoints = false;             // JSON without points
 
+    // Standard deviations of the coordinates in each file's own system, in the length unit.
+    std::optional<std::array<double, 3>> StartSigma, TargetSigma;
+    bool Statistics = false;                        // table and JSON tell how far the result can be trusted
+    bool Snoop = false;                             // outliers are taken out one by one
+    std::optional<double> Alpha;                    // of all tests; none: those of TestLevels
+    double Power = 0.8, Confidence = 0.95;          // of the MDB and of the ellipsoids
+    std::vector<std::array<double, 3>> AccuracyAt;  // points of the start system, in the length unit
+
     std::vector<std::string> Given;  // the options that the user has given: "--norm"
     bool IsGiven(std::string_view option) const {
         return std::find(Given.begin(), Given.end(), option) != Given.end();

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/fit_options.h"
+#include "cli/fit_statistics.h"
 #include "core/arrays.h"
 #include "core/rooms.h"
 #include "engine/solution_details.h"
@@ -46,8 +47,10 @@ std::string NoiseInWords(const FitOptions& options);
 Mat3 FitMatrix();
 
 // `details`: all forms of the rotation as well; null = not asked for.
-void WriteFitTable(const FitOptions& options, const SolutionDetails* details, std::ostream& out, bool colour);
-void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std::ostream& out);
+void WriteFitTable(const FitOptions& options, const SolutionDetails* details, const FitStatistics& statistics,
+                   std::ostream& out, bool colour);
+void WriteFitJson(const FitOptions& options, const SolutionDetails* details, const FitStatistics& statistics,
+                  std::ostream& out);
 void WriteFitCsv(const FitOptions& options, std::ostream& out);
 
 }  // namespace corvinade::cli

@@ -266,8 +266,8 @@ void WriteDeviations(const Style& style, std::ostream& out) {
 
 }  // namespace
 
-void WriteFitTable(const FitOptions& options, const SolutionDetails* details, std::ostream& out,
-                   bool colour) {
+void WriteFitTable(const FitOptions& options, const SolutionDetails* details, const FitStatistics& statistics,
+                   std::ostream& out, bool colour) {
     const Style style{colour};
     WriteHead(options, style, out);
     WriteParameters(style, out);
@@ -276,6 +276,7 @@ void WriteFitTable(const FitOptions& options, const SolutionDetails* details, st
     if (options.Inverse) WriteInverse(style, out);
     WriteQuality(style, out);
     WriteDeviations(style, out);
+    WriteStatisticsTable(options, statistics, out, colour);
 }
 
 void WriteFitCsv(const FitOptions&, std::ostream& out) {

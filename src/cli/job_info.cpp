@@ -15,6 +15,7 @@
 #include "core/controller.h"
 #include "core/job.h"
 #include "core/job_notes.h"
+#include "core/measurement_sigmas.h"
 #include "core/numbers.h"
 #include "core/records.h"
 #include "core/text.h"
@@ -130,6 +131,30 @@ void WriteParameters(const Style& style, std::ostream& out) {
             << "\n";
 }
 
+// The sigmas of the two files, whichever of them is fitted to the other.
+MeasurementSigmas SigmasOfFiles() {
+    const MeasurementSigmas sigmas = SigmasOf(Job);
+    if (IsTrue(Job.DirectionMCStoOCS)) return sigmas;
+    return {sigmas.Target, sigmas.Start};
+}
+
+std::string SigmasInWords(const std::optional<SideAccuracy>& side) {
+    if (!side) return "free of errors";
+    std::string text;
+    for (const double sigma : *side)
+        text += (text.empty() ? "" : ", ") + PlainText(sigma * Units.LengthFactor);
+    return text;
+}
+
+ordered_json SigmasAsJson() {
+    const MeasurementSigmas sigmas = SigmasOfFiles();
+    if (!sigmas.Any()) return nullptr;
+    const auto side = [](const std::optional<SideAccuracy>& of) {
+        return of ? ordered_json(*of) : ordered_json(nullptr);
+    };
+    return {{"start_mm", side(sigmas.Start)}, {"target_mm", side(sigmas.Target)}};
+}
+
 // What the result is marked with, in words of the table.
 std::vector<std::string> MarksOfResult() {
     std::vector<std::string> marks;
@@ -172,6 +197,7 @@ ordered_json Summary(const JobFileFacts& file) {
               {"coordinatesInUse", used}}},
             {"direction", IsTrue(Job.DirectionMCStoOCS) ? "mcs-ocs" : "ocs-mcs"},
             {"norm", NormOfJob().Label},
+            {"sigmas", SigmasAsJson()},
             {"seedPoints", SeedNames()},
             {"targetKind", TargetKind()},
             {"parametersChosen", !Job.ParamText[kTraX].empty()},
@@ -199,6 +225,9 @@ void WriteJobTable(const JobFileFacts& file, std::ostream& out, bool colour) {
         << Printable(Job.AngleUnitName) << Digits(Job.AngleDigits) << "\n";
     out << HeadLabel("fit") << NormOfJob().Label << ", "
         << (IsTrue(Job.DirectionMCStoOCS) ? "MCS => OCS" : "OCS => MCS") << "\n";
+    if (const MeasurementSigmas sigmas = SigmasOfFiles(); sigmas.Any())
+        out << HeadLabel("sigmas") << "start " << SigmasInWords(sigmas.Start) << "; target "
+            << SigmasInWords(sigmas.Target) << "  " << style.Quiet(Job.LengthUnitName) << "\n";
     for (const std::string& mark : MarksOfResult()) out << HeadLabel("result") << style.Alarm(mark) << "\n";
     if (!SeedNames().empty()) out << HeadLabel("seed points") << Joined(SeedNames()) << "\n";
     if (!file.Views.empty())

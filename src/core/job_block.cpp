@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "core/job_file_bytes.h"
+#include "core/measurement_sigmas.h"
 
 namespace corvinade::core {
 
@@ -309,6 +310,9 @@ JobBlockFault TakeJobBlock(std::string_view block, JobRecord& job) {
         } else if (member->Name == kTool) {
             if (!TakeVector(member->Value, tool)) return wrong(" is no list of three numbers");
         } else {
+            const bool sigmas = member->Name == kStartSigmas || member->Name == kTargetSigmas;
+            if (sigmas && !SideFromText(member->Value))
+                return wrong(" is no list of three sigmas of 0 or more");
             others.emplace_back(member->Name, member->Value);
         }
     }

@@ -23,6 +23,7 @@
 #include "engine/norm_table.h"
 #include "engine/norms.h"
 #include "engine/result_notes.h"
+#include "engine/result_statistics.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
 #include "fit/vector.h"
@@ -106,6 +107,7 @@ std::string PairsWithoutOrientation() {
 // Choices that no fit can begin with; "" for all others.
 std::string WhyNot() {
     if (const std::string pairs = PairsWithoutOrientation(); !pairs.empty()) return pairs;
+    if (const std::string sigmas = WhyNotWithSigmas(); !sigmas.empty()) return sigmas;
     if (const std::string scale = ScaleHeldAtZero(); !scale.empty())
         return scale + " is held at 0, which leaves nothing of the points. Please hold it at another value.";
     if (const std::string name = PairThatStartsOnItsTarget(); !name.empty())

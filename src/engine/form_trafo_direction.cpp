@@ -4,6 +4,7 @@
 #include "core/changes.h"
 #include "core/controller.h"
 #include "core/job.h"
+#include "core/measurement_sigmas.h"
 #include "core/run.h"
 #include "engine/calculation_window.h"
 
@@ -45,6 +46,7 @@ void FormTrafoBerechnung::BtnSwitchMcsOcs_Click() {
 void MCS_OCS() {
     ++Run.JobGeneration;
     std::swap(Job.Start, Job.Target);
+    SwapSigmas(Job);
     // As long as the counts say.
     Job.Start.Resize(Job.Start.Count());
     Job.Target.Resize(Job.Target.Count());

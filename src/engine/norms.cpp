@@ -16,6 +16,8 @@
 #include "engine/job_fit.h"
 #include "engine/monte_carlo.h"
 #include "engine/norm_table.h"
+#include "engine/result_statistics.h"
+#include "fit/weighted_fit.h"
 
 namespace corvinade::engine {
 
@@ -75,7 +77,16 @@ bool FitL2(NormFit& fit) {
     if (MonteCarloIsInTheFit() && (!ChooseBeginOfRuns(fit) || !RunMonteCarlo(fit))) return false;
     RunOfJob job(fit, LeastSquares());
     FitLeastSquares(job.Run);
+    int without = 0;
+    if (const JobSigmas sigmas(SigmasOf(Job));
+        sigmas.Any() && !job.Run.Abandoned() && job.Run.Run.State.Finite)
+        without = FitWeighted(job.Run, sigmas.View());
     if (!job.Take()) return false;
+    if (without > 0) {
+        Calculation.Refused = true;
+        ShowMessage(PairHasNoWeight(without));
+        return false;
+    }
     NoteRemarks(job.Run);
     TellOfLimit();
     return true;

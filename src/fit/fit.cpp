@@ -6,6 +6,7 @@
 
 #include "fit/norms.h"
 #include "fit/require.h"
+#include "fit/weighted_fit.h"
 
 namespace corvinade::fit {
 
@@ -64,6 +65,11 @@ FitResult Fit(const FitProblem& problem, const FitListener& listener) {
     run.P = run.InUse;
     GatherPoints(problem.Pairs, run.P, problem.Mode == FitMode::Tool, run.Points);
     problem.Norm == FitNorm::LeastSquares ? FitLeastSquares(run) : FitByLoop(run);
+    int without = 0;
+    if (problem.Sigmas && !run.Abandoned() && run.Run.State.Finite) {
+        Require(problem.Norm == FitNorm::LeastSquares);
+        without = FitWeighted(run, *problem.Sigmas);
+    }
     return {.Values = run.Run.Now,
             .Model = run.Model,
             .Q = std::move(run.Result.Q),
@@ -74,7 +80,8 @@ FitResult Fit(const FitProblem& problem, const FitListener& listener) {
             .Certificate = run.Certificate,
             .Remarks = std::move(run.Remarks),
             .HeldByFit = run.HeldByFit,
-            .LeftByPoses = std::move(run.LeftByPoses)};
+            .LeftByPoses = std::move(run.LeftByPoses),
+            .PairWithoutWeight = without};
 }
 
 }  // namespace corvinade::fit

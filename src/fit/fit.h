@@ -2,10 +2,12 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <span>
 #include <vector>
 
 #include "fit/norm_run.h"
+#include "fit/pair_weights.h"
 
 namespace corvinade::fit {
 
@@ -22,6 +24,7 @@ struct FitProblem {
         false;              // of L1 and Loo: on to the true optimum, and not only to where the weightings end
     bool SeeksBest = true;  // looks for the best solution of all, wherever the seed pairs lead
     FitLimits Limits{.MaxIteration = 100};
+    std::optional<PairSigmas> Sigmas;  // a-priori, of least squares and the plain model (weighted_fit.h)
 };
 
 struct FitResult {
@@ -37,7 +40,8 @@ struct FitResult {
     // Parameters that were to float and that the fit has held all the same (proper_beside.h); Q has them
     // float.
     std::array<bool, kParameterEnd> HeldByFit{};
-    PosesLeave LeftByPoses;  // of the tool vector; Q is that with this part of it held
+    PosesLeave LeftByPoses;     // of the tool vector; Q is that with this part of it held
+    int PairWithoutWeight = 0;  // numbered from 1: its sigmas give it none, and all the above is without them
     bool Converged() const { return Norm.Converged && State.Finite && !State.Abandoned; }
 };
 

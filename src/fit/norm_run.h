@@ -45,8 +45,8 @@ struct EndOfFit {
 struct PosesLeave {
     std::vector<Vec3> Directions;
     bool PutAtZero = true;  // that part; not in the loops of other norms, which leave it to the errors
-    double Turned = 0;                     // by how much the poses turn them at most, root mean square, rad
-    double Noise = 0;                      // of their angles, against which that is judged, rad
+    double Turned = 0;      // by how much the poses turn them at most, root mean square, rad
+    double Noise = 0;       // of their angles, against which that is judged, rad
     std::array<bool, kParameterEnd> Of{};  // parameters that are arbitrary by that
 };
 

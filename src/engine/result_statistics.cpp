@@ -1,0 +1,125 @@
+// How far the job's result can be trusted.
+#include "engine/result_statistics.h"
+
+#include <cmath>
+
+#include "core/job.h"
+#include "core/parameter_names.h"
+#include "core/text.h"
+#include "engine/adjustment.h"
+#include "engine/calculation.h"
+#include "engine/design.h"
+#include "engine/gathered_points.h"
+#include "engine/monte_carlo.h"
+#include "engine/norm_table.h"
+#include "engine/result_notes.h"
+#include "engine/selection.h"
+
+namespace corvinade::engine {
+
+namespace {
+
+std::size_t At(int i) {
+    return static_cast<std::size_t>(i);
+}
+
+}  // namespace
+
+JobSigmas::JobSigmas(const MeasurementSigmas& sigmas)
+    : start_(sigmas.Start.value_or(SideAccuracy{})),
+      target_(sigmas.Target.value_or(SideAccuracy{})),
+      any_(sigmas.Any()) {}
+
+PairSigmas JobSigmas::View() const {
+    PairSigmas view;
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        view.Start.Of[axis] = {&start_[axis], 1};
+        view.Target.Of[axis] = {&target_[axis], 1};
+    }
+    return view;
+}
+
+std::string WhyNotWithSigmas() {
+    if (!SigmasOf(Job).Any()) return "";
+    const char* other = nullptr;
+    if (!IsLeastSquares(NormOfJob())) {
+        other = "another norm than least squares";
+    } else if (IsTrue(Job.IsParaboloid)) {
+        other = "a shape";
+    } else if (ChooseMode(Job.ParamText) != FitMode::Coincide) {
+        other = "the distance R_Dist and the tool vector";
+    } else if (MonteCarloIsInTheFit()) {
+        other = "the runs of Monte Carlo, which are plain fits";
+    }
+    if (other == nullptr) return "";
+    return std::string(
+               "The job has standard deviations of its points, which the fit by least squares of points "
+               "that are to coincide takes as weights. They do not go with ") +
+           other + ".";
+}
+
+std::string PairHasNoWeight(int pair) {
+    return "The standard deviations give point \"" + Printable(Job.Start.Name[At(pair)]) +
+           "\" no weight: each of its coordinates in use needs one above 0 on one side at least, and those of "
+           "the start alone have to be above 0 along all axes. Please give larger ones, or take the coordinate "
+           "out.";
+}
+
+std::optional<AdjustmentStatistics> StatisticsOfResult(const TestLevels& levels) {
+    if (!CalculationIsOfThisJob() || Calculation.Refused || !Calculation.Converged || !Calculation.Finite)
+        return std::nullopt;
+    if (IsTrue(Job.IsParaboloid) || !IsLeastSquares(NormOfJob()) ||
+        Adjustment.Model.Mode != FitMode::Coincide)
+        return std::nullopt;
+    const Column inUse = WeightsFromUseFlags(3 * Job.Pairs());
+    GatheredPoints points;
+    GatherPoints(inUse, false, points);
+    SetWeights(inUse, points);
+    const JobSigmas sigmas(SigmasOf(Job));
+    const PairSigmas view = sigmas.View();
+    AdjustmentStatistics statistics = StatisticsOf({.Points = points,
+                                                    .Model = Adjustment.Model,
+                                                    .Result = ParametersOf(Job),
+                                                    .InUse = inUse,
+                                                    .Residuals = Calculation.v,
+                                                    .Sigmas = sigmas.Any() ? &view : nullptr,
+                                                    .Levels = levels});
+    for (int k = kTraX; k < kParameterEnd; ++k) {
+        if (Adjustment.Model.UnknownOf[At(k)] == 0 || !IsLeftOpen(k)) continue;
+        statistics.Undetermined[At(k)] = statistics.Singular = true;
+    }
+    return statistics;
+}
+
+std::string NoteOfStatistics(const AdjustmentStatistics& s) {
+    if (s.Singular) {
+        const std::string names = NamesOf(s.Undetermined);
+        return names.empty() ? "the coordinates in use do not tell the parameters apart"
+                             : "the coordinates in use do not tell these parameters apart: " + names;
+    }
+    if (s.Redundancy == 0)
+        return s.APriori ? "the redundancy is 0: there is nothing to test the standard deviations by"
+                         : "the redundancy is 0: nothing tells how accurate the coordinates are";
+    if (s.OfRounding) return "the residuals are no more than rounding, which no test can be made of";
+    if (s.Redundancy == 1 && !s.APriori)
+        return "the redundancy is 1: a single residual cannot be tested by itself";
+    return "";
+}
+
+Coordinate WorstOutlier(const AdjustmentStatistics& s) {
+    constexpr int kLeastRedundancy = 3;
+    Coordinate worst;
+    if (s.Singular || s.Redundancy - 1 < kLeastRedundancy) return worst;
+    double largest = s.CriticalValue;
+    for (int pair = 1; pair <= Job.Pairs(); ++pair)
+        for (int axis = 1; axis <= 3; ++axis) {
+            if (!Used(pair, axis)) continue;
+            const double size = std::fabs(s.Standardized[At(3 * (pair - 1) + axis)]);
+            if (!(size > largest)) continue;
+            largest = size;
+            worst = {pair, axis};
+        }
+    return worst;
+}
+
+}  // namespace corvinade::engine
