@@ -281,7 +281,8 @@ bool ColourWanted() {
     return !noColour || noColour->empty();
 }
 
-int Fit(FitSwitches& s, std::ostream& out, std::ostream& err, bool terminal, bool progress) {
+int Fit(FitSwitches& s, std::istream& in, std::ostream& out, std::ostream& err, bool terminal,
+        bool progress) {
     const std::string wrong = TakeFitSwitches(s);
     if (!wrong.empty()) {
         err << wrong << "\n";
@@ -293,6 +294,7 @@ int Fit(FitSwitches& s, std::ostream& out, std::ostream& err, bool terminal, boo
                   {{"--save", o.Save}, {"--report", o.Report}}, err) ||
         !AreApart({{"--job", o.Job}}, {{"--report", o.Report}}, err))
         return kWrongUsage;
+    s.Options.In = &in;
     return RunFit(s.Options, out, err, terminal && ColourWanted(), progress);
 }
 
@@ -372,7 +374,7 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     if (fit->parsed()) {
         for (const CLI::Option* option : fit->get_options())
             if (option->count() > 0) fitSwitches.Options.Given.push_back(option->get_name());
-        return Fit(fitSwitches, out, err, terminal, progress);
+        return Fit(fitSwitches, in, out, err, terminal, progress);
     }
     if (render->parsed()) return Render(renderSwitches, out, err);
     if (distances->parsed()) return Distances(distancesSwitches, out, err, terminal, progress);

@@ -6,6 +6,7 @@
 #include <ostream>
 
 #include "cli/fit_details.h"
+#include "cli/fit_files.h"
 #include "cli/fit_output.h"
 #include "cli/fit_parameters.h"
 #include "cli/fit_selection.h"
@@ -210,6 +211,8 @@ void WriteFitJson(const FitOptions& options, const SolutionDetails* details, std
                      {"angleUnit", Job.AngleUnitName},
                      {"direction", options.FromTarget ? "ocs-mcs" : "mcs-ocs"}};
     root["input"]["targetKind"] = options.TargetKind;
+    root["files"] = ordered_json::array();
+    for (const ReadFileFacts& facts : options.FileFacts) root["files"].push_back(FactsJson(facts));
     root["counts"] = {{"start", Job.Start.Count()},
                       {"target", Job.Target.Count()},
                       {"pairs", Job.Pairs()},

@@ -63,6 +63,11 @@ constexpr NoteKind kKinds[] = {
     {NoteCode::HardlyKnown, "hardly-known", Severity::Warning, false},
     {NoteCode::NoEffect, "no-effect", Severity::Note, false},
     {NoteCode::HeldText, "held-text", Severity::Warning, false},
+    {NoteCode::LinesSkipped, "lines-skipped", Severity::Note, true},
+    {NoteCode::HeadingUnknown, "heading-unknown", Severity::Warning, true},
+    {NoteCode::NameIsNumber, "name-is-number", Severity::Warning, true},
+    {NoteCode::CommentedPoints, "commented-points", Severity::Note, true},
+    {NoteCode::DecimalTaken, "decimal-taken", Severity::Note, true},
 };
 static_assert(std::size(kKinds) == static_cast<std::size_t>(NoteCode::Count_));
 

@@ -68,6 +68,12 @@ enum class NoteCode : std::uint8_t {
     HardlyKnown,      // a rotation that the points determine, but not to the tenth part of a radian
     NoEffect,         // a parameter that changes nothing at the values of the others
     HeldText,         // the value that a parameter is held at is no number
+    // Of an import by the table reader.
+    LinesSkipped,     // rows of a table that cannot be read are passed over, as the user has said
+    HeadingUnknown,   // the heading of a table names no column that is known
+    NameIsNumber,     // a number with a fraction is taken as the name of a point
+    CommentedPoints,  // points that stand in comments of a table are passed over
+    DecimalTaken,     // commas of numbers are taken as decimal delimiters, and could part thousands
     Count_
 };
 
