@@ -153,6 +153,90 @@ TEST_F(TableReader, ReadsTheKindsOfTextThatPeopleHave) {
     for (const Kind& kind : kKinds) EXPECT_EQ(Points(kind.Text), kind.Points) << kind.What;
 }
 
+TEST_F(TableReader, NotesWhatItDecides) {
+    const auto notes = [](const std::string& text, const TableOptions& options = {}) {
+        const TableResult table = ReadTable(text, "f", options);
+        std::string codes = table.Refusal.Text;
+        for (const Note& note : table.Notes)
+            codes += std::string(NoteKindOf(note.Code).Name) + " " + std::to_string(note.Line) + " " +
+                     std::to_string(note.Count) + ";";
+        return codes;
+    };
+    EXPECT_EQ(notes("Name;X;Y;Z;dev\nA;1;2;3;4\nB;4;5;6;7\n"), "");
+    EXPECT_EQ(notes("A;1,125;2;3\nB;4;5,250;6\n"), "decimal-taken 1 1;");
+    EXPECT_EQ(notes("A;1,125;2;3\nB;4;5,25;6\n"), "");
+    EXPECT_EQ(notes("A;0,125;2;3\nB;4;5,250;6\n"), "") << "no number of thousands begins with 0";
+    EXPECT_EQ(notes("A;1;2;3\n\n;;;\nB;4;5;6\n\n\n"), "empty-row 2 1;");
+    EXPECT_EQ(notes("# a remark\nA;1;2;3\n#B;4;5;6\n# C;4;5;6\n"), "commented-points 3 2;");
+    EXPECT_EQ(notes("Nom du lieu;Gauche;Droite;Haut\nA;1;2;3\n"), "heading-unknown 1 1;");
+    EXPECT_EQ(notes("A;1;2;3;0.1\nB;4;5;6;0.2\n"), "columns-ignored 1 2;");
+    EXPECT_EQ(notes("A;1;2;3;determined\nB;4;5;6;open\n"), "network-open 2 1;");
+    EXPECT_EQ(notes("1.5 2 3 100\n2.5 5 6 200\n"), "name-is-number 1 1;");
+    EXPECT_EQ(notes("A;1;2;1e-400\n"), "digits-cut 1 1;");
+    TableOptions options;
+    options.SkipBad = true;
+    EXPECT_EQ(notes("A;1;2;3\nB;x;5;6\nC;4;5\n", options), "lines-skipped 2 2;");
+    options.DoubleNames = true;
+    EXPECT_EQ(notes("name;x;y;z\nA;1;2;3\nB;1;2;3\nA;4;5;6\n", options), "duplicate-name 2 1;");
+}
+
+TEST_F(TableReader, KeepsSigmasAndWhatElseStandsInARow) {
+    TableOptions options;
+    options.KeepRest = true;
+    const TableResult table =
+        ReadTable("name,x [m],y [m],z [m],s,colour,remark\nA,1,2,3,0.001,red,\"a, b\"\nB,4,5,6,0.002,blue,\n",
+                  "f", options);
+    ASSERT_EQ(table.Points.Count(), 2) << table.Refusal.Text;
+    EXPECT_EQ(table.SX, (std::vector<double>{0, 1, 2}));
+    EXPECT_EQ(table.SY, table.SX);
+    EXPECT_EQ(table.SZ, table.SX);
+    EXPECT_EQ(table.Rest, (std::vector<std::string>{"", "red\ta, b", "blue"}));
+    EXPECT_EQ(*table.Points.X[2], 4000);
+    const TableResult axes = ReadTable("x,y,z,sigma_x,sy\n1,2,3,.5,.25\n", "f", {});
+    EXPECT_EQ(axes.SX[1], 0.5);
+    EXPECT_EQ(axes.SY[1], 0.25);
+    EXPECT_EQ(axes.SZ[1], 0);
+}
+
+TEST_F(TableReader, TakesWhatTheUserSays) {
+    TableOptions options;
+    EXPECT_EQ(TakeTableColumns("-, name,z,y,x", options.Columns), "");
+    EXPECT_EQ(Points("0;A;3;-2;1.5\n0;B;6.25;5;4\n", options), kTwo);
+    options = {};
+    options.Skip = 2;
+    EXPECT_EQ(Points("1;2;3\n4;5;6\nA;1.5;-2;3\nB;4;5;6.25\n", options), kTwo);
+    options = {};
+    options.Comment = "~";
+    EXPECT_EQ(Points("~ no\nA;1.5;-2;3\n#B;4;5;6.25\n", options), "A 1.5 -2 3, #B 4 5 6.25");
+    options = {};
+    options.Delimiter = ',';
+    EXPECT_EQ(Points("P1,1,5,2,5,3,5\n", options), "P1 1 5 2");
+    options = {};
+    options.Decimal = ',';
+    EXPECT_EQ(Points("P1,1,5,2,5,3,5\n", options), "P1 1.5 2.5 3.5");
+    EXPECT_EQ(Points("P1, 1,5, 2,5, 3,5\n", options), "P1 1.5 2.5 3.5");
+    options = {};
+    options.Unit = "cm";
+    EXPECT_EQ(Points("n;x [m];y [furlong];z\nA;1;2;3\n", options), "A 10 20 30")
+        << "what the user says goes before";
+    options = {};
+    options.FirstIsX = true;
+    EXPECT_EQ(Points("1.5123 -2 3 100 7\n4 5 6.25 200 8\n", options), "1 1.5123 -2 3, 2 4 5 6.25");
+    EXPECT_EQ(Points("A 1.5 -2 3\nB 4 5 6.25\n", options), kTwo);
+    options = {};
+    options.Encoding = TableEncoding::Utf16Le;
+    EXPECT_EQ(Points(Wide("A;1.5;-2;3\r\nB;4;5;6.25").substr(2), options), kTwo);
+    options.Encoding = TableEncoding::Windows1252;
+    EXPECT_EQ(Points("\xC3\xA4;1;2;3\n", options), "\xC3\x83\xC2\xA4 1 2 3");
+    options.Encoding = TableEncoding::Utf8;
+    EXPECT_EQ(Points("\xE4;1;2;3\n", options),
+              "refused: it is no UTF-8 (--encoding windows-1252, or utf-16le, utf-16be)");
+    EXPECT_EQ(
+        Points(Wide("A;1;2;3").substr(2)),
+        "refused: it is no text, it holds characters of code 0; a 16-bit text without a mark is named with "
+        "--encoding utf-16le");
+}
+
 TEST_F(TableReader, RefusesWhatItCannotReadForCertain) {
     for (const Kind& kind : kRefused) {
         EXPECT_EQ(Points(kind.Text), "refused: " + kind.Points) << kind.What;
