@@ -145,14 +145,62 @@ void JoinCells(TableRow& row) {
 
 }  // namespace
 
+// Cuts a line whose quotes, where it has any, stand around whole cells: in one go with finding its end.
+// False, and nothing done, for another line.
+bool TableWalk::CutPlain(TableRow& row) {
+    const char* const begin = text_.data() + at_;
+    const char* const end = text_.data() + text_.size();
+    const auto ends = [this](char c) { return ends_[static_cast<unsigned char>(c)]; };
+    const char* at = begin;
+    for (;;) {
+        const char* const first = at;
+        if (at != end && *at == '"') {
+            ++at;
+            while (at != end && *at != '"' && *at != '\n' && *at != '\r') ++at;
+            if (at == end || *at != '"') return false;
+            ++at;
+            if (at != end && !ends(*at)) return false;
+            row.Cells.push_back(
+                {std::string_view(first + 1, static_cast<std::size_t>(at - first - 2)), true, false});
+        } else {
+            while (at != end && !ends(*at)) ++at;
+            std::string_view cell(first, static_cast<std::size_t>(at - first));
+            if (!cell.empty() && (cell.front() <= '\'' || cell.back() <= '\'')) {
+                cell = TrimmedBeside(cell, form_.Delimiter);
+                if (cell.starts_with('"')) return false;
+                row.Cells.push_back(PlainCell(cell));
+            } else {
+                row.Cells.push_back({cell});
+            }
+        }
+        if (at == end || *at == '\n' || *at == '\r') break;
+        ++at;
+    }
+    row.Line = std::string_view(begin, static_cast<std::size_t>(at - begin));
+    if (at != end && *at == '\r') ++at;
+    if (at != end && *at == '\n' && (at == begin + row.Line.size() || at[-1] == '\r')) ++at;
+    at_ = static_cast<std::size_t>(at - text_.data());
+    return true;
+}
+
 bool TableWalk::Next(TableRow& row) {
     const std::size_t begin = at_;
-    std::string_view line;
-    if (!NextTableLine(text_, at_, line)) return false;
+    if (begin >= text_.size()) return false;
     row.Cells.clear();
     row.OpenQuote = false;
     row.Number = line_;
     row.Lines = 1;
+    if (form_.Gaps == TableGaps::Delimiter && !form_.EdgeEmpty && !form_.CommasJoin) {
+        if (CutPlain(row)) {
+            while (!row.Cells.empty() && row.Cells.back().Text.empty() && !row.Cells.back().Quoted)
+                row.Cells.pop_back();
+            ++line_;
+            return true;
+        }
+        row.Cells.clear();
+    }
+    std::string_view line;
+    if (!NextTableLine(text_, at_, line)) return false;
     std::size_t end = begin + line.size();
     if (form_.Gaps != TableGaps::Delimiter) {
         CutBlanks(line, form_.Gaps == TableGaps::Aligned, row);
@@ -182,13 +230,13 @@ std::string Unquoted(const TableCell& cell) {
     return text;
 }
 
-bool TableNumber(std::string_view cell, char decimal, double& value) {
+bool PlainTableNumber(std::string_view cell, char decimal, double& value) {
     const char* at = cell.data();
     const char* const end = at + cell.size();
     const bool negative = at != end && *at == '-';
     if (negative) ++at;
-    // Up to 15 digits are a whole number that a 64-bit float holds exactly, and so is the power of ten, so
-    // that one division rounds correctly.
+    // The digits are a whole number that a 64-bit float holds exactly, and so is the power of ten, so that
+    // one division rounds correctly.
     std::uint64_t number = 0;
     const char* const first = at;
     const char* mark = nullptr;
@@ -199,15 +247,19 @@ bool TableNumber(std::string_view cell, char decimal, double& value) {
         } else if (*at == decimal && mark == nullptr) {
             mark = at;
         } else {
-            return TextToNumber(cell, decimal, value);
+            return false;
         }
     }
     const std::ptrdiff_t digits = end - first - (mark != nullptr ? 1 : 0);
-    if (digits < 1 || digits > 15) return TextToNumber(cell, decimal, value);
+    if (digits < 1 || digits > 15) return false;
     const auto places = static_cast<std::size_t>(mark == nullptr ? 0 : end - mark - 1);
     const double size = static_cast<double>(number) / kPowersOfTen[places];
     value = negative ? -size : size;
     return true;
+}
+
+bool TableNumber(std::string_view cell, char decimal, double& value) {
+    return PlainTableNumber(cell, decimal, value) || TextToNumber(cell, decimal, value);
 }
 
 bool IsFraction(std::string_view cell, char decimal) {

@@ -1,6 +1,7 @@
 // The cells of a table's rows, and those that are numbers.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -31,17 +32,23 @@ struct TableRow {
 class TableWalk {
 public:
     TableWalk(std::string_view text, const TableForm& form, std::size_t at = 0, std::int64_t line = 1)
-        : text_(text), form_(form), at_(at), line_(line) {}
+        : text_(text), form_(form), at_(at), line_(line) {
+        ends_[static_cast<unsigned char>('\n')] = ends_[static_cast<unsigned char>('\r')] = true;
+        ends_[static_cast<unsigned char>(form.Delimiter)] = true;
+    }
     // The next line as a row; false at the end of the text.
     bool Next(TableRow& row);
     std::size_t Place() const { return at_; }        // behind the row
     std::int64_t NextLine() const { return line_; }  // the line there
 
 private:
+    bool CutPlain(TableRow& row);
+
     std::string_view text_;
     const TableForm& form_;
     std::size_t at_;
     std::int64_t line_;
+    std::array<bool, 256> ends_{};  // of a cell: the delimiter, or the end of its line
 };
 
 // What a quoted cell says.
@@ -50,6 +57,8 @@ std::string Unquoted(const TableCell& cell);
 // A cell that is one number with this decimal delimiter: sign, digits, exponent. Beyond a 64-bit float there
 // is none. The value is the nearest 64-bit float, that of a number too small for one is 0.
 bool TableNumber(std::string_view cell, char decimal, double& value);
+// The same where it has 1 to 15 digits and neither exponent nor plus sign, which most have. False for others.
+bool PlainTableNumber(std::string_view cell, char decimal, double& value);
 
 // A number with digits behind a delimiter of decimals, of either kind.
 bool IsFraction(std::string_view cell, char decimal);

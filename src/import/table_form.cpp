@@ -18,6 +18,8 @@ constexpr std::string_view kUsualComments = "#%!";
 // What comes first goes before, where both can be read.
 constexpr std::string_view kDelimiters = ";\t|,:*#";
 
+constexpr std::size_t kHead = std::size_t{1} << 20U;
+
 struct Candidate {
     TableGaps Gaps;
     char Delimiter, Decimal;
@@ -37,8 +39,10 @@ char NamedDelimiter(std::string_view text, std::size_t& at, std::int64_t& line) 
     return first[4];
 }
 
-std::vector<Candidate> CandidatesOf(std::string_view text, const TableOptions& options, char named) {
+std::vector<Candidate> CandidatesOf(std::string_view whole, const TableOptions& options, char named) {
     std::vector<Candidate> all;
+    // What stands between all fields stands between the first ones.
+    const std::string_view text = whole.substr(0, kHead);
     const char wanted = options.Delimiter != '\0' ? options.Delimiter : named;
     std::string delimiters = wanted == ' '    ? ""
                              : wanted != '\0' ? std::string(1, wanted)

@@ -12,7 +12,7 @@ namespace corvinade::import {
 namespace {
 
 // So many rows are tried, and so many lines are looked at for a heading.
-constexpr int kRowsTried = 1000;
+constexpr int kRowsTried = 400;
 constexpr int kLinesOfHeading = 200;
 
 bool IsNumber(const TableRow& row, std::size_t cell, char decimal) {

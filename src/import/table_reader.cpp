@@ -33,24 +33,16 @@ struct Counted {
     }
 };
 
-// Is a row one of the plain form? There is nothing beside its cells and their delimiters, its numbers are
-// digits and a point, and its name is nothing that the told reader takes otherwise.
+// Is a row, whose numbers are plain ones, of the plain form? There is nothing beside its cells and their
+// delimiters, and its name is nothing that the told reader takes otherwise.
 bool IsPlainRow(const TableRow& row, const TableForm& form) {
     const std::vector<TableCell>& cells = row.Cells;
     std::size_t sum = cells.size() - 1;
     for (const TableCell& cell : cells) sum += cell.Text.size();
     if (sum != row.Line.size() || cells.size() != form.Cells) return false;
-    std::size_t first = 0;
-    if (form.HasName) {
-        first = 1;
-        if (cells[0].Text.find_first_of(" \t.,\xC3") != std::string_view::npos) return false;
-    }
-    for (std::size_t i = first; i < cells.size(); ++i) {
-        if (cells[i].Text.size() > 16) return false;
-        for (const char c : cells[i].Text)
-            if ((c < '0' || c > '9') && c != '.' && c != '-') return false;
-    }
-    return true;
+    return !form.HasName || std::none_of(cells[0].Text.begin(), cells[0].Text.end(), [](char c) {
+        return c == ' ' || c == '\t' || c == '.' || c == ',' || c == '\xC3';
+    });
 }
 
 class Reader {
@@ -83,7 +75,7 @@ public:
         TableRow row;
         std::int64_t empty = 0;
         while (walk.Next(row)) {
-            if (IsNoRow(row, form_)) {
+            if (MayBeNoRow(row) && IsNoRow(row, form_)) {
                 plain_ = false;
                 const bool comment = !row.Cells.empty() && IsComment(row.Line, form_);
                 if (comment) {
@@ -116,6 +108,15 @@ private:
         result_.Refusal = {where + ": " + text + (skipHelps ? " (--skip-bad passes it over)" : ""), line,
                            column};
         result_.Points = PointSet();
+    }
+
+    // Most rows begin with a letter or a digit, which begins no comment.
+    bool MayBeNoRow(const TableRow& row) const {
+        if (row.Cells.empty() || row.Line.empty()) return true;
+        const char first = row.Line.front();
+        const bool usual = first == '"' || (first >= '0' && first <= '9') || (first >= 'A' && first <= 'Z') ||
+                           (first >= 'a' && first <= 'z');
+        return !usual || ownComments_;
     }
 
     // A row that is commented out.
@@ -160,31 +161,32 @@ private:
         const auto x = static_cast<std::size_t>(places_.Of[static_cast<std::size_t>(TableRole::X)]);
         const auto y = static_cast<std::size_t>(places_.Of[static_cast<std::size_t>(TableRole::Y)]);
         const auto z = static_cast<std::size_t>(places_.Of[static_cast<std::size_t>(TableRole::Z)]);
-        double values[3] = {};
-        const bool simple = row.Cells.size() >= places_.Needed && row.Cells.size() == form_.Cells &&
-                            result_.SX.empty() && TableNumber(row.Cells[x].Text, form_.Decimal, values[0]) &&
-                            TableNumber(row.Cells[y].Text, form_.Decimal, values[1]) &&
-                            TableNumber(row.Cells[z].Text, form_.Decimal, values[2]) &&
-                            (!form_.HasName || !row.Cells[NamePlace()].Text.empty());
-        TableRowFault fault;
-        if (!simple) {
-            if (!IsGoodRow(row, form_, places_, &fault)) return Bad(row, fault);
-            TableNumber(row.Cells[x].Text, form_.Decimal, values[0]);
-            TableNumber(row.Cells[y].Text, form_.Decimal, values[1]);
-            TableNumber(row.Cells[z].Text, form_.Decimal, values[2]);
-        }
         const std::size_t cells[3] = {x, y, z};
+        double values[3] = {};
+        const auto plain = [&](int axis) {
+            return PlainTableNumber(row.Cells[cells[axis]].Text, form_.Decimal, values[axis]);
+        };
+        const bool simple = row.Cells.size() == form_.Cells && row.Cells.size() >= places_.Needed &&
+                            result_.SX.empty() && plain(0) && plain(1) && plain(2) &&
+                            (!form_.HasName || !row.Cells[NamePlace()].Text.empty());
+        if (!simple) {
+            TableRowFault fault;
+            if (!IsGoodRow(row, form_, places_, &fault)) return Bad(row, fault);
+            plain_ = false;
+            for (int axis = 0; axis < 3; ++axis) {
+                if (plain(axis)) continue;
+                const std::string_view cell = row.Cells[cells[axis]].Text;
+                TableNumber(cell, form_.Decimal, values[axis]);
+                std::string lost = LostDigits(cell);
+                if (!lost.empty()) digits_.Add(row.Number, [&] { return lost; });
+            }
+        }
         for (int axis = 0; axis < 3; ++axis) {
             values[axis] = Millimetres(values[axis], unit_);
-            const std::string_view cell = row.Cells[cells[axis]].Text;
-            if (!std::isfinite(values[axis])) {
-                fault = {"\"" + Printable(cell) + "\" is larger than any number that can be kept",
-                         static_cast<std::int64_t>(cells[axis]) + 1};
-                return Bad(row, fault);
-            }
-            if (cell.size() <= 16 && cell.find_first_of("eE") == std::string_view::npos) continue;
-            std::string lost = LostDigits(cell);
-            if (!lost.empty()) digits_.Add(row.Number, [&] { return lost; });
+            if (std::isfinite(values[axis])) continue;
+            return Bad(row, {"\"" + Printable(row.Cells[cells[axis]].Text) +
+                                 "\" is larger than any number that can be kept",
+                             static_cast<std::int64_t>(cells[axis]) + 1});
         }
         const std::size_t p = ++points_;
         if (form_.HasName) {
@@ -359,6 +361,7 @@ private:
     std::size_t points_ = 0;
     std::vector<std::int32_t> lines_;  // of each point
     bool plain_ = false, grows_ = true;
+    bool ownComments_ = options_.Comment.has_value();
     Counted skipped_, emptyRows_, commented_, open_, ignored_, digits_;
 };
 
