@@ -185,7 +185,8 @@ bool ColourWanted() {
     return !noColour || noColour->empty();
 }
 
-int Fit(FitSwitches& s, std::ostream& out, std::ostream& err, bool terminal, bool progress) {
+int Fit(FitSwitches& s, std::istream& in, std::ostream& out, std::ostream& err, bool terminal,
+        bool progress) {
     const std::string wrong = TakeFitSwitches(s);
     if (!wrong.empty()) {
         err << wrong << "\n";
@@ -199,6 +200,7 @@ int Fit(FitSwitches& s, std::ostream& out, std::ostream& err, bool terminal, boo
     written.insert(written.begin(), {"--save", o.Save});
     if (!AreApart({{"START", o.Start}, {"TARGET", o.Target}, {"--poses", o.Poses}}, written, err))
         return kWrongUsage;
+    s.Options.In = &in;
     return RunFit(s.Options, out, err, terminal && ColourWanted(), progress);
 }
 
@@ -300,12 +302,13 @@ void AddCommands(CLI::App& app, Commands& c) {
 }
 
 // Runs the command that was parsed.
-int RunParsed(Commands& c, std::ostream& out, std::ostream& err, bool terminal, bool progress) {
+int RunParsed(Commands& c, std::istream& in, std::ostream& out, std::ostream& err, bool terminal,
+              bool progress) {
     const bool colour = terminal && ColourWanted();
     if (c.FitApp->parsed()) {
         for (const CLI::Option* option : c.FitApp->get_options())
             if (option->count() > 0) c.FitOf.Options.Given.push_back(option->get_name());
-        return Fit(c.FitOf, out, err, terminal, progress);
+        return Fit(c.FitOf, in, out, err, terminal, progress);
     }
     if (c.RenderApp->parsed()) return Render(c.RenderOf, out, err);
     if (c.DistancesApp->parsed()) return Distances(c.DistancesOf, out, err, terminal, progress);
@@ -343,14 +346,14 @@ std::vector<std::string> NamedBy(const CLI::App& command) {
 }
 
 // Runs it, with what it says kept for its end. An error that nothing has caught is one as well.
-int RunForItsEnd(Commands& c, const CLI::App& command, std::ostream& out, std::ostream& err, bool terminal,
-                 bool progress) {
+int RunForItsEnd(Commands& c, const CLI::App& command, std::istream& in, std::ostream& out, std::ostream& err,
+                 bool terminal, bool progress) {
     const bool json = IsGiven(command, "--json"), quiet = c.Quiet;
     std::ostringstream said;
     Telling = {true, quiet, &err};
     int status = kUnreadable;
     try {
-        status = RunParsed(c, out, said, terminal, progress && !quiet);
+        status = RunParsed(c, in, out, said, terminal, progress && !quiet);
     } catch (const PlatformError& error) {
         said << error.What << "\n";
     } catch (const std::bad_alloc&) {
@@ -393,8 +396,8 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     const ToldNotes notes(err);
     const CLI::App& command = *app.get_subcommands().front();
     if (IsGiven(command, "--json") || commands.Quiet)
-        return RunForItsEnd(commands, command, out, err, terminal, progress);
-    return RunParsed(commands, out, err, terminal, progress);
+        return RunForItsEnd(commands, command, in, out, err, terminal, progress);
+    return RunParsed(commands, in, out, err, terminal, progress);
 }
 
 }  // namespace corvinade::cli

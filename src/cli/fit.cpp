@@ -2,16 +2,19 @@
 #include "cli/fit.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <optional>
 #include <ostream>
 
 #include "cli/fit_exports.h"
+#include "cli/fit_files.h"
 #include "cli/fit_output.h"
 #include "cli/fit_report.h"
 #include "cli/fit_selection.h"
 #include "cli/fit_statistics.h"
 #include "cli/headless.h"
+#include "cli/input_bytes.h"
 #include "cli/job_files.h"
 #include "cli/messages.h"
 #include "core/controller.h"
@@ -114,7 +117,8 @@ void AddNames(std::string_view text, std::vector<std::string>& names) {
 // Its questions are answered as the user has said beforehand, and stand among the messages with their answer;
 // `open` gets the first one that nobody has answered, which counts as No, and `unknownPose` what is told of a
 // pose that is selected and not there.
-ImportRequest RequestOf(const FitOptions& options, std::string& open, std::string& unknownPose) {
+ImportRequest RequestOf(const FitOptions& options, std::array<FitFile, 2>& files, std::string& open,
+                        std::string& unknownPose) {
     ImportRequest request;
     request.StartPath = options.Start;
     request.TargetPath = options.Target;
@@ -126,10 +130,18 @@ ImportRequest RequestOf(const FitOptions& options, std::string& open, std::strin
     for (const std::string& names : options.Select) AddNames(names, request.Select);
     request.UnknownPose = [&unknownPose](const std::string& text) { unknownPose = text; };
     request.Delimiter = options.Delimiter;
+    // A file behind one that has been read finds its delimiter as behind any other.
+    if (files[0].Read && options.Delimiter.empty()) request.Delimiter = files[0].Delimiter;
+    if (files[0].Read) request.StartPoints = &files[0].Points;
+    if (files[1].Read) request.TargetPoints = &files[1].Points;
     request.Way = WayOf(options.Match);
     request.Tolerance_mm = options.Tolerance_mm;
     if (options.OnlyFirst > 0) request.OnlyFirst = std::to_string(options.OnlyFirst);
-    if (options.Decimal) request.How.Decimal = *options.Decimal;
+    // Only one of the files is read by the import where they are read differently, and that is the target.
+    const bool both = !files[0].Read && !files[1].Read;
+    const std::optional<char> decimal =
+        both || files[0].Read ? options.Files[1].Decimal : options.Files[0].Decimal;
+    if (decimal) request.How.Decimal = *decimal;
     request.How.YesNo = [&options, &open](const std::string& text, const std::string& title) {
         DialogShown question{"message", title, text, {"Yes", "No"}, "Yes", "", {}, ""};
         if (options.Questions) question.Answer = *options.Questions ? "Yes" : "No";
@@ -236,14 +248,42 @@ int Snoop(const FitOptions& options, FitStatistics& statistics, std::ostream& er
     }
 }
 
+// The units of what the import reads: those of the result, unless a robot program has others.
+void UseUnits(const std::string& length, const std::string& angle) {
+    if (Job.LengthUnitName == length && Job.AngleUnitName == angle) return;
+    Job.LengthUnitName = length;
+    Job.AngleUnitName = angle;
+    RhoFestlegung();
+}
+
+void TellFiles(FitOptions& options, const std::array<FitFile, 2>& files, std::ostream& err) {
+    for (int file = 0; file < 2; ++file) {
+        const FitFile& read = files[static_cast<std::size_t>(file)];
+        options.FileFacts.push_back(read.Read ? read.Facts : ToldFacts(options, file));
+        if (options.Verbose) err << FactsLine(options.FileFacts.back()) << "\n";
+    }
+}
+
 // The points of the two files, paired.
-int TakePoints(const FitOptions& options, std::ostream& err, bool showProgress) {
-    for (const std::string& path : {options.Start, options.Target})
-        if (!Dispatch([&path] { CheckReadable(path); }))
-            return Refuse(err, kUnreadable, Run.LastPlatformError);
+int TakePoints(FitOptions& options, std::ostream& err, bool showProgress) {
+    std::array<FitFile, 2> files;
+    for (int file = 0; file < 2; ++file) {
+        const std::string refusal =
+            ReadFitFile(options, file, options.In, files[static_cast<std::size_t>(file)]);
+        if (!refusal.empty()) {
+            WriteMessages(err);
+            return Refuse(err, kUnreadable, refusal);
+        }
+    }
+    const std::vector<Note> read = Notes.List;  // the import begins a list of its own
     std::string question, unknownPose;
     ImportOutcome outcome = ImportOutcome::NotRead;
-    Dispatch([&] { outcome = Import(RequestOf(options, question, unknownPose)); });
+    const TableFile& target = options.Files[1];
+    const std::string unit = target.Unit.empty() || files[1].Read ? "" : ProgramUnit(target.Unit);
+    UseUnits(unit.empty() ? options.LengthUnit : unit, target.AngleUnit);
+    Dispatch([&] { outcome = Import(RequestOf(options, files, question, unknownPose)); });
+    UseUnits(options.LengthUnit, options.AngleUnit);
+    Notes.List.insert(Notes.List.begin(), read.begin(), read.end());
     if (showProgress && Headless.Yields > 0) LiveStream(err) << "\r\x1b[K" << std::flush;
     if (outcome != ImportOutcome::Done) {
         WriteMessages(err);
@@ -260,6 +300,7 @@ int TakePoints(const FitOptions& options, std::ostream& err, bool showProgress) 
     if (!options.Tool && options.Save.empty())
         std::erase_if(Notes.List, [](const Note& note) { return note.Code == NoteCode::AngleUnit; });
     WriteMessages(err);
+    TellFiles(options, files, err);
     return kDone;
 }
 
@@ -284,7 +325,7 @@ int TakeJob(FitOptions& options, JobFileFacts& facts, std::ostream& err) {
 bool SaveJob(const FitOptions& options, const JobFileFacts& facts) {
     return Dispatch([&] {
         for (std::string* path : {&Job.PathMCS, &Job.PathOCS})
-            if (!path->empty()) *path = AbsolutePath(*path);
+            if (!path->empty() && !IsStream(*path)) *path = AbsolutePath(*path);
         WriteJobFile(options.Save, facts);
     });
 }

@@ -6,6 +6,8 @@
 
 #include "cli/arguments.h"
 #include "cli/fit_exports.h"
+#include "cli/fit_files.h"
+#include "cli/input_bytes.h"
 #include "core/numbers.h"
 #include "core/text.h"
 #include "core/units.h"
@@ -14,6 +16,7 @@
 #include "engine/norm_table.h"
 #include "engine/presets.h"
 #include "import/robot_files.h"
+#include "import/table_heading.h"
 
 namespace corvinade::cli {
 
@@ -56,19 +59,130 @@ void AddPointOptions(CLI::App& fit, FitSwitches& s) {
                    "P7, P9:z, P4:xy")
         ->type_name("POINT")
         ->group(group);
-    AddDecimal(fit, s.Decimal, group);
-    fit.add_option("--delimiter", o.Delimiter,
-                   "What stands between the fields of a file that does not show it,\n"
-                   "as one with blanks alone")
-        ->transform(NameOf(DelimiterNames()))
-        ->type_name("space|semicolon|colon|star|sharp|tab|comma")
-        ->group(group);
     auto* yes = fit.add_flag("--yes,-y", s.Yes,
-                             "Answer the questions of the import with Yes; a file with the\n"
-                             "other decimal delimiter is then changed")
+                             "Answer the questions of the import with Yes; with --format plain\n"
+                             "a file with the other decimal delimiter is then changed")
                     ->group(group);
     fit.add_flag("--no,-n", s.No, "Answer the questions of the import with No")->group(group)->excludes(yes);
     AddStrict(fit, o.Strict, group);
+}
+
+// How the files are written: for both, and behind --start- or --target- for one of them.
+void AddTableOptions(CLI::App& fit, FitSwitches& s) {
+    const char* const group = "How the files are written";
+    const std::string delimiters = "space|semicolon|colon|star|sharp|tab|comma|pipe";
+    const auto add = [&](const std::string& name, std::string& value, const char* text) {
+        return fit.add_option("--" + name, value, text)->group(group);
+    };
+    // 0 = both, told in full; 1 and 2 = one of them.
+    for (std::size_t i = 0; i < s.Tables.size(); ++i) {
+        TableSwitches& t = s.Tables[i];
+        const std::string one = i == 0 ? "" : i == 1 ? "start-" : "target-";
+        const char* const same = i == 1 ? "The same for START alone" : "The same for TARGET alone";
+        const auto told = [&](const char* text) { return i == 0 ? text : same; };
+        add(one + "format", t.Format,
+            told("A table of any form, or the plain one alone, read as on the desktop;\n"
+                 "default: auto"))
+            ->check(OneOf({"auto", "plain", "table"}))
+            ->type_name("auto|plain|table");
+        add(one + "columns", t.Columns,
+            told("What the columns hold: name, x, y, z, sx, sy, sz, s, and - for one to\n"
+                 "pass over; default: as the heading says, else name,x,y,z or x,y,z"))
+            ->check([](const std::string& text) {
+                std::vector<TableRole> columns;
+                return TakeTableColumns(text, columns);
+            })
+            ->type_name("NAME,X,Y,Z");
+        fit.add_option("--" + one + "skip", t.Skip, told("So many lines at the beginning are passed over"))
+            ->check(Between(0, 1000000000))
+            ->type_name("N")
+            ->group(group);
+        add(one + "comment", t.Comment,
+            told("A line that begins with one of these characters is a comment;\n"
+                 "default: #%! and //"))
+            ->type_name("CHARS");
+        add(one + "delimiter", t.Delimiter,
+            told("What stands between the fields; default: as the file shows it"))
+            ->transform(NameOf(TableDelimiterNames()))
+            ->type_name(delimiters);
+        add(one + "decimal", t.Decimal,
+            told("Decimal delimiter, a point or a comma, of the output too;\n"
+                 "default: as the file shows it, and a point in the output"))
+            ->check(OneOf({"auto", ".", ","}))
+            ->type_name("auto|'.'|','");
+        add(one + "unit", t.Unit, told("Unit of lengths; default: as the heading says, else --length-unit"))
+            ->check([](const std::string& text) {
+                return TableUnitByWord(text) != nullptr
+                           ? ""
+                           : "\"" + Printable(text) + "\" is no unit of length: mm, cm, m, km, in, ft";
+            })
+            ->type_name("mm|cm|m|km|in|ft");
+        if (i > 0)
+            add(one + "angle-unit", t.AngleUnit,
+                i == 1 ? "Unit of angles of START, which has none in any form so far"
+                       : "Unit of angles of TARGET, a robot program; default: --angle-unit")
+                ->transform(UnitByName(AngleUnits()))
+                ->type_name(UnitChoices(AngleUnits()));
+        add(one + "encoding", t.Encoding, told("Encoding of the text; default: as the file shows it"))
+            ->check(OneOf({"utf-8", "utf-16le", "utf-16be", "windows-1252"}))
+            ->type_name("utf-8|utf-16le|utf-16be|windows-1252");
+    }
+    fit.add_flag("--skip-bad", s.Options.SkipBad,
+                 "Pass rows over that cannot be read, and count them in a note")
+        ->group(group);
+    fit.add_flag("--verbose", s.Options.Verbose, "Tell on standard error how each file was read")
+        ->group(group);
+}
+
+// What is said of one file goes before what is said of both. "" or what does not go together.
+std::string TakeTables(FitSwitches& s) {
+    FitOptions& o = s.Options;
+    for (std::size_t i = 0; i < o.Files.size(); ++i) {
+        const TableSwitches &both = s.Tables[0], &one = s.Tables[i + 1];
+        const auto first = [](const std::string& a, const std::string& b) { return a.empty() ? b : a; };
+        const std::string prefix = i == 0 ? "--start-" : "--target-";
+        const auto given = [&](const char* name) {
+            return o.IsGiven(prefix + name) || o.IsGiven(std::string("--") + name);
+        };
+        TableFile& file = o.Files[i];
+        file.Columns = first(one.Columns, both.Columns);
+        file.Delimiter = first(one.Delimiter, both.Delimiter);
+        const std::string decimal = first(one.Decimal, both.Decimal);
+        file.Decimal = decimal == "auto" ? std::nullopt : DecimalOf(decimal);
+        const std::string unit = first(one.Unit, both.Unit);
+        file.Unit = unit.empty() ? "" : TableUnitByWord(unit)->Name;
+        file.AngleUnit = first(one.AngleUnit, o.AngleUnit);
+        file.Encoding = first(one.Encoding, both.Encoding);
+        const std::string format = first(one.Format, both.Format);
+        if (!format.empty()) file.Format = format;
+        if (o.IsGiven(prefix + "comment")) {
+            file.Comment = one.Comment;
+        } else if (o.IsGiven("--comment")) {
+            file.Comment = both.Comment;
+        }
+        file.Skip = o.IsGiven(prefix + "skip") ? one.Skip : both.Skip;
+        if (file.Format != "plain") continue;
+        for (const char* name : {"columns", "skip", "comment", "unit", "encoding"})
+            if (given(name) || o.SkipBad)
+                return "--format plain reads as on the desktop: " +
+                       (given(name) ? (o.IsGiven(prefix + name) ? prefix : "--") + name
+                                    : std::string("--skip-bad")) +
+                       " does not go with it";
+    }
+    const std::string kind = o.TargetKind;
+    if (kind != "points") {
+        for (const char* name :
+             {"--target-columns", "--target-skip", "--target-comment", "--target-encoding"})
+            if (o.IsGiven(name))
+                return std::string(name) + " is of tables of points, and does not go with --as";
+        if (!o.Files[1].Unit.empty() && ProgramUnit(o.Files[1].Unit).empty())
+            return "--as goes with the units mm, m, in and ft alone";
+    }
+    if (o.Start == kStandardInput && o.Target == kStandardInput)
+        return "START and TARGET cannot both be standard input";
+    o.Decimal = s.Tables[0].Decimal == "auto" ? std::nullopt : DecimalOf(s.Tables[0].Decimal);
+    o.Delimiter = s.Tables[0].Delimiter;
+    return "";
 }
 
 void AddModelOptions(CLI::App& fit, FitOptions& o) {
@@ -91,7 +205,8 @@ void AddModelOptions(CLI::App& fit, FitOptions& o) {
 void AddOutputOptions(CLI::App& fit, FitSwitches& s) {
     const char* const group = "Units and output";
     FitOptions& o = s.Options;
-    fit.add_option("--length-unit", o.LengthUnit, "Unit of the files and of what is shown; default: mm")
+    fit.add_option("--length-unit", o.LengthUnit,
+                   "Unit of what is shown, and of files that say none; default: mm")
         ->transform(UnitByName(LengthUnits()))
         ->type_name(UnitChoices(LengthUnits()))
         ->group(group);
@@ -402,12 +517,21 @@ std::string CheckJobOptions(const FitOptions& o) {
         return "--as paraboloid has no target points to pair with: --match does not go with it";
     if (o.Job.empty())
         return o.Start.empty() || o.Target.empty() ? "fit takes START and TARGET, or --job FILE.cvn" : "";
-    for (const char* option :
-         {"START", "TARGET", "--as", "--names", "--select", "--match", "--tolerance", "--only-first",
-          "--delimiter", "--length-unit", "--angle-unit", "--digits", "--angle-digits", "--direction"})
+    for (const char* option : {"START", "TARGET", "--as", "--names", "--select", "--match", "--tolerance",
+                               "--only-first", "--delimiter", "--length-unit", "--angle-unit", "--digits",
+                               "--angle-digits", "--direction", "--skip-bad"})
         if (o.IsGiven(option))
             return std::string("--job brings points, units and direction of its own: ") + option +
                    " does not go with it";
+    for (const char* name :
+         {"format", "columns", "skip", "comment", "delimiter", "decimal", "unit", "angle-unit", "encoding"})
+        for (const char* prefix : {"--", "--start-", "--target-"}) {
+            // The decimal delimiter of both is that of the output as well.
+            const std::string option = std::string(prefix) + name;
+            if (option != "--decimal" && o.IsGiven(option))
+                return "--job brings points, units and direction of its own: " + option +
+                       " does not go with it";
+        }
     return "";
 }
 
@@ -438,6 +562,7 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
                     "see --as")
         ->type_name("FILE");
     AddPointOptions(*fit, s);
+    AddTableOptions(*fit, s);
     AddModelOptions(*fit, s.Options);
     AddBeginOptions(*fit, s.Options);
     AddRobotOptions(*fit, s.Options);
@@ -462,7 +587,8 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
 }
 
 std::string TakeFitSwitches(FitSwitches& s) {
-    s.Options.Decimal = DecimalOf(s.Decimal);
+    const std::string wrong = TakeTables(s);
+    if (!wrong.empty()) return wrong;
     if (s.Yes || s.No) s.Options.Questions = s.Yes;
     s.Options.Output = s.Json ? FitOutput::Json : s.Csv ? FitOutput::Csv : FitOutput::Table;
     s.Options.Inverse |= s.Options.Details;

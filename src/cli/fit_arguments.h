@@ -1,6 +1,8 @@
 // The options of `corvinade-cli fit`.
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <string>
 
 #include "cli/fit_options.h"
@@ -13,9 +15,13 @@ class App;
 namespace corvinade::cli {
 
 // The options as they were typed; what more than one of them says goes into Options afterwards.
+struct TableSwitches {
+    std::string Format, Columns, Comment, Delimiter, Decimal, Unit, AngleUnit, Encoding;
+    std::int64_t Skip = 0;
+};
 struct FitSwitches {
     FitOptions Options;
-    std::string Decimal;
+    std::array<TableSwitches, 3> Tables;  // of both files, of START, of TARGET
     bool Yes = false, No = false, Json = false, Csv = false;
 };
 

@@ -6,6 +6,7 @@
 #include <ostream>
 
 #include "cli/fit_details.h"
+#include "cli/fit_files.h"
 #include "cli/fit_output.h"
 #include "cli/fit_parameters.h"
 #include "cli/fit_selection.h"
@@ -213,6 +214,8 @@ void WriteFitJson(const FitOptions& options, const SolutionDetails* details, con
     root["input"]["targetKind"] = options.TargetKind;
     root["input"]["lengthDigits"] = Job.LengthDigits;
     root["input"]["angleDigits"] = Job.AngleDigits;
+    root["files"] = ordered_json::array();
+    for (const ReadFileFacts& facts : options.FileFacts) root["files"].push_back(FactsJson(facts));
     root["counts"] = {{"start", Job.Start.Count()},
                       {"target", Job.Target.Count()},
                       {"pairs", Job.Pairs()},

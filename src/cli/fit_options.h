@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <iosfwd>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,14 +16,40 @@ namespace corvinade::cli {
 
 enum class FitOutput { Table, Json, Csv };
 
+// What the user says of one of the two files; "" and nothing = it is found.
+struct TableFile {
+    std::string Columns;    // "name,x,y,z"
+    std::string Delimiter;  // one character
+    std::optional<char> Decimal;
+    std::string Unit;       // of lengths: "mm", "m", "in", "ft", "cm", "km"
+    std::string AngleUnit;  // by its long name
+    std::string Encoding, Format = "auto";
+    std::optional<std::string> Comment;
+    std::int64_t Skip = 0;
+};
+
+// How a file was read, for `--verbose` and the member `files` of the JSON; "" and -1 = it has none.
+struct ReadFileFacts {
+    std::string What;  // "START", "TARGET"
+    std::string File, Format, Encoding, Delimiter, Decimal;
+    int HeadingLines = -1;
+    std::string Columns, Unit;
+    std::int64_t Skipped = 0;
+};
+
 struct FitOptions {
     std::string Start, Target;
-    std::string Job;                    // path of a job that stands in the place of both; "" = none
-    std::string Save;                   // path of the job to write with its result; "" = none
-    std::string TargetKind = "points";  // by name: import/robot_files.h
-    std::string Names;                  // of poses: number, program; "" = by those of the start points
-    std::vector<std::string> Select;    // names of poses
-    std::string Match = "id";           // id, coordinate, distance
+    std::array<TableFile, 2> Files;        // START and TARGET
+    bool SkipBad = false;                  // rows that cannot be read are passed over
+    bool Verbose = false;                  // how the files were read is told
+    std::istream* In = nullptr;            // what the path "-" stands for
+    std::vector<ReadFileFacts> FileFacts;  // START and TARGET once they are read; empty for a job
+    std::string Job;                       // path of a job that stands in the place of both; "" = none
+    std::string Save;                      // path of the job to write with its result; "" = none
+    std::string TargetKind = "points";     // by name: import/robot_files.h
+    std::string Names;                     // of poses: number, program; "" = by those of the start points
+    std::vector<std::string> Select;       // names of poses
+    std::string Match = "id";              // id, coordinate, distance
     double Tolerance_mm = 0.8;
     int OnlyFirst = 0;             // matching by distance looks at the first so many target points; 0 = all
     std::string Parameters = "6";  // by name: engine/presets.h

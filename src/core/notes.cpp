@@ -65,6 +65,11 @@ constexpr NoteKind kKinds[] = {
     {NoteCode::NoEffect, "no-effect", Severity::Note, false},
     {NoteCode::HeldText, "held-text", Severity::Warning, false},
     {NoteCode::PoseNames, "pose-names", Severity::Note, true},
+    {NoteCode::LinesSkipped, "lines-skipped", Severity::Note, true},
+    {NoteCode::HeadingUnknown, "heading-unknown", Severity::Warning, true},
+    {NoteCode::NameIsNumber, "name-is-number", Severity::Warning, true},
+    {NoteCode::CommentedPoints, "commented-points", Severity::Note, true},
+    {NoteCode::DecimalTaken, "decimal-taken", Severity::Note, true},
 };
 static_assert(std::size(kKinds) == static_cast<std::size_t>(NoteCode::Count_));
 

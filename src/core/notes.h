@@ -71,6 +71,12 @@ enum class NoteCode : std::uint8_t {
     HeldText,         // the value that a parameter is held at is no number
     // Of an import again.
     PoseNames,  // poses are paired by the names that their program gives them
+    // Of an import by the table reader.
+    LinesSkipped,     // rows of a table that cannot be read are passed over, as the user has said
+    HeadingUnknown,   // the heading of a table names no column that is known
+    NameIsNumber,     // a number with a fraction is taken as the name of a point
+    CommentedPoints,  // points that stand in comments of a table are passed over
+    DecimalTaken,     // commas of numbers are taken as decimal delimiters, and could part thousands
     Count_
 };
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/platform.h"
+#include "core/point_set.h"
 #include "core/rooms.h"
 #include "import/reading.h"
 #include "import/robot_files.h"
@@ -55,6 +56,10 @@ struct ImportRequest {
     std::vector<std::string> Select;
     // Told of one that is not there, which ends the import.
     std::function<void(const std::string& text)> UnknownPose = [](const std::string&) {};
+
+    // Points that have been read already, mm: they are taken in the place of those of the file, whose path is
+    // its name then. What they point to is empty afterwards. Null = the file is read.
+    PointSet *StartPoints = nullptr, *TargetPoints = nullptr;
 
     bool ReplacesQuietly = false;  // the points of before go without a question
     Reading How{};

@@ -28,8 +28,11 @@ void Fail(const std::string& message) {
     ShowMessage(message);
 }
 
+std::string InFile(const std::string& path) {
+    return "File: " + path + kBreak + kBreak;
+}
 std::string InFile(const PointText& file) {
-    return "File: " + file.Path + kBreak + kBreak;
+    return InFile(file.Path);
 }
 
 // The delimiter by the rule of neighbours: the last candidate that occurs more often than the one
@@ -118,6 +121,12 @@ char DecimalMark(const PointText& file) {
 bool FindDelimiter(const PointText& file, std::string& delimiter, FileRows rows, const Reading& how);
 
 }  // namespace
+
+std::string OnlyThreeColumns(const std::string& path) {
+    return InFile(path) +
+           "File has only 3 columns; they will be interpreted as x, y, z; Point Number will be Line Number of "
+           "File!";
+}
 
 void DezTrennzeichenIstKomma(Flag& isComma) {
     isComma = ToFlag(PlainText(1.1)[1] == ',');
@@ -290,10 +299,7 @@ bool CheckColumns(PointText& file, FileRows rows, std::string& delimiter, std::i
 void ASCII_FileCheck(PointText& file, Flag& hasName, std::string& delimiter, const Reading& how) {
     std::int64_t columns = 0;
     if (!CheckColumns(file, FileRows::Points, delimiter, columns, how)) return;
-    if (columns == 3)
-        ShowMessage(InFile(file) +
-                    "File has only 3 columns; they will be interpreted as x, y, z; Point Number will be "
-                    "Line Number of File!");
+    if (columns == 3) ShowMessage(OnlyThreeColumns(file.Path));
     hasName = ToFlag(columns != 3);
     Check_DecimalDelimiter(file, delimiter, how);
 }

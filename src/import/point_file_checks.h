@@ -22,6 +22,9 @@ namespace corvinade::import {
 void ASCII_FileCheck(const std::string& path, Flag& hasName, std::string& delimiter);
 void ASCII_FileCheck(PointText& file, Flag& hasName, std::string& delimiter, const Reading& how = {});
 
+// What is said of a file without names.
+std::string OnlyThreeColumns(const std::string& path);
+
 // What the rows of a file hold: a point, with or without its name in front, or a point of a profile, which is
 // two numbers.
 enum class FileRows : std::uint8_t { Points, Shape };

@@ -126,7 +126,7 @@ TEST_F(Declarations, ADelimiterThatIsNamedIsNoDecisionOfTheProgram) {
     EXPECT_EQ(Fit({blanks, blanks, "--delimiter", "space"}).Status, 0);
     EXPECT_EQ(NoteOf(NoteCode::OldDelimiter), nullptr);
     FreshStart();
-    EXPECT_EQ(Fit({tips_, blanks}).Status, 0);
+    EXPECT_EQ(Fit({tips_, blanks, "--format", "plain"}).Status, 0);
     ASSERT_NE(NoteOf(NoteCode::OldDelimiter), nullptr);
     EXPECT_EQ(NoteOf(NoteCode::OldDelimiter)->File, blanks);
 }

@@ -15,7 +15,7 @@ using namespace corvinade;
 TEST_F(FitCommand, AQuestionWithoutAnAnswerIsAnErrorThatQuotesIt) {
     ExpectUnanswered();
     const std::string start = Write("c1.txt", "A;0,5;0;0\nB;1000;0;0,25\nC;0;2000;0\n");
-    const Outcome outcome = Fit({start, target_});
+    const Outcome outcome = Fit({start, target_, "--format", "plain"});
     EXPECT_EQ(outcome.Status, 3);
     EXPECT_NE(outcome.Err.find("Your Decimal Delimiter is different"), std::string::npos) << outcome.Err;
     EXPECT_NE(outcome.Err.find("--yes"), std::string::npos);
@@ -26,17 +26,19 @@ TEST_F(FitCommand, AQuestionWithoutAnAnswerIsAnErrorThatQuotesIt) {
 TEST_F(FitCommand, YesChangesTheFileAndNoLeavesIt) {
     const std::string content = "A;0,5;0;0\nB;1000;0;0,25\nC;0;2000;0\n";
     const std::string start = Write("c1.txt", content);
-    EXPECT_EQ(Fit({start, target_, "--no"}).Status, 3);
+    EXPECT_EQ(Fit({start, target_, "--format", "plain", "--no"}).Status, 3);
     EXPECT_EQ(Contents(start), content);
-    EXPECT_EQ(Fit({start, target_, "--yes"}).Status, 0);
+    EXPECT_EQ(Fit({start, target_, "--format", "plain", "--yes"}).Status, 0);
     EXPECT_EQ(Contents(start).substr(0, 9), "A;0.5;0;0");
 }
 
 TEST_F(FitCommand, AnAnsweredQuestionIsToldWithItsAnswer) {
     const std::string start = Write("c1.txt", "A;0,5;0;0\nB;1000;0;0,25\nC;0;2000;0\n");
-    EXPECT_NE(Fit({start, target_, "--no"}).Err.find("Should I change the , in your File to . ? No"),
+    EXPECT_NE(Fit({start, target_, "--format", "plain", "--no"})
+                  .Err.find("Should I change the , in your File to . ? No"),
               std::string::npos);
-    EXPECT_NE(Fit({start, target_, "--yes"}).Err.find("Should I change the , in your File to . ? Yes"),
+    EXPECT_NE(Fit({start, target_, "--format", "plain", "--yes"})
+                  .Err.find("Should I change the , in your File to . ? Yes"),
               std::string::npos);
 }
 
@@ -158,7 +160,7 @@ TEST_F(FitCommand, AFullDiskLeavesTheFileWithTheOtherDecimalDelimiterAsItWas) {
         FileFaults.Refuse = [&](const std::string& asked, const std::string&) {
             return std::string(asked == operation ? "No space left on device" : "");
         };
-        const Outcome outcome = Fit({start, target_, "--yes"});
+        const Outcome outcome = Fit({start, target_, "--format", "plain", "--yes"});
         EXPECT_EQ(outcome.Status, 3) << operation;
         EXPECT_NE(outcome.Err.find("No space left"), std::string::npos) << outcome.Err;
         EXPECT_EQ(Contents(start), content) << operation;
@@ -170,7 +172,7 @@ TEST_F(FitCommand, AFullDiskLeavesTheFileWithTheOtherDecimalDelimiterAsItWas) {
 TEST_F(FitCommand, FilesWithBlanksAloneNeedTheirDelimiterNamed) {
     const std::string start = Write("b1.txt", "A 0 0 0\nB 1000 0 0\nC 0 2000 0\n");
     const std::string target = Write("b2.txt", "A 5 0 0\nB 1005 0 0\nC 5 2000 0\n");
-    const Outcome without = Fit({start, target});
+    const Outcome without = Fit({start, target, "--format", "plain"});
     EXPECT_EQ(without.Status, 3);
     EXPECT_NE(without.Err.find("find any delimiter"), std::string::npos);
     EXPECT_EQ(Fit({start, target, "--delimiter", "space"}).Status, 0);

@@ -303,7 +303,7 @@ TEST_F(NotesOfCommands, CommasOfThousandsInEveryRowAreAWarning) {
             text += surplus ? std::string(row) + "\n" : std::string(row, 2) + ",1.5,2.5,3.5,0.02,0.03\n";
         return Write(name, text);
     };
-    const Outcome strict = Fit({rows("a.csv", true), rows("b.csv", true), "--strict"});
+    const Outcome strict = Fit({rows("a.csv", true), rows("b.csv", true), "--strict", "--format", "plain"});
     EXPECT_EQ(strict.Status, 3);
     EXPECT_NE(
         strict.Err.find("commas of thousands would explain it (" + PathOf("a.csv") + ", line 1; 4 times)"),

@@ -1,0 +1,45 @@
+// The point files of a fit: what the user says of each, reading them as tables, and telling how it was done.
+#pragma once
+
+#include <iosfwd>
+#include <map>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <vector>
+
+#include "cli/fit_options.h"
+#include "core/point_set.h"
+#include "core/rooms.h"
+#include "import/table_reader.h"
+
+namespace corvinade::cli {
+
+// A point file that has been read ahead of the import.
+struct FitFile {
+    bool Read = false;  // else the import reads it as it is told
+    PointSet Points;
+    std::vector<double> SX, SY, SZ;  // mm, element 0 unused; empty = it has no sigmas
+    std::string Delimiter;           // that of the file
+    ReadFileFacts Facts;
+};
+
+// Reads a file of the fit as a table, or leaves it to the import: `--format plain`, and files that are no
+// points. Adds its notes to the list. "" or why it cannot be read.
+//   file   0 = START, 1 = TARGET
+//   in     what the path "-" stands for
+std::string ReadFitFile(const FitOptions& options, int file, std::istream* in, FitFile& read);
+
+// What stands between the fields of a table, by name.
+const std::map<std::string, std::string>& TableDelimiterNames();
+
+// The program's name of a unit of length; "" where it is a unit of tables alone (cm, km).
+std::string ProgramUnit(const std::string& unit);
+
+// What the told reader makes of a file.
+ReadFileFacts ToldFacts(const FitOptions& options, int file);
+
+// "START a.csv: table, utf-8, ..." as one line.
+std::string FactsLine(const ReadFileFacts& facts);
+nlohmann::ordered_json FactsJson(const ReadFileFacts& facts);
+
+}  // namespace corvinade::cli
