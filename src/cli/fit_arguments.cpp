@@ -6,7 +6,8 @@
 
 #include "cli/arguments.h"
 #include "cli/fit_exports.h"
-#include "cli/fit_files.h"
+#include "cli/fit_statistics_arguments.h"
+#include "cli/fit_table_arguments.h"
 #include "cli/input_bytes.h"
 #include "core/numbers.h"
 #include "core/text.h"
@@ -65,124 +66,6 @@ void AddPointOptions(CLI::App& fit, FitSwitches& s) {
                     ->group(group);
     fit.add_flag("--no,-n", s.No, "Answer the questions of the import with No")->group(group)->excludes(yes);
     AddStrict(fit, o.Strict, group);
-}
-
-// How the files are written: for both, and behind --start- or --target- for one of them.
-void AddTableOptions(CLI::App& fit, FitSwitches& s) {
-    const char* const group = "How the files are written";
-    const std::string delimiters = "space|semicolon|colon|star|sharp|tab|comma|pipe";
-    const auto add = [&](const std::string& name, std::string& value, const char* text) {
-        return fit.add_option("--" + name, value, text)->group(group);
-    };
-    // 0 = both, told in full; 1 and 2 = one of them.
-    for (std::size_t i = 0; i < s.Tables.size(); ++i) {
-        TableSwitches& t = s.Tables[i];
-        const std::string one = i == 0 ? "" : i == 1 ? "start-" : "target-";
-        const char* const same = i == 1 ? "The same for START alone" : "The same for TARGET alone";
-        const auto told = [&](const char* text) { return i == 0 ? text : same; };
-        add(one + "format", t.Format,
-            told("A table of any form, or the plain one alone, read as on the desktop;\n"
-                 "default: auto"))
-            ->check(OneOf({"auto", "plain", "table"}))
-            ->type_name("auto|plain|table");
-        add(one + "columns", t.Columns,
-            told("What the columns hold: name, x, y, z, sx, sy, sz, s, and - for one to\n"
-                 "pass over; default: as the heading says, else name,x,y,z or x,y,z"))
-            ->check([](const std::string& text) {
-                std::vector<TableRole> columns;
-                return TakeTableColumns(text, columns);
-            })
-            ->type_name("NAME,X,Y,Z");
-        fit.add_option("--" + one + "skip", t.Skip, told("So many lines at the beginning are passed over"))
-            ->check(Between(0, 1000000000))
-            ->type_name("N")
-            ->group(group);
-        add(one + "comment", t.Comment,
-            told("A line that begins with one of these characters is a comment;\n"
-                 "default: #%! and //"))
-            ->type_name("CHARS");
-        add(one + "delimiter", t.Delimiter,
-            told("What stands between the fields; default: as the file shows it"))
-            ->transform(NameOf(TableDelimiterNames()))
-            ->type_name(delimiters);
-        add(one + "decimal", t.Decimal,
-            told("Decimal delimiter, a point or a comma, of the output too;\n"
-                 "default: as the file shows it, and a point in the output"))
-            ->check(OneOf({"auto", ".", ","}))
-            ->type_name("auto|'.'|','");
-        add(one + "unit", t.Unit, told("Unit of lengths; default: as the heading says, else --length-unit"))
-            ->check([](const std::string& text) {
-                return TableUnitByWord(text) != nullptr
-                           ? ""
-                           : "\"" + Printable(text) + "\" is no unit of length: mm, cm, m, km, in, ft";
-            })
-            ->type_name("mm|cm|m|km|in|ft");
-        if (i > 0)
-            add(one + "angle-unit", t.AngleUnit,
-                i == 1 ? "Unit of angles of START, which has none in any form so far"
-                       : "Unit of angles of TARGET, a robot program; default: --angle-unit")
-                ->transform(UnitByName(AngleUnits()))
-                ->type_name(UnitChoices(AngleUnits()));
-        add(one + "encoding", t.Encoding, told("Encoding of the text; default: as the file shows it"))
-            ->check(OneOf({"utf-8", "utf-16le", "utf-16be", "windows-1252"}))
-            ->type_name("utf-8|utf-16le|utf-16be|windows-1252");
-    }
-    fit.add_flag("--skip-bad", s.Options.SkipBad,
-                 "Pass rows over that cannot be read, and count them in a note")
-        ->group(group);
-    fit.add_flag("--verbose", s.Options.Verbose, "Tell on standard error how each file was read")
-        ->group(group);
-}
-
-// What is said of one file goes before what is said of both. "" or what does not go together.
-std::string TakeTables(FitSwitches& s) {
-    FitOptions& o = s.Options;
-    for (std::size_t i = 0; i < o.Files.size(); ++i) {
-        const TableSwitches &both = s.Tables[0], &one = s.Tables[i + 1];
-        const auto first = [](const std::string& a, const std::string& b) { return a.empty() ? b : a; };
-        const std::string prefix = i == 0 ? "--start-" : "--target-";
-        const auto given = [&](const char* name) {
-            return o.IsGiven(prefix + name) || o.IsGiven(std::string("--") + name);
-        };
-        TableFile& file = o.Files[i];
-        file.Columns = first(one.Columns, both.Columns);
-        file.Delimiter = first(one.Delimiter, both.Delimiter);
-        const std::string decimal = first(one.Decimal, both.Decimal);
-        file.Decimal = decimal == "auto" ? std::nullopt : DecimalOf(decimal);
-        const std::string unit = first(one.Unit, both.Unit);
-        file.Unit = unit.empty() ? "" : TableUnitByWord(unit)->Name;
-        file.AngleUnit = first(one.AngleUnit, o.AngleUnit);
-        file.Encoding = first(one.Encoding, both.Encoding);
-        const std::string format = first(one.Format, both.Format);
-        if (!format.empty()) file.Format = format;
-        if (o.IsGiven(prefix + "comment")) {
-            file.Comment = one.Comment;
-        } else if (o.IsGiven("--comment")) {
-            file.Comment = both.Comment;
-        }
-        file.Skip = o.IsGiven(prefix + "skip") ? one.Skip : both.Skip;
-        if (file.Format != "plain") continue;
-        for (const char* name : {"columns", "skip", "comment", "unit", "encoding"})
-            if (given(name) || o.SkipBad)
-                return "--format plain reads as on the desktop: " +
-                       (given(name) ? (o.IsGiven(prefix + name) ? prefix : "--") + name
-                                    : std::string("--skip-bad")) +
-                       " does not go with it";
-    }
-    const std::string kind = o.TargetKind;
-    if (kind != "points") {
-        for (const char* name :
-             {"--target-columns", "--target-skip", "--target-comment", "--target-encoding"})
-            if (o.IsGiven(name))
-                return std::string(name) + " is of tables of points, and does not go with --as";
-        if (!o.Files[1].Unit.empty() && ProgramUnit(o.Files[1].Unit).empty())
-            return "--as goes with the units mm, m, in and ft alone";
-    }
-    if (o.Start == kStandardInput && o.Target == kStandardInput)
-        return "START and TARGET cannot both be standard input";
-    o.Decimal = s.Tables[0].Decimal == "auto" ? std::nullopt : DecimalOf(s.Tables[0].Decimal);
-    o.Delimiter = s.Tables[0].Delimiter;
-    return "";
 }
 
 void AddModelOptions(CLI::App& fit, FitOptions& o) {
@@ -309,123 +192,6 @@ void AddMonteCarloOptions(CLI::App& fit, FitOptions& o) {
         ->type_name("K")
         ->group(group)
         ->needs(runs);
-}
-
-// Numbers behind commas, each from `least` to `most`; false when the text is anything else.
-bool TakeNumbers(const std::string& text, double least, double most, std::vector<double>& values) {
-    values.clear();
-    std::string_view rest = text;
-    for (bool more = true; more;) {
-        const std::size_t comma = rest.find(',');
-        double value = 0;
-        if (!TextToNumber(std::string(rest.substr(0, comma)), '.', value) ||
-            !(value >= least && value <= most))
-            return false;
-        values.push_back(value);
-        more = comma != std::string_view::npos;
-        if (more) rest.remove_prefix(comma + 1);
-    }
-    return true;
-}
-
-// "S" or "SX,SY,SZ"; "" or what is wrong with it.
-std::string TakeSigmas(const std::string& text, std::optional<std::array<double, 3>>& sigmas) {
-    constexpr double kMost = 1e9;
-    std::vector<double> values;
-    if (!TakeNumbers(text, 0, kMost, values) || (values.size() != 1 && values.size() != 3))
-        return "\"" + Printable(text) +
-               "\" is neither one standard deviation from 0 on nor three with commas between";
-    sigmas = {values[0], values[values.size() == 1 ? 0 : 1], values[values.size() == 1 ? 0 : 2]};
-    return "";
-}
-
-std::string TakePlace(const std::string& text, std::array<double, 3>& place) {
-    constexpr double kMost = 1e12;
-    std::vector<double> values;
-    if (!TakeNumbers(text, -kMost, kMost, values) || values.size() != 3)
-        return "\"" + Printable(text) + "\" is no point: three coordinates with commas between";
-    place = {values[0], values[1], values[2]};
-    return "";
-}
-
-std::string CheckShare(const std::string& text) {
-    double value = 0;
-    if (TextToNumber(text, '.', value) && value > 0 && value < 1) return "";
-    return "\"" + Printable(text) + "\" is no number between 0 and 1";
-}
-
-void AddStatisticsOptions(CLI::App& fit, FitOptions& o) {
-    const char* const group = "Statistics";
-    const auto addSigma = [&fit, group](const char* name, std::optional<std::array<double, 3>>& sigmas,
-                                        const char* text) {
-        fit.add_option_function<std::string>(
-               name, [&sigmas](const std::string& value) { TakeSigmas(value, sigmas); }, text)
-            ->check([](const std::string& value) {
-                std::optional<std::array<double, 3>> taken;
-                return TakeSigmas(value, taken);
-            })
-            ->type_name("SX,SY,SZ")
-            ->group(group);
-    };
-    addSigma("--start-sigma", o.StartSigma,
-             "Standard deviation of the coordinates of START, in the length unit;\n"
-             "one number for all three; 0: free of errors");
-    addSigma("--target-sigma", o.TargetSigma, "The same of TARGET");
-    fit.add_flag("--statistics", o.Statistics,
-                 "Also how far the result can be trusted: accuracies, redundancies,\n"
-                 "tests; in JSON for more than 10000 pairs too")
-        ->group(group)
-        ->excludes(fit.get_option("--csv"));
-    fit.add_option("--alpha", o.Alpha,
-                   "Error probability of the tests; default: 0.001 for a coordinate, 0.05\n"
-                   "for the global test")
-        ->check(CheckShare)
-        ->type_name("A")
-        ->group(group);
-    fit.add_option("--power", o.Power,
-                   "Probability with which a bias as large as the MDB is found;\n"
-                   "default: 0.8")
-        ->check(CheckShare)
-        ->type_name("P")
-        ->group(group);
-    fit.add_option("--confidence", o.Confidence, "Probability of the ellipsoids; default: 0.95")
-        ->check(CheckShare)
-        ->type_name("C")
-        ->group(group);
-    fit.add_flag("--snoop", o.Snoop,
-                 "Take the coordinate out that fails its test by most, fit again, until\n"
-                 "none is left")
-        ->group(group);
-    fit.add_option_function<std::vector<std::string>>(
-           "--accuracy-at",
-           [&o](const std::vector<std::string>& places) {
-               o.AccuracyAt.resize(places.size());
-               for (std::size_t i = 0; i < places.size(); ++i) TakePlace(places[i], o.AccuracyAt[i]);
-           },
-           "Also how accurate this point of the start system is after the\n"
-           "transformation; in the length unit")
-        ->allow_extra_args(false)
-        ->check([](const std::string& text) {
-            std::array<double, 3> place{};
-            return TakePlace(text, place);
-        })
-        ->type_name("X,Y,Z")
-        ->group(group)
-        ->excludes(fit.get_option("--csv"));
-}
-
-// What goes with least squares of points that coincide alone.
-std::string CheckStatisticsOptions(const FitOptions& o) {
-    const bool other = !IsLeastSquares(NormByName(o.Norm).Norm) || o.RDist || o.Tool || !o.Poses.empty() ||
-                       TargetKindByName(o.TargetKind) == TargetKind::Shape;
-    for (const char* option : {"--start-sigma", "--target-sigma", "--snoop", "--accuracy-at"})
-        if (other && o.IsGiven(option))
-            return std::string(option) +
-                   " goes with --norm l2 and points that are to coincide alone, not with --r-dist, --tool, "
-                   "--poses and --as paraboloid";
-    if (o.MonteCarloRuns > 0 && (o.StartSigma || o.TargetSigma))
-        return "--monte-carlo repeats plain fits: --start-sigma and --target-sigma do not go with it";
-    return "";
 }
 
 // What stands in place of points that fall on their targets.
@@ -599,8 +365,8 @@ std::string TakeFitSwitches(FitSwitches& s) {
     if (s.Options.Protocol && !s.Json && (s.Options.Inverse || s.Options.MonteCarloRuns > 0))
         return "--protocol stands instead of the table, so --details, --inverse and --monte-carlo go with it in "
                "--json alone";
-    if (const std::string wrong = ExportsAgainst(s.Options); !wrong.empty()) return wrong;
-    if (const std::string wrong = CheckStatisticsOptions(s.Options); !wrong.empty()) return wrong;
+    if (const std::string against = ExportsAgainst(s.Options); !against.empty()) return against;
+    if (const std::string against = CheckStatisticsOptions(s.Options); !against.empty()) return against;
     return CheckJobOptions(s.Options);
 }
 
