@@ -381,8 +381,17 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
         return RunBundle(bundleSwitches.Options, out, err, terminal && ColourWanted(), progress);
     }
     if (transform->parsed()) {
-        TakeTransformSwitches(transformSwitches);
-        return RunTransform(transformSwitches.Options, out, err, progress);
+        const std::string wrong = TakeTransformSwitches(transformSwitches);
+        if (!wrong.empty()) {
+            err << wrong << "\n";
+            return kWrongUsage;
+        }
+        const TransformOptions& o = transformSwitches.Options;
+        for (const std::string& path : o.In)
+            if (path != "-" && o.Out != "-" &&
+                !AreApart({{"JOB", o.Job}, {"--with", o.With}, {"IN", path}}, {{"--out", o.Out}}, err))
+                return kWrongUsage;
+        return RunTransform(o, in, out, err, progress);
     }
     if (exported->parsed()) {
         TakeExportSwitches(exportSwitches);

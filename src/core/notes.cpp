@@ -63,6 +63,13 @@ constexpr NoteKind kKinds[] = {
     {NoteCode::HardlyKnown, "hardly-known", Severity::Warning, false},
     {NoteCode::NoEffect, "no-effect", Severity::Note, false},
     {NoteCode::HeldText, "held-text", Severity::Warning, false},
+    {NoteCode::LinesKept, "lines-kept", Severity::Note, true},
+    {NoteCode::PointsKept, "points-kept", Severity::Note, true},
+    {NoteCode::NoHeight, "no-height", Severity::Note, true},
+    {NoteCode::DirectionsKept, "directions-kept", Severity::Warning, true},
+    {NoteCode::ViewpointKept, "viewpoint-kept", Severity::Note, true},
+    {NoteCode::SingleRounded, "single-rounded", Severity::Warning, true},
+    {NoteCode::UnitOfFile, "unit-of-file", Severity::Note, true},
 };
 static_assert(std::size(kKinds) == static_cast<std::size_t>(NoteCode::Count_));
 

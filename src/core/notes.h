@@ -68,6 +68,14 @@ enum class NoteCode : std::uint8_t {
     HardlyKnown,      // a rotation that the points determine, but not to the tenth part of a radian
     NoEffect,         // a parameter that changes nothing at the values of the others
     HeldText,         // the value that a parameter is held at is no number
+    // Of clouds.
+    LinesKept,       // lines without the numbers of a point, which stay as they are
+    PointsKept,      // points whose coordinates are infinite or no number, which stay as they are
+    NoHeight,        // points without a z, which counts as 0
+    DirectionsKept,  // columns that look like normals or quaternions and are not turned
+    ViewpointKept,   // the viewpoint of a cloud, which is not moved with it
+    SingleRounded,   // coordinates that lose digits in the 32 bits that they have
+    UnitOfFile,      // the unit that a file names is that of its coordinates
     Count_
 };
 
