@@ -6,6 +6,7 @@
 #include <optional>
 #include <ostream>
 
+#include "cli/fit_cloud.h"
 #include "cli/fit_output.h"
 #include "cli/fit_report.h"
 #include "cli/fit_selection.h"
@@ -98,8 +99,10 @@ Pairing WayOf(const std::string& match) {
 
 // Its questions are answered as the user has said beforehand, and stand among the messages with their answer;
 // `open` gets the first one that nobody has answered, which counts as No.
-ImportRequest RequestOf(const FitOptions& options, std::string& open) {
+ImportRequest RequestOf(const FitOptions& options, CloudSet& start, CloudSet& target, std::string& open) {
     ImportRequest request;
+    if (start.Read) request.StartPoints = &start.Points;
+    if (target.Read) request.TargetPoints = &target.Points;
     request.StartPath = options.Start;
     request.TargetPath = options.Target;
     request.Kind = TargetKindByName(options.TargetKind);
@@ -183,9 +186,16 @@ int TakePoints(const FitOptions& options, std::ostream& err, bool showProgress) 
     for (const std::string& path : {options.Start, options.Target})
         if (!Dispatch([&path] { CheckReadable(path); }))
             return Refuse(err, kUnreadable, Run.LastPlatformError);
+    CloudSet start, target;
+    std::string refusal =
+        options.Pairs.empty() ? ReadCloudSet(options, false, start) : ReadCloudPairs(options, start, target);
+    if (refusal.empty() && options.Pairs.empty()) refusal = ReadCloudSet(options, true, target);
+    if (!refusal.empty()) return Refuse(err, kUnreadable, refusal);
     std::string question;
     ImportOutcome outcome = ImportOutcome::NotRead;
-    Dispatch([&] { outcome = Import(RequestOf(options, question)); });
+    Dispatch([&] { outcome = Import(RequestOf(options, start, target, question)); });
+    if (start.Read) NoteCloud(start.Facts, options.Start, false);
+    if (target.Read && options.Pairs.empty()) NoteCloud(target.Facts, options.Target, false);
     if (showProgress && Headless.Yields > 0) err << "\r\x1b[K" << std::flush;
     if (outcome != ImportOutcome::Done) {
         WriteMessages(err);

@@ -12,6 +12,7 @@
 #include "engine/noise.h"
 #include "engine/norm_table.h"
 #include "engine/presets.h"
+#include "import/cloud.h"
 #include "import/robot_files.h"
 
 namespace corvinade::cli {
@@ -48,6 +49,23 @@ void AddPointOptions(CLI::App& fit, FitSwitches& s) {
                    "Points that take no part in the fit, or coordinates of them:\n"
                    "P7, P9:z, P4:xy")
         ->type_name("POINT")
+        ->group(group);
+    fit.add_option("--pairs", o.Pairs,
+                   "A text file that holds both systems, in place of START and\n"
+                   "TARGET: its heading or --columns names x, y, z of START and X, Y,\n"
+                   "Z of TARGET; or control points of a map (.points)")
+        ->type_name("FILE")
+        ->group(group);
+    fit.add_option("--columns", o.PairColumns,
+                   "What the columns of --pairs are, as in name,x,y,z,X,Y,Z; - for\n"
+                   "one to pass over")
+        ->check([](const std::string& text) {
+            std::string why;
+            ColumnsFromText(text, why);
+            return why;
+        })
+        ->needs("--pairs")
+        ->type_name("NAME,...")
         ->group(group);
     AddDecimal(fit, s.Decimal, group);
     fit.add_option("--delimiter", o.Delimiter,
@@ -239,10 +257,12 @@ std::string CheckJobOptions(const FitOptions& o) {
     if (TargetKindByName(o.TargetKind) == TargetKind::Shape && o.Match != "id")
         return "--as paraboloid has no target points to pair with: --match does not go with it";
     if (o.Job.empty())
-        return o.Start.empty() || o.Target.empty() ? "fit takes START and TARGET, or --job FILE.cvn" : "";
+        return o.Start.empty() || o.Target.empty()
+                   ? "fit takes START and TARGET, or --pairs FILE, or --job FILE.cvn"
+                   : "";
     for (const char* option :
-         {"START", "TARGET", "--as", "--match", "--tolerance", "--only-first", "--delimiter", "--length-unit",
-          "--angle-unit", "--digits", "--angle-digits", "--direction"})
+         {"START", "TARGET", "--pairs", "--columns", "--as", "--match", "--tolerance", "--only-first",
+          "--delimiter", "--length-unit", "--angle-unit", "--digits", "--angle-digits", "--direction"})
         if (o.IsGiven(option))
             return std::string("--job brings points, units and direction of its own: ") + option +
                    " does not go with it";
@@ -306,6 +326,12 @@ std::string TakeFitSwitches(FitSwitches& s) {
     if (s.Options.Protocol && !s.Json && (s.Options.Inverse || s.Options.MonteCarloRuns > 0))
         return "--protocol stands instead of the table, so --details, --inverse and --monte-carlo go with it in "
                "--json alone";
+    if (!s.Options.Pairs.empty()) {
+        if (!s.Options.Start.empty()) return "--pairs stands in place of START and TARGET";
+        if (s.Options.Match != "id" || s.Options.TargetKind != "points")
+            return "the points of --pairs are paired already: --match and --as do not go with it";
+        s.Options.Start = s.Options.Target = s.Options.Pairs;
+    }
     return CheckJobOptions(s.Options);
 }
 

@@ -17,6 +17,8 @@ enum class FitOutput { Table, Json, Csv };
 
 struct FitOptions {
     std::string Start, Target;
+    std::string Pairs;                  // path of a file that holds both; "" = none
+    std::string PairColumns;            // of it, "name,x,y,z,X,Y,Z"; "" = its heading names them
     std::string Job;                    // path of a job that stands in the place of both; "" = none
     std::string Save;                   // path of the job to write with its result; "" = none
     std::string TargetKind = "points";  // by name: import/robot_files.h

@@ -317,10 +317,14 @@ FoundForm FindForm(const CloudTask& task, CloudKind kind, std::string_view head,
             }
         }
     }
+    if (best.Rows > 0 && wish.Pairs && !Has(best.Form.Columns, PointColumn::OtherX))
+        task.In.Fail(
+            "its heading does not name the columns of both systems; --columns does, as in "
+            "--columns name,x,y,z,X,Y,Z");
     if (best.Rows == 0)
         task.In.Fail("none of its lines holds the numbers of a point" +
                      std::string(wish.Columns.empty() ? " (--columns names its columns)" : ""));
-    RefuseTwoReadings(task, best);
+    if (usual || !wish.Columns.empty()) RefuseTwoReadings(task, best);
     if (usual && kind == CloudKind::Text && best.Form.Columns == kNamed) RefuseFractionAsName(task, best);
     return {best.Form, best.Unit};
 }

@@ -59,8 +59,10 @@ NumberKind NumberOf(std::string_view text, char decimal, double& value) {
     text = Trimmed(text);
     if (text.empty()) return NumberKind::None;
     if (PlainDecimal(text, decimal, value)) return NumberKind::Finite;
-    if (text.front() == '+') text.remove_prefix(1);
-    if (text.empty() || text.front() == '+') return NumberKind::None;
+    const bool signedBefore = text.front() == '+';
+    if (signedBefore) text.remove_prefix(1);
+    if (text.empty() || ((text.front() == '+' || text.front() == '-') && signedBefore))
+        return NumberKind::None;
     std::string pointed;
     if (decimal != '.') {
         if (text.find('.') != std::string_view::npos) return NumberKind::None;
@@ -152,11 +154,12 @@ void FieldsOf(std::string_view row, char delimiter, std::size_t most, std::vecto
 RowCarrier::RowCarrier(CloudTask& task, RowForm form, int decimals)
     : Form(std::move(form)), task_(task), decimals_(decimals) {}
 
-void RowCarrier::LookAhead(std::string_view rows) {
+void RowCarrier::LookAhead(std::string_view rows, bool isWhole) {
     constexpr int kMostRows = 10000, kMostOfFile = 12;
     std::string_view row;
+    isWhole = isWhole || rows.ends_with('\n') || rows.ends_with('\r');
     for (int i = 0; i < kMostRows && CutLine(rows, row); ++i) {
-        if (rows.empty()) break;  // the last one may go on behind the view
+        if (rows.empty() && !isWhole) break;  // the last one may go on behind the view
         FieldsOf(row, Form.Delimiter, Form.Columns.size(), fields_);
         for (std::size_t k = 0; k < fields_.size(); ++k) {
             double value = 0;

@@ -43,7 +43,7 @@ public:
     // put out. False, with nothing done, where it holds no three numbers.
     bool Carry(std::string_view row);
     // Looks how many decimals the rows of what is in view have: later ones shall not have fewer.
-    void LookAhead(std::string_view rows);
+    void LookAhead(std::string_view rows, bool isWhole = false);
     RowForm Form;
 
 private:

@@ -132,8 +132,11 @@ void NotePosesByTurn(const ImportRequest& request) {
 // Reads both files, the target by the reader of its kind. False when the import must stop.
 bool ReadBothFiles(const ImportRequest& request) {
     const InputKind& kind = InputKindOf(request.Kind);
-    Einlesen_Neu(
-        {request.StartPath, TargetPointFile(request), request.Kind == TargetKind::Shape, request.How});
+    // Where a kind has a reader of its own no point file stands in the place of the start points' again.
+    const bool isCopy =
+        request.Kind == TargetKind::Shape || (request.StartPoints != nullptr && kind.Read != nullptr);
+    Einlesen_Neu({request.StartPath, TargetPointFile(request), isCopy, request.How, request.StartPoints,
+                  request.TargetPoints});
     if (IsTrue(Run.ImportFailed)) return false;
     if (request.Way == Pairing::ByID && kind.NumbersPoints)
         for (std::size_t i = 1; i < Job.Start.Name.size(); ++i) Job.Start.Name[i] = std::to_string(i);
@@ -144,9 +147,11 @@ bool ReadBothFiles(const ImportRequest& request) {
 }
 
 // Pairing by names refuses a double one, the other ways pair the points whatever they are called.
-void NoteDoubleNamesOfFiles() {
-    NoteDoubleNames(Job.PathMCS, Job.Start.Name);
-    if (!IsTrue(Job.IsParaboloid)) NoteDoubleNames(Job.PathOCS, Job.Target.Name);
+// Whoever has read a file already has noted its own.
+void NoteDoubleNamesOfFiles(const ImportRequest& request) {
+    if (request.StartPoints == nullptr) NoteDoubleNames(Job.PathMCS, Job.Start.Name);
+    if (!IsTrue(Job.IsParaboloid) && request.TargetPoints == nullptr)
+        NoteDoubleNames(Job.PathOCS, Job.Target.Name);
 }
 
 // Each way of identifying reads both files and pairs the points. False when the import must stop.
@@ -161,7 +166,7 @@ void ForgetPairsFound(std::uint64_t generation) {
 
 bool ImportByDistance(const ImportRequest& request) {
     if (!ReadBothFiles(request)) return false;
-    NoteDoubleNamesOfFiles();
+    NoteDoubleNamesOfFiles(request);
     const MatchingOptions options = OptionsOf(request);
     if (!TakeEtta(request, DistanceText())) return false;
     AddPrefix(Job.Start.Name, "MCS_");
@@ -174,7 +179,7 @@ bool ImportByDistance(const ImportRequest& request) {
 
 bool ImportByCoordinate(const ImportRequest& request) {
     if (!ReadBothFiles(request)) return false;
-    NoteDoubleNamesOfFiles();
+    NoteDoubleNamesOfFiles(request);
     const MatchingOptions options = OptionsOf(request);
     Job.ScaleX = Job.ScaleY = Job.ScaleZ = 1;
     if (!TakeEtta(request, CoordinateText())) return false;
@@ -314,7 +319,9 @@ ImportOutcome Import(const ImportRequest& request) {
         Job.NameOCS = before[3];
         return ImportOutcome::NotRead;
     };
-    if (!FileIsThere(Job.PathMCS) || !FileIsThere(Job.PathOCS)) return leaveJob();
+    if ((request.StartPoints == nullptr && !FileIsThere(Job.PathMCS)) ||
+        (request.TargetPoints == nullptr && !FileIsThere(Job.PathOCS)))
+        return leaveJob();
     Job.NameMCS = startName;
     Job.NameOCS = targetName;
     if (IsTrue(Run.JobDataValid) && !request.ReplacesQuietly) {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "core/platform.h"
+#include "core/point_set.h"
 #include "core/rooms.h"
 #include "import/reading.h"
 #include "import/robot_files.h"
@@ -40,6 +41,10 @@ struct ImportRequest {
     // By distance: how many target points are searched, as typed; nothing = all. It is read when the search
     // begins, and what is no number is an error there.
     std::optional<std::string> OnlyFirst;
+
+    // Points that have been read already, mm: they are taken in the place of those of the file, whose path is
+    // its name then. What they point to is empty afterwards. Null = the file is read.
+    PointSet *StartPoints = nullptr, *TargetPoints = nullptr;
 
     bool ReplacesQuietly = false;  // the points of before go without a question
     Reading How{};

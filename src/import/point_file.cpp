@@ -198,13 +198,21 @@ bool ReadSet(const std::string& path, const Reading& how, BadField badField, Sha
 }  // namespace
 
 void Einlesen_Neu(const PointFiles& files) {
-    if (!ReadSet(files.Start, files.How, BadField::Ends, {0, 35}, ReplaceStart)) return;
+    if (files.StartPoints != nullptr) {
+        ReplaceStart(std::move(*files.StartPoints));
+    } else if (!ReadSet(files.Start, files.How, BadField::Ends, {0, 35}, ReplaceStart)) {
+        return;
+    }
     Job.RobotABC = Matrix{};  // the orientations of target points that go now
     if (files.TargetIsCopy) {
         ReplaceTarget(Job.Start);
         return;
     }
     if (!ImportGoesOn(1)) return;
+    if (files.TargetPoints != nullptr) {
+        ReplaceTarget(std::move(*files.TargetPoints));
+        return;
+    }
     ReadSet(files.Target, files.How, BadField::LeavesValue, {35, 70}, ReplaceTarget);
 }
 

@@ -8,6 +8,7 @@
 
 #include "core/arrays.h"
 #include "core/platform.h"
+#include "core/point_set.h"
 #include "core/rooms.h"
 #include "import/reading.h"
 
@@ -22,6 +23,8 @@ struct PointFiles {
     std::string Start, Target;
     bool TargetIsCopy = false;  // the target set is a copy of the start set, and no file is read for it
     Reading How{};
+    // Points that have been read already, mm: they are taken, and no file is read for their set. Null = none.
+    PointSet *StartPoints = nullptr, *TargetPoints = nullptr;
 };
 
 // Reads two point files, all checks included, and divides every value by Units.LengthFactor.

@@ -68,6 +68,29 @@ void RefuseOtherDecimal(const CloudTask& task, const RowForm& form, std::string_
                            "\", and other rows \"" + form.Decimal + "\" (--decimal says which holds)");
 }
 
+void CarryRows(CloudTask& task, const RowForm& form, int decimals, bool isWhole) {
+    CloudInput& in = task.In;
+    RowCarrier carrier(task, form, decimals);
+    carrier.LookAhead(in.View(), isWhole);
+    bool looked = !task.Wish.Columns.empty();
+    std::string_view whole, lineEnd;
+    while (in.NextLine(whole)) {
+        const std::string_view row = WithoutLineEnd(whole, lineEnd);
+        if (row.find_first_not_of(" \t") == std::string_view::npos) {
+            task.Out.Put(whole);
+        } else if (IsCommentLine(row)) {
+            KeepLine(task, whole);
+        } else if (carrier.Carry(row)) {
+            task.Out.Put(lineEnd);
+            if (!looked) LookForDirections(task, form, row);
+            looked = true;
+        } else {
+            RefuseOtherDecimal(task, form, row);
+            KeepLine(task, whole);
+        }
+    }
+}
+
 }  // namespace
 
 void RunText(CloudTask& task, CloudKind kind) {
@@ -80,43 +103,20 @@ void RunText(CloudTask& task, CloudKind kind) {
     const FoundForm found = FindForm(task, kind, in.View(), isWhole);
     task.Facts.Unit = found.Unit;
     task.Facts.TwoCoordinates = !found.Form.HasZ;
-    CloudMotion motion;
     int decimals = task.Wish.LeastDigits;
     if (!found.Unit.empty()) {
         task.UnitsPerMm = UnitsPerMm(found.Unit);
         // As many of the unit as three are of a millimetre.
         decimals = std::max(0, 3 - static_cast<int>(std::floor(std::log10(task.UnitsPerMm) + 0.5)));
     }
-    CloudTask inner = task;
-    if (task.Motion != nullptr) {
-        motion = InUnit(*task.Motion, task.UnitsPerMm);
-        inner.Motion = &motion;
+    const CloudMotion* const given = task.Motion;
+    CloudMotion motion;
+    if (given != nullptr) {
+        motion = InUnit(*given, task.UnitsPerMm);
+        task.Motion = &motion;
     }
-    RowCarrier carrier(inner, found.Form, decimals);
-    carrier.LookAhead(in.View());
-    const bool named = task.Wish.Columns.empty();
-    std::string_view whole, lineEnd;
-    bool looked = !named;
-    while (in.NextLine(whole)) {
-        const std::string_view row = WithoutLineEnd(whole, lineEnd);
-        if (row.find_first_not_of(" \t") == std::string_view::npos) {
-            task.Out.Put(whole);
-            continue;
-        }
-        if (IsCommentLine(row)) {
-            KeepLine(inner, whole);
-            continue;
-        }
-        if (!carrier.Carry(row)) {
-            RefuseOtherDecimal(task, found.Form, row);
-            KeepLine(inner, whole);
-            continue;
-        }
-        task.Out.Put(lineEnd);
-        if (!looked) LookForDirections(inner, found.Form, row);
-        looked = true;
-    }
-    task.Facts = inner.Facts;
+    CarryRows(task, found.Form, decimals, isWhole);
+    task.Motion = given;
 }
 
 }  // namespace corvinade::import
