@@ -13,13 +13,14 @@ namespace corvinade::import {
 namespace {
 
 constexpr std::size_t kBlock_bytes = std::size_t{1} << 20;
+constexpr std::size_t kFirst_bytes = std::size_t{1} << 16;  // a small file needs no more
 
 }  // namespace
 
 // --- In ---------------------------------------------------------------------------------------------------
 
 CloudInput::CloudInput(std::string path, ReadBytes read)
-    : path_(std::move(path)), read_(std::move(read)), buffer_(kBlock_bytes) {}
+    : path_(std::move(path)), read_(std::move(read)), buffer_(kFirst_bytes) {}
 
 bool CloudInput::More() {
     if (ended_) return false;
@@ -95,7 +96,6 @@ void CloudInput::FailAtLine(const std::string& why) const {
 // --- Out --------------------------------------------------------------------------------------------------
 
 CloudOutput::CloudOutput(WriteBytes write) : write_(std::move(write)) {
-    if (write_) buffer_.reserve(kBlock_bytes);
 }
 
 void CloudOutput::Put(std::string_view bytes) {

@@ -59,7 +59,7 @@ TEST(CloudFuzz, DamageIsRefusedOrHarmless) {
     int good = 0;
     for (const auto& [name, bytes] : seeds) {
         EXPECT_EQ(Carried(bytes, name).Error, "") << name;
-        for (int round = 0; round < 3000; ++round) {
+        for (int round = 0; round < 1000; ++round) {
             std::string damaged = bytes;
             for (std::size_t i = below(4) + 1; i > 0; --i) {
                 const std::size_t at = below(damaged.size());
@@ -97,7 +97,7 @@ TEST(CloudFuzz, DamageIsRefusedOrHarmless) {
             EXPECT_LE(run.Out.size(), 4000 * (damaged.size() + 1));
         }
     }
-    EXPECT_GT(good, 1000);
+    EXPECT_GT(good, 500);
 }
 
 }  // namespace
