@@ -127,18 +127,18 @@ void NoteCloud(const CloudFacts& facts, const std::string& path, bool carried) {
     const auto intOf = [](std::int64_t value) {
         return static_cast<int>(std::min<std::int64_t>(value, std::numeric_limits<int>::max()));
     };
-    const bool rows = facts.Kind != CloudKind::Ply && facts.Kind != CloudKind::Pcd;
     if (facts.LinesKept > 0)
         AddNote(NoteCode::LinesKept,
                 carried ? "Lines without three numbers stay as they are"
                         : "Lines without three numbers are passed over",
                 path, intOf(facts.FirstKept), intOf(facts.LinesKept));
     if (facts.NotFinite > 0) {
-        const std::string first = rows ? "" : ", the first is point " + std::to_string(facts.FirstNotFinite);
+        const std::string first =
+            facts.FirstIsLine ? "" : ", the first is point " + std::to_string(facts.FirstNotFinite);
         AddNote(NoteCode::PointsKept,
                 "Points whose coordinates are no finite numbers " +
                     std::string(carried ? "stay as they are" : "are left out") + first,
-                path, rows ? intOf(facts.FirstNotFinite) : 0, intOf(facts.NotFinite));
+                path, facts.FirstIsLine ? intOf(facts.FirstNotFinite) : 0, intOf(facts.NotFinite));
     }
     if (facts.TwoCoordinates)
         AddNote(NoteCode::NoHeight,

@@ -70,9 +70,10 @@ struct CloudWish {
 // What was found in a file.
 struct CloudFacts {
     CloudKind Kind = CloudKind::Text;
-    std::int64_t Points = 0;               // with all coordinates finite
-    std::int64_t NotFinite = 0;            // points with NaN or infinite coordinates, kept as they are
-    std::int64_t FirstNotFinite = 0;       // the first of them: its number, of text its line; from 1
+    std::int64_t Points = 0;          // with all coordinates finite
+    std::int64_t NotFinite = 0;       // points with NaN or infinite coordinates, kept as they are
+    std::int64_t FirstNotFinite = 0;  // the first of them: its number, or in text its line; from 1
+    bool FirstIsLine = false;
     std::int64_t LinesKept = 0;            // lines, or CgPoints, without three numbers
     std::int64_t FirstKept = 0;            // the line of the first
     double LargestIn = 0, LargestOut = 0;  // of 32-bit coordinates, absolute

@@ -143,6 +143,7 @@ double UnitsPerMm(const std::string& unit) {
     if (unit == "km") return 1e-6;
     if (unit == "in") return 1 / 25.4;
     if (unit == "ft") return 1 / 304.8;
+    if (unit == "ftUS") return 3937.0 / 1200 / 1000;
     return 1;
 }
 
@@ -269,6 +270,18 @@ void RefuseFractionAsName(const CloudTask& task, const Way& way) {
                  "\"; --columns says what its columns are, as in --columns x,y,z or --columns name,x,y,z");
 }
 
+// A row with more fields than its heading has words: which of them the heading leaves out is anybody's guess.
+void RefuseShortHeading(const CloudTask& task, const Way& way) {
+    std::vector<std::string_view> fields;
+    FieldsOf(way.First, way.Form.Delimiter, kMostFields, fields);
+    while (!fields.empty() && fields.back().find_first_not_of(" \t") == std::string_view::npos)
+        fields.pop_back();
+    if (fields.size() <= way.Form.Columns.size()) return;
+    task.In.Fail("its heading has " + std::to_string(way.Form.Columns.size()) + " columns and the row \"" +
+                 Printable(way.First) + "\" " + std::to_string(fields.size()) +
+                 "; --columns says what they are");
+}
+
 }  // namespace
 
 FoundForm FindForm(const CloudTask& task, CloudKind kind, std::string_view head, bool isWhole) {
@@ -287,29 +300,24 @@ FoundForm FindForm(const CloudTask& task, CloudKind kind, std::string_view head,
     bool usual = false;
     for (const char delimiter : delimiters) {
         std::optional<CloudHeading> heading;
-        if (wish.Columns.empty()) {
-            std::vector<std::string_view> fields;
-            for (const std::string_view text : lines) {
-                FieldsOf(text, delimiter, kMostFields, fields);
-                double value = 0;
-                const auto numbers = std::count_if(fields.begin(), fields.end(), [&](std::string_view field) {
-                    return NumberOf(field, '.', value) != NumberKind::None ||
-                           NumberOf(field, ',', value) != NumberKind::None;
-                });
-                if (!IsCommentLine(text) && numbers >= 3) break;  // the rows begin
-                if (auto found = HeadingOf(text, delimiter)) heading = std::move(found);
-            }
+        std::vector<std::string_view> fields;
+        for (const std::string_view text : lines) {
+            FieldsOf(text, delimiter, kMostFields, fields);
+            double value = 0;
+            const auto numbers = std::count_if(fields.begin(), fields.end(), [&](std::string_view field) {
+                return NumberOf(field, '.', value) != NumberKind::None ||
+                       NumberOf(field, ',', value) != NumberKind::None;
+            });
+            if (!IsCommentLine(text) && numbers >= 3) break;  // the rows begin
+            if (auto found = HeadingOf(text, delimiter)) heading = std::move(found);
         }
         std::vector<Columns> all = heading ? std::vector<Columns>{heading->Columns} : UsualColumns(kind);
         if (!wish.Columns.empty()) all = {wish.Columns};
         for (const Columns& columns : all) {
             for (const char decimal : decimals) {
                 if (decimal == delimiter) continue;
-                Way way = {{delimiter, decimal, columns, !heading || heading->HasZ},
-                           heading ? heading->Unit : "",
-                           0,
-                           {}};
-                if (!wish.Columns.empty()) way.Form.HasZ = Has(columns, PointColumn::Z);
+                const bool hasZ = !heading || heading->HasZ || !wish.Columns.empty();
+                Way way = {{delimiter, decimal, columns, hasZ}, heading ? heading->Unit : "", 0, {}};
                 CountRows(rows, way);
                 if (way.Rows <= best.Rows) continue;
                 best = std::move(way);
@@ -324,6 +332,7 @@ FoundForm FindForm(const CloudTask& task, CloudKind kind, std::string_view head,
     if (best.Rows == 0)
         task.In.Fail("none of its lines holds the numbers of a point" +
                      std::string(wish.Columns.empty() ? " (--columns names its columns)" : ""));
+    if (!usual && wish.Columns.empty()) RefuseShortHeading(task, best);
     if (usual || !wish.Columns.empty()) RefuseTwoReadings(task, best);
     if (usual && kind == CloudKind::Text && best.Form.Columns == kNamed) RefuseFractionAsName(task, best);
     return {best.Form, best.Unit};

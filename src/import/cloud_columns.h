@@ -24,7 +24,7 @@ std::optional<CloudHeading> HeadingOf(std::string_view line, char delimiter);
 
 bool IsCommentLine(std::string_view line);
 
-// Units per millimetre of one of the units above; 1 for any other.
+// Units per millimetre of one of the units above, and of "ftUS"; 1 for any other.
 double UnitsPerMm(const std::string& unit);
 
 struct FoundForm {

@@ -201,6 +201,7 @@ bool RowCarrier::Carry(std::string_view row) {
     if (other == NumberKind::None) return false;
     if (kind == NumberKind::NotFinite || other == NumberKind::NotFinite) {
         if (task_.Facts.NotFinite++ == 0) task_.Facts.FirstNotFinite = task_.In.Line;
+        task_.Facts.FirstIsLine = true;
         task_.Out.Put(row);
         return true;
     }

@@ -95,8 +95,7 @@ void CloudInput::FailAtLine(const std::string& why) const {
 
 // --- Out --------------------------------------------------------------------------------------------------
 
-CloudOutput::CloudOutput(WriteBytes write) : write_(std::move(write)) {
-}
+CloudOutput::CloudOutput(WriteBytes write) : write_(std::move(write)) {}
 
 void CloudOutput::Put(std::string_view bytes) {
     if (!write_) return;

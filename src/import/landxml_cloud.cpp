@@ -142,12 +142,13 @@ std::optional<std::string> AttributeOf(std::string_view tag, std::string_view na
 
 // What LandXML calls the unit of lengths; "" where this knows none of that name.
 std::string UnitByName(const std::string& name) {
-    static constexpr std::array<std::array<const char*, 2>, 6> kNames = {{{"millimeter", "mm"},
+    static constexpr std::array<std::array<const char*, 2>, 7> kNames = {{{"millimeter", "mm"},
                                                                           {"centimeter", "cm"},
                                                                           {"meter", "m"},
                                                                           {"kilometer", "km"},
                                                                           {"foot", "ft"},
-                                                                          {"inch", "in"}}};
+                                                                          {"inch", "in"},
+                                                                          {"USSurveyFoot", "ftUS"}}};
     for (const auto& [theirs, ours] : kNames)
         if (name == theirs) return ours;
     return "";
@@ -178,6 +179,7 @@ bool CarryPoint(CloudTask& task, std::string name, std::string_view text, const 
     }
     if (!finite) {
         if (task.Facts.NotFinite++ == 0) task.Facts.FirstNotFinite = task.In.Line;
+        task.Facts.FirstIsLine = true;
         task.Out.Put(text);
         return true;
     }

@@ -70,6 +70,10 @@ TEST(TextCloud, TheUserSaysWhatItsColumnsAre) {
     wish.Columns = ColumnsFromText("-,z,y,x,nx,ny,nz", why).value();
     EXPECT_EQ(Carried("9.5 3 2 1 1 0 0 8\n", "a.txt", wish).Out,
               "9.5 33.000 22.200 9.600 0.800000 0.600000 0.000000 8\n");
+    EXPECT_EQ(
+        Carried("a b c [m] d e f g\nX [m] Y Z a b c d\n9.5 3 2 1 1 0 0 8\n", "a.txt", wish).Out,
+        "a b c [m] d e f g\nX [m] Y Z a b c d\n9.5 3.030000 2.220000 -0.390000 0.800000 0.600000 0.000000 8\n")
+        << "the unit is still that of the heading";
     wish.Digits = 0;
     EXPECT_EQ(Carried("9.5 3 2 1 1 0 0\n", "a.txt", wish).Out, "9.5 33 22 10 0.800000 0.600000 0.000000\n");
     for (const char* text :
@@ -105,6 +109,8 @@ TEST(TextCloud, WhatCanBeReadInTwoWaysIsRefused) {
     EXPECT_NE(refusal("1;2;3\n1,5;2;3\n4.5;1;1\n5.5;1;1\n").find("line 2: \"1,5\" has the decimal delimiter"),
               std::string::npos);
     EXPECT_NE(refusal("1.5 2.5 3.5 17\n", "a.txt").find("--columns"), std::string::npos);
+    EXPECT_NE(refusal("X Y Z\n7 1 2 3\n").find("its heading has 3 columns and the row \"7 1 2 3\" 4"),
+              std::string::npos);
     EXPECT_NE(refusal("1 2 1e400\n1 2 3\n").find("line 1: \"1e400\" is beyond"), std::string::npos);
     EXPECT_NE(refusal(std::string("1 2 3\0\n", 7)).find("it is no text"), std::string::npos);
 }
@@ -192,7 +198,7 @@ TEST(LandXmlCloud, ItsUnitIsThatOfItsCoordinates) {
     const CloudRun run = Carried(LandXml("<CgPoint name=\"A\">2 1 3</CgPoint>", "meter"), "a.xml");
     EXPECT_NE(run.Out.find(">2.220000 -0.390000 3.030000<"), std::string::npos) << run.Out;
     EXPECT_EQ(run.Facts.Unit, "m");
-    EXPECT_NE(Carried(LandXml("", "USSurveyFoot"), "a.xml").Error.find("line 4: \"USSurveyFoot\" is no unit"),
+    EXPECT_NE(Carried(LandXml("", "furlong"), "a.xml").Error.find("line 4: \"furlong\" is no unit"),
               std::string::npos);
 }
 
