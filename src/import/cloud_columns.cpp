@@ -151,6 +151,7 @@ std::optional<CloudHeading> HeadingOf(std::string_view line, char delimiter) {
     std::vector<std::string> words = WordsOf(line, delimiter);
     CloudHeading heading;
     std::vector<std::string> units;
+    units.reserve(words.size());
     for (std::string& word : words) units.push_back(TakeUnit(word));
     const auto stands = [&words](const char* word) {
         return std::find(words.begin(), words.end(), word) != words.end();

@@ -50,7 +50,8 @@ template <class T, bool kSwapped>
 void CarryFloats(CloudTask& task, std::array<char*, 3> at, std::array<std::size_t, 3> stride,
                  std::size_t count, std::int64_t first) {
     const CloudMotion motion = *task.Motion;
-    double largestIn = task.Facts.LargestIn, largestOut = task.Facts.LargestOut;
+    // The largest of each axis for itself: none waits for another.
+    std::array<double, 3> in{}, out{};
     std::int64_t points = 0;
     for (std::size_t i = 0; i < count; ++i) {
         const std::array<double, 3> p = {LoadAs<T, kSwapped>(at[0]), LoadAs<T, kSwapped>(at[1]),
@@ -60,20 +61,24 @@ void CarryFloats(CloudTask& task, std::array<char*, 3> at, std::array<std::size_
             const std::array<T, 3> kept = {static_cast<T>(q[0]), static_cast<T>(q[1]), static_cast<T>(q[2])};
             if (!AreFinite({kept[0], kept[1], kept[2]}))
                 RefuseTooLarge(task, first + static_cast<std::int64_t>(i));
-            if constexpr (std::is_same_v<T, float>) {
-                largestIn = std::max({largestIn, std::fabs(p[0]), std::fabs(p[1]), std::fabs(p[2])});
-                largestOut = std::max({largestOut, std::fabs(q[0]), std::fabs(q[1]), std::fabs(q[2])});
+            for (std::size_t k = 0; k < 3; ++k) {
+                if constexpr (std::is_same_v<T, float>) {
+                    in[k] = std::max(in[k], std::fabs(p[k]));
+                    out[k] = std::max(out[k], std::fabs(q[k]));
+                }
+                StoreAs<T, kSwapped>(kept[k], at[k]);
             }
-            for (std::size_t k = 0; k < 3; ++k) StoreAs<T, kSwapped>(kept[k], at[k]);
             ++points;
         } else {
             CountNotFinite(task, first + static_cast<std::int64_t>(i));
         }
         for (std::size_t k = 0; k < 3; ++k) at[k] += stride[k];
     }
+    for (std::size_t k = 0; k < 3; ++k) {
+        task.Facts.LargestIn = std::max(task.Facts.LargestIn, in[k]);
+        task.Facts.LargestOut = std::max(task.Facts.LargestOut, out[k]);
+    }
     task.Facts.Points += points;
-    task.Facts.LargestIn = largestIn;
-    task.Facts.LargestOut = largestOut;
 }
 
 bool AllAre(const std::array<RecordField, 3>& fields, Scalar type) {

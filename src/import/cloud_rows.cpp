@@ -79,8 +79,9 @@ NumberKind NumberOf(std::string_view text, char decimal, double& value) {
 
 int DecimalsOf(std::string_view text, char decimal) {
     text = Trimmed(text);
-    const std::size_t e = std::min(text.find_first_of("eE"), text.size());
-    const std::size_t point = std::min(text.substr(0, e).find(decimal), e);
+    std::size_t e = 0, point = text.size();
+    for (; e < text.size() && text[e] != 'e' && text[e] != 'E'; ++e)
+        if (text[e] == decimal) point = e;
     int decimals = point < e ? static_cast<int>(e - point - 1) : 0;
     if (e < text.size()) {
         std::string_view digits = text.substr(e + 1);
@@ -102,11 +103,20 @@ void AppendFixed(double value, int decimals, char decimal, std::string& text) {
         auto number = static_cast<std::uint64_t>(scaled - whole > 0.5 ? whole + 1 : whole);
         if (number != 0 && value < 0) text += '-';
         char* at = buffer + sizeof buffer;
-        for (int i = 0; i < decimals; ++i) {
+        const auto putPair = [&at, &number] {
+            const std::uint64_t pair = number % 100;
+            number /= 100;
+            *--at = static_cast<char>('0' + pair % 10);
+            *--at = static_cast<char>('0' + pair / 10);
+        };
+        int left = decimals;
+        for (; left > 1; left -= 2) putPair();
+        if (left > 0) {
             *--at = static_cast<char>('0' + number % 10);
             number /= 10;
         }
         if (decimals > 0) *--at = decimal;
+        while (number >= 100) putPair();
         do {
             *--at = static_cast<char>('0' + number % 10);
             number /= 10;
