@@ -196,9 +196,14 @@ bool WriteBatchFile(const BatchInput& input, const std::string& outPath,
     return true;
 }
 
+void PutBatchFile(const BatchInput& input, const std::function<void(std::string_view)>& write,
+                  LineCounts& counts) {
+    TransformAndNote(input, write, nullptr, counts);
+}
+
 void LookIntoBatchFile(const BatchInput& input, LineCounts& counts) {
-    TransformAndNote(
-        input, [](std::string_view) {}, nullptr, counts);
+    PutBatchFile(
+        input, [](std::string_view) {}, counts);
 }
 
 std::vector<std::string> NotesAsLines(const BatchNotes& notes, std::size_t most) {

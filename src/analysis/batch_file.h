@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "analysis/transformed_lines.h"
@@ -39,6 +40,11 @@ BatchInput ReadBatchFile(const std::string& path);
 // than any number. What is read otherwise than it may be meant is noted with its line and its field.
 bool WriteBatchFile(const BatchInput& input, const std::string& outPath,
                     const std::function<bool(double share)>& goOn, LineCounts& counts);
+
+// The same into what takes the bytes as they come: standard output. What has been handed on is of no use
+// where it throws.
+void PutBatchFile(const BatchInput& input, const std::function<void(std::string_view)>& write,
+                  LineCounts& counts);
 
 // The same without a file to write: counts and notes.
 void LookIntoBatchFile(const BatchInput& input, LineCounts& counts);

@@ -317,8 +317,17 @@ int RunParsed(Commands& c, std::istream& in, std::ostream& out, std::ostream& er
         return RunBundle(c.BundleOf.Options, out, err, colour, progress);
     }
     if (c.TransformApp->parsed()) {
-        TakeTransformSwitches(c.TransformOf);
-        return RunTransform(c.TransformOf.Options, out, err, progress);
+        const std::string wrong = TakeTransformSwitches(c.TransformOf);
+        if (!wrong.empty()) {
+            err << wrong << "\n";
+            return kWrongUsage;
+        }
+        const TransformOptions& o = c.TransformOf.Options;
+        for (const std::string& path : o.In)
+            if (path != "-" && o.Out != "-" &&
+                !AreApart({{"JOB", o.Job}, {"--with", o.With}, {"IN", path}}, {{"--out", o.Out}}, err))
+                return kWrongUsage;
+        return RunTransform(o, in, out, err, progress);
     }
     if (c.ExportApp->parsed()) return Export(c.ExportOf, out, err);
     TakeJobSwitches(c.JobOf);

@@ -268,8 +268,10 @@ void TellFiles(FitOptions& options, const std::array<FitFile, 2>& files, std::os
 int TakePoints(FitOptions& options, std::ostream& err, bool showProgress) {
     std::array<FitFile, 2> files;
     for (int file = 0; file < 2; ++file) {
-        const std::string refusal =
-            ReadFitFile(options, file, options.In, files[static_cast<std::size_t>(file)]);
+        if (!options.Pairs.empty() && file == 1) break;
+        const std::string refusal = options.Pairs.empty() ? ReadFitFile(options, file, options.In,
+                                                                        files[static_cast<std::size_t>(file)])
+                                                          : ReadFitPairs(options, files);
         if (!refusal.empty()) {
             WriteMessages(err);
             return Refuse(err, kUnreadable, refusal);

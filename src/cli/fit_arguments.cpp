@@ -16,6 +16,7 @@
 #include "engine/noise.h"
 #include "engine/norm_table.h"
 #include "engine/presets.h"
+#include "import/cloud.h"
 #include "import/robot_files.h"
 #include "import/table_heading.h"
 
@@ -59,6 +60,12 @@ void AddPointOptions(CLI::App& fit, FitSwitches& s) {
                    "Points that take no part in the fit, or coordinates of them:\n"
                    "P7, P9:z, P4:xy")
         ->type_name("POINT")
+        ->group(group);
+    fit.add_option("--pairs", o.Pairs,
+                   "A text file that holds both systems, in place of START and\n"
+                   "TARGET: its heading or --columns names x, y, z of START and X, Y,\n"
+                   "Z of TARGET; or control points of a map (.points)")
+        ->type_name("FILE")
         ->group(group);
     auto* yes = fit.add_flag("--yes,-y", s.Yes,
                              "Answer the questions of the import with Yes; with --format plain\n"
@@ -282,10 +289,12 @@ std::string CheckJobOptions(const FitOptions& o) {
     if (TargetKindByName(o.TargetKind) == TargetKind::Shape && o.Match != "id")
         return "--as paraboloid has no target points to pair with: --match does not go with it";
     if (o.Job.empty())
-        return o.Start.empty() || o.Target.empty() ? "fit takes START and TARGET, or --job FILE.cvn" : "";
-    for (const char* option : {"START", "TARGET", "--as", "--names", "--select", "--match", "--tolerance",
-                               "--only-first", "--delimiter", "--length-unit", "--angle-unit", "--digits",
-                               "--angle-digits", "--direction", "--skip-bad"})
+        return o.Start.empty() || o.Target.empty()
+                   ? "fit takes START and TARGET, or --pairs FILE, or --job FILE.cvn"
+                   : "";
+    for (const char* option : {"START", "TARGET", "--pairs", "--columns", "--as", "--names", "--select",
+                               "--match", "--tolerance", "--only-first", "--delimiter", "--length-unit",
+                               "--angle-unit", "--digits", "--angle-digits", "--direction", "--skip-bad"})
         if (o.IsGiven(option))
             return std::string("--job brings points, units and direction of its own: ") + option +
                    " does not go with it";
@@ -353,6 +362,12 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
 }
 
 std::string TakeFitSwitches(FitSwitches& s) {
+    if (!s.Options.Pairs.empty()) {
+        if (!s.Options.Start.empty()) return "--pairs stands in place of START and TARGET";
+        if (s.Options.Match != "id" || s.Options.TargetKind != "points")
+            return "the points of --pairs are paired already: --match and --as do not go with it";
+        s.Options.Start = s.Options.Target = s.Options.Pairs;
+    }
     const std::string wrong = TakeTables(s);
     if (!wrong.empty()) return wrong;
     if (s.Yes || s.No) s.Options.Questions = s.Yes;

@@ -5,7 +5,11 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/arguments.h"
+#include "cli/fit_cloud.h"
 #include "cli/input_bytes.h"
+#include "cli/transform_cloud.h"
+#include "core/controller.h"
+#include "core/files.h"
 #include "core/notes.h"
 #include "core/platform.h"
 #include "core/run.h"
@@ -97,6 +101,33 @@ const std::map<std::string, std::string>& TableDelimiterNames() {
     return kNames;
 }
 
+namespace {
+
+void TakeCloud(CloudSet& set, const FitOptions& options, int file, FitFile& read) {
+    read.Facts = ReadFileFacts{};
+    read.Facts.What = WhatOf(file);
+    read.Facts.File = PathOf(options, file);
+    const CloudKind kind = KindOfFile(read.Facts.File);
+    read.Facts.Format = kind == CloudKind::Text ? "table" : CloudKindName(kind);
+    read.Facts.Unit = set.Facts.Unit.empty() ? UsualUnit(options) : set.Facts.Unit;
+    read.Points = std::move(set.Points);
+    read.Read = true;
+}
+
+}  // namespace
+
+std::string ReadFitPairs(const FitOptions& options, std::array<FitFile, 2>& files) {
+    std::array<CloudSet, 2> sets;
+    std::string refusal;
+    if (!Dispatch([&] { CheckReadable(options.Pairs); })) return Run.LastPlatformError;
+    refusal = ReadCloudPairs(options, sets[0], sets[1]);
+    if (!refusal.empty()) return refusal;
+    NoteCloud(sets[0].Facts, options.Pairs, false);
+    for (int file = 0; file < 2; ++file)
+        TakeCloud(sets[static_cast<std::size_t>(file)], options, file, files[static_cast<std::size_t>(file)]);
+    return "";
+}
+
 std::string ReadFitFile(const FitOptions& options, int file, std::istream* in, FitFile& read) {
     const std::string& path = PathOf(options, file);
     const bool told = options.Files[static_cast<std::size_t>(file)].Format == "plain";
@@ -106,6 +137,16 @@ std::string ReadFitFile(const FitOptions& options, int file, std::istream* in, F
                 return "Cannot read \"" + InputName(path) + "\": " +
                        (told ? "--format plain reads files alone" : "only points are read from a stream");
             CheckReadable(path);
+            return "";
+        }
+        const bool found = options.Files[static_cast<std::size_t>(file)].Format == "auto" && !IsStream(path);
+        const CloudKind kind = found && File_Exist(path) ? KindOfFile(path) : CloudKind::Text;
+        if (kind != CloudKind::Text && kind != CloudKind::Xyz) {
+            CloudSet set;
+            const std::string refusal = ReadCloudSet(options, file == 1, set);
+            if (!refusal.empty()) return refusal;
+            NoteCloud(set.Facts, path, false);
+            TakeCloud(set, options, file, read);
             return "";
         }
         const FileBytes bytes = ReadInput(path, in);

@@ -1,6 +1,7 @@
 // The point files of a fit: what the user says of each, reading them as tables, and telling how it was done.
 #pragma once
 
+#include <array>
 #include <iosfwd>
 #include <map>
 #include <nlohmann/json_fwd.hpp>
@@ -28,6 +29,9 @@ struct FitFile {
 //   file   0 = START, 1 = TARGET
 //   in     what the path "-" stands for
 std::string ReadFitFile(const FitOptions& options, int file, std::istream* in, FitFile& read);
+
+// Reads both sets from the file of --pairs, likewise.
+std::string ReadFitPairs(const FitOptions& options, std::array<FitFile, 2>& files);
 
 // What stands between the fields of a table, by name.
 const std::map<std::string, std::string>& TableDelimiterNames();

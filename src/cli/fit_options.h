@@ -44,6 +44,8 @@ struct FitOptions {
     bool Verbose = false;                  // how the files were read is told
     std::istream* In = nullptr;            // what the path "-" stands for
     std::vector<ReadFileFacts> FileFacts;  // START and TARGET once they are read; empty for a job
+    std::string Pairs;                     // path of a file that holds both; "" = none
+    std::string PairColumns;               // of it, "name,x,y,z,X,Y,Z"; "" = its heading names them
     std::string Job;                       // path of a job that stands in the place of both; "" = none
     std::string Save;                      // path of the job to write with its result; "" = none
     std::string TargetKind = "points";     // by name: import/robot_files.h

@@ -13,6 +13,7 @@
 #include "core/text.h"
 #include "core/units.h"
 #include "engine/norm_table.h"
+#include "import/cloud.h"
 #include "import/robot_files.h"
 #include "import/table_heading.h"
 
@@ -38,10 +39,13 @@ void AddTableOptions(CLI::App& fit, FitSwitches& s) {
             ->type_name("auto|plain|table");
         add(one + "columns", t.Columns,
             told("What the columns hold: name, x, y, z, sx, sy, sz, s, and - for one to\n"
-                 "pass over; default: as the heading says, else name,x,y,z or x,y,z"))
+                 "pass over; of --pairs also X, Y, Z; default: as the heading says, else\n"
+                 "name,x,y,z or x,y,z"))
             ->check([](const std::string& text) {
+                // Those of --pairs have capitals too; TakeTables looks at what goes with what.
                 std::vector<TableRole> columns;
-                return TakeTableColumns(text, columns);
+                std::string why = TakeTableColumns(text, columns), wrong;
+                return why.empty() || ColumnsFromText(text, wrong) ? std::string() : why;
             })
             ->type_name("NAME,X,Y,Z");
         fit.add_option("--" + one + "skip", t.Skip, told("So many lines at the beginning are passed over"))
@@ -85,9 +89,42 @@ void AddTableOptions(CLI::App& fit, FitSwitches& s) {
         ->group(group);
 }
 
+namespace {
+
+// --pairs has columns, delimiter and decimal delimiter; its rows are read or refused.
+std::string TakePairs(FitSwitches& s) {
+    FitOptions& o = s.Options;
+    std::string why;
+    if (!s.Tables[0].Columns.empty() && !ColumnsFromText(s.Tables[0].Columns, why))
+        return "--columns: " + why;
+    o.PairColumns = s.Tables[0].Columns;
+    for (const char* name :
+         {"format", "columns", "skip", "comment", "delimiter", "decimal", "unit", "encoding"})
+        for (const char* prefix : {"--start-", "--target-", "--"}) {
+            const std::string option = std::string(prefix) + name;
+            const std::string text = name;
+            const bool fits = std::string(prefix) == "--" &&
+                              (text == "columns" || text == "delimiter" || text == "decimal");
+            if (!fits && o.IsGiven(option)) return option + " does not go with --pairs";
+        }
+    return o.SkipBad ? "--skip-bad does not go with --pairs" : "";
+}
+
+}  // namespace
+
 // What is said of one file goes before what is said of both. "" or what does not go together.
 std::string TakeTables(FitSwitches& s) {
     FitOptions& o = s.Options;
+    if (!o.Pairs.empty()) {
+        const std::string wrong = TakePairs(s);
+        if (!wrong.empty()) return wrong;
+        s.Tables[0].Columns.clear();
+    }
+    for (const TableSwitches& table : s.Tables) {
+        std::vector<TableRole> columns;
+        const std::string wrong = table.Columns.empty() ? "" : TakeTableColumns(table.Columns, columns);
+        if (!wrong.empty()) return "--columns: " + wrong;
+    }
     for (std::size_t i = 0; i < o.Files.size(); ++i) {
         const TableSwitches &both = s.Tables[0], &one = s.Tables[i + 1];
         const auto first = [](const std::string& a, const std::string& b) { return a.empty() ? b : a; };

@@ -12,7 +12,10 @@
 #include "cli/headless.h"
 #include "cli/job_files.h"
 #include "cli/messages.h"
+#include "cli/transform_cloud.h"
+#include "cli/transformation_file.h"
 #include "cli/written_json.h"
+#include "core/file_source.h"
 #include "core/files.h"
 #include "core/folders.h"
 #include "core/job.h"
@@ -21,6 +24,7 @@
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/settings.h"
+#include "core/units.h"
 #include "core/window.h"
 
 namespace corvinade::cli {
@@ -82,32 +86,34 @@ enum class Ended { Written, Unreadable, Unwritten };
 
 class Batch {
 public:
-    Batch(const TransformOptions& options, BatchNotes& notes) : options_(options), notes_(notes) {}
+    Batch(const TransformOptions& options, const CloudOrder& order, BatchNotes& notes)
+        : options_(options), order_(order), notes_(notes) {}
 
     template <class Tell>
     Ended Transform(const std::string& path, Tell tell) {
-        const std::string outPath = JoinPath(options_.To, BatchOutName(NameOfFile(path)));
+        const std::string outPath = OutPathOf(path);
+        if (IsCloud(path)) return TransformOne(path, outPath, tell);
         Ended ended = Ended::Unreadable;
         LineCounts counts;
         try {
             const BatchInput input = ReadBatchFile(path);
             ended = Ended::Unwritten;
-            // Two files of one name, from two folders, do not replace each other's result.
-            if (written_.count(outPath) != 0)
-                throw PlatformError{"\"" + path + "\": \"" + outPath +
-                                    "\" holds another file's points by now"};
-            if (!options_.Overwrite && File_Exist(outPath))
-                throw PlatformError{"\"" + path + "\": \"" + outPath + "\" exists; --overwrite replaces it"};
-            WriteBatchFile(
-                input, outPath,
-                [&tell](double share) {
-                    tell(share);
-                    return true;
-                },
-                counts);
-            written_.insert(outPath);
-            inOrder_.push_back(outPath);
-            ++notes_.Done;
+            CheckPlace(path, outPath);
+            if (outPath == "-") {
+                PutBatchFile(
+                    input, [this](std::string_view bytes) { WriteToStandardOutput(*order_.Out, bytes); },
+                    counts);
+                WriteToStandardOutput(*order_.Out, "");
+            } else {
+                WriteBatchFile(
+                    input, outPath,
+                    [&tell](double share) {
+                        tell(share);
+                        return true;
+                    },
+                    counts);
+            }
+            Count(outPath);
             if (counts.WithoutNumbers > 0) notes_.WithoutNumbers.push_back({path, counts});
             return Ended::Written;
         } catch (const PlatformError& error) {
@@ -119,6 +125,14 @@ public:
     // Reads a file as Transform does and writes nothing: what there is to note of it.
     void LookInto(const std::string& path) {
         try {
+            if (IsCloud(path)) {
+                // A pipe is read once, and looked into on the way.
+                bool unwritten = false;
+                if (path != "-" && !IsPipe(path))
+                    TransformCloud(
+                        order_, path, "", nullptr, [] { return true; }, unwritten);
+                return;
+            }
             const BatchInput input = ReadBatchFile(path);
             LineCounts counts;
             LookIntoBatchFile(input, counts);
@@ -128,10 +142,51 @@ public:
         }
     }
 
+    // Does it keep its form?
+    bool IsCloud(const std::string& path) const {
+        return options_.KeepsForm() || path == "-" || IsPipe(path) || KindOfFile(path) != CloudKind::Text;
+    }
+
     const std::vector<std::string>& Written() const { return inOrder_; }
 
 private:
+    std::string OutPathOf(const std::string& path) const {
+        return options_.Out.empty() ? JoinPath(options_.To, BatchOutName(NameOfFile(path))) : options_.Out;
+    }
+
+    void CheckPlace(const std::string& path, const std::string& outPath) const {
+        // Two files of one name, from two folders, do not replace each other's result.
+        if (written_.count(outPath) != 0)
+            throw PlatformError{"\"" + path + "\": \"" + outPath + "\" holds another file's points by now"};
+        if (!options_.Overwrite && outPath != "-" && File_Exist(outPath))
+            throw PlatformError{"\"" + path + "\": \"" + outPath + "\" exists; --overwrite replaces it"};
+    }
+
+    void Count(const std::string& outPath) {
+        written_.insert(outPath);
+        inOrder_.push_back(outPath);
+        ++notes_.Done;
+    }
+
+    template <class Tell>
+    Ended TransformOne(const std::string& path, const std::string& outPath, Tell tell) {
+        bool unwritten = true;
+        try {
+            CheckPlace(path, outPath);
+            unwritten = false;
+            const auto mayKeep = [this] { return !options_.Strict || !HasWarnings(); };
+            if (!TransformCloud(order_, path, outPath, tell, mayKeep, unwritten))
+                throw PlatformError{"\"" + path + "\": a warning came up, and --strict lets none pass"};
+            Count(outPath);
+            return Ended::Written;
+        } catch (const PlatformError& error) {
+            notes_.FilesLeft.push_back({path, error.What});
+            return unwritten ? Ended::Unwritten : Ended::Unreadable;
+        }
+    }
+
     const TransformOptions& options_;
+    const CloudOrder& order_;
     BatchNotes& notes_;
     std::set<std::string> written_;
     std::vector<std::string> inOrder_;
@@ -153,10 +208,11 @@ void TellFiles(BatchNotes notes, std::ostream& err) {
 
 // For --strict: is there a warning in any of the files? What has been noted of them is noted again when they
 // are transformed.
-bool AnyWarning(const TransformOptions& options, const std::vector<std::string>& files, std::ostream& err) {
+bool AnyWarning(const TransformOptions& options, const CloudOrder& order,
+                const std::vector<std::string>& files, std::ostream& err) {
     const std::vector<Note> before = Notes.List;
     BatchNotes notes;
-    Batch batch(options, notes);
+    Batch batch(options, order, notes);
     for (const std::string& path : files) {
         Run.Delimiter = options.Delimiter;
         batch.LookInto(path);
@@ -175,28 +231,59 @@ bool AnyWarning(const TransformOptions& options, const std::vector<std::string>&
 CLI::App* AddTransform(CLI::App& app, TransformSwitches& s) {
     TransformOptions& o = s.Options;
     CLI::App* transform =
-        app.add_subcommand("transform", "Transform point files by the result that a job holds");
-    transform->add_option("JOB", o.Job, "Job file with a result")->type_name("FILE.cvn")->required();
-    transform->add_option("IN", o.In, "Point files, and folders that stand for all their files")
-        ->type_name("FILE|FOLDER ...")
-        ->required();
+        app.add_subcommand("transform", "Transform point files and clouds by the result that a job holds");
+    transform->add_option("JOB", o.Job, "Job file with a result; none with --with")->type_name("FILE.cvn");
     transform
-        ->add_option("--to", o.To,
-                     "Folder for the results: a.txt becomes a_out.txt there; it is\n"
-                     "made where it is not there")
+        ->add_option("IN", o.In,
+                     "Point files, clouds and other carriers (.ply, .pcd, .xyz, .pts,\n"
+                     ".asc, .points, .tum, LandXML), and folders that stand for all\n"
+                     "their files; - is standard input")
+        ->type_name("FILE|FOLDER ...");
+    transform
+        ->add_option("--with", o.With,
+                     "In place of JOB a job, the JSON of fit --json, or a text of a\n"
+                     "4 by 4 matrix, all in mm; text keeps its form then")
+        ->type_name("FILE");
+    auto* to = transform
+                   ->add_option("--to", o.To,
+                                "Folder for the results: a.txt becomes a_out.txt there; it is\n"
+                                "made where it is not there")
+                   ->check([](const std::string& text) {
+                       return std::string(text.empty() ? "the name of the folder is empty" : "");
+                   })
+                   ->type_name("DIR");
+    transform->add_option("--out", o.Out, "File for the result of the one IN; - is standard output")
         ->check([](const std::string& text) {
-            return std::string(text.empty() ? "the name of the folder is empty" : "");
+            return std::string(text.empty() ? "the name of the file is empty" : "");
         })
-        ->type_name("DIR")
-        ->required();
+        ->excludes(to)
+        ->type_name("FILE|-");
     transform->add_flag("--overwrite", o.Overwrite, "Replace results that are there already");
-    transform->add_flag("--unconverged", o.Unconverged, "Take a result that did not converge too");
+    transform->add_flag("--inverse", o.Inverse,
+                        "Take the inverse of the transformation; text keeps its form");
     transform
-        ->add_option("--delimiter", o.Delimiter,
-                     "What stands between the fields of files that do not show it;\n"
-                     "default: space")
-        ->transform(NameOf(DelimiterNames()))
-        ->type_name("space|semicolon|colon|star|sharp|tab|comma");
+        ->add_option("--columns", s.Columns,
+                     "What the columns of text are, as in name,x,y,z,-,nx,ny,nz: also\n"
+                     "qx, qy, qz, qw, and - for one to keep; text keeps its form")
+        ->check([](const std::string& text) {
+            std::string why;
+            ColumnsFromText(text, why);
+            return why;
+        })
+        ->type_name("NAME,...");
+    s.DigitsOption = transform
+                         ->add_option("--digits", s.Digits,
+                                      "Decimals of the new coordinates in text, 0 to 12; default: those of\n"
+                                      "the file, and three of a millimetre, at least; text keeps its form")
+                         ->check(Between(0, 12))
+                         ->type_name("N");
+    transform->add_flag("--unconverged", o.Unconverged, "Take a result that did not converge too");
+    s.DelimiterOption = transform
+                            ->add_option("--delimiter", o.Delimiter,
+                                         "What stands between the fields of files that do not show it;\n"
+                                         "default: space")
+                            ->transform(NameOf(DelimiterNames()))
+                            ->type_name("space|semicolon|colon|star|sharp|tab|comma");
     auto* yes = transform->add_flag("--yes,-y", s.Yes,
                                     "Answer questions with Yes; a file with the other decimal\n"
                                     "delimiter is then changed");
@@ -207,30 +294,90 @@ CLI::App* AddTransform(CLI::App& app, TransformSwitches& s) {
     return transform;
 }
 
-void TakeTransformSwitches(TransformSwitches& s) {
-    s.Options.Decimal = DecimalOf(s.Decimal);
-    if (s.Yes || s.No) s.Options.Questions = s.Yes;
+std::string TakeTransformSwitches(TransformSwitches& s) {
+    TransformOptions& o = s.Options;
+    o.Decimal = DecimalOf(s.Decimal);
+    if (s.Yes || s.No) o.Questions = s.Yes;
+    if (!o.With.empty() && !o.Job.empty()) {
+        // What stands in front is no job then.
+        o.In.insert(o.In.begin(), o.Job);
+        o.Job.clear();
+    }
+    if (o.With.empty() && o.Job.empty()) return "JOB is required, or --with";
+    if (o.In.empty()) return "IN is required";
+    if (o.To.empty() && o.Out.empty()) return "--to is required, or --out";
+    std::string why;
+    if (!s.Columns.empty())
+        o.Cloud.Columns = ColumnsFromText(s.Columns, why).value_or(std::vector<PointColumn>{});
+    if (s.DigitsOption->count() > 0) o.Cloud.Digits = s.Digits;
+    if (s.DelimiterOption->count() > 0) o.Cloud.Delimiter = o.Delimiter.front();
+    o.Cloud.Decimal = o.Decimal;
+    const auto inputs = std::count(o.In.begin(), o.In.end(), "-");
+    if (inputs > 1 || (inputs > 0 && o.With == "-")) return "standard input is one file";
+    if (!o.Out.empty() && (o.In.size() != 1 || Directory_Exist(o.In[0]))) return "--out takes one file IN";
+    if (o.Out.empty() && inputs > 0) return "the result of standard input has no name: give it with --out";
+    if (o.Out == "-" && o.Json) return "--json and --out - both want standard output";
+    return "";
 }
 
-int RunTransform(const TransformOptions& options, std::ostream& out, std::ostream& err, bool progress) {
+namespace {
+
+// Opens the job, or reads the transformation of --with. kDone, or the status with the reason on `err`.
+int TakeTransformation(const TransformOptions& options, std::istream& in, std::ostream& err,
+                       CloudOrder& order) {
+    if (!options.With.empty()) {
+        const int status =
+            ReadTransformation({options.With, options.Questions, options.Unconverged}, in, err, order.Motion);
+        if (status != kDone) return status;
+    } else {
+        JobFileFacts facts;
+        const int status = OpenJob(options.Job, options.Questions, facts, err);
+        if (status != kDone) return status;
+        // A job that was never calculated has no choice of parameters yet.
+        if (Job.ParamText[1].empty()) return Refuse(err, kRefused, "No Transformation calculated");
+        if (!ResultIsFinite()) return Refuse(err, kRefused, kResultNotFinite);
+        if (const int refused = RefuseUnconverged(err, options.Unconverged); refused != kDone) return refused;
+        NoteResultOfJob(options.Job);
+        order.UnitsPerMm = Units.LengthFactor;
+        order.Wish.LeastDigits = Job.LengthDigits;
+    }
+    return kDone;
+}
+
+// Of a job, for what is not transformed as ever.
+int TakeMotionOfJob(const TransformOptions& options, std::ostream& err, CloudOrder& order) {
+    if (options.With.empty())
+        if (const int status = TransformationOfJob(options.Job, err, order.Motion); status != kDone)
+            return status;
+    if (!options.Inverse) return kDone;
+    const std::optional<CloudMotion> inverse = InverseOf(order.Motion);
+    if (!inverse) return Refuse(err, kRefused, "the transformation has no inverse");
+    order.Motion = *inverse;
+    return kDone;
+}
+
+}  // namespace
+
+int RunTransform(const TransformOptions& options, std::istream& in, std::ostream& out, std::ostream& err,
+                 bool progress) {
     if (options.Decimal) Headless.Decimal = options.Decimal;
     ReadSettingsText(DefaultSettingsText(), "the built-in settings");
-    JobFileFacts facts;
-    const int status = OpenJob(options.Job, options.Questions, facts, err);
-    if (status != kDone) return status;
-    // A job that was never calculated has no choice of parameters yet.
-    if (Job.ParamText[1].empty()) return Refuse(err, kRefused, "No Transformation calculated");
-    if (!ResultIsFinite()) return Refuse(err, kRefused, kResultNotFinite);
-    if (const int refused = RefuseUnconverged(err, options.Unconverged); refused != kDone) return refused;
-    NoteResultOfJob(options.Job);
+    CloudOrder order;
+    order.Wish = options.Cloud;
+    order.In = &in;
+    order.Out = &out;
+    if (const int status = TakeTransformation(options, in, err, order); status != kDone) return status;
     AnswerQuestions(options);
     BatchNotes notes;
     const std::vector<std::string> files = AllFiles(options.In, notes);
-    if (options.Strict && AnyWarning(options, files, err)) return kUnreadable;
-    if (!Dispatch([&options] { CreateFolder(options.To); }))
+    Batch batch(options, order, notes);
+    if (std::any_of(files.begin(), files.end(),
+                    [&batch](const std::string& path) { return batch.IsCloud(path); }))
+        if (const int status = TakeMotionOfJob(options, err, order); status != kDone) return status;
+    if (options.Strict && AnyWarning(options, order, files, err)) return kUnreadable;
+    if (!options.To.empty() && !Dispatch([&options] { CreateFolder(options.To); }))
         return Refuse(err, kRefused, Run.LastPlatformError);
     bool unreadable = !notes.FilesLeft.empty(), unwritten = false;
-    Batch batch(options, notes);
     {
         ProgressLine line(LiveStream(err), progress);
         for (std::size_t i = 0; i < files.size(); ++i) {
@@ -249,7 +396,8 @@ int RunTransform(const TransformOptions& options, std::ostream& out, std::ostrea
     TellFiles(std::move(notes), err);
     err << done << " of " << files.size() << " files transformed\n";
     const int told =
-        options.Json ? TellWritten("transform", options.Job, batch.Written(), out, err, left) : kDone;
+        options.Json ? TellWritten("transform", options.Job + options.With, batch.Written(), out, err, left)
+                     : kDone;
     if (unreadable) return kUnreadable;
     return unwritten ? kRefused : told;
 }

@@ -70,6 +70,13 @@ constexpr NoteKind kKinds[] = {
     {NoteCode::NameIsNumber, "name-is-number", Severity::Warning, true},
     {NoteCode::CommentedPoints, "commented-points", Severity::Note, true},
     {NoteCode::DecimalTaken, "decimal-taken", Severity::Note, true},
+    {NoteCode::LinesKept, "lines-kept", Severity::Note, true},
+    {NoteCode::PointsKept, "points-kept", Severity::Note, true},
+    {NoteCode::NoHeight, "no-height", Severity::Note, true},
+    {NoteCode::DirectionsKept, "directions-kept", Severity::Warning, true},
+    {NoteCode::ViewpointKept, "viewpoint-kept", Severity::Note, true},
+    {NoteCode::SingleRounded, "single-rounded", Severity::Warning, true},
+    {NoteCode::UnitOfFile, "unit-of-file", Severity::Note, true},
 };
 static_assert(std::size(kKinds) == static_cast<std::size_t>(NoteCode::Count_));
 

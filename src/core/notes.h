@@ -77,6 +77,14 @@ enum class NoteCode : std::uint8_t {
     NameIsNumber,     // a number with a fraction is taken as the name of a point
     CommentedPoints,  // points that stand in comments of a table are passed over
     DecimalTaken,     // commas of numbers are taken as decimal delimiters, and could part thousands
+    // Of clouds.
+    LinesKept,       // lines without the numbers of a point, which stay as they are
+    PointsKept,      // points whose coordinates are infinite or no number, which stay as they are
+    NoHeight,        // points without a z, which counts as 0
+    DirectionsKept,  // columns that look like normals or quaternions and are not turned
+    ViewpointKept,   // the viewpoint of a cloud, which is not moved with it
+    SingleRounded,   // coordinates that lose digits in the 32 bits that they have
+    UnitOfFile,      // the unit that a file names is that of its coordinates
     Count_
 };
 

@@ -1,0 +1,167 @@
+// Clouds: what a file is, and who reads it.
+#include "import/cloud.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <charconv>
+#include <cstddef>
+#include <limits>
+
+#include "core/notes.h"
+#include "core/numbers.h"
+#include "import/cloud_columns.h"
+#include "import/pcd_cloud.h"
+#include "import/ply_cloud.h"
+#include "import/text_cloud.h"
+
+namespace corvinade::import {
+
+namespace {
+
+constexpr std::size_t kHead_bytes = 4096;
+
+struct KindRow {
+    CloudKind Kind;
+    const char* Name;
+};
+constexpr std::array<KindRow, 7> kKinds = {{{CloudKind::Ply, "ply"},
+                                            {CloudKind::Pcd, "pcd"},
+                                            {CloudKind::Xyz, "xyz"},
+                                            {CloudKind::MapPoints, "points"},
+                                            {CloudKind::Tum, "tum"},
+                                            {CloudKind::LandXml, "landxml"},
+                                            {CloudKind::Text, "text"}}};
+
+std::string ExtensionOf(const std::string& path) {
+    const std::size_t slash = path.find_last_of("/\\");
+    const std::size_t dot = path.rfind('.');
+    if (dot == std::string::npos || (slash != std::string::npos && dot < slash)) return "";
+    std::string extension = path.substr(dot);
+    for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return extension;
+}
+
+std::string_view FirstLine(std::string_view head) {
+    return head.substr(0, std::min(head.find_first_of("\r\n"), head.size()));
+}
+
+// The heading of a map's control points stands in the first line, or behind one that names the reference
+// system.
+bool IsMapPoints(std::string_view head) {
+    const std::string_view first = FirstLine(head);
+    if (first.starts_with("#CRS:")) return true;
+    return first.starts_with("mapX") && first.find("mapY") != std::string_view::npos;
+}
+
+// Puts the mark of an encoding out, and reads the rest as UTF-8.
+void PassMark(CloudTask& task) {
+    const std::string_view view = task.In.View();
+    const bool little = view.starts_with("\xFF\xFE"), big = view.starts_with("\xFE\xFF");
+    const std::size_t length = little || big ? 2 : view.starts_with("\xEF\xBB\xBF") ? 3 : 0;
+    if (length == 0) return;
+    task.Out.Put(view.substr(0, length));
+    task.In.Drop(length);
+    if (length == 3) return;
+    const std::string path = task.In.Path();
+    task.In.ReadThrough([big, &path](ReadBytes before) { return FromUtf16(std::move(before), big, path); });
+    task.Out.WriteThrough([big](WriteBytes behind) { return ToUtf16(std::move(behind), big); });
+    task.In.Need(kHead_bytes);
+}
+
+}  // namespace
+
+CloudKind CloudKindOf(std::string_view head, const std::string& path) {
+    if (head.starts_with("ply\n") || head.starts_with("ply\r")) return CloudKind::Ply;
+    if (head.starts_with("# .PCD")) return CloudKind::Pcd;
+    if (IsMapPoints(head)) return CloudKind::MapPoints;
+    const std::string extension = ExtensionOf(path);
+    const std::size_t begin = std::min(head.find_first_not_of(" \t\r\n"), head.size());
+    if (head.substr(begin).starts_with("<") && head.find("LandXML") != std::string_view::npos)
+        return CloudKind::LandXml;
+    if (extension == ".ply") return CloudKind::Ply;
+    if (extension == ".pcd") return CloudKind::Pcd;
+    if (extension == ".xyz" || extension == ".pts" || extension == ".asc") return CloudKind::Xyz;
+    if (extension == ".points") return CloudKind::MapPoints;
+    if (extension == ".tum") return CloudKind::Tum;
+    return CloudKind::Text;
+}
+
+const char* CloudKindName(CloudKind kind) {
+    return kKinds[static_cast<std::size_t>(kind)].Name;
+}
+
+void RunCloud(CloudTask& task) {
+    CloudInput& in = task.In;
+    in.Need(kHead_bytes);
+    if (in.View().empty()) in.Fail("it is empty");
+    PassMark(task);
+    const CloudKind kind =
+        CloudKindOf(in.View().substr(0, std::min(in.View().size(), kHead_bytes)), in.Path());
+    task.Facts.Kind = kind;
+    if (kind == CloudKind::Ply && !in.View().starts_with("ply"))
+        in.Fail("it does not begin as a PLY file does, with \"ply\"");
+    const bool namesItsColumns =
+        kind == CloudKind::Ply || kind == CloudKind::Pcd || kind == CloudKind::LandXml;
+    if (namesItsColumns && (!task.Wish.Columns.empty() || task.Wish.Pairs))
+        in.Fail("the file itself says what its columns are, so --columns has no place");
+    if (kind == CloudKind::Ply || kind == CloudKind::Pcd) {
+        const CloudMotion* const given = task.Motion;
+        CloudMotion motion;
+        if (given != nullptr) {
+            motion = InUnit(*given, task.UnitsPerMm);
+            task.Motion = &motion;
+        }
+        kind == CloudKind::Ply ? RunPly(task) : RunPcd(task);
+        task.Motion = given;
+    } else if (kind == CloudKind::LandXml) {
+        RunLandXml(task);
+    } else {
+        RunText(task, kind);
+    }
+    if (task.Facts.Points + task.Facts.NotFinite == 0) in.Fail("there is no point in it");
+    task.Out.Flush();
+}
+
+void NoteCloud(const CloudFacts& facts, const std::string& path, bool carried) {
+    const auto intOf = [](std::int64_t value) {
+        return static_cast<int>(std::min<std::int64_t>(value, std::numeric_limits<int>::max()));
+    };
+    if (facts.LinesKept > 0)
+        AddNote(NoteCode::LinesKept,
+                carried ? "Lines without three numbers stay as they are"
+                        : "Lines without three numbers are passed over",
+                path, intOf(facts.FirstKept), intOf(facts.LinesKept));
+    if (facts.NotFinite > 0) {
+        const std::string first =
+            facts.FirstIsLine ? "" : ", the first is point " + std::to_string(facts.FirstNotFinite);
+        AddNote(NoteCode::PointsKept,
+                "Points whose coordinates are no finite numbers " +
+                    std::string(carried ? "stay as they are" : "are left out") + first,
+                path, facts.FirstIsLine ? intOf(facts.FirstNotFinite) : 0, intOf(facts.NotFinite));
+    }
+    if (facts.TwoCoordinates)
+        AddNote(NoteCode::NoHeight,
+                carried ? "The points have no z: it counts as 0, and what it becomes has no place"
+                        : "The points have no z, which counts as 0",
+                path);
+    if (!facts.Unit.empty())
+        AddNote(NoteCode::UnitOfFile, "The file says that its coordinates are in " + facts.Unit, path);
+    if (!carried) return;
+    if (!facts.Directions.empty())
+        AddNote(NoteCode::DirectionsKept,
+                "Columns look like " + facts.Directions +
+                    "; they are not turned, unless a heading or --columns names them",
+                path);
+    if (facts.HasViewpoint)
+        AddNote(NoteCode::ViewpointKept, "The viewpoint of the cloud is not moved with its points", path);
+    constexpr double kHalfOfLastPlace = 0x1p-25;  // of a 32-bit float, relative
+    constexpr double kSmall = 0.0005, kMuch = 8;
+    if (facts.LargestOut * kHalfOfLastPlace > kSmall && facts.LargestOut > kMuch * facts.LargestIn)
+        AddNote(NoteCode::SingleRounded,
+                "The coordinates have 32 bits, too few for where they go: they are rounded by up to " +
+                    PlainText(facts.LargestOut * kHalfOfLastPlace),
+                path);
+}
+
+}  // namespace corvinade::import

@@ -1,0 +1,273 @@
+// Rows of text with a point each.
+#include "import/cloud_rows.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <system_error>
+
+#include "core/text.h"
+
+namespace corvinade::import {
+
+namespace {
+
+constexpr std::array<double, 18> kPowersOfTen = {1e0, 1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,
+                                                 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17};
+constexpr int kMostDecimals = 17;  // a file's own: no double has more
+constexpr int kLeastOfNormals = 6, kLeastOfTurns = 9;
+
+bool IsBlank(char c) {
+    return c == ' ' || c == '\t';
+}
+
+std::string_view Trimmed(std::string_view text) {
+    while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
+    return text;
+}
+
+// A plain decimal number of up to 15 digits: a whole number over a power of ten, which one division rounds
+// correctly.
+bool PlainDecimal(std::string_view text, char decimal, double& value) {
+    const bool negative = text.front() == '-';
+    std::uint64_t number = 0;
+    std::size_t digits = 0, places = 0;
+    bool behind = false;
+    for (std::size_t i = negative ? 1 : 0; i < text.size(); ++i) {
+        const unsigned digit = static_cast<unsigned>(static_cast<unsigned char>(text[i])) - '0';
+        if (digit <= 9) {
+            number = number * 10 + digit;
+            ++digits;
+            places += behind ? 1 : 0;
+        } else if (text[i] == decimal && !behind) {
+            behind = true;
+        } else {
+            return false;
+        }
+    }
+    if (digits < 1 || digits > 15) return false;
+    const double size = static_cast<double>(number) / kPowersOfTen[places];
+    value = negative ? -size : size;
+    return true;
+}
+
+}  // namespace
+
+NumberKind NumberOf(std::string_view text, char decimal, double& value) {
+    text = Trimmed(text);
+    if (text.empty()) return NumberKind::None;
+    if (PlainDecimal(text, decimal, value)) return NumberKind::Finite;
+    const bool signedBefore = text.front() == '+';
+    if (signedBefore) text.remove_prefix(1);
+    if (text.empty() || ((text.front() == '+' || text.front() == '-') && signedBefore))
+        return NumberKind::None;
+    std::string pointed;
+    if (decimal != '.') {
+        if (text.find('.') != std::string_view::npos) return NumberKind::None;
+        pointed = text;
+        std::replace(pointed.begin(), pointed.end(), decimal, '.');
+        text = pointed;
+    }
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (end != text.data() + text.size()) return NumberKind::None;
+    if (error == std::errc::result_out_of_range) return NumberKind::OutOfRange;
+    if (error != std::errc()) return NumberKind::None;
+    return std::isfinite(value) ? NumberKind::Finite : NumberKind::NotFinite;
+}
+
+int DecimalsOf(std::string_view text, char decimal) {
+    text = Trimmed(text);
+    std::size_t e = 0, point = text.size();
+    for (; e < text.size() && text[e] != 'e' && text[e] != 'E'; ++e)
+        if (text[e] == decimal) point = e;
+    int decimals = point < e ? static_cast<int>(e - point - 1) : 0;
+    if (e < text.size()) {
+        std::string_view digits = text.substr(e + 1);
+        if (!digits.empty() && digits.front() == '+') digits.remove_prefix(1);
+        int exponent = 0;
+        std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
+        decimals -= exponent;
+    }
+    return std::clamp(decimals, 0, kMostDecimals);
+}
+
+void AppendFixed(double value, int decimals, char decimal, std::string& text) {
+    char buffer[400];
+    const double scaled = std::fabs(value) * kPowersOfTen[static_cast<std::size_t>(decimals)];
+    // The product is off by at most half its last place, so it rounds as the value does unless it lies that
+    // near to the middle between two shown ones.
+    const double whole = std::floor(scaled);
+    if (scaled < 1e15 && std::fabs(scaled - whole - 0.5) > scaled * 0x1p-52) {
+        auto number = static_cast<std::uint64_t>(scaled - whole > 0.5 ? whole + 1 : whole);
+        if (number != 0 && value < 0) text += '-';
+        char* at = buffer + sizeof buffer;
+        const auto putPair = [&at, &number] {
+            const std::uint64_t pair = number % 100;
+            number /= 100;
+            *--at = static_cast<char>('0' + pair % 10);
+            *--at = static_cast<char>('0' + pair / 10);
+        };
+        int left = decimals;
+        for (; left > 1; left -= 2) putPair();
+        if (left > 0) {
+            *--at = static_cast<char>('0' + number % 10);
+            number /= 10;
+        }
+        if (decimals > 0) *--at = decimal;
+        while (number >= 100) putPair();
+        do {
+            *--at = static_cast<char>('0' + number % 10);
+            number /= 10;
+        } while (number != 0);
+        text.append(at, static_cast<std::size_t>(buffer + sizeof buffer - at));
+        return;
+    }
+    const char* const end =
+        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, decimals).ptr;
+    std::string shown(buffer, static_cast<std::size_t>(end - buffer));
+    if (shown.front() == '-' && shown.find_first_of("123456789") == std::string::npos) shown.erase(0, 1);
+    if (decimal != '.') std::replace(shown.begin(), shown.end(), '.', decimal);
+    text += shown;
+}
+
+void FieldsOf(std::string_view row, char delimiter, std::size_t most, std::vector<std::string_view>& fields) {
+    fields.clear();
+    std::size_t at = 0;
+    const bool blanks = delimiter == '\0';
+    while (fields.size() < most) {
+        while (at < row.size() && IsBlank(row[at]) && row[at] != delimiter) ++at;
+        if (at == row.size() && blanks) return;
+        if (at < row.size() && row[at] == '"') {
+            std::size_t end = at + 1;
+            while (end < row.size() && (row[end] != '"' || (end + 1 < row.size() && row[end + 1] == '"')))
+                end += row[end] == '"' ? 2 : 1;
+            if (end < row.size()) {
+                fields.push_back(row.substr(at + 1, end - at - 1));
+                at = end + 1;
+                // What stands between the quote and the delimiter belongs to nothing.
+                while (at < row.size() && (blanks ? !IsBlank(row[at]) : row[at] != delimiter)) ++at;
+                if (at >= row.size()) return;
+                ++at;
+                continue;
+            }
+        }
+        std::size_t end = at;
+        while (end < row.size() && (blanks ? !IsBlank(row[end]) : row[end] != delimiter)) ++end;
+        fields.push_back(row.substr(at, end - at));
+        if (end == row.size()) return;
+        at = end + 1;
+    }
+}
+
+RowCarrier::RowCarrier(CloudTask& task, RowForm form, int decimals)
+    : Form(std::move(form)), task_(task), decimals_(decimals) {}
+
+void RowCarrier::LookAhead(std::string_view rows, bool isWhole) {
+    constexpr int kMostRows = 10000, kMostOfFile = 12;
+    std::string_view row;
+    isWhole = isWhole || rows.ends_with('\n') || rows.ends_with('\r');
+    for (int i = 0; i < kMostRows && CutLine(rows, row); ++i) {
+        if (rows.empty() && !isWhole) break;  // the last one may go on behind the view
+        FieldsOf(row, Form.Delimiter, Form.Columns.size(), fields_);
+        for (std::size_t k = 0; k < fields_.size(); ++k) {
+            double value = 0;
+            const bool wanted = Form.Columns[k] >= PointColumn::X && Form.Columns[k] <= PointColumn::Z;
+            if (!wanted || fields_[k].find_first_of("eE") != std::string_view::npos ||
+                NumberOf(fields_[k], Form.Decimal, value) != NumberKind::Finite)
+                continue;
+            decimals_ = std::max(decimals_, std::min(kMostOfFile, DecimalsOf(fields_[k], Form.Decimal)));
+        }
+    }
+}
+
+bool RowCarrier::Carry(std::string_view row) {
+    constexpr auto kFields = static_cast<std::size_t>(PointColumn::Count_);
+    const auto index = [](PointColumn column) { return static_cast<std::size_t>(column); };
+    FieldsOf(row, Form.Delimiter, Form.Columns.size(), fields_);
+    std::array<std::string_view, kFields> field{};
+    for (std::size_t i = 0; i < fields_.size(); ++i)
+        if (Form.Columns[i] != PointColumn::None) field[index(Form.Columns[i])] = fields_[i];
+    const std::size_t axes = Form.HasZ ? 3 : 2;
+    // Three fields from this one on, where all are numbers.
+    const auto numbers = [&](PointColumn first, std::size_t count, double* values) {
+        NumberKind kind = NumberKind::Finite;
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::string_view text = field[index(first) + i];
+            const NumberKind one = NumberOf(text, Form.Decimal, values[i]);
+            if (one == NumberKind::None) return one;
+            if (one == NumberKind::OutOfRange)
+                task_.In.FailAtLine("\"" + Printable(text) + "\" is beyond what a number can hold");
+            if (one == NumberKind::NotFinite) kind = one;
+        }
+        return kind;
+    };
+    CloudPoint point;
+    const NumberKind kind = numbers(PointColumn::X, axes, point.At.data());
+    if (kind == NumberKind::None) return false;
+    const NumberKind other =
+        task_.Wish.Pairs ? numbers(PointColumn::OtherX, axes, point.Other.data()) : NumberKind::Finite;
+    if (other == NumberKind::None) return false;
+    if (kind == NumberKind::NotFinite || other == NumberKind::NotFinite) {
+        if (task_.Facts.NotFinite++ == 0) task_.Facts.FirstNotFinite = task_.In.Line;
+        task_.Facts.FirstIsLine = true;
+        task_.Out.Put(row);
+        return true;
+    }
+    ++task_.Facts.Points;
+    if (task_.Motion == nullptr) {
+        point.Name = Trimmed(field[index(PointColumn::Name)]);
+        task_.Take(point);
+        return true;
+    }
+    changes_.clear();
+    text_.clear();
+    const auto put = [&](std::string_view old, double value, int decimals) {
+        const std::string_view shown = Trimmed(old);
+        const std::size_t begin = text_.size();
+        AppendFixed(value, decimals, Form.Decimal, text_);
+        changes_.push_back(
+            {static_cast<std::size_t>(shown.data() - row.data()), shown.size(), begin, text_.size()});
+    };
+    const std::array<double, 3> at = task_.Motion->Carry(point.At);
+    for (std::size_t i = 0; i < axes; ++i) {
+        const std::string_view old = field[index(PointColumn::X) + i];
+        if (!std::isfinite(at[i]))
+            task_.In.FailAtLine("the transformed point is larger than any number can be");
+        put(old, at[i], task_.Wish.Digits.value_or(std::max(decimals_, DecimalsOf(old, Form.Decimal))));
+    }
+    const auto decimalsOf = [&](std::string_view old, int least) {
+        return std::max(least, DecimalsOf(old, Form.Decimal));
+    };
+    std::array<double, 3> normal{};
+    if (numbers(PointColumn::NormalX, 3, normal.data()) == NumberKind::Finite) {
+        const std::array<double, 3> turned = task_.Motion->Rotate(normal);
+        for (std::size_t i = 0; i < 3; ++i) {
+            const std::string_view old = field[index(PointColumn::NormalX) + i];
+            put(old, turned[i], decimalsOf(old, kLeastOfNormals));
+        }
+    }
+    std::array<double, 4> turn{};  // x, y, z, w
+    if (numbers(PointColumn::TurnX, 4, turn.data()) == NumberKind::Finite) {
+        if (task_.Motion->Mirrors) task_.In.FailAtLine("the transformation mirrors, and a quaternion cannot");
+        const std::array<double, 4> q =
+            QuaternionProduct(task_.Motion->Quaternion, {turn[3], turn[0], turn[1], turn[2]});
+        for (std::size_t i = 0; i < 4; ++i) {
+            const std::string_view old = field[index(PointColumn::TurnX) + i];
+            put(old, q[(i + 1) % 4], decimalsOf(old, kLeastOfTurns));
+        }
+    }
+    std::sort(changes_.begin(), changes_.end(),
+              [](const Change& a, const Change& b) { return a.From < b.From; });
+    std::size_t done = 0;
+    for (const Change& change : changes_) {
+        task_.Out.Put(row.substr(done, change.From - done));
+        task_.Out.Put(std::string_view(text_).substr(change.Begin, change.End - change.Begin));
+        done = change.From + change.Length;
+    }
+    task_.Out.Put(row.substr(done));
+    return true;
+}
+
+}  // namespace corvinade::import

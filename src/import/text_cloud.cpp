@@ -1,0 +1,122 @@
+// Clouds of text.
+#include "import/text_cloud.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/text.h"
+#include "import/cloud_columns.h"
+#include "import/cloud_rows.h"
+
+namespace corvinade::import {
+
+namespace {
+
+void KeepLine(CloudTask& task, std::string_view line) {
+    if (task.Facts.LinesKept++ == 0) task.Facts.FirstKept = task.In.Line;
+    task.Out.Put(line);
+}
+
+// Columns that nobody has named and whose numbers have the length 1, as those of a direction do.
+void LookForDirections(CloudTask& task, const RowForm& form, std::string_view row) {
+    constexpr std::size_t kMostFields = 16;
+    std::vector<std::string_view> fields;
+    FieldsOf(row, form.Delimiter, kMostFields, fields);
+    const auto z = static_cast<std::size_t>(
+        std::find(form.Columns.begin(), form.Columns.end(), PointColumn::Z) - form.Columns.begin());
+    const auto hasLengthOne = [&](std::size_t count) {
+        double sum = 0;
+        for (std::size_t i = z + 1; i <= z + count; ++i) {
+            double value = 0;
+            if (i >= fields.size() || (i < form.Columns.size() && form.Columns[i] != PointColumn::None) ||
+                fields[i].find(form.Decimal) == std::string_view::npos ||
+                NumberOf(fields[i], form.Decimal, value) != NumberKind::Finite)
+                return false;
+            sum += value * value;
+        }
+        return std::fabs(sum - 1) < 1e-3;
+    };
+    if (hasLengthOne(4)) {
+        task.Facts.Directions = "a quaternion: qx, qy, qz and qw";
+    } else if (hasLengthOne(3)) {
+        task.Facts.Directions = "a normal: nx, ny and nz";
+    }
+}
+
+// A row with three numbers of the other decimal delimiter than that of the file is no remark.
+void RefuseOtherDecimal(const CloudTask& task, const RowForm& form, std::string_view row) {
+    if (form.Delimiter == ',') return;
+    std::vector<std::string_view> fields;
+    FieldsOf(row, form.Delimiter, form.Columns.size(), fields);
+    const char other = form.Decimal == '.' ? ',' : '.';
+    std::string_view first;
+    for (std::size_t i = 0; i < form.Columns.size(); ++i) {
+        if (form.Columns[i] < PointColumn::X || form.Columns[i] > PointColumn::Z) continue;
+        double value = 0;
+        if (i >= fields.size()) return;
+        if (NumberOf(fields[i], form.Decimal, value) != NumberKind::None) continue;
+        if (NumberOf(fields[i], other, value) == NumberKind::None) return;
+        if (first.empty()) first = fields[i];
+    }
+    if (!first.empty())
+        task.In.FailAtLine("\"" + Printable(first) + "\" has the decimal delimiter \"" + other +
+                           "\", and other rows \"" + form.Decimal + "\" (--decimal says which holds)");
+}
+
+void CarryRows(CloudTask& task, const RowForm& form, int decimals, bool isWhole) {
+    CloudInput& in = task.In;
+    RowCarrier carrier(task, form, decimals);
+    carrier.LookAhead(in.View(), isWhole);
+    bool looked = !task.Wish.Columns.empty();
+    std::string_view whole, lineEnd;
+    while (in.NextLine(whole)) {
+        const std::string_view row = WithoutLineEnd(whole, lineEnd);
+        if (row.find_first_not_of(" \t") == std::string_view::npos) {
+            task.Out.Put(whole);
+        } else if (IsCommentLine(row)) {
+            KeepLine(task, whole);
+        } else if (carrier.Carry(row)) {
+            task.Out.Put(lineEnd);
+            if (!looked) LookForDirections(task, form, row);
+            looked = true;
+        } else {
+            RefuseOtherDecimal(task, form, row);
+            KeepLine(task, whole);
+        }
+    }
+}
+
+}  // namespace
+
+void RunText(CloudTask& task, CloudKind kind) {
+    CloudInput& in = task.In;
+    in.Fill();
+    in.LoneReturns =
+        in.View().find('\n') == std::string_view::npos && in.View().find('\r') != std::string_view::npos;
+    if (in.View().find('\0') != std::string_view::npos) in.Fail("it is no text");
+    const bool isWhole = !in.More();
+    const FoundForm found = FindForm(task, kind, in.View(), isWhole);
+    task.Facts.Unit = found.Unit;
+    task.Facts.TwoCoordinates = !found.Form.HasZ;
+    int decimals = task.Wish.LeastDigits;
+    if (!found.Unit.empty()) {
+        task.UnitsPerMm = UnitsPerMm(found.Unit);
+        // As many of the unit as three are of a millimetre.
+        decimals = std::max(0, 3 - static_cast<int>(std::floor(std::log10(task.UnitsPerMm) + 0.5)));
+    }
+    const CloudMotion* const given = task.Motion;
+    CloudMotion motion;
+    if (given != nullptr) {
+        motion = InUnit(*given, task.UnitsPerMm);
+        task.Motion = &motion;
+    }
+    CarryRows(task, found.Form, decimals, isWhole);
+    task.Motion = given;
+}
+
+}  // namespace corvinade::import
