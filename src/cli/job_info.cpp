@@ -35,10 +35,11 @@ constexpr int kSchemaVersion = 1;
 // A list of names in a table goes no further than this.
 constexpr std::size_t kMostNames = 12;
 
-// A job file has no place for a tool vector that was fitted, and for a held one its text alone.
+// Jobs of before have no place for a tool vector that was fitted, and for a held one its text alone.
 bool IsNotKept(int parameter) {
     return parameter >= kRvecX && parameter <= kRvecZ &&
-           Job.ParamText[static_cast<std::size_t>(parameter)] == kFloat;
+           Job.ParamText[static_cast<std::size_t>(parameter)] == kFloat && Job.Rvec_x == 0 &&
+           Job.Rvec_y == 0 && Job.Rvec_z == 0;
 }
 
 void TakeHeldToolVector() {
@@ -127,7 +128,8 @@ void WriteParameters(const Style& style, std::ostream& out) {
         out << columns.Line(cells(p)) << "  " << style.Quiet(p.Unit) << "\n";
     if (std::any_of(parameters.begin(), parameters.end(),
                     [](const ShownParameter& p) { return IsNotKept(p.Number); }))
-        out << style.Quiet("(a job does not keep a tool vector that was fitted; fit --job fits it again)")
+        out << style.Quiet(
+                   "(this job does not keep the tool vector that was fitted; fit --job fits it again)")
             << "\n";
 }
 

@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "cli/fit_command.h"
+#include "core/job_file.h"
 
 using namespace corvinade;
 
@@ -390,7 +391,8 @@ TEST_F(RobotProgramFits, TheExampleFindsWhatItWasMadeFrom) {
     EXPECT_NEAR(fit["quality"]["s0_mm"].get<double>(), 0.1, 0.05);
 }
 
-// The job has a place for the text of a tool vector alone.
+// The fields of a job have a place for the text of a tool vector alone, and before its block had one for the
+// values these were lost.
 TEST_F(RobotProgramFits, AJobDoesNotShowAToolVectorThatItDoesNotKeep) {
     const Point tool = {40, -30, 210};
     const std::string tips = Write("tips.txt", Tips(tool)), program = Kuka();
@@ -400,6 +402,17 @@ TEST_F(RobotProgramFits, AJobDoesNotShowAToolVectorThatItDoesNotKeep) {
         return json::parse(outcome.Out);
     };
     FitJson({tips, program, "--as", "kuka", "--tool", "--save", PathOf("floating.cvn")});
+    FreshStart();
+    const double kept[3] = {-40, 30, -210};
+    const json now = info(PathOf("floating.cvn"));
+    for (const json& row : now["parameters"])
+        for (std::size_t k = 0; k < 3; ++k)
+            if (row["name"] == std::string("rvec") + "xyz"[k]) {
+                EXPECT_NEAR(row["value"].get<double>(), kept[k], 1e-2) << row;
+            }
+    JobFileContent before = ReadJobBytes(Contents(PathOf("floating.cvn")), "floating.cvn");
+    before.Job.Rvec_x = before.Job.Rvec_y = before.Job.Rvec_z = 0;
+    Write("floating.cvn", JobBytes(before.Job, {}));
     FreshStart();
     const json floating = info(PathOf("floating.cvn"));
     for (const json& row : floating["parameters"])
