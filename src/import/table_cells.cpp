@@ -145,6 +145,17 @@ void JoinCells(TableRow& row) {
 
 }  // namespace
 
+namespace {
+
+// Filled in where it stands: a copy of one that has just been put together waits for its parts.
+void AddCell(std::vector<TableCell>& cells, std::string_view text, bool quoted) {
+    TableCell& cell = cells.emplace_back();
+    cell.Text = text;
+    cell.Quoted = quoted;
+}
+
+}  // namespace
+
 // Cuts a line whose quotes, where it has any, stand around whole cells: in one go with finding its end.
 // False, and nothing done, for another line.
 bool TableWalk::CutPlain(TableRow& row) {
@@ -160,8 +171,7 @@ bool TableWalk::CutPlain(TableRow& row) {
             if (at == end || *at != '"') return false;
             ++at;
             if (at != end && !ends(*at)) return false;
-            row.Cells.push_back(
-                {std::string_view(first + 1, static_cast<std::size_t>(at - first - 2)), true, false});
+            AddCell(row.Cells, std::string_view(first + 1, static_cast<std::size_t>(at - first - 2)), true);
         } else {
             while (at != end && !ends(*at)) ++at;
             std::string_view cell(first, static_cast<std::size_t>(at - first));
@@ -170,7 +180,7 @@ bool TableWalk::CutPlain(TableRow& row) {
                 if (cell.starts_with('"')) return false;
                 row.Cells.push_back(PlainCell(cell));
             } else {
-                row.Cells.push_back({cell});
+                AddCell(row.Cells, cell, false);
             }
         }
         if (at == end || *at == '\n' || *at == '\r') break;
@@ -238,21 +248,22 @@ bool PlainTableNumber(std::string_view cell, char decimal, double& value) {
     // The digits are a whole number that a 64-bit float holds exactly, and so is the power of ten, so that
     // one division rounds correctly.
     std::uint64_t number = 0;
-    const char* const first = at;
-    const char* mark = nullptr;
-    for (; at != end; ++at) {
-        const unsigned digit = static_cast<unsigned>(static_cast<unsigned char>(*at)) - '0';
-        if (digit <= 9) {
-            number = number * 10 + digit;
-        } else if (*at == decimal && mark == nullptr) {
-            mark = at;
-        } else {
-            return false;
+    const auto takeDigits = [&] {
+        const char* const first = at;
+        for (; at != end; ++at) {
+            const unsigned digit = static_cast<unsigned>(static_cast<unsigned char>(*at)) - '0';
+            if (digit > 9) break;
+            number = number * 10 + digit;  // one that runs over has too many digits below
         }
+        return static_cast<std::size_t>(at - first);
+    };
+    std::size_t digits = takeDigits(), places = 0;
+    if (at != end && *at == decimal) {
+        ++at;
+        places = takeDigits();
+        digits += places;
     }
-    const std::ptrdiff_t digits = end - first - (mark != nullptr ? 1 : 0);
-    if (digits < 1 || digits > 15) return false;
-    const auto places = static_cast<std::size_t>(mark == nullptr ? 0 : end - mark - 1);
+    if (at != end || digits < 1 || digits > 15) return false;
     const double size = static_cast<double>(number) / kPowersOfTen[places];
     value = negative ? -size : size;
     return true;

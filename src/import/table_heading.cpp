@@ -84,7 +84,8 @@ constexpr std::array<const char*, 13> kFillers = {
 constexpr std::array<const char*, 6> kX = {"x", "e", "ost", "ostwert", "rechts", "rechtswert"};
 constexpr std::array<const char*, 5> kY = {"y", "nord", "nordwert", "hoch", "hochwert"};
 constexpr std::array<const char*, 7> kZ = {"z", "h", "height", "elevation", "elev", "hoehe", "altitude"};
-constexpr std::array<const char*, 7> kSigma = {"sigma", "std", "stddev", "stdev", "sd", "rms", "uncertainty"};
+// An RMS or an uncertainty may be any multiple of it, and is not taken.
+constexpr std::array<const char*, 5> kSigma = {"sigma", "std", "stddev", "stdev", "sd"};
 constexpr std::array<const char*, 6> kName = {"name",      "label",       "pointname",
                                               "punktname", "bezeichnung", "nom"};
 constexpr std::array<const char*, 6> kPoint = {"point", "pt", "pnt", "punkt", "pkt", "target"};

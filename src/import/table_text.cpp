@@ -95,8 +95,16 @@ std::string TakeTableText(std::string_view bytes, const TableEncoding* wanted, T
     } else {
         text.Text = bytes.substr(mark8 ? 3 : 0);
     }
-    text.Ascii = IsAscii(text.Text);
-    if (std::memchr(text.Text.data(), '\0', text.Text.size()) != nullptr)
+    // Block by block, so that both questions read the memory once.
+    constexpr std::size_t kBlock = 1 << 14;
+    bool zero = false;
+    text.Ascii = true;
+    for (std::size_t at = 0; at < text.Text.size(); at += kBlock) {
+        const std::string_view block = text.Text.substr(at, kBlock);
+        zero = zero || std::memchr(block.data(), '\0', block.size()) != nullptr;
+        text.Ascii = text.Ascii && IsAscii(block);
+    }
+    if (zero)
         return wide ? "it is no text in this encoding, it holds characters of code 0 (--encoding)"
                     : "it is no text, it holds characters of code 0; a 16-bit text without a mark is named "
                       "with --encoding utf-16le";
