@@ -14,7 +14,7 @@ namespace corvinade::cli {
 
 void AddStatisticsOptions(CLI::App& fit, FitOptions& o);
 
-// "" or what goes with least squares of points that coincide alone.
+// "" or what goes with points that coincide alone, and with which norms.
 std::string CheckStatisticsOptions(const FitOptions& o);
 
 }  // namespace corvinade::cli
