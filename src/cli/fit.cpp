@@ -332,7 +332,7 @@ int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour
             WriteFitCsv(shown, out);
             break;
     }
-    if (!shown.Report.empty() && !Dispatch([&shown] { WriteFile(shown.Report, FitReport(shown)); }))
+    if (!shown.Report.empty() && !Dispatch([&] { WriteFile(shown.Report, FitReport(shown, statistics)); }))
         return Refuse(err, kRefused, Run.LastPlatformError);
     if (!out.flush()) return Refuse(err, kRefused, "the result could not be written to standard output");
     return status;

@@ -3,10 +3,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <sstream>
 
 #include "cli/fit_output.h"
 #include "cli/fit_parameters.h"
 #include "cli/fit_picture.h"
+#include "cli/fit_statistics.h"
 #include "cli/svg_element.h"
 #include "cli/svg_plots.h"
 #include "core/controller.h"
@@ -46,6 +48,7 @@ td { text-align: right; border-bottom: 1px solid var(--line); padding: 3px 8px; 
 th:first-child, td:first-child { text-align: left; overflow-wrap: anywhere; }
 tr.worst td { color: var(--red); font-weight: 650; }
 td.unused { color: var(--quiet); font-style: italic; }
+pre { font-size: 9.5px; line-height: 1.35; overflow-x: auto; }
 thead { display: table-header-group; }
 tr, svg, .card, .scene { break-inside: avoid; }
 svg { display: block; width: 100%; height: auto; margin: 6px 0 10px; font-size: 11px; }
@@ -216,6 +219,17 @@ std::string PointTable(const std::vector<FitPoint>& all, const FitPoint* worst) 
            EscapeMarkup(Job.LengthUnitName) + ".</p>\n";
 }
 
+// How far the result can be trusted, as the table of the command line has it; nothing where nothing can be
+// said.
+std::string StatisticsSection(const FitOptions& options, const FitStatistics& statistics) {
+    if (!statistics.Of) return "";
+    FitOptions all = options;
+    all.Statistics = true;
+    std::ostringstream text;
+    WriteStatisticsTable(all, statistics, text, false, kMostRows);
+    return "<h2>How far it can be trusted</h2>\n<pre>" + EscapeMarkup(text.str()) + "</pre>\n";
+}
+
 // What the program noticed; nothing where it noticed nothing.
 std::string NotesTable() {
     if (Notes.List.empty()) return "";
@@ -231,7 +245,7 @@ std::string NotesTable() {
 
 }  // namespace
 
-std::string FitReport(const FitOptions& options) {
+std::string FitReport(const FitOptions& options, const FitStatistics& statistics) {
     const std::vector<FitPoint> points = FitPoints();
     const FitPoint* worst = Worst(points);
     return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
@@ -240,7 +254,7 @@ std::string FitReport(const FitOptions& options) {
            "</style>\n</head>\n<body>\n" + Introduction(options, worst) + ParameterTable() +
            FitPictureSection(options) + Plots(points) +
            (HasMonteCarlo(options) ? MonteCarloPlots(options) : "") + PointTable(points, worst) +
-           NotesTable() + "</body>\n</html>\n";
+           StatisticsSection(options, statistics) + NotesTable() + "</body>\n</html>\n";
 }
 
 }  // namespace corvinade::cli

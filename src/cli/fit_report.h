@@ -4,11 +4,12 @@
 #include <string>
 
 #include "cli/fit_options.h"
+#include "cli/fit_statistics.h"
 #include "core/rooms.h"
 
 namespace corvinade::cli {
 
 // The whole page.
-std::string FitReport(const FitOptions& options);
+std::string FitReport(const FitOptions& options, const FitStatistics& statistics);
 
 }  // namespace corvinade::cli

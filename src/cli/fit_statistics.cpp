@@ -1,9 +1,10 @@
 // How far the result of a fit can be trusted, as blocks of the table.
 #include "cli/fit_statistics.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
+#include <numeric>
 #include <ostream>
 
 #include "cli/fit_output.h"
@@ -98,24 +99,38 @@ void WriteParameters(const AdjustmentStatistics& s, const Style& style, std::ost
     WriteRows(heading, rows, "", style, out);
 }
 
-void WriteReliability(const AdjustmentStatistics& s, const Style& style, std::ostream& out) {
+// The coordinates in their order; of more than `most` the worst in their tests.
+std::vector<std::size_t> ShownCoordinates(const AdjustmentStatistics& s, std::size_t most) {
+    std::vector<std::size_t> order(s.Standardized.size() - 1);
+    std::iota(order.begin(), order.end(), std::size_t{1});
+    if (order.size() <= most) return order;
+    const auto size = [&s](std::size_t i) {
+        return std::isfinite(s.Standardized[i]) ? std::fabs(s.Standardized[i]) : -1;
+    };
+    std::partial_sort(
+        order.begin(), order.begin() + static_cast<std::ptrdiff_t>(most), order.end(),
+        [&size](std::size_t a, std::size_t b) { return size(a) > size(b) || (size(a) == size(b) && a < b); });
+    order.resize(most);
+    return order;
+}
+
+void WriteReliability(const AdjustmentStatistics& s, std::size_t most, const Style& style,
+                      std::ostream& out) {
     std::vector<std::vector<std::string>> rows;
-    for (int pair = 1; pair <= Job.Pairs(); ++pair) {
+    for (const std::size_t index : ShownCoordinates(s, most)) {
+        const int pair = static_cast<int>((index - 1) / 3) + 1, axis = static_cast<int>((index - 1) % 3) + 1;
         const FitPoint point = FitPointOf(pair);
-        for (int axis = 1; axis <= 3; ++axis) {
-            const std::size_t index = At(3 * (pair - 1) + axis);
-            const bool used = Used(pair, axis);
-            const std::string verdict = s.IsOutlier(index, used) ? (used ? "outlier" : "would not fit")
-                                        : !used                  ? "out of use"
-                                        : std::isfinite(s.Standardized[index]) ? "ok"
-                                                                               : "no control";
-            rows.push_back({ForTable(point.Name, kLongestName), std::string(1, "wxyz"[axis]),
-                            Length(point.Deviation[axis - 1]), Plain(s.Redundancies[index], "0.000"),
-                            Plain(s.Standardized[index], "0.00"), Length(s.Mdb[index]), verdict});
-        }
+        rows.push_back({ForTable(point.Name, kLongestName), std::string(1, "wxyz"[axis]),
+                        Length(point.Deviation[axis - 1]), Plain(s.Redundancies[index], "0.000"),
+                        Plain(s.Standardized[index], "0.00"), Length(s.Mdb(index)),
+                        VerdictOf(s, pair, axis)});
     }
     WriteRows({"Reliability", "axis", "deviation", "redundancy", "standardized", "MDB", "verdict"}, rows,
               Job.LengthUnitName, style, out);
+    if (rows.size() < s.Standardized.size() - 1)
+        out << style.Quiet("(the " + std::to_string(rows.size()) + " worst of " +
+                           std::to_string(s.Standardized.size() - 1) + " coordinates)")
+            << "\n";
 }
 
 std::vector<std::string> AccuracyRow(const AdjustmentStatistics& s, const std::string& name,
@@ -129,11 +144,13 @@ std::vector<std::string> AccuracyRow(const AdjustmentStatistics& s, const std::s
     return row;
 }
 
-void WriteAccuracy(const FitOptions& options, const AdjustmentStatistics& s, const Style& style,
-                   std::ostream& out) {
+void WriteAccuracy(const FitOptions& options, const AdjustmentStatistics& s, std::size_t most,
+                   const Style& style, std::ostream& out) {
     if (!std::isfinite(s.VarianceFactor)) return;
     std::vector<std::vector<std::string>> rows;
-    for (int i = 1; i <= Job.Start.Count() && options.Statistics; ++i)
+    const bool all = At(Job.Start.Count()) <= most;
+    const int shown = all ? Job.Start.Count() : static_cast<int>(most);
+    for (int i = 1; i <= shown && options.Statistics; ++i)
         rows.push_back(AccuracyRow(s, ForTable(Job.Start.Name[At(i)], kLongestName), StartPoint(i)));
     for (const std::array<double, 3>& place : options.AccuracyAt) {
         Vec3 start;
@@ -148,6 +165,10 @@ void WriteAccuracy(const FitOptions& options, const AdjustmentStatistics& s, con
         {"Transformed", "sigma x", "sigma y", "sigma z", "axis 1", "axis 2", "axis 3"}, rows,
         Job.LengthUnitName + ", axes of the ellipsoid of " + PlainText(100 * s.Levels.Confidence) + " %",
         style, out);
+    if (!all && options.Statistics)
+        out << style.Quiet("(the first " + std::to_string(shown) + " of " +
+                           std::to_string(Job.Start.Count()) + " points)")
+            << "\n";
 }
 
 void WriteSnooped(const FitStatistics& statistics, const Style& style, std::ostream& out) {
@@ -160,6 +181,14 @@ void WriteSnooped(const FitStatistics& statistics, const Style& style, std::ostr
 }
 
 }  // namespace
+
+std::string VerdictOf(const AdjustmentStatistics& s, int pair, int axis) {
+    const std::size_t index = At(3 * (pair - 1) + axis);
+    const bool used = Used(pair, axis);
+    if (s.IsOutlier(index, used)) return used ? "outlier" : "would not fit";
+    if (!used) return "out of use";
+    return std::isfinite(s.Standardized[index]) ? "ok" : "no control";
+}
 
 TestLevels LevelsOf(const FitOptions& options) {
     TestLevels levels{.Power = options.Power, .Confidence = options.Confidence};
@@ -184,7 +213,7 @@ std::string GlobalTestInWords(const AdjustmentStatistics& s) {
 }
 
 void WriteStatisticsTable(const FitOptions& options, const FitStatistics& statistics, std::ostream& out,
-                          bool colour) {
+                          bool colour, std::size_t most) {
     const Style style{colour};
     if (options.Snoop) WriteSnooped(statistics, style, out);
     if (!options.Statistics && options.AccuracyAt.empty()) return;
@@ -201,9 +230,9 @@ void WriteStatisticsTable(const FitOptions& options, const FitStatistics& statis
     if (!s.Singular && options.Statistics) {
         WriteOverview(s, style, out);
         WriteParameters(s, style, out);
-        WriteReliability(s, style, out);
+        WriteReliability(s, most, style, out);
     }
-    if (!s.Singular) WriteAccuracy(options, s, style, out);
+    if (!s.Singular) WriteAccuracy(options, s, most, style, out);
     if (!note.empty()) out << style.Alarm("(" + note + ")") << "\n";
 }
 

@@ -1,7 +1,9 @@
 // How far the result of a fit can be trusted, for the outputs of `corvinade-cli fit`.
 #pragma once
 
+#include <cstddef>
 #include <iosfwd>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -36,11 +38,17 @@ bool WantsStatistics(const FitOptions& options);
 // The value of the member `statistics`, two blanks deep; written point by point.
 void WriteStatisticsJson(const FitOptions& options, const FitStatistics& statistics, std::ostream& out);
 
-// The blocks of the table.
+// The blocks of the table. Of more coordinates, and of more transformed points, than `most` the worst and the
+// first ones are shown.
 void WriteStatisticsTable(const FitOptions& options, const FitStatistics& statistics, std::ostream& out,
-                          bool colour);
+                          bool colour, std::size_t most = std::numeric_limits<std::size_t>::max());
 
-// "The global test is passed: ..." in plain words; "" without a-priori standard deviations or redundancy.
+// "ok", "outlier", "would not fit" (of one out of use), "out of use", "no control": of a coordinate, pair and
+// axis from 1 on.
+std::string VerdictOf(const AdjustmentStatistics& statistics, int pair, int axis);
+
+// "passed (...): the deviations are ..." in plain words; "" without a-priori standard deviations or
+// redundancy.
 std::string GlobalTestInWords(const AdjustmentStatistics& statistics);
 
 }  // namespace corvinade::cli

@@ -95,7 +95,8 @@ void PutAccuracy(const AdjustmentStatistics& s, const Vec3& start, ordered_json&
 }
 
 ordered_json PointRow(const AdjustmentStatistics& s, int pair) {
-    ordered_json outlier = ordered_json::array(), predicted = ordered_json::array();
+    ordered_json outlier = ordered_json::array(), predicted = ordered_json::array(),
+                 mdb = ordered_json::array();
     for (int axis = 1; axis <= 3; ++axis) {
         const std::size_t index = At(3 * (pair - 1) + axis);
         const bool used = Used(pair, axis);
@@ -103,11 +104,12 @@ ordered_json PointRow(const AdjustmentStatistics& s, int pair) {
                             std::isfinite(used ? s.CriticalValue : s.CriticalPredicted);
         outlier.push_back(tested ? ordered_json(s.IsOutlier(index, used)) : ordered_json(nullptr));
         predicted.push_back(!used);
+        mdb.push_back(Number(s.Mdb(index)));
     }
     return {{"name", Job.Start.Name[At(pair)]},
             {"redundancy", Three(s.Redundancies, pair)},
             {"standardized", Three(s.Standardized, pair)},
-            {"mdb_mm", Three(s.Mdb, pair)},
+            {"mdb_mm", std::move(mdb)},
             {"outlier", std::move(outlier)},
             {"predicted", std::move(predicted)}};
 }
@@ -172,14 +174,20 @@ ordered_json Head(const FitOptions& options, const FitStatistics& statistics) {
     return head;
 }
 
-std::string Dumped(const ordered_json& value, int indent) {
-    return value.dump(indent, ' ', false, ordered_json::error_handler_t::replace);
+std::string Dumped(const ordered_json& value, int depth) {
+    const std::string text = value.dump(2, ' ', false, ordered_json::error_handler_t::replace);
+    std::string indented;
+    for (const char c : text) {
+        indented += c;
+        if (c == '\n') indented.append(static_cast<std::size_t>(depth), ' ');
+    }
+    return indented;
 }
 
 template <class Row>
 void WriteRows(const char* name, int count, Row row, std::ostream& out) {
     out << ",\n    \"" << name << "\": [";
-    for (int i = 1; i <= count; ++i) out << (i == 1 ? "\n      " : ",\n      ") << Dumped(row(i), -1);
+    for (int i = 1; i <= count; ++i) out << (i == 1 ? "\n      " : ",\n      ") << Dumped(row(i), 6);
     out << (count > 0 ? "\n    ]" : "]");
 }
 
@@ -195,12 +203,8 @@ void WriteStatisticsJson(const FitOptions& options, const FitStatistics& statist
     out << "{";
     const ordered_json head = Head(options, statistics);
     for (const auto& member : head.items()) {
-        out << (first ? "\n    " : ",\n    ") << Dumped(member.key(), -1) << ": ";
+        out << (first ? "\n    " : ",\n    ") << Dumped(member.key(), 4) << ": " << Dumped(member.value(), 4);
         first = false;
-        for (const char c : Dumped(member.value(), member.value().is_array() ? -1 : 2)) {
-            out << c;
-            if (c == '\n') out << "    ";
-        }
     }
     if (!s.Singular) {
         WriteRows(

@@ -74,6 +74,7 @@ std::optional<AdjustmentStatistics> StatisticsOfResult(const TestLevels& levels)
     const Column inUse = WeightsFromUseFlags(3 * Job.Pairs());
     GatheredPoints points;
     GatherPoints(inUse, false, points);
+    SetWeights(inUse, points);
     const JobSigmas sigmas(SigmasOf(Job));
     const PairSigmas view = sigmas.View();
     AdjustmentStatistics statistics = StatisticsOf({.Points = points,

@@ -8,6 +8,7 @@
 
 #include "fit/chain.h"
 #include "fit/distributions.h"
+#include "fit/moments.h"
 #include "fit/normal_equations.h"
 #include "fit/open_parameters.h"
 #include "fit/require.h"
@@ -25,37 +26,49 @@ std::size_t At(int i) {
     return static_cast<std::size_t>(i);
 }
 
-// The weight of a pair, whichever kind the fit has.
+// Those of a problem with a-priori sigmas.
 class Weights {
 public:
     Weights(const StatisticsProblem& problem, const Mat3& M) : problem_(problem) {
         if (problem.Sigmas != nullptr) known_.emplace(*problem.Sigmas, M);
-        for (int axis = 1; axis <= 3; ++axis) unit_.C(axis, axis) = 1;
     }
-    const PairWeight& Of(int pair) {
-        const double* const inUse = &problem_.InUse[At(3 * pair + 1)];
-        if (known_) return known_->Of(pair, inUse);
-        for (int axis = 1; axis <= 3; ++axis) unit_.W(axis, axis) = inUse[axis - 1] != 0 ? 1 : 0;
-        return unit_;
-    }
+    const PairWeight& Of(int pair) { return known_->Of(pair, &problem_.InUse[At(3 * pair + 1)]); }
 
 private:
     const StatisticsProblem& problem_;
     std::optional<PairWeights> known_;
-    PairWeight unit_;
 };
 
-Form4 SquareAt(const GatheredPoints& points, int pair) {
-    const std::size_t i = At(pair);
-    return SquareOf(points.Start[0][i], points.Start[1][i], points.Start[2][i]);
+// Of unit weights: their sums are the moments of the points.
+std::array<Form4, kAxisPairs> SumsOfUnitWeights(const StatisticsProblem& problem, const Linearisation& at,
+                                                AdjustmentStatistics& s) {
+    PointMoments moments;
+    SumMoments(problem.Points, at, moments);
+    std::array<Form4, kAxisPairs> sums{};
+    for (int axis = 1; axis <= 3; ++axis) {
+        const auto& B = moments.B[At(axis)];
+        sums[At(AxisPair(axis, axis))] = {B[0][0], B[0][1], B[0][2], B[0][3], B[1][1],
+                                          B[1][2], B[1][3], B[2][2], B[2][3], B[3][3]};
+    }
+    // Three sums, so that no addition has to wait for the one before.
+    Vec3 squares;
+    const double *const v = problem.Residuals.data(), *const use = problem.InUse.data();
+    for (std::size_t i = 1; i <= At(3 * problem.Points.Count); i += 3)
+        for (int axis = 0; axis < 3; ++axis) {
+            const double r = use[i + At(axis)] != 0 ? v[i + At(axis)] : 0;
+            squares(axis + 1) += r * r;
+        }
+    s.Vtpv = squares(1) + squares(2) + squares(3);
+    return sums;
 }
 
-// Q of the centred unknowns, and vtpv. False where the normal matrix is singular.
-bool TakeSums(const StatisticsProblem& problem, const AxisForms& forms, Weights& weights,
-              AdjustmentStatistics& s, Matrix& Q) {
+std::array<Form4, kAxisPairs> SumsOfWeights(const StatisticsProblem& problem, Weights& weights,
+                                            AdjustmentStatistics& s) {
     std::array<Form4, kAxisPairs> sums{};
-    for (int i = 0; i < problem.Points.Count; ++i) {
-        const Form4 square = SquareAt(problem.Points, i);
+    const GatheredPoints& points = problem.Points;
+    for (int i = 0; i < points.Count; ++i) {
+        const std::size_t k = At(i);
+        const Form4 square = SquareOf(points.Start[0][k], points.Start[1][k], points.Start[2][k]);
         const Mat3& W = weights.Of(i).W;
         const double* const v = &problem.Residuals[At(3 * i)];
         for (int a = 1; a <= 3; ++a)
@@ -63,30 +76,37 @@ bool TakeSums(const StatisticsProblem& problem, const AxisForms& forms, Weights&
                 const double w = W(a, b);
                 if (w == 0) continue;
                 Form4& sum = sums[At(AxisPair(a, b))];
-                for (std::size_t k = 0; k < square.size(); ++k) sum[k] += w * square[k];
+                for (std::size_t j = 0; j < square.size(); ++j) sum[j] += w * square[j];
                 s.Vtpv += (a == b ? 1 : 2) * w * v[a] * v[b];
             }
     }
-    return InvertPositive(NormalMatrixOf(forms, sums), s.Unknowns, Q);
+    return sums;
+}
+
+// The largest size of a column's values, which stand about a centre.
+double FarthestOf(const LaneArray& column, int count, double centre) {
+    double least = 0, most = 0;
+    for (std::size_t i = 0; i < At(count); ++i) {
+        least = column[i] < least ? column[i] : least;
+        most = column[i] > most ? column[i] : most;
+    }
+    return std::max(std::fabs(centre + least), std::fabs(centre + most));
 }
 
 // Whether residuals in use are no more than what the rounding of coordinates makes.
 bool AreOfRounding(const StatisticsProblem& problem, const Mat3& M) {
     constexpr double kDigits = 64 * std::numeric_limits<double>::epsilon();
     const GatheredPoints& points = problem.Points;
-    double far = 0, largest = 0;
-    for (int i = 0; i < points.Count; ++i)
-        for (int axis = 1; axis <= 3; ++axis) {
-            const std::size_t index = At(3 * i + axis);
-            if (problem.InUse[index] == 0) continue;
-            largest = std::max(largest, std::fabs(problem.Residuals[index]));
-            double size = std::fabs(points.Target[At(axis - 1)][At(i)] + points.TargetCentre(axis));
-            for (int j = 1; j <= 3; ++j)
-                size = std::max(size, std::fabs(M(axis, j)) *
-                                          std::fabs(points.Start[At(j - 1)][At(i)] + points.StartCentre(j)));
-            far = std::max(far, size);
-        }
-    return largest <= kDigits * far;
+    double far = 0;
+    for (int axis = 1; axis <= 3; ++axis) {
+        far = std::max(far, FarthestOf(points.Target[At(axis - 1)], points.Count, points.TargetCentre(axis)));
+        const double start = FarthestOf(points.Start[At(axis - 1)], points.Count, points.StartCentre(axis));
+        for (int row = 1; row <= 3; ++row) far = std::max(far, std::fabs(M(row, axis)) * start);
+    }
+    // Most fits have a residual that says it among the first.
+    for (std::size_t i = 1; i <= At(3 * points.Count); ++i)
+        if (problem.InUse[i] != 0 && !(std::fabs(problem.Residuals[i]) <= kDigits * far)) return false;
+    return true;
 }
 
 void TakeLimits(AdjustmentStatistics& s) {
@@ -135,19 +155,44 @@ void TakePair(const StatisticsProblem& problem, const PairWeight& weight, const 
         if (!(redundancy >= kLeastRedundancy) || !(variance > 0)) continue;
         const double sigma = std::sqrt(variance);
         s.Standardized[index] = Wv / (scale * sigma);
-        s.Mdb[index] = s.Shift * scale / sigma;
+        s.Control[index] = variance;
+    }
+}
+
+// The same where all weights are 1.
+void TakePairsOfUnitWeights(const StatisticsProblem& problem, double scale, AdjustmentStatistics& s) {
+    const GatheredPoints& points = problem.Points;
+    const std::array<Form4, 3> forms = {s.Variances[At(AxisPair(1, 1))], s.Variances[At(AxisPair(2, 2))],
+                                        s.Variances[At(AxisPair(3, 3))]};
+    const double *const v = problem.Residuals.data(), *const use = problem.InUse.data();
+    for (std::size_t i = 0; i < At(points.Count); ++i) {
+        const double x = points.Start[0][i], y = points.Start[1][i], z = points.Start[2][i];
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            const std::size_t index = 3 * i + axis + 1;
+            const double A = Value(forms[axis], x, y, z), redundancy = 1 - A;
+            const bool used = use[index] != 0, tested = !used || redundancy >= kLeastRedundancy;
+            s.Redundancies[index] = !used ? kNone : redundancy > 0 ? redundancy : 0;
+            s.Standardized[index] =
+                tested ? v[index] / (scale * std::sqrt(used ? redundancy : 1 + A)) : kNone;
+        }
     }
 }
 
 void TakePairs(const StatisticsProblem& problem, Weights& weights, AdjustmentStatistics& s) {
-    const std::size_t size = At(3 * problem.Points.Count) + 1;
-    for (Column* column : {&s.Redundancies, &s.Standardized, &s.Mdb}) column->assign(size, kNone);
+    const GatheredPoints& points = problem.Points;
+    const std::size_t size = At(3 * points.Count) + 1;
+    s.Redundancies.resize(size, kNone);
+    s.Standardized.resize(size, kNone);
     const double scale = s.APriori ? 1 : s.OfRounding ? kNone : s.s0;
-    for (int i = 0; i < problem.Points.Count; ++i) {
-        const Form4 square = SquareAt(problem.Points, i);
+    if (!s.APriori) return TakePairsOfUnitWeights(problem, scale, s);
+    s.Control.resize(size, kNone);
+    for (int i = 0; i < points.Count; ++i) {
+        const std::size_t k = At(i);
         Mat3 A;
         for (int a = 1; a <= 3; ++a)
-            for (int b = a; b <= 3; ++b) A(a, b) = A(b, a) = Value(s.Variances[At(AxisPair(a, b))], square);
+            for (int b = a; b <= 3; ++b)
+                A(a, b) = A(b, a) = Value(s.Variances[At(AxisPair(a, b))], points.Start[0][k],
+                                          points.Start[1][k], points.Start[2][k]);
         TakePair(problem, weights.Of(i), A, scale, i, s);
     }
 }
@@ -173,7 +218,9 @@ AdjustmentStatistics StatisticsOf(const StatisticsProblem& problem) {
     const AxisForms forms = FormsOf(problem.Model, at);
     Weights weights(problem, at.M);
     Matrix Q;
-    const bool inverted = TakeSums(problem, forms, weights, s, Q);
+    const std::array<Form4, kAxisPairs> sums =
+        s.APriori ? SumsOfWeights(problem, weights, s) : SumsOfUnitWeights(problem, at, s);
+    const bool inverted = InvertPositive(NormalMatrixOf(forms, sums), s.Unknowns, Q);
     s.s0 = s.Redundancy > 0 ? std::sqrt(s.Vtpv / s.Redundancy) : kNone;
     s.VarianceFactor = s.APriori ? 1 : s.s0 * s.s0;
     const OpenParameters open = FindOpenParameters(
@@ -192,6 +239,12 @@ AdjustmentStatistics StatisticsOf(const StatisticsProblem& problem) {
     return s;
 }
 
+double AdjustmentStatistics::Mdb(std::size_t index) const {
+    const double control = APriori ? Control[index] : Redundancies[index];
+    if (!(Redundancies[index] >= kLeastRedundancy) || OfRounding) return kNone;
+    return Shift * (APriori ? 1 : s0) / std::sqrt(control);
+}
+
 double AdjustmentStatistics::Sigma(int unknown) const {
     return std::sqrt(Covariance(unknown, unknown));
 }
@@ -202,13 +255,24 @@ double AdjustmentStatistics::Correlation(int i, int j) const {
 
 Mat3 CovarianceOfTransformed(const AdjustmentStatistics& statistics, const Vec3& start) {
     const Vec3& c = statistics.Centre;
-    const Form4 square = SquareOf(start(1) - c(1), start(2) - c(2), start(3) - c(3));
+    const double x = start(1) - c(1), y = start(2) - c(2), z = start(3) - c(3);
     Mat3 covariance;
     for (int a = 1; a <= 3; ++a)
         for (int b = a; b <= 3; ++b)
             covariance(a, b) = covariance(b, a) =
-                statistics.VarianceFactor * Value(statistics.Variances[At(AxisPair(a, b))], square);
+                statistics.VarianceFactor * Value(statistics.Variances[At(AxisPair(a, b))], x, y, z);
     return covariance;
+}
+
+Vec3 SigmaOfTransformed(const AdjustmentStatistics& statistics, const Vec3& start) {
+    const Vec3& c = statistics.Centre;
+    Vec3 sigma;
+    for (int axis = 1; axis <= 3; ++axis) {
+        const double variance = Value(statistics.Variances[At(AxisPair(axis, axis))], start(1) - c(1),
+                                      start(2) - c(2), start(3) - c(3));
+        sigma(axis) = std::sqrt(statistics.VarianceFactor * (variance > 0 ? variance : 0));
+    }
+    return sigma;
 }
 
 Ellipsoid EllipsoidOf(const Mat3& covariance, double factor) {

@@ -23,7 +23,7 @@ struct TestLevels {
 };
 
 struct StatisticsProblem {
-    const GatheredPoints& Points;
+    const GatheredPoints& Points;  // with the weights InUse set (SetWeights) where there are no sigmas
     const FitModel& Model;
     const Parameters& Result;
     const Column& InUse;                 // three a pair, from 1 on: 0 takes no part
@@ -56,7 +56,7 @@ struct AdjustmentStatistics {
     // Three a pair, from 1 on; x y z.
     Column Redundancies;  // (Qvv W)_ii, NaN out of use
     Column Standardized;  // Baarda's w, without a-priori sigmas Pope's tau; out of use that of the prediction
-    Column Mdb;           // smallest bias of the target coordinate that the test finds, mm; NaN out of use
+    Column Control;       // (W Qvv W)_ii, with a-priori sigmas; without them it is the redundancy
 
     // A Q A' as forms of the start point about this centre.
     Vec3 Centre;
@@ -67,7 +67,8 @@ struct AdjustmentStatistics {
         const double size = Standardized[index] < 0 ? -Standardized[index] : Standardized[index];
         return size > (inUse ? CriticalValue : CriticalPredicted);
     }
-    double Sigma(int unknown) const;  // of an unknown 1 to u, mm or rad
+    double Mdb(std::size_t index) const;  // smallest bias of the target coordinate that the test finds, mm
+    double Sigma(int unknown) const;      // of an unknown 1 to u, mm or rad
     double Covariance(int i, int j) const { return VarianceFactor * Q(i, j); }
     double Correlation(int i, int j) const;
 };
@@ -78,6 +79,9 @@ AdjustmentStatistics StatisticsOf(const StatisticsProblem& problem);
 // Covariance of a transformed point by that of the parameters alone, mm^2: A (s^2 Q) A'.
 //   start  the point before the transformation, mm
 Mat3 CovarianceOfTransformed(const AdjustmentStatistics& statistics, const Vec3& start);
+
+// The roots of its diagonal, mm.
+Vec3 SigmaOfTransformed(const AdjustmentStatistics& statistics, const Vec3& start);
 
 // The ellipsoid of a covariance matrix times the square of a factor.
 struct Ellipsoid {

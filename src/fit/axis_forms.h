@@ -38,10 +38,9 @@ Matrix NormalMatrixOf(const AxisForms& forms, const std::array<Form4, kAxisPairs
 // A Q A' of the three rows of any point, as forms of [1 x y z]: Value of a form is their value there. Q of
 // the centred unknowns.
 std::array<Form4, kAxisPairs> VarianceForms(const AxisForms& forms, const Matrix& Q);
-inline double Value(const Form4& form, const Form4& square) {
-    double sum = 0;
-    for (std::size_t k = 0; k < form.size(); ++k) sum += form[k] * square[k];
-    return sum;
+inline double Value(const Form4& form, double x, double y, double z) {
+    return form[0] + x * (form[1] + form[4] * x + form[5] * y + form[6] * z) +
+           (y * (form[2] + form[7] * y + form[8] * z) + z * (form[3] + form[9] * z));
 }
 
 // The inverse of a symmetric positive definite matrix (Cholesky), its rows and columns brought to the same

@@ -45,16 +45,24 @@ bool InvertPart(const Mat3& C, const std::array<int, 3>& axes, int n, Mat3& W) {
 
 }  // namespace
 
+Mat3 CovarianceOf(const PairSigmas& sigmas, const Mat3& M, int pair) {
+    Mat3 C;
+    for (int k = 1; k <= 3; ++k) {
+        const double start = sigmas.Start.At(k, pair), target = sigmas.Target.At(k, pair);
+        for (int i = 1; i <= 3; ++i)
+            for (int j = 1; j <= 3; ++j) C(i, j) += M(i, k) * M(j, k) * start * start;
+        C(k, k) += target * target;
+    }
+    return C;
+}
+
 PairWeight WeightOf(const PairSigmas& sigmas, const Mat3& M, int pair, const double* inUse) {
     PairWeight weight;
+    weight.C = CovarianceOf(sigmas, M, pair);
     for (int i = 1; i <= 3; ++i) {
-        const double start = sigmas.Start.At(i, pair), target = sigmas.Target.At(i, pair);
+        const double start = sigmas.Start.At(i, pair);
         for (int j = 1; j <= 3; ++j) weight.SM(i, j) = start * start * M(j, i);
-        weight.C(i, i) = target * target;
     }
-    for (int i = 1; i <= 3; ++i)
-        for (int j = 1; j <= 3; ++j)
-            for (int k = 1; k <= 3; ++k) weight.C(i, j) += M(i, k) * weight.SM(k, j);
     std::array<int, 3> axes{};
     int n = 0;
     for (int axis = 1; axis <= 3; ++axis)
@@ -65,8 +73,16 @@ PairWeight WeightOf(const PairSigmas& sigmas, const Mat3& M, int pair, const dou
 
 int PairWithoutWeight(const PairSigmas& sigmas, const Mat3& M, int pairs, const Column& inUse) {
     PairWeights weights(sigmas, M);
-    for (int i = 0; i < pairs; ++i)
-        if (!weights.Of(i, &inUse[At(3 * i + 1)]).Positive) return i + 1;
+    const bool alike = sigmas.AlikeForAll();
+    // Where the sigmas are the same for all, the first pair of all three coordinates speaks for the others.
+    bool whole = false;
+    for (int i = 0; i < pairs; ++i) {
+        const double* const use = &inUse[At(3 * i + 1)];
+        const bool all = use[0] != 0 && use[1] != 0 && use[2] != 0;
+        if (alike && all && whole) continue;
+        whole = whole || all;
+        if (!weights.Of(i, use).Positive) return i + 1;
+    }
     return 0;
 }
 

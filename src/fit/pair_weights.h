@@ -47,6 +47,9 @@ struct PairWeight {
 //   inUse  the pair's coordinates x y z: 0 takes no part
 PairWeight WeightOf(const PairSigmas& sigmas, const Mat3& M, int pair, const double* inUse);
 
+// C alone.
+Mat3 CovarianceOf(const PairSigmas& sigmas, const Mat3& M, int pair);
+
 // The weights of all pairs at one M. Where the sigmas are the same for all, those of the eight choices of
 // coordinates in use are kept.
 class PairWeights {

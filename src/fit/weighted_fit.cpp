@@ -9,8 +9,10 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <utility>
 
+#include "fit/alike_moments.h"
 #include "fit/axis_forms.h"
 #include "fit/corrections.h"
 #include "fit/normal_equations.h"
@@ -24,13 +26,6 @@ namespace {
 std::size_t At(int i) {
     return static_cast<std::size_t>(i);
 }
-
-// Sums over the pairs at one linearisation.
-struct Sums {
-    std::array<Form4, kAxisPairs> Squares{};          // w_ab [1 p] [1 p]', p the corrected start point
-    std::array<std::array<double, 4>, 4> Gradient{};  // by axis: (W r)_a [1 p]
-    double Objective = 0;
-};
 
 Vec3 StartOf(const GatheredPoints& points, int i) {
     return {points.Start[0][At(i)], points.Start[1][At(i)], points.Start[2][At(i)]};
@@ -60,9 +55,9 @@ Vec3 InUseOf(const Vec3& r, const double* inUse) {
     return {inUse[0] != 0 ? r(1) : 0, inUse[1] != 0 ? r(2) : 0, inUse[2] != 0 ? r(3) : 0};
 }
 
-Sums SumOver(const GatheredPoints& points, const Column& inUse, const PairSigmas& sigmas,
-             const Linearisation& at) {
-    Sums sums;
+WeightedSums SumOver(const GatheredPoints& points, const Column& inUse, const PairSigmas& sigmas,
+                     const Linearisation& at) {
+    WeightedSums sums;
     PairWeights weights(sigmas, at.M);
     for (int i = 0; i < points.Count; ++i) {
         const double* const use = &inUse[At(3 * i + 1)];
@@ -85,12 +80,55 @@ Sums SumOver(const GatheredPoints& points, const Column& inUse, const PairSigmas
     return sums;
 }
 
-double ObjectiveAt(const NormRun& fit, const PairSigmas& sigmas, const Parameters& values) {
-    return WeightedObjective(fit.Points, fit.InUse, sigmas, values);
+// The same of the points as they were measured: w_ab [1 p] [1 p]'.
+std::array<Form4, kAxisPairs> SquaresOver(const GatheredPoints& points, const Column& inUse,
+                                          const PairSigmas& sigmas, const Linearisation& at) {
+    std::array<Form4, kAxisPairs> sums{};
+    PairWeights weights(sigmas, at.M);
+    for (int i = 0; i < points.Count; ++i) {
+        const Vec3 p = StartOf(points, i);
+        const Mat3& W = weights.Of(i, &inUse[At(3 * i + 1)]).W;
+        const Form4 square = SquareOf(p(1), p(2), p(3));
+        for (int a = 1; a <= 3; ++a)
+            for (int b = a; b <= 3; ++b)
+                for (std::size_t k = 0; k < square.size(); ++k)
+                    sums[At(AxisPair(a, b))][k] += W(a, b) * square[k];
+    }
+    return sums;
 }
 
+// The sums of one fit, by the moments of the points where the sigmas are the same for all pairs.
+class SumsOfFit {
+public:
+    SumsOfFit(const NormRun& fit, const PairSigmas& sigmas) : fit_(fit), sigmas_(sigmas) {}
+
+    WeightedSums At(const Linearisation& at) {
+        if (!sigmas_.AlikeForAll()) return SumOver(fit_.Points, fit_.InUse, sigmas_, at);
+        if (!moments_ || HasLostDigits(*moments_, at))
+            moments_.emplace(TakeMoments(fit_.Points, fit_.InUse, at));
+        return SumsByMoments(*moments_, sigmas_, at);
+    }
+    double ObjectiveAt(const Parameters& values) {
+        if (!sigmas_.AlikeForAll()) return WeightedObjective(fit_.Points, fit_.InUse, sigmas_, values);
+        ChainRecord chain;
+        const Linearisation at = Linearise(FitModel{}, values, fit_.Points, chain);
+        return SumsByMoments(*moments_, sigmas_, at).Objective;
+    }
+    // w_ab [1 p] [1 p]' of the points as they were measured.
+    std::array<Form4, kAxisPairs> SquaresAt(const Linearisation& at) {
+        if (!sigmas_.AlikeForAll()) return SquaresOver(fit_.Points, fit_.InUse, sigmas_, at);
+        if (!moments_) moments_.emplace(TakeMoments(fit_.Points, fit_.InUse, at));
+        return SquaresByMoments(*moments_, sigmas_, at);
+    }
+
+private:
+    const NormRun& fit_;
+    const PairSigmas& sigmas_;
+    std::optional<AlikeMoments> moments_;
+};
+
 // The step of the centred unknowns. False where the points leave some open.
-bool Step(const FitModel& model, const Linearisation& at, const Sums& sums, Column& centred) {
+bool Step(const FitModel& model, const Linearisation& at, const WeightedSums& sums, Column& centred) {
     const AxisForms forms = FormsOf(model, at);
     Matrix Q;
     if (!InvertPositive(NormalMatrixOf(forms, sums.Squares), model.Unknowns, Q)) return false;
@@ -107,7 +145,7 @@ bool Step(const FitModel& model, const Linearisation& at, const Sums& sums, Colu
 
 // Takes the step, or as much of it as makes the objective less. Far from the minimum a whole one may lead too
 // far. False when the objective cannot be made less but by rounding.
-bool Take(NormRun& fit, const PairSigmas& sigmas, const Linearisation& at, double objective, Column centred) {
+bool Take(NormRun& fit, SumsOfFit& sums, const Linearisation& at, double objective, Column centred) {
     constexpr int kMostHalvings = 30;
     constexpr double kRounding = 1e-12;
     const Parameters before = fit.Run.Now;
@@ -115,7 +153,7 @@ bool Take(NormRun& fit, const PairSigmas& sigmas, const Linearisation& at, doubl
         Column x = centred;
         FromCentre(fit.Model, at, x);
         AddCorrections(fit.Model, x, fit.Run.Now);
-        if (ObjectiveAt(fit, sigmas, fit.Run.Now) <= objective * (1 + kRounding)) return true;
+        if (sums.ObjectiveAt(fit.Run.Now) <= objective * (1 + kRounding)) return true;
         fit.Run.Now = before;
         for (double& each : centred) each /= 2;
     }
@@ -123,7 +161,7 @@ bool Take(NormRun& fit, const PairSigmas& sigmas, const Linearisation& at, doubl
 }
 
 // The iteration. False when it was abandoned.
-bool IterateWeighted(NormRun& fit, const PairSigmas& sigmas) {
+bool IterateWeighted(NormRun& fit, SumsOfFit& sumsOf) {
     IterationState& state = fit.Run.State;
     const bool finite = state.Finite;
     state = IterationState{};
@@ -132,7 +170,7 @@ bool IterateWeighted(NormRun& fit, const PairSigmas& sigmas) {
     for (;;) {
         if (!fit.Run.Tell(FitStep::PassBegins)) return false;
         const Linearisation at = Linearise(fit.Model, fit.Run.Now, fit.Points, fit.Run.Chain);
-        const Sums sums = SumOver(fit.Points, fit.InUse, sigmas, at);
+        const WeightedSums sums = sumsOf.At(at);
         ++state.Iterations;
         Column centred;
         if (!Step(fit.Model, at, sums, centred)) return true;
@@ -140,7 +178,7 @@ bool IterateWeighted(NormRun& fit, const PairSigmas& sigmas) {
         if (!state.Finite) return true;
         if (!fit.Run.Tell(FitStep::PassEnds, &centred)) return false;
         const double largest = FindLargest(centred, fit.Model.Unknowns).Size;
-        const bool taken = Take(fit, sigmas, at, sums.Objective, centred);
+        const bool taken = Take(fit, sumsOf, at, sums.Objective, centred);
         // What the sum's own rounding keeps from getting less is at rest.
         constexpr double kNearlyThere = 1e-6;
         state.AtRest = !taken && largest < kNearlyThere;
@@ -152,22 +190,41 @@ bool IterateWeighted(NormRun& fit, const PairSigmas& sigmas) {
 
 // Weights 1 / C_ii of the coordinates in use, scaled to a mean of 1. Gives what they were scaled by.
 double TakeScaledWeights(const NormRun& fit, const PairSigmas& sigmas, const Mat3& M, Column& P) {
-    PairWeights weights(sigmas, M);
-    P.assign(fit.InUse.size(), 0);
-    double sum = 0;
-    int n = 0;
-    for (int i = 0; i < fit.Points.Count; ++i)
+    constexpr double kSame = 1e-12;
+    const std::size_t n = At(3 * fit.Points.Count);
+    P.resize(n + 1);
+    P[0] = 0;
+    std::array<double, 3> ofAll{};
+    double sum = 0, observations = 0;
+    if (sigmas.AlikeForAll()) {
+        const Mat3 C = CovarianceOf(sigmas, M, 0);
+        std::array<double, 3> inUse{};
+        for (std::size_t i = 1; i <= n; i += 3)
+            for (std::size_t axis = 0; axis < 3; ++axis) inUse[axis] += fit.InUse[i + axis];
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            // An axis that nobody uses may well be free of errors.
+            if (inUse[axis] > 0) ofAll[axis] = 1 / C(static_cast<int>(axis) + 1, static_cast<int>(axis) + 1);
+            sum += inUse[axis] * ofAll[axis];
+            observations += inUse[axis];
+        }
+        const double mean = observations > 0 ? sum / observations : 1;
+        for (double& weight : ofAll) weight = std::fabs(weight - mean) <= kSame * mean ? 1 : weight / mean;
+        for (std::size_t i = 1; i <= n; i += 3)
+            for (std::size_t axis = 0; axis < 3; ++axis) P[i + axis] = fit.InUse[i + axis] * ofAll[axis];
+        return mean;
+    }
+    for (int i = 0; i < fit.Points.Count; ++i) {
+        const Mat3 C = CovarianceOf(sigmas, M, i);
         for (int axis = 1; axis <= 3; ++axis) {
             const std::size_t index = At(3 * i + axis);
-            if (fit.InUse[index] == 0) continue;
-            P[index] = 1 / weights.Of(i, &fit.InUse[At(3 * i + 1)]).C(axis, axis);
+            P[index] = fit.InUse[index] != 0 ? 1 / C(axis, axis) : 0;
             sum += P[index];
-            ++n;
+            observations += fit.InUse[index];
         }
-    const double mean = n > 0 ? sum / n : 1;
-    const auto alike = [&P, mean](std::size_t i) { return std::fabs(P[i] - mean) <= 1e-14 * mean; };
-    for (std::size_t i = 1; i < P.size(); ++i)
-        if (P[i] != 0) P[i] = alike(i) ? 1 : P[i] / mean;
+    }
+    const double mean = observations > 0 ? sum / observations : 1;
+    for (std::size_t i = 1; i <= n; ++i)
+        if (P[i] != 0) P[i] = std::fabs(P[i] - mean) <= kSame * mean ? 1 : P[i] / mean;
     return mean;
 }
 
@@ -182,26 +239,14 @@ FitModel WithoutHeld(const NormRun& fit) {
     return model;
 }
 
-void TakeResult(NormRun& fit, const PairSigmas& sigmas) {
+void TakeResult(NormRun& fit, const PairSigmas& sigmas, SumsOfFit& sumsOf) {
     const Linearisation at = Linearise(fit.Model, fit.Run.Now, fit.Points, fit.Run.Chain);
-    PairWeights weights(sigmas, at.M);
-    std::array<Form4, kAxisPairs> sums{};
-    fit.Result.v.assign(fit.InUse.size(), 0);
-    for (int i = 0; i < fit.Points.Count; ++i) {
-        const Vec3 p = StartOf(fit.Points, i), r = ResidualOf(fit.Points, at, p, i);
-        const Mat3& W = weights.Of(i, &fit.InUse[At(3 * i + 1)]).W;
-        const Form4 square = SquareOf(p(1), p(2), p(3));
-        for (int a = 1; a <= 3; ++a) {
-            fit.Result.v[At(3 * i + a)] = r(a);
-            for (int b = a; b <= 3; ++b)
-                for (std::size_t k = 0; k < square.size(); ++k)
-                    sums[At(AxisPair(a, b))][k] += W(a, b) * square[k];
-        }
-    }
+    Residuals(fit.Points, fit.Model, at, Column(At(fit.Model.Unknowns) + 1), fit.Result.v);
     const double mean = TakeScaledWeights(fit, sigmas, at.M, fit.P);
     Matrix Q;
     // Where the points leave parameters open the Q of the plain fit says so as it always does.
-    if (!InvertPositive(NormalMatrixOf(FormsOf(fit.Model, at), sums), fit.Model.Unknowns, Q)) return;
+    const Matrix N = NormalMatrixOf(FormsOf(fit.Model, at), sumsOf.SquaresAt(at));
+    if (!InvertPositive(N, fit.Model.Unknowns, Q)) return;
     FromCentre(fit.Model, at, Q);
     for (double& element : Q.Elements) element *= mean;
     fit.Result.Q = std::move(Q);
@@ -228,11 +273,17 @@ double WeightedObjective(const GatheredPoints& points, const Column& inUse, cons
 int FitWeighted(NormRun& fit, const PairSigmas& sigmas) {
     Require(fit.Model.Mode == FitMode::Coincide);
     const Linearisation at = Linearise(fit.Model, fit.Run.Now, fit.Points, fit.Run.Chain);
-    if (const int pair = PairWithoutWeight(sigmas, at.M, fit.Points.Count, fit.InUse); pair != 0) return pair;
-    Column P;
-    TakeScaledWeights(fit, sigmas, at.M, P);
+    const int asked =
+        fit.Points.AllInUse && sigmas.AlikeForAll() ? std::min(1, fit.Points.Count) : fit.Points.Count;
+    if (const int pair = PairWithoutWeight(sigmas, at.M, asked, fit.InUse); pair != 0) return pair;
     const bool targetAlone = sigmas.Start.FreeOfErrors();
-    if (targetAlone && P == fit.InUse) return 0;  // the plain fit
+    Column P;
+    if (targetAlone) {
+        const Mat3 C = CovarianceOf(sigmas, at.M, 0);
+        if (sigmas.AlikeForAll() && C(1, 1) == C(2, 2) && C(2, 2) == C(3, 3)) return 0;  // the plain fit
+        TakeScaledWeights(fit, sigmas, at.M, P);
+        if (P == fit.InUse) return 0;
+    }
     // What the plain fit had to hold stays where that has left it, and has the Q that tells so.
     const FitModel model = fit.Model;
     const Matrix Q = fit.Result.Q;
@@ -240,8 +291,8 @@ int FitWeighted(NormRun& fit, const PairSigmas& sigmas) {
     if (targetAlone) {
         fit.P = std::move(P);
         IterateFit(fit);
-    } else if (IterateWeighted(fit, sigmas)) {
-        TakeResult(fit, sigmas);
+    } else if (SumsOfFit sums(fit, sigmas); IterateWeighted(fit, sums)) {
+        TakeResult(fit, sigmas, sums);
     }
     if (fit.Model.Unknowns < model.Unknowns) fit.Result.Q = Q;
     fit.Model = fit.Run.State.Model = model;

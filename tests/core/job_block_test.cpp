@@ -6,6 +6,7 @@
 #include "core/files.h"
 #include "core/job_bytes.h"
 #include "core/job_file.h"
+#include "core/measurement_sigmas.h"
 #include "core/notes.h"
 #include "core/platform.h"
 #include "core/window.h"
@@ -47,6 +48,26 @@ TEST_F(JobBlocks, AJobWithNothingToSayIsTheFieldsAlone) {
     ExpectBytes(JobBytes(Read(Fields()).Job, {}), Fields());
     ExpectBytes(JobBytes(Read(Fields() + Block("{\"converged\":true}")).Job, {}), Fields());
     EXPECT_EQ(Read(Fields()).Job.Unconverged, kFalse);
+}
+
+TEST_F(JobBlocks, SigmasOfTheSidesStandInIt) {
+    const std::string text = "{\"startSigmas\":[0.02,0,1e-05],\"targetSigmas\":[1,2,3]}";
+    const JobRecord job = Read(Fields() + Block(text)).Job;
+    const MeasurementSigmas sigmas = SigmasOf(job);
+    EXPECT_EQ(sigmas.Start, (SideAccuracy{0.02, 0, 1e-5}));
+    EXPECT_EQ(sigmas.Target, (SideAccuracy{1, 2, 3}));
+    ExpectBytes(JobBytes(job, {}), Fields() + Block(text));
+    JobRecord swapped = job;
+    SwapSigmas(swapped);
+    EXPECT_EQ(SigmasOf(swapped).Start, sigmas.Target);
+    EXPECT_EQ(SigmasOf(swapped).Target, sigmas.Start);
+    PutSigmas({}, swapped);
+    ExpectBytes(JobBytes(swapped, {}), Fields());
+    for (const char* wrong :
+         {"[1,2]", "[1,2,3,4]", "[1,-2,3]", "[1,2,1e999]", "1", "[[1,2,3]]", "null", "[\"1\",2,3]"})
+        EXPECT_NE(FaultOf(std::string("{\"startSigmas\":") + wrong + "}").find("three sigmas"),
+                  std::string::npos)
+            << wrong;
 }
 
 TEST_F(JobBlocks, TheMarkStandsBehindTheLastField) {

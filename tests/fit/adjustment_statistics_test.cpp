@@ -110,7 +110,7 @@ void ExpectAsTheLongWay(const Example& example, const FitResult& fit, const Pair
         EXPECT_NEAR(s.Redundancies[index], R(row, row), 1e-6);
         if (R(row, row) < 1e-4) continue;  // what is left of the dense matrices' digits there is little
         EXPECT_NEAR(s.Standardized[index], Wv(row, 0) / (scale * std::sqrt(S(row, row))), 1e-4);
-        EXPECT_NEAR(s.Mdb[index] * std::sqrt(S(row, row)) / (s.Shift * scale), 1, 1e-4);
+        EXPECT_NEAR(s.Mdb(index) * std::sqrt(S(row, row)) / (s.Shift * scale), 1, 1e-4);
     }
     EXPECT_NEAR(sum, n - u, 1e-8);  // the redundancies of all coordinates make the redundancy
     // Out of use, and any other point.
@@ -129,7 +129,7 @@ void ExpectAsTheLongWay(const Example& example, const FitResult& fit, const Pair
         const double residual = Image(fit.Values, x, y, z)[axis] - example.Target[axis][pair];
         EXPECT_NEAR(s.Standardized[At(i + 1)], residual / (scale * std::sqrt(variance)), 1e-5);
         EXPECT_TRUE(std::isnan(s.Redundancies[At(i + 1)]));
-        EXPECT_TRUE(std::isnan(s.Mdb[At(i + 1)]));
+        EXPECT_TRUE(std::isnan(s.Mdb(At(i + 1))));
     }
 }
 

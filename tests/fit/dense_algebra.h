@@ -199,6 +199,7 @@ inline AdjustmentStatistics StatisticsOfFit(const Example& example, const FitRes
     inUse.insert(inUse.end(), example.InUse.begin(), example.InUse.end());
     GatheredPoints points;
     GatherPoints(example.Pairs(), inUse, false, points);
+    SetWeights(inUse, points);
     return StatisticsOf({.Points = points,
                          .Model = fit.Model,
                          .Result = fit.Values,

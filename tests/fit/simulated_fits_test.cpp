@@ -95,7 +95,7 @@ void Simulate(const Cell& cell, bool known) {
         ASSERT_TRUE(fit.Converged());
         const AdjustmentStatistics t = StatisticsOfFit(example, fit, view, levels);
         // Where s0 stands for the sigma the bias is that of the true one, the same in all fits.
-        const double bias = t.Mdb[kTested] * (known ? 1 : cell.TargetSigma[0][0] / t.s0);
+        const double bias = t.Mdb(kTested) * (known ? 1 : cell.TargetSigma[0][0] / t.s0);
         alarms.Take(t.IsOutlier(kTested, true));
         if (known) passed.Take(t.Vtpv >= t.ChiSquareLow && t.Vtpv <= t.ChiSquareHigh);
         factors += known ? t.Vtpv / t.Redundancy : t.s0 * t.s0 / std::pow(cell.TargetSigma[0][0], 2);

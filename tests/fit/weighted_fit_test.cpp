@@ -247,6 +247,32 @@ TEST(WeightedFit, ErrorsOfTheStartAloneAreTheInverseFit) {
     }
 }
 
+// One sigma for all pairs, and the same said of each: the first is summed up by moments, the second pair by
+// pair.
+TEST(WeightedFit, OneForAllIsTheSameForEach) {
+    unsigned seed = 60;
+    for (const auto& floats : {kSix, kSeven, kNine, kTwelve}) {
+        Example example = MakeExample(21, 12, ++seed, floats);
+        for (const std::size_t i : {4U, 17U, 18U, 19U, 20U, 33U, 35U}) example.InUse[i] = 0;
+        const Sigmas alike = Alike({0.2, 0.05, 0.1}, {0.05, 0.1, 0.15});
+        Sigmas each = alike;
+        for (auto* side : {&each.Start, &each.Target})
+            for (auto& axis : *side) axis.assign(21, axis[0]);
+        const FitResult one = FitOf(example, floats, alike.View());
+        const FitResult other = FitOf(example, floats, each.View());
+        ASSERT_TRUE(one.Converged() && other.Converged());
+        for (int k = kTraX; k <= kAngleZtoXY; ++k)
+            EXPECT_NEAR(one.Values[k], other.Values[k], KindOf(k) == ParameterKind::Length ? 1e-8 : 1e-11)
+                << k;
+        for (std::size_t i = 1; i < one.Residuals.size(); ++i) {
+            EXPECT_NEAR(one.Residuals[i], other.Residuals[i], 1e-8);
+            EXPECT_NEAR(one.Weights[i], other.Weights[i], 1e-11);
+        }
+        const std::size_t last = one.Q.Elements.size() - 1;
+        EXPECT_NEAR(one.Q.Elements[last] / other.Q.Elements[last], 1, 1e-9);
+    }
+}
+
 TEST(WeightedFit, WeightsHaveAMeanOfOne) {
     Example example = MakeExample(8, 0.2, 8, kSeven);
     example.InUse[5] = 0;

@@ -1,0 +1,237 @@
+// The sums of a weighted fit where the sigmas are the same for all pairs.
+#include "fit/alike_moments.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+#include "fit/lanes.h"
+#include "fit/moments.h"
+
+namespace corvinade::fit {
+
+namespace {
+
+constexpr int kAll = 7;        // x, y and z in use
+constexpr int kProducts = 28;  // of the seven places, each with itself and those behind
+
+std::size_t At(int i) {
+    return static_cast<std::size_t>(i);
+}
+
+std::array<double, 3> UseOf(int choice) {
+    return {choice & 1 ? 1.0 : 0.0, choice & 2 ? 1.0 : 0.0, choice & 4 ? 1.0 : 0.0};
+}
+
+// Eight points, by place.
+using LaneRows = std::array<std::array<double, kLanes>, kAlikePlaces>;
+
+struct Lanes {
+    alignas(kLaneAlignment) std::array<std::array<double, kLanes>, kProducts> Sums{};
+};
+
+// Eight points, place by place; place 0 is 1, or 0 where there is no point.
+void AddProducts(const LaneRows& y, Lanes& lanes) {
+    std::size_t k = 0;
+    for (std::size_t a = 0; a < kAlikePlaces; ++a)
+        for (std::size_t b = a; b < kAlikePlaces; ++b, ++k)
+            for (std::size_t j = 0; j < kLanes; ++j) lanes.Sums[k][j] += y[a][j] * y[b][j];
+}
+
+// Residuals of a place of a lane.
+void TakeResiduals(const GatheredPoints& points, const Linearisation& at, std::size_t first, LaneRows& y) {
+    for (int a = 1; a <= 3; ++a) {
+        const double shift = at.Shift(a), m1 = at.M(a, 1), m2 = at.M(a, 2), m3 = at.M(a, 3);
+        const double* const target = &points.Target[At(a - 1)][first];
+        for (std::size_t j = 0; j < kLanes; ++j)
+            y[At(a + 3)][j] = (shift - target[j]) + (m1 * y[1][j] + m2 * y[2][j] + m3 * y[3][j]);
+    }
+}
+
+AlikeSquare Gathered(const Lanes& lanes) {
+    AlikeSquare square{};
+    std::size_t k = 0;
+    for (std::size_t a = 0; a < kAlikePlaces; ++a)
+        for (std::size_t b = a; b < kAlikePlaces; ++b, ++k)
+            square[a][b] = square[b][a] = SumOfLanes(lanes.Sums[k].data());
+    return square;
+}
+
+// Where all coordinates are in use: by the moments of the plain model, whose observations are the residuals
+// with the other sign, and the products of the residuals beside them.
+AlikeSquare SquareOfAll(const GatheredPoints& points, const Linearisation& at) {
+    PointMoments moments;
+    SumMoments(points, at, moments);
+    AlikeSquare square{};
+    for (std::size_t i = 0; i < 4; ++i) {
+        for (std::size_t j = 0; j < 4; ++j) square[i][j] = moments.B[1][i][j];
+        for (std::size_t a = 1; a <= 3; ++a) square[i][a + 3] = square[a + 3][i] = -moments.m[a][i];
+    }
+    double xx[kLanes] = {}, xy[kLanes] = {}, xz[kLanes] = {}, yy[kLanes] = {}, yz[kLanes] = {},
+           zz[kLanes] = {};
+    LaneRows y{};
+    for (int first = 0; first < points.Count; first += kLanes) {
+        for (std::size_t axis = 0; axis < 3; ++axis)
+            std::copy_n(&points.Start[axis][At(first)], kLanes, y[axis + 1].begin());
+        TakeResiduals(points, at, At(first), y);
+        // The points that fill up the last group of lanes are none.
+        for (std::size_t j = At(points.Count - first); j < kLanes; ++j) y[4][j] = y[5][j] = y[6][j] = 0;
+        for (std::size_t j = 0; j < kLanes; ++j) {
+            xx[j] += y[4][j] * y[4][j];
+            xy[j] += y[4][j] * y[5][j];
+            xz[j] += y[4][j] * y[6][j];
+            yy[j] += y[5][j] * y[5][j];
+            yz[j] += y[5][j] * y[6][j];
+            zz[j] += y[6][j] * y[6][j];
+        }
+    }
+    square[4][4] = SumOfLanes(xx);
+    square[4][5] = square[5][4] = SumOfLanes(xy);
+    square[4][6] = square[6][4] = SumOfLanes(xz);
+    square[5][5] = SumOfLanes(yy);
+    square[5][6] = square[6][5] = SumOfLanes(yz);
+    square[6][6] = SumOfLanes(zz);
+    return square;
+}
+
+// L S L' of any number of rows.
+template <std::size_t rows>
+std::array<std::array<double, rows>, rows> Mapped(const std::array<std::array<double, kAlikePlaces>, rows>& L,
+                                                  const AlikeSquare& S) {
+    std::array<std::array<double, kAlikePlaces>, rows> LS{};
+    std::array<std::array<double, rows>, rows> mapped{};
+    for (std::size_t i = 0; i < rows; ++i)
+        for (std::size_t k = 0; k < kAlikePlaces; ++k)
+            for (std::size_t j = 0; j < kAlikePlaces; ++j) LS[i][j] += L[i][k] * S[k][j];
+    for (std::size_t i = 0; i < rows; ++i)
+        for (std::size_t j = 0; j < rows; ++j)
+            for (std::size_t k = 0; k < kAlikePlaces; ++k) mapped[i][j] += LS[i][k] * L[j][k];
+    return mapped;
+}
+
+// The moments of the same points with the residuals of another linearisation.
+AlikeSquare MovedTo(const AlikeMoments& moments, int choice, const Linearisation& at) {
+    const std::array<double, 3> use = UseOf(choice);
+    AlikeSquare L{};
+    for (std::size_t i = 0; i < kAlikePlaces; ++i) L[i][i] = 1;
+    for (int a = 1; a <= 3; ++a) {
+        if (use[At(a - 1)] == 0) continue;
+        L[At(a + 3)][0] = at.Shift(a) - moments.Shift(a);
+        for (int j = 1; j <= 3; ++j) L[At(a + 3)][At(j)] = at.M(a, j) - moments.M(a, j);
+    }
+    return Mapped(L, moments.Of[At(choice)]);
+}
+
+Form4 FormOf(const std::array<std::array<double, 4>, 4>& S) {
+    return {S[0][0], S[0][1], S[0][2], S[0][3], S[1][1], S[1][2], S[1][3], S[2][2], S[2][3], S[3][3]};
+}
+
+void AddTimes(double w, const Form4& form, Form4& sum) {
+    for (std::size_t k = 0; k < form.size(); ++k) sum[k] += w * form[k];
+}
+
+}  // namespace
+
+AlikeMoments TakeMoments(const GatheredPoints& points, const Column& inUse, const Linearisation& at) {
+    AlikeMoments moments;
+    moments.M = at.M;
+    moments.Shift = at.Shift;
+    if (points.AllInUse) {
+        moments.Of[kAll] = SquareOfAll(points, at);
+        moments.Any[kAll] = true;
+        return moments;
+    }
+    const auto lanes = std::make_unique<std::array<Lanes, 8>>();
+    for (int first = 0; first < points.Count; first += kLanes) {
+        const int there = std::min(kLanes, points.Count - first);
+        std::array<int, kLanes> choice{};
+        bool whole = there == kLanes;
+        for (int j = 0; j < there; ++j) {
+            const double* const use = &inUse[At(3 * (first + j) + 1)];
+            choice[At(j)] = (use[0] != 0 ? 1 : 0) + (use[1] != 0 ? 2 : 0) + (use[2] != 0 ? 4 : 0);
+            whole = whole && choice[At(j)] == kAll;
+        }
+        LaneRows y;
+        y[0].fill(1);
+        for (std::size_t axis = 0; axis < 3; ++axis)
+            std::copy_n(&points.Start[axis][At(first)], kLanes, y[axis + 1].begin());
+        TakeResiduals(points, at, At(first), y);
+        if (whole) {
+            AddProducts(y, (*lanes)[kAll]);
+            moments.Any[kAll] = true;
+            continue;
+        }
+        for (int j = 0; j < there; ++j) {
+            const int of = choice[At(j)];
+            if (of == 0) continue;
+            LaneRows one{};
+            const std::array<double, 3> use = UseOf(of);
+            for (std::size_t place = 0; place < kAlikePlaces; ++place)
+                one[place][At(j)] = place < 4 || use[place - 4] != 0 ? y[place][At(j)] : 0;
+            AddProducts(one, (*lanes)[At(of)]);
+            moments.Any[At(of)] = true;
+        }
+    }
+    for (std::size_t of = 1; of < 8; ++of) moments.Of[of] = Gathered((*lanes)[of]);
+    return moments;
+}
+
+bool HasLostDigits(const AlikeMoments& moments, const Linearisation& at) {
+    // Squares of residuals that are smaller by more than this than they were are differences of what has few
+    // digits left.
+    constexpr double kShare = 1e-6;
+    for (int choice = 1; choice < 8; ++choice) {
+        if (!moments.Any[At(choice)]) continue;
+        const AlikeSquare& before = moments.Of[At(choice)];
+        const AlikeSquare now = MovedTo(moments, choice, at);
+        for (std::size_t a = 4; a < kAlikePlaces; ++a)
+            if (now[a][a] < kShare * before[a][a]) return true;
+    }
+    return false;
+}
+
+WeightedSums SumsByMoments(const AlikeMoments& moments, const PairSigmas& sigmas, const Linearisation& at) {
+    WeightedSums sums;
+    for (int choice = 1; choice < 8; ++choice) {
+        if (!moments.Any[At(choice)]) continue;
+        const std::array<double, 3> use = UseOf(choice);
+        const PairWeight weight = WeightOf(sigmas, at.M, 0, use.data());
+        const AlikeSquare S = MovedTo(moments, choice, at);
+        // [1 p - SM W r] and r.
+        AlikeSquare L{};
+        for (std::size_t i = 0; i < kAlikePlaces; ++i) L[i][i] = 1;
+        for (int i = 1; i <= 3; ++i)
+            for (int j = 1; j <= 3; ++j)
+                for (int k = 1; k <= 3; ++k) L[At(i)][At(j + 3)] -= weight.SM(i, k) * weight.W(k, j);
+        const AlikeSquare corrected = Mapped(L, S);
+        std::array<std::array<double, 4>, 4> points{};
+        for (std::size_t i = 0; i < 4; ++i)
+            for (std::size_t j = 0; j < 4; ++j) points[i][j] = corrected[i][j];
+        for (int a = 1; a <= 3; ++a)
+            for (int b = 1; b <= 3; ++b) {
+                const double w = weight.W(a, b);
+                if (b >= a) AddTimes(w, FormOf(points), sums.Squares[At(AxisPair(a, b))]);
+                for (std::size_t k = 0; k < 4; ++k) sums.Gradient[At(a)][k] += w * corrected[k][At(b + 3)];
+                sums.Objective += w * S[At(a + 3)][At(b + 3)];
+            }
+    }
+    return sums;
+}
+
+std::array<Form4, kAxisPairs> SquaresByMoments(const AlikeMoments& moments, const PairSigmas& sigmas,
+                                               const Linearisation& at) {
+    std::array<Form4, kAxisPairs> squares{};
+    for (int choice = 1; choice < 8; ++choice) {
+        if (!moments.Any[At(choice)]) continue;
+        const std::array<double, 3> use = UseOf(choice);
+        const Mat3 W = WeightOf(sigmas, at.M, 0, use.data()).W;
+        std::array<std::array<double, 4>, 4> points{};
+        for (std::size_t i = 0; i < 4; ++i)
+            for (std::size_t j = 0; j < 4; ++j) points[i][j] = moments.Of[At(choice)][i][j];
+        for (int a = 1; a <= 3; ++a)
+            for (int b = a; b <= 3; ++b) AddTimes(W(a, b), FormOf(points), squares[At(AxisPair(a, b))]);
+    }
+    return squares;
+}
+
+}  // namespace corvinade::fit
