@@ -38,13 +38,16 @@ void AddProducts(const LaneRows& y, Lanes& lanes) {
             for (std::size_t j = 0; j < kLanes; ++j) lanes.Sums[k][j] += y[a][j] * y[b][j];
 }
 
-// Residuals of a place of a lane.
+// The residuals of eight points.
 void TakeResiduals(const GatheredPoints& points, const Linearisation& at, std::size_t first, LaneRows& y) {
+    const double *const px = &points.Start[0][first], *const py = &points.Start[1][first],
+                        *const pz = &points.Start[2][first];
     for (int a = 1; a <= 3; ++a) {
         const double shift = at.Shift(a), m1 = at.M(a, 1), m2 = at.M(a, 2), m3 = at.M(a, 3);
         const double* const target = &points.Target[At(a - 1)][first];
+        double* const r = y[At(a + 3)].data();
         for (std::size_t j = 0; j < kLanes; ++j)
-            y[At(a + 3)][j] = (shift - target[j]) + (m1 * y[1][j] + m2 * y[2][j] + m3 * y[3][j]);
+            r[j] = (shift - target[j]) + (m1 * px[j] + m2 * py[j] + m3 * pz[j]);
     }
 }
 
@@ -69,20 +72,19 @@ AlikeSquare SquareOfAll(const GatheredPoints& points, const Linearisation& at) {
     }
     double xx[kLanes] = {}, xy[kLanes] = {}, xz[kLanes] = {}, yy[kLanes] = {}, yz[kLanes] = {},
            zz[kLanes] = {};
-    LaneRows y{};
+    LaneRows r{};  // at places 4 to 6
     for (int first = 0; first < points.Count; first += kLanes) {
-        for (std::size_t axis = 0; axis < 3; ++axis)
-            std::copy_n(&points.Start[axis][At(first)], kLanes, y[axis + 1].begin());
-        TakeResiduals(points, at, At(first), y);
+        TakeResiduals(points, at, At(first), r);
         // The points that fill up the last group of lanes are none.
-        for (std::size_t j = At(points.Count - first); j < kLanes; ++j) y[4][j] = y[5][j] = y[6][j] = 0;
+        for (std::size_t j = At(points.Count - first); j < kLanes; ++j) r[4][j] = r[5][j] = r[6][j] = 0;
         for (std::size_t j = 0; j < kLanes; ++j) {
-            xx[j] += y[4][j] * y[4][j];
-            xy[j] += y[4][j] * y[5][j];
-            xz[j] += y[4][j] * y[6][j];
-            yy[j] += y[5][j] * y[5][j];
-            yz[j] += y[5][j] * y[6][j];
-            zz[j] += y[6][j] * y[6][j];
+            const double x = r[4][j], y = r[5][j], z = r[6][j];
+            xx[j] += x * x;
+            xy[j] += x * y;
+            xz[j] += x * z;
+            yy[j] += y * y;
+            yz[j] += y * z;
+            zz[j] += z * z;
         }
     }
     square[4][4] = SumOfLanes(xx);

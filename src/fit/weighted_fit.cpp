@@ -192,14 +192,13 @@ bool IterateWeighted(NormRun& fit, SumsOfFit& sumsOf) {
 double TakeScaledWeights(const NormRun& fit, const PairSigmas& sigmas, const Mat3& M, Column& P) {
     constexpr double kSame = 1e-12;
     const std::size_t n = At(3 * fit.Points.Count);
-    P.resize(n + 1);
-    P[0] = 0;
     std::array<double, 3> ofAll{};
     double sum = 0, observations = 0;
     if (sigmas.AlikeForAll()) {
         const Mat3 C = CovarianceOf(sigmas, M, 0);
         std::array<double, 3> inUse{};
-        for (std::size_t i = 1; i <= n; i += 3)
+        inUse.fill(fit.Points.AllInUse ? fit.Points.Count : 0);
+        for (std::size_t i = 1; i <= n && !fit.Points.AllInUse; i += 3)
             for (std::size_t axis = 0; axis < 3; ++axis) inUse[axis] += fit.InUse[i + axis];
         for (std::size_t axis = 0; axis < 3; ++axis) {
             // An axis that nobody uses may well be free of errors.
@@ -209,10 +208,14 @@ double TakeScaledWeights(const NormRun& fit, const PairSigmas& sigmas, const Mat
         }
         const double mean = observations > 0 ? sum / observations : 1;
         for (double& weight : ofAll) weight = std::fabs(weight - mean) <= kSame * mean ? 1 : weight / mean;
-        for (std::size_t i = 1; i <= n; i += 3)
-            for (std::size_t axis = 0; axis < 3; ++axis) P[i + axis] = fit.InUse[i + axis] * ofAll[axis];
+        // Those of a plain fit stand there already.
+        const bool same = ofAll[0] == 1 && ofAll[1] == 1 && ofAll[2] == 1;
+        if (!same || P.size() != fit.InUse.size()) P = fit.InUse;
+        for (std::size_t i = 1; i <= n && !same; i += 3)
+            for (std::size_t axis = 0; axis < 3; ++axis) P[i + axis] *= ofAll[axis];
         return mean;
     }
+    P.assign(n + 1, 0);
     for (int i = 0; i < fit.Points.Count; ++i) {
         const Mat3 C = CovarianceOf(sigmas, M, i);
         for (int axis = 1; axis <= 3; ++axis) {
