@@ -177,7 +177,8 @@ void WriteSnooped(const FitStatistics& statistics, const Style& style, std::ostr
         rows.push_back({ForTable(each.Name, kLongestName), std::string(1, "wxyz"[each.Axis]),
                         Plain(each.Standardized, "0.00"), Plain(each.CriticalValue, "0.00")});
     WriteRows({"Taken out", "axis", "standardized", "limit"}, rows, "", style, out);
-    if (rows.empty()) out << style.Quiet("(no coordinate fails its test)") << "\n";
+    if (rows.empty() && !statistics.Of->Singular)
+        out << style.Quiet("(no coordinate fails its test)") << "\n";
 }
 
 }  // namespace
@@ -215,8 +216,7 @@ std::string GlobalTestInWords(const AdjustmentStatistics& s) {
 void WriteStatisticsTable(const FitOptions& options, const FitStatistics& statistics, std::ostream& out,
                           bool colour, std::size_t most) {
     const Style style{colour};
-    if (options.Snoop) WriteSnooped(statistics, style, out);
-    if (!options.Statistics && options.AccuracyAt.empty()) return;
+    if (!options.Snoop && !options.Statistics && options.AccuracyAt.empty()) return;
     if (!statistics.Of) {
         out << "\n"
             << style.Quiet(
@@ -226,14 +226,16 @@ void WriteStatisticsTable(const FitOptions& options, const FitStatistics& statis
         return;
     }
     const AdjustmentStatistics& s = *statistics.Of;
-    const std::string note = NoteOfStatistics(s);
+    if (options.Snoop) WriteSnooped(statistics, style, out);
     if (!s.Singular && options.Statistics) {
         WriteOverview(s, style, out);
         WriteParameters(s, style, out);
         WriteReliability(s, most, style, out);
     }
-    if (!s.Singular) WriteAccuracy(options, s, most, style, out);
-    if (!note.empty()) out << style.Alarm("(" + note + ")") << "\n";
+    if (!s.Singular && (options.Statistics || !options.AccuracyAt.empty()))
+        WriteAccuracy(options, s, most, style, out);
+    if (const std::string note = NoteOfStatistics(s); !note.empty())
+        out << style.Alarm("(" + note + ")") << "\n";
 }
 
 }  // namespace corvinade::cli

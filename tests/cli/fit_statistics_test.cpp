@@ -251,6 +251,34 @@ TEST_F(FitStatisticsOutput, OtherNormsAndModelsHaveNone) {
                     .is_null());
 }
 
+// A job brings its sigmas, and its norm: what does not go together is said.
+TEST_F(FitStatisticsOutput, AJobWithSigmasAndAnotherNormIsRefused) {
+    const std::string job = PathOf("a.cvn"), other = PathOf("b.cvn");
+    FitJson({kMeasured, kNominal, "--target-sigma", "0.1", "--save", job});
+    for (const std::vector<std::string>& more :
+         std::vector<std::vector<std::string>>{{"--norm", "l1"},
+                                               {"--norm", "minimax"},
+                                               {"--r-dist"},
+                                               {"--monte-carlo", "10", "--sigma", "0.1"}}) {
+        const Outcome outcome = Fit(With({"--job", job}, more));
+        EXPECT_EQ(outcome.Status, 1) << more[0];
+        EXPECT_NE(outcome.Err.find("standard deviations"), std::string::npos) << outcome.Err;
+    }
+    FitJson({kMeasured, kNominal, "--norm", "l1", "--save", other});
+    const Outcome snooped = Fit({"--job", other, "--snoop"});
+    EXPECT_NE(snooped.Out.find("(no statistics: "), std::string::npos) << snooped.Out;
+    EXPECT_EQ(snooped.Out.find("Taken out"), std::string::npos);
+    EXPECT_TRUE(FitJson({"--job", other})["statistics"].is_null());
+}
+
+TEST_F(FitStatisticsOutput, TheReportHasThem) {
+    const std::string page = PathOf("page.html");
+    ASSERT_EQ(Fit({kMeasured, kNominal, "--report", page, "--start-sigma", "0.05"}).Status, 0);
+    const std::string html = Contents(page);
+    for (const char* part : {"How far it can be trusted", "global test", "Reliability", "Transformed"})
+        EXPECT_NE(html.find(part), std::string::npos) << part;
+}
+
 TEST_F(FitStatisticsOutput, ManyPairsHaveThemWhereAskedFor) {
     std::string start, target;
     for (int i = 0; i <= 10000; ++i) {
