@@ -271,12 +271,18 @@ void AddStatisticsOptions(CLI::App& fit, FitOptions& o) {
         ->excludes(fit.get_option("--csv"));
 }
 
-// What goes with least squares of points that coincide alone.
+// What goes with points that coincide alone, and with which norms.
 std::string CheckStatisticsOptions(const FitOptions& o) {
-    const bool other = !IsLeastSquares(NormByName(o.Norm).Norm) || o.RDist || o.Tool || !o.Poses.empty() ||
-                       TargetKindByName(o.TargetKind) == TargetKind::Shape;
-    for (const char* option : {"--start-sigma", "--target-sigma", "--snoop", "--accuracy-at"})
-        if (other && o.IsGiven(option))
+    const NormWish norm = NormByName(o.Norm);
+    const bool other =
+        o.RDist || o.Tool || !o.Poses.empty() || TargetKindByName(o.TargetKind) == TargetKind::Shape;
+    for (const char* option : {"--start-sigma", "--target-sigma"})
+        if ((other || norm.Exact) && o.IsGiven(option))
+            return std::string(option) +
+                   " goes with --norm l2, l1 and loo and points that are to coincide alone, not with the exact "
+                   "norms, --r-dist, --tool, --poses and --as paraboloid";
+    for (const char* option : {"--snoop", "--accuracy-at"})
+        if ((other || !IsLeastSquares(norm.Norm)) && o.IsGiven(option))
             return std::string(option) +
                    " goes with --norm l2 and points that are to coincide alone, not with --r-dist, --tool, "
                    "--poses and --as paraboloid";

@@ -18,6 +18,7 @@
 #include "engine/norm_table.h"
 #include "engine/result_statistics.h"
 #include "fit/weighted_fit.h"
+#include "fit/weighted_norms.h"
 
 namespace corvinade::engine {
 
@@ -72,20 +73,26 @@ bool ChooseBeginOfRuns(NormFit& fit) {
     return job.Take();
 }
 
+// Goes on to the fit under the job's standard deviations, where it has some, and takes the result. False
+// where the points were replaced meanwhile, or a pair has no weight, which is told.
+bool TakeSigmas(RunOfJob& job) {
+    const JobSigmas sigmas(SigmasOf(Job));
+    int without = 0;
+    if (sigmas.Any() && !job.Run.Abandoned() && job.Run.Run.State.Finite)
+        without = job.Run.Kind == FitNorm::LeastSquares ? FitWeighted(job.Run, sigmas.View())
+                                                        : FitWeightedNorm(job.Run, sigmas.View());
+    if (!job.Take()) return false;
+    if (without == 0) return true;
+    Calculation.Refused = true;
+    ShowMessage(PairHasNoWeight(without));
+    return false;
+}
+
 bool FitL2(NormFit& fit) {
     if (MonteCarloIsInTheFit() && (!ChooseBeginOfRuns(fit) || !RunMonteCarlo(fit))) return false;
     RunOfJob job(fit, LeastSquares());
     FitLeastSquares(job.Run);
-    int without = 0;
-    if (const JobSigmas sigmas(SigmasOf(Job));
-        sigmas.Any() && !job.Run.Abandoned() && job.Run.Run.State.Finite)
-        without = FitWeighted(job.Run, sigmas.View());
-    if (!job.Take()) return false;
-    if (without > 0) {
-        Calculation.Refused = true;
-        ShowMessage(PairHasNoWeight(without));
-        return false;
-    }
+    if (!TakeSigmas(job)) return false;
     NoteRemarks(job.Run);
     TellOfLimit();
     return true;
@@ -104,7 +111,7 @@ void TellOfLoop(const NormRow& norm) {
 bool FitLoop(NormFit& fit, const NormRow& norm) {
     RunOfJob job(fit, norm);
     FitByLoop(job.Run);
-    if (!job.Take()) return false;
+    if (!TakeSigmas(job)) return false;
     if (Norm.RunOn && job.Run.Model.Mode != FitMode::Coincide)
         ShowMessage(
             "The true optimum of L1 and L-infinity is found for points that are to coincide, not for the "

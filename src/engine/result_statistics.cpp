@@ -12,6 +12,7 @@
 #include "engine/gathered_points.h"
 #include "engine/monte_carlo.h"
 #include "engine/norm_table.h"
+#include "engine/norms.h"
 #include "engine/result_notes.h"
 #include "engine/selection.h"
 
@@ -42,8 +43,8 @@ PairSigmas JobSigmas::View() const {
 std::string WhyNotWithSigmas() {
     if (!SigmasOf(Job).Any()) return "";
     const char* other = nullptr;
-    if (!IsLeastSquares(NormOfJob())) {
-        other = "another norm than least squares";
+    if (!IsLeastSquares(NormOfJob()) && Norm.RunOn) {
+        other = "the way on to the true optimum of L1 and L-infinity";
     } else if (IsTrue(Job.IsParaboloid)) {
         other = "a shape";
     } else if (ChooseMode(Job.ParamText) != FitMode::Coincide) {
@@ -53,8 +54,8 @@ std::string WhyNotWithSigmas() {
     }
     if (other == nullptr) return "";
     return std::string(
-               "The job has standard deviations of its points, which the fit by least squares of points "
-               "that are to coincide takes as weights. They do not go with ") +
+               "The job has standard deviations of its points, which fits of points that are to coincide "
+               "take as weights. They do not go with ") +
            other + ".";
 }
 

@@ -23,8 +23,9 @@ private:
     bool any_;
 };
 
-// "the points in use have ..." why a fit under a-priori standard deviations cannot be; "" where it can. Those
-// of a norm other than least squares, of a model other than that of points that coincide, and of a shape.
+// Why a fit under the job's a-priori standard deviations cannot be, as a message; "" where it can. Not on to
+// the true optimum of another norm, with the distance and the tool model, a shape, and the runs of Monte
+// Carlo.
 std::string WhyNotWithSigmas();
 
 // The message of a pair whose coordinates in use get no weight from their sigmas.

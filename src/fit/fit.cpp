@@ -7,6 +7,7 @@
 #include "fit/norms.h"
 #include "fit/require.h"
 #include "fit/weighted_fit.h"
+#include "fit/weighted_norms.h"
 
 namespace corvinade::fit {
 
@@ -67,8 +68,9 @@ FitResult Fit(const FitProblem& problem, const FitListener& listener) {
     problem.Norm == FitNorm::LeastSquares ? FitLeastSquares(run) : FitByLoop(run);
     int without = 0;
     if (problem.Sigmas && !run.Abandoned() && run.Run.State.Finite) {
-        Require(problem.Norm == FitNorm::LeastSquares);
-        without = FitWeighted(run, *problem.Sigmas);
+        Require(!problem.ToOptimum);
+        without = problem.Norm == FitNorm::LeastSquares ? FitWeighted(run, *problem.Sigmas)
+                                                        : FitWeightedNorm(run, *problem.Sigmas);
     }
     return {.Values = run.Run.Now,
             .Model = run.Model,

@@ -24,7 +24,7 @@ struct FitProblem {
         false;              // of L1 and Loo: on to the true optimum, and not only to where the weightings end
     bool SeeksBest = true;  // looks for the best solution of all, wherever the seed pairs lead
     FitLimits Limits{.MaxIteration = 100};
-    std::optional<PairSigmas> Sigmas;  // a-priori, of least squares and the plain model (weighted_fit.h)
+    std::optional<PairSigmas> Sigmas;  // a-priori; for the plain model, and not with ToOptimum
 };
 
 struct FitResult {

@@ -251,12 +251,18 @@ TEST_F(FitStatisticsOutput, OtherNormsAndModelsHaveNone) {
                     .is_null());
 }
 
+TEST_F(FitStatisticsOutput, EqualSigmasLeaveTheOtherNorms) {
+    for (const char* norm : {"l1", "loo"})
+        EXPECT_EQ(FitJson({kMeasured, kNominal, "--norm", norm}),
+                  FitJson({kMeasured, kNominal, "--norm", norm, "--target-sigma", "0.05"}));
+}
+
 // A job brings its sigmas, and its norm: what does not go together is said.
 TEST_F(FitStatisticsOutput, AJobWithSigmasAndAnotherNormIsRefused) {
     const std::string job = PathOf("a.cvn"), other = PathOf("b.cvn");
     FitJson({kMeasured, kNominal, "--target-sigma", "0.1", "--save", job});
     for (const std::vector<std::string>& more :
-         std::vector<std::vector<std::string>>{{"--norm", "l1"},
+         std::vector<std::vector<std::string>>{{"--norm", "l1-exact"},
                                                {"--norm", "minimax"},
                                                {"--r-dist"},
                                                {"--monte-carlo", "10", "--sigma", "0.1"}}) {

@@ -300,6 +300,65 @@ TEST(WeightedFit, PairsWithoutWeightAreNamed) {
     EXPECT_EQ(FitOf(example, kSeven, Alike({0.1, 0, 0}, {0, 0, 0}).View()).PairWithoutWeight, 1);
 }
 
+// Of a shift the least sum is at the weighted median of each axis, and the least largest is where two
+// residuals are as many sigmas apart: both are found here by trying all.
+TEST(WeightedFit, OtherNormsDivideByTheSigmas) {
+    const std::vector<int> floats = {kTraX, kTraY, kTraZ};
+    const Example example = MakeExample(9, 5, 90, floats);
+    const Sigmas sigmas = OfEachPair(example.Count(), 91);
+    for (const FitNorm norm : {FitNorm::LeastSum, FitNorm::LeastLargest}) {
+        const bool sum = norm == FitNorm::LeastSum;
+        const auto objective = [&](const Parameters& at) {
+            double total = 0, largest = 0;
+            for (std::size_t i = 0; i < 9; ++i)
+                for (std::size_t axis = 0; axis < 3; ++axis) {
+                    const double v =
+                        example.Start[axis][i] + at[kTraX + static_cast<int>(axis)] - example.Target[axis][i];
+                    const double share =
+                        std::fabs(v) / std::hypot(sigmas.Start[axis][i], sigmas.Target[axis][i]);
+                    total += share;
+                    largest = std::max(largest, share);
+                }
+            return sum ? total : largest;
+        };
+        Parameters best;
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            double least = 1e300;
+            for (std::size_t i = 0; i < 9; ++i)
+                for (std::size_t j = 0; j < 9; ++j) {
+                    const auto d = [&](std::size_t k) {
+                        return example.Target[axis][k] - example.Start[axis][k];
+                    };
+                    const auto s = [&](std::size_t k) {
+                        return std::hypot(sigmas.Start[axis][k], sigmas.Target[axis][k]);
+                    };
+                    const double t = sum ? d(i) : (d(i) * s(j) + d(j) * s(i)) / (s(i) + s(j));
+                    double total = 0, largest = 0;
+                    for (std::size_t k = 0; k < 9; ++k) {
+                        total += std::fabs(t - d(k)) / s(k);
+                        largest = std::max(largest, std::fabs(t - d(k)) / s(k));
+                    }
+                    if ((sum ? total : largest) >= least) continue;
+                    least = sum ? total : largest;
+                    best[kTraX + static_cast<int>(axis)] = t;
+                }
+        }
+        FitProblem problem;
+        problem.Pairs = example.Pairs();
+        problem.InUse = example.InUse;
+        problem.Choice = Floating(floats);
+        problem.Norm = norm;
+        const double plain = objective(Fit(problem).Values);
+        problem.Sigmas = sigmas.View();
+        const FitResult fit = Fit(problem);
+        ASSERT_TRUE(fit.Converged());
+        const double optimum = objective(best), found = objective(fit.Values);
+        EXPECT_GE(found, optimum * (1 - 1e-12));
+        EXPECT_LE(found, optimum * (sum ? 1.0001 : 1.05));
+        EXPECT_GT(plain, found) << optimum;
+    }
+}
+
 // Far from the origin and with angles near their lock as well.
 TEST(WeightedFit, FarFromTheOrigin) {
     Example example = MakeExample(12, 0.3, 21, kSeven);
