@@ -224,7 +224,8 @@ TEST_F(JsonErrors, TheResultIsThereAllTheSameWhereThereIsOne) {
 
 TEST_F(JsonErrors, StandBehindTheNotes) {
     const std::string start = Write("s.txt", "A;0;0;0\nB;1000;;0\nC;0;2000;0\n");
-    const Outcome strict = FreshCommandLine({"fit", start, target_, "--json", "--strict"});
+    const Outcome strict =
+        FreshCommandLine({"fit", start, target_, "--format", "plain", "--json", "--strict"});
     EXPECT_EQ(strict.Status, 3);
     EXPECT_EQ(strict.Out, "");
     EXPECT_TRUE(strict.Err.starts_with("warning: ")) << strict.Err;
@@ -232,7 +233,8 @@ TEST_F(JsonErrors, StandBehindTheNotes) {
     EXPECT_EQ(all["error"]["file"], start);
     EXPECT_EQ(all["error"]["line"], 2);
     // Quiet it is the object alone, which says the warnings.
-    const Outcome quiet = FreshCommandLine({"fit", start, target_, "--json", "--strict", "--quiet"});
+    const Outcome quiet =
+        FreshCommandLine({"fit", start, target_, "--format", "plain", "--json", "--strict", "--quiet"});
     EXPECT_EQ(quiet.Status, 3);
     const json alone = json::parse(quiet.Err);
     EXPECT_NE(alone["error"]["text"].get<std::string>().find("warning: "), std::string::npos);
@@ -243,7 +245,7 @@ TEST_F(JsonErrors, StandBehindTheNotes) {
 TEST_F(JsonErrors, QuietLeavesNotesOutAndErrorsStay) {
     const std::string start = Write("s.txt", "A;0;0;0\nB;1000;;0\nC;0;2000;0\n\nD;0;0;3000\n");
     for (const bool asJson : {false, true}) {
-        std::vector<std::string> fit = {"fit", start, target_};
+        std::vector<std::string> fit = {"fit", start, target_, "--format", "plain"};
         if (asJson) fit.emplace_back("--json");
         const Outcome loud = FreshCommandLine(fit);
         EXPECT_EQ(loud.Status, 0) << loud.Err;
@@ -255,7 +257,8 @@ TEST_F(JsonErrors, QuietLeavesNotesOutAndErrorsStay) {
         EXPECT_EQ(quiet.Out, loud.Out);
     }
     // What --strict ends for are errors.
-    const Outcome strict = FreshCommandLine({"fit", start, target_, "--strict", "--quiet"});
+    const Outcome strict =
+        FreshCommandLine({"fit", start, target_, "--format", "plain", "--strict", "--quiet"});
     EXPECT_EQ(strict.Status, 3);
     EXPECT_NE(strict.Err.find("warning: "), std::string::npos) << strict.Err;
     const Outcome gone = FreshCommandLine({"info", PathOf("gone.cvn"), "--quiet"});

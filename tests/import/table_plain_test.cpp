@@ -10,6 +10,7 @@
 #include "core/run.h"
 #include "import/point_file.h"
 #include "import/tables_as_text.h"
+#include "support/memory_use.h"
 
 namespace {
 
@@ -67,7 +68,7 @@ TEST_F(PlainTables, GiveTheBitsOfTheToldReader) {
     Reading how;
     how.Decimal = '.';
     int plain = 0;
-    constexpr int kFiles = 100000;
+    const int kFiles = UnderSanitizers() ? 3000 : 100000;
     for (int i = 0; i < kFiles; ++i) {
         const std::string text = PlainFile(static_cast<std::uint32_t>(i)).Text;
         std::ofstream(path, std::ios::binary) << text;
@@ -100,7 +101,7 @@ TEST_F(PlainTables, DamagedTextsAreReadOrRefused) {
     constexpr std::string_view kOdd("\0\"',;|\t \n\r#%/\\-.eE0\xFF\xC3\xFE[]", 25);
     std::mt19937 random(7);
     int read = 0, refused = 0;
-    for (int i = 0; i < 30000; ++i) {
+    for (int i = 0; i < (UnderSanitizers() ? 3000 : 30000); ++i) {
         std::string text = texts[random() % texts.size()];
         for (std::size_t changes = 1 + random() % 6; changes > 0 && !text.empty(); --changes) {
             const std::size_t at = random() % text.size();

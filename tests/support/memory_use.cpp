@@ -87,3 +87,11 @@ std::size_t MemoryUse::Peak() const {
 std::size_t MemoryUse::Allocations() const {
     return counters.Allocations - allocationsBefore_;
 }
+
+bool UnderSanitizers() {
+#if defined(__SANITIZE_ADDRESS__)
+    return true;
+#else
+    return false;
+#endif
+}

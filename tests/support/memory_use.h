@@ -3,6 +3,9 @@
 
 #include <cstddef>
 
+// Is this the program whose rooms are compiled with the sanitizers, which take ten times as long?
+bool UnderSanitizers();
+
 // From its construction on it counts what this thread of tests asks for.
 class MemoryUse {
 public:
