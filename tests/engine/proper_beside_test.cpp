@@ -10,6 +10,7 @@
 #include "engine/result_notes.h"
 #include "engine/seed.h"
 #include "engine/selection.h"
+#include "support/memory_use.h"
 
 using namespace corvinade;
 
@@ -283,7 +284,7 @@ TEST_F(ProperBeside, PlatesMeasuredOnBothSidesAreNotMirroredByAnyChoiceThatHasAP
     for (const Choice& choice : {Choice{"7", true, 0}, Choice{"9", true, 0}, Choice{"9", false, kScaleZ}})
         for (const Point& size : {Point{500, 300, 0}, Point{500, 0, 0}})
             for (const int points : {20, 100, 300})
-                for (int seed = 0; seed < 6; ++seed)
+                for (int seed = 0; seed < (UnderSanitizers() ? 1 : 6); ++seed)
                     for (const NormOfSet& norm : {kNorms[0], kNorms[3]}) {
                         if (norm.Type != kL2 && seed > 1) continue;
                         SCOPED_TRACE(std::string(norm.Name) + ", seed " + std::to_string(seed) + ", points " +
@@ -312,7 +313,7 @@ TEST_F(ProperBeside, AReliefThatManyPointsShowIsMirroredWhereTheSetsAre) {
 TEST_F(ProperBeside, BlundersDoNotChangeWhatTheLeastSumMakesOfAPlate) {
     int held = 0;
     for (const Real blunder : {1e3, 1e5, 1e6})
-        for (int seed = 0; seed < 6; ++seed)
+        for (int seed = 0; seed < (UnderSanitizers() ? 2 : 6); ++seed)
             for (const NormOfSet& norm : {kNorms[1], kNorms[3]}) {
                 SCOPED_TRACE(std::string(norm.Name) + ", seed " + std::to_string(seed) + ", blunder " +
                              std::to_string(static_cast<double>(blunder)));

@@ -274,6 +274,7 @@ TEST_F(ManualPdf, EveryPictureOfTheChaptersStandsInIt) {
     }
     std::multiset<std::pair<int, int>> expected, found;
     for (const QString& name : shown) {
+        if (name.endsWith(QStringLiteral(".svg"))) continue;  // drawn as lines
         const QImage picture(Folder().filePath(name));
         expected.insert({picture.width(), picture.height()});
     }
