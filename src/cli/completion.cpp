@@ -105,6 +105,7 @@ std::string Heading(const char* shell) {
 
 std::string Bash(const std::vector<Command>& commands) {
     std::vector<std::string> names;
+    names.reserve(commands.size());
     for (const Command& command : commands) names.push_back(command.Name);
     std::string text = Heading("bash") +
                        "_corvinade_cli() {\n"

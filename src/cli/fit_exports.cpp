@@ -86,6 +86,8 @@ int MakeExports(const FitOptions& options, std::vector<FitExport>& exports, std:
     const analysis::Placement placement = analysis::PlacementOfJob(options.Start);
     for (const std::string& text : options.Exports) {
         const Wanted wanted = WantedBy(text);
+        if (wanted.Form == nullptr)
+            return Refuse(err, kWrongUsage, "--export: there is no form \"" + text + "\"");
         if (const std::string why = WhyNotInForm(*wanted.Form, placement); !why.empty())
             return Refuse(err, kRefused, why);
         FitExport made{wanted.Path, ""};

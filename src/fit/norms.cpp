@@ -203,8 +203,10 @@ bool GoAgainWhereBad(NormRun& fit) {
 // Behind a loop. False when the fit was abandoned.
 bool GoAgain(NormRun& fit) {
     if (!fit.FirstOfLoop || fit.Stops()) return true;
+    // Of the tool model no optimum is known but that of least squares.
+    const bool plain = fit.Model.Mode == FitMode::Coincide;
     const bool mirrored = fit.FirstOfLoop->Mirrored && !NegativeScaleIsWanted(fit.Choice);
-    if (mirrored || FitsBadly(fit)) return GoAgainWhereBad(fit);
+    if (plain && (mirrored || FitsBadly(fit))) return GoAgainWhereBad(fit);
     const Reason why = Astray(fit);
     return why == Reason::None || GoAgainWhereAstray(fit, why);
 }
@@ -287,8 +289,8 @@ void FirstFitOfLoop(NormRun& fit) {
         fit.Remarks = remarks;
     }
     const IterationState& state = fit.Run.State;
-    const bool plain = fit.Model.Mode == FitMode::Coincide && fit.SeeksBest;
-    if (plain && state.Converged && state.Finite) fit.FirstOfLoop = EndHere(fit);
+    const bool known = fit.Model.Mode != FitMode::Distance && fit.SeeksBest;
+    if (known && state.Converged && state.Finite) fit.FirstOfLoop = EndHere(fit);
 }
 
 void CountUnsettledFit(NormRun& fit) {

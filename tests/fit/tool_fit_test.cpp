@@ -276,3 +276,28 @@ TEST(ToolFit, PosesTurnedByMoreThanADegreeAboutTwoAxesAreNeverDoubted) {
         EXPECT_TRUE(fit.LeftByPoses.Directions.empty()) << fit.LeftByPoses.Turned / kDegree;
     }
 }
+
+// A reweighting that leads away from the best fit of least squares is no result of its norm.
+TEST(ToolFit, OfTheOtherNormsIsNotFartherOffThanLeastSquaresUnlessItSaysSo) {
+    for (const FitNorm norm : {FitNorm::LeastSum, FitNorm::LeastLargest})
+        for (unsigned seed = 1; seed <= 60; ++seed) {
+            SCOPED_TRACE(seed);
+            Cell cell(seed);
+            const Vec3 tool = cell.AnyVector(cell.Between(50, 400));
+            cell.AddPoses(static_cast<int>(cell.Between(5, 20)), 60, tool, cell.Between(100, 1000), 0.05);
+            FitProblem problem = cell.Problem();
+            const FitResult squares = Fit(problem);
+            problem.Norm = norm;
+            const FitResult other = Fit(problem);
+            if (!other.Converged()) continue;
+            const auto objective = [norm](const FitResult& fit) {
+                double sum = 0, largest = 0;
+                for (std::size_t i = 1; i < fit.Residuals.size(); ++i) {
+                    sum += std::fabs(fit.Residuals[i]);
+                    largest = std::max(largest, std::fabs(fit.Residuals[i]));
+                }
+                return norm == FitNorm::LeastSum ? sum : largest;
+            };
+            EXPECT_LT(objective(other), 1.001 * objective(squares) + 1e-3);
+        }
+}
