@@ -360,13 +360,27 @@ double Handedness(const Mat3& M) {
 }
 
 // The weights of a least sum are 1/|deviation|, and next to nothing is left of the deviations that count
-// most.
-void NoteSigmaOfLeastSum() {
-    if (NormOfJob().Fit != FitNorm::LeastSum || !Calculation.Converged || Calculation.s0 == 0) return;
-    AddNote(
-        NoteCode::NormSigma,
-        "Sigma, significance, s0 and the mean errors follow from the weights 1/|deviation| of the norm L1 and "
-        "do not tell how well the parameters are known; those of L2 do, and Monte Carlo");
+// most. Those of a least largest deviation tell what the points would have made of the parameters by a least
+// sum of squares, while the result hangs on as many coordinates as there are unknowns, and one.
+void NoteSigmaOfNorm() {
+    if (!Calculation.Converged || Calculation.s0 == 0) return;
+    switch (NormOfJob().Fit) {
+        case FitNorm::LeastSquares:
+            return;
+        case FitNorm::LeastSum:
+            AddNote(
+                NoteCode::NormSigma,
+                "Sigma, significance, s0 and the mean errors follow from the weights 1/|deviation| of the "
+                "norm L1 and do not tell how well the parameters are known; those of L2 do, and Monte Carlo");
+            return;
+        case FitNorm::LeastLargest:
+            constexpr double kRounding = 1e-9;  // mm
+            if (Calculation.s0 < kRounding) return;
+            AddNote(NoteCode::NormSigma,
+                    "Sigma and significance count every point, but the few with the largest deviations make "
+                    "the result of the norm Loo: where errors are normally distributed it is known worse, of "
+                    "many points several times; Monte Carlo tells how well");
+    }
 }
 
 void NoteRedundancy(const NormFit& fit, const FitModel& model) {
@@ -431,7 +445,7 @@ void NoteResult(const NormFit& fit) {
                 "The result is mirrored: it carries the points onto their mirror image, as no movement can; "
                 "look for names that are exchanged or an axis that points the other way");
     NoteRedundancy(fit, model);
-    NoteSigmaOfLeastSum();
+    NoteSigmaOfNorm();
 }
 
 }  // namespace corvinade::engine

@@ -68,7 +68,7 @@ protected:
 }  // namespace
 
 TEST_F(RandomSets, AllEndAtAnOptimumWithItsBound) {
-    for (int trial = 0; trial < 150; ++trial)
+    for (int trial = 0; trial < (UnderSanitizers() ? 40 : 150); ++trial)
         for (const int norm : {kL1, kLoo}) {
             SCOPED_TRACE(std::to_string(trial) + (norm == kL1 ? ", L1" : ", Loo"));
             TakeSet(trial);

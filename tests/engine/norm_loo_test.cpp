@@ -1,4 +1,9 @@
 // L-infinity by exchange of weight: its steps by hand, its end, the weights taken back.
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <vector>
+
 #include "cli/headless.h"
 #include "core/form_main.h"
 #include "core/notes.h"
@@ -272,4 +277,44 @@ TEST_F(Loo, OfDistancesTheExchangeReachesTheRowBesideThePoint) {
     EXPECT_EQ(Norm.Iterations, 2);
     EXPECT_NEAR(Job.RDist, 100 + 30.0 / 9, 1e-9);
     for (int i = 1; i <= 9; ++i) EXPECT_NEAR(WeightOfHeight(i), 1, 1e-15);
+}
+
+// The middle of the range of n normally distributed numbers spreads by about pi / sqrt(24 ln n) (Cramer,
+// Mathematical Methods of Statistics, 28.6), their mean by 1 / sqrt(n).
+TEST_F(Loo, OfManyPointsIsKnownWorseThanItsSigmaSaysWhichIsNoted) {
+    constexpr int kPoints = 100, kSets = 60;
+    const auto normal = [] {
+        const double radius = std::sqrt(-2 * std::log((1 + NextNumber()) / 2));
+        return radius * std::cos(std::numbers::pi * NextNumber());
+    };
+    double squares = 0, sigmas = 0;
+    for (int set = 0; set < kSets; ++set) {
+        SCOPED_TRACE(set);
+        Job = JobRecord{};
+        BeginFit();
+        for (int skip = 0; skip < 2 * kPoints * set; ++skip) NextNumber();
+        std::vector<double> heights(kPoints);
+        for (double& height : heights) height = normal();
+        Heights(heights);
+        Norm.RunOn = true;
+        Notes.List.clear();
+        Calculate(kLoo);
+        const auto [least, most] = std::minmax_element(heights.begin(), heights.end());
+        EXPECT_NEAR(Job.TraZ, (*least + *most) / 2, 1e-6);
+        squares += Job.TraZ * Job.TraZ / kSets;
+        sigmas += Calculation.Sigma[kTraZ] / kSets;
+        ASSERT_EQ(Notes.List.size(), 1u);
+        EXPECT_EQ(Notes.List[0].Code, NoteCode::NormSigma);
+        EXPECT_NE(Notes.List[0].Text.find("Loo"), std::string::npos);
+    }
+    const double spread = std::numbers::pi / std::sqrt(24 * std::log(kPoints));
+    EXPECT_NEAR(std::sqrt(squares), spread, 0.35 * spread);
+    EXPECT_GT(std::sqrt(squares), 2 * sigmas);
+}
+
+TEST_F(Loo, WithoutDeviationsTheSigmasNeedNoNote) {
+    Heights({2, 2, 2, 2});
+    Calculate(kLoo);
+    for (const Note& note : Notes.List)
+        EXPECT_NE(note.Code, NoteCode::NormSigma) << note.Text << Calculation.s0;
 }
