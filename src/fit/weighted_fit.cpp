@@ -127,8 +127,10 @@ private:
     std::optional<AlikeMoments> moments_;
 };
 
-// The step of the centred unknowns. False where the points leave some open.
-bool Step(const FitModel& model, const Linearisation& at, const WeightedSums& sums, Column& centred) {
+// The step of the centred unknowns, and by how much it makes the objective less to first order. False where
+// the points leave some open.
+bool Step(const FitModel& model, const Linearisation& at, const WeightedSums& sums, Column& centred,
+          double& gain) {
     const AxisForms forms = FormsOf(model, at);
     Matrix Q;
     if (!InvertPositive(NormalMatrixOf(forms, sums.Squares), model.Unknowns, Q)) return false;
@@ -140,7 +142,18 @@ bool Step(const FitModel& model, const Linearisation& at, const WeightedSums& su
     centred.assign(gradient.size(), 0);
     for (int j = 1; j <= model.Unknowns; ++j)
         for (int k = 1; k <= model.Unknowns; ++k) centred[At(j)] -= Q(j, k) * gradient[At(k)];
+    gain = 0;
+    for (int k = 1; k <= model.Unknowns; ++k) gain -= gradient[At(k)] * centred[At(k)];
     return true;
+}
+
+// By how much the images are rounded, mm: the shift, and the turn and scales of the points' middle.
+double RoundingOfImages(const GatheredPoints& points, const Parameters& values) {
+    double far = 0;
+    for (int axis = 1; axis <= 3; ++axis)
+        far = std::max({far, std::fabs(points.StartCentre(axis)), std::fabs(points.TargetCentre(axis)),
+                        std::fabs(values[kTraX + axis - 1])});
+    return far * std::numeric_limits<double>::epsilon();
 }
 
 // Takes the step, or as much of it as makes the objective less. Far from the minimum a whole one may lead too
@@ -167,13 +180,15 @@ bool IterateWeighted(NormRun& fit, SumsOfFit& sumsOf) {
     state = IterationState{};
     state.Model = fit.Model;
     state.Finite = finite;
+    double before = std::numeric_limits<double>::infinity();
     for (;;) {
         if (!fit.Run.Tell(FitStep::PassBegins)) return false;
         const Linearisation at = Linearise(fit.Model, fit.Run.Now, fit.Points, fit.Run.Chain);
         const WeightedSums sums = sumsOf.At(at);
         ++state.Iterations;
         Column centred;
-        if (!Step(fit.Model, at, sums, centred)) return true;
+        double gain = 0;
+        if (!Step(fit.Model, at, sums, centred, gain)) return true;
         state.Finite = AllFinite(centred, fit.Model.Unknowns);
         if (!state.Finite) return true;
         if (!fit.Run.Tell(FitStep::PassEnds, &centred)) return false;
@@ -182,6 +197,12 @@ bool IterateWeighted(NormRun& fit, SumsOfFit& sumsOf) {
         // What the sum's own rounding keeps from getting less is at rest.
         constexpr double kNearlyThere = 1e-6;
         state.AtRest = !taken && largest < kNearlyThere;
+        // Steps that no longer get shorter are those by which far coordinates are rounded.
+        constexpr double kNoShorter = 0.9, kNoGain = 1e-10, kOfRounding = 64;
+        if (largest > kNoShorter * before && largest > fit.Run.Limits.Threshold)
+            state.AtRest = state.AtRest || gain <= kNoGain * sums.Objective ||
+                           largest < kOfRounding * RoundingOfImages(fit.Points, fit.Run.Now);
+        before = largest;
         state.Converged = largest < fit.Run.Limits.Threshold || state.AtRest;
         if (state.Converged || !taken || state.Iterations > fit.Run.Limits.MaxIteration || fit.Stops())
             return true;

@@ -383,4 +383,35 @@ TEST(WeightedFit, FarFromTheOrigin) {
         EXPECT_NEAR(fit.Residuals[i], same.Residuals[i], 1e-7);
 }
 
+// Coordinates of a national grid: what rounds them is more than the limit of a correction.
+TEST(WeightedFit, CoordinatesOfAGridConverge) {
+    for (const double far : {1e7, 3e7, 1e8, 1e9})
+        for (unsigned seed = 0; seed < 5; ++seed)
+            for (const auto& floats : {kSix, kSeven, kNine, kTwelve})
+                for (const bool both : {false, true}) {
+                    // Nine coefficients of a matrix have not the digits for start and target beyond that.
+                    if (both && floats.size() == kTwelve.size() && far > 5e7) continue;
+                    for (const Sigmas& sigmas :
+                         {Alike({0.05, 0.05, 0.05}, {0, 0, 0}), Alike({0.05, 0.05, 0.1}, {0.02, 0.02, 0.02}),
+                          OfEachPair(10, seed)}) {
+                        SCOPED_TRACE(std::to_string(far) + ", " + std::to_string(seed) + ", " +
+                                     std::to_string(floats.size()) + (both ? ", both" : ", target"));
+                        const Example near = MakeExample(10, 0.05, seed, floats);
+                        Example grid = near;
+                        for (std::size_t axis = 0; axis < 3; ++axis)
+                            for (std::size_t i = 0; i < near.Start[axis].size(); ++i) {
+                                if (both) grid.Start[axis][i] += far;
+                                grid.Target[axis][i] += far;
+                            }
+                        const PairSigmas view = sigmas.View();
+                        const FitResult fit = FitOf(grid, floats, view);
+                        EXPECT_TRUE(fit.Converged());
+                        const FitResult same = FitOf(near, floats, view);
+                        const double rounding = 1e-6 + 256 * std::numeric_limits<double>::epsilon() * far;
+                        for (std::size_t i = 1; i < same.Residuals.size(); ++i)
+                            EXPECT_NEAR(fit.Residuals[i], same.Residuals[i], rounding);
+                    }
+                }
+}
+
 }  // namespace
