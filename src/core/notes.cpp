@@ -69,7 +69,7 @@ constexpr NoteKind kKinds[] = {
     {NoteCode::HeadingUnknown, "heading-unknown", Severity::Warning, true},
     {NoteCode::NameIsNumber, "name-is-number", Severity::Warning, true},
     {NoteCode::CommentedPoints, "commented-points", Severity::Note, true},
-    {NoteCode::DecimalTaken, "decimal-taken", Severity::Note, true},
+    {NoteCode::DecimalTaken, "decimal-taken", Severity::Warning, true},
     {NoteCode::LinesKept, "lines-kept", Severity::Note, true},
     {NoteCode::PointsKept, "points-kept", Severity::Note, true},
     {NoteCode::NoHeight, "no-height", Severity::Note, true},

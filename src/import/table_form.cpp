@@ -169,8 +169,8 @@ bool IsCertain(std::string_view text, const std::string& path, const TableOption
     if (form.Decimal == ',' && options.Decimal == '\0' && trial.Fractions && trial.ThousandsLike)
         warn(
             NoteCode::DecimalTaken,
-            "The comma of the numbers is taken as decimal delimiter, though all have three digits behind it; commas "
-            "of thousands have to be taken out",
+            "The comma of the numbers is taken as decimal delimiter, though all have three digits behind it, as "
+            "commas of thousands have; --decimal says which (those of thousands have to be taken out)",
             form.FirstLine);
     return true;
 }
