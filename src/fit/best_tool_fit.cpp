@@ -52,6 +52,23 @@ double LengthOf(const Vec3& v) {
     return std::hypot(v(1), v(2), v(3));
 }
 
+// What an iteration that ends at its limit may leave in a sum of squares, mm^2: a turn of that size moves
+// points by as much as they are far from their middle, and the tip by the length of the tool.
+double LeftByLimit(const NormRun& fit, const Linearisation& at) {
+    constexpr double kMostLimit =
+        1e-8;  // a coarser limit of the user's is no reason to stay off the best place
+    double lever = 1;
+    for (int i = 0; i < fit.Points.Count; ++i)
+        for (int axis = 1; axis <= 3; ++axis) {
+            double image = 0;
+            for (int j = 1; j <= 3; ++j) image += at.M(axis, j) * fit.Points.Start[At(j - 1)][At(i)];
+            lever = std::max(lever, std::fabs(image));
+        }
+    const double tool = std::hypot(fit.Run.Now[kRvecX], fit.Run.Now[kRvecY], fit.Run.Now[kRvecZ]);
+    const double left = std::min(fit.Run.Limits.Threshold, kMostLimit) * (lever + tool);
+    return fit.Rows() * left * left;
+}
+
 void TakeAcross(const std::vector<Vec3>& still, Parameters& parameters) {
     for (const Vec3& w : still) {
         double along = 0;
@@ -165,6 +182,7 @@ private:
                                 stands ? 0 : -std::numeric_limits<double>::infinity());
         look.Directions = form.Directions();
         look.Rounding = RoundingOfSum(fit_, look.Here);
+        if (stands) look.Rounding += LeftByLimit(fit_, look.Here);
         Column v(At(fit_.Rows()) + 1);
         Residuals(fit_.Points, fit_.Model, look.Here, Column(At(fit_.Model.Unknowns) + 1), v);
         for (std::size_t i = 1; i < v.size(); ++i) look.Sum += fit_.P[i] * v[i] * v[i];

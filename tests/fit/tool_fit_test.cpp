@@ -211,6 +211,38 @@ TEST(ToolFit, StartValuesOfOnesOwnKeepTheirSolution) {
     EXPECT_GT(kept, 2);
 }
 
+// Points written with six decimals: the limit of the iteration leaves more of their sum than they do, which
+// is no better place.
+TEST(ToolFit, WhatTheLimitLeavesOfExactPosesIsNoBetterPlace) {
+    for (unsigned seed = 0; seed < 40; ++seed) {
+        SCOPED_TRACE(seed);
+        Cell cell(seed);
+        const Vec3 tool(60, -20, 210);
+        for (int i = 0; i < 10; ++i) {
+            const auto angle = [&cell] { return std::round(cell.Between(-4.5e5, 4.5e5)) * 1e-4 * kDegree; };
+            const double a = angle(), b = angle(), c = std::numbers::pi + angle();
+            const Mat3 G = MatrixProduct(MatrixProduct(RotationAbout({0, 0, a}), RotationAbout({0, b, 0})),
+                                         RotationAbout({c, 0, 0}));
+            cell.AddPose(G, tool, 1600, 0, 12);
+        }
+        for (auto& axis : cell.Start)
+            for (double& x : axis) x = std::round(x * 1e6) / 1e6;
+        for (const bool own : {false, true}) {
+            FitProblem problem = cell.Problem();
+            const Vec3 angles = AnglesOf(cell.Base);
+            if (own) problem.Choice.Own[kRotZ] = std::round(angles(3) * 1e3) / 1e3;
+            const FitResult fit = Fit(problem);
+            ASSERT_TRUE(fit.Converged());
+            EXPECT_LT(SumOf(fit), 30 * 1e-10);
+            for (const FitRemark& remark : fit.Remarks)
+                EXPECT_FALSE(remark.Kind == FitRemark::What::OtherSolutionIsLess ||
+                             (remark.Kind == FitRemark::What::IterationBeganAgain && remark.Times < 1.5))
+                    << remark.Times;
+            EXPECT_LT(fit.Certificate.RelativeAbove, 1e-6);
+        }
+    }
+}
+
 TEST(ToolFit, PosesAboutOneTiltedAxisLeaveTheToolAlongItOpen) {
     for (unsigned seed = 1; seed <= 120; ++seed) {
         SCOPED_TRACE(seed);
