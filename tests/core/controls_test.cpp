@@ -17,18 +17,26 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// What is wrong with the rows of a source: a row whose name is not that of its member. `rows` counts them.
-std::vector<std::string> FaultsOfRows(const std::string& text, int& rows) {
-    // "Toolbar2.FileNew" is the member Toolbar2_FileNew.
-    static const std::regex kRow("\"([^\"]+)\",\\s*&\\w+\\.([^ ,})]+)");
-    std::vector<std::string> faults;
-    for (std::sregex_iterator row(text.begin(), text.end(), kRow), end; row != end; ++row) {
-        std::string member = (*row)[1];
-        std::replace(member.begin(), member.end(), '.', '_');
-        if (member != (*row)[2]) faults.push_back((*row)[1].str() + " is " + (*row)[2].str());
-        ++rows;
+// The rows of a table: how many, the members that they are of, and those whose name is not that of their
+// member.
+struct RowsSeen {
+    std::size_t Count = 0;
+    std::set<std::string> Members;
+    std::vector<std::string> Faults;
+};
+RowsSeen RowsIn(const std::string& text) {
+    static const std::regex kRow("\"([^\"]+)\",\\s*&\\w+\\.([^\\[ ,})]+)(?:\\[([0-9]+)\\])?");
+    RowsSeen seen;
+    for (std::sregex_iterator row(text.begin(), text.end(), kRow), end; row != end; ++row, ++seen.Count) {
+        const std::string name = (*row)[1], member = (*row)[2], place = (*row)[3];
+        // "Toolbar2.FileNew" is the member Toolbar2_FileNew, "ComboRole1" the first of several, ComboRole[0].
+        std::string expected = place.empty() ? member : member + std::to_string(std::stoi(place) + 1);
+        std::string plain = name;
+        std::replace(plain.begin(), plain.end(), '.', '_');
+        if (plain != expected) seen.Faults.push_back(name + " is " + expected);
+        seen.Members.insert(member);
     }
-    return faults;
+    return seen;
 }
 
 // The controls that the structs of a header declare, and those of them that it says more of than the name.
@@ -36,7 +44,8 @@ struct Declared {
     std::set<std::string> Names, Said;
 };
 Declared DeclaredIn(const std::string& text) {
-    static const std::regex kDeclaration("\n    Control ([^;(]*(?:\\([^;]*)?);");
+    static const std::regex kDeclaration(
+        "\n    (?:Control|std::array<Control, \\w+>) ([^;(]*(?:\\([^;]*)?);");
     Declared declared;
     for (std::sregex_iterator found(text.begin(), text.end(), kDeclaration), end; found != end; ++found) {
         const std::string all = (*found)[1];
@@ -48,6 +57,12 @@ Declared DeclaredIn(const std::string& text) {
         for (std::string name; std::getline(names, name, ',');) declared.Names.insert(name);
     }
     return declared;
+}
+
+std::size_t ControlsOfAllWindows() {
+    std::size_t controls = 0;
+    for (const WindowEntry* window : AllWindows()) controls += window->Controls.size();
+    return controls;
 }
 
 }  // namespace
@@ -88,47 +103,41 @@ TEST(Controls, AFreshWindowIsFilledFromItsRows) {
     EXPECT_FALSE(Main.StatusBar_Notes.Visible);
 }
 
-// The language cannot hold these two together.
-TEST(Controls, NamesAreThoseOfTheMembers) {
-    int rows = 0;
+// The language cannot hold these together.
+TEST(Controls, NamesAreThoseOfTheMembersAndEachMemberHasARow) {
+    std::size_t rows = 0, used = 0, declared = 0;
     for (const auto& entry : fs::recursive_directory_iterator(fs::path(CORVINADE_SOURCE_DIR) / "src")) {
-        if (entry.path().extension() != ".cpp") continue;
+        const std::string extension = entry.path().extension().string();
+        if (extension != ".cpp" && extension != ".h") continue;
         const std::string text = Contents(entry.path().string());
+        if (extension == ".h" && text.find("    WindowState Window") != std::string::npos) {
+            const Declared names = DeclaredIn(text);
+            EXPECT_EQ(names.Said, std::set<std::string>{})
+                << entry.path() << " says more of them than their names";
+            declared += names.Names.size();
+        }
         const std::size_t begin = text.find("const ControlEntry kControls[]");
-        if (begin == std::string::npos) continue;
-        const std::string table = text.substr(begin, text.find("};", begin) - begin);
-        EXPECT_EQ(FaultsOfRows(table, rows), std::vector<std::string>{}) << entry.path();
+        if (extension == ".h" || begin == std::string::npos) continue;
+        const RowsSeen seen = RowsIn(text.substr(begin, text.find("};", begin) - begin));
+        EXPECT_EQ(seen.Faults, std::vector<std::string>{}) << entry.path();
+        rows += seen.Count;
+        used += seen.Members.size();
     }
-    std::size_t controls = 0;
-    for (const WindowEntry* window : AllWindows()) controls += window->Controls.size();
-    EXPECT_EQ(static_cast<std::size_t>(rows), controls);
-}
-
-TEST(Controls, AStructSaysNothingOfItsControlsButTheirNames) {
-    std::size_t members = 0, controls = 0;
-    for (const auto& entry : fs::recursive_directory_iterator(fs::path(CORVINADE_SOURCE_DIR) / "src")) {
-        if (entry.path().extension() != ".h") continue;
-        const std::string text = Contents(entry.path().string());
-        if (text.find("    WindowState Window") == std::string::npos) continue;
-        const Declared declared = DeclaredIn(text);
-        EXPECT_EQ(declared.Said, std::set<std::string>{}) << entry.path();
-        members += declared.Names.size();
-    }
-    for (const WindowEntry* window : AllWindows()) controls += window->Controls.size();
-    EXPECT_EQ(members, controls) << "a member has no row";
+    EXPECT_EQ(rows, ControlsOfAllWindows());
+    EXPECT_EQ(used, declared) << "a member has no row";
 }
 
 TEST(Controls, ARowAndAStructThatSayOtherwiseAreSeen) {
-    int rows = 0;
-    EXPECT_EQ(
-        FaultsOfRows("    {\"BtnOK\", &w.BtnOK, Button(\"OK\")},\n    {\"Größe\",\n     &w.Größe},\n"
-                     "    Command(\"Bar.Key\", &Main.Bar_Key, Menu(\"\")),\n    {\"BtnNo\", &w.BtnOK},\n",
-                     rows),
-        std::vector<std::string>{"BtnNo is BtnOK"});
-    EXPECT_EQ(rows, 4);
+    const RowsSeen seen = RowsIn(
+        "    {\"BtnOK\", &w.BtnOK, Button(\"OK\")},\n    {\"Größe\",\n     &w.Größe},\n"
+        "    Command(\"Bar.Key\", &Main.Bar_Key, Menu(\"\")),\n    {\"BtnNo\", &w.BtnOK},\n"
+        "    {\"List1\", &w.List[0]},\n    {\"List3\", &w.List[1]},\n");
+    EXPECT_EQ(seen.Faults, (std::vector<std::string>{"BtnNo is BtnOK", "List3 is List2"}));
+    EXPECT_EQ(seen.Count, 6U);
+    EXPECT_EQ(seen.Members, (std::set<std::string>{"BtnOK", "Größe", "Bar_Key", "List"}));
     const Declared declared = DeclaredIn(
         "struct A {\n    Control One;\n    Control Two,\n        Three;\n    Control Four = Button(\"4\");\n"
-        "    std::string Five;\n};\nControl Six();\n");
-    EXPECT_EQ(declared.Names, (std::set<std::string>{"One", "Two", "Three"}));
+        "    std::array<Control, kLists> List;\n    std::string Five;\n};\nControl Six();\n");
+    EXPECT_EQ(declared.Names, (std::set<std::string>{"One", "Two", "Three", "List"}));
     EXPECT_EQ(declared.Said, std::set<std::string>{"Four = Button(\"4\")"});
 }
