@@ -1,22 +1,16 @@
 // The table reader: a plain file beside the told reader (at most 1.2 times its time), and a CSV with heading
 // and quotes beside one plain pass over its bytes that converts three numbers a line (at most 2 times).
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <charconv>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <random>
 #include <string>
 
-#include "cli/headless.h"
-#include "core/files.h"
-#include "core/fresh_start.h"
 #include "core/job.h"
 #include "import/point_file.h"
 #include "import/table_reader.h"
+#include "point_lines.h"
 
 using namespace corvinade;
 
@@ -28,16 +22,11 @@ constexpr int kPoints = 1'000'000;
 class TableFiles {
 public:
     TableFiles() {
-        folder_ = std::filesystem::temp_directory_path() / ("corvinade-tables-" + std::to_string(getpid()));
-        std::filesystem::create_directories(folder_);
         std::mt19937_64 random(1);
         std::string plain, csv = "\"Name\",\"X [mm]\",\"Y [mm]\",\"Z [mm]\"\r\n";
         char line[128];
-        const auto value = [&random] {
-            return static_cast<double>(static_cast<std::int64_t>(random() % 20000000) - 10000000) / 1e4;
-        };
         for (int i = 1; i <= kPoints; ++i) {
-            const double x = value(), y = value(), z = value();
+            const double x = AnyCoordinate(random), y = AnyCoordinate(random), z = AnyCoordinate(random);
             std::snprintf(line, sizeof line, "P%07d;%.4f;%.4f;%.4f\r\n", i, x, y, z);
             plain += line;
             std::snprintf(line, sizeof line, "\"P%07d\",%.4f,%.4f,%.4f\r\n", i, x, y, z);
@@ -46,37 +35,15 @@ public:
         std::ofstream(Plain(), std::ios::binary) << plain;
         std::ofstream(Csv(), std::ios::binary) << csv;
     }
-    ~TableFiles() { std::filesystem::remove_all(folder_); }
-    TableFiles(const TableFiles&) = delete;
-    TableFiles& operator=(const TableFiles&) = delete;
-    std::string Plain() const { return folder_ / "plain.txt"; }
-    std::string Csv() const { return folder_ / "table.csv"; }
+    std::string Plain() const { return folder_.PathOf("plain.txt"); }
+    std::string Csv() const { return folder_.PathOf("table.csv"); }
 
 private:
-    std::filesystem::path folder_;
+    BenchFolder folder_{"tables"};
 };
 const TableFiles& Files() {
     static const TableFiles files;
     return files;
-}
-
-// The yardstick.
-double PlainPass(const std::string& path, char delimiter) {
-    const FileBytes bytes = ReadFile(path);
-    double sum = 0;
-    for (std::string_view rest = bytes.View(); !rest.empty();) {
-        const std::size_t end = rest.find('\n');
-        std::string_view line = rest.substr(0, end);
-        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-        line.remove_prefix(std::min(line.find(delimiter) + 1, line.size()));
-        for (int field = 0; field < 3; ++field) {
-            double value = 0;
-            const auto stop = std::from_chars(line.data(), line.data() + line.size(), value).ptr;
-            sum += value;
-            line.remove_prefix(std::min(static_cast<std::size_t>(stop - line.data()) + 1, line.size()));
-        }
-    }
-    return sum;
 }
 
 void Read(benchmark::State& state, const std::string& path, bool plain) {
@@ -96,9 +63,7 @@ void ToldReaderOfAPlainFile(benchmark::State& state) {
     Files();  // written now, ahead of the time that counts
     for (auto _ : state) {
         state.PauseTiming();
-        FreshStart();
-        Headless = HeadlessRecord{};
-        Headless.Decimal = '.';
+        BeginWithPoint();
         state.ResumeTiming();
         Einlesen_Neu({Files().Plain(), Files().Plain(), true, {}});
         if (Job.Start.Count() != kPoints) state.SkipWithError("not all points were read");

@@ -1,4 +1,12 @@
 // The benchmarks' entry.
 #include <benchmark/benchmark.h>
 
-BENCHMARK_MAIN();
+#include "core/fresh_start.h"
+
+int main(int argc, char** argv) {
+    corvinade::FreshStart();
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+}

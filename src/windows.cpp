@@ -53,6 +53,7 @@
 #include "graphics/screen_window.h"
 #include "graphics/tolerance.h"
 #include "import/form_input_files.h"
+#include "import/import_changes.h"
 #include "import/long_import.h"
 #include "import/robot_files.h"
 #include "paraboloid/form_stop_para_trafo.h"
@@ -140,8 +141,8 @@ std::span<const std::span<const RecordEntry>> AllRecords() {
 std::span<const ChangeRow> AllChangeRows() {
     static const std::vector<ChangeRow> kRows = [] {
         std::vector<ChangeRow> rows;
-        for (const auto room :
-             {CoreChanges(), EngineChanges(), BundleChanges(), AnalysisChanges(), GraphicsChanges()})
+        for (const auto room : {CoreChanges(), EngineChanges(), ImportChanges(), BundleChanges(),
+                                AnalysisChanges(), GraphicsChanges()})
             rows.insert(rows.end(), room.begin(), room.end());
         std::ranges::stable_sort(rows, {}, &ChangeRow::Place);
         return rows;
@@ -151,7 +152,7 @@ std::span<const ChangeRow> AllChangeRows() {
 
 void FreshStart() {
     for (void (*const reset)() : kRecords) reset();
-    for (const WindowEntry* window : kWindows) window->Fresh();
+    for (const WindowEntry* window : kWindows) MakeFresh(*window);
 }
 
 }  // namespace corvinade::core

@@ -5,6 +5,7 @@
 using namespace corvinade;
 
 int main(int argc, char** argv) {
+    FreshStart();  // some tests are made of what windows have
     GTEST_FLAG_SET(shuffle, true);
     testing::InitGoogleTest(&argc, argv);
     const int status = RUN_ALL_TESTS();

@@ -6,6 +6,7 @@
 #include "analysis/form_main_sheet.h"
 #include "core/form_main.h"
 #include "core/run.h"
+#include "engine/calculation_window.h"
 
 namespace corvinade::analysis {
 
@@ -30,10 +31,15 @@ void ShowInStatistic(What) {
     if (IsLoaded("FormInputStatistic")) FORMfüllen();
 }
 
+void FollowTable(What) {
+    MainSheet_ShowPoint(CalculationWindow_Point());
+}
+
 constexpr ChangeRow kChanges[] = {
     {kSheetChanges | What::Result | What::Restored, Turn::Sheet, ShowInSheet},
     {What::Pairs | What::Result, Turn::Distances, ShowInDistances},
     {What::Points | What::MorePoints | What::Counts, Turn::Statistic, ShowInStatistic},
+    {What::PointInTable, Turn::PointInSheet, FollowTable},
 };
 
 }  // namespace

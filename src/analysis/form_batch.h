@@ -12,22 +12,22 @@ namespace corvinade::analysis {
 struct FormBatch {
     WindowState Window{.Caption = "Batch Transformation"};
 
-    Control LabelMCS = Label("&MCS = Start Directory");
-    Control TextNameMCSDirectory = TextBox();
-    Control BtnBrowseMCS = Button("&Browse...");
-    Control BtnEXBrowseMCS = Button("&Explore");
-    Control LabelTCS = Label("&TCS = Target Directory");
-    Control TextNameTCSDirectory = TextBox();
-    Control BtnBrowseTCS = Button("B&rowse...");
-    Control BtnExBrowseTCS = Button("E&xplore");
-    Control CheckSameAsMCS = CheckBox("&Same as MCS Directory");
-    Control OptionTransformWithActualCalc = Option("Transform with the &actual Calculation", 1);
-    Control OptionTransformWithNewCalc = Option("Transform with a &new Calculation", 1);
-    Control OptionOnlyOnlyMCS = Option("Write &only MCS Points without Partner", 2);
-    Control OptionWriteAll = Option("&Write all Points", 2);
-    Control LabelStatus = Label("");
-    Control BtnStartBatch = Button("Start Bat&ch");
-    Control BtnCancel = Button("Cance&l");
+    Control LabelMCS;
+    Control TextNameMCSDirectory;
+    Control BtnBrowseMCS;
+    Control BtnEXBrowseMCS;
+    Control LabelTCS;
+    Control TextNameTCSDirectory;
+    Control BtnBrowseTCS;
+    Control BtnExBrowseTCS;
+    Control CheckSameAsMCS;
+    Control OptionTransformWithActualCalc;
+    Control OptionTransformWithNewCalc;
+    Control OptionOnlyOnlyMCS;
+    Control OptionWriteAll;
+    Control LabelStatus;
+    Control BtnStartBatch;
+    Control BtnCancel;
 
     bool Running = false;  // a run goes on; closing the window ends it
 

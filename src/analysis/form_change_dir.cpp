@@ -14,13 +14,16 @@ namespace {
 FormChangeDir& w = ChangeDir;
 
 const ControlEntry kControls[] = {
-    {"Drive1", &w.Drive1, {.Click = FormChangeDir::Drive1_Click}},
-    {"Dir1", &w.Dir1, {.Click = FormChangeDir::Dir1_Click, .DblClick = FormChangeDir::Dir1_DblClick}},
-    {"TextPath", &w.TextPath},
-    {"BtnOpen", &w.BtnOpen, {.Click = FormChangeDir::BtnOpen_Click}},
-    {"Command3", &w.Command3, {.Click = FormChangeDir::Command3_Click}},
-    {"BtnOK", &w.BtnOK, {.Click = FormChangeDir::BtnOK_Click}},
-    {"BtnCancel", &w.BtnCancel, {.Click = FormChangeDir::BtnCancel_Click}},
+    {"Drive1", &w.Drive1, ComboBox(), {.Click = FormChangeDir::Drive1_Click}},
+    {"Dir1",
+     &w.Dir1,
+     ComboBox(),
+     {.Click = FormChangeDir::Dir1_Click, .DblClick = FormChangeDir::Dir1_DblClick}},
+    {"TextPath", &w.TextPath, TextBox()},
+    {"BtnOpen", &w.BtnOpen, Button("O&pen Folder"), {.Click = FormChangeDir::BtnOpen_Click}},
+    {"Command3", &w.Command3, Button("&New Folder..."), {.Click = FormChangeDir::Command3_Click}},
+    {"BtnOK", &w.BtnOK, Button("&OK"), {.Click = FormChangeDir::BtnOK_Click}},
+    {"BtnCancel", &w.BtnCancel, Button("&Cancel"), {.Click = FormChangeDir::BtnCancel_Click}},
 };
 
 constexpr const char* kAbove = "..";

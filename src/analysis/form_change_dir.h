@@ -13,13 +13,13 @@ namespace corvinade::analysis {
 struct FormChangeDir {
     WindowState Window;  // its caption says what is chosen
 
-    Control Drive1 = ComboBox();   // the drives
-    Control Dir1 = ComboBox();     // the folders of the one that is open, ".." on top; a double click opens
-    Control TextPath = TextBox();  // the folder that is chosen
-    Control BtnOpen = Button("O&pen Folder");
-    Control Command3 = Button("&New Folder...");
-    Control BtnOK = Button("&OK");
-    Control BtnCancel = Button("&Cancel");
+    Control Drive1;    // the drives
+    Control Dir1;      // the folders of the one that is open, ".." on top; a double click opens
+    Control TextPath;  // the folder that is chosen
+    Control BtnOpen;
+    Control Command3;
+    Control BtnOK;
+    Control BtnCancel;
 
     std::string Path;  // the folder whose folders the list shows
 

@@ -27,12 +27,25 @@ namespace {
 FormDistanceScale& w = DistanceScaleWindow;
 
 const ControlEntry kControls[] = {
-    {"OptionWithoutCal", &w.OptionWithoutCal, {.Click = FormDistanceScale::OptionWithoutCal_Click}},
-    {"OptionWithCal", &w.OptionWithCal, {.Click = FormDistanceScale::OptionWithCal_Click}},
-    {"BtnSaveTrumpetData", &w.BtnSaveTrumpetData, {.Click = FormDistanceScale::BtnSaveTrumpetData_Click}},
-    {"BtnTrumpetGraph", &w.BtnTrumpetGraph, {.Click = FormDistanceScale::BtnTrumpetGraph_Click}},
+    {"OptionWithoutCal",
+     &w.OptionWithoutCal,
+     Option("Start points as &measured", 1),
+     {.Click = FormDistanceScale::OptionWithoutCal_Click}},
+    {"OptionWithCal",
+     &w.OptionWithCal,
+     Option("Start points with t&ransformation", 1),
+     {.Click = FormDistanceScale::OptionWithCal_Click}},
+    {"BtnSaveTrumpetData",
+     &w.BtnSaveTrumpetData,
+     Button("Save Trumpet &Data"),
+     {.Click = FormDistanceScale::BtnSaveTrumpetData_Click}},
+    {"BtnTrumpetGraph",
+     &w.BtnTrumpetGraph,
+     Button("Trumpet &Graph"),
+     {.Click = FormDistanceScale::BtnTrumpetGraph_Click}},
     {"TabelleScale",
      &w.TabelleScale,
+     Grid(1, 0),
      {.Click = FormDistanceScale::TabelleScale_Click, .Key = FormDistanceScale::TabelleScale_Key}},
 };
 

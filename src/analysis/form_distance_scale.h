@@ -18,11 +18,11 @@ namespace corvinade::analysis {
 struct FormDistanceScale {
     WindowState Window{.Caption = "Distance Scale"};
 
-    Control OptionWithoutCal = Option("Start points as &measured", 1);
-    Control OptionWithCal = Option("Start points with t&ransformation", 1);
-    Control BtnSaveTrumpetData = Button("Save Trumpet &Data");
-    Control BtnTrumpetGraph = Button("Trumpet &Graph");
-    Control TabelleScale = Grid(1, 0);
+    Control OptionWithoutCal;
+    Control OptionWithCal;
+    Control BtnSaveTrumpetData;
+    Control BtnTrumpetGraph;
+    Control TabelleScale;
 
     static void Form_Load();
     static void Form_Escape();

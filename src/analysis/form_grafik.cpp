@@ -20,7 +20,7 @@ namespace {
 
 FormGrafik& w = GrafikWindow;
 
-const ControlEntry kControls[] = {{"Chart", &w.Chart}};
+const ControlEntry kControls[] = {{"Chart", &w.Chart, Plot()}};
 
 void Empty() {
     w.Points.clear();
@@ -80,11 +80,7 @@ void FormGrafik::Form_Escape() {
     UnloadWindow("FormGrafik");
 }
 
-}  // namespace corvinade::analysis
-
-namespace corvinade::core {
-
-void FormMain::MenuEditGraphData_Click() {
+void MenuEditGraphData_Click() {
     GridState& grid = MainSheetWindow.MSFlexGrid1.Grid;
     if (!IsTrue(Run.JobDataValid) || Job.Pairs() <= 0) {
         ShowMessage("There are no Points to graph!");
@@ -103,4 +99,4 @@ void FormMain::MenuEditGraphData_Click() {
     Grafik(points, 0, static_cast<int>(points.size()) - 1);
 }
 
-}  // namespace corvinade::core
+}  // namespace corvinade::analysis

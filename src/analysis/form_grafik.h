@@ -15,7 +15,7 @@ namespace corvinade::analysis {
 struct FormGrafik {
     WindowState Window{.Caption = "Graph Data"};
 
-    Control Chart = Plot();
+    Control Chart;
 
     // What the chart shows; a line with a marker for each point, the value axis from Min to Max.
     std::string Title = "Datas Graph", ValueTitle = "[dev.]", CategoryTitle;
@@ -32,6 +32,8 @@ extern const WindowEntry FormGrafik_Entry;
 // axis can hold give a message, and the window stays empty. Require: first and last are in the array, or
 // last is before first.
 void Grafik(std::span<const ChartPoint> array, int first, int last);
+
+void MenuEditGraphData_Click();  // the entry of the main window: the column of the main sheet's selection
 
 void Grafik_Failed();  // the message that the chart cannot be shown; the window stays empty
 

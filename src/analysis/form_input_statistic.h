@@ -9,35 +9,27 @@ namespace corvinade::analysis {
 struct FormInputStatistic {
     WindowState Window{.Caption = "Input Statistic"};
 
-    Control Label1 = Label("");
-    Control Text1 = Shown();
-    Control Label2 = Label("");
-    Control Text2 = Shown();
-    Control Label3 = Label("");
-    Control Text3 = Shown();
-    Control Label4 = Label("");
-    Control Text4 = Shown();
-    Control Label5 = Label("");
-    Control Text5 = Shown();
-    Control Label6 = Label("");
-    Control Text6 = Shown();
-    Control Label7 = Label("");
-    Control Text7 = Shown();
-    Control FrameABCRange = Frame("ABC Range");
-    Control TextRangeA = Shown();
-    Control TextRangeB = Shown();
-    Control TextRangeC = Shown();
+    Control Label1;
+    Control Text1;
+    Control Label2;
+    Control Text2;
+    Control Label3;
+    Control Text3;
+    Control Label4;
+    Control Text4;
+    Control Label5;
+    Control Text5;
+    Control Label6;
+    Control Text6;
+    Control Label7;
+    Control Text7;
+    Control FrameABCRange;
+    Control TextRangeA;
+    Control TextRangeB;
+    Control TextRangeC;
 
     static void Form_Load();
     static void Form_Escape();
-
-private:
-    // A text to be read and copied; typing into it would change nothing.
-    static Control Shown() {
-        Control control = TextBox();
-        control.Locked = true;
-        return control;
-    }
 };
 inline FormInputStatistic InputStatistic;
 extern const WindowEntry FormInputStatistic_Entry;

@@ -1,4 +1,6 @@
 // The export commands of the main window.
+#include "analysis/form_main_exports.h"
+
 #include <optional>
 
 #include "analysis/exports.h"
@@ -43,11 +45,7 @@ std::string Stored(const std::string& value) {
 
 }  // namespace
 
-}  // namespace corvinade::analysis
-
-namespace corvinade::core {
-
-void FormMain::MenueFileExportRobCad_Click() {
+void MenueFileExportRobCad_Click() {
     if (!ResultStands()) {
         ShowMessage("You must make a calculation to export a *.rf File");
         return;
@@ -72,7 +70,7 @@ void FormMain::MenueFileExportRobCad_Click() {
     StartFile("Open", *path);
 }
 
-void FormMain::MenueFileExportROCAL_Click() {
+void MenueFileExportROCAL_Click() {
     if (!ResultStands()) {
         ShowMessage("You must make a calculation to export a *.bas File");
         return;
@@ -88,7 +86,7 @@ void FormMain::MenueFileExportROCAL_Click() {
     WriteFile(*path, RocalText());
 }
 
-void FormMain::MenueOnlyMCStoTilde_Click() {
+void MenueOnlyMCStoTilde_Click() {
     const std::string path = WithExtension(Run.JobFilePath, ".txt");
     if (path == "..\\default.txt") {
         ShowMessage("Noch kein Dateiname vergeben; mache nix");
@@ -102,4 +100,4 @@ void FormMain::MenueOnlyMCStoTilde_Click() {
     WriteFile(path, OnlyMcsText());
 }
 
-}  // namespace corvinade::core
+}  // namespace corvinade::analysis

@@ -5,11 +5,11 @@
 #include <bit>
 #include <utility>
 
+#include "core/changes.h"
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
@@ -25,6 +25,7 @@ FormMainSheet& w = MainSheetWindow;
 const ControlEntry kControls[] = {
     {"MSFlexGrid1",
      &w.MSFlexGrid1,
+     Grid(1, 0),
      {.Click = FormMainSheet::MSFlexGrid1_Click,
       .SelChange = FormMainSheet::MSFlexGrid1_SelChange,
       .RightClick = FormMainSheet::MSFlexGrid1_RightClick,
@@ -189,9 +190,19 @@ int MainSheet_CursorRow() {
     return onPoint ? FilledRow(grid, grid.Row) : 0;
 }
 
+int MainSheet_Pair() {
+    const int point = PairOfRow(w.Cells, FilledRow(w.MSFlexGrid1.Grid, w.MSFlexGrid1.Grid.Row));
+    return IsOfThisJob(w.Cells) ? point : 0;
+}
+
 void MainSheet_Copy() {
     if (!w.Window.Loaded) return;
     if (const std::string text = SelectionText(); !text.empty()) ToClipboard(text);
+}
+
+void MenuEditCopy_Click() {
+    Main.MenuEdit.Value = 0;
+    MainSheet_Copy();
 }
 
 void FormMainSheet::Form_Load() {
@@ -213,8 +224,7 @@ void FormMainSheet::MSFlexGrid1_Click() {
 
 void FormMainSheet::MSFlexGrid1_SelChange() {
     PopUp(false);
-    const int point = PairOfRow(w.Cells, FilledRow(w.MSFlexGrid1.Grid, w.MSFlexGrid1.Grid.Row));
-    if (point != 0 && IsOfThisJob(w.Cells) && Main.MenueGraphics.Checked) SetActivePoint(point);
+    if (MainSheet_Pair() != 0 && Main.MenueGraphics.Checked) ShowNow(What::PointInSheet);
 }
 
 void FormMainSheet::MSFlexGrid1_RightClick() {

@@ -10,7 +10,7 @@ namespace corvinade::analysis {
 struct FormMainSheet {
     WindowState Window{.Caption = "Main Sheet"};
 
-    Control MSFlexGrid1 = Grid(1, 0);
+    Control MSFlexGrid1;
 
     MainSheetCells Cells;  // what the grid shows
 
@@ -33,6 +33,12 @@ int MainSheet_LineOf(int filledRow);
 void MainSheet_ShowLine(int line);  // makes it the current one, centred. Require: the line exists
 // The row as filled that the cursor is on; 0 where the sheet is closed or shows other points.
 int MainSheet_CursorRow();
+
+// The identical point in the row of the cursor; 0 where it is none, or the sheet shows other points.
+int MainSheet_Pair();
+void MainSheet_ShowPoint(int point);  // makes the row of an identical point the current one, centred
+void MainSheet_Copy();                // copies the selected cells
+void MenuEditCopy_Click();            // ... as the entry of the main window
 
 // Outlives the window.
 struct MainSheetRecord {

@@ -16,8 +16,8 @@ namespace {
 FormTrompete& w = Trumpet;
 
 const ControlEntry kControls[] = {
-    {"Trumpet", &w.Trumpet},
-    {"LabelPair", &w.LabelPair},
+    {"Trumpet", &w.Trumpet, Plot()},
+    {"LabelPair", &w.LabelPair, Label("")},
 };
 
 // Steps of a few nanoseconds that a pair takes.

@@ -13,8 +13,8 @@ namespace corvinade::analysis {
 struct FormTrompete {
     WindowState Window{.Caption = "Trumpet Graph"};
 
-    Control Trumpet = Plot();
-    Control LabelPair = Label("");  // the pair under the mouse, in words
+    Control Trumpet;
+    Control LabelPair;  // the pair under the mouse, in words
 
     TrumpetRange Range;
     TrumpetPlace Place;

@@ -6,7 +6,6 @@
 #include "core/controller.h"
 #include "core/form_main.h"
 #include "core/job.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/window.h"
 #include "import/form_input_files.h"
@@ -53,7 +52,7 @@ void TakeBundleAsJob(const std::string& startPath, const std::string& targetPath
             Run.JobFilePath = kDefaultJobPath;
         if (IsTrue(Run.ColorBarOpen)) UnloadWindow("FormColorBar");
         Initialisieren();
-        CloseAllGraphicsWindows();
+        ShowNow(What::NoPictures);
     }
     ForgetKindOfJob();
     HandOver handOver;

@@ -22,13 +22,13 @@ namespace {
 FormBündel& w = BündelWindow;
 
 const ControlEntry kControls[] = {
-    {"TextReduce", &w.TextReduce},
-    {"BtnCalculate", &w.BtnCalculate, {.Click = FormBündel::BtnCalculate_Click}},
-    {"Command1", &w.Command1, {.Click = FormBündel::Command1_Click}},
-    {"CommandSTOP", &w.CommandSTOP, {.Click = FormBündel::CommandSTOP_Click}},
-    {"TextWhatDO", &w.TextWhatDO},
-    {"TextRUN", &w.TextRUN},
-    {"TextResults", &w.TextResults},
+    {"TextReduce", &w.TextReduce, TextBox("100")},
+    {"BtnCalculate", &w.BtnCalculate, Button("&Calculate"), {.Click = FormBündel::BtnCalculate_Click}},
+    {"Command1", &w.Command1, Button("Try on a co&py"), {.Click = FormBündel::Command1_Click}},
+    {"CommandSTOP", &w.CommandSTOP, Button("ST&OP"), {.Click = FormBündel::CommandSTOP_Click}},
+    {"TextWhatDO", &w.TextWhatDO, Locked(TextBox())},
+    {"TextRUN", &w.TextRUN, Locked(TextBox())},
+    {"TextResults", &w.TextResults, Locked(TextBox())},
 };
 
 // While a network is adjusted no other adjustment begins, and the one can be stopped.

@@ -13,13 +13,13 @@ namespace corvinade::bundle {
 struct FormBündel {
     WindowState Window{.Caption = "Bundle"};
 
-    Control TextReduce = TextBox("100");  // percentage of the object points that take part
-    Control BtnCalculate = Button("&Calculate");
-    Control Command1 = Button("Try on a co&py");
-    Control CommandSTOP = Button("ST&OP");
-    Control TextWhatDO = Shown();   // the steps
-    Control TextRUN = Shown();      // the iterations
-    Control TextResults = Shown();  // coordinates and their accuracy
+    Control TextReduce;  // percentage of the object points that take part
+    Control BtnCalculate;
+    Control Command1;
+    Control CommandSTOP;
+    Control TextWhatDO;   // the steps
+    Control TextRUN;      // the iterations
+    Control TextResults;  // coordinates and their accuracy
 
     BundleRecord Own;  // the copy that Command1 adjusts
 
@@ -28,13 +28,6 @@ struct FormBündel {
     static void BtnCalculate_Click();
     static void Command1_Click();
     static void CommandSTOP_Click();
-
-private:
-    static Control Shown() {
-        Control control = TextBox();
-        control.Locked = true;
-        return control;
-    }
 };
 inline FormBündel BündelWindow;
 extern const WindowEntry FormBündel_Entry;

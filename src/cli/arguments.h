@@ -8,9 +8,11 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
+#include "core/numbers.h"
 #include "core/rooms.h"
 #include "core/text.h"
 #include "core/units.h"
@@ -38,6 +40,23 @@ inline CLI::Validator Between(std::int64_t least, std::int64_t most) {
                              " to " + std::to_string(most);
         },
         "");
+}
+
+// Numbers behind commas, each from `least` to `most`; false when the text is anything else.
+inline bool TakeNumbers(const std::string& text, double least, double most, std::vector<double>& values) {
+    values.clear();
+    std::string_view rest = text;
+    for (bool more = true; more;) {
+        const std::size_t comma = rest.find(',');
+        double value = 0;
+        if (!TextToNumber(std::string(rest.substr(0, comma)), '.', value) ||
+            !(value >= least && value <= most))
+            return false;
+        values.push_back(value);
+        more = comma != std::string_view::npos;
+        if (more) rest.remove_prefix(comma + 1);
+    }
+    return true;
 }
 
 // Choices as the help shows them: "a|b|c".

@@ -157,16 +157,8 @@ void AddExportOptions(CLI::App& fit, FitOptions& o) {
 // One number for all axes, or three behind commas; "" when the text is neither.
 std::string TakeNoise(const std::string& text, std::array<double, 3>& noise_mm) {
     std::vector<double> values;
-    std::string_view rest = text;
-    for (bool more = true; more;) {
-        const std::size_t comma = rest.find(',');
-        double value = 0;
-        if (!TextToNumber(std::string(rest.substr(0, comma)), '.', value) || !(value >= 0 && value <= 1e6))
-            return "\"" + Printable(text) + "\" is no list of lengths from 0 to 1e6 mm";
-        values.push_back(value);
-        more = comma != std::string_view::npos;
-        if (more) rest.remove_prefix(comma + 1);
-    }
+    if (!TakeNumbers(text, 0, 1e6, values))
+        return "\"" + Printable(text) + "\" is no list of lengths from 0 to 1e6 mm";
     if (values.size() != 1 && values.size() != 3)
         return "\"" + Printable(text) + "\" is neither one length nor three with commas between";
     for (std::size_t axis = 0; axis < 3; ++axis) noise_mm[axis] = values[values.size() == 1 ? 0 : axis];

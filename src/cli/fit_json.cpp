@@ -10,6 +10,7 @@
 #include "cli/fit_output.h"
 #include "cli/fit_parameters.h"
 #include "cli/fit_selection.h"
+#include "cli/json_members.h"
 #include "cli/record_json.h"
 #include "core/controller.h"
 #include "core/job.h"
@@ -131,46 +132,13 @@ ordered_json PointJson(const FitPoint& point) {
             {"used", {point.Used[0], point.Used[1], point.Used[2]}}};
 }
 
-// --- An object that is written member by member -----------------------------------------------------------
-
-// Of a million points the whole object takes gigabytes.
-
-std::string Indented(const ordered_json& value, int depth) {
-    const std::string text = value.dump(2, ' ', false, ordered_json::error_handler_t::replace);
-    std::string indented;
-    for (const char c : text) {
-        indented += c;
-        if (c == '\n') indented.append(static_cast<std::size_t>(depth), ' ');
-    }
-    return indented;
-}
-
-void BeginMember(const char* name, bool& first, std::ostream& out) {
-    out << (first ? "\n  \"" : ",\n  \"") << name << "\": ";
-    first = false;
-}
-
-// A list whose elements `element` gives by their numbers, from `begin` to `end` - 1.
-template <class Element>
-void WriteList(const char* name, std::size_t begin, std::size_t end, Element element, std::ostream& out) {
-    bool first = false;
-    BeginMember(name, first, out);
-    out << "[";
-    for (std::size_t i = begin; i < end; ++i)
-        out << (i == begin ? "\n    " : ",\n    ") << Indented(element(i), 4);
-    out << (begin < end ? "\n  ]" : "]");
-}
-
 // Points of one set without a partner, behind the pairs.
 template <class X, class Z>
-void WriteOthers(const char* name, const std::vector<std::string>& names, const X& x, const X& y, const Z& z,
-                 std::ostream& out) {
-    WriteList(
-        name, static_cast<std::size_t>(Job.Pairs()) + 1, names.size(),
-        [&](std::size_t i) {
-            return ordered_json{{"name", names[i]}, {"mm", {x[i].value_or(0), y[i].value_or(0), z[i]}}};
-        },
-        out);
+void WriteOthers(JsonObject& object, const char* name, const std::vector<std::string>& names, const X& x,
+                 const X& y, const Z& z) {
+    WriteList(object, name, static_cast<std::size_t>(Job.Pairs()) + 1, names.size(), [&](std::size_t i) {
+        return ordered_json{{"name", names[i]}, {"mm", {x[i].value_or(0), y[i].value_or(0), z[i]}}};
+    });
 }
 
 // How the fit was held against all others; null where it was not.
@@ -242,25 +210,20 @@ void WriteFitJson(const FitOptions& options, const SolutionDetails* details, con
                        {"sumOfDeviations_mm", norms.Sum},
                        {"largestDeviation_mm", norms.Largest},
                        {"note", "s0 = sqrt(vPv / (sum of weights - 1))"}};
-    bool first = true;
-    const auto write = [&](const char* name, const ordered_json& value) {
-        BeginMember(name, first, out);
-        out << Indented(value, 2);
-    };
     out << "{";
-    for (const auto& member : root.items()) write(member.key().c_str(), member.value());
-    BeginMember("statistics", first, out);
+    JsonObject object{out, 2};
+    for (const auto& member : root.items()) WriteMember(object, member.key(), member.value());
+    BeginMember(object, "statistics");
     WriteStatisticsJson(options, statistics, out);
     if (!options.NoPoints) {
-        WriteList(
-            "points", 1, static_cast<std::size_t>(Job.Pairs()) + 1,
-            [](std::size_t i) { return PointJson(FitPointOf(static_cast<int>(i))); }, out);
-        WriteOthers("startOnly", Job.Transformed.Name, Job.Transformed.X, Job.Transformed.Y,
-                    Job.Transformed.Z, out);
-        WriteOthers("targetOnly", Job.Target.Name, Job.Target.X, Job.Target.Y, Job.Target.Z, out);
+        WriteList(object, "points", 1, static_cast<std::size_t>(Job.Pairs()) + 1,
+                  [](std::size_t i) { return PointJson(FitPointOf(static_cast<int>(i))); });
+        WriteOthers(object, "startOnly", Job.Transformed.Name, Job.Transformed.X, Job.Transformed.Y,
+                    Job.Transformed.Z);
+        WriteOthers(object, "targetOnly", Job.Target.Name, Job.Target.X, Job.Target.Y, Job.Target.Z);
     }
-    write("notes", NotesToJson(Notes.List));
-    if (options.Protocol) write("protocol", CompleteProtocol());
+    WriteMember(object, "notes", NotesToJson(Notes.List));
+    if (options.Protocol) WriteMember(object, "protocol", CompleteProtocol());
     out << "\n}\n";
 }
 

@@ -20,23 +20,6 @@ namespace corvinade::cli {
 
 namespace {
 
-// Numbers behind commas, each from `least` to `most`; false when the text is anything else.
-bool TakeNumbers(const std::string& text, double least, double most, std::vector<double>& values) {
-    values.clear();
-    std::string_view rest = text;
-    for (bool more = true; more;) {
-        const std::size_t comma = rest.find(',');
-        double value = 0;
-        if (!TextToNumber(std::string(rest.substr(0, comma)), '.', value) ||
-            !(value >= least && value <= most))
-            return false;
-        values.push_back(value);
-        more = comma != std::string_view::npos;
-        if (more) rest.remove_prefix(comma + 1);
-    }
-    return true;
-}
-
 // "S" or "SX,SY,SZ"; "" or what is wrong with it.
 std::string TakeSigmas(const std::string& text, std::optional<std::array<double, 3>>& sigmas) {
     constexpr double kMost = 1e9;

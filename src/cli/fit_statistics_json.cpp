@@ -6,6 +6,7 @@
 #include "cli/fit_parameters.h"
 #include "cli/fit_selection.h"
 #include "cli/fit_statistics.h"
+#include "cli/json_members.h"
 #include "core/units.h"
 #include "engine/parameter_kind.h"
 #include "engine/transform.h"
@@ -174,23 +175,6 @@ ordered_json Head(const FitOptions& options, const FitStatistics& statistics) {
     return head;
 }
 
-std::string Dumped(const ordered_json& value, int depth) {
-    const std::string text = value.dump(2, ' ', false, ordered_json::error_handler_t::replace);
-    std::string indented;
-    for (const char c : text) {
-        indented += c;
-        if (c == '\n') indented.append(static_cast<std::size_t>(depth), ' ');
-    }
-    return indented;
-}
-
-template <class Row>
-void WriteRows(const char* name, int count, Row row, std::ostream& out) {
-    out << ",\n    \"" << name << "\": [";
-    for (int i = 1; i <= count; ++i) out << (i == 1 ? "\n      " : ",\n      ") << Dumped(row(i), 6);
-    out << (count > 0 ? "\n    ]" : "]");
-}
-
 }  // namespace
 
 void WriteStatisticsJson(const FitOptions& options, const FitStatistics& statistics, std::ostream& out) {
@@ -199,24 +183,18 @@ void WriteStatisticsJson(const FitOptions& options, const FitStatistics& statist
         return;
     }
     const AdjustmentStatistics& s = *statistics.Of;
-    bool first = true;
     out << "{";
+    JsonObject object{out, 4};
     const ordered_json head = Head(options, statistics);
-    for (const auto& member : head.items()) {
-        out << (first ? "\n    " : ",\n    ") << Dumped(member.key(), 4) << ": " << Dumped(member.value(), 4);
-        first = false;
-    }
+    for (const auto& member : head.items()) WriteMember(object, member.key(), member.value());
     if (!s.Singular) {
-        WriteRows(
-            "points", Job.Pairs(), [&s](int i) { return PointRow(s, i); }, out);
-        WriteRows(
-            "transformed", Job.Start.Count(),
-            [&s](int i) {
-                ordered_json row = {{"name", Job.Start.Name[At(i)]}};
-                PutAccuracy(s, StartPoint(i), row);
-                return row;
-            },
-            out);
+        WriteList(object, "points", 1, At(Job.Pairs()) + 1,
+                  [&s](std::size_t i) { return PointRow(s, static_cast<int>(i)); });
+        WriteList(object, "transformed", 1, At(Job.Start.Count()) + 1, [&s](std::size_t i) {
+            ordered_json row = {{"name", Job.Start.Name[i]}};
+            PutAccuracy(s, StartPoint(static_cast<int>(i)), row);
+            return row;
+        });
     }
     out << "\n  }";
 }

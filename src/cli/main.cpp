@@ -9,12 +9,14 @@
 #include "cli/commands.h"
 #include "cli/fit_options.h"
 #include "core/file_writer.h"
+#include "core/fresh_start.h"
 #include "core/platform.h"
 
 using namespace corvinade;
 
 int main(int argc, char** argv) {
     LetTooLargeFilesRefuse();
+    FreshStart();
     try {
         std::ios::sync_with_stdio(false);
         return RunCommandLine(argc, argv, std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1,

@@ -48,6 +48,11 @@ void ShowChanges() {
     }
 }
 
+void ShowNow(What what) {
+    for (const ChangeRow& row : Changes.Rows)
+        if (Share(row.Of, what)) row.Show(what);
+}
+
 void RunHandler(const std::function<void()>& handler) {
     if (Changes.Handling) return handler();
     RunEvent(handler);

@@ -24,6 +24,14 @@ enum class What : std::uint32_t {
     Result = 1U << 9U,            // a calculation has ended
     PictureSettings = 1U << 10U,  // what the pictures show
     State = 1U << 11U,            // whether there are points, a result, pictures; the path; the window on top
+    // What is shown at once (ShowNow).
+    UnitFactors = 1U << 12U,   // of the units; texts still stand in those of before
+    NewJob = 1U << 13U,        // a job begins anew with the points that there are
+    NextResult = 1U << 14U,    // a calculation begins, the result that stands goes
+    PointInTable = 1U << 15U,  // the point chosen in the calculation window's table
+    PointInSheet = 1U << 16U,  // the point chosen in the main sheet
+    NoPictures = 1U << 17U,    // what the pictures show is given up
+    ProgramEnd = 1U << 18U,    // all windows but the main one are closed
 };
 
 constexpr What operator|(What a, What b) {
@@ -39,6 +47,13 @@ inline constexpr What kStateOfJob =
 
 // The one order in which everything follows a change.
 enum class Turn : std::uint8_t {
+    HeldValues,
+    NewPairs,
+    PointInSheet,
+    PointInPictures,
+    LastResult,
+    ClosedPictures,
+    PictureDefaults,
     CalculationUnits,
     PairTable,
     Pictures,
@@ -67,6 +82,10 @@ void Changed(What what);
 
 // Shows what this handler has changed so far: for what has to be seen before a question or within long work.
 void ShowChanges();
+
+// Runs the rows of this change alone and at once; what else has changed waits for its turn. For what has to
+// follow before the handler goes on, in rooms that it knows nothing of.
+void ShowNow(What what);
 
 // Runs a handler; behind the outermost one its changes are shown, though it may have ended by an exception.
 // That goes on, whatever showing the changes throws.

@@ -12,7 +12,6 @@
 #include "core/job_file.h"
 #include "core/notes.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
@@ -209,7 +208,7 @@ std::span<const ChangeRow> CoreChanges() {
 }
 
 void CloseAllChildForms() {
-    CloseAllGraphicsWindows();
+    ShowNow(What::NoPictures);
     for (const WindowEntry* window : AllWindows())
         if (window != &FormMain_Entry) UnloadWindow(window->Name);
 }
@@ -217,14 +216,7 @@ void CloseAllChildForms() {
 void FormMain::Form_Unload() {
     if (IsTrue(Run.JobDirty)) JobChanged();
     CloseAllChildForms();
-    if (!GraphicsDefaultsTaken()) return;
-    std::vector<IniLine> lines;
-    for (const SettingEntry& entry : AllSettings()) {
-        const std::string_view section = entry.Section;
-        const bool wanted = section == "LocalGraphics" || (section == "FahnenProp" && Settings.FlagDefined);
-        if (wanted) lines.push_back({entry.Section, entry.Key, SettingText(entry.Key)});
-    }
-    IniWerteSchreiben(lines);
+    ShowNow(What::ProgramEnd);
 }
 
 void CloseProgram() {

@@ -10,10 +10,13 @@ namespace corvinade::core {
 namespace {
 
 const ControlEntry kControls[] = {
-    {"LabelName", &HelpInfo.LabelName},
-    {"LabelVersion", &HelpInfo.LabelVersion},
-    {"BtnEditIniFile", &HelpInfo.BtnEditIniFile, {.Click = FormMenuHelpInfo::BtnEditIniFile_Click}},
-    {"BtnOK", &HelpInfo.BtnOK, {.Click = FormMenuHelpInfo::BtnOK_Click}},
+    {"LabelName", &HelpInfo.LabelName, Label("Corvinade - 13 Parameter - least square 3D Transformations")},
+    {"LabelVersion", &HelpInfo.LabelVersion, Label("")},
+    {"BtnEditIniFile",
+     &HelpInfo.BtnEditIniFile,
+     Button("&Edit settings file"),
+     {.Click = FormMenuHelpInfo::BtnEditIniFile_Click}},
+    {"BtnOK", &HelpInfo.BtnOK, Button("OK"), {.Click = FormMenuHelpInfo::BtnOK_Click}},
 };
 
 }  // namespace

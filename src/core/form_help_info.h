@@ -9,10 +9,10 @@ namespace corvinade::core {
 struct FormMenuHelpInfo {
     WindowState Window{.Caption = "Info"};
 
-    Control LabelName = Label("Corvinade - 13 Parameter - least square 3D Transformations");
-    Control LabelVersion = Label("");
-    Control BtnEditIniFile = Button("&Edit settings file");
-    Control BtnOK = Button("OK");
+    Control LabelName;
+    Control LabelVersion;
+    Control BtnEditIniFile;
+    Control BtnOK;
 
     static void Form_Load();
     static void Form_Escape();

@@ -14,10 +14,10 @@ namespace {
 FormNotes& w = NotesWindow;
 
 const ControlEntry kControls[] = {
-    {"LabelSummary", &w.LabelSummary},
-    {"GridNotes", &w.GridNotes, {.DblClick = FormNotes::GridNotes_DblClick}},
-    {"BtnCopy", &w.BtnCopy, {.Click = FormNotes::BtnCopy_Click}},
-    {"BtnClose", &w.BtnClose, {.Click = FormNotes::BtnClose_Click}},
+    {"LabelSummary", &w.LabelSummary, Label("")},
+    {"GridNotes", &w.GridNotes, Grid(1, 1), {.DblClick = FormNotes::GridNotes_DblClick}},
+    {"BtnCopy", &w.BtnCopy, Button("&Copy"), {.Click = FormNotes::BtnCopy_Click}},
+    {"BtnClose", &w.BtnClose, Button("Cl&ose"), {.Click = FormNotes::BtnClose_Click}},
 };
 
 constexpr int kHeadings = 1;

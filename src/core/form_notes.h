@@ -16,10 +16,10 @@ enum NotesColumn : int { kNotesSeverity, kNotesFile, kNotesLine, kNotesText, kNo
 struct FormNotes {
     WindowState Window{.Caption = "Notes"};
 
-    Control LabelSummary = Label("");
-    Control GridNotes = Grid(1, 1);
-    Control BtnCopy = Button("&Copy");
-    Control BtnClose = Button("Cl&ose");
+    Control LabelSummary;
+    Control GridNotes;
+    Control BtnCopy;
+    Control BtnClose;
 
     std::vector<Note> Rows;  // what the table shows, from its row 1 on
 

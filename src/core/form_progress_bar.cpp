@@ -8,8 +8,8 @@ namespace corvinade::core {
 namespace {
 
 const ControlEntry kControls[] = {
-    {"ProgressBar1", &Progress.ProgressBar1},
-    {"BtnCancel", &Progress.BtnCancel, {.Click = FormProgressBar::BtnCancel_Click}},
+    {"ProgressBar1", &Progress.ProgressBar1, ProgressBar()},
+    {"BtnCancel", &Progress.BtnCancel, Button("&Cancel"), {.Click = FormProgressBar::BtnCancel_Click}},
 };
 
 }  // namespace

@@ -9,8 +9,8 @@ namespace corvinade::core {
 struct FormProgressBar {
     WindowState Window;
 
-    Control ProgressBar1 = ProgressBar();
-    Control BtnCancel = Button("&Cancel");
+    Control ProgressBar1;
+    Control BtnCancel;
 
     static void BtnCancel_Click();
 };

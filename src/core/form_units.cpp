@@ -4,7 +4,6 @@
 #include "core/changes.h"
 #include "core/controller.h"
 #include "core/job.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/units.h"
@@ -14,16 +13,16 @@ namespace corvinade::core {
 namespace {
 
 const ControlEntry kControls[] = {
-    {"LabelLength", &UnitsWindow.LabelLength},
-    {"ComboLength", &UnitsWindow.ComboLength},
-    {"ComboDigitLength", &UnitsWindow.ComboDigitLength},
-    {"LabelAngle", &UnitsWindow.LabelAngle},
-    {"ComboAngle", &UnitsWindow.ComboAngle},
-    {"ComboDigitAngle", &UnitsWindow.ComboDigitAngle},
-    {"LabelScale", &UnitsWindow.LabelScale},
-    {"ComboDigitScale", &UnitsWindow.ComboDigitScale},
-    {"CheckPhiThetaAsQ", &UnitsWindow.CheckPhiThetaAsQ},
-    {"BtnOK", &UnitsWindow.BtnOK, {.Click = FormUnits::BtnOK_Click}},
+    {"LabelLength", &UnitsWindow.LabelLength, Label("&Length")},
+    {"ComboLength", &UnitsWindow.ComboLength, ComboBox()},
+    {"ComboDigitLength", &UnitsWindow.ComboDigitLength, ComboBox()},
+    {"LabelAngle", &UnitsWindow.LabelAngle, Label("&Angle")},
+    {"ComboAngle", &UnitsWindow.ComboAngle, ComboBox()},
+    {"ComboDigitAngle", &UnitsWindow.ComboDigitAngle, ComboBox()},
+    {"LabelScale", &UnitsWindow.LabelScale, Label("&Scale")},
+    {"ComboDigitScale", &UnitsWindow.ComboDigitScale, ComboBox()},
+    {"CheckPhiThetaAsQ", &UnitsWindow.CheckPhiThetaAsQ, CheckBox("&Phi and Theta as length of arc")},
+    {"BtnOK", &UnitsWindow.BtnOK, Button("OK"), {.Click = FormUnits::BtnOK_Click}},
 };
 
 template <class List, class Name>
@@ -75,7 +74,7 @@ void FormUnits::Form_Escape() {
 }
 
 void FormUnits::BtnOK_Click() {
-    const FormUnits& w = UnitsWindow;
+    FormUnits& w = UnitsWindow;
     if (w.ComboLength.Index >= 0) Job.LengthUnitName = w.ComboLength.Text;
     if (w.ComboAngle.Index >= 0) Job.AngleUnitName = w.ComboAngle.Text;
     if (w.ComboDigitLength.Index >= 0) Job.LengthDigits = static_cast<std::int16_t>(w.ComboDigitLength.Index);
@@ -83,9 +82,10 @@ void FormUnits::BtnOK_Click() {
     if (w.ComboDigitScale.Index >= 0)
         Settings.ScaleDigits = static_cast<std::int16_t>(w.ComboDigitScale.Index);
     Settings.PhiThetaAsQ = ToFlag(w.CheckPhiThetaAsQ.Value == 1);
-    const double lengthBefore = Units.LengthFactor, angleBefore = Units.AngleFactor;
+    w.LengthBefore = Units.LengthFactor;
+    w.AngleBefore = Units.AngleFactor;
     RhoFestlegung();
-    HeldValues_UnitsChanged(lengthBefore, angleBefore);
+    ShowNow(What::UnitFactors);
     UnloadWindow("FormUnits");
     Changed(What::UnitsAndDigits);
     ShowChanges();  // ahead of what there may be to say of the settings

@@ -9,16 +9,18 @@ namespace corvinade::core {
 struct FormUnits {
     WindowState Window{.Caption = "Units"};
 
-    Control LabelLength = Label("&Length");
-    Control ComboLength = ComboBox();
-    Control ComboDigitLength = ComboBox();
-    Control LabelAngle = Label("&Angle");
-    Control ComboAngle = ComboBox();
-    Control ComboDigitAngle = ComboBox();
-    Control LabelScale = Label("&Scale");
-    Control ComboDigitScale = ComboBox();
-    Control CheckPhiThetaAsQ = CheckBox("&Phi and Theta as length of arc");
-    Control BtnOK = Button("OK");
+    Control LabelLength;
+    Control ComboLength;
+    Control ComboDigitLength;
+    Control LabelAngle;
+    Control ComboAngle;
+    Control ComboDigitAngle;
+    Control LabelScale;
+    Control ComboDigitScale;
+    Control CheckPhiThetaAsQ;
+    Control BtnOK;
+
+    double LengthBefore = 1, AngleBefore = 1;  // the factors that stood when OK was pressed
 
     static void Form_Load();
     static void Form_Escape();

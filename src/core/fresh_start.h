@@ -1,5 +1,5 @@
-// Every record with mutable state stands in one table; this gives each its start value, so that every
-// test begins in a new program.
+// Every record with mutable state stands in one table, and so does every window; this gives each its start
+// value, for a program that starts and for every test.
 #pragma once
 
 #include "core/rooms.h"

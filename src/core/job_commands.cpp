@@ -9,7 +9,6 @@
 #include "core/job.h"
 #include "core/job_file.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
@@ -128,7 +127,7 @@ void MenuFileNew_Command() {
     Run.JobFilePath = WithExtension(*path);
     KeepFolder(Run.JobFilePath);
     CloseAllChildForms();
-    IdentischePkte_Neu();
+    ShowNow(What::NewJob);
     Run.JobDataValid = kFalse;
     Run.TrafoValid = Run.CalcDone = kFalse;
     ++Run.JobGeneration;

@@ -11,21 +11,7 @@ namespace corvinade::import {
 
 struct TargetFile;
 
-void ClipboardRoundTrip();  // the menu entry "&Spezial"
-// Makes the transformed points those of the start, and sizes RVec* and UseFlags (whose content stays) by the
-// pairs. A job that the calculation window has marked as switched is switched again. An import that is
-// cancelled meanwhile leaves all of them as they were.
-void IdentischePkte_Neu();
-
 }  // namespace corvinade::import
-
-namespace corvinade::engine {
-
-// The held values of the job, typed in units of the factors `lengthBefore` and `angleBefore`, in the present
-// ones.
-void HeldValues_UnitsChanged(double lengthBefore, double angleBefore);
-
-}  // namespace corvinade::engine
 
 namespace corvinade::paraboloid {
 
@@ -40,19 +26,3 @@ namespace corvinade::bundle {
 void ReadBundleFile(const std::string& path);  // the reader behind the bundle file of the input dialog
 
 }  // namespace corvinade::bundle
-
-namespace corvinade::analysis {
-
-void MainSheet_Copy();                // copies the selected cells of the main sheet
-void MainSheet_ShowPoint(int point);  // makes the row of an identical point the current one, centred
-
-}  // namespace corvinade::analysis
-
-namespace corvinade::graphics {
-
-void CloseAllGraphicsWindows();
-void Grafik_Festlegen_Main();    // recomputes what the first graphics window shows
-void SetActivePoint(int point);  // the active point of the pictures, by identical point
-bool GraphicsDefaultsTaken();    // a graphics window has set the grid spacing, so its defaults are stored
-
-}  // namespace corvinade::graphics

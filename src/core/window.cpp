@@ -115,6 +115,23 @@ Control Plot() {
     return Make(ControlKind::Plot, "");
 }
 
+Control Disabled(Control control) {
+    control.Enabled = false;
+    return control;
+}
+Control Hidden(Control control) {
+    control.Visible = false;
+    return control;
+}
+Control Locked(Control control) {
+    control.Locked = true;
+    return control;
+}
+Control WithTip(Control control, const char* toolTip) {
+    control.ToolTip = toolTip;
+    return control;
+}
+
 const WindowEntry* FindWindow(std::string_view name) {
     for (const WindowEntry* window : AllWindows())
         if (name == window->Name) return window;
@@ -125,6 +142,12 @@ Control* FindControl(const WindowEntry& window, std::string_view name) {
     for (const ControlEntry& entry : window.Controls)
         if (name == entry.Name) return entry.Place;
     return nullptr;
+}
+
+void MakeFresh(const WindowEntry& window) {
+    window.Fresh();
+    for (const ControlEntry& entry : window.Controls)
+        if (entry.Made) *entry.Place = *entry.Made;
 }
 
 bool IsLoaded(std::string_view name) {
@@ -140,14 +163,14 @@ void ShowWindow(std::string_view name) {
         ++window->State->Asked;
         return;
     }
-    window->Fresh();
+    MakeFresh(*window);
     Attach(*window);
     window->State->Loaded = true;
     try {
         if (window->StoresPlace) LoadWindowPlace(window->State->Place, window->Name);
         Run_(window->Load);
     } catch (...) {
-        window->Fresh();  // a window that could not be filled is not open
+        MakeFresh(*window);  // a window that could not be filled is not open
         throw;
     }
 }
@@ -157,7 +180,7 @@ void UnloadWindow(std::string_view name) {
     if (window == nullptr || !window->State->Loaded) return;
     Run_(window->Unload);
     const WindowPlace place = window->State->Place;
-    window->Fresh();
+    MakeFresh(*window);
     if (window->StoresPlace) SaveWindowPlace(place, window->Name);
 }
 

@@ -1,10 +1,12 @@
 // Windows as state. A window is a struct of controls, a control is a piece of state with handlers; the
-// record is the truth and the screen a copy of it. Every window stands in one table (windows.cpp), by
-// which the desktop, the automation and the tests find it.
+// record is the truth and the screen a copy of it. What a control is stands in one row, from which a fresh
+// window is filled. Every window stands in one table (windows.cpp), by which the desktop, the automation and
+// the tests find it.
 #pragma once
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -76,6 +78,12 @@ Control ScrollBar(int min, int max);
 Control Grid(int fixedRows, int fixedCols);
 Control Plot();  // that its window paints itself
 
+// What else a control may be when its window opens.
+Control Disabled(Control control);
+Control Hidden(Control control);
+Control Locked(Control control);
+Control WithTip(Control control, const char* toolTip);
+
 // What the user does to a control, and the procedure that answers. Unset = nothing happens.
 struct Handlers {
     void (*Click)() = nullptr;  // button, menu, tool button; check, option, list, scroll bar after the change
@@ -86,11 +94,19 @@ struct Handlers {
     void (*Key)() = nullptr;         // grid: its Grid.Key tells which
 };
 
+// All that there is to say of a control of a window, in one row of the window's table.
 struct ControlEntry {
     const char* Name;  // "BtnOK"; buttons of a tool bar and panels with their bar: "Toolbar2.FileNew"
-    Control* Place;
-    Handlers On = {};
-    const char* Parent = nullptr;  // the menu that an entry stands in: out of reach while that is disabled
+    Control* Place;    // the member of that name: BtnOK, Toolbar2_FileNew
+    std::optional<Control> Made;  // what a fresh window has there; nothing: the control is made elsewhere
+    Handlers On;
+    const char* Parent;  // the menu that an entry stands in: out of reach while that is disabled
+
+    ControlEntry(const char* name, Control* place, const Control& made, const Handlers& on = {},
+                 const char* parent = nullptr)
+        : Name(name), Place(place), Made(made), On(on), Parent(parent) {}
+    ControlEntry(const char* name, Control* place, const Handlers& on = {}, const char* parent = nullptr)
+        : Name(name), Place(place), On(on), Parent(parent) {}
 };
 
 struct WindowPlace {
@@ -119,7 +135,7 @@ struct WindowEntry {
     const char* Name;
     WindowState* State;
     std::span<const ControlEntry> Controls;
-    void (*Fresh)();             // puts a fresh struct in the window's place
+    void (*Fresh)();             // puts a fresh struct in the window's place (see MakeFresh)
     void (*Load)() = nullptr;    // fills the controls, runs once the struct is in place
     void (*Unload)() = nullptr;  // runs before the window goes
     void (*Escape)() = nullptr;  // the key Esc; unset = nothing
@@ -135,6 +151,9 @@ std::span<const WindowEntry* const> AllWindows();
 const WindowEntry* FindWindow(std::string_view name);                    // null when there is none
 Control* FindControl(const WindowEntry& window, std::string_view name);  // null when there is none
 bool IsLoaded(std::string_view window);
+
+// Makes a window as it is before it opens: a fresh struct, its controls as their rows say.
+void MakeFresh(const WindowEntry& window);
 
 // Opens a window: a fresh struct, its stored place, its load procedure. A window that is open already
 // stays as it is, and comes to the front where there is a screen. Throws PlatformError when there is no

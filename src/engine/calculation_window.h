@@ -95,6 +95,9 @@ double CalculationSigmaXYZ();  // of the last calculation, mm
 void MCS_OCS();            // swaps the two point sets of a job that has been marked as switched
 bool DirectionSwitched();  // the window has marked the job as switched
 
+// The held values of the job, typed in units of the factors `lengthBefore` and `angleBefore`, in the present
+// ones.
+void HeldValues_UnitsChanged(double lengthBefore, double angleBefore);
 void CalculationWindow_UnitsChanged();  // shows everything in the present units
 // Fills the window from the job: parameters as the job has them, or six parameters for a fresh one.
 void INI_Formtrafoberechnung();
@@ -118,6 +121,9 @@ void Switch_MaxPoint(const std::string& pointName, const std::string& axis);
 // Hands the point under the table's cursor to the main sheet and the pictures, where the cursor stands on
 // its name and both are on.
 void SetPointGraphicsActive();
+
+// The point in the row of the table's cursor; 0 where the row shows none.
+int CalculationWindow_Point();
 
 // Direction of the job, as label, colours and tool tips say it. `arrow` stands between the systems' names.
 void ShowDirection(const char* arrow);

@@ -1,6 +1,7 @@
 // What the calculation window shows of a change.
 #include "engine/engine_changes.h"
 
+#include "core/form_units.h"
 #include "engine/calculation_window.h"
 
 namespace corvinade::engine {
@@ -23,10 +24,15 @@ void ShowJob(What) {
     if (WindowIsOpen()) INI_Formtrafoberechnung();
 }
 
+void ConvertHeldValues(What) {
+    HeldValues_UnitsChanged(UnitsWindow.LengthBefore, UnitsWindow.AngleBefore);
+}
+
 constexpr ChangeRow kChanges[] = {
     {What::UnitsAndDigits, Turn::CalculationUnits, ShowUnits},
     {What::Coordinates, Turn::PairTable, ShowPoints},
     {What::OpenedJob, Turn::CalculationFields, ShowJob, true},
+    {What::UnitFactors, Turn::HeldValues, ConvertHeldValues},
 };
 
 }  // namespace

@@ -15,105 +15,100 @@ struct FormTrafoBerechnung {
     WindowState Window{.Caption = "Transformation"};
     // The parameters: box set = it floats, and its field then holds the result; else the field holds its
     // value.
-    Control CheckTraX = CheckBox("Tra &x"), TextTraX = Field("0");
-    Control CheckTraY = CheckBox("Tra &y"), TextTraY = Field("0");
-    Control CheckTraZ = CheckBox("Tra &z"), TextTraZ = Field("0");
-    Control CheckRotX = CheckBox("Rot x"), TextRotX = Field("0");
-    Control CheckRotY = CheckBox("Rot y'"), TextRotY = Field("0");
-    Control CheckRotZ = CheckBox("Rot z''"), TextRotZ = Field("0");
-    Control CheckScaleX = CheckBox("Scale x"), TextScaleX = Field("1");
-    Control CheckScaleY = CheckBox("Scale y"), TextScaleY = Field("1");
-    Control CheckScaleZ = CheckBox("Scale z"), TextScaleZ = Field("1");
-    Control CheckScaleXYZ = CheckBox("Scale xyz"), TextScaleXYZ = Field("1");
-    Control CheckXY = CheckBox("xy"), TextXY = Field("0");
-    Control CheckAzimuth = CheckBox("Azimuth"), TextAzimuth = Field("0");
-    Control CheckZtoXY = CheckBox("z to xy"), TextZtoXY = Field("0");
-    Control CheckRDist = CheckBox("R Dist"), TextRDist = Field("0");
-    Control CheckUseABC = CheckBox("R vector, use A B C of the poses");
-    Control TextRvec_x = Field("0"), TextRvec_y = Field("0"), TextRvec_z = Field("0");
-    Control CheckRDataKnown = CheckBox("R data known"), BtnLoadRData = Disabled(Button("Load &R data"));
+    Control CheckTraX, TextTraX;
+    Control CheckTraY, TextTraY;
+    Control CheckTraZ, TextTraZ;
+    Control CheckRotX, TextRotX;
+    Control CheckRotY, TextRotY;
+    Control CheckRotZ, TextRotZ;
+    Control CheckScaleX, TextScaleX;
+    Control CheckScaleY, TextScaleY;
+    Control CheckScaleZ, TextScaleZ;
+    Control CheckScaleXYZ, TextScaleXYZ;
+    Control CheckXY, TextXY;
+    Control CheckAzimuth, TextAzimuth;
+    Control CheckZtoXY, TextZtoXY;
+    Control CheckRDist, TextRDist;
+    Control CheckUseABC;
+    Control TextRvec_x, TextRvec_y, TextRvec_z;
+    Control CheckRDataKnown, BtnLoadRData;
 
     // The user's own start values.
-    Control CheckSeedTrax = SeedBox(), TextSeedTrax = SeedField();
-    Control CheckSeedTray = SeedBox(), TextSeedTray = SeedField();
-    Control CheckSeedTraz = SeedBox(), TextSeedTraz = SeedField();
-    Control CheckSeedRotx = SeedBox(), TextSeedRotx = SeedField();
-    Control CheckSeedRoty = SeedBox(), TextSeedRoty = SeedField();
-    Control CheckSeedRotz = SeedBox(), TextSeedRotz = SeedField();
-    Control CheckSeedScalex = SeedBox(), TextSeedScalex = SeedField();
-    Control CheckSeedScaley = SeedBox(), TextSeedScaley = SeedField();
-    Control CheckSeedScalez = SeedBox(), TextSeedScalez = SeedField();
-    Control CheckSeedScalexyz = SeedBox(), TextSeedScalexyz = SeedField();
-    Control CheckSeedxy = SeedBox(), TextSeedXY = SeedField();
-    Control CheckSeedAzimuth = SeedBox(), TextSeedAzimuth = SeedField();
-    Control CheckSeedztoxy = SeedBox(), TextSeedZtoXY = SeedField();
-    Control CheckSeedRdist = SeedBox(), TextSeedRdist = SeedField();
-    Control CheckSeedr0_x = SeedBox(), TextSeedr0_x = SeedField();
-    Control CheckSeedr0_y = SeedBox(), TextSeedr0_y = SeedField();
-    Control CheckSeedr0_z = SeedBox(), TextSeedr0_z = SeedField();
+    Control CheckSeedTrax, TextSeedTrax;
+    Control CheckSeedTray, TextSeedTray;
+    Control CheckSeedTraz, TextSeedTraz;
+    Control CheckSeedRotx, TextSeedRotx;
+    Control CheckSeedRoty, TextSeedRoty;
+    Control CheckSeedRotz, TextSeedRotz;
+    Control CheckSeedScalex, TextSeedScalex;
+    Control CheckSeedScaley, TextSeedScaley;
+    Control CheckSeedScalez, TextSeedScalez;
+    Control CheckSeedScalexyz, TextSeedScalexyz;
+    Control CheckSeedxy, TextSeedXY;
+    Control CheckSeedAzimuth, TextSeedAzimuth;
+    Control CheckSeedztoxy, TextSeedZtoXY;
+    Control CheckSeedRdist, TextSeedRdist;
+    Control CheckSeedr0_x, TextSeedr0_x;
+    Control CheckSeedr0_y, TextSeedr0_y;
+    Control CheckSeedr0_z, TextSeedr0_z;
 
     // How sure each result is, and how far from its neutral value in units of that.
-    Control TextSigmaTraX = Output(), TextSignifikanzTraX = Output();
-    Control TextSigmaTraY = Output(), TextSignifikanzTraY = Output();
-    Control TextSigmaTraZ = Output(), TextSignifikanzTraZ = Output();
-    Control TextSigmaRotX = Output(), TextSignifikanzRotX = Output();
-    Control TextSigmaRotY = Output(), TextSignifikanzRotY = Output();
-    Control TextSigmaRotZ = Output(), TextSignifikanzRotZ = Output();
-    Control TextSigmaScaleX = Output(), TextSignifikanzScaleX = Output();
-    Control TextSigmaScaleY = Output(), TextSignifikanzScaleY = Output();
-    Control TextSigmaScaleZ = Output(), TextSignifikanzScaleZ = Output();
-    Control TextSigmaScaleXYZ = Output(), TextSignifikanzScaleXYZ = Output();
-    Control TextSigmaXY = Output(), TextSignifikanzXY = Output();
-    Control TextSigmaAzimuth = Output(), TextSignifikanzAzimuth = Output();
-    Control TextSigmaZtoXY = Output(), TextSignifikanzZtoXY = Output();
-    Control TextSigmaRDist = Output(), TextSignifikanzRDist = Output();
+    Control TextSigmaTraX, TextSignifikanzTraX;
+    Control TextSigmaTraY, TextSignifikanzTraY;
+    Control TextSigmaTraZ, TextSignifikanzTraZ;
+    Control TextSigmaRotX, TextSignifikanzRotX;
+    Control TextSigmaRotY, TextSignifikanzRotY;
+    Control TextSigmaRotZ, TextSignifikanzRotZ;
+    Control TextSigmaScaleX, TextSignifikanzScaleX;
+    Control TextSigmaScaleY, TextSignifikanzScaleY;
+    Control TextSigmaScaleZ, TextSignifikanzScaleZ;
+    Control TextSigmaScaleXYZ, TextSignifikanzScaleXYZ;
+    Control TextSigmaXY, TextSignifikanzXY;
+    Control TextSigmaAzimuth, TextSignifikanzAzimuth;
+    Control TextSigmaZtoXY, TextSignifikanzZtoXY;
+    Control TextSigmaRDist, TextSignifikanzRDist;
 
-    Control Option6Parameter = Option("&6 Parameter", 1), Option7Parameter = Option("&7 Parameter", 1),
-            Option9Parameter = Option("&9 Parameter", 1), Option12 = Option("&12 Parameter", 1),
-            OptionHoldLevel = Option("H&old Level", 1);
-    Control OptionL1 = Option("L1", 2), OptionL2 = Option("L2", 2),
-            OptionLoo = Option("Loo - max to min\r\n- in Betta state -", 2);
-    Control CheckMonteCarlo = CheckBox("&Monte Carlo"), CheckAutoRec = CheckBox("&Auto recalculate");
+    Control Option6Parameter, Option7Parameter, Option9Parameter, Option12, OptionHoldLevel;
+    Control OptionL1, OptionL2, OptionLoo;
+    Control CheckMonteCarlo, CheckAutoRec;
 
-    Control BtnCalculate = Button("&Calculate"), BtnSTOP = Disabled(Button("STO&P"));
-    Control BtnSwitchMcsOcs = Button("Sw&itch MCS OCS"), LabelDirection = Label("");
-    Control BtnSEED = Disabled(Button("SEED")), BtnDetails = Button("&Details");
-    Control BtnSecSolution = Button("Second solution"), BtnSecAffSol = Button("Second affine solution"),
-            BtnShowAlternativeRottAff = Disabled(Button("Alternative solution"));
+    Control BtnCalculate, BtnSTOP;
+    Control BtnSwitchMcsOcs, LabelDirection;
+    Control BtnSEED, BtnDetails;
+    Control BtnSecSolution, BtnSecAffSol, BtnShowAlternativeRottAff;
 
     // Quality of the fit, each value with its trend against the calculation before: green has become
     // smaller.
-    Control TextSxyz = Output(), ArrRedSxyz = Arrow("↑"), ArrGreenSxyz = Arrow("↓");
-    Control TextS0 = Output(), ArrRedS0 = Arrow("↑"), ArrGreenS0 = Arrow("↓");
-    Control TextSx = Output(), ArrRedSx = Arrow("↑"), ArrGreenSx = Arrow("↓");
-    Control TextSy = Output(), ArrRedSy = Arrow("↑"), ArrGreenSy = Arrow("↓");
-    Control TextSz = Output(), ArrRedSz = Arrow("↑"), ArrGreenSz = Arrow("↓");
-    Control TextMaxDevxyz = Output(), ArrRedMaxDevxyz = Arrow("↑"), ArrGreenMaxDevxyz = Arrow("↓");
-    Control TextMaxDevX = Output(), ArrRedMaxDevX = Arrow("↑"), ArrGreenMaxDevX = Arrow("↓");
-    Control TextMaxDevY = Output(), ArrRedMaxDevY = Arrow("↑"), ArrGreenMaxDevY = Arrow("↓");
-    Control TextMaxDevZ = Output(), ArrRedMaxDevZ = Arrow("↑"), ArrGreenMaxDevZ = Arrow("↓");
-    Control TextMinDevX = Output(), ArrRedMinDevX = Arrow("↑"), ArrGreenMinDevX = Arrow("↓");
-    Control TextMinDevY = Output(), ArrRedMinDevY = Arrow("↑"), ArrGreenMinDevY = Arrow("↓");
-    Control TextMinDevZ = Output(), ArrRedMinDevZ = Arrow("↑"), ArrGreenMinDevZ = Arrow("↓");
-    Control TextMaxMinX = Output(), ArrRedMaxMinX = Arrow("↑"), ArrGreenMaxMinX = Arrow("↓");
-    Control TextMaxMinY = Output(), ArrRedMaxMinY = Arrow("↑"), ArrGreenMaxMinY = Arrow("↓");
-    Control TextMaxMinZ = Output(), ArrRedMaxMinZ = Arrow("↑"), ArrGreenMaxMinZ = Arrow("↓");
+    Control TextSxyz, ArrRedSxyz, ArrGreenSxyz;
+    Control TextS0, ArrRedS0, ArrGreenS0;
+    Control TextSx, ArrRedSx, ArrGreenSx;
+    Control TextSy, ArrRedSy, ArrGreenSy;
+    Control TextSz, ArrRedSz, ArrGreenSz;
+    Control TextMaxDevxyz, ArrRedMaxDevxyz, ArrGreenMaxDevxyz;
+    Control TextMaxDevX, ArrRedMaxDevX, ArrGreenMaxDevX;
+    Control TextMaxDevY, ArrRedMaxDevY, ArrGreenMaxDevY;
+    Control TextMaxDevZ, ArrRedMaxDevZ, ArrGreenMaxDevZ;
+    Control TextMinDevX, ArrRedMinDevX, ArrGreenMinDevX;
+    Control TextMinDevY, ArrRedMinDevY, ArrGreenMinDevY;
+    Control TextMinDevZ, ArrRedMinDevZ, ArrGreenMinDevZ;
+    Control TextMaxMinX, ArrRedMaxMinX, ArrGreenMaxMinX;
+    Control TextMaxMinY, ArrRedMaxMinY, ArrGreenMaxMinY;
+    Control TextMaxMinZ, ArrRedMaxMinZ, ArrGreenMaxMinZ;
     // The points that these belong to.
-    Control TextMaxDevXYZPkt = Output();
-    Control TextMaxDevXPkt = Output();
-    Control TextMaxDevYPkt = Output();
-    Control TextMaxDevZPkt = Output();
-    Control TextMinDevXPkt = Output();
-    Control TextMinDevYPkt = Output();
-    Control TextMinDevZPkt = Output();
+    Control TextMaxDevXYZPkt;
+    Control TextMaxDevXPkt;
+    Control TextMaxDevYPkt;
+    Control TextMaxDevZPkt;
+    Control TextMinDevXPkt;
+    Control TextMinDevYPkt;
+    Control TextMinDevZPkt;
 
-    Control CheckMeasurement = CheckBox("MCS"), CheckObject = CheckBox("OCS"),
-            CheckDeviation = CheckBox("Deviation");
-    Control BtnUseAllPts = Button("&Use all points");
-    Control Tabelle = Grid(1, 1);
+    Control CheckMeasurement, CheckObject, CheckDeviation;
+    Control BtnUseAllPts;
+    Control Tabelle;
 
     // The menu that the right mouse button opens over the table, and the cells that it stands for as text.
-    Control MenuTabelleCopy = Hidden(Menu("&Copy"));
+    Control MenuTabelleCopy;
     std::string CollectedCells;
 
     PointTable Points;  // what the table shows
@@ -170,29 +165,6 @@ struct FormTrafoBerechnung {
     static void TextMinDevXPkt_DblClick();
     static void TextMinDevYPkt_DblClick();
     static void TextMinDevZPkt_DblClick();
-
-private:
-    static Control Disabled(Control control) {
-        control.Enabled = false;
-        return control;
-    }
-    static Control Field(const char* text) {
-        Control control = TextBox(text);
-        control.SelectsOnFocus = true;
-        return control;
-    }
-    static Control SeedBox() { return Disabled(CheckBox("")); }
-    static Control SeedField() { return Disabled(Field("")); }
-    static Control Output() {
-        Control control = TextBox();
-        control.Locked = true;
-        return control;
-    }
-    static Control Hidden(Control control) {
-        control.Visible = false;
-        return control;
-    }
-    static Control Arrow(const char* shape) { return Hidden(Label(shape)); }
 };
 inline FormTrafoBerechnung TrafoWindow;
 extern const WindowEntry FormTrafoBerechnung_Entry;

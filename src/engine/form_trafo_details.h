@@ -11,20 +11,20 @@ namespace corvinade::engine {
 struct FormTrafoDetails {
     WindowState Window{.Caption = "Details"};
 
-    Control GridRotMatrix = Grid(0, 0), BtnClipR = Button("Copy");
-    Control GridRotXYZ = Grid(1, 1), BtnClipRotXYZ = Button("Copy");
-    Control GridRotZYX = Grid(1, 1), BtnClipRotZYX = Button("Copy");
-    Control GridRotZXY = Grid(1, 1), BtnClipRotZXY = Button("Copy");
-    Control GridRotZXZ = Grid(1, 1), BtnClipRotZXZ = Button("Copy");
-    Control GridRotZYZ = Grid(1, 1), BtnClipRotZYZ = Button("Copy");
-    Control GridHomogen = Grid(0, 0), BtnClipHomogen = Button("Copy");
-    Control GridAffineMatrix = Grid(0, 0), Command1 = Button("Copy");
-    Control GridScaleMatrix = Grid(0, 0), Command2 = Button("Copy");
-    Control GridInverse = Grid(1, 1), Command3 = Button("Copy");
-    Control GridQuat = Grid(0, 1), BtnClipQuat = Button("Copy"), LabelQuat = Label("");
-    Control GridMonteCarlo = Grid(1, 1), BtnClipMonteCarlo = Button("Copy");
-    Control BtnClipALL = Button("Copy &all");
-    Control Check1 = CheckBox("Check for &gimbal lock"), BtnOK = Button("&OK");
+    Control GridRotMatrix, BtnClipR;
+    Control GridRotXYZ, BtnClipRotXYZ;
+    Control GridRotZYX, BtnClipRotZYX;
+    Control GridRotZXY, BtnClipRotZXY;
+    Control GridRotZXZ, BtnClipRotZXZ;
+    Control GridRotZYZ, BtnClipRotZYZ;
+    Control GridHomogen, BtnClipHomogen;
+    Control GridAffineMatrix, Command1;
+    Control GridScaleMatrix, Command2;
+    Control GridInverse, Command3;
+    Control GridQuat, BtnClipQuat, LabelQuat;
+    Control GridMonteCarlo, BtnClipMonteCarlo;
+    Control BtnClipALL;
+    Control Check1, BtnOK;
 
     SolutionDetails Shown;
 

@@ -6,7 +6,6 @@
 #include "core/controller.h"
 #include "core/job.h"
 #include "core/numbers.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"

@@ -66,13 +66,6 @@ void RememberSolution() {
         CalculationWindow.LastSolution[static_cast<std::size_t>(parameter)] = ParameterValue(Job, parameter);
 }
 
-// Which points the pictures show may depend on the result that is about to change.
-void PrepareGraphics() {
-    if (!Main.MenueGraphics.Checked) return;
-    for (const Flag setting : {Settings.DontViewOOT, Settings.ViewOnlyIfTrafo, Settings.ViewOnlyIfNotTrafo})
-        if (IsTrue(setting)) Grafik_Festlegen_Main();
-}
-
 void Calculate() {
     if (IsTrue(Job.IsParaboloid)) {
         CalculateParaboloid();
@@ -105,7 +98,7 @@ void CalculateAndShow() {
     const StopEnabled stoppable;
     const StopRequestTaken stop;
     RememberSolution();
-    PrepareGraphics();
+    ShowNow(What::NextResult);
     if (!WindowIsOpen()) TakeChoiceOfJob();
     const std::uint64_t generation = Run.JobGeneration;
     Calculate();

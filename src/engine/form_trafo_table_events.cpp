@@ -5,7 +5,6 @@
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "engine/calculation_window.h"
 #include "engine/field_number.h"
 #include "engine/seed.h"
@@ -154,10 +153,11 @@ void SetPointGraphicsActive() {
     LookAt(w.Tabelle.Grid);
     const GridState& grid = w.Tabelle.Grid;
     if (grid.Col != kColName || !Main.MenueGraphics.Checked || !Main.MenuVievMainSheet.Checked) return;
-    const int point = PointSeen(grid.Row);
-    if (point == 0) return;
-    MainSheet_ShowPoint(point);
-    SetActivePoint(point);
+    if (CalculationWindow_Point() != 0) ShowNow(What::PointInTable);
+}
+
+int CalculationWindow_Point() {
+    return PointSeen(w.Tabelle.Grid.Row);
 }
 
 void Switch_MaxPoint(const std::string& pointName, const std::string& axis) {

@@ -11,6 +11,7 @@
 #include "fit/chain_search.h"
 #include "fit/corrections.h"
 #include "fit/double_double.h"
+#include "fit/found_values.h"
 #include "fit/handedness.h"
 #include "fit/mirror.h"
 #include "fit/moments.h"
@@ -136,24 +137,6 @@ double RoundingOfSum(const NormRun& fit, const PointMoments& moments) {
     }
     const double each = 8 * kEpsilon * largest;
     return rows * each * each;
-}
-
-void TakeParameters(NormRun& fit, const Solution& solution) {
-    const FitModel& model = fit.Model;
-    for (int k = kTraX; k <= kAngleZtoXY; ++k) {
-        if (model.UnknownOf[At(k)] == 0) continue;
-        double value = solution.Values.Value[At(k)];
-        if (k <= kTraZ) {
-            const int axis = k - kTraX + 1;
-            DoubleDouble sum{solution.Shift(axis), 0};
-            sum.Add(fit.Points.TargetCentre(axis));
-            for (int j = 1; j <= 3; ++j) sum.AddProduct(-solution.M(axis, j), fit.Points.StartCentre(j));
-            value = sum.Value();
-        }
-        fit.Run.Now[k] = value;
-        if (k == kScaleXYZ)
-            for (const int scale : {kScaleX, kScaleY, kScaleZ}) fit.Run.Now[scale] = value;
-    }
 }
 
 // One who seeks: the told run first, then what is better.
@@ -291,7 +274,7 @@ private:
         const bool polished = told && !mirrored_ && IsHere(better);
         const int iterations = fit_.Run.State.Iterations;
         const double before = told ? Sum() : 0;
-        TakeParameters(fit_, better);
+        TakeFoundValues(fit_, better.Values, better.M, better.Shift);
         SettleFit(fit_);
         const FitOutcome settled(fit_);
         const double sum = SumOfSquares(fit_);

@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-#include "fit/double_double.h"
+#include "fit/found_values.h"
 #include "fit/handedness.h"
 #include "fit/mirror.h"
 #include "fit/norms.h"
@@ -78,22 +78,8 @@ void TakeAcross(const std::vector<Vec3>& still, Parameters& parameters) {
 }
 
 void TakeSolution(NormRun& fit, const ToolSolution& solution) {
-    const FitModel& model = fit.Model;
-    for (int k = kTraX; k <= kAngleZtoXY; ++k) {
-        if (model.UnknownOf[At(k)] == 0) continue;
-        double value = solution.Values.Value[At(k)];
-        if (k <= kTraZ) {
-            const int axis = k - kTraX + 1;
-            DoubleDouble sum{solution.Shift(axis), 0};
-            sum.Add(fit.Points.TargetCentre(axis));
-            for (int j = 1; j <= 3; ++j) sum.AddProduct(-solution.M(axis, j), fit.Points.StartCentre(j));
-            value = sum.Value();
-        }
-        fit.Run.Now[k] = value;
-        if (k == kScaleXYZ)
-            for (const int scale : {kScaleX, kScaleY, kScaleZ}) fit.Run.Now[scale] = value;
-    }
-    if (model.ToolFloats)
+    TakeFoundValues(fit, solution.Values, solution.M, solution.Shift);
+    if (fit.Model.ToolFloats)
         for (int k = 1; k <= 3; ++k) fit.Run.Now[kRvecX + k - 1] = solution.Tool(k);
 }
 

@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "fit/best_transformation.h"
-#include "fit/linear_rows.h"
+#include "fit/damped_step.h"
 #include "fit/matrix.h"
 #include "fit/rotations.h"
 #include "fit/small_svd.h"
@@ -209,39 +209,18 @@ std::optional<ChainResult> Climb(const PointMoments& moments, const ChainChoice&
     FollowOneScale(choice, at);
     double gain = climber.Gain(at), damping = 1e-3;
     if (!std::isfinite(gain)) return {};
-    std::vector<double> N, g, damped;
+    std::vector<double> N, g;
     int idle = 0;
     for (int step = 0; step < kMostSteps && idle < 3; ++step) {
         const ChainDerivatives by(choice, at);
         climber.Equations(at, by, N, g);
-        const int u = static_cast<int>(g.size());
-        bool climbed = false;
-        for (int attempt = 0; attempt < 12 && !climbed; ++attempt) {
-            damped = N;
-            for (int k = 0; k < u; ++k) damped[At(k * u + k)] += damping * N[At(k * u + k)] + 1e-300;
-            std::vector<double> x = g;
-            ChainValues to;
-            double better = 0;
-            if (SolveSquare(damped, u, x.data())) {
-                to = climber.Stepped(at, by, x);
-                better = climber.Gain(to);
-            }
-            if (better > gain) {
-                const double grown = better - gain;
-                idle = grown < kStill * std::fabs(better) ? idle + 1 : 0;
-                at = to;
-                gain = better;
-                damping = std::max(damping / 10, 1e-15);
-                climbed = true;
-            } else {
-                damping *= 10;
-            }
-        }
-        if (!climbed) break;
+        const double before = gain;
+        const auto moved = [&](const std::vector<double>& x) { return climber.Stepped(at, by, x); };
+        const auto gainOf = [&climber](const ChainValues& to) { return climber.Gain(to); };
+        if (!StepUp(N, g, moved, gainOf, at, gain, damping)) break;
+        idle = gain - before < kStill * std::fabs(gain) ? idle + 1 : 0;
     }
-    const Vec3 angles = AnglesOf(at.R);
-    if (choice.RotatesFreely())
-        for (int k = 1; k <= 3; ++k) at.Value[At(kRotX + k - 1)] = angles(k);
+    TakeAnglesOfTurns(choice, at);
     return ChainResult{at, gain, Determinant3(MatrixOf(at)) >= 0};
 }
 

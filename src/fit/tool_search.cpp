@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "fit/best_transformation.h"
-#include "fit/linear_rows.h"
+#include "fit/damped_step.h"
 #include "fit/matrix.h"
 #include "fit/rotations.h"
 #include "fit/small_svd.h"
@@ -121,7 +121,7 @@ ToolSolution SolutionOf(const ToolForm& form, const ChainValues& values) {
 
 std::optional<ToolSolution> ClimbTool(const ToolForm& form, const ChainChoice& choice,
                                       const ChainValues& start, double bound, double share) {
-    constexpr int kMostSteps = 300, kMostAttempts = 12;
+    constexpr int kMostSteps = 300;
     const double rounding = form.RoundingNearby();
     ChainValues at = start;
     double gain = form.Gain(MatrixOf(at)), damping = 1e-3;
@@ -139,32 +139,13 @@ std::optional<ToolSolution> ClimbTool(const ToolForm& form, const ChainChoice& c
             for (int j = 0; j <= i; ++j)
                 N[At(i * u + j)] = N[At(j * u + i)] = Product(curved, by.Inner[At(j)]);
         }
-        bool climbed = false;
-        for (int attempt = 0; attempt < kMostAttempts && !climbed; ++attempt) {
-            std::vector<double> damped = N, x = g;
-            for (int k = 0; k < u; ++k) damped[At(k * u + k)] += damping * N[At(k * u + k)] + 1e-300;
-            ChainValues to;
-            double better = 0;
-            bool solved = SolveSquare(std::move(damped), u, x.data());
-            if (solved) {
-                to = MovedInner(choice, at, by, x.data());
-                better = form.Gain(MatrixOf(to));
-            }
-            if (solved && better > gain) {
-                still = better - gain <= share * std::max(0.0, bound - better) + rounding;
-                at = to;
-                gain = better;
-                damping = std::max(damping / 10, 1e-15);
-                climbed = true;
-            } else {
-                damping *= 10;
-            }
-        }
-        if (!climbed) break;
+        const double before = gain;
+        const auto moved = [&](const std::vector<double>& x) { return MovedInner(choice, at, by, x.data()); };
+        const auto gainOf = [&form](const ChainValues& to) { return form.Gain(MatrixOf(to)); };
+        if (!StepUp(N, g, moved, gainOf, at, gain, damping)) break;
+        still = gain - before <= share * std::max(0.0, bound - gain) + rounding;
     }
-    const Vec3 angles = AnglesOf(at.R);
-    if (choice.RotatesFreely())
-        for (int k = 1; k <= 3; ++k) at.Value[At(kRotX + k - 1)] = angles(k);
+    TakeAnglesOfTurns(choice, at);
     return SolutionOf(form, at);
 }
 

@@ -14,13 +14,18 @@ FormBlackPlane& w = BlackPlaneWindow;
 using Dialog = FormBlackPlane;
 
 const ControlEntry kControls[] = {
-    {"CheckActivate", &w.CheckActivate, {.Click = Dialog::CheckActivate_Click}},
-    {"CheckShowBlackPlanes", &w.CheckShowBlackPlanes},
-    {"BtnInit", &w.BtnInit, {.Click = Dialog::BtnInit_Click}},
-    {"LabelKeys", &w.LabelKeys},
-    {"BtnApply", &w.BtnApply, {.Click = Dialog::BtnApply_Click}},
-    {"BtnOK", &w.BtnOK, {.Click = Dialog::BtnOK_Click}},
-    {"BtnCancel", &w.BtnCancel, {.Click = Dialog::BtnCancel_Click}},
+    {"CheckActivate",
+     &w.CheckActivate,
+     CheckBox("&Activate Black Planes"),
+     {.Click = Dialog::CheckActivate_Click}},
+    {"CheckShowBlackPlanes", &w.CheckShowBlackPlanes, CheckBox("&Show Black Planes")},
+    {"BtnInit", &w.BtnInit, Button("&Initialize with Current View"), {.Click = Dialog::BtnInit_Click}},
+    {"LabelKeys", &w.LabelKeys,
+     Label(
+         "In the picture: hold T and drag with the left mouse button to move the slab, hold B and drag to change its thickness.")},
+    {"BtnApply", &w.BtnApply, Button("A&pply"), {.Click = Dialog::BtnApply_Click}},
+    {"BtnOK", &w.BtnOK, Button("&OK"), {.Click = Dialog::BtnOK_Click}},
+    {"BtnCancel", &w.BtnCancel, Button("&Cancel"), {.Click = Dialog::BtnCancel_Click}},
 };
 
 bool IsSet(const Control& check) {

@@ -11,13 +11,11 @@ struct ScreenWindow;
 struct FormBlackPlane {
     WindowState Window{.Caption = "Black Planes"};
 
-    Control CheckActivate = CheckBox("&Activate Black Planes");
-    Control CheckShowBlackPlanes = CheckBox("&Show Black Planes");
-    Control BtnInit = Button("&Initialize with Current View");
-    Control LabelKeys = Label(
-        "In the picture: hold T and drag with the left mouse button to move the slab, hold B and drag to "
-        "change its thickness.");
-    Control BtnApply = Button("A&pply"), BtnOK = Button("&OK"), BtnCancel = Button("&Cancel");
+    Control CheckActivate;
+    Control CheckShowBlackPlanes;
+    Control BtnInit;
+    Control LabelKeys;
+    Control BtnApply, BtnOK, BtnCancel;
 
     // Takes the present view of the active window as the frame of its planes, paints and stores the step.
     static void Initialisieren();

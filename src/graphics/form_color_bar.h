@@ -14,42 +14,42 @@ namespace corvinade::graphics {
 struct FormColorBar {
     WindowState Window{.Caption = "Color Bar"};
 
-    Control FrameClasses = Frame("Tolerance Classes");
-    Control ScreenColorBar = Frame("");  // its picture is made from the Tolerance tables
-    Control LabelTextObereGrenze = Label("Upper Limit"), LabelTextUntereGrenze = Label("Lower Limit");
-    Control TextObereGrenze = TextBox(), TextUntereGrenze = TextBox();  // in the length unit
-    Control LabelUnit1 = Label(""), LabelUnit2 = Label("");             // its name
-    Control BtnSetMaxAsTol = Button("Set Ma&ximum"), BtnSetMinAsTol = Button("Set Mi&nimum");
-    Control CheckSetMinMaxOnChange = CheckBox("Limits follow the &data");
-    Control LabelTextAnzahlTolKlassePos = Label("Classes above 0");
-    Control LabelTextAnzahlTolKlasseNeg = Label("Classes below 0");
-    Control TextAnzahlTolKlassePos = TextBox(), TextAnzahlTolKlasseNeg = TextBox();
-    Control VScrollAnzKlaPos = ScrollBar(1, 100), VScrollAnzKlaNeg = ScrollBar(1, 100);
+    Control FrameClasses;
+    Control ScreenColorBar;  // its picture is made from the Tolerance tables
+    Control LabelTextObereGrenze, LabelTextUntereGrenze;
+    Control TextObereGrenze, TextUntereGrenze;  // in the length unit
+    Control LabelUnit1, LabelUnit2;             // its name
+    Control BtnSetMaxAsTol, BtnSetMinAsTol;
+    Control CheckSetMinMaxOnChange;
+    Control LabelTextAnzahlTolKlassePos;
+    Control LabelTextAnzahlTolKlasseNeg;
+    Control TextAnzahlTolKlassePos, TextAnzahlTolKlasseNeg;
+    Control VScrollAnzKlaPos, VScrollAnzKlaNeg;
 
-    Control FrameComponents = Frame("Components");
-    Control CART = Option("Cartesian", 1), CYL = Option("Cylinder", 1), SPH = Option("Sphere", 1);
-    Control showX = CheckBox(""), showY = CheckBox(""), showZ = CheckBox("");
-    Control ShowXYZ = CheckBox("");  // all three of them
-    Control CheckShowOnlyUsedComponent = CheckBox("Show only &used Components");
+    Control FrameComponents;
+    Control CART, CYL, SPH;
+    Control showX, showY, showZ;
+    Control ShowXYZ;  // all three of them
+    Control CheckShowOnlyUsedComponent;
 
-    Control FrameColor = Frame("Color");
-    Control ColorABS = Option("based on the Length", 2);
-    Control ColorX = Option("", 2), ColorY = Option("", 2), ColorZ = Option("", 2);
-    Control CheckAusserhalbTol = CheckBox("Own Color out of &Tolerance");
-    Control BtnSetOuterColor = Button("Set &Color...");
-    Control LabelOuterColor = Label("");  // shows the colour as its BackColor
-    Control CheckBinärModus = CheckBox("Two Colors (&binary)");
+    Control FrameColor;
+    Control ColorABS;
+    Control ColorX, ColorY, ColorZ;
+    Control CheckAusserhalbTol;
+    Control BtnSetOuterColor;
+    Control LabelOuterColor;  // shows the colour as its BackColor
+    Control CheckBinärModus;
 
-    Control FrameGrid = Frame("Grid");
-    Control CheckShowXY = CheckBox("XY Plane"), CheckShowYZ = CheckBox("YZ Plane");
-    Control CheckShowZX = CheckBox("ZX Plane"), CheckShowGridDim = CheckBox("Show Dimensions");
-    Control LabelTextADis = Label("Distance X [mm]"), LabelTextBDis = Label("Distance Y [mm]");
-    Control LabelTextCDis = Label("Distance Z [mm]");
-    Control TextADis = TextBox(), TextBDis = TextBox(), TextCDis = TextBox();
+    Control FrameGrid;
+    Control CheckShowXY, CheckShowYZ;
+    Control CheckShowZX, CheckShowGridDim;
+    Control LabelTextADis, LabelTextBDis;
+    Control LabelTextCDis;
+    Control TextADis, TextBDis, TextCDis;
 
-    Control CheckAutoApply = CheckBox("&Auto Apply"), CheckSynch = CheckBox("&Synchronize");
-    Control CheckLegend = CheckBox("&Legend");
-    Control BtnApply = Button("A&pply"), BtnOK = Button("&OK");
+    Control CheckAutoApply, CheckSynch;
+    Control CheckLegend;
+    Control BtnApply, BtnOK;
 
     Colour OuterColor = 0;  // as chosen
     // The limits as they were filled in or last read, and the length factor of then; unchanged they are not

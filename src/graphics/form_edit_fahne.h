@@ -11,42 +11,42 @@ namespace corvinade::graphics {
 struct FormEditFahne {
     WindowState Window{.Caption = "Flags"};
 
-    Control FrameRows = Frame("Rows");
-    Control CheckShowOnlyPointNumber = CheckBox("Point &Number only");
-    Control CheckActual = CheckBox("&Actual"), CheckNominal = CheckBox("N&ominal");
-    Control CheckDev = CheckBox("&Deviation"), CheckUse = CheckBox("&Use");
-    Control CheckLegendexyz = CheckBox("&Heading Row"), CheckLegendeName = CheckBox("Na&me Column");
+    Control FrameRows;
+    Control CheckShowOnlyPointNumber;
+    Control CheckActual, CheckNominal;
+    Control CheckDev, CheckUse;
+    Control CheckLegendexyz, CheckLegendeName;
 
-    Control FrameColumns = Frame("Columns");
-    Control CheckX = CheckBox("x"), CheckY = CheckBox("y"), CheckZ = CheckBox("z");
-    Control Check3D = CheckBox("3D Dev.");
-    Control CheckR = CheckBox("R"), CheckPhi = CheckBox("Phi");
-    Control CheckRho = CheckBox("Rho"), CheckTheta = CheckBox("Theta");
+    Control FrameColumns;
+    Control CheckX, CheckY, CheckZ;
+    Control Check3D;
+    Control CheckR, CheckPhi;
+    Control CheckRho, CheckTheta;
 
-    Control FrameLook = Frame("Look");
-    Control CheckSetTolCol = CheckBox("&Tolerance Color");
-    Control CheckGrid = CheckBox("&Grid Lines");
-    Control CheckFlagWithinScreen = CheckBox("Only while the Point is in the &Picture");
-    Control CmdFonts = Button("&Font...");
-    Control CheckSnaptoGrid = CheckBox("&Snap to Grid");
-    Control LabelGridLength = Label("Grid Length [Pixel]");
-    Control TextGridLength = TextBox();
-    Control VScroll1 = ScrollBar(10, 1000);
+    Control FrameLook;
+    Control CheckSetTolCol;
+    Control CheckGrid;
+    Control CheckFlagWithinScreen;
+    Control CmdFonts;
+    Control CheckSnaptoGrid;
+    Control LabelGridLength;
+    Control TextGridLength;
+    Control VScroll1;
 
-    Control FramePlace = Frame("Place");
-    Control OptionPlaceClose = Option("&Close to the Point", 1);
-    Control OptionPlaceRadial = Option("&Radial, Factor", 1);
-    Control TextFaktor = TextBox("1.50");
-    Control OptionPlaceBorder = Option("At the &Border", 1);
-    Control OptionSpeziale = Option("Stac&ked at the nearest Side", 1);
-    Control CheckPutAll = CheckBox("Flags to all Po&ints");
-    Control CheckPutToEvery = CheckBox("Only to e&very n-th, n =");
-    Control TextFlagOnEvery = TextBox("2.00");
+    Control FramePlace;
+    Control OptionPlaceClose;
+    Control OptionPlaceRadial;
+    Control TextFaktor;
+    Control OptionPlaceBorder;
+    Control OptionSpeziale;
+    Control CheckPutAll;
+    Control CheckPutToEvery;
+    Control TextFlagOnEvery;
 
-    Control CheckChangeAll = CheckBox("Change all F&lags");
-    Control BtnFahneLöschen = Button("D&elete Flag");
-    Control BtnAlleLöschen = Button("Delete All");
-    Control BtnOK = Button("OK"), BtnCancel = Button("Cancel");
+    Control CheckChangeAll;
+    Control BtnFahneLöschen;
+    Control BtnAlleLöschen;
+    Control BtnOK, BtnCancel;
 
     std::uint64_t Screen = 0;  // Id of the graphics window that it was opened for
     FlagRecord Record;         // font and all that has no control, as it was opened

@@ -9,31 +9,31 @@ namespace corvinade::graphics {
 struct FormGraphicsOptions {
     WindowState Window{.Caption = "Graphics Settings"};
 
-    Control FramePoints = Frame("Points shown");
-    Control CheckPlotOCSIdent = CheckBox("&OCS points with a partner");
-    Control CheckPlotMCSIdent = CheckBox("&MCS points with a partner");
-    Control CheckPlotOnlyOCS = CheckBox("Points that only OC&S has");
-    Control CheckPlotOnlyMCS = CheckBox("Points that only MCS &has");
-    Control CheckViewOnlyTrafo = CheckBox("Also points that are &used in the transformation");
-    Control CheckViewOnlyNotTrafo = CheckBox("Also points that are &not in use");
-    Control CheckDontViewOOT = CheckBox("Hide points out of &tolerance");
+    Control FramePoints;
+    Control CheckPlotOCSIdent;
+    Control CheckPlotMCSIdent;
+    Control CheckPlotOnlyOCS;
+    Control CheckPlotOnlyMCS;
+    Control CheckViewOnlyTrafo;
+    Control CheckViewOnlyNotTrafo;
+    Control CheckDontViewOOT;
 
-    Control FrameLook = Frame("Look");
-    Control CheckShowPointsBigger = CheckBox("Near points &bigger");
-    Control CheckShowPointNames = CheckBox("&Point names");
-    Control CheckShowCoordinateSystemLabels = CheckBox("&Labels of the axes");
-    Control CheckShowColorBar = CheckBox("&Color bar");
-    Control BtnLabelFont = Button("Label &Font...");
+    Control FrameLook;
+    Control CheckShowPointsBigger;
+    Control CheckShowPointNames;
+    Control CheckShowCoordinateSystemLabels;
+    Control CheckShowColorBar;
+    Control BtnLabelFont;
 
-    Control FrameVectors = Frame("Vectors");
-    Control OptionVecDeviation = Option("Show the &deviation", 1);
-    Control OptionVecCorrection = Option("Show the correct&ion", 1);
-    Control CheckVectorThick = CheckBox("As &wide as the points");
-    Control CheckVectorQuat = CheckBox("&Quaternion axis");
-    Control CheckShowRDistVec = CheckBox("&R vectors");
+    Control FrameVectors;
+    Control OptionVecDeviation;
+    Control OptionVecCorrection;
+    Control CheckVectorThick;
+    Control CheckVectorQuat;
+    Control CheckShowRDistVec;
 
-    Control CheckAutoUpdate = CheckBox("Auto Updat&e");
-    Control BtnApply = Button("&Apply"), BtnOK = Button("OK"), BtnCancel = Button("Cancel");
+    Control CheckAutoUpdate;
+    Control BtnApply, BtnOK, BtnCancel;
 
     // Takes the switches from the controls, writes them to the settings file in one go and paints all
     // graphics windows anew. Reads and writes Job, Settings.

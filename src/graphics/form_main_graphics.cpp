@@ -1,4 +1,6 @@
 // The entries and tool bar keys of the main window that act on the graphics window on top.
+#include "graphics/form_main_graphics.h"
+
 #include <algorithm>
 
 #include "core/controller.h"
@@ -54,96 +56,92 @@ void Toggle(Flag ScreenRecord::*mode) {
 
 }  // namespace
 
-}  // namespace corvinade::graphics
-
-namespace corvinade::core {
-
-void FormMain::MenueGraphics_Click() {
+void MenueGraphics_Click() {
     ShowBindingsOnce(OpenScreenWindow());
 }
 
-void FormMain::MenüAnsichtAnpassen_Click() {
+void MenüAnsichtAnpassen_Click() {
     OnTop(GrafikAnpassen);
 }
-void FormMain::MenüAnsichtcenter_Click() {
+void MenüAnsichtcenter_Click() {
     OnTop([](ScreenWindow& window) {
         Center(window);
         Stelle_Grafik_dar(window);
     });
 }
-void FormMain::MenüAnsichtTopview_Click() {
+void MenüAnsichtTopview_Click() {
     OnTop(TopView);
 }
-void FormMain::MenüAnsichtSideView_Click() {
+void MenüAnsichtSideView_Click() {
     OnTop(SideView);
 }
-void FormMain::MenüAnsichtFrontView_Click() {
+void MenüAnsichtFrontView_Click() {
     OnTop(FrontView);
 }
-void FormMain::MenüAnsichtIsometricView_Click() {
+void MenüAnsichtIsometricView_Click() {
     OnTop(IsoView);
 }
-void FormMain::ToolbarGraphics_ZoomIn_Click() {
+void ToolbarGraphics_ZoomIn_Click() {
     OnTop(ZoomIn);
 }
-void FormMain::ToolbarGraphics_ZoomOut_Click() {
+void ToolbarGraphics_ZoomOut_Click() {
     OnTop(ZoomOut);
 }
 
-void FormMain::MenüAnsichtPunkteBigger_Click() {
+void MenüAnsichtPunkteBigger_Click() {
     OnTop([](const ScreenWindow& window) { SetBigNess(window.State.BigNess + 1); });
 }
-void FormMain::MenüAnsichtPunkteSmaller_Click() {
+void MenüAnsichtPunkteSmaller_Click() {
     OnTop([](const ScreenWindow& window) { SetBigNess(window.State.BigNess - 1); });
 }
-void FormMain::MenüAnsichtPunkteSmallPoints_Click() {
+void MenüAnsichtPunkteSmallPoints_Click() {
     SetBigNess(1);
 }
 
-void FormMain::MenüAnsichtVektorenVektorModeActive_Click() {
+void MenüAnsichtVektorenVektorModeActive_Click() {
     Toggle(&ScreenRecord::VectorMode);
 }
-void FormMain::MenüAnsichtVektorenLonger_Click() {
+void MenüAnsichtVektorenLonger_Click() {
     OnTop(Vec_Maßstab_longer);
 }
-void FormMain::MenüAnsichtVektorenShorter_Click() {
+void MenüAnsichtVektorenShorter_Click() {
     OnTop(Vec_Maßstab_shorter);
 }
 
-void FormMain::MenüAnsichtAnalyseModeActive_Click() {
+void MenüAnsichtAnalyseModeActive_Click() {
     OnTop(ToggleAnalyseMode);
 }
-void FormMain::MenüAnsichtAnalyseKeepPoints_Click() {
+void MenüAnsichtAnalyseKeepPoints_Click() {
     Main.MenüAnsichtAnalyseKeepPoints.Checked = !Main.MenüAnsichtAnalyseKeepPoints.Checked;
 }
-void FormMain::MenüAnsichtAnalyseModeMore_Click() {
+void MenüAnsichtAnalyseModeMore_Click() {
     OnTop(Vec_Maßstab_longer);
 }
-void FormMain::MenüAnsichtAnalyseModeLess_Click() {
+void MenüAnsichtAnalyseModeLess_Click() {
     OnTop(Vec_Maßstab_shorter);
 }
 
-void FormMain::MenüAnsichtToleranzenColorbar_Click() {
+void MenüAnsichtToleranzenColorbar_Click() {
     Settings.ShowColorBar = ToFlag(!IsTrue(Settings.ShowColorBar));
     Main.MenüAnsichtToleranzenColorbar.Checked = IsTrue(Settings.ShowColorBar);
     DrawActualPoint(findLFDFORM());  // the switch is that of all windows
     GraphicsOptions_ShowColorBar();
     SettingsSchreiben({"ShowColorBar"});
 }
-void FormMain::MenüAnsichtToleranzenEinstellungen_Click() {
+void MenüAnsichtToleranzenEinstellungen_Click() {
     ShowWindow("FormColorBar");
 }
-void FormMain::MenüGrafikBlackPlane_Click() {
+void MenüGrafikBlackPlane_Click() {
     ShowWindow("FormBlackPlane");
 }
-void FormMain::MenüGraphicsPrint_Click() {
+void MenüGraphicsPrint_Click() {
     MenüGraphicsPrint_Command();
 }
 
-void FormMain::MenüGraphicsLinesLineModeActive_Click() {
+void MenüGraphicsLinesLineModeActive_Click() {
     Toggle(&ScreenRecord::LineMode);
 }
-void FormMain::MenüGraphicsLinesSetLines_Click() {
+void MenüGraphicsLinesSetLines_Click() {
     OnTop([](ScreenWindow& window) {
         window.SetLine = !window.SetLine;
         if (window.SetLine) window.DeleteLine = false;
@@ -152,7 +150,7 @@ void FormMain::MenüGraphicsLinesSetLines_Click() {
         Stelle_Grafik_dar(window);
     });
 }
-void FormMain::MenüGraphicsLinesDeleteLines_Click() {
+void MenüGraphicsLinesDeleteLines_Click() {
     OnTop([](ScreenWindow& window) {
         window.DeleteLine = !window.DeleteLine;
         if (window.DeleteLine) window.SetLine = false;
@@ -163,37 +161,37 @@ void FormMain::MenüGraphicsLinesDeleteLines_Click() {
     });
 }
 
-void FormMain::MenüGlobalRotateAbout_Click() {
+void MenüGlobalRotateAbout_Click() {
     Main.MenüGlobalRotateAbout.Checked = !Main.MenüGlobalRotateAbout.Checked;
     Main.ToolbarGraphics_RotateAbout.Value = Main.MenüGlobalRotateAbout.Checked ? 1 : 0;
     Scene.RotateAboutArmed = Main.MenüGlobalRotateAbout.Checked;
     if (Scene.RotateAboutArmed) Scene.RotateAboutIndex = 0;  // until a point is picked
 }
-void FormMain::MenüGlobalFlagsMode_Click() {
+void MenüGlobalFlagsMode_Click() {
     Toggle(&ScreenRecord::FlagMode);
 }
-void FormMain::MenüGlobalGeneralGraphicsSettings_Click() {
+void MenüGlobalGeneralGraphicsSettings_Click() {
     ShowWindow("FormGraphicsOptions");
 }
 
 // One flag follows the mouse; without the entry there is none.
-void FormMain::MenüAnsichtDynamicFlag_Click() {
+void MenüAnsichtDynamicFlag_Click() {
     Main.MenüAnsichtDynamicFlag.Checked = !Main.MenüAnsichtDynamicFlag.Checked;
     if (Main.MenüAnsichtDynamicFlag.Checked) return;
     for (const auto& window : Screens().Open) DynamicFlagTo(*window, 0);
 }
-void FormMain::MenuFahneEdit_Click() {
+void MenuFahneEdit_Click() {
     Main.MenuFahne.Value = 0;
     if (findLFDFORM() == nullptr) return;
     // An open one shows the flag that was clicked last.
     if (EditFahneWindow.Window.Loaded) FormEditFahne::Form_Load();
     ShowWindow("FormEditFahne");
 }
-void FormMain::MenuFahneCopy_Click() {
+void MenuFahneCopy_Click() {
     Main.MenuFahne.Value = 0;
     MenuFahneCopy_Command();
 }
-void FormMain::MenuFahneDelete_Click() {
+void MenuFahneDelete_Click() {
     Main.MenuFahne.Value = 0;
     OnTop([](ScreenWindow& window) {
         if (window.State.ActiveFlag == 0) return;
@@ -202,29 +200,29 @@ void FormMain::MenuFahneDelete_Click() {
     });
 }
 
-void FormMain::MenüViewSaveView_Click() {
+void MenüViewSaveView_Click() {
     OnTop(SaveView);
 }
-void FormMain::MenüViewDeleteView_Click() {
+void MenüViewDeleteView_Click() {
     if (Main.ComboSaveView.Index >= 0)
         DeleteView(Main.ComboSaveView.Index + 1);
     else
         ShowMessage("Choose a saved view in the list of the tool bar; it is deleted then.");
 }
-void FormMain::ComboSaveView_Click() {
+void ComboSaveView_Click() {
     const int chosen = Main.ComboSaveView.Index + 1;
     if (chosen >= 1)
         OnTop([chosen](ScreenWindow& window) { GetScreenPropertiesFromSavedView(window, chosen); });
 }
-void FormMain::MenüViewLastView_Click() {
+void MenüViewLastView_Click() {
     OnTop(Rückgängig_Back);
 }
-void FormMain::MenüViewNextView_Click() {
+void MenüViewNextView_Click() {
     OnTop(Rückgängig_Force);
 }
 
-void FormMain::MenuHelpBindings_Click() {
+void MenuHelpBindings_Click() {
     OnTop(ToggleBindingsOverlay);
 }
 
-}  // namespace corvinade::core
+}  // namespace corvinade::graphics

@@ -13,10 +13,10 @@ namespace {
 FormSaveView& w = SaveViewWindow;
 
 const ControlEntry kControls[] = {
-    {"ListViews", &w.ListViews, {.Click = FormSaveView::ListViews_Click}},
-    {"TextNewName", &w.TextNewName},
-    {"BtnOK", &w.BtnOK, {.Click = FormSaveView::BtnOK_Click}},
-    {"BtnAbbrechen", &w.BtnAbbrechen, {.Click = FormSaveView::BtnAbbrechen_Click}},
+    {"ListViews", &w.ListViews, ComboBox(), {.Click = FormSaveView::ListViews_Click}},
+    {"TextNewName", &w.TextNewName, TextBox()},
+    {"BtnOK", &w.BtnOK, Button("&OK"), {.Click = FormSaveView::BtnOK_Click}},
+    {"BtnAbbrechen", &w.BtnAbbrechen, Button("&Cancel"), {.Click = FormSaveView::BtnAbbrechen_Click}},
 };
 
 bool IsInUse(const std::string& name) {

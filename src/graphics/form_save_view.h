@@ -11,10 +11,10 @@ namespace corvinade::graphics {
 struct FormSaveView {
     WindowState Window{.Caption = "Save View"};
 
-    Control ListViews = ComboBox();  // the names that there are
-    Control TextNewName = TextBox();
-    Control BtnOK = Button("&OK");
-    Control BtnAbbrechen = Button("&Cancel");
+    Control ListViews;  // the names that there are
+    Control TextNewName;
+    Control BtnOK;
+    Control BtnAbbrechen;
 
     static void Form_Load();
     static void ListViews_Click();

@@ -1,12 +1,17 @@
 // What the graphics windows show of a change, and what the main window shows of them.
 #include "graphics/graphics_refresh.h"
 
+#include <string_view>
+#include <vector>
+
+#include "analysis/form_main_sheet.h"
 #include "core/form_main.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
+#include "engine/calculation_window.h"
 #include "graphics/drawing.h"
 #include "graphics/flags.h"
+#include "graphics/picking.h"
 #include "graphics/scene.h"
 #include "graphics/screen_window.h"
 #include "graphics/view_undo.h"
@@ -84,10 +89,41 @@ void ShowTopWindow(What) {
     ShowUndoState();  // the main window has just enabled its tool bars as a whole
 }
 
+// Which points the pictures show may depend on the result that is about to change.
+void TakeLastResult(What) {
+    if (!Main.MenueGraphics.Checked) return;
+    for (const Flag setting : {Settings.DontViewOOT, Settings.ViewOnlyIfTrafo, Settings.ViewOnlyIfNotTrafo})
+        if (IsTrue(setting)) Grafik_Festlegen_Main();
+}
+
+void ShowPoint(What changed) {
+    SetActivePoint(Share(changed, What::PointInTable) ? CalculationWindow_Point() : MainSheet_Pair());
+}
+
+void CloseAll(What) {
+    CloseAllGraphicsWindows();
+}
+
+// The look of the last window is that of the next run.
+void StoreDefaults(What) {
+    if (!GraphicsDefaultsTaken()) return;
+    std::vector<IniLine> lines;
+    for (const SettingEntry& entry : AllSettings()) {
+        const std::string_view section = entry.Section;
+        const bool wanted = section == "LocalGraphics" || (section == "FahnenProp" && Settings.FlagDefined);
+        if (wanted) lines.push_back({entry.Section, entry.Key, SettingText(entry.Key)});
+    }
+    IniWerteSchreiben(lines);
+}
+
 constexpr ChangeRow kChanges[] = {
     {kPictureChanges | What::Result, Turn::Pictures, ShowPictures},
     {What::Use, Turn::Flags, ShowUse},
     {kStateOfJob, Turn::TopWindow, ShowTopWindow},
+    {What::PointInTable | What::PointInSheet, Turn::PointInPictures, ShowPoint},
+    {What::NextResult, Turn::LastResult, TakeLastResult},
+    {What::NoPictures, Turn::ClosedPictures, CloseAll},
+    {What::ProgramEnd, Turn::PictureDefaults, StoreDefaults},
 };
 
 }  // namespace

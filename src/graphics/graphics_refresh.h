@@ -13,4 +13,8 @@ std::span<const ChangeRow> GraphicsChanges();  // the room's rows in the table o
 void UpdateAllGraphicsWindows();     // recomputes and redraws all of them where the job holds points
 void DrawResultInGraphicsWindows();  // the same, whatever the job holds
 
+void CloseAllGraphicsWindows();
+void Grafik_Festlegen_Main();  // recomputes what the first graphics window shows
+bool GraphicsDefaultsTaken();  // a graphics window has set the grid spacing, so its defaults are stored
+
 }  // namespace corvinade::graphics

@@ -7,7 +7,6 @@
 #include <limits>
 
 #include "analysis/form_main_sheet.h"
-#include "core/refresh.h"
 #include "fit/any_vectors.h"
 #include "fit/require.h"
 #include "graphics/black_planes.h"

@@ -24,6 +24,10 @@ int IndexMainSheet(int row);
 // a point will be about it.
 void TakeActualPoint(int row);
 
+// Makes an identical point the actual one, by its number, and paints all pictures; nothing where there is
+// none.
+void SetActivePoint(int point);
+
 // Puts the main sheet's cursor point into the pictures of all windows; that of `first`, which may be null,
 // before the others.
 void DrawActualPoint(ScreenWindow* first = nullptr);

@@ -1,5 +1,7 @@
 // The round trip through the clipboard: a table of pairs becomes a job, and its result comes behind the
 // table.
+#include "import/clipboard_round_trip.h"
+
 #include <algorithm>
 #include <array>
 
@@ -8,7 +10,6 @@
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"

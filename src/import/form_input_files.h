@@ -13,52 +13,52 @@ namespace corvinade::import {
 struct FormInputFiles {
     WindowState Window{.Caption = "Input Files"};
 
-    Control FrameMCS = Frame("Start system (MCS)");
-    Control TextNameMCS = TextBox();
-    Control BtnBrowseMCS = Button("&Browse...");
-    Control BtnEditMCS = Button("&Edit");
-    Control BtnExploreMCS = Button("E&xplore");
-    Control BtnMCSfromClip = Button("from &Clipboard");
-    Control LabelRenameMCS = Label("Name of the system");
-    Control TextRenameMCS = TextBox();
+    Control FrameMCS;
+    Control TextNameMCS;
+    Control BtnBrowseMCS;
+    Control BtnEditMCS;
+    Control BtnExploreMCS;
+    Control BtnMCSfromClip;
+    Control LabelRenameMCS;
+    Control TextRenameMCS;
 
-    Control FrameOCS = Frame("Target system (OCS)");
-    Control ComboOCS_Data = ComboBox();
-    Control TextNameOCS = TextBox();
-    Control ButtonBrowseOCS = Button("B&rowse...");
-    Control BtnEditOCS = Button("E&dit");
-    Control BtnExploreOCS = Button("Ex&plore");
-    Control BtnOCSfromClip = Button("from C&lipboard");
-    Control LabelRenameOCS = Label("Name of the system");
-    Control TextRenameOCS = TextBox();
+    Control FrameOCS;
+    Control ComboOCS_Data;
+    Control TextNameOCS;
+    Control ButtonBrowseOCS;
+    Control BtnEditOCS;
+    Control BtnExploreOCS;
+    Control BtnOCSfromClip;
+    Control LabelRenameOCS;
+    Control TextRenameOCS;
 
-    Control FrameIdentify = Frame("Identical points");
-    Control OptionByID = Option("by &ID", 1);
-    Control OptionByCoordinate = Option("by c&oordinate", 1);
-    Control OptionByDis = Option("by di&stance", 1);
-    Control CheckRenameMCS = CheckBox("rename points in the &MCS file");
-    Control CheckRenameOCS = CheckBox("rename points in the OCS &file");
-    Control CheckUseOnlyFirst = CheckBox("use only some OCS points");
-    Control LabelMaxOCS1 = Label("use only the first");
-    Control TextMaxOCS = TextBox("100");
-    Control LabelMaxOCS2 = Label("points of the OCS file");
+    Control FrameIdentify;
+    Control OptionByID;
+    Control OptionByCoordinate;
+    Control OptionByDis;
+    Control CheckRenameMCS;
+    Control CheckRenameOCS;
+    Control CheckUseOnlyFirst;
+    Control LabelMaxOCS1;
+    Control TextMaxOCS;
+    Control LabelMaxOCS2;
 
-    Control FrameMoreMCS = Frame("Add points to the start system");
-    Control TextNameMoreMCS = TextBox();
-    Control BtnBrowseMoreMCS = Button("Bro&wse...");
-    Control BtnEditMoreMCS = Button("Edi&t");
-    Control BtnExploreMoreMCS = Button("Explore");
-    Control BtnMoreMCSClip = Button("from Clipboard");
-    Control OptionPrefix = Option("Prefix", 2);
-    Control Option2 = Option("S&uffix", 2);
-    Control TextPreSuff = TextBox();
-    Control BtnImportMoreMCS = Button("Add poi&nts");
+    Control FrameMoreMCS;
+    Control TextNameMoreMCS;
+    Control BtnBrowseMoreMCS;
+    Control BtnEditMoreMCS;
+    Control BtnExploreMoreMCS;
+    Control BtnMoreMCSClip;
+    Control OptionPrefix;
+    Control Option2;
+    Control TextPreSuff;
+    Control BtnImportMoreMCS;
 
-    Control Command2 = Button("Bundle file...");
-    Control BtnSpezial = Button("Spezial");
-    Control BtnOK = Button("OK");
-    Control BtnApply = Button("&Apply");
-    Control BtnCancel = Button("Cancel");
+    Control Command2;
+    Control BtnSpezial;
+    Control BtnOK;
+    Control BtnApply;
+    Control BtnCancel;
 
     std::string BundleFile;  // a bundle input file that the next import reads in place of two point files
 

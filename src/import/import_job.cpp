@@ -345,7 +345,7 @@ ImportOutcome Import(const ImportRequest& request) {
             return leaveJob();
         if (IsTrue(Run.ColorBarOpen)) UnloadWindow("FormColorBar");
         Initialisieren();
-        CloseAllGraphicsWindows();
+        ShowNow(What::NoPictures);
     }
     if (request.StartPath.empty()) {
         ShowMessage("There is no file for the MCS ");

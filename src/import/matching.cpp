@@ -11,7 +11,6 @@
 
 #include "core/job.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/text.h"
 #include "engine/calculation_window.h"

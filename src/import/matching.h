@@ -26,6 +26,11 @@ void SortForIdentPts();
 // Counts anew: every point of both sets, and as pairs the positions at which both have the same name.
 void GetInfoFromData();
 
+// Makes the transformed points those of the start, and sizes RVec* and UseFlags (whose content stays) by the
+// pairs. A job that the calculation window has marked as switched is switched again. An import that is
+// cancelled meanwhile leaves all of them as they were.
+void IdentischePkte_Neu();
+
 // Pairs each start point, in their order, with the nearest target point that is still free and nearer
 // than Run.Etta once the start point is transformed with the parameters of the job. Paired points get
 // equal names as the options say; Job.Pairs() counts them. The points stay where they are, so that the count

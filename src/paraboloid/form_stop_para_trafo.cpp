@@ -9,9 +9,10 @@ namespace corvinade::paraboloid {
 namespace {
 
 const ControlEntry kControls[] = {
-    {"LabelStopParaTrafo", &StopParaTrafo.LabelStopParaTrafo},
+    {"LabelStopParaTrafo", &StopParaTrafo.LabelStopParaTrafo, Label("Fitting the points to the shape...")},
     {"BtnStopParaTrafo",
      &StopParaTrafo.BtnStopParaTrafo,
+     Button("&STOP"),
      {.Click = FormStopParaTrafo::BtnStopParaTrafo_Click}},
 };
 

@@ -9,8 +9,8 @@ namespace corvinade::paraboloid {
 struct FormStopParaTrafo {
     WindowState Window{.Caption = "Paraboloid"};
 
-    Control LabelStopParaTrafo = Label("Fitting the points to the shape...");
-    Control BtnStopParaTrafo = Button("&STOP");
+    Control LabelStopParaTrafo;
+    Control BtnStopParaTrafo;
 
     static void BtnStopParaTrafo_Click();
     static void Form_Unload();

@@ -6,6 +6,7 @@
 #include "core/form_units.h"
 #include "core/window.h"
 #include "engine/calculation_window.h"
+#include "graphics/graphics_refresh.h"
 #include "graphics/screen_window.h"
 
 using namespace corvinade;

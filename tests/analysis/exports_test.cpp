@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "analysis/form_main_exports.h"
 #include "cli/headless.h"
 #include "core/controller.h"
 #include "core/files.h"
@@ -314,8 +315,8 @@ TEST_F(Exports, NoFileNameEndsTheExport) {
 
 TEST_F(Exports, WithoutACalculationThereIsNothingToExport) {
     Run.TrafoValid = kFalse;
-    FormMain::MenueFileExportRobCad_Click();
-    FormMain::MenueFileExportROCAL_Click();
+    MenueFileExportRobCad_Click();
+    MenueFileExportROCAL_Click();
     EXPECT_EQ(Messages(), (std::vector<std::string>{"You must make a calculation to export a *.rf File",
                                                     "You must make a calculation to export a *.bas File"}));
 }

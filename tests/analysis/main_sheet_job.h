@@ -3,7 +3,6 @@
 
 #include "analysis/form_main_sheet.h"
 #include "core/numbers.h"
-#include "core/refresh.h"
 #include "core/settings.h"
 #include "engine/calculation_job.h"
 

@@ -16,13 +16,14 @@
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/settings.h"
 #include "engine/form_trafo_berechnung.h"
 #include "graphics/analyse_mode.h"
 #include "graphics/drawing.h"
 #include "graphics/flags.h"
+#include "graphics/form_main_graphics.h"
 #include "graphics/form_save_view.h"
+#include "graphics/graphics_refresh.h"
 #include "graphics/picking.h"
 #include "graphics/scene.h"
 #include "graphics/screen_events.h"
@@ -174,7 +175,7 @@ protected:
             Headless.Clipboard.clear();
         }
         if (name.starts_with("MenuFahne") && name != "MenuFahneEdit") {
-            FormMain::MenüGlobalFlagsMode_Click();
+            MenüGlobalFlagsMode_Click();
             ScreenWindow& window = *findLFDFORM();
             window.State.ActiveFlag = static_cast<std::int16_t>(AddFlag(window, 1, 10, 10));
             ShowFlagCommands();

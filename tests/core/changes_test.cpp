@@ -88,6 +88,19 @@ TEST_F(ChangeTable, EachRowRunsOnceBehindTheOutermostHandlerInTheOneOrder) {
     EXPECT_EQ(Happened(), (Texts{"inner", "sheet", "commands and counts"}));
 }
 
+TEST_F(ChangeTable, WhatIsShownAtOnceRunsItsOwnRowsAndLeavesTheRestForTheEnd) {
+    Dispatch([] {
+        Changed(What::Points);
+        ShowNow(What::Counts);
+        Say("goes on");
+        ShowNow(What::Use);  // nobody follows
+    });
+    EXPECT_EQ(Happened(), (Texts{"sheet", "goes on", "table", "sheet", "fields", "commands"}));
+    ShowNow(What::Coordinates | What::Result);
+    EXPECT_EQ(Happened(), (Texts{"table", "commands"}));
+    EXPECT_TRUE(Changes.Pending == What::Nothing);
+}
+
 TEST_F(ChangeTable, AHandlerThatEndsByAnErrorShowsWhatItHadChanged) {
     EXPECT_FALSE(Dispatch([] {
         Changed(What::Coordinates);
@@ -190,6 +203,6 @@ TEST(AllChangeRows, EachHasATurnOfItsOwnAndEveryChangeARow) {
     ASSERT_FALSE(rows.empty());
     EXPECT_EQ(rows.back().Place, Turn::Statistic);
     for (auto change = static_cast<std::uint32_t>(What::OpenedJob);
-         change <= static_cast<std::uint32_t>(What::State); change <<= 1U)
+         change <= static_cast<std::uint32_t>(What::ProgramEnd); change <<= 1U)
         EXPECT_TRUE(Share(covered, static_cast<What>(change))) << change;
 }

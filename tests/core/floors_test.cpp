@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <regex>
 #include <set>
@@ -201,6 +202,61 @@ TEST(Floors, AnIncludeThatRunsUpIsSeen) {
     EXPECT_NE(Objection({"core/a.cpp", "unistd.h", false}), "");
     EXPECT_NE(Objection({"core/a.cpp", "b.h", true}), "");
     EXPECT_NE(Objection({"misc/a.cpp", "core/b.h", true}), "");
+}
+
+// A room says names of its own; of a room below it may name a class. What it said of one above would be a way
+// to call upwards.
+TEST(Floors, NoFileSaysNamesOfARoomAbove) {
+    std::set<std::string> above;
+    int seen = 0;
+    static const std::regex kNamespace("namespace corvinade::([a-z]+) \\{");
+    for (const fs::path& path : FilesBelow(kSource / "src")) {
+        const std::string file = fs::relative(path, kSource / "src").generic_string(), room = RoomOf(file);
+        if (!IsSource(path) || room.empty()) continue;
+        const std::string text = Contents(path.string());
+        for (std::sregex_iterator found(text.begin(), text.end(), kNamespace), end; found != end; ++found) {
+            const std::string of = (*found)[1];
+            if (of != room && FloorOf(of) >= FloorOf(room)) above.insert(file);
+            ++seen;
+        }
+    }
+    // What an import and a calculation set going where a job has a shape or a network.
+    EXPECT_EQ(above, std::set<std::string>{"core/refresh.h"});
+    EXPECT_GT(seen, 500);
+}
+
+// The files of the first circle of includes that there is, in their order; empty where there is none.
+std::vector<std::string> CircleOf(const std::map<std::string, std::set<std::string>>& included) {
+    std::set<std::string> done;
+    std::vector<std::string> way;
+    const std::function<bool(const std::string&)> closes = [&](const std::string& file) {
+        if (done.contains(file)) return false;
+        const auto before = std::find(way.begin(), way.end(), file);
+        if (before != way.end()) {
+            way.erase(way.begin(), before);
+            return true;
+        }
+        way.push_back(file);
+        if (const auto found = included.find(file); found != included.end())
+            for (const std::string& next : found->second)
+                if (closes(next)) return true;
+        way.pop_back();
+        done.insert(file);
+        return false;
+    };
+    for (const auto& [file, names] : included)
+        if (closes(file)) return way;
+    return {};
+}
+
+TEST(Floors, NoFilesIncludeEachOtherInACircle) {
+    std::map<std::string, std::set<std::string>> included;
+    for (const Include& include : AllIncludes())
+        if (include.Quoted) included[include.File].insert(include.Name);
+    EXPECT_EQ(CircleOf(included), std::vector<std::string>{});
+    EXPECT_EQ(CircleOf({{"a", {"b"}}, {"b", {"c", "d"}}, {"d", {"e", "b"}}}),
+              (std::vector<std::string>{"b", "d"}));
+    EXPECT_EQ(CircleOf({{"a", {"b", "c"}}, {"b", {"c"}}}), std::vector<std::string>{});
 }
 
 // Of rooms above core/; that these stand on core/ and fit/ the drawing tells in the boxes.

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "graphics/black_planes_window.h"
+#include "graphics/graphics_refresh.h"
 #include "graphics/view_undo.h"
 
 using namespace corvinade;

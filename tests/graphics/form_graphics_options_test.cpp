@@ -8,10 +8,10 @@
 #include "core/controller.h"
 #include "core/files.h"
 #include "core/form_main.h"
-#include "core/refresh.h"
 #include "core/settings.h"
 #include "engine/selection.h"
 #include "graphics/drawing_job.h"
+#include "graphics/graphics_refresh.h"
 
 using namespace corvinade;
 

@@ -6,6 +6,7 @@
 
 #include "analysis/main_sheet_job.h"
 #include "graphics/drawing.h"
+#include "graphics/graphics_refresh.h"
 #include "graphics/picking.h"
 #include "graphics/projection.h"
 #include "graphics/scene.h"

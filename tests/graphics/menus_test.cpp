@@ -1,6 +1,7 @@
 // Menu entries and tool bar keys of the main window that act on the graphics window on top.
 #include "engine/calculation_window.h"
 #include "graphics/bindings_overlay.h"
+#include "graphics/graphics_refresh.h"
 #include "graphics/input_window.h"
 #include "graphics/tolerance.h"
 

@@ -1,6 +1,7 @@
 // What the mouse does on the picture: rotation, pan, roll, frame and wheel zoom, status bar, clicks.
 #include <cmath>
 
+#include "graphics/graphics_refresh.h"
 #include "graphics/input_window.h"
 
 using namespace corvinade;

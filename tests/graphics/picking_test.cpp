@@ -3,6 +3,7 @@
 
 #include "graphics/graphics_refresh.h"
 #include "graphics/input_window.h"
+#include "graphics/picking.h"
 #include "graphics/tolerance.h"
 
 using namespace corvinade;

@@ -1,4 +1,5 @@
 // Views that a job keeps: saving, naming, restoring, deleting.
+#include "graphics/graphics_refresh.h"
 #include "graphics/saved_views.h"
 
 #include "graphics/form_save_view.h"

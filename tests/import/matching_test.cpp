@@ -8,7 +8,6 @@
 #include "cli/headless.h"
 #include "core/form_progress_bar.h"
 #include "core/job.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "support/fixture.h"
 

@@ -5,7 +5,6 @@
 #include "cli/headless.h"
 #include "core/job.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "import/matching.h"
 #include "import/point_file.h"

@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdio>
 
+#include "core/fresh_start.h"
 #include "ui/theme.h"
 
 using namespace corvinade;
@@ -60,6 +61,7 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     ApplyTheme(Theme::Light);
+    FreshStart();
     testing::InitGoogleTest(&argc, argv);
     const int status = RUN_ALL_TESTS();
     daemon.terminate();

@@ -23,6 +23,7 @@
 #include "core/controller.h"
 #include "core/form_main.h"
 #include "core/form_progress_bar.h"
+#include "core/fresh_start.h"
 #include "core/job.h"
 #include "core/notes.h"
 #include "core/run.h"
@@ -447,6 +448,7 @@ int main(int argc, char** argv) {
     QTimer questions;
     WatchForQuestions(questions);
 
+    FreshStart();
     StartPicture();
     SkipStartScreen();
     OpenDesktop();
