@@ -2,7 +2,10 @@
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/units.h"
+#include "core/job.h"
+#include "engine/adjustment.h"
 #include "engine/monte_carlo.h"
+#include "engine/nice_rotation.h"
 #include "paraboloid/form_stop_para_trafo.h"
 #include "paraboloid/paraboloid.h"
 #include "paraboloid/shape_passes.h"
@@ -67,7 +70,10 @@ bool RunMonteCarloOfShape() {
         const PassEnd end = FitOfRun(passes, tolerance);
         if (end == PassEnd::Lost) return false;
         complete = end == PassEnd::Done;
-        if (complete) MonteCarloWriteiResults(i, passes.Fit.v, passes.Fit.P);
+        if (complete) {
+            NiceRotSol();
+            TakeRunOfMonteCarlo(i, ResultOfRun(Adjustment.Model, {}, ParametersOf(Job), SigmaXYZOf(passes.Fit.v, passes.Fit.P)));
+        }
     }
     MonteCarlo.MonteCarloDone = ToFlag(complete);
     return true;
