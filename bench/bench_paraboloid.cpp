@@ -12,8 +12,8 @@
 #include "core/units.h"
 #include "engine/calculation.h"
 #include "engine/selection.h"
+#include "fit/shape.h"
 #include "paraboloid/paraboloid.h"
-#include "paraboloid/shape.h"
 
 using namespace corvinade;
 

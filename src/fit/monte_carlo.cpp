@@ -74,7 +74,9 @@ public:
 
     // Of the last fit.
     Column Values() const {
-        return ResultOfRun(run_.Model, run_.Held, now_, sigma_);
+        Parameters neat = now_;
+        TakeNeatRotation(neat);
+        return ResultOfRun(run_.Model, run_.Held, neat, sigma_);
     }
 
 private:
@@ -174,16 +176,20 @@ StartChoice ChoiceOfRuns(StartChoice choice, const std::array<bool, kParameterEn
     return choice;
 }
 
+bool TakeNeatRotation(Parameters& values) {
+    const std::optional<Vec3> angles = NicerRotation({values[kRotX], values[kRotY], values[kRotZ]});
+    if (!angles) return false;
+    for (int axis = 1; axis <= 3; ++axis) values[kRotX + axis - 1] = (*angles)(axis);
+    return true;
+}
+
 Column ResultOfRun(const FitModel& model, const std::array<bool, kParameterEnd>& held,
                    const Parameters& values, double sigmaXYZ) {
-    Parameters neat = values;
-    if (const auto nicer = NicerRotation({neat[kRotX], neat[kRotY], neat[kRotZ]}))
-        for (int axis = 1; axis <= 3; ++axis) neat[kRotX + axis - 1] = (*nicer)(axis);
     Column result(At(kMonteCarloArrays) + 1);
     for (int k = kTraX; k < kParameterEnd; ++k) {
         if (model.UnknownOf[At(k)] != 0)
-            result[At(k)] = IsAngleOfRotation(k) ? WrapAngle(neat[k]) : neat[k];
-        if (held[At(k)]) result[At(k)] = neat[k];
+            result[At(k)] = IsAngleOfRotation(k) ? WrapAngle(values[k]) : values[k];
+        if (held[At(k)]) result[At(k)] = values[k];
     }
     result[kSigmaXYZ] = sigmaXYZ;
     return result;

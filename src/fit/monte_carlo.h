@@ -77,8 +77,11 @@ MonteCarloEnd RunMonteCarlo(MonteCarloRun& run, NoiseRecord& noise, const MonteC
 //   results  array k in row k, entries 1 to the number of runs
 int BringRunsToForm(const FitModel& model, const Parameters& result, Matrix& results);
 
-// What a run leaves: element k of array k. The rotation is the neater one of two (nice_rotation.h), and its
-// angles stand less than half a turn from 0; 0 for what neither floats nor is `held`.
+// Takes the neater rotation of two (nice_rotation.h); false where there is none.
+bool TakeNeatRotation(Parameters& values);
+
+// What a run leaves: element k of array k, the angles of the rotation less than half a turn from 0; 0 for
+// what neither floats nor is `held`.
 Column ResultOfRun(const FitModel& model, const std::array<bool, kParameterEnd>& held,
                    const Parameters& values, double sigmaXYZ);
 // The mean error xyz of residuals and weights, three a pair.

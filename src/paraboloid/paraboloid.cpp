@@ -9,7 +9,6 @@
 #include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/text.h"
 #include "core/units.h"
@@ -23,11 +22,8 @@
 #include "engine/seed.h"
 #include "engine/start_values.h"
 #include "engine/transform.h"
-#include "fit/trend.h"
-#include "paraboloid/better_place.h"
+#include "fit/shape.h"
 #include "paraboloid/form_stop_para_trafo.h"
-#include "paraboloid/held_directions.h"
-#include "paraboloid/shape.h"
 #include "paraboloid/shape_passes.h"
 
 namespace corvinade::paraboloid {
@@ -91,22 +87,21 @@ bool GoOnToRest() {
     return passes.Begin() && GoToRest(passes, moved) == PassEnd::Done && moved && !Stopped();
 }
 
-// Does the loop end far from where its best pass has been? The acceleration may throw it past the shape.
-bool IsThrownOff(LoopEnd end) {
-    constexpr double kFar = 1.5;  // of the least s0
+// Has a loop that was to rest been thrown off?
+bool EndsThrownOff(LoopEnd end) {
     if (end == LoopEnd::Lost || Stopped() || Calculation.Refused) return false;
-    return std::isfinite(ParaboloidRun.LeastS0) && !(Calculation.s0 <= kFar * ParaboloidRun.LeastS0);
+    return IsThrownOff(ParaboloidRun.Loop, Calculation.s0);
 }
 
 // On from the best pass without acceleration, where the loop has been thrown off. What stands is kept where
 // that is no better.
 LoopEnd FitWithoutThrow(double tolerance) {
     const LoopEnd end = FitToShape(tolerance);
-    if (!IsThrownOff(end)) return end;
+    if (!EndsThrownOff(end)) return end;
     const Parameters thrown = ParametersOf(Job);
     const double s0 = Calculation.s0;
-    PutParameters(ParaboloidRun.Best, Job);
-    ParaboloidRun.Accelerates = false;
+    PutParameters(ParaboloidRun.Loop.Best, Job);
+    ParaboloidRun.Loop.Accelerates = false;
     LoopEnd plain = FitToShape(tolerance);
     if (plain == LoopEnd::Rest && !(Calculation.s0 < s0)) {
         PutParameters(thrown, Job);
@@ -116,7 +111,7 @@ LoopEnd FitWithoutThrow(double tolerance) {
                 "The acceleration of the passes along the shape had thrown them off; the result is that of "
                 "passes without it, from the best place that they had come to");
     }
-    ParaboloidRun.Accelerates = true;
+    ParaboloidRun.Loop.Accelerates = true;
     return plain;
 }
 
@@ -159,9 +154,9 @@ void NoteBeside(const BesideSearch& found) {
 }
 
 // The sigmas take the places on the shape for measured targets, three coordinates each, which they are not.
-void NoteSigmasOfShape(const ShapePasses& passes) {
+void NoteSigmasOfShape(ShapePasses& passes) {
     constexpr double kMuch = 2;
-    const std::vector<double> known = SigmasByDistances(passes);
+    const std::vector<double> known = SigmasByDistances(passes.Fit);
     std::string names;
     double most = 0;
     for (int k = 1; k < static_cast<int>(known.size()); ++k) {
@@ -185,7 +180,7 @@ void NoteSigmasOfShape(const ShapePasses& passes) {
 void NoteLimitsOfShape() {
     ShapePasses passes;
     if (!passes.Begin()) return;
-    const std::vector<int> open = OpenOfShape(passes);
+    const std::vector<int> open = OpenOfShape(passes.Fit);
     std::string names;
     for (const int k : open) {
         names += (names.empty() ? "" : ", ") + std::string(ParameterName(k));
@@ -197,16 +192,16 @@ void NoteLimitsOfShape() {
                 "The shape does not hold " + names + ": what is shown for " +
                     (open.size() == 1 ? "it is arbitrary, and it has no sigma"
                                       : "them is arbitrary, and they have no sigma"));
-    NoteCollapseOnShape(passes.Fit);
+    NoteCollapseOnShape(passes.Fit.Points);
     if (!IsTrue(Job.Collapsed)) NoteSigmasOfShape(passes);
     int used = 0;
     for (int i = 1; i <= Job.Pairs(); ++i)
         if (Used(i, 1) || Used(i, 2) || Used(i, 3)) ++used;
-    if (used <= passes.Fit.u)
+    if (used <= passes.Fit.Model.Unknowns)
         AddNote(NoteCode::NoRedundancy, "no redundancy: sigma says nothing (" + std::to_string(used) +
                                             " points on the shape, each of which "
                                             "tells one distance from it, for " +
-                                            std::to_string(passes.Fit.u) + " parameters)");
+                                            std::to_string(passes.Fit.Model.Unknowns) + " parameters)");
     int beyond = 0;
     std::string points;
     constexpr int kMostNames = 5;
@@ -240,12 +235,14 @@ void PutTarget(int i, const Vec3& target) {
 }
 
 void BeginOuterLoop() {
-    ParaboloidRun.PreviousS0 = 100;
-    ParaboloidRun.LeastS0 = std::numeric_limits<double>::infinity();
-    for (ParameterTrend& trend : ParaboloidRun.Trends) {
-        trend.History.assign(6, 0);
-        trend.Boost = 0;
-    }
+    BeginLoop(ParaboloidRun.Loop);
+}
+
+bool JobHasShape() {
+    if (ShapeServes(Job.ParaboloidShape)) return true;
+    ShowMessage(
+        "There is no shape of a paraboloid to fit to. Please import a shape file with at least 2 rows.");
+    return false;
 }
 
 void TakeStartOfShape() {
@@ -256,31 +253,11 @@ void TakeStartOfShape() {
 }
 
 void Accelerate(double s0) {
-    ParaboloidRecord& run = ParaboloidRun;
-    const bool smaller = s0 < run.PreviousS0;
-    run.PreviousS0 = s0;
-    for (ParameterTrend& trend : run.Trends) {
-        if (!smaller) {
-            trend.Boost = 0;
-            continue;
-        }
-        if (Job.ParamText[At(trend.Parameter)] != kFloat) continue;
-        double& value = ParameterValue(Job, trend.Parameter);
-        Column& history = trend.History;
-        history.erase(history.begin());
-        history.push_back(value);
-        constexpr double kTwice = 200;  // percent
-        bool steady = false;
-        ArrayTrend(history, kTwice, steady);
-        if (!steady) continue;
-        const double boost = trend.Boost;
-        value += boost * boost * boost * boost * (value - history[4]);
-        ++trend.Boost;
-    }
-}
-
-bool AtRest(double s0Before, double s0, double tolerance) {
-    return !(std::fabs(s0Before - s0) > tolerance);
+    std::array<bool, kParameterEnd> floats{};
+    for (std::size_t k = kTraX; k < kParameterEnd; ++k) floats[k] = Job.ParamText[k] == kFloat;
+    Parameters now = ParametersOf(Job);
+    Accelerate(ParaboloidRun.Loop, floats, s0, now);
+    PutParameters(now, Job);
 }
 
 void CountPass() {
@@ -300,12 +277,10 @@ bool CalcParaboloid() {
     ButtonCalcErsatz();
     if (Run.JobGeneration != generation || Calculation.Refused) return false;
     ParaboloidRun.S0 = Calculation.s0;
-    if (Calculation.s0 < ParaboloidRun.LeastS0 && Calculation.Converged && Calculation.Finite) {
-        ParaboloidRun.LeastS0 = Calculation.s0;
-        ParaboloidRun.Best = ParametersOf(Job);
-    }
-    if (ParaboloidRun.Accelerates) Accelerate(Calculation.s0);
-    ParaboloidRun.PreviousS0 = Calculation.s0;
+    if (Calculation.Converged && Calculation.Finite)
+        KeepBest(ParaboloidRun.Loop, Calculation.s0, ParametersOf(Job));
+    if (ParaboloidRun.Loop.Accelerates) Accelerate(Calculation.s0);
+    ParaboloidRun.Loop.PreviousS0 = Calculation.s0;
     TransformByParameters();
     return true;
 }
@@ -324,7 +299,7 @@ LoopEnd FitToShape(double tolerance) {
     const std::uint64_t generation = Run.JobGeneration;
     ShowWindow("FormStopParaTrafo");
     for (int pass = 1;; ++pass) {
-        const double before = ParaboloidRun.PreviousS0;
+        const double before = ParaboloidRun.Loop.PreviousS0;
         if (!Paraboloid()) return LoopEnd::Lost;
         YieldToEvents();
         if (Run.JobGeneration != generation) return LoopEnd::Lost;

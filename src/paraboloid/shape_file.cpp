@@ -10,15 +10,14 @@
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "fit/shape.h"
 #include "import/point_file_checks.h"
 #include "import/robot_files.h"
 #include "import/row_notes.h"
 #include "paraboloid/paraboloid.h"
-#include "paraboloid/shape.h"
 
 namespace corvinade::paraboloid {
 
@@ -281,6 +280,11 @@ void ParaboloidNearestTargets() {
         PutTarget(i, nearest);
     }
     Changed(What::Coordinates);
+}
+
+void TakeShape(const TargetFile& file) {
+    EinlesenParaboloidData(file);
+    ParaboloidNearestTargets();
 }
 
 }  // namespace corvinade::paraboloid

@@ -1,7 +1,6 @@
 // Reading of network files.
 #include "bundle/network_job.h"
 #include "core/form_main.h"
-#include "core/refresh.h"
 #include "core/units.h"
 
 using namespace corvinade;

@@ -4,7 +4,6 @@
 #include "bundle/network_job.h"
 #include "core/files.h"
 #include "core/form_main.h"
-#include "core/refresh.h"
 #include "core/text.h"
 #include "core/units.h"
 #include "engine/calculation_window.h"

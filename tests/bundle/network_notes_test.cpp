@@ -2,7 +2,6 @@
 // meant.
 #include "bundle/network_job.h"
 #include "core/notes.h"
-#include "core/refresh.h"
 
 using namespace corvinade;
 

@@ -1,6 +1,8 @@
 // The readers of points, shapes, networks and batches on every kind of damaged field.
 #include "import/damaged_fields.h"
 
+#include "paraboloid/paraboloid.h"
+
 using namespace corvinade;
 
 TEST_F(DamagedFields, OfPointFiles) {
