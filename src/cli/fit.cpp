@@ -27,7 +27,6 @@
 #include "core/numbers.h"
 #include "core/parameter_names.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
@@ -35,6 +34,7 @@
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
 #include "engine/calculation_window.h"
+#include "engine/job_calculation.h"
 #include "engine/clipboard_report.h"
 #include "engine/design.h"
 #include "engine/field_number.h"
@@ -186,7 +186,7 @@ int Calculate(const FitOptions& options, std::ostream& err) {
         MCS_OCS();
     }
     Headless.Dialogs.clear();
-    if (!Dispatch([] { IsTrue(Job.IsParaboloid) ? CalculateParaboloid() : ButtonCalcErsatz(); })) {
+    if (!Dispatch(CalculateJob)) {
         WriteMessages(err);
         return kRefused;
     }

@@ -3,13 +3,9 @@
 // call: it is a row in the table of core/changes.h.
 #pragma once
 
-#include <string>
-
 #include "core/rooms.h"
 
 namespace corvinade::import {
-
-struct TargetFile;
 
 void ClipboardRoundTrip();  // the menu entry "&Spezial"
 // Makes the transformed points those of the start, and sizes RVec* and UseFlags (whose content stays) by the
@@ -26,20 +22,6 @@ namespace corvinade::engine {
 void HeldValues_UnitsChanged(double lengthBefore, double angleBefore);
 
 }  // namespace corvinade::engine
-
-namespace corvinade::paraboloid {
-
-void EinlesenParaboloidData(const import::TargetFile& file);  // reads the shape file of an import
-void ParaboloidNearestTargets();  // each start point's nearest point of the shape becomes its target
-void CalculateParaboloid();  // the passes of a calculation of a job with a shape, and its Monte Carlo runs
-
-}  // namespace corvinade::paraboloid
-
-namespace corvinade::bundle {
-
-void ReadBundleFile(const std::string& path);  // the reader behind the bundle file of the input dialog
-
-}  // namespace corvinade::bundle
 
 namespace corvinade::analysis {
 

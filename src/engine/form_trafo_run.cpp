@@ -9,6 +9,7 @@
 #include "core/settings.h"
 #include "engine/calculation.h"
 #include "engine/calculation_window.h"
+#include "engine/job_calculation.h"
 #include "engine/clipboard_report.h"
 #include "engine/form_trafo_details.h"
 #include "engine/monte_carlo.h"
@@ -73,14 +74,6 @@ void PrepareGraphics() {
         if (IsTrue(setting)) Grafik_Festlegen_Main();
 }
 
-void Calculate() {
-    if (IsTrue(Job.IsParaboloid)) {
-        CalculateParaboloid();
-    } else {
-        ButtonCalcErsatz();
-    }
-}
-
 // False when other points have come in meanwhile.
 bool ShowResultElsewhere() {
     const std::uint64_t generation = Run.JobGeneration;
@@ -108,7 +101,7 @@ void CalculateAndShow() {
     PrepareGraphics();
     if (!WindowIsOpen()) TakeChoiceOfJob();
     const std::uint64_t generation = Run.JobGeneration;
-    Calculate();
+    CalculateJob();
     Run.StopRequested = kFalse;  // showing the result is not what was stopped
     // A job whose points were replaced meanwhile is shown by what replaced them.
     if (Run.JobGeneration != generation) return;
