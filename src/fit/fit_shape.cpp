@@ -7,6 +7,7 @@
 #include "fit/held_directions.h"
 #include "fit/require.h"
 #include "fit/shape.h"
+#include "fit/shape_way.h"
 
 namespace corvinade::fit {
 
@@ -16,9 +17,40 @@ std::size_t At(int i) {
     return static_cast<std::size_t>(i);
 }
 
+std::array<bool, kParameterEnd> FloatsOf(const FitModel& model) {
+    std::array<bool, kParameterEnd> floats{};
+    for (std::size_t k = kTraX; k < kParameterEnd; ++k) floats[k] = model.UnknownOf[k] != 0;
+    return floats;
+}
+
+// Passes of the gathered points until s0 rests.
+LoopEnd Loop(ShapeRun& run, ShapeLoop& loop, double tolerance) {
+    BeginLoop(loop);
+    const ShapeListener& listener = run.Listener;
+    return LoopToRest(loop, tolerance,
+                      {.Pass =
+                           [&run, &loop, floats = FloatsOf(run.Model)](double& s0) {
+                               const PassEnd end = Pass(run);
+                               if (end != PassEnd::Done) return end;
+                               s0 = run.s0;
+                               if (run.Listener.PassCounts) run.Listener.PassCounts(run);
+                               EndOfPass(loop, floats, s0, true, run.Now);
+                               return end;
+                           },
+                       .GoesOn = [&run] { return !run.Lost(); },
+                       .StopIsWanted = [&listener] { return listener.Stops(); },
+                       .RestIsWanted = listener.RestIsWanted,
+                       .MostPasses = listener.MostPasses});
+}
+
+PassEnd EndOf(LoopEnd end) {
+    if (end == LoopEnd::Lost) return PassEnd::Lost;
+    return end == LoopEnd::Rest ? PassEnd::Done : PassEnd::Failed;
+}
+
 // The loop, and on from where it rests.
 PassEnd LoopAndRest(ShapeRun& run, ShapeLoop& loop, double tolerance) {
-    const PassEnd end = LoopToRest(run, loop, tolerance);
+    const PassEnd end = EndOf(Loop(run, loop, tolerance));
     bool moved = false;
     return end == PassEnd::Done ? GoToRest(run, moved) : end;
 }
@@ -29,11 +61,14 @@ PassEnd PassThatCounts(ShapeRun& run) {
     return end == PassEnd::Done && run.Listener.Stops() ? PassEnd::Failed : end;
 }
 
-// On to the best place beside, where there is one.
-PassEnd GoBeside(ShapeRun& run, ShapeLoop& loop, double tolerance, BesideSearch& found) {
-    const PassEnd end = SearchBeside(run, found);
-    if (end != PassEnd::Done || !found.Better || run.Listener.StopsOrRests()) return end;
-    return LoopAndRest(run, loop, tolerance);
+WaySteps StepsOf(ShapeRun& run, ShapeLoop& loop, double tolerance) {
+    return {.Loop = [&run, &loop, tolerance] { return Loop(run, loop, tolerance); },
+            .GoToRest = [&run](bool& moved) { return GoToRest(run, moved); },
+            .SearchBeside = [&run](BesideSearch& found) { return SearchBeside(run, found); },
+            .Now = [&run] { return run.Now; },
+            .Put = [&run](const Parameters& now) { run.Now = now; },
+            .s0 = [&run] { return run.s0; },
+            .Stopped = [&run] { return run.Listener.StopsOrRests(); }};
 }
 
 MonteCarloEnd AllRuns(const ShapeRuns& runs, const CleanPoints& clean, ShapeRun& fit, ShapeLoop& loop,
@@ -85,8 +120,10 @@ ShapeResult FitShape(const ShapeProblem& problem, const ShapeListener& listener)
     ShapeRun run = BeginShape(problem, listener);
     ShapeLoop loop;
     ShapeResult result;
-    result.End = LoopAndRest(run, loop, problem.Tolerance);
-    if (result.End == PassEnd::Done) result.End = GoBeside(run, loop, problem.Tolerance, result.Beside);
+    const WaySteps steps = StepsOf(run, loop, problem.Tolerance);
+    LoopEnd end = FitToRest(loop, steps);
+    if (end == LoopEnd::Rest) end = FitBeside(loop, steps, result.Beside);
+    result.End = EndOf(end);
     if (result.End == PassEnd::Done) result.End = PassThatCounts(run);
     if (result.End == PassEnd::Lost) return result;
     result.Values = run.Now;

@@ -16,12 +16,6 @@ std::size_t At(int i) {
     return static_cast<std::size_t>(i);
 }
 
-std::array<bool, kParameterEnd> FloatsOf(const FitModel& model) {
-    std::array<bool, kParameterEnd> floats{};
-    for (std::size_t k = kTraX; k < kParameterEnd; ++k) floats[k] = model.UnknownOf[k] != 0;
-    return floats;
-}
-
 // False when what the fit works on has been replaced.
 bool Project(ShapeRun& run) {
     GatheredPoints& points = run.Points;
@@ -113,23 +107,6 @@ bool AtRest(double s0Before, double s0, double tolerance) {
 bool IsThrownOff(const ShapeLoop& loop, double s0) {
     constexpr double kFar = 1.5;  // of the least s0
     return std::isfinite(loop.LeastS0) && !(s0 <= kFar * loop.LeastS0);
-}
-
-PassEnd LoopToRest(ShapeRun& run, ShapeLoop& loop, double tolerance) {
-    BeginLoop(loop);
-    const std::array<bool, kParameterEnd> floats = FloatsOf(run.Model);
-    for (int pass = 1; pass <= kMostPasses; ++pass) {
-        const double before = loop.PreviousS0;
-        const PassEnd end = Pass(run);
-        if (end != PassEnd::Done) return end;
-        if (run.Listener.PassCounts) run.Listener.PassCounts(run);
-        Accelerate(loop, floats, run.s0, run.Now);
-        if (run.Lost()) return PassEnd::Lost;
-        if (run.Listener.Stops()) return PassEnd::Failed;
-        if (AtRest(before, run.s0, tolerance) || run.Listener.StopsOrRests()) return PassEnd::Done;
-    }
-    if (run.Listener.MostPasses) run.Listener.MostPasses();
-    return PassEnd::Failed;
 }
 
 }  // namespace corvinade::fit

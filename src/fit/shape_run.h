@@ -115,7 +115,4 @@ bool IsThrownOff(const ShapeLoop& loop, double s0);
 
 inline constexpr int kMostPasses = 32767;
 
-// Passes until s0 rests; `tolerance` in mm.
-PassEnd LoopToRest(ShapeRun& run, ShapeLoop& loop, double tolerance);
-
 }  // namespace corvinade::fit

@@ -74,70 +74,40 @@ public:
     WindowGivesWay& operator=(const WindowGivesWay&) = delete;
 };
 
+std::array<bool, kParameterEnd> FloatsOfJob() {
+    std::array<bool, kParameterEnd> floats{};
+    for (std::size_t k = kTraX; k < kParameterEnd; ++k) floats[k] = Job.ParamText[k] == kFloat;
+    return floats;
+}
+
 bool Stopped() {
     return IsTrue(Run.StopRequested) || IsTrue(ParaboloidRun.ParaStopRequested);
 }
 
-// Where s0 rests the parameters may still be far from where they would come to, by tenths of a millimetre on
-// a dish of metres, and the last acceleration stands behind the last fit: on to there. False when nothing
-// more is to follow.
-bool GoOnToRest() {
-    ShapePasses passes;
-    bool moved = false;
-    return passes.Begin() && GoToRest(passes, moved) == PassEnd::Done && moved && !Stopped();
-}
-
-// Has a loop that was to rest been thrown off?
-bool EndsThrownOff(LoopEnd end) {
-    if (end == LoopEnd::Lost || Stopped() || Calculation.Refused) return false;
-    return IsThrownOff(ParaboloidRun.Loop, Calculation.s0);
-}
-
-// On from the best pass without acceleration, where the loop has been thrown off. What stands is kept where
-// that is no better.
-LoopEnd FitWithoutThrow(double tolerance) {
-    const LoopEnd end = FitToShape(tolerance);
-    if (!EndsThrownOff(end)) return end;
-    const Parameters thrown = ParametersOf(Job);
-    const double s0 = Calculation.s0;
-    PutParameters(ParaboloidRun.Loop.Best, Job);
-    ParaboloidRun.Loop.Accelerates = false;
-    LoopEnd plain = FitToShape(tolerance);
-    if (plain == LoopEnd::Rest && !(Calculation.s0 < s0)) {
-        PutParameters(thrown, Job);
-        plain = FitToShape(tolerance);
-    } else if (plain == LoopEnd::Rest) {
-        AddNote(NoteCode::BetterStart,
-                "The acceleration of the passes along the shape had thrown them off; the result is that of "
-                "passes without it, from the best place that they had come to");
-    }
-    ParaboloidRun.Loop.Accelerates = true;
-    return plain;
-}
-
-LoopEnd FitToRest(double tolerance) {
-    const LoopEnd end = FitWithoutThrow(tolerance);
-    return end == LoopEnd::Rest && GoOnToRest() ? FitToShape(tolerance) : end;
-}
-
-// Along a table of few rows points hang at its kinks, and passes rest at places that hang on where they
-// began: on to the best place beside. What stands is left as it is where that is not better.
-LoopEnd FitBeside(double tolerance, BesideSearch& found) {
-    ShapePasses passes;
-    if (!passes.Begin()) return LoopEnd::Lost;
-    const Parameters before = ParametersOf(Job);
-    const double s0 = Calculation.s0;
-    if (SearchBeside(passes, found) == PassEnd::Lost) return LoopEnd::Lost;
-    LoopEnd end = LoopEnd::Rest;
-    if (found.Better && !Stopped()) {
-        end = FitToRest(tolerance);
-        if (end == LoopEnd::Rest && !(Calculation.s0 < s0)) {
-            PutParameters(before, Job);
-            found.Better = false;
-            return FitToShape(tolerance);
-        }
-    }
-    return end;
+// The way of a job: each of its passes is a whole calculation.
+WaySteps StepsOfJob(double tolerance) {
+    return {.Loop = [tolerance] { return FitToShape(tolerance); },
+            .GoToRest =
+                [](bool& moved) {
+                    ShapePasses passes;
+                    return passes.Begin() ? GoToRest(passes, moved) : PassEnd::Lost;
+                },
+            .SearchBeside =
+                [](BesideSearch& found) {
+                    ShapePasses passes;
+                    return passes.Begin() ? SearchBeside(passes, found) : PassEnd::Lost;
+                },
+            .Now = [] { return ParametersOf(Job); },
+            .Put = [](const Parameters& now) { PutParameters(now, Job); },
+            .s0 = [] { return Calculation.s0; },
+            .Stopped = Stopped,
+            .ThrownOff =
+                [] {
+                    AddNote(
+                        NoteCode::BetterStart,
+                        "The acceleration of the passes along the shape had thrown them off; the result is "
+                        "that of passes without it, from the best place that they had come to");
+                }};
 }
 
 void NoteBeside(const BesideSearch& found) {
@@ -253,10 +223,8 @@ void TakeStartOfShape() {
 }
 
 void Accelerate(double s0) {
-    std::array<bool, kParameterEnd> floats{};
-    for (std::size_t k = kTraX; k < kParameterEnd; ++k) floats[k] = Job.ParamText[k] == kFloat;
     Parameters now = ParametersOf(Job);
-    Accelerate(ParaboloidRun.Loop, floats, s0, now);
+    Accelerate(ParaboloidRun.Loop, FloatsOfJob(), s0, now);
     PutParameters(now, Job);
 }
 
@@ -277,10 +245,10 @@ bool CalcParaboloid() {
     ButtonCalcErsatz();
     if (Run.JobGeneration != generation || Calculation.Refused) return false;
     ParaboloidRun.S0 = Calculation.s0;
-    if (Calculation.Converged && Calculation.Finite)
-        KeepBest(ParaboloidRun.Loop, Calculation.s0, ParametersOf(Job));
-    if (ParaboloidRun.Loop.Accelerates) Accelerate(Calculation.s0);
-    ParaboloidRun.Loop.PreviousS0 = Calculation.s0;
+    Parameters now = ParametersOf(Job);
+    EndOfPass(ParaboloidRun.Loop, FloatsOfJob(), Calculation.s0, Calculation.Converged && Calculation.Finite,
+              now);
+    PutParameters(now, Job);
     TransformByParameters();
     return true;
 }
@@ -298,19 +266,21 @@ LoopEnd FitToShape(double tolerance) {
     BeginOuterLoop();
     const std::uint64_t generation = Run.JobGeneration;
     ShowWindow("FormStopParaTrafo");
-    for (int pass = 1;; ++pass) {
-        const double before = ParaboloidRun.Loop.PreviousS0;
-        if (!Paraboloid()) return LoopEnd::Lost;
-        YieldToEvents();
-        if (Run.JobGeneration != generation) return LoopEnd::Lost;
-        // All passes behind one that failed would do the same, each with its message.
-        if (Stopped() || !Calculation.Converged || !Calculation.Finite) return LoopEnd::Stopped;
-        if (AtRest(before, ParaboloidRun.S0, tolerance)) return LoopEnd::Rest;
-        if (pass == kMostPasses) {
-            TellOfMostPasses();
-            return LoopEnd::Stopped;
-        }
-    }
+    return LoopToRest(
+        ParaboloidRun.Loop, tolerance,
+        {.Pass =
+             [](double& s0) {
+                 if (!Paraboloid()) return PassEnd::Lost;
+                 s0 = ParaboloidRun.S0;
+                 return PassEnd::Done;
+             },
+         .GoesOn =
+             [generation] {
+                 YieldToEvents();
+                 return Run.JobGeneration == generation;
+             },
+         .StopIsWanted = [] { return Stopped() || !Calculation.Converged || !Calculation.Finite; },
+         .MostPasses = TellOfMostPasses});
 }
 
 void CalculateParaboloid() {
@@ -327,9 +297,10 @@ void CalculateParaboloid() {
     if (runs && !MonteCarloRuns()) return;
     constexpr double kRest = 1e-6;
     const double tolerance = kRest * Units.LengthFactor;
-    LoopEnd end = FitToRest(tolerance);
+    const WaySteps steps = StepsOfJob(tolerance);
+    LoopEnd end = FitToRest(ParaboloidRun.Loop, steps);
     BesideSearch beside;
-    if (end == LoopEnd::Rest) end = FitBeside(tolerance, beside);
+    if (end == LoopEnd::Rest) end = FitBeside(ParaboloidRun.Loop, steps, beside);
     if (Run.JobGeneration != generation) return;
     if (end == LoopEnd::Stopped) Calculation.Converged = false;  // though the fit of the last pass did
     if (Calculation.Refused) return;

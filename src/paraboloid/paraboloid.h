@@ -9,6 +9,7 @@
 #include "core/job.h"
 #include "core/rooms.h"
 #include "fit/shape_run.h"
+#include "fit/shape_way.h"
 #include "import/robot_files.h"
 
 namespace corvinade::paraboloid {
@@ -34,12 +35,6 @@ bool CalcParaboloid();
 // The same, and s0 and the overall mean error in the fields of the calculation window.
 bool Paraboloid();
 
-enum class LoopEnd {
-    Rest,     // s0 has changed by no more than the tolerance
-    Stopped,  // by the user, or since a fit failed
-    Lost      // as where CalcParaboloid gives false
-};
-
 // The outer loop, to its end. `tolerance` in mm.
 LoopEnd FitToShape(double tolerance);
 
@@ -49,7 +44,7 @@ void CalculateParaboloid();
 // --- The shape of an import -------------------------------------------------------------------------------
 
 void EinlesenParaboloidData(const TargetFile& file);  // reads its shape file
-void ParaboloidNearestTargets();  // each start point's nearest point of the shape becomes its target
+void ParaboloidNearestTargets();         // each start point's nearest point of the shape becomes its target
 void TakeShape(const TargetFile& file);  // both
 
 // --- What the passes share with those of Monte Carlo ------------------------------------------------------

@@ -32,9 +32,9 @@ std::string NameOfTheProgram(const std::string& text) {
     return std::regex_search(code, match, kNames) ? match[1].str() : "";
 }
 
-// The first header of ours that is none of fit/; "" where there is none.
+// The first header of a room other than fit/; "" where there is none.
 std::string OtherHeader(const std::string& text) {
-    static const std::regex kInclude("# *include *\"(?!fit/)([^\"]+)\"");
+    static const std::regex kInclude("# *include *\"(?!fit/)([a-z_]+/[^\"]+)\"");
     std::smatch match;
     return std::regex_search(text, match, kInclude) ? match[1].str() : "";
 }

@@ -8,6 +8,8 @@
 
 #include "fit/fit.h"
 #include "fit/shape.h"
+#include "fit/shape_interpolation.h"
+#include "fit/shape_way.h"
 
 using namespace corvinade::fit;
 
@@ -224,4 +226,135 @@ TEST(ShapeAlone, TheListenerHearsTheLoopAndMayEndIt) {
                                                   .RestIsWanted = [&passes] { return passes >= 2; }});
     EXPECT_EQ(rested.End, PassEnd::Done);
     EXPECT_EQ(passes, 2);
+}
+
+namespace {
+
+// A way whose loops are told beforehand, s0 by s0.
+struct ToldWay {
+    std::vector<double> EndsAt;  // s0 of each loop
+    std::vector<bool> Accelerated;
+    std::vector<double> Begins;  // TraX that each began at
+    ShapeLoop Loop;
+    Parameters Now;
+    double s0 = 0;
+    int Thrown = 0, Rests = 0;
+
+    WaySteps Steps() {
+        return {.Loop =
+                    [this] {
+                        Begins.push_back(Now[kTraX]);
+                        Accelerated.push_back(Loop.Accelerates);
+                        s0 = EndsAt.at(Begins.size() - 1);
+                        Now[kTraX] = 100.0 * static_cast<double>(Begins.size());
+                        return LoopEnd::Rest;
+                    },
+                .GoToRest =
+                    [this](bool& moved) {
+                        ++Rests;
+                        moved = false;
+                        return PassEnd::Done;
+                    },
+                .SearchBeside =
+                    [this](BesideSearch& found) {
+                        found.Better = true;
+                        Now[kTraX] = 7;
+                        return PassEnd::Done;
+                    },
+                .Now = [this] { return Now; },
+                .Put = [this](const Parameters& now) { Now = now; },
+                .s0 = [this] { return s0; },
+                .Stopped = [] { return false; },
+                .ThrownOff = [this] { ++Thrown; }};
+    }
+};
+
+}  // namespace
+
+TEST(WayToAShape, ALoopThatIsThrownOffGoesOnFromItsBestPassWithoutAcceleration) {
+    ToldWay way;
+    way.EndsAt = {10, 0.9};
+    way.Loop.LeastS0 = 1;
+    way.Loop.Best[kTraX] = 42;
+    EXPECT_EQ(FitToRest(way.Loop, way.Steps()), LoopEnd::Rest);
+    EXPECT_EQ(way.Begins, (std::vector<double>{0, 42}));
+    EXPECT_EQ(way.Accelerated, (std::vector<bool>{true, false}));
+    EXPECT_EQ(way.Thrown, 1);
+    EXPECT_EQ(way.Rests, 1);
+    EXPECT_TRUE(way.Loop.Accelerates);
+}
+
+TEST(WayToAShape, WhatWasThrownOffStaysWhereThePlainPassesAreNoBetter) {
+    ToldWay way;
+    way.EndsAt = {10, 10, 10};
+    way.Loop.LeastS0 = 1;
+    way.Loop.Best[kTraX] = 42;
+    EXPECT_EQ(FitToRest(way.Loop, way.Steps()), LoopEnd::Rest);
+    EXPECT_EQ(way.Begins, (std::vector<double>{0, 42, 100}));
+    EXPECT_EQ(way.Thrown, 0);
+    ToldWay near;
+    near.EndsAt = {1.4};
+    near.Loop.LeastS0 = 1;
+    EXPECT_EQ(FitToRest(near.Loop, near.Steps()), LoopEnd::Rest);
+    EXPECT_EQ(near.Begins.size(), 1u) << "half as much again is near";
+}
+
+TEST(WayToAShape, APlaceBesideThatDoesNotKeepItsPromiseIsLeftAgain) {
+    ToldWay way;
+    way.EndsAt = {2, 1.5};
+    way.s0 = 1.5;
+    way.Now[kTraX] = 3;
+    BesideSearch found;
+    EXPECT_EQ(FitBeside(way.Loop, way.Steps(), found), LoopEnd::Rest);
+    EXPECT_EQ(way.Begins, (std::vector<double>{7, 3}));
+    EXPECT_FALSE(found.Better);
+    ToldWay better;
+    better.EndsAt = {1};
+    better.s0 = 1.5;
+    EXPECT_EQ(FitBeside(better.Loop, better.Steps(), found), LoopEnd::Rest);
+    EXPECT_EQ(better.Begins, (std::vector<double>{7}));
+    EXPECT_TRUE(found.Better);
+}
+
+TEST(WayToAShape, ALoopEndsWhereS0RestsWhereItIsStoppedAndWhereACountIsFull) {
+    ShapeLoop loop;
+    int passes = 0, told = 0;
+    const auto steps = [&](std::function<double(int)> s0Of) {
+        passes = 0;
+        BeginLoop(loop);
+        return LoopSteps{.Pass =
+                             [&, s0Of](double& s0) {
+                                 s0 = s0Of(++passes);
+                                 Parameters now;
+                                 EndOfPass(loop, {}, s0, true, now);
+                                 return PassEnd::Done;
+                             },
+                         .GoesOn = [] { return true; },
+                         .StopIsWanted = [] { return false; },
+                         .MostPasses = [&told] { ++told; }};
+    };
+    EXPECT_EQ(LoopToRest(loop, 0.01, steps([](int i) { return 1 + std::pow(0.5, i); })), LoopEnd::Rest);
+    EXPECT_EQ(passes, 7) << "two in turn differ by 1/128";
+    EXPECT_EQ(LoopToRest(loop, 0.01, steps([](int i) { return i % 2; })), LoopEnd::Stopped);
+    EXPECT_EQ(passes, kMostPasses);
+    EXPECT_EQ(told, 1);
+    LoopSteps stopped = steps([](int) { return 5.0; });
+    stopped.StopIsWanted = [&passes] { return passes == 1; };
+    EXPECT_EQ(LoopToRest(loop, 0.01, stopped), LoopEnd::Stopped);
+    LoopSteps lost = steps([](int) { return 5.0; });
+    lost.GoesOn = [] { return false; };
+    EXPECT_EQ(LoopToRest(loop, 0.01, lost), LoopEnd::Lost);
+    EXPECT_EQ(passes, 1);
+}
+
+// Between neighbours at a distance h a parabola r^2 / (4 f) is off its chord by h^2 / (4 f).
+TEST(ShapeAlone, TheTestOfTheInterpolationTellsTheChordsOfAParabola) {
+    const InterpolationTest test = TestInterpolation(Table(11, Dish));
+    const double h = kRim / 10, off = h * h / (4 * kFocus);
+    EXPECT_NEAR(test.Biggest, off, 1e-9);
+    EXPECT_NEAR(test.Smallest, off, 1e-9);
+    EXPECT_NEAR(test.Average, 7 * off / 4 / 10, 1e-9);
+    ASSERT_EQ(test.Deltas.size(), 12u);
+    for (std::size_t row = 0; row < 5; ++row) EXPECT_EQ(test.Deltas[row], 0);
+    for (std::size_t row = 5; row < 12; ++row) EXPECT_NEAR(test.Deltas[row], off, 1e-9);
 }
