@@ -2,8 +2,9 @@
 #include "engine/monte_carlo.h"
 
 #include <cmath>
+#include <optional>
+#include <span>
 #include <utility>
-#include <vector>
 
 #include "core/job.h"
 #include "core/notes.h"
@@ -91,8 +92,8 @@ MonteCarloListener ListenerOfRuns(const MonteCarloRun& run, std::uint64_t jobGen
                     return !overtaken();
                 },
             .Counts =
-                [](int i, const Column& values) {
-                    NiceRotSol();
+                [](int i, const Column& values, const std::optional<Vec3>& nicer) {
+                    if (nicer) TakeRotation(*nicer);
                     TakeRunOfMonteCarlo(i, values);
                 }};
 }
@@ -145,10 +146,6 @@ void MonteCarloInitialisieren() {
     MonteCarlo.MCResults = {};  // its memory goes before the new one is taken
     MonteCarlo.MCResults = Matrix(kMonteCarloArrays, RunsOfMonteCarlo());
     MonteCarlo.Shown = std::make_unique<MonteCarloShown>();
-}
-
-void MCS_verrauschen(GatheredPoints& points) {
-    AddNoise(SavedPoints(), {Settings.SigmaX, Settings.SigmaY, Settings.SigmaZ}, Noise, points);
 }
 
 void TakeRunOfMonteCarlo(int i, const Column& values) {

@@ -51,7 +51,6 @@ bool ShowRunOfMonteCarlo(int i, int runs);
 // The steps of the runs on the job's side, which a caller takes only when they can be held. The noise lives
 // in gathered points, never in the job, so that a save while events are served stores what was measured.
 void MonteCarloInitialisieren();                        // sizes and saves, shows progress and busy pointer
-void MCS_verrauschen(GatheredPoints& points);           // each start point: the saved one plus new noise
 void TakeRunOfMonteCarlo(int i, const Column& values);  // of run i: element k into array k of MCResults
 void MonteCarloFinalisieren(GatheredPoints& points);    // the points without noise, the window away
 

@@ -73,6 +73,7 @@ WaySteps StepsOf(ShapeRun& run, ShapeLoop& loop, double tolerance) {
 
 MonteCarloEnd AllRuns(const ShapeRuns& runs, const CleanPoints& clean, ShapeRun& fit, ShapeLoop& loop,
                       NoiseRecord& noise, const ShapeRunsListener& listener) {
+    Column values;
     for (int i = 1; i <= runs.Runs; ++i) {
         if (listener.Begins) listener.Begins(i);
         if (fit.Lost()) return MonteCarloEnd::Abandoned;
@@ -81,9 +82,9 @@ MonteCarloEnd AllRuns(const ShapeRuns& runs, const CleanPoints& clean, ShapeRun&
         if (end == PassEnd::Done) end = PassThatCounts(fit);
         if (end == PassEnd::Lost) return MonteCarloEnd::Abandoned;
         if (end == PassEnd::Failed) return MonteCarloEnd::Ended;
-        if (TakeNeatRotation(fit.Now)) BuildChain(ChainSourceOf(fit.Now), fit.Chain);
-        if (listener.Counts)
-            listener.Counts(i, ResultOfRun(fit.Model, {}, fit.Now, SigmaXYZOf(fit.Result.v, fit.P)));
+        if (TakeNicerRotation(fit.Now)) BuildChain(ChainSourceOf(fit.Now), fit.Chain);
+        ResultOfRun(fit.Model, {}, fit.Now, SigmaXYZOf(fit.Result.v, fit.P), values);
+        if (listener.Counts) listener.Counts(i, values);
     }
     return MonteCarloEnd::Complete;
 }

@@ -72,11 +72,12 @@ public:
 
     bool Converged() const { return converged_; }
 
-    // Of the last fit.
-    Column Values() const {
-        Parameters neat = now_;
-        TakeNeatRotation(neat);
-        return ResultOfRun(run_.Model, run_.Held, neat, sigma_);
+    // The last fit counts.
+    void Tell(int i) {
+        if (!listener_.Counts) return;
+        const std::optional<Vec3> nicer = TakeNicerRotation(now_);
+        ResultOfRun(run_.Model, run_.Held, now_, sigma_, values_);
+        listener_.Counts(i, values_, nicer);
     }
 
 private:
@@ -102,6 +103,7 @@ private:
     RepeatedFit short_;
     bool shortServes_ = false, converged_ = false;
     Parameters now_;
+    Column values_;
     double sigma_ = 0;
 };
 
@@ -113,7 +115,7 @@ MonteCarloEnd AllRuns(MonteCarloRun& run, NoiseRecord& noise, const MonteCarloLi
         AddNoise(CleanOf(run), run.Sigma, noise, run.Points);
         if (!fits.Fit(whole)) return MonteCarloEnd::Abandoned;
         if (!fits.Converged() || run.Quiet.Stops()) return MonteCarloEnd::Ended;
-        if (listener.Counts) listener.Counts(i, fits.Values());
+        fits.Tell(i);
     }
     return MonteCarloEnd::Complete;
 }
@@ -140,16 +142,16 @@ void AddNoise(const CleanPoints& clean, const Vec3& sigma, NoiseRecord& noise, G
     for (const std::span<const double>& column : clean) Require(column.size() == At(points.Count));
     constexpr int kAtOnce = 64;  // points
     std::array<double, std::size_t{3} * kAtOnce> numbers;
-    const Vec3 c = points.StartCentre;
+    const Vec3 c = points.StartCentre, by = sigma;
     for (int first = 0; first < points.Count; first += kAtOnce) {
         const int count = std::min(kAtOnce, points.Count - first);
         FillWithNoise(noise, {numbers.data(), At(3 * count)});
         for (int k = 0; k < count; ++k) {
             const double* const n = &numbers[At(3 * k)];
             const std::size_t i = At(first + k);
-            points.Start[0][i] = (clean[0][i] + n[0] * sigma(1)) - c(1);
-            points.Start[1][i] = (clean[1][i] + n[1] * sigma(2)) - c(2);
-            points.Start[2][i] = (clean[2][i] + n[2] * sigma(3)) - c(3);
+            points.Start[0][i] = (clean[0][i] + n[0] * by(1)) - c(1);
+            points.Start[1][i] = (clean[1][i] + n[1] * by(2)) - c(2);
+            points.Start[2][i] = (clean[2][i] + n[2] * by(3)) - c(3);
         }
     }
 }
@@ -176,23 +178,22 @@ StartChoice ChoiceOfRuns(StartChoice choice, const std::array<bool, kParameterEn
     return choice;
 }
 
-bool TakeNeatRotation(Parameters& values) {
+std::optional<Vec3> TakeNicerRotation(Parameters& values) {
     const std::optional<Vec3> angles = NicerRotation({values[kRotX], values[kRotY], values[kRotZ]});
-    if (!angles) return false;
-    for (int axis = 1; axis <= 3; ++axis) values[kRotX + axis - 1] = (*angles)(axis);
-    return true;
+    if (angles)
+        for (int axis = 1; axis <= 3; ++axis) values[kRotX + axis - 1] = (*angles)(axis);
+    return angles;
 }
 
-Column ResultOfRun(const FitModel& model, const std::array<bool, kParameterEnd>& held,
-                   const Parameters& values, double sigmaXYZ) {
-    Column result(At(kMonteCarloArrays) + 1);
+void ResultOfRun(const FitModel& model, const std::array<bool, kParameterEnd>& held, const Parameters& values,
+                 double sigmaXYZ, Column& result) {
+    result.assign(At(kMonteCarloArrays) + 1, 0);
     for (int k = kTraX; k < kParameterEnd; ++k) {
         if (model.UnknownOf[At(k)] != 0)
             result[At(k)] = IsAngleOfRotation(k) ? WrapAngle(values[k]) : values[k];
         if (held[At(k)]) result[At(k)] = values[k];
     }
     result[kSigmaXYZ] = sigmaXYZ;
-    return result;
 }
 
 double SigmaXYZOf(const Column& v, const Column& P) {
@@ -235,7 +236,7 @@ MonteCarloResult FitWithRuns(const MonteCarloProblem& problem, const FitListener
     SeedNoise(noise, problem.Seed);
     const MonteCarloListener runs = {.BeginWhole = [&](const Parameters&) { return run.Quiet; },
                                      .Counts =
-                                         [&result](int i, const Column& values) {
+                                         [&result](int i, const Column& values, const std::optional<Vec3>&) {
                                              for (int k = 1; k <= kMonteCarloArrays; ++k)
                                                  result.Results(k, i) = values[At(k)];
                                          }};

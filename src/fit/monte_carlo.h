@@ -52,8 +52,9 @@ struct MonteCarloListener {
     std::function<FitRun(const Parameters& begin)> BeginWhole;
     // The fit of a run has ended; false as above.
     std::function<bool(const FitRun& run, bool whole)> Fitted;
-    // The run counts. Element k of `values` is its result of array k, mm and rad; 0 for what is held.
-    std::function<void(int run, const Column& values)> Counts;
+    // The run counts. Element k of `values` is its result of array k, mm and rad; 0 for what is held. Its
+    // rotation is the neater one, `nicer`, where there is one.
+    std::function<void(int run, const Column& values, const std::optional<Vec3>& nicer)> Counts;
 };
 
 enum class MonteCarloEnd : std::uint8_t {
@@ -77,13 +78,13 @@ MonteCarloEnd RunMonteCarlo(MonteCarloRun& run, NoiseRecord& noise, const MonteC
 //   results  array k in row k, entries 1 to the number of runs
 int BringRunsToForm(const FitModel& model, const Parameters& result, Matrix& results);
 
-// Takes the neater rotation of two (nice_rotation.h); false where there is none.
-bool TakeNeatRotation(Parameters& values);
+// Takes the neater rotation of two (nice_rotation.h), and gives it; nothing where there is none.
+std::optional<Vec3> TakeNicerRotation(Parameters& values);
 
 // What a run leaves: element k of array k, the angles of the rotation less than half a turn from 0; 0 for
 // what neither floats nor is `held`.
-Column ResultOfRun(const FitModel& model, const std::array<bool, kParameterEnd>& held,
-                   const Parameters& values, double sigmaXYZ);
+void ResultOfRun(const FitModel& model, const std::array<bool, kParameterEnd>& held, const Parameters& values,
+                 double sigmaXYZ, Column& result);
 // The mean error xyz of residuals and weights, three a pair.
 double SigmaXYZOf(const Column& v, const Column& P);
 

@@ -23,7 +23,7 @@ bool Project(ShapeRun& run) {
     double distance = 0;
     BuildChain(ChainSourceOf(run.Now), run.Chain);
     for (std::size_t k = 0; k < At(points.Count); ++k) {
-        if (run.Lost()) return false;
+        if (run.Lost(k == 0)) return false;
         const Vec3 image =
             ImageOf(run, {points.Start[0][k] + c(1), points.Start[1][k] + c(2), points.Start[2][k] + c(3)});
         Vec3 nearest;

@@ -19,8 +19,8 @@ struct ShapeRun;
 // Who hears what a fit to a shape does, and may end it. Any of them may be unset.
 struct ShapeListener {
     // At each point of a pass, at each sum of a search and behind each pass of a loop; false: what the fit
-    // works on has been replaced.
-    std::function<bool(const ShapeRun&)> GoesOn;
+    // works on has been replaced. `moved` tells whether the parameters may be others than the last time.
+    std::function<bool(const ShapeRun&, bool moved)> GoesOn;
     // The adjustment of a pass begins at these parameters: its limits and its listener. Unset: those of the
     // run, heard by nobody.
     std::function<FitRun(const Parameters& begin)> BeginFit;
@@ -52,7 +52,7 @@ struct ShapeRun {
     double s0 = 0;           // likewise, mm
     ShapeListener Listener;
 
-    bool Lost() const { return Listener.GoesOn && !Listener.GoesOn(*this); }
+    bool Lost(bool moved = true) const { return Listener.GoesOn && !Listener.GoesOn(*this, moved); }
 };
 
 // Where the present parameters carry a point of the start system; mm.

@@ -222,12 +222,6 @@ void TakeStartOfShape() {
     GetSeed();
 }
 
-void Accelerate(double s0) {
-    Parameters now = ParametersOf(Job);
-    Accelerate(ParaboloidRun.Loop, FloatsOfJob(), s0, now);
-    PutParameters(now, Job);
-}
-
 void CountPass() {
     if (ParaboloidRun.ParaPass < kMostPasses) ++ParaboloidRun.ParaPass;
 }

@@ -55,9 +55,6 @@ void BeginOuterLoop();
 // The start values of the first pass.
 void TakeStartOfShape();
 
-// Accelerate of fit/ with the job's parameters and what floats by its choice.
-void Accelerate(double s0);
-
 void CountPass();
 
 // The message of kMostPasses, more than which no count of 16 bits holds.

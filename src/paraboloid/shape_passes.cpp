@@ -23,8 +23,8 @@ std::size_t At(int i) {
 
 ShapeListener ListenerOf(const ShapePasses& passes) {
     return {.GoesOn =
-                [&passes](const ShapeRun&) {
-                    passes.PutIntoJob();
+                [&passes](const ShapeRun&, bool moved) {
+                    if (moved) passes.PutIntoJob();
                     YieldToEvents();
                     return !passes.Overtaken();
                 },

@@ -202,7 +202,7 @@ TEST(ShapeAlone, TheListenerHearsTheLoopAndMayEndIt) {
     const ShapeProblem problem = ProblemOf(cloud, Table(301, Dish), kFive);
     int passes = 0, fits = 0, asked = 0;
     const ShapeResult whole = FitShape(problem, {.GoesOn =
-                                                     [&asked](const ShapeRun&) {
+                                                     [&asked](const ShapeRun&, bool) {
                                                          ++asked;
                                                          return true;
                                                      },
@@ -217,7 +217,7 @@ TEST(ShapeAlone, TheListenerHearsTheLoopAndMayEndIt) {
     EXPECT_GT(fits, passes);
     EXPECT_GT(asked, 40 * passes);
     asked = 0;
-    EXPECT_EQ(FitShape(problem, {.GoesOn = [&asked](const ShapeRun&) { return ++asked < 100; }}).End,
+    EXPECT_EQ(FitShape(problem, {.GoesOn = [&asked](const ShapeRun&, bool) { return ++asked < 100; }}).End,
               PassEnd::Lost);
     EXPECT_EQ(asked, 100) << "and nobody is asked again";
     EXPECT_EQ(FitShape(problem, {.StopIsWanted = [] { return true; }}).End, PassEnd::Failed);

@@ -124,7 +124,8 @@ TEST(MonteCarloAlone, WholeFitsGiveWhatShortOnesGive) {
                     return whole;
                 },
             .BeginWhole = [&run](const Parameters&) { return run.Quiet; },
-            .Counts = [&all](int, const Column& values) { all.push_back(values); }};
+            .Counts = [&all](int, const Column& values,
+                             const std::optional<Vec3>&) { all.push_back(values); }};
         EXPECT_EQ(RunMonteCarlo(run, noise, listener), MonteCarloEnd::Complete);
         return all;
     };

@@ -23,6 +23,13 @@ protected:
         FloatParameters({kTraX, kTraY, kTraZ, kRotX, kRotY, kRotZ});
         BeginOuterLoop();
     }
+    static void Accelerate(double s0) {
+        std::array<bool, kParameterEnd> floats{};
+        for (std::size_t k = kTraX; k < kParameterEnd; ++k) floats[k] = Job.ParamText[k] == kFloat;
+        Parameters now = ParametersOf(Job);
+        fit::Accelerate(ParaboloidRun.Loop, floats, s0, now);
+        PutParameters(now, Job);
+    }
     // A pass that has found TraX and a smaller s0 than the one before.
     void Pass(double traX) {
         Job.TraX = traX;
