@@ -9,8 +9,9 @@
 #include <ctime>
 #include <vector>
 
-#include "bundle/adjustment_steps.h"
+#include "bundle/prepare_bundle.h"
 #include "core/fresh_start.h"
+#include "fit/bundle_iteration.h"
 #include "fit/matrix.h"
 #include "timing.h"
 
@@ -47,12 +48,12 @@ BundleRecord Network(int unknowns) {
     };
     network.nStations = static_cast<std::int16_t>(stations);
     network.nObjectPoints = static_cast<std::int16_t>(objects);
-    network.StationXYZ = Matrix(stations, 3);
-    network.ObjectXYZ = Matrix(objects, 3);
+    network.Net.StationXYZ = Matrix(stations, 3);
+    network.Net.ObjectXYZ = Matrix(objects, 3);
     for (auto& end : network.DistancePair) end = {""};
     for (int axis = 1; axis <= 3; ++axis) {
-        for (int i = 1; i <= stations; ++i) network.StationXYZ(i, axis) = place(i, axis);
-        for (int i = 1; i <= objects; ++i) network.ObjectXYZ(i, axis) = place(stations + i, axis);
+        for (int i = 1; i <= stations; ++i) network.Net.StationXYZ(i, axis) = place(i, axis);
+        for (int i = 1; i <= objects; ++i) network.Net.ObjectXYZ(i, axis) = place(stations + i, axis);
     }
     for (int i = 1; i <= stations; ++i) network.StationName.push_back("S" + std::to_string(i));
     for (int i = 1; i <= objects; ++i) network.ObjectName.push_back("P" + std::to_string(i));
@@ -60,7 +61,7 @@ BundleRecord Network(int unknowns) {
         for (int o = 1; o <= objects; ++o) {
             network.DistancePair[1].push_back(network.StationName[static_cast<std::size_t>(s)]);
             network.DistancePair[2].push_back(network.ObjectName[static_cast<std::size_t>(o)]);
-            network.DistanceValue.push_back(5000);
+            network.Net.DistanceValue.push_back(5000);
         }
     network.nDistances = stations * objects;
     return network;
@@ -69,8 +70,8 @@ BundleRecord Network(int unknowns) {
 // With the normal matrix in Qxx.
 BundleWork Prepared(const BundleRecord& network) {
     BundleWork work = PrepareBundle(network, 100);
-    AMatrix(network, work);
-    HoldDatum(network, work);
+    AMatrix(network.Net, work);
+    HoldDatum(network.Net, work);
     NormalMatrix(network.nStations, work);
     return work;
 }

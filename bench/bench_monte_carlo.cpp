@@ -55,7 +55,7 @@ BENCHMARK(MonteCarlo_Runs)->ArgName("points")->Arg(20)->Arg(200)->Unit(benchmark
 void MonteCarlo_Noise(benchmark::State& state) {
     std::vector<double> numbers(static_cast<std::size_t>(3 * state.range(0)));
     for (auto _ : state) {
-        for (int run = 0; run < kRuns; ++run) FillWithNoise(numbers);
+        for (int run = 0; run < kRuns; ++run) FillWithNoise(Noise, numbers);
         benchmark::DoNotOptimize(numbers.data());
     }
 }

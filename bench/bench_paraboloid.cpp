@@ -7,13 +7,12 @@
 
 #include "core/fresh_start.h"
 #include "core/job.h"
-#include "core/refresh.h"
 #include "core/settings.h"
 #include "core/units.h"
 #include "engine/calculation.h"
 #include "engine/selection.h"
+#include "fit/shape.h"
 #include "paraboloid/paraboloid.h"
-#include "paraboloid/shape.h"
 
 using namespace corvinade;
 

@@ -1,5 +1,5 @@
 // The tables above all rooms: every window, every record with mutable state, everything that follows a
-// change.
+// change, and what rooms above an import or a calculation do for it.
 #include <algorithm>
 #include <vector>
 
@@ -38,6 +38,7 @@
 #include "engine/form_trafo_berechnung.h"
 #include "engine/form_trafo_details.h"
 #include "engine/inverse.h"
+#include "engine/job_calculation.h"
 #include "engine/monte_carlo.h"
 #include "engine/noise.h"
 #include "engine/norms.h"
@@ -55,6 +56,7 @@
 #include "import/form_input_files.h"
 #include "import/import_changes.h"
 #include "import/long_import.h"
+#include "import/readers_above.h"
 #include "import/robot_files.h"
 #include "paraboloid/form_stop_para_trafo.h"
 #include "paraboloid/paraboloid.h"
@@ -137,6 +139,33 @@ std::span<const std::span<const RecordEntry>> AllRecords() {
                                                            ParaboloidRecords(), BundleRecords()};
     return kTables;
 }
+
+}  // namespace corvinade::core
+
+namespace corvinade::import {
+
+std::span<const ReaderAbove> AllReadersAbove() {
+    static constexpr ReaderAbove kRows[] = {
+        {FileAbove::Shape, TakeShape},
+        {FileAbove::Network, [](const TargetFile& file) { ReadBundleFile(file.Path); }},
+    };
+    return kRows;
+}
+
+}  // namespace corvinade::import
+
+namespace corvinade::engine {
+
+std::span<const CalculationAbove> AllCalculationsAbove() {
+    static constexpr CalculationAbove kRows[] = {
+        {[] { return IsTrue(Job.IsParaboloid); }, CalculateParaboloid},
+    };
+    return kRows;
+}
+
+}  // namespace corvinade::engine
+
+namespace corvinade::core {
 
 std::span<const ChangeRow> AllChangeRows() {
     static const std::vector<ChangeRow> kRows = [] {

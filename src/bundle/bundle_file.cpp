@@ -176,7 +176,7 @@ void TakePoint(Fields fields, std::size_t number, std::vector<std::string>& name
 //   rows   of each distance its line
 void NoteDistances(const BundleRecord& network, const DistanceCheck& check,
                    const std::vector<std::int64_t>& rows, RowNotes& notes) {
-    for (std::size_t k = 1; k < network.DistanceValue.size(); ++k) {
+    for (std::size_t k = 1; k < network.Net.DistanceValue.size(); ++k) {
         const DistanceFaults faults = check.Of(k);
         const auto count = [&](NoteCode code, const char* text) {
             notes.Count(code, rows[k], [&] { return "The distance from " + PairText(network, k) + text; });
@@ -285,12 +285,12 @@ BundleRecord BündelInputFileEinlesen(const std::string& path) {
     network.nObjectPoints = static_cast<std::int16_t>(counts[1]);
     network.nDistances = static_cast<std::int32_t>(counts[2]);
     network.StationName.resize(static_cast<std::size_t>(counts[0]) + 1);
-    network.StationXYZ = Matrix(network.nStations, 3);
+    network.Net.StationXYZ = Matrix(network.nStations, 3);
     network.ObjectName.resize(static_cast<std::size_t>(counts[1]) + 1);
-    network.ObjectXYZ = Matrix(network.nObjectPoints, 3);
+    network.Net.ObjectXYZ = Matrix(network.nObjectPoints, 3);
     for (const std::size_t end : {1U, 2U})
         network.DistancePair[end].resize(static_cast<std::size_t>(counts[2]) + 1);
-    network.DistanceValue.resize(static_cast<std::size_t>(counts[2]) + 1);
+    network.Net.DistanceValue.resize(static_cast<std::size_t>(counts[2]) + 1);
 
     ForgetNotes();
     RowNotes notes(path, ' ', PointFields(true));
@@ -303,15 +303,15 @@ BundleRecord BündelInputFileEinlesen(const std::string& path) {
         Fields fields(DecodedLine(file, line, scratch), row, network, notes);
         const std::size_t k = ++number[section];
         if (section == 0) {
-            TakePoint(fields, k, network.StationName, network.StationXYZ);
+            TakePoint(fields, k, network.StationName, network.Net.StationXYZ);
             nameLines[section].Add(network.StationName[k], row);
         } else if (section == 1) {
-            TakePoint(fields, k, network.ObjectName, network.ObjectXYZ);
+            TakePoint(fields, k, network.ObjectName, network.Net.ObjectXYZ);
             nameLines[section].Add(network.ObjectName[k], row);
         } else {
             network.DistancePair[1][k] = fields.Text();
             network.DistancePair[2][k] = fields.Text();
-            network.DistanceValue[k] = fields.Length("distance from " + PairText(network, k));
+            network.Net.DistanceValue[k] = fields.Length("distance from " + PairText(network, k));
             fields.End();
             distanceRows[k] = row;
         }
@@ -333,7 +333,7 @@ BundleRecord BündelInputFileEinlesen(const std::string& path) {
 std::string BundleObjections(const BundleRecord& network) {
     const DistanceCheck check(network);
     Objection unknown, nothing, onePlace;
-    for (std::size_t k = 1; k < network.DistanceValue.size(); ++k) {
+    for (std::size_t k = 1; k < network.Net.DistanceValue.size(); ++k) {
         const DistanceFaults faults = check.Of(k);
         if (faults.NotPositive) nothing.Add(PairText(network, k));
         if (faults.Unknown) unknown.Add(PairText(network, k));

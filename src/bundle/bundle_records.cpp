@@ -13,13 +13,13 @@ const RecordEntry kRecords[] = {
     {"nObjectPoints", &Bundle.nObjectPoints, Storage::Run},
     {"nDistances", &Bundle.nDistances, Storage::Run},
     {"StationName", &Bundle.StationName, Storage::Run},
-    {"StationXYZ", &Bundle.StationXYZ, Storage::Run},
+    {"StationXYZ", &Bundle.Net.StationXYZ, Storage::Run},
     {"ObjectName", &Bundle.ObjectName, Storage::Run},
-    {"ObjectXYZ", &Bundle.ObjectXYZ, Storage::Run},
+    {"ObjectXYZ", &Bundle.Net.ObjectXYZ, Storage::Run},
     {"DistancePair", TextTable{&Bundle.DistancePair[1], 2}, Storage::Run},
     {"DistancePair.1", &Bundle.DistancePair[1], Storage::Run},
     {"DistancePair.2", &Bundle.DistancePair[2], Storage::Run},
-    {"DistanceValue", &Bundle.DistanceValue, Storage::Run},
+    {"DistanceValue", &Bundle.Net.DistanceValue, Storage::Run},
 };
 
 }  // namespace

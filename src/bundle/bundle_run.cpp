@@ -32,10 +32,10 @@ template <class Take>
 void ForEachPoint(const BundleRecord& network, const BundleWork& work, Take take) {
     int column = 0;
     for (int i = 1; i <= network.nStations; ++i, column += 3)
-        take(network.StationName[At(i)], network.StationXYZ.Row(i), column);
+        take(network.StationName[At(i)], network.Net.StationXYZ.Row(i), column);
     for (std::size_t k = 1; k < work.UsedObject.size(); ++k, column += 3) {
         const int i = work.UsedObject[k];
-        take(network.ObjectName[At(i)], network.ObjectXYZ.Row(i), column);
+        take(network.ObjectName[At(i)], network.Net.ObjectXYZ.Row(i), column);
     }
 }
 
@@ -43,59 +43,46 @@ std::string PointText(const std::string& name, const double* xyz) {
     return name + "\t" + Shown(xyz[1]) + "\t" + Shown(xyz[2]) + "\t" + Shown(xyz[3]);
 }
 
-bool IsFinite(const BundleRecord& network) {
-    const auto finite = [](const std::vector<double>& values) {
-        return std::all_of(values.begin(), values.end(), [](double x) { return std::fabs(x) < 1e150; });
-    };
-    return finite(network.StationXYZ.Elements) && finite(network.ObjectXYZ.Elements) &&
-           finite(network.DistanceValue);
-}
-
-// Iterates to an end of its own.
-BundleEnd Iterate(BundleRecord& network, BundleWork& work, double limit_mm, const BundleTelling& telling) {
-    if (!IsFinite(network)) return BundleEnd::NotFinite;
-    const Matrix stations = network.StationXYZ, objects = network.ObjectXYZ;
-    bool ours = true;
-    const auto yield = [&] {
-        YieldToEvents();
-        ours = ours && (!telling.Ours || telling.Ours());
-        return ours && !IsTrue(Run.StopRequested);
-    };
-    const BundleListener listener = {telling.Log, yield};
-    while (work.Iterations < kMostBundleIterations) {
-        const BundleStep step = BundleIteration(network, work, listener);
-        if (!ours) return BundleEnd::Abandoned;
-        if (step == BundleStep::Ended) return BundleEnd::Stopped;
-        if (step == BundleStep::OnALine) return BundleEnd::OnALine;
-        if (step == BundleStep::NotFinite) {
-            network.StationXYZ = stations;
-            network.ObjectXYZ = objects;
-            return BundleEnd::NotFinite;
-        }
-        if (telling.Iteration) telling.Iteration(work);
-        const bool goOn = yield();
-        if (!ours) return BundleEnd::Abandoned;
-        if (work.BiggestX < limit_mm) return BundleEnd::Converged;
-        if (!goOn) return BundleEnd::Stopped;
-    }
-    return BundleEnd::NoEnd;
-}
-
 }  // namespace
+
+const char* BundleStageText(BundleStage stage) {
+    switch (stage) {
+        case BundleStage::Rows:
+            return "calculationg A Matrix";
+        case BundleStage::Transposed:
+            return "calculating A transponiert";
+        case BundleStage::Weighted:
+            return "calculating At * P";
+        case BundleStage::Normal:
+            return "calculating N = (At * P) * A";
+        case BundleStage::Inverted:
+            return "calculating qxx = N^-1";
+        case BundleStage::RightSide:
+            return "calculating n = (At * P) * l";
+        case BundleStage::Solved:
+            return "calculating x = qxx * n";
+        case BundleStage::Residuals:
+            return "calculating v = A * x -l";
+        case BundleStage::Added:
+            return "calculating unknowns";
+    }
+    return "";
+}
 
 BundleEnd AdjustBundle(BundleRecord& network, BundleWork& work, double limit_mm,
                        const BundleTelling& telling) {
-    const int stations = network.nStations;
-    const BundleEnd end = Iterate(network, work, limit_mm, telling);
-    const bool hasResult =
-        end == BundleEnd::Converged || end == BundleEnd::NoEnd || end == BundleEnd::Stopped;
-    if (!hasResult || work.Iterations == 0) return end;
-    bool ours = true;
-    FindOpenCoordinates(stations, work, [&] {
-        YieldToEvents();
-        ours = ours && (!telling.Ours || telling.Ours());
-    });
-    return ours ? end : BundleEnd::Abandoned;
+    const BundleListener listener = {.Heard =
+                                         [&telling](BundleStage stage) {
+                                             if (telling.Log) telling.Log(BundleStageText(stage));
+                                         },
+                                     .Iteration = telling.Iteration,
+                                     .GoesOn =
+                                         [&telling] {
+                                             YieldToEvents();
+                                             return !telling.Ours || telling.Ours();
+                                         },
+                                     .StopIsWanted = [] { return IsTrue(Run.StopRequested); }};
+    return AdjustBundle(network.Net, work, limit_mm, kMostBundleIterations, listener);
 }
 
 std::string BundleEndText(BundleEnd end, const BundleWork& work) {
@@ -184,19 +171,12 @@ std::string AdjustedText(const BundleRecord& network, const BundleWork& work) {
     return text;
 }
 
-TaggedValue BundleAccuracy(const BundleRecord& network, const BundleWork& work, int column) {
-    const TaggedValue& cofactor = work.Cofactor[At(column)];
-    if (!cofactor || IsOpenCoordinate(work, column)) return {};
-    // A network that its distances hardly determine has cofactors of any sign.
-    return BundleS0(network, work) * std::sqrt(std::fabs(*cofactor));
-}
-
 std::string ResultText(const BundleRecord& network, const BundleWork& work) {
     std::string text;
     ForEachPoint(network, work, [&](const std::string& name, const double* xyz, int column) {
         text += PointText(name, xyz);
         for (int axis = 1; axis <= 3; ++axis) {
-            const TaggedValue accuracy = BundleAccuracy(network, work, column + axis);
+            const std::optional<double> accuracy = BundleAccuracy(work, column + axis);
             text += "\t" + (accuracy                                ? Shown(*accuracy)
                             : IsOpenCoordinate(work, column + axis) ? "open"
                                                                     : "0");

@@ -6,35 +6,28 @@
 #include <optional>
 #include <string>
 
-#include "bundle/adjustment_steps.h"
+#include "bundle/network.h"
+#include "bundle/prepare_bundle.h"
 #include "core/rooms.h"
+#include "fit/bundle_adjustment.h"
 
 namespace corvinade::bundle {
 
-enum class BundleEnd {
-    Converged,
-    Stopped,    // by the user; work.Iterations tells how many whole iterations were done, none perhaps
-    NoEnd,      // the changes did not become small in kMostIterations
-    OnALine,    // all stations are on one line
-    NotFinite,  // the coordinates went beyond numbers, and the network is as it was at the start
-    Abandoned   // `Ours` has said that the network is not the caller's any more; nothing is to be handed on
-};
-
-inline constexpr double kBundleLimit = 1e-5;  // mm, biggest absolute x at which the iteration ends
-inline constexpr double kWindowLimit = 1e-6;  // likewise, for the copy of the window
-inline constexpr int kMostBundleIterations = 1000;
+inline constexpr double kWindowLimit = 1e-6;  // mm, in place of kBundleLimit for the copy of the window
 
 struct BundleTelling {
-    std::function<void(const char*)> Log;              // each step
+    std::function<void(const char*)> Log;              // each step, in words
     std::function<void(const BundleWork&)> Iteration;  // each whole iteration
     std::function<bool()> Ours;                        // after each yield: may the work go on?
 };
 
-// What the distances leave open is then found (work.Open).
-// Iterates until the biggest absolute x is below `limit_mm` or Run.StopRequested is set. Yields once an
-// iteration, and within the inverse of a large one.
+// The adjustment of fit/, heard by the program: it ends where Run.StopRequested is set. Yields once an
+// iteration, and within long steps.
 BundleEnd AdjustBundle(BundleRecord& network, BundleWork& work, double limit_mm,
                        const BundleTelling& telling);
+
+// What the window shows of a step.
+const char* BundleStageText(BundleStage stage);
 
 // What a user is told of an end that is not the wanted one; "" for Converged, Stopped and Abandoned.
 std::string BundleEndText(BundleEnd end, const BundleWork& work);
@@ -62,9 +55,6 @@ std::string AdjustedText(const BundleRecord& network, const BundleWork& work);
 // NetworkText with the accuracy of each coordinate behind them, "0" for one that was held, "open" for one
 // that the distances leave open.
 std::string ResultText(const BundleRecord& network, const BundleWork& work);
-
-// Accuracy of the coordinate of a column, mm; nothing for one that was held or is open.
-TaggedValue BundleAccuracy(const BundleRecord& network, const BundleWork& work, int column);
 
 // The values of x and v of the last whole iteration, a line each.
 std::string VectorsText(const BundleWork& work);

@@ -21,13 +21,13 @@ DistanceFaults DistanceCheck::Of(std::size_t distance) const {
     const std::string& to = network_.DistancePair[2][distance];
     const auto station = stations_.find(from), object = objects_.find(to);
     DistanceFaults faults;
-    faults.NotPositive = !(network_.DistanceValue[distance] > 0);
+    faults.NotPositive = !(network_.Net.DistanceValue[distance] > 0);
     faults.Unknown = station == stations_.end() || object == objects_.end();
     if (faults.Unknown) {
         faults.Swapped = AreNames(to, from);
     } else {
-        const double *a = network_.StationXYZ.Row(station->second),
-                     *b = network_.ObjectXYZ.Row(object->second);
+        const double *a = network_.Net.StationXYZ.Row(station->second),
+                     *b = network_.Net.ObjectXYZ.Row(object->second);
         faults.OnePlace = std::equal(a + 1, a + 4, b + 1);
     }
     return faults;

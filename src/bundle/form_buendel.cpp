@@ -9,7 +9,6 @@
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/text.h"
 #include "core/units.h"

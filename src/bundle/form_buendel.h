@@ -2,6 +2,7 @@
 #pragma once
 
 #include <span>
+#include <string>
 
 #include "bundle/network.h"
 #include "core/changes.h"
@@ -31,6 +32,9 @@ struct FormBündel {
 };
 inline FormBündel BündelWindow;
 extern const WindowEntry FormBündel_Entry;
+
+// Reads the bundle file of the input dialog and opens the window.
+void ReadBundleFile(const std::string& path);
 
 std::span<const ChangeRow> BundleChanges();  // the room's rows in the table of changes
 

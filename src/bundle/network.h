@@ -8,6 +8,7 @@
 
 #include "core/arrays.h"
 #include "core/rooms.h"
+#include "fit/bundle_network.h"
 
 namespace corvinade::bundle {
 
@@ -16,10 +17,9 @@ struct BundleRecord {
     std::int16_t nStations = 0, nObjectPoints = 0;
     std::int32_t nDistances = 0;
     std::vector<std::string> StationName{""}, ObjectName{""};  // from 1
-    Matrix StationXYZ, ObjectXYZ;                              // (1 to n, 1 to 3), mm
+    BundleNetwork Net;                                         // coordinates and distances
     // Per distance the names of its station and its object point, from 1; elements 1 and 2 are in use.
     std::array<std::vector<std::string>, 3> DistancePair;
-    Column DistanceValue{0};  // mm
     // Fields that should be numbers and are none, or not to their end, and where the first of them is.
     std::int64_t NoNumbers = 0;
     std::string FirstNoNumber;  // "line 7, "one""

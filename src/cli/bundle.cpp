@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cmath>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <ostream>
 
 #include "bundle/bundle_file.h"
@@ -64,13 +65,13 @@ std::string ShownLength(double length_mm) {
 template <class Take>
 void ForEachStation(Take take) {
     for (int i = 1; i <= Bundle.nStations; ++i)
-        take(Bundle.StationName[static_cast<std::size_t>(i)], Bundle.StationXYZ.Row(i), 3 * (i - 1));
+        take(Bundle.StationName[static_cast<std::size_t>(i)], Bundle.Net.StationXYZ.Row(i), 3 * (i - 1));
 }
 template <class Take>
 void ForEachObjectPoint(const BundleWork& work, Take take) {
     for (std::size_t k = 1; k < work.UsedObject.size(); ++k) {
         const int i = work.UsedObject[k];
-        take(Bundle.ObjectName[static_cast<std::size_t>(i)], Bundle.ObjectXYZ.Row(i),
+        take(Bundle.ObjectName[static_cast<std::size_t>(i)], Bundle.Net.ObjectXYZ.Row(i),
              3 * (Bundle.nStations + static_cast<int>(k) - 1));
     }
 }
@@ -81,7 +82,7 @@ void WritePoints(const BundleResult& result, const Style& style, std::ostream& o
         std::vector<std::string> row = {ForTable(name, kLongestName)};
         for (int axis = 1; axis <= 3; ++axis) row.push_back(ShownLength(xyz[axis]));
         for (int axis = 1; axis <= 3; ++axis) {
-            const TaggedValue accuracy = BundleAccuracy(Bundle, result.Work, column + axis);
+            const std::optional<double> accuracy = BundleAccuracy(result.Work, column + axis);
             row.push_back(accuracy                                       ? ShownLength(*accuracy)
                           : IsOpenCoordinate(result.Work, column + axis) ? "open"
                                                                          : "held");
@@ -115,7 +116,7 @@ void WriteTable(const BundleOptions& options, const BundleResult& result, const 
     if (result.End == BundleEnd::NoEnd) out << "  " << style.Alarm("convergence not reached");
     double largest = 0;
     for (const double v : work.v) largest = std::max(largest, std::fabs(v));
-    out << "\n" << HeadLabel("s0") << ShownLength(BundleS0(Bundle, work)) << "\n";
+    out << "\n" << HeadLabel("s0") << ShownLength(BundleS0(work)) << "\n";
     out << HeadLabel("largest v") << ShownLength(largest) << "\n";
     for (const std::string& file : result.Files) out << HeadLabel("written") << file << "\n";
     WritePoints(result, style, out);
@@ -124,7 +125,7 @@ void WriteTable(const BundleOptions& options, const BundleResult& result, const 
 ordered_json PointJson(const BundleResult& result, const std::string& name, const double* xyz, int column) {
     ordered_json sigma = ordered_json::array(), determined = ordered_json::array();
     for (int axis = 1; axis <= 3; ++axis) {
-        const TaggedValue accuracy = BundleAccuracy(Bundle, result.Work, column + axis);
+        const std::optional<double> accuracy = BundleAccuracy(result.Work, column + axis);
         sigma.push_back(accuracy ? ordered_json(*accuracy) : ordered_json());
         determined.push_back(!IsOpenCoordinate(result.Work, column + axis));
     }
@@ -147,7 +148,7 @@ void WriteJson(const BundleOptions& options, const BundleResult& result, std::os
     for (std::size_t k = 1; k < work.v.size(); ++k)
         distances.push_back({{"station", Bundle.DistancePair[1][k]},
                              {"objectPoint", Bundle.DistancePair[2][k]},
-                             {"measured_mm", Bundle.DistanceValue[k]},
+                             {"measured_mm", Bundle.Net.DistanceValue[k]},
                              {"used", TakesPart(work, k)},
                              {"v_mm", work.v[k]}});
     for (const IterationFacts& facts : result.Iterations)
@@ -160,7 +161,7 @@ void WriteJson(const BundleOptions& options, const BundleResult& result, std::os
                               {"converged", result.End == BundleEnd::Converged},
                               {"unknowns", work.nUnknown},
                               {"distancesInUse", DistancesInUse(work)},
-                              {"s0_mm", BundleS0(Bundle, work)},
+                              {"s0_mm", BundleS0(work)},
                               {"iterations", std::move(iterations)},
                               {"stations", std::move(stations)},
                               {"objectPoints", std::move(objects)},

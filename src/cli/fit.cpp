@@ -27,7 +27,6 @@
 #include "core/numbers.h"
 #include "core/parameter_names.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
@@ -39,6 +38,7 @@
 #include "engine/design.h"
 #include "engine/field_number.h"
 #include "engine/inverse.h"
+#include "engine/job_calculation.h"
 #include "engine/monte_carlo.h"
 #include "engine/noise.h"
 #include "engine/norm_table.h"
@@ -186,7 +186,7 @@ int Calculate(const FitOptions& options, std::ostream& err) {
         MCS_OCS();
     }
     Headless.Dialogs.clear();
-    if (!Dispatch([] { IsTrue(Job.IsParaboloid) ? CalculateParaboloid() : ButtonCalcErsatz(); })) {
+    if (!Dispatch(CalculateJob)) {
         WriteMessages(err);
         return kRefused;
     }

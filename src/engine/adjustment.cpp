@@ -38,19 +38,11 @@ bool PosesMayCount() {
     return Selection.CheckUseABC || !Selection.RDistShown;
 }
 
-// A fresh record of the run.
-void BeginRun(const FitModel& model) {
-    const bool confirmed = Adjustment.AngleUnitsConfirmed;
-    Adjustment = AdjustmentRecord{};
-    Adjustment.AngleUnitsConfirmed = confirmed;
-    Adjustment.Model = model;
-}
-
-// The same, and the model that the job's parameters give.
+// A fresh record, and the model that the job's parameters give.
 FitModel BeginRun(int u, int n, const ParameterTexts& ParamText, const GatheredPoints& points) {
     Require(n == 3 * Job.Pairs() && points.Count == Job.Pairs());
     Require(u == CountUnknowns(ParamText));
-    BeginRun(ChooseModel(ParamText));
+    BeginAdjustment(ChooseModel(ParamText));
     return Adjustment.Model;
 }
 
@@ -82,6 +74,13 @@ void IterateHere(const FitModel& model, Matrix& Q, Column& v, Column& P, Gathere
 }
 
 }  // namespace
+
+void BeginAdjustment(const FitModel& model) {
+    const bool confirmed = Adjustment.AngleUnitsConfirmed;
+    Adjustment = AdjustmentRecord{};
+    Adjustment.AngleUnitsConfirmed = confirmed;
+    Adjustment.Model = model;
+}
 
 bool GatherForFit(const Column& P, GatheredPoints& points) {
     const std::uint64_t generation = Run.JobGeneration;
@@ -118,7 +117,7 @@ void IterateQuietly(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Co
 }
 
 void IterateFromHere(const FitModel& model, Matrix& Q, Column& v, Column& P, GatheredPoints& points) {
-    BeginRun(model);
+    BeginAdjustment(model);
     IterateHere(model, Q, v, P, points);
     if (!Adjustment.JobChanged) TellOfLimit();
 }

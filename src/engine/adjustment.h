@@ -66,6 +66,9 @@ void IterateQuietly(int u, int n, const std::array<std::string, 18>& ParamText, 
                     Column& P, GatheredPoints& points);
 void TellOfLimit();  // the message, where the last run has reached the limit
 
+// A fresh record of a run of this model, for a caller whose fit begins elsewhere.
+void BeginAdjustment(const FitModel& model);
+
 // Takes the parameters that stand in the job as the result: `v` and Q are those of a linearisation there.
 void SettleHere(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q, Column& v, Column& P,
                 GatheredPoints& points);

@@ -7,7 +7,7 @@
 
 namespace corvinade::engine {
 
-// NiceRotSol for the result of a fit, with Q (TakeNicerRotation). Writes the rotation's copies too.
+// The neater rotation for the result of a fit, with Q (TakeNicerRotation). Writes the rotation's copies too.
 void NiceRotSolOfFit(const FitModel& model, Matrix& Q);
 
 // Takes the job's parameters from a form with a negative scale to the equal one without, if there is one, and

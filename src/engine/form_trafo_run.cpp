@@ -4,13 +4,13 @@
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "engine/calculation.h"
 #include "engine/calculation_window.h"
 #include "engine/clipboard_report.h"
 #include "engine/form_trafo_details.h"
+#include "engine/job_calculation.h"
 #include "engine/monte_carlo.h"
 #include "engine/presets.h"
 #include "engine/seed.h"
@@ -66,14 +66,6 @@ void RememberSolution() {
         CalculationWindow.LastSolution[static_cast<std::size_t>(parameter)] = ParameterValue(Job, parameter);
 }
 
-void Calculate() {
-    if (IsTrue(Job.IsParaboloid)) {
-        CalculateParaboloid();
-    } else {
-        ButtonCalcErsatz();
-    }
-}
-
 // False when other points have come in meanwhile.
 bool ShowResultElsewhere() {
     const std::uint64_t generation = Run.JobGeneration;
@@ -101,7 +93,7 @@ void CalculateAndShow() {
     ShowNow(What::NextResult);
     if (!WindowIsOpen()) TakeChoiceOfJob();
     const std::uint64_t generation = Run.JobGeneration;
-    Calculate();
+    CalculateJob();
     Run.StopRequested = kFalse;  // showing the result is not what was stopped
     // A job whose points were replaced meanwhile is shown by what replaced them.
     if (Run.JobGeneration != generation) return;

@@ -12,6 +12,7 @@
 #include "core/rooms.h"
 #include "core/window.h"
 #include "engine/norms.h"
+#include "fit/monte_carlo.h"
 
 namespace corvinade::engine {
 
@@ -20,11 +21,6 @@ struct MonteCarloShown {
     ProgressWindow Window{"Calculating MonteCarlo"};
     BusyPointer Pointer;
 };
-
-// The arrays of MCResults, one a parameter in the order of their numbers 1 to 17, and behind them the
-// mean error xyz of each run.
-inline constexpr int kSigmaXYZ = kParameterEnd;
-inline constexpr int kMonteCarloArrays = kSigmaXYZ;
 
 struct MonteCarloRecord {
     Flag MonteCarloOn = kFalse;        // the next calculation by least squares begins with the runs
@@ -52,31 +48,24 @@ bool MonteCarloCanBeHeld();
 // Moves the progress bar to run i of `runs`. True when that moved it.
 bool ShowRunOfMonteCarlo(int i, int runs);
 
-// The steps of the runs, which a caller takes only when they can be held. The noise lives in gathered points,
-// never in the job, so that a save while events are served stores what was measured.
-void MonteCarloInitialisieren();               // sizes and saves, shows progress and busy pointer
-void MCS_verrauschen(GatheredPoints& points);  // each start point: the saved one plus new noise
-void MonteCarloWriteiResults(int i, const Column& v, const Column& P);  // of run i: the job's parameters
-void MonteCarloFinalisieren(GatheredPoints& points);  // the points without noise, the window away
+// The steps of the runs on the job's side, which a caller takes only when they can be held. The noise lives
+// in gathered points, never in the job, so that a save while events are served stores what was measured.
+void MonteCarloInitialisieren();                        // sizes and saves, shows progress and busy pointer
+void TakeRunOfMonteCarlo(int i, const Column& values);  // of run i: element k into array k of MCResults
+void MonteCarloFinalisieren(GatheredPoints& points);    // the points without noise, the window away
 
 // All runs on points that are gathered; they stand without noise again behind it. A stop, a run that does
 // not converge and one that is no number end the runs: MonteCarloDone is then false. False when the job's
 // points were replaced while events were served, or when there are too many runs: the calculation ends then.
 //   fit  Q and v are left as the last run has made them that showed its texts
-// Reads Settings.SigmaX, SigmaY, SigmaZ (mm); writes MonteCarlo, Noise, the job's parameters; clears
-// Run.StopRequested.
+// Reads Settings.SigmaX, SigmaY, SigmaZ (mm) as the runs begin; writes MonteCarlo, Noise, the job's
+// parameters; clears Run.StopRequested.
 bool RunMonteCarlo(NormFit& fit);
 
-// Behind the fit that follows the runs: brings each of them to the form of its transformation that is nearest
-// to the result, for several sets of parameters mean the same (equal_forms.h), and a spread over a mixture of
-// them would be that of their signs and half turns. Angles stand less than half a turn from the result's.
-// A note tells how many runs there were in another form. Nothing where the runs are not complete.
+// Behind the fit that follows the runs: BringRunsToForm with the job's result. A note tells how many runs
+// there were in another form. Nothing where the runs are not complete.
 //   Reads Adjustment.Model, the job's parameters; writes MCResults
 void BringRunsToFormOfResult();
-
-// Over the entries 1 to n of an array whose entry 0 is unused; n the array's upper bound.
-double MeanOfArray(std::span<const double> a);
-double SigmaOfArray(std::span<const double> a);  // with the divisor n - 1
 
 // Array k of MCResults.
 std::span<const double> MonteCarloArray(int k);

@@ -1,12 +1,12 @@
-// The neater of the two triples of angles that describe the rotation of a result.
+// The rotation of the job's result.
 #pragma once
 
 #include "core/rooms.h"
+#include "fit/nice_rotation.h"
 
 namespace corvinade::engine {
 
-// Replaces the rotation of the job by that triple (NicerRotation). Writes Job.RotX, RotY, RotZ and their
-// copies; where there is none nothing changes.
-void NiceRotSol();
+// The angles about x, y and z, rad, into Job.RotX, RotY, RotZ and their copies.
+void TakeRotation(const Vec3& angles);
 
 }  // namespace corvinade::engine

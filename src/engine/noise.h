@@ -10,7 +10,5 @@ namespace corvinade::engine {
 inline NoiseRecord Noise;
 
 void SeedNoise(std::uint32_t seed);
-double GaussNoise(double mean, double sigma);
-void FillWithNoise(std::span<double> numbers);
 
 }  // namespace corvinade::engine

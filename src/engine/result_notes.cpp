@@ -414,9 +414,9 @@ std::string NamesLeftOpen() {
     return NamesOf(open);
 }
 
-void NoteCollapseOnShape(const NormFit& fit) {
+void NoteCollapseOnShape(const GatheredPoints& points) {
     const FitModel& model = Adjustment.Model;
-    NoteCollapse(model, Linearise(model, fit.Points).M);
+    NoteCollapse(model, Linearise(model, points).M);
 }
 
 void NoteResult(const NormFit& fit) {

@@ -16,8 +16,8 @@ namespace corvinade::engine {
 void NoteResult(const NormFit& fit);
 
 // Of a fit to a shape, whose nearest points shrink with the images of the points: the note of a scale that
-// has gone to 0 alone. `fit` has its points gathered.
-void NoteCollapseOnShape(const NormFit& fit);
+// has gone to 0 alone.
+void NoteCollapseOnShape(const GatheredPoints& points);
 
 // The points leave this parameter of the last calculation open: it has no sigma. So has the length of a tool
 // vector of which a part is open.

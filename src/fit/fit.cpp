@@ -46,7 +46,7 @@ FitModel ModelOf(const StartChoice& choice, FitMode mode) {
     return model;
 }
 
-FitResult Fit(const FitProblem& problem, const FitListener& listener) {
+NormRun BeginFit(const FitProblem& problem, const FitListener& listener) {
     const std::size_t count = problem.Pairs.Start[0].size();
     for (const auto* set : {&problem.Pairs.Start, &problem.Pairs.Target})
         for (const std::span<const double>& column : *set) Require(column.size() == count);
@@ -65,6 +65,11 @@ FitResult Fit(const FitProblem& problem, const FitListener& listener) {
     std::copy(problem.InUse.begin(), problem.InUse.end(), run.InUse.begin() + 1);
     run.P = run.InUse;
     GatherPoints(problem.Pairs, run.P, problem.Mode == FitMode::Tool, run.Points);
+    return run;
+}
+
+FitResult Fit(const FitProblem& problem, const FitListener& listener) {
+    NormRun run = BeginFit(problem, listener);
     problem.Norm == FitNorm::LeastSquares ? FitLeastSquares(run) : FitByLoop(run);
     int without = 0;
     if (problem.Sigmas && !run.Abandoned() && run.Run.State.Finite) {

@@ -54,4 +54,7 @@ FitModel ModelOf(const StartChoice& choice, FitMode mode);
 // a number that is none ends the fit with State.Finite false.
 FitResult Fit(const FitProblem& problem, const FitListener& listener = {});
 
+// The run of a problem as it begins, its points gathered.
+NormRun BeginFit(const FitProblem& problem, const FitListener& listener);
+
 }  // namespace corvinade::fit

@@ -10,13 +10,13 @@
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
 #include "import/import_request.h"
 #include "import/point_file.h"
 #include "import/point_file_checks.h"
+#include "import/readers_above.h"
 #include "import/robot_files.h"
 
 namespace corvinade::import {
@@ -340,7 +340,7 @@ void myBtn_OK() {
     if (bundle.empty()) {
         Import(RequestOfDialog());
     } else {
-        ReadBundleFile(bundle);
+        ReadAbove(FileAbove::Network, {bundle});
     }
 }
 

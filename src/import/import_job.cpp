@@ -13,7 +13,6 @@
 #include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
@@ -24,6 +23,7 @@
 #include "import/matching.h"
 #include "import/named_poses.h"
 #include "import/point_file.h"
+#include "import/readers_above.h"
 #include "import/row_notes.h"
 
 namespace corvinade::import {
@@ -377,10 +377,8 @@ ImportOutcome Import(const ImportRequest& request) {
     ShowNewPoints();
     // The dialog may have imported other points during the fill: the shape is not theirs.
     const bool isOfThisJob = IsTrue(Job.IsParaboloid) && Job.PathOCS == request.TargetPath;
-    if (request.Kind == TargetKind::Shape && isOfThisJob) {
-        EinlesenParaboloidData({request.TargetPath, request.ByDeclarations, request.How});
-        ParaboloidNearestTargets();
-    }
+    if (request.Kind == TargetKind::Shape && isOfThisJob)
+        ReadAbove(FileAbove::Shape, {request.TargetPath, request.ByDeclarations, request.How});
     Settings.LastMCSRoot = Pfad(Job.PathMCS);
     Settings.LastOCSRoot = Pfad(Job.PathOCS);
     Settings.MCS_FileName = Job.PathMCS;

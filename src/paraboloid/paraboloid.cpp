@@ -9,7 +9,6 @@
 #include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/text.h"
 #include "core/units.h"
@@ -23,11 +22,8 @@
 #include "engine/seed.h"
 #include "engine/start_values.h"
 #include "engine/transform.h"
-#include "fit/trend.h"
-#include "paraboloid/better_place.h"
+#include "fit/shape.h"
 #include "paraboloid/form_stop_para_trafo.h"
-#include "paraboloid/held_directions.h"
-#include "paraboloid/shape.h"
 #include "paraboloid/shape_passes.h"
 
 namespace corvinade::paraboloid {
@@ -78,71 +74,40 @@ public:
     WindowGivesWay& operator=(const WindowGivesWay&) = delete;
 };
 
+std::array<bool, kParameterEnd> FloatsOfJob() {
+    std::array<bool, kParameterEnd> floats{};
+    for (std::size_t k = kTraX; k < kParameterEnd; ++k) floats[k] = Job.ParamText[k] == kFloat;
+    return floats;
+}
+
 bool Stopped() {
     return IsTrue(Run.StopRequested) || IsTrue(ParaboloidRun.ParaStopRequested);
 }
 
-// Where s0 rests the parameters may still be far from where they would come to, by tenths of a millimetre on
-// a dish of metres, and the last acceleration stands behind the last fit: on to there. False when nothing
-// more is to follow.
-bool GoOnToRest() {
-    ShapePasses passes;
-    bool moved = false;
-    return passes.Begin() && GoToRest(passes, moved) == PassEnd::Done && moved && !Stopped();
-}
-
-// Does the loop end far from where its best pass has been? The acceleration may throw it past the shape.
-bool IsThrownOff(LoopEnd end) {
-    constexpr double kFar = 1.5;  // of the least s0
-    if (end == LoopEnd::Lost || Stopped() || Calculation.Refused) return false;
-    return std::isfinite(ParaboloidRun.LeastS0) && !(Calculation.s0 <= kFar * ParaboloidRun.LeastS0);
-}
-
-// On from the best pass without acceleration, where the loop has been thrown off. What stands is kept where
-// that is no better.
-LoopEnd FitWithoutThrow(double tolerance) {
-    const LoopEnd end = FitToShape(tolerance);
-    if (!IsThrownOff(end)) return end;
-    const Parameters thrown = ParametersOf(Job);
-    const double s0 = Calculation.s0;
-    PutParameters(ParaboloidRun.Best, Job);
-    ParaboloidRun.Accelerates = false;
-    LoopEnd plain = FitToShape(tolerance);
-    if (plain == LoopEnd::Rest && !(Calculation.s0 < s0)) {
-        PutParameters(thrown, Job);
-        plain = FitToShape(tolerance);
-    } else if (plain == LoopEnd::Rest) {
-        AddNote(NoteCode::BetterStart,
-                "The acceleration of the passes along the shape had thrown them off; the result is that of "
-                "passes without it, from the best place that they had come to");
-    }
-    ParaboloidRun.Accelerates = true;
-    return plain;
-}
-
-LoopEnd FitToRest(double tolerance) {
-    const LoopEnd end = FitWithoutThrow(tolerance);
-    return end == LoopEnd::Rest && GoOnToRest() ? FitToShape(tolerance) : end;
-}
-
-// Along a table of few rows points hang at its kinks, and passes rest at places that hang on where they
-// began: on to the best place beside. What stands is left as it is where that is not better.
-LoopEnd FitBeside(double tolerance, BesideSearch& found) {
-    ShapePasses passes;
-    if (!passes.Begin()) return LoopEnd::Lost;
-    const Parameters before = ParametersOf(Job);
-    const double s0 = Calculation.s0;
-    if (SearchBeside(passes, found) == PassEnd::Lost) return LoopEnd::Lost;
-    LoopEnd end = LoopEnd::Rest;
-    if (found.Better && !Stopped()) {
-        end = FitToRest(tolerance);
-        if (end == LoopEnd::Rest && !(Calculation.s0 < s0)) {
-            PutParameters(before, Job);
-            found.Better = false;
-            return FitToShape(tolerance);
-        }
-    }
-    return end;
+// The way of a job: each of its passes is a whole calculation.
+WaySteps StepsOfJob(double tolerance) {
+    return {.Loop = [tolerance] { return FitToShape(tolerance); },
+            .GoToRest =
+                [](bool& moved) {
+                    ShapePasses passes;
+                    return passes.Begin() ? GoToRest(passes, moved) : PassEnd::Lost;
+                },
+            .SearchBeside =
+                [](BesideSearch& found) {
+                    ShapePasses passes;
+                    return passes.Begin() ? SearchBeside(passes, found) : PassEnd::Lost;
+                },
+            .Now = [] { return ParametersOf(Job); },
+            .Put = [](const Parameters& now) { PutParameters(now, Job); },
+            .s0 = [] { return Calculation.s0; },
+            .Stopped = Stopped,
+            .ThrownOff =
+                [] {
+                    AddNote(
+                        NoteCode::BetterStart,
+                        "The acceleration of the passes along the shape had thrown them off; the result is "
+                        "that of passes without it, from the best place that they had come to");
+                }};
 }
 
 void NoteBeside(const BesideSearch& found) {
@@ -159,9 +124,9 @@ void NoteBeside(const BesideSearch& found) {
 }
 
 // The sigmas take the places on the shape for measured targets, three coordinates each, which they are not.
-void NoteSigmasOfShape(const ShapePasses& passes) {
+void NoteSigmasOfShape(ShapePasses& passes) {
     constexpr double kMuch = 2;
-    const std::vector<double> known = SigmasByDistances(passes);
+    const std::vector<double> known = SigmasByDistances(passes.Fit);
     std::string names;
     double most = 0;
     for (int k = 1; k < static_cast<int>(known.size()); ++k) {
@@ -185,7 +150,7 @@ void NoteSigmasOfShape(const ShapePasses& passes) {
 void NoteLimitsOfShape() {
     ShapePasses passes;
     if (!passes.Begin()) return;
-    const std::vector<int> open = OpenOfShape(passes);
+    const std::vector<int> open = OpenOfShape(passes.Fit);
     std::string names;
     for (const int k : open) {
         names += (names.empty() ? "" : ", ") + std::string(ParameterName(k));
@@ -197,16 +162,16 @@ void NoteLimitsOfShape() {
                 "The shape does not hold " + names + ": what is shown for " +
                     (open.size() == 1 ? "it is arbitrary, and it has no sigma"
                                       : "them is arbitrary, and they have no sigma"));
-    NoteCollapseOnShape(passes.Fit);
+    NoteCollapseOnShape(passes.Fit.Points);
     if (!IsTrue(Job.Collapsed)) NoteSigmasOfShape(passes);
     int used = 0;
     for (int i = 1; i <= Job.Pairs(); ++i)
         if (Used(i, 1) || Used(i, 2) || Used(i, 3)) ++used;
-    if (used <= passes.Fit.u)
+    if (used <= passes.Fit.Model.Unknowns)
         AddNote(NoteCode::NoRedundancy, "no redundancy: sigma says nothing (" + std::to_string(used) +
                                             " points on the shape, each of which "
                                             "tells one distance from it, for " +
-                                            std::to_string(passes.Fit.u) + " parameters)");
+                                            std::to_string(passes.Fit.Model.Unknowns) + " parameters)");
     int beyond = 0;
     std::string points;
     constexpr int kMostNames = 5;
@@ -240,12 +205,14 @@ void PutTarget(int i, const Vec3& target) {
 }
 
 void BeginOuterLoop() {
-    ParaboloidRun.PreviousS0 = 100;
-    ParaboloidRun.LeastS0 = std::numeric_limits<double>::infinity();
-    for (ParameterTrend& trend : ParaboloidRun.Trends) {
-        trend.History.assign(6, 0);
-        trend.Boost = 0;
-    }
+    BeginLoop(ParaboloidRun.Loop);
+}
+
+bool JobHasShape() {
+    if (ShapeServes(Job.ParaboloidShape)) return true;
+    ShowMessage(
+        "There is no shape of a paraboloid to fit to. Please import a shape file with at least 2 rows.");
+    return false;
 }
 
 void TakeStartOfShape() {
@@ -253,34 +220,6 @@ void TakeStartOfShape() {
     seeds.ScalesAreOne = true;
     TakeStartValues(ReadStartChoice(Job.ParamText), seeds);
     GetSeed();
-}
-
-void Accelerate(double s0) {
-    ParaboloidRecord& run = ParaboloidRun;
-    const bool smaller = s0 < run.PreviousS0;
-    run.PreviousS0 = s0;
-    for (ParameterTrend& trend : run.Trends) {
-        if (!smaller) {
-            trend.Boost = 0;
-            continue;
-        }
-        if (Job.ParamText[At(trend.Parameter)] != kFloat) continue;
-        double& value = ParameterValue(Job, trend.Parameter);
-        Column& history = trend.History;
-        history.erase(history.begin());
-        history.push_back(value);
-        constexpr double kTwice = 200;  // percent
-        bool steady = false;
-        ArrayTrend(history, kTwice, steady);
-        if (!steady) continue;
-        const double boost = trend.Boost;
-        value += boost * boost * boost * boost * (value - history[4]);
-        ++trend.Boost;
-    }
-}
-
-bool AtRest(double s0Before, double s0, double tolerance) {
-    return !(std::fabs(s0Before - s0) > tolerance);
 }
 
 void CountPass() {
@@ -300,12 +239,10 @@ bool CalcParaboloid() {
     ButtonCalcErsatz();
     if (Run.JobGeneration != generation || Calculation.Refused) return false;
     ParaboloidRun.S0 = Calculation.s0;
-    if (Calculation.s0 < ParaboloidRun.LeastS0 && Calculation.Converged && Calculation.Finite) {
-        ParaboloidRun.LeastS0 = Calculation.s0;
-        ParaboloidRun.Best = ParametersOf(Job);
-    }
-    if (ParaboloidRun.Accelerates) Accelerate(Calculation.s0);
-    ParaboloidRun.PreviousS0 = Calculation.s0;
+    Parameters now = ParametersOf(Job);
+    EndOfPass(ParaboloidRun.Loop, FloatsOfJob(), Calculation.s0, Calculation.Converged && Calculation.Finite,
+              now);
+    PutParameters(now, Job);
     TransformByParameters();
     return true;
 }
@@ -323,19 +260,21 @@ LoopEnd FitToShape(double tolerance) {
     BeginOuterLoop();
     const std::uint64_t generation = Run.JobGeneration;
     ShowWindow("FormStopParaTrafo");
-    for (int pass = 1;; ++pass) {
-        const double before = ParaboloidRun.PreviousS0;
-        if (!Paraboloid()) return LoopEnd::Lost;
-        YieldToEvents();
-        if (Run.JobGeneration != generation) return LoopEnd::Lost;
-        // All passes behind one that failed would do the same, each with its message.
-        if (Stopped() || !Calculation.Converged || !Calculation.Finite) return LoopEnd::Stopped;
-        if (AtRest(before, ParaboloidRun.S0, tolerance)) return LoopEnd::Rest;
-        if (pass == kMostPasses) {
-            TellOfMostPasses();
-            return LoopEnd::Stopped;
-        }
-    }
+    return LoopToRest(
+        ParaboloidRun.Loop, tolerance,
+        {.Pass =
+             [](double& s0) {
+                 if (!Paraboloid()) return PassEnd::Lost;
+                 s0 = ParaboloidRun.S0;
+                 return PassEnd::Done;
+             },
+         .GoesOn =
+             [generation] {
+                 YieldToEvents();
+                 return Run.JobGeneration == generation;
+             },
+         .StopIsWanted = [] { return Stopped() || !Calculation.Converged || !Calculation.Finite; },
+         .MostPasses = TellOfMostPasses});
 }
 
 void CalculateParaboloid() {
@@ -352,9 +291,10 @@ void CalculateParaboloid() {
     if (runs && !MonteCarloRuns()) return;
     constexpr double kRest = 1e-6;
     const double tolerance = kRest * Units.LengthFactor;
-    LoopEnd end = FitToRest(tolerance);
+    const WaySteps steps = StepsOfJob(tolerance);
+    LoopEnd end = FitToRest(ParaboloidRun.Loop, steps);
     BesideSearch beside;
-    if (end == LoopEnd::Rest) end = FitBeside(tolerance, beside);
+    if (end == LoopEnd::Rest) end = FitBeside(ParaboloidRun.Loop, steps, beside);
     if (Run.JobGeneration != generation) return;
     if (end == LoopEnd::Stopped) Calculation.Converged = false;  // though the fit of the last pass did
     if (Calculation.Refused) return;

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <optional>
 #include <vector>
 
 #include "core/changes.h"
@@ -10,15 +9,15 @@
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "fit/shape.h"
+#include "fit/shape_interpolation.h"
 #include "import/point_file_checks.h"
 #include "import/robot_files.h"
 #include "import/row_notes.h"
 #include "paraboloid/paraboloid.h"
-#include "paraboloid/shape.h"
 
 namespace corvinade::paraboloid {
 
@@ -181,42 +180,6 @@ void TakeProfile(const Profile& profile) {
 
 // --- The test of the interpolation ------------------------------------------------------------------------
 
-constexpr int kFewestRowsForTest = 5;
-
-// How far the height of row i - 1 would be off if it were interpolated between its neighbours; nothing where
-// these have the same radius. The points that a job is measured between are twice as dense, and the error of
-// a chord goes with the square of its length: so a quarter of this is what the shape itself may be off by.
-std::optional<double> Delta1(const Matrix& shape, int i) {
-    const double r = shape(i, 1), z = shape(i, 2), r1 = shape(i - 1, 1), z1 = shape(i - 1, 2),
-                 r2 = shape(i - 2, 1), z2 = shape(i - 2, 2);
-    const double delta = (z - z2) * (r1 - r2) / (r - r2) + z2 - z1;
-    return std::isfinite(delta) ? std::optional<double>(delta) : std::nullopt;
-}
-
-struct InterpolationTest {
-    // The largest and the smallest delta1, mm. A dish has delta1 above 0 everywhere, a dome below.
-    double Biggest = -std::numeric_limits<double>::infinity();
-    double Smallest = std::numeric_limits<double>::infinity();
-    double Average = 0;  // of the quarters; mm
-};
-
-InterpolationTest TestInterpolation(const Matrix& shape) {
-    InterpolationTest test;
-    ParaboloidRun.ShapeTest.assign(static_cast<std::size_t>(shape.Rows) + 1, 0);
-    double sum = 0;
-    for (int i = kFewestRowsForTest; i <= shape.Rows; ++i) {
-        const std::optional<double> delta = Delta1(shape, i);
-        if (!delta) continue;
-        ParaboloidRun.ShapeTest[static_cast<std::size_t>(i)] = *delta;
-        test.Biggest = std::max(test.Biggest, *delta);
-        test.Smallest = std::min(test.Smallest, *delta);
-        sum += *delta / 4;
-    }
-    if (test.Biggest < test.Smallest) test.Biggest = test.Smallest = 0;  // no row could be tested
-    test.Average = sum / (shape.Rows - 1);
-    return test;
-}
-
 std::string ReportOf(const Matrix& shape) {
     const std::string newLine = kLineEnd;
     std::string report =
@@ -229,6 +192,7 @@ std::string ReportOf(const Matrix& shape) {
         return report + "The shape has " + std::to_string(shape.Rows) + " rows; the test needs at least " +
                std::to_string(kFewestRowsForTest) + ".";
     const InterpolationTest test = TestInterpolation(shape);
+    ParaboloidRun.ShapeTest = test.Deltas;
     const auto shown = [](double length_mm) {
         return FormatNumber(length_mm * Units.LengthFactor, "0.000000") + " " + Job.LengthUnitName;
     };
@@ -281,6 +245,11 @@ void ParaboloidNearestTargets() {
         PutTarget(i, nearest);
     }
     Changed(What::Coordinates);
+}
+
+void TakeShape(const TargetFile& file) {
+    EinlesenParaboloidData(file);
+    ParaboloidNearestTargets();
 }
 
 }  // namespace corvinade::paraboloid

@@ -16,17 +16,17 @@ protected:
     static void PlaceStations(const std::vector<Place>& places) {
         Bundle.nStations = static_cast<std::int16_t>(places.size());
         Bundle.StationName.resize(places.size() + 1);
-        Bundle.StationXYZ = Matrix(Bundle.nStations, 3);
+        Bundle.Net.StationXYZ = Matrix(Bundle.nStations, 3);
         for (std::size_t i = 0; i < places.size(); ++i)
             for (int axis = 1; axis <= 3; ++axis)
-                Bundle.StationXYZ(static_cast<int>(i) + 1, axis) =
+                Bundle.Net.StationXYZ(static_cast<int>(i) + 1, axis) =
                     places[i][static_cast<std::size_t>(axis - 1)];
     }
     // The columns of stations that are held.
     static std::vector<int> Held(const std::vector<Place>& places) {
         PlaceStations(places);
         BundleWork work = PrepareBundle(Bundle, 100);
-        if (!HoldDatum(Bundle, work)) return {};
+        if (!HoldDatum(Bundle.Net, work)) return {};
         std::vector<int> held;
         for (std::size_t column = 1; column < work.Unknown.size(); ++column)
             if (work.Unknown[column] == 0) held.push_back(static_cast<int>(column));
@@ -59,9 +59,9 @@ protected:
     static double Computed(int k, const BundleWork& work) {
         const auto i = static_cast<std::size_t>(k);
         const int s = work.StationOf[i], o = work.UsedObject[static_cast<std::size_t>(work.ObjectOf[i])];
-        return std::hypot(Bundle.StationXYZ(s, 1) - Bundle.ObjectXYZ(o, 1),
-                          Bundle.StationXYZ(s, 2) - Bundle.ObjectXYZ(o, 2),
-                          Bundle.StationXYZ(s, 3) - Bundle.ObjectXYZ(o, 3));
+        return std::hypot(Bundle.Net.StationXYZ(s, 1) - Bundle.Net.ObjectXYZ(o, 1),
+                          Bundle.Net.StationXYZ(s, 2) - Bundle.Net.ObjectXYZ(o, 2),
+                          Bundle.Net.StationXYZ(s, 3) - Bundle.Net.ObjectXYZ(o, 3));
     }
 };
 
@@ -88,7 +88,7 @@ TEST_F(AdjustmentSteps, ThereAreThreeUnknownsAPointLessSix) {
 TEST_F(AdjustmentSteps, ANetworkWithoutRoomForItsMatrixIsRefused) {
     Bundle.nObjectPoints = 20000;
     Bundle.ObjectName.resize(20001);
-    Bundle.ObjectXYZ = Matrix(20000, 3);
+    Bundle.Net.ObjectXYZ = Matrix(20000, 3);
     const std::string error = ErrorOf([] { PrepareBundle(Bundle, 100); });
     EXPECT_NE(error.find("60009"), std::string::npos) << error;
     EXPECT_EQ(ErrorOf([] { PrepareBundle(Bundle, 10); }), "");
@@ -96,14 +96,14 @@ TEST_F(AdjustmentSteps, ANetworkWithoutRoomForItsMatrixIsRefused) {
 
 TEST_F(AdjustmentSteps, ARowHoldsTheDerivativesOfItsDistance) {
     BundleWork work = PrepareBundle(Bundle, 100);
-    AMatrix(Bundle, work);
+    AMatrix(Bundle.Net, work);
     const Matrix A = WholeA(work);
     const double h = 1e-2;
     for (const int k : {1, 14, 37, 60})
         for (int column = 1; column <= A.Columns; ++column) {
             const int point = (column - 1) / 3 + 1, axis = (column - 1) % 3 + 1;
             double& coordinate =
-                point <= 5 ? Bundle.StationXYZ(point, axis) : Bundle.ObjectXYZ(point - 5, axis);
+                point <= 5 ? Bundle.Net.StationXYZ(point, axis) : Bundle.Net.ObjectXYZ(point - 5, axis);
             const double at = coordinate;
             coordinate = at + h;
             const double more = Computed(k, work);
@@ -112,14 +112,14 @@ TEST_F(AdjustmentSteps, ARowHoldsTheDerivativesOfItsDistance) {
             coordinate = at;
             EXPECT_NEAR(A(k, column), (more - less) / (2 * h), 1e-8) << k << ", " << column;
         }
-    EXPECT_DOUBLE_EQ(work.l[14], Bundle.DistanceValue[14] - Computed(14, work));
+    EXPECT_DOUBLE_EQ(work.l[14], Bundle.Net.DistanceValue[14] - Computed(14, work));
 }
 
 TEST_F(AdjustmentSteps, ADistanceOfAPointThatIsNotInUseLeavesARowOfZeros) {
     Bundle.DistancePair[1][3] = "nobody";
     Bundle.DistancePair[2][4] = "S1";  // a station, but no object point
     BundleWork work = PrepareBundle(Bundle, 50);
-    AMatrix(Bundle, work);
+    AMatrix(Bundle.Net, work);
     for (const std::size_t k : {2U, 3U, 4U}) {  // P2 is not among the 1st, 3rd, 5th ...
         EXPECT_EQ(work.A[k].Station, 0) << k;
         EXPECT_EQ(work.l[k], 0) << k;
@@ -129,12 +129,12 @@ TEST_F(AdjustmentSteps, ADistanceOfAPointThatIsNotInUseLeavesARowOfZeros) {
 }
 
 TEST_F(AdjustmentSteps, ADistanceBetweenPointsThatCoincideHasNoDirection) {
-    for (int axis = 1; axis <= 3; ++axis) Bundle.ObjectXYZ(1, axis) = Bundle.StationXYZ(1, axis);
+    for (int axis = 1; axis <= 3; ++axis) Bundle.Net.ObjectXYZ(1, axis) = Bundle.Net.StationXYZ(1, axis);
     BundleWork work = PrepareBundle(Bundle, 100);
-    AMatrix(Bundle, work);
+    AMatrix(Bundle.Net, work);
     EXPECT_EQ(work.A[1].Station, 0);
     EXPECT_EQ(work.l[1], 0);
-    EXPECT_EQ(BundleIteration(Bundle, work, {}), BundleStep::Whole);
+    EXPECT_EQ(BundleIteration(Bundle.Net, work, {}), BundleStep::Whole);
     for (const double x : work.x) EXPECT_TRUE(std::isfinite(x));
 }
 
@@ -174,10 +174,10 @@ TEST_F(AdjustmentSteps, ThreeStationsAreHeldButForTheirFreeCoordinates) {
 
 TEST_F(AdjustmentSteps, TheNormalMatrixIsThePlainProductBitByBit) {
     for (const double percent : {100.0, 50.0}) {
-        Bundle.StationXYZ(2, 1) = Bundle.ObjectXYZ(3, 1);  // an element that is exactly 0
+        Bundle.Net.StationXYZ(2, 1) = Bundle.Net.ObjectXYZ(3, 1);  // an element that is exactly 0
         BundleWork work = PrepareBundle(Bundle, percent);
-        AMatrix(Bundle, work);
-        ASSERT_TRUE(HoldDatum(Bundle, work));
+        AMatrix(Bundle.Net, work);
+        ASSERT_TRUE(HoldDatum(Bundle.Net, work));
         NormalMatrix(Bundle.nStations, work);
 
         const int u = work.nUnknown, n = Bundle.nDistances;
@@ -197,8 +197,8 @@ TEST_F(AdjustmentSteps, TheNormalMatrixIsThePlainProductBitByBit) {
 TEST_F(AdjustmentSteps, AnIterationIsThatOfTheWholeMatrices) {
     const BundleRecord before = Bundle;
     BundleWork work = PrepareBundle(Bundle, 100);
-    AMatrix(Bundle, work);
-    ASSERT_TRUE(HoldDatum(Bundle, work));
+    AMatrix(Bundle.Net, work);
+    ASSERT_TRUE(HoldDatum(Bundle.Net, work));
     const int u = work.nUnknown, n = Bundle.nDistances;
     const Matrix A = CutA(work);
     Matrix At(u, n), N(u, u), Q(u, u);
@@ -212,8 +212,10 @@ TEST_F(AdjustmentSteps, AnIterationIsThatOfTheWholeMatrices) {
     const Column l = work.l;
 
     std::vector<std::string> steps;
-    EXPECT_EQ(BundleIteration(Bundle, work, {[&steps](const char* step) { steps.emplace_back(step); }, {}}),
-              BundleStep::Whole);
+    EXPECT_EQ(
+        BundleIteration(Bundle.Net, work,
+                        {[&steps](BundleStage stage) { steps.emplace_back(BundleStageText(stage)); }, {}}),
+        BundleStep::Whole);
     EXPECT_EQ(steps,
               (std::vector<std::string>{
                   "calculationg A Matrix", "calculating A transponiert", "calculating At * P",
@@ -232,8 +234,10 @@ TEST_F(AdjustmentSteps, AnIterationIsThatOfTheWholeMatrices) {
     for (int column = 1; column <= UpperBound(work.Unknown); ++column) {
         const int point = (column - 1) / 3 + 1, axis = (column - 1) % 3 + 1,
                   unknown = work.Unknown[static_cast<std::size_t>(column)];
-        const double was = point <= 5 ? before.StationXYZ(point, axis) : before.ObjectXYZ(point - 5, axis);
-        const double is = point <= 5 ? Bundle.StationXYZ(point, axis) : Bundle.ObjectXYZ(point - 5, axis);
+        const double was =
+            point <= 5 ? before.Net.StationXYZ(point, axis) : before.Net.ObjectXYZ(point - 5, axis);
+        const double is =
+            point <= 5 ? Bundle.Net.StationXYZ(point, axis) : Bundle.Net.ObjectXYZ(point - 5, axis);
         EXPECT_EQ(is, unknown == 0 ? was : was + x[static_cast<std::size_t>(unknown)]) << column;
     }
 }
@@ -241,12 +245,12 @@ TEST_F(AdjustmentSteps, AnIterationIsThatOfTheWholeMatrices) {
 TEST_F(AdjustmentSteps, AnIterationThatIsEndedLeavesTheNetworkAsItWas) {
     const SimulatedNetwork large(6, 230);
     Bundle = BündelInputFileEinlesen(Write("large.txt", large.Text()));
-    const Matrix stations = Bundle.StationXYZ, objects = Bundle.ObjectXYZ;
+    const Matrix stations = Bundle.Net.StationXYZ, objects = Bundle.Net.ObjectXYZ;
     BundleWork work = PrepareBundle(Bundle, 100);
     int asked = 0;
-    EXPECT_EQ(BundleIteration(Bundle, work, {{}, [&asked] { return ++asked < 2; }}), BundleStep::Ended);
+    EXPECT_EQ(BundleIteration(Bundle.Net, work, {{}, [&asked] { return ++asked < 2; }}), BundleStep::Ended);
     EXPECT_EQ(asked, 2);
-    EXPECT_EQ(Bundle.StationXYZ.Elements, stations.Elements);
-    EXPECT_EQ(Bundle.ObjectXYZ.Elements, objects.Elements);
+    EXPECT_EQ(Bundle.Net.StationXYZ.Elements, stations.Elements);
+    EXPECT_EQ(Bundle.Net.ObjectXYZ.Elements, objects.Elements);
     EXPECT_EQ(work.Iterations, 0);
 }

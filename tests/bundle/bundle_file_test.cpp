@@ -1,7 +1,6 @@
 // Reading of network files.
 #include "bundle/network_job.h"
 #include "core/form_main.h"
-#include "core/refresh.h"
 #include "core/units.h"
 
 using namespace corvinade;
@@ -33,14 +32,14 @@ TEST_F(NetworkFile, FillsTheModelFromItsThreeSections) {
     EXPECT_EQ(Bundle.nObjectPoints, 1);
     EXPECT_EQ(Bundle.nDistances, 3);
     EXPECT_EQ(Bundle.StationName, (std::vector<std::string>{"", "S1", "S2"}));
-    EXPECT_EQ(Bundle.StationXYZ(1, 1), 1.5);
-    EXPECT_EQ(Bundle.StationXYZ(1, 2), -2);
-    EXPECT_EQ(Bundle.StationXYZ(2, 2), 500);
+    EXPECT_EQ(Bundle.Net.StationXYZ(1, 1), 1.5);
+    EXPECT_EQ(Bundle.Net.StationXYZ(1, 2), -2);
+    EXPECT_EQ(Bundle.Net.StationXYZ(2, 2), 500);
     EXPECT_EQ(Bundle.ObjectName, (std::vector<std::string>{"", "P1"}));
-    EXPECT_EQ(Bundle.ObjectXYZ(1, 3), 9);
+    EXPECT_EQ(Bundle.Net.ObjectXYZ(1, 3), 9);
     EXPECT_EQ(Bundle.DistancePair[1], (std::vector<std::string>{"", "S1", "S2", "S1"}));
     EXPECT_EQ(Bundle.DistancePair[2], (std::vector<std::string>{"", "P1", "P1", "P1"}));
-    EXPECT_EQ(Bundle.DistanceValue, (Column{0, 12.25, 13, 14}));
+    EXPECT_EQ(Bundle.Net.DistanceValue, (Column{0, 12.25, 13, 14}));
 }
 
 TEST_F(NetworkFile, TellsItsCountsMakesTheJobValidAndOpensTheWindow) {
@@ -76,28 +75,28 @@ TEST_F(NetworkFile, OpensTheWindowAgainFromTheMenuWhileItIsInMemory) {
 TEST_F(NetworkFile, IsReadInTheChosenUnitOfLength) {
     Units.LengthFactor = 0.001;
     ReadBytes(Sections("S1 1 2 3\n\n", "P1 4 5 6\n\n", "S1 P1 5.5\n"));
-    EXPECT_DOUBLE_EQ(Bundle.StationXYZ(1, 2), 2000);
-    EXPECT_DOUBLE_EQ(Bundle.ObjectXYZ(1, 3), 6000);
-    EXPECT_DOUBLE_EQ(Bundle.DistanceValue[1], 5500);
+    EXPECT_DOUBLE_EQ(Bundle.Net.StationXYZ(1, 2), 2000);
+    EXPECT_DOUBLE_EQ(Bundle.Net.ObjectXYZ(1, 3), 6000);
+    EXPECT_DOUBLE_EQ(Bundle.Net.DistanceValue[1], 5500);
 }
 
 TEST_F(NetworkFile, HasADecimalPointWhateverTheSystemHas) {
     Headless.Decimal = ',';
     ReadBytes(Sections("S1 1.5 2.5 3.5\n\n", "P1 4 5 6\n\n", "S1 P1 5.25\n"));
-    EXPECT_EQ(Bundle.StationXYZ(1, 1), 1.5);
-    EXPECT_EQ(Bundle.DistanceValue[1], 5.25);
+    EXPECT_EQ(Bundle.Net.StationXYZ(1, 1), 1.5);
+    EXPECT_EQ(Bundle.Net.DistanceValue[1], 5.25);
 }
 
 TEST_F(NetworkFile, ChecksNoContent) {
     ReadBytes(
         Sections("S1 one 2 3\n\nS2 4\n\n\n\n", "P1 4 5 6 7 8\n\n", "S1 P1 far\nS1\nnobody nothing 4\n"));
     EXPECT_EQ(Bundle.nStations, 3);
-    EXPECT_EQ(Bundle.StationXYZ(1, 1), 0) << "no number is 0";
-    EXPECT_EQ(Bundle.StationXYZ(2, 1), 4);
-    EXPECT_EQ(Bundle.StationXYZ(2, 3), 0);
+    EXPECT_EQ(Bundle.Net.StationXYZ(1, 1), 0) << "no number is 0";
+    EXPECT_EQ(Bundle.Net.StationXYZ(2, 1), 4);
+    EXPECT_EQ(Bundle.Net.StationXYZ(2, 3), 0);
     EXPECT_EQ(Bundle.StationName[3], "");
-    EXPECT_EQ(Bundle.ObjectXYZ(1, 3), 6);
-    EXPECT_EQ(Bundle.DistanceValue[1], 0);
+    EXPECT_EQ(Bundle.Net.ObjectXYZ(1, 3), 6);
+    EXPECT_EQ(Bundle.Net.DistanceValue[1], 0);
     EXPECT_EQ(Bundle.DistancePair[2][2], "");
     EXPECT_EQ(Bundle.DistancePair[1][3], "nobody");
     EXPECT_EQ(Messages().size(), 1u);
@@ -122,7 +121,7 @@ TEST_F(NetworkFile, StationsAndObjectPointsMayBearTheSameNames) {
     BundleWork work = PrepareBundle(Bundle, 100);
     EXPECT_EQ(work.StationOf[1], 1);
     EXPECT_EQ(work.ObjectOf[1], 1);
-    AMatrix(Bundle, work);
+    AMatrix(Bundle.Net, work);
     EXPECT_DOUBLE_EQ(work.l[1], 0.5);
 }
 
@@ -140,7 +139,7 @@ TEST_F(NetworkFile, WithoutOneOfItsSectionsIsRefusedAndNothingChanges) {
         EXPECT_NE(LastMessage().find("before a section \"" + keyword + "\""), std::string::npos)
             << LastMessage();
         EXPECT_EQ(Bundle.nStations, 5);
-        EXPECT_EQ(Bundle.DistanceValue.size(), 61u);
+        EXPECT_EQ(Bundle.Net.DistanceValue.size(), 61u);
     }
     EXPECT_EQ(Job.PathMCS, "before");
     EXPECT_EQ(::Run.JobGeneration, generation);
@@ -213,11 +212,11 @@ TEST_F(NetworkFile, ObjectionsNameWhatCannotBeMeant) {
 
 TEST_F(NetworkFile, ANumberThatIsNoneOrReadInPartIsToldBeforeAnAdjustment) {
     ReadBytes(Sections("S1 1,5 2 3\n\n", "P1 4 5\n\n", "S1 P1 5.25\n"));
-    EXPECT_EQ(Bundle.StationXYZ(1, 1), 1);
+    EXPECT_EQ(Bundle.Net.StationXYZ(1, 1), 1);
     EXPECT_EQ(BundleObjections(Bundle),
               "2 fields of the file are no numbers with a decimal point, the first: line 3, \"1,5\"");
     ReadBytes(Sections("S1 1.5 2e1 -3\n\n", "P1 4 5 6\n\n", "S1 P1 12m\n"));
-    EXPECT_EQ(Bundle.DistanceValue[1], 12);
+    EXPECT_EQ(Bundle.Net.DistanceValue[1], 12);
     EXPECT_EQ(BundleObjections(Bundle),
               "1 field of the file is no number with a decimal point: line 13, \"12m\"");
 }

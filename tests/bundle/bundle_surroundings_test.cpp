@@ -62,13 +62,13 @@ TEST_F(BundleAmongWindows, AnotherNetworkTakesTheResultsOfTheOneBeforeFromTheWin
 
 TEST_F(BundleAmongWindows, APercentageThatLeavesNoObjectPointIsTold) {
     Read(network_.Text());
-    const Matrix before = Bundle.StationXYZ;
+    const Matrix before = Bundle.Net.StationXYZ;
     UserSetText(w.TextReduce, "5");  // Int(0.6) of 12
     Calculate();
     ASSERT_EQ(Messages().size(), 1u);
     EXPECT_NE(LastMessage().find("larger percentage of the object points"), std::string::npos)
         << LastMessage();
-    EXPECT_EQ(Bundle.StationXYZ.Elements, before.Elements);
+    EXPECT_EQ(Bundle.Net.StationXYZ.Elements, before.Elements);
 }
 
 TEST_F(BundleAmongWindows, ADistanceOfPointsAtOnePlaceIsToldAndTheRestIsAdjusted) {

@@ -4,7 +4,6 @@
 #include "bundle/network_job.h"
 #include "core/files.h"
 #include "core/form_main.h"
-#include "core/refresh.h"
 #include "core/text.h"
 #include "core/units.h"
 #include "engine/calculation_window.h"
@@ -47,7 +46,7 @@ protected:
 
 TEST_F(BundleWindow, WritesTheApproximateAndTheAdjustedNetworkStationsFirst) {
     Read(network_.Text());
-    const Matrix stations = Bundle.StationXYZ, objects = Bundle.ObjectXYZ;
+    const Matrix stations = Bundle.Net.StationXYZ, objects = Bundle.Net.ObjectXYZ;
     Calculate();
     EXPECT_EQ(Messages(), std::vector<std::string>{});
     const auto expected = [](const Matrix& s, const Matrix& o) {
@@ -61,7 +60,7 @@ TEST_F(BundleWindow, WritesTheApproximateAndTheAdjustedNetworkStationsFirst) {
         return text;
     };
     EXPECT_EQ(Contents(TargetFile()), expected(stations, objects));
-    EXPECT_EQ(Contents(StartFile()), expected(Bundle.StationXYZ, Bundle.ObjectXYZ));
+    EXPECT_EQ(Contents(StartFile()), expected(Bundle.Net.StationXYZ, Bundle.Net.ObjectXYZ));
     EXPECT_NE(Contents(StartFile()), Contents(TargetFile()));
     ExpectAtRest();
 }
@@ -80,7 +79,7 @@ TEST_F(BundleWindow, TakesBothNetworksAsTheJobPairedByName) {
         const auto k = static_cast<std::size_t>(i);
         ASSERT_EQ(Job.Start.Name[k], Job.Target.Name[k]);
         if (Job.Start.Name[k] != "P7") continue;
-        EXPECT_NEAR(*Job.Start.X[k], Bundle.ObjectXYZ(7, 1), 1e-10);
+        EXPECT_NEAR(*Job.Start.X[k], Bundle.Net.ObjectXYZ(7, 1), 1e-10);
         EXPECT_NEAR(*Job.Target.X[k], network_.Objects[6][0], 1e-10);
     }
 }
@@ -106,7 +105,7 @@ TEST_F(BundleWindow, TellsItsStepsItsIterationsAndItsResult) {
     const std::vector<std::string> first = FieldsOf(results[0]), last = FieldsOf(results[16]);
     ASSERT_EQ(first.size(), 7u);
     EXPECT_EQ(first[0], "S1");
-    EXPECT_EQ(first[1], PlainText(Bundle.StationXYZ(1, 1)));
+    EXPECT_EQ(first[1], PlainText(Bundle.Net.StationXYZ(1, 1)));
     for (const std::size_t held : {4U, 5U, 6U}) EXPECT_EQ(first[held], "0");
     EXPECT_EQ(last[0], "P12");
     EXPECT_GT(Val(last[4]), 0.01);
@@ -158,7 +157,7 @@ TEST_F(BundleWindow, UsesThePercentageOfTheObjectPoints) {
 
 TEST_F(BundleWindow, RefusesAPercentageThatIsNone) {
     Read(network_.Text());
-    const Matrix before = Bundle.ObjectXYZ;
+    const Matrix before = Bundle.Net.ObjectXYZ;
     for (const std::string text : {"101", "0", "0.5", "-3", "1e9"}) {
         UserSetText(w.TextReduce, text);
         for (Control* button : {&w.BtnCalculate, &w.Command1}) {
@@ -175,7 +174,7 @@ TEST_F(BundleWindow, RefusesAPercentageThatIsNone) {
         EXPECT_NE(LastMessage().find("Percentage of object points"), std::string::npos) << LastMessage();
     }
     EXPECT_FALSE(File_Exist(TargetFile()));
-    EXPECT_EQ(Bundle.ObjectXYZ.Elements, before.Elements);
+    EXPECT_EQ(Bundle.Net.ObjectXYZ.Elements, before.Elements);
     ExpectAtRest();
 }
 
@@ -195,12 +194,12 @@ TEST_F(BundleWindow, StationsOnALineEndTheRunBehindTheFirstFile) {
                             300.3 * static_cast<double>(i)};
     Read(line.Text());
     Headless.Clipboard = "before";
-    const Matrix before = Bundle.ObjectXYZ;
+    const Matrix before = Bundle.Net.ObjectXYZ;
     Calculate();
     EXPECT_EQ(Messages(), std::vector<std::string>{"All Stations are in one line; this is not working"});
     EXPECT_TRUE(File_Exist(TargetFile()));
     EXPECT_FALSE(File_Exist(StartFile()));
-    EXPECT_EQ(Bundle.ObjectXYZ.Elements, before.Elements);
+    EXPECT_EQ(Bundle.Net.ObjectXYZ.Elements, before.Elements);
     EXPECT_EQ(Headless.Clipboard, "before");
     EXPECT_EQ(Job.Start.Count(), 0);
     ExpectAtRest();
@@ -221,7 +220,7 @@ TEST_F(BundleWindow, YieldsOnceAnIterationAndStopsBehindIt) {
 
 TEST_F(BundleWindow, TheStopActsWithinTheInverseOfALargeNetwork) {
     Read(Large().Text());
-    const Matrix before = Bundle.ObjectXYZ;
+    const Matrix before = Bundle.Net.ObjectXYZ;
     int yields = 0;
     Headless.OnYield = [&yields] {
         EXPECT_TRUE(w.CommandSTOP.Enabled);
@@ -232,7 +231,7 @@ TEST_F(BundleWindow, TheStopActsWithinTheInverseOfALargeNetwork) {
     EXPECT_EQ(w.TextRUN.Text, "") << "the first iteration was not finished";
     EXPECT_EQ(Lines(w.TextWhatDO.Text).back(), "calculating N = (At * P) * A");
     EXPECT_FALSE(File_Exist(StartFile()));
-    EXPECT_EQ(Bundle.ObjectXYZ.Elements, before.Elements);
+    EXPECT_EQ(Bundle.Net.ObjectXYZ.Elements, before.Elements);
     ExpectAtRest();
 }
 
@@ -377,23 +376,23 @@ TEST_F(BundleWindow, ANameThatOccursTwiceKeepsTheNetworkFromBeingAJob) {
 
 TEST_F(BundleWindow, AFolderThatTakesNoFileIsToldAndTheNetworkStays) {
     Read(network_.Text());
-    const Matrix before = Bundle.ObjectXYZ;
+    const Matrix before = Bundle.Net.ObjectXYZ;
     FileFaults.Refuse = [](const std::string& operation, const std::string&) {
         return operation == "write" ? "the disk is full" : "";
     };
     Calculate();
     EXPECT_NE(LastMessage().find("the disk is full"), std::string::npos) << LastMessage();
-    EXPECT_EQ(Bundle.ObjectXYZ.Elements, before.Elements);
+    EXPECT_EQ(Bundle.Net.ObjectXYZ.Elements, before.Elements);
     ExpectAtRest();
 }
 
 TEST_F(BundleWindow, TheCopyIsAdjustedFurtherAndLeavesNoTrace) {
     Read(network_.Text());
-    const Matrix before = Bundle.ObjectXYZ;
+    const Matrix before = Bundle.Net.ObjectXYZ;
     Headless.Clipboard = "before";
     UserClick(w.Command1);
     EXPECT_EQ(Messages(), std::vector<std::string>{});
-    EXPECT_EQ(Bundle.ObjectXYZ.Elements, before.Elements);
+    EXPECT_EQ(Bundle.Net.ObjectXYZ.Elements, before.Elements);
     EXPECT_EQ(w.TextWhatDO.Text + w.TextRUN.Text + w.TextResults.Text, "");
     EXPECT_FALSE(File_Exist(TargetFile()));
     EXPECT_EQ(Headless.Clipboard, "before");
@@ -401,7 +400,7 @@ TEST_F(BundleWindow, TheCopyIsAdjustedFurtherAndLeavesNoTrace) {
     EXPECT_LT(Val(status.substr(status.find("Biggest x ") + 10)), 1e-6) << status;
     Calculate();
     for (int axis = 1; axis <= 3; ++axis)
-        EXPECT_NEAR(w.Own.ObjectXYZ(4, axis), Bundle.ObjectXYZ(4, axis), 1e-4);
+        EXPECT_NEAR(w.Own.Net.ObjectXYZ(4, axis), Bundle.Net.ObjectXYZ(4, axis), 1e-4);
     ExpectAtRest();
 }
 
@@ -410,8 +409,8 @@ TEST_F(BundleWindow, TheCopyUsesThePercentageAndStops) {
     UserSetText(w.TextReduce, "50");
     Headless.OnYield = [] { ::Run.StopRequested = kTrue; };
     UserClick(w.Command1);
-    EXPECT_EQ(w.Own.ObjectXYZ(2, 1), Bundle.ObjectXYZ(2, 1));
-    EXPECT_NE(w.Own.ObjectXYZ(3, 1), Bundle.ObjectXYZ(3, 1));
+    EXPECT_EQ(w.Own.Net.ObjectXYZ(2, 1), Bundle.Net.ObjectXYZ(2, 1));
+    EXPECT_NE(w.Own.Net.ObjectXYZ(3, 1), Bundle.Net.ObjectXYZ(3, 1));
     EXPECT_EQ(Main.StatusBar_3.Text.find("Iterations 1 "), 0u);
     ExpectAtRest();
 }
@@ -431,11 +430,11 @@ TEST_F(BundleWindow, WithoutAnyDistanceNothingMoves) {
     std::string text = none.Text();
     text = text.substr(0, text.find("S1 P1 ")) + "END\r\n";
     Read(text);
-    const Matrix before = Bundle.ObjectXYZ;
+    const Matrix before = Bundle.Net.ObjectXYZ;
     Calculate();
     ASSERT_EQ(Messages().size(), 1u);
     EXPECT_NE(LastMessage().find("nothing can be adjusted"), std::string::npos);
-    EXPECT_EQ(Bundle.ObjectXYZ.Elements, before.Elements);
+    EXPECT_EQ(Bundle.Net.ObjectXYZ.Elements, before.Elements);
     EXPECT_EQ(Lines(w.TextRUN.Text).size(), 1u);
     ExpectAtRest();
 }

@@ -102,9 +102,11 @@ FreeResult FreeAdjustment(const SimulatedNetwork& network) {
 std::vector<Place> AdjustedPoints() {
     std::vector<Place> points;
     for (int i = 1; i <= Bundle.nStations; ++i)
-        points.push_back({Bundle.StationXYZ(i, 1), Bundle.StationXYZ(i, 2), Bundle.StationXYZ(i, 3)});
+        points.push_back(
+            {Bundle.Net.StationXYZ(i, 1), Bundle.Net.StationXYZ(i, 2), Bundle.Net.StationXYZ(i, 3)});
     for (int i = 1; i <= Bundle.nObjectPoints; ++i)
-        points.push_back({Bundle.ObjectXYZ(i, 1), Bundle.ObjectXYZ(i, 2), Bundle.ObjectXYZ(i, 3)});
+        points.push_back(
+            {Bundle.Net.ObjectXYZ(i, 1), Bundle.Net.ObjectXYZ(i, 2), Bundle.Net.ObjectXYZ(i, 3)});
     return points;
 }
 
@@ -162,11 +164,12 @@ TEST_F(FreeNetwork, WithHalfOfItsPointsIsThatOfThesePointsAlone) {
     for (std::size_t o = 0; o < network_.Objects.size(); o += 2) half.Objects.push_back(network_.Objects[o]);
     const FreeResult truth = FreeAdjustment(half);
     Bundle = BündelInputFileEinlesen(Write("net.txt", network_.Text()));
-    const Matrix before = Bundle.ObjectXYZ;
+    const Matrix before = Bundle.Net.ObjectXYZ;
     BundleWork work = PrepareBundle(Bundle, 50);
     ASSERT_EQ(AdjustBundle(Bundle, work, kBundleLimit, {}), BundleEnd::Converged);
     EXPECT_NEAR(work.SumVV, truth.SumVV, 1e-9 * truth.SumVV);
-    for (int axis = 1; axis <= 3; ++axis) EXPECT_EQ(Bundle.ObjectXYZ(2, axis), before(2, axis)) << "left out";
+    for (int axis = 1; axis <= 3; ++axis)
+        EXPECT_EQ(Bundle.Net.ObjectXYZ(2, axis), before(2, axis)) << "left out";
 }
 
 TEST_F(FreeNetwork, TheAccuracyIsS0TimesTheRootOfTheCofactorOfTheHeldDatum) {
@@ -192,11 +195,11 @@ TEST_F(FreeNetwork, TheAccuracyIsS0TimesTheRootOfTheCofactorOfTheHeldDatum) {
         }
     const Rows Q = Solve(N, unit);
     const double s0 = std::sqrt(work.SumVV / 59);
-    EXPECT_DOUBLE_EQ(BundleS0(Bundle, work), s0);
+    EXPECT_DOUBLE_EQ(BundleS0(work), s0);
     int held = 0;
     for (int column = 1; column <= UpperBound(work.Unknown); ++column) {
         const int i = work.Unknown[static_cast<std::size_t>(column)];
-        const TaggedValue accuracy = BundleAccuracy(Bundle, work, column);
+        const std::optional<double> accuracy = BundleAccuracy(work, column);
         ASSERT_EQ(accuracy.has_value(), i != 0);
         if (i == 0) {
             ++held;

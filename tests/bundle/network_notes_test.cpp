@@ -2,7 +2,6 @@
 // meant.
 #include "bundle/network_job.h"
 #include "core/notes.h"
-#include "core/refresh.h"
 
 using namespace corvinade;
 
@@ -139,7 +138,7 @@ TEST_F(NetworkNotes, DistancesThatCannotBeMeantAreNotedByTheirKinds) {
     const BundleWork work = PrepareBundle(Bundle, 100);
     const std::vector<bool> takesPart = {true, false, false, false, false, false, true, true, false};
     BundleWork rows = work;
-    AMatrix(Bundle, rows);
+    AMatrix(Bundle.Net, rows);
     for (std::size_t k = 0; k < takesPart.size(); ++k)
         EXPECT_EQ(rows.A[k + 1].Station != 0, takesPart[k]) << k;
 }

@@ -152,8 +152,8 @@ TEST_F(OpenPoints, TheCofactorsOfADeterminedNetworkComeOutOfTheBlocksAsOutOfTheW
     network.ObjectName.emplace_back("open");
     Matrix places(network.nObjectPoints, 3);
     for (int i = 1; i <= whole.Network.nObjectPoints; ++i)
-        for (int k = 1; k <= 3; ++k) places(i, k) = whole.Network.ObjectXYZ(i, k);
-    network.ObjectXYZ = places;
+        for (int k = 1; k <= 3; ++k) places(i, k) = whole.Network.Net.ObjectXYZ(i, k);
+    network.Net.ObjectXYZ = places;
     BundleWork work = PrepareBundle(network, 100);
     ASSERT_EQ(AdjustBundle(network, work, kBundleLimit, {}), BundleEnd::Converged);
     for (int column = 1; column <= 3 * (Stations() + 12); ++column) {
@@ -260,7 +260,8 @@ TEST_F(OpenPoints, TheMarksAreReadBackWithoutLoss) {
         const int row = static_cast<int>(i) - Stations();
         const bool station = row < 1;
         EXPECT_EQ(Job.Start.Name[i], station ? Bundle.StationName[i] : Bundle.ObjectName[i - 5]);
-        const double* xyz = station ? Bundle.StationXYZ.Row(static_cast<int>(i)) : Bundle.ObjectXYZ.Row(row);
+        const double* xyz =
+            station ? Bundle.Net.StationXYZ.Row(static_cast<int>(i)) : Bundle.Net.ObjectXYZ.Row(row);
         // The file has fifteen digits.
         EXPECT_NEAR(*Job.Start.X[i], xyz[1], 1e-9);
         EXPECT_NEAR(*Job.Start.Y[i], xyz[2], 1e-9);

@@ -33,26 +33,26 @@ TEST_F(GaussianNoise, GivesTheNumbersOfThePolarMethodOneByOne) {
     ByHand hand;
     for (int i = 0; i < 100000; ++i) {
         const double expected = hand.Next();
-        ASSERT_NEAR(GaussNoise(0, 1), expected, 1e-15 * std::fabs(expected)) << i;
+        ASSERT_NEAR(GaussNoise(Noise, 0, 1), expected, 1e-15 * std::fabs(expected)) << i;
     }
 }
 
 TEST_F(GaussianNoise, ManyAtOnceAreTheNumbersOfAsManyCalls) {
     std::vector<double> single(3000);
-    for (double& number : single) number = GaussNoise(0, 1);
+    for (double& number : single) number = GaussNoise(Noise, 0, 1);
     SeedNoise(kUsualSeed);
     std::vector<double> filled(single.size());
     std::size_t first = 0;
     for (const std::size_t count : {1u, 0u, 3u, 60u, 600u, 1000u, 1336u}) {
-        FillWithNoise({filled.data() + first, count});
+        FillWithNoise(Noise, {filled.data() + first, count});
         first += count;
     }
     ASSERT_EQ(first, filled.size());
     EXPECT_EQ(filled, single);
-    const double behind = GaussNoise(0, 1);
+    const double behind = GaussNoise(Noise, 0, 1);
     SeedNoise(kUsualSeed);
-    for (std::size_t i = 0; i < single.size(); ++i) GaussNoise(0, 1);
-    EXPECT_EQ(GaussNoise(0, 1), behind) << "and they leave the sequence at the same place";
+    for (std::size_t i = 0; i < single.size(); ++i) GaussNoise(Noise, 0, 1);
+    EXPECT_EQ(GaussNoise(Noise, 0, 1), behind) << "and they leave the sequence at the same place";
 }
 
 TEST_F(GaussianNoise, HasTheMomentsOfTheNormalDistribution) {
@@ -60,7 +60,7 @@ TEST_F(GaussianNoise, HasTheMomentsOfTheNormalDistribution) {
     double sums[5] = {};
     int beyondOne = 0, beyondThree = 0;
     for (int i = 0; i < kNumbers; ++i) {
-        const double x = GaussNoise(0, 1);
+        const double x = GaussNoise(Noise, 0, 1);
         double power = 1;
         for (double& sum : sums) sum += power, power *= x;
         beyondOne += std::fabs(x) > 1;
@@ -77,31 +77,31 @@ TEST_F(GaussianNoise, HasTheMomentsOfTheNormalDistribution) {
 
 TEST_F(GaussianNoise, IsStretchedBySigmaAndMovedByTheMean) {
     std::vector<double> plain(100);
-    FillWithNoise(plain);
+    FillWithNoise(Noise, plain);
     SeedNoise(kUsualSeed);
-    for (const double number : plain) EXPECT_EQ(GaussNoise(5, 0.25), number * 0.25 + 5);
-    EXPECT_EQ(GaussNoise(-3, 0), -3);
+    for (const double number : plain) EXPECT_EQ(GaussNoise(Noise, 5, 0.25), number * 0.25 + 5);
+    EXPECT_EQ(GaussNoise(Noise, -3, 0), -3);
 }
 
 TEST_F(GaussianNoise, BeginsAnewWithTheProgram) {
     std::vector<double> first(500), second(500), other(500);
-    FillWithNoise(first);
+    FillWithNoise(Noise, first);
     FreshStart();
-    FillWithNoise(second);
+    FillWithNoise(Noise, second);
     EXPECT_EQ(second, first);
-    FillWithNoise(other);
+    FillWithNoise(Noise, other);
     EXPECT_NE(other, first) << "without a new start the sequence goes on";
 }
 
 TEST_F(GaussianNoise, ASeedChoosesTheSequence) {
     std::vector<double> first(500), again(500), other(500), usual(500);
-    FillWithNoise(usual);
+    FillWithNoise(Noise, usual);
     SeedNoise(7);
-    FillWithNoise(first);
+    FillWithNoise(Noise, first);
     SeedNoise(8);
-    FillWithNoise(other);
+    FillWithNoise(Noise, other);
     SeedNoise(7);
-    FillWithNoise(again);
+    FillWithNoise(Noise, again);
     EXPECT_EQ(again, first);
     EXPECT_NE(other, first);
     EXPECT_NE(usual, first);

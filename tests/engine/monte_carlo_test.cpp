@@ -20,6 +20,13 @@ using namespace corvinade;
 
 namespace {
 
+// As the runs do it.
+void AddNoiseOfSettings(GatheredPoints& points) {
+    const auto saved = [](const Column& column) { return std::span<const double>(column).subspan(1); };
+    AddNoise({saved(MonteCarlo.MCSaveX), saved(MonteCarlo.MCSaveY), saved(MonteCarlo.MCSaveZ)},
+             {Settings.SigmaX, Settings.SigmaY, Settings.SigmaZ}, Noise, points);
+}
+
 const std::array<reference::Real, 18> kTruth = Truth({100, -200, 300, 0.4, -0.7, 2.1, 1, 1, 1, 1});
 
 class MonteCarloTest : public NormTest {
@@ -74,9 +81,9 @@ TEST_F(Runs, EachIsThePlainFitOfTheStartPointsWithItsNoise) {
     for (int run = 1; run <= 3; ++run) {
         Job = job;
         for (std::size_t i = 1; i <= 12; ++i) {
-            Job.Start.X[i] = *job.Start.X[i] + GaussNoise(0, 0.05);
-            Job.Start.Y[i] = *job.Start.Y[i] + GaussNoise(0, 0.5);
-            Job.Start.Z[i] = job.Start.Z[i] + GaussNoise(0, 2);
+            Job.Start.X[i] = *job.Start.X[i] + GaussNoise(Noise, 0, 0.05);
+            Job.Start.Y[i] = *job.Start.Y[i] + GaussNoise(Noise, 0, 0.5);
+            Job.Start.Z[i] = job.Start.Z[i] + GaussNoise(Noise, 0, 2);
         }
         Calculate(kL2);
         for (const int k : {kTraX, kTraY, kTraZ}) EXPECT_NEAR(results(k, run), ParameterValue(Job, k), 1e-8);
@@ -197,7 +204,7 @@ TEST_F(Runs, WithoutNoiseInXNothingInXChanges) {
     GatherPoints(P, false, points);
     noisy = points;
     MonteCarloInitialisieren();
-    MCS_verrauschen(noisy);
+    AddNoiseOfSettings(noisy);
     MonteCarlo.Shown.reset();
     EXPECT_EQ(noisy.Start[0], points.Start[0]);
     EXPECT_NE(noisy.Start[1], points.Start[1]);
@@ -214,7 +221,7 @@ TEST_F(Runs, NoiseDoesNotPileUp) {
     GatherPoints(P, false, points);
     noisy = points;
     MonteCarloInitialisieren();
-    for (int i = 0; i < 10000; ++i) MCS_verrauschen(noisy);
+    for (int i = 0; i < 10000; ++i) AddNoiseOfSettings(noisy);
     for (std::size_t i = 0; i < 12; ++i)
         for (std::size_t axis = 0; axis < 3; ++axis)
             EXPECT_LT(std::fabs(noisy.Start[axis][i] - points.Start[axis][i]), 0.05 * 6);

@@ -19,6 +19,9 @@ namespace {
 
 class NiceRotation : public Program {
 protected:
+    static void NiceRotSol() {
+        if (const auto angles = NicerRotation({Job.RotX, Job.RotY, Job.RotZ})) TakeRotation(*angles);
+    }
     static void Set(double a, double b, double c) {
         Job.RotX = Job.RotXCopy = a;
         Job.RotY = Job.RotYCopy = b;

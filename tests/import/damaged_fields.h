@@ -18,7 +18,6 @@
 #include "core/job.h"
 #include "core/notes.h"
 #include "core/platform.h"
-#include "core/refresh.h"
 #include "core/run.h"
 #include "core/text.h"
 #include "core/units.h"

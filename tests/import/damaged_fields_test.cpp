@@ -1,6 +1,8 @@
 // The readers of points, shapes, networks and batches on every kind of damaged field.
 #include "import/damaged_fields.h"
 
+#include "paraboloid/paraboloid.h"
+
 using namespace corvinade;
 
 TEST_F(DamagedFields, OfPointFiles) {
@@ -41,9 +43,9 @@ TEST_F(DamagedFields, OfNetworks) {
               const BundleRecord network = BündelInputFileEinlesen(path);
               Points points;
               for (int i = 1; i <= network.nObjectPoints; ++i)
-                  points.push_back(
-                      {network.ObjectName[static_cast<std::size_t>(i)],
-                       {network.ObjectXYZ(i, 1), network.ObjectXYZ(i, 2), network.ObjectXYZ(i, 3)}});
+                  points.push_back({network.ObjectName[static_cast<std::size_t>(i)],
+                                    {network.Net.ObjectXYZ(i, 1), network.Net.ObjectXYZ(i, 2),
+                                     network.Net.ObjectXYZ(i, 3)}});
               return points;
           }});
 }
@@ -57,9 +59,9 @@ TEST_F(DamagedFields, OfTheOtherSectionsOfNetworks) {
               const BundleRecord network = BündelInputFileEinlesen(path);
               Points points;
               for (int i = 1; i <= network.nStations; ++i)
-                  points.push_back(
-                      {network.StationName[static_cast<std::size_t>(i)],
-                       {network.StationXYZ(i, 1), network.StationXYZ(i, 2), network.StationXYZ(i, 3)}});
+                  points.push_back({network.StationName[static_cast<std::size_t>(i)],
+                                    {network.Net.StationXYZ(i, 1), network.Net.StationXYZ(i, 2),
+                                     network.Net.StationXYZ(i, 3)}});
               return points;
           }});
     Reader distances{
@@ -74,8 +76,8 @@ TEST_F(DamagedFields, OfTheOtherSectionsOfNetworks) {
         [](const std::string& path) {
             const BundleRecord network = BündelInputFileEinlesen(path);
             Points points;
-            for (std::size_t k = 1; k < network.DistanceValue.size(); ++k)
-                points.push_back({network.DistancePair[2][k], {network.DistanceValue[k]}});
+            for (std::size_t k = 1; k < network.Net.DistanceValue.size(); ++k)
+                points.push_back({network.DistancePair[2][k], {network.Net.DistanceValue[k]}});
             return points;
         }};
     distances.ComparesNames = false;

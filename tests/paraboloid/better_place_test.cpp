@@ -1,11 +1,12 @@
 // The places beside the one where passes along a table of few rows rest.
-#include "paraboloid/better_place.h"
+#include "fit/better_place.h"
 
 #include <algorithm>
 
 #include "core/notes.h"
 #include "engine/transform.h"
 #include "paraboloid/shape_job.h"
+#include "paraboloid/shape_passes.h"
 
 using namespace corvinade;
 

@@ -1,5 +1,5 @@
 // What a shape holds of the parameters, and that the rest of them stays where the passes have left it.
-#include "paraboloid/held_directions.h"
+#include "fit/held_directions.h"
 
 #include "core/notes.h"
 #include "core/parameter_names.h"
@@ -7,6 +7,7 @@
 #include "engine/monte_carlo.h"
 #include "engine/transform.h"
 #include "paraboloid/shape_job.h"
+#include "paraboloid/shape_passes.h"
 
 using namespace corvinade;
 
@@ -85,12 +86,12 @@ protected:
     static HeldDirections DirectionsHere(int without) {
         ShapePasses passes;
         EXPECT_TRUE(passes.Begin());
-        return FindHeldDirections(passes, FloatingParameters(passes.Fit), without);
+        return FindHeldDirections(passes.Fit, FloatingParameters(passes.Fit), without);
     }
     static std::vector<double> SigmasHere() {
         ShapePasses passes;
         EXPECT_TRUE(passes.Begin());
-        return SigmasByDistances(passes);
+        return SigmasByDistances(passes.Fit);
     }
 };
 
@@ -173,16 +174,18 @@ TEST_F(WhatAShapeHolds, AlongOpenDirectionsTheSumStaysAndAlongHeldOnesItRisesAsT
         ShapePasses passes;
         ASSERT_TRUE(passes.Begin());
         const FloatingParameters floating(passes.Fit);
-        const HeldDirections directions = FindHeldDirections(passes, floating, 0);
+        const HeldDirections directions = FindHeldDirections(passes.Fit, floating, 0);
         EXPECT_EQ(directions.Held.size(), held);
         EXPECT_EQ(directions.Held.size() + directions.Open.size(), 6u);
-        const ParameterPlace begin = floating.Take();
+        const ParameterPlace begin = floating.Take(passes.Fit.Now);
         const auto sumAt = [&](const ParameterPlace& direction, double way) {
             ParameterPlace place = begin;
             for (std::size_t i = 0; i < place.size(); ++i) place[i] += way * direction[i];
-            floating.Put(place);
+            floating.Put(place, passes.Fit.Now);
+            passes.PutIntoJob();
             const double sum = SumOfSquares();
-            floating.Put(begin);
+            floating.Put(begin, passes.Fit.Now);
+            passes.PutIntoJob();
             return sum;
         };
         constexpr double kWay = 0.2;

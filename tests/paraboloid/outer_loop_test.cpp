@@ -23,13 +23,20 @@ protected:
         FloatParameters({kTraX, kTraY, kTraZ, kRotX, kRotY, kRotZ});
         BeginOuterLoop();
     }
+    static void Accelerate(double s0) {
+        std::array<bool, kParameterEnd> floats{};
+        for (std::size_t k = kTraX; k < kParameterEnd; ++k) floats[k] = Job.ParamText[k] == kFloat;
+        Parameters now = ParametersOf(Job);
+        fit::Accelerate(ParaboloidRun.Loop, floats, s0, now);
+        PutParameters(now, Job);
+    }
     // A pass that has found TraX and a smaller s0 than the one before.
     void Pass(double traX) {
         Job.TraX = traX;
         s0_ *= 0.9;
         Accelerate(s0_);
     }
-    static ParameterTrend& TraX() { return ParaboloidRun.Trends[0]; }
+    static ParameterTrend& TraX() { return ParaboloidRun.Loop.Trends[0]; }
     double s0_ = 50;
 };
 
@@ -447,15 +454,15 @@ TEST_F(Acceleration, BeginsAnewWhereS0Rises) {
     const Column before = TraX().History;
     Job.TraX = 100;
     Accelerate(60);
-    for (const ParameterTrend& trend : ParaboloidRun.Trends) EXPECT_EQ(trend.Boost, 0);
+    for (const ParameterTrend& trend : ParaboloidRun.Loop.Trends) EXPECT_EQ(trend.Boost, 0);
     EXPECT_EQ(TraX().History, before);
     EXPECT_EQ(Job.TraX, 100) << "nothing is accelerated in that pass";
-    EXPECT_EQ(ParaboloidRun.PreviousS0, 60);
+    EXPECT_EQ(ParaboloidRun.Loop.PreviousS0, 60);
 }
 
 TEST_F(Acceleration, BeginsAnewWhereS0StaysTheSame) {
     for (int i = 1; i <= 7; ++i) Pass(i);
-    Accelerate(ParaboloidRun.PreviousS0);
+    Accelerate(ParaboloidRun.Loop.PreviousS0);
     EXPECT_EQ(TraX().Boost, 0);
 }
 
@@ -465,7 +472,7 @@ TEST_F(Acceleration, LeavesTheRotationAboutTheAxisAlone) {
         Pass(i);
         EXPECT_EQ(Job.RotZ, 0.01 * i);
     }
-    for (const ParameterTrend& trend : ParaboloidRun.Trends) EXPECT_NE(trend.Parameter, kRotZ);
+    for (const ParameterTrend& trend : ParaboloidRun.Loop.Trends) EXPECT_NE(trend.Parameter, kRotZ);
 }
 
 TEST_F(Acceleration, LeavesWhatIsHeldAlone) {
@@ -486,8 +493,8 @@ TEST_F(Acceleration, TakesAllFiveParametersByThemselves) {
         Accelerate(50 - i);
     }
     for (std::size_t k = 0; k < 5; ++k) {
-        EXPECT_EQ(ParaboloidRun.Trends[k].Parameter, parameters[k]);
-        EXPECT_EQ(ParaboloidRun.Trends[k].Boost, 3);
+        EXPECT_EQ(ParaboloidRun.Loop.Trends[k].Parameter, parameters[k]);
+        EXPECT_EQ(ParaboloidRun.Loop.Trends[k].Boost, 3);
         EXPECT_EQ(ParameterValue(Job, parameters[k]), static_cast<double>(k + 1) * (6 + 16));
     }
 }

@@ -8,14 +8,13 @@
 #include "cli/headless.h"
 #include "core/controller.h"
 #include "core/job.h"
-#include "core/refresh.h"
 #include "core/units.h"
 #include "core/window.h"
 #include "engine/calculation.h"
 #include "engine/fit_job.h"
 #include "engine/selection.h"
+#include "fit/shape.h"
 #include "paraboloid/paraboloid.h"
-#include "paraboloid/shape.h"
 #include "support/fixture.h"
 
 using namespace corvinade;

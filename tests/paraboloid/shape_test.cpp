@@ -1,5 +1,5 @@
 // The nearest point of a shape.
-#include "paraboloid/shape.h"
+#include "fit/shape.h"
 
 #include <algorithm>
 

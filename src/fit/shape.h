@@ -1,10 +1,9 @@
 // The shape: a surface of revolution about the Z axis of the target system, as a table of profile points.
 #pragma once
 
-#include "core/arrays.h"
-#include "core/rooms.h"
+#include "fit/arrays.h"
 
-namespace corvinade::paraboloid {
+namespace corvinade::fit {
 
 // Is there enough of a shape to put points onto? Its table has the columns 1 radius and 2 height, mm, from
 // row 1 on; two rows make the first segment.
@@ -36,7 +35,4 @@ struct ShapeFoot {
 };
 ShapeFoot NearestShapeFoot(double x, double y, double z, const Matrix& ParaboloidShape);
 
-// True where the job has a shape that serves; otherwise false, and a message says what is missing.
-bool JobHasShape();
-
-}  // namespace corvinade::paraboloid
+}  // namespace corvinade::fit

@@ -4,11 +4,10 @@
 
 #include <vector>
 
-#include "core/rooms.h"
-#include "engine/design.h"
-#include "paraboloid/shape_passes.h"
+#include "fit/design.h"
+#include "fit/shape_run.h"
 
-namespace corvinade::paraboloid {
+namespace corvinade::fit {
 
 // Coordinates of the floating parameters, each as the millimetres that it moves a point at the cloud's edge
 // by.
@@ -19,10 +18,10 @@ struct FloatingParameters {
     std::vector<int> Numbers;
     double Size = 1;  // of the cloud, mm
 
-    explicit FloatingParameters(const NormFit& fit);
+    explicit FloatingParameters(const ShapeRun& run);
     double Factor(int parameter) const { return parameter <= kTraZ ? 1 : Size; }
-    ParameterPlace Take() const;                  // from the job
-    void Put(const ParameterPlace& place) const;  // into the job
+    ParameterPlace Take(const Parameters& from) const;
+    void Put(const ParameterPlace& place, Parameters& into) const;
     // The way from one place to another; angles the short way round.
     ParameterPlace Moved(const ParameterPlace& from, const ParameterPlace& to) const;
 };
@@ -47,23 +46,23 @@ struct HeldDirections {
     int Points = 0;           // that take part
 };
 
-// At the parameters that stand in the job, with the points of the passes as they are gathered: the normal
+// At the present parameters, with the points as they are gathered: the normal
 // matrix of the distances along the surface's normal, and its eigenvectors (by Jacobi's rotations). A
 // direction is open where it moves the points along the surface but for what the table leaves open of its
 // normals, and where even a way of the cloud's size would change the sum by no more than the residuals do.
 //   without  a parameter that takes no part, 0 for none; its entries of all directions are 0
 //   s0       of the last pass, mm
-HeldDirections FindHeldDirections(const ShapePasses& passes, const FloatingParameters& floating, int without);
+HeldDirections FindHeldDirections(ShapeRun& run, const FloatingParameters& floating, int without);
 
 // The numbers of the parameters that a part of an open direction falls on, rising; empty where the shape
 // holds them all.
-std::vector<int> OpenOfShape(const ShapePasses& passes);
+std::vector<int> OpenOfShape(ShapeRun& run);
 
 // How well the distances from the shape alone know the parameters: a point of a surface tells one number, its
 // distance along the normal, wherever it slides. Standard deviations from the normal equations of these
-// distances, sqrt(sum of squares / (points - unknowns) * element of the inverse), at the parameters that
-// stand in the job; mm, rad, or 1 for a scale. 0 for a parameter that does not float, NaN for one that the
+// distances, sqrt(sum of squares / (points - unknowns) * element of the inverse), at the present
+// parameters; mm, rad, or 1 for a scale. 0 for a parameter that does not float, NaN for one that the
 // shape leaves open. Empty without a point to spare.
-std::vector<double> SigmasByDistances(const ShapePasses& passes);
+std::vector<double> SigmasByDistances(ShapeRun& run);
 
-}  // namespace corvinade::paraboloid
+}  // namespace corvinade::fit

@@ -4,13 +4,10 @@
 #include <limits>
 #include <vector>
 
-#include "core/job.h"
-#include "core/run.h"
-#include "paraboloid/held_directions.h"
-#include "paraboloid/paraboloid.h"
-#include "paraboloid/shape_passes.h"
+#include "fit/held_directions.h"
+#include "fit/shape_run.h"
 
-namespace corvinade::paraboloid {
+namespace corvinade::fit {
 
 namespace {
 
@@ -43,13 +40,13 @@ struct HeldWay {
         for (const Values& direction : Directions.Held) shares.push_back(Dot(direction, way));
         return shares;
     }
-    void Put(const Values& shares) const {
+    void Put(const Values& shares, Parameters& into) const {
         Values place = Begin;
         for (std::size_t k = 0; k < shares.size(); ++k) Subtract(place, -shares[k], Directions.Held[k]);
-        Floating.Put(place);
+        Floating.Put(place, into);
     }
-    // Where the last pass has come to.
-    Values Here() const { return Shares(Floating.Moved(Begin, Floating.Take())); }
+    // Where these parameters are.
+    Values At(const Parameters& now) const { return Shares(Floating.Moved(Begin, Floating.Take(now))); }
 
     // Ways along which the sum falls by no more than its rounding are none.
     void DropIdleWays(Values& shares) const {
@@ -121,39 +118,35 @@ struct BestPass {
     }
 };
 
-bool Stopped() {
-    return IsTrue(Run.StopRequested) || IsTrue(ParaboloidRun.ParaStopRequested);
-}
-
 }  // namespace
 
-PassEnd GoToRest(ShapePasses& passes, bool& moved) {
+PassEnd GoToRest(ShapeRun& run, bool& moved) {
     constexpr int kMostTries = 500, kPatience = 40;
     constexpr double kStill = 1e-13;  // of the cloud's size: the rounding of its coordinates
     constexpr double kAstray = 2;     // so many times the least s0
     moved = false;
-    const FloatingParameters floating(passes.Fit);
+    const FloatingParameters floating(run);
     // A shape of revolution does not hold the rotation about its axis: that stays where it is.
-    const HeldWay held{floating, floating.Take(), FindHeldDirections(passes, floating, kRotZ)};
+    const HeldWay held{floating, floating.Take(run.Now), FindHeldDirections(run, floating, kRotZ)};
     if (held.Directions.Held.empty()) return PassEnd::Done;
     Values place(held.Directions.Held.size()), former, formerMovement;
     double s0AtBegin = 0;
     Mixing mixing;
     BestPass best;
     for (int pass = 0, since = 0; pass < kMostTries && since < kPatience; ++pass, ++since) {
-        held.Put(place);
-        const PassEnd end = passes.Pass();
+        held.Put(place, run.Now);
+        const PassEnd end = Pass(run);
         if (end == PassEnd::Lost) return end;
-        if (Stopped()) {
-            floating.Put(held.Begin);  // what targets and residuals belong to
+        if (run.Listener.StopsOrRests()) {
+            floating.Put(held.Begin, run.Now);  // what targets and residuals belong to
             return PassEnd::Done;
         }
-        if (pass == 0) s0AtBegin = passes.s0;
-        const Values after = held.Here();
+        if (pass == 0) s0AtBegin = run.s0;
+        const Values after = held.At(run.Now);
         Values movement = after;
         Subtract(movement, 1, place);
         const double size = Length(movement);
-        if (end == PassEnd::Failed || !std::isfinite(size) || passes.s0 > kAstray * best.s0) {
+        if (end == PassEnd::Failed || !std::isfinite(size) || run.s0 > kAstray * best.s0) {
             // Out of reach of the last extrapolation: on from the best place, without what led away.
             if (best.Place.empty()) break;
             mixing.Clear();
@@ -162,7 +155,7 @@ PassEnd GoToRest(ShapePasses& passes, bool& moved) {
             continue;
         }
         bool gotOn = false;
-        best.Take(after, size, passes.s0, gotOn);
+        best.Take(after, size, run.s0, gotOn);
         if (gotOn) since = 0;
         if (size <= kStill * floating.Size) break;
         if (!former.empty()) {
@@ -175,12 +168,12 @@ PassEnd GoToRest(ShapePasses& passes, bool& moved) {
         formerMovement = movement;
         mixing.Extrapolate(place, movement);
     }
-    floating.Put(held.Begin);
+    floating.Put(held.Begin, run.Now);
     if (best.Place.empty() || best.s0 > s0AtBegin) return PassEnd::Done;
     held.DropIdleWays(best.Place);
     moved = Length(best.Place) > 0;
-    if (moved) held.Put(best.Place);
+    if (moved) held.Put(best.Place, run.Now);
     return PassEnd::Done;
 }
 
-}  // namespace corvinade::paraboloid
+}  // namespace corvinade::fit

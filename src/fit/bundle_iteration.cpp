@@ -1,20 +1,18 @@
 // The adjustment of a network by distances.
-#include "bundle/adjustment_steps.h"
+#include "fit/bundle_iteration.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
-#include <string_view>
-#include <unordered_map>
+#include <utility>
 
-#include "core/numbers.h"
-#include "core/platform.h"
+#include "fit/bundle_open.h"
 #include "fit/matrix.h"
 #include "fit/require.h"
 #include "fit/vector.h"
 
-namespace corvinade::bundle {
+namespace corvinade::fit {
 
 namespace {
 
@@ -23,10 +21,10 @@ constexpr std::size_t At(int i) {
 }
 
 // The coordinate of a column.
-double& Coordinate(BundleRecord& network, const BundleWork& work, int column) {
+double& Coordinate(BundleNetwork& network, const BundleWork& work, int column) {
     const int point = (column - 1) / 3 + 1, axis = (column - 1) % 3 + 1;
-    if (point <= network.nStations) return network.StationXYZ(point, axis);
-    return network.ObjectXYZ(work.UsedObject[At(point - network.nStations)], axis);
+    if (point <= network.Stations()) return network.StationXYZ(point, axis);
+    return network.ObjectXYZ(work.UsedObject[At(point - network.Stations())], axis);
 }
 
 // First columns of the two points of a row, less 1.
@@ -37,10 +35,7 @@ Columns ColumnsOf(const DistanceRow& row, int stations) {
     return {3 * (row.Station - 1), 3 * (stations + row.Object - 1)};
 }
 
-// Numbers of names; of several equal ones the first counts.
-using Numbers = std::unordered_map<std::string_view, int>;
-
-Vec3 StationPlace(const BundleRecord& network, int station) {
+Vec3 StationPlace(const BundleNetwork& network, int station) {
     return {network.StationXYZ(station, 1), network.StationXYZ(station, 2), network.StationXYZ(station, 3)};
 }
 
@@ -62,11 +57,11 @@ struct DatumStations {
 };
 
 // Walks over the stations. Third stays 0 when there is no station off the line.
-DatumStations FindDatumStations(const BundleRecord& network) {
+DatumStations FindDatumStations(const BundleNetwork& network) {
     DatumStations found;
-    if (network.nStations < 1) return found;
+    if (network.Stations() < 1) return found;
     const Vec3 first = StationPlace(network, 1);
-    for (int i = 2; i <= network.nStations; ++i) {
+    for (int i = 2; i <= network.Stations(); ++i) {
         const Vec3 place = StationPlace(network, i);
         Vec3 b, normal;
         VecSub(place, first, b);
@@ -136,7 +131,7 @@ void Residuals(int stations, BundleWork& work) {
 }
 
 // Every sum of coordinate and unknown is a number; only then is the network changed.
-bool AddUnknowns(BundleRecord& network, BundleWork& work) {
+bool AddUnknowns(BundleNetwork& network, BundleWork& work) {
     const int columns = UpperBound(work.Unknown);
     for (const bool add : {false, true})
         for (int column = 1; column <= columns; ++column) {
@@ -154,41 +149,24 @@ bool AddUnknowns(BundleRecord& network, BundleWork& work) {
 void KeepCofactors(BundleWork& work) {
     for (std::size_t column = 1; column < work.Unknown.size(); ++column) {
         const int unknown = work.Unknown[column];
-        work.Cofactor[column] = unknown == 0 ? TaggedValue{} : work.Qxx(unknown, unknown);
+        work.Cofactor[column] =
+            unknown == 0 ? std::nullopt : std::optional<double>(work.Qxx(unknown, unknown));
     }
 }
 
 }  // namespace
 
-BundleWork PrepareBundle(const BundleRecord& network, double percent) {
-    Require(percent >= 1 && percent <= 100);
+BundleWork BeginBundle(int stations, BundleChoice choice) {
+    Require(choice.StationOf.size() == choice.ObjectOf.size());
     BundleWork work;
-    work.step = static_cast<int>(Int(100 / percent));
-    const int used = static_cast<int>(Int(percent * network.nObjectPoints / 100));
-    const int points = network.nStations + used;
-    if (3 * points - 6 > kMostUnknowns)
-        throw PlatformError{"The network has " + std::to_string(3 * points - 6) +
-                            " unknown coordinates; there is room for " + std::to_string(kMostUnknowns) +
-                            ". Take a smaller percentage of the object points."};
-    Numbers stations, objects;
-    for (int i = 1; i <= network.nStations; ++i) stations.emplace(network.StationName[At(i)], i);
-    for (int i = 1; i <= used; ++i) {
-        work.UsedObject.push_back(1 + (i - 1) * work.step);
-        objects.emplace(network.ObjectName[At(work.UsedObject.back())], i);
-    }
-    const std::size_t distances = At(network.nDistances) + 1;
+    const std::size_t distances = choice.StationOf.size();
+    const int points = stations + UpperBound(choice.UsedObject);
     work.A.resize(distances);
     work.l.resize(distances);
     work.v.resize(distances);
-    work.StationOf.resize(distances);
-    work.ObjectOf.resize(distances);
-    for (std::size_t k = 1; k < distances; ++k) {
-        const auto station = stations.find(network.DistancePair[1][k]);
-        const auto object = objects.find(network.DistancePair[2][k]);
-        if (station == stations.end() || object == objects.end()) continue;
-        work.StationOf[k] = station->second;
-        work.ObjectOf[k] = object->second;
-    }
+    work.UsedObject = std::move(choice.UsedObject);
+    work.StationOf = std::move(choice.StationOf);
+    work.ObjectOf = std::move(choice.ObjectOf);
     work.Unknown.resize(3 * At(points) + 1);
     work.Cofactor.resize(3 * At(points) + 1);
     work.nUnknown = std::max(0, 3 * points - 6);
@@ -196,7 +174,7 @@ BundleWork PrepareBundle(const BundleRecord& network, double percent) {
     return work;
 }
 
-void AMatrix(const BundleRecord& network, BundleWork& work) {
+void AMatrix(const BundleNetwork& network, BundleWork& work) {
     for (std::size_t k = 1; k < work.A.size(); ++k) {
         DistanceRow& row = work.A[k];
         row = {};
@@ -214,7 +192,7 @@ void AMatrix(const BundleRecord& network, BundleWork& work) {
     }
 }
 
-bool HoldDatum(const BundleRecord& network, BundleWork& work) {
+bool HoldDatum(const BundleNetwork& network, BundleWork& work) {
     const DatumStations stations = FindDatumStations(network);
     if (stations.Third == 0) return false;
     std::fill(work.Unknown.begin(), work.Unknown.end(), 1);
@@ -255,29 +233,29 @@ void NormalMatrix(int stations, BundleWork& work) {
     }
 }
 
-BundleStep BundleIteration(BundleRecord& network, BundleWork& work, const BundleListener& listener) {
-    const auto log = [&listener](const char* text) {
-        if (listener.Log) listener.Log(text);
+BundleStep BundleIteration(BundleNetwork& network, BundleWork& work, const BundleStepListener& listener) {
+    const auto tell = [&listener](BundleStage stage) {
+        if (listener.Heard) listener.Heard(stage);
     };
     const auto goOn = [&listener] { return !listener.GoOn || listener.GoOn(); };
-    log("calculationg A Matrix");
+    tell(BundleStage::Rows);
     AMatrix(network, work);
     if (!HoldDatum(network, work)) return BundleStep::OnALine;
     // The rows hold A and, all weights being 1, its transpose and their product with P as well.
-    log("calculating A transponiert");
-    log("calculating At * P");
-    NormalMatrix(network.nStations, work);
-    log("calculating N = (At * P) * A");
+    tell(BundleStage::Transposed);
+    tell(BundleStage::Weighted);
+    NormalMatrix(network.Stations(), work);
+    tell(BundleStage::Normal);
     if (!MatrixInverse(work.Qxx, work.nUnknown, work.nUnknown, work.Qxx, goOn)) return BundleStep::Ended;
-    log("calculating qxx = N^-1");
-    const Column n = RightSide(network.nStations, work);
-    log("calculating n = (At * P) * l");
+    tell(BundleStage::Inverted);
+    const Column n = RightSide(network.Stations(), work);
+    tell(BundleStage::RightSide);
     Unknowns(n, work);
-    log("calculating x = qxx * n");
-    Residuals(network.nStations, work);
-    log("calculating v = A * x -l");
+    tell(BundleStage::Solved);
+    Residuals(network.Stations(), work);
+    tell(BundleStage::Residuals);
     if (!AddUnknowns(network, work)) return BundleStep::NotFinite;
-    log("calculating unknowns");
+    tell(BundleStage::Added);
     work.BiggestX = 0;
     for (int i = 1; i <= work.nUnknown; ++i)
         work.BiggestX = std::max(work.BiggestX, std::fabs(work.x[At(i)]));
@@ -286,8 +264,16 @@ BundleStep BundleIteration(BundleRecord& network, BundleWork& work, const Bundle
     return BundleStep::Whole;
 }
 
-double BundleS0(const BundleRecord& network, const BundleWork& work) {
-    return network.nDistances < 2 ? 0 : std::sqrt(work.SumVV / (network.nDistances - 1));
+double BundleS0(const BundleWork& work) {
+    const int distances = UpperBound(work.v);
+    return distances < 2 ? 0 : std::sqrt(work.SumVV / (distances - 1));
 }
 
-}  // namespace corvinade::bundle
+std::optional<double> BundleAccuracy(const BundleWork& work, int column) {
+    const std::optional<double>& cofactor = work.Cofactor[At(column)];
+    if (!cofactor || IsOpenCoordinate(work, column)) return std::nullopt;
+    // A network that its distances hardly determine has cofactors of any sign.
+    return BundleS0(work) * std::sqrt(std::fabs(*cofactor));
+}
+
+}  // namespace corvinade::fit

@@ -1,19 +1,15 @@
 // What a shape holds of the parameters of a fit to it.
-#include "paraboloid/held_directions.h"
+#include "fit/held_directions.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-#include "core/job.h"
-#include "core/units.h"
-#include "engine/adjustment.h"
-#include "engine/design.h"
-#include "engine/parameter_kind.h"
-#include "engine/transform.h"
-#include "paraboloid/shape.h"
+#include "fit/angles.h"
+#include "fit/design.h"
+#include "fit/shape.h"
 
-namespace corvinade::paraboloid {
+namespace corvinade::fit {
 
 namespace {
 
@@ -83,20 +79,18 @@ void AddPoint(const std::vector<Vec3>& ways, const ShapeFoot& foot, Sums& sums) 
     ++sums.Points;
 }
 
-Sums SumsOf(const ShapePasses& passes, const FloatingParameters& floating) {
-    const GatheredPoints& points = passes.Fit.Points;
-    const FitModel model = ChooseModel(passes.Fit.ParamText);
-    const Linearisation at = Linearise(model, points);
+Sums SumsOf(ShapeRun& run, const FloatingParameters& floating) {
+    const GatheredPoints& points = run.Points;
+    const Linearisation at = Linearise(run.Model, run.Now, points, run.Chain);
     const std::size_t n = floating.Numbers.size();
     Sums sums{.Across = Square(n, std::vector<double>(n)), .Whole = Square(n, std::vector<double>(n))};
     for (std::size_t k = 0; k < At(points.Count); ++k) {
         if (!PointInUse(points, k)) continue;
         const Vec3 c = points.StartCentre;
         const Vec3 p(points.Start[0][k] + c(1), points.Start[1][k] + c(2), points.Start[2][k] + c(3));
-        Vec3 image;
-        TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
-        AddPoint(WaysOfPoint(model, at, floating, p),
-                 NearestShapeFoot(image(1), image(2), image(3), Job.ParaboloidShape), sums);
+        const Vec3 image = ImageOf(run, p);
+        AddPoint(WaysOfPoint(run.Model, at, floating, p),
+                 NearestShapeFoot(image(1), image(2), image(3), run.Shape), sums);
         for (int axis = 1; axis <= 3; ++axis)
             sums.Far = std::max({sums.Far, std::fabs(p(axis)), std::fabs(image(axis))});
     }
@@ -144,27 +138,27 @@ bool PointInUse(const GatheredPoints& points, std::size_t k) {
            points.Weight[2][k] != 0;
 }
 
-FloatingParameters::FloatingParameters(const NormFit& fit) {
+FloatingParameters::FloatingParameters(const ShapeRun& run) {
     for (int k = kTraX; k <= kAngleZtoXY; ++k)
-        if (fit.ParamText[At(k)] == kFloat) Numbers.push_back(k);
+        if (run.Model.UnknownOf[At(k)] != 0) Numbers.push_back(k);
     double largest = 0;
-    for (const LaneArray& column : fit.Points.Start)
+    for (const LaneArray& column : run.Points.Start)
         for (const double value : column) largest = std::max(largest, std::fabs(value));
     if (largest > 0) Size = largest;
 }
 
-ParameterPlace FloatingParameters::Take() const {
+ParameterPlace FloatingParameters::Take(const Parameters& from) const {
     ParameterPlace place;
     place.reserve(Numbers.size());
-    for (const int k : Numbers) place.push_back(ParameterValue(Job, k) * Factor(k));
+    for (const int k : Numbers) place.push_back(from[k] * Factor(k));
     return place;
 }
 
-void FloatingParameters::Put(const ParameterPlace& place) const {
+void FloatingParameters::Put(const ParameterPlace& place, Parameters& into) const {
     for (std::size_t i = 0; i < Numbers.size(); ++i) {
         const int k = Numbers[i];
-        ParameterValue(Job, k) = place[i] / Factor(k);
-        if (k == kScaleXYZ) Job.ScaleX = Job.ScaleY = Job.ScaleZ = Job.ScaleXYZ;
+        into[k] = place[i] / Factor(k);
+        if (k == kScaleXYZ) into[kScaleX] = into[kScaleY] = into[kScaleZ] = into[kScaleXYZ];
     }
 }
 
@@ -178,11 +172,10 @@ ParameterPlace FloatingParameters::Moved(const ParameterPlace& from, const Param
     return moved;
 }
 
-HeldDirections FindHeldDirections(const ShapePasses& passes, const FloatingParameters& floating,
-                                  int without) {
+HeldDirections FindHeldDirections(ShapeRun& run, const FloatingParameters& floating, int without) {
     constexpr double kAlong = 1e-12;  // of the whole way, squared: what rounding makes of a normal
     constexpr double kEps = std::numeric_limits<double>::epsilon();
-    Sums sums = SumsOf(passes, floating);
+    Sums sums = SumsOf(run, floating);
     HeldDirections found;
     if (sums.Points == 0 || !AllFinite(sums.Across) || !AllFinite(sums.Whole)) return found;
     found.SumOfSquares = sums.Squares;
@@ -225,18 +218,18 @@ bool IsOpen(const HeldDirections& directions, std::size_t i) {
 
 }  // namespace
 
-std::vector<int> OpenOfShape(const ShapePasses& passes) {
-    const FloatingParameters floating(passes.Fit);
-    const HeldDirections directions = FindHeldDirections(passes, floating, 0);
+std::vector<int> OpenOfShape(ShapeRun& run) {
+    const FloatingParameters floating(run);
+    const HeldDirections directions = FindHeldDirections(run, floating, 0);
     std::vector<int> parameters;
     for (std::size_t i = 0; i < floating.Numbers.size(); ++i)
         if (IsOpen(directions, i)) parameters.push_back(floating.Numbers[i]);
     return parameters;
 }
 
-std::vector<double> SigmasByDistances(const ShapePasses& passes) {
-    const FloatingParameters floating(passes.Fit);
-    const HeldDirections directions = FindHeldDirections(passes, floating, 0);
+std::vector<double> SigmasByDistances(ShapeRun& run) {
+    const FloatingParameters floating(run);
+    const HeldDirections directions = FindHeldDirections(run, floating, 0);
     const int spare = directions.Points - static_cast<int>(directions.Held.size());
     if (spare <= 0) return {};
     const double variance = directions.SumOfSquares / spare;
@@ -253,4 +246,4 @@ std::vector<double> SigmasByDistances(const ShapePasses& passes) {
     return sigmas;
 }
 
-}  // namespace corvinade::paraboloid
+}  // namespace corvinade::fit

@@ -1,5 +1,5 @@
 // Places beside the one where the passes of the fit to a shape rest.
-#include "paraboloid/better_place.h"
+#include "fit/better_place.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,16 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "core/job.h"
-#include "core/platform.h"
-#include "core/run.h"
-#include "engine/parameter_kind.h"
-#include "engine/transform.h"
-#include "paraboloid/held_directions.h"
-#include "paraboloid/paraboloid.h"
-#include "paraboloid/shape.h"
+#include "fit/held_directions.h"
+#include "fit/shape.h"
 
-namespace corvinade::paraboloid {
+namespace corvinade::fit {
 
 namespace {
 
@@ -69,12 +63,10 @@ enum class Surface {
 // The sum of squared distances over the parameters that the shape holds.
 class Landscape {
 public:
-    explicit Landscape(ShapePasses& passes)
-        : passes_(passes), floating_(passes.Fit), model_(ChooseModel(passes.Fit.ParamText)) {
-        before_ = ParametersOf(Job);
-        begin_ = floating_.Take();
-        directions_ = FindHeldDirections(passes, floating_, kRotZ);
-        const GatheredPoints& points = passes.Fit.Points;
+    explicit Landscape(ShapeRun& run) : run_(run), floating_(run), before_(run.Now) {
+        begin_ = floating_.Take(run.Now);
+        directions_ = FindHeldDirections(run, floating_, kRotZ);
+        const GatheredPoints& points = run.Points;
         const Vec3 c = points.StartCentre;
         for (std::size_t k = 0; k < static_cast<std::size_t>(points.Count); ++k)
             if (PointInUse(points, k))
@@ -86,9 +78,7 @@ public:
 
     std::size_t Directions() const { return directions_.Held.size(); }
     bool Lost() const { return lost_; }
-    bool Ended() const {
-        return lost_ || IsTrue(Run.StopRequested) || IsTrue(ParaboloidRun.ParaStopRequested);
-    }
+    bool Ended() const { return lost_ || run_.Listener.StopsOrRests(); }
 
     // Has the search taken as long as it may? Many points even the kinks out, so that a first look does.
     bool Spent() const {
@@ -96,16 +86,14 @@ public:
         return sums_ * points_.size() > kMost;
     }
 
-    void Restore() const { PutParameters(before_, Job); }
+    void Restore() const { run_.Now = before_; }
     void Put(const Values& place) const {
         ParameterPlace parameters = begin_;
         for (std::size_t k = 0; k < place.size(); ++k)
             for (std::size_t i = 0; i < parameters.size(); ++i)
                 parameters[i] += place[k] * directions_.Held[k][i];
-        floating_.Put(parameters);
-        Job.RotXCopy = Job.RotX;
-        Job.RotYCopy = Job.RotY;
-        Job.RotZCopy = Job.RotZ;
+        floating_.Put(parameters, run_.Now);
+        BuildChain(ChainSourceOf(run_.Now), run_.Chain);
     }
 
     // Infinite where a scale leaves its neighbourhood, where there is no number, and behind the end.
@@ -115,17 +103,17 @@ public:
         if (!ScalesAreNear()) return kInfinity;
         double sum = 0;
         for (const Vec3& p : points_) {
-            Vec3 image, nearest;
+            const Vec3 image = ImageOf(run_, p);
+            Vec3 nearest;
             double distance = 0;
-            TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
             if (surface == Surface::Even) {
-                const ShapeFoot foot = NearestShapeFoot(image(1), image(2), image(3), Job.ParaboloidShape);
+                const ShapeFoot foot = NearestShapeFoot(image(1), image(2), image(3), run_.Shape);
                 const double off = OffSegment(foot, image) - foot.Bulge;
                 sum += off * off;
                 continue;
             }
-            NearestShapePoint(image(1), image(2), image(3), Job.ParaboloidShape, nearest(1), nearest(2),
-                              nearest(3), distance);
+            NearestShapePoint(image(1), image(2), image(3), run_.Shape, nearest(1), nearest(2), nearest(3),
+                              distance);
             sum += distance * distance;
         }
         return std::isfinite(sum) ? sum : kInfinity;
@@ -186,10 +174,9 @@ public:
         Put(place);
         distances.reserve(points_.size());
         for (const Vec3& p : points_) {
-            Vec3 image;
-            TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
+            const Vec3 image = ImageOf(run_, p);
             distances.push_back(
-                OffSegment(NearestShapeFoot(image(1), image(2), image(3), Job.ParaboloidShape), image));
+                OffSegment(NearestShapeFoot(image(1), image(2), image(3), run_.Shape), image));
         }
         return distances;
     }
@@ -213,8 +200,8 @@ private:
     bool Serve() {
         if (Ended()) return false;
         ++sums_;
-        YieldToEvents();
-        lost_ = lost_ || passes_.Overtaken();
+        const bool lost = run_.Lost();
+        lost_ = lost_ || lost;
         return !Ended();
     }
 
@@ -224,8 +211,7 @@ private:
             const int parameter = floating_.Numbers[i];
             if (KindOf(parameter) != ParameterKind::Scale) continue;
             const double begin = begin_[i] / floating_.Factor(parameter);
-            if (!(std::fabs(ParameterValue(Job, parameter) - begin) <= kNear * std::fabs(begin)))
-                return false;
+            if (!(std::fabs(run_.Now[parameter] - begin) <= kNear * std::fabs(begin))) return false;
         }
         return true;
     }
@@ -237,10 +223,9 @@ private:
         return distance;
     }
 
-    static ShapeFoot FootOf(const Vec3& p) {
-        Vec3 image;
-        TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
-        return NearestShapeFoot(image(1), image(2), image(3), Job.ParaboloidShape);
+    ShapeFoot FootOf(const Vec3& p) {
+        const Vec3 image = ImageOf(run_, p);
+        return NearestShapeFoot(image(1), image(2), image(3), run_.Shape);
     }
 
     Equations EquationsAt(const Values& place, Surface surface) {
@@ -248,15 +233,14 @@ private:
         Equations equations{.Normal = std::vector<Values>(n, Values(n)), .Right = Values(n)};
         if (!Serve()) return equations;
         Put(place);
-        const Linearisation at = Linearise(model_, passes_.Fit.Points);
+        const Linearisation at = Linearise(run_.Model, run_.Now, run_.Points, run_.Chain);
         Values along(n);
         for (const Vec3& p : points_) {
-            Vec3 image;
-            TransformPoint(p(1), p(2), p(3), image(1), image(2), image(3));
-            const ShapeFoot foot = NearestShapeFoot(image(1), image(2), image(3), Job.ParaboloidShape);
+            const Vec3 image = ImageOf(run_, p);
+            const ShapeFoot foot = NearestShapeFoot(image(1), image(2), image(3), run_.Shape);
             const double distance = OffSegment(foot, image) - (surface == Surface::Even ? foot.Bulge : 0);
             const Vec3& normal = surface == Surface::Even ? foot.Bend : foot.Facet;
-            const std::vector<Vec3> ways = WaysOfPoint(model_, at, floating_, p);
+            const std::vector<Vec3> ways = WaysOfPoint(run_.Model, at, floating_, p);
             std::fill(along.begin(), along.end(), 0);
             for (std::size_t i = 0; i < ways.size(); ++i) {
                 const double across =
@@ -271,9 +255,8 @@ private:
         return equations;
     }
 
-    ShapePasses& passes_;
+    ShapeRun& run_;
     FloatingParameters floating_;
-    FitModel model_;
     Parameters before_;
     ParameterPlace begin_;
     HeldDirections directions_;
@@ -384,9 +367,9 @@ void SeekOn(Search& search, double offTable) {
 
 }  // namespace
 
-PassEnd SearchBeside(ShapePasses& passes, BesideSearch& found) {
+PassEnd SearchBeside(ShapeRun& run, BesideSearch& found) {
     found = BesideSearch{};
-    Landscape land(passes);
+    Landscape land(run);
     if (land.Directions() == 0) return PassEnd::Done;
     const Values begin(land.Directions());
     const double before = land.SumAt(begin);
@@ -413,4 +396,4 @@ PassEnd SearchBeside(ShapePasses& passes, BesideSearch& found) {
     return PassEnd::Done;
 }
 
-}  // namespace corvinade::paraboloid
+}  // namespace corvinade::fit

@@ -1,19 +1,15 @@
 // The nearest point of a shape.
-#include "paraboloid/shape.h"
+#include "fit/shape.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "core/job.h"
-#include "core/platform.h"
-#include "core/run.h"
-#include "core/units.h"
-#include "engine/transform.h"
 #include "fit/angles.h"
+#include "fit/chain.h"
 #include "fit/require.h"
 #include "fit/vector.h"
 
-namespace corvinade::paraboloid {
+namespace corvinade::fit {
 
 namespace {
 
@@ -189,11 +185,4 @@ ShapeFoot NearestShapeFoot(double x, double y, double z, const Matrix& Paraboloi
     return found;
 }
 
-bool JobHasShape() {
-    if (ShapeServes(Job.ParaboloidShape)) return true;
-    ShowMessage(
-        "There is no shape of a paraboloid to fit to. Please import a shape file with at least 2 rows.");
-    return false;
-}
-
-}  // namespace corvinade::paraboloid
+}  // namespace corvinade::fit
