@@ -59,6 +59,19 @@ void ReadSettings() {
     }
 }
 
+// Units of the settings that are none: those of a new job stand in their place, and the user is told.
+void CheckSettingsUnits() {
+    std::string wrong;
+    const auto check = [&wrong](std::span<const UnitRow> units, std::string& name) {
+        if (IsUnitName(units, name)) return;
+        if (wrong.empty()) wrong = NoUnitName(units, name);
+        name.clear();  // and a new job takes its own
+    };
+    check(LengthUnits(), Job.LengthUnitName);
+    check(AngleUnits(), Job.AngleUnitName);
+    if (!wrong.empty()) throw PlatformError{"\"" + Run.SettingsFilePath + "\": " + wrong};
+}
+
 // The last `count` characters of a UTF-8 text.
 std::string LastCharacters(const std::string& text, int count) {
     std::size_t place = text.size();
@@ -161,6 +174,7 @@ void StartUp(const std::string& commandLine) {
     ShowWindow("FormMain");
     if (!Dispatch(FindSettingsFile)) Settings.RefusalTold = true;
     Dispatch(ReadSettings);
+    Dispatch(CheckSettingsUnits);
     ShowStartScreen();
     Dispatch(Initialisieren);
     if (!commandLine.empty())
