@@ -2,6 +2,7 @@
 #include <optional>
 
 #include "analysis/exports.h"
+#include "core/file_state.h"
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/platform.h"
@@ -96,7 +97,7 @@ void FormMain::MenueOnlyMCStoTilde_Click() {
     }
     UnconvergedConsent consent;
     if (!consent.Given()) return;
-    if (File_Exist(path) && !AskYesNo("File " + path + " is existing.\rWill you replace it?")) return;
+    if (FileIsThere(path) && !AskYesNo("File " + path + " is existing.\rWill you replace it?")) return;
     if (!consent.Given()) return;
     const BusyPointer busy;
     WriteFile(path, OnlyMcsText());

@@ -439,7 +439,7 @@ std::string AnswerLine(const std::string& line, bool& quit) {
     return reply.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 
-void Automate(const AutomationOptions& options, std::istream& in, std::ostream& out) {
+bool Automate(const AutomationOptions& options, std::istream& in, std::ostream& out) {
     StartAutomation(options);
     std::string line;
     bool quit = false;
@@ -447,6 +447,7 @@ void Automate(const AutomationOptions& options, std::istream& in, std::ostream& 
         if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
         out << AnswerLine(line, quit) << std::endl;
     }
+    return !in.bad();
 }
 
 }  // namespace corvinade::cli

@@ -236,11 +236,12 @@ void TakeJobSwitches(JobSwitches& s) {
     if (s.Yes || s.No) s.Options.Questions = s.Yes;
 }
 
-int Serve(AutomateSwitches& s, std::istream& in, std::ostream& out) {
+int Serve(AutomateSwitches& s, std::istream& in, std::ostream& out, std::ostream& err) {
     if (!s.SettingsDir.empty()) Headless.SettingsDir = s.SettingsDir;
     if (!s.Decimal.empty()) Headless.Decimal = DecimalOf(s.Decimal);
     SizeFromText(s.Screen, s.Options.ScreenWidth, s.Options.ScreenHeight);
-    Automate(s.Options, in, out);
+    if (!Automate(s.Options, in, out))
+        return Refuse(err, kUnreadable, "Cannot read \"standard input\": the stream has broken off");
     return out ? kDone : kRefused;  // nobody has read the replies
 }
 
@@ -398,7 +399,7 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     }
     if (commands.CompletionApp->parsed())
         return (out << CompletionScript(app, commands.Shell)).flush() ? kDone : kRefused;
-    if (commands.AutomateApp->parsed()) return Serve(commands.AutomateOf, in, out);
+    if (commands.AutomateApp->parsed()) return Serve(commands.AutomateOf, in, out, err);
     // A command gives the same on every machine, and to a script what its other programs read. Only the one
     // above, which stands in for the desktop, has the locale as that has.
     Headless.Decimal = '.';

@@ -10,11 +10,13 @@
 #include "cli/fit_options.h"
 #include "core/file_writer.h"
 #include "core/platform.h"
+#include "core/system_files.h"
 
 using namespace corvinade;
 
 int main(int argc, char** argv) {
     LetTooLargeFilesRefuse();
+    RemoveFilesBesideAtSignals();
     try {
         std::ios::sync_with_stdio(false);
         return RunCommandLine(argc, argv, std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1,

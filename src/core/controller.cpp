@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "core/changes.h"
+#include "core/file_state.h"
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/job.h"
@@ -15,6 +16,7 @@
 #include "core/refresh.h"
 #include "core/run.h"
 #include "core/settings.h"
+#include "core/system_files.h"
 #include "core/text.h"
 #include "core/units.h"
 
@@ -33,21 +35,22 @@ void FindSettingsFile() {
         const std::string appdata = EnvironmentVariable("appdata").value_or("");
         const std::string folder = JoinPath(appdata.empty() ? UserSettingsFolder() : appdata, "Corvinade");
         Run.SettingsFilePath = JoinPath(folder, "Corvinade.ini");
-        if (File_Exist(Run.SettingsFilePath)) return;
-        if (!Directory_Exist(folder)) CreateFolder(folder);
+        if (FileIsThere(Run.SettingsFilePath)) return;
+        if (!FolderIsThere(folder)) CreateFolder(folder);
     } else {
         Run.SettingsFilePath = JoinPath(ProgramFolder(), "Corvinade.ini");
-        if (File_Exist(Run.SettingsFilePath)) return;
+        if (FileIsThere(Run.SettingsFilePath)) return;
     }
-    IniDateiAnlegen();
+    const FolderLock lock(Pfad(Run.SettingsFilePath));
+    if (!FileIsThere(Run.SettingsFilePath)) IniDateiAnlegen();  // else another program was quicker
 }
 
 // Reads the settings file. What it cannot give, because it is missing, unreadable or holds a text where a
 // number must stand, has the default of a new file; what stands before such a text is kept.
 void ReadSettings() {
     const auto takeDefaults = [] { ReadSettingsText(DefaultSettingsText(), Run.SettingsFilePath); };
-    if (!File_Exist(Run.SettingsFilePath)) return takeDefaults();
     try {
+        if (!FileIsThere(Run.SettingsFilePath)) return takeDefaults();
         IniLesen();
     } catch (const PlatformError&) {
         takeDefaults();

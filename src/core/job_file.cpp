@@ -6,6 +6,7 @@
 
 #include "core/changes.h"
 #include "core/controller.h"
+#include "core/file_state.h"
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/job_block.h"
@@ -92,7 +93,7 @@ void SaveFileAs(const std::string& path) {
 void OpenFile(const std::string& path) {
     CloseAllChildForms();
     Initialisieren();
-    if (!File_Exist(path)) {
+    if (!FileIsThere(path)) {
         ShowMessage("File does not exist; maybe check the drive!?");
         return;
     }

@@ -7,6 +7,7 @@
 
 #include "core/changes.h"
 #include "core/controller.h"
+#include "core/file_state.h"
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/job.h"
@@ -230,8 +231,8 @@ bool ImportPoints(const ImportRequest& request) {
 }
 
 // Both files must be there; the message names the one that is not.
-bool FileIsThere(const std::string& path) {
-    if (File_Exist(path)) return true;
+bool IsThereOrTold(const std::string& path) {
+    if (FileIsThere(path)) return true;
     ShowMessage(kNewLine + kNewLine + path + kNewLine + kNewLine + " is not existing");
     return false;
 }
@@ -333,8 +334,8 @@ ImportOutcome Import(const ImportRequest& request) {
         Job.NameOCS = before[3];
         return ImportOutcome::NotRead;
     };
-    if ((request.StartPoints == nullptr && !FileIsThere(Job.PathMCS)) ||
-        (request.TargetPoints == nullptr && !FileIsThere(Job.PathOCS)))
+    if ((request.StartPoints == nullptr && !IsThereOrTold(Job.PathMCS)) ||
+        (request.TargetPoints == nullptr && !IsThereOrTold(Job.PathOCS)))
         return leaveJob();
     Job.NameMCS = startName;
     Job.NameOCS = targetName;

@@ -6,6 +6,7 @@
 
 #include "core/controller.h"
 #include "core/file_writer.h"
+#include "core/system_files.h"
 #include "ui/desktop.h"
 #include "ui/qt_text.h"
 #include "ui/start_screen.h"
@@ -44,6 +45,7 @@ using namespace corvinade;
 
 int main(int argc, char** argv) {
     LetTooLargeFilesRefuse();
+    RemoveFilesBesideAtSignals();
     QCoreApplication::setApplicationName(QStringLiteral("Corvinade"));
     QCoreApplication::setApplicationVersion(Q(ProgramVersion()));
     QCommandLineParser parser;
