@@ -25,6 +25,7 @@
 #include "cli/transform.h"
 #include "cli/trumpet_file.h"
 #include "core/controller.h"
+#include "core/job_on_disk.h"
 #include "core/notes.h"
 #include "core/platform.h"
 #include "core/text.h"
@@ -355,6 +356,24 @@ std::vector<std::string> NamedBy(const CLI::App& command) {
     return named;
 }
 
+// Which argument is empty that is no option's value, as an unset variable of a shell makes; empty where none
+// is. The parser would pass over it, or look at it for ever.
+std::string EmptyArgument(CLI::App& app, int argc, const char* const* argv) {
+    const CLI::App* command = &app;
+    for (const CLI::App* one : app.get_subcommands([](const CLI::App*) { return true; }))
+        if (argc > 1 && one->get_name() == argv[1]) command = one;
+    const auto takesValue = [command](const std::string& text) {
+        if (!text.starts_with('-')) return false;
+        const CLI::Option* const option = command->get_option_no_throw(text);
+        return option != nullptr && option->get_items_expected_max() > 0;
+    };
+    for (int i = 1; i < argc; ++i)
+        if (argv[i][0] == '\0' && !takesValue(argv[i - 1]))
+            return "argument " + std::to_string(i) + " is empty" +
+                   (i > 1 ? ", behind \"" + Printable(argv[i - 1]) + "\"" : "");
+    return "";
+}
+
 // Runs it, with what it says kept for its end. An error that nothing has caught is one as well.
 int RunForItsEnd(Commands& c, const CLI::App& command, std::istream& in, std::ostream& out, std::ostream& err,
                  bool terminal, bool progress) {
@@ -387,7 +406,10 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     Commands commands;
     AddCommands(app, commands);
     Telling = {};
+    ForgetJobFile();
     try {
+        if (const std::string empty = EmptyArgument(app, argc, argv); !empty.empty())
+            throw CLI::ValidationError(empty);
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         const bool json =

@@ -3,7 +3,6 @@
 
 #include <system_error>
 
-#include "core/files.h"
 #include "core/platform.h"
 
 namespace corvinade::core {
@@ -25,8 +24,8 @@ std::string TextOf(const fs::path& path) {
 
 PathKind KindOfPath(const fs::path& path) {
     if (path.empty()) return PathKind::Nothing;
-    if (FileFaults.Refuse) {
-        const std::string why = FileFaults.Refuse("look", TextOf(path));
+    if (LookFaults.Refuse) {
+        const std::string why = LookFaults.Refuse(TextOf(path));
         if (!why.empty()) CannotTell(path, why);
     }
     std::error_code error;

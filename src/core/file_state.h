@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 
 #include "core/rooms.h"
@@ -13,7 +14,7 @@ namespace corvinade::core {
 enum class PathKind : std::uint8_t { Nothing, File, Folder, Other };
 
 // Links are followed. A path that is empty, too long or leads through a file has nothing at it. Throws
-// PlatformError where the system cannot tell. Tests refuse the operation "look" of FileFaults.
+// PlatformError where the system cannot tell.
 PathKind KindOfPath(const std::string& path);
 PathKind KindOfPath(const std::filesystem::path& path);
 
@@ -21,5 +22,11 @@ PathKind KindOfPath(const std::filesystem::path& path);
 // "no" changes nothing that the user has.
 bool FileIsThere(const std::string& path);
 bool FolderIsThere(const std::string& path);
+
+// Where tests refuse to tell: asked before each look with the path; a text that it returns is the failure.
+struct LookFaultRecord {
+    std::function<std::string(const std::string& path)> Refuse;
+};
+inline LookFaultRecord LookFaults;
 
 }  // namespace corvinade::core

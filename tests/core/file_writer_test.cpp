@@ -23,6 +23,7 @@ namespace fs = std::filesystem;
 
 class FileWriter : public Program {
 protected:
+    ~FileWriter() override { LookFaults.Refuse = nullptr; }
     std::vector<std::string> Names() const {
         std::vector<std::string> names;
         for (const auto& entry : fs::directory_iterator(folder_)) names.push_back(entry.path().filename());
@@ -191,9 +192,7 @@ TEST_F(FileWriter, NothingAndItCannotBeToldAreTwoAnswers) {
     EXPECT_EQ(KindOfPath(path + "/below"), PathKind::Nothing);
     EXPECT_EQ(KindOfPath(PathOf(std::string(5000, 'n'))), PathKind::Nothing);
     EXPECT_EQ(KindOfPath(std::string("/dev/null")), PathKind::Other);
-    FileFaults.Refuse = [](const std::string& operation, const std::string&) {
-        return operation == "look" ? std::string("Input/output error") : std::string();
-    };
+    LookFaults.Refuse = [](const std::string&) { return std::string("Input/output error"); };
     EXPECT_EQ(ErrorOf([&] { FileIsThere(path); }),
               "Cannot tell what is at \"" + path + "\": Input/output error");
     EXPECT_NE(ErrorOf([&] { FolderIsThere(folder_); }), "");

@@ -7,6 +7,7 @@
 
 #include "cli/headless.h"
 #include "core/controller.h"
+#include "core/file_state.h"
 #include "core/files.h"
 #include "core/platform.h"
 #include "core/settings.h"
@@ -16,11 +17,10 @@ using namespace corvinade;
 
 class SharedSettings : public Program {
 protected:
+    ~SharedSettings() override { LookFaults.Refuse = nullptr; }
     SharedSettings() { Run.SettingsFilePath = PathOf("Corvinade.ini"); }
     static void RefuseToLook() {
-        FileFaults.Refuse = [](const std::string& operation, const std::string&) {
-            return operation == "look" ? std::string("Input/output error") : std::string();
-        };
+        LookFaults.Refuse = [](const std::string&) { return std::string("Input/output error"); };
     }
 };
 
