@@ -10,6 +10,7 @@
 #include "cli/automate.h"
 #include "cli/bundle.h"
 #include "cli/completion.h"
+#include "cli/csv.h"
 #include "cli/distances.h"
 #include "cli/export_job.h"
 #include "cli/fit.h"
@@ -271,7 +272,7 @@ struct Commands {
     BundleSwitches BundleOf;
     TransformSwitches TransformOf;
     ExportSwitches ExportOf;
-    bool Quiet = false;
+    bool Quiet = false, RawText = false;
     std::string Shell;
     CLI::App *FitApp, *InfoApp, *ConvertApp, *RenderApp, *DistancesApp, *BundleApp, *TransformApp, *ExportApp,
         *AutomateApp, *CompletionApp;
@@ -279,6 +280,14 @@ struct Commands {
 
 void AddQuiet(CLI::App& command, bool& quiet, const char* group) {
     command.add_flag("--quiet", quiet, "No notes on standard error; errors stay")->group(group);
+}
+
+void AddRawText(CLI::App& command, bool& raw, const char* group) {
+    command
+        .add_flag("--raw-text", raw,
+                  "Names in CSV as they are, even where a spreadsheet would take\n"
+                  "one for a formula")
+        ->group(group);
 }
 
 void AddCommands(CLI::App& app, Commands& c) {
@@ -291,6 +300,8 @@ void AddCommands(CLI::App& app, Commands& c) {
     c.TransformApp = AddTransform(app, c.TransformOf);
     c.ExportApp = AddExport(app, c.ExportOf);
     AddQuiet(*c.FitApp, c.Quiet, "Units and output");
+    AddRawText(*c.FitApp, c.RawText, "Units and output");
+    for (CLI::App* command : {c.ConvertApp, c.DistancesApp}) AddRawText(*command, c.RawText, "Options");
     for (CLI::App* command :
          {c.InfoApp, c.ConvertApp, c.RenderApp, c.DistancesApp, c.BundleApp, c.TransformApp, c.ExportApp})
         AddQuiet(*command, c.Quiet, "Options");
@@ -386,6 +397,7 @@ int RunForItsEnd(Commands& c, const CLI::App& command, std::istream& in, std::os
     } catch (const PlatformError& error) {
         said << error.What << "\n";
     } catch (const std::bad_alloc&) {
+        status = kRefused;
         said << "there is not enough memory for this\n";
     }
     TellAtEnd(status, json, quiet, said.str(), NamedBy(command), err);
@@ -407,6 +419,7 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     AddCommands(app, commands);
     Telling = {};
     ForgetJobFile();
+    CsvCells = {};
     try {
         if (const std::string empty = EmptyArgument(app, argc, argv); !empty.empty())
             throw CLI::ValidationError(empty);
@@ -419,6 +432,7 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
         WriteErrorJson(kWrongUsage, error.what(), {}, err);
         return kWrongUsage;
     }
+    CsvCells.Raw = commands.RawText;
     if (commands.CompletionApp->parsed())
         return (out << CompletionScript(app, commands.Shell)).flush() ? kDone : kRefused;
     if (commands.AutomateApp->parsed()) return Serve(commands.AutomateOf, in, out, err);

@@ -8,6 +8,7 @@
 
 #include "cli/commands.h"
 #include "cli/fit_options.h"
+#include "cli/out_of_memory.h"
 #include "core/file_writer.h"
 #include "core/platform.h"
 #include "core/system_files.h"
@@ -17,6 +18,7 @@ using namespace corvinade;
 int main(int argc, char** argv) {
     LetTooLargeFilesRefuse();
     RemoveFilesBesideAtSignals();
+    PrepareForNoMemory();
     try {
         std::ios::sync_with_stdio(false);
         return RunCommandLine(argc, argv, std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1,
@@ -25,6 +27,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "corvinade-cli: %s\n", error.What.c_str());
     } catch (const std::bad_alloc&) {
         std::fputs("corvinade-cli: there is not enough memory for this\n", stderr);
+        return kRefused;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "corvinade-cli: %s\n", error.what());
     }
