@@ -15,10 +15,14 @@
 
 using namespace corvinade;
 
+// Before the tables that stand in memory from the start, which want some as well.
+[[gnu::constructor(101)]] static void PrepareAtOnce() {
+    PrepareForNoMemory();
+}
+
 int main(int argc, char** argv) {
     LetTooLargeFilesRefuse();
     RemoveFilesBesideAtSignals();
-    PrepareForNoMemory();
     try {
         std::ios::sync_with_stdio(false);
         return RunCommandLine(argc, argv, std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1,

@@ -14,7 +14,7 @@ namespace corvinade::cli {
 
 namespace {
 
-constexpr std::size_t kReserve = std::size_t{8} << 20;
+constexpr std::size_t kReserve = std::size_t{2} << 20;
 void* Reserve = nullptr;
 
 void GiveUp() {
@@ -23,20 +23,24 @@ void GiveUp() {
     throw std::bad_alloc();
 }
 
+bool IsForMemory() {
+    if (!std::current_exception()) return Reserve == nullptr;  // there was none for the exception itself
+    try {
+        throw;
+    } catch (const std::bad_alloc&) {
+        return true;
+    } catch (...) {
+        return false;
+    }
+}
+
 // An allocation failed inside a destructor or another place that lets nothing through.
 [[noreturn]] void EndOfAll() {
-    if (std::current_exception()) {
-        try {
-            throw;
-        } catch (const std::bad_alloc&) {
-            constexpr char kText[] = "corvinade-cli: there is not enough memory for this\n";
-            RemoveFilesBesideNow();
-            [[maybe_unused]] const auto written = write(STDERR_FILENO, kText, sizeof kText - 1);
-            _exit(kRefused);
-        } catch (...) {
-        }
-    }
-    std::abort();
+    if (!IsForMemory()) std::abort();
+    constexpr char kText[] = "corvinade-cli: there is not enough memory for this\n";
+    RemoveFilesBesideNow();
+    [[maybe_unused]] const auto written = write(STDERR_FILENO, kText, sizeof kText - 1);
+    _exit(kRefused);
 }
 
 }  // namespace
