@@ -34,7 +34,7 @@ void FillViewList(std::vector<std::string> names) {
 // A longer old file keeps its end behind the new job. A block says something of the job that it was written
 // with: that of an old file must not stand behind another job, and nothing stands behind one.
 void KeepOldEnd(std::string& bytes, const std::string& path) {
-    if (!JobBlock(Job).empty() || !FileIsThere(path)) return;
+    if (!JobBlock(Job).empty() || DiskStateOf(path).Stamp.Size <= bytes.size()) return;
     const FileBytes old = ReadFile(path);
     if (old.View().find(kJobBlockHead) != std::string_view::npos) return;
     if (old.Size > bytes.size()) bytes += old.View().substr(bytes.size());
