@@ -125,19 +125,19 @@ std::FILE* OpenBeside(const fs::path& target, bool ownerOnly, fs::path& beside, 
         // Without locks in this file system the file is taken for what it is all the same.
         struct stat file {};
         const bool locked = flock(handle, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
-        if (!locked || !StandsAt(handle, beside, file)) {
+        errno = 0;
+        if (!locked || (!StandsAt(handle, beside, file) && (errno == 0 || errno == ENOENT))) {
             close(handle);  // whoever has taken it for left behind removes it
             continue;
         }
-        Remember(beside, file);
-        std::FILE* const stream = fdopen(handle, "wb");
+        std::FILE* const stream = errno == 0 ? fdopen(handle, "wb") : nullptr;
         if (stream == nullptr) {
             error = errno;
-            ForgetBeside(beside);
             unlink(beside.c_str());
             close(handle);
             return nullptr;
         }
+        Remember(beside, file);
         for (int other = number + 1; other <= number + kLookedAt; ++other)
             RemoveLeftBehind(NameBeside(target, other));
         return stream;
