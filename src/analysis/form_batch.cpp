@@ -8,6 +8,7 @@
 #include "analysis/batch_file.h"
 #include "analysis/exports.h"
 #include "analysis/form_change_dir.h"
+#include "core/file_state.h"
 #include "core/files.h"
 #include "core/folders.h"
 #include "core/job.h"
@@ -145,7 +146,7 @@ void RunBatch(const std::string& inFolder, const std::string& outFolder, const B
             if (!batch.StillHolds()) return;
             status();
             if (!batch.GoOn()) return;
-            if (!overwriteAll && File_Exist(outPath)) {
+            if (!overwriteAll && FileIsThere(outPath)) {
                 const Overwrite answer = AskOverwrite(names[i]);
                 if (answer == Overwrite::Cancel || !batch.StillHolds()) return;
                 overwriteAll = answer == Overwrite::All;

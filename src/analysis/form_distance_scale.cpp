@@ -7,6 +7,7 @@
 #include "analysis/form_trompete.h"
 #include "analysis/pair_progress.h"
 #include "analysis/trumpet_file.h"
+#include "core/file_state.h"
 #include "core/files.h"
 #include "core/job.h"
 #include "core/numbers.h"
@@ -189,7 +190,8 @@ void FormDistanceScale::BtnSaveTrumpetData_Click() {
                                    .Name = "trumpet.txt",
                                    .AsksBeforeReplacing = true});
     if (!path || path->empty()) return;
-    if (File_Exist(*path) && !AskYesNo("File " + *path + " is existing." + kLineEnd + "Will you replace it?"))
+    if (FileIsThere(*path) &&
+        !AskYesNo("File " + *path + " is existing." + kLineEnd + "Will you replace it?"))
         return;
     const BusyPointer busy;
     PairProgress progress("Trumpet data - Progress", kStepsOfALine * points->Pairs());

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "analysis/exports.h"
+#include "core/file_state.h"
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/platform.h"
@@ -94,7 +95,7 @@ void MenueOnlyMCStoTilde_Click() {
     }
     UnconvergedConsent consent;
     if (!consent.Given()) return;
-    if (File_Exist(path) && !AskYesNo("File " + path + " is existing.\rWill you replace it?")) return;
+    if (FileIsThere(path) && !AskYesNo("File " + path + " is existing.\rWill you replace it?")) return;
     if (!consent.Given()) return;
     const BusyPointer busy;
     WriteFile(path, OnlyMcsText());

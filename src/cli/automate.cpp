@@ -21,6 +21,7 @@
 #include "cli/folder_answer.h"
 #include "cli/font_answer.h"
 #include "cli/headless.h"
+#include "cli/out_of_memory.h"
 #include "cli/record_json.h"
 #include "cli/request.h"
 #include "cli/scene_json.h"
@@ -37,6 +38,7 @@ using nlohmann::json;
 
 namespace {
 
+constexpr const char* kNoMemory = "there is not enough memory for this";
 constexpr int kDeepest = 100;  // levels of a request; those that mean something have fewer than ten
 
 struct DueRequest {
@@ -433,20 +435,27 @@ std::string AnswerLine(const std::string& line, bool& quit) {
             reply = Answer(request);
         }
     } catch (const std::bad_alloc&) {
-        reply = {{"ok", false}, {"error", "there is not enough memory for this"}};
+        reply = {{"ok", false}, {"error", kNoMemory}};
     }
     quit = Automation.Quit;
-    return reply.dump(-1, ' ', false, json::error_handler_t::replace);
+    try {
+        return reply.dump(-1, ' ', false, json::error_handler_t::replace);
+    } catch (const std::bad_alloc&) {  // of the reply itself
+        reply = json();
+        return json{{"ok", false}, {"error", kNoMemory}}.dump();
+    }
 }
 
-void Automate(const AutomationOptions& options, std::istream& in, std::ostream& out) {
+bool Automate(const AutomationOptions& options, std::istream& in, std::ostream& out) {
     StartAutomation(options);
     std::string line;
     bool quit = false;
     while (!quit && out && std::getline(in, line)) {
         if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
         out << AnswerLine(line, quit) << std::endl;
+        KeepReserve();
     }
+    return !in.bad();
 }
 
 }  // namespace corvinade::cli

@@ -22,7 +22,7 @@ void StartAutomation(const AutomationOptions& options);
 //   quit   set when the request was to end
 std::string AnswerLine(const std::string& line, bool& quit);
 
-// Serves requests until the end of input or a request to quit.
-void Automate(const AutomationOptions& options, std::istream& in, std::ostream& out);
+// Serves requests until the end of input or a request to quit. False where the input has broken off instead.
+bool Automate(const AutomationOptions& options, std::istream& in, std::ostream& out);
 
 }  // namespace corvinade::cli

@@ -10,6 +10,7 @@
 #include "cli/automate.h"
 #include "cli/bundle.h"
 #include "cli/completion.h"
+#include "cli/csv.h"
 #include "cli/distances.h"
 #include "cli/export_job.h"
 #include "cli/fit.h"
@@ -25,6 +26,7 @@
 #include "cli/transform.h"
 #include "cli/trumpet_file.h"
 #include "core/controller.h"
+#include "core/job_on_disk.h"
 #include "core/notes.h"
 #include "core/platform.h"
 #include "core/text.h"
@@ -236,11 +238,12 @@ void TakeJobSwitches(JobSwitches& s) {
     if (s.Yes || s.No) s.Options.Questions = s.Yes;
 }
 
-int Serve(AutomateSwitches& s, std::istream& in, std::ostream& out) {
+int Serve(AutomateSwitches& s, std::istream& in, std::ostream& out, std::ostream& err) {
     if (!s.SettingsDir.empty()) Headless.SettingsDir = s.SettingsDir;
     if (!s.Decimal.empty()) Headless.Decimal = DecimalOf(s.Decimal);
     SizeFromText(s.Screen, s.Options.ScreenWidth, s.Options.ScreenHeight);
-    Automate(s.Options, in, out);
+    if (!Automate(s.Options, in, out))
+        return Refuse(err, kUnreadable, "Cannot read \"standard input\": the stream has broken off");
     return out ? kDone : kRefused;  // nobody has read the replies
 }
 
@@ -269,7 +272,7 @@ struct Commands {
     BundleSwitches BundleOf;
     TransformSwitches TransformOf;
     ExportSwitches ExportOf;
-    bool Quiet = false;
+    bool Quiet = false, RawText = false;
     std::string Shell;
     CLI::App *FitApp, *InfoApp, *ConvertApp, *RenderApp, *DistancesApp, *BundleApp, *TransformApp, *ExportApp,
         *AutomateApp, *CompletionApp;
@@ -277,6 +280,14 @@ struct Commands {
 
 void AddQuiet(CLI::App& command, bool& quiet, const char* group) {
     command.add_flag("--quiet", quiet, "No notes on standard error; errors stay")->group(group);
+}
+
+void AddRawText(CLI::App& command, bool& raw, const char* group) {
+    command
+        .add_flag("--raw-text", raw,
+                  "Names in CSV as they are, even where a spreadsheet would take\n"
+                  "one for a formula")
+        ->group(group);
 }
 
 void AddCommands(CLI::App& app, Commands& c) {
@@ -289,6 +300,8 @@ void AddCommands(CLI::App& app, Commands& c) {
     c.TransformApp = AddTransform(app, c.TransformOf);
     c.ExportApp = AddExport(app, c.ExportOf);
     AddQuiet(*c.FitApp, c.Quiet, "Units and output");
+    AddRawText(*c.FitApp, c.RawText, "Units and output");
+    for (CLI::App* command : {c.ConvertApp, c.DistancesApp}) AddRawText(*command, c.RawText, "Options");
     for (CLI::App* command :
          {c.InfoApp, c.ConvertApp, c.RenderApp, c.DistancesApp, c.BundleApp, c.TransformApp, c.ExportApp})
         AddQuiet(*command, c.Quiet, "Options");
@@ -354,6 +367,24 @@ std::vector<std::string> NamedBy(const CLI::App& command) {
     return named;
 }
 
+// Which argument is empty that is no option's value, as an unset variable of a shell makes; empty where none
+// is. The parser would pass over it, or look at it for ever.
+std::string EmptyArgument(CLI::App& app, int argc, const char* const* argv) {
+    const CLI::App* command = &app;
+    for (const CLI::App* one : app.get_subcommands([](const CLI::App*) { return true; }))
+        if (argc > 1 && one->get_name() == argv[1]) command = one;
+    const auto takesValue = [command](const std::string& text) {
+        if (!text.starts_with('-')) return false;
+        const CLI::Option* const option = command->get_option_no_throw(text);
+        return option != nullptr && option->get_items_expected_max() > 0;
+    };
+    for (int i = 1; i < argc; ++i)
+        if (argv[i][0] == '\0' && !takesValue(argv[i - 1]))
+            return "argument " + std::to_string(i) + " is empty" +
+                   (i > 1 ? ", behind \"" + Printable(argv[i - 1]) + "\"" : "");
+    return "";
+}
+
 // Runs it, with what it says kept for its end. An error that nothing has caught is one as well.
 int RunForItsEnd(Commands& c, const CLI::App& command, std::istream& in, std::ostream& out, std::ostream& err,
                  bool terminal, bool progress) {
@@ -366,6 +397,7 @@ int RunForItsEnd(Commands& c, const CLI::App& command, std::istream& in, std::os
     } catch (const PlatformError& error) {
         said << error.What << "\n";
     } catch (const std::bad_alloc&) {
+        status = kRefused;
         said << "there is not enough memory for this\n";
     }
     TellAtEnd(status, json, quiet, said.str(), NamedBy(command), err);
@@ -386,7 +418,11 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     Commands commands;
     AddCommands(app, commands);
     Telling = {};
+    ForgetJobFile();
+    CsvCells = {};
     try {
+        if (const std::string empty = EmptyArgument(app, argc, argv); !empty.empty())
+            throw CLI::ValidationError(empty);
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         const bool json =
@@ -396,9 +432,10 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
         WriteErrorJson(kWrongUsage, error.what(), {}, err);
         return kWrongUsage;
     }
+    CsvCells.Raw = commands.RawText;
     if (commands.CompletionApp->parsed())
         return (out << CompletionScript(app, commands.Shell)).flush() ? kDone : kRefused;
-    if (commands.AutomateApp->parsed()) return Serve(commands.AutomateOf, in, out);
+    if (commands.AutomateApp->parsed()) return Serve(commands.AutomateOf, in, out, err);
     // A command gives the same on every machine, and to a script what its other programs read. Only the one
     // above, which stands in for the desktop, has the locale as that has.
     Headless.Decimal = '.';

@@ -8,13 +8,16 @@
 
 namespace corvinade::cli {
 
-// A text quoted where it has to be, as spreadsheets read it.
-inline std::string CsvText(const std::string& text) {
-    if (text.find_first_of(";\"\r\n") == std::string::npos) return text;
-    std::string result = "\"";
-    for (const char c : text) result += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return result + "\"";
-}
+// --raw-text: texts go into CSV as they are.
+struct CsvRecord {
+    bool Raw = false;
+};
+inline CsvRecord CsvCells;
+
+// A text as a cell: quoted where it has to be, as spreadsheets read it. What a spreadsheet would take for a
+// formula (it begins with = + - or @ and is no number) has an apostrophe in front, which makes a text of it,
+// and control characters are blanks; with --raw-text neither.
+std::string CsvText(const std::string& text);
 
 // A last column where the result did not converge; nothing where it did, so that the columns are the usual
 // ones.

@@ -147,7 +147,7 @@ void WriteJson(const DistancesOptions& options, const Measured& m, std::ostream&
                                {"withResult", options.WithResult}, {"pairs", m.Points.Pairs()},
                                {"maxDelta", extreme(Largest(m))},  {"minDelta", extreme(Smallest(m))},
                                {"points", std::move(points)},      {"notes", NotesToJson(Notes.List)}};
-    out << root.dump(2) << "\n";
+    out << root.dump(2, ' ', false, ordered_json::error_handler_t::replace) << "\n";
 }
 
 // How far work on all pairs has come, on one line that is gone at its end. Within the first second nobody

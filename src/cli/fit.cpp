@@ -328,7 +328,7 @@ bool SaveJob(const FitOptions& options, const JobFileFacts& facts) {
     return Dispatch([&] {
         for (std::string* path : {&Job.PathMCS, &Job.PathOCS})
             if (!path->empty() && !IsStream(*path)) *path = AbsolutePath(*path);
-        WriteJobFile(options.Save, facts);
+        WriteJobFile(options.Save, facts, options.Questions.value_or(false));
     });
 }
 

@@ -14,6 +14,7 @@
 #include "core/job.h"
 #include "core/job_file.h"
 #include "core/job_notes.h"
+#include "core/job_on_disk.h"
 #include "core/notes.h"
 #include "core/platform.h"
 #include "core/run.h"
@@ -44,7 +45,9 @@ void TakeBuiltInSettings() {
 
 void ReadJob(const std::string& path, std::optional<bool> questions, JobFileFacts& facts,
              std::vector<std::string>& said) {
+    const DiskState state = DiskStateOf(path);
     const FileBytes bytes = ReadFile(path);
+    RememberJobFile(path, state, bytes.View());
     if (!ReadJobHead(bytes.View(), path).Known && !questions.value_or(false))
         throw PlatformError{path + " does not begin like a job file" +
                             (questions ? "" : "; with --yes it is read as one of an early version")};
@@ -118,8 +121,17 @@ int RefuseUnconverged(std::ostream& err, bool allowed) {
                   "taken all the same");
 }
 
-void WriteJobFile(const std::string& path, const JobFileFacts& facts) {
-    WriteFile(path, JobBytes(Job, facts.Views));
+void WriteJobFile(const std::string& path, const JobFileFacts& facts, bool overChanged) {
+    ReplaceJobFile(
+        path,
+        [overChanged](const std::string& changed) {
+            if (!overChanged)
+                throw PlatformError{"Cannot write \"" + changed +
+                                    "\": another program has changed it since it was read; with --yes it is "
+                                    "replaced"};
+            return true;
+        },
+        [&facts] { return JobBytes(Job, facts.Views); });
 }
 
 int RunInfo(const JobFileOptions& options, std::ostream& out, std::ostream& err, bool colour) {
@@ -153,7 +165,8 @@ int RunConvert(const JobFileOptions& options, std::ostream& out, std::ostream& e
     NoteResultOfJob(options.Path);
     if (EndsForWarnings(options.Strict, err)) return kUnreadable;
     const bool written = Dispatch([&] {
-        if (KindOfOut(options.Out) == ConvertTo::Job) return WriteJobFile(options.Out, facts);
+        if (KindOfOut(options.Out) == ConvertTo::Job)
+            return WriteJobFile(options.Out, facts, options.Questions.value_or(false));
         std::ostringstream text;
         if (KindOfOut(options.Out) == ConvertTo::Json) {
             WriteJobJson(facts, true, text);

@@ -42,8 +42,9 @@ void NoteResultOfJob(const std::string& path);
 // user has `allowed` another one with --unconverged; else kNotConverged, with the reason on `err`.
 int RefuseUnconverged(std::ostream& err, bool allowed);
 
-// Writes the open job with its saved views. Throws PlatformError when that is refused.
-void WriteJobFile(const std::string& path, const JobFileFacts& facts);
+// Writes the open job with its saved views. Throws PlatformError when that is refused, and where another
+// program has changed the file since it was read, unless it may be replaced then.
+void WriteJobFile(const std::string& path, const JobFileFacts& facts, bool overChanged);
 
 int RunInfo(const JobFileOptions& options, std::ostream& out, std::ostream& err, bool colour);
 

@@ -246,7 +246,7 @@ void WriteJobJson(const JobFileFacts& file, bool records, std::ostream& out) {
             for (const RecordEntry& record : table)
                 if (record.Stored == Storage::JobFile) all[record.Name] = RecordToJson(record);
     }
-    out << root.dump(records ? 1 : 2) << "\n";
+    out << root.dump(records ? 1 : 2, ' ', false, ordered_json::error_handler_t::replace) << "\n";
 }
 
 void WriteJobCsv(std::ostream& out) {

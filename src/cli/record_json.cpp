@@ -10,6 +10,7 @@
 #include "core/controller.h"
 #include "core/job.h"
 #include "core/platform.h"
+#include "core/units.h"
 
 namespace corvinade::cli {
 
@@ -278,6 +279,23 @@ struct FromJson {
     std::string operator()(const ViewRow&) const { return "this record can only be read"; }
 };
 
+template <class Value>
+bool IsPlaceOf(const RecordEntry& record, const Value& value) {
+    const auto* const place = std::get_if<Value*>(&record.Place);
+    return place != nullptr && *place == &value;
+}
+
+// What is wrong with a value that its type takes; empty when nothing is.
+std::string FaultOfRecord(const RecordEntry& record) {
+    constexpr auto kMostViews = static_cast<int>(std::tuple_size_v<decltype(Job.SavedView)>) - 1;
+    if (IsPlaceOf(record, Job.nSavedViews) && (Job.nSavedViews < 0 || Job.nSavedViews > kMostViews))
+        return "a number from 0 to " + std::to_string(kMostViews) + " is expected";
+    const bool noUnit =
+        (IsPlaceOf(record, Job.LengthUnitName) && !IsUnitName(LengthUnits(), Job.LengthUnitName)) ||
+        (IsPlaceOf(record, Job.AngleUnitName) && !IsUnitName(AngleUnits(), Job.AngleUnitName));
+    return noUnit ? "there is no such unit" : "";
+}
+
 }  // namespace
 
 json NotesToJson(std::span<const Note> notes) {
@@ -320,11 +338,9 @@ std::string RecordFromJson(const RecordEntry& record, const json& value) {
     const json before = RecordToJson(record);
     const std::string wrong = std::visit(FromJson{value}, record.Place);
     if (!wrong.empty()) return wrong;
-    if (fitBefore && !JobIsWhole(Job)) {
-        std::visit(FromJson{before}, record.Place);
-        return kFitNoLonger;
-    }
-    return "";
+    const std::string fault = fitBefore && !JobIsWhole(Job) ? kFitNoLonger : FaultOfRecord(record);
+    if (!fault.empty()) std::visit(FromJson{before}, record.Place);
+    return fault;
 }
 
 }  // namespace corvinade::cli

@@ -16,6 +16,7 @@
 #include "cli/transformation_file.h"
 #include "cli/written_json.h"
 #include "core/file_source.h"
+#include "core/file_state.h"
 #include "core/files.h"
 #include "core/folders.h"
 #include "core/job.h"
@@ -35,11 +36,11 @@ namespace {
 std::vector<std::string> AllFiles(const std::vector<std::string>& named, BatchNotes& notes) {
     std::vector<std::string> files;
     for (const std::string& path : named) {
-        if (!Directory_Exist(path)) {
-            files.push_back(path);
-            continue;
-        }
         try {
+            if (!FolderIsThere(path)) {
+                files.push_back(path);
+                continue;
+            }
             for (const std::string& name : FilesOfFolder(path)) files.push_back(JoinPath(path, name));
         } catch (const PlatformError& error) {
             notes.FilesLeft.push_back({path, error.What});
@@ -158,7 +159,7 @@ private:
         // Two files of one name, from two folders, do not replace each other's result.
         if (written_.count(outPath) != 0)
             throw PlatformError{"\"" + path + "\": \"" + outPath + "\" holds another file's points by now"};
-        if (!options_.Overwrite && outPath != "-" && File_Exist(outPath))
+        if (!options_.Overwrite && outPath != "-" && FileIsThere(outPath))
             throw PlatformError{"\"" + path + "\": \"" + outPath + "\" exists; --overwrite replaces it"};
     }
 

@@ -21,6 +21,7 @@ ReadBytes ReaderOf(const CloudOrder& order, const std::string& path,
     if (path == "-")
         return [&in = *order.In](char* to, std::size_t most) {
             in.read(to, static_cast<std::streamsize>(most));
+            if (in.bad()) throw PlatformError{"Cannot read \"standard input\": the stream has broken off"};
             return static_cast<std::size_t>(in.gcount());
         };
     const auto file = std::make_shared<FileSource>(path);

@@ -31,7 +31,7 @@ int TellWritten(const std::string& command, const std::string& job, const std::v
                                {"written", written},
                                {"left", std::move(leftFiles)},
                                {"notes", NotesToJson(Notes.List)}};
-    out << root.dump(2) << "\n";
+    out << root.dump(2, ' ', false, ordered_json::error_handler_t::replace) << "\n";
     if (!out.flush()) return Refuse(err, kRefused, "the result could not be written to standard output");
     return kDone;
 }

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "core/changes.h"
+#include "core/file_state.h"
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/job.h"
@@ -14,6 +15,7 @@
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/settings.h"
+#include "core/system_files.h"
 #include "core/text.h"
 #include "core/units.h"
 
@@ -32,21 +34,22 @@ void FindSettingsFile() {
         const std::string appdata = EnvironmentVariable("appdata").value_or("");
         const std::string folder = JoinPath(appdata.empty() ? UserSettingsFolder() : appdata, "Corvinade");
         Run.SettingsFilePath = JoinPath(folder, "Corvinade.ini");
-        if (File_Exist(Run.SettingsFilePath)) return;
-        if (!Directory_Exist(folder)) CreateFolder(folder);
+        if (FileIsThere(Run.SettingsFilePath)) return;
+        if (!FolderIsThere(folder)) CreateFolder(folder);
     } else {
         Run.SettingsFilePath = JoinPath(ProgramFolder(), "Corvinade.ini");
-        if (File_Exist(Run.SettingsFilePath)) return;
+        if (FileIsThere(Run.SettingsFilePath)) return;
     }
-    IniDateiAnlegen();
+    const FolderLock lock(Pfad(Run.SettingsFilePath));
+    if (!FileIsThere(Run.SettingsFilePath)) IniDateiAnlegen();  // else another program was quicker
 }
 
 // Reads the settings file. What it cannot give, because it is missing, unreadable or holds a text where a
 // number must stand, has the default of a new file; what stands before such a text is kept.
 void ReadSettings() {
     const auto takeDefaults = [] { ReadSettingsText(DefaultSettingsText(), Run.SettingsFilePath); };
-    if (!File_Exist(Run.SettingsFilePath)) return takeDefaults();
     try {
+        if (!FileIsThere(Run.SettingsFilePath)) return takeDefaults();
         IniLesen();
     } catch (const PlatformError&) {
         takeDefaults();
@@ -56,6 +59,19 @@ void ReadSettings() {
         }
         throw;
     }
+}
+
+// Units of the settings that are none: those of a new job stand in their place, and the user is told.
+void CheckSettingsUnits() {
+    std::string wrong;
+    const auto check = [&wrong](std::span<const UnitRow> units, std::string& name) {
+        if (IsUnitName(units, name)) return;
+        if (wrong.empty()) wrong = NoUnitName(units, name);
+        name.clear();  // and a new job takes its own
+    };
+    check(LengthUnits(), Job.LengthUnitName);
+    check(AngleUnits(), Job.AngleUnitName);
+    if (!wrong.empty()) throw PlatformError{"\"" + Run.SettingsFilePath + "\": " + wrong};
 }
 
 // The last `count` characters of a UTF-8 text.
@@ -160,6 +176,7 @@ void StartUp(const std::string& commandLine) {
     ShowWindow("FormMain");
     if (!Dispatch(FindSettingsFile)) Settings.RefusalTold = true;
     Dispatch(ReadSettings);
+    Dispatch(CheckSettingsUnits);
     ShowStartScreen();
     Dispatch(Initialisieren);
     if (!commandLine.empty())

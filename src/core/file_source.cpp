@@ -34,6 +34,8 @@ void CheckFault(const char* operation, const std::string& path) {
 FileSource::FileSource(const std::string& path) : path_(path) {
     std::error_code error;
     const auto status = fs::status(PathOf(path), error);
+    if (status.type() == fs::file_type::none && error != std::errc::filename_too_long)
+        Fail(path, error.message());
     if (path.empty() || !fs::exists(status)) Fail(path, "there is no such file");
     if (fs::is_directory(status)) Fail(path, "it is a folder, not a file");
     CheckFault("open", path);

@@ -11,7 +11,9 @@
 
 #include "core/file_writer.h"
 #include "core/large_pages.h"
+#include "core/notes.h"
 #include "core/platform.h"
+#include "core/system_files.h"
 
 namespace corvinade::core {
 
@@ -44,6 +46,8 @@ const std::string kCannotWrite = "Cannot write";
 OpenFilePointer OpenForReading(const std::string& path) {
     std::error_code error;
     const auto status = fs::status(PathOf(path), error);
+    if (status.type() == fs::file_type::none && error != std::errc::filename_too_long)
+        Fail(kCannotRead, path, error.message());
     if (path.empty() || !fs::exists(status)) Fail(kCannotRead, path, "there is no such file");
     if (fs::is_directory(status)) Fail(kCannotRead, path, "it is a folder, not a file");
     if (!fs::is_regular_file(status)) Fail(kCannotRead, path, "it is no regular file");
@@ -119,31 +123,33 @@ void LetTooLargeFilesRefuse() {
 #endif
 }
 
-FileBeside::FileBeside(const std::string& path) : path_(path), target_(BehindLinks(path)) {
+FileBeside::FileBeside(const std::string& path, Readers readers)
+    : path_(path), target_(BehindLinks(path)), readers_(readers) {
     std::error_code error;
     old_ = fs::status(target_, error);
+    if (old_.type() == fs::file_type::none) Fail(kCannotWrite, path_, error.message());
     if (fs::is_directory(old_)) Fail(kCannotWrite, path_, "it is a folder, not a file");
     if (fs::exists(old_) && !fs::is_regular_file(old_)) Fail(kCannotWrite, path_, "it is no regular file");
     // Renaming asks for no right to the file itself, so that a protected one has to be looked for.
     constexpr fs::perms kAnyWrite = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
     if (fs::exists(old_) && (old_.permissions() & kAnyWrite) == fs::perms::none)
         Fail(kCannotWrite, path_, "it is write-protected");
-    beside_ = target_;
-    for (int number = 1; fs::exists(beside_, error) || beside_ == target_; ++number) {
-        beside_ = target_;
-        beside_ += ".new" + std::to_string(number);
-    }
     CheckFault("create", kCannotWrite, path_);
-    file_ = std::fopen(beside_.string().c_str(), "wbx");
-    if (file_ == nullptr) Fail(kCannotWrite, path_, std::strerror(errno));
+    // What is not whole yet is nobody else's: the rights of the old file come last.
+    int wrong = 0;
+    file_ = OpenBeside(target_, fs::exists(old_) || readers_ == Readers::Owner, beside_, wrong);
+    if (file_ == nullptr) Fail(kCannotWrite, path_, std::strerror(wrong));
     // What comes in large pieces is handed on as it is.
     std::setvbuf(file_, nullptr, _IONBF, 0);
 }
 
 FileBeside::~FileBeside() {
-    if (file_ != nullptr) std::fclose(file_);
+    if (file_ == nullptr) return;
     std::error_code error;
+    // While it is open it is locked, and nobody else's.
     if (!kept_) fs::remove(beside_, error);
+    ForgetBeside(beside_);
+    std::fclose(file_);
 }
 
 void FileBeside::Write(std::string_view bytes) {
@@ -153,17 +159,33 @@ void FileBeside::Write(std::string_view bytes) {
 }
 
 void FileBeside::Keep(Keeping keeping) {
+    std::string lost;
+    if (fs::exists(old_)) lost = TakeOverRights(file_, target_, readers_ == Readers::Owner);
     if (keeping == Keeping::Flushed) {
         CheckFault("flush", kCannotWrite, path_);
         if (!FlushToDisk(file_)) Fail(kCannotWrite, path_, std::strerror(errno));
     }
-    if (std::fclose(std::exchange(file_, nullptr)) != 0) Fail(kCannotWrite, path_, std::strerror(errno));
-    std::error_code error;
-    if (fs::exists(old_)) fs::permissions(beside_, old_.permissions(), error);
     CheckFault("rename", kCannotWrite, path_);
+    std::error_code error;
+    const std::uintmax_t names = fs::exists(old_) ? fs::hard_link_count(target_, error) : 1;
     fs::rename(beside_, target_, error);
     if (error) Fail(kCannotWrite, path_, error.message());
     kept_ = true;
+    ForgetBeside(beside_);
+    // Closed behind the renaming, for the lock; nothing of it waits to be written.
+    if (std::fclose(std::exchange(file_, nullptr)) != 0) Fail(kCannotWrite, path_, std::strerror(errno));
+    if (keeping == Keeping::Flushed && !FlushFolder(target_.parent_path()))
+        Fail(kCannotWrite, path_, std::strerror(errno));
+    if (names != static_cast<std::uintmax_t>(-1) && names > 1)
+        lost =
+            (names == 2 ? "its other name keeps" : "its other names keep") + std::string(" the old contents");
+    if (!lost.empty()) AddNote(NoteCode::FileReplaced, "The file was replaced by a new one: " + lost, path_);
+}
+
+void WritePrivateFile(const std::string& path, std::string_view bytes) {
+    FileBeside file(path, Readers::Owner);
+    file.Write(bytes);
+    file.Keep(Keeping::Flushed);
 }
 
 void WriteFile(const std::string& path, std::string_view bytes) {
@@ -195,8 +217,9 @@ void CreateFolder(const std::string& path) {
 void RenameFile(const std::string& from, const std::string& to) {
     std::error_code error;
     CheckFault("rename", "Cannot rename", from);
-    if (fs::exists(fs::symlink_status(PathOf(to), error)))
-        Fail("Cannot rename", from, "\"" + to + "\" is there already");
+    const fs::file_status there = fs::symlink_status(PathOf(to), error);
+    if (there.type() == fs::file_type::none) Fail("Cannot rename", from, error.message());
+    if (fs::exists(there)) Fail("Cannot rename", from, "\"" + to + "\" is there already");
     fs::rename(PathOf(from), PathOf(to), error);
     if (error) Fail("Cannot rename", from, error.message());
 }

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "core/file_state.h"
 #include "core/files.h"
 #include "core/platform.h"
 
@@ -29,7 +30,12 @@ std::vector<std::string> NamesIn(const std::string& folder, Wanted wanted, std::
     std::vector<std::string> names;
     fs::directory_iterator entry(PathOf(folder), error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+        // An entry that nothing can be told of is not one that is not wanted.
         std::error_code none;
+        if (entry->status(none).type() == fs::file_type::none) {
+            error = none;
+            break;
+        }
         if (!wanted(*entry, none)) continue;
         names.push_back(TextOf(entry->path().filename()));
     }
@@ -40,7 +46,7 @@ std::vector<std::string> NamesIn(const std::string& folder, Wanted wanted, std::
 }  // namespace
 
 std::vector<std::string> FilesOfFolder(const std::string& folder) {
-    if (!Directory_Exist(folder)) return {};
+    if (!FolderIsThere(folder)) return {};
     std::error_code error;
     std::vector<std::string> names = NamesIn(
         folder, [](const auto& entry, std::error_code& none) { return entry.is_regular_file(none); }, error);

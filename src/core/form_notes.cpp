@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "core/form_main.h"
+#include "core/open_file.h"
 #include "core/platform.h"
 #include "core/settings.h"
 
@@ -105,7 +106,7 @@ void FormNotes::GridNotes_DblClick() {
     const int row = w.GridNotes.Grid.MouseRow - kHeadings;
     if (row < 0 || row >= static_cast<int>(w.Rows.size())) return;
     const std::string& file = w.Rows[static_cast<std::size_t>(row)].File;
-    if (!file.empty()) StartFile(Settings.Editor.empty() ? "Open" : Settings.Editor, file);
+    if (!file.empty()) OpenToLookAt(file);
 }
 
 void FormNotes::BtnCopy_Click() {

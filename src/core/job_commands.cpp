@@ -8,6 +8,7 @@
 #include "core/files.h"
 #include "core/job.h"
 #include "core/job_file.h"
+#include "core/job_on_disk.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/settings.h"
@@ -60,7 +61,7 @@ void SaveUnder(const std::string& path) {
         bool Saved = false;
     } name;
     Run.JobFilePath = path;
-    SaveFileAs(path);
+    SaveUnlessChanged(path);
     name.Saved = true;
 }
 
@@ -90,7 +91,7 @@ void JobChanged() {
     if (!AskYesNo(std::string("Changes have been made to the job.") + kLineEnd + kLineEnd +
                   "Do you want to save it?"))
         return;
-    if (!IsDefaultJob()) return SaveFileAs(Run.JobFilePath);
+    if (!IsDefaultJob()) return SaveUnlessChanged(Run.JobFilePath);
     const bool data = IsTrue(Run.JobDataValid);
     if (!SaveAs() && data) throw PlatformError{"The job has not been saved."};
 }
@@ -125,6 +126,7 @@ void MenuFileNew_Command() {
     const auto path = AskSaveFile(JobQuestion("New File ", kJobFilter));
     if (!path || path->empty()) return;
     Run.JobFilePath = WithExtension(*path);
+    RememberNewJobFile(Run.JobFilePath);
     KeepFolder(Run.JobFilePath);
     CloseAllChildForms();
     ShowNow(What::NewJob);
@@ -159,7 +161,7 @@ void MenuFileSave_Command() {
     if (IsDefaultJob()) {
         SaveAs();
     } else {
-        SaveFileAs(Run.JobFilePath);
+        SaveUnlessChanged(Run.JobFilePath);
     }
 }
 

@@ -2,15 +2,18 @@
 #include "core/job_file.h"
 
 #include <cstdint>
+#include <functional>
 #include <utility>
 
 #include "core/changes.h"
 #include "core/controller.h"
+#include "core/file_state.h"
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/job_block.h"
 #include "core/job_commands.h"
 #include "core/job_notes.h"
+#include "core/job_on_disk.h"
 #include "core/notes.h"
 #include "core/platform.h"
 #include "core/pose_spans.h"
@@ -31,7 +34,7 @@ void FillViewList(std::vector<std::string> names) {
 // A longer old file keeps its end behind the new job. A block says something of the job that it was written
 // with: that of an old file must not stand behind another job, and nothing stands behind one.
 void KeepOldEnd(std::string& bytes, const std::string& path) {
-    if (!JobBlock(Job).empty() || !File_Exist(path) || FileSize(path) <= bytes.size()) return;
+    if (!JobBlock(Job).empty() || DiskStateOf(path).Stamp.Size <= bytes.size()) return;
     const FileBytes old = ReadFile(path);
     if (old.View().find(kJobBlockHead) != std::string_view::npos) return;
     if (old.Size > bytes.size()) bytes += old.View().substr(bytes.size());
@@ -47,9 +50,21 @@ bool WantedWithoutBlock(const std::string& fault) {
     return AskYesNo(question);
 }
 
+constexpr const char* kChangedOnDisk =
+    "The file of this job has been changed by another program since it was read:\r\n\r\n%\r\n\r\n"
+    "Do you want to replace it?";
+
+bool MayReplaceChanged(const std::string& path) {
+    std::string question = kChangedOnDisk;
+    question.replace(question.find('%'), 1, path);
+    return AskYesNo(question);
+}
+
 // Reads a file; false when the user does not want it read.
 bool ReadWithQuestions(const std::string& path, JobFileContent& content) {
+    const DiskState state = DiskStateOf(path);
     const FileBytes file = ReadFile(path);
+    RememberJobFile(path, state, file.View());
     const JobFileHead head = ReadJobHead(file.View(), path);
     if (!head.Known && !AskYesNo(kNoJobFileQuestion)) return false;
     // The message of the version is shown before the fields are read, so that it stands before what is found
@@ -78,21 +93,43 @@ void NoteJobFile(const JobFileContent& content, const std::string& path) {
                 path);
 }
 
-void SaveFileAs(const std::string& path) {
+namespace {
+
+void Save(const std::string& path, const std::function<bool(const std::string&)>& mayReplace) {
     const BusyPointer busy;
+    // What cannot be saved is refused before the file is looked at. A question lets other work in, and what
+    // is written then is the job of that time.
     std::string bytes = JobBytes(Job, Main.ComboSaveView.Items);
-    KeepOldEnd(bytes, path);
-    WriteFile(path, bytes);
+    bool asked = false;
+    const auto ask = [&](const std::string& changed) {
+        asked = true;
+        return mayReplace(changed);
+    };
+    ReplaceJobFile(path, ask, [&] {
+        if (asked) bytes = JobBytes(Job, Main.ComboSaveView.Items);
+        KeepOldEnd(bytes, path);
+        return std::move(bytes);
+    });
     NoteOrientationsLost(path);
     ProgrammLogik();
     LogikLastFileEXIT();
     Run.JobDirty = kFalse;
 }
 
+}  // namespace
+
+void SaveFileAs(const std::string& path) {
+    Save(path, [](const std::string&) { return true; });
+}
+
+void SaveUnlessChanged(const std::string& path) {
+    Save(path, MayReplaceChanged);
+}
+
 void OpenFile(const std::string& path) {
     CloseAllChildForms();
     Initialisieren();
-    if (!File_Exist(path)) {
+    if (!FileIsThere(path)) {
         ShowMessage("File does not exist; maybe check the drive!?");
         return;
     }

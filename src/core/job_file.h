@@ -94,4 +94,8 @@ void OpenFile(const std::string& path);
 // that is refused; Run.JobDirty then stays as it is.
 void SaveFileAs(const std::string& path);
 
+// The same for the user's commands: where another program has written the file since it was read, the user is
+// asked whether it shall be replaced. Throws PlatformError at "No"; the job stays unsaved then.
+void SaveUnlessChanged(const std::string& path);
+
 }  // namespace corvinade::core

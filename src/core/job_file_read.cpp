@@ -8,6 +8,7 @@
 #include "core/job_file_views.h"
 #include "core/platform.h"
 #include "core/text.h"
+#include "core/units.h"
 
 namespace corvinade::core {
 
@@ -69,7 +70,17 @@ struct GetField {
     void operator()(JobCount count) const { In.Get(Points.Of(count)); }
     void operator()(SavedViews) const { GetSavedViews(In, Content.Job, Content.ViewNames); }
 
-    void operator()(std::string JobRecord::*place) const { In.GetLongText(Content.Job.*place); }
+    void operator()(std::string JobRecord::*place) const {
+        const std::size_t at = In.Offset();
+        std::string& text = Content.Job.*place;
+        In.GetLongText(text);
+        if (place == &JobRecord::LengthUnitName) RefuseUnless(LengthUnits(), text, at);
+        if (place == &JobRecord::AngleUnitName) RefuseUnless(AngleUnits(), text, at);
+    }
+    // Numbers would be shown in the unit before, with the unknown name beside them.
+    void RefuseUnless(std::span<const UnitRow> units, const std::string& name, std::size_t at) const {
+        if (!IsUnitName(units, name)) In.Refuse(NoUnitName(units, name), at);
+    }
     template <class Element>
     void operator()(std::vector<Element> JobRecord::*place) const {
         GetVector(Content.Job.*place);

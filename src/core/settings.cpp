@@ -5,10 +5,13 @@
 #include <cmath>
 #include <limits>
 
+#include "core/file_state.h"
+#include "core/file_writer.h"
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/run.h"
+#include "core/system_files.h"
 #include "core/text.h"
 #include "fit/require.h"
 
@@ -111,7 +114,7 @@ void IniZeileTeilen(std::string_view line, std::string& key, std::string& value)
 
 void IniDateiAnlegen() {
     Settings.DevVecDirection = kTrue;
-    WriteFile(Run.SettingsFilePath, DefaultSettingsText());
+    WritePrivateFile(Run.SettingsFilePath, DefaultSettingsText());
 }
 
 void IniLesen() {
@@ -141,7 +144,7 @@ void ReadSettingsText(std::string_view text, const std::string& path) {
 }
 
 std::optional<std::string> FindIniWert(std::string_view key) {
-    if (File_Exist(Run.SettingsFilePath)) {
+    if (FileIsThere(Run.SettingsFilePath)) {
         const FileBytes bytes = ReadFile(Run.SettingsFilePath);
         std::string_view text = bytes.View();
         std::string_view line;
@@ -215,11 +218,13 @@ void IniWertSchreiben(const std::string& section, const std::string& key, const 
 void IniWerteSchreiben(const std::vector<IniLine>& lines) {
     if (Run.SettingsFilePath.empty()) return;
     try {
+        // Between reading and writing no other program may write, whose values would be lost.
+        const FolderLock lock(Pfad(Run.SettingsFilePath));
         std::string text;
-        if (File_Exist(Run.SettingsFilePath)) text = ReadFile(Run.SettingsFilePath).View();
+        if (FileIsThere(Run.SettingsFilePath)) text = ReadFile(Run.SettingsFilePath).View();
         RequireSettingsText(text);
         for (const IniLine& line : lines) text = WithIniValue(text, line);
-        WriteFile(Run.SettingsFilePath, text);
+        WritePrivateFile(Run.SettingsFilePath, text);
         Settings.RefusalTold = false;
     } catch (const PlatformError& error) {
         // Once is enough: every window that closes writes its place.

@@ -78,7 +78,7 @@ std::string SettingText(std::string_view key);
 
 // --- The file ---------------------------------------------------------------------------------------------
 
-// Creates the settings file with its defaults.
+// Creates the settings file with its defaults, readable by its owner alone.
 void IniDateiAnlegen();
 
 // The text of a new settings file, for a run that has none.
@@ -100,8 +100,9 @@ std::optional<std::string> FindIniWert(std::string_view key);
 struct IniLine {
     std::string Section, Key, Value;
 };
-// Writes one value, or a group of values in one go, the file then being replaced once. Without a
-// settings file nothing happens. Throws PlatformError when the file cannot be read or replaced.
+// Writes one value, or a group of values in one go, the file then being replaced once; nothing of what other
+// programs write meanwhile is lost. The file is readable by its owner alone. Without a settings file nothing
+// happens. Throws PlatformError when the file cannot be read or replaced.
 void IniWertSchreiben(const std::string& section, const std::string& key, const std::string& value);
 void IniWerteSchreiben(const std::vector<IniLine>& lines);
 

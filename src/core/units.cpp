@@ -1,6 +1,7 @@
 // Unit factors, number formats and the angle form degree, minute, second.
 #include "core/units.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "core/controller.h"
@@ -46,6 +47,15 @@ std::span<const UnitRow> LengthUnits() {
 }
 std::span<const UnitRow> AngleUnits() {
     return kAngleUnits;
+}
+bool IsUnitName(std::span<const UnitRow> units, std::string_view name) {
+    return name.empty() ||
+           std::any_of(units.begin(), units.end(), [name](const UnitRow& unit) { return name == unit.Name; });
+}
+std::string NoUnitName(std::span<const UnitRow> units, std::string_view name) {
+    std::string known;
+    for (const UnitRow& unit : units) known.append(known.empty() ? "" : ", ").append(unit.Name);
+    return "the unit \"" + Printable(name) + "\" is none of " + known;
 }
 std::span<const char* const> DigitFormats() {
     return kDigitFormats;

@@ -5,6 +5,7 @@
 #include <array>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "core/arrays.h"
 #include "core/rooms.h"
@@ -30,6 +31,13 @@ struct UnitRow {
 };
 std::span<const UnitRow> LengthUnits();  // in the order of their list
 std::span<const UnitRow> AngleUnits();
+
+// Is this one of these units' names? The empty one is as well: nothing has been chosen yet.
+bool IsUnitName(std::span<const UnitRow> units, std::string_view name);
+
+// What is wrong with a name that is none of them: `the unit "x" is none of millimeter, ...`.
+std::string NoUnitName(std::span<const UnitRow> units, std::string_view name);
+
 inline constexpr const char* kDegreeMinuteSecond = "360°60'60''";
 
 // The picture string of 0 to 6 digits, and that of `ScaleDigits` 0 or 1.

@@ -9,6 +9,7 @@
 #include "core/files.h"
 #include "core/job.h"
 #include "core/numbers.h"
+#include "core/open_file.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/settings.h"
@@ -124,7 +125,7 @@ void Browse(Control& text, const std::string& folder, const char* title) {
 }
 
 void Edit(const Control& text) {
-    StartFile(Settings.Editor.empty() ? std::string("Open") : Settings.Editor, text.Text);
+    OpenToLookAt(text.Text);
 }
 
 void Explore(const Control& text) {

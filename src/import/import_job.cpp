@@ -7,6 +7,7 @@
 
 #include "core/changes.h"
 #include "core/controller.h"
+#include "core/file_state.h"
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/job.h"
@@ -229,9 +230,22 @@ bool ImportPoints(const ImportRequest& request) {
     return false;
 }
 
+// A name that no job file can keep: the import would end in a job that cannot be saved.
+void RefuseLongNames() {
+    constexpr std::size_t kMost = 65535;
+    for (const auto& [points, path] :
+         {std::pair{&Job.Start, &Job.PathMCS}, std::pair{&Job.Target, &Job.PathOCS}})
+        for (int i = 1; i <= points->Count(); ++i)
+            if (const std::size_t size = points->Name[static_cast<std::size_t>(i)].size(); size > kMost)
+                throw PlatformError{"Cannot read \"" + *path + "\": the name of point " + std::to_string(i) +
+                                    " (\"" + Printable(points->Name[static_cast<std::size_t>(i)], 20) +
+                                    "...\") has " + std::to_string(size) + " bytes, and a job keeps " +
+                                    std::to_string(kMost)};
+}
+
 // Both files must be there; the message names the one that is not.
-bool FileIsThere(const std::string& path) {
-    if (File_Exist(path)) return true;
+bool IsThereOrTold(const std::string& path) {
+    if (FileIsThere(path)) return true;
     ShowMessage(kNewLine + kNewLine + path + kNewLine + kNewLine + " is not existing");
     return false;
 }
@@ -333,8 +347,8 @@ ImportOutcome Import(const ImportRequest& request) {
         Job.NameOCS = before[3];
         return ImportOutcome::NotRead;
     };
-    if ((request.StartPoints == nullptr && !FileIsThere(Job.PathMCS)) ||
-        (request.TargetPoints == nullptr && !FileIsThere(Job.PathOCS)))
+    if ((request.StartPoints == nullptr && !IsThereOrTold(Job.PathMCS)) ||
+        (request.TargetPoints == nullptr && !IsThereOrTold(Job.PathOCS)))
         return leaveJob();
     Job.NameMCS = startName;
     Job.NameOCS = targetName;
@@ -365,6 +379,7 @@ ImportOutcome Import(const ImportRequest& request) {
     if (!ImportPoints(request)) return EndCancelled(jobBefore);
     IdentischePkte_Neu();
     if (IsTrue(Run.ImportFailed)) return EndCancelled(jobBefore);
+    RefuseLongNames();
     underWay.reset();
     guard.Whole = kind.Kept = true;
     ForgetBlock();

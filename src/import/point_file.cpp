@@ -10,6 +10,7 @@
 #include <string_view>
 #include <unordered_set>
 
+#include "core/file_state.h"
 #include "core/job.h"
 #include "core/notes.h"
 #include "core/numbers.h"
@@ -177,7 +178,7 @@ struct Share {
 // Checks and reads one of the two files; nothing where a message has said why not.
 bool ReadSet(const std::string& path, const Reading& how, BadField badField, Share share,
              void (*replace)(PointSet)) {
-    if (!File_Exist(path)) {
+    if (!FileIsThere(path)) {
         Run.ImportFailed = kTrue;
         ShowMessage("File " + path + " not found");
         return false;
@@ -285,7 +286,7 @@ void RewritePointFile(const std::string& path, std::span<const std::string> name
         content += EncodeText(names[i] + Run.Delimiter + number(x[i].value_or(0)) + Run.Delimiter +
                               number(y[i].value_or(0)) + Run.Delimiter + number(z[i]) + kLineEnd);
     std::string kept = path + ".$";
-    while (File_Exist(kept) || Directory_Exist(kept)) kept += ".$";
+    while (KindOfPath(kept) != PathKind::Nothing) kept += ".$";
     RenameFile(path, kept);
     try {
         WriteFile(path, content);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/changes.h"
+#include "core/file_state.h"
 #include "core/files.h"
 #include "core/job.h"
 #include "core/numbers.h"
@@ -219,7 +220,7 @@ void EinlesenParaboloidData(const TargetFile& target) {
     const std::string path = ParaboloidRun.ParaboloidFile = target.Path;
     Job.ParaboloidShape = Matrix(0, 2);  // the shape of other points is none of these
     ParaboloidRun.ShapeTest.assign(1, 0);
-    if (!File_Exist(path)) return Fail("File " + path + " not found");
+    if (!FileIsThere(path)) return Fail("File " + path + " not found");
     PointText file = LoadPointText(path);
     const std::uint64_t generation = Run.JobGeneration;
     if (!Check(file, target.How) || Run.JobGeneration != generation) return;

@@ -18,6 +18,7 @@
 #include "analysis/form_grafik.h"
 #include "core/window.h"
 #include "ui/desktop.h"
+#include "ui/plain_text.h"
 #include "ui/qt_text.h"
 
 namespace corvinade::ui {
@@ -76,7 +77,7 @@ void ShowIndices(QValueAxis& axis, const QList<QPointF>& points) {
 QValueAxis* AddAxis(QChart& chart, Qt::Alignment side, const std::string& title, const QColor& text) {
     auto* axis = new QValueAxis;
     chart.addAxis(axis, side);
-    axis->setTitleText(Q(title));
+    axis->setTitleText(PlainAsMarkup(Q(title)));
     axis->setTitleBrush(text);
     axis->setLabelsBrush(text);
     axis->setLinePenColor(Qt::darkGray);
@@ -92,7 +93,7 @@ QChart* NewChart(const QPalette& palette) {
     chart->setBackgroundVisible(false);
     chart->setPlotAreaBackgroundBrush(kWall);
     chart->setPlotAreaBackgroundVisible(true);
-    chart->setTitle(Q(w.Title));
+    chart->setTitle(PlainAsMarkup(Q(w.Title)));
     chart->setTitleBrush(text);
     chart->legend()->hide();
     if (w.Min == w.Max) return chart;

@@ -32,6 +32,7 @@ void AddPanels(QStatusBar& bar) {
     for (int panel = 1; panel <= kStatusPanels; ++panel) {
         auto* label = new QLabel(&bar);
         label->setObjectName(QStringLiteral("StatusBar.%1").arg(panel));
+        label->setTextFormat(Qt::PlainText);
         bar.addWidget(label, panel == 3 ? 1 : 0);
     }
     // Notes stay in sight whatever the panels tell.

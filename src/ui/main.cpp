@@ -7,6 +7,7 @@
 #include "core/controller.h"
 #include "core/file_writer.h"
 #include "core/fresh_start.h"
+#include "core/system_files.h"
 #include "ui/desktop.h"
 #include "ui/qt_text.h"
 #include "ui/start_screen.h"
@@ -45,6 +46,7 @@ using namespace corvinade;
 
 int main(int argc, char** argv) {
     LetTooLargeFilesRefuse();
+    RemoveFilesBesideAtSignals();
     FreshStart();
     QCoreApplication::setApplicationName(QStringLiteral("Corvinade"));
     QCoreApplication::setApplicationVersion(Q(ProgramVersion()));

@@ -30,6 +30,7 @@
 #include "fit/require.h"
 #include "ui/colours.h"
 #include "ui/desktop.h"
+#include "ui/plain_text.h"
 #include "ui/qt_text.h"
 #include "ui/screen_windows.h"
 #include "ui/start_screen.h"
@@ -118,8 +119,8 @@ std::optional<std::string> AskInput(const std::string& text, const std::string& 
     ShowState();
     const PlainPointer pointer;
     bool taken = false;
-    const QString answer =
-        QInputDialog::getText(DialogParent(), Q(title), Q(text), QLineEdit::Normal, Q(preset), &taken);
+    const QString answer = QInputDialog::getText(DialogParent(), Q(title), PlainWhereGuessed(Q(text)),
+                                                 QLineEdit::Normal, Q(preset), &taken);
     if (!taken) return std::nullopt;
     return S(answer);
 }

@@ -15,6 +15,7 @@
 #include "core/window.h"
 #include "paint/image.h"
 #include "ui/desktop.h"
+#include "ui/plain_text.h"
 #include "ui/qt_text.h"
 #include "ui/screen_paint.h"
 #include "ui/screen_windows.h"
@@ -128,7 +129,7 @@ void ScreenView::ShowWindow(const ScreenWindow& window) {
     }
     if (const QString text = Q(window.Deviation); deviation_.text() != text) {
         deviation_.setText(text);
-        deviation_.setToolTip(text);  // a narrow window cuts it
+        deviation_.setToolTip(PlainWhereGuessed(text));  // a narrow window cuts it
     }
     deviation_.setVisible(window.Mouse.ActualRow != 0);  // the legend needs its room
     PlaceBar(window);

@@ -23,6 +23,7 @@
 #include "ui/desktop.h"
 #include "ui/field_width.h"
 #include "ui/grid_view.h"
+#include "ui/plain_text.h"
 #include "ui/qt_text.h"
 
 namespace corvinade::ui {
@@ -105,7 +106,7 @@ void ShowAction(Bound& bound) {
     const QSignalBlocker quiet(action);
     const bool button = c.Kind == ControlKind::ToolButton;
     if (button) {
-        action.setToolTip(Q(c.ToolTip));
+        action.setToolTip(PlainWhereGuessed(Q(c.ToolTip)));
         action.setIconText(Q(c.ToolTip));
         action.setCheckable(c.Value != 0 || action.isCheckable());
         action.setChecked(c.Value != 0);
@@ -161,6 +162,11 @@ bool IsAction(const Bound& bound) {
 template <class Widget>
 void ShowCaption(Bound& bound) {
     As<Widget>(bound)->setText(Caption(*bound.State));
+}
+
+void ShowLabel(Bound& bound) {
+    As<QLabel>(bound)->setTextFormat(Qt::PlainText);
+    ShowCaption<QLabel>(bound);
 }
 
 void ShowField(Bound& bound) {
@@ -315,8 +321,8 @@ constexpr WidgetRow kWidgets[] = {
     {ControlKind::Option, Is<QRadioButton>, ShowOption, OptionDiffers, ConnectOption},
     {ControlKind::Combo, Is<QComboBox>, ShowCombo, ComboDiffers, ConnectCombo},
     {ControlKind::Combo, Is<QListWidget>, ShowList, ListDiffers, ConnectList},
-    {ControlKind::Label, Is<QLabel>, ShowCaption<QLabel>},
-    {ControlKind::Panel, Is<QLabel>, ShowCaption<QLabel>},
+    {ControlKind::Label, Is<QLabel>, ShowLabel},
+    {ControlKind::Panel, Is<QLabel>, ShowLabel},
     {ControlKind::Frame, Is<QGroupBox>, ShowTitle},
     {ControlKind::Frame, Is<QFrame>},
     {ControlKind::Scroll, Is<QScrollBar>, ShowScroll, ScrollDiffers, ConnectScroll},
@@ -336,7 +342,7 @@ void ShowWidget(Bound& bound) {
     widget.setEnabled(c.Enabled);
     widget.setVisible(c.Visible);
     // Where the logic has no tool tip the form's own stays.
-    if (!c.ToolTip.empty() || !bound.Last.ToolTip.empty()) widget.setToolTip(Q(c.ToolTip));
+    if (!c.ToolTip.empty() || !bound.Last.ToolTip.empty()) widget.setToolTip(PlainWhereGuessed(Q(c.ToolTip)));
     if (!bound.Ever || bound.Last.ForeColor != c.ForeColor || bound.Last.BackColor != c.BackColor)
         ShowColours(widget, c);
 }

@@ -130,6 +130,10 @@ TEST(Calls, WhatAHeaderDeclaresIsDefinedInItsRoom) {
             for (const char* face : {"cli", "ui"}) EXPECT_TRUE(rooms.Defined.at(face).contains(name)) << name;
         elsewhere.erase(header);
     }
+    // What all faces do alike, by calls of the system.
+    for (const std::string& name : elsewhere["core/system_files.h"])
+        EXPECT_TRUE(rooms.Defined.at("system").contains(name)) << name;
+    elsewhere.erase("core/system_files.h");
     // The tables above all rooms.
     for (const auto& [header, name] : {std::pair{"core/changes.h", "AllChangeRows"},
                                        {"core/fresh_start.h", "FreshStart"},

@@ -4,3 +4,15 @@
 std::string ProgramPath() {
     return CORVINADE_CLI;
 }
+
+bool ProgramIsSanitized() {
+#if defined(__SANITIZE_ADDRESS__)
+    return true;
+#else
+    return false;
+#endif
+}
+
+std::string FaultsPath() {
+    return ProgramIsSanitized() ? "" : CORVINADE_FAULTS;
+}

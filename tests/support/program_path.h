@@ -5,3 +5,9 @@
 
 // The command line that was built like the tests: optimised, or under the sanitizers.
 std::string ProgramPath();
+
+// Has it the sanitizers in it, which take their memory for themselves and want to be loaded first?
+bool ProgramIsSanitized();
+
+// Where the library lies that lets calls of the system fail; "" where the program would not take it.
+std::string FaultsPath();

@@ -1,0 +1,40 @@
+// Whether the file of the job is still what was read from it, or written to it, last.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "core/rooms.h"
+#include "core/system_files.h"
+
+namespace corvinade::core {
+
+// What is known of a file at one time.
+struct DiskState {
+    bool There = false;
+    FileStamp Stamp;
+    bool operator==(const DiskState&) const = default;
+};
+// Throws PlatformError where it cannot be told.
+DiskState DiskStateOf(const std::string& path);
+
+// The file was in this state when these bytes were read from it, or written to it.
+void RememberJobFile(const std::string& path, const DiskState& state, std::string_view bytes);
+
+void ForgetJobFile();
+
+// A new job is to be written there: what is there now may be replaced, what comes later may not.
+void RememberNewJobFile(const std::string& path);
+
+// Does a file stand at this path that is another one than the one remembered, by its contents? Never for a
+// path of which nothing is remembered, nor where no file stands by now.
+bool HasChangedOnDisk(const std::string& path, const DiskState& now);
+
+// Writes the file of the job and remembers it. `mayReplace` is asked where another program has written the
+// file since it was read; at "no" PlatformError is thrown and the file stays. `bytesOf` gives what is to be
+// written, while no other program of ours writes into the folder.
+void ReplaceJobFile(const std::string& path, const std::function<bool(const std::string& path)>& mayReplace,
+                    const std::function<std::string()>& bytesOf);
+
+}  // namespace corvinade::core

@@ -1,0 +1,170 @@
+// Loaded before a program (LD_PRELOAD): lets one of its calls of the system fail. The environment says which.
+//   FAULTS_FOLDER  calls on files below this folder count, by the path or by what the handle stands for
+//   FAULTS_AT      the number of the call that fails, from 1; 0: none
+//   FAULTS_ERRNO   how it fails
+//   FAULTS_LOG     a file that gets the name of the call that has failed
+#include <dirent.h>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+template <class Procedure>
+Procedure* Real(const char* name) {
+    return reinterpret_cast<Procedure*>(dlsym(RTLD_NEXT, name));
+}
+
+const char* Setting(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+std::atomic<long> Calls{0};
+
+bool IsBelow(const char* path) {
+    const char* const folder = Setting("FAULTS_FOLDER");
+    return path != nullptr && *folder != '\0' && std::strncmp(path, folder, std::strlen(folder)) == 0;
+}
+
+bool IsBelow(int handle) {
+    char link[64], path[PATH_MAX];
+    std::snprintf(link, sizeof link, "/proc/self/fd/%d", handle);
+    const long size = syscall(SYS_readlink, link, path, sizeof path - 1);
+    if (size < 0) return false;
+    path[size] = '\0';
+    return IsBelow(path);
+}
+
+// Is this the call that fails? errno is set then.
+template <class Where>
+bool Fails(const char* call, Where where) {
+    const int kept = errno;
+    if (!IsBelow(where)) {
+        errno = kept;
+        return false;
+    }
+    if (Calls.fetch_add(1) + 1 != std::atol(Setting("FAULTS_AT"))) {
+        errno = kept;
+        return false;
+    }
+    const long log = syscall(SYS_openat, AT_FDCWD, Setting("FAULTS_LOG"), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    if (log >= 0) {
+        syscall(SYS_write, log, call, std::strlen(call));
+        syscall(SYS_close, log);
+    }
+    errno = std::atoi(Setting("FAULTS_ERRNO"));
+    return true;
+}
+
+}  // namespace
+
+extern "C" {
+
+std::FILE* fopen(const char* path, const char* mode) {
+    if (Fails("fopen", path)) return nullptr;
+    return Real<std::FILE*(const char*, const char*)>("fopen")(path, mode);
+}
+std::FILE* fopen64(const char* path, const char* mode) {
+    if (Fails("fopen", path)) return nullptr;
+    return Real<std::FILE*(const char*, const char*)>("fopen64")(path, mode);
+}
+int open(const char* path, int flags, ...) {
+    va_list rest;
+    va_start(rest, flags);
+    const auto mode = static_cast<mode_t>(va_arg(rest, int));
+    va_end(rest);
+    if (Fails("open", path)) return -1;
+    return Real<int(const char*, int, ...)>("open")(path, flags, mode);
+}
+int openat(int folder, const char* path, int flags, ...) {
+    va_list rest;
+    va_start(rest, flags);
+    const auto mode = static_cast<mode_t>(va_arg(rest, int));
+    va_end(rest);
+    if (Fails("openat", path)) return -1;
+    return Real<int(int, const char*, int, ...)>("openat")(folder, path, flags, mode);
+}
+DIR* fdopendir(int handle) {
+    if (Fails("fdopendir", handle)) return nullptr;
+    return Real<DIR*(int)>("fdopendir")(handle);
+}
+std::FILE* fdopen(int handle, const char* mode) {
+    if (Fails("fdopen", handle)) return nullptr;
+    return Real<std::FILE*(int, const char*)>("fdopen")(handle, mode);
+}
+std::size_t fread(void* to, std::size_t size, std::size_t count, std::FILE* file) {
+    if (Fails("fread", fileno(file))) {
+        file->_flags |= 0x20;  // what ferror looks at
+        return 0;
+    }
+    return Real<std::size_t(void*, std::size_t, std::size_t, std::FILE*)>("fread")(to, size, count, file);
+}
+std::size_t fwrite(const void* from, std::size_t size, std::size_t count, std::FILE* file) {
+    if (Fails("fwrite", fileno(file))) return 0;
+    return Real<std::size_t(const void*, std::size_t, std::size_t, std::FILE*)>("fwrite")(from, size, count,
+                                                                                          file);
+}
+int fclose(std::FILE* file) {
+    const bool fails = Fails("fclose", fileno(file));
+    const int kept = errno;
+    const int status = Real<int(std::FILE*)>("fclose")(file);
+    if (!fails) return status;
+    errno = kept;
+    return EOF;
+}
+int fsync(int handle) {
+    if (Fails("fsync", handle)) return -1;
+    return Real<int(int)>("fsync")(handle);
+}
+int flock(int handle, int operation) {
+    if (Fails("flock", handle)) return -1;
+    return Real<int(int, int)>("flock")(handle, operation);
+}
+int fchmod(int handle, mode_t mode) {
+    if (Fails("fchmod", handle)) return -1;
+    return Real<int(int, mode_t)>("fchmod")(handle, mode);
+}
+int fchown(int handle, uid_t user, gid_t group) {
+    if (Fails("fchown", handle)) return -1;
+    return Real<int(int, uid_t, gid_t)>("fchown")(handle, user, group);
+}
+int stat(const char* path, struct stat* file) {
+    if (Fails("stat", path)) return -1;
+    return Real<int(const char*, struct stat*)>("stat")(path, file);
+}
+int lstat(const char* path, struct stat* file) {
+    if (Fails("lstat", path)) return -1;
+    return Real<int(const char*, struct stat*)>("lstat")(path, file);
+}
+int fstat(int handle, struct stat* file) {
+    if (Fails("fstat", handle)) return -1;
+    return Real<int(int, struct stat*)>("fstat")(handle, file);
+}
+int rename(const char* from, const char* to) {
+    if (Fails("rename", from)) return -1;
+    return Real<int(const char*, const char*)>("rename")(from, to);
+}
+int mkdir(const char* path, mode_t mode) {
+    if (Fails("mkdir", path)) return -1;
+    return Real<int(const char*, mode_t)>("mkdir")(path, mode);
+}
+DIR* opendir(const char* path) {
+    if (Fails("opendir", path)) return nullptr;
+    return Real<DIR*(const char*)>("opendir")(path);
+}
+struct dirent* readdir(DIR* folder) {
+    if (Fails("readdir", dirfd(folder))) return nullptr;
+    return Real<struct dirent*(DIR*)>("readdir")(folder);
+}
+}
