@@ -53,6 +53,8 @@
 #include "graphics/screen_window.h"
 #include "graphics/tolerance.h"
 #include "import/form_input_files.h"
+#include "import/form_table.h"
+#include "import/input_tables.h"
 #include "import/long_import.h"
 #include "import/robot_files.h"
 #include "paraboloid/form_stop_para_trafo.h"
@@ -87,6 +89,7 @@ const WindowEntry* const kWindows[] = {
     &FormGrafik_Entry,
     &FormEditFahne_Entry,
     &FormNotes_Entry,
+    &FormTable_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.
@@ -108,6 +111,7 @@ void (*const kRecords[])() = {
     [] { Noise = NoiseRecord{}; },
     [] { Inverse = InverseRecord{}; },
     [] { Spezial = SpezialRecord{}; },
+    [] { Tables = InputTablesRecord{}; },
     [] { Bundle = BundleRecord{}; },
     [] { LongImport = LongImportRecord{}; },
     [] { ProgramPoses = ProgramPosesRecord{}; },

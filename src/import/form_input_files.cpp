@@ -14,7 +14,9 @@
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
+#include "import/form_table.h"
 #include "import/import_request.h"
+#include "import/input_tables.h"
 #include "import/point_file.h"
 #include "import/point_file_checks.h"
 #include "import/robot_files.h"
@@ -25,22 +27,26 @@ namespace {
 
 const ControlEntry kControls[] = {
     {"FrameMCS", &InputFiles.FrameMCS},
-    {"TextNameMCS", &InputFiles.TextNameMCS},
+    {"TextNameMCS", &InputFiles.TextNameMCS, {.Change = FormInputFiles::Path_Change}},
     {"BtnBrowseMCS", &InputFiles.BtnBrowseMCS, {.Click = FormInputFiles::BtnBrowseMCS_Click}},
     {"BtnEditMCS", &InputFiles.BtnEditMCS, {.Click = FormInputFiles::BtnEditMCS_Click}},
     {"BtnExploreMCS", &InputFiles.BtnExploreMCS, {.Click = FormInputFiles::BtnExploreMCS_Click}},
     {"BtnMCSfromClip", &InputFiles.BtnMCSfromClip, {.Click = FormInputFiles::BtnMCSfromClip_Click}},
     {"LabelRenameMCS", &InputFiles.LabelRenameMCS},
     {"TextRenameMCS", &InputFiles.TextRenameMCS},
+    {"LabelTableMCS", &InputFiles.LabelTableMCS},
+    {"BtnTableMCS", &InputFiles.BtnTableMCS, {.Click = FormInputFiles::BtnTableMCS_Click}},
     {"FrameOCS", &InputFiles.FrameOCS},
     {"ComboOCS_Data", &InputFiles.ComboOCS_Data, {.Click = FormInputFiles::ComboOCS_Data_Click}},
-    {"TextNameOCS", &InputFiles.TextNameOCS},
+    {"TextNameOCS", &InputFiles.TextNameOCS, {.Change = FormInputFiles::Path_Change}},
     {"ButtonBrowseOCS", &InputFiles.ButtonBrowseOCS, {.Click = FormInputFiles::ButtonBrowseOCS_Click}},
     {"BtnEditOCS", &InputFiles.BtnEditOCS, {.Click = FormInputFiles::BtnEditOCS_Click}},
     {"BtnExploreOCS", &InputFiles.BtnExploreOCS, {.Click = FormInputFiles::BtnExploreOCS_Click}},
     {"BtnOCSfromClip", &InputFiles.BtnOCSfromClip, {.Click = FormInputFiles::BtnOCSfromClip_Click}},
     {"LabelRenameOCS", &InputFiles.LabelRenameOCS},
     {"TextRenameOCS", &InputFiles.TextRenameOCS},
+    {"LabelTableOCS", &InputFiles.LabelTableOCS},
+    {"BtnTableOCS", &InputFiles.BtnTableOCS, {.Click = FormInputFiles::BtnTableOCS_Click}},
     {"FrameIdentify", &InputFiles.FrameIdentify},
     {"OptionByID", &InputFiles.OptionByID, {.Click = FormInputFiles::OptionByID_Click}},
     {"OptionByCoordinate",
@@ -54,7 +60,7 @@ const ControlEntry kControls[] = {
     {"TextMaxOCS", &InputFiles.TextMaxOCS},
     {"LabelMaxOCS2", &InputFiles.LabelMaxOCS2},
     {"FrameMoreMCS", &InputFiles.FrameMoreMCS},
-    {"TextNameMoreMCS", &InputFiles.TextNameMoreMCS, {}, "FrameMoreMCS"},
+    {"TextNameMoreMCS", &InputFiles.TextNameMoreMCS, {.Change = FormInputFiles::Path_Change}, "FrameMoreMCS"},
     {"BtnBrowseMoreMCS",
      &InputFiles.BtnBrowseMoreMCS,
      {.Click = FormInputFiles::BtnBrowseMoreMCS_Click},
@@ -74,6 +80,8 @@ const ControlEntry kControls[] = {
     {"OptionPrefix", &InputFiles.OptionPrefix, {}, "FrameMoreMCS"},
     {"Option2", &InputFiles.Option2, {}, "FrameMoreMCS"},
     {"TextPreSuff", &InputFiles.TextPreSuff, {}, "FrameMoreMCS"},
+    {"LabelTableMore", &InputFiles.LabelTableMore, {}, "FrameMoreMCS"},
+    {"BtnTableMore", &InputFiles.BtnTableMore, {.Click = FormInputFiles::BtnTableMore_Click}, "FrameMoreMCS"},
     {"BtnImportMoreMCS",
      &InputFiles.BtnImportMoreMCS,
      {.Click = FormInputFiles::BtnImportMoreMCS_Click},
@@ -88,9 +96,11 @@ const ControlEntry kControls[] = {
 constexpr const char* kPointFileFilter =
     "Text files (*.txt;*.csv;*.asc)|*.txt;*.csv;*.asc|All files (*.*)|*.*|";
 
-void Browse(Control& text, const std::string& folder, const char* title) {
+void Browse(TableSide side, const std::string& folder, const char* title) {
     const auto path = AskOpenFile({title, kPointFileFilter, folder, ""});
-    if (path) SetText(text, *path);
+    if (!path) return;
+    SetText(PathOfSide(side), *path);
+    FilesChosen({side});
 }
 
 void Edit(const Control& text) {
@@ -102,11 +112,12 @@ void Explore(const Control& text) {
 }
 
 // Puts the clipboard text into a file of the settings folder and names it in the text box.
-void FromClipboard(Control& text, const char* name) {
+void FromClipboard(TableSide side, const char* name) {
     if (!Directory_Exist(SettingsFolder())) CreateFolder(SettingsFolder());
     const std::string path = JoinPath(SettingsFolder(), name);
     WriteFile(path, EncodeText(ClipboardText()));
-    SetText(text, path);
+    SetText(PathOfSide(side), path);
+    FilesChosen({side});
 }
 
 // Points can be added to points alone.
@@ -155,6 +166,7 @@ const WindowEntry FormInputFiles_Entry = {
     .Controls = kControls,
     .Fresh = [] { InputFiles = FormInputFiles{}; },
     .Load = FormInputFiles::Form_Load,
+    .Unload = FormInputFiles::Form_Unload,
     .Escape = FormInputFiles::Form_Escape,
     .Stand = WindowStand::Dialog,
 };
@@ -174,6 +186,17 @@ void FormInputFiles::Form_Load() {
     const int last = Settings.LastDropDownInfoInOCS;
     const bool known = last >= 0 && last < static_cast<int>(w.ComboOCS_Data.Items.size());
     SetIndex(w.ComboOCS_Data, known ? last : 0);
+    Tables = InputTablesRecord();
+    ShowTables();
+}
+
+void FormInputFiles::Form_Unload() {
+    Tables.ToAsk.clear();
+    UnloadWindow(FormTable_Entry.Name);
+}
+
+void FormInputFiles::Path_Change() {
+    ShowTables();
 }
 
 void FormInputFiles::Form_Resize() {
@@ -189,6 +212,7 @@ void FormInputFiles::Form_Escape() {
 
 void FormInputFiles::ComboOCS_Data_Click() {
     // The choice stays with the dialog: the job is of its kind as long as it has its points.
+    ShowTables();
 }
 
 void FormInputFiles::OptionByID_Click() {
@@ -208,13 +232,23 @@ void FormInputFiles::CheckUseOnlyFirst_Click() {
 }
 
 void FormInputFiles::BtnBrowseMCS_Click() {
-    Browse(InputFiles.TextNameMCS, Settings.LastMCSRoot, "MCS File");
+    Browse(TableSide::Start, Settings.LastMCSRoot, "MCS File");
 }
 void FormInputFiles::ButtonBrowseOCS_Click() {
-    Browse(InputFiles.TextNameOCS, Settings.LastOCSRoot, "OCS File");
+    Browse(TableSide::Target, Settings.LastOCSRoot, "OCS File");
 }
 void FormInputFiles::BtnBrowseMoreMCS_Click() {
-    Browse(InputFiles.TextNameMoreMCS, Settings.LastMCSRoot, "More MCS Points");
+    Browse(TableSide::More, Settings.LastMCSRoot, "More MCS Points");
+}
+
+void FormInputFiles::BtnTableMCS_Click() {
+    AskForTable(TableSide::Start);
+}
+void FormInputFiles::BtnTableOCS_Click() {
+    AskForTable(TableSide::Target);
+}
+void FormInputFiles::BtnTableMore_Click() {
+    AskForTable(TableSide::More);
 }
 
 void FormInputFiles::BtnEditMCS_Click() {
@@ -238,13 +272,13 @@ void FormInputFiles::BtnExploreMoreMCS_Click() {
 }
 
 void FormInputFiles::BtnMCSfromClip_Click() {
-    FromClipboard(InputFiles.TextNameMCS, "mcs.txt");
+    FromClipboard(TableSide::Start, "mcs.txt");
 }
 void FormInputFiles::BtnOCSfromClip_Click() {
-    FromClipboard(InputFiles.TextNameOCS, "ocs.txt");
+    FromClipboard(TableSide::Target, "ocs.txt");
 }
 void FormInputFiles::BtnMoreMCSClip_Click() {
-    FromClipboard(InputFiles.TextNameMoreMCS, "mcs.txt");
+    FromClipboard(TableSide::More, "mcs.txt");
 }
 
 void FormInputFiles::BtnImportMoreMCS_Click() {
@@ -255,9 +289,10 @@ void FormInputFiles::BtnImportMoreMCS_Click() {
     }
     const bool prefix = w.OptionPrefix.Value == 1;
     Run.ImportFailed = kFalse;
-    if (!ReadMorePoints(w.TextNameMoreMCS.Text, prefix ? w.TextPreSuff.Text : "",
-                        prefix ? "" : w.TextPreSuff.Text))
-        return;
+    const std::string path = w.TextNameMoreMCS.Text, before = prefix ? w.TextPreSuff.Text : "",
+                      behind = prefix ? "" : w.TextPreSuff.Text;
+    const std::optional<std::string> table = MappingOfSide(TableSide::More);
+    if (table ? !AddTable(path, *table, before, behind) : !ReadMorePoints(path, before, behind)) return;
     const std::uint64_t generation = ++Run.JobGeneration;
     Changed(What::MorePoints);
     ShowChanges();
@@ -305,23 +340,25 @@ void FormInputFiles::BtnSpezial_Click() {
     Spezial.Blocks = std::move(read);
 }
 
-void myBtn_OK() {
+bool myBtn_OK() {
     const std::string bundle = std::exchange(InputFiles.BundleFile, "");
-    if (bundle.empty()) {
-        Import(RequestOfDialog());
-    } else {
+    if (!bundle.empty()) {
         ReadBundleFile(bundle);
+        return true;
     }
+    ImportRequest request = RequestOfDialog();
+    TablesRead tables;
+    if (!TakeTables(request, tables)) return false;
+    if (Import(request) == ImportOutcome::Done && tables.Any()) KeepTables(tables);
+    return true;
 }
 
 void FormInputFiles::BtnOK_Click() {
-    myBtn_OK();
-    UnloadWindow("FormInputFiles");
+    if (myBtn_OK()) UnloadWindow("FormInputFiles");
 }
 
 void FormInputFiles::BtnApply_Click() {
-    myBtn_OK();
-    EnableMorePoints();
+    if (myBtn_OK()) EnableMorePoints();
 }
 
 void FormInputFiles::BtnCancel_Click() {

@@ -21,6 +21,8 @@ struct FormInputFiles {
     Control BtnMCSfromClip = Button("from &Clipboard");
     Control LabelRenameMCS = Label("Name of the system");
     Control TextRenameMCS = TextBox();
+    Control LabelTableMCS = Label("");  // how the file is read
+    Control BtnTableMCS = Button("Table...");
 
     Control FrameOCS = Frame("Target system (OCS)");
     Control ComboOCS_Data = ComboBox();
@@ -31,6 +33,8 @@ struct FormInputFiles {
     Control BtnOCSfromClip = Button("from C&lipboard");
     Control LabelRenameOCS = Label("Name of the system");
     Control TextRenameOCS = TextBox();
+    Control LabelTableOCS = Label("");
+    Control BtnTableOCS = Button("Table...");
 
     Control FrameIdentify = Frame("Identical points");
     Control OptionByID = Option("by &ID", 1);
@@ -52,6 +56,8 @@ struct FormInputFiles {
     Control OptionPrefix = Option("Prefix", 2);
     Control Option2 = Option("S&uffix", 2);
     Control TextPreSuff = TextBox();
+    Control LabelTableMore = Label("");
+    Control BtnTableMore = Button("Table...");
     Control BtnImportMoreMCS = Button("Add poi&nts");
 
     Control Command2 = Button("Bundle file...");
@@ -63,6 +69,7 @@ struct FormInputFiles {
     std::string BundleFile;  // a bundle input file that the next import reads in place of two point files
 
     static void Form_Load();
+    static void Form_Unload();
     static void Form_Resize();
     static void Form_Escape();
     static void ComboOCS_Data_Click();
@@ -70,6 +77,10 @@ struct FormInputFiles {
     static void OptionByCoordinate_Click();
     static void OptionByDis_Click();
     static void CheckUseOnlyFirst_Click();
+    static void Path_Change();
+    static void BtnTableMCS_Click();
+    static void BtnTableOCS_Click();
+    static void BtnTableMore_Click();
     static void BtnBrowseMCS_Click();
     static void ButtonBrowseOCS_Click();
     static void BtnBrowseMoreMCS_Click();
@@ -93,7 +104,8 @@ inline FormInputFiles InputFiles;
 extern const WindowEntry FormInputFiles_Entry;
 
 // The import that the controls of the dialog ask for (import/import_request.h), or that of the bundle file.
-void myBtn_OK();
+// False where a table among the files could not be read, for which the dialog stays.
+bool myBtn_OK();
 
 // The block text that BtnSpezial reads: one 3 by 3 part a block. No other room uses it.
 struct SpezialRecord {
