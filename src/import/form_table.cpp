@@ -164,9 +164,10 @@ std::string Obstacle() {
 }
 
 void ShowCount() {
-    const bool counted = w.Count.Done && !w.Count.Refusal.Refused();
+    const bool counted =
+        !w.Count.Refusal.Refused() && !w.Preview.Refusal.Refused() && w.File->NoText.empty();
     w.LabelCount.Text = counted ? Counted(w.Count.Good, "good") + ", " + Counted(w.Count.Bad, "bad")
-                                : "no good row, for the table cannot be read so";
+                                : "no rows counted";
     const std::string obstacle = Obstacle();
     std::string text = obstacle;
     if (text.empty() && w.Count.FirstBad.Refused())
@@ -287,7 +288,7 @@ void FormTable::Form_Load() {
     FillLists();
     const BusyPointer busy;
     w.File = std::make_shared<OpenTable>();
-    w.File->Bytes = ReadFile(w.Path);
+    if (!w.Path.empty()) w.File->Bytes = ReadFile(w.Path);
     const std::string mapping = MappingOfSide(w.Side).value_or("");
     w.Decided = MappingFromText(mapping).value_or(TableOptions());
     w.CheckStrict.Value = std::exchange(w.Decided.SkipBad, false) ? 0 : 1;
@@ -347,15 +348,17 @@ void FormTable::CheckStrict_Click() {
     if (w.Count.Done) ShowCount();
 }
 
-// One of the roles: no other column can have it as well.
+// One of the roles: a column that had it gets the one that this one had.
 void FormTable::ComboRole_Click() {
     std::vector<TableRole> roles = w.Preview.Form.Columns;
     roles.resize(std::max(roles.size(), std::min(w.Preview.Columns, kRoleCombos)), TableRole::Pass);
     for (std::size_t i = 0; i < std::min(roles.size(), kRoleCombos); ++i) {
         const auto chosen = static_cast<TableRole>(std::max(w.ComboRole[i].Index, 0));
         if (chosen == roles[i]) continue;
-        if (chosen != TableRole::Pass) std::replace(roles.begin(), roles.end(), chosen, TableRole::Pass);
+        const auto other = std::find(roles.begin(), roles.end(), chosen);
+        if (chosen != TableRole::Pass && other != roles.end()) *other = roles[i];
         roles[i] = chosen;
+        break;
     }
     w.Decided.Columns = std::move(roles);
     Find();
