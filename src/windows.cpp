@@ -7,6 +7,7 @@
 #include "analysis/form_batch.h"
 #include "analysis/form_change_dir.h"
 #include "analysis/form_distance_scale.h"
+#include "analysis/form_export.h"
 #include "analysis/form_grafik.h"
 #include "analysis/form_input_statistic.h"
 #include "analysis/form_main_sheet.h"
@@ -25,6 +26,7 @@
 #include "core/fresh_start.h"
 #include "core/job.h"
 #include "core/notes.h"
+#include "core/numbers.h"
 #include "core/records.h"
 #include "core/run.h"
 #include "core/settings.h"
@@ -90,6 +92,7 @@ const WindowEntry* const kWindows[] = {
     &FormEditFahne_Entry,
     &FormNotes_Entry,
     &FormTable_Entry,
+    &FormExport_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.
@@ -99,6 +102,7 @@ void (*const kRecords[])() = {
     [] { Changes = ChangesRecord{}; },
     [] { Notes = NotesRecord{}; },
     [] { Settings = SettingsRecord{}; },
+    [] { WrittenNumbers = WrittenNumbersRecord{}; },
     [] { Units = UnitsRecord{}; },
     [] { Chain = ChainRecord{}; },
     [] { Selection = SelectionRecord{}; },

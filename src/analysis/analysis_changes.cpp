@@ -2,6 +2,7 @@
 #include "analysis/analysis_changes.h"
 
 #include "analysis/form_distance_scale.h"
+#include "analysis/form_export.h"
 #include "analysis/form_input_statistic.h"
 #include "analysis/form_main_sheet.h"
 #include "core/form_main.h"
@@ -30,10 +31,19 @@ void ShowInStatistic(What) {
     if (IsLoaded("FormInputStatistic")) FORMfüllen();
 }
 
+void ShowInForms(What changed) {
+    if (Share(changed, What::Result | What::OpenedJob | What::Points | What::Restored)) {
+        ShowNewResult();
+    } else {
+        ShowInExport();
+    }
+}
+
 constexpr ChangeRow kChanges[] = {
     {kSheetChanges | What::Result | What::Restored, Turn::Sheet, ShowInSheet},
     {What::Pairs | What::Result, Turn::Distances, ShowInDistances},
     {What::Points | What::MorePoints | What::Counts, Turn::Statistic, ShowInStatistic},
+    {kStateOfJob | What::MorePoints | What::Coordinates | What::UnitsAndDigits, Turn::Statistic, ShowInForms},
 };
 
 }  // namespace

@@ -141,6 +141,7 @@ struct FormMain {
             StatusBar_5 = Panel(), StatusBar_6 = Panel(), StatusBar_7 = Panel(), StatusBar_8 = Panel(),
             StatusBar_9 = Panel();
     Control StatusBar_Notes = HiddenButton();  // how many notes there are
+    Control MenueFileExportResult = Menu("&Export result...");
 
     static void MenuFileNew_Click();
     static void MenuFileOpen_Click();
@@ -169,6 +170,7 @@ struct FormMain {
     static void MenueHelpSpezial_Click();
 
     // Of the exports, defined in analysis/form_main_exports.cpp.
+    static void MenueFileExportResult_Click();  // in analysis/form_export.cpp
     static void MenueFileExportRobCad_Click();
     static void MenueFileExportROCAL_Click();
     static void MenueOnlyMCStoTilde_Click();
