@@ -42,8 +42,8 @@ void ShowInForms(What changed) {
 constexpr ChangeRow kChanges[] = {
     {kSheetChanges | What::Result | What::Restored, Turn::Sheet, ShowInSheet},
     {What::Pairs | What::Result, Turn::Distances, ShowInDistances},
+    {kStateOfJob | What::MorePoints | What::Coordinates | What::UnitsAndDigits, Turn::Forms, ShowInForms},
     {What::Points | What::MorePoints | What::Counts, Turn::Statistic, ShowInStatistic},
-    {kStateOfJob | What::MorePoints | What::Coordinates | What::UnitsAndDigits, Turn::Statistic, ShowInForms},
 };
 
 }  // namespace

@@ -164,10 +164,9 @@ std::string Obstacle() {
 }
 
 void ShowCount() {
-    const bool counted =
-        !w.Count.Refusal.Refused() && !w.Preview.Refusal.Refused() && w.File->NoText.empty();
-    w.LabelCount.Text = counted ? Counted(w.Count.Good, "good") + ", " + Counted(w.Count.Bad, "bad")
-                                : "no rows counted";
+    const bool counted = !w.Count.Refusal.Refused() && !w.Preview.Refusal.Refused() && w.File->NoText.empty();
+    w.LabelCount.Text =
+        counted ? Counted(w.Count.Good, "good") + ", " + Counted(w.Count.Bad, "bad") : "no rows counted";
     const std::string obstacle = Obstacle();
     std::string text = obstacle;
     if (text.empty() && w.Count.FirstBad.Refused())
