@@ -7,8 +7,8 @@
 
 #include "analysis/export_forms.h"
 #include "core/job.h"
-#include "core/refresh.h"
 #include "core/run.h"
+#include "engine/calculation_window.h"
 #include "ui/desktop.h"
 #include "ui/desktop_fixture.h"
 #include "ui/qt_text.h"
