@@ -1,6 +1,8 @@
 // What a table looks like before it is read, and the mapping that says how it is.
 #include "import/table_preview.h"
 
+#include <random>
+
 #include "cli/fit_files.h"
 #include "core/job_block.h"
 #include "core/settings.h"
@@ -95,6 +97,29 @@ TEST(TablePreviewed, ALineOfManyCellsAndALongCellAreCut) {
     const TablePreview preview = PreviewOf(text);
     EXPECT_EQ(preview.Columns, kPreviewCells);
     EXPECT_LT(preview.Lines[1].Cells[4].size(), 200U);
+}
+
+TEST(TablePreviewed, TakesAnyBytesAndAnyRoles) {
+    std::mt19937 random(7);
+    const std::string signs = "A1.,;\t \"'|#-\r\n\xC3\xE4xyz";
+    for (int i = 0; i < 3000; ++i) {
+        std::string bytes;
+        for (auto left = random() % 300; left > 0; --left) bytes += signs[random() % signs.size()];
+        TableOptions options;
+        for (auto left = random() % 6; left > 0; --left)
+            options.Columns.push_back(static_cast<TableRole>(random() % kTableRoles));
+        if (random() % 2 == 0) options.Delimiter = ";\t, |"[random() % 5];
+        if (random() % 2 == 0) options.Decimal = random() % 2 == 0 ? '.' : ',';
+        options.Skip = random() % 4;
+        TableText text;
+        if (!TakeTableText(bytes, nullptr, text).empty()) continue;
+        const TablePreview preview = PreviewTable(text, "f", options);
+        for (const PreviewLine& line : preview.Lines) EXPECT_LE(line.Cells.size(), preview.Columns);
+        if (!options.Columns.empty() && !MissingColumn(options.Columns).empty()) continue;
+        TableRefusal bad;
+        const TableResult result = CountTable(bytes, "f", options, bad);
+        EXPECT_TRUE(result.Refusal.Refused() || result.Points.Count() > 0);
+    }
 }
 
 TEST(TablePreviewed, CountsGoodAndBadRowsAndTellsTheFirstBadOne) {

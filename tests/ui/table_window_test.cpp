@@ -12,6 +12,7 @@
 #include "import/form_table.h"
 #include "ui/desktop.h"
 #include "ui/desktop_fixture.h"
+#include "ui/drops.h"
 #include "ui/qt_text.h"
 
 using namespace corvinade;
@@ -94,6 +95,27 @@ TEST_F(TableOnScreen, ACellThatIsNoNumberHasAGroundOfItsOwn) {
     EXPECT_TRUE(ground(2, 3).isValid());  // "x" of the row P2; the heading is line 1
     EXPECT_FALSE(ground(1, 3).isValid());
     EXPECT_NE(ground(2, 3), ground(0, 3));
+}
+
+// Dropped onto the frame, both files are asked for, one behind the other.
+TEST_F(TableOnScreen, OpensForEachDroppedFileThatIsNotPlain) {
+    const std::string other = Write("other.csv", "x y z intensity\r\n1 2 3 4\r\n5 6 7 8\r\n");
+    OpenDropped({path_, other});
+    ASSERT_TRUE(IsOpen("FormTable"));
+    EXPECT_EQ(TableWindow.Path, path_);
+    Click("FormTable.BtnCancel");
+    ASSERT_TRUE(IsOpen("FormTable"));
+    EXPECT_EQ(TableWindow.Path, other);
+    Click("FormTable.BtnOK");
+    EXPECT_FALSE(IsOpen("FormTable"));
+    EXPECT_EQ(InputFiles.LabelTableMCS.Text, "");
+    EXPECT_EQ(InputFiles.LabelTableOCS.Text, "read as a table");
+}
+
+TEST_F(TableOnScreen, APlainFileThatIsDroppedOpensNothingMore) {
+    OpenDropped({Write("plain.txt", "A;1;2;3\r\nB;1;2;3\r\n")});
+    EXPECT_TRUE(IsOpen("FormInputFiles"));
+    EXPECT_FALSE(IsOpen("FormTable"));
 }
 
 TEST_F(TableOnScreen, GoesBeforeTheDialogAndHandsThePointsOn) {
