@@ -16,6 +16,7 @@ struct FormMain {
     Control MenuFileSaveAs = Menu("Save &As...");
     Control MenuFileInputFiles = Menu("&Input Files...");
     Control MenueFileExport = Menu("Export");
+    Control MenueFileExportResult = Menu("&Export result...");
     Control MenueFileExportRobCad = Menu("Rob&Cad Robface *.rf File");
     Control MenueFileExportROCAL = Menu("&Rocal *.bas File");
     Control MenueOnlyMCStoTilde = Menu("OnlyMCS Pts to txt File");
@@ -141,7 +142,6 @@ struct FormMain {
             StatusBar_5 = Panel(), StatusBar_6 = Panel(), StatusBar_7 = Panel(), StatusBar_8 = Panel(),
             StatusBar_9 = Panel();
     Control StatusBar_Notes = HiddenButton();  // how many notes there are
-    Control MenueFileExportResult = Menu("&Export result...");
 
     static void MenuFileNew_Click();
     static void MenuFileOpen_Click();

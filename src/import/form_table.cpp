@@ -154,7 +154,8 @@ std::string FirstWarning() {
 // What stands against taking the table as it is; "" where nothing does.
 std::string Obstacle() {
     if (!w.WrongSkip.empty()) return "\"" + Printable(w.WrongSkip) + "\" is no number of lines to skip";
-    if (!w.File->NoText.empty()) return InWordsOfDesktop(w.File->NoText);
+    if (!w.File->NoText.empty())
+        return RefusalOfDesktop("Cannot read \"" + w.Path + "\": " + w.File->NoText, w.Path);
     if (w.Preview.Refusal.Refused()) return RefusalOfDesktop(w.Preview.Refusal.Text, w.Path);
     if (w.Count.Refusal.Refused()) return RefusalOfDesktop(w.Count.Refusal.Text, w.Path);
     if (w.CheckStrict.Value != 1) return "";

@@ -22,8 +22,8 @@ namespace {
 
 class ExportWindowTest : public Program {
 protected:
-    // Points turn by 90 degrees about z, for which the angle of the program, which turns the system, is -90; and
-    // a shift.
+    // Points turn by 90 degrees about z, for which the angle of the program, which turns the system, is -90;
+    // and a shift.
     ExportWindowTest() {
         StartUp("");
         Job.RotZ = Job.RotZCopy = -M_PI / 2;

@@ -209,7 +209,7 @@ TEST_F(TableDialog, TheEncodingIsFoundAndCanBeChosen) {
     EXPECT_EQ(CellText(TableWindow.GridPreview.Grid, 2, 1), "Höhe");
     Take(TableWindow.ComboEncoding, "utf-8");
     EXPECT_EQ(TableWindow.LabelProblem.Text,
-              "it is no UTF-8 (\"Encoding\" windows-1252, or utf-16le, utf-16be)");
+              "It is no UTF-8 (\"Encoding\" windows-1252, or utf-16le, utf-16be)");
 }
 
 TEST_F(TableDialog, AWrongNumberOfLinesIsTold) {
