@@ -27,6 +27,8 @@ const ControlEntry kControls[] = {
     Command("MenuFileInputFiles", &Main.MenuFileInputFiles, Menu("&Input Files..."),
             FormMain::MenuFileInputFiles_Click, "MenuFile"),
     Command("MenueFileExport", &Main.MenueFileExport, Menu("Export"), nullptr, "MenuFile"),
+    Command("MenueFileExportResult", &Main.MenueFileExportResult, Menu("&Export result..."),
+            MenueFileExportResult_Click, "MenueFileExport"),
     Command("MenueFileExportRobCad", &Main.MenueFileExportRobCad, Menu("Rob&Cad Robface *.rf File"),
             MenueFileExportRobCad_Click, "MenueFileExport"),
     Command("MenueFileExportROCAL", &Main.MenueFileExportROCAL, Menu("&Rocal *.bas File"),

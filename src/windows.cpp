@@ -7,6 +7,7 @@
 #include "analysis/form_batch.h"
 #include "analysis/form_change_dir.h"
 #include "analysis/form_distance_scale.h"
+#include "analysis/form_export.h"
 #include "analysis/form_grafik.h"
 #include "analysis/form_input_statistic.h"
 #include "analysis/form_main_sheet.h"
@@ -25,6 +26,7 @@
 #include "core/fresh_start.h"
 #include "core/job.h"
 #include "core/notes.h"
+#include "core/numbers.h"
 #include "core/records.h"
 #include "core/run.h"
 #include "core/settings.h"
@@ -54,7 +56,9 @@
 #include "graphics/screen_window.h"
 #include "graphics/tolerance.h"
 #include "import/form_input_files.h"
+#include "import/form_table.h"
 #include "import/import_changes.h"
+#include "import/input_tables.h"
 #include "import/long_import.h"
 #include "import/readers_above.h"
 #include "import/robot_files.h"
@@ -90,6 +94,8 @@ const WindowEntry* const kWindows[] = {
     &FormGrafik_Entry,
     &FormEditFahne_Entry,
     &FormNotes_Entry,
+    &FormTable_Entry,
+    &FormExport_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.
@@ -99,6 +105,7 @@ void (*const kRecords[])() = {
     [] { Changes = ChangesRecord{}; },
     [] { Notes = NotesRecord{}; },
     [] { Settings = SettingsRecord{}; },
+    [] { WrittenNumbers = WrittenNumbersRecord{}; },
     [] { Units = UnitsRecord{}; },
     [] { Chain = ChainRecord{}; },
     [] { Selection = SelectionRecord{}; },
@@ -111,6 +118,7 @@ void (*const kRecords[])() = {
     [] { Noise = NoiseRecord{}; },
     [] { Inverse = InverseRecord{}; },
     [] { Spezial = SpezialRecord{}; },
+    [] { Tables = InputTablesRecord{}; },
     [] { Bundle = BundleRecord{}; },
     [] { LongImport = LongImportRecord{}; },
     [] { ProgramPoses = ProgramPosesRecord{}; },

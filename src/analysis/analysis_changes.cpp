@@ -2,6 +2,7 @@
 #include "analysis/analysis_changes.h"
 
 #include "analysis/form_distance_scale.h"
+#include "analysis/form_export.h"
 #include "analysis/form_input_statistic.h"
 #include "analysis/form_main_sheet.h"
 #include "core/form_main.h"
@@ -31,6 +32,14 @@ void ShowInStatistic(What) {
     if (IsLoaded("FormInputStatistic")) FORMfüllen();
 }
 
+void ShowInForms(What changed) {
+    if (Share(changed, What::Result | What::OpenedJob | What::Points | What::Restored)) {
+        ShowNewResult();
+    } else {
+        ShowInExport();
+    }
+}
+
 void FollowTable(What) {
     MainSheet_ShowPoint(CalculationWindow_Point());
 }
@@ -38,6 +47,7 @@ void FollowTable(What) {
 constexpr ChangeRow kChanges[] = {
     {kSheetChanges | What::Result | What::Restored, Turn::Sheet, ShowInSheet},
     {What::Pairs | What::Result, Turn::Distances, ShowInDistances},
+    {kStateOfJob | What::MorePoints | What::Coordinates | What::UnitsAndDigits, Turn::Forms, ShowInForms},
     {What::Points | What::MorePoints | What::Counts, Turn::Statistic, ShowInStatistic},
     {What::PointInTable, Turn::PointInSheet, FollowTable},
 };

@@ -201,22 +201,22 @@ std::string OfPoints(const FrameNames&) {
 }
 
 constexpr ExportForm kForms[] = {
-    {"matrix", "4 by 4 matrix, blanks between", false, false, MatrixText, nullptr},
-    {"matrix-csv", "4 by 4 matrix, commas between", false, false, MatrixCsvText, nullptr},
-    {"json", "matrix, translation and quaternion as JSON", false, false, JsonText, nullptr},
-    {"quaternion", "x y z qx qy qz qw", true, false, QuaternionText, nullptr},
-    {"proj", "operation of PROJ", false, false, ProjText, nullptr},
-    {"ros", "static transform of ROS, metres", true, false, RosText, nullptr},
-    {"urdf", "origin of URDF, metres and radians", true, false, UrdfText, nullptr},
-    {"kuka-base", "Kuka base", true, false, KukaBaseText, nullptr},
-    {"kuka-tool", "Kuka tool", true, true, KukaToolText, nullptr},
-    {"fanuc-uframe", "Fanuc user frame", true, false, FanucText, nullptr},
-    {"fanuc-utool", "Fanuc user tool", true, true, FanucText, nullptr},
-    {"abb-wobj", "ABB work object", true, false, AbbWobjText, nullptr},
-    {"abb-tool", "ABB tool", true, true, AbbToolText, nullptr},
-    {"rocal", "matrix for an offline tool", false, false, nullptr, OfRocal},
-    {"robcad", "frame for a simulation system", false, false, nullptr, OfRobCad},
-    {"points", "start points without a partner, transformed", false, false, nullptr, OfPoints},
+    {"matrix", "4 by 4 matrix, blanks between", "txt", false, false, MatrixText, nullptr},
+    {"matrix-csv", "4 by 4 matrix, commas between", "csv", false, false, MatrixCsvText, nullptr},
+    {"json", "matrix, translation and quaternion as JSON", "json", false, false, JsonText, nullptr},
+    {"quaternion", "x y z qx qy qz qw", "txt", true, false, QuaternionText, nullptr},
+    {"proj", "operation of PROJ", "txt", false, false, ProjText, nullptr},
+    {"ros", "static transform of ROS, metres", "sh", true, false, RosText, nullptr},
+    {"urdf", "origin of URDF, metres and radians", "xml", true, false, UrdfText, nullptr},
+    {"kuka-base", "Kuka base", "txt", true, false, KukaBaseText, nullptr},
+    {"kuka-tool", "Kuka tool", "txt", true, true, KukaToolText, nullptr},
+    {"fanuc-uframe", "Fanuc user frame", "txt", true, false, FanucText, nullptr},
+    {"fanuc-utool", "Fanuc user tool", "txt", true, true, FanucText, nullptr},
+    {"abb-wobj", "ABB work object", "txt", true, false, AbbWobjText, nullptr},
+    {"abb-tool", "ABB tool", "txt", true, true, AbbToolText, nullptr},
+    {"rocal", "matrix for an offline tool", "bas", false, false, nullptr, OfRocal},
+    {"robcad", "frame for a simulation system", "rf", false, false, nullptr, OfRobCad},
+    {"points", "start points without a partner, transformed", "txt", false, false, nullptr, OfPoints},
 };
 
 // --- What is described ------------------------------------------------------------------------------------

@@ -137,7 +137,7 @@ std::string ScientificText(double value) {
     }
     const std::string five = std::to_string(digits + 100000).substr(1);
     const std::string size = std::to_string(std::abs(exponent));
-    return (value < 0 ? "-" : "") + five.substr(0, 1) + SystemDecimal() + five.substr(1) + "E" +
+    return (value < 0 ? "-" : "") + five.substr(0, 1) + WrittenDecimal() + five.substr(1) + "E" +
            (exponent < 0 ? "-" : "+") + (size.size() < 2 ? "0" : "") + size;
 }
 

@@ -5,6 +5,7 @@
 
 namespace corvinade::analysis {
 
+void MenueFileExportResult_Click();  // in form_export.cpp
 void MenueFileExportRobCad_Click();
 void MenueFileExportROCAL_Click();
 void MenueOnlyMCStoTilde_Click();

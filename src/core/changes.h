@@ -64,6 +64,7 @@ enum class Turn : std::uint8_t {
     Commands,
     BundleCommands,
     TopWindow,
+    Forms,
     Statistic,
 };
 

@@ -16,6 +16,7 @@ struct FormMain {
     Control MenuFileSaveAs;
     Control MenuFileInputFiles;
     Control MenueFileExport;
+    Control MenueFileExportResult;
     Control MenueFileExportRobCad;
     Control MenueFileExportROCAL;
     Control MenueOnlyMCStoTilde;

@@ -74,7 +74,7 @@ bool Convert(const char* begin, const char* end, double& value) {
 }
 
 std::string WithDelimiter(std::string text) {
-    const char decimal = SystemDecimal();
+    const char decimal = WrittenDecimal();
     if (decimal != '.')
         for (char& c : text)
             if (c == '.') c = decimal;
@@ -178,7 +178,7 @@ bool FormatPlainly(double value, int decimals, std::string& text) {
     // All but the last `places` of the zeros and digits stand before the delimiter.
     const std::size_t before = zeros + count - places;
     for (std::size_t i = 0; i < zeros + count; ++i) {
-        if (i == before) text += SystemDecimal();
+        if (i == before) text += WrittenDecimal();
         text += i < zeros ? '0' : digits[i - zeros];
     }
     return true;
@@ -229,10 +229,22 @@ std::string FormatNumber(double value, std::string_view picture) {
     if (value < 0 && !zero) text += '-';
     text.append(digits, 0, digits.size() - static_cast<std::size_t>(decimals));
     if (decimals > 0) {
-        text += SystemDecimal();
+        text += WrittenDecimal();
         text.append(digits, digits.size() - static_cast<std::size_t>(decimals), std::string::npos);
     }
     return text;
+}
+
+PointInTexts::PointInTexts() {
+    ++WrittenNumbers.Points;
+}
+
+PointInTexts::~PointInTexts() {
+    --WrittenNumbers.Points;
+}
+
+char WrittenDecimal() {
+    return WrittenNumbers.Points > 0 ? '.' : SystemDecimal();
 }
 
 double Int(double value) {

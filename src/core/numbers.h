@@ -40,6 +40,23 @@ inline std::string PlainText(std::int16_t value) {
 // as "NaN", "Infinity" and "-Infinity".
 std::string FormatNumber(double value, std::string_view picture);
 
+// As long as one lives, numbers are written with a decimal point whatever the system has: in texts that
+// programs read. Texts of the user's are read as ever.
+class PointInTexts {
+public:
+    PointInTexts();
+    ~PointInTexts();
+    PointInTexts(const PointInTexts&) = delete;
+    PointInTexts& operator=(const PointInTexts&) = delete;
+};
+struct WrittenNumbersRecord {
+    int Points = 0;  // how many of these live
+};
+inline WrittenNumbersRecord WrittenNumbers;
+
+// The decimal delimiter that numbers are written with now.
+char WrittenDecimal();
+
 // Rounds towards minus infinity.
 double Int(double value);
 

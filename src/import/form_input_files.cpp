@@ -14,7 +14,9 @@
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
+#include "import/form_table.h"
 #include "import/import_request.h"
+#include "import/input_tables.h"
 #include "import/point_file.h"
 #include "import/point_file_checks.h"
 #include "import/readers_above.h"
@@ -26,7 +28,7 @@ namespace {
 
 const ControlEntry kControls[] = {
     {"FrameMCS", &InputFiles.FrameMCS, Frame("Start system (MCS)")},
-    {"TextNameMCS", &InputFiles.TextNameMCS, TextBox()},
+    {"TextNameMCS", &InputFiles.TextNameMCS, TextBox(), {.Change = FormInputFiles::Path_Change}},
     {"BtnBrowseMCS",
      &InputFiles.BtnBrowseMCS,
      Button("&Browse..."),
@@ -42,9 +44,14 @@ const ControlEntry kControls[] = {
      {.Click = FormInputFiles::BtnMCSfromClip_Click}},
     {"LabelRenameMCS", &InputFiles.LabelRenameMCS, Label("Name of the system")},
     {"TextRenameMCS", &InputFiles.TextRenameMCS, TextBox()},
+    {"LabelTableMCS", &InputFiles.LabelTableMCS, Label("")},
+    {"BtnTableMCS",
+     &InputFiles.BtnTableMCS,
+     Button("Table..."),
+     {.Click = FormInputFiles::BtnTableMCS_Click}},
     {"FrameOCS", &InputFiles.FrameOCS, Frame("Target system (OCS)")},
     {"ComboOCS_Data", &InputFiles.ComboOCS_Data, ComboBox(), {.Click = FormInputFiles::ComboOCS_Data_Click}},
-    {"TextNameOCS", &InputFiles.TextNameOCS, TextBox()},
+    {"TextNameOCS", &InputFiles.TextNameOCS, TextBox(), {.Change = FormInputFiles::Path_Change}},
     {"ButtonBrowseOCS",
      &InputFiles.ButtonBrowseOCS,
      Button("B&rowse..."),
@@ -60,6 +67,11 @@ const ControlEntry kControls[] = {
      {.Click = FormInputFiles::BtnOCSfromClip_Click}},
     {"LabelRenameOCS", &InputFiles.LabelRenameOCS, Label("Name of the system")},
     {"TextRenameOCS", &InputFiles.TextRenameOCS, TextBox()},
+    {"LabelTableOCS", &InputFiles.LabelTableOCS, Label("")},
+    {"BtnTableOCS",
+     &InputFiles.BtnTableOCS,
+     Button("Table..."),
+     {.Click = FormInputFiles::BtnTableOCS_Click}},
     {"FrameIdentify", &InputFiles.FrameIdentify, Frame("Identical points")},
     {"OptionByID", &InputFiles.OptionByID, Option("by &ID", 1), {.Click = FormInputFiles::OptionByID_Click}},
     {"OptionByCoordinate",
@@ -80,7 +92,11 @@ const ControlEntry kControls[] = {
     {"TextMaxOCS", &InputFiles.TextMaxOCS, TextBox("100")},
     {"LabelMaxOCS2", &InputFiles.LabelMaxOCS2, Label("points of the OCS file")},
     {"FrameMoreMCS", &InputFiles.FrameMoreMCS, Frame("Add points to the start system")},
-    {"TextNameMoreMCS", &InputFiles.TextNameMoreMCS, TextBox(), {}, "FrameMoreMCS"},
+    {"TextNameMoreMCS",
+     &InputFiles.TextNameMoreMCS,
+     TextBox(),
+     {.Change = FormInputFiles::Path_Change},
+     "FrameMoreMCS"},
     {"BtnBrowseMoreMCS",
      &InputFiles.BtnBrowseMoreMCS,
      Button("Bro&wse..."),
@@ -104,6 +120,12 @@ const ControlEntry kControls[] = {
     {"OptionPrefix", &InputFiles.OptionPrefix, Option("Prefix", 2), {}, "FrameMoreMCS"},
     {"Option2", &InputFiles.Option2, Option("S&uffix", 2), {}, "FrameMoreMCS"},
     {"TextPreSuff", &InputFiles.TextPreSuff, TextBox(), {}, "FrameMoreMCS"},
+    {"LabelTableMore", &InputFiles.LabelTableMore, Label(""), {}, "FrameMoreMCS"},
+    {"BtnTableMore",
+     &InputFiles.BtnTableMore,
+     Button("Table..."),
+     {.Click = FormInputFiles::BtnTableMore_Click},
+     "FrameMoreMCS"},
     {"BtnImportMoreMCS",
      &InputFiles.BtnImportMoreMCS,
      Button("Add poi&nts"),
@@ -119,9 +141,11 @@ const ControlEntry kControls[] = {
 constexpr const char* kPointFileFilter =
     "Text files (*.txt;*.csv;*.asc)|*.txt;*.csv;*.asc|All files (*.*)|*.*|";
 
-void Browse(Control& text, const std::string& folder, const char* title) {
+void Browse(TableSide side, const std::string& folder, const char* title) {
     const auto path = AskOpenFile({title, kPointFileFilter, folder, ""});
-    if (path) SetText(text, *path);
+    if (!path) return;
+    SetText(PathOfSide(side), *path);
+    FilesChosen({side});
 }
 
 void Edit(const Control& text) {
@@ -133,11 +157,12 @@ void Explore(const Control& text) {
 }
 
 // Puts the clipboard text into a file of the settings folder and names it in the text box.
-void FromClipboard(Control& text, const char* name) {
+void FromClipboard(TableSide side, const char* name) {
     if (!Directory_Exist(SettingsFolder())) CreateFolder(SettingsFolder());
     const std::string path = JoinPath(SettingsFolder(), name);
     WriteFile(path, EncodeText(ClipboardText()));
-    SetText(text, path);
+    SetText(PathOfSide(side), path);
+    FilesChosen({side});
 }
 
 // Points can be added to points alone.
@@ -186,6 +211,7 @@ const WindowEntry FormInputFiles_Entry = {
     .Controls = kControls,
     .Fresh = [] { InputFiles = FormInputFiles{}; },
     .Load = FormInputFiles::Form_Load,
+    .Unload = FormInputFiles::Form_Unload,
     .Escape = FormInputFiles::Form_Escape,
     .Stand = WindowStand::Dialog,
 };
@@ -205,6 +231,17 @@ void FormInputFiles::Form_Load() {
     const int last = Settings.LastDropDownInfoInOCS;
     const bool known = last >= 0 && last < static_cast<int>(w.ComboOCS_Data.Items.size());
     SetIndex(w.ComboOCS_Data, known ? last : 0);
+    Tables = InputTablesRecord();
+    ShowTables();
+}
+
+void FormInputFiles::Form_Unload() {
+    Tables.ToAsk.clear();
+    UnloadWindow(FormTable_Entry.Name);
+}
+
+void FormInputFiles::Path_Change() {
+    ShowTables();
 }
 
 void FormInputFiles::Form_Resize() {
@@ -220,6 +257,7 @@ void FormInputFiles::Form_Escape() {
 
 void FormInputFiles::ComboOCS_Data_Click() {
     // The choice stays with the dialog: the job is of its kind as long as it has its points.
+    ShowTables();
 }
 
 void FormInputFiles::OptionByID_Click() {
@@ -239,13 +277,23 @@ void FormInputFiles::CheckUseOnlyFirst_Click() {
 }
 
 void FormInputFiles::BtnBrowseMCS_Click() {
-    Browse(InputFiles.TextNameMCS, Settings.LastMCSRoot, "MCS File");
+    Browse(TableSide::Start, Settings.LastMCSRoot, "MCS File");
 }
 void FormInputFiles::ButtonBrowseOCS_Click() {
-    Browse(InputFiles.TextNameOCS, Settings.LastOCSRoot, "OCS File");
+    Browse(TableSide::Target, Settings.LastOCSRoot, "OCS File");
 }
 void FormInputFiles::BtnBrowseMoreMCS_Click() {
-    Browse(InputFiles.TextNameMoreMCS, Settings.LastMCSRoot, "More MCS Points");
+    Browse(TableSide::More, Settings.LastMCSRoot, "More MCS Points");
+}
+
+void FormInputFiles::BtnTableMCS_Click() {
+    AskForTable(TableSide::Start);
+}
+void FormInputFiles::BtnTableOCS_Click() {
+    AskForTable(TableSide::Target);
+}
+void FormInputFiles::BtnTableMore_Click() {
+    AskForTable(TableSide::More);
 }
 
 void FormInputFiles::BtnEditMCS_Click() {
@@ -269,13 +317,13 @@ void FormInputFiles::BtnExploreMoreMCS_Click() {
 }
 
 void FormInputFiles::BtnMCSfromClip_Click() {
-    FromClipboard(InputFiles.TextNameMCS, "mcs.txt");
+    FromClipboard(TableSide::Start, "mcs.txt");
 }
 void FormInputFiles::BtnOCSfromClip_Click() {
-    FromClipboard(InputFiles.TextNameOCS, "ocs.txt");
+    FromClipboard(TableSide::Target, "ocs.txt");
 }
 void FormInputFiles::BtnMoreMCSClip_Click() {
-    FromClipboard(InputFiles.TextNameMoreMCS, "mcs.txt");
+    FromClipboard(TableSide::More, "mcs.txt");
 }
 
 void FormInputFiles::BtnImportMoreMCS_Click() {
@@ -286,9 +334,10 @@ void FormInputFiles::BtnImportMoreMCS_Click() {
     }
     const bool prefix = w.OptionPrefix.Value == 1;
     Run.ImportFailed = kFalse;
-    if (!ReadMorePoints(w.TextNameMoreMCS.Text, prefix ? w.TextPreSuff.Text : "",
-                        prefix ? "" : w.TextPreSuff.Text))
-        return;
+    const std::string path = w.TextNameMoreMCS.Text, before = prefix ? w.TextPreSuff.Text : "",
+                      behind = prefix ? "" : w.TextPreSuff.Text;
+    const std::optional<std::string> table = MappingOfSide(TableSide::More);
+    if (table ? !AddTable(path, *table, before, behind) : !ReadMorePoints(path, before, behind)) return;
     const std::uint64_t generation = ++Run.JobGeneration;
     Changed(What::MorePoints);
     ShowChanges();
@@ -336,23 +385,25 @@ void FormInputFiles::BtnSpezial_Click() {
     Spezial.Blocks = std::move(read);
 }
 
-void myBtn_OK() {
+bool myBtn_OK() {
     const std::string bundle = std::exchange(InputFiles.BundleFile, "");
-    if (bundle.empty()) {
-        Import(RequestOfDialog());
-    } else {
+    if (!bundle.empty()) {
         ReadAbove(FileAbove::Network, {bundle});
+        return true;
     }
+    ImportRequest request = RequestOfDialog();
+    TablesRead tables;
+    if (!TakeTables(request, tables)) return false;
+    if (Import(request) == ImportOutcome::Done && tables.Any()) KeepTables(tables);
+    return true;
 }
 
 void FormInputFiles::BtnOK_Click() {
-    myBtn_OK();
-    UnloadWindow("FormInputFiles");
+    if (myBtn_OK()) UnloadWindow("FormInputFiles");
 }
 
 void FormInputFiles::BtnApply_Click() {
-    myBtn_OK();
-    EnableMorePoints();
+    if (myBtn_OK()) EnableMorePoints();
 }
 
 void FormInputFiles::BtnCancel_Click() {

@@ -21,6 +21,8 @@ struct FormInputFiles {
     Control BtnMCSfromClip;
     Control LabelRenameMCS;
     Control TextRenameMCS;
+    Control LabelTableMCS;  // how the file is read
+    Control BtnTableMCS;
 
     Control FrameOCS;
     Control ComboOCS_Data;
@@ -31,6 +33,8 @@ struct FormInputFiles {
     Control BtnOCSfromClip;
     Control LabelRenameOCS;
     Control TextRenameOCS;
+    Control LabelTableOCS;
+    Control BtnTableOCS;
 
     Control FrameIdentify;
     Control OptionByID;
@@ -52,6 +56,8 @@ struct FormInputFiles {
     Control OptionPrefix;
     Control Option2;
     Control TextPreSuff;
+    Control LabelTableMore;
+    Control BtnTableMore;
     Control BtnImportMoreMCS;
 
     Control Command2;
@@ -63,6 +69,7 @@ struct FormInputFiles {
     std::string BundleFile;  // a bundle input file that the next import reads in place of two point files
 
     static void Form_Load();
+    static void Form_Unload();
     static void Form_Resize();
     static void Form_Escape();
     static void ComboOCS_Data_Click();
@@ -70,6 +77,10 @@ struct FormInputFiles {
     static void OptionByCoordinate_Click();
     static void OptionByDis_Click();
     static void CheckUseOnlyFirst_Click();
+    static void Path_Change();
+    static void BtnTableMCS_Click();
+    static void BtnTableOCS_Click();
+    static void BtnTableMore_Click();
     static void BtnBrowseMCS_Click();
     static void ButtonBrowseOCS_Click();
     static void BtnBrowseMoreMCS_Click();
@@ -93,7 +104,8 @@ inline FormInputFiles InputFiles;
 extern const WindowEntry FormInputFiles_Entry;
 
 // The import that the controls of the dialog ask for (import/import_request.h), or that of the bundle file.
-void myBtn_OK();
+// False where a table among the files could not be read, for which the dialog stays.
+bool myBtn_OK();
 
 // The block text that BtnSpezial reads: one 3 by 3 part a block. No other room uses it.
 struct SpezialRecord {

@@ -258,18 +258,22 @@ bool ReadMorePoints(const std::string& path, const std::string& prefix, const st
         ReadPoints(file, IsTrue(hasName), DelimiterCharacter(Run.Delimiter), how.Decimal, BadField::Ends);
     if (more.Cancelled) return false;
     if (!more.Error.empty()) throw PlatformError{more.Error};
+    AddMorePoints(path, std::move(more.Set), prefix, suffix);
+    return true;
+}
 
-    std::span<std::string> names(more.Set.Name);
+void AddMorePoints(const std::string& path, PointSet points, const std::string& prefix,
+                   const std::string& suffix) {
+    std::span<std::string> names(points.Name);
     if (!prefix.empty() || !suffix.empty())
         for (std::string& name : names.subspan(1)) name = prefix + name + suffix;
-    NoteNamesThatAreThere(path, more.Set.Name, prefix, suffix);
+    NoteNamesThatAreThere(path, points.Name, prefix, suffix);
     // The new points follow the last name, in both sets.
     Job.Start.CountAll();
     Job.Transformed.Resize(Job.Start.Count());
-    Job.Transformed.Append(more.Set);
-    Job.Start.Append(std::move(more.Set));
+    Job.Transformed.Append(points);
+    Job.Start.Append(std::move(points));
     ++Run.JobGeneration;
-    return true;
 }
 
 void RewritePointFile(const std::string& path, std::span<const std::string> names,

@@ -45,6 +45,10 @@ void Einlesen_Neu();  // those of the job; the target set of one with a shape is
 // Einlesen_Neu does for the start file, the job untouched then too.
 bool ReadMorePoints(const std::string& path, const std::string& prefix, const std::string& suffix);
 
+// The same with points that have been read already, mm; the path is for notes.
+void AddMorePoints(const std::string& path, PointSet points, const std::string& prefix,
+                   const std::string& suffix);
+
 // Writes a point file anew: a line of name, X, Y, Z in mm for each point, with Run.Delimiter between them
 // and this decimal delimiter. The old file is kept under its path with ".$" behind it, as often
 // as it takes to find a free name. All arrays have their elements from 1 on; an empty value is written

@@ -117,12 +117,14 @@ bool RefuseAmbiguous(std::string_view text, const std::string& path, const Table
     TableForm other = form;
     other.CommasJoin = true;
     const TableRow one = FirstRow(text, form), two = FirstRow(text, other);
-    return Refuse(path, form.FirstLine,
-                  "\"" + Printable(one.Line) +
-                      "\" can be read in two ways: with commas between its fields (" + InWords(one, true) +
-                      "), which --decimal . or --delimiter comma says, or with commas as decimal " +
-                      "delimiters too (" + InWords(two, two.Cells.size() > 3) + "), which --decimal , says",
-                  refusal);
+    Refuse(path, form.FirstLine,
+           "\"" + Printable(one.Line) + "\" can be read in two ways: with commas between its fields (" +
+               InWords(one, true) +
+               "), which --decimal . or --delimiter comma says, or with commas as decimal " +
+               "delimiters too (" + InWords(two, two.Cells.size() > 3) + "), which --decimal , says",
+           refusal);
+    refusal.TwoWays = true;
+    return false;
 }
 
 // Rows that can be read, and are doubtful all the same.
@@ -253,14 +255,13 @@ bool FindTableForm(const TableText& text, const std::string& path, const TableOp
                 "\" begins no table of points with x, y and z (--columns, --delimiter, --decimal, --skip)",
             refusal);
     }
-    if (!best.Wrong.empty()) return Refuse(path, best.WrongLine, best.Wrong, refusal);
-    if (IsAmbiguous(text.Text, best, options)) return RefuseAmbiguous(text.Text, path, best.Form, refusal);
-    if (!IsCertain(text.Text, path, options, best, refusal, notes)) return false;
-    form = std::move(best.Form);
+    form = best.Form;
     if (!options.Unit.empty()) form.Unit = options.Unit;
     if (form.Unit.empty()) form.Unit = options.UsualUnit;
     form.DecimalShown = best.Fractions;
-    return true;
+    if (!best.Wrong.empty()) return Refuse(path, best.WrongLine, best.Wrong, refusal);
+    if (IsAmbiguous(text.Text, best, options)) return RefuseAmbiguous(text.Text, path, best.Form, refusal);
+    return IsCertain(text.Text, path, options, best, refusal, notes);
 }
 
 }  // namespace corvinade::import

@@ -17,6 +17,8 @@ namespace corvinade::import {
 
 namespace {
 
+constexpr std::size_t kRowsBetweenLooks = 1 << 12;
+
 int AsInt(std::int64_t value) {
     return static_cast<int>(std::min<std::int64_t>(value, std::numeric_limits<int>::max()));
 }
@@ -67,14 +69,17 @@ public:
         if (hasSigmas)
             for (std::vector<double>* sigma : {&result_.SX, &result_.SY, &result_.SZ})
                 sigma->resize(static_cast<std::size_t>(most) + 1);
-        plain_ = form_.Gaps == TableGaps::Delimiter && form_.Decimal == '.' && form_.HeadingLines == 0 &&
-                 form_.Headings.empty() && form_.FirstRow == 0 && options_.Columns.empty() &&
-                 options_.Unit.empty() && text_.Decoded.empty() && (text_.ByLine || text_.Ascii) &&
-                 form_.Delimiter != '|' && form_.Cells == (form_.HasName ? 4U : 3U) && !options_.FirstIsX;
+        plain_ = form_.Gaps == TableGaps::Delimiter && form_.Decimal == options_.PlainDecimal &&
+                 form_.HeadingLines == 0 && form_.Headings.empty() && form_.FirstRow == 0 &&
+                 options_.Columns.empty() && options_.Unit.empty() && text_.Decoded.empty() &&
+                 (text_.ByLine || text_.Ascii) && form_.Delimiter != '|' &&
+                 form_.Cells == (form_.HasName ? 4U : 3U) && !options_.FirstIsX;
         TableWalk walk(text_.Text, form_, form_.FirstRow, form_.FirstLine);
         TableRow row;
         std::int64_t empty = 0;
+        std::size_t looked = 0;
         while (walk.Next(row)) {
+            if (++looked % kRowsBetweenLooks == 0 && !GoesOn(walk.Place())) return;
             if (MayBeNoRow(row) && IsNoRow(row, form_)) {
                 plain_ = false;
                 const bool comment = !row.Cells.empty() && IsComment(row.Line, form_);
@@ -98,6 +103,16 @@ private:
     bool Sigmas() const {
         for (const TableRole role : {TableRole::SX, TableRole::SY, TableRole::SZ, TableRole::S})
             if (places_.Of[static_cast<std::size_t>(role)] >= 0) return true;
+        return false;
+    }
+
+    // False where whoever wants the table wants it no longer.
+    bool GoesOn(std::size_t place) {
+        if (!options_.GoesOn) return true;
+        const double share = static_cast<double>(place) / static_cast<double>(text_.Text.size());
+        if (options_.GoesOn({share, static_cast<std::int64_t>(points_), result_.Skipped})) return true;
+        result_.Cancelled = true;
+        result_.Points = PointSet();
         return false;
     }
 
@@ -346,7 +361,7 @@ private:
         told.Ascii = text_.Ascii;
         std::string delimiter;
         Reading how;
-        how.Decimal = '.';
+        how.Decimal = options_.PlainDecimal;
         FindTrennzeichen(told, delimiter, FileRows::Points, how);
         return delimiter == std::string(1, form_.Delimiter);
     }

@@ -10,6 +10,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -39,6 +40,13 @@ enum class TableGaps : std::uint8_t {
     Aligned,    // two or more blanks, or a tab: a single blank belongs to its cell
 };
 
+// How far the reading of a table has come.
+struct TableProgress {
+    double Share = 0;       // of the text, 0 to 1
+    std::int64_t Good = 0;  // rows that are points
+    std::int64_t Bad = 0;   // rows passed over as bad
+};
+
 // What the user has decided; the rest is found.
 struct TableOptions {
     std::vector<TableRole> Columns;      // of the first cells of each row; empty = found
@@ -51,8 +59,11 @@ struct TableOptions {
     std::optional<TableEncoding> Encoding;
     bool SkipBad = false;      // rows that cannot be read are passed over and counted
     bool DoubleNames = false;  // two points may bear the same name, which a note says
-    bool FirstIsX = false;  // rows without heading that begin with a number are x y z and more (.xyz, .pts)
-    bool KeepRest = false;  // TableResult.Rest is wanted
+    bool FirstIsX = false;    // rows without heading that begin with a number are x y z and more (.xyz, .pts)
+    bool KeepRest = false;    // TableResult.Rest is wanted
+    char PlainDecimal = '.';  // that of the told reader: TableResult.Plain is for it
+    // Told every few thousand rows; false ends the reading, without points. Unset = nobody is.
+    std::function<bool(const TableProgress&)> GoesOn;
 };
 
 // How a table is written.
@@ -82,6 +93,7 @@ struct TableRefusal {
     std::string Text;         // "Cannot read "a.csv", line 7, column 3: ..."; "" = it was read
     std::int64_t Line = 0;    // from 1; 0 = of the whole file
     std::int64_t Column = 0;  // number of the cell, from 1; 0 = of the whole line
+    bool TwoWays = false;     // the commas can be delimiters alone, or decimal delimiters too
     bool Refused() const { return !Text.empty(); }
 };
 
@@ -93,6 +105,7 @@ struct TableResult {
     TableForm Form;
     bool Plain = false;        // the told reader of point files reads the same
     std::int64_t Skipped = 0;  // rows passed over as bad
+    bool Cancelled = false;    // TableOptions.GoesOn has ended it
     TableRefusal Refusal;
     std::vector<Note> Notes;  // in order, to be added to the list
 };
@@ -104,7 +117,8 @@ struct TableResult {
 //   three numbers, one that can be read in two ways, a heading that names only some of x, y and z.
 TableResult ReadTable(std::string_view bytes, const std::string& path, const TableOptions& options);
 
-// The form alone. `text` is TableText::Text of the file. False with the refusal.
+// The form alone. `text` is TableText::Text of the file. False with the refusal; the form is the likeliest
+// one then, where there is any that has rows (`form.Cells` is not 0).
 bool FindTableForm(const TableText& text, const std::string& path, const TableOptions& options,
                    TableForm& form, TableRefusal& refusal, std::vector<Note>& notes);
 

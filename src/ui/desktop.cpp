@@ -21,6 +21,7 @@
 #include "fit/require.h"
 #include "ui/binder.h"
 #include "ui/clipboard.h"
+#include "ui/column_fields.h"
 #include "ui/drops.h"
 #include "ui/frame.h"
 #include "ui/places.h"
@@ -140,6 +141,7 @@ void OpenOne(const WindowEntry& window) {
     }
     BindWindow(window, *open.Form);
     AddPlot(window, *open.Form);
+    PutAboveColumns(*open.Form);
     Desktop.Windows[&window] = open;
     open.Outer->setAttribute(Qt::WA_DeleteOnClose, false);
     open.Outer->installEventFilter(new WindowEvents(window, *open.Outer));

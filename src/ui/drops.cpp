@@ -13,6 +13,7 @@
 #include "core/job_commands.h"
 #include "core/text.h"
 #include "import/form_input_files.h"
+#include "import/input_tables.h"
 #include "ui/desktop.h"
 #include "ui/qt_text.h"
 
@@ -30,20 +31,27 @@ std::vector<std::string> LocalPaths(const QMimeData& data) {
     return paths;
 }
 
+void TakePaths(TableSide first, const std::vector<std::string>& paths) {
+    std::vector<TableSide> sides = {first};
+    SetText(PathOfSide(first), paths.front());
+    if (paths.size() > 1) {
+        SetText(PathOfSide(TableSide::Target), paths[1]);
+        sides.push_back(TableSide::Target);
+    }
+    FilesChosen(sides);
+}
+
 // Puts dropped point files into the input dialog: one file into the field that it was dropped onto, two into
 // the first two fields.
 void TakeIntoInputDialog(const QWidget& target, const std::vector<std::string>& paths) {
-    Control* field = &InputFiles.TextNameMCS;
-    for (Control* one : {&InputFiles.TextNameOCS, &InputFiles.TextNameMoreMCS})
-        if (paths.size() == 1 && one->Entry != nullptr && target.isEnabled() &&
-            target.objectName() == QString::fromUtf8(one->Entry->Name))
-            field = one;
-    UserDid([&] {
-        Dispatch([&] {
-            SetText(*field, paths.front());
-            if (paths.size() > 1) SetText(InputFiles.TextNameOCS, paths[1]);
-        });
-    });
+    TableSide side = TableSide::Start;
+    for (const TableSide other : {TableSide::Target, TableSide::More}) {
+        const ControlEntry* entry = PathOfSide(other).Entry;
+        if (paths.size() == 1 && entry != nullptr && target.isEnabled() &&
+            target.objectName() == QString::fromUtf8(entry->Name))
+            side = other;
+    }
+    UserDid([&] { Dispatch([&] { TakePaths(side, paths); }); });
 }
 
 // Files over any part of the frame or the input dialog. Fields would take the text of their address.
@@ -90,8 +98,7 @@ void OpenDropped(const std::vector<std::string>& paths) {
         Dispatch([&] {
             if (IsJob(paths.front())) return OpenLastProjekt("&1 " + paths.front());
             ShowWindow(FormInputFiles_Entry.Name);
-            SetText(InputFiles.TextNameMCS, paths.front());
-            if (paths.size() > 1) SetText(InputFiles.TextNameOCS, paths[1]);
+            TakePaths(TableSide::Start, paths);
         });
     });
 }

@@ -53,6 +53,7 @@ namespace {
 constexpr auto kJob = "examples/robot_cell.cvn";
 constexpr auto kStart = "examples/robot_cell_measured.txt";
 constexpr auto kTarget = "examples/robot_cell_nominal.txt";
+constexpr auto kTracker = "examples/robot_cell_tracker.csv";
 constexpr auto kBentJob = "examples/roof.cvn";
 constexpr auto kNetwork = "examples/hall_network.txt";
 constexpr auto kBatchFolder = "examples/batch";
@@ -251,6 +252,24 @@ void NotesPicture() {
     Save(*Frame()->statusBar(), QStringLiteral("StatusBar-notes"));
     Close("FormNotes");
     UserDid([&before] { Dispatch([&before] { Notes.List = before; }); });
+}
+
+// A tracker's file in the window of tables, and the result of the job as a base.
+void TableAndExportPictures() {
+    Trigger("MenuFileInputFiles");
+    UserDid([] { SetText(*FindControl(*FindWindow("FormInputFiles"), "TextNameMCS"), kTracker); });
+    Press("FormInputFiles", "BtnTableMCS");
+    SaveWindow("FormTable", {860, 540});
+    Close("FormTable");
+    Close("FormInputFiles");
+    Trigger("MenueFileExportResult");
+    UserDid([] {
+        Control& forms = *FindControl(*FindWindow("FormExport"), "ListForms");
+        for (int i = 0; i < static_cast<int>(forms.Items.size()); ++i)
+            if (forms.Items[static_cast<std::size_t>(i)].starts_with("kuka-base")) SetIndex(forms, i);
+    });
+    SaveWindow("FormExport", {880, 380});
+    Close("FormExport");
 }
 
 // The batch with a folder of the examples, and the choice of a folder, with a few below it. The choice is
@@ -461,6 +480,7 @@ int main(int argc, char** argv) {
     CalculationPictures();
     OtherPictures();
     NotesPicture();
+    TableAndExportPictures();
     BatchPictures();
     InputPicture();
     ScreenPictures();
