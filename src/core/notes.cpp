@@ -77,6 +77,7 @@ constexpr NoteKind kKinds[] = {
     {NoteCode::ViewpointKept, "viewpoint-kept", Severity::Note, true},
     {NoteCode::SingleRounded, "single-rounded", Severity::Warning, true},
     {NoteCode::UnitOfFile, "unit-of-file", Severity::Note, true},
+    {NoteCode::SigmaColumns, "sigma-columns", Severity::Note, true},
 };
 static_assert(std::size(kKinds) == static_cast<std::size_t>(NoteCode::Count_));
 

@@ -85,6 +85,8 @@ enum class NoteCode : std::uint8_t {
     ViewpointKept,   // the viewpoint of a cloud, which is not moved with it
     SingleRounded,   // coordinates that lose digits in the 32 bits that they have
     UnitOfFile,      // the unit that a file names is that of its coordinates
+    // Of a fit's files.
+    SigmaColumns,  // standard deviations that stand in a file, and what they go before or leave open
     Count_
 };
 

@@ -11,6 +11,7 @@
 #include <unordered_set>
 
 #include "core/job.h"
+#include "core/measurement_sigmas.h"
 #include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
@@ -267,6 +268,7 @@ bool ReadMorePoints(const std::string& path, const std::string& prefix, const st
     Job.Transformed.Resize(Job.Start.Count());
     Job.Transformed.Append(more.Set);
     Job.Start.Append(std::move(more.Set));
+    ReachNewPoints(Job);
     ++Run.JobGeneration;
     return true;
 }
