@@ -11,6 +11,7 @@
 #include "analysis/form_input_statistic.h"
 #include "analysis/form_main_sheet.h"
 #include "analysis/form_options.h"
+#include "analysis/form_reliability.h"
 #include "analysis/form_trompete.h"
 #include "bundle/bundle_records.h"
 #include "bundle/form_buendel.h"
@@ -54,6 +55,7 @@
 #include "graphics/tolerance.h"
 #include "import/form_input_files.h"
 #include "import/long_import.h"
+#include "import/matching.h"
 #include "import/robot_files.h"
 #include "paraboloid/form_stop_para_trafo.h"
 #include "paraboloid/paraboloid.h"
@@ -87,6 +89,7 @@ const WindowEntry* const kWindows[] = {
     &FormGrafik_Entry,
     &FormEditFahne_Entry,
     &FormNotes_Entry,
+    &FormReliability_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.
@@ -110,6 +113,7 @@ void (*const kRecords[])() = {
     [] { Spezial = SpezialRecord{}; },
     [] { Bundle = BundleRecord{}; },
     [] { LongImport = LongImportRecord{}; },
+    [] { SigmasUnderWay = PairedSigmas{}; },
     [] { ProgramPoses = ProgramPosesRecord{}; },
     [] { MainSheet = MainSheetRecord{}; },
     [] { DistanceScale = DistanceScaleRecord{}; },

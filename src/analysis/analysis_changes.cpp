@@ -4,6 +4,7 @@
 #include "analysis/form_distance_scale.h"
 #include "analysis/form_input_statistic.h"
 #include "analysis/form_main_sheet.h"
+#include "analysis/form_reliability.h"
 #include "core/form_main.h"
 #include "core/run.h"
 
@@ -30,10 +31,24 @@ void ShowInStatistic(What) {
     if (IsLoaded("FormInputStatistic")) FORMfüllen();
 }
 
+void ShowSigmas(What) {
+    if (IsLoaded("FormInputStatistic")) ShowSigmasInStatistic();
+}
+
+// The coordinates in use are those of the last calculation until the next one; only the verdicts tell of
+// them.
+void ShowInReliability(What changed) {
+    if (!IsLoaded(FormReliability_Entry.Name)) return;
+    if (Share(changed, What::OpenedJob | What::Points)) Reliability.Snooped.clear();
+    FillReliability();
+}
+
 constexpr ChangeRow kChanges[] = {
     {kSheetChanges | What::Result | What::Restored, Turn::Sheet, ShowInSheet},
     {What::Pairs | What::Result, Turn::Distances, ShowInDistances},
     {What::Points | What::MorePoints | What::Counts, Turn::Statistic, ShowInStatistic},
+    {What::OpenedJob | What::Result | What::UnitsAndDigits | What::State, Turn::Statistic, ShowSigmas},
+    {kSheetChanges | What::Result | What::Restored, Turn::Reliability, ShowInReliability},
 };
 
 }  // namespace

@@ -23,6 +23,10 @@ struct FormInputStatistic {
     Control Text6 = Shown();
     Control Label7 = Label("");
     Control Text7 = Shown();
+    Control LabelSigmaStart = Label("");
+    Control TextSigmaStart = Shown();
+    Control LabelSigmaTarget = Label("");
+    Control TextSigmaTarget = Shown();
     Control FrameABCRange = Frame("ABC Range");
     Control TextRangeA = Shown();
     Control TextRangeB = Shown();
@@ -42,6 +46,7 @@ private:
 inline FormInputStatistic InputStatistic;
 extern const WindowEntry FormInputStatistic_Entry;
 
-void FORMfüllen();  // refills the window
+void FORMfüllen();             // refills the window
+void ShowSigmasInStatistic();  // the standard deviations alone
 
 }  // namespace corvinade::analysis

@@ -139,22 +139,6 @@ MeasurementSigmas SigmasOfFiles() {
     return IsTrue(Job.DirectionMCStoOCS) ? sigmas : Swapped(sigmas);
 }
 
-std::string SigmasInWords(const std::optional<SideAccuracy>& side, const SharedAccuracies& ofEach) {
-    const auto shown = [](double sigma) { return PlainText(sigma * Units.LengthFactor); };
-    std::string text;
-    if (ofEach != nullptr) {
-        for (const std::vector<double>& axis : ofEach->Of) {
-            const auto [least, most] = std::minmax_element(axis.begin(), axis.end());
-            text += (text.empty() ? "" : ", ") + shown(*least);
-            if (*least != *most) text += " to " + shown(*most);
-        }
-        return text + " (of each point)";
-    }
-    if (!side) return "free of errors";
-    for (const double sigma : *side) text += (text.empty() ? "" : ", ") + shown(sigma);
-    return text;
-}
-
 ordered_json SigmasAsJson() {
     const MeasurementSigmas sigmas = SigmasOfFiles();
     if (!sigmas.Any()) return nullptr;

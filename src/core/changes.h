@@ -50,6 +50,7 @@ enum class Turn : std::uint8_t {
     BundleCommands,
     TopWindow,
     Statistic,
+    Reliability,
 };
 
 struct ChangeRow {

@@ -70,6 +70,10 @@ const ControlEntry kControls[] = {
      &Main.MenuTransformationDistanceScale,
      {.Click = FormMain::MenuTransformationDistanceScale_Click},
      "MenuTransformation"},
+    {"MenuTransformationReliability",
+     &Main.MenuTransformationReliability,
+     {.Click = FormMain::MenuTransformationReliability_Click},
+     "MenuTransformation"},
     {"MenuTransformationBundle",
      &Main.MenuTransformationBundle,
      {.Click = FormMain::MenuTransformationBundle_Click},
@@ -222,6 +226,11 @@ const ControlEntry kControls[] = {
      &Main.Toolbar1_TrafoBerechnung,
      {.Click = FormMain::MenuTransformationCalculation_Click},
      "Toolbar1"},
+    {"ToolbarReliability", &Main.ToolbarReliability},
+    {"ToolbarReliability.Reliability",
+     &Main.ToolbarReliability_Reliability,
+     {.Click = FormMain::MenuTransformationReliability_Click},
+     "ToolbarReliability"},
     {"Toolbar2", &Main.Toolbar2},
     {"Toolbar2.FileNew", &Main.Toolbar2_FileNew, {.Click = FormMain::MenuFileNew_Click}, "Toolbar2"},
     {"Toolbar2.FileOpen", &Main.Toolbar2_FileOpen, {.Click = FormMain::MenuFileOpen_Click}, "Toolbar2"},
@@ -398,6 +407,9 @@ void FormMain::StatusBar_Notes_Click() {
 }
 void FormMain::MenuTransformationBundle_Click() {
     ShowWindow("FormBündel");
+}
+void FormMain::MenuTransformationReliability_Click() {
+    ShowWindow("FormReliability");
 }
 void FormMain::MenueTransformationBatch_Click() {
     ShowWindow("FormBatch");

@@ -142,6 +142,10 @@ struct FormMain {
             StatusBar_9 = Panel();
     Control StatusBar_Notes = HiddenButton();  // how many notes there are
 
+    Control MenuTransformationReliability = Menu("&Reliability");
+    Control ToolbarReliability = Toolbar();
+    Control ToolbarReliability_Reliability = ToolButton("Reliability");
+
     static void MenuFileNew_Click();
     static void MenuFileOpen_Click();
     static void MenuFileSave_Click();
@@ -162,6 +166,7 @@ struct FormMain {
     static void MenuTransformationDistanceScale_Click();
     static void MenuTransformationBundle_Click();
     static void MenueTransformationBatch_Click();
+    static void MenuTransformationReliability_Click();
     static void MenuSettingsUnits_Click();
     static void MenueExtrasOptions_Click();
     static void MenueHelpQuestion_Click();

@@ -8,6 +8,9 @@
 #include <system_error>
 #include <utility>
 
+#include "core/numbers.h"
+#include "core/units.h"
+
 namespace corvinade::core {
 
 namespace {
@@ -138,6 +141,22 @@ void ReachNewPoints(JobRecord& job) {
     reach(sigmas.StartOfEach, job.Start.Count());
     reach(sigmas.TargetOfEach, job.Target.Count());
     if (sigmas.Any()) PutSigmas(sigmas, job);
+}
+
+std::string SigmasInWords(const std::optional<SideAccuracy>& side, const SharedAccuracies& ofEach) {
+    const auto shown = [](double sigma) { return PlainText(sigma * Units.LengthFactor); };
+    std::string text;
+    if (ofEach != nullptr) {
+        for (const std::vector<double>& axis : ofEach->Of) {
+            const auto [least, most] = std::minmax_element(axis.begin(), axis.end());
+            text += (text.empty() ? "" : ", ") + shown(*least);
+            if (*least != *most) text += " to " + shown(*most);
+        }
+        return text + " (of each point)";
+    }
+    if (!side) return "free of errors";
+    for (const double sigma : *side) text += (text.empty() ? "" : ", ") + shown(sigma);
+    return text;
 }
 
 std::optional<SideAccuracy> SideFromText(std::string_view value) {

@@ -6,6 +6,7 @@
 #include <array>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -46,6 +47,10 @@ void SwapSigmas(JobRecord& job);
 
 // For a job that has got more points: those have no errors as far as it knows.
 void ReachNewPoints(JobRecord& job);
+
+// "0.02, 0.03, 0.05" in the unit in use; of each point the least and the largest of them; "free of errors" of
+// a side without any.
+std::string SigmasInWords(const std::optional<SideAccuracy>& ofAll, const SharedAccuracies& ofEach);
 
 // The members of the block, with their quotation marks, and whether a value is one: three numbers of 0 or
 // more in brackets, or as many such lists in brackets as the side has points. Null for all others.

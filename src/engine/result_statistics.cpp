@@ -140,4 +140,12 @@ Coordinate WorstOutlier(const AdjustmentStatistics& s) {
     return worst;
 }
 
+std::string VerdictOf(const AdjustmentStatistics& s, int pair, int axis) {
+    const std::size_t index = At(3 * (pair - 1) + axis);
+    const bool used = Used(pair, axis);
+    if (s.IsOutlier(index, used)) return used ? "outlier" : "would not fit";
+    if (!used) return "out of use";
+    return std::isfinite(s.Standardized[index]) ? "ok" : "no control";
+}
+
 }  // namespace corvinade::engine

@@ -50,4 +50,8 @@ struct Coordinate {
 // redundancy would fall below 3 without it.
 Coordinate WorstOutlier(const AdjustmentStatistics& statistics);
 
+// What the test says of a coordinate: "ok", "outlier", "no control"; out of use "out of use", "would not
+// fit".
+std::string VerdictOf(const AdjustmentStatistics& statistics, int pair, int axis);
+
 }  // namespace corvinade::engine
