@@ -44,12 +44,14 @@
 #include "engine/norms.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
+#include "graphics/ellipsoids.h"
 #include "graphics/form_black_plane.h"
 #include "graphics/form_color_bar.h"
 #include "graphics/form_edit_fahne.h"
 #include "graphics/form_graphics_options.h"
 #include "graphics/form_save_view.h"
 #include "graphics/graphics_refresh.h"
+#include "graphics/point_trust.h"
 #include "graphics/scene.h"
 #include "graphics/screen_window.h"
 #include "graphics/tolerance.h"
@@ -125,6 +127,8 @@ void (*const kRecords[])() = {
     [] { ParaboloidRun = ParaboloidRecord{}; },
     [] { Scene = SceneRecord{}; },
     [] { Tolerance = ToleranceRecord{}; },
+    [] { PointTrust = PointTrustRecord{}; },
+    [] { Ellipsoids = EllipsoidsRecord{}; },
     [] { SaveViewAnswer = SaveViewRecord{}; },
     [] { ChangeDirAnswer = ChangeDirRecord{}; },
 };

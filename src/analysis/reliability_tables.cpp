@@ -158,8 +158,8 @@ int AccuracyRows(const AdjustmentStatistics& s) {
 std::string AccuracyText(const AdjustmentStatistics& s, int row, int col) {
     if (row == 0) {
         static constexpr std::array<const char*, kAccCols> kTitles = {
-            "Parameter, point", "sigma",  "with s0", "sigma x", "sigma y",
-            "sigma z",          "axis 1", "axis 2",  "axis 3",  "unit"};
+            "Parameter, point", "sigma",   "with s0", "unit",   "sigma x",
+            "sigma y",          "sigma z", "axis 1",  "axis 2", "axis 3"};
         return kTitles[At(col)];
     }
     const std::vector<int> floating = FloatingParameters(s);

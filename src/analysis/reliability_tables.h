@@ -36,13 +36,13 @@ enum AccuracyColumn : int {
     kAccName,
     kAccSigma,
     kAccPosterior,
+    kAccUnit,
     kAccX,
     kAccY,
     kAccZ,
     kAccAxis1,
     kAccAxis2,
     kAccAxis3,
-    kAccUnit,
     kAccCols
 };
 int AccuracyRows(const AdjustmentStatistics& statistics);

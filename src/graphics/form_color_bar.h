@@ -35,6 +35,8 @@ struct FormColorBar {
     Control FrameColor = Frame("Color");
     Control ColorABS = Option("based on the Length", 2);
     Control ColorX = Option("", 2), ColorY = Option("", 2), ColorZ = Option("", 2);
+    Control ColorStandardized = Option("based on the standardised Residual", 2);
+    Control ColorAccuracy = Option("based on the Accuracy", 2);
     Control CheckAusserhalbTol = CheckBox("Own Color out of &Tolerance");
     Control BtnSetOuterColor = Button("Set &Color...");
     Control LabelOuterColor = Label("");  // shows the colour as its BackColor

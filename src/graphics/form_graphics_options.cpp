@@ -6,8 +6,10 @@
 #include "core/changes.h"
 #include "core/form_main.h"
 #include "core/job.h"
+#include "core/numbers.h"
 #include "core/platform.h"
 #include "core/settings.h"
+#include "graphics/ellipsoids.h"
 #include "graphics/screen_window.h"
 
 namespace corvinade::graphics {
@@ -38,6 +40,8 @@ const ControlEntry kControls[] = {
     {"CheckVectorThick", &GraphicsOptionsWindow.CheckVectorThick, kSetting},
     {"CheckVectorQuat", &GraphicsOptionsWindow.CheckVectorQuat, kSetting},
     {"CheckShowRDistVec", &GraphicsOptionsWindow.CheckShowRDistVec, kSetting},
+    {"CheckShowEllipsoids", &GraphicsOptionsWindow.CheckShowEllipsoids, kSetting},
+    {"TextEllipsoidFactor", &GraphicsOptionsWindow.TextEllipsoidFactor, {.Change = Dialog::Setting_Click}},
     {"CheckAutoUpdate", &GraphicsOptionsWindow.CheckAutoUpdate, kSetting},
     {"BtnApply", &GraphicsOptionsWindow.BtnApply, {.Click = Dialog::BtnApply_Click}},
     {"BtnOK", &GraphicsOptionsWindow.BtnOK, {.Click = Dialog::BtnOK_Click}},
@@ -65,6 +69,17 @@ const Switch kSwitches[] = {
     {GraphicsOptionsWindow.CheckShowRDistVec, Settings.ShowRVec},
 };
 
+// The factor of the field, as the system writes it or with a point; a text that is none warns and leaves the
+// one of before.
+double EllipsoidFactor() {
+    Control& field = GraphicsOptionsWindow.TextEllipsoidFactor;
+    double factor = 0;
+    const bool good = (TextToNumber(field.Text, factor) || TextToNumber(field.Text, '.', factor)) &&
+                      factor > 0 && factor <= kLargestEllipsoidFactor;
+    field.BackColor = good ? kSystemColour : 0x66D1FF;
+    return good ? factor : EllipsoidSettings().Factor;
+}
+
 void Close() {
     UnloadWindow("FormGraphicsOptions");
 }
@@ -88,6 +103,7 @@ void FormGraphicsOptions::Übernehmen() {
                        "ViewOnlyIfNotTrafo", "DontViewOOT", "ShowPointsBigger", "ShowCoordinateSystemLabels",
                        "ShowPointNames", "ShowColorBar", "VectorThick", "VectorQuat", "ShowRVec",
                        "DevVecDirection"});
+    StoreEllipsoidSettings(GraphicsOptionsWindow.CheckShowEllipsoids.Value == 1, EllipsoidFactor());
     // The two-colour mode goes by this entry, so it is right before the windows are painted.
     Main.MenüAnsichtToleranzenColorbar.Checked = IsTrue(Settings.ShowColorBar);
     Changed(What::PictureSettings);
@@ -100,6 +116,8 @@ void GraphicsOptions_ShowColorBar() {
 
 void FormGraphicsOptions::Form_Load() {
     for (const Switch& one : kSwitches) one.Check.Value = IsTrue(one.Place) ? 1 : 0;
+    GraphicsOptionsWindow.CheckShowEllipsoids.Value = EllipsoidSettings().Show ? 1 : 0;
+    GraphicsOptionsWindow.TextEllipsoidFactor.Text = PlainText(EllipsoidSettings().Factor);
     const bool deviation = IsTrue(Settings.DevVecDirection);
     GraphicsOptionsWindow.OptionVecDeviation.Value = deviation ? 1 : 0;
     GraphicsOptionsWindow.OptionVecCorrection.Value = deviation ? 0 : 1;

@@ -31,6 +31,8 @@ struct FormGraphicsOptions {
     Control CheckVectorThick = CheckBox("As &wide as the points");
     Control CheckVectorQuat = CheckBox("&Quaternion axis");
     Control CheckShowRDistVec = CheckBox("&R vectors");
+    Control CheckShowEllipsoids = CheckBox("Ellipsoids of the points, enlar&ged by");
+    Control TextEllipsoidFactor = TextBox();
 
     Control CheckAutoUpdate = CheckBox("Auto Updat&e");
     Control BtnApply = Button("&Apply"), BtnOK = Button("OK"), BtnCancel = Button("Cancel");
