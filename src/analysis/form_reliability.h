@@ -45,7 +45,7 @@ struct FormReliability {
     Control LabelAlpha = Label("Alpha"), LabelPower = Label("Power"), LabelConfidence = Label("Confidence");
     Control TextAlpha = TextBox(), TextPower = TextBox(), TextConfidence = TextBox();
 
-    Control BtnSnoop = Button("&Snoop"), BtnSnoopBack = Button("&Undo Snoop");
+    Control BtnSnoop = Button("S&noop"), BtnSnoopBack = Button("&Undo Snoop");
     Control BtnCopy = Button("&Copy"), BtnClose = Button("Cl&ose");
 
     std::optional<AdjustmentStatistics> Shown;  // what the tables are of
