@@ -111,6 +111,7 @@ void TakeCloud(CloudSet& set, const FitOptions& options, int file, FitFile& read
     read.Facts.Format = kind == CloudKind::Text ? "table" : CloudKindName(kind);
     read.Facts.Unit = set.Facts.Unit.empty() ? UsualUnit(options) : set.Facts.Unit;
     read.Points = std::move(set.Points);
+    read.Sigmas = std::move(set.Sigmas);
     read.Read = true;
 }
 

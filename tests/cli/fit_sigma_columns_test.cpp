@@ -263,3 +263,46 @@ TEST_F(FitSigmaColumns, PublishedFourPointsByColumns) {
     EXPECT_NEAR(result["statistics"]["s0"].get<double>(), 8.663, 5e-4);
     EXPECT_NEAR(result["statistics"]["parameters"][0]["sigmaPosterior"].get<double>(), 0.065, 5e-4);
 }
+
+// Both systems in one file, each with sigmas of its own.
+TEST_F(FitSigmaColumns, OfOneFileOfPairs) {
+    std::string text, swapped;
+    for (const Row& target : kTargetRows) {
+        const Row& start = *std::find_if(kStartRows.begin(), kStartRows.end(),
+                                         [&](const Row& row) { return row.Name == target.Name; });
+        std::string row = target.Name;
+        for (const double value : {start.X, start.Y, start.Z, target.X, target.Y, target.Z, start.SX,
+                                   start.SY, start.SZ, target.SX, target.SY, target.SZ})
+            row += ";" + std::to_string(value);
+        text += row + "\n";
+        swapped = row + "\n" + swapped;
+    }
+    const std::string heading = "name;x;y;z;X;Y;Z;sx;sy;sz;SX;SY;SZ\n";
+    const json expected = FitJson({s_, t_});
+    for (const std::string& rows : {text, swapped}) {
+        const json result = FitJson({"--pairs", Write("pairs.csv", heading + rows)});
+        EXPECT_NEAR(result["statistics"]["vtpv"].get<double>(), expected["statistics"]["vtpv"].get<double>(),
+                    1e-6);
+        EXPECT_NEAR(result["statistics"]["vtpv"].get<double>(), Objective(result), 1e-6);
+    }
+    const std::string bare = Write("bare.csv", text);
+    const json named = FitJson(
+        {"--pairs", bare, "--columns", "name,x,y,z,X,Y,Z,sx,sy,sz,SX,SY,SZ", "--delimiter", "semicolon"});
+    EXPECT_NEAR(named["statistics"]["vtpv"].get<double>(), expected["statistics"]["vtpv"].get<double>(),
+                1e-6);
+    // One for all axes, of one side alone.
+    const json one =
+        FitJson({"--pairs", bare, "--columns", "name,x,y,z,X,Y,Z,-,-,-,S", "--delimiter", "semicolon"});
+    EXPECT_EQ(one["statistics"]["s0Unit"], "");
+    // Refused with their place.
+    std::string wrong = text;
+    wrong.replace(wrong.find("0.100000", wrong.find("E;")), 8, "-0.10000");
+    const Outcome negative = Fit({"--pairs", Write("wrong.csv", heading + wrong)});
+    EXPECT_EQ(negative.Status, 3);
+    EXPECT_NE(negative.Err.find("line 3"), std::string::npos) << negative.Err;
+    EXPECT_NE(negative.Err.find("column "), std::string::npos) << negative.Err;
+    const Outcome missing =
+        Fit({"--pairs", bare, "--columns", "name,x,y,z,X,Y,Z,sx,sy", "--delimiter", "semicolon"});
+    EXPECT_EQ(missing.Status, 3);
+    EXPECT_NE(missing.Err.find("all three are wanted"), std::string::npos) << missing.Err;
+}
