@@ -27,12 +27,12 @@ void ShowInDistances(What) {
     DistanceScale_Refill();
 }
 
-void ShowInStatistic(What) {
-    if (IsLoaded("FormInputStatistic")) FORMfüllen();
-}
+constexpr What kCountChanges = What::Points | What::MorePoints | What::Counts;
 
-void ShowSigmas(What) {
-    if (IsLoaded("FormInputStatistic")) ShowSigmasInStatistic();
+// Behind all else the sigmas alone may be others.
+void ShowInStatistic(What changed) {
+    if (!IsLoaded("FormInputStatistic")) return;
+    Share(changed, kCountChanges) ? FORMfüllen() : ShowSigmasInStatistic();
 }
 
 // The coordinates in use are those of the last calculation until the next one; only the verdicts tell of
@@ -46,9 +46,9 @@ void ShowInReliability(What changed) {
 constexpr ChangeRow kChanges[] = {
     {kSheetChanges | What::Result | What::Restored, Turn::Sheet, ShowInSheet},
     {What::Pairs | What::Result, Turn::Distances, ShowInDistances},
-    {What::Points | What::MorePoints | What::Counts, Turn::Statistic, ShowInStatistic},
-    {What::OpenedJob | What::Result | What::UnitsAndDigits | What::State, Turn::Statistic, ShowSigmas},
     {kSheetChanges | What::Result | What::Restored, Turn::Reliability, ShowInReliability},
+    {kCountChanges | What::OpenedJob | What::Result | What::UnitsAndDigits | What::State, Turn::Statistic,
+     ShowInStatistic},
 };
 
 }  // namespace

@@ -49,8 +49,8 @@ enum class Turn : std::uint8_t {
     Commands,
     BundleCommands,
     TopWindow,
-    Statistic,
     Reliability,
+    Statistic,
 };
 
 struct ChangeRow {
