@@ -41,6 +41,7 @@ struct FormMain {
 
     Control MenuTransformation = Menu("&Transformation");
     Control MenuTransformationCalculation = Menu("&Calculation");
+    Control MenuTransformationReliability = Menu("&Reliability");
     Control MenuTransformationDistanceScale = Menu("&Distance Scale");
     Control MenuTransformationBundle = Menu("B&undle...");
     Control MenueTransformationBatch = Menu("&Batch...");
@@ -101,6 +102,9 @@ struct FormMain {
     Control Toolbar1_Copy = ToolButton("Copy");
     Control Toolbar1_TrafoBerechnung = ToolButton("Calculation");
 
+    Control ToolbarReliability = Toolbar();
+    Control ToolbarReliability_Reliability = ToolButton("Reliability");
+
     Control Toolbar2 = Toolbar();
     Control Toolbar2_FileNew = ToolButton("New job");
     Control Toolbar2_FileOpen = ToolButton("Open a job");
@@ -141,10 +145,6 @@ struct FormMain {
             StatusBar_5 = Panel(), StatusBar_6 = Panel(), StatusBar_7 = Panel(), StatusBar_8 = Panel(),
             StatusBar_9 = Panel();
     Control StatusBar_Notes = HiddenButton();  // how many notes there are
-
-    Control MenuTransformationReliability = Menu("&Reliability");
-    Control ToolbarReliability = Toolbar();
-    Control ToolbarReliability_Reliability = ToolButton("Reliability");
 
     static void MenuFileNew_Click();
     static void MenuFileOpen_Click();
