@@ -12,6 +12,7 @@
 #include "analysis/form_input_statistic.h"
 #include "analysis/form_main_sheet.h"
 #include "analysis/form_options.h"
+#include "analysis/form_reliability.h"
 #include "analysis/form_trompete.h"
 #include "bundle/bundle_records.h"
 #include "bundle/form_buendel.h"
@@ -46,12 +47,14 @@
 #include "engine/norms.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
+#include "graphics/ellipsoids.h"
 #include "graphics/form_black_plane.h"
 #include "graphics/form_color_bar.h"
 #include "graphics/form_edit_fahne.h"
 #include "graphics/form_graphics_options.h"
 #include "graphics/form_save_view.h"
 #include "graphics/graphics_refresh.h"
+#include "graphics/point_trust.h"
 #include "graphics/scene.h"
 #include "graphics/screen_window.h"
 #include "graphics/tolerance.h"
@@ -60,6 +63,7 @@
 #include "import/import_changes.h"
 #include "import/input_tables.h"
 #include "import/long_import.h"
+#include "import/matching.h"
 #include "import/readers_above.h"
 #include "import/robot_files.h"
 #include "paraboloid/form_stop_para_trafo.h"
@@ -96,6 +100,7 @@ const WindowEntry* const kWindows[] = {
     &FormNotes_Entry,
     &FormTable_Entry,
     &FormExport_Entry,
+    &FormReliability_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.
@@ -121,6 +126,7 @@ void (*const kRecords[])() = {
     [] { Tables = InputTablesRecord{}; },
     [] { Bundle = BundleRecord{}; },
     [] { LongImport = LongImportRecord{}; },
+    [] { SigmasUnderWay = PairedSigmas{}; },
     [] { ProgramPoses = ProgramPosesRecord{}; },
     [] { MainSheet = MainSheetRecord{}; },
     [] { DistanceScale = DistanceScaleRecord{}; },
@@ -132,6 +138,8 @@ void (*const kRecords[])() = {
     [] { ParaboloidRun = ParaboloidRecord{}; },
     [] { Scene = SceneRecord{}; },
     [] { Tolerance = ToleranceRecord{}; },
+    [] { PointTrust = PointTrustRecord{}; },
+    [] { Ellipsoids = EllipsoidsRecord{}; },
     [] { SaveViewAnswer = SaveViewRecord{}; },
     [] { ChangeDirAnswer = ChangeDirRecord{}; },
 };

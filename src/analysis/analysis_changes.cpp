@@ -5,6 +5,7 @@
 #include "analysis/form_export.h"
 #include "analysis/form_input_statistic.h"
 #include "analysis/form_main_sheet.h"
+#include "analysis/form_reliability.h"
 #include "core/form_main.h"
 #include "core/run.h"
 #include "engine/calculation_window.h"
@@ -28,8 +29,20 @@ void ShowInDistances(What) {
     DistanceScale_Refill();
 }
 
-void ShowInStatistic(What) {
-    if (IsLoaded("FormInputStatistic")) FORMfüllen();
+constexpr What kCountChanges = What::Points | What::MorePoints | What::Counts;
+
+// Behind all else the sigmas alone may be others.
+void ShowInStatistic(What changed) {
+    if (!IsLoaded("FormInputStatistic")) return;
+    Share(changed, kCountChanges) ? FORMfüllen() : ShowSigmasInStatistic();
+}
+
+// The coordinates in use are those of the last calculation until the next one; only the verdicts tell of
+// them.
+void ShowInReliability(What changed) {
+    if (!IsLoaded(FormReliability_Entry.Name)) return;
+    if (Share(changed, What::OpenedJob | What::Points)) Reliability.Snooped.clear();
+    FillReliability();
 }
 
 void ShowInForms(What changed) {
@@ -47,8 +60,10 @@ void FollowTable(What) {
 constexpr ChangeRow kChanges[] = {
     {kSheetChanges | What::Result | What::Restored, Turn::Sheet, ShowInSheet},
     {What::Pairs | What::Result, Turn::Distances, ShowInDistances},
+    {kSheetChanges | What::Result | What::Restored, Turn::Reliability, ShowInReliability},
     {kStateOfJob | What::MorePoints | What::Coordinates | What::UnitsAndDigits, Turn::Forms, ShowInForms},
-    {What::Points | What::MorePoints | What::Counts, Turn::Statistic, ShowInStatistic},
+    {kCountChanges | What::OpenedJob | What::Result | What::UnitsAndDigits | What::State, Turn::Statistic,
+     ShowInStatistic},
     {What::PointInTable, Turn::PointInSheet, FollowTable},
 };
 

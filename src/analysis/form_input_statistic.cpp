@@ -2,6 +2,7 @@
 #include "analysis/form_input_statistic.h"
 
 #include "core/job.h"
+#include "core/measurement_sigmas.h"
 #include "core/numbers.h"
 #include "core/run.h"
 #include "core/settings.h"
@@ -26,6 +27,10 @@ const ControlEntry kControls[] = {
     {"Text6", &InputStatistic.Text6, Locked(TextBox())},
     {"Label7", &InputStatistic.Label7, Label("")},
     {"Text7", &InputStatistic.Text7, Locked(TextBox())},
+    {"LabelSigmaStart", &InputStatistic.LabelSigmaStart, Label("")},
+    {"TextSigmaStart", &InputStatistic.TextSigmaStart, Locked(TextBox())},
+    {"LabelSigmaTarget", &InputStatistic.LabelSigmaTarget, Label("")},
+    {"TextSigmaTarget", &InputStatistic.TextSigmaTarget, Locked(TextBox())},
     {"FrameABCRange", &InputStatistic.FrameABCRange, Frame("ABC Range")},
     {"TextRangeA", &InputStatistic.TextRangeA, Locked(TextBox()), {}, "FrameABCRange"},
     {"TextRangeB", &InputStatistic.TextRangeB, Locked(TextBox()), {}, "FrameABCRange"},
@@ -81,6 +86,20 @@ void FORMfüllen() {
         range.Text.Enabled = inUse;
         SetText(range.Text, inUse ? WinkelFormat(range.Span_rad) : "not in use");
     }
+    ShowSigmasInStatistic();
+}
+
+// By system, whichever of them is fitted to the other.
+void ShowSigmasInStatistic() {
+    FormInputStatistic& w = InputStatistic;
+    const MeasurementSigmas job = SigmasOf(Job), sigmas = IsTrue(Job.DirectionMCStoOCS) ? job : Swapped(job);
+    const auto words = [&sigmas](const std::optional<SideAccuracy>& side, const SharedAccuracies& ofEach) {
+        return sigmas.Any() ? SigmasInWords(side, ofEach) : "none given";
+    };
+    SetText(w.LabelSigmaStart, "Sigma x, y, z in " + Job.NameMCS + " [" + Job.LengthUnitName + "]");
+    SetText(w.LabelSigmaTarget, "Sigma x, y, z in " + Job.NameOCS + " [" + Job.LengthUnitName + "]");
+    SetText(w.TextSigmaStart, words(sigmas.Start, sigmas.StartOfEach));
+    SetText(w.TextSigmaTarget, words(sigmas.Target, sigmas.TargetOfEach));
 }
 
 }  // namespace corvinade::analysis

@@ -23,6 +23,10 @@ struct FormInputStatistic {
     Control Text6;
     Control Label7;
     Control Text7;
+    Control LabelSigmaStart;
+    Control TextSigmaStart;
+    Control LabelSigmaTarget;
+    Control TextSigmaTarget;
     Control FrameABCRange;
     Control TextRangeA;
     Control TextRangeB;
@@ -34,6 +38,7 @@ struct FormInputStatistic {
 inline FormInputStatistic InputStatistic;
 extern const WindowEntry FormInputStatistic_Entry;
 
-void FORMfüllen();  // refills the window
+void FORMfüllen();             // refills the window
+void ShowSigmasInStatistic();  // the standard deviations alone
 
 }  // namespace corvinade::analysis

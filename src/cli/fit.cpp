@@ -134,6 +134,8 @@ ImportRequest RequestOf(const FitOptions& options, std::array<FitFile, 2>& files
     if (files[0].Read && options.Delimiter.empty()) request.Delimiter = files[0].Delimiter;
     if (files[0].Read) request.StartPoints = &files[0].Points;
     if (files[1].Read) request.TargetPoints = &files[1].Points;
+    if (files[0].Read) request.StartSigmas = &files[0].Sigmas;
+    if (files[1].Read) request.TargetSigmas = &files[1].Sigmas;
     request.Way = WayOf(options.Match);
     request.Tolerance_mm = options.Tolerance_mm;
     if (options.OnlyFirst > 0) request.OnlyFirst = std::to_string(options.OnlyFirst);
@@ -213,21 +215,28 @@ int Calculate(const FitOptions& options, std::ostream& err) {
     return told ? kNotConverged : Refuse(err, kNotConverged, "the calculation did not converge");
 }
 
-// The sigmas of the files, whichever of them is fitted to the other. What a job has of a side stays where no
-// option tells of it.
+// The sigmas of the files, whichever of them is fitted to the other. What a file has of its points goes
+// before its option; what a job has of a side stays where no option tells of it.
 void TakeSigmas(const FitOptions& options) {
     if (!options.StartSigma && !options.TargetSigma) return;
     const bool switched = !IsTrue(Job.DirectionMCStoOCS);
-    MeasurementSigmas sigmas = SigmasOf(Job);
-    const auto take = [](const std::optional<std::array<double, 3>>& given,
-                         std::optional<SideAccuracy>& side) {
+    MeasurementSigmas sigmas = switched ? Swapped(SigmasOf(Job)) : SigmasOf(Job);
+    const auto take = [&options](const std::optional<std::array<double, 3>>& given, const char* option,
+                                 const std::string& file, std::optional<SideAccuracy>& side,
+                                 SharedAccuracies& ofEach) {
         if (!given) return;
+        if (options.Job.empty() && ofEach != nullptr)
+            return AddNote(NoteCode::SigmaColumns,
+                           std::string("The standard deviations that the file has of each point go before ") +
+                               option + ", which is not used",
+                           file);
+        ofEach = nullptr;
         side = *given;
         for (double& sigma : *side) sigma /= Units.LengthFactor;
     };
-    take(options.StartSigma, switched ? sigmas.Target : sigmas.Start);
-    take(options.TargetSigma, switched ? sigmas.Start : sigmas.Target);
-    PutSigmas(sigmas, Job);
+    take(options.StartSigma, "--start-sigma", options.Start, sigmas.Start, sigmas.StartOfEach);
+    take(options.TargetSigma, "--target-sigma", options.Target, sigmas.Target, sigmas.TargetOfEach);
+    PutSigmas(switched ? Swapped(sigmas) : sigmas, Job);
 }
 
 // Takes the worst coordinate out and calculates again, until none fails its test. Gives the exit status of

@@ -42,6 +42,8 @@ void ToMm(CloudSet& set) {
         const Vec3 p = set.Points.Point(i);
         set.Points.SetPoint(i, p(1) / perMm, p(2) / perMm, p(3) / perMm);
     }
+    for (std::vector<double>& axis : set.Sigmas.Of)
+        for (double& sigma : axis) sigma /= perMm;
 }
 
 // Points are paired by their names, so two of one name leave it open which is meant.
@@ -107,6 +109,10 @@ std::string ReadCloudPairs(const FitOptions& options, CloudSet& start, CloudSet&
             if (!point.Name.empty()) names.Take(name, number);
             start.Points.Add(name, point.At[0], point.At[1], point.At[2]);
             target.Points.Add(name, point.Other[0], point.Other[1], point.Other[2]);
+            for (std::size_t axis = 0; axis < 3; ++axis) {
+                if (point.Sigma) start.Sigmas.Of[axis].push_back((*point.Sigma)[axis]);
+                if (point.OtherSigma) target.Sigmas.Of[axis].push_back((*point.OtherSigma)[axis]);
+            }
         });
     } catch (const PlatformError& error) {
         return error.What;

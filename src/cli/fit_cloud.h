@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/fit_options.h"
+#include "core/measurement_sigmas.h"
 #include "core/point_set.h"
 #include "core/rooms.h"
 #include "import/cloud.h"
@@ -12,8 +13,9 @@ namespace corvinade::cli {
 
 // A set of points that has been read ahead of the import.
 struct CloudSet {
-    bool Read = false;  // else the import reads it
-    PointSet Points;    // mm
+    bool Read = false;       // else the import reads it
+    PointSet Points;         // mm
+    PointAccuracies Sigmas;  // of each point; empty = it has none
     CloudFacts Facts;
 };
 

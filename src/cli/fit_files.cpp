@@ -111,7 +111,29 @@ void TakeCloud(CloudSet& set, const FitOptions& options, int file, FitFile& read
     read.Facts.Format = kind == CloudKind::Text ? "table" : CloudKindName(kind);
     read.Facts.Unit = set.Facts.Unit.empty() ? UsualUnit(options) : set.Facts.Unit;
     read.Points = std::move(set.Points);
+    read.Sigmas = std::move(set.Sigmas);
     read.Read = true;
+}
+
+// The columns of sigmas. An axis that has none beside others that have is free of errors, which a note says.
+void TakeSigmas(const TableResult& table, const std::string& path, PointAccuracies& sigmas) {
+    if (table.SX.empty()) return;
+    const std::array<const std::vector<double>*, 3> columns = {&table.SX, &table.SY, &table.SZ};
+    for (std::size_t axis = 0; axis < 3; ++axis)
+        sigmas.Of[axis].assign(columns[axis]->begin() + 1, columns[axis]->end());
+    const auto stands = [&table](TableRole role) {
+        const std::vector<TableRole>& roles = table.Form.Columns;
+        return std::find(roles.begin(), roles.end(), role) != roles.end();
+    };
+    if (stands(TableRole::S)) return;
+    std::string without;
+    for (const TableRole role : {TableRole::SX, TableRole::SY, TableRole::SZ})
+        if (!stands(role)) without += (without.empty() ? "" : ", ") + std::string(TableRoleName(role));
+    if (without.empty()) return;
+    AddNote(NoteCode::SigmaColumns,
+            "The file has standard deviations and no column " + without +
+                ": these coordinates count as free of errors",
+            path);
 }
 
 }  // namespace
@@ -157,9 +179,7 @@ std::string ReadFitFile(const FitOptions& options, int file, std::istream* in, F
         if (table.Plain && !table.Form.HasName) ShowMessage(OnlyThreeColumns(path));
         read.Delimiter = std::string(1, table.Form.Delimiter);
         read.Points = std::move(table.Points);
-        read.SX = std::move(table.SX);
-        read.SY = std::move(table.SY);
-        read.SZ = std::move(table.SZ);
+        TakeSigmas(table, InputName(path), read.Sigmas);
         read.Read = true;
     } catch (const PlatformError& error) {
         return error.What;

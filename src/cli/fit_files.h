@@ -6,9 +6,9 @@
 #include <map>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
-#include <vector>
 
 #include "cli/fit_options.h"
+#include "core/measurement_sigmas.h"
 #include "core/point_set.h"
 #include "core/rooms.h"
 #include "import/table_reader.h"
@@ -19,8 +19,8 @@ namespace corvinade::cli {
 struct FitFile {
     bool Read = false;  // else the import reads it as it is told
     PointSet Points;
-    std::vector<double> SX, SY, SZ;  // mm, element 0 unused; empty = it has no sigmas
-    std::string Delimiter;           // that of the file
+    PointAccuracies Sigmas;  // of each point; empty = it has none
+    std::string Delimiter;   // that of the file
     ReadFileFacts Facts;
 };
 

@@ -15,6 +15,7 @@
 #include "core/parameter_names.h"
 #include "core/units.h"
 #include "engine/parameter_kind.h"
+#include "engine/result_statistics.h"
 #include "engine/transform.h"
 
 namespace corvinade::cli {
@@ -182,14 +183,6 @@ void WriteSnooped(const FitStatistics& statistics, const Style& style, std::ostr
 }
 
 }  // namespace
-
-std::string VerdictOf(const AdjustmentStatistics& s, int pair, int axis) {
-    const std::size_t index = At(3 * (pair - 1) + axis);
-    const bool used = Used(pair, axis);
-    if (s.IsOutlier(index, used)) return used ? "outlier" : "would not fit";
-    if (!used) return "out of use";
-    return std::isfinite(s.Standardized[index]) ? "ok" : "no control";
-}
 
 TestLevels LevelsOf(const FitOptions& options) {
     TestLevels levels{.Power = options.Power, .Confidence = options.Confidence};

@@ -43,10 +43,6 @@ void WriteStatisticsJson(const FitOptions& options, const FitStatistics& statist
 void WriteStatisticsTable(const FitOptions& options, const FitStatistics& statistics, std::ostream& out,
                           bool colour, std::size_t most = std::numeric_limits<std::size_t>::max());
 
-// "ok", "outlier", "would not fit" (of one out of use), "out of use", "no control": of a coordinate, pair and
-// axis from 1 on.
-std::string VerdictOf(const AdjustmentStatistics& statistics, int pair, int axis);
-
 // "passed (...): the deviations are ..." in plain words; "" without a-priori standard deviations or
 // redundancy.
 std::string GlobalTestInWords(const AdjustmentStatistics& statistics);

@@ -136,25 +136,21 @@ void WriteParameters(const Style& style, std::ostream& out) {
 // The sigmas of the two files, whichever of them is fitted to the other.
 MeasurementSigmas SigmasOfFiles() {
     const MeasurementSigmas sigmas = SigmasOf(Job);
-    if (IsTrue(Job.DirectionMCStoOCS)) return sigmas;
-    return {sigmas.Target, sigmas.Start};
-}
-
-std::string SigmasInWords(const std::optional<SideAccuracy>& side) {
-    if (!side) return "free of errors";
-    std::string text;
-    for (const double sigma : *side)
-        text += (text.empty() ? "" : ", ") + PlainText(sigma * Units.LengthFactor);
-    return text;
+    return IsTrue(Job.DirectionMCStoOCS) ? sigmas : Swapped(sigmas);
 }
 
 ordered_json SigmasAsJson() {
     const MeasurementSigmas sigmas = SigmasOfFiles();
     if (!sigmas.Any()) return nullptr;
-    const auto side = [](const std::optional<SideAccuracy>& of) {
-        return of ? ordered_json(*of) : ordered_json(nullptr);
+    const auto side = [](const std::optional<SideAccuracy>& of, const SharedAccuracies& ofEach) {
+        if (ofEach == nullptr) return of ? ordered_json(*of) : ordered_json(nullptr);
+        ordered_json points = ordered_json::array();
+        for (std::size_t i = 0; i < ofEach->Count(); ++i)
+            points.push_back({ofEach->Of[0][i], ofEach->Of[1][i], ofEach->Of[2][i]});
+        return points;
     };
-    return {{"start_mm", side(sigmas.Start)}, {"target_mm", side(sigmas.Target)}};
+    return {{"start_mm", side(sigmas.Start, sigmas.StartOfEach)},
+            {"target_mm", side(sigmas.Target, sigmas.TargetOfEach)}};
 }
 
 // What the result is marked with, in words of the table.
@@ -228,8 +224,9 @@ void WriteJobTable(const JobFileFacts& file, std::ostream& out, bool colour) {
     out << HeadLabel("fit") << NormOfJob().Label << ", "
         << (IsTrue(Job.DirectionMCStoOCS) ? "MCS => OCS" : "OCS => MCS") << "\n";
     if (const MeasurementSigmas sigmas = SigmasOfFiles(); sigmas.Any())
-        out << HeadLabel("sigmas") << "start " << SigmasInWords(sigmas.Start) << "; target "
-            << SigmasInWords(sigmas.Target) << "  " << style.Quiet(Job.LengthUnitName) << "\n";
+        out << HeadLabel("sigmas") << "start " << SigmasInWords(sigmas.Start, sigmas.StartOfEach)
+            << "; target " << SigmasInWords(sigmas.Target, sigmas.TargetOfEach) << "  "
+            << style.Quiet(Job.LengthUnitName) << "\n";
     for (const std::string& mark : MarksOfResult()) out << HeadLabel("result") << style.Alarm(mark) << "\n";
     if (!SeedNames().empty()) out << HeadLabel("seed points") << Joined(SeedNames()) << "\n";
     if (!file.Views.empty())

@@ -65,6 +65,7 @@ enum class Turn : std::uint8_t {
     BundleCommands,
     TopWindow,
     Forms,
+    Reliability,
     Statistic,
 };
 

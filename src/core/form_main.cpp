@@ -56,6 +56,9 @@ void FormMain::StatusBar_Notes_Click() {
 void FormMain::MenuTransformationBundle_Click() {
     ShowWindow("FormBündel");
 }
+void FormMain::MenuTransformationReliability_Click() {
+    ShowWindow("FormReliability");
+}
 void FormMain::MenueTransformationBatch_Click() {
     ShowWindow("FormBatch");
 }

@@ -42,6 +42,7 @@ struct FormMain {
 
     Control MenuTransformation;
     Control MenuTransformationCalculation;
+    Control MenuTransformationReliability;
     Control MenuTransformationDistanceScale;
     Control MenuTransformationBundle;
     Control MenueTransformationBatch;
@@ -102,6 +103,9 @@ struct FormMain {
     Control Toolbar1_Copy;
     Control Toolbar1_TrafoBerechnung;
 
+    Control ToolbarReliability;
+    Control ToolbarReliability_Reliability;
+
     Control Toolbar2;
     Control Toolbar2_FileNew;
     Control Toolbar2_FileOpen;
@@ -160,6 +164,7 @@ struct FormMain {
     static void MenuTransformationDistanceScale_Click();
     static void MenuTransformationBundle_Click();
     static void MenueTransformationBatch_Click();
+    static void MenuTransformationReliability_Click();
     static void MenuSettingsUnits_Click();
     static void MenueExtrasOptions_Click();
     static void MenueHelpQuestion_Click();

@@ -310,9 +310,11 @@ JobBlockFault TakeJobBlock(std::string_view block, JobRecord& job) {
         } else if (member->Name == kTool) {
             if (!TakeVector(member->Value, tool)) return wrong(" is no list of three numbers");
         } else {
-            const bool sigmas = member->Name == kStartSigmas || member->Name == kTargetSigmas;
-            if (sigmas && !SideFromText(member->Value))
-                return wrong(" is no list of three sigmas of 0 or more");
+            const bool start = member->Name == kStartSigmas;
+            if ((start || member->Name == kTargetSigmas) &&
+                !AreSigmasOf(member->Value, start ? job.Start.Count() : job.Target.Count()))
+                return wrong(
+                    " is no list of three sigmas of 0 or more, and none of such lists for each point");
             others.emplace_back(member->Name, member->Value);
         }
     }

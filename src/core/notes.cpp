@@ -78,6 +78,7 @@ constexpr NoteKind kKinds[] = {
     {NoteCode::SingleRounded, "single-rounded", Severity::Warning, true},
     {NoteCode::UnitOfFile, "unit-of-file", Severity::Note, true},
     {NoteCode::FileReplaced, "file-replaced", Severity::Note, true},
+    {NoteCode::SigmaColumns, "sigma-columns", Severity::Note, true},
 };
 static_assert(std::size(kKinds) == static_cast<std::size_t>(NoteCode::Count_));
 

@@ -87,6 +87,8 @@ enum class NoteCode : std::uint8_t {
     UnitOfFile,      // the unit that a file names is that of its coordinates
     // Of any file that is written.
     FileReplaced,  // a new file has taken the place of one whose owner or other names it could not keep
+    // Of a fit's files.
+    SigmaColumns,  // standard deviations that stand in a file, and what they go before or leave open
     Count_
 };
 

@@ -1,7 +1,10 @@
 // How far the job's result can be trusted.
 #include "engine/result_statistics.h"
 
+#include <algorithm>
 #include <cmath>
+#include <functional>
+#include <span>
 
 #include "core/job.h"
 #include "core/parameter_names.h"
@@ -24,24 +27,38 @@ std::size_t At(int i) {
     return static_cast<std::size_t>(i);
 }
 
+// One for all pairs, where they are the same.
+std::span<const double> OfPairs(const std::vector<double>& points) {
+    const std::span<const double> pairs(points.data(), std::min(points.size(), At(Job.Pairs())));
+    const bool same = std::adjacent_find(pairs.begin(), pairs.end(), std::not_equal_to<>()) == pairs.end();
+    return same && !pairs.empty() ? pairs.first(1) : pairs;
+}
+
 }  // namespace
 
 JobSigmas::JobSigmas(const MeasurementSigmas& sigmas)
-    : start_(sigmas.Start.value_or(SideAccuracy{})),
-      target_(sigmas.Target.value_or(SideAccuracy{})),
-      any_(sigmas.Any()) {}
+    : sigmas_(sigmas),
+      start_(sigmas.Start.value_or(SideAccuracy{})),
+      target_(sigmas.Target.value_or(SideAccuracy{})) {}
 
 PairSigmas JobSigmas::View() const {
     PairSigmas view;
     for (std::size_t axis = 0; axis < 3; ++axis) {
         view.Start.Of[axis] = {&start_[axis], 1};
         view.Target.Of[axis] = {&target_[axis], 1};
+        if (sigmas_.StartOfEach != nullptr) view.Start.Of[axis] = OfPairs(sigmas_.StartOfEach->Of[axis]);
+        if (sigmas_.TargetOfEach != nullptr) view.Target.Of[axis] = OfPairs(sigmas_.TargetOfEach->Of[axis]);
     }
     return view;
 }
 
 std::string WhyNotWithSigmas() {
-    if (!SigmasOf(Job).Any()) return "";
+    const MeasurementSigmas sigmas = SigmasOf(Job);
+    if (!sigmas.Any()) return "";
+    for (const SharedAccuracies& side : {sigmas.StartOfEach, sigmas.TargetOfEach})
+        if (side != nullptr && side->Count() < At(Job.Pairs()))
+            return "The job has standard deviations of " + std::to_string(side->Count()) + " points, but " +
+                   std::to_string(Job.Pairs()) + " pairs. Please import the points again.";
     const char* other = nullptr;
     if (!IsLeastSquares(NormOfJob()) && Norm.RunOn) {
         other = "the way on to the true optimum of L1 and L-infinity";
@@ -121,6 +138,14 @@ Coordinate WorstOutlier(const AdjustmentStatistics& s) {
             worst = {pair, axis};
         }
     return worst;
+}
+
+std::string VerdictOf(const AdjustmentStatistics& s, int pair, int axis) {
+    const std::size_t index = At(3 * (pair - 1) + axis);
+    const bool used = Used(pair, axis);
+    if (s.IsOutlier(index, used)) return used ? "outlier" : "would not fit";
+    if (!used) return "out of use";
+    return std::isfinite(s.Standardized[index]) ? "ok" : "no control";
 }
 
 }  // namespace corvinade::engine

@@ -11,21 +11,22 @@
 
 namespace corvinade::engine {
 
-// The a-priori standard deviations of all pairs of the job. `View` looks into this.
+// The a-priori standard deviations of the job's pairs. `View` looks into this. Where all pairs of a side have
+// the same, they count as one for all, whichever way the job has them.
 class JobSigmas {
 public:
     explicit JobSigmas(const MeasurementSigmas& sigmas);
     PairSigmas View() const;
-    bool Any() const { return any_; }
+    bool Any() const { return sigmas_.Any(); }
 
 private:
+    MeasurementSigmas sigmas_;
     SideAccuracy start_, target_;
-    bool any_;
 };
 
 // Why a fit under the job's a-priori standard deviations cannot be, as a message; "" where it can. Not on to
 // the true optimum of another norm, with the distance and the tool model, a shape, and the runs of Monte
-// Carlo.
+// Carlo; nor where they are those of fewer points than there are pairs.
 std::string WhyNotWithSigmas();
 
 // The message of a pair whose coordinates in use get no weight from their sigmas.
@@ -48,5 +49,9 @@ struct Coordinate {
 // The coordinate in use with the largest standardised residual above the critical value. None where the
 // redundancy would fall below 3 without it.
 Coordinate WorstOutlier(const AdjustmentStatistics& statistics);
+
+// What the test says of a coordinate: "ok", "outlier", "no control"; out of use "out of use", "would not
+// fit".
+std::string VerdictOf(const AdjustmentStatistics& statistics, int pair, int axis);
 
 }  // namespace corvinade::engine

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <optional>
 #include <utility>
 
@@ -17,6 +16,7 @@
 #include "fit/corrections.h"
 #include "fit/normal_equations.h"
 #include "fit/norms.h"
+#include "fit/pair_sums.h"
 #include "fit/require.h"
 
 namespace corvinade::fit {
@@ -27,104 +27,56 @@ std::size_t At(int i) {
     return static_cast<std::size_t>(i);
 }
 
-Vec3 StartOf(const GatheredPoints& points, int i) {
-    return {points.Start[0][At(i)], points.Start[1][At(i)], points.Start[2][At(i)]};
-}
-
-// T + M x - X, whichever coordinates are in use.
-Vec3 ResidualOf(const GatheredPoints& points, const Linearisation& at, const Vec3& p, int i) {
-    Vec3 r;
-    for (int a = 1; a <= 3; ++a)
-        r(a) = (at.Shift(a) - points.Target[At(a - 1)][At(i)]) +
-               (at.M(a, 1) * p(1) + at.M(a, 2) * p(2) + at.M(a, 3) * p(3));
-    return r;
-}
-
-Vec3 Times(const Mat3& A, const Vec3& x) {
-    Vec3 y;
-    for (int i = 1; i <= 3; ++i) y(i) = A(i, 1) * x(1) + A(i, 2) * x(2) + A(i, 3) * x(3);
-    return y;
-}
-
-double Dot(const Vec3& a, const Vec3& b) {
-    return a(1) * b(1) + a(2) * b(2) + a(3) * b(3);
-}
-
-// Residuals of coordinates out of use may be anything, no numbers too.
-Vec3 InUseOf(const Vec3& r, const double* inUse) {
-    return {inUse[0] != 0 ? r(1) : 0, inUse[1] != 0 ? r(2) : 0, inUse[2] != 0 ? r(3) : 0};
-}
-
-WeightedSums SumOver(const GatheredPoints& points, const Column& inUse, const PairSigmas& sigmas,
-                     const Linearisation& at) {
-    WeightedSums sums;
-    PairWeights weights(sigmas, at.M);
-    for (int i = 0; i < points.Count; ++i) {
-        const double* const use = &inUse[At(3 * i + 1)];
-        const PairWeight& weight = weights.Of(i, use);
-        const Vec3 p = StartOf(points, i);
-        const Vec3 r = InUseOf(ResidualOf(points, at, p, i), use);
-        const Vec3 Wr = Times(weight.W, r), e = Times(weight.SM, Wr);
-        const std::array<double, 4> corrected = {1, p(1) - e(1), p(2) - e(2), p(3) - e(3)};
-        const Form4 square = SquareOf(corrected[1], corrected[2], corrected[3]);
-        sums.Objective += Dot(r, Wr);
-        for (int a = 1; a <= 3; ++a) {
-            for (std::size_t k = 0; k < 4; ++k) sums.Gradient[At(a)][k] += Wr(a) * corrected[k];
-            for (int b = a; b <= 3; ++b) {
-                const double w = weight.W(a, b);
-                Form4& sum = sums.Squares[At(AxisPair(a, b))];
-                for (std::size_t k = 0; k < square.size(); ++k) sum[k] += w * square[k];
-            }
-        }
-    }
-    return sums;
-}
-
-// The same of the points as they were measured: w_ab [1 p] [1 p]'.
-std::array<Form4, kAxisPairs> SquaresOver(const GatheredPoints& points, const Column& inUse,
-                                          const PairSigmas& sigmas, const Linearisation& at) {
-    std::array<Form4, kAxisPairs> sums{};
-    PairWeights weights(sigmas, at.M);
-    for (int i = 0; i < points.Count; ++i) {
-        const Vec3 p = StartOf(points, i);
-        const Mat3& W = weights.Of(i, &inUse[At(3 * i + 1)]).W;
-        const Form4 square = SquareOf(p(1), p(2), p(3));
-        for (int a = 1; a <= 3; ++a)
-            for (int b = a; b <= 3; ++b)
-                for (std::size_t k = 0; k < square.size(); ++k)
-                    sums[At(AxisPair(a, b))][k] += W(a, b) * square[k];
-    }
-    return sums;
-}
-
-// The sums of one fit, by the moments of the points where the sigmas are the same for all pairs.
+// The sums of one fit, by the moments of the points where the sigmas are the same for all pairs. Those of
+// each pair take a pass over the points, and are kept: the objective of a step that is taken is where the
+// next one begins.
 class SumsOfFit {
 public:
     SumsOfFit(const NormRun& fit, const PairSigmas& sigmas) : fit_(fit), sigmas_(sigmas) {}
 
     WeightedSums At(const Linearisation& at) {
-        if (!sigmas_.AlikeForAll()) return SumOver(fit_.Points, fit_.InUse, sigmas_, at);
+        if (!sigmas_.AlikeForAll()) return OverPairs(at);
         if (!moments_ || HasLostDigits(*moments_, at))
             moments_.emplace(TakeMoments(fit_.Points, fit_.InUse, at));
         return SumsByMoments(*moments_, sigmas_, at);
     }
     double ObjectiveAt(const Parameters& values) {
-        if (!sigmas_.AlikeForAll()) return WeightedObjective(fit_.Points, fit_.InUse, sigmas_, values);
         ChainRecord chain;
         const Linearisation at = Linearise(FitModel{}, values, fit_.Points, chain);
+        if (!sigmas_.AlikeForAll()) return OverPairs(at).Objective;
         return SumsByMoments(*moments_, sigmas_, at).Objective;
     }
     // w_ab [1 p] [1 p]' of the points as they were measured.
     std::array<Form4, kAxisPairs> SquaresAt(const Linearisation& at) {
-        if (!sigmas_.AlikeForAll()) return SquaresOver(fit_.Points, fit_.InUse, sigmas_, at);
+        if (!sigmas_.AlikeForAll()) return SquaresOverPairs(fit_.Points, fit_.InUse, sigmas_, at);
         if (!moments_) moments_.emplace(TakeMoments(fit_.Points, fit_.InUse, at));
         return SquaresByMoments(*moments_, sigmas_, at);
     }
 
 private:
+    struct Known {
+        Mat3 M;
+        Vec3 Shift;
+        WeightedSums Sums;
+        bool IsAt(const Linearisation& at) const {
+            for (int i = 1; i <= 3; ++i) {
+                if (Shift(i) != at.Shift(i)) return false;
+                for (int j = 1; j <= 3; ++j)
+                    if (M(i, j) != at.M(i, j)) return false;
+            }
+            return true;
+        }
+    };
+    const WeightedSums& OverPairs(const Linearisation& at) {
+        if (!known_ || !known_->IsAt(at))
+            known_.emplace(Known{at.M, at.Shift, SumOverPairs(fit_.Points, fit_.InUse, sigmas_, at)});
+        return known_->Sums;
+    }
+
     const NormRun& fit_;
     const PairSigmas& sigmas_;
     std::optional<AlikeMoments> moments_;
+    std::optional<Known> known_;
 };
 
 // The step of the centred unknowns, and by how much it makes the objective less to first order. False where
@@ -209,6 +161,17 @@ bool IterateWeighted(NormRun& fit, SumsOfFit& sumsOf) {
     }
 }
 
+// C_ii of a pair, without the rest of it.
+double VarianceOf(const PairSigmas& sigmas, const Mat3& M, int axis, int pair) {
+    const double target = sigmas.Target.At(axis, pair);
+    double variance = target * target;
+    for (int k = 1; k <= 3; ++k) {
+        const double start = M(axis, k) * sigmas.Start.At(k, pair);
+        variance += start * start;
+    }
+    return variance;
+}
+
 // Weights 1 / C_ii of the coordinates in use, scaled to a mean of 1. Gives what they were scaled by.
 double TakeScaledWeights(const NormRun& fit, const PairSigmas& sigmas, const Mat3& M, Column& P) {
     constexpr double kSame = 1e-12;
@@ -238,10 +201,9 @@ double TakeScaledWeights(const NormRun& fit, const PairSigmas& sigmas, const Mat
     }
     P.assign(n + 1, 0);
     for (int i = 0; i < fit.Points.Count; ++i) {
-        const Mat3 C = CovarianceOf(sigmas, M, i);
         for (int axis = 1; axis <= 3; ++axis) {
             const std::size_t index = At(3 * i + axis);
-            P[index] = fit.InUse[index] != 0 ? 1 / C(axis, axis) : 0;
+            P[index] = fit.InUse[index] != 0 ? 1 / VarianceOf(sigmas, M, axis, i) : 0;
             sum += P[index];
             observations += fit.InUse[index];
         }
@@ -276,31 +238,33 @@ void TakeResult(NormRun& fit, const PairSigmas& sigmas, SumsOfFit& sumsOf) {
     fit.Result.Q = std::move(Q);
 }
 
-}  // namespace
-
-double WeightedObjective(const GatheredPoints& points, const Column& inUse, const PairSigmas& sigmas,
-                         const Parameters& values) {
-    ChainRecord chain;
-    const Linearisation at = Linearise(FitModel{}, values, points, chain);
-    PairWeights weights(sigmas, at.M);
-    double sum = 0;
-    for (int i = 0; i < points.Count; ++i) {
-        const double* const use = &inUse[At(3 * i + 1)];
-        const PairWeight& weight = weights.Of(i, use);
-        if (!weight.Positive) return std::numeric_limits<double>::quiet_NaN();
-        const Vec3 r = InUseOf(ResidualOf(points, at, StartOf(points, i), i), use);
-        sum += Dot(r, Times(weight.W, r));
+// PairWithoutWeight, which is asked where a quicker look does not tell that there is none.
+int FirstWithoutWeight(const NormRun& fit, const PairSigmas& sigmas, const Linearisation& at,
+                       bool targetAlone, SumsOfFit& sums) {
+    const int count = fit.Points.Count;
+    if (sigmas.AlikeForAll())
+        return PairWithoutWeight(sigmas, at.M, fit.Points.AllInUse ? std::min(1, count) : count, fit.InUse);
+    bool all = !targetAlone && std::isfinite(sums.At(at).Objective);
+    if (targetAlone) {
+        all = true;
+        for (int i = 0; i < count && all; ++i)
+            for (int axis = 1; axis <= 3; ++axis)
+                if (fit.InUse[At(3 * i + axis)] != 0) {
+                    const double variance = VarianceOf(sigmas, at.M, axis, i);
+                    all = all && variance > 0 && std::isfinite(variance);
+                }
     }
-    return sum;
+    return all ? 0 : PairWithoutWeight(sigmas, at.M, count, fit.InUse);
 }
+
+}  // namespace
 
 int FitWeighted(NormRun& fit, const PairSigmas& sigmas) {
     Require(fit.Model.Mode == FitMode::Coincide);
     const Linearisation at = Linearise(fit.Model, fit.Run.Now, fit.Points, fit.Run.Chain);
-    const int asked =
-        fit.Points.AllInUse && sigmas.AlikeForAll() ? std::min(1, fit.Points.Count) : fit.Points.Count;
-    if (const int pair = PairWithoutWeight(sigmas, at.M, asked, fit.InUse); pair != 0) return pair;
     const bool targetAlone = sigmas.Start.FreeOfErrors();
+    SumsOfFit sums(fit, sigmas);
+    if (const int pair = FirstWithoutWeight(fit, sigmas, at, targetAlone, sums); pair != 0) return pair;
     Column P;
     if (targetAlone) {
         const Mat3 C = CovarianceOf(sigmas, at.M, 0);
@@ -315,7 +279,7 @@ int FitWeighted(NormRun& fit, const PairSigmas& sigmas) {
     if (targetAlone) {
         fit.P = std::move(P);
         IterateFit(fit);
-    } else if (SumsOfFit sums(fit, sigmas); IterateWeighted(fit, sums)) {
+    } else if (IterateWeighted(fit, sums)) {
         TakeResult(fit, sigmas, sums);
     }
     if (fit.Model.Unknowns < model.Unknowns) fit.Result.Q = Q;

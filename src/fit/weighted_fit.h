@@ -19,8 +19,4 @@ namespace corvinade::fit {
 // have one. Require: the run has its plain result, and that is finite.
 int FitWeighted(NormRun& fit, const PairSigmas& sigmas);
 
-// The sum that is made least, at any parameters. NaN where a pair has no weight.
-double WeightedObjective(const GatheredPoints& points, const Column& inUse, const PairSigmas& sigmas,
-                         const Parameters& at);
-
 }  // namespace corvinade::fit

@@ -3,7 +3,6 @@
 #include <cstddef>
 
 #include "core/numbers.h"
-#include "core/units.h"
 #include "core/window.h"
 #include "graphics/drawing.h"
 #include "graphics/projection.h"
@@ -48,7 +47,7 @@ void Zeichne_ColorBar(ScreenWindow& window) {
     DrawClasses(window, Tolerance.Positive, state.AnzKlassenPos, height, bar);
 
     const auto label = [&](double value, double y) {
-        SetLabelToPos(window, FormatNumber(value * Units.LengthFactor, "0.00"),
+        SetLabelToPos(window, FormatNumber(value * LimitFactor(state), "0.00"),
                       static_cast<float>(bar.Left - 1.5 * thickness), static_cast<float>(y - thickness / 2));
     };
     label(state.Min, bar.Bottom);

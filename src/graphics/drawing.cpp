@@ -7,6 +7,7 @@
 #include "core/run.h"
 #include "core/settings.h"
 #include "graphics/black_planes.h"
+#include "graphics/ellipsoids.h"
 #include "graphics/flags.h"
 #include "graphics/lines.h"
 #include "graphics/point_loop.h"
@@ -43,6 +44,7 @@ void Paint(ScreenWindow& window, const PictureLook& look) {
     if (flags) DrawFlagLines(window);
     if (IsTrue(state.LineMode)) DrawLines(window);
     DrawRVectors(window);
+    DrawEllipsoids(window);
     if (IsTrue(state.GridXY) || IsTrue(state.GridYZ) || IsTrue(state.GridZX)) Zeichne_KSGrid(window);
     if (IsTrue(Settings.VectorQuat) && IsTrue(Run.TrafoValid)) Zeichne_Quat(window);
     if (look.ColorBar) Zeichne_ColorBar(window);

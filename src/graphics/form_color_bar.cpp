@@ -13,6 +13,7 @@
 #include "core/run.h"
 #include "core/units.h"
 #include "graphics/drawing.h"
+#include "graphics/point_trust.h"
 #include "graphics/tolerance.h"
 #include "graphics/view_undo.h"
 #include "graphics/view_values.h"
@@ -88,6 +89,14 @@ const ControlEntry kControls[] = {
     {"ColorX", &ColorBarWindow.ColorX, Option("", 2), {.Click = Dialog::Setting_Click}},
     {"ColorY", &ColorBarWindow.ColorY, Option("", 2), {.Click = Dialog::Setting_Click}},
     {"ColorZ", &ColorBarWindow.ColorZ, Option("", 2), {.Click = Dialog::Setting_Click}},
+    {"ColorStandardized",
+     &ColorBarWindow.ColorStandardized,
+     Option("based on the standardised Residual", 2),
+     {.Click = Dialog::Setting_Click}},
+    {"ColorAccuracy",
+     &ColorBarWindow.ColorAccuracy,
+     Option("based on the Accuracy", 2),
+     {.Click = Dialog::Setting_Click}},
     {"CheckAusserhalbTol",
      &ColorBarWindow.CheckAusserhalbTol,
      CheckBox("Own Color out of &Tolerance"),
@@ -287,7 +296,10 @@ void FormColorBar::SetFormtoVars() {
     d.ColorX.Value = state.ColorBased == "x" ? 1 : 0;
     d.ColorY.Value = state.ColorBased == "y" ? 1 : 0;
     d.ColorZ.Value = state.ColorBased == "z" ? 1 : 0;
-    d.ColorABS.Value = 1 - d.ColorX.Value - d.ColorY.Value - d.ColorZ.Value;
+    d.ColorStandardized.Value = state.ColorBased == kByStandardized ? 1 : 0;
+    d.ColorAccuracy.Value = state.ColorBased == kByAccuracy ? 1 : 0;
+    d.ColorABS.Value = 1 - d.ColorX.Value - d.ColorY.Value - d.ColorZ.Value - d.ColorStandardized.Value -
+                       d.ColorAccuracy.Value;
     d.CYL.Value = state.CS_Type == "CYL" ? 1 : 0;
     d.SPH.Value = state.CS_Type == "SPH" ? 1 : 0;
     d.CART.Value = 1 - d.CYL.Value - d.SPH.Value;
@@ -322,7 +334,18 @@ void FormColorBar::Update() {
     state.showVeY = FlagOf(d.showY);
     state.showVeZ = FlagOf(d.showZ);
     window->SetMinMaxOnChange = d.CheckSetMinMaxOnChange.Value == 1;
-    state.ColorBased = d.ColorX.Value == 1 ? "x" : d.ColorY.Value == 1 ? "y" : d.ColorZ.Value == 1 ? "z" : "";
+    const std::string before = state.ColorBased;
+    state.ColorBased = d.ColorX.Value == 1              ? "x"
+                       : d.ColorY.Value == 1            ? "y"
+                       : d.ColorZ.Value == 1            ? "z"
+                       : d.ColorStandardized.Value == 1 ? kByStandardized
+                       : d.ColorAccuracy.Value == 1     ? kByAccuracy
+                                                        : "";
+    // Limits of deviations say nothing of tests and accuracies, and the other way round.
+    if (before != state.ColorBased && (ColoursByTrust(before) || ColoursByTrust(state.ColorBased))) {
+        state.Max = ColoursByTrust(state.ColorBased) ? TrustLimit(state.ColorBased) : 0;
+        state.Min = 0;
+    }
     state.CS_Type = d.CYL.Value == 1 ? "CYL" : d.SPH.Value == 1 ? "SPH" : "CART";
     state.ShowOnlyUsedComponent = FlagOf(d.CheckShowOnlyUsedComponent);
     state.AusserhalbTol = FlagOf(d.CheckAusserhalbTol);
@@ -368,8 +391,9 @@ void ColorBar_ShowWindow(const ScreenWindow& window) {
 void ColorBar_ShowLimits(const ScreenWindow& window) {
     if (!IsLoaded("FormColorBar") || ColorBarWindow.Typing || &window != Screens().Active) return;
     Dialog& d = ColorBarWindow;
-    d.LengthFactor = Units.LengthFactor;
-    d.LabelUnit1.Text = d.LabelUnit2.Text = Job.LengthUnitName;
+    d.LengthFactor = LimitFactor(window.State);
+    const bool test = window.State.ColorBased == kByStandardized;
+    d.LabelUnit1.Text = d.LabelUnit2.Text = test ? "" : Job.LengthUnitName;
     d.UpperShown = d.TextObereGrenze.Text = LimitText(window.State.Max * d.LengthFactor);
     d.LowerShown = d.TextUntereGrenze.Text = LimitText(window.State.Min * d.LengthFactor);
 }

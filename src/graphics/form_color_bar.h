@@ -35,6 +35,7 @@ struct FormColorBar {
     Control FrameColor;
     Control ColorABS;
     Control ColorX, ColorY, ColorZ;
+    Control ColorStandardized, ColorAccuracy;
     Control CheckAusserhalbTol;
     Control BtnSetOuterColor;
     Control LabelOuterColor;  // shows the colour as its BackColor

@@ -6,8 +6,10 @@
 #include "core/changes.h"
 #include "core/form_main.h"
 #include "core/job.h"
+#include "core/numbers.h"
 #include "core/platform.h"
 #include "core/settings.h"
+#include "graphics/ellipsoids.h"
 #include "graphics/screen_window.h"
 
 namespace corvinade::graphics {
@@ -53,6 +55,12 @@ const ControlEntry kControls[] = {
      kSetting},
     {"CheckVectorQuat", &GraphicsOptionsWindow.CheckVectorQuat, CheckBox("&Quaternion axis"), kSetting},
     {"CheckShowRDistVec", &GraphicsOptionsWindow.CheckShowRDistVec, CheckBox("&R vectors"), kSetting},
+    {"CheckShowEllipsoids", &GraphicsOptionsWindow.CheckShowEllipsoids,
+     CheckBox("Ellipsoids of the points, enlar&ged by"), kSetting},
+    {"TextEllipsoidFactor",
+     &GraphicsOptionsWindow.TextEllipsoidFactor,
+     TextBox(),
+     {.Change = Dialog::Setting_Click}},
     {"CheckAutoUpdate", &GraphicsOptionsWindow.CheckAutoUpdate, CheckBox("Auto Updat&e"), kSetting},
     {"BtnApply", &GraphicsOptionsWindow.BtnApply, Button("&Apply"), {.Click = Dialog::BtnApply_Click}},
     {"BtnOK", &GraphicsOptionsWindow.BtnOK, Button("OK"), {.Click = Dialog::BtnOK_Click}},
@@ -80,6 +88,17 @@ const Switch kSwitches[] = {
     {GraphicsOptionsWindow.CheckShowRDistVec, Settings.ShowRVec},
 };
 
+// The factor of the field, as the system writes it or with a point; a text that is none warns and leaves the
+// one of before.
+double EllipsoidFactor() {
+    Control& field = GraphicsOptionsWindow.TextEllipsoidFactor;
+    double factor = 0;
+    const bool good = (TextToNumber(field.Text, factor) || TextToNumber(field.Text, '.', factor)) &&
+                      factor > 0 && factor <= kLargestEllipsoidFactor;
+    field.BackColor = good ? kSystemColour : 0x66D1FF;
+    return good ? factor : EllipsoidSettings().Factor;
+}
+
 void Close() {
     UnloadWindow("FormGraphicsOptions");
 }
@@ -103,6 +122,7 @@ void FormGraphicsOptions::Übernehmen() {
                        "ViewOnlyIfNotTrafo", "DontViewOOT", "ShowPointsBigger", "ShowCoordinateSystemLabels",
                        "ShowPointNames", "ShowColorBar", "VectorThick", "VectorQuat", "ShowRVec",
                        "DevVecDirection"});
+    StoreEllipsoidSettings(GraphicsOptionsWindow.CheckShowEllipsoids.Value == 1, EllipsoidFactor());
     // The two-colour mode goes by this entry, so it is right before the windows are painted.
     Main.MenüAnsichtToleranzenColorbar.Checked = IsTrue(Settings.ShowColorBar);
     Changed(What::PictureSettings);
@@ -115,6 +135,8 @@ void GraphicsOptions_ShowColorBar() {
 
 void FormGraphicsOptions::Form_Load() {
     for (const Switch& one : kSwitches) one.Check.Value = IsTrue(one.Place) ? 1 : 0;
+    GraphicsOptionsWindow.CheckShowEllipsoids.Value = EllipsoidSettings().Show ? 1 : 0;
+    GraphicsOptionsWindow.TextEllipsoidFactor.Text = PlainText(EllipsoidSettings().Factor);
     const bool deviation = IsTrue(Settings.DevVecDirection);
     GraphicsOptionsWindow.OptionVecDeviation.Value = deviation ? 1 : 0;
     GraphicsOptionsWindow.OptionVecCorrection.Value = deviation ? 0 : 1;

@@ -31,6 +31,8 @@ struct FormGraphicsOptions {
     Control CheckVectorThick;
     Control CheckVectorQuat;
     Control CheckShowRDistVec;
+    Control CheckShowEllipsoids;
+    Control TextEllipsoidFactor;
 
     Control CheckAutoUpdate;
     Control BtnApply, BtnOK, BtnCancel;

@@ -12,9 +12,11 @@
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/units.h"
+#include "engine/calculation_window.h"
 #include "fit/angles.h"
 #include "fit/vector.h"
 #include "graphics/form_color_bar.h"
+#include "graphics/point_trust.h"
 #include "graphics/scene.h"
 #include "graphics/view_values.h"
 
@@ -156,13 +158,28 @@ void FillShown(const ScreenRecord& state) {
     }
 }
 
+// Where points are coloured by their accuracy or their tests, what is known of these.
+void FillMeasures(const ScreenRecord& state) {
+    Tolerance.Measures.clear();
+    if (!ColoursByTrust(state.ColorBased)) return;
+    Tolerance.Measures.assign(static_cast<std::size_t>(Scene.Ident) + 1, 0.0F);
+    for (int i = 1; i <= Scene.Ident; ++i)
+        Tolerance.Measures[static_cast<std::size_t>(i)] =
+            static_cast<float>(TrustOfPair(state.ColorBased, i));
+}
+
+// What gives a pair its class.
+float MeasureOf(std::size_t row) {
+    return row < Tolerance.Measures.size() ? Tolerance.Measures[row] : Scene.Points[kSceneSize][row];
+}
+
 // The sizes of column 4 over all pairs, or over those of which every coordinate is in use.
 SizeRange SizesOf(bool fullyUsedOnly) {
     SizeRange range{-kFarAway, kFarAway, false};
     for (int i = 1; i <= Scene.Ident; ++i) {
         const auto row = static_cast<std::size_t>(i);
         const bool used = Used(i, 1) && Used(i, 2) && Used(i, 3);
-        const double size = Scene.Points[kSceneSize][row];
+        const double size = MeasureOf(row);
         if ((fullyUsedOnly && !used) || !std::isfinite(size)) continue;
         range = {std::max(range.Largest, size), std::min(range.Smallest, size), true};
     }
@@ -175,8 +192,9 @@ void FillLimits(ScreenWindow& window) {
     if (window.SetMinMaxOnChange) {
         const SizeRange range = SizesOf(IsTrue(state.ShowOnlyUsedComponent));
         if (!range.Any) return;
-        state.Max = TwoDecimalsDown(range.Largest * Units.LengthFactor) / Units.LengthFactor;
-        state.Min = TwoDecimalsDown(range.Smallest * Units.LengthFactor) / Units.LengthFactor;
+        const double factor = LimitFactor(state);
+        state.Max = TwoDecimalsDown(range.Largest * factor) / factor;
+        state.Min = TwoDecimalsDown(range.Smallest * factor) / factor;
     } else if (state.Max == 0 && state.Min == 0) {
         const SizeRange range = SizesOf(false);
         if (!range.Any) return;
@@ -197,7 +215,7 @@ double ClassOf(float size, const ScreenRecord& state) {
 void FillClasses(const ScreenRecord& state) {
     for (int i = 1; i <= Scene.Ident; ++i) {
         const auto row = static_cast<std::size_t>(i);
-        Scene.Points[kSceneClass][row] = static_cast<float>(ClassOf(Scene.Points[kSceneSize][row], state));
+        Scene.Points[kSceneClass][row] = static_cast<float>(ClassOf(MeasureOf(row), state));
     }
 }
 
@@ -247,10 +265,13 @@ void FillBar(const ScreenWindow& window, int count, int below, ColourTable& tabl
 
 ClassKey KeyOf(const ScreenWindow& window) {
     const ScreenRecord& state = window.State;
-    return {Scene.Stamp,         state.AnzKlassenPos, state.AnzKlassenNeg, state.Max,
-            state.Min,           state.showVeX,       state.showVeY,       state.showVeZ,
-            state.AusserhalbTol, state.OuterColor,    TwoColours(window),  state.ColorBased,
-            state.CS_Type};
+    return {Scene.Stamp,         state.AnzKlassenPos,
+            state.AnzKlassenNeg, state.Max,
+            state.Min,           state.showVeX,
+            state.showVeY,       state.showVeZ,
+            state.AusserhalbTol, state.OuterColor,
+            TwoColours(window),  state.ColorBased,
+            state.CS_Type,       ColoursByTrust(state.ColorBased) ? CalculationWindow.Started : 0};
 }
 
 }  // namespace
@@ -269,6 +290,7 @@ void Transform_dev_to_klasse(ScreenWindow& window) {
     const bool limitsOpen = state.Max == 0 && state.Min == 0;
     if (!limitsOpen && Scene.Stamp != 0 && KeyOf(window) == Tolerance.Key) return;
     FillShown(state);
+    FillMeasures(state);
     const double max = state.Max, min = state.Min;
     FillLimits(window);
     FillClasses(state);
@@ -281,6 +303,10 @@ void Transform_dev_to_klasse(ScreenWindow& window) {
 SizeRange ShownSizes(ScreenWindow& window) {
     SceneForWindow(window);
     return SizesOf(IsTrue(window.State.ShowOnlyUsedComponent));
+}
+
+double LimitFactor(const ScreenRecord& state) {
+    return state.ColorBased == kByStandardized ? 1 : Units.LengthFactor;
 }
 
 double TwoDecimalsDown(double value) {

@@ -25,7 +25,8 @@ struct SizeRange {
     bool Any;                  // false: no pair counts, and the sizes say nothing
 };
 SizeRange ShownSizes(ScreenWindow& window);
-double TwoDecimalsDown(double value);  // how limits are taken from the data
+double LimitFactor(const ScreenRecord& state);  // from limits to what is shown of them: the length unit, or 1
+double TwoDecimalsDown(double value);           // how limits are taken from the data
 // Forces the next call to work.
 void ForgetClasses();
 
@@ -47,11 +48,13 @@ struct ClassKey {
     Colour OuterColor = 0;
     bool TwoColours = false;
     std::string ColorBased, CS_Type;
+    std::uint64_t Calculation = 0;  // where points are coloured by its statistics
     bool operator==(const ClassKey&) const = default;
 };
 struct ToleranceRecord {
     ColourTable Negative, Positive;
     ClassKey Key;
+    std::vector<float> Measures;  // what colours the pairs in the place of their sizes; empty: the sizes do
 };
 inline ToleranceRecord Tolerance;
 void Calculate_RGB(ScreenWindow& window);

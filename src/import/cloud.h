@@ -48,12 +48,21 @@ enum class PointColumn : std::uint8_t {
     OtherX,
     OtherY,
     OtherZ,
+    // Standard deviations, of both systems of a file that holds both; the last one of three serves all axes.
+    SigmaX,
+    SigmaY,
+    SigmaZ,
+    Sigma,
+    OtherSigmaX,
+    OtherSigmaY,
+    OtherSigmaZ,
+    OtherSigma,
     Count_
 };
 
-// "name,x,y,z,-,X,Y,Z": also t (a name), nx ny nz, qx qy qz qw; sx, sy, sz, s and "-" are kept as text. An
-// error is told in `why`: an unknown word, one that stands twice, no x or y. Words differ by case in x, y, z
-// alone.
+// "name,x,y,z,-,X,Y,Z": also t (a name), nx ny nz, qx qy qz qw; with X, Y and Z the sigmas sx sy sz or s, and
+// SX SY SZ or S; without them sx, sy, sz and s are kept as text, as "-" is always. An error is told in `why`:
+// an unknown word, one that stands twice, no x or y. Words differ by case in x, y, z alone.
 std::optional<std::vector<PointColumn>> ColumnsFromText(std::string_view text, std::string& why);
 
 // What the user has said of a file; what is left out is found in it.
@@ -87,6 +96,7 @@ struct CloudFacts {
 struct CloudPoint {
     std::string Name;  // "" = its number
     std::array<double, 3> At{}, Other{};
+    std::optional<std::array<double, 3>> Sigma, OtherSigma;  // nothing: the file has none
 };
 
 // A file on its way. Without `Motion` its points are handed to `Take`, with the numbers of its own unit.

@@ -75,6 +75,21 @@ std::string Small(std::string_view text) {
     return small;
 }
 
+// "sx", "s", "SX": sigmas of the two systems of one file.
+constexpr std::array<Word, 8> kSigmaWords = {{{"sx", PointColumn::SigmaX},
+                                              {"sy", PointColumn::SigmaY},
+                                              {"sz", PointColumn::SigmaZ},
+                                              {"s", PointColumn::Sigma},
+                                              {"SX", PointColumn::OtherSigmaX},
+                                              {"SY", PointColumn::OtherSigmaY},
+                                              {"SZ", PointColumn::OtherSigmaZ},
+                                              {"S", PointColumn::OtherSigma}}};
+PointColumn SigmaColumn(std::string_view word) {
+    for (const Word& row : kSigmaWords)
+        if (row.Text == word) return row.Means;
+    return PointColumn::None;
+}
+
 PointColumn MeaningOf(std::string_view word) {
     const auto* const found =
         std::find_if(kWords.begin(), kWords.end(), [word](const Word& row) { return row.Text == word; });
@@ -169,6 +184,7 @@ std::optional<CloudHeading> HeadingOf(std::string_view line, char delimiter) {
             column = word == "X"   ? PointColumn::OtherX
                      : word == "Y" ? PointColumn::OtherY
                                    : PointColumn::OtherZ;
+        if (both && column == PointColumn::None) column = SigmaColumn(word);
         if (column != PointColumn::None && Has(heading.Columns, column)) {
             // A second name is text; a second x is no heading that says where x stands.
             if (column >= PointColumn::X && column <= PointColumn::Z) return std::nullopt;
@@ -342,14 +358,23 @@ FoundForm FindForm(const CloudTask& task, CloudKind kind, std::string_view head,
 // --- What the user says -----------------------------------------------------------------------------------
 
 std::optional<std::vector<PointColumn>> ColumnsFromText(std::string_view text, std::string& why) {
-    static constexpr std::array<Word, 20> kNames = {{
-        {"name", PointColumn::Name},  {"t", PointColumn::Name},     {"x", PointColumn::X},
-        {"y", PointColumn::Y},        {"z", PointColumn::Z},        {"nx", PointColumn::NormalX},
-        {"ny", PointColumn::NormalY}, {"nz", PointColumn::NormalZ}, {"qx", PointColumn::TurnX},
-        {"qy", PointColumn::TurnY},   {"qz", PointColumn::TurnZ},   {"qw", PointColumn::TurnW},
-        {"X", PointColumn::OtherX},   {"Y", PointColumn::OtherY},   {"Z", PointColumn::OtherZ},
-        {"-", PointColumn::None},     {"sx", PointColumn::None},    {"sy", PointColumn::None},
-        {"sz", PointColumn::None},    {"s", PointColumn::None},
+    static constexpr std::array<Word, 16> kNames = {{
+        {"name", PointColumn::Name},
+        {"t", PointColumn::Name},
+        {"x", PointColumn::X},
+        {"y", PointColumn::Y},
+        {"z", PointColumn::Z},
+        {"nx", PointColumn::NormalX},
+        {"ny", PointColumn::NormalY},
+        {"nz", PointColumn::NormalZ},
+        {"qx", PointColumn::TurnX},
+        {"qy", PointColumn::TurnY},
+        {"qz", PointColumn::TurnZ},
+        {"qw", PointColumn::TurnW},
+        {"X", PointColumn::OtherX},
+        {"Y", PointColumn::OtherY},
+        {"Z", PointColumn::OtherZ},
+        {"-", PointColumn::None},
     }};
     std::vector<std::string_view> words;
     FieldsOf(text, ',', kMostFields, words);
@@ -358,16 +383,18 @@ std::optional<std::vector<PointColumn>> ColumnsFromText(std::string_view text, s
         while (!word.empty() && word.back() == ' ') word.remove_suffix(1);
         const auto* const found =
             std::find_if(kNames.begin(), kNames.end(), [word](const Word& row) { return row.Text == word; });
-        if (found == kNames.end()) {
+        const PointColumn sigma = SigmaColumn(word);
+        if (found == kNames.end() && sigma == PointColumn::None) {
             why = "\"" + Printable(word) +
                   "\" is no column: name, x, y, z, X, Y, Z, nx, ny, nz, qx, qy, qz, qw, sx, sy, sz, s or -";
             return std::nullopt;
         }
-        if (found->Means != PointColumn::None && Has(columns, found->Means)) {
+        const PointColumn means = sigma != PointColumn::None ? sigma : found->Means;
+        if (means != PointColumn::None && Has(columns, means)) {
             why = "\"" + Printable(word) + "\" stands twice";
             return std::nullopt;
         }
-        columns.push_back(found->Means);
+        columns.push_back(means);
     }
     const auto count = [&columns](PointColumn first, std::size_t n) {
         std::size_t sum = 0;
@@ -383,7 +410,13 @@ std::optional<std::vector<PointColumn>> ColumnsFromText(std::string_view text, s
         why = "of qx, qy, qz and qw all four are wanted";
     } else if (count(PointColumn::OtherX, 3) % 3 != 0) {
         why = "of X, Y and Z all three are wanted";
+    } else if (!Has(columns, PointColumn::OtherX) && count(PointColumn::OtherSigmaX, 4) > 0) {
+        why = "SX, SY, SZ and S go with X, Y and Z";
     } else {
+        // Of one system they are text.
+        if (!Has(columns, PointColumn::OtherX))
+            for (PointColumn& column : columns)
+                if (column >= PointColumn::SigmaX) column = PointColumn::None;
         return columns;
     }
     return std::nullopt;

@@ -182,6 +182,34 @@ void RowCarrier::LookAhead(std::string_view rows, bool isWhole) {
     }
 }
 
+std::optional<std::array<double, 3>> RowCarrier::SigmasOf(PointColumn first) const {
+    constexpr std::size_t kForAll = 3;
+    std::array<double, 4> values{};
+    std::array<bool, 4> stands{};
+    const auto from = static_cast<std::size_t>(first);
+    for (std::size_t i = 0; i < Form.Columns.size(); ++i) {
+        const auto column = static_cast<std::size_t>(Form.Columns[i]);
+        if (column < from || column > from + kForAll) continue;
+        stands[column - from] = true;
+        const std::string_view text = i < fields_.size() ? fields_[i] : std::string_view();
+        double& value = values[column - from];
+        if (NumberOf(text, Form.Decimal, value) != NumberKind::Finite || value < 0)
+            task_.In.FailAtLine("column " + std::to_string(i + 1) + ", \"" + Printable(text) +
+                                "\", is no standard deviation of 0 or more");
+    }
+    const bool any = stands[0] || stands[1] || stands[2];
+    if (!any && !stands[kForAll]) return std::nullopt;
+    std::array<double, 3> sigmas{};
+    for (std::size_t axis = 0; axis < sigmas.size(); ++axis) {
+        if (!stands[axis] && !stands[kForAll])
+            task_.In.Fail(
+                "of its columns sx, sy and sz, or SX, SY and SZ, all three are wanted; one s or S stands for "
+                "all of them");
+        sigmas[axis] = stands[axis] ? values[axis] : values[kForAll];
+    }
+    return sigmas;
+}
+
 bool RowCarrier::Carry(std::string_view row) {
     constexpr auto kFields = static_cast<std::size_t>(PointColumn::Count_);
     const auto index = [](PointColumn column) { return static_cast<std::size_t>(column); };
@@ -218,6 +246,10 @@ bool RowCarrier::Carry(std::string_view row) {
     ++task_.Facts.Points;
     if (task_.Motion == nullptr) {
         point.Name = Trimmed(field[index(PointColumn::Name)]);
+        if (task_.Wish.Pairs) {
+            point.Sigma = SigmasOf(PointColumn::SigmaX);
+            point.OtherSigma = SigmasOf(PointColumn::OtherSigmaX);
+        }
         task_.Take(point);
         return true;
     }

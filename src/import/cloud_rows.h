@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,6 +48,8 @@ public:
     RowForm Form;
 
 private:
+    // The sigmas of one system, whose columns begin with `first`; nothing where it has none.
+    std::optional<std::array<double, 3>> SigmasOf(PointColumn first) const;
     CloudTask& task_;
     int decimals_;
     std::vector<std::string_view> fields_;

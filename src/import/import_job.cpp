@@ -3,7 +3,9 @@
 #include <array>
 #include <cmath>
 #include <exception>
+#include <memory>
 #include <optional>
+#include <utility>
 
 #include "core/changes.h"
 #include "core/controller.h"
@@ -11,6 +13,7 @@
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/job.h"
+#include "core/measurement_sigmas.h"
 #include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
@@ -18,6 +21,8 @@
 #include "core/settings.h"
 #include "core/text.h"
 #include "core/window.h"
+#include "engine/calculation_window.h"
+#include "fit/require.h"
 #include "import/auto_find.h"
 #include "import/import_request.h"
 #include "import/long_import.h"
@@ -311,6 +316,37 @@ void NotePairsWithoutOrientation(const ImportRequest& request) {
             request.TargetPath, 0, Job.Pairs() - known);
 }
 
+// Takes the accuracies of the points in hand for as long as the import is under way.
+class SigmasOfImport {
+public:
+    explicit SigmasOfImport(const ImportRequest& request) {
+        SigmasUnderWay = {};
+        if (request.StartSigmas != nullptr) SigmasUnderWay.Start = std::move(*request.StartSigmas);
+        if (request.TargetSigmas != nullptr) SigmasUnderWay.Target = std::move(*request.TargetSigmas);
+    }
+    ~SigmasOfImport() { SigmasUnderWay = std::move(outer_); }
+    SigmasOfImport(const SigmasOfImport&) = delete;
+    SigmasOfImport& operator=(const SigmasOfImport&) = delete;
+
+    // The points are paired: the job has their accuracies from now on.
+    static void GiveToJob() {
+        MeasurementSigmas sigmas;
+        const auto give = [](PointAccuracies& of, SharedAccuracies& side, const PointSet& points) {
+            if (of.Of[0].empty()) return;
+            Require(static_cast<int>(of.Count()) == points.Count());
+            side = std::make_shared<PointAccuracies>(std::move(of));
+        };
+        // Where the job is switched the files stand in the other order by now.
+        const bool switched = DirectionSwitched();
+        give(SigmasUnderWay.Start, sigmas.StartOfEach, switched ? Job.Target : Job.Start);
+        give(SigmasUnderWay.Target, sigmas.TargetOfEach, switched ? Job.Start : Job.Target);
+        if (sigmas.Any()) PutSigmas(switched ? Swapped(sigmas) : sigmas, Job);
+    }
+
+private:
+    PairedSigmas outer_ = std::move(SigmasUnderWay);
+};
+
 // A cancelled import leaves the points of before, and all that shows them.
 ImportOutcome EndCancelled(JobBeforeImport& before) {
     if (!IsTrue(Run.StopRequested) || LongImport.Overtaken) return ImportOutcome::NotRead;
@@ -374,6 +410,7 @@ ImportOutcome Import(const ImportRequest& request) {
     if (request.Delimiter) Run.Delimiter = *request.Delimiter;
     KindOfImport kind(request.Kind, jobBefore);
     ImportGuard guard;
+    const SigmasOfImport sigmas(request);
     std::optional<ImportUnderWay> underWay(&jobBefore);
     ++Run.JobGeneration;
     if (!ImportPoints(request)) return EndCancelled(jobBefore);
@@ -383,6 +420,7 @@ ImportOutcome Import(const ImportRequest& request) {
     underWay.reset();
     guard.Whole = kind.Kept = true;
     ForgetBlock();
+    SigmasOfImport::GiveToJob();
     NotePairsWithoutOrientation(request);
     Run.JobDataValid = kTrue;  // the main sheet shows no others
     const std::uint64_t generation = Run.JobGeneration;

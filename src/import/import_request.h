@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "core/measurement_sigmas.h"
 #include "core/platform.h"
 #include "core/point_set.h"
 #include "core/rooms.h"
@@ -60,6 +61,9 @@ struct ImportRequest {
     // Points that have been read already, mm: they are taken in the place of those of the file, whose path is
     // its name then. What they point to is empty afterwards. Null = the file is read.
     PointSet *StartPoints = nullptr, *TargetPoints = nullptr;
+    // The a-priori standard deviations of those points, point by point, which the job gets with them; null =
+    // they have none. They go wherever their point goes, and are empty afterwards.
+    PointAccuracies *StartSigmas = nullptr, *TargetSigmas = nullptr;
 
     bool ReplacesQuietly = false;  // the points of before go without a question
     Reading How{};

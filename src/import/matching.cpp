@@ -26,15 +26,20 @@ namespace {
 struct MatchedSet {
     PointSet& Points;
     const char* Label;
-    Matrix* Poses = nullptr;  // orientations, a row a point; null = the points have none
+    Matrix* Poses = nullptr;            // orientations, a row a point; null = the points have none
+    PointAccuracies* Sigmas = nullptr;  // null = the points have none
 };
+PointAccuracies* SigmasOfPoints(PointAccuracies& sigmas, const PointSet& points) {
+    return !sigmas.Of[0].empty() && sigmas.Count() + 1 == points.Name.size() ? &sigmas : nullptr;
+}
 MatchedSet StartSet() {
-    return {Job.Start, "MCS"};
+    return {Job.Start, "MCS", nullptr, SigmasOfPoints(SigmasUnderWay.Start, Job.Start)};
 }
 MatchedSet TargetSet() {
     // Orientations of another number of poses are not those of these points.
     const bool arePoses = Job.RobotABC.Rows > 0 && Job.RobotABC.Rows == UpperBound(Job.Target.Name);
-    return {Job.Target, "OCS", arePoses ? &Job.RobotABC : nullptr};
+    return {Job.Target, "OCS", arePoses ? &Job.RobotABC : nullptr,
+            SigmasOfPoints(SigmasUnderWay.Target, Job.Target)};
 }
 
 // Shares of the whole import that the steps of the pairing have.
@@ -79,6 +84,14 @@ void RearrangeRows(Matrix& rows, const std::vector<std::int32_t>& place) {
     rows = std::move(arranged);
 }
 
+void Rearrange(PointAccuracies& sigmas, const std::vector<std::int32_t>& place) {
+    for (std::vector<double>& axis : sigmas.Of) {
+        const std::vector<double> before = axis;
+        for (std::size_t k = 1; k < place.size(); ++k)
+            axis[k - 1] = before[static_cast<std::size_t>(place[k]) - 1];
+    }
+}
+
 // Sorts a set by its names; the order then is that of the places. While it yields the set is as it was, or
 // sorted; nothing when the import must end.
 std::optional<NameOrder> SortSet(MatchedSet set) {
@@ -99,6 +112,7 @@ std::optional<NameOrder> SortSet(MatchedSet set) {
     points.Exchange(points.Y, *y);
     points.Exchange(points.Z, *z);
     if (set.Poses != nullptr) RearrangeRows(*set.Poses, order.Place);
+    if (set.Sigmas != nullptr) Rearrange(*set.Sigmas, order.Place);
     for (std::size_t k = 1; k < order.Place.size(); ++k) order.Place[k] = static_cast<std::int32_t>(k);
     if (!Discard(std::move(*names))) return std::nullopt;
     return order;
@@ -200,6 +214,8 @@ void BringToFront(MatchedSet set, std::vector<std::int32_t>& position) {
             double* const row = set.Poses->Row(static_cast<int>(c));
             std::swap_ranges(row, row + set.Poses->Columns + 1, set.Poses->Row(static_cast<int>(from)));
         }
+        if (set.Sigmas != nullptr)
+            for (std::vector<double>& axis : set.Sigmas->Of) std::swap(axis[c - 1], axis[from - 1]);
         const std::int32_t moved = pairAt[c];
         pairAt[from] = moved;
         if (moved != 0) position[static_cast<std::size_t>(moved)] = static_cast<std::int32_t>(from);

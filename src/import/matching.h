@@ -3,6 +3,7 @@
 #pragma once
 
 #include "core/arrays.h"
+#include "core/measurement_sigmas.h"
 #include "core/rooms.h"
 
 namespace corvinade::import {
@@ -14,6 +15,13 @@ struct MatchingOptions {
     bool CheckUseOnlyFirst = false;  // the search by distances uses the first target points alone
     double TextMaxOCS = 0;           // how many of them; cut to a whole number
 };
+
+// Accuracies of the points that an import has under way, of which the job knows nothing before it is done.
+// Those of a set are of as many points as that has names, or of none. Sorting and pairing take them along.
+struct PairedSigmas {
+    PointAccuracies Start, Target;
+};
+inline PairedSigmas SigmasUnderWay;
 
 // Sorts both sets by name and brings the points of equal name to the front. A name that occurs twice in
 // a set stops it: message, Run.ImportFailed. That is set too where a large import must end (long_import.h).

@@ -12,6 +12,7 @@
 
 #include "core/file_state.h"
 #include "core/job.h"
+#include "core/measurement_sigmas.h"
 #include "core/notes.h"
 #include "core/numbers.h"
 #include "core/platform.h"
@@ -273,6 +274,7 @@ void AddMorePoints(const std::string& path, PointSet points, const std::string& 
     Job.Transformed.Resize(Job.Start.Count());
     Job.Transformed.Append(points);
     Job.Start.Append(std::move(points));
+    ReachNewPoints(Job);
     ++Run.JobGeneration;
 }
 

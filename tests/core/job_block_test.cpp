@@ -324,3 +324,31 @@ TEST_F(JobBlocks, RVectorsThatAreShorterThanThePairsStayAsShort) {
     EXPECT_EQ(again.RVecX, more.RVecX);
     EXPECT_EQ(again.RVecZ, more.RVecZ);
 }
+
+TEST_F(JobBlocks, SigmasOfEachPointStandInIt) {
+    const int starts = Read(Fields()).Job.Start.Count(), targets = Read(Fields()).Job.Target.Count();
+    const auto list = [](int count) {
+        std::string text;
+        for (int i = 1; i <= count; ++i)
+            text += std::string(text.empty() ? "[" : ",") + "[" + std::to_string(i) + ",0.5,1e-07]";
+        return text + "]";
+    };
+    const std::string text = "{\"startSigmas\":" + list(starts) + ",\"targetSigmas\":" + list(targets) + "}";
+    JobRecord job = Read(Fields() + Block(text)).Job;
+    const MeasurementSigmas sigmas = SigmasOf(job);
+    ASSERT_NE(sigmas.StartOfEach, nullptr);
+    EXPECT_FALSE(sigmas.Start.has_value());
+    EXPECT_EQ(sigmas.StartOfEach->Count(), static_cast<std::size_t>(starts));
+    EXPECT_EQ(sigmas.StartOfEach->Of[0].back(), starts);
+    EXPECT_EQ(sigmas.TargetOfEach->Of[2].front(), 1e-7);
+    ExpectBytes(JobBytes(job, {}), Fields() + Block(text));
+    // One more or less than there are points is damage.
+    for (const int wrong : {starts - 1, starts + 1})
+        EXPECT_NE(FaultOf("{\"startSigmas\":" + list(wrong) + "}").find("each point"), std::string::npos);
+    EXPECT_NE(FaultOf("{\"startSigmas\":[[1,2,3],4]}").find("each point"), std::string::npos);
+    // New points join without errors.
+    job.Start.Resize(starts + 2);
+    ReachNewPoints(job);
+    EXPECT_EQ(SigmasOf(job).StartOfEach->Count(), static_cast<std::size_t>(starts) + 2);
+    EXPECT_EQ(SigmasOf(job).StartOfEach->Of[1].back(), 0);
+}

@@ -208,6 +208,9 @@ void OtherPictures() {
     Close("FormGrafik");
     Trigger("MenüViewInputStatistic");
     SaveWindow("FormInputStatistic", {400, 350});
+    Trigger("MenuTransformationReliability");
+    SaveWindow("FormReliability", {1240, 660});
+    Close("FormReliability");
     Trigger("MenuTransformationDistanceScale");
     SaveWindow("FormDistanceScale", {1100, 330});
     Press("FormDistanceScale", "BtnTrumpetGraph");
