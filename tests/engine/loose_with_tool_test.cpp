@@ -41,7 +41,14 @@ protected:
 
     // Tips seen by an instrument with noise of its own, in a unit that makes so much of a millimetre; poses
     // in the digits of a robot.
-    static void Touch(Tips where, int points, int seed, double robot = 0, double unit = 1, double gross = 0) {
+    struct Instrument {
+        double Noise = kNoise, Unit = 1, Gross = 0;
+        bool LeftHanded = false;
+    };
+    static void Touch(Tips where, int points, int seed, double robot = 0) {
+        Touch(where, points, seed, robot, Instrument());
+    }
+    static void Touch(Tips where, int points, int seed, double robot, const Instrument& instrument) {
         Job = JobRecord{};
         BeginFit();
         RhoFestlegung();
@@ -71,7 +78,10 @@ protected:
                     seen += B[k][axis] * (tip[k] - kOrigin[k]);
                     turned += G[axis][k] * tool[k];
                 }
-                start[axis] = unit * InDigits(seen + Noise(kNoise) + (i == 3 && axis == 0 ? gross : 0), 1e3);
+                start[axis] =
+                    (instrument.LeftHanded && axis == 1 ? -1 : 1) * instrument.Unit *
+                    InDigits(seen + Noise(instrument.Noise) + (i == 3 && axis == 0 ? instrument.Gross : 0),
+                             1e3);
                 target[axis] = InDigits(tip[axis] - turned + Noise(robot), 1e3);
             }
             AddPair(start, target);
@@ -82,7 +92,8 @@ protected:
         Job.RVecZ.resize(size);
     }
 
-    static void Fit(const char* preset) {
+    static void Fit(const char* preset, std::int16_t norm = 2) {
+        Job.NormType = norm;
         SelectPreset(preset);
         ChooseDefaultSeeds();
         for (const int k : {kRvecX, kRvecY, kRvecZ}) Job.ParamText[At(k)] = kFloat;
@@ -227,9 +238,47 @@ TEST_F(LooseWithTool, PointsInAnotherUnitAreNoCollapsedScale) {
     for (int seed = 0; seed < 6; ++seed)
         for (const double gross : {0.0, 5.0}) {
             SCOPED_TRACE(std::to_string(seed) + ", gross " + std::to_string(gross));
-            Touch(Tips::InSpace, 12, seed, 0, 1000, gross);
+            Touch(Tips::InSpace, 12, seed, 0, {.Unit = 1000, .Gross = gross});
             Fit("7");
             EXPECT_FALSE(Warned()) << Texts();
             EXPECT_NEAR(Job.ScaleXYZ, 1e-3, 2e-5);
+        }
+}
+
+// Which way round a flat set is, and which way a scale across it points, only noise says.
+TEST_F(LooseWithTool, FlatTipsAreNoMirrorImage) {
+    int held = 0;
+    for (const std::int16_t norm : {2, 1, 3})
+        for (int seed = 0; seed < 16; ++seed) {
+            SCOPED_TRACE(std::to_string(norm) + ", seed " + std::to_string(seed));
+            Touch(Tips::InAPlane, 10, seed, seed % 2 == 0 ? 0 : kNoise, {.Noise = 0.5});
+            Fit("9", norm);
+            EXPECT_FALSE(Noted(NoteCode::Mirrored)) << Texts();
+            EXPECT_GT(Job.ScaleX * Job.ScaleY * Job.ScaleZ, 0);
+            EXPECT_NE(Job.LeftOpen[kScaleZ], 0) << Texts();
+            if (Calculation.HeldByFit[kScaleZ]) {
+                ++held;
+                EXPECT_NEAR(Job.ScaleZ, 1, 0.01);
+                EXPECT_TRUE(std::isnan(Calculation.Sigma[kScaleZ]));
+            }
+            // What lies in the plane is where it belongs.
+            const reference::Square B = Base();
+            Point inside{};
+            for (std::size_t k = 0; k < 3; ++k)
+                inside[k] =
+                    B[0][k] * (600 - kOrigin[0]) + B[1][k] * (0 - kOrigin[1]) + B[2][k] * (50 - kOrigin[2]);
+            EXPECT_LT(Astray(inside), 2);
+        }
+    EXPECT_GT(held, 8);
+}
+
+TEST_F(LooseWithTool, TipsInSpaceThatAreSeenLeftHandedStayMirrored) {
+    for (const char* preset : {"9", "12"})
+        for (int seed = 0; seed < 6; ++seed) {
+            SCOPED_TRACE(std::string(preset) + ", seed " + std::to_string(seed));
+            Touch(Tips::InSpace, 10, seed, 0, {.LeftHanded = true});
+            Fit(preset);
+            EXPECT_TRUE(Noted(NoteCode::Mirrored)) << Texts();
+            EXPECT_LT(Calculation.s0, 3 * kNoise);
         }
 }
