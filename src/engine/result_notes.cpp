@@ -181,10 +181,12 @@ void NoteNearLock(const FitModel& model) {
     constexpr double kNear = 1e-4;
     const double cosine = std::fabs(std::cos(Job.RotY));
     if (cosine > kNear || model.UnknownOf[kRotX] == 0 || model.UnknownOf[kRotZ] == 0) return;
-    AddNote(
-        NoteCode::GimbalLock,
-        "Rot y is all but at a right angle (gimbal lock): Rot x and Rot z are hardly told apart, and their "
-        "sigmas are large; what both do together is as well determined as ever");
+    const bool known = !IsLeftOpen(kRotX) && !IsLeftOpen(kRotZ);
+    AddNote(NoteCode::GimbalLock,
+            std::string(
+                "Rot y is all but at a right angle (gimbal lock): Rot x and Rot z are hardly told apart") +
+                (known ? ", and their sigmas are large" : "") +
+                "; what both do together is as well determined as ever");
 }
 
 // How far R K S is from carrying all into one plane: 1 for right angles, 0 for a plane, below 0 mirrored.
