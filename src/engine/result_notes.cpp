@@ -17,6 +17,7 @@
 #include "engine/loose_scales.h"
 #include "engine/loose_turns.h"
 #include "engine/norm_table.h"
+#include "engine/other_turn.h"
 #include "engine/parameter_kind.h"
 #include "fit/open_parameters.h"
 #include "fit/small_svd.h"
@@ -154,6 +155,24 @@ void NoteLooseTurns(const NormFit& fit, const OpenParameters& open, const FitMod
             " is as good as open, and what lies off the points is put all but anywhere");
 }
 
+// Points on a line that what is held lets lie in two ways.
+void NoteOtherTurn(const NormFit& fit, const FitModel& model, const Linearisation& at) {
+    const bool told = std::any_of(&Job.LeftOpen[kRotX], &Job.LeftOpen[kRotZ] + 1,
+                                  [](const auto& mark) { return mark != 0; });
+    if (told || IsTrue(Job.Collapsed)) return;
+    const bool robust = NormOfJob().Fit == FitNorm::LeastSum;
+    const OtherTurn other = FindOtherTurn(fit.Points, model, at, robust, fit.LeftByPoses.Directions);
+    if (other.Angle == 0) return;
+    for (int k = kTraX; k < kParameterEnd; ++k)
+        if (other.Moves[At(k)]) Job.LeftOpen[At(k)] = 1;
+    AddNote(
+        NoteCode::HardlyKnown,
+        "The points in use, or their targets, are so near to one line that another result, turned about it by " +
+            ShownAngle(other.Angle) + " " + Job.AngleUnitName +
+            ", keeps what is held and fits as well: what is shown for " + NamesOf(other.Moves) +
+            " is one of two, and what lies off the points may be put elsewhere");
+}
+
 // Of those that are not told as open already.
 void NoteLooseScales(const NormFit& fit, const FitModel& model, const Linearisation& at, bool robust) {
     LooseScales loose = FindLooseScales(fit, model, at, robust);
@@ -273,6 +292,7 @@ void NoteResult(const NormFit& fit) {
     NoteLeftByPoses(fit.LeftByPoses);
     if (!onePlace && !IsTrue(Job.IsParaboloid)) {
         NoteLooseTurns(fit, open, model, at);
+        NoteOtherTurn(fit, model, at);
         NoteLooseScales(fit, model, at, NormOfJob().Fit == FitNorm::LeastSum);
     }
     for (int k = kTraX; k < kParameterEnd; ++k)
