@@ -98,6 +98,18 @@ private:
     Mat3 R_;
 };
 
+// The points, or their targets, lie along w: a turn about it moves them by a tenth of what others do.
+bool LieAlong(const Vec3& w, const TurnForms& forms) {
+    constexpr double kShort = 0.01;  // squares
+    const auto shortOf = [&w](const Mat3& form) {
+        double along = 0;
+        for (int j = 1; j <= 3; ++j)
+            for (int k = 1; k <= 3; ++k) along += w(j) * form(j, k) * w(k);
+        return along < kShort * (form(1, 1) + form(2, 2) + form(3, 3));
+    };
+    return shortOf(forms.Images) || shortOf(forms.Targets);
+}
+
 constexpr int kSteps = 720;
 constexpr double kSamePlace = 0.05;  // rad
 
@@ -171,6 +183,7 @@ OtherTurn FindOtherTurn(const GatheredPoints& points, const FitModel& model, con
         return all;
     }();
     for (const LooseTurn& loose : FindTurnsLeft(points, free, at, robust, still)) {
+        if (!LieAlong(loose.Axis, TurnForms(pairs, free, still))) continue;
         const Road road(pairs, model, still, loose.Axis);
         const double noise = TurnForms(pairs, model, still).Noise;
         const double most = kTimes * road.SumAt(0) + kNoises * noise * noise;
