@@ -10,6 +10,7 @@
 #include "fit/normal_equations.h"
 #include "fit/small_svd.h"
 #include "fit/statistics.h"
+#include "fit/tool_tips.h"
 
 namespace corvinade::engine {
 
@@ -21,8 +22,11 @@ std::size_t At(int i) {
 
 constexpr double kEpsilon = 2.220446049250313e-16;
 
-bool IsOfFrame(int parameter) {
-    return parameter >= kScaleX && parameter <= kAngleZtoXY && parameter != kScaleXYZ;
+// One scale of all axes depends on the plane of the points no more than they do, but tips all but at one
+// place leave it to noise.
+bool IsOfFrame(int parameter, FitMode mode) {
+    if (parameter == kScaleXYZ) return mode == FitMode::Tool;
+    return parameter >= kScaleX && parameter <= kAngleZtoXY;
 }
 
 // Whole pairs, without gross errors where they are to stand aside.
@@ -86,15 +90,27 @@ double SizeOf(const Vec3& relief) {
     return std::hypot(relief(1), relief(2), relief(3));
 }
 
+// Fastens what the poses leave open of the tool vector: its part along directions of the flange, and the
+// parts that are told as open.
+void HoldTool(const FitModel& model, const std::vector<Vec3>& still, double weight, Matrix& N) {
+    for (int j = 1; j <= 3; ++j) {
+        const int row = model.UnknownOf[At(kRvecX + j - 1)];
+        if (Job.LeftOpen[At(kRvecX + j - 1)] != 0) N(row, row) += weight;
+        for (int k = 1; k <= 3; ++k)
+            for (const Vec3& w : still) N(row, model.UnknownOf[At(kRvecX + k - 1)]) += weight * w(j) * w(k);
+    }
+}
+
 // The diagonal of the inverse of the normal matrix with equal weights, by unknown; of some of the pairs where
 // these are many.
 Column Cofactors(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
-                 const std::vector<int>& pairs) {
+                 const std::vector<int>& pairs, const std::vector<Vec3>& still) {
     constexpr std::size_t kSample = 2000;
     const std::size_t step = std::max<std::size_t>(1, pairs.size() / kSample);
     const int u = model.Unknowns;
     // Of a lean of next to nothing the direction is anything: the lean alone counts.
     const int without = model.UnknownOf[kAzimuth];
+    const bool tool = model.Mode == FitMode::Tool && model.ToolFloats;
     Matrix N(u, u), Q(u, u);
     Column w(At(u) + 1), x(At(u) + 1), row(At(u) + 1), cofactors(At(u) + 1);
     for (std::size_t k = 0; k < pairs.size(); k += step)
@@ -109,10 +125,14 @@ Column Cofactors(const GatheredPoints& points, const FitModel& model, const Line
                     value += derivative.D(axis, j) * points.Start[At(j - 1)][At(pairs[k])];
                 row[At(derivative.Unknown)] = value;
             }
+            for (int j = 1; j <= 3 && tool; ++j)
+                row[At(model.UnknownOf[At(kRvecX + j - 1)])] =
+                    points.Pose[At(3 * (axis - 1) + j - 1)][At(pairs[k])];
             for (int i = 1; i <= u; ++i)
                 for (int j = 1; j <= u; ++j) N(i, j) += row[At(i)] * row[At(j)] * static_cast<double>(step);
         }
     if (without != 0) N(without, without) = 1;
+    if (tool) HoldTool(model, still, static_cast<double>(pairs.size()), N);
     SolveNormalEquations(N, w, u, Q, x);
     for (int i = 1; i <= u; ++i) cofactors[At(i)] = Q(i, i);
     return cofactors;
@@ -129,12 +149,13 @@ LooseScales FindLooseScales(const NormFit& fit, const FitModel& model, const Lin
     LooseScales loose;
     bool ofFrame = false;
     for (int k = kScaleX; k <= kAngleZtoXY; ++k)
-        ofFrame = ofFrame || (IsOfFrame(k) && model.UnknownOf[At(k)] != 0);
-    if (model.Mode != FitMode::Coincide || !ofFrame) return loose;
-    const WholePairs pairs(fit.Points, at, model.Unknowns, robust);
+        ofFrame = ofFrame || (IsOfFrame(k, model.Mode) && model.UnknownOf[At(k)] != 0);
+    if (model.Mode == FitMode::Distance || !ofFrame) return loose;
+    const GatheredPoints tips = model.Mode == FitMode::Tool ? AtTips(fit.Points, at.Tool) : GatheredPoints{};
+    const GatheredPoints& points = model.Mode == FitMode::Tool ? tips : fit.Points;
+    const WholePairs pairs(points, at, model.Unknowns, robust);
     if (3 * static_cast<int>(pairs.List.size()) <= model.Unknowns) return loose;
-    const Vec3 start = ReliefOf(fit.Points.Start, pairs.List),
-               target = ReliefOf(fit.Points.Target, pairs.List);
+    const Vec3 start = ReliefOf(points.Start, pairs.List), target = ReliefOf(points.Target, pairs.List);
     // What is flat but for rounding is open, and told already.
     if (!(start(3) > kFlat * start(1))) return loose;
     const double scale = SizeOf(target) / SizeOf(start);
@@ -142,20 +163,20 @@ LooseScales FindLooseScales(const NormFit& fit, const FitModel& model, const Lin
     loose.Relief = std::fmin(start(3) * scale, target(3));
     loose.Noise = pairs.Noise;
     const bool thin = loose.Relief < kThin * loose.Noise;
-    const Column cofactors = Cofactors(fit.Points, model, at, pairs.List);
+    const Column cofactors = Cofactors(points, model, at, pairs.List, fit.LeftByPoses.Directions);
     std::array<double, kParameterEnd> sigma{};
     double best = std::numeric_limits<double>::infinity();
     for (int k = kScaleX; k <= kAngleZtoXY; ++k) {
         const int unknown = model.UnknownOf[At(k)];
-        if (!IsOfFrame(k) || unknown == 0 || k == kAzimuth) continue;
+        if (!IsOfFrame(k, model.Mode) || unknown == 0 || k == kAzimuth) continue;
         const double one = KindOf(k) == ParameterKind::Scale ? scale : 1;
         sigma[At(k)] = loose.Noise * std::sqrt(std::fabs(cofactors[At(unknown)])) / one;
         best = std::fmin(best, sigma[At(k)]);
     }
     for (int k = kScaleX; k <= kAngleZtoXY; ++k)
         loose.Of[At(k)] =
-            sigma[At(k)] > kLoose ||
-            (thin && sigma[At(k)] > 0 && (sigma[At(k)] > kLooseIfThin || sigma[At(k)] > kWorse * best));
+            sigma[At(k)] > kLoose || (thin && k != kScaleXYZ && sigma[At(k)] > 0 &&
+                                      (sigma[At(k)] > kLooseIfThin || sigma[At(k)] > kWorse * best));
     loose.Of[kAzimuth] = loose.Of[kAngleZtoXY] && model.UnknownOf[kAzimuth] != 0;
     return loose;
 }

@@ -15,8 +15,9 @@ struct LooseScales {
     bool Any() const;
 };
 
-// Of a result of the plain model with scales of the axes; nothing for other models, for one scale of all
-// axes, and where there is no redundancy.
+// Of a result of the plain model with scales of the axes, or of that of the tool with any scale, where the
+// targets are the tips of the poses and the tool vector floats along; nothing where a distance floats, for
+// one scale of all axes of the plain model, and where there is no redundancy.
 //
 // A parameter is loose where its standard deviation, by equal weights and the noise that the deviations show,
 // is above a tenth (of the scale, or rad); and where points stand off their best plane by less than four

@@ -5,7 +5,8 @@
 #include <cmath>
 
 #include "core/job.h"
-#include "fit/chain.h"
+#include "engine/turn_axes.h"
+#include "engine/turns_left.h"
 #include "fit/small_svd.h"
 #include "fit/statistics.h"
 #include "fit/vector.h"
@@ -159,71 +160,6 @@ Turn TurnAbout(const Vec3& w, const Pairs& pairs) {
     return turn;
 }
 
-// The axes that the floating angles turn about, in the target system: the derivative of R is [axis]x R.
-struct Axes {
-    std::vector<int> Parameters;
-    std::vector<Vec3> Of;
-
-    explicit Axes(const FitModel& model) {
-        Mat3 afterZ, afterYZ;  // R = Rz(-c) Ry(-b) Rx(-a)
-        RotMatrixXYZ(0, 0, Job.RotZ, afterZ);
-        RotMatrixXYZ(0, Job.RotY, Job.RotZ, afterYZ);
-        const std::array<Vec3, 3> axes = {Vec3(-afterYZ(1, 1), -afterYZ(2, 1), -afterYZ(3, 1)),
-                                          Vec3(-afterZ(1, 2), -afterZ(2, 2), -afterZ(3, 2)), Vec3(0, 0, -1)};
-        for (int k = kRotX; k <= kRotZ; ++k) {
-            if (model.UnknownOf[At(k)] == 0) continue;
-            Parameters.push_back(k);
-            Of.push_back(axes[At(k - kRotX)]);
-        }
-    }
-
-    // Unit vectors at right angles that span what can be turned about. All three angles reach every turn,
-    // at gimbal lock too, where their axes lie in one plane: but for a moment.
-    std::vector<Vec3> Span() const {
-        if (Of.size() == 3) return {Vec3(1, 0, 0), Vec3(0, 1, 0), Vec3(0, 0, 1)};
-        std::vector<Vec3> span;
-        constexpr double kSame = 1e-6;
-        for (Vec3 axis : Of) {
-            for (const Vec3& before : span) {
-                const double share = Dot(axis, before);
-                for (int k = 1; k <= 3; ++k) axis(k) -= share * before(k);
-            }
-            if (std::sqrt(Dot(axis, axis)) < kSame) continue;
-            VecNormalize(axis, axis);
-            span.push_back(axis);
-        }
-        return span;
-    }
-
-    // The angles that take part in a turn, by shares of the largest above `least`.
-    std::array<bool, kParameterEnd> Marked(const Vec3& w, double least) const {
-        std::array<bool, kParameterEnd> marked{};
-        const int m = static_cast<int>(Of.size());
-        std::vector<double> A(At(3 * m));
-        for (int axis = 1; axis <= 3; ++axis)
-            for (int k = 0; k < m; ++k) A[At((axis - 1) * m + k)] = Of[At(k)](axis);
-        const SmallSvd svd = DecomposeSmall(A, 3, m);
-        std::vector<double> shares(At(m));
-        Vec3 reached;
-        constexpr double kLocked = 1e-4, kReached = 0.1;
-        for (int j = 0; j < m; ++j) {
-            if (!(svd.s[At(j)] > kLocked)) continue;
-            double along = 0;
-            for (int axis = 1; axis <= 3; ++axis) along += svd.U[At((axis - 1) * m + j)] * w(axis);
-            for (int axis = 1; axis <= 3; ++axis) reached(axis) += svd.U[At((axis - 1) * m + j)] * along;
-            for (int k = 0; k < m; ++k) shares[At(k)] += svd.V[At(k * m + j)] * along / svd.s[At(j)];
-        }
-        Vec3 missing;
-        VecSub(w, reached, missing);
-        double largest = 0;
-        for (const double share : shares) largest = std::max(largest, std::fabs(share));
-        for (int k = 0; k < m; ++k)
-            marked[At(Parameters[At(k)])] =
-                std::sqrt(Dot(missing, missing)) > kReached || std::fabs(shares[At(k)]) > least * largest;
-        return marked;
-    }
-};
-
 // Unit vectors within the span along which the products of two clouds are least to greatest, in no order.
 void AddAxes(const std::vector<Vec3>& span, const Pairs& pairs, const Vec3 Pair::*a, const Vec3 Pair::*b,
              std::vector<Vec3>& axes) {
@@ -357,7 +293,7 @@ private:
 
     const Pairs& pairs_;
     Pairs nearImages_, nearTargets_;
-    Axes axes_;
+    TurnAxes axes_;
     Noise noise_;
     bool robust_;
     std::vector<Vec3> candidates_;
@@ -367,12 +303,13 @@ private:
 }  // namespace
 
 std::vector<LooseTurn> FindLooseTurns(const GatheredPoints& points, const FitModel& model,
-                                      const Linearisation& at, bool robust) {
-    if (model.Mode != FitMode::Coincide) return {};
-    for (int k = kTraX; k <= kTraZ; ++k)
-        if (model.UnknownOf[At(k)] == 0) return {};
+                                      const Linearisation& at, bool robust, const std::vector<Vec3>& still) {
+    if (model.Mode == FitMode::Distance) return {};
     if (std::none_of(&model.UnknownOf[kRotX], &model.UnknownOf[kRotZ] + 1, [](int u) { return u != 0; }))
         return {};
+    const bool anywhere =
+        std::all_of(&model.UnknownOf[kTraX], &model.UnknownOf[kTraZ] + 1, [](int u) { return u != 0; });
+    if (model.Mode == FitMode::Tool || !anywhere) return FindTurnsLeft(points, model, at, robust, still);
     constexpr int kSample = 256;
     const int step = std::max(1, points.Count / kSample);
     for (int every = step;; every = 1) {

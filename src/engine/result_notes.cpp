@@ -6,22 +6,21 @@
 #include <cmath>
 #include <limits>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "core/job.h"
 #include "core/notes.h"
 #include "core/numbers.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
+#include "engine/collapse.h"
 #include "engine/design.h"
 #include "engine/loose_scales.h"
 #include "engine/loose_turns.h"
 #include "engine/norm_table.h"
+#include "engine/other_turn.h"
 #include "engine/parameter_kind.h"
 #include "fit/open_parameters.h"
 #include "fit/small_svd.h"
-#include "fit/statistics.h"
 
 namespace corvinade::engine {
 
@@ -37,6 +36,11 @@ void TakeSigma(int parameter) {
     // The length of the tool vector is no better known than its parts.
     if (parameter >= kRvecX && parameter <= kRvecZ)
         Calculation.Sigma[kRDist] = Calculation.Significance[kRDist] = kNone;
+}
+
+void TakeSigmaOfAngles(const FitModel& model) {
+    for (int k = kRotX; k <= kRotZ; ++k)
+        if (model.UnknownOf[At(k)] != 0) TakeSigma(k);
 }
 
 void NoteOpen(const NormFit& fit, const OpenParameters& open, const FitModel& model) {
@@ -107,7 +111,7 @@ void NoteLooseTurns(const NormFit& fit, const OpenParameters& open, const FitMod
     std::array<bool, kParameterEnd> free{}, hardly{};
     int turns = 0;
     double sigma = 0;
-    for (const LooseTurn& turn : FindLooseTurns(fit.Points, model, at, robust)) {
+    for (const LooseTurn& turn : FindLooseTurns(fit.Points, model, at, robust, fit.LeftByPoses.Directions)) {
         turns += turn.Open ? 1 : 0;
         if (!turn.Open) sigma = std::max(sigma, turn.Sigma);
         for (int k = kTraX; k < kParameterEnd; ++k)
@@ -124,22 +128,49 @@ void NoteLooseTurns(const NormFit& fit, const OpenParameters& open, const FitMod
             TakeSigma(k);
             Job.LeftOpen[At(k)] = 1;
         }
-        AddNote(NoteCode::OpenParameters,
-                "The points in use, or their targets, are on one line or at one place, so that a turn leaves "
-                "the deviations as they are: what is shown for " +
-                    NamesOf(free) + " is arbitrary and has no sigma");
+        AddNote(
+            NoteCode::OpenParameters,
+            (model.Mode == FitMode::Tool ? std::string("The points in use, or the tips of their poses, are")
+                                         : std::string("The points in use, or their targets, are")) +
+                " on one line or at one place, so that a turn leaves the deviations as they are: what is "
+                "shown for " +
+                NamesOf(free) + " is arbitrary and has no sigma");
     }
     // Of a collapsed scale nothing is known anyway.
     if (sigma == 0 || IsTrue(Job.Collapsed) || told(hardly)) return;
     for (int k = kTraX; k < kParameterEnd; ++k)
         if (hardly[At(k)]) Job.LeftOpen[At(k)] = 1;
     constexpr double kNothing = 1;  // rad: a sigma of this size says no more
-    AddNote(NoteCode::HardlyKnown,
-            "The points in use, or their targets, are so near to one line or one place that a turn is " +
-                (sigma < kNothing ? "known to " + ShownAngle(sigma) + " " + Job.AngleUnitName + " only"
-                                  : std::string("not known at all")) +
-                ": what is shown for " + NamesOf(hardly) +
-                " is as good as open, and what lies off the points is put all but anywhere");
+    AddNote(
+        NoteCode::HardlyKnown,
+        (model.Mode == FitMode::Tool
+             ? std::string(
+                   "The points in use, or the tips of their poses, are so near to one line or one place "
+                   "that a turn is ")
+             : std::string("The points in use, or their targets, are so near to one line or one place that a "
+                           "turn is ")) +
+            (sigma < kNothing ? "known to " + ShownAngle(sigma) + " " + Job.AngleUnitName + " only"
+                              : std::string("not known at all")) +
+            ": what is shown for " + NamesOf(hardly) +
+            " is as good as open, and what lies off the points is put all but anywhere");
+}
+
+// Points on a line that what is held lets lie in two ways.
+void NoteOtherTurn(const NormFit& fit, const FitModel& model, const Linearisation& at) {
+    const bool told = std::any_of(&Job.LeftOpen[kRotX], &Job.LeftOpen[kRotZ] + 1,
+                                  [](const auto& mark) { return mark != 0; });
+    if (told || IsTrue(Job.Collapsed)) return;
+    const bool robust = NormOfJob().Fit == FitNorm::LeastSum;
+    const OtherTurn other = FindOtherTurn(fit.Points, model, at, robust, fit.LeftByPoses.Directions);
+    if (other.Angle == 0) return;
+    for (int k = kTraX; k < kParameterEnd; ++k)
+        if (other.Moves[At(k)]) Job.LeftOpen[At(k)] = 1;
+    AddNote(
+        NoteCode::HardlyKnown,
+        "The points in use, or their targets, are so near to one line that another result, turned about it by " +
+            ShownAngle(other.Angle) + " " + Job.AngleUnitName +
+            ", keeps what is held and fits as well: what is shown for " + NamesOf(other.Moves) +
+            " is one of two, and what lies off the points may be put elsewhere");
 }
 
 // Of those that are not told as open already.
@@ -152,8 +183,13 @@ void NoteLooseScales(const NormFit& fit, const FitModel& model, const Linearisat
         if (loose.Of[At(k)]) Job.LeftOpen[At(k)] = 1;
     AddNote(
         NoteCode::HardlyKnown,
-        "The points in use, or their targets, stand off a plane or a line by little more than their noise, which "
-        "alone determines " +
+        (model.Mode == FitMode::Tool
+             ? std::string(
+                   "The points in use, or the tips of their poses, stand off a plane, a line or one place by "
+                   "little more than their noise, which alone determines ")
+             : std::string(
+                   "The points in use, or their targets, stand off a plane or a line by little more than "
+                   "their noise, which alone determines ")) +
             NamesOf(loose.Of) +
             ": what is shown is as good as open, and what lies off the points is put "
             "all but anywhere; hold what leads across them");
@@ -164,190 +200,12 @@ void NoteNearLock(const FitModel& model) {
     constexpr double kNear = 1e-4;
     const double cosine = std::fabs(std::cos(Job.RotY));
     if (cosine > kNear || model.UnknownOf[kRotX] == 0 || model.UnknownOf[kRotZ] == 0) return;
-    AddNote(
-        NoteCode::GimbalLock,
-        "Rot y is all but at a right angle (gimbal lock): Rot x and Rot z are hardly told apart, and their "
-        "sigmas are large; what both do together is as well determined as ever");
-}
-
-// How far the points in use reach along each axis of the start system, and the target's along any.
-struct Reach {
-    std::array<double, 4> Start{};
-    double Target = 0, LargestTarget = 0;
-
-    Reach() {
-        std::array<double, 4> least{}, most{}, leastTarget{}, mostTarget{};
-        bool first = true;
-        for (int i = 1; i <= Job.Pairs(); ++i) {
-            const Vec3 p = StartPoint(i), q = TargetPoint(i);
-            if (!Used(i, 1) && !Used(i, 2) && !Used(i, 3)) continue;
-            for (int k = 1; k <= 3; ++k) {
-                least[At(k)] = first ? p(k) : std::min(least[At(k)], p(k));
-                most[At(k)] = first ? p(k) : std::max(most[At(k)], p(k));
-                leastTarget[At(k)] = first ? q(k) : std::min(leastTarget[At(k)], q(k));
-                mostTarget[At(k)] = first ? q(k) : std::max(mostTarget[At(k)], q(k));
-                LargestTarget = std::max(LargestTarget, std::fabs(q(k)));
-            }
-            first = false;
-        }
-        for (int k = 1; k <= 3; ++k) {
-            Start[At(k)] = most[At(k)] - least[At(k)];
-            Target = std::max(Target, mostTarget[At(k)] - leastTarget[At(k)]);
-        }
-    }
-};
-
-// Root mean squares about the middle, mm: of the start points in use, of their images, each as a whole and
-// along its least direction, of the target points, and of the deviations. And the deviation that half of the
-// points reach, which gross errors leave as it is.
-struct Spreads {
-    double Start = 0, LeastStart = 0, Image = 0, LeastImage = 0, Target = 0, Deviation = 0, HalfDeviation = 0;
-
-    explicit Spreads(const Mat3& M) {
-        std::vector<Vec3> points, targets;
-        std::vector<double> deviations;
-        Vec3 middle, targetMiddle;
-        double squares = 0;
-        for (int i = 1; i <= Job.Pairs(); ++i) {
-            bool any = false;
-            double ofPoint = 0;
-            for (int axis = 1; axis <= 3; ++axis) {
-                if (!Used(i, axis)) continue;
-                const std::size_t row = At(3 * (i - 1) + axis);
-                any = true;
-                ofPoint += Calculation.v[row] * Calculation.v[row];
-            }
-            squares += ofPoint;
-            if (any) deviations.push_back(std::sqrt(ofPoint));
-            if (any) points.push_back(StartPoint(i));
-            if (any) targets.push_back(TargetPoint(i));
-        }
-        const double count = std::max<double>(1, static_cast<double>(points.size()));
-        for (const Vec3& p : points)
-            for (int k = 1; k <= 3; ++k) middle(k) += p(k) / count;
-        for (const Vec3& q : targets)
-            for (int k = 1; k <= 3; ++k) targetMiddle(k) += q(k) / count;
-        double targetSquares = 0;
-        for (const Vec3& q : targets)
-            for (int k = 1; k <= 3; ++k)
-                targetSquares += (q(k) - targetMiddle(k)) * (q(k) - targetMiddle(k)) / count;
-        Target = std::sqrt(targetSquares);
-        Mat3 start;
-        for (const Vec3& p : points)
-            for (int i = 1; i <= 3; ++i)
-                for (int j = 1; j <= 3; ++j) start(i, j) += (p(i) - middle(i)) * (p(j) - middle(j)) / count;
-        Mat3 turned, image;
-        for (int i = 1; i <= 3; ++i)
-            for (int j = 1; j <= 3; ++j)
-                for (int k = 1; k <= 3; ++k) turned(i, j) += M(i, k) * start(k, j);
-        for (int i = 1; i <= 3; ++i)
-            for (int j = 1; j <= 3; ++j)
-                for (int k = 1; k <= 3; ++k) image(i, j) += turned(i, k) * M(j, k);
-        Take(start, Start, LeastStart);
-        Take(image, Image, LeastImage);
-        Deviation = std::sqrt(squares / count);
-        HalfDeviation = MiddleOf(std::move(deviations));
-    }
-
-private:
-    static void Take(const Mat3& products, double& whole, double& least) {
-        whole = std::sqrt(products(1, 1) + products(2, 2) + products(3, 3));
-        least = std::sqrt(Decompose3(products).s(3));
-    }
-};
-
-// Points (of the target, or their images) less than a thousandth as far apart as they should be, whose images
-// are hardly farther apart than the deviations are long: their scale is what the noise makes of none. A fit
-// of many parameters takes up most of the noise of few points, whatever the norm. Metres that were read as
-// millimetres are a thousandth, and with gross errors among them deviate as much: they stay above.
-constexpr double kSmall = 8e-4, kMostOfDeviation = 10;
-bool Drowned(double apart, double image, double whole, const Spreads& spreads) {
-    return apart <= kSmall * whole && image <= kMostOfDeviation * spreads.Deviation;
-}
-
-// The same of images, however far apart their targets are, as targets on one line can be: far nearer to each
-// other than most deviations are long. Few gross errors among points of another unit do not make it so.
-bool ImagesDrowned(const Spreads& spreads) {
-    constexpr double kMostOfHalf = 0.1;
-    return spreads.Image <= kSmall * spreads.Start && spreads.Image <= kMostOfHalf * spreads.HalfDeviation;
-}
-
-void NoteCollapsed(std::string text) {
-    Job.Collapsed = kTrue;
-    AddNote(NoteCode::CollapsedScale, std::move(text));
-}
-
-// Sums of products of such lengths are below the least number that is kept in full.
-void NoteTooNear(const FitModel& model) {
-    constexpr double kNear = 1e-70;    // mm
-    constexpr int kMostPoints = 1000;  // many points that are measured at all are not so near
-    if (Job.Pairs() > kMostPoints) return;
-    const Reach reach;
-    const double start = std::max({reach.Start[1], reach.Start[2], reach.Start[3]}), target = reach.Target;
-    const auto near = [](double length) { return length > 0 && length < kNear; };
-    if (!near(start) && !near(target)) return;
-    for (int k = kRotX; k <= kRotZ; ++k)
-        if (model.UnknownOf[At(k)] != 0) Job.LeftOpen[At(k)] = 1;
-    AddNote(
-        NoteCode::PointsTooNear,
-        "The points in use are nearer to each other than 1e-70 mm: products of such lengths have no digits, "
-        "so neither the rotation nor the deviations are to be trusted");
-}
-
-// A scale of next to nothing carries all points to one place, or into one plane, and fits whatever is there.
-// True where all of them are at one place.
-bool NoteCollapse(const FitModel& model, const Mat3& M) {
-    constexpr double kNothing = 1e-9, kOnePlace = 1e-6, kRounding = 64 * 2.220446049250313e-16;
-    const bool one = model.UnknownOf[kScaleXYZ] != 0;
-    bool any = one;
-    for (int k = kScaleX; k <= kScaleZ; ++k) any = any || model.UnknownOf[At(k)] != 0;
-    if (!any) return false;
-    const Reach reach;
-    const double start = std::max({reach.Start[1], reach.Start[2], reach.Start[3]});
-    if (!(start > 0)) return false;
-    Spreads spreads(M);
-    // A residual is the way to the target point in the plain model alone.
-    if (model.Mode != FitMode::Coincide) spreads.Deviation = spreads.HalfDeviation = 0;
-    // Targets of another unit are near to each other too, and their images then fit them. Those of a shape
-    // are wherever the points are carried to, and shrink with them.
-    const bool images = IsTrue(Job.IsParaboloid) || spreads.Image <= kMostOfDeviation * spreads.HalfDeviation;
-    const bool onePlace =
-        reach.Target <= kRounding * reach.LargestTarget || (reach.Target <= kOnePlace * start && images);
-    if (onePlace || Drowned(spreads.Target, spreads.Image, spreads.Start, spreads)) {
-        NoteCollapsed(
-            IsTrue(Job.IsParaboloid)
-                ? "The scale has all but gone to 0: it carries all points to one place of the shape, which fits "
-                  "whatever the points are, so this is no fit, and the rotation is arbitrary"
-                : "The target points in use are all at one place, or all but so: a scale of 0 fits them "
-                  "whatever the start points are, so this is no fit, and the rotation is arbitrary");
-        for (int k = kRotX; k <= kRotZ; ++k)
-            if (model.UnknownOf[At(k)] != 0) TakeSigma(k);
-        return true;
-    }
-    bool noted = false;
-    for (int k = 1; k <= 3; ++k) {
-        const int parameter = kScaleX + k - 1;
-        if (!one && model.UnknownOf[At(parameter)] == 0) continue;
-        const double image = std::fabs(ParameterValue(Job, parameter)) * reach.Start[At(k)];
-        if (reach.Start[At(k)] <= kNothing * start || image > kNothing * reach.Target) continue;
-        NoteCollapsed(std::string(ParameterName(one ? kScaleXYZ : parameter)) +
-                      " has gone to 0: it carries points that are apart onto each other");
-        noted = true;
-        if (one) break;
-    }
-    if (!noted && ImagesDrowned(spreads)) {
-        NoteCollapsed(
-            "The scale has all but gone to 0: it carries the points onto places that are far nearer to each other "
-            "than the deviations are long, so it is what the deviations make of none");
-        noted = true;
-    }
-    constexpr double kFlat = 1e-2;
-    if (!noted && !one && spreads.LeastStart > kFlat * spreads.Start &&
-        Drowned(spreads.LeastImage, spreads.LeastImage, spreads.Image, spreads))
-        NoteCollapsed(
-            "The result carries the points all but into one plane, about as near to it as the deviations are "
-            "long: along one direction the scale is what the noise makes of none");
-    return false;
+    const bool known = !IsLeftOpen(kRotX) && !IsLeftOpen(kRotZ);
+    AddNote(NoteCode::GimbalLock,
+            std::string(
+                "Rot y is all but at a right angle (gimbal lock): Rot x and Rot z are hardly told apart") +
+                (known ? ", and their sigmas are large" : "") +
+                "; what both do together is as well determined as ever");
 }
 
 // How far R K S is from carrying all into one plane: 1 for right angles, 0 for a plane, below 0 mirrored.
@@ -416,7 +274,8 @@ std::string NamesLeftOpen() {
 
 void NoteCollapseOnShape(const GatheredPoints& points) {
     const FitModel& model = Adjustment.Model;
-    NoteCollapse(model, Linearise(model, points).M);
+    if (!NoteCollapse(model, points, Linearise(model, points))) return;
+    TakeSigmaOfAngles(model);
 }
 
 void NoteResult(const NormFit& fit) {
@@ -427,11 +286,13 @@ void NoteResult(const NormFit& fit) {
     const OpenParameters open = FindOpenParameters(fit.Points, model, CoordinateInUse, ParametersOf(Job), at);
     constexpr double kPlane = 1e-9;
     NoteTooNear(model);
-    const bool onePlace = NoteCollapse(model, at.M);
+    const bool onePlace = NoteCollapse(model, fit.Points, at);
+    if (onePlace) TakeSigmaOfAngles(model);
     if (!onePlace) NoteOpen(fit, open, model);
     NoteLeftByPoses(fit.LeftByPoses);
     if (!onePlace && !IsTrue(Job.IsParaboloid)) {
         NoteLooseTurns(fit, open, model, at);
+        NoteOtherTurn(fit, model, at);
         NoteLooseScales(fit, model, at, NormOfJob().Fit == FitNorm::LeastSum);
     }
     for (int k = kTraX; k < kParameterEnd; ++k)

@@ -14,6 +14,7 @@
 #include "fit/open_parameters.h"
 #include "fit/small_svd.h"
 #include "fit/tool_search.h"
+#include "fit/tool_tips.h"
 
 namespace corvinade::fit {
 
@@ -196,23 +197,13 @@ private:
         }
         if (!(mirrored->Gain > proper->Gain)) return proper;
         const auto told = [&] {
-            const GatheredPoints points = WithoutTool(mirrored->Tool);
+            const GatheredPoints points = AtTips(fit_.Points, mirrored->Tool);
             return HandednessOf(points, mirrored->M, mirrored->Shift, FitNorm::LeastSquares,
                                 fit_.Model.Unknowns, SizeRatio(points, FitNorm::LeastSquares));
         };
         const bool stands = MirrorMayStand(look.SumOf(*proper), look.SumOf(*mirrored), look.Rounding,
                                            Redundancy(fit_), FitNorm::LeastSquares, told);
         return stands ? mirrored : proper;
-    }
-
-    // The points with the tool taken off the targets: those of a plain fit.
-    GatheredPoints WithoutTool(const Vec3& tool) const {
-        GatheredPoints points = fit_.Points;
-        for (std::size_t axis = 0; axis < 3; ++axis)
-            for (std::size_t i = 0; i < At(points.Count); ++i)
-                for (std::size_t k = 0; k < 3; ++k)
-                    points.Target[axis][i] -= points.Pose[3 * axis + k][i] * tool(static_cast<int>(k) + 1);
-        return points;
     }
 
     // A solution that the present one has to give way to; null where it stands.

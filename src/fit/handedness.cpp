@@ -11,6 +11,7 @@
 #include "fit/mirror.h"
 #include "fit/small_svd.h"
 #include "fit/statistics.h"
+#include "fit/tool_tips.h"
 
 namespace corvinade::fit {
 
@@ -167,8 +168,17 @@ Handedness HandednessOf(const GatheredPoints& points, const Mat3& M, const Vec3&
 Handedness HandednessHere(const NormRun& fit) {
     ChainRecord chain;
     const Linearisation at = Linearise(fit.Model, fit.Run.Now, fit.Points, chain);
-    return HandednessOf(fit.Points, at.M, at.Shift, fit.Kind, fit.Model.Unknowns,
-                        SizeRatio(fit.Points, fit.Kind));
+    const auto of = [&](const GatheredPoints& points) {
+        return HandednessOf(points, at.M, at.Shift, fit.Kind, fit.Model.Unknowns,
+                            SizeRatio(points, fit.Kind));
+    };
+    return fit.Model.Mode == FitMode::Tool ? of(AtTips(fit.Points, at.Tool)) : of(fit.Points);
+}
+
+double SizeRatioHere(const NormRun& fit) {
+    if (fit.Model.Mode != FitMode::Tool) return SizeRatio(fit.Points, fit.Kind);
+    const Vec3 tool(fit.Run.Now[kRvecX], fit.Run.Now[kRvecY], fit.Run.Now[kRvecZ]);
+    return SizeRatio(AtTips(fit.Points, tool), fit.Kind);
 }
 
 namespace {

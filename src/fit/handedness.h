@@ -30,13 +30,15 @@ struct Handedness {
 Handedness HandednessOf(const GatheredPoints& points, const Mat3& M, const Vec3& shift, FitNorm norm,
                         int unknowns, double scale);
 
-// The same of the transformation at which a fit stands, in its norm.
+// The same of the transformation at which a fit stands, in its norm; with a tool vector the targets are the
+// tips of the poses.
 Handedness HandednessHere(const NormRun& fit);
 
 // Size of the target set by that of the start set: by the roots of the sums of squares about the middles, and
 // of the least sum by the middle one of the ratios of distances, which blunders hardly change. NaN where the
 // start has no size.
 double SizeRatio(const GatheredPoints& points, FitNorm norm);
+double SizeRatioHere(const NormRun& fit);  // of a fit where it stands, in its norm, of tips likewise
 
 // A mirrored result may stand: it fits better than a proper one by more than noise explains, by its size
 // (MirrorIsReal in mirror.h) and by what the points tell.

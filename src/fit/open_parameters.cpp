@@ -260,6 +260,16 @@ void Mark(const Cloud& cloud, Column way, const Sizes& sizes, OpenParameters& op
         if (largest > 0 && share[At(k)] > kTakesPart * largest) open.Open[At(k)] = true;
 }
 
+// The way that turns Rot x against Rot z, and the azimuth along while z to xy is all but 0: a lean that is
+// nothing but rounding can make up for the rounding of a lock.
+bool IsLockWithAzimuth(const OpenParameters& marked, const Parameters& result) {
+    if (std::fabs(std::cos(result[kRotY])) > 1e-6 || std::fabs(std::sin(result[kAngleZtoXY])) > 1e-6)
+        return false;
+    for (int k = kTraX; k < kParameterEnd; ++k)
+        if (marked.Open[At(k)] != (k == kRotX || k == kRotZ || k == kAzimuth)) return false;
+    return true;
+}
+
 // The one way that turns Rot x against Rot z alone.
 bool IsGimbalLock(const OpenParameters& marked, const Parameters& result) {
     if (std::fabs(std::cos(result[kRotY])) > 1e-6) return false;
@@ -292,6 +302,7 @@ OpenParameters FindOpenParameters(const GatheredPoints& points, const FitModel& 
     }
     const Sizes sizes(cloud, chosen);
     open.Count = static_cast<int>(ways.size());
+    int withAzimuth = 0;
     for (const Column& way : ways) {
         OpenParameters one;
         Mark(cloud, way, sizes, one);
@@ -299,6 +310,13 @@ OpenParameters FindOpenParameters(const GatheredPoints& points, const FitModel& 
             if (one.Open[At(k)]) open.Open[At(k)] = true;
         if (IsGimbalLock(one, result)) open.GimbalLock = true;
         if (IsAzimuthAlone(one, result)) open.AzimuthWithoutEffect = true;
+        withAzimuth += IsLockWithAzimuth(one, result) ? 1 : 0;
+    }
+    // Each of the two is a way of its own, mixed as they are.
+    if (withAzimuth > 0) {
+        const int apart = withAzimuth + (open.GimbalLock ? 1 : 0) + (open.AzimuthWithoutEffect ? 1 : 0);
+        open.GimbalLock = open.AzimuthWithoutEffect = true;
+        open.Count += std::max(0, 2 - apart);
     }
     return open;
 }

@@ -201,9 +201,10 @@ void Take(NormRun& held, NormRun& fit) {
     fit.Certificate = held.Certificate;
     fit.Remarks = std::move(held.Remarks);
     fit.HeldByFit = held.HeldByFit;
+    fit.LeftByPoses = held.LeftByPoses;
     fit.Remarks.push_back({.Kind = FitRemark::What::HeldWhereMirrored});
     const IterationState state = fit.Run.State;
-    SettleFit(fit);
+    SettleHolding(fit.Run, fit.Model, fit.Points, fit.P, fit.LeftByPoses.Directions, fit.Result);
     fit.Run.State = state;
     fit.Run.State.Model = all;
 }
@@ -211,13 +212,13 @@ void Take(NormRun& held, NormRun& fit) {
 }  // namespace
 
 bool HoldWhereMirrored(NormRun& fit, const NormToHold& norm, const NormToHold& squares) {
-    const bool plain = fit.Model.Mode == FitMode::Coincide && fit.SeeksBest;
+    const bool known = fit.Model.Mode != FitMode::Distance && fit.SeeksBest;
     const IterationState& state = fit.Run.State;
-    if (!plain || fit.Stops() || !state.Finite || NegativeScaleIsWanted(fit.Choice)) return true;
+    if (!known || fit.Stops() || !state.Finite || NegativeScaleIsWanted(fit.Choice)) return true;
     if (IsAffine(fit.Model)) return true;
     const int redundancy = Redundancy(fit);
     if (redundancy <= 0 || FloatingGroups(fit.Model).empty() || !EndsMirrored(fit)) return true;
-    const double scale = SizeRatio(fit.Points, fit.Kind);
+    const double scale = SizeRatioHere(fit);
     if (!(scale > 0) || !std::isfinite(scale)) return true;
     const double mirrored = norm.Objective(fit), rounding = RoundingOf(fit, norm);
     std::optional<Handedness> told;

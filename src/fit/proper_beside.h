@@ -19,6 +19,9 @@ struct NormToHold {
 // at a start value of the user's own where there is one, and the others are fitted again. As few parameters
 // are held as will do, and of as many those that fit best by least squares.
 //
+// With a tool vector the target points are the tips of the poses. Nothing of this is done where a distance
+// floats.
+//
 // Not of all 12 parameters: their optimum is that of a linear problem, and there is but one of it.
 //
 // The result is taken where the mirrored one fits no better than noise explains (mirror.h): HeldByFit and a

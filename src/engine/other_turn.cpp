@@ -1,0 +1,200 @@
+// A second place for points on one line, where held values leave them two.
+#include "engine/other_turn.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <optional>
+
+#include "core/job.h"
+#include "engine/turn_forms.h"
+#include "engine/turns_left.h"
+#include "fit/chain.h"
+#include "fit/chain_search.h"
+#include "fit/matrix.h"
+
+namespace corvinade::engine {
+
+namespace {
+
+std::size_t At(int i) {
+    return static_cast<std::size_t>(i);
+}
+
+constexpr double kTurn = 2 * std::numbers::pi;
+
+// p turned about the unit vector w by t, less p (O. Rodrigues).
+Vec3 Moved(const Vec3& w, double t, const Vec3& p) {
+    Vec3 once, twice;
+    VecCross(w, p, once);
+    VecCross(w, once, twice);
+    Vec3 moved;
+    for (int k = 1; k <= 3; ++k) moved(k) = std::sin(t) * once(k) + (1 - std::cos(t)) * twice(k);
+    return moved;
+}
+
+// The result turned about an axis.
+class Road {
+public:
+    Road(const TurnPairs& pairs, const FitModel& model, const std::vector<Vec3>& still, const Vec3& w)
+        : pairs_(pairs), model_(model), followers_(pairs, model, still), w_(w) {
+        RotMatrixXYZ(Job.RotX, Job.RotY, Job.RotZ, R_);
+    }
+
+    TurnFollowers::Rest RestAt(double t) const {
+        std::vector<double> column;
+        const Vec3 ofMiddle = Moved(w_, t, pairs_.Arm);
+        for (const TurnPair& pair : pairs_.List) {
+            const Vec3 moved = Moved(w_, t, pair.Image);
+            for (int row = 1; row <= 3; ++row)
+                if (pair.InUse[At(row)])
+                    column.push_back(moved(row) + pair.Off(row) +
+                                     (Floats(kTraX + row - 1) ? 0 : ofMiddle(row)));
+        }
+        return followers_.Left(std::move(column));
+    }
+    double SumAt(double t) const {
+        const std::vector<double> left = RestAt(t).Column;
+        return TurnDot(left, left);
+    }
+
+    // The angles there, in the form whose angle k is nearest to that of the result.
+    Vec3 AnglesAt(double t, int k) const {
+        Mat3 turn;
+        for (int j = 1; j <= 3; ++j) {
+            const Vec3 moved = Moved(w_, t, TurnUnit(j));
+            for (int i = 1; i <= 3; ++i) turn(i, j) = moved(i) + (i == j ? 1 : 0);
+        }
+        const Vec3 angles = AnglesOf(MatrixProduct(turn, R_));
+        const Vec3 other(angles(1) + kTurn / 2, kTurn / 2 - angles(2), angles(3) + kTurn / 2);
+        return std::fabs(Off(other, k)) < std::fabs(Off(angles, k)) ? other : angles;
+    }
+    static double Off(const Vec3& angles, int k) {
+        return std::remainder(angles(k) - ParameterValue(Job, kRotX + k - 1), kTurn);
+    }
+
+    bool Floats(int parameter) const { return model_.UnknownOf[At(parameter)] != 0; }
+
+    // What is another there, by more than so much.
+    std::array<bool, kParameterEnd> MovesTo(double t, int nearest, double least) const {
+        constexpr double kLeastAngle = 1e-4;
+        std::array<bool, kParameterEnd> moves{};
+        const Vec3 angles = AnglesAt(t, nearest), ofMiddle = Moved(w_, t, pairs_.Arm);
+        const TurnFollowers::Rest rest = RestAt(t);
+        for (int k = 1; k <= 3; ++k) {
+            moves[At(kRotX + k - 1)] = Floats(kRotX + k - 1) && std::fabs(Off(angles, k)) > kLeastAngle;
+            moves[At(kTraX + k - 1)] =
+                Floats(kTraX + k - 1) && std::fabs(rest.Translation(k) + ofMiddle(k)) > least;
+            moves[At(kRvecX + k - 1)] = model_.ToolFloats && std::fabs(rest.Tool(k)) > least;
+        }
+        return moves;
+    }
+
+private:
+    const TurnPairs& pairs_;
+    const FitModel& model_;
+    TurnFollowers followers_;
+    Vec3 w_;
+    Mat3 R_;
+};
+
+// The points, or their targets, lie along w: a turn about it moves them by a tenth of what others do.
+bool LieAlong(const Vec3& w, const TurnForms& forms) {
+    constexpr double kShort = 0.01;  // squares
+    const auto shortOf = [&w](const Mat3& form) {
+        double along = 0;
+        for (int j = 1; j <= 3; ++j)
+            for (int k = 1; k <= 3; ++k) along += w(j) * form(j, k) * w(k);
+        return along < kShort * (form(1, 1) + form(2, 2) + form(3, 3));
+    };
+    return shortOf(forms.Images) || shortOf(forms.Targets);
+}
+
+constexpr int kSteps = 720;
+constexpr double kSamePlace = 0.05;  // rad
+
+bool IsAway(double t) {
+    return std::fabs(std::remainder(t, kTurn)) > kSamePlace;
+}
+
+// Turns that keep a held angle, by a change of sign and halving.
+std::vector<double> TurnsThatKeep(const Road& road, int k) {
+    constexpr double kNear = 0.5;
+    constexpr int kHalvings = 50;
+    const auto off = [&](double t) { return Road::Off(road.AnglesAt(t, k), k); };
+    std::vector<double> found;
+    double before = off(0);
+    for (int i = 1; i <= kSteps; ++i) {
+        double a = kTurn * (i - 1) / kSteps, b = kTurn * i / kSteps;
+        const double here = off(b);
+        if (std::fabs(before) < kNear && std::fabs(here) < kNear && (before < 0) != (here < 0)) {
+            const bool below = before < 0;
+            for (int halving = 0; halving < kHalvings; ++halving) {
+                const double middle = (a + b) / 2;
+                ((off(middle) < 0) == below ? a : b) = middle;
+            }
+            if (IsAway(a)) found.push_back(a);
+        }
+        before = here;
+    }
+    return found;
+}
+
+// Turns about which the sum of squares rises on both sides, by thirds.
+std::vector<double> LeastTurns(const Road& road) {
+    constexpr int kThirds = 60;
+    std::vector<double> sums, found;
+    for (int i = 0; i < kSteps; ++i) sums.push_back(road.SumAt(kTurn * i / kSteps));
+    for (int i = 0; i < kSteps; ++i) {
+        const double here = sums[At(i)];
+        if (here > sums[At((i + 1) % kSteps)] || here >= sums[At((i + kSteps - 1) % kSteps)]) continue;
+        double a = kTurn * (i - 1) / kSteps, b = kTurn * (i + 1) / kSteps;
+        for (int third = 0; third < kThirds; ++third) {
+            const double left = a + (b - a) / 3, right = b - (b - a) / 3;
+            (road.SumAt(left) < road.SumAt(right) ? b : a) =
+                road.SumAt(left) < road.SumAt(right) ? right : left;
+        }
+        if (IsAway(a)) found.push_back(a);
+    }
+    return found;
+}
+
+}  // namespace
+
+OtherTurn FindOtherTurn(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
+                        bool robust, const std::vector<Vec3>& still) {
+    constexpr int kSample = 256;
+    constexpr double kTimes = 2, kNoises = 25, kMoved = 10;
+    OtherTurn other;
+    if (model.Mode == FitMode::Distance) return other;
+    FitModel free = model;
+    int held = 0, heldAngle = 0;
+    for (int k = kTraX; k <= kRotZ; ++k) {
+        if (model.UnknownOf[At(k)] != 0) continue;
+        ++held;
+        if (k >= kRotX && heldAngle != 0) return other;
+        if (k >= kRotX) heldAngle = k - kRotX + 1;
+        free.UnknownOf[At(k)] = ++free.Unknowns;
+    }
+    if (held == 0) return other;
+    const TurnPairs pairs = [&] {
+        TurnPairs all(points, model, at, std::max(1, points.Count / kSample));
+        if (robust) all.LeaveOutGrossErrors(model.Unknowns);
+        return all;
+    }();
+    for (const LooseTurn& loose : FindTurnsLeft(points, free, at, robust, still)) {
+        if (!LieAlong(loose.Axis, TurnForms(pairs, free, still))) continue;
+        const Road road(pairs, model, still, loose.Axis);
+        const double noise = TurnForms(pairs, model, still).Noise;
+        const double most = kTimes * road.SumAt(0) + kNoises * noise * noise;
+        for (const double t : heldAngle != 0 ? TurnsThatKeep(road, heldAngle) : LeastTurns(road)) {
+            if (!(road.SumAt(t) <= most)) continue;
+            other.Angle = std::fabs(std::remainder(t, kTurn));
+            other.Moves = road.MovesTo(t, heldAngle != 0 ? heldAngle : 1, kMoved * noise);
+            return other;
+        }
+    }
+    return other;
+}
+
+}  // namespace corvinade::engine

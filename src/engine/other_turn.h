@@ -1,0 +1,29 @@
+// A second place for points on one line, where held values leave them two.
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "core/rooms.h"
+#include "engine/design.h"
+#include "engine/gathered_points.h"
+
+namespace corvinade::engine {
+
+struct OtherTurn {
+    double Angle = 0;                         // of the turn that leads there, rad; 0: there is none
+    std::array<bool, kParameterEnd> Moves{};  // by parameter number: what is another there
+};
+
+// Points that are all but on one line are held about it by what is held of the translation or the angles
+// alone. Where that is one value, there are two turns as a rule that bring the line to it, and which of them
+// is shown is left to noise: a line at a given height goes round a circle, which a plane cuts twice.
+//
+// Looked at where the turn would be loose (loose_turns.h) if everything floated, with one angle held at most:
+// the sum of squares S along the turn, translations and the tool vector following as far as they float.
+// Another minimum, or of a held angle another turn that keeps it, counts where its S is no more than twice
+// that of the result and 25 squares of the noise: of what is told apart by the points it is far more.
+OtherTurn FindOtherTurn(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
+                        bool robust, const std::vector<Vec3>& still);
+
+}  // namespace corvinade::engine

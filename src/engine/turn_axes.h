@@ -1,0 +1,27 @@
+// The axes that the floating angles of the job's result turn about.
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "core/rooms.h"
+#include "engine/design.h"
+
+namespace corvinade::engine {
+
+// In the target system: the derivative of R by each angle is [axis]x R. Made at the angles of the job.
+struct TurnAxes {
+    std::vector<int> Parameters;
+    std::vector<Vec3> Of;
+
+    explicit TurnAxes(const FitModel& model);
+
+    // Unit vectors at right angles that span what can be turned about. All three angles reach every turn,
+    // at gimbal lock too, where their axes lie in one plane: but for a moment.
+    std::vector<Vec3> Span() const;
+
+    // The angles that take part in a turn about the unit vector w, by shares of the largest above `least`.
+    std::array<bool, kParameterEnd> Marked(const Vec3& w, double least) const;
+};
+
+}  // namespace corvinade::engine

@@ -1,0 +1,175 @@
+// Turns that the sum of squares hardly depends on, whatever else floats.
+#include "engine/turns_left.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+#include "core/job.h"
+#include "engine/turn_axes.h"
+#include "engine/turn_forms.h"
+#include "fit/small_svd.h"
+#include "fit/statistics.h"
+#include "fit/vector.h"
+
+namespace corvinade::engine {
+
+namespace {
+
+std::size_t At(int i) {
+    return static_cast<std::size_t>(i);
+}
+
+double Dot(const Vec3& a, const Vec3& b) {
+    return TurnDot(a, b);
+}
+
+double Of(const Mat3& form, const Vec3& w) {
+    double value = 0;
+    for (int j = 1; j <= 3; ++j)
+        for (int k = 1; k <= 3; ++k) value += w(j) * form(j, k) * w(k);
+    return value;
+}
+
+double RootOf(const Mat3& form, const Vec3& w) {
+    return std::sqrt(std::max(0.0, Of(form, w)));
+}
+
+// Unit vectors within the span along which a form is least to greatest, in no order.
+void AddAxes(const std::vector<Vec3>& span, const Mat3& form, std::vector<Vec3>& axes) {
+    const int m = static_cast<int>(span.size());
+    std::vector<double> within(At(m * m));
+    for (int r = 0; r < m; ++r)
+        for (int c = 0; c < m; ++c)
+            for (int j = 1; j <= 3; ++j)
+                for (int k = 1; k <= 3; ++k)
+                    within[At(r * m + c)] += span[At(r)](j) * form(j, k) * span[At(c)](k);
+    const SmallSvd svd = DecomposeSmall(within, m, m);
+    for (int k = 0; k < m; ++k) {
+        Vec3 axis;
+        for (int r = 0; r < m; ++r)
+            for (int i = 1; i <= 3; ++i) axis(i) += svd.V[At(r * m + k)] * span[At(r)](i);
+        axes.push_back(axis);
+    }
+}
+
+class Judge {
+public:
+    Judge(const TurnPairs& pairs, const FitModel& model, bool robust, const std::vector<Vec3>& still)
+        : pairs_(pairs),
+          model_(model),
+          forms_(pairs, model, still),
+          nearImages_(pairs.WithoutFarthest(&TurnPair::Image), model, still),
+          nearTargets_(pairs.WithoutFarthest(&TurnPair::Target), model, still),
+          axes_(model),
+          robust_(robust) {
+        const std::vector<Vec3> span = axes_.Span();
+        for (const Mat3* form : {&forms_.Both, &forms_.Images, &forms_.Targets})
+            AddAxes(span, *form, candidates_);
+        for (const Vec3& w : candidates_) {
+            images_ = std::max(images_, RootOf(forms_.Images, w));
+            targets_ = std::max(targets_, RootOf(forms_.Targets, w));
+            nearImage_ = std::max(nearImage_, RootOf(nearImages_.Images, w));
+            nearTarget_ = std::max(nearTarget_, RootOf(nearTargets_.Targets, w));
+        }
+    }
+
+    std::vector<LooseTurn> Loose() const {
+        std::vector<LooseTurn> found;
+        std::vector<Vec3> taken;
+        constexpr double kSameAxis = 0.7;
+        for (const bool open : {true, false})
+            for (const Vec3& w : candidates_) {
+                if (std::any_of(taken.begin(), taken.end(),
+                                [&w](const Vec3& before) { return std::fabs(Dot(w, before)) > kSameAxis; }))
+                    continue;
+                LooseTurn loose;
+                loose.Axis = w;
+                loose.Open = IsOpen(w);
+                if (loose.Open != open) continue;
+                if (!open && !IsLoose(w, loose.Sigma)) continue;
+                Mark(w, loose);
+                found.push_back(loose);
+                taken.push_back(w);
+            }
+        return found;
+    }
+
+private:
+    double Root() const { return std::sqrt(std::max<double>(1, static_cast<double>(pairs_.List.size()))); }
+
+    double NoiseHere() const {
+        // No measurement is better than a millionth of the object, and coordinates are rounded.
+        constexpr double kLeastNoise = 1e-6;
+        return std::max({forms_.Noise, kLeastNoise * images_ / Root(),
+                         kTurnDigits * (pairs_.LargestImage + pairs_.LargestTarget)});
+    }
+
+    bool IsOpen(const Vec3& w) const {
+        constexpr double kLeast = 1e-10;
+        const double images = RootOf(forms_.Images, w), targets = RootOf(forms_.Targets, w);
+        if (images <= std::max(kTurnDigits * pairs_.LargestImage * Root(), kLeast * images_)) return true;
+        if (targets <= std::max(kTurnDigits * pairs_.LargestTarget * Root(), kLeast * targets_)) return true;
+        const double rounding = kLeast * images * targets;
+        return !robust_ && std::fabs(Of(forms_.Both, w)) <= rounding &&
+               std::fabs(Dot(forms_.Slope, w)) <= rounding;
+    }
+
+    bool IsLoose(const Vec3& w, double& sigma) const {
+        constexpr double kLoose = 0.1, kSmallArm = 0.1, kOnePlace = 3;
+        const double noise = NoiseHere(), scale = forms_.Scale;
+        const double images = RootOf(forms_.Images, w), targets = RootOf(forms_.Targets, w);
+        const double along = std::hypot(Of(forms_.Both, w), Dot(forms_.Slope, w));
+        sigma = noise * std::max(images, targets / scale) / along;
+        if (!(sigma > kLoose)) return false;
+        return RootOf(nearImages_.Images, w) < kSmallArm * nearImage_ ||
+               RootOf(nearTargets_.Targets, w) < kSmallArm * nearTarget_ ||
+               scale * forms_.Image < kOnePlace * noise * std::sqrt(static_cast<double>(forms_.Observations));
+    }
+
+    // What takes part in the turn. A part that the turn moves by no more than the noise is not known the
+    // worse for it.
+    void Mark(const Vec3& w, LooseTurn& loose) const {
+        constexpr double kTakesPart = 1e-6, kMostly = 0.1, kNoise = 10;
+        loose.Moves = axes_.Marked(w, loose.Open ? kTakesPart : kMostly);
+        const double reach = std::max(images_, targets_) / Root();
+        const double least =
+            loose.Open ? kTakesPart * reach : std::max(kMostly * reach, kNoise * NoiseHere());
+        for (int axis = 1; axis <= 3; ++axis) {
+            double translation = 0, tool = 0;
+            for (int k = 1; k <= 3; ++k) {
+                translation += w(k) * forms_.Translation[At(k)](axis);
+                tool += w(k) * forms_.Tool[At(k)](axis);
+            }
+            loose.Moves[At(kTraX + axis - 1)] = std::fabs(translation) > least;
+            loose.Moves[At(kRvecX + axis - 1)] = model_.ToolFloats && std::fabs(tool) > least;
+        }
+    }
+
+    const TurnPairs& pairs_;
+    const FitModel& model_;
+    TurnForms forms_, nearImages_, nearTargets_;
+    TurnAxes axes_;
+    bool robust_;
+    std::vector<Vec3> candidates_;
+    double images_ = 0, targets_ = 0, nearImage_ = 0, nearTarget_ = 0;  // the largest of any turn
+};
+
+}  // namespace
+
+std::vector<LooseTurn> FindTurnsLeft(const GatheredPoints& points, const FitModel& model,
+                                     const Linearisation& at, bool robust, const std::vector<Vec3>& still) {
+    constexpr int kSample = 256;
+    const int step = std::max(1, points.Count / kSample);
+    for (int every = step;; every = 1) {
+        TurnPairs pairs(points, model, at, every);
+        if (robust) pairs.LeaveOutGrossErrors(model.Unknowns);
+        if (pairs.List.empty()) return {};
+        std::vector<LooseTurn> loose = Judge(pairs, model, robust, still).Loose();
+        // What some of the points tell all of them do.
+        if (loose.empty() || every == 1) return loose;
+    }
+}
+
+}  // namespace corvinade::engine

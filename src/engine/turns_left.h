@@ -1,0 +1,31 @@
+// Turns of the result that the points hardly tell apart, where more or less than the translations may follow
+// them: with a tool vector, and with translations that are held.
+#pragma once
+
+#include <vector>
+
+#include "core/rooms.h"
+#include "engine/design.h"
+#include "engine/gathered_points.h"
+#include "engine/loose_turns.h"
+
+namespace corvinade::engine {
+
+// As FindLooseTurns (loose_turns.h), of the plain model and that of the tool.
+//
+// A turn about the unit vector w moves the images e by w x e. What floats beside the angles follows it: each
+// floating translation along its axis, the tool vector by G d in every pose G. A translation that is held
+// does not: along its axis e counts from where the start system's origin is carried to, and the turn is one
+// about that place. With P the projection to what no translation and no tool makes up for, r the residuals,
+// E = P (w x e) and F = E - w x r, which is what the turn does to the targets, the sum of squares has half
+// the slope E r and half the curvature C = E E + (w x (w x e)) r. Noise s of the targets makes an error of s
+// |E| / C of the turn, noise of the start points one of s |F| / C. Where three translations float and nothing
+// else this is what loose_turns.h has.
+//
+// Such a turn is told where its arm is short beside that of others without the farthest pair, and where the
+// images as a whole stand no more than three times as far apart as their noise, as at one tip.
+//   still  directions of the flange along which the tool vector does not float: unit vectors at right angles
+std::vector<LooseTurn> FindTurnsLeft(const GatheredPoints& points, const FitModel& model,
+                                     const Linearisation& at, bool robust, const std::vector<Vec3>& still);
+
+}  // namespace corvinade::engine
