@@ -19,6 +19,7 @@
 #include "import/point_text.h"
 #include "import/robot_files.h"
 #include "import/table_heading.h"
+#include "import/table_sigmas.h"
 
 namespace corvinade::cli {
 
@@ -115,27 +116,6 @@ void TakeCloud(CloudSet& set, const FitOptions& options, int file, FitFile& read
     read.Read = true;
 }
 
-// The columns of sigmas. An axis that has none beside others that have is free of errors, which a note says.
-void TakeSigmas(const TableResult& table, const std::string& path, PointAccuracies& sigmas) {
-    if (table.SX.empty()) return;
-    const std::array<const std::vector<double>*, 3> columns = {&table.SX, &table.SY, &table.SZ};
-    for (std::size_t axis = 0; axis < 3; ++axis)
-        sigmas.Of[axis].assign(columns[axis]->begin() + 1, columns[axis]->end());
-    const auto stands = [&table](TableRole role) {
-        const std::vector<TableRole>& roles = table.Form.Columns;
-        return std::find(roles.begin(), roles.end(), role) != roles.end();
-    };
-    if (stands(TableRole::S)) return;
-    std::string without;
-    for (const TableRole role : {TableRole::SX, TableRole::SY, TableRole::SZ})
-        if (!stands(role)) without += (without.empty() ? "" : ", ") + std::string(TableRoleName(role));
-    if (without.empty()) return;
-    AddNote(NoteCode::SigmaColumns,
-            "The file has standard deviations and no column " + without +
-                ": these coordinates count as free of errors",
-            path);
-}
-
 }  // namespace
 
 std::string ReadFitPairs(const FitOptions& options, std::array<FitFile, 2>& files) {
@@ -173,13 +153,14 @@ std::string ReadFitFile(const FitOptions& options, int file, std::istream* in, F
         }
         const FileBytes bytes = ReadInput(path, in);
         TableResult table = ReadTable(bytes.View(), InputName(path), OptionsOf(options, file));
+        PointAccuracies sigmas = SigmasOfTable(table, InputName(path));
         for (const Note& note : table.Notes) AddNote(note.Code, note.Text, note.File, note.Line, note.Count);
         if (table.Refusal.Refused()) return table.Refusal.Text;
         read.Facts = FactsOf(table, options, file);
         if (table.Plain && !table.Form.HasName) ShowMessage(OnlyThreeColumns(path));
         read.Delimiter = std::string(1, table.Form.Delimiter);
         read.Points = std::move(table.Points);
-        TakeSigmas(table, InputName(path), read.Sigmas);
+        read.Sigmas = std::move(sigmas);
         read.Read = true;
     } catch (const PlatformError& error) {
         return error.What;

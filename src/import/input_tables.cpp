@@ -15,6 +15,7 @@
 #include "import/point_file.h"
 #include "import/table_mapping.h"
 #include "import/table_preview.h"
+#include "import/table_sigmas.h"
 #include "import/table_words.h"
 
 namespace corvinade::import {
@@ -198,7 +199,10 @@ bool TakeTables(ImportRequest& request, TablesRead& tables) {
         std::optional<TableResult> read = ReadSide(sides[i], paths[i], tables.Mappings[i]);
         if (!read) return false;
         tables.Results[i] = std::move(*read);
+        tables.Sigmas[i] = SigmasOfTable(tables.Results[i], paths[i]);
     }
+    request.StartSigmas = &tables.Sigmas[0];
+    request.TargetSigmas = &tables.Sigmas[1];
     if (!tables.Mappings[0].empty()) {
         request.StartPoints = &tables.Results[0].Points;
         // A file behind one that has been read finds its delimiter as behind any other.
@@ -227,6 +231,11 @@ bool AddTable(const std::string& path, const std::string& mapping, const std::st
     if (!read) return false;
     for (const Note& note : read->Notes)
         AddNote(note.Code, InWordsOfDesktop(note.Text), note.File, note.Line, note.Count);
+    if (!read->SX.empty())
+        AddNote(
+            NoteCode::SigmaColumns,
+            "The file has standard deviations, which points that are added do not get: they have no partner",
+            path);
     AddMorePoints(path, std::move(read->Points), prefix, suffix);
     return true;
 }

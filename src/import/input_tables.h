@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "core/measurement_sigmas.h"
 #include "core/rooms.h"
 #include "core/window.h"
 #include "import/import_request.h"
@@ -63,7 +64,8 @@ std::string UsualTableUnit();
 
 // The points that the import takes instead of files.
 struct TablesRead {
-    std::array<TableResult, 2> Results;   // start, target
+    std::array<TableResult, 2> Results;  // start, target
+    std::array<PointAccuracies, 2> Sigmas;
     std::array<std::string, 2> Mappings;  // "" = the file is read as a plain one
     bool Any() const { return !Mappings[0].empty() || !Mappings[1].empty(); }
 };

@@ -7,6 +7,7 @@
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/job_file.h"
+#include "core/measurement_sigmas.h"
 #include "core/notes.h"
 #include "core/settings.h"
 #include "core/text.h"
@@ -314,6 +315,28 @@ TEST_F(TableDialog, OKHandsThePointsOnInMillimetres) {
     EXPECT_FALSE(IsLoaded("FormInputFiles"));
     ExpectImported();
     EXPECT_EQ(Contents(path_), kCsv) << "no file of the user's is changed";
+}
+
+TEST_F(TableDialog, StandardDeviationsOfItsColumnsGoWithTheirPoints) {
+    OpenTable(
+        "Point;x [m];y [m];z [m];sx [m];sy [m]\r\nD;0;0;0,3;0,004;0,04\r\nA;0;0;0;0,001;0,01\r\n"
+        "B;0,1;0;0;0,002;0,02\r\nC;0;0,2;0;0,003;0,03\r\n");
+    UserClick(TableWindow.BtnOK);
+    UserSetText(InputFiles.TextNameOCS, target_);
+    UserClick(InputFiles.BtnOK);
+    ExpectImported();
+    const MeasurementSigmas sigmas = SigmasOf(Job);
+    ASSERT_TRUE(sigmas.StartOfEach);
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_DOUBLE_EQ(sigmas.StartOfEach->Of[0][i], static_cast<double>(i + 1));
+        EXPECT_DOUBLE_EQ(sigmas.StartOfEach->Of[1][i], 10.0 * static_cast<double>(i + 1));
+        EXPECT_EQ(sigmas.StartOfEach->Of[2][i], 0);
+    }
+    EXPECT_FALSE(sigmas.AnyOfTarget());
+    const auto told = std::find_if(Notes.List.begin(), Notes.List.end(),
+                                   [](const Note& note) { return note.Code == NoteCode::SigmaColumns; });
+    ASSERT_NE(told, Notes.List.end());
+    EXPECT_NE(told->Text.find("no column sz"), std::string::npos) << told->Text;
 }
 
 TEST_F(TableDialog, BothSidesCanBeTablesInUnitsOfTheirOwn) {
