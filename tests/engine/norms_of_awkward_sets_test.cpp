@@ -197,6 +197,17 @@ TEST_F(AwkwardSets, AScaleThatHasGoneToNothingIsToldInEveryNorm) {
     EXPECT_GT(gone, 8);
 }
 
+// With as many parameters as coordinates nothing is left to hold a scale of 1e-12 against.
+TEST_F(AwkwardSets, TargetsNearerThanAnyTwoUnitsHaveCollapsed) {
+    const std::vector<Point> start = {{0, 0, 0}, {500, 20, -30}, {40, 700, 10}, {-60, 30, 400}};
+    const std::vector<Point> target = {{0, 0, 0}, {1e-9, 0, 0}, {0, 2e-9, 0}, {0, 1e-9, 1e-9}};
+    for (const NormOfSet& norm : kNorms) {
+        SCOPED_TRACE(norm.Name);
+        Fit(start, target, "12", norm);
+        EXPECT_TRUE(Noted(NoteCode::CollapsedScale));
+    }
+}
+
 TEST_F(AwkwardSets, MetresAgainstMicrometresHaveNotCollapsed) {
     for (int seed = 0; seed < 6; ++seed)
         for (const char* preset : {"7", "9"})
