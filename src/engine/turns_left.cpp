@@ -160,15 +160,15 @@ private:
 
 std::vector<LooseTurn> FindTurnsLeft(const GatheredPoints& points, const FitModel& model,
                                      const Linearisation& at, bool robust, const std::vector<Vec3>& still) {
-    constexpr int kSample = 256;
-    const int step = std::max(1, points.Count / kSample);
-    for (int every = step;; every = 1) {
+    constexpr int kSample = 256, kMost = 50000;
+    const int step = std::max(1, points.Count / kSample), last = std::max(1, points.Count / kMost);
+    for (int every = step;; every = last) {
         TurnPairs pairs(points, model, at, every);
         if (robust) pairs.LeaveOutGrossErrors(model.Unknowns);
         if (pairs.List.empty()) return {};
         std::vector<LooseTurn> loose = Judge(pairs, model, robust, still).Loose();
         // What some of the points tell all of them do.
-        if (loose.empty() || every == 1) return loose;
+        if (loose.empty() || every == last) return loose;
     }
 }
 
