@@ -108,6 +108,14 @@ private:
                          kTurnDigits * (pairs_.LargestImage + pairs_.LargestTarget)});
     }
 
+    // Few spare observations fit well by chance, and then tell too small a noise.
+    double Unsure() const {
+        constexpr int kFew = 6;
+        constexpr double kShare = 10;
+        const int spare = forms_.Observations - model_.Unknowns;
+        return spare > 0 && spare <= kFew ? 1 + kShare / spare : 1;
+    }
+
     bool IsOpen(const Vec3& w) const {
         constexpr double kLeast = 1e-10;
         const double images = RootOf(forms_.Images, w), targets = RootOf(forms_.Targets, w);
@@ -124,7 +132,7 @@ private:
         const double images = RootOf(forms_.Images, w), targets = RootOf(forms_.Targets, w);
         const double along = std::hypot(Of(forms_.Both, w), Dot(forms_.Slope, w));
         sigma = noise * std::max(images, targets / scale) / along;
-        if (!(sigma > kLoose)) return false;
+        if (!(sigma * Unsure() > kLoose)) return false;
         return RootOf(nearImages_.Images, w) < kSmallArm * nearImage_ ||
                RootOf(nearTargets_.Targets, w) < kSmallArm * nearTarget_ ||
                (anywhere_ && scale * forms_.Image <
