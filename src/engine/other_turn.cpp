@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <optional>
+#include <utility>
 
 #include "core/job.h"
 #include "engine/turn_forms.h"
@@ -12,6 +12,7 @@
 #include "fit/chain.h"
 #include "fit/chain_search.h"
 #include "fit/matrix.h"
+#include "fit/vector.h"
 
 namespace corvinade::engine {
 

@@ -1,48 +1,27 @@
 // What turns of the result do to images and targets, with all that follows them.
 #pragma once
 
-#include <algorithm>
 #include <array>
-#include <cmath>
-#include <utility>
+#include <functional>
 #include <vector>
 
-#include "core/job.h"
 #include "core/rooms.h"
 #include "engine/design.h"
 #include "engine/gathered_points.h"
-#include "fit/statistics.h"
-#include "fit/vector.h"
 
 namespace corvinade::engine {
 
 inline constexpr double kTurnDigits = 64 * 2.220446049250313e-16;
 
-inline std::size_t TurnAt(int i) {
-    return static_cast<std::size_t>(i);
-}
+double TurnDot(const Vec3& a, const Vec3& b);
+double TurnDot(const std::vector<double>& a, const std::vector<double>& b);  // as long as each other
+Vec3 TurnUnit(int axis);                                                     // 1 to 3
 
-inline double TurnDot(const Vec3& a, const Vec3& b) {
-    return a(1) * b(1) + a(2) * b(2) + a(3) * b(3);
-}
-
-inline double TurnDot(const std::vector<double>& a, const std::vector<double>& b) {
-    double sum = 0;
-    for (std::size_t i = 0; i < a.size(); ++i) sum += a[i] * b[i];
-    return sum;
-}
-
-inline Vec3 TurnUnit(int axis) {
-    Vec3 unit;
-    unit(axis) = 1;
-    return unit;
-}
-
-// A pair about the middle of the images.
+// A pair about the middle of the images, mm. With a tool the target is the tip of the pose.
 struct TurnPair {
     Vec3 Image, Target, Off;      // Off: image less target, 0 where the coordinate is not in use
     std::array<bool, 4> InUse{};  // by axis
-    std::array<Vec3, 4> Pose;     // rows of the pose's matrix; only with a floating tool vector
+    std::array<Vec3, 4> Pose;     // rows of the pose's matrix; only in the model of the tool
 };
 
 struct TurnPairs {
@@ -50,265 +29,58 @@ struct TurnPairs {
     Vec3 Arm;  // from where the start system's origin is carried to, to the middle of the images
     double LargestImage = 0, LargestTarget = 0;  // coordinates as they were read
 
-    TurnPairs(const GatheredPoints& points, const FitModel& model, const Linearisation& at, int step) {
-        for (int axis = 1; axis <= 3; ++axis)
-            for (int j = 1; j <= 3; ++j) Arm(axis) += at.M(axis, j) * points.StartCentre(j);
-        for (int i = 0; i < points.Count; i += step) Add(points, model, at, i);
-    }
+    // Every so many of the job's pairs, by its use flags.
+    TurnPairs(const GatheredPoints& points, const FitModel& model, const Linearisation& at, int step);
 
-    // Those whose deviation is not far above what most have.
-    void LeaveOutGrossErrors(int unknowns) {
-        constexpr double kGross = 10;
-        constexpr std::size_t kFew = 3;
-        std::vector<double> deviations;
-        for (const TurnPair& pair : List) deviations.push_back(std::sqrt(TurnDot(pair.Off, pair.Off)));
-        if (deviations.empty()) return;
-        const double most =
-            kGross * MiddleDeviation(deviations, unknowns) + kTurnDigits * (LargestImage + LargestTarget);
-        std::vector<TurnPair> left;
-        for (std::size_t i = 0; i < List.size(); ++i)
-            if (deviations[i] <= most) left.push_back(List[i]);
-        if (left.size() >= kFew) List = std::move(left);
-    }
-
+    // Leaves out those whose deviation is far above what most have.
+    void LeaveOutGrossErrors(int unknowns);
     // Without the pair that is farthest from the middle: a gross error makes any cloud a long one.
-    TurnPairs WithoutFarthest(const Vec3 TurnPair::*place) const {
-        TurnPairs left = *this;
-        constexpr std::size_t kFew = 3;
-        if (List.size() <= kFew) return left;
-        Vec3 middle;
-        for (const TurnPair& pair : List)
-            for (int axis = 1; axis <= 3; ++axis)
-                middle(axis) += (pair.*place)(axis) / static_cast<double>(List.size());
-        const auto away = [&](const TurnPair& pair) {
-            Vec3 off;
-            VecSub(pair.*place, middle, off);
-            return TurnDot(off, off);
-        };
-        left.List.erase(
-            std::max_element(left.List.begin(), left.List.end(),
-                             [&](const TurnPair& a, const TurnPair& b) { return away(a) < away(b); }));
-        return left;
-    }
+    TurnPairs WithoutFarthest(const Vec3 TurnPair::*place) const;
 
 private:
-    void Add(const GatheredPoints& points, const FitModel& model, const Linearisation& at, int i) {
-        TurnPair pair;
-        bool any = false;
-        for (int axis = 1; axis <= 3; ++axis) {
-            const std::size_t column = TurnAt(axis - 1);
-            pair.InUse[TurnAt(axis)] = Used(i + 1, axis);
-            any = any || pair.InUse[TurnAt(axis)];
-            double target = points.Target[column][TurnAt(i)];
-            double read = std::fabs(target + points.TargetCentre(axis));
-            if (model.Mode == FitMode::Tool)
-                for (int k = 1; k <= 3; ++k) {
-                    const double pose = points.Pose[3 * column + TurnAt(k - 1)][TurnAt(i)];
-                    target -= pose * at.Tool(k);
-                    read += std::fabs(pose * at.Tool(k));
-                    pair.Pose[TurnAt(axis)](k) = pose;
-                }
-            double image = 0, size = 0;
-            for (int j = 1; j <= 3; ++j) {
-                const double start = points.Start[TurnAt(j - 1)][TurnAt(i)];
-                image += at.M(axis, j) * start;
-                size += std::fabs(at.M(axis, j)) * std::fabs(start + points.StartCentre(j));
-            }
-            const double off = image + at.Shift(axis) - target;
-            pair.Image(axis) = image;
-            pair.Target(axis) = image - off;
-            if (!pair.InUse[TurnAt(axis)]) continue;
-            pair.Off(axis) = off;
-            LargestImage = std::max(LargestImage, size);
-            LargestTarget = std::max(LargestTarget, read);
-        }
-        if (any) List.push_back(pair);
-    }
+    void Add(const GatheredPoints& points, const FitModel& model, const Linearisation& at, int i);
 };
 
 // What follows a turn: floating translations and the tool vector, as columns over the coordinates in use.
 class TurnFollowers {
 public:
-    TurnFollowers(const TurnPairs& pairs, const FitModel& model, const std::vector<Vec3>& still) {
-        for (int axis = 1; axis <= 3; ++axis)
-            if (model.UnknownOf[TurnAt(kTraX + axis - 1)] != 0)
-                Add(pairs, {.Translation = axis, .Tool = Vec3()},
-                    [axis](const TurnPair&, int row) { return row == axis ? 1.0 : 0.0; });
-        if (model.Mode != FitMode::Tool || !model.ToolFloats) return;
-        for (const Vec3& w : Across(still))
-            Add(pairs, {.Translation = 0, .Tool = w},
-                [&w](const TurnPair& pair, int row) { return TurnDot(pair.Pose[TurnAt(row)], w); });
-    }
+    //   still  directions of the flange along which the tool vector does not float
+    TurnFollowers(const TurnPairs& pairs, const FitModel& model, const std::vector<Vec3>& still);
 
     // What is left of a column, and how each translation and the tool vector, 1 to 3, take the rest.
     struct Rest {
         std::vector<double> Column;
         Vec3 Translation, Tool;
     };
-    Rest Left(std::vector<double> column) const {
-        Rest rest{std::move(column), {}, {}};
-        std::vector<double> shares(columns_.size());
-        for (int pass = 0; pass < 2; ++pass)
-            for (std::size_t j = 0; j < columns_.size(); ++j) {
-                const double share = TurnDot(columns_[j], rest.Column);
-                shares[j] += share;
-                for (std::size_t i = 0; i < rest.Column.size(); ++i) rest.Column[i] -= share * columns_[j][i];
-            }
-        for (std::size_t j = columns_.size(); j-- > 0;) {
-            shares[j] /= triangle_[j][j];
-            for (std::size_t before = 0; before < j; ++before)
-                shares[before] -= triangle_[j][before] * shares[j];
-            if (of_[j].Translation != 0) rest.Translation(of_[j].Translation) += shares[j];
-            for (int k = 1; k <= 3; ++k) rest.Tool(k) += shares[j] * of_[j].Tool(k);
-        }
-        return rest;
-    }
+    Rest Left(std::vector<double> column) const;
 
 private:
     struct What {
         int Translation;  // 1 to 3, or 0
         Vec3 Tool;
     };
-
-    // At right angles to each other and to these.
-    static std::vector<Vec3> Across(const std::vector<Vec3>& still) {
-        std::vector<Vec3> all = still, across;
-        while (all.size() < 3) {
-            Vec3 most;
-            for (int axis = 1; axis <= 3; ++axis) {
-                Vec3 w = TurnUnit(axis);
-                for (const Vec3& before : all) {
-                    const double share = TurnDot(w, before);
-                    for (int k = 1; k <= 3; ++k) w(k) -= share * before(k);
-                }
-                if (TurnDot(w, w) > TurnDot(most, most)) most = w;
-            }
-            VecNormalize(most, most);
-            all.push_back(most);
-            across.push_back(most);
-        }
-        return across;
-    }
-
-    template <typename Entry>
-    void Add(const TurnPairs& pairs, const What& what, const Entry& entry) {
-        std::vector<double> column;
-        for (const TurnPair& pair : pairs.List)
-            for (int row = 1; row <= 3; ++row)
-                if (pair.InUse[TurnAt(row)]) column.push_back(entry(pair, row));
-        const double whole = std::sqrt(TurnDot(column, column));
-        std::vector<double> shares(columns_.size() + 1);
-        for (int pass = 0; pass < 2; ++pass)
-            for (std::size_t j = 0; j < columns_.size(); ++j) {
-                const double share = TurnDot(columns_[j], column);
-                shares[j] += share;
-                for (std::size_t i = 0; i < column.size(); ++i) column[i] -= share * columns_[j][i];
-            }
-        const double left = std::sqrt(TurnDot(column, column));
-        constexpr double kNothing = 1e-9;
-        if (!(left > kNothing * whole)) return;  // the others make up for it
-        for (double& x : column) x /= left;
-        shares.back() = left;
-        columns_.push_back(std::move(column));
-        triangle_.push_back(std::move(shares));
-        of_.push_back(what);
-    }
+    using Entry = std::function<double(const TurnPair&, int row)>;
+    void Add(const TurnPairs& pairs, const What& what, const Entry& entry);
 
     std::vector<std::vector<double>> columns_;   // at right angles, of length 1
     std::vector<std::vector<double>> triangle_;  // by column: the shares of those before, and its own length
     std::vector<What> of_;
 };
 
-// Square forms of the axis w of a turn.
+// Square forms of the axis w of a turn, as turns_left.h has them.
 struct TurnForms {
-    Mat3 Images, Targets, Both;   // |E|^2, |F|^2, (w x e) F; mm^2
+    Mat3 Images, Targets, Both;   // |E|^2, |F|^2, the curvature C; mm^2
     Vec3 Slope;                   // - E r
     double Image = 0;             // |P e|
     double Scale = 1, Noise = 0;  // of the images, that brings them nearest to the targets; what is left then
     int Observations = 0;
     std::array<Vec3, 4> Translation, Tool;  // how these follow the turn about axis 1 to 3, mm
 
-    TurnForms(const TurnPairs& pairs, const FitModel& model, const std::vector<Vec3>& still) {
-        const TurnFollowers followers(pairs, model, still);
-        // What a linear change does to the images; along the axis of a held translation also by where the
-        // middle is.
-        const auto columnOf = [&](const Vec3 TurnPair::*place, const auto& change, bool held) {
-            std::vector<double> column;
-            const Vec3 ofMiddle = change(pairs.Arm);
-            for (const TurnPair& pair : pairs.List) {
-                const Vec3 changed = change(pair.*place);
-                for (int row = 1; row <= 3; ++row) {
-                    if (!pair.InUse[TurnAt(row)]) continue;
-                    const bool floats = model.UnknownOf[TurnAt(kTraX + row - 1)] != 0;
-                    column.push_back(changed(row) + (held && !floats ? ofMiddle(row) : 0));
-                }
-            }
-            return column;
-        };
-        const auto turned = [](int axis, const Vec3& p) {
-            Vec3 moved;
-            VecCross(TurnUnit(axis), p, moved);
-            return moved;
-        };
-        const auto same = [](const Vec3& p) { return p; };
-        const std::vector<double> off = columnOf(&TurnPair::Off, same, false);
-        std::array<std::vector<double>, 4> e, f;
-        for (int k = 1; k <= 3; ++k) {
-            const auto turn = [&](const Vec3& p) { return turned(k, p); };
-            TurnFollowers::Rest rest = followers.Left(columnOf(&TurnPair::Image, turn, true));
-            f[TurnAt(k)] = columnOf(&TurnPair::Off, turn, false);
-            for (std::size_t i = 0; i < off.size(); ++i) f[TurnAt(k)][i] = rest.Column[i] - f[TurnAt(k)][i];
-            e[TurnAt(k)] = std::move(rest.Column);
-            Slope(k) = -TurnDot(e[TurnAt(k)], off);
-            // A floating translation goes along with the middle as well.
-            const Vec3 middle = turned(k, pairs.Arm);
-            for (int axis = 1; axis <= 3; ++axis) {
-                const bool floats = model.UnknownOf[TurnAt(kTraX + axis - 1)] != 0;
-                Translation[TurnAt(k)](axis) = floats ? -rest.Translation(axis) - middle(axis) : 0;
-            }
-            for (int axis = 1; axis <= 3; ++axis) Tool[TurnAt(k)](axis) = -rest.Tool(axis);
-        }
-        for (int j = 1; j <= 3; ++j)
-            for (int k = 1; k <= 3; ++k) {
-                Images(j, k) = TurnDot(e[TurnAt(j)], e[TurnAt(k)]);
-                Targets(j, k) = TurnDot(f[TurnAt(j)], f[TurnAt(k)]);
-                const auto twice = [&](const Vec3& p) { return turned(j, turned(k, p)); };
-                const double bent = TurnDot(columnOf(&TurnPair::Image, twice, true), off);
-                Both(j, k) += Images(j, k) + bent / 2;
-                Both(k, j) += bent / 2;
-            }
-        Observations = static_cast<int>(off.size());
-        TakeNoise(followers.Left(columnOf(&TurnPair::Image, same, true)).Column,
-                  followers.Left(columnOf(&TurnPair::Target, same, true)).Column, model);
-    }
+    TurnForms(const TurnPairs& pairs, const FitModel& model, const std::vector<Vec3>& still);
 
 private:
-    // One scale of the images takes away what another unit adds to the deviations, where there is anything to
-    // see of one. Of three points it would take most of the noise, unless it floats anyway.
     void TakeNoise(const std::vector<double>& image, const std::vector<double>& target,
-                   const FitModel& model) {
-        constexpr int kFew = 3;
-        constexpr double kSeen = 3;
-        const double squares = TurnDot(image, image);
-        Image = std::sqrt(squares);
-        const int spare = Observations - model.Unknowns;
-        if (!(squares > 0) || spare <= 0) return;
-        const auto noiseAt = [&](double scale) {
-            double left = 0;
-            for (std::size_t i = 0; i < image.size(); ++i) {
-                const double off = target[i] - scale * image[i];
-                left += off * off;
-            }
-            return std::sqrt(left / spare);
-        };
-        const bool scales = std::any_of(&model.UnknownOf[kScaleX], &model.UnknownOf[kScaleXYZ] + 1,
-                                        [](int unknown) { return unknown != 0; });
-        const double nearest = TurnDot(image, target) / squares;
-        const double noise = noiseAt(nearest);
-        const bool seen = nearest * Image > kSeen * noise * std::sqrt(static_cast<double>(Observations));
-        Scale = seen ? nearest : 1;
-        Noise = seen && (scales || spare > kFew) ? noise : noiseAt(1);
-    }
+                   const FitModel& model);
 };
 
 }  // namespace corvinade::engine

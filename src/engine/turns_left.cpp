@@ -63,7 +63,9 @@ public:
           nearImages_(pairs.WithoutFarthest(&TurnPair::Image), model, still),
           nearTargets_(pairs.WithoutFarthest(&TurnPair::Target), model, still),
           axes_(model),
-          robust_(robust) {
+          robust_(robust),
+          anywhere_(std::all_of(&model.UnknownOf[kTraX], &model.UnknownOf[kTraZ] + 1,
+                                [](int unknown) { return unknown != 0; })) {
         const std::vector<Vec3> span = axes_.Span();
         for (const Mat3* form : {&forms_.Both, &forms_.Images, &forms_.Targets})
             AddAxes(span, *form, candidates_);
@@ -106,6 +108,14 @@ private:
                          kTurnDigits * (pairs_.LargestImage + pairs_.LargestTarget)});
     }
 
+    // Few spare observations fit well by chance, and then tell too small a noise.
+    double Unsure() const {
+        constexpr int kFew = 6;
+        constexpr double kShare = 10;
+        const int spare = forms_.Observations - model_.Unknowns;
+        return spare > 0 && spare <= kFew ? 1 + kShare / spare : 1;
+    }
+
     bool IsOpen(const Vec3& w) const {
         constexpr double kLeast = 1e-10;
         const double images = RootOf(forms_.Images, w), targets = RootOf(forms_.Targets, w);
@@ -122,10 +132,11 @@ private:
         const double images = RootOf(forms_.Images, w), targets = RootOf(forms_.Targets, w);
         const double along = std::hypot(Of(forms_.Both, w), Dot(forms_.Slope, w));
         sigma = noise * std::max(images, targets / scale) / along;
-        if (!(sigma > kLoose)) return false;
+        if (!(sigma * Unsure() > kLoose)) return false;
         return RootOf(nearImages_.Images, w) < kSmallArm * nearImage_ ||
                RootOf(nearTargets_.Targets, w) < kSmallArm * nearTarget_ ||
-               scale * forms_.Image < kOnePlace * noise * std::sqrt(static_cast<double>(forms_.Observations));
+               (anywhere_ && scale * forms_.Image <
+                                 kOnePlace * noise * std::sqrt(static_cast<double>(forms_.Observations)));
     }
 
     // What takes part in the turn. A part that the turn moves by no more than the noise is not known the
@@ -136,13 +147,19 @@ private:
         const double reach = std::max(images_, targets_) / Root();
         const double least =
             loose.Open ? kTakesPart * reach : std::max(kMostly * reach, kNoise * NoiseHere());
+        Vec3 once, bent;
+        VecCross(w, pairs_.Arm, once);
+        VecCross(w, once, bent);
         for (int axis = 1; axis <= 3; ++axis) {
             double translation = 0, tool = 0;
             for (int k = 1; k <= 3; ++k) {
                 translation += w(k) * forms_.Translation[At(k)](axis);
                 tool += w(k) * forms_.Tool[At(k)](axis);
             }
-            loose.Moves[At(kTraX + axis - 1)] = std::fabs(translation) > least;
+            // Far round it moves what it does not move at first.
+            const double round = std::min(1.0, loose.Open ? 1 : loose.Sigma) * std::fabs(bent(axis));
+            const bool floats = model_.UnknownOf[At(kTraX + axis - 1)] != 0;
+            loose.Moves[At(kTraX + axis - 1)] = floats && std::fabs(translation) + round > least;
             loose.Moves[At(kRvecX + axis - 1)] = model_.ToolFloats && std::fabs(tool) > least;
         }
     }
@@ -151,7 +168,7 @@ private:
     const FitModel& model_;
     TurnForms forms_, nearImages_, nearTargets_;
     TurnAxes axes_;
-    bool robust_;
+    bool robust_, anywhere_;  // anywhere_: all translations float
     std::vector<Vec3> candidates_;
     double images_ = 0, targets_ = 0, nearImage_ = 0, nearTarget_ = 0;  // the largest of any turn
 };
@@ -160,15 +177,15 @@ private:
 
 std::vector<LooseTurn> FindTurnsLeft(const GatheredPoints& points, const FitModel& model,
                                      const Linearisation& at, bool robust, const std::vector<Vec3>& still) {
-    constexpr int kSample = 256;
-    const int step = std::max(1, points.Count / kSample);
-    for (int every = step;; every = 1) {
+    constexpr int kSample = 256, kMost = 50000;
+    const int step = std::max(1, points.Count / kSample), last = std::max(1, points.Count / kMost);
+    for (int every = step;; every = last) {
         TurnPairs pairs(points, model, at, every);
         if (robust) pairs.LeaveOutGrossErrors(model.Unknowns);
         if (pairs.List.empty()) return {};
         std::vector<LooseTurn> loose = Judge(pairs, model, robust, still).Loose();
         // What some of the points tell all of them do.
-        if (loose.empty() || every == 1) return loose;
+        if (loose.empty() || every == last) return loose;
     }
 }
 

@@ -23,7 +23,10 @@ namespace corvinade::engine {
 // else this is what loose_turns.h has.
 //
 // Such a turn is told where its arm is short beside that of others without the farthest pair, and where the
-// images as a whole stand no more than three times as far apart as their noise, as at one tip.
+// images as a whole stand no more than three times as far apart as their noise, as at one tip, all
+// translations floating.
+// Of no more than six spare observations a Sigma of a tenth is told that is 1 + 10 / spare times as large,
+// for these fit well by chance now and then.
 //   still  directions of the flange along which the tool vector does not float: unit vectors at right angles
 std::vector<LooseTurn> FindTurnsLeft(const GatheredPoints& points, const FitModel& model,
                                      const Linearisation& at, bool robust, const std::vector<Vec3>& still);
