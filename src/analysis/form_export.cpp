@@ -206,12 +206,8 @@ void ShowInExport() {
     ShowChosen();
 }
 
-}  // namespace corvinade::analysis
-
-namespace corvinade::core {
-
 void MenueFileExportResult_Click() {
-    if (!analysis::ResultStands()) {
+    if (!ResultStands()) {
         ShowMessage("You must make a calculation to export its result");
         return;
     }
@@ -223,4 +219,4 @@ void MenueFileExportResult_Click() {
     ShowInExport();
 }
 
-}  // namespace corvinade::core
+}  // namespace corvinade::analysis
