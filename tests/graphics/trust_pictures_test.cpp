@@ -6,7 +6,6 @@
 #include "cli/headless.h"
 #include "core/controller.h"
 #include "core/numbers.h"
-#include "core/refresh.h"
 #include "core/settings.h"
 #include "core/units.h"
 #include "engine/calculation_window.h"
@@ -14,6 +13,7 @@
 #include "graphics/ellipsoids.h"
 #include "graphics/form_color_bar.h"
 #include "graphics/form_graphics_options.h"
+#include "graphics/graphics_refresh.h"
 #include "graphics/point_trust.h"
 #include "graphics/tolerance.h"
 
