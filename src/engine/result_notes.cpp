@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <numbers>
 #include <string>
 
 #include "core/job.h"
@@ -155,8 +156,23 @@ void NoteLooseTurns(const NormFit& fit, const OpenParameters& open, const FitMod
             " is as good as open, and what lies off the points is put all but anywhere");
 }
 
+// The result shows a held angle as it was given, not in the form that turns Rot y by more than a right angle.
+bool ShowsHeldAngles(const NormFit& fit, const FitModel& model) {
+    constexpr double kSame = 1e-6;
+    for (int k = kRotX; k <= kRotZ; ++k)
+        if (model.UnknownOf[At(k)] == 0 &&
+            std::fabs(std::remainder(ParameterValue(Job, k) - fit.Choice.Value[At(k)],
+                                     2 * std::numbers::pi)) > kSame)
+            return false;
+    return true;
+}
+
 // Points on a line that what is held lets lie in two ways.
 void NoteOtherTurn(const NormFit& fit, const FitModel& model, const Linearisation& at) {
+    // A held angle alone lets a line lie in two ways always, and of these one shows it as it was given.
+    const bool translationHeld =
+        model.UnknownOf[kTraX] == 0 || model.UnknownOf[kTraY] == 0 || model.UnknownOf[kTraZ] == 0;
+    if (!translationHeld && ShowsHeldAngles(fit, model)) return;
     const bool told = std::any_of(&Job.LeftOpen[kRotX], &Job.LeftOpen[kRotZ] + 1,
                                   [](const auto& mark) { return mark != 0; });
     if (told || IsTrue(Job.Collapsed)) return;

@@ -43,7 +43,7 @@ TEST_F(Icons, EveryToolButtonOfTheMainWindowHasOne) {
         EXPECT_TRUE(fs::is_regular_file(kIcons / (key + ".svg"))) << name;
         ++buttons;
     }
-    EXPECT_EQ(buttons, 30);  // 3 + 3 + 17 + 3 + 4 of the five tool bars
+    EXPECT_EQ(buttons, 31);  // 3 + 1 + 3 + 17 + 3 + 4 of the six tool bars
 }
 
 TEST_F(Icons, MenusAndTheProgramHaveTheirs) {
