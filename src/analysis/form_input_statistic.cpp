@@ -96,8 +96,8 @@ void ShowSigmasInStatistic() {
     const auto words = [&sigmas](const std::optional<SideAccuracy>& side, const SharedAccuracies& ofEach) {
         return sigmas.Any() ? SigmasInWords(side, ofEach) : "none given";
     };
-    SetText(w.LabelSigmaStart, "Sigma x, y, z in " + Job.NameMCS + " [" + Job.LengthUnitName + "]");
-    SetText(w.LabelSigmaTarget, "Sigma x, y, z in " + Job.NameOCS + " [" + Job.LengthUnitName + "]");
+    SetText(w.LabelSigmaStart, "Sigma " + Job.NameMCS + " [" + Job.LengthUnitName + "]");
+    SetText(w.LabelSigmaTarget, "Sigma " + Job.NameOCS + " [" + Job.LengthUnitName + "]");
     SetText(w.TextSigmaStart, words(sigmas.Start, sigmas.StartOfEach));
     SetText(w.TextSigmaTarget, words(sigmas.Target, sigmas.TargetOfEach));
 }
