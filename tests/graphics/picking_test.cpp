@@ -1,9 +1,10 @@
 // Points under the mouse, and the point that main sheet and pictures share.
+#include "graphics/picking.h"
+
 #include <random>
 
 #include "graphics/graphics_refresh.h"
 #include "graphics/input_window.h"
-#include "graphics/picking.h"
 #include "graphics/tolerance.h"
 
 using namespace corvinade;

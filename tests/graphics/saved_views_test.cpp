@@ -1,8 +1,8 @@
 // Views that a job keeps: saving, naming, restoring, deleting.
-#include "graphics/graphics_refresh.h"
 #include "graphics/saved_views.h"
 
 #include "graphics/form_save_view.h"
+#include "graphics/graphics_refresh.h"
 #include "graphics/input_window.h"
 #include "graphics/lines.h"
 #include "graphics/view_undo.h"
