@@ -153,8 +153,9 @@ public:
     void Add(const std::string& name, std::int64_t row) {
         const auto [there, isNew] = lines_.emplace(name, row);
         if (isNew) return;
-        notes_.Count(NoteCode::DuplicateName, there->second, [&] {
-            return "The name \"" + Printable(name) + "\" stands in line " + std::to_string(there->second) +
+        const std::int64_t first = there->second;
+        notes_.Count(NoteCode::DuplicateName, first, [&] {
+            return "The name \"" + Printable(name) + "\" stands in line " + std::to_string(first) +
                    " and in line " + std::to_string(row) + "; distances are to the first";
         });
     }

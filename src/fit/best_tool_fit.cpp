@@ -316,6 +316,7 @@ private:
 
     static std::vector<Vec3> AxesOf(const std::vector<ToolForm::Direction>& directions) {
         std::vector<Vec3> axes;
+        axes.reserve(directions.size());
         for (const ToolForm::Direction& direction : directions) axes.push_back(direction.w);
         return axes;
     }
