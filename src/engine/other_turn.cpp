@@ -61,14 +61,14 @@ public:
 
     // The angles there, in the form whose angle k is nearest to that of the result.
     Vec3 AnglesAt(double t, int k) const {
-        Mat3 turn;
-        for (int j = 1; j <= 3; ++j) {
-            const Vec3 moved = Moved(w_, t, TurnUnit(j));
-            for (int i = 1; i <= 3; ++i) turn(i, j) = moved(i) + (i == j ? 1 : 0);
-        }
-        const Vec3 angles = AnglesOf(MatrixProduct(turn, R_));
+        const Vec3 angles = AnglesOf(TurnedBy(t));
         const Vec3 other(angles(1) + kTurn / 2, kTurn / 2 - angles(2), angles(3) + kTurn / 2);
         return std::fabs(Off(other, k)) < std::fabs(Off(angles, k)) ? other : angles;
+    }
+    // Angle k there, of the form whose Rot y is no more than a right angle, is that of the result.
+    bool ShowsAt(double t, int k) const {
+        constexpr double kSame = 1e-6;
+        return std::fabs(Off(AnglesOf(TurnedBy(t)), k)) < kSame;
     }
     static double Off(const Vec3& angles, int k) {
         return std::remainder(angles(k) - ParameterValue(Job, kRotX + k - 1), kTurn);
@@ -92,6 +92,15 @@ public:
     }
 
 private:
+    Mat3 TurnedBy(double t) const {
+        Mat3 turn;
+        for (int j = 1; j <= 3; ++j) {
+            const Vec3 moved = Moved(w_, t, TurnUnit(j));
+            for (int i = 1; i <= 3; ++i) turn(i, j) = moved(i) + (i == j ? 1 : 0);
+        }
+        return MatrixProduct(turn, R_);
+    }
+
     const TurnPairs& pairs_;
     const FitModel& model_;
     TurnFollowers followers_;
@@ -119,7 +128,7 @@ bool IsAway(double t) {
 }
 
 // Turns that keep a held angle, by a change of sign and halving.
-std::vector<double> TurnsThatKeep(const Road& road, int k) {
+std::vector<double> TurnsThatKeep(const Road& road, int k, bool asShown) {
     constexpr double kNear = 0.5;
     constexpr int kHalvings = 50;
     const auto off = [&](double t) { return Road::Off(road.AnglesAt(t, k), k); };
@@ -134,7 +143,7 @@ std::vector<double> TurnsThatKeep(const Road& road, int k) {
                 const double middle = (a + b) / 2;
                 ((off(middle) < 0) == below ? a : b) = middle;
             }
-            if (IsAway(a)) found.push_back(a);
+            if (IsAway(a) && (!asShown || road.ShowsAt(a, k))) found.push_back(a);
         }
         before = here;
     }
@@ -163,7 +172,7 @@ std::vector<double> LeastTurns(const Road& road) {
 }  // namespace
 
 OtherTurn FindOtherTurn(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
-                        bool robust, const std::vector<Vec3>& still) {
+                        bool robust, const std::vector<Vec3>& still, bool asShown) {
     constexpr int kSample = 256;
     constexpr double kTimes = 2, kNoises = 25, kMoved = 10;
     OtherTurn other;
@@ -188,7 +197,7 @@ OtherTurn FindOtherTurn(const GatheredPoints& points, const FitModel& model, con
         const Road road(pairs, model, still, loose.Axis);
         const double noise = TurnForms(pairs, model, still).Noise;
         const double most = kTimes * road.SumAt(0) + kNoises * noise * noise;
-        for (const double t : heldAngle != 0 ? TurnsThatKeep(road, heldAngle) : LeastTurns(road)) {
+        for (const double t : heldAngle != 0 ? TurnsThatKeep(road, heldAngle, asShown) : LeastTurns(road)) {
             if (!(road.SumAt(t) <= most)) continue;
             other.Angle = std::fabs(std::remainder(t, kTurn));
             other.Moves = road.MovesTo(t, heldAngle != 0 ? heldAngle : 1, kMoved * noise);

@@ -21,9 +21,11 @@ struct OtherTurn {
 //
 // Looked at where the turn would be loose (loose_turns.h) if everything floated, with one angle held at most:
 // the sum of squares S along the turn, translations and the tool vector following as far as they float.
-// Another minimum, or of a held angle another turn that keeps it, counts where its S is no more than twice
-// that of the result and 25 squares of the noise: of what is told apart by the points it is far more.
+// Another minimum, or of a held angle another turn that keeps it (with `asShown` in the form whose Rot y is
+// no more than a right angle: in the other form each angle can be kept twice), counts where its S is no more
+// than twice that of the result and 25 squares of the noise: of what is told apart by the points it is far
+// more.
 OtherTurn FindOtherTurn(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
-                        bool robust, const std::vector<Vec3>& still);
+                        bool robust, const std::vector<Vec3>& still, bool asShown = false);
 
 }  // namespace corvinade::engine

@@ -158,7 +158,8 @@ void NoteLooseTurns(const NormFit& fit, const OpenParameters& open, const FitMod
 
 // The result shows a held angle as it was given, not in the form that turns Rot y by more than a right angle.
 bool ShowsHeldAngles(const NormFit& fit, const FitModel& model) {
-    constexpr double kSame = 1e-6;
+    constexpr double kSame = 1e-6, kRightAngle = std::numbers::pi / 2;
+    if (std::fabs(Job.RotY) > kRightAngle) return false;
     for (int k = kRotX; k <= kRotZ; ++k)
         if (model.UnknownOf[At(k)] == 0 &&
             std::fabs(std::remainder(ParameterValue(Job, k) - fit.Choice.Value[At(k)],
@@ -169,15 +170,12 @@ bool ShowsHeldAngles(const NormFit& fit, const FitModel& model) {
 
 // Points on a line that what is held lets lie in two ways.
 void NoteOtherTurn(const NormFit& fit, const FitModel& model, const Linearisation& at) {
-    // A held angle alone lets a line lie in two ways always, and of these one shows it as it was given.
-    const bool translationHeld =
-        model.UnknownOf[kTraX] == 0 || model.UnknownOf[kTraY] == 0 || model.UnknownOf[kTraZ] == 0;
-    if (!translationHeld && ShowsHeldAngles(fit, model)) return;
     const bool told = std::any_of(&Job.LeftOpen[kRotX], &Job.LeftOpen[kRotZ] + 1,
                                   [](const auto& mark) { return mark != 0; });
     if (told || IsTrue(Job.Collapsed)) return;
     const bool robust = NormOfJob().Fit == FitNorm::LeastSum;
-    const OtherTurn other = FindOtherTurn(fit.Points, model, at, robust, fit.LeftByPoses.Directions);
+    const OtherTurn other =
+        FindOtherTurn(fit.Points, model, at, robust, fit.LeftByPoses.Directions, ShowsHeldAngles(fit, model));
     if (other.Angle == 0) return;
     for (int k = kTraX; k < kParameterEnd; ++k)
         if (other.Moves[At(k)]) Job.LeftOpen[At(k)] = 1;
