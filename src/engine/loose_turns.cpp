@@ -7,7 +7,6 @@
 #include "core/job.h"
 #include "engine/turn_axes.h"
 #include "engine/turns_left.h"
-#include "fit/small_svd.h"
 #include "fit/statistics.h"
 #include "fit/vector.h"
 
@@ -163,26 +162,13 @@ Turn TurnAbout(const Vec3& w, const Pairs& pairs) {
 // Unit vectors within the span along which the products of two clouds are least to greatest, in no order.
 void AddAxes(const std::vector<Vec3>& span, const Pairs& pairs, const Vec3 Pair::*a, const Vec3 Pair::*b,
              std::vector<Vec3>& axes) {
-    const int m = static_cast<int>(span.size());
     Mat3 products;
     for (const Pair& pair : pairs.List)
         for (int i = 1; i <= 3; ++i)
             for (int j = 1; j <= 3; ++j)
                 if (pair.InUse[At(i)] && pair.InUse[At(j)])
                     products(i, j) += ((pair.*a)(i) * (pair.*b)(j) + (pair.*a)(j) * (pair.*b)(i)) / 2;
-    std::vector<double> within(At(m * m));
-    for (int r = 0; r < m; ++r)
-        for (int c = 0; c < m; ++c)
-            for (int i = 1; i <= 3; ++i)
-                for (int j = 1; j <= 3; ++j)
-                    within[At(r * m + c)] += span[At(r)](i) * products(i, j) * span[At(c)](j);
-    const SmallSvd svd = DecomposeSmall(within, m, m);
-    for (int k = 0; k < m; ++k) {
-        Vec3 axis;
-        for (int r = 0; r < m; ++r)
-            for (int i = 1; i <= 3; ++i) axis(i) += svd.V[At(r * m + k)] * span[At(r)](i);
-        axes.push_back(axis);
-    }
+    engine::AddAxes(span, products, axes);
 }
 
 // One scale of the images that comes nearest to the targets, and what is left then of each coordinate. Of

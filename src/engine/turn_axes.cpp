@@ -79,4 +79,21 @@ std::array<bool, kParameterEnd> TurnAxes::Marked(const Vec3& w, double least) co
     return marked;
 }
 
+void AddAxes(const std::vector<Vec3>& span, const Mat3& form, std::vector<Vec3>& axes) {
+    const int m = static_cast<int>(span.size());
+    std::vector<double> within(At(m * m));
+    for (int r = 0; r < m; ++r)
+        for (int c = 0; c < m; ++c)
+            for (int j = 1; j <= 3; ++j)
+                for (int k = 1; k <= 3; ++k)
+                    within[At(r * m + c)] += span[At(r)](j) * form(j, k) * span[At(c)](k);
+    const SmallSvd svd = DecomposeSmall(within, m, m);
+    for (int k = 0; k < m; ++k) {
+        Vec3 axis;
+        for (int r = 0; r < m; ++r)
+            for (int i = 1; i <= 3; ++i) axis(i) += svd.V[At(r * m + k)] * span[At(r)](i);
+        axes.push_back(axis);
+    }
+}
+
 }  // namespace corvinade::engine

@@ -24,4 +24,8 @@ struct TurnAxes {
     std::array<bool, kParameterEnd> Marked(const Vec3& w, double least) const;
 };
 
+// Adds unit vectors within the span of these ones, which stand at right angles, along which the symmetric
+// form is least to greatest, in no order.
+void AddAxes(const std::vector<Vec3>& span, const Mat3& form, std::vector<Vec3>& axes);
+
 }  // namespace corvinade::engine

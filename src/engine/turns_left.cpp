@@ -9,7 +9,6 @@
 #include "core/job.h"
 #include "engine/turn_axes.h"
 #include "engine/turn_forms.h"
-#include "fit/small_svd.h"
 #include "fit/statistics.h"
 #include "fit/vector.h"
 
@@ -34,24 +33,6 @@ double Of(const Mat3& form, const Vec3& w) {
 
 double RootOf(const Mat3& form, const Vec3& w) {
     return std::sqrt(std::max(0.0, Of(form, w)));
-}
-
-// Unit vectors within the span along which a form is least to greatest, in no order.
-void AddAxes(const std::vector<Vec3>& span, const Mat3& form, std::vector<Vec3>& axes) {
-    const int m = static_cast<int>(span.size());
-    std::vector<double> within(At(m * m));
-    for (int r = 0; r < m; ++r)
-        for (int c = 0; c < m; ++c)
-            for (int j = 1; j <= 3; ++j)
-                for (int k = 1; k <= 3; ++k)
-                    within[At(r * m + c)] += span[At(r)](j) * form(j, k) * span[At(c)](k);
-    const SmallSvd svd = DecomposeSmall(within, m, m);
-    for (int k = 0; k < m; ++k) {
-        Vec3 axis;
-        for (int r = 0; r < m; ++r)
-            for (int i = 1; i <= 3; ++i) axis(i) += svd.V[At(r * m + k)] * span[At(r)](i);
-        axes.push_back(axis);
-    }
 }
 
 class Judge {
