@@ -16,6 +16,7 @@
 #include "cli/headless.h"
 #include "core/files.h"
 #include "core/job.h"
+#include "support/degrees.h"
 #include "support/fixture.h"
 
 using namespace corvinade;
@@ -23,8 +24,6 @@ using analysis::ExportForm;
 using analysis::Placement;
 
 namespace {
-
-constexpr double kDegree = M_PI / 180;
 
 using Rows = std::array<std::array<double, 4>, 4>;
 

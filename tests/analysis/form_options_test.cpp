@@ -44,7 +44,7 @@ protected:
 
 namespace {
 
-constexpr double kRadPerDegree = 3.14159265358979 / 180;
+constexpr double kDegreeAsShown = 3.14159265358979 / 180;
 
 Control& OptionNumber(int number) {
     FormOptions& w = OptionsWindow;
@@ -156,7 +156,7 @@ TEST_F(Options, NumbersStandAsPlainText) {
 TEST_F(Options, NumbersBearTheDelimiterOfTheSystem) {
     Headless.Decimal = ',';
     Settings.SigmaX = 0.05;
-    Settings.GimbalLockBorder = kRadPerDegree * 2.5;
+    Settings.GimbalLockBorder = kDegreeAsShown * 2.5;
     Open();
     EXPECT_EQ(OptionsWindow.TextSx.Text, "0,05");
     EXPECT_EQ(OptionsWindow.TextGimbalLock.Text, "2,5000");
@@ -247,7 +247,7 @@ TEST_F(Options, TheBorderIsTypedInTheAngleUnit) {
         Open();
         UserSetText(OptionsWindow.TextGimbalLock, text);
         UserClick(OptionsWindow.BtnOK);
-        EXPECT_NEAR(Settings.GimbalLockBorder, kRadPerDegree, 1e-15) << unit;
+        EXPECT_NEAR(Settings.GimbalLockBorder, kDegreeAsShown, 1e-15) << unit;
     }
 }
 
@@ -397,16 +397,16 @@ TEST_F(Options, MoreRunsThanTheirTypeHoldsAreRefused) {
 }
 
 TEST_F(Options, ABorderThatNobodyHasTouchedKeepsItsDigits) {
-    Settings.GimbalLockBorder = 0.4 * kRadPerDegree;
+    Settings.GimbalLockBorder = 0.4 * kDegreeAsShown;
     UseAngles("degree", 0);
     Open();
     EXPECT_EQ(OptionsWindow.TextGimbalLock.Text, "0");
     UserClick(OptionsWindow.BtnOK);
-    EXPECT_EQ(Settings.GimbalLockBorder, 0.4 * kRadPerDegree);
+    EXPECT_EQ(Settings.GimbalLockBorder, 0.4 * kDegreeAsShown);
     Open();
     UserSetText(OptionsWindow.TextGimbalLock, "2");
     UserClick(OptionsWindow.BtnOK);
-    EXPECT_NEAR(Settings.GimbalLockBorder, 2 * kRadPerDegree, 1e-15);
+    EXPECT_NEAR(Settings.GimbalLockBorder, 2 * kDegreeAsShown, 1e-15);
 }
 
 TEST_F(Options, ABorderBeyondAllNumbersIsShownAsSuchAndCannotBeTyped) {

@@ -23,8 +23,8 @@ using namespace corvinade;
 
 namespace {
 
-const char* const kStart = "A;0;0;0\r\nB;1000;0;0\r\nC;0;2000;0\r\nD;0;0;3000\r\nE;5;6;7\r\n";
-const char* const kTarget = "A;1.1;2.2;3.3\r\nB;1000.9;2.2;3.1\r\nC;1.3;2001.8;2.9\r\nD;0.7;1.8;3002.7\r\n";
+const char* const kMeasured = "A;0;0;0\r\nB;1000;0;0\r\nC;0;2000;0\r\nD;0;0;3000\r\nE;5;6;7\r\n";
+const char* const kNominal = "A;1.1;2.2;3.3\r\nB;1000.9;2.2;3.1\r\nC;1.3;2001.8;2.9\r\nD;0.7;1.8;3002.7\r\n";
 constexpr double kErrors[4][3] = {{0.1, 0.2, 0.3}, {-0.1, 0.2, 0.1}, {0.3, -0.2, -0.1}, {-0.3, -0.2, -0.3}};
 
 double SumOfSquares() {
@@ -38,7 +38,7 @@ class ReliabilityWindow : public Program {
 protected:
     ReliabilityWindow() {
         StartUp("");
-        ImportFiles(Write("start.txt", kStart), Write("target.txt", kTarget));
+        ImportFiles(Write("start.txt", kMeasured), Write("target.txt", kNominal));
         Job.ParamText.fill(kNotUsed);
         for (const int k : {kTraX, kTraY, kTraZ}) Job.ParamText[static_cast<std::size_t>(k)] = kFloat;
     }

@@ -7,13 +7,13 @@
 
 #include "analysis/main_sheet_job.h"
 #include "engine/fit_reference.h"
+#include "support/degrees.h"
 
 using namespace corvinade;
 
 namespace {
 
 constexpr double pi = std::numbers::pi;
-constexpr double kDegree = pi / 180;
 
 class MainSheetCellsShown : public MainSheetJob {
 protected:

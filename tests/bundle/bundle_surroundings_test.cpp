@@ -8,19 +8,20 @@ using namespace corvinade;
 
 namespace {
 
-FormBündel& w = BündelWindow;
+FormBündel& bundleWindow = BündelWindow;
 using BundleAmongWindows = NetworkJob;
 
 }  // namespace
 
 TEST_F(BundleAmongWindows, AStopOfBeforeEndsNoAdjustment) {
     Read(network_.Text());
-    for (Control* button : {&w.BtnCalculate, &w.Command1}) {
+    for (Control* button : {&bundleWindow.BtnCalculate, &bundleWindow.Command1}) {
         ::Run.StopRequested = kTrue;
         UserClick(*button);
         EXPECT_FALSE(IsTrue(::Run.StopRequested));
     }
-    EXPECT_NE(w.TextRUN.Text.find("Iterations 3 "), std::string::npos) << w.TextRUN.Text;
+    EXPECT_NE(bundleWindow.TextRUN.Text.find("Iterations 3 "), std::string::npos)
+        << bundleWindow.TextRUN.Text;
     const std::string status = Main.StatusBar_3.Text;
     EXPECT_LT(Val(status.substr(status.find("Biggest x ") + 10)), 1e-6) << status;
 }
@@ -29,7 +30,7 @@ TEST_F(BundleAmongWindows, TheBusyPointerIsOnMeanwhile) {
     Read(network_.Text());
     int pointers = 0;
     Headless.OnYield = [&pointers] { pointers = ::Run.WaitPointers; };
-    for (Control* button : {&w.BtnCalculate, &w.Command1}) {
+    for (Control* button : {&bundleWindow.BtnCalculate, &bundleWindow.Command1}) {
         pointers = 0;
         UserClick(*button);
         EXPECT_EQ(pointers, 1);
@@ -43,7 +44,7 @@ TEST_F(BundleAmongWindows, AnOpenDistanceScaleMeasuresTheAdjustedNetwork) {
     UserClick(Main.MenuTransformationDistanceScale);
     ASSERT_TRUE(IsLoaded("FormDistanceScale"));
     EXPECT_EQ(DistanceScale.Points->Count(), 17);
-    UserSetText(w.TextReduce, "50");
+    UserSetText(bundleWindow.TextReduce, "50");
     Calculate();
     EXPECT_EQ(DistanceScale.Points->Count(), 11);
     EXPECT_EQ(DistanceScaleWindow.TabelleScale.Grid.Rows, 12);
@@ -52,18 +53,18 @@ TEST_F(BundleAmongWindows, AnOpenDistanceScaleMeasuresTheAdjustedNetwork) {
 TEST_F(BundleAmongWindows, AnotherNetworkTakesTheResultsOfTheOneBeforeFromTheWindow) {
     Read(network_.Text());
     Calculate();
-    UserClick(w.Command1);
+    UserClick(bundleWindow.Command1);
     Read(SimulatedNetwork(4, 8).Text());
     ASSERT_TRUE(IsLoaded("FormBündel"));
-    EXPECT_EQ(w.TextWhatDO.Text + w.TextRUN.Text + w.TextResults.Text, "");
-    EXPECT_TRUE(w.Own.IsEmpty());
-    EXPECT_EQ(w.TextReduce.Text, "100");
+    EXPECT_EQ(bundleWindow.TextWhatDO.Text + bundleWindow.TextRUN.Text + bundleWindow.TextResults.Text, "");
+    EXPECT_TRUE(bundleWindow.Own.IsEmpty());
+    EXPECT_EQ(bundleWindow.TextReduce.Text, "100");
 }
 
 TEST_F(BundleAmongWindows, APercentageThatLeavesNoObjectPointIsTold) {
     Read(network_.Text());
     const Matrix before = Bundle.Net.StationXYZ;
-    UserSetText(w.TextReduce, "5");  // Int(0.6) of 12
+    UserSetText(bundleWindow.TextReduce, "5");  // Int(0.6) of 12
     Calculate();
     ASSERT_EQ(Messages().size(), 1u);
     EXPECT_NE(LastMessage().find("larger percentage of the object points"), std::string::npos)
@@ -79,5 +80,5 @@ TEST_F(BundleAmongWindows, ADistanceOfPointsAtOnePlaceIsToldAndTheRestIsAdjusted
     ASSERT_GE(Messages().size(), 1u);
     EXPECT_NE(Messages()[0].find("at the same place and is left out: \"S2\" to \"P3\""), std::string::npos)
         << Messages()[0];
-    EXPECT_FALSE(w.TextRUN.Text.empty());
+    EXPECT_FALSE(bundleWindow.TextRUN.Text.empty());
 }

@@ -8,9 +8,9 @@ using namespace corvinade;
 
 namespace {
 
-const std::string kExamples = std::string(CORVINADE_SOURCE_DIR) + "/examples/";
+const std::string kDishes = std::string(CORVINADE_SOURCE_DIR) + "/examples/";
 constexpr double kFocus = 1080;  // mm, of the example
-constexpr double kDegree = 3.14159265358979 / 180;
+constexpr double kShownDegree = 3.14159265358979 / 180;
 
 class ShapesByName : public Automated {
 protected:
@@ -27,9 +27,9 @@ protected:
         return Good({{"do", "during"}, {"yield", yield}, {"request", request}});
     }
 
-    static json Import(const std::string& shape = kExamples + "dish_shape.txt") {
+    static json Import(const std::string& shape = kDishes + "dish_shape.txt") {
         Click("FormMain.MenuFileInputFiles");
-        Set("FormInputFiles.TextNameMCS", kExamples + "dish_measured.txt");
+        Set("FormInputFiles.TextNameMCS", kDishes + "dish_measured.txt");
         Set("FormInputFiles.TextNameOCS", shape);
         Set("FormInputFiles.ComboOCS_Data", "Paraboloid Shape Data");
         return Click("FormInputFiles.BtnOK");
@@ -43,8 +43,8 @@ protected:
 
     // Three times what noise of 0.03 mm along the normals of the surface makes of each parameter.
     static void ExpectTruth() {
-        EXPECT_NEAR(Number("RotX"), 1.2 * kDegree, 3.4e-4);
-        EXPECT_NEAR(Number("RotY"), -0.8 * kDegree, 3.4e-4);
+        EXPECT_NEAR(Number("RotX"), 1.2 * kShownDegree, 3.4e-4);
+        EXPECT_NEAR(Number("RotY"), -0.8 * kShownDegree, 3.4e-4);
         EXPECT_NEAR(Number("TraX"), 12.4, 0.87);
         EXPECT_NEAR(Number("TraY"), -7.9, 0.87);
         EXPECT_NEAR(Number("TraZ"), -35.2, 0.015);
@@ -61,8 +61,8 @@ TEST_F(ShapesByName, TheImportReadsTheShapeAndTakesItsNearestPointsAsTargets) {
     EXPECT_NE(reply["dialogs"][0]["text"].get<std::string>().find("Chapter Paraboloid Option"),
               std::string::npos);
     EXPECT_EQ(Record("IsParaboloid"), -1);
-    EXPECT_EQ(Record("PathOCS"), kExamples + "dish_shape.txt");
-    EXPECT_EQ(Record("ParaboloidFile"), kExamples + "dish_shape.txt");
+    EXPECT_EQ(Record("PathOCS"), kDishes + "dish_shape.txt");
+    EXPECT_EQ(Record("ParaboloidFile"), kDishes + "dish_shape.txt");
     EXPECT_EQ(Record("ParaboloidShape").size(), 302u);
     EXPECT_EQ(Record("nIdent"), 52);
     EXPECT_EQ(Record("JobDirty"), -1);

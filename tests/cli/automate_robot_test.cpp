@@ -12,7 +12,7 @@ using nlohmann::json;
 
 namespace {
 
-const std::string kExamples = std::string(CORVINADE_SOURCE_DIR) + "/examples/robot_tool";
+const std::string kRobotTool = std::string(CORVINADE_SOURCE_DIR) + "/examples/robot_tool";
 
 struct RobotKind {
     const char* Entry;  // of the list
@@ -41,7 +41,7 @@ protected:
 
     static json Import(const json& kind, const std::string& program) {
         Click("FormMain.MenuFileInputFiles");
-        Set("FormInputFiles.TextNameMCS", kExamples + "_measured.txt");
+        Set("FormInputFiles.TextNameMCS", kRobotTool + "_measured.txt");
         Set("FormInputFiles.TextNameOCS", program);
         Set("FormInputFiles.ComboOCS_Data", kind);
         if (Record("JobDataValid") == -1) Good({{"do", "answer"}, {"kind", "message"}, {"value", "Yes"}});
@@ -53,11 +53,11 @@ protected:
 
 TEST_F(RobotsByName, EveryKindIsImportedAndFittedWithItsToolVector) {
     for (const RobotKind& kind : kKinds) {
-        const json reply = Import(kind.Entry, kExamples + kind.File);
+        const json reply = Import(kind.Entry, kRobotTool + kind.File);
         EXPECT_FALSE(reply.contains("platformError")) << reply;
         EXPECT_EQ(Record("JobDataValid"), -1) << kind.Entry;
         EXPECT_EQ(Record("nIdent"), 10);
-        EXPECT_EQ(Record("PathOCS"), kExamples + kind.File);
+        EXPECT_EQ(Record("PathOCS"), kRobotTool + kind.File);
         EXPECT_EQ(Record(kind.Flag), -1);
         EXPECT_EQ(Record("OCS_Name")[10], "10");
         EXPECT_EQ(Record("OCS_X")[10], 1275.05);
@@ -94,7 +94,7 @@ TEST_F(RobotsByName, AToolVectorWithoutOrientationsIsRefusedWithTheReason) {
         Click("FormMain.MenuFileOpen");
     };
     for (const RobotKind& kind : kKinds) {
-        Import(kind.Entry, kExamples + kind.File);
+        Import(kind.Entry, kRobotTool + kind.File);
         const std::string job = PathOf("job.cvn");
         Good({{"do", "answer"}, {"kind", "save"}, {"value", job}});
         Click("FormMain.MenuFileSaveAs");
@@ -118,7 +118,7 @@ TEST_F(RobotsByName, AToolVectorWithoutOrientationsIsRefusedWithTheReason) {
 TEST_F(RobotsByName, TheDistanceModelTakesThePositionsOfEveryKind) {
     for (const RobotKind& kind : kKinds) {
         SCOPED_TRACE(kind.Entry);
-        Import(kind.Entry, kExamples + kind.File);
+        Import(kind.Entry, kRobotTool + kind.File);
         Click("FormMain.MenuTransformationCalculation");
         Set("FormTrafoBerechnung.CheckRDist", 1);
         const std::pair<const char*, const char*> seeds[] = {{"Trax", "2309"}, {"Tray", "1189"},
@@ -138,7 +138,7 @@ TEST_F(RobotsByName, TheDistanceModelTakesThePositionsOfEveryKind) {
 }
 
 TEST_F(RobotsByName, AnErrorInAProgramIsToldAndTheRunGoesOn) {
-    std::string program = Contents(kExamples + ".ls");
+    std::string program = Contents(kRobotTool + ".ls");
     program.replace(program.find("P =    31.420"), 13, "P =    31,x20");
     const json reply = Import(3, Write("torn.ls", program));
     EXPECT_EQ(reply["dialogs"][0]["text"], "Error while importing FANUC Data");
@@ -147,6 +147,6 @@ TEST_F(RobotsByName, AnErrorInAProgramIsToldAndTheRunGoesOn) {
         << reply;
     EXPECT_EQ(Record("JobDataValid"), 0);
     EXPECT_EQ(Record("PathOCS"), PathOf("torn.ls"));
-    Import(1, kExamples + ".dat");
+    Import(1, kRobotTool + ".dat");
     EXPECT_EQ(Record("JobDataValid"), -1);
 }

@@ -9,13 +9,13 @@ using namespace corvinade;
 
 namespace {
 
-using Screens = ScreenByNames;
+using OpenScreens = ScreenByNames;
 
-constexpr double kPi = 3.14159265358979;
+constexpr double kShownPi = 3.14159265358979;
 
 // --- Opening and closing ----------------------------------------------------------------------------------
 
-TEST_F(Screens, AWindowOpensByItsEntryAndByTheKeyOfTheToolBar) {
+TEST_F(OpenScreens, AWindowOpensByItsEntryAndByTheKeyOfTheToolBar) {
     Start();
     EXPECT_EQ(Get("FormMain.MenueGraphics")["checked"], false);
     Click("FormMain.MenueGraphics");
@@ -28,7 +28,7 @@ TEST_F(Screens, AWindowOpensByItsEntryAndByTheKeyOfTheToolBar) {
     EXPECT_EQ(Get("Windows")["windows"], json({"FormMain", "Screen#1", "Screen#2", "Screen#3"}));
 }
 
-TEST_F(Screens, WindowsAreNamedByTheirPlaceAmongTheOpenOnes) {
+TEST_F(OpenScreens, WindowsAreNamedByTheirPlaceAmongTheOpenOnes) {
     StartWithScreen();
     Click("FormMain.MenueGraphics");
     Close("Screen#1");
@@ -44,7 +44,7 @@ TEST_F(Screens, WindowsAreNamedByTheirPlaceAmongTheOpenOnes) {
     EXPECT_EQ(Get("FormMain.MenüAnsichtTopview")["enabled"], false);
 }
 
-TEST_F(Screens, TheSizeOfNewWindowsIsThatOfTheStart) {
+TEST_F(OpenScreens, TheSizeOfNewWindowsIsThatOfTheStart) {
     Start(320, 200);
     Click("FormMain.MenueGraphics");
     const json screen = Get("Screen#1");
@@ -52,7 +52,7 @@ TEST_F(Screens, TheSizeOfNewWindowsIsThatOfTheStart) {
     EXPECT_EQ(screen["height"], 200);
 }
 
-TEST_F(Screens, TheJobsEndClosesThem) {
+TEST_F(OpenScreens, TheJobsEndClosesThem) {
     StartWithScreen();
     Answer("message", "No");
     Answer("save", PathOf("new.cvn"));
@@ -62,7 +62,7 @@ TEST_F(Screens, TheJobsEndClosesThem) {
 
 // --- State ------------------------------------------------------------------------------------------------
 
-TEST_F(Screens, AWindowTellsAllFieldsOfItsState) {
+TEST_F(OpenScreens, AWindowTellsAllFieldsOfItsState) {
     StartWithScreen();
     const json screen = Get("Screen#1");
     for (const char* name :
@@ -84,19 +84,19 @@ TEST_F(Screens, AWindowTellsAllFieldsOfItsState) {
         EXPECT_TRUE(screen.contains(name)) << name;
 }
 
-TEST_F(Screens, ArraysOfTheStateAreIndexedAsTheyAreNamed) {
+TEST_F(OpenScreens, ArraysOfTheStateAreIndexedAsTheyAreNamed) {
     StartWithScreen();
     const json angles = Field("RotAngles");  // rows 1 to 2, columns 1 to 3, with unused elements 0
     ASSERT_EQ(angles.size(), 3u);
     EXPECT_EQ(angles[0], json({0, 0, 0, 0}));
-    EXPECT_EQ(angles[1], json({0, -kPi, 0.0, 0.0}));
+    EXPECT_EQ(angles[1], json({0, -kShownPi, 0.0, 0.0}));
     EXPECT_EQ(angles[2], json({0, 0.0, 0.0, 0.0}));
     EXPECT_EQ(Field("FlagIndex"), json(std::vector<int>(9, 0)));  // one a row, and element 0
     EXPECT_EQ(Field("FrameInverse").size(), 4u);
     EXPECT_EQ(Field("LineTable"), json::array());
 }
 
-TEST_F(Screens, AWindowBeginsFromAboveWithThePlateFitted) {
+TEST_F(OpenScreens, AWindowBeginsFromAboveWithThePlateFitted) {
     StartWithScreen();
     EXPECT_NEAR(Number("BildFaktor"), kFaktor, 1e-5);
     EXPECT_EQ(Field("BigNess"), 2);
@@ -111,7 +111,7 @@ TEST_F(Screens, AWindowBeginsFromAboveWithThePlateFitted) {
     for (std::size_t i = 0; i < 6; ++i) EXPECT_NEAR(box[i].get<double>(), expected[i], 1e-4) << i;
 }
 
-TEST_F(Screens, TheTablesOfPointsAreReadAsRecords) {
+TEST_F(OpenScreens, TheTablesOfPointsAreReadAsRecords) {
     StartWithScreen();
     const json points = Record("ScenePoints");
     ASSERT_EQ(points.size(), 9u);
@@ -135,7 +135,7 @@ TEST_F(Screens, TheTablesOfPointsAreReadAsRecords) {
               "PixelX: this record can only be read");
 }
 
-TEST_F(Screens, TheDrawingSurfaceTellsItsColourAndSize) {
+TEST_F(OpenScreens, TheDrawingSurfaceTellsItsColourAndSize) {
     StartWithScreen();
     const json picture = Get("Screen#1.ScreenPixel");
     EXPECT_EQ(picture["kind"], "picture");
@@ -146,7 +146,7 @@ TEST_F(Screens, TheDrawingSurfaceTellsItsColourAndSize) {
     EXPECT_EQ(Get("Screen#1")["pointer"], "arrow");
 }
 
-TEST_F(Screens, TheStatusBarHasFourPanels) {
+TEST_F(OpenScreens, TheStatusBarHasFourPanels) {
     StartWithScreen();
     for (const char* panel : {"1", "2", "3", "4"})
         EXPECT_EQ(Get(std::string("Screen#1.StatusBar.") + panel)["kind"], "panel");
@@ -156,18 +156,18 @@ TEST_F(Screens, TheStatusBarHasFourPanels) {
 
 // --- Views ------------------------------------------------------------------------------------------------
 
-TEST_F(Screens, TheFixedViewsTurnTheScene) {
+TEST_F(OpenScreens, TheFixedViewsTurnTheScene) {
     StartWithScreen();
     struct View {
         const char *Entry, *Key;
         double A, B, C;
     };
-    const double sideways = 4.712388980384685, degree = kPi / 180;
+    const double sideways = 4.712388980384685, degree = kShownPi / 180;
     for (const View& view :
          {View{"MenüAnsichtSideView", "ViewSide", sideways, 0, 0},
           View{"MenüAnsichtFrontView", "ViewFront", sideways, sideways, 0},
           View{"MenüAnsichtIsometricView", "ViewIso", 210 * degree, -50 * degree, -50 * degree},
-          View{"MenüAnsichtTopview", "ViewTop", -kPi, 0, 0}}) {
+          View{"MenüAnsichtTopview", "ViewTop", -kShownPi, 0, 0}}) {
         const double faktor = Number("BildFaktor");
         const std::string places[] = {std::string("FormMain.") + view.Entry,
                                       std::string("FormMain.ToolbarGraphics.") + view.Key};
@@ -183,7 +183,7 @@ TEST_F(Screens, TheFixedViewsTurnTheScene) {
     }
 }
 
-TEST_F(Screens, FromTheSideZRunsUp) {
+TEST_F(OpenScreens, FromTheSideZRunsUp) {
     StartWithScreen();
     Click("FormMain.ToolbarGraphics.ViewSide");
     const json view = Record("ViewPoints");
@@ -193,7 +193,7 @@ TEST_F(Screens, FromTheSideZRunsUp) {
     EXPECT_LT(PixelOf(1).Y, PixelOf(5).Y);
 }
 
-TEST_F(Screens, AStepOfTheZoomGoesAboutTheMiddle) {
+TEST_F(OpenScreens, AStepOfTheZoomGoesAboutTheMiddle) {
     StartWithScreen();
     Click("FormMain.ToolbarGraphics.ZoomIn");
     EXPECT_NEAR(Number("BildFaktor"), kFaktor / 0.7, 1e-5);
@@ -205,7 +205,7 @@ TEST_F(Screens, AStepOfTheZoomGoesAboutTheMiddle) {
     EXPECT_NEAR(PixelOf(4).Y, kUpper, kNear);
 }
 
-TEST_F(Screens, FitAndCentreBringThePlateBackAndTheOriginToTheMiddle) {
+TEST_F(OpenScreens, FitAndCentreBringThePlateBackAndTheOriginToTheMiddle) {
     StartWithScreen();
     Click("FormMain.ToolbarGraphics.ZoomIn");
     Click("FormMain.MenüAnsichtcenter");
@@ -217,7 +217,7 @@ TEST_F(Screens, FitAndCentreBringThePlateBackAndTheOriginToTheMiddle) {
     EXPECT_NEAR(PixelOf(1).X, kLeft, kNear);
 }
 
-TEST_F(Screens, PointsAndVectorsChangeTheirSize) {
+TEST_F(OpenScreens, PointsAndVectorsChangeTheirSize) {
     StartWithScreen();
     Click("FormMain.ToolbarGraphics.PointsBigger");
     EXPECT_EQ(Field("BigNess"), 3);
@@ -238,7 +238,7 @@ TEST_F(Screens, PointsAndVectorsChangeTheirSize) {
     EXPECT_EQ(Field("Vec_Maßstab"), 400);
 }
 
-TEST_F(Screens, VectorsHaveALongestAndAShortestLength) {
+TEST_F(OpenScreens, VectorsHaveALongestAndAShortestLength) {
     StartWithScreen();
     Click("FormMain.ToolbarGraphics.VectorMode");
     std::vector<std::string> said;
@@ -256,7 +256,7 @@ TEST_F(Screens, VectorsHaveALongestAndAShortestLength) {
 
 // --- Undo -------------------------------------------------------------------------------------------------
 
-TEST_F(Screens, TheLastViewsComeBackAndGoForth) {
+TEST_F(OpenScreens, TheLastViewsComeBackAndGoForth) {
     StartWithScreen();
     EXPECT_EQ(Get("FormMain.MenüViewLastView")["enabled"], false);
     Click("FormMain.ToolbarGraphics.ZoomIn");
@@ -264,18 +264,18 @@ TEST_F(Screens, TheLastViewsComeBackAndGoForth) {
     EXPECT_EQ(Field("UndoCount"), 3);
     EXPECT_EQ(Get("FormMain.ToolbarSaveView.LastView")["toolTip"].get<std::string>().substr(0, 1), "2");
     Click("FormMain.ToolbarSaveView.LastView");
-    EXPECT_NEAR(Field("RotAngles")[1][1].get<double>(), -kPi, 1e-12);
+    EXPECT_NEAR(Field("RotAngles")[1][1].get<double>(), -kShownPi, 1e-12);
     EXPECT_EQ(Field("UndoOffset"), -1);
     Click("FormMain.MenüViewLastView");
     EXPECT_NEAR(Number("BildFaktor"), kFaktor, 1e-5);
     EXPECT_EQ(Get("FormMain.ToolbarSaveView.LastView")["enabled"], false);
     Click("FormMain.ToolbarSaveView.NextView");
     Click("FormMain.MenüViewNextView");
-    EXPECT_NEAR(Field("RotAngles")[1][1].get<double>(), 210 * kPi / 180, 1e-12);
+    EXPECT_NEAR(Field("RotAngles")[1][1].get<double>(), 210 * kShownPi / 180, 1e-12);
     EXPECT_EQ(Get("FormMain.ToolbarSaveView.NextView")["enabled"], false);
 }
 
-TEST_F(Screens, FiftyViewsAreKept) {
+TEST_F(OpenScreens, FiftyViewsAreKept) {
     StartWithScreen();
     for (int i = 0; i < 60; ++i) Click("FormMain.ToolbarGraphics.ViewTop");
     EXPECT_EQ(Field("UndoCount"), 50);
@@ -289,12 +289,12 @@ TEST_F(Screens, FiftyViewsAreKept) {
 
 // --- Several windows --------------------------------------------------------------------------------------
 
-TEST_F(Screens, EachWindowHasAViewOfItsOwn) {
+TEST_F(OpenScreens, EachWindowHasAViewOfItsOwn) {
     StartWithScreen();
     Click("FormMain.MenueGraphics");
     Click("FormMain.ToolbarGraphics.ViewIso");  // goes to the newer one, which is on top
-    EXPECT_NEAR(Get("Screen#1")["RotAngles"][1][1].get<double>(), -kPi, 1e-12);
-    EXPECT_NEAR(Get("Screen#2")["RotAngles"][1][1].get<double>(), 210 * kPi / 180, 1e-12);
+    EXPECT_NEAR(Get("Screen#1")["RotAngles"][1][1].get<double>(), -kShownPi, 1e-12);
+    EXPECT_NEAR(Get("Screen#2")["RotAngles"][1][1].get<double>(), 210 * kShownPi / 180, 1e-12);
     EXPECT_EQ(Get("Screen#2")["active"], true);
     // A key or a button that is pressed on a window brings it to the top.
     Mouse("down", 5, 5, {{"button", "middle"}});
@@ -308,7 +308,7 @@ TEST_F(Screens, EachWindowHasAViewOfItsOwn) {
 
 // --- Size -------------------------------------------------------------------------------------------------
 
-TEST_F(Screens, AWindowTakesAnotherSize) {
+TEST_F(OpenScreens, AWindowTakesAnotherSize) {
     StartWithScreen();
     const auto paints = Get("Screen#1.ScreenPixel")["paints"].get<int>();
     Good({{"do", "resize"}, {"at", "Screen#1"}, {"width", 1000}, {"height", 500}});
@@ -323,7 +323,7 @@ TEST_F(Screens, AWindowTakesAnotherSize) {
     EXPECT_GT(Number("BildFaktor"), 0);
 }
 
-TEST_F(Screens, SizesThatNoWindowHasAreRefused) {
+TEST_F(OpenScreens, SizesThatNoWindowHasAreRefused) {
     StartWithScreen();
     const auto resize = [](const json& width, const json& height) {
         return ErrorOf({{"do", "resize"}, {"at", "Screen#1"}, {"width", width}, {"height", height}});
@@ -341,7 +341,7 @@ TEST_F(Screens, SizesThatNoWindowHasAreRefused) {
 
 // --- Dialogs ----------------------------------------------------------------------------------------------
 
-TEST_F(Screens, AnswersOfTheirKindsAreCheckedBeforeTheyAreQueued) {
+TEST_F(OpenScreens, AnswersOfTheirKindsAreCheckedBeforeTheyAreQueued) {
     Start();
     const auto answer = [](const char* kind, const json& value) {
         return Ask({{"do", "answer"}, {"kind", kind}, {"value", value}})["ok"];
@@ -357,7 +357,7 @@ TEST_F(Screens, AnswersOfTheirKindsAreCheckedBeforeTheyAreQueued) {
 
 // --- What is refused --------------------------------------------------------------------------------------
 
-TEST_F(Screens, AWindowThatIsNotThereIsAClearError) {
+TEST_F(OpenScreens, AWindowThatIsNotThereIsAClearError) {
     Start();
     EXPECT_EQ(ErrorOf({{"do", "get"}, {"at", "Screen#1"}}),
               "there is no graphics window \"Screen#1\"; none is open");
@@ -381,7 +381,7 @@ TEST_F(Screens, AWindowThatIsNotThereIsAClearError) {
     }
 }
 
-TEST_F(Screens, AFieldCanBeReadAlone) {
+TEST_F(OpenScreens, AFieldCanBeReadAlone) {
     StartWithScreen();
     EXPECT_NE(ErrorOf({{"do", "set"}, {"at", "Screen#1.BildFaktor"}, {"value", 3}}).find("only be read"),
               std::string::npos);
@@ -399,7 +399,7 @@ TEST_F(Screens, AFieldCanBeReadAlone) {
     EXPECT_NEAR(Number("BildFaktor"), kFaktor, 1e-5);
 }
 
-TEST_F(Screens, MouseAndKeysSayWhatTheyMiss) {
+TEST_F(OpenScreens, MouseAndKeysSayWhatTheyMiss) {
     StartWithScreen();
     const auto mouse = [](const json& more) {
         json request = {{"do", "mouse"}, {"at", "Screen#1"}, {"event", "down"}, {"x", 5}, {"y", 5}};
@@ -423,7 +423,7 @@ TEST_F(Screens, MouseAndKeysSayWhatTheyMiss) {
 
 // --- Anything at all --------------------------------------------------------------------------------------
 
-TEST_F(Screens, AWindowSurvivesAnyRequest) {
+TEST_F(OpenScreens, AWindowSurvivesAnyRequest) {
     ExpectUnanswered();
     StartWithScreen();
     Click("FormMain.MenueGraphics");

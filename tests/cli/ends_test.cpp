@@ -43,6 +43,9 @@ protected:
             dup2(open(PathOf("err").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
             close(pipes[0]);
             close(pipes[1]);
+            // Who runs the tests may have these ignored (nohup does), and a program keeps what it was started
+            // with.
+            for (const int each : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGQUIT}) signal(each, SIG_DFL);
             const rlimit core = {0, 0}, memory = {bytes, bytes};
             setrlimit(RLIMIT_CORE, &core);
             if (bytes != RLIM_INFINITY) setrlimit(RLIMIT_AS, &memory);
@@ -85,7 +88,7 @@ TEST_F(Ends, ASignalLeavesNothingBesideTheTargetAndEndsTheProgramByItself) {
         EXPECT_TRUE(WIFSIGNALED(status)) << signal;
         EXPECT_EQ(WTERMSIG(status), signal);
         EXPECT_FALSE(StandsBeside()) << signal;
-        EXPECT_EQ(Contents(out), "old");
+        EXPECT_TRUE(Contents(out) == "old") << signal;
     }
 }
 

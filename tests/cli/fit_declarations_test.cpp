@@ -133,21 +133,21 @@ TEST_F(Declarations, ADelimiterThatIsNamedIsNoDecisionOfTheProgram) {
 
 namespace {
 
-const std::string kNoTurn = ",[1,0,0,0],[0,0,0,0],[9E9,9E9,9E9,9E9,9E9,9E9]]";
+const std::string kNoTurnAtAll = ",[1,0,0,0],[0,0,0,0],[9E9,9E9,9E9,9E9,9E9,9E9]]";
 
 std::string RobTarget(const std::string& name, const std::string& position) {
-    return "CONST robtarget " + name + ":=[[" + position + "]" + kNoTurn + ";\n";
+    return "CONST robtarget " + name + ":=[[" + position + "]" + kNoTurnAtAll + ";\n";
 }
 
 }  // namespace
 
 TEST_F(Declarations, OfTargetsThatAFunctionMovesNoneIsTaken) {
-    const std::string moved = "[[9,9,9]" + kNoTurn;
+    const std::string moved = "[[9,9,9]" + kNoTurnAtAll;
     const std::string program = Write(
         "program.modx", "MODULE A\n" + RobTarget("p1", "1,2,3") + RobTarget("p2", "4,50,6") + "MoveL Offs(" +
                             moved + ",0,0,250),v100,fine,t;\np9:=RelTool(" + moved +
                             ",0,0,5);\nVAR robtarget p8:=Offs(\n  " + moved + ",0,0,5);\nMoveJ [[70,8,9]" +
-                            kNoTurn + ",v100,fine,t;\n" + RobTarget("p4", "7,8,90") + "ENDMODULE\n");
+                            kNoTurnAtAll + ",v100,fine,t;\n" + RobTarget("p4", "7,8,90") + "ENDMODULE\n");
     EXPECT_EQ(Positions(program, "abb"), truth_);
     const Note* const skipped = NoteOf(NoteCode::PosesSkipped);
     ASSERT_NE(skipped, nullptr);
@@ -172,7 +172,7 @@ TEST_F(Declarations, OfAModuleMayStandInAnyLinesAndWithAnyBlanks) {
                                       "];\n"
                                       "CONST robtarget\n"
                                       "  p3 := [ [70,8,9]" +
-                                          kNoTurn + "; " + RobTarget("p4", "7,8,90") + "ENDMODULE\n");
+                                          kNoTurnAtAll + "; " + RobTarget("p4", "7,8,90") + "ENDMODULE\n");
     EXPECT_EQ(Positions(program, "abb"), truth_);
     EXPECT_EQ(NoteOf(NoteCode::PosesSkipped), nullptr);
 }
@@ -248,9 +248,9 @@ TEST_F(Declarations, OfOneNameAreNotedWithTheirLines) {
                                    "POS q={X 7,Y 8,Z 90,A 1,B 2,C 3}\n");
     EXPECT_EQ(Positions(kuka, "kuka"), truth_);
     expect(kuka, "The name \"xp1\" stands in line 2 and in line 3", 2, 2);
-    const std::string abb =
-        Write("program.modx", "MODULE A\n" + RobTarget("p1", "1,2,3") + RobTarget("p2", "4,50,6") +
-                                  RobTarget("P1", "70,8,9") + "p2:=[[7,8,90]" + kNoTurn + ";\nENDMODULE\n");
+    const std::string abb = Write("program.modx", "MODULE A\n" + RobTarget("p1", "1,2,3") +
+                                                      RobTarget("p2", "4,50,6") + RobTarget("P1", "70,8,9") +
+                                                      "p2:=[[7,8,90]" + kNoTurnAtAll + ";\nENDMODULE\n");
     EXPECT_EQ(Positions(abb, "abb"), truth_);
     expect(abb, "The name \"P1\" stands in line 2 and in line 4", 2, 1);
 }

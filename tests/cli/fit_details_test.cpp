@@ -6,13 +6,13 @@
 #include "cli/fit_command.h"
 #include "cli/headless.h"
 #include "engine/clipboard_report.h"
+#include "support/degrees.h"
 
 using namespace corvinade;
 
 namespace {
 
 using Rotation = std::array<std::array<double, 3>, 3>;
-constexpr double kDegree = std::numbers::pi / 180;
 
 Rotation Times(const Rotation& a, const Rotation& b) {
     Rotation c{};

@@ -5,12 +5,11 @@
 #include <numbers>
 
 #include "cli/fit_command.h"
+#include "support/degrees.h"
 
 using namespace corvinade;
 
 namespace {
-
-constexpr double kDegree = std::numbers::pi / 180;
 
 std::string Line(const std::string& name, const std::array<double, 3>& point) {
     std::array<char, 120> text{};

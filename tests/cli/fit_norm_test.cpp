@@ -13,7 +13,8 @@ namespace {
 const std::vector<std::string> kHeightAlone = {"--hold", "trax=0", "--hold", "tray=0", "--hold",
                                                "rotx=0", "--hold", "roty=0", "--hold", "rotz=0"};
 
-std::vector<std::string> With(std::vector<std::string> arguments, const std::vector<std::string>& more) {
+std::vector<std::string> WithArguments(std::vector<std::string> arguments,
+                                       const std::vector<std::string>& more) {
     arguments.insert(arguments.end(), more.begin(), more.end());
     return arguments;
 }
@@ -24,7 +25,7 @@ TEST_F(FitNorm, AHeightIsMeanMedianOrNearlyTheMiddle) {
     const std::string start = Write("h1.txt", "A;0;0;0\nB;100;0;0\nC;0;100;0\nD;100;100;0\nE;50;20;0\n");
     const std::string target = Write("h2.txt", "A;0;0;0\nB;100;0;1\nC;0;100;2.5\nD;100;100;4\nE;50;20;30\n");
     const auto fit = [&](const char* norm) {
-        return FitJson(With({start, target, "--norm", norm}, kHeightAlone));
+        return FitJson(WithArguments({start, target, "--norm", norm}, kHeightAlone));
     };
     const json l2 = fit("l2");
     EXPECT_EQ(l2["norm"], "l2");
@@ -81,7 +82,7 @@ TEST_F(FitNorm, OfAHeightTheExactNormsAreMedianAndMiddle) {
     const std::string start = Write("h1.txt", "A;0;0;0\nB;100;0;0\nC;0;100;0\nD;100;100;0\nE;50;20;0\n");
     const std::string target = Write("h2.txt", "A;0;0;0\nB;100;0;1\nC;0;100;2.5\nD;100;100;4\nE;50;20;30\n");
     const auto fit = [&](const char* norm) {
-        return FitJson(With({start, target, "--norm", norm}, kHeightAlone));
+        return FitJson(WithArguments({start, target, "--norm", norm}, kHeightAlone));
     };
     const json l1 = fit("l1-exact");
     EXPECT_EQ(l1["norm"], "l1-exact");

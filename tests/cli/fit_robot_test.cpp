@@ -6,12 +6,12 @@
 
 #include "cli/fit_command.h"
 #include "core/job_file.h"
+#include "support/degrees.h"
 
 using namespace corvinade;
 
 namespace {
 
-constexpr double kDegree = std::numbers::pi / 180;
 using Point = std::array<double, 3>;
 
 struct RobotPose {

@@ -5,12 +5,12 @@
 #include <numbers>
 
 #include "cli/fit_command.h"
+#include "support/degrees.h"
 
 using namespace corvinade;
 
 namespace {
 
-constexpr double kDegree = std::numbers::pi / 180;
 using Vector = std::array<double, 3>;
 
 // About axis 0, 1 or 2.

@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using Names = std::set<std::string>;
+using NameSet = std::set<std::string>;
 
 // A statement or the head of a definition that begins at the left edge.
 struct Head {
@@ -87,10 +87,10 @@ std::string ClassSaid(const Head& head) {
 }
 
 struct Rooms {
-    std::map<std::string, Names> Declared;  // by header, relative to src/
-    std::map<std::string, Names> Defined;   // by room; "" above all rooms
-    std::map<std::string, Names> Classes;   // by room: whose members it says
-    std::map<std::string, Names> Members;   // by source: the classes whose members it defines
+    std::map<std::string, NameSet> Declared;  // by header, relative to src/
+    std::map<std::string, NameSet> Defined;   // by room; "" above all rooms
+    std::map<std::string, NameSet> Classes;   // by room: whose members it says
+    std::map<std::string, NameSet> Members;   // by source: the classes whose members it defines
 
     Rooms() {
         const fs::path source = fs::path(CORVINADE_SOURCE_DIR) / "src";
@@ -111,10 +111,10 @@ struct Rooms {
         }
     }
     // Declared in a header and not defined in its room, by the header.
-    std::map<std::string, Names> DefinedElsewhere() const {
-        std::map<std::string, Names> elsewhere;
+    std::map<std::string, NameSet> DefinedElsewhere() const {
+        std::map<std::string, NameSet> elsewhere;
         for (const auto& [header, names] : Declared) {
-            const Names& own = Defined.at(header.substr(0, header.find('/')));
+            const NameSet& own = Defined.at(header.substr(0, header.find('/')));
             for (const std::string& name : names)
                 if (!own.contains(name)) elsewhere[header].insert(name);
         }
@@ -126,7 +126,7 @@ struct Rooms {
 
 TEST(Calls, WhatAHeaderDeclaresIsDefinedInItsRoom) {
     const Rooms rooms;
-    std::map<std::string, Names> elsewhere = rooms.DefinedElsewhere();
+    std::map<std::string, NameSet> elsewhere = rooms.DefinedElsewhere();
     // What the world around the program does, each face of the program does for itself.
     for (const char* header : {"core/platform.h", "core/large_pages.h"}) {
         for (const std::string& name : elsewhere[header])
@@ -144,7 +144,7 @@ TEST(Calls, WhatAHeaderDeclaresIsDefinedInItsRoom) {
                                        {"import/readers_above.h", "AllReadersAbove"},
                                        {"core/records.h", "AllRecords"},
                                        {"core/window.h", "AllWindows"}}) {
-        EXPECT_EQ(elsewhere[header], Names{name}) << header;
+        EXPECT_EQ(elsewhere[header], NameSet{name}) << header;
         EXPECT_TRUE(rooms.Defined.at("").contains(name)) << name;
         elsewhere.erase(header);
     }

@@ -15,13 +15,13 @@ using namespace corvinade;
 
 namespace fs = std::filesystem;
 
-using Names = std::vector<std::string>;
+using FileNames = std::vector<std::string>;
 
 class Folders : public Program {};
 class PieceByPiece : public Program {
 protected:
-    Names Beside() const {
-        Names names = FilesOfFolder(folder_);
+    FileNames Beside() const {
+        FileNames names = FilesOfFolder(folder_);
         return names;
     }
 };
@@ -32,20 +32,20 @@ TEST_F(Folders, FilesComeByTheirNamesAndFoldersAreNone) {
     ASSERT_EQ(mkfifo(PathOf("pipe").c_str(), 0600), 0);
     fs::create_symlink("a.txt", PathOf("link.txt"));
     EXPECT_EQ(FilesOfFolder(folder_),
-              (Names{".hidden", "C.txt", "a.txt", "b.txt", "link.txt", "no dot", "ä.txt"}));
+              (FileNames{".hidden", "C.txt", "a.txt", "b.txt", "link.txt", "no dot", "ä.txt"}));
     EXPECT_EQ(FilesOfFolder(folder_ + "/"), FilesOfFolder(folder_));
 }
 
 TEST_F(Folders, AFolderThatIsNotThereHoldsNothing) {
-    EXPECT_EQ(FilesOfFolder(PathOf("none")), Names{});
-    EXPECT_EQ(FilesOfFolder(""), Names{});
-    EXPECT_EQ(FoldersOfFolder(PathOf("none")), Names{});
-    EXPECT_EQ(FoldersOfFolder(""), Names{});
+    EXPECT_EQ(FilesOfFolder(PathOf("none")), FileNames{});
+    EXPECT_EQ(FilesOfFolder(""), FileNames{});
+    EXPECT_EQ(FoldersOfFolder(PathOf("none")), FileNames{});
+    EXPECT_EQ(FoldersOfFolder(""), FileNames{});
 }
 
 TEST_F(Folders, FoldersAreListedWithoutTheHiddenOnes) {
     for (const char* name : {"b/x", "A/x", ".hidden/x", "file.txt"}) Write(name, "x");
-    EXPECT_EQ(FoldersOfFolder(folder_), (Names{"A", "b"}));
+    EXPECT_EQ(FoldersOfFolder(folder_), (FileNames{"A", "b"}));
 }
 
 TEST_F(Folders, TheNameIsWhatStandsBehindTheLastSeparator) {
@@ -66,7 +66,7 @@ TEST_F(Folders, AFolderHasOnePlainPathAndOneAbove) {
 }
 
 TEST_F(Folders, ThereIsADriveToBeginWith) {
-    EXPECT_EQ(Drives(), Names{"/"});
+    EXPECT_EQ(Drives(), FileNames{"/"});
 }
 
 TEST_F(PieceByPiece, NothingStandsInThePlaceBeforeItIsKept) {
@@ -79,13 +79,13 @@ TEST_F(PieceByPiece, NothingStandsInThePlaceBeforeItIsKept) {
         file.Keep(Keeping::Unflushed);
         EXPECT_EQ(Contents(path), "new text");
     }
-    EXPECT_EQ(Beside(), Names{"out.txt"});
+    EXPECT_EQ(Beside(), FileNames{"out.txt"});
 }
 
 TEST_F(PieceByPiece, WhatIsNotKeptIsGone) {
     const std::string path = PathOf("out.txt");
     { FileBeside(path).Write("half"); }
-    EXPECT_EQ(Beside(), Names{});
+    EXPECT_EQ(Beside(), FileNames{});
 }
 
 TEST_F(PieceByPiece, ARefusalAtAnyStepLeavesTheOldFileAlone) {
@@ -101,7 +101,7 @@ TEST_F(PieceByPiece, ARefusalAtAnyStepLeavesTheOldFileAlone) {
                   }),
                   "Cannot write \"" + path + "\": the disk is full");
         EXPECT_EQ(Contents(path), "old") << operation;
-        EXPECT_EQ(Beside(), Names{"out.txt"}) << operation;
+        EXPECT_EQ(Beside(), FileNames{"out.txt"}) << operation;
     }
 }
 

@@ -18,7 +18,7 @@ using namespace corvinade;
 
 namespace {
 
-const std::string kQuestion = CrLf(
+const std::string kVersionQuestion = CrLf(
     "This is not a Corvinade File.\n\nClick  YES  to try loading this file and \n\nClick  NO  to choose another "
     "file");
 const std::string kNoViews = "Sorry, Saved Views can not be loaded";
@@ -198,7 +198,8 @@ TEST_F(JobFileVersions, AFileWithoutAHeadIsAskedAbout) {
         SCOPED_TRACE(version);
         Headless.Answers["message"].push_back("Yes");
         // What is said of the version is said of the one that such a file counts as.
-        ExpectOpened(HandFile68(TenPoints(), version), expected, {kQuestion, Lower("1.2.40"), kNoViews});
+        ExpectOpened(HandFile68(TenPoints(), version), expected,
+                     {kVersionQuestion, Lower("1.2.40"), kNoViews});
     }
 }
 
@@ -210,7 +211,7 @@ TEST_F(JobFileVersions, AFileWithoutPointsIsAskedAbout) {
     HandJob expected = With14Parameters(job, before_);
     expected.RDist = 1234.5;
     Headless.Answers["message"].push_back("Yes");
-    ExpectOpened(HandFile68(job, "1.3.68"), expected, {kQuestion, Lower("1.2.40"), kNoViews});
+    ExpectOpened(HandFile68(job, "1.3.68"), expected, {kVersionQuestion, Lower("1.2.40"), kNoViews});
 }
 
 TEST_F(JobFileVersions, UpTo1_2_40TheViewFlagsAreNotInTheFileAndOn) {
@@ -220,7 +221,8 @@ TEST_F(JobFileVersions, UpTo1_2_40TheViewFlagsAreNotInTheFileAndOn) {
     for (const std::string version : {"1.2.40", "1.1.99", "1.0.0"}) {
         SCOPED_TRACE(version);
         Headless.Answers["message"].push_back("Yes");
-        ExpectOpened(HandFile40(TenPoints(), version), expected, {kQuestion, Lower("1.2.40"), kNoViews});
+        ExpectOpened(HandFile40(TenPoints(), version), expected,
+                     {kVersionQuestion, Lower("1.2.40"), kNoViews});
     }
 }
 
@@ -233,7 +235,7 @@ TEST_F(JobFileVersions, WithAnotherLengthBehindThePathsTheFileCountsAs1_2_40) {
         SCOPED_TRACE(length);
         Headless.Answers["message"].push_back("Yes");
         ExpectOpened(file.substr(0, file.size() - 4) + HandBytes().I32(length).Text, expected,
-                     {kQuestion, Lower("1.2.40"), kNoViews});
+                     {kVersionQuestion, Lower("1.2.40"), kNoViews});
     }
 }
 
@@ -243,7 +245,7 @@ TEST_F(JobFileVersions, TheVersionBehindThePathsDecidesWhatFollowsIt) {
     // Field 26, and at 2.0.64 all fields behind it.
     const std::string with26 = HandFile68(TenPoints(), "1.3.71");
     Headless.Answers["message"].push_back("Yes");
-    ExpectOpened(with26, expected, {kQuestion, Lower("1.2.40"), kNoViews});
+    ExpectOpened(with26, expected, {kVersionQuestion, Lower("1.2.40"), kNoViews});
 
     HandJob robot = expected;
     robot.IsQuaternion = true;
@@ -256,7 +258,7 @@ TEST_F(JobFileVersions, TheVersionBehindThePathsDecidesWhatFollowsIt) {
     rest.F64(0).F64(0).F64(0).F64(1).F64(0).F64(2).F64(0).F64(3);
     rest.Taggeds(robot.RVecX).Taggeds(robot.RVecY).F64s(robot.RVecZ);
     Headless.Answers["message"].push_back("Yes");
-    ExpectOpened(HandFile68(TenPoints(), "2.0.64") + rest.Text, robot, {kQuestion, Lower("1.2.40")});
+    ExpectOpened(HandFile68(TenPoints(), "2.0.64") + rest.Text, robot, {kVersionQuestion, Lower("1.2.40")});
     // The parameters are those of the head's version all the same: 14 of them.
 }
 
@@ -306,7 +308,7 @@ TEST_F(JobFileVersions, NoLeavesTheProgramWithoutAJobAndTheFileAsItWas) {
     Run.JobFilePath = Write("a.cvn", file);
     Headless.Answers["message"].push_back("No");
     OpenFile(Run.JobFilePath);
-    EXPECT_EQ(Messages(), std::vector<std::string>{kQuestion});
+    EXPECT_EQ(Messages(), std::vector<std::string>{kVersionQuestion});
     EXPECT_EQ(Headless.Dialogs.back().Buttons, (std::vector<std::string>{"Yes", "No"}));
     EXPECT_EQ(Run.JobFilePath, "..\\default.cvn");
     EXPECT_EQ(Main.Window.Caption, "Corvinade Version 2.0.64 | ..\\default.cvn");

@@ -13,7 +13,7 @@ using JobFileViews = Program;
 
 namespace {
 
-std::string ErrorOfReading(const std::string& file) {
+std::string ErrorOfViews(const std::string& file) {
     try {
         ReadJobBytes(file, "a.cvn");
     } catch (const PlatformError& error) {
@@ -145,7 +145,7 @@ TEST_F(JobFileViews, FiftyViewsAreTheMost) {
     EXPECT_EQ(content.ViewNames.size(), 50U);
     ExpectBytes(JobBytes(content.Job, content.ViewNames), FileWithViews(50, put));
     const std::string place = "\"a.cvn\", byte " + std::to_string(BeforeViews().size()) + ": SavedView: ";
-    EXPECT_EQ(ErrorOfReading(FileWithViews(51, put)), place + "51 saved views, 50 is the most");
+    EXPECT_EQ(ErrorOfViews(FileWithViews(51, put)), place + "51 saved views, 50 is the most");
 }
 
 TEST_F(JobFileViews, AsManyNamesAsViewsAreNeeded) {
@@ -154,7 +154,7 @@ TEST_F(JobFileViews, AsManyNamesAsViewsAreNeeded) {
         HandBytes views;
         views.I16(number).I32(1).Short("a").Short("b");
         for (int i = 0; i < 51; ++i) PutHandView(views, i);
-        EXPECT_EQ(ErrorOfReading(BeforeViews() + views.Text + kBehindViews),
+        EXPECT_EQ(ErrorOfViews(BeforeViews() + views.Text + kBehindViews),
                   place + "2 names stand against " + std::to_string(number) + " saved views");
     }
 }
@@ -271,7 +271,7 @@ TEST_F(JobFileViews, ArraysThatTheFileCannotHoldAreRefused) {
     const std::string place = "\"a.cvn\", byte " + std::to_string(before.size() + head.Text.size()) +
                               ": SavedView, record 0, RotAngles: ";
     const auto errorOf = [&](const HandBytes& shape) {
-        return ErrorOfReading(before + head.Text + shape.Text + std::string(100, '\0'));
+        return ErrorOfViews(before + head.Text + shape.Text + std::string(100, '\0'));
     };
     EXPECT_EQ(errorOf(HandBytes().I16(61)), place + "an array of 61 dimensions");
     EXPECT_EQ(errorOf(HandBytes().I16(65535)), place + "an array of 65535 dimensions");

@@ -17,8 +17,8 @@ protected:
 
 namespace {
 
-std::string With(const std::string& text, const std::string& section, const std::string& key,
-                 const std::string& value) {
+std::string WithKey(const std::string& text, const std::string& section, const std::string& key,
+                    const std::string& value) {
     return WithIniValue(text, {section, key, value});
 }
 
@@ -27,70 +27,70 @@ std::string With(const std::string& text, const std::string& section, const std:
 // --- Writing one value ------------------------------------------------------------------------------------
 
 TEST_F(SettingsWriting, AnEmptyFileGetsSectionValueAndEndMark) {
-    EXPECT_EQ(With("", "A", "k", "1"), CrLf("[A]\nk=1\n[LastEntry]\n"));
-    EXPECT_EQ(With("\r\n  \r\n", "A", "k", "1"), CrLf("[A]\nk=1\n[LastEntry]\n"));
+    EXPECT_EQ(WithKey("", "A", "k", "1"), CrLf("[A]\nk=1\n[LastEntry]\n"));
+    EXPECT_EQ(WithKey("\r\n  \r\n", "A", "k", "1"), CrLf("[A]\nk=1\n[LastEntry]\n"));
 }
 
 TEST_F(SettingsWriting, ANewKeyTakesThePlaceOfTheBlankLineBeforeTheNextHead) {
-    EXPECT_EQ(With(CrLf("[A]\na=1\n\n[B]\nb=1\n[LastEntry]\n"), "A", "k", "2"),
+    EXPECT_EQ(WithKey(CrLf("[A]\na=1\n\n[B]\nb=1\n[LastEntry]\n"), "A", "k", "2"),
               CrLf("[A]\na=1\nk=2\n\n[B]\nb=1\n[LastEntry]"));
 }
 
 TEST_F(SettingsWriting, ANewKeyNeverJoinsTwoLines) {
-    EXPECT_EQ(With(CrLf("[A]\na=1\n[B]\nb=1\n[LastEntry]\n"), "A", "k", "2"),
+    EXPECT_EQ(WithKey(CrLf("[A]\na=1\n[B]\nb=1\n[LastEntry]\n"), "A", "k", "2"),
               CrLf("[A]\na=1\nk=2\n\n[B]\nb=1\n[LastEntry]"));
-    EXPECT_EQ(With(CrLf("[A]\n[B]\n"), "A", "k", "2"), CrLf("[A]\nk=2\n\n[B]"));
-    EXPECT_EQ(With(CrLf("[A]\n\n[B]\n"), "A", "k", "2"), CrLf("[A]\nk=2\n\n[B]"));
+    EXPECT_EQ(WithKey(CrLf("[A]\n[B]\n"), "A", "k", "2"), CrLf("[A]\nk=2\n\n[B]"));
+    EXPECT_EQ(WithKey(CrLf("[A]\n\n[B]\n"), "A", "k", "2"), CrLf("[A]\nk=2\n\n[B]"));
 }
 
 TEST_F(SettingsWriting, OnlyOneOfSeveralBlankLinesGivesWay) {
-    EXPECT_EQ(With(CrLf("[A]\na=1\n\n\n[B]\nb=1"), "A", "k", "2"), CrLf("[A]\na=1\n\nk=2\n\n[B]\nb=1"));
+    EXPECT_EQ(WithKey(CrLf("[A]\na=1\n\n\n[B]\nb=1"), "A", "k", "2"), CrLf("[A]\na=1\n\nk=2\n\n[B]\nb=1"));
 }
 
 TEST_F(SettingsWriting, ANewKeyOfTheLastSectionStandsBeforeTheEndMark) {
-    EXPECT_EQ(With(CrLf("[A]\na=1\n[LastEntry]\n"), "A", "k", "2"), CrLf("[A]\na=1\nk=2\n\n[LastEntry]"));
+    EXPECT_EQ(WithKey(CrLf("[A]\na=1\n[LastEntry]\n"), "A", "k", "2"), CrLf("[A]\na=1\nk=2\n\n[LastEntry]"));
 }
 
 TEST_F(SettingsWriting, ANewKeyOfTheLastSectionWithoutAnEndMarkStandsAtTheEnd) {
-    EXPECT_EQ(With(CrLf("[A]\na=1\n\n[B]\nb=1\n\n"), "B", "k", "2"), CrLf("[A]\na=1\n\n[B]\nb=1\nk=2\n"));
-    EXPECT_EQ(With("[B]", "B", "k", "2"), CrLf("[B]\nk=2\n"));
+    EXPECT_EQ(WithKey(CrLf("[A]\na=1\n\n[B]\nb=1\n\n"), "B", "k", "2"), CrLf("[A]\na=1\n\n[B]\nb=1\nk=2\n"));
+    EXPECT_EQ(WithKey("[B]", "B", "k", "2"), CrLf("[B]\nk=2\n"));
 }
 
 TEST_F(SettingsWriting, ANewSectionStandsBeforeTheEndMark) {
-    EXPECT_EQ(With(CrLf("[A]\na=1\n[LastEntry]\n"), "N", "k", "2"),
+    EXPECT_EQ(WithKey(CrLf("[A]\na=1\n[LastEntry]\n"), "N", "k", "2"),
               CrLf("[A]\na=1\n\n[N]\nk=2\n[LastEntry]\n"));
-    EXPECT_EQ(With(CrLf("[A]\na=1\n\n[LastEntry]\n"), "N", "k", "2"),
+    EXPECT_EQ(WithKey(CrLf("[A]\na=1\n\n[LastEntry]\n"), "N", "k", "2"),
               CrLf("[A]\na=1\n\n\n[N]\nk=2\n[LastEntry]\n"));
-    EXPECT_EQ(With("[LastEntry]", "N", "k", "2"), CrLf("[N]\nk=2\n[LastEntry]\n"));
+    EXPECT_EQ(WithKey("[LastEntry]", "N", "k", "2"), CrLf("[N]\nk=2\n[LastEntry]\n"));
 }
 
 TEST_F(SettingsWriting, ANewSectionWithoutAnEndMarkIsAddedWithOne) {
-    EXPECT_EQ(With(CrLf("[A]\na=1\n"), "N", "k", "2"), CrLf("[A]\na=1\n[N]\nk=2\n[LastEntry]\n"));
-    EXPECT_EQ(With(CrLf("loose=1"), "N", "k", "2"), CrLf("loose=1\n[N]\nk=2\n[LastEntry]\n"));
+    EXPECT_EQ(WithKey(CrLf("[A]\na=1\n"), "N", "k", "2"), CrLf("[A]\na=1\n[N]\nk=2\n[LastEntry]\n"));
+    EXPECT_EQ(WithKey(CrLf("loose=1"), "N", "k", "2"), CrLf("loose=1\n[N]\nk=2\n[LastEntry]\n"));
 }
 
 TEST_F(SettingsWriting, LinesBehindTheEndMarkAreKept) {
-    EXPECT_EQ(With(CrLf("[A]\na=1\n[LastEntry]\nx=1\n"), "N", "k", "2"),
+    EXPECT_EQ(WithKey(CrLf("[A]\na=1\n[LastEntry]\nx=1\n"), "N", "k", "2"),
               CrLf("[A]\na=1\n\nx=1\n[N]\nk=2\n[LastEntry]\n"));
 }
 
 TEST_F(SettingsWriting, AStandingKeyIsReplacedInItsPlace) {
-    EXPECT_EQ(With(CrLf("[A]\na=1\nk=1\nb=1\n\n[B]\nk=1\n[LastEntry]\n"), "A", "k", "new"),
+    EXPECT_EQ(WithKey(CrLf("[A]\na=1\nk=1\nb=1\n\n[B]\nk=1\n[LastEntry]\n"), "A", "k", "new"),
               CrLf("[A]\na=1\nk=new\nb=1\n\n[B]\nk=1\n[LastEntry]"));
-    EXPECT_EQ(With(CrLf("[A]\nk=1\n[B]\nk=1\n"), "B", "k", ""), CrLf("[A]\nk=1\n[B]\nk="));
+    EXPECT_EQ(WithKey(CrLf("[A]\nk=1\n[B]\nk=1\n"), "B", "k", ""), CrLf("[A]\nk=1\n[B]\nk="));
 }
 
 TEST_F(SettingsWriting, AKeyTwiceInItsSectionIsReplacedTwice) {
-    EXPECT_EQ(With(CrLf("[A]\nk=1\nk=2\n[B]\n"), "A", "k", "3"), CrLf("[A]\nk=3\nk=3\n[B]"));
+    EXPECT_EQ(WithKey(CrLf("[A]\nk=1\nk=2\n[B]\n"), "A", "k", "3"), CrLf("[A]\nk=3\nk=3\n[B]"));
 }
 
 TEST_F(SettingsWriting, ASectionThatComesTwiceTakesTheKeyOnce) {
-    EXPECT_EQ(With(CrLf("[A]\na=1\n\n[B]\n\n[A]\nb=1\n\n[C]\n"), "A", "k", "3"),
+    EXPECT_EQ(WithKey(CrLf("[A]\na=1\n\n[B]\n\n[A]\nb=1\n\n[C]\n"), "A", "k", "3"),
               CrLf("[A]\na=1\nk=3\n\n[B]\n\n[A]\nb=1\n\n[C]"));
 }
 
 TEST_F(SettingsWriting, CaseCountsInSectionsAndKeys) {
-    EXPECT_EQ(With(CrLf("[A]\nK=1\n[a]\nk=1\n"), "A", "k", "3"), CrLf("[A]\nK=1\nk=3\n\n[a]\nk=1"));
+    EXPECT_EQ(WithKey(CrLf("[A]\nK=1\n[a]\nk=1\n"), "A", "k", "3"), CrLf("[A]\nK=1\nk=3\n\n[a]\nk=1"));
 }
 
 TEST_F(SettingsWriting, ValuesAreSplitAtTheFirstEqualsSign) {
@@ -108,25 +108,25 @@ TEST_F(SettingsWriting, ValuesAreSplitAtTheFirstEqualsSign) {
     IniZeileTeilen("none", key, value);
     EXPECT_EQ(key, "");
     EXPECT_EQ(value, "");
-    EXPECT_EQ(With(CrLf("[A]\nk=1=2\n"), "A", "k", "3=4=="), CrLf("[A]\nk=3=4=="));
+    EXPECT_EQ(WithKey(CrLf("[A]\nk=1=2\n"), "A", "k", "3=4=="), CrLf("[A]\nk=3=4=="));
 }
 
 TEST_F(SettingsWriting, RemarksInAnyCaseAndQuotedLinesAreKeptOnWriting) {
     const std::string text = CrLf("[A]\nREM k=1\nrem=1\nRemote=1\n'k=1\n\nk=1\n[LastEntry]\n");
-    EXPECT_EQ(With(text, "A", "k", "2"), CrLf("[A]\nREM k=1\nrem=1\nRemote=1\n'k=1\n\nk=2\n[LastEntry]"));
+    EXPECT_EQ(WithKey(text, "A", "k", "2"), CrLf("[A]\nREM k=1\nrem=1\nRemote=1\n'k=1\n\nk=2\n[LastEntry]"));
     // A line that begins with these letters is a remark for the writer, whatever its key.
-    EXPECT_EQ(With(text, "A", "Remote", "2"),
+    EXPECT_EQ(WithKey(text, "A", "Remote", "2"),
               CrLf("[A]\nREM k=1\nrem=1\nRemote=1\n'k=1\n\nk=1\nRemote=2\n\n[LastEntry]"));
 }
 
 TEST_F(SettingsWriting, BlanksAndLineEndsAtTheEndOfTheFileAreLost) {
-    EXPECT_EQ(With("[A]\r\nk=1\r\nb=x  \r\n \r\n\r\n", "A", "k", "2"), "[A]\r\nk=2\r\nb=x");
-    EXPECT_EQ(With("[A]\r\nk=1\r\nb=x\t\r\n", "A", "k", "2"), "[A]\r\nk=2\r\nb=x\t");
-    EXPECT_EQ(With("[A]\r\nk=1  \r\nb=x\r\n", "A", "b", "y"), "[A]\r\nk=1  \r\nb=y");
+    EXPECT_EQ(WithKey("[A]\r\nk=1\r\nb=x  \r\n \r\n\r\n", "A", "k", "2"), "[A]\r\nk=2\r\nb=x");
+    EXPECT_EQ(WithKey("[A]\r\nk=1\r\nb=x\t\r\n", "A", "k", "2"), "[A]\r\nk=2\r\nb=x\t");
+    EXPECT_EQ(WithKey("[A]\r\nk=1  \r\nb=x\r\n", "A", "b", "y"), "[A]\r\nk=1  \r\nb=y");
 }
 
 TEST_F(SettingsWriting, FilesOfLfAloneAreReadAndWrittenWithCrLf) {
-    EXPECT_EQ(With("[A]\na=1\n\n[B]\n", "A", "k", "2"), CrLf("[A]\na=1\nk=2\n\n[B]"));
+    EXPECT_EQ(WithKey("[A]\na=1\n\n[B]\n", "A", "k", "2"), CrLf("[A]\na=1\nk=2\n\n[B]"));
     Hold("[Global]\nMaxIteration=7\nBestFit_Etta=0.5");
     IniLesen();
     EXPECT_EQ(Settings.MaxIteration, 7);
@@ -138,15 +138,16 @@ TEST_F(SettingsWriting, BytesOfOtherLinesAreKept) {
     const std::string foreign =
         "x=\xE4\xFF\x80 \xC3\xA4\r\n'\xFC\r\n[\xDC"
         "ber]\r\ny=\x01\x7F\r\n";
-    EXPECT_EQ(With("[A]\r\nk=1\r\n" + foreign + "[LastEntry]\r\n", "A", "k", "2"),
+    EXPECT_EQ(WithKey("[A]\r\nk=1\r\n" + foreign + "[LastEntry]\r\n", "A", "k", "2"),
               "[A]\r\nk=2\r\n" + foreign + "[LastEntry]");
 }
 
 TEST_F(SettingsWriting, KeysWithUmlautsAreFoundInBothEncodings) {
-    EXPECT_EQ(With("[A]\r\nBin\xE4rModus=True\r\n", "A", "BinärModus", "False"),
+    EXPECT_EQ(WithKey("[A]\r\nBin\xE4rModus=True\r\n", "A", "BinärModus", "False"),
               "[A]\r\nBin\xE4rModus=False");
-    EXPECT_EQ(With("[A]\r\nBinärModus=True\r\n", "A", "BinärModus", "False"), "[A]\r\nBin\xE4rModus=False");
-    EXPECT_EQ(With("[\xDC]\r\nk=1\r\n", "Ü", "k", "2"), "[\xDC]\r\nk=2");
+    EXPECT_EQ(WithKey("[A]\r\nBinärModus=True\r\n", "A", "BinärModus", "False"),
+              "[A]\r\nBin\xE4rModus=False");
+    EXPECT_EQ(WithKey("[\xDC]\r\nk=1\r\n", "Ü", "k", "2"), "[\xDC]\r\nk=2");
     Hold("ShowPointNumber=True\r\nBin\xE4rModus=True\r\nVec_Ma\xDFstab=2.5\r\nNameMCS=\xC3\xA4\r\n");
     IniLesen();
     EXPECT_EQ(Settings.LocalGraphics.BinärModus, kTrue);
@@ -163,7 +164,7 @@ TEST_F(SettingsWriting, EveryTextSurvivesUnderEveryKey) {
 }
 
 TEST_F(SettingsWriting, AValueWithALineBreakStaysOneLine) {
-    EXPECT_EQ(With(CrLf("[A]\nk=1\n"), "A", "k", "x\r\n[B]\nb=1"), CrLf("[A]\nk=x  [B] b=1"));
+    EXPECT_EQ(WithKey(CrLf("[A]\nk=1\n"), "A", "k", "x\r\n[B]\nb=1"), CrLf("[A]\nk=x  [B] b=1"));
 }
 
 TEST_F(SettingsWriting, AGroupOfValuesIsWrittenInOneGo) {

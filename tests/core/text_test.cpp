@@ -78,7 +78,7 @@ std::u32string CutSlowly(std::u32string& line, char32_t delimiter) {
     return field;
 }
 
-std::vector<std::string> Lines(std::string_view text) {
+std::vector<std::string> LinesOf(std::string_view text) {
     std::vector<std::string> lines;
     std::string_view line;
     while (CutLine(text, line)) lines.emplace_back(line);
@@ -166,15 +166,15 @@ TEST_F(Text, EveryTextSurvivesARoundThroughAFile) {
 
 TEST_F(Text, LinesEndAtCrLfAtLfAndAtCr) {
     using L = std::vector<std::string>;
-    EXPECT_EQ(Lines(""), L{});
-    EXPECT_EQ(Lines("a"), L{"a"});
-    EXPECT_EQ(Lines("a\n"), L{"a"});
-    EXPECT_EQ(Lines("a\r"), L{"a"});
-    EXPECT_EQ(Lines("a\r\n"), L{"a"});
-    EXPECT_EQ(Lines("\n"), L{""});
-    EXPECT_EQ(Lines("\n\r"), (L{"", ""}));
-    EXPECT_EQ(Lines("a\r\r\nb"), (L{"a", "", "b"}));
-    EXPECT_EQ(Lines("a\rb\nc\r\nd\n\ne"), (L{"a", "b", "c", "d", "", "e"}));
+    EXPECT_EQ(LinesOf(""), L{});
+    EXPECT_EQ(LinesOf("a"), L{"a"});
+    EXPECT_EQ(LinesOf("a\n"), L{"a"});
+    EXPECT_EQ(LinesOf("a\r"), L{"a"});
+    EXPECT_EQ(LinesOf("a\r\n"), L{"a"});
+    EXPECT_EQ(LinesOf("\n"), L{""});
+    EXPECT_EQ(LinesOf("\n\r"), (L{"", ""}));
+    EXPECT_EQ(LinesOf("a\r\r\nb"), (L{"a", "", "b"}));
+    EXPECT_EQ(LinesOf("a\rb\nc\r\nd\n\ne"), (L{"a", "b", "c", "d", "", "e"}));
 }
 
 TEST_F(Text, LinesOfAnyLengthAreFoundInAnyMix) {
@@ -193,14 +193,14 @@ TEST_F(Text, LinesOfAnyLengthAreFoundInAnyMix) {
             lines.emplace_back("end");
             text += "end";
         }
-        ASSERT_EQ(Lines(text), lines);
+        ASSERT_EQ(LinesOf(text), lines);
     }
 }
 
 TEST_F(Text, AMillionLinesOfCrAloneAreAMillionLines) {
     std::string text;
     for (int i = 0; i < 1000000; ++i) text += "1 2 3\r";
-    EXPECT_EQ(Lines(text).size(), 1000000U);
+    EXPECT_EQ(LinesOf(text).size(), 1000000U);
 }
 
 TEST_F(Text, FieldsEndAtTheDelimiterAtBlanksAndAtTabs) {

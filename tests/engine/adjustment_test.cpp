@@ -40,11 +40,7 @@ protected:
     Column v_, P_;
 };
 
-namespace {
-
-const std::array<reference::Real, 18> kTruth = Truth({100, -200, 300, 0.4, -0.7, 2.1, 1, 1, 1, 1});
-
-}  // namespace
+namespace {}  // namespace
 
 TEST_F(Fit, RecoversASimilarityWithoutNoise) {
     AddCloud({.Points = 7, .Truth = Truth({100, -200, 300, 0.4, -0.7, 2.1, 1.5, 1.5, 1.5, 1.5})});

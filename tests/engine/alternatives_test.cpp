@@ -9,16 +9,14 @@
 #include "engine/field_number.h"
 #include "engine/fit_reference.h"
 #include "engine/inverted_solutions.h"
+#include "engine/trafo_window.h"
 #include "engine/transform.h"
 #include "fit/matrix.h"
+#include "support/degrees.h"
 
 using namespace corvinade;
 
 namespace {
-
-FormTrafoBerechnung& w = TrafoWindow;
-
-constexpr double kDegree = std::numbers::pi / 180;
 
 using Texts = std::vector<std::string>;
 
@@ -41,15 +39,21 @@ protected:
         for (std::size_t k = 0; k < 6; ++k) SetText(*Fields()[k], WinkelFormat(*values[k]));
     }
     static std::array<Control*, 6> Fields() {
-        return {&w.TextRotX, &w.TextRotY, &w.TextRotZ, &w.TextXY, &w.TextAzimuth, &w.TextZtoXY};
+        return {&trafoWindow.TextRotX, &trafoWindow.TextRotY,    &trafoWindow.TextRotZ,
+                &trafoWindow.TextXY,   &trafoWindow.TextAzimuth, &trafoWindow.TextZtoXY};
     }
-    static Texts Rotation() { return {w.TextRotX.Text, w.TextRotY.Text, w.TextRotZ.Text}; }
-    static Texts Shear() { return {w.TextXY.Text, w.TextAzimuth.Text, w.TextZtoXY.Text}; }
+    static Texts Rotation() {
+        return {trafoWindow.TextRotX.Text, trafoWindow.TextRotY.Text, trafoWindow.TextRotZ.Text};
+    }
+    static Texts Shear() {
+        return {trafoWindow.TextXY.Text, trafoWindow.TextAzimuth.Text, trafoWindow.TextZtoXY.Text};
+    }
     static double Degrees(const Control& text) { return Val(text.Text); }
 
     static reference::Square ShownRotation() {
-        return reference::Rotation(Degrees(w.TextRotX) * kDegree, Degrees(w.TextRotY) * kDegree,
-                                   Degrees(w.TextRotZ) * kDegree);
+        return reference::Rotation(Degrees(trafoWindow.TextRotX) * kDegree,
+                                   Degrees(trafoWindow.TextRotY) * kDegree,
+                                   Degrees(trafoWindow.TextRotZ) * kDegree);
     }
     // The oblique axes, from their definition.
     static reference::Square Oblique(double xy, double az, double zt) {
@@ -58,15 +62,15 @@ protected:
                  {0, 0, std::cos(zt)}}};
     }
     static reference::Square ShownShear() {
-        return Oblique(Degrees(w.TextXY) * kDegree, Degrees(w.TextAzimuth) * kDegree,
-                       Degrees(w.TextZtoXY) * kDegree);
+        return Oblique(Degrees(trafoWindow.TextXY) * kDegree, Degrees(trafoWindow.TextAzimuth) * kDegree,
+                       Degrees(trafoWindow.TextZtoXY) * kDegree);
     }
     static void ExpectNear(const reference::Square& A, const reference::Square& B, double tolerance) {
         for (std::size_t i = 0; i < 3; ++i)
             for (std::size_t j = 0; j < 3; ++j)
                 EXPECT_NEAR(static_cast<double>(A[i][j]), static_cast<double>(B[i][j]), tolerance);
     }
-    static bool Enabled() { return w.BtnShowAlternativeRottAff.Enabled; }
+    static bool Enabled() { return trafoWindow.BtnShowAlternativeRottAff.Enabled; }
 };
 
 }  // namespace
@@ -77,11 +81,11 @@ TEST_F(Alternatives, TheSecondSolutionIsTheSameRotationAndASecondPressReturns) {
         Show(angles);
         const Texts before = Rotation();
         const reference::Square R = ShownRotation();
-        UserClick(w.BtnSecSolution);
+        UserClick(trafoWindow.BtnSecSolution);
         EXPECT_NE(Rotation(), before);
-        EXPECT_GT(std::fabs(Degrees(w.TextRotX) - angles[0]), 90);
+        EXPECT_GT(std::fabs(Degrees(trafoWindow.TextRotX) - angles[0]), 90);
         ExpectNear(ShownRotation(), R, 5e-8);
-        UserClick(w.BtnSecSolution);
+        UserClick(trafoWindow.BtnSecSolution);
         EXPECT_EQ(Rotation(), before);
     }
 }
@@ -89,13 +93,13 @@ TEST_F(Alternatives, TheSecondSolutionIsTheSameRotationAndASecondPressReturns) {
 TEST_F(Alternatives, TheSecondSolutionIsShownAndNotTaken) {
     Show({10, 20, 30});
     const JobRecord before = Job;
-    UserClick(w.BtnSecSolution);
+    UserClick(trafoWindow.BtnSecSolution);
     EXPECT_EQ(Job.RotX, before.RotX);
     EXPECT_EQ(Job.RotY, before.RotY);
     EXPECT_EQ(Job.RotZ, before.RotZ);
-    EXPECT_EQ(w.TextRotX.Text, "-170.000000");
-    EXPECT_EQ(w.TextRotY.Text, "160.000000");
-    EXPECT_EQ(w.TextRotZ.Text, "-150.000000");
+    EXPECT_EQ(trafoWindow.TextRotX.Text, "-170.000000");
+    EXPECT_EQ(trafoWindow.TextRotY.Text, "160.000000");
+    EXPECT_EQ(trafoWindow.TextRotZ.Text, "-150.000000");
 }
 
 TEST_F(Alternatives, TheSecondSolutionTogglesInEveryUnit) {
@@ -105,37 +109,38 @@ TEST_F(Alternatives, TheSecondSolutionTogglesInEveryUnit) {
         Job.AngleUnitName = unit;
         Show({10, 20, 30});
         const Texts before = Rotation();
-        UserClick(w.BtnSecSolution);
+        UserClick(trafoWindow.BtnSecSolution);
         const Texts other = Rotation();
         EXPECT_NE(other, before);
-        UserClick(w.BtnSecSolution);
+        UserClick(trafoWindow.BtnSecSolution);
         const Texts again = Rotation();
         for (std::size_t k = 0; k < 3; ++k)
             EXPECT_NEAR(FieldAngle(again[k]), FieldAngle(before[k]), 2e-9 * Units.AngleFactor + 2e-6);
-        UserClick(w.BtnSecSolution);
+        UserClick(trafoWindow.BtnSecSolution);
         EXPECT_EQ(Rotation(), other);
     }
 }
 
 TEST_F(Alternatives, AFieldBeforeTheFirstCalculationReadsAsZero) {
     Show({0, 0, 0});
-    SetText(w.TextRotX, "float");
-    UserClick(w.BtnSecSolution);
-    EXPECT_NEAR(std::fabs(Degrees(w.TextRotX)), 180, 1e-6) << "as from the solution that begins at 0";
+    SetText(trafoWindow.TextRotX, "float");
+    UserClick(trafoWindow.BtnSecSolution);
+    EXPECT_NEAR(std::fabs(Degrees(trafoWindow.TextRotX)), 180, 1e-6)
+        << "as from the solution that begins at 0";
 }
 
 TEST_F(Alternatives, TheSecondAffineSolutionIsTheSameShearAndReturns) {
     Show({0, 0, 0}, {2, 30, 5});
     const Texts before = Shear();
     const reference::Square K = ShownShear();
-    UserClick(w.BtnSecAffSol);
-    EXPECT_EQ(w.TextXY.Text, before[0]);
-    EXPECT_EQ(w.TextAzimuth.Text, "-150.000000");
-    EXPECT_EQ(w.TextZtoXY.Text, "-5.000000");
+    UserClick(trafoWindow.BtnSecAffSol);
+    EXPECT_EQ(trafoWindow.TextXY.Text, before[0]);
+    EXPECT_EQ(trafoWindow.TextAzimuth.Text, "-150.000000");
+    EXPECT_EQ(trafoWindow.TextZtoXY.Text, "-5.000000");
     ExpectNear(ShownShear(), K, 5e-8);
     EXPECT_EQ(Job.Azimuth, 30 * kDegree) << "shown and not taken";
     EXPECT_EQ(Job.AngleZtoXY, 5 * kDegree);
-    UserClick(w.BtnSecAffSol);
+    UserClick(trafoWindow.BtnSecAffSol);
     EXPECT_EQ(Shear(), before);
 }
 
@@ -143,11 +148,11 @@ TEST_F(Alternatives, TheWalkIsReachableWhileTheAffinePartActs) {
     AddPairs();
     Open();
     EXPECT_FALSE(Enabled()) << "six parameters";
-    UserSetValue(w.CheckXY, 1);
+    UserSetValue(trafoWindow.CheckXY, 1);
     EXPECT_TRUE(Enabled());
-    UserSetValue(w.CheckXY, 0);  // "float" becomes "0"
+    UserSetValue(trafoWindow.CheckXY, 0);  // "float" becomes "0"
     EXPECT_FALSE(Enabled());
-    for (Control* const text : {&w.TextXY, &w.TextAzimuth, &w.TextZtoXY}) {
+    for (Control* const text : {&trafoWindow.TextXY, &trafoWindow.TextAzimuth, &trafoWindow.TextZtoXY}) {
         UserSetText(*text, "0.1");
         EXPECT_TRUE(Enabled());
         for (const char* off : {"not used", "0", "0.000", "-0", "", "abc"}) {
@@ -156,9 +161,9 @@ TEST_F(Alternatives, TheWalkIsReachableWhileTheAffinePartActs) {
             EXPECT_FALSE(Enabled()) << off;
         }
     }
-    UserSetValue(w.CheckAzimuth, 1);
+    UserSetValue(trafoWindow.CheckAzimuth, 1);
     EXPECT_TRUE(Enabled());
-    UserSetValue(w.CheckZtoXY, 0);
+    UserSetValue(trafoWindow.CheckZtoXY, 0);
     EXPECT_FALSE(Enabled());
 }
 
@@ -167,7 +172,7 @@ TEST_F(Alternatives, WithoutAffinePartAndScaleACalculationLeavesTheWalkDisabled)
     Open();
     Calculate();
     EXPECT_FALSE(Enabled());
-    UserSetValue(w.Option12, 1);
+    UserSetValue(trafoWindow.Option12, 1);
     Calculate();
     EXPECT_TRUE(Enabled());
 }
@@ -202,9 +207,9 @@ TEST_F(Alternatives, TheWalkTakesAnEquivalentSolutionAndComesBack) {
             Show({list(shown, 1) / kDegree, list(shown, 2) / kDegree, list(shown, 3) / kDegree},
                  {list(shown, 7) / kDegree, list(shown, 8) / kDegree, list(shown, 9) / kDegree});
             ::Run.JobDirty = kFalse;
-            UserClick(w.BtnShowAlternativeRottAff);
+            UserClick(trafoWindow.BtnShowAlternativeRottAff);
             expectTaken(next);
-            UserClick(w.BtnShowAlternativeRottAff);
+            UserClick(trafoWindow.BtnShowAlternativeRottAff);
             expectTaken(row);
         }
     EXPECT_TRUE(Messages().empty());
@@ -216,7 +221,7 @@ TEST_F(Alternatives, RowsWithoutASuccessorLeaveTheSolution) {
     Show({10, 20, 30}, {2, 0, 0});
     const Texts rotation = Rotation(), shear = Shear();
     ::Run.JobDirty = kFalse;
-    UserClick(w.BtnShowAlternativeRottAff);
+    UserClick(trafoWindow.BtnShowAlternativeRottAff);
     EXPECT_EQ(Rotation(), rotation);
     EXPECT_EQ(Shear(), shear);
     EXPECT_EQ(Job.RotX, 10 * kDegree);
@@ -226,16 +231,16 @@ TEST_F(Alternatives, RowsWithoutASuccessorLeaveTheSolution) {
 TEST_F(Alternatives, WithoutAffinePartTheWalkHasNoFifthRow) {
     Show({10, 20, 30});
     const Texts rotation = Rotation();
-    UserClick(w.BtnShowAlternativeRottAff);
+    UserClick(trafoWindow.BtnShowAlternativeRottAff);
     EXPECT_EQ(Rotation(), rotation);
 }
 
 TEST_F(Alternatives, AShownRotationThatNoRowHasChangesNothing) {
     Show({10, 20, 30}, {2, 40, 5});
-    UserSetText(w.TextRotX, "10.002");
+    UserSetText(trafoWindow.TextRotX, "10.002");
     const Texts rotation = Rotation(), shear = Shear();
     const double before = Job.RotX;
-    UserClick(w.BtnShowAlternativeRottAff);
+    UserClick(trafoWindow.BtnShowAlternativeRottAff);
     EXPECT_EQ(Rotation(), rotation);
     EXPECT_EQ(Shear(), shear);
     EXPECT_EQ(Job.RotX, before);
@@ -246,15 +251,15 @@ TEST_F(Alternatives, AnglesThatAreNoNumbersAreNotReplaced) {
          {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
         Show({bad, 20, 30}, {2, 40, 5});
         const Texts rotation = Rotation();
-        UserClick(w.BtnSecSolution);
+        UserClick(trafoWindow.BtnSecSolution);
         EXPECT_EQ(Rotation(), rotation);
-        UserClick(w.BtnShowAlternativeRottAff);
+        UserClick(trafoWindow.BtnShowAlternativeRottAff);
         EXPECT_EQ(Rotation(), rotation);
         Show({10, 20, 30}, {2, 40, bad});
         const Texts shear = Shear();
-        UserClick(w.BtnSecAffSol);
+        UserClick(trafoWindow.BtnSecAffSol);
         EXPECT_EQ(Shear(), shear);
-        UserClick(w.BtnShowAlternativeRottAff);
+        UserClick(trafoWindow.BtnShowAlternativeRottAff);
         EXPECT_EQ(Shear(), shear);
     }
 }
@@ -267,9 +272,9 @@ TEST_F(Alternatives, TheSecondSolutionNearTheLockAsksAndWhatIsCalculatedThenStan
     Calculate();
     Settings.GimbalLockBorder = 0.5 * kDegree;
     Headless.Answers["message"].push_back("Yes");
-    UserClick(w.BtnSecSolution);
+    UserClick(trafoWindow.BtnSecSolution);
     EXPECT_EQ(Headless.Dialogs.size(), 1U);
-    EXPECT_EQ(w.CheckRotX.Value, 0);
+    EXPECT_EQ(trafoWindow.CheckRotX.Value, 0);
     EXPECT_EQ(Job.RotX, 0);
     for (int parameter = kRotX; parameter <= kRotZ; ++parameter)
         EXPECT_EQ(RowOf(parameter).Text->Text, WinkelFormat(ParameterValue(Job, parameter)));

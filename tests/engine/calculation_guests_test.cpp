@@ -6,18 +6,17 @@
 #include "engine/adjustment.h"
 #include "engine/calculation_job.h"
 #include "engine/calculation_window.h"
+#include "engine/trafo_window.h"
 
 using namespace corvinade;
 
 namespace {
 
-FormTrafoBerechnung& w = TrafoWindow;
-
 class CalculationGuests : public CalculationJob {
 protected:
     static void ExpectAtRest() {
-        EXPECT_TRUE(w.BtnCalculate.Enabled);
-        EXPECT_FALSE(w.BtnSTOP.Enabled);
+        EXPECT_TRUE(trafoWindow.BtnCalculate.Enabled);
+        EXPECT_FALSE(trafoWindow.BtnSTOP.Enabled);
         EXPECT_FALSE(CalculationWindow.Running);
         EXPECT_FALSE(IsTrue(::Run.StopRequested));
         EXPECT_EQ(::Run.WaitPointers, 0);
@@ -35,8 +34,8 @@ TEST_F(CalculationGuests, AWindowClosedAndOpenedInsideARunKeepsItsButtonClosed) 
     Headless.OnYield = [&] {
         if (opened) {
             checked = true;
-            EXPECT_FALSE(w.BtnCalculate.Enabled);
-            EXPECT_TRUE(w.BtnSTOP.Enabled);
+            EXPECT_FALSE(trafoWindow.BtnCalculate.Enabled);
+            EXPECT_TRUE(trafoWindow.BtnSTOP.Enabled);
             return;
         }
         opened = true;
@@ -54,12 +53,12 @@ TEST_F(CalculationGuests, TheButtonStaysClosedUntilEverythingShowsTheResult) {
     Open();
     static int seen;
     seen = 0;
-    static const ControlEntry spy = {"TextSxyz", &w.TextSxyz, {.Change = [] {
+    static const ControlEntry spy = {"TextSxyz", &trafoWindow.TextSxyz, {.Change = [] {
                                          ++seen;
-                                         EXPECT_FALSE(w.BtnCalculate.Enabled);
+                                         EXPECT_FALSE(trafoWindow.BtnCalculate.Enabled);
                                          FormTrafoBerechnung::BtnCalculate_Click();
                                      }}};
-    w.TextSxyz.Entry = &spy;
+    trafoWindow.TextSxyz.Entry = &spy;
     Calculate();
     EXPECT_EQ(seen, 1);
     ExpectAtRest();
@@ -80,28 +79,28 @@ TEST_F(CalculationGuests, AJobWithoutPointsIsRefusedOrEndsInEveryNorm) {
     Job.Start.CountOnly(0);
     Job.Target.CountOnly(0);
     Open();
-    for (Control* const norm : {&w.OptionL1, &w.OptionLoo, &w.OptionL2}) {
+    for (Control* const norm : {&trafoWindow.OptionL1, &trafoWindow.OptionLoo, &trafoWindow.OptionL2}) {
         UserSetValue(*norm, 1);
-        UserSetValue(w.Option7Parameter, 1);
+        UserSetValue(trafoWindow.Option7Parameter, 1);
         Calculate();
         EXPECT_EQ(LastMessage(), "This is not a redundant calculation");
         CheckReset();
         Calculate();
         ExpectAtRest();
-        w.Option7Parameter.Value = 0;
+        trafoWindow.Option7Parameter.Value = 0;
     }
 }
 
 TEST_F(CalculationGuests, ChoicesMadeInsideARunOfANormCountFromTheNextOn) {
     AddPairs(12);
     Open();
-    UserSetValue(w.OptionL1, 1);
+    UserSetValue(trafoWindow.OptionL1, 1);
     int yields = 0;
     Headless.OnYield = [&yields] {
         if (++yields != 4) return;
-        UserSetValue(w.CheckRDist, 1);
-        UserSetValue(w.Option9Parameter, 1);
-        UserClick(w.BtnSEED);
+        UserSetValue(trafoWindow.CheckRDist, 1);
+        UserSetValue(trafoWindow.Option9Parameter, 1);
+        UserClick(trafoWindow.BtnSEED);
     };
     Calculate();
     EXPECT_GT(yields, 4);
@@ -156,17 +155,18 @@ TEST_F(CalculationGuests, OddTextsInTheJobsSlotsNeverStopTheWindow) {
         Open();
         Calculate();
         if (pick(2) == 0) {
-            Control* const presets[] = {&w.Option6Parameter, &w.Option7Parameter, &w.Option9Parameter,
-                                        &w.Option12, &w.OptionHoldLevel};
+            Control* const presets[] = {&trafoWindow.Option6Parameter, &trafoWindow.Option7Parameter,
+                                        &trafoWindow.Option9Parameter, &trafoWindow.Option12,
+                                        &trafoWindow.OptionHoldLevel};
             UserSetValue(*presets[pick(5)], 1);
             UserSetValue(*RowOf(static_cast<int>(pick(17)) + 1).Check, static_cast<int>(pick(2)));
             UserSetText(*RowOf(static_cast<int>(pick(17)) + 1).Text, odd[pick(odd.size())]);
             Calculate();
-            UserClick(w.BtnSEED);
+            UserClick(trafoWindow.BtnSEED);
         }
         ExpectAtRest();
         UnloadWindow("FormTrafoBerechnung");
-        UserClick(w.BtnCalculate);
+        UserClick(trafoWindow.BtnCalculate);
         Dispatch(myButtonCalculate);
         EXPECT_EQ(::Run.WaitPointers, 0);
     }
@@ -179,7 +179,7 @@ TEST_F(CalculationGuests, LongNamesAndPointsThatAreNoNumbersAreShown) {
     Calculate();
     ExpectAtRest();
     Job.Target.Y[3] = std::numeric_limits<double>::quiet_NaN();
-    for (Control* const norm : {&w.OptionL1, &w.OptionLoo, &w.OptionL2}) {
+    for (Control* const norm : {&trafoWindow.OptionL1, &trafoWindow.OptionLoo, &trafoWindow.OptionL2}) {
         UserSetValue(*norm, 1);
         Calculate();
         EXPECT_FALSE(IsTrue(::Run.TrafoValid));
@@ -193,14 +193,16 @@ TEST_F(CalculationGuests, PresetsAndBoxesInAnyOrderCalculateAndEnd) {
     Settings.MaxIteration = 20;
     Headless.OnQuestion = [](const DialogShown& shown) { return std::optional(shown.Buttons.back()); };
     Open();
-    UserSetValue(w.CheckAutoRec, 1);
+    UserSetValue(trafoWindow.CheckAutoRec, 1);
     unsigned random = 99;
     const auto pick = [&random](std::size_t n) {
         random = random * 1664525U + 1013904223U;
         return static_cast<std::size_t>(random >> 8) % n;
     };
-    Control* const options[] = {&w.Option6Parameter, &w.Option7Parameter, &w.Option9Parameter, &w.Option12,
-                                &w.OptionHoldLevel,  &w.OptionL1,         &w.OptionL2,         &w.OptionLoo};
+    Control* const options[] = {&trafoWindow.Option6Parameter, &trafoWindow.Option7Parameter,
+                                &trafoWindow.Option9Parameter, &trafoWindow.Option12,
+                                &trafoWindow.OptionHoldLevel,  &trafoWindow.OptionL1,
+                                &trafoWindow.OptionL2,         &trafoWindow.OptionLoo};
     int depth = 0;
     std::uint64_t yields = 0;
     Headless.OnYield = [&] {
@@ -211,10 +213,10 @@ TEST_F(CalculationGuests, PresetsAndBoxesInAnyOrderCalculateAndEnd) {
                 UserSetValue(*options[pick(8)], 1);
                 break;
             case 1:
-                UserClick(w.BtnSTOP);
+                UserClick(trafoWindow.BtnSTOP);
                 break;
             case 2:
-                if (w.BtnSwitchMcsOcs.Enabled) UserClick(w.BtnSwitchMcsOcs);
+                if (trafoWindow.BtnSwitchMcsOcs.Enabled) UserClick(trafoWindow.BtnSwitchMcsOcs);
                 break;
             case 3:
                 UnloadWindow("FormTrafoBerechnung");
@@ -233,7 +235,7 @@ TEST_F(CalculationGuests, PresetsAndBoxesInAnyOrderCalculateAndEnd) {
                 UserSetValue(*options[pick(8)], 1);
                 break;
             case 1:
-                UserSetValue(w.CheckMonteCarlo, static_cast<int>(pick(2)));
+                UserSetValue(trafoWindow.CheckMonteCarlo, static_cast<int>(pick(2)));
                 Calculate();
                 break;
             default:
@@ -246,26 +248,26 @@ TEST_F(CalculationGuests, PresetsAndBoxesInAnyOrderCalculateAndEnd) {
 TEST_F(CalculationGuests, WhatIsTypedIntoAHeldFieldInsideARunIsNotOverwrittenByIt) {
     AddPairs();
     Open();
-    UserSetValue(w.CheckTraZ, 0);
-    UserSetText(w.TextTraZ, "290");
+    UserSetValue(trafoWindow.CheckTraZ, 0);
+    UserSetText(trafoWindow.TextTraZ, "290");
     int yields = 0;
     Headless.OnYield = [&yields] {
-        if (++yields == 3) UserSetText(w.TextTraZ, "295");
+        if (++yields == 3) UserSetText(trafoWindow.TextTraZ, "295");
     };
     Calculate();
     EXPECT_EQ(Job.TraZ, 290);
-    EXPECT_EQ(w.TextTraZ.Text, "295");
+    EXPECT_EQ(trafoWindow.TextTraZ.Text, "295");
 }
 
 TEST_F(CalculationGuests, AStopInsideARunDoesNotReachTheOneBehindIt) {
     AddPairs();
     Open();
-    UserSetValue(w.CheckAutoRec, 1);
+    UserSetValue(trafoWindow.CheckAutoRec, 1);
     int yields = 0;
     Headless.OnYield = [&yields] {
         if (++yields != 2) return;
-        UserSetValue(w.CheckTraX, 0);
-        UserClick(w.BtnSTOP);
+        UserSetValue(trafoWindow.CheckTraX, 0);
+        UserClick(trafoWindow.BtnSTOP);
     };
     Calculate();
     EXPECT_TRUE(Adjustment.Converged);
@@ -276,22 +278,22 @@ TEST_F(CalculationGuests, AStopInsideARunDoesNotReachTheOneBehindIt) {
 TEST_F(CalculationGuests, OneNormGivesWayToAnotherInsideItsRun) {
     AddPairs(10);
     Open();
-    UserSetValue(w.CheckAutoRec, 1);
+    UserSetValue(trafoWindow.CheckAutoRec, 1);
     int yields = 0;
     Headless.OnYield = [&yields] {
-        if (++yields == 5) UserSetValue(w.OptionL2, 1);
+        if (++yields == 5) UserSetValue(trafoWindow.OptionL2, 1);
     };
-    UserSetValue(w.OptionL1, 1);
+    UserSetValue(trafoWindow.OptionL1, 1);
     EXPECT_EQ(Job.NormType, 2);
     for (std::size_t i = 1; i < Calculation.P.size(); ++i) EXPECT_EQ(Calculation.P[i], 1);
-    EXPECT_TRUE(w.CheckMonteCarlo.Enabled);
+    EXPECT_TRUE(trafoWindow.CheckMonteCarlo.Enabled);
     ExpectAtRest();
 }
 
 TEST_F(CalculationGuests, PointsReplacedInsideARunStayAndTheWindowIsAtRest) {
     AddPairs(8, 0);
     Open();
-    for (Control* const norm : {&w.OptionL1, &w.OptionLoo, &w.OptionL2}) {
+    for (Control* const norm : {&trafoWindow.OptionL1, &trafoWindow.OptionLoo, &trafoWindow.OptionL2}) {
         UserSetValue(*norm, 1);
         const int pairs = Job.Pairs();
         int yields = 0;
@@ -307,8 +309,8 @@ TEST_F(CalculationGuests, PointsReplacedInsideARunStayAndTheWindowIsAtRest) {
         Headless.OnYield = nullptr;
         EXPECT_EQ(Job.Pairs(), pairs + 3);
         EXPECT_FALSE(CalculationIsOfThisJob());
-        EXPECT_EQ(w.TextTraX.Text, "float");
-        EXPECT_EQ(w.TextSxyz.Text, "");
+        EXPECT_EQ(trafoWindow.TextTraX.Text, "float");
+        EXPECT_EQ(trafoWindow.TextSxyz.Text, "");
         ExpectAtRest();
         Calculate();
         EXPECT_NEAR(Job.TraX, 100, 1e-6);
@@ -319,10 +321,10 @@ TEST_F(CalculationGuests, TheRVectorChosenFromAnotherNormAndDirectionEndsWithBot
     AddPairs(10);
     Job.RobotABC = Matrix(Job.Pairs(), 3);
     Open();
-    UserSetValue(w.OptionL1, 1);
-    UserClick(w.BtnSwitchMcsOcs);
-    UserSetValue(w.CheckAutoRec, 1);
-    UserSetValue(w.CheckUseABC, 1);
+    UserSetValue(trafoWindow.OptionL1, 1);
+    UserClick(trafoWindow.BtnSwitchMcsOcs);
+    UserSetValue(trafoWindow.CheckAutoRec, 1);
+    UserSetValue(trafoWindow.CheckUseABC, 1);
     EXPECT_EQ(Job.NormType, 2);
     EXPECT_TRUE(IsTrue(Job.DirectionMCStoOCS));
     EXPECT_TRUE(CalculationIsOfThisJob());
@@ -335,7 +337,7 @@ TEST_F(CalculationGuests, TwoPairsCalculateWhatTheyCanDetermine) {
     Open();
     Calculate();  // six unknowns, six coordinates: the turn about the line between them stays open
     ExpectAtRest();
-    UserSetValue(w.OptionHoldLevel, 1);
+    UserSetValue(trafoWindow.OptionHoldLevel, 1);
     Calculate();
     ExpectAtRest();
     EXPECT_EQ(Calculation.nFloat, 4);

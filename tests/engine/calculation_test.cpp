@@ -40,9 +40,7 @@ protected:
     }
 };
 
-namespace {
-const std::array<reference::Real, 18> kTruth = Truth({100, -200, 300, 0.4, -0.7, 2.1, 1, 1, 1, 1});
-}
+namespace {}
 
 TEST_F(CalculationRun, AUseFlagThatIsNotOneLeavesItsCoordinateOut) {
     AddCloud({.Points = 8, .Noise = 0.1, .Truth = kTruth});

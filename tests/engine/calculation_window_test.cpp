@@ -7,12 +7,11 @@
 #include "core/settings.h"
 #include "engine/adjustment.h"
 #include "engine/calculation_job.h"
+#include "engine/trafo_window.h"
 
 using namespace corvinade;
 
 namespace {
-
-FormTrafoBerechnung& w = TrafoWindow;
 
 class CalculationWindowRun : public CalculationJob {
 protected:
@@ -32,18 +31,18 @@ TEST_F(CalculationWindowRun, AClickCalculatesAndShowsTheParameters) {
     EXPECT_TRUE(IsTrue(Run.TrafoValid));
     EXPECT_TRUE(IsTrue(Run.JobDirty));
     EXPECT_TRUE(IsTrue(Run.CalcDone));
-    EXPECT_EQ(w.TextTraX.Text, "100.000");
-    EXPECT_EQ(w.TextTraY.Text, "200.000");
-    EXPECT_EQ(w.TextTraZ.Text, "300.000");
-    EXPECT_EQ(w.TextRotX.Text, "10.0000");
-    EXPECT_EQ(w.TextRotY.Text, "20.0000");
-    EXPECT_EQ(w.TextRotZ.Text, "30.0000");
-    EXPECT_EQ(w.TextScaleX.Text, "1.000000");
-    EXPECT_EQ(w.TextScaleXYZ.Text, "not used") << "shown only while it floats";
-    EXPECT_EQ(w.TextSxyz.Text, "0.000");
-    EXPECT_TRUE(w.BtnSEED.Enabled);
-    EXPECT_TRUE(w.BtnCalculate.Enabled);
-    EXPECT_FALSE(w.BtnSTOP.Enabled);
+    EXPECT_EQ(trafoWindow.TextTraX.Text, "100.000");
+    EXPECT_EQ(trafoWindow.TextTraY.Text, "200.000");
+    EXPECT_EQ(trafoWindow.TextTraZ.Text, "300.000");
+    EXPECT_EQ(trafoWindow.TextRotX.Text, "10.0000");
+    EXPECT_EQ(trafoWindow.TextRotY.Text, "20.0000");
+    EXPECT_EQ(trafoWindow.TextRotZ.Text, "30.0000");
+    EXPECT_EQ(trafoWindow.TextScaleX.Text, "1.000000");
+    EXPECT_EQ(trafoWindow.TextScaleXYZ.Text, "not used") << "shown only while it floats";
+    EXPECT_EQ(trafoWindow.TextSxyz.Text, "0.000");
+    EXPECT_TRUE(trafoWindow.BtnSEED.Enabled);
+    EXPECT_TRUE(trafoWindow.BtnCalculate.Enabled);
+    EXPECT_FALSE(trafoWindow.BtnSTOP.Enabled);
     EXPECT_EQ(::Run.WaitPointers, 0);
 }
 
@@ -63,11 +62,11 @@ TEST_F(CalculationWindowRun, LastSolutionIsWhatStoodWhenTheButtonWasPressed) {
     Job.TraX = 17;
     Calculate();
     EXPECT_EQ(CalculationWindow.LastSolution[kTraX], 17);
-    EXPECT_EQ(w.TextTraX.ToolTip, "delta to last calculation: 83.000");
+    EXPECT_EQ(trafoWindow.TextTraX.ToolTip, "delta to last calculation: 83.000");
     Calculate();
     EXPECT_NEAR(CalculationWindow.LastSolution[kTraX], 100, 1e-9);
-    EXPECT_EQ(w.TextTraX.ToolTip, "delta to last calculation: 0.000");
-    EXPECT_EQ(w.TextRotX.ToolTip, "delta to last calculation: 0.0000");
+    EXPECT_EQ(trafoWindow.TextTraX.ToolTip, "delta to last calculation: 0.000");
+    EXPECT_EQ(trafoWindow.TextRotX.ToolTip, "delta to last calculation: 0.0000");
 }
 
 TEST_F(CalculationWindowRun, AsManyObservationsAsUnknownsLeaveNoResiduals) {
@@ -87,20 +86,21 @@ TEST_F(CalculationWindowRun, ARefusalKeepsParametersTableAndFields) {
     Calculate();
     const JobRecord before = Job;
     const Column v = Calculation.v;
-    UserSetValue(w.CheckTraX, 0);
-    UserSetText(w.TextTraX, "5");
+    UserSetValue(trafoWindow.CheckTraX, 0);
+    UserSetText(trafoWindow.TextTraX, "5");
     std::fill(Job.UseFlags.begin(), Job.UseFlags.end(), std::int16_t{0});
-    const std::string rotation = w.TextRotX.Text, sigma = w.TextSxyz.Text, largest = w.TextMaxDevX.Text;
+    const std::string rotation = trafoWindow.TextRotX.Text, sigma = trafoWindow.TextSxyz.Text,
+                      largest = trafoWindow.TextMaxDevX.Text;
     Calculate();
     EXPECT_EQ(Messages(), (std::vector<std::string>{"This is not a redundant calculation"}));
     for (int k = kTraX; k < kParameterEnd; ++k)
         EXPECT_EQ(ParameterValue(Job, k), ParameterValue(const_cast<JobRecord&>(before), k));
     EXPECT_EQ(Job.Transformed.X, before.Transformed.X);
     EXPECT_EQ(Calculation.v, v);
-    EXPECT_EQ(w.TextTraX.Text, "5") << "what the user typed is not lost";
-    EXPECT_EQ(w.TextRotX.Text, rotation);
-    EXPECT_EQ(w.TextSxyz.Text, sigma);
-    EXPECT_EQ(w.TextMaxDevX.Text, largest);
+    EXPECT_EQ(trafoWindow.TextTraX.Text, "5") << "what the user typed is not lost";
+    EXPECT_EQ(trafoWindow.TextRotX.Text, rotation);
+    EXPECT_EQ(trafoWindow.TextSxyz.Text, sigma);
+    EXPECT_EQ(trafoWindow.TextMaxDevX.Text, largest);
     EXPECT_TRUE(IsTrue(Run.TrafoValid));
 }
 
@@ -109,21 +109,21 @@ TEST_F(CalculationWindowRun, ARefusalBeforeAnyResultShowsNone) {
     Open();
     Calculate();
     EXPECT_EQ(Messages(), (std::vector<std::string>{"This is not a redundant calculation"}));
-    EXPECT_EQ(w.TextTraX.Text, "float");
-    EXPECT_EQ(w.TextSigmaTraX.Text, "");
-    EXPECT_EQ(w.TextMaxDevX.Text, "");
+    EXPECT_EQ(trafoWindow.TextTraX.Text, "float");
+    EXPECT_EQ(trafoWindow.TextSigmaTraX.Text, "");
+    EXPECT_EQ(trafoWindow.TextMaxDevX.Text, "");
     EXPECT_FALSE(IsTrue(Run.CalcDone));
     EXPECT_FALSE(IsTrue(Run.TrafoValid));
-    EXPECT_FALSE(w.BtnSEED.Enabled);
+    EXPECT_FALSE(trafoWindow.BtnSEED.Enabled);
 }
 
 TEST_F(CalculationWindowRun, AHeldScaleOfZeroIsRefused) {
     AddPairs();
     Open();
     for (const char* text : {"0", "0.000", "nothing"}) {
-        UserSetValue(w.Option9Parameter, 1);
-        UserSetValue(w.CheckScaleY, 0);
-        UserSetText(w.TextScaleY, text);
+        UserSetValue(trafoWindow.Option9Parameter, 1);
+        UserSetValue(trafoWindow.CheckScaleY, 0);
+        UserSetText(trafoWindow.TextScaleY, text);
         Headless.Dialogs.clear();
         Calculate();
         EXPECT_EQ(
@@ -136,23 +136,23 @@ TEST_F(CalculationWindowRun, AHeldScaleOfZeroIsRefused) {
 TEST_F(CalculationWindowRun, AFieldWithoutANumberCountsAsZero) {
     AddPairs(6, 0);
     Open();
-    UserSetValue(w.CheckTraZ, 0);
-    UserSetText(w.TextTraZ, "none");
+    UserSetValue(trafoWindow.CheckTraZ, 0);
+    UserSetText(trafoWindow.TextTraZ, "none");
     Calculate();
     EXPECT_EQ(Job.TraZ, 0);
-    EXPECT_EQ(w.TextTraZ.Text, "0.000");
+    EXPECT_EQ(trafoWindow.TextTraZ.Text, "0.000");
 }
 
 TEST_F(CalculationWindowRun, AnAngleThatIsNoDegreeMinuteSecondChangesNothing) {
     AddPairs(6, 0);
     Open();
-    UserSetValue(w.CheckRotZ, 0);
-    UserSetText(w.TextRotZ, "10 - 30");
+    UserSetValue(trafoWindow.CheckRotZ, 0);
+    UserSetText(trafoWindow.TextRotZ, "10 - 30");
     Calculate();
     EXPECT_FALSE(Run.LastPlatformError.empty());
     EXPECT_FALSE(IsTrue(Run.TrafoValid));
-    EXPECT_TRUE(w.BtnCalculate.Enabled);
-    EXPECT_FALSE(w.BtnSTOP.Enabled);
+    EXPECT_TRUE(trafoWindow.BtnCalculate.Enabled);
+    EXPECT_FALSE(trafoWindow.BtnSTOP.Enabled);
     EXPECT_EQ(::Run.WaitPointers, 0);
 }
 
@@ -175,13 +175,13 @@ TEST_F(CalculationWindowRun, AStopInTheFirstPassEndsTheRunAndNotTheNext) {
     Open();
     int yields = 0;
     Headless.OnYield = [&yields] {
-        if (++yields == 2) UserClick(w.BtnSTOP);
+        if (++yields == 2) UserClick(trafoWindow.BtnSTOP);
     };
     Settings.BestFit_Etta = 1e-13;
     Calculate();
     EXPECT_EQ(Adjustment.Iterations, 1);
     EXPECT_FALSE(IsTrue(::Run.StopRequested));
-    EXPECT_FALSE(w.BtnSTOP.Enabled);
+    EXPECT_FALSE(trafoWindow.BtnSTOP.Enabled);
     EXPECT_TRUE(Messages().empty());
     Headless.OnYield = nullptr;
     Settings.BestFit_Etta = 1e-9;
@@ -195,8 +195,8 @@ TEST_F(CalculationWindowRun, BtnCalculateIsDisabledAndBtnSTOPEnabledMeanwhile) {
     bool seen = false;
     Headless.OnYield = [&seen] {
         seen = true;
-        EXPECT_FALSE(w.BtnCalculate.Enabled);
-        EXPECT_TRUE(w.BtnSTOP.Enabled);
+        EXPECT_FALSE(trafoWindow.BtnCalculate.Enabled);
+        EXPECT_TRUE(trafoWindow.BtnSTOP.Enabled);
         EXPECT_EQ(::Run.WaitPointers, 1);
     };
     Calculate();
@@ -206,7 +206,7 @@ TEST_F(CalculationWindowRun, BtnCalculateIsDisabledAndBtnSTOPEnabledMeanwhile) {
 TEST_F(CalculationWindowRun, AChangeDuringARunCalculatesBehindItAndNotInsideIt) {
     AddPairs();
     Open();
-    UserSetValue(w.CheckAutoRec, 1);
+    UserSetValue(trafoWindow.CheckAutoRec, 1);
     bool changed = false;
     int runs = 0;
     Headless.OnYield = [&] {
@@ -215,8 +215,8 @@ TEST_F(CalculationWindowRun, AChangeDuringARunCalculatesBehindItAndNotInsideIt) 
             ++runs;
         if (changed) return;
         changed = true;
-        UserSetValue(w.CheckTraX, 0);
-        UserSetText(w.TextTraX, "5");
+        UserSetValue(trafoWindow.CheckTraX, 0);
+        UserSetText(trafoWindow.TextTraX, "5");
         EXPECT_TRUE(CalculationWindow.Running);
     };
     Calculate();
@@ -227,7 +227,7 @@ TEST_F(CalculationWindowRun, AChangeDuringARunCalculatesBehindItAndNotInsideIt) 
 TEST_F(CalculationWindowRun, ACalculationFromAPresetRunsOnce) {
     AddPairs();
     Open();
-    UserSetValue(w.CheckAutoRec, 1);
+    UserSetValue(trafoWindow.CheckAutoRec, 1);
     int runs = 0;
     Headless.OnYield = [&runs] {
         if (Main.StatusBar_2.Text == "... calculating Matrix for LeastSquare calc..." &&
@@ -235,24 +235,25 @@ TEST_F(CalculationWindowRun, ACalculationFromAPresetRunsOnce) {
             ++runs;
     };
     for (Control* const option :
-         {&w.Option7Parameter, &w.Option9Parameter, &w.OptionHoldLevel, &w.Option6Parameter, &w.Option12}) {
+         {&trafoWindow.Option7Parameter, &trafoWindow.Option9Parameter, &trafoWindow.OptionHoldLevel,
+          &trafoWindow.Option6Parameter, &trafoWindow.Option12}) {
         runs = 0;
         Main.StatusBar_2.Text.clear();
         UserSetValue(*option, 1);
         EXPECT_EQ(runs, 1);
-        EXPECT_EQ(w.CheckAutoRec.Value, 1);
+        EXPECT_EQ(trafoWindow.CheckAutoRec.Value, 1);
     }
 }
 
 TEST_F(CalculationWindowRun, APlainBoxCalculatesWhenAutomatic) {
     AddPairs();
     Open();
-    UserSetValue(w.CheckTraX, 0);
+    UserSetValue(trafoWindow.CheckTraX, 0);
     EXPECT_FALSE(IsTrue(Run.TrafoValid));
-    UserSetValue(w.CheckAutoRec, 1);
+    UserSetValue(trafoWindow.CheckAutoRec, 1);
     EXPECT_TRUE(IsTrue(Job.AutoRecalc));
     EXPECT_FALSE(IsTrue(Run.TrafoValid));
-    UserSetValue(w.CheckTraX, 1);
+    UserSetValue(trafoWindow.CheckTraX, 1);
     EXPECT_TRUE(IsTrue(Run.TrafoValid));
 }
 
@@ -273,7 +274,7 @@ TEST_F(CalculationWindowRun, SwitchingDuringARunEndsItWithoutWriting) {
     Headless.OnYield = [&switched] {
         if (!switched) {
             switched = true;
-            UserClick(w.BtnSwitchMcsOcs);
+            UserClick(trafoWindow.BtnSwitchMcsOcs);
         }
     };
     Calculate();
@@ -286,7 +287,7 @@ TEST_F(CalculationWindowRun, TheSwitchExchangesTheSetsAndTheirCounts) {
     Job.Start.Add("only start", 1, 2, 3);
     const JobRecord before = Job;
     Open();
-    UserClick(w.BtnSwitchMcsOcs);
+    UserClick(trafoWindow.BtnSwitchMcsOcs);
     EXPECT_EQ(Job.Start.X, before.Target.X);
     EXPECT_EQ(Job.Target.Z, before.Start.Z);
     EXPECT_EQ(Job.Target.Name, before.Start.Name);
@@ -299,17 +300,17 @@ TEST_F(CalculationWindowRun, TheSwitchExchangesTheSetsAndTheirCounts) {
     EXPECT_EQ(Job.UseFlags, before.UseFlags);
     EXPECT_TRUE(JobIsWhole(Job));
     EXPECT_FALSE(IsTrue(Job.DirectionMCStoOCS));
-    EXPECT_EQ(w.LabelDirection.Text, "OCS -> MCS");
-    EXPECT_EQ(w.LabelDirection.ForeColor, QbColor(12));
-    EXPECT_EQ(w.BtnSwitchMcsOcs.BackColor, QbColor(12));
-    EXPECT_EQ(w.LabelDirection.ToolTip, "Robot => Cell");
-    UserClick(w.BtnSwitchMcsOcs);
+    EXPECT_EQ(trafoWindow.LabelDirection.Text, "OCS -> MCS");
+    EXPECT_EQ(trafoWindow.LabelDirection.ForeColor, QbColor(12));
+    EXPECT_EQ(trafoWindow.BtnSwitchMcsOcs.BackColor, QbColor(12));
+    EXPECT_EQ(trafoWindow.LabelDirection.ToolTip, "Robot => Cell");
+    UserClick(trafoWindow.BtnSwitchMcsOcs);
     EXPECT_EQ(Job.Start.Name, before.Start.Name);
     EXPECT_EQ(Job.Target.X, before.Target.X);
-    EXPECT_EQ(w.LabelDirection.Text, "MCS -> OCS");
-    EXPECT_EQ(w.LabelDirection.ForeColor, QbColor(0));
-    EXPECT_EQ(w.BtnSwitchMcsOcs.BackColor, kSystemColour);
-    EXPECT_EQ(w.LabelDirection.ToolTip, "Cell => Robot");
+    EXPECT_EQ(trafoWindow.LabelDirection.Text, "MCS -> OCS");
+    EXPECT_EQ(trafoWindow.LabelDirection.ForeColor, QbColor(0));
+    EXPECT_EQ(trafoWindow.BtnSwitchMcsOcs.BackColor, kSystemColour);
+    EXPECT_EQ(trafoWindow.LabelDirection.ToolTip, "Cell => Robot");
 }
 
 TEST_F(CalculationWindowRun, AResultOfTheOtherDirectionIsNoneOfThis) {
@@ -317,7 +318,7 @@ TEST_F(CalculationWindowRun, AResultOfTheOtherDirectionIsNoneOfThis) {
     Open();
     Calculate();
     EXPECT_TRUE(Main.MenueFileExport.Enabled);
-    UserClick(w.BtnSwitchMcsOcs);
+    UserClick(trafoWindow.BtnSwitchMcsOcs);
     EXPECT_FALSE(IsTrue(Run.TrafoValid));
     EXPECT_FALSE(IsTrue(Run.CalcDone));
     EXPECT_FALSE(Main.MenueFileExport.Enabled) << "it would give away the parameters of the way back";
@@ -328,7 +329,7 @@ TEST_F(CalculationWindowRun, AResultOfTheOtherDirectionIsNoneOfThis) {
 TEST_F(CalculationWindowRun, TheSwitchedFitIsTheInverse) {
     AddPairs(8, 0);
     Open();
-    UserClick(w.BtnSwitchMcsOcs);
+    UserClick(trafoWindow.BtnSwitchMcsOcs);
     Calculate();
     // The inverse of a rigid motion has the same length of shift and a rotation of the same angle.
     EXPECT_NEAR(Root(Job.TraX, Job.TraY, Job.TraZ), Root(100, 200, 300), 1e-8);
@@ -340,21 +341,21 @@ TEST_F(CalculationWindowRun, TheSwitchedFitIsTheInverse) {
 TEST_F(CalculationWindowRun, TheResultBecomesTheSeeds) {
     AddPairs(6, 0);
     Open();
-    UserSetValue(w.Option9Parameter, 1);
+    UserSetValue(trafoWindow.Option9Parameter, 1);
     Calculate();
-    UserClick(w.BtnSEED);
-    EXPECT_EQ(w.TextSeedTrax.Text, "100.000");
-    EXPECT_EQ(w.TextSeedRotz.Text, "30.0000");
-    EXPECT_EQ(w.TextSeedScalex.Text, "1.000000");
-    EXPECT_EQ(w.TextSeedScalexyz.Text, "") << "not used, so there is nothing to begin with";
+    UserClick(trafoWindow.BtnSEED);
+    EXPECT_EQ(trafoWindow.TextSeedTrax.Text, "100.000");
+    EXPECT_EQ(trafoWindow.TextSeedRotz.Text, "30.0000");
+    EXPECT_EQ(trafoWindow.TextSeedScalex.Text, "1.000000");
+    EXPECT_EQ(trafoWindow.TextSeedScalexyz.Text, "") << "not used, so there is nothing to begin with";
 }
 
 TEST_F(CalculationWindowRun, SeedsOfTheUserAreWhereTheIterationBegins) {
     AddPairs(6, 0);
     Open();
     Settings.MaxIteration = 0;
-    UserSetValue(w.CheckSeedTrax, 1);
-    UserSetText(w.TextSeedTrax, "100");
+    UserSetValue(trafoWindow.CheckSeedTrax, 1);
+    UserSetText(trafoWindow.TextSeedTrax, "100");
     Calculate();
     EXPECT_NEAR(Job.TraX, 100, 1e-6);
 }
@@ -370,26 +371,26 @@ TEST_F(CalculationWindowRun, WithoutItsWindowACalculationTakesTheChoiceOfTheJob)
 TEST_F(CalculationWindowRun, TheUnitsOfTheFieldsFollowTheSettings) {
     AddPairs(6, 0);
     Open();
-    UserSetValue(w.CheckTraZ, 0);
-    UserSetText(w.TextTraZ, "300");
-    UserSetValue(w.CheckSeedTrax, 1);
-    UserSetText(w.TextSeedTrax, "1500");
+    UserSetValue(trafoWindow.CheckTraZ, 0);
+    UserSetText(trafoWindow.TextTraZ, "300");
+    UserSetValue(trafoWindow.CheckSeedTrax, 1);
+    UserSetText(trafoWindow.TextSeedTrax, "1500");
     Job.LengthUnitName = "meter";
     Job.LengthDigits = 6;
     RhoFestlegung();
     CalculationWindow_UnitsChanged();
-    EXPECT_EQ(w.TextTraZ.Text, "0.300000");
-    EXPECT_EQ(w.TextSeedTrax.Text, "1.500000");
+    EXPECT_EQ(trafoWindow.TextTraZ.Text, "0.300000");
+    EXPECT_EQ(trafoWindow.TextSeedTrax.Text, "1.500000");
     Calculate();
-    EXPECT_EQ(w.TextTraX.Text, "0.100000");
+    EXPECT_EQ(trafoWindow.TextTraX.Text, "0.100000");
     EXPECT_NEAR(Job.TraZ, 300, 1e-9);
     Job.AngleUnitName = "rad";
     Job.LengthUnitName = "millimeter";
     Job.LengthDigits = 1;
     RhoFestlegung();
     CalculationWindow_UnitsChanged();
-    EXPECT_EQ(w.TextTraX.Text, "100.0");
-    EXPECT_EQ(w.TextRotX.Text, "0.1745");
+    EXPECT_EQ(trafoWindow.TextTraX.Text, "100.0");
+    EXPECT_EQ(trafoWindow.TextRotX.Text, "0.1745");
     EXPECT_EQ(Main.StatusBar_9.Text, "rad");
 }
 

@@ -14,13 +14,12 @@
 #include "engine/calculation_window.h"
 #include "engine/fit_job.h"
 #include "engine/selection.h"
+#include "support/degrees.h"
 #include "support/fixture.h"
 
 using namespace corvinade;
 
 namespace {
-
-constexpr double kDegree = std::numbers::pi / 180;
 
 class ClipboardReport : public Program {
 protected:

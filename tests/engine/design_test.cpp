@@ -12,7 +12,7 @@ using namespace corvinade;
 
 namespace {
 
-constexpr double kPi = std::numbers::pi;
+constexpr double kHalfTurn = std::numbers::pi;
 
 class DesignMatrix : public Program {
 protected:
@@ -54,7 +54,7 @@ protected:
 TEST_F(DesignMatrix, HasTheDerivativesOfAllThirteenParameters) {
     GatheredPoints points;
     GatherPoints(Column(13, 1), false, points);
-    for (const double turn : {0.0, 0.3, kPi / 2, kPi / 2 - 1e-6, kPi, -kPi, -2.0})
+    for (const double turn : {0.0, 0.3, kHalfTurn / 2, kHalfTurn / 2 - 1e-6, kHalfTurn, -kHalfTurn, -2.0})
         for (const bool common : {true, false}) {
             SCOPED_TRACE(turn);
             Job.ParamText.fill(kFloat);

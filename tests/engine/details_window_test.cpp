@@ -12,15 +12,15 @@
 #include "engine/fit_reference.h"
 #include "engine/form_trafo_details.h"
 #include "engine/monte_carlo.h"
+#include "support/degrees.h"
 #include "support/fixture.h"
 
 using namespace corvinade;
 
 namespace {
 
-FormTrafoDetails& w = DetailsWindow;
+FormTrafoDetails& details = DetailsWindow;
 
-constexpr double kDegree = std::numbers::pi / 180;
 const char* const kNoInverse =
     "No inverted Solutions found. Notice: A transformation with any scale in a SEPPARATE Axis does not have an "
     "inverted solution!";
@@ -78,11 +78,11 @@ struct OrderGrid {
     const char* Axes;
     Control* Grid;
 };
-const OrderGrid kOrderGrids[] = {{"XYZ", &w.GridRotXYZ},
-                                 {"ZYX", &w.GridRotZYX},
-                                 {"ZXY", &w.GridRotZXY},
-                                 {"ZXZ", &w.GridRotZXZ},
-                                 {"ZYZ", &w.GridRotZYZ}};
+const OrderGrid kOrderGrids[] = {{"XYZ", &details.GridRotXYZ},
+                                 {"ZYX", &details.GridRotZYX},
+                                 {"ZXY", &details.GridRotZXY},
+                                 {"ZXZ", &details.GridRotZXZ},
+                                 {"ZYZ", &details.GridRotZYZ}};
 
 // What turns coordinates into a frame that has been turned about its own axes one after the other.
 reference::Square FromShownAngles(const OrderGrid& order, int solution) {
@@ -107,7 +107,7 @@ TEST_F(DetailsWindowTest, BothSolutionsOfEveryOrderGiveTheRotationMatrix) {
         Open();
         const reference::Square R =
             reference::Rotation(angles[0] * kDegree, angles[1] * kDegree, angles[2] * kDegree);
-        ExpectNear(ShownMatrix(w.GridRotMatrix), R, 0.5e-8 + 1e-15);
+        ExpectNear(ShownMatrix(details.GridRotMatrix), R, 0.5e-8 + 1e-15);
         for (const OrderGrid& order : kOrderGrids) {
             SCOPED_TRACE(order.Axes);
             for (const int solution : {1, 2}) ExpectNear(FromShownAngles(order, solution), R, 3e-8);
@@ -130,11 +130,11 @@ TEST_F(DetailsWindowTest, TheTwoSolutionsOfAnOrderAreDifferent) {
 
 TEST_F(DetailsWindowTest, RotationsBearTheNamesOfTheirAxes) {
     Open();
-    EXPECT_EQ(ColumnOf(w.GridRotXYZ, 0), "|Rot X|Rot Y'|Rot Z''|");
-    EXPECT_EQ(ColumnOf(w.GridRotZYX, 0), "|Rot Z|Rot Y'|Rot X''|");
-    EXPECT_EQ(ColumnOf(w.GridRotZXY, 0), "|Rot Z|Rot X'|Rot Y''|");
-    EXPECT_EQ(ColumnOf(w.GridRotZXZ, 0), "|Rot Z|Rot X'|Rot Z''|");
-    EXPECT_EQ(ColumnOf(w.GridRotZYZ, 0), "|Rot Z|Rot Y'|Rot Z''|");
+    EXPECT_EQ(ColumnOf(details.GridRotXYZ, 0), "|Rot X|Rot Y'|Rot Z''|");
+    EXPECT_EQ(ColumnOf(details.GridRotZYX, 0), "|Rot Z|Rot Y'|Rot X''|");
+    EXPECT_EQ(ColumnOf(details.GridRotZXY, 0), "|Rot Z|Rot X'|Rot Y''|");
+    EXPECT_EQ(ColumnOf(details.GridRotZXZ, 0), "|Rot Z|Rot X'|Rot Z''|");
+    EXPECT_EQ(ColumnOf(details.GridRotZYZ, 0), "|Rot Z|Rot Y'|Rot Z''|");
     for (const OrderGrid& order : kOrderGrids) {
         EXPECT_EQ(Cell(*order.Grid, 0, 1), "Solution 1");
         EXPECT_EQ(Cell(*order.Grid, 0, 2), "Solution 2");
@@ -149,8 +149,8 @@ TEST_F(DetailsWindowTest, QuaternionAxisAndAnglesAreThoseOfTheRotation) {
         Open();
         const reference::Square R =
             reference::Rotation(angles[0] * kDegree, angles[1] * kDegree, angles[2] * kDegree);
-        const double qw = Number(w.GridQuat, 0, 1), x = Number(w.GridQuat, 1, 1),
-                     y = Number(w.GridQuat, 2, 1), z = Number(w.GridQuat, 3, 1);
+        const double qw = Number(details.GridQuat, 0, 1), x = Number(details.GridQuat, 1, 1),
+                     y = Number(details.GridQuat, 2, 1), z = Number(details.GridQuat, 3, 1);
         EXPECT_NEAR(qw * qw + x * x + y * y + z * z, 1, 4e-8);
         // The rotation matrix of a unit quaternion.
         ExpectNear({{{1 - 2 * (y * y + z * z), 2 * (x * y - qw * z), 2 * (x * z + qw * y)},
@@ -158,21 +158,24 @@ TEST_F(DetailsWindowTest, QuaternionAxisAndAnglesAreThoseOfTheRotation) {
                      {2 * (x * z - qw * y), 2 * (y * z + qw * x), 1 - 2 * (x * x + y * y)}}},
                    R, 1e-7);
         // Angle and axis are the quaternion again: q = (cos, axis sin) of the half angle.
-        const double half = Number(w.GridQuat, 4, 1) * kDegree / 2;
+        const double half = Number(details.GridQuat, 4, 1) * kDegree / 2;
         EXPECT_NEAR(std::cos(half), qw, 3e-8);
         for (int k = 1; k <= 3; ++k)
-            EXPECT_NEAR(std::sin(half) * Number(w.GridQuat, 4 + k, 1), Number(w.GridQuat, k, 1), 5e-8) << k;
-        ExpectNear(reference::Rotation(Number(w.GridQuat, 8, 1) * kDegree, Number(w.GridQuat, 9, 1) * kDegree,
-                                       Number(w.GridQuat, 10, 1) * kDegree),
+            EXPECT_NEAR(std::sin(half) * Number(details.GridQuat, 4 + k, 1), Number(details.GridQuat, k, 1),
+                        5e-8)
+                << k;
+        ExpectNear(reference::Rotation(Number(details.GridQuat, 8, 1) * kDegree,
+                                       Number(details.GridQuat, 9, 1) * kDegree,
+                                       Number(details.GridQuat, 10, 1) * kDegree),
                    R, 5e-8);
         UnloadWindow("FormTrafoDetails");
     }
     Open();
-    EXPECT_EQ(ColumnOf(w.GridQuat, 0),
+    EXPECT_EQ(ColumnOf(details.GridQuat, 0),
               "qw|qx|qy|qz|Angel of Rot|RotVec .x |RotVec .y|RotVec .z|Rot x|Rot y'|Rot z''|");
 }
 
-// Published examples, w x y z: two of fixed angles W, P, R about x, y, z from the public tests of a
+// Published examples, details x y z: two of fixed angles W, P, R about x, y, z from the public tests of a
 // converter of robot angles, one of A, B, C about z, y', x'' from the examples of a mathematics package, one
 // of a robot's reference manual.
 TEST_F(DetailsWindowTest, QuaternionsOfPublishedPosesComeOut) {
@@ -193,10 +196,10 @@ TEST_F(DetailsWindowTest, QuaternionsOfPublishedPosesComeOut) {
         Turn(-example.AboutXYZ[0], -example.AboutXYZ[1], -example.AboutXYZ[2]);
         Open();
         // A quaternion and its negative are the same rotation.
-        const double sign = Number(w.GridQuat, 0, 1) * example.Quaternion[0] < 0 ? -1 : 1;
+        const double sign = Number(details.GridQuat, 0, 1) * example.Quaternion[0] < 0 ? -1 : 1;
         for (int k = 0; k < 4; ++k)
-            EXPECT_NEAR(sign * Number(w.GridQuat, k, 1), example.Quaternion[static_cast<std::size_t>(k)],
-                        example.Tolerance)
+            EXPECT_NEAR(sign * Number(details.GridQuat, k, 1),
+                        example.Quaternion[static_cast<std::size_t>(k)], example.Tolerance)
                 << k;
         UnloadWindow("FormTrafoDetails");
     }
@@ -217,19 +220,19 @@ TEST_F(DetailsWindowTest, MatricesOfTheChainStandWithEightDigits) {
     const auto rows = [](Control& grid) {
         return RectText(grid.Grid, {0, 0, grid.Grid.Rows - 1, grid.Grid.Cols - 1});
     };
-    EXPECT_EQ(rows(w.GridRotMatrix), CrLf("1.00000000\t0.00000000\t0.00000000\n"
-                                          "0.00000000\t0.86602540\t0.50000000\n"
-                                          "0.00000000\t-0.50000000\t0.86602540"));
-    EXPECT_EQ(rows(w.GridHomogen), CrLf("1.00000000\t0.00000000\t0.00000000\t1234.568\n"
-                                        "0.00000000\t0.86602540\t0.50000000\t0.000\n"
-                                        "0.00000000\t-0.50000000\t0.86602540\t7.000\n"
-                                        "0.00000000\t0.00000000\t0.00000000\t1.00000000"));
-    EXPECT_EQ(rows(w.GridScaleMatrix), CrLf("2.00000000\t0.00000000\t0.00000000\n"
-                                            "0.00000000\t2.00000000\t0.00000000\n"
-                                            "0.00000000\t0.00000000\t2.00000000"));
-    EXPECT_EQ(rows(w.GridAffineMatrix), CrLf("1.00000000\t0.50000000\t0.00000000\n"
-                                             "0.00000000\t0.86602540\t0.86602540\n"
-                                             "0.00000000\t0.00000000\t0.50000000"));
+    EXPECT_EQ(rows(details.GridRotMatrix), CrLf("1.00000000\t0.00000000\t0.00000000\n"
+                                                "0.00000000\t0.86602540\t0.50000000\n"
+                                                "0.00000000\t-0.50000000\t0.86602540"));
+    EXPECT_EQ(rows(details.GridHomogen), CrLf("1.00000000\t0.00000000\t0.00000000\t1234.568\n"
+                                              "0.00000000\t0.86602540\t0.50000000\t0.000\n"
+                                              "0.00000000\t-0.50000000\t0.86602540\t7.000\n"
+                                              "0.00000000\t0.00000000\t0.00000000\t1.00000000"));
+    EXPECT_EQ(rows(details.GridScaleMatrix), CrLf("2.00000000\t0.00000000\t0.00000000\n"
+                                                  "0.00000000\t2.00000000\t0.00000000\n"
+                                                  "0.00000000\t0.00000000\t2.00000000"));
+    EXPECT_EQ(rows(details.GridAffineMatrix), CrLf("1.00000000\t0.50000000\t0.00000000\n"
+                                                   "0.00000000\t0.86602540\t0.86602540\n"
+                                                   "0.00000000\t0.00000000\t0.50000000"));
 }
 
 TEST_F(DetailsWindowTest, EverySolutionOfTheInverseLeadsBack) {
@@ -239,15 +242,15 @@ TEST_F(DetailsWindowTest, EverySolutionOfTheInverseLeadsBack) {
     Job.TraZ = 300;
     Job.ScaleX = Job.ScaleY = Job.ScaleZ = Job.ScaleXYZ = 1.25;
     Open();
-    ASSERT_EQ(w.GridInverse.Grid.Rows, 13);
-    ASSERT_GE(w.GridInverse.Grid.Cols, 2);
-    EXPECT_EQ(ColumnOf(w.GridInverse, 0),
+    ASSERT_EQ(details.GridInverse.Grid.Rows, 13);
+    ASSERT_GE(details.GridInverse.Grid.Cols, 2);
+    EXPECT_EQ(ColumnOf(details.GridInverse, 0),
               "|tra x|tra y|tra z|rot x|rot y'|rot z''|scale x|scale y|scale z|xy|Azimuth z|z to xy|");
     const reference::Square forward = reference::Product(
         reference::Rotation(10 * kDegree, 20 * kDegree, 30 * kDegree), Diagonal(1.25, 1.25, 1.25));
-    for (int col = 1; col < w.GridInverse.Grid.Cols; ++col) {
-        EXPECT_EQ(Cell(w.GridInverse, 0, col), "Solution " + std::to_string(col));
-        const auto value = [col](int row) { return Number(w.GridInverse, row, col); };
+    for (int col = 1; col < details.GridInverse.Grid.Cols; ++col) {
+        EXPECT_EQ(Cell(details.GridInverse, 0, col), "Solution " + std::to_string(col));
+        const auto value = [col](int row) { return Number(details.GridInverse, row, col); };
         const reference::Square back = reference::Product(
             reference::Product(
                 reference::Rotation(value(4) * kDegree, value(5) * kDegree, value(6) * kDegree),
@@ -268,15 +271,15 @@ TEST_F(DetailsWindowTest, AnInverseWithoutSolutionIsSaidOnceAndFillsOneCell) {
     Job.ScaleX = 2;
     Open();
     EXPECT_EQ(Messages(), std::vector<std::string>{kNoInverse});
-    EXPECT_EQ(w.GridInverse.Grid.Rows, 1);
-    EXPECT_EQ(w.GridInverse.Grid.Cols, 1);
-    EXPECT_EQ(Cell(w.GridInverse, 0, 0), "no solution");
-    EXPECT_EQ(w.GridInverse.Grid.FixedRows, 0);
+    EXPECT_EQ(details.GridInverse.Grid.Rows, 1);
+    EXPECT_EQ(details.GridInverse.Grid.Cols, 1);
+    EXPECT_EQ(Cell(details.GridInverse, 0, 0), "no solution");
+    EXPECT_EQ(details.GridInverse.Grid.FixedRows, 0);
     // The next solution has headings again.
     Job.ScaleX = 1;
     DetailFormFuellen();
-    EXPECT_EQ(w.GridInverse.Grid.Rows, 13);
-    EXPECT_EQ(w.GridInverse.Grid.FixedRows, 1);
+    EXPECT_EQ(details.GridInverse.Grid.Rows, 13);
+    EXPECT_EQ(details.GridInverse.Grid.FixedRows, 1);
     EXPECT_EQ(::Run.WaitPointers, 0);
 }
 
@@ -285,8 +288,9 @@ TEST_F(DetailsWindowTest, SpreadStandsByKindOnlyWhenTheRunsHaveEnded) {
     for (int k = 1; k <= 18; ++k)
         for (int i = 1; i <= 3; ++i) MonteCarlo.MCResults(k, i) = k * (i - 2);  // mean 0, sigma k
     Open();
-    EXPECT_EQ(w.GridMonteCarlo.Grid.Rows, 19);
-    EXPECT_EQ(ColumnOf(w.GridMonteCarlo, 0) + ColumnOf(w.GridMonteCarlo, 1), std::string(38, '|'));
+    EXPECT_EQ(details.GridMonteCarlo.Grid.Rows, 19);
+    EXPECT_EQ(ColumnOf(details.GridMonteCarlo, 0) + ColumnOf(details.GridMonteCarlo, 1),
+              std::string(38, '|'));
     MonteCarlo.MonteCarloDone = kTrue;
     Job.LengthUnitName = "meter";
     Job.AngleUnitName = "mrad";
@@ -294,10 +298,10 @@ TEST_F(DetailsWindowTest, SpreadStandsByKindOnlyWhenTheRunsHaveEnded) {
     RhoFestlegung();
     DetailFormFuellen();
     EXPECT_EQ(
-        ColumnOf(w.GridMonteCarlo, 0),
+        ColumnOf(details.GridMonteCarlo, 0),
         "|Tra x|Tra y|Tra z|Rot x|Rot y|Rot z|Scale x|Scale y|Scale z|Scale xyz|XY|Azimuth|ZtoXY|R_Dist|"
         "vec_x|vec_y|vec_z|s of sigmaXYZ|");
-    EXPECT_EQ(ColumnOf(w.GridMonteCarlo, 1),
+    EXPECT_EQ(ColumnOf(details.GridMonteCarlo, 1),
               "|0.001|0.002|0.003|4000.0|5000.0|6000.0|7.000000|8.000000|9.000000|10.000000|11000.0|12000.0|"
               "13000.0|0.014|0.015|0.016|0.017|0.018|");
 }
@@ -305,32 +309,32 @@ TEST_F(DetailsWindowTest, SpreadStandsByKindOnlyWhenTheRunsHaveEnded) {
 TEST_F(DetailsWindowTest, TheCheckGoesToTheSettingsWithOk) {
     ::Run.SettingsFilePath = Write("Corvinade.ini", CrLf("[Settings]\nCheckForGimbalLock=False\n"));
     Open();
-    EXPECT_EQ(w.Check1.Value, 0);
-    UserSetValue(w.Check1, 1);
+    EXPECT_EQ(details.Check1.Value, 0);
+    UserSetValue(details.Check1, 1);
     EXPECT_TRUE(IsTrue(Settings.CheckForGimbalLock));
     EXPECT_NE(IniWertLesen("CheckForGimbalLock"), SettingText("CheckForGimbalLock")) << "written by OK alone";
-    UserClick(w.BtnOK);
+    UserClick(details.BtnOK);
     EXPECT_FALSE(IsLoaded("FormTrafoDetails"));
     EXPECT_EQ(IniWertLesen("CheckForGimbalLock"), SettingText("CheckForGimbalLock"));
     Open();
-    EXPECT_EQ(w.Check1.Value, 1);
+    EXPECT_EQ(details.Check1.Value, 1);
 }
 
 TEST_F(DetailsWindowTest, TheCheckFillsTheWindowAgainOnlyBehindACalculation) {
     Open();
     Job.RotX = 30 * kDegree;
-    UserSetValue(w.Check1, 1);
-    EXPECT_EQ(Cell(w.GridRotMatrix, 1, 1), "1.00000000");
+    UserSetValue(details.Check1, 1);
+    EXPECT_EQ(Cell(details.GridRotMatrix, 1, 1), "1.00000000");
     ::Run.CalcDone = kTrue;
-    UserSetValue(w.Check1, 0);
-    EXPECT_EQ(Cell(w.GridRotMatrix, 1, 1), "0.86602540");
+    UserSetValue(details.Check1, 0);
+    EXPECT_EQ(Cell(details.GridRotMatrix, 1, 1), "0.86602540");
     EXPECT_FALSE(IsTrue(Settings.CheckForGimbalLock));
 }
 
 TEST_F(DetailsWindowTest, TheLabelExplainsTheQuaternionInThreeLines) {
     Open();
     EXPECT_EQ(
-        w.LabelQuat.Text,
+        details.LabelQuat.Text,
         CrLf(
             "qw, qx, qy and qz is the Quaternion of the done Rotation calculated from the Rotation Matrix. \n"
             "Angel of Rot is the Rotation around the Vector Vec x; Vec y and Vec z, calculated from the "
@@ -349,12 +353,12 @@ TEST_F(DetailsWindowTest, ParametersThatAreNoNumbersShowSo) {
                 Job.AngleUnitName = unit;
                 RhoFestlegung();
                 Open();
-                UserClick(w.BtnClipALL);
+                UserClick(details.BtnClipALL);
                 if (value == &Job.RotX && !std::isfinite(bad)) {
-                    EXPECT_NE(Cell(w.GridRotXYZ, 1, 1).find("NaN"), std::string::npos)
-                        << Cell(w.GridRotXYZ, 1, 1);
-                    EXPECT_EQ(Cell(w.GridRotMatrix, 1, 1), "NaN");
-                    EXPECT_EQ(Cell(w.GridQuat, 0, 1), "NaN");
+                    EXPECT_NE(Cell(details.GridRotXYZ, 1, 1).find("NaN"), std::string::npos)
+                        << Cell(details.GridRotXYZ, 1, 1);
+                    EXPECT_EQ(Cell(details.GridRotMatrix, 1, 1), "NaN");
+                    EXPECT_EQ(Cell(details.GridQuat, 0, 1), "NaN");
                 }
                 UnloadWindow("FormTrafoDetails");
                 *value = before;
@@ -371,32 +375,32 @@ TEST_F(DetailsWindowTest, DegreesMinutesAndSecondsAndACommaStandInTheGrids) {
     RhoFestlegung();
     Open();
     // One of the two slots holds the plain triple.
-    const int slot = Cell(w.GridRotXYZ, 2, 1) == "0 0 0,0" ? 1 : 2;
-    EXPECT_EQ(Cell(w.GridRotXYZ, 1, slot), "-12 30 30,0");
-    EXPECT_EQ(Cell(w.GridHomogen, 0, 3), "1,500");
-    EXPECT_EQ(Cell(w.GridRotMatrix, 0, 0), "1,00000000");
-    EXPECT_EQ(Cell(w.GridInverse, 1, 1), "-1,500");
+    const int slot = Cell(details.GridRotXYZ, 2, 1) == "0 0 0,0" ? 1 : 2;
+    EXPECT_EQ(Cell(details.GridRotXYZ, 1, slot), "-12 30 30,0");
+    EXPECT_EQ(Cell(details.GridHomogen, 0, 3), "1,500");
+    EXPECT_EQ(Cell(details.GridRotMatrix, 0, 0), "1,00000000");
+    EXPECT_EQ(Cell(details.GridInverse, 1, 1), "-1,500");
 }
 
 TEST_F(DetailsWindowTest, EveryButtonPutsItsTextOnTheClipboard) {
     Turn(10, 20, 30);
     Job.TraX = 5;
     Open();
-    const SolutionDetails shown = w.Shown;
+    const SolutionDetails shown = details.Shown;
     const std::vector<std::pair<Control*, std::string>> buttons = {
-        {&w.BtnClipR, RotationMatrixText(shown)},
-        {&w.Command1, AffineMatrixText(shown)},
-        {&w.Command2, ScaleMatrixText(shown)},
-        {&w.Command3, InverseText(shown)},
-        {&w.BtnClipHomogen, HomogenText(shown)},
-        {&w.BtnClipRotXYZ, RotationText(shown, RotationOrder::XYZ)},
-        {&w.BtnClipRotZYX, RotationText(shown, RotationOrder::ZYX)},
-        {&w.BtnClipRotZXY, RotationText(shown, RotationOrder::ZXY)},
-        {&w.BtnClipRotZXZ, RotationText(shown, RotationOrder::ZXZ)},
-        {&w.BtnClipRotZYZ, RotationText(shown, RotationOrder::ZYZ)},
-        {&w.BtnClipQuat, QuaternionText(shown)},
-        {&w.BtnClipMonteCarlo, MonteCarloText(shown)},
-        {&w.BtnClipALL, DetailsText(shown)}};
+        {&details.BtnClipR, RotationMatrixText(shown)},
+        {&details.Command1, AffineMatrixText(shown)},
+        {&details.Command2, ScaleMatrixText(shown)},
+        {&details.Command3, InverseText(shown)},
+        {&details.BtnClipHomogen, HomogenText(shown)},
+        {&details.BtnClipRotXYZ, RotationText(shown, RotationOrder::XYZ)},
+        {&details.BtnClipRotZYX, RotationText(shown, RotationOrder::ZYX)},
+        {&details.BtnClipRotZXY, RotationText(shown, RotationOrder::ZXY)},
+        {&details.BtnClipRotZXZ, RotationText(shown, RotationOrder::ZXZ)},
+        {&details.BtnClipRotZYZ, RotationText(shown, RotationOrder::ZYZ)},
+        {&details.BtnClipQuat, QuaternionText(shown)},
+        {&details.BtnClipMonteCarlo, MonteCarloText(shown)},
+        {&details.BtnClipALL, DetailsText(shown)}};
     for (const auto& [button, text] : buttons) {
         UserClick(*button);
         EXPECT_EQ(Headless.Clipboard, text) << button->Entry->Name;
@@ -412,8 +416,8 @@ TEST_F(DetailsWindowTest, EveryButtonPutsItsTextOnTheClipboard) {
 
 TEST_F(DetailsWindowTest, AnOpenWindowIsFilledAgainWhenItIsAskedFor) {
     ShowDetails();
-    EXPECT_EQ(Cell(w.GridRotMatrix, 1, 1), "1.00000000");
+    EXPECT_EQ(Cell(details.GridRotMatrix, 1, 1), "1.00000000");
     Job.RotX = 30 * kDegree;
     ShowDetails();
-    EXPECT_EQ(Cell(w.GridRotMatrix, 1, 1), "0.86602540");
+    EXPECT_EQ(Cell(details.GridRotMatrix, 1, 1), "0.86602540");
 }

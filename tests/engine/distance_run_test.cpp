@@ -5,13 +5,12 @@
 #include "engine/adjustment.h"
 #include "engine/calculation_job.h"
 #include "engine/calculation_window.h"
+#include "engine/trafo_window.h"
 #include "engine/transform.h"
 
 using namespace corvinade;
 
 namespace {
-
-FormTrafoBerechnung& w = TrafoWindow;
 
 // Targets at 50 mm from where the transformation puts the start points, so that the distance is known.
 class DistanceRun : public CalculationJob {
@@ -19,7 +18,7 @@ protected:
     DistanceRun() {
         AddPairs(12, 0);
         Open();
-        UserSetValue(w.CheckRDist, 1);
+        UserSetValue(trafoWindow.CheckRDist, 1);
     }
 
     // Every target goes 50 mm from where its start point will lie, each in a direction of its own; every
@@ -34,8 +33,8 @@ protected:
         }
     }
     static void SeedTraX() {
-        UserSetValue(w.CheckSeedTrax, 1);
-        UserSetText(w.TextSeedTrax, "103");
+        UserSetValue(trafoWindow.CheckSeedTrax, 1);
+        UserSetText(trafoWindow.TextSeedTrax, "103");
     }
     static int SecondPoints() {
         int count = 0;
@@ -66,7 +65,7 @@ TEST_F(DistanceRun, ASeedLeadsAwayFromTheTargets) {
     EXPECT_TRUE(Adjustment.Converged);
     EXPECT_NEAR(Job.RDist, 50, 1e-6);
     EXPECT_NEAR(Job.TraX, 100, 1e-6);
-    EXPECT_EQ(w.TextRDist.Text, "50.000");
+    EXPECT_EQ(trafoWindow.TextRDist.Text, "50.000");
 }
 
 // A point at R_Dist from the target that is off the transformed point by just what its distance is off R_Dist
@@ -106,8 +105,8 @@ TEST_F(DistanceRun, WithoutTheirDisplayThereAreNoRVectors) {
     Calculate();
     EXPECT_EQ(SecondPoints(), 12);
     // Another model has none, and those of the former fit are gone.
-    UserSetValue(w.CheckRDist, 0);
-    UserSetText(w.TextRDist, "0");
+    UserSetValue(trafoWindow.CheckRDist, 0);
+    UserSetText(trafoWindow.TextRDist, "0");
     Calculate();
     EXPECT_EQ(SecondPoints(), 0);
     EXPECT_EQ(Job.RVecZ, std::vector<double>(13, 0.0));

@@ -7,6 +7,7 @@
 #include "cli/headless.h"
 #include "core/run.h"
 #include "engine/exact_norms_job.h"
+#include "engine/fit_job.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
 #include "fit/linear_optimum.h"
@@ -16,10 +17,6 @@
 using namespace corvinade;
 
 namespace {
-
-const std::array<reference::Real, 18> kTruth = Truth({100, -200, 300, 0.4, -0.7, 2.1, 1, 1, 1, 1});
-const std::array<reference::Real, 18> kSkewed =
-    Truth({100, -200, 300, 0.4, -0.7, 2.1, 1.1, 0.9, 1.2, 1, 0.02, 0.6, 0.03});
 
 // Linear rows of a small random problem, one axis: v + a0 + a1 x + a2 y + a3 z.
 struct SmallProblem {

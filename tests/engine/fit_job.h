@@ -29,6 +29,10 @@ struct CloudEntry {
     std::array<reference::Real, 18> Truth{};
 };
 std::array<reference::Real, 18> Truth(std::initializer_list<double> thirteen);
+// A rigid motion, and one with scales and angles between the axes.
+inline const std::array<reference::Real, 18> kTruth = Truth({100, -200, 300, 0.4, -0.7, 2.1, 1, 1, 1, 1});
+inline const std::array<reference::Real, 18> kSkewed =
+    Truth({100, -200, 300, 0.4, -0.7, 2.1, 1.1, 0.9, 1.2, 1, 0.02, 0.6, 0.03});
 void AddCloud(const CloudEntry& cloud);
 
 // The job's problem for the independent solution, with the job's use flags as weights and the held

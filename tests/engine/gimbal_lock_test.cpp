@@ -7,14 +7,13 @@
 #include "engine/calculation_job.h"
 #include "engine/form_trafo_details.h"
 #include "engine/monte_carlo.h"
+#include "engine/trafo_window.h"
+#include "support/degrees.h"
 
 using namespace corvinade;
 
 namespace {
 
-FormTrafoBerechnung& w = TrafoWindow;
-
-constexpr double kDegree = std::numbers::pi / 180;
 constexpr std::int32_t kLightRed = 0x0000FF, kWhite = 0xFFFFFF;
 const char* const kTitle = "Multiple Solution Warning - Gimbal Lock";
 
@@ -32,9 +31,9 @@ protected:
     static void OpenWithRotYHeld() {
         AddPairs();
         Open();
-        SetValue(w.CheckRotY, 0);
+        SetValue(trafoWindow.CheckRotY, 0);
     }
-    static void Type(const std::string& text) { UserSetText(w.TextRotY, text); }
+    static void Type(const std::string& text) { UserSetText(trafoWindow.TextRotY, text); }
     static void Answer(const char* answer) { Headless.Answers["message"].push_back(answer); }
     static std::size_t Questions() {
         std::size_t count = 0;
@@ -77,9 +76,9 @@ TEST_F(GimbalLock, NoLeavesTheFieldRedAndNothingElseChanges) {
     OpenWithRotYHeld();
     Answer("No");
     Type("90");
-    EXPECT_EQ(w.TextRotY.BackColor, kLightRed);
-    EXPECT_EQ(w.CheckRotX.Value, 1);
-    EXPECT_EQ(w.TextRotX.Text, "float");
+    EXPECT_EQ(trafoWindow.TextRotY.BackColor, kLightRed);
+    EXPECT_EQ(trafoWindow.CheckRotX.Value, 1);
+    EXPECT_EQ(trafoWindow.TextRotX.Text, "float");
     EXPECT_EQ(CalculationWindow.Started, 0U);
 }
 
@@ -87,10 +86,10 @@ TEST_F(GimbalLock, AnAngleFarFromTheLockTurnsTheFieldWhiteAndClearsItsTip) {
     OpenWithRotYHeld();
     Answer("No");
     Type("90");
-    w.TextRotY.ToolTip = "old";
+    trafoWindow.TextRotY.ToolTip = "old";
     Type("45");
-    EXPECT_EQ(w.TextRotY.BackColor, kWhite);
-    EXPECT_EQ(w.TextRotY.ToolTip, "");
+    EXPECT_EQ(trafoWindow.TextRotY.BackColor, kWhite);
+    EXPECT_EQ(trafoWindow.TextRotY.ToolTip, "");
     EXPECT_EQ(Questions(), 1U);
 }
 
@@ -99,13 +98,13 @@ TEST_F(GimbalLock, TheBorderItselfIsFarAndBothSignsCount) {
     Settings.GimbalLockBorder = 0.5 * kDegree;
     for (const char* far : {"89.499", "90.501", "-89.499", "-90.501", "270"}) {
         Type(far);
-        EXPECT_EQ(w.TextRotY.BackColor, kWhite) << far;
+        EXPECT_EQ(trafoWindow.TextRotY.BackColor, kWhite) << far;
     }
     EXPECT_EQ(Questions(), 0U);
     for (const char* near : {"89.501", "90.499", "-89.501", "-90.499"}) {
         Answer("No");
         Type(near);
-        EXPECT_EQ(w.TextRotY.BackColor, kLightRed) << near;
+        EXPECT_EQ(trafoWindow.TextRotY.BackColor, kLightRed) << near;
     }
     EXPECT_EQ(Questions(), 4U);
 }
@@ -115,19 +114,19 @@ TEST_F(GimbalLock, WithABorderOfZeroTheWarningNeverComes) {
     AddTurned(90);
     Open();
     Calculate();
-    SetValue(w.CheckRotY, 0);
+    SetValue(trafoWindow.CheckRotY, 0);
     Type("1");
     Type("90");
     EXPECT_EQ(Questions(), 0U);
-    EXPECT_EQ(w.TextRotY.BackColor, kWhite);
+    EXPECT_EQ(trafoWindow.TextRotY.BackColor, kWhite);
 }
 
 TEST_F(GimbalLock, AHeldRotationAboutXOrZKeepsTheWarningAway) {
     OpenWithRotYHeld();
-    for (Control* const box : {&w.CheckRotX, &w.CheckRotZ}) {
+    for (Control* const box : {&trafoWindow.CheckRotX, &trafoWindow.CheckRotZ}) {
         SetValue(*box, 0);
         Type("90");
-        EXPECT_EQ(w.TextRotY.BackColor, kWhite);
+        EXPECT_EQ(trafoWindow.TextRotY.BackColor, kWhite);
         SetValue(*box, 1);
         Type("0");
     }
@@ -139,7 +138,7 @@ TEST_F(GimbalLock, TextsThatAreNoAngleAreNeverNearTheLock) {
     for (const char* text : {"", "abc", "float", "not used", "NaN", "Infinity", "1e999", "-", "90 x",
                              "90 1e 0", "x 90", "9 0 . 0 0 -", "\xff\xfe"}) {
         Type(text);
-        EXPECT_EQ(w.TextRotY.BackColor, kWhite) << text;
+        EXPECT_EQ(trafoWindow.TextRotY.BackColor, kWhite) << text;
     }
     EXPECT_TRUE(Messages().empty()) << LastMessage();
 }
@@ -164,11 +163,11 @@ TEST_F(GimbalLock, TheAngleIsReadInItsUnitAndDelimiter) {
         Type("0");
         Answer("No");
         Type(example.Text);
-        EXPECT_EQ(w.TextRotY.BackColor, kLightRed) << example.Unit << " " << example.Text;
+        EXPECT_EQ(trafoWindow.TextRotY.BackColor, kLightRed) << example.Unit << " " << example.Text;
     }
     EXPECT_EQ(Questions(), 9U);
     Type("9 0 0,0");  // nine degrees
-    EXPECT_EQ(w.TextRotY.BackColor, kWhite);
+    EXPECT_EQ(trafoWindow.TextRotY.BackColor, kWhite);
 }
 
 TEST_F(GimbalLock, ACalculationThatReachesTheLockAsksOnceAndYesFixesX) {
@@ -178,15 +177,15 @@ TEST_F(GimbalLock, ACalculationThatReachesTheLockAsksOnceAndYesFixesX) {
     Calculate();
     EXPECT_EQ(Questions(), 1U);
     EXPECT_EQ(CalculationWindow.Started, 2U);
-    EXPECT_EQ(w.CheckRotX.Value, 0);
+    EXPECT_EQ(trafoWindow.CheckRotX.Value, 0);
     EXPECT_EQ(Job.RotX, 0);
-    EXPECT_EQ(w.TextRotX.Text, "0.0000");
-    EXPECT_EQ(w.TextRotY.Text, "90.0000");
-    EXPECT_EQ(w.TextRotY.BackColor, kLightRed) << "the colour changes with the text alone";
+    EXPECT_EQ(trafoWindow.TextRotX.Text, "0.0000");
+    EXPECT_EQ(trafoWindow.TextRotY.Text, "90.0000");
+    EXPECT_EQ(trafoWindow.TextRotY.BackColor, kLightRed) << "the colour changes with the text alone";
     EXPECT_LT(LargestMiss(), 1e-6);
     EXPECT_TRUE(IsTrue(Run.CalcDone));
-    EXPECT_TRUE(w.BtnCalculate.Enabled);
-    EXPECT_FALSE(w.BtnSTOP.Enabled);
+    EXPECT_TRUE(trafoWindow.BtnCalculate.Enabled);
+    EXPECT_FALSE(trafoWindow.BtnSTOP.Enabled);
     EXPECT_FALSE(CalculationWindow.Running);
     EXPECT_EQ(::Run.WaitPointers, 0);
     // The next click holds x at 0 too.
@@ -198,10 +197,10 @@ TEST_F(GimbalLock, ACalculationThatReachesTheLockAsksOnceAndYesFixesX) {
 TEST_F(GimbalLock, ACalculationWithXHeldNeverAsks) {
     AddTurned(90, 0.05);
     Open();
-    SetValue(w.CheckRotX, 0);
+    SetValue(trafoWindow.CheckRotX, 0);
     Calculate();
     EXPECT_EQ(Questions(), 0U);
-    EXPECT_EQ(w.TextRotY.BackColor, kWhite);
+    EXPECT_EQ(trafoWindow.TextRotY.BackColor, kWhite);
     EXPECT_LT(LargestMiss(), 1);
 }
 
@@ -212,11 +211,11 @@ TEST_F(GimbalLock, OnNoTheCalculationShowsItsResult) {
     Calculate();
     EXPECT_EQ(Questions(), 1U);
     EXPECT_EQ(CalculationWindow.Started, 1U);
-    EXPECT_EQ(w.TextRotY.BackColor, kLightRed);
-    EXPECT_EQ(w.TextTraX.Text, ShownLength(Job.TraX));
-    EXPECT_NE(w.TextSxyz.Text, "");
-    EXPECT_EQ(w.TextSxyz.Text, ShownLength(Calculation.SigmaXYZ));
-    EXPECT_EQ(w.TextRotY.ToolTip.substr(0, 27), "delta to last calculation: ");
+    EXPECT_EQ(trafoWindow.TextRotY.BackColor, kLightRed);
+    EXPECT_EQ(trafoWindow.TextTraX.Text, ShownLength(Job.TraX));
+    EXPECT_NE(trafoWindow.TextSxyz.Text, "");
+    EXPECT_EQ(trafoWindow.TextSxyz.Text, ShownLength(Calculation.SigmaXYZ));
+    EXPECT_EQ(trafoWindow.TextRotY.ToolTip.substr(0, 27), "delta to last calculation: ");
     EXPECT_TRUE(IsTrue(Run.CalcDone));
 }
 
@@ -239,11 +238,11 @@ TEST_F(GimbalLock, TheRepeatedCalculationIsComparedWithTheOneBeforeItsOwnOnce) {
 TEST_F(GimbalLock, YesWhileEveryChangeCalculatesEndsWithXFixedTo0) {
     AddTurned(90);
     Open();
-    SetValue(w.CheckAutoRec, 1);
+    SetValue(trafoWindow.CheckAutoRec, 1);
     Answer("Yes");
     Calculate();
     EXPECT_EQ(Questions(), 1U);
-    EXPECT_EQ(w.TextRotX.Text, "0.0000");
+    EXPECT_EQ(trafoWindow.TextRotX.Text, "0.0000");
     EXPECT_EQ(Job.RotX, 0);
     EXPECT_TRUE(IsTrue(Job.AutoRecalc));
     EXPECT_LT(LargestMiss(), 1e-6);
@@ -266,7 +265,7 @@ TEST_F(GimbalLock, AWindowClosedWhileTheQuestionStandsEndsTheReport) {
         EXPECT_EQ(CalculationWindow.Started, before + 1);
         EXPECT_EQ(::Run.WaitPointers, 0);
         Open();
-        EXPECT_TRUE(w.BtnCalculate.Enabled);
+        EXPECT_TRUE(trafoWindow.BtnCalculate.Enabled);
         UnloadWindow("FormTrafoBerechnung");
     }
 }
@@ -279,14 +278,14 @@ TEST_F(GimbalLock, AnAngleTypedWhileACalculationRunsAsksForOneMoreBehindIt) {
     Headless.OnYield = [&typed] {
         if (typed) return;
         typed = true;
-        UserSetText(w.TextRotY, "90");
+        UserSetText(trafoWindow.TextRotY, "90");
     };
     Calculate();
     Headless.OnYield = nullptr;
     EXPECT_TRUE(typed);
     EXPECT_EQ(Questions(), 1U);
     EXPECT_EQ(CalculationWindow.Started, 2U);
-    EXPECT_EQ(w.CheckRotX.Value, 0);
+    EXPECT_EQ(trafoWindow.CheckRotX.Value, 0);
     EXPECT_FALSE(CalculationWindow.Running);
 }
 
@@ -313,7 +312,7 @@ TEST_F(GimbalLock, AYesBehindTheSecondSolutionForTheClipboardEndsWithThatCalcula
     Calculate();
     EXPECT_EQ(Questions(), 2U);
     EXPECT_EQ(CalculationWindow.Started, 2U);
-    EXPECT_EQ(w.CheckRotX.Value, 0);
+    EXPECT_EQ(trafoWindow.CheckRotX.Value, 0);
     EXPECT_NEAR(Job.RotX, 0, 1e-12);
     // The line is that of the second calculation: shift and negated rotations of the solution.
     EXPECT_EQ(Headless.Clipboard, "100.000\t200.000\t300.000\t0.0000\t-89.9000\t0.0000\t");

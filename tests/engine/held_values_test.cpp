@@ -5,12 +5,11 @@
 #include "engine/calculation_window.h"
 #include "engine/field_number.h"
 #include "engine/selection.h"
+#include "engine/trafo_window.h"
 
 using namespace corvinade;
 
 namespace {
-
-FormTrafoBerechnung& w = TrafoWindow;
 
 class HeldValues : public CalculationJob {
 protected:
@@ -27,10 +26,10 @@ TEST_F(HeldValues, AUnitChangedKeepsTheValueThatTheUserHasJustTyped) {
     AddPairs();
     Open();
     Calculate();
-    UserSetValue(w.CheckTraZ, 0);
-    UserSetText(w.TextTraZ, "5");
-    UserSetValue(w.CheckRotX, 0);
-    UserSetText(w.TextRotX, "9");
+    UserSetValue(trafoWindow.CheckTraZ, 0);
+    UserSetText(trafoWindow.TextTraZ, "5");
+    UserSetValue(trafoWindow.CheckRotX, 0);
+    UserSetText(trafoWindow.TextRotX, "9");
     Job.LengthUnitName = "meter";
     Job.AngleUnitName = "grad (gon)";
     RhoFestlegung();
@@ -43,12 +42,12 @@ TEST_F(HeldValues, AUnitChangedKeepsTheValueThatTheUserHasJustTyped) {
 TEST_F(HeldValues, AUnitChangedThereAndBackLosesNoDigits) {
     AddPairs();
     Open();
-    UserSetValue(w.CheckTraZ, 0);
-    UserSetText(w.TextTraZ, "0.3217");
-    UserSetValue(w.CheckSeedTrax, 1);
-    UserSetText(w.TextSeedTrax, "12.34567");
-    UserSetValue(w.CheckRotX, 0);
-    UserSetText(w.TextRotX, "-0 30 0.5");
+    UserSetValue(trafoWindow.CheckTraZ, 0);
+    UserSetText(trafoWindow.TextTraZ, "0.3217");
+    UserSetValue(trafoWindow.CheckSeedTrax, 1);
+    UserSetText(trafoWindow.TextSeedTrax, "12.34567");
+    UserSetValue(trafoWindow.CheckRotX, 0);
+    UserSetText(trafoWindow.TextRotX, "-0 30 0.5");
     for (const char* length : {"meter", "inch", "feet", "millimeter"}) {
         Job.LengthUnitName = length;
         Job.AngleUnitName = std::string(length) == "millimeter" ? "degree" : kDegreeMinuteSecond;
@@ -56,7 +55,7 @@ TEST_F(HeldValues, AUnitChangedThereAndBackLosesNoDigits) {
         CalculationWindow_UnitsChanged();
         TakeSelection();
         EXPECT_NEAR(ParameterFromText(kTraZ, Job.ParamText[kTraZ]), 0.3217, 1e-12) << length;
-        EXPECT_NEAR(ParameterFromText(kTraX, w.TextSeedTrax.Text), 12.34567, 1e-12) << length;
+        EXPECT_NEAR(ParameterFromText(kTraX, trafoWindow.TextSeedTrax.Text), 12.34567, 1e-12) << length;
         EXPECT_NEAR(ParameterFromText(kRotX, Job.ParamText[kRotX]), -(0.5 + 0.5 / 3600) * kPi / 180, 1e-14)
             << length;
     }
@@ -65,26 +64,27 @@ TEST_F(HeldValues, AUnitChangedThereAndBackLosesNoDigits) {
 TEST_F(HeldValues, TextsThatAreNoNumbersDoNotStopAChangeOfUnits) {
     AddPairs();
     Open();
-    for (Control* const box : {&w.CheckTraY, &w.CheckTraZ, &w.CheckRotX}) UserSetValue(*box, 0);
-    UserSetText(w.TextTraY, "none");
-    UserSetText(w.TextRotX, "10 - 30");
-    UserSetText(w.TextTraZ, "300");
+    for (Control* const box : {&trafoWindow.CheckTraY, &trafoWindow.CheckTraZ, &trafoWindow.CheckRotX})
+        UserSetValue(*box, 0);
+    UserSetText(trafoWindow.TextTraY, "none");
+    UserSetText(trafoWindow.TextRotX, "10 - 30");
+    UserSetText(trafoWindow.TextTraZ, "300");
     Job.LengthUnitName = "meter";
     RhoFestlegung();
     CalculationWindow_UnitsChanged();
-    EXPECT_EQ(w.TextTraY.Text, "none");
-    EXPECT_EQ(w.TextRotX.Text, "10 - 30");
-    EXPECT_EQ(w.TextTraZ.Text, "0.300");
+    EXPECT_EQ(trafoWindow.TextTraY.Text, "none");
+    EXPECT_EQ(trafoWindow.TextRotX.Text, "10 - 30");
+    EXPECT_EQ(trafoWindow.TextTraZ.Text, "0.300");
     EXPECT_EQ(Main.StatusBar_8.Text, "meter");
 }
 
 TEST_F(HeldValues, TextsThatAreNoNumbersAreWarnedOf) {
     AddPairs();
     Open();
-    UserSetValue(w.CheckTraY, 0);
-    UserSetText(w.TextTraY, "abc");
-    UserSetValue(w.CheckRotZ, 0);
-    UserSetText(w.TextRotZ, "5.5.5");
+    UserSetValue(trafoWindow.CheckTraY, 0);
+    UserSetText(trafoWindow.TextTraY, "abc");
+    UserSetValue(trafoWindow.CheckRotZ, 0);
+    UserSetText(trafoWindow.TextRotZ, "5.5.5");
     Calculate();
     EXPECT_EQ(Job.TraY, 0);
     EXPECT_NEAR(Job.RotZ, 5.5 * kPi / 180, 1e-14);
@@ -95,8 +95,8 @@ TEST_F(HeldValues, TextsThatAreNoNumbersAreWarnedOf) {
               (std::vector<std::string>{"Tra y is held at \"abc\", which is no number and counts as 0",
                                         "Rot z is held at \"5.5.5\", which is no number and counts as 5.5"}));
     for (const char* text : {"7", "7,5", "-1.25e1", "", "0"}) {
-        UserSetText(w.TextTraY, text);
-        UserSetText(w.TextRotZ, "30");
+        UserSetText(trafoWindow.TextTraY, text);
+        UserSetText(trafoWindow.TextRotZ, "30");
         Calculate();
         for (const Note& note : Notes.List) EXPECT_NE(note.Code, NoteCode::HeldText) << note.Text;
     }
@@ -111,13 +111,13 @@ TEST_F(HeldValues, StartValuesThatAreNoNumbersAreWarnedOf) {
     };
     AddPairs();
     Open();
-    UserSetValue(w.CheckSeedTrax, 1);
-    UserSetText(w.TextSeedTrax, "1O0");
-    UserSetText(w.TextSeedTray, "no start of its own");
+    UserSetValue(trafoWindow.CheckSeedTrax, 1);
+    UserSetText(trafoWindow.TextSeedTrax, "1O0");
+    UserSetText(trafoWindow.TextSeedTray, "no start of its own");
     Calculate();
     EXPECT_EQ(texts(),
               std::vector<std::string>{"Tra x starts from \"1O0\", which is no number and counts as 1"});
-    UserSetText(w.TextSeedTrax, "100");
+    UserSetText(trafoWindow.TextSeedTrax, "100");
     Calculate();
     EXPECT_EQ(texts(), std::vector<std::string>{});
 }
@@ -125,22 +125,22 @@ TEST_F(HeldValues, StartValuesThatAreNoNumbersAreWarnedOf) {
 TEST_F(HeldValues, AHeldValueWithMoreDigitsThanShownIsHeldInEveryCalculation) {
     AddPairs();
     Open();
-    UserSetValue(w.Option7Parameter, 1);
-    UserSetValue(w.CheckTraX, 0);
-    UserSetText(w.TextTraX, "99.12345");
-    UserSetValue(w.CheckRotY, 0);
-    UserSetText(w.TextRotY, "20.000012");
-    UserSetValue(w.CheckScaleXYZ, 0);
-    UserSetText(w.TextScaleXYZ, "1.0000004");
+    UserSetValue(trafoWindow.Option7Parameter, 1);
+    UserSetValue(trafoWindow.CheckTraX, 0);
+    UserSetText(trafoWindow.TextTraX, "99.12345");
+    UserSetValue(trafoWindow.CheckRotY, 0);
+    UserSetText(trafoWindow.TextRotY, "20.000012");
+    UserSetValue(trafoWindow.CheckScaleXYZ, 0);
+    UserSetText(trafoWindow.TextScaleXYZ, "1.0000004");
     for (int run = 1; run <= 3; ++run) {
         Calculate();
         EXPECT_NEAR(Job.TraX, 99.12345, 1e-12);
         EXPECT_NEAR(Job.RotY, 20.000012 * kPi / 180, 1e-14);
         EXPECT_NEAR(Job.ScaleX, 1.0000004, 1e-15);
     }
-    UserSetText(w.TextTraX, "99");
+    UserSetText(trafoWindow.TextTraX, "99");
     Calculate();
-    EXPECT_EQ(w.TextTraX.Text, "99.000") << "shown as all lengths are where no digit is lost";
+    EXPECT_EQ(trafoWindow.TextTraX.Text, "99.000") << "shown as all lengths are where no digit is lost";
 }
 
 TEST_F(HeldValues, AHeldAngleBelowOneDegreeKeepsItsSign) {
@@ -148,8 +148,8 @@ TEST_F(HeldValues, AHeldAngleBelowOneDegreeKeepsItsSign) {
     Job.AngleUnitName = kDegreeMinuteSecond;
     RhoFestlegung();
     Open();
-    UserSetValue(w.CheckRotX, 0);
-    UserSetText(w.TextRotX, "-0 30 0");
+    UserSetValue(trafoWindow.CheckRotX, 0);
+    UserSetText(trafoWindow.TextRotX, "-0 30 0");
     Calculate();
     Calculate();
     EXPECT_NEAR(Job.RotX, -0.5 * kPi / 180, 1e-14);
@@ -158,8 +158,8 @@ TEST_F(HeldValues, AHeldAngleBelowOneDegreeKeepsItsSign) {
 TEST_F(HeldValues, AHeldFieldWithTheWordOfAFloatingOneIsHeldAtZero) {
     AddPairs();
     Open();
-    UserSetValue(w.CheckTraX, 0);
-    UserSetText(w.TextTraX, "float");
+    UserSetValue(trafoWindow.CheckTraX, 0);
+    UserSetText(trafoWindow.TextTraX, "float");
     Calculate();
     EXPECT_EQ(Calculation.nFloat, 5);
     EXPECT_EQ(Job.TraX, 0);
@@ -169,17 +169,17 @@ TEST_F(HeldValues, AJobWithAHeldToolVectorComesBackWithIt) {
     AddPairs(8);
     AddPoses();
     Open();
-    UserSetValue(w.CheckUseABC, 1);
+    UserSetValue(trafoWindow.CheckUseABC, 1);
     Calculate();
     Calculate();
-    UserSetValue(w.CheckUseABC, 0);
-    UserSetText(w.TextRvec_x, "12");
-    UserSetText(w.TextRvec_y, "0");
-    UserSetText(w.TextRvec_z, "-5");
+    UserSetValue(trafoWindow.CheckUseABC, 0);
+    UserSetText(trafoWindow.TextRvec_x, "12");
+    UserSetText(trafoWindow.TextRvec_y, "0");
+    UserSetText(trafoWindow.TextRvec_z, "-5");
     Calculate();
     const double x = Job.TraX;
     EXPECT_NEAR(Job.RDist, 13, 1e-12) << "the length of the vector that is held";
-    EXPECT_EQ(w.TextRDist.Text, "13.000");
+    EXPECT_EQ(trafoWindow.TextRDist.Text, "13.000");
     UnloadWindow("FormTrafoBerechnung");
 
     CalculationWindow = {};  // a new program that has opened the job
@@ -212,22 +212,22 @@ TEST_F(HeldValues, TheLengthOfTheToolVectorIsShownInTheLengthUnit) {
     RhoFestlegung();
     AddPoses();
     Open();
-    UserSetValue(w.CheckUseABC, 1);
+    UserSetValue(trafoWindow.CheckUseABC, 1);
     Calculate();
-    EXPECT_EQ(w.TextRDist.Text, ShownLength(Job.RDist));
-    EXPECT_EQ(w.TextRvec_x.Text, ShownLength(Job.Rvec_x));
+    EXPECT_EQ(trafoWindow.TextRDist.Text, ShownLength(Job.RDist));
+    EXPECT_EQ(trafoWindow.TextRvec_x.Text, ShownLength(Job.Rvec_x));
 }
 
 TEST_F(HeldValues, AHeldAngleBeginsInTheTripleThatItBelongsTo) {
     AddPairs();
     Open();
-    UserSetValue(w.CheckRotY, 0);
-    UserSetText(w.TextRotY, "20");
+    UserSetValue(trafoWindow.CheckRotY, 0);
+    UserSetText(trafoWindow.TextRotY, "20");
     Calculate();
     EXPECT_LE(Adjustment.Iterations, 5);
     EXPECT_NEAR(Job.RotX * 180 / kPi, 10, 0.1);
     EXPECT_NEAR(Job.RotZ * 180 / kPi, 30, 0.1);
-    UserSetText(w.TextRotY, "160");
+    UserSetText(trafoWindow.TextRotY, "160");
     Calculate();
     EXPECT_LE(Adjustment.Iterations, 5) << "the other triple of the same rotation";
     EXPECT_NEAR(Job.RotX * 180 / kPi, 10, 0.1) << "the result stands in the nicer one";
@@ -236,10 +236,10 @@ TEST_F(HeldValues, AHeldAngleBeginsInTheTripleThatItBelongsTo) {
 TEST_F(HeldValues, HeldValuesOfAClosedWindowKeepTheirSizeInOtherUnits) {
     AddPairs();
     Open();
-    UserSetValue(w.CheckTraZ, 0);
-    UserSetText(w.TextTraZ, "290");
-    UserSetValue(w.CheckRotX, 0);
-    UserSetText(w.TextRotX, "9");
+    UserSetValue(trafoWindow.CheckTraZ, 0);
+    UserSetText(trafoWindow.TextTraZ, "290");
+    UserSetValue(trafoWindow.CheckRotX, 0);
+    UserSetText(trafoWindow.TextRotX, "9");
     Calculate();
     UnloadWindow("FormTrafoBerechnung");
     ShowWindow("FormUnits");
@@ -250,7 +250,7 @@ TEST_F(HeldValues, HeldValuesOfAClosedWindowKeepTheirSizeInOtherUnits) {
     EXPECT_EQ(Job.ParamText[kRotX], "9");
     EXPECT_EQ(Job.ParamText[kTraX], "float");
     Open();
-    EXPECT_EQ(w.TextTraZ.Text, "0.290");
+    EXPECT_EQ(trafoWindow.TextTraZ.Text, "0.290");
     Calculate();
     EXPECT_NEAR(Job.TraZ, 290, 1e-9);
     EXPECT_NEAR(Job.RotX, 9 * kPi / 180, 1e-14);
@@ -260,19 +260,19 @@ TEST_F(HeldValues, CommasAreDecimalsWhereTheSystemHasThem) {
     Headless.Decimal = ',';
     AddPairs(6, 0);
     Open();
-    UserSetValue(w.CheckTraX, 0);
-    UserSetText(w.TextTraX, "99,5");
-    UserSetValue(w.CheckRotX, 0);
-    UserSetText(w.TextRotX, "10 0 1,5");
+    UserSetValue(trafoWindow.CheckTraX, 0);
+    UserSetText(trafoWindow.TextTraX, "99,5");
+    UserSetValue(trafoWindow.CheckRotX, 0);
+    UserSetText(trafoWindow.TextRotX, "10 0 1,5");
     Calculate();
     EXPECT_EQ(Job.TraX, 99.5);
-    EXPECT_EQ(w.TextTraX.Text, "99,500");
+    EXPECT_EQ(trafoWindow.TextTraX.Text, "99,500");
     EXPECT_NEAR(Job.RotX, (10 + 1.5 / 3600) * kPi / 180, 1e-14);
     Calculate();
     EXPECT_EQ(Job.TraX, 99.5);
     EXPECT_NEAR(Job.RotX, (10 + 1.5 / 3600) * kPi / 180, 1e-14);
-    UserClick(w.BtnSEED);
-    EXPECT_EQ(w.TextSeedTrax.Text, "99,500");
+    UserClick(trafoWindow.BtnSEED);
+    EXPECT_EQ(trafoWindow.TextSeedTrax.Text, "99,500");
 }
 
 TEST_F(HeldValues, AJobFromASystemWithTheOtherDelimiterHoldsTheSameValues) {
@@ -292,21 +292,21 @@ TEST_F(HeldValues, AJobFromASystemWithTheOtherDelimiterHoldsTheSameValues) {
 TEST_F(HeldValues, AnAngleWithBlanksAroundItIsItself) {
     AddPairs(6, 0);
     Open();
-    UserSetValue(w.CheckRotX, 0);
+    UserSetValue(trafoWindow.CheckRotX, 0);
     for (const char* text : {"9", " 9", "9 ", "  9  "}) {
-        UserSetText(w.TextRotX, text);
+        UserSetText(trafoWindow.TextRotX, text);
         Calculate();
         EXPECT_NEAR(Job.RotX * 180 / kPi, 9, 1e-12) << '"' << text << '"';
     }
 }
 
 TEST_F(HeldValues, AUnitChangedInsideALoopOfFitsLeavesTheValueThatItBeganWith) {
-    for (Control* const norm : {&w.OptionL1, &w.OptionLoo}) {
+    for (Control* const norm : {&trafoWindow.OptionL1, &trafoWindow.OptionLoo}) {
         AddPairs(8, 0.5);
         if (!IsLoaded("FormTrafoBerechnung")) Open();
         UserSetValue(*norm, 1);
-        UserSetValue(w.CheckTraZ, 0);
-        UserSetText(w.TextTraZ, "290");
+        UserSetValue(trafoWindow.CheckTraZ, 0);
+        UserSetText(trafoWindow.TextTraZ, "290");
         int yields = 0;
         Headless.OnYield = [&yields] {
             if (++yields != 8) return;

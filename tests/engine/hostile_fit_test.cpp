@@ -43,7 +43,6 @@ protected:
 
 namespace {
 
-const std::array<reference::Real, 18> kTruth = Truth({100, -200, 300, 0.4, -0.7, 2.1, 1, 1, 1, 1});
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 }  // namespace

@@ -80,11 +80,7 @@ protected:
     }
 };
 
-namespace {
-const std::array<reference::Real, 18> kTruth = Truth({100, -200, 300, 0.4, -0.7, 2.1, 1, 1, 1, 1});
-const std::array<reference::Real, 18> kSkewed =
-    Truth({100, -200, 300, 0.4, -0.7, 2.1, 1.1, 0.9, 1.2, 1, 0.02, 0.6, 0.03});
-}  // namespace
+namespace {}  // namespace
 
 TEST_F(MomentRoad, AgreesForSixSevenNineAndTwelveParameters) {
     for (const int parameters : {6, 7, 9, 12}) {

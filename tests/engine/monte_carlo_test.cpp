@@ -10,6 +10,7 @@
 #include "core/records.h"
 #include "core/run.h"
 #include "core/units.h"
+#include "engine/fit_job.h"
 #include "engine/noise.h"
 #include "engine/norm_job.h"
 #include "engine/selection.h"
@@ -26,8 +27,6 @@ void AddNoiseOfSettings(GatheredPoints& points) {
     AddNoise({saved(MonteCarlo.MCSaveX), saved(MonteCarlo.MCSaveY), saved(MonteCarlo.MCSaveZ)},
              {Settings.SigmaX, Settings.SigmaY, Settings.SigmaZ}, Noise, points);
 }
-
-const std::array<reference::Real, 18> kTruth = Truth({100, -200, 300, 0.4, -0.7, 2.1, 1, 1, 1, 1});
 
 class MonteCarloTest : public NormTest {
 protected:

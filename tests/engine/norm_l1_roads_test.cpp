@@ -4,6 +4,7 @@
 #include "core/form_main.h"
 #include "core/run.h"
 #include "core/units.h"
+#include "engine/fit_job.h"
 #include "engine/norm_job.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
@@ -12,7 +13,7 @@ using namespace corvinade;
 
 namespace {
 
-struct Result {
+struct RoadResult {
     std::array<double, kParameterEnd> Parameters{};
     Column v, P;
     Matrix Q;
@@ -26,8 +27,8 @@ struct Result {
 
 class L1Roads : public NormTest {
 protected:
-    static Result FitBy(bool rows) {
-        Result result;
+    static RoadResult FitBy(bool rows) {
+        RoadResult result;
         const std::uint64_t yields = Headless.Yields;
         Job.NormType = kL1;
         NormFit fit{.u = CountUnknowns(Job.ParamText), .n = 3 * Job.Pairs(), .ParamText = Job.ParamText};
@@ -48,7 +49,7 @@ protected:
         return result;
     }
 
-    static Result Rows, Moments;
+    static RoadResult Rows, Moments;
     static void FitByBoth() {
         Rows = FitBy(true);
         Moments = FitBy(false);
@@ -81,14 +82,10 @@ protected:
             EXPECT_EQ(Moments.P[i], Rows.P[i] == 0 ? 0 : 1 / (1e-12 + std::fabs(Moments.v[i]))) << i;
     }
 };
-Result L1Roads::Rows;
-Result L1Roads::Moments;
+RoadResult L1Roads::Rows;
+RoadResult L1Roads::Moments;
 
-namespace {
-const std::array<reference::Real, 18> kTruth = Truth({100, -200, 300, 0.4, -0.7, 2.1, 1, 1, 1, 1});
-const std::array<reference::Real, 18> kSkewed =
-    Truth({100, -200, 300, 0.4, -0.7, 2.1, 1.1, 0.9, 1.2, 1, 0.02, 0.6, 0.03});
-}  // namespace
+namespace {}  // namespace
 
 TEST_F(L1Roads, AgreeForSixSevenNineAndTwelveParameters) {
     for (const int parameters : {6, 7, 9, 12}) {
@@ -198,7 +195,7 @@ TEST_F(L1Roads, AreNoWorseByMomentsWhereHeavyRowsLeaveAnUnknownToLightOnes) {
         AddPair(start, target);
     }
     FloatParameters(kRigid);
-    const Result rows = FitBy(true), moments = FitBy(false);
+    const RoadResult rows = FitBy(true), moments = FitBy(false);
     EXPECT_LE(moments.Sum, rows.Sum + 1e-3);
 }
 
@@ -225,7 +222,7 @@ TEST_F(L1Roads, ALineOfPointsHasAnUnknownThatNoRoadFinds) {
     FloatParameters(kRigid);
     // Whether the last of the fits comes to rest is a matter of rounding: the turn about the line is open.
     // The sums do not depend on it.
-    const Result rows = FitBy(true), moments = FitBy(false);
+    const RoadResult rows = FitBy(true), moments = FitBy(false);
     EXPECT_NEAR(moments.Sum, rows.Sum, 1e-2);
 }
 

@@ -9,6 +9,7 @@
 #include "core/notes.h"
 #include "core/run.h"
 #include "core/units.h"
+#include "engine/fit_job.h"
 #include "engine/norm_job.h"
 #include "engine/selection.h"
 
@@ -17,8 +18,6 @@ using namespace corvinade;
 using Loo = NormTest;
 
 namespace {
-
-const std::array<reference::Real, 18> kTruth = Truth({100, -200, 300, 0.4, -0.7, 2.1, 1, 1, 1, 1});
 
 struct ByHand {
     double Mean = 0, Max = 0;

@@ -6,12 +6,11 @@
 #include "engine/calculation_job.h"
 #include "engine/presets.h"
 #include "engine/selection.h"
+#include "engine/trafo_window.h"
 
 using namespace corvinade;
 
 namespace {
-
-FormTrafoBerechnung& w = TrafoWindow;
 
 class NormTable : public CalculationJob {
 protected:
@@ -39,11 +38,11 @@ struct Choice {
     std::vector<int> Floating;
 };
 // NOLINTNEXTLINE
-const std::vector<Choice> kChoices = {{"level", &w.OptionHoldLevel, {1, 2, 3, 6}},
-                                      {"6", &w.Option6Parameter, {1, 2, 3, 4, 5, 6}},
-                                      {"7", &w.Option7Parameter, {1, 2, 3, 4, 5, 6, 10}},
-                                      {"9", &w.Option9Parameter, {1, 2, 3, 4, 5, 6, 7, 8, 9}},
-                                      {"12", &w.Option12, {1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 12, 13}}};
+const std::vector<Choice> kChoices = {{"level", &trafoWindow.OptionHoldLevel, {1, 2, 3, 6}},
+                                      {"6", &trafoWindow.Option6Parameter, {1, 2, 3, 4, 5, 6}},
+                                      {"7", &trafoWindow.Option7Parameter, {1, 2, 3, 4, 5, 6, 10}},
+                                      {"9", &trafoWindow.Option9Parameter, {1, 2, 3, 4, 5, 6, 7, 8, 9}},
+                                      {"12", &trafoWindow.Option12, {1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 12, 13}}};
 
 }  // namespace
 
@@ -65,7 +64,7 @@ TEST_F(NormTable, NoTwoNormsShareANumberANameOrAnOption) {
     for (const NormRow& norm : Norms()) {
         EXPECT_TRUE(numbers.insert(norm.Number).second) << norm.Name;
         EXPECT_TRUE(labels.insert(norm.Label).second) << norm.Name;
-        EXPECT_TRUE(options.insert(&(w.*norm.Option)).second) << norm.Name;
+        EXPECT_TRUE(options.insert(&(trafoWindow.*norm.Option)).second) << norm.Name;
         EXPECT_EQ(norm.ExactName == nullptr, IsLeastSquares(norm)) << "a loop has a way to its optimum";
     }
     const std::vector<std::string> names = NormNames();
@@ -91,13 +90,14 @@ TEST_F(NormTable, ANameAsksForItsNormAndForTheWayToItsOptimum) {
 TEST_F(NormTable, AnOptionOfTheWindowChoosesItsNormAndAJobItsOption) {
     Open();
     for (const NormRow& norm : Norms()) {
-        UserSetValue(w.*norm.Option, 1);
+        UserSetValue(trafoWindow.*norm.Option, 1);
         EXPECT_EQ(Job.NormType, norm.Number) << norm.Name;
-        EXPECT_EQ(w.CheckMonteCarlo.Enabled, norm.Number == 2) << norm.Name;
+        EXPECT_EQ(trafoWindow.CheckMonteCarlo.Enabled, norm.Number == 2) << norm.Name;
         UnloadWindow("FormTrafoBerechnung");
         Open();
-        EXPECT_EQ((w.*norm.Option).Value, 1) << norm.Name;
-        EXPECT_EQ(w.OptionL1.Value + w.OptionL2.Value + w.OptionLoo.Value, 1) << norm.Name;
+        EXPECT_EQ((trafoWindow.*norm.Option).Value, 1) << norm.Name;
+        EXPECT_EQ(trafoWindow.OptionL1.Value + trafoWindow.OptionL2.Value + trafoWindow.OptionLoo.Value, 1)
+            << norm.Name;
     }
 }
 

@@ -5,12 +5,11 @@
 #include "core/settings.h"
 #include "engine/calculation_job.h"
 #include "engine/clipboard_report.h"
+#include "engine/trafo_window.h"
 
 using namespace corvinade;
 
 namespace {
-
-FormTrafoBerechnung& w = TrafoWindow;
 
 class OpenShown : public CalculationJob {
 protected:
@@ -26,7 +25,7 @@ protected:
         Job.RVecZ.resize(size);
         ::Run.JobDataValid = kTrue;
         Open();
-        SetValue(w.Option9Parameter, 1);
+        SetValue(trafoWindow.Option9Parameter, 1);
         FormTrafoBerechnung::Option9Parameter_Click();
     }
     static std::string LineOf(const std::string& text, const std::string& label) {
@@ -41,11 +40,11 @@ TEST_F(OpenShown, TheWindowSaysOpenInThePlaceOfANumber) {
     OpenPlate(0);
     Calculate();
     ASSERT_TRUE(std::isnan(Calculation.Sigma[kScaleZ]));
-    EXPECT_EQ(w.TextSigmaScaleZ.Text, "-");
-    EXPECT_EQ(w.TextSignifikanzScaleZ.Text, "open");
-    EXPECT_FALSE(w.TextSigmaScaleX.Text.empty());
-    EXPECT_NE(w.TextSigmaScaleX.Text, "-");
-    EXPECT_NE(w.TextSignifikanzScaleX.Text, "open");
+    EXPECT_EQ(trafoWindow.TextSigmaScaleZ.Text, "-");
+    EXPECT_EQ(trafoWindow.TextSignifikanzScaleZ.Text, "open");
+    EXPECT_FALSE(trafoWindow.TextSigmaScaleX.Text.empty());
+    EXPECT_NE(trafoWindow.TextSigmaScaleX.Text, "-");
+    EXPECT_NE(trafoWindow.TextSignifikanzScaleX.Text, "open");
 }
 
 TEST_F(OpenShown, TheProtocolMarksThemAndEndsWithTheNotes) {

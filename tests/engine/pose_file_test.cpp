@@ -1,23 +1,22 @@
 // Orientations of poses from a text file.
 #include "engine/calculation_job.h"
+#include "engine/trafo_window.h"
 
 using namespace corvinade;
 
 namespace {
-
-FormTrafoBerechnung& w = TrafoWindow;
 
 class PosesFromFile : public CalculationJob {
 protected:
     PosesFromFile() {
         AddPairs(3, 0);
         Open();
-        UserSetValue(w.CheckUseABC, 1);
-        UserSetValue(w.CheckRDataKnown, 1);
+        UserSetValue(trafoWindow.CheckUseABC, 1);
+        UserSetValue(trafoWindow.CheckRDataKnown, 1);
     }
     void Load(const std::string& content) {
         Headless.Answers["open"].push_back(Write("poses.txt", content));
-        UserClick(w.BtnLoadRData);
+        UserClick(trafoWindow.BtnLoadRData);
     }
     static double Degrees(int row, int column) { return Job.RobotABC(row, column) * 180 / kPi; }
 };
@@ -75,6 +74,6 @@ TEST_F(PosesFromFile, ABadFileIsToldByLineAndChangesNothing) {
 
 TEST_F(PosesFromFile, ACancelledDialogChangesNothing) {
     Headless.Answers["open"].push_back(std::nullopt);
-    UserClick(w.BtnLoadRData);
+    UserClick(trafoWindow.BtnLoadRData);
     EXPECT_EQ(Job.RobotABC.Rows, -1);
 }

@@ -1,4 +1,4 @@
-// Angles that leave the program make their rotation again, at gimbal lock too.
+// ThreeAngles that leave the program make their rotation again, at gimbal lock too.
 #include "engine/sound_angles.h"
 
 #include <cmath>
@@ -15,13 +15,13 @@
 #include "engine/transform.h"
 #include "fit/matrix.h"
 #include "fit/rotations.h"
+#include "support/degrees.h"
 
 using namespace corvinade;
 
 namespace {
 
-using Angles = std::array<double, 3>;
-constexpr double kDegree = std::numbers::pi / 180;
+using ThreeAngles = std::array<double, 3>;
 
 // The rotation that turns coordinates by the angle about an axis, 0 to 2, written out once more.
 Mat3 Turn(char axis, double t) {
@@ -39,7 +39,7 @@ Mat3 Turn(char axis, double t) {
     if (axis == 'Z') set({c, s, 0, -s, c, 0, 0, 0, 1});
     return R;
 }
-Mat3 Turned(const std::string& axes, const Angles& t) {
+Mat3 Turned(const std::string& axes, const ThreeAngles& t) {
     return MatrixProduct(Turn(axes[2], t[2]), MatrixProduct(Turn(axes[1], t[1]), Turn(axes[0], t[0])));
 }
 double Difference(const Mat3& A, const Mat3& B) {
@@ -68,10 +68,10 @@ TEST_F(SoundAngles, EverySetOfEveryOrderMakesTheRotation) {
                     RotationSolutions found;
                     SoundSolutions(order, R, found);
                     const RotationSolutions plain = SolutionsOfMatrix(order, R);
-                    for (const Angles& set : {found.First, found.Second})
+                    for (const ThreeAngles& set : {found.First, found.Second})
                         EXPECT_LT(Difference(Turned(AxesOf(order), set), R), 1.5e-9)
                             << AxesOf(order) << " " << first << " " << second << " " << third;
-                    for (const Angles& set : {plain.First, plain.Second})
+                    for (const ThreeAngles& set : {plain.First, plain.Second})
                         EXPECT_LT(Difference(Turned(AxesOf(order), set), R), 3e-12) << AxesOf(order);
                 }
 }
@@ -152,7 +152,7 @@ TEST_F(SoundAngles, TheDetailsOfAFrameAtThePoleMakeItInEveryOrder) {
     Job.ScaleX = Job.ScaleY = Job.ScaleZ = 1;
     const SolutionDetails details = DetailsOfSolution();
     for (const RotationOrder order : kRotationOrders)
-        for (const Angles& set : {details.Of(order).First, details.Of(order).Second})
+        for (const ThreeAngles& set : {details.Of(order).First, details.Of(order).Second})
             EXPECT_LT(Difference(Turned(AxesOf(order), set), details.Rotation), 1.5e-9) << AxesOf(order);
     EXPECT_NEAR(details.QuaternionAngles(1), Job.RotX, 1e-12);
 }
@@ -166,7 +166,7 @@ TEST_F(SoundAngles, TheSecondSolutionInTheFieldsIsOneAtThePoleToo) {
     Settings.GimbalLockBorder = 0;
     UserClick(TrafoWindow.BtnSecSolution);
     const auto angle = [](const Control& field) { return Val(field.Text) * kDegree; };
-    const Angles shown = {angle(TrafoWindow.TextRotX), angle(TrafoWindow.TextRotY),
-                          angle(TrafoWindow.TextRotZ)};
+    const ThreeAngles shown = {angle(TrafoWindow.TextRotX), angle(TrafoWindow.TextRotY),
+                               angle(TrafoWindow.TextRotZ)};
     EXPECT_LT(Difference(Turned("XYZ", shown), Turned("XYZ", {Job.RotX, Job.RotY, Job.RotZ})), 1e-5);
 }

@@ -12,7 +12,7 @@
 using namespace corvinade;
 
 using Vectors = Program;
-using Angles = Program;
+using VectorAngles = Program;
 
 namespace {
 
@@ -124,7 +124,7 @@ TEST_F(Vectors, AnImpossibleTriangleSetsTheMessageAndStillDeliversNumbers) {
     }
 }
 
-TEST_F(Angles, ArcCosIsZeroAtBothEndsAndOutside) {
+TEST_F(VectorAngles, ArcCosIsZeroAtBothEndsAndOutside) {
     EXPECT_EQ(ArcCos(1), 0);
     EXPECT_EQ(ArcCos(-1), 0);
     EXPECT_EQ(ArcCos(1.0000001), 0);
@@ -132,14 +132,14 @@ TEST_F(Angles, ArcCosIsZeroAtBothEndsAndOutside) {
     for (const double x : {-0.999, -0.5, 0.0, 0.3, 0.9999}) EXPECT_NEAR(ArcCos(x), std::acos(x), 1e-12);
 }
 
-TEST_F(Angles, ArcSinLosesTheSignAtMinusOne) {
+TEST_F(VectorAngles, ArcSinLosesTheSignAtMinusOne) {
     EXPECT_EQ(ArcSin(1), 3.1415926535 / 2);
     EXPECT_EQ(ArcSin(-1), 3.1415926535 / 2);
     EXPECT_EQ(ArcSin(1.0000001), 0);
     for (const double x : {-0.999, -0.5, 0.0, 0.3, 0.9999}) EXPECT_NEAR(ArcSin(x), std::asin(x), 1e-12);
 }
 
-TEST_F(Angles, WrapBringsAnAngleToPlusMinusPi) {
+TEST_F(VectorAngles, WrapBringsAnAngleToPlusMinusPi) {
     EXPECT_EQ(WrapAngle(0), 0);
     EXPECT_FALSE(std::signbit(WrapAngle(-0.0)));
     EXPECT_EQ(WrapAngle(3.1415926535), 3.1415926535);
@@ -151,7 +151,7 @@ TEST_F(Angles, WrapBringsAnAngleToPlusMinusPi) {
     EXPECT_EQ(WrapAngle(1e30), 0);  // no digit of the angle is left
 }
 
-TEST_F(Angles, AzimuthIsTheDirectionInThePlane) {
+TEST_F(VectorAngles, AzimuthIsTheDirectionInThePlane) {
     EXPECT_EQ(AzimuthAngle(0, 0), 0);
     EXPECT_EQ(AzimuthAngle(-1, 0), 3.1415926535);
     EXPECT_EQ(AzimuthAngle(1, 0), 0);
@@ -161,14 +161,14 @@ TEST_F(Angles, AzimuthIsTheDirectionInThePlane) {
         EXPECT_NEAR(AzimuthAngle(5 * std::cos(angle), 5 * std::sin(angle)), angle, 1e-9);
 }
 
-TEST_F(Angles, ChooseFindsTheAngleOfSineAndCosine) {
+TEST_F(VectorAngles, ChooseFindsTheAngleOfSineAndCosine) {
     for (int degree = -179; degree < 180; degree += 7) {
         const double angle = degree / 180.0 * kPi;
         EXPECT_NEAR(ChooseAngleBySinCos(std::sin(angle), std::cos(angle)), angle, 1e-9) << degree;
     }
 }
 
-TEST_F(Angles, ChooseTrustsTheCosineNearThePoleAndTheSineElsewhere) {
+TEST_F(VectorAngles, ChooseTrustsTheCosineNearThePoleAndTheSineElsewhere) {
     // The sine is wrong by what would be 2.6 degrees at 80 degrees; the cosine is right.
     EXPECT_NEAR(ChooseAngleBySinCos(std::sin(1.4) + 0.01, std::cos(1.4)), 1.4, 1e-9);
     // At 0.2 rad it is the sine that counts.
@@ -176,7 +176,7 @@ TEST_F(Angles, ChooseTrustsTheCosineNearThePoleAndTheSineElsewhere) {
     EXPECT_NEAR(ChooseAngleBySinCos(std::sin(-2.9), std::cos(-2.9) + 0.01), -2.9, 1e-9);
 }
 
-TEST_F(Angles, ChooseMovesItsSectorsWithTheShownUnit) {
+TEST_F(VectorAngles, ChooseMovesItsSectorsWithTheShownUnit) {
     // 45 / 1000 rad with milliradians: an angle of 0.2 rad then counts as steep, and the cosine is taken.
     Units.AngleFactor = 1000;
     const double noisy = std::cos(0.2) - 0.01;
@@ -234,7 +234,7 @@ TEST_F(Vectors, AFlatTriangleIsPossible) {
     }
 }
 
-TEST_F(Angles, WrapTakesWholeTurnsOfTheLibrarysCircle) {
+TEST_F(VectorAngles, WrapTakesWholeTurnsOfTheLibrarysCircle) {
     EXPECT_EQ(WrapAngle(6.283185307), 0);
     // Minus half a turn is one turn short and comes out as plus half a turn.
     EXPECT_EQ(WrapAngle(-3.1415926535), 3.1415926535);
@@ -246,7 +246,7 @@ TEST_F(Angles, WrapTakesWholeTurnsOfTheLibrarysCircle) {
     EXPECT_TRUE(std::isnan(WrapAngle(std::nan(""))));
 }
 
-TEST_F(Angles, ArcCosIsQuarterTurnsAwayFromTheEnds) {
+TEST_F(VectorAngles, ArcCosIsQuarterTurnsAwayFromTheEnds) {
     EXPECT_EQ(ArcCos(0), 2 * std::atan(1.0));  // by the system's pi, not the library's
     EXPECT_EQ(ArcSin(0), 0);
     // Next to -1 it is nearly half a turn, and only at -1 itself 0.
@@ -254,7 +254,7 @@ TEST_F(Angles, ArcCosIsQuarterTurnsAwayFromTheEnds) {
     EXPECT_NEAR(ArcSin(std::nextafter(-1.0, 0.0)), -M_PI / 2, 1e-7);
 }
 
-TEST_F(Angles, AzimuthShowsItsConstantAndTheLibrarysPi) {
+TEST_F(VectorAngles, AzimuthShowsItsConstantAndTheLibrarysPi) {
     // arctan(y / (1e-10 + x)) moves by -y / (x x + y y) 1e-10 against the true direction.
     EXPECT_NEAR(AzimuthAngle(1, 1), M_PI / 4 - 0.5e-10, 1e-15);
     EXPECT_NEAR(AzimuthAngle(-1, 1), 3.1415926535 - M_PI / 4 - 0.5e-10, 1e-15);
@@ -265,7 +265,7 @@ TEST_F(Angles, AzimuthShowsItsConstantAndTheLibrarysPi) {
     EXPECT_NEAR(AzimuthAngle(-1e-10, 1), M_PI / 2 + 3.1415926535 - 6.283185307, 1e-15);
 }
 
-TEST_F(Angles, ChooseAtTheAxesFollowsTheArcsAndTheOrderOfThePairs) {
+TEST_F(VectorAngles, ChooseAtTheAxesFollowsTheArcsAndTheOrderOfThePairs) {
     // All of d12 and d14 are 0 there: the third pair is taken, and of it the sine's member.
     EXPECT_EQ(ChooseAngleBySinCos(0, 1), 0);
     // ArcCos is 0 at -1, so half a turn is not recognised.
@@ -276,7 +276,7 @@ TEST_F(Angles, ChooseAtTheAxesFollowsTheArcsAndTheOrderOfThePairs) {
     EXPECT_NEAR(ChooseAngleBySinCos(-0.999999, std::cos(std::asin(-0.999999))), std::asin(-0.999999), 1e-9);
 }
 
-TEST_F(Angles, ChooseCountsTheLimitsOfItsSectorsAsSteepButNotBeyond) {
+TEST_F(VectorAngles, ChooseCountsTheLimitsOfItsSectorsAsSteepButNotBeyond) {
     const double w = std::atan(0.5 / std::sqrt(0.75));  // sine 0.5
     const double noisy = std::cos(w) - 0.01;
     const auto trustsTheCosine = [&](double sine) {

@@ -26,7 +26,7 @@ std::string Packed(T value, bool bigEndian = false) {
 
 // A turn about z whose cosine is 0.8 and whose sine 0.6, and a shift: of whole numbers it makes decimals that
 // end.
-inline const CloudMotion& Turn() {
+inline const CloudMotion& CloudTurn() {
     static const CloudMotion motion = *MotionOf({0.8, -0.6, 0, 0.6, 0.8, 0, 0, 0, 1}, {10, 20, 30});
     return motion;
 }
@@ -62,7 +62,7 @@ inline CloudRun RunThrough(const std::string& bytes, const std::string& path, co
 }
 
 inline CloudRun Carried(const std::string& bytes, const std::string& path, const CloudWish& wish = {}) {
-    return RunThrough(bytes, path, &Turn(), wish);
+    return RunThrough(bytes, path, &CloudTurn(), wish);
 }
 
 inline CloudRun ReadThrough(const std::string& bytes, const std::string& path, const CloudWish& wish = {}) {

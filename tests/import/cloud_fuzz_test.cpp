@@ -81,7 +81,7 @@ TEST(CloudFuzz, DamageIsRefusedOrHarmless) {
                 }
                 if (damaged.empty()) damaged = "x";
             }
-            const CloudRun run = RunThrough(damaged, name, &Turn(), {}, below(50) + 1);
+            const CloudRun run = RunThrough(damaged, name, &CloudTurn(), {}, below(50) + 1);
             const CloudRun read = RunThrough(damaged, name, nullptr);
             if (run.Error.empty()) {
                 ++good;

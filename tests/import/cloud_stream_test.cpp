@@ -34,7 +34,7 @@ Streamed Stream(const std::string& path, ReadBytes read) {
     const MemoryUse memory;
     CloudInput in(path, std::move(read));
     CloudOutput out([&streamed](std::string_view bytes) { streamed.Bytes += bytes.size(); });
-    CloudTask task = {in, out, &Turn(), {}, {}, {}, 1};
+    CloudTask task = {in, out, &CloudTurn(), {}, {}, {}, 1};
     RunCloud(task);
     streamed.Facts = task.Facts;
     streamed.Peak = memory.Peak();
@@ -88,7 +88,7 @@ TEST(CloudStream, NorWithoutLineEnds) {
     const MemoryUse memory;
     CloudInput in("a.xyz", Repeated("1 2 3\n", std::string(1000, '7'), 1000000));
     CloudOutput out({});
-    CloudTask task = {in, out, &Turn(), {}, {}, {}, 1};
+    CloudTask task = {in, out, &CloudTurn(), {}, {}, {}, 1};
     EXPECT_THROW(RunCloud(task), PlatformError);
     EXPECT_LT(memory.Peak(), std::size_t{200} << 20);
 }

@@ -11,7 +11,7 @@ using namespace corvinade;
 
 namespace {
 
-struct Points {
+struct Expected {
     std::vector<double> X{0}, Y{0}, Z{0};
     void Add(double x, double y, double z) {
         X.push_back(x);
@@ -21,7 +21,7 @@ struct Points {
     operator CoordinateColumns() const { return {X, Y, Z}; }
 };
 
-std::vector<std::int32_t> TwoLoops(const Points& start, const Points& target, float etta) {
+std::vector<std::int32_t> TwoLoops(const Expected& start, const Expected& target, float etta) {
     std::vector<std::int32_t> partner(start.X.size());
     std::vector<bool> used(target.X.size());
     for (std::size_t i = 1; i < start.X.size(); ++i) {
@@ -43,12 +43,12 @@ class CoordinatePairs : public Program {
 protected:
     std::mt19937 random_{3};
     double Uniform(double size) { return std::uniform_real_distribution<double>(-size, size)(random_); }
-    Points Cloud(int count, double size, double grid = 0) {
+    Expected Cloud(int count, double size, double grid = 0) {
         const auto value = [&] {
             const double v = Uniform(size);
             return grid > 0 ? std::round(v / grid) * grid : v;
         };
-        Points points;
+        Expected points;
         for (int i = 0; i < count; ++i) {
             const double x = value(), y = value(), z = value();
             points.Add(x, y, z);
@@ -59,8 +59,8 @@ protected:
 
 TEST_F(CoordinatePairs, RandomSetsPairAsInTheTwoLoops) {
     for (int round = 0; round < 60; ++round) {
-        const Points start = Cloud(static_cast<int>(random_() % 120), 10),
-                     target = Cloud(static_cast<int>(random_() % 120), 10);
+        const Expected start = Cloud(static_cast<int>(random_() % 120), 10),
+                       target = Cloud(static_cast<int>(random_() % 120), 10);
         for (const float etta : {0.0F, -1.0F, 0.5F, 3.0F, 1e9F, 1e11F, std::numeric_limits<float>::infinity(),
                                  std::numeric_limits<float>::quiet_NaN()})
             ASSERT_EQ(PairByCoordinates(start, target, etta), TwoLoops(start, target, etta)) << round;
@@ -69,7 +69,7 @@ TEST_F(CoordinatePairs, RandomSetsPairAsInTheTwoLoops) {
 
 TEST_F(CoordinatePairs, EqualDistancesGoToTheLowestNumber) {
     for (int round = 0; round < 60; ++round) {
-        const Points start = Cloud(150, 3, 1), target = Cloud(150, 3, 1);
+        const Expected start = Cloud(150, 3, 1), target = Cloud(150, 3, 1);
         for (const float etta : {0.5F, 1.0F, 1.5F, 100.0F})
             ASSERT_EQ(PairByCoordinates(start, target, etta), TwoLoops(start, target, etta)) << round;
     }
@@ -77,7 +77,7 @@ TEST_F(CoordinatePairs, EqualDistancesGoToTheLowestNumber) {
 
 TEST_F(CoordinatePairs, VerySmallAndVeryLargeCoordinatesPairAsInTheTwoLoops) {
     for (const double size : {1e-170, 1e-3, 1e9, 1e12, 1e160, 1e308}) {
-        const Points start = Cloud(60, size), target = Cloud(60, size);
+        const Expected start = Cloud(60, size), target = Cloud(60, size);
         for (const float etta : {1e-3F, 1e9F, 3e10F})
             ASSERT_EQ(PairByCoordinates(start, target, etta), TwoLoops(start, target, etta)) << size;
     }
@@ -86,7 +86,7 @@ TEST_F(CoordinatePairs, VerySmallAndVeryLargeCoordinatesPairAsInTheTwoLoops) {
 TEST_F(CoordinatePairs, PointsThatAreNowherePairWithNothing) {
     const double nan = std::numeric_limits<double>::quiet_NaN(),
                  far = std::numeric_limits<double>::infinity();
-    Points start, target;
+    Expected start, target;
     start.Add(nan, 0, 0);
     start.Add(far, 0, 0);
     start.Add(0, 0, 0);
@@ -97,13 +97,13 @@ TEST_F(CoordinatePairs, PointsThatAreNowherePairWithNothing) {
 }
 
 TEST_F(CoordinatePairs, EmptySetsHaveNoPairs) {
-    const Points none, one = Cloud(1, 1);
+    const Expected none, one = Cloud(1, 1);
     EXPECT_EQ(PairByCoordinates(none, one, 10).size(), 1u);
     EXPECT_EQ(PairByCoordinates(one, none, 10), (std::vector<std::int32_t>{0, 0}));
 }
 
 TEST_F(CoordinatePairs, CoincidentPointsPairInTheirOrderAtOnce) {
-    Points start, target;
+    Expected start, target;
     for (int i = 0; i < 30000; ++i) {
         start.Add(1, 2, 3);
         target.Add(1, 2, 3);
@@ -113,7 +113,7 @@ TEST_F(CoordinatePairs, CoincidentPointsPairInTheirOrderAtOnce) {
 }
 
 TEST_F(CoordinatePairs, SetsFarFromEachOtherPairAtOnceWithAHugeTolerance) {
-    Points start, target;
+    Expected start, target;
     for (int i = 0; i < 30000; ++i) {
         start.Add(Uniform(1), Uniform(1), Uniform(1));
         target.Add(1000 + Uniform(1), Uniform(1), Uniform(1));
@@ -128,7 +128,7 @@ TEST_F(CoordinatePairs, SetsFarFromEachOtherPairAtOnceWithAHugeTolerance) {
 }
 
 TEST_F(CoordinatePairs, ALargeSetLetsTheCallerInBeforeTheFirstPointIsSearchedAndCanBeStoppedThere) {
-    Points start, target;
+    Expected start, target;
     for (int i = 0; i < 300000; ++i) {
         start.Add(i, 0, 0);
         target.Add(i, 0, 0);

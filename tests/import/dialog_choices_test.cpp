@@ -13,8 +13,6 @@ using namespace corvinade;
 
 namespace {
 
-enum Kind : int { kDefault, kKuka, kAbb, kFanuc, kXYZABC, kQuaternion, kShape };
-
 class DialogChoices : public InputDialog {
 protected:
     DialogChoices() {

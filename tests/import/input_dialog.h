@@ -13,6 +13,9 @@
 
 using namespace corvinade;
 
+// Places in the list of the kinds.
+enum DialogKind : int { kDefault, kKuka, kAbb, kFanuc, kXYZABC, kQuaternion, kShape };
+
 inline const char* const kStart = "A;0;0;0\r\nB;100;0;0\r\nC;0;200;0\r\nD;0;0;300\r\nE;10;20;30\r\n";
 inline const char* const kTarget = "A;5;6;7\r\nB;105;6;7\r\nC;5;206;7\r\nD;5;6;307\r\nF;1;1;1\r\n";
 

@@ -17,7 +17,7 @@ struct Point {
 const std::vector<Point> kBefore = {{1, 2, 3, 1, 0, 0, 7}, {-5, 10, 0, 0, 0, -1, 255}};
 const std::vector<Point> kAfter = {{9.6F, 22.2F, 33, 0.8F, 0.6F, 0, 7}, {0, 25, 30, 0, 0, -1, 255}};
 
-std::string Header(const std::string& data, const std::string& points = "2") {
+std::string PcdHeader(const std::string& data, const std::string& points = "2") {
     return "# .PCD v0.7 - Point Cloud Data file format\nVERSION 0.7\n"
            "FIELDS label x y z hist normal_x normal_y normal_z\nSIZE 2 4 4 4 1 4 4 4\n"
            "TYPE U F F F I F F F\nCOUNT 1 1 1 1 3 1 1 1\nWIDTH " +
@@ -61,7 +61,7 @@ std::string Literal(const std::string& bytes) {
 
 std::string Compressed(const std::string& bytes, const std::string& points = "2") {
     const std::string packed = Literal(bytes);
-    return Header("binary_compressed", points) + Packed(static_cast<std::uint32_t>(packed.size())) +
+    return PcdHeader("binary_compressed", points) + Packed(static_cast<std::uint32_t>(packed.size())) +
            Packed(static_cast<std::uint32_t>(bytes.size())) + packed;
 }
 
@@ -85,17 +85,17 @@ std::string Decoded(const std::string& packed) {
 }
 
 TEST(PcdCloud, BinaryKeepsEverythingButPointsAndNormals) {
-    const CloudRun run = Carried(Header("binary") + Rows(kBefore), "a.pcd");
+    const CloudRun run = Carried(PcdHeader("binary") + Rows(kBefore), "a.pcd");
     EXPECT_EQ(run.Error, "");
-    EXPECT_EQ(run.Out, Header("binary") + Rows(kAfter));
+    EXPECT_EQ(run.Out, PcdHeader("binary") + Rows(kAfter));
     EXPECT_EQ(run.Facts.Points, 2);
 }
 
 TEST(PcdCloud, ACompressedOneIsCompressedAgain) {
     for (const std::size_t most : {1U, 1U << 20}) {
-        const CloudRun run = RunThrough(Compressed(ByFields(kBefore)), "a.pcd", &Turn(), {}, most);
+        const CloudRun run = RunThrough(Compressed(ByFields(kBefore)), "a.pcd", &CloudTurn(), {}, most);
         EXPECT_EQ(run.Error, "");
-        const std::string head = Header("binary_compressed"), expected = ByFields(kAfter);
+        const std::string head = PcdHeader("binary_compressed"), expected = ByFields(kAfter);
         ASSERT_TRUE(run.Out.starts_with(head));
         const std::string packed = run.Out.substr(head.size() + 8);
         EXPECT_EQ(run.Out.substr(head.size(), 8), Packed(static_cast<std::uint32_t>(packed.size())) +
@@ -106,15 +106,16 @@ TEST(PcdCloud, ACompressedOneIsCompressedAgain) {
 
 TEST(PcdCloud, TextKeepsItsColumns) {
     const CloudRun run =
-        Carried(Header("ascii") + "7 1 2 3 9 8 7 1 0 0\n255 -5 10.0 0 9 8 7 0 0 -1\n", "a.pcd");
-    EXPECT_EQ(run.Out, Header("ascii") +
+        Carried(PcdHeader("ascii") + "7 1 2 3 9 8 7 1 0 0\n255 -5 10.0 0 9 8 7 0 0 -1\n", "a.pcd");
+    EXPECT_EQ(run.Out, PcdHeader("ascii") +
                            "7 9.600 22.200 33.000 9 8 7 0.800000 0.600000 0.000000\n"
                            "255 0.000 25.000 30.000 9 8 7 0.000000 0.000000 -1.000000\n");
 }
 
 TEST(PcdCloud, AllFormsGiveTheSamePoints) {
-    for (const std::string& file : {Header("binary") + Rows(kBefore), Compressed(ByFields(kBefore)),
-                                    Header("ascii") + "7 1 2 3 9 8 7 1 0 0\n255 -5 10.0 0 9 8 7 0 0 -1\n"}) {
+    for (const std::string& file :
+         {PcdHeader("binary") + Rows(kBefore), Compressed(ByFields(kBefore)),
+          PcdHeader("ascii") + "7 1 2 3 9 8 7 1 0 0\n255 -5 10.0 0 9 8 7 0 0 -1\n"}) {
         const CloudRun run = ReadThrough(file, "a.pcd");
         ASSERT_EQ(run.Points.size(), 2U) << run.Error;
         EXPECT_EQ(run.Points[1].At, (std::array<double, 3>{-5, 10, 0}));
@@ -126,11 +127,11 @@ TEST(PcdCloud, PointsOfAnOrganisedCloudThatAreMissingStay) {
     before[0].X = after[0].X = std::numeric_limits<float>::quiet_NaN();
     after[0].Y = before[0].Y;
     after[0].Z = before[0].Z;
-    const CloudRun run = Carried(Header("binary") + Rows(before), "a.pcd");
-    EXPECT_EQ(run.Out, Header("binary") + Rows(after));
+    const CloudRun run = Carried(PcdHeader("binary") + Rows(before), "a.pcd");
+    EXPECT_EQ(run.Out, PcdHeader("binary") + Rows(after));
     EXPECT_EQ(run.Facts.NotFinite, 1);
-    EXPECT_EQ(Carried(Header("ascii", "1") + "7 nan nan nan 9 8 7 nan nan nan\n", "a.pcd").Out,
-              Header("ascii", "1") + "7 nan nan nan 9 8 7 nan nan nan\n");
+    EXPECT_EQ(Carried(PcdHeader("ascii", "1") + "7 nan nan nan 9 8 7 nan nan nan\n", "a.pcd").Out,
+              PcdHeader("ascii", "1") + "7 nan nan nan 9 8 7 nan nan nan\n");
 }
 
 TEST(PcdCloud, DamagedFilesAreRefused) {
@@ -142,17 +143,17 @@ TEST(PcdCloud, DamagedFilesAreRefused) {
     const auto has = [&refusal](const std::string& bytes, const std::string& what) {
         EXPECT_NE(refusal(bytes).find(what), std::string::npos) << refusal(bytes);
     };
-    const std::string binary = Header("binary") + Rows(kBefore), packed = Compressed(ByFields(kBefore));
+    const std::string binary = PcdHeader("binary") + Rows(kBefore), packed = Compressed(ByFields(kBefore));
     for (std::size_t length = 0; length < binary.size(); ++length) refusal(binary.substr(0, length));
     for (std::size_t length = 0; length < packed.size(); ++length) refusal(packed.substr(0, length));
     has(binary.substr(0, binary.size() - 1), "1 of 2 points are there");
-    has(Header("binary", "1000000000000000000") + Rows(kBefore), "2 of 1000000000000000000 points");
-    has(Header("binary") + Rows(kBefore) + Rows(kBefore), "more stands behind");
-    has(Header("ascii") + "7 1 2 3 9 8 7 1 0 0\n", "1 of 2 points are there");
-    has(Header("ascii", "1") + "7 1 2 3 9 8 7 1 0 0\n7 1 2 3 9 8 7 1 0 0\n", "line 13: more stands");
-    has(Header("ascii") + "7 1 2 3 9 8\n", "line 12: it has 6 values, and its header 10");
-    has(Header("base64"), "line 11: \"base64\" is no form");
-    has(Header("binary", "-2"), "line 7: \"-2\" is no count");
+    has(PcdHeader("binary", "1000000000000000000") + Rows(kBefore), "2 of 1000000000000000000 points");
+    has(PcdHeader("binary") + Rows(kBefore) + Rows(kBefore), "more stands behind");
+    has(PcdHeader("ascii") + "7 1 2 3 9 8 7 1 0 0\n", "1 of 2 points are there");
+    has(PcdHeader("ascii", "1") + "7 1 2 3 9 8 7 1 0 0\n7 1 2 3 9 8 7 1 0 0\n", "line 13: more stands");
+    has(PcdHeader("ascii") + "7 1 2 3 9 8\n", "line 12: it has 6 values, and its header 10");
+    has(PcdHeader("base64"), "line 11: \"base64\" is no form");
+    has(PcdHeader("binary", "-2"), "line 7: \"-2\" is no count");
     has(Compressed(ByFields(kBefore), "3"), "its header counts 3 points of");
     has("# .PCD v0.7\nFIELDS x y z\nSIZE 4 4 4\nTYPE F F\nWIDTH 1\nHEIGHT 1\nPOINTS 1\nDATA ascii\n1 2 3\n",
         "not the same number");
@@ -165,12 +166,12 @@ TEST(PcdCloud, DamagedFilesAreRefused) {
         "whole-number type");
     // A reference in front of the beginning.
     std::string damaged = packed;
-    damaged[Header("binary_compressed").size() + 8] = '\x20';
+    damaged[PcdHeader("binary_compressed").size() + 8] = '\x20';
     has(damaged, "damaged");
 }
 
 TEST(PcdCloud, AViewpointOfItsOwnIsTold) {
-    std::string file = Header("ascii", "1") + "7 1 2 3 9 8 7 1 0 0\n";
+    std::string file = PcdHeader("ascii", "1") + "7 1 2 3 9 8 7 1 0 0\n";
     EXPECT_FALSE(Carried(file, "a.pcd").Facts.HasViewpoint);
     file.replace(file.find("VIEWPOINT 0"), 11, "VIEWPOINT 5");
     EXPECT_TRUE(Carried(file, "a.pcd").Facts.HasViewpoint);

@@ -12,9 +12,9 @@ struct Vertex {
     double X, Y, Z, NX, NY, NZ;
     int Red;
 };
-const std::vector<Vertex> kBefore = {{1, 2, 3, 1, 0, 0, 7}, {-5, 10, 0, 0, 0, -1, 255}};
+const std::vector<Vertex> kVerticesBefore = {{1, 2, 3, 1, 0, 0, 7}, {-5, 10, 0, 0, 0, -1, 255}};
 // X = 0.8 x - 0.6 y + 10, Y = 0.6 x + 0.8 y + 20, Z = z + 30
-const std::vector<Vertex> kAfter = {{9.6, 22.2, 33, 0.8, 0.6, 0, 7}, {0, 25, 30, 0, 0, -1, 255}};
+const std::vector<Vertex> kVerticesAfter = {{9.6, 22.2, 33, 0.8, 0.6, 0, 7}, {0, 25, 30, 0, 0, -1, 255}};
 
 const std::string kElements =
     "comment made by hand\nobj_info of a scanner\nelement camera 1\nproperty list uchar short ids\n"
@@ -22,7 +22,7 @@ const std::string kElements =
     "property TYPE z\nproperty float nx\nproperty float ny\nproperty float nz\n"
     "element face 2\nproperty list uchar int vertex_indices\nproperty float quality\nend_header\n";
 
-std::string Header(const std::string& format, const std::string& type) {
+std::string PlyHeader(const std::string& format, const std::string& type) {
     std::string text = "ply\nformat " + format + " 1.0\n" + kElements;
     for (std::size_t at = 0; (at = text.find("TYPE")) != std::string::npos;) text.replace(at, 4, type);
     return text;
@@ -31,7 +31,7 @@ std::string Header(const std::string& format, const std::string& type) {
 template <class T>
 std::string Binary(const std::vector<Vertex>& vertices, bool big) {
     std::string bytes =
-        Header(big ? "binary_big_endian" : "binary_little_endian", sizeof(T) == 4 ? "float" : "float64");
+        PlyHeader(big ? "binary_big_endian" : "binary_little_endian", sizeof(T) == 4 ? "float" : "float64");
     bytes += '\2' + Packed<std::int16_t>(7, big) + Packed<std::int16_t>(-8, big) + Packed(3.5, big);
     for (const Vertex& v : vertices) {
         bytes += static_cast<char>(v.Red);
@@ -45,13 +45,14 @@ std::string Binary(const std::vector<Vertex>& vertices, bool big) {
 
 TEST(PlyCloud, BinaryKeepsEverythingButPointsAndNormals) {
     for (const bool big : {false, true}) {
-        EXPECT_EQ(Carried(Binary<float>(kBefore, big), "a.ply").Out, Binary<float>(kAfter, big));
-        const CloudRun run = Carried(Binary<double>(kBefore, big), "a");
+        EXPECT_EQ(Carried(Binary<float>(kVerticesBefore, big), "a.ply").Out,
+                  Binary<float>(kVerticesAfter, big));
+        const CloudRun run = Carried(Binary<double>(kVerticesBefore, big), "a");
         EXPECT_EQ(run.Error, "");
         EXPECT_EQ(run.Facts.Points, 2);
-        EXPECT_EQ(run.Out.size(), Binary<double>(kAfter, big).size());
+        EXPECT_EQ(run.Out.size(), Binary<double>(kVerticesAfter, big).size());
         // In doubles 0.8 x - 0.6 y is off by its rounding: the way back is nearer than that.
-        const std::string expected = Binary<double>(kAfter, big);
+        const std::string expected = Binary<double>(kVerticesAfter, big);
         const std::size_t vertices = expected.find("end_header\n") + 11 + 5 + 8;
         for (std::size_t i = 0; i < expected.size(); ++i)
             if (i < vertices || i >= vertices + 2 * 37) {
@@ -69,14 +70,14 @@ TEST(PlyCloud, BinaryKeepsEverythingButPointsAndNormals) {
 
 TEST(PlyCloud, AFileThatComesByteByByteGivesTheSame) {
     for (const std::size_t most : {1U, 7U, 4096U})
-        EXPECT_EQ(RunThrough(Binary<float>(kBefore, true), "a.ply", &Turn(), {}, most).Out,
-                  Binary<float>(kAfter, true));
+        EXPECT_EQ(RunThrough(Binary<float>(kVerticesBefore, true), "a.ply", &CloudTurn(), {}, most).Out,
+                  Binary<float>(kVerticesAfter, true));
 }
 
 TEST(PlyCloud, TextKeepsLinesAndColumns) {
-    const std::string before = Header("ascii", "float") +
+    const std::string before = PlyHeader("ascii", "float") +
                                "2 7 -8 3.5\n7 1 2 3 1 0 0\n\n255  -5\t10.0 0 0 0 -1 \r\n3 0 1 0 .5\n0 1.5";
-    const std::string after = Header("ascii", "float") +
+    const std::string after = PlyHeader("ascii", "float") +
                               "2 7 -8 3.5\n7 9.600 22.200 33.000 0.800000 0.600000 0.000000\n\n"
                               "255  0.000\t25.000 30.000 0.000000 0.000000 -1.000000 \r\n3 0 1 0 .5\n0 1.5";
     EXPECT_EQ(Carried(before, "a.ply").Out, after);
@@ -115,7 +116,7 @@ TEST(PlyCloud, ListsOfAVertexMoveWhatStandsBehindThem) {
         }
         return bytes;
     };
-    EXPECT_EQ(Carried(binary(kBefore), "a.ply").Out, binary(kAfter));
+    EXPECT_EQ(Carried(binary(kVerticesBefore), "a.ply").Out, binary(kVerticesAfter));
 }
 
 TEST(PlyCloud, NormalsOfFacesTurnToo) {
@@ -130,7 +131,8 @@ TEST(PlyCloud, NormalsOfFacesTurnToo) {
 }
 
 TEST(PlyCloud, ItsPointsAreNumbered) {
-    for (const std::string& bytes : {Binary<float>(kBefore, false), Binary<double>(kBefore, true)}) {
+    for (const std::string& bytes :
+         {Binary<float>(kVerticesBefore, false), Binary<double>(kVerticesBefore, true)}) {
         const CloudRun run = ReadThrough(bytes, "a.ply");
         ASSERT_EQ(run.Points.size(), 2U) << run.Error;
         EXPECT_EQ(run.Points[1].At, (std::array<double, 3>{-5, 10, 0}));
@@ -192,7 +194,7 @@ TEST(PlyCloud, DamagedHeadersAreRefusedWithTheirLine) {
 }
 
 TEST(PlyCloud, WhatIsCutOffIsRefused) {
-    const std::string whole = Binary<float>(kBefore, false);
+    const std::string whole = Binary<float>(kVerticesBefore, false);
     for (std::size_t length = 3; length < whole.size(); ++length)
         EXPECT_TRUE(Carried(whole.substr(0, length), "a.ply").Error.starts_with("Cannot read \"a.ply\""))
             << length;
@@ -219,8 +221,9 @@ TEST(PlyCloud, MoreThanTheHeaderCountsIsRefused) {
         Refusal("element vertex 1\n" + kXyz + "end_header\n" + std::string(24, '\0'), "binary_little_endian")
             .find("more stands"),
         std::string::npos);
-    const std::string ended = Binary<float>(kBefore, false) + "\n";
-    EXPECT_EQ(Carried(ended, "a.ply").Out, Binary<float>(kAfter, false) + "\n") << "a line end is nothing";
+    const std::string ended = Binary<float>(kVerticesBefore, false) + "\n";
+    EXPECT_EQ(Carried(ended, "a.ply").Out, Binary<float>(kVerticesAfter, false) + "\n")
+        << "a line end is nothing";
 }
 
 TEST(PlyCloud, ListsOfNegativeAndOfHugeLengthAreRefused) {

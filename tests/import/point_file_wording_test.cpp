@@ -99,7 +99,7 @@ void PlainDelimiter(const Lines& lines, char decimal, char& delimiter) {
     if (result != 0) delimiter = candidates[static_cast<std::size_t>(result - 1)];
 }
 
-struct Outcome {
+struct PointOutcome {
     bool Failed = false;
     std::string Error;  // a platform error
     Lines Messages;
@@ -108,10 +108,10 @@ struct Outcome {
     std::vector<TaggedValue> X;
     std::vector<double> Z;
 
-    bool operator==(const Outcome&) const = default;
+    bool operator==(const PointOutcome&) const = default;
 };
 
-std::ostream& operator<<(std::ostream& out, const Outcome& outcome) {
+std::ostream& operator<<(std::ostream& out, const PointOutcome& outcome) {
     out << (outcome.Failed ? "failed" : "good") << " [" << outcome.Delimiter << "] " << outcome.Error << "\n";
     for (const std::string& message : outcome.Messages) out << message << "\n";
     for (std::size_t i = 1; i < outcome.Name.size(); ++i)
@@ -127,7 +127,7 @@ struct Surroundings {
 };
 
 // Check_DecimalDelimiter; changes the lines as the file is changed.
-void PlainDecimalCheck(Lines& lines, const Surroundings& at, char delimiter, Outcome& out) {
+void PlainDecimalCheck(Lines& lines, const Surroundings& at, char delimiter, PointOutcome& out) {
     const std::string file = "File: " + at.Path + "\r\n\r\n";
     int dots = 0, commas = 0, lastSum = 0, row = 0;
     for (std::string line : lines) {
@@ -173,8 +173,8 @@ void PlainDecimalCheck(Lines& lines, const Surroundings& at, char delimiter, Out
 }
 
 // Reads start points from lines that CR LF ends.
-Outcome PlainRead(Lines lines, const Surroundings& at) {
-    Outcome out;
+PointOutcome PlainRead(Lines lines, const Surroundings& at) {
+    PointOutcome out;
     for (const std::string& line : lines) out.File += line + "\r\n";
     char delimiter = at.Delimiter;
     PlainDelimiter(lines, at.Decimal, delimiter);
@@ -255,7 +255,7 @@ Outcome PlainRead(Lines lines, const Surroundings& at) {
 
 class PointFileWording : public Program {
 protected:
-    Outcome Read(const Lines& lines, const Surroundings& at) {
+    PointOutcome Read(const Lines& lines, const Surroundings& at) {
         std::string content;
         for (const std::string& line : lines) content += line + "\r\n";
         Headless.Dialogs.clear();
@@ -269,7 +269,7 @@ protected:
         Job = JobRecord{};
         Job.PathMCS = at.Path;
         Job.PathOCS = target_;
-        Outcome out;
+        PointOutcome out;
         Write("start.txt", content);
         Write("target.txt", "A*1*1*1*\r\n");
         bool started = false;
@@ -331,8 +331,8 @@ TEST_F(PointFileWording, EveryFileIsReadAsTheRulesSay) {
         }
         while (random_() % 5 == 0) lines.emplace_back();
 
-        Outcome expected = PlainRead(lines, at);
-        const Outcome actual = Read(lines, at);
+        PointOutcome expected = PlainRead(lines, at);
+        const PointOutcome actual = Read(lines, at);
         if (!expected.Failed && expected.Error.empty()) {
             expected.Delimiter.clear();
             ++good;
@@ -359,7 +359,7 @@ TEST_F(PointFileWording, DecimalDelimitersAreCountedThroughTheWholeFile) {
     at.Path = PathOf("start.txt");
     EXPECT_FALSE(Read(lines, at).Failed);
     lines[1990] = "P\t1\t2,5\t3";
-    const Outcome both = Read(lines, at);
+    const PointOutcome both = Read(lines, at);
     EXPECT_TRUE(both.Failed);
     ASSERT_EQ(both.Messages.size(), 1u);
     EXPECT_NE(both.Messages[0].find("Found both possible"), std::string::npos);

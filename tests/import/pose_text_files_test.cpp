@@ -10,13 +10,12 @@
 #include "core/units.h"
 #include "import/point_file.h"
 #include "import/robot_files.h"
+#include "support/degrees.h"
 #include "support/fixture.h"
 
 using namespace corvinade;
 
 namespace {
-
-constexpr double kDegree = std::numbers::pi / 180;
 
 class PoseTexts : public Program {
 protected:

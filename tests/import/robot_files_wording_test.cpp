@@ -32,7 +32,7 @@ struct Pose {
     std::array<double, 4> Q{};  // the quaternion, where the angles are any that turn as it does
 };
 
-struct Outcome {
+struct RobotOutcome {
     int Error = -1;    // line; -1 = none
     long Places = -1;  // for poses; -1 = the job is as it was
     Lines Messages;    // the first line of each
@@ -90,7 +90,7 @@ double Number(const std::string& text, int line) {
 struct Reader {
     Lines All;
     std::size_t Next = 0;  // lines read so far
-    Outcome Out;
+    RobotOutcome Out;
     std::array<double, 3> Max{-1e10, -1e10, -1e10}, Min{1e10, 1e10, 1e10};
     double AngleFactor = Units.AngleFactor;
 
@@ -122,7 +122,7 @@ struct Reader {
         return n;
     }
     template <class Steps>
-    Outcome Run(Steps steps) {
+    RobotOutcome Run(Steps steps) {
         try {
             steps(*this);
         } catch (const Bad& bad) {
@@ -287,7 +287,7 @@ void PlainAbb(Reader& r) {
 class RobotFilesWording : public Program {
 protected:
     // What the reader gives, in the same form; checks what stands beside it.
-    Outcome Read(PoseReader reader, const Lines& lines, bool lastEnd) {
+    RobotOutcome Read(PoseReader reader, const Lines& lines, bool lastEnd) {
         std::string content;
         for (const std::string& line : lines) content += line + (random_() % 2 == 0 ? "\n" : "\r\n");
         if (!lastEnd)
@@ -296,7 +296,7 @@ protected:
         Job = JobRecord{};
         Headless.Dialogs.clear();
         ForgetNotes();
-        Outcome out;
+        RobotOutcome out;
         try {
             reader({path});
         } catch (const PlatformError& error) {
@@ -326,7 +326,7 @@ protected:
         if (out.Places >= 0) out.Spans = {::Run.SpanA, ::Run.SpanB, ::Run.SpanC};
         return out;
     }
-    static bool Same(const Outcome& a, const Outcome& b) {
+    static bool Same(const RobotOutcome& a, const RobotOutcome& b) {
         bool ownAngles = false;
         const auto same = [&ownAngles](const Pose& p, const Pose& q) {
             const bool turned = q.Q != std::array<double, 4>{};
@@ -392,9 +392,9 @@ protected:
             // A lone CR would end a line, and a file of nothing has no last line to leave open.
             const bool lastEnd = lines.empty() || random_() % 2 == 0;
             while (!lastEnd && !lines.empty() && lines.back().empty()) lines.pop_back();
-            Outcome expected = Reader{.All = lines}.Run(steps);
+            RobotOutcome expected = Reader{.All = lines}.Run(steps);
             if (isFanuc && expected.Error >= 0) expected.Messages = {"Error while importing FANUC Data"};
-            const Outcome actual = Read(reader, lines, lastEnd);
+            const RobotOutcome actual = Read(reader, lines, lastEnd);
             std::string all;
             for (const std::string& line : lines) all += line + "\n";
             ASSERT_TRUE(Same(actual, expected))

@@ -6,13 +6,11 @@
 #include "core/job.h"
 #include "core/settings.h"
 #include "import/input_dialog.h"
+#include "support/degrees.h"
 
 using namespace corvinade;
 
 namespace {
-
-constexpr double kDegree = std::numbers::pi / 180;
-enum Kind : int { kDefault, kKuka, kAbb, kFanuc, kXYZABC, kQuaternion };
 
 // Eleven poses with their start points under the same numbers, in another order. Pose i stands at
 // (100 i, 10 i², i³) and has the angles i, 2 i, 3 i degrees.
@@ -38,7 +36,7 @@ protected:
                 sz * cy * cx - cz * sy * sx};
     }
     // The poses as a program of a kind; text files have them from the last to the first.
-    static std::string Program(Kind kind) {
+    static std::string Program(DialogKind kind) {
         std::string text = kind == kFanuc ? "/PROG  T\r\n/POS\r\n" : kind == kAbb ? "MODULE T\r\n" : "";
         const bool isText = kind == kXYZABC || kind == kQuaternion;
         for (int k = 1; k <= kPoses; ++k) {
@@ -70,12 +68,12 @@ protected:
                        : isText       ? ""
                                       : "ENDDAT\r\n");
     }
-    void OpenKind(Kind kind, const std::string& program) {
+    void OpenKind(DialogKind kind, const std::string& program) {
         target_ = Write("program.txt", program);
         Open();
         UserSetIndex(InputFiles.ComboOCS_Data, kind);
     }
-    void ImportKind(Kind kind) {
+    void ImportKind(DialogKind kind) {
         OpenKind(kind, Program(kind));
         if (IsTrue(Run.JobDataValid)) Answer("message", "Yes");
         UserClick(InputFiles.BtnOK);
@@ -98,7 +96,7 @@ protected:
 }  // namespace
 
 TEST_F(RobotImport, EveryKindGivesTheSamePosesEachWithItsPoint) {
-    for (const Kind kind : {kKuka, kFanuc, kXYZABC, kQuaternion}) {
+    for (const DialogKind kind : {kKuka, kFanuc, kXYZABC, kQuaternion}) {
         ImportKind(kind);
         EXPECT_TRUE(IsTrue(Run.JobDataValid)) << kind << ": " << LastMessage();
         EXPECT_EQ(Job.Pairs(), kPoses);
@@ -130,7 +128,7 @@ TEST_F(RobotImport, StartPointsOfAModuleAreNumberedInTheirOrder) {
 
 TEST_F(RobotImport, PosesWithoutAStartPointFollowBehindThePairs) {
     start_ = Write("start.txt", "7;0;0;0\r\nA;1;1;1\r\n10;2;2;2\r\n2;3;3;3\r\n");
-    for (const Kind kind : {kKuka, kFanuc, kXYZABC, kQuaternion}) {
+    for (const DialogKind kind : {kKuka, kFanuc, kXYZABC, kQuaternion}) {
         ImportKind(kind);
         EXPECT_EQ(Job.Pairs(), 3);
         ExpectWholePoses();
@@ -147,7 +145,7 @@ TEST_F(RobotImport, ByDistanceThePosesAreThoseOfTheProgram) {
         start += "N" + std::to_string(i) + ";" + std::to_string(-10 * i * i) + ";" +
                  std::to_string(100 * i + 7) + ";" + std::to_string(i * i * i - 90) + "\r\n";
     start_ = Write("start.txt", start);
-    for (const Kind kind : {kKuka, kAbb, kFanuc, kXYZABC, kQuaternion}) {
+    for (const DialogKind kind : {kKuka, kAbb, kFanuc, kXYZABC, kQuaternion}) {
         ::Run.RobotFileHasId = kFalse;
         OpenKind(kind, Program(kind));
         UserSetValue(InputFiles.OptionByDis, 1);
@@ -168,7 +166,7 @@ TEST_F(RobotImport, ByDistanceThePosesAreThoseOfTheProgram) {
 }
 
 TEST_F(RobotImport, RenamingNeverWritesToAProgram) {
-    for (const Kind kind : {kKuka, kAbb, kFanuc, kXYZABC, kQuaternion}) {
+    for (const DialogKind kind : {kKuka, kAbb, kFanuc, kXYZABC, kQuaternion}) {
         OpenKind(kind, Program(kind));
         UserSetValue(InputFiles.OptionByCoordinate, 1);
         UserSetValue(InputFiles.CheckRenameOCS, 1);
@@ -183,8 +181,8 @@ TEST_F(RobotImport, RenamingNeverWritesToAProgram) {
 }
 
 TEST_F(RobotImport, AnErrorInTheProgramEndsTheImportWithTheTargetPathPutBack) {
-    const std::array<Kind, 5> kinds = {kKuka, kAbb, kFanuc, kXYZABC, kQuaternion};
-    for (const Kind kind : kinds) {
+    const std::array<DialogKind, 5> kinds = {kKuka, kAbb, kFanuc, kXYZABC, kQuaternion};
+    for (const DialogKind kind : kinds) {
         std::string program = Program(kind);
         program.replace(program.find("640"), 3, kind == kXYZABC || kind == kQuaternion ? ";;;;;;" : "6+0");
         OpenKind(kind, program);
@@ -219,7 +217,7 @@ TEST_F(RobotImport, PointsWithoutOrientationTakeThoseOfTheOldPointsAway) {
 
 TEST_F(RobotImport, TheStatisticShowsTheSpansOfTwoKindsAlone) {
     ShowWindow("FormInputStatistic");
-    for (const Kind kind : {kKuka, kAbb, kFanuc, kXYZABC, kQuaternion}) {
+    for (const DialogKind kind : {kKuka, kAbb, kFanuc, kXYZABC, kQuaternion}) {
         ImportKind(kind);
         EXPECT_NEAR(Run.SpanB, 20 * kDegree, 1e-9) << "computed for every kind";
         const bool shown = kind == kKuka || kind == kQuaternion;
@@ -238,7 +236,7 @@ TEST_F(RobotImport, TheRestOfTheJobIsNotTouched) {
     Job.NormType = 3;
     Job.nSavedViews = 4;
     Job.UseFlags = {0, 1, 0, 1};
-    for (const Kind kind : {kKuka, kAbb, kFanuc, kXYZABC, kQuaternion}) {
+    for (const DialogKind kind : {kKuka, kAbb, kFanuc, kXYZABC, kQuaternion}) {
         ::Run.JobDataValid = kFalse;  // an import over valid points begins with a fresh job
         ImportKind(kind);
         EXPECT_EQ(Job.ViewAllMCS, kTrue);

@@ -11,11 +11,11 @@
 #include "core/run.h"
 #include "core/units.h"
 #include "import/robot_files.h"
+#include "support/degrees.h"
 #include "support/fixture.h"
 
 using namespace corvinade;
 
-constexpr double kDegree = std::numbers::pi / 180;
 constexpr double kRoundings = 1e-12;  // the system's pi has 15 digits
 
 using Row = std::array<double, 3>;

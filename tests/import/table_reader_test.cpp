@@ -150,7 +150,7 @@ const Kind kRefused[] = {
 }  // namespace
 
 TEST_F(TableReader, ReadsTheKindsOfTextThatPeopleHave) {
-    for (const Kind& kind : kKinds) EXPECT_EQ(Points(kind.Text), kind.Points) << kind.What;
+    for (const Kind& kind : kKinds) EXPECT_EQ(PointsAsText(kind.Text), kind.Points) << kind.What;
 }
 
 TEST_F(TableReader, NotesWhatItDecides) {
@@ -201,44 +201,44 @@ TEST_F(TableReader, KeepsSigmasAndWhatElseStandsInARow) {
 TEST_F(TableReader, TakesWhatTheUserSays) {
     TableOptions options;
     EXPECT_EQ(TakeTableColumns("-, name,z,y,x", options.Columns), "");
-    EXPECT_EQ(Points("0;A;3;-2;1.5\n0;B;6.25;5;4\n", options), kTwo);
+    EXPECT_EQ(PointsAsText("0;A;3;-2;1.5\n0;B;6.25;5;4\n", options), kTwo);
     options = {};
     options.Skip = 2;
-    EXPECT_EQ(Points("1;2;3\n4;5;6\nA;1.5;-2;3\nB;4;5;6.25\n", options), kTwo);
+    EXPECT_EQ(PointsAsText("1;2;3\n4;5;6\nA;1.5;-2;3\nB;4;5;6.25\n", options), kTwo);
     options = {};
     options.Comment = "~";
-    EXPECT_EQ(Points("~ no\nA;1.5;-2;3\n#B;4;5;6.25\n", options), "A 1.5 -2 3, #B 4 5 6.25");
+    EXPECT_EQ(PointsAsText("~ no\nA;1.5;-2;3\n#B;4;5;6.25\n", options), "A 1.5 -2 3, #B 4 5 6.25");
     options = {};
     options.Delimiter = ',';
-    EXPECT_EQ(Points("P1,1,5,2,5,3,5\n", options), "P1 1 5 2");
+    EXPECT_EQ(PointsAsText("P1,1,5,2,5,3,5\n", options), "P1 1 5 2");
     options = {};
     options.Decimal = ',';
-    EXPECT_EQ(Points("P1,1,5,2,5,3,5\n", options), "P1 1.5 2.5 3.5");
-    EXPECT_EQ(Points("P1, 1,5, 2,5, 3,5\n", options), "P1 1.5 2.5 3.5");
+    EXPECT_EQ(PointsAsText("P1,1,5,2,5,3,5\n", options), "P1 1.5 2.5 3.5");
+    EXPECT_EQ(PointsAsText("P1, 1,5, 2,5, 3,5\n", options), "P1 1.5 2.5 3.5");
     options = {};
     options.Unit = "cm";
-    EXPECT_EQ(Points("n;x [m];y [furlong];z\nA;1;2;3\n", options), "A 10 20 30")
+    EXPECT_EQ(PointsAsText("n;x [m];y [furlong];z\nA;1;2;3\n", options), "A 10 20 30")
         << "what the user says goes before";
     options = {};
     options.FirstIsX = true;
-    EXPECT_EQ(Points("1.5123 -2 3 100 7\n4 5 6.25 200 8\n", options), "1 1.5123 -2 3, 2 4 5 6.25");
-    EXPECT_EQ(Points("A 1.5 -2 3\nB 4 5 6.25\n", options), kTwo);
+    EXPECT_EQ(PointsAsText("1.5123 -2 3 100 7\n4 5 6.25 200 8\n", options), "1 1.5123 -2 3, 2 4 5 6.25");
+    EXPECT_EQ(PointsAsText("A 1.5 -2 3\nB 4 5 6.25\n", options), kTwo);
     options = {};
     options.Encoding = TableEncoding::Utf16Le;
-    EXPECT_EQ(Points(Wide("A;1.5;-2;3\r\nB;4;5;6.25").substr(2), options), kTwo);
+    EXPECT_EQ(PointsAsText(Wide("A;1.5;-2;3\r\nB;4;5;6.25").substr(2), options), kTwo);
     options.Encoding = TableEncoding::Windows1252;
-    EXPECT_EQ(Points("\xC3\xA4;1;2;3\n", options), "\xC3\x83\xC2\xA4 1 2 3");
+    EXPECT_EQ(PointsAsText("\xC3\xA4;1;2;3\n", options), "\xC3\x83\xC2\xA4 1 2 3");
     options.Encoding = TableEncoding::Utf8;
-    EXPECT_EQ(Points("\xE4;1;2;3\n", options),
+    EXPECT_EQ(PointsAsText("\xE4;1;2;3\n", options),
               "refused: it is no UTF-8 (--encoding windows-1252, or utf-16le, utf-16be)");
     EXPECT_EQ(
-        Points(Wide("A;1;2;3").substr(2)),
+        PointsAsText(Wide("A;1;2;3").substr(2)),
         "refused: it is no text, it holds characters of code 0; a 16-bit text without a mark is named with "
         "--encoding utf-16le");
 }
 
 TEST_F(TableReader, RefusesWhatItCannotReadForCertain) {
     for (const Kind& kind : kRefused) {
-        EXPECT_EQ(Points(kind.Text), "refused: " + kind.Points) << kind.What;
+        EXPECT_EQ(PointsAsText(kind.Text), "refused: " + kind.Points) << kind.What;
     }
 }

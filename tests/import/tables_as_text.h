@@ -30,7 +30,7 @@ inline std::string Told(const TableResult& table) {
     return told;
 }
 
-inline std::string Points(const std::string& text, const TableOptions& options = {}) {
+inline std::string PointsAsText(const std::string& text, const TableOptions& options = {}) {
     return Told(ReadTable(text, "f", options));
 }
 

@@ -56,7 +56,7 @@ TEST(TextCloud, KeepsWhatStandsBesideItsCoordinates) {
         EXPECT_EQ(run.Error, "") << before;
         // In metres the shift is a thousandth: 0.8 - 1.2 + 0.01 and so on.
         EXPECT_EQ(run.Out, after);
-        EXPECT_EQ(RunThrough(before, name, &Turn(), {}, 1).Out, after);
+        EXPECT_EQ(RunThrough(before, name, &CloudTurn(), {}, 1).Out, after);
         for (const bool big : {false, true}) {
             if (before.front() == '\xEF') continue;
             EXPECT_EQ(Carried(Utf16(before, big), name).Out, Utf16(after, big)) << before;
@@ -187,7 +187,7 @@ TEST(LandXmlCloud, PointsAreNorthEastAndHeight) {
             "<CgPoint name='B'>\n  25.000\t0.000 30.000\n</CgPoint><CgPoint name=\"flat\">1 2</CgPoint>"));
     EXPECT_EQ(run.Facts.LinesKept, 1);
     EXPECT_EQ(run.Facts.FirstKept, 10);
-    EXPECT_EQ(RunThrough(LandXml(points), "a.xml", &Turn(), {}, 1).Out, run.Out);
+    EXPECT_EQ(RunThrough(LandXml(points), "a.xml", &CloudTurn(), {}, 1).Out, run.Out);
     const CloudRun read = ReadThrough(LandXml(points), "a.xml");
     ASSERT_EQ(read.Points.size(), 2U);
     EXPECT_EQ(read.Points[0].Name, "P & 1");
