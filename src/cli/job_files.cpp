@@ -131,7 +131,8 @@ void WriteJobFile(const std::string& path, const JobFileFacts& facts, bool overC
                                     "replaced"};
             return true;
         },
-        [&facts] { return JobBytes(Job, facts.Views); });
+        [&facts] { JobSize(Job, facts.Views); },
+        [&facts](const auto& take) { WriteJobBytes(Job, facts.Views, take); });
 }
 
 int RunInfo(const JobFileOptions& options, std::ostream& out, std::ostream& err, bool colour) {

@@ -33,11 +33,12 @@ void FillViewList(std::vector<std::string> names) {
 
 // A longer old file keeps its end behind the new job. A block says something of the job that it was written
 // with: that of an old file must not stand behind another job, and nothing stands behind one.
-void KeepOldEnd(std::string& bytes, const std::string& path) {
-    if (!JobBlock(Job).empty() || DiskStateOf(path).Stamp.Size <= bytes.size()) return;
+//   size   bytes of the new job; what stands behind so many in the old file is returned
+std::string OldEnd(std::size_t size, const std::string& path) {
+    if (!JobBlock(Job).empty() || DiskStateOf(path).Stamp.Size <= size) return {};
     const FileBytes old = ReadFile(path);
-    if (old.View().find(kJobBlockHead) != std::string_view::npos) return;
-    if (old.Size > bytes.size()) bytes += old.View().substr(bytes.size());
+    if (old.Size <= size || old.View().find(kJobBlockHead) != std::string_view::npos) return {};
+    return std::string(old.View().substr(size));
 }
 
 constexpr const char* kWithoutBlock =
@@ -99,17 +100,23 @@ void Save(const std::string& path, const std::function<bool(const std::string&)>
     const BusyPointer busy;
     // What cannot be saved is refused before the file is looked at. A question lets other work in, and what
     // is written then is the job of that time.
-    std::string bytes = JobBytes(Job, Main.ComboSaveView.Items);
+    std::size_t size = JobSize(Job, Main.ComboSaveView.Items);
+    std::string end;
     bool asked = false;
     const auto ask = [&](const std::string& changed) {
         asked = true;
         return mayReplace(changed);
     };
-    ReplaceJobFile(path, ask, [&] {
-        if (asked) bytes = JobBytes(Job, Main.ComboSaveView.Items);
-        KeepOldEnd(bytes, path);
-        return std::move(bytes);
-    });
+    ReplaceJobFile(
+        path, ask,
+        [&] {
+            if (asked) size = JobSize(Job, Main.ComboSaveView.Items);
+            end = OldEnd(size, path);
+        },
+        [&](const auto& take) {
+            WriteJobBytes(Job, Main.ComboSaveView.Items, take);
+            if (!end.empty()) take(end);
+        });
     NoteOrientationsLost(path);
     ProgrammLogik();
     LogikLastFileEXIT();

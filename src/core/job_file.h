@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -65,6 +66,14 @@ void NoteJobFile(const JobFileContent& content, const std::string& path);
 // file has no views. Throws PlatformError for a job that could not be read back: a text that is too long,
 // counts that do not fit the arrays.
 std::string JobBytes(const JobRecord& job, const std::vector<std::string>& viewNames);
+
+// The same bytes handed to `take` slice by slice, for jobs whose file should not stand in memory beside
+// them. It throws as JobBytes does, some slices being taken by then.
+void WriteJobBytes(const JobRecord& job, const std::vector<std::string>& viewNames,
+                   const std::function<void(std::string_view)>& take);
+
+// How many bytes JobBytes gives. It throws as JobBytes does; after it WriteJobBytes of the same job does not.
+std::size_t JobSize(const JobRecord& job, const std::vector<std::string>& viewNames);
 
 // A job's counts, and the upper bounds of its arrays: names, X, Y, Z of each set.
 struct JobLengths {

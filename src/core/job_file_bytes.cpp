@@ -113,6 +113,23 @@ void ByteSource::GetElements(std::vector<TaggedValue>& values) {
     }
 }
 
+void ByteSink::AppendSliced(const char* bytes, std::size_t size) {
+    if (!Bytes.empty()) take_(Bytes);
+    Bytes.clear();
+    // What is a slice by itself goes on without being copied.
+    if (size > kSlice) {
+        take_({bytes, size});
+    } else {
+        Bytes.append(bytes, size);
+    }
+}
+
+void ByteSink::Finish() {
+    if (!take_ || Bytes.empty()) return;
+    take_(Bytes);
+    Bytes.clear();
+}
+
 void ByteSink::Refuse(const std::string& what) const {
     throw PlatformError{"This job cannot be saved: " + Field + ": " + what};
 }
@@ -122,7 +139,7 @@ void ByteSink::PutLongText(std::string_view text) {
     if (encoded.size() > std::numeric_limits<std::int32_t>::max())
         Refuse("a text of " + core::Bytes(encoded.size()) + " is too long");
     Put(static_cast<std::int32_t>(encoded.size()));
-    Bytes += encoded;
+    PutBytes(encoded);
 }
 
 void ByteSink::PutShortText(std::string_view text) {
@@ -131,7 +148,7 @@ void ByteSink::PutShortText(std::string_view text) {
             Refuse("a text of " + core::Bytes(encoded.size()) + " is too long, " +
                    std::to_string(kLongestShortText) + " is the most");
         Put(static_cast<std::uint16_t>(encoded.size()));
-        Bytes += encoded;
+        PutBytes(encoded);
     };
     if (IsAscii(text)) {
         put(text);
@@ -157,7 +174,7 @@ void ByteSink::PutElements(const std::vector<TaggedValue>& values) {
     std::size_t used = 0;
     for (const TaggedValue& value : values) {
         if (used + kWhole > chunk.size()) {
-            Bytes.append(chunk.data(), used);
+            Append(chunk.data(), used);
             used = 0;
         }
         const std::uint16_t tag = value ? kTagDouble : kTagNothing;
@@ -168,7 +185,7 @@ void ByteSink::PutElements(const std::vector<TaggedValue>& values) {
         std::memcpy(chunk.data() + used, &number, sizeof number);
         used += sizeof number;
     }
-    Bytes.append(chunk.data(), used);
+    Append(chunk.data(), used);
 }
 
 }  // namespace corvinade::core

@@ -6,8 +6,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/arrays.h"
@@ -81,17 +83,22 @@ private:
     std::string path_;
 };
 
-// Bytes that grow at their end.
+// Takes the next bytes of a file, which it must not keep by reference.
+using TakeBytes = std::function<void(std::string_view)>;
+
+// Bytes that grow at their end: all of them in Bytes, or, with a taker, slice by slice handed on to it, so
+// that a job of any size needs no second copy of itself.
 class ByteSink {
 public:
     explicit ByteSink(std::size_t expected) { Bytes.reserve(expected); }
+    explicit ByteSink(TakeBytes take) : take_(std::move(take)) { Bytes.reserve(kSlice); }
 
-    std::string Bytes;
+    std::string Bytes;  // with a taker: those that it has not got yet
     std::string Field;  // for errors
 
     template <class Number>
     void Put(Number number) requires std::is_arithmetic_v<Number> {
-        Bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
+        Append(reinterpret_cast<const char*>(&number), sizeof number);
     }
     void PutLongText(std::string_view text);
     void PutShortText(std::string_view text);
@@ -103,11 +110,26 @@ public:
     void PutElements(const std::vector<TaggedValue>& values);
     template <class Number>
     void PutElements(const std::vector<Number>& values) {
-        Bytes.append(reinterpret_cast<const char*>(values.data()), values.size() * sizeof(Number));
+        Append(reinterpret_cast<const char*>(values.data()), values.size() * sizeof(Number));
     }
+    void PutBytes(std::string_view bytes) { Append(bytes.data(), bytes.size()); }
+
+    // Hands on what is left. Once, behind the last bytes; without a taker it does nothing.
+    void Finish();
 
     // Throws PlatformError: the job cannot be saved, for the reason that `what` gives.
     [[noreturn]] void Refuse(const std::string& what) const;
+
+private:
+    static constexpr std::size_t kSlice = std::size_t{1} << 20;  // bytes
+
+    void Append(const char* bytes, std::size_t size) {
+        if (take_ && Bytes.size() + size > kSlice) return AppendSliced(bytes, size);
+        Bytes.append(bytes, size);
+    }
+    void AppendSliced(const char* bytes, std::size_t size);
+
+    TakeBytes take_;
 };
 
 }  // namespace corvinade::core

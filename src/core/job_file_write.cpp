@@ -1,6 +1,7 @@
 // A job to the bytes of a job file.
 #include <algorithm>
 #include <array>
+#include <functional>
 
 #include "core/controller.h"
 #include "core/job_block.h"
@@ -104,8 +105,9 @@ struct PutField {
 
 }  // namespace
 
-std::string JobBytes(const JobRecord& job, const std::vector<std::string>& viewNames) {
-    ByteSink out(ExpectedSize(job));
+namespace {
+
+void PutJob(ByteSink& out, const JobRecord& job, const std::vector<std::string>& viewNames) {
     out.Field = "counts";
     const std::string fault = JobFault(LengthsOf(job));
     if (!fault.empty()) out.Refuse(fault);
@@ -114,8 +116,28 @@ std::string JobBytes(const JobRecord& job, const std::vector<std::string>& viewN
         if (HasField(field, ProgramJobVersion(), job))
             std::visit(PutField{out, job, viewNames, field}, field.Place);
     }
-    out.Bytes += JobBlock(job);
+    out.PutBytes(JobBlock(job));
+    out.Finish();
+}
+
+}  // namespace
+
+std::string JobBytes(const JobRecord& job, const std::vector<std::string>& viewNames) {
+    ByteSink out(ExpectedSize(job));
+    PutJob(out, job, viewNames);
     return std::move(out.Bytes);
+}
+
+void WriteJobBytes(const JobRecord& job, const std::vector<std::string>& viewNames,
+                   const std::function<void(std::string_view)>& take) {
+    ByteSink out(take);
+    PutJob(out, job, viewNames);
+}
+
+std::size_t JobSize(const JobRecord& job, const std::vector<std::string>& viewNames) {
+    std::size_t size = 0;
+    WriteJobBytes(job, viewNames, [&size](std::string_view bytes) { size += bytes.size(); });
+    return size;
 }
 
 JobLengths LengthsOf(const JobRecord& job) {

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "core/file_state.h"
+#include "core/file_writer.h"
 #include "core/files.h"
 #include "core/platform.h"
 
@@ -21,8 +22,46 @@ struct KnownFile {
 // The one job that is open, and the one that a command has read.
 KnownFile Known;
 
+// The hash of bytes that come in pieces, however they are cut.
+class RunningHash {
+public:
+    void Add(std::string_view bytes) {
+        length_ += bytes.size();
+        while (!bytes.empty()) {
+            const std::string_view taken = bytes.substr(0, kBlock - block_.size());
+            bytes.remove_prefix(taken.size());
+            if (taken.size() == kBlock) {
+                Mix(taken);
+                continue;
+            }
+            block_ += taken;
+            if (block_.size() < kBlock) continue;
+            Mix(block_);
+            block_.clear();
+        }
+    }
+    std::size_t Length() const { return length_; }
+    std::size_t Value() const {
+        RunningHash last = *this;
+        last.Mix(last.block_);
+        return last.value_;
+    }
+
+private:
+    static constexpr std::size_t kBlock = std::size_t{1} << 16;  // bytes
+
+    void Mix(std::string_view block) {
+        constexpr std::size_t kOdd = 0x9e3779b9;  // so that equal blocks in another order differ
+        value_ = value_ * kOdd + std::hash<std::string_view>{}(block);
+    }
+    std::string block_;
+    std::size_t value_ = 0, length_ = 0;
+};
+
 std::size_t HashOf(std::string_view bytes) {
-    return std::hash<std::string_view>{}(bytes);
+    RunningHash hash;
+    hash.Add(bytes);
+    return hash.Value();
 }
 
 }  // namespace
@@ -56,7 +95,8 @@ bool HasChangedOnDisk(const std::string& path, const DiskState& now) {
 }
 
 void ReplaceJobFile(const std::string& path, const std::function<bool(const std::string& path)>& mayReplace,
-                    const std::function<std::string()>& bytesOf) {
+                    const std::function<void()>& prepare,
+                    const std::function<void(const std::function<void(std::string_view)>& take)>& write) {
     for (;;) {
         // The question is asked without the lock, and what has come meanwhile is asked about again.
         const DiskState seen = DiskStateOf(path);
@@ -65,9 +105,15 @@ void ReplaceJobFile(const std::string& path, const std::function<bool(const std:
                                 "\" has been changed by another program since it was read"};
         const FolderLock lock(Pfad(path));
         if (DiskStateOf(path) != seen) continue;
-        const std::string bytes = bytesOf();
-        WriteFile(path, bytes);
-        RememberJobFile(path, DiskStateOf(path), bytes);
+        prepare();
+        RunningHash hash;
+        FileBeside file(path);
+        write([&](std::string_view bytes) {
+            file.Write(bytes);
+            hash.Add(bytes);
+        });
+        file.Keep(Keeping::Flushed);
+        Known = {path, DiskStateOf(path), hash.Length(), hash.Value(), true};
         return;
     }
 }

@@ -32,9 +32,11 @@ void RememberNewJobFile(const std::string& path);
 bool HasChangedOnDisk(const std::string& path, const DiskState& now);
 
 // Writes the file of the job and remembers it. `mayReplace` is asked where another program has written the
-// file since it was read; at "no" PlatformError is thrown and the file stays. `bytesOf` gives what is to be
-// written, while no other program of ours writes into the folder.
+// file since it was read; at "no" PlatformError is thrown and the file stays. While no other program of ours
+// writes into the folder, `prepare` is called, which may refuse before anything is written, then `write`,
+// which hands what is to be written to its argument piece by piece. What either throws leaves the old file.
 void ReplaceJobFile(const std::string& path, const std::function<bool(const std::string& path)>& mayReplace,
-                    const std::function<std::string()>& bytesOf);
+                    const std::function<void()>& prepare,
+                    const std::function<void(const std::function<void(std::string_view)>& take)>& write);
 
 }  // namespace corvinade::core

@@ -36,7 +36,7 @@ public:
         PutParameters(StartValues(Run.Choice, Run.Seeds), Job);
         Run.Model = Adjustment.Model = ChooseModel(fit.ParamText);
         Run.Run = BeginFitOfJob(Run.Kind);
-        Run.InUse = WeightsFromUseFlags(fit.n);
+        if (Run.Kind != FitNorm::LeastSquares) Run.InUse = WeightsFromUseFlags(fit.n);
         std::swap(Run.P, fit.P);
         std::swap(Run.Points, fit.Points);
     }
@@ -79,9 +79,11 @@ bool ChooseBeginOfRuns(NormFit& fit) {
 bool TakeSigmas(RunOfJob& job) {
     const JobSigmas sigmas(SigmasOf(Job));
     int without = 0;
-    if (sigmas.Any() && !job.Run.Abandoned() && job.Run.Run.State.Finite)
+    if (sigmas.Any() && !job.Run.Abandoned() && job.Run.Run.State.Finite) {
+        if (job.Run.InUse.empty()) job.Run.InUse = job.Run.P;
         without = job.Run.Kind == FitNorm::LeastSquares ? FitWeighted(job.Run, sigmas.View())
                                                         : FitWeightedNorm(job.Run, sigmas.View());
+    }
     if (!job.Take()) return false;
     if (without == 0) return true;
     Calculation.Refused = true;

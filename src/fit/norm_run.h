@@ -88,7 +88,8 @@ struct NormRun {
     // No mirrored solution is taken where there is a proper one, however much better it is.
     bool ProperAlone = false;
     GatheredPoints Points;
-    Column InUse;            // three a pair, 0 or 1
+    // Three a pair, 0 or 1. Empty in a fit by least squares whose weights are these: they stand in P alone.
+    Column InUse;
     Column P;                // three a pair: the weights of the last fit, or those of the next
     IterationResult Result;  // of the last fit
     CertificateRecord Certificate;
@@ -103,6 +104,7 @@ struct NormRun {
     std::optional<EndOfFit> FirstOfLoop;
 
     int Rows() const { return 3 * Points.Count; }
+    const Column& Use() const { return InUse.empty() ? P : InUse; }
     bool Abandoned() const { return Run.State.Abandoned; }
     bool Stops() const { return Run.Stops(); }
 };

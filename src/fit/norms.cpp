@@ -23,21 +23,21 @@ std::size_t At(int i) {
 double SumOfSizes(const NormRun& fit) {
     double sum = 0;
     for (int i = 1; i <= fit.Rows(); ++i)
-        if (fit.InUse[At(i)] != 0) sum += std::fabs(fit.Result.v[At(i)]);
+        if (fit.Use()[At(i)] != 0) sum += std::fabs(fit.Result.v[At(i)]);
     return sum;
 }
 
 double LargestSize(const NormRun& fit) {
     double largest = 0;
     for (int i = 1; i <= fit.Rows(); ++i)
-        if (fit.InUse[At(i)] != 0) largest = std::max(largest, std::fabs(fit.Result.v[At(i)]));
+        if (fit.Use()[At(i)] != 0) largest = std::max(largest, std::fabs(fit.Result.v[At(i)]));
     return largest;
 }
 
 double SumOfSquares(const NormRun& fit) {
     double sum = 0;
     for (int i = 1; i <= fit.Rows(); ++i)
-        if (fit.InUse[At(i)] != 0) sum += fit.Result.v[At(i)] * fit.Result.v[At(i)];
+        if (fit.Use()[At(i)] != 0) sum += fit.Result.v[At(i)] * fit.Result.v[At(i)];
     return sum;
 }
 

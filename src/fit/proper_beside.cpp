@@ -82,7 +82,7 @@ double RoundingOf(const NormRun& fit, const NormToHold& norm) {
 }
 
 int Redundancy(const NormRun& fit) {
-    const auto rows = std::count_if(fit.InUse.begin() + 1, fit.InUse.end(), [](double w) { return w != 0; });
+    const auto rows = std::count_if(fit.Use().begin() + 1, fit.Use().end(), [](double w) { return w != 0; });
     return static_cast<int>(rows) - fit.Model.Unknowns;
 }
 
@@ -113,7 +113,7 @@ NormRun HoldingThese(const NormRun& fit, const std::vector<int>& parameters, dou
     run.Model = ModelOf(run.Choice, fit.Model.Mode);
     run.ProperAlone = true;
     run.InUse = fit.InUse;
-    run.P = fit.InUse;
+    run.P = fit.Use();
     run.Run.State = {};
     const bool runOn = fit.Run.Norm.RunOn;
     run.Run.Norm = {};

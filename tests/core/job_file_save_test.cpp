@@ -12,6 +12,7 @@
 #include "core/platform.h"
 #include "core/window.h"
 #include "support/fixture.h"
+#include "support/memory_use.h"
 
 using namespace corvinade;
 
@@ -172,4 +173,43 @@ TEST_F(JobFileSave, TheWaitPointerShowsWhileTheFileIsWritten) {
     SaveFileAs(PathOf("a.cvn"));
     EXPECT_EQ(most, 1);
     EXPECT_EQ(Run.WaitPointers, 0);
+}
+
+// A job of 60000 points that a name too long to be saved may end.
+class LargeJobFileSave : public JobFileSave {
+protected:
+    static constexpr int kPoints = 60000;
+    void MakeLargeJob() {
+        for (int i = 1; i <= kPoints; ++i)
+            Job.Start.Add("Point " + std::to_string(i), i, TaggedValue{}, i / 8.0);
+        Job.Target = Job.Transformed = Job.Start;
+        Job.SetPairs(kPoints);
+        Job.UseFlags.assign(3 * kPoints + 1, 1);
+        for (auto* const values : {&Job.RVecX, &Job.RVecY}) values->assign(kPoints + 1, 1.5);
+        Job.RVecZ.assign(kPoints + 1, -2);
+    }
+};
+
+TEST_F(LargeJobFileSave, ASaveTakesASliceOfMemoryAndNotASecondJob) {
+    MakeLargeJob();
+    const std::string bytes = JobBytes(Job, {});
+    ASSERT_GT(bytes.size(), 6000000U);
+    const MemoryUse saving;
+    SaveFileAs(PathOf("a.cvn"));
+    EXPECT_LT(saving.Peak(), 2000000U);
+    ExpectBytes(Contents(PathOf("a.cvn")), bytes);
+    EXPECT_EQ(JobSize(Job, {}), bytes.size());
+    // The next save looks whether it is still the file of the last.
+    Write("a.cvn", bytes);
+    SaveUnlessChanged(PathOf("a.cvn"));
+    EXPECT_TRUE(Messages().empty());
+}
+
+TEST_F(LargeJobFileSave, AJobThatCannotBeSavedIsRefusedBeforeTheFileIsTouched) {
+    MakeLargeJob();
+    Job.Transformed.Name[kPoints] = std::string(70000, 'n');
+    const std::string path = Write("a.cvn", "old");
+    EXPECT_NE(ErrorOf([&] { SaveFileAs(path); }).find("TMCS_Name"), std::string::npos);
+    EXPECT_EQ(Contents(path), "old");
+    EXPECT_EQ(FilesInFolder(), 1U);
 }
