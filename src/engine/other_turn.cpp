@@ -134,7 +134,7 @@ bool LieAlong(const Vec3& w, const TurnForms& forms) {
 }
 
 constexpr int kSteps = 720;
-constexpr double kSamePlace = 0.05;  // rad
+constexpr double kSamePlace = 0.015;  // rad
 
 bool IsAway(double t) {
     return std::fabs(std::remainder(t, kTurn)) > kSamePlace;
@@ -217,8 +217,9 @@ OtherTurn FindOtherTurn(const GatheredPoints& points, const FitModel& model, con
             for (const double t : LeastTurns(sumAt)) turns.push_back(t);
         for (const double t : turns) {
             if (!(sumAt(t) <= most)) continue;
-            other.Angle = std::fabs(std::remainder(t, kTurn));
             other.Moves = road.MovesTo(t, angles, kMoved * forms.Noise);
+            if (std::find(other.Moves.begin(), other.Moves.end(), true) == other.Moves.end()) continue;
+            other.Angle = std::fabs(std::remainder(t, kTurn));
             return other;
         }
     }
