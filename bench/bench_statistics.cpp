@@ -1,14 +1,13 @@
 // How far a result can be trusted, beside the fit that it is about: the statistics of every coordinate and
 // the accuracy of every transformed point. And the fit under a-priori standard deviations beside the plain
-// one: equal ones of the target, of the start, of both sides with one an axis, and of both sides with those
-// of each point. Ratios are taken round by round.
+// one: equal ones of the target, of the start, and of both sides with one an axis. Ratios are taken round by
+// round.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <memory>
-#include <utility>
+#include <optional>
 #include <vector>
 
 #include "core/job.h"
@@ -28,9 +27,9 @@ namespace {
 constexpr int kPoints = 100000;
 
 // The whole calculation, points gathered and residuals left; ms.
-double TimeOfFit(const MeasurementSigmas& sigmas, NormFit& fit) {
-    PutSigmas(sigmas, Job);
-    SigmasOf(Job);  // the text of those of each point is read once, behind the import
+double TimeOfFit(const std::optional<SideAccuracy>& start, const std::optional<SideAccuracy>& target,
+                 NormFit& fit) {
+    PutSigmas({start, target}, Job);
     fit.u = 7;
     fit.n = 3 * Job.Pairs();
     fit.ParamText = Job.ParamText;
@@ -46,7 +45,7 @@ void Statistics_OfFit(benchmark::State& state) {
     double check = 0;
     for (auto _ : state) {
         NormFit fit;
-        fits.push_back(TimeOfFit({}, fit));
+        fits.push_back(TimeOfFit({}, {}, fit));
         const auto begin = std::chrono::steady_clock::now();
         Column inUse(fit.v.size(), 1);
         GatheredPoints points;
@@ -78,29 +77,19 @@ void Statistics_OfFit(benchmark::State& state) {
 void Statistics_WeightedFit(benchmark::State& state) {
     FillJob(MakeFitData(kPoints, 7), 7);
     const SideAccuracy equal = {0.05, 0.05, 0.05}, byAxis = {0.04, 0.05, 0.06};
-    const auto ofEach = [](double least) {
-        PointAccuracies each;
-        for (std::vector<double>& axis : each.Of)
-            for (int i = 0; i <= kPoints; ++i) axis.push_back(i == 0 ? 0 : least + 0.001 * (i % 20));
-        return std::make_shared<const PointAccuracies>(std::move(each));
-    };
-    const MeasurementSigmas ofPairs{
-        .Start = {}, .Target = {}, .StartOfEach = ofEach(0.03), .TargetOfEach = ofEach(0.04)};
-    std::vector<double> plain, target, start, both, each;
+    std::vector<double> plain, target, start, both;
     for (auto _ : state) {
         NormFit fit;
-        plain.push_back(TimeOfFit({}, fit));
-        target.push_back(TimeOfFit({.Start = {}, .Target = equal}, fit) / plain.back());
-        start.push_back(TimeOfFit({.Start = equal, .Target = {}}, fit) / plain.back());
-        both.push_back(TimeOfFit({.Start = byAxis, .Target = equal}, fit) / plain.back());
-        each.push_back(TimeOfFit(ofPairs, fit) / plain.back());
+        plain.push_back(TimeOfFit({}, {}, fit));
+        target.push_back(TimeOfFit({}, equal, fit) / plain.back());
+        start.push_back(TimeOfFit(equal, {}, fit) / plain.back());
+        both.push_back(TimeOfFit(byAxis, equal, fit) / plain.back());
         state.SetIterationTime(plain.back() / 1000);
     }
     state.counters["plain_ms"] = Median(plain);
     state.counters["target/plain"] = Median(target);
     state.counters["start/plain"] = Median(start);
     state.counters["both/plain"] = Median(both);
-    state.counters["of each pair/plain"] = Median(each);
 }
 
 BENCHMARK(Statistics_OfFit)->UseManualTime()->Unit(benchmark::kMillisecond);
