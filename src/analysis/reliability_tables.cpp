@@ -55,6 +55,19 @@ bool IsOfJob(std::size_t index) {
 
 }  // namespace
 
+std::string GlobalTestInWords(const AdjustmentStatistics& s) {
+    if (!s.APriori || s.Singular || s.Redundancy == 0) return "";
+    const std::string limits = Plain(s.Vtpv, "0.00") + ", limits " + Plain(s.ChiSquareLow, "0.00") + " to " +
+                               Plain(s.ChiSquareHigh, "0.00");
+    if (s.Vtpv > s.ChiSquareHigh)
+        return "failed, too large (" + limits +
+               "): the deviations are larger than the standard deviations explain";
+    if (s.Vtpv < s.ChiSquareLow)
+        return "failed, too small (" + limits +
+               "): the deviations are smaller than the standard deviations let expect";
+    return "passed (" + limits + "): the deviations are as large as the standard deviations let expect";
+}
+
 std::string GlobalTestSentence(const AdjustmentStatistics& s) {
     if (s.Singular) return "No numbers: " + NoteOfStatistics(s) + ".";
     if (s.Redundancy == 0) return "No test: " + NoteOfStatistics(s) + ".";
@@ -62,18 +75,10 @@ std::string GlobalTestSentence(const AdjustmentStatistics& s) {
         return "No standard deviations are given, so there is no global test: the deviations themselves are the "
                "measure of the accuracy, s0 = " +
                Length(s.s0) + " " + Job.LengthUnitName + " of a coordinate.";
-    const std::string numbers = " (" + Plain(s.Vtpv, "0.00") + "; expected " + Plain(s.ChiSquareLow, "0.00") +
-                                " to " + Plain(s.ChiSquareHigh, "0.00") + ")";
-    if (s.Vtpv > s.ChiSquareHigh)
-        return "Global test failed, too large: the deviations are larger than the standard deviations "
-               "explain" +
-               numbers + ". Look for a wrong point first.";
-    if (s.Vtpv < s.ChiSquareLow)
-        return "Global test failed, too small: the deviations are smaller than the standard deviations let "
-               "expect" +
-               numbers + ". The measurement is better than you said.";
-    return "Global test passed: the deviations are as large as the standard deviations let expect" + numbers +
-           ".";
+    const char* const advice = s.Vtpv > s.ChiSquareHigh  ? " Look for a wrong point first."
+                               : s.Vtpv < s.ChiSquareLow ? " The measurement is better than you said."
+                                                         : "";
+    return "Global test " + GlobalTestInWords(s) + "." + advice;
 }
 
 std::string WhyNoStatistics() {

@@ -10,7 +10,11 @@
 
 namespace corvinade::analysis {
 
-// The global test in one sentence, or what is to be known in its place.
+// "passed (...): the deviations are ..." in plain words, as the table of the command line has it too; ""
+// without a-priori standard deviations or redundancy.
+std::string GlobalTestInWords(const AdjustmentStatistics& statistics);
+
+// The same as a sentence of its own with what to do, or what is to be known in its place.
 std::string GlobalTestSentence(const AdjustmentStatistics& statistics);
 
 // Why there are no statistics of the job as it is.

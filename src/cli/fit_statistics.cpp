@@ -7,6 +7,7 @@
 #include <numeric>
 #include <ostream>
 
+#include "analysis/reliability_tables.h"
 #include "cli/fit_output.h"
 #include "cli/fit_parameters.h"
 #include "cli/fit_style.h"
@@ -64,7 +65,7 @@ void WriteOverview(const AdjustmentStatistics& s, const Style& style, std::ostre
     if (s.Redundancy > 0)
         out << HeadLabel("s0") << (s.APriori ? Plain(s.s0, "0.000") : Length(s.s0) + " " + Job.LengthUnitName)
             << "\n";
-    if (const std::string test = GlobalTestInWords(s); !test.empty())
+    if (const std::string test = analysis::GlobalTestInWords(s); !test.empty())
         out << HeadLabel("global test") << test << "\n";
     if (std::isfinite(s.CriticalValue))
         out << HeadLabel("single test") << (s.APriori ? "|w| of Baarda" : "|tau| of Pope") << " up to "
@@ -193,17 +194,6 @@ TestLevels LevelsOf(const FitOptions& options) {
 bool WantsStatistics(const FitOptions& options) {
     if (options.Statistics || options.Snoop || !options.AccuracyAt.empty()) return true;
     return options.Output == FitOutput::Json && Job.Pairs() <= kMostPairsUnasked;
-}
-
-std::string GlobalTestInWords(const AdjustmentStatistics& s) {
-    if (!s.APriori || s.Singular || s.Redundancy == 0) return "";
-    const std::string limits = Plain(s.Vtpv, "0.00") + ", limits " + Plain(s.ChiSquareLow, "0.00") + " to " +
-                               Plain(s.ChiSquareHigh, "0.00");
-    if (s.Vtpv > s.ChiSquareHigh)
-        return "failed (" + limits + "): the deviations are larger than the standard deviations explain";
-    if (s.Vtpv < s.ChiSquareLow)
-        return "failed (" + limits + "): the deviations are smaller than the standard deviations let expect";
-    return "passed (" + limits + "): the deviations are as large as the standard deviations let expect";
 }
 
 void WriteStatisticsTable(const FitOptions& options, const FitStatistics& statistics, std::ostream& out,

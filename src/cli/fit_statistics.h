@@ -43,8 +43,4 @@ void WriteStatisticsJson(const FitOptions& options, const FitStatistics& statist
 void WriteStatisticsTable(const FitOptions& options, const FitStatistics& statistics, std::ostream& out,
                           bool colour, std::size_t most = std::numeric_limits<std::size_t>::max());
 
-// "passed (...): the deviations are ..." in plain words; "" without a-priori standard deviations or
-// redundancy.
-std::string GlobalTestInWords(const AdjustmentStatistics& statistics);
-
 }  // namespace corvinade::cli

@@ -39,7 +39,7 @@ std::string OfOtherSolution(const FitRemark& remark) {
 }
 
 std::string OfIteration(const FitRemark& remark) {
-    return "The iteration from the seed points ended in a solution that is not the best (" +
+    return "The iteration from its start values ended in a solution that is not the best (" +
            (remark.Times == 0 ? std::string("a mirrored one that fits as well")
                               : "its sum of squares was " + TimesText(remark.Times)) +
            "); it began again from the best one";
@@ -52,7 +52,7 @@ std::string ReasonText(FitRemark::Reason why) {
         case FitRemark::Reason::WorseThanFirstFit:
             return "ended in a solution that is worse than that of least squares";
         case FitRemark::Reason::OtherFromSeeds:
-            return "from the seed points ended elsewhere";
+            return "from their start values ended elsewhere";
         default:
             return "found no end";
     }
@@ -99,7 +99,7 @@ void NoteRemarks(const NormRun& run) {
                 break;
             case FitRemark::What::IterationFoundNoEnd:
                 AddNote(NoteCode::BetterStart,
-                        "The iteration from the seed points found no end; it began again from the best "
+                        "The iteration from its start values found no end; it began again from the best "
                         "solution");
                 break;
             case FitRemark::What::OtherSolutionIsLess:

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <numbers>
 #include <utility>
 
@@ -23,6 +24,8 @@ std::size_t At(int i) {
 }
 
 constexpr double kTurn = 2 * std::numbers::pi;
+
+using Angles = std::vector<int>;  // 1 to 3
 
 // p turned about the unit vector w by t, less p (O. Rodrigues).
 Vec3 Moved(const Vec3& w, double t, const Vec3& p) {
@@ -59,11 +62,15 @@ public:
         return TurnDot(left, left);
     }
 
-    // The angles there, in the form whose angle k is nearest to that of the result.
-    Vec3 AnglesAt(double t, int k) const {
+    // The angles there, in the form whose angles of these are nearest to those of the result.
+    Vec3 AnglesAt(double t, const Angles& held) const {
         const Vec3 angles = AnglesOf(TurnedBy(t));
         const Vec3 other(angles(1) + kTurn / 2, kTurn / 2 - angles(2), angles(3) + kTurn / 2);
-        return std::fabs(Off(other, k)) < std::fabs(Off(angles, k)) ? other : angles;
+        return OffSquares(other, held) < OffSquares(angles, held) ? other : angles;
+    }
+    // What the sum of squares would be where the points as a whole turn on, to keep the held angles as well.
+    double SumThatKeeps(double t, const Angles& held, double images) const {
+        return SumAt(t) + images * images * OffSquares(AnglesAt(t, held), held);
     }
     // Angle k there, of the form whose Rot y is no more than a right angle, is that of the result.
     bool ShowsAt(double t, int k) const {
@@ -74,13 +81,19 @@ public:
         return std::remainder(angles(k) - ParameterValue(Job, kRotX + k - 1), kTurn);
     }
 
+    static double OffSquares(const Vec3& angles, const Angles& held) {
+        double squares = 0;
+        for (const int k : held) squares += Off(angles, k) * Off(angles, k);
+        return squares;
+    }
+
     bool Floats(int parameter) const { return model_.UnknownOf[At(parameter)] != 0; }
 
     // What is another there, by more than so much.
-    std::array<bool, kParameterEnd> MovesTo(double t, int nearest, double least) const {
+    std::array<bool, kParameterEnd> MovesTo(double t, const Angles& held, double least) const {
         constexpr double kLeastAngle = 1e-4;
         std::array<bool, kParameterEnd> moves{};
-        const Vec3 angles = AnglesAt(t, nearest), ofMiddle = Moved(w_, t, pairs_.Arm);
+        const Vec3 angles = AnglesAt(t, held), ofMiddle = Moved(w_, t, pairs_.Arm);
         const TurnFollowers::Rest rest = RestAt(t);
         for (int k = 1; k <= 3; ++k) {
             moves[At(kRotX + k - 1)] = Floats(kRotX + k - 1) && std::fabs(Off(angles, k)) > kLeastAngle;
@@ -121,7 +134,7 @@ bool LieAlong(const Vec3& w, const TurnForms& forms) {
 }
 
 constexpr int kSteps = 720;
-constexpr double kSamePlace = 0.05;  // rad
+constexpr double kSamePlace = 0.015;  // rad
 
 bool IsAway(double t) {
     return std::fabs(std::remainder(t, kTurn)) > kSamePlace;
@@ -131,7 +144,7 @@ bool IsAway(double t) {
 std::vector<double> TurnsThatKeep(const Road& road, int k, bool asShown) {
     constexpr double kNear = 0.5;
     constexpr int kHalvings = 50;
-    const auto off = [&](double t) { return Road::Off(road.AnglesAt(t, k), k); };
+    const auto off = [&](double t) { return Road::Off(road.AnglesAt(t, {k}), k); };
     std::vector<double> found;
     double before = off(0);
     for (int i = 1; i <= kSteps; ++i) {
@@ -150,19 +163,19 @@ std::vector<double> TurnsThatKeep(const Road& road, int k, bool asShown) {
     return found;
 }
 
-// Turns about which the sum of squares rises on both sides, by thirds.
-std::vector<double> LeastTurns(const Road& road) {
+// Turns about which such a sum rises on both sides, by thirds.
+std::vector<double> LeastTurns(const std::function<double(double t)>& sumAt) {
     constexpr int kThirds = 60;
     std::vector<double> sums, found;
-    for (int i = 0; i < kSteps; ++i) sums.push_back(road.SumAt(kTurn * i / kSteps));
+    for (int i = 0; i < kSteps; ++i) sums.push_back(sumAt(kTurn * i / kSteps));
     for (int i = 0; i < kSteps; ++i) {
         const double here = sums[At(i)];
         if (here > sums[At((i + 1) % kSteps)] || here >= sums[At((i + kSteps - 1) % kSteps)]) continue;
         double a = kTurn * (i - 1) / kSteps, b = kTurn * (i + 1) / kSteps;
         for (int third = 0; third < kThirds; ++third) {
             const double left = a + (b - a) / 3, right = b - (b - a) / 3;
-            (road.SumAt(left) < road.SumAt(right) ? b : a) =
-                road.SumAt(left) < road.SumAt(right) ? right : left;
+            const bool falls = sumAt(left) >= sumAt(right);
+            (falls ? a : b) = falls ? left : right;
         }
         if (IsAway(a)) found.push_back(a);
     }
@@ -178,12 +191,12 @@ OtherTurn FindOtherTurn(const GatheredPoints& points, const FitModel& model, con
     OtherTurn other;
     if (model.Mode == FitMode::Distance) return other;
     FitModel free = model;
-    int held = 0, heldAngle = 0;
+    int held = 0;
+    Angles angles;
     for (int k = kTraX; k <= kRotZ; ++k) {
         if (model.UnknownOf[At(k)] != 0) continue;
         ++held;
-        if (k >= kRotX && heldAngle != 0) return other;
-        if (k >= kRotX) heldAngle = k - kRotX + 1;
+        if (k >= kRotX) angles.push_back(k - kRotX + 1);
         free.UnknownOf[At(k)] = ++free.Unknowns;
     }
     if (held == 0) return other;
@@ -195,12 +208,18 @@ OtherTurn FindOtherTurn(const GatheredPoints& points, const FitModel& model, con
     for (const LooseTurn& loose : FindTurnsLeft(points, free, at, robust, still)) {
         if (!LieAlong(loose.Axis, TurnForms(pairs, free, still))) continue;
         const Road road(pairs, model, still, loose.Axis);
-        const double noise = TurnForms(pairs, model, still).Noise;
-        const double most = kTimes * road.SumAt(0) + kNoises * noise * noise;
-        for (const double t : heldAngle != 0 ? TurnsThatKeep(road, heldAngle, asShown) : LeastTurns(road)) {
-            if (!(road.SumAt(t) <= most)) continue;
+        const TurnForms forms(pairs, model, still);
+        const double most = kTimes * road.SumAt(0) + kNoises * forms.Noise * forms.Noise;
+        const auto sumAt = [&](double t) { return road.SumThatKeeps(t, angles, forms.Image); };
+        std::vector<double> turns;
+        if (angles.size() == 1) turns = TurnsThatKeep(road, angles.front(), asShown);
+        if (angles.size() != 1 || held > 1)
+            for (const double t : LeastTurns(sumAt)) turns.push_back(t);
+        for (const double t : turns) {
+            if (!(sumAt(t) <= most)) continue;
+            other.Moves = road.MovesTo(t, angles, kMoved * forms.Noise);
+            if (std::find(other.Moves.begin(), other.Moves.end(), true) == other.Moves.end()) continue;
             other.Angle = std::fabs(std::remainder(t, kTurn));
-            other.Moves = road.MovesTo(t, heldAngle != 0 ? heldAngle : 1, kMoved * noise);
             return other;
         }
     }

@@ -272,16 +272,12 @@ TableHeading HeadingOf(const std::vector<std::string>& texts, bool ownUnit) {
         ++counts[static_cast<std::size_t>(cell.Role)];
     }
     if (best > 0) heading.Columns[name] = TableRole::Name;
-    for (const TableRole axis : {TableRole::X, TableRole::Y, TableRole::Z}) {
-        const int count = counts[static_cast<std::size_t>(axis)];
-        if (count > 0) ++heading.Axes;
-        if (count > 1)
-            heading.Wrong = std::string("the heading names ") + TableRoleName(axis) + " " +
-                            std::to_string(count) + " times (--columns says which one it is)";
+    for (std::size_t role = static_cast<std::size_t>(TableRole::X); role < counts.size(); ++role) {
+        if (counts[role] > 0 && role <= static_cast<std::size_t>(TableRole::Z)) ++heading.Axes;
+        if (counts[role] > 1 && heading.Wrong.empty())
+            heading.Wrong = std::string("the heading names ") + TableRoleName(static_cast<TableRole>(role)) +
+                            " " + std::to_string(counts[role]) + " times (--columns says which one it is)";
     }
-    // Of several columns of one sigma none is the one.
-    for (TableRole& role : heading.Columns)
-        if (role > TableRole::Z && counts[static_cast<std::size_t>(role)] > 1) role = TableRole::Pass;
     if (!ownUnit && heading.Axes == 3) TakeUnits(cells, heading);
     return heading;
 }
