@@ -65,10 +65,10 @@ std::string Table(std::string_view bytes) {
         const auto points = static_cast<std::size_t>(table.Points.Count());
         if (table.Refusal.Refused() && points != 0) return "refused, and has points";
         if (!table.Refusal.Refused() && points == 0) return "neither points nor a refusal";
+        if (table.Refusal.Refused()) continue;
         for (const auto* sigmas : {&table.SX, &table.SY, &table.SZ})
             if (!sigmas->empty() && sigmas->size() != points + 1) return "not as many sigmas as points";
-        if (!table.Refusal.Refused() && other && table.Rest.size() != points + 1)
-            return "not as many rests as points";
+        if (other && table.Rest.size() != points + 1) return "not as many rests as points";
     }
     return "";
 }
