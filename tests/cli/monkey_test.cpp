@@ -289,16 +289,15 @@ protected:
     static void ASavedJobOpensEqual() {
         std::string saved;
         try {
-            saved = JobBytes(Job, Main.ComboSaveView.Items);
+            JobRecord job = Job;
+            job.AutoRecalc = kFalse;  // a job that is opened does not calculate by itself
+            saved = JobBytes(job, Main.ComboSaveView.Items);
         } catch (const PlatformError& error) {
             ASSERT_NE(error.What, "");
             return;
         }
         const JobFileContent again = ReadJobBytes(saved, "a.cvn");
-        const std::string once = JobBytes(again.Job, again.ViewNames);
-        const auto other = std::mismatch(once.begin(), once.end(), saved.begin(), saved.end()).first;
-        ASSERT_TRUE(once == saved) << "is another job from byte " << other - once.begin() << " of "
-                                   << saved.size() << " on when it is read again";
+        ASSERT_TRUE(JobBytes(again.Job, again.ViewNames) == saved) << "is another job when it is read again";
     }
 
     void Act() {
