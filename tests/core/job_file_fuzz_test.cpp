@@ -1,8 +1,8 @@
 // Job files of any content: corrupted copies of files of all versions. Each is read or refused with a place,
 // in little memory; what was read can be saved, and opens again as the same job.
 //
-// tools/fuzz runs this for longer. It sets CORVINADE_FUZZ_SECONDS, CORVINADE_FUZZ_SEED and
-// CORVINADE_FUZZ_INPUT, the file that each input is put into before it is tried.
+// It runs for longer with CORVINADE_FUZZ_SECONDS, CORVINADE_FUZZ_SEED and CORVINADE_FUZZ_INPUT, the file that
+// each input is put into before it is tried; tools/fuzz looks for inputs of all readers.
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
