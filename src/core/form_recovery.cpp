@@ -78,6 +78,7 @@ const WindowEntry FormRecovery_Entry = {
 
 void BeginRecovery() {
     StartRecovery();
+    KeepRecoveryCopy();  // what the start has opened is what stands on the disk
     if (IsTrue(Run.JobDataValid)) TellWhetherOpenElsewhere(Run.JobFilePath);
     ShowWhatWasLeft();
 }
