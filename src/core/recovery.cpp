@@ -103,6 +103,19 @@ std::optional<Origin> OriginOf(const JobRecord& job) {
     return std::nullopt;
 }
 
+void ForgetOrigin(JobRecord& job) {
+    std::erase_if(job.OtherMembers, [](const auto& member) { return member.first == kMember; });
+}
+
+// Has the file these bytes? It may have the end of a longer one behind them.
+bool StandsIn(const std::string& path, std::string_view bytes) {
+    try {
+        return FileSize(path) >= bytes.size() && ReadFile(path).View().starts_with(bytes);
+    } catch (const PlatformError&) {
+        return false;
+    }
+}
+
 std::size_t HashOf(std::string_view bytes) {
     return std::hash<std::string_view>{}(bytes);
 }
@@ -172,13 +185,15 @@ LeftBehind Described(const std::string& copy) {
     LeftBehind left{.Copy = copy, .JobPath = {}, .Time = TimeOf(copy), .Fault = {}};
     try {
         const FileBytes bytes = ReadFile(copy);
-        const JobFileContent content = ReadJobBytes(bytes.View(), copy);
+        JobFileContent content = ReadJobBytes(bytes.View(), copy);
         const auto origin = OriginOf(content.Job);
         if (!origin || !content.BlockFault.empty()) throw PlatformError{"it is no recovery copy"};
         left.JobPath = origin->Path;
         left.Start = content.Job.Start.Count();
         left.Target = content.Job.Target.Count();
         left.Pairs = content.Job.Pairs();
+        ForgetOrigin(content.Job);
+        left.Saved = StandsIn(origin->Path, JobBytes(content.Job, content.ViewNames));
     } catch (const PlatformError& error) {
         left.Fault = error.What;
     }
@@ -278,8 +293,14 @@ std::vector<LeftBehind> LeftBehindCopies() {
         int handle = -1;
         const LockAnswer answer = TakeLock(lock, false, handle);
         if (answer == LockAnswer::Held) continue;
-        all.push_back(Described(copy));
+        LeftBehind left = Described(copy);
+        // A kill between the save of a job and the removal of its copy.
+        if (left.Saved && left.Fault.empty() && RemoveOwnFile(copy)) {
+            DropLockAndFile(handle, lock);
+            continue;
+        }
         DropLock(handle);
+        all.push_back(std::move(left));
     }
     return all;
 }
@@ -293,7 +314,7 @@ void RestoreCopy(const LeftBehind& left) {
     OpenFile(left.Copy);
     const auto origin = OriginOf(Job);
     if (!IsTrue(Run.JobDataValid) || !origin) return;
-    std::erase_if(Job.OtherMembers, [](const auto& member) { return member.first == kMember; });
+    ForgetOrigin(Job);
     Run.JobFilePath = origin->Path;
     RememberKnown(origin->Path, origin->Known);
     Run.JobDirty = kTrue;

@@ -65,8 +65,10 @@ struct LeftBehind {
     std::string Time;     // when it was written, local time "2026-11-23 01:40:07"
     std::string Fault;    // why it cannot be read; "" when it can
     std::int32_t Start = 0, Target = 0, Pairs = 0;
+    bool Saved = false;  // the job's file holds the same
 };
-// Copies of programs that do not run any more, the oldest place first.
+// Copies of programs that do not run any more, the oldest place first. One that holds what its job's file
+// holds is removed without a word.
 std::vector<LeftBehind> LeftBehindCopies();
 
 // Opens a copy as the unsaved job of its path. It is removed when a copy of this program holds the same.

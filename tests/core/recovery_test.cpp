@@ -155,6 +155,18 @@ TEST_F(RecoveryCopies, ACopyOfARunningProgramIsNobodyElses) {
     Recovery = first;
 }
 
+TEST_F(RecoveryCopies, AKillBehindTheSaveLeavesNothingToRestore) {
+    Change(4711);
+    TendRecovery(10);
+    const std::string copy = Contents(PathOf("recovery-1.cvn"));
+    SaveFileAs(path_);
+    Kill();
+    Write("recovery-1.cvn", copy);  // as it was before the save could remove it
+    StartRecovery();
+    EXPECT_TRUE(LeftBehindCopies().empty());
+    EXPECT_FALSE(IsThere("recovery-1.cvn"));
+}
+
 TEST_F(RecoveryCopies, TheQuestionCanBeCancelledAndTheJobStays) {
     Change(4711);
     Reply("Cancel");
