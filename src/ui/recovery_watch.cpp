@@ -52,6 +52,7 @@ void EndBySignal() {
         } catch (...) {  // it ends, whatever the disk says
         }
     }
+    if (!Recovery.HasCopy) EndRecovery();  // nothing to leave behind
     RemoveFilesBesideNow();
     std::signal(number, SIG_DFL);
     raise(number);
