@@ -23,12 +23,14 @@
 #include "core/form_main.h"
 #include "core/form_notes.h"
 #include "core/form_progress_bar.h"
+#include "core/form_recovery.h"
 #include "core/form_units.h"
 #include "core/fresh_start.h"
 #include "core/job.h"
 #include "core/notes.h"
 #include "core/numbers.h"
 #include "core/records.h"
+#include "core/recovery.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/units.h"
@@ -101,6 +103,7 @@ const WindowEntry* const kWindows[] = {
     &FormTable_Entry,
     &FormExport_Entry,
     &FormReliability_Entry,
+    &FormRecovery_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.
@@ -108,6 +111,10 @@ void (*const kRecords[])() = {
     [] { Job = JobRecord{}; },
     [] { Run = RunRecord{}; },
     [] { Changes = ChangesRecord{}; },
+    [] {
+        EndRecovery();
+        Recovery = RecoveryRecord{};
+    },
     [] { Notes = NotesRecord{}; },
     [] { Settings = SettingsRecord{}; },
     [] { WrittenNumbers = WrittenNumbersRecord{}; },

@@ -27,6 +27,7 @@
 #include "cli/scene_json.h"
 #include "core/controller.h"
 #include "core/form_main.h"
+#include "core/form_recovery.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/run.h"
@@ -413,6 +414,7 @@ void StartAutomation(const AutomationOptions& options) {
     Headless.OnForm = AtForm;
     StartScreens(options.ScreenWidth, options.ScreenHeight);
     StartUp(options.Job.empty() ? "" : "\"" + options.Job + "\"");
+    if (options.Recovery) Dispatch([] { BeginRecovery(); });
 }
 
 std::string AnswerLine(const std::string& line, bool& quit) {
@@ -452,9 +454,15 @@ bool Automate(const AutomationOptions& options, std::istream& in, std::ostream& 
     bool quit = false;
     while (!quit && out && std::getline(in, line)) {
         if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
-        out << AnswerLine(line, quit) << std::endl;
+        const std::string reply = AnswerLine(line, quit);
+        // Nobody knows when the next line comes, so that a copy is written behind each.
+        JobTouched();
+        Dispatch([] { KeepRecoveryCopy(); });
+        out << reply << std::endl;
         KeepReserve();
     }
+    // An input that ends without a question for the job leaves the copy to the next start.
+    if (quit || !Recovery.HasCopy) EndRecovery();
     return !in.bad();
 }
 

@@ -178,6 +178,8 @@ CLI::App* AddAutomate(CLI::App& app, AutomateSwitches& s) {
         ->check(Written(SizeFromText))
         ->type_name("WxH")
         ->capture_default_str();
+    automate->add_flag("--recovery", s.Options.Recovery,
+                       "Keep recovery copies beside the settings, as the desktop does");
     AddDecimal(*automate, s.Decimal, "Options", "that of the locale");
     return automate;
 }

@@ -231,7 +231,7 @@ void CloseAllChildForms() {
 }
 
 void FormMain::Form_Unload() {
-    if (IsTrue(Run.JobDirty)) JobChanged();
+    if (!MayGiveUpJob()) throw PlatformError{};  // the window stays, and nothing is to be told of it
     CloseAllChildForms();
     ShowNow(What::ProgramEnd);
 }

@@ -2,6 +2,8 @@
 #include "core/job_commands.h"
 
 #include <algorithm>
+#include <string>
+#include <vector>
 
 #include "core/changes.h"
 #include "core/controller.h"
@@ -10,6 +12,7 @@
 #include "core/job_file.h"
 #include "core/job_on_disk.h"
 #include "core/platform.h"
+#include "core/recovery.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
@@ -80,20 +83,27 @@ void WriteRecentFiles() {
     SettingsSchreiben({"LastFile1", "LastFile2", "LastFile3", "LastFile4"});
 }
 
-void AskWhetherToSave() {
-    if (IsTrue(Run.JobDirty)) JobChanged();
-}
-
 }  // namespace
 
 // Whoever answers Yes wants the job kept, so nothing goes on before it has been saved.
-void JobChanged() {
-    if (!AskYesNo(std::string("Changes have been made to the job.") + kLineEnd + kLineEnd +
-                  "Do you want to save it?"))
-        return;
-    if (!IsDefaultJob()) return SaveUnlessChanged(Run.JobFilePath);
+bool JobChanged() {
+    const std::string question =
+        std::string("Changes have been made to the job.") + kLineEnd + kLineEnd + "Do you want to save it?";
+    std::vector<std::string> buttons = {"Yes", "No"};
+    if (Recovery.On) buttons.emplace_back("Cancel");
+    const std::string answer = AskMessage(question, kProgramName, buttons);
+    if (answer != "Yes") return answer == "No";
+    if (!IsDefaultJob()) {
+        SaveUnlessChanged(Run.JobFilePath);
+        return true;
+    }
     const bool data = IsTrue(Run.JobDataValid);
     if (!SaveAs() && data) throw PlatformError{"The job has not been saved."};
+    return true;
+}
+
+bool MayGiveUpJob() {
+    return !(Recovery.On ? JobHasChanged() : IsTrue(Run.JobDirty)) || JobChanged();
 }
 
 void LogikLastFileEXIT() {
@@ -115,14 +125,14 @@ void OpenLastProjekt(const std::string& caption) {
     constexpr std::size_t kNumber = 3;  // "&1 "
     if (caption.size() <= kNumber) return;
     const std::string path = caption.substr(kNumber);  // what follows may change the caption
-    AskWhetherToSave();
+    if (!MayGiveUpJob()) return;
     CloseAllChildForms();
     Run.JobFilePath = path;
     OpenFile(path);
 }
 
 void MenuFileNew_Command() {
-    AskWhetherToSave();
+    if (!MayGiveUpJob()) return;
     const auto path = AskSaveFile(JobQuestion("New File ", kJobFilter));
     if (!path || path->empty()) return;
     Run.JobFilePath = WithExtension(*path);
@@ -137,7 +147,7 @@ void MenuFileNew_Command() {
 }
 
 void MenuFileOpen_Command() {
-    AskWhetherToSave();
+    if (!MayGiveUpJob()) return;
     const BusyPointer busy;
     const auto path = AskOpenFile(JobQuestion("Open File ", kJobFilter));
     if (!path || path->empty()) return;

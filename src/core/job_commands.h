@@ -7,7 +7,14 @@
 
 namespace corvinade::core {
 
-void JobChanged();                                 // asks whether a changed job shall be saved
+// Asks whether a changed job shall be saved; false where the user cancels what it was asked for, which only
+// the desktop lets him.
+bool JobChanged();
+
+// Asks where the job has changed: by the flag of the run, and where recovery copies are kept by what a save
+// would write. False when the job is to stay open.
+bool MayGiveUpJob();
+
 void OpenLastProjekt(const std::string& caption);  // opens the job of a recent-file menu entry
 void MenuFileNew_Command();
 void MenuFileOpen_Command();

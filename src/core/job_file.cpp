@@ -17,6 +17,7 @@
 #include "core/notes.h"
 #include "core/platform.h"
 #include "core/pose_spans.h"
+#include "core/recovery.h"
 #include "core/run.h"
 #include "core/units.h"
 
@@ -85,6 +86,12 @@ void ForgetPath() {
 
 }  // namespace
 
+void TellWhetherOpenElsewhere(const std::string& path) {
+    if (!IsOpenElsewhere(path)) return;
+    ShowMessage("Another Corvinade has this job open:\r\n\r\n" + path +
+                "\r\n\r\nWhoever saves later is asked before the other's changes are replaced.");
+}
+
 void NoteJobFile(const JobFileContent& content, const std::string& path) {
     for (const Note& note : content.Noticed) AddNote(note.Code, note.Text, path, note.Line, note.Count);
     if (!content.BlockFault.empty())
@@ -121,6 +128,8 @@ void Save(const std::string& path, const std::function<bool(const std::string&)>
     ProgrammLogik();
     LogikLastFileEXIT();
     Run.JobDirty = kFalse;
+    JobStandsOnDisk();
+    TellWhetherOpenElsewhere(path);
 }
 
 }  // namespace
@@ -168,6 +177,8 @@ void OpenFile(const std::string& path) {
     RhoFestlegung();
     Run.JobDataValid = kTrue;  // the main sheet shows no others
     Changed(What::OpenedJob);
+    JobStandsOnDisk();
+    TellWhetherOpenElsewhere(path);
 }
 
 }  // namespace corvinade::core

@@ -107,4 +107,8 @@ void SaveFileAs(const std::string& path);
 // asked whether it shall be replaced. Throws PlatformError at "No"; the job stays unsaved then.
 void SaveUnlessChanged(const std::string& path);
 
+// Says so where another program that keeps recovery copies has the job open; nothing where this one keeps
+// none.
+void TellWhetherOpenElsewhere(const std::string& path);
+
 }  // namespace corvinade::core

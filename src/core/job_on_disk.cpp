@@ -82,6 +82,17 @@ void ForgetJobFile() {
     Known = {};
 }
 
+KnownBytes KnownOf(const std::string& path) {
+    if (path != Known.Path || !Known.HasBytes) return {};
+    return {true, Known.Length, Known.Hash};
+}
+
+// The state is that of no file, so that the contents are compared. Where nothing was known, whatever stands
+// at the path by then is another one's.
+void RememberKnown(const std::string& path, const KnownBytes& known) {
+    Known = {path, {}, known.Length, known.Hash, known.There};
+}
+
 void RememberNewJobFile(const std::string& path) {
     Known = {path, DiskStateOf(path), 0, 0, false};
 }

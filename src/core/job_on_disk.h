@@ -1,6 +1,7 @@
 // Whether the file of the job is still what was read from it, or written to it, last.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -23,6 +24,15 @@ DiskState DiskStateOf(const std::string& path);
 void RememberJobFile(const std::string& path, const DiskState& state, std::string_view bytes);
 
 void ForgetJobFile();
+
+// What is remembered of a file, without its state: as a copy of the job keeps it for another run. Nothing is
+// known of a path that is not the remembered one.
+struct KnownBytes {
+    bool There = false;
+    std::size_t Length = 0, Hash = 0;
+};
+KnownBytes KnownOf(const std::string& path);
+void RememberKnown(const std::string& path, const KnownBytes& known);
 
 // A new job is to be written there: what is there now may be replaced, what comes later may not.
 void RememberNewJobFile(const std::string& path);

@@ -236,8 +236,9 @@ bool WentThrough(const std::function<void()>& work) {
 bool Dispatch(const std::function<void()>& work) {
     const bool done = WentThrough([&work] { RunEvent(work); });
     ShowNotes();
-    if (!done) ShowMessage(Run.LastPlatformError);
-    return done;
+    if (done || Run.LastPlatformError.empty()) return true;  // without words: the user has ended it himself
+    ShowMessage(Run.LastPlatformError);
+    return false;
 }
 
 bool UserClick(Control& control) {

@@ -17,6 +17,7 @@
 #include <utility>
 
 #include "core/platform.h"
+#include "core/recovery.h"
 #include "core/run.h"
 #include "fit/require.h"
 #include "ui/binder.h"
@@ -28,6 +29,7 @@
 #include "ui/plots.h"
 #include "ui/program_keys.h"
 #include "ui/qt_text.h"
+#include "ui/recovery_watch.h"
 #include "ui/screen_windows.h"
 
 namespace corvinade::ui {
@@ -271,7 +273,8 @@ void ShowState(bool insideWork) {
         BringToFront(*window, open);
         ShowControls(*window, panels);
         ShowPlot(*window, *open.Form);
-        const QString title = Q(window->State->Caption);
+        QString title = Q(window->State->Caption);
+        if (window == &frame && Recovery.Changed) title.prepend(QStringLiteral("* "));  // not saved
         if (open.Outer->windowTitle() != title) open.Outer->setWindowTitle(title);
         if (open.Form->isEnabled() != window->State->Enabled) open.Form->setEnabled(window->State->Enabled);
     }
@@ -291,10 +294,16 @@ void ShowState(bool insideWork) {
     }
 }
 
+bool IsInEvent() {
+    return Desktop.Events > 0;
+}
+
 void UserDid(const std::function<void()>& action) {
+    if (Desktop.Events == 0) TendBeforeEvent();
     ++Desktop.Events;
     action();
     --Desktop.Events;
+    if (Desktop.Events == 0) TendAfterEvent();
     ShowState(Desktop.Events > 0);
 }
 

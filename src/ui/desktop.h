@@ -27,6 +27,9 @@ void ShowState(bool insideWork = false);
 // Every event of the user goes through here: it runs, and what it changed is shown.
 void UserDid(const std::function<void()>& action);
 
+// One of the user's events runs.
+bool IsInEvent();
+
 // The form of a window in the resources. Names of files are ASCII, those of windows are not.
 QString FormFile(const WindowEntry& window);
 

@@ -7,9 +7,11 @@
 #include "core/controller.h"
 #include "core/file_writer.h"
 #include "core/fresh_start.h"
+#include "core/recovery.h"
 #include "core/system_files.h"
 #include "ui/desktop.h"
 #include "ui/qt_text.h"
+#include "ui/recovery_watch.h"
 #include "ui/start_screen.h"
 #include "ui/theme.h"
 
@@ -69,7 +71,9 @@ int main(int argc, char** argv) {
     // The start-up takes the command line as a shell would hand it over that leaves the quotes on.
     const std::string job = jobs.isEmpty() ? "" : "\"" + S(QFileInfo(jobs.front()).absoluteFilePath()) + "\"";
     UserDid([&job] { StartUp(job); });
+    WatchRecovery();
     const int status = QApplication::exec();
+    EndRecovery();
     CloseDesktop();
     return status;
 }

@@ -109,6 +109,36 @@ TEST_F(Ends, WhatAKillLeavesTheNextRunRemoves) {
     EXPECT_NE(Contents(out), "old");
 }
 
+TEST_F(Ends, AKillLeavesTheUnsavedJobToTheNextStart) {
+    const std::vector<std::string> line = {"automate",   "--settings-dir", folder_,
+                                           "--recovery", "--job",          job_};
+    const std::string before = Contents(job_);
+    const auto say = [](const Child& child, const std::string& text) {
+        ASSERT_EQ(write(child.In, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    };
+    for (const char* value : {"4711", "4712", "4713"}) {
+        Write("out", "");  // the answer of the round before
+        const Child child = Run(line);
+        say(child, std::string(R"({"do":"record","name":"TraX","value":)") + value + "}\n");
+        const auto answered = [&] { return Contents(PathOf("out")).find('\n') != std::string::npos; };
+        for (int wait = 0; wait < 20000 && !answered(); ++wait) usleep(1000);
+        ASSERT_TRUE(answered()) << Contents(PathOf("err"));
+        ASSERT_EQ(kill(child.Id, SIGKILL), 0);
+        EndOf(child);
+        EXPECT_EQ(Contents(job_), before);
+        const Child next = Run(line);
+        say(next, R"({"do":"click","at":"FormRecovery.BtnRestore"})"
+                  "\n"
+                  R"({"do":"record","name":"TraX"})"
+                  "\n"
+                  R"({"do":"quit"})"
+                  "\n");
+        EXPECT_EQ(EndOf(next), 0);
+        EXPECT_NE(Contents(PathOf("out")).find(std::string("\"value\":") + value), std::string::npos);
+        EXPECT_FALSE(fs::exists(folder_ + "/Corvinade/recovery-1.cvn"));
+    }
+}
+
 TEST_F(Ends, AnInputThatBreaksOffIsNoEndOfIt) {
     const std::string settings = folder_;
     const Child child = Run({"automate", "--settings-dir", settings});
