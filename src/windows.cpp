@@ -19,6 +19,7 @@
 #include "bundle/network.h"
 #include "core/changes.h"
 #include "core/controller.h"
+#include "core/desktop_defaults.h"
 #include "core/form_help_info.h"
 #include "core/form_main.h"
 #include "core/form_notes.h"
@@ -110,6 +111,7 @@ void (*const kRecords[])() = {
     [] { Changes = ChangesRecord{}; },
     [] { Notes = NotesRecord{}; },
     [] { Settings = SettingsRecord{}; },
+    [] { DesktopDefaults = DesktopDefaultsRecord{}; },
     [] { WrittenNumbers = WrittenNumbersRecord{}; },
     [] { Units = UnitsRecord{}; },
     [] { Chain = ChainRecord{}; },

@@ -178,6 +178,8 @@ CLI::App* AddAutomate(CLI::App& app, AutomateSwitches& s) {
         ->check(Written(SizeFromText))
         ->type_name("WxH")
         ->capture_default_str();
+    automate->add_flag("--desktop-defaults", s.Options.DesktopDefaults,
+                       "Begin with the defaults of the desktop, not with those that scripts know");
     AddDecimal(*automate, s.Decimal, "Options", "that of the locale");
     return automate;
 }
