@@ -46,6 +46,7 @@
 #include "engine/monte_carlo.h"
 #include "engine/noise.h"
 #include "engine/norms.h"
+#include "engine/result_state.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
 #include "graphics/ellipsoids.h"
@@ -120,6 +121,7 @@ void (*const kRecords[])() = {
     [] { Calculation = CalculationRecord{}; },
     [] { CalculationWindow = CalculationWindowRecord{}; },
     [] { Norm = NormRecord{}; },
+    [] { ShownResult = ResultStateRecord{}; },
     [] { Certificate = CertificateRecord{}; },
     [] { MonteCarlo = MonteCarloRecord{}; },
     [] { Noise = NoiseRecord{}; },

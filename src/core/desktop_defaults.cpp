@@ -13,7 +13,7 @@ constexpr DesktopDefault kDefaults[] = {
     {"ColorLimits", &Record::ColorLimits}, {"NeutralColor", &Record::NeutralColor},
     {"ColorBar", &Record::ColorBar},       {"Fit", &Record::Fit},
     {"ResultState", &Record::ResultState}, {"ResultFields", &Record::ResultFields},
-    {"PointTable", &Record::PointTable},
+    {"AfterImport", &Record::AfterImport}, {"PointTable", &Record::PointTable},
 };
 
 }  // namespace

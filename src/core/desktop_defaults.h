@@ -17,6 +17,7 @@ struct DesktopDefaultsRecord {
     bool Fit = false;           // leaves room for the bar, points have a least size, the worst is on top
     bool ResultState = false;   // a result that is stored or out of date is said to be so
     bool ResultFields = false;  // a dash where a number would say nothing true
+    bool AfterImport = false;   // what has come in is shown, and what to do next
     bool PointTable = false;    // the rows of one point stay together when they are sorted
 };
 inline DesktopDefaultsRecord DesktopDefaults;

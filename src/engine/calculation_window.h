@@ -102,9 +102,15 @@ void CalculationWindow_UnitsChanged();  // shows everything in the present units
 // Fills the window from the job: parameters as the job has them, or six parameters for a fresh one.
 void INI_Formtrafoberechnung();
 
+// What the window chooses has changed.
+void ChoiceChanged();
+
 // Fills all result fields from the last calculation, the table and the clipboard, and keeps its quality for
 // the next comparison.
 void FormThings();
+
+// Parameters that float, and where `whole` is true quality and sigmas too, from Job and Calculation.
+void ShowResultFields(bool whole);
 
 // Rebuilds the point table, for the kinds of row that the window's boxes name; without any it stays as it
 // is. Chooses the default seed points where the job has none. The points are read when the table is first
