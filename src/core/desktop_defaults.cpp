@@ -13,7 +13,8 @@ constexpr DesktopDefault kDefaults[] = {
     {"ColorLimits", &Record::ColorLimits}, {"NeutralColor", &Record::NeutralColor},
     {"ColorBar", &Record::ColorBar},       {"Fit", &Record::Fit},
     {"ResultState", &Record::ResultState}, {"ResultFields", &Record::ResultFields},
-    {"AfterImport", &Record::AfterImport}, {"PointTable", &Record::PointTable},
+    {"AfterImport", &Record::AfterImport}, {"FailedImport", &Record::FailedImport},
+    {"RecentJobs", &Record::RecentJobs},   {"PointTable", &Record::PointTable},
 };
 
 }  // namespace

@@ -18,6 +18,8 @@ struct DesktopDefaultsRecord {
     bool ResultState = false;   // a result that is stored or out of date is said to be so
     bool ResultFields = false;  // a dash where a number would say nothing true
     bool AfterImport = false;   // what has come in is shown, and what to do next
+    bool FailedImport = false;  // leaves the points of before, as one that was stopped does
+    bool RecentJobs = false;    // list the jobs that were opened, too
     bool PointTable = false;    // the rows of one point stay together when they are sorted
 };
 inline DesktopDefaultsRecord DesktopDefaults;

@@ -146,8 +146,11 @@ TEST_F(AgeOfResult, AStoredResultOfAnotherNormShowsItsParametersAndNoSigma) {
 
 TEST_F(AgeOfResult, AJobWithoutAResultOpensNothing) {
     SaveFileAs(PathOf("cell.cvn"));
+    ::Run.LastFile = {};
+    ::Run.JobFilePath = PathOf("cell.cvn");  // as the menu does
     RunHandler([this] { OpenFile(PathOf("cell.cvn")); });
     EXPECT_FALSE(IsLoaded("FormTrafoBerechnung"));
+    EXPECT_EQ(::Run.LastFile[1], PathOf("cell.cvn")) << "it is a recent one all the same";
 }
 
 TEST_F(AgeOfResult, PointsThatHaveComeInAreShown) {
