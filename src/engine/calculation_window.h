@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <span>
 
 #include "core/arrays.h"
@@ -109,8 +110,9 @@ void ChoiceChanged();
 // the next comparison.
 void FormThings();
 
-// Parameters that float, and where `whole` is true quality and sigmas too, from Job and Calculation.
-void ShowResultFields(bool whole);
+// Parameters that float, largest deviations, all quality and sigmas: from Job and Calculation.
+enum class KnownOfResult : std::uint8_t { Parameters, Deviations, All };
+void ShowResultFields(KnownOfResult known);
 
 // Rebuilds the point table, for the kinds of row that the window's boxes name; without any it stays as it
 // is. Chooses the default seed points where the job has none. The points are read when the table is first

@@ -156,10 +156,10 @@ void ShowPointNames(const Extremes& found) {
 // search begins with, and has always been: such a job shows the latter.
 constexpr double kNoPoint = -1e10;
 
-void ShowQuality() {
+void ShowQuality(int from = kSxyz) {
     const Extremes found = FindExtremes();
     const auto values = QualityValues(found);
-    for (int quality = kSxyz; quality < kQualityEnd; ++quality)
+    for (int quality = from; quality < kQualityEnd; ++quality)
         SetText(*QualityRow(quality).Field, ShownLength(values[At(quality)]));
     if (found.Max3D == kNoPoint) SetText(w.TextMaxDevxyz, "no xyz");
     ShowPointNames(found);
@@ -191,11 +191,11 @@ void TransformPairsForRVectors() {
 
 }  // namespace
 
-void ShowResultFields(bool whole) {
+void ShowResultFields(KnownOfResult known) {
     ShowParameters(false);
-    if (!whole || !IsLoaded("FormTrafoBerechnung")) return;
-    ShowQuality();
-    ShowSigmas();
+    if (known == KnownOfResult::Parameters || !IsLoaded("FormTrafoBerechnung")) return;
+    ShowQuality(known == KnownOfResult::All ? kSxyz : kMaxDevxyz);
+    if (known == KnownOfResult::All) ShowSigmas();
 }
 
 void ResetArrows() {

@@ -107,22 +107,41 @@ void ShowState() {
     }
 }
 
+// In the models of distances and tools a residual is not the way to the target point.
+bool ResidualsAreDeviations() {
+    return !IsTrue(Job.IsParaboloid) && ChooseMode(Job.ParamText) == FitMode::Coincide;
+}
+
 bool StatisticsAreThose() {
-    return IsLeastSquares(NormOfJob()) && !IsTrue(Job.IsParaboloid) && !SigmasOf(Job).Any() &&
-           ChooseMode(Job.ParamText) == FitMode::Coincide;
+    return IsLeastSquares(NormOfJob()) && !SigmasOf(Job).Any();
+}
+
+void TakeStoredDeviations() {
+    const int n = 3 * Job.Pairs();
+    Calculation = CalculationRecord{};
+    Calculation.nObs = n;
+    Calculation.P = WeightsFromUseFlags(n);
+    Calculation.v.assign(At(n) + 1, 0);
+    for (int i = 1; i <= Job.Pairs(); ++i) {
+        const Vec3 stored = TransformedPoint(i), target = TargetPoint(i);
+        for (int axis = 1; axis <= 3; ++axis)
+            Calculation.v[At(3 * (i - 1) + axis)] = stored(axis) - target(axis);
+    }
 }
 
 }  // namespace
 
-bool TakeStoredResult() {
-    if (!HasStoredResult() || !StatisticsAreThose()) return false;
+KnownOfResult TakeStoredResult() {
+    if (!HasStoredResult() || !ResidualsAreDeviations()) return KnownOfResult::Parameters;
+    TakeStoredDeviations();
+    if (!StatisticsAreThose()) return KnownOfResult::Deviations;
     SelectionFromJob();
     const int u = CountUnknowns(Job.ParamText), n = 3 * Job.Pairs();
     Column P = WeightsFromUseFlags(n);
     int used = 0;
     for (const double weight : P) used += weight != 0 ? 1 : 0;
     GatheredPoints points;
-    if (used < u || !GatherForFit(P, points)) return false;
+    if (used < u || !GatherForFit(P, points)) return KnownOfResult::Deviations;
 
     // The linearisation leaves its traces in the job and in the run; the job is to stay as it was opened.
     const Parameters before = ParametersOf(Job);
@@ -133,7 +152,7 @@ bool TakeStoredResult() {
     const FitModel model = Adjustment.Model;
     PutParameters(before, Job);
     std::tie(Job.RotXCopy, Job.RotYCopy, Job.RotZCopy) = std::tie(copies[0], copies[1], copies[2]);
-    if (Adjustment.JobChanged || !GivesTheStoredPoints(v)) return false;
+    if (Adjustment.JobChanged || !GivesTheStoredPoints(v)) return KnownOfResult::Deviations;
     Calculation = CalculationRecord{};
     Calculation.Done = true;
     Calculation.JobGeneration = Run.JobGeneration;
@@ -146,7 +165,7 @@ bool TakeStoredResult() {
     std::copy(Job.LeftOpen.begin(), Job.LeftOpen.end(), Calculation.HeldByFit.begin());
     std::copy(model.UnknownOf.begin(), model.UnknownOf.end(), Calculation.UnknownOf.begin());
     FillStatistics(model);
-    return true;
+    return KnownOfResult::All;
 }
 
 void ResultIsFresh() {
@@ -160,7 +179,7 @@ void ShowKnownResult() {
     const bool ofFile = ShownResult.OfFile && ShownResult.From.JobGeneration == Run.JobGeneration;
     const bool ofThisRun = CalculationIsOfThisJob() && !ofFile;
     if (ofThisRun) {
-        ShowResultFields(true);
+        ShowResultFields(KnownOfResult::All);
         // The boxes are those of the last calculation; points and use may be others.
         ResultSource now = SourceNow();
         if (ShownResult.State == ResultState::None)

@@ -9,6 +9,7 @@
 
 #include "core/arrays.h"
 #include "core/rooms.h"
+#include "engine/calculation_window.h"
 
 namespace corvinade::engine {
 
@@ -55,9 +56,9 @@ void OpenWindowOfResult();
 void ShowImport();
 
 // Fills Calculation with residuals and statistics of the parameters that the job holds, without a fit and
-// without changing the job. False, with nothing changed, where that would not be what was calculated: another
-// norm than least squares, sigmas as weights, distances, tools and shapes, parameters that do not give the
-// stored points.
-bool TakeStoredResult();
+// without changing the job; says how much that is. Nothing but residuals where the statistics would not be
+// those that were calculated: of another norm than least squares, with sigmas as weights, of parameters that
+// do not give the stored points. Nothing at all for distances, tools and shapes.
+KnownOfResult TakeStoredResult();
 
 }  // namespace corvinade::engine

@@ -6,6 +6,7 @@
 #include <optional>
 #include <type_traits>
 
+#include "core/desktop_defaults.h"
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/platform.h"
@@ -356,7 +357,9 @@ void ColorBar_ShowWindow(const ScreenWindow& window) {
 std::vector<Colour> ColorBarSample(int& below) {
     std::vector<Colour> colours;
     const ScreenWindow* window = findLFDFORM();
-    below = window == nullptr ? 0 : std::max<int>(window->State.AnzKlassenNeg, 0);
+    // What has no sign has no side below zero, in the picture's bar either.
+    const bool oneSided = window != nullptr && DesktopDefaults.ColorBar && !IsSigned(window->State);
+    below = window == nullptr || oneSided ? 0 : std::max<int>(window->State.AnzKlassenNeg, 0);
     if (window == nullptr) return colours;
     for (int k = 1 - below; k <= window->State.AnzKlassenPos; ++k) colours.push_back(ClassColour(*window, k));
     return colours;

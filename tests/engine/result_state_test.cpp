@@ -136,12 +136,15 @@ TEST_F(AgeOfResult, AStoredResultOfAnotherNormShowsItsParametersAndNoSigma) {
     Open();
     UserSetValue(w.OptionL1, 1);
     Calculate();
-    const std::string shift = w.TextTraX.Text;
+    const std::string shift = w.TextTraX.Text, largest = w.TextMaxDevX.Text, point = w.TextMaxDevXYZPkt.Text;
     SaveFileAs(PathOf("cell.cvn"));
     RunHandler([this] { OpenFile(PathOf("cell.cvn")); });
     EXPECT_EQ(Word(), "stored");
     EXPECT_EQ(w.TextTraX.Text, shift);
     EXPECT_EQ(w.TextSigmaTraX.Text, "");
+    EXPECT_EQ(w.TextS0.Text, "");
+    EXPECT_EQ(w.TextMaxDevX.Text, largest);
+    EXPECT_EQ(w.TextMaxDevXYZPkt.Text, point);
 }
 
 TEST_F(AgeOfResult, AJobWithoutAResultOpensNothing) {
