@@ -19,6 +19,7 @@
 #include "bundle/network.h"
 #include "core/changes.h"
 #include "core/controller.h"
+#include "core/desktop_defaults.h"
 #include "core/form_help_info.h"
 #include "core/form_main.h"
 #include "core/form_notes.h"
@@ -47,6 +48,7 @@
 #include "engine/monte_carlo.h"
 #include "engine/noise.h"
 #include "engine/norms.h"
+#include "engine/result_state.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
 #include "graphics/ellipsoids.h"
@@ -117,6 +119,7 @@ void (*const kRecords[])() = {
     },
     [] { Notes = NotesRecord{}; },
     [] { Settings = SettingsRecord{}; },
+    [] { DesktopDefaults = DesktopDefaultsRecord{}; },
     [] { WrittenNumbers = WrittenNumbersRecord{}; },
     [] { Units = UnitsRecord{}; },
     [] { Chain = ChainRecord{}; },
@@ -125,6 +128,7 @@ void (*const kRecords[])() = {
     [] { Calculation = CalculationRecord{}; },
     [] { CalculationWindow = CalculationWindowRecord{}; },
     [] { Norm = NormRecord{}; },
+    [] { ShownResult = ResultStateRecord{}; },
     [] { Certificate = CertificateRecord{}; },
     [] { MonteCarlo = MonteCarloRecord{}; },
     [] { Noise = NoiseRecord{}; },

@@ -26,6 +26,7 @@
 #include "cli/request.h"
 #include "cli/scene_json.h"
 #include "core/controller.h"
+#include "core/desktop_defaults.h"
 #include "core/form_main.h"
 #include "core/form_recovery.h"
 #include "core/numbers.h"
@@ -413,6 +414,7 @@ void StartAutomation(const AutomationOptions& options) {
     Headless.OnYield = AtYield;
     Headless.OnForm = AtForm;
     StartScreens(options.ScreenWidth, options.ScreenHeight);
+    if (options.DesktopDefaults) WantDesktopDefaults();
     StartUp(options.Job.empty() ? "" : "\"" + options.Job + "\"");
     if (options.Recovery) Dispatch([] { BeginRecovery(); });
 }

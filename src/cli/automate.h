@@ -12,7 +12,8 @@ struct AutomationOptions {
     std::string Job;        // opened at the start, as a quoted command line argument would be
     int ScreenWidth = 800;  // inner size of a new graphics window, pixels
     int ScreenHeight = 600;
-    bool Recovery = false;  // recovery copies and their questions, as on the desktop
+    bool Recovery = false;         // recovery copies and their questions, as on the desktop
+    bool DesktopDefaults = false;  // begin with what people have, not with what scripts know
 };
 
 // Starts the program and gives the first part of its first reply: what came up during the start waits

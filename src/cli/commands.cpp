@@ -180,6 +180,8 @@ CLI::App* AddAutomate(CLI::App& app, AutomateSwitches& s) {
         ->capture_default_str();
     automate->add_flag("--recovery", s.Options.Recovery,
                        "Keep recovery copies beside the settings, as the desktop does");
+    automate->add_flag("--desktop-defaults", s.Options.DesktopDefaults,
+                       "Begin with the defaults of the desktop, not with those that scripts know");
     AddDecimal(*automate, s.Decimal, "Options", "that of the locale");
     return automate;
 }

@@ -32,6 +32,8 @@ enum class What : std::uint32_t {
     PointInSheet = 1U << 16U,  // the point chosen in the main sheet
     NoPictures = 1U << 17U,    // what the pictures show is given up
     ProgramEnd = 1U << 18U,    // all windows but the main one are closed
+    // Behind the handler, as those above all of these.
+    Choice = 1U << 19U,  // what a calculation may change, and its norm
 };
 
 constexpr What operator|(What a, What b) {
@@ -66,6 +68,8 @@ enum class Turn : std::uint8_t {
     TopWindow,
     Forms,
     Reliability,
+    OpenedResult,
+    ResultAge,
     Statistic,
 };
 

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "core/changes.h"
+#include "core/desktop_defaults.h"
 #include "core/file_state.h"
 #include "core/files.h"
 #include "core/form_main.h"
@@ -177,6 +178,7 @@ void StartUp(const std::string& commandLine) {
     if (!Dispatch(FindSettingsFile)) Settings.RefusalTold = true;
     Dispatch(ReadSettings);
     Dispatch(CheckSettingsUnits);
+    Dispatch(TakeDesktopDefaults);
     ShowStartScreen();
     Dispatch(Initialisieren);
     if (!commandLine.empty())

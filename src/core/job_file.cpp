@@ -7,6 +7,7 @@
 
 #include "core/changes.h"
 #include "core/controller.h"
+#include "core/desktop_defaults.h"
 #include "core/file_state.h"
 #include "core/files.h"
 #include "core/form_main.h"
@@ -177,6 +178,7 @@ void OpenFile(const std::string& path) {
     RhoFestlegung();
     Run.JobDataValid = kTrue;  // the main sheet shows no others
     Changed(What::OpenedJob);
+    if (DesktopDefaults.RecentJobs) LogikLastFileEXIT();
     JobStandsOnDisk();
     TellWhetherOpenElsewhere(path);
 }

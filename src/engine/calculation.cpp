@@ -51,23 +51,6 @@ double DistanceFromNeutral(int parameter) {
     }
 }
 
-void FillStatistics(const FitModel& model) {
-    Statistics(Calculation.v, Calculation.P, Calculation.nObs, Calculation.s0, Calculation.sx, Calculation.sy,
-               Calculation.sz);
-    Calculation.SigmaXYZ = std::sqrt(Calculation.sx * Calculation.sx + Calculation.sy * Calculation.sy +
-                                     Calculation.sz * Calculation.sz);
-    Calculation.Sigma.fill(0);
-    Calculation.Significance.fill(0);
-    for (int parameter = kTraX; parameter < kParameterEnd; ++parameter) {
-        const int j = model.UnknownOf[At(parameter)];
-        if (j == 0) continue;
-        const double sigma = std::sqrt(std::fabs(Calculation.Q(j, j))) * Calculation.s0;
-        Calculation.Sigma[At(parameter)] = sigma;
-        Calculation.Significance[At(parameter)] =
-            std::fabs(DistanceFromNeutral(parameter) / (sigma + kSignificanceEps));
-    }
-}
-
 // Sigma of the R vector's length, by those of its parts.
 void FillToolStatistics() {
     double variance = 0;
@@ -174,6 +157,23 @@ bool ParametersAreFinite() {
 }
 
 }  // namespace
+
+void FillStatistics(const FitModel& model) {
+    Statistics(Calculation.v, Calculation.P, Calculation.nObs, Calculation.s0, Calculation.sx, Calculation.sy,
+               Calculation.sz);
+    Calculation.SigmaXYZ = std::sqrt(Calculation.sx * Calculation.sx + Calculation.sy * Calculation.sy +
+                                     Calculation.sz * Calculation.sz);
+    Calculation.Sigma.fill(0);
+    Calculation.Significance.fill(0);
+    for (int parameter = kTraX; parameter < kParameterEnd; ++parameter) {
+        const int j = model.UnknownOf[At(parameter)];
+        if (j == 0) continue;
+        const double sigma = std::sqrt(std::fabs(Calculation.Q(j, j))) * Calculation.s0;
+        Calculation.Sigma[At(parameter)] = sigma;
+        Calculation.Significance[At(parameter)] =
+            std::fabs(DistanceFromNeutral(parameter) / (sigma + kSignificanceEps));
+    }
+}
 
 bool CalculationIsOfThisJob() {
     return Calculation.Done && Calculation.JobGeneration == Run.JobGeneration &&

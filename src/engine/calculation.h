@@ -6,6 +6,7 @@
 
 #include "core/arrays.h"
 #include "core/rooms.h"
+#include "engine/design.h"
 
 namespace corvinade::engine {
 
@@ -31,6 +32,9 @@ inline CalculationRecord Calculation;
 
 // A calculation has ended for the points that the job holds now.
 bool CalculationIsOfThisJob();
+
+// Sigmas and significance of the model's parameters from residuals, weights and Q of Calculation.
+void FillStatistics(const FitModel& model);
 
 // The weights of n observations that a calculation begins with. Pairs that have no flags yet take part.
 Column WeightsFromUseFlags(int n);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <span>
 
 #include "core/arrays.h"
@@ -102,9 +103,16 @@ void CalculationWindow_UnitsChanged();  // shows everything in the present units
 // Fills the window from the job: parameters as the job has them, or six parameters for a fresh one.
 void INI_Formtrafoberechnung();
 
+// What the window chooses has changed.
+void ChoiceChanged();
+
 // Fills all result fields from the last calculation, the table and the clipboard, and keeps its quality for
 // the next comparison.
 void FormThings();
+
+// Parameters that float, largest deviations, all quality and sigmas: from Job and Calculation.
+enum class KnownOfResult : std::uint8_t { Parameters, Deviations, All };
+void ShowResultFields(KnownOfResult known);
 
 // Rebuilds the point table, for the kinds of row that the window's boxes name; without any it stays as it
 // is. Chooses the default seed points where the job has none. The points are read when the table is first

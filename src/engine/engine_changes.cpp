@@ -3,6 +3,7 @@
 
 #include "core/form_units.h"
 #include "engine/calculation_window.h"
+#include "engine/result_state.h"
 
 namespace corvinade::engine {
 
@@ -28,10 +29,25 @@ void ConvertHeldValues(What) {
     HeldValues_UnitsChanged(UnitsWindow.LengthBefore, UnitsWindow.AngleBefore);
 }
 
+constexpr What kSourceOfResult = What::Choice | What::Use | What::Points | What::MorePoints | What::Restored |
+                                 What::Coordinates | What::Result | What::OpenedJob;
+
+void ShowAgeOfResult(What changed) {
+    if (Share(changed, What::UnitsAndDigits)) ResultInOtherUnits();
+    CheckResultState();
+}
+
+void ShowWhatCameIn(What changed) {
+    if (Share(changed, What::OpenedJob)) OpenWindowOfResult();
+    if (Share(changed, What::Points)) ShowImport();
+}
+
 constexpr ChangeRow kChanges[] = {
     {What::UnitsAndDigits, Turn::CalculationUnits, ShowUnits},
     {What::Coordinates, Turn::PairTable, ShowPoints},
     {What::OpenedJob, Turn::CalculationFields, ShowJob, true},
+    {What::OpenedJob | What::Points, Turn::OpenedResult, ShowWhatCameIn, true},
+    {kSourceOfResult | What::UnitsAndDigits, Turn::ResultAge, ShowAgeOfResult},
     {What::UnitFactors, Turn::HeldValues, ConvertHeldValues},
 };
 

@@ -11,6 +11,7 @@
 #include "engine/calculation_window.h"
 #include "engine/monte_carlo.h"
 #include "engine/norm_table.h"
+#include "engine/result_state.h"
 #include "engine/selection.h"
 #include "fit/require.h"
 
@@ -50,28 +51,28 @@ Control Arrow(const char* shape) {
 
 const ControlEntry kControls[] = {
     {"CheckTraX", &w.CheckTraX, CheckBox("Tra &x"), {.Click = FormTrafoBerechnung::CheckTraX_Click}},
-    {"TextTraX", &w.TextTraX, Field("0")},
+    {"TextTraX", &w.TextTraX, Field("0"), {.Change = ChoiceChanged}},
     {"CheckTraY", &w.CheckTraY, CheckBox("Tra &y"), {.Click = FormTrafoBerechnung::CheckTraY_Click}},
-    {"TextTraY", &w.TextTraY, Field("0")},
+    {"TextTraY", &w.TextTraY, Field("0"), {.Change = ChoiceChanged}},
     {"CheckTraZ", &w.CheckTraZ, CheckBox("Tra &z"), {.Click = FormTrafoBerechnung::CheckTraZ_Click}},
-    {"TextTraZ", &w.TextTraZ, Field("0")},
+    {"TextTraZ", &w.TextTraZ, Field("0"), {.Change = ChoiceChanged}},
     {"CheckRotX", &w.CheckRotX, CheckBox("Rot x"), {.Click = FormTrafoBerechnung::CheckRotX_Click}},
-    {"TextRotX", &w.TextRotX, Field("0")},
+    {"TextRotX", &w.TextRotX, Field("0"), {.Change = ChoiceChanged}},
     {"CheckRotY", &w.CheckRotY, CheckBox("Rot y'"), {.Click = FormTrafoBerechnung::CheckRotY_Click}},
     {"TextRotY", &w.TextRotY, Field("0"), {.Change = FormTrafoBerechnung::TextRotY_Change}},
     {"CheckRotZ", &w.CheckRotZ, CheckBox("Rot z''"), {.Click = FormTrafoBerechnung::CheckRotZ_Click}},
-    {"TextRotZ", &w.TextRotZ, Field("0")},
+    {"TextRotZ", &w.TextRotZ, Field("0"), {.Change = ChoiceChanged}},
     {"CheckScaleX", &w.CheckScaleX, CheckBox("Scale x"), {.Click = FormTrafoBerechnung::CheckScaleX_Click}},
-    {"TextScaleX", &w.TextScaleX, Field("1")},
+    {"TextScaleX", &w.TextScaleX, Field("1"), {.Change = ChoiceChanged}},
     {"CheckScaleY", &w.CheckScaleY, CheckBox("Scale y"), {.Click = FormTrafoBerechnung::CheckScaleY_Click}},
-    {"TextScaleY", &w.TextScaleY, Field("1")},
+    {"TextScaleY", &w.TextScaleY, Field("1"), {.Change = ChoiceChanged}},
     {"CheckScaleZ", &w.CheckScaleZ, CheckBox("Scale z"), {.Click = FormTrafoBerechnung::CheckScaleZ_Click}},
-    {"TextScaleZ", &w.TextScaleZ, Field("1")},
+    {"TextScaleZ", &w.TextScaleZ, Field("1"), {.Change = ChoiceChanged}},
     {"CheckScaleXYZ",
      &w.CheckScaleXYZ,
      CheckBox("Scale xyz"),
      {.Click = FormTrafoBerechnung::CheckScaleXYZ_Click}},
-    {"TextScaleXYZ", &w.TextScaleXYZ, Field("1")},
+    {"TextScaleXYZ", &w.TextScaleXYZ, Field("1"), {.Change = ChoiceChanged}},
     {"CheckXY", &w.CheckXY, CheckBox("xy"), {.Click = FormTrafoBerechnung::CheckXY_Click}},
     {"TextXY", &w.TextXY, Field("0"), {.Change = Logic_BtnShowAlternativ}},
     {"CheckAzimuth",
@@ -82,14 +83,14 @@ const ControlEntry kControls[] = {
     {"CheckZtoXY", &w.CheckZtoXY, CheckBox("z to xy"), {.Click = FormTrafoBerechnung::CheckZtoXY_Click}},
     {"TextZtoXY", &w.TextZtoXY, Field("0"), {.Change = Logic_BtnShowAlternativ}},
     {"CheckRDist", &w.CheckRDist, CheckBox("R Dist"), {.Click = FormTrafoBerechnung::CheckRDist_Click}},
-    {"TextRDist", &w.TextRDist, Field("0")},
+    {"TextRDist", &w.TextRDist, Field("0"), {.Change = ChoiceChanged}},
     {"CheckUseABC",
      &w.CheckUseABC,
      CheckBox("R vector, use A B C of the poses"),
      {.Click = FormTrafoBerechnung::CheckUseABC_Click}},
-    {"TextRvec_x", &w.TextRvec_x, Field("0")},
-    {"TextRvec_y", &w.TextRvec_y, Field("0")},
-    {"TextRvec_z", &w.TextRvec_z, Field("0")},
+    {"TextRvec_x", &w.TextRvec_x, Field("0"), {.Change = ChoiceChanged}},
+    {"TextRvec_y", &w.TextRvec_y, Field("0"), {.Change = ChoiceChanged}},
+    {"TextRvec_z", &w.TextRvec_z, Field("0"), {.Change = ChoiceChanged}},
     {"CheckRDataKnown",
      &w.CheckRDataKnown,
      CheckBox("R data known"),
@@ -195,6 +196,7 @@ const ControlEntry kControls[] = {
      &w.BtnCalculate,
      Button("&Calculate"),
      {.Click = FormTrafoBerechnung::BtnCalculate_Click}},
+    {"LabelResultState", &w.LabelResultState, Hidden(Label(""))},
     {"BtnSTOP", &w.BtnSTOP, Disabled(Button("STO&P")), {.Click = FormTrafoBerechnung::BtnSTOP_Click}},
     {"BtnSwitchMcsOcs",
      &w.BtnSwitchMcsOcs,
@@ -393,6 +395,7 @@ const QualityControls& QualityRow(int quality) {
 
 void FormTrafoBerechnung::Form_Load() {
     INI_Formtrafoberechnung();
+    ShowKnownResult();
 }
 
 void FormTrafoBerechnung::Form_Unload() {

@@ -73,6 +73,7 @@ struct FormTrafoBerechnung {
     Control CheckMonteCarlo, CheckAutoRec;
 
     Control BtnCalculate, BtnSTOP;
+    Control LabelResultState;  // the age of what is shown, where that is not new
     Control BtnSwitchMcsOcs, LabelDirection;
     Control BtnSEED, BtnDetails;
     Control BtnSecSolution, BtnSecAffSol, BtnShowAlternativeRottAff;

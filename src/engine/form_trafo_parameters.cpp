@@ -3,6 +3,7 @@
 #include <array>
 #include <vector>
 
+#include "core/changes.h"
 #include "core/job.h"
 #include "core/units.h"
 #include "engine/calculation_window.h"
@@ -79,6 +80,7 @@ void UnmarkPreset() {
 
 // The seed of a parameter can be chosen while the parameter floats.
 void FollowWithSeed(const ParameterControls& row) {
+    ChoiceChanged();
     const bool floats = row.Check->Value == 1;
     row.SeedCheck->Enabled = floats;
     row.SeedText->Enabled = floats && row.SeedCheck->Value == 1;
@@ -329,6 +331,10 @@ void ChoosePreset(Control FormTrafoBerechnung::*option) {
 
 }  // namespace
 
+void ChoiceChanged() {
+    Changed(What::Choice);
+}
+
 void MarkPreset() {
     const auto rows = ParameterRows();
     const bool plain = std::all_of(rows.begin(), rows.end(), HoldsNothingOfItsOwn);
@@ -357,6 +363,7 @@ void FormTrafoBerechnung::Option12_Click() {
 void ChooseNorm(Control FormTrafoBerechnung::*option) {
     for (const NormRow& norm : Norms())
         if (norm.Option == option && (w.*option).Value != 0) Job.NormType = norm.Number;
+    ChoiceChanged();
     RecalculateIfAutomatic();
     if (!IsLoaded("FormTrafoBerechnung")) return;
     // The spread of noise is that of least squares.

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "core/controller.h"
+#include "core/desktop_defaults.h"
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/run.h"
@@ -15,7 +16,9 @@
 #include "engine/clipboard_report.h"
 #include "engine/deviation_extremes.h"
 #include "engine/field_number.h"
+#include "engine/norm_table.h"
 #include "engine/result_notes.h"
+#include "engine/result_state.h"
 #include "engine/selection.h"
 
 namespace corvinade::engine {
@@ -80,6 +83,18 @@ void ShowParameters(bool heldToo) {
     }
 }
 
+constexpr const char* kNothingTrue = "–";
+constexpr double kNoSpread_mm = 1e-9;  // rounding leaves more than nothing of residuals that are none
+
+// Why there is no sigma that would say something; "" where there is one, or the fields are as they were.
+const char* WhyNoSigma() {
+    if (!DesktopDefaults.ResultFields) return "";
+    if (!IsLeastSquares(NormOfJob())) return "Sigma and significance are those of least squares (L2) alone";
+    if (!(Calculation.s0 > kNoSpread_mm))
+        return "The points fit without a residual, so nothing tells how accurate the parameter is";
+    return "";
+}
+
 void ShowSigmas() {
     for (const ParameterControls& row : ParameterRows()) {
         const bool ofVector = row.Parameter == kRDist && Calculation.UnknownOf[kRvecX] != 0;
@@ -87,6 +102,13 @@ void ShowSigmas() {
         if (IsLeftOpen(row.Parameter)) {
             SetText(*row.Sigma, kOpenSigma);
             SetText(*row.Signifikanz, kOpenSignificance);
+            continue;
+        }
+        const char* const why = WhyNoSigma();
+        row.Sigma->ToolTip = row.Signifikanz->ToolTip = why;
+        if (*why != 0) {
+            SetText(*row.Sigma, kNothingTrue);
+            SetText(*row.Signifikanz, kNothingTrue);
             continue;
         }
         const double sigma = Calculation.Sigma[At(row.Parameter)];
@@ -134,10 +156,10 @@ void ShowPointNames(const Extremes& found) {
 // search begins with, and has always been: such a job shows the latter.
 constexpr double kNoPoint = -1e10;
 
-void ShowQuality() {
+void ShowQuality(int from = kSxyz) {
     const Extremes found = FindExtremes();
     const auto values = QualityValues(found);
-    for (int quality = kSxyz; quality < kQualityEnd; ++quality)
+    for (int quality = from; quality < kQualityEnd; ++quality)
         SetText(*QualityRow(quality).Field, ShownLength(values[At(quality)]));
     if (found.Max3D == kNoPoint) SetText(w.TextMaxDevxyz, "no xyz");
     ShowPointNames(found);
@@ -145,13 +167,16 @@ void ShowQuality() {
 
 void ShowTrends() {
     const auto values = QualityValues(FindExtremes());
+    // A first calculation of points is neither better nor worse than one of others, or than none.
+    const bool first = DesktopDefaults.ResultFields && ShownResult.TrendOf != Run.JobGeneration;
     for (int quality = kSxyz; quality < kQualityEnd; ++quality) {
         double& former = CalculationWindow.LastQuality[At(quality)];
         const bool better = std::fabs(values[At(quality)]) < std::fabs(former);
-        QualityRow(quality).ArrGreen->Visible = better;
-        QualityRow(quality).ArrRed->Visible = !better;
+        QualityRow(quality).ArrGreen->Visible = better && !first;
+        QualityRow(quality).ArrRed->Visible = !better && !first;
         former = values[At(quality)];
     }
+    ShownResult.TrendOf = Run.JobGeneration;
 }
 
 // --- Points -----------------------------------------------------------------------------------------------
@@ -165,6 +190,13 @@ void TransformPairsForRVectors() {
 }
 
 }  // namespace
+
+void ShowResultFields(KnownOfResult known) {
+    ShowParameters(false);
+    if (known == KnownOfResult::Parameters || !IsLoaded("FormTrafoBerechnung")) return;
+    ShowQuality(known == KnownOfResult::All ? kSxyz : kMaxDevxyz);
+    if (known == KnownOfResult::All) ShowSigmas();
+}
 
 void ResetArrows() {
     for (int quality = kSxyz; quality < kQualityEnd; ++quality)
@@ -181,8 +213,10 @@ void FormThings() {
         ShowTrends();
         ShowQuality();
         ShowSigmas();
+        if (!Calculation.Refused) ResultIsFresh();
     }
     TabelleFüllenNeu();
+    CheckResultState();
     if (!calculated) return;
     TransformPairsForRVectors();
     Run.CalcDone = kTrue;

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "core/changes.h"
+#include "core/desktop_defaults.h"
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/numbers.h"
@@ -32,6 +33,7 @@ void FillNow() {
     grid.Text = [](int row, int col) { return PointTableText(w.Points, row, col); };
     grid.BackColor = [](int row, int col) { return PointTableBackColor(w.Points, row, col); };
     SortAgain(grid, CalculationWindow.Sorting);
+    if (DesktopDefaults.PointTable) KeepPointsTogether(w.Points, CalculationWindow.Sorting.Col, grid.Order);
     KeepSelectionInside(grid);
 }
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "core/changes.h"
+#include "core/desktop_defaults.h"
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/platform.h"
@@ -108,8 +109,9 @@ void SwitchNamed(const Control& field, const char* axis) {
 void FormTrafoBerechnung::Tabelle_Click() {
     w.MenuTabelleCopy.Visible = false;
     GridState& grid = w.Tabelle.Grid;
-    if (grid.MouseRow == 0 && grid.Col < kColAfterValues)
-        SortByHeading(grid, grid.Col, CalculationWindow.Sorting);
+    if (grid.MouseRow != 0 || grid.Col >= kColAfterValues) return;
+    SortByHeading(grid, grid.Col, CalculationWindow.Sorting);
+    if (DesktopDefaults.PointTable) KeepPointsTogether(w.Points, grid.Col, grid.Order);
 }
 
 void FormTrafoBerechnung::Tabelle_DblClick() {

@@ -1,6 +1,8 @@
 // What the point table shows, cell by cell.
 #include "engine/point_table.h"
 
+#include <utility>
+
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/window.h"
@@ -108,6 +110,19 @@ bool IsDeviationRow(const PointTable& table, int row) {
 int DeviationRow(const PointTable& table, int point) {
     const int row = point * RowKinds(table);
     return IsDeviationRow(table, row) ? row : 0;
+}
+
+void KeepPointsTogether(const PointTable& table, int col, std::vector<int>& order) {
+    const int kinds = RowKinds(table);
+    if (kinds < 2 || order.size() != At(PointTableRows(table))) return;
+    const int key = col == kColName || !table.Deviation ? 0 : kinds - 1;
+    std::vector<int> together = {order.front()};
+    together.reserve(order.size());
+    for (const int row : order) {
+        if (!IsInside(table, row) || PlaceInGroup(table, row) != key) continue;
+        for (int place = 0; place < kinds; ++place) together.push_back(row - key + place);
+    }
+    order = std::move(together);
 }
 
 std::string PointTableText(const PointTable& table, int row, int col) {

@@ -55,6 +55,12 @@ int PointOfRow(const PointTable& table, int row);
 bool IsDeviationRow(const PointTable& table, int row);
 int DeviationRow(const PointTable& table, int point);
 
+// Of a table that has just been sorted by a column: `order`, which holds the rows as they were filled by
+// their places, gets the rows of each point side by side and in their own order. The points stand as those
+// rows do that the column is read in: names where they are, numbers where the deviations are, or in the first
+// row.
+void KeepPointsTogether(const PointTable& table, int col, std::vector<int>& order);
+
 // Text and back colour of a cell. The numbers are formatted here, for one cell alone.
 std::string PointTableText(const PointTable& table, int row, int col);
 std::int32_t PointTableBackColor(const PointTable& table, int row, int col);

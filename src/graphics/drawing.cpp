@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "core/desktop_defaults.h"
 #include "core/form_main.h"
 #include "core/run.h"
 #include "core/settings.h"
@@ -48,6 +49,7 @@ void Paint(ScreenWindow& window, const PictureLook& look) {
     if (IsTrue(state.GridXY) || IsTrue(state.GridYZ) || IsTrue(state.GridZX)) Zeichne_KSGrid(window);
     if (IsTrue(Settings.VectorQuat) && IsTrue(Run.TrafoValid)) Zeichne_Quat(window);
     if (look.ColorBar) Zeichne_ColorBar(window);
+    if (DesktopDefaults.Fit) DrawWorstPoint(window);
     Zeichne_Kosys(window, look.AxisLabels);
     Zeichne_Scale(window);
     if (flags) DrawFlags(window);

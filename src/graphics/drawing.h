@@ -16,6 +16,8 @@ void DrawRVectors(ScreenWindow& window);
 void Zeichne_KSGrid(ScreenWindow& window);
 void Zeichne_Quat(ScreenWindow& window);
 void Zeichne_ColorBar(ScreenWindow& window);
+// Where the bar with its texts begins, from the left, pixels.
+double ColorBarLeft(const ScreenWindow& window);
 void Zeichne_Kosys(ScreenWindow& window);
 void Zeichne_Kosys(ScreenWindow& window, bool labels);
 void Zeichne_Scale(ScreenWindow& window);

@@ -6,12 +6,14 @@
 #include <optional>
 #include <type_traits>
 
+#include "core/desktop_defaults.h"
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/records.h"
 #include "core/run.h"
 #include "core/units.h"
+#include "graphics/color_bar_limits.h"
 #include "graphics/drawing.h"
 #include "graphics/point_trust.h"
 #include "graphics/tolerance.h"
@@ -47,6 +49,7 @@ const ControlEntry kControls[] = {
      &ColorBarWindow.BtnSetMinAsTol,
      Button("Set Mi&nimum"),
      {.Click = Dialog::BtnSetMinAsTol_Click}},
+    {"LabelLimits", &ColorBarWindow.LabelLimits, Label("")},
     {"CheckSetMinMaxOnChange",
      &ColorBarWindow.CheckSetMinMaxOnChange,
      CheckBox("Limits follow the &data"),
@@ -151,28 +154,9 @@ std::string NumberCharacters(const std::string& text) {
     return kept;
 }
 
-double NumberOf(std::string text) {
-    std::replace(text.begin(), text.end(), SystemDecimal(), '.');
-    return Val(text);
-}
-
-// Up to six decimals, at least two.
-std::string LimitText(double value) {
-    std::string text = FormatNumber(value, "0.000000");
-    const std::size_t separator = text.find(SystemDecimal());
-    if (separator == std::string::npos) return text;
-    std::size_t end = text.size();
-    while (end > separator + 3 && text[end - 1] == '0') --end;
-    return text.substr(0, end);
-}
-
 // A spacing of the grid, mm.
 std::int32_t SpacingOf(const Control& text) {
-    return static_cast<std::int32_t>(std::clamp(std::nearbyint(NumberOf(text.Text)), 0.0, 1e9));
-}
-
-double LimitOf(const std::string& text, const std::string& shown, double stored) {
-    return text == shown ? stored : NumberOf(text) / ColorBarWindow.LengthFactor;
+    return static_cast<std::int32_t>(std::clamp(std::nearbyint(ColorBar_NumberOf(text.Text)), 0.0, 1e9));
 }
 
 std::int16_t ClassesOf(const Control& text) {
@@ -253,16 +237,6 @@ bool AllComponents() {
     return d.showX.Value == 1 && d.showY.Value == 1 && d.showZ.Value == 1;
 }
 
-// Writes the largest or the smallest size to the field of a limit.
-void SetLimitFromSizes(Control& text, double SizeRange::*size) {
-    ScreenWindow* window = findLFDFORM();
-    if (window == nullptr) return;
-    const SizeRange range = ShownSizes(*window);
-    if (!range.Any) return;
-    const double shown = TwoDecimalsDown(range.*size * ColorBarWindow.LengthFactor);
-    SetText(text, FormatNumber(shown, "0.00"));
-}
-
 void Close() {
     UnloadWindow("FormColorBar");
 }
@@ -325,11 +299,7 @@ void FormColorBar::Update() {
     ScreenRecord& state = window->State;
     state.AnzKlassenPos = ClassesOf(d.TextAnzahlTolKlassePos);
     state.AnzKlassenNeg = ClassesOf(d.TextAnzahlTolKlasseNeg);
-    state.Max = LimitOf(d.TextObereGrenze.Text, d.UpperShown, state.Max);
-    state.Min = LimitOf(d.TextUntereGrenze.Text, d.LowerShown, state.Min);
-    // From now on these texts stand for what has just been read, also while one of them is being typed.
-    d.UpperShown = d.TextObereGrenze.Text;
-    d.LowerShown = d.TextUntereGrenze.Text;
+    const bool typed = ColorBar_TakeLimits(state);
     state.showVeX = FlagOf(d.showX);
     state.showVeY = FlagOf(d.showY);
     state.showVeZ = FlagOf(d.showZ);
@@ -346,6 +316,8 @@ void FormColorBar::Update() {
         state.Max = ColoursByTrust(state.ColorBased) ? TrustLimit(state.ColorBased) : 0;
         state.Min = 0;
     }
+    // Those of another component are taken from the points when the classes are next filled.
+    if (before != state.ColorBased && !typed && HasDesktopLimits(state)) state.Max = state.Min = 0;
     state.CS_Type = d.CYL.Value == 1 ? "CYL" : d.SPH.Value == 1 ? "SPH" : "CART";
     state.ShowOnlyUsedComponent = FlagOf(d.CheckShowOnlyUsedComponent);
     state.AusserhalbTol = FlagOf(d.CheckAusserhalbTol);
@@ -364,44 +336,30 @@ void FormColorBar::Update() {
 }
 
 void FormColorBar::CS_Type_Wahl() {
-    struct Names {
-        const char *First, *Second, *Third, *All;
-    };
-    constexpr Names kCartesian = {"x", "y", "z", "xyz"};
-    constexpr Names kCylinder = {"R", "Phi", "H", "R_Phi_H"};
-    constexpr Names kSphere = {"Rho", "Phi", "Theta", "Rho_Phi_Theta"};
     Dialog& d = ColorBarWindow;
-    const Names& names = d.CYL.Value == 1 ? kCylinder : d.SPH.Value == 1 ? kSphere : kCartesian;
-    const auto show = [](const char* component) {
-        return "Show ve." + std::string(component) + " Component";
-    };
-    d.showX.Text = show(names.First);
-    d.showY.Text = show(names.Second);
-    d.showZ.Text = show(names.Third);
-    d.ShowXYZ.Text = show(names.All);
-    d.ColorX.Text = std::string("based on ve.") + names.First;
-    d.ColorY.Text = std::string("based on ve.") + names.Second;
-    d.ColorZ.Text = std::string("based on ve.") + names.Third;
+    const bool cylinder = d.CYL.Value == 1, sphere = d.SPH.Value == 1;
+    const auto [first, second, third] = ComponentNames(cylinder ? "CYL" : sphere ? "SPH" : "CART");
+    const std::string between = cylinder || sphere ? "_" : "";
+    const auto show = [](const std::string& component) { return "Show ve." + component + " Component"; };
+    d.showX.Text = show(first);
+    d.showY.Text = show(second);
+    d.showZ.Text = show(third);
+    d.ShowXYZ.Text = show(first + between + second + between + third);
+    d.ColorX.Text = std::string("based on ve.") + first;
+    d.ColorY.Text = std::string("based on ve.") + second;
+    d.ColorZ.Text = std::string("based on ve.") + third;
 }
 
 void ColorBar_ShowWindow(const ScreenWindow& window) {
     if (IsLoaded("FormColorBar") && &window == Screens().Active) FormColorBar::SetFormtoVars();
 }
 
-void ColorBar_ShowLimits(const ScreenWindow& window) {
-    if (!IsLoaded("FormColorBar") || ColorBarWindow.Typing || &window != Screens().Active) return;
-    Dialog& d = ColorBarWindow;
-    d.LengthFactor = LimitFactor(window.State);
-    const bool test = window.State.ColorBased == kByStandardized;
-    d.LabelUnit1.Text = d.LabelUnit2.Text = test ? "" : Job.LengthUnitName;
-    d.UpperShown = d.TextObereGrenze.Text = LimitText(window.State.Max * d.LengthFactor);
-    d.LowerShown = d.TextUntereGrenze.Text = LimitText(window.State.Min * d.LengthFactor);
-}
-
 std::vector<Colour> ColorBarSample(int& below) {
     std::vector<Colour> colours;
     const ScreenWindow* window = findLFDFORM();
-    below = window == nullptr ? 0 : std::max<int>(window->State.AnzKlassenNeg, 0);
+    // What has no sign has no side below zero, in the picture's bar either.
+    const bool oneSided = window != nullptr && DesktopDefaults.ColorBar && !IsSigned(window->State);
+    below = window == nullptr || oneSided ? 0 : std::max<int>(window->State.AnzKlassenNeg, 0);
     if (window == nullptr) return colours;
     for (int k = 1 - below; k <= window->State.AnzKlassenPos; ++k) colours.push_back(ClassColour(*window, k));
     return colours;
@@ -420,10 +378,10 @@ void FormColorBar::Form_Escape() {
     Close();
 }
 void FormColorBar::BtnSetMaxAsTol_Click() {
-    SetLimitFromSizes(ColorBarWindow.TextObereGrenze, &SizeRange::Largest);
+    ColorBar_SetUpperLimit();
 }
 void FormColorBar::BtnSetMinAsTol_Click() {
-    SetLimitFromSizes(ColorBarWindow.TextUntereGrenze, &SizeRange::Smallest);
+    ColorBar_SetLowerLimit();
 }
 void FormColorBar::BtnSetOuterColor_Click() {
     const std::optional<std::int32_t> chosen = AskColour(ColorBarWindow.OuterColor);

@@ -20,6 +20,7 @@ struct FormColorBar {
     Control TextObereGrenze, TextUntereGrenze;  // in the length unit
     Control LabelUnit1, LabelUnit2;             // its name
     Control BtnSetMaxAsTol, BtnSetMinAsTol;
+    Control LabelLimits;  // what the program has decided about the limits
     Control CheckSetMinMaxOnChange;
     Control LabelTextAnzahlTolKlassePos;
     Control LabelTextAnzahlTolKlasseNeg;
@@ -57,7 +58,8 @@ struct FormColorBar {
     // read back.
     std::string UpperShown, LowerShown;
     double LengthFactor = 1;
-    bool Typing = false;  // a number is being typed: its field stays as it is
+    std::string LimitRefused;  // why a limit has not been taken
+    bool Typing = false;       // a number is being typed: its field stays as it is
 
     // Copies the active window's fields to the dialog, which applies nothing. Nothing happens without a
     // window.

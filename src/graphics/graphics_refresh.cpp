@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "analysis/form_main_sheet.h"
+#include "core/desktop_defaults.h"
 #include "core/form_main.h"
 #include "core/run.h"
 #include "core/settings.h"
@@ -44,7 +45,10 @@ void ShowPictures(What changed) {
         UpdateAllGraphicsWindows();
 }
 
-void ShowUse(What) {
+// Where colours and their limits go by what is in use, the pictures follow it; a new result has drawn them.
+void ShowUse(What changed) {
+    const bool coloured = DesktopDefaults.ColorLimits || DesktopDefaults.NeutralColor;
+    if (Main.MenueGraphics.Checked && coloured && !Share(changed, What::Result)) UpdateAllGraphicsWindows();
     if (Main.MenueGraphics.Checked) Alle_Fahnen_neu_zeichnen();
 }
 

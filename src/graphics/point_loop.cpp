@@ -9,18 +9,22 @@
 #include <cstring>
 #include <utility>
 
+#include "core/desktop_defaults.h"
 #include "core/settings.h"
 #include "core/window.h"
 #include "fit/any_vectors.h"
 #include "graphics/drawing.h"
 #include "graphics/scene.h"
+#include "graphics/tolerance.h"
 
 namespace corvinade::graphics {
 
 namespace {
 
-constexpr float kMargin = 10;       // pixels around the picture within which a point is still painted
-constexpr int kBlock = 1024;        // points whose places stay in the cache
+constexpr float kMargin = 10;  // pixels around the picture within which a point is still painted
+constexpr int kLeastBigness =
+    2;                        // on the desktop far points are no smaller, where the user lets them be larger
+constexpr int kBlock = 1024;  // points whose places stay in the cache
 constexpr float kWhole = 12582912;  // 1.5 * 2^23: added and taken off, it leaves the nearest whole number
 
 bool OutsideTolerance(const ScreenRecord& state, std::size_t row) {
@@ -176,7 +180,10 @@ void DrawDot(ScreenWindow& window, std::size_t row, const DepthSize& depth) {
     const int bigness = window.State.BigNess;
     const float x = Scene.PixelX[row], y = Scene.PixelY[row];
     // The point nearest to the eye is the biggest.
-    const float byDepth = (Scene.View[3][row] - window.ViewBox[4]) * depth.Factor + 1;
+    const float inDepth = (Scene.View[3][row] - window.ViewBox[4]) * depth.Factor + 1;
+    const float byDepth = DesktopDefaults.Fit
+                              ? std::max(inDepth, static_cast<float>(std::min(bigness, kLeastBigness)))
+                              : inDepth;
     if (bigness > kLargestSquare) {
         const auto colour = static_cast<Colour>(Scene.Points[kSceneColour][row]);
         const float radius = depth.On ? byDepth : static_cast<float>(bigness) / 2;
@@ -221,6 +228,16 @@ void PaintSquare(Surface& screen, float x, float y, int r, std::uint32_t colour)
 
 int SquareRadius(double bigness) {
     return static_cast<int>(std::nearbyint(bigness / 2));
+}
+
+// On top of all others, and of the bar: it is what everybody looks for.
+void DrawWorstPoint(ScreenWindow& window) {
+    const auto row = static_cast<std::size_t>(Tolerance.Worst);
+    if (row == 0 || row >= Scene.Paint.size() || Scene.Paint[row] == 0 || !IsSeen(Tolerance.Worst)) return;
+    const float x = Scene.PixelX[row], y = Scene.PixelY[row];
+    const int r = std::max(SquareRadius(window.State.BigNess), SquareRadius(kLeastBigness)) + 1;
+    if (InReach(window.Screen, x, y) && window.Screen.Pixels != nullptr)
+        PaintSquare(window.Screen, x, y, r, Scene.Paint[row]);
 }
 
 void DrawPoints(ScreenWindow& window, const DepthSize& depth) {

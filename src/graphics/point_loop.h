@@ -15,6 +15,8 @@ struct DepthSize {
 void DrawPoints(ScreenWindow& window, const DepthSize& depth);  // in the window's look
 void DrawPoints(ScreenWindow& window, const DepthSize& depth, bool names);
 
+void DrawWorstPoint(ScreenWindow& window);  // again, larger; nothing where Tolerance.Worst is 0 or not seen
+
 // A square of 2 r + 1 logical pixels about (x, y), as far as it lies in the picture. `colour` as the picture
 // holds it. Require: the surface keeps pixels.
 void PaintSquare(Surface& screen, float x, float y, int r, std::uint32_t colour);

@@ -75,7 +75,7 @@ void GiveStartValues(ScreenWindow& window) {
     state.CS_Type = "CART";
     state.SlabThickness = 100;
     Grafik_Festlegen(window);
-    state.Max = LargestDeviation();
+    state.Max = LargestDeviationForLimits();
     state.Min = 0;
     state.Vec_Maßstab = StartVec_Maßstab(window);
     Anpassen(window);

@@ -8,6 +8,7 @@
 #include <limits>
 #include <string>
 
+#include "core/desktop_defaults.h"
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/numbers.h"
@@ -30,6 +31,7 @@ constexpr double kFarAway = 1e10;
 
 constexpr Colour kRed = Rgb(255, 0, 0), kGreen = Rgb(0, 255, 0), kBlue = Rgb(0, 0, 255);
 constexpr Colour kWhite = Rgb(255, 255, 255);
+constexpr Colour kNeutral = Rgb(150, 150, 150);  // readable on black and on white
 
 enum class Axes { Cartesian, Cylinder, Sphere };
 
@@ -173,30 +175,75 @@ float MeasureOf(std::size_t row) {
     return row < Tolerance.Measures.size() ? Tolerance.Measures[row] : Scene.Points[kSceneSize][row];
 }
 
-// The sizes of column 4 over all pairs, or over those of which every coordinate is in use.
-SizeRange SizesOf(bool fullyUsedOnly) {
+enum class Counting : std::uint8_t { All, AnyInUse, FullyInUse };
+
+bool InUse(int pair) {
+    return Used(pair, 1) || Used(pair, 2) || Used(pair, 3);
+}
+
+bool Counts(int pair, Counting which) {
+    if (which == Counting::AnyInUse) return InUse(pair);
+    return which == Counting::All || (Used(pair, 1) && Used(pair, 2) && Used(pair, 3));
+}
+
+// Which pairs limits come from. What tests and accuracies say holds for points out of use as well.
+Counting CountingOf(const ScreenRecord& state) {
+    if (IsTrue(state.ShowOnlyUsedComponent)) return Counting::FullyInUse;
+    return HasDesktopLimits(state) ? Counting::AnyInUse : Counting::All;
+}
+
+// The sizes of column 4 over these pairs.
+SizeRange SizesOf(Counting which) {
     SizeRange range{-kFarAway, kFarAway, false};
     for (int i = 1; i <= Scene.Ident; ++i) {
         const auto row = static_cast<std::size_t>(i);
-        const bool used = Used(i, 1) && Used(i, 2) && Used(i, 3);
         const double size = MeasureOf(row);
-        if ((fullyUsedOnly && !used) || !std::isfinite(size)) continue;
+        if (!Counts(i, which) || !std::isfinite(size)) continue;
         range = {std::max(range.Largest, size), std::min(range.Smallest, size), true};
     }
     return range;
 }
 
+double RoundedUp(double size, double factor) {
+    const double shown = size * factor;
+    if (!(shown > 0) || !std::isfinite(shown)) return 0;
+    const double step = std::min(0.01, std::pow(10, Int(std::log10(shown)) - 1));
+    // What is a whole number of steps but for the last digits stays.
+    return std::ceil(shown / step - 1e-6) * step / factor;
+}
+
+double LikeLimitsOf(const ScreenRecord& state) {
+    SizeRange range = SizesOf(CountingOf(state));
+    if (!range.Any) range = SizesOf(Counting::All);
+    return range.Any ? RoundedUp(std::max(range.Largest, -range.Smallest), LimitFactor(state)) : 0;
+}
+
+// A signed component needs an end on each side of zero. Where one is missing, in the limits of an earlier
+// view or of a length, deviations of that side would have the colour of none, or that of the other side.
+bool NeedsLikeLimits(const ScreenRecord& state) {
+    return IsSigned(state) && HasDesktopLimits(state) && !(state.Max > 0 && state.Min < 0);
+}
+
 // Limits that are both 0 are taken from the data; those that follow the data go as the buttons take them.
 void FillLimits(ScreenWindow& window) {
     ScreenRecord& state = window.State;
+    const bool open = window.SetMinMaxOnChange || (state.Max == 0 && state.Min == 0);
+    if (HasDesktopLimits(state) && (open || NeedsLikeLimits(state))) {
+        const double limit = LikeLimitsOf(state);
+        if (limit > 0) {
+            state.Max = limit;
+            state.Min = IsSigned(state) ? -limit : 0;
+        }
+        return;
+    }
     if (window.SetMinMaxOnChange) {
-        const SizeRange range = SizesOf(IsTrue(state.ShowOnlyUsedComponent));
+        const SizeRange range = SizesOf(CountingOf(state));
         if (!range.Any) return;
         const double factor = LimitFactor(state);
         state.Max = TwoDecimalsDown(range.Largest * factor) / factor;
         state.Min = TwoDecimalsDown(range.Smallest * factor) / factor;
     } else if (state.Max == 0 && state.Min == 0) {
-        const SizeRange range = SizesOf(false);
+        const SizeRange range = SizesOf(Counting::All);
         if (!range.Any) return;
         state.Max = TwoDecimalsDown(range.Largest);
         state.Min = TwoDecimalsDown(range.Smallest);
@@ -252,6 +299,25 @@ Colour ColourOf(const ScreenWindow& window, double k) {
     return ScaleColour(static_cast<float>(k / (k < 0 ? state.AnzKlassenNeg : state.AnzKlassenPos)));
 }
 
+// Points that have no deviation in the fit: without a partner, or with no coordinate in use. The target of
+// such a pair goes with it.
+bool IsNeutral(int row) {
+    if (row > 2 * Scene.Ident) return true;
+    return !InUse(row > Scene.Ident ? row - Scene.Ident : row);
+}
+
+void FindWorst() {
+    Tolerance.Worst = 0;
+    if (!DesktopDefaults.Fit) return;
+    float largest = -1;
+    for (int i = 1; i <= Scene.Ident; ++i) {
+        const float size = std::abs(MeasureOf(static_cast<std::size_t>(i)));
+        if (!(size > largest) || !InUse(i)) continue;
+        largest = size;
+        Tolerance.Worst = i;
+    }
+}
+
 void FillBar(const ScreenWindow& window, int count, int below, ColourTable& table) {
     count = std::max(count, 0);
     table.Class.assign(static_cast<std::size_t>(count) + 1, 0.0F);
@@ -287,13 +353,14 @@ void ForgetClasses() {
 
 void Transform_dev_to_klasse(ScreenWindow& window) {
     ScreenRecord& state = window.State;
-    const bool limitsOpen = state.Max == 0 && state.Min == 0;
+    const bool limitsOpen = (state.Max == 0 && state.Min == 0) || NeedsLikeLimits(state);
     if (!limitsOpen && Scene.Stamp != 0 && KeyOf(window) == Tolerance.Key) return;
     FillShown(state);
     FillMeasures(state);
     const double max = state.Max, min = state.Min;
     FillLimits(window);
     FillClasses(state);
+    FindWorst();
     Calculate_RGB(window);
     Tolerance.Key = KeyOf(window);
     Scene.PlottedFor = nullptr;  // column 12 may depend on the classes
@@ -302,7 +369,26 @@ void Transform_dev_to_klasse(ScreenWindow& window) {
 
 SizeRange ShownSizes(ScreenWindow& window) {
     SceneForWindow(window);
-    return SizesOf(IsTrue(window.State.ShowOnlyUsedComponent));
+    return SizesOf(CountingOf(window.State));
+}
+
+std::array<const char*, 3> ComponentNames(const std::string& form) {
+    if (form == "CYL") return {"R", "Phi", "H"};
+    if (form == "SPH") return {"Rho", "Phi", "Theta"};
+    return {"x", "y", "z"};
+}
+
+bool IsSigned(const ScreenRecord& state) {
+    return SignedComponent(state.ColorBased) >= 0;
+}
+
+bool HasDesktopLimits(const ScreenRecord& state) {
+    return DesktopDefaults.ColorLimits && !ColoursByTrust(state.ColorBased);
+}
+
+double LikeLimits(ScreenWindow& window) {
+    SceneForWindow(window);
+    return LikeLimitsOf(window.State);
 }
 
 double LimitFactor(const ScreenRecord& state) {
@@ -330,7 +416,8 @@ void Calculate_RGB(ScreenWindow& window) {
     for (int i = 1; i <= Scene.Rows; ++i) {
         const auto row = static_cast<std::size_t>(i);
         const double k = Scene.Points[kSceneClass][row];
-        column[row] = twoColours
+        column[row] = DesktopDefaults.NeutralColor && IsNeutral(i) ? static_cast<float>(kNeutral)
+                      : twoColours
                           ? static_cast<float>(ColourOf(window, k))
                           : colours[static_cast<std::size_t>(std::clamp<double>(k, -below, above) + below)];
     }

@@ -1,6 +1,7 @@
 // Shown deviation, tolerance class and colour of each pair.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -25,6 +26,16 @@ struct SizeRange {
     bool Any;                  // false: no pair counts, and the sizes say nothing
 };
 SizeRange ShownSizes(ScreenWindow& window);
+// What the three components are called in a coordinate form ("CART", "CYL", "SPH").
+std::array<const char*, 3> ComponentNames(const std::string& form);
+// Does the colour follow a component that has both signs?
+bool IsSigned(const ScreenRecord& state);
+// Do limits of the desktop hold for this view: of points in use, and alike on both sides of a signed
+// component?
+bool HasDesktopLimits(const ScreenRecord& state);
+// The size that both limits have where they are alike: the largest of both signs, rounded up to two decimals
+// of the shown unit, or to two digits where it is smaller; nothing where no pair counts or all are 0.
+double LikeLimits(ScreenWindow& window);
 double LimitFactor(const ScreenRecord& state);  // from limits to what is shown of them: the length unit, or 1
 double TwoDecimalsDown(double value);           // how limits are taken from the data
 // Forces the next call to work.
@@ -54,6 +65,7 @@ struct ClassKey {
 struct ToleranceRecord {
     ColourTable Negative, Positive;
     ClassKey Key;
+    int Worst = 0;  // the pair in use that is farthest from its target, 0 = none; with DesktopDefaults.Fit
     std::vector<float> Measures;  // what colours the pairs in the place of their sizes; empty: the sizes do
 };
 inline ToleranceRecord Tolerance;

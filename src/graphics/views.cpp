@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/desktop_defaults.h"
+#include "core/job.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "graphics/drawing.h"
@@ -39,6 +41,12 @@ void ZoomStep(ScreenWindow& window, double factor) {
     StoreScreenPropertiesToRecord(window);
 }
 
+// The right part of the picture that bar and its texts take, pixels; a third at most.
+double RoomOfBar(const ScreenWindow& window) {
+    if (!DesktopDefaults.Fit || !LookOf(window).ColorBar) return 0;
+    return std::min(PictureWidth(window) - ColorBarLeft(window), PictureWidth(window) / 3.0);
+}
+
 // Without a refusal the vectors take the length; both ends are painted and stored.
 void SetVectorLength(ScreenWindow& window, double length, const char* refusal) {
     const std::uint64_t id = window.Id;
@@ -61,12 +69,14 @@ void Anpassen(ScreenWindow& window) {
     if (Scene.Rows == 0) return;
     const auto& [xmin, xmax, ymin, ymax, zmin, zmax] = window.ViewBox;
     const double least = 1e-10;  // points that all coincide fit too
-    const double sx = PictureWidth(window) / (least + (static_cast<double>(xmax) - xmin));
+    const double bar = RoomOfBar(window);
+    const double sx = (PictureWidth(window) - bar) / (least + (static_cast<double>(xmax) - xmin));
     const double sy = PictureHeight(window) / (least + (static_cast<double>(ymax) - ymin));
     const auto factor = static_cast<float>(0.9 * std::min(sx, sy));
     if (!(factor > kLeastFaktor && factor < kLargestFaktor)) return;
     window.State.BildFaktor = factor;
     CenterBox(window);
+    window.State.BildOffsetX -= static_cast<float>(bar / 2);
 }
 
 void GrafikAnpassen(ScreenWindow& window) {
@@ -126,6 +136,23 @@ void Vec_Maßstab_longer(ScreenWindow& window) {
 void Vec_Maßstab_shorter(ScreenWindow& window) {
     const double length = window.State.Vec_Maßstab / kVectorStep;
     SetVectorLength(window, length, length < kShortestVectors ? "Vectors can not be made smaller" : nullptr);
+}
+
+namespace {
+
+bool CountsForLimits(int row) {
+    return !DesktopDefaults.ColorLimits ||
+           (row <= Scene.Ident && (Used(row, 1) || Used(row, 2) || Used(row, 3)));
+}
+
+}  // namespace
+
+float LargestDeviationForLimits() {
+    float largest = 0;
+    for (int row = 1; row <= Scene.Rows; ++row)
+        if (CountsForLimits(row))
+            largest = std::max(largest, Scene.Points[kSceneSize][static_cast<std::size_t>(row)]);
+    return largest;
 }
 
 float LargestDeviation() {

@@ -22,6 +22,7 @@ void ZoomOut(ScreenWindow& window);
 void ZoomAbout(ScreenWindow& window, float x, float y, double factor);
 void Vec_Maßstab_longer(ScreenWindow& window);
 void Vec_Maßstab_shorter(ScreenWindow& window);
+float LargestDeviationForLimits();                   // the same; on the desktop of the pairs in use
 float LargestDeviation();                            // of column 4 of ScenePoints, from 0, mm
 float StartVec_Maßstab(const ScreenWindow& window);  // 400 without a result or without a box of any size
 

@@ -9,6 +9,7 @@
 
 #include "core/changes.h"
 #include "core/controller.h"
+#include "core/desktop_defaults.h"
 #include "core/file_state.h"
 #include "core/files.h"
 #include "core/form_main.h"
@@ -258,19 +259,28 @@ bool IsThereOrTold(const std::string& path) {
 // On the way out of an import, however it ends: all points count, and a job that an error has left half read
 // is not valid.
 struct ImportGuard {
-    ImportGuard() = default;
+    explicit ImportGuard(JobBeforeImport& before) : before_(before) {}
     ImportGuard(const ImportGuard&) = delete;
     ImportGuard& operator=(const ImportGuard&) = delete;
     ~ImportGuard() {
+        const bool thrown = !Whole && std::uncaught_exceptions() != exceptions_;
+        if (thrown && DesktopDefaults.FailedImport && !Paired && !before_.Overtaken) {
+            before_.Restore();
+            Run.StopRequested = kFalse;
+            Changed(What::Restored);
+            return;
+        }
         CountAllPoints();
         Run.StopRequested = kFalse;  // a stop ends this import, not the calculation after it
         if (Whole || std::uncaught_exceptions() == exceptions_) return;
         Run.JobDataValid = Run.TrafoValid = kFalse;
         Changed(What::State);
     }
-    bool Whole = false;  // all points are read and paired
+    bool Whole = false;   // all points are read and paired
+    bool Paired = false;  // the points of before cannot come back
 
 private:
+    JobBeforeImport& before_;
     int exceptions_ = std::uncaught_exceptions();
 };
 
@@ -349,7 +359,8 @@ private:
 
 // A cancelled import leaves the points of before, and all that shows them.
 ImportOutcome EndCancelled(JobBeforeImport& before) {
-    if (!IsTrue(Run.StopRequested) || LongImport.Overtaken) return ImportOutcome::NotRead;
+    const bool keeps = IsTrue(Run.StopRequested) || DesktopDefaults.FailedImport;
+    if (!keeps || LongImport.Overtaken) return ImportOutcome::NotRead;
     before.Restore();
     Changed(What::Restored);
     return ImportOutcome::NotRead;
@@ -409,13 +420,14 @@ ImportOutcome Import(const ImportRequest& request) {
     ForgetNotes();
     if (request.Delimiter) Run.Delimiter = *request.Delimiter;
     KindOfImport kind(request.Kind, jobBefore);
-    ImportGuard guard;
+    ImportGuard guard(jobBefore);
     const SigmasOfImport sigmas(request);
     std::optional<ImportUnderWay> underWay(&jobBefore);
     ++Run.JobGeneration;
     if (!ImportPoints(request)) return EndCancelled(jobBefore);
     IdentischePkte_Neu();
     if (IsTrue(Run.ImportFailed)) return EndCancelled(jobBefore);
+    guard.Paired = true;
     RefuseLongNames();
     underWay.reset();
     guard.Whole = kind.Kept = true;

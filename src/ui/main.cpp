@@ -5,6 +5,7 @@
 #include <QFileInfo>
 
 #include "core/controller.h"
+#include "core/desktop_defaults.h"
 #include "core/file_writer.h"
 #include "core/fresh_start.h"
 #include "core/recovery.h"
@@ -68,6 +69,7 @@ int main(int argc, char** argv) {
 
     ApplyTheme(Theme::Desktop);
     OpenDesktop();
+    WantDesktopDefaults();
     // The start-up takes the command line as a shell would hand it over that leaves the quotes on.
     const std::string job = jobs.isEmpty() ? "" : "\"" + S(QFileInfo(jobs.front()).absoluteFilePath()) + "\"";
     UserDid([&job] { StartUp(job); });

@@ -4,6 +4,7 @@
 
 #include "cli/headless.h"
 #include "core/controller.h"
+#include "core/desktop_defaults.h"
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/job.h"
@@ -394,4 +395,22 @@ TEST_F(InputDialog, NewPointsTakeTheMarksOfTheResultBeforeOff) {
     EXPECT_EQ(Job.LeftOpen, JobRecord{}.LeftOpen);
     EXPECT_EQ(Job.Collapsed, kFalse);
     EXPECT_EQ(Job.Unconverged, kFalse);
+}
+
+// --- A file that cannot be read ---------------------------------------------------------------------------
+
+TEST_F(InputDialog, AnImportThatFailsLeavesThePointsOfBeforeOnTheDesktop) {
+    Import();
+    ASSERT_EQ(Job.Pairs(), 4);
+    const std::vector<std::string> names = Names(Job.Start.Name);
+    for (const bool keeps : {true, false}) {
+        DesktopDefaults.FailedImport = keeps;
+        start_ = Write("broken.txt", "A;0;0;0\r\nB;100;x;0\r\n");
+        target_ = Write("broken_too.txt", "A;0;0;0\r\nB;1\r\n");
+        Answer("message", "Yes");
+        Import();
+        UnloadWindow("FormInputFiles");
+        EXPECT_EQ(Job.Pairs() == 4 && Names(Job.Start.Name) == names, keeps);
+        EXPECT_EQ(IsTrue(Run.JobDataValid), keeps);
+    }
 }

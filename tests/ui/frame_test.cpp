@@ -8,6 +8,8 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QTimer>
@@ -17,6 +19,7 @@
 #include <map>
 
 #include "core/controller.h"
+#include "core/desktop_defaults.h"
 #include "core/form_main.h"
 #include "core/fresh_start.h"
 #include "core/job.h"
@@ -297,4 +300,41 @@ TEST_F(Keyboard, NoTwoEntriesOfAMenuAndNoTwoCommandsShareAKey) {
     EXPECT_EQ(shortcuts["Ctrl+O"], "MenuFileOpen");
     EXPECT_EQ(shortcuts["Ctrl+S"], "MenuFileSave");
     EXPECT_EQ(shortcuts["Ctrl+N"], "MenuFileNew");
+}
+
+// --- As people find it ------------------------------------------------------------------------------------
+
+TEST_F(FrameTest, BehindAWindowThatClosesComesTheOneUsedLast) {
+    Begin();
+    Import();
+    Trigger("MenuTransformationCalculation");
+    Trigger("MenuVievMainSheet");
+    Trigger("MenüViewInputStatistic");
+    auto* area = Frame()->findChild<QMdiArea*>();
+    const auto of = [](const char* window) {
+        return qobject_cast<QMdiSubWindow*>(WidgetOf(*FindWindow(window))->parentWidget());
+    };
+    area->setActiveSubWindow(of("FormTrafoBerechnung"));
+    area->setActiveSubWindow(of("FormInputStatistic"));
+    QApplication::processEvents();
+    area->closeActiveSubWindow();
+    QApplication::processEvents();
+    EXPECT_EQ(area->activeSubWindow(), of("FormTrafoBerechnung"));
+}
+
+TEST_F(FrameTest, AJobThatIsOpenedShowsItsResultAndAnImportItsStatistic) {
+    WantDesktopDefaults();
+    Begin(std::string(CORVINADE_SOURCE_DIR) + "/examples/robot_cell.cvn");
+    ASSERT_TRUE(IsOpen("FormTrafoBerechnung"));
+    auto* word = qobject_cast<QLabel*>(Widget("FormTrafoBerechnung.LabelResultState"));
+    EXPECT_TRUE(word->isVisible());
+    EXPECT_EQ(word->text(), "stored");
+    EXPECT_EQ(S(qobject_cast<QLineEdit*>(Widget("FormTrafoBerechnung.TextSigmaTraX"))->text()).empty(),
+              false);
+    Click("FormTrafoBerechnung.BtnCalculate");
+    EXPECT_FALSE(word->isVisible());
+    Click("FormTrafoBerechnung.CheckTraX");
+    EXPECT_TRUE(word->isVisible());
+    EXPECT_EQ(word->text(), "out of date");
+    ::Run.JobDirty = kFalse;
 }
