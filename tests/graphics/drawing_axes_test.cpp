@@ -7,10 +7,6 @@ using DrawingAxes = Drawing;
 
 namespace {
 
-TestView TiltedView() {
-    return {0.4, -0.7, 1.1, 0.5, 120, 90};
-}
-
 // Target points on the corners of a box of 300 by 400 by 1200: a diagonal of 1300, axes of 130.
 void FillBox() {
     FillJob({{0, 0, 0, 0, 0, 0}, {300, 400, 1200, 0, 0, 0}});

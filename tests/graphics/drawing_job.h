@@ -75,6 +75,9 @@ struct TestView {
 inline TestView FlatView() {
     return {0, 0, 0, 1, -100, 300};
 }
+inline TestView TiltedView() {
+    return {0.4, -0.7, 1.1, 0.5, 120, 90};
+}
 
 class Drawing : public Program {
 protected:

@@ -8,10 +8,6 @@ using DrawingRVectors = Drawing;
 
 namespace {
 
-TestView TiltedView() {
-    return {0.4, -0.7, 1.1, 0.5, 120, 90};
-}
-
 void FillDistances() {
     FillJob({{10, 20, 30, 1, 2, 3}, {-50, 60, 70, 0, 0, 0}});
     Job.RVecX = {{}, 100.0, 200.0};
