@@ -1,6 +1,7 @@
 // Which points of a network are adjusted, and between which of them its distances are.
 #include "bundle/prepare_bundle.h"
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -21,10 +22,27 @@ constexpr std::size_t At(int i) {
 // Numbers of names; of several equal ones the first counts.
 using Numbers = std::unordered_map<std::string_view, int>;
 
+// Whether the lists hold what the counts say; records can be written by name, one by one.
+bool ListsHoldTheCounts(const BundleRecord& network) {
+    const auto holds = [](std::int32_t count, std::size_t elements) {
+        return count >= 0 && At(count) < elements;
+    };
+    const auto rows = [](const Matrix& matrix) { return At(std::max(matrix.Rows, 0)) + 1; };
+    return holds(network.nStations, std::min(network.StationName.size(), rows(network.Net.StationXYZ))) &&
+           holds(network.nObjectPoints, std::min(network.ObjectName.size(), rows(network.Net.ObjectXYZ))) &&
+           (network.nDistances == 0 ||
+            holds(network.nDistances,
+                  std::min({network.DistancePair[1].size(), network.DistancePair[2].size(),
+                            network.Net.DistanceValue.size()})));
+}
+
 }  // namespace
 
 BundleWork PrepareBundle(const BundleRecord& network, double percent) {
     Require(percent >= 1 && percent <= 100);
+    if (!ListsHoldTheCounts(network))
+        throw PlatformError{
+            "The network's counts of stations, object points and distances do not fit its lists."};
     const int step = static_cast<int>(Int(100 / percent));
     const int used = static_cast<int>(Int(percent * network.nObjectPoints / 100));
     const int points = network.nStations + used;

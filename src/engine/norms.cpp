@@ -84,8 +84,8 @@ bool TakeSigmas(RunOfJob& job) {
         without = job.Run.Kind == FitNorm::LeastSquares ? FitWeighted(job.Run, sigmas.View())
                                                         : FitWeightedNorm(job.Run, sigmas.View());
     }
-    if (!job.Take()) return false;
-    if (without == 0) return true;
+    // What is refused leaves the job as it was.
+    if (without == 0 || job.Run.Abandoned()) return job.Take();
     Calculation.Refused = true;
     ShowMessage(PairHasNoWeight(without));
     return false;

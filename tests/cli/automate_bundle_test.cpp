@@ -56,6 +56,16 @@ TEST_F(BundleByName, ThePairsOfTheDistancesCanBeWritten) {
     EXPECT_EQ(Record("DistancePair"), rows);
 }
 
+TEST_F(BundleByName, CountsThatTheListsDoNotHoldAreRefusedByTheCalculation) {
+    for (const char* count : {"nDistances", "nStations", "nObjectPoints"}) {
+        SCOPED_TRACE(count);
+        Good({{"do", "record"}, {"name", count}, {"value", 7}});
+        const json reply = Ask({{"do", "click"}, {"at", "FormBündel.BtnCalculate"}});
+        EXPECT_NE(reply.dump().find("do not fit its lists"), std::string::npos) << reply;
+        Good({{"do", "record"}, {"name", count}, {"value", 0}});
+    }
+}
+
 TEST_F(BundleByName, TheCheckForGimbalLockIsARecord) {
     EXPECT_EQ(Record("CheckForGimbalLock"), 0);
     Good({{"do", "record"}, {"name", "CheckForGimbalLock"}, {"value", -1}});

@@ -261,8 +261,7 @@ protected:
     // The result that the program has is the one of the points that it has. Points that have been added to a
     // job stand behind the others, at their start, until the next calculation.
     static void ResultBelongsToThePoints() {
-        // One that was refused on its way has left the parameters of its first half.
-        if (Run.TrafoValid != kTrue || Run.CalcDone != kTrue || Calculation.Refused) return;
+        if (Run.TrafoValid != kTrue || Run.CalcDone != kTrue) return;
         ASSERT_TRUE(JobIsWhole(Job));
         bool added = false;
         for (std::size_t i = 1; i <= static_cast<std::size_t>(Job.Start.Count()); ++i) {
