@@ -84,7 +84,6 @@ bool TakeSigmas(RunOfJob& job) {
         without = job.Run.Kind == FitNorm::LeastSquares ? FitWeighted(job.Run, sigmas.View())
                                                         : FitWeightedNorm(job.Run, sigmas.View());
     }
-    // What is refused leaves the job as it was.
     if (without == 0 || job.Run.Abandoned()) return job.Take();
     Calculation.Refused = true;
     ShowMessage(PairHasNoWeight(without));
@@ -135,7 +134,10 @@ bool FitInNorm(NormFit& fit) {
     const NormRow& norm = NormOfJob();
     if (norm.Begins != nullptr)
         for (const int panel : {6, 7}) SetStatus(panel, norm.Begins);
+    const Parameters before = ParametersOf(Job);
     const bool done = IsLeastSquares(norm) ? FitL2(fit) : FitLoop(fit, norm);
+    // What is refused leaves the parameters that belong to the points shown.
+    if (Calculation.Refused) PutParameters(before, Job);
     if (done) SetStatus(2, "...ready");
     return done;
 }
