@@ -1,8 +1,11 @@
 // Files that spreadsheets and programs of point clouds wrote, number by number, and through `transform`.
+#include <cstdlib>
+#include <filesystem>
 #include <map>
 
 #include "cli/fit_command.h"
 #include "core/numbers.h"
+#include "support/program_path.h"
 
 namespace {
 
@@ -147,4 +150,41 @@ TEST_F(OtherPrograms, TheirFilesComeThroughATransformationInTheirForm) {
                              "cloudcompare-binary-be.ply", "cloudcompare-binary-le.ply",
                              "cloudcompare-normals.ply", "pcl-binary.pcd", "pcl-binary.ply"})
         EXPECT_EQ(Contents(PathOf(std::string("back-") + file)), Contents(kFolder + file)) << file;
+}
+
+// The program itself, with the locales of this system made where it has them not.
+TEST_F(OtherPrograms, GermanFrenchAndNoLocaleGiveTheSameBytes) {
+    const std::vector<std::string> locales = {"C", "de_DE.UTF-8", "fr_FR.UTF-8"};
+    const auto made = [this](const std::string& name) {
+        return "localedef -i " + name + " -f UTF-8 '" + PathOf(name + ".UTF-8") + "' >/dev/null 2>&1";
+    };
+    ASSERT_EQ(std::system((made("de_DE") + " & " + made("fr_FR") + " && wait $!").c_str()), 0);
+    const std::string table = kFolder + "calc-german-commas.csv";
+    const auto files = [&](const std::string& locale) {
+        const std::string to = PathOf("in-" + locale);
+        std::filesystem::create_directory(to);
+        const std::string fit = "fit '" + kMeasured + "' '" + kNominal + "' ";
+        std::string script = "cd '" + to + "' && export LC_ALL=" + locale + " LANG=" + locale + " LOCPATH='" +
+                             PathOf("") + "'\n";
+        int number = 0;
+        for (const std::string& command :
+             {fit + "--save a.cvn --report a.html --export kuka-base=b --details",
+              fit + "--json --statistics", fit + "--csv", fit + "--protocol", std::string("info a.cvn"),
+              std::string("convert a.cvn a.csv"), std::string("convert a.cvn a.json"),
+              std::string("distances a.cvn --pairs p.txt --trumpet t.svg"),
+              std::string("export a.cvn --as urdf"), std::string("export a.cvn --as points"),
+              "transform --with a.cvn '" + table + "' --out -", std::string("render a.cvn --out r.svg")}) {
+            const std::string out = std::to_string(++number);
+            script += "'" + ProgramPath() + "' " + command + " > " + out + ".out 2> " + out + ".err\n";
+        }
+        EXPECT_EQ(std::system((script + "true").c_str()), 0);
+        std::map<std::string, std::string> contents;
+        for (const auto& entry : std::filesystem::directory_iterator(to))
+            contents[entry.path().filename().string()] = Contents(entry.path().string());
+        return contents;
+    };
+    const auto inC = files("C");
+    EXPECT_EQ(inC.size(), 32u);
+    EXPECT_NE(inC.at("2.out").find("\"corvinade-fit\""), std::string::npos);
+    for (const std::string& locale : {locales[1], locales[2]}) EXPECT_EQ(files(locale), inC) << locale;
 }
