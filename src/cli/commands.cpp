@@ -17,6 +17,7 @@
 #include "cli/fit_arguments.h"
 #include "cli/fit_exports.h"
 #include "cli/headless.h"
+#include "cli/input_bytes.h"
 #include "cli/job_files.h"
 #include "cli/messages.h"
 #include "cli/named_files.h"
@@ -26,6 +27,7 @@
 #include "cli/transform.h"
 #include "cli/trumpet_file.h"
 #include "core/controller.h"
+#include "core/held_streams.h"
 #include "core/job_on_disk.h"
 #include "core/notes.h"
 #include "core/platform.h"
@@ -41,6 +43,16 @@ bool AreApart(const std::vector<NamedFile>& inputs, const std::vector<NamedFile>
     const std::string wrong = FilesApart(inputs, outputs);
     if (!wrong.empty()) err << wrong << "\n";
     return wrong.empty();
+}
+
+// Reads those of the inputs that are streams.
+int HoldInputs(const std::vector<std::string>& paths, std::istream& in, std::ostream& err) {
+    try {
+        for (const std::string& path : paths) HoldStream(path, &in);
+    } catch (const PlatformError& error) {
+        return Refuse(err, kUnreadable, error.What);
+    }
+    return kDone;
 }
 
 struct JobSwitches {
@@ -80,9 +92,10 @@ CLI::App* AddConvert(CLI::App& app, JobSwitches& s) {
     return convert;
 }
 
-int Render(RenderSwitches& s, std::ostream& out, std::ostream& err) {
+int Render(RenderSwitches& s, std::istream& in, std::ostream& out, std::ostream& err) {
     TakeRenderSwitches(s);
     if (!AreApart({{"JOB", s.Options.Job}}, {{"--out", s.Options.Out}}, err)) return kWrongUsage;
+    if (const int status = HoldInputs({s.Options.Job}, in, err); status != kDone) return status;
     return RunRender(s.Options, out, err);
 }
 
@@ -206,20 +219,37 @@ int Fit(FitSwitches& s, std::istream& in, std::ostream& out, std::ostream& err, 
     written.insert(written.begin(), {"--save", o.Save});
     if (!AreApart({{"START", o.Start}, {"TARGET", o.Target}, {"--poses", o.Poses}}, written, err))
         return kWrongUsage;
+    const std::string twice = StandardInputTwice({{"START", o.Pairs.empty() ? o.Start : ""},
+                                                  {"TARGET", o.Pairs.empty() ? o.Target : ""},
+                                                  {"--pairs", o.Pairs},
+                                                  {"--job", o.Job},
+                                                  {"--poses", o.Poses}});
+    if (!twice.empty()) {
+        err << twice << "\n";
+        return kWrongUsage;
+    }
     s.Options.In = &in;
+    if (const int status = HoldInputs({o.Job, o.Poses}, in, err); status != kDone) return status;
     return RunFit(s.Options, out, err, terminal && ColourWanted(), progress);
 }
 
-int Distances(DistancesSwitches& s, std::ostream& out, std::ostream& err, bool terminal, bool progress) {
+int Distances(DistancesSwitches& s, std::istream& in, std::ostream& out, std::ostream& err, bool terminal,
+              bool progress) {
     s.Options.Decimal = DecimalOf(s.Decimal);
     if (s.Yes || s.No) s.Options.Questions = s.Yes;
     const DistancesOptions& o = s.Options;
     if (!AreApart({{"JOB", o.Job}}, {{"--trumpet", o.Trumpet}, {"--pairs", o.Pairs}}, err))
         return kWrongUsage;
+    for (const NamedFile& file : {NamedFile{"--trumpet", o.Trumpet}, NamedFile{"--pairs", o.Pairs}})
+        if (file.Path == "-") {
+            err << file.What << " is written to a file: - is none, and ./- one of this name\n";
+            return kWrongUsage;
+        }
+    if (const int status = HoldInputs({o.Job}, in, err); status != kDone) return status;
     return RunDistances(s.Options, out, err, terminal && ColourWanted(), progress);
 }
 
-int Export(ExportSwitches& s, std::ostream& out, std::ostream& err) {
+int Export(ExportSwitches& s, std::istream& in, std::ostream& out, std::ostream& err) {
     const std::string wrong = TakeExportSwitches(s);
     if (!wrong.empty()) {
         err << wrong << "\n";
@@ -234,6 +264,7 @@ int Export(ExportSwitches& s, std::ostream& out, std::ostream& err) {
                    {"--out", named ? o.Out : ""}},
                   err))
         return kWrongUsage;
+    if (const int status = HoldInputs({o.Job}, in, err); status != kDone) return status;
     return RunExport(o, out, err);
 }
 
@@ -327,10 +358,11 @@ int RunParsed(Commands& c, std::istream& in, std::ostream& out, std::ostream& er
             if (option->count() > 0) c.FitOf.Options.Given.push_back(option->get_name());
         return Fit(c.FitOf, in, out, err, terminal, progress);
     }
-    if (c.RenderApp->parsed()) return Render(c.RenderOf, out, err);
-    if (c.DistancesApp->parsed()) return Distances(c.DistancesOf, out, err, terminal, progress);
+    if (c.RenderApp->parsed()) return Render(c.RenderOf, in, out, err);
+    if (c.DistancesApp->parsed()) return Distances(c.DistancesOf, in, out, err, terminal, progress);
     if (c.BundleApp->parsed()) {
         c.BundleOf.Options.Decimal = DecimalOf(c.BundleOf.Decimal);
+        if (const int status = HoldInputs({c.BundleOf.Options.Path}, in, err); status != kDone) return status;
         return RunBundle(c.BundleOf.Options, out, err, colour, progress);
     }
     if (c.TransformApp->parsed()) {
@@ -344,10 +376,12 @@ int RunParsed(Commands& c, std::istream& in, std::ostream& out, std::ostream& er
             if (path != "-" && o.Out != "-" &&
                 !AreApart({{"JOB", o.Job}, {"--with", o.With}, {"IN", path}}, {{"--out", o.Out}}, err))
                 return kWrongUsage;
+        if (const int status = HoldInputs({o.Job}, in, err); status != kDone) return status;
         return RunTransform(o, in, out, err, progress);
     }
-    if (c.ExportApp->parsed()) return Export(c.ExportOf, out, err);
+    if (c.ExportApp->parsed()) return Export(c.ExportOf, in, out, err);
     TakeJobSwitches(c.JobOf);
+    if (const int status = HoldInputs({c.JobOf.Options.Path}, in, err); status != kDone) return status;
     if (c.InfoApp->parsed()) return RunInfo(c.JobOf.Options, out, err, colour);
     return RunConvert(c.JobOf.Options, out, err);
 }
@@ -423,6 +457,7 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
     AddCommands(app, commands);
     Telling = {};
     ForgetJobFile();
+    HeldStreams = {};
     CsvCells = {};
     try {
         if (const std::string empty = EmptyArgument(app, argc, argv); !empty.empty())

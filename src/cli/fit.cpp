@@ -21,6 +21,7 @@
 #include "core/files.h"
 #include "core/form_progress_bar.h"
 #include "core/job.h"
+#include "core/job_file.h"
 #include "core/job_notes.h"
 #include "core/measurement_sigmas.h"
 #include "core/notes.h"
@@ -333,10 +334,14 @@ int TakeJob(FitOptions& options, JobFileFacts& facts, std::ostream& err) {
 }
 
 // The job with its result. The files that it names shall be found from everywhere.
-bool SaveJob(const FitOptions& options, const JobFileFacts& facts) {
+bool SaveJob(const FitOptions& options, const JobFileFacts& facts, std::ostream& out) {
     return Dispatch([&] {
         for (std::string* path : {&Job.PathMCS, &Job.PathOCS})
             if (!path->empty() && !IsStream(*path)) *path = AbsolutePath(*path);
+        if (options.Save == "-") {
+            out << JobBytes(Job, facts.Views);
+            return;
+        }
         WriteJobFile(options.Save, facts, options.Questions.value_or(false));
     });
 }
@@ -397,13 +402,14 @@ int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour
     if (const int refused = MakeExports(options, exports, err); refused != kDone) return refused;
     WriteMessages(err);
     if (EndsForWarnings(options.Strict, err)) return kUnreadable;
-    if (!options.Save.empty() && !SaveJob(options, job)) return Refuse(err, kRefused, Run.LastPlatformError);
+    if (!options.Save.empty() && !SaveJob(options, job, out))
+        return Refuse(err, kRefused, Run.LastPlatformError);
     // Start is what was transformed, whichever of the files that was.
     FitOptions shown = options;
     if (shown.FromTarget) std::swap(shown.Start, shown.Target);
     switch (shown.Output) {
         case FitOutput::Table:
-            if (ExportsToOutput(options)) break;
+            if (TakesOutput(options)) break;
             if (options.Protocol) {
                 out << CompleteProtocol();
             } else {
@@ -417,8 +423,15 @@ int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour
             WriteFitCsv(shown, out);
             break;
     }
-    if (!shown.Report.empty() && !Dispatch([&] { WriteFile(shown.Report, FitReport(shown, statistics)); }))
-        return Refuse(err, kRefused, Run.LastPlatformError);
+    const auto report = [&] {
+        const std::string page = FitReport(shown, statistics);
+        if (shown.Report == "-") {
+            out << page;
+        } else {
+            WriteFile(shown.Report, page);
+        }
+    };
+    if (!shown.Report.empty() && !Dispatch(report)) return Refuse(err, kRefused, Run.LastPlatformError);
     if (const int refused = WriteExports(exports, out, err); refused != kDone) return refused;
     if (!out.flush()) return Refuse(err, kRefused, "the result could not be written to standard output");
     return status == kDone ? HeldAgainstLimit(options, err) : status;

@@ -56,10 +56,16 @@ std::string CheckFitExport(const std::string& text) {
 std::string ExportsAgainst(const FitOptions& options) {
     const auto count = std::count_if(options.Exports.begin(), options.Exports.end(),
                                      [](const std::string& text) { return WantedBy(text).Path == "-"; });
-    if (count == 0) return "";
     if (count > 1) return "--export: standard output (-) takes one form; give the others a file";
+    std::vector<std::string> takers;
+    if (count > 0) takers.emplace_back("--export FORM=-");
+    if (options.Save == "-") takers.emplace_back("--save -");
+    if (options.Report == "-") takers.emplace_back("--report -");
+    if (takers.empty()) return "";
+    if (takers.size() > 1) return takers[0] + " and " + takers[1] + " both want standard output";
     if (options.Output != FitOutput::Table || options.Protocol)
-        return "--export FORM=- stands in the place of the table, so --json, --csv and --protocol do not go with it";
+        return takers[0] +
+               " stands in the place of the table, so --json, --csv and --protocol do not go with it";
     return "";
 }
 
@@ -71,8 +77,9 @@ std::vector<NamedFile> ExportFiles(const FitOptions& options) {
     return files;
 }
 
-bool ExportsToOutput(const FitOptions& options) {
-    return std::any_of(options.Exports.begin(), options.Exports.end(),
+bool TakesOutput(const FitOptions& options) {
+    return options.Save == "-" || options.Report == "-" ||
+           std::any_of(options.Exports.begin(), options.Exports.end(),
                        [](const std::string& text) { return WantedBy(text).Path == "-"; });
 }
 

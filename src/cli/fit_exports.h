@@ -14,14 +14,14 @@ namespace corvinade::cli {
 // "" or why a text is no FORM=FILE.
 std::string CheckFitExport(const std::string& text);
 
-// "" or what stands against the forms that were asked for: standard output takes one text.
+// "" or what stands against the forms, the job and the page that were asked for: standard output takes one.
 std::string ExportsAgainst(const FitOptions& options);
 
 // The files among them.
 std::vector<NamedFile> ExportFiles(const FitOptions& options);
 
-// True where one of them goes to standard output.
-bool ExportsToOutput(const FitOptions& options);
+// True where one of them, the job or the page goes to standard output, in the place of the table.
+bool TakesOutput(const FitOptions& options);
 
 struct FitExport {
     std::string Path, Text;  // "-" is standard output

@@ -121,7 +121,11 @@ void TakeCloud(CloudSet& set, const FitOptions& options, int file, FitFile& read
 std::string ReadFitPairs(const FitOptions& options, std::array<FitFile, 2>& files) {
     std::array<CloudSet, 2> sets;
     std::string refusal;
-    if (!Dispatch([&] { CheckReadable(options.Pairs); })) return Run.LastPlatformError;
+    if (!Dispatch([&] {
+            HoldStream(options.Pairs, options.In);
+            CheckReadable(options.Pairs);
+        }))
+        return Run.LastPlatformError;
     refusal = ReadCloudPairs(options, sets[0], sets[1]);
     if (!refusal.empty()) return refusal;
     NoteCloud(sets[0].Facts, options.Pairs, false);
@@ -134,14 +138,12 @@ std::string ReadFitFile(const FitOptions& options, int file, std::istream* in, F
     const std::string& path = PathOf(options, file);
     const bool told = options.Files[static_cast<std::size_t>(file)].Format == "plain";
     try {
+        HoldStream(path, in);
         if (!IsPointFile(options, file) || told) {
-            if (IsStream(path))
-                return "Cannot read \"" + InputName(path) + "\": " +
-                       (told ? "--format plain reads files alone" : "only points are read from a stream");
             CheckReadable(path);
             return "";
         }
-        const bool found = options.Files[static_cast<std::size_t>(file)].Format == "auto" && !IsStream(path);
+        const bool found = options.Files[static_cast<std::size_t>(file)].Format == "auto";
         const CloudKind kind = found && File_Exist(path) ? KindOfFile(path) : CloudKind::Text;
         if (kind != CloudKind::Text && kind != CloudKind::Xyz) {
             CloudSet set;
@@ -151,7 +153,7 @@ std::string ReadFitFile(const FitOptions& options, int file, std::istream* in, F
             TakeCloud(set, options, file, read);
             return "";
         }
-        const FileBytes bytes = ReadInput(path, in);
+        const FileBytes bytes = ReadFile(path);
         TableResult table = ReadTable(bytes.View(), InputName(path), OptionsOf(options, file));
         PointAccuracies sigmas = SigmasOfTable(table, InputName(path));
         for (const Note& note : table.Notes) AddNote(note.Code, note.Text, note.File, note.Line, note.Count);

@@ -8,7 +8,6 @@
 
 #include "cli/arguments.h"
 #include "cli/fit_files.h"
-#include "cli/input_bytes.h"
 #include "core/numbers.h"
 #include "core/text.h"
 #include "core/units.h"
@@ -166,8 +165,6 @@ std::string TakeTables(FitSwitches& s) {
         if (!o.Files[1].Unit.empty() && ProgramUnit(o.Files[1].Unit).empty())
             return "--as goes with the units mm, m, in and ft alone";
     }
-    if (o.Start == kStandardInput && o.Target == kStandardInput)
-        return "START and TARGET cannot both be standard input";
     o.Decimal = s.Tables[0].Decimal == "auto" ? std::nullopt : DecimalOf(s.Tables[0].Decimal);
     o.Delimiter = s.Tables[0].Delimiter;
     return "";

@@ -9,6 +9,7 @@
 #include <new>
 #include <system_error>
 
+#include "core/held_streams.h"
 #include "core/platform.h"
 
 namespace corvinade::cli {
@@ -62,6 +63,22 @@ FileBytes ReadInput(const std::string& path, std::istream* in) {
     std::ifstream pipe(path, std::ios::binary);
     if (!pipe) Fail(path, "the pipe cannot be opened");
     return ReadStream(path, pipe);
+}
+
+void HoldStream(const std::string& path, std::istream* in) {
+    if (!IsStream(path) || HeldStream(path) != nullptr) return;
+    HeldStreams.Bytes[path] = ReadInput(path, in);
+}
+
+std::string StandardInputTwice(const std::vector<NamedFile>& inputs) {
+    const NamedFile* first = nullptr;
+    for (const NamedFile& input : inputs) {
+        if (input.Path != kStandardInput) continue;
+        if (first != nullptr)
+            return std::string(first->What) + " and " + input.What + " cannot both be standard input";
+        first = &input;
+    }
+    return "";
 }
 
 std::string InputName(const std::string& path) {

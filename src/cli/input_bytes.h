@@ -3,7 +3,9 @@
 
 #include <iosfwd>
 #include <string>
+#include <vector>
 
+#include "cli/named_files.h"
 #include "core/files.h"
 #include "core/rooms.h"
 
@@ -18,6 +20,13 @@ bool IsStream(const std::string& path);
 // All of an input. `in` is what "-" stands for. Throws PlatformError as ReadFile does, and where a stream
 // does not end within 4 GB.
 FileBytes ReadInput(const std::string& path, std::istream* in);
+
+// Reads a stream, so that it is as good as a file from then on (core/held_streams.h); nothing where `path` is
+// a file, or empty, or is held already. Throws as ReadInput does.
+void HoldStream(const std::string& path, std::istream* in);
+
+// "", or which two of the inputs of a command are standard input.
+std::string StandardInputTwice(const std::vector<NamedFile>& inputs);
 
 // How messages call it: its path, and "standard input".
 std::string InputName(const std::string& path);

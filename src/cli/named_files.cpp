@@ -14,6 +14,7 @@ namespace fs = std::filesystem;
 
 bool AreOne(const std::string& a, const std::string& b) {
     if (a.empty() || b.empty()) return false;
+    if (a == "-" || b == "-") return false;  // standard input and standard output, and no file
     std::error_code error;
     if (fs::equivalent(a, b, error)) return true;
     // Devices may take several outputs one after the other.
@@ -33,8 +34,12 @@ std::string FilesApart(const std::vector<NamedFile>& inputs, const std::vector<N
     for (std::size_t i = 0; i < outputs.size(); ++i) {
         for (const NamedFile& input : inputs)
             if (AreOne(input.Path, outputs[i].Path)) return told(input, outputs[i]);
-        for (std::size_t k = 0; k < i; ++k)
+        for (std::size_t k = 0; k < i; ++k) {
+            if (outputs[k].Path == "-" && outputs[i].Path == "-")
+                return std::string(outputs[k].What) + " and " + outputs[i].What +
+                       " both want standard output";
             if (AreOne(outputs[k].Path, outputs[i].Path)) return told(outputs[k], outputs[i]);
+        }
     }
     return "";
 }

@@ -314,7 +314,7 @@ std::string TakeTransformSwitches(TransformSwitches& s) {
     if (s.DelimiterOption->count() > 0) o.Cloud.Delimiter = o.Delimiter.front();
     o.Cloud.Decimal = o.Decimal;
     const auto inputs = std::count(o.In.begin(), o.In.end(), "-");
-    if (inputs > 1 || (inputs > 0 && o.With == "-")) return "standard input is one file";
+    if (inputs > 1 || (inputs > 0 && (o.With == "-" || o.Job == "-"))) return "standard input is one file";
     if (!o.Out.empty() && (o.In.size() != 1 || Directory_Exist(o.In[0]))) return "--out takes one file IN";
     if (o.Out.empty() && inputs > 0) return "the result of standard input has no name: give it with --out";
     if (o.Out == "-" && o.Json) return "--json and --out - both want standard output";

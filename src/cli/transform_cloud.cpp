@@ -10,6 +10,7 @@
 #include "core/file_source.h"
 #include "core/file_writer.h"
 #include "core/files.h"
+#include "core/held_streams.h"
 #include "core/platform.h"
 
 namespace corvinade::cli {
@@ -40,7 +41,8 @@ CloudKind KindOfFile(const std::string& path) {
     std::array<char, 4096> head{};
     std::size_t count = 0;
     try {
-        if (!IsPipe(path)) count = FileSource(path).Read(head.data(), head.size());
+        if (HeldStream(path) != nullptr || !IsPipe(path))
+            count = FileSource(path).Read(head.data(), head.size());
     } catch (const PlatformError&) {
         count = 0;  // whoever reads it says why
     }

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "cli/fit_output.h"
+#include "cli/input_bytes.h"
 #include "cli/job_files.h"
 #include "cli/messages.h"
 #include "core/file_source.h"
@@ -37,7 +38,7 @@ constexpr std::size_t kLargestMatrix_bytes = std::size_t{1} << 16;
     throw PlatformError{"Cannot read \"" + path + "\": " + why};
 }
 
-std::string AllBytes(const std::string& path, std::istream& in) {
+std::string AllBytes(const std::string& path) {
     std::string bytes;
     const auto take = [&](auto read) {
         std::string block(std::size_t{1} << 16, '\0');
@@ -46,15 +47,8 @@ std::string AllBytes(const std::string& path, std::istream& in) {
             if (bytes.size() > kLargest_bytes) Fail(path, "it is larger than 1 GiB");
         }
     };
-    if (path == "-") {
-        take([&in](char* to, std::size_t most) {
-            in.read(to, static_cast<std::streamsize>(most));
-            return static_cast<std::size_t>(in.gcount());
-        });
-    } else {
-        FileSource file(path);
-        take([&file](char* to, std::size_t most) { return file.Read(to, most); });
-    }
+    FileSource file(path);
+    take([&file](char* to, std::size_t most) { return file.Read(to, most); });
     return bytes;
 }
 
@@ -190,11 +184,11 @@ int TransformationOfJob(const std::string& path, std::ostream& err, CloudMotion&
 int ReadTransformation(const TransformationWish& wish, std::istream& in, std::ostream& err,
                        CloudMotion& motion) {
     try {
-        const std::string bytes = AllBytes(wish.Path, in);
+        HoldStream(wish.Path, &in);
+        const std::string bytes = AllBytes(wish.Path);
         const std::size_t begin = bytes.find_first_not_of(" \t\r\n\xEF\xBB\xBF");
         if (begin == std::string::npos) Fail(wish.Path, "it is empty");
         if (bytes.find('\0') != std::string::npos) {
-            if (wish.Path == "-") Fail(wish.Path, "a job is read from a file alone");
             JobFileFacts facts;
             if (const int status = OpenJob(wish.Path, wish.Questions, facts, err); status != kDone)
                 return status;

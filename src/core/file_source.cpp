@@ -1,12 +1,14 @@
 // Files in pieces.
 #include "core/file_source.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
 
 #include "core/files.h"
+#include "core/held_streams.h"
 #include "core/platform.h"
 
 namespace corvinade::core {
@@ -32,6 +34,7 @@ void CheckFault(const char* operation, const std::string& path) {
 }  // namespace
 
 FileSource::FileSource(const std::string& path) : path_(path) {
+    if (HeldStream(path) != nullptr) return;
     std::error_code error;
     const auto status = fs::status(PathOf(path), error);
     if (status.type() == fs::file_type::none && error != std::errc::filename_too_long)
@@ -51,6 +54,12 @@ FileSource::~FileSource() {
 
 std::size_t FileSource::Read(char* to, std::size_t most) {
     CheckFault("read", path_);
+    if (const FileBytes* held = HeldStream(path_)) {
+        const std::size_t count = std::min(most, held->Size - at_);
+        std::memcpy(to, held->Data.get() + at_, count);
+        at_ += count;
+        return count;
+    }
     const std::size_t count = std::fread(to, 1, most, file_);
     if (count < most && std::ferror(file_) != 0) Fail(path_, std::strerror(errno));
     return count;

@@ -9,6 +9,7 @@
 
 namespace corvinade::core {
 
+// Where a stream is held, see core/held_streams.h, it gives that.
 // Throws PlatformError where the file is missing, a folder or unreadable.
 class FileSource {
 public:
@@ -23,6 +24,7 @@ public:
 private:
     std::string path_;
     std::FILE* file_ = nullptr;
+    std::size_t at_ = 0;  // of a stream that is held
 };
 
 // Is there something at this path that is neither a file nor a folder: a pipe, a terminal, a device?

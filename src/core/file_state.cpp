@@ -3,6 +3,7 @@
 
 #include <system_error>
 
+#include "core/held_streams.h"
 #include "core/platform.h"
 
 namespace corvinade::core {
@@ -52,7 +53,7 @@ PathKind KindOfPath(const std::string& path) {
 }
 
 bool FileIsThere(const std::string& path) {
-    return KindOfPath(path) == PathKind::File;
+    return HeldStream(path) != nullptr || KindOfPath(path) == PathKind::File;
 }
 
 bool FolderIsThere(const std::string& path) {

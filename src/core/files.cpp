@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "core/file_writer.h"
+#include "core/held_streams.h"
 #include "core/large_pages.h"
 #include "core/notes.h"
 #include "core/platform.h"
@@ -60,6 +61,7 @@ OpenFilePointer OpenForReading(const std::string& path) {
 }  // namespace
 
 bool File_Exist(const std::string& path) {
+    if (HeldStream(path) != nullptr) return true;
     std::error_code error;
     return !path.empty() && fs::is_regular_file(PathOf(path), error);
 }
@@ -70,25 +72,32 @@ bool Directory_Exist(const std::string& path) {
 }
 
 std::size_t FileSize(const std::string& path) {
+    if (const FileBytes* held = HeldStream(path)) return held->Size;
     std::error_code error;
     const std::uintmax_t size = fs::file_size(PathOf(path), error);
     return error ? 0 : size;
 }
 
 void CheckReadable(const std::string& path) {
-    OpenForReading(path);
+    if (HeldStream(path) == nullptr) OpenForReading(path);
 }
 
 FileBytes ReadFile(const std::string& path) {
-    const OpenFilePointer file = OpenForReading(path);
+    const FileBytes* const held = HeldStream(path);
+    const OpenFilePointer file = held == nullptr ? OpenForReading(path) : nullptr;
     std::error_code error;
-    const std::uintmax_t size = fs::file_size(PathOf(path), error);
+    const std::uintmax_t size = held == nullptr ? fs::file_size(PathOf(path), error) : held->Size;
     if (error) Fail(kCannotRead, path, error.message());
     FileBytes bytes;
     try {
         bytes.Data.reset(new char[size + 1]);
     } catch (const std::bad_alloc&) {
         Fail(kCannotRead, path, "it does not fit into memory");
+    }
+    if (held != nullptr) {
+        std::memcpy(bytes.Data.get(), held->Data.get(), size + 1);
+        bytes.Size = size;
+        return bytes;
     }
     PreferLargePages(bytes.Data.get(), size);
     CheckFault("read", kCannotRead, path);
@@ -125,6 +134,7 @@ void LetTooLargeFilesRefuse() {
 
 FileBeside::FileBeside(const std::string& path, Readers readers)
     : path_(path), target_(BehindLinks(path)), readers_(readers) {
+    if (HeldStream(path_) != nullptr) Fail(kCannotWrite, path_, "it is read from a stream, and no file");
     std::error_code error;
     old_ = fs::status(target_, error);
     if (old_.type() == fs::file_type::none) Fail(kCannotWrite, path_, error.message());

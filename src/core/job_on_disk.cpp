@@ -7,6 +7,7 @@
 #include "core/file_state.h"
 #include "core/file_writer.h"
 #include "core/files.h"
+#include "core/held_streams.h"
 #include "core/platform.h"
 
 namespace corvinade::core {
@@ -68,7 +69,7 @@ std::size_t HashOf(std::string_view bytes) {
 
 DiskState DiskStateOf(const std::string& path) {
     DiskState state;
-    state.There = FileIsThere(path);
+    state.There = HeldStream(path) == nullptr && FileIsThere(path);  // a stream does not change
     if (state.There && !StampOfFile(path, state.Stamp))
         throw PlatformError{"Cannot tell what is at \"" + path + "\": " + std::strerror(errno)};
     return state;

@@ -299,6 +299,20 @@ void RefuseShortHeading(const CloudTask& task, const Way& way) {
                  "; --columns says what they are");
 }
 
+// Spreadsheets whose decimal delimiter is the comma put quotes around their numbers where commas stand
+// between the fields too.
+bool HasQuotedCommas(const std::vector<std::string_view>& rows) {
+    std::vector<std::string_view> fields;
+    return std::any_of(rows.begin(), rows.end(), [&fields](std::string_view row) {
+        FieldsOf(row, ',', kMostFields, fields);
+        return std::any_of(fields.begin(), fields.end(), [](std::string_view field) {
+            double value = 0;
+            return field.find(',') != std::string_view::npos &&
+                   NumberOf(field, ',', value) == NumberKind::Finite;
+        });
+    });
+}
+
 }  // namespace
 
 FoundForm FindForm(const CloudTask& task, CloudKind kind, std::string_view head, bool isWhole) {
@@ -313,6 +327,7 @@ FoundForm FindForm(const CloudTask& task, CloudKind kind, std::string_view head,
     std::vector<char> delimiters = {';', '\t', ',', '|', '\0', ':'}, decimals = {'.', ','};
     if (wish.Delimiter) delimiters = {*wish.Delimiter == ' ' ? '\0' : *wish.Delimiter};
     if (wish.Decimal) decimals = {*wish.Decimal};
+    const bool quotedCommas = HasQuotedCommas(rows);
     Way best;
     bool usual = false;
     for (const char delimiter : delimiters) {
@@ -332,7 +347,7 @@ FoundForm FindForm(const CloudTask& task, CloudKind kind, std::string_view head,
         if (!wish.Columns.empty()) all = {wish.Columns};
         for (const Columns& columns : all) {
             for (const char decimal : decimals) {
-                if (decimal == delimiter) continue;
+                if (decimal == delimiter && !quotedCommas) continue;
                 const bool hasZ = !heading || heading->HasZ || !wish.Columns.empty();
                 Way way = {{delimiter, decimal, columns, hasZ}, heading ? heading->Unit : "", 0, {}};
                 CountRows(rows, way);

@@ -258,7 +258,12 @@ bool RowCarrier::Carry(std::string_view row) {
     const auto put = [&](std::string_view old, double value, int decimals) {
         const std::string_view shown = Trimmed(old);
         const std::size_t begin = text_.size();
+        // Where commas stand between the fields and in the numbers, quotes hold these together.
+        const bool quotes =
+            Form.Decimal == Form.Delimiter && (old.data() == row.data() || old.data()[-1] != '"');
+        if (quotes) text_ += '"';
         AppendFixed(value, decimals, Form.Decimal, text_);
+        if (quotes) text_ += '"';
         changes_.push_back(
             {static_cast<std::size_t>(shown.data() - row.data()), shown.size(), begin, text_.size()});
     };

@@ -141,7 +141,7 @@ bool IsCertain(std::string_view text, const std::string& path, const TableOption
              "The heading names no columns that are known; they are taken as " +
                  TableColumnsText(form.Columns) + " (--columns says what they are)",
              trial.UnknownHeading);
-    if (usual && form.HasName && trial.NamesAreFractions && trial.Good > 0) {
+    if (usual && form.HasName && trial.NamesAreNumbers && trial.NamesAreCoordinates && trial.Good > 0) {
         if (trial.NamesAreLong)
             return Refuse(
                 path, form.FirstLine,

@@ -281,7 +281,12 @@ void Look(const TableRow& row, const TablePlaces& places, TableTrial& trial) {
     if (form.HasName) {
         const std::string_view name = row.Cells[static_cast<std::size_t>(place(TableRole::Name))].Text;
         trial.NamesWithBlank = trial.NamesWithBlank || name.find(' ') != std::string_view::npos;
-        trial.NamesAreFractions = trial.NamesAreFractions && IsFraction(name, form.Decimal);
+        if (trial.NamesAreNumbers && name.find_first_not_of("0123456789") != std::string_view::npos) {
+            double value = 0;
+            trial.NamesAreNumbers = TableNumber(name, form.Decimal, value);
+            trial.NamesAreCoordinates =
+                trial.NamesAreCoordinates || name.starts_with('-') || IsFraction(name, form.Decimal);
+        }
         trial.NamesAreLong =
             trial.NamesAreLong || name.size() - std::min(name.find(form.Decimal), name.size()) > 3;
         trial.NamesAreWords =

@@ -36,16 +36,17 @@ struct TableTrial {
     std::int64_t Good = 0, Bad = 0;  // of the rows tried
     std::string Wrong;               // of the heading: why this is refused though its rows can be read
     std::int64_t WrongLine = 0;
-    std::int64_t UnknownHeading = 0;  // line of a heading that names nothing; 0 = there is none
-    bool Fractions = false;           // some number shows the decimal delimiter
-    bool ThousandsLike = true;        // all that do could have it between thousands: "1,234"
-    bool NamesWithBlank = false;      // some name holds a blank
-    bool NamesAreFractions = true;    // every name is a number with a fraction
-    bool NamesAreLong = false;        // some with more than two digits behind the delimiter
-    bool NamesAreWords = true;        // no name holds a digit
-    bool WholeThenFractions = true;   // every x is whole, and all that follows has a fraction
-    bool CommasMayJoin = true;        // two cells of every row could be a number with decimal comma
-    bool Thousands = true;            // commas of thousands would explain the cells of every row
+    std::int64_t UnknownHeading = 0;   // line of a heading that names nothing; 0 = there is none
+    bool Fractions = false;            // some number shows the decimal delimiter
+    bool ThousandsLike = true;         // all that do could have it between thousands: "1,234"
+    bool NamesWithBlank = false;       // some name holds a blank
+    bool NamesAreNumbers = true;       // every name is a number,
+    bool NamesAreCoordinates = false;  // and one of them has a fraction or is below 0
+    bool NamesAreLong = false;         // some with more than two digits behind the delimiter
+    bool NamesAreWords = true;         // no name holds a digit
+    bool WholeThenFractions = true;    // every x is whole, and all that follows has a fraction
+    bool CommasMayJoin = true;         // two cells of every row could be a number with decimal comma
+    bool Thousands = true;             // commas of thousands would explain the cells of every row
 };
 // `trial.Form` says how cells are cut and the decimal delimiter; the rest is filled in. `at`, `line`: where
 // the table begins.

@@ -50,7 +50,6 @@ void LookForDirections(CloudTask& task, const RowForm& form, std::string_view ro
 
 // A row with three numbers of the other decimal delimiter than that of the file is no remark.
 void RefuseOtherDecimal(const CloudTask& task, const RowForm& form, std::string_view row) {
-    if (form.Delimiter == ',') return;
     std::vector<std::string_view> fields;
     FieldsOf(row, form.Delimiter, form.Columns.size(), fields);
     const char other = form.Decimal == '.' ? ',' : '.';

@@ -10,26 +10,26 @@ using namespace corvinade;
 
 namespace {
 
-struct Row {
+struct SigmaRow {
     std::string Name;
     double X, Y, Z;
     double SX, SY, SZ;
 };
 
 // Of one transformation, with errors of some tenths.
-const std::vector<Row> kStartRows = {
+const std::vector<SigmaRow> kStartRows = {
     {"P10", 0, 0, 0, 0.1, 0.2, 0.3},       {"P2", 1000, 0, 0, 0.2, 0.1, 0.4},
     {"A", 0, 2000, 0, 0.3, 0.3, 0.1},      {"Q", 0, 0, 3000, 0.05, 0.2, 0.2},
     {"only", 500, 600, 700, 9, 9, 9},      {"F", 1000, 2000, 300, 0.1, 0.1, 0.6},
     {"E", 1500, -700, 1000, 0.4, 0.2, 0.1}};
-const std::vector<Row> kTargetRows = {
+const std::vector<SigmaRow> kTargetRows = {
     {"A", 5.1, 2006.2, 7.3, 0.2, 0.1, 0.1},      {"E", 1505.2, -694.1, 1006.8, 0.1, 0.3, 0.2},
     {"F", 1005.0, 2006.3, 306.9, 0.3, 0.2, 0.1}, {"P10", 4.8, 6.1, 7.2, 0.2, 0.2, 0.2},
     {"P2", 1005.3, 5.8, 6.6, 0.1, 0.1, 0.5},     {"Q", 5.0, 6.4, 3007.1, 0.2, 0.4, 0.1}};
 
-std::string Text(const std::vector<Row>& rows, const std::string& heading, double unit = 1) {
+std::string Text(const std::vector<SigmaRow>& rows, const std::string& heading, double unit = 1) {
     std::string text = heading + "\n";
-    for (const Row& row : rows) {
+    for (const SigmaRow& row : rows) {
         text += row.Name;
         for (const double value : {row.X, row.Y, row.Z, row.SX, row.SY, row.SZ}) {
             char number[40];
@@ -66,9 +66,9 @@ protected:
 double Objective(const json& result) {
     const json& m = result["transformation"]["matrix"];
     double sum = 0;
-    for (const Row& target : kTargetRows) {
-        const Row& start = *std::find_if(kStartRows.begin(), kStartRows.end(),
-                                         [&](const Row& row) { return row.Name == target.Name; });
+    for (const SigmaRow& target : kTargetRows) {
+        const SigmaRow& start = *std::find_if(kStartRows.begin(), kStartRows.end(),
+                                         [&](const SigmaRow& row) { return row.Name == target.Name; });
         const double p[3] = {start.X, start.Y, start.Z}, q[3] = {target.X, target.Y, target.Z};
         const double s[3] = {start.SX, start.SY, start.SZ}, t[3] = {target.SX, target.SY, target.SZ};
         double r[3], C[3][3] = {};
@@ -99,7 +99,7 @@ TEST_F(FitSigmaColumns, GoWithTheirPoints) {
     EXPECT_NEAR(result["statistics"]["vtpv"].get<double>(), Objective(result), 1e-6);
     EXPECT_EQ(result["statistics"]["s0Unit"], "");
     // The files in any other order are the same fit.
-    std::vector<Row> start = kStartRows, target = kTargetRows;
+    std::vector<SigmaRow> start = kStartRows, target = kTargetRows;
     std::reverse(start.begin(), start.end());
     std::rotate(target.begin(), target.begin() + 2, target.end());
     const std::string s = Write("s2.csv", Text(start, kHeading)), t = Write("t2.csv", Text(target, kHeading));
@@ -122,9 +122,9 @@ TEST_F(FitSigmaColumns, MakeTheirSumLeast) {
 }
 
 TEST_F(FitSigmaColumns, EqualOnesAreTheOptionBitByBit) {
-    std::vector<Row> start = kStartRows, target = kTargetRows;
-    for (Row& row : start) row.SX = 0.25, row.SY = 0.5, row.SZ = 0.125;
-    for (Row& row : target) row.SX = row.SY = row.SZ = 0.0625;
+    std::vector<SigmaRow> start = kStartRows, target = kTargetRows;
+    for (SigmaRow& row : start) row.SX = 0.25, row.SY = 0.5, row.SZ = 0.125;
+    for (SigmaRow& row : target) row.SX = row.SY = row.SZ = 0.0625;
     const std::string s = Write("se.csv", Text(start, kHeading)), t = Write("te.csv", Text(target, kHeading));
     const std::string plainHeading = "name;x;y;z;-;-;-";
     const std::string ps = Write("sp.csv", Text(start, "name;x;y;z;a;b;c")),
@@ -134,7 +134,7 @@ TEST_F(FitSigmaColumns, EqualOnesAreTheOptionBitByBit) {
     EXPECT_EQ(Figures({ps, t}), Figures({ps, pt, "--target-sigma", "0.0625"}));
     // One column for all three.
     std::string one = "name;x;y;z;s\n";
-    for (const Row& row : target)
+    for (const SigmaRow& row : target)
         one += row.Name + ";" + std::to_string(row.X) + ";" + std::to_string(row.Y) + ";" +
                std::to_string(row.Z) + ";0.0625\n";
     EXPECT_EQ(Figures({ps, Write("one.csv", one)}), Figures({ps, pt, "--target-sigma", "0.0625"}));
@@ -181,8 +181,8 @@ TEST_F(FitSigmaColumns, BadOnesAreRefusedWithTheirPlace) {
 }
 
 TEST_F(FitSigmaColumns, ZeroOnBothSidesIsRefusedWithTheName) {
-    std::vector<Row> start = kStartRows, target = kTargetRows;
-    for (Row& row : start) row.SX = row.SY = row.SZ = row.Name == "F" ? 0 : row.SX;
+    std::vector<SigmaRow> start = kStartRows, target = kTargetRows;
+    for (SigmaRow& row : start) row.SX = row.SY = row.SZ = row.Name == "F" ? 0 : row.SX;
     const std::string s = Write("s0.csv", Text(start, kHeading));
     EXPECT_EQ(Fit({s, t_}).Status, 0);  // errorless on one side alone
     target[2].SY = 0;
@@ -230,8 +230,8 @@ TEST_F(FitSigmaColumns, BelongToTheirFilesWhateverTheDirection) {
 
 // Names that stand twice, pairs by place: the points are called otherwise and stand elsewhere.
 TEST_F(FitSigmaColumns, GoWithPointsThatArePairedByPlace) {
-    std::vector<Row> start = kStartRows;
-    for (Row& row : start) row.X += 5, row.Y += 6, row.Z += 7;
+    std::vector<SigmaRow> start = kStartRows;
+    for (SigmaRow& row : start) row.X += 5, row.Y += 6, row.Z += 7;
     const std::string named = Write("named.csv", Text(start, kHeading));
     const json byName = FitJson({named, t_});
     start[1].Name = start[0].Name = start[5].Name = "same";
@@ -267,9 +267,9 @@ TEST_F(FitSigmaColumns, PublishedFourPointsByColumns) {
 // Both systems in one file, each with sigmas of its own.
 TEST_F(FitSigmaColumns, OfOneFileOfPairs) {
     std::string text, swapped;
-    for (const Row& target : kTargetRows) {
-        const Row& start = *std::find_if(kStartRows.begin(), kStartRows.end(),
-                                         [&](const Row& row) { return row.Name == target.Name; });
+    for (const SigmaRow& target : kTargetRows) {
+        const SigmaRow& start = *std::find_if(kStartRows.begin(), kStartRows.end(),
+                                         [&](const SigmaRow& row) { return row.Name == target.Name; });
         std::string row = target.Name;
         for (const double value : {start.X, start.Y, start.Z, target.X, target.Y, target.Z, start.SX,
                                    start.SY, start.SZ, target.SX, target.SY, target.SZ})

@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <thread>
 
 #include "cli/fit_command.h"
@@ -23,6 +24,17 @@ protected:
         const Outcome outcome = Run(arguments);
         EXPECT_EQ(outcome.Status, 0) << outcome.Err;
         return outcome.Status == 0 ? json::parse(outcome.Out) : json();
+    }
+    static Outcome Piped(const std::vector<std::string>& arguments, const std::string& text) {
+        std::vector<const char*> argv = {"corvinade-cli"};
+        for (const std::string& argument : arguments) argv.push_back(argument.c_str());
+        FreshStart();
+        Headless = HeadlessRecord{};
+        std::istringstream in(text);
+        std::ostringstream out, err;
+        const int status =
+            RunCommandLine(static_cast<int>(argv.size()), argv.data(), in, out, err, false, false);
+        return Outcome{status, out.str(), err.str()};
     }
     // Everything but the files.
     static json Result(std::vector<std::string> arguments) {
@@ -155,23 +167,12 @@ TEST_F(FitTables, OneCommaForBothIsRefusedUntilAnOptionDecides) {
 }
 
 TEST_F(FitTables, AreReadFromStandardInputAndPipes) {
-    const auto run = [&](const std::vector<std::string>& arguments, const std::string& text) {
-        std::vector<const char*> argv = {"corvinade-cli", "fit"};
-        for (const std::string& argument : arguments) argv.push_back(argument.c_str());
-        FreshStart();
-        Headless = HeadlessRecord{};
-        std::istringstream in(text);
-        std::ostringstream out, err;
-        const int status =
-            RunCommandLine(static_cast<int>(argv.size()), argv.data(), in, out, err, false, false);
-        return Outcome{status, out.str(), err.str()};
-    };
     const std::string from = Run({start_, target_, "--csv"}).Out;
     ASSERT_FALSE(from.empty());
-    EXPECT_EQ(run({"-", target_, "--csv"}, Contents(start_)).Out, from);
-    EXPECT_EQ(run({start_, "-", "--csv"}, Contents(target_)).Out, from);
-    EXPECT_EQ(run({"-", "-"}, Contents(start_)).Status, 2);
-    const Outcome bad = run({"-", target_}, "A;1;2;3\nB;x;2;3\n");
+    EXPECT_EQ(Piped({"fit", "-", target_, "--csv"}, Contents(start_)).Out, from);
+    EXPECT_EQ(Piped({"fit", start_, "-", "--csv"}, Contents(target_)).Out, from);
+    EXPECT_EQ(Piped({"fit", "-", "-"}, Contents(start_)).Status, 2);
+    const Outcome bad = Piped({"fit", "-", target_}, "A;1;2;3\nB;x;2;3\n");
     EXPECT_EQ(bad.Status, 3);
     EXPECT_NE(bad.Err.find("Cannot read \"standard input\", line 2, column 2"), std::string::npos) << bad.Err;
     const std::string pipe = PathOf("pipe");
@@ -184,6 +185,82 @@ TEST_F(FitTables, AreReadFromStandardInputAndPipes) {
     });
     EXPECT_EQ(Run({pipe, target_, "--csv"}).Out, from);
     writer.join();
+}
+
+TEST_F(FitTables, AndFilesOfAllOtherKindsAreReadFromStandardInputToo) {
+    const std::string text = Contents(start_);
+    for (const std::string format : {"auto", "plain"}) {
+        const std::string plain = Run({start_, target_, "--csv", "--format", format}).Out;
+        EXPECT_EQ(Piped({"fit", "-", target_, "--csv", "--format", format}, text).Out, plain);
+        EXPECT_EQ(Piped({"fit", start_, "-", "--csv", "--format", format}, Contents(target_)).Out, plain);
+    }
+    // Poses in all forms: with the same names as the points.
+    const std::string poses =
+        "1;5;6;7;10;20;30\n2;1005;6;7;11;21;31\n3;5;2006;7;12;22;32\n4;5;6;3007;13;23;33\n";
+    const std::string points = Write("p.txt", "1;0;0;0\n2;1000;0;0\n3;0;2000;0\n4;0;0;3000\n");
+    const std::string file = Write("poses.txt", poses);
+    const std::string ofFile = Run({points, file, "--as", "xyzabc", "--csv"}).Out;
+    ASSERT_FALSE(ofFile.empty());
+    EXPECT_EQ(Piped({"fit", points, "-", "--as", "xyzabc", "--csv"}, poses).Out, ofFile);
+    const Outcome wrong = Piped({"fit", points, "-", "--as", "kuka"}, text);
+    EXPECT_EQ(wrong.Status, 3);
+    EXPECT_NE(wrong.Err.find("Cannot read \"-\""), std::string::npos) << wrong.Err;
+    const std::string ply =
+        "ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\nproperty float z\n"
+        "end_header\n1 2 3\n4 5 7\n7 9 9\n";
+    const std::string cloud = Write("c.ply", ply);
+    EXPECT_EQ(Piped({"fit", "-", cloud, "--csv"}, ply).Out, Run({cloud, cloud, "--csv"}).Out);
+    const std::string pairs = "x,y,z,X,Y,Z\n0,0,0,1,2,3\n9,0,0,10,2,3\n0,9,0,1,11,3\n";
+    EXPECT_EQ(Piped({"fit", "--pairs", "-", "--csv"}, pairs).Out,
+              Run({"--pairs", Write("pairs.csv", pairs), "--csv"}).Out);
+    EXPECT_EQ(Piped({"fit", "-", target_, "--poses", "-"}, text).Status, 2);
+    // What the told reader asks to change is no file here.
+    const std::string commas = "A;1,5;2;3\nB;4,5;5;6\nC;7;1;9\n";
+    EXPECT_NE(Piped({"fit", "-", target_, "--format", "plain", "--yes"}, commas).Status, 0);
+    EXPECT_FALSE(std::filesystem::exists("-"));
+}
+
+TEST_F(FitTables, AJobGoesFromCommandToCommandWithoutAFile) {
+    const std::string job = PathOf("a.cvn");
+    ASSERT_EQ(Run({start_, target_, "--save", job}).Status, 0);
+    const Outcome saved = Run({start_, target_, "--save", "-"});
+    EXPECT_EQ(saved.Status, 0);
+    EXPECT_EQ(saved.Out, Contents(job)) << "the job stands in the place of the table";
+    const std::vector<std::vector<std::string>> commands = {
+        {"info", job}, {"export", job, "--as", "matrix"}, {"distances", job}, {"fit", "--job", job, "--csv"}};
+    for (std::vector<std::string> command : commands) {
+        const Outcome ofFile = FreshCommandLine(command);
+        std::replace(command.begin(), command.end(), job, std::string("-"));
+        const Outcome piped = Piped(command, saved.Out);
+        EXPECT_EQ(piped.Status, ofFile.Status) << command[0] << piped.Err;
+        if (command[0] == "export" || command[0] == "fit") {
+            EXPECT_EQ(piped.Out, ofFile.Out);
+        }
+        EXPECT_EQ(piped.Out.empty(), ofFile.Out.empty()) << command[0];
+    }
+    const std::string result = Run({start_, target_, "--json"}).Out;
+    EXPECT_EQ(Piped({"export", "-", "--as", "matrix"}, result).Out,
+              FreshCommandLine({"export", job, "--as", "matrix"}).Out);
+    EXPECT_EQ(Piped({"transform", "--with", "-", start_, "--out", "-"}, saved.Out).Out,
+              FreshCommandLine({"transform", "--with", job, start_, "--out", "-"}).Out);
+    EXPECT_EQ(Piped({"transform", "-", start_, "--out", "-"}, saved.Out).Out,
+              FreshCommandLine({"transform", job, start_, "--out", "-"}).Out);
+    EXPECT_EQ(Piped({"export", "-", "--as", "matrix"}, "").Status, 3);
+    EXPECT_EQ(Piped({"transform", "-", "-", "--out", "-"}, saved.Out).Status, 2);
+}
+
+TEST_F(FitTables, StandardOutputTakesOneOfAll) {
+    EXPECT_TRUE(Run({start_, target_, "--report", "-"}).Out.starts_with("<!DOCTYPE html>"));
+    for (const std::vector<std::string>& more :
+         std::vector<std::vector<std::string>>{{"--save", "-", "--report", "-"},
+                                               {"--save", "-", "--export", "ros=-"},
+                                               {"--save", "-", "--json"},
+                                               {"--report", "-", "--csv"}}) {
+        std::vector<std::string> arguments = {start_, target_};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        EXPECT_EQ(Run(arguments).Status, 2) << more[0] << more[2];
+    }
+    EXPECT_EQ(FreshCommandLine({"distances", PathOf("a.cvn"), "--pairs", "-"}).Status, 2);
 }
 
 TEST_F(FitTables, NumbersThatWouldBecomeNamesAreNeverTakenSilently) {
