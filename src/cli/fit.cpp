@@ -327,7 +327,10 @@ int TakeJob(FitOptions& options, JobFileFacts& facts, std::ostream& err) {
     options.Match = "the job " + options.Job;
     options.FromTarget = !IsTrue(Job.DirectionMCStoOCS);
     if (options.Tool && Job.RobotABC.Rows < Job.Pairs())
-        return Refuse(err, kRefused, "the job has no orientations for --tool");
+        return Refuse(
+            err, kRefused,
+            "the job has no orientations for --tool. A job file keeps those of Kuka programs and of quaternions alone: "
+            "give the points and the robot program again, or the orientations with --poses");
     if (!options.IsGiven("--parameters")) options.Parameters = "job";
     if (!options.IsGiven("--norm")) options.Norm = NormOfJob().Name;
     return kDone;

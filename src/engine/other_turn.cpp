@@ -77,6 +77,11 @@ public:
         constexpr double kSame = 1e-6;
         return std::fabs(Off(AnglesOf(TurnedBy(t)), k)) < kSame;
     }
+    // cos Rot y there: where it is 0, Rot x and Rot z turn about one axis, and either may be any angle.
+    double FromPole(double t) const {
+        const Mat3 R = TurnedBy(t);
+        return std::hypot(R(1, 1), R(2, 1));
+    }
     static double Off(const Vec3& angles, int k) {
         return std::remainder(angles(k) - ParameterValue(Job, kRotX + k - 1), kTurn);
     }
@@ -140,29 +145,6 @@ bool IsAway(double t) {
     return std::fabs(std::remainder(t, kTurn)) > kSamePlace;
 }
 
-// Turns that keep a held angle, by a change of sign and halving.
-std::vector<double> TurnsThatKeep(const Road& road, int k, bool asShown) {
-    constexpr double kNear = 0.5;
-    constexpr int kHalvings = 50;
-    const auto off = [&](double t) { return Road::Off(road.AnglesAt(t, {k}), k); };
-    std::vector<double> found;
-    double before = off(0);
-    for (int i = 1; i <= kSteps; ++i) {
-        double a = kTurn * (i - 1) / kSteps, b = kTurn * i / kSteps;
-        const double here = off(b);
-        if (std::fabs(before) < kNear && std::fabs(here) < kNear && (before < 0) != (here < 0)) {
-            const bool below = before < 0;
-            for (int halving = 0; halving < kHalvings; ++halving) {
-                const double middle = (a + b) / 2;
-                ((off(middle) < 0) == below ? a : b) = middle;
-            }
-            if (IsAway(a) && (!asShown || road.ShowsAt(a, k))) found.push_back(a);
-        }
-        before = here;
-    }
-    return found;
-}
-
 // Turns about which such a sum rises on both sides, by thirds.
 std::vector<double> LeastTurns(const std::function<double(double t)>& sumAt) {
     constexpr int kThirds = 60;
@@ -178,6 +160,52 @@ std::vector<double> LeastTurns(const std::function<double(double t)>& sumAt) {
             (falls ? a : b) = falls ? left : right;
         }
         if (IsAway(a)) found.push_back(a);
+    }
+    return found;
+}
+
+constexpr double kPole = 1e-9;
+
+// Where the turns are looked at: all round in even steps, and closer and closer at the poles of the angles.
+// At a distance d from one, Rot x and Rot z go half a turn within d.
+std::vector<double> StepsOf(const std::vector<double>& poles, const Road& road) {
+    constexpr double kCloser = 1.2;
+    std::vector<double> steps;
+    for (int i = 0; i <= kSteps; ++i) steps.push_back(kTurn * i / kSteps);
+    for (const double pole : poles) {
+        steps.push_back(pole);
+        for (double u = 2 * kTurn / kSteps; u > std::max(road.FromPole(pole), kPole) / 20; u /= kCloser)
+            for (const double t : {pole - u, pole + u})
+                if (t > 0 && t < kTurn) steps.push_back(t);
+    }
+    std::sort(steps.begin(), steps.end());
+    return steps;
+}
+
+// Turns that keep a held angle, by a change of sign and halving.
+std::vector<double> TurnsThatKeep(const Road& road, int k, bool asShown) {
+    constexpr double kNear = 0.5, kNearPole = 0.05;
+    constexpr int kHalvings = 50;
+    const auto off = [&](double t) { return Road::Off(road.AnglesAt(t, {k}), k); };
+    std::vector<double> found, poles;
+    if (k != 2) poles = LeastTurns([&](double t) { return road.FromPole(t); });
+    std::erase_if(poles, [&](double t) { return road.FromPole(t) > kNearPole; });
+    for (const double pole : poles)
+        if (road.FromPole(pole) < kPole) found.push_back(pole);
+    const std::vector<double> steps = StepsOf(poles, road);
+    double before = off(0);
+    for (std::size_t i = 1; i < steps.size(); ++i) {
+        double a = steps[i - 1], b = steps[i];
+        const double here = off(b);
+        if (std::fabs(before) < kNear && std::fabs(here) < kNear && (before < 0) != (here < 0)) {
+            const bool below = before < 0;
+            for (int halving = 0; halving < kHalvings; ++halving) {
+                const double middle = (a + b) / 2;
+                ((off(middle) < 0) == below ? a : b) = middle;
+            }
+            if (IsAway(a) && (!asShown || road.ShowsAt(a, k))) found.push_back(a);
+        }
+        before = here;
     }
     return found;
 }
@@ -212,11 +240,13 @@ OtherTurn FindOtherTurn(const GatheredPoints& points, const FitModel& model, con
         const double most = kTimes * road.SumAt(0) + kNoises * forms.Noise * forms.Noise;
         const auto sumAt = [&](double t) { return road.SumThatKeeps(t, angles, forms.Image); };
         std::vector<double> turns;
-        if (angles.size() == 1) turns = TurnsThatKeep(road, angles.front(), asShown);
+        if (angles.size() == 1)
+            for (const double t : TurnsThatKeep(road, angles.front(), asShown))
+                if (road.SumAt(t) <= most) turns.push_back(t);
         if (angles.size() != 1 || held > 1)
-            for (const double t : LeastTurns(sumAt)) turns.push_back(t);
+            for (const double t : LeastTurns(sumAt))
+                if (sumAt(t) <= most) turns.push_back(t);
         for (const double t : turns) {
-            if (!(sumAt(t) <= most)) continue;
             other.Moves = road.MovesTo(t, angles, kMoved * forms.Noise);
             if (std::find(other.Moves.begin(), other.Moves.end(), true) == other.Moves.end()) continue;
             other.Angle = std::fabs(std::remainder(t, kTurn));

@@ -137,3 +137,23 @@ TEST_F(HeldLine, PlacesNextToEachOtherAreToldToo) {
     EXPECT_TRUE(Told(found));
     EXPECT_TRUE(Told(truth));
 }
+
+// At the pole Rot x and Rot z turn about one axis, so that each of them can be kept there.
+TEST_F(HeldLine, ThePlaceAtThePoleIsToldWhereTheOtherOneIsShown) {
+    int apart = 0;
+    for (const double y : {90.0, -90.0, 89.99, -89.6})
+        for (const char* held : {"rotx", "rotz"}) {
+            SCOPED_TRACE(held + std::to_string(y));
+            AddLine(0, y, 0, Vec3(0.2, 0.3, -0.93));
+            const std::vector<std::string> arguments = {start_, target_, "--hold", std::string(held) + "=0"};
+            std::vector<std::string> fromTruth = arguments;
+            fromTruth.insert(fromTruth.end(), {"--start", "roty=" + std::to_string(y * 0.9)});
+            const json found = FitJson(arguments), truth = FitJson(fromTruth);
+            EXPECT_LT(truth["quality"]["s0_mm"].get<double>(), 1e-4);
+            EXPECT_LT(found["quality"]["s0_mm"].get<double>(), 1e-4);
+            if (std::fabs(ValueOf(found, "trax") - ValueOf(truth, "trax")) < 1) continue;
+            ++apart;
+            EXPECT_TRUE(Told(found));
+        }
+    EXPECT_GT(apart, 2) << "the places are two";
+}
