@@ -4,8 +4,9 @@
 passed=0
 failed=0
 
-# How many processes share the tests of a program: one for each processor.
-TEST_SHARDS=${TEST_SHARDS:-$(nproc)}
+# How many processes share the tests of a program: two for each processor, so that none is idle while the last one
+# has the long ones.
+TEST_SHARDS=${TEST_SHARDS:-$((2 * $(nproc)))}
 
 # What libraries keep to the end is not reported as a leak, by their names; a leak of ours ends the program
 # with an error.

@@ -68,7 +68,7 @@ double Objective(const json& result) {
     double sum = 0;
     for (const SigmaRow& target : kTargetRows) {
         const SigmaRow& start = *std::find_if(kStartRows.begin(), kStartRows.end(),
-                                         [&](const SigmaRow& row) { return row.Name == target.Name; });
+                                              [&](const SigmaRow& row) { return row.Name == target.Name; });
         const double p[3] = {start.X, start.Y, start.Z}, q[3] = {target.X, target.Y, target.Z};
         const double s[3] = {start.SX, start.SY, start.SZ}, t[3] = {target.SX, target.SY, target.SZ};
         double r[3], C[3][3] = {};
@@ -269,7 +269,7 @@ TEST_F(FitSigmaColumns, OfOneFileOfPairs) {
     std::string text, swapped;
     for (const SigmaRow& target : kTargetRows) {
         const SigmaRow& start = *std::find_if(kStartRows.begin(), kStartRows.end(),
-                                         [&](const SigmaRow& row) { return row.Name == target.Name; });
+                                              [&](const SigmaRow& row) { return row.Name == target.Name; });
         std::string row = target.Name;
         for (const double value : {start.X, start.Y, start.Z, target.X, target.Y, target.Z, start.SX,
                                    start.SY, start.SZ, target.SX, target.SY, target.SZ})

@@ -14,6 +14,7 @@
 #include "engine/seed.h"
 #include "engine/selection.h"
 #include "engine/turns_left.h"
+#include "support/memory_use.h"
 
 using namespace corvinade;
 
@@ -178,10 +179,10 @@ TEST_F(TurnsWithHeld, NothingIsToldOfABody) {
 
 // The line is so thick that the turn is known to some tenths of a radian.
 TEST_F(TurnsWithHeld, TheSigmaThatIsToldIsTheSpreadOfRepeatedMeasurements) {
-    constexpr int kTimes = 200;
+    const int times = UnderSanitizers() ? 40 : 200;
     double squares = 0, told = 0;
     int count = 0;
-    for (int seed = 0; seed < kTimes; ++seed) {
+    for (int seed = 0; seed < times; ++seed) {
         Begin(seed);
         AddLine(0.15, 0.5);
         Fit({kTraX});
@@ -193,9 +194,9 @@ TEST_F(TurnsWithHeld, TheSigmaThatIsToldIsTheSpreadOfRepeatedMeasurements) {
             ++count;
         }
         const double off = std::remainder(Job.RotX - kRotX0, 2 * std::numbers::pi);
-        squares += off * off / kTimes;
+        squares += off * off / times;
     }
-    ASSERT_GT(count, kTimes / 2);
+    ASSERT_GT(count, times / 2);
     EXPECT_NEAR(std::sqrt(told / count) / std::sqrt(squares), 1, 0.35);
 }
 
