@@ -246,6 +246,7 @@ const TableUnit* TableUnitByWord(std::string_view word) {
 TableHeading HeadingOf(const std::vector<std::string>& texts, bool ownUnit) {
     TableHeading heading;
     std::vector<HeadingCell> cells;
+    cells.reserve(texts.size());
     for (const std::string& text : texts) cells.push_back(CellOf(text));
     const bool east = std::any_of(cells.begin(), cells.end(),
                                   [](const HeadingCell& cell) { return cell.Role == TableRole::X; });

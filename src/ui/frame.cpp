@@ -102,8 +102,8 @@ QMdiArea& AreaOf(const QMainWindow& frame) {
 void FurnishFrame(QMainWindow& frame) {
     QMdiArea& area = AreaOf(frame);
     area.setViewMode(QMdiArea::SubWindowView);
-    area.setActivationOrder(
-        QMdiArea::ActivationHistoryOrder);  // behind one that closes comes the last used one
+    // Behind a window that closes comes the one that was used last.
+    area.setActivationOrder(QMdiArea::ActivationHistoryOrder);
     area.setBackground(frame.palette().mid());
     // A smaller frame leaves its windows where they are, and in reach.
     area.setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
