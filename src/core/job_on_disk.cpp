@@ -8,6 +8,8 @@
 #include "core/file_writer.h"
 #include "core/files.h"
 #include "core/held_streams.h"
+#include "core/job.h"
+#include "core/job_file.h"
 #include "core/platform.h"
 
 namespace corvinade::core {
@@ -66,6 +68,12 @@ std::size_t HashOf(std::string_view bytes) {
 }
 
 }  // namespace
+
+std::size_t HashAsWritten(const JobRecord& job, const std::vector<std::string>& viewNames) {
+    RunningHash hash;
+    WriteJobBytes(job, viewNames, [&hash](std::string_view bytes) { hash.Add(bytes); });
+    return hash.Value();
+}
 
 DiskState DiskStateOf(const std::string& path) {
     DiskState state;

@@ -5,11 +5,14 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/rooms.h"
 #include "core/system_files.h"
 
 namespace corvinade::core {
+
+struct JobRecord;
 
 // What is known of a file at one time.
 struct DiskState {
@@ -33,6 +36,10 @@ struct KnownBytes {
 };
 KnownBytes KnownOf(const std::string& path);
 void RememberKnown(const std::string& path, const KnownBytes& known);
+
+// The hash of the bytes that a job's file would have, taken slice by slice. Throws PlatformError as JobBytes
+// does.
+std::size_t HashAsWritten(const JobRecord& job, const std::vector<std::string>& viewNames);
 
 // A new job is to be written there: what is there now may be replaced, what comes later may not.
 void RememberNewJobFile(const std::string& path);

@@ -5,7 +5,6 @@
 #include <charconv>
 #include <cstdio>
 #include <ctime>
-#include <functional>
 #include <locale>
 #include <sstream>
 #include <string_view>
@@ -116,14 +115,10 @@ bool StandsIn(const std::string& path, std::string_view bytes) {
     }
 }
 
-std::size_t HashOf(std::string_view bytes) {
-    return std::hash<std::string_view>{}(bytes);
-}
-
 // Of what a save would write; nothing where it would refuse.
 std::optional<std::size_t> HashOfJob() {
     try {
-        return HashOf(JobBytes(Job, Main.ComboSaveView.Items));
+        return HashAsWritten(Job, Main.ComboSaveView.Items);
     } catch (const PlatformError&) {
         return std::nullopt;
     }
@@ -136,14 +131,10 @@ void WriteCopy() {
         }
         ~Marked() { Job.OtherMembers.pop_back(); }
     };
-    std::string bytes;
-    {
-        const Marked marked;
-        bytes = JobBytes(Job, Main.ComboSaveView.Items);
-    }
+    const Marked marked;
     // A kill takes nothing that was written. Waiting for the disk would be felt with every copy.
     FileBeside file(Recovery.CopyPath, Readers::Owner);
-    file.Write(bytes);
+    WriteJobBytes(Job, Main.ComboSaveView.Items, [&file](std::string_view bytes) { file.Write(bytes); });
     file.Keep(Keeping::Unflushed);
 }
 
