@@ -18,6 +18,7 @@
 #include "engine/loose_scales.h"
 #include "engine/loose_turns.h"
 #include "engine/norm_table.h"
+#include "engine/other_place.h"
 #include "engine/other_turn.h"
 #include "engine/parameter_kind.h"
 #include "fit/open_parameters.h"
@@ -187,6 +188,23 @@ void NoteOtherTurn(const NormFit& fit, const FitModel& model, const Linearisatio
             " is one of two, and what lies off the points may be put elsewhere");
 }
 
+// Flat points that what is held lets lie otherwise by other scales.
+void NoteOtherPlace(const NormFit& fit, const FitModel& model, const Linearisation& at) {
+    if (IsTrue(Job.Collapsed)) return;
+    OtherPlace other = FindOtherPlace(fit.Points, model, at, NormOfJob().Fit == FitNorm::LeastSum);
+    for (int k = kTraX; k < kParameterEnd; ++k)
+        if (Job.LeftOpen[At(k)] != 0 || fit.HeldByFit[At(k)]) other.Moves[At(k)] = false;
+    if (std::find(other.Moves.begin(), other.Moves.end(), true) == other.Moves.end()) return;
+    for (int k = kTraX; k < kParameterEnd; ++k)
+        if (other.Moves[At(k)]) Job.LeftOpen[At(k)] = 1;
+    AddNote(NoteCode::HardlyKnown,
+            "The points in use are so near to one line or one plane that another result, with other scales, "
+            "keeps what is held and fits as well: what is shown for " +
+                NamesOf(other.Moves) +
+                " is one of several, and what lies off the points may be put elsewhere; hold more, or start "
+                "from values that are near");
+}
+
 // Of those that are not told as open already.
 void NoteLooseScales(const NormFit& fit, const FitModel& model, const Linearisation& at, bool robust) {
     LooseScales loose = FindLooseScales(fit, model, at, robust);
@@ -307,6 +325,7 @@ void NoteResult(const NormFit& fit) {
     if (!onePlace && !IsTrue(Job.IsParaboloid)) {
         NoteLooseTurns(fit, open, model, at);
         NoteOtherTurn(fit, model, at);
+        NoteOtherPlace(fit, model, at);
         NoteLooseScales(fit, model, at, NormOfJob().Fit == FitNorm::LeastSum);
     }
     for (int k = kTraX; k < kParameterEnd; ++k)
