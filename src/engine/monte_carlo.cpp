@@ -43,6 +43,7 @@ public:
         TakeStartValues(Run.Choice, Run.Seeds);
         Run.Model = ModelOf(Run.Choice, ChooseMode(fit.ParamText));
         Run.Begin = fit.RunsBegin;
+        Run.Again = fit.RunsAgain;
         Run.Held = fit.HeldByFit;
         const CleanPoints saved = SavedPoints();
         for (std::size_t axis = 0; axis < 3; ++axis)
@@ -96,6 +97,21 @@ MonteCarloListener ListenerOfRuns(const MonteCarloRun& run, std::uint64_t jobGen
                     if (nicer) TakeRotation(*nicer);
                     TakeRunOfMonteCarlo(i, values);
                 }};
+}
+
+// Runs that went another way than from their start values, and one that none led to an end.
+void NoteRuns(const MonteCarloRun& run, MonteCarloEnd end) {
+    if (run.BeganAgain > 0)
+        AddNote(NoteCode::BetterStart,
+                PlainText(run.BeganAgain) +
+                    " of the Monte Carlo runs found no end from their start values and began again from the "
+                    "result",
+                "", 0, run.BeganAgain);
+    if (end == MonteCarloEnd::Ended && !run.Quiet.Stops())
+        AddNote(NoteCode::UnsettledFits,
+                "Monte Carlo run " + PlainText(run.Done + 1) + " of " + PlainText(run.Runs) +
+                    " did not converge, from the result on neither: the runs ended there, and there is no "
+                    "spread to show");
 }
 
 // The window goes, whatever ends the runs.
@@ -169,6 +185,7 @@ bool RunMonteCarlo(NormFit& fit) {
     RunsOfJob job(fit);
     const MonteCarloEnd end = RunMonteCarlo(job.Run, Noise, ListenerOfRuns(job.Run, generation));
     if (end == MonteCarloEnd::Abandoned) return false;
+    NoteRuns(job.Run, end);
     Run.StopRequested = kFalse;
     MonteCarlo.MonteCarloDone = ToFlag(end == MonteCarloEnd::Complete);
     return true;

@@ -55,6 +55,7 @@ public:
         Norm = Run.Run.Norm;
         Certificate = Run.Certificate;
         fit_.RunsBegin = Run.RunsBegin;
+        fit_.RunsAgain = Run.RunsAgain;
         fit_.HeldByFit = Run.HeldByFit;
         fit_.LeftByPoses = Run.LeftByPoses;
         fit_.Q = std::move(Run.Result.Q);

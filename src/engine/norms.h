@@ -31,7 +31,7 @@ struct NormFit {
     GatheredPoints Points;
     // Where the runs of Monte Carlo begin: at the best fit, where the start values lead the iteration astray.
     // Nothing: at the start values, each run by its own seed points.
-    std::optional<Parameters> RunsBegin = {};
+    std::optional<Parameters> RunsBegin = {}, RunsAgain = {};  // and where one that found no end goes on
     // Parameters that were to float and that the fit holds (fit/proper_beside.h), in the runs likewise.
     std::array<bool, kParameterEnd> HeldByFit{};
     PosesLeave LeftByPoses;  // of the tool vector

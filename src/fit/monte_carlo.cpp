@@ -53,56 +53,62 @@ public:
     // False when what the runs work on has been replaced.
     bool Fit(bool whole) {
         MoveSeeds(run_.Points, seeds_);
-        if (shortServes_ && !whole) {
-            run_.Quiet.Now = Begin();
-            const FitEnd end = FitAgain(short_, run_.Quiet, run_.Points);
-            if (end != FitEnd::Unfinished) {
-                sigma_ = end == FitEnd::Converged ? SigmaXYZOf(short_, run_.Points) : 0;
-                return Take(run_.Quiet, false) && end != FitEnd::Abandoned;
-            }
+        FitFrom(run_.Begin, whole);
+        if (!Converged() && run_.Again && !last_->State.Abandoned && !run_.Quiet.Stops()) {
+            FitFrom(run_.Again, whole);
+            if (Converged()) ++run_.BeganAgain;
         }
-        Require(listener_.BeginWhole != nullptr);
-        const Parameters begin = Begin();
-        FitRun fit = listener_.BeginWhole(begin);
-        fit.Now = begin;
-        Iterate(fit, run_.Model, run_.Points, run_.P, run_.Result);
-        if (!fit.State.Abandoned) sigma_ = SigmaXYZOf(run_.Result.v, run_.P);
-        return Take(fit, true) && !fit.State.Abandoned;
+        const bool goesOn = !listener_.Fitted || listener_.Fitted(*last_, last_ == &whole_);
+        return goesOn && !last_->State.Abandoned;
     }
 
-    bool Converged() const { return converged_; }
+    bool Converged() const { return last_->State.Converged; }
 
     // The last fit counts.
     void Tell(int i) {
         if (!listener_.Counts) return;
-        const std::optional<Vec3> nicer = TakeNicerRotation(now_);
-        ResultOfRun(run_.Model, run_.Held, now_, sigma_, values_);
+        Parameters now = last_->Now;
+        const std::optional<Vec3> nicer = TakeNicerRotation(now);
+        ResultOfRun(run_.Model, run_.Held, now, sigma_, values_);
         listener_.Counts(i, values_, nicer);
     }
 
 private:
-    Parameters Begin() const {
-        Parameters begin = StartValues(run_.Choice, seeds_);
-        if (!run_.Begin) return begin;
-        const auto floats = [this](int k) { return run_.Model.UnknownOf[At(k)] != 0; };
-        for (int k = kTraX; k < kParameterEnd; ++k)
-            if (floats(k)) begin[k] = (*run_.Begin)[k];
-        if (floats(kScaleXYZ)) begin[kScaleX] = begin[kScaleY] = begin[kScaleZ] = begin[kScaleXYZ];
-        return begin;
+    // From the start values, with what floats at those of `from` where there are any.
+    void FitFrom(const std::optional<Parameters>& from, bool whole) {
+        const Parameters begin = Begin(from);
+        last_ = &run_.Quiet;
+        if (shortServes_ && !whole) {
+            run_.Quiet.Now = begin;
+            const FitEnd end = FitAgain(short_, run_.Quiet, run_.Points);
+            sigma_ = end == FitEnd::Converged ? SigmaXYZOf(short_, run_.Points) : 0;
+            if (end != FitEnd::Unfinished) return;
+        }
+        Require(listener_.BeginWhole != nullptr);
+        last_ = &whole_;
+        whole_ = listener_.BeginWhole(begin);
+        whole_.Now = begin;
+        Iterate(whole_, run_.Model, run_.Points, run_.P, run_.Result);
+        if (!whole_.State.Abandoned) sigma_ = SigmaXYZOf(run_.Result.v, run_.P);
     }
 
-    bool Take(const FitRun& fit, bool whole) {
-        now_ = fit.Now;
-        converged_ = fit.State.Converged;
-        return !listener_.Fitted || listener_.Fitted(fit, whole);
+    Parameters Begin(const std::optional<Parameters>& from) const {
+        Parameters begin = StartValues(run_.Choice, seeds_);
+        if (!from) return begin;
+        const auto floats = [this](int k) { return run_.Model.UnknownOf[At(k)] != 0; };
+        for (int k = kTraX; k < kParameterEnd; ++k)
+            if (floats(k)) begin[k] = (*from)[k];
+        if (floats(kScaleXYZ)) begin[kScaleX] = begin[kScaleY] = begin[kScaleZ] = begin[kScaleXYZ];
+        return begin;
     }
 
     MonteCarloRun& run_;
     const MonteCarloListener& listener_;
     SeedPoints seeds_;
     RepeatedFit short_;
-    bool shortServes_ = false, converged_ = false;
-    Parameters now_;
+    bool shortServes_ = false;
+    FitRun whole_;
+    const FitRun* last_ = nullptr;  // the fit of the run, the short or the whole one
     Column values_;
     double sigma_ = 0;
 };
@@ -115,6 +121,7 @@ MonteCarloEnd AllRuns(MonteCarloRun& run, NoiseRecord& noise, const MonteCarloLi
         AddNoise(CleanOf(run), run.Sigma, noise, run.Points);
         if (!fits.Fit(whole)) return MonteCarloEnd::Abandoned;
         if (!fits.Converged() || run.Quiet.Stops()) return MonteCarloEnd::Ended;
+        run.Done = i;
         fits.Tell(i);
     }
     return MonteCarloEnd::Complete;
@@ -125,6 +132,7 @@ void TakeRuns(const MonteCarloProblem& problem, const NormRun& fit, MonteCarloRu
     run.Model = ModelOf(run.Choice, problem.Fit.Mode);
     run.Seeds = fit.Seeds;
     run.Begin = fit.RunsBegin;
+    run.Again = fit.RunsAgain;
     run.Held = fit.HeldByFit;
     for (std::size_t axis = 0; axis < 3; ++axis)
         run.Clean[axis].assign(problem.Fit.Pairs.Start[axis].begin(), problem.Fit.Pairs.Start[axis].end());
@@ -241,6 +249,7 @@ MonteCarloResult FitWithRuns(const MonteCarloProblem& problem, const FitListener
                                                  result.Results(k, i) = values[At(k)];
                                          }};
     if (result.End == MonteCarloEnd::Complete) result.End = RunMonteCarlo(run, noise, runs);
+    result.BeganAgain = run.BeganAgain;
     if (result.End == MonteCarloEnd::Abandoned) return result;
     result.Fit = Fit(problem.Fit, listener);
     if (result.End == MonteCarloEnd::Complete)

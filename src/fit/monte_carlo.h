@@ -33,6 +33,9 @@ struct MonteCarloRun {
     StartChoice Choice;
     SeedPoints Seeds;                          // as measured; each run begins with those of its own points
     std::optional<Parameters> Begin;           // where each run begins instead, of what floats
+    std::optional<Parameters> Again;           // where one begins again that found no end from there
+    int BeganAgain = 0;                        // out: runs that did, and converged
+    int Done = 0;                              // out: runs that count
     std::array<bool, kParameterEnd> Held{};    // parameters that float by choice and that the fit holds
     std::array<std::vector<double>, 3> Clean;  // x, y, z; mm
     Vec3 Sigma;                                // of the noise; mm
@@ -50,7 +53,7 @@ struct MonteCarloListener {
     std::function<bool()> GoesOn;
     // A fit that goes the whole way begins at these parameters: its limits and its listener. Must be set.
     std::function<FitRun(const Parameters& begin)> BeginWhole;
-    // The fit of a run has ended; false as above.
+    // The fit of a run has ended, whichever start it had in the end; false as above.
     std::function<bool(const FitRun& run, bool whole)> Fitted;
     // The run counts. Element k of `values` is its result of array k, mm and rad; 0 for what is held. Its
     // rotation is the neater one, `nicer`, where there is one.
@@ -100,6 +103,7 @@ struct MonteCarloResult {
     Matrix Results;  // array k in row k, entries 1 to Runs, in the form nearest to the fit's
     MonteCarloEnd End = MonteCarloEnd::Complete;
     int OtherForms = 0;  // runs that were brought to it
+    int BeganAgain = 0;  // runs that found no end from their start values, and did from the fit's own
 };
 
 // The runs, and the fit behind them. `listener` hears the passes of all fits.

@@ -100,6 +100,9 @@ struct NormRun {
     // Where the runs of Monte Carlo, and the fits of a loop, begin: at the best fit, where the start values
     // lead the iteration astray. Nothing: at the start values, each run by its own seed points.
     std::optional<Parameters> RunsBegin;
+    // Where a run begins again that found no end from there: at the fit of the points as they were measured.
+    // Nothing: that has found none either.
+    std::optional<Parameters> RunsAgain;
     // Of a loop: where its first fit has ended, with weights 0 and 1. Nothing: it has not settled.
     std::optional<EndOfFit> FirstOfLoop;
 

@@ -251,6 +251,7 @@ bool SeekBeginOfRuns(NormRun& fit) {
     fit.Remarks = remarks;  // the fit behind the runs says it
     const bool held = std::find(fit.HeldByFit.begin(), fit.HeldByFit.end(), true) != fit.HeldByFit.end();
     if (fit.Certificate.BeganAgain || held) fit.RunsBegin = fit.Run.Now;
+    if (fit.Run.State.Converged && fit.Run.State.Finite) fit.RunsAgain = fit.Run.Now;
     return true;
 }
 

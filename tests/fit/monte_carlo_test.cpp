@@ -152,3 +152,41 @@ TEST(MonteCarloAlone, AStopEndsTheRunsAndTheFitOfThePointsFollows) {
     const MonteCarloResult lost = FitWithRuns(problem, {.Hear = [](const FitEvent&) { return false; }});
     EXPECT_EQ(lost.End, MonteCarloEnd::Abandoned);
 }
+
+// Eight poses of a robot, as a program tells them, and the points that were measured at the tips: seed points
+// with noise lead some of the runs nowhere, which the fit of the points themselves does not.
+TEST(MonteCarloAlone, ARunThatFindsNoEndBeginsAgainFromTheResult) {
+    const Columns measured = {
+        {{174.8790, -339.4178, 21.8592, -422.8644, -455.6137, -97.2013, 530.8511, -284.4173},
+         {396.4616, 309.2414, 598.3709, 523.1029, -307.3598, 212.3443, 220.5413, 178.9418},
+         {449.1187, 681.7924, 522.8100, -766.1950, -610.2734, -107.5519, 561.1190, -759.4175}}};
+    const Columns flange = {
+        {{-1074.6200, -1694.1960, -1298.7384, -760.2543, -1086.2446, -966.0822, -1152.2615, -570.2283},
+         {471.8180, 573.4877, 638.0191, 716.6542, 120.2079, 492.0015, 452.2230, 173.6767},
+         {895.4279, 706.1852, 811.2594, -226.0565, -530.1120, 401.4169, 1266.4443, -346.2456}}};
+    Columns angles = {
+        {{113.99376, 107.93836, 113.19956, -33.29286, -123.98044, 145.09467, 70.05777, 40.27930},
+         {-65.74251, -53.22389, 73.00652, -36.43874, 39.82976, 5.39622, 67.02846, -67.92147},
+         {-21.96468, -63.45059, 150.48714, -46.24810, 100.67613, -12.57593, -62.07357, 41.76937}}};
+    for (auto& column : angles)
+        for (double& angle : column) angle *= 3.14159265358979323846 / 180;
+    MonteCarloProblem problem;
+    problem.Fit.Mode = FitMode::Tool;
+    problem.Fit.Pairs = {.Start = {measured[0], measured[1], measured[2]},
+                         .Target = {flange[0], flange[1], flange[2]},
+                         .PoseAngles = {angles[0], angles[1], angles[2]}};
+    const std::initializer_list<int> floating = {kTraX, kTraY,     kTraZ,  kRotX,  kRotY,
+                                                 kRotZ, kScaleXYZ, kRvecX, kRvecY, kRvecZ};
+    for (const int k : floating) problem.Fit.Choice.Floats[At(k)] = true;
+    problem.Sigma = {0.05, 0.05, 0.05};
+    problem.Runs = 2000;
+    const MonteCarloResult result = FitWithRuns(problem);
+    ASSERT_EQ(result.End, MonteCarloEnd::Complete);
+    EXPECT_GT(result.BeganAgain, 0);
+    for (const int k : floating) {
+        const int u = result.Fit.Model.UnknownOf[At(k)];
+        // Each start point has the noise, which the scale carries along.
+        const double sigma = 0.05 * result.Fit.Values[kScaleXYZ] * std::sqrt(result.Fit.Q(u, u));
+        EXPECT_NEAR(SigmaOfArray(Array(result, k)), sigma, 0.08 * sigma) << k;
+    }
+}
