@@ -45,12 +45,13 @@ std::vector<ShownParameter> ShownParameters() {
         const bool floats = Job.ParamText[index] == kFloat;
         const ParameterKind is = KindOf(parameter);
         const bool known = floats && !IsLeftOpen(parameter);
+        const bool hasSigma = floats && !IsWithoutSigma(parameter);
         const std::string significance = known    ? FormatNumber(Calculation.Significance[index], "0.0")
                                          : floats ? kOpenSignificance
                                                   : "held";
         shown.push_back({parameter, is, ParameterName(parameter), ShownAs(is, ParameterValue(Job, parameter)),
-                         known ? ShownAs(is, Calculation.Sigma[index]) : kOpenSigma, significance, UnitOf(is),
-                         floats});
+                         hasSigma ? ShownAs(is, Calculation.Sigma[index]) : kOpenSigma, significance,
+                         UnitOf(is), floats});
     }
     return shown;
 }

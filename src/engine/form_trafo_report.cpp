@@ -100,7 +100,9 @@ void ShowSigmas() {
         const bool ofVector = row.Parameter == kRDist && Calculation.UnknownOf[kRvecX] != 0;
         if (row.Sigma == nullptr || (Calculation.UnknownOf[At(row.Parameter)] == 0 && !ofVector)) continue;
         if (IsLeftOpen(row.Parameter)) {
-            SetText(*row.Sigma, kOpenSigma);
+            const bool known = !IsWithoutSigma(row.Parameter);
+            SetText(*row.Sigma,
+                    known ? Shown(row.Parameter, Calculation.Sigma[At(row.Parameter)]) : kOpenSigma);
             SetText(*row.Signifikanz, kOpenSignificance);
             continue;
         }

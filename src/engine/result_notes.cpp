@@ -273,6 +273,16 @@ void NoteSigmaOfNorm() {
     }
 }
 
+// What is marked as open, or as good as open, has no significance, wherever the result is shown.
+void TakeSignificanceOfMarked(const FitModel& model) {
+    for (int k = kTraX; k < kParameterEnd; ++k) {
+        if (model.UnknownOf[At(k)] == 0 || Job.LeftOpen[At(k)] == 0) continue;
+        Calculation.Significance[At(k)] = std::numeric_limits<double>::quiet_NaN();
+        if (k >= kRvecX && k <= kRvecZ)
+            Calculation.Significance[kRDist] = std::numeric_limits<double>::quiet_NaN();
+    }
+}
+
 void NoteRedundancy(const NormFit& fit, const FitModel& model) {
     int observations = 0;
     for (int i = 1; i <= Job.Pairs(); ++i) {
@@ -294,6 +304,10 @@ void NoteRedundancy(const NormFit& fit, const FitModel& model) {
 }  // namespace
 
 bool IsLeftOpen(int parameter) {
+    return Calculation.Finite && std::isnan(Calculation.Significance[At(parameter)]);
+}
+
+bool IsWithoutSigma(int parameter) {
     return Calculation.Finite && std::isnan(Calculation.Sigma[At(parameter)]);
 }
 
@@ -338,6 +352,7 @@ void NoteResult(const NormFit& fit) {
         AddNote(NoteCode::Mirrored,
                 "The result is mirrored: it carries the points onto their mirror image, as no movement can; "
                 "look for names that are exchanged or an axis that points the other way");
+    TakeSignificanceOfMarked(model);
     NoteRedundancy(fit, model);
     NoteSigmaOfNorm();
 }

@@ -19,9 +19,12 @@ void NoteResult(const NormFit& fit);
 // has gone to 0 alone.
 void NoteCollapseOnShape(const GatheredPoints& points);
 
-// The points leave this parameter of the last calculation open: it has no sigma. So has the length of a tool
-// vector of which a part is open.
+// The points leave this parameter of the last calculation open, or as good as open: it has no significance.
+// So has the length of a tool vector of which a part is open. Those of Job.LeftOpen are among them; the
+// others are arbitrary by themselves and not in what all of them do together, as two angles at gimbal lock.
 bool IsLeftOpen(int parameter);
+// Of these one that has no sigma either: nothing but a choice determines it.
+bool IsWithoutSigma(int parameter);
 
 // What stands in the places of sigma and significance of such a parameter, wherever they are shown.
 inline constexpr const char* kOpenSigma = "-";

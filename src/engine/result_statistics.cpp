@@ -103,7 +103,7 @@ std::optional<AdjustmentStatistics> StatisticsOfResult(const TestLevels& levels)
                                                     .Sigmas = sigmas.Any() ? &view : nullptr,
                                                     .Levels = levels});
     for (int k = kTraX; k < kParameterEnd; ++k) {
-        if (Adjustment.Model.UnknownOf[At(k)] == 0 || !IsLeftOpen(k)) continue;
+        if (Adjustment.Model.UnknownOf[At(k)] == 0 || !IsWithoutSigma(k)) continue;
         statistics.Undetermined[At(k)] = statistics.Singular = true;
     }
     return statistics;

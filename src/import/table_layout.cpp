@@ -150,9 +150,10 @@ private:
         return false;
     }
 
-    bool HasNumber(const TableRow& row) const {
+    // With either decimal delimiter: a row that only the other one reads heads nothing.
+    static bool HasNumber(const TableRow& row) {
         for (std::size_t i = 0; i < row.Cells.size(); ++i)
-            if (IsNumber(row, i, form_.Decimal)) return true;
+            if (IsNumber(row, i, '.') || IsNumber(row, i, ',')) return true;
         return false;
     }
 

@@ -157,6 +157,19 @@ TEST_F(TableReader, ReadsTheKindsOfTextThatPeopleHave) {
     for (const Kind& kind : kKinds) EXPECT_EQ(PointsAsText(kind.Text), kind.Points) << kind.What;
 }
 
+TEST_F(TableReader, ARowThatOnlyTheOtherDecimalDelimiterReadsIsNoHeading) {
+    for (const char* const text :
+         {"1,5;2,5;3,5\n100;2;4\n50;80;9\n", "1,5\t2,5\t3,5\n100\t2\t4\n50\t80\t9\n",
+          "1,5 2,5 3,5\n100 2 4\n50 80 9\n"}) {
+        const TableResult table = ReadTable(text, "f", {});
+        EXPECT_EQ(table.Form.HeadingLines, 0) << text;
+        EXPECT_EQ(table.Form.Decimal, ',') << text;
+        EXPECT_EQ(table.Points.Count(), 3) << text;
+        EXPECT_TRUE(table.Notes.empty()) << text;
+    }
+    EXPECT_NE(ReadTable("1,5;2,5;3,5\n100.5;2;4\n50;80;9\n", "f", {}).Refusal.Text, "");
+}
+
 TEST_F(TableReader, NotesWhatItDecides) {
     const auto notes = [](const std::string& text, const TableOptions& options = {}) {
         const TableResult table = ReadTable(text, "f", options);
