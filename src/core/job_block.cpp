@@ -271,6 +271,15 @@ bool BeginsJobBlock(std::string_view rest) {
     return seen > 0 && rest.substr(0, seen) == kJobBlockHead.substr(0, seen);
 }
 
+std::string UnknownMembers(const JobRecord& job) {
+    constexpr std::array kKnown = {kStartSigmas, kTargetSigmas, kStartTable, kTargetTable, kRecoveryCopyOf};
+    std::string names;
+    for (const auto& [name, value] : job.OtherMembers)
+        if (std::find(kKnown.begin(), kKnown.end(), name) == kKnown.end())
+            names.append(names.empty() ? "" : ", ").append(name);
+    return names;
+}
+
 JobBlockFault TakeJobBlock(std::string_view block, JobRecord& job) {
     if (block.size() < kTextBegin) return {"the file ends within the head of the block", block.size()};
     const std::uint64_t length = LengthAt(block, kJobBlockHead.size());

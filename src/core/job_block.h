@@ -23,6 +23,15 @@ inline constexpr std::string_view kJobBlockHead{"CORVINADE-BLOCK\x1a", 16};
 // whose head is cut off by the end of the file counts too. All other bytes are the rest of a longer file.
 bool BeginsJobBlock(std::string_view rest);
 
+// Members that the job keeps as they stand, and other rooms or files read: the sigmas of its sides
+// (measurement_sigmas.h), how its tables were read, and what a recovery copy is one of. Of other names, as a
+// later version may write, the file is kept as well.
+inline constexpr std::string_view kStartSigmas = "\"startSigmas\"", kTargetSigmas = "\"targetSigmas\"",
+                                  kStartTable = "\"startTable\"", kTargetTable = "\"targetTable\"",
+                                  kRecoveryCopyOf = "\"recoveryCopyOf\"";
+// "\"cell\" and \"line\"": the names of a job's members that are none of these; "" where there are none.
+std::string UnknownMembers(const JobRecord& job);
+
 // Where a block is not what one has to be.
 struct JobBlockFault {
     std::string What;        // "" when nothing is wrong

@@ -263,6 +263,12 @@ JobFileContent ReadJobBytes(std::string_view bytes, const std::string& path, con
         if (!damage.What.empty())
             content.BlockFault = "\"" + path + "\", byte " + std::to_string(in.Offset() + damage.Offset) +
                                  ": block behind the fields: " + damage.What;
+        if (const std::string unknown = UnknownMembers(content.Job); !unknown.empty())
+            content.Noticed.push_back(
+                {NoteCode::MemberUnknown, NoteKindOf(NoteCode::MemberUnknown).Weight,
+                 "The job holds " + unknown +
+                     ", which this version does not know: it is kept, and nothing goes by it",
+                 "", 0, 1});
     }
     return content;
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/job.h"
+#include "core/job_block.h"
 #include "core/rooms.h"
 
 namespace corvinade::core {
@@ -52,9 +53,8 @@ void ReachNewPoints(JobRecord& job);
 // a side without any.
 std::string SigmasInWords(const std::optional<SideAccuracy>& ofAll, const SharedAccuracies& ofEach);
 
-// The members of the block, with their quotation marks, and whether a value is one: three numbers of 0 or
+// The members of the block (job_block.h), and whether a value is one: three numbers of 0 or
 // more in brackets, or as many such lists in brackets as the side has points. Null for all others.
-inline constexpr std::string_view kStartSigmas = "\"startSigmas\"", kTargetSigmas = "\"targetSigmas\"";
 std::optional<SideAccuracy> SideFromText(std::string_view value);
 SharedAccuracies AccuraciesFromText(std::string_view value);
 bool AreSigmasOf(std::string_view value, int points);

@@ -32,6 +32,7 @@ constexpr NoteKind kKinds[] = {
     {NoteCode::NetworkOpen, "network-open", Severity::Warning, true},
     {NoteCode::FlagsBeyondPairs, "flags-beyond-pairs", Severity::Warning, true},
     {NoteCode::BlockLeftOut, "block-left-out", Severity::Warning, true},
+    {NoteCode::MemberUnknown, "member-unknown", Severity::Warning, true},
     {NoteCode::NotFinite, "not-finite", Severity::Warning, true},
     {NoteCode::EntrySkipped, "entry-skipped", Severity::Warning, true},
     {NoteCode::DistanceUnknown, "distance-unknown", Severity::Warning, true},

@@ -36,6 +36,7 @@ enum class NoteCode : std::uint8_t {
     NetworkOpen,           // a network's point that the distances do not determine
     FlagsBeyondPairs,      // a job file has use flags for more pairs than it counts
     BlockLeftOut,          // what stands behind the fields of a job file is damaged and is left out
+    MemberUnknown,         // a job file holds data by a name that this version does not know
     NotFinite,             // coordinates of a job file that are infinite or no number
     EntrySkipped,      // a line of a network file that the format passes over, and that looks like an entry
     DistanceUnknown,   // a distance of a network names a point that is not there

@@ -17,6 +17,7 @@
 #include "core/folders.h"
 #include "core/form_main.h"
 #include "core/job.h"
+#include "core/job_block.h"
 #include "core/job_commands.h"
 #include "core/job_file.h"
 #include "core/job_on_disk.h"
@@ -30,7 +31,7 @@ namespace corvinade::core {
 namespace {
 
 constexpr std::string_view kBegin = "recovery-", kCopyEnd = ".cvn", kLockEnd = ".lock";
-constexpr const char* kMember = "\"recoveryCopyOf\"";
+constexpr std::string_view kMember = kRecoveryCopyOf;
 constexpr int kMostPlaces = 1000;
 
 std::string PlaceOf(int number, std::string_view end) {

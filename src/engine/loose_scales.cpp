@@ -8,6 +8,7 @@
 
 #include "core/job.h"
 #include "fit/normal_equations.h"
+#include "fit/open_parameters.h"
 #include "fit/small_svd.h"
 #include "fit/statistics.h"
 #include "fit/tool_tips.h"
@@ -86,6 +87,43 @@ Vec3 ReliefOf(const std::array<LaneArray, 3>& set, const std::vector<int>& pairs
     return relief;
 }
 
+// Directions along which a set has next to nothing, and its middle about them.
+struct FlatWays {
+    std::vector<Vec3> Directions;
+    Vec3 Middle;
+
+    FlatWays(const std::array<LaneArray, 3>& set, const std::vector<int>& pairs, double flat) {
+        const auto n = static_cast<double>(pairs.size());
+        for (const int i : pairs)
+            for (int k = 1; k <= 3; ++k) Middle(k) += set[At(k - 1)][At(i)] / n;
+        Mat3 products;
+        for (const int i : pairs)
+            for (int j = 1; j <= 3; ++j)
+                for (int k = 1; k <= 3; ++k)
+                    products(j, k) +=
+                        (set[At(j - 1)][At(i)] - Middle(j)) * (set[At(k - 1)][At(i)] - Middle(k));
+        const Svd3 svd = Decompose3(products);
+        for (int k = 2; k <= 3; ++k)
+            if (svd.s(k) <= flat * flat * svd.s(1))
+                Directions.emplace_back(svd.U(1, k), svd.U(2, k), svd.U(3, k));
+    }
+};
+
+// What would be open if the start points had no relief at all along their flat directions. Of the least
+// relief the normal equations hold no digits.
+std::array<bool, kParameterEnd> OpenWithoutRelief(GatheredPoints points, const FitModel& model,
+                                                  const Linearisation& at, const FlatWays& ways) {
+    for (int i = 0; i < points.Count; ++i)
+        for (const Vec3& w : ways.Directions) {
+            double off = 0;
+            for (int k = 1; k <= 3; ++k) off += w(k) * (points.Start[At(k - 1)][At(i)] - ways.Middle(k));
+            for (int k = 1; k <= 3; ++k) points.Start[At(k - 1)][At(i)] -= off * w(k);
+        }
+    OpenParameters open = FindOpenParameters(points, model, CoordinateInUse, ParametersOf(Job), at);
+    open.Open[kAzimuth] = open.Open[kAzimuth] && !open.AzimuthWithoutEffect;
+    return open.Open;
+}
+
 double SizeOf(const Vec3& relief) {
     return std::hypot(relief(1), relief(2), relief(3));
 }
@@ -145,7 +183,8 @@ bool LooseScales::Any() const {
 }
 
 LooseScales FindLooseScales(const NormFit& fit, const FitModel& model, const Linearisation& at, bool robust) {
-    constexpr double kLoose = 0.1, kLooseIfThin = 0.005, kWorse = 100, kThin = 4, kFlat = 1e-7;
+    constexpr double kLoose = 0.1, kLooseIfThin = 0.005, kWorse = 100, kThin = 4, kFlat = 1e-6,
+                     kRounding = 1e-8;
     LooseScales loose;
     bool ofFrame = false;
     for (int k = kScaleX; k <= kAngleZtoXY; ++k)
@@ -156,13 +195,18 @@ LooseScales FindLooseScales(const NormFit& fit, const FitModel& model, const Lin
     const WholePairs pairs(points, at, model.Unknowns, robust);
     if (3 * static_cast<int>(pairs.List.size()) <= model.Unknowns) return loose;
     const Vec3 start = ReliefOf(points.Start, pairs.List), target = ReliefOf(points.Target, pairs.List);
-    // What is flat but for rounding is open, and told already.
-    if (!(start(3) > kFlat * start(1))) return loose;
     const double scale = SizeOf(target) / SizeOf(start);
     if (!(scale > 0) || !std::isfinite(scale)) return loose;
     loose.Relief = std::fmin(start(3) * scale, target(3));
     loose.Noise = pairs.Noise;
     const bool thin = loose.Relief < kThin * loose.Noise;
+    if (start(3) <= kFlat * start(1)) {
+        if (!thin && start(3) > kRounding * start(1)) return loose;
+        const auto open = OpenWithoutRelief(points, model, at, FlatWays(points.Start, pairs.List, kFlat));
+        for (int k = kScaleX; k <= kAngleZtoXY; ++k)
+            loose.Of[At(k)] = open[At(k)] && IsOfFrame(k, model.Mode) && model.UnknownOf[At(k)] != 0;
+        return loose;
+    }
     const Column cofactors = Cofactors(points, model, at, pairs.List, fit.LeftByPoses.Directions);
     std::array<double, kParameterEnd> sigma{};
     double best = std::numeric_limits<double>::infinity();

@@ -71,6 +71,36 @@ std::string NumberOfPose(std::string_view line) {
     return std::string(number);
 }
 
+// "UF : 1, UT : 2", the user frame and the tool of a pose, by the digits behind the colons.
+std::string FramesOf(std::string_view line) {
+    std::string frames;
+    for (const std::string_view name : {"UF", "UT"}) {
+        const std::size_t at = line.find(name), colon = line.find(':', std::min(at, line.size()));
+        if (colon == std::string_view::npos) continue;
+        const std::size_t begin = std::min(line.find_first_not_of(' ', colon + 1), line.size());
+        const std::size_t end = std::min(line.find_first_not_of("0123456789F", begin), line.size());
+        frames.append(frames.empty() ? "" : ", ").append(name).append(" : ").append(line, begin, end - begin);
+    }
+    return frames;
+}
+
+int CountOf(std::string_view line, std::string_view word) {
+    int count = 0;
+    for (std::size_t at = line.find(word); at != std::string_view::npos; at = line.find(word, at + 1))
+        ++count;
+    return count;
+}
+
+// Numbers of one pose that do not all have the same unit behind them.
+void NoteMixedUnits(const RobotProgram& program, std::string_view unit, RowNotes& notes) {
+    const int count = CountOf(program.Line, unit);
+    if (count == 3 || count == 0) return;
+    notes.Count(NoteCode::PosesDoubtful, program.Lines.Row, [&] {
+        return "Not all numbers of \"" + Printable(program.Line) + "\" have the unit" + std::string(unit) +
+               ", in which they are read";
+    });
+}
+
 void ReadPoses(const TargetFile& file) {
     RobotProgram program(file);
     std::int64_t n = 0;
@@ -78,6 +108,7 @@ void ReadPoses(const TargetFile& file) {
     PoseTable poses(program, n, Units.AngleFactor);
     RowNotes notes(file.Path, '\0', PointFields(true));
     std::int64_t taken = 0;
+    std::string frames;  // of the first pose
     const auto end = [&] {
         notes.Write();
         if (taken < n)
@@ -94,17 +125,29 @@ void ReadPoses(const TargetFile& file) {
         NeedLine(program);
         if (program.Line.starts_with("/END")) return end();
         const std::string number = NumberOfPose(program.Line);
-        for (int line = 0; line < 3; ++line) NeedLine(program);
+        for (int line = 0; line < 3; ++line) {
+            NeedLine(program);
+            const std::string here = FramesOf(program.Line);
+            if (here.empty()) continue;
+            if (frames.empty()) frames = here;
+            if (here != frames)
+                notes.Count(NoteCode::PosesDoubtful, program.Lines.Row, [&] {
+                    return "The pose is told with " + here + ", and the first one with " + frames +
+                           ": in another frame or of another tool its numbers say something else";
+                });
+        }
         const std::size_t x = PlaceOf(program, "X "), y = PlaceOf(program, "Y "), z = PlaceOf(program, "Z ");
         const double X = ValueAt(program, x, Less(y, kBehindValue), notes);
         const double Y = ValueAt(program, y, Less(z, kBehindValue), notes);
         const double Z = ValueAt(program, z, Less(program.Line.size(), kBehindValue), notes);
+        NoteMixedUnits(program, " mm", notes);
         const bool millimetres = program.Line.find(" mm") != std::string_view::npos;
         NeedLine(program);
         const std::size_t w = PlaceOf(program, "W "), p = PlaceOf(program, "P "), r = PlaceOf(program, "R ");
         const double W = ValueAt(program, w, Less(p, kBehindValue), notes);
         const double P = ValueAt(program, p, Less(r, kBehindValue), notes);
         const double R = ValueAt(program, r, Less(program.Line.size(), kBehindLastAngle), notes);
+        NoteMixedUnits(program, " deg", notes);
         poses.Take(program, {X, Y, Z}, {R, P, W});
         poses.CalledInProgram(number);
         NoteProgramUnits(program, millimetres, program.Line.find(" deg") != std::string_view::npos);

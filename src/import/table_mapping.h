@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "core/job.h"
+#include "core/job_block.h"
 #include "core/rooms.h"
 #include "import/table_reader.h"
 
@@ -36,9 +37,7 @@ inline constexpr int kMappingsKept = 20;  // the oldest one goes
 void RememberMapping(const std::string& path, const std::string& mapping);
 std::string RememberedMapping(const std::string& path);  // "" where there is none
 
-// --- With the job -----------------------------------------------------------------------------------------
-
-inline constexpr std::string_view kStartTable = "\"startTable\"", kTargetTable = "\"targetTable\"";
+// --- With the job: members kStartTable and kTargetTable of its block (core/job_block.h) ----------------------
 
 // The mapping that the start or the target points of a job were read by; "" = their file was a plain one, or
 // none of points.

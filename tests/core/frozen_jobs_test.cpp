@@ -9,6 +9,7 @@
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/job_file.h"
+#include "core/notes.h"
 #include "support/fixture.h"
 
 using namespace corvinade;
@@ -330,6 +331,17 @@ TEST_F(FrozenJobs, ABlockBehindTheFieldsMarksAResultThatDidNotConverge) {
     EXPECT_EQ(Job.OtherMembers[0].first, "\"cell\"");
     EXPECT_EQ(Job.OtherMembers[0].second, "\"R12\"");
     ExpectSavedAs("2.0.64-block");
+}
+
+TEST_F(FrozenJobs, WhatABlockHoldsByAnUnknownNameIsSaid) {
+    Open("2.0.64-block");
+    int said = 0;
+    for (const Note& note : Notes.List)
+        said +=
+            note.Code == NoteCode::MemberUnknown && note.Text.find("\"cell\"") != std::string::npos ? 1 : 0;
+    EXPECT_EQ(said, 1);
+    Open("2.0.64");
+    for (const Note& note : Notes.List) EXPECT_NE(note.Code, NoteCode::MemberUnknown);
 }
 
 TEST_F(FrozenJobs, NoFrozenFileIsLeftOut) {

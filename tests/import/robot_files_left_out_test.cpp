@@ -53,6 +53,30 @@ TEST_F(RobotFiles, ASecondPoseInALineIsNotedWithItsLine) {
     EXPECT_EQ(Notes.List[0].Code, NoteCode::PosesSkipped);
 }
 
+TEST_F(RobotFiles, APoseInAnotherFrameOrWithAnotherToolIsDoubtful) {
+    const std::string first = FanucPose(1, {1, 2, 3}, {4, 5, 6});
+    for (const auto& [from, to] : {std::pair("UF : 0", "UF : 3"), std::pair("UT : 1", "UT : 2")}) {
+        ForgetNotes();
+        std::string other = FanucPose(2, {1, 2, 3}, {4, 5, 6});
+        ASSERT_NE(other.find(from), std::string::npos) << other;
+        other.replace(other.find(from), 6, to);
+        Fanuc(kFanucHead + first + other + FanucPose(3, {7, 8, 9}, {4, 5, 6}) + "/END\n");
+        EXPECT_EQ(Job.Target.Count(), 3);
+        ASSERT_EQ(Notes.List.size(), 1u) << to;
+        EXPECT_EQ(Notes.List[0].Code, NoteCode::PosesDoubtful);
+        EXPECT_EQ(Notes.List[0].Count, 1);
+        EXPECT_NE(Notes.List[0].Text.find(to), std::string::npos) << Notes.List[0].Text;
+    }
+}
+
+TEST_F(RobotFiles, APoseWithMixedUnitsIsDoubtful) {
+    std::string pose = FanucPose(1, {1, 2, 3}, {4, 5, 6});
+    pose.replace(pose.find(" mm"), 3, " in");
+    Fanuc(kFanucHead + pose + "/END\n");
+    ASSERT_FALSE(Notes.List.empty());
+    EXPECT_EQ(Notes.List[0].Code, NoteCode::PosesDoubtful);
+}
+
 TEST_F(RobotFiles, DigitsThatTheColumnsCutAreNoted) {
     std::string pose = FanucPose(1, {1.234, 2.345, 3.456}, {4, 5, 6});
     pose.erase(pose.find(", \n\tW") + 1, 1);
