@@ -184,7 +184,7 @@ bool LooseScales::Any() const {
 
 LooseScales FindLooseScales(const NormFit& fit, const FitModel& model, const Linearisation& at, bool robust) {
     constexpr double kLoose = 0.1, kLooseIfThin = 0.005, kWorse = 100, kThin = 4, kFlat = 1e-6,
-                     kRounding = 1e-8;
+                     kRounding = 1e-11;
     LooseScales loose;
     bool ofFrame = false;
     for (int k = kScaleX; k <= kAngleZtoXY; ++k)
@@ -200,13 +200,13 @@ LooseScales FindLooseScales(const NormFit& fit, const FitModel& model, const Lin
     loose.Relief = std::fmin(start(3) * scale, target(3));
     loose.Noise = pairs.Noise;
     const bool thin = loose.Relief < kThin * loose.Noise;
-    if (start(3) <= kFlat * start(1)) {
-        if (!thin && start(3) > kRounding * start(1)) return loose;
+    const bool flat = start(3) <= kFlat * start(1), rounded = start(3) <= kRounding * start(1);
+    if (flat && (thin || rounded)) {
         const auto open = OpenWithoutRelief(points, model, at, FlatWays(points.Start, pairs.List, kFlat));
         for (int k = kScaleX; k <= kAngleZtoXY; ++k)
             loose.Of[At(k)] = open[At(k)] && IsOfFrame(k, model.Mode) && model.UnknownOf[At(k)] != 0;
-        return loose;
     }
+    if (rounded) return loose;
     const Column cofactors = Cofactors(points, model, at, pairs.List, fit.LeftByPoses.Directions);
     std::array<double, kParameterEnd> sigma{};
     double best = std::numeric_limits<double>::infinity();
@@ -218,10 +218,10 @@ LooseScales FindLooseScales(const NormFit& fit, const FitModel& model, const Lin
         best = std::fmin(best, sigma[At(k)]);
     }
     for (int k = kScaleX; k <= kAngleZtoXY; ++k)
-        loose.Of[At(k)] =
-            sigma[At(k)] > kLoose || (thin && k != kScaleXYZ && sigma[At(k)] > 0 &&
-                                      (sigma[At(k)] > kLooseIfThin || sigma[At(k)] > kWorse * best));
-    loose.Of[kAzimuth] = loose.Of[kAngleZtoXY] && model.UnknownOf[kAzimuth] != 0;
+        loose.Of[At(k)] = loose.Of[At(k)] || sigma[At(k)] > kLoose ||
+                          (thin && k != kScaleXYZ && sigma[At(k)] > 0 &&
+                           (sigma[At(k)] > kLooseIfThin || sigma[At(k)] > kWorse * best));
+    loose.Of[kAzimuth] = loose.Of[kAzimuth] || (loose.Of[kAngleZtoXY] && model.UnknownOf[kAzimuth] != 0);
     return loose;
 }
 

@@ -94,6 +94,28 @@ TEST_F(LooseScalesTest, AScaleAcrossAPlateWithTheReliefOfItsLastDigitsIsToldHowe
             }
 }
 
+TEST_F(LooseScalesTest, APlateAlongTheAxesWithFewPointsOffByALastDigitIsTold) {
+    const std::array<Point, 6> start = {
+        {{0, 0, 0}, {1000, 0, 0.0001L}, {0, 900, 0}, {1000, 900, 0}, {500, 400, 0.0001L}, {200, 700, 0}}};
+    const std::array<Point, 6> target = {{{10.01L, 20, 30.01L},
+                                          {1010, 19.99L, 29.98L},
+                                          {9.99L, 920.01L, 30.03L},
+                                          {1010.01L, 919.99L, 29.97L},
+                                          {510, 420.02L, 30},
+                                          {209.98L, 719.99L, 30.02L}}};
+    for (const long double digit : {1.0L, 0.3L, 0.1L, 0.01L, 0.001L})
+        for (const char* preset : {"9", "12"})
+            for (const NormOfSet& norm : {kNorms[0], kNorms[3], kNorms[4]}) {
+                Job = JobRecord{};
+                BeginFit();
+                for (std::size_t i = 0; i < start.size(); ++i)
+                    AddPair({start[i][0], start[i][1], digit * start[i][2]}, target[i]);
+                Fit(preset, norm);
+                EXPECT_NE(Job.LeftOpen[kScaleZ], 0)
+                    << norm.Name << ", " << preset << ", " << static_cast<double>(digit);
+            }
+}
+
 TEST_F(LooseScalesTest, NothingIsToldOfABodyOrOfThePresetsThatAPlateDetermines) {
     for (const NormOfSet& norm : kNorms)
         for (int seed = 0; seed < 3; ++seed) {
