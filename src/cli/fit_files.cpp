@@ -5,9 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/arguments.h"
-#include "cli/fit_cloud.h"
 #include "cli/input_bytes.h"
-#include "cli/transform_cloud.h"
 #include "core/controller.h"
 #include "core/files.h"
 #include "core/notes.h"
@@ -15,6 +13,8 @@
 #include "core/run.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "import/cloud_columns.h"
+#include "import/cloud_points.h"
 #include "import/point_file_checks.h"
 #include "import/point_text.h"
 #include "import/robot_files.h"
@@ -104,6 +104,15 @@ const std::map<std::string, std::string>& TableDelimiterNames() {
 
 namespace {
 
+CloudReading ReadingOf(const FitOptions& options) {
+    CloudReading reading;
+    reading.Wish.Decimal = options.Decimal;
+    if (!options.Delimiter.empty()) reading.Wish.Delimiter = options.Delimiter.front();
+    reading.NamesOnce = options.Match == "id";
+    reading.UsualUnitsPerMm = Units.LengthFactor;
+    return reading;
+}
+
 void TakeCloud(CloudSet& set, const FitOptions& options, int file, FitFile& read) {
     read.Facts = ReadFileFacts{};
     read.Facts.What = WhatOf(file);
@@ -119,18 +128,23 @@ void TakeCloud(CloudSet& set, const FitOptions& options, int file, FitFile& read
 }  // namespace
 
 std::string ReadFitPairs(const FitOptions& options, std::array<FitFile, 2>& files) {
-    std::array<CloudSet, 2> sets;
-    std::string refusal;
     if (!Dispatch([&] {
             HoldStream(options.Pairs, options.In);
             CheckReadable(options.Pairs);
         }))
         return Run.LastPlatformError;
-    refusal = ReadCloudPairs(options, sets[0], sets[1]);
-    if (!refusal.empty()) return refusal;
-    NoteCloud(sets[0].Facts, options.Pairs, false);
-    for (int file = 0; file < 2; ++file)
-        TakeCloud(sets[static_cast<std::size_t>(file)], options, file, files[static_cast<std::size_t>(file)]);
+    CloudReading reading = ReadingOf(options);
+    std::string why;
+    if (!options.PairColumns.empty())
+        reading.Wish.Columns = ColumnsFromText(options.PairColumns, why).value_or(std::vector<PointColumn>{});
+    try {
+        CloudPairs pairs = ReadCloudPairs(options.Pairs, std::move(reading));
+        NoteCloud(pairs.Start.Facts, options.Pairs, false);
+        TakeCloud(pairs.Start, options, 0, files[0]);
+        TakeCloud(pairs.Target, options, 1, files[1]);
+    } catch (const PlatformError& error) {
+        return error.What;
+    }
     return "";
 }
 
@@ -145,10 +159,8 @@ std::string ReadFitFile(const FitOptions& options, int file, std::istream* in, F
         }
         const bool found = options.Files[static_cast<std::size_t>(file)].Format == "auto";
         const CloudKind kind = found && File_Exist(path) ? KindOfFile(path) : CloudKind::Text;
-        if (kind != CloudKind::Text && kind != CloudKind::Xyz) {
-            CloudSet set;
-            const std::string refusal = ReadCloudSet(options, file == 1, set);
-            if (!refusal.empty()) return refusal;
+        if (IsCarrier(kind)) {
+            CloudSet set = ReadCloud(path, ReadingOf(options), file == 1).value();
             NoteCloud(set.Facts, path, false);
             TakeCloud(set, options, file, read);
             return "";

@@ -27,6 +27,7 @@
 #include "core/settings.h"
 #include "core/units.h"
 #include "core/window.h"
+#include "import/cloud_points.h"
 
 namespace corvinade::cli {
 

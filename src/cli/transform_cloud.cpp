@@ -1,7 +1,6 @@
 // `transform` of clouds and other carriers.
 #include "cli/transform_cloud.h"
 
-#include <array>
 #include <istream>
 #include <memory>
 #include <ostream>
@@ -10,7 +9,6 @@
 #include "core/file_source.h"
 #include "core/file_writer.h"
 #include "core/files.h"
-#include "core/held_streams.h"
 #include "core/platform.h"
 
 namespace corvinade::cli {
@@ -36,18 +34,6 @@ ReadBytes ReaderOf(const CloudOrder& order, const std::string& path,
 }
 
 }  // namespace
-
-CloudKind KindOfFile(const std::string& path) {
-    std::array<char, 4096> head{};
-    std::size_t count = 0;
-    try {
-        if (HeldStream(path) != nullptr || !IsPipe(path))
-            count = FileSource(path).Read(head.data(), head.size());
-    } catch (const PlatformError&) {
-        count = 0;  // whoever reads it says why
-    }
-    return CloudKindOf({head.data(), count}, path);
-}
 
 void WriteToStandardOutput(std::ostream& out, std::string_view bytes) {
     if (bytes.empty() ? !out.flush() : !out.write(bytes.data(), static_cast<std::streamsize>(bytes.size())))

@@ -19,9 +19,6 @@ struct CloudOrder {
     std::ostream* Out = nullptr;
 };
 
-// The first bytes of a file, or none where it cannot be read or is a pipe.
-CloudKind KindOfFile(const std::string& path);
-
 // Without bytes it flushes. Throws PlatformError where nobody takes them.
 void WriteToStandardOutput(std::ostream& out, std::string_view bytes);
 

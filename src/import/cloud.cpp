@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cstddef>
 #include <limits>
+#include <utility>
 
 #include "core/notes.h"
 #include "core/numbers.h"
@@ -23,15 +24,15 @@ constexpr std::size_t kHead_bytes = 4096;
 
 struct KindRow {
     CloudKind Kind;
-    const char* Name;
+    const char *Name, *InWords;
 };
-constexpr std::array<KindRow, 7> kKinds = {{{CloudKind::Ply, "ply"},
-                                            {CloudKind::Pcd, "pcd"},
-                                            {CloudKind::Xyz, "xyz"},
-                                            {CloudKind::MapPoints, "points"},
-                                            {CloudKind::Tum, "tum"},
-                                            {CloudKind::LandXml, "landxml"},
-                                            {CloudKind::Text, "text"}}};
+constexpr std::array<KindRow, 7> kKinds = {{{CloudKind::Ply, "ply", "a PLY cloud"},
+                                            {CloudKind::Pcd, "pcd", "a PCD cloud"},
+                                            {CloudKind::Xyz, "xyz", "a text cloud"},
+                                            {CloudKind::MapPoints, "points", "control points of a map"},
+                                            {CloudKind::Tum, "tum", "a trajectory"},
+                                            {CloudKind::LandXml, "landxml", "LandXML"},
+                                            {CloudKind::Text, "text", "a table"}}};
 
 std::string ExtensionOf(const std::string& path) {
     const std::size_t slash = path.find_last_of("/\\");
@@ -91,6 +92,10 @@ const char* CloudKindName(CloudKind kind) {
     return kKinds[static_cast<std::size_t>(kind)].Name;
 }
 
+const char* CloudKindInWords(CloudKind kind) {
+    return kKinds[static_cast<std::size_t>(kind)].InWords;
+}
+
 void RunCloud(CloudTask& task) {
     CloudInput& in = task.In;
     in.Need(kHead_bytes);
@@ -123,45 +128,51 @@ void RunCloud(CloudTask& task) {
     task.Out.Flush();
 }
 
-void NoteCloud(const CloudFacts& facts, const std::string& path, bool carried) {
+std::vector<Note> NotesOfCloud(const CloudFacts& facts, const std::string& path, bool carried) {
+    std::vector<Note> notes;
+    const auto add = [&](NoteCode code, std::string text, int line = 0, int count = 1) {
+        notes.push_back({code, NoteKindOf(code).Weight, std::move(text), path, line, count});
+    };
     const auto intOf = [](std::int64_t value) {
         return static_cast<int>(std::min<std::int64_t>(value, std::numeric_limits<int>::max()));
     };
     if (facts.LinesKept > 0)
-        AddNote(NoteCode::LinesKept,
-                carried ? "Lines without three numbers stay as they are"
-                        : "Lines without three numbers are passed over",
-                path, intOf(facts.FirstKept), intOf(facts.LinesKept));
+        add(NoteCode::LinesKept,
+            carried ? "Lines without three numbers stay as they are"
+                    : "Lines without three numbers are passed over",
+            intOf(facts.FirstKept), intOf(facts.LinesKept));
     if (facts.NotFinite > 0) {
         const std::string first =
             facts.FirstIsLine ? "" : ", the first is point " + std::to_string(facts.FirstNotFinite);
-        AddNote(NoteCode::PointsKept,
-                "Points whose coordinates are no finite numbers " +
-                    std::string(carried ? "stay as they are" : "are left out") + first,
-                path, facts.FirstIsLine ? intOf(facts.FirstNotFinite) : 0, intOf(facts.NotFinite));
+        add(NoteCode::PointsKept,
+            "Points whose coordinates are no finite numbers " +
+                std::string(carried ? "stay as they are" : "are left out") + first,
+            facts.FirstIsLine ? intOf(facts.FirstNotFinite) : 0, intOf(facts.NotFinite));
     }
     if (facts.TwoCoordinates)
-        AddNote(NoteCode::NoHeight,
-                carried ? "The points have no z: it counts as 0, and what it becomes has no place"
-                        : "The points have no z, which counts as 0",
-                path);
+        add(NoteCode::NoHeight, carried
+                                    ? "The points have no z: it counts as 0, and what it becomes has no place"
+                                    : "The points have no z, which counts as 0");
     if (!facts.Unit.empty())
-        AddNote(NoteCode::UnitOfFile, "The file says that its coordinates are in " + facts.Unit, path);
-    if (!carried) return;
+        add(NoteCode::UnitOfFile, "The file says that its coordinates are in " + facts.Unit);
+    if (!carried) return notes;
     if (!facts.Directions.empty())
-        AddNote(NoteCode::DirectionsKept,
-                "Columns look like " + facts.Directions +
-                    "; they are not turned, unless a heading or --columns names them",
-                path);
+        add(NoteCode::DirectionsKept, "Columns look like " + facts.Directions +
+                                          "; they are not turned, unless a heading or --columns names them");
     if (facts.HasViewpoint)
-        AddNote(NoteCode::ViewpointKept, "The viewpoint of the cloud is not moved with its points", path);
+        add(NoteCode::ViewpointKept, "The viewpoint of the cloud is not moved with its points");
     constexpr double kHalfOfLastPlace = 0x1p-25;  // of a 32-bit float, relative
     constexpr double kSmall = 0.0005, kMuch = 8;
     if (facts.LargestOut * kHalfOfLastPlace > kSmall && facts.LargestOut > kMuch * facts.LargestIn)
-        AddNote(NoteCode::SingleRounded,
-                "The coordinates have 32 bits, too few for where they go: they are rounded by up to " +
-                    PlainText(facts.LargestOut * kHalfOfLastPlace),
-                path);
+        add(NoteCode::SingleRounded,
+            "The coordinates have 32 bits, too few for where they go: they are rounded by up to " +
+                PlainText(facts.LargestOut * kHalfOfLastPlace));
+    return notes;
+}
+
+void NoteCloud(const CloudFacts& facts, const std::string& path, bool carried) {
+    for (const Note& note : NotesOfCloud(facts, path, carried))
+        AddNote(note.Code, note.Text, note.File, note.Line, note.Count);
 }
 
 }  // namespace corvinade::import

@@ -17,6 +17,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/notes.h"
 #include "core/rooms.h"
 #include "import/cloud_motion.h"
 #include "import/cloud_stream.h"
@@ -30,6 +31,8 @@ enum class CloudKind : std::uint8_t { Ply, Pcd, Xyz, MapPoints, Tum, LandXml, Te
 CloudKind CloudKindOf(std::string_view head, const std::string& path);
 // As in `format` of JSON: "ply", "pcd", "xyz", "points", "tum", "landxml", "text".
 const char* CloudKindName(CloudKind kind);
+// "a PLY cloud", as windows say it.
+const char* CloudKindInWords(CloudKind kind);
 
 // What a column of a row holds. None is kept as text.
 enum class PointColumn : std::uint8_t {
@@ -118,7 +121,9 @@ struct CloudTask {
 // rounded, and for a file without any point.
 void RunCloud(CloudTask& task);
 
-// The notes on a file, in the list of notes: AddNote.
+// The notes on a file, to be added to the list.
+std::vector<Note> NotesOfCloud(const CloudFacts& facts, const std::string& path, bool carried);
+// The same, in the list of notes: AddNote.
 void NoteCloud(const CloudFacts& facts, const std::string& path, bool carried);
 
 }  // namespace corvinade::import

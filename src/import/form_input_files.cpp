@@ -139,6 +139,10 @@ const ControlEntry kControls[] = {
 };
 
 constexpr const char* kPointFileFilter =
+    "Text files (*.txt;*.csv;*.asc)|*.txt;*.csv;*.asc|"
+    "Clouds and other carriers (*.ply;*.pcd;*.xyz;*.pts;*.asc;*.points;*.tum;*.xml)|"
+    "*.ply;*.pcd;*.xyz;*.pts;*.asc;*.points;*.tum;*.xml|All files (*.*)|*.*|";
+constexpr const char* kBundleFileFilter =
     "Text files (*.txt;*.csv;*.asc)|*.txt;*.csv;*.asc|All files (*.*)|*.*|";
 
 void Browse(TableSide side, const std::string& folder, const char* title) {
@@ -336,8 +340,8 @@ void FormInputFiles::BtnImportMoreMCS_Click() {
     Run.ImportFailed = kFalse;
     const std::string path = w.TextNameMoreMCS.Text, before = prefix ? w.TextPreSuff.Text : "",
                       behind = prefix ? "" : w.TextPreSuff.Text;
-    const std::optional<std::string> table = MappingOfSide(TableSide::More);
-    if (table ? !AddTable(path, *table, before, behind) : !ReadMorePoints(path, before, behind)) return;
+    if (IsReadHere(TableSide::More) ? !AddTable(path, before, behind) : !ReadMorePoints(path, before, behind))
+        return;
     const std::uint64_t generation = ++Run.JobGeneration;
     Changed(What::MorePoints);
     ShowChanges();
@@ -346,7 +350,7 @@ void FormInputFiles::BtnImportMoreMCS_Click() {
 }
 
 void FormInputFiles::Command2_Click() {
-    const auto path = AskOpenFile({"Bundle File", kPointFileFilter, Settings.LastMCSRoot, ""});
+    const auto path = AskOpenFile({"Bundle File", kBundleFileFilter, Settings.LastMCSRoot, ""});
     if (path) InputFiles.BundleFile = *path;
 }
 

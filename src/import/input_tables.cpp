@@ -1,4 +1,4 @@
-// Tables among the files of the input dialog.
+// Tables and carriers among the files of the input dialog.
 #include "import/input_tables.h"
 
 #include <algorithm>
@@ -10,6 +10,8 @@
 #include "core/platform.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "import/cloud_columns.h"
+#include "import/cloud_points.h"
 #include "import/form_input_files.h"
 #include "import/form_table.h"
 #include "import/point_file.h"
@@ -43,9 +45,15 @@ bool BeginsWithX(const std::string& path) {
     return upper.ends_with(".XYZ") || upper.ends_with(".PTS") || upper.ends_with(".ASC");
 }
 
+// Pairs are found by the names of the points.
+bool NamesMustDiffer(TableSide side) {
+    return InputFiles.OptionByID.Value == 1 && !InputKindOf(KindOfTarget()).NumbersPoints &&
+           side != TableSide::More;
+}
+
 bool IsAskedFor(TableSide side) {
     const std::string& path = PathOfSide(side).Text;
-    if (!HasPoints(side) || !File_Exist(path)) return false;
+    if (!HasPoints(side) || !File_Exist(path) || CarrierOfSide(side)) return false;
     try {
         const BusyPointer busy;
         const FileBytes bytes = ReadFile(path);
@@ -69,9 +77,8 @@ struct ReadingGuard {
 };
 
 // A whole table. Nothing where the dialog was closed, or the table refused, which the window of tables shows.
-std::optional<TableResult> ReadSide(TableSide side, const std::string& path, const std::string& mapping) {
-    const BusyPointer busy;
-    const ReadingGuard reading;
+std::optional<TableResult> ReadTableSide(TableSide side, const std::string& path,
+                                         const std::string& mapping) {
     const std::optional<TableOptions> decided = MappingFromText(mapping);
     TableOptions options = OptionsOfSide(side, decided.value_or(TableOptions()));
     options.GoesOn = [](const TableProgress&) {
@@ -84,6 +91,41 @@ std::optional<TableResult> ReadSide(TableSide side, const std::string& path, con
     ShowMessage(InWordsOfDesktop(result.Refusal.Text));
     if (InputFiles.Window.Loaded && PathOfSide(side).Text == path) AskForTable(side);
     return std::nullopt;
+}
+
+// All points of a carrier. Nothing where the dialog was closed, or the file refused, which has been shown.
+std::optional<TableResult> ReadCarrierSide(TableSide side, const std::string& path) {
+    CloudReading reading;
+    reading.NamesOnce = NamesMustDiffer(side);
+    reading.UsualUnitsPerMm = UnitsPerMm(UsualTableUnit());
+    reading.GoesOn = [] {
+        YieldToEvents();
+        return InputFiles.Window.Loaded;
+    };
+    try {
+        std::optional<CloudSet> set = ReadCloud(path, reading, side == TableSide::Target);
+        if (!set) return std::nullopt;
+        TableResult result;
+        result.Notes = NotesOfCloud(set->Facts, path, false);
+        result.Points = std::move(set->Points);
+        return result;
+    } catch (const PlatformError& error) {
+        ShowMessage(InWordsOfDesktop(error.What));
+        return std::nullopt;
+    }
+}
+
+std::optional<TableResult> ReadSide(TableSide side, const std::string& path,
+                                    const std::optional<std::string>& mapping) {
+    const BusyPointer busy;
+    const ReadingGuard reading;
+    return mapping ? ReadTableSide(side, path, *mapping) : ReadCarrierSide(side, path);
+}
+
+// "a table", "a PLY cloud".
+std::string InWords(TableSide side) {
+    const std::optional<CloudKind> carrier = CarrierOfSide(side);
+    return carrier ? CloudKindInWords(*carrier) : "a table";
 }
 
 }  // namespace
@@ -112,8 +154,7 @@ std::string UsualTableUnit() {
 
 TableOptions OptionsOfSide(TableSide side, TableOptions decided) {
     decided.UsualUnit = UsualTableUnit();
-    decided.DoubleNames = InputFiles.OptionByID.Value != 1 || InputKindOf(KindOfTarget()).NumbersPoints ||
-                          side == TableSide::More;
+    decided.DoubleNames = !NamesMustDiffer(side);
     decided.FirstIsX = BeginsWithX(PathOfSide(side).Text);
     return decided;
 }
@@ -133,6 +174,19 @@ std::optional<std::string> MappingOfSide(TableSide side) {
     return MappingFromText(mapping) ? std::optional(mapping) : std::nullopt;
 }
 
+std::optional<CloudKind> CarrierOfSide(TableSide side) {
+    const std::string& path = PathOfSide(side).Text;
+    const TableChoice& choice = Tables.Choices[Place(side)];
+    const bool saidPlain = choice.Mapping && choice.Mapping->empty() && choice.Path == path;
+    if (!HasPoints(side) || saidPlain || MappingOfSide(side) || !File_Exist(path)) return std::nullopt;
+    const CloudKind kind = KindOfFile(path);
+    return IsCarrier(kind) ? std::optional(kind) : std::nullopt;
+}
+
+bool IsReadHere(TableSide side) {
+    return HasPoints(side) && (MappingOfSide(side) || CarrierOfSide(side));
+}
+
 void TakeMappingOfSide(TableSide side, const std::string& path, const std::string& mapping) {
     Tables.Choices[Place(side)] = {path, mapping};
     RememberMapping(path, mapping);
@@ -143,6 +197,12 @@ void AskForTable(TableSide side) {
     const std::string& path = PathOfSide(side).Text;
     if (path.empty()) {
         ShowMessage("There is no file for the table: choose one with Browse first");
+        return;
+    }
+    const std::optional<CloudKind> carrier = CarrierOfSide(side);
+    if (carrier && *carrier != CloudKind::MapPoints && *carrier != CloudKind::Tum) {
+        ShowMessage("The file\r\n" + path + "\r\nis read as " + CloudKindInWords(*carrier) +
+                    ", which says by itself what its columns are");
         return;
     }
     UnloadWindow(FormTable_Entry.Name);
@@ -169,9 +229,9 @@ void AskForNextTable() {
 
 void ShowTables() {
     const auto show = [](TableSide side, Control& label) {
-        const bool table = HasPoints(side) && MappingOfSide(side).has_value();
-        label.Text = table ? "read as a table" : "";
-        label.ToolTip = table ? *MappingOfSide(side) : "";
+        const bool read = IsReadHere(side);
+        label.Text = read ? "read as " + InWords(side) : "";
+        label.ToolTip = read ? MappingOfSide(side).value_or("") : "";
     };
     if (!InputFiles.Window.Loaded) return;
     show(TableSide::Start, InputFiles.LabelTableMCS);
@@ -184,50 +244,47 @@ bool TakeTables(ImportRequest& request, TablesRead& tables) {
     const TableSide sides[] = {TableSide::Start, TableSide::Target};
     const std::string paths[] = {request.StartPath, request.TargetPath};
     const bool renamed[] = {request.RenameStart, request.RenameTarget};
-    for (std::size_t i = 0; i < 2; ++i)
-        if (HasPoints(sides[i])) tables.Mappings[i] = MappingOfSide(sides[i]).value_or("");
+    // Ahead of the reading, which yields: fields may change meanwhile.
+    std::array<std::optional<std::string>, 2> mappings;
     for (std::size_t i = 0; i < 2; ++i) {
-        if (tables.Mappings[i].empty() || !File_Exist(paths[i])) {  // the import tells of a missing one
-            tables.Mappings[i].clear();
-            continue;
-        }
-        if (renamed[i] && request.Way == Pairing::ByCoordinate) {
-            ShowMessage("The file\r\n" + paths[i] +
-                        "\r\nis read as a table, and is not written anew with other names of points");
-            return false;
-        }
-        std::optional<TableResult> read = ReadSide(sides[i], paths[i], tables.Mappings[i]);
+        mappings[i] = MappingOfSide(sides[i]);
+        // The import tells of a missing one.
+        tables.Taken[i] = IsReadHere(sides[i]) && File_Exist(paths[i]);
+        if (!tables.Taken[i] || !renamed[i] || request.Way != Pairing::ByCoordinate) continue;
+        ShowMessage("The file\r\n" + paths[i] + "\r\nis read as " + InWords(sides[i]) +
+                    ", and is not written anew with other names of points");
+        return false;
+    }
+    for (std::size_t i = 0; i < 2; ++i) {
+        if (!tables.Taken[i]) continue;
+        std::optional<TableResult> read = ReadSide(sides[i], paths[i], mappings[i]);
         if (!read) return false;
+        tables.Mappings[i] = mappings[i].value_or("");
         tables.Results[i] = std::move(*read);
         tables.Sigmas[i] = SigmasOfTable(tables.Results[i], paths[i]);
     }
     request.StartSigmas = &tables.Sigmas[0];
     request.TargetSigmas = &tables.Sigmas[1];
-    if (!tables.Mappings[0].empty()) {
-        request.StartPoints = &tables.Results[0].Points;
-        // A file behind one that has been read finds its delimiter as behind any other.
-        request.Delimiter = std::string(1, tables.Results[0].Form.Delimiter);
-    }
-    if (!tables.Mappings[1].empty()) request.TargetPoints = &tables.Results[1].Points;
+    if (tables.Taken[0]) request.StartPoints = &tables.Results[0].Points;
+    if (tables.Taken[1]) request.TargetPoints = &tables.Results[1].Points;
+    // A file behind one that has been read finds its delimiter as behind any other.
+    if (!tables.Mappings[0].empty()) request.Delimiter = std::string(1, tables.Results[0].Form.Delimiter);
     return true;
 }
 
 void KeepTables(TablesRead& tables) {
-    std::vector<Note> notes;
+    const std::vector<Note> behind = std::exchange(Notes.List, {});
     for (const TableResult& result : tables.Results)
-        for (Note note : result.Notes) {
-            note.Text = InWordsOfDesktop(note.Text);
-            notes.push_back(std::move(note));
-        }
-    Notes.List.insert(Notes.List.begin(), notes.begin(), notes.end());
+        for (const Note& note : result.Notes)
+            AddNote(note.Code, InWordsOfDesktop(note.Text), note.File, note.Line, note.Count);
+    Notes.List.insert(Notes.List.end(), behind.begin(), behind.end());
     PutMappingOfJob(Job, kStartTable, tables.Mappings[0]);
     PutMappingOfJob(Job, kTargetTable, tables.Mappings[1]);
 }
 
-bool AddTable(const std::string& path, const std::string& mapping, const std::string& prefix,
-              const std::string& suffix) {
+bool AddTable(const std::string& path, const std::string& prefix, const std::string& suffix) {
     if (Tables.Reading) return false;
-    std::optional<TableResult> read = ReadSide(TableSide::More, path, mapping);
+    std::optional<TableResult> read = ReadSide(TableSide::More, path, MappingOfSide(TableSide::More));
     if (!read) return false;
     for (const Note& note : read->Notes)
         AddNote(note.Code, InWordsOfDesktop(note.Text), note.File, note.Line, note.Count);

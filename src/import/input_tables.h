@@ -1,5 +1,5 @@
-// The files of the input dialog that are no plain point files: which of them are read as tables, how, and
-// what the import takes in their place.
+// The files of the input dialog that are no plain point files: which of them are read as tables, or as clouds
+// and other carriers, how, and what the import takes in their place.
 #pragma once
 
 #include <array>
@@ -11,6 +11,7 @@
 #include "core/measurement_sigmas.h"
 #include "core/rooms.h"
 #include "core/window.h"
+#include "import/cloud.h"
 #include "import/import_request.h"
 #include "import/table_reader.h"
 
@@ -38,12 +39,12 @@ Control& PathOfSide(TableSide side);     // the field of the dialog
 const char* NameOfSide(TableSide side);  // "Start system (MCS)"
 
 // A file has been chosen or dropped for these sides: those that are no plain point file, and look like a
-// table, are asked for in the window of tables, one after the other. Reads the files; what cannot be read is
-// left to the import.
+// table, are asked for in the window of tables, one after the other. Clouds and other carriers are none of
+// these. Reads the files; what cannot be read is left to the import.
 void FilesChosen(const std::vector<TableSide>& sides);
 
-// Opens the window of tables for the file of a side. Says so where there is none, and throws PlatformError
-// where it cannot be read.
+// Opens the window of tables for the file of a side. Says so where there is none, or it is a cloud without
+// columns to choose among, and throws PlatformError where it cannot be read.
 void AskForTable(TableSide side);
 
 // The window of tables has closed: the next one opens.
@@ -52,6 +53,13 @@ void AskForNextTable();
 // What the user decides about the table of a side, by the dialog's choices, the job or the settings, in this
 // order. Nothing: the file is read as a plain one.
 std::optional<std::string> MappingOfSide(TableSide side);
+
+// The carrier of points that the file of a side is, where it says by itself what it holds and the user has
+// not said that it is a table or a plain file. Nothing: it is none.
+std::optional<CloudKind> CarrierOfSide(TableSide side);
+
+// Is the file of a side read here, as a table or a carrier, and not by the reader of plain files?
+bool IsReadHere(TableSide side);
 
 // The user decides it, for this dialog and for the settings: "" = the file is a plain one.
 void TakeMappingOfSide(TableSide side, const std::string& path, const std::string& mapping);
@@ -64,21 +72,22 @@ std::string UsualTableUnit();
 
 // The points that the import takes instead of files.
 struct TablesRead {
-    std::array<TableResult, 2> Results;  // start, target
+    std::array<TableResult, 2> Results;  // start, target; of a carrier points and notes alone
     std::array<PointAccuracies, 2> Sigmas;
-    std::array<std::string, 2> Mappings;  // "" = the file is read as a plain one
-    bool Any() const { return !Mappings[0].empty() || !Mappings[1].empty(); }
+    std::array<std::string, 2> Mappings;  // "" = the file is no table
+    std::array<bool, 2> Taken{};          // the file has been read: a table, or a carrier
+    bool Any() const { return Taken[0] || Taken[1]; }
 };
-// Reads the tables among the files of a request, and puts them in. False where one cannot be read: the reason
-// has been shown, and the window of tables is open with it, or the dialog has been closed meanwhile.
+// Reads the tables and carriers among the files of a request, and puts them in. False where one cannot be
+// read: the reason has been shown, and of a table the window is open with it, or the dialog has been closed
+// meanwhile.
 bool TakeTables(ImportRequest& request, TablesRead& tables);
 
 // Behind an import that took them: their notes stand first, and the job keeps how they were read.
 void KeepTables(TablesRead& tables);
 
-// Adds the points of the third file, which is a table. False as above.
-bool AddTable(const std::string& path, const std::string& mapping, const std::string& prefix,
-              const std::string& suffix);
+// Adds the points of the third file, which is a table or a carrier. False as above.
+bool AddTable(const std::string& path, const std::string& prefix, const std::string& suffix);
 
 // What the dialog tells beside each file of how it is read.
 void ShowTables();

@@ -64,7 +64,6 @@ public:
         }
         result_.Points.Resize(static_cast<int>(most));
         const bool hasSigmas = Sigmas();
-        if (form_.HasName) lines_.resize(static_cast<std::size_t>(most) + 1);
         if (options_.KeepRest) result_.Rest.resize(static_cast<std::size_t>(most) + 1);
         if (hasSigmas)
             for (std::vector<double>* sigma : {&result_.SX, &result_.SY, &result_.SZ})
@@ -235,7 +234,9 @@ private:
             decoded.Text = text;
             name = Unquoted(decoded);
         }
-        lines_[p] = AsInt(row.Number);
+        if (lines_.empty() ||
+            row.Number - lines_.back().Line != static_cast<std::int64_t>(p - lines_.back().Point))
+            lines_.push_back({p, row.Number});
         if (!grows_ || p == 1) return;
         const std::string& before = result_.Points.Name[p - 1];
         grows_ = name.size() > before.size() || (name.size() == before.size() && name > before);
@@ -281,13 +282,23 @@ private:
         });
     }
 
+    std::int64_t LineOf(std::size_t point) const {
+        const auto behind =
+            std::upper_bound(lines_.begin(), lines_.end(), point,
+                             [](std::size_t p, const LineOfPoint& line) { return p < line.Point; });
+        const LineOfPoint& begin = *(behind - 1);
+        return begin.Line + static_cast<std::int64_t>(point - begin.Point);
+    }
+
     // Two points of one name. True unless they end the reading.
     bool LookAtNames() {
         if (!form_.HasName || grows_) return true;
-        std::vector<std::pair<std::size_t, std::size_t>> hashes;
+        // 32 bits each: a job has no more points, and names of one hash are compared.
+        std::vector<std::pair<std::uint32_t, std::uint32_t>> hashes;
         hashes.reserve(points_);
         for (std::size_t p = 1; p <= points_; ++p)
-            hashes.emplace_back(std::hash<std::string>()(result_.Points.Name[p]), p);
+            hashes.emplace_back(static_cast<std::uint32_t>(std::hash<std::string>()(result_.Points.Name[p])),
+                                static_cast<std::uint32_t>(p));
         std::sort(hashes.begin(), hashes.end());
         std::size_t first = 0, again = 0;
         std::int64_t count = 0;
@@ -311,15 +322,15 @@ private:
         const std::string name = "\"" + Printable(result_.Points.Name[again]) + "\"";
         if (options_.DoubleNames) {
             Note(NoteCode::DuplicateName,
-                 "The name " + name + " stands in line " + std::to_string(lines_[first]) + " and in line " +
-                     std::to_string(lines_[again]),
-                 lines_[first], count);
+                 "The name " + name + " stands in line " + std::to_string(LineOf(first)) + " and in line " +
+                     std::to_string(LineOf(again)),
+                 LineOf(first), count);
             return true;
         }
         if (plain_) return true;  // the pairing by names says it in its own words
-        Refuse(lines_[again], static_cast<std::int64_t>(NamePlace()) + 1,
-               "the name " + name + " stands in line " + std::to_string(lines_[first]) +
-                   " too, and in line " + std::to_string(lines_[again]) +
+        Refuse(LineOf(again), static_cast<std::int64_t>(NamePlace()) + 1,
+               "the name " + name + " stands in line " + std::to_string(LineOf(first)) +
+                   " too, and in line " + std::to_string(LineOf(again)) +
                    " again; names have to differ (--columns says which column they are in)",
                false);
         return false;
@@ -374,7 +385,12 @@ private:
     TablePlaces places_;
     TableUnit unit_{"mm", 1, 1};
     std::size_t points_ = 0;
-    std::vector<std::int32_t> lines_;  // of each point
+    // The points whose line does not follow that of the one before.
+    struct LineOfPoint {
+        std::size_t Point;
+        std::int64_t Line;
+    };
+    std::vector<LineOfPoint> lines_;
     bool plain_ = false, grows_ = true;
     bool ownComments_ = options_.Comment.has_value();
     Counted skipped_, emptyRows_, commented_, open_, ignored_, digits_;

@@ -18,6 +18,7 @@ constexpr Words kWords[] = {
     {"--columns name,x,y,z", "the roles name, x, y, z above the columns"},
     {"--columns says", "the roles above the columns say"},
     {"--columns", "the roles above the columns"},
+    {"--match coordinate or --match distance pairs them", "\"by coordinate\" and \"by distance\" pair them"},
     {"--skip-bad passes it over", "without \"Strict\" it is passed over"},
     {"--skip", "\"Skip lines\""},
     {"--delimiter", "\"Delimiter\""},

@@ -70,6 +70,19 @@ TEST_F(TablesByName, AFileThatIsSetIsAskedForByItsButton) {
     EXPECT_EQ(Get("FormInputFiles.LabelTableOCS")["text"], "");
 }
 
+TEST_F(TablesByName, CloudsAreImportedByName) {
+    Choose("FormInputFiles.BtnBrowseMCS",
+           Write("scan.ply",
+                 "ply\nformat ascii 1.0\nelement vertex 3\nproperty double x\nproperty double y\n"
+                 "property double z\nproperty uchar red\nend_header\n0 0 0 9\n1000 0 0 9\n0 2000 0 9\n"));
+    EXPECT_EQ(Get("FormTable")["loaded"], false);
+    EXPECT_EQ(Get("FormInputFiles.LabelTableMCS")["text"], "read as a PLY cloud");
+    Set("FormInputFiles.TextNameOCS", Write("numbered.txt", "1;5;6;7\n2;1005;6;7\n3;5;2006;7\n"));
+    Click("FormInputFiles.BtnOK");
+    EXPECT_EQ(Good({{"do", "record"}, {"name", "MCS_X"}})["value"], (json{nullptr, 0, 1000, 0}));
+    EXPECT_EQ(Good({{"do", "record"}, {"name", "MCS_Y"}})["value"], (json{nullptr, 0, 0, 2000}));
+}
+
 TEST_F(TablesByName, TheFormsOfAResultAreReachedByName) {
     const std::string plain = Write("s.txt", "P1;0;0;0\nP2;1000;0;0\nP3;0;2000;0\nP4;0;0;3000\n");
     Set("FormInputFiles.TextNameMCS", plain);

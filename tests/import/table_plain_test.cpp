@@ -3,6 +3,7 @@
 #include <bit>
 #include <cmath>
 #include <fstream>
+#include <functional>
 #include <random>
 
 #include "cli/headless.h"
@@ -145,4 +146,47 @@ TEST_F(PlainTables, DamagedTextsAreReadOrRefused) {
     }
     EXPECT_GT(read, kFiles / 30);
     EXPECT_GT(refused, kFiles / 30);
+}
+
+// --- Memory -----------------------------------------------------------------------------------------------
+
+namespace {
+
+constexpr int kRows = 200'000;
+
+// Bytes a point that the reading of so many rows takes at most, each with a name, three numbers and a comment
+// line between every thousandth and the next.
+double BytesOfAPoint(const std::function<int(int)>& numberOf) {
+    std::string text = "Name;X;Y;Z\n";
+    for (int i = 0; i < kRows; ++i) {
+        const std::string number = std::to_string(numberOf(i));
+        text += "P" + number + ";" + number + ".5;-" + number + ".25;7\n";
+        if (i % 1000 == 999) text += "# a thousand more\n";
+    }
+    const MemoryUse memory;
+    const TableResult table = ReadTable(text, "t.csv", {});
+    EXPECT_EQ(table.Points.Count(), kRows) << table.Refusal.Text;
+    return static_cast<double>(memory.Peak()) / kRows;
+}
+
+constexpr double kKeptBytes = sizeof(std::string) + 2 * sizeof(TaggedValue) + sizeof(double);
+
+}  // namespace
+
+TEST_F(PlainTables, NamesInOrderNeedNoMemoryBesideThePoints) {
+    if (UnderSanitizers()) GTEST_SKIP();
+    EXPECT_LE(BytesOfAPoint([](int i) { return i; }), 1.01 * kKeptBytes);
+}
+
+TEST_F(PlainTables, NamesWithoutOrderNeedEightBytesAPointMore) {
+    if (UnderSanitizers()) GTEST_SKIP();
+    EXPECT_LE(BytesOfAPoint([](int i) { return kRows - 1 - i; }), 1.01 * (kKeptBytes + 8));
+}
+
+TEST_F(PlainTables, TwoNamesAreToldByTheirLinesBehindCommentsAndEmptyRows) {
+    const std::string text = "Name;X;Y;Z\n\nB;1;2;3\n# one\n# two\nA;4;5;6\n\nC;1;1;1\nD;2;2;2\nA;7;8;9\n";
+    const TableResult table = ReadTable(text, "t.csv", {});
+    EXPECT_EQ(table.Refusal.Line, 10);
+    EXPECT_NE(table.Refusal.Text.find("stands in line 6 too, and in line 10 again"), std::string::npos)
+        << table.Refusal.Text;
 }
