@@ -257,6 +257,30 @@ int FirstWithoutWeight(const NormRun& fit, const PairSigmas& sigmas, const Linea
     return all ? 0 : PairWithoutWeight(sigmas, at.M, count, fit.InUse);
 }
 
+// Whether the matrix of every pair is one multiple of the unit matrix, whatever values the parameters take:
+// the sum is a multiple of the plain one then. So it is with equal sigmas of the target, and with those of
+// the start too where the transformation turns and keeps all lengths alike, by scales that do not float.
+bool IsThePlainFit(const NormRun& fit, const PairSigmas& sigmas, const Mat3& M) {
+    constexpr double kRounding = 1e-13;
+    const auto round = [](const SideSigmas& side) {
+        return side.At(1, 0) == side.At(2, 0) && side.At(2, 0) == side.At(3, 0);
+    };
+    if (!sigmas.AlikeForAll() || !round(sigmas.Target)) return false;
+    if (sigmas.Start.FreeOfErrors()) return true;
+    if (!round(sigmas.Start)) return false;
+    for (int k = kScaleX; k <= kAngleZtoXY; ++k)
+        if (fit.Model.UnknownOf[At(k)] != 0) return false;
+    Mat3 square;  // M M'
+    for (int i = 1; i <= 3; ++i)
+        for (int j = 1; j <= 3; ++j)
+            for (int k = 1; k <= 3; ++k) square(i, j) += M(i, k) * M(j, k);
+    for (int i = 1; i <= 3; ++i)
+        for (int j = 1; j <= 3; ++j)
+            if (!(std::fabs(square(i, j) - (i == j ? square(1, 1) : 0)) <= kRounding * square(1, 1)))
+                return false;
+    return true;
+}
+
 }  // namespace
 
 int FitWeighted(NormRun& fit, const PairSigmas& sigmas) {
@@ -265,10 +289,9 @@ int FitWeighted(NormRun& fit, const PairSigmas& sigmas) {
     const bool targetAlone = sigmas.Start.FreeOfErrors();
     SumsOfFit sums(fit, sigmas);
     if (const int pair = FirstWithoutWeight(fit, sigmas, at, targetAlone, sums); pair != 0) return pair;
+    if (IsThePlainFit(fit, sigmas, at.M)) return 0;
     Column P;
     if (targetAlone) {
-        const Mat3 C = CovarianceOf(sigmas, at.M, 0);
-        if (sigmas.AlikeForAll() && C(1, 1) == C(2, 2) && C(2, 2) == C(3, 3)) return 0;  // the plain fit
         TakeScaledWeights(fit, sigmas, at.M, P);
         if (P == fit.InUse) return 0;
     }
