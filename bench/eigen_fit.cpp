@@ -4,8 +4,6 @@
 #include <Eigen/Dense>
 #include <cmath>
 
-using namespace corvinade;
-
 namespace {
 
 using Eigen::Matrix3d;

@@ -6,8 +6,6 @@
 
 #include "fit_data.h"
 
-using namespace corvinade;
-
 struct EigenFitResult {
     std::vector<double> Parameters;
     std::vector<std::array<double, 3>> Residuals;

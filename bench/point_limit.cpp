@@ -6,8 +6,6 @@
 #include <cmath>
 #include <cstring>
 
-using namespace corvinade;
-
 namespace {
 
 constexpr int kPointsOfBlock = 1024;

@@ -118,7 +118,7 @@ GridState& Sized(Control& control, int rows, int cols, int left) {
 void FillPoints() {
     w.Order = w.Shown && !w.Shown->Singular ? WorstFirst(*w.Shown) : std::vector<std::size_t>{};
     GridState& grid = Sized(w.GridPoints, static_cast<int>(w.Order.size()) + 1, kRelCols, kRelResidual);
-    grid.Aligns[kRelVerdict] = GridAlign::Left;
+    grid.Aligns[kRelVerdict] = GridAlign::Centre;
     grid.Text = [](int row, int col) -> std::string {
         static constexpr std::array<const char*, kRelCols> kTitles = {
             "Point", "Axis", "Residual", "Redundancy", "Standardized", "MDB", "Verdict"};
@@ -154,7 +154,7 @@ void FillCorrelation() {
 void FillAccuracy() {
     const bool any = w.Shown && !w.Shown->Singular;
     GridState& grid = Sized(w.GridAccuracy, any ? AccuracyRows(*w.Shown) : 1, kAccCols, 1);
-    grid.Aligns[kAccUnit] = GridAlign::Left;
+    grid.Aligns[kAccUnit] = GridAlign::Centre;
     grid.HiddenCols.assign(kAccCols, false);
     grid.HiddenCols[kAccPosterior] = any && !w.Shown->APriori;
     static const AdjustmentStatistics kNone;

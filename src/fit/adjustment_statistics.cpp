@@ -223,9 +223,14 @@ AdjustmentStatistics StatisticsOf(const StatisticsProblem& problem) {
     const bool inverted = InvertPositive(NormalMatrixOf(forms, sums), s.Unknowns, Q);
     s.s0 = s.Redundancy > 0 ? std::sqrt(s.Vtpv / s.Redundancy) : kNone;
     s.VarianceFactor = s.APriori ? 1 : s.s0 * s.s0;
-    const OpenParameters open = FindOpenParameters(
-        points, problem.Model, [&problem](std::size_t i) { return problem.InUse[i] != 0; }, problem.Result,
-        at);
+    const auto openBy = [&](OpenBy by) {
+        return FindOpenParameters(
+            points, problem.Model, [&problem](std::size_t i) { return problem.InUse[i] != 0; },
+            problem.Result, at, by);
+    };
+    OpenParameters open = openBy(OpenBy::Rounding);
+    // Squares have half of the digits: what cannot be inverted may leave nothing open yet.
+    if (!inverted && open.Count == 0) open = openBy(OpenBy::LeastKnown);
     s.Undetermined = open.Open;
     s.Singular = open.Count > 0 || !inverted;
     if (s.Singular) return s;

@@ -3,10 +3,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <memory>
 
+#include "fit/any_vectors.h"
 #include "fit/lanes.h"
-#include "fit/moments.h"
 
 namespace corvinade::fit {
 
@@ -22,6 +23,13 @@ std::size_t At(int i) {
 std::array<double, 3> UseOf(int choice) {
     return {choice & 1 ? 1.0 : 0.0, choice & 2 ? 1.0 : 0.0, choice & 4 ? 1.0 : 0.0};
 }
+
+// Where the product of two places stands, a no greater than b.
+constexpr std::size_t PlaceOf(std::size_t a, std::size_t b) {
+    return a * kAlikePlaces - a * (a + 1) / 2 + b;
+}
+
+using Vector = double __attribute__((vector_size(kLanes * sizeof(double))));
 
 // Eight points, by place.
 using LaneRows = std::array<std::array<double, kLanes>, kAlikePlaces>;
@@ -60,39 +68,67 @@ AlikeSquare Gathered(const Lanes& lanes) {
     return square;
 }
 
-// Where all coordinates are in use: by the moments of the plain model, whose observations are the residuals
-// with the other sign, and the products of the residuals beside them.
-AlikeSquare SquareOfAll(const GatheredPoints& points, const Linearisation& at) {
-    PointMoments moments;
-    SumMoments(points, at, moments);
-    AlikeSquare square{};
-    for (std::size_t i = 0; i < 4; ++i) {
-        for (std::size_t j = 0; j < 4; ++j) square[i][j] = moments.B[1][i][j];
-        for (std::size_t a = 1; a <= 3; ++a) square[i][a + 3] = square[a + 3][i] = -moments.m[a][i];
+// Whole groups of points up to `end`, which are in use with all coordinates.
+ON_ANY_VECTORS void AddWholeGroups(const GatheredPoints& points, const Linearisation& at, int end,
+                                   Lanes& lanes) {
+    double m[3][3], shift[3];
+    for (int a = 0; a < 3; ++a) {
+        shift[a] = at.Shift(a + 1);
+        for (int k = 0; k < 3; ++k) m[a][k] = at.M(a + 1, k + 1);
     }
-    double xx[kLanes] = {}, xy[kLanes] = {}, xz[kLanes] = {}, yy[kLanes] = {}, yz[kLanes] = {},
-           zz[kLanes] = {};
-    LaneRows r{};  // at places 4 to 6
-    for (int first = 0; first < points.Count; first += kLanes) {
-        TakeResiduals(points, at, At(first), r);
-        // The points that fill up the last group of lanes are none.
-        for (std::size_t j = At(points.Count - first); j < kLanes; ++j) r[4][j] = r[5][j] = r[6][j] = 0;
-        for (std::size_t j = 0; j < kLanes; ++j) {
-            const double x = r[4][j], y = r[5][j], z = r[6][j];
-            xx[j] += x * x;
-            xy[j] += x * y;
-            xz[j] += x * z;
-            yy[j] += y * y;
-            yz[j] += y * z;
-            zz[j] += z * z;
+    // Those of the points alone, those with a residual, and the residuals' own: by place without the first.
+    Vector ofStart[9] = {}, ofResidual[3][4] = {}, squares[6] = {};
+    for (int i = 0; i < end; i += kLanes) {
+        Vector p[3], r[3];
+        for (std::size_t a = 0; a < 3; ++a) std::memcpy(&p[a], points.Start[a].data() + i, sizeof p[a]);
+        for (std::size_t a = 0; a < 3; ++a) {
+            std::memcpy(&r[a], points.Target[a].data() + i, sizeof r[a]);
+            r[a] = (shift[a] - r[a]) + (m[a][0] * p[0] + m[a][1] * p[1] + m[a][2] * p[2]);
         }
+        const Vector ofPoint[9] = {p[0],        p[1],        p[2],        p[0] * p[0], p[0] * p[1],
+                                   p[0] * p[2], p[1] * p[1], p[1] * p[2], p[2] * p[2]};
+        for (int k = 0; k < 9; ++k) ofStart[k] += ofPoint[k];
+        for (int a = 0; a < 3; ++a) {
+            ofResidual[a][0] += r[a];
+            for (int k = 0; k < 3; ++k) ofResidual[a][k + 1] += r[a] * p[k];
+        }
+        const Vector ofBoth[6] = {r[0] * r[0], r[0] * r[1], r[0] * r[2],
+                                  r[1] * r[1], r[1] * r[2], r[2] * r[2]};
+        for (int k = 0; k < 6; ++k) squares[k] += ofBoth[k];
     }
-    square[4][4] = SumOfLanes(xx);
-    square[4][5] = square[5][4] = SumOfLanes(xy);
-    square[4][6] = square[6][4] = SumOfLanes(xz);
-    square[5][5] = SumOfLanes(yy);
-    square[5][6] = square[6][5] = SumOfLanes(yz);
-    square[6][6] = SumOfLanes(zz);
+    const auto put = [&lanes](std::size_t a, std::size_t b, const Vector& sum) {
+        std::memcpy(lanes.Sums[PlaceOf(a, b)].data(), &sum, sizeof sum);
+    };
+    for (std::size_t a = 0, k = 3; a < 3; ++a) {
+        put(0, a + 1, ofStart[a]);
+        for (std::size_t b = a; b < 3; ++b) put(a + 1, b + 1, ofStart[k++]);
+        for (std::size_t b = 0; b < 4; ++b) put(b, a + 4, ofResidual[a][b]);
+    }
+    for (std::size_t a = 0, k = 0; a < 3; ++a)
+        for (std::size_t b = a; b < 3; ++b) put(a + 4, b + 4, squares[k++]);
+}
+
+// Where all coordinates are in use.
+AlikeSquare SquareOfAll(const GatheredPoints& points, const Linearisation& at) {
+    Lanes lanes;
+    const int whole = points.Count / kLanes * kLanes;
+    AddWholeGroups(points, at, whole, lanes);
+    if (whole < points.Count) {
+        LaneRows y{};
+        TakeResiduals(points, at, At(whole), y);
+        for (std::size_t axis = 0; axis < 3; ++axis)
+            std::copy_n(&points.Start[axis][At(whole)], kLanes, y[axis + 1].begin());
+        // The points that fill up the last group are none.
+        for (std::size_t place = 0; place < kAlikePlaces; ++place)
+            for (int j = 0; j < kLanes; ++j)
+                if (whole + j >= points.Count)
+                    y[place][At(j)] = 0;
+                else if (place == 0)
+                    y[place][At(j)] = 1;
+        AddProducts(y, lanes);
+    }
+    AlikeSquare square = Gathered(lanes);
+    square[0][0] = points.Count;
     return square;
 }
 

@@ -178,7 +178,7 @@ struct Sizes {
 };
 
 // The ways to change the unknowns without an effect, as columns of the centred unknowns 1 to u.
-std::vector<Column> NullSpace(const Cloud& cloud, const std::vector<int>& chosen) {
+std::vector<Column> NullSpace(const Cloud& cloud, const std::vector<int>& chosen, OpenBy by) {
     const int u = cloud.Model.Unknowns;
     const std::vector<Group> groups = GroupsOf(cloud, chosen);
     int rows = 0;
@@ -221,8 +221,11 @@ std::vector<Column> NullSpace(const Cloud& cloud, const std::vector<int>& chosen
         for (int k = 0; k < m; ++k)
             scaled[At(row * m + k)] = A[At(row * u + moving[At(k)])] / norms[At(moving[At(k)])];
     const SmallSvd svd = DecomposeSmall(scaled, rows, m);
+    double limit = rounding;
+    if (by == OpenBy::LeastKnown && ways.empty() && m > 0)
+        limit = std::max(limit, *std::min_element(svd.s.begin(), svd.s.begin() + m));
     for (int k = 0; k < m; ++k) {
-        if (svd.s[At(k)] > rounding) continue;
+        if (svd.s[At(k)] > limit) continue;
         Column way(At(u) + 1);
         for (int j = 0; j < m; ++j)
             way[At(moving[At(j)] + 1)] = svd.V[At(j * m + k)] / norms[At(moving[At(j)])];
@@ -289,16 +292,16 @@ bool IsAzimuthAlone(const OpenParameters& marked, const Parameters& result) {
 
 OpenParameters FindOpenParameters(const GatheredPoints& points, const FitModel& model,
                                   const std::function<bool(std::size_t)>& inUse, const Parameters& result,
-                                  const Linearisation& at) {
+                                  const Linearisation& at, OpenBy by) {
     constexpr int kSample = 64;
     const Cloud cloud{points, model, at, inUse};
     OpenParameters open;
     if (model.Unknowns == 0) return open;
     std::vector<int> chosen = Spread(points.Count, kSample);
-    std::vector<Column> ways = NullSpace(cloud, chosen);
+    std::vector<Column> ways = NullSpace(cloud, chosen, by);
     if (!ways.empty() && static_cast<int>(chosen.size()) < points.Count) {
         chosen = Spread(points.Count, points.Count);
-        ways = NullSpace(cloud, chosen);
+        ways = NullSpace(cloud, chosen, by);
     }
     const Sizes sizes(cloud, chosen);
     open.Count = static_cast<int>(ways.size());

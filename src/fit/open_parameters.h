@@ -26,12 +26,14 @@ struct OpenParameters {
 };
 
 // By the singular values of the design matrix of the coordinates in use, of all three models, whatever the
-// norm's weights are. A value counts as 0 where the rounding of the coordinates makes as much.
+// norm's weights are. A value counts as 0 where the rounding of the coordinates makes as much; with
+// LeastKnown the smallest one counts as 0 in any case, for who has found that there is such a way.
 //   points  gathered pairs, with poses where the model is that of the tool; their weights do not count
 //   inUse   of a coordinate by its index, three a pair, x y z, from 1 on: whether it takes part
 //   result  whose linearisation is `at`
+enum class OpenBy { Rounding, LeastKnown };
 OpenParameters FindOpenParameters(const GatheredPoints& points, const FitModel& model,
                                   const std::function<bool(std::size_t)>& inUse, const Parameters& result,
-                                  const Linearisation& at);
+                                  const Linearisation& at, OpenBy by = OpenBy::Rounding);
 
 }  // namespace corvinade::fit

@@ -56,10 +56,23 @@ struct PairPass {
           Corrected(corrected) {}
 };
 
+// Whether a number is below 0 or none, by signs and sums alone: a comparison in lanes becomes eight.
+inline bool MayHaveNoWeight(Lanes a, Lanes b, Lanes c) {
+    const Mask signs = (Mask)a | (Mask)b | (Mask)c;
+    const Lanes nothing = (a + b + c) * 0;
+    double sum[kLanes];
+    long long sign[kLanes];
+    std::memcpy(sum, &nothing, sizeof sum);
+    std::memcpy(sign, &signs, sizeof sign);
+    const long long any =
+        ((sign[0] | sign[4]) | (sign[2] | sign[6])) | ((sign[1] | sign[5]) | (sign[3] | sign[7]));
+    return any < 0 || SumOfLanes(sum) != 0;
+}
+
 // Groups of pairs, `first` to `end` whole ones. Gives the begin of the first group with a pair whose matrix
-// is not positive definite, which is not in the sums, or `end`.
+// may not be positive definite, which is not in the sums, or `end`.
 ON_ANY_VECTORS int AddGroups(const PairPass& pass, int first, int end, LaneSums& sums) {
-    constexpr double kSingular = 1e-13;
+    constexpr double kSingular = 1e-13, kTiny = 1e-300;
     const Mat3& M = pass.At.M;
     double m[3][3], shift[3];
     for (int a = 0; a < 3; ++a) {
@@ -93,10 +106,8 @@ ON_ANY_VECTORS int AddGroups(const PairPass& pass, int first, int end, LaneSums&
         const Lanes i1 = 1 / c11, l21 = c12 * i1, l31 = c13 * i1;
         const Lanes d2 = c22 - l21 * c12, i2 = 1 / d2, l32 = (c23 - l31 * c12) * i2;
         const Lanes d3 = (c33 - l31 * c13) - l32 * l32 * d2, i3 = 1 / d3;
-        const Mask good = (c11 > 0) & (c11 < std::numeric_limits<double>::infinity()) &
-                          (d2 > kSingular * c22) & (d3 > kSingular * c33);
-        for (int j = 0; j < kLanes; ++j)
-            if (good[j] == 0) return i;
+        if (MayHaveNoWeight(c11 - kTiny, d2 - (kSingular * c22 + kTiny), d3 - (kSingular * c33 + kTiny)))
+            return i;
         // The rows of the inverse of L: 1; k21 1; k31 k32 1.
         const Lanes k21 = -l21, k32 = -l32, k31 = l21 * l32 - l31;
         const Lanes a31 = k31 * i3, a32 = k32 * i3;

@@ -18,6 +18,7 @@
 #include "fit/norms.h"
 #include "fit/pair_sums.h"
 #include "fit/require.h"
+#include "fit/scaled_weights.h"
 
 namespace corvinade::fit {
 
@@ -145,7 +146,14 @@ bool IterateWeighted(NormRun& fit, SumsOfFit& sumsOf) {
         if (!state.Finite) return true;
         if (!fit.Run.Tell(FitStep::PassEnds, &centred)) return false;
         const double largest = FindLargest(centred, fit.Model.Unknowns).Size;
-        const bool taken = Take(fit, sumsOf, at, sums.Objective, centred);
+        // Of a step below the threshold the sum would say what rounding makes of it, and takes a pass.
+        bool taken = largest < fit.Run.Limits.Threshold;
+        if (taken) {
+            FromCentre(fit.Model, at, centred);
+            AddCorrections(fit.Model, centred, fit.Run.Now);
+        } else {
+            taken = Take(fit, sumsOf, at, sums.Objective, centred);
+        }
         // What the sum's own rounding keeps from getting less is at rest.
         constexpr double kNearlyThere = 1e-6;
         state.AtRest = !taken && largest < kNearlyThere;
@@ -159,59 +167,6 @@ bool IterateWeighted(NormRun& fit, SumsOfFit& sumsOf) {
         if (state.Converged || !taken || state.Iterations > fit.Run.Limits.MaxIteration || fit.Stops())
             return true;
     }
-}
-
-// C_ii of a pair, without the rest of it.
-double VarianceOf(const PairSigmas& sigmas, const Mat3& M, int axis, int pair) {
-    const double target = sigmas.Target.At(axis, pair);
-    double variance = target * target;
-    for (int k = 1; k <= 3; ++k) {
-        const double start = M(axis, k) * sigmas.Start.At(k, pair);
-        variance += start * start;
-    }
-    return variance;
-}
-
-// Weights 1 / C_ii of the coordinates in use, scaled to a mean of 1. Gives what they were scaled by.
-double TakeScaledWeights(const NormRun& fit, const PairSigmas& sigmas, const Mat3& M, Column& P) {
-    constexpr double kSame = 1e-12;
-    const std::size_t n = At(3 * fit.Points.Count);
-    std::array<double, 3> ofAll{};
-    double sum = 0, observations = 0;
-    if (sigmas.AlikeForAll()) {
-        const Mat3 C = CovarianceOf(sigmas, M, 0);
-        std::array<double, 3> inUse{};
-        inUse.fill(fit.Points.AllInUse ? fit.Points.Count : 0);
-        for (std::size_t i = 1; i <= n && !fit.Points.AllInUse; i += 3)
-            for (std::size_t axis = 0; axis < 3; ++axis) inUse[axis] += fit.InUse[i + axis];
-        for (std::size_t axis = 0; axis < 3; ++axis) {
-            // An axis that nobody uses may well be free of errors.
-            if (inUse[axis] > 0) ofAll[axis] = 1 / C(static_cast<int>(axis) + 1, static_cast<int>(axis) + 1);
-            sum += inUse[axis] * ofAll[axis];
-            observations += inUse[axis];
-        }
-        const double mean = observations > 0 ? sum / observations : 1;
-        for (double& weight : ofAll) weight = std::fabs(weight - mean) <= kSame * mean ? 1 : weight / mean;
-        // Those of a plain fit stand there already.
-        const bool same = ofAll[0] == 1 && ofAll[1] == 1 && ofAll[2] == 1;
-        if (!same || P.size() != fit.InUse.size()) P = fit.InUse;
-        for (std::size_t i = 1; i <= n && !same; i += 3)
-            for (std::size_t axis = 0; axis < 3; ++axis) P[i + axis] *= ofAll[axis];
-        return mean;
-    }
-    P.assign(n + 1, 0);
-    for (int i = 0; i < fit.Points.Count; ++i) {
-        for (int axis = 1; axis <= 3; ++axis) {
-            const std::size_t index = At(3 * i + axis);
-            P[index] = fit.InUse[index] != 0 ? 1 / VarianceOf(sigmas, M, axis, i) : 0;
-            sum += P[index];
-            observations += fit.InUse[index];
-        }
-    }
-    const double mean = observations > 0 ? sum / observations : 1;
-    for (std::size_t i = 1; i <= n; ++i)
-        if (P[i] != 0) P[i] = std::fabs(P[i] - mean) <= kSame * mean ? 1 : P[i] / mean;
-    return mean;
 }
 
 // The run's model without the parameters that the plain fit has held.
@@ -228,7 +183,7 @@ FitModel WithoutHeld(const NormRun& fit) {
 void TakeResult(NormRun& fit, const PairSigmas& sigmas, SumsOfFit& sumsOf) {
     const Linearisation at = Linearise(fit.Model, fit.Run.Now, fit.Points, fit.Run.Chain);
     Residuals(fit.Points, fit.Model, at, Column(At(fit.Model.Unknowns) + 1), fit.Result.v);
-    const double mean = TakeScaledWeights(fit, sigmas, at.M, fit.P);
+    const double mean = ScaleWeights(fit.Points, fit.InUse, sigmas, at.M, fit.P).Mean;
     Matrix Q;
     // Where the points leave parameters open the Q of the plain fit says so as it always does.
     const Matrix N = NormalMatrixOf(FormsOf(fit.Model, at), sumsOf.SquaresAt(at));
@@ -238,23 +193,28 @@ void TakeResult(NormRun& fit, const PairSigmas& sigmas, SumsOfFit& sumsOf) {
     fit.Result.Q = std::move(Q);
 }
 
-// PairWithoutWeight, which is asked where a quicker look does not tell that there is none.
-int FirstWithoutWeight(const NormRun& fit, const PairSigmas& sigmas, const Linearisation& at,
-                       bool targetAlone, SumsOfFit& sums) {
-    const int count = fit.Points.Count;
-    if (sigmas.AlikeForAll())
-        return PairWithoutWeight(sigmas, at.M, fit.Points.AllInUse ? std::min(1, count) : count, fit.InUse);
-    bool all = !targetAlone && std::isfinite(sums.At(at).Objective);
-    if (targetAlone) {
-        all = true;
-        for (int i = 0; i < count && all; ++i)
-            for (int axis = 1; axis <= 3; ++axis)
-                if (fit.InUse[At(3 * i + axis)] != 0) {
-                    const double variance = VarianceOf(sigmas, at.M, axis, i);
-                    all = all && variance > 0 && std::isfinite(variance);
-                }
-    }
-    return all ? 0 : PairWithoutWeight(sigmas, at.M, count, fit.InUse);
+// Whether the matrix of every pair is one multiple of the unit matrix, whatever values the parameters take:
+// the sum is a multiple of the plain one then. So it is with equal sigmas of the target, and with those of
+// the start too where the transformation turns and keeps all lengths alike, by scales that do not float.
+bool IsThePlainFit(const NormRun& fit, const PairSigmas& sigmas, const Mat3& M) {
+    constexpr double kRounding = 1e-13;
+    const auto round = [](const SideSigmas& side) {
+        return side.At(1, 0) == side.At(2, 0) && side.At(2, 0) == side.At(3, 0);
+    };
+    if (!sigmas.AlikeForAll() || !round(sigmas.Target)) return false;
+    if (sigmas.Start.FreeOfErrors()) return true;
+    if (!round(sigmas.Start)) return false;
+    for (int k = kScaleX; k <= kAngleZtoXY; ++k)
+        if (fit.Model.UnknownOf[At(k)] != 0) return false;
+    Mat3 square;  // M M'
+    for (int i = 1; i <= 3; ++i)
+        for (int j = 1; j <= 3; ++j)
+            for (int k = 1; k <= 3; ++k) square(i, j) += M(i, k) * M(j, k);
+    for (int i = 1; i <= 3; ++i)
+        for (int j = 1; j <= 3; ++j)
+            if (!(std::fabs(square(i, j) - (i == j ? square(1, 1) : 0)) <= kRounding * square(1, 1)))
+                return false;
+    return true;
 }
 
 }  // namespace
@@ -262,14 +222,19 @@ int FirstWithoutWeight(const NormRun& fit, const PairSigmas& sigmas, const Linea
 int FitWeighted(NormRun& fit, const PairSigmas& sigmas) {
     Require(fit.Model.Mode == FitMode::Coincide);
     const Linearisation at = Linearise(fit.Model, fit.Run.Now, fit.Points, fit.Run.Chain);
-    const bool targetAlone = sigmas.Start.FreeOfErrors();
+    const bool targetAlone = sigmas.Start.FreeOfErrors(), alike = sigmas.AlikeForAll();
     SumsOfFit sums(fit, sigmas);
-    if (const int pair = FirstWithoutWeight(fit, sigmas, at, targetAlone, sums); pair != 0) return pair;
     Column P;
+    ScaledWeights scaled;
+    if (targetAlone && !alike) scaled = ScaleWeights(fit.Points, fit.InUse, sigmas, at.M, P);
+    // Where the sums tell that all have a weight there is no need to ask each.
+    const bool haveAll = !alike && (targetAlone ? scaled.AllPositive : std::isfinite(sums.At(at).Objective));
+    const int asked = alike && fit.Points.AllInUse ? std::min(1, fit.Points.Count) : fit.Points.Count;
+    if (const int pair = haveAll ? 0 : PairWithoutWeight(sigmas, at.M, asked, fit.InUse); pair != 0)
+        return pair;
+    if (IsThePlainFit(fit, sigmas, at.M)) return 0;
     if (targetAlone) {
-        const Mat3 C = CovarianceOf(sigmas, at.M, 0);
-        if (sigmas.AlikeForAll() && C(1, 1) == C(2, 2) && C(2, 2) == C(3, 3)) return 0;  // the plain fit
-        TakeScaledWeights(fit, sigmas, at.M, P);
+        if (alike) ScaleWeights(fit.Points, fit.InUse, sigmas, at.M, P);
         if (P == fit.InUse) return 0;
     }
     // What the plain fit had to hold stays where that has left it, and has the Q that tells so.

@@ -10,8 +10,9 @@ namespace corvinade::fit {
 //   sum over the pairs of r' (target + M start M')^-1 r,  r = T + M x - X,  M = R K S
 // least, M in the weight included: what the adjustment of conditions with unknowns (Gauss and Helmert) finds
 // for errors in both systems. The matrix of a pair is that of its coordinates in use, which is cut out before
-// it is inverted. With errors of the target alone this is the fit with weights 1 / sigma^2, and of equal
-// ones the plain fit, which is left as it is, bit by bit. For the plain model.
+// it is inverted. With errors of the target alone this is the fit with weights 1 / sigma^2. Equal ones of the
+// target are the plain fit, which is left as it is, bit by bit; so are equal ones of the start, with such of
+// the target or none, where the transformation only moves and turns. For the plain model.
 //
 // Leaves residuals, and weights 1 / C_ii of the coordinates in use (C the pair's matrix) scaled to a mean of
 // 1; Result.Q is (sum A' W A)^-1 with W scaled alike, so that figures made of them keep their units. Gives

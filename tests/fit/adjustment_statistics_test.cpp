@@ -247,6 +247,24 @@ TEST(AdjustmentStatistics, WhatPointsLeaveOpenIsNamed) {
     for (const int k : {kTraX, kTraY, kTraZ, kRotY}) EXPECT_FALSE(s.Undetermined[At(k)]) << k;
 }
 
+// On a line but for the digits of a file: the design matrix has just its full rank, the normal matrix has
+// not. A turn about a line that no axis is parallel to takes all six along.
+TEST(AdjustmentStatistics, AllButALineIsNamedToo) {
+    const double way[3] = {1, 0.5, 0.3}, noise[6] = {0.03, -0.05, 0.02, 0.04, -0.06, 0.01};
+    Example example;
+    example.InUse.assign(18, 1);
+    for (int i = 0; i < 6; ++i)
+        for (int axis = 0; axis < 3; ++axis) {
+            const double there = 100 * (axis + 1) + 400 * i * way[axis];
+            const double digits = i % 2 == 0 ? 4e-7 : -4e-7;
+            example.Start[At(axis)].push_back(there + (axis == 2 ? digits : 0));
+            example.Target[At(axis)].push_back(there + axis + 1 + noise[(i + 2 * axis) % 6]);
+        }
+    const AdjustmentStatistics s = StatisticsOfFit(example, FitOf(example, kSix));
+    EXPECT_TRUE(s.Singular);
+    for (const int k : kSix) EXPECT_TRUE(s.Undetermined[At(k)]) << k;
+}
+
 // Points that fit exactly leave what rounding is, which nothing can be tested by.
 TEST(AdjustmentStatistics, RoundingIsNotTested) {
     const Example example = MakeExample(6, 0, 3, kSeven);

@@ -87,17 +87,30 @@ TEST(WeightedFit, EqualSigmasOfTheTargetAreThePlainFit) {
     }
 }
 
-// Rigid motions turn a sphere of errors into itself, whichever side has them.
+// Rigid motions turn a sphere of errors into itself, whichever side has them; so does a scale that is held.
 TEST(WeightedFit, RoundErrorsOfARigidMotionAreThePlainFit) {
-    const Example example = MakeExample(8, 0.1, 4, kSix);
-    const FitResult plain = FitOf(example, kSix);
-    const Sigmas sigmas = Alike({0.05, 0.05, 0.05}, {0.02, 0.02, 0.02});
-    const FitResult weighted = FitOf(example, kSix, sigmas.View());
-    ASSERT_TRUE(weighted.Converged());
-    for (int k = kTraX; k <= kRotZ; ++k) EXPECT_NEAR(weighted.Values[k], plain.Values[k], 1e-9) << k;
-    for (std::size_t i = 1; i < plain.Weights.size(); ++i) EXPECT_NEAR(weighted.Weights[i], 1, 1e-12);
-    for (std::size_t i = 0; i < plain.Q.Elements.size(); ++i)
-        EXPECT_NEAR(weighted.Q.Elements[i], plain.Q.Elements[i], 1e-9 * (1 + std::fabs(plain.Q.Elements[i])));
+    for (const double scale : {1.0, 1.25}) {
+        const Example example = MakeExample(8, 0.1, 4, kSix);
+        FitProblem problem;
+        problem.Pairs = example.Pairs();
+        problem.InUse = example.InUse;
+        problem.Choice = Floating(kSix);
+        for (const int k : {kScaleX, kScaleY, kScaleZ, kScaleXYZ}) {
+            problem.Choice.Held[At(k)] = true;
+            problem.Choice.Value[At(k)] = scale;
+        }
+        const FitResult plain = Fit(problem);
+        for (const auto& [start, target] : {std::pair{0.05, 0.02}, std::pair{0.05, 0.0}}) {
+            const Sigmas sigmas = Alike({start, start, start}, {target, target, target});
+            problem.Sigmas = sigmas.View();
+            const FitResult weighted = Fit(problem);
+            ASSERT_TRUE(weighted.Converged());
+            EXPECT_EQ(weighted.Values, plain.Values);
+            EXPECT_EQ(weighted.Residuals, plain.Residuals);
+            EXPECT_EQ(weighted.Weights, plain.Weights);
+            EXPECT_EQ(weighted.Q.Elements, plain.Q.Elements);
+        }
+    }
 }
 
 // The sum itself, from the definition, with the pair's matrix in use inverted densely.
