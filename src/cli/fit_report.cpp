@@ -190,9 +190,10 @@ std::string MonteCarloPlots(const FitOptions& options) {
     };
     for (const ShownParameter& p : ShownParameters())
         if (p.Floats)
-            plot(p.Name + ": spread " + ShownAs(p.Is, SigmaOfArray(MonteCarloArray(p.Number))) +
-                     (IsWithoutSigma(p.Number) ? std::string(", ") + kOpenSignificance : ", sigma " + p.Sigma),
-                 p.Number, FactorOf(p.Is), p.Unit);
+            plot(
+                p.Name + ": spread " + ShownAs(p.Is, SigmaOfArray(MonteCarloArray(p.Number))) +
+                    (IsWithoutSigma(p.Number) ? std::string(", ") + kOpenSignificance : ", sigma " + p.Sigma),
+                p.Number, FactorOf(p.Is), p.Unit);
     plot("mean error xyz: spread " + ShownLength(SigmaOfArray(MonteCarloArray(kSigmaXYZ))), kSigmaXYZ,
          Units.LengthFactor, Job.LengthUnitName);
     return html + "</div>\n";

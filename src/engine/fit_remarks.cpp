@@ -27,14 +27,15 @@ NormWords WordsOf(FitNorm fit) {
 }
 
 std::string TimesText(double times) {
-    return std::isinf(times) ? "larger by far" : FormatNumber(times, "0.000") + " times as large";
+    constexpr double kHardly = 1.001;  // so near to 1 that three decimals show nothing of it
+    return std::isinf(times)
+               ? "larger by far"
+               : FormatNumber(times, times < kHardly ? "0.000000000" : "0.000") + " times as large";
 }
 
 std::string OfOtherSolution(const FitRemark& remark) {
     return "Another solution has a smaller sum of squares (" +
-           (std::isinf(remark.Times)
-                ? std::string("by far")
-                : "this one's is " + FormatNumber(remark.Times, "0.000") + " times as large") +
+           (std::isinf(remark.Times) ? std::string("by far") : "this one's is " + TimesText(remark.Times)) +
            "); the start values that were given keep this one";
 }
 

@@ -39,8 +39,8 @@ std::string RememberedMapping(const std::string& path);  // "" where there is no
 
 // --- With the job -----------------------------------------------------------------------------------------
 
-// The mapping that the start or the target points of a job were read by, member kStartTable or kTargetTable of
-// its block (core/job_block.h); "" = their file was a plain one, or none of points.
+// The mapping that the start or the target points of a job were read by, member kStartTable or kTargetTable
+// of its block (core/job_block.h); "" = their file was a plain one, or none of points.
 std::string MappingOfJob(const JobRecord& job, std::string_view member);
 void PutMappingOfJob(JobRecord& job, std::string_view member, const std::string& mapping);
 

@@ -158,9 +158,8 @@ TEST_F(TableReader, ReadsTheKindsOfTextThatPeopleHave) {
 }
 
 TEST_F(TableReader, ARowThatOnlyTheOtherDecimalDelimiterReadsIsNoHeading) {
-    for (const char* const text :
-         {"1,5;2,5;3,5\n100;2;4\n50;80;9\n", "1,5\t2,5\t3,5\n100\t2\t4\n50\t80\t9\n",
-          "1,5 2,5 3,5\n100 2 4\n50 80 9\n"}) {
+    for (const char* const text : {"1,5;2,5;3,5\n100;2;4\n50;80;9\n", "1,5\t2,5\t3,5\n100\t2\t4\n50\t80\t9\n",
+                                   "1,5 2,5 3,5\n100 2 4\n50 80 9\n"}) {
         const TableResult table = ReadTable(text, "f", {});
         EXPECT_EQ(table.Form.HeadingLines, 0) << text;
         EXPECT_EQ(table.Form.Decimal, ',') << text;
