@@ -103,7 +103,8 @@ Cells MonteCarloCells(const SolutionDetails& details) {
         // The mean error behind the parameters is a length as the R vector before it.
         const ParameterKind kind = k == kSigmaXYZ ? ParameterKind::Length : KindOf(k);
         const auto row = static_cast<std::size_t>(k);
-        cells[row] = {kMonteCarloLabels[row - 1], ShownAs(kind, details.Spread[row])};
+        cells[row] = {kMonteCarloLabels[row - 1],
+                      details.SpreadIsNothing ? "– (noise 0)" : ShownAs(kind, details.Spread[row])};
     }
     return cells;
 }

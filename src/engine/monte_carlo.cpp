@@ -149,6 +149,7 @@ void MonteCarloInitialisieren() {
     Require(RunsOfMonteCarlo() <= kMostMonteCarloRuns);
     ++MonteCarlo.Started;
     MonteCarlo.MonteCarloDone = kFalse;
+    MonteCarlo.WithoutNoise = Settings.SigmaX == 0 && Settings.SigmaY == 0 && Settings.SigmaZ == 0;
     MonteCarlo.Shown.reset();  // of runs that these overtake; closing it later would close the new window
     const auto size = At(Job.Pairs()) + 1;
     for (Column* const saved : {&MonteCarlo.MCSaveX, &MonteCarlo.MCSaveY, &MonteCarlo.MCSaveZ})

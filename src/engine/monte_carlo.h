@@ -25,6 +25,7 @@ struct MonteCarloShown {
 struct MonteCarloRecord {
     Flag MonteCarloOn = kFalse;        // the next calculation by least squares begins with the runs
     Flag MonteCarloDone = kFalse;      // MCResults is complete; stays so until the next runs begin
+    bool WithoutNoise = false;         // what the runs spread is rounding then
     Column MCSaveX, MCSaveY, MCSaveZ;  // 1 to Job.Pairs(): the start points without noise, mm
     // Row k holds array k, entries 1 to the number of runs; mm and rad. Those of a held parameter are 0.
     Matrix MCResults;

@@ -1,6 +1,7 @@
 // The solution of the job in all forms.
 #include "engine/solution_details.h"
 
+#include "core/desktop_defaults.h"
 #include "core/job.h"
 #include "engine/inverse.h"
 #include "engine/transform.h"
@@ -12,6 +13,7 @@ namespace {
 void SetSpread(SolutionDetails& details) {
     details.HasSpread = IsTrue(MonteCarlo.MonteCarloDone);
     if (!details.HasSpread) return;
+    details.SpreadIsNothing = DesktopDefaults.ResultFields && MonteCarlo.WithoutNoise;
     for (int k = 1; k <= kMonteCarloArrays; ++k)
         details.Spread[static_cast<std::size_t>(k)] = SigmaOfArray(MonteCarloArray(k));
 }

@@ -23,7 +23,8 @@ struct SolutionDetails {
     Matrix Inverses;        // a row a solution as in InverseRecord; Rows -1 when there is none
 
     // Sigma of each array of results, by its number; mm and rad.
-    bool HasSpread = false;  // Monte Carlo runs have reached their end
+    bool HasSpread = false;        // Monte Carlo runs have reached their end
+    bool SpreadIsNothing = false;  // these had no noise, and the spread is rounding
     std::array<double, kMonteCarloArrays + 1> Spread{};
 
     const RotationSolutions& Of(RotationOrder order) const {

@@ -4,6 +4,7 @@
 #include <numbers>
 
 #include "cli/headless.h"
+#include "core/desktop_defaults.h"
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/settings.h"
@@ -304,6 +305,19 @@ TEST_F(DetailsWindowTest, SpreadStandsByKindOnlyWhenTheRunsHaveEnded) {
     EXPECT_EQ(ColumnOf(details.GridMonteCarlo, 1),
               "|0.001|0.002|0.003|4000.0|5000.0|6000.0|7.000000|8.000000|9.000000|10.000000|11000.0|12000.0|"
               "13000.0|0.014|0.015|0.016|0.017|0.018|");
+}
+
+TEST_F(DetailsWindowTest, RunsWithoutNoiseHaveNoSpreadOnTheDesktop) {
+    MonteCarlo.MCResults = Matrix(18, 3);
+    MonteCarlo.MonteCarloDone = kTrue;
+    MonteCarlo.WithoutNoise = true;
+    Open();
+    EXPECT_EQ(ColumnOf(details.GridMonteCarlo, 1).substr(0, 12), "|0.000|0.000") << "as scripts know it";
+    DesktopDefaults.ResultFields = true;
+    DetailFormFuellen();
+    EXPECT_EQ(ColumnOf(details.GridMonteCarlo, 1).find("0.000"), std::string::npos);
+    EXPECT_NE(ColumnOf(details.GridMonteCarlo, 1).find("– (noise 0)"), std::string::npos);
+    DesktopDefaults.ResultFields = false;
 }
 
 TEST_F(DetailsWindowTest, TheCheckGoesToTheSettingsWithOk) {
