@@ -195,7 +195,8 @@ public:
         Job.RVecY = std::vector<TaggedValue>(1);
         Job.RVecZ = std::vector<double>(1);
     }
-    ~FilledByFit() {
+    // Behind the calculation. No destructor: it takes memory, and there may be too little of it.
+    void Fill() const {
         if (!spares_) return;
         if (Job.Transformed.Count() < Job.Start.Count()) Job.Transformed = Job.Start;
         const std::size_t size = static_cast<std::size_t>(Job.Pairs()) + 1;
@@ -204,8 +205,6 @@ public:
         Job.RVecY.resize(size);
         Job.RVecZ.resize(size);
     }
-    FilledByFit(const FilledByFit&) = delete;
-    FilledByFit& operator=(const FilledByFit&) = delete;
 
 private:
     bool spares_, writes_;
@@ -219,10 +218,9 @@ int Calculate(const FitOptions& options, std::ostream& err) {
         MCS_OCS();
     }
     Headless.Dialogs.clear();
-    const bool ran = [&options] {
-        const FilledByFit filled(options);
-        return Dispatch(CalculateJob);
-    }();
+    const FilledByFit filled(options);
+    const bool ran = Dispatch(CalculateJob);
+    filled.Fill();
     if (!ran) {
         WriteMessages(err);
         return kRefused;
