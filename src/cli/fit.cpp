@@ -6,6 +6,7 @@
 #include <chrono>
 #include <optional>
 #include <ostream>
+#include <vector>
 
 #include "cli/fit_exports.h"
 #include "cli/fit_files.h"
@@ -181,6 +182,34 @@ bool RanAway() {
     return Hypot3(Job.TraX, Job.TraY, Job.TraZ) > 1e6 * largest;
 }
 
+// What the first calculation of two files makes anew takes no memory while it runs: of a million pairs that
+// is 80 MB. Without a result the transformed points are those of the start again. R vectors come back where
+// a job is written, which has room for them.
+class FilledByFit {
+public:
+    explicit FilledByFit(const FitOptions& options)
+        : spares_(options.Job.empty() && !Calculation.Done), writes_(!options.Save.empty()) {
+        if (!spares_) return;
+        Job.Transformed = PointSet();
+        Job.RVecX = std::vector<TaggedValue>(1);
+        Job.RVecY = std::vector<TaggedValue>(1);
+        Job.RVecZ = std::vector<double>(1);
+    }
+    // Behind the calculation. No destructor: it takes memory, and there may be too little of it.
+    void Fill() const {
+        if (!spares_) return;
+        if (Job.Transformed.Count() < Job.Start.Count()) Job.Transformed = Job.Start;
+        const std::size_t size = static_cast<std::size_t>(Job.Pairs()) + 1;
+        if (!writes_ || Job.RVecX.size() >= size) return;
+        Job.RVecX.resize(size);
+        Job.RVecY.resize(size);
+        Job.RVecZ.resize(size);
+    }
+
+private:
+    bool spares_, writes_;
+};
+
 int Calculate(const FitOptions& options, std::ostream& err) {
     if (Job.Pairs() < 2) return Refuse(err, kRefused, TooFewPairs(options));
     // The points of a job that was switched stand in the other order already.
@@ -189,7 +218,10 @@ int Calculate(const FitOptions& options, std::ostream& err) {
         MCS_OCS();
     }
     Headless.Dialogs.clear();
-    if (!Dispatch(CalculateJob)) {
+    const FilledByFit filled(options);
+    const bool ran = Dispatch(CalculateJob);
+    filled.Fill();
+    if (!ran) {
         WriteMessages(err);
         return kRefused;
     }

@@ -103,8 +103,10 @@ std::string WhyNot() {
 // The second points of the R vectors, for the pictures that show them: where the distance model wants each
 // transformed point, which is on the line from its target through it, at R_Dist from the target. A pair whose
 // points fall together has no such line and no second point, and neither has any pair in the other models.
+// Where none are wanted, a job that has no room for them gets none: of a million pairs that is 24 MB.
 void FillRVectors(bool wanted) {
     const std::size_t size = At(Job.Pairs()) + 1;
+    if (!wanted && std::max({Job.RVecX.size(), Job.RVecY.size(), Job.RVecZ.size()}) <= 1) return;
     Job.RVecX.assign(size, {});
     Job.RVecY.assign(size, {});
     Job.RVecZ.assign(size, 0);
@@ -278,6 +280,7 @@ void ButtonCalcErsatz() {
     if (useABC || !Selection.RDistShown) Job.RDist = Hypot3(Job.Rvec_x, Job.Rvec_y, Job.Rvec_z);
     if (useABC) FillToolStatistics();
     if (!IsTrue(Job.IsParaboloid)) NoteResult(fit);
+    fit.Points = GatheredPoints{};  // before the transformed points take as much
 
     if (leastSquares && MonteCarloIsInTheFit() && Calculation.Finite) BringRunsToFormOfResult();
 
