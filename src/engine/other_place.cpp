@@ -53,6 +53,7 @@ struct InUse {
         : Weights(At(3 * points.Count) + 1) {
         constexpr double kGross = 20, kDigits = 64 * 2.220446049250313e-16;
         std::vector<double> deviations;
+        deviations.reserve(At(points.Count));
         double largest = 0;
         for (int i = 0; i < points.Count; ++i) deviations.push_back(DeviationOf(points, at, i, largest));
         Rounding = kDigits * largest;

@@ -116,7 +116,7 @@ std::optional<CloudSet> ReadCloud(const std::string& path, CloudReading reading,
 
 CloudPairs ReadCloudPairs(const std::string& path, CloudReading reading) {
     CloudPairs pairs;
-    auto& [start, target] = pairs;
+    CloudSet &start = pairs.Start, &target = pairs.Target;
     reading.Wish.Pairs = true;
     NamesOfCloud names(path, true);
     start.Facts =
