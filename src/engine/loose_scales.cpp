@@ -9,7 +9,7 @@
 #include "core/job.h"
 #include "fit/normal_equations.h"
 #include "fit/open_parameters.h"
-#include "fit/small_svd.h"
+#include "fit/principal_axes.h"
 #include "fit/statistics.h"
 #include "fit/tool_tips.h"
 
@@ -69,55 +69,26 @@ struct WholePairs {
     }
 };
 
-// Standard deviations along the directions of a set about its middle, mm, the least last.
-Vec3 ReliefOf(const std::array<LaneArray, 3>& set, const std::vector<int>& pairs) {
-    Vec3 middle;
-    const auto n = static_cast<double>(pairs.size());
-    for (const int i : pairs)
-        for (int k = 1; k <= 3; ++k) middle(k) += set[At(k - 1)][At(i)] / n;
-    Mat3 products;
-    for (const int i : pairs)
-        for (int j = 1; j <= 3; ++j)
-            for (int k = 1; k <= 3; ++k)
-                products(j, k) +=
-                    (set[At(j - 1)][At(i)] - middle(j)) * (set[At(k - 1)][At(i)] - middle(k)) / n;
-    const Vec3 squares = Decompose3(products).s;
+// Standard deviations of a set of so many points along its axes, mm, the least last.
+Vec3 ReliefOf(const PrincipalAxes& axes, std::size_t points) {
     Vec3 relief;
-    for (int k = 1; k <= 3; ++k) relief(k) = std::sqrt(std::fmax(0, squares(k)));
+    for (int k = 1; k <= 3; ++k) relief(k) = std::sqrt(axes.Squares(k) / static_cast<double>(points));
     return relief;
 }
 
-// Directions along which a set has next to nothing, and its middle about them.
-struct FlatWays {
-    std::vector<Vec3> Directions;
-    Vec3 Middle;
-
-    FlatWays(const std::array<LaneArray, 3>& set, const std::vector<int>& pairs, double flat) {
-        const auto n = static_cast<double>(pairs.size());
-        for (const int i : pairs)
-            for (int k = 1; k <= 3; ++k) Middle(k) += set[At(k - 1)][At(i)] / n;
-        Mat3 products;
-        for (const int i : pairs)
-            for (int j = 1; j <= 3; ++j)
-                for (int k = 1; k <= 3; ++k)
-                    products(j, k) +=
-                        (set[At(j - 1)][At(i)] - Middle(j)) * (set[At(k - 1)][At(i)] - Middle(k));
-        const Svd3 svd = Decompose3(products);
-        for (int k = 2; k <= 3; ++k)
-            if (svd.s(k) <= flat * flat * svd.s(1))
-                Directions.emplace_back(svd.U(1, k), svd.U(2, k), svd.U(3, k));
-    }
-};
-
 // What would be open if the start points had no relief at all along their flat directions. Of the least
 // relief the normal equations hold no digits.
+//   flat  a direction is, whose share of the longest is no more
 std::array<bool, kParameterEnd> OpenWithoutRelief(GatheredPoints points, const FitModel& model,
-                                                  const Linearisation& at, const FlatWays& ways) {
+                                                  const Linearisation& at, const PrincipalAxes& axes,
+                                                  double flat) {
     for (int i = 0; i < points.Count; ++i)
-        for (const Vec3& w : ways.Directions) {
+        for (int way = 2; way <= 3; ++way) {
+            if (axes.Squares(way) > flat * flat * axes.Squares(1)) continue;
             double off = 0;
-            for (int k = 1; k <= 3; ++k) off += w(k) * (points.Start[At(k - 1)][At(i)] - ways.Middle(k));
-            for (int k = 1; k <= 3; ++k) points.Start[At(k - 1)][At(i)] -= off * w(k);
+            for (int k = 1; k <= 3; ++k)
+                off += axes.Axes(k, way) * (points.Start[At(k - 1)][At(i)] - axes.Middle(k));
+            for (int k = 1; k <= 3; ++k) points.Start[At(k - 1)][At(i)] -= off * axes.Axes(k, way);
         }
     OpenParameters open = FindOpenParameters(points, model, CoordinateInUse, ParametersOf(Job), at);
     open.Open[kAzimuth] = open.Open[kAzimuth] && !open.AzimuthWithoutEffect;
@@ -194,7 +165,9 @@ LooseScales FindLooseScales(const NormFit& fit, const FitModel& model, const Lin
     const GatheredPoints& points = model.Mode == FitMode::Tool ? tips : fit.Points;
     const WholePairs pairs(points, at, model.Unknowns, robust);
     if (3 * static_cast<int>(pairs.List.size()) <= model.Unknowns) return loose;
-    const Vec3 start = ReliefOf(points.Start, pairs.List), target = ReliefOf(points.Target, pairs.List);
+    const PrincipalAxes axes = AxesOf(points.Start, pairs.List);
+    const Vec3 start = ReliefOf(axes, pairs.List.size()),
+               target = ReliefOf(AxesOf(points.Target, pairs.List), pairs.List.size());
     const double scale = SizeOf(target) / SizeOf(start);
     if (!(scale > 0) || !std::isfinite(scale)) return loose;
     loose.Relief = std::fmin(start(3) * scale, target(3));
@@ -202,7 +175,7 @@ LooseScales FindLooseScales(const NormFit& fit, const FitModel& model, const Lin
     const bool thin = loose.Relief < kThin * loose.Noise;
     const bool flat = start(3) <= kFlat * start(1), rounded = start(3) <= kRounding * start(1);
     if (flat && (thin || rounded)) {
-        const auto open = OpenWithoutRelief(points, model, at, FlatWays(points.Start, pairs.List, kFlat));
+        const auto open = OpenWithoutRelief(points, model, at, axes, kFlat);
         for (int k = kScaleX; k <= kAngleZtoXY; ++k)
             loose.Of[At(k)] = open[At(k)] && IsOfFrame(k, model.Mode) && model.UnknownOf[At(k)] != 0;
     }

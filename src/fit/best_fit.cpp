@@ -13,10 +13,12 @@
 #include "fit/double_double.h"
 #include "fit/found_values.h"
 #include "fit/handedness.h"
+#include "fit/matrix.h"
 #include "fit/mirror.h"
 #include "fit/moments.h"
 #include "fit/norms.h"
 #include "fit/small_svd.h"
+#include "fit/thin_points.h"
 
 namespace corvinade::fit {
 
@@ -71,32 +73,65 @@ struct Wishes {
 // A solution to be held against the present one.
 struct Solution {
     Mat3 M;
-    Vec3 Shift;  // of the centred points
+    Mat3 OfMoments;  // the same of the points as they are in the moments
+    Vec3 Shift;      // of the centred points
     ChainValues Values;
     double Gain = 0;
 };
 
 struct Solutions {
     std::optional<Solution> Proper, Mirrored;
-    bool ClosedForm = false;
+    bool ClosedForm = false, ProperIsLeast = true;
     int Starts = 1;
 };
 
-Solutions FindSolutions(const NormRun& fit, const PointMoments& moments) {
-    Solutions found;
-    const FitModel& model = fit.Model;
-    if (const std::optional<PlainModel> preset = PresetOf(model, fit.Run.Now)) {
-        const BestTransformations best = BestOfModel(moments, *preset);
-        const auto take = [&](const std::optional<CentredTransformation>& from, std::optional<Solution>& to) {
-            if (from && std::isfinite(from->Gain))
-                to = Solution{from->M, from->Shift, ValuesOf(from->M, *preset), from->Gain};
-        };
-        take(best.Proper, found.Proper);
-        take(best.Mirrored, found.Mirrored);
-        found.ClosedForm = best.ClosedForm;
-        found.Starts = best.Starts;
-        return found;
+// The sums that solutions are found and compared by: about the axes of the coordinates, or of thin points
+// along their own.
+struct Sums {
+    PointMoments Moments;
+    std::optional<Mat3> Axes;
+
+    // M of the points as they are outside.
+    Mat3 Outside(const Mat3& M) const {
+        if (!Axes) return M;
+        Mat3 back;
+        MatrixTranspose(*Axes, 3, 3, back);
+        return MatrixProduct(M, back);
     }
+};
+
+// Takes the sums at a linearisation, and finds the solutions of a preset in them.
+Solutions FindPresets(const NormRun& fit, PlainModel preset, Linearisation at, Sums& sums) {
+    BestTransformations best;
+    sums.Axes = AxesOfThinPoints(fit.Points, sums.Moments, preset);
+    if (sums.Axes) {
+        const GatheredPoints along = AlongAxes(fit.Points, *sums.Axes);
+        at.M = MatrixProduct(at.M, *sums.Axes);
+        SumMoments(along, at, sums.Moments);
+        best = BestOfThinPoints(along, sums.Moments, preset);
+    }
+    if (!best.Proper && !best.Mirrored) best = BestOfModel(sums.Moments, preset);
+    Solutions found;
+    const auto take = [&](const std::optional<CentredTransformation>& from, std::optional<Solution>& to) {
+        if (!from || !std::isfinite(from->Gain)) return;
+        const Mat3 M = sums.Outside(from->M);
+        to = Solution{M, from->M, from->Shift, ValuesOf(M, preset), from->Gain};
+    };
+    take(best.Proper, found.Proper);
+    take(best.Mirrored, found.Mirrored);
+    found.ClosedForm = best.ClosedForm;
+    found.ProperIsLeast = best.ProperIsLeast;
+    found.Starts = best.Starts;
+    return found;
+}
+
+Solutions FindSolutions(const NormRun& fit, const Linearisation& at, Sums& sums) {
+    SumMoments(fit.Points, at, sums.Moments);
+    sums.Axes.reset();
+    const FitModel& model = fit.Model;
+    if (const std::optional<PlainModel> preset = PresetOf(model, fit.Run.Now))
+        return FindPresets(fit, *preset, at, sums);
+    Solutions found;
     ChainChoice choice;
     choice.StartCentre = fit.Points.StartCentre;
     choice.TargetCentre = fit.Points.TargetCentre;
@@ -105,10 +140,11 @@ Solutions FindSolutions(const NormRun& fit, const PointMoments& moments) {
         // What floats begins at the values of the search, not at those of a run that may have gone astray.
         if (!choice.Floats[At(k)]) choice.Held.Value[At(k)] = fit.Run.Now[k];
     }
-    const ChainSearch search = SearchChain(moments, choice, StartsOf(moments, choice));
+    const ChainSearch search = SearchChain(sums.Moments, choice, StartsOf(sums.Moments, choice));
     const auto take = [&](const std::optional<ChainResult>& from, std::optional<Solution>& to) {
         if (!from) return;
-        Solution solution{MatrixOf(from->Values), {}, from->Values, from->Gain};
+        const Mat3 M = MatrixOf(from->Values);
+        Solution solution{M, M, {}, from->Values, from->Gain};
         for (int axis = 1; axis <= 3; ++axis) {
             DoubleDouble sum{from->Values.Value[At(kTraX + axis - 1)], 0};
             for (int j = 1; j <= 3; ++j) sum.AddProduct(solution.M(axis, j), choice.StartCentre(j));
@@ -124,15 +160,17 @@ Solutions FindSolutions(const NormRun& fit, const PointMoments& moments) {
 }
 
 // What rounding of the coordinates themselves adds to a sum of squares, mm^2.
-double RoundingOfSum(const NormRun& fit, const PointMoments& moments) {
+double RoundingOfSum(const NormRun& fit, const Sums& sums) {
+    const PointMoments& moments = sums.Moments;
+    const Mat3 M = sums.Outside(moments.M);
     double largest = 0, rows = 0;
     for (int axis = 1; axis <= 3; ++axis) {
         const auto& B = moments.B[At(axis)];
         rows += B[0][0];
         double size = 0;
         for (int j = 1; j <= 3; ++j)
-            size += std::fabs(moments.M(axis, j)) *
-                    (std::fabs(fit.Points.StartCentre(j)) + std::sqrt(B[At(j)][At(j)]));
+            size += std::fabs(M(axis, j)) * std::fabs(fit.Points.StartCentre(j)) +
+                    std::fabs(moments.M(axis, j)) * std::sqrt(B[At(j)][At(j)]);
         largest = std::max({largest, size, std::fabs(fit.Points.TargetCentre(axis))});
     }
     const double each = 8 * kEpsilon * largest;
@@ -171,10 +209,9 @@ private:
             for (int k = 1; k <= 3; ++k) at.M(k, k) = 1;
             at.Shift = {};
         }
-        SumMoments(fit_.Points, at, moments_);
-        found_ = FindSolutions(fit_, moments_);
+        found_ = FindSolutions(fit_, at, sums_);
         mirrored_ = usable_ && IsMirrored(fit_.Run.Chain);
-        rounding_ = RoundingOfSum(fit_, moments_);
+        rounding_ = RoundingOfSum(fit_, sums_);
         sum_.reset();
     }
 
@@ -221,14 +258,16 @@ private:
         return stands ? mirrored : proper;
     }
 
-    double rows_() const { return moments_.B[1][0][0] + moments_.B[2][0][0] + moments_.B[3][0][0]; }
+    double rows_() const {
+        return sums_.Moments.B[1][0][0] + sums_.Moments.B[2][0][0] + sums_.Moments.B[3][0][0];
+    }
 
     // How far the points move from here to a solution, mean square, mm^2.
     double MoveTo(const Solution& other) const {
         double squares = 0;
         for (int axis = 1; axis <= 3; ++axis) {
-            const auto& B = moments_.B[At(axis)];
-            const auto d = ChangeOf(moments_, other.M, other.Shift, axis);
+            const auto& B = sums_.Moments.B[At(axis)];
+            const auto d = ChangeOf(sums_.Moments, other.OfMoments, other.Shift, axis);
             for (std::size_t i = 0; i < 4; ++i)
                 for (std::size_t j = 0; j < 4; ++j) squares += d[i] * B[i][j] * d[j];
         }
@@ -239,7 +278,7 @@ private:
     bool IsHere(const Solution& other) const {
         double spread = 0;
         for (int axis = 1; axis <= 3; ++axis)
-            for (std::size_t k = 1; k <= 3; ++k) spread = std::max(spread, moments_.B[At(axis)][k][k]);
+            for (std::size_t k = 1; k <= 3; ++k) spread = std::max(spread, sums_.Moments.B[At(axis)][k][k]);
         const double arm = 1 + std::sqrt(spread / std::max(1.0, rows_() / 3));
         const double move = 10 * fit_.Run.Limits.Threshold * arm;
         return MoveTo(other) < move * move;
@@ -251,8 +290,8 @@ private:
         const Solution* wanted = Wanted();
         if (wanted == nullptr) return nullptr;
         if (!usable_) return wanted;
-        const bool otherSide = mirrored_ && Determinant3(wanted->M) > 0 && !wishes_.NegativeScale;
-        const double least = rounding_ + RoundingOfGain(moments_, wanted->M, wanted->Shift);
+        const bool otherSide = mirrored_ && Determinant3(wanted->OfMoments) > 0 && !wishes_.NegativeScale;
+        const double least = rounding_ + RoundingOfGain(sums_.Moments, wanted->OfMoments, wanted->Shift);
         const bool isBetter = wanted->Gain > least && wanted->Gain > kSame * Sum() + least;
         if (!isBetter && !otherSide) return nullptr;
         if (wishes_.OwnStart && !otherSide) {
@@ -310,13 +349,15 @@ private:
         fit_.Certificate.Kind =
             found_.ClosedForm ? CertificateRecord::Road::ClosedForm : CertificateRecord::Road::Starts;
         fit_.Certificate.Starts = found_.Starts;
-        const double least = rounding_ + RoundingOfGain(moments_, best->M, best->Shift);
+        // Where no proper one has the least sum, the mirrored one tells how far that is.
+        if (!found_.ProperIsLeast && found_.Mirrored) best = &*found_.Mirrored;
+        const double least = rounding_ + RoundingOfGain(sums_.Moments, best->OfMoments, best->Shift);
         if (best->Gain > least && Sum() > 0) fit_.Certificate.RelativeAbove = (best->Gain - least) / Sum();
     }
 
     NormRun& fit_;
     Wishes wishes_;
-    PointMoments moments_;
+    Sums sums_;
     Solutions found_;
     bool usable_ = false, mirrored_ = false, begun_ = false;
     double rounding_ = 0;

@@ -21,15 +21,6 @@ std::size_t At(int i) {
 // Directions whose share of the spread is below this are rounding.
 constexpr double kFlat = 1e-14;
 
-// Every pair's three coordinates weigh alike.
-bool WeighAlike(const PointMoments& moments) {
-    for (std::size_t row = 0; row < 4; ++row)
-        for (std::size_t column = 0; column < 4; ++column)
-            for (const std::size_t axis : {2, 3})
-                if (moments.B[axis][row][column] != moments.B[1][row][column]) return false;
-    return true;
-}
-
 CentredTransformation With(const PointMoments& moments, const Mat3& M) {
     CentredTransformation result{M, BestShift(moments, M), 0};
     result.Gain = GainOf(moments, M, result.Shift);
@@ -82,39 +73,6 @@ Vec3 Image(const Mat3& M, const Mat3& V, int column) {
 
 double Dot(const Vec3& a, const Vec3& b) {
     return a(1) * b(1) + a(2) * b(2) + a(3) * b(3);
-}
-
-// Directions along which the points do not spread take the image that makes a proper transformation, as large
-// as the others: nothing of the sum depends on it.
-Mat3 CompletedFlat(const Mat3& M, const Mat3& V, int known) {
-    std::array<Vec3, 3> images;
-    double size = 0;
-    for (int k = 0; k < known; ++k) {
-        images[At(k)] = Image(M, V, k + 1);
-        size = std::max(size, std::sqrt(Dot(images[At(k)], images[At(k)])));
-    }
-    if (!(size > 0)) size = 1;
-    // Columns across the known ones, by a decomposition that completes what is missing.
-    Mat3 known3;
-    for (int k = 0; k < known; ++k)
-        for (int row = 1; row <= 3; ++row) known3(row, k + 1) = images[At(k)](row);
-    const Svd3 svd = Decompose3(known3);
-    for (int k = known; k < 3; ++k)
-        images[At(k)] = {size * svd.U(1, k + 1), size * svd.U(2, k + 1), size * svd.U(3, k + 1)};
-    Mat3 result;
-    const auto put = [&] {
-        for (int row = 1; row <= 3; ++row)
-            for (int column = 1; column <= 3; ++column) {
-                result(row, column) = 0;
-                for (int k = 0; k < 3; ++k) result(row, column) += images[At(k)](row) * V(column, k + 1);
-            }
-    };
-    put();
-    if (Determinant3(result) < 0) {
-        images[2] = {-images[2](1), -images[2](2), -images[2](3)};
-        put();
-    }
-    return result;
 }
 
 void TakeAffine(const PointMoments& moments, BestTransformations& best) {
@@ -209,6 +167,45 @@ void TakeFromStarts(const PointMoments& moments, PlainModel model, bool alike, B
 }
 
 }  // namespace
+
+bool WeighAlike(const PointMoments& moments) {
+    for (std::size_t row = 0; row < 4; ++row)
+        for (std::size_t column = 0; column < 4; ++column)
+            for (const std::size_t axis : {2, 3})
+                if (moments.B[axis][row][column] != moments.B[1][row][column]) return false;
+    return true;
+}
+
+Mat3 CompletedFlat(const Mat3& M, const Mat3& V, int known) {
+    std::array<Vec3, 3> images;
+    double size = 0;
+    for (int k = 0; k < known; ++k) {
+        images[At(k)] = Image(M, V, k + 1);
+        size = std::max(size, std::sqrt(Dot(images[At(k)], images[At(k)])));
+    }
+    if (!(size > 0)) size = 1;
+    // Columns across the known ones, by a decomposition that completes what is missing.
+    Mat3 known3;
+    for (int k = 0; k < known; ++k)
+        for (int row = 1; row <= 3; ++row) known3(row, k + 1) = images[At(k)](row);
+    const Svd3 svd = Decompose3(known3);
+    for (int k = known; k < 3; ++k)
+        images[At(k)] = {size * svd.U(1, k + 1), size * svd.U(2, k + 1), size * svd.U(3, k + 1)};
+    Mat3 result;
+    const auto put = [&] {
+        for (int row = 1; row <= 3; ++row)
+            for (int column = 1; column <= 3; ++column) {
+                result(row, column) = 0;
+                for (int k = 0; k < 3; ++k) result(row, column) += images[At(k)](row) * V(column, k + 1);
+            }
+    };
+    put();
+    if (Determinant3(result) < 0) {
+        images[2] = {-images[2](1), -images[2](2), -images[2](3)};
+        put();
+    }
+    return result;
+}
 
 RowChange ChangeOf(const PointMoments& moments, const Mat3& M, const Vec3& Shift, int axis) {
     return {Shift(axis) - moments.Shift(axis), M(axis, 1) - moments.M(axis, 1),
@@ -335,7 +332,7 @@ void CompleteColumn(Mat3& R, int column) {
 ChainValues ValuesOf(const Mat3& M, PlainModel model) {
     ChainValues values;
     Mat3 proper = M;
-    const double handed = Determinant3(M) < 0 ? -1 : 1;
+    double handed = Determinant3(M) < 0 ? -1 : 1;
     switch (model) {
         case PlainModel::Rigid:
             values.R = M;
@@ -356,7 +353,6 @@ ChainValues ValuesOf(const Mat3& M, PlainModel model) {
             break;
         case PlainModel::Affine: {
             // M = R U with U = K S upper triangular: R by Gram and Schmidt, twice for its last digits.
-            for (int row = 1; row <= 3; ++row) proper(row, 3) *= handed;
             constexpr double kClosed = 1e-10;  // what is left of a column within those before is rounding
             Mat3 R = UnitColumns(proper);
             for (int pass = 0; pass < 2; ++pass)
@@ -370,6 +366,12 @@ ChainValues ValuesOf(const Mat3& M, PlainModel model) {
                     for (int row = 1; row <= 3 && size > 0; ++row) R(row, k) /= size;
                     if (pass == 0 && !(size > kClosed)) CompleteColumn(R, k);
                 }
+            // The rotation tells the mirror: the determinant of M cancels where M carries one direction far.
+            handed = Determinant3(R) < 0 ? -1 : 1;
+            for (int row = 1; row <= 3; ++row) {
+                R(row, 3) *= handed;
+                proper(row, 3) *= handed;
+            }
             Mat3 U;
             for (int j = 1; j <= 3; ++j)
                 for (int k = j; k <= 3; ++k)

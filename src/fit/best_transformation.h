@@ -23,7 +23,8 @@ struct BestTransformations {
     std::optional<CentredTransformation> Proper;    // determinant of M above 0
     std::optional<CentredTransformation> Mirrored;  // below 0; only where it is told apart from a proper one
     bool ClosedForm = false;
-    int Starts = 1;  // that were tried
+    bool ProperIsLeast = true;  // false where proper ones come ever nearer to a least sum that none has
+    int Starts = 1;             // that were tried
 };
 
 // The best of a model over all floating parameters of a preset, each side of the mirror for itself.
@@ -37,6 +38,14 @@ BestTransformations BestOfModel(const PointMoments& moments, PlainModel model);
 // Sums about the weighted centres: target times start, and start times itself along one axis's weights, mm^2.
 Mat3 CrossProducts(const PointMoments& moments);
 Mat3 StartProducts(const PointMoments& moments, int axis);
+
+// Whether every pair's three coordinates weigh alike.
+bool WeighAlike(const PointMoments& moments);
+
+// M with new images of the directions, columns of V, behind the first `known` ones, along which the points do
+// not spread: such as make a proper transformation, as large as the others. Nothing of the sum depends on
+// them.
+Mat3 CompletedFlat(const Mat3& M, const Mat3& V, int known);
 
 // How a transformation differs from the reference of the moments along an axis: the shift, then the row of M.
 using RowChange = std::array<double, 4>;

@@ -26,7 +26,10 @@ bool MirrorIsReal(double proper, double mirrored, double rounding, int redundanc
 }
 
 bool IsMirrored(const ChainRecord& chain) {
-    return Determinant3(chain.Product) < 0;
+    // Not of the product: where one direction is carried a million times as far as the others, its
+    // determinant cancels. The frame is triangular, and a rotation mirrors nothing.
+    const Mat3& S = chain.ScaleMatrix;
+    return Determinant3(chain.ShearMatrix) * S(1, 1) * S(2, 2) * S(3, 3) < 0;
 }
 
 bool IsAffine(const FitModel& model) {

@@ -81,7 +81,7 @@ Set AnySet(Random& random, Kind kind) {
     Set set;
     const int n = (kind == Kind::Affine ? 4 : 3) + random.Below(15);
     const double size = random.Power(0, 4);
-    const int shape = random.Below(7);
+    const int shape = random.Below(9);
     const Point along = {random.Normal(), random.Normal(), random.Normal()},
                 across = {random.Normal(), random.Normal(), random.Normal()};
     for (int i = 0; i < n; ++i) {
@@ -99,6 +99,14 @@ Set AnySet(Random& random, Kind kind) {
             case 2:
                 set.Shape = "line";
                 for (std::size_t k = 0; k < 3; ++k) p[k] = size * a * along[k];
+                break;
+            case 7:
+                set.Shape = "line of few decimals";
+                for (std::size_t k = 0; k < 3; ++k) p[k] = size * a * along[k];
+                break;
+            case 8:
+                set.Shape = "plane of few decimals";
+                for (std::size_t k = 0; k < 3; ++k) p[k] = size * (a * along[k] + b * across[k]);
                 break;
             case 3:
                 set.Shape = "grid";
@@ -127,11 +135,20 @@ Set AnySet(Random& random, Kind kind) {
     const reference::Square R = AnyRotation(random);
     const double scale = kind == Kind::Rigid || random.Below(2) == 0 ? 1 : random.Power(-3, 3);
     set.Noise = random.Below(4) == 0 ? 0 : size * scale * random.Power(-7, -1);
+    // The last decimal of a file is all that such points stand off their line or plane by.
+    const bool decimals = set.Shape.ends_with("decimals");
+    const double last = std::max(size * random.Power(-9, -6), 1e-11 * offset);
     for (Point& p : set.Start) {
         Point q = Turned(R, p);
         for (Real& value : q) value = value * scale + set.Noise * random.Normal();
-        set.Target.push_back(Rounded(Plus(q, to)));
-        p = Rounded(Plus(p, from));
+        q = Plus(q, to);
+        p = Plus(p, from);
+        for (std::size_t k = 0; k < 3 && decimals; ++k) {
+            p[k] = std::round(p[k] / last) * last;
+            q[k] = std::round(q[k] / last) * last;
+        }
+        set.Target.push_back(Rounded(q));
+        p = Rounded(p);
     }
     if (random.Below(5) == 0) {  // two names swapped
         std::swap(set.Target[0], set.Target[static_cast<std::size_t>(n - 1)]);
@@ -139,7 +156,7 @@ Set AnySet(Random& random, Kind kind) {
     }
     if (random.Below(5) == 0) {  // a gross error
         set.Target[static_cast<std::size_t>(random.Below(n))][static_cast<std::size_t>(random.Below(3))] +=
-            size * scale * random.Power(0, 3);
+            size * scale * random.Power(0, decimals ? 1 : 3);
         set.Shape += ", a gross error";
     }
     for (std::size_t k = 0; k < 3;) {
@@ -157,6 +174,15 @@ Real LargestCoordinate(const Set& set) {
         for (const Point& p : *points)
             for (const Real value : p) largest = std::max(largest, std::fabs(value));
     return largest;
+}
+
+// Of an oblique frame the second axis leaves the first by xy from a right angle, and the third their plane by
+// the complement of z to xy: each mirrors beyond a right angle, as a negative scale does.
+bool MirrorsPoints() {
+    const auto value = [](int k) { return ParameterValue(Job, k); };
+    return value(kScaleX) * value(kScaleY) * value(kScaleZ) * std::cos(value(kAngleXY)) *
+               std::cos(value(kAngleZtoXY)) <
+           0;
 }
 
 // The sum that the job's parameters give, in long double.
@@ -195,7 +221,9 @@ Real Allowed(const Set& set, Real best) {
     const Real rows = 3 * static_cast<Real>(set.Start.size());
     const Real digits = 1e-15L * LargestCoordinate(set) * size;
     const bool flat = set.Shape.starts_with("line") || set.Shape.starts_with("plane");
-    const Real ofDeviations = flat ? 1e-15L * LargestCoordinate(set) : 1e-15L * extent;
+    // Of a frame that carries what stands off them a thousand million times as far each angle rounds as well.
+    const bool far = set.Shape.find("decimals") != std::string::npos;
+    const Real ofDeviations = flat ? (far ? 1e-14L : 1e-15L) * LargestCoordinate(set) : 1e-15L * extent;
     return best * 1e-9L + rows * digits * digits + 2 * std::sqrt(best * rows) * ofDeviations * size;
 }
 
@@ -228,12 +256,18 @@ TEST_F(BestFitTrial, NoRandomSetEndsAboveTheGlobalOptimum) {
         BuildChain();
         const Real best = optimum::LeastSum(kind, set.Start, set.Target);
         const Real sum = SumOfJob(set);
-        const bool isMirrored = Determinant3(Chain.Product) < 0;
-        EXPECT_EQ(isMirrored, Certificate.Mirrored);
+        const bool isMirrored = MirrorsPoints();
+        EXPECT_EQ(isMirrored, Certificate.Mirrored)
+            << "set " << i << " of seed " << seed << ", " << set.Shape;
         if (isMirrored) ++mirrored[static_cast<std::size_t>(kind)];
         if (!Calculation.Converged) ++open;
-        const bool good = Calculation.Converged && sum <= best + Allowed(set, best);
-        if (best > 0) worst = std::max(worst, (sum - best - Allowed(set, best)) / best);
+        // Where points in a plane but for their last decimals fit best as a mirror image, by no more than
+        // those explain, the proper result stands, and the certificate says how far above it is.
+        const bool told = kind == Kind::Affine && !isMirrored &&
+                          set.Shape.find("decimals") != std::string::npos &&
+                          std::fabs((sum - best) / sum - Certificate.RelativeAbove) < 1e-4;
+        const bool good = Calculation.Converged && (sum <= best + Allowed(set, best) || told);
+        if (best > 0 && !told) worst = std::max(worst, (sum - best - Allowed(set, best)) / best);
         if (good) continue;
         ++above;
         ++failed[set.Shape];
@@ -243,7 +277,8 @@ TEST_F(BestFitTrial, NoRandomSetEndsAboveTheGlobalOptimum) {
                           << set.Noise << ": sum " << static_cast<double>(sum) << ", possible "
                           << static_cast<double>(best) << ", allowed "
                           << static_cast<double>(Allowed(set, best)) << ", converged "
-                          << Calculation.Converged << ", largest coordinate "
+                          << Calculation.Converged << ", certificate " << Certificate.RelativeAbove
+                          << ", mirrored " << Certificate.Mirrored << ", largest coordinate "
                           << static_cast<double>(LargestCoordinate(set));
     }
     EXPECT_EQ(above, 0);
