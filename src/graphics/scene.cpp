@@ -39,9 +39,16 @@ void SizeTables(int rows) {
     Scene.Rows = rows;
 }
 
-// Rows `first` .. of one block, with the points from number `from` of one of the job's sets.
+// Rows `first` .. of one block, with the points from number `from` of one of the job's sets. While points are
+// read the transformed ones may be fewer: what is not there yet stands at the origin.
 void FillBlock(int first, int count, const PointSet& points, int from) {
-    for (int k = 0; k < count; ++k) {
+    const int there = std::clamp(points.Count() - from + 1, 0, count);
+    for (int k = there; k < count; ++k) {
+        const auto row = static_cast<std::size_t>(first + k);
+        Scene.Points[kSceneX][row] = Scene.Points[kSceneY][row] = Scene.Points[kSceneZ][row] = 0;
+        Scene.Points[kSceneInside][row] = 1.0F;
+    }
+    for (int k = 0; k < there; ++k) {
         const auto row = static_cast<std::size_t>(first + k);
         const auto point = static_cast<std::size_t>(from + k);
         Scene.Points[kSceneX][row] = AsFloat(points.X[point]);

@@ -119,7 +119,9 @@ void Replace(PointSet JobRecord::*set, std::optional<PointSet> JobBeforeImport::
     Job.Start.CountAll();
     Job.Target.CountAll();
     Job.SetPairs(0);
-    Job.Transformed.Reach(Job.Start.Count());
+    // In an import they follow behind the pairing, which needs as much memory for itself.
+    const bool follow = LongImport.Before != nullptr && !LongImport.Before->HadTransformed();
+    if (!follow) Job.Transformed.Reach(Job.Start.Count());
     ++Run.JobGeneration;
 }
 

@@ -24,6 +24,7 @@ struct JobBeforeImport {
     void Restore();
     // Puts the orientations back where the import ended before it had other target points for the job.
     void RestorePoses();
+    bool HadTransformed() const { return transformed_ > 0; }
 
     std::optional<PointSet> Start, Target;
     bool Overtaken = false;  // an import that has ended had found the points to be those of somebody else
