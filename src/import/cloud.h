@@ -21,6 +21,7 @@
 #include "core/rooms.h"
 #include "import/cloud_motion.h"
 #include "import/cloud_stream.h"
+#include "import/table_text.h"
 
 namespace corvinade::import {
 
@@ -73,8 +74,10 @@ struct CloudWish {
     std::vector<PointColumn> Columns;
     std::optional<char> Delimiter;  // ' ': blanks and tabs
     std::optional<char> Decimal;
-    std::optional<int> Digits;  // decimals of new coordinates in text, 0 to 12
-    int LeastDigits = 3;        // where these are not given: at least so many, and those of the file
+    std::string Unit;  // of its coordinates: "mm", "cm", "m", "km", "in", "ft"; "" = that of the file
+    std::optional<TableEncoding> Encoding;  // of text
+    std::optional<int> Digits;              // decimals of new coordinates in text, 0 to 12
+    int LeastDigits = 3;  // where these are not given: at least so many, and those of the file
     // The two systems of one file are both wanted (OtherX...).
     bool Pairs = false;
 };
@@ -93,7 +96,9 @@ struct CloudFacts {
     bool HasViewpoint = false;             // of a pcd, other than the origin
     std::string
         Directions;    // columns of text that look like normals or a quaternion and are not turned: which
-    std::string Unit;  // "m" where the file names its unit; "" = it does not
+    std::string Unit;  // "m" where the file, or the user, names its unit; "" = neither does
+    bool UnitGiven = false;   // the user does
+    std::vector<Note> Notes;  // what was decided of its form
 };
 
 struct CloudPoint {

@@ -4,9 +4,11 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cmath>
 #include <cstddef>
 
 #include "core/text.h"
+#include "import/cloud_table.h"
 
 namespace corvinade::import {
 
@@ -90,12 +92,6 @@ PointColumn SigmaColumn(std::string_view word) {
     return PointColumn::None;
 }
 
-PointColumn MeaningOf(std::string_view word) {
-    const auto* const found =
-        std::find_if(kWords.begin(), kWords.end(), [word](const Word& row) { return row.Text == word; });
-    return found == kWords.end() ? PointColumn::None : found->Means;
-}
-
 constexpr std::array<std::string_view, 6> kUnits = {"mm", "cm", "m", "km", "in", "ft"};
 
 // Takes a unit in brackets, or behind "_", off a word.
@@ -145,6 +141,13 @@ std::vector<std::string> WordsOf(std::string_view line, char delimiter) {
 
 }  // namespace
 
+PointColumn ColumnByWord(std::string_view word) {
+    const std::string small = Small(word);
+    const auto* const found =
+        std::find_if(kWords.begin(), kWords.end(), [&small](const Word& row) { return row.Text == small; });
+    return found == kWords.end() ? PointColumn::None : found->Means;
+}
+
 bool IsCommentLine(std::string_view line) {
     const std::size_t begin = line.find_first_not_of(" \t");
     if (begin == std::string_view::npos) return false;
@@ -160,6 +163,10 @@ double UnitsPerMm(const std::string& unit) {
     if (unit == "ft") return 1 / 304.8;
     if (unit == "ftUS") return 3937.0 / 1200 / 1000;
     return 1;
+}
+
+int DecimalsOfUnit(double unitsPerMm) {
+    return std::max(0, 3 - static_cast<int>(std::floor(std::log10(unitsPerMm) + 0.5)));
 }
 
 std::optional<CloudHeading> HeadingOf(std::string_view line, char delimiter) {
@@ -178,7 +185,7 @@ std::optional<CloudHeading> HeadingOf(std::string_view line, char delimiter) {
         return small == "e" || small.starts_with("east");
     });
     for (const std::string& word : words) {
-        PointColumn column = MeaningOf(Small(word));
+        PointColumn column = ColumnByWord(word);
         if (hasEast && Small(word) == "n") column = PointColumn::Y;
         if (both && (word == "X" || word == "Y" || word == "Z"))
             column = word == "X"   ? PointColumn::OtherX
@@ -197,9 +204,15 @@ std::optional<CloudHeading> HeadingOf(std::string_view line, char delimiter) {
     if (!Has(heading.Columns, PointColumn::X) || !Has(heading.Columns, PointColumn::Y) ||
         (heading.HasZ && !Has(heading.Columns, PointColumn::Z)))
         return std::nullopt;
-    for (std::size_t i = 0; i < units.size(); ++i)
-        if (heading.Columns[i] >= PointColumn::X && heading.Columns[i] <= PointColumn::Z && !units[i].empty())
-            heading.Unit = units[i];
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        const PointColumn column = heading.Columns[i];
+        const bool ofStart = column >= PointColumn::X && column <= PointColumn::Z;
+        const bool ofOther = !ofMap && column >= PointColumn::OtherX && column <= PointColumn::OtherZ;
+        if (units[i].empty() || (!ofStart && !ofOther)) continue;
+        if (!heading.Unit.empty() && heading.Unit != units[i])
+            heading.Wrong = "its heading names the units " + heading.Unit + " and " + units[i];
+        if (heading.Unit.empty()) heading.Unit = units[i];
+    }
     return heading;
 }
 
@@ -208,7 +221,8 @@ namespace {
 // One way of reading a file, and how many of its first rows it makes points of.
 struct Way {
     RowForm Form;
-    std::string Unit;
+    CloudHeading Heading;  // of a file that has none: nothing
+    std::int64_t HeadingLine = 0;
     int Rows = 0;
     std::string_view First;  // the first of these rows
 };
@@ -316,6 +330,7 @@ bool HasQuotedCommas(const std::vector<std::string_view>& rows) {
 }  // namespace
 
 FoundForm FindForm(const CloudTask& task, CloudKind kind, std::string_view head, bool isWhole) {
+    const std::string_view all = head;
     std::vector<std::string_view> lines, rows;
     std::string_view line;
     for (int i = 0; i < kMostRows && CutLine(head, line); ++i) {
@@ -332,8 +347,10 @@ FoundForm FindForm(const CloudTask& task, CloudKind kind, std::string_view head,
     bool usual = false;
     for (const char delimiter : delimiters) {
         std::optional<CloudHeading> heading;
+        std::int64_t number = 0, headingLine = 0;
         std::vector<std::string_view> fields;
         for (const std::string_view text : lines) {
+            ++number;
             FieldsOf(text, delimiter, kMostFields, fields);
             double value = 0;
             const auto numbers = std::count_if(fields.begin(), fields.end(), [&](std::string_view field) {
@@ -341,15 +358,21 @@ FoundForm FindForm(const CloudTask& task, CloudKind kind, std::string_view head,
                        NumberOf(field, ',', value) != NumberKind::None;
             });
             if (!IsCommentLine(text) && numbers >= 3) break;  // the rows begin
-            if (auto found = HeadingOf(text, delimiter)) heading = std::move(found);
+            if (auto found = HeadingOf(text, delimiter)) {
+                heading = std::move(found);
+                headingLine = number;
+            }
         }
-        std::vector<Columns> all = heading ? std::vector<Columns>{heading->Columns} : UsualColumns(kind);
-        if (!wish.Columns.empty()) all = {wish.Columns};
-        for (const Columns& columns : all) {
+        std::vector<Columns> ways = heading ? std::vector<Columns>{heading->Columns} : UsualColumns(kind);
+        if (!wish.Columns.empty()) ways = {wish.Columns};
+        for (const Columns& columns : ways) {
             for (const char decimal : decimals) {
                 if (decimal == delimiter && !quotedCommas) continue;
                 const bool hasZ = !heading || heading->HasZ || !wish.Columns.empty();
-                Way way = {{delimiter, decimal, columns, hasZ}, heading ? heading->Unit : "", 0, {}};
+                Way way;
+                way.Form = {delimiter, decimal, columns, hasZ};
+                if (heading) way.Heading = *heading;
+                way.HeadingLine = headingLine;
                 CountRows(rows, way);
                 if (way.Rows <= best.Rows) continue;
                 best = std::move(way);
@@ -361,13 +384,35 @@ FoundForm FindForm(const CloudTask& task, CloudKind kind, std::string_view head,
         task.In.Fail(
             "its heading does not name the columns of both systems; --columns does, as in "
             "--columns name,x,y,z,X,Y,Z");
-    if (best.Rows == 0)
+    const bool isTable = (kind == CloudKind::Text || kind == CloudKind::Xyz) && !wish.Pairs &&
+                         !Has(best.Form.Columns, PointColumn::OtherX);
+    const auto byTable = [&](bool headed) -> std::optional<FoundForm> {
+        if (!isTable) return std::nullopt;
+        const std::size_t length =
+            isWhole || lines.empty()
+                ? all.size()
+                : static_cast<std::size_t>(lines.back().data() + lines.back().size() - all.data());
+        std::optional<FoundForm> found = FormOfTable(task, kind, all.substr(0, length), headed);
+        if (!found) return std::nullopt;
+        Way way;
+        way.Form = found->Form;
+        if (!found->DecimalShown && best.Rows > 0) found->Form.Decimal = way.Form.Decimal = best.Form.Decimal;
+        CountRows(rows, way);
+        if (way.Rows == 0) return std::nullopt;
+        return found;
+    };
+    if (best.Rows == 0) {
+        if (std::optional<FoundForm> found = byTable(false)) return *found;
         task.In.Fail("none of its lines holds the numbers of a point" +
                      std::string(wish.Columns.empty() ? " (--columns names its columns)" : ""));
+    }
     if (!usual && wish.Columns.empty()) RefuseShortHeading(task, best);
     if (usual || !wish.Columns.empty()) RefuseTwoReadings(task, best);
     if (usual && kind == CloudKind::Text && best.Form.Columns == kNamed) RefuseFractionAsName(task, best);
-    return {best.Form, best.Unit};
+    if (std::optional<FoundForm> found = byTable(!usual && wish.Columns.empty())) return *found;
+    if (wish.Unit.empty() && !best.Heading.Wrong.empty())
+        task.In.Fail(best.Heading.Wrong + " (--unit says which one all have)");
+    return {best.Form, wish.Unit.empty() ? best.Heading.Unit : wish.Unit, best.HeadingLine, {}};
 }
 
 // --- What the user says -----------------------------------------------------------------------------------

@@ -67,15 +67,16 @@ void RefuseOtherDecimal(const CloudTask& task, const RowForm& form, std::string_
                            "\", and other rows \"" + form.Decimal + "\" (--decimal says which holds)");
 }
 
-void CarryRows(CloudTask& task, const RowForm& form, int decimals, bool isWhole) {
+void CarryRows(CloudTask& task, const FoundForm& found, int decimals, bool isWhole) {
     CloudInput& in = task.In;
+    const RowForm& form = found.Form;
     RowCarrier carrier(task, form, decimals);
     carrier.LookAhead(in.View(), isWhole);
     bool looked = !task.Wish.Columns.empty();
     std::string_view whole, lineEnd;
     while (in.NextLine(whole)) {
         const std::string_view row = WithoutLineEnd(whole, lineEnd);
-        if (row.find_first_not_of(" \t") == std::string_view::npos) {
+        if (row.find_first_not_of(" \t") == std::string_view::npos || in.Line == found.HeadingLine) {
             task.Out.Put(whole);
         } else if (IsCommentLine(row)) {
             KeepLine(task, whole);
@@ -97,16 +98,17 @@ void RunText(CloudTask& task, CloudKind kind) {
     in.Fill();
     in.LoneReturns =
         in.View().find('\n') == std::string_view::npos && in.View().find('\r') != std::string_view::npos;
-    if (in.View().find('\0') != std::string_view::npos) in.Fail("it is no text");
+    if (in.View().find('\0') != std::string_view::npos)
+        in.Fail("it is no text; a 16-bit text without a mark is named with --encoding utf-16le or utf-16be");
     const bool isWhole = !in.More();
     const FoundForm found = FindForm(task, kind, in.View(), isWhole);
     task.Facts.Unit = found.Unit;
+    task.Facts.Notes = found.Notes;
     task.Facts.TwoCoordinates = !found.Form.HasZ;
     int decimals = task.Wish.LeastDigits;
     if (!found.Unit.empty()) {
         task.UnitsPerMm = UnitsPerMm(found.Unit);
-        // As many of the unit as three are of a millimetre.
-        decimals = std::max(0, 3 - static_cast<int>(std::floor(std::log10(task.UnitsPerMm) + 0.5)));
+        decimals = DecimalsOfUnit(task.UnitsPerMm);
     }
     const CloudMotion* const given = task.Motion;
     CloudMotion motion;
@@ -114,7 +116,7 @@ void RunText(CloudTask& task, CloudKind kind) {
         motion = InUnit(*given, task.UnitsPerMm);
         task.Motion = &motion;
     }
-    CarryRows(task, found.Form, decimals, isWhole);
+    CarryRows(task, found, decimals, isWhole);
     task.Motion = given;
 }
 
