@@ -116,6 +116,7 @@ CloudReading ReadingOf(const FitOptions& options, int file) {
     std::string why;
     if (!given.Columns.empty())
         reading.Wish.Columns = ColumnsFromText(given.Columns, why).value_or(std::vector<PointColumn>{});
+    reading.Wish.RefuseBad = !options.SkipBad;
     reading.NamesOnce = options.Match == "id";
     reading.UsualUnitsPerMm = Units.LengthFactor;
     return reading;

@@ -221,8 +221,9 @@ bool AnyWarning(const TransformOptions& options, const CloudOrder& order,
         batch.LookInto(path);
     }
     if (HasWarnings()) {
+        const std::size_t told = Telling.Quiet ? 0 : notes.WithoutNumbers.size();
         TellFiles(std::move(notes), err);
-        return EndsForWarnings(true, err);
+        return EndsForWarnings(true, err, told);
     }
     Notes.List = before;
     Headless.Dialogs.clear();

@@ -80,6 +80,9 @@ struct CloudWish {
     int LeastDigits = 3;  // where these are not given: at least so many, and those of the file
     // The two systems of one file are both wanted (OtherX...).
     bool Pairs = false;
+    // Of text that is read: a row without the numbers of a point is refused, not passed over. Comments, rows
+    // without anything, and what stands in front of the first row are none.
+    bool RefuseBad = false;
 };
 
 // What was found in a file.

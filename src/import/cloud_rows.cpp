@@ -246,6 +246,7 @@ bool RowCarrier::Carry(std::string_view row) {
         task_.Wish.Pairs ? numbers(PointColumn::OtherX, axes, point.Other.data()) : NumberKind::Finite;
     if (other == NumberKind::None) return false;
     if (kind == NumberKind::NotFinite || other == NumberKind::NotFinite) {
+        if (task_.Wish.RefuseBad) return false;
         if (task_.Facts.NotFinite++ == 0) task_.Facts.FirstNotFinite = task_.In.Line;
         task_.Facts.FirstIsLine = true;
         task_.Out.Put(row);

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/platform.h"
 #include "core/text.h"
 #include "import/cloud_columns.h"
 #include "import/cloud_rows.h"
@@ -67,6 +68,39 @@ void RefuseOtherDecimal(const CloudTask& task, const RowForm& form, std::string_
                            "\", and other rows \"" + form.Decimal + "\" (--decimal says which holds)");
 }
 
+// Of a file that is read to be fitted: a row that was meant as a point must not be missing without a word.
+void RefuseBadRow(const CloudTask& task, const FoundForm& found, std::string_view row) {
+    const RowForm& form = found.Form;
+    std::vector<std::string_view> fields;
+    FieldsOf(row, form.Delimiter, std::max<std::size_t>(form.Columns.size(), 3), fields);
+    const auto isEmpty = [](std::string_view field) {
+        return field.find_first_not_of(" \t") == std::string_view::npos;
+    };
+    if (std::all_of(fields.begin(), fields.end(), isEmpty)) return;
+    const auto isNumber = [&](std::string_view field) {
+        double value = 0;
+        return NumberOf(field, form.Decimal, value) == NumberKind::Finite;
+    };
+    // Titles, and the number of points.
+    const bool isInFront = task.Facts.Points == 0 &&
+                           (task.In.Line < found.HeadingLine || fields.size() < 3 ||
+                            (found.HeadingLine == 0 && std::none_of(fields.begin(), fields.end(), isNumber)));
+    if (isInFront) return;
+    for (std::size_t i = 0; i < form.Columns.size(); ++i) {
+        const PointColumn column = form.Columns[i];
+        const bool isOther = column >= PointColumn::OtherX && column <= PointColumn::OtherZ;
+        if (!isOther && (column < PointColumn::X || column > PointColumn::Z)) continue;
+        if (isOther && !task.Wish.Pairs) continue;
+        if (i < fields.size() && isNumber(fields[i])) continue;
+        const bool isMissing = i >= fields.size() || isEmpty(fields[i]);
+        const std::string what =
+            isMissing ? "the coordinate is missing" : "\"" + Printable(fields[i]) + "\" is not a number";
+        throw PlatformError{"Cannot read \"" + task.In.Path() + "\", line " + std::to_string(task.In.Line) +
+                            ", column " + std::to_string(i + 1) + ": " + what +
+                            " (--skip-bad passes it over)"};
+    }
+}
+
 void CarryRows(CloudTask& task, const FoundForm& found, int decimals, bool isWhole) {
     CloudInput& in = task.In;
     const RowForm& form = found.Form;
@@ -76,7 +110,10 @@ void CarryRows(CloudTask& task, const FoundForm& found, int decimals, bool isWho
     std::string_view whole, lineEnd;
     while (in.NextLine(whole)) {
         const std::string_view row = WithoutLineEnd(whole, lineEnd);
-        if (row.find_first_not_of(" \t") == std::string_view::npos || in.Line == found.HeadingLine) {
+        // What stands in front of the first point is of its form, where it is only read.
+        const bool isOfForm = task.Motion == nullptr && task.Facts.Points == 0 && IsCommentLine(row);
+        if (row.find_first_not_of(" \t") == std::string_view::npos || in.Line == found.HeadingLine ||
+            isOfForm) {
             task.Out.Put(whole);
         } else if (IsCommentLine(row)) {
             KeepLine(task, whole);
@@ -86,6 +123,7 @@ void CarryRows(CloudTask& task, const FoundForm& found, int decimals, bool isWho
             looked = true;
         } else {
             RefuseOtherDecimal(task, form, row);
+            if (task.Wish.RefuseBad) RefuseBadRow(task, found, row);
             KeepLine(task, whole);
         }
     }
