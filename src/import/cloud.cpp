@@ -172,6 +172,10 @@ std::vector<Note> NotesOfCloud(const CloudFacts& facts, const std::string& path,
             carried ? "Lines without three numbers stay as they are"
                     : "Lines without three numbers are passed over",
             intOf(facts.FirstKept), intOf(facts.LinesKept));
+    if (facts.OtherFields > 0)
+        add(NoteCode::ColumnsChanged,
+            "A row has more or fewer fields than the first one: a number may be divided, or missing",
+            intOf(facts.FirstOtherFields), intOf(facts.OtherFields));
     if (facts.NotFinite > 0) {
         const std::string first =
             facts.FirstIsLine ? "" : ", the first is point " + std::to_string(facts.FirstNotFinite);

@@ -94,6 +94,8 @@ struct CloudFacts {
     bool FirstIsLine = false;
     std::int64_t LinesKept = 0;            // lines, or CgPoints, without three numbers
     std::int64_t FirstKept = 0;            // the line of the first
+    std::int64_t OtherFields = 0;          // rows of text with another number of fields than the first one
+    std::int64_t FirstOtherFields = 0;     // the line of the first
     double LargestIn = 0, LargestOut = 0;  // of 32-bit coordinates, absolute
     bool TwoCoordinates = false;           // it has no z: 0
     bool HasViewpoint = false;             // of a pcd, other than the origin

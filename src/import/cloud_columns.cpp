@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cmath>
 #include <cstddef>
 
 #include "core/text.h"
@@ -155,20 +154,6 @@ bool IsCommentLine(std::string_view line) {
     return line[0] == '#' || line[0] == '%' || line[0] == '!' || line.starts_with("//");
 }
 
-double UnitsPerMm(const std::string& unit) {
-    if (unit == "cm") return 1e-1;
-    if (unit == "m") return 1e-3;
-    if (unit == "km") return 1e-6;
-    if (unit == "in") return 1 / 25.4;
-    if (unit == "ft") return 1 / 304.8;
-    if (unit == "ftUS") return 3937.0 / 1200 / 1000;
-    return 1;
-}
-
-int DecimalsOfUnit(double unitsPerMm) {
-    return std::max(0, 3 - static_cast<int>(std::floor(std::log10(unitsPerMm) + 0.5)));
-}
-
 std::optional<CloudHeading> HeadingOf(std::string_view line, char delimiter) {
     std::vector<std::string> words = WordsOf(line, delimiter);
     CloudHeading heading;
@@ -301,6 +286,28 @@ void RefuseFractionAsName(const CloudTask& task, const Way& way) {
                  "\"; --columns says what its columns are, as in --columns x,y,z or --columns name,x,y,z");
 }
 
+// "Left 1 1.5 2.5 3.5": a word that comes again with another whole number behind it, and one number more than
+// a point needs, may be a name with a blank.
+void RefuseNamesWithBlank(const CloudTask& task, const std::vector<std::string_view>& rows,
+                          const RowForm& form) {
+    if (form.Delimiter != '\0' || form.Columns != kNamed) return;
+    std::vector<std::string_view> names, fields;
+    constexpr std::string_view kDigits = "0123456789";
+    for (const std::string_view row : rows) {
+        FieldsOf(row, form.Delimiter, kNamed.size() + 1, fields);
+        if (!HoldsPoint(fields, form)) continue;
+        if (fields.size() <= kNamed.size() || fields[0].find_first_of(kDigits) != std::string_view::npos ||
+            fields[1].find_first_not_of(kDigits) != std::string_view::npos)
+            return;
+        names.push_back(fields[0]);
+    }
+    std::sort(names.begin(), names.end());
+    if (std::adjacent_find(names.begin(), names.end()) != names.end())
+        task.In.Fail("the name \"" + Printable(*std::adjacent_find(names.begin(), names.end())) +
+                     "\" comes again with a whole number behind it and may be a part of a name with a "
+                     "blank; --columns says what its fields are, as name,x,y,z,- or -,name,x,y,z");
+}
+
 // A row with more fields than its heading has words: which of them the heading leaves out is anybody's guess.
 void RefuseShortHeading(const CloudTask& task, const Way& way) {
     std::vector<std::string_view> fields;
@@ -409,7 +416,9 @@ FoundForm FindForm(const CloudTask& task, CloudKind kind, std::string_view head,
     if (!usual && wish.Columns.empty()) RefuseShortHeading(task, best);
     if (usual || !wish.Columns.empty()) RefuseTwoReadings(task, best);
     if (usual && kind == CloudKind::Text && best.Form.Columns == kNamed) RefuseFractionAsName(task, best);
-    if (std::optional<FoundForm> found = byTable(!usual && wish.Columns.empty())) return *found;
+    std::optional<FoundForm> found = byTable(!usual && wish.Columns.empty());
+    if (usual && found && found->HeadingLine == 0) RefuseNamesWithBlank(task, rows, found->Form);
+    if (found) return *found;
     if (wish.Unit.empty() && !best.Heading.Wrong.empty())
         task.In.Fail(best.Heading.Wrong + " (--unit says which one all have)");
     return {best.Form, wish.Unit.empty() ? best.Heading.Unit : wish.Unit, best.HeadingLine, {}};

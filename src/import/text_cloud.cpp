@@ -23,6 +23,61 @@ void KeepLine(CloudTask& task, std::string_view line) {
     task.Out.Put(line);
 }
 
+// Where a comma or a blank parts the fields, one within a number, or a value that is missing, moves those
+// behind it by one: rows with other numbers of fields than the first one are told of.
+class FieldCount {
+public:
+    FieldCount(CloudFacts& facts, const RowForm& form)
+        : facts_(facts), form_(form), looks_(form.Delimiter == ',' || form.Delimiter == '\0') {}
+
+    void Look(std::string_view row, std::int64_t line) {
+        if (!looks_) return;
+        const std::size_t marks = Marks(row);
+        if (marks == marksOfFirst_) return;
+        FieldsOf(row, form_.Delimiter, kMostFields, fields_);
+        while (!fields_.empty() && fields_.back().find_first_not_of(" \t") == std::string_view::npos)
+            fields_.pop_back();
+        const std::size_t count = fields_.size();
+        if (first_ == 0) {
+            first_ = count;
+            marksOfFirst_ = marks;
+            endsInNumber_ = IsNumber(count - 1);
+        }
+        if (count == first_) return;
+        bool moved = count < first_ && endsInNumber_;
+        if (count > first_) {
+            moved = true;
+            for (std::size_t i = first_; i < count; ++i) moved = moved && IsNumber(i);
+        }
+        if (moved && facts_.OtherFields++ == 0) facts_.FirstOtherFields = line;
+    }
+
+private:
+    static constexpr std::size_t kMostFields = 64, kNone = static_cast<std::size_t>(-1);
+
+    std::size_t Marks(std::string_view row) const {
+        if (form_.Delimiter == ',') return static_cast<std::size_t>(std::count(row.begin(), row.end(), ','));
+        std::size_t words = 0;
+        bool blank = true;
+        for (const char c : row) {
+            const bool now = c == ' ' || c == '\t';
+            words += blank && !now ? 1 : 0;
+            blank = now;
+        }
+        return words;
+    }
+    bool IsNumber(std::size_t field) const {
+        double value = 0;
+        return NumberOf(fields_[field], form_.Decimal, value) != NumberKind::None;
+    }
+
+    CloudFacts& facts_;
+    const RowForm& form_;
+    bool looks_, endsInNumber_ = false;
+    std::size_t first_ = 0, marksOfFirst_ = kNone;
+    std::vector<std::string_view> fields_;
+};
+
 // Columns that nobody has named and whose numbers have the length 1, as those of a direction do.
 void LookForDirections(CloudTask& task, const RowForm& form, std::string_view row) {
     constexpr std::size_t kMostFields = 16;
@@ -107,6 +162,7 @@ void CarryRows(CloudTask& task, const FoundForm& found, int decimals, bool isWho
     RowCarrier carrier(task, form, decimals);
     carrier.LookAhead(in.View(), isWhole);
     bool looked = !task.Wish.Columns.empty();
+    FieldCount count(task.Facts, form);
     std::string_view whole, lineEnd;
     while (in.NextLine(whole)) {
         const std::string_view row = WithoutLineEnd(whole, lineEnd);
@@ -119,6 +175,7 @@ void CarryRows(CloudTask& task, const FoundForm& found, int decimals, bool isWho
             KeepLine(task, whole);
         } else if (carrier.Carry(row)) {
             task.Out.Put(lineEnd);
+            count.Look(row, in.Line);
             if (!looked) LookForDirections(task, form, row);
             looked = true;
         } else {

@@ -94,6 +94,7 @@ TEST(TextCloud, WhatTheReaderOfTablesRefusesIsRefused) {
     const std::vector<std::array<std::string, 2>> files = {
         {"Name;X nominal;Y nominal;Z nominal;X actual;Y actual;Z actual\nA;1;2;3;1;2;3\n", "--columns"},
         {"Left 1 1.5 2.5 3.5\nLeft 2 1.5 2.5 4.5\n", "--columns"},
+        {"Left 1 1.5 -2 3\nLeft 2 400 5 6.25\n", "--columns"},
         {"A,1,234.5,2,345.6,3,456.7\nB,1,234.5,2,345.6,3,456.7\n", "--columns"},
         {"Name;X [m];Y [mm];Z [m]\nA;1;2;3\n", "--unit"},
         {"Name;X [yd];Y [yd];Z [yd]\nA;1;2;3\n", "--unit"},
@@ -122,6 +123,11 @@ TEST(TextCloud, WhatIsDecidedOfATableIsTold) {
               (std::vector<NoteCode>{NoteCode::HeadingUnknown, NoteCode::LinesKept}));
     EXPECT_EQ(codes("A;1,234;2,345;3,456\n"), std::vector<NoteCode>{NoteCode::DecimalTaken});
     EXPECT_EQ(codes("-5;1;2;3\n"), std::vector<NoteCode>{NoteCode::NameIsNumber});
+    for (const char* text : {"A,1,2,3\nB,1,000.5,2,3\n", "A 1 2 3\nB 1 000 2 3\n", "A 1 2 3 9\nB 1 3 9\n"})
+        EXPECT_EQ(codes(text), std::vector<NoteCode>{NoteCode::ColumnsChanged}) << text;
+    for (const char* text : {"A 1 2 3 good\nB 1 2 3 not so good\nC 1 2 3\n", "A,1,2,3,\nB,1,2,3\n",
+                             "A,1,2,3,\"a, b\"\nB,1,2,3,c\n"})
+        EXPECT_EQ(codes(text), std::vector<NoteCode>{}) << text;
     EXPECT_EQ(codes("Name;X;Y;Z\nA;1;2;3\n"), std::vector<NoteCode>{}) << "its heading is no line of points";
     EXPECT_EQ(codes("Name;X;Y;Z\nA;1;q;3\nB;1;2;3\n"), std::vector<NoteCode>{NoteCode::LinesKept});
 }
