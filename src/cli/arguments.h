@@ -16,6 +16,7 @@
 #include "core/rooms.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "import/table_heading.h"
 
 namespace corvinade::cli {
 
@@ -23,6 +24,19 @@ namespace corvinade::cli {
 inline CLI::Validator OneOf(std::vector<std::string> choices) {
     CLI::IsMember check(std::move(choices));
     return check.description("");
+}
+// A unit of lengths, by any of its names.
+inline CLI::Validator UnitOfTable() {
+    return CLI::Validator(
+        [](const std::string& text) {
+            return import::TableUnitByWord(text) != nullptr
+                       ? std::string()
+                       : "\"" + Printable(text) + "\" is no unit of length: mm, cm, m, km, in, ft";
+        },
+        "");
+}
+inline std::vector<std::string> TableEncodings() {
+    return {"utf-8", "utf-16le", "utf-16be", "windows-1252"};
 }
 inline CLI::Validator NameOf(const std::map<std::string, std::string>& names) {
     CLI::CheckedTransformer check(names);

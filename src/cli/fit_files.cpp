@@ -104,10 +104,19 @@ const std::map<std::string, std::string>& TableDelimiterNames() {
 
 namespace {
 
-CloudReading ReadingOf(const FitOptions& options) {
+// What the user has said of a file; of --pairs both have the same.
+CloudReading ReadingOf(const FitOptions& options, int file) {
+    const TableFile& given = options.Files[static_cast<std::size_t>(file)];
     CloudReading reading;
-    reading.Wish.Decimal = options.Decimal;
-    if (!options.Delimiter.empty()) reading.Wish.Delimiter = options.Delimiter.front();
+    reading.Wish.Decimal = given.Decimal;
+    if (!given.Delimiter.empty()) reading.Wish.Delimiter = given.Delimiter.front();
+    reading.Wish.Unit = given.Unit;
+    if (TableEncoding encoding{}; TableEncodingByName(given.Encoding, encoding))
+        reading.Wish.Encoding = encoding;
+    std::string why;
+    if (!given.Columns.empty())
+        reading.Wish.Columns = ColumnsFromText(given.Columns, why).value_or(std::vector<PointColumn>{});
+    reading.Wish.RefuseBad = !options.SkipBad;
     reading.NamesOnce = options.Match == "id";
     reading.UsualUnitsPerMm = Units.LengthFactor;
     return reading;
@@ -133,7 +142,7 @@ std::string ReadFitPairs(const FitOptions& options, std::array<FitFile, 2>& file
             CheckReadable(options.Pairs);
         }))
         return Run.LastPlatformError;
-    CloudReading reading = ReadingOf(options);
+    CloudReading reading = ReadingOf(options, 0);
     std::string why;
     if (!options.PairColumns.empty())
         reading.Wish.Columns = ColumnsFromText(options.PairColumns, why).value_or(std::vector<PointColumn>{});
@@ -160,7 +169,11 @@ std::string ReadFitFile(const FitOptions& options, int file, std::istream* in, F
         const bool found = options.Files[static_cast<std::size_t>(file)].Format == "auto";
         const CloudKind kind = found && File_Exist(path) ? KindOfFile(path) : CloudKind::Text;
         if (IsCarrier(kind)) {
-            CloudSet set = ReadCloud(path, ReadingOf(options), file == 1).value();
+            const TableFile& given = options.Files[static_cast<std::size_t>(file)];
+            if (given.Skip > 0 || given.Comment)
+                return "Cannot read \"" + path + "\": it is " + CloudKindInWords(kind) + ", and " +
+                       (given.Skip > 0 ? "--skip" : "--comment") + " is of tables alone";
+            CloudSet set = ReadCloud(path, ReadingOf(options, file), file == 1).value();
             NoteCloud(set.Facts, path, false);
             TakeCloud(set, options, file, read);
             return "";

@@ -65,11 +65,7 @@ void AddTableOptions(CLI::App& fit, FitSwitches& s) {
             ->check(OneOf({"auto", ".", ","}))
             ->type_name("auto|'.'|','");
         add(one + "unit", t.Unit, told("Unit of lengths; default: as the heading says, else --length-unit"))
-            ->check([](const std::string& text) {
-                return TableUnitByWord(text) != nullptr
-                           ? ""
-                           : "\"" + Printable(text) + "\" is no unit of length: mm, cm, m, km, in, ft";
-            })
+            ->check(UnitOfTable())
             ->type_name("mm|cm|m|km|in|ft");
         if (i > 0)
             add(one + "angle-unit", t.AngleUnit,
@@ -78,7 +74,7 @@ void AddTableOptions(CLI::App& fit, FitSwitches& s) {
                 ->transform(UnitByName(AngleUnits()))
                 ->type_name(UnitChoices(AngleUnits()));
         add(one + "encoding", t.Encoding, told("Encoding of the text; default: as the file shows it"))
-            ->check(OneOf({"utf-8", "utf-16le", "utf-16be", "windows-1252"}))
+            ->check(OneOf(TableEncodings()))
             ->type_name("utf-8|utf-16le|utf-16be|windows-1252");
     }
     fit.add_flag("--skip-bad", s.Options.SkipBad,
@@ -90,7 +86,7 @@ void AddTableOptions(CLI::App& fit, FitSwitches& s) {
 
 namespace {
 
-// --pairs has columns, delimiter and decimal delimiter; its rows are read or refused.
+// --pairs has what says how its text is written, once for both systems.
 std::string TakePairs(FitSwitches& s) {
     FitOptions& o = s.Options;
     std::string why;
@@ -102,11 +98,12 @@ std::string TakePairs(FitSwitches& s) {
         for (const char* prefix : {"--start-", "--target-", "--"}) {
             const std::string option = std::string(prefix) + name;
             const std::string text = name;
-            const bool fits = std::string(prefix) == "--" &&
-                              (text == "columns" || text == "delimiter" || text == "decimal");
+            const bool fits =
+                std::string(prefix) == "--" && (text == "columns" || text == "delimiter" ||
+                                                text == "decimal" || text == "unit" || text == "encoding");
             if (!fits && o.IsGiven(option)) return option + " does not go with --pairs";
         }
-    return o.SkipBad ? "--skip-bad does not go with --pairs" : "";
+    return "";
 }
 
 }  // namespace

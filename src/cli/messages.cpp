@@ -47,15 +47,16 @@ void WriteNotes(std::ostream& err) {
     }
 }
 
-bool EndsForWarnings(bool strict, std::ostream& err) {
+bool EndsForWarnings(bool strict, std::ostream& err, std::size_t told) {
     WriteNotes(err);
     if (!strict || !HasWarnings()) return false;
     if (Telling.Quiet) {
         Telling.NotesWait = false;  // here they say what is wrong
         WriteNotes(err);
     }
-    const auto warnings = std::count_if(Notes.List.begin(), Notes.List.end(),
-                                        [](const Note& note) { return note.Weight == Severity::Warning; });
+    const auto listed = std::count_if(Notes.List.begin(), Notes.List.end(),
+                                      [](const Note& note) { return note.Weight == Severity::Warning; });
+    const std::size_t warnings = static_cast<std::size_t>(listed) + told;
     Refuse(err, kUnreadable,
            std::to_string(warnings) + (warnings == 1 ? " warning" : " warnings") +
                ", and --strict lets none pass: nothing was written");

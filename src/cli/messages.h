@@ -1,6 +1,7 @@
 // What the commands say on standard error.
 #pragma once
 
+#include <cstddef>
 #include <iosfwd>
 #include <string>
 
@@ -33,7 +34,8 @@ void WriteNotes(std::ostream& err);
 
 // The same, before a command writes anything. True, with `strict` alone, where a warning is among them: the
 // command then ends with kUnreadable.
-bool EndsForWarnings(bool strict, std::ostream& err);
+//   told  warnings beside those of the list, which have been told
+bool EndsForWarnings(bool strict, std::ostream& err, std::size_t told = 0);
 
 // Says what went wrong, behind the notes, while the command goes on.
 void TellError(std::ostream& err, const std::string& text);

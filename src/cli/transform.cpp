@@ -28,6 +28,7 @@
 #include "core/units.h"
 #include "core/window.h"
 #include "import/cloud_points.h"
+#include "import/table_heading.h"
 
 namespace corvinade::cli {
 
@@ -220,8 +221,9 @@ bool AnyWarning(const TransformOptions& options, const CloudOrder& order,
         batch.LookInto(path);
     }
     if (HasWarnings()) {
+        const std::size_t told = Telling.Quiet ? 0 : notes.WithoutNumbers.size();
         TellFiles(std::move(notes), err);
-        return EndsForWarnings(true, err);
+        return EndsForWarnings(true, err, told);
     }
     Notes.List = before;
     Headless.Dialogs.clear();
@@ -273,6 +275,18 @@ CLI::App* AddTransform(CLI::App& app, TransformSwitches& s) {
             return why;
         })
         ->type_name("NAME,...");
+    transform
+        ->add_option("--unit", s.Unit,
+                     "Unit of the coordinates of IN; default: as the file says, else\n"
+                     "millimetres with --with, and the unit of JOB; text keeps its form")
+        ->check(UnitOfTable())
+        ->type_name("mm|cm|m|km|in|ft");
+    transform
+        ->add_option("--encoding", s.Encoding,
+                     "Encoding of text, which stays; default: as the file shows it;\n"
+                     "text keeps its form")
+        ->check(OneOf(TableEncodings()))
+        ->type_name("utf-8|utf-16le|utf-16be|windows-1252");
     s.DigitsOption = transform
                          ->add_option("--digits", s.Digits,
                                       "Decimals of the new coordinates in text, 0 to 12; default: those of\n"
@@ -311,6 +325,8 @@ std::string TakeTransformSwitches(TransformSwitches& s) {
     std::string why;
     if (!s.Columns.empty())
         o.Cloud.Columns = ColumnsFromText(s.Columns, why).value_or(std::vector<PointColumn>{});
+    if (!s.Unit.empty()) o.Cloud.Unit = TableUnitByWord(s.Unit)->Name;
+    if (TableEncoding encoding{}; TableEncodingByName(s.Encoding, encoding)) o.Cloud.Encoding = encoding;
     if (s.DigitsOption->count() > 0) o.Cloud.Digits = s.Digits;
     if (s.DelimiterOption->count() > 0) o.Cloud.Delimiter = o.Delimiter.front();
     o.Cloud.Decimal = o.Decimal;

@@ -30,12 +30,15 @@ struct TransformOptions {
 
     // Text that is no cloud becomes lines of name, X, Y, Z with tabs between, as ever; else it keeps its
     // form.
-    bool KeepsForm() const { return !With.empty() || !Cloud.Columns.empty() || Cloud.Digits || Inverse; }
+    bool KeepsForm() const {
+        return !With.empty() || !Cloud.Columns.empty() || Cloud.Digits || Inverse || !Cloud.Unit.empty() ||
+               Cloud.Encoding;
+    }
 };
 
 struct TransformSwitches {
     TransformOptions Options;
-    std::string Decimal, Columns;
+    std::string Decimal, Columns, Unit, Encoding;
     int Digits = 0;
     bool Yes = false, No = false;
     const CLI::Option *DelimiterOption = nullptr, *DigitsOption = nullptr;

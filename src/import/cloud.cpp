@@ -11,6 +11,7 @@
 
 #include "core/notes.h"
 #include "core/numbers.h"
+#include "core/text.h"
 #include "import/cloud_columns.h"
 #include "import/pcd_cloud.h"
 #include "import/ply_cloud.h"
@@ -55,19 +56,39 @@ bool IsMapPoints(std::string_view head) {
     return first.starts_with("mapX") && first.find("mapY") != std::string_view::npos;
 }
 
+// Is the beginning of a file UTF-8? Its last character may be cut off.
+bool IsValidUtf8Head(std::string_view head) {
+    constexpr std::size_t kLongest = 4;
+    for (std::size_t cut = 0; cut < kLongest && cut <= head.size(); ++cut)
+        if (IsValidUtf8(head.substr(0, head.size() - cut))) return true;
+    return false;
+}
+
 // Puts the mark of an encoding out, and reads the rest as UTF-8.
 void PassMark(CloudTask& task) {
     const std::string_view view = task.In.View();
-    const bool little = view.starts_with("\xFF\xFE"), big = view.starts_with("\xFE\xFF");
-    const std::size_t length = little || big ? 2 : view.starts_with("\xEF\xBB\xBF") ? 3 : 0;
-    if (length == 0) return;
+    const std::optional<TableEncoding> wish = task.Wish.Encoding;
+    const bool wide = wish == TableEncoding::Utf16Le || wish == TableEncoding::Utf16Be;
+    const bool littleMark = view.starts_with("\xFF\xFE"), bigMark = view.starts_with("\xFE\xFF");
+    const bool little = wish ? wish == TableEncoding::Utf16Le : littleMark;
+    const bool big = wish ? wish == TableEncoding::Utf16Be : bigMark;
+    if (wide && (little ? bigMark : littleMark))
+        task.In.Fail(std::string("it begins with the mark of ") + (little ? "utf-16be" : "utf-16le") +
+                     " (--encoding)");
+    const std::size_t length = littleMark || bigMark ? 2 : view.starts_with("\xEF\xBB\xBF") ? 3 : 0;
     task.Out.Put(view.substr(0, length));
     task.In.Drop(length);
-    if (length == 3) return;
+    if (wish == TableEncoding::Utf8 && !IsValidUtf8Head(task.In.View()))
+        task.In.Fail("it is no UTF-8 (--encoding windows-1252, or utf-16le, utf-16be)");
+    if (!little && !big) return;
     const std::string path = task.In.Path();
     task.In.ReadThrough([big, &path](ReadBytes before) { return FromUtf16(std::move(before), big, path); });
     task.Out.WriteThrough([big](WriteBytes behind) { return ToUtf16(std::move(behind), big); });
     task.In.Need(kHead_bytes);
+}
+
+bool IsPlyOrPcd(CloudKind kind) {
+    return kind == CloudKind::Ply || kind == CloudKind::Pcd;
 }
 
 }  // namespace
@@ -100,17 +121,26 @@ void RunCloud(CloudTask& task) {
     CloudInput& in = task.In;
     in.Need(kHead_bytes);
     if (in.View().empty()) in.Fail("it is empty");
+    const auto kindInView = [&in] {
+        return CloudKindOf(in.View().substr(0, std::min(in.View().size(), kHead_bytes)), in.Path());
+    };
+    if (task.Wish.Encoding && IsPlyOrPcd(kindInView()))
+        in.Fail("the file itself says how it is written, so --encoding has no place");
+    if (!task.Wish.Unit.empty()) {
+        task.Facts.Unit = task.Wish.Unit;
+        task.Facts.UnitGiven = true;
+        task.UnitsPerMm = UnitsPerMm(task.Wish.Unit);
+        task.Wish.LeastDigits = DecimalsOfUnit(task.UnitsPerMm);
+    }
     PassMark(task);
-    const CloudKind kind =
-        CloudKindOf(in.View().substr(0, std::min(in.View().size(), kHead_bytes)), in.Path());
+    const CloudKind kind = kindInView();
     task.Facts.Kind = kind;
     if (kind == CloudKind::Ply && !in.View().starts_with("ply"))
         in.Fail("it does not begin as a PLY file does, with \"ply\"");
-    const bool namesItsColumns =
-        kind == CloudKind::Ply || kind == CloudKind::Pcd || kind == CloudKind::LandXml;
+    const bool namesItsColumns = IsPlyOrPcd(kind) || kind == CloudKind::LandXml;
     if (namesItsColumns && (!task.Wish.Columns.empty() || task.Wish.Pairs))
         in.Fail("the file itself says what its columns are, so --columns has no place");
-    if (kind == CloudKind::Ply || kind == CloudKind::Pcd) {
+    if (IsPlyOrPcd(kind)) {
         const CloudMotion* const given = task.Motion;
         CloudMotion motion;
         if (given != nullptr) {
@@ -136,11 +166,16 @@ std::vector<Note> NotesOfCloud(const CloudFacts& facts, const std::string& path,
     const auto intOf = [](std::int64_t value) {
         return static_cast<int>(std::min<std::int64_t>(value, std::numeric_limits<int>::max()));
     };
+    notes = facts.Notes;
     if (facts.LinesKept > 0)
         add(NoteCode::LinesKept,
             carried ? "Lines without three numbers stay as they are"
                     : "Lines without three numbers are passed over",
             intOf(facts.FirstKept), intOf(facts.LinesKept));
+    if (facts.OtherFields > 0)
+        add(NoteCode::ColumnsChanged,
+            "A row has more or fewer fields than the first one: a number may be divided, or missing",
+            intOf(facts.FirstOtherFields), intOf(facts.OtherFields));
     if (facts.NotFinite > 0) {
         const std::string first =
             facts.FirstIsLine ? "" : ", the first is point " + std::to_string(facts.FirstNotFinite);
@@ -153,7 +188,7 @@ std::vector<Note> NotesOfCloud(const CloudFacts& facts, const std::string& path,
         add(NoteCode::NoHeight, carried
                                     ? "The points have no z: it counts as 0, and what it becomes has no place"
                                     : "The points have no z, which counts as 0");
-    if (!facts.Unit.empty())
+    if (!facts.Unit.empty() && !facts.UnitGiven)
         add(NoteCode::UnitOfFile, "The file says that its coordinates are in " + facts.Unit);
     if (!carried) return notes;
     if (!facts.Directions.empty())

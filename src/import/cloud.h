@@ -21,6 +21,7 @@
 #include "core/rooms.h"
 #include "import/cloud_motion.h"
 #include "import/cloud_stream.h"
+#include "import/table_text.h"
 
 namespace corvinade::import {
 
@@ -73,10 +74,15 @@ struct CloudWish {
     std::vector<PointColumn> Columns;
     std::optional<char> Delimiter;  // ' ': blanks and tabs
     std::optional<char> Decimal;
-    std::optional<int> Digits;  // decimals of new coordinates in text, 0 to 12
-    int LeastDigits = 3;        // where these are not given: at least so many, and those of the file
+    std::string Unit;  // of its coordinates: "mm", "cm", "m", "km", "in", "ft"; "" = that of the file
+    std::optional<TableEncoding> Encoding;  // of text
+    std::optional<int> Digits;              // decimals of new coordinates in text, 0 to 12
+    int LeastDigits = 3;  // where these are not given: at least so many, and those of the file
     // The two systems of one file are both wanted (OtherX...).
     bool Pairs = false;
+    // Of text that is read: a row without the numbers of a point is refused, not passed over. Comments, rows
+    // without anything, and what stands in front of the first row are none.
+    bool RefuseBad = false;
 };
 
 // What was found in a file.
@@ -88,12 +94,16 @@ struct CloudFacts {
     bool FirstIsLine = false;
     std::int64_t LinesKept = 0;            // lines, or CgPoints, without three numbers
     std::int64_t FirstKept = 0;            // the line of the first
+    std::int64_t OtherFields = 0;          // rows of text with another number of fields than the first one
+    std::int64_t FirstOtherFields = 0;     // the line of the first
     double LargestIn = 0, LargestOut = 0;  // of 32-bit coordinates, absolute
     bool TwoCoordinates = false;           // it has no z: 0
     bool HasViewpoint = false;             // of a pcd, other than the origin
     std::string
         Directions;    // columns of text that look like normals or a quaternion and are not turned: which
-    std::string Unit;  // "m" where the file names its unit; "" = it does not
+    std::string Unit;  // "m" where the file, or the user, names its unit; "" = neither does
+    bool UnitGiven = false;   // the user does
+    std::vector<Note> Notes;  // what was decided of its form
 };
 
 struct CloudPoint {

@@ -7,6 +7,7 @@
 #include <cstddef>
 
 #include "core/text.h"
+#include "import/cloud_table.h"
 
 namespace corvinade::import {
 
@@ -90,12 +91,6 @@ PointColumn SigmaColumn(std::string_view word) {
     return PointColumn::None;
 }
 
-PointColumn MeaningOf(std::string_view word) {
-    const auto* const found =
-        std::find_if(kWords.begin(), kWords.end(), [word](const Word& row) { return row.Text == word; });
-    return found == kWords.end() ? PointColumn::None : found->Means;
-}
-
 constexpr std::array<std::string_view, 6> kUnits = {"mm", "cm", "m", "km", "in", "ft"};
 
 // Takes a unit in brackets, or behind "_", off a word.
@@ -145,21 +140,18 @@ std::vector<std::string> WordsOf(std::string_view line, char delimiter) {
 
 }  // namespace
 
+PointColumn ColumnByWord(std::string_view word) {
+    const std::string small = Small(word);
+    const auto* const found =
+        std::find_if(kWords.begin(), kWords.end(), [&small](const Word& row) { return row.Text == small; });
+    return found == kWords.end() ? PointColumn::None : found->Means;
+}
+
 bool IsCommentLine(std::string_view line) {
     const std::size_t begin = line.find_first_not_of(" \t");
     if (begin == std::string_view::npos) return false;
     line.remove_prefix(begin);
     return line[0] == '#' || line[0] == '%' || line[0] == '!' || line.starts_with("//");
-}
-
-double UnitsPerMm(const std::string& unit) {
-    if (unit == "cm") return 1e-1;
-    if (unit == "m") return 1e-3;
-    if (unit == "km") return 1e-6;
-    if (unit == "in") return 1 / 25.4;
-    if (unit == "ft") return 1 / 304.8;
-    if (unit == "ftUS") return 3937.0 / 1200 / 1000;
-    return 1;
 }
 
 std::optional<CloudHeading> HeadingOf(std::string_view line, char delimiter) {
@@ -178,7 +170,7 @@ std::optional<CloudHeading> HeadingOf(std::string_view line, char delimiter) {
         return small == "e" || small.starts_with("east");
     });
     for (const std::string& word : words) {
-        PointColumn column = MeaningOf(Small(word));
+        PointColumn column = ColumnByWord(word);
         if (hasEast && Small(word) == "n") column = PointColumn::Y;
         if (both && (word == "X" || word == "Y" || word == "Z"))
             column = word == "X"   ? PointColumn::OtherX
@@ -197,9 +189,15 @@ std::optional<CloudHeading> HeadingOf(std::string_view line, char delimiter) {
     if (!Has(heading.Columns, PointColumn::X) || !Has(heading.Columns, PointColumn::Y) ||
         (heading.HasZ && !Has(heading.Columns, PointColumn::Z)))
         return std::nullopt;
-    for (std::size_t i = 0; i < units.size(); ++i)
-        if (heading.Columns[i] >= PointColumn::X && heading.Columns[i] <= PointColumn::Z && !units[i].empty())
-            heading.Unit = units[i];
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        const PointColumn column = heading.Columns[i];
+        const bool ofStart = column >= PointColumn::X && column <= PointColumn::Z;
+        const bool ofOther = !ofMap && column >= PointColumn::OtherX && column <= PointColumn::OtherZ;
+        if (units[i].empty() || (!ofStart && !ofOther)) continue;
+        if (!heading.Unit.empty() && heading.Unit != units[i])
+            heading.Wrong = "its heading names the units " + heading.Unit + " and " + units[i];
+        if (heading.Unit.empty()) heading.Unit = units[i];
+    }
     return heading;
 }
 
@@ -208,7 +206,8 @@ namespace {
 // One way of reading a file, and how many of its first rows it makes points of.
 struct Way {
     RowForm Form;
-    std::string Unit;
+    CloudHeading Heading;  // of a file that has none: nothing
+    std::int64_t HeadingLine = 0;
     int Rows = 0;
     std::string_view First;  // the first of these rows
 };
@@ -287,6 +286,28 @@ void RefuseFractionAsName(const CloudTask& task, const Way& way) {
                  "\"; --columns says what its columns are, as in --columns x,y,z or --columns name,x,y,z");
 }
 
+// "Left 1 1.5 2.5 3.5": a word that comes again with another whole number behind it, and one number more than
+// a point needs, may be a name with a blank.
+void RefuseNamesWithBlank(const CloudTask& task, const std::vector<std::string_view>& rows,
+                          const RowForm& form) {
+    if (form.Delimiter != '\0' || form.Columns != kNamed) return;
+    std::vector<std::string_view> names, fields;
+    constexpr std::string_view kDigits = "0123456789";
+    for (const std::string_view row : rows) {
+        FieldsOf(row, form.Delimiter, kNamed.size() + 1, fields);
+        if (!HoldsPoint(fields, form)) continue;
+        if (fields.size() <= kNamed.size() || fields[0].find_first_of(kDigits) != std::string_view::npos ||
+            fields[1].find_first_not_of(kDigits) != std::string_view::npos)
+            return;
+        names.push_back(fields[0]);
+    }
+    std::sort(names.begin(), names.end());
+    if (std::adjacent_find(names.begin(), names.end()) != names.end())
+        task.In.Fail("the name \"" + Printable(*std::adjacent_find(names.begin(), names.end())) +
+                     "\" comes again with a whole number behind it and may be a part of a name with a "
+                     "blank; --columns says what its fields are, as name,x,y,z,- or -,name,x,y,z");
+}
+
 // A row with more fields than its heading has words: which of them the heading leaves out is anybody's guess.
 void RefuseShortHeading(const CloudTask& task, const Way& way) {
     std::vector<std::string_view> fields;
@@ -316,6 +337,7 @@ bool HasQuotedCommas(const std::vector<std::string_view>& rows) {
 }  // namespace
 
 FoundForm FindForm(const CloudTask& task, CloudKind kind, std::string_view head, bool isWhole) {
+    const std::string_view all = head;
     std::vector<std::string_view> lines, rows;
     std::string_view line;
     for (int i = 0; i < kMostRows && CutLine(head, line); ++i) {
@@ -332,8 +354,10 @@ FoundForm FindForm(const CloudTask& task, CloudKind kind, std::string_view head,
     bool usual = false;
     for (const char delimiter : delimiters) {
         std::optional<CloudHeading> heading;
+        std::int64_t number = 0, headingLine = 0;
         std::vector<std::string_view> fields;
         for (const std::string_view text : lines) {
+            ++number;
             FieldsOf(text, delimiter, kMostFields, fields);
             double value = 0;
             const auto numbers = std::count_if(fields.begin(), fields.end(), [&](std::string_view field) {
@@ -341,15 +365,21 @@ FoundForm FindForm(const CloudTask& task, CloudKind kind, std::string_view head,
                        NumberOf(field, ',', value) != NumberKind::None;
             });
             if (!IsCommentLine(text) && numbers >= 3) break;  // the rows begin
-            if (auto found = HeadingOf(text, delimiter)) heading = std::move(found);
+            if (auto found = HeadingOf(text, delimiter)) {
+                heading = std::move(found);
+                headingLine = number;
+            }
         }
-        std::vector<Columns> all = heading ? std::vector<Columns>{heading->Columns} : UsualColumns(kind);
-        if (!wish.Columns.empty()) all = {wish.Columns};
-        for (const Columns& columns : all) {
+        std::vector<Columns> ways = heading ? std::vector<Columns>{heading->Columns} : UsualColumns(kind);
+        if (!wish.Columns.empty()) ways = {wish.Columns};
+        for (const Columns& columns : ways) {
             for (const char decimal : decimals) {
                 if (decimal == delimiter && !quotedCommas) continue;
                 const bool hasZ = !heading || heading->HasZ || !wish.Columns.empty();
-                Way way = {{delimiter, decimal, columns, hasZ}, heading ? heading->Unit : "", 0, {}};
+                Way way;
+                way.Form = {delimiter, decimal, columns, hasZ};
+                if (heading) way.Heading = *heading;
+                way.HeadingLine = headingLine;
                 CountRows(rows, way);
                 if (way.Rows <= best.Rows) continue;
                 best = std::move(way);
@@ -361,13 +391,37 @@ FoundForm FindForm(const CloudTask& task, CloudKind kind, std::string_view head,
         task.In.Fail(
             "its heading does not name the columns of both systems; --columns does, as in "
             "--columns name,x,y,z,X,Y,Z");
-    if (best.Rows == 0)
+    const bool isTable = (kind == CloudKind::Text || kind == CloudKind::Xyz) && !wish.Pairs &&
+                         !Has(best.Form.Columns, PointColumn::OtherX);
+    const auto byTable = [&](bool headed) -> std::optional<FoundForm> {
+        if (!isTable) return std::nullopt;
+        const std::size_t length =
+            isWhole || lines.empty()
+                ? all.size()
+                : static_cast<std::size_t>(lines.back().data() + lines.back().size() - all.data());
+        std::optional<FoundForm> found = FormOfTable(task, kind, all.substr(0, length), headed);
+        if (!found) return std::nullopt;
+        Way way;
+        way.Form = found->Form;
+        if (!found->DecimalShown && best.Rows > 0) found->Form.Decimal = way.Form.Decimal = best.Form.Decimal;
+        CountRows(rows, way);
+        if (way.Rows == 0) return std::nullopt;
+        return found;
+    };
+    if (best.Rows == 0) {
+        if (std::optional<FoundForm> found = byTable(false)) return *found;
         task.In.Fail("none of its lines holds the numbers of a point" +
                      std::string(wish.Columns.empty() ? " (--columns names its columns)" : ""));
+    }
     if (!usual && wish.Columns.empty()) RefuseShortHeading(task, best);
     if (usual || !wish.Columns.empty()) RefuseTwoReadings(task, best);
     if (usual && kind == CloudKind::Text && best.Form.Columns == kNamed) RefuseFractionAsName(task, best);
-    return {best.Form, best.Unit};
+    std::optional<FoundForm> found = byTable(!usual && wish.Columns.empty());
+    if (usual && found && found->HeadingLine == 0) RefuseNamesWithBlank(task, rows, found->Form);
+    if (found) return *found;
+    if (wish.Unit.empty() && !best.Heading.Wrong.empty())
+        task.In.Fail(best.Heading.Wrong + " (--unit says which one all have)");
+    return {best.Form, wish.Unit.empty() ? best.Heading.Unit : wish.Unit, best.HeadingLine, {}};
 }
 
 // --- What the user says -----------------------------------------------------------------------------------

@@ -1,6 +1,7 @@
 // How a text cloud writes its points: what stands between its fields, and which of them are which.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,6 +17,7 @@ struct CloudHeading {
     std::vector<PointColumn> Columns;
     std::string Unit;  // of its coordinates: "mm", "cm", "m", "km", "in", "ft"; "" = it says none
     bool HasZ = true;
+    std::string Wrong;  // its columns have different units: which; else ""
 };
 
 // What the words of a heading say, comment characters in front passed over. Nothing where they do not name x,
@@ -26,14 +28,23 @@ bool IsCommentLine(std::string_view line);
 
 // Units per millimetre of one of the units above, and of "ftUS"; 1 for any other.
 double UnitsPerMm(const std::string& unit);
+// As many decimals of a unit as three are of a millimetre.
+int DecimalsOfUnit(double unitsPerMm);
 
 struct FoundForm {
     RowForm Form;
     std::string Unit;
+    std::int64_t HeadingLine = 0;  // the line that names the columns, from 1; 0 = there is none
+    std::vector<Note> Notes;       // what was decided for the user
+    bool DecimalShown = true;      // else Form.Decimal is any
 };
 
+// What a word of a heading names, in small letters; None for any other.
+PointColumn ColumnByWord(std::string_view word);
+
 // Finds it in the first lines of a file, which are in view. Throws PlatformError where no row holds three
-// numbers, and where more than one way of reading is as good.
+// numbers, and where more than one way of reading is as good. Of files that are tables the reader of tables
+// has the last word, so that all commands read a file alike.
 FoundForm FindForm(const CloudTask& task, CloudKind kind, std::string_view head, bool isWhole);
 
 }  // namespace corvinade::import

@@ -64,8 +64,13 @@ public:
     // The name of a point, its number where it has none.
     std::string Take(const std::string& name, std::int64_t number) {
         if (name.empty()) return std::to_string(number);
-        if (!once_) return name;
         const auto [place, isNew] = numbers_.emplace(name, number);
+        if (!isNew && !once_) {
+            if (++again_ == 1)
+                first_ = "Its points " + std::to_string(place->second) + " and " + std::to_string(number) +
+                         " have the same name \"" + Printable(name) + "\"";
+            return name;
+        }
         if (!isNew)
             throw PlatformError{"Cannot read \"" + path_ + "\": its points " + std::to_string(place->second) +
                                 " and " + std::to_string(number) + " have the same name \"" +
@@ -73,10 +78,17 @@ public:
                                 "\"; --match coordinate or --match distance pairs them without names"};
         return name;
     }
+    // Where names may stand twice: which do.
+    void Tell(CloudFacts& facts) const {
+        if (again_ > 0)
+            facts.Notes.push_back({NoteCode::DuplicateName, NoteKindOf(NoteCode::DuplicateName).Weight,
+                                   first_, path_, 0, again_});
+    }
 
 private:
-    std::string path_;
+    std::string path_, first_;
     bool once_;
+    int again_ = 0;
     std::unordered_map<std::string, std::int64_t> numbers_;
 };
 
@@ -110,6 +122,7 @@ std::optional<CloudSet> ReadCloud(const std::string& path, CloudReading reading,
         });
     if (!facts) return std::nullopt;
     set.Facts = std::move(*facts);
+    names.Tell(set.Facts);
     ToMm(set, reading.UsualUnitsPerMm);
     return set;
 }

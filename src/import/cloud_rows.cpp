@@ -135,7 +135,11 @@ void AppendFixed(double value, int decimals, char decimal, std::string& text) {
 void FieldsOf(std::string_view row, char delimiter, std::size_t most, std::vector<std::string_view>& fields) {
     fields.clear();
     std::size_t at = 0;
-    const bool blanks = delimiter == '\0';
+    const bool aligned = delimiter == kAlignedFields;
+    const bool blanks = delimiter == '\0' || aligned;
+    const auto parts = [row](std::size_t i) {
+        return IsBlank(row[i]) && (row[i] == '\t' || i + 1 == row.size() || IsBlank(row[i + 1]));
+    };
     while (fields.size() < most) {
         while (at < row.size() && IsBlank(row[at]) && row[at] != delimiter) ++at;
         if (at == row.size() && blanks) return;
@@ -154,7 +158,11 @@ void FieldsOf(std::string_view row, char delimiter, std::size_t most, std::vecto
             }
         }
         std::size_t end = at;
-        while (end < row.size() && (blanks ? !IsBlank(row[end]) : row[end] != delimiter)) ++end;
+        if (aligned) {
+            while (end < row.size() && !parts(end)) ++end;
+        } else {
+            while (end < row.size() && (blanks ? !IsBlank(row[end]) : row[end] != delimiter)) ++end;
+        }
         fields.push_back(row.substr(at, end - at));
         if (end == row.size()) return;
         at = end + 1;
@@ -238,6 +246,7 @@ bool RowCarrier::Carry(std::string_view row) {
         task_.Wish.Pairs ? numbers(PointColumn::OtherX, axes, point.Other.data()) : NumberKind::Finite;
     if (other == NumberKind::None) return false;
     if (kind == NumberKind::NotFinite || other == NumberKind::NotFinite) {
+        if (task_.Wish.RefuseBad) return false;
         if (task_.Facts.NotFinite++ == 0) task_.Facts.FirstNotFinite = task_.In.Line;
         task_.Facts.FirstIsLine = true;
         task_.Out.Put(row);

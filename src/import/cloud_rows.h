@@ -13,8 +13,11 @@
 
 namespace corvinade::import {
 
+// Two blanks or more, or a tab: a single blank belongs to its field.
+inline constexpr char kAlignedFields = '\x01';
+
 struct RowForm {
-    char Delimiter = '\0';  // 0: runs of blanks and tabs
+    char Delimiter = '\0';  // 0: runs of blanks and tabs; or kAlignedFields
     char Decimal = '.';
     std::vector<PointColumn> Columns;
     bool HasZ = true;

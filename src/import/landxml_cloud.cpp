@@ -234,13 +234,14 @@ void RunLandXml(CloudTask& task) {
         const std::string_view element = NameOf(tag);
         Pass(task, length);
         if (element == "Metric" || element == "Imperial") {
+            if (task.Facts.UnitGiven) continue;
             const std::string name = AttributeOf(tag, "linearUnit").value_or("");
             task.Facts.Unit = UnitByName(name);
             if (task.Facts.Unit.empty())
-                in.FailAtLine("\"" + Printable(name) + "\" is no unit of lengths that is known here");
+                in.FailAtLine("\"" + Printable(name) +
+                              "\" is no unit of lengths that is known here (--unit says which it is)");
             task.UnitsPerMm = UnitsPerMm(task.Facts.Unit);
-            task.Wish.LeastDigits =
-                std::max(0, 3 - static_cast<int>(std::floor(std::log10(task.UnitsPerMm) + 0.5)));
+            task.Wish.LeastDigits = DecimalsOfUnit(task.UnitsPerMm);
             if (task.Motion != nullptr) motion = InUnit(*task.Motion, task.UnitsPerMm);
             if (task.Facts.Points > 0) in.FailAtLine("its unit stands behind its first points");
             continue;

@@ -36,7 +36,7 @@ std::vector<TableRole> UsualColumns(const TableRow& row, char decimal, bool firs
         if (!IsNumber(row, i, decimal)) return {};
     std::vector<TableRole> columns;
     if (named) columns.push_back(TableRole::Name);
-    columns.insert(columns.end(), {TableRole::X, TableRole::Y, TableRole::Z});
+    for (const TableRole role : {TableRole::X, TableRole::Y, TableRole::Z}) columns.push_back(role);
     columns.resize(size, TableRole::Pass);
     return columns;
 }
@@ -201,6 +201,7 @@ private:
         if (unitsRead_ && !heading_.Unit.empty() && options_.Unit.empty()) heading.Unit = heading_.Unit;
         if (heading.Axes < 3) heading = heading_;
         form_.Headings = words;
+        form_.HeadingLine = headingLine_;
         form_.Columns = heading.Columns;
         form_.Unit = heading.Unit;
         trial_.Wrong = heading.Wrong;
@@ -223,6 +224,7 @@ private:
             form_.Columns = heading.Columns;
             form_.Columns.resize(std::max(form_.Columns.size(), form_.Cells), TableRole::Pass);
             form_.Headings = words;
+            form_.HeadingLine = commentLine_;
             form_.Unit = heading.Unit;
             ++form_.HeadingLines;
             trial_.UnknownHeading = 0;

@@ -78,6 +78,7 @@ struct TableForm {
     std::string Comment;        // first characters of comments; "//" is one too where `SlashesComment`
     bool SlashesComment = true;
     int HeadingLines = 0;               // in front of the first row, comments only where one is the heading
+    std::int64_t HeadingLine = 0;       // the line that names the columns; 0 = there is none
     std::vector<TableRole> Columns;     // as far as the rows reach
     std::vector<std::string> Headings;  // words of the heading, as many as it has; empty = there is none
     std::string Unit;                   // of lengths, "mm", "m", "in", "ft", "cm", "km"

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/platform.h"
 #include "core/text.h"
 #include "import/cloud_columns.h"
 #include "import/cloud_rows.h"
@@ -21,6 +22,61 @@ void KeepLine(CloudTask& task, std::string_view line) {
     if (task.Facts.LinesKept++ == 0) task.Facts.FirstKept = task.In.Line;
     task.Out.Put(line);
 }
+
+// Where a comma or a blank parts the fields, one within a number, or a value that is missing, moves those
+// behind it by one: rows with other numbers of fields than the first one are told of.
+class FieldCount {
+public:
+    FieldCount(CloudFacts& facts, const RowForm& form)
+        : facts_(facts), form_(form), looks_(form.Delimiter == ',' || form.Delimiter == '\0') {}
+
+    void Look(std::string_view row, std::int64_t line) {
+        if (!looks_) return;
+        const std::size_t marks = Marks(row);
+        if (marks == marksOfFirst_) return;
+        FieldsOf(row, form_.Delimiter, kMostFields, fields_);
+        while (!fields_.empty() && fields_.back().find_first_not_of(" \t") == std::string_view::npos)
+            fields_.pop_back();
+        const std::size_t count = fields_.size();
+        if (first_ == 0) {
+            first_ = count;
+            marksOfFirst_ = marks;
+            endsInNumber_ = IsNumber(count - 1);
+        }
+        if (count == first_) return;
+        bool moved = count < first_ && endsInNumber_;
+        if (count > first_) {
+            moved = true;
+            for (std::size_t i = first_; i < count; ++i) moved = moved && IsNumber(i);
+        }
+        if (moved && facts_.OtherFields++ == 0) facts_.FirstOtherFields = line;
+    }
+
+private:
+    static constexpr std::size_t kMostFields = 64, kNone = static_cast<std::size_t>(-1);
+
+    std::size_t Marks(std::string_view row) const {
+        if (form_.Delimiter == ',') return static_cast<std::size_t>(std::count(row.begin(), row.end(), ','));
+        std::size_t words = 0;
+        bool blank = true;
+        for (const char c : row) {
+            const bool now = c == ' ' || c == '\t';
+            words += blank && !now ? 1 : 0;
+            blank = now;
+        }
+        return words;
+    }
+    bool IsNumber(std::size_t field) const {
+        double value = 0;
+        return NumberOf(fields_[field], form_.Decimal, value) != NumberKind::None;
+    }
+
+    CloudFacts& facts_;
+    const RowForm& form_;
+    bool looks_, endsInNumber_ = false;
+    std::size_t first_ = 0, marksOfFirst_ = kNone;
+    std::vector<std::string_view> fields_;
+};
 
 // Columns that nobody has named and whose numbers have the length 1, as those of a direction do.
 void LookForDirections(CloudTask& task, const RowForm& form, std::string_view row) {
@@ -67,24 +123,64 @@ void RefuseOtherDecimal(const CloudTask& task, const RowForm& form, std::string_
                            "\", and other rows \"" + form.Decimal + "\" (--decimal says which holds)");
 }
 
-void CarryRows(CloudTask& task, const RowForm& form, int decimals, bool isWhole) {
+// Of a file that is read to be fitted: a row that was meant as a point must not be missing without a word.
+void RefuseBadRow(const CloudTask& task, const FoundForm& found, std::string_view row) {
+    const RowForm& form = found.Form;
+    std::vector<std::string_view> fields;
+    FieldsOf(row, form.Delimiter, std::max<std::size_t>(form.Columns.size(), 3), fields);
+    const auto isEmpty = [](std::string_view field) {
+        return field.find_first_not_of(" \t") == std::string_view::npos;
+    };
+    if (std::all_of(fields.begin(), fields.end(), isEmpty)) return;
+    const auto isNumber = [&](std::string_view field) {
+        double value = 0;
+        return NumberOf(field, form.Decimal, value) == NumberKind::Finite;
+    };
+    // Titles, and the number of points.
+    const bool isInFront = task.Facts.Points == 0 &&
+                           (task.In.Line < found.HeadingLine || fields.size() < 3 ||
+                            (found.HeadingLine == 0 && std::none_of(fields.begin(), fields.end(), isNumber)));
+    if (isInFront) return;
+    for (std::size_t i = 0; i < form.Columns.size(); ++i) {
+        const PointColumn column = form.Columns[i];
+        const bool isOther = column >= PointColumn::OtherX && column <= PointColumn::OtherZ;
+        if (!isOther && (column < PointColumn::X || column > PointColumn::Z)) continue;
+        if (isOther && !task.Wish.Pairs) continue;
+        if (i < fields.size() && isNumber(fields[i])) continue;
+        const bool isMissing = i >= fields.size() || isEmpty(fields[i]);
+        const std::string what =
+            isMissing ? "the coordinate is missing" : "\"" + Printable(fields[i]) + "\" is not a number";
+        throw PlatformError{"Cannot read \"" + task.In.Path() + "\", line " + std::to_string(task.In.Line) +
+                            ", column " + std::to_string(i + 1) + ": " + what +
+                            " (--skip-bad passes it over)"};
+    }
+}
+
+void CarryRows(CloudTask& task, const FoundForm& found, int decimals, bool isWhole) {
     CloudInput& in = task.In;
+    const RowForm& form = found.Form;
     RowCarrier carrier(task, form, decimals);
     carrier.LookAhead(in.View(), isWhole);
     bool looked = !task.Wish.Columns.empty();
+    FieldCount count(task.Facts, form);
     std::string_view whole, lineEnd;
     while (in.NextLine(whole)) {
         const std::string_view row = WithoutLineEnd(whole, lineEnd);
-        if (row.find_first_not_of(" \t") == std::string_view::npos) {
+        // What stands in front of the first point is of its form, where it is only read.
+        const bool isOfForm = task.Motion == nullptr && task.Facts.Points == 0 && IsCommentLine(row);
+        if (row.find_first_not_of(" \t") == std::string_view::npos || in.Line == found.HeadingLine ||
+            isOfForm) {
             task.Out.Put(whole);
         } else if (IsCommentLine(row)) {
             KeepLine(task, whole);
         } else if (carrier.Carry(row)) {
             task.Out.Put(lineEnd);
+            count.Look(row, in.Line);
             if (!looked) LookForDirections(task, form, row);
             looked = true;
         } else {
             RefuseOtherDecimal(task, form, row);
+            if (task.Wish.RefuseBad) RefuseBadRow(task, found, row);
             KeepLine(task, whole);
         }
     }
@@ -97,16 +193,17 @@ void RunText(CloudTask& task, CloudKind kind) {
     in.Fill();
     in.LoneReturns =
         in.View().find('\n') == std::string_view::npos && in.View().find('\r') != std::string_view::npos;
-    if (in.View().find('\0') != std::string_view::npos) in.Fail("it is no text");
+    if (in.View().find('\0') != std::string_view::npos)
+        in.Fail("it is no text; a 16-bit text without a mark is named with --encoding utf-16le or utf-16be");
     const bool isWhole = !in.More();
     const FoundForm found = FindForm(task, kind, in.View(), isWhole);
     task.Facts.Unit = found.Unit;
+    task.Facts.Notes = found.Notes;
     task.Facts.TwoCoordinates = !found.Form.HasZ;
     int decimals = task.Wish.LeastDigits;
     if (!found.Unit.empty()) {
         task.UnitsPerMm = UnitsPerMm(found.Unit);
-        // As many of the unit as three are of a millimetre.
-        decimals = std::max(0, 3 - static_cast<int>(std::floor(std::log10(task.UnitsPerMm) + 0.5)));
+        decimals = DecimalsOfUnit(task.UnitsPerMm);
     }
     const CloudMotion* const given = task.Motion;
     CloudMotion motion;
@@ -114,7 +211,7 @@ void RunText(CloudTask& task, CloudKind kind) {
         motion = InUnit(*given, task.UnitsPerMm);
         task.Motion = &motion;
     }
-    CarryRows(task, found.Form, decimals, isWhole);
+    CarryRows(task, found, decimals, isWhole);
     task.Motion = given;
 }
 

@@ -1,5 +1,6 @@
 // The document of the kinds of files, row by row: a file of each kind goes through `fit`, and what the row
 // says happens.
+#include <array>
 #include <map>
 #include <sstream>
 
@@ -227,7 +228,8 @@ protected:
         arguments.insert(arguments.end(), more.begin(), more.end());
         return FreshCommandLine(arguments);
     }
-    static void ExpectPoints(const Row& row, const Sample& sample, const Outcome& outcome) {
+    static void ExpectPoints(const Row& row, const Sample& sample, const Outcome& outcome,
+                             const std::array<double, 3>& shift = {0, 0, 0}) {
         ASSERT_EQ(outcome.Status, 0) << row.Number << " " << row.Kind << outcome.Err;
         if (sample.Names.empty()) return;
         const json points = json::parse(outcome.Out)["points"];
@@ -237,7 +239,7 @@ protected:
             ASSERT_NE(name, sample.Names.end()) << row.Number << point["name"];
             const auto& truth = kPoints[static_cast<std::size_t>(name - sample.Names.begin())];
             for (std::size_t axis = 0; axis < 3; ++axis)
-                EXPECT_NEAR(point["start_mm"][axis].get<double>(), truth[axis], 1e-12)
+                EXPECT_NEAR(point["start_mm"][axis].get<double>(), truth[axis] + shift[axis], 1e-12)
                     << row.Number << " " << row.Kind;
         }
     }
@@ -289,4 +291,32 @@ TEST_F(FileKinds, OfEveryRowAreReadOrRefusedAsItSays) {
         }
     }
     EXPECT_EQ(Samples().rbegin()->first, 80);
+}
+
+// What is carried and read behind that are the points that `fit` reads, carried. A shift by whole numbers
+// adds no rounding. What `fit` refuses is refused, or told of.
+TEST_F(FileKinds, AreCarriedAsTheyAreReadOrNotWithoutAWord) {
+    const std::array<double, 3> shift = {1000, 2000, 3000};
+    const std::string matrix = Write("shift.txt", "1 0 0 1000\n0 1 0 2000\n0 0 1 3000\n0 0 0 1\n");
+    for (const Row& row : RowsOfDocument()) {
+        const auto found = Samples().find(row.Number);
+        if (found == Samples().end()) continue;
+        const Sample& sample = found->second;
+        const std::string path = Write(sample.File, sample.Text), moved = PathOf("moved-" + sample.File);
+        const Outcome outcome =
+            FreshCommandLine({"transform", "--with", matrix, path, "--out", moved, "--overwrite"});
+        EXPECT_EQ(Contents(path), sample.Text);
+        if (row.What.find("`name-is-number`") != std::string::npos) {
+            EXPECT_EQ(outcome.Status, 3) << "a coordinate that is taken as name would stay where it is";
+            EXPECT_NE(outcome.Err.find("--columns"), std::string::npos) << outcome.Err;
+        } else if (row.What.find("refused") == std::string::npos) {
+            EXPECT_EQ(outcome.Status, 0) << row.Number << " " << row.Kind << outcome.Err;
+            if (outcome.Status == 0) ExpectPoints(row, sample, FitOf(moved, {}), shift);
+        } else if (row.Kind != "equal names" && row.Kind != "a sigma below 0" && row.Number != 67) {
+            // Names and sigmas are of pairs alone, and a field more behind a semicolon moves nothing.
+            EXPECT_TRUE(outcome.Status == 3 || outcome.Err.find("note: ") != std::string::npos ||
+                        outcome.Err.find("warning: ") != std::string::npos)
+                << row.Number << " " << row.Kind << outcome.Err << Contents(moved);
+        }
+    }
 }

@@ -230,6 +230,8 @@ TEST_F(NotesOfCommands, ATransformedLineWithoutThreeNumbersIsAWarning) {
     const Outcome strict = Run({"transform", job_, good, bad, "--to", PathOf("strict")}, true);
     EXPECT_EQ(strict.Status, 3);
     EXPECT_EQ(Lines(strict.Err, "2 of 3 lines held no three numbers"), 1) << strict.Err;
+    EXPECT_EQ(Lines(strict.Err, "warning: "), 3) << strict.Err;
+    EXPECT_EQ(Lines(strict.Err, "3 warnings, and --strict lets none pass"), 1) << strict.Err;
     EXPECT_FALSE(Directory_Exist(PathOf("strict"))) << "the good file is not transformed either";
     const Outcome passed = Run({"transform", job_, good, "--to", PathOf("strict")}, true);
     EXPECT_EQ(passed.Status, 0) << passed.Err;

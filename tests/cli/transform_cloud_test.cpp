@@ -291,6 +291,73 @@ TEST_F(FitClouds, TrajectoriesArePairedByTheirTimes) {
     EXPECT_EQ(result["points"][0]["name"], "1305031102.170");
 }
 
+// The same trajectory in metres and in millimetres, the one in UTF-16 without a mark.
+TEST_F(FitClouds, WhatTheUserSaysOfACarrierHolds) {
+    std::string metres, target;
+    for (std::size_t i = 0; i < 4; ++i) {
+        const auto& p = kPoints[i];
+        const auto row = [&](double x, double y, double z) {
+            return std::to_string(i) + ".5 " + std::to_string(x) + " " + std::to_string(y) + " " +
+                   std::to_string(z) + " 0 0 0 1\n";
+        };
+        for (const char c : row(p[0] / 1000, p[1] / 1000, p[2] / 1000)) metres += std::string{c, '\0'};
+        target += row(p[0] + 5, p[1], p[2]);
+    }
+    const std::string start = Write("a.tum", metres), other = Write("b.tum", target);
+    const json result = FitJson({start, other, "--start-unit", "m", "--start-encoding", "utf-16le"});
+    ExpectShift(result, 5, 0, 0);
+    EXPECT_EQ(result["files"][0]["unit"], "m");
+    EXPECT_EQ(result["files"][1]["unit"], "mm");
+    for (const auto& option : std::vector<std::vector<std::string>>{{"--skip", "1"}, {"--comment", "#"}}) {
+        const Outcome outcome = Fit({other, other, option[0], option[1]});
+        EXPECT_EQ(outcome.Status, 3) << option[0];
+        EXPECT_NE(outcome.Err.find(option[0]), std::string::npos) << outcome.Err;
+    }
+}
+
+TEST_F(FitClouds, ARowThatIsNoPointIsNotMissingWithoutAWord) {
+    const std::string good =
+        "name,x,y,z,X,Y,Z\nA,0,0,0,5,0,0\nB,9,0,0,14,0,0\nC,0,9,0,5,9,0\n# end\n,,,,,,\n";
+    const std::vector<std::array<std::string, 2>> rows = {
+        {"D,0,1o0,9,5,0,9\n", "line 7, column 3: \"1o0\" is not a number (--skip-bad passes it over)"},
+        {"D,0,0,9,5,0,\n", "line 7, column 7: the coordinate is missing"},
+        {"D,0,0,9,5,nan,9\n", "line 7, column 6: \"nan\" is not a number"},
+        {"D\n", "line 7, column 2: the coordinate is missing"},
+    };
+    for (const auto& [row, why] : rows) {
+        const std::string path = Write("p.csv", good + row);
+        const Outcome refused = Fit({"--pairs", path});
+        EXPECT_EQ(refused.Status, 3);
+        EXPECT_NE(refused.Err.find(why), std::string::npos) << refused.Err;
+        const json passed = FitJson({"--pairs", path, "--skip-bad"});
+        EXPECT_EQ(passed["points"].size(), 3U);
+        EXPECT_NE(passed["notes"].dump().find("passed over"), std::string::npos) << passed["notes"];
+    }
+    ExpectShift(FitJson({"--pairs", Write("g.csv", "Title\n3\n" + good)}), 5, 0, 0);
+    const std::string units = Write("u.csv", "name,x,y,z,X,Y,Z\n,m,m,m,m,m,m\nA,0,0,0,5,0,0\n");
+    EXPECT_NE(Fit({"--pairs", units}).Err.find("line 2, column 2: \"m\" is not a number"), std::string::npos);
+    const std::string lost = Write("lost.tum", "1 0 0 0 0 0 0 1\n2 9 x 0 0 0 0 1\n3 0 9 0 0 0 0 1\n");
+    EXPECT_NE(Fit({lost, lost}).Err.find("line 2, column 3: \"x\" is not a number"), std::string::npos);
+}
+
+TEST_F(FitClouds, HeadingsAreNoLinesThatArePassedOver) {
+    std::string map = "#CRS: PROJCRS[\"x\"]\nmapX,mapY,sourceX,sourceY,enable\n";
+    map += "50,60,0,0,1\n150,60,100,0,1\n50,160,0,100,1\n";
+    const json result = FitJson({"--pairs", Write("a.points", map), "--hold", "rotx=0", "--hold", "roty=0"});
+    EXPECT_EQ(result["notes"].dump().find("passed over"), std::string::npos) << result["notes"];
+}
+
+TEST_F(FitClouds, EqualNamesAreToldWhereCoordinatesPair) {
+    const std::string twice =
+        Write("twice.xml",
+              "<LandXML><CgPoint name=\"A\">0 0 0</CgPoint><CgPoint name=\"A\">0 100 0</CgPoint>"
+              "<CgPoint name=\"B\">100 0 0</CgPoint></LandXML>");
+    const std::string other = Write("b.txt", "P;0;0;0\nQ;100;0;0\nR;0;100;0\n");
+    const json notes = FitJson({twice, other, "--match", "coordinate"})["notes"];
+    EXPECT_NE(notes.dump().find("Its points 1 and 2 have the same name"), std::string::npos) << notes;
+    EXPECT_NE(notes.dump().find("duplicate-name"), std::string::npos) << notes;
+}
+
 TEST_F(FitClouds, BadOnesAreRefused) {
     const std::string good = Write("a.txt", "A;1;2;3\nB;4;5;6\n");
     const auto refusal = [](const std::vector<std::string>& arguments, int status) {

@@ -64,6 +64,96 @@ TEST(TextCloud, KeepsWhatStandsBesideItsCoordinates) {
     }
 }
 
+// What `fit` reads of a table, `transform` carries.
+TEST(TextCloud, TablesAreTakenAsTheReaderOfTablesTakesThem) {
+    const std::vector<std::array<std::string, 3>> files = {
+        {"a.csv", "Punkt;Hochwert;Rechtswert;H\xC3\xB6he\nA;2;1;3\n",
+         "Punkt;Hochwert;Rechtswert;H\xC3\xB6he\nA;22.200;9.600;33.000\n"},
+        {"a.csv", "Punkt;Hochwert;Rechtswert;H\xF6he\nA;2;1;3\n",
+         "Punkt;Hochwert;Rechtswert;H\xF6he\nA;22.200;9.600;33.000\n"},
+        {"a.csv", "name;z;y;x\n;m;m;m\nA;3;2;1\n", "name;z;y;x\n;m;m;m\nA;3.030000;2.220000;-0.390000\n"},
+        {"a.txt", "Hole 1    1.0   2.0   3.0\nHole 2   -5.0  10.0   0.0\n",
+         "Hole 1    9.600   22.200   33.000\nHole 2   0.000  25.000   30.000\n"},
+        {"a.txt", "| A | 1 | 2 | 3 |\n|---|---|---|---|\n| B | -5 | 10 | 0 |\n",
+         "| A | 9.600 | 22.200 | 33.000 |\n|---|---|---|---|\n| B | 0.000 | 25.000 | 30.000 |\n"},
+        {"a.txt", "A*1*2*3\n", "A*9.600*22.200*33.000\n"},
+    };
+    for (const auto& [name, before, after] : files) {
+        const CloudRun run = Carried(before, name);
+        EXPECT_EQ(run.Error, "") << before;
+        EXPECT_EQ(run.Out, after);
+    }
+    std::string why;
+    CloudWish wish;
+    wish.Columns = ColumnsFromText("name,x,y,z", why).value();
+    EXPECT_EQ(Carried("Hole 1    1.0   2.0   3.0\n", "a.txt", wish).Out,
+              "Hole 1    9.600   22.200   33.000\n");
+}
+
+TEST(TextCloud, WhatTheReaderOfTablesRefusesIsRefused) {
+    const std::vector<std::array<std::string, 2>> files = {
+        {"Name;X nominal;Y nominal;Z nominal;X actual;Y actual;Z actual\nA;1;2;3;1;2;3\n", "--columns"},
+        {"Left 1 1.5 2.5 3.5\nLeft 2 1.5 2.5 4.5\n", "--columns"},
+        {"Left 1 1.5 -2 3\nLeft 2 400 5 6.25\n", "--columns"},
+        {"A,1,234.5,2,345.6,3,456.7\nB,1,234.5,2,345.6,3,456.7\n", "--columns"},
+        {"Name;X [m];Y [mm];Z [m]\nA;1;2;3\n", "--unit"},
+        {"Name;X [yd];Y [yd];Z [yd]\nA;1;2;3\n", "--unit"},
+    };
+    for (const auto& [text, option] : files)
+        EXPECT_NE(Carried(text, "a.csv").Error.find(option), std::string::npos) << text;
+    CloudWish wish;
+    wish.Unit = "m";
+    EXPECT_EQ(Carried("Name;X [m];Y [mm];Z [m]\nA;1;2;3\n", "a.csv", wish).Out,
+              "Name;X [m];Y [mm];Z [m]\nA;-0.390000;2.220000;3.030000\n");
+    wish.Unit = "";
+    wish.Pairs = true;
+    EXPECT_NE(
+        ReadThrough("name,x_m,y_m,z_m,X_mm,Y_mm,Z_mm\nA,1,2,3,4,5,6\n", "a.csv", wish).Error.find("m and mm"),
+        std::string::npos);
+}
+
+TEST(TextCloud, WhatIsDecidedOfATableIsTold) {
+    const auto codes = [](const std::string& text) {
+        std::vector<NoteCode> all;
+        for (const Note& note : NotesOfCloud(Carried(text, "a.csv").Facts, "a.csv", true))
+            all.push_back(note.Code);
+        return all;
+    };
+    EXPECT_EQ(codes("Name;a;b;c\nA;1;2;3\n"),
+              (std::vector<NoteCode>{NoteCode::HeadingUnknown, NoteCode::LinesKept}));
+    EXPECT_EQ(codes("A;1,234;2,345;3,456\n"), std::vector<NoteCode>{NoteCode::DecimalTaken});
+    EXPECT_EQ(codes("-5;1;2;3\n"), std::vector<NoteCode>{NoteCode::NameIsNumber});
+    for (const char* text : {"A,1,2,3\nB,1,000.5,2,3\n", "A 1 2 3\nB 1 000 2 3\n", "A 1 2 3 9\nB 1 3 9\n"})
+        EXPECT_EQ(codes(text), std::vector<NoteCode>{NoteCode::ColumnsChanged}) << text;
+    for (const char* text : {"A 1 2 3 good\nB 1 2 3 not so good\nC 1 2 3\n", "A,1,2,3,\nB,1,2,3\n",
+                             "A,1,2,3,\"a, b\"\nB,1,2,3,c\n"})
+        EXPECT_EQ(codes(text), std::vector<NoteCode>{}) << text;
+    EXPECT_EQ(codes("Name;X;Y;Z\nA;1;2;3\n"), std::vector<NoteCode>{}) << "its heading is no line of points";
+    EXPECT_EQ(codes("Name;X;Y;Z\nA;1;q;3\nB;1;2;3\n"), std::vector<NoteCode>{NoteCode::LinesKept});
+}
+
+TEST(TextCloud, TheUserSaysItsUnitAndItsEncoding) {
+    const std::string latin = "H\xF6he;1;2;3\n", moved = "H\xF6he;-0.390000;2.220000;3.030000\n";
+    for (const bool big : {false, true}) {
+        CloudWish wish;
+        wish.Unit = "m";
+        wish.Encoding = big ? TableEncoding::Utf16Be : TableEncoding::Utf16Le;
+        const std::string before = Utf16(latin, big), after = Utf16(moved, big);
+        EXPECT_NE(Carried(before.substr(2), "a.csv").Error.find("--encoding utf-16le"), std::string::npos);
+        EXPECT_EQ(Carried(before.substr(2), "a.csv", wish).Out, after.substr(2));
+        EXPECT_EQ(Carried(before, "a.csv", wish).Out, after) << "its mark stays";
+        EXPECT_NE(Carried(Utf16(latin, !big), "a.csv", wish).Error.find("--encoding"), std::string::npos);
+    }
+    CloudWish wish;
+    wish.Unit = "m";
+    wish.Encoding = TableEncoding::Windows1252;
+    EXPECT_EQ(Carried(latin, "a.csv", wish).Out, moved);
+    EXPECT_EQ(Carried(latin, "a.csv", wish).Facts.Unit, "m");
+    wish.Encoding = TableEncoding::Utf8;
+    EXPECT_NE(Carried(latin, "a.csv", wish).Error.find("no UTF-8"), std::string::npos);
+    EXPECT_NE(Carried("ply\n", "a.ply", wish).Error.find("--encoding"), std::string::npos);
+}
+
 TEST(TextCloud, TheUserSaysWhatItsColumnsAre) {
     std::string why;
     CloudWish wish;
