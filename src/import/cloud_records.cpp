@@ -205,6 +205,11 @@ void CarryRecords(CloudTask& task, const RecordForm& form, char* records, std::s
     CarryPlaces(task, form, places, count, first);
 }
 
+bool IsNothing(std::string_view bytes) {
+    using namespace std::string_view_literals;
+    return bytes.find_first_not_of(" \t\r\n\0"sv) == std::string_view::npos;
+}
+
 void RefuseWholeNumbers(const CloudTask& task, const RecordForm& form) {
     if (task.Motion == nullptr) return;
     const auto anyWhole = [](const std::array<RecordField, 3>& fields) {

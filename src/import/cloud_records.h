@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "core/rooms.h"
 #include "import/cloud.h"
@@ -42,6 +43,9 @@ struct RecordPlaces {
 };
 void CarryPlaces(CloudTask& task, const RecordForm& form, RecordPlaces places, std::size_t count,
                  std::int64_t first);
+
+// Bytes that hold no values: blanks, line ends, zeros.
+bool IsNothing(std::string_view bytes);
 
 // Refuses whole numbers as coordinates or normals of a cloud that is carried: they would have to be rounded.
 void RefuseWholeNumbers(const CloudTask& task, const RecordForm& form);

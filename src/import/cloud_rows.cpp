@@ -132,6 +132,11 @@ void AppendFixed(double value, int decimals, char decimal, std::string& text) {
     text += shown;
 }
 
+std::string CountOfValues(std::size_t found, std::size_t wanted) {
+    return found > wanted ? "more than " + std::to_string(wanted) + " values"
+                          : std::to_string(found) + " values";
+}
+
 void FieldsOf(std::string_view row, char delimiter, std::size_t most, std::vector<std::string_view>& fields) {
     fields.clear();
     std::size_t at = 0;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -37,6 +38,9 @@ void AppendFixed(double value, int decimals, char decimal, std::string& text);
 // The fields of a row, without the quotes around them; blanks beside them belong to them. Fields behind the
 // last one wanted are not looked for. Each is a part of `row`.
 void FieldsOf(std::string_view row, char delimiter, std::size_t most, std::vector<std::string_view>& fields);
+
+// "2 values", "more than 3 values": how a row that has not the values that are wanted is told of.
+std::string CountOfValues(std::size_t found, std::size_t wanted);
 
 class RowCarrier {
 public:

@@ -215,6 +215,11 @@ void RunLandXml(CloudTask& task) {
     in.Line = 1;
     CloudMotion motion;
     if (task.Motion != nullptr) motion = InUnit(*task.Motion, task.UnitsPerMm);
+    // Further points may have stood behind a place where the file was cut off between two of them.
+    bool ends = false;
+    const auto keep = [&task] {
+        if (task.Facts.LinesKept++ == 0) task.Facts.FirstKept = task.In.Line;
+    };
     for (;;) {
         const std::size_t open = in.View().find('<');
         Pass(task, std::min(open, in.View().size()));
@@ -246,7 +251,14 @@ void RunLandXml(CloudTask& task) {
             if (task.Facts.Points > 0) in.FailAtLine("its unit stands behind its first points");
             continue;
         }
-        if (element != "CgPoint" || tag.starts_with("</") || tag.ends_with("/>")) continue;
+        if (tag.starts_with("</") && NameOf(std::string_view(tag).substr(1)) == "LandXML") ends = true;
+        if (element != "CgPoint" || tag.starts_with("</")) continue;
+        if (tag.ends_with("/>")) {
+            // A mere reference brings nothing new. A point that is to have the place of another one, or none,
+            // is not taken.
+            if (!AttributeOf(tag, "pntRef") || AttributeOf(tag, "name")) keep();
+            continue;
+        }
         std::size_t end = 0;
         while ((end = in.View().find('<')) == std::string_view::npos) {
             if (in.View().size() > kLongestTag) in.FailAtLine("a point is longer than 1 MiB");
@@ -255,13 +267,18 @@ void RunLandXml(CloudTask& task) {
         const std::string text(in.View().substr(0, end));
         std::optional<std::string> name = AttributeOf(tag, "name");
         if (!name) name = AttributeOf(tag, "oID");
-        if (!CarryPoint(task, name.value_or(""), text, motion)) {
-            if (task.Facts.LinesKept++ == 0) task.Facts.FirstKept = in.Line;
+        // Text goes on behind such a mark, a last coordinate too.
+        constexpr std::string_view kMoreText = "<![CDATA[";
+        in.Need(end + kMoreText.size());
+        const bool goesOn = in.View().substr(end).starts_with(kMoreText);
+        if (goesOn || !CarryPoint(task, name.value_or(""), text, motion)) {
+            keep();
             task.Out.Put(text);
         }
         in.Line += std::count(text.begin(), text.end(), '\n');
         in.Drop(end);
     }
+    if (!ends) in.FailAtLine("it ends without \"</LandXML>\"");
 }
 
 }  // namespace corvinade::import

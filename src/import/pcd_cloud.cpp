@@ -217,10 +217,11 @@ void RunAscii(CloudTask& task, const Header& header) {
             continue;
         }
         if (done == header.Points) task.In.FailAtLine(kMore);
-        FieldsOf(row, '\0', form.Columns.size(), words);
-        if (words.size() < form.Columns.size())
-            task.In.FailAtLine("it has " + std::to_string(words.size()) + " values, and its header " +
-                               std::to_string(form.Columns.size()));
+        // One more than wanted: a value too many may stand in the midst, and has moved all behind it on.
+        FieldsOf(row, '\0', form.Columns.size() + 1, words);
+        if (words.size() != form.Columns.size())
+            task.In.FailAtLine("it has " + CountOfValues(words.size(), form.Columns.size()) +
+                               ", and its header " + std::to_string(form.Columns.size()));
         if (!carrier.Carry(row)) task.In.FailAtLine("it holds no three numbers for x, y and z");
         task.Out.Put(lineEnd);
         ++done;
@@ -242,13 +243,14 @@ void RunBinary(CloudTask& task, const Header& header, const RecordForm& form) {
     }
 }
 
-// What stands behind the last point, where it is too little for another one, or nothing but the zeros up to
-// the end of a page of memory that writers through mapped memory leave there.
+// What stands behind the last point, where it is a line end, or nothing but the zeros up to the end of a page
+// of memory that writers through mapped memory leave there. Other bytes tell that the header is of other
+// records, even where they are too few for another one.
 void KeepRest(CloudTask& task, std::size_t record) {
     constexpr std::size_t kLargestPage = std::size_t{1} << 16;
     const bool padded =
         !task.In.Need(kLargestPage + 1) && task.In.View().find_first_not_of('\0') == std::string_view::npos;
-    if (!padded && task.In.Need(record)) task.In.Fail(kMore);
+    if (!padded && (task.In.Need(record) || !IsNothing(task.In.View()))) task.In.Fail(kMore);
     task.Out.Put(task.In.View());
     task.In.Drop(task.In.View().size());
 }

@@ -85,6 +85,9 @@ void TakeElement(const CloudTask& task, const std::vector<std::string_view>& wor
     const auto [end, error] = std::from_chars(count.data(), count.data() + count.size(), element.Count);
     if (error != std::errc() || end != count.data() + count.size() || element.Count < 0)
         task.In.FailAtLine("\"" + Printable(count) + "\" is no count of elements");
+    for (const Element& other : header.Elements)
+        if (other.Name == element.Name)
+            task.In.FailAtLine("the element \"" + Printable(element.Name) + "\" stands twice");
     header.Elements.push_back(std::move(element));
 }
 
@@ -264,12 +267,16 @@ void RunAsciiElement(CloudTask& task, const Element& element, bool isVertex) {
             std::optional<std::vector<PointColumn>> columns =
                 ColumnsOfRow(task, element, byProperty, row, words);
             if (!columns) task.In.FailAtLine("it has fewer values than its element has properties");
+            if (words.size() > columns->size())
+                task.In.FailAtLine("it has more values than its element has properties");
             carrier.Form.Columns = std::move(*columns);
         } else {
-            FieldsOf(row, '\0', element.Properties.size(), words);
-            if (words.size() < element.Properties.size())
-                task.In.FailAtLine("it has " + std::to_string(words.size()) + " values, and its element " +
-                                   std::to_string(element.Properties.size()) + " properties");
+            // One more than wanted: a value too many may stand in the midst, and has moved all behind it on.
+            FieldsOf(row, '\0', element.Properties.size() + 1, words);
+            if (words.size() != element.Properties.size())
+                task.In.FailAtLine("it has " + CountOfValues(words.size(), element.Properties.size()) +
+                                   ", and its element " + std::to_string(element.Properties.size()) +
+                                   " properties");
         }
         if (!carrier.Carry(row))
             task.In.FailAtLine("it holds no three numbers for " +
@@ -341,8 +348,8 @@ void RunLists(CloudTask& task, const Element& element, RecordForm form) {
     }
 }
 
-// A further element that the header does not count would stay as it was without a word. Less than that, a
-// line end for instance, is kept.
+// A further element that the header does not count would stay as it was without a word. Less than that is
+// kept where it is nothing, a line end for instance; other bytes tell that the header is of other records.
 void RefuseMore(CloudTask& task, const Header& header) {
     const std::string why = "more stands behind the elements that its header counts";
     if (header.Kind == Form::Ascii) {
@@ -356,7 +363,7 @@ void RefuseMore(CloudTask& task, const Header& header) {
     std::size_t least = 1;
     for (const Property& property : header.Elements.back().Properties)
         least += SizeOf(property.CountType.value_or(property.Type));
-    if (task.In.Need(std::max<std::size_t>(least - 1, 4))) task.In.Fail(why);
+    if (task.In.Need(std::max<std::size_t>(least - 1, 4)) || !IsNothing(task.In.View())) task.In.Fail(why);
     task.Out.Put(task.In.View());
     task.In.Drop(task.In.View().size());
 }

@@ -164,6 +164,9 @@ TEST(PcdCloud, DamagedFilesAreRefused) {
     has("# .PCD v0.7\nFIELDS x y\nSIZE 4 4\nTYPE F F\nPOINTS 1\nDATA ascii\n1 2\n", "no fields x, y and z");
     has("# .PCD v0.7\nFIELDS x y z\nSIZE 4 4 4\nTYPE I I I\nPOINTS 1\nDATA ascii\n1 2 3\n",
         "whole-number type");
+    has(PcdHeader("binary") + Rows(kBefore) + "abc", "more stands behind");  // records of other lengths
+    has(PcdHeader("ascii") + "7 1 2 3 9 8 7 1 0 0 5\n",
+        "line 12: it has more than 10 values, and its header 10");
     // A reference in front of the beginning.
     std::string damaged = packed;
     damaged[PcdHeader("binary_compressed").size() + 8] = '\x20';

@@ -226,6 +226,36 @@ TEST(PlyCloud, MoreThanTheHeaderCountsIsRefused) {
         << "a line end is nothing";
 }
 
+TEST(PlyCloud, BytesThatNoRecordExplainsAreRefused) {
+    const std::string head = "element vertex 2\n" + kXyz + "end_header\n";
+    const std::string records = Packed(1.0F) + Packed(2.0F) + Packed(3.0F);
+    // Two records of 13 bytes under a header that tells of 12: the second point stands a byte too early.
+    EXPECT_NE(Refusal(head + records + "a" + records + "b", "binary_little_endian").find("more stands"),
+              std::string::npos);
+    for (const std::string end : {"\n", "\r\n", " "})
+        EXPECT_EQ(
+            ReadThrough("ply\nformat binary_little_endian 1.0\n" + head + records + records + end, "a.ply")
+                .Points.size(),
+            2U);
+}
+
+TEST(PlyCloud, AValueTooManyIsRefused) {
+    const std::string head = "element vertex 1\n" + kXyz;
+    EXPECT_NE(Refusal(head + "end_header\n1 7 2 3\n")
+                  .find("line 8: it has more than 3 values, and its element 3 properties"),
+              std::string::npos);
+    EXPECT_NE(Refusal(head + "property list uchar int more\nend_header\n1 2 3 1 5 6\n")
+                  .find("line 9: it has more values than"),
+              std::string::npos);
+}
+
+TEST(PlyCloud, ASecondElementOfTheSameNameIsRefused) {
+    const std::string one = "element vertex 1\n" + kXyz;
+    EXPECT_NE(
+        Refusal(one + one + "end_header\n1 2 3\n4 5 6\n").find("line 7: the element \"vertex\" stands twice"),
+        std::string::npos);
+}
+
 TEST(PlyCloud, ListsOfNegativeAndOfHugeLengthAreRefused) {
     const std::string head = "element vertex 1\n" + kXyz +
                              "element face 1\nproperty list int int vertex_indices\nend_header\n" +

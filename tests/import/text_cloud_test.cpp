@@ -302,4 +302,26 @@ TEST(LandXmlCloud, WhatIsCutOffIsRefused) {
               std::string::npos);
 }
 
+TEST(LandXmlCloud, AFileThatEndsBetweenTwoPointsIsRefused) {
+    const std::string whole =
+        LandXml("<CgPoint name=\"A\">2 1 3</CgPoint>\n<CgPoint name=\"B\">5 4 6</CgPoint>\n");
+    for (const std::string_view from : {"<CgPoint name=\"B\"", "</CgPoints>", "</LandXML>"})
+        EXPECT_NE(ReadThrough(whole.substr(0, whole.find(from)), "a.xml")
+                      .Error.find("it ends without \"</LandXML>\""),
+                  std::string::npos)
+            << from;
+    EXPECT_EQ(ReadThrough(whole, "a.xml").Points.size(), 2U);
+}
+
+TEST(LandXmlCloud, PointsWithoutCoordinatesOfTheirOwnAreTold) {
+    const CloudRun read = ReadThrough(LandXml("<CgPoint name=\"A\">2 1 3</CgPoint>\n<CgPoint pntRef=\"A\"/>\n"
+                                              "<CgPoint name=\"B\" pntRef=\"A\"/>\n<CgPoint name=\"C\"/>\n"
+                                              "<CgPoint name=\"D\">2 1 3<![CDATA[.5]]></CgPoint>"),
+                                      "a.xml");
+    EXPECT_EQ(read.Error, "");
+    EXPECT_EQ(read.Points.size(), 1U);
+    EXPECT_EQ(read.Facts.LinesKept, 3) << "B, C and D; the other one is a mere reference";
+    EXPECT_EQ(read.Facts.FirstKept, 8);
+}
+
 }  // namespace
