@@ -20,8 +20,9 @@ const fs::path kSource = CORVINADE_SOURCE_DIR;
 
 // Rooms of one floor know nothing of each other. What stands directly in src/ is above all rooms.
 const std::map<std::string, int> kFloors = {
-    {"fit", -1},     {"core", 0},     {"engine", 1}, {"import", 2}, {"paraboloid", 3}, {"bundle", 3},
-    {"analysis", 3}, {"graphics", 4}, {"paint", 5},  {"cli", 6},    {"ui", 6},         {"system", 6}};
+    {"fit", -1},   {"core", 0},     {"engine", 1},   {"import", 2}, {"paraboloid", 3},
+    {"bundle", 3}, {"analysis", 3}, {"graphics", 4}, {"paint", 5},  {"cli", 6},
+    {"ui", 6},     {"system", 6},   {"library", 6}};
 
 const std::set<std::string> kStandardHeaders = {"algorithm",     "any",
                                                 "array",         "atomic",
