@@ -6,7 +6,7 @@ BUILD_PACKAGES="g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libgtest-d
 # The manual's PDF and its letters.
 BUILD_PACKAGES="$BUILD_PACKAGES pandoc weasyprint fonts-open-sans fonts-dejavu-core"
 # What the tests need besides.
-TEST_PACKAGES="git clang-format clang-tidy dbus-daemon xvfb openbox xdotool imagemagick jq poppler-utils qpdf proj-bin locales pkgconf"
+TEST_PACKAGES="git clang-format clang-tidy dbus-daemon xvfb openbox xdotool imagemagick jq poppler-utils qpdf proj-bin locales pkgconf doxygen"
 # What the benchmarks need besides.
 BENCH_PACKAGES="libbenchmark-dev libeigen3-dev libopenblas-dev mawk"
 
