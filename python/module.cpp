@@ -210,6 +210,10 @@ PYBIND11_MODULE(_corvinade, module) {
     module.def("compose", [](const Doubles& then, const Doubles& first) {
         return ArrayOf(Compose(MatrixFrom(then), MatrixFrom(first)));
     });
+    module.attr("EXPORT_FORMS") = py::tuple(py::cast(ExportForms()));
+    module.def("export", [](const Doubles& matrix, const std::string& form, const std::string& name) {
+        return Export(MatrixFrom(matrix), form, name);
+    });
     module.def("chain_of", [](const Doubles& matrix) {
         const Chain chain = ChainOf(MatrixFrom(matrix));
         const Quaternion q = QuaternionOf(chain);

@@ -6,6 +6,9 @@
 #include <array>
 #include <cstddef>
 #include <span>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "corvinade/api.h"
 
@@ -56,5 +59,14 @@ CORVINADE_API Matrix4 Compose(const Matrix4& then, const Matrix4& first);
 // Transforms points x y z x y z ..., mm. `to` is as long and may be the same memory. Throws InvalidInput
 // where the lengths differ or are no multiple of three.
 CORVINADE_API void Apply(const Matrix4& matrix, std::span<const double> from, std::span<double> to);
+
+// The forms that a transformation is handed on in, as `corvinade-cli export --as` calls them: "matrix",
+// "ros", "kuka-base", "fanuc-uframe", "abb-wobj", ...
+CORVINADE_API std::vector<std::string> ExportForms();
+
+// The transformation in one of them, ending with a line end; `name` goes into declarations. Numbers have so
+// many digits that it comes back to 1e-9 mm at 10 m. Throws InvalidInput for another name, and where the form
+// has no place for a scale, a shear or a mirror.
+CORVINADE_API std::string Export(const Matrix4& matrix, std::string_view form, std::string_view name = {});
 
 }  // namespace corvinade

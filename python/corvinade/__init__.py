@@ -19,13 +19,13 @@ from typing import Any, Mapping, Optional, Sequence
 
 import numpy as np
 
-from ._corvinade import InvalidInput, PARAMETERS, __version__
+from ._corvinade import EXPORT_FORMS, InvalidInput, PARAMETERS, __version__
 from ._corvinade import fit as _fit
 from ._points import doubles, paired, points_of
 from ._result import Note, Parameter, Result, Statistics, Transformation
 from ._rotation import Rotation
 
-__all__ = ["fit", "InvalidInput", "Note", "PARAMETERS", "Parameter", "Result", "Rotation", "Statistics",
+__all__ = ["fit", "EXPORT_FORMS", "InvalidInput", "Note", "PARAMETERS", "Parameter", "Result", "Rotation", "Statistics",
            "Transformation", "__version__"]
 
 _NO_DOUBLES = np.empty(0)

@@ -60,6 +60,13 @@ class Transformation:
         """The way back. ValueError where there is none."""
         return Transformation(_corvinade.invert(self.matrix))
 
+    def export(self, form: str, name: str = "") -> str:
+        """The transformation as another machine takes it: one of `corvinade.EXPORT_FORMS`, such as "ros".
+
+        `name` goes into declarations. ValueError where the form has no place for a scale, a shear or a mirror.
+        """
+        return _corvinade.export(self.matrix, form, name)
+
     def __matmul__(self, first: Transformation) -> Transformation:
         """First `first`, then this one."""
         if not isinstance(first, (Transformation, Result)):
@@ -195,6 +202,13 @@ class Result:
     def inverse(self) -> Transformation:
         """The way back, from nominal to measured. ValueError where there is none."""
         return self.transformation.inverse()
+
+    def export(self, form: str, name: str = "") -> str:
+        """The transformation as another machine takes it: one of `corvinade.EXPORT_FORMS`, such as "ros".
+
+        `name` goes into declarations. ValueError where the form has no place for a scale, a shear or a mirror.
+        """
+        return _corvinade.export(self.matrix, form, name)
 
     def to_json(self, indent: Optional[int] = 1) -> str:
         """All of it as JSON, which ``corvinade-cli transform --with`` takes; mm and rad, null for what is open."""

@@ -139,3 +139,33 @@ def test_a_result_that_did_not_converge_says_so_and_is_not_taken(tmp_path):
                           cwd=tmp_path, capture_output=True, text=True)
     assert said.returncode == 4 and "did not converge" in said.stderr
     assert not (tmp_path / "moved.txt").exists()
+
+
+def test_exports_are_those_of_the_command_line(tmp_path):
+    measured = POINTS
+    nominal = Scipy.from_rotvec([1, -2, 0.5]).apply(POINTS) + [10, -20, 30]
+    for file, rows in (("start", measured), ("target", nominal)):
+        lines = [f"P{i:02};{x!r};{y!r};{z!r}" for i, (x, y, z) in enumerate(rows.tolist())]
+        (tmp_path / file).write_text("name;x;y;z\n" + "\n".join(lines) + "\n")
+    result = corvinade.fit(measured, nominal, "6")
+    assert len(corvinade.EXPORT_FORMS) == 13
+    for form in corvinade.EXPORT_FORMS:
+        said = subprocess.run([CLI, "fit", "start", "target", "--export", f"{form}=-", "--quiet"], cwd=tmp_path,
+                              capture_output=True, text=True)
+        assert said.returncode == 0 and result.export(form, "start") == said.stdout, form
+
+
+def test_exports_hold_the_transformation():
+    rotation = Scipy.from_rotvec([1, -2, 0.5])
+    result = turned(rotation)
+    numbers = [float(n) for n in result.export("quaternion").split()]
+    assert np.allclose(numbers[:3], [10, -20, 30], rtol=0, atol=1e-9)
+    assert np.allclose(Scipy.from_quat(numbers[3:]).as_matrix(), rotation.as_matrix(), rtol=0, atol=1e-11)
+    words = result.export("ros").split()
+    assert float(words[words.index("--x") + 1]) == pytest.approx(0.01, abs=1e-12)
+    way_back = [float(n) for n in result.inverse().export("matrix").split()]
+    assert np.allclose(np.reshape(way_back, (4, 4)), np.linalg.inv(result.matrix), rtol=0, atol=1e-9)
+    with pytest.raises(ValueError, match="scales x, y, z by 1.5"):
+        turned(rotation, 1.5).export("ros")
+    with pytest.raises(ValueError, match="kuka-base"):
+        result.export("lisp")

@@ -9,6 +9,7 @@
 #include "fit/best_transformation.h"
 #include "fit/chain.h"
 #include "fit/chain_search.h"
+#include "fit/placement_forms.h"
 #include "fit/quaternion.h"
 #include "fit/small_svd.h"
 
@@ -142,6 +143,29 @@ void Apply(const Matrix4& matrix, std::span<const double> from, std::span<double
             to[i + row] =
                 matrix[4 * row] * x + matrix[4 * row + 1] * y + matrix[4 * row + 2] * z + matrix[4 * row + 3];
     }
+}
+
+std::vector<std::string> ExportForms() {
+    std::vector<std::string> names;
+    for (const fit::PlacementForm& form : fit::PlacementForms()) names.emplace_back(form.Name);
+    return names;
+}
+
+std::string Export(const Matrix4& matrix, std::string_view form, std::string_view name) {
+    CheckMatrix(matrix);
+    fit::Placement placement;
+    placement.Matrix = LinearOf(matrix);
+    placement.Shift_mm = {matrix[3], matrix[7], matrix[11]};
+    placement.Name = fit::AsIdentifier(std::string(name));
+    std::string names;
+    for (const fit::PlacementForm& one : fit::PlacementForms()) {
+        names += (names.empty() ? "" : ", ") + std::string(one.Name);
+        if (form != one.Name) continue;
+        const std::string why = fit::WhyNotInForm(one.Name, one.Rigid, one.OfTool, placement);
+        if (!why.empty()) throw InvalidInput(why);
+        return one.Text(fit::Described(one.OfTool, placement));
+    }
+    throw InvalidInput("a form is one of " + names + ", and \"" + std::string(form) + "\" came");
 }
 
 }  // namespace corvinade
