@@ -205,3 +205,24 @@ def test_keeps_what_it_shows_alive():
     for seed in range(50):
         corvinade.fit(*cell(seed=seed))
     assert np.array_equal(residuals, again.residuals)
+
+
+def test_many_fits_leave_no_memory_behind():
+    measured, nominal = cell()
+
+    def resident():
+        with open("/proc/self/statm", encoding="ascii") as file:
+            return int(file.read().split()[1]) * os.sysconf("SC_PAGE_SIZE")
+
+    def fits(count):
+        for _ in range(count):
+            result = corvinade.fit(measured, nominal)
+            result.residuals, result.notes, result.rotation.as_quat()
+            with pytest.raises(ValueError):
+                corvinade.fit(measured, nominal[:3])
+
+    fits(500)
+    before = resident()
+    fits(10_000)
+    # A result lost each time would be ten times this.
+    assert resident() - before < 1_000_000
