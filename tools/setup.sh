@@ -5,8 +5,11 @@
 BUILD_PACKAGES="g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libgtest-dev qt6-base-dev qt6-tools-dev qt6-svg-dev qt6-charts-dev"
 # The manual's PDF and its letters.
 BUILD_PACKAGES="$BUILD_PACKAGES pandoc weasyprint fonts-open-sans fonts-dejavu-core"
+# The Python package.
+BUILD_PACKAGES="$BUILD_PACKAGES python3-dev python3-numpy pybind11-dev"
 # What the tests need besides.
-TEST_PACKAGES="git clang-format clang-tidy dbus-daemon xvfb openbox xdotool imagemagick jq poppler-utils qpdf proj-bin locales"
+TEST_PACKAGES="git clang-format clang-tidy dbus-daemon xvfb openbox xdotool imagemagick jq poppler-utils qpdf proj-bin locales pkgconf doxygen"
+TEST_PACKAGES="$TEST_PACKAGES python3-pytest python3-scipy python3-pandas"
 # What the benchmarks need besides.
 BENCH_PACKAGES="libbenchmark-dev libeigen3-dev libopenblas-dev mawk"
 

@@ -63,6 +63,30 @@ run_tests() {
     fi
 }
 
+# run_pytest NAME ARGUMENTS: the same for tests of pytest, in one process. The counts are those of its own record;
+# a test that skips itself has not been run, and an end without a record, or without a test, is a failure.
+run_pytest() {
+    name=$1
+    shift
+    echo "Tests, $name"
+    record=$(mktemp)
+    /usr/bin/python3 -m pytest -q --no-header -p no:cacheprovider --junitxml="$record" "$@" >"$record.log" 2>&1
+    status=$?
+    count() { sed -n "s/.*<testsuite [^>]*$1=\"\([0-9]*\)\".*/\1/p" "$record" | head -1; }
+    all=$(count tests)
+    bad=$(($(count failures) + $(count errors) + 0))
+    skipped=$(count skipped)
+    ran=$((${all:-0} - ${skipped:-0}))
+    passed=$((passed + ran - bad))
+    failed=$((failed + bad))
+    if [ "$status" != 0 ] || [ "$ran" = 0 ] || [ "${skipped:-0}" != 0 ]; then
+        tail -60 "$record.log" >&2
+        echo "The tests $name: $ran of ${all:-0} were run (status $status)" >&2
+        [ "$bad" != 0 ] || failed=$((failed + 1))
+    fi
+    rm -f "$record" "$record.log"
+}
+
 # check NAME COMMAND [ARGUMENTS]: one more that has passed or failed.
 check() {
     echo "$1"

@@ -2,26 +2,20 @@
 // it.
 #pragma once
 
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "core/arrays.h"
 #include "core/rooms.h"
+#include "fit/placement_forms.h"
 
 namespace corvinade::analysis {
 
-// What is handed on: X = Shift_mm + Matrix x, the start system seen from the target system (parent: target,
-// child: start).
-struct Placement {
-    Mat3 Matrix;  // rotation, shear and scales in one
-    Vec3 Shift_mm;
-    std::optional<Vec3> Tip_mm;  // of a fit with the tool vector: the tool's tip seen from the flange
-    bool TipLost = false;        // of such a fit, whose job has not kept it
-    std::string Name;            // of the data that a declaration declares
-};
+using fit::ExactText;
+using fit::Placement;
+using fit::TurnsAboutXYZ;
+using fit::UnitQuaternion;
 
 // Names that stand in a frame file.
 struct FrameNames {
@@ -53,19 +47,5 @@ std::string WhyNotInForm(const ExportForm& form, const Placement& placement);
 // transformation comes back to 1e-9 mm at 10 m. Ends with a line end, which of those that OfJob writes their
 // format decides. Require: WhyNotInForm has nothing against it.
 std::string ExportText(const ExportForm& form, const Placement& placement, const FrameNames& names = {});
-
-// --- What the forms are made of ---------------------------------------------------------------------------
-
-// A number that reads back as the same one, with a point and without an exponent; what is nearer to 0 than
-// 1e-20 is "0".
-std::string ExactText(double value);
-
-// The turns about the fixed axes x, y and z, in this order, that make a rotation: R = Rz(z) Ry(y) Rx(x) with
-// the elementary rotations that turn a point; rad. Where the second turn brings the third axis onto the first
-// (gimbal lock) the one about z is 0.
-Vec3 TurnsAboutXYZ(const Mat3& R);
-
-// The quaternion w, x, y, z of a rotation, of length 1, w not below 0.
-std::array<double, 4> UnitQuaternion(const Mat3& R);
 
 }  // namespace corvinade::analysis

@@ -141,7 +141,8 @@ int MatrixOfResult(const std::string& bytes, const TransformationWish& wish, std
         matrix = MatrixOfJson(root.value("matrix", json()), wish.Path);
         return kDone;
     }
-    if (schema != "corvinade-fit")
+    // The Python package tells a fit by a schema of its own, whose transformation is the same.
+    if (schema != "corvinade-fit" && schema != "corvinade-library-fit")
         Fail(wish.Path, "its schema is neither \"corvinade-fit\" nor \"corvinade-transformation\"");
     const json transformation = root.value("transformation", json());
     if (!transformation.is_object()) Fail(wish.Path, "it has no member \"transformation\"");

@@ -20,8 +20,9 @@ const fs::path kSource = CORVINADE_SOURCE_DIR;
 
 // Rooms of one floor know nothing of each other. What stands directly in src/ is above all rooms.
 const std::map<std::string, int> kFloors = {
-    {"fit", -1},     {"core", 0},     {"engine", 1}, {"import", 2}, {"paraboloid", 3}, {"bundle", 3},
-    {"analysis", 3}, {"graphics", 4}, {"paint", 5},  {"cli", 6},    {"ui", 6},         {"system", 6}};
+    {"fit", -1},   {"core", 0},     {"engine", 1},   {"import", 2}, {"paraboloid", 3},
+    {"bundle", 3}, {"analysis", 3}, {"graphics", 4}, {"paint", 5},  {"cli", 6},
+    {"ui", 6},     {"system", 6},   {"library", 6}};
 
 const std::set<std::string> kStandardHeaders = {"algorithm",     "any",
                                                 "array",         "atomic",
@@ -125,6 +126,8 @@ std::string Objection(const Include& include) {
     }
     const std::string to = RoomOf(include.Name);
     if (from.empty()) return "";
+    // The library stands on the mathematics alone; its headers are those that its users have.
+    if (from == "library") return to == "corvinade" || to == "fit" ? "" : "is of more than the mathematics";
     if (to.empty()) return "stands above all rooms";
     if (!kFloors.contains(to)) return "is in no known room";
     return from == to || FloorOf(to) < FloorOf(from) ? "" : "runs up";
@@ -194,6 +197,10 @@ TEST(Floors, AnIncludeThatRunsUpIsSeen) {
     EXPECT_EQ(Objection({"engine/a.cpp", "core/b.h", true}), "");
     EXPECT_EQ(Objection({"windows.cpp", "graphics/b.h", true}), "");
     EXPECT_EQ(Objection({"ui/a.cpp", "QWidget", false}), "");
+    EXPECT_EQ(Objection({"library/a.cpp", "corvinade/b.h", true}), "");
+    EXPECT_EQ(Objection({"library/a.cpp", "fit/b.h", true}), "");
+    EXPECT_NE(Objection({"library/a.cpp", "core/b.h", true}), "");
+    EXPECT_NE(Objection({"core/a.cpp", "corvinade/b.h", true}), "");
     EXPECT_NE(Objection({"core/a.cpp", "engine/b.h", true}), "");
     EXPECT_NE(Objection({"import/a.h", "bundle/b.h", true}), "");
     EXPECT_NE(Objection({"bundle/a.h", "analysis/b.h", true}), "");

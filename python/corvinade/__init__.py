@@ -1,0 +1,103 @@
+"""Least-squares 3D transformation between two sets of points, with the bits of ``corvinade-cli fit``.
+
+Lengths in mm, angles in rad, arrays of shape (n, 3) with rows x y z.
+
+>>> import numpy as np
+>>> import corvinade
+>>> measured = np.array([[0, 0, 0], [1000, 0, 0], [0, 800, 0], [0, 0, 600.0]])
+>>> nominal = measured + [100, 200, 50]
+>>> result = corvinade.fit(measured, nominal)
+>>> np.round(result.translation, 6) + 0.0
+array([100., 200.,  50.])
+>>> result.transform([[1, 2, 3.0]]).round(6)
+array([[101., 202.,  53.]])
+"""
+
+from __future__ import annotations
+
+from typing import Any, Mapping, Optional, Sequence
+
+import numpy as np
+
+from ._corvinade import EXPORT_FORMS, InvalidInput, PARAMETERS, __version__
+from ._corvinade import fit as _fit
+from ._points import doubles, paired, points_of
+from ._result import Note, Parameter, Result, Statistics, Transformation
+from ._rotation import Rotation
+
+__all__ = ["fit", "EXPORT_FORMS", "InvalidInput", "Note", "PARAMETERS", "Parameter", "Result", "Rotation", "Statistics",
+           "Transformation", "__version__"]
+
+_NO_DOUBLES = np.empty(0)
+_NO_FLAGS = np.empty(0, dtype=np.uint8)
+
+
+def fit(measured: Any, nominal: Any, parameters: str = "7", names: Optional[Sequence[str]] = None,
+        sigma: Any = None, norm: str = "l2", hold: Optional[Mapping[str, float]] = None, *,
+        use: Any = None, nominal_sigma: Any = None, seed: Sequence[int] = (0, 1, 2),
+        max_iterations: int = 100) -> Result:
+    """The transformation that carries `measured` onto `nominal`, pair by pair.
+
+    measured, nominal: arrays of shape (n, 3), mm; float64 is read where it lies. Frames of pandas with columns
+        x, y, z (or three) have the names of their points in the index: two of them are paired by name, in the order
+        of the measured ones, and what has no partner is told in `notes` and `unpaired`.
+    parameters: "level" (shifts, turn about z), "6" (rigid), "7" (one scale), "9" (a scale an axis), "12" (affine).
+    names: of the pairs, n of them.
+    sigma, nominal_sigma: a-priori standard deviations, mm: of all, of shape (3,) or of shape (n, 3). With the norms
+        l2, l1 and loo.
+    norm: "l2", "l1", "loo", "l1-exact", "minimax".
+    hold: values of parameters that do not float: {"rotz": 0}; mm, rad, factors.
+    use: of shape (n,) or (n, 3): False takes no part.
+    seed: the three pairs, from 0, that start values come from.
+
+    Other threads run meanwhile, and Ctrl-C ends it. TypeError for what is no array of numbers; ValueError
+    (InvalidInput) for wrong shapes and lengths, NaN, no points, fewer observations than unknowns, other names.
+    """
+    start, of_measured = points_of(measured, "measured")
+    target, of_nominal = points_of(nominal, "nominal")
+    unpaired: tuple[list[str], list[str]] = ([], [])
+    if of_measured is not None and of_nominal is not None:
+        if names is not None or use is not None or np.ndim(sigma) == 2 or np.ndim(nominal_sigma) == 2:
+            raise ValueError("two frames are paired by their names: names, use and standard deviations a point do not "
+                             "go with that; pair them first, and hand over arrays")
+        here, there = paired(of_measured, of_nominal)
+        kept, others = set(here), set(there)
+        unpaired = ([name for i, name in enumerate(of_measured) if i not in kept],
+                    [name for i, name in enumerate(of_nominal) if i not in others])
+        start, target = start[here], target[there]
+        pair_names: Optional[list[str]] = [of_measured[i] for i in here]
+    elif names is not None:
+        pair_names = [str(name) for name in names]
+        if len(pair_names) != len(start):
+            raise ValueError(f"names: as many as pairs were expected, {len(start)}, and {len(pair_names)} came")
+    else:
+        pair_names = of_measured if of_measured is not None else of_nominal
+    count = len(start)
+    fitted = _fit(start, target, parameters, dict(hold) if hold else {}, norm,
+                  _NO_FLAGS if use is None else _flags(use, count),
+                  _NO_DOUBLES if sigma is None else _sigmas(sigma, count, "sigma"),
+                  _NO_DOUBLES if nominal_sigma is None else _sigmas(nominal_sigma, count, "nominal_sigma"),
+                  seed, max_iterations)
+    return Result(fitted, pair_names, norm, unpaired)
+
+
+def _flags(use: Any, count: int) -> np.ndarray:
+    flags = np.asarray(use)
+    if flags.dtype != np.bool_:
+        raise TypeError(f"use: an array of bool was expected, and one of {flags.dtype} came")
+    if flags.shape == (count,):
+        flags = np.repeat(flags, 3).reshape(count, 3)
+    if flags.shape != (count, 3):
+        raise ValueError(f"use: an array of shape ({count},) or ({count}, 3) was expected, and one of shape "
+                         f"{flags.shape} came")
+    return np.ascontiguousarray(flags).view(np.uint8)
+
+
+def _sigmas(sigma: Any, count: int, what: str) -> np.ndarray:
+    sigmas = doubles(sigma, what)
+    if sigmas.shape == ():
+        sigmas = np.full(3, float(sigmas))
+    if sigmas.shape not in ((3,), (count, 3)):
+        raise ValueError(f"{what}: a number, or an array of shape (3,) or ({count}, 3) was expected, and one of shape "
+                         f"{sigmas.shape} came")
+    return sigmas
