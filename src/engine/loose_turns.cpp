@@ -75,6 +75,9 @@ struct Pairs {
         return left;
     }
 
+    // No single coordinate is out of use.
+    bool Whole() const { return Observations == 3 * static_cast<int>(List.size()); }
+
 private:
     void Add(const GatheredPoints& points, const Linearisation& at, int i) {
         Pair pair;
@@ -126,6 +129,42 @@ struct Turn {
     double Images = 0, Targets = 0;  // |w x e|, |w x f| over the coordinates in use, mm
     double Along = 0, Across = 0;    // C and D of the sum, mm^2
 };
+
+// C and D where single coordinates are out of use. Those in use of w x e and of a place along w are at no
+// right angle then, and what is along w would drown what is across: C and D are of the parts across alone.
+void TakePartsAcross(const Vec3& w, const Pairs& pairs, Turn& turn) {
+    struct Parts {
+        Vec3 Across, Turned, Target;
+    };
+    std::vector<Parts> parts;
+    Parts middle;
+    std::array<int, 4> counts{};
+    for (const Pair& pair : pairs.List) {
+        Parts part;
+        const double along = Dot(w, pair.Image);
+        VecCross(w, pair.Image, part.Turned);
+        for (int axis = 1; axis <= 3; ++axis) {
+            part.Across(axis) = pair.Image(axis) - along * w(axis);
+            part.Target(axis) = pair.Target(axis) - along * w(axis);
+            if (!pair.InUse[At(axis)]) continue;
+            ++counts[At(axis)];
+            middle.Across(axis) += part.Across(axis);
+            middle.Turned(axis) += part.Turned(axis);
+            middle.Target(axis) += part.Target(axis);
+        }
+        parts.push_back(part);
+    }
+    turn.Along = turn.Across = 0;
+    for (std::size_t i = 0; i < parts.size(); ++i)
+        for (int axis = 1; axis <= 3; ++axis) {
+            if (!pairs.List[i].InUse[At(axis)]) continue;
+            const double n = counts[At(axis)];
+            const double target = parts[i].Target(axis) - middle.Target(axis) / n;
+            turn.Along += (parts[i].Across(axis) - middle.Across(axis) / n) * target;
+            turn.Across += (parts[i].Turned(axis) - middle.Turned(axis) / n) * target;
+        }
+}
+
 Turn TurnAbout(const Vec3& w, const Pairs& pairs) {
     Turn turn;
     Vec3 middleOfImages, middleOfTargets;
@@ -156,6 +195,7 @@ Turn TurnAbout(const Vec3& w, const Pairs& pairs) {
         }
     turn.Images = std::sqrt(images);
     turn.Targets = std::sqrt(targets);
+    if (!pairs.Whole()) TakePartsAcross(w, pairs, turn);
     return turn;
 }
 
@@ -169,6 +209,33 @@ void AddAxes(const std::vector<Vec3>& span, const Pairs& pairs, const Vec3 Pair:
                 if (pair.InUse[At(i)] && pair.InUse[At(j)])
                     products(i, j) += ((pair.*a)(i) * (pair.*b)(j) + (pair.*a)(j) * (pair.*b)(i)) / 2;
     engine::AddAxes(span, products, axes);
+}
+
+// The same by what a turn about them does to the coordinates in use. Where some are out of use the products
+// of a line do not tell its direction, and turns about any other one would look well known.
+void AddAxesByEffect(const std::vector<Vec3>& span, const Pairs& pairs, const Vec3 Pair::*place,
+                     std::vector<Vec3>& axes) {
+    Mat3 form;
+    for (int axis = 1; axis <= 3; ++axis) {
+        const int next = axis % 3 + 1, last = next % 3 + 1;
+        int count = 0;
+        Vec3 middle;
+        for (const Pair& pair : pairs.List) {
+            if (!pair.InUse[At(axis)]) continue;
+            ++count;
+            for (int j = 1; j <= 3; ++j) middle(j) += (pair.*place)(j);
+        }
+        for (const Pair& pair : pairs.List) {
+            if (!pair.InUse[At(axis)]) continue;
+            // The coordinate of w x p is w(next) p(last) - w(last) p(next); a translation takes its mean.
+            Vec3 row;
+            row(next) = (pair.*place)(last)-middle(last) / count;
+            row(last) = middle(next) / count - (pair.*place)(next);
+            for (int i = 1; i <= 3; ++i)
+                for (int j = 1; j <= 3; ++j) form(i, j) += row(i) * row(j);
+        }
+    }
+    engine::AddAxes(span, form, axes);
 }
 
 // One scale of the images that comes nearest to the targets, and what is left then of each coordinate. Of
@@ -215,6 +282,10 @@ public:
         AddAxes(span, pairs, &Pair::Image, &Pair::Target, candidates_);
         AddAxes(span, pairs, &Pair::Image, &Pair::Image, candidates_);
         AddAxes(span, pairs, &Pair::Target, &Pair::Target, candidates_);
+        if (!pairs.Whole()) {
+            AddAxesByEffect(span, pairs, &Pair::Image, candidates_);
+            AddAxesByEffect(span, pairs, &Pair::Target, candidates_);
+        }
         for (const Vec3& w : candidates_) {
             const Turn turn = TurnAbout(w, pairs);
             images_ = std::max(images_, turn.Images);

@@ -217,12 +217,22 @@ void TakeTurned(const GatheredPoints& points, const PointMoments& moments, Plain
 std::optional<Mat3> AxesOfThinPoints(const GatheredPoints& points, const PointMoments& moments,
                                      PlainModel model) {
     const int axis = model == PlainModel::Affine ? 3 : 2;
-    if (model == PlainModel::AxisScales || !WeighAlike(moments) || !(moments.B[1][0][0] > 0)) return {};
-    const Svd3 svd = Decompose3(StartProducts(moments, 1));
+    if (model == PlainModel::AxisScales || (model == PlainModel::Affine && !WeighAlike(moments))) return {};
+    for (int k = 1; k <= 3; ++k)
+        if (!(moments.B[At(k)][0][0] > 0)) return {};
+    Mat3 products = StartProducts(moments, 1);
+    for (int k = 2; k <= 3 && !WeighAlike(moments); ++k) {
+        const Mat3 more = StartProducts(moments, k);
+        for (int i = 1; i <= 3; ++i)
+            for (int j = 1; j <= 3; ++j) products(i, j) += more(i, j);
+    }
+    const Svd3 svd = Decompose3(products);
     if (!(svd.s(1) > 0) || svd.s(axis) > kThin * svd.s(1)) return {};
     std::vector<int> used;
     for (int i = 0; i < points.Count; ++i)
-        if (points.AllInUse || points.Weight[0][At(i)] != 0) used.push_back(i);
+        if (points.AllInUse ||
+            points.Weight[0][At(i)] + points.Weight[1][At(i)] + points.Weight[2][At(i)] > 0)
+            used.push_back(i);
     const PrincipalAxes axes = AxesOf(points.Start, used);
     // Nothing more is known than what the usual sums tell.
     if (KnownDirections(axes.Squares, RoundingOfStart(points)) < axis) return {};
@@ -241,6 +251,8 @@ GatheredPoints AlongAxes(const GatheredPoints& points, const Mat3& axes) {
 
 BestTransformations BestOfThinPoints(const GatheredPoints& points, const PointMoments& moments,
                                      PlainModel model) {
+    // Single coordinates out of use leave no closed form; the search by starts has the same axes.
+    if (!WeighAlike(moments)) return BestOfModel(moments, model);
     BestTransformations best;
     best.ClosedForm = true;
     if (model == PlainModel::Affine) {

@@ -140,6 +140,45 @@ TEST_F(LooseTurns, ARailMeasuredOnBothSidesLeavesTheTurnAboutItAsGoodAsOpen) {
     EXPECT_GT(far, 60) << "of 96 results that put a point 500 mm off the rail onto another place";
 }
 
+// Leaves single coordinates out: of every third point another axis.
+void LeaveCoordinatesOut(int points) {
+    for (int i = 0; i < points; i += 3) Job.UseFlags[static_cast<std::size_t>(3 * i + 1 + i % 9 / 3)] = 0;
+}
+
+TEST_F(LooseTurns, ALineOfWhichCoordinatesAreOutOfUseLeavesTheTurnAboutItAsGoodAsOpen) {
+    for (const char* preset : {"6", "7"})
+        for (const double noise : {0.0001, 0.05})
+            for (int set = 0; set < 20; ++set) {
+                Begin();
+                const int points = 6 + set;
+                const auto truth = AnyTruth(), place = AnyTruth();
+                for (int i = 0; i < points; ++i) {
+                    const Point on = reference::Image(place, {1000.0L * i / points, 0, 0});
+                    AddPair(Noisy(on, noise), Noisy(reference::Image(truth, on), noise));
+                }
+                LeaveCoordinatesOut(points);
+                Fit(preset);
+                EXPECT_TRUE(Told()) << preset << ", " << points << " points, noise " << noise << Codes();
+                EXPECT_TRUE(AnyRotationMarked());
+            }
+}
+
+TEST_F(LooseTurns, OrdinarySetsOfWhichCoordinatesAreOutOfUseAreNotTold) {
+    for (const char* preset : {"6", "7"})
+        for (int set = 0; set < 20; ++set) {
+            Begin();
+            const auto truth = AnyTruth();
+            for (int i = 0; i < 6 + set; ++i) {
+                const Point start = {900 * NextNumber(), (set % 2 == 0 ? 700 : 100) * NextNumber(),
+                                     set % 3 == 0 ? 500 * NextNumber() : 0.0};
+                AddPair(start, Noisy(reference::Image(truth, start), 0.05));
+            }
+            LeaveCoordinatesOut(6 + set);
+            Fit(preset);
+            EXPECT_FALSE(Told()) << preset << " set " << set << Codes();
+        }
+}
+
 TEST_F(LooseTurns, TargetsAtOnePlaceLeaveEveryTurnOpen) {
     Begin();
     for (int i = 0; i < 6; ++i)
