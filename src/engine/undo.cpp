@@ -179,6 +179,10 @@ void NoteUndoStep() {
     OfferSteps();
 }
 
+void LookPastResult() {
+    if (Undo.Choices) Undo.Choices = ChoicesNow();
+}
+
 void ForgetShownChoices() {
     Undo.Choices.reset();
 }

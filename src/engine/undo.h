@@ -58,6 +58,9 @@ inline UndoRecord Undo;
 // Behind an event that may have changed any of it: what differs becomes a step.
 void NoteUndoStep();
 
+// A calculation has written its result into the window's fields: that is no step.
+void LookPastResult();
+
 // The window goes, and with it what was chosen and not calculated.
 void ForgetShownChoices();
 
