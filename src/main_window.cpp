@@ -3,6 +3,7 @@
 #include "analysis/form_main_exports.h"
 #include "analysis/form_main_sheet.h"
 #include "core/form_main.h"
+#include "engine/undo.h"
 #include "graphics/form_main_graphics.h"
 #include "import/clipboard_round_trip.h"
 
@@ -41,6 +42,8 @@ const ControlEntry kControls[] = {
     Command("MenüDateiAlt4", &Main.MenüDateiAlt4, Menu("&4 "), FormMain::MenüDateiAlt4_Click, "MenuFile"),
     Command("MenuFileExit", &Main.MenuFileExit, Menu("E&xit"), FormMain::MenuFileExit_Click, "MenuFile"),
     {"MenuEdit", &Main.MenuEdit, Menu("&Edit")},
+    Command("MenuEditUndo", &Main.MenuEditUndo, Disabled(Menu("&Undo")), MenuEditUndo_Click, "MenuEdit"),
+    Command("MenuEditRedo", &Main.MenuEditRedo, Disabled(Menu("&Redo")), MenuEditRedo_Click, "MenuEdit"),
     Command("MenuEditCopy", &Main.MenuEditCopy, Menu("&Copy"), MenuEditCopy_Click, "MenuEdit"),
     Command("MenuEditGraphData", &Main.MenuEditGraphData, Menu("&Graph Data..."), MenuEditGraphData_Click,
             "MenuEdit"),

@@ -51,6 +51,7 @@
 #include "engine/result_state.h"
 #include "engine/selection.h"
 #include "engine/transform.h"
+#include "engine/undo.h"
 #include "graphics/ellipsoids.h"
 #include "graphics/form_black_plane.h"
 #include "graphics/form_color_bar.h"
@@ -129,6 +130,7 @@ void (*const kRecords[])() = {
     [] { CalculationWindow = CalculationWindowRecord{}; },
     [] { Norm = NormRecord{}; },
     [] { ShownResult = ResultStateRecord{}; },
+    [] { Undo = UndoRecord{}; },
     [] { Certificate = CertificateRecord{}; },
     [] { MonteCarlo = MonteCarloRecord{}; },
     [] { Noise = NoiseRecord{}; },

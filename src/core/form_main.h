@@ -27,6 +27,8 @@ struct FormMain {
     Control MenuFileExit;
 
     Control MenuEdit;
+    Control MenuEditUndo;
+    Control MenuEditRedo;
     Control MenuEditCopy;
     Control MenuEditGraphData;
 

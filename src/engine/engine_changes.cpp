@@ -4,6 +4,7 @@
 #include "core/form_units.h"
 #include "engine/calculation_window.h"
 #include "engine/result_state.h"
+#include "engine/undo.h"
 
 namespace corvinade::engine {
 
@@ -33,6 +34,7 @@ constexpr What kSourceOfResult = What::Choice | What::Use | What::Points | What:
                                  What::Coordinates | What::Result | What::OpenedJob;
 
 void ShowAgeOfResult(What changed) {
+    NoteUndoStep();
     if (Share(changed, What::UnitsAndDigits)) ResultInOtherUnits();
     CheckResultState();
 }

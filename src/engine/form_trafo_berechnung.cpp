@@ -13,6 +13,7 @@
 #include "engine/norm_table.h"
 #include "engine/result_state.h"
 #include "engine/selection.h"
+#include "engine/undo.h"
 #include "fit/require.h"
 
 namespace corvinade::engine {
@@ -27,6 +28,7 @@ void SeedBox_Click() {
     const ParameterControls& row = RowOf(parameter);
     row.SeedText->Enabled = row.SeedCheck->Value == 1;
     if (row.SeedText->Enabled && row.SeedText->Text.empty()) SetText(*row.SeedText, "0");
+    ChoiceChanged();
 }
 
 template <Control FormTrafoBerechnung::*option>
@@ -100,39 +102,39 @@ const ControlEntry kControls[] = {
      Disabled(Button("Load &R data")),
      {.Click = FormTrafoBerechnung::BtnLoadRData_Click}},
     {"CheckSeedTrax", &w.CheckSeedTrax, SeedBox(), {.Click = SeedBox_Click<kTraX>}},
-    {"TextSeedTrax", &w.TextSeedTrax, SeedField()},
+    {"TextSeedTrax", &w.TextSeedTrax, SeedField(), {.Change = ChoiceChanged}},
     {"CheckSeedTray", &w.CheckSeedTray, SeedBox(), {.Click = SeedBox_Click<kTraY>}},
-    {"TextSeedTray", &w.TextSeedTray, SeedField()},
+    {"TextSeedTray", &w.TextSeedTray, SeedField(), {.Change = ChoiceChanged}},
     {"CheckSeedTraz", &w.CheckSeedTraz, SeedBox(), {.Click = SeedBox_Click<kTraZ>}},
-    {"TextSeedTraz", &w.TextSeedTraz, SeedField()},
+    {"TextSeedTraz", &w.TextSeedTraz, SeedField(), {.Change = ChoiceChanged}},
     {"CheckSeedRotx", &w.CheckSeedRotx, SeedBox(), {.Click = SeedBox_Click<kRotX>}},
-    {"TextSeedRotx", &w.TextSeedRotx, SeedField()},
+    {"TextSeedRotx", &w.TextSeedRotx, SeedField(), {.Change = ChoiceChanged}},
     {"CheckSeedRoty", &w.CheckSeedRoty, SeedBox(), {.Click = SeedBox_Click<kRotY>}},
-    {"TextSeedRoty", &w.TextSeedRoty, SeedField()},
+    {"TextSeedRoty", &w.TextSeedRoty, SeedField(), {.Change = ChoiceChanged}},
     {"CheckSeedRotz", &w.CheckSeedRotz, SeedBox(), {.Click = SeedBox_Click<kRotZ>}},
-    {"TextSeedRotz", &w.TextSeedRotz, SeedField()},
+    {"TextSeedRotz", &w.TextSeedRotz, SeedField(), {.Change = ChoiceChanged}},
     {"CheckSeedScalex", &w.CheckSeedScalex, SeedBox(), {.Click = SeedBox_Click<kScaleX>}},
-    {"TextSeedScalex", &w.TextSeedScalex, SeedField()},
+    {"TextSeedScalex", &w.TextSeedScalex, SeedField(), {.Change = ChoiceChanged}},
     {"CheckSeedScaley", &w.CheckSeedScaley, SeedBox(), {.Click = SeedBox_Click<kScaleY>}},
-    {"TextSeedScaley", &w.TextSeedScaley, SeedField()},
+    {"TextSeedScaley", &w.TextSeedScaley, SeedField(), {.Change = ChoiceChanged}},
     {"CheckSeedScalez", &w.CheckSeedScalez, SeedBox(), {.Click = SeedBox_Click<kScaleZ>}},
-    {"TextSeedScalez", &w.TextSeedScalez, SeedField()},
+    {"TextSeedScalez", &w.TextSeedScalez, SeedField(), {.Change = ChoiceChanged}},
     {"CheckSeedScalexyz", &w.CheckSeedScalexyz, SeedBox(), {.Click = SeedBox_Click<kScaleXYZ>}},
-    {"TextSeedScalexyz", &w.TextSeedScalexyz, SeedField()},
+    {"TextSeedScalexyz", &w.TextSeedScalexyz, SeedField(), {.Change = ChoiceChanged}},
     {"CheckSeedxy", &w.CheckSeedxy, SeedBox(), {.Click = SeedBox_Click<kAngleXY>}},
-    {"TextSeedXY", &w.TextSeedXY, SeedField()},
+    {"TextSeedXY", &w.TextSeedXY, SeedField(), {.Change = ChoiceChanged}},
     {"CheckSeedAzimuth", &w.CheckSeedAzimuth, SeedBox(), {.Click = SeedBox_Click<kAzimuth>}},
-    {"TextSeedAzimuth", &w.TextSeedAzimuth, SeedField()},
+    {"TextSeedAzimuth", &w.TextSeedAzimuth, SeedField(), {.Change = ChoiceChanged}},
     {"CheckSeedztoxy", &w.CheckSeedztoxy, SeedBox(), {.Click = SeedBox_Click<kAngleZtoXY>}},
-    {"TextSeedZtoXY", &w.TextSeedZtoXY, SeedField()},
+    {"TextSeedZtoXY", &w.TextSeedZtoXY, SeedField(), {.Change = ChoiceChanged}},
     {"CheckSeedRdist", &w.CheckSeedRdist, SeedBox(), {.Click = SeedBox_Click<kRDist>}},
-    {"TextSeedRdist", &w.TextSeedRdist, SeedField()},
+    {"TextSeedRdist", &w.TextSeedRdist, SeedField(), {.Change = ChoiceChanged}},
     {"CheckSeedr0_x", &w.CheckSeedr0_x, SeedBox(), {.Click = SeedBox_Click<kRvecX>}},
-    {"TextSeedr0_x", &w.TextSeedr0_x, SeedField()},
+    {"TextSeedr0_x", &w.TextSeedr0_x, SeedField(), {.Change = ChoiceChanged}},
     {"CheckSeedr0_y", &w.CheckSeedr0_y, SeedBox(), {.Click = SeedBox_Click<kRvecY>}},
-    {"TextSeedr0_y", &w.TextSeedr0_y, SeedField()},
+    {"TextSeedr0_y", &w.TextSeedr0_y, SeedField(), {.Change = ChoiceChanged}},
     {"CheckSeedr0_z", &w.CheckSeedr0_z, SeedBox(), {.Click = SeedBox_Click<kRvecZ>}},
-    {"TextSeedr0_z", &w.TextSeedr0_z, SeedField()},
+    {"TextSeedr0_z", &w.TextSeedr0_z, SeedField(), {.Change = ChoiceChanged}},
     {"TextSigmaTraX", &w.TextSigmaTraX, Locked(TextBox())},
     {"TextSignifikanzTraX", &w.TextSignifikanzTraX, Locked(TextBox())},
     {"TextSigmaTraY", &w.TextSigmaTraY, Locked(TextBox())},
@@ -400,6 +402,7 @@ void FormTrafoBerechnung::Form_Load() {
 
 void FormTrafoBerechnung::Form_Unload() {
     Selection.DialogOpen = false;
+    ForgetShownChoices();
     MonteCarlo.MonteCarloOn = kFalse;
     Main.MenuTransformationCalculation.Checked = false;
     Main.Toolbar1_TrafoBerechnung.Value = 0;

@@ -20,6 +20,7 @@
 #include "engine/result_notes.h"
 #include "engine/result_state.h"
 #include "engine/selection.h"
+#include "engine/undo.h"
 
 namespace corvinade::engine {
 
@@ -210,7 +211,9 @@ void FormThings() {
     if (calculated) {
         // The question that a rotation may bring up can close the window, and its answer ask for another
         // calculation; that will show everything.
+        NoteUndoStep();  // what the user has chosen; what is written from here on is none of it
         ShowParameters(true);
+        LookPastResult();
         if (!IsLoaded("FormTrafoBerechnung") || CalculationWindow.Again) return;
         ShowTrends();
         ShowQuality();

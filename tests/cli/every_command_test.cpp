@@ -12,6 +12,7 @@
 #include "bundle/network.h"
 #include "cli/headless.h"
 #include "cli/record_json.h"
+#include "core/changes.h"
 #include "core/controller.h"
 #include "core/form_main.h"
 #include "core/job.h"
@@ -181,6 +182,12 @@ protected:
             ShowFlagCommands();
             Stelle_Grafik_dar(window);
             Headless.Clipboard.clear();
+        }
+        if (name == "MenuEditUndo" || name == "MenuEditRedo") {
+            Changed(What::Choice);  // from here on steps are kept
+            Job.UseFlags[1] = 0;
+            Changed(What::Use);
+            if (name == "MenuEditRedo") UserClick(Main.MenuEditUndo);
         }
         if (name == "MenuEditGraphData") {
             UserClick(Main.MenuVievMainSheet);
