@@ -109,6 +109,10 @@ struct Rooms {
                 if (!head.Defines && extension == ".h") Declared[file].insert(name);
             }
         }
+        // The face of the library, whose headers stand outside.
+        for (const auto& entry : fs::directory_iterator(source / "../include/corvinade"))
+            for (const Head& head : HeadsOf(Contents(entry.path().string())))
+                if (const std::string said = ClassSaid(head); !said.empty()) Classes["library"].insert(said);
     }
     // Declared in a header and not defined in its room, by the header.
     std::map<std::string, NameSet> DefinedElsewhere() const {
