@@ -27,15 +27,14 @@ std::string OfPoints(const FrameNames&) {
 }
 
 constexpr ExportForm kOfJob[] = {
-    {"rocal", "matrix for an offline tool", "bas", false, false, nullptr, OfRocal},
-    {"robcad", "frame for a simulation system", "rf", false, false, nullptr, OfRobCad},
-    {"points", "start points without a partner, transformed", "txt", false, false, nullptr, OfPoints},
+    {{"rocal", "matrix for an offline tool", "bas", false, false, nullptr}, OfRocal},
+    {{"robcad", "frame for a simulation system", "rf", false, false, nullptr}, OfRobCad},
+    {{"points", "start points without a partner, transformed", "txt", false, false, nullptr}, OfPoints},
 };
 
 std::vector<ExportForm> AllForms() {
     std::vector<ExportForm> forms;
-    for (const PlacementForm& form : PlacementForms())
-        forms.push_back({form.Name, form.Words, form.Extension, form.Rigid, form.OfTool, form.Text, nullptr});
+    for (const PlacementForm& form : PlacementForms()) forms.push_back({form});
     forms.insert(forms.end(), std::begin(kOfJob), std::end(kOfJob));
     return forms;
 }
@@ -56,13 +55,13 @@ std::span<const ExportForm> ExportForms() {
 const ExportForm* FindExportForm(std::string_view name) {
     const std::span<const ExportForm> forms = ExportForms();
     const auto found = std::find_if(forms.begin(), forms.end(),
-                                    [name](const ExportForm& form) { return name == form.Name; });
+                                    [name](const ExportForm& form) { return name == form.Form.Name; });
     return found == forms.end() ? nullptr : &*found;
 }
 
 std::vector<std::string> ExportFormNames() {
     std::vector<std::string> names;
-    for (const ExportForm& form : ExportForms()) names.emplace_back(form.Name);
+    for (const ExportForm& form : ExportForms()) names.emplace_back(form.Form.Name);
     return names;
 }
 
@@ -83,13 +82,13 @@ Placement PlacementOfJob(const std::string& path) {
 }
 
 std::string WhyNotInForm(const ExportForm& form, const Placement& placement) {
-    return fit::WhyNotInForm(form.Name, form.Rigid, form.OfTool, placement);
+    return fit::WhyNotInForm(form.Form, placement);
 }
 
 std::string ExportText(const ExportForm& form, const Placement& placement, const FrameNames& names) {
     if (form.OfJob != nullptr) return form.OfJob(names);
     Require(WhyNotInForm(form, placement).empty());
-    return form.Text(Described(form.OfTool, placement));
+    return form.Form.Text(Described(form.Form, placement));
 }
 
 }  // namespace corvinade::analysis

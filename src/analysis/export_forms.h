@@ -23,13 +23,8 @@ struct FrameNames {
 };
 
 struct ExportForm {
-    const char* Name;       // on the command line
-    const char* Words;      // what it is, in a list
-    const char* Extension;  // of a file for it, without the point
-    bool Rigid;             // has no place for scale, shear and mirror
-    bool OfTool;            // describes a tool: of a fit with the tool vector its tip, not turned
-    std::string (*Text)(const Placement&);    // null: the job itself is written
-    std::string (*OfJob)(const FrameNames&);  // null: the placement is written
+    fit::PlacementForm Form;
+    std::string (*OfJob)(const FrameNames&) = nullptr;  // null: the placement is written, by Form.Text
 };
 
 std::span<const ExportForm> ExportForms();

@@ -53,7 +53,7 @@ const ExportForm& ChosenForm() {
 }
 
 bool TakesNames(const ExportForm& form) {
-    return form.Name == std::string_view("robcad");
+    return form.Form.Name == std::string_view("robcad");
 }
 
 bool IsFinite(const Placement& placement) {
@@ -88,7 +88,7 @@ std::string TextOfForm(const ExportForm& form, const Placement& placement, std::
 
 // A list entry: the name that the command line has, and what the form is.
 std::string EntryOf(const ExportForm& form, const Placement& placement) {
-    return std::string(form.Name) + ": " + form.Words +
+    return std::string(form.Form.Name) + ": " + form.Form.Words +
            (WhyNot(form, placement).empty() ? "" : " (not of this result)");
 }
 
@@ -129,7 +129,7 @@ std::string TakenAlong() {
 std::string FileNameFor(const ExportForm& form) {
     const bool unnamed = Run.JobFilePath == kDefaultJobPath;
     const std::string name = unnamed ? "result.cvn" : NameOfFile(Run.JobFilePath);
-    return name.substr(0, name.find_last_of('.')) + "." + form.Extension;
+    return name.substr(0, name.find_last_of('.')) + "." + form.Form.Extension;
 }
 
 // What the settings give for a key that is not there.
@@ -176,7 +176,7 @@ void FormExport::BtnCopy_Click() {
 void FormExport::BtnSave_Click() {
     const ExportForm& form = ChosenForm();
     const auto path =
-        AskSaveFile({"Export result", std::string("*.") + form.Extension + "|*.*",
+        AskSaveFile({"Export result", std::string("*.") + form.Form.Extension + "|*.*",
                      Run.JobFilePath == kDefaultJobPath ? "" : Pfad(Run.JobFilePath), FileNameFor(form)});
     // The dialog has let events be handled.
     if (!path || path->empty() || !w.Window.Loaded || &ChosenForm() != &form) return;

@@ -107,7 +107,7 @@ std::string TakeExportSwitches(ExportSwitches& s) {
 
 int RunExport(const ExportOptions& options, std::ostream& out, std::ostream& err) {
     const analysis::ExportForm& form = *analysis::FindExportForm(options.As);
-    const std::string wanted = form.Name;
+    const std::string wanted = form.Form.Name;
     // The others go to programs, which take a decimal comma for the one between two numbers.
     if (options.Decimal && wanted == "points") Headless.Decimal = options.Decimal;
     ReadSettingsText(DefaultSettingsText(), "the built-in settings");

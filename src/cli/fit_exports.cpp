@@ -99,7 +99,7 @@ int MakeExports(const FitOptions& options, std::vector<FitExport>& exports, std:
             return Refuse(err, kRefused, why);
         FitExport made{wanted.Path, ""};
         // As of export: the points alone go by --decimal.
-        const PointInTexts point(wanted.Form->Name != std::string("points"));
+        const PointInTexts point(wanted.Form->Form.Name != std::string("points"));
         if (!Dispatch([&] { made.Text = ExportText(*wanted.Form, placement); }))
             return Refuse(err, kRefused, Run.LastPlatformError);
         exports.push_back(std::move(made));

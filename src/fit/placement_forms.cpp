@@ -203,8 +203,8 @@ std::span<const PlacementForm> PlacementForms() {
     return kForms;
 }
 
-Placement Described(bool ofTool, const Placement& p) {
-    if (!ofTool || !p.Tip_mm) return p;
+Placement Described(const PlacementForm& form, const Placement& p) {
+    if (!form.OfTool || !p.Tip_mm) return p;
     Placement tip = p;
     tip.Shift_mm = *p.Tip_mm;
     tip.Matrix = Mat3();
@@ -222,21 +222,21 @@ std::string AsIdentifier(std::string name) {
     return name.substr(0, kLongest);
 }
 
-std::string WhyNotInForm(const char* form, bool rigid, bool ofTool, const Placement& placement) {
-    if (ofTool && placement.TipLost)
-        return std::string("\"") + form +
+std::string WhyNotInForm(const PlacementForm& form, const Placement& placement) {
+    if (form.OfTool && placement.TipLost)
+        return std::string("\"") + form.Name +
                "\" holds the tool vector, which the job has lost, as files of before do: nothing was written; fit "
                "it again and save it anew";
-    if (!rigid) return "";
-    const Axes axes = AxesOf(Described(ofTool, placement).Matrix);
+    if (!form.Rigid) return "";
+    const Axes axes = AxesOf(Described(form, placement).Matrix);
     std::string has;
     const auto add = [&has](const std::string& what) { has += (has.empty() ? "" : ", and ") + what; };
     if (axes.Mirrored) add("is mirrored");
     if (axes.Stretched()) add("scales x, y, z by " + Listed(axes.Length, ", "));
     if (axes.Oblique()) add("shears the axes, whose angles have the cosines " + Listed(axes.Cosine, ", "));
     if (has.empty()) return "";
-    return std::string("\"") + form + "\" holds a rotation and a translation alone, and the result " + has +
-           ": nothing was written; matrix, matrix-csv, json and proj hold all of it";
+    return std::string("\"") + form.Name + "\" holds a rotation and a translation alone, and the result " +
+           has + ": nothing was written; matrix, matrix-csv, json and proj hold all of it";
 }
 
 std::string ExactText(double value) {

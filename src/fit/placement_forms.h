@@ -33,10 +33,10 @@ std::span<const PlacementForm> PlacementForms();
 
 // "", or why a form that is rigid, or of the tool, cannot hold the placement: a scale, a shear or a mirror
 // that moves points by more than rounding does, or a tool vector that is not known.
-std::string WhyNotInForm(const char* form, bool rigid, bool ofTool, const Placement& placement);
+std::string WhyNotInForm(const PlacementForm& form, const Placement& placement);
 
 // In a form of the tool stands its tip, where the fit has found one.
-Placement Described(bool ofTool, const Placement& placement);
+Placement Described(const PlacementForm& form, const Placement& placement);
 
 // A name as a program of a robot takes it: letters, digits and underlines, at most 24; "result" for none.
 std::string AsIdentifier(std::string name);

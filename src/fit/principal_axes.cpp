@@ -14,13 +14,7 @@ std::size_t At(int i) {
 
 // A rotation whose columns turn positive products onto their axes.
 Mat3 Turning(const Mat3& products) {
-    std::vector<double> rows;
-    for (int row = 1; row <= 3; ++row)
-        for (int column = 1; column <= 3; ++column) rows.push_back(products(row, column));
-    const SmallSvd svd = DecomposeSmall(rows, 3, 3);
-    Mat3 V;
-    for (int row = 1; row <= 3; ++row)
-        for (int column = 1; column <= 3; ++column) V(row, column) = svd.V[At(3 * (row - 1) + column - 1)];
+    Mat3 V = DecomposeToLastDigits(products).V;
     if (Determinant3(V) < 0)
         for (int row = 1; row <= 3; ++row) V(row, 3) = -V(row, 3);
     return V;

@@ -70,4 +70,20 @@ void QuaternionToAngles(double q0, double q1, double q2, double q3, double& a, d
     c = -WrapAngle(c);
 }
 
+Mat3 RotationOf(const std::array<double, 4>& q) {
+    const double length = std::sqrt(q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3]);
+    const double w = q[0] / length, x = q[1] / length, y = q[2] / length, z = q[3] / length;
+    Mat3 M;
+    M(1, 1) = 1 - 2 * (y * y + z * z);
+    M(1, 2) = 2 * (x * y - w * z);
+    M(1, 3) = 2 * (x * z + w * y);
+    M(2, 1) = 2 * (x * y + w * z);
+    M(2, 2) = 1 - 2 * (x * x + z * z);
+    M(2, 3) = 2 * (y * z - w * x);
+    M(3, 1) = 2 * (x * z - w * y);
+    M(3, 2) = 2 * (y * z + w * x);
+    M(3, 3) = 1 - 2 * (x * x + y * y);
+    return M;
+}
+
 }  // namespace corvinade::fit

@@ -1,6 +1,8 @@
 // Rotation matrix, quaternion and axis with angle.
 #pragma once
 
+#include <array>
+
 #include "fit/arrays.h"
 
 namespace corvinade::fit {
@@ -13,5 +15,8 @@ void MatrixToQuaternion(const Mat3& M, Column& record, double& a, double& b, dou
 // The angles of RotMatrixXYZ for a unit quaternion. At the pole of b, where a and c cannot be told
 // apart, a = c = pi/4 is the fixed answer.
 void QuaternionToAngles(double q0, double q1, double q2, double q3, double& a, double& b, double& c);
+
+// The rotation matrix of a quaternion w, x, y, z of any length but 0.
+Mat3 RotationOf(const std::array<double, 4>& quaternion);
 
 }  // namespace corvinade::fit

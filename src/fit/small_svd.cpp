@@ -108,22 +108,28 @@ SmallSvd DecomposeSmall(const std::vector<double>& A, int m, int n) {
     return result;
 }
 
-Svd3 Decompose3(const Mat3& A) {
+Svd3 DecomposeToLastDigits(const Mat3& A) {
     std::vector<double> rows;
     for (int row = 1; row <= 3; ++row)
         for (int column = 1; column <= 3; ++column) rows.push_back(A(row, column));
     const SmallSvd svd = DecomposeSmall(rows, 3, 3);
     Svd3 result;
-    int known = 0;
     for (int k = 0; k < 3; ++k) {
         result.s(k + 1) = svd.s[At(k)];
-        // Below this the column is rounding, and not across the others.
-        if (svd.s[At(k)] > 1e-14 * svd.s[0]) ++known;
         for (int i = 0; i < 3; ++i) {
             result.U(i + 1, k + 1) = svd.U[At(i * 3 + k)];
             result.V(i + 1, k + 1) = svd.V[At(i * 3 + k)];
         }
     }
+    return result;
+}
+
+Svd3 Decompose3(const Mat3& A) {
+    Svd3 result = DecomposeToLastDigits(A);
+    int known = 0;
+    // Below this the column is rounding, and not across the others.
+    for (int k = 1; k <= 3; ++k)
+        if (result.s(k) > 1e-14 * result.s(1)) ++known;
     Complete(result.U, known);
     return result;
 }

@@ -23,6 +23,8 @@ struct Svd3 {
     Vec3 s;
 };
 Svd3 Decompose3(const Mat3& A);
+// The same with columns of U as DecomposeSmall has them: small ones are not taken for rounding.
+Svd3 DecomposeToLastDigits(const Mat3& A);
 
 double Determinant3(const Mat3& A);
 

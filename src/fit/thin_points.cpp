@@ -146,18 +146,7 @@ void TakeAffine(const GatheredPoints& points, const PointMoments& moments, BestT
 // Of A with columns of falling size: A = U diag(s) V', U and V rotations, s(3) with the sign of the
 // determinant of A.
 Svd3 DecomposeScaled(const Mat3& A) {
-    std::vector<double> rows;
-    for (int row = 1; row <= 3; ++row)
-        for (int column = 1; column <= 3; ++column) rows.push_back(A(row, column));
-    const SmallSvd svd = DecomposeSmall(rows, 3, 3);
-    Svd3 result;
-    for (int k = 1; k <= 3; ++k) {
-        result.s(k) = svd.s[At(k - 1)];
-        for (int i = 1; i <= 3; ++i) {
-            result.U(i, k) = svd.U[At((i - 1) * 3 + k - 1)];
-            result.V(i, k) = svd.V[At((i - 1) * 3 + k - 1)];
-        }
-    }
+    Svd3 result = DecomposeToLastDigits(A);
     const auto complete = [](Mat3& Q) {
         const Mat3 P = Q;
         Q(1, 3) = P(2, 1) * P(3, 2) - P(3, 1) * P(2, 2);
@@ -220,11 +209,11 @@ std::optional<Mat3> AxesOfThinPoints(const GatheredPoints& points, const PointMo
     if (model == PlainModel::AxisScales || (model == PlainModel::Affine && !WeighAlike(moments))) return {};
     for (int k = 1; k <= 3; ++k)
         if (!(moments.B[At(k)][0][0] > 0)) return {};
-    Mat3 products = StartProducts(moments, 1);
-    for (int k = 2; k <= 3 && !WeighAlike(moments); ++k) {
-        const Mat3 more = StartProducts(moments, k);
+    Mat3 products;
+    for (int k = 1; k <= 3; ++k) {
+        const Mat3 ofAxis = StartProducts(moments, k);
         for (int i = 1; i <= 3; ++i)
-            for (int j = 1; j <= 3; ++j) products(i, j) += more(i, j);
+            for (int j = 1; j <= 3; ++j) products(i, j) += ofAxis(i, j);
     }
     const Svd3 svd = Decompose3(products);
     if (!(svd.s(1) > 0) || svd.s(axis) > kThin * svd.s(1)) return {};

@@ -20,23 +20,6 @@ double LengthOf(const Quaternion& q) {
     return std::sqrt(q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3]);
 }
 
-// The rotation of a quaternion of any length but 0.
-Mat3 MatrixOf(const Quaternion& q) {
-    const double length = LengthOf(q);
-    const double w = q[0] / length, x = q[1] / length, y = q[2] / length, z = q[3] / length;
-    Mat3 M;
-    M(1, 1) = 1 - 2 * (y * y + z * z);
-    M(1, 2) = 2 * (x * y - w * z);
-    M(1, 3) = 2 * (x * z + w * y);
-    M(2, 1) = 2 * (x * y + w * z);
-    M(2, 2) = 1 - 2 * (x * x + z * z);
-    M(2, 3) = 2 * (y * z - w * x);
-    M(3, 1) = 2 * (x * z - w * y);
-    M(3, 2) = 2 * (y * z + w * x);
-    M(3, 3) = 1 - 2 * (x * x + y * y);
-    return M;
-}
-
 // A quaternion of n digits is off from length 1 by its rounding, and from that the angles of either way
 // differ by as much. Beyond 1e-5, which a tool of 200 mm shows as 0.002 mm, digits explain nothing any more.
 double Tolerance(const Quaternion& q) {
@@ -90,7 +73,7 @@ PoseAngles AnglesOfQuaternion(const Quaternion& q, const RobotProgram& program, 
     double a = 0, b = 0, c = 0;
     QuaternionToAngles(q[0], q[1], q[2], q[3], a, b, c);
     const PoseAngles angles = {-c, -b, -a};
-    const Mat3 wanted = MatrixOf(q);
+    const Mat3 wanted = RotationOf(q);
     if (TurnAlike(angles, wanted, Tolerance(q))) return angles;
     if (std::fabs(length - 1) > RoundingOf(q) && fromMatrix.Misread++ == 0)
         fromMatrix.FirstMisread = program.Lines.Row;

@@ -81,18 +81,8 @@ std::array<double, 3> AnglesOf(const Quaternion& quaternion) {
         std::hypot(std::hypot(quaternion.W, quaternion.X), std::hypot(quaternion.Y, quaternion.Z));
     if (!std::isfinite(size) || size == 0)
         throw InvalidInput("a quaternion other than 0, of finite numbers, was expected");
-    const double w = quaternion.W / size, x = quaternion.X / size, y = quaternion.Y / size,
-                 z = quaternion.Z / size;
-    fit::Mat3 R;
-    R(1, 1) = 1 - 2 * (y * y + z * z);
-    R(1, 2) = 2 * (x * y - w * z);
-    R(1, 3) = 2 * (x * z + w * y);
-    R(2, 1) = 2 * (x * y + w * z);
-    R(2, 2) = 1 - 2 * (x * x + z * z);
-    R(2, 3) = 2 * (y * z - w * x);
-    R(3, 1) = 2 * (x * z - w * y);
-    R(3, 2) = 2 * (y * z + w * x);
-    R(3, 3) = 1 - 2 * (x * x + y * y);
+    const fit::Mat3 R =
+        fit::RotationOf({quaternion.W / size, quaternion.X / size, quaternion.Y / size, quaternion.Z / size});
     const fit::Vec3 angles = fit::AnglesOf(R);
     return {angles(1), angles(2), angles(3)};
 }
@@ -161,9 +151,9 @@ std::string Export(const Matrix4& matrix, std::string_view form, std::string_vie
     for (const fit::PlacementForm& one : fit::PlacementForms()) {
         names += (names.empty() ? "" : ", ") + std::string(one.Name);
         if (form != one.Name) continue;
-        const std::string why = fit::WhyNotInForm(one.Name, one.Rigid, one.OfTool, placement);
+        const std::string why = fit::WhyNotInForm(one, placement);
         if (!why.empty()) throw InvalidInput(why);
-        return one.Text(fit::Described(one.OfTool, placement));
+        return one.Text(fit::Described(one, placement));
     }
     throw InvalidInput("a form is one of " + names + ", and \"" + std::string(form) + "\" came");
 }

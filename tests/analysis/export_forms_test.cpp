@@ -246,9 +246,9 @@ void ExpectAllForms(const Rows& m) {
     const Placement p = PlacementOf(m);
     for (const Reader& reader : kReaders) {
         const ExportForm& form = *analysis::FindExportForm(reader.Form);
-        ASSERT_EQ(WhyNotInForm(form, p), "") << form.Name;
+        ASSERT_EQ(WhyNotInForm(form, p), "") << form.Form.Name;
         const std::string text = ExportText(form, p);
-        ExpectSamePlaces(reader.Read(text), m, std::string(form.Name) + ": " + text);
+        ExpectSamePlaces(reader.Read(text), m, std::string(form.Form.Name) + ": " + text);
     }
 }
 
@@ -322,11 +322,11 @@ TEST_F(ExportForms, ScaleShearAndMirrorGoWhereThereIsRoomForThem) {
                 EXPECT_EQ(why, "");
                 const std::string text = ExportText(form, p);
                 ExpectSamePlaces(kReaders[i].Read(text), m, text);
-                if (form.Name == std::string("json")) {
+                if (form.Form.Name == std::string("json")) {
                     EXPECT_TRUE(nlohmann::json::parse(text).at("quaternion").is_null());
                 }
             } else {
-                EXPECT_NE(why.find(word), std::string::npos) << form.Name << ": " << why;
+                EXPECT_NE(why.find(word), std::string::npos) << form.Form.Name << ": " << why;
             }
         }
     }
@@ -374,7 +374,7 @@ TEST_F(ExportForms, NoSystemsCommaComesIntoThem) {
         cli::Headless.Decimal = '.';
         const std::string text = ExportText(form, p);
         cli::Headless.Decimal = ',';
-        EXPECT_EQ(ExportText(form, p), text) << form.Name;
+        EXPECT_EQ(ExportText(form, p), text) << form.Form.Name;
     }
 }
 

@@ -43,7 +43,7 @@ protected:
     }
     static void Choose(const std::string& form) {
         for (int i = 0; i < static_cast<int>(ExportForms().size()); ++i)
-            if (form == ExportForms()[static_cast<std::size_t>(i)].Name)
+            if (form == ExportForms()[static_cast<std::size_t>(i)].Form.Name)
                 UserSetIndex(ExportWindow.ListForms, i);
         ASSERT_TRUE(ExportWindow.ListForms.Text.starts_with(form + ":")) << ExportWindow.ListForms.Text;
     }
@@ -166,14 +166,14 @@ TEST_F(ExportWindowTest, NoFormEverHasADecimalComma) {
     Open();
     std::vector<std::string> withPoint;
     for (const ExportForm& form : analysis::ExportForms()) {
-        Choose(form.Name);
+        Choose(form.Form.Name);
         withPoint.push_back(Preview());
     }
     Headless.Decimal = ',';
     for (std::size_t i = 0; i < withPoint.size(); ++i) {
-        Choose(analysis::ExportForms()[(i + 1) % withPoint.size()].Name);  // so that it is made anew
-        Choose(analysis::ExportForms()[i].Name);
-        EXPECT_EQ(Preview(), withPoint[i]) << analysis::ExportForms()[i].Name;
+        Choose(analysis::ExportForms()[(i + 1) % withPoint.size()].Form.Name);  // so that it is made anew
+        Choose(analysis::ExportForms()[i].Form.Name);
+        EXPECT_EQ(Preview(), withPoint[i]) << analysis::ExportForms()[i].Form.Name;
     }
     EXPECT_EQ(PlainText(1.5), "1,5") << "all else is as the system has it";
 }

@@ -149,7 +149,7 @@ TEST_F(ExportCommand, ScaleAndShearAreRefusedAndNothingIsWritten) {
         saved.insert(saved.end(), {"--save", path});
         ASSERT_EQ(FreshCommandLine(saved).Status, 0);
         for (const std::string& name : analysis::ExportFormNames()) {
-            const bool rigid = analysis::FindExportForm(name)->Rigid;
+            const bool rigid = analysis::FindExportForm(name)->Form.Rigid;
             const Outcome outcome = FreshCommandLine({"export", path, "--as", name, "--out", out});
             EXPECT_EQ(outcome.Status, rigid ? 1 : 0) << name << outcome.Err;
             EXPECT_EQ(std::filesystem::exists(out), !rigid) << name;

@@ -40,11 +40,12 @@ TEST_F(ExportOnScreen, AFormThatIsChosenShowsItsTextAndCopyTakesItAlong) {
         List().setCurrentRow(i);
         const ExportForm& form = analysis::ExportForms()[static_cast<std::size_t>(i)];
         const analysis::Placement placement = analysis::PlacementOfJob(::Run.JobFilePath);
-        if (form.Text == nullptr || !analysis::WhyNotInForm(form, placement).empty()) continue;
-        EXPECT_EQ(Shown(), analysis::ExportText(form, placement)) << form.Name;
+        if (form.Form.Text == nullptr || !analysis::WhyNotInForm(form, placement).empty()) continue;
+        EXPECT_EQ(Shown(), analysis::ExportText(form, placement)) << form.Form.Name;
         QApplication::clipboard()->clear();
         Click("FormExport.BtnCopy");
-        EXPECT_EQ(S(QApplication::clipboard()->text()), analysis::ExportText(form, placement)) << form.Name;
+        EXPECT_EQ(S(QApplication::clipboard()->text()), analysis::ExportText(form, placement))
+            << form.Form.Name;
     }
 }
 
