@@ -244,7 +244,7 @@ std::string TextsOfNotes() {
 class DegenerateSets : public Program {};
 
 TEST_F(DegenerateSets, SayWhatTheyLeaveOpenAndNothingElse) {
-    const int variants = UnderSanitizers() ? 2 : 4;
+    const int variants = UnderSanitizers() ? 1 : 4;
     int sets = 0, refused = 0, open = 0, doubtful = 0, held = 0;
     for (int shape = 0; shape < static_cast<int>(Shape::Count_); ++shape)
         for (const char* preset : {"level", "6", "7", "9", "12"})
