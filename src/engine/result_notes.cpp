@@ -15,13 +15,13 @@
 #include "engine/calculation.h"
 #include "engine/collapse.h"
 #include "engine/design.h"
-#include "engine/loose_scales.h"
-#include "engine/loose_turns.h"
 #include "engine/norm_table.h"
-#include "engine/other_place.h"
-#include "engine/other_turn.h"
 #include "engine/parameter_kind.h"
+#include "fit/loose_scales.h"
+#include "fit/loose_turns.h"
 #include "fit/open_parameters.h"
+#include "fit/other_place.h"
+#include "fit/other_turn.h"
 #include "fit/small_svd.h"
 
 namespace corvinade::engine {
@@ -107,13 +107,12 @@ void NoteLeftByPoses(const PosesLeave& left) {
 // Turns that the sum does not depend on, though the rank of the design matrix does not show it: at gimbal
 // lock, whose axes do not reach every turn, and where the targets are what lies on one line or at one place.
 // And those that noise alone determines.
-void NoteLooseTurns(const NormFit& fit, const OpenParameters& open, const FitModel& model,
-                    const Linearisation& at) {
-    const bool robust = NormOfJob().Fit == FitNorm::LeastSum;
+void NoteLooseTurns(const JudgedResult& result, const OpenParameters& open) {
+    const FitModel& model = result.Model;
     std::array<bool, kParameterEnd> free{}, hardly{};
     int turns = 0;
     double sigma = 0;
-    for (const LooseTurn& turn : FindLooseTurns(fit.Points, model, at, robust, fit.LeftByPoses.Directions)) {
+    for (const LooseTurn& turn : FindLooseTurns(result)) {
         turns += turn.Open ? 1 : 0;
         if (!turn.Open) sigma = std::max(sigma, turn.Sigma);
         for (int k = kTraX; k < kParameterEnd; ++k)
@@ -170,13 +169,11 @@ bool ShowsHeldAngles(const NormFit& fit, const FitModel& model) {
 }
 
 // Points on a line that what is held lets lie in two ways.
-void NoteOtherTurn(const NormFit& fit, const FitModel& model, const Linearisation& at) {
+void NoteOtherTurn(const NormFit& fit, const JudgedResult& result) {
     const bool told = std::any_of(&Job.LeftOpen[kRotX], &Job.LeftOpen[kRotZ] + 1,
                                   [](const auto& mark) { return mark != 0; });
     if (told || IsTrue(Job.Collapsed)) return;
-    const bool robust = NormOfJob().Fit == FitNorm::LeastSum;
-    const OtherTurn other =
-        FindOtherTurn(fit.Points, model, at, robust, fit.LeftByPoses.Directions, ShowsHeldAngles(fit, model));
+    const OtherTurn other = FindOtherTurn(result, ShowsHeldAngles(fit, result.Model));
     if (other.Angle == 0) return;
     for (int k = kTraX; k < kParameterEnd; ++k)
         if (other.Moves[At(k)]) Job.LeftOpen[At(k)] = 1;
@@ -189,9 +186,9 @@ void NoteOtherTurn(const NormFit& fit, const FitModel& model, const Linearisatio
 }
 
 // Flat points that what is held lets lie otherwise by other scales.
-void NoteOtherPlace(const NormFit& fit, const FitModel& model, const Linearisation& at) {
+void NoteOtherPlace(const NormFit& fit, const JudgedResult& result) {
     if (IsTrue(Job.Collapsed)) return;
-    OtherPlace other = FindOtherPlace(fit.Points, model, at, NormOfJob().Fit == FitNorm::LeastSum);
+    OtherPlace other = FindOtherPlace(result);
     for (int k = kTraX; k < kParameterEnd; ++k)
         if (Job.LeftOpen[At(k)] != 0 || fit.HeldByFit[At(k)]) other.Moves[At(k)] = false;
     if (std::find(other.Moves.begin(), other.Moves.end(), true) == other.Moves.end()) return;
@@ -206,8 +203,11 @@ void NoteOtherPlace(const NormFit& fit, const FitModel& model, const Linearisati
 }
 
 // Of those that are not told as open already.
-void NoteLooseScales(const NormFit& fit, const FitModel& model, const Linearisation& at, bool robust) {
-    LooseScales loose = FindLooseScales(fit, model, at, robust);
+void NoteLooseScales(const NormFit& fit, const JudgedResult& result) {
+    const FitModel& model = result.Model;
+    std::array<bool, kParameterEnd> open{};
+    for (int k = kTraX; k < kParameterEnd; ++k) open[At(k)] = Job.LeftOpen[At(k)] != 0;
+    LooseScales loose = FindLooseScales(result, open);
     for (int k = kTraX; k < kParameterEnd; ++k)
         if (Job.LeftOpen[At(k)] != 0 || fit.HeldByFit[At(k)]) loose.Of[At(k)] = false;
     if (!loose.Any() || IsTrue(Job.Collapsed)) return;
@@ -337,10 +337,18 @@ void NoteResult(const NormFit& fit) {
     if (!onePlace) NoteOpen(fit, open, model);
     NoteLeftByPoses(fit.LeftByPoses);
     if (!onePlace && !IsTrue(Job.IsParaboloid)) {
-        NoteLooseTurns(fit, open, model, at);
-        NoteOtherTurn(fit, model, at);
-        NoteOtherPlace(fit, model, at);
-        NoteLooseScales(fit, model, at, NormOfJob().Fit == FitNorm::LeastSum);
+        const Parameters values = ParametersOf(Job);
+        const JudgedResult result = {fit.Points,
+                                     model,
+                                     at,
+                                     values,
+                                     CoordinateInUse,
+                                     NormOfJob().Fit == FitNorm::LeastSum,
+                                     fit.LeftByPoses.Directions};
+        NoteLooseTurns(result, open);
+        NoteOtherTurn(fit, result);
+        NoteOtherPlace(fit, result);
+        NoteLooseScales(fit, result);
     }
     for (int k = kTraX; k < kParameterEnd; ++k)
         if (fit.HeldByFit[At(k)]) TakeSigma(k);  // what the fit did of it is told already

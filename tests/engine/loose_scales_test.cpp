@@ -1,5 +1,5 @@
 // Scales that only the noise of a plate determines, against the truth that made the plate.
-#include "engine/loose_scales.h"
+#include "fit/loose_scales.h"
 
 #include <algorithm>
 #include <cmath>

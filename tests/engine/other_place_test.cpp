@@ -1,6 +1,6 @@
 // Points on a line with scales of the axes and values held together: several transformations carry the line
 // as well as each other and differ in where they put what lies off it.
-#include "engine/other_place.h"
+#include "fit/other_place.h"
 
 #include <cmath>
 #include <cstdio>

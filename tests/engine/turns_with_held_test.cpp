@@ -8,12 +8,12 @@
 #include "engine/adjustment.h"
 #include "engine/calculation_job.h"
 #include "engine/fit_reference.h"
-#include "engine/loose_turns.h"
-#include "engine/other_turn.h"
 #include "engine/presets.h"
 #include "engine/seed.h"
 #include "engine/selection.h"
-#include "engine/turns_left.h"
+#include "fit/loose_turns.h"
+#include "fit/other_turn.h"
+#include "fit/turns_left.h"
 #include "support/memory_use.h"
 
 using namespace corvinade;
@@ -50,6 +50,11 @@ protected:
             for (std::size_t i = 0; i < 3; ++i) start[k] += column[i] * (image[i] - kOrigin[i]);
         }
         return start;
+    }
+    static JudgedResult Judged(const GatheredPoints& points, const Linearisation& at) {
+        static Parameters values;
+        values = ParametersOf(Job);
+        return {points, Adjustment.Model, at, values, CoordinateInUse};
     }
     // A line along x of the target, at y = 100 and z = 50.
     static void AddLine(double noise, double thick = 0) {
@@ -126,7 +131,7 @@ TEST_F(TurnsWithHeld, AcrossTheLineATranslationLeavesTwoPlaces) {
         GatheredPoints points;
         GatherPoints(Column(At(3 * Job.Pairs()) + 1, 1), false, points);
         const Linearisation at = Linearise(Adjustment.Model, points);
-        EXPECT_NEAR(FindOtherTurn(points, Adjustment.Model, at, false, {}).Angle, apart, 1e-3);
+        EXPECT_NEAR(FindOtherTurn(Judged(points, at)).Angle, apart, 1e-3);
         for (const int k : {kTraY, kRotX}) EXPECT_NE(Job.LeftOpen[At(k)], 0);
         for (const int k : {kTraX, kTraZ}) EXPECT_EQ(Job.LeftOpen[At(k)], 0);
     }
@@ -189,7 +194,7 @@ TEST_F(TurnsWithHeld, TheSigmaThatIsToldIsTheSpreadOfRepeatedMeasurements) {
         GatheredPoints points;
         GatherPoints(Column(At(3 * Job.Pairs()) + 1, 1), false, points);
         const Linearisation at = Linearise(Adjustment.Model, points);
-        for (const LooseTurn& turn : FindTurnsLeft(points, Adjustment.Model, at, false, {})) {
+        for (const LooseTurn& turn : FindTurnsLeft(Judged(points, at))) {
             told += turn.Sigma * turn.Sigma;
             ++count;
         }
@@ -209,8 +214,8 @@ TEST_F(TurnsWithHeld, OfFloatingTranslationsItIsWhatThePlainRuleSays) {
         GatheredPoints points;
         GatherPoints(Column(At(3 * Job.Pairs()) + 1, 1), false, points);
         const Linearisation at = Linearise(Adjustment.Model, points);
-        const auto plain = FindLooseTurns(points, Adjustment.Model, at, false);
-        const auto other = FindTurnsLeft(points, Adjustment.Model, at, false, {});
+        const auto plain = FindLooseTurns(Judged(points, at));
+        const auto other = FindTurnsLeft(Judged(points, at));
         ASSERT_EQ(plain.size(), other.size());
         for (std::size_t i = 0; i < plain.size(); ++i) {
             EXPECT_EQ(plain[i].Open, other[i].Open);

@@ -3,11 +3,9 @@
 
 #include <array>
 
-#include "core/rooms.h"
-#include "engine/design.h"
-#include "engine/gathered_points.h"
+#include "fit/judged_result.h"
 
-namespace corvinade::engine {
+namespace corvinade::fit {
 
 struct OtherPlace {
     bool Found = false;
@@ -23,9 +21,8 @@ struct OtherPlace {
 // angles that float and each sign of the scales. Another proper result counts where its sum of squares is no
 // more than twice that of the result and 25 squares of its noise, and its matrix another by a hundredth.
 // Nothing for points with relief, without a held value, and for the models of the tool and of the distance.
-//   robust  the norm lets gross errors stand aside: pairs that deviate twenty times as much as the middle one
-//           have no part in it
-OtherPlace FindOtherPlace(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
-                          bool robust);
+// Where gross errors stand aside, pairs that deviate twenty times as much as the middle one have no part in
+// it.
+OtherPlace FindOtherPlace(const JudgedResult& result);
 
-}  // namespace corvinade::engine
+}  // namespace corvinade::fit

@@ -1,5 +1,5 @@
 // A second place for points on one line, where held values leave them two.
-#include "engine/other_turn.h"
+#include "fit/other_turn.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,15 +7,14 @@
 #include <numbers>
 #include <utility>
 
-#include "core/job.h"
-#include "engine/turn_forms.h"
-#include "engine/turns_left.h"
 #include "fit/chain.h"
 #include "fit/chain_search.h"
 #include "fit/matrix.h"
+#include "fit/turn_forms.h"
+#include "fit/turns_left.h"
 #include "fit/vector.h"
 
-namespace corvinade::engine {
+namespace corvinade::fit {
 
 namespace {
 
@@ -40,9 +39,13 @@ Vec3 Moved(const Vec3& w, double t, const Vec3& p) {
 // The result turned about an axis.
 class Road {
 public:
-    Road(const TurnPairs& pairs, const FitModel& model, const std::vector<Vec3>& still, const Vec3& w)
-        : pairs_(pairs), model_(model), followers_(pairs, model, still), w_(w) {
-        RotMatrixXYZ(Job.RotX, Job.RotY, Job.RotZ, R_);
+    Road(const TurnPairs& pairs, const JudgedResult& result, const Vec3& w)
+        : pairs_(pairs),
+          model_(result.Model),
+          shown_(result.Values[kRotX], result.Values[kRotY], result.Values[kRotZ]),
+          followers_(pairs, model_, result.Still),
+          w_(w) {
+        RotMatrixXYZ(shown_(1), shown_(2), shown_(3), R_);
     }
 
     TurnFollowers::Rest RestAt(double t) const {
@@ -82,11 +85,9 @@ public:
         const Mat3 R = TurnedBy(t);
         return std::hypot(R(1, 1), R(2, 1));
     }
-    static double Off(const Vec3& angles, int k) {
-        return std::remainder(angles(k) - ParameterValue(Job, kRotX + k - 1), kTurn);
-    }
+    double Off(const Vec3& angles, int k) const { return std::remainder(angles(k) - shown_(k), kTurn); }
 
-    static double OffSquares(const Vec3& angles, const Angles& held) {
+    double OffSquares(const Vec3& angles, const Angles& held) const {
         double squares = 0;
         for (const int k : held) squares += Off(angles, k) * Off(angles, k);
         return squares;
@@ -121,6 +122,7 @@ private:
 
     const TurnPairs& pairs_;
     const FitModel& model_;
+    Vec3 shown_;  // the angles of the result
     TurnFollowers followers_;
     Vec3 w_;
     Mat3 R_;
@@ -186,7 +188,7 @@ std::vector<double> StepsOf(const std::vector<double>& poles, const Road& road) 
 std::vector<double> TurnsThatKeep(const Road& road, int k, bool asShown) {
     constexpr double kNear = 0.5, kNearPole = 0.05;
     constexpr int kHalvings = 50;
-    const auto off = [&](double t) { return Road::Off(road.AnglesAt(t, {k}), k); };
+    const auto off = [&](double t) { return road.Off(road.AnglesAt(t, {k}), k); };
     std::vector<double> found, poles;
     if (k != 2) poles = LeastTurns([&](double t) { return road.FromPole(t); });
     std::erase_if(poles, [&](double t) { return road.FromPole(t) > kNearPole; });
@@ -212,11 +214,11 @@ std::vector<double> TurnsThatKeep(const Road& road, int k, bool asShown) {
 
 }  // namespace
 
-OtherTurn FindOtherTurn(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
-                        bool robust, const std::vector<Vec3>& still, bool asShown) {
+OtherTurn FindOtherTurn(const JudgedResult& result, bool asShown) {
     constexpr int kSample = 256;
     constexpr double kTimes = 2, kNoises = 25, kMoved = 10;
     OtherTurn other;
+    const FitModel& model = result.Model;
     if (model.Mode == FitMode::Distance) return other;
     FitModel free = model;
     int held = 0;
@@ -229,14 +231,16 @@ OtherTurn FindOtherTurn(const GatheredPoints& points, const FitModel& model, con
     }
     if (held == 0) return other;
     const TurnPairs pairs = [&] {
-        TurnPairs all(points, model, at, std::max(1, points.Count / kSample));
-        if (robust) all.LeaveOutGrossErrors(model.Unknowns);
+        TurnPairs all(result, std::max(1, result.Points.Count / kSample));
+        if (result.Robust) all.LeaveOutGrossErrors(model.Unknowns);
         return all;
     }();
-    for (const LooseTurn& loose : FindTurnsLeft(points, free, at, robust, still)) {
-        if (!LieAlong(loose.Axis, TurnForms(pairs, free, still))) continue;
-        const Road road(pairs, model, still, loose.Axis);
-        const TurnForms forms(pairs, model, still);
+    const JudgedResult ifFree = {result.Points, free,          result.At,   result.Values,
+                                 result.InUse,  result.Robust, result.Still};
+    for (const LooseTurn& loose : FindTurnsLeft(ifFree)) {
+        if (!LieAlong(loose.Axis, TurnForms(pairs, free, result.Still))) continue;
+        const Road road(pairs, result, loose.Axis);
+        const TurnForms forms(pairs, model, result.Still);
         const double most = kTimes * road.SumAt(0) + kNoises * forms.Noise * forms.Noise;
         const auto sumAt = [&](double t) { return road.SumThatKeeps(t, angles, forms.Image); };
         std::vector<double> turns;
@@ -256,4 +260,4 @@ OtherTurn FindOtherTurn(const GatheredPoints& points, const FitModel& model, con
     return other;
 }
 
-}  // namespace corvinade::engine
+}  // namespace corvinade::fit

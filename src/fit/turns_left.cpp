@@ -1,18 +1,17 @@
 // Turns that the sum of squares hardly depends on, whatever else floats.
-#include "engine/turns_left.h"
+#include "fit/turns_left.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>
 
-#include "core/job.h"
-#include "engine/turn_axes.h"
-#include "engine/turn_forms.h"
 #include "fit/statistics.h"
+#include "fit/turn_axes.h"
+#include "fit/turn_forms.h"
 #include "fit/vector.h"
 
-namespace corvinade::engine {
+namespace corvinade::fit {
 
 namespace {
 
@@ -37,15 +36,15 @@ double RootOf(const Mat3& form, const Vec3& w) {
 
 class Judge {
 public:
-    Judge(const TurnPairs& pairs, const FitModel& model, bool robust, const std::vector<Vec3>& still)
+    Judge(const TurnPairs& pairs, const JudgedResult& result)
         : pairs_(pairs),
-          model_(model),
-          forms_(pairs, model, still),
-          nearImages_(pairs.WithoutFarthest(&TurnPair::Image), model, still),
-          nearTargets_(pairs.WithoutFarthest(&TurnPair::Target), model, still),
-          axes_(model),
-          robust_(robust),
-          anywhere_(std::all_of(&model.UnknownOf[kTraX], &model.UnknownOf[kTraZ] + 1,
+          model_(result.Model),
+          forms_(pairs, model_, result.Still),
+          nearImages_(pairs.WithoutFarthest(&TurnPair::Image), model_, result.Still),
+          nearTargets_(pairs.WithoutFarthest(&TurnPair::Target), model_, result.Still),
+          axes_(model_, result.Values),
+          robust_(result.Robust),
+          anywhere_(std::all_of(&model_.UnknownOf[kTraX], &model_.UnknownOf[kTraZ] + 1,
                                 [](int unknown) { return unknown != 0; })) {
         const std::vector<Vec3> span = axes_.Span();
         for (const Mat3* form : {&forms_.Both, &forms_.Images, &forms_.Targets})
@@ -156,18 +155,18 @@ private:
 
 }  // namespace
 
-std::vector<LooseTurn> FindTurnsLeft(const GatheredPoints& points, const FitModel& model,
-                                     const Linearisation& at, bool robust, const std::vector<Vec3>& still) {
+std::vector<LooseTurn> FindTurnsLeft(const JudgedResult& result) {
     constexpr int kSample = 256, kMost = 50000;
-    const int step = std::max(1, points.Count / kSample), last = std::max(1, points.Count / kMost);
+    const int step = std::max(1, result.Points.Count / kSample),
+              last = std::max(1, result.Points.Count / kMost);
     for (int every = step;; every = last) {
-        TurnPairs pairs(points, model, at, every);
-        if (robust) pairs.LeaveOutGrossErrors(model.Unknowns);
+        TurnPairs pairs(result, every);
+        if (result.Robust) pairs.LeaveOutGrossErrors(result.Model.Unknowns);
         if (pairs.List.empty()) return {};
-        std::vector<LooseTurn> loose = Judge(pairs, model, robust, still).Loose();
+        std::vector<LooseTurn> loose = Judge(pairs, result).Loose();
         // What some of the points tell all of them do.
         if (loose.empty() || every == last) return loose;
     }
 }
 
-}  // namespace corvinade::engine
+}  // namespace corvinade::fit

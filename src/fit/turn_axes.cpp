@@ -1,15 +1,14 @@
-// The axes that the floating angles of the job's result turn about.
-#include "engine/turn_axes.h"
+// The axes that the floating angles of a result turn about.
+#include "fit/turn_axes.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "core/job.h"
 #include "fit/chain.h"
 #include "fit/small_svd.h"
 #include "fit/vector.h"
 
-namespace corvinade::engine {
+namespace corvinade::fit {
 
 namespace {
 
@@ -23,10 +22,10 @@ double Dot(const Vec3& a, const Vec3& b) {
 
 }  // namespace
 
-TurnAxes::TurnAxes(const FitModel& model) {
+TurnAxes::TurnAxes(const FitModel& model, const fit::Parameters& result) {
     Mat3 afterZ, afterYZ;  // R = Rz(-c) Ry(-b) Rx(-a)
-    RotMatrixXYZ(0, 0, Job.RotZ, afterZ);
-    RotMatrixXYZ(0, Job.RotY, Job.RotZ, afterYZ);
+    RotMatrixXYZ(0, 0, result[kRotZ], afterZ);
+    RotMatrixXYZ(0, result[kRotY], result[kRotZ], afterYZ);
     const std::array<Vec3, 3> axes = {Vec3(-afterYZ(1, 1), -afterYZ(2, 1), -afterYZ(3, 1)),
                                       Vec3(-afterZ(1, 2), -afterZ(2, 2), -afterZ(3, 2)), Vec3(0, 0, -1)};
     for (int k = kRotX; k <= kRotZ; ++k) {
@@ -96,4 +95,4 @@ void AddAxes(const std::vector<Vec3>& span, const Mat3& form, std::vector<Vec3>&
     }
 }
 
-}  // namespace corvinade::engine
+}  // namespace corvinade::fit

@@ -5,11 +5,9 @@
 #include <functional>
 #include <vector>
 
-#include "core/rooms.h"
-#include "engine/design.h"
-#include "engine/gathered_points.h"
+#include "fit/judged_result.h"
 
-namespace corvinade::engine {
+namespace corvinade::fit {
 
 inline constexpr double kTurnDigits = 64 * 2.220446049250313e-16;
 
@@ -29,8 +27,8 @@ struct TurnPairs {
     Vec3 Arm;  // from where the start system's origin is carried to, to the middle of the images
     double LargestImage = 0, LargestTarget = 0;  // coordinates as they were read
 
-    // Every so many of the job's pairs, by its use flags.
-    TurnPairs(const GatheredPoints& points, const FitModel& model, const Linearisation& at, int step);
+    // Every so many of the pairs, by what is in use of them.
+    TurnPairs(const JudgedResult& result, int step);
 
     // Leaves out those whose deviation is far above what most have.
     void LeaveOutGrossErrors(int unknowns);
@@ -38,7 +36,7 @@ struct TurnPairs {
     TurnPairs WithoutFarthest(const Vec3 TurnPair::*place) const;
 
 private:
-    void Add(const GatheredPoints& points, const FitModel& model, const Linearisation& at, int i);
+    void Add(const JudgedResult& result, int i);
 };
 
 // What follows a turn: floating translations and the tool vector, as columns over the coordinates in use.
@@ -83,4 +81,4 @@ private:
                    const FitModel& model);
 };
 
-}  // namespace corvinade::engine
+}  // namespace corvinade::fit

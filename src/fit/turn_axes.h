@@ -1,20 +1,20 @@
-// The axes that the floating angles of the job's result turn about.
+// The axes that the floating angles of a result turn about.
 #pragma once
 
 #include <array>
 #include <vector>
 
-#include "core/rooms.h"
-#include "engine/design.h"
+#include "fit/design.h"
+#include "fit/parameters.h"
 
-namespace corvinade::engine {
+namespace corvinade::fit {
 
-// In the target system: the derivative of R by each angle is [axis]x R. Made at the angles of the job.
+// In the target system: the derivative of R by each angle is [axis]x R. Made at the angles of the result.
 struct TurnAxes {
     std::vector<int> Parameters;
     std::vector<Vec3> Of;
 
-    explicit TurnAxes(const FitModel& model);
+    TurnAxes(const FitModel& model, const fit::Parameters& result);
 
     // Unit vectors at right angles that span what can be turned about. All three angles reach every turn,
     // at gimbal lock too, where their axes lie in one plane: but for a moment.
@@ -28,4 +28,4 @@ struct TurnAxes {
 // form is least to greatest, in no order.
 void AddAxes(const std::vector<Vec3>& span, const Mat3& form, std::vector<Vec3>& axes);
 
-}  // namespace corvinade::engine
+}  // namespace corvinade::fit

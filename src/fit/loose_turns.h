@@ -5,11 +5,9 @@
 #include <array>
 #include <vector>
 
-#include "core/rooms.h"
-#include "engine/design.h"
-#include "engine/gathered_points.h"
+#include "fit/judged_result.h"
 
-namespace corvinade::engine {
+namespace corvinade::fit {
 
 struct LooseTurn {
     bool Open = false;  // whatever the turn is, the sum of the squares is the same, but for rounding
@@ -21,17 +19,10 @@ struct LooseTurn {
 // The turns about axes through the middle of the images, of a result of the plain model whose translations
 // float; with a translation held, or a tool vector, what turns_left.h says; none where a distance floats.
 // What the rank of the design matrix shows may be among them.
-//   points  gathered pairs of the job; the job's use flags count, their weights do not
-//   at      linearisation at the result, whose angles are those of the job
-//   robust  the norm lets gross errors stand aside: they have no part in what is known of the turn
-//   still   directions of the flange along which the tool vector does not float
-//
 // With e the images and f the targets, each less their middle, the turn by the angle t about the unit vector
 // w makes the sum of squares S(t) = const - 2 (C cos t + D sin t), C = sum((w x e) (w x f)): where C and D
 // are 0 the turn is open. Noise of the size s in f makes an error of s |w x e| / C of the turn, noise in e
 // one of s |w x f| / C, the norms over all points; the larger of both is Sigma.
-std::vector<LooseTurn> FindLooseTurns(const GatheredPoints& points, const FitModel& model,
-                                      const Linearisation& at, bool robust,
-                                      const std::vector<Vec3>& still = {});
+std::vector<LooseTurn> FindLooseTurns(const JudgedResult& result);
 
-}  // namespace corvinade::engine
+}  // namespace corvinade::fit

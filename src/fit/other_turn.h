@@ -2,13 +2,10 @@
 #pragma once
 
 #include <array>
-#include <vector>
 
-#include "core/rooms.h"
-#include "engine/design.h"
-#include "engine/gathered_points.h"
+#include "fit/judged_result.h"
 
-namespace corvinade::engine {
+namespace corvinade::fit {
 
 struct OtherTurn {
     double Angle = 0;                         // of the turn that leads there, rad; 0: there is none
@@ -26,7 +23,6 @@ struct OtherTurn {
 // no more than a right angle: in the other form each angle can be kept twice), counts where its S is no more
 // than twice that of the result and 25 squares of the noise: of what is told apart by the points it is far
 // more.
-OtherTurn FindOtherTurn(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
-                        bool robust, const std::vector<Vec3>& still, bool asShown = false);
+OtherTurn FindOtherTurn(const JudgedResult& result, bool asShown = false);
 
-}  // namespace corvinade::engine
+}  // namespace corvinade::fit

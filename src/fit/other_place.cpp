@@ -1,5 +1,5 @@
 // A second result for flat points, where held values and floating scales leave them one.
-#include "engine/other_place.h"
+#include "fit/other_place.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,8 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "core/job.h"
-#include "engine/job_fit.h"
 #include "fit/best_transformation.h"
 #include "fit/chain_search.h"
 #include "fit/equal_forms.h"
@@ -17,14 +15,9 @@
 #include "fit/small_svd.h"
 #include "fit/statistics.h"
 
-namespace corvinade::engine {
+namespace corvinade::fit {
 
 namespace {
-
-using fit::ChainChoice;
-using fit::ChainResult;
-using fit::ChainValues;
-using fit::PointMoments;
 
 std::size_t At(int i) {
     return static_cast<std::size_t>(i);
@@ -49,35 +42,37 @@ struct InUse {
     double Noise = 0;     // of a coordinate, mm
     double Rounding = 0;  // of one deviation, mm
 
-    InUse(const GatheredPoints& points, const FitModel& model, const Linearisation& at, bool robust)
-        : Weights(At(3 * points.Count) + 1) {
+    explicit InUse(const JudgedResult& result) : Weights(At(3 * result.Points.Count) + 1) {
+        const GatheredPoints& points = result.Points;
         constexpr double kGross = 20, kDigits = 64 * 2.220446049250313e-16;
         std::vector<double> deviations;
         deviations.reserve(At(points.Count));
         double largest = 0;
-        for (int i = 0; i < points.Count; ++i) deviations.push_back(DeviationOf(points, at, i, largest));
+        for (int i = 0; i < points.Count; ++i) deviations.push_back(DeviationOf(result, i, largest));
         Rounding = kDigits * largest;
         const double most =
-            robust ? kGross * MiddleDeviation(deviations, model.Unknowns) + Rounding : HUGE_VAL;
+            result.Robust ? kGross * MiddleDeviation(deviations, result.Model.Unknowns) + Rounding : HUGE_VAL;
         int observations = 0;
         for (int i = 0; i < points.Count; ++i) {
             if (!(deviations[At(i)] <= most)) continue;
             Sum += deviations[At(i)] * deviations[At(i)];
             for (int axis = 1; axis <= 3; ++axis) {
-                if (!Used(i + 1, axis)) continue;
+                if (!result.Used(i, axis)) continue;
                 Weights[At(3 * i + axis)] = 1;
                 ++observations;
             }
         }
-        const int spare = observations - model.Unknowns;
+        const int spare = observations - result.Model.Unknowns;
         Noise = std::max(spare > 0 ? std::sqrt(Sum / spare) : 0, Rounding);
     }
 
 private:
-    static double DeviationOf(const GatheredPoints& points, const Linearisation& at, int i, double& largest) {
+    static double DeviationOf(const JudgedResult& result, int i, double& largest) {
+        const GatheredPoints& points = result.Points;
+        const Linearisation& at = result.At;
         double squares = 0;
         for (int axis = 1; axis <= 3; ++axis) {
-            if (!Used(i + 1, axis)) continue;
+            if (!result.Used(i, axis)) continue;
             const double target = points.Target[At(axis - 1)][At(i)];
             double off = at.Shift(axis) - target;
             for (int j = 1; j <= 3; ++j) off += at.M(axis, j) * points.Start[At(j - 1)][At(i)];
@@ -93,11 +88,11 @@ bool IsFlat(const PointMoments& moments) {
     constexpr double kFlat = 0.01;  // squares
     Mat3 spread;
     for (int axis = 1; axis <= 3; ++axis) {
-        const Mat3 products = fit::StartProducts(moments, axis);
+        const Mat3 products = StartProducts(moments, axis);
         for (int j = 1; j <= 3; ++j)
             for (int k = 1; k <= 3; ++k) spread(j, k) += products(j, k);
     }
-    const auto svd = fit::Decompose3(spread);
+    const auto svd = Decompose3(spread);
     return svd.s(3) < kFlat * svd.s(1);
 }
 
@@ -133,13 +128,14 @@ double Between(const Mat3& a, const Mat3& b) {
 }
 
 // What is another there, in the form that is nearest to that of the result.
-std::array<bool, kParameterEnd> MovesTo(const ChainValues& other, const FitModel& model, double noise) {
+std::array<bool, kParameterEnd> MovesTo(const ChainValues& other, const JudgedResult& result, double noise) {
+    const FitModel& model = result.Model;
     constexpr double kLeast = 1e-3, kNoises = 10;
-    const fit::Parameters here = ParametersOf(Job);
-    fit::Parameters there = here;
+    const Parameters& here = result.Values;
+    Parameters there = here;
     for (int k = kTraX; k <= kAngleZtoXY; ++k)
         if (model.UnknownOf[At(k)] != 0) there[k] = other.Value[At(k)];
-    fit::TakeNearestForm(model, fit::EqualForms(model, here), here, there);
+    TakeNearestForm(model, EqualForms(model, here), here, there);
     std::array<bool, kParameterEnd> moves{};
     for (int k = kTraX; k <= kAngleZtoXY; ++k) {
         if (model.UnknownOf[At(k)] == 0) continue;
@@ -154,16 +150,18 @@ std::array<bool, kParameterEnd> MovesTo(const ChainValues& other, const FitModel
 
 }  // namespace
 
-OtherPlace FindOtherPlace(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
-                          bool robust) {
+OtherPlace FindOtherPlace(const JudgedResult& result) {
     constexpr double kTimes = 2, kNoises = 25, kAnother = 0.01;
     OtherPlace other;
+    const GatheredPoints& points = result.Points;
+    const FitModel& model = result.Model;
+    const Linearisation& at = result.At;
     if (!Applies(model)) return other;
-    const InUse use(points, model, at, robust);
+    const InUse use(result);
     GatheredPoints equal = points;
-    fit::SetWeights(use.Weights, equal);
+    SetWeights(use.Weights, equal);
     PointMoments moments;
-    fit::SumMoments(equal, at, moments);
+    SumMoments(equal, at, moments);
     if (!IsFlat(moments)) return other;
 
     ChainChoice choice;
@@ -171,20 +169,20 @@ OtherPlace FindOtherPlace(const GatheredPoints& points, const FitModel& model, c
     choice.TargetCentre = points.TargetCentre;
     for (int k = kTraX; k <= kAngleZtoXY; ++k) {
         choice.Floats[At(k)] = model.UnknownOf[At(k)] != 0;
-        if (!choice.Floats[At(k)]) choice.Held.Value[At(k)] = ParameterValue(Job, k);
+        if (!choice.Floats[At(k)]) choice.Held.Value[At(k)] = result.Values[k];
     }
     const bool mirrored = Determinant3(at.M) < 0;
     const double most = (kTimes - 1) * use.Sum + kNoises * use.Noise * use.Noise;
-    for (const ChainValues& start : WithSigns(fit::StartsOf(moments, choice), choice)) {
-        const auto found = fit::Climb(moments, choice, start);
+    for (const ChainValues& start : WithSigns(StartsOf(moments, choice), choice)) {
+        const auto found = Climb(moments, choice, start);
         if (!found || -found->Gain > most || found->Proper == mirrored) continue;
-        const Mat3 M = fit::MatrixOf(found->Values);
+        const Mat3 M = MatrixOf(found->Values);
         if (Between(M, at.M) < kAnother * std::max(LargestOf(M), LargestOf(at.M))) continue;
-        const auto moves = MovesTo(found->Values, model, use.Noise);
+        const auto moves = MovesTo(found->Values, result, use.Noise);
         for (int k = kTraX; k < kParameterEnd; ++k) other.Moves[At(k)] = other.Moves[At(k)] || moves[At(k)];
         other.Found = true;
     }
     return other;
 }
 
-}  // namespace corvinade::engine
+}  // namespace corvinade::fit

@@ -1,19 +1,18 @@
 // Scales and angles of the frame that only noise determines.
-#include "engine/loose_scales.h"
+#include "fit/loose_scales.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <vector>
 
-#include "core/job.h"
 #include "fit/normal_equations.h"
 #include "fit/open_parameters.h"
 #include "fit/principal_axes.h"
 #include "fit/statistics.h"
 #include "fit/tool_tips.h"
 
-namespace corvinade::engine {
+namespace corvinade::fit {
 
 namespace {
 
@@ -35,12 +34,15 @@ struct WholePairs {
     std::vector<int> List;  // from 0
     double Noise = 0;       // of a coordinate, mm
 
-    WholePairs(const GatheredPoints& points, const Linearisation& at, int unknowns, bool robust) {
+    // Of the tips of the poses where the model is that of the tool.
+    WholePairs(const GatheredPoints& points, const JudgedResult& result) {
+        const Linearisation& at = result.At;
+        const int unknowns = result.Model.Unknowns;
         constexpr double kGross = 20;
         std::vector<double> deviations;
         double largest = 0;
         for (int i = 0; i < points.Count; ++i) {
-            if (!Used(i + 1, 1) || !Used(i + 1, 2) || !Used(i + 1, 3)) continue;
+            if (!result.Used(i, 1) || !result.Used(i, 2) || !result.Used(i, 3)) continue;
             double squares = 0;
             for (int axis = 1; axis <= 3; ++axis) {
                 const double target = points.Target[At(axis - 1)][At(i)];
@@ -53,8 +55,9 @@ struct WholePairs {
             deviations.push_back(std::sqrt(squares));
         }
         if (List.empty()) return;
-        const double most = robust ? kGross * MiddleDeviation(deviations, unknowns) + kEpsilon * largest
-                                   : std::numeric_limits<double>::infinity();
+        const double most = result.Robust
+                                ? kGross * MiddleDeviation(deviations, unknowns) + kEpsilon * largest
+                                : std::numeric_limits<double>::infinity();
         double squares = 0;
         std::size_t kept = 0;
         for (std::size_t k = 0; k < List.size(); ++k) {
@@ -79,9 +82,8 @@ Vec3 ReliefOf(const PrincipalAxes& axes, std::size_t points) {
 // What would be open if the start points had no relief at all along their flat directions. Of the least
 // relief the normal equations hold no digits.
 //   flat  a direction is, whose share of the longest is no more
-std::array<bool, kParameterEnd> OpenWithoutRelief(GatheredPoints points, const FitModel& model,
-                                                  const Linearisation& at, const PrincipalAxes& axes,
-                                                  double flat) {
+std::array<bool, kParameterEnd> OpenWithoutRelief(GatheredPoints points, const JudgedResult& result,
+                                                  const PrincipalAxes& axes, double flat) {
     for (int i = 0; i < points.Count; ++i)
         for (int way = 2; way <= 3; ++way) {
             if (axes.Squares(way) > flat * flat * axes.Squares(1)) continue;
@@ -90,9 +92,9 @@ std::array<bool, kParameterEnd> OpenWithoutRelief(GatheredPoints points, const F
                 off += axes.Axes(k, way) * (points.Start[At(k - 1)][At(i)] - axes.Middle(k));
             for (int k = 1; k <= 3; ++k) points.Start[At(k - 1)][At(i)] -= off * axes.Axes(k, way);
         }
-    OpenParameters open = FindOpenParameters(points, model, CoordinateInUse, ParametersOf(Job), at);
-    open.Open[kAzimuth] = open.Open[kAzimuth] && !open.AzimuthWithoutEffect;
-    return open.Open;
+    OpenParameters left = FindOpenParameters(points, result.Model, result.InUse, result.Values, result.At);
+    left.Open[kAzimuth] = left.Open[kAzimuth] && !left.AzimuthWithoutEffect;
+    return left.Open;
 }
 
 double SizeOf(const Vec3& relief) {
@@ -101,19 +103,24 @@ double SizeOf(const Vec3& relief) {
 
 // Fastens what the poses leave open of the tool vector: its part along directions of the flange, and the
 // parts that are told as open.
-void HoldTool(const FitModel& model, const std::vector<Vec3>& still, double weight, Matrix& N) {
+void HoldTool(const JudgedResult& result, const std::array<bool, kParameterEnd>& open, double weight,
+              Matrix& N) {
+    const FitModel& model = result.Model;
     for (int j = 1; j <= 3; ++j) {
         const int row = model.UnknownOf[At(kRvecX + j - 1)];
-        if (Job.LeftOpen[At(kRvecX + j - 1)] != 0) N(row, row) += weight;
+        if (open[At(kRvecX + j - 1)]) N(row, row) += weight;
         for (int k = 1; k <= 3; ++k)
-            for (const Vec3& w : still) N(row, model.UnknownOf[At(kRvecX + k - 1)]) += weight * w(j) * w(k);
+            for (const Vec3& w : result.Still)
+                N(row, model.UnknownOf[At(kRvecX + k - 1)]) += weight * w(j) * w(k);
     }
 }
 
 // The diagonal of the inverse of the normal matrix with equal weights, by unknown; of some of the pairs where
 // these are many.
-Column Cofactors(const GatheredPoints& points, const FitModel& model, const Linearisation& at,
-                 const std::vector<int>& pairs, const std::vector<Vec3>& still) {
+Column Cofactors(const GatheredPoints& points, const JudgedResult& result, const std::vector<int>& pairs,
+                 const std::array<bool, kParameterEnd>& open) {
+    const FitModel& model = result.Model;
+    const Linearisation& at = result.At;
     constexpr std::size_t kSample = 2000;
     const std::size_t step = std::max<std::size_t>(1, pairs.size() / kSample);
     const int u = model.Unknowns;
@@ -141,7 +148,7 @@ Column Cofactors(const GatheredPoints& points, const FitModel& model, const Line
                 for (int j = 1; j <= u; ++j) N(i, j) += row[At(i)] * row[At(j)] * static_cast<double>(step);
         }
     if (without != 0) N(without, without) = 1;
-    if (tool) HoldTool(model, still, static_cast<double>(pairs.size()), N);
+    if (tool) HoldTool(result, open, static_cast<double>(pairs.size()), N);
     SolveNormalEquations(N, w, u, Q, x);
     for (int i = 1; i <= u; ++i) cofactors[At(i)] = Q(i, i);
     return cofactors;
@@ -153,17 +160,19 @@ bool LooseScales::Any() const {
     return std::find(Of.begin(), Of.end(), true) != Of.end();
 }
 
-LooseScales FindLooseScales(const NormFit& fit, const FitModel& model, const Linearisation& at, bool robust) {
+LooseScales FindLooseScales(const JudgedResult& result, const std::array<bool, kParameterEnd>& open) {
     constexpr double kLoose = 0.1, kLooseIfThin = 0.005, kWorse = 100, kThin = 4, kFlat = 1e-6,
                      kRounding = 1e-11;
+    const FitModel& model = result.Model;
     LooseScales loose;
     bool ofFrame = false;
     for (int k = kScaleX; k <= kAngleZtoXY; ++k)
         ofFrame = ofFrame || (IsOfFrame(k, model.Mode) && model.UnknownOf[At(k)] != 0);
     if (model.Mode == FitMode::Distance || !ofFrame) return loose;
-    const GatheredPoints tips = model.Mode == FitMode::Tool ? AtTips(fit.Points, at.Tool) : GatheredPoints{};
-    const GatheredPoints& points = model.Mode == FitMode::Tool ? tips : fit.Points;
-    const WholePairs pairs(points, at, model.Unknowns, robust);
+    const GatheredPoints tips =
+        model.Mode == FitMode::Tool ? AtTips(result.Points, result.At.Tool) : GatheredPoints{};
+    const GatheredPoints& points = model.Mode == FitMode::Tool ? tips : result.Points;
+    const WholePairs pairs(points, result);
     if (3 * static_cast<int>(pairs.List.size()) <= model.Unknowns) return loose;
     const PrincipalAxes axes = AxesOf(points.Start, pairs.List);
     const Vec3 start = ReliefOf(axes, pairs.List.size()),
@@ -175,12 +184,12 @@ LooseScales FindLooseScales(const NormFit& fit, const FitModel& model, const Lin
     const bool thin = loose.Relief < kThin * loose.Noise;
     const bool flat = start(3) <= kFlat * start(1), rounded = start(3) <= kRounding * start(1);
     if (flat && (thin || rounded)) {
-        const auto open = OpenWithoutRelief(points, model, at, axes, kFlat);
+        const auto without = OpenWithoutRelief(points, result, axes, kFlat);
         for (int k = kScaleX; k <= kAngleZtoXY; ++k)
-            loose.Of[At(k)] = open[At(k)] && IsOfFrame(k, model.Mode) && model.UnknownOf[At(k)] != 0;
+            loose.Of[At(k)] = without[At(k)] && IsOfFrame(k, model.Mode) && model.UnknownOf[At(k)] != 0;
     }
     if (rounded) return loose;
-    const Column cofactors = Cofactors(points, model, at, pairs.List, fit.LeftByPoses.Directions);
+    const Column cofactors = Cofactors(points, result, pairs.List, open);
     std::array<double, kParameterEnd> sigma{};
     double best = std::numeric_limits<double>::infinity();
     for (int k = kScaleX; k <= kAngleZtoXY; ++k) {
@@ -198,4 +207,4 @@ LooseScales FindLooseScales(const NormFit& fit, const FitModel& model, const Lin
     return loose;
 }
 
-}  // namespace corvinade::engine
+}  // namespace corvinade::fit

@@ -4,12 +4,10 @@
 
 #include <vector>
 
-#include "core/rooms.h"
-#include "engine/design.h"
-#include "engine/gathered_points.h"
-#include "engine/loose_turns.h"
+#include "fit/judged_result.h"
+#include "fit/loose_turns.h"
 
-namespace corvinade::engine {
+namespace corvinade::fit {
 
 // As FindLooseTurns (loose_turns.h), of the plain model and that of the tool.
 //
@@ -27,8 +25,6 @@ namespace corvinade::engine {
 // translations floating.
 // Of no more than six spare observations a Sigma of a tenth is told that is 1 + 10 / spare times as large,
 // for these fit well by chance now and then.
-//   still  directions of the flange along which the tool vector does not float: unit vectors at right angles
-std::vector<LooseTurn> FindTurnsLeft(const GatheredPoints& points, const FitModel& model,
-                                     const Linearisation& at, bool robust, const std::vector<Vec3>& still);
+std::vector<LooseTurn> FindTurnsLeft(const JudgedResult& result);
 
-}  // namespace corvinade::engine
+}  // namespace corvinade::fit

@@ -3,11 +3,9 @@
 
 #include <array>
 
-#include "core/rooms.h"
-#include "engine/norms.h"
-#include "fit/design.h"
+#include "fit/judged_result.h"
 
-namespace corvinade::engine {
+namespace corvinade::fit {
 
 struct LooseScales {
     std::array<bool, kParameterEnd> Of{};  // by parameter number
@@ -23,8 +21,9 @@ struct LooseScales {
 // is above a tenth (of the scale, or rad); and where points stand off their best plane by less than four
 // times the noise in either system, a parameter that is known a hundred times worse than the best, or to less
 // than 0.005: noise of the start points draws a scale across them towards 0 then, however many there are.
-//   robust  the norm lets gross errors stand aside: pairs that deviate twenty times as much as the middle one
-//           have no part in it
-LooseScales FindLooseScales(const NormFit& fit, const FitModel& model, const Linearisation& at, bool robust);
+// Where gross errors stand aside, pairs that deviate twenty times as much as the middle one have no part in
+// it.
+//   open  what is known to be open already, by parameter number
+LooseScales FindLooseScales(const JudgedResult& result, const std::array<bool, kParameterEnd>& open);
 
-}  // namespace corvinade::engine
+}  // namespace corvinade::fit

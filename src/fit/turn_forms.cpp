@@ -1,15 +1,14 @@
 // What turns of the result do to images and targets, with all that follows them.
-#include "engine/turn_forms.h"
+#include "fit/turn_forms.h"
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
-#include "core/job.h"
 #include "fit/statistics.h"
 #include "fit/vector.h"
 
-namespace corvinade::engine {
+namespace corvinade::fit {
 
 namespace {
 
@@ -55,10 +54,12 @@ Vec3 TurnUnit(int axis) {
     return unit;
 }
 
-TurnPairs::TurnPairs(const GatheredPoints& points, const FitModel& model, const Linearisation& at, int step) {
+TurnPairs::TurnPairs(const JudgedResult& result, int step) {
+    const GatheredPoints& points = result.Points;
+    const Linearisation& at = result.At;
     for (int axis = 1; axis <= 3; ++axis)
         for (int j = 1; j <= 3; ++j) Arm(axis) += at.M(axis, j) * points.StartCentre(j);
-    for (int i = 0; i < points.Count; i += step) Add(points, model, at, i);
+    for (int i = 0; i < points.Count; i += step) Add(result, i);
 }
 
 void TurnPairs::LeaveOutGrossErrors(int unknowns) {
@@ -94,16 +95,18 @@ TurnPairs TurnPairs::WithoutFarthest(const Vec3 TurnPair::*place) const {
     return left;
 }
 
-void TurnPairs::Add(const GatheredPoints& points, const FitModel& model, const Linearisation& at, int i) {
+void TurnPairs::Add(const JudgedResult& result, int i) {
+    const GatheredPoints& points = result.Points;
+    const Linearisation& at = result.At;
     TurnPair pair;
     bool any = false;
     for (int axis = 1; axis <= 3; ++axis) {
         const std::size_t column = At(axis - 1);
-        pair.InUse[At(axis)] = Used(i + 1, axis);
+        pair.InUse[At(axis)] = result.Used(i, axis);
         any = any || pair.InUse[At(axis)];
         double target = points.Target[column][At(i)];
         double read = std::fabs(target + points.TargetCentre(axis));
-        if (model.Mode == FitMode::Tool)
+        if (result.Model.Mode == FitMode::Tool)
             for (int k = 1; k <= 3; ++k) {
                 const double pose = points.Pose[3 * column + At(k - 1)][At(i)];
                 target -= pose * at.Tool(k);
@@ -260,4 +263,4 @@ void TurnForms::TakeNoise(const std::vector<double>& image, const std::vector<do
     Noise = seen && (scales || spare > kFew) ? noise : noiseAt(1);
 }
 
-}  // namespace corvinade::engine
+}  // namespace corvinade::fit

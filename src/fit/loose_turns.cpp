@@ -1,16 +1,15 @@
 // Turns that the sum of squares hardly depends on.
-#include "engine/loose_turns.h"
+#include "fit/loose_turns.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "core/job.h"
-#include "engine/turn_axes.h"
-#include "engine/turns_left.h"
 #include "fit/statistics.h"
+#include "fit/turn_axes.h"
+#include "fit/turns_left.h"
 #include "fit/vector.h"
 
-namespace corvinade::engine {
+namespace corvinade::fit {
 
 namespace {
 
@@ -37,8 +36,10 @@ struct Pairs {
     Vec3 Lever;  // from the place that the start system's origin is carried to, to the middle of the images
     double LargestImage = 0, LargestTarget = 0;  // coordinates as they were read
 
-    Pairs(const GatheredPoints& points, const Linearisation& at, int step) {
-        for (int i = 0; i < points.Count; i += step) Add(points, at, i);
+    Pairs(const JudgedResult& result, int step) {
+        const GatheredPoints& points = result.Points;
+        const Linearisation& at = result.At;
+        for (int i = 0; i < points.Count; i += step) Add(result, i);
         Centre();
         for (int axis = 1; axis <= 3; ++axis)
             for (int j = 1; j <= 3; ++j) Lever(axis) += at.M(axis, j) * points.StartCentre(j);
@@ -79,12 +80,14 @@ struct Pairs {
     bool Whole() const { return Observations == 3 * static_cast<int>(List.size()); }
 
 private:
-    void Add(const GatheredPoints& points, const Linearisation& at, int i) {
+    void Add(const JudgedResult& result, int i) {
+        const GatheredPoints& points = result.Points;
+        const Linearisation& at = result.At;
         Pair pair;
         bool any = false;
         double squares = 0;
         for (int axis = 1; axis <= 3; ++axis) {
-            pair.InUse[At(axis)] = Used(i + 1, axis);
+            pair.InUse[At(axis)] = result.Used(i, axis);
             any = any || pair.InUse[At(axis)];
             double read = 0;
             pair.Image(axis) = at.Shift(axis);
@@ -208,7 +211,7 @@ void AddAxes(const std::vector<Vec3>& span, const Pairs& pairs, const Vec3 Pair:
             for (int j = 1; j <= 3; ++j)
                 if (pair.InUse[At(i)] && pair.InUse[At(j)])
                     products(i, j) += ((pair.*a)(i) * (pair.*b)(j) + (pair.*a)(j) * (pair.*b)(i)) / 2;
-    engine::AddAxes(span, products, axes);
+    fit::AddAxes(span, products, axes);
 }
 
 // The same by what a turn about them does to the coordinates in use. Where some are out of use the products
@@ -235,7 +238,7 @@ void AddAxesByEffect(const std::vector<Vec3>& span, const Pairs& pairs, const Ve
                 for (int j = 1; j <= 3; ++j) form(i, j) += row(i) * row(j);
         }
     }
-    engine::AddAxes(span, form, axes);
+    fit::AddAxes(span, form, axes);
 }
 
 // One scale of the images that comes nearest to the targets, and what is left then of each coordinate. Of
@@ -271,13 +274,13 @@ struct Noise {
 
 class Judge {
 public:
-    Judge(const Pairs& pairs, const FitModel& model, bool robust)
+    Judge(const Pairs& pairs, const JudgedResult& result)
         : pairs_(pairs),
           nearImages_(pairs.WithoutFarthest(&Pair::Image)),
           nearTargets_(pairs.WithoutFarthest(&Pair::Target)),
-          axes_(model),
-          noise_(pairs, model),
-          robust_(robust) {
+          axes_(result.Model, result.Values),
+          noise_(pairs, result.Model),
+          robust_(result.Robust) {
         const std::vector<Vec3> span = axes_.Span();
         AddAxes(span, pairs, &Pair::Image, &Pair::Target, candidates_);
         AddAxes(span, pairs, &Pair::Image, &Pair::Image, candidates_);
@@ -359,24 +362,24 @@ private:
 
 }  // namespace
 
-std::vector<LooseTurn> FindLooseTurns(const GatheredPoints& points, const FitModel& model,
-                                      const Linearisation& at, bool robust, const std::vector<Vec3>& still) {
+std::vector<LooseTurn> FindLooseTurns(const JudgedResult& result) {
+    const FitModel& model = result.Model;
     if (model.Mode == FitMode::Distance) return {};
     if (std::none_of(&model.UnknownOf[kRotX], &model.UnknownOf[kRotZ] + 1, [](int u) { return u != 0; }))
         return {};
     const bool anywhere =
         std::all_of(&model.UnknownOf[kTraX], &model.UnknownOf[kTraZ] + 1, [](int u) { return u != 0; });
-    if (model.Mode == FitMode::Tool || !anywhere) return FindTurnsLeft(points, model, at, robust, still);
+    if (model.Mode == FitMode::Tool || !anywhere) return FindTurnsLeft(result);
     constexpr int kSample = 256;
-    const int step = std::max(1, points.Count / kSample);
+    const int step = std::max(1, result.Points.Count / kSample);
     for (int every = step;; every = 1) {
-        Pairs pairs(points, at, every);
-        if (robust) pairs.LeaveOutGrossErrors(model.Unknowns);
+        Pairs pairs(result, every);
+        if (result.Robust) pairs.LeaveOutGrossErrors(model.Unknowns);
         if (pairs.List.empty()) return {};
-        std::vector<LooseTurn> loose = Judge(pairs, model, robust).Loose();
+        std::vector<LooseTurn> loose = Judge(pairs, result).Loose();
         // What some of the points tell all of them do.
         if (loose.empty() || every == 1) return loose;
     }
 }
 
-}  // namespace corvinade::engine
+}  // namespace corvinade::fit
