@@ -29,10 +29,14 @@ int CountUnknowns(const ParameterTexts& ParamText) {
 }
 
 FitMode ChooseMode(const ParameterTexts& ParamText) {
-    const bool distanceHeld = !Floats(ParamText, kRDist) && Job.RDist != 0;
+    return ChooseMode(ParamText, ParametersOf(Job));
+}
+
+FitMode ChooseMode(const ParameterTexts& ParamText, const Parameters& held) {
+    const bool distanceHeld = !Floats(ParamText, kRDist) && held[kRDist] != 0;
     if (!Selection.CheckUseABC && (Selection.CheckRDist || (distanceHeld && Selection.RDistShown)))
         return FitMode::Distance;
-    const bool toolHeld = Job.Rvec_x != 0 || Job.Rvec_y != 0 || Job.Rvec_z != 0;
+    const bool toolHeld = held[kRvecX] != 0 || held[kRvecY] != 0 || held[kRvecZ] != 0;
     if (Selection.CheckUseABC || (toolHeld && !Selection.RDistShown)) return FitMode::Tool;
     return FitMode::Coincide;
 }

@@ -18,6 +18,7 @@ FitModel ChooseModel(const std::array<std::string, 18>& ParamText);
 
 // The mode alone, for a choice whose held values have been taken over into the job.
 FitMode ChooseMode(const std::array<std::string, 18>& ParamText);
+FitMode ChooseMode(const std::array<std::string, 18>& ParamText, const Parameters& held);
 
 // Reads the job's parameters; writes Job.RotXCopy, RotYCopy, RotZCopy and Chain.
 Linearisation Linearise(const FitModel& model, const GatheredPoints& points);

@@ -10,7 +10,6 @@ namespace corvinade::engine {
 // The first pair that the start values of Job.ParamText put onto its target point, as far as coordinates
 // tell; "" when there is none, or when the distance model does not hold. There the way between the two has
 // no direction, and neither has the row of the design matrix. Pairs whose Z is out of use do not count.
-// Leaves the job's parameters as they are.
 std::string PairThatStartsOnItsTarget();
 
 }  // namespace corvinade::engine
