@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <map>
 #include <ostream>
 #include <set>
 #include <utility>
@@ -28,6 +29,7 @@
 #include "core/units.h"
 #include "core/window.h"
 #include "import/cloud_points.h"
+#include "import/cloud_table.h"
 #include "import/table_heading.h"
 
 namespace corvinade::cli {
@@ -147,12 +149,33 @@ public:
 
     // Does it keep its form?
     bool IsCloud(const std::string& path) const {
-        return options_.KeepsForm() || path == "-" || IsPipe(path) || KindOfFile(path) != CloudKind::Text;
+        return options_.KeepsForm() || path == "-" || IsPipe(path) || KindOfFile(path) != CloudKind::Text ||
+               TableColumns(path);
     }
 
     const std::vector<std::string>& Written() const { return inOrder_; }
 
 private:
+    // The columns of text that the reader of plain points would take otherwise than it is meant.
+    const std::optional<std::string>& TableColumns(const std::string& path) const {
+        const auto [place, isNew] = tables_.try_emplace(path);
+        try {
+            if (isNew) place->second = ColumnsOfTableAlone(path, order_.Wish);
+        } catch (const PlatformError&) {  // whoever reads it says why
+            place->second.reset();
+        }
+        return place->second;
+    }
+
+    void NoteForm(const std::string& path) const {
+        const auto found = tables_.find(path);
+        if (found != tables_.end() && found->second)
+            AddNote(NoteCode::FormKept,
+                    "It is no plain list of points, but a table of " + *found->second +
+                        ": it comes out in this form",
+                    path);
+    }
+
     std::string OutPathOf(const std::string& path) const {
         return options_.Out.empty() ? JoinPath(options_.To, BatchOutName(NameOfFile(path))) : options_.Out;
     }
@@ -180,6 +203,7 @@ private:
             const auto mayKeep = [this] { return !options_.Strict || !HasWarnings(); };
             if (!TransformCloud(order_, path, outPath, tell, mayKeep, unwritten))
                 throw PlatformError{"\"" + path + "\": a warning came up, and --strict lets none pass"};
+            NoteForm(path);
             Count(outPath);
             return Ended::Written;
         } catch (const PlatformError& error) {
@@ -193,6 +217,7 @@ private:
     BatchNotes& notes_;
     std::set<std::string> written_;
     std::vector<std::string> inOrder_;
+    mutable std::map<std::string, std::optional<std::string>> tables_;  // by path, as far as looked into
 };
 
 // Tells what was found in the files.
@@ -299,7 +324,7 @@ CLI::App* AddTransform(CLI::App& app, TransformSwitches& s) {
                                          "What stands between the fields of files that do not show it;\n"
                                          "default: space")
                             ->transform(NameOf(DelimiterNames()))
-                            ->type_name("space|semicolon|colon|star|sharp|tab|comma");
+                            ->type_name("space|semicolon|colon|star|sharp|tab|comma|pipe");
     auto* yes = transform->add_flag("--yes,-y", s.Yes,
                                     "Answer questions with Yes; a file with the other decimal\n"
                                     "delimiter is then changed");

@@ -219,6 +219,7 @@ void RunLandXml(CloudTask& task) {
     bool ends = false;
     const auto keep = [&task] {
         if (task.Facts.LinesKept++ == 0) task.Facts.FirstKept = task.In.Line;
+        ++task.Facts.Bad;
     };
     for (;;) {
         const std::size_t open = in.View().find('<');

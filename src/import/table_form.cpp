@@ -163,11 +163,14 @@ bool IsCertain(std::string_view text, const std::string& path, const TableOption
                 "-,name,x,y,z",
             refusal);
     if (usual && form.Delimiter == ',' && form.Gaps == TableGaps::Delimiter && trial.Thousands &&
-        trial.Good > 0)
-        return Refuse(path, form.FirstLine,
-                      std::string(kCommasOfThousands) +
-                          "; write them without, or say with --columns what the fields are",
-                      refusal);
+        trial.Good > 0) {
+        Refuse(path, form.FirstLine,
+               std::string(kCommasOfThousands) +
+                   "; write them without, or say with --columns what the fields are",
+               refusal);
+        refusal.Thousands = true;
+        return false;
+    }
     if (form.Decimal == ',' && options.Decimal == '\0' && trial.Fractions && trial.ThousandsLike)
         warn(
             NoteCode::DecimalTaken,

@@ -123,8 +123,9 @@ void RefuseOtherDecimal(const CloudTask& task, const RowForm& form, std::string_
                            "\", and other rows \"" + form.Decimal + "\" (--decimal says which holds)");
 }
 
-// Of a file that is read to be fitted: a row that was meant as a point must not be missing without a word.
-void RefuseBadRow(const CloudTask& task, const FoundForm& found, std::string_view row) {
+// Of a file that is read to be fitted: a row that was meant as a point must not be missing without a word. It
+// is refused or counted.
+void TakeBadRow(CloudTask& task, const FoundForm& found, std::string_view row) {
     const RowForm& form = found.Form;
     std::vector<std::string_view> fields;
     FieldsOf(row, form.Delimiter, std::max<std::size_t>(form.Columns.size(), 3), fields);
@@ -150,6 +151,8 @@ void RefuseBadRow(const CloudTask& task, const FoundForm& found, std::string_vie
         const bool isMissing = i >= fields.size() || isEmpty(fields[i]);
         const std::string what =
             isMissing ? "the coordinate is missing" : "\"" + Printable(fields[i]) + "\" is not a number";
+        ++task.Facts.Bad;
+        if (!task.Wish.RefuseBad) return;
         throw PlatformError{"Cannot read \"" + task.In.Path() + "\", line " + std::to_string(task.In.Line) +
                             ", column " + std::to_string(i + 1) + ": " + what +
                             " (--skip-bad passes it over)"};
@@ -180,7 +183,7 @@ void CarryRows(CloudTask& task, const FoundForm& found, int decimals, bool isWho
             looked = true;
         } else {
             RefuseOtherDecimal(task, form, row);
-            if (task.Wish.RefuseBad) RefuseBadRow(task, found, row);
+            if (task.Motion == nullptr) TakeBadRow(task, found, row);
             KeepLine(task, whole);
         }
     }
