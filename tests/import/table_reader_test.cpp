@@ -182,6 +182,17 @@ TEST_F(TableReader, ARowThatOnlyTheOtherDecimalDelimiterReadsIsNoHeading) {
     }
 }
 
+TEST_F(TableReader, AHeadingThatCallsNothingANameIsToldWhereWordsStandInFront) {
+    const auto notes = [](const std::string& heading, const char* first) {
+        const TableResult table = ReadTable(heading + ",X,Y,Z\n" + first + ",1,2,3\nB7,4,5,6\n", "f", {});
+        return table.Notes.empty() ? table.Points.Name[1] : table.Notes.front().Text;
+    };
+    for (const char* const heading : {"Pt#", "Bez.", "P", "Station", "Pt_Name"})
+        EXPECT_EQ(notes(heading, "A7"), "A7") << heading;
+    EXPECT_NE(notes("Mark", "A7").find("The column \"Mark\" is not read"), std::string::npos);
+    EXPECT_EQ(notes("Time", "9.5"), "1");
+}
+
 // Whole numbers have no comma of their own, so rows may have fewer fields.
 TEST_F(TableReader, CommasThatMayBeBothAreRefusedWhereSomeNumbersAreWhole) {
     for (const char* const text : {"P1,1,5,2,5,3,5\nP2,1,2,3\nP3,4,8,6\n", "P1,1,5,2,5,3,5\nP2,4,5,2,3\n"}) {
