@@ -100,6 +100,7 @@ public:
         if (IsCloud(path)) return TransformOne(path, outPath, tell);
         Ended ended = Ended::Unreadable;
         LineCounts counts;
+        const std::size_t dialogs = Headless.Dialogs.size();
         try {
             const BatchInput input = ReadBatchFile(path);
             ended = Ended::Unwritten;
@@ -122,7 +123,11 @@ public:
             if (counts.WithoutNumbers > 0) notes_.WithoutNumbers.push_back({path, counts});
             return Ended::Written;
         } catch (const PlatformError& error) {
-            notes_.FilesLeft.push_back({path, error.What});
+            // The one question that there is was answered by nobody.
+            const bool asked = !options_.Questions && Headless.Dialogs.size() > dialogs &&
+                               Headless.Dialogs.back().Buttons.size() == 2;
+            notes_.FilesLeft.push_back(
+                {path, error.What + (asked ? " (--decimal says which the files have)" : "")});
             return counts.Refused > 0 ? Ended::Unreadable : ended;
         }
     }
@@ -167,7 +172,15 @@ private:
         return place->second;
     }
 
-    void NoteForm(const std::string& path) const {
+    // What of the form of the result the user may have taken for something else.
+    void NoteForm(const std::string& path, const std::string& outPath) const {
+        const CloudKind kind = KindOfFile(path), named = CloudKindOf("", outPath);
+        if (named != CloudKind::Text && named != kind && (IsCarrier(named) || IsCarrier(kind)) &&
+            path != "-" && !IsPipe(path))
+            AddNote(NoteCode::FormKept,
+                    "It is " + std::string(CloudKindInWords(kind)) + ", and so is \"" + outPath +
+                        "\", though its name says otherwise",
+                    path);
         const auto found = tables_.find(path);
         if (found != tables_.end() && found->second)
             AddNote(NoteCode::FormKept,
@@ -203,7 +216,7 @@ private:
             const auto mayKeep = [this] { return !options_.Strict || !HasWarnings(); };
             if (!TransformCloud(order_, path, outPath, tell, mayKeep, unwritten))
                 throw PlatformError{"\"" + path + "\": a warning came up, and --strict lets none pass"};
-            NoteForm(path);
+            NoteForm(path, outPath);
             Count(outPath);
             return Ended::Written;
         } catch (const PlatformError& error) {

@@ -159,6 +159,17 @@ void TakeBadRow(CloudTask& task, const FoundForm& found, std::string_view row) {
     }
 }
 
+// The first line of what ends with the line end that most lines of a file have, cut off `rest`: where line
+// ends are mixed, it may be several.
+std::string_view CutFirstLine(std::string_view& rest, bool loneReturns) {
+    std::size_t end = rest.find(loneReturns ? '\n' : '\r');
+    if (end == std::string_view::npos || (end + 1 < rest.size() && rest[end + 1] == '\n' && !loneReturns))
+        end = rest.size() - 1;
+    const std::string_view line = rest.substr(0, end + 1);
+    rest.remove_prefix(line.size());
+    return line;
+}
+
 void CarryRows(CloudTask& task, const FoundForm& found, int decimals, bool isWhole) {
     CloudInput& in = task.In;
     const RowForm& form = found.Form;
@@ -166,8 +177,14 @@ void CarryRows(CloudTask& task, const FoundForm& found, int decimals, bool isWho
     carrier.LookAhead(in.View(), isWhole);
     bool looked = !task.Wish.Columns.empty();
     FieldCount count(task.Facts, form);
-    std::string_view whole, lineEnd;
-    while (in.NextLine(whole)) {
+    std::string_view lines, lineEnd;
+    for (;;) {
+        if (!lines.empty()) {
+            ++in.Line;
+        } else if (!in.NextLine(lines)) {
+            break;
+        }
+        const std::string_view whole = CutFirstLine(lines, in.LoneReturns);
         const std::string_view row = WithoutLineEnd(whole, lineEnd);
         // What stands in front of the first point is of its form, where it is only read.
         const bool isOfForm = task.Motion == nullptr && task.Facts.Points == 0 && IsCommentLine(row);

@@ -334,7 +334,7 @@ TEST_F(ExportCommand, WrongUsage) {
     for (const auto& command : commands) {
         const Outcome outcome = FreshCommandLine(command);
         EXPECT_EQ(outcome.Status, 2) << command.back() << ": " << outcome.Err;
-        EXPECT_NE(outcome.Err, "");
+        EXPECT_NE(outcome.Err + outcome.Out, "");
     }
     EXPECT_EQ(Contents(job_), before);
 }

@@ -340,6 +340,29 @@ TEST_F(FitClouds, ARowThatIsNoPointIsNotMissingWithoutAWord) {
     EXPECT_NE(Fit({lost, lost}).Err.find("line 2, column 3: \"x\" is not a number"), std::string::npos);
 }
 
+TEST_F(FitClouds, APointOfLandXmlThatIsNoneIsRefusedAndOneWithoutTextIsNoted) {
+    const std::string begin =
+        "<LandXML><CgPoints><CgPoint name=\"A\">0 0 0</CgPoint>\n<CgPoint name=\"B\">0 900 0</CgPoint>\n"
+        "<CgPoint name=\"C\">900 0 0</CgPoint>\n";
+    const std::string end = "</CgPoints></LandXML>\n";
+    for (const char* const text : {"1 x 3", "1 2", "1 2 3 4", "<!-- c -->1 2 3", "1 <!-- c --> 2 3"}) {
+        const std::string path = Write("p.xml", begin + "<CgPoint name=\"D\">" + text + "</CgPoint>" + end);
+        const Outcome refused = Fit({path, path});
+        EXPECT_EQ(refused.Status, 3) << text;
+        EXPECT_NE(refused.Err.find("line 4: "), std::string::npos) << refused.Err;
+        EXPECT_NE(refused.Err.find("--skip-bad"), std::string::npos) << refused.Err;
+        const json passed = FitJson({path, path, "--skip-bad"});
+        EXPECT_EQ(passed["points"].size(), 3u) << text;
+        EXPECT_EQ(passed["files"][0]["skipped"], 1) << text;
+    }
+    const std::string other = Write("o.xml", begin + "<CgPoint name=\"D\" pntRef=\"A\"></CgPoint>" + end);
+    EXPECT_EQ(FitJson({other, other})["points"].size(), 3u);
+    const std::string out = Write("c.xml", begin + "<!-- <CgPoint name=\"D\">1 x 3</CgPoint> -->" + end);
+    const json none = FitJson({out, out});
+    EXPECT_EQ(none["notes"].dump().find("lines-kept"), std::string::npos);
+    EXPECT_EQ(none["files"][0]["skipped"], 0);
+}
+
 TEST_F(FitClouds, FilesTellHowManyBadRowsWerePassedOver) {
     const std::string rows = "# by hand\n1 0 0 0 0 0 0 1\n2 900 0 0 0 0 0 1\n# more\n3 0 900 0 0 0 0 1\n",
                       good = Write("good.tum", rows);
@@ -361,6 +384,16 @@ TEST_F(TransformClouds, PipesAreADelimiterThatCanBeNamed) {
     EXPECT_EQ(FreshCommandLine({"transform", job, in, "--out", PathOf("o"), "--delimiter", "pipe"}).Status,
               0);
     EXPECT_EQ(Contents(PathOf("o")).substr(0, 2), "A|");
+}
+
+TEST_F(TransformClouds, ANameOfAnotherFormChangesNoneAndIsTold) {
+    const std::string other = PathOf("o.pcd"), same = PathOf("o.ply");
+    const Outcome outcome = Command({"transform", "--with", matrix_, ply_, "--out", other});
+    EXPECT_EQ(outcome.Status, 0) << outcome.Err;
+    EXPECT_EQ(Contents(other), Ply(6, 8, 10));
+    EXPECT_NE(outcome.Err.find("though its name says otherwise"), std::string::npos) << outcome.Err;
+    EXPECT_EQ(Command({"transform", "--with", matrix_, ply_, "--out", same}).Err,
+              "1 of 1 files transformed\n");
 }
 
 TEST_F(TransformClouds, AHeadingIsHeededWithoutAnOption) {
