@@ -251,6 +251,7 @@ private:
         if (bad_.Cells.size() == 3 && IsNumber(bad_, 0, form_.Decimal))
             form_.Columns.erase(form_.Columns.begin());
         Begin(bad_, badPlace_);
+        if (trial_.UnknownHeading == bad_.Number) trial_.UnknownHeading = 0;  // it is the row itself
         return true;
     }
 
