@@ -98,7 +98,7 @@ inline std::string UnitChoices(std::span<const UnitRow> units) {
 inline const std::map<std::string, std::string>& DelimiterNames() {
     static const std::map<std::string, std::string> kNames = {
         {"space", " "}, {"semicolon", ";"}, {"colon", ":"}, {"star", "*"},
-        {"sharp", "#"}, {"tab", "\t"},      {"comma", ","}};
+        {"sharp", "#"}, {"tab", "\t"},      {"comma", ","}, {"pipe", "|"}};
     return kNames;
 }
 

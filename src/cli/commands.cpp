@@ -397,6 +397,7 @@ std::vector<std::string> NamedBy(const CLI::App& command) {
     for (const CLI::Option* option : OptionsOf(command)) {
         if (!TakesFile(*option)) continue;
         for (const std::string& text : option->results()) {
+            if (text == "-") continue;
             named.push_back(text);
             if (const std::size_t equals = text.find('='); equals != std::string::npos)
                 named.push_back(text.substr(equals + 1));
@@ -428,17 +429,19 @@ int RunForItsEnd(Commands& c, const CLI::App& command, std::istream& in, std::os
                  bool terminal, bool progress) {
     const bool json = IsGiven(command, "--json"), quiet = c.Quiet;
     std::ostringstream said;
+    WatchedOutput watched(out);
+    std::ostream result(&watched);
     Telling = {true, quiet, &err};
     int status = kUnreadable;
     try {
-        status = RunParsed(c, in, out, said, terminal, progress && !quiet);
+        status = RunParsed(c, in, result, said, terminal, progress && !quiet);
     } catch (const PlatformError& error) {
         said << error.What << "\n";
     } catch (const std::bad_alloc&) {
         status = kRefused;
         said << "there is not enough memory for this\n";
     }
-    TellAtEnd(status, json, quiet, said.str(), NamedBy(command), err);
+    TellAtEnd(status, json, quiet, said.str(), NamedBy(command), watched.Written(), out, err);
     Headless.NotesTold = Notes.List.size();
     Telling = {};
     return status;
@@ -468,7 +471,7 @@ int RunCommandLine(int argc, const char* const* argv, std::istream& in, std::ost
             std::any_of(argv, argv + argc, [](const char* text) { return text == std::string("--json"); });
         if (error.get_exit_code() == 0 || !json) return app.exit(error, out, err) == 0 ? kDone : kWrongUsage;
         ForgetNotes();
-        WriteErrorJson(kWrongUsage, error.what(), {}, err);
+        WriteErrorJson(kWrongUsage, error.what(), {}, out);
         return kWrongUsage;
     }
     CsvCells.Raw = commands.RawText;

@@ -34,7 +34,7 @@ const std::string& PathOf(const FitOptions& options, int file) {
 }
 
 std::string DelimiterName(char delimiter) {
-    for (const auto& [name, text] : TableDelimiterNames())
+    for (const auto& [name, text] : DelimiterNames())
         if (text.front() == delimiter) return name;
     return std::string(1, delimiter);
 }
@@ -91,19 +91,6 @@ bool IsPointFile(const FitOptions& options, int file) {
     return file == 0 || options.TargetKind == "points";
 }
 
-}  // namespace
-
-const std::map<std::string, std::string>& TableDelimiterNames() {
-    static const std::map<std::string, std::string> kNames = [] {
-        std::map<std::string, std::string> names = DelimiterNames();
-        names["pipe"] = "|";
-        return names;
-    }();
-    return kNames;
-}
-
-namespace {
-
 // What the user has said of a file; of --pairs both have the same.
 CloudReading ReadingOf(const FitOptions& options, int file) {
     const TableFile& given = options.Files[static_cast<std::size_t>(file)];
@@ -129,6 +116,7 @@ void TakeCloud(CloudSet& set, const FitOptions& options, int file, FitFile& read
     const CloudKind kind = KindOfFile(read.Facts.File);
     read.Facts.Format = kind == CloudKind::Text ? "table" : CloudKindName(kind);
     read.Facts.Unit = set.Facts.Unit.empty() ? UsualUnit(options) : set.Facts.Unit;
+    read.Facts.Skipped = set.Facts.Bad + set.Facts.NotFinite;
     read.Points = std::move(set.Points);
     read.Sigmas = std::move(set.Sigmas);
     read.Read = true;

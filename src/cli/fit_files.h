@@ -3,7 +3,6 @@
 
 #include <array>
 #include <iosfwd>
-#include <map>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 
@@ -32,9 +31,6 @@ std::string ReadFitFile(const FitOptions& options, int file, std::istream* in, F
 
 // Reads both sets from the file of --pairs, likewise.
 std::string ReadFitPairs(const FitOptions& options, std::array<FitFile, 2>& files);
-
-// What stands between the fields of a table, by name.
-const std::map<std::string, std::string>& TableDelimiterNames();
 
 // The program's name of a unit of length; "" where it is a unit of tables alone (cm, km).
 std::string ProgramUnit(const std::string& unit);

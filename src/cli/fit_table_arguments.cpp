@@ -57,7 +57,7 @@ void AddTableOptions(CLI::App& fit, FitSwitches& s) {
             ->type_name("CHARS");
         add(one + "delimiter", t.Delimiter,
             told("What stands between the fields; default: as the file shows it"))
-            ->transform(NameOf(TableDelimiterNames()))
+            ->transform(NameOf(DelimiterNames()))
             ->type_name(delimiters);
         add(one + "decimal", t.Decimal,
             told("Decimal delimiter, a point or a comma, of the output too;\n"

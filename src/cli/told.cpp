@@ -1,4 +1,4 @@
-// What a command with --json or --quiet says on standard error at its end.
+// What a command with --json or --quiet says at its end.
 #include "cli/told.h"
 
 #include <algorithm>
@@ -104,22 +104,24 @@ ErrorPlace PlaceInText(const std::string& text, const std::vector<std::string>& 
 }
 
 void WriteErrorJson(int status, const std::string& text, const std::vector<std::string>& named,
-                    std::ostream& err) {
+                    std::ostream& out) {
     const std::string plain = WithoutProgram(text);
     ErrorPlace place = PlaceInText(plain, named);
     if (!place.File && status == kUnreadable) place = PlaceInNotes();
     const ordered_json error = {
         {"status", status}, {"text", plain}, {"file", OrNull(place.File)}, {"line", OrNull(place.Line)}};
     const ordered_json root = {{"schema", "corvinade-error"}, {"error", error}};
-    err << root.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << "\n";
+    out << root.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << "\n";
 }
 
 void TellAtEnd(int status, bool json, bool quiet, const std::string& said,
-               const std::vector<std::string>& named, std::ostream& err) {
+               const std::vector<std::string>& named, bool hasResult, std::ostream& out, std::ostream& err) {
     Telling.NotesWait = false;
-    // Before the object, which is the last line.
     if (!quiet && json) WriteNotes(err);
-    if (status != kDone && json) return WriteErrorJson(status, said, named, err);
+    if (status != kDone && json && !hasResult) {
+        WriteErrorJson(status, said, named, out);
+        if (out.flush()) return;
+    }
     if (status != kDone || !quiet) err << said;
 }
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <map>
 #include <ostream>
 #include <set>
 #include <utility>
@@ -28,6 +29,7 @@
 #include "core/units.h"
 #include "core/window.h"
 #include "import/cloud_points.h"
+#include "import/cloud_table.h"
 #include "import/table_heading.h"
 
 namespace corvinade::cli {
@@ -98,6 +100,7 @@ public:
         if (IsCloud(path)) return TransformOne(path, outPath, tell);
         Ended ended = Ended::Unreadable;
         LineCounts counts;
+        const std::size_t dialogs = Headless.Dialogs.size();
         try {
             const BatchInput input = ReadBatchFile(path);
             ended = Ended::Unwritten;
@@ -120,7 +123,11 @@ public:
             if (counts.WithoutNumbers > 0) notes_.WithoutNumbers.push_back({path, counts});
             return Ended::Written;
         } catch (const PlatformError& error) {
-            notes_.FilesLeft.push_back({path, error.What});
+            // The one question that there is was answered by nobody.
+            const bool asked = !options_.Questions && Headless.Dialogs.size() > dialogs &&
+                               Headless.Dialogs.back().Buttons.size() == 2;
+            notes_.FilesLeft.push_back(
+                {path, error.What + (asked ? " (--decimal says which the files have)" : "")});
             return counts.Refused > 0 ? Ended::Unreadable : ended;
         }
     }
@@ -147,12 +154,41 @@ public:
 
     // Does it keep its form?
     bool IsCloud(const std::string& path) const {
-        return options_.KeepsForm() || path == "-" || IsPipe(path) || KindOfFile(path) != CloudKind::Text;
+        return options_.KeepsForm() || path == "-" || IsPipe(path) || KindOfFile(path) != CloudKind::Text ||
+               TableColumns(path);
     }
 
     const std::vector<std::string>& Written() const { return inOrder_; }
 
 private:
+    // The columns of text that the reader of plain points would take otherwise than it is meant.
+    const std::optional<std::string>& TableColumns(const std::string& path) const {
+        const auto [place, isNew] = tables_.try_emplace(path);
+        try {
+            if (isNew) place->second = ColumnsOfTableAlone(path, order_.Wish);
+        } catch (const PlatformError&) {  // whoever reads it says why
+            place->second.reset();
+        }
+        return place->second;
+    }
+
+    // What of the form of the result the user may have taken for something else.
+    void NoteForm(const std::string& path, const std::string& outPath) const {
+        const CloudKind kind = KindOfFile(path), named = CloudKindOf("", outPath);
+        if (named != CloudKind::Text && named != kind && (IsCarrier(named) || IsCarrier(kind)) &&
+            path != "-" && !IsPipe(path))
+            AddNote(NoteCode::FormKept,
+                    "It is " + std::string(CloudKindInWords(kind)) + ", and so is \"" + outPath +
+                        "\", though its name says otherwise",
+                    path);
+        const auto found = tables_.find(path);
+        if (found != tables_.end() && found->second)
+            AddNote(NoteCode::FormKept,
+                    "It is no plain list of points, but a table of " + *found->second +
+                        ": it comes out in this form",
+                    path);
+    }
+
     std::string OutPathOf(const std::string& path) const {
         return options_.Out.empty() ? JoinPath(options_.To, BatchOutName(NameOfFile(path))) : options_.Out;
     }
@@ -180,6 +216,7 @@ private:
             const auto mayKeep = [this] { return !options_.Strict || !HasWarnings(); };
             if (!TransformCloud(order_, path, outPath, tell, mayKeep, unwritten))
                 throw PlatformError{"\"" + path + "\": a warning came up, and --strict lets none pass"};
+            NoteForm(path, outPath);
             Count(outPath);
             return Ended::Written;
         } catch (const PlatformError& error) {
@@ -193,6 +230,7 @@ private:
     BatchNotes& notes_;
     std::set<std::string> written_;
     std::vector<std::string> inOrder_;
+    mutable std::map<std::string, std::optional<std::string>> tables_;  // by path, as far as looked into
 };
 
 // Tells what was found in the files.
@@ -299,7 +337,7 @@ CLI::App* AddTransform(CLI::App& app, TransformSwitches& s) {
                                          "What stands between the fields of files that do not show it;\n"
                                          "default: space")
                             ->transform(NameOf(DelimiterNames()))
-                            ->type_name("space|semicolon|colon|star|sharp|tab|comma");
+                            ->type_name("space|semicolon|colon|star|sharp|tab|comma|pipe");
     auto* yes = transform->add_flag("--yes,-y", s.Yes,
                                     "Answer questions with Yes; a file with the other decimal\n"
                                     "delimiter is then changed");

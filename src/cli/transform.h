@@ -32,7 +32,7 @@ struct TransformOptions {
     // form.
     bool KeepsForm() const {
         return !With.empty() || !Cloud.Columns.empty() || Cloud.Digits || Inverse || !Cloud.Unit.empty() ||
-               Cloud.Encoding;
+               Cloud.Encoding || Delimiter == "|";
     }
 };
 

@@ -78,6 +78,7 @@ constexpr NoteKind kKinds[] = {
     {NoteCode::ViewpointKept, "viewpoint-kept", Severity::Note, true},
     {NoteCode::SingleRounded, "single-rounded", Severity::Warning, true},
     {NoteCode::UnitOfFile, "unit-of-file", Severity::Note, true},
+    {NoteCode::FormKept, "form-kept", Severity::Note, true},
     {NoteCode::FileReplaced, "file-replaced", Severity::Note, true},
     {NoteCode::SigmaColumns, "sigma-columns", Severity::Note, true},
 };

@@ -86,6 +86,7 @@ enum class NoteCode : std::uint8_t {
     ViewpointKept,   // the viewpoint of a cloud, which is not moved with it
     SingleRounded,   // coordinates that lose digits in the 32 bits that they have
     UnitOfFile,      // the unit that a file names is that of its coordinates
+    FormKept,        // a table that is no plain point file is transformed in the form that it has
     // Of any file that is written.
     FileReplaced,  // a new file has taken the place of one whose owner or other names it could not keep
     // Of a fit's files.

@@ -94,6 +94,7 @@ struct CloudFacts {
     bool FirstIsLine = false;
     std::int64_t LinesKept = 0;            // lines, or CgPoints, without three numbers
     std::int64_t FirstKept = 0;            // the line of the first
+    std::int64_t Bad = 0;                  // of these, where they are only read: meant as points
     std::int64_t OtherFields = 0;          // rows of text with another number of fields than the first one
     std::int64_t FirstOtherFields = 0;     // the line of the first
     double LargestIn = 0, LargestOut = 0;  // of 32-bit coordinates, absolute

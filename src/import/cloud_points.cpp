@@ -142,7 +142,7 @@ CloudPairs ReadCloudPairs(const std::string& path, CloudReading reading) {
                 if (point.OtherSigma) target.Sigmas.Of[axis].push_back((*point.OtherSigma)[axis]);
             }
         });
-    target.Facts.Unit = start.Facts.Unit;
+    target.Facts = start.Facts;
     ToMm(start, reading.UsualUnitsPerMm);
     ToMm(target, reading.UsualUnitsPerMm);
     return pairs;

@@ -7,7 +7,9 @@
 #include <utility>
 #include <vector>
 
+#include "core/file_source.h"
 #include "core/platform.h"
+#include "import/table_cells.h"
 #include "import/table_reader.h"
 #include "import/table_text.h"
 
@@ -74,7 +76,52 @@ std::vector<PointColumn> ColumnsOf(const TableForm& form, const CloudWish& wish)
     return columns;
 }
 
+// Are there cells in quotes in the first rows?
+bool HasQuotes(std::string_view text, const TableForm& form) {
+    constexpr int kRows = 400;
+    if (text.find('"') == std::string_view::npos) return false;
+    TableWalk walk(text, form, form.FirstRow, form.FirstLine);
+    TableRow row;
+    for (int rows = 0; rows < kRows && walk.Next(row); ++rows)
+        if (std::any_of(row.Cells.begin(), row.Cells.end(),
+                        [](const TableCell& cell) { return cell.Quoted; }))
+            return true;
+    return false;
+}
+
+// The first MiB, up to the end of a line where there is more.
+std::string HeadOf(const std::string& path) {
+    constexpr std::size_t kHead = std::size_t{1} << 20U;
+    std::string head(kHead, '\0');
+    FileSource file(path);
+    head.resize(file.Read(head.data(), kHead));
+    if (head.size() < kHead) return head;
+    const std::size_t end = head.find_last_of("\r\n");
+    if (end != std::string::npos && head.find('\0') == std::string::npos) head.resize(end + 1);
+    return head;
+}
+
 }  // namespace
+
+std::optional<std::string> ColumnsOfTableAlone(const std::string& path, const CloudWish& wish) {
+    const std::string head = HeadOf(path);
+    TableText text;
+    if (!TakeTableText(head, nullptr, text).empty()) return std::nullopt;
+    TableForm form;
+    TableRefusal refusal;
+    std::vector<Note> notes;
+    const bool taken = FindTableForm(text, path, OptionsOf(wish, CloudKind::Text), form, refusal, notes);
+    if (form.Cells == 0) return std::nullopt;
+    const std::string_view front = text.Text.substr(0, form.FirstRow);
+    const bool other = !text.Decoded.empty() ||
+                       front.find_first_not_of(" \t\r\n") != std::string_view::npos ||
+                       form.Delimiter == '|' || form.Gaps == TableGaps::Aligned ||
+                       HasQuotes(text.Text, form) || (!taken && !refusal.Thousands) ||
+                       std::any_of(notes.begin(), notes.end(),
+                                   [](const Note& note) { return note.Code != NoteCode::DecimalTaken; });
+    if (!other) return std::nullopt;
+    return TableColumnsText(form.Columns);
+}
 
 std::optional<FoundForm> FormOfTable(const CloudTask& task, CloudKind kind, std::string_view lines,
                                      bool headed) {

@@ -219,6 +219,7 @@ void RunLandXml(CloudTask& task) {
     bool ends = false;
     const auto keep = [&task] {
         if (task.Facts.LinesKept++ == 0) task.Facts.FirstKept = task.In.Line;
+        ++task.Facts.Bad;
     };
     for (;;) {
         const std::size_t open = in.View().find('<');
@@ -270,8 +271,15 @@ void RunLandXml(CloudTask& task) {
         // Text goes on behind such a mark, a last coordinate too.
         constexpr std::string_view kMoreText = "<![CDATA[";
         in.Need(end + kMoreText.size());
-        const bool goesOn = in.View().substr(end).starts_with(kMoreText);
+        const std::string_view behind = in.View().substr(end);
+        const bool goesOn = behind.starts_with(kMoreText);
         if (goesOn || !CarryPoint(task, name.value_or(""), text, motion)) {
+            // A point without any text may have the place of another one; else it was meant to have its own.
+            const bool isEmpty = std::all_of(text.begin(), text.end(), IsSpace);
+            if (task.Motion == nullptr && task.Wish.RefuseBad &&
+                (!isEmpty || goesOn || behind.starts_with("<!--")))
+                in.FailAtLine("\"" + Printable(text) + "\" of point \"" + Printable(name.value_or("")) +
+                              "\" is no three numbers (--skip-bad passes it over)");
             keep();
             task.Out.Put(text);
         }

@@ -127,6 +127,24 @@ bool RefuseAmbiguous(std::string_view text, const std::string& path, const Table
     return false;
 }
 
+// Words in front of the coordinates, below a heading that does not call them names.
+void NoteColumnInFront(std::string_view text, const std::string& path, const TableForm& form,
+                       std::vector<Note>& notes) {
+    const TableRow row = FirstRow(text, form);
+    for (std::size_t i = 0; i < std::min(row.Cells.size(), form.Headings.size()); ++i) {
+        if (i < form.Columns.size() && form.Columns[i] != TableRole::Pass) return;
+        double value = 0;
+        const std::string_view cell = row.Cells[i].Text;
+        if (cell.empty() || TableNumber(cell, form.Decimal, value)) continue;
+        notes.push_back({NoteCode::ColumnsIgnored, NoteKindOf(NoteCode::ColumnsIgnored).Weight,
+                         "The column \"" + Printable(form.Headings[i]) +
+                             "\" is not read, and the points bear their numbers; where it holds their names "
+                             "--columns says so",
+                         path, static_cast<int>(form.HeadingLine), 1});
+        return;
+    }
+}
+
 // Rows that can be read, and are doubtful all the same.
 bool IsCertain(std::string_view text, const std::string& path, const TableOptions& options,
                const TableTrial& trial, TableRefusal& refusal, std::vector<Note>& notes) {
@@ -135,6 +153,8 @@ bool IsCertain(std::string_view text, const std::string& path, const TableOption
         notes.push_back({code, NoteKindOf(code).Weight, what, path, static_cast<int>(line), 1});
     };
     const bool usual = options.Columns.empty() && form.Headings.empty();
+    if (options.Columns.empty() && !form.Headings.empty() && !form.HasName)
+        NoteColumnInFront(text, path, form, notes);
     const auto firstCell = [&] { return Printable(DecodeText(FirstRow(text, form).Cells.front().Text)); };
     if (trial.UnknownHeading > 0 && usual)
         warn(NoteCode::HeadingUnknown,
@@ -163,11 +183,14 @@ bool IsCertain(std::string_view text, const std::string& path, const TableOption
                 "-,name,x,y,z",
             refusal);
     if (usual && form.Delimiter == ',' && form.Gaps == TableGaps::Delimiter && trial.Thousands &&
-        trial.Good > 0)
-        return Refuse(path, form.FirstLine,
-                      std::string(kCommasOfThousands) +
-                          "; write them without, or say with --columns what the fields are",
-                      refusal);
+        trial.Good > 0) {
+        Refuse(path, form.FirstLine,
+               std::string(kCommasOfThousands) +
+                   "; write them without, or say with --columns what the fields are",
+               refusal);
+        refusal.Thousands = true;
+        return false;
+    }
     if (form.Decimal == ',' && options.Decimal == '\0' && trial.Fractions && trial.ThousandsLike)
         warn(
             NoteCode::DecimalTaken,

@@ -86,8 +86,8 @@ constexpr std::array<const char*, 5> kY = {"y", "nord", "nordwert", "hoch", "hoc
 constexpr std::array<const char*, 7> kZ = {"z", "h", "height", "elevation", "elev", "hoehe", "altitude"};
 // An RMS or an uncertainty may be any multiple of it, and is not taken.
 constexpr std::array<const char*, 5> kSigma = {"sigma", "std", "stddev", "stdev", "sd"};
-constexpr std::array<const char*, 6> kName = {"name",      "label",       "pointname",
-                                              "punktname", "bezeichnung", "nom"};
+constexpr std::array<const char*, 8> kName = {"name",      "label",       "pointname", "ptname",
+                                              "punktname", "bezeichnung", "bez",       "nom"};
 constexpr std::array<const char*, 6> kPoint = {"point", "pt", "pnt", "punkt", "pkt", "target"};
 constexpr std::array<const char*, 12> kNumber = {"id",      "no",     "nr",          "num",
                                                  "number",  "nummer", "pointid",     "ptid",
@@ -96,14 +96,15 @@ constexpr std::array<const char*, 12> kNumber = {"id",      "no",     "nr",     
 // How well a column serves as the name: the best one is it.
 int NameRank(const std::vector<std::string>& words) {
     int rank = 0;
-    for (const std::string& word : words) {
+    for (const std::string& given : words) {
+        const std::string word = given.substr(0, std::max<std::size_t>(given.find('#'), 1));  // pt#
         if (IsOneOf(word, kName)) {
             rank = std::max(rank, 4);
         } else if (IsOneOf(word, kPoint)) {
             rank = std::max(rank, 3);
         } else if (IsOneOf(word, kNumber)) {
             rank = std::max(rank, 2);
-        } else if (word == "#" || word == "n") {
+        } else if (word == "#" || word == "n" || word == "p" || word == "station") {
             rank = std::max(rank, 1);
         } else {
             return 0;

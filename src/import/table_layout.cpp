@@ -157,12 +157,14 @@ private:
         return false;
     }
 
-    // With columns that the user has named the first row is the first that has a number where one must stand.
+    // With columns that the user has named the first row is the first that has a number where one must stand,
+    // with either decimal delimiter: a row that only the other one reads is not lost as a heading.
     bool TakeGiven(const TableRow& row, std::size_t place) {
         const TablePlaces places = PlacesOf(options_.Columns);
         for (const TableRole role : {TableRole::X, TableRole::Y, TableRole::Z}) {
             const int cell = places.Of[static_cast<std::size_t>(role)];
-            if (!IsNumber(row, static_cast<std::size_t>(cell), form_.Decimal)) continue;
+            const auto at = static_cast<std::size_t>(cell);
+            if (!IsNumber(row, at, '.') && !IsNumber(row, at, ',')) continue;
             form_.Columns = options_.Columns;
             form_.Columns.resize(std::max(form_.Columns.size(), row.Cells.size()), TableRole::Pass);
             Begin(row, place);
@@ -249,6 +251,7 @@ private:
         if (bad_.Cells.size() == 3 && IsNumber(bad_, 0, form_.Decimal))
             form_.Columns.erase(form_.Columns.begin());
         Begin(bad_, badPlace_);
+        if (trial_.UnknownHeading == bad_.Number) trial_.UnknownHeading = 0;  // it is the row itself
         return true;
     }
 
@@ -299,11 +302,13 @@ void Look(const TableRow& row, const TablePlaces& places, TableTrial& trial) {
         !IsFraction(row.Cells[2].Text, form.Decimal) || !IsFraction(row.Cells[3].Text, form.Decimal) ||
         !IsFraction(row.Cells[4].Text, form.Decimal))
         trial.WholeThenFractions = false;
-    const std::size_t odd = row.Cells.size() % 2;
-    if (row.Cells.size() < 6 || row.Cells.size() != form.Cells) trial.CommasMayJoin = false;
+    // Fewer cells than in the first row are whole numbers then, some of them or all.
+    const bool shorter = row.Cells.size() < form.Cells;
+    const std::size_t odd = shorter ? 1 : row.Cells.size() % 2;
+    if (!shorter && (row.Cells.size() < 6 || row.Cells.size() != form.Cells)) trial.CommasMayJoin = false;
     for (std::size_t i = odd; trial.CommasMayJoin && i < row.Cells.size(); ++i) {
         std::string_view cell = row.Cells[i].Text;
-        const bool behind = (i - odd) % 2 == 1;
+        const bool behind = !shorter && (i - odd) % 2 == 1;
         if (!behind && (cell.starts_with('-') || cell.starts_with('+'))) cell.remove_prefix(1);
         if (row.Cells[i].Quoted || cell.empty() ||
             cell.find_first_not_of("0123456789") != std::string_view::npos)

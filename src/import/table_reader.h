@@ -95,6 +95,7 @@ struct TableRefusal {
     std::int64_t Line = 0;    // from 1; 0 = of the whole file
     std::int64_t Column = 0;  // number of the cell, from 1; 0 = of the whole line
     bool TwoWays = false;     // the commas can be delimiters alone, or decimal delimiters too
+    bool Thousands = false;   // its commas look like those of thousands
     bool Refused() const { return !Text.empty(); }
 };
 

@@ -123,8 +123,9 @@ void RefuseOtherDecimal(const CloudTask& task, const RowForm& form, std::string_
                            "\", and other rows \"" + form.Decimal + "\" (--decimal says which holds)");
 }
 
-// Of a file that is read to be fitted: a row that was meant as a point must not be missing without a word.
-void RefuseBadRow(const CloudTask& task, const FoundForm& found, std::string_view row) {
+// Of a file that is read to be fitted: a row that was meant as a point must not be missing without a word. It
+// is refused or counted.
+void TakeBadRow(CloudTask& task, const FoundForm& found, std::string_view row) {
     const RowForm& form = found.Form;
     std::vector<std::string_view> fields;
     FieldsOf(row, form.Delimiter, std::max<std::size_t>(form.Columns.size(), 3), fields);
@@ -150,10 +151,23 @@ void RefuseBadRow(const CloudTask& task, const FoundForm& found, std::string_vie
         const bool isMissing = i >= fields.size() || isEmpty(fields[i]);
         const std::string what =
             isMissing ? "the coordinate is missing" : "\"" + Printable(fields[i]) + "\" is not a number";
+        ++task.Facts.Bad;
+        if (!task.Wish.RefuseBad) return;
         throw PlatformError{"Cannot read \"" + task.In.Path() + "\", line " + std::to_string(task.In.Line) +
                             ", column " + std::to_string(i + 1) + ": " + what +
                             " (--skip-bad passes it over)"};
     }
+}
+
+// The first line of what ends with the line end that most lines of a file have, cut off `rest`: where line
+// ends are mixed, it may be several.
+std::string_view CutFirstLine(std::string_view& rest, bool loneReturns) {
+    std::size_t end = rest.find(loneReturns ? '\n' : '\r');
+    if (end == std::string_view::npos || (end + 1 < rest.size() && rest[end + 1] == '\n' && !loneReturns))
+        end = rest.size() - 1;
+    const std::string_view line = rest.substr(0, end + 1);
+    rest.remove_prefix(line.size());
+    return line;
 }
 
 void CarryRows(CloudTask& task, const FoundForm& found, int decimals, bool isWhole) {
@@ -163,8 +177,14 @@ void CarryRows(CloudTask& task, const FoundForm& found, int decimals, bool isWho
     carrier.LookAhead(in.View(), isWhole);
     bool looked = !task.Wish.Columns.empty();
     FieldCount count(task.Facts, form);
-    std::string_view whole, lineEnd;
-    while (in.NextLine(whole)) {
+    std::string_view lines, lineEnd;
+    for (;;) {
+        if (!lines.empty()) {
+            ++in.Line;
+        } else if (!in.NextLine(lines)) {
+            break;
+        }
+        const std::string_view whole = CutFirstLine(lines, in.LoneReturns);
         const std::string_view row = WithoutLineEnd(whole, lineEnd);
         // What stands in front of the first point is of its form, where it is only read.
         const bool isOfForm = task.Motion == nullptr && task.Facts.Points == 0 && IsCommentLine(row);
@@ -180,7 +200,7 @@ void CarryRows(CloudTask& task, const FoundForm& found, int decimals, bool isWho
             looked = true;
         } else {
             RefuseOtherDecimal(task, form, row);
-            if (task.Wish.RefuseBad) RefuseBadRow(task, found, row);
+            if (task.Motion == nullptr) TakeBadRow(task, found, row);
             KeepLine(task, whole);
         }
     }

@@ -35,7 +35,7 @@ TEST_F(EmptyArguments, AreRefusedWhereverNoOptionTakesThem) {
             arguments.insert(arguments.begin() + static_cast<std::ptrdiff_t>(place), "");
             const Outcome outcome = FreshCommandLine(arguments);
             EXPECT_EQ(outcome.Status, 2) << line[0] << " " << place;
-            EXPECT_NE(outcome.Err.find("argument " + std::to_string(place + 1) + " is empty"),
+            EXPECT_NE((outcome.Err + outcome.Out).find("argument " + std::to_string(place + 1) + " is empty"),
                       std::string::npos)
                 << line[0] << " " << place << "\n"
                 << outcome.Err;
@@ -51,6 +51,6 @@ TEST_F(EmptyArguments, OfAnOptionAreTheOptionsOwn) {
 TEST_F(EmptyArguments, AreToldAsJsonToo) {
     const Outcome outcome = FreshCommandLine({"info", "", "--json"});
     EXPECT_EQ(outcome.Status, 2);
-    EXPECT_EQ(outcome.Err.substr(0, 1), "{") << outcome.Err;
-    EXPECT_NE(outcome.Err.find("argument 2 is empty"), std::string::npos) << outcome.Err;
+    EXPECT_EQ(outcome.Out.substr(0, 1), "{") << outcome.Out;
+    EXPECT_NE(outcome.Out.find("argument 2 is empty"), std::string::npos) << outcome.Out;
 }

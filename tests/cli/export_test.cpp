@@ -335,7 +335,7 @@ TEST_F(ExportCommand, WrongUsage) {
     for (const auto& command : commands) {
         const Outcome outcome = FreshCommandLine(command);
         EXPECT_EQ(outcome.Status, 2) << command.back() << ": " << outcome.Err;
-        EXPECT_NE(outcome.Err, "");
+        EXPECT_NE(outcome.Err + outcome.Out, "");
     }
     EXPECT_EQ(Contents(job_), before);
 }
@@ -378,6 +378,35 @@ TEST_F(ExportCommand, ALimitOfTheDeviationsEndsWithAStatusOfItsOwn) {
     EXPECT_NE(above.Err.find("--limit"), std::string::npos);
     EXPECT_EQ(below.Err, plain.Err);
     EXPECT_EQ(limited("0").Status, 5);
+}
+
+// The line of the README, with its files where they stand: the base is that of the same points without a
+// heading, in millimetres.
+TEST_F(ExportCommand, FromATrackersTableAndARobotProgramToABaseItIsOneLine) {
+    const std::string readme = Contents(std::string(CORVINADE_SOURCE_DIR) + "/README.md"), run = "`./run ";
+    const std::size_t end = readme.find(" --export kuka-base=base.src`");
+    ASSERT_NE(end, std::string::npos);
+    const std::size_t begin = readme.rfind(run, end) + run.size();
+    std::istringstream words(readme.substr(begin, end - begin));
+    std::vector<std::string> line;
+    for (std::string word; words >> word;)
+        line.push_back(word.starts_with("examples/") ? kExamples + word.substr(9) : word);
+    ASSERT_GT(line.size(), 3u);
+    EXPECT_NE(Contents(line[1]).find("X [m]"), std::string::npos);
+    std::vector<std::string> plain = line;
+    plain[1] = kExamples + "robot_tool_measured.txt";
+    for (auto* command : {&line, &plain}) command->insert(command->end(), {"--export", "kuka-base=-"});
+    const Outcome table = FreshCommandLine(line), list = FreshCommandLine(plain);
+    ASSERT_EQ(table.Status, 0) << table.Err;
+    ASSERT_EQ(list.Status, 0) << list.Err;
+    const auto numbers = [](const std::string& text) {
+        std::vector<double> found;
+        for (const char* const name : {"{X ", " Y ", " Z ", " A ", " B ", " C "})
+            found.push_back(std::stod(text.substr(text.find(name) + 3)));
+        return found;
+    };
+    for (std::size_t i = 0; i < 6; ++i)
+        EXPECT_NEAR(numbers(table.Out)[i], numbers(list.Out)[i], 1e-9) << table.Out << list.Out;
 }
 
 }  // namespace

@@ -118,8 +118,9 @@ TEST_F(FitCommand, WrongUsageIsStatusTwo) {
                                                {start_, target_, "--unknown"}}) {
         const Outcome outcome = Fit(arguments);
         EXPECT_EQ(outcome.Status, 2) << json(arguments);
-        EXPECT_FALSE(outcome.Err.empty());
-        EXPECT_EQ(outcome.Out, "");
+        const bool asJson = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
+        EXPECT_FALSE((asJson ? outcome.Out : outcome.Err).empty());
+        EXPECT_EQ(asJson ? outcome.Err : outcome.Out, "");
     }
 }
 

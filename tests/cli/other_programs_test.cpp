@@ -173,7 +173,10 @@ TEST_F(OtherPrograms, GermanFrenchAndNoLocaleGiveTheSameBytes) {
               std::string("convert a.cvn a.csv"), std::string("convert a.cvn a.json"),
               std::string("distances a.cvn --pairs p.txt --trumpet t.svg"),
               std::string("export a.cvn --as urdf"), std::string("export a.cvn --as points"),
-              "transform --with a.cvn '" + table + "' --out -", std::string("render a.cvn --out r.svg")}) {
+              "transform --with a.cvn '" + table + "' --out -", std::string("render a.cvn --out r.svg"),
+              "transform a.cvn '" + table + "' '" + kNominal + "' --to many --json",
+              "bundle '" + kExamples + "hall_network.txt'", std::string("completion bash"),
+              std::string("info none.cvn --json")}) {
             const std::string out = std::to_string(++number);
             script += "'" + ProgramPath() + "' " + command + " > " + out + ".out 2> " + out + ".err\n";
         }
@@ -184,7 +187,7 @@ TEST_F(OtherPrograms, GermanFrenchAndNoLocaleGiveTheSameBytes) {
         return contents;
     };
     const auto inC = files("C");
-    EXPECT_EQ(inC.size(), 32u);
+    EXPECT_EQ(inC.size(), 40u + 1);
     EXPECT_NE(inC.at("2.out").find("\"corvinade-fit\""), std::string::npos);
     for (const std::string& locale : {locales[1], locales[2]}) EXPECT_EQ(files(locale), inC) << locale;
 }

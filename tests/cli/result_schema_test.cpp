@@ -141,19 +141,15 @@ TEST_F(ResultSchema, FindsWhatIsWrong) {
 
 class JsonErrors : public ResultSchema {
 protected:
-    // The object, the last line of standard error.
-    static json LastLine(const std::string& err) {
-        std::size_t begin = err.rfind('\n', err.size() - 2);
-        begin = begin == std::string::npos ? 0 : begin + 1;
-        return json::parse(err.substr(begin), nullptr, false);
-    }
     json Error(const std::vector<std::string>& command, int status) {
         const Outcome outcome = FreshCommandLine(command);
         EXPECT_EQ(outcome.Status, status) << command[0] << ": " << outcome.Err;
-        const json all = LastLine(outcome.Err);
-        EXPECT_FALSE(all.is_discarded()) << outcome.Err;
+        // All of standard output is one document.
+        const json all = json::parse(outcome.Out, nullptr, false);
+        EXPECT_FALSE(all.is_discarded()) << outcome.Out;
         if (all.is_discarded()) return {};
-        EXPECT_EQ(schema_.Faults(all, "error"), std::vector<std::string>()) << outcome.Err;
+        EXPECT_EQ(schema_.Faults(all, "error"), std::vector<std::string>()) << outcome.Out;
+        EXPECT_EQ(outcome.Err.find("corvinade-cli:"), std::string::npos) << outcome.Err;
         EXPECT_EQ(all["error"]["status"], status);
         EXPECT_NE(all["error"]["text"], "");
         return all["error"];
@@ -215,28 +211,55 @@ TEST_F(JsonErrors, TakeNoOtherValueForAFile) {
     EXPECT_EQ(few["line"], nullptr);
 }
 
-TEST_F(JsonErrors, TheResultIsThereAllTheSameWhereThereIsOne) {
-    const Outcome outcome = FreshCommandLine({"fit", kMeasured, kNominal, "--json", "--limit", "0.001"});
+TEST_F(JsonErrors, TheResultAloneIsThereWhereThereIsOne) {
+    const std::vector<std::string> fit = {"fit", kMeasured, kNominal, "--limit", "0.001"};
+    std::vector<std::string> asJson = fit;
+    asJson.emplace_back("--json");
+    const Outcome outcome = FreshCommandLine(asJson);
     EXPECT_EQ(outcome.Status, 5);
     EXPECT_EQ(schema_.Faults(json::parse(outcome.Out)), std::vector<std::string>());
-    EXPECT_EQ(LastLine(outcome.Err)["error"]["status"], 5);
+    EXPECT_EQ(outcome.Err, FreshCommandLine(fit).Err);
+    // A batch that has left a file tells it in its own object.
+    const std::string job = PathOf("a.cvn"), gone = PathOf("gone.txt");
+    ASSERT_EQ(FreshCommandLine({"fit", start_, target_, "--save", job}).Status, 0);
+    const Outcome batch = FreshCommandLine({"transform", job, gone, start_, "--to", PathOf("to"), "--json"});
+    EXPECT_EQ(batch.Status, 3);
+    EXPECT_EQ(json::parse(batch.Out)["schema"], "corvinade-transform");
+    EXPECT_EQ(json::parse(batch.Out)["left"][0]["path"], gone);
 }
 
-TEST_F(JsonErrors, StandBehindTheNotes) {
+// Standard output that takes nothing: the error is not lost with it.
+TEST_F(JsonErrors, AreTextOnStandardErrorWhereOutputIsFull) {
+    std::istringstream in;
+    std::ostringstream err;
+    std::ostream full(nullptr);
+    const std::string gone = PathOf("gone.cvn");
+    const char* const command[] = {"corvinade-cli", "info", gone.c_str(), "--json"};
+    FreshStart();
+    Headless = HeadlessRecord{};
+    EXPECT_EQ(RunCommandLine(4, command, in, full, err, false, false), 3);
+    EXPECT_NE(err.str().find(gone), std::string::npos) << err.str();
+}
+
+TEST_F(JsonErrors, StandardInputAndOutputAreNoFiles) {
+    EXPECT_EQ(Error({"fit", start_, target_, "--save", "-", "--json"}, 2)["file"], nullptr);
+}
+
+TEST_F(JsonErrors, LeaveNotesOnStandardError) {
     const std::string start = Write("s.txt", "A;0;0;0\nB;1000;;0\nC;0;2000;0\n");
     const Outcome strict =
         FreshCommandLine({"fit", start, target_, "--format", "plain", "--json", "--strict"});
     EXPECT_EQ(strict.Status, 3);
-    EXPECT_EQ(strict.Out, "");
     EXPECT_TRUE(strict.Err.starts_with("warning: ")) << strict.Err;
-    const json all = LastLine(strict.Err);
+    const json all = json::parse(strict.Out);
     EXPECT_EQ(all["error"]["file"], start);
     EXPECT_EQ(all["error"]["line"], 2);
     // Quiet it is the object alone, which says the warnings.
     const Outcome quiet =
         FreshCommandLine({"fit", start, target_, "--format", "plain", "--json", "--strict", "--quiet"});
     EXPECT_EQ(quiet.Status, 3);
-    const json alone = json::parse(quiet.Err);
+    EXPECT_EQ(quiet.Err, "");
+    const json alone = json::parse(quiet.Out);
     EXPECT_NE(alone["error"]["text"].get<std::string>().find("warning: "), std::string::npos);
 }
 

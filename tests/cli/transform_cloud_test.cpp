@@ -340,6 +340,76 @@ TEST_F(FitClouds, ARowThatIsNoPointIsNotMissingWithoutAWord) {
     EXPECT_NE(Fit({lost, lost}).Err.find("line 2, column 3: \"x\" is not a number"), std::string::npos);
 }
 
+TEST_F(FitClouds, APointOfLandXmlThatIsNoneIsRefusedAndOneWithoutTextIsNoted) {
+    const std::string begin =
+        "<LandXML><CgPoints><CgPoint name=\"A\">0 0 0</CgPoint>\n<CgPoint name=\"B\">0 900 0</CgPoint>\n"
+        "<CgPoint name=\"C\">900 0 0</CgPoint>\n";
+    const std::string end = "</CgPoints></LandXML>\n";
+    for (const char* const text : {"1 x 3", "1 2", "1 2 3 4", "<!-- c -->1 2 3", "1 <!-- c --> 2 3"}) {
+        const std::string path = Write("p.xml", begin + "<CgPoint name=\"D\">" + text + "</CgPoint>" + end);
+        const Outcome refused = Fit({path, path});
+        EXPECT_EQ(refused.Status, 3) << text;
+        EXPECT_NE(refused.Err.find("line 4: "), std::string::npos) << refused.Err;
+        EXPECT_NE(refused.Err.find("--skip-bad"), std::string::npos) << refused.Err;
+        const json passed = FitJson({path, path, "--skip-bad"});
+        EXPECT_EQ(passed["points"].size(), 3u) << text;
+        EXPECT_EQ(passed["files"][0]["skipped"], 1) << text;
+    }
+    const std::string other = Write("o.xml", begin + "<CgPoint name=\"D\" pntRef=\"A\"></CgPoint>" + end);
+    EXPECT_EQ(FitJson({other, other})["points"].size(), 3u);
+    const std::string out = Write("c.xml", begin + "<!-- <CgPoint name=\"D\">1 x 3</CgPoint> -->" + end);
+    const json none = FitJson({out, out});
+    EXPECT_EQ(none["notes"].dump().find("lines-kept"), std::string::npos);
+    EXPECT_EQ(none["files"][0]["skipped"], 0);
+}
+
+TEST_F(FitClouds, FilesTellHowManyBadRowsWerePassedOver) {
+    const std::string rows = "# by hand\n1 0 0 0 0 0 0 1\n2 900 0 0 0 0 0 1\n# more\n3 0 900 0 0 0 0 1\n",
+                      good = Write("good.tum", rows);
+    const json bad = FitJson({Write("bad.tum", rows + "4 9 x 0 0 0 0 1\n5 9\n"), good, "--skip-bad"});
+    EXPECT_EQ(bad["files"][0]["skipped"], 2);
+    EXPECT_EQ(bad["files"][1]["skipped"], 0);
+    const std::string pairs =
+        Write("p.csv", "name,x,y,z,X,Y,Z\nA,0,0,0,5,0,0\nB,9,0,0,14,0,0\nC,0,9,0,5,9,0\nD,0,o,9,5,0,9\n");
+    const json both = FitJson({"--pairs", pairs, "--skip-bad"});
+    EXPECT_EQ(both["files"][0]["skipped"], 1);
+    EXPECT_EQ(both["files"][1]["skipped"], 1);
+}
+
+// The reader of plain points knows neither, and would take every row otherwise.
+TEST_F(TransformClouds, PipesAreADelimiterThatCanBeNamed) {
+    const std::string job = PathOf("job.cvn");
+    ASSERT_EQ(Command({"fit", start_, target_, "--save", job}).Status, 0);
+    const std::string in = Write("in.txt", "A|1|2|3\nB|4|5|6\n");
+    EXPECT_EQ(FreshCommandLine({"transform", job, in, "--out", PathOf("o"), "--delimiter", "pipe"}).Status,
+              0);
+    EXPECT_EQ(Contents(PathOf("o")).substr(0, 2), "A|");
+}
+
+TEST_F(TransformClouds, ANameOfAnotherFormChangesNoneAndIsTold) {
+    const std::string other = PathOf("o.pcd"), same = PathOf("o.ply");
+    const Outcome outcome = Command({"transform", "--with", matrix_, ply_, "--out", other});
+    EXPECT_EQ(outcome.Status, 0) << outcome.Err;
+    EXPECT_EQ(Contents(other), Ply(6, 8, 10));
+    EXPECT_NE(outcome.Err.find("though its name says otherwise"), std::string::npos) << outcome.Err;
+    EXPECT_EQ(Command({"transform", "--with", matrix_, ply_, "--out", same}).Err,
+              "1 of 1 files transformed\n");
+}
+
+TEST_F(TransformClouds, AHeadingIsHeededWithoutAnOption) {
+    const std::string job = PathOf("job.cvn");
+    ASSERT_EQ(Command({"fit", start_, target_, "--save", job}).Status, 0);
+    const std::string in = Write("in.csv", "Hochwert;Rechtswert;H\xC3\xB6he [m];Punkt\n2;1;3;A\n5;4;6;B\n");
+    const Outcome outcome = FreshCommandLine({"transform", job, in, "--out", PathOf("o.csv")});
+    const Outcome said = FreshCommandLine(
+        {"transform", job, in, "--out", PathOf("p.csv"), "--columns", "y,x,z,name", "--unit", "m"});
+    EXPECT_EQ(outcome.Status, 0) << outcome.Err;
+    EXPECT_EQ(said.Status, 0) << said.Err;
+    EXPECT_EQ(Contents(PathOf("o.csv")), Contents(PathOf("p.csv")));
+    EXPECT_NE(outcome.Err.find("a table of y,x,z,name: it comes out in this form"), std::string::npos)
+        << outcome.Err;
+}
+
 TEST_F(FitClouds, HeadingsAreNoLinesThatArePassedOver) {
     std::string map = "#CRS: PROJCRS[\"x\"]\nmapX,mapY,sourceX,sourceY,enable\n";
     map += "50,60,0,0,1\n150,60,100,0,1\n50,160,0,100,1\n";

@@ -225,7 +225,9 @@ TEST_F(TransformCommand, WhatCannotBeReadIsLeftAndTheRestDone) {
 
 TEST_F(TransformCommand, TheOtherDecimalDelimiterIsAQuestion) {
     const std::string in = Write("a.txt", "A;1,5;2,5;3\n");
-    EXPECT_EQ(Command({"transform", job_, in, "--to", PathOf("out")}).Status, 3);
+    const Outcome asked = Command({"transform", job_, in, "--to", PathOf("out")});
+    EXPECT_EQ(asked.Status, 3);
+    EXPECT_NE(asked.Err.find("(--decimal says which the files have)"), std::string::npos) << asked.Err;
     EXPECT_EQ(Contents(in), "A;1,5;2,5;3\n");
     EXPECT_EQ(Command({"transform", job_, in, "--to", PathOf("out"), "--decimal", ","}).Status, 0);
     EXPECT_EQ(Contents(PathOf("out/a_out.txt")), "A\t6,500\t8,500\t10,000\r\n");

@@ -3,7 +3,7 @@
 
 #include <random>
 
-#include "cli/fit_files.h"
+#include "cli/arguments.h"
 #include "core/job_block.h"
 #include "core/settings.h"
 #include "import/table_mapping.h"
@@ -195,7 +195,7 @@ TEST(TableMapping, IsTheOptionsOfTheCommandLine) {
     // The words are those that the command takes.
     std::map<std::string, std::string> words;
     for (const DelimiterWord& word : TableDelimiterWords()) words[word.Name] = std::string(1, word.Delimiter);
-    EXPECT_EQ(words, cli::TableDelimiterNames());
+    EXPECT_EQ(words, cli::DelimiterNames());
 }
 
 TEST(TableMapping, ComesBackFromItsText) {

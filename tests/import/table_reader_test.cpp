@@ -167,6 +167,41 @@ TEST_F(TableReader, ARowThatOnlyTheOtherDecimalDelimiterReadsIsNoHeading) {
         EXPECT_TRUE(table.Notes.empty()) << text;
     }
     EXPECT_NE(ReadTable("1,5;2,5;3,5\n100.5;2;4\n50;80;9\n", "f", {}).Refusal.Text, "");
+    // With columns that are given it is none either.
+    TableOptions given;
+    ASSERT_EQ(TakeTableColumns("name,x,y,z", given.Columns), "");
+    for (const char gap : {';', '\t', ':', '|', ' '}) {
+        std::string text = "A;1,5;2,5;3,5\nB;100;2;4\nC;50;80;9\n";
+        std::replace(text.begin(), text.end(), ';', gap);
+        EXPECT_EQ(PointsAsText(text, given), "A 1.5 2.5 3.5, B 100 2 4, C 50 80 9") << text;
+        given.Decimal = '.';
+        EXPECT_NE(ReadTable(text, "f", given).Refusal.Text.find("line 1, column 2: \"1,5\""),
+                  std::string::npos)
+            << text;
+        given.Decimal = '\0';
+    }
+}
+
+TEST_F(TableReader, AHeadingThatCallsNothingANameIsToldWhereWordsStandInFront) {
+    const auto notes = [](const std::string& heading, const char* first) {
+        const TableResult table = ReadTable(heading + ",X,Y,Z\n" + first + ",1,2,3\nB7,4,5,6\n", "f", {});
+        return table.Notes.empty() ? table.Points.Name[1] : table.Notes.front().Text;
+    };
+    for (const char* const heading : {"Pt#", "Bez.", "P", "Station", "Pt_Name"})
+        EXPECT_EQ(notes(heading, "A7"), "A7") << heading;
+    EXPECT_NE(notes("Mark", "A7").find("The column \"Mark\" is not read"), std::string::npos);
+    EXPECT_EQ(notes("Time", "9.5"), "1");
+}
+
+// Whole numbers have no comma of their own, so rows may have fewer fields.
+TEST_F(TableReader, CommasThatMayBeBothAreRefusedWhereSomeNumbersAreWhole) {
+    for (const char* const text : {"P1,1,5,2,5,3,5\nP2,1,2,3\nP3,4,8,6\n", "P1,1,5,2,5,3,5\nP2,4,5,2,3\n"}) {
+        const TableRefusal refusal = ReadTable(text, "f", {}).Refusal;
+        EXPECT_TRUE(refusal.TwoWays) << text << refusal.Text;
+        EXPECT_NE(refusal.Text.find("--decimal"), std::string::npos) << refusal.Text;
+    }
+    // A fraction with a point settles it.
+    EXPECT_FALSE(ReadTable("P1,1,5,2,5,3,5\nP2,1.5,2,3\n", "f", {}).Refusal.Refused());
 }
 
 TEST_F(TableReader, NotesWhatItDecides) {
