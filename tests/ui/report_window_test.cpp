@@ -12,11 +12,11 @@
 #include <QUrl>
 
 #include "core/desktop_defaults.h"
+#include "core/files.h"
 #include "core/form_main.h"
 #include "core/run.h"
 #include "graphics/bindings_overlay.h"
 #include "graphics/form_report.h"
-#include "support/fixture.h"
 #include "ui/desktop.h"
 #include "ui/desktop_fixture.h"
 #include "ui/frame.h"
@@ -72,7 +72,8 @@ TEST_F(ReportOnScreen, IsShownAsItPrintsAndWrittenAsAPdf) {
     EXPECT_NE(Paper()->grab().toImage(), with);
     ChooseNext(PathOf("cell.pdf"));
     Click("FormReport.BtnSave");
-    const std::string pdf = Contents(PathOf("cell.pdf"));
+    const FileBytes file = ReadFile(PathOf("cell.pdf"));
+    const std::string pdf(file.View());
     EXPECT_TRUE(pdf.starts_with("%PDF-"));
     EXPECT_NE(pdf.find("/Outlines"), std::string::npos);
     ::Run.JobDirty = kFalse;
