@@ -5,6 +5,7 @@
 #include "core/form_main.h"
 #include "engine/undo.h"
 #include "graphics/form_main_graphics.h"
+#include "graphics/form_report.h"
 #include "import/clipboard_round_trip.h"
 
 namespace corvinade::core {
@@ -36,6 +37,7 @@ const ControlEntry kControls[] = {
             MenueFileExportROCAL_Click, "MenueFileExport"),
     Command("MenueOnlyMCStoTilde", &Main.MenueOnlyMCStoTilde, Menu("OnlyMCS Pts to txt File"),
             MenueOnlyMCStoTilde_Click, "MenueFileExport"),
+    Command("MenuFileReport", &Main.MenuFileReport, Menu("Re&port..."), MenuFileReport_Click, "MenuFile"),
     Command("MenüDateiAlt1", &Main.MenüDateiAlt1, Menu("&1 "), FormMain::MenüDateiAlt1_Click, "MenuFile"),
     Command("MenüDateiAlt2", &Main.MenüDateiAlt2, Menu("&2 "), FormMain::MenüDateiAlt2_Click, "MenuFile"),
     Command("MenüDateiAlt3", &Main.MenüDateiAlt3, Menu("&3 "), FormMain::MenüDateiAlt3_Click, "MenuFile"),

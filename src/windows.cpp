@@ -57,6 +57,7 @@
 #include "graphics/form_color_bar.h"
 #include "graphics/form_edit_fahne.h"
 #include "graphics/form_graphics_options.h"
+#include "graphics/form_report.h"
 #include "graphics/form_save_view.h"
 #include "graphics/graphics_refresh.h"
 #include "graphics/point_trust.h"
@@ -105,6 +106,7 @@ const WindowEntry* const kWindows[] = {
     &FormNotes_Entry,
     &FormTable_Entry,
     &FormExport_Entry,
+    &FormReport_Entry,
     &FormReliability_Entry,
     &FormRecovery_Entry,
 };
@@ -155,6 +157,7 @@ void (*const kRecords[])() = {
     [] { Ellipsoids = EllipsoidsRecord{}; },
     [] { SaveViewAnswer = SaveViewRecord{}; },
     [] { ChangeDirAnswer = ChangeDirRecord{}; },
+    [] { ReportWish = ReportChoice{}; },
 };
 
 }  // namespace

@@ -1,6 +1,8 @@
 // The window that shows what an import has brought in.
 #include "analysis/form_input_statistic.h"
 
+#include "core/desktop_defaults.h"
+#include "core/form_main.h"
 #include "core/job.h"
 #include "core/measurement_sigmas.h"
 #include "core/numbers.h"
@@ -11,6 +13,25 @@
 namespace corvinade::analysis {
 
 namespace {
+
+// With DesktopDefaults.AfterImport: what to do with what has come in.
+void ShowNextStep() {
+    FormInputStatistic& w = InputStatistic;
+    const bool shown = DesktopDefaults.AfterImport && IsTrue(Run.JobDataValid);
+    for (Control* control : {&w.LabelNext, &w.BtnNextPairs, &w.BtnNextCalculation}) control->Visible = shown;
+    if (!shown) return;
+    const int pairs = Job.Pairs();
+    w.BtnNextCalculation.Enabled = pairs >= 2;
+    if (pairs >= 3) {
+        SetText(w.LabelNext, "Next: look through the pairs, then calculate.");
+    } else {
+        SetText(w.LabelNext, std::string("Next: look through the points. ") +
+                                 (pairs == 0   ? "None has a partner"
+                                  : pairs == 1 ? "One alone has a partner"
+                                               : "Only two have partners") +
+                                 "; are the names alike in both files?");
+    }
+}
 
 const ControlEntry kControls[] = {
     {"Label1", &InputStatistic.Label1, Label("")},
@@ -35,6 +56,15 @@ const ControlEntry kControls[] = {
     {"TextRangeA", &InputStatistic.TextRangeA, Locked(TextBox()), {}, "FrameABCRange"},
     {"TextRangeB", &InputStatistic.TextRangeB, Locked(TextBox()), {}, "FrameABCRange"},
     {"TextRangeC", &InputStatistic.TextRangeC, Locked(TextBox()), {}, "FrameABCRange"},
+    {"LabelNext", &InputStatistic.LabelNext, Label("")},
+    {"BtnNextPairs",
+     &InputStatistic.BtnNextPairs,
+     Button("Main Sheet"),
+     {.Click = FormInputStatistic::BtnNextPairs_Click}},
+    {"BtnNextCalculation",
+     &InputStatistic.BtnNextCalculation,
+     Button("Calculation"),
+     {.Click = FormInputStatistic::BtnNextCalculation_Click}},
 };
 
 }  // namespace
@@ -87,6 +117,17 @@ void FORMfüllen() {
         SetText(range.Text, inUse ? WinkelFormat(range.Span_rad) : "not in use");
     }
     ShowSigmasInStatistic();
+    ShowNextStep();
+}
+
+void FormInputStatistic::BtnNextPairs_Click() {
+    FormMain::MenuVievMainSheet_Click();
+}
+
+// The entry of the menu closes a window that is open.
+void FormInputStatistic::BtnNextCalculation_Click() {
+    if (IsLoaded("FormTrafoBerechnung")) return ShowWindow("FormTrafoBerechnung");
+    FormMain::MenuTransformationCalculation_Click();
 }
 
 // By system, whichever of them is fitted to the other.

@@ -31,9 +31,14 @@ struct FormInputStatistic {
     Control TextRangeA;
     Control TextRangeB;
     Control TextRangeC;
+    Control LabelNext;
+    Control BtnNextPairs;
+    Control BtnNextCalculation;
 
     static void Form_Load();
     static void Form_Escape();
+    static void BtnNextPairs_Click();
+    static void BtnNextCalculation_Click();
 };
 inline FormInputStatistic InputStatistic;
 extern const WindowEntry FormInputStatistic_Entry;

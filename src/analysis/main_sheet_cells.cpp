@@ -2,10 +2,12 @@
 #include "analysis/main_sheet_cells.h"
 
 #include "core/job.h"
+#include "core/job_tolerance.h"
 #include "core/numbers.h"
 #include "core/run.h"
 #include "core/units.h"
 #include "core/window.h"
+#include "engine/tolerance_check.h"
 #include "engine/transform.h"
 #include "fit/coordinate_forms.h"
 
@@ -122,6 +124,7 @@ MainSheetCells BeginMainSheet(const PointCounts& counts) {
     cells.LengthFormat = Units.FmtLength;
     cells.AngleFormat = Units.FmtAngle;
     cells.AngleUnit = Job.AngleUnitName;
+    cells.Tolerance = ToleranceOf(Job);
     cells.JobGeneration = Run.JobGeneration;
     cells.Counts = counts;
     cells.Names.resize(At(RowsOf(counts)));
@@ -185,6 +188,12 @@ std::int32_t MainSheetBackColor(const MainSheetCells& cells, int row, int col) {
     const ColumnKind& column = kColumns[At(col)];
     if (column.Of == Side::Name)
         return isPair ? QbColor(kGreen) : points.Start != 0 ? QbColor(kYellow) : kOrange;
+    if (isPair && column.Of == Side::Deviation && cells.Tolerance > 0 && column.What <= Quantity::Z) {
+        const int axis = static_cast<int>(column.What) + 1;
+        const double deviation =
+            DifferenceOf(column.What, cells.Start[At(points.Start - 1)], cells.Target[At(points.Target - 1)]);
+        if (IsBeyond(row, axis, deviation, cells.Tolerance)) return kBeyondTolerance;
+    }
     return (isPair ? column.MarkedInPairs : column.MarkedAlone) ? QbColor(kYellow) : kSystemColour;
 }
 

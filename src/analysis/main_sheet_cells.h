@@ -25,6 +25,7 @@ struct MainSheetCells {
     // How it is shown.
     double LengthFactor = 1, AngleFactor = 1;  // mm and rad to the shown units
     std::string LengthFormat, AngleFormat, AngleUnit;
+    double Tolerance = 0;             // mm, 0 = none
     std::uint64_t JobGeneration = 0;  // of the points
 
     // Rows of the pairs, then of the start points without a partner, then of the target points without one.

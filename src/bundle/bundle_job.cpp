@@ -6,6 +6,7 @@
 #include "core/controller.h"
 #include "core/form_main.h"
 #include "core/job.h"
+#include "core/job_tolerance.h"
 #include "core/run.h"
 #include "core/window.h"
 #include "import/form_input_files.h"
@@ -67,7 +68,9 @@ void TakeBundleAsJob(const std::string& startPath, const std::string& targetPath
     GetInfoFromData();
     IdentischePkte_Neu();
     handOver.Whole = true;
+    const double tolerance = ToleranceOf(Job);  // of the job, whatever points it has
     ForgetBlock();
+    PutTolerance(tolerance, Job);
     Run.JobDataValid = kTrue;
     const std::uint64_t generation = Run.JobGeneration;
     Changed(What::Points);

@@ -15,9 +15,11 @@
 #include "cli/request.h"
 #include "core/window.h"
 #include "graphics/analyse_mode.h"
+#include "graphics/form_report.h"
 #include "graphics/screen_events.h"
 #include "graphics/screen_window.h"
 #include "paint/picture.h"
+#include "paint/report_pdf.h"
 
 namespace corvinade::cli {
 
@@ -356,6 +358,7 @@ void StartScreens(int width, int height) {
     Hands = HandsRecord{};
     Screens().NewWidth = width;
     Screens().NewHeight = height;
+    ReportBy = {PictureBytes, ReportPdf};
     FillSurface = [](Surface& screen) {
         FillSurfaceWithPicture(screen);
         screen.StatusBarHeight = kStatusBarHeight;

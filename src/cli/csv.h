@@ -14,9 +14,7 @@ struct CsvRecord {
 };
 inline CsvRecord CsvCells;
 
-// A text as a cell: quoted where it has to be, as spreadsheets read it. What a spreadsheet would take for a
-// formula (it begins with = + - or @ and is no number) has an apostrophe in front, which makes a text of it,
-// and control characters are blanks; with --raw-text neither.
+// A text as a cell (core/escaped_text.h), raw with --raw-text.
 std::string CsvText(const std::string& text);
 
 // A last column where the result did not converge; nothing where it did, so that the columns are the usual

@@ -469,7 +469,7 @@ int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour
             break;
     }
     const auto report = [&] {
-        const std::string page = FitReport(shown, statistics);
+        const std::string page = ReportAs(shown, statistics);
         if (shown.Report == "-") {
             out << page;
         } else {

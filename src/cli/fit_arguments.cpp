@@ -121,8 +121,9 @@ void AddOutputOptions(CLI::App& fit, FitSwitches& s) {
                      ->group(group);
     fit.add_flag("--no-points", o.NoPoints, "JSON without its points")->group(group)->needs(json);
     fit.add_option("--report", o.Report,
-                   "Also write a page to look at and to print: parameters, plots, points")
-        ->type_name("FILE.html")
+                   "Also write a report: a page with plots (*.html), the pages of the\n"
+                   "desktop's report (*.pdf), or its tables (*.csv)")
+        ->type_name("FILE")
         ->check([](const std::string& path) {
             return std::string(path.empty() ? "a file name is expected" : "");
         })

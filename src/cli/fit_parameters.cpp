@@ -1,7 +1,6 @@
 // The parameters of the job as the outputs show them.
 #include "cli/fit_parameters.h"
 
-#include <array>
 #include <nlohmann/json.hpp>
 
 #include "cli/fit_selection.h"
@@ -13,47 +12,9 @@
 
 namespace corvinade::cli {
 
-namespace {
-
-// In the order of the tables.
-constexpr std::array kOrder = {kTraX,       kTraY,   kTraZ,   kRotX,   kRotY,    kRotZ,
-                               kScaleXYZ,   kScaleX, kScaleY, kScaleZ, kAngleXY, kAzimuth,
-                               kAngleZtoXY, kRDist,  kRvecX,  kRvecY,  kRvecZ};
-
-}  // namespace
-
 const char* InternalUnitOf(ParameterKind kind) {
     if (kind == ParameterKind::Length) return "mm";
     return kind == ParameterKind::Angle ? "rad" : "";
-}
-
-std::string UnitOf(ParameterKind kind) {
-    if (kind == ParameterKind::Length) return Job.LengthUnitName;
-    return kind == ParameterKind::Angle ? Job.AngleUnitName : "";
-}
-
-double FactorOf(ParameterKind kind) {
-    if (kind == ParameterKind::Length) return Units.LengthFactor;
-    return kind == ParameterKind::Angle ? Units.AngleFactor : 1;
-}
-
-std::vector<ShownParameter> ShownParameters() {
-    std::vector<ShownParameter> shown;
-    for (const int parameter : kOrder) {
-        const auto index = static_cast<std::size_t>(parameter);
-        if (Job.ParamText[index] == kNotUsed) continue;
-        const bool floats = Job.ParamText[index] == kFloat;
-        const ParameterKind is = KindOf(parameter);
-        const bool known = floats && !IsLeftOpen(parameter);
-        const bool hasSigma = floats && !IsWithoutSigma(parameter);
-        const std::string significance = known    ? FormatNumber(Calculation.Significance[index], "0.0")
-                                         : floats ? kOpenSignificance
-                                                  : "held";
-        shown.push_back({parameter, is, ParameterName(parameter), ShownAs(is, ParameterValue(Job, parameter)),
-                         hasSigma ? ShownAs(is, Calculation.Sigma[index]) : kOpenSigma, significance,
-                         UnitOf(is), floats});
-    }
-    return shown;
 }
 
 const char* StateOfParameter(int parameter) {

@@ -3,8 +3,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <sstream>
+#include <string_view>
 
+#include "analysis/report.h"
 #include "cli/fit_output.h"
 #include "cli/fit_parameters.h"
 #include "cli/fit_picture.h"
@@ -19,6 +22,7 @@
 #include "engine/calculation.h"
 #include "engine/monte_carlo.h"
 #include "engine/result_notes.h"
+#include "paint/report_pdf.h"
 
 namespace corvinade::cli {
 
@@ -256,6 +260,18 @@ std::string FitReport(const FitOptions& options, const FitStatistics& statistics
            FitPictureSection(options) + Plots(points) +
            (HasMonteCarlo(options) ? MonteCarloPlots(options) : "") + PointTable(points, worst) +
            StatisticsSection(options, statistics) + NotesTable() + "</body>\n</html>\n";
+}
+
+std::string ReportAs(const FitOptions& options, const FitStatistics& statistics) {
+    const auto ends = [&path = options.Report](std::string_view ending) {
+        return path.size() >= ending.size() &&
+               std::equal(ending.begin(), ending.end(),
+                          path.end() - static_cast<std::ptrdiff_t>(ending.size()),
+                          [](char a, char b) { return a == (b >= 'A' && b <= 'Z' ? b - 'A' + 'a' : b); });
+    };
+    if (ends(".pdf")) return ReportPdf(ReportOfJob({}));
+    if (ends(".csv")) return ReportCsv(ReportOfJob({}));
+    return FitReport(options, statistics);
 }
 
 }  // namespace corvinade::cli

@@ -12,4 +12,8 @@ namespace corvinade::cli {
 // The whole page.
 std::string FitReport(const FitOptions& options, const FitStatistics& statistics);
 
+// The report by the ending of its path: "*.pdf" and "*.csv" are those of the report window
+// (analysis/report.h), all else is the page.
+std::string ReportAs(const FitOptions& options, const FitStatistics& statistics);
+
 }  // namespace corvinade::cli

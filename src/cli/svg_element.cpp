@@ -8,33 +8,6 @@
 
 namespace corvinade::cli {
 
-std::string EscapeMarkup(const std::string& text) {
-    std::string result;
-    std::uint32_t code = 0;
-    for (std::string_view rest = text; !rest.empty();) {
-        const std::size_t length = Utf8Character(rest, code);
-        // Control characters and what is no character have no place in a page.
-        const bool shown = length != 0 && code >= 0x20 && (code & 0xfffe) != 0xfffe;
-        const char c = rest.front();
-        if (!shown)
-            result += '?';
-        else if (c == '&')
-            result += "&amp;";
-        else if (c == '<')
-            result += "&lt;";
-        else if (c == '>')
-            result += "&gt;";
-        else if (c == '"')
-            result += "&quot;";
-        else if (c == '\'')
-            result += "&#39;";
-        else
-            result += rest.substr(0, length);
-        rest.remove_prefix(std::max<std::size_t>(length, 1));
-    }
-    return result;
-}
-
 // The page is no place for the decimal delimiter of the locale.
 std::string SvgFixed(double value) {
     char text[32];

@@ -5,12 +5,10 @@
 #include <string>
 #include <string_view>
 
+#include "core/escaped_text.h"
 #include "core/rooms.h"
 
 namespace corvinade::cli {
-
-// Text as it may stand in HTML and SVG. Control characters and what is no character become "?".
-std::string EscapeMarkup(const std::string& text);
 
 // A coordinate to a hundredth of a pixel, without zeros behind it and with a decimal point in every locale.
 std::string SvgNumber(double value);

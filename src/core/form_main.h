@@ -17,6 +17,7 @@ struct FormMain {
     Control MenuFileInputFiles;
     Control MenueFileExport;
     Control MenueFileExportResult;
+    Control MenuFileReport;
     Control MenueFileExportRobCad;
     Control MenueFileExportROCAL;
     Control MenueOnlyMCStoTilde;

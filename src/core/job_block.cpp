@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "core/job_file_bytes.h"
+#include "core/job_tolerance.h"
 #include "core/measurement_sigmas.h"
 
 namespace corvinade::core {
@@ -272,7 +273,8 @@ bool BeginsJobBlock(std::string_view rest) {
 }
 
 std::string UnknownMembers(const JobRecord& job) {
-    constexpr std::array kKnown = {kStartSigmas, kTargetSigmas, kStartTable, kTargetTable, kRecoveryCopyOf};
+    constexpr std::array kKnown = {kStartSigmas, kTargetSigmas,   kStartTable,
+                                   kTargetTable, kRecoveryCopyOf, kTolerance};
     std::string names;
     for (const auto& [name, value] : job.OtherMembers)
         if (std::find(kKnown.begin(), kKnown.end(), name) == kKnown.end())
@@ -324,6 +326,8 @@ JobBlockFault TakeJobBlock(std::string_view block, JobRecord& job) {
                 !AreSigmasOf(member->Value, start ? job.Start.Count() : job.Target.Count()))
                 return wrong(
                     " is no list of three sigmas of 0 or more, and none of such lists for each point");
+            if (member->Name == kTolerance && !(ToleranceFromText(member->Value) > 0))
+                return wrong(" is no length above 0");
             others.emplace_back(member->Name, member->Value);
         }
     }

@@ -4,6 +4,7 @@
 #include "core/form_units.h"
 #include "engine/calculation_window.h"
 #include "engine/result_state.h"
+#include "engine/tolerance_check.h"
 #include "engine/undo.h"
 
 namespace corvinade::engine {
@@ -37,6 +38,7 @@ void ShowAgeOfResult(What changed) {
     NoteUndoStep();
     if (Share(changed, What::UnitsAndDigits)) ResultInOtherUnits();
     CheckResultState();
+    ShowTolerance(Share(changed, What::UnitsAndDigits | What::OpenedJob | What::Points | What::Restored));
 }
 
 void ShowWhatCameIn(What changed) {

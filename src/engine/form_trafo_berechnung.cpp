@@ -13,6 +13,7 @@
 #include "engine/norm_table.h"
 #include "engine/result_state.h"
 #include "engine/selection.h"
+#include "engine/tolerance_check.h"
 #include "engine/undo.h"
 #include "fit/require.h"
 
@@ -301,6 +302,9 @@ const ControlEntry kControls[] = {
      &w.CheckDeviation,
      CheckBox("Deviation"),
      {.Click = FormTrafoBerechnung::CheckDeviation_Click}},
+    {"LabelTolerance", &w.LabelTolerance, Label("Tolerance")},
+    {"TextTolerance", &w.TextTolerance, Field(""), {.Change = TextTolerance_Change}},
+    {"LabelVerdict", &w.LabelVerdict, Hidden(Label(""))},
     {"BtnUseAllPts",
      &w.BtnUseAllPts,
      Button("&Use all points"),
@@ -398,6 +402,7 @@ const QualityControls& QualityRow(int quality) {
 void FormTrafoBerechnung::Form_Load() {
     INI_Formtrafoberechnung();
     ShowKnownResult();
+    ShowTolerance(true);
 }
 
 void FormTrafoBerechnung::Form_Unload() {

@@ -105,6 +105,7 @@ struct FormTrafoBerechnung {
     Control TextMinDevZPkt;
 
     Control CheckMeasurement, CheckObject, CheckDeviation;
+    Control LabelTolerance, TextTolerance, LabelVerdict;  // of the job
     Control BtnUseAllPts;
     Control Tabelle;
 

@@ -5,6 +5,7 @@
 #include "core/desktop_defaults.h"
 #include "core/form_main.h"
 #include "core/job.h"
+#include "core/job_tolerance.h"
 #include "core/numbers.h"
 #include "core/settings.h"
 #include "core/units.h"
@@ -72,6 +73,7 @@ void TabelleFüllenNeu() {
     ChooseDefaultSeeds();
     table.LengthFactor = Units.LengthFactor;
     table.Format = Units.FmtLength;
+    table.Tolerance = ToleranceOf(Job);
     std::copy(Job.SeedName.begin() + 1, Job.SeedName.end(), table.Seeds.begin());
     w.Points = std::move(table);
     w.Tabelle.Grid.Fill = FillNow;

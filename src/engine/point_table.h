@@ -30,6 +30,7 @@ struct PointTable {
     double LengthFactor = 1;                                      // mm to the shown unit
     std::string Format;                                           // picture string of the shown lengths
     std::array<std::string, 3> Seeds;                             // names of the seed points, "" = none
+    double Tolerance = 0;                                         // mm, 0 = none
 
     // What is shown; taken when it is first looked at. Element 0 is unused; lengths in mm. Start and target
     // points and deviations are kept where they have a row.

@@ -215,6 +215,7 @@ void ResultInOtherUnits() {
 
 void ShowImport() {
     if (!DesktopDefaults.AfterImport || !IsTrue(Run.JobDataValid)) return;
+    FormMain::MenuVievMainSheet_Click();
     FormMain::MenüViewInputStatistic_Click();
     SetStatus(1, "Next: Calculation (Ctrl+T)");
 }

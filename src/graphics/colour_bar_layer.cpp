@@ -8,6 +8,7 @@
 
 #include "core/desktop_defaults.h"
 #include "core/job.h"
+#include "core/job_tolerance.h"
 #include "core/numbers.h"
 #include "core/window.h"
 #include "graphics/drawing.h"
@@ -119,6 +120,17 @@ void DrawDesktopBar(ScreenWindow& window) {
     const double factor = LimitFactor(state);
     if (both) TextUpTo(window, LimitText(state.Min * factor), end, bottom);
     TextUpTo(window, LimitText(state.Max * factor), end, top);
+
+    // The tolerance, where it lies within the bar and the colours are of a length.
+    const double tolerance = ToleranceOf(Job);
+    if (tolerance > 0 && tolerance < state.Max && state.ColorBased != kByStandardized &&
+        state.ColorBased != kByAccuracy) {
+        const auto mark = [&](double y) {
+            DrawStroke(window.Screen, {bar.Left - 3, y}, {bar.Left + bar.Thickness + 3, y}, ink, 2);
+        };
+        mark(zero + (top - zero) * tolerance / state.Max);
+        if (both && state.Min < -tolerance) mark(zero + (bottom - zero) * tolerance / -state.Min);
+    }
 
     const std::vector<std::string> title = TitleOf(state);
     double y = top - kLineHeight * (static_cast<double>(title.size()) + 0.5);

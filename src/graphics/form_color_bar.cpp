@@ -370,6 +370,10 @@ void FormColorBar::Form_Load() {
     CS_Type_Wahl();
     EnableSpacings();
     SetFormtoVars();
+    // Nothing asks for these two; scripts find them where they were.
+    if (DesktopDefaults.ColorBar)
+        for (Control* control : {&ColorBarWindow.CheckSynch, &ColorBarWindow.CheckLegend})
+            control->Visible = false;
 }
 void FormColorBar::Form_Unload() {
     Run.ColorBarOpen = kFalse;

@@ -12,6 +12,7 @@
 #include "engine/calculation_window.h"
 #include "graphics/drawing.h"
 #include "graphics/flags.h"
+#include "graphics/form_report.h"
 #include "graphics/picking.h"
 #include "graphics/scene.h"
 #include "graphics/screen_window.h"
@@ -128,6 +129,8 @@ constexpr ChangeRow kChanges[] = {
     {What::NextResult, Turn::LastResult, TakeLastResult},
     {What::NoPictures, Turn::ClosedPictures, CloseAll},
     {What::ProgramEnd, Turn::PictureDefaults, StoreDefaults},
+    {kPictureChanges | kStateOfJob | What::UnitsAndDigits | What::Use | What::Choice, Turn::Statistic,
+     [](What) { RenewReport(); }},
 };
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "core/files.h"
 #include "core/form_main.h"
 #include "core/job.h"
+#include "core/job_tolerance.h"
 #include "core/measurement_sigmas.h"
 #include "core/notes.h"
 #include "core/numbers.h"
@@ -431,7 +432,9 @@ ImportOutcome Import(const ImportRequest& request) {
     RefuseLongNames();
     underWay.reset();
     guard.Whole = kind.Kept = true;
+    const double tolerance = ToleranceOf(Job);  // of the job, whatever points it has
     ForgetBlock();
+    PutTolerance(tolerance, Job);
     SigmasOfImport::GiveToJob();
     NotePairsWithoutOrientation(request);
     Run.JobDataValid = kTrue;  // the main sheet shows no others

@@ -20,9 +20,11 @@
 #include "core/platform.h"
 #include "ui/binder.h"
 #include "ui/desktop.h"
+#include "ui/help.h"
 #include "ui/portal.h"
 #include "ui/qt_text.h"
 #include "ui/theme.h"
+#include "ui/window_menu.h"
 
 namespace corvinade::ui {
 
@@ -33,6 +35,7 @@ void AddPanels(QStatusBar& bar) {
         auto* label = new QLabel(&bar);
         label->setObjectName(QStringLiteral("StatusBar.%1").arg(panel));
         label->setTextFormat(Qt::PlainText);
+        label->setMinimumWidth(1);  // a long text is cut, and does not hold the frame wide
         bar.addWidget(label, panel == 3 ? 1 : 0);
     }
     // Notes stay in sight whatever the panels tell.
@@ -115,6 +118,8 @@ void FurnishFrame(QMainWindow& frame) {
     WatchDesktop(&frame, [] {
         if (StoredTheme() == Theme::Desktop) UserDid([] { ShowStoredTheme(); });
     });
+    FurnishWindowMenu(frame);
+    FurnishHelp(frame);
     frame.setWindowIcon(IconOf(QStringLiteral("corvinade")));
     frame.setAcceptDrops(true);
 }

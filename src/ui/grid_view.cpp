@@ -18,6 +18,7 @@
 #include "ui/colours.h"
 #include "ui/desktop.h"
 #include "ui/qt_text.h"
+#include "ui/table_search.h"
 
 namespace corvinade::ui {
 
@@ -415,6 +416,7 @@ void BindGrid(Control& control, QTableView& view) {
     auto* events = new GridEvents(control, view);
     view.installEventFilter(events);
     view.viewport()->installEventFilter(events);
+    AddTableSearch(view);
 }
 
 void ShowGrid(Control& control, QTableView& view) {

@@ -4,8 +4,10 @@
 #include "analysis/form_grafik.h"
 #include "analysis/form_trompete.h"
 #include "graphics/form_color_bar.h"
+#include "graphics/form_report.h"
 #include "ui/chart_view.h"
 #include "ui/colour_sample.h"
+#include "ui/report_view.h"
 #include "ui/trumpet_view.h"
 
 namespace corvinade::ui {
@@ -19,7 +21,8 @@ struct PlotRow {
 };
 constexpr PlotRow kPlots[] = {{&FormColorBar_Entry, AddColourSample, ShowColourSample},
                               {&FormTrompete_Entry, AddTrumpet, ShowTrumpet},
-                              {&FormGrafik_Entry, AddChart, ShowChart}};
+                              {&FormGrafik_Entry, AddChart, ShowChart},
+                              {&FormReport_Entry, AddReportPreview, ShowReportPreview}};
 
 }  // namespace
 

@@ -13,6 +13,7 @@
 #include "graphics/bindings_overlay.h"
 #include "graphics/screen_window.h"
 #include "ui/desktop.h"
+#include "ui/help.h"
 #include "ui/screen_windows.h"
 
 namespace corvinade::ui {
@@ -56,7 +57,13 @@ public:
     bool eventFilter(QObject* object, QEvent* event) override {
         if (event->type() != QEvent::KeyPress || !object->isWidgetType()) return false;
         const int key = static_cast<QKeyEvent*>(event)->key();
-        if ((key != Qt::Key_F5 && key != Qt::Key_Escape) || KeysBelongElsewhere()) return false;
+        if ((key != Qt::Key_F5 && key != Qt::Key_F1 && key != Qt::Key_Escape) || KeysBelongElsewhere())
+            return false;
+        if (key == Qt::Key_Escape && object->objectName() == QLatin1String("_Search")) return false;
+        if (key == Qt::Key_F1) {  // the entry of the menu is out of reach of dialogs
+            ShowChapterFor(static_cast<QWidget*>(object));
+            return true;
+        }
         const auto press = [](Control& button) {
             if (!button.Enabled || !button.Visible) return false;
             UserDid([&button] { UserClick(button); });

@@ -7,7 +7,8 @@ class QObject;
 
 namespace corvinade::ui {
 
-// A filter for all events of the application: F5 calculates; Esc stops what runs, or closes the dialog that
+// A filter for all events of the application: F5 calculates; F1 tells of the window that it is
+// pressed in; Esc stops what runs, or closes the dialog that
 // it is pressed in. It belongs to `parent`.
 QObject* NewProgramKeys(QObject& parent);
 

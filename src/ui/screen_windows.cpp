@@ -14,10 +14,12 @@
 #include "core/settings.h"
 #include "core/window.h"
 #include "graphics/drawing.h"
+#include "graphics/form_report.h"
 #include "graphics/screen_window.h"
 #include "graphics/view_undo.h"
 #include "graphics/views.h"
 #include "paint/picture.h"
+#include "paint/report_pdf.h"
 #include "ui/desktop.h"
 #include "ui/places.h"
 #include "ui/qt_text.h"
@@ -206,11 +208,13 @@ void BeginScreens(QMdiArea& area) {
     Shown = ScreensShown{};
     Shown.Area = &area;
     FillSurface = Fill;
+    ReportBy = {PictureBytes, ReportPdf};
     QObject::connect(&area, &QMdiArea::subWindowActivated, &area, Activated);
 }
 
 void EndScreens() {
     FillSurface = nullptr;
+    ReportBy = {};
     // A window that goes makes the next one active; nobody is to follow that any more.
     const ScreensShown ended = std::exchange(Shown, ScreensShown{});
     for (const auto& [id, view] : ended.Views) delete view.Outer;

@@ -23,6 +23,7 @@
 #include "ui/desktop.h"
 #include "ui/field_width.h"
 #include "ui/grid_view.h"
+#include "ui/help.h"
 #include "ui/plain_text.h"
 #include "ui/qt_text.h"
 
@@ -106,7 +107,8 @@ void ShowAction(Bound& bound) {
     const QSignalBlocker quiet(action);
     const bool button = c.Kind == ControlKind::ToolButton;
     if (button) {
-        action.setToolTip(PlainWhereGuessed(Q(c.ToolTip)));
+        const QString key = action.property(kKeyOfTip).toString();
+        action.setToolTip(PlainWhereGuessed(Q(c.ToolTip) + (key.isEmpty() ? "" : " (" + key + ")")));
         action.setIconText(Q(c.ToolTip));
         action.setCheckable(c.Value != 0 || action.isCheckable());
         action.setChecked(c.Value != 0);

@@ -5,6 +5,7 @@
 
 #include "analysis/import_files.h"
 #include "core/controller.h"
+#include "core/desktop_defaults.h"
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/settings.h"
@@ -223,4 +224,38 @@ TEST_F(Statistic, EscapeAndTheCrossCloseItAndItsPlaceIsKept) {
     UserClose(FormInputStatistic_Entry);
     EXPECT_FALSE(IsLoaded("FormInputStatistic"));
     EXPECT_EQ(Run.JobDirty, kFalse);
+}
+
+// --- What to do next --------------------------------------------------------------------------------------
+
+TEST_F(Statistic, ScriptsSeeNothingOfTheNextStep) {
+    Import(kStart, kTarget);
+    Open();
+    for (const Control* control :
+         {&InputStatistic.LabelNext, &InputStatistic.BtnNextPairs, &InputStatistic.BtnNextCalculation})
+        EXPECT_FALSE(control->Visible);
+}
+
+TEST_F(Statistic, LeadsToThePairsAndToTheCalculation) {
+    DesktopDefaults.AfterImport = true;
+    Import(kStart, kTarget);
+    UnloadWindow("FormInputFiles");
+    ASSERT_TRUE(IsLoaded("FormInputStatistic"));
+    EXPECT_TRUE(IsLoaded("FormMainSheet"));
+    EXPECT_NE(InputStatistic.LabelNext.Text.find("calculate"), std::string::npos);
+    UnloadWindow("FormMainSheet");
+    UserClick(InputStatistic.BtnNextPairs);
+    EXPECT_TRUE(IsLoaded("FormMainSheet"));
+    UserClick(InputStatistic.BtnNextCalculation);
+    EXPECT_TRUE(IsLoaded("FormTrafoBerechnung"));
+    UserClick(InputStatistic.BtnNextCalculation);
+    EXPECT_TRUE(IsLoaded("FormTrafoBerechnung")) << "a second time brings it to the front";
+}
+
+TEST_F(Statistic, SaysThatTheNamesMayDifferWhereNoPointHasAPartner) {
+    DesktopDefaults.AfterImport = true;
+    Import(kStart, "Q1;1;2;3\r\nQ2;4;5;6\r\nQ3;7;8;1\r\n");
+    ASSERT_TRUE(IsLoaded("FormInputStatistic"));
+    EXPECT_NE(InputStatistic.LabelNext.Text.find("names"), std::string::npos);
+    EXPECT_FALSE(InputStatistic.BtnNextCalculation.Enabled);
 }

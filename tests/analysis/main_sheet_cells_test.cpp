@@ -6,6 +6,7 @@
 #include <numbers>
 
 #include "analysis/main_sheet_job.h"
+#include "core/job_tolerance.h"
 #include "engine/fit_reference.h"
 #include "support/degrees.h"
 
@@ -345,4 +346,22 @@ TEST_F(MainSheetCellsShown, OutsideTheSheetThereIsNothing) {
     }
     EXPECT_EQ(PairOfRow(cells, 3), 3);
     for (const int row : {-1, 0, 4, 5, 6}) EXPECT_EQ(PairOfRow(cells, row), 0);
+}
+
+// The deviations are (-1, 2, 0), (0, -2, 0.5) and (3, 0, 0).
+TEST_F(MainSheetCellsShown, DeviationsInUseBeyondTheToleranceAreMarked) {
+    FivePoints();
+    PutTolerance(1.5, Job);
+    Open();
+    const std::vector<std::pair<int, int>> beyond = {{1, 8}, {2, 8}, {3, 7}};
+    const auto marked = [] {
+        std::vector<std::pair<int, int>> cells;
+        for (int row = 1; row < Rows(); ++row)
+            for (int col = 0; col < Cells().Cols; ++col)
+                if (Colour(row, col) == kBeyondTolerance) cells.emplace_back(row, col);
+        return cells;
+    };
+    EXPECT_EQ(marked(), beyond);
+    Job.UseFlags[7] = 0;  // x of the third pair
+    EXPECT_EQ(marked().size(), 2U);
 }

@@ -159,3 +159,15 @@ TEST(Plots, TheHistogramCountsEveryValueOnce) {
     EXPECT_EQ(Histogram("none", {}, "mm"), "");
     EXPECT_TRUE(IsWellFormed(Histogram("zeros", {0, 0, 0}, "mm")));
 }
+
+TEST_F(FitReportPage, IsAPdfOrItsTablesByTheEndingOfItsPath) {
+    const std::string pdf = PathOf("out.pdf"), csv = PathOf("out.CSV");
+    EXPECT_EQ(Fit({kMeasured, kNominal, "--leave-out", "F09", "--report", pdf}).Status, 0);
+    EXPECT_TRUE(Contents(pdf).starts_with("%PDF-"));
+    EXPECT_EQ(Count(Contents(pdf), "/Dest ["), 5) << "result, parameters, trust, points and notes";
+    EXPECT_EQ(Fit({kMeasured, kNominal, "--leave-out", "F09", "--report", csv}).Status, 0);
+    const std::string cells = Contents(csv);
+    EXPECT_NE(cells.find("\r\nparameter;unit;value;sigma;significance\r\nTra x;millimeter;"),
+              std::string::npos);
+    EXPECT_NE(cells.find("\r\npoint;dx;dy;dz;3D\r\n"), std::string::npos);
+}

@@ -2,10 +2,13 @@
 // it.
 #include "core/job_block.h"
 
+#include <limits>
+
 #include "cli/headless.h"
 #include "core/files.h"
 #include "core/job_bytes.h"
 #include "core/job_file.h"
+#include "core/job_tolerance.h"
 #include "core/measurement_sigmas.h"
 #include "core/notes.h"
 #include "core/platform.h"
@@ -66,6 +69,25 @@ TEST_F(JobBlocks, SigmasOfTheSidesStandInIt) {
     for (const char* wrong :
          {"[1,2]", "[1,2,3,4]", "[1,-2,3]", "[1,2,1e999]", "1", "[[1,2,3]]", "null", "[\"1\",2,3]"})
         EXPECT_NE(FaultOf(std::string("{\"startSigmas\":") + wrong + "}").find("three sigmas"),
+                  std::string::npos)
+            << wrong;
+}
+
+TEST_F(JobBlocks, TheToleranceStandsInItAndAJobWithoutOneHasNoBlock) {
+    JobRecord job = Read(Fields()).Job;
+    EXPECT_EQ(ToleranceOf(job), 0);
+    PutTolerance(0.25, job);
+    const std::string text = "{\"tolerance_mm\":0.25}";
+    ExpectBytes(JobBytes(job, {}), Fields() + Block(text));
+    EXPECT_EQ(ToleranceOf(Read(Fields() + Block(text)).Job), 0.25);
+    EXPECT_EQ(UnknownMembers(job), "");
+    for (const double none : {0.0, -1.0, std::numeric_limits<double>::quiet_NaN()}) {
+        JobRecord without = job;
+        PutTolerance(none, without);
+        ExpectBytes(JobBytes(without, {}), Fields());
+    }
+    for (const char* wrong : {"0", "-1", "1e999", "\"1\"", "[1]", "null", "true"})
+        EXPECT_NE(FaultOf(std::string("{\"tolerance_mm\":") + wrong + "}").find("no length above 0"),
                   std::string::npos)
             << wrong;
 }

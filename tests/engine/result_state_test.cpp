@@ -160,10 +160,13 @@ TEST_F(AgeOfResult, PointsThatHaveComeInAreShown) {
     RunHandler([] { Changed(What::Points); });
     EXPECT_TRUE(IsLoaded("FormInputStatistic"));
     EXPECT_NE(Main.StatusBar_1.Text.find("Calculation"), std::string::npos);
+    EXPECT_TRUE(IsLoaded("FormMainSheet"));
     UnloadWindow("FormInputStatistic");
+    UnloadWindow("FormMainSheet");
     DesktopDefaults.AfterImport = false;
     RunHandler([] { Changed(What::Points); });
     EXPECT_FALSE(IsLoaded("FormInputStatistic"));
+    EXPECT_FALSE(IsLoaded("FormMainSheet"));
 }
 
 // --- Numbers that would say nothing true ------------------------------------------------------------------

@@ -4,6 +4,7 @@
 
 #include "core/changes.h"
 #include "core/desktop_defaults.h"
+#include "core/job_tolerance.h"
 #include "core/platform.h"
 #include "graphics/drawing.h"
 #include "graphics/form_color_bar.h"
@@ -178,6 +179,33 @@ TEST_F(DesktopLook, TheBarShowsZeroUnitAndComponentAndEachEndItsLimit) {
     LabelOf(window, "ve.y");
     const auto saysSign = [](const ScreenLabel& label) { return label.Text.starts_with("sign"); };
     EXPECT_TRUE(std::none_of(window.Labels.begin(), window.Labels.end(), saysSign));
+}
+
+// Zero stands at 300, the limits 3 and -3 at 100 and 500: half of them is in the middle of each side.
+TEST_F(DesktopLook, TheToleranceIsMarkedOnBothSidesOfTheBar) {
+    FivePoints();
+    ScreenWindow& window = OpenWithDialog();
+    UserSetValue(C("ColorY"), 1);
+    const auto marks = [&window] {
+        RecordingOf(window).Operations.clear();
+        Stelle_Grafik_dar(window);
+        std::vector<float> heights;
+        for (const Operation& line : OperationsOf(window, Stroke::Line))
+            if (line.Width == 2 && line.X1 > 700 && line.Y1 == line.Y2) heights.push_back(line.Y1);
+        return heights;
+    };
+    EXPECT_EQ(marks(), std::vector<float>());
+    PutTolerance(1.5, Job);
+    EXPECT_EQ(marks(), (std::vector<float>{200, 400}));
+    PutTolerance(5, Job);
+    EXPECT_EQ(marks(), std::vector<float>()) << "it lies beyond the limits";
+}
+
+TEST_F(DesktopLook, TheColourDialogHasNoBoxThatDoesNothing) {
+    FivePoints();
+    OpenWithDialog();
+    EXPECT_FALSE(C("CheckSynch").Visible);
+    EXPECT_FALSE(C("CheckLegend").Visible);
 }
 
 TEST_F(DesktopLook, TheBarOfALengthBeginsAtZero) {

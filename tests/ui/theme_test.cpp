@@ -14,6 +14,7 @@
 #include <array>
 #include <cmath>
 
+#include "core/job_tolerance.h"
 #include "core/settings.h"
 #include "ui/colours.h"
 #include "ui/desktop.h"
@@ -128,7 +129,7 @@ TEST_F(DesktopTest, TextCanBeReadOnEveryGroundInBothThemes) {
 
 TEST_F(DesktopTest, TextCanBeReadOnTheMarkingsOfTables) {
     constexpr std::int32_t kOrange = 33023;
-    for (const std::int32_t ground : {QbColor(10), QbColor(12), QbColor(14), kOrange})
+    for (const std::int32_t ground : {QbColor(10), QbColor(12), QbColor(14), kOrange, kBeyondTolerance})
         EXPECT_GE(Contrast(QColor::fromRgb(kDarkText), ColourOf(ground)), 4.5) << ground;
 }
 

@@ -21,6 +21,7 @@
 #include "analysis/form_main_sheet.h"
 #include "bundle/bundle_file.h"
 #include "core/controller.h"
+#include "core/desktop_defaults.h"
 #include "core/form_main.h"
 #include "core/form_progress_bar.h"
 #include "core/fresh_start.h"
@@ -273,6 +274,9 @@ void TableAndExportPictures() {
     });
     SaveWindow("FormExport", {880, 380});
     Close("FormExport");
+    Trigger("MenuFileReport");
+    SaveWindow("FormReport", {1000, 640});
+    Close("FormReport");
 }
 
 // The batch with a folder of the examples, and the choice of a folder, with a few below it. The choice is
@@ -471,6 +475,7 @@ int main(int argc, char** argv) {
     WatchForQuestions(questions);
 
     FreshStart();
+    WantDesktopDefaults();
     StartPicture();
     SkipStartScreen();
     OpenDesktop();

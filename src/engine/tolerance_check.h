@@ -1,0 +1,35 @@
+// Whether the job keeps its tolerance, and the fields of the calculation window that say so.
+#pragma once
+
+#include <cstdint>
+
+#include "core/rooms.h"
+
+namespace corvinade::engine {
+
+enum class Verdict : std::uint8_t {
+    None,
+    Pass,
+    Fail
+};  // none: without a tolerance, a result, or pairs in use
+
+struct ToleranceCheck {
+    Verdict Word = Verdict::None;
+    int InUse = 0, Beyond = 0;  // coordinates of pairs
+    double Tolerance_mm = 0;
+};
+
+// Is this coordinate (axis 1 to 3) of a pair in use and farther from its target than the tolerance? False
+// without a tolerance.
+bool IsBeyond(int pair, int axis, double deviation_mm, double tolerance_mm);
+
+// Of the points as the job's result has transformed them.
+ToleranceCheck CheckTolerance();
+const char* WordOf(Verdict verdict);  // "pass", "fail" or ""
+
+// Of the calculation window, while it is open: the verdict; `anew` also the number and its unit.
+void ShowTolerance(bool anew);
+
+void TextTolerance_Change();
+
+}  // namespace corvinade::engine
