@@ -105,6 +105,10 @@ bool RemoveLeftBehind(const fs::path& path) {
     return left;
 }
 
+void RemoveLeftBehindFrom(const fs::path& target, int number) {
+    for (int other = number; other < number + kLookedAt; ++other) RemoveLeftBehind(NameBeside(target, other));
+}
+
 std::string Words(int error) {
     return std::strerror(error);
 }
@@ -138,12 +142,15 @@ std::FILE* OpenBeside(const fs::path& target, bool ownerOnly, fs::path& beside, 
             return nullptr;
         }
         Remember(beside, file);
-        for (int other = number + 1; other <= number + kLookedAt; ++other)
-            RemoveLeftBehind(NameBeside(target, other));
+        RemoveLeftBehindFrom(target, number + 1);
         return stream;
     }
     error = EEXIST;
     return nullptr;
+}
+
+void RemoveLeftBeside(const fs::path& target) {
+    RemoveLeftBehindFrom(target, 1);
 }
 
 void ForgetBeside(const fs::path& beside) {
