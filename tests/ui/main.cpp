@@ -54,10 +54,10 @@ void DescribeScreen(const QTemporaryDir& folder) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    qInstallMessageHandler(TellWhatMatters);
     if (argc > 1 && std::string_view(argv[1]) == "session") return RunSession(argc - 1, argv + 1);
     const QTemporaryDir folder;
     DescribeScreen(folder);
-    qInstallMessageHandler(TellWhatMatters);
     QProcess daemon;
     StartBus(daemon);
     QApplication application(argc, argv);

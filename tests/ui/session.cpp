@@ -13,12 +13,15 @@
 #include <cstdio>
 #include <iostream>
 #include <string>
+#include <string_view>
 
 #include "core/controller.h"
 #include "core/desktop_defaults.h"
 #include "core/form_main.h"
 #include "core/fresh_start.h"
 #include "core/job.h"
+#include "core/job_file.h"
+#include "core/platform.h"
 #include "core/recovery.h"
 #include "core/run.h"
 #include "core/system_files.h"
@@ -69,6 +72,24 @@ QJsonArray CellsOf(Control& control) {
     return rows;
 }
 
+// Inside an event that waits for its dialog the job may stand half way.
+std::string Fault() {
+    if (IsInEvent()) return "";
+    if (const std::string fault = JobFault(LengthsOf(Job)); !fault.empty()) return fault;
+    if (Run.WaitPointers != 0) return "the busy pointer has stayed";
+    if (!IsTrue(Run.JobDataValid)) return "";
+    try {
+        JobRecord job = Job;
+        job.AutoRecalc = kFalse;  // a job that is opened does not calculate by itself
+        const std::string saved = JobBytes(job, Main.ComboSaveView.Items);
+        const JobFileContent again = ReadJobBytes(saved, "");
+        return JobBytes(again.Job, again.ViewNames) == saved ? ""
+                                                             : "a saved job is another one when it is read";
+    } catch (const PlatformError& error) {
+        return error.What.empty() ? "a refusal without a word" : "";
+    }
+}
+
 QJsonObject Answered(const QJsonObject& request) {
     QJsonObject reply{{"ok", true}};
     const QString what = request["do"].toString();
@@ -90,6 +111,8 @@ QJsonObject Answered(const QJsonObject& request) {
         reply["cells"] = CellsOf(*control);
     } else if (what == "get" && FindWindow(at) != nullptr) {
         reply["loaded"] = IsLoaded(at);
+    } else if (what == "check") {
+        reply["fault"] = Q(Fault());
     } else if (what == "title") {
         reply["value"] = Frame()->windowTitle();
     } else {
@@ -118,10 +141,12 @@ int RunSession(int argc, char** argv) {
     SkipStartScreen();
     OpenDesktop();
     WantDesktopDefaults();
-    const std::string job = argc > 1 ? "\"" + std::string(argv[1]) + "\"" : "";
+    const bool hands = argc > 1 && std::string_view(argv[1]) == "--hands";
+    const int place = hands ? 2 : 1;
+    const std::string job = argc > place ? "\"" + std::string(argv[place]) + "\"" : "";
     QTimer asked;
     QObject::connect(&asked, &QTimer::timeout, &asked, AnswerMessage);
-    asked.start(20);
+    if (!hands) asked.start(20);
     UserDid([&job] { StartUp(job); });
     WatchRecovery();
     const QSocketNotifier lines(fileno(stdin), QSocketNotifier::Read);
