@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cstdio>
 #include <ctime>
+#include <exception>
 #include <locale>
 #include <sstream>
 #include <string_view>
@@ -376,9 +377,18 @@ void RestoreCopy(const LeftBehind& left) {
     const LeftBehind now = Described(left.Copy);
     if (!now.Fault.empty()) throw PlatformError{now.Fault};
     DropRecoveryCopy();  // of the job that was given up
-    OpenFile(left.Copy);
+    // Where opening fails behind the reading, the job is open all the same, and has to be that of its path.
+    std::exception_ptr fault;
+    try {
+        OpenFile(left.Copy);
+    } catch (...) {
+        fault = std::current_exception();
+    }
     const auto origin = OriginOf(Job);
-    if (!IsTrue(Run.JobDataValid) || !origin) return;
+    if (!IsTrue(Run.JobDataValid) || !origin) {
+        if (fault) std::rethrow_exception(fault);
+        return;
+    }
     ForgetOrigin(Job);
     Run.JobFilePath = origin->Path;
     RememberKnown(origin->Path, origin->Known);
@@ -392,6 +402,7 @@ void RestoreCopy(const LeftBehind& left) {
         KeepRecoveryCopy();
         if (Recovery.HasCopy) Remove(left);
     }
+    if (fault) std::rethrow_exception(fault);
 }
 
 void DiscardCopy(const LeftBehind& left) {

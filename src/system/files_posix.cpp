@@ -106,7 +106,11 @@ bool RemoveLeftBehind(const fs::path& path) {
 }
 
 void RemoveLeftBehindFrom(const fs::path& target, int number) {
-    for (int other = number; other < number + kLookedAt; ++other) RemoveLeftBehind(NameBeside(target, other));
+    try {
+        for (int other = number; other < number + kLookedAt; ++other)
+            RemoveLeftBehind(NameBeside(target, other));
+    } catch (const std::bad_alloc&) {  // what it leaves the next write finds
+    }
 }
 
 std::string Words(int error) {
