@@ -28,6 +28,8 @@ const ControlEntry kControls[] = {
             "MenuFile"),
     Command("MenuFileInputFiles", &Main.MenuFileInputFiles, Menu("&Input Files..."),
             FormMain::MenuFileInputFiles_Click, "MenuFile"),
+    Command("MenuFileRecovery", &Main.MenuFileRecovery, Menu("&Unsaved Jobs..."),
+            FormMain::MenuFileRecovery_Click, "MenuFile"),
     Command("MenueFileExport", &Main.MenueFileExport, Menu("Export"), nullptr, "MenuFile"),
     Command("MenueFileExportResult", &Main.MenueFileExportResult, Menu("&Export result..."),
             MenueFileExportResult_Click, "MenueFileExport"),

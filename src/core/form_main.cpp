@@ -26,6 +26,9 @@ void FormMain::MenuFileSaveAs_Click() {
 void FormMain::MenuFileInputFiles_Click() {
     ShowWindow("FormInputFiles");
 }
+void FormMain::MenuFileRecovery_Click() {
+    ShowWindow("FormRecovery");
+}
 void FormMain::MenüDateiAlt1_Click() {
     OpenLastProjekt(Main.MenüDateiAlt1.Text);
 }

@@ -15,6 +15,7 @@ struct FormMain {
     Control MenuFileSave;
     Control MenuFileSaveAs;
     Control MenuFileInputFiles;
+    Control MenuFileRecovery;
     Control MenueFileExport;
     Control MenueFileExportResult;
     Control MenuFileReport;
@@ -154,6 +155,7 @@ struct FormMain {
     static void MenuFileSave_Click();
     static void MenuFileSaveAs_Click();
     static void MenuFileInputFiles_Click();
+    static void MenuFileRecovery_Click();
     static void MenüDateiAlt1_Click();
     static void MenüDateiAlt2_Click();
     static void MenüDateiAlt3_Click();

@@ -163,11 +163,11 @@ void ByteSink::PutCount(std::size_t size) {
     Put(static_cast<std::int32_t>(size) - 1);
 }
 
-void ByteSink::PutElements(const std::vector<std::string>& values) {
+void ByteSink::PutElements(std::span<const std::string> values) {
     for (const std::string& value : values) PutShortText(value);
 }
 
-void ByteSink::PutElements(const std::vector<TaggedValue>& values) {
+void ByteSink::PutElements(std::span<const TaggedValue> values) {
     // Some hundred values at a time are put together where they stay in the processor's near memory.
     std::array<char, 4096> chunk;
     constexpr std::size_t kWhole = sizeof kTagDouble + sizeof(double);

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -106,11 +107,11 @@ public:
     // The upper bound of an array of `size` elements.
     void PutCount(std::size_t size);
 
-    void PutElements(const std::vector<std::string>& values);
-    void PutElements(const std::vector<TaggedValue>& values);
+    void PutElements(std::span<const std::string> values);
+    void PutElements(std::span<const TaggedValue> values);
     template <class Number>
-    void PutElements(const std::vector<Number>& values) {
-        Append(reinterpret_cast<const char*>(values.data()), values.size() * sizeof(Number));
+    void PutElements(std::span<const Number> values) {
+        Append(reinterpret_cast<const char*>(values.data()), values.size_bytes());
     }
     void PutBytes(std::string_view bytes) { Append(bytes.data(), bytes.size()); }
 

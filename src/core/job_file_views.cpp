@@ -1,6 +1,7 @@
 // View records as bytes and back, run by the tables of their fields.
 #include "core/job_file_views.h"
 
+#include <span>
 #include <utility>
 
 #include "core/records.h"
@@ -114,7 +115,7 @@ void GetElements(ByteSource& in, std::vector<Number>& values) {
 }
 template <class Number>
 void PutElements(ByteSink& out, const std::vector<Number>& values) {
-    out.PutElements(values);
+    out.PutElements(std::span(values));
 }
 
 // --- View records -----------------------------------------------------------------------------------------

@@ -2,12 +2,15 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <limits>
+#include <span>
 
 #include "core/controller.h"
 #include "core/job_block.h"
 #include "core/job_file.h"
 #include "core/job_file_bytes.h"
 #include "core/job_file_views.h"
+#include "core/job_writer.h"
 
 namespace corvinade::core {
 
@@ -31,12 +34,16 @@ std::size_t ExpectedSize(const JobRecord& job) {
     return size + sizeof(std::int16_t) * job.UseFlags.size();
 }
 
-// Writes one field by its type.
+constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
+
+// Writes one field by its type; of an array so many elements at a time, from the place on.
 struct PutField {
     ByteSink& Out;
     const JobRecord& Job;
     const std::vector<std::string>& ViewNames;
     const JobField& Field;
+    JobPlace& Place;
+    std::size_t Most;
 
     void operator()(VersionText) const { Out.PutLongText(ProgramVersion()); }
     void operator()(JobPoints points) const {
@@ -44,7 +51,7 @@ struct PutField {
     }
     template <class Element>
     void PutColumn(const PointValues<Element>& values) const {
-        PutVector<Element>(values);
+        PutSlice<Element>(values, [&values] { return values.size(); });
     }
     void operator()(JobCount count) const { Out.Put(CountOf(Job, count)); }
     void operator()(SavedViews) const { PutSavedViews(Out, Job, ViewNames); }
@@ -54,16 +61,20 @@ struct PutField {
     void operator()(std::vector<Element> JobRecord::*place) const {
         const std::vector<Element>& values = Job.*place;
         if (values.empty()) Out.Refuse("its element 0 is missing");
-        if (const std::size_t size = SizeInFile(values); size < values.size()) {
-            const auto end = values.begin() + static_cast<std::ptrdiff_t>(size);
-            return PutVector(std::vector<Element>(values.begin(), end));
-        }
-        PutVector(values);
+        PutSlice<Element>(values, [this, &values] { return SizeInFile(values); });
     }
+    // Behind the last element the place is again at the begin of an array.
     template <class Element>
-    void PutVector(const std::vector<Element>& values) const {
-        Out.PutCount(values.size());
-        Out.PutElements(values);
+    void PutSlice(const std::vector<Element>& values, auto size) const {
+        if (Place.Element == 0) {
+            Place.Size = size();
+            Out.PutCount(Place.Size);
+        }
+        if (values.size() < Place.Size) Out.Refuse("it has become shorter while it was written");
+        const std::size_t now = std::min(Most, Place.Size - Place.Element);
+        Out.PutElements(std::span(values).subspan(Place.Element, now));
+        Place.Element += now;
+        if (Place.Element == Place.Size) Place.Element = 0;
     }
     // R vectors that the job's file has fewer of than there are pairs: only empty ones have joined them.
     template <class Element>
@@ -103,35 +114,52 @@ struct PutField {
     }
 };
 
-}  // namespace
-
-namespace {
-
-void PutJob(ByteSink& out, const JobRecord& job, const std::vector<std::string>& viewNames) {
-    out.Field = "counts";
-    const std::string fault = JobFault(LengthsOf(job));
-    if (!fault.empty()) out.Refuse(fault);
-    for (const JobField& field : JobFields()) {
+void PutJob(ByteSink& out, const JobRecord& job, const std::vector<std::string>& viewNames, JobPlace& place,
+            std::size_t most) {
+    if (place.Field == 0 && place.Element == 0) {
+        out.Field = "counts";
+        const std::string fault = JobFault(LengthsOf(job));
+        if (!fault.empty()) out.Refuse(fault);
+    }
+    std::size_t left = most;
+    for (; place.Field < JobFields().size(); ++place.Field) {
+        const JobField& field = JobFields()[place.Field];
+        if (!HasField(field, ProgramJobVersion(), job)) continue;
+        if (left == 0) return;
         out.Field = field.Name;
-        if (HasField(field, ProgramJobVersion(), job))
-            std::visit(PutField{out, job, viewNames, field}, field.Place);
+        const std::size_t from = place.Element;
+        if (from == 0) place.Size = 0;
+        std::visit(PutField{out, job, viewNames, field, place, left}, field.Place);
+        if (place.Element != 0) return;  // its rest belongs to the next slice
+        left -= std::min(left, place.Size - from);
     }
     out.PutBytes(JobBlock(job));
     out.Finish();
+    place.Ended = true;
+}
+
+void PutWholeJob(ByteSink& out, const JobRecord& job, const std::vector<std::string>& viewNames) {
+    JobPlace place;
+    PutJob(out, job, viewNames, place, kAll);
 }
 
 }  // namespace
 
 std::string JobBytes(const JobRecord& job, const std::vector<std::string>& viewNames) {
     ByteSink out(ExpectedSize(job));
-    PutJob(out, job, viewNames);
+    PutWholeJob(out, job, viewNames);
     return std::move(out.Bytes);
 }
 
 void WriteJobBytes(const JobRecord& job, const std::vector<std::string>& viewNames,
                    const std::function<void(std::string_view)>& take) {
     ByteSink out(take);
-    PutJob(out, job, viewNames);
+    PutWholeJob(out, job, viewNames);
+}
+
+bool JobWriter::Slice() {
+    PutJob(out_, job_, viewNames_, place_, kElements);
+    return !place_.Ended;
 }
 
 std::size_t JobSize(const JobRecord& job, const std::vector<std::string>& viewNames) {

@@ -25,42 +25,6 @@ struct KnownFile {
 // The one job that is open, and the one that a command has read.
 KnownFile Known;
 
-// The hash of bytes that come in pieces, however they are cut.
-class RunningHash {
-public:
-    void Add(std::string_view bytes) {
-        length_ += bytes.size();
-        while (!bytes.empty()) {
-            const std::string_view taken = bytes.substr(0, kBlock - block_.size());
-            bytes.remove_prefix(taken.size());
-            if (taken.size() == kBlock) {
-                Mix(taken);
-                continue;
-            }
-            block_ += taken;
-            if (block_.size() < kBlock) continue;
-            Mix(block_);
-            block_.clear();
-        }
-    }
-    std::size_t Length() const { return length_; }
-    std::size_t Value() const {
-        RunningHash last = *this;
-        last.Mix(last.block_);
-        return last.value_;
-    }
-
-private:
-    static constexpr std::size_t kBlock = std::size_t{1} << 16;  // bytes
-
-    void Mix(std::string_view block) {
-        constexpr std::size_t kOdd = 0x9e3779b9;  // so that equal blocks in another order differ
-        value_ = value_ * kOdd + std::hash<std::string_view>{}(block);
-    }
-    std::string block_;
-    std::size_t value_ = 0, length_ = 0;
-};
-
 std::size_t HashOf(std::string_view bytes) {
     RunningHash hash;
     hash.Add(bytes);
@@ -69,10 +33,31 @@ std::size_t HashOf(std::string_view bytes) {
 
 }  // namespace
 
-std::size_t HashAsWritten(const JobRecord& job, const std::vector<std::string>& viewNames) {
-    RunningHash hash;
-    WriteJobBytes(job, viewNames, [&hash](std::string_view bytes) { hash.Add(bytes); });
-    return hash.Value();
+void RunningHash::Add(std::string_view bytes) {
+    length_ += bytes.size();
+    while (!bytes.empty()) {
+        const std::string_view taken = bytes.substr(0, kBlock - block_.size());
+        bytes.remove_prefix(taken.size());
+        if (taken.size() == kBlock) {
+            Mix(taken);
+            continue;
+        }
+        block_ += taken;
+        if (block_.size() < kBlock) continue;
+        Mix(block_);
+        block_.clear();
+    }
+}
+
+std::size_t RunningHash::Value() const {
+    RunningHash last = *this;
+    last.Mix(last.block_);
+    return last.value_;
+}
+
+void RunningHash::Mix(std::string_view block) {
+    constexpr std::size_t kOdd = 0x9e3779b9;  // so that equal blocks in another order differ
+    value_ = value_ * kOdd + std::hash<std::string_view>{}(block);
 }
 
 DiskState DiskStateOf(const std::string& path) {

@@ -23,6 +23,21 @@ struct DiskState {
 // Throws PlatformError where it cannot be told.
 DiskState DiskStateOf(const std::string& path);
 
+// The hash of bytes that come in pieces, however they are cut.
+class RunningHash {
+public:
+    void Add(std::string_view bytes);
+    std::size_t Length() const { return length_; }
+    std::size_t Value() const;
+
+private:
+    static constexpr std::size_t kBlock = std::size_t{1} << 16;  // bytes
+
+    void Mix(std::string_view block);
+    std::string block_;
+    std::size_t value_ = 0, length_ = 0;
+};
+
 // The file was in this state when these bytes were read from it, or written to it.
 void RememberJobFile(const std::string& path, const DiskState& state, std::string_view bytes);
 
@@ -36,10 +51,6 @@ struct KnownBytes {
 };
 KnownBytes KnownOf(const std::string& path);
 void RememberKnown(const std::string& path, const KnownBytes& known);
-
-// The hash of the bytes that a job's file would have, taken slice by slice. Throws PlatformError as JobBytes
-// does.
-std::size_t HashAsWritten(const JobRecord& job, const std::vector<std::string>& viewNames);
 
 // A new job is to be written there: what is there now may be replaced, what comes later may not.
 void RememberNewJobFile(const std::string& path);

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cstdio>
 #include <ctime>
+#include <exception>
 #include <locale>
 #include <sstream>
 #include <string_view>
@@ -21,6 +22,7 @@
 #include "core/job_commands.h"
 #include "core/job_file.h"
 #include "core/job_on_disk.h"
+#include "core/job_writer.h"
 #include "core/lock_file.h"
 #include "core/platform.h"
 #include "core/run.h"
@@ -116,50 +118,109 @@ bool StandsIn(const std::string& path, std::string_view bytes) {
     }
 }
 
-// Of what a save would write; nothing where it would refuse.
-std::optional<std::size_t> HashOfJob() {
+// A look that is under way: what a save would write is hashed slice by slice, and where that is not what the
+// copy holds, it is written to a new one. No event comes between its slices; one gives the look up.
+struct Looking {
+    double Began_s = 0;
+    RunningHash Hash;
+    std::optional<std::size_t> Found;  // the hash, once it is whole
+    std::optional<FileBeside> File;
+    std::optional<JobWriter> Writer;
+};
+std::optional<Looking> Under;
+
+// While it lives, the job says whose copy it is.
+struct Marked {
+    Marked() { Job.OtherMembers.emplace_back(kMember, TextOf({Run.JobFilePath, KnownOf(Run.JobFilePath)})); }
+    ~Marked() { Job.OtherMembers.pop_back(); }
+    Marked(const Marked&) = delete;
+    Marked& operator=(const Marked&) = delete;
+};
+
+void RemoveCopy() noexcept {
+    if (!Recovery.HasCopy) return;
+    Recovery.HasCopy = !RemoveOwnFile(Recovery.CopyPath);
+    Recovery.Copied = 0;
+}
+
+// Each does the next slice of its part of a look; false when the part is done.
+bool HashOn() {
     try {
-        return HashAsWritten(Job, Main.ComboSaveView.Items);
-    } catch (const PlatformError&) {
-        return std::nullopt;
+        if (Under->Writer->Slice()) return true;
+        Under->Found = Under->Hash.Value();
+    } catch (const PlatformError&) {  // a save would refuse
     }
+    Under->Writer.reset();
+    return false;
 }
 
-void WriteCopy() {
-    struct Marked {
-        Marked() {
-            Job.OtherMembers.emplace_back(kMember, TextOf({Run.JobFilePath, KnownOf(Run.JobFilePath)}));
-        }
-        ~Marked() { Job.OtherMembers.pop_back(); }
-    };
+bool WriteOn() {
     const Marked marked;
+    if (!Under->Writer) {
+        Under->File.emplace(Recovery.CopyPath, Readers::Owner);
+        Under->Writer.emplace(Job, Main.ComboSaveView.Items,
+                              [](std::string_view bytes) { Under->File->Write(bytes); });
+    }
+    if (Under->Writer->Slice()) return true;
     // A kill takes nothing that was written. Waiting for the disk would be felt with every copy.
-    FileBeside file(Recovery.CopyPath, Readers::Owner);
-    WriteJobBytes(Job, Main.ComboSaveView.Items, [&file](std::string_view bytes) { file.Write(bytes); });
-    file.Keep(Keeping::Unflushed);
+    Under->File->Keep(Keeping::Unflushed);
+    return false;
 }
 
-void Look(bool keep) {
-    Recovery.Touched = false;
-    if (!IsTrue(Run.JobDataValid)) {
-        Recovery.Changed = Recovery.StandsNow = false;
-        Recovery.OnDisk.reset();
-        return DropRecoveryCopy();
-    }
-    const std::optional<std::size_t> now = HashOfJob();
+// What is hashed is known now. Is a copy to be written?
+bool NeedsCopy(bool keep) {
+    const std::optional<std::size_t> now = Under->Found;
     if (std::exchange(Recovery.StandsNow, false)) Recovery.OnDisk = now;
     Recovery.Changed = !now || now != Recovery.OnDisk;
-    if (!Recovery.Changed) return DropRecoveryCopy();
-    if (!keep || !now || Recovery.Lock < 0 || (Recovery.HasCopy && Recovery.Copied == *now)) return;
+    if (!Recovery.Changed) RemoveCopy();
+    return Recovery.Changed && keep && now && Recovery.Lock >= 0 &&
+           !(Recovery.HasCopy && Recovery.Copied == *now);
+}
+
+void EndLook() {
+    Recovery.Looked_s = Under->Began_s;
+    Under.reset();
+}
+
+// The next slice of a look, which begins with it where none is under way. False when it was the last.
+bool LookOn(bool keep, double now_s) {
+    if (!Under) {
+        Recovery.Touched = false;
+        if (!IsTrue(Run.JobDataValid)) {
+            Recovery.Looked_s = now_s;
+            Recovery.Changed = Recovery.StandsNow = false;
+            Recovery.OnDisk.reset();
+            RemoveCopy();
+            return false;
+        }
+        Under.emplace().Began_s = now_s;
+        Under->Writer.emplace(Job, Main.ComboSaveView.Items,
+                              [](std::string_view bytes) { Under->Hash.Add(bytes); });
+    }
+    if (!Under->File && Under->Writer) {
+        if (HashOn() || NeedsCopy(keep)) return true;
+        EndLook();
+        return false;
+    }
     try {
-        WriteCopy();
+        if (WriteOn()) return true;
         Recovery.HasCopy = true;
-        Recovery.Copied = *now;
+        Recovery.Copied = *Under->Found;
         Recovery.FaultTold = false;
+        EndLook();
     } catch (const PlatformError& error) {
+        EndLook();
         Recovery.Touched = true;  // it is tried again
         if (!std::exchange(Recovery.FaultTold, true))
             throw PlatformError{"The recovery copy of this job cannot be written: " + error.What};
+    }
+    return false;
+}
+
+// A whole look, at once.
+void Look(bool keep) {
+    Under.reset();
+    while (LookOn(keep, Recovery.Looked_s)) {
     }
 }
 
@@ -207,11 +268,13 @@ struct HeldPlace {
 
 void Remove(const LeftBehind& left) {
     if (!RemoveOwnFile(left.Copy)) throw PlatformError{"Cannot remove \"" + left.Copy + "\"."};
+    RemoveLeftBeside(left.Copy);
 }
 
 }  // namespace
 
 void StartRecovery() {
+    Under.reset();
     Recovery = RecoveryRecord{};
     Recovery.On = true;
     for (int number = 1; number <= kMostPlaces; ++number) {
@@ -227,6 +290,7 @@ void StartRecovery() {
         Recovery.Lock = handle;
         Recovery.LockPath = lock;
         Recovery.CopyPath = copy;
+        RemoveLeftBeside(copy);  // of a program that was killed in its first copy
         WriteLocked(handle, "");
         return;
     }
@@ -235,6 +299,7 @@ void StartRecovery() {
 }
 
 void EndRecovery() noexcept {
+    Under.reset();
     if (!Recovery.On) return;
     DropRecoveryCopy();
     DropLockAndFile(Recovery.Lock, Recovery.LockPath);
@@ -247,6 +312,7 @@ void JobStandsOnDisk() {
 }
 
 void JobTouched() {
+    Under.reset();
     Recovery.Touched = true;
 }
 
@@ -256,11 +322,19 @@ bool JobHasChanged() {
     return Recovery.Changed;
 }
 
+bool TendRecoverySlice(double now_s) {
+    if (!Recovery.On) return false;
+    const bool due = Recovery.StandsNow || now_s - Recovery.Looked_s >= kBetweenLooks_s;
+    if (!Under && !(Recovery.Touched && due)) return false;
+    return LookOn(true, now_s);
+}
+
 void TendRecovery(double now_s) {
-    if (!Recovery.On || !Recovery.Touched) return;
-    if (!Recovery.StandsNow && now_s - Recovery.Looked_s < kBetweenLooks_s) return;
-    Recovery.Looked_s = now_s;
-    Look(true);
+    if (!Recovery.On || (!Recovery.Touched && !Under)) return;
+    const bool atOnce = Job.Start.Count() <= kPointsAtOnce && Job.Target.Count() <= kPointsAtOnce;
+    if (!Recovery.StandsNow && now_s - Recovery.Looked_s < (atOnce ? kBetweenLooks_s : kInSeries_s)) return;
+    while (LookOn(true, now_s)) {  // from where the slices have come to
+    }
 }
 
 void KeepRecoveryCopy() {
@@ -268,9 +342,8 @@ void KeepRecoveryCopy() {
 }
 
 void DropRecoveryCopy() noexcept {
-    if (!Recovery.HasCopy) return;
-    Recovery.HasCopy = !RemoveOwnFile(Recovery.CopyPath);
-    Recovery.Copied = 0;
+    Under.reset();
+    RemoveCopy();
 }
 
 std::vector<LeftBehind> LeftBehindCopies() {
@@ -288,6 +361,7 @@ std::vector<LeftBehind> LeftBehindCopies() {
         LeftBehind left = Described(copy);
         // A kill between the save of a job and the removal of its copy.
         if (left.Saved && left.Fault.empty() && RemoveOwnFile(copy)) {
+            RemoveLeftBeside(copy);
             DropLockAndFile(handle, lock);
             continue;
         }
@@ -303,9 +377,18 @@ void RestoreCopy(const LeftBehind& left) {
     const LeftBehind now = Described(left.Copy);
     if (!now.Fault.empty()) throw PlatformError{now.Fault};
     DropRecoveryCopy();  // of the job that was given up
-    OpenFile(left.Copy);
+    // Where opening fails behind the reading, the job is open all the same, and has to be that of its path.
+    std::exception_ptr fault;
+    try {
+        OpenFile(left.Copy);
+    } catch (...) {
+        fault = std::current_exception();
+    }
     const auto origin = OriginOf(Job);
-    if (!IsTrue(Run.JobDataValid) || !origin) return;
+    if (!IsTrue(Run.JobDataValid) || !origin) {
+        if (fault) std::rethrow_exception(fault);
+        return;
+    }
     ForgetOrigin(Job);
     Run.JobFilePath = origin->Path;
     RememberKnown(origin->Path, origin->Known);
@@ -319,6 +402,7 @@ void RestoreCopy(const LeftBehind& left) {
         KeepRecoveryCopy();
         if (Recovery.HasCopy) Remove(left);
     }
+    if (fault) std::rethrow_exception(fault);
 }
 
 void DiscardCopy(const LeftBehind& left) {

@@ -15,6 +15,11 @@ namespace corvinade::core {
 // Seconds between two looks at a job that events go on changing: the most of the work that a kill takes,
 // with what a single event does.
 inline constexpr double kBetweenLooks_s = 2;
+// So many points of a set are looked at and copied at once before an event, if its time has come. With more
+// that would be felt: they are looked at in slices between events, and only where a series of events has left
+// no time for all slices, at once after so many seconds.
+inline constexpr int kPointsAtOnce = 200000;
+inline constexpr double kInSeries_s = 60;
 
 struct RecoveryRecord {
     bool On = false;        // copies are kept, and "changed" is what a save would write other than before
@@ -46,10 +51,15 @@ void JobTouched();
 bool JobHasChanged();
 
 // Looks whether the job has changed, and brings the copy up to date: at once where the job has been opened or
-// saved, else not before kBetweenLooks_s have gone since the last look. To be called between events only.
+// saved, else not before kBetweenLooks_s have gone since the last look, of many points kInSeries_s. To be
+// called between events only.
 //   now_s   of any clock that does not go back, s
 // Throws PlatformError, once, where the copy cannot be written.
 void TendRecovery(double now_s);
+
+// The same in slices, however many points there are: each call does the next one, of some milliseconds, and
+// says whether there is another. An event between two of them begins the look anew.
+bool TendRecoverySlice(double now_s);
 
 // The same without regard to the time.
 void KeepRecoveryCopy();

@@ -19,6 +19,9 @@ namespace corvinade::core {
 std::FILE* OpenBeside(const std::filesystem::path& target, bool ownerOnly, std::filesystem::path& beside,
                       int& error);
 
+// Removes what killed programs have left beside a target that is not written again.
+void RemoveLeftBeside(const std::filesystem::path& target);
+
 // The file beside has taken its place, or is gone: a signal need not remove it.
 void ForgetBeside(const std::filesystem::path& beside);
 

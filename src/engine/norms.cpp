@@ -80,6 +80,14 @@ bool ChooseBeginOfRuns(NormFit& fit) {
 bool TakeSigmas(RunOfJob& job) {
     const JobSigmas sigmas(SigmasOf(Job));
     int without = 0;
+    // What no calculation begins with can come while it runs, by an event in a yield.
+    if (sigmas.Any() && job.Run.Model.Mode != FitMode::Coincide) {
+        Calculation.Refused = true;
+        ShowMessage(
+            "The standard deviations of the points do not go with the distance R_Dist and the tool "
+            "vector, and one of the two was changed while the calculation ran. Please calculate again.");
+        return false;
+    }
     if (sigmas.Any() && !job.Run.Abandoned() && job.Run.Run.State.Finite) {
         if (job.Run.InUse.empty()) job.Run.InUse = job.Run.P;
         without = job.Run.Kind == FitNorm::LeastSquares ? FitWeighted(job.Run, sigmas.View())

@@ -105,6 +105,14 @@ bool RemoveLeftBehind(const fs::path& path) {
     return left;
 }
 
+void RemoveLeftBehindFrom(const fs::path& target, int number) {
+    try {
+        for (int other = number; other < number + kLookedAt; ++other)
+            RemoveLeftBehind(NameBeside(target, other));
+    } catch (const std::bad_alloc&) {  // what it leaves the next write finds
+    }
+}
+
 std::string Words(int error) {
     return std::strerror(error);
 }
@@ -138,12 +146,15 @@ std::FILE* OpenBeside(const fs::path& target, bool ownerOnly, fs::path& beside, 
             return nullptr;
         }
         Remember(beside, file);
-        for (int other = number + 1; other <= number + kLookedAt; ++other)
-            RemoveLeftBehind(NameBeside(target, other));
+        RemoveLeftBehindFrom(target, number + 1);
         return stream;
     }
     error = EEXIST;
     return nullptr;
+}
+
+void RemoveLeftBeside(const fs::path& target) {
+    RemoveLeftBehindFrom(target, 1);
 }
 
 void ForgetBeside(const fs::path& beside) {

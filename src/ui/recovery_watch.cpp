@@ -79,19 +79,25 @@ void CatchSignals() {
 void WatchRecovery() {
     UserDid([] { Dispatch([] { BeginRecovery(); }); });
     CatchSignals();
-    auto* timer = new QTimer(QCoreApplication::instance());
-    QObject::connect(timer, &QTimer::timeout, timer, [] {
-        if (IsInEvent() || !Recovery.On || !Recovery.Touched) return;
+    // The slices of a look come when nothing else waits.
+    auto* slices = new QTimer(QCoreApplication::instance());
+    QObject::connect(slices, &QTimer::timeout, slices, [slices] {
+        bool more = false;
         const bool before = Recovery.Changed;
-        Dispatch([] { TendRecovery(Now_s()); });
+        if (!IsInEvent()) Dispatch([&more] { more = TendRecoverySlice(Now_s()); });
+        if (!more) slices->stop();
         if (Recovery.Changed != before) ShowState();
     });
-    timer->start(kTick_ms);
+    auto* tick = new QTimer(QCoreApplication::instance());
+    QObject::connect(tick, &QTimer::timeout, tick, [slices] {
+        if (!IsInEvent() && Recovery.On && Recovery.Touched && !slices->isActive()) slices->start(0);
+    });
+    tick->start(kTick_ms);
 }
 
 // A long event must not begin with work behind it that no copy has.
 void TendBeforeEvent() {
-    if (Recovery.On && Recovery.Touched) Dispatch([] { TendRecovery(Now_s()); });
+    if (Recovery.On) Dispatch([] { TendRecovery(Now_s()); });
 }
 
 void TendAfterEvent() {

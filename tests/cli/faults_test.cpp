@@ -7,12 +7,16 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <map>
+#include <sstream>
 
 #include "cli/command_line.h"
+#include "core/job_file.h"
+#include "core/platform.h"
 #include "support/fixture.h"
 #include "support/program_path.h"
 
@@ -22,6 +26,11 @@ namespace fs = std::filesystem;
 
 class Faults : public Program {
 protected:
+    // What fails, beside the calls on files.
+    struct Failing {
+        bool Removals = false;
+        int Memory = 0, Times = 0;
+    };
     struct End {
         int Status = 0;     // of the process
         std::string Fault;  // the call that has failed; "" where none did
@@ -40,7 +49,8 @@ protected:
         return text;
     }
 
-    End Run(const std::vector<std::string>& arguments, const std::string& input, int at, int error) const {
+    End Run(const std::vector<std::string>& arguments, const std::string& input, int at, int error,
+            const Failing& failing) const {
         const std::string log = PathOf("log"), out = PathOf("out"), err = PathOf("err"),
                           text = Write("input", input);
         fs::remove(log);
@@ -57,6 +67,9 @@ protected:
             setenv("FAULTS_AT", std::to_string(at).c_str(), 1);
             setenv("FAULTS_ERRNO", std::to_string(error).c_str(), 1);
             setenv("FAULTS_LOG", log.c_str(), 1);
+            setenv("FAULTS_REMOVALS", failing.Removals ? "yes" : "", 1);
+            setenv("FAULTS_MEMORY", std::to_string(failing.Memory).c_str(), 1);
+            setenv("FAULTS_TIMES", std::to_string(failing.Times).c_str(), 1);
             const std::string program = ProgramPath();
             std::vector<char*> argv = {const_cast<char*>(program.c_str())};
             for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
@@ -90,40 +103,105 @@ protected:
         }
     }
 
-    // `told` is what a run shows that has not done its work.
+    // Settings, copies and their locks are written several times in a run, and may stay as at one of these.
+    static bool IsWholeBetween(const std::string& path, const std::string& text) {
+        if (path.ends_with(".lock")) return true;
+        if (path.ends_with(".ini")) {
+            std::istringstream lines(text);
+            for (std::string line; std::getline(lines, line);)
+                if (line != "\r" && line.find('=') == std::string::npos && line[0] != '[') return false;
+            return !text.empty();
+        }
+        if (path.find("/recovery-") == std::string::npos) return false;
+        try {
+            return ReadJobBytes(text, path).BlockFault.empty();
+        } catch (const PlatformError&) {
+            return false;
+        }
+    }
+
+    // Has a run with a fault ended as it has to? `told` is what one shows that has not done its work.
+    void ExpectWhole(const End& end, const std::string& what, const Files& before, const Files& after,
+                     bool (*told)(const End&)) const {
+        ASSERT_TRUE(WIFEXITED(end.Status)) << what << ", signal " << WTERMSIG(end.Status);
+        const Files now = FilesNow();
+        const bool failed = told == nullptr ? WEXITSTATUS(end.Status) != 0 : told(end);
+        // What cannot be removed stays.
+        const bool stays = end.Fault == "unlink" || end.Fault == "remove";
+        bool strays = false;
+        for (const auto& [path, text] : now) {
+            const bool beside = path.find(".cvnew") != std::string::npos;
+            // So does what was there already and cannot be told to be left behind.
+            if ((stays && (beside || !after.contains(path))) || (beside && before.contains(path))) {
+                strays = true;
+                continue;
+            }
+            EXPECT_FALSE(beside) << what << ": " << path;
+            const bool isOld = before.contains(path) && before.at(path) == text;
+            const bool isNew = after.contains(path) && after.at(path) == text;
+            EXPECT_TRUE(isOld || isNew || IsWholeBetween(path, text))
+                << what << ": " << path << " is neither old nor new";
+        }
+        if (failed && told == nullptr) {
+            EXPECT_NE(end.Err, "") << what;
+        } else if (!failed && !strays) {
+            EXPECT_TRUE(now == after) << what << ": has said nothing, and has not done its work\n" << end.Err;
+        }
+    }
+
     void EveryCallFails(const std::vector<std::string>& arguments, const std::string& input = "",
-                        bool (*told)(const End&) = nullptr) const {
+                        bool (*told)(const End&) = nullptr, bool removals = false) const {
         const Files before = FilesNow();
-        const End good = Run(arguments, input, 0, 0);
+        const End good = Run(arguments, input, 0, 0, {});
         ASSERT_TRUE(WIFEXITED(good.Status) && WEXITSTATUS(good.Status) == 0) << good.Err;
         const Files after = FilesNow();
-        int faults = 0;
-        for (const int error : {EIO, ENOSPC, EACCES, EINTR, ENOMEM}) {
+        int faults = 0, ofRemovals = 0;
+        const std::vector<int> all = {EIO, ENOSPC, EACCES, EINTR, ENOMEM}, ofRemoval = {EIO, EACCES};
+        for (const int error : removals ? ofRemoval : all) {
             for (int at = 1;; ++at) {
                 PutBack(before);
-                const End end = Run(arguments, input, at, error);
+                const End end = Run(arguments, input, at, error, {.Removals = removals});
                 if (end.Fault.empty()) break;
                 ++faults;
+                ofRemovals += end.Fault == "unlink" || end.Fault == "remove" ? 1 : 0;
                 const std::string what = arguments[0] + ": call " + std::to_string(at) + ", " + end.Fault +
                                          ", " + std::strerror(error);
-                ASSERT_TRUE(WIFEXITED(end.Status)) << what << ", signal " << WTERMSIG(end.Status);
-                const Files now = FilesNow();
-                const bool failed = told == nullptr ? WEXITSTATUS(end.Status) != 0 : told(end);
-                for (const auto& [path, text] : now) {
-                    EXPECT_EQ(path.find(".cvnew"), std::string::npos) << what << ": " << path;
-                    const bool isOld = before.contains(path) && before.at(path) == text;
-                    const bool isNew = after.contains(path) && after.at(path) == text;
-                    EXPECT_TRUE(isOld || isNew) << what << ": " << path << " is neither old nor new";
-                }
-                if (failed && told == nullptr) {
-                    EXPECT_NE(end.Err, "") << what;
-                } else if (!failed) {
-                    EXPECT_TRUE(now == after) << what << ": has said nothing, and has not done its work\n"
-                                              << end.Err;
-                }
+                ASSERT_NO_FATAL_FAILURE(ExpectWhole(end, what, before, after, told));
             }
         }
-        EXPECT_GT(faults, 5 * 5);
+        EXPECT_GT(faults, removals ? 2 * 5 : 5 * 5);
+        EXPECT_EQ(ofRemovals > 0, removals);
+        PutBack(before);
+    }
+
+    // Allocations fail one by one and a hundred at a time, at so many places spread over all that there are.
+    void AllocationsFail(const std::vector<std::string>& arguments, const std::string& input = "",
+                         bool (*told)(const End&) = nullptr) const {
+        constexpr int kPlaces = 60;
+        const Files before = FilesNow();
+        Run(arguments, input, 0, 0, {});
+        const Files after = FilesNow();
+        int most = 1;  // allocations, to a power of two
+        for (;; most *= 2) {
+            PutBack(before);
+            if (Run(arguments, input, 0, 0, {.Memory = most, .Times = 1}).Fault.empty()) break;
+        }
+        ASSERT_GT(most, kPlaces);
+        int faults = 0;
+        for (const int times : {1, 100}) {
+            for (int place = 0; place < kPlaces; ++place) {
+                // The first ones each, then further and further apart.
+                const int at = 1 + place + static_cast<int>(std::pow(most, double(place) / kPlaces));
+                PutBack(before);
+                const End end = Run(arguments, input, 0, 0, {.Memory = at, .Times = times});
+                if (end.Fault.empty()) continue;
+                ++faults;
+                const std::string what = arguments[0] + ": " + std::to_string(times) + " allocations from " +
+                                         std::to_string(at) + " on of " + std::to_string(most);
+                ASSERT_NO_FATAL_FAILURE(ExpectWhole(end, what, before, after, told)) << end.Err;
+            }
+        }
+        EXPECT_GT(faults, kPlaces);
         PutBack(before);
     }
 
@@ -168,6 +246,17 @@ TEST_F(Faults, OfTheTransformationOfAFolder) {
     EveryCallFails({"transform", In("j.cvn"), In("many"), "--to", In("to"), "--overwrite"});
 }
 
+namespace {
+
+bool SaysSo(const std::string& out) {
+    for (const char* words : {"Cannot ", "cannot be", "could not", "not been", "not exist", "enough memory",
+                              "is in use", "error"})
+        if (out.find(words) != std::string::npos) return true;
+    return false;
+}
+
+}  // namespace
+
 TEST_F(Faults, OfASaveByNameAndOfTheSettings) {
     const std::string job = In("j.cvn");
     const std::string input = R"({"do":"click","at":"FormMain.MenuFileSave"})"
@@ -176,11 +265,66 @@ TEST_F(Faults, OfASaveByNameAndOfTheSettings) {
                               "\n";
     fs::create_directories(In("settings"));
     // A first start, so that the settings stand.
-    Run({"automate", "--settings-dir", In("settings"), "--job", job}, R"({"do":"quit"})", 0, 0);
-    EveryCallFails({"automate", "--settings-dir", In("settings"), "--job", job}, input, [](const End& end) {
-        return end.Out.find("Cannot ") != std::string::npos ||
-               end.Out.find("could not") != std::string::npos ||
-               end.Out.find("not been") != std::string::npos ||
-               end.Out.find("not exist") != std::string::npos;
-    });
+    Run({"automate", "--settings-dir", In("settings"), "--job", job}, R"({"do":"quit"})", 0, 0, {});
+    const std::vector<std::string> arguments = {"automate", "--settings-dir", In("settings"), "--job", job};
+    const auto told = [](const End& end) { return SaysSo(end.Out) || end.Err != ""; };
+    EveryCallFails(arguments, input, told);
+    AllocationsFail(arguments, input, told);
+}
+
+// A program that keeps copies changes, saves and ends.
+TEST_F(Faults, OfRecoveryByName) {
+    const std::string input = R"({"do":"record","name":"TraX","value":5})"
+                              "\n"
+                              R"({"do":"click","at":"FormMain.MenuFileSave"})"
+                              "\n"
+                              R"({"do":"quit"})"
+                              "\n";
+    const std::vector<std::string> arguments = {"automate",     "--recovery", "--settings-dir",
+                                                In("settings"), "--job",      In("j.cvn")};
+    fs::create_directories(In("settings"));
+    Run(arguments, R"({"do":"quit"})", 0, 0, {});
+    const auto told = [](const End& end) { return SaysSo(end.Out) || end.Err != ""; };
+    EveryCallFails(arguments, input, told);
+    EveryCallFails(arguments, input, told, true);
+    AllocationsFail(arguments, input, told);
+}
+
+// A copy that was left is restored and saved.
+TEST_F(Faults, OfARestoredCopy) {
+    const std::vector<std::string> arguments = {"automate",     "--recovery", "--settings-dir",
+                                                In("settings"), "--job",      In("j.cvn")};
+    fs::create_directories(In("settings"));
+    // The end of the input leaves the copy, as a kill does.
+    Run(arguments, R"({"do":"record","name":"TraX","value":5})", 0, 0, {});
+    ASSERT_TRUE(fs::exists(In("settings/Corvinade/recovery-1.cvn")));
+    const std::string input = R"({"do":"click","at":"FormRecovery.BtnRestore"})"
+                              "\n"
+                              R"({"do":"click","at":"FormMain.MenuFileSave"})"
+                              "\n"
+                              R"({"do":"quit"})"
+                              "\n";
+    const auto told = [](const End& end) { return SaysSo(end.Out) || end.Err != ""; };
+    EveryCallFails(arguments, input, told, true);
+    AllocationsFail(arguments, input, told);
+}
+
+TEST_F(Faults, OfAllocationsInEachCommand) {
+    Write("in/many/a.txt", Lines(1));
+    Write("in/many/b.txt", Lines(2));
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+             {"fit", In("s.txt"), In("t.txt"), "--parameters", "7", "--save", In("j.cvn")},
+             {"fit", "--job", In("j.cvn"), "--json"},
+             {"info", In("j.cvn"), "--json"},
+             {"convert", In("j.cvn"), In("o.json")},
+             {"export", In("j.cvn"), "--points", In("o.txt")},
+             {"transform", In("j.cvn"), In("many"), "--to", In("to")}})
+        AllocationsFail(arguments);
+}
+
+// A file that a killed program has left beside the target cannot be removed.
+TEST_F(Faults, OfRemovalsBesideASave) {
+    Write("in/j.cvn.cvnew1", "left behind");
+    EveryCallFails({"fit", In("s.txt"), In("t.txt"), "--parameters", "7", "--save", In("j.cvn")}, "", nullptr,
+                   true);
 }

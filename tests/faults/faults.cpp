@@ -3,6 +3,9 @@
 //   FAULTS_AT      the number of the call that fails, from 1; 0: none
 //   FAULTS_ERRNO   how it fails
 //   FAULTS_LOG     a file that gets the name of the call that has failed
+//   FAULTS_REMOVALS  anything: calls that remove a file count too
+//   FAULTS_MEMORY  instead of those: from this allocation on, FAULTS_TIMES of them fail. They count from the
+//                  first call on a file of the folder on, when the program stands
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -30,7 +33,14 @@ const char* Setting(const char* name) {
     return value == nullptr ? "" : value;
 }
 
-std::atomic<long> Calls{0};
+std::atomic<long> Calls{0}, Allocations{0}, MemoryAt{-1}, MemoryTimes{0};
+
+void Log(const char* call) {
+    const long log = syscall(SYS_openat, AT_FDCWD, Setting("FAULTS_LOG"), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    if (log < 0) return;
+    syscall(SYS_write, log, call, std::strlen(call));
+    syscall(SYS_close, log);
+}
 
 bool IsBelow(const char* path) {
     const char* const folder = Setting("FAULTS_FOLDER");
@@ -54,22 +64,45 @@ bool Fails(const char* call, Where where) {
         errno = kept;
         return false;
     }
+    if (MemoryAt < 0) {
+        MemoryTimes = std::atol(Setting("FAULTS_TIMES"));
+        MemoryAt = std::atol(Setting("FAULTS_MEMORY"));
+    }
     if (Calls.fetch_add(1) + 1 != std::atol(Setting("FAULTS_AT"))) {
         errno = kept;
         return false;
     }
-    const long log = syscall(SYS_openat, AT_FDCWD, Setting("FAULTS_LOG"), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    if (log >= 0) {
-        syscall(SYS_write, log, call, std::strlen(call));
-        syscall(SYS_close, log);
-    }
+    Log(call);
     errno = std::atoi(Setting("FAULTS_ERRNO"));
+    return true;
+}
+
+bool FailsToAllocate() {
+    if (MemoryAt <= 0) return false;
+    const long number = Allocations.fetch_add(1) + 1;
+    if (number < MemoryAt || number >= MemoryAt + MemoryTimes) return false;
+    if (number == MemoryAt) Log("malloc");
+    errno = ENOMEM;
     return true;
 }
 
 }  // namespace
 
 extern "C" {
+
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* place, std::size_t size);
+
+void* malloc(std::size_t size) {
+    return FailsToAllocate() ? nullptr : __libc_malloc(size);
+}
+void* calloc(std::size_t count, std::size_t size) {
+    return FailsToAllocate() ? nullptr : __libc_calloc(count, size);
+}
+void* realloc(void* place, std::size_t size) {
+    return FailsToAllocate() ? nullptr : __libc_realloc(place, size);
+}
 
 std::FILE* fopen(const char* path, const char* mode) {
     if (Fails("fopen", path)) return nullptr;
@@ -154,6 +187,14 @@ int fstat(int handle, struct stat* file) {
 int rename(const char* from, const char* to) {
     if (Fails("rename", from)) return -1;
     return Real<int(const char*, const char*)>("rename")(from, to);
+}
+int unlink(const char* path) {
+    if (*Setting("FAULTS_REMOVALS") != '\0' && Fails("unlink", path)) return -1;
+    return Real<int(const char*)>("unlink")(path);
+}
+int remove(const char* path) {
+    if (*Setting("FAULTS_REMOVALS") != '\0' && Fails("remove", path)) return -1;
+    return Real<int(const char*)>("remove")(path);
 }
 int mkdir(const char* path, mode_t mode) {
     if (Fails("mkdir", path)) return -1;

@@ -8,8 +8,10 @@
 #include <QTemporaryDir>
 #include <csignal>
 #include <cstdio>
+#include <string_view>
 
 #include "core/fresh_start.h"
+#include "ui/session.h"
 #include "ui/theme.h"
 
 using namespace corvinade;
@@ -52,9 +54,10 @@ void DescribeScreen(const QTemporaryDir& folder) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    qInstallMessageHandler(TellWhatMatters);
+    if (argc > 1 && std::string_view(argv[1]) == "session") return RunSession(argc - 1, argv + 1);
     const QTemporaryDir folder;
     DescribeScreen(folder);
-    qInstallMessageHandler(TellWhatMatters);
     QProcess daemon;
     StartBus(daemon);
     QApplication application(argc, argv);
