@@ -23,7 +23,7 @@ public:
     explicit Paper(QScrollArea& place) : QWidget(&place), place_(place) {
         setObjectName(QLatin1String(kPaper));
         setAccessibleName(QStringLiteral("Preview of the report"));
-        place.installEventFilter(this);
+        place.viewport()->installEventFilter(this);
     }
 
     void Show() {
@@ -36,7 +36,7 @@ public:
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override {
-        if (object == &place_ && event->type() == QEvent::Resize) Fit();
+        if (object == place_.viewport() && event->type() == QEvent::Resize) Fit();
         return false;
     }
 

@@ -208,7 +208,7 @@ void OtherPictures() {
     SaveWindow("FormGrafik", {760, 420});
     Close("FormGrafik");
     Trigger("MenüViewInputStatistic");
-    SaveWindow("FormInputStatistic", {400, 350});
+    SaveWindow("FormInputStatistic", {440, 430});
     Trigger("MenuTransformationReliability");
     SaveWindow("FormReliability", {1240, 660});
     Close("FormReliability");
