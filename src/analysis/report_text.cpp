@@ -16,7 +16,8 @@ namespace {
 constexpr const char* kStyle =
     "html{max-width:820px;margin:auto}body{font-family:'DejaVu Sans','Segoe UI',Arial,sans-serif;font-size:9pt;"
     "color:#1c2733;background:#ffffff}h1{font-size:18pt;font-weight:600}"
-    "h2{font-size:12pt;font-weight:600}"
+    "h2{font-size:12pt;font-weight:600;margin-top:20px;margin-bottom:7px}"
+    "p{margin-top:3px;margin-bottom:5px}"
     "table{width:100%}th{font-weight:600}pre{font-size:7pt}";
 
 std::string Base64(std::string_view bytes) {
@@ -87,9 +88,7 @@ std::string PlainLines(const std::string& text) {
 std::string ReportHtml(const Report& report, double pixel) {
     std::string html = "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n<title>" +
                        EscapeMarkup(report.Title) + "</title>\n<style>" + kStyle +
-                       "h2{margin-top:" + Pixels(20, pixel) + "px;margin-bottom:" + Pixels(7, pixel) +
-                       "px}p{margin-top:" + Pixels(3, pixel) + "px;margin-bottom:" + Pixels(5, pixel) +
-                       "px}" + "</style>\n</head>\n<body>\n";
+                       "</style>\n</head>\n<body>\n";
     if (!report.LogoBytes.empty()) html += "<p>" + Image(report.LogoBytes, "Logo", 120, pixel) + "</p>\n";
     html += "<h1>" + EscapeMarkup(report.Title) + "</h1>\n<p>";
     if (!report.Project.empty()) html += "Project: " + EscapeMarkup(report.Project) + "<br>";
