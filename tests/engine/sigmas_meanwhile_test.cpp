@@ -6,8 +6,6 @@ using namespace corvinade;
 
 namespace {
 
-FormTrafoBerechnung& w = TrafoWindow;
-
 class SigmasMeanwhile : public CalculationJob {};
 
 }  // namespace
@@ -15,7 +13,7 @@ class SigmasMeanwhile : public CalculationJob {};
 TEST_F(SigmasMeanwhile, AreRefusedWhereDistancesAreFittedAndEndNothingElse) {
     AddPairs(8);
     Open();
-    UserSetValue(w.CheckRDist, 1);
+    UserSetValue(TrafoWindow.CheckRDist, 1);
     bool given = false;
     Headless.OnYield = [&given] {
         PutSigmas({.Target = SideAccuracy{}}, Job);

@@ -10,8 +10,6 @@ using namespace corvinade;
 
 namespace {
 
-FormTrafoBerechnung& w = TrafoWindow;
-
 class ToleranceOfJob : public CalculationJob {
 protected:
     // Pairs that lie on each other but for the deviations (-1, 2, 0), (0, -2, 0.5) and (3, 0, 0).
@@ -25,16 +23,16 @@ protected:
         Job.RVecZ.resize(size);
         ::Run.JobDataValid = ::Run.TrafoValid = kTrue;
     }
-    static const std::string& Word() { return w.LabelVerdict.Text; }
+    static const std::string& Word() { return TrafoWindow.LabelVerdict.Text; }
     static void TakeOut(int pair, int axis) {
         Job.UseFlags[static_cast<std::size_t>(3 * (pair - 1) + axis)] = 0;
     }
     static int MarkedCells() {
-        LookAt(w.Tabelle.Grid);
+        LookAt(TrafoWindow.Tabelle.Grid);
         int marked = 0;
-        for (int row = 1; row < w.Tabelle.Grid.Rows; ++row)
+        for (int row = 1; row < TrafoWindow.Tabelle.Grid.Rows; ++row)
             for (int col = kColName; col < kPointCols; ++col)
-                if (CellBackColor(w.Tabelle.Grid, row, col) == kBeyondTolerance) ++marked;
+                if (CellBackColor(TrafoWindow.Tabelle.Grid, row, col) == kBeyondTolerance) ++marked;
         return marked;
     }
 };
@@ -43,26 +41,27 @@ protected:
 
 TEST_F(ToleranceOfJob, WithoutOneThereIsNoWordAndNoMark) {
     Open();
-    EXPECT_EQ(w.TextTolerance.Text, "");
+    EXPECT_EQ(TrafoWindow.TextTolerance.Text, "");
     EXPECT_EQ(Word(), "");
-    EXPECT_FALSE(w.LabelVerdict.Visible);
+    EXPECT_FALSE(TrafoWindow.LabelVerdict.Visible);
     EXPECT_EQ(MarkedCells(), 0);
 }
 
 // Of the sizes 1, 2, 0, 0, 2, 0.5, 3, 0, 0 three are above 1.5 and none above 3.
 TEST_F(ToleranceOfJob, CellsBeyondItAreMarkedAndOneWordSaysPassOrFail) {
     Open();
-    UserSetText(w.TextTolerance, "1.5");
+    UserSetText(TrafoWindow.TextTolerance, "1.5");
     EXPECT_EQ(Word(), "fail");
-    EXPECT_NE(w.LabelVerdict.ToolTip.find("3 of 9"), std::string::npos) << w.LabelVerdict.ToolTip;
+    EXPECT_NE(TrafoWindow.LabelVerdict.ToolTip.find("3 of 9"), std::string::npos)
+        << TrafoWindow.LabelVerdict.ToolTip;
     EXPECT_EQ(MarkedCells(), 3);
-    EXPECT_EQ(CellBackColor(w.Tabelle.Grid, 1, kColY), kBeyondTolerance);
+    EXPECT_EQ(CellBackColor(TrafoWindow.Tabelle.Grid, 1, kColY), kBeyondTolerance);
     EXPECT_EQ(ToleranceOf(Job), 1.5);
     EXPECT_EQ(::Run.JobDirty, kTrue);
-    UserSetText(w.TextTolerance, "3");
+    UserSetText(TrafoWindow.TextTolerance, "3");
     EXPECT_EQ(Word(), "pass") << "what is just as large keeps it";
     EXPECT_EQ(MarkedCells(), 0);
-    UserSetText(w.TextTolerance, "");
+    UserSetText(TrafoWindow.TextTolerance, "");
     EXPECT_EQ(Word(), "");
     EXPECT_EQ(ToleranceOf(Job), 0);
 }
@@ -84,9 +83,9 @@ TEST_F(ToleranceOfJob, WhatIsOutOfUseCountsForNothing) {
 
 TEST_F(ToleranceOfJob, ATextThatIsNoLengthIsSaidToBeNoneAndNothingIsChecked) {
     Open();
-    UserSetText(w.TextTolerance, "1.5");
+    UserSetText(TrafoWindow.TextTolerance, "1.5");
     for (const char* wrong : {"abc", "0", "-1", "1.5x"}) {
-        UserSetText(w.TextTolerance, wrong);
+        UserSetText(TrafoWindow.TextTolerance, wrong);
         EXPECT_EQ(Word(), "no length") << wrong;
         EXPECT_EQ(ToleranceOf(Job), 0) << wrong;
         EXPECT_EQ(MarkedCells(), 0) << wrong;
@@ -95,16 +94,16 @@ TEST_F(ToleranceOfJob, ATextThatIsNoLengthIsSaidToBeNoneAndNothingIsChecked) {
 
 TEST_F(ToleranceOfJob, IsShownInTheUnitOfTheJobAndStaysTheSameLength) {
     Open();
-    UserSetText(w.TextTolerance, "1.5");
+    UserSetText(TrafoWindow.TextTolerance, "1.5");
     ShowWindow("FormUnits");
     UserSetIndex(UnitsWindow.ComboLength, 1);
     UserClick(UnitsWindow.BtnOK);
     ASSERT_NE(Units.LengthFactor, 1);
     double shown = 0;
-    ASSERT_TRUE(TextToNumber(w.TextTolerance.Text, '.', shown));
+    ASSERT_TRUE(TextToNumber(TrafoWindow.TextTolerance.Text, '.', shown));
     EXPECT_NEAR(shown / Units.LengthFactor, 1.5, 1e-12);
     EXPECT_EQ(ToleranceOf(Job), 1.5);
-    EXPECT_NE(w.LabelTolerance.Text.find(Job.LengthUnitName), std::string::npos);
+    EXPECT_NE(TrafoWindow.LabelTolerance.Text.find(Job.LengthUnitName), std::string::npos);
 }
 
 TEST_F(ToleranceOfJob, GoesWithTheJobFile) {
