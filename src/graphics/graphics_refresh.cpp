@@ -129,7 +129,7 @@ constexpr ChangeRow kChanges[] = {
     {What::NextResult, Turn::LastResult, TakeLastResult},
     {What::NoPictures, Turn::ClosedPictures, CloseAll},
     {What::ProgramEnd, Turn::PictureDefaults, StoreDefaults},
-    {kPictureChanges | kStateOfJob | What::UnitsAndDigits | What::Use | What::Choice, Turn::Statistic,
+    {kPictureChanges | kStateOfJob | What::UnitsAndDigits | What::Use | What::Choice, Turn::Report,
      [](What) { RenewReport(); }},
 };
 

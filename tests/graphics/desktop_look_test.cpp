@@ -183,6 +183,7 @@ TEST_F(DesktopLook, TheBarShowsZeroUnitAndComponentAndEachEndItsLimit) {
 
 // Zero stands at 300, the limits 3 and -3 at 100 and 500: half of them is in the middle of each side.
 TEST_F(DesktopLook, TheToleranceIsMarkedOnBothSidesOfTheBar) {
+    const Recorded recorded;
     FivePoints();
     ScreenWindow& window = OpenWithDialog();
     UserSetValue(C("ColorY"), 1);

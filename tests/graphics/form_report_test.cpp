@@ -149,7 +149,7 @@ TEST_F(ReportOfResult, ALogoThatIsNoPictureIsSaidAndLeftOut) {
     EXPECT_TRUE(r.LabelProblem.Visible);
     EXPECT_EQ(r.Made.LogoBytes, "");
     EXPECT_TRUE(r.BtnSave.Enabled);
-    UserSetText(r.TextLogo, Write("logo.png", "\x89PNG\r\n\x1a\n..."));
+    UserSetText(r.TextLogo, Write("mark.png", "\x89PNG\r\n\x1a\n..."));
     EXPECT_FALSE(r.LabelProblem.Visible);
     EXPECT_NE(ReportHtml(r.Made).find("data:image/png;base64,iVBORw0KGgouLi4="), std::string::npos);
 }
