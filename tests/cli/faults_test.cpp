@@ -177,7 +177,7 @@ protected:
     // Allocations fail one by one and a hundred at a time, at so many places spread over all that there are.
     void AllocationsFail(const std::vector<std::string>& arguments, const std::string& input = "",
                          bool (*told)(const End&) = nullptr) const {
-        constexpr int kPlaces = 60;
+        constexpr int kPlaces = 25;
         const Files before = FilesNow();
         Run(arguments, input, 0, 0, {});
         const Files after = FilesNow();
