@@ -299,31 +299,19 @@ public:
     }
 
     std::vector<LooseTurn> Loose() const {
-        std::vector<LooseTurn> found;
-        std::vector<Vec3> taken;
-        constexpr double kSameAxis = 0.7;
-        for (const bool open : {true, false})
-            for (const Vec3& w : candidates_) {
-                if (std::any_of(taken.begin(), taken.end(),
-                                [&w](const Vec3& before) { return std::fabs(Dot(w, before)) > kSameAxis; }))
-                    continue;
-                LooseTurn loose;
-                const Turn turn = TurnAbout(w, pairs_);
-                loose.Open = IsOpen(turn);
-                if (loose.Open != open) continue;
-                if (!open && !IsLoose(w, turn, loose.Sigma)) continue;
-                constexpr double kTakesPart = 1e-6, kMostly = 0.1;
-                loose.Moves = axes_.Marked(w, open ? kTakesPart : kMostly);
-                Vec3 shift;
-                VecCross(w, pairs_.Lever, shift);
-                const double reach = std::max(images_, targets_) / Root();
-                for (int axis = 1; axis <= 3; ++axis)
-                    loose.Moves[At(kTraX + axis - 1)] =
-                        std::fabs(shift(axis)) > (open ? kTakesPart : kMostly) * reach;
-                found.push_back(loose);
-                taken.push_back(w);
-            }
-        return found;
+        return OneForEachAxis(candidates_, [this](const Vec3& w, bool open, LooseTurn& loose) {
+            const Turn turn = TurnAbout(w, pairs_);
+            if (IsOpen(turn) != open || (!open && !IsLoose(w, turn, loose.Sigma))) return false;
+            constexpr double kTakesPart = 1e-6, kMostly = 0.1;
+            loose.Moves = axes_.Marked(w, open ? kTakesPart : kMostly);
+            Vec3 shift;
+            VecCross(w, pairs_.Lever, shift);
+            const double reach = std::max(images_, targets_) / Root();
+            for (int axis = 1; axis <= 3; ++axis)
+                loose.Moves[At(kTraX + axis - 1)] =
+                    std::fabs(shift(axis)) > (open ? kTakesPart : kMostly) * reach;
+            return true;
+        });
     }
 
 private:

@@ -13,7 +13,7 @@ struct LooseTurn {
     bool Open = false;  // whatever the turn is, the sum of the squares is the same, but for rounding
     double Sigma = 0;   // else how well the points determine the turn, rad: 0.1 and above
     std::array<bool, kParameterEnd> Moves{};  // by parameter number: it takes part in the turn
-    Vec3 Axis;                                // in the target system, a unit vector; of turns_left.h
+    Vec3 Axis;                                // in the target system, a unit vector
 };
 
 // The turns about axes through the middle of the images, of a result of the plain model whose translations

@@ -58,24 +58,11 @@ public:
     }
 
     std::vector<LooseTurn> Loose() const {
-        std::vector<LooseTurn> found;
-        std::vector<Vec3> taken;
-        constexpr double kSameAxis = 0.7;
-        for (const bool open : {true, false})
-            for (const Vec3& w : candidates_) {
-                if (std::any_of(taken.begin(), taken.end(),
-                                [&w](const Vec3& before) { return std::fabs(Dot(w, before)) > kSameAxis; }))
-                    continue;
-                LooseTurn loose;
-                loose.Axis = w;
-                loose.Open = IsOpen(w);
-                if (loose.Open != open) continue;
-                if (!open && !IsLoose(w, loose.Sigma)) continue;
-                Mark(w, loose);
-                found.push_back(loose);
-                taken.push_back(w);
-            }
-        return found;
+        return OneForEachAxis(candidates_, [this](const Vec3& w, bool open, LooseTurn& loose) {
+            if (IsOpen(w) != open || (!open && !IsLoose(w, loose.Sigma))) return false;
+            Mark(w, loose);
+            return true;
+        });
     }
 
 private:
@@ -154,6 +141,23 @@ private:
 };
 
 }  // namespace
+
+std::vector<LooseTurn> OneForEachAxis(const std::vector<Vec3>& axes, const TakeTurn& take) {
+    constexpr double kSameAxis = 0.7;
+    std::vector<LooseTurn> found;
+    for (const bool open : {true, false})
+        for (const Vec3& w : axes) {
+            if (std::any_of(found.begin(), found.end(), [&w](const LooseTurn& before) {
+                    return std::fabs(Dot(w, before.Axis)) > kSameAxis;
+                }))
+                continue;
+            LooseTurn turn;
+            turn.Axis = w;
+            turn.Open = open;
+            if (take(w, open, turn)) found.push_back(turn);
+        }
+    return found;
+}
 
 std::vector<LooseTurn> FindTurnsLeft(const JudgedResult& result) {
     constexpr int kSample = 256, kMost = 50000;

@@ -2,6 +2,7 @@
 // them: with a tool vector, and with translations that are held.
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "fit/judged_result.h"
@@ -26,5 +27,10 @@ namespace corvinade::fit {
 // Of no more than six spare observations a Sigma of a tenth is told that is 1 + 10 / spare times as large,
 // for these fit well by chance now and then.
 std::vector<LooseTurn> FindTurnsLeft(const JudgedResult& result);
+
+// The open ones of the axes, then the loose ones; of those that are near each other the first alone.
+//   take  whether the turn about w is open, or else loose, and what is known of it then
+using TakeTurn = std::function<bool(const Vec3& w, bool open, LooseTurn& turn)>;
+std::vector<LooseTurn> OneForEachAxis(const std::vector<Vec3>& axes, const TakeTurn& take);
 
 }  // namespace corvinade::fit
