@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstddef>
 #include <sstream>
-#include <string_view>
 
 #include "analysis/report.h"
 #include "cli/fit_output.h"
@@ -17,6 +16,7 @@
 #include "core/controller.h"
 #include "core/job.h"
 #include "core/notes.h"
+#include "core/text.h"
 #include "core/units.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
@@ -263,14 +263,9 @@ std::string FitReport(const FitOptions& options, const FitStatistics& statistics
 }
 
 std::string ReportAs(const FitOptions& options, const FitStatistics& statistics) {
-    const auto ends = [&path = options.Report](std::string_view ending) {
-        return path.size() >= ending.size() &&
-               std::equal(ending.begin(), ending.end(),
-                          path.end() - static_cast<std::ptrdiff_t>(ending.size()),
-                          [](char a, char b) { return a == (b >= 'A' && b <= 'Z' ? b - 'A' + 'a' : b); });
-    };
-    if (ends(".pdf")) return ReportPdf(ReportOfJob({}));
-    if (ends(".csv")) return ReportCsv(ReportOfJob({}));
+    const std::string path = UpperAscii(options.Report);
+    if (path.ends_with(".PDF")) return ReportPdf(ReportOfJob({}));
+    if (path.ends_with(".CSV")) return ReportCsv(ReportOfJob({}));
     return FitReport(options, statistics);
 }
 
