@@ -8,6 +8,7 @@
 #include "core/controller.h"
 #include "core/job.h"
 #include "core/notes.h"
+#include "core/parameter_names.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/settings.h"
@@ -73,6 +74,18 @@ std::string ScaleHeldAtZero() {
     return "";
 }
 
+// Of an angle as large as this the digits say next to nothing of where it ends within a turn.
+std::string AngleHeldFarRound() {
+    constexpr double kMost = 1e6;  // rad
+    for (int parameter = kTraX; parameter < kParameterEnd; ++parameter) {
+        const std::string& text = Job.ParamText[At(parameter)];
+        if (KindOf(parameter) == ParameterKind::Angle && IsHeldValue(text) &&
+            !(std::fabs(ParameterFromText(parameter, text)) <= kMost))
+            return ParameterName(parameter);
+    }
+    return "";
+}
+
 // The pairs from which the tool model would take a pose that is turned by nothing: those for which the job
 // has no orientation. "" where there are none, and for other models.
 std::string PairsWithoutOrientation() {
@@ -93,6 +106,10 @@ std::string WhyNot() {
     if (const std::string sigmas = WhyNotWithSigmas(); !sigmas.empty()) return sigmas;
     if (const std::string scale = ScaleHeldAtZero(); !scale.empty())
         return scale + " is held at 0, which leaves nothing of the points. Please hold it at another value.";
+    if (const std::string angle = AngleHeldFarRound(); !angle.empty())
+        return angle +
+               " is held at an angle of so many turns that its digits do not tell where it ends. Please hold "
+               "it within a few turns.";
     if (const std::string name = PairThatStartsOnItsTarget(); !name.empty())
         return "The start values put point \"" + Printable(name) +
                "\" onto its target, where the distance between them has no direction. Please give a seed for "

@@ -117,6 +117,27 @@ TEST_F(CalculationWindowRun, ARefusalBeforeAnyResultShowsNone) {
     EXPECT_FALSE(trafoWindow.BtnSEED.Enabled);
 }
 
+TEST_F(CalculationWindowRun, AHeldAngleWhoseDigitsTellNoTurnIsRefused) {
+    AddPairs();
+    Open();
+    for (const char* text : {"1e300", "-1e9", "100000000"}) {
+        UserSetValue(trafoWindow.Option6Parameter, 1);
+        UserSetValue(trafoWindow.CheckRotZ, 0);
+        UserSetText(trafoWindow.TextRotZ, text);
+        Headless.Dialogs.clear();
+        Calculate();
+        EXPECT_EQ(
+            LastMessage(),
+            "Rot z is held at an angle of so many turns that its digits do not tell where it ends. Please "
+            "hold it within a few turns.");
+        EXPECT_FALSE(IsTrue(Run.TrafoValid));
+    }
+    // Some turns are an angle as any other.
+    UserSetText(trafoWindow.TextRotZ, "3600000");
+    Calculate();
+    EXPECT_TRUE(IsTrue(Run.TrafoValid));
+}
+
 TEST_F(CalculationWindowRun, AHeldScaleOfZeroIsRefused) {
     AddPairs();
     Open();
