@@ -23,6 +23,7 @@ struct AdjustmentRecord {
     bool AtRest = false;      // at its limit only rounding moved it any more: far from the origin
     bool Finite = true;       // no parameter has become infinite or undefined
     bool JobChanged = false;  // the points were replaced while events were served: nothing was written
+    bool LeftMoving = false;  // and the job was left with the parameters of the pass that served them
     FitModel Model;           // of this run; the choice may change while events are served
     bool AngleUnitsConfirmed = false;  // the user wants no more warnings of the poses' angle unit
 };

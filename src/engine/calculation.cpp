@@ -143,13 +143,19 @@ void FillRVectors(bool wanted) {
 
 // While the parameters move they are no result, and a job that is saved meanwhile says so. Where the
 // calculation leaves without one, the mark of before stands again if nothing has moved, or another job does.
+// An import that fails in the midst of the iteration leaves the points of before and the result that is shown
+// for them: its parameters come back too.
 class MarkedWhileRunning {
 public:
     MarkedWhileRunning() { Job.Unconverged = kTrue; }
     ~MarkedWhileRunning() {
-        if (!Ended && Run.JobGeneration == generation_ && MonteCarlo.Started == started_ &&
-            parameters_ == ParametersOf(Job))
-            Job.Unconverged = before_;
+        if (Ended || MonteCarlo.Started != started_) return;
+        const bool same = Run.JobGeneration == generation_;
+        if (!same && Adjustment.LeftMoving && IsTrue(Run.TrafoValid))
+            PutParameters(parameters_, Job);
+        else if (!same || parameters_ != ParametersOf(Job))
+            return;
+        Job.Unconverged = before_;
     }
     MarkedWhileRunning(const MarkedWhileRunning&) = delete;
     MarkedWhileRunning& operator=(const MarkedWhileRunning&) = delete;

@@ -75,7 +75,9 @@ struct Audience {
         Norm.Iterations = event.Rounds;
         Norm.Linearisations = event.Steps;
         YieldToEvents();
-        return Run.JobGeneration == JobGeneration;
+        const bool goesOn = Run.JobGeneration == JobGeneration;
+        Adjustment.LeftMoving = !goesOn && ParametersOf(Job) == event.Now;
+        return goesOn;
     }
 
     // Panels 6 and 7.

@@ -13,6 +13,7 @@
 #include "core/settings.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "engine/form_trafo_berechnung.h"
 #include "import/input_dialog.h"
 #include "import/matching.h"
 
@@ -418,4 +419,28 @@ TEST_F(InputDialog, TheRoundTripSaysWhenTheClipboardRefuses) {
     UserClick(Main.MenueHelpSpezial);
     EXPECT_EQ(LastMessage(), "Clipboard coud not be set due unknown error");
     EXPECT_EQ(Run.TrafoValid, kTrue);
+}
+
+TEST_F(InputDialog, ARoundTripThatFailsWithinACalculationLeavesTheResultOfBefore) {
+    target_ = Write("target.txt", "A;5;6;7.5\r\nB;105;6.1;7\r\nC;5;206;7\r\nD;5.3;6;307\r\n");
+    Import();
+    ShowWindow("FormTrafoBerechnung");
+    UserClick(TrafoWindow.BtnCalculate);
+    const Parameters before = ParametersOf(Job);
+    const double z = Job.Transformed.Z[1];
+    // Both delimiters of decimals in one file: the import ends, and the points stay.
+    Headless.Clipboard = "A\t1.5\t1,5\t0\tA\t1\t2\t3\r\nB\t2\t3\t4\tB\t5\t6\t7\r\n";
+    int yields = 0;
+    Headless.OnYield = [&yields] {
+        if (++yields == 2) UserClick(Main.MenueHelpSpezial);
+    };
+    UserClick(TrafoWindow.BtnCalculate);
+    Headless.OnYield = nullptr;
+    ASSERT_FALSE(Messages().empty());
+    EXPECT_NE(LastMessage().find("Found both possible DecimalDelimiters"), std::string::npos)
+        << LastMessage();
+    EXPECT_EQ(Run.TrafoValid, kTrue);
+    EXPECT_EQ(Job.Unconverged, kFalse);
+    EXPECT_TRUE(ParametersOf(Job) == before) << "the points that are shown are the image by these";
+    EXPECT_EQ(Job.Transformed.Z[1], z);
 }
