@@ -29,8 +29,8 @@ std::string_view Trimmed(std::string_view text) {
 }
 
 // A plain decimal number of up to 15 digits: a whole number over a power of ten, which one division rounds
-// correctly.
-bool PlainDecimal(std::string_view text, char decimal, double& value) {
+// correctly. `decimals` is how many of them it has.
+bool PlainDecimal(std::string_view text, char decimal, double& value, int& decimals) {
     const bool negative = text.front() == '-';
     std::uint64_t number = 0;
     std::size_t digits = 0, places = 0;
@@ -50,15 +50,21 @@ bool PlainDecimal(std::string_view text, char decimal, double& value) {
     if (digits < 1 || digits > 15) return false;
     const double size = static_cast<double>(number) / kPowersOfTen[places];
     value = negative ? -size : size;
+    decimals = static_cast<int>(places);
     return true;
 }
 
 }  // namespace
 
-NumberKind NumberOf(std::string_view text, char decimal, double& value) {
+NumberKind NumberOf(std::string_view text, char decimal, double& value, int* decimals) {
     text = Trimmed(text);
     if (text.empty()) return NumberKind::None;
-    if (PlainDecimal(text, decimal, value)) return NumberKind::Finite;
+    int plain = 0;
+    if (PlainDecimal(text, decimal, value, plain)) {
+        if (decimals != nullptr) *decimals = plain;
+        return NumberKind::Finite;
+    }
+    if (decimals != nullptr) *decimals = DecimalsOf(text, decimal);
     const bool signedBefore = text.front() == '+';
     if (signedBefore) text.remove_prefix(1);
     if (text.empty() || ((text.front() == '+' || text.front() == '-') && signedBefore))
@@ -166,7 +172,7 @@ void FieldsOf(std::string_view row, char delimiter, std::size_t most, std::vecto
         if (aligned) {
             while (end < row.size() && !parts(end)) ++end;
         } else {
-            while (end < row.size() && (blanks ? !IsBlank(row[end]) : row[end] != delimiter)) ++end;
+            end = std::min(blanks ? row.find_first_of(" \t", at) : row.find(delimiter, at), row.size());
         }
         fields.push_back(row.substr(at, end - at));
         if (end == row.size()) return;
@@ -232,11 +238,12 @@ bool RowCarrier::Carry(std::string_view row) {
         if (Form.Columns[i] != PointColumn::None) field[index(Form.Columns[i])] = fields_[i];
     const std::size_t axes = Form.HasZ ? 3 : 2;
     // Three fields from this one on, where all are numbers.
+    std::array<int, 4> decimals{};  // of those that were read last
     const auto numbers = [&](PointColumn first, std::size_t count, double* values) {
         NumberKind kind = NumberKind::Finite;
         for (std::size_t i = 0; i < count; ++i) {
             const std::string_view text = field[index(first) + i];
-            const NumberKind one = NumberOf(text, Form.Decimal, values[i]);
+            const NumberKind one = NumberOf(text, Form.Decimal, values[i], &decimals[i]);
             if (one == NumberKind::None) return one;
             if (one == NumberKind::OutOfRange)
                 task_.In.FailAtLine("\"" + Printable(text) + "\" is beyond what a number can hold");
@@ -247,6 +254,7 @@ bool RowCarrier::Carry(std::string_view row) {
     CloudPoint point;
     const NumberKind kind = numbers(PointColumn::X, axes, point.At.data());
     if (kind == NumberKind::None) return false;
+    const std::array<int, 4> decimalsOfPoint = decimals;
     const NumberKind other =
         task_.Wish.Pairs ? numbers(PointColumn::OtherX, axes, point.Other.data()) : NumberKind::Finite;
     if (other == NumberKind::None) return false;
@@ -269,14 +277,14 @@ bool RowCarrier::Carry(std::string_view row) {
     }
     changes_.clear();
     text_.clear();
-    const auto put = [&](std::string_view old, double value, int decimals) {
+    const auto put = [&](std::string_view old, double value, int places) {
         const std::string_view shown = Trimmed(old);
         const std::size_t begin = text_.size();
         // Where commas stand between the fields and in the numbers, quotes hold these together.
         const bool quotes =
             Form.Decimal == Form.Delimiter && (old.data() == row.data() || old.data()[-1] != '"');
         if (quotes) text_ += '"';
-        AppendFixed(value, decimals, Form.Decimal, text_);
+        AppendFixed(value, places, Form.Decimal, text_);
         if (quotes) text_ += '"';
         changes_.push_back(
             {static_cast<std::size_t>(shown.data() - row.data()), shown.size(), begin, text_.size()});
@@ -286,17 +294,14 @@ bool RowCarrier::Carry(std::string_view row) {
         const std::string_view old = field[index(PointColumn::X) + i];
         if (!std::isfinite(at[i]))
             task_.In.FailAtLine("the transformed point is larger than any number can be");
-        put(old, at[i], task_.Wish.Digits.value_or(std::max(decimals_, DecimalsOf(old, Form.Decimal))));
+        put(old, at[i], task_.Wish.Digits.value_or(std::max(decimals_, decimalsOfPoint[i])));
     }
-    const auto decimalsOf = [&](std::string_view old, int least) {
-        return std::max(least, DecimalsOf(old, Form.Decimal));
-    };
     std::array<double, 3> normal{};
     if (numbers(PointColumn::NormalX, 3, normal.data()) == NumberKind::Finite) {
         const std::array<double, 3> turned = task_.Motion->Rotate(normal);
         for (std::size_t i = 0; i < 3; ++i) {
             const std::string_view old = field[index(PointColumn::NormalX) + i];
-            put(old, turned[i], decimalsOf(old, kLeastOfNormals));
+            put(old, turned[i], std::max(kLeastOfNormals, decimals[i]));
         }
     }
     std::array<double, 4> turn{};  // x, y, z, w
@@ -306,19 +311,26 @@ bool RowCarrier::Carry(std::string_view row) {
             QuaternionProduct(task_.Motion->Quaternion, {turn[3], turn[0], turn[1], turn[2]});
         for (std::size_t i = 0; i < 4; ++i) {
             const std::string_view old = field[index(PointColumn::TurnX) + i];
-            put(old, q[(i + 1) % 4], decimalsOf(old, kLeastOfTurns));
+            put(old, q[(i + 1) % 4], std::max(kLeastOfTurns, decimals[i]));
         }
     }
-    std::sort(changes_.begin(), changes_.end(),
-              [](const Change& a, const Change& b) { return a.From < b.From; });
+    PutChanged(row);
+    return true;
+}
+
+void RowCarrier::PutChanged(std::string_view row) {
+    const auto isBefore = [](const Change& a, const Change& b) { return a.From < b.From; };
+    if (!std::is_sorted(changes_.begin(), changes_.end(), isBefore))
+        std::sort(changes_.begin(), changes_.end(), isBefore);
+    changed_.clear();
     std::size_t done = 0;
     for (const Change& change : changes_) {
-        task_.Out.Put(row.substr(done, change.From - done));
-        task_.Out.Put(std::string_view(text_).substr(change.Begin, change.End - change.Begin));
+        changed_.append(row, done, change.From - done);
+        changed_.append(text_, change.Begin, change.End - change.Begin);
         done = change.From + change.Length;
     }
-    task_.Out.Put(row.substr(done));
-    return true;
+    changed_.append(row, done);
+    task_.Out.Put(changed_);
 }
 
 }  // namespace corvinade::import

@@ -26,8 +26,9 @@ struct RowForm {
 
 enum class NumberKind : std::uint8_t { None, Finite, NotFinite, OutOfRange };
 
-// The number that a text is, blanks beside it or not; "nan" and "inf" are none that is finite.
-NumberKind NumberOf(std::string_view text, char decimal, double& value);
+// The number that a text is, blanks beside it or not; "nan" and "inf" are none that is finite. `decimals`
+// gets what DecimalsOf tells.
+NumberKind NumberOf(std::string_view text, char decimal, double& value, int* decimals = nullptr);
 
 // Decimals that a number shows: "1.50" has 2, "1.5e-3" 4, "1.5e3" 0.
 int DecimalsOf(std::string_view text, char decimal);
@@ -57,6 +58,7 @@ public:
 private:
     // The sigmas of one system, whose columns begin with `first`; nothing where it has none.
     std::optional<std::array<double, 3>> SigmasOf(PointColumn first) const;
+    void PutChanged(std::string_view row);  // with the changes below in place
     CloudTask& task_;
     int decimals_;
     std::vector<std::string_view> fields_;
@@ -64,7 +66,7 @@ private:
         std::size_t From, Length, Begin, End;  // in the row, and of the text below
     };
     std::vector<Change> changes_;
-    std::string text_;
+    std::string text_, changed_;
 };
 
 }  // namespace corvinade::import

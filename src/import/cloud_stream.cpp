@@ -97,11 +97,9 @@ void CloudInput::FailAtLine(const std::string& why) const {
 
 CloudOutput::CloudOutput(WriteBytes write) : write_(std::move(write)) {}
 
-void CloudOutput::Put(std::string_view bytes) {
-    if (!write_) return;
-    if (buffer_.size() + bytes.size() > kBlock_bytes) Flush();
-    if (bytes.size() > kBlock_bytes / 4) {
-        Flush();
+void CloudOutput::PutPiece(std::string_view bytes) {
+    Flush();
+    if (bytes.size() > kPiece_bytes / 4) {
         write_(bytes);
     } else {
         buffer_ += bytes;

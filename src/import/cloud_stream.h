@@ -59,12 +59,23 @@ class CloudOutput {
 public:
     explicit CloudOutput(WriteBytes write);
     bool Writes() const { return static_cast<bool>(write_); }
-    void Put(std::string_view bytes);
+    void Put(std::string_view bytes) {
+        if (!write_) return;
+        if (bytes.size() <= kPiece_bytes / 4 && buffer_.size() + bytes.size() <= kPiece_bytes) {
+            buffer_ += bytes;
+        } else {
+            PutPiece(bytes);
+        }
+    }
     void Flush();  // once, the last of all
     // All further bytes go through these first.
     void WriteThrough(const std::function<WriteBytes(WriteBytes behind)>& wrap);
 
 private:
+    static constexpr std::size_t kPiece_bytes = std::size_t{1} << 20;
+    void PutPiece(
+        std::string_view bytes);  // what is a piece by itself, or does not go into this one any more
+
     WriteBytes write_;
     std::string buffer_;
 };

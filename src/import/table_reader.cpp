@@ -293,30 +293,37 @@ private:
     // Two points of one name. True unless they end the reading.
     bool LookAtNames() {
         if (!form_.HasName || grows_) return true;
-        // 32 bits each: a job has no more points, and names of one hash are compared.
+        // 32 bits each: a job has no more points, and names of one hash are compared. One part of the hashes
+        // after the other: a list of all would be a ninth of what the points take.
+        const std::size_t parts = points_ < 10'000 ? 1 : 8;
         std::vector<std::pair<std::uint32_t, std::uint32_t>> hashes;
-        hashes.reserve(points_);
-        for (std::size_t p = 1; p <= points_; ++p)
-            hashes.emplace_back(static_cast<std::uint32_t>(std::hash<std::string>()(result_.Points.Name[p])),
-                                static_cast<std::uint32_t>(p));
-        std::sort(hashes.begin(), hashes.end());
+        hashes.reserve(points_ / parts + points_ / parts / 16 + 64);
         std::size_t first = 0, again = 0;
         std::int64_t count = 0;
-        for (std::size_t i = 0; i < hashes.size();) {
-            std::size_t end = i + 1;
-            while (end < hashes.size() && hashes[end].first == hashes[i].first) ++end;
-            for (std::size_t k = i + 1; k < end; ++k)
-                for (std::size_t j = i; j < k; ++j) {
-                    if (result_.Points.Name[hashes[j].second] != result_.Points.Name[hashes[k].second])
-                        continue;
-                    ++count;
-                    if (again == 0 || hashes[k].second < again) {
-                        again = hashes[k].second;
-                        first = hashes[j].second;
+        for (std::size_t part = 0; part < parts; ++part) {
+            hashes.clear();
+            for (std::size_t p = 1; p <= points_; ++p) {
+                const std::size_t hash = std::hash<std::string>()(result_.Points.Name[p]);
+                if (hash % parts == part)
+                    hashes.emplace_back(static_cast<std::uint32_t>(hash), static_cast<std::uint32_t>(p));
+            }
+            std::sort(hashes.begin(), hashes.end());
+            for (std::size_t i = 0; i < hashes.size();) {
+                std::size_t end = i + 1;
+                while (end < hashes.size() && hashes[end].first == hashes[i].first) ++end;
+                for (std::size_t k = i + 1; k < end; ++k)
+                    for (std::size_t j = i; j < k; ++j) {
+                        if (result_.Points.Name[hashes[j].second] != result_.Points.Name[hashes[k].second])
+                            continue;
+                        ++count;
+                        if (again == 0 || hashes[k].second < again) {
+                            again = hashes[k].second;
+                            first = hashes[j].second;
+                        }
+                        break;
                     }
-                    break;
-                }
-            i = end;
+                i = end;
+            }
         }
         if (count == 0) return true;
         const std::string name = "\"" + Printable(result_.Points.Name[again]) + "\"";
