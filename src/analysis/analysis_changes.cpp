@@ -6,9 +6,11 @@
 #include "analysis/form_input_statistic.h"
 #include "analysis/form_main_sheet.h"
 #include "analysis/form_reliability.h"
+#include "core/desktop_defaults.h"
 #include "core/form_main.h"
 #include "core/run.h"
 #include "engine/calculation_window.h"
+#include "engine/result_state.h"
 
 namespace corvinade::analysis {
 
@@ -53,6 +55,13 @@ void ShowInForms(What changed) {
     }
 }
 
+// Commands and window of the exports, once it is known whether the job's own result stands.
+void ShowStoredResult(What) {
+    if (!DesktopDefaults.ResultState) return;
+    Main.MenueFileExport.Enabled = IsTrue(Run.TrafoValid) || StoredResultStands();
+    ShowInExport();
+}
+
 void FollowTable(What) {
     MainSheet_ShowPoint(CalculationWindow_Point());
 }
@@ -64,6 +73,8 @@ constexpr ChangeRow kChanges[] = {
     {kStateOfJob | What::MorePoints | What::Coordinates | What::UnitsAndDigits, Turn::Forms, ShowInForms},
     {kCountChanges | What::OpenedJob | What::Result | What::UnitsAndDigits | What::State, Turn::Statistic,
      ShowInStatistic},
+    {kStateOfJob | What::MorePoints | What::Coordinates | What::Use | What::Choice, Turn::HandedOn,
+     ShowStoredResult},
     {What::PointInTable, Turn::PointInSheet, FollowTable},
 };
 

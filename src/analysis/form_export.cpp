@@ -18,7 +18,7 @@
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
-#include "engine/calculation_window.h"
+#include "engine/result_state.h"
 
 namespace corvinade::analysis {
 
@@ -42,11 +42,6 @@ const ControlEntry kControls[] = {
 };
 
 constexpr std::int32_t kProblemGround = 0x66D1FF;  // amber, as that of warnings
-
-// Within a calculation the parameters are those of a pass.
-bool ResultStands() {
-    return IsTrue(Run.TrafoValid) && !CalculationWindow.Running;
-}
 
 const ExportForm& ChosenForm() {
     return ExportForms()[static_cast<std::size_t>(std::max(w.ListForms.Index, 0))];

@@ -12,16 +12,11 @@
 #include "core/settings.h"
 #include "core/text.h"
 #include "core/window.h"
-#include "engine/calculation_window.h"
+#include "engine/result_state.h"
 
 namespace corvinade::analysis {
 
 namespace {
-
-// Within a calculation the parameters are those of a pass.
-bool ResultStands() {
-    return IsTrue(Run.TrafoValid) && !CalculationWindow.Running;
-}
 
 // A name from a dialog for saving; nothing where there is none.
 std::optional<std::string> ExportName(const FileQuestion& question) {
@@ -66,7 +61,7 @@ void MenueFileExportRobCad_Click() {
     Settings.ToolName = tool.value_or("");
     SettingsSchreiben({"Place", "ToolName"});
     // The dialogs have let events be handled.
-    if (!IsTrue(Run.TrafoValid) || !consent.Given()) return;
+    if (!ResultStands() || !consent.Given()) return;
     WriteFile(*path, RobCadText(place.value_or(""), tool.value_or(""), robot.value_or("")));
     StartFile("Open", *path);
 }
@@ -83,7 +78,7 @@ void MenueFileExportROCAL_Click() {
                                   unnamed ? "" : WithExtension(Run.JobFilePath, ".bas")});
     if (!path) return;
     StoreFolder(Settings.LastRocalRoot, "LastRocalRoot", *path);
-    if (!IsTrue(Run.TrafoValid) || !consent.Given()) return;
+    if (!ResultStands() || !consent.Given()) return;
     WriteFile(*path, RocalText());
 }
 

@@ -70,6 +70,7 @@ enum class Turn : std::uint8_t {
     Reliability,
     OpenedResult,
     ResultAge,
+    HandedOn,
     Report,
     Statistic,
 };

@@ -128,15 +128,6 @@ void IterateFromHere(int u, int n, const ParameterTexts& ParamText, Matrix& Q, C
     if (!Adjustment.JobChanged) TellOfLimit();
 }
 
-void SettleHere(int u, int n, const ParameterTexts& ParamText, Matrix& Q, Column& v, Column& P,
-                GatheredPoints& points) {
-    const FitModel model = BeginRun(u, n, ParamText, points);
-    FitRun run = BeginFitOfJob();
-    Lent lent(Q, v);
-    SettleHere(run, model, points, P, lent.Result);
-    TakeFit(run);
-}
-
 void IterateFromHere(int u, int n, const ParameterTexts& ParamText, Matrix& Q, GatheredPoints& points,
                      FitOnMoments& fit) {
     const FitModel model = BeginRun(u, n, ParamText, points);

@@ -70,10 +70,6 @@ void TellOfLimit();  // the message, where the last run has reached the limit
 // A fresh record of a run of this model, for a caller whose fit begins elsewhere.
 void BeginAdjustment(const FitModel& model);
 
-// Takes the parameters that stand in the job as the result: `v` and Q are those of a linearisation there.
-void SettleHere(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q, Column& v, Column& P,
-                GatheredPoints& points);
-
 // The same fit of points and their moments, without residuals. For models that MomentsServe.
 void IterateFromHere(int u, int n, const std::array<std::string, 18>& ParamText, Matrix& Q,
                      GatheredPoints& points, FitOnMoments& fit);

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <tuple>
 #include <utility>
 
 #include "core/controller.h"
@@ -143,24 +142,22 @@ KnownOfResult TakeStoredResult() {
     GatheredPoints points;
     if (used < u || !GatherForFit(P, points)) return KnownOfResult::Deviations;
 
-    // The linearisation leaves its traces in the job and in the run; the job is to stay as it was opened.
-    const Parameters before = ParametersOf(Job);
-    const std::array<double, 3> copies = {Job.RotXCopy, Job.RotYCopy, Job.RotZCopy};
-    Matrix Q;
-    Column v;
-    SettleHere(u, n, Job.ParamText, Q, v, P, points);
-    const FitModel model = Adjustment.Model;
-    PutParameters(before, Job);
-    std::tie(Job.RotXCopy, Job.RotYCopy, Job.RotZCopy) = std::tie(copies[0], copies[1], copies[2]);
-    if (Adjustment.JobChanged || !GivesTheStoredPoints(v)) return KnownOfResult::Deviations;
+    const FitModel model = ChooseModel(Job.ParamText);
+    FitRun run = BeginFitOfJob();
+    IterationResult here;
+    SettleHere(run, model, points, P, here);
+    BeginAdjustment(model);
+    Adjustment.Iterations = run.State.Iterations;
+    Adjustment.Converged = run.State.Converged;
+    if (!GivesTheStoredPoints(here.v)) return KnownOfResult::Deviations;
     Calculation = CalculationRecord{};
     Calculation.Done = true;
     Calculation.JobGeneration = Run.JobGeneration;
     Calculation.Converged = !IsTrue(Job.Unconverged);
     Calculation.nFloat = u;
     Calculation.nObs = n;
-    Calculation.Q = std::move(Q);
-    Calculation.v = std::move(v);
+    Calculation.Q = std::move(here.Q);
+    Calculation.v = std::move(here.v);
     Calculation.P = std::move(P);
     std::copy(Job.LeftOpen.begin(), Job.LeftOpen.end(), Calculation.HeldByFit.begin());
     std::copy(model.UnknownOf.begin(), model.UnknownOf.end(), Calculation.UnknownOf.begin());
@@ -206,6 +203,15 @@ void CheckResultState() {
     else if (ShownResult.State == ResultState::Outdated && SourceNow() == ShownResult.From)
         ShownResult.State = ShownResult.OfFile ? ResultState::Stored : ResultState::Fresh;
     ShowState();
+}
+
+bool StoredResultStands() {
+    return DesktopDefaults.ResultState && IsTrue(Run.JobDataValid) &&
+           ShownResult.State == ResultState::Stored && ShownResult.From.JobGeneration == Run.JobGeneration;
+}
+
+bool ResultStands() {
+    return !CalculationWindow.Running && (IsTrue(Run.TrafoValid) || StoredResultStands());
 }
 
 void ResultInOtherUnits() {

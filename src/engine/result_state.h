@@ -46,6 +46,12 @@ void ShowKnownResult();
 // Says anew how fields and job stand to each other, and dims fields that are out of date.
 void CheckResultState();
 
+// Whether there is a result to hand on: that of a calculation, or the one that the job was opened with and
+// that the calculation window shows as stored. Within a calculation there is none; its parameters are those
+// of a pass.
+bool ResultStands();
+bool StoredResultStands();
+
 // Texts of held fields are written in other units; what they stand for is the same.
 void ResultInOtherUnits();
 

@@ -8,11 +8,14 @@
 #include "analysis/export_forms.h"
 #include "cli/headless.h"
 #include "core/controller.h"
+#include "core/desktop_defaults.h"
 #include "core/form_main.h"
 #include "core/job.h"
+#include "core/job_file.h"
 #include "core/notes.h"
 #include "core/numbers.h"
 #include "core/run.h"
+#include "engine/calculation_job.h"
 #include "support/fixture.h"
 
 using namespace corvinade;
@@ -123,6 +126,49 @@ TEST_F(ExportWindowTest, WithoutAResultItDoesNotOpen) {
     UserClick(Main.MenueFileExportResult);
     EXPECT_FALSE(IsLoaded("FormExport"));
     EXPECT_EQ(LastMessage(), "You must make a calculation to export its result");
+}
+
+namespace {
+
+class ExportOfAStoredResult : public CalculationJob {};
+
+}  // namespace
+
+TEST_F(ExportOfAStoredResult, GoesOutAsItDidWhenItWasCalculatedUntilSomethingElseIsWanted) {
+    for (const DesktopDefault& row : AllDesktopDefaults()) DesktopDefaults.*row.Place = true;
+    AddPairs(8);
+    ShowWindow("FormTrafoBerechnung");
+    Calculate();
+    SaveFileAs(PathOf("cell.cvn"));
+    UserClick(Main.MenueFileExportResult);
+    const std::string calculated = ExportWindow.TextPreview.Text;
+    ASSERT_NE(calculated, "");
+    UserClick(ExportWindow.BtnClose);
+
+    RunHandler([this] { OpenFile(PathOf("cell.cvn")); });
+    ASSERT_EQ(TrafoWindow.LabelResultState.Text, "stored");
+    ASSERT_EQ(::Run.TrafoValid, kFalse);
+    EXPECT_TRUE(Main.MenueFileExport.Enabled);
+    UserClick(Main.MenueFileExportResult);
+    ASSERT_TRUE(IsLoaded("FormExport"));
+    EXPECT_EQ(ExportWindow.TextPreview.Text, calculated);
+
+    UserSetValue(TrafoWindow.OptionL1, 1);
+    ASSERT_EQ(TrafoWindow.LabelResultState.Text, "out of date");
+    EXPECT_FALSE(Main.MenueFileExport.Enabled);
+    EXPECT_EQ(ExportWindow.TextPreview.Text, "");
+    EXPECT_FALSE(ExportWindow.BtnCopy.Enabled);
+    UserSetValue(TrafoWindow.OptionL2, 1);
+    EXPECT_EQ(ExportWindow.TextPreview.Text, calculated);
+}
+
+TEST_F(ExportOfAStoredResult, IsNothingThatScriptsKnow) {
+    AddPairs(8);
+    ShowWindow("FormTrafoBerechnung");
+    Calculate();
+    SaveFileAs(PathOf("cell.cvn"));
+    RunHandler([this] { OpenFile(PathOf("cell.cvn")); });
+    EXPECT_FALSE(Main.MenueFileExport.Enabled);
 }
 
 TEST_F(ExportWindowTest, FollowsTheResult) {
