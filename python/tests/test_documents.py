@@ -1,7 +1,10 @@
 """What the documents show runs as it stands there."""
 
+import json
+import os
 import pathlib
 import re
+import subprocess
 
 import numpy as np
 
@@ -17,3 +20,23 @@ def test_the_lines_of_the_page_run(tmp_path, monkeypatch, capsys):
     assert np.allclose(names["result"].matrix[:3, :3], turn, rtol=0, atol=1e-4)
     assert np.allclose(names["result"].translation, [100, 200, 50], rtol=0, atol=0.05)
     assert (tmp_path / "cell.json").exists() and capsys.readouterr().out
+
+
+def test_the_fit_of_the_readme_is_the_same_as_command_python_and_cpp(monkeypatch, capsys):
+    top = pathlib.Path(__file__).parents[2]
+    page = (top / "README.md").read_text(encoding="utf-8")
+    command = re.search(r"```\n\./run (fit examples/robot_cell_measured.*?)\n```", page).group(1)
+    python = re.search(r"```python\n(.*?)```", page, re.DOTALL).group(1)
+    cpp = re.search(r"```cpp\n(.*?)```", page, re.DOTALL).group(1)
+    monkeypatch.chdir(top)
+    names = {}
+    exec(compile(python, "README.md", "exec"), names)
+    shown = re.search(r"# (\[.*\])", python).group(1)
+    assert capsys.readouterr().out.strip() == shown
+    told = subprocess.run([os.environ["CORVINADE_CLI"], *command.split(), "--json"], check=True, capture_output=True)
+    values = {row["name"]: row["value"] for row in json.loads(told.stdout)["parameters"]}
+    translation = [values[name] for name in ("trax", "tray", "traz")]
+    # The command sorts the pairs by name, and frames keep their order: the sums end by some rounding apart.
+    assert np.allclose(names["result"].translation, translation, rtol=0, atol=1e-9)
+    # The excerpt stands in the program, which the tests of the library build and run.
+    assert cpp in (top / "examples" / "library" / "robot_cell.cpp").read_text(encoding="utf-8")
