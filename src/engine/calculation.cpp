@@ -147,7 +147,10 @@ void FillRVectors(bool wanted) {
 // for them: its parameters come back too.
 class MarkedWhileRunning {
 public:
-    MarkedWhileRunning() { Job.Unconverged = kTrue; }
+    MarkedWhileRunning() {
+        Job.Unconverged = kTrue;
+        Adjustment.LeftMoving = false;
+    }
     ~MarkedWhileRunning() {
         if (Ended || MonteCarlo.Started != started_) return;
         const bool same = Run.JobGeneration == generation_;
