@@ -32,6 +32,7 @@ bool CloudInput::More() {
     if (end_ == buffer_.size()) buffer_.resize(buffer_.size() * 2);
     const std::size_t count = read_(buffer_.data() + end_, buffer_.size() - end_);
     ended_ = count == 0;
+    returns_ = returns_ || std::memchr(buffer_.data() + end_, '\r', count) != nullptr;
     end_ += count;
     return !ended_;
 }

@@ -38,6 +38,7 @@ public:
     bool NextLine(std::string_view& line);
     std::int64_t Line = 0;  // the number of the last line given, from 1
     bool LoneReturns = false;
+    bool HasReturns() const { return returns_; }  // a CR stands in what has been read so far
 
     // Takes all further bytes from these, which see the old ones through `read`.
     void ReadThrough(const std::function<ReadBytes(ReadBytes before)>& wrap);
@@ -51,7 +52,7 @@ private:
     ReadBytes read_;
     std::vector<char> buffer_;
     std::size_t begin_ = 0, end_ = 0;
-    bool ended_ = false;
+    bool ended_ = false, returns_ = false;
 };
 
 // Hands on in pieces of about a megabyte. Without `write` everything is dropped: a cloud that is only read.

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/platform.h"
@@ -184,7 +185,8 @@ void CarryRows(CloudTask& task, const FoundForm& found, int decimals, bool isWho
         } else if (!in.NextLine(lines)) {
             break;
         }
-        const std::string_view whole = CutFirstLine(lines, in.LoneReturns);
+        const std::string_view whole =
+            in.HasReturns() ? CutFirstLine(lines, in.LoneReturns) : std::exchange(lines, {});
         const std::string_view row = WithoutLineEnd(whole, lineEnd);
         // What stands in front of the first point is of its form, where it is only read.
         const bool isOfForm = task.Motion == nullptr && task.Facts.Points == 0 && IsCommentLine(row);
