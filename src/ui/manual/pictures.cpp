@@ -51,6 +51,7 @@ namespace corvinade::ui {
 
 namespace {
 
+QString Folder = QStringLiteral("docs/manual/pictures");
 constexpr auto kJob = "examples/robot_cell.cvn";
 constexpr auto kStart = "examples/robot_cell_measured.txt";
 constexpr auto kTarget = "examples/robot_cell_nominal.txt";
@@ -90,15 +91,13 @@ int Distance(QRgb one, QRgb other) {
            std::abs(qBlue(one) - qBlue(other));
 }
 
-// A window has few colours, and most of those are the edges of letters. 256 are enough that no difference is
-// seen, and the file has a third of the size. Small things count as well, so every part of the colour space
-// is served first, and what room is left goes to the most frequent ones.
+// A window has few colours, and most are edges of letters: 256 are enough, at a third of the size. Every part
+// of the colour space is served first, for small things count too, then the most frequent ones.
 QImage WithPalette(const QImage& image) {
     std::map<QRgb, int> counts;
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x) ++counts[image.pixel(x, y)];
     std::vector<QRgb> byCount;
-    byCount.reserve(counts.size());
     for (const auto& [colour, count] : counts) byCount.push_back(colour);
     std::stable_sort(byCount.begin(), byCount.end(),
                      [&](QRgb one, QRgb other) { return counts[one] > counts[other]; });
@@ -113,7 +112,7 @@ QImage WithPalette(const QImage& image) {
 }
 
 void Save(QWidget& widget, const QString& name) {
-    const QString path = QDir(QStringLiteral("docs/manual/pictures")).filePath(name + QStringLiteral(".png"));
+    const QString path = QDir(Folder).filePath(name + QStringLiteral(".png"));
     const QImage image = WithPalette(widget.grab().toImage().convertToFormat(QImage::Format_RGB32));
     if (!image.save(path, "PNG", 0)) Fail(QStringLiteral("%1 cannot be written").arg(path));
     std::printf("%s %dx%d\n", qPrintable(path), image.width(), image.height());
@@ -444,10 +443,11 @@ void SlabPictures() {
 // it.
 void BeginOnLargeScreen(const QTemporaryDir& folder) {
     QFile screen(folder.filePath(QStringLiteral("screen.json")));
-    const bool written =
-        screen.open(QIODevice::WriteOnly) &&
-        screen.write(R"({"screens": [{"name": "large", "x": 0, "y": 0, "width": 1600, "height": 1000,
-                                     "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})") > 0;
+    const int scale = std::max(1, qEnvironmentVariableIntValue("QT_SCALE_FACTOR"));
+    const QString text = QStringLiteral(R"({"screens": [{"name": "large", "x": 0, "y": 0, "width": %1,
+        "height": %2, "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})");
+    const bool written = screen.open(QIODevice::WriteOnly) &&
+                         screen.write(text.arg(1600 * scale).arg(1000 * scale).toUtf8()) > 0;
     if (!written) Fail(QStringLiteral("no place for the description of a screen"));
     qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + screen.fileName().toUtf8());
 }
@@ -458,19 +458,20 @@ void BeginOnLargeScreen(const QTemporaryDir& folder) {
 
 using namespace corvinade;
 
-// corvinade-pictures: run in the folder of the project.
+// corvinade-pictures [FOLDER [dark]]: run in the folder of the project.
 int main(int argc, char** argv) {
+    const bool dark = argc > 2 && std::string_view(argv[2]) == "dark";
+    if (argc > 1) Folder = QString::fromLocal8Bit(argv[1]);
     const QTemporaryDir settings;
     BeginOnLargeScreen(settings);
-    qputenv("CORVINADE_THEME", "light");
+    qputenv("CORVINADE_THEME", dark ? "dark" : "light");
     qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
     qunsetenv("appdata");
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
-    ApplyTheme(Theme::Light);
-    if (!QDir().mkpath(QStringLiteral("docs/manual/pictures")))
-        Fail(QStringLiteral("no folder for pictures"));
+    ApplyTheme(dark ? Theme::Dark : Theme::Light);
+    if (!QDir().mkpath(Folder)) Fail(QStringLiteral("no folder for pictures"));
     QTimer questions;
     WatchForQuestions(questions);
 
