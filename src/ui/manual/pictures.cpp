@@ -98,7 +98,7 @@ QImage WithPalette(const QImage& image) {
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x) ++counts[image.pixel(x, y)];
     std::vector<QRgb> byCount;
-    for (const auto& [colour, count] : counts) byCount.push_back(colour);
+    for (const auto& entry : counts) byCount.insert(byCount.end(), entry.first);
     std::stable_sort(byCount.begin(), byCount.end(),
                      [&](QRgb one, QRgb other) { return counts[one] > counts[other]; });
     QList<QRgb> colours;
