@@ -273,7 +273,13 @@ struct ImportGuard {
         }
         CountAllPoints();
         Run.StopRequested = kFalse;  // a stop ends this import, not the calculation after it
-        if (Whole || std::uncaught_exceptions() == exceptions_) return;
+        if (Whole) return;
+        // Where other points stand by now, the result of before is none of them.
+        if ((before_.Start || before_.Target) && !before_.Overtaken && IsTrue(Run.TrafoValid)) {
+            Run.TrafoValid = Run.CalcDone = kFalse;
+            Changed(What::State);
+        }
+        if (std::uncaught_exceptions() == exceptions_) return;
         Run.JobDataValid = Run.TrafoValid = kFalse;
         Changed(What::State);
     }

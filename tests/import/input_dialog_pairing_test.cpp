@@ -444,3 +444,17 @@ TEST_F(InputDialog, ARoundTripThatFailsWithinACalculationLeavesTheResultOfBefore
     EXPECT_TRUE(ParametersOf(Job) == before) << "the points that are shown are the image by these";
     EXPECT_EQ(Job.Transformed.Z[1], z);
 }
+
+TEST_F(InputDialog, ARoundTripWhoseNamesAreDoubleLeavesNoResultBesideItsPoints) {
+    Import();
+    ShowWindow("FormTrafoBerechnung");
+    UserClick(TrafoWindow.BtnCalculate);
+    ASSERT_EQ(Run.TrafoValid, kTrue);
+    Headless.Clipboard =
+        "A\t0\t0\t0\tA\t5\t6\t7\r\nB\t100\t0\t0\tA\t105\t6\t7\r\nC\t0\t200\t0\tC\t5\t206\t7\r\n";
+    UserClick(Main.MenueHelpSpezial);
+    ASSERT_NE(LastMessage().find("double Pointnumber"), std::string::npos) << LastMessage();
+    EXPECT_EQ(Run.TrafoValid, kFalse);
+    EXPECT_FALSE(Main.MenueFileExport.Enabled);
+    EXPECT_TRUE(JobIsWhole(Job));
+}
