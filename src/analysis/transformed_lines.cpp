@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "core/arrays.h"
+#include "core/digit_pairs.h"
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/platform.h"
@@ -21,16 +22,6 @@ namespace {
 
 constexpr std::array<double, 16> kPowersOfTen = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                                  1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-
-// "00" to "99".
-constexpr std::array<char, 200> kPairs = [] {
-    std::array<char, 200> pairs{};
-    for (std::size_t i = 0; i < 100; ++i) {
-        pairs[2 * i] = static_cast<char>('0' + i / 10);
-        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
-    }
-    return pairs;
-}();
 
 struct Lines {
     const LineForm& Form;
@@ -222,7 +213,7 @@ inline bool ShortNumber(const char*& at, char decimal, char delimiter, double& v
 }
 
 inline char* PutPair(char* at, Word pair) {
-    std::memcpy(at, &kPairs[2 * pair], 2);
+    std::memcpy(at, &kDigitPairs[2 * pair], 2);
     return at + 2;
 }
 

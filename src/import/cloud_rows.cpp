@@ -8,6 +8,7 @@
 #include <cstring>
 #include <system_error>
 
+#include "core/digit_pairs.h"
 #include "core/text.h"
 
 namespace corvinade::import {
@@ -16,14 +17,6 @@ namespace {
 
 constexpr std::array<double, 18> kPowersOfTen = {1e0, 1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,
                                                  1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17};
-constexpr std::array<char, 200> kPairsOfDigits = [] {
-    std::array<char, 200> digits{};
-    for (std::size_t i = 0; i < 100; ++i) {
-        digits[2 * i] = static_cast<char>('0' + i / 10);
-        digits[2 * i + 1] = static_cast<char>('0' + i % 10);
-    }
-    return digits;
-}();
 constexpr int kMostDecimals = 17;  // a file's own: no double has more
 constexpr int kLeastOfNormals = 6, kLeastOfTurns = 9;
 
@@ -122,7 +115,7 @@ void AppendFixed(double value, int decimals, char decimal, std::string& text) {
             const std::uint64_t pair = number % 100;
             number /= 100;
             at -= 2;
-            std::memcpy(at, kPairsOfDigits.data() + 2 * pair, 2);
+            std::memcpy(at, kDigitPairs.data() + 2 * pair, 2);
         };
         int left = decimals;
         for (; left > 1; left -= 2) putPair();
