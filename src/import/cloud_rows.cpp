@@ -8,7 +8,7 @@
 #include <cstring>
 #include <system_error>
 
-#include "core/digit_pairs.h"
+#include "core/short_numbers.h"
 #include "core/text.h"
 
 namespace corvinade::import {
@@ -54,6 +54,50 @@ bool PlainDecimal(std::string_view text, char decimal, double& value, int& decim
     value = negative ? -size : size;
     decimals = static_cast<int>(places);
     return true;
+}
+
+constexpr int kShortPlaces = 7;  // decimals that words::PutShort puts are fewer
+
+inline char* PutShort(char* at, double value, int places, char decimal) {
+    using Put = char* (*)(char*, double, char);
+    constexpr std::array<Put, kShortPlaces> kPut = {
+        words::PutShort<0>, words::PutShort<1>, words::PutShort<2>, words::PutShort<3>,
+        words::PutShort<4>, words::PutShort<5>, words::PutShort<6>};
+    return kPut[static_cast<std::size_t>(places)](at, value, decimal);
+}
+
+// How many fields stand in front of x, y and z, where these stand side by side and are all that changes;
+// less than 0 otherwise.
+int FieldsBefore(const CloudTask& task, const RowForm& form) {
+    if (!words::kServes || task.Motion == nullptr || task.Wish.Pairs || !form.HasZ ||
+        form.Delimiter == kAlignedFields || form.Delimiter == form.Decimal)
+        return -1;
+    const auto changes = [](PointColumn column) {
+        return column != PointColumn::None && column != PointColumn::Name;
+    };
+    const auto x = std::find_if(form.Columns.begin(), form.Columns.end(), changes);
+    constexpr std::array<PointColumn, 3> kAxes = {PointColumn::X, PointColumn::Y, PointColumn::Z};
+    if (form.Columns.end() - x < 3 || !std::equal(kAxes.begin(), kAxes.end(), x) ||
+        std::any_of(x + 3, form.Columns.end(), changes))
+        return -1;
+    return static_cast<int>(x - form.Columns.begin());
+}
+
+// NumberOf for a field of a row, behind which words::kReadAhead characters are readable.
+static_assert(words::kReadAhead <= kReadAhead_bytes);
+inline NumberKind NumberInRow(std::string_view text, char decimal, double& value, int& decimals) {
+    if (words::kServes && !text.empty()) {
+        const char* at = text.data();
+        const char* const end = at + text.size();
+        while (at < end && IsBlank(*at)) ++at;
+        std::size_t places = 0;
+        if (at < end && words::ShortNumber(at, {decimal, decimal}, '\0', value, places) && at <= end) {
+            while (at < end && IsBlank(*at)) ++at;
+            decimals = static_cast<int>(places);
+            if (at == end) return NumberKind::Finite;
+        }
+    }
+    return NumberOf(text, decimal, value, &decimals);
 }
 
 }  // namespace
@@ -102,6 +146,14 @@ int DecimalsOf(std::string_view text, char decimal) {
 }
 
 void AppendFixed(double value, int decimals, char decimal, std::string& text) {
+    if (words::kServes && decimals < kShortPlaces) {
+        std::array<char, 32> shown;  // NOLINT: what is not written is not read
+        const char* const end = PutShort(shown.data(), value, decimals, decimal);
+        if (end != nullptr) {
+            text.append(shown.data(), static_cast<std::size_t>(end - shown.data()));
+            return;
+        }
+    }
     char buffer[400];
     const double scaled = std::fabs(value) * kPowersOfTen[static_cast<std::size_t>(decimals)];
     // The product is off by at most half its last place, so it rounds as the value does unless it lies that
@@ -115,7 +167,7 @@ void AppendFixed(double value, int decimals, char decimal, std::string& text) {
             const std::uint64_t pair = number % 100;
             number /= 100;
             at -= 2;
-            std::memcpy(at, kDigitPairs.data() + 2 * pair, 2);
+            std::memcpy(at, words::kDigitPairs.data() + 2 * pair, 2);
         };
         int left = decimals;
         for (; left > 1; left -= 2) putPair();
@@ -183,7 +235,12 @@ void FieldsOf(std::string_view row, char delimiter, std::size_t most, std::vecto
 }
 
 RowCarrier::RowCarrier(CloudTask& task, RowForm form, int decimals)
-    : Form(std::move(form)), task_(task), decimals_(decimals) {}
+    : form_(std::move(form)), task_(task), decimals_(decimals), fieldsBefore_(FieldsBefore(task, form_)) {}
+
+void RowCarrier::TakeColumns(std::vector<PointColumn> columns) {
+    form_.Columns = std::move(columns);
+    fieldsBefore_ = FieldsBefore(task_, form_);
+}
 
 void RowCarrier::LookAhead(std::string_view rows, bool isWhole) {
     constexpr int kMostRows = 10000, kMostOfFile = 12;
@@ -191,14 +248,14 @@ void RowCarrier::LookAhead(std::string_view rows, bool isWhole) {
     isWhole = isWhole || rows.ends_with('\n') || rows.ends_with('\r');
     for (int i = 0; i < kMostRows && CutLine(rows, row); ++i) {
         if (rows.empty() && !isWhole) break;  // the last one may go on behind the view
-        FieldsOf(row, Form.Delimiter, Form.Columns.size(), fields_);
+        FieldsOf(row, form_.Delimiter, form_.Columns.size(), fields_);
         for (std::size_t k = 0; k < fields_.size(); ++k) {
             double value = 0;
-            const bool wanted = Form.Columns[k] >= PointColumn::X && Form.Columns[k] <= PointColumn::Z;
+            const bool wanted = form_.Columns[k] >= PointColumn::X && form_.Columns[k] <= PointColumn::Z;
             if (!wanted || fields_[k].find_first_of("eE") != std::string_view::npos ||
-                NumberOf(fields_[k], Form.Decimal, value) != NumberKind::Finite)
+                NumberOf(fields_[k], form_.Decimal, value) != NumberKind::Finite)
                 continue;
-            decimals_ = std::max(decimals_, std::min(kMostOfFile, DecimalsOf(fields_[k], Form.Decimal)));
+            decimals_ = std::max(decimals_, std::min(kMostOfFile, DecimalsOf(fields_[k], form_.Decimal)));
         }
     }
 }
@@ -208,13 +265,13 @@ std::optional<std::array<double, 3>> RowCarrier::SigmasOf(PointColumn first) con
     std::array<double, 4> values{};
     std::array<bool, 4> stands{};
     const auto from = static_cast<std::size_t>(first);
-    for (std::size_t i = 0; i < Form.Columns.size(); ++i) {
-        const auto column = static_cast<std::size_t>(Form.Columns[i]);
+    for (std::size_t i = 0; i < form_.Columns.size(); ++i) {
+        const auto column = static_cast<std::size_t>(form_.Columns[i]);
         if (column < from || column > from + kForAll) continue;
         stands[column - from] = true;
         const std::string_view text = i < fields_.size() ? fields_[i] : std::string_view();
         double& value = values[column - from];
-        if (NumberOf(text, Form.Decimal, value) != NumberKind::Finite || value < 0)
+        if (NumberOf(text, form_.Decimal, value) != NumberKind::Finite || value < 0)
             task_.In.FailAtLine("column " + std::to_string(i + 1) + ", \"" + Printable(text) +
                                 "\", is no standard deviation of 0 or more");
     }
@@ -231,21 +288,75 @@ std::optional<std::array<double, 3>> RowCarrier::SigmasOf(PointColumn first) con
     return sigmas;
 }
 
+bool RowCarrier::CarryShort(std::string_view row) {
+    constexpr std::size_t kLongest = 512;
+    constexpr std::size_t kThreeNumbers = 128;  // with what is overwritten behind them
+    if (row.size() > kLongest) return false;
+    std::array<char, kLongest + kThreeNumbers> changed;  // NOLINT: what is not written is not read
+    char* to = changed.data();
+    const char* at = row.data();
+    const char* const end = at + row.size();
+    const bool blanks = form_.Delimiter == '\0';
+    const char delimiter = blanks ? ' ' : form_.Delimiter;
+    const words::Word delimiters = words::Each(static_cast<unsigned char>(delimiter));
+    for (int field = 0; field < fieldsBefore_; ++field) {
+        const char* const begin = at;
+        for (;;) {
+            if (at >= end) return false;
+            const words::Word word = words::Load(at);
+            words::Put(to, word);
+            const words::Word marks = words::EqualTo(word, delimiters) |
+                                      words::EqualTo(word, words::Each('"')) |
+                                      words::EqualTo(word, words::Each('\t'));
+            const unsigned count = marks == 0 ? 8 : words::Before(marks);
+            at += count;
+            to += count;
+            if (marks != 0) break;
+        }
+        if (at >= end || *at != delimiter || (blanks && at == begin)) return false;
+        ++at;
+        ++to;
+    }
+    std::array<double, 3> from{};
+    std::array<std::size_t, 3> places{};
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        if (axis > 0 && *at++ != delimiter) return false;
+        if (!words::ShortNumber(at, {form_.Decimal, form_.Decimal}, delimiter, from[axis], places[axis]))
+            return false;
+    }
+    if (at > end || (at < end && *at != delimiter)) return false;
+    const std::array<double, 3> carried = task_.Motion->Carry(from);
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        const int shown = task_.Wish.Digits.value_or(std::max(decimals_, static_cast<int>(places[axis])));
+        if (shown >= kShortPlaces) return false;
+        if (axis > 0) *to++ = delimiter;
+        to = PutShort(to, carried[axis], shown, form_.Decimal);
+        if (to == nullptr) return false;
+    }
+    const auto rest = static_cast<std::size_t>(end - at);
+    std::memcpy(to, at, rest);
+    to += rest;
+    task_.Out.Put({changed.data(), static_cast<std::size_t>(to - changed.data())});
+    ++task_.Facts.Points;
+    return true;
+}
+
 bool RowCarrier::Carry(std::string_view row) {
+    if (fieldsBefore_ >= 0 && CarryShort(row)) return true;
     constexpr auto kFields = static_cast<std::size_t>(PointColumn::Count_);
     const auto index = [](PointColumn column) { return static_cast<std::size_t>(column); };
-    FieldsOf(row, Form.Delimiter, Form.Columns.size(), fields_);
+    FieldsOf(row, form_.Delimiter, form_.Columns.size(), fields_);
     std::array<std::string_view, kFields> field{};
     for (std::size_t i = 0; i < fields_.size(); ++i)
-        if (Form.Columns[i] != PointColumn::None) field[index(Form.Columns[i])] = fields_[i];
-    const std::size_t axes = Form.HasZ ? 3 : 2;
+        if (form_.Columns[i] != PointColumn::None) field[index(form_.Columns[i])] = fields_[i];
+    const std::size_t axes = form_.HasZ ? 3 : 2;
     // Three fields from this one on, where all are numbers.
     std::array<int, 4> decimals{};  // of those that were read last
     const auto numbers = [&](PointColumn first, std::size_t count, double* values) {
         NumberKind kind = NumberKind::Finite;
         for (std::size_t i = 0; i < count; ++i) {
             const std::string_view text = field[index(first) + i];
-            const NumberKind one = NumberOf(text, Form.Decimal, values[i], &decimals[i]);
+            const NumberKind one = NumberInRow(text, form_.Decimal, values[i], decimals[i]);
             if (one == NumberKind::None) return one;
             if (one == NumberKind::OutOfRange)
                 task_.In.FailAtLine("\"" + Printable(text) + "\" is beyond what a number can hold");
@@ -284,9 +395,9 @@ bool RowCarrier::Carry(std::string_view row) {
         const std::size_t begin = text_.size();
         // Where commas stand between the fields and in the numbers, quotes hold these together.
         const bool quotes =
-            Form.Decimal == Form.Delimiter && (old.data() == row.data() || old.data()[-1] != '"');
+            form_.Decimal == form_.Delimiter && (old.data() == row.data() || old.data()[-1] != '"');
         if (quotes) text_ += '"';
-        AppendFixed(value, places, Form.Decimal, text_);
+        AppendFixed(value, places, form_.Decimal, text_);
         if (quotes) text_ += '"';
         changes_.push_back(
             {static_cast<std::size_t>(shown.data() - row.data()), shown.size(), begin, text_.size()});

@@ -48,19 +48,25 @@ public:
     // `decimals`: what new coordinates have at least.
     RowCarrier(CloudTask& task, RowForm form, int decimals);
 
-    // Takes a row, without its line end: its point is handed on, or its text with the new numbers in place is
-    // put out. False, with nothing done, where it holds no three numbers.
+    // Takes a row of a CloudInput, without its line end: its point is handed on, or its text with the new
+    // numbers in place is put out. False, with nothing done, where it holds no three numbers.
     bool Carry(std::string_view row);
     // Looks how many decimals the rows of what is in view have: later ones shall not have fewer.
     void LookAhead(std::string_view rows, bool isWhole = false);
-    RowForm Form;
+    // The columns of the rows to come, where rows of one file have different ones.
+    void TakeColumns(std::vector<PointColumn> columns);
 
 private:
     // The sigmas of one system, whose columns begin with `first`; nothing where it has none.
     std::optional<std::array<double, 3>> SigmasOf(PointColumn first) const;
     void PutChanged(std::string_view row);  // with the changes below in place
+    // Where nothing but x, y and z changes, and they stand side by side: as Carry, for the usual row of short
+    // numbers without quotes or blanks beside them. False for any other row, with nothing done.
+    bool CarryShort(std::string_view row);
+    RowForm form_;
     CloudTask& task_;
     int decimals_;
+    int fieldsBefore_ = -1;  // those in front of x; less than 0 where CarryShort does not serve
     std::vector<std::string_view> fields_;
     struct Change {
         std::size_t From, Length, Begin, End;  // in the row, and of the text below

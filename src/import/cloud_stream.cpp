@@ -20,7 +20,7 @@ constexpr std::size_t kFirst_bytes = std::size_t{1} << 16;  // a small file need
 // --- In ---------------------------------------------------------------------------------------------------
 
 CloudInput::CloudInput(std::string path, ReadBytes read)
-    : path_(std::move(path)), read_(std::move(read)), buffer_(kFirst_bytes) {}
+    : path_(std::move(path)), read_(std::move(read)), buffer_(kFirst_bytes + kReadAhead_bytes) {}
 
 bool CloudInput::More() {
     if (ended_) return false;
@@ -29,8 +29,9 @@ bool CloudInput::More() {
         end_ -= begin_;
         begin_ = 0;
     }
-    if (end_ == buffer_.size()) buffer_.resize(buffer_.size() * 2);
-    const std::size_t count = read_(buffer_.data() + end_, buffer_.size() - end_);
+    std::size_t size = buffer_.size() - kReadAhead_bytes;
+    if (end_ == size) buffer_.resize((size *= 2) + kReadAhead_bytes);
+    const std::size_t count = read_(buffer_.data() + end_, size - end_);
     ended_ = count == 0;
     returns_ = returns_ || std::memchr(buffer_.data() + end_, '\r', count) != nullptr;
     end_ += count;

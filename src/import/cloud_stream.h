@@ -19,7 +19,9 @@ using WriteBytes = std::function<void(std::string_view bytes)>;
 // A longer line is refused: no file of points has one, and it would have to be kept whole.
 inline constexpr std::size_t kLongestCloudLine = std::size_t{16} << 20;
 
-// What has been read and not been used yet. All views end with the next call.
+// What has been read and not been used yet. All views end with the next call; kReadAhead_bytes behind them
+// are readable, whatever stands there.
+inline constexpr std::size_t kReadAhead_bytes = 32;
 class CloudInput {
 public:
     CloudInput(std::string path, ReadBytes read);

@@ -269,7 +269,7 @@ void RunAsciiElement(CloudTask& task, const Element& element, bool isVertex) {
             if (!columns) task.In.FailAtLine("it has fewer values than its element has properties");
             if (words.size() > columns->size())
                 task.In.FailAtLine("it has more values than its element has properties");
-            carrier.Form.Columns = std::move(*columns);
+            carrier.TakeColumns(std::move(*columns));
         } else {
             // One more than wanted: a value too many may stand in the midst, and has moved all behind it on.
             FieldsOf(row, '\0', element.Properties.size() + 1, words);

@@ -1,5 +1,8 @@
 // Clouds of text, trajectories, points of maps and of LandXML.
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <random>
 
 #include "import/cloud_bytes.h"
 
@@ -64,6 +67,58 @@ TEST(TextCloud, KeepsWhatStandsBesideItsCoordinates) {
             if (before.front() == '\xEF') continue;
             EXPECT_EQ(Carried(Utf16(before, big), name).Out, Utf16(after, big)) << before;
         }
+    }
+}
+
+// Rows of usual form and rows beside it, against the formatter of the library.
+TEST(TextCloud, RowsOfAnyFormGetTheNearestDecimals) {
+    std::mt19937 random(11);
+    const auto below = [&random](int count) {
+        return static_cast<int>(random() % static_cast<unsigned>(count));
+    };
+    for (const char delimiter : {';', ' ', '\t', ','}) {
+        std::string before, after;
+        constexpr int kRows = 20000, kMostPlaces = 6;  // which all rows get
+        for (int row = 0; row < kRows; ++row) {
+            std::string name(static_cast<std::size_t>(1 + below(row % 50 == 0 ? 90 : 12)), 'P');
+            name += std::to_string(row);
+            std::array<std::string, 3> from;
+            std::array<double, 3> p{};
+            for (std::size_t i = 0; i < 3; ++i) {
+                const int places = row == 0 ? kMostPlaces : below(kMostPlaces + 1);
+                const double size = std::pow(10.0, below(9) - 2);
+                std::array<char, 64> text{};
+                std::snprintf(text.data(), text.size(), "%.*f", places, (below(2000001) / 1e6 - 1) * size);
+                from[i] = text.data();
+                p[i] = std::strtod(text.data(), nullptr);
+            }
+            const std::array<double, 3> q = CloudTurn().Carry(p);
+            std::array<std::string, 3> to;
+            for (std::size_t i = 0; i < 3; ++i) {
+                std::array<char, 64> text{};
+                std::snprintf(text.data(), text.size(), "%.*f", kMostPlaces, q[i]);
+                to[i] = text.data();
+                if (to[i].find_first_of("123456789") == std::string::npos && to[i][0] == '-')
+                    to[i].erase(0, 1);
+            }
+            const std::string quote = delimiter != ' ' && row % 9 == 1 ? "\"" : "";
+            const std::string blank = delimiter != ' ' && row % 11 == 1 ? " " : "";
+            const std::string plus = row % 13 == 1 ? "+" : "";
+            const std::string rest = row % 3 == 0 ? std::string(1, delimiter) + "red" : "";
+            const std::string sign(1, delimiter);
+            before += quote + name + quote + sign + blank + plus + from[0] + blank + sign + from[1] + sign +
+                      from[2] + rest + "\n";
+            after += quote + name + quote + sign + blank + to[0] + blank + sign + to[1] + sign + to[2] +
+                     rest + "\n";
+        }
+        // A sign in front would not go with a negative number.
+        for (std::size_t at = 0; (at = before.find("+-", at)) != std::string::npos;) before.erase(at, 1);
+        const CloudRun run = Carried(before, "a.txt");
+        EXPECT_EQ(run.Error, "");
+        EXPECT_EQ(run.Facts.Points, kRows);
+        ASSERT_EQ(run.Out.size(), after.size());
+        EXPECT_TRUE(run.Out == after) << "delimiter \"" << delimiter << '"';
+        EXPECT_TRUE(RunThrough(before, "a.txt", &CloudTurn(), {}, 7).Out == after);
     }
 }
 
