@@ -5,7 +5,10 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <type_traits>
+
+#include "fit/any_vectors.h"
 
 namespace corvinade::import {
 
@@ -45,40 +48,127 @@ void CountNotFinite(CloudTask& task, std::int64_t number) {
     if (task.Facts.NotFinite++ == 0) task.Facts.FirstNotFinite = number;
 }
 
-// Points of which all three coordinates are of type T, `stride` bytes apart.
-template <class T, bool kSwapped>
-void CarryFloats(CloudTask& task, std::array<char*, 3> at, std::array<std::size_t, 3> stride,
-                 std::size_t count, std::int64_t first) {
-    const CloudMotion motion = *task.Motion;
-    // The largest of each axis for itself: none waits for another.
-    std::array<double, 3> in{}, out{};
-    std::int64_t points = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::array<double, 3> p = {LoadAs<T, kSwapped>(at[0]), LoadAs<T, kSwapped>(at[1]),
-                                         LoadAs<T, kSwapped>(at[2])};
-        if (AreFinite(p)) {
-            const std::array<double, 3> q = motion.Carry(p);
-            const std::array<T, 3> kept = {static_cast<T>(q[0]), static_cast<T>(q[1]), static_cast<T>(q[2])};
-            if (!AreFinite({kept[0], kept[1], kept[2]}))
-                RefuseTooLarge(task, first + static_cast<std::int64_t>(i));
-            for (std::size_t k = 0; k < 3; ++k) {
-                if constexpr (std::is_same_v<T, float>) {
-                    in[k] = std::max(in[k], std::fabs(p[k]));
-                    out[k] = std::max(out[k], std::fabs(q[k]));
-                }
-                StoreAs<T, kSwapped>(kept[k], at[k]);
-            }
-            ++points;
-        } else {
-            CountNotFinite(task, first + static_cast<std::int64_t>(i));
-        }
-        for (std::size_t k = 0; k < 3; ++k) at[k] += stride[k];
-    }
+constexpr std::size_t kGroup = 256;  // points, in the nearest cache
+
+// Coordinates of a group of points, axis by axis.
+template <class T>
+struct PointGroup {
+    alignas(64) std::array<std::array<T, kGroup>, 3> In, Out;
+    std::array<double, 3> LargestIn{}, LargestOut{};  // without sign
+};
+
+// Bits of a number without its sign: as whole numbers they grow with it, and what is not finite is above all
+// others.
+inline std::int32_t SizeBits(float value) {
+    return std::bit_cast<std::int32_t>(value) & 0x7fffffff;
+}
+inline std::int64_t SizeBits(double value) {
+    return std::bit_cast<std::int64_t>(value) & 0x7fffffffffffffff;
+}
+
+// False where not all numbers that come in or go out are finite.
+template <class T>
+inline __attribute__((always_inline)) bool Carry(const CloudMotion& motion, std::size_t count,
+                                                 PointGroup<T>& group) {
+    using Bits = decltype(SizeBits(T{}));
+    constexpr T kInfinite = std::numeric_limits<T>::infinity();
+    bool finite = true;
+    const T* const x = group.In[0].data();
+    const T* const y = group.In[1].data();
+    const T* const z = group.In[2].data();
     for (std::size_t k = 0; k < 3; ++k) {
-        task.Facts.LargestIn = std::max(task.Facts.LargestIn, in[k]);
-        task.Facts.LargestOut = std::max(task.Facts.LargestOut, out[k]);
+        const double mx = motion.M[3 * k], my = motion.M[3 * k + 1], mz = motion.M[3 * k + 2],
+                     t = motion.T[k];
+        const T* const in = group.In[k].data();
+        T* const out = group.Out[k].data();
+        Bits mostIn = 0, mostOut = 0;
+        std::int64_t largest = 0;
+        for (std::size_t i = 0; i < count; ++i) {
+            const double q = mx * static_cast<double>(x[i]) + my * static_cast<double>(y[i]) +
+                             mz * static_cast<double>(z[i]) + t;
+            const T kept = static_cast<T>(q);
+            out[i] = kept;
+            mostIn = std::max(mostIn, SizeBits(in[i]));
+            mostOut = std::max(mostOut, SizeBits(kept));
+            largest = std::max(largest, SizeBits(q));
+        }
+        finite = finite && mostIn < SizeBits(kInfinite) && mostOut < SizeBits(kInfinite);
+        group.LargestIn[k] = static_cast<double>(std::bit_cast<T>(mostIn));
+        group.LargestOut[k] = std::bit_cast<double>(largest);
     }
-    task.Facts.Points += points;
+    return finite;
+}
+
+ON_ANY_VECTORS bool CarryGroup(const CloudMotion& motion, std::size_t count, PointGroup<float>& group) {
+    return Carry(motion, count, group);
+}
+ON_ANY_VECTORS bool CarryGroup(const CloudMotion& motion, std::size_t count, PointGroup<double>& group) {
+    return Carry(motion, count, group);
+}
+
+// Points of which all three coordinates are of type T, `stride` bytes apart, in the order of the file.
+template <class T, bool kSwapped>
+struct Floats {
+    std::array<char*, 3> At;
+    std::array<std::size_t, 3> Stride;
+
+    T Load(std::size_t axis, std::size_t i) const { return LoadAs<T, kSwapped>(At[axis] + i * Stride[axis]); }
+    void Store(std::size_t axis, std::size_t i, T value) const {
+        StoreAs<T, kSwapped>(value, At[axis] + i * Stride[axis]);
+    }
+    Floats From(std::size_t i) const {
+        return {{At[0] + i * Stride[0], At[1] + i * Stride[1], At[2] + i * Stride[2]}, Stride};
+    }
+};
+
+// Of 32-bit coordinates alone: the others lose no digits to speak of.
+template <class T>
+void NoteSizes(CloudTask& task, double in, double out) {
+    if constexpr (std::is_same_v<T, float>) {
+        task.Facts.LargestIn = std::max(task.Facts.LargestIn, in);
+        task.Facts.LargestOut = std::max(task.Facts.LargestOut, out);
+    }
+}
+
+// One by one, where some of them are no points.
+template <class T, bool kSwapped>
+void CarryOneByOne(CloudTask& task, const Floats<T, kSwapped>& floats, std::size_t count,
+                   std::int64_t first) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::int64_t number = first + static_cast<std::int64_t>(i);
+        const std::array<double, 3> p = {floats.Load(0, i), floats.Load(1, i), floats.Load(2, i)};
+        if (!AreFinite(p)) {
+            CountNotFinite(task, number);
+            continue;
+        }
+        const std::array<double, 3> q = task.Motion->Carry(p);
+        const std::array<T, 3> kept = {static_cast<T>(q[0]), static_cast<T>(q[1]), static_cast<T>(q[2])};
+        if (!AreFinite({kept[0], kept[1], kept[2]})) RefuseTooLarge(task, number);
+        for (std::size_t k = 0; k < 3; ++k) {
+            NoteSizes<T>(task, std::fabs(p[k]), std::fabs(q[k]));
+            floats.Store(k, i, kept[k]);
+        }
+        ++task.Facts.Points;
+    }
+}
+
+template <class T, bool kSwapped>
+void CarryFloats(CloudTask& task, const Floats<T, kSwapped>& floats, std::size_t count, std::int64_t first) {
+    PointGroup<T> group;
+    for (std::size_t done = 0; done < count; done += kGroup) {
+        const std::size_t here = std::min(kGroup, count - done);
+        const Floats<T, kSwapped> from = floats.From(done);
+        for (std::size_t i = 0; i < here; ++i)
+            for (std::size_t k = 0; k < 3; ++k) group.In[k][i] = from.Load(k, i);
+        if (!CarryGroup(*task.Motion, here, group)) {
+            CarryOneByOne(task, from, here, first + static_cast<std::int64_t>(done));
+            continue;
+        }
+        for (std::size_t i = 0; i < here; ++i)
+            for (std::size_t k = 0; k < 3; ++k) from.Store(k, i, group.Out[k][i]);
+        for (std::size_t k = 0; k < 3; ++k) NoteSizes<T>(task, group.LargestIn[k], group.LargestOut[k]);
+        task.Facts.Points += static_cast<std::int64_t>(here);
+    }
 }
 
 bool AllAre(const std::array<RecordField, 3>& fields, Scalar type) {
@@ -171,11 +261,16 @@ void CarryPlaces(CloudTask& task, const RecordForm& form, RecordPlaces places, s
         }
     }
     if (!form.HasPoint) return;
-    const auto carry = [&](auto run) { run(task, places.Point, places.PointStride, count, first); };
+    const auto carry = [&]<class T>(T) {
+        const auto as = [&]<bool kSwapped>(std::bool_constant<kSwapped>) {
+            CarryFloats(task, Floats<T, kSwapped>{places.Point, places.PointStride}, count, first);
+        };
+        form.Swapped ? as(std::true_type()) : as(std::false_type());
+    };
     if (AllAre(form.Point, Scalar::Float)) {
-        form.Swapped ? carry(CarryFloats<float, true>) : carry(CarryFloats<float, false>);
+        carry(float());
     } else if (AllAre(form.Point, Scalar::Double)) {
-        form.Swapped ? carry(CarryFloats<double, true>) : carry(CarryFloats<double, false>);
+        carry(double());
     } else {
         for (std::size_t i = 0; i < count; ++i) {
             const std::array<double, 3> p = LoadThree(form.Point, places.Point, form.Swapped);

@@ -1,6 +1,7 @@
 // PLY files, written here byte by byte.
 #include <cmath>
 #include <limits>
+#include <random>
 
 #include "import/cloud_bytes.h"
 
@@ -158,6 +159,65 @@ TEST(PlyCloud, PointsThatAreNoNumbersStayBitByBit) {
         "ply\nformat ascii 1.0\nelement vertex 2\nproperty float x\nproperty float y\nproperty float "
         "z\nend_header\n";
     EXPECT_EQ(Carried(text + "nan 1 2\n1 2 3\n", "a.ply").Out, text + "nan 1 2\n9.600 22.200 33.000\n");
+}
+
+template <class T>
+void ExpectManyPointsCarried(bool big) {
+    constexpr int kPoints = 1500;
+    std::mt19937 random(3);
+    const std::string head = std::string("ply\nformat binary_") + (big ? "big" : "little") +
+                             "_endian 1.0\nelement vertex 1500\nproperty uchar red\n" +
+                             (sizeof(T) == 4 ? "property float x\nproperty float y\nproperty float z\n"
+                                             : "property double x\nproperty double y\nproperty double z\n") +
+                             "end_header\n";
+    std::string before = head, after = head;
+    int notFinite = 0, first = 0;
+    double largestIn = 0, largestOut = 0;
+    for (int i = 1; i <= kPoints; ++i) {
+        std::array<T, 3> p{};
+        for (T& value : p) value = static_cast<T>((static_cast<double>(random()) / 4e9 - 0.5) * 1e6);
+        // The first and the last of a stretch, and a stretch without any.
+        if (i == 257 || i == 512 || i == 1024 || i == kPoints) p[1] = std::numeric_limits<T>::quiet_NaN();
+        if (i == 700) p[2] = -std::numeric_limits<T>::infinity();
+        const bool finite = std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]);
+        notFinite += finite ? 0 : 1;
+        if (!finite && first == 0) first = i;
+        const double x = p[0], y = p[1], z = p[2];
+        const std::array<double, 3> q = {0.8 * x + -0.6 * y + 0 * z + 10, 0.6 * x + 0.8 * y + 0 * z + 20,
+                                         0 * x + 0 * y + 1 * z + 30};
+        before += static_cast<char>(i);
+        after += static_cast<char>(i);
+        for (std::size_t k = 0; k < 3; ++k) {
+            before += Packed(p[k], big);
+            after += Packed(finite ? static_cast<T>(q[k]) : p[k], big);
+            if (!finite || sizeof(T) != 4) continue;
+            largestIn = std::max(largestIn, std::fabs(static_cast<double>(p[k])));
+            largestOut = std::max(largestOut, std::fabs(q[k]));
+        }
+    }
+    const CloudRun run = Carried(before, "a.ply");
+    EXPECT_TRUE(run.Out == after);
+    EXPECT_EQ(run.Facts.Points, kPoints - notFinite);
+    EXPECT_EQ(run.Facts.NotFinite, notFinite);
+    EXPECT_EQ(run.Facts.FirstNotFinite, first);
+    EXPECT_EQ(run.Facts.LargestIn, largestIn);
+    EXPECT_EQ(run.Facts.LargestOut, largestOut);
+}
+
+TEST(PlyCloud, ManyPointsGoTheSameWayWhereverSomeAreNoNumbers) {
+    for (const bool big : {false, true}) {
+        ExpectManyPointsCarried<float>(big);
+        ExpectManyPointsCarried<double>(big);
+    }
+}
+
+TEST(PlyCloud, AMotionBeyondThirtyTwoBitsNamesThePoint) {
+    std::string bytes =
+        "ply\nformat binary_little_endian 1.0\nelement vertex 400\nproperty float x\nproperty float y\n"
+        "property float z\nend_header\n";
+    for (int i = 1; i <= 400; ++i)
+        for (int k = 0; k < 3; ++k) bytes += Packed(i == 300 ? 3.4e38F : 1.0F);
+    EXPECT_NE(Carried(bytes, "a.ply").Error.find("transformed point 300 is larger"), std::string::npos);
 }
 
 // --- Damage -----------------------------------------------------------------------------------------------
