@@ -3,6 +3,7 @@
 
 #include <istream>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <utility>
 
@@ -10,6 +11,7 @@
 #include "core/file_writer.h"
 #include "core/files.h"
 #include "core/platform.h"
+#include "core/write_behind.h"
 
 namespace corvinade::cli {
 
@@ -52,14 +54,21 @@ bool TransformCloud(const CloudOrder& order, const std::string& path, const std:
     };
     WriteBytes write;
     if (outPath == "-") {
-        write = [&](std::string_view bytes) { writing([&] { WriteToStandardOutput(*order.Out, bytes); }); };
+        write = [&order](std::string_view bytes) { WriteToStandardOutput(*order.Out, bytes); };
     } else if (!outPath.empty()) {
         writing([&] { file = std::make_unique<FileBeside>(outPath); });
-        write = [&](std::string_view bytes) { writing([&] { file->Write(bytes); }); };
+        write = [&file](std::string_view bytes) { file->Write(bytes); };
     }
-    CloudOutput out(std::move(write));
+    std::optional<WriteBehind> behind;
+    WriteBytes handOn;
+    if (write) {
+        behind.emplace(std::move(write));
+        handOn = [&](std::string_view bytes) { writing([&] { behind->Write(bytes); }); };
+    }
+    CloudOutput out(std::move(handOn));
     CloudTask task = {in, out, &order.Motion, {}, order.Wish, {}, order.UnitsPerMm};
     RunCloud(task);
+    if (behind) writing([&] { behind->End(); });
     NoteCloud(task.Facts, path, true);
     if (!mayKeep()) return false;
     if (file) writing([&] { file->Keep(Keeping::Unflushed); });

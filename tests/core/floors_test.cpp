@@ -62,6 +62,10 @@ const std::set<std::string> kStandardHeaders = {"algorithm",     "any",
                                                 "valarray",      "variant",
                                                 "vector",        "version"};
 
+// One thread does the work; a second one only writes what the first has made.
+const std::set<std::string> kThreadHeaders = {"condition_variable", "mutex", "thread"};
+const std::string kThreadFile = "core/write_behind.";
+
 struct Include {
     std::string File;  // relative to src/
     std::string Name;
@@ -122,6 +126,8 @@ std::string Objection(const Include& include) {
     if (!from.empty() && !kFloors.contains(from)) return "is in no known room";
     if (!include.Quoted) {
         const bool plain = from.empty() || FloorOf(from) <= FloorOf("graphics");
+        if (plain && kThreadHeaders.contains(include.Name))
+            return include.File.starts_with(kThreadFile) ? "" : "begins a thread";
         return plain && !kStandardHeaders.contains(include.Name) ? "is no standard header" : "";
     }
     const std::string to = RoomOf(include.Name);
