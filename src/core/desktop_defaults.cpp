@@ -15,6 +15,7 @@ constexpr DesktopDefault kDefaults[] = {
     {"ResultState", &Record::ResultState}, {"ResultFields", &Record::ResultFields},
     {"AfterImport", &Record::AfterImport}, {"FailedImport", &Record::FailedImport},
     {"RecentJobs", &Record::RecentJobs},   {"PointTable", &Record::PointTable},
+    {"GridNumbers", &Record::GridNumbers},
 };
 
 }  // namespace

@@ -20,6 +20,7 @@ struct DesktopDefaultsRecord {
     bool AfterImport = false;   // what has come in is shown, and what to do next
     bool FailedImport = false;  // leaves the points of before, as one that was stopped does
     bool RecentJobs = false;    // list the jobs that were opened, too
+    bool GridNumbers = false;   // of lines are never head down
     bool PointTable = false;    // the rows of one point stay together when they are sorted
 };
 inline DesktopDefaultsRecord DesktopDefaults;

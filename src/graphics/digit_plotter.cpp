@@ -57,7 +57,17 @@ std::array<PicturePoint, 6> Belegung(double x, double y, double size, double ang
     return places;
 }
 
+double StepOf(char c, double size) {
+    return size * (IsPoint(c) ? 2 : c == '-' ? 3 : 6);
+}
+
 }  // namespace
+
+double NumberLength(double value, float size) {
+    double length = 0;
+    for (const char c : FormatNumber(value, Units.FmtLength)) length += StepOf(c, size);
+    return length;
+}
 
 void Plot_Number(ScreenWindow& window, double value, float x, float y, float size, double angle,
                  Colour colour) {
@@ -75,7 +85,7 @@ void Plot_Number(ScreenWindow& window, double value, float x, float y, float siz
         if (IsPoint(c) && screen.Circle != nullptr)
             screen.Circle(screen, static_cast<float>(nodes[4].X), static_cast<float>(nodes[4].Y), 0.3F * size,
                           colour, colour, width);
-        const double step = size * (IsPoint(c) ? 2 : c == '-' ? 3 : 6);
+        const double step = StepOf(c, size);
         penX += step * std::cos(along);
         penY += step * std::sin(along);
     }

@@ -24,6 +24,7 @@ void Zeichne_Scale(ScreenWindow& window);
 // Writes a number with lines, turned by `angle` degrees, in the job's length format.
 void Plot_Number(ScreenWindow& window, double value, float x, float y, float size, double angle,
                  Colour colour);
+double NumberLength(double value, float size);  // of what that writes, pixels
 // Adds a label when its place is in the picture.
 void SetLabelToPos(ScreenWindow& window, const std::string& text, float x, float y);
 void MenüGraphicsPrint_Command();  // the picture to the clipboard

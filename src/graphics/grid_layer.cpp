@@ -3,7 +3,9 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <numbers>
 
+#include "core/desktop_defaults.h"
 #include "core/numbers.h"
 #include "core/units.h"
 #include "core/window.h"
@@ -77,6 +79,24 @@ double DistanceOfLines(const PicturePoint& along, const PicturePoint& across) {
     return length > 0 ? std::abs(Cross(along, across)) / length : 0;
 }
 
+// A number that runs along a line and is never head down: from `place` to the right, and on a line that rises
+// steeply towards it, so that it stays in the picture.
+void WriteUpright(ScreenWindow& window, PicturePoint place, const PicturePoint& along, double shown,
+                  Colour colour) {
+    const double length = std::hypot(along.X, along.Y);
+    double x = along.X / length, y = along.Y / length;
+    if (x < 0 || (x == 0 && y < 0)) {
+        x = -x;
+        y = -y;
+    }
+    if (y < -x) {
+        const double pixels = NumberLength(shown, kNumberSize);
+        place = {place.X - x * pixels, place.Y - y * pixels};
+    }
+    Plot_Number(window, shown, static_cast<float>(place.X), static_cast<float>(place.Y), kNumberSize,
+                std::atan2(y, x) * 180 / std::numbers::pi, colour);
+}
+
 // Writes a line's coordinate where it comes near the picture's edge: a steep line near the upper one, a flat
 // one near the left one. `shown` in the shown unit.
 void WriteCoordinate(ScreenWindow& window, const PicturePoint& from, const PicturePoint& to, double shown) {
@@ -86,13 +106,17 @@ void WriteCoordinate(ScreenWindow& window, const PicturePoint& from, const Pictu
     if (!(t >= 0 && t <= 1)) return;
     const double x = from.X + t * dx, y = from.Y + t * dy;
     if (!(x >= 0 && x < PictureWidth(window) && y >= 0 && y < PictureHeight(window))) return;
+    const Colour colour = QbColor(window.BackColor == QbColor(15) ? 0 : 7);
+    if (DesktopDefaults.GridNumbers) {
+        WriteUpright(window, {x, y}, {dx, dy}, shown, colour);
+        return;
+    }
     // The angle is that of the line's normal and a right angle more, so that the number runs along the line:
     // downwards on a steep one, and on a flat one from here to the edge, which leaves it head down.
     const double normalX = -dy, normalY = dx;
     double angle = std::atan(normalY / (normalX + 1e-10)) * 57 + 90;
     if (angle < 90) angle += 180;
-    Plot_Number(window, shown, static_cast<float>(x), static_cast<float>(y), kNumberSize, angle,
-                QbColor(window.BackColor == QbColor(15) ? 0 : 7));
+    Plot_Number(window, shown, static_cast<float>(x), static_cast<float>(y), kNumberSize, angle, colour);
 }
 
 // The lines of one plane along one of its axes, side by side across the other.

@@ -1,6 +1,8 @@
 // The grid of the world system.
+#include <algorithm>
 #include <set>
 
+#include "core/desktop_defaults.h"
 #include "core/units.h"
 #include "graphics/drawing_job.h"
 
@@ -38,6 +40,55 @@ std::vector<WorldLine> Family(std::array<double, 3> middle, std::array<double, 3
         lines.push_back(line);
     }
     return lines;
+}
+
+// Where the strokes of the numbers lie, on the desktop.
+class UprightGrid : public DrawingGrid {
+protected:
+    void SetUp() override {
+        DrawingGrid::SetUp();
+        DesktopDefaults.GridNumbers = true;
+        Units.FmtLength = "0";
+    }
+};
+
+TEST_F(UprightGrid, FlatLinesBearTheirCoordinateUprightInsideThePicture) {
+    FillJob({{0, 0, 0, 0, 0, 0}});
+    ScreenWindow& window = OpenAndPaint(FlatView());
+    SetGrid(window, 5000, 400, 0);
+    Units.LengthFactor = 0.0025;
+    window.State.GridXY = window.State.ShowGridDim = kTrue;
+    PaintGrid(window);
+    // The line at pixel 500 reads "1" from 50 pixels on: its one stroke goes down, at the right of its cell.
+    bool found = false;
+    for (const Operation& line : LinesOf(window, QbColor(7)))
+        found = found || (line.X1 == 50 + 6 && line.Y1 == 500 + 1 && line.X2 == 50 + 6 && line.Y2 == 500 + 7);
+    EXPECT_TRUE(found);
+}
+
+TEST_F(UprightGrid, NoNumberStandsHeadDownOrOutsideHoweverTheViewIsTurned) {
+    FillJob({{0, 0, 0, 0, 0, 0}});
+    Units.LengthFactor =
+        0;  // every line reads "0": its first stroke is the upper bar, its third the lower one
+    int seen = 0;
+    for (int turn = 0; turn < 24; ++turn) {
+        ScreenWindow& window = OpenAndPaint({0, 0, static_cast<float>(turn * 0.2618), 1, 500, 500});
+        SetGrid(window, 300, 300, 0);
+        window.State.GridXY = window.State.ShowGridDim = kTrue;
+        PaintGrid(window);
+        const std::vector<Operation> strokes = LinesOf(window, QbColor(7));
+        ASSERT_EQ(strokes.size() % 4, 0U);
+        for (std::size_t i = 0; i + 3 < strokes.size(); i += 4) {
+            const Operation &upper = strokes[i], &lower = strokes[i + 2];
+            // From left to right; straight up is neither, but rounding may make a pixel of it.
+            EXPECT_GE(upper.X2, upper.X1 - 1) << turn;
+            // A line that falls to the right or runs flat has its number in the picture.
+            for (const Operation& stroke : {upper, lower})
+                EXPECT_GE(std::min(stroke.Y1, stroke.Y2), -8) << turn;
+            ++seen;
+        }
+    }
+    EXPECT_GT(seen, 24);
 }
 
 }  // namespace
