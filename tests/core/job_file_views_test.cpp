@@ -288,3 +288,39 @@ TEST_F(JobFileViews, ArraysThatTheFileCannotHoldAreRefused) {
     // With one empty index there are no elements, whatever the others say.
     EXPECT_EQ(errorOf(HandBytes().I16(2).I32(-1).I32(0).I32(0).I32(0)).find(place), std::string::npos);
 }
+
+TEST_F(JobFileViews, FiftyViewsOfAThousandFlagsEachComeBack) {
+    constexpr int kViews = 50, kFlags = 1000;
+    const auto leftOf = [](int view, std::size_t flag) {
+        return static_cast<std::int16_t>(20 * view + static_cast<int>(flag));
+    };
+    JobRecord job;
+    std::vector<std::string> names;
+    job.nSavedViews = kViews;
+    for (int view = 1; view <= kViews; ++view) {
+        names.push_back("view " + std::to_string(view));
+        ScreenRecord& kept = job.SavedView[static_cast<std::size_t>(view)];
+        kept.FlagCount = kFlags;
+        kept.Flags.resize(kFlags + 1);
+        kept.FlagIndex.resize(kFlags);
+        for (std::size_t k = 1; k <= kFlags; ++k) {
+            kept.Flags[k].Left = leftOf(view, k);
+            kept.Flags[k].Name = "Arial";
+            kept.FlagIndex[k - 1] = static_cast<std::int16_t>(k);
+        }
+    }
+    const std::string file = JobBytes(job, names);
+    // About a hundred bytes a flag and two for its row: nothing is kept twice.
+    EXPECT_LT(file.size(), std::size_t{kViews} * kFlags * 150);
+    const JobFileContent opened = ReadJobBytes(file, "a.cvn");
+    EXPECT_EQ(opened.ViewNames, names);
+    for (int view = 1; view <= kViews; ++view) {
+        const ScreenRecord& kept = opened.Job.SavedView[static_cast<std::size_t>(view)];
+        ASSERT_EQ(kept.Flags.size(), std::size_t{kFlags} + 1);
+        for (std::size_t k = 1; k <= kFlags; ++k) {
+            ASSERT_EQ(kept.Flags[k].Left, leftOf(view, k));
+            ASSERT_EQ(kept.FlagIndex[k - 1], static_cast<int>(k));
+        }
+    }
+    ExpectBytes(JobBytes(opened.Job, opened.ViewNames), file);
+}

@@ -307,3 +307,30 @@ TEST_F(SavedViews, AllFiftyCanBeDeleted) {
     EXPECT_EQ(Job.nSavedViews, 0);
     EXPECT_EQ(Names(), Texts{});
 }
+
+TEST_F(SavedViews, FiftyViewsOfAThousandFlagsEachAreShownAsTheyWereKept) {
+    constexpr int kFlags = 1000;
+    const auto leftOf = [](int view, int flag) { return static_cast<std::int16_t>(20 * view + flag); };
+    for (int i = 0; i < kFlags; ++i) AddPair({1.0 * i, 2.0 * (i % 300), 0}, {1.0 * i, 2.0 * (i % 300), 1});
+    SizeRest();
+    ScreenWindow& window = OpenStraight();
+    window.State.Flags.assign(kFlags + 1, FlagRecord{});
+    window.State.FlagCount = kFlags;
+    for (std::size_t k = 1; k <= kFlags; ++k) window.State.FlagIndex[k] = static_cast<std::int16_t>(k);
+    for (int view = 1; view <= kMostViews; ++view) {
+        for (int k = 1; k <= kFlags; ++k)
+            window.State.Flags[static_cast<std::size_t>(k)].Left = leftOf(view, k);
+        ShowAt(window, static_cast<float>(view));
+        Save("view " + std::to_string(view));
+    }
+    ASSERT_EQ(Job.nSavedViews, kMostViews);
+    for (const int view : {1, 2, 25, 49, 50}) {
+        GetScreenPropertiesFromSavedView(window, view);
+        EXPECT_EQ(window.State.BildOffsetX, static_cast<float>(view));
+        ASSERT_EQ(window.State.FlagCount, kFlags);
+        for (int k = 1; k <= kFlags; ++k) {
+            ASSERT_EQ(window.State.FlagIndex[static_cast<std::size_t>(k)], k);
+            ASSERT_EQ(window.State.Flags[static_cast<std::size_t>(k)].Left, leftOf(view, k));
+        }
+    }
+}
