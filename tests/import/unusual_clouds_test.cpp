@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "import/cloud_bytes.h"
+#include "import/cloud_table.h"
 #include "import/table_reader.h"
 
 using namespace corvinade;
@@ -233,6 +234,65 @@ TEST(UnusualClouds, CoordinatesOfEveryUnitAreCarriedToAThousandthOfAMillimetre) 
         for (std::size_t i = 0; i < 3; ++i)
             EXPECT_LE(std::fabs(shown[i] - expected[i]) * mm, 0.0005 * std::sqrt(10) * 1.000001)
                 << unit << run.Out;
+    }
+}
+
+// --- Forms ------------------------------------------------------------------------------------------------
+
+TEST(UnusualClouds, ElementsWithoutPropertiesTakeNoBytes) {
+    const std::string xyz = "property float x\nproperty float y\nproperty float z\n";
+    const std::string head = "ply\nformat binary_little_endian 1.0\nelement nothing 7\nelement vertex 1\n" +
+                             xyz + "element more 3\nend_header\n";
+    const CloudRun run = Carried(head + Packed(5.0F) + Packed(10.0F) + Packed(-7.0F), "a.ply");
+    EXPECT_EQ(run.Error, "");
+    EXPECT_TRUE(run.Out == head + Packed(8.0F) + Packed(31.0F) + Packed(23.0F));
+}
+
+TEST(UnusualClouds, EmptyLinesStayWhereTheyAre) {
+    const std::string ply =
+        "ply\nformat ascii 1.0\nelement vertex 1\nproperty float x\nproperty float y\n"
+        "property float z\nend_header\n";
+    EXPECT_EQ(Carried(ply + "5 10 -7\n \n\r\n", "a.ply").Out, ply + "8.000 31.000 23.000\n \n\r\n");
+    const std::string pcd =
+        "VERSION 0.7\nFIELDS x y z\nSIZE 4 4 4\nTYPE F F F\nCOUNT 1 1 1\nWIDTH 2\nHEIGHT 1\n"
+        "POINTS 2\nDATA ascii\n";
+    EXPECT_EQ(Carried(pcd + "5 10 -7\n\n  \n5 10 -7\n", "a.pcd").Out,
+              pcd + "8.000 31.000 23.000\n\n  \n8.000 31.000 23.000\n");
+}
+
+TEST(UnusualClouds, APcdWhoseSidesMultiplyToMoreThanThereCanBeIsRefused) {
+    const CloudRun run = Carried(
+        "VERSION 0.7\nFIELDS x y z\nSIZE 4 4 4\nTYPE F F F\nCOUNT 1 1 1\nWIDTH 4000000000\n"
+        "HEIGHT 4000000000\nDATA binary\n",
+        "a.pcd");
+    EXPECT_NE(run.Error.find("too many points"), std::string::npos) << run.Error;
+}
+
+TEST(UnusualClouds, ANormalThatThirtyTwoBitsCannotHoldIsRefused) {
+    const std::array<std::string, 3> types = {"float", "float", "float"};
+    const std::string head =
+        PlyOf("binary_little_endian", types, "", "property float nx\nproperty float ny\nproperty float nz\n");
+    // 0.8 * 3e38 + 0.6 * 3e38
+    EXPECT_NE(Carried(head + Packed(0.0F) + Packed(0.0F) + Packed(0.0F) + Packed(3e38F) + Packed(-3e38F) +
+                          Packed(0.0F),
+                      "a.ply")
+                  .Error.find("point 1 is larger than any number"),
+              std::string::npos);
+}
+
+using LargeTables = Program;
+
+// Only the first megabyte is looked at: it says the same of a table that is longer.
+TEST_F(LargeTables, TheBeginningOfALongOneSaysWhatAShortOneDoes) {
+    const auto columns = [this](std::string text, std::size_t size, const std::string& gap) {
+        const std::string row = gap + "-123.5" + gap + "7" + gap + "8.25\n";
+        for (int i = 0; i < 5 || text.size() < size; ++i) text += "P" + std::to_string(i) + row;
+        return ColumnsOfTableAlone(Write("table.csv", text), {});
+    };
+    for (const std::size_t size : {std::size_t{0}, std::size_t{3} << 19U}) {
+        EXPECT_EQ(columns("Name|Y|X|Z\n", size, "|"), "name,y,x,z");
+        EXPECT_EQ(columns("Name;Y;X;Z\n", size, ";"), "name,y,x,z");
+        EXPECT_EQ(columns("", size, ";"), std::nullopt) << "a plain one";
     }
 }
 
