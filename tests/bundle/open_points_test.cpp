@@ -218,6 +218,48 @@ TEST_F(OpenPoints, TheNoteNamesThem) {
     EXPECT_EQ(Notes.List[0].File, PathOf("net.txt"));
 }
 
+// Two stations and fifteen object points, put together here: three columns of unknowns a point.
+TEST_F(OpenPoints, TheNoteNamesTwelveOfManyAndOnceEachKind) {
+    BundleRecord network;
+    BundleWork work;
+    network.nStations = 2;
+    network.StationName = {"", "S1", "S2"};
+    network.nObjectPoints = 15;
+    network.ObjectName = {""};
+    work.UsedObject = {0};
+    for (int i = 1; i <= 15; ++i) {
+        network.ObjectName.push_back("P" + std::to_string(i));
+        work.UsedObject.push_back(i);
+    }
+    const auto note = [&](const std::vector<int>& open) -> std::string {
+        work.Open.assign(3 * 17 + 1, false);
+        for (const int column : open) work.Open[static_cast<std::size_t>(column)] = true;
+        NoteOpenPoints(network, work);
+        NoteOpenPoints(network, work);  // which takes the place of the one before
+        std::string text;
+        for (const Note& entry : Notes.List)
+            if (entry.Code == NoteCode::NetworkOpen) text += entry.Text + "|" + std::to_string(entry.Count);
+        return text;
+    };
+    const std::string end = "; what is shown for them is arbitrary|";
+    EXPECT_EQ(note({}), "");
+    // One coordinate of a point is enough, whichever it is.
+    for (const int column : {4, 5, 6})
+        EXPECT_EQ(note({column}), "The distances do not determine station \"S2\"" + end + "1");
+    for (const int column : {7, 8, 9})
+        EXPECT_EQ(note({column}), "The distances do not determine object point \"P1\"" + end + "1");
+    EXPECT_EQ(note({1, 5, 51}),
+              "The distances do not determine stations \"S1\", \"S2\" and object point \"P15\"" + end + "3");
+    const std::string twelve =
+        "The distances do not determine object points \"P1\", \"P2\", \"P3\", \"P4\", \"P5\", \"P6\", \"P7\", "
+        "\"P8\", \"P9\", \"P10\", \"P11\", \"P12\"";
+    std::vector<int> open;
+    for (int i = 0; i < 12; ++i) open.push_back(7 + 3 * i);
+    EXPECT_EQ(note(open), twelve + end + "12");
+    open.push_back(7 + 3 * 12);
+    EXPECT_EQ(note(open), twelve + " and 1 more" + end + "13");
+}
+
 TEST_F(OpenPoints, TheWindowShowsNoAccuracyForThemAndKeepsTheNote) {
     Read(Without(
         [](const std::string& s, const std::string& o) { return o == "P12" && s != "S1" && s != "S2"; }));

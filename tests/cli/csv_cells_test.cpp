@@ -80,3 +80,17 @@ TEST_F(CsvCellsTest, ANameThatNoJobKeepsIsRefusedByTheImport) {
     EXPECT_EQ(FreshCommandLine({"fit", start(65535), target, "--save", PathOf("j.cvn")}).Status, 0);
     EXPECT_EQ(FreshCommandLine({"info", PathOf("j.cvn")}).Status, 0);
 }
+
+TEST_F(CsvCellsTest, ANameOfAMegabyteIsToldShortAndTheBatchKeepsIt) {
+    const std::string target = Write("t.txt", "A;5;6;7\nB;1005;6;7\nC;5;2006;7\n"), name(1'000'000, 'n'),
+                      start = Write("s.txt", "A;0;0;0\nB;1000;0;0\nC;0;2000;0\n"), job = PathOf("j.cvn"),
+                      named = Write("n.txt", name + ";1;2;3\n");
+    const Outcome fit = FreshCommandLine({"fit", named, target, "--save", job});
+    EXPECT_NE(fit.Status, 0);
+    EXPECT_NE(fit.Err.find("has 1000000 bytes, and a job keeps 65535"), std::string::npos);
+    EXPECT_LT(fit.Err.size(), 1000U);
+    ASSERT_EQ(FreshCommandLine({"fit", start, target, "--save", job}).Status, 0);
+    // A job has no part in the names of the batch.
+    ASSERT_EQ(FreshCommandLine({"transform", job, named, "--out", PathOf("o.txt")}).Status, 0);
+    EXPECT_TRUE(Contents(PathOf("o.txt")) == name + "\t6.000\t8.000\t10.000\r\n");
+}

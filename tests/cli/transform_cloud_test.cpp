@@ -121,6 +121,23 @@ TEST_F(TransformClouds, AFullDiskLeavesNoHalfFile) {
     EXPECT_EQ(FilesOfFolder(PathOf("to")), Names{});
 }
 
+TEST_F(TransformClouds, AViewpointThatStaysBehindIsTold) {
+    const auto pcd = [](const std::string& viewpoint) {
+        return "VERSION 0.7\nFIELDS x y z\nSIZE 4 4 4\nTYPE F F F\nCOUNT 1 1 1\nWIDTH 1\nHEIGHT 1\nVIEWPOINT " +
+               viewpoint + "\nPOINTS 1\nDATA ascii\n1 2 3\n";
+    };
+    const std::string told = "The viewpoint of the cloud is not moved with its points", out = PathOf("o.pcd");
+    const Outcome own = Command({"transform", "--with", matrix_, Write("own.pcd", pcd("0 0 5 1 0 0 0")),
+                                 "--out", out, "--overwrite"});
+    EXPECT_EQ(own.Status, 0) << own.Err;
+    EXPECT_NE(own.Err.find(told), std::string::npos) << own.Err;
+    EXPECT_NE(Contents(out).find("VIEWPOINT 0 0 5 1 0 0 0\n"), std::string::npos);
+    EXPECT_NE(Contents(out).find("\n6.000 8.000 10.000\n"), std::string::npos) << Contents(out);
+    const Outcome none = Command({"transform", "--with", matrix_, Write("none.pcd", pcd("0 0 0 1 0 0 0")),
+                                  "--out", out, "--overwrite"});
+    EXPECT_EQ(none.Err.find(told), std::string::npos) << none.Err;
+}
+
 TEST_F(TransformClouds, ResultsAreReplacedWithOverwriteAlone) {
     const std::string out = Write("out.ply", "old");
     EXPECT_EQ(Command({"transform", "--with", matrix_, ply_, "--out", out}).Status, 1);

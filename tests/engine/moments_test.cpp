@@ -409,6 +409,44 @@ TEST_F(MomentRoad, TheEquationsInLanesAreThoseOfTheMatricesOnEveryInstructionSet
         }
 }
 
+// A turn about a thin set moves its points by so little that products of the whole set leave no digits of it:
+// both ways of making the equations say so, or neither does.
+TEST_F(MomentRoad, BothSayWhereATurnAboutAThinSetLeavesNoDigits) {
+    constexpr double kEighth = 0.78539816339744831, kOfDiagonal = 0.61547970867038734;  // atan(1 / sqrt(2))
+    for (int i = 0; i < 20; ++i) {
+        const double along = 500 * NextNumber(), y = 0.01 * NextNumber(), z = 0.01 * NextNumber();
+        AddPair({along, along + y, along + z}, {y, z, std::sqrt(3.0) * along});
+    }
+    Column P(Job.UseFlags.begin(), Job.UseFlags.end());
+    FloatParameters(kRigid);
+    GatheredPoints points;
+    GatherPoints(P, false, points);
+    SetWeights(P, points);
+    const FitModel model = ChooseModel(Job.ParamText);
+    PointMoments moments;
+    SumMoments(points, Linearise(model, points), moments);
+    int left = 0, none = 0;
+    for (const double x : {0.0, kEighth, -kEighth, 3 * kEighth, -3 * kEighth})
+        for (const double y :
+             {kOfDiagonal, -kOfDiagonal, 2 * kEighth - kOfDiagonal, kOfDiagonal - 2 * kEighth})
+            for (const double z : {0.0, kEighth, -kEighth, 3 * kEighth, -3 * kEighth}) {
+                Job.RotX = x;
+                Job.RotY = y;
+                Job.RotZ = z;
+                const Linearisation at = Linearise(model, points);
+                Matrix N(model.Unknowns, model.Unknowns);
+                Column w(static_cast<std::size_t>(model.Unknowns) + 1);
+                SmallEquations two;
+                const bool digits = NormalEquations(model, at, moments, N, w);
+                EXPECT_EQ(NormalEquations(model, at, moments, VectorWidth::Two, two), digits)
+                    << x << ", " << y << ", " << z;
+                ++(digits ? left : none);
+            }
+    EXPECT_GT(left, 0);
+    EXPECT_GT(none, 0);
+    ExpectTheSame(1e-6);
+}
+
 TEST_F(MomentRoad, SquaresOfResidualsAreThoseOfTheResiduals) {
     AddCloud({.Points = 21, .Noise = 1, .Truth = kTruth});
     FloatParameters(kRigid);

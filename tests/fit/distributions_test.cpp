@@ -127,4 +127,23 @@ TEST(Distributions, StudentShiftHasItsPower) {
                 1e-4);
 }
 
+// With as many degrees of freedom above as below, 1 is in the middle; and a ratio turned over has its tails
+// exchanged. Both hold for as many as there may be.
+TEST(Distributions, FishersTailsBelongTogetherWithManyDegreesOfFreedomOnBothSides) {
+    for (const double freedom : {30.0, 100.0, 1000.0, 1e5, 1e7}) {
+        EXPECT_NEAR(FisherAbove(1, freedom, freedom), 0.5, 1e-7) << freedom;
+        for (const double f : {0.9, 0.99, 1.0, 1.01})
+            EXPECT_NEAR(FisherAbove(f, freedom, 3 * freedom) + FisherAbove(1 / f, 3 * freedom, freedom), 1,
+                        1e-9)
+                << freedom << ", " << f;
+    }
+}
+
+// Values of scipy.stats.f.sf.
+TEST(Distributions, FisherWithManyDegreesOfFreedomIsThatOfOthers) {
+    EXPECT_NEAR(FisherAbove(1.05, 4000, 10000), 0.03185704040895709, 1e-11);
+    EXPECT_NEAR(FisherAbove(0.97, 3000, 2000), 0.7732176170152254, 1e-10);
+    EXPECT_NEAR(FisherAbove(1.2, 500, 400), 0.028099193680608887, 1e-11);
+}
+
 }  // namespace

@@ -146,15 +146,15 @@ int PlainPairByCoordinate(Set& start, Set& target, float etta, const MatchingOpt
     return nIdent;
 }
 
-struct Row {
+struct WordedRow {
     double Length = 0;
     int First = 0, Second = 0;
 };
 
 // All pairs of the first `used` points of a set of n; the rest of the table stays zero.
-std::vector<Row> PlainTable(const Set& set, int used) {
+std::vector<WordedRow> PlainTable(const Set& set, int used) {
     const int n = Last(set);
-    std::vector<Row> table(At(n * (n - 1) / 2));
+    std::vector<WordedRow> table(At(n * (n - 1) / 2));
     std::size_t row = 0;
     for (int i = 1; i <= used; ++i)
         for (int j = i + 1; j <= used; ++j) table[row++] = {Distance(set[At(i)], set[At(j)]), i, j};
@@ -169,8 +169,8 @@ std::string Text(double value) {
 
 using Candidate = std::array<std::string, 7>;  // columns 1 to 6
 
-std::vector<Candidate> PlainSearch(const std::vector<Row>& start, const std::vector<Row>& target, float etta,
-                                   std::vector<int>& progress) {
+std::vector<Candidate> PlainSearch(const std::vector<WordedRow>& start, const std::vector<WordedRow>& target,
+                                   float etta, std::vector<int>& progress) {
     std::vector<Candidate> found;
     for (std::size_t r = 1; r <= start.size(); ++r) {
         double percent = static_cast<double>(r) / static_cast<double>(start.size()) * 100;
@@ -362,8 +362,8 @@ TEST_F(MatchingWording, DistancesPairAsTheRulesSay) {
         int m = Last(target);
         if (options.CheckUseOnlyFirst) m = std::min(m, static_cast<int>(options.TextMaxOCS));
         std::vector<int> progress;
-        const std::vector<Row> startTable = PlainTable(start, Last(start));
-        const std::vector<Row> targetTable = PlainTable(target, m);
+        const std::vector<WordedRow> startTable = PlainTable(start, Last(start));
+        const std::vector<WordedRow> targetTable = PlainTable(target, m);
         std::vector<Candidate> found = PlainSearch(startTable, targetTable, ::Run.Etta, progress);
         if (targetTable.empty()) progress.clear();  // nothing is searched
         JobRecord expected = Job;

@@ -138,3 +138,25 @@ TEST_F(RobotFiles, ATargetWhoseBracketsAreDividedIsNoted) {
     EXPECT_EQ(Notes.List[0].Code, NoteCode::PosesSkipped);
     EXPECT_EQ(Notes.List[0].Line, 3);
 }
+
+TEST_F(RobotFiles, WhatAModuleHasOfSeveralKindsIsOneNoteWithTheLineOfEach) {
+    std::string other = kTurned;
+    other.replace(other.find("p10"), 3, "p11");
+    const std::string target = kTurned.substr(0, kTurned.find(';'));
+    Read(
+        [](const TargetFile& file) {
+            EinlesenABB_MODX({file.Path, true});
+        },
+        "MODULE M\nPERS tooldata t:=[TRUE,[[1,2,3],[1,0,0,0]],[1,[0,0,1],[1,0,0,0],0,0,0]];\n" + target +
+            " " + target + ";\n" + other + "ENDMODULE\n");
+    EXPECT_EQ(Job.Target.Count(), 2);
+    ASSERT_EQ(Notes.List.size(), 1u);
+    EXPECT_EQ(Notes.List[0].Code, NoteCode::PosesSkipped);
+    EXPECT_EQ(Notes.List[0].Line, 2);
+    EXPECT_EQ(Notes.List[0].Count, 2);
+    EXPECT_TRUE(Notes.List[0].Text.starts_with("What looks like a pose is no robot target"));
+    EXPECT_NE(
+        Notes.List[0].Text.find("; a second pose in the statement of another one is not taken, as in line 3"),
+        std::string::npos)
+        << Notes.List[0].Text;
+}
