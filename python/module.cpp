@@ -8,6 +8,7 @@
 
 #include "corvinade/fit.h"
 #include "corvinade/transformation.h"
+#include "moments.h"
 
 namespace py = pybind11;
 using namespace corvinade;
@@ -200,6 +201,8 @@ PYBIND11_MODULE(_corvinade, module) {
         .def_readonly("unknowns", &FitResult::Unknowns)
         .def_readonly("s0", &FitResult::S0)
         .def_readonly("sigma_of_axis", &FitResult::SigmaOfAxis);
+
+    AddMoments(module);
 
     std::vector<std::string> names;
     for (std::size_t k = 0; k < kParameters; ++k) names.emplace_back(NameOf(static_cast<Parameter>(k)));

@@ -21,18 +21,19 @@ import numpy as np
 
 from ._corvinade import EXPORT_FORMS, InvalidInput, PARAMETERS, __version__
 from ._corvinade import fit as _fit
+from ._moments import Moments
 from ._points import doubles, paired, points_of
 from ._result import Note, Parameter, Result, Statistics, Transformation
 from ._rotation import Rotation
 
-__all__ = ["fit", "EXPORT_FORMS", "InvalidInput", "Note", "PARAMETERS", "Parameter", "Result", "Rotation", "Statistics",
+__all__ = ["fit", "EXPORT_FORMS", "InvalidInput", "Moments", "Note", "PARAMETERS", "Parameter", "Result", "Rotation", "Statistics",
            "Transformation", "__version__"]
 
 _NO_DOUBLES = np.empty(0)
 _NO_FLAGS = np.empty(0, dtype=np.uint8)
 
 
-def fit(measured: Any, nominal: Any, parameters: str = "7", names: Optional[Sequence[str]] = None,
+def fit(measured: Any, nominal: Any = None, parameters: str = "7", names: Optional[Sequence[str]] = None,
         sigma: Any = None, norm: str = "l2", hold: Optional[Mapping[str, float]] = None, *,
         use: Any = None, nominal_sigma: Any = None, seed: Sequence[int] = (0, 1, 2),
         max_iterations: int = 100) -> Result:
@@ -41,6 +42,7 @@ def fit(measured: Any, nominal: Any, parameters: str = "7", names: Optional[Sequ
     measured, nominal: arrays of shape (n, 3), mm; float64 is read where it lies. Frames of pandas with columns
         x, y, z (or three) have the names of their points in the index: two of them are paired by name, in the order
         of the measured ones, and what has no partner is told in `notes` and `unpaired`.
+        `Moments` stand in the place of both.
     parameters: "level" (shifts, turn about z), "6" (rigid), "7" (one scale), "9" (a scale an axis), "12" (affine).
     names: of the pairs, n of them.
     sigma, nominal_sigma: a-priori standard deviations, mm: of all, of shape (3,) or of shape (n, 3). With the norms
@@ -53,6 +55,13 @@ def fit(measured: Any, nominal: Any, parameters: str = "7", names: Optional[Sequ
     Other threads run meanwhile, and Ctrl-C ends it. TypeError for what is no array of numbers; ValueError
     (InvalidInput) for wrong shapes and lengths, NaN, no points, fewer observations than unknowns, other names.
     """
+    if isinstance(measured, Moments):
+        others = {"nominal": nominal, "names": names, "sigma": sigma, "use": use, "nominal_sigma": nominal_sigma}
+        given = [name for name, value in others.items() if value is not None]
+        given += ["norm"] * (norm != "l2") + ["seed"] * (tuple(seed) != (0, 1, 2))
+        if given:
+            raise ValueError(f"Moments are sums over all pairs: {', '.join(given)} does not go with them")
+        return measured.fit(parameters, hold, max_iterations=max_iterations)
     start, of_measured = points_of(measured, "measured")
     target, of_nominal = points_of(nominal, "nominal")
     unpaired: tuple[list[str], list[str]] = ([], [])

@@ -160,8 +160,16 @@ class Result:
 
     @property
     def residuals(self) -> np.ndarray:
-        """Transformed measured points minus nominal ones, shape (n, 3), mm; also of those that took no part."""
+        """Transformed measured points minus nominal ones, shape (n, 3), mm; also of those that took no part.
+
+        Of a fit of `Moments`, which know no single pair, the shape is (0, 3)."""
         return self._fitted.residuals
+
+    @property
+    def pairs(self) -> int:
+        """How many there are; of a fit of `Moments` without residuals."""
+        f = self._fitted
+        return len(f.residuals) or f.observations // 3
 
     @property
     def converged(self) -> bool:
@@ -219,7 +227,7 @@ class Result:
             "schema": "corvinade-library-fit",
             "schemaVersion": 1,
             "program": {"name": "corvinade", "version": _corvinade.__version__},
-            "counts": {"pairs": len(f.residuals), "observations": f.observations, "unknowns": f.unknowns},
+            "counts": {"pairs": self.pairs, "observations": f.observations, "unknowns": f.unknowns},
             "converged": f.converged,
             "iterations": f.iterations,
             "norm": self.norm,
@@ -255,12 +263,12 @@ class Result:
         notes = "".join(f"<li>{html.escape(note.text)}</li>" for note in self.notes)
         f = self._fitted
         return (f"<table><thead><tr><th>parameter</th><th>value</th><th>sigma</th><th>unit</th></tr></thead><tbody>{rows}"
-                f"</tbody></table><p>s0 = {f.s0:.6g} mm, {len(f.residuals)} pairs"
+                f"</tbody></table><p>s0 = {f.s0:.6g} mm, {self.pairs} pairs"
                 f"{'' if f.converged else ', <b>not converged</b>'}</p>" + (f"<ul>{notes}</ul>" if notes else ""))
 
     def __repr__(self) -> str:
         f = self._fitted
-        return (f"Result({len(f.residuals)} pairs, s0={f.s0:.6g} mm, "
+        return (f"Result({self.pairs} pairs, s0={f.s0:.6g} mm, "
                 f"{'converged' if f.converged else 'NOT CONVERGED'}, {len(self.notes)} notes)")
 
 
