@@ -9,6 +9,7 @@
 #include "corvinade/fit.h"
 #include "corvinade/transformation.h"
 #include "moments.h"
+#include "reading.h"
 
 namespace py = pybind11;
 using namespace corvinade;
@@ -208,6 +209,7 @@ PYBIND11_MODULE(_corvinade, module) {
     for (std::size_t k = 0; k < kParameters; ++k) names.emplace_back(NameOf(static_cast<Parameter>(k)));
     module.attr("PARAMETERS") = py::tuple(py::cast(names));
     module.def("fit", &FitOf);
+    AddReading(module);
     module.def("apply", &Applied);
     module.def("invert", [](const Doubles& matrix) { return ArrayOf(Invert(MatrixFrom(matrix))); });
     module.def("compose", [](const Doubles& then, const Doubles& first) {

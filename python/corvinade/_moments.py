@@ -2,10 +2,11 @@
 
 from __future__ import annotations
 
+import os
 from typing import Any, Mapping, Optional
 
 from . import _corvinade
-from ._points import paired, points_of
+from ._points import Points, paired, points_of
 from ._result import Result
 
 
@@ -38,6 +39,13 @@ class Moments:
         All are taken or, where an error comes, none. Frames whose points have not all their partner are refused, for
         there is no result yet that could tell of it. Other threads run meanwhile, and Ctrl-C ends it.
         """
+        for side, what in ((measured, "measured"), (nominal, "nominal")):
+            if isinstance(side, (str, os.PathLike)):
+                raise TypeError(f"{what}: points were expected, and the path {os.fspath(side)!r} came; read_points reads it "
+                                "and tells what is to be known of it")
+            if isinstance(side, Points) and side.sigma is not None:
+                raise ValueError(f"{what}: these points have standard deviations, which Moments have no place for; add "
+                                 "their coordinates")
         start, of_measured = points_of(measured, "measured")
         target, of_nominal = points_of(nominal, "nominal")
         if of_measured is not None and of_nominal is not None:

@@ -5,12 +5,12 @@ from __future__ import annotations
 import html
 import json
 import math
-from typing import Any, NamedTuple, Optional
+from typing import Any, NamedTuple, Optional, Sequence
 
 import numpy as np
 
 from . import _corvinade
-from ._points import doubles, is_frame, points_of
+from ._points import Points, doubles, is_frame, points_of
 from ._rotation import Rotation
 
 _SCALES = ("scalex", "scaley", "scalez", "scalexyz")
@@ -80,6 +80,8 @@ class Transformation:
 def moved(matrix: np.ndarray, points: Any) -> Any:
     coordinates, _ = points_of(points, "points")
     there = _corvinade.apply(matrix, coordinates)
+    if isinstance(points, Points):
+        return Points(points.names, there)
     if not is_frame(points):
         return there
     return type(points)(there, index=points.index, columns=["x", "y", "z"])
@@ -118,14 +120,15 @@ class Statistics(NamedTuple):
 class Result:
     """What `corvinade.fit` has found: X = T + R K S x carries the measured points onto the nominal ones."""
 
-    __slots__ = ("_fitted", "names", "norm", "unpaired", "_notes")
+    __slots__ = ("_fitted", "names", "norm", "unpaired", "_of_files", "_notes")
 
     def __init__(self, fitted: _corvinade.Fitted, names: Optional[list[str]], norm: str,
-                 unpaired: tuple[list[str], list[str]]):
+                 unpaired: tuple[list[str], list[str]], of_files: Sequence[Note] = ()):
         self._fitted = fitted
         self.names = names
         self.norm = norm
         self.unpaired = unpaired
+        self._of_files = of_files
         self._notes: Optional[list[Note]] = None
 
     @property
@@ -195,7 +198,7 @@ class Result:
     def notes(self) -> list[Note]:
         """What the fit has decided on its own, or leaves to be said."""
         if self._notes is None:
-            self._notes = [Note(code, text) for code, text in self._fitted.notes]
+            self._notes = [*self._of_files, *(Note(code, text) for code, text in self._fitted.notes)]
             for names, of in zip(self.unpaired, ("measured", "nominal")):
                 if names:
                     more = ", ..." if len(names) > 5 else ""
@@ -217,6 +220,27 @@ class Result:
         `name` goes into declarations. ValueError where the form has no place for a scale, a shear or a mirror.
         """
         return _corvinade.export(self.matrix, form, name)
+
+    def plot(self, axes: Any = None) -> Any:
+        """What is left over at each pair, mm, as bars on axes of matplotlib, or on new ones; gives the axes.
+
+        ImportError where there is no matplotlib.
+        """
+        try:
+            from matplotlib import pyplot
+        except ImportError as error:
+            raise ImportError("plot draws with matplotlib, and this Python has none: install python3-matplotlib") from error
+        if axes is None:
+            axes = pyplot.subplots()[1]
+        lengths = np.linalg.norm(self.residuals, axis=1)
+        axes.bar(np.arange(len(lengths)), lengths)
+        axes.set_ylabel("deviation, mm")
+        axes.set_title(f"s0 = {self._fitted.s0:.4g} mm{'' if self._fitted.converged else ', not converged'}")
+        if self.names is not None and len(self.names) <= 60:
+            axes.set_xticks(np.arange(len(lengths)), self.names, rotation=90)
+        else:
+            axes.set_xlabel("pair, from 0")
+        return axes
 
     def to_json(self, indent: Optional[int] = 1) -> str:
         """All of it as JSON, which ``corvinade-cli transform --with`` takes; mm and rad, null for what is open."""
