@@ -219,6 +219,8 @@ PYBIND11_MODULE(_corvinade, module) {
     module.def("export", [](const Doubles& matrix, const std::string& form, const std::string& name) {
         return Export(MatrixFrom(matrix), form, name);
     });
+    module.def("import_text",
+               [](const std::string& text, const std::string& form) { return ArrayOf(Import(text, form)); });
     module.def("chain_of", [](const Doubles& matrix) {
         const Chain chain = ChainOf(MatrixFrom(matrix));
         const Quaternion q = QuaternionOf(chain);

@@ -32,6 +32,15 @@ class Transformation:
         self._matrix = np.array(given)
         self._matrix.flags.writeable = False
 
+    @classmethod
+    def from_text(cls, text: str, form: str) -> Transformation:
+        """From what `export` writes in one of `corvinade.EXPORT_FORMS`; ValueError, with line, where it is none.
+
+        >>> Transformation.from_text("$BASE={X 1,Y 2,Z 3,A 90,B 0,C 0}", "kuka-base").translation
+        array([1., 2., 3.])
+        """
+        return cls(_corvinade.import_text(text, form))
+
     @property
     def matrix(self) -> np.ndarray:
         """The homogeneous matrix, shape (4, 4)."""
