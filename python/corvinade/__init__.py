@@ -16,12 +16,17 @@ array([[101., 202.,  53.]])
 from __future__ import annotations
 
 import os
+import sys
 from typing import Any, Mapping, Optional, Sequence
 
 import numpy as np
 
-from ._corvinade import EXPORT_FORMS, InvalidInput, PARAMETERS, __version__
-from ._corvinade import fit as _fit
+try:
+    from ._corvinade import EXPORT_FORMS, InvalidInput, PARAMETERS, __version__
+    from ._corvinade import fit as _fit
+except ImportError as error:
+    raise ImportError(f"corvinade has a part that is made for one version of Python; for this one, {sys.version.split()[0]}, "
+                      f"it is missing or damaged: {error}") from error
 from ._moments import Moments
 from ._points import Points, doubles, paired, points_of
 from ._reading import Job, Match, match, read_job, read_points
