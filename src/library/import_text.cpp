@@ -97,6 +97,7 @@ public:
             } else if (pattern[i] == '#') {
                 TakeNumber();
             } else if (pattern[i] == '~') {
+                if (at_ == text_.size() || !IsOfName(text_[at_])) Refuse("a name");
                 while (at_ < text_.size() && IsOfName(text_[at_])) ++at_;
             } else if (at_ < text_.size() && Small(text_[at_]) == Small(pattern[i])) {
                 ++at_;
