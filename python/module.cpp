@@ -3,11 +3,11 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
-#include <chrono>
 #include <string>
 
 #include "corvinade/fit.h"
 #include "corvinade/transformation.h"
+#include "interruption.h"
 #include "moments.h"
 #include "reading.h"
 
@@ -83,22 +83,6 @@ Doubles RotationOf(const Chain& chain) {
     for (std::size_t i = 0; i < 9; ++i) array.mutable_data()[i] = matrix[4 * (i / 3) + i % 3];
     return array;
 }
-
-// Python hears Ctrl-C only where it is asked to. The error stays with the thread until the fit has ended.
-class Interruption {
-public:
-    bool Wanted() {
-        const auto now = std::chrono::steady_clock::now();
-        if (now - asked_ < std::chrono::milliseconds(20)) return false;
-        asked_ = now;
-        const py::gil_scoped_acquire held;
-        return Came = PyErr_CheckSignals() != 0;
-    }
-    bool Came = false;
-
-private:
-    std::chrono::steady_clock::time_point asked_ = std::chrono::steady_clock::now();
-};
 
 FitResult FitOf(const py::array& measured, const py::array& nominal, const std::string& parameters,
                 const py::dict& hold, const std::string& norm,

@@ -17,6 +17,7 @@
 #include "import/coordinate_pairs.h"
 #include "import/table_heading.h"
 #include "import/table_sigmas.h"
+#include "interruption.h"
 
 namespace py = pybind11;
 using namespace corvinade;
@@ -77,7 +78,11 @@ struct Wish {
     bool SkipBad = false;
 };
 
-ReadPoints ReadCarrier(const std::string& path, import::CloudKind kind, const Wish& wish) {
+// What ends a reading that was interrupted; Python has the error.
+struct Interrupted {};
+
+ReadPoints ReadCarrier(const std::string& path, import::CloudKind kind, const Wish& wish,
+                       Interruption& interruption) {
     if (wish.Skip > 0 || wish.Comment)
         throw InvalidInput("\"" + path + "\" is " + import::CloudKindInWords(kind) +
                            ": skip and comment are of tables alone");
@@ -94,14 +99,17 @@ ReadPoints ReadCarrier(const std::string& path, import::CloudKind kind, const Wi
     if (import::TableEncoding encoding{}; import::TableEncodingByName(wish.Encoding, encoding))
         reading.Wish.Encoding = encoding;
     reading.Wish.RefuseBad = !wish.SkipBad;
-    import::CloudSet set = import::ReadCloud(path, std::move(reading), false).value();
+    reading.GoesOn = [&interruption] { return !interruption.Wanted(); };
+    std::optional<import::CloudSet> read = import::ReadCloud(path, std::move(reading), false);
+    if (!read) throw Interrupted{};
+    import::CloudSet& set = *read;
     std::vector<core::Note> notes = import::NotesOfCloud(set.Facts, path, false);
     const std::string unit = set.Facts.Unit.empty() ? "mm" : set.Facts.Unit;
     return {std::move(set.Points), std::move(set.Sigmas), std::move(notes), import::CloudKindName(kind),
             unit};
 }
 
-ReadPoints ReadTextTable(const std::string& path, const Wish& wish) {
+ReadPoints ReadTextTable(const std::string& path, const Wish& wish, Interruption& interruption) {
     import::TableOptions options;
     if (!wish.Columns.empty())
         if (const std::string why = import::TakeTableColumns(wish.Columns, options.Columns); !why.empty())
@@ -115,8 +123,10 @@ ReadPoints ReadTextTable(const std::string& path, const Wish& wish) {
         options.Encoding = encoding;
     options.SkipBad = wish.SkipBad;
     options.DoubleNames = true;
+    options.GoesOn = [&interruption](const import::TableProgress&) { return !interruption.Wanted(); };
     const core::FileBytes bytes = core::ReadFile(path);
     import::TableResult table = import::ReadTable(bytes.View(), path, options);
+    if (table.Cancelled) throw Interrupted{};
     core::PointAccuracies sigmas = import::SigmasOfTable(table, path);
     if (table.Refusal.Refused()) throw InvalidInput(table.Refusal.Text);
     return {std::move(table.Points), std::move(sigmas), std::move(table.Notes), "table", table.Form.Unit};
@@ -130,12 +140,16 @@ py::tuple PointsOfFile(const std::string& path, const Wish& wish) {
     if (!wish.Unit.empty() && import::TableUnitByWord(wish.Unit) == nullptr)
         throw InvalidInput("unit: mm, cm, m, km, in or ft was expected, and \"" + wish.Unit + "\" came");
     ReadPoints read;
+    Interruption interruption;
     try {
         const py::gil_scoped_release others;
         const import::CloudKind kind = import::KindOfFile(path);
-        read = import::IsCarrier(kind) ? ReadCarrier(path, kind, wish) : ReadTextTable(path, wish);
+        read = import::IsCarrier(kind) ? ReadCarrier(path, kind, wish, interruption)
+                                       : ReadTextTable(path, wish, interruption);
     } catch (const core::PlatformError& error) {
         throw InvalidInput(error.What);
+    } catch (const Interrupted&) {
+        throw py::error_already_set();
     }
     return py::make_tuple(NamesOf(read.Points), CoordinatesOf(read.Points), SigmasOf(read.Sigmas),
                           NotesOf(read.Notes), read.Format, read.Unit);

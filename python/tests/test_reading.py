@@ -3,6 +3,7 @@
 import json
 import os
 import pathlib
+import signal
 import subprocess
 import threading
 
@@ -210,3 +211,21 @@ def test_sums_take_no_files_and_no_points_with_standard_deviations():
         corvinade.Moments().add(points, np.eye(2, 3))
     with pytest.raises(TypeError, match="read_points reads it"):
         corvinade.Moments().add(MEASURED, NOMINAL)
+
+
+@pytest.mark.parametrize("name", ["points.txt", "cloud.ply"])
+def test_an_interrupt_ends_the_reading(tmp_path, name):
+    path, count = tmp_path / name, 300_000
+    head = ("ply\nformat ascii 1.0\nelement vertex %d\nproperty double x\nproperty double y\nproperty double z\nend_header\n"
+            % count) if name.endswith("ply") else "x y z\n"
+    path.write_text(head + "".join(f"{i}.5 2.25 {i}\n" for i in range(count)))
+    before = signal.signal(signal.SIGALRM, signal.default_int_handler)
+    try:
+        with pytest.raises(KeyboardInterrupt):
+            signal.setitimer(signal.ITIMER_REAL, 0.05)
+            while True:
+                corvinade.read_points(path)
+    finally:
+        signal.setitimer(signal.ITIMER_REAL, 0)
+        signal.signal(signal.SIGALRM, before)
+    assert len(corvinade.read_points(path)) == count
