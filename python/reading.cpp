@@ -9,6 +9,7 @@
 
 #include "core/files.h"
 #include "core/job_file.h"
+#include "core/measurement_sigmas.h"
 #include "core/notes.h"
 #include "core/platform.h"
 #include "corvinade/error.h"
@@ -167,9 +168,17 @@ py::dict JobOfFile(const std::string& path) {
     if (!content.BlockFault.empty()) throw InvalidInput(content.BlockFault);
     const core::JobRecord& job = content.Job;
     py::dict told;
-    const auto points = [](const PointSet& set) { return py::make_tuple(NamesOf(set), CoordinatesOf(set)); };
-    told["measured"] = points(job.Start);
-    told["nominal"] = points(job.Target);
+    const auto points = [](const PointSet& set, const std::optional<core::SideAccuracy>& ofAll,
+                           const core::SharedAccuracies& ofEach) {
+        core::PointAccuracies sigmas = ofEach != nullptr ? *ofEach : core::PointAccuracies{};
+        if (ofEach == nullptr && ofAll)
+            for (std::size_t axis = 0; axis < 3; ++axis)
+                sigmas.Of[axis].assign(static_cast<std::size_t>(set.Count()), (*ofAll)[axis]);
+        return py::make_tuple(NamesOf(set), CoordinatesOf(set), SigmasOf(sigmas));
+    };
+    const core::MeasurementSigmas sigmas = core::SigmasOf(job);
+    told["measured"] = points(job.Start, sigmas.Start, sigmas.StartOfEach);
+    told["nominal"] = points(job.Target, sigmas.Target, sigmas.TargetOfEach);
     told["pairs"] = job.Pairs();
     py::array_t<bool> use({py::ssize_t{job.Pairs()}, py::ssize_t{3}});
     for (std::size_t i = 0; i < static_cast<std::size_t>(use.size()); ++i)

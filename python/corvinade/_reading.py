@@ -42,6 +42,13 @@ def read_points(path: Path, *, columns: str = "", unit: str = "", delimiter: str
     comment: first characters of lines that are none of the table; skip: so many lines at the beginning are none.
     skip_bad: rows that are no points are passed over, which a note tells, in place of ending it.
 
+    >>> import corvinade
+    >>> points = corvinade.read_points("examples/robot_cell_measured.txt")
+    >>> points
+    Points(16 points of examples/robot_cell_measured.txt, 0 notes)
+    >>> points.coordinates.shape
+    (16, 3)
+
     OSError where the file cannot be opened; ValueError (InvalidInput) with file, line and column for what is no table.
     """
     mark = _DELIMITERS.get(delimiter, delimiter)
@@ -58,7 +65,8 @@ def read_points(path: Path, *, columns: str = "", unit: str = "", delimiter: str
 class Job:
     """What a job file holds.
 
-    measured, nominal: `Points`. The first `pairs` of each are the pairs, in the order of their names.
+    measured, nominal: `Points`, with the standard deviations that the job has of them. The first `pairs` of each are the
+        pairs, in the order of their names.
     use: of shape (pairs, 3), bool: False takes no part in the fit.
     transformation: the result that the job was saved with, from measured to nominal (from nominal to measured where
         `direction` is "ocs-mcs"); None where it has none. converged: False where that is no best fit.
@@ -106,6 +114,10 @@ class Match(NamedTuple):
 
 def match(measured: Any, nominal: Any, by: str = "names", tolerance: float = 0.8) -> Match:
     """Which points of two sets are the same: `Points`, frames, paths, or with "coordinates" arrays too.
+
+    >>> import corvinade, numpy as np
+    >>> corvinade.match(corvinade.Points(["A", "B"], np.eye(2, 3)), corvinade.Points(["B", "C"], np.eye(2, 3)))
+    Match(here=array([1]), there=array([0]), unpaired=(['A'], ['C']))
 
     by: "names", equal ones; "coordinates", near ones: each measured point, in their order, takes the nearest nominal
         point that is free and nearer than `tolerance`, mm. (By distances alone ``corvinade-cli fit --match distance``.)

@@ -139,6 +139,17 @@ def test_a_job_holds_points_and_result_as_info_tells_them():
     assert job.converged and job.parameters["trax"] == "float"
 
 
+def test_standard_deviations_of_a_job_come_with_its_points(tmp_path):
+    path = tmp_path / "cell.cvn"
+    told_by_command("fit", MEASURED, NOMINAL, "--start-sigma", "0.1,0.2,0.3", "--save", path)
+    job = corvinade.read_job(path)
+    assert np.allclose(job.measured.sigma, np.tile([0.1, 0.2, 0.3], (len(job.measured), 1)), rtol=1e-15)
+    assert job.nominal.sigma is None
+    result = corvinade.fit(*job.paired(), "6")
+    assert np.allclose(result.matrix, job.transformation.matrix, rtol=0, atol=1e-8)
+    assert not np.allclose(corvinade.fit(*job.paired(), "6", sigma=1).matrix, job.transformation.matrix, rtol=0, atol=1e-6)
+
+
 def test_a_damaged_job_is_refused(tmp_path):
     whole = (EXAMPLES / "robot_cell.cvn").read_bytes()
     path = tmp_path / "cut.cvn"
