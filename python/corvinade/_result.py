@@ -5,6 +5,7 @@ from __future__ import annotations
 import html
 import json
 import math
+import os
 from typing import Any, NamedTuple, Optional, Sequence
 
 import numpy as np
@@ -62,7 +63,8 @@ class Transformation:
         return self._chain[2]
 
     def transform(self, points: Any) -> Any:
-        """Points of shape (n, 3), mm, where the transformation takes them; of a frame a frame with its index."""
+        """Points of shape (n, 3), mm, where the transformation takes them; of a frame a frame with its index, of
+        `Points` or a path `Points`, without standard deviations."""
         return moved(self.matrix, points)
 
     def inverse(self) -> Transformation:
@@ -87,10 +89,15 @@ class Transformation:
 
 
 def moved(matrix: np.ndarray, points: Any) -> Any:
+    if isinstance(points, (str, os.PathLike)):
+        from ._reading import read_points
+
+        points = read_points(points)
     coordinates, _ = points_of(points, "points")
     there = _corvinade.apply(matrix, coordinates)
+    # Standard deviations are of the axes that the points come from.
     if isinstance(points, Points):
-        return Points(points.names, there)
+        return Points(points.names, there, None, points.path, points.format, points.unit, points.notes)
     if not is_frame(points):
         return there
     return type(points)(there, index=points.index, columns=["x", "y", "z"])
@@ -216,7 +223,8 @@ class Result:
         return self._notes
 
     def transform(self, points: Any) -> Any:
-        """Points of shape (n, 3), mm, where the fit takes them; of a frame a frame with its index."""
+        """Points of shape (n, 3), mm, where the fit takes them; of a frame a frame with its index, of
+        `Points` or a path `Points`, without standard deviations."""
         return moved(self.matrix, points)
 
     def inverse(self) -> Transformation:

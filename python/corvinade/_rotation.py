@@ -20,7 +20,7 @@ class Rotation:
     >>> turn = corvinade.Transformation([[0, -1, 0, 5], [1, 0, 0, 6], [0, 0, 1, 7], [0, 0, 0, 1.0]]).rotation
     >>> turn.as_euler("xyz", degrees=True).round(9) + 0.0
     array([ 0.,  0., 90.])
-    >>> turn.as_quat().round(6)
+    >>> turn.as_quat().round(6) + 0.0
     array([0.      , 0.      , 0.707107, 0.707107])
     """
 

@@ -214,6 +214,8 @@ def test_moved_points_keep_their_names():
     moved = result.transform(points)
     assert moved.names == points.names
     assert np.array_equal(moved.coordinates, result.transform(points.coordinates))
+    of_path = result.transform(MEASURED)
+    assert of_path.names == points.names and np.array_equal(of_path.coordinates, moved.coordinates)
 
 
 def test_sums_take_no_files_and_no_points_with_standard_deviations():
