@@ -56,9 +56,11 @@ std::map<std::string, Words> GivenToAll(const CLI::App& fit, std::set<std::strin
     return given;
 }
 
-// Which of the delimiters of tables the heading has.
+// Which of the delimiters of tables the heading has, the first line that is neither blank nor a comment.
 char DelimiterOf(std::string_view text) {
-    const std::string_view heading = text.substr(0, text.find_first_of("\r\n"));
+    std::string_view heading;
+    for (std::size_t at = 0; import::NextTableLine(text, at, heading);)
+        if (!import::TrimmedCell(heading).empty() && !heading.starts_with('#')) break;
     for (const char delimiter : {';', '\t', '|'})
         if (heading.find(delimiter) != std::string_view::npos) return delimiter;
     return ',';

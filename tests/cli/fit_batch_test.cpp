@@ -84,6 +84,19 @@ TEST_F(FitBatch, EachLineIsTheFitOfItsFilesAndOptions) {
               FitJson({kMeasured, kNominal, "--parameters", "7", "--norm", "l1", "--length-unit", "m"}));
 }
 
+TEST_F(FitBatch, TheHeadingShowsTheDelimiterWhateverStandsBeforeIt) {
+    const std::string out = PathOf("results.jsonl");
+    for (const std::string delimiter : {",", ";", "\t", "|"}) {
+        const std::string list =
+            Write("list.csv", "\xEF\xBB\xBF# cells; of\tthe | hall, all\r\n\r\nSTART" + delimiter +
+                                  "Target\r\n" + start_ + delimiter + "\"" + target_ + "\"\r\n");
+        std::remove(out.c_str());
+        const Outcome run = Fit({"--batch", list, "--out", out});
+        EXPECT_EQ(run.Status, 0) << delimiter << run.Err;
+        EXPECT_EQ(Rows(out).at(0)["line"], 4);
+    }
+}
+
 TEST_F(FitBatch, ResultsInCsvHaveTheNumbersOfTheFit) {
     const std::string list = Write("list.csv", "start;target\n" + start_ + ";" + target_ + "\n");
     const std::string out = PathOf("results.csv");
