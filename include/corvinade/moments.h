@@ -45,8 +45,9 @@ private:
 };
 
 // What Fit of the same pairs finds, to the rounding of their coordinates: the transformation, s0 and sigmas.
-// Residuals of single pairs are not there: FitResult::Residuals is empty. Iterations are counted on twelve
-// pairs that have these sums, and that a choice between equally good solutions is made on.
+// Residuals of single pairs are not there: FitResult::Residuals is empty. Pairs that have the same sums are
+// fitted in their place, as many or at most 1000: iterations are theirs, and whether a mirrored result of
+// nearly flat points is more than noise is judged by so many.
 // Throws InvalidInput as Fit does, and for what sums do not tell: another norm than L2, InUse,
 // standard deviations, seed pairs other than the first three.
 CORVINADE_API FitResult Fit(const Moments& moments, const FitOptions& options = {});

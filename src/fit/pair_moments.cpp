@@ -88,6 +88,17 @@ Square TriangleOf(const Square& covariance, const std::array<Twice, 6>& mean) {
     return L;
 }
 
+// The waves cos 1, sin 1, cos 2, ... over `count` places: their sums are 0, their squares have the mean 1,
+// and each is at right angles to all others.
+double WaveAt(std::size_t wave, std::size_t place, std::size_t count) {
+    constexpr double kTwoPi = 6.28318530717958647692;
+    const std::size_t turns = wave / 2 + 1;
+    const double angle = kTwoPi * static_cast<double>(turns * place % count) / static_cast<double>(count);
+    // The fastest one goes up and down.
+    if (2 * turns == count) return place % 2 == 0 ? 1 : -1;
+    return std::sqrt(2.0) * (wave % 2 == 0 ? std::cos(angle) : std::sin(angle));
+}
+
 }  // namespace
 
 void AddPair(const std::array<double, 6>& pair, PairMoments& moments) {
@@ -102,20 +113,29 @@ void AddPair(const std::array<double, 6>& pair, PairMoments& moments) {
     ++moments.Count;
 }
 
-std::array<std::array<double, kStandIns>, 6> StandInPairs(const PairMoments& moments) {
+std::array<std::vector<double>, 6> StandInPairs(const PairMoments& moments) {
     Require(moments.Count > 0);
     std::array<Twice, 6> mean;
     const Square covariance = CovarianceOf(moments, mean);
     const Square L = TriangleOf(covariance, mean);
-    const Twice width = Root({6, 0});
-    std::array<std::array<double, kStandIns>, 6> pairs;
-    for (std::size_t i = 0; i < 6; ++i)
-        for (std::size_t k = 0; k < 6; ++k) {
-            const Twice off = Times(width, L[i][k]);
-            pairs[i][k] = Plus(mean[i], off).Value();
-            pairs[i][k + 6] = Minus(mean[i], off).Value();
+    const std::size_t count =
+        moments.Count < kMostStandIns ? static_cast<std::size_t>(moments.Count) : kMostStandIns;
+    std::vector<std::array<Twice, 6>> pairs(count, mean);
+    std::size_t wave = 0;
+    for (std::size_t k = 0; k < 6; ++k) {
+        // So many pairs have no more directions: what is left is rounding.
+        if (L[k][k].High == 0 || wave + 1 >= count) continue;
+        for (std::size_t i = 0; i < count; ++i) {
+            const Twice along{WaveAt(wave, i, count), 0};
+            for (std::size_t axis = k; axis < 6; ++axis)
+                pairs[i][axis] = Tidied(Plus(pairs[i][axis], Times(along, L[axis][k])));
         }
-    return pairs;
+        ++wave;
+    }
+    std::array<std::vector<double>, 6> columns;
+    for (std::size_t axis = 0; axis < 6; ++axis)
+        for (const auto& pair : pairs) columns[axis].push_back(pair[axis].Value());
+    return columns;
 }
 
 }  // namespace corvinade::fit

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -10,7 +11,7 @@
 namespace corvinade::fit {
 
 inline constexpr int kPairSums = 27;  // six coordinates of a pair, and 21 products of two of them
-inline constexpr int kStandIns = 12;
+inline constexpr std::size_t kMostStandIns = 1000;
 
 struct PairMoments {
     std::uint64_t Count = 0;  // pairs
@@ -20,10 +21,11 @@ struct PairMoments {
 // Coordinates x y z of the start, then of the target; finite, and not beyond 1e100 mm.
 void AddPair(const std::array<double, 6>& pair, PairMoments& moments);
 
-// Twelve pairs with the mean and the second moments of all, divided by their number: every sum of squares
-// of a linear map is that of all pairs times 12 / Count. The lower triangle of the covariance (Cholesky, in
-// twice the digits of a double) stands along each of its columns, forwards and back. Columns of the six
-// coordinates.
-std::array<std::array<double, kStandIns>, 6> StandInPairs(const PairMoments& moments);
+// Pairs with the mean and the second moments of all, divided by their number: every sum of squares of a
+// linear map is that of all pairs times their number by Count. There are as many as Count, and at most
+// kMostStandIns: what a fit makes of its redundancy it makes of theirs. The lower triangle of the covariance
+// (Cholesky, in twice the digits of a double) stands along waves that are at right angles to each other.
+// Columns of the six coordinates.
+std::array<std::vector<double>, 6> StandInPairs(const PairMoments& moments);
 
 }  // namespace corvinade::fit

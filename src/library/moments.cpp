@@ -81,21 +81,22 @@ void CheckOptions(const FitOptions& options) {
     if (options.SeedPairs != FitOptions().SeedPairs) refuse("a choice of seed pairs");
 }
 
-// The figures of the twelve pairs become those of all.
+// The figures of the pairs that stand in become those of all.
 void TakeAll(std::uint64_t pairs, FitResult& result) {
-    const auto count = static_cast<double>(pairs);
+    const auto count = static_cast<double>(pairs),
+               each = count / (static_cast<double>(result.Residuals.size()) / 3);
     std::array<double, 3> squares{};
     for (std::size_t row = 0; row < result.Residuals.size(); ++row)
         squares[row % 3] += result.Residuals[row] * result.Residuals[row];
     double all = 0;
     for (std::size_t axis = 0; axis < 3; ++axis) {
-        squares[axis] *= count / fit::kStandIns;
+        squares[axis] *= each;
         all += squares[axis];
         result.SigmaOfAxis[axis] = fit::SigmaOfAxis(squares[axis], count);
     }
     const double s0 = fit::SigmaOfAxis(all, 3 * count);
-    // Q of all is that of the twelve times 12 / count.
-    const double rise = result.S0 > 0 ? s0 / result.S0 * std::sqrt(fit::kStandIns / count) : 0;
+    // Q of all is theirs by what each of them stands for.
+    const double rise = result.S0 > 0 ? s0 / result.S0 * std::sqrt(1 / each) : 0;
     for (double& sigma : result.Sigma) sigma *= rise;
     result.S0 = s0;
     result.Residuals.clear();
@@ -196,8 +197,16 @@ FitResult Fit(const Moments& moments, const FitOptions& options) {
         throw InvalidInput("at least as many observations as unknowns were expected, and there are " +
                            std::to_string(3 * count) + " for " + std::to_string(unknowns));
     const auto pairs = fit::StandInPairs(moments.record_->Of);
-    FitResult result = Fit(Points(pairs[0].data(), fit::kStandIns, 1, fit::kStandIns),
-                           Points(pairs[3].data(), fit::kStandIns, 1, fit::kStandIns), options);
+    // Coordinates side by side, and seeds that are far apart.
+    const std::size_t standIns = pairs[0].size();
+    std::vector<double> columns;
+    for (const std::vector<double>& column : pairs)
+        columns.insert(columns.end(), column.begin(), column.end());
+    const auto step = static_cast<std::ptrdiff_t>(standIns);
+    FitOptions of = options;
+    of.SeedPairs = {0, std::max<std::size_t>(1, standIns / 3), std::max<std::size_t>(2, 2 * standIns / 3)};
+    FitResult result = Fit(Points(columns.data(), standIns, 1, step),
+                           Points(columns.data() + 3 * standIns, standIns, 1, step), of);
     TakeAll(count, result);
     return result;
 }

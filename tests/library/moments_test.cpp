@@ -56,7 +56,10 @@ TEST_P(MomentsOfPairs, FitAsTheirPointsDo) {
                             bySums = Fit(cloud.Whole(), options);
             SCOPED_TRACE(std::to_string(count) + " at " + std::to_string(reach));
             // What is left of coordinates of this size, over the size of the cloud.
-            const double rounding = 2e-15 * reach, turn = rounding / 500;
+            // The iteration of a model that misses by metres comes nearer by
+            // and by, and ends on its way: the truth is not level.
+            const double left = std::string(GetParam()) == "level" ? 2e-12 : 0;
+            const double rounding = 2e-15 * reach, turn = rounding / 500 + left;
             for (std::size_t i = 0; i < 16; ++i)
                 EXPECT_NEAR(bySums.Matrix[i], byPoints.Matrix[i], i % 4 == 3 ? turn * reach + 1e-10 : turn)
                     << i;
@@ -134,6 +137,37 @@ TEST(MomentsTest, SayWhatThePointsLeaveOpenAndWhereNothingIsLeftOver) {
     options.Parameters = ChoiceByName("12");
     EXPECT_TRUE(has(Fit(four.Whole(), options), NoteCode::NoRedundancy));
     EXPECT_FALSE(has(Fit(four.Whole()), NoteCode::NoRedundancy));
+}
+
+TEST(MomentsTest, JudgeFlatPlatesAsTheirPointsAreJudged) {
+    std::mt19937_64 random(1);
+    std::normal_distribution<double> error(0, 1);
+    std::uniform_real_distribution<double> place(-1000, 1000);
+    for (const int count : {4, 5, 6, 10, 50})
+        for (const char* parameters : {"6", "7", "9"})
+            for (int turn = 0; turn < 60; ++turn) {
+                const double thick = turn % 3 == 0 ? 0.05 : 0.1 * (turn % 3);
+                std::vector<double> start, target;
+                for (int i = 0; i < count; ++i)
+                    start.insert(start.end(), {place(random), place(random), thick * error(random)});
+                target.resize(start.size());
+                Apply(MatrixOf({.Translation = {1, 2, 3}, .Rotation = {0.3, 0.2, 0.1 * turn}}), start,
+                      target);
+                for (double& coordinate : target) coordinate += 0.05 * error(random);
+                Moments moments;
+                moments.Add(Points(start), Points(target));
+                FitOptions options;
+                options.Parameters = ChoiceByName(parameters);
+                const FitResult byPoints = Fit(Points(start), Points(target), options),
+                                bySums = Fit(moments, options);
+                const auto isMirrored = [](const FitResult& result) {
+                    return std::any_of(result.Notes.begin(), result.Notes.end(),
+                                       [](const Note& note) { return note.Code == NoteCode::Mirrored; });
+                };
+                EXPECT_EQ(isMirrored(bySums), isMirrored(byPoints))
+                    << count << " " << parameters << " " << turn;
+                EXPECT_NEAR(bySums.S0, byPoints.S0, 1e-7 * byPoints.S0);
+            }
 }
 
 TEST(MomentsTest, RefuseWhatSumsDoNotTell) {
