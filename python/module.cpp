@@ -3,11 +3,13 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
-#include <chrono>
 #include <string>
 
 #include "corvinade/fit.h"
 #include "corvinade/transformation.h"
+#include "interruption.h"
+#include "moments.h"
+#include "reading.h"
 
 namespace py = pybind11;
 using namespace corvinade;
@@ -81,22 +83,6 @@ Doubles RotationOf(const Chain& chain) {
     for (std::size_t i = 0; i < 9; ++i) array.mutable_data()[i] = matrix[4 * (i / 3) + i % 3];
     return array;
 }
-
-// Python hears Ctrl-C only where it is asked to. The error stays with the thread until the fit has ended.
-class Interruption {
-public:
-    bool Wanted() {
-        const auto now = std::chrono::steady_clock::now();
-        if (now - asked_ < std::chrono::milliseconds(20)) return false;
-        asked_ = now;
-        const py::gil_scoped_acquire held;
-        return Came = PyErr_CheckSignals() != 0;
-    }
-    bool Came = false;
-
-private:
-    std::chrono::steady_clock::time_point asked_ = std::chrono::steady_clock::now();
-};
 
 FitResult FitOf(const py::array& measured, const py::array& nominal, const std::string& parameters,
                 const py::dict& hold, const std::string& norm,
@@ -201,10 +187,13 @@ PYBIND11_MODULE(_corvinade, module) {
         .def_readonly("s0", &FitResult::S0)
         .def_readonly("sigma_of_axis", &FitResult::SigmaOfAxis);
 
+    AddMoments(module);
+
     std::vector<std::string> names;
     for (std::size_t k = 0; k < kParameters; ++k) names.emplace_back(NameOf(static_cast<Parameter>(k)));
     module.attr("PARAMETERS") = py::tuple(py::cast(names));
     module.def("fit", &FitOf);
+    AddReading(module);
     module.def("apply", &Applied);
     module.def("invert", [](const Doubles& matrix) { return ArrayOf(Invert(MatrixFrom(matrix))); });
     module.def("compose", [](const Doubles& then, const Doubles& first) {
@@ -214,6 +203,8 @@ PYBIND11_MODULE(_corvinade, module) {
     module.def("export", [](const Doubles& matrix, const std::string& form, const std::string& name) {
         return Export(MatrixFrom(matrix), form, name);
     });
+    module.def("import_text",
+               [](const std::string& text, const std::string& form) { return ArrayOf(Import(text, form)); });
     module.def("chain_of", [](const Doubles& matrix) {
         const Chain chain = ChainOf(MatrixFrom(matrix));
         const Quaternion q = QuaternionOf(chain);

@@ -69,4 +69,10 @@ CORVINADE_API std::vector<std::string> ExportForms();
 // has no place for a scale, a shear or a mirror.
 CORVINADE_API std::string Export(const Matrix4& matrix, std::string_view form, std::string_view name = {});
 
+// The transformation back from such a text; of a robot's tool, the tool's. Blanks and line ends may stand
+// otherwise than Export has them, numbers as they like, names too. Throws InvalidInput, with line and what
+// stands there, where the text is no such form, says more than the form does (an object frame within a work
+// object), its quaternion has not the length 1, or the matrix another last row than 0 0 0 1 or no inverse.
+CORVINADE_API Matrix4 Import(std::string_view text, std::string_view form);
+
 }  // namespace corvinade

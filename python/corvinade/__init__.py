@@ -15,32 +15,42 @@ array([[101., 202.,  53.]])
 
 from __future__ import annotations
 
+import os
+import sys
 from typing import Any, Mapping, Optional, Sequence
 
 import numpy as np
 
-from ._corvinade import EXPORT_FORMS, InvalidInput, PARAMETERS, __version__
-from ._corvinade import fit as _fit
-from ._points import doubles, paired, points_of
+try:
+    from ._corvinade import EXPORT_FORMS, InvalidInput, PARAMETERS, __version__
+    from ._corvinade import fit as _fit
+except ImportError as error:
+    raise ImportError(f"corvinade has a part that is made for one version of Python; for this one, {sys.version.split()[0]}, "
+                      f"it is missing or damaged: {error}") from error
+from ._moments import Moments
+from ._points import Points, doubles, paired, points_of
+from ._reading import Job, Match, match, read_job, read_points
 from ._result import Note, Parameter, Result, Statistics, Transformation
 from ._rotation import Rotation
 
-__all__ = ["fit", "EXPORT_FORMS", "InvalidInput", "Note", "PARAMETERS", "Parameter", "Result", "Rotation", "Statistics",
-           "Transformation", "__version__"]
+__all__ = ["fit", "match", "read_job", "read_points", "EXPORT_FORMS", "InvalidInput", "Job", "Match", "Moments", "Note",
+           "PARAMETERS", "Parameter", "Points", "Result", "Rotation", "Statistics", "Transformation", "__version__"]
 
 _NO_DOUBLES = np.empty(0)
 _NO_FLAGS = np.empty(0, dtype=np.uint8)
 
 
-def fit(measured: Any, nominal: Any, parameters: str = "7", names: Optional[Sequence[str]] = None,
+def fit(measured: Any, nominal: Any = None, parameters: str = "7", names: Optional[Sequence[str]] = None,
         sigma: Any = None, norm: str = "l2", hold: Optional[Mapping[str, float]] = None, *,
         use: Any = None, nominal_sigma: Any = None, seed: Sequence[int] = (0, 1, 2),
         max_iterations: int = 100) -> Result:
     """The transformation that carries `measured` onto `nominal`, pair by pair.
 
     measured, nominal: arrays of shape (n, 3), mm; float64 is read where it lies. Frames of pandas with columns
-        x, y, z (or three) have the names of their points in the index: two of them are paired by name, in the order
-        of the measured ones, and what has no partner is told in `notes` and `unpaired`.
+        x, y, z (or three) have the names of their points in the index, and so have `Points` and the files that paths
+        lead to (`read_points`): two of them are paired by name, in the order of the measured ones, and what has no
+        partner is told in `notes` and `unpaired`. What a file says of standard deviations counts where no sigma is given.
+        `Moments` stand in the place of both.
     parameters: "level" (shifts, turn about z), "6" (rigid), "7" (one scale), "9" (a scale an axis), "12" (affine).
     names: of the pairs, n of them.
     sigma, nominal_sigma: a-priori standard deviations, mm: of all, of shape (3,) or of shape (n, 3). With the norms
@@ -53,18 +63,36 @@ def fit(measured: Any, nominal: Any, parameters: str = "7", names: Optional[Sequ
     Other threads run meanwhile, and Ctrl-C ends it. TypeError for what is no array of numbers; ValueError
     (InvalidInput) for wrong shapes and lengths, NaN, no points, fewer observations than unknowns, other names.
     """
+    if isinstance(measured, Moments):
+        others = {"nominal": nominal, "names": names, "sigma": sigma, "use": use, "nominal_sigma": nominal_sigma}
+        given = [name for name, value in others.items() if value is not None]
+        given += ["norm"] * (norm != "l2") + ["seed"] * (tuple(seed) != (0, 1, 2))
+        if given:
+            raise ValueError(f"Moments are sums over all pairs: {', '.join(given)} does not go with them")
+        return measured.fit(parameters, hold, max_iterations=max_iterations)
+    if isinstance(measured, (str, os.PathLike)):
+        measured = read_points(measured)
+    if isinstance(nominal, (str, os.PathLike)):
+        nominal = read_points(nominal)
+    notes = [note for side in (measured, nominal) if isinstance(side, Points) for note in side.notes]
     start, of_measured = points_of(measured, "measured")
     target, of_nominal = points_of(nominal, "nominal")
     unpaired: tuple[list[str], list[str]] = ([], [])
-    if of_measured is not None and of_nominal is not None:
+    own_sigma, own_nominal_sigma = (side.sigma if isinstance(side, Points) and told is None else None
+                                    for side, told in ((measured, sigma), (nominal, nominal_sigma)))
+    # Points of a job, say, that are pairs already.
+    as_they_stand = isinstance(measured, Points) and isinstance(nominal, Points) and of_measured == of_nominal
+    if of_measured is not None and of_nominal is not None and not as_they_stand:
         if names is not None or use is not None or np.ndim(sigma) == 2 or np.ndim(nominal_sigma) == 2:
-            raise ValueError("two frames are paired by their names: names, use and standard deviations a point do not "
-                             "go with that; pair them first, and hand over arrays")
+            raise ValueError("two sets of named points are paired by their names: names, use and standard deviations a "
+                             "point do not go with that; pair them first (match), and hand over arrays")
         here, there = paired(of_measured, of_nominal)
         kept, others = set(here), set(there)
         unpaired = ([name for i, name in enumerate(of_measured) if i not in kept],
                     [name for i, name in enumerate(of_nominal) if i not in others])
         start, target = start[here], target[there]
+        own_sigma = None if own_sigma is None else own_sigma[here]
+        own_nominal_sigma = None if own_nominal_sigma is None else own_nominal_sigma[there]
         pair_names: Optional[list[str]] = [of_measured[i] for i in here]
     elif names is not None:
         pair_names = [str(name) for name in names]
@@ -73,12 +101,14 @@ def fit(measured: Any, nominal: Any, parameters: str = "7", names: Optional[Sequ
     else:
         pair_names = of_measured if of_measured is not None else of_nominal
     count = len(start)
+    sigma = sigma if own_sigma is None else own_sigma
+    nominal_sigma = nominal_sigma if own_nominal_sigma is None else own_nominal_sigma
     fitted = _fit(start, target, parameters, dict(hold) if hold else {}, norm,
                   _NO_FLAGS if use is None else _flags(use, count),
                   _NO_DOUBLES if sigma is None else _sigmas(sigma, count, "sigma"),
                   _NO_DOUBLES if nominal_sigma is None else _sigmas(nominal_sigma, count, "nominal_sigma"),
                   seed, max_iterations)
-    return Result(fitted, pair_names, norm, unpaired)
+    return Result(fitted, pair_names, norm, unpaired, notes)
 
 
 def _flags(use: Any, count: int) -> np.ndarray:

@@ -5,12 +5,13 @@ from __future__ import annotations
 import html
 import json
 import math
-from typing import Any, NamedTuple, Optional
+import os
+from typing import Any, NamedTuple, Optional, Sequence
 
 import numpy as np
 
 from . import _corvinade
-from ._points import doubles, is_frame, points_of
+from ._points import Points, doubles, is_frame, points_of
 from ._rotation import Rotation
 
 _SCALES = ("scalex", "scaley", "scalez", "scalexyz")
@@ -31,6 +32,15 @@ class Transformation:
         self._chain = _corvinade.chain_of(given)
         self._matrix = np.array(given)
         self._matrix.flags.writeable = False
+
+    @classmethod
+    def from_text(cls, text: str, form: str) -> Transformation:
+        """From what `export` writes in one of `corvinade.EXPORT_FORMS`; ValueError, with line, where it is none.
+
+        >>> Transformation.from_text("$BASE={X 1,Y 2,Z 3,A 90,B 0,C 0}", "kuka-base").translation
+        array([1., 2., 3.])
+        """
+        return cls(_corvinade.import_text(text, form))
 
     @property
     def matrix(self) -> np.ndarray:
@@ -53,7 +63,8 @@ class Transformation:
         return self._chain[2]
 
     def transform(self, points: Any) -> Any:
-        """Points of shape (n, 3), mm, where the transformation takes them; of a frame a frame with its index."""
+        """Points of shape (n, 3), mm, where the transformation takes them; of a frame a frame with its index, of
+        `Points` or a path `Points`, without standard deviations."""
         return moved(self.matrix, points)
 
     def inverse(self) -> Transformation:
@@ -78,8 +89,15 @@ class Transformation:
 
 
 def moved(matrix: np.ndarray, points: Any) -> Any:
+    if isinstance(points, (str, os.PathLike)):
+        from ._reading import read_points
+
+        points = read_points(points)
     coordinates, _ = points_of(points, "points")
     there = _corvinade.apply(matrix, coordinates)
+    # Standard deviations are of the axes that the points come from.
+    if isinstance(points, Points):
+        return Points(points.names, there, None, points.path, points.format, points.unit, points.notes)
     if not is_frame(points):
         return there
     return type(points)(there, index=points.index, columns=["x", "y", "z"])
@@ -118,14 +136,15 @@ class Statistics(NamedTuple):
 class Result:
     """What `corvinade.fit` has found: X = T + R K S x carries the measured points onto the nominal ones."""
 
-    __slots__ = ("_fitted", "names", "norm", "unpaired", "_notes")
+    __slots__ = ("_fitted", "names", "norm", "unpaired", "_of_files", "_notes")
 
     def __init__(self, fitted: _corvinade.Fitted, names: Optional[list[str]], norm: str,
-                 unpaired: tuple[list[str], list[str]]):
+                 unpaired: tuple[list[str], list[str]], of_files: Sequence[Note] = ()):
         self._fitted = fitted
         self.names = names
         self.norm = norm
         self.unpaired = unpaired
+        self._of_files = of_files
         self._notes: Optional[list[Note]] = None
 
     @property
@@ -160,8 +179,16 @@ class Result:
 
     @property
     def residuals(self) -> np.ndarray:
-        """Transformed measured points minus nominal ones, shape (n, 3), mm; also of those that took no part."""
+        """Transformed measured points minus nominal ones, shape (n, 3), mm; also of those that took no part.
+
+        Of a fit of `Moments`, which know no single pair, the shape is (0, 3)."""
         return self._fitted.residuals
+
+    @property
+    def pairs(self) -> int:
+        """How many there are; of a fit of `Moments` without residuals."""
+        f = self._fitted
+        return len(f.residuals) or f.observations // 3
 
     @property
     def converged(self) -> bool:
@@ -187,7 +214,7 @@ class Result:
     def notes(self) -> list[Note]:
         """What the fit has decided on its own, or leaves to be said."""
         if self._notes is None:
-            self._notes = [Note(code, text) for code, text in self._fitted.notes]
+            self._notes = [*self._of_files, *(Note(code, text) for code, text in self._fitted.notes)]
             for names, of in zip(self.unpaired, ("measured", "nominal")):
                 if names:
                     more = ", ..." if len(names) > 5 else ""
@@ -196,7 +223,8 @@ class Result:
         return self._notes
 
     def transform(self, points: Any) -> Any:
-        """Points of shape (n, 3), mm, where the fit takes them; of a frame a frame with its index."""
+        """Points of shape (n, 3), mm, where the fit takes them; of a frame a frame with its index, of
+        `Points` or a path `Points`, without standard deviations."""
         return moved(self.matrix, points)
 
     def inverse(self) -> Transformation:
@@ -210,6 +238,27 @@ class Result:
         """
         return _corvinade.export(self.matrix, form, name)
 
+    def plot(self, axes: Any = None) -> Any:
+        """What is left over at each pair, mm, as bars on axes of matplotlib, or on new ones; gives the axes.
+
+        ImportError where there is no matplotlib.
+        """
+        try:
+            from matplotlib import pyplot
+        except ImportError as error:
+            raise ImportError("plot draws with matplotlib, and this Python has none: install python3-matplotlib") from error
+        if axes is None:
+            axes = pyplot.subplots()[1]
+        lengths = np.linalg.norm(self.residuals, axis=1)
+        axes.bar(np.arange(len(lengths)), lengths)
+        axes.set_ylabel("deviation, mm")
+        axes.set_title(f"s0 = {self._fitted.s0:.4g} mm{'' if self._fitted.converged else ', not converged'}")
+        if self.names is not None and len(self.names) <= 60:
+            axes.set_xticks(np.arange(len(lengths)), self.names, rotation=90)
+        else:
+            axes.set_xlabel("pair, from 0")
+        return axes
+
     def to_json(self, indent: Optional[int] = 1) -> str:
         """All of it as JSON, which ``corvinade-cli transform --with`` takes; mm and rad, null for what is open."""
         f = self._fitted
@@ -219,7 +268,7 @@ class Result:
             "schema": "corvinade-library-fit",
             "schemaVersion": 1,
             "program": {"name": "corvinade", "version": _corvinade.__version__},
-            "counts": {"pairs": len(f.residuals), "observations": f.observations, "unknowns": f.unknowns},
+            "counts": {"pairs": self.pairs, "observations": f.observations, "unknowns": f.unknowns},
             "converged": f.converged,
             "iterations": f.iterations,
             "norm": self.norm,
@@ -255,12 +304,12 @@ class Result:
         notes = "".join(f"<li>{html.escape(note.text)}</li>" for note in self.notes)
         f = self._fitted
         return (f"<table><thead><tr><th>parameter</th><th>value</th><th>sigma</th><th>unit</th></tr></thead><tbody>{rows}"
-                f"</tbody></table><p>s0 = {f.s0:.6g} mm, {len(f.residuals)} pairs"
+                f"</tbody></table><p>s0 = {f.s0:.6g} mm, {self.pairs} pairs"
                 f"{'' if f.converged else ', <b>not converged</b>'}</p>" + (f"<ul>{notes}</ul>" if notes else ""))
 
     def __repr__(self) -> str:
         f = self._fitted
-        return (f"Result({len(f.residuals)} pairs, s0={f.s0:.6g} mm, "
+        return (f"Result({self.pairs} pairs, s0={f.s0:.6g} mm, "
                 f"{'converged' if f.converged else 'NOT CONVERGED'}, {len(self.notes)} notes)")
 
 

@@ -15,6 +15,13 @@ class Rotation:
 
     Conventions are those of ``scipy.spatial.transform.Rotation``: quaternions have w behind, lower-case letters
     are axes that stay, capital ones axes that turn along.
+
+    >>> import corvinade
+    >>> turn = corvinade.Transformation([[0, -1, 0, 5], [1, 0, 0, 6], [0, 0, 1, 7], [0, 0, 0, 1.0]]).rotation
+    >>> turn.as_euler("xyz", degrees=True).round(9) + 0.0
+    array([ 0.,  0., 90.])
+    >>> turn.as_quat().round(6) + 0.0
+    array([0.      , 0.      , 0.707107, 0.707107])
     """
 
     __slots__ = ("_matrix", "_quaternion")

@@ -53,9 +53,9 @@ def test_takes_no_missing_numbers_for_numbers():
     assert "2**53" in said(ValueError, np.full((6, 3), 2**53 + 1), GOOD)
 
 
-def test_says_what_to_do_with_a_path():
-    assert "read_csv" in said(TypeError, "measured.csv", GOOD)
-    assert "measured.csv" in said(TypeError, GOOD, pathlib.Path("measured.csv"))
+def test_says_where_a_path_has_no_place():
+    assert "measured.csv" in said(TypeError, GOOD, GOOD, sigma="measured.csv")
+    assert "measured.csv" in said(TypeError, GOOD, GOOD, nominal_sigma=pathlib.Path("measured.csv"))
 
 
 def test_says_which_names_there_are():

@@ -169,3 +169,15 @@ def test_exports_hold_the_transformation():
         turned(rotation, 1.5).export("ros")
     with pytest.raises(ValueError, match="kuka-base"):
         result.export("lisp")
+
+
+def test_texts_of_export_come_back():
+    measured = np.random.default_rng(4).uniform(-500, 500, (6, 3))
+    result = corvinade.fit(measured, measured[:, [1, 2, 0]] + [10, 20, 30], "6")
+    for form in corvinade.EXPORT_FORMS:
+        back = corvinade.Transformation.from_text(result.export(form), form)
+        assert np.allclose(back.matrix, result.matrix, rtol=0, atol=1e-12), form
+    with pytest.raises(ValueError, match="line 1"):
+        corvinade.Transformation.from_text("$BASE={X 1}", "kuka-base")
+    with pytest.raises(ValueError, match="a form is one of"):
+        corvinade.Transformation.from_text("1", "picture")

@@ -15,6 +15,7 @@
 #include "cli/export_job.h"
 #include "cli/fit.h"
 #include "cli/fit_arguments.h"
+#include "cli/fit_batch.h"
 #include "cli/fit_exports.h"
 #include "cli/headless.h"
 #include "cli/input_bytes.h"
@@ -354,6 +355,7 @@ int RunParsed(Commands& c, std::istream& in, std::ostream& out, std::ostream& er
               bool progress) {
     const bool colour = terminal && ColourWanted();
     if (c.FitApp->parsed()) {
+        if (!c.FitOf.Batch.List.empty()) return RunFitBatch(c.FitOf.Batch, *c.FitApp, err, progress);
         for (const CLI::Option* option : c.FitApp->get_options())
             if (option->count() > 0) c.FitOf.Options.Given.push_back(option->get_name());
         return Fit(c.FitOf, in, out, err, terminal, progress);

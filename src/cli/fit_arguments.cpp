@@ -319,6 +319,33 @@ void AddJobOptions(CLI::App& fit, FitOptions& o) {
         ->group(group);
 }
 
+void AddBatchOptions(CLI::App& fit, BatchOptions& b) {
+    const char* const group = "Many fits";
+    const auto expected = [](const std::string& path) {
+        return std::string(path.empty() ? "a file name is expected" : "");
+    };
+    auto* batch = fit.add_option("--batch", b.List,
+                                 "Run the fits of a list, a line each, in place of START and TARGET:\n"
+                                 "its heading names the columns start, target, name, and options\n"
+                                 "without their dashes; options given beside it are of all fits")
+                      ->check(expected)
+                      ->type_name("FILE")
+                      ->group(group);
+    auto* out = fit.add_option("--out", b.Out,
+                               "A line a fit, *.csv or *.jsonl; what stands there as done is\n"
+                               "passed over")
+                    ->check(expected)
+                    ->type_name("FILE")
+                    ->group(group)
+                    ->needs(batch);
+    batch->needs(out);
+    fit.add_option("--jobs,-j", b.Jobs, "Fits at once; default: as many as there are processors")
+        ->check(Between(1, 1024))
+        ->type_name("N")
+        ->group(group)
+        ->needs(batch);
+}
+
 }  // namespace
 
 CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
@@ -340,6 +367,7 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
     AddFormOptions(*fit, s.Options);
     AddStatisticsOptions(*fit, s.Options);
     AddJobOptions(*fit, s.Options);
+    AddBatchOptions(*fit, s.Batch);
     fit->footer(
         "Examples:\n"
         "  corvinade-cli fit measured.txt nominal.txt --leave-out F09\n"
@@ -347,7 +375,8 @@ CLI::App* AddFit(CLI::App& app, FitSwitches& s) {
         "  corvinade-cli fit measured.txt nominal.txt --parameters 7 --json\n"
         "  corvinade-cli fit measured.txt nominal.txt --monte-carlo 10000 --sigma 0.05\n"
         "  corvinade-cli fit measured.txt program.dat --as kuka --tool\n"
-        "  corvinade-cli fit measured.txt shape.txt --as paraboloid\n\n"
+        "  corvinade-cli fit measured.txt shape.txt --as paraboloid\n"
+        "  corvinade-cli fit --batch cells.csv --out results.csv --parameters 7\n\n"
         "Exit status: 0 done, 1 refused, 2 wrong usage, 3 an input cannot be read, or\n"
         "with --strict a warning came up, 4 calculated but not converged, 5 a deviation\n"
         "above --limit.");

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 
+#include "cli/fit_batch.h"
 #include "cli/fit_options.h"
 #include "core/rooms.h"
 
@@ -22,6 +23,7 @@ struct TableSwitches {
 struct FitSwitches {
     FitOptions Options;
     std::array<TableSwitches, 3> Tables;  // of both files, of START, of TARGET
+    BatchOptions Batch;                   // where its list is not empty, the command is one of many fits
     bool Yes = false, No = false, Json = false, Csv = false;
 };
 

@@ -9,6 +9,9 @@
 #include <random>
 #include <sstream>
 #include <thread>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 #include "corvinade/corvinade.h"
 #include "corvinade/fit.h"
@@ -99,6 +102,22 @@ std::string WhatOf(const std::function<void()>& work) {
     }
     return "";
 }
+
+#if defined(__GLIBC__)
+TEST(Library, AMillionSmallFitsLeaveNoMemoryBehind) {
+    const Cloud cloud(kTruth, 6, 0.01, 3);
+    FitOptions options;
+    const auto fits = [&](int count) {
+        double sum = 0;
+        for (int i = 0; i < count; ++i) sum += Fit(Points(cloud.Start), Points(cloud.Target), options).S0;
+        return sum;
+    };
+    fits(1000);
+    const std::size_t before = mallinfo2().uordblks;
+    EXPECT_GT(fits(1000000), 0);
+    EXPECT_LE(mallinfo2().uordblks, before + 1024);
+}
+#endif
 
 }  // namespace
 

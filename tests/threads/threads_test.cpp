@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "corvinade/fit.h"
+#include "corvinade/moments.h"
 
 using namespace corvinade;
 
@@ -57,4 +58,24 @@ TEST(Threads, FitAtOnceAndTouchNothingOfEachOther) {
                 EXPECT_EQ(alone.Residuals, together[i].Residuals);
             }
         }
+}
+
+TEST(Threads, ReadTheSameSumsAndTakeTheirOwn) {
+    const Cell cell(3);
+    Moments shared;
+    shared.Add(Points(cell.Start), Points(cell.Target));
+    std::vector<std::thread> threads;
+    std::array<Moments, 3> own;
+    std::array<FitResult, 3> together;
+    for (std::size_t i = 0; i < own.size(); ++i)
+        threads.emplace_back([&, i] {
+            own[i].Merge(shared);
+            own[i].Add(Points(cell.Start), Points(cell.Target));
+            together[i] = Fit(shared);
+        });
+    for (std::thread& thread : threads) thread.join();
+    for (std::size_t i = 1; i < own.size(); ++i) {
+        EXPECT_EQ(own[i].Bytes(), own[0].Bytes());
+        EXPECT_EQ(together[i].Values, Fit(shared).Values);
+    }
 }
