@@ -12,6 +12,8 @@ TEST_PACKAGES="git clang-format clang-tidy dbus-daemon xvfb openbox xdotool imag
 TEST_PACKAGES="$TEST_PACKAGES python3-pytest python3-scipy python3-pandas"
 # What the benchmarks need besides.
 BENCH_PACKAGES="libbenchmark-dev libeigen3-dev libopenblas-dev mawk"
+# What builds for Windows, and runs that here.
+WINDOWS_PACKAGES="g++-mingw-w64-x86-64-posix wine64 libcli11-dev nlohmann-json3-dev libgtest-dev"
 
 installed() { [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
 
