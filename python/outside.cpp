@@ -2,13 +2,11 @@
 // Ahead of the rooms of the program, whose names are seen from everywhere.
 #include "corvinade/fit.h"
 //
-#include <cstdio>
 #include <string>
 #include <vector>
 
 #include "core/changes.h"
 #include "core/controller.h"
-#include "core/large_pages.h"
 #include "core/platform.h"
 #include "core/records.h"
 #include "import/long_import.h"
@@ -37,12 +35,6 @@ std::span<const std::span<const RecordEntry>> AllRecords() {
 std::string ProgramVersion() {
     return corvinade::Version();
 }
-
-bool FlushToDisk(std::FILE* file) {
-    return std::fflush(file) == 0;
-}
-
-void PreferLargePages(void*, std::size_t) {}
 
 }  // namespace corvinade::core
 

@@ -14,6 +14,8 @@ TEST_PACKAGES="$TEST_PACKAGES python3-pytest python3-scipy python3-pandas python
 TEST_PACKAGES="$TEST_PACKAGES python3-dask python3-distributed"
 # What the benchmarks need besides.
 BENCH_PACKAGES="libbenchmark-dev libeigen3-dev libopenblas-dev mawk"
+# What builds for Windows, and runs that here.
+WINDOWS_PACKAGES="g++-mingw-w64-x86-64-posix wine64 libcli11-dev nlohmann-json3-dev libgtest-dev"
 
 installed() { [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
 

@@ -1,10 +1,10 @@
 // The command line program.
-#include <unistd.h>
-
 #include <cstdio>
 #include <exception>
 #include <iostream>
 #include <new>
+#include <string>
+#include <vector>
 
 #include "cli/commands.h"
 #include "cli/fit_options.h"
@@ -13,6 +13,7 @@
 #include "core/fresh_start.h"
 #include "core/platform.h"
 #include "core/system_files.h"
+#include "core/system_process.h"
 
 using namespace corvinade;
 
@@ -22,13 +23,19 @@ using namespace corvinade;
 }
 
 int main(int argc, char** argv) {
+    PrepareStandardStreams();
     LetTooLargeFilesRefuse();
     RemoveFilesBesideAtSignals();
     FreshStart();
     try {
         std::ios::sync_with_stdio(false);
-        return RunCommandLine(argc, argv, std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) == 1,
-                              isatty(STDERR_FILENO) == 1);
+        std::vector<std::string> texts = ProgramArguments(argc, argv);
+        std::vector<char*> arguments;
+        arguments.reserve(texts.size() + 1);
+        for (std::string& text : texts) arguments.push_back(text.data());
+        arguments.push_back(nullptr);
+        return RunCommandLine(static_cast<int>(texts.size()), arguments.data(), std::cin, std::cout,
+                              std::cerr, IsTerminal(stdout), IsTerminal(stderr));
     } catch (const PlatformError& error) {
         std::fprintf(stderr, "corvinade-cli: %s\n", error.What.c_str());
     } catch (const std::bad_alloc&) {

@@ -1,14 +1,13 @@
 // The reserve, and the end without one.
 #include "cli/out_of_memory.h"
 
-#include <unistd.h>
-
 #include <cstdlib>
 #include <exception>
 #include <new>
 
 #include "cli/fit_options.h"
 #include "core/system_files.h"
+#include "core/system_process.h"
 
 namespace corvinade::cli {
 
@@ -39,8 +38,7 @@ bool IsForMemory() {
     if (!IsForMemory()) std::abort();
     constexpr char kText[] = "corvinade-cli: there is not enough memory for this\n";
     RemoveFilesBesideNow();
-    [[maybe_unused]] const auto written = write(STDERR_FILENO, kText, sizeof kText - 1);
-    _exit(kRefused);
+    EndAtOnce(kText, sizeof kText - 1, kRefused);
 }
 
 }  // namespace

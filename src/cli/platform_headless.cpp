@@ -1,7 +1,4 @@
 // The platform's procedures without a screen.
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <charconv>
 #include <clocale>
@@ -11,8 +8,8 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/headless.h"
-#include "core/large_pages.h"
 #include "core/platform.h"
+#include "core/system_process.h"
 #include "core/window.h"
 #include "fit/require.h"
 
@@ -168,8 +165,7 @@ std::string OperatingSystemName() {
 
 std::optional<std::string> EnvironmentVariable(const std::string& name) {
     if (name == "appdata" && Headless.SettingsDir) return Headless.SettingsDir;
-    const char* value = std::getenv(name.c_str());
-    return value == nullptr ? std::nullopt : std::optional<std::string>(value);
+    return VariableOfSystem(name);
 }
 
 std::string UserSettingsFolder() {
@@ -180,9 +176,10 @@ std::string UserSettingsFolder() {
 
 std::string ProgramFolder() {
     if (!Headless.ProgramDir.empty()) return Headless.ProgramDir;
-    std::error_code error;
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return error ? "." : program.parent_path().string();
+    const std::string program = RunningProgram();
+    return program.empty()
+               ? "."
+               : std::filesystem::path(std::u8string(program.begin(), program.end())).parent_path().string();
 }
 
 char SystemDecimal() {
@@ -197,21 +194,6 @@ char SystemDecimal() {
         std::setlocale(LC_NUMERIC, kept.c_str());
     }
     return *Headless.Decimal;
-}
-
-bool FlushToDisk(std::FILE* file) {
-    return fsync(fileno(file)) == 0;
-}
-
-void PreferLargePages([[maybe_unused]] void* block, [[maybe_unused]] std::size_t size) {
-#if defined(MADV_HUGEPAGE)
-    constexpr std::size_t kLargePage = std::size_t{1} << 21;
-    const std::size_t before =
-        (kLargePage - reinterpret_cast<std::uintptr_t>(block) % kLargePage) % kLargePage;
-    if (size < before + kLargePage) return;
-    // What the system answers changes the time alone.
-    madvise(static_cast<char*>(block) + before, (size - before) / kLargePage * kLargePage, MADV_HUGEPAGE);
-#endif
 }
 
 }  // namespace corvinade::core

@@ -10,6 +10,7 @@
 #include "core/files.h"
 #include "core/held_streams.h"
 #include "core/platform.h"
+#include "core/system_files.h"
 
 namespace corvinade::core {
 
@@ -42,7 +43,7 @@ FileSource::FileSource(const std::string& path) : path_(path) {
     if (path.empty() || !fs::exists(status)) Fail(path, "there is no such file");
     if (fs::is_directory(status)) Fail(path, "it is a folder, not a file");
     CheckFault("open", path);
-    file_ = std::fopen(PathOf(path).string().c_str(), "rb");
+    file_ = OpenStream(PathOf(path), "rb");
     if (file_ == nullptr) Fail(path, std::strerror(errno));
     // Its reader has a buffer of its own.
     std::setvbuf(file_, nullptr, _IONBF, 0);

@@ -53,7 +53,7 @@ OpenFilePointer OpenForReading(const std::string& path) {
     if (fs::is_directory(status)) Fail(kCannotRead, path, "it is a folder, not a file");
     if (!fs::is_regular_file(status)) Fail(kCannotRead, path, "it is no regular file");
     CheckFault("open", kCannotRead, path);
-    OpenFilePointer file(std::fopen(PathOf(path).string().c_str(), "rb"));
+    OpenFilePointer file(OpenStream(PathOf(path), "rb"));
     if (!file) Fail(kCannotRead, path, std::strerror(errno));
     return file;
 }

@@ -99,7 +99,4 @@ std::string UserSettingsFolder();  // the user's folder for settings where "appd
 std::string ProgramFolder();       // where the program itself stands
 char SystemDecimal();              // '.' or ','
 
-// Forces what was written to `file` onto the disk; false when the system reports a failure.
-bool FlushToDisk(std::FILE* file);
-
 }  // namespace corvinade::core

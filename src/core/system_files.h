@@ -11,6 +11,9 @@
 
 namespace corvinade::core {
 
+// A stream on a file, as std::fopen has it, whatever letters stand in the path.
+std::FILE* OpenStream(const std::filesystem::path& path, const char* mode);
+
 // A new, empty file beside `target` that is to take its place. Its name is that of the target with
 // ".cvnew" and a number. It is locked as long as it is open, which the system ends with the process: what
 // bears such a name, is no link, belongs to the user and is not locked was left behind by a program that
@@ -18,6 +21,9 @@ namespace corvinade::core {
 // errno, where there is none to be had.
 std::FILE* OpenBeside(const std::filesystem::path& target, bool ownerOnly, std::filesystem::path& beside,
                       int& error);
+
+// Forces what was written to `file` onto the disk; false when the system reports a failure.
+bool FlushToDisk(std::FILE* file);
 
 // Removes what killed programs have left beside a target that is not written again.
 void RemoveLeftBeside(const std::filesystem::path& target);

@@ -119,6 +119,10 @@ std::string Words(int error) {
 
 }  // namespace
 
+std::FILE* OpenStream(const fs::path& path, const char* mode) {
+    return std::fopen(path.c_str(), mode);
+}
+
 std::FILE* OpenBeside(const fs::path& target, bool ownerOnly, fs::path& beside, int& error) {
     const mode_t mode = ownerOnly ? 0600 : 0666;
     for (int number = 1; number <= kMostBeside; ++number) {
@@ -151,6 +155,10 @@ std::FILE* OpenBeside(const fs::path& target, bool ownerOnly, fs::path& beside, 
     }
     error = EEXIST;
     return nullptr;
+}
+
+bool FlushToDisk(std::FILE* file) {
+    return fsync(fileno(file)) == 0;
 }
 
 void RemoveLeftBeside(const fs::path& target) {

@@ -1,7 +1,4 @@
 // The platform with a screen.
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <QApplication>
 #include <QColorDialog>
 #include <QDesktopServices>
@@ -24,7 +21,6 @@
 #include <cstdlib>
 
 #include "core/files.h"
-#include "core/large_pages.h"
 #include "core/platform.h"
 #include "core/window.h"
 #include "fit/require.h"
@@ -263,21 +259,6 @@ std::string ProgramFolder() {
 char SystemDecimal() {
     static const char decimal = QLocale::system().decimalPoint() == QLatin1String(",") ? ',' : '.';
     return decimal;
-}
-
-bool FlushToDisk(std::FILE* file) {
-    return fsync(fileno(file)) == 0;
-}
-
-void PreferLargePages([[maybe_unused]] void* block, [[maybe_unused]] std::size_t size) {
-#if defined(MADV_HUGEPAGE)
-    constexpr std::size_t kLargePage = std::size_t{1} << 21;
-    const std::size_t before =
-        (kLargePage - reinterpret_cast<std::uintptr_t>(block) % kLargePage) % kLargePage;
-    if (size < before + kLargePage) return;
-    // What the system answers changes the time alone.
-    madvise(static_cast<char*>(block) + before, (size - before) / kLargePage * kLargePage, MADV_HUGEPAGE);
-#endif
 }
 
 }  // namespace corvinade::core

@@ -1,20 +1,15 @@
 // Recovery copies on the desktop.
 #include "ui/recovery_watch.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QSocketNotifier>
 #include <QTimer>
-#include <array>
-#include <cerrno>
-#include <csignal>
 
 #include "core/form_recovery.h"
 #include "core/recovery.h"
 #include "core/system_files.h"
+#include "core/system_process.h"
 #include "core/window.h"
 #include "ui/desktop.h"
 
@@ -23,15 +18,6 @@ namespace corvinade::ui {
 namespace {
 
 constexpr int kTick_ms = 500;
-
-std::array<int, 2> Pipe{-1, -1};
-
-extern "C" void TellOfSignal(int signal) {
-    const int kept = errno;
-    const auto number = static_cast<unsigned char>(signal);
-    if (write(Pipe[1], &number, 1) != 1) _exit(1);
-    errno = kept;
-}
 
 double Now_s() {
     static const QElapsedTimer clock = [] {
@@ -42,9 +28,9 @@ double Now_s() {
     return static_cast<double>(clock.elapsed()) / 1000;
 }
 
-void EndBySignal() {
-    unsigned char number = 0;
-    if (read(Pipe[0], &number, 1) != 1) return;
+void SaveAndEnd() {
+    const int signal = TakeEndingSignal();
+    if (signal == 0) return;
     // Within an event the job may stand half way; what was copied before it is the user's last state.
     if (!IsInEvent()) {
         try {
@@ -54,24 +40,14 @@ void EndBySignal() {
     }
     if (!Recovery.HasCopy) EndRecovery();  // nothing to leave behind
     RemoveFilesBesideNow();
-    std::signal(number, SIG_DFL);
-    raise(number);
+    EndBySignal(signal);
 }
 
 void CatchSignals() {
-    if (pipe(Pipe.data()) != 0) return;
-    for (const int end : Pipe) fcntl(end, F_SETFD, FD_CLOEXEC);
-    auto* notifier = new QSocketNotifier(Pipe[0], QSocketNotifier::Read, QCoreApplication::instance());
-    QObject::connect(notifier, &QSocketNotifier::activated, notifier, [] { EndBySignal(); });
-    struct sigaction action {};
-    action.sa_handler = TellOfSignal;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    sigemptyset(&action.sa_mask);
-    for (const int signal : {SIGTERM, SIGHUP}) {
-        struct sigaction before {};
-        if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
-            sigaction(signal, &action, nullptr);
-    }
+    const int handle = KeepEndingSignals();
+    if (handle < 0) return;
+    auto* notifier = new QSocketNotifier(handle, QSocketNotifier::Read, QCoreApplication::instance());
+    QObject::connect(notifier, &QSocketNotifier::activated, notifier, [] { SaveAndEnd(); });
 }
 
 }  // namespace
