@@ -17,6 +17,7 @@
 #include "cli/command_line.h"
 #include "core/job_file.h"
 #include "core/platform.h"
+#include "faults/fault_request.h"
 #include "support/fixture.h"
 #include "support/program_path.h"
 
@@ -49,40 +50,100 @@ protected:
         return text;
     }
 
-    End Run(const std::vector<std::string>& arguments, const std::string& input, int at, int error,
-            const Failing& failing) const {
-        const std::string log = PathOf("log"), out = PathOf("out"), err = PathOf("err"),
-                          text = Write("input", input);
-        fs::remove(log);
+    // The program with its arguments, and the files of its standard streams.
+    struct Start {
+        std::vector<std::string> Arguments;
+        std::string Input;
+    };
+    // A program that stands before its first call on a file; Process is -1 where it does not wait there.
+    struct Served {
+        Served() = default;
+        Served(const Served&) = delete;
+        Served& operator=(const Served&) = delete;
+        ~Served() {
+            if (Process < 0) return;
+            close(To);
+            close(From);
+            int status = 0;
+            waitpid(Process, &status, 0);
+        }
+        pid_t Process = -1;
+        int To = -1, From = -1;
+    };
+
+    std::string log_ = PathOf("log"), out_ = PathOf("out"), err_ = PathOf("err");
+
+    // Becomes the program; the environment beside what is given here names the fault.
+    [[noreturn]] void Become(const Start& start, const std::string& input) const {
+        dup2(open(input.c_str(), O_RDONLY), 0);
+        dup2(open(out_.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
+        dup2(open(err_.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
+        const rlimit core = {0, 0};
+        setrlimit(RLIMIT_CORE, &core);
+        setenv("LD_PRELOAD", FaultsPath().c_str(), 1);
+        setenv("FAULTS_FOLDER", in_.c_str(), 1);
+        setenv("FAULTS_LOG", log_.c_str(), 1);
+        const std::string program = ProgramPath();
+        std::vector<char*> argv = {const_cast<char*>(program.c_str())};
+        for (const std::string& argument : start.Arguments)
+            argv.push_back(const_cast<char*>(argument.c_str()));
+        argv.push_back(nullptr);
+        execv(program.c_str(), argv.data());
+        _exit(127);
+    }
+    End Ended(int status) const {
+        return {.Status = status,
+                .Fault = fs::exists(log_) ? Contents(log_) : "",
+                .Out = Contents(out_),
+                .Err = Contents(err_)};
+    }
+    // Without a fault.
+    End Run(const Start& start) const {
+        const std::string input = Write("input", start.Input);
+        fs::remove(log_);
         const pid_t child = fork();
         EXPECT_GE(child, 0);
-        if (child == 0) {
-            dup2(open(text.c_str(), O_RDONLY), 0);
-            dup2(open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
-            dup2(open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
-            const rlimit core = {0, 0};
-            setrlimit(RLIMIT_CORE, &core);
-            setenv("LD_PRELOAD", FaultsPath().c_str(), 1);
-            setenv("FAULTS_FOLDER", in_.c_str(), 1);
-            setenv("FAULTS_AT", std::to_string(at).c_str(), 1);
-            setenv("FAULTS_ERRNO", std::to_string(error).c_str(), 1);
-            setenv("FAULTS_LOG", log.c_str(), 1);
-            setenv("FAULTS_REMOVALS", failing.Removals ? "yes" : "", 1);
-            setenv("FAULTS_MEMORY", std::to_string(failing.Memory).c_str(), 1);
-            setenv("FAULTS_TIMES", std::to_string(failing.Times).c_str(), 1);
-            const std::string program = ProgramPath();
-            std::vector<char*> argv = {const_cast<char*>(program.c_str())};
-            for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
-            argv.push_back(nullptr);
-            execv(program.c_str(), argv.data());
-            _exit(127);
+        if (child == 0) Become(start, input);
+        int status = 0;
+        EXPECT_EQ(waitpid(child, &status, 0), child);
+        return Ended(status);
+    }
+
+    // Loads the program once for many runs, each of which begins where it makes its first call on a file.
+    void Serve(const Start& start, Served& served) const {
+        const std::string input = Write("input", start.Input);
+        int requests[2], answers[2];
+        ASSERT_EQ(pipe2(requests, O_CLOEXEC) + pipe2(answers, O_CLOEXEC), 0);
+        served.Process = fork();
+        ASSERT_GE(served.Process, 0);
+        if (served.Process == 0) {
+            dup2(requests[0], kFaultRequests);
+            dup2(answers[1], kFaultAnswers);
+            setenv("FAULTS_SERVED", "yes", 1);
+            Become(start, input);
         }
-        End end;
-        EXPECT_EQ(waitpid(child, &end.Status, 0), child);
-        end.Fault = fs::exists(log) ? Contents(log) : "";
-        end.Out = Contents(out);
-        end.Err = Contents(err);
-        return end;
+        close(requests[0]);
+        close(answers[1]);
+        served.To = requests[1];
+        served.From = answers[0];
+        int ready = -1;
+        ASSERT_EQ(read(served.From, &ready, sizeof ready), static_cast<ssize_t>(sizeof ready));
+        ASSERT_EQ(ready, 0) << "has written something before its first call";
+    }
+    End Run(const Served& served, int at, int error, const Failing& failing) const {
+        fs::remove(log_);
+        FaultRequest request = {.At = at,
+                                .Errno = error,
+                                .Removals = failing.Removals,
+                                .Memory = failing.Memory,
+                                .Times = failing.Times};
+        std::strncpy(request.In, PathOf("input").c_str(), sizeof request.In - 1);
+        std::strncpy(request.Out, out_.c_str(), sizeof request.Out - 1);
+        std::strncpy(request.Err, err_.c_str(), sizeof request.Err - 1);
+        int status = -1;
+        EXPECT_EQ(write(served.To, &request, sizeof request), static_cast<ssize_t>(sizeof request));
+        EXPECT_EQ(read(served.From, &status, sizeof status), static_cast<ssize_t>(sizeof status));
+        return Ended(status);
     }
 
     Files FilesNow() const {
@@ -153,15 +214,18 @@ protected:
     void EveryCallFails(const std::vector<std::string>& arguments, const std::string& input = "",
                         bool (*told)(const End&) = nullptr, bool removals = false) const {
         const Files before = FilesNow();
-        const End good = Run(arguments, input, 0, 0, {});
+        const End good = Run({arguments, input});
         ASSERT_TRUE(WIFEXITED(good.Status) && WEXITSTATUS(good.Status) == 0) << good.Err;
         const Files after = FilesNow();
         int faults = 0, ofRemovals = 0;
+        PutBack(before);
+        Served served;
+        ASSERT_NO_FATAL_FAILURE(Serve({arguments, input}, served));
         const std::vector<int> all = {EIO, ENOSPC, EACCES, EINTR, ENOMEM}, ofRemoval = {EIO, EACCES};
         for (const int error : removals ? ofRemoval : all) {
             for (int at = 1;; ++at) {
                 PutBack(before);
-                const End end = Run(arguments, input, at, error, {.Removals = removals});
+                const End end = Run(served, at, error, {.Removals = removals});
                 if (end.Fault.empty()) break;
                 ++faults;
                 ofRemovals += end.Fault == "unlink" || end.Fault == "remove" ? 1 : 0;
@@ -180,12 +244,15 @@ protected:
                          bool (*told)(const End&) = nullptr) const {
         constexpr int kPlaces = 25;
         const Files before = FilesNow();
-        Run(arguments, input, 0, 0, {});
+        Run({arguments, input});
         const Files after = FilesNow();
+        PutBack(before);
+        Served served;
+        ASSERT_NO_FATAL_FAILURE(Serve({arguments, input}, served));
         int most = 1;  // allocations, to a power of two
         for (;; most *= 2) {
             PutBack(before);
-            if (Run(arguments, input, 0, 0, {.Memory = most, .Times = 1}).Fault.empty()) break;
+            if (Run(served, 0, 0, {.Memory = most, .Times = 1}).Fault.empty()) break;
         }
         ASSERT_GT(most, kPlaces);
         int faults = 0;
@@ -194,7 +261,7 @@ protected:
                 // The first ones each, then further and further apart.
                 const int at = 1 + place + static_cast<int>(std::pow(most, double(place) / kPlaces));
                 PutBack(before);
-                const End end = Run(arguments, input, 0, 0, {.Memory = at, .Times = times});
+                const End end = Run(served, 0, 0, {.Memory = at, .Times = times});
                 if (end.Fault.empty()) continue;
                 ++faults;
                 const std::string what = arguments[0] + ": " + std::to_string(times) + " allocations from " +
@@ -266,7 +333,7 @@ TEST_F(Faults, OfASaveByNameAndOfTheSettings) {
                               "\n";
     fs::create_directories(In("settings"));
     // A first start, so that the settings stand.
-    Run({"automate", "--settings-dir", In("settings"), "--job", job}, R"({"do":"quit"})", 0, 0, {});
+    Run({{"automate", "--settings-dir", In("settings"), "--job", job}, R"({"do":"quit"})"});
     const std::vector<std::string> arguments = {"automate", "--settings-dir", In("settings"), "--job", job};
     const auto told = [](const End& end) { return SaysSo(end.Out) || end.Err != ""; };
     EveryCallFails(arguments, input, told);
@@ -293,7 +360,7 @@ const std::string kQuit = R"({"do":"quit"})"
 // Other points come in by the dialog, are fitted, and go to a new job.
 TEST_F(Faults, OfAnImportByName) {
     fs::create_directories(In("settings"));
-    Run({"automate", "--settings-dir", In("settings")}, kQuit, 0, 0, {});
+    Run({{"automate", "--settings-dir", In("settings")}, kQuit});
     const std::string input =
         Click("FormMain.MenuFileInputFiles") + SetTo("FormInputFiles.TextNameMCS", In("s.txt")) +
         SetTo("FormInputFiles.TextNameOCS", In("t.txt")) + Click("FormInputFiles.BtnOK") +
@@ -313,7 +380,7 @@ TEST_F(Faults, OfTheBatchByName) {
     fs::create_directories(In("settings"));
     const std::vector<std::string> arguments = {"automate", "--settings-dir", In("settings"), "--job",
                                                 In("j.cvn")};
-    Run(arguments, kQuit, 0, 0, {});
+    Run({arguments, kQuit});
     const std::string input =
         Click("FormMain.MenuTransformationCalculation") + Click("FormTrafoBerechnung.BtnCalculate") +
         Click("FormMain.MenueTransformationBatch") + SetTo("FormBatch.TextNameMCSDirectory", In("many")) +
@@ -335,7 +402,7 @@ TEST_F(Faults, OfRecoveryByName) {
     const std::vector<std::string> arguments = {"automate",     "--recovery", "--settings-dir",
                                                 In("settings"), "--job",      In("j.cvn")};
     fs::create_directories(In("settings"));
-    Run(arguments, R"({"do":"quit"})", 0, 0, {});
+    Run({arguments, R"({"do":"quit"})"});
     const auto told = [](const End& end) { return SaysSo(end.Out) || end.Err != ""; };
     EveryCallFails(arguments, input, told);
     EveryCallFails(arguments, input, told, true);
@@ -348,7 +415,7 @@ TEST_F(Faults, OfARestoredCopy) {
                                                 In("settings"), "--job",      In("j.cvn")};
     fs::create_directories(In("settings"));
     // The end of the input leaves the copy, as a kill does.
-    Run(arguments, R"({"do":"record","name":"TraX","value":5})", 0, 0, {});
+    Run({arguments, R"({"do":"record","name":"TraX","value":5})"});
     ASSERT_TRUE(fs::exists(In("settings/Corvinade/recovery-1.cvn")));
     const std::string input = R"({"do":"click","at":"FormRecovery.BtnRestore"})"
                               "\n"

@@ -6,11 +6,14 @@
 //   FAULTS_REMOVALS  anything: calls that remove a file count too
 //   FAULTS_MEMORY  instead of those: from this allocation on, FAULTS_TIMES of them fail. They count from the
 //                  first call on a file of the folder on, when the program stands
+//   FAULTS_SERVED  anything: at the first call on a file of the folder the program waits for requests (see
+//                  fault_request.h), and goes on in a process of its own for each. So it is loaded once
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -20,6 +23,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+
+#include "faults/fault_request.h"
 
 namespace {
 
@@ -56,6 +61,49 @@ bool IsBelow(int handle) {
     return IsBelow(path);
 }
 
+void Set(const char* name, long value) {
+    char text[24];
+    std::snprintf(text, sizeof text, "%ld", value);
+    setenv(name, text, 1);
+}
+
+// Takes the place of a standard stream.
+void Reopen(int stream, const char* path, int flags) {
+    const long at = lseek(stream, 0, SEEK_CUR);
+    const long opened = syscall(SYS_openat, AT_FDCWD, path, flags, 0600);
+    if (opened < 0 || dup2(static_cast<int>(opened), stream) < 0) _exit(126);
+    syscall(SYS_close, opened);
+    lseek(stream, at, SEEK_SET);
+}
+
+// Comes back in a process of its own for each request; ends with the last one.
+void Serve() {
+    unsetenv("FAULTS_SERVED");
+    // What has been written already would be missing in what each process writes.
+    const int ready = lseek(1, 0, SEEK_CUR) == 0 && lseek(2, 0, SEEK_CUR) == 0 ? 0 : -1;
+    if (write(kFaultAnswers, &ready, sizeof ready) != sizeof ready || ready != 0) _exit(126);
+    for (FaultRequest request; read(kFaultRequests, &request, sizeof request) == sizeof request;) {
+        const pid_t child = fork();
+        if (child == 0) {
+            close(kFaultRequests);
+            close(kFaultAnswers);
+            Set("FAULTS_AT", request.At);
+            Set("FAULTS_ERRNO", request.Errno);
+            Set("FAULTS_MEMORY", request.Memory);
+            Set("FAULTS_TIMES", request.Times);
+            setenv("FAULTS_REMOVALS", request.Removals ? "yes" : "", 1);
+            Reopen(0, request.In, O_RDONLY);
+            Reopen(1, request.Out, O_WRONLY | O_CREAT | O_TRUNC);
+            Reopen(2, request.Err, O_WRONLY | O_CREAT | O_TRUNC);
+            return;
+        }
+        int status = -1;
+        if (child < 0 || waitpid(child, &status, 0) != child) _exit(126);
+        if (write(kFaultAnswers, &status, sizeof status) != sizeof status) _exit(126);
+    }
+    _exit(0);
+}
+
 // Is this the call that fails? errno is set then.
 template <class Where>
 bool Fails(const char* call, Where where) {
@@ -65,6 +113,7 @@ bool Fails(const char* call, Where where) {
         return false;
     }
     if (MemoryAt < 0) {
+        if (*Setting("FAULTS_SERVED") != '\0') Serve();
         MemoryTimes = std::atol(Setting("FAULTS_TIMES"));
         MemoryAt = std::atol(Setting("FAULTS_MEMORY"));
     }
