@@ -251,11 +251,13 @@ void NoteUndoStep() {
     if (Undo.Paused > 0 || !StandsOnItsGround()) return;
     if (!Undo.Choices && WindowIsOpen()) return LookAtJob();  // the window has just opened
     UndoStep step = StepToNow();
-    if (*step.Name != 0) {
-        Keep(std::move(step));
-        OfferSteps();
+    if (*step.Name == 0) {
+        Undo.Units = UnitsNow();  // a calculation has written what it held
+        return;
     }
+    Keep(std::move(step));
     LookAtJob();
+    OfferSteps();
 }
 
 void KeepUndoStep(UndoStep step) {

@@ -107,7 +107,7 @@ void ShowNoModes() {
     for (Control* entry :
          {&Main.MenüAnsichtVektorenVektorModeActive, &Main.MenüGlobalFlagsMode, &Main.MenüAnsichtDynamicFlag,
           &Main.MenüGlobalRotateAbout, &Main.MenüGraphicsLinesLineModeActive, &Main.MenüGraphicsLinesSetLines,
-          &Main.MenüGraphicsLinesDeleteLines, &Main.MenüAnsichtAnalyseModeActive})
+          &Main.MenüGraphicsLinesDeleteLines, &Main.MenüAnsichtAnalyseModeActive, &Main.MenuGraphicsDistance})
         entry->Checked = false;
     for (Control* button :
          {&Main.ToolbarGraphics_VectorMode, &Main.ToolbarGraphics_VectorLonger,
