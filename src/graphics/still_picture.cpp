@@ -67,6 +67,7 @@ void PaintWindow(StillPicture& picture, const ScreenWindow& shown) {
     TakeView(window, shown.State, true);
     window.State.ActiveFlag = 0;
     window.LabelFont = shown.LabelFont;
+    window.Measure = shown.Measure;
     rechne_PixelCloud(window);
     ScaleView(window, PictureWidth(shown), PictureHeight(shown));
     Stelle_Grafik_dar(window);
