@@ -249,6 +249,7 @@ void RenewPictureSources() {
                                                            : 0;
     w.ComboSource.Text =
         w.ComboSource.Index < 0 ? "" : w.ComboSource.Items[static_cast<std::size_t>(w.ComboSource.Index)];
+    if (!any) TakeShape();  // the first picture that there is
     EnableLook();
     TakeChoice();
 }

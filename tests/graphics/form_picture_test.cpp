@@ -49,6 +49,7 @@ TEST_F(SavePicture, WithoutAPictureItSaysSoAndFollowsTheWindowsThatOpen) {
     EXPECT_EQ(p.ComboSource.Items, std::vector<std::string>{"Screen - DEFAULT"});
     EXPECT_TRUE(p.BtnSave.Enabled);
     EXPECT_FALSE(p.LabelProblem.Visible);
+    EXPECT_EQ(p.TextHeight.Text, "120") << "of 800 by 600 pixels";
 }
 
 TEST_F(SavePicture, TheWindowOnTopStandsFirstAndSavedViewsLast) {
