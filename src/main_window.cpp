@@ -5,6 +5,7 @@
 #include "core/form_main.h"
 #include "engine/undo.h"
 #include "graphics/form_main_graphics.h"
+#include "graphics/form_picture.h"
 #include "graphics/form_report.h"
 #include "import/clipboard_round_trip.h"
 
@@ -50,6 +51,8 @@ const ControlEntry kControls[] = {
     Command("MenuEditRedo", &Main.MenuEditRedo, Disabled(Menu("&Redo")), MenuEditRedo_Click, "MenuEdit"),
     Command("MenuEditCopy", &Main.MenuEditCopy, Menu("&Copy"), MenuEditCopy_Click, "MenuEdit"),
     Command("MenuEditGraphData", &Main.MenuEditGraphData, Menu("&Graph Data..."), MenuEditGraphData_Click,
+            "MenuEdit"),
+    Command("MenuEditPicture", &Main.MenuEditPicture, Menu("Save &Picture..."), MenuEditPicture_Click,
             "MenuEdit"),
     {"MenuView", &Main.MenuView, Menu("&View")},
     Command("MenuVievMainSheet", &Main.MenuVievMainSheet, Menu("&Main Sheet"),
@@ -125,6 +128,11 @@ const ControlEntry kControls[] = {
             MenüGrafikBlackPlane_Click, "MenueGraphicsWindow"),
     Command("MenüGraphicsPrint", &Main.MenüGraphicsPrint, Menu("Pict&ure to Clipboard"),
             MenüGraphicsPrint_Click, "MenueGraphicsWindow"),
+    Command("MenuGraphicsDistance", &Main.MenuGraphicsDistance, Menu("&Distance of Two Points"),
+            MenuGraphicsDistance_Click, "MenueGraphicsWindow"),
+    Command("MenuGraphicsWhite", &Main.MenuGraphicsWhite, Menu("W&hite Background"), MenuGraphicsWhite_Click,
+            "MenueGraphicsWindow"),
+    {"MenuPicture", &Main.MenuPicture, Menu("Picture")},
     Command("MenüGraphicsLines", &Main.MenüGraphicsLines, Menu("&Lines"), nullptr, "MenueGraphicsWindow"),
     Command("MenüGraphicsLinesLineModeActive", &Main.MenüGraphicsLinesLineModeActive, Menu("&Line Mode"),
             MenüGraphicsLinesLineModeActive_Click, "MenüGraphicsLines"),

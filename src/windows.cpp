@@ -57,6 +57,7 @@
 #include "graphics/form_color_bar.h"
 #include "graphics/form_edit_fahne.h"
 #include "graphics/form_graphics_options.h"
+#include "graphics/form_picture.h"
 #include "graphics/form_report.h"
 #include "graphics/form_save_view.h"
 #include "graphics/graphics_refresh.h"
@@ -107,6 +108,7 @@ const WindowEntry* const kWindows[] = {
     &FormTable_Entry,
     &FormExport_Entry,
     &FormReport_Entry,
+    &FormPicture_Entry,
     &FormReliability_Entry,
     &FormRecovery_Entry,
 };
@@ -158,6 +160,7 @@ void (*const kRecords[])() = {
     [] { SaveViewAnswer = SaveViewRecord{}; },
     [] { ChangeDirAnswer = ChangeDirRecord{}; },
     [] { ReportWish = ReportChoice{}; },
+    [] { PictureWish = PictureOrder{}; },
 };
 
 }  // namespace

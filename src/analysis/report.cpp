@@ -78,6 +78,9 @@ ReportSection Summary(const ToleranceCheck& check) {
     section.Lines.push_back(SideLine(start, Job.PathMCS, Job.Start.Count()));
     section.Lines.push_back(SideLine(target, Job.PathOCS, Job.Target.Count()));
     section.Lines.push_back(PlainText(Job.Pairs()) + " identical points, " + NormOfJob().Label);
+    if (StoredResultStands())
+        section.Lines.emplace_back(
+            "The result is the one that the job was opened with; nothing has been calculated anew.");
     if (check.Word != Verdict::None)
         section.Lines.push_back(
             std::string("Tolerance ") + PlainText(check.Tolerance_mm * Units.LengthFactor) + " " +
@@ -88,7 +91,7 @@ ReportSection Summary(const ToleranceCheck& check) {
         table.Rows.push_back({{name}, {std::isfinite(value) ? ShownLength(value) : kOpenSigma}});
     };
     if (CalculationIsOfThisJob()) {
-        add("s0", Calculation.s0);
+        add("s0, by the coordinates in use less one", Calculation.s0);
         add("mean error x", Calculation.sx);
         add("mean error y", Calculation.sy);
         add("mean error z", Calculation.sz);
@@ -130,6 +133,12 @@ ReportSection StatisticsSection() {
         return section;
     }
     section.Lines.push_back(GlobalTestSentence(*statistics));
+    // The same deviations have two measures, and a reader who finds both wants to know why.
+    if (!statistics->APriori && !statistics->Singular && statistics->Redundancy > 0)
+        section.Lines.push_back(
+            "This s0 = " + ShownLength(statistics->s0) + " divides by the redundancy, " +
+            PlainText(statistics->Redundancy) + " (coordinates in use less unknowns); the s0 = " +
+            ShownLength(Calculation.s0) + " of the result divides by the coordinates in use less one.");
     if (const std::string note = NoteOfStatistics(*statistics); !note.empty()) section.Lines.push_back(note);
     const Coordinate outlier = WorstOutlier(*statistics);
     section.Lines.push_back(outlier.Pair == 0
@@ -193,7 +202,7 @@ ReportSection NoteSection() {
 
 std::string WhyNoReport() {
     if (!IsTrue(Run.JobDataValid)) return "There are no points: choose Input Files";
-    if (!IsTrue(Run.TrafoValid)) return "There is no result: make a calculation";
+    if (!IsTrue(Run.TrafoValid) && !StoredResultStands()) return "There is no result: make a calculation";
     return "";
 }
 

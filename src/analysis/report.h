@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/rooms.h"
@@ -16,6 +17,8 @@ struct ReportChoice {
     std::string Title;      // "" = by the names of the systems
     std::string Project, Author;
     std::string Logo;  // path of a picture
+    // Pictures by their names in the list that are wanted, or not, otherwise than by themselves.
+    std::vector<std::pair<std::string, bool>> PictureTicks;
 };
 
 struct ReportCell {

@@ -38,11 +38,11 @@ std::string Pixels(double count, double pixel) {
     return PlainText(static_cast<std::int64_t>(std::llround(count * pixel)));
 }
 
-// A picture in the page itself.
-std::string Image(const std::string& bytes, const std::string& words, double width, double pixel) {
+// A picture in the page itself. A page of finer pixels stretches its width by itself.
+std::string Image(const std::string& bytes, const std::string& words, double width) {
     const char* const kind = bytes.starts_with("\xff\xd8") ? "jpeg" : "png";
     return std::string("<img src=\"data:image/") + kind + ";base64," + Base64(bytes) + "\" width=\"" +
-           Pixels(width, pixel) + "\" alt=\"" + EscapeMarkup(words) + "\">";
+           Pixels(width, 1) + "\" alt=\"" + EscapeMarkup(words) + "\">";
 }
 
 std::string TableText(const ReportTable& table, double pixel) {
@@ -89,7 +89,7 @@ std::string ReportHtml(const Report& report, double pixel) {
     std::string html = "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n<title>" +
                        EscapeMarkup(report.Title) + "</title>\n<style>" + kStyle +
                        "</style>\n</head>\n<body>\n";
-    if (!report.LogoBytes.empty()) html += "<p>" + Image(report.LogoBytes, "Logo", 120, pixel) + "</p>\n";
+    if (!report.LogoBytes.empty()) html += "<p>" + Image(report.LogoBytes, "Logo", 120) + "</p>\n";
     html += "<h1>" + EscapeMarkup(report.Title) + "</h1>\n<p>";
     if (!report.Project.empty()) html += "Project: " + EscapeMarkup(report.Project) + "<br>";
     if (!report.Author.empty()) html += "Author: " + EscapeMarkup(report.Author) + "<br>";
@@ -106,8 +106,8 @@ std::string ReportHtml(const Report& report, double pixel) {
         for (const std::string& line : section.Lines) html += "<p>" + EscapeMarkup(line) + "</p>\n";
         for (const ReportTable& table : section.Tables) html += TableText(table, pixel);
         for (const ReportPicture& picture : section.Pictures)
-            html += "<p>" + Image(picture.Bytes, picture.Title, 620, pixel) + "<br>" +
-                    EscapeMarkup(picture.Title) + "</p>\n";
+            html += "<p>" + Image(picture.Bytes, picture.Title, 620) + "<br>" + EscapeMarkup(picture.Title) +
+                    "</p>\n";
         if (!section.Text.empty()) html += PlainLines(section.Text);
     }
     return html + "</body>\n</html>\n";

@@ -15,10 +15,12 @@
 #include "cli/request.h"
 #include "core/window.h"
 #include "graphics/analyse_mode.h"
+#include "graphics/form_picture.h"
 #include "graphics/form_report.h"
 #include "graphics/screen_events.h"
 #include "graphics/screen_window.h"
 #include "paint/picture.h"
+#include "paint/picture_file.h"
 #include "paint/report_pdf.h"
 
 namespace corvinade::cli {
@@ -359,6 +361,7 @@ void StartScreens(int width, int height) {
     Screens().NewWidth = width;
     Screens().NewHeight = height;
     ReportBy = {PictureBytes, ReportPdf};
+    PictureBy = {PictureFileOf, nullptr, CopyPicture};
     FillSurface = [](Surface& screen) {
         FillSurfaceWithPicture(screen);
         screen.StatusBarHeight = kStatusBarHeight;

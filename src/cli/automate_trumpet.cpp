@@ -12,9 +12,9 @@
 #include "cli/automate_screens.h"
 #include "cli/request.h"
 #include "cli/short_float.h"
-#include "cli/trumpet_file.h"
 #include "core/arrays.h"
 #include "core/files.h"
+#include "paint/trumpet_file.h"
 
 namespace corvinade::cli {
 

@@ -26,13 +26,13 @@
 #include "cli/render_arguments.h"
 #include "cli/told.h"
 #include "cli/transform.h"
-#include "cli/trumpet_file.h"
 #include "core/controller.h"
 #include "core/held_streams.h"
 #include "core/job_on_disk.h"
 #include "core/notes.h"
 #include "core/platform.h"
 #include "core/text.h"
+#include "paint/trumpet_file.h"
 
 namespace corvinade::cli {
 

@@ -3,6 +3,9 @@
 
 #include <array>
 #include <nlohmann/json.hpp>
+#include <string>
+
+#include "engine/field_words.h"
 
 namespace corvinade::cli {
 
@@ -50,6 +53,7 @@ json ControlToJson(Control& control) {
         {"kind", KindName(control.Kind)}, {"text", control.Text},           {"value", control.Value},
         {"enabled", control.Enabled},     {"visible", control.Visible},     {"locked", control.Locked},
         {"foreColor", control.ForeColor}, {"backColor", control.BackColor}, {"toolTip", control.ToolTip}};
+    if (const std::string words = WhatIs(control); !words.empty()) state["whatIs"] = words;
     if (control.Kind == ControlKind::Menu) state["checked"] = control.Checked;
     if (control.Kind == ControlKind::Combo) {
         state["items"] = control.Items;

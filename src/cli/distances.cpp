@@ -18,7 +18,6 @@
 #include "cli/record_json.h"
 #include "cli/short_float.h"
 #include "cli/text_columns.h"
-#include "cli/trumpet_file.h"
 #include "core/controller.h"
 #include "core/files.h"
 #include "core/job.h"
@@ -30,6 +29,7 @@
 #include "core/text.h"
 #include "core/units.h"
 #include "core/window.h"
+#include "paint/trumpet_file.h"
 
 namespace corvinade::cli {
 

@@ -6,10 +6,10 @@
 #include "cli/fit_output.h"
 #include "cli/fit_parameters.h"
 #include "cli/job_picture.h"
-#include "cli/svg_element.h"
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/window.h"
+#include "paint/svg_element.h"
 
 namespace corvinade::cli {
 

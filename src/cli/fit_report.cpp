@@ -11,7 +11,6 @@
 #include "cli/fit_parameters.h"
 #include "cli/fit_picture.h"
 #include "cli/fit_statistics.h"
-#include "cli/svg_element.h"
 #include "cli/svg_plots.h"
 #include "core/controller.h"
 #include "core/job.h"
@@ -23,6 +22,7 @@
 #include "engine/monte_carlo.h"
 #include "engine/result_notes.h"
 #include "paint/report_pdf.h"
+#include "paint/svg_element.h"
 
 namespace corvinade::cli {
 

@@ -5,7 +5,6 @@
 #include <array>
 #include <cmath>
 
-#include "cli/svg_surface.h"
 #include "core/job.h"
 #include "core/platform.h"
 #include "core/settings.h"
@@ -15,10 +14,12 @@
 #include "graphics/picture_flags.h"
 #include "graphics/projection.h"
 #include "graphics/scene.h"
+#include "graphics/still_picture.h"
 #include "graphics/tolerance.h"
 #include "graphics/view_values.h"
 #include "graphics/views.h"
 #include "paint/picture.h"
+#include "paint/svg_surface.h"
 
 namespace corvinade::cli {
 
@@ -178,30 +179,12 @@ void FitScene(ScreenWindow& window) {
 
 // A saved view shows the same section of the scene, whatever the size of its window was.
 void TakeSavedView(ScreenWindow& window, const ScreenRecord& view, bool withFlags) {
-    window.State = view;
-    MakeViewUsable(window.State);
-    ScreenRecord& state = window.State;
-    if (!withFlags) {
-        state.FlagIndex.clear();
-        state.Flags.clear();
-        state.FlagCount = state.ActiveFlag = 0;
-    }
-    state.FlagIndex.resize(static_cast<std::size_t>(Scene.Rows));
-    state.FlagIndexShape.clear();
+    TakeView(window, view, withFlags);
     rechne_PixelCloud(window);
-    const double w = view.WindowWidth, h = view.WindowHeight;
-    if (!(w > 0 && h > 0)) {
-        PlaceFlagsOfView(window, PictureWidth(window), PictureHeight(window), 1);
-        return FitScene(window);
-    }
-    const double W = PictureWidth(window), H = PictureHeight(window);
-    const double ratio = std::min(W / w, H / h);
-    state.BildOffsetX = static_cast<float>(W / 2 - (w / 2 - state.BildOffsetX) * ratio);
-    state.BildOffsetY = static_cast<float>(H / 2 - (h / 2 - state.BildOffsetY) * ratio);
-    state.BildFaktor = static_cast<float>(state.BildFaktor * ratio);
-    state.Vec_Maßstab = static_cast<float>(state.Vec_Maßstab * ratio);
-    MakeViewUsable(state);
-    PlaceFlagsOfView(window, w, h, ratio);
+    if (view.WindowWidth > 0 && view.WindowHeight > 0)
+        return ScaleView(window, view.WindowWidth, view.WindowHeight);
+    PlaceFlagsOfView(window, PictureWidth(window), PictureHeight(window), 1);
+    FitScene(window);
 }
 
 void SetUpView(ScreenWindow& window, const PictureWish& wish, const std::vector<std::string>& views) {

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <numeric>
 
-#include "cli/svg_element.h"
+#include "paint/svg_element.h"
 
 namespace corvinade::cli {
 

@@ -114,14 +114,27 @@ void EnableCommands() {
     if (!Run.GraphicsWindowSeen) Main.MenueGraphicsWindow.Enabled = false;
 
     const bool graphics = Main.MenueGraphicsWindow.Enabled;
-    for (Control* command :
-         {&Main.MenüAnsichtAnpassen, &Main.MenüAnsichtcenter, &Main.MenüGrafikBlackPlane,
-          &Main.MenüGraphicsPrint, &Main.MenüAnsichtTopview, &Main.MenüAnsichtSideView,
-          &Main.MenüAnsichtFrontView, &Main.MenüAnsichtIsometricView, &Main.MenüAnsichtPunkte,
-          &Main.MenüAnsichtVektoren, &Main.MenüAnsichtAnalyse, &Main.MenüAnsichtToleranzen,
-          &Main.MenüGlobalRotateAbout, &Main.MenüGlobalFlagsMode, &Main.MenüAnsichtDynamicFlag,
-          &Main.MenüGlobalGeneralGraphicsSettings, &Main.MenüViewS, &Main.MenüGraphicsLines,
-          &Main.MenuHelpBindings})
+    for (Control* command : {&Main.MenüAnsichtAnpassen,
+                             &Main.MenüAnsichtcenter,
+                             &Main.MenüGrafikBlackPlane,
+                             &Main.MenüGraphicsPrint,
+                             &Main.MenuGraphicsDistance,
+                             &Main.MenuGraphicsWhite,
+                             &Main.MenüAnsichtTopview,
+                             &Main.MenüAnsichtSideView,
+                             &Main.MenüAnsichtFrontView,
+                             &Main.MenüAnsichtIsometricView,
+                             &Main.MenüAnsichtPunkte,
+                             &Main.MenüAnsichtVektoren,
+                             &Main.MenüAnsichtAnalyse,
+                             &Main.MenüAnsichtToleranzen,
+                             &Main.MenüGlobalRotateAbout,
+                             &Main.MenüGlobalFlagsMode,
+                             &Main.MenüAnsichtDynamicFlag,
+                             &Main.MenüGlobalGeneralGraphicsSettings,
+                             &Main.MenüViewS,
+                             &Main.MenüGraphicsLines,
+                             &Main.MenuHelpBindings})
         command->Enabled = graphics;
     Main.ToolbarGraphics.Enabled = Main.MenueGraphics.Enabled;
     const auto enable = [graphics](Control& button) { button.Enabled = graphics; };

@@ -33,6 +33,7 @@ struct FormMain {
     Control MenuEditRedo;
     Control MenuEditCopy;
     Control MenuEditGraphData;
+    Control MenuEditPicture;
 
     Control MenuView;
     Control MenuVievMainSheet;
@@ -77,6 +78,8 @@ struct FormMain {
     Control MenüAnsichtToleranzenEinstellungen;
     Control MenüGrafikBlackPlane;
     Control MenüGraphicsPrint;
+    Control MenuGraphicsDistance;
+    Control MenuGraphicsWhite;
     Control MenüGraphicsLines;
     Control MenüGraphicsLinesLineModeActive;
     Control MenüGraphicsLinesSetLines;
@@ -85,6 +88,7 @@ struct FormMain {
     Control MenuFahneEdit;
     Control MenuFahneCopy;
     Control MenuFahneDelete;
+    Control MenuPicture;
 
     Control MenüGlobalGraphics;
     Control MenüGlobalRotateAbout;

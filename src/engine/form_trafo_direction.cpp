@@ -7,6 +7,7 @@
 #include "core/measurement_sigmas.h"
 #include "core/run.h"
 #include "engine/calculation_window.h"
+#include "engine/undo.h"
 
 namespace corvinade::engine {
 
@@ -32,12 +33,14 @@ void ShowDirection(const char* arrow) {
 }
 
 void FormTrafoBerechnung::BtnSwitchMcsOcs_Click() {
+    JobStep step;
     {
         const BusyPointer busy;
         Job.DirectionMCStoOCS = ToFlag(DirectionSwitched());
         ShowDirection(" -> ");
     }
     MCS_OCS();
+    step.Keep("Direction", JobChange::Direction);
     Changed(What::Coordinates | What::Pairs);
 }
 

@@ -18,6 +18,7 @@ constexpr Binding kBindings[] = {
     {"Wheel", "zoom about the mouse"},
     {"Drag a frame", "zoom to the frame"},
     {"Right button", "zoom out about the mouse"},
+    {"Shift + right button", "menu of the picture"},
     {"Middle button", "draw the picture again"},
     {"Click", "choose a point; in the flag mode, give it a flag"},
     {"Drag a flag", "move it"},

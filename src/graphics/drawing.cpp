@@ -11,6 +11,7 @@
 #include "graphics/ellipsoids.h"
 #include "graphics/flags.h"
 #include "graphics/lines.h"
+#include "graphics/measuring.h"
 #include "graphics/point_loop.h"
 #include "graphics/projection.h"
 #include "graphics/scene.h"
@@ -50,8 +51,9 @@ void Paint(ScreenWindow& window, const PictureLook& look) {
     if (IsTrue(Settings.VectorQuat) && IsTrue(Run.TrafoValid)) Zeichne_Quat(window);
     if (look.ColorBar) Zeichne_ColorBar(window);
     if (DesktopDefaults.Fit) DrawWorstPoint(window);
-    Zeichne_Kosys(window, look.AxisLabels);
+    if (look.Axes) Zeichne_Kosys(window, look.AxisLabels);
     Zeichne_Scale(window);
+    DrawMeasured(window);
     if (flags) DrawFlags(window);
     if (screen.Refresh != nullptr) screen.Refresh(screen);
     ++window.PaintCount;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "core/changes.h"
 #include "core/controller.h"
 #include "core/form_main.h"
 #include "core/platform.h"
@@ -14,6 +15,7 @@
 #include "graphics/flags.h"
 #include "graphics/form_edit_fahne.h"
 #include "graphics/form_graphics_options.h"
+#include "graphics/measuring.h"
 #include "graphics/picking.h"
 #include "graphics/saved_views.h"
 #include "graphics/scene.h"
@@ -219,6 +221,24 @@ void MenüViewLastView_Click() {
 }
 void MenüViewNextView_Click() {
     OnTop(Rückgängig_Force);
+}
+
+void MenuGraphicsDistance_Click() {
+    OnTop(ToggleMeasuring);
+}
+
+// All windows, and those that are opened from now on, as a double click on one of them does it.
+void MenuGraphicsWhite_Click() {
+    const ScreenWindow* const top = findLFDFORM();
+    if (top == nullptr) return;
+    const Colour colour = top->BackColor == QbColor(15) ? QbColor(0) : QbColor(15);
+    for (const auto& window : Screens().Open) {
+        window->BackColor = colour;
+        Stelle_Grafik_dar(*window);
+    }
+    Changed(What::State);
+    Settings.ScreenBackColor = colour;
+    SettingsSchreiben({"ScreenBackColor"});
 }
 
 void MenuHelpBindings_Click() {

@@ -43,6 +43,8 @@ void MenüViewDeleteView_Click();
 void ComboSaveView_Click();
 void MenüViewLastView_Click();
 void MenüViewNextView_Click();
+void MenuGraphicsDistance_Click();
+void MenuGraphicsWhite_Click();
 void MenuHelpBindings_Click();
 
 }  // namespace corvinade::graphics

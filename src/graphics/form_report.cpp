@@ -3,14 +3,19 @@
 
 #include <algorithm>
 #include <charconv>
+#include <utility>
+#include <vector>
 
 #include "core/files.h"
 #include "core/folders.h"
+#include "core/form_main.h"
+#include "core/grid.h"
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/run.h"
 #include "core/text.h"
+#include "graphics/form_picture.h"
 #include "graphics/screen_window.h"
 
 namespace corvinade::graphics {
@@ -34,14 +39,16 @@ const ControlEntry kControls[] = {
     {"CheckPoints", &w.CheckPoints, CheckBox("Points"), {.Click = FormReport::Choice_Change}},
     {"LabelWorst", &w.LabelWorst, Label("the worst (empty: all)")},
     {"TextWorst", &w.TextWorst, TextBox(), {.Change = FormReport::Choice_Change}},
-    {"CheckPictures",
-     &w.CheckPictures,
-     CheckBox("Pictures of the 3D windows"),
-     {.Click = FormReport::Choice_Change}},
+    {"CheckPictures", &w.CheckPictures, CheckBox("Pictures"), {.Click = FormReport::Choice_Change}},
+    {"GridPictures",
+     &w.GridPictures,
+     Grid(1, 0),
+     {.Click = FormReport::GridPictures_Click, .Key = FormReport::GridPictures_Key}},
     {"CheckNotes", &w.CheckNotes, CheckBox("Notes"), {.Click = FormReport::Choice_Change}},
     {"CheckProtocol", &w.CheckProtocol, CheckBox("Protocol"), {.Click = FormReport::Choice_Change}},
     {"LabelProblem", &w.LabelProblem, Hidden(Label(""))},
     {"BtnSave", &w.BtnSave, Button("S&ave..."), {.Click = FormReport::BtnSave_Click}},
+    {"BtnPrint", &w.BtnPrint, Button("&Print..."), {.Click = FormReport::BtnPrint_Click}},
     {"BtnClose", &w.BtnClose, Button("Cl&ose"), {.Click = FormReport::BtnClose_Click}},
 };
 
@@ -93,11 +100,93 @@ void TakeChoice() {
     ReportWish.Worst = std::max(WorstWanted(), 0);
 }
 
-void AddPictures(Report& report) {
+// A picture that a report may have.
+struct ReportItem {
+    std::string Name;
+    PictureOrder Order;
+    bool ByItself = false;  // wanted until somebody says otherwise
+};
+
+// The trumpet plot of more pairs would take longer than the rest of the report.
+constexpr int kMostTrumpetPoints = 2000;
+constexpr int kReportDots = 200;
+
+std::vector<ReportItem> PicturesThere() {
+    std::vector<ReportItem> items;
+    for (const auto& window : Screens().Open)
+        items.push_back({window->Caption, {.Of = PictureSource::Screen, .Screen = window->Id}, true});
+    const std::vector<std::string>& names = Main.ComboSaveView.Items;
+    for (int i = 1; i <= Job.nSavedViews; ++i) {
+        const auto place = static_cast<std::size_t>(i - 1);
+        const std::string name = place < names.size() ? names[place] : PlainText(i);
+        items.push_back({"Saved view: " + name, {.Of = PictureSource::SavedView, .View = i}});
+    }
+    if (Job.Pairs() >= 2) items.push_back({"Trumpet graph", {.Of = PictureSource::Trumpet}});
+    return items;
+}
+
+bool IsWanted(const ReportItem& item) {
+    for (const auto& [name, wanted] : ReportWish.PictureTicks)
+        if (name == item.Name) return wanted;
+    return item.ByItself;
+}
+
+void ListPictures() {
+    const std::vector<ReportItem> items = PicturesThere();
+    GridState& grid = w.GridPictures.Grid;
+    SizeGrid(grid, static_cast<int>(items.size()) + 1, 2);
+    grid.FixedRows = 1;
+    grid.Aligns = {GridAlign::Centre, GridAlign::Left};
+    grid.ColWidths = {450, 3000};
+    SetCell(grid, 0, 1, "Picture");
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        SetCell(grid, static_cast<int>(i) + 1, 0, IsWanted(items[i]) ? "\u2713" : "");
+        SetCell(grid, static_cast<int>(i) + 1, 1, items[i].Name);
+    }
+    KeepSelectionInside(grid);
+    w.GridPictures.Enabled = ReportWish.Pictures;
+}
+
+void TurnPicture(int row) {
+    const std::vector<ReportItem> items = PicturesThere();
+    if (row < 1 || row > static_cast<int>(items.size())) return;
+    const ReportItem& item = items[static_cast<std::size_t>(row - 1)];
+    const bool wanted = !IsWanted(item);
+    std::erase_if(ReportWish.PictureTicks, [&item](const auto& tick) { return tick.first == item.Name; });
+    if (wanted != item.ByItself) ReportWish.PictureTicks.emplace_back(item.Name, wanted);
+}
+
+// As the window shows it; the others in the width of the page.
+std::string BytesOfPicture(const ReportItem& item) {
+    if (item.Order.Of == PictureSource::Screen) {
+        for (const auto& window : Screens().Open)
+            if (window->Id == item.Order.Screen)
+                return ReportBy.Picture != nullptr ? ReportBy.Picture(*window) : "";
+        return "";
+    }
+    if (PictureBy.File == nullptr) return "";
+    PictureOrder order = item.Order;
+    order.Dots = kReportDots;
+    if (order.Of == PictureSource::SavedView) {
+        const ScreenRecord& view = Job.SavedView[static_cast<std::size_t>(order.View)];
+        if (view.WindowWidth > 0 && view.WindowHeight > 0)
+            order.Height_mm = std::clamp(order.Width_mm * view.WindowHeight / view.WindowWidth, 20.0, 200.0);
+        order.White = false;
+    }
+    return PictureBy.File(order, PictureFormat::Png);
+}
+
+void AddPictures(Report& report, std::string& problem) {
     ReportSection section{.Title = "Pictures"};
-    for (const auto& window : Screens().Open) {
-        std::string bytes = ReportBy.Picture != nullptr ? ReportBy.Picture(*window) : "";
-        if (!bytes.empty()) section.Pictures.push_back({window->Caption, std::move(bytes)});
+    for (const ReportItem& item : PicturesThere()) {
+        if (!IsWanted(item)) continue;
+        if (item.Order.Of == PictureSource::Trumpet && Job.Pairs() > kMostTrumpetPoints) {
+            problem += (problem.empty() ? "" : " ") + std::string("The trumpet graph of more than ") +
+                       PlainText(kMostTrumpetPoints) + " points is left out";
+            continue;
+        }
+        std::string bytes = BytesOfPicture(item);
+        if (!bytes.empty()) section.Pictures.push_back({item.Name, std::move(bytes)});
     }
     if (!section.Pictures.empty())
         report.Sections.insert(
@@ -116,8 +205,10 @@ void MakeReport() {
             problem += (problem.empty() ? "" : " ") +
                        std::string("The number of points is no number above 0; all are shown");
         w.Made = ReportOfJob(ReportWish, logo);
-        if (ReportWish.Pictures) AddPictures(w.Made);
+        if (ReportWish.Pictures) AddPictures(w.Made, problem);
     }
+    w.BtnPrint.Enabled = w.BtnSave.Enabled && ReportBy.Print != nullptr;
+    ListPictures();
     w.LabelProblem.Text = problem;
     w.LabelProblem.Visible = !problem.empty();
     w.LabelProblem.BackColor = kProblemGround;
@@ -171,6 +262,21 @@ void FormReport::Choice_Change() {
 void FormReport::BtnBrowseLogo_Click() {
     const auto path = AskOpenFile({"Logo", "Pictures (*.png;*.jpg;*.jpeg)|*.png;*.jpg;*.jpeg|", "", ""});
     if (path && !path->empty()) SetText(w.TextLogo, *path);
+}
+
+void FormReport::GridPictures_Click() {
+    TurnPicture(w.GridPictures.Grid.MouseRow);
+    MakeReport();
+}
+
+void FormReport::GridPictures_Key() {
+    if (w.GridPictures.Grid.Key != "Space") return;
+    TurnPicture(w.GridPictures.Grid.Row);
+    MakeReport();
+}
+
+void FormReport::BtnPrint_Click() {
+    if (ReportBy.Print != nullptr) ReportBy.Print(w.Made);
 }
 
 void FormReport::BtnSave_Click() {

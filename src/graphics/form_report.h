@@ -23,8 +23,9 @@ struct FormReport {
     Control CheckParameters, CheckStatistics, CheckPoints;
     Control LabelWorst, TextWorst;
     Control CheckPictures, CheckNotes, CheckProtocol;
+    Control GridPictures;
     Control LabelProblem;
-    Control BtnSave, BtnClose;
+    Control BtnSave, BtnPrint, BtnClose;
 
     Report Made;             // what the preview shows
     std::uint64_t Turn = 0;  // counts the reports that were made
@@ -33,7 +34,10 @@ struct FormReport {
     static void Form_Escape();
     static void Choice_Change();
     static void BtnBrowseLogo_Click();
+    static void GridPictures_Click();
+    static void GridPictures_Key();
     static void BtnSave_Click();
+    static void BtnPrint_Click();
     static void BtnClose_Click();
 };
 inline FormReport ReportWindow;
@@ -46,6 +50,7 @@ inline ReportChoice ReportWish;
 struct ReportFaces {
     std::string (*Picture)(const ScreenWindow& window) = nullptr;  // the bytes of a PNG file
     std::string (*Pdf)(const Report& report) = nullptr;            // those of a PDF file
+    void (*Print)(const Report& report) = nullptr;                 // asks for a printer
 };
 inline ReportFaces ReportBy;
 

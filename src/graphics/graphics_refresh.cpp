@@ -12,6 +12,7 @@
 #include "engine/calculation_window.h"
 #include "graphics/drawing.h"
 #include "graphics/flags.h"
+#include "graphics/form_picture.h"
 #include "graphics/form_report.h"
 #include "graphics/picking.h"
 #include "graphics/scene.h"
@@ -87,6 +88,8 @@ void ShowTopWindow(What) {
         press(*button, lines);
     Main.MenüGraphicsLinesSetLines.Checked = window->SetLine;
     Main.MenüGraphicsLinesDeleteLines.Checked = window->DeleteLine;
+    Main.MenuGraphicsDistance.Checked = window->Measure.On;
+    Main.MenuGraphicsWhite.Checked = window->BackColor == QbColor(15);
     Main.MenüAnsichtAnalyseModeActive.Checked = window->AnalyseMode;
     press(Main.ToolbarGraphics_AnalyseMode, window->AnalyseMode);
     Main.MenüAnsichtToleranzenColorbar.Checked = IsTrue(Settings.ShowColorBar);
@@ -130,7 +133,10 @@ constexpr ChangeRow kChanges[] = {
     {What::NoPictures, Turn::ClosedPictures, CloseAll},
     {What::ProgramEnd, Turn::PictureDefaults, StoreDefaults},
     {kPictureChanges | kStateOfJob | What::UnitsAndDigits | What::Use | What::Choice, Turn::Report,
-     [](What) { RenewReport(); }},
+     [](What) {
+         RenewReport();
+         RenewPictureSources();
+     }},
 };
 
 }  // namespace

@@ -10,8 +10,10 @@
 #include "core/job.h"
 #include "core/platform.h"
 #include "core/run.h"
+#include "engine/undo.h"
 #include "graphics/black_planes.h"
 #include "graphics/form_save_view.h"
+#include "graphics/picture_steps.h"
 #include "graphics/projection.h"
 #include "graphics/scene.h"
 #include "graphics/view_undo.h"
@@ -55,16 +57,58 @@ void ShowEntry(int index) {
     list.Text = index < 0 ? "" : list.Items[static_cast<std::size_t>(index)];
 }
 
+void InsertView(int number, const ScreenRecord& view, const std::string& name) {
+    const auto begin = Job.SavedView.begin();
+    std::move_backward(begin + number, begin + Job.nSavedViews + 1, begin + Job.nSavedViews + 2);
+    SlotOf(number) = view;
+    ++Job.nSavedViews;
+    std::vector<std::string>& names = Main.ComboSaveView.Items;
+    names.insert(names.begin() + std::min<std::ptrdiff_t>(number - 1, std::ssize(names)), name);
+}
+
+void RemoveView(int number) {
+    const auto begin = Job.SavedView.begin();
+    std::move(begin + number + 1, begin + Job.nSavedViews + 1, begin + number);
+    SlotOf(Job.nSavedViews) = ScreenRecord{};
+    --Job.nSavedViews;
+    std::vector<std::string>& names = Main.ComboSaveView.Items;
+    if (number <= static_cast<int>(names.size())) names.erase(names.begin() + (number - 1));
+}
+
+std::size_t BytesOf(const ScreenRecord& view) {
+    return sizeof view + view.FlagIndex.size() * sizeof(std::int16_t) +
+           view.Flags.size() * sizeof(FlagRecord);
+}
+
+// A view that one direction of the step inserts and the other one removes.
+void KeepViewStep(const char* step, int number, const ScreenRecord& view, const std::string& name,
+                  bool backInserts) {
+    const auto put = [number, view, name, backInserts](bool back) {
+        if (back == backInserts)
+            InsertView(number, view, name);
+        else
+            RemoveView(number);
+        ShowEntry(-1);
+    };
+    KeepUndoStep({.Name = step, .Put = put, .Bytes = BytesOf(view)});
+}
+
 void KeepView(const ScreenRecord& view, const std::string& name) {
     std::vector<std::string>& names = Main.ComboSaveView.Items;
     const auto place = std::find(names.begin(), names.end(), name);
-    const auto index = static_cast<int>(place - names.begin());
+    const int number = static_cast<int>(place - names.begin()) + 1;
     if (place == names.end()) {
-        names.push_back(name);
-        ++Job.nSavedViews;
+        InsertView(number, view, name);
+        KeepViewStep("Save View", number, view, name, false);
+    } else {
+        const auto put = [number, before = SlotOf(number), view](bool back) {
+            SlotOf(number) = back ? before : view;
+            ShowEntry(-1);
+        };
+        KeepUndoStep({.Name = "Save View", .Put = put, .Bytes = BytesOf(view) + BytesOf(SlotOf(number))});
+        SlotOf(number) = view;
     }
-    SlotOf(index + 1) = view;
-    ShowEntry(index);
+    ShowEntry(number - 1);
     Run.JobDirty = kTrue;
 }
 
@@ -87,12 +131,11 @@ void SaveView(ScreenWindow& window) {
 
 void DeleteView(int number) {
     if (!ViewExists(number)) return;
-    const auto begin = Job.SavedView.begin();
-    std::move(begin + number + 1, begin + Job.nSavedViews + 1, begin + number);
-    SlotOf(Job.nSavedViews) = ScreenRecord{};
-    --Job.nSavedViews;
-    std::vector<std::string>& names = Main.ComboSaveView.Items;
-    if (number <= static_cast<int>(names.size())) names.erase(names.begin() + (number - 1));
+    const std::vector<std::string>& names = Main.ComboSaveView.Items;
+    const std::string name =
+        number <= static_cast<int>(names.size()) ? names[static_cast<std::size_t>(number - 1)] : "";
+    KeepViewStep("Delete View", number, SlotOf(number), name, true);
+    RemoveView(number);
     ShowEntry(-1);
     Run.JobDirty = kTrue;
 }
@@ -100,12 +143,10 @@ void DeleteView(int number) {
 void GetScreenPropertiesFromSavedView(ScreenWindow& window, int number) {
     if (!ViewExists(number)) return;
     ScreenRecord view = SlotOf(number);
-    if (view.WindowWidth > 0 && view.WindowHeight > 0)
-        ResizeScreenWindow(window, std::min<int>(view.WindowWidth, kWidestView),
-                           std::min<int>(view.WindowHeight, kHighestView));
     KeepPlanesInWorld(view, Vec3(), Scene.RotCenter);
-    GetScreenPropertiesFromRecord(window, view);
-    StoreScreenPropertiesToRecord(window);
+    const bool sized = view.WindowWidth > 0 && view.WindowHeight > 0;
+    ShowViewAsStep(window, view, sized ? std::min<int>(view.WindowWidth, kWidestView) : 0,
+                   sized ? std::min<int>(view.WindowHeight, kHighestView) : 0);
 }
 
 }  // namespace corvinade::graphics

@@ -12,6 +12,7 @@
 #include "graphics/drawing.h"
 #include "graphics/flags.h"
 #include "graphics/lines.h"
+#include "graphics/measuring.h"
 #include "graphics/picking.h"
 #include "graphics/projection.h"
 #include "graphics/scene.h"
@@ -168,7 +169,7 @@ void FollowWithFlag(ScreenWindow& window, const MouseEvent& event) {
 
 void ScreenPixel_MouseDown(ScreenWindow& window, const MouseEvent& event) {
     ScreenMouse& mouse = window.Mouse;
-    Main.MenuFahne.Value = 0;
+    Main.MenuFahne.Value = Main.MenuPicture.Value = 0;
     window.BindingsShown = false;
     mouse.DownButton = event.Buttons;
     mouse.X = mouse.DownX = event.X;
@@ -210,6 +211,9 @@ void ScreenPixel_MouseMove(ScreenWindow& window, const MouseEvent& event) {
 void ScreenPixel_MouseUp(ScreenWindow& window, const MouseEvent& event) {
     ScreenMouse& mouse = window.Mouse;
     if (mouse.OnFlag) return ReleaseFlag(window);
+    if (event.Buttons == kRightButton && mouse.DownButton == kRightButton && Rotating(event) &&
+        !mouse.ViewMoved)
+        Main.MenuPicture.Value = 1;
     if (EndsFrame(window, event))
         mouse.ZoomedByFrame = ZoomToFrame(window, event);
     else if (mouse.ViewMoved && LookOf(window).PointNames)
@@ -222,9 +226,14 @@ void ScreenPixel_MouseUp(ScreenWindow& window, const MouseEvent& event) {
 void ScreenPixel_Click(ScreenWindow& window, const MouseEvent& event) {
     if (std::exchange(window.Mouse.ZoomedByFrame, false)) return;
     if ((event.Buttons & (kRightButton | kMiddleButton)) != 0 || window.Mouse.OnFlag) return;
+    const bool plain = !Rotating(event) && !Panning(event);
+    if (window.Measure.On && plain && InPicture(window, event)) {
+        MeasureClicked(window, Search_Point_Index(window, event.X, event.Y));
+        return;
+    }
     // In the flag mode a plain click is for flags and leaves the actual point alone; lines are set all the
     // same.
-    const bool forFlags = IsTrue(window.State.FlagMode) && !Rotating(event) && !Panning(event);
+    const bool forFlags = IsTrue(window.State.FlagMode) && plain;
     int row = 0;
     if (InPicture(window, event)) row = Search_Point_Index(window, event.X, event.Y);
     if (row != 0 && !forFlags) {

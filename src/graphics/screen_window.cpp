@@ -15,6 +15,7 @@
 #include "core/records.h"
 #include "core/run.h"
 #include "core/settings.h"
+#include "engine/undo.h"
 #include "fit/require.h"
 #include "graphics/drawing.h"
 #include "graphics/flags.h"
@@ -106,7 +107,7 @@ void ShowNoModes() {
     for (Control* entry :
          {&Main.MenüAnsichtVektorenVektorModeActive, &Main.MenüGlobalFlagsMode, &Main.MenüAnsichtDynamicFlag,
           &Main.MenüGlobalRotateAbout, &Main.MenüGraphicsLinesLineModeActive, &Main.MenüGraphicsLinesSetLines,
-          &Main.MenüGraphicsLinesDeleteLines, &Main.MenüAnsichtAnalyseModeActive})
+          &Main.MenüGraphicsLinesDeleteLines, &Main.MenüAnsichtAnalyseModeActive, &Main.MenuGraphicsDistance})
         entry->Checked = false;
     for (Control* button :
          {&Main.ToolbarGraphics_VectorMode, &Main.ToolbarGraphics_VectorLonger,
@@ -193,6 +194,7 @@ void CloseScreenWindow(ScreenWindow& window) {
     }
     if (window.Screen.Close != nullptr) window.Screen.Close(window.Screen);
     if (Scene.PlottedFor == &window) Scene.PlottedFor = nullptr;
+    ForgetUndoStepsOf(window.Id);
     // What closes is kept alive to the end of this call; the loops that draw it find it gone.
     const std::unique_ptr<ScreenWindow> closing = std::move(*place);
     screens.Open.erase(place);

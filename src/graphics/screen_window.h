@@ -57,7 +57,15 @@ struct PictureLook {
     bool StartPoints = true, Targets = false;           // of the pairs
     bool StartPointsAlone = true, TargetsAlone = true;  // points without a partner
     bool PointNames = false, ColorBar = false, AxisLabels = false, NearPointsBigger = false;
+    bool Axes = true;
     bool operator==(const PictureLook&) const = default;
+};
+
+// Two points whose distance is told.
+struct ScreenMeasure {
+    bool On = false;
+    int From = 0, To = 0;             // rows of the scene, 0 = none yet
+    std::uint64_t JobGeneration = 0;  // of the points that they are of
 };
 
 struct ScreenWindow {
@@ -76,6 +84,7 @@ struct ScreenWindow {
     Colour BackColor = 0;  // of ScreenPixel
     ScreenPointer Pointer = ScreenPointer::Arrow;
     ScreenMouse Mouse;
+    ScreenMeasure Measure;
     bool BindingsShown = false;       // the text about mouse and keys lies over the picture
     std::vector<ScreenLabel> Labels;  // all but the two below; made anew by each paint
     ScreenLabel LabelScale, LabelVectorScale;

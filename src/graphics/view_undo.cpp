@@ -12,6 +12,7 @@
 #include "graphics/flags.h"
 #include "graphics/form_black_plane.h"
 #include "graphics/form_color_bar.h"
+#include "graphics/picture_steps.h"
 #include "graphics/scene.h"
 #include "graphics/view_values.h"
 
@@ -36,6 +37,18 @@ int StepsForth(const ScreenWindow& window) {
     return std::abs(window.UndoOffset);
 }
 
+const ScreenRecord& StepThatShows(const ScreenWindow& window) {
+    return window.UndoRing[static_cast<std::size_t>(window.UndoIndex)];
+}
+
+// The flags of a view may be others than those that were there.
+void ShowStepOfRing(ScreenWindow& window) {
+    const ScreenRecord before = WithoutEmptyTables(window.State);
+    const std::uint64_t id = window.Id;
+    GetScreenPropertiesFromRecord(window, StepThatShows(window));
+    if (ScreenIsOpen(id)) KeepFlagStep(window, before);
+}
+
 void ShowSteps(int steps, const char* name, Control& button, Control& entry) {
     button.Enabled = entry.Enabled = steps > 0;
     button.ToolTip = std::to_string(steps) + " " + name;
@@ -44,6 +57,7 @@ void ShowSteps(int steps, const char* name, Control& button, Control& entry) {
 }  // namespace
 
 void StoreScreenPropertiesToRecord(ScreenWindow& window) {
+    if (window.UndoCount > 0) KeepFlagStep(window, StepThatShows(window));
     if (window.UndoIndex == kUndoSlots) window.UndoIndex = 0;
     ++window.UndoIndex;
     window.UndoCount = std::min(kUndoSlots, window.UndoCount + 1 + window.UndoOffset);
@@ -56,14 +70,14 @@ void Rückgängig_Back(ScreenWindow& window) {
     if (StepsBack(window) == 0) return;
     window.UndoIndex = window.UndoIndex == 1 ? kUndoSlots : window.UndoIndex - 1;
     --window.UndoOffset;
-    GetScreenPropertiesFromRecord(window, window.UndoRing[static_cast<std::size_t>(window.UndoIndex)]);
+    ShowStepOfRing(window);
 }
 
 void Rückgängig_Force(ScreenWindow& window) {
     if (StepsForth(window) == 0) return;
     window.UndoIndex = window.UndoIndex == kUndoSlots ? 1 : window.UndoIndex + 1;
     ++window.UndoOffset;
-    GetScreenPropertiesFromRecord(window, window.UndoRing[static_cast<std::size_t>(window.UndoIndex)]);
+    ShowStepOfRing(window);
 }
 
 void GetScreenPropertiesFromRecord(ScreenWindow& window, const ScreenRecord& view) {

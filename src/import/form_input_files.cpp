@@ -14,6 +14,7 @@
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/text.h"
+#include "engine/undo.h"
 #include "import/form_table.h"
 #include "import/import_request.h"
 #include "import/input_tables.h"
@@ -338,11 +339,13 @@ void FormInputFiles::BtnImportMoreMCS_Click() {
     }
     const bool prefix = w.OptionPrefix.Value == 1;
     Run.ImportFailed = kFalse;
+    JobStep step;
     const std::string path = w.TextNameMoreMCS.Text, before = prefix ? w.TextPreSuff.Text : "",
                       behind = prefix ? "" : w.TextPreSuff.Text;
     if (IsReadHere(TableSide::More) ? !AddTable(path, before, behind) : !ReadMorePoints(path, before, behind))
         return;
     const std::uint64_t generation = ++Run.JobGeneration;
+    step.Keep("Import", JobChange::Import);
     Changed(What::MorePoints);
     ShowChanges();
     if (Run.JobGeneration != generation) return;

@@ -24,6 +24,7 @@
 #include "core/text.h"
 #include "core/window.h"
 #include "engine/calculation_window.h"
+#include "engine/undo.h"
 #include "fit/require.h"
 #include "import/auto_find.h"
 #include "import/import_request.h"
@@ -390,6 +391,7 @@ ImportOutcome Import(const ImportRequest& request) {
     Run.ImportFailed = kFalse;
     const std::array<std::string, 4> before = {Job.PathMCS, Job.PathOCS, Job.NameMCS, Job.NameOCS};
     JobBeforeImport jobBefore;
+    JobStep step;
     const std::string startName = request.StartName.value_or(Job.NameMCS.empty() ? "MCS" : Job.NameMCS);
     const std::string targetName = request.TargetName.value_or(Job.NameOCS.empty() ? "OCS" : Job.NameOCS);
     Job.PathMCS = request.StartPath;
@@ -444,6 +446,7 @@ ImportOutcome Import(const ImportRequest& request) {
     SigmasOfImport::GiveToJob();
     NotePairsWithoutOrientation(request);
     Run.JobDataValid = kTrue;  // the main sheet shows no others
+    step.Keep("Import", JobChange::Import);
     const std::uint64_t generation = Run.JobGeneration;
     Changed(What::Points);
     ShowChanges();

@@ -1,12 +1,21 @@
 // The chart of a column of the main sheet on the screen.
 #include "ui/chart_view.h"
 
+#include <QBuffer>
 #include <QChart>
 #include <QChartView>
 #include <QEvent>
+#include <QGraphicsScene>
+#include <QGuiApplication>
+#include <QImage>
 #include <QLineSeries>
+#include <QMarginsF>
+#include <QPageSize>
+#include <QPainter>
+#include <QPdfWriter>
 #include <QPen>
 #include <QScatterSeries>
+#include <QSvgGenerator>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QValueAxis>
@@ -174,6 +183,58 @@ void ShowChart(const QWidget& form) {
         // From the event loop, since the screen is just being brought up to date.
         QTimer::singleShot(0, view, [] { UserDid([] { Dispatch(Grafik_Failed); }); });
     }
+}
+
+std::string ChartFile(const PictureOrder& order, PictureFormat format) {
+    constexpr double kScreenDots = 96, kInch_mm = 25.4, kInch_m = 0.0254;
+    const QSizeF size(order.Width_mm / kInch_mm * kScreenDots, order.Height_mm / kInch_mm * kScreenDots);
+    // Black on white is the chart of a light screen.
+    QPalette palette = QGuiApplication::palette();
+    if (order.White) {
+        palette.setColor(QPalette::WindowText, Qt::black);
+        palette.setColor(QPalette::Window, Qt::white);
+    }
+    QGraphicsScene scene;
+    auto* chart = NewChart(palette);
+    scene.addItem(chart);
+    chart->resize(size);
+    const auto paint = [&](QPaintDevice& device, double scale) {
+        QPainter painter(&device);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.scale(scale, scale);
+        painter.fillRect(QRectF(QPointF(), size), palette.color(QPalette::Window));
+        scene.render(&painter, QRectF(QPointF(), size), QRectF(QPointF(), size), Qt::IgnoreAspectRatio);
+    };
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    if (format == PictureFormat::Svg) {
+        QSvgGenerator svg;
+        svg.setOutputDevice(&buffer);
+        svg.setSize(size.toSize());
+        svg.setViewBox(QRectF(QPointF(), size));
+        svg.setResolution(static_cast<int>(kScreenDots));
+        svg.setTitle(Q(GrafikWindow.Title));
+        paint(svg, 1);
+    } else if (format == PictureFormat::Pdf) {
+        constexpr int kPageDots = 1200;
+        QPdfWriter pdf(&buffer);
+        pdf.setResolution(kPageDots);
+        pdf.setPageSize(QPageSize(QSizeF(order.Width_mm, order.Height_mm), QPageSize::Millimeter, QString(),
+                                  QPageSize::ExactMatch));
+        pdf.setPageMargins(QMarginsF(0, 0, 0, 0));
+        pdf.setTitle(Q(GrafikWindow.Title));
+        paint(pdf, kPageDots / kScreenDots);
+    } else {
+        const double scale = order.Dots / kScreenDots;
+        QImage image((size * scale).toSize(), QImage::Format_RGB32);
+        if (image.isNull()) return "";
+        image.setDotsPerMeterX(static_cast<int>(std::lround(order.Dots / kInch_m)));
+        image.setDotsPerMeterY(image.dotsPerMeterX());
+        paint(image, scale);
+        image.save(&buffer, "PNG");
+    }
+    return bytes.toStdString();
 }
 
 }  // namespace corvinade::ui

@@ -25,6 +25,7 @@
 #include "ui/column_fields.h"
 #include "ui/drops.h"
 #include "ui/frame.h"
+#include "ui/help.h"
 #include "ui/places.h"
 #include "ui/plots.h"
 #include "ui/program_keys.h"
@@ -143,6 +144,7 @@ void OpenOne(const WindowEntry& window) {
     }
     BindWindow(window, *open.Form);
     AddPlot(window, *open.Form);
+    TellWhatFieldsAre(window, *open.Form);
     PutAboveColumns(*open.Form);
     Desktop.Windows[&window] = open;
     open.Outer->setAttribute(Qt::WA_DeleteOnClose, false);

@@ -125,12 +125,15 @@ void FurnishFrame(QMainWindow& frame) {
 }
 
 // A menu is a pop-up menu while its value says so: that for editing is one of a table, that for flags one of
-// a flag.
+// a flag, that for pictures one of the picture that was clicked.
 void ShowPopUpMenu(const QMainWindow& frame) {
-    const bool flag = Main.MenuFahne.Value != 0;
-    if ((Main.MenuEdit.Value == 0 && !flag)) return;
-    Main.MenuEdit.Value = Main.MenuFahne.Value = 0;
-    auto* menu = frame.findChild<QMenu*>(flag ? QStringLiteral("MenuFahne") : QStringLiteral("MenuEdit"));
+    const char* const name = Main.MenuFahne.Value != 0     ? "MenuFahne"
+                             : Main.MenuPicture.Value != 0 ? "MenuPicture"
+                             : Main.MenuEdit.Value != 0    ? "MenuEdit"
+                                                           : nullptr;
+    if (name == nullptr) return;
+    Main.MenuEdit.Value = Main.MenuFahne.Value = Main.MenuPicture.Value = 0;
+    auto* menu = frame.findChild<QMenu*>(QLatin1String(name));
     if (menu == nullptr) return;
     menu->popup(QCursor::pos());
 }

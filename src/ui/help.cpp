@@ -11,13 +11,16 @@
 #include <QTextBrowser>
 #include <QUrl>
 #include <QVBoxLayout>
+#include <QWhatsThis>
 #include <array>
 #include <string_view>
 
 #include "core/form_main.h"
+#include "engine/field_words.h"
 #include "graphics/bindings_overlay.h"
 #include "ui/desktop.h"
 #include "ui/frame.h"
+#include "ui/plain_text.h"
 #include "ui/qt_text.h"
 
 namespace corvinade::ui {
@@ -49,6 +52,7 @@ constexpr ChapterRow kChapters[] = {
     {"FormChangeDir", "15-batch-and-exports.md"},
     {"FormExport", "15-batch-and-exports.md"},
     {"FormReport", "15-batch-and-exports.md"},
+    {"FormPicture", "15-batch-and-exports.md"},
     {"FormGraphicsOptions", "18-graphics-options.md"},
     {"FormBlackPlane", "17-black-planes.md"},
     {"FormGrafik", "19-graph-data.md"},
@@ -179,7 +183,16 @@ void FurnishHelp(QMainWindow& frame) {
     if (auto* chapter = frame.findChild<QAction*>(QStringLiteral("_HelpChapter")))
         QObject::connect(chapter, &QAction::triggered, &frame,
                          [] { ShowChapterFor(QApplication::focusWidget()); });
+    if (auto* what = frame.findChild<QAction*>(QStringLiteral("_HelpWhatIs")))
+        QObject::connect(what, &QAction::triggered, &frame, [] { QWhatsThis::enterWhatsThisMode(); });
     NameKeysOfToolBars(frame);
+}
+
+void TellWhatFieldsAre(const WindowEntry& window, const QWidget& form) {
+    for (const ControlEntry& entry : window.Controls)
+        if (const std::string words = WhatIs(*entry.Place); !words.empty())
+            if (auto* widget = form.findChild<QWidget*>(Q(std::string(entry.Name))))
+                widget->setWhatsThis(PlainAsMarkup(Q(words)));
 }
 
 }  // namespace corvinade::ui

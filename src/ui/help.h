@@ -30,4 +30,7 @@ QList<KeyLine> AllKeys(const QMainWindow& frame);
 // Ties the entries of the menu, and has the buttons of the tool bars name the keys of their commands.
 void FurnishHelp(QMainWindow& frame);
 
+// "What is this?" of the fields of a result in a form.
+void TellWhatFieldsAre(const WindowEntry& window, const QWidget& form);
+
 }  // namespace corvinade::ui

@@ -1,6 +1,7 @@
 // The inside of a graphics window on the screen.
 #include "ui/screen_view.h"
 
+#include <QContextMenuEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -12,6 +13,7 @@
 #include <string>
 #include <utility>
 
+#include "core/form_main.h"
 #include "core/window.h"
 #include "paint/image.h"
 #include "ui/desktop.h"
@@ -243,6 +245,12 @@ void ScreenView::wheelEvent(QWheelEvent* event) {
         Did([&](ScreenWindow& window) {
             ScreenPixel_Wheel(window, place, steps > 0 ? kWheelStep : -kWheelStep);
         });
+}
+
+// By the key for it; the right button zooms, and with Shift it comes here by its release.
+void ScreenView::contextMenuEvent(QContextMenuEvent* event) {
+    if (event->reason() != QContextMenuEvent::Keyboard) return;
+    Did([](ScreenWindow&) { Main.MenuPicture.Value = 1; });
 }
 
 void ScreenView::keyPressEvent(QKeyEvent* event) {

@@ -14,15 +14,19 @@
 #include "core/settings.h"
 #include "core/window.h"
 #include "graphics/drawing.h"
+#include "graphics/form_picture.h"
 #include "graphics/form_report.h"
 #include "graphics/screen_window.h"
 #include "graphics/view_undo.h"
 #include "graphics/views.h"
 #include "paint/picture.h"
+#include "paint/picture_file.h"
 #include "paint/report_pdf.h"
+#include "ui/chart_view.h"
 #include "ui/desktop.h"
 #include "ui/places.h"
 #include "ui/qt_text.h"
+#include "ui/report_print.h"
 #include "ui/screen_view.h"
 
 namespace corvinade::ui {
@@ -208,13 +212,15 @@ void BeginScreens(QMdiArea& area) {
     Shown = ScreensShown{};
     Shown.Area = &area;
     FillSurface = Fill;
-    ReportBy = {PictureBytes, ReportPdf};
+    ReportBy = {PictureBytes, ReportPdf, PrintReport};
+    PictureBy = {PictureFileOf, ChartFile, CopyPicture};
     QObject::connect(&area, &QMdiArea::subWindowActivated, &area, Activated);
 }
 
 void EndScreens() {
     FillSurface = nullptr;
     ReportBy = {};
+    PictureBy = {};
     // A window that goes makes the next one active; nobody is to follow that any more.
     const ScreensShown ended = std::exchange(Shown, ScreensShown{});
     for (const auto& [id, view] : ended.Views) delete view.Outer;

@@ -56,7 +56,8 @@ bool IsCommand(const ControlEntry& entry) {
 std::vector<std::string> Commands() {
     std::vector<std::string> names;
     for (const ControlEntry& entry : FormMain_Entry.Controls) {
-        if (IsCommand(entry)) names.emplace_back(entry.Name);
+        // The menu of a picture has entries that stand elsewhere too.
+        if (IsCommand(entry) && entry.Place != &Main.MenuPicture) names.emplace_back(entry.Name);
     }
     return names;
 }

@@ -4,6 +4,9 @@
 #include <algorithm>
 
 #include "core/changes.h"
+#include "core/desktop_defaults.h"
+#include "core/form_units.h"
+#include "core/job_file.h"
 #include "engine/calculation_job.h"
 #include "engine/norm_table.h"
 
@@ -21,6 +24,8 @@ protected:
     static std::size_t OutOfUse() {
         return static_cast<std::size_t>(std::count(Job.UseFlags.begin() + 1, Job.UseFlags.end(), 0));
     }
+    // What Save would write.
+    static std::string SavedBytes() { return JobBytes(Job, Main.ComboSaveView.Items); }
     // The window shows deviations alone, a row a point.
     static void OpenWithDeviations() {
         Open();
@@ -139,22 +144,104 @@ TEST_F(UndoOfChoices, AParameterStepOpensTheWindowThatWasClosed) {
     EXPECT_EQ(w.CheckTraX.Value, 1);
 }
 
-TEST_F(UndoOfChoices, OtherPointsAnotherDirectionAndOtherUnitsForgetTheSteps) {
+TEST_F(UndoOfChoices, AnotherJobForgetsTheSteps) {
     OpenWithDeviations();
-    TurnDeviation(1);
-    UserClick(w.BtnSwitchMcsOcs);
-    EXPECT_FALSE(Main.MenuEditUndo.Enabled) << "direction";
-    TurnDeviation(1);
-    ASSERT_TRUE(Main.MenuEditUndo.Enabled);
-    Job.LengthUnitName = "inch";
-    Dispatch([] { Changed(What::UnitsAndDigits); });
-    EXPECT_FALSE(Main.MenuEditUndo.Enabled) << "units";
     TurnDeviation(1);
     ASSERT_TRUE(Main.MenuEditUndo.Enabled);
     const auto flags = Job.UseFlags;
     ++::Run.JobGeneration;
     Back();
     EXPECT_EQ(Job.UseFlags, flags) << "a step of other points must not act on these";
+    EXPECT_FALSE(Main.MenuEditUndo.Enabled);
+}
+
+TEST_F(UndoOfChoices, TheDirectionComesBackWithTheResultThatStood) {
+    DesktopDefaults = DesktopDefaultsRecord{.ResultState = true};
+    OpenWithDeviations();
+    Calculate();
+    const std::string before = SavedBytes();
+    UserClick(w.BtnSwitchMcsOcs);
+    const std::string behind = SavedBytes();
+    ASSERT_TRUE(before != behind);
+    EXPECT_FALSE(IsTrue(::Run.TrafoValid));
+    EXPECT_EQ(Main.MenuEditUndo.Text, "&Undo Direction");
+    Back();
+    EXPECT_TRUE(SavedBytes() == before);
+    EXPECT_EQ(w.LabelDirection.Text, "MCS -> OCS");
+    EXPECT_TRUE(IsTrue(::Run.TrafoValid));
+    EXPECT_FALSE(w.LabelResultState.Visible) << "the result is that of the points that are back";
+    EXPECT_FALSE(Main.MenuEditUndo.Enabled);
+    Again();
+    EXPECT_TRUE(SavedBytes() == behind);
+    EXPECT_EQ(w.LabelDirection.Text, "OCS -> MCS");
+    EXPECT_FALSE(IsTrue(::Run.TrafoValid));
+}
+
+TEST_F(UndoOfChoices, AResultThatAnotherOneHasReplacedIsStored) {
+    DesktopDefaults = DesktopDefaultsRecord{.ResultState = true};
+    OpenWithDeviations();
+    Calculate();
+    const std::string before = SavedBytes();
+    UserClick(w.BtnSwitchMcsOcs);
+    Calculate();
+    const std::string behind = SavedBytes();
+    Back();
+    EXPECT_TRUE(SavedBytes() == before);
+    EXPECT_EQ(w.LabelResultState.Text, "stored");
+    Again();
+    EXPECT_TRUE(SavedBytes() == behind);
+}
+
+TEST_F(UndoOfChoices, StepsBeforeAnotherDirectionGoOnBeingUndone) {
+    OpenWithDeviations();
+    const std::string before = SavedBytes();
+    TurnDeviation(1);
+    UserClick(w.BtnSwitchMcsOcs);
+    TurnDeviation(2);
+    const std::string behind = SavedBytes();
+    for (int i = 0; i < 3; ++i) Back();
+    EXPECT_TRUE(SavedBytes() == before);
+    EXPECT_FALSE(Main.MenuEditUndo.Enabled);
+    for (int i = 0; i < 3; ++i) Again();
+    EXPECT_TRUE(SavedBytes() == behind);
+}
+
+TEST_F(UndoOfChoices, UnitsComeBackAndHeldTextsToTheirLastDigit) {
+    Open();
+    UserSetValue(w.CheckTraX, 0);
+    UserSetText(w.TextTraX, "100.123456789");
+    Calculate();
+    const std::string before = SavedBytes();
+    const double factor = Units.LengthFactor;
+    ShowWindow("FormUnits");
+    for (std::size_t i = 0; i < UnitsWindow.ComboLength.Items.size(); ++i)
+        if (UnitsWindow.ComboLength.Items[i] == "inch")
+            UserSetIndex(UnitsWindow.ComboLength, static_cast<int>(i));
+    UserSetIndex(UnitsWindow.ComboDigitLength, 1);
+    UserClick(UnitsWindow.BtnOK);
+    ASSERT_EQ(Job.LengthUnitName, "inch");
+    const std::string behind = SavedBytes(), text = w.TextTraX.Text;
+    EXPECT_EQ(Main.MenuEditUndo.Text, "&Undo Units");
+    Back();
+    EXPECT_TRUE(SavedBytes() == before);
+    EXPECT_EQ(w.TextTraX.Text, "100.123456789");
+    EXPECT_EQ(Units.LengthFactor, factor);
+    EXPECT_EQ(Main.MenuEditUndo.Text, "&Undo Parameters");
+    Again();
+    EXPECT_TRUE(SavedBytes() == behind);
+    EXPECT_EQ(w.TextTraX.Text, text);
+}
+
+TEST_F(UndoOfChoices, APointSetThatIsTooLargeToBeKeptEndsTheStepsAndSaysSo) {
+    AddPairs(400'000);
+    OpenWithDeviations();
+    UserSetValue(w.OptionL1, 1);
+    ASSERT_TRUE(Main.MenuEditUndo.Enabled);
+    UserClick(w.BtnSwitchMcsOcs);
+    EXPECT_FALSE(Main.MenuEditUndo.Enabled);
+    EXPECT_EQ(Main.MenuEditUndo.Text, "&Undo (too many points to keep those of before)");
+    TurnDeviation(1);
+    EXPECT_EQ(Main.MenuEditUndo.Text, "&Undo Use of Points") << "what is done from here on can be undone";
 }
 
 TEST_F(UndoOfChoices, TwoHundredStepsAreKept) {

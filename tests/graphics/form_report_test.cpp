@@ -9,6 +9,9 @@
 #include "core/files.h"
 #include "core/numbers.h"
 #include "engine/calculation_job.h"
+#include "engine/result_state.h"
+#include "graphics/form_picture.h"
+#include "graphics/screen_window.h"
 
 using namespace corvinade;
 
@@ -152,4 +155,91 @@ TEST_F(ReportOfResult, ALogoThatIsNoPictureIsSaidAndLeftOut) {
     UserSetText(r.TextLogo, Write("mark.png", "\x89PNG\r\n\x1a\n..."));
     EXPECT_FALSE(r.LabelProblem.Visible);
     EXPECT_NE(ReportHtml(r.Made).find("data:image/png;base64,iVBORw0KGgouLi4="), std::string::npos);
+}
+
+TEST_F(ReportOfResult, NamesBothMeasuresOfTheSameDeviations) {
+    CalculateJob();
+    OpenReport();
+    double sum = 0;
+    for (int i = 1; i <= 8; ++i)
+        for (int axis = 1; axis <= 3; ++axis)
+            sum += std::pow(TransformedPoint(i)(axis) - TargetPoint(i)(axis), 2);
+    // 24 coordinates in use, six parameters.
+    const std::string byCoordinates = FormatNumber(std::sqrt(sum / 23), "0.000"),
+                      byRedundancy = FormatNumber(std::sqrt(sum / 18), "0.000");
+    const std::vector<ReportCell>& row = Section("Result")->Tables.at(0).Rows.at(0);
+    EXPECT_EQ(row[0].Text, "s0, by the coordinates in use less one");
+    EXPECT_EQ(row[1].Text, byCoordinates);
+    std::string lines;
+    for (const std::string& line : Section("How far it can be trusted")->Lines) lines += line + "\n";
+    EXPECT_NE(lines.find("This s0 = " + byRedundancy + " divides by the redundancy, 18"), std::string::npos)
+        << lines;
+    EXPECT_NE(lines.find("the s0 = " + byCoordinates + " of the result"), std::string::npos) << lines;
+}
+
+TEST_F(ReportOfResult, TellsAResultThatTheJobWasOpenedWith) {
+    DesktopDefaults.ResultState = true;
+    CalculateJob();
+    OpenReport();
+    std::vector<std::string> values;
+    for (const std::vector<ReportCell>& row : Section("Parameters")->Tables.at(0).Rows)
+        values.push_back(row.at(2).Text);
+    Headless.Answers["save"].push_back(PathOf("stored.cvn"));
+    ASSERT_TRUE(UserClick(Main.MenuFileSaveAs));
+    Headless.Answers["open"].push_back(PathOf("stored.cvn"));
+    ASSERT_TRUE(UserClick(Main.MenuFileOpen));
+    ASSERT_TRUE(StoredResultStands());
+    OpenReport();
+    EXPECT_TRUE(r.BtnSave.Enabled) << r.LabelProblem.Text;
+    std::vector<std::string> stored;
+    for (const std::vector<ReportCell>& row : Section("Parameters")->Tables.at(0).Rows)
+        stored.push_back(row.at(2).Text);
+    EXPECT_EQ(stored, values);
+    std::string lines;
+    for (const std::string& line : Section("Result")->Lines) lines += line + "\n";
+    EXPECT_NE(lines.find("the job was opened with"), std::string::npos) << lines;
+}
+
+TEST_F(ReportOfResult, HasThePicturesThatAreTicked) {
+    CalculateJob();
+    OpenScreenWindow();
+    Job.nSavedViews = 1;
+    Main.ComboSaveView.Items = {"front"};
+    ReportBy.Picture = [](const ScreenWindow& window) { return "picture of " + window.Caption; };
+    PictureBy.File = [](const PictureOrder& order, PictureFormat) {
+        return std::string(order.Of == PictureSource::Trumpet ? "trumpet" : "view");
+    };
+    OpenReport();
+    GridState& grid = r.GridPictures.Grid;
+    ASSERT_EQ(grid.Rows, 4) << "heading, window, saved view, trumpet";
+    EXPECT_EQ(CellText(grid, 2, 1), "Saved view: front");
+    ASSERT_EQ(Section("Pictures")->Pictures.size(), 1U) << "windows alone, until more is ticked";
+    UserClickCell(r.GridPictures, 2, 0, false);
+    UserClickCell(r.GridPictures, 3, 1, false);
+    ASSERT_EQ(Section("Pictures")->Pictures.size(), 3U);
+    EXPECT_EQ(Section("Pictures")->Pictures[1].Bytes, "view");
+    EXPECT_EQ(Section("Pictures")->Pictures[2].Bytes, "trumpet");
+    UserClickCell(r.GridPictures, 1, 0, false);
+    EXPECT_EQ(Section("Pictures")->Pictures.size(), 2U);
+    EXPECT_EQ(CellText(grid, 1, 0), "");
+    UserClick(r.BtnClose);
+    OpenReport();
+    EXPECT_EQ(Section("Pictures")->Pictures.size(), 2U) << "the ticks are those of the last time";
+    UserSetValue(r.CheckPictures, 0);
+    EXPECT_EQ(Section("Pictures"), nullptr);
+    ReportBy = {};
+    PictureBy = {};
+}
+
+TEST_F(ReportOfResult, IsPrintedWhereThereIsAPrinterToAskFor) {
+    CalculateJob();
+    OpenReport();
+    EXPECT_FALSE(r.BtnPrint.Enabled) << "without a screen nobody can be asked";
+    static std::string printed;
+    ReportBy.Print = [](const Report& report) { printed = report.Title; };
+    UserSetText(r.TextTitle, "Cell 4");
+    ASSERT_TRUE(r.BtnPrint.Enabled);
+    UserClick(r.BtnPrint);
+    EXPECT_EQ(printed, "Cell 4");
+    ReportBy = {};
 }

@@ -1,10 +1,14 @@
 // The report as a PDF file: pages, text that can be selected, and bookmarks that a reader finds.
 #include "paint/report_pdf.h"
 
+#include <QBuffer>
+#include <QImage>
+#include <QPainter>
 #include <cstdlib>
 #include <regex>
 
 #include "paint/pdf_marks.h"
+#include "paint/report_pages.h"
 #include "support/fixture.h"
 
 using namespace corvinade;
@@ -76,4 +80,28 @@ TEST(PdfMarks, AFileThatIsNotUnderstoodStaysAsItIs) {
         EXPECT_EQ(WithPdfMarks(text, marks), text);
     const std::string pdf = ReportPdf(LongReport(5));
     EXPECT_EQ(WithPdfMarks(pdf, {{"beyond", 99}}), pdf);
+}
+
+TEST(ReportPdf, APictureIsAsWideAsItsPageTellsAndNoWider) {
+    QImage red(62, 31, QImage::Format_RGB32);
+    red.fill(Qt::red);
+    QBuffer png;
+    png.open(QIODevice::WriteOnly);
+    red.save(&png, "PNG");
+    Report report{.Title = "Cell 4"};
+    report.Sections.push_back({.Title = "Pictures", .Pictures = {{"red", png.data().toStdString()}}});
+    const ReportPages pages = PagesOf(report);
+    EXPECT_EQ(pages.Count, 1);
+    QImage page(pages.Width, pages.Height, QImage::Format_RGB32);
+    page.fill(Qt::white);
+    QPainter painter(&page);
+    PaintPage(painter, pages, 0);
+    painter.end();
+    QRect place;
+    for (int y = 0; y < page.height(); ++y)
+        for (int x = 0; x < page.width(); ++x)
+            if (page.pixel(x, y) == qRgb(255, 0, 0)) place |= QRect(x, y, 1, 1);
+    // 620 pixels of a browser, the 96th part of an inch each, in dots of which 300 are one.
+    EXPECT_NEAR(place.width(), 620 / 96.0 * 300, 4);
+    EXPECT_NEAR(place.height(), 310 / 96.0 * 300, 4);
 }

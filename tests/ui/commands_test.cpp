@@ -35,6 +35,7 @@ TEST_F(DesktopTest, EveryCommandOfTheFrameStandsInAMenuOrAToolBarAndIsConnected)
     for (const ControlEntry& entry : FormMain_Entry.Controls) {
         const ControlKind kind = entry.Place->Kind;
         if ((kind != ControlKind::Menu && kind != ControlKind::ToolButton) || IsParent(entry)) continue;
+        if (entry.Place == &Main.MenuPicture) continue;  // it pops up alone, with entries of other menus
         ++commands;
         const QAction* action = Action(entry.Name);
         ASSERT_NE(action, nullptr) << entry.Name;

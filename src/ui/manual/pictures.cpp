@@ -136,6 +136,11 @@ void Close(const char* window) {
     Settle();
 }
 
+void SaveAndClose(const char* window, QSize size = {}) {
+    SaveWindow(window, size);
+    Close(window);
+}
+
 // Nobody is there to answer a question, so one that comes up ends the program with its text.
 void WatchForQuestions(QTimer& timer) {
     QObject::connect(&timer, &QTimer::timeout, [] {
@@ -162,8 +167,7 @@ void InputPicture() {
         SetText(*FindControl(*FindWindow("FormInputFiles"), "TextNameMCS"), kStart);
         SetText(*FindControl(*FindWindow("FormInputFiles"), "TextNameOCS"), kTarget);
     });
-    SaveWindow("FormInputFiles", {900, 540});
-    Close("FormInputFiles");
+    SaveAndClose("FormInputFiles", {900, 540});
 }
 
 // Double clicks on the use cells of a point leave it out of the fit, or take it in again.
@@ -194,8 +198,7 @@ void CalculationPictures() {
     SaveWindow("FormTrafoBerechnung");
     Save(*Frame(), QStringLiteral("FormMain"));
     Press("FormTrafoBerechnung", "BtnDetails");
-    SaveWindow("FormTrafoDetails", {1270, 680});
-    Close("FormTrafoDetails");
+    SaveAndClose("FormTrafoDetails", {1270, 680});
 }
 
 void OtherPictures() {
@@ -204,26 +207,22 @@ void OtherPictures() {
     constexpr int kDeviationX = 7;
     UserDid([] { UserSelectCells(MainSheetWindow.MSFlexGrid1, {1, kDeviationX, 1, kDeviationX}); });
     Trigger("MenuEditGraphData");
-    SaveWindow("FormGrafik", {760, 420});
-    Close("FormGrafik");
+    SaveAndClose("FormGrafik", {760, 420});
     Trigger("MenüViewInputStatistic");
     SaveWindow("FormInputStatistic", {440, 430});
     Trigger("MenuTransformationReliability");
-    SaveWindow("FormReliability", {1240, 660});
-    Close("FormReliability");
+    SaveAndClose("FormReliability", {1240, 660});
     Trigger("MenuTransformationDistanceScale");
     SaveWindow("FormDistanceScale", {1100, 330});
     Press("FormDistanceScale", "BtnTrumpetGraph");
-    SaveWindow("FormTrompete", {860, 560});
-    Close("FormTrompete");
+    SaveAndClose("FormTrompete", {860, 560});
     Close("FormDistanceScale");
     UserDid([] {
         ShowWindow("FormProgressBar");
         FindWindow("FormProgressBar")->State->Caption = "Monte Carlo";
         SetValue(Progress.ProgressBar1, 40);
     });
-    SaveWindow("FormProgressBar");
-    Close("FormProgressBar");
+    SaveAndClose("FormProgressBar");
     const struct {
         const char* Action;
         const char* Window;
@@ -262,8 +261,7 @@ void TableAndExportPictures() {
     Trigger("MenuFileInputFiles");
     UserDid([] { SetText(*FindControl(*FindWindow("FormInputFiles"), "TextNameMCS"), kTracker); });
     Press("FormInputFiles", "BtnTableMCS");
-    SaveWindow("FormTable", {860, 540});
-    Close("FormTable");
+    SaveAndClose("FormTable", {860, 540});
     Close("FormInputFiles");
     Trigger("MenueFileExportResult");
     UserDid([] {
@@ -271,11 +269,9 @@ void TableAndExportPictures() {
         for (int i = 0; i < static_cast<int>(forms.Items.size()); ++i)
             if (forms.Items[static_cast<std::size_t>(i)].starts_with("kuka-base")) SetIndex(forms, i);
     });
-    SaveWindow("FormExport", {880, 380});
-    Close("FormExport");
+    SaveAndClose("FormExport", {880, 380});
     Trigger("MenuFileReport");
-    SaveWindow("FormReport", {1000, 640});
-    Close("FormReport");
+    SaveAndClose("FormReport", {1000, 640});
 }
 
 // The batch with a folder of the examples, and the choice of a folder, with a few below it. The choice is
@@ -292,10 +288,7 @@ void BatchPictures() {
         SetText(*FindControl(*FindWindow("FormBatch"), "TextNameMCSDirectory"),
                 measured.path().toStdString());
     });
-    QTimer::singleShot(200, [] {
-        SaveWindow("FormChangeDir");
-        Close("FormChangeDir");
-    });
+    QTimer::singleShot(200, [] { SaveAndClose("FormChangeDir"); });
     Press("FormBatch", "BtnBrowseMCS");
     measured.removeRecursively();
     Close("FormBatch");
@@ -344,20 +337,16 @@ void ScreenPictures() {
     });
     save("FormScreen-flags");
     Trigger("MenuFahneEdit");
-    SaveWindow("FormEditFahne");
-    Close("FormEditFahne");
+    SaveAndClose("FormEditFahne");
     UserDid([&window] { AlleLöschen(window); });
     Trigger("ToolbarGraphics.ColorBar");
-    SaveWindow("FormColorBar");
-    Close("FormColorBar");
+    SaveAndClose("FormColorBar");
     Trigger("MenüGlobalGeneralGraphicsSettings");
-    SaveWindow("FormGraphicsOptions");
-    Close("FormGraphicsOptions");
+    SaveAndClose("FormGraphicsOptions");
+    Trigger("MenuEditPicture");
+    SaveAndClose("FormPicture");
     // The dialog is waited for, so its picture is taken from inside the wait.
-    QTimer::singleShot(200, [] {
-        SaveWindow("FormSaveView");
-        Close("FormSaveView");
-    });
+    QTimer::singleShot(200, [] { SaveAndClose("FormSaveView"); });
     Trigger("ToolbarSaveView.SaveView");
 }
 
@@ -423,8 +412,7 @@ void SlabPictures() {
     for (const char* check : {"CheckActivate", "CheckShowBlackPlanes"})
         dialog->findChild<QAbstractButton*>(QLatin1String(check))->click();
     Press("FormBlackPlane", "BtnApply");
-    SaveWindow("FormBlackPlane");
-    Close("FormBlackPlane");
+    SaveAndClose("FormBlackPlane");
     UserDid([&window] {
         ScreenRecord& state = window.State;
         state.TopDepth = static_cast<float>(-60 * state.BildFaktor);

@@ -6,7 +6,7 @@
 #include "core/rooms.h"
 #include "graphics/screen_window.h"
 
-namespace corvinade::cli {
+namespace corvinade::paint {
 
 // For the hook FillSurface (graphics/screen_window.h).
 void FillSurfaceWithSvg(Surface& screen);
@@ -17,4 +17,4 @@ void FillSurfaceWithSvg(Surface& screen);
 //   inPage   for a place inside a page, which needs no name space
 std::string SvgOfWindow(const ScreenWindow& window, const std::string& title, bool inPage);
 
-}  // namespace corvinade::cli
+}  // namespace corvinade::paint

@@ -1,12 +1,12 @@
 // Elements of SVG as text.
-#include "cli/svg_element.h"
+#include "paint/svg_element.h"
 
 #include <algorithm>
 #include <cstdio>
 
 #include "core/text.h"
 
-namespace corvinade::cli {
+namespace corvinade::paint {
 
 // The page is no place for the decimal delimiter of the locale.
 std::string SvgFixed(double value) {
@@ -102,4 +102,4 @@ void BeginSvg(std::string& svg, int width, int height, const std::string& title,
     SvgElement(svg, "title").Holds(title, "\n");
 }
 
-}  // namespace corvinade::cli
+}  // namespace corvinade::paint

@@ -7,7 +7,7 @@
 #include "analysis/trumpet_plot.h"
 #include "core/rooms.h"
 
-namespace corvinade::cli {
+namespace corvinade::paint {
 
 // An SVG document in light or dark as its reader has it: axes with their units, and a point a pair. Pairs
 // that fall on one place are drawn once. Where they are few, each names its pair under the mouse. Reads Job
@@ -17,4 +17,4 @@ namespace corvinade::cli {
 std::string TrumpetSvg(const DistancePoints& points, const std::string& title, const TrumpetPlot& plot,
                        bool notAllPairs = false);
 
-}  // namespace corvinade::cli
+}  // namespace corvinade::paint

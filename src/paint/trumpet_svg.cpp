@@ -1,14 +1,14 @@
 // The trumpet plot as SVG.
-#include "cli/trumpet_svg.h"
+#include "paint/trumpet_svg.h"
 
 #include <algorithm>
 #include <cmath>
 #include <span>
 
-#include "cli/svg_element.h"
 #include "graphics/trumpet_paint.h"
+#include "paint/svg_element.h"
 
-namespace corvinade::cli {
+namespace corvinade::paint {
 
 namespace {
 
@@ -139,4 +139,4 @@ std::string TrumpetSvg(const DistancePoints& points, const std::string& title, c
     return svg + kStyle + SvgOf(screen) + "</svg>\n";
 }
 
-}  // namespace corvinade::cli
+}  // namespace corvinade::paint

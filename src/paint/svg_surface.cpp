@@ -1,18 +1,18 @@
 // A surface that writes what is drawn on it as SVG.
-#include "cli/svg_surface.h"
+#include "paint/svg_surface.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <memory>
 
-#include "cli/svg_element.h"
 #include "fit/require.h"
 #include "graphics/point_loop.h"
 #include "graphics/scene.h"
 #include "paint/picture.h"
+#include "paint/svg_element.h"
 
-namespace corvinade::cli {
+namespace corvinade::paint {
 
 namespace {
 
@@ -205,4 +205,4 @@ std::string SvgOfWindow(const ScreenWindow& window, const std::string& title, bo
     return svg + "</g>\n</svg>\n";
 }
 
-}  // namespace corvinade::cli
+}  // namespace corvinade::paint

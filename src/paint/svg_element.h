@@ -8,7 +8,7 @@
 #include "core/escaped_text.h"
 #include "core/rooms.h"
 
-namespace corvinade::cli {
+namespace corvinade::paint {
 
 // A coordinate to a hundredth of a pixel, without zeros behind it and with a decimal point in every locale.
 std::string SvgNumber(double value);
@@ -48,4 +48,4 @@ void EndPath(std::string& svg);
 //   inPage   for a place inside a page, which needs no name space
 void BeginSvg(std::string& svg, int width, int height, const std::string& title, bool inPage = false);
 
-}  // namespace corvinade::cli
+}  // namespace corvinade::paint

@@ -1,22 +1,24 @@
 // The trumpet plot as a file of its own, SVG or PNG.
-#include "cli/trumpet_file.h"
+#include "paint/trumpet_file.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "cli/trumpet_svg.h"
 #include "core/files.h"
 #include "core/job.h"
 #include "core/platform.h"
 #include "core/text.h"
 #include "graphics/trumpet_paint.h"
+#include "paint/page_surface.h"
 #include "paint/picture.h"
+#include "paint/trumpet_svg.h"
 
-namespace corvinade::cli {
+namespace corvinade::paint {
 
 namespace {
 
 constexpr int kWidth = 1100, kHeight = 700;
+constexpr int kLeastSide = 160;           // of a plot that has room for its numbers
 constexpr double kSharp = 2;              // pixels of the file for one of the plot
 constexpr double kMostFine_pixels = 2e7;  // coarser in a picture larger than any screen
 
@@ -60,9 +62,13 @@ std::string TrumpetTitle(const DistancePoints& points, bool withResult) {
 }
 
 TrumpetPlot WholeTrumpetPlot(const DistancePoints& points) {
+    return SizedTrumpetPlot(points, kWidth, kHeight);
+}
+
+TrumpetPlot SizedTrumpetPlot(const DistancePoints& points, int width, int height) {
     TrumpetRange range;
     RangeOfPairs(points, range);
-    TrumpetPlace place{kWidth, kHeight, 90, 44, 24, 60};
+    TrumpetPlace place{std::max(width, kLeastSide), std::max(height, kLeastSide), 90, 44, 24, 60};
     std::size_t longest = 0;
     for (const TrumpetTick& tick : PlotOf(range, place).YTicks) longest = std::max(longest, tick.Text.size());
     constexpr int kDigit_pixels = 9, kAir_pixels = 18;
@@ -71,10 +77,10 @@ TrumpetPlot WholeTrumpetPlot(const DistancePoints& points) {
 }
 
 std::string TrumpetPng(const DistancePoints& points, const std::string& title, const TrumpetPlot& plot,
-                       bool notAllPairs) {
+                       bool notAllPairs, double scale) {
     TrumpetPlot sharp = plot;
     const double area = static_cast<double>(plot.Place.Width) * plot.Place.Height;
-    sharp.Place.Scale = std::min(kSharp, std::sqrt(kMostFine_pixels / area));
+    sharp.Place.Scale = scale > 0 ? scale : std::min(kSharp, std::sqrt(kMostFine_pixels / area));
     Sheet sheet;
     sheet.Screen.Width = plot.Place.Width;
     sheet.Screen.Height = plot.Place.Height;
@@ -88,10 +94,23 @@ std::string TrumpetPng(const DistancePoints& points, const std::string& title, c
     return bytes;
 }
 
+std::string TrumpetPage(const DistancePoints& points, const std::string& title, const TrumpetPlot& plot,
+                        double width_mm, double height_mm) {
+    constexpr double kFine = 4;  // points that fall on one place of the page are drawn once
+    TrumpetPlot fine = plot;
+    fine.Place.Scale = kFine;
+    Sheet sheet;
+    sheet.Screen.Width = plot.Place.Width;
+    sheet.Screen.Height = plot.Place.Height;
+    FillSurfaceWithPage(sheet.Screen);
+    PaintTrumpet(sheet.Screen, points, plot, RasterOf(points, fine), LightLook());
+    return PageOfPlot(sheet.Screen, width_mm, height_mm, title);
+}
+
 void WriteTrumpetPicture(const std::string& path, const DistancePoints& points, const std::string& title,
                          const TrumpetPlot& plot, bool notAllPairs) {
     WriteFile(path, EndsIn(path, ".PNG") ? TrumpetPng(points, title, plot, notAllPairs)
                                          : TrumpetSvg(points, title, plot, notAllPairs));
 }
 
-}  // namespace corvinade::cli
+}  // namespace corvinade::paint

@@ -1,5 +1,5 @@
 // Elements of SVG as text.
-#include "cli/svg_element.h"
+#include "paint/svg_element.h"
 
 #include <gtest/gtest.h>
 
