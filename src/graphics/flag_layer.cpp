@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "core/job.h"
+#include "core/job_tolerance.h"
 #include "core/settings.h"
 #include "core/units.h"
 #include "graphics/drawing.h"
@@ -40,9 +41,9 @@ bool IsStale(const ScreenWindow& window) {
     const FlagTextKey& key = window.FlagsShow;
     return window.FlagLabels.size() != At(FlagsOf(window.State)) + 1 || key.Scene != Scene.Stamp ||
            key.LengthFactor != Units.LengthFactor || key.AngleFactor != Units.AngleFactor ||
-           key.FmtLength != Units.FmtLength || key.FmtAngle != Units.FmtAngle ||
-           key.AngleUnit != Job.AngleUnitName || key.ColorBased != window.State.ColorBased ||
-           key.ArcLengths != IsTrue(Settings.PhiThetaAsQ);
+           key.Tolerance != ToleranceOf(Job) || key.FmtLength != Units.FmtLength ||
+           key.FmtAngle != Units.FmtAngle || key.AngleUnit != Job.AngleUnitName ||
+           key.ColorBased != window.State.ColorBased || key.ArcLengths != IsTrue(Settings.PhiThetaAsQ);
 }
 
 void FillCell(Surface& screen, float left, float top, float right, float bottom, Colour colour) {
@@ -89,12 +90,14 @@ void DrawFlag(ScreenWindow& window, const FlagLabel& label, const FlagRecord& re
     const auto rows = FlagRowEdges(label);
     const Colour ground = FlagGround(record, label);
     FillCell(screen, left, top, left + label.Width, top + label.Height, ground);
-    for (std::size_t column = 0; column < kFlagCols && label.RowHeight[kFlagUse] != 0; ++column) {
-        const Colour cell = FlagCellGround(record, label, kFlagUse, static_cast<int>(column));
-        if (label.ColWidth[column] != 0 && cell != ground)
-            FillCell(screen, left + columns[column], top + rows[kFlagUse], left + columns[column + 1],
-                     top + rows[kFlagUse + 1], cell);
-    }
+    for (const std::size_t row : {kFlagDev, kFlagUse})
+        for (std::size_t column = 0; column < kFlagCols && label.RowHeight[row] != 0; ++column) {
+            const Colour cell =
+                FlagCellGround(record, label, static_cast<int>(row), static_cast<int>(column));
+            if (label.ColWidth[column] != 0 && cell != ground)
+                FillCell(screen, left + columns[column], top + rows[row], left + columns[column + 1],
+                         top + rows[row + 1], cell);
+        }
     if (IsTrue(record.ShowGrid)) DrawGrid(screen, left, top, label);
     DrawTexts(screen, left, top, label, record.Forecolor & 0xffffff);
     if (!marked) return;
@@ -132,8 +135,11 @@ Colour FlagGround(const FlagRecord& record, const FlagLabel& label) {
     return IsTrue(record.ShowTolCol) ? label.ClassColour : QbColor(kWhite);
 }
 
-// A coordinate that takes no part in the fit is marked as in the point table.
+// A coordinate that takes no part in the fit is marked as in the point table, and a deviation beyond the
+// tolerance too.
 Colour FlagCellGround(const FlagRecord& record, const FlagLabel& label, int row, int column) {
+    if (row == kFlagDev && column >= kFlagX && column <= kFlagZ && label.Beyond[At(column - kFlagX)])
+        return kBeyondTolerance;
     const bool use = row == kFlagUse && column >= kFlagX && column <= kFlagZ && label.Row >= 1 &&
                      label.Row <= 2 * Scene.Ident;
     if (!use) return FlagGround(record, label);
