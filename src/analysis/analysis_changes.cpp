@@ -68,6 +68,7 @@ void FollowTable(What) {
 
 constexpr ChangeRow kChanges[] = {
     {kSheetChanges | What::Result | What::Restored, Turn::Sheet, ShowInSheet},
+    {What::Use | What::Coordinates, Turn::Sheet, [](What) { MainSheet_FilterAgain(); }},
     {What::Pairs | What::Result, Turn::Distances, ShowInDistances},
     {kSheetChanges | What::Result | What::Restored, Turn::Reliability, ShowInReliability},
     {kStateOfJob | What::MorePoints | What::Coordinates | What::UnitsAndDigits, Turn::Forms, ShowInForms},

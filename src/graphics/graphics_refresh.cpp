@@ -17,6 +17,7 @@
 #include "graphics/scene.h"
 #include "graphics/screen_window.h"
 #include "graphics/view_undo.h"
+#include "graphics/views.h"
 
 namespace corvinade::graphics {
 
@@ -105,6 +106,17 @@ void ShowPoint(What changed) {
     SetActivePoint(Share(changed, What::PointInTable) ? CalculationWindow_Point() : MainSheet_Pair());
 }
 
+// The point of the main sheet's cursor, in the picture on top.
+void ShowFromNear(What) {
+    ScreenWindow* window = Screens().Active;
+    if (window == nullptr) return;
+    SceneForWindow(*window);
+    const PointCounts counts = {Scene.Ident, Scene.MCSOnly, Scene.OCSOnly};
+    const int filled = MainSheet_CursorRow();
+    if (filled == 0 || MainSheetWindow.Cells.Counts != counts) return;
+    ZoomToRow(*window, filled > Scene.Ident ? filled + Scene.Ident : filled);
+}
+
 void CloseAll(What) {
     CloseAllGraphicsWindows();
 }
@@ -126,6 +138,7 @@ constexpr ChangeRow kChanges[] = {
     {What::Use, Turn::Flags, ShowUse},
     {kStateOfJob, Turn::TopWindow, ShowTopWindow},
     {What::PointInTable | What::PointInSheet, Turn::PointInPictures, ShowPoint},
+    {What::PointToZoom, Turn::PointInPictures, ShowFromNear},
     {What::NextResult, Turn::LastResult, TakeLastResult},
     {What::NoPictures, Turn::ClosedPictures, CloseAll},
     {What::ProgramEnd, Turn::PictureDefaults, StoreDefaults},
