@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/desktop_defaults.h"
 #include "core/job.h"
 #include "core/job_tolerance.h"
 #include "core/settings.h"
@@ -67,15 +68,27 @@ void DrawGrid(Surface& screen, float left, float top, const FlagLabel& label) {
         if (label.RowHeight[i] != 0) line(left, top + rows[i + 1], right, top + rows[i + 1]);
 }
 
-void DrawTexts(Surface& screen, float left, float top, const FlagLabel& label, Colour colour) {
+// Of a colour as the eye takes it, 0 to 1.
+double Brightness(Colour colour) {
+    const auto part = [colour](int shift) {
+        const double share = ((colour >> shift) & 0xff) / 255.0;
+        return share <= 0.03928 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * part(0) + 0.7152 * part(8) + 0.0722 * part(16);
+}
+
+void DrawTexts(Surface& screen, float left, float top, const FlagLabel& label, const FlagRecord& record) {
     if (screen.FontText == nullptr) return;
     const auto columns = FlagColumnEdges(label);
     const auto rows = FlagRowEdges(label);
     for (std::size_t row = 0; row < kFlagRows; ++row)
         for (std::size_t column = 0; column < kFlagCols; ++column)
             if (label.RowHeight[row] != 0 && label.ColWidth[column] != 0 && !label.Text[row][column].empty())
-                screen.FontText(screen, left + columns[column] + kSideRoom, top + rows[row] + kLineRoom,
-                                label.Text[row][column], colour, label.Font);
+                screen.FontText(
+                    screen, left + columns[column] + kSideRoom, top + rows[row] + kLineRoom,
+                    label.Text[row][column],
+                    FlagLetterColour(record, label, static_cast<int>(row), static_cast<int>(column)),
+                    label.Font);
 }
 
 void DrawFlag(ScreenWindow& window, const FlagLabel& label, const FlagRecord& record, bool marked) {
@@ -99,7 +112,7 @@ void DrawFlag(ScreenWindow& window, const FlagLabel& label, const FlagRecord& re
                          top + rows[row + 1], cell);
         }
     if (IsTrue(record.ShowGrid)) DrawGrid(screen, left, top, label);
-    DrawTexts(screen, left, top, label, record.Forecolor & 0xffffff);
+    DrawTexts(screen, left, top, label, record);
     if (!marked) return;
     const float right = left + label.Width + 1, bottom = top + label.Height + 1;
     const Colour mark = QbColor(kMarked);
@@ -144,6 +157,16 @@ Colour FlagCellGround(const FlagRecord& record, const FlagLabel& label, int row,
                      label.Row <= 2 * Scene.Ident;
     if (!use) return FlagGround(record, label);
     return QbColor(label.InUse[At(column - kFlagX)] ? kWhite : kUnused);
+}
+
+// Dark letters on the red or blue of a class are white.
+Colour FlagLetterColour(const FlagRecord& record, const FlagLabel& label, int row, int column) {
+    constexpr double kDark = 0.25;
+    const Colour wanted = record.Forecolor & 0xffffff;
+    if (!DesktopDefaults.FlagLetters) return wanted;
+    const bool unread =
+        Brightness(FlagCellGround(record, label, row, column)) < kDark && Brightness(wanted) < kDark;
+    return unread ? QbColor(kWhite) : wanted;
 }
 
 void ZeichneLinieZuFahne(ScreenWindow& window, const FlagLabel& label, const FlagRecord& record, int row) {

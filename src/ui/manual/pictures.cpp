@@ -230,7 +230,8 @@ void OtherPictures() {
         QSize Size;
     } dialogs[] = {{"MenuSettingsUnits", "FormUnits", {}},
                    {"MenueExtrasOptions", "FormOptions", {}},
-                   {"MenuHelpInfo", "FormMenuHelpInfo", {560, 240}}};
+                   {"MenuHelpInfo", "FormMenuHelpInfo", {560, 240}},
+                   {"MenuViewStart", "FormStart", {}}};
     for (const auto& [action, window, size] : dialogs) {
         Trigger(action);
         SaveWindow(window, size);
@@ -263,8 +264,7 @@ void TableAndExportPictures() {
     UserDid([] { SetText(*FindControl(*FindWindow("FormInputFiles"), "TextNameMCS"), kTracker); });
     Press("FormInputFiles", "BtnTableMCS");
     SaveWindow("FormTable", {860, 540});
-    Close("FormTable");
-    Close("FormInputFiles");
+    for (const char* window : {"FormTable", "FormInputFiles"}) Close(window);
     Trigger("MenueFileExportResult");
     UserDid([] {
         Control& forms = *FindControl(*FindWindow("FormExport"), "ListForms");
