@@ -21,13 +21,13 @@ namespace {
 FormStart& w = StartPage;
 
 const ControlEntry kControls[] = {
-    {"BtnOpen", &w.BtnOpen, Button("&Open Job..."), {.Click = FormStart::BtnOpen_Click}},
+    {"BtnOpen", &w.BtnOpen, Button("Open &Job..."), {.Click = FormStart::BtnOpen_Click}},
     {"BtnInputFiles", &w.BtnInputFiles, Button("&Input Files..."), {.Click = FormStart::BtnInputFiles_Click}},
     {"LabelRecent", &w.LabelRecent, Label("No job has been opened yet.")},
-    {"BtnRecent1", &w.BtnRecent1, Hidden(Button("")), {.Click = FormStart::BtnRecent1_Click}},
-    {"BtnRecent2", &w.BtnRecent2, Hidden(Button("")), {.Click = FormStart::BtnRecent2_Click}},
-    {"BtnRecent3", &w.BtnRecent3, Hidden(Button("")), {.Click = FormStart::BtnRecent3_Click}},
-    {"BtnRecent4", &w.BtnRecent4, Hidden(Button("")), {.Click = FormStart::BtnRecent4_Click}},
+    {"BtnRecent1", &w.BtnRecent1, Hidden(Button("Recent job 1")), {.Click = FormStart::BtnRecent1_Click}},
+    {"BtnRecent2", &w.BtnRecent2, Hidden(Button("Recent job 2")), {.Click = FormStart::BtnRecent2_Click}},
+    {"BtnRecent3", &w.BtnRecent3, Hidden(Button("Recent job 3")), {.Click = FormStart::BtnRecent3_Click}},
+    {"BtnRecent4", &w.BtnRecent4, Hidden(Button("Recent job 4")), {.Click = FormStart::BtnRecent4_Click}},
     {"LabelExamples", &w.LabelExamples, Hidden(Label("The examples are not installed."))},
     {"BtnExample1", &w.BtnExample1, Button("Robot cell"), {.Click = FormStart::BtnExample1_Click}},
     {"BtnExample2", &w.BtnExample2, Button("Roof"), {.Click = FormStart::BtnExample2_Click}},
@@ -37,7 +37,7 @@ const ControlEntry kControls[] = {
     {"BtnStepHandOn", &w.BtnStepHandOn, Button("&4 Hand on"), {.Click = FormStart::BtnStepHandOn_Click}},
     {"CheckAtStart",
      &w.CheckAtStart,
-     CheckBox("&Show this page when the program starts"),
+     CheckBox("Show this page when the program st&arts"),
      {.Click = FormStart::CheckAtStart_Click}},
     {"BtnClose", &w.BtnClose, Button("Cl&ose"), {.Click = FormStart::BtnClose_Click}},
 };
@@ -66,7 +66,7 @@ void ShowRecent() {
         w.Recent[i] = Run.LastFile[i + 1];
         Control& button = *RecentButtons()[i];
         button.Visible = !w.Recent[i].empty();
-        button.Text = CaptionOfFile(w.Recent[i]);
+        if (button.Visible) button.Text = CaptionOfFile(w.Recent[i]);
         button.ToolTip = w.Recent[i];
         any |= button.Visible;
     }
