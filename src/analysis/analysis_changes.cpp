@@ -66,6 +66,10 @@ void FollowTable(What) {
     MainSheet_ShowPoint(CalculationWindow_Point());
 }
 
+void FollowSheet(What) {
+    if (DesktopDefaults.PointsFollow) CalculationWindow_ShowPoint(MainSheet_Pair());
+}
+
 constexpr ChangeRow kChanges[] = {
     {kSheetChanges | What::Result | What::Restored, Turn::Sheet, ShowInSheet},
     {What::Use | What::Coordinates, Turn::Sheet, [](What) { MainSheet_FilterAgain(); }},
@@ -77,6 +81,7 @@ constexpr ChangeRow kChanges[] = {
     {kStateOfJob | What::MorePoints | What::Coordinates | What::Use | What::Choice, Turn::HandedOn,
      ShowStoredResult},
     {What::PointInTable, Turn::PointInSheet, FollowTable},
+    {What::PointInSheet, Turn::PointInSheet, FollowSheet},
 };
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "core/changes.h"
+#include "core/desktop_defaults.h"
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/job_tolerance.h"
@@ -282,7 +283,10 @@ void MainSheet_FilterAgain() {
 
 void FormMainSheet::MSFlexGrid1_SelChange() {
     PopUp(false);
-    if (MainSheet_Pair() != 0 && Main.MenueGraphics.Checked) ShowNow(What::PointInSheet);
+    // Points without a partner stand in the pictures too, and in no table beside.
+    const bool follows =
+        DesktopDefaults.PointsFollow || (MainSheet_Pair() != 0 && Main.MenueGraphics.Checked);
+    if (follows) ShowNow(What::PointInSheet);
 }
 
 void FormMainSheet::MSFlexGrid1_RightClick() {

@@ -24,6 +24,7 @@ struct DesktopDefaultsRecord {
     bool SheetDeviation = false;  // the main sheet has a column of the 3D deviation, with a bar
     bool StartPage = false;       // stands in the empty frame
     bool PointTable = false;      // the rows of one point stay together when they are sorted
+    bool PointsFollow = false;    // a point chosen in the main sheet or a picture is chosen in all of them
     bool FlagLetters = false;     // are white where dark ones would stand on red or blue
 };
 inline DesktopDefaultsRecord DesktopDefaults;

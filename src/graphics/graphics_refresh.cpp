@@ -103,7 +103,12 @@ void TakeLastResult(What) {
 }
 
 void ShowPoint(What changed) {
-    SetActivePoint(Share(changed, What::PointInTable) ? CalculationWindow_Point() : MainSheet_Pair());
+    if (Share(changed, What::PointInTable))
+        SetActivePoint(CalculationWindow_Point());
+    else if (!DesktopDefaults.PointsFollow)
+        SetActivePoint(MainSheet_Pair());
+    else if (Main.MenueGraphics.Checked)
+        SetActiveSheetRow(MainSheet_CursorRow());
 }
 
 // The point of the main sheet's cursor, in the picture on top.
