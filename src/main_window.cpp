@@ -60,6 +60,8 @@ const ControlEntry kControls[] = {
     Command("MenüViewInputStatistic", &Main.MenüViewInputStatistic, Menu("&Input Statistic"),
             FormMain::MenüViewInputStatistic_Click, "MenuView"),
     Command("MenuViewNotes", &Main.MenuViewNotes, Menu("&Notes"), FormMain::MenuViewNotes_Click, "MenuView"),
+    Command("MenuViewStart", &Main.MenuViewStart, Menu("Start &Page"), FormMain::MenuViewStart_Click,
+            "MenuView"),
     Command("MenüViewS", &Main.MenüViewS, Menu("Saved &Views"), nullptr, "MenuView"),
     Command("MenüViewLastView", &Main.MenüViewLastView, Menu("&Last View"), MenüViewLastView_Click,
             "MenüViewS"),

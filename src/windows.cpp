@@ -25,6 +25,7 @@
 #include "core/form_notes.h"
 #include "core/form_progress_bar.h"
 #include "core/form_recovery.h"
+#include "core/form_start.h"
 #include "core/form_units.h"
 #include "core/fresh_start.h"
 #include "core/job.h"
@@ -111,6 +112,7 @@ const WindowEntry* const kWindows[] = {
     &FormPicture_Entry,
     &FormReliability_Entry,
     &FormRecovery_Entry,
+    &FormStart_Entry,
 };
 
 // Windows are records too; they are reset by way of their own table.

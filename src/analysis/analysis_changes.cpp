@@ -66,8 +66,13 @@ void FollowTable(What) {
     MainSheet_ShowPoint(CalculationWindow_Point());
 }
 
+void FollowSheet(What) {
+    if (DesktopDefaults.PointsFollow) CalculationWindow_ShowPoint(MainSheet_Pair());
+}
+
 constexpr ChangeRow kChanges[] = {
     {kSheetChanges | What::Result | What::Restored, Turn::Sheet, ShowInSheet},
+    {What::Use | What::Coordinates, Turn::Sheet, [](What) { MainSheet_FilterAgain(); }},
     {What::Pairs | What::Result, Turn::Distances, ShowInDistances},
     {kSheetChanges | What::Result | What::Restored, Turn::Reliability, ShowInReliability},
     {kStateOfJob | What::MorePoints | What::Coordinates | What::UnitsAndDigits, Turn::Forms, ShowInForms},
@@ -76,6 +81,7 @@ constexpr ChangeRow kChanges[] = {
     {kStateOfJob | What::MorePoints | What::Coordinates | What::Use | What::Choice, Turn::HandedOn,
      ShowStoredResult},
     {What::PointInTable, Turn::PointInSheet, FollowTable},
+    {What::PointInSheet, Turn::PointInSheet, FollowSheet},
 };
 
 }  // namespace

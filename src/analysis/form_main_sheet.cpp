@@ -1,13 +1,17 @@
 // The main sheet: how it is filled, its columns, and what the user does in it.
 #include "analysis/form_main_sheet.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
+#include <numeric>
 #include <utility>
 
 #include "core/changes.h"
+#include "core/desktop_defaults.h"
 #include "core/form_main.h"
 #include "core/job.h"
+#include "core/job_tolerance.h"
 #include "core/numbers.h"
 #include "core/platform.h"
 #include "core/run.h"
@@ -23,10 +27,16 @@ namespace {
 FormMainSheet& w = MainSheetWindow;
 
 const ControlEntry kControls[] = {
+    {"ComboFilter",
+     &w.ComboFilter,
+     ComboBox({"All points", "Not in use", "Over tolerance", "Without partner"}),
+     {.Click = FormMainSheet::ComboFilter_Click}},
+    {"LabelFilter", &w.LabelFilter, Label("")},
     {"MSFlexGrid1",
      &w.MSFlexGrid1,
      Grid(1, 0),
      {.Click = FormMainSheet::MSFlexGrid1_Click,
+      .DblClick = FormMainSheet::MSFlexGrid1_DblClick,
       .SelChange = FormMainSheet::MSFlexGrid1_SelChange,
       .RightClick = FormMainSheet::MSFlexGrid1_RightClick,
       .Key = FormMainSheet::MSFlexGrid1_Key}},
@@ -40,13 +50,21 @@ std::string WidthKey(int col) {
 
 void PrepareColumns() {
     GridState& grid = w.MSFlexGrid1.Grid;
-    grid.Cols = kMainSheetCols;
+    grid.Cols = SheetCols();
     grid.ColWidths.clear();
-    for (int col = 0; col < kMainSheetCols; ++col)
+    for (int col = 0; col < grid.Cols; ++col)
         grid.ColWidths.push_back(LoadColWidth({WidthKey(col), "Col_" + std::to_string(col)}, kDefaultWidth));
-    grid.HiddenCols.assign(kMainSheetCols, false);
+    grid.HiddenCols.assign(static_cast<std::size_t>(grid.Cols), false);
     grid.HiddenCols[kColNumber] = true;
-    grid.Aligns.assign(kMainSheetCols, GridAlign::Right);
+    grid.Aligns.assign(static_cast<std::size_t>(grid.Cols), GridAlign::Right);
+    // The length stands behind its components.
+    constexpr int kBehind = 10;
+    if (grid.Cols > kColDeviation3D) {
+        grid.ColOrder.resize(static_cast<std::size_t>(grid.Cols));
+        std::iota(grid.ColOrder.begin(), grid.ColOrder.end(), 0);
+        std::rotate(grid.ColOrder.begin() + kBehind, grid.ColOrder.begin() + kColDeviation3D,
+                    grid.ColOrder.end());
+    }
     grid.Aligns[kColPointID] = GridAlign::Left;
 }
 
@@ -70,20 +88,42 @@ bool IsOfThisJob(const MainSheetCells& cells) {
     return cells.JobGeneration == Run.JobGeneration;
 }
 
+SheetFilter FilterChosen() {
+    return static_cast<SheetFilter>(std::max(w.ComboFilter.Index, 0));
+}
+
+// The rows that the filter leaves, sorted as before.
+void ShowRows() {
+    GridState& grid = w.MSFlexGrid1.Grid;
+    const SheetFilter filter = FilterChosen();
+    const int all = MainSheetRows(w.Cells);
+    grid.Kept = IsOfThisJob(w.Cells) ? RowsOfFilter(w.Cells, filter) : std::vector<int>{};
+    grid.Rows = grid.Kept.empty() ? all : static_cast<int>(grid.Kept.size());
+    w.LabelFilter.Text = filter == SheetFilter::All ? ""
+                         : filter == SheetFilter::OverTolerance && !(ToleranceOf(Job) > 0)
+                             ? "The job has no tolerance: give one in the calculation window"
+                             : PlainText(grid.Rows - 1) + " of " + PlainText(all - 1) + " points";
+    // Sorting makes the text of a whole column, so it waits until somebody looks.
+    grid.Order = grid.Kept;
+    grid.Fill = [] { SortAgain(w.MSFlexGrid1.Grid, MainSheet.Sorting); };
+    KeepSelectionInside(grid);
+}
+
 void Show(MainSheetCells cells) {
     GridState& grid = w.MSFlexGrid1.Grid;
     w.Cells = std::move(cells);
-    grid.Rows = MainSheetRows(w.Cells);
+    w.Cells.Largest = LargestInUse(w.Cells);
     grid.Text = [](int row, int col) {
         return row == 0 || IsOfThisJob(w.Cells) ? MainSheetText(w.Cells, row, col) : "";
     };
     grid.BackColor = [](int row, int col) {
         return IsOfThisJob(w.Cells) ? MainSheetBackColor(w.Cells, row, col) : kSystemColour;
     };
-    // Sorting makes the text of a whole column, so it waits until somebody looks.
-    grid.Order.clear();
-    grid.Fill = [] { SortAgain(w.MSFlexGrid1.Grid, MainSheet.Sorting); };
-    KeepSelectionInside(grid);
+    if (grid.Cols > kColDeviation3D)
+        grid.Bar = [](int row, int col) {
+            return IsOfThisJob(w.Cells) ? BarOfSheet(w.Cells, row, col) : 0.0;
+        };
+    ShowRows();
 }
 
 // What carries the start points over, bit by bit, so that a value that is no number equals itself.
@@ -166,7 +206,7 @@ int MainSheet_LineOf(int filledRow) {
     if (!w.Window.Loaded || !IsOfThisJob(w.Cells)) return 0;
     GridState& grid = w.MSFlexGrid1.Grid;
     LookAt(grid);
-    if (filledRow < grid.FixedRows || filledRow >= grid.Rows) return 0;
+    if (filledRow < grid.FixedRows || filledRow >= MainSheetRows(w.Cells)) return 0;
     if (grid.Order.empty()) return filledRow;
     int line = grid.FixedRows;
     while (line < grid.Rows && FilledRow(grid, line) != filledRow) ++line;
@@ -206,6 +246,8 @@ void MenuEditCopy_Click() {
 }
 
 void FormMainSheet::Form_Load() {
+    w.ComboFilter.Index = 0;  // put there directly: there is nothing to filter yet
+    w.ComboFilter.Text = w.ComboFilter.Items.front();
     PrepareColumns();
     Show(BeginMainSheet({}));
     FuellenHaupttabelle();
@@ -222,9 +264,29 @@ void FormMainSheet::MSFlexGrid1_Click() {
     if (grid.MouseRow == 0) SortByHeading(grid, grid.MouseCol, MainSheet.Sorting);
 }
 
+// On a name: the picture on top shows the point from near.
+void FormMainSheet::MSFlexGrid1_DblClick() {
+    const GridState& grid = w.MSFlexGrid1.Grid;
+    if (grid.MouseCol == kColPointID && grid.MouseRow >= grid.FixedRows && Main.MenueGraphics.Checked)
+        ShowNow(What::PointToZoom);
+}
+
+void FormMainSheet::ComboFilter_Click() {
+    ShowRows();
+}
+
+void MainSheet_FilterAgain() {
+    if (!w.Window.Loaded || !IsOfThisJob(w.Cells)) return;
+    w.Cells.Largest = LargestInUse(w.Cells);
+    if (FilterChosen() != SheetFilter::All) ShowRows();
+}
+
 void FormMainSheet::MSFlexGrid1_SelChange() {
     PopUp(false);
-    if (MainSheet_Pair() != 0 && Main.MenueGraphics.Checked) ShowNow(What::PointInSheet);
+    // Points without a partner stand in the pictures too, and in no table beside.
+    const bool follows =
+        DesktopDefaults.PointsFollow || (MainSheet_Pair() != 0 && Main.MenueGraphics.Checked);
+    if (follows) ShowNow(What::PointInSheet);
 }
 
 void FormMainSheet::MSFlexGrid1_RightClick() {

@@ -10,13 +10,16 @@ namespace corvinade::analysis {
 struct FormMainSheet {
     WindowState Window{.Caption = "Main Sheet"};
 
+    Control ComboFilter, LabelFilter;  // which points are shown, and how many these are
     Control MSFlexGrid1;
 
     MainSheetCells Cells;  // what the grid shows
 
     static void Form_Load();
     static void Form_Unload();
+    static void ComboFilter_Click();
     static void MSFlexGrid1_Click();
+    static void MSFlexGrid1_DblClick();
     static void MSFlexGrid1_SelChange();
     static void MSFlexGrid1_RightClick();
     static void MSFlexGrid1_Key();
@@ -27,8 +30,11 @@ extern const WindowEntry FormMainSheet_Entry;
 // Refills the sheet where it is open, from a job with valid data. Yields at each row.
 void FuellenHaupttabelle();
 
-// The line that shows a row as the sheet was filled, from 1; 0 where the sheet is closed or shows other
-// points.
+// Shows what the filter leaves now, where one is on: use flags or the tolerance may be others.
+void MainSheet_FilterAgain();
+
+// The line that shows a row as the sheet was filled, from 1; 0 where the sheet is closed, shows other
+// points, or a filter leaves the row out.
 int MainSheet_LineOf(int filledRow);
 void MainSheet_ShowLine(int line);  // makes it the current one, centred. Require: the line exists
 // The row as filled that the cursor is on; 0 where the sheet is closed or shows other points.

@@ -274,7 +274,9 @@ void FormReliability::Form_Escape() {
 void FormReliability::GridPoints_Click() {
     GridState& grid = w.GridPoints.Grid;
     if (grid.MouseRow != 0 || grid.Rows < 2) return;
-    SortGrid(grid, grid.MouseCol, grid.SortCol == grid.MouseCol && !grid.SortDescending);
+    const bool again = grid.SortCol == grid.MouseCol && grid.SortBySize == grid.MouseShift;
+    const bool descending = again ? !grid.SortDescending : grid.MouseShift;
+    SortGrid(grid, grid.MouseCol, descending, grid.MouseShift);
 }
 
 void FormReliability::GridPoints_DblClick() {

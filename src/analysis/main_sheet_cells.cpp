@@ -1,6 +1,10 @@
 // What the main sheet shows, cell by cell.
 #include "analysis/main_sheet_cells.h"
 
+#include <algorithm>
+#include <cmath>
+
+#include "core/desktop_defaults.h"
 #include "core/job.h"
 #include "core/job_tolerance.h"
 #include "core/numbers.h"
@@ -156,8 +160,60 @@ int PairOfRow(const MainSheetCells& cells, int row) {
     return row >= 1 && row <= cells.Counts.Pairs ? row : 0;
 }
 
+int SheetCols() {
+    return kMainSheetCols + (DesktopDefaults.SheetDeviation ? 1 : 0);
+}
+
+std::optional<double> Deviation3D(const MainSheetCells& cells, int row) {
+    const int pair = PairOfRow(cells, row);
+    if (pair == 0) return std::nullopt;
+    const Point &start = cells.Start[At(pair - 1)], &target = cells.Target[At(pair - 1)];
+    return SphRadius(start[0] - target[0], start[1] - target[1], start[2] - target[2]);
+}
+
+double LargestInUse(const MainSheetCells& cells) {
+    double largest = 0;
+    for (int pair = 1; pair <= cells.Counts.Pairs && 3 * pair <= UpperBound(Job.UseFlags); ++pair)
+        if (Used(pair, 1) || Used(pair, 2) || Used(pair, 3))
+            largest = std::max(largest, Deviation3D(cells, pair).value_or(0));
+    return largest;
+}
+
+double BarOfSheet(const MainSheetCells& cells, int row, int col) {
+    if (col != kColDeviation3D || !(cells.Largest > 0)) return 0;
+    const double share = Deviation3D(cells, row).value_or(0) / cells.Largest;
+    return std::isfinite(share) ? std::min(share, 1.0) : 0;
+}
+
+std::vector<int> RowsOfFilter(const MainSheetCells& cells, SheetFilter filter) {
+    if (filter == SheetFilter::All) return {};
+    const double tolerance = ToleranceOf(Job);
+    const auto wanted = [&](int row) {
+        const int pair = PairOfRow(cells, row);
+        if (filter == SheetFilter::WithoutPartner || pair == 0)
+            return filter == SheetFilter::WithoutPartner && pair == 0;
+        if (3 * pair > UpperBound(Job.UseFlags)) return false;
+        const Point &start = cells.Start[At(pair - 1)], &target = cells.Target[At(pair - 1)];
+        for (int axis = 1; axis <= 3; ++axis)
+            if (filter == SheetFilter::NotInUse
+                    ? !Used(pair, axis)
+                    : IsBeyond(pair, axis, start[At(axis - 1)] - target[At(axis - 1)], tolerance))
+                return true;
+        return false;
+    };
+    std::vector<int> rows = {0};
+    for (int row = 1; row < MainSheetRows(cells); ++row)
+        if (wanted(row)) rows.push_back(row);
+    return rows;
+}
+
 std::string MainSheetText(const MainSheetCells& cells, int row, int col) {
-    if (col < 0 || col >= kMainSheetCols || row < 0 || row >= MainSheetRows(cells)) return "";
+    if (col < 0 || col >= SheetCols() || row < 0 || row >= MainSheetRows(cells)) return "";
+    if (col == kColDeviation3D) {
+        if (row == 0) return "dev.3D";
+        const std::optional<double> deviation = Deviation3D(cells, row);
+        return deviation ? NumberText(cells, Quantity::X, *deviation) : "";
+    }
     const ColumnKind& column = kColumns[At(col)];
     if (row == 0) return column.Heading;
     const RowPoints points = PointsOfRow(cells.Counts, row);

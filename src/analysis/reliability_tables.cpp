@@ -8,6 +8,7 @@
 
 #include "analysis/form_reliability.h"
 #include "core/job.h"
+#include "core/job_tolerance.h"
 #include "core/numbers.h"
 #include "core/parameter_names.h"
 #include "core/units.h"
@@ -16,6 +17,7 @@
 #include "engine/norm_table.h"
 #include "engine/parameter_kind.h"
 #include "engine/result_statistics.h"
+#include "engine/tolerance_check.h"
 
 namespace corvinade::analysis {
 
@@ -128,8 +130,10 @@ std::string CoordinateText(const AdjustmentStatistics& s, std::size_t index, int
 }
 
 std::int32_t CoordinateColour(const AdjustmentStatistics& s, std::size_t index, int col) {
-    if (!IsOfJob(index) || IsTurned(index) || (col != kRelVerdict && col != kRelStandardized))
-        return kSystemColour;
+    if (!IsOfJob(index) || IsTurned(index)) return kSystemColour;
+    if (col == kRelResidual && IsBeyond(PairOf(index), AxisOf(index), Calculation.v[index], ToleranceOf(Job)))
+        return kBeyondTolerance;
+    if (col != kRelVerdict && col != kRelStandardized) return kSystemColour;
     const bool used = Used(PairOf(index), AxisOf(index));
     if (s.IsOutlier(index, used)) return used ? kOutlierGround : kPredictedGround;
     return used && col == kRelVerdict && !std::isfinite(s.Standardized[index]) ? kOpenGround : kSystemColour;

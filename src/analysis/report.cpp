@@ -81,11 +81,7 @@ ReportSection Summary(const ToleranceCheck& check) {
     if (StoredResultStands())
         section.Lines.emplace_back(
             "The result is the one that the job was opened with; nothing has been calculated anew.");
-    if (check.Word != Verdict::None)
-        section.Lines.push_back(
-            std::string("Tolerance ") + PlainText(check.Tolerance_mm * Units.LengthFactor) + " " +
-            Job.LengthUnitName + ": " + WordOf(check.Word) + ", " + PlainText(check.Beyond) + " of " +
-            PlainText(check.InUse) + " coordinates in use are beyond it");
+    if (check.Word != Verdict::None) section.Lines.push_back("Tolerance " + ToleranceInWords(check));
     ReportTable table{.Heads = {"quality [" + Job.LengthUnitName + "]", ""}};
     const auto add = [&table](const std::string& name, double value) {
         table.Rows.push_back({{name}, {std::isfinite(value) ? ShownLength(value) : kOpenSigma}});

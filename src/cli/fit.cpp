@@ -27,6 +27,7 @@
 #include "core/job.h"
 #include "core/job_file.h"
 #include "core/job_notes.h"
+#include "core/job_tolerance.h"
 #include "core/measurement_sigmas.h"
 #include "core/notes.h"
 #include "core/numbers.h"
@@ -430,6 +431,7 @@ int RunFit(FitOptions options, std::ostream& out, std::ostream& err, bool colour
         return Refuse(err, kUnreadable, Run.LastPlatformError);
     if (!options.Save.empty()) NoteOrientationsLost(options.Save);
     TakeSigmas(options);
+    if (options.Within_mm) PutTolerance(*options.Within_mm, Job);
     int status = Calculate(options, err);
     FitStatistics statistics;
     if (status == kDone && options.Snoop) status = Snoop(options, statistics, err);

@@ -139,6 +139,13 @@ void AddOutputOptions(CLI::App& fit, FitSwitches& s) {
         ->check(CheckLimit)
         ->type_name("MM")
         ->group(group);
+    fit.add_option("--within", o.Within_mm,
+                   "Say pass or fail: whether each coordinate in use deviates by no\n"
+                   "more, in mm whatever the unit; --save keeps it in the job. The\n"
+                   "status is that of --limit all the same")
+        ->check(CheckTolerance)
+        ->type_name("MM")
+        ->group(group);
 }
 
 void AddExportOptions(CLI::App& fit, FitOptions& o) {

@@ -122,14 +122,25 @@ ordered_json MonteCarloOfTheFit(const FitOptions& options) {
             {"sigmaXYZ", {{"mean_mm", MeanOfArray(sigmas)}, {"spread_mm", SigmaOfArray(sigmas)}}}};
 }
 
-ordered_json PointJson(const FitPoint& point) {
-    return {{"name", point.Name},
-            {"start_mm", Triple(point.Start)},
-            {"target_mm", Triple(point.Target)},
-            {"transformed_mm", Triple(point.Transformed)},
-            {"residual_mm", Triple(point.Deviation)},
-            {"residual3D_mm", point.Deviation3D},
-            {"used", {point.Used[0], point.Used[1], point.Used[2]}}};
+ordered_json ToleranceJson(const ToleranceCheck& check) {
+    return {{"tolerance_mm", check.Tolerance_mm},
+            {"verdict", WordOf(check.Word)},
+            {"coordinates", check.InUse},
+            {"beyond", check.Beyond}};
+}
+
+ordered_json PointJson(const FitPoint& point, double tolerance_mm) {
+    ordered_json json = {{"name", point.Name},
+                         {"start_mm", Triple(point.Start)},
+                         {"target_mm", Triple(point.Target)},
+                         {"transformed_mm", Triple(point.Transformed)},
+                         {"residual_mm", Triple(point.Deviation)},
+                         {"residual3D_mm", point.Deviation3D},
+                         {"used", {point.Used[0], point.Used[1], point.Used[2]}}};
+    if (tolerance_mm > 0)
+        json["beyond"] = {IsBeyond(point, 0, tolerance_mm), IsBeyond(point, 1, tolerance_mm),
+                          IsBeyond(point, 2, tolerance_mm)};
+    return json;
 }
 
 // Points of one set without a partner, behind the pairs.
@@ -210,14 +221,17 @@ void WriteFitJson(const FitOptions& options, const SolutionDetails* details, con
                        {"sumOfDeviations_mm", norms.Sum},
                        {"largestDeviation_mm", norms.Largest},
                        {"note", "s0 = sqrt(vPv / (sum of weights - 1))"}};
+    const ToleranceCheck tolerance = HeldAgainstTolerance();
+    if (tolerance.Word != Verdict::None) root["tolerance"] = ToleranceJson(tolerance);
     out << "{";
     JsonObject object{out, 2};
     for (const auto& member : root.items()) WriteMember(object, member.key(), member.value());
     BeginMember(object, "statistics");
     WriteStatisticsJson(options, statistics, out);
     if (!options.NoPoints) {
-        WriteList(object, "points", 1, static_cast<std::size_t>(Job.Pairs()) + 1,
-                  [](std::size_t i) { return PointJson(FitPointOf(static_cast<int>(i))); });
+        WriteList(object, "points", 1, static_cast<std::size_t>(Job.Pairs()) + 1, [&](std::size_t i) {
+            return PointJson(FitPointOf(static_cast<int>(i)), tolerance.Tolerance_mm);
+        });
         WriteOthers(object, "startOnly", Job.Transformed.Name, Job.Transformed.X, Job.Transformed.Y,
                     Job.Transformed.Z);
         WriteOthers(object, "targetOnly", Job.Target.Name, Job.Target.X, Job.Target.Y, Job.Target.Z);

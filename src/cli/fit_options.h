@@ -82,6 +82,7 @@ struct FitOptions {
     std::vector<std::string> Exports;  // "kuka-base=cell.src", "ros=-": cli/fit_exports.h
     bool Unconverged = false;          // they take a result that did not converge too
     std::optional<double> Limit_mm;    // the largest deviation in use that passes
+    std::optional<double> Within_mm;   // the tolerance of the job; none: its own, if it has one
     bool NoPoints = false;             // JSON without points
 
     // Standard deviations of the coordinates in each file's own system, in the length unit.

@@ -11,6 +11,7 @@
 #include "core/arrays.h"
 #include "core/rooms.h"
 #include "engine/solution_details.h"
+#include "engine/tolerance_check.h"
 
 namespace corvinade::cli {
 
@@ -23,6 +24,10 @@ struct FitPoint {
     bool Used[3];
 };
 FitPoint FitPointOf(int pair);
+
+// The deviations against the tolerance of the job; without one the verdict is none, and nothing is beyond.
+ToleranceCheck HeldAgainstTolerance();
+bool IsBeyond(const FitPoint& point, int axis, double tolerance_mm);  // axis from 0
 std::vector<FitPoint> FitPoints();  // of all pairs; those of a million take 130 MB
 
 // The names of the system that is transformed and of that which it is fitted to, whatever the direction.

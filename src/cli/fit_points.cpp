@@ -4,6 +4,7 @@
 
 #include "cli/fit_output.h"
 #include "core/job.h"
+#include "core/job_tolerance.h"
 #include "core/numbers.h"
 #include "engine/adjustment.h"
 #include "engine/calculation.h"
@@ -57,6 +58,24 @@ std::vector<FitPoint> FitPoints() {
     points.reserve(static_cast<std::size_t>(Job.Pairs()));
     for (int i = 1; i <= Job.Pairs(); ++i) points.push_back(FitPointOf(i));
     return points;
+}
+
+bool IsBeyond(const FitPoint& point, int axis, double tolerance_mm) {
+    return tolerance_mm > 0 && point.Used[axis] && !(std::fabs(point.Deviation[axis]) <= tolerance_mm);
+}
+
+ToleranceCheck HeldAgainstTolerance() {
+    ToleranceCheck check{.Tolerance_mm = ToleranceOf(Job)};
+    if (!(check.Tolerance_mm > 0)) return check;
+    for (int i = 1; i <= Job.Pairs(); ++i) {
+        const FitPoint point = FitPointOf(i);
+        for (int axis = 0; axis < 3; ++axis) {
+            if (point.Used[axis]) ++check.InUse;
+            if (IsBeyond(point, axis, check.Tolerance_mm)) ++check.Beyond;
+        }
+    }
+    if (check.InUse > 0) check.Word = check.Beyond == 0 ? Verdict::Pass : Verdict::Fail;
+    return check;
 }
 
 std::string StartSystem() {

@@ -14,6 +14,7 @@
 #include "cli/svg_plots.h"
 #include "core/controller.h"
 #include "core/job.h"
+#include "core/job_tolerance.h"
 #include "core/notes.h"
 #include "core/text.h"
 #include "core/units.h"
@@ -51,6 +52,7 @@ th { text-align: right; font-weight: 600; color: var(--quiet); border-bottom: 1p
 td { text-align: right; border-bottom: 1px solid var(--line); padding: 3px 8px; }
 th:first-child, td:first-child { text-align: left; overflow-wrap: anywhere; }
 tr.worst td { color: var(--red); font-weight: 650; }
+td.beyond { color: #20242a; background: #ffa0a0; print-color-adjust: exact; -webkit-print-color-adjust: exact; }
 td.unused { color: var(--quiet); font-style: italic; }
 pre { font-size: 9.5px; line-height: 1.35; overflow-x: auto; }
 thead { display: table-header-group; }
@@ -131,7 +133,11 @@ std::string Introduction(const FitOptions& options, const FitPoint* worst) {
             Card("mean error z", ShownLength(c.sz)) + Card("mean error xyz", ShownLength(c.SigmaXYZ));
     if (worst != nullptr)
         html += Card("largest deviation, " + std::string(worst->Name), ShownLength(worst->Deviation3D));
-    return html + "</div>\n";
+    html += "</div>\n";
+    if (const ToleranceCheck check = HeldAgainstTolerance(); check.Word != Verdict::None)
+        html += std::string(check.Word == Verdict::Fail ? "<p class=\"alarm\">" : "<p>") + "Tolerance " +
+                EscapeMarkup(ToleranceInWords(check)) + ".</p>\n";
+    return html;
 }
 
 std::string ParameterTable() {
@@ -209,6 +215,7 @@ std::string PointTable(const std::vector<FitPoint>& all, const FitPoint* worst) 
     if (points.size() < all.size())
         html += "<p class=\"quiet\">The " + std::to_string(points.size()) + " largest of " +
                 std::to_string(all.size()) + " deviations.</p>\n";
+    const double tolerance = ToleranceOf(Job);
     html += "<table>" + Head({"point", "dx", "dy", "dz", "3D"}) + "<tbody>\n";
     for (const FitPoint& point : points) {
         const bool isWorst = worst != nullptr && point.Name == worst->Name;
@@ -216,7 +223,9 @@ std::string PointTable(const std::vector<FitPoint>& all, const FitPoint* worst) 
         html += Cell(std::string(point.Name) + (isWorst ? " (largest)" : ""));
         for (int axis = 0; axis < 3; ++axis) {
             const std::string value = ShownLength(point.Deviation[axis]);
-            html += point.Used[axis] ? Cell(value) : Cell("(" + value + ")", "unused");
+            html += !point.Used[axis]                  ? Cell("(" + value + ")", "unused")
+                    : IsBeyond(point, axis, tolerance) ? Cell(value, "beyond")
+                                                       : Cell(value);
         }
         html += Cell(ShownLength(point.Deviation3D)) + "</tr>\n";
     }

@@ -13,6 +13,7 @@
 #include "cli/text_columns.h"
 #include "core/controller.h"
 #include "core/job.h"
+#include "core/job_tolerance.h"
 #include "core/numbers.h"
 #include "core/run.h"
 #include "core/units.h"
@@ -164,6 +165,10 @@ void WriteQuality(const Style& style, std::ostream& out) {
         << style.Heading(columns.Line({"Quality", "x", "y", "z", "xyz"})) << "  "
         << style.Quiet(Job.LengthUnitName) << "\n";
     out << columns.Line(mean) << "\n" << columns.Line(s0) << "\n";
+    if (const ToleranceCheck check = HeldAgainstTolerance(); check.Word != Verdict::None)
+        out << columns.Line({"tolerance"}) << "  "
+            << (check.Word == Verdict::Fail ? style.Alarm(ToleranceInWords(check)) : ToleranceInWords(check))
+            << "\n";
     // What the other norms make least; with least squares the deviations below tell enough.
     if (Norm.Iterations > 0) out << columns.Line(sum) << "\n" << columns.Line(largest) << "\n";
 }
@@ -239,11 +244,21 @@ DeviationLook LookAtDeviations() {
     return look;
 }
 
+// "beyond in x, z"; "" where no coordinate is beyond the tolerance.
+std::string AxesBeyond(const FitPoint& point, double tolerance_mm) {
+    std::string axes;
+    for (int axis = 0; axis < 3; ++axis)
+        if (IsBeyond(point, axis, tolerance_mm))
+            axes += (axes.empty() ? "beyond in " : ", ") + std::string(1, "xyz"[axis]);
+    return axes;
+}
+
 void WriteDeviations(const Style& style, std::ostream& out) {
     const DeviationLook look = LookAtDeviations();
     out << "\n"
         << style.Heading(look.Columns.Line({"Deviation", "dx", "dy", "dz", "3D"})) << "  "
         << style.Quiet(Job.LengthUnitName + ", transformed start minus target") << "\n";
+    const double tolerance = ToleranceOf(Job);
     std::string block;
     std::vector<std::string> cells(kColumns);
     for (int i = 1; i <= Job.Pairs(); ++i) {
@@ -252,8 +267,11 @@ void WriteDeviations(const Style& style, std::ostream& out) {
         for (std::size_t axis = 0; axis < 3; ++axis)
             cells[axis + 1] = DeviationCell(point.Deviation[axis], point.Used[axis]);
         cells[kLengthColumn] = ShownLength(point.Deviation3D);
-        if (i == look.Largest) {
-            block += style.Alarm(look.Columns.Line(cells) + "  <- largest");
+        const std::string beyond = AxesBeyond(point, tolerance);
+        if (i == look.Largest || !beyond.empty()) {
+            const std::string marks =
+                i == look.Largest ? "largest" + (beyond.empty() ? "" : ", " + beyond) : beyond;
+            block += style.Alarm(look.Columns.Line(cells) + "  <- " + marks);
         } else {
             look.Columns.Append(cells, block);
         }

@@ -34,6 +34,8 @@ enum class What : std::uint32_t {
     ProgramEnd = 1U << 18U,    // all windows but the main one are closed
     // Behind the handler, as those above all of these.
     Choice = 1U << 19U,  // what a calculation may change, and its norm
+    // Shown at once, as those further above.
+    PointToZoom = 1U << 20U,  // the point of the main sheet that the picture on top shall show from near
 };
 
 constexpr What operator|(What a, What b) {

@@ -9,6 +9,7 @@
 #include "core/file_state.h"
 #include "core/files.h"
 #include "core/form_main.h"
+#include "core/form_start.h"
 #include "core/job.h"
 #include "core/job_commands.h"
 #include "core/job_file.h"
@@ -156,7 +157,11 @@ void ShowState(What) {
     EnableCommands();
 }
 
-constexpr ChangeRow kChanges[] = {{kStateOfJob, Turn::Commands, ShowState}};
+constexpr ChangeRow kChanges[] = {
+    {kStateOfJob, Turn::Commands, ShowState},
+    {kStateOfJob, Turn::Forms,
+     [](What changed) { FollowOnStartPage(Share(changed, What::Points | What::OpenedJob)); }},
+};
 
 }  // namespace
 
@@ -201,6 +206,7 @@ void StartUp(const std::string& commandLine) {
             Run.JobFilePath = rest.substr(0, rest.size() - last);
             OpenFile(Run.JobFilePath);
         });
+    Dispatch(ShowStartPage);
 }
 
 void Initialisieren() {

@@ -10,12 +10,14 @@ namespace {
 using Record = DesktopDefaultsRecord;
 
 constexpr DesktopDefault kDefaults[] = {
-    {"ColorLimits", &Record::ColorLimits}, {"NeutralColor", &Record::NeutralColor},
-    {"ColorBar", &Record::ColorBar},       {"Fit", &Record::Fit},
-    {"ResultState", &Record::ResultState}, {"ResultFields", &Record::ResultFields},
-    {"AfterImport", &Record::AfterImport}, {"FailedImport", &Record::FailedImport},
-    {"RecentJobs", &Record::RecentJobs},   {"PointTable", &Record::PointTable},
-    {"GridNumbers", &Record::GridNumbers},
+    {"ColorLimits", &Record::ColorLimits},   {"NeutralColor", &Record::NeutralColor},
+    {"ColorBar", &Record::ColorBar},         {"Fit", &Record::Fit},
+    {"ResultState", &Record::ResultState},   {"ResultFields", &Record::ResultFields},
+    {"AfterImport", &Record::AfterImport},   {"FailedImport", &Record::FailedImport},
+    {"RecentJobs", &Record::RecentJobs},     {"PointTable", &Record::PointTable},
+    {"GridNumbers", &Record::GridNumbers},   {"FlagLetters", &Record::FlagLetters},
+    {"PointsFollow", &Record::PointsFollow}, {"SheetDeviation", &Record::SheetDeviation},
+    {"StartPage", &Record::StartPage},
 };
 
 }  // namespace

@@ -11,17 +11,21 @@ namespace corvinade::core {
 struct DesktopDefaultsRecord {
     bool Wanted = false;  // by the face, before the start
 
-    bool ColorLimits = false;   // of points in use; of both signs and alike for a signed component
-    bool NeutralColor = false;  // points that have no deviation in the fit are grey
-    bool ColorBar = false;      // with zero, unit and component
-    bool Fit = false;           // leaves room for the bar, points have a least size, the worst is on top
-    bool ResultState = false;   // a result that is stored or out of date is said to be so
-    bool ResultFields = false;  // a dash where a number would say nothing true
-    bool AfterImport = false;   // what has come in is shown, and what to do next
-    bool FailedImport = false;  // leaves the points of before, as one that was stopped does
-    bool RecentJobs = false;    // list the jobs that were opened, too
-    bool GridNumbers = false;   // of lines are never head down
-    bool PointTable = false;    // the rows of one point stay together when they are sorted
+    bool ColorLimits = false;     // of points in use; of both signs and alike for a signed component
+    bool NeutralColor = false;    // points that have no deviation in the fit are grey
+    bool ColorBar = false;        // with zero, unit and component
+    bool Fit = false;             // leaves room for the bar, points have a least size, the worst is on top
+    bool ResultState = false;     // a result that is stored or out of date is said to be so
+    bool ResultFields = false;    // a dash where a number would say nothing true
+    bool AfterImport = false;     // what has come in is shown, and what to do next
+    bool FailedImport = false;    // leaves the points of before, as one that was stopped does
+    bool RecentJobs = false;      // list the jobs that were opened, too
+    bool GridNumbers = false;     // of lines are never head down
+    bool SheetDeviation = false;  // the main sheet has a column of the 3D deviation, with a bar
+    bool StartPage = false;       // stands in the empty frame
+    bool PointTable = false;      // the rows of one point stay together when they are sorted
+    bool PointsFollow = false;    // a point chosen in the main sheet or a picture is chosen in all of them
+    bool FlagLetters = false;     // are white where dark ones would stand on red or blue
 };
 inline DesktopDefaultsRecord DesktopDefaults;
 

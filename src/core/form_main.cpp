@@ -53,6 +53,9 @@ void FormMain::MenüViewInputStatistic_Click() {
 void FormMain::MenuViewNotes_Click() {
     ShowWindow("FormNotes");
 }
+void FormMain::MenuViewStart_Click() {
+    ShowWindow("FormStart");
+}
 void FormMain::StatusBar_Notes_Click() {
     ShowWindow("FormNotes");
 }

@@ -39,6 +39,7 @@ struct FormMain {
     Control MenuVievMainSheet;
     Control MenüViewInputStatistic;
     Control MenuViewNotes;
+    Control MenuViewStart;
     Control MenüViewS;
     Control MenüViewLastView;
     Control MenüViewNextView;
@@ -168,6 +169,7 @@ struct FormMain {
     static void MenuVievMainSheet_Click();
     static void MenüViewInputStatistic_Click();
     static void MenuViewNotes_Click();
+    static void MenuViewStart_Click();
     static void StatusBar_Notes_Click();
     static void MenuTransformationCalculation_Click();
     static void MenuTransformationDistanceScale_Click();

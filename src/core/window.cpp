@@ -290,7 +290,8 @@ void ClickCell(Control& control, int row, int col, bool extend) {
     GridState& grid = control.Grid;
     grid.MouseRow = row;
     grid.MouseCol = col;
-    MoveTo(grid, row, col, extend);
+    grid.MouseShift = extend && row < grid.FixedRows;  // a heading is no end of a selection
+    MoveTo(grid, row, col, extend && !grid.MouseShift);
     Run_(On(control).SelChange);
     Run_(On(control).Click);
 }
@@ -335,6 +336,10 @@ bool UserKey(Control& control, const std::string& key) {
     return Dispatch([&control, &key] {
         LookAt(control.Grid);
         control.Grid.Key = key;
+        if (key == "Ctrl+Shift+C") {  // of every table
+            if (const std::string text = TextWithHeadings(control.Grid); !text.empty()) ToClipboard(text);
+            return;
+        }
         Run_(On(control).Key);
     });
 }

@@ -132,6 +132,7 @@ void SetPointGraphicsActive();
 
 // The point in the row of the table's cursor; 0 where the row shows none.
 int CalculationWindow_Point();
+void CalculationWindow_ShowPoint(int point);  // makes its first row the current one, where the table shows it
 
 // Direction of the job, as label, colours and tool tips say it. `arrow` stands between the systems' names.
 void ShowDirection(const char* arrow);

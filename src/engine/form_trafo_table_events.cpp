@@ -162,6 +162,19 @@ int CalculationWindow_Point() {
     return PointSeen(w.Tabelle.Grid.Row);
 }
 
+void CalculationWindow_ShowPoint(int point) {
+    if (!w.Window.Loaded || point < 1) return;
+    GridState& grid = w.Tabelle.Grid;
+    LookAt(grid);
+    if (PointSeen(grid.Row) == point) return;
+    int row = grid.FixedRows;
+    while (row < grid.Rows && PointSeen(row) != point) ++row;
+    if (row >= grid.Rows) return;
+    grid.Row = grid.RowSel = row;
+    grid.Col = grid.ColSel = kColName;
+    KeepSelectionInside(grid);
+}
+
 void Switch_MaxPoint(const std::string& pointName, const std::string& axis) {
     GridState& grid = w.Tabelle.Grid;
     LookAt(grid);

@@ -78,6 +78,11 @@ const char* WordOf(Verdict verdict) {
     return verdict == Verdict::None ? "" : verdict == Verdict::Pass ? "pass" : "fail";
 }
 
+std::string ToleranceInWords(const ToleranceCheck& check) {
+    return LengthText(check.Tolerance_mm) + ": " + WordOf(check.Word) + ", " + PlainText(check.Beyond) +
+           " of " + PlainText(check.InUse) + " coordinates in use are beyond it";
+}
+
 void ShowTolerance(bool anew) {
     if (!IsLoaded("FormTrafoBerechnung")) return;
     if (anew) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "core/rooms.h"
 
@@ -26,6 +27,9 @@ bool IsBeyond(int pair, int axis, double deviation_mm, double tolerance_mm);
 // Of the points as the job's result has transformed them.
 ToleranceCheck CheckTolerance();
 const char* WordOf(Verdict verdict);  // "pass", "fail" or ""
+
+// "0.05 millimeter: fail, 2 of 36 coordinates in use are beyond it"
+std::string ToleranceInWords(const ToleranceCheck& check);
 
 // Of the calculation window, while it is open: the verdict; `anew` also the number and its unit.
 void ShowTolerance(bool anew);

@@ -74,7 +74,10 @@ void DrawRound(ScreenWindow& window, double t) {
     if (screen.Refresh != nullptr) screen.Refresh(screen);
 }
 
+// With the lines and points that the texts stand at, these go too. The paint at the end brings them back.
 void Clear(ScreenWindow& window) {
+    for (ScreenLabel& label : window.Labels) label.Visible = false;
+    window.LabelScale.Visible = window.LabelVectorScale.Visible = false;
     if (window.Screen.Clear != nullptr) window.Screen.Clear(window.Screen, window.BackColor);
 }
 

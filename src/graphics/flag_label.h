@@ -31,6 +31,7 @@ struct FlagLabel {
     std::array<int, kFlagCols> ColWidth{};   // twips, 0 = hidden
     std::array<int, kFlagRows> RowHeight{};  // likewise
     std::array<bool, 3> InUse{};             // the coordinates of a pair
+    std::array<bool, 3> Beyond{};            // ... in use and beyond the job's tolerance
     float Width = 0, Height = 0;             // pixels
     bool Visible = false;                    // in the last paint
     Colour ClassColour = 0xffffff;           // of its point in the last paint
@@ -40,7 +41,7 @@ struct FlagLabel {
 // All that the texts of flags are written from, beside the points themselves.
 struct FlagTextKey {
     std::uint64_t Scene = 0;  // stamp; 0 = nothing has been written
-    double LengthFactor = 0, AngleFactor = 0;
+    double LengthFactor = 0, AngleFactor = 0, Tolerance = 0;
     std::string FmtLength, FmtAngle, AngleUnit, ColorBased;
     bool ArcLengths = false;
 };

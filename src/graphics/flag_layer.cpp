@@ -2,7 +2,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/desktop_defaults.h"
 #include "core/job.h"
+#include "core/job_tolerance.h"
 #include "core/settings.h"
 #include "core/units.h"
 #include "graphics/drawing.h"
@@ -40,9 +42,9 @@ bool IsStale(const ScreenWindow& window) {
     const FlagTextKey& key = window.FlagsShow;
     return window.FlagLabels.size() != At(FlagsOf(window.State)) + 1 || key.Scene != Scene.Stamp ||
            key.LengthFactor != Units.LengthFactor || key.AngleFactor != Units.AngleFactor ||
-           key.FmtLength != Units.FmtLength || key.FmtAngle != Units.FmtAngle ||
-           key.AngleUnit != Job.AngleUnitName || key.ColorBased != window.State.ColorBased ||
-           key.ArcLengths != IsTrue(Settings.PhiThetaAsQ);
+           key.Tolerance != ToleranceOf(Job) || key.FmtLength != Units.FmtLength ||
+           key.FmtAngle != Units.FmtAngle || key.AngleUnit != Job.AngleUnitName ||
+           key.ColorBased != window.State.ColorBased || key.ArcLengths != IsTrue(Settings.PhiThetaAsQ);
 }
 
 void FillCell(Surface& screen, float left, float top, float right, float bottom, Colour colour) {
@@ -66,15 +68,27 @@ void DrawGrid(Surface& screen, float left, float top, const FlagLabel& label) {
         if (label.RowHeight[i] != 0) line(left, top + rows[i + 1], right, top + rows[i + 1]);
 }
 
-void DrawTexts(Surface& screen, float left, float top, const FlagLabel& label, Colour colour) {
+// Of a colour as the eye takes it, 0 to 1.
+double Brightness(Colour colour) {
+    const auto part = [colour](int shift) {
+        const double share = ((colour >> shift) & 0xff) / 255.0;
+        return share <= 0.03928 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * part(0) + 0.7152 * part(8) + 0.0722 * part(16);
+}
+
+void DrawTexts(Surface& screen, float left, float top, const FlagLabel& label, const FlagRecord& record) {
     if (screen.FontText == nullptr) return;
     const auto columns = FlagColumnEdges(label);
     const auto rows = FlagRowEdges(label);
     for (std::size_t row = 0; row < kFlagRows; ++row)
         for (std::size_t column = 0; column < kFlagCols; ++column)
             if (label.RowHeight[row] != 0 && label.ColWidth[column] != 0 && !label.Text[row][column].empty())
-                screen.FontText(screen, left + columns[column] + kSideRoom, top + rows[row] + kLineRoom,
-                                label.Text[row][column], colour, label.Font);
+                screen.FontText(
+                    screen, left + columns[column] + kSideRoom, top + rows[row] + kLineRoom,
+                    label.Text[row][column],
+                    FlagLetterColour(record, label, static_cast<int>(row), static_cast<int>(column)),
+                    label.Font);
 }
 
 void DrawFlag(ScreenWindow& window, const FlagLabel& label, const FlagRecord& record, bool marked) {
@@ -89,14 +103,16 @@ void DrawFlag(ScreenWindow& window, const FlagLabel& label, const FlagRecord& re
     const auto rows = FlagRowEdges(label);
     const Colour ground = FlagGround(record, label);
     FillCell(screen, left, top, left + label.Width, top + label.Height, ground);
-    for (std::size_t column = 0; column < kFlagCols && label.RowHeight[kFlagUse] != 0; ++column) {
-        const Colour cell = FlagCellGround(record, label, kFlagUse, static_cast<int>(column));
-        if (label.ColWidth[column] != 0 && cell != ground)
-            FillCell(screen, left + columns[column], top + rows[kFlagUse], left + columns[column + 1],
-                     top + rows[kFlagUse + 1], cell);
-    }
+    for (const std::size_t row : {kFlagDev, kFlagUse})
+        for (std::size_t column = 0; column < kFlagCols && label.RowHeight[row] != 0; ++column) {
+            const Colour cell =
+                FlagCellGround(record, label, static_cast<int>(row), static_cast<int>(column));
+            if (label.ColWidth[column] != 0 && cell != ground)
+                FillCell(screen, left + columns[column], top + rows[row], left + columns[column + 1],
+                         top + rows[row + 1], cell);
+        }
     if (IsTrue(record.ShowGrid)) DrawGrid(screen, left, top, label);
-    DrawTexts(screen, left, top, label, record.Forecolor & 0xffffff);
+    DrawTexts(screen, left, top, label, record);
     if (!marked) return;
     const float right = left + label.Width + 1, bottom = top + label.Height + 1;
     const Colour mark = QbColor(kMarked);
@@ -132,12 +148,25 @@ Colour FlagGround(const FlagRecord& record, const FlagLabel& label) {
     return IsTrue(record.ShowTolCol) ? label.ClassColour : QbColor(kWhite);
 }
 
-// A coordinate that takes no part in the fit is marked as in the point table.
+// A coordinate that takes no part in the fit is marked as in the point table, and a deviation beyond the
+// tolerance too.
 Colour FlagCellGround(const FlagRecord& record, const FlagLabel& label, int row, int column) {
+    if (row == kFlagDev && column >= kFlagX && column <= kFlagZ && label.Beyond[At(column - kFlagX)])
+        return kBeyondTolerance;
     const bool use = row == kFlagUse && column >= kFlagX && column <= kFlagZ && label.Row >= 1 &&
                      label.Row <= 2 * Scene.Ident;
     if (!use) return FlagGround(record, label);
     return QbColor(label.InUse[At(column - kFlagX)] ? kWhite : kUnused);
+}
+
+// Dark letters on the red or blue of a class are white.
+Colour FlagLetterColour(const FlagRecord& record, const FlagLabel& label, int row, int column) {
+    constexpr double kDark = 0.25;
+    const Colour wanted = record.Forecolor & 0xffffff;
+    if (!DesktopDefaults.FlagLetters) return wanted;
+    const bool unread =
+        Brightness(FlagCellGround(record, label, row, column)) < kDark && Brightness(wanted) < kDark;
+    return unread ? QbColor(kWhite) : wanted;
 }
 
 void ZeichneLinieZuFahne(ScreenWindow& window, const FlagLabel& label, const FlagRecord& record, int row) {

@@ -3,10 +3,12 @@
 #include <cmath>
 
 #include "core/job.h"
+#include "core/job_tolerance.h"
 #include "core/numbers.h"
 #include "core/settings.h"
 #include "core/text.h"
 #include "core/units.h"
+#include "engine/tolerance_check.h"
 #include "fit/coordinate_forms.h"
 #include "fit/require.h"
 #include "graphics/flags.h"
@@ -184,6 +186,11 @@ void FillFlagLabel(const ScreenWindow& window, int row, const FlagRecord& record
         if (points.HasActual && points.HasNominal) WriteDeviation(window.State, points, label.Text[kFlagDev]);
         for (std::size_t axis = 0; axis < 3 && points.Pair != 0; ++axis) {
             label.InUse[axis] = Used(points.Pair, static_cast<int>(axis) + 1);
+            label.Beyond[axis] = points.HasActual && points.HasNominal &&
+                                 IsBeyond(points.Pair, static_cast<int>(axis) + 1,
+                                          points.Actual(static_cast<int>(axis) + 1) -
+                                              points.Nominal(static_cast<int>(axis) + 1),
+                                          ToleranceOf(Job));
             if (label.InUse[axis]) label.Text[kFlagUse][kFlagX + axis] = "X";
         }
     }

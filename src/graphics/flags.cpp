@@ -7,6 +7,7 @@
 
 #include "core/form_main.h"
 #include "core/job.h"
+#include "core/job_tolerance.h"
 #include "core/platform.h"
 #include "core/settings.h"
 #include "core/units.h"
@@ -38,8 +39,9 @@ FlagRecord AllSwitchesOn() {
 }
 
 FlagTextKey PresentKey(const ScreenWindow& window) {
-    return {Scene.Stamp,    Units.LengthFactor, Units.AngleFactor,       Units.FmtLength,
-            Units.FmtAngle, Job.AngleUnitName,  window.State.ColorBased, IsTrue(Settings.PhiThetaAsQ)};
+    return {Scene.Stamp,       Units.LengthFactor,      Units.AngleFactor,
+            ToleranceOf(Job),  Units.FmtLength,         Units.FmtAngle,
+            Job.AngleUnitName, window.State.ColorBased, IsTrue(Settings.PhiThetaAsQ)};
 }
 
 std::size_t At(int flag) {

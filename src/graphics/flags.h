@@ -67,6 +67,8 @@ std::array<float, kFlagRows + 1> FlagRowEdges(const FlagLabel& label);
 // Colours of a flag in the last paint: ground, and ground of a cell.
 Colour FlagGround(const FlagRecord& record, const FlagLabel& label);
 Colour FlagCellGround(const FlagRecord& record, const FlagLabel& label, int row, int column);
+// That of its letters; dark ones would not be read on a dark ground.
+Colour FlagLetterColour(const FlagRecord& record, const FlagLabel& label, int row, int column);
 
 // --- Mouse ------------------------------------------------------------------------------------------------
 

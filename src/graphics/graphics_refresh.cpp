@@ -18,6 +18,7 @@
 #include "graphics/scene.h"
 #include "graphics/screen_window.h"
 #include "graphics/view_undo.h"
+#include "graphics/views.h"
 
 namespace corvinade::graphics {
 
@@ -105,7 +106,23 @@ void TakeLastResult(What) {
 }
 
 void ShowPoint(What changed) {
-    SetActivePoint(Share(changed, What::PointInTable) ? CalculationWindow_Point() : MainSheet_Pair());
+    if (Share(changed, What::PointInTable))
+        SetActivePoint(CalculationWindow_Point());
+    else if (!DesktopDefaults.PointsFollow)
+        SetActivePoint(MainSheet_Pair());
+    else if (Main.MenueGraphics.Checked)
+        SetActiveSheetRow(MainSheet_CursorRow());
+}
+
+// The point of the main sheet's cursor, in the picture on top.
+void ShowFromNear(What) {
+    ScreenWindow* window = Screens().Active;
+    if (window == nullptr) return;
+    SceneForWindow(*window);
+    const PointCounts counts = {Scene.Ident, Scene.MCSOnly, Scene.OCSOnly};
+    const int filled = MainSheet_CursorRow();
+    if (filled == 0 || MainSheetWindow.Cells.Counts != counts) return;
+    ZoomToRow(*window, filled > Scene.Ident ? filled + Scene.Ident : filled);
 }
 
 void CloseAll(What) {
@@ -129,6 +146,7 @@ constexpr ChangeRow kChanges[] = {
     {What::Use, Turn::Flags, ShowUse},
     {kStateOfJob, Turn::TopWindow, ShowTopWindow},
     {What::PointInTable | What::PointInSheet, Turn::PointInPictures, ShowPoint},
+    {What::PointToZoom, Turn::PointInPictures, ShowFromNear},
     {What::NextResult, Turn::LastResult, TakeLastResult},
     {What::NoPictures, Turn::ClosedPictures, CloseAll},
     {What::ProgramEnd, Turn::PictureDefaults, StoreDefaults},

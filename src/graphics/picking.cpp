@@ -7,6 +7,8 @@
 #include <limits>
 
 #include "analysis/form_main_sheet.h"
+#include "core/desktop_defaults.h"
+#include "engine/calculation_window.h"
 #include "fit/any_vectors.h"
 #include "fit/require.h"
 #include "graphics/black_planes.h"
@@ -153,6 +155,8 @@ void TakeActualPoint(int row) {
     Scene.RotateAboutIndex = row;
     Scene.ActualPointName = ScenePointName(row);
     if (const int line = IndexMainSheet(row); line != 0) MainSheet_ShowLine(line);
+    if (!DesktopDefaults.PointsFollow || row > 2 * Scene.Ident) return;
+    CalculationWindow_ShowPoint(row > Scene.Ident ? row - Scene.Ident : row);
 }
 
 // A rotation about the point that has just been picked is taken by the first picture that is drawn.
@@ -165,6 +169,13 @@ void DrawActualPoint(ScreenWindow* first) {
 void SetActivePoint(int point) {
     if (point < 1 || point > Scene.Ident) return;
     Scene.ActualPointName = ScenePointName(point);
+    DrawActualPoint();
+}
+
+void SetActiveSheetRow(int filledRow) {
+    const PointCounts counts = {Scene.Ident, Scene.MCSOnly, Scene.OCSOnly};
+    if (filledRow < 1 || MainSheetWindow.Cells.Counts != counts) return;
+    Scene.ActualPointName = ScenePointName(filledRow > Scene.Ident ? filledRow + Scene.Ident : filledRow);
     DrawActualPoint();
 }
 

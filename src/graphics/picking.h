@@ -27,6 +27,8 @@ void TakeActualPoint(int row);
 // Makes an identical point the actual one, by its number, and paints all pictures; nothing where there is
 // none.
 void SetActivePoint(int point);
+// The same for a row of the main sheet as it was filled, also of a point without a partner.
+void SetActiveSheetRow(int filledRow);
 
 // Puts the main sheet's cursor point into the pictures of all windows; that of `first`, which may be null,
 // before the others.

@@ -8,6 +8,7 @@
 #include "core/job.h"
 #include "core/platform.h"
 #include "core/run.h"
+#include "fit/require.h"
 #include "graphics/drawing.h"
 #include "graphics/projection.h"
 #include "graphics/scene.h"
@@ -120,6 +121,21 @@ void ZoomAbout(ScreenWindow& window, float x, float y, double factor) {
     window.State.BildOffsetX = offsetX;
     window.State.BildOffsetY = offsetY;
     window.State.BildFaktor = static_cast<float>(factor);
+}
+
+void ZoomToRow(ScreenWindow& window, int row) {
+    constexpr float kNear = 8;
+    // As all points fit, and from there on: a second time it stays where it is.
+    Anpassen(window);
+    Rechne_pixel(window);
+    Require(row >= 1 && row <= UpperBound(Scene.PixelX));
+    const float x = Scene.PixelX[static_cast<std::size_t>(row)];
+    const float y = Scene.PixelY[static_cast<std::size_t>(row)];
+    ZoomAbout(window, x, y, kNear * window.State.BildFaktor);
+    window.State.BildOffsetX += static_cast<float>(PictureWidth(window)) / 2 - x;
+    window.State.BildOffsetY -= static_cast<float>(PictureHeight(window)) / 2 - y;
+    Stelle_Grafik_dar(window);
+    StoreScreenPropertiesToRecord(window);
 }
 
 void ZoomIn(ScreenWindow& window) {

@@ -20,6 +20,9 @@ void ZoomIn(ScreenWindow& window);  // about the mouse after a step of the wheel
 void ZoomOut(ScreenWindow& window);
 // BildFaktor becomes `factor`, the picture point (x, y) stays where it is; no repaint.
 void ZoomAbout(ScreenWindow& window, float x, float y, double factor);
+// The point of a scene row comes to the middle, from near: eight times as large as all points fit. Painted
+// and stored. Require: the row exists.
+void ZoomToRow(ScreenWindow& window, int row);
 void Vec_Maßstab_longer(ScreenWindow& window);
 void Vec_Maßstab_shorter(ScreenWindow& window);
 float LargestDeviationForLimits();                   // the same; on the desktop of the pairs in use

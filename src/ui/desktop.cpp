@@ -32,6 +32,7 @@
 #include "ui/qt_text.h"
 #include "ui/recovery_watch.h"
 #include "ui/screen_windows.h"
+#include "ui/start_page.h"
 
 namespace corvinade::ui {
 
@@ -306,6 +307,7 @@ void UserDid(const std::function<void()>& action) {
     action();
     --Desktop.Events;
     if (Desktop.Events == 0) TendAfterEvent();
+    if (Desktop.Events == 0) TendJobPicture();
     ShowState(Desktop.Events > 0);
 }
 

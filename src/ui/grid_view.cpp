@@ -7,17 +7,19 @@
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QStyledItemDelegate>
 #include <QTableView>
 #include <QTimer>
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "core/platform.h"
 #include "core/settings.h"
 #include "ui/colours.h"
 #include "ui/desktop.h"
+#include "ui/grid_cells.h"
 #include "ui/qt_text.h"
+#include "ui/table_columns.h"
 #include "ui/table_search.h"
 
 namespace corvinade::ui {
@@ -83,6 +85,7 @@ public:
             return role == Qt::BackgroundRole ? ColourOf(colour) : QColor::fromRgb(kDarkText);
         }
         if (role == Qt::TextAlignmentRole) return AlignmentOf(col);
+        if (role == kBarRole) return CellBar(grid, row, col);
         return {};
     }
 
@@ -90,7 +93,9 @@ public:
         if (orientation != Qt::Horizontal || Headings() == 0) return {};
         if (role == Qt::TextAlignmentRole) return AlignmentOf(section);
         if (role != Qt::DisplayRole) return {};
-        return Q(CellText(control_.Grid, 0, section));
+        const QString text = Q(CellText(control_.Grid, 0, section));
+        const bool bySize = control_.Grid.SortBySize && control_.Grid.SortCol == section;
+        return bySize ? QStringLiteral("|%1|").arg(text) : text;  // its numbers stand without their signs
     }
 
     // Gives every column its width. The texts that come into sight later may widen it again.
@@ -220,26 +225,6 @@ private:
     QString firstInSight_;  // the row by which other texts are noticed
 };
 
-// A cell that is selected still shows its own ground, so that a use cell that is turned over is seen to turn.
-class CellDelegate : public QStyledItemDelegate {
-public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-
-protected:
-    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
-        QStyledItemDelegate::initStyleOption(option, index);
-        const QVariant ground = index.data(Qt::BackgroundRole);
-        if (!index.data(Qt::ForegroundRole).isValid() || !(option->state & QStyle::State_Selected)) return;
-        const QColor own = ground.value<QColor>(), marked = option->palette.color(QPalette::Highlight);
-        constexpr double kOwn = 0.7;
-        const auto mix = [](int a, int b) { return static_cast<int>(kOwn * a + (1 - kOwn) * b); };
-        option->palette.setColor(
-            QPalette::Highlight,
-            {mix(own.red(), marked.red()), mix(own.green(), marked.green()), mix(own.blue(), marked.blue())});
-        option->palette.setColor(QPalette::HighlightedText, QColor::fromRgb(kDarkText));
-    }
-};
-
 GridModel& ModelOf(const QTableView& view) {
     return *static_cast<GridModel*>(view.model());
 }
@@ -249,6 +234,7 @@ constexpr const char* kSpace = "Space";
 // The name of a key as the logic knows it; "" for keys that it does not.
 std::string KeyName(const QKeyEvent& event) {
     if (event.modifiers() & Qt::ControlModifier) {
+        if (event.key() == Qt::Key_C && (event.modifiers() & Qt::ShiftModifier)) return "Ctrl+Shift+C";
         if (event.key() == Qt::Key_C) return "Ctrl+C";
         if (event.key() == Qt::Key_Insert) return "Ctrl+Insert";
         return "";
@@ -286,9 +272,18 @@ public:
     void TellSelection() {
         const QItemSelection selection = view_.selectionModel()->selection();
         if (selection.isEmpty()) return;
+        // Columns that were moved make several ranges of one rectangle.
+        const QHeaderView& heading = *view_.horizontalHeader();
+        int left = heading.count(), right = -1;
+        for (const QItemSelectionRange& range : selection)
+            for (int col = range.left(); col <= range.right(); ++col) {
+                left = std::min(left, heading.visualIndex(col));
+                right = std::max(right, heading.visualIndex(col));
+            }
         const QItemSelectionRange& range = selection.last();
         const int first = ModelOf(view_).Headings();
-        const GridRect rect{range.top() + first, range.left(), range.bottom() + first, range.right()};
+        const GridRect rect{range.top() + first, heading.logicalIndex(left), range.bottom() + first,
+                            heading.logicalIndex(right)};
         const GridRect held = Selected(control_.Grid);
         if (rect.Row == held.Row && rect.Col == held.Col && rect.Row2 == held.Row2 && rect.Col2 == held.Col2)
             return;
@@ -331,7 +326,7 @@ private:
         if (key.empty()) return false;
         TellSelection();
         const bool known = control_.Entry != nullptr && control_.Entry->On.Key != nullptr;
-        if (known) {
+        if (known || key == "Ctrl+Shift+C") {
             UserDid([&] { UserKey(control_, key); });
         } else if (key != kSpace) {  // every table can be copied from
             UserDid(
@@ -353,7 +348,8 @@ void BindHeading(Control& control, QTableView& view) {
     heading.setHighlightSections(false);
     heading.setMinimumSectionSize(kNarrowestWidth);
     QObject::connect(&heading, &QHeaderView::sectionClicked, &view, [&control](int col) {
-        if (control.Grid.FixedRows > 0) UserDid([&] { UserClickCell(control, 0, col, false); });
+        const bool shift = QApplication::keyboardModifiers().testFlag(Qt::ShiftModifier);
+        if (control.Grid.FixedRows > 0) UserDid([&] { UserClickCell(control, 0, col, shift); });
     });
     QObject::connect(&heading, &QHeaderView::sectionResized, &view,
                      [&control, &view](int col, int, int width) {
@@ -367,6 +363,19 @@ void BindHeading(Control& control, QTableView& view) {
                      });
 }
 
+bool SameCells(const QItemSelection& a, const QItemSelection& b) {
+    if (a.size() == 1 && b.size() == 1) return a.first() == b.first();
+    const auto columns = [](const QItemSelection& selection) {
+        std::vector<int> found;
+        for (const QItemSelectionRange& range : selection)
+            for (int col = range.left(); col <= range.right(); ++col) found.push_back(col);
+        std::sort(found.begin(), found.end());
+        return found;
+    };
+    return !a.isEmpty() && !b.isEmpty() && a.first().top() == b.first().top() &&
+           a.first().bottom() == b.first().bottom() && columns(a) == columns(b);
+}
+
 // The selection that the logic holds, on the screen.
 void ShowSelection(Control& control, QTableView& view) {
     const GridState& grid = control.Grid;
@@ -378,10 +387,17 @@ void ShowSelection(Control& control, QTableView& view) {
                       to = model.index(rect.Row2 - first, rect.Col2);
     if (!current.isValid() || !from.isValid() || !to.isValid()) return;
     QItemSelectionModel& selection = *view.selectionModel();
-    const QItemSelection shown = selection.selection();
-    const bool same =
-        shown.size() == 1 && shown.first().topLeft() == from && shown.first().bottomRight() == to;
-    if (same) return;
+    // The columns of the rectangle, which need not be neighbours by their numbers.
+    QItemSelection wanted;
+    if (grid.ColOrder.empty()) {
+        wanted.select(from, to);
+    } else {
+        for (int place = PlaceOfCol(grid, rect.Col); place <= PlaceOfCol(grid, rect.Col2); ++place) {
+            const int col = ColAtPlace(grid, place);
+            wanted.select(model.index(from.row(), col), model.index(to.row(), col));
+        }
+    }
+    if (SameCells(selection.selection(), wanted)) return;
     // A cell where nobody has been yet is not marked: the eye shall find what matters.
     const bool untouched = from == to && grid.Row == grid.FixedRows && grid.Col == grid.FixedCols;
     if (untouched && view.currentIndex() == current) return;
@@ -393,7 +409,7 @@ void ShowSelection(Control& control, QTableView& view) {
     if (untouched) {
         selection.clearSelection();
     } else {
-        selection.select(QItemSelection(from, to), QItemSelectionModel::ClearAndSelect);
+        selection.select(wanted, QItemSelectionModel::ClearAndSelect);
     }
     if (moved && from == to && !untouched) view.scrollTo(current);
 }
@@ -413,6 +429,7 @@ void BindGrid(Control& control, QTableView& view) {
     view.verticalHeader()->setDefaultSectionSize(view.fontMetrics().height() + 6);
     view.horizontalHeader()->setVisible(control.Grid.FixedRows > 0);
     BindHeading(control, view);
+    BindColumns(control, view);
     auto* events = new GridEvents(control, view);
     view.installEventFilter(events);
     view.viewport()->installEventFilter(events);
@@ -431,6 +448,9 @@ void ShowGrid(Control& control, QTableView& view) {
                                  grid.SortDescending ? Qt::DescendingOrder : Qt::AscendingOrder);
     if (resized) {
         heading.setVisible(grid.FixedRows > 0);
+        const bool before = std::exchange(model.Arranging, true);
+        ShowColumns(control, view);
+        model.Arranging = before;
         model.ArrangeColumns();
     }
     model.FollowTexts();

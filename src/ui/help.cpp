@@ -60,6 +60,7 @@ constexpr ChapterRow kChapters[] = {
     {"FormNotes", "20-notes.md"},
     {"FormReliability", "21-trust.md"},
     {"FormRecovery", "08-settings.md"},
+    {"FormStart", "01-first-job.md"},
 };
 constexpr const char* kPictures = "11-3d-windows.md";
 constexpr const char* kFirst = "01-first-job.md";
@@ -170,6 +171,7 @@ QList<KeyLine> AllKeys(const QMainWindow& frame) {
     const QString tables = QStringLiteral("Tables");
     lines.append({tables, QStringLiteral("Ctrl+F"), QStringLiteral("Search")});
     lines.append({tables, QStringLiteral("Ctrl+C"), QStringLiteral("Copy what is marked")});
+    lines.append({tables, QStringLiteral("Ctrl+Shift+C"), QStringLiteral("Copy it below its headings")});
     lines.append({tables, QStringLiteral("Ctrl+A"), QStringLiteral("Mark everything")});
     for (const Binding& binding : ScreenBindings())
         lines.append({QStringLiteral("3D windows"), QString::fromUtf8(binding.Keys),

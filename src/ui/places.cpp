@@ -196,8 +196,10 @@ void StoreFrame(const QMainWindow& frame) {
 void PlaceChild(const WindowEntry& window, QWidget& form, QWidget& outer, const QMdiArea& area) {
     // A form whose table would like more room than tables ask for says so itself.
     const QSize natural = outer.sizeHint().expandedTo(form.property("natural").toSize());
-    outer.setGeometry(
-        ChildRect(window.State->Place, window.Name, natural, form.minimumSizeHint(), &outer, area, false));
+    const QRect place =
+        ChildRect(window.State->Place, window.Name, natural, form.minimumSizeHint(), &outer, area, false);
+    const bool middle = form.property("middle").toBool();
+    outer.setGeometry(middle ? Middle(place.size(), area.viewport()->rect()) : place);
 }
 
 QRect ScreenPlace(const WindowPlace& place, std::string_view name, bool first, const QWidget* outer,

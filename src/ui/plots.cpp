@@ -3,11 +3,13 @@
 
 #include "analysis/form_grafik.h"
 #include "analysis/form_trompete.h"
+#include "core/form_start.h"
 #include "graphics/form_color_bar.h"
 #include "graphics/form_report.h"
 #include "ui/chart_view.h"
 #include "ui/colour_sample.h"
 #include "ui/report_view.h"
+#include "ui/start_page.h"
 #include "ui/trumpet_view.h"
 
 namespace corvinade::ui {
@@ -22,7 +24,8 @@ struct PlotRow {
 constexpr PlotRow kPlots[] = {{&FormColorBar_Entry, AddColourSample, ShowColourSample},
                               {&FormTrompete_Entry, AddTrumpet, ShowTrumpet},
                               {&FormGrafik_Entry, AddChart, ShowChart},
-                              {&FormReport_Entry, AddReportPreview, ShowReportPreview}};
+                              {&FormReport_Entry, AddReportPreview, ShowReportPreview},
+                              {&FormStart_Entry, AddJobPictures, ShowJobPictures}};
 
 }  // namespace
 

@@ -9,9 +9,11 @@
 #include "analysis/import_files.h"
 #include "analysis/reliability_tables.h"
 #include "cli/headless.h"
+#include "core/changes.h"
 #include "core/controller.h"
 #include "core/form_main.h"
 #include "core/job.h"
+#include "core/job_tolerance.h"
 #include "core/measurement_sigmas.h"
 #include "core/numbers.h"
 #include "core/units.h"
@@ -315,4 +317,23 @@ TEST(ReliabilityTables, CorrelationsAreShadedBySize) {
     EXPECT_GT(green(0.7), green(1));
     EXPECT_EQ(CorrelationColour(-0.7), CorrelationColour(0.7));
     EXPECT_GE(green(1), 0x80);
+}
+
+// The errors of the points are those of kErrors, of which none is larger than 0.3.
+TEST_F(ReliabilityWindow, ResidualsBeyondTheToleranceAreMarked) {
+    Calculate();
+    Open();
+    PutTolerance(0.25, Job);
+    Changed(What::Coordinates);
+    int marked = 0;
+    for (int row = 1; row < Reliability.GridPoints.Grid.Rows; ++row)
+        if (CellBackColor(Reliability.GridPoints.Grid, row, kRelResidual) == kBeyondTolerance) {
+            ++marked;
+            EXPECT_NEAR(std::fabs(Number(Reliability.GridPoints, row, kRelResidual)), 0.3, 1e-6);
+        }
+    int expected = 0;
+    for (const auto& point : kErrors)
+        for (const double error : point) expected += std::fabs(error) > 0.25 ? 1 : 0;
+    EXPECT_EQ(marked, expected);
+    EXPECT_EQ(CellBackColor(Reliability.GridPoints.Grid, 1, kRelAxis), kSystemColour);
 }

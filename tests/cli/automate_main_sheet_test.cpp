@@ -103,3 +103,18 @@ TEST_F(MainSheetByName, ARecordThatIsWrittenShowsWithTheNextFill) {
     Click("FormUnits.BtnOK");
     EXPECT_EQ(Cells()[1][1], "1010.000");
 }
+
+TEST_F(MainSheetByName, IsFilteredSortedBySizeAndCopiedWithItsHeadings) {
+    Click("FormMain.MenuVievMainSheet");
+    EXPECT_EQ(Set("FormMainSheet.ComboFilter", "Without partner")["ok"], true);
+    EXPECT_EQ(Ask({{"do", "get"}, {"at", "FormMainSheet.LabelFilter"}})["text"], "2 of 4 points");
+    EXPECT_EQ(Cells().size(), 3U);
+    EXPECT_EQ(Cells()[1][0], "D");
+    Set("FormMainSheet.ComboFilter", 0);
+    // dev.y of A and B: 0 and -2.
+    Sheet({{"do", "click"}, {"row", 0}, {"col", 8}, {"shift", true}});
+    EXPECT_EQ(Cells()[1][0], "B");
+    Sheet({{"do", "select"}, {"row", 1}, {"col", 0}, {"row2", 1}, {"col2", 1}});
+    Sheet({{"do", "key"}, {"key", "Ctrl+Shift+C"}});
+    EXPECT_EQ(Headless.Clipboard, "Point ID\tMCS.x\r\nB\t0.000");
+}

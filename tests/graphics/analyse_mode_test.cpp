@@ -1,6 +1,9 @@
 // The analyse mode: points that run along their vectors, while anything may happen under the loop.
 #include "graphics/analyse_mode.h"
 
+#include <algorithm>
+#include <cstddef>
+
 #include "engine/calculation_window.h"
 #include "graphics/black_planes.h"
 #include "graphics/graphics_refresh.h"
@@ -400,4 +403,24 @@ TEST_F(AnalyseMode, LargeSquaresOfManyPointsDoNotKeepTheLoop) {
     window.State.BigNess = 500;
     RunFor(3);
     EXPECT_FALSE(window.AnalyseMode);
+}
+
+// With the lines that they stand at; where the points are kept, the picture is, too.
+TEST_F(AnalyseMode, TextsGoWithThePictureAndComeBackBehindIt) {
+    Settings.ShowCoordinateSystemLabels = kTrue;
+    ScreenWindow& window = OpenOnCanvas();
+    const auto visible = [&window] {
+        return std::count_if(window.Labels.begin(), window.Labels.end(),
+                             [](const ScreenLabel& label) { return label.Visible; });
+    };
+    const auto before = visible();
+    ASSERT_GT(before, 0);
+    std::vector<std::ptrdiff_t> seen;
+    RunFor(3, [&](int) { seen.push_back(visible()); });
+    EXPECT_EQ(seen, (std::vector<std::ptrdiff_t>{before, 0, 0}));
+    EXPECT_EQ(visible(), before);
+    Main.MenüAnsichtAnalyseKeepPoints.Checked = true;
+    seen.clear();
+    RunFor(3, [&](int) { seen.push_back(visible()); });
+    EXPECT_EQ(seen, (std::vector<std::ptrdiff_t>{before, before, before}));
 }

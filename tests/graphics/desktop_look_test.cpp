@@ -7,6 +7,7 @@
 #include "core/job_tolerance.h"
 #include "core/platform.h"
 #include "graphics/drawing.h"
+#include "graphics/flags.h"
 #include "graphics/form_color_bar.h"
 #include "graphics/graphics_fixture.h"
 #include "graphics/graphics_refresh.h"
@@ -269,4 +270,24 @@ TEST_F(DesktopLook, TheWorstPointInUseIsKnown) {
     EXPECT_EQ(Tolerance.Worst, 30);
     TakeOut(30);
     EXPECT_EQ(Tolerance.Worst, 29);
+}
+
+// A flag in the colour of its point's class, with black letters as it begins.
+TEST_F(DesktopLook, DarkLettersOfFlagsAreWhiteOnRedAndBlueAlone) {
+    ScreenWindow& window = OpenSized(800, 600);
+    FlagRecord record = NewFlagRecord(window);
+    record.ShowTolCol = kTrue;
+    record.Forecolor = 0;
+    FlagLabel label;
+    const auto letters = [&](Colour ground, bool desktop) {
+        DesktopDefaults.FlagLetters = desktop;
+        label.ClassColour = ground;
+        return FlagLetterColour(record, label, kFlagName, kFlagName);
+    };
+    constexpr Colour kRed = 255, kBlue = 255 << 16, kYellow = 255 | 255 << 8, kWhite = 0xffffff;
+    for (const Colour ground : {kRed, kBlue}) EXPECT_EQ(letters(ground, true), kWhite) << ground;
+    for (const Colour ground : {kGreen, kYellow, kWhite}) EXPECT_EQ(letters(ground, true), 0) << ground;
+    EXPECT_EQ(letters(kBlue, false), 0) << "scripts find what was chosen";
+    record.Forecolor = kYellow;
+    EXPECT_EQ(letters(kBlue, true), kYellow) << "light letters stay as they were chosen";
 }

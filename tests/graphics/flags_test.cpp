@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "cli/headless.h"
+#include "core/job_tolerance.h"
 #include "graphics/black_planes.h"
 #include "graphics/flag_window.h"
 #include "graphics/saved_views.h"
@@ -430,4 +431,22 @@ TEST_F(Flags, TheGroundIsThatOfItsOwnWindowWhicheverWasPaintedLast) {
     Stelle_Grafik_dar(other);
     Scene.Points[kSceneColour][1] = ground == 255 ? 65280.0F : 255.0F;
     EXPECT_EQ(FlagGround(RecordOf(window, 1), LabelOf(window, 1)), ground);
+}
+
+// The first point deviates by (-40, 0, 5).
+TEST_F(Flags, DeviationsBeyondTheToleranceAreMarked) {
+    ScreenWindow& window = OpenInFlagMode();
+    FlagOn(window, 1);
+    const auto ground = [&window](FlagRow row, FlagColumn column) {
+        return FlagCellGround(RecordOf(window, 1), LabelOf(window, 1), row, column);
+    };
+    EXPECT_NE(ground(kFlagDev, kFlagX), kBeyondTolerance);
+    PutTolerance(10, Job);
+    DrawFlagLines(window);
+    EXPECT_EQ(ground(kFlagDev, kFlagX), kBeyondTolerance);
+    EXPECT_NE(ground(kFlagDev, kFlagZ), kBeyondTolerance);
+    EXPECT_NE(ground(kFlagActual, kFlagX), kBeyondTolerance);
+    PutTolerance(0, Job);
+    DrawFlagLines(window);
+    EXPECT_NE(ground(kFlagDev, kFlagX), kBeyondTolerance);
 }

@@ -15,6 +15,7 @@
 #include <QToolButton>
 #include <algorithm>
 #include <map>
+#include <string_view>
 
 #include "core/form_main.h"
 #include "ui/desktop.h"
@@ -180,4 +181,19 @@ TEST_F(EveryWindow, TellsWhatAButtonWithoutTextDoes) {
         EXPECT_FALSE(button->toolTip().isEmpty()) << S(action->objectName());
         EXPECT_FALSE(action->icon().isNull()) << S(action->objectName());
     }
+}
+
+// A screen of 1920 by 1080 at twice the size has 960 by 540; bars of the frame and of the desktop take their
+// share. What is larger would be moved by scroll bars of the frame, beside those of its own.
+TEST_F(EveryWindow, FitsASmallScreen) {
+    constexpr QSize kInside{950, 404}, kDialog{950, 500};
+    ForEach([&](const WindowEntry& window, QWidget& form) {
+        // Its choices stand below each other, beside a page that scrolls.
+        if (std::string_view(window.Name) == "FormReport") return;
+        const bool child = window.Stand == WindowStand::Child;
+        const QSize least = child ? form.parentWidget()->minimumSizeHint() : form.minimumSizeHint();
+        const QSize room = child ? kInside : kDialog;
+        EXPECT_LE(least.width(), room.width());
+        EXPECT_LE(least.height(), room.height());
+    });
 }

@@ -1,6 +1,8 @@
 // The main sheet on the screen: what can be read in it, its columns, copying and sorting by the mouse.
 #include <QClipboard>
+#include <QComboBox>
 #include <QHeaderView>
+#include <QLabel>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QTableView>
@@ -169,4 +171,78 @@ TEST_F(MainSheetByHand, ABlockIsDraggedAndCopiedFromThePopUpMenuWithItsHeadings)
     menu->close();
     Trigger("MenuEditCopy");
     EXPECT_EQ(S(QApplication::clipboard()->text()).substr(0, 23), "Point ID\tMCS.x\tMCS.y\r\nA");
+}
+
+// --- Columns as the user wants them -----------------------------------------------------------------------
+
+TEST_F(MainSheetByHand, ColumnsThatAreMovedAreCopiedAsTheyStandAndKept) {
+    Begin();
+    Open();
+    QHeaderView* heading = Table()->horizontalHeader();
+    heading->moveSection(heading->visualIndex(7), 1);  // dev.x beside the name
+    QApplication::processEvents();
+    QTest::mouseClick(Table()->viewport(), Qt::LeftButton, {},
+                      Table()->visualRect(Table()->model()->index(1, 0)).center());
+    QTest::mouseClick(Table()->viewport(), Qt::LeftButton, Qt::ShiftModifier,
+                      Table()->visualRect(Table()->model()->index(1, 7)).center());
+    QTest::keyClick(Table(), Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(S(QApplication::clipboard()->text()).substr(0, 16), "Point ID\tdev.x\r\n");
+    EXPECT_EQ(FindIniWert("FormMainSheet.MSFlexGrid1").value_or("").substr(0, 8), "0,7,1,2,");
+    CloseSheet();
+    Trigger("MenuVievMainSheet");
+    EXPECT_EQ(Table()->horizontalHeader()->visualIndex(7), 1);
+    EXPECT_EQ(Table()->model()->index(0, 7).data().toString(), QStringLiteral("-0.012"))
+        << "a column keeps its number";
+}
+
+TEST_F(MainSheetByHand, ColumnsAreChosenInTheMenuOfTheHeadings) {
+    Begin();
+    Open();
+    const auto choose = [](const char* text) {
+        QHeaderView* heading = Table()->horizontalHeader();
+        emit heading->customContextMenuRequested(QPoint(5, 5));
+        QApplication::processEvents();
+        auto* menu = Table()->findChild<QMenu*>(QStringLiteral("_Columns"));
+        ASSERT_NE(menu, nullptr);
+        for (QAction* action : menu->actions())
+            if (action->text() == QLatin1String(text)) action->trigger();
+        menu->close();
+        delete menu;
+    };
+    choose("MCS.y");
+    EXPECT_TRUE(Table()->isColumnHidden(2));
+    CloseSheet();
+    Trigger("MenuVievMainSheet");
+    EXPECT_TRUE(Table()->isColumnHidden(2));
+    EXPECT_TRUE(Table()->isColumnHidden(kColNumber));
+    choose("&All columns in their order");
+    EXPECT_FALSE(Table()->isColumnHidden(2));
+    EXPECT_TRUE(Table()->isColumnHidden(kColNumber)) << "what the window hides is not offered";
+}
+
+TEST_F(MainSheetByHand, AShiftedClickOnAHeadingSortsBySizeAndSaysSo) {
+    Begin();
+    Open();
+    // dev.x: -0.012, 0.5 and 0; two points have none.
+    QHeaderView* heading = Table()->horizontalHeader();
+    Table()->scrollTo(Table()->model()->index(0, 7));
+    const QPoint place(heading->sectionViewportPosition(7) + 20, heading->height() / 2);
+    QTest::mouseClick(heading->viewport(), Qt::LeftButton, Qt::ShiftModifier, place);
+    EXPECT_EQ(heading->model()->headerData(7, Qt::Horizontal).toString(), QStringLiteral("|dev.x|"));
+    EXPECT_EQ(Table()->model()->index(0, 0).data().toString(), QStringLiteral("B"));
+    EXPECT_EQ(Table()->model()->index(1, 0).data().toString(), QStringLiteral("A"));
+}
+
+TEST_F(MainSheetByHand, TheFilterLeavesRowsOnTheScreen) {
+    Begin();
+    Open();
+    auto* combo = qobject_cast<QComboBox*>(Widget("FormMainSheet.ComboFilter"));
+    ASSERT_EQ(combo->count(), 4);
+    EXPECT_EQ(Table()->model()->rowCount(), 5);
+    combo->setFocus();
+    for (int i = 0; i < 3; ++i) QTest::keyClick(combo, Qt::Key_Down);
+    EXPECT_EQ(combo->currentText(), QStringLiteral("Without partner"));
+    EXPECT_EQ(Table()->model()->rowCount(), 2);
+    EXPECT_EQ(qobject_cast<QLabel*>(Widget("FormMainSheet.LabelFilter"))->text(),
+              QStringLiteral("2 of 5 points"));
 }

@@ -229,7 +229,8 @@ void OtherPictures() {
         QSize Size;
     } dialogs[] = {{"MenuSettingsUnits", "FormUnits", {}},
                    {"MenueExtrasOptions", "FormOptions", {}},
-                   {"MenuHelpInfo", "FormMenuHelpInfo", {560, 240}}};
+                   {"MenuHelpInfo", "FormMenuHelpInfo", {560, 240}},
+                   {"MenuViewStart", "FormStart", {}}};
     for (const auto& [action, window, size] : dialogs) {
         Trigger(action);
         SaveWindow(window, size);
