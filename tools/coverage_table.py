@@ -1,11 +1,13 @@
-"""Coverage by room out of gcovr's JSON, and the files that are below what is wanted.
+"""Coverage by room out of what llvm-cov shows, and the files that are below what is wanted.
 
-    coverage_table.py COVERAGE.json REASONS.txt
+    coverage_table.py SHOWN.txt REASONS.txt [PATTERN]
 
-A line of REASONS.txt is "room: reason" or "path: reason"; `#` begins a remark. The status is 1 where a room that is below,
-or a reader with lines that no test reaches, has no reason.
+SHOWN.txt is the text of `llvm-cov show -show-branches=count -show-instantiations=false`: each line with how often it was
+reached, and behind it its conditions with how often they were true and false. A condition whose value the compiler knows is
+none. A line of REASONS.txt is "room: reason" or "path: reason"; `#` begins a remark. The status is 1 where a room that is
+below, or a reader with lines that no test reaches, has no reason. With a PATTERN the conditions that were never true or
+never false in the files that match are printed instead.
 """
-import json
 import os
 import re
 import sys
@@ -33,27 +35,34 @@ class Counts:
         return (100 * self.hit / self.lines if self.lines else 100, 100 * self.taken / self.branches if self.branches else 100)
 
 
-def counts_of(file):
-    counts, missed = Counts(), []
-    # A line of a template or of an inline procedure stands once for each unit that has it.
-    hits, branches = defaultdict(int), defaultdict(dict)
-    for line in file["lines"]:
-        if line.get("gcovr/noncode"):
-            continue
-        number = line["line_number"]
-        hits[number] += line["count"]
-        for i, branch in enumerate(line["branches"]):
-            if not branch.get("throw"):
-                branches[number][i] = branches[number].get(i, 0) + branch["count"]
-    for number, count in sorted(hits.items()):
-        counts.lines += 1
-        counts.hit += count > 0
-        if not count:
-            missed.append(number)
-    for of_line in branches.values():
-        counts.branches += len(of_line)
-        counts.taken += sum(1 for count in of_line.values() if count > 0)
-    return counts, missed
+def shown(path):
+    """For each file its lines as {number: (was reached, text)} and its conditions as {place: [was true, was false]}."""
+    files, lines, branches = {}, {}, {}
+    with open(path, encoding="utf-8") as file:
+        for text in file:
+            begin = re.match(r"(/.*/)?((src|tests)/\S+):$", text)
+            if begin:
+                lines, branches = files.setdefault(begin[2], ({}, {}))
+                continue
+            line = re.match(r" *(\d+)\| *([^ |]*)\|(.*)", text)
+            if line and line[2]:
+                lines[int(line[1])] = (line[2] != "0", line[3])
+            branch = re.match(r"[ |]*Branch \((\d+):(\d+)\): \[True: ([^,]*), False: ([^]]*)\]", text)
+            if branch:
+                # A condition of a template stands once for each of its forms.
+                taken = branches.setdefault((int(branch[1]), int(branch[2])), [False, False])
+                taken[0] |= branch[3] != "0"
+                taken[1] |= branch[4] != "0"
+    return files
+
+
+def counts_of(lines, branches):
+    counts = Counts()
+    counts.lines = len(lines)
+    counts.hit = sum(1 for reached, _ in lines.values() if reached)
+    counts.branches = 2 * len(branches)
+    counts.taken = sum(sum(taken) for taken in branches.values())
+    return counts, sorted(number for number, (reached, _) in lines.items() if not reached)
 
 
 def ranges(numbers):
@@ -66,9 +75,22 @@ def ranges(numbers):
     return ", ".join(f"{a}" if a == b else f"{a}-{b}" for a, b in found)
 
 
+def print_conditions(files, pattern):
+    for path, (lines, branches) in sorted(files.items()):
+        if not re.search(pattern, path):
+            continue
+        for (line, column), (true, false) in sorted(branches.items()):
+            if true and false:
+                continue
+            says = "not reached" if not true and not false else "never true" if not true else "never false"
+            print(f"{path}:{line}:{column}: {says}: {lines.get(line, (False, ''))[1].strip()}")
+
+
 def main():
-    with open(sys.argv[1], encoding="utf-8") as file:
-        files = json.load(file)["files"]
+    files = {path: of for path, of in shown(sys.argv[1]).items() if path.startswith("src/")}
+    if len(sys.argv) > 3:
+        print_conditions(files, sys.argv[3])
+        return 0
     reasons = {}
     if os.path.exists(sys.argv[2]):
         with open(sys.argv[2], encoding="utf-8") as file:
@@ -77,10 +99,9 @@ def main():
                     path, _, reason = line.strip().partition(": ")
                     reasons[path] = reason
     rooms, below = defaultdict(Counts), []
-    for file in files:
-        path = file["file"]
+    for path, (lines, branches) in files.items():
         room = path.split("/")[1] if path.count("/") > 1 else "src"
-        counts, missed = counts_of(file)
+        counts, missed = counts_of(lines, branches)
         rooms[room].add(counts)
         if READERS.match(path):
             rooms["readers"].add(counts)

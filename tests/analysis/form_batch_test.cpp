@@ -415,7 +415,7 @@ TEST_F(BatchRun, AllFilesOfARunStandOnOneResultAndOneUnit) {
     for (const auto& [what, change] : changes) {
         for (const std::string& name : FilesOfFolder(Out())) fs::remove(Out(name));
         int yields = 0;
-        Headless.OnYield = [&] {
+        Headless.OnYield = [&yields, &change = change] {
             if (++yields == 2) change();
         };
         Start();

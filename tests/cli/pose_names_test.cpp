@@ -203,6 +203,22 @@ TEST_F(PoseNamesOfPrograms, UnknownOnesAreWrongUsage) {
     for (const auto& command : commands) EXPECT_EQ(FreshCommandLine(command).Status, 2) << command.back();
 }
 
+TEST_F(PoseNamesOfPrograms, OfManyTheFirstTwelveAreTold) {
+    for (const int count : {12, 13, 15}) {
+        std::string program, names;
+        for (int i = 1; i <= count; ++i) {
+            const std::string name = "P" + std::to_string(i);
+            program += "DECL E6POS " + name + "={X " + std::to_string(i) + ",Y 2,Z 3,A 4,B 5,C 6}\n";
+            if (i <= 12) names += (i > 1 ? ", " : "") + name;
+        }
+        if (count > 12) names += " and " + std::to_string(count - 12) + " more";
+        const std::string path = Write("many.dat", program);
+        const Outcome outcome = FreshCommandLine({"fit", start_, path, "--as", "kuka", "--select", "none"});
+        EXPECT_EQ(outcome.Status, 2);
+        EXPECT_NE(outcome.Err.find("there are " + names + "\n"), std::string::npos) << outcome.Err;
+    }
+}
+
 TEST_F(PoseNamesOfPrograms, ThatStandTwiceAreRefusedWithTheirLines) {
     const std::string program =
         Write("twice.dat",

@@ -10,6 +10,7 @@
 #include "core/controller.h"
 #include "core/files.h"
 #include "core/form_recovery.h"
+#include "core/grid.h"
 #include "core/job.h"
 #include "core/job_bytes.h"
 #include "core/job_commands.h"
@@ -208,4 +209,118 @@ TEST_F(RecoveryCopies, WhatIsNoCopyIsListedAndNotOpened) {
     }
     DiscardCopy(left[0]);
     EXPECT_FALSE(IsThere("recovery-7.cvn"));
+}
+
+// --- The window of what was left --------------------------------------------------------------------------
+
+class RecoveryWindowByName : public RecoveryCopies {
+protected:
+    // Two copies of killed programs, of a job with a path and of one that was never saved, and a file that is
+    // none.
+    void LeaveThree() {
+        Change(1);
+        TendRecovery(10);
+        Kill();
+        StartRecovery();
+        ::Run.JobFilePath = kDefaultJobPath;
+        JobTouched();
+        TendRecovery(0);
+        Change(2);
+        TendRecovery(10);
+        Kill();
+        Write("recovery-3.cvn", "nonsense");
+        StartRecovery();
+        ShowWhatWasLeft();
+    }
+    static std::string Cell(int row, int col) { return CellText(RecoveryWindow.GridRecovery.Grid, row, col); }
+    static void Choose(int row) { UserClickCell(RecoveryWindow.GridRecovery, row, 0, false); }
+};
+
+TEST_F(RecoveryWindowByName, EachCopyIsARowAndOneOfSeveralHasToBeChosen) {
+    LeaveThree();
+    ASSERT_TRUE(IsLoaded("FormRecovery"));
+    EXPECT_EQ(RecoveryWindow.LabelSummary.Text, "3 jobs were left behind with changes that were not saved.");
+    ASSERT_EQ(RecoveryWindow.GridRecovery.Grid.Rows, 4);
+    EXPECT_EQ(Cell(1, kRecoveryJob), path_);
+    EXPECT_EQ(Cell(2, kRecoveryJob), "(never saved)");
+    EXPECT_EQ(Cell(3, kRecoveryJob), PathOf("recovery-3.cvn"));
+    EXPECT_TRUE(Cell(3, kRecoveryPoints).starts_with("cannot be read: ")) << Cell(3, kRecoveryPoints);
+    EXPECT_EQ(Cell(1, kRecoveryPoints), std::to_string(Job.Pairs()) + " pairs, " +
+                                            std::to_string(Job.Start.Count()) + " start, " +
+                                            std::to_string(Job.Target.Count()) + " target");
+    RecoveryWindow.GridRecovery.Grid.Row = 0;  // that of the headings
+    for (Control* button : {&RecoveryWindow.BtnRestore, &RecoveryWindow.BtnDiscard}) {
+        EXPECT_TRUE(UserClick(*button));
+        EXPECT_EQ(LastMessage(), "Choose a job in the list first.");
+    }
+    for (const char* name : {"recovery-1.cvn", "recovery-2.cvn", "recovery-3.cvn"})
+        EXPECT_TRUE(IsThere(name));
+}
+
+TEST_F(RecoveryWindowByName, WhatIsDiscardedIsAskedAboutAndTheWindowGoesWithTheLast) {
+    LeaveThree();
+    Choose(2);
+    Reply("No");
+    UserClick(RecoveryWindow.BtnDiscard);
+    EXPECT_NE(LastMessage().find("(never saved)"), std::string::npos) << LastMessage();
+    EXPECT_TRUE(IsThere("recovery-2.cvn"));
+    Reply("Yes");
+    UserClick(RecoveryWindow.BtnDiscard);
+    EXPECT_FALSE(IsThere("recovery-2.cvn"));
+    EXPECT_TRUE(IsThere("recovery-1.cvn"));
+    EXPECT_EQ(RecoveryWindow.LabelSummary.Text, "2 jobs were left behind with changes that were not saved.");
+    Choose(2);
+    Reply("Yes");
+    UserClick(RecoveryWindow.BtnDiscard);
+    EXPECT_FALSE(IsThere("recovery-3.cvn"));
+    EXPECT_EQ(RecoveryWindow.LabelSummary.Text, "A job was left behind with changes that were not saved.");
+    Reply("Yes");  // the only one need not be chosen
+    RecoveryWindow.GridRecovery.Grid.Row = 0;
+    UserClick(RecoveryWindow.BtnDiscard);
+    EXPECT_FALSE(IsThere("recovery-1.cvn"));
+    EXPECT_FALSE(IsLoaded("FormRecovery"));
+}
+
+TEST_F(RecoveryWindowByName, ClosingItLeavesAllForTheNextTime) {
+    LeaveThree();
+    UserClick(RecoveryWindow.BtnClose);
+    EXPECT_FALSE(IsLoaded("FormRecovery"));
+    ShowWhatWasLeft();
+    ASSERT_TRUE(IsLoaded("FormRecovery"));
+    UserEscape(FormRecovery_Entry);
+    EXPECT_FALSE(IsLoaded("FormRecovery"));
+    EXPECT_EQ(LeftBehindCopies().size(), 3U);
+}
+
+TEST_F(RecoveryWindowByName, OneThatIsRestoredLeavesTheOthersListed) {
+    LeaveThree();
+    Choose(1);
+    Reply("No");
+    UserClick(RecoveryWindow.BtnRestore);
+    EXPECT_EQ(Job.TraX, 1);
+    EXPECT_EQ(::Run.JobFilePath, path_);
+    ASSERT_TRUE(IsLoaded("FormRecovery"));
+    EXPECT_EQ(RecoveryWindow.Rows.size(), 2U);
+    EXPECT_EQ(Cell(1, kRecoveryJob), "(never saved)");
+}
+
+TEST_F(RecoveryWindowByName, WithoutAnythingLeftItSaysSo) {
+    ShowWhatWasLeft();
+    EXPECT_FALSE(IsLoaded("FormRecovery")) << "nothing to show at a start";
+    ShowWindow("FormRecovery");
+    EXPECT_EQ(RecoveryWindow.LabelSummary.Text, "Nothing was left behind.");
+    EXPECT_FALSE(RecoveryWindow.BtnRestore.Enabled);
+    EXPECT_FALSE(RecoveryWindow.BtnDiscard.Enabled);
+}
+
+TEST_F(RecoveryWindowByName, AStartWithAJobThatIsOpenElsewhereSaysSo) {
+    const RecoveryRecord first = Recovery;
+    Recovery = RecoveryRecord{};  // another program
+    const std::size_t messages = Messages().size();
+    BeginRecovery();
+    ASSERT_EQ(Messages().size(), messages + 1);
+    EXPECT_NE(LastMessage().find("Another Corvinade has this job open"), std::string::npos) << LastMessage();
+    EXPECT_FALSE(JobHasChanged());
+    EndRecovery();
+    Recovery = first;
 }

@@ -8,6 +8,7 @@
 #include "core/job.h"
 #include "core/platform.h"
 #include "core/run.h"
+#include "core/window.h"
 #include "support/fixture.h"
 
 using namespace corvinade;
@@ -385,4 +386,31 @@ TEST_F(SettingsFile, AColumnWidthComesFromTheFirstKeyThatTheFileHas) {
     EXPECT_EQ(LoadColWidth({"g"}, 900), 100000);
     EXPECT_EQ(FindIniWert("d"), "");
     EXPECT_EQ(FindIniWert("none"), std::nullopt);
+}
+
+// --- Places of windows ------------------------------------------------------------------------------------
+
+TEST_F(SettingsFile, APlaceOfAFileIsAFirstOneWhereNobodyHasMovedTheWindow) {
+    const std::string text = DefaultSettingsText();
+    const auto valueOf = [&text](const std::string& key) {
+        const std::size_t at = text.find("\n" + key + "=");
+        EXPECT_NE(at, std::string::npos) << key;
+        return std::stoi(text.substr(at + key.size() + 2));
+    };
+    for (const std::string name : {"FormOptions", "FormGrafik", "FormBatch", "FormChangeDir"}) {
+        const WindowPlace place = {valueOf(name + "Left"), valueOf(name + "Top"), valueOf(name + "Width"),
+                                   valueOf(name + "Height")};
+        EXPECT_TRUE(IsFirstPlace(place, name));
+        EXPECT_FALSE(IsFirstPlace(place, "FormUnits")) << "that of " << name;
+        for (std::int32_t WindowPlace::*side :
+             {&WindowPlace::Left, &WindowPlace::Top, &WindowPlace::Width, &WindowPlace::Height}) {
+            WindowPlace moved = place;
+            moved.*side += 15;
+            EXPECT_FALSE(IsFirstPlace(moved, name));
+        }
+    }
+    // What a file without a place is read as.
+    EXPECT_TRUE(IsFirstPlace({1000, 1000, 1000, 1000}, "FormOptions"));
+    EXPECT_TRUE(IsFirstPlace({1000, 1000, 1000, 1000}, "none"));
+    EXPECT_FALSE(IsFirstPlace({1000, 1000, 1000, 1015}, "none"));
 }

@@ -128,6 +128,17 @@ TEST(PairSums, WithCoordinatesOutOfUse) {
     ExpectTheSumOfAll(inUse, kCount);
 }
 
+// The first and the last coordinate of whole groups of pairs, each alone.
+TEST(PairSums, WithACoordinateOutOfUseAtTheEdgeOfAGroup) {
+    constexpr int kCount = 43;
+    for (const int out : {0, 23, 24, 47, 48, 95, 96, 119, 120, 3 * kCount - 1}) {
+        SCOPED_TRACE(out);
+        std::vector<double> inUse(3 * kCount, 1);
+        inUse[At(out)] = 0;
+        ExpectTheSumOfAll(inUse, kCount);
+    }
+}
+
 TEST(PairSums, HaveNoObjectiveWhereAPairHasNoWeight) {
     constexpr int kCount = 24;
     const Example example = MakeExample(kCount, 0.1, 5, kSeven);

@@ -231,10 +231,26 @@ TEST(TableMapping, GoesWithTheJobAndComesBackFromItsBlock) {
 }
 
 TEST(TableMapping, WhatIsNoTextInAJobIsNone) {
-    for (const char* value : {"17", "\"", "[\"--format table\"]", "\"\\u00e4\"", "\"\\x\"", "\"\\u12\""}) {
+    for (const char* value : {"17", "\"", "[\"--format table\"]", "\"\\u00e4\"", "\"\\x\"", "\"\\u12\"",
+                              "\"\\u004\"", "\"\\u00zz\"", "\"\\\"", "A\"", "\"A"}) {
         JobRecord job;
         job.OtherMembers.emplace_back(kStartTable, value);
         EXPECT_EQ(MappingOfJob(job, kStartTable), "") << value;
+    }
+}
+
+TEST(TableMapping, ATextInAJobMayHaveEveryEscapeOfAscii) {
+    const std::vector<std::array<std::string, 2>> rows = {
+        {"\"\\u0041\"", "A"},
+        {"\"a\\u0042c\"", "aBc"},
+        {"\"\\u007E\\u007e\"", "~~"},
+        {"\"\\\"\\\\\\/\\b\\f\\n\\r\\t\"", "\"\\/\b\f\n\r\t"},
+        {"\"\"", ""},
+    };
+    for (const auto& [value, text] : rows) {
+        JobRecord job;
+        job.OtherMembers.emplace_back(kStartTable, value);
+        EXPECT_EQ(MappingOfJob(job, kStartTable), text) << value;
     }
 }
 

@@ -1,9 +1,12 @@
 // Clouds whose numbers, names and characters are of kinds that few files have.
+#include <sys/resource.h>
+
 #include <cmath>
 #include <cstdio>
 #include <limits>
 
 #include "import/cloud_bytes.h"
+#include "import/cloud_spool.h"
 #include "import/cloud_table.h"
 #include "import/table_reader.h"
 
@@ -294,6 +297,43 @@ TEST_F(LargeTables, TheBeginningOfALongOneSaysWhatAShortOneDoes) {
         EXPECT_EQ(columns("Name;Y;X;Z\n", size, ";"), "name,y,x,z");
         EXPECT_EQ(columns("", size, ";"), std::nullopt) << "a plain one";
     }
+}
+
+TEST_F(LargeTables, AMarkOfInchesIsNoQuote) {
+    const auto columns = [this](const std::string& first) {
+        return ColumnsOfTableAlone(Write("table.csv", first + ";1;2;3\nB;4;5;6\nC;7;8;10\n"), {});
+    };
+    EXPECT_EQ(columns("5\" pipe"), std::nullopt) << "a plain one";
+    EXPECT_EQ(columns("\"5 pipe\""), "name,x,y,z");
+}
+
+// --- Temporary files --------------------------------------------------------------------------------------
+
+TEST(CloudSpools, GiveBackWhatStandsBehindAGibibyte) {
+    CloudSpool spool;
+    const std::uint64_t far = (std::uint64_t{3} << 30U) + 5;
+    spool.WriteAt(far, "far");  // what is in front of it takes no room
+    spool.WriteAt(7, "near");
+    std::string bytes(3, ' ');
+    spool.ReadAt(far, bytes);
+    EXPECT_EQ(bytes, "far");
+    bytes.resize(4);
+    spool.ReadAt(7, bytes);
+    EXPECT_EQ(bytes, "near");
+    EXPECT_NE(ErrorOf([&] { spool.ReadAt(far, bytes); }).find("Cannot read a temporary file"),
+              std::string::npos)
+        << "one byte more than there is";
+}
+
+TEST(CloudSpools, WithoutAHandleForAFileSaySo) {
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    rlimit none = before;
+    none.rlim_cur = 0;
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    const std::string error = ErrorOf([] { const CloudSpool spool; });
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_EQ(error, "Cannot make a temporary file: Too many open files");
 }
 
 }  // namespace

@@ -219,6 +219,11 @@ TEST_F(ShapeFile, WithAWordForANumberNamesLineAndWord) {
     EXPECT_EQ(ErrorOf([this] { Read("0;0\n10;\n20;4\n"); }),
               "Cannot read \"" + PathOf("shape.txt") + "\", line 2: \"\" is not a number");
     EXPECT_FALSE(ShapeServes(Job.ParaboloidShape));
+    // What its unit makes too large: 1e308 m are 1e311 mm.
+    Job.LengthUnitName = "meter";
+    RhoFestlegung();
+    EXPECT_EQ(ErrorOf([this] { Read("0;0\n1e308;1\n20;4\n"); }),
+              "Cannot read \"" + PathOf("shape.txt") + "\", line 2: \"1e308\" is not a number");
 }
 
 TEST_F(ShapeFile, WithOnePointIsRefused) {
