@@ -1,4 +1,4 @@
-// What the readers want from outside, as a module has it: nobody to ask, no windows, numbers with a point.
+// What the readers want from outside, as a library has it: nobody to ask, no windows, numbers with a point.
 // Ahead of the rooms of the program, whose names are seen from everywhere.
 #include "corvinade/fit.h"
 //
