@@ -93,7 +93,7 @@ NamedPoints SideOf(const core::PointSet& points, const std::optional<core::SideA
     if (ofEach == nullptr && ofAll)
         for (std::size_t axis = 0; axis < 3; ++axis)
             sigmas.Of[axis].assign(static_cast<std::size_t>(points.Count()), (*ofAll)[axis]);
-    return NamedPointsOf(points, sigmas);
+    return library::NamedPointsOf(points, sigmas);
 }
 
 }  // namespace
@@ -134,7 +134,7 @@ JobFile ReadJob(const std::string& path) {
                             {job.ScaleX, job.ScaleY, job.ScaleZ},
                             {job.AngleXY, job.Azimuth, job.AngleZtoXY}};
     told.Converged = !core::IsTrue(job.Unconverged);
-    told.Notes = FileNotesOf(content.Noticed);
+    told.Notes = library::FileNotesOf(content.Noticed);
     told.Said = content.Said;
     return told;
 }

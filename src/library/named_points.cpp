@@ -4,9 +4,10 @@
 #include "core/job.h"
 #include "core/run.h"
 #include "core/units.h"
+#include "import/robot_files.h"
 #include "library/records.h"
 
-namespace corvinade {
+namespace corvinade::library {
 
 NamedPoints NamedPointsOf(const core::PointSet& points, const core::PointAccuracies& sigmas) {
     NamedPoints told;
@@ -41,6 +42,7 @@ void MakeRecordsFresh() {
     core::Run = {};
     core::Units = {};
     core::Notes = {};
+    import::ProgramPoses = {};
 }
 
 }  // namespace
@@ -56,4 +58,4 @@ std::vector<FileNote> RecordsHeld::Notes() {
     return FileNotesOf(core::Notes.List);
 }
 
-}  // namespace corvinade
+}  // namespace corvinade::library

@@ -9,9 +9,9 @@
 #include "core/notes.h"
 #include "core/point_set.h"
 
-namespace corvinade {
+namespace corvinade::library {
 
 NamedPoints NamedPointsOf(const core::PointSet& points, const core::PointAccuracies& sigmas);
 std::vector<FileNote> FileNotesOf(const std::vector<core::Note>& notes);
 
-}  // namespace corvinade
+}  // namespace corvinade::library

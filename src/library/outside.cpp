@@ -3,10 +3,12 @@
 #include "corvinade/fit.h"
 //
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/changes.h"
 #include "core/controller.h"
+#include "core/job.h"
 #include "core/platform.h"
 #include "core/records.h"
 #include "import/long_import.h"
@@ -42,6 +44,11 @@ namespace corvinade::import {
 
 bool ImportGoesOn(double) {
     return true;
+}
+
+void ReplaceTarget(core::PointSet points) {
+    core::Job.SetPairs(0);
+    core::Job.Target = std::move(points);
 }
 
 }  // namespace corvinade::import

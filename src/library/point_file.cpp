@@ -57,8 +57,8 @@ PointFile ReadCarrier(const std::string& path, import::CloudKind kind, const Poi
     reading.GoesOn = GoesOn(options);
     const std::optional<import::CloudSet> set = import::ReadCloud(path, std::move(reading), false);
     if (!set) Stop();
-    return {NamedPointsOf(set->Points, set->Sigmas),
-            FileNotesOf(import::NotesOfCloud(set->Facts, path, false)), import::CloudKindName(kind),
+    return {library::NamedPointsOf(set->Points, set->Sigmas),
+            library::FileNotesOf(import::NotesOfCloud(set->Facts, path, false)), import::CloudKindName(kind),
             set->Facts.Unit.empty() ? "mm" : set->Facts.Unit};
 }
 
@@ -82,7 +82,8 @@ PointFile ReadTextTable(const std::string& path, const PointFileOptions& options
     if (table.Cancelled) Stop();
     const core::PointAccuracies sigmas = import::SigmasOfTable(table, path);
     if (table.Refusal.Refused()) throw InvalidInput(table.Refusal.Text);
-    return {NamedPointsOf(table.Points, sigmas), FileNotesOf(table.Notes), "table", table.Form.Unit};
+    return {library::NamedPointsOf(table.Points, sigmas), library::FileNotesOf(table.Notes), "table",
+            table.Form.Unit};
 }
 
 void Check(const NamedPoints& points) {
@@ -148,13 +149,13 @@ std::vector<FileNote> WritePoints(const std::string& path, const NamedPoints& po
         if (!points.Sigmas.empty()) PutNumbers(std::span(points.Sigmas).subspan(3 * i, 3), text);
         text += '\n';
     }
-    const RecordsHeld held;
+    const library::RecordsHeld held;
     try {
         core::WriteFile(path, text);
     } catch (const core::PlatformError& error) {
         throw InvalidInput(error.What);
     }
-    return RecordsHeld::Notes();
+    return library::RecordsHeld::Notes();
 }
 
 }  // namespace corvinade

@@ -6,7 +6,7 @@
 
 #include "corvinade/point_file.h"
 
-namespace corvinade {
+namespace corvinade::library {
 
 // While it lives they are this thread's alone, as they are in a new program; another thread waits.
 class RecordsHeld {
@@ -23,4 +23,4 @@ private:
     std::lock_guard<std::mutex> alone_;
 };
 
-}  // namespace corvinade
+}  // namespace corvinade::library
