@@ -9,6 +9,7 @@
 
 #include "corvinade/job_file.h"
 #include "corvinade/point_file.h"
+#include "corvinade/robot_program.h"
 //
 #include "import/coordinate_pairs.h"
 #include "interruption.h"
@@ -111,6 +112,36 @@ py::dict JobOfFile(const std::string& path) {
     return told;
 }
 
+py::tuple PosesOfProgram(const std::string& path, const std::string& form) {
+    RobotPoses read;
+    {
+        const py::gil_scoped_release others;
+        read = ReadProgram(path, form);
+    }
+    py::list names;
+    py::array_t<double> frames({static_cast<py::ssize_t>(read.Poses.size()), py::ssize_t{4}, py::ssize_t{4}});
+    double* to = frames.mutable_data();
+    for (const RobotPose& pose : read.Poses) {
+        names.append(TextOf(pose.Name));
+        to = std::copy(pose.Frame.begin(), pose.Frame.end(), to);
+    }
+    return py::make_tuple(names, frames, NotesOf(read.Notes));
+}
+
+py::list MovedProgram(const std::string& from, const std::string& to, const std::string& form,
+                      const py::array_t<double, py::array::c_style>& matrix) {
+    Matrix4 move;
+    if (matrix.size() != static_cast<py::ssize_t>(move.size()))
+        throw py::value_error("a matrix of shape (4, 4) was expected");
+    std::copy_n(matrix.data(), move.size(), move.begin());
+    std::vector<FileNote> notes;
+    {
+        const py::gil_scoped_release others;
+        notes = TransformProgram(from, to, form, move);
+    }
+    return NotesOf(notes);
+}
+
 // The place of the partner of each measured point, from 0; -1 where it has none.
 py::array_t<std::int64_t> PairedByCoordinates(const py::array_t<double, py::array::c_style>& measured,
                                               const py::array_t<double, py::array::c_style>& nominal,
@@ -156,5 +187,7 @@ void AddReading(py::module_& module) {
                    return PointsOfFile(path, std::move(options));
                });
     module.def("read_job", &JobOfFile);
+    module.def("read_program", &PosesOfProgram);
+    module.def("transform_program", &MovedProgram);
     module.def("pair_by_coordinates", &PairedByCoordinates);
 }
