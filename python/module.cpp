@@ -84,13 +84,25 @@ Doubles RotationOf(const Chain& chain) {
     return array;
 }
 
-FitResult FitOf(const py::array& measured, const py::array& nominal, const std::string& parameters,
+// By the name of a choice, or as the state of each parameter by its name; values of those held come by
+// themselves.
+ParameterChoice ChoiceOf(const py::object& parameters) {
+    if (!py::isinstance<py::dict>(parameters)) return ChoiceByName(parameters.cast<std::string>());
+    ParameterChoice choice;
+    for (const auto& [name, state] : parameters.cast<py::dict>())
+        if (state.cast<std::string>() == "floats")
+            choice.State[static_cast<std::size_t>(ParameterByName(name.cast<std::string>()))] =
+                ParameterState::Floats;
+    return choice;
+}
+
+FitResult FitOf(const py::array& measured, const py::array& nominal, const py::object& parameters,
                 const py::dict& hold, const std::string& norm,
                 const py::array_t<unsigned char, py::array::c_style>& use, const Doubles& sigma,
                 const Doubles& nominalSigma, const std::array<std::size_t, 3>& seed, int iterations) {
     const Rows start(measured, "measured"), target(nominal, "nominal");
     FitOptions options;
-    options.Parameters = ChoiceByName(parameters);
+    options.Parameters = ChoiceOf(parameters);
     for (const auto& [name, value] : hold)
         options.Parameters.Hold(ParameterByName(name.cast<std::string>()), value.cast<double>());
     options.Which = NormByName(norm);

@@ -1,4 +1,4 @@
-// Files of points and jobs for the module, by the readers of the program.
+// Files of points and jobs for the module, by the library.
 #include "reading.h"
 
 #include <pybind11/numpy.h>
@@ -7,22 +7,15 @@
 #include <optional>
 #include <string>
 
-#include "core/files.h"
-#include "core/job_file.h"
-#include "core/measurement_sigmas.h"
-#include "core/notes.h"
-#include "core/platform.h"
-#include "corvinade/error.h"
-#include "corvinade/transformation.h"
-#include "import/cloud_points.h"
+#include "corvinade/job_file.h"
+#include "corvinade/point_file.h"
+#include "corvinade/robot_program.h"
+//
 #include "import/coordinate_pairs.h"
-#include "import/table_heading.h"
-#include "import/table_sigmas.h"
 #include "interruption.h"
 
 namespace py = pybind11;
 using namespace corvinade;
-using core::PointSet;
 
 namespace {
 
@@ -31,184 +24,122 @@ py::str TextOf(const std::string& text) {
         PyUnicode_DecodeUTF8(text.data(), static_cast<py::ssize_t>(text.size()), "replace"));
 }
 
-py::list NamesOf(const PointSet& points) {
-    py::list names(static_cast<std::size_t>(points.Count()));
-    for (int i = 1; i <= points.Count(); ++i)
-        names[static_cast<std::size_t>(i - 1)] = TextOf(points.Name[static_cast<std::size_t>(i)]);
-    return names;
-}
-
-py::array_t<double> CoordinatesOf(const PointSet& points) {
-    py::array_t<double> rows({py::ssize_t{points.Count()}, py::ssize_t{3}});
-    double* to = rows.mutable_data();
-    for (int i = 1; i <= points.Count(); ++i) {
-        const fit::Vec3 point = points.Point(i);
-        for (int axis = 1; axis <= 3; ++axis) *to++ = point(axis);
-    }
-    return rows;
-}
-
-py::object SigmasOf(const core::PointAccuracies& sigmas) {
-    if (sigmas.Count() == 0) return py::none();
-    py::array_t<double> rows({static_cast<py::ssize_t>(sigmas.Count()), py::ssize_t{3}});
-    double* to = rows.mutable_data();
-    for (std::size_t i = 0; i < sigmas.Count(); ++i)
-        for (const auto& axis : sigmas.Of) *to++ = axis[i];
-    return rows;
-}
-
-// Code, text and line of each.
-py::list NotesOf(const std::vector<core::Note>& notes) {
-    py::list told;
-    for (const core::Note& note : notes)
-        told.append(py::make_tuple(core::NoteKindOf(note.Code).Name, TextOf(note.Text), note.Line));
+py::list TextsOf(const std::vector<std::string>& texts) {
+    py::list told(texts.size());
+    for (std::size_t i = 0; i < texts.size(); ++i) told[i] = TextOf(texts[i]);
     return told;
 }
 
-struct ReadPoints {
-    PointSet Points;
-    core::PointAccuracies Sigmas;
-    std::vector<core::Note> Notes;
-    std::string Format, Unit;
-};
-
-struct Wish {
-    std::string Columns, Unit, Delimiter, Decimal, Encoding;
-    std::optional<std::string> Comment;
-    std::int64_t Skip = 0;
-    bool SkipBad = false;
-};
-
-// What ends a reading that was interrupted; Python has the error.
-struct Interrupted {};
-
-ReadPoints ReadCarrier(const std::string& path, import::CloudKind kind, const Wish& wish,
-                       Interruption& interruption) {
-    if (wish.Skip > 0 || wish.Comment)
-        throw InvalidInput("\"" + path + "\" is " + import::CloudKindInWords(kind) +
-                           ": skip and comment are of tables alone");
-    import::CloudReading reading;
-    std::string why;
-    if (!wish.Columns.empty()) {
-        const auto columns = import::ColumnsFromText(wish.Columns, why);
-        if (!columns) throw InvalidInput("columns: " + why);
-        reading.Wish.Columns = *columns;
-    }
-    reading.Wish.Unit = wish.Unit;
-    if (!wish.Decimal.empty()) reading.Wish.Decimal = wish.Decimal.front();
-    if (!wish.Delimiter.empty()) reading.Wish.Delimiter = wish.Delimiter.front();
-    if (import::TableEncoding encoding{}; import::TableEncodingByName(wish.Encoding, encoding))
-        reading.Wish.Encoding = encoding;
-    reading.Wish.RefuseBad = !wish.SkipBad;
-    reading.GoesOn = [&interruption] { return !interruption.Wanted(); };
-    std::optional<import::CloudSet> read = import::ReadCloud(path, std::move(reading), false);
-    if (!read) throw Interrupted{};
-    import::CloudSet& set = *read;
-    std::vector<core::Note> notes = import::NotesOfCloud(set.Facts, path, false);
-    const std::string unit = set.Facts.Unit.empty() ? "mm" : set.Facts.Unit;
-    return {std::move(set.Points), std::move(set.Sigmas), std::move(notes), import::CloudKindName(kind),
-            unit};
+py::array_t<double> RowsOf(const std::vector<double>& numbers) {
+    return py::array_t<double>({static_cast<py::ssize_t>(numbers.size() / 3), py::ssize_t{3}},
+                               numbers.data());
 }
 
-ReadPoints ReadTextTable(const std::string& path, const Wish& wish, Interruption& interruption) {
-    import::TableOptions options;
-    if (!wish.Columns.empty())
-        if (const std::string why = import::TakeTableColumns(wish.Columns, options.Columns); !why.empty())
-            throw InvalidInput("columns: " + why);
-    options.Skip = wish.Skip;
-    options.Comment = wish.Comment;
-    options.Delimiter = wish.Delimiter.empty() ? '\0' : wish.Delimiter.front();
-    options.Decimal = wish.Decimal.empty() ? '\0' : wish.Decimal.front();
-    options.Unit = wish.Unit;
-    if (import::TableEncoding encoding{}; import::TableEncodingByName(wish.Encoding, encoding))
-        options.Encoding = encoding;
-    options.SkipBad = wish.SkipBad;
-    options.DoubleNames = true;
-    options.GoesOn = [&interruption](const import::TableProgress&) { return !interruption.Wanted(); };
-    const core::FileBytes bytes = core::ReadFile(path);
-    import::TableResult table = import::ReadTable(bytes.View(), path, options);
-    if (table.Cancelled) throw Interrupted{};
-    core::PointAccuracies sigmas = import::SigmasOfTable(table, path);
-    if (table.Refusal.Refused()) throw InvalidInput(table.Refusal.Text);
-    return {std::move(table.Points), std::move(sigmas), std::move(table.Notes), "table", table.Form.Unit};
+// Names, coordinates, standard deviations or None.
+py::tuple PointsOf(const NamedPoints& points) {
+    return py::make_tuple(TextsOf(points.Names), RowsOf(points.Coordinates),
+                          points.Sigmas.empty() ? py::object(py::none()) : RowsOf(points.Sigmas));
 }
 
-py::tuple PointsOfFile(const std::string& path, const Wish& wish) {
-    if (import::TableEncoding encoding{};
-        !wish.Encoding.empty() && !import::TableEncodingByName(wish.Encoding, encoding))
-        throw InvalidInput("encoding: utf-8, utf-16le, utf-16be or windows-1252 was expected, and \"" +
-                           wish.Encoding + "\" came");
-    if (!wish.Unit.empty() && import::TableUnitByWord(wish.Unit) == nullptr)
-        throw InvalidInput("unit: mm, cm, m, km, in or ft was expected, and \"" + wish.Unit + "\" came");
-    ReadPoints read;
+// Code, text and line of each.
+py::list NotesOf(const std::vector<FileNote>& notes) {
+    py::list told;
+    for (const FileNote& note : notes) told.append(py::make_tuple(note.Code, TextOf(note.Text), note.Line));
+    return told;
+}
+
+py::tuple PointsOfFile(const std::string& path, PointFileOptions options) {
+    PointFile read;
     Interruption interruption;
+    options.StopIsWanted = [&interruption] { return interruption.Wanted(); };
     try {
         const py::gil_scoped_release others;
-        const import::CloudKind kind = import::KindOfFile(path);
-        read = import::IsCarrier(kind) ? ReadCarrier(path, kind, wish, interruption)
-                                       : ReadTextTable(path, wish, interruption);
-    } catch (const core::PlatformError& error) {
-        throw InvalidInput(error.What);
-    } catch (const Interrupted&) {
+        read = ReadPoints(path, options);
+    } catch (const Stopped&) {
+        if (!interruption.Came) throw;
         throw py::error_already_set();
     }
-    return py::make_tuple(NamesOf(read.Points), CoordinatesOf(read.Points), SigmasOf(read.Sigmas),
-                          NotesOf(read.Notes), read.Format, read.Unit);
+    const py::tuple points = PointsOf(read.Points);
+    return py::make_tuple(points[0], points[1], points[2], NotesOf(read.Notes), read.Format, read.Unit);
 }
 
 py::dict JobOfFile(const std::string& path) {
-    core::JobFileContent content;
-    try {
-        const core::FileBytes bytes = core::ReadFile(path);
-        content = core::ReadJobBytes(bytes.View(), path);
-    } catch (const core::PlatformError& error) {
-        throw InvalidInput(error.What);
+    JobFile job;
+    {
+        const py::gil_scoped_release others;
+        job = ReadJob(path);
     }
-    if (!content.HeadKnown) throw InvalidInput("\"" + path + "\" does not begin like a job file");
-    if (!content.BlockFault.empty()) throw InvalidInput(content.BlockFault);
-    const core::JobRecord& job = content.Job;
     py::dict told;
-    const auto points = [](const PointSet& set, const std::optional<core::SideAccuracy>& ofAll,
-                           const core::SharedAccuracies& ofEach) {
-        core::PointAccuracies sigmas = ofEach != nullptr ? *ofEach : core::PointAccuracies{};
-        if (ofEach == nullptr && ofAll)
-            for (std::size_t axis = 0; axis < 3; ++axis)
-                sigmas.Of[axis].assign(static_cast<std::size_t>(set.Count()), (*ofAll)[axis]);
-        return py::make_tuple(NamesOf(set), CoordinatesOf(set), SigmasOf(sigmas));
-    };
-    const core::MeasurementSigmas sigmas = core::SigmasOf(job);
-    told["measured"] = points(job.Start, sigmas.Start, sigmas.StartOfEach);
-    told["nominal"] = points(job.Target, sigmas.Target, sigmas.TargetOfEach);
-    told["pairs"] = job.Pairs();
-    py::array_t<bool> use({py::ssize_t{job.Pairs()}, py::ssize_t{3}});
-    for (std::size_t i = 0; i < static_cast<std::size_t>(use.size()); ++i)
-        use.mutable_data()[i] = i + 1 >= job.UseFlags.size() || job.UseFlags[i + 1] == 1;
+    told["measured"] = PointsOf(job.Start);
+    told["nominal"] = PointsOf(job.Target);
+    told["pairs"] = job.Pairs;
+    py::array_t<bool> use({static_cast<py::ssize_t>(job.Pairs), py::ssize_t{3}});
+    for (std::size_t i = 0; i < job.InUse.size(); ++i) use.mutable_data()[i] = job.InUse[i] != 0;
     told["use"] = use;
-    told["direction"] = core::IsTrue(job.DirectionMCStoOCS) ? "mcs-ocs" : "ocs-mcs";
-    told["length_unit"] = TextOf(job.LengthUnitName);
-    told["angle_unit"] = TextOf(job.AngleUnitName);
-    told["names"] = py::make_tuple(TextOf(job.NameMCS), TextOf(job.NameOCS));
-    told["paths"] = py::make_tuple(TextOf(job.PathMCS), TextOf(job.PathOCS));
-    told["converged"] = !core::IsTrue(job.Unconverged);
-    // Without a result the fields of the parameters are empty.
+    told["direction"] = job.McsToOcs ? "mcs-ocs" : "ocs-mcs";
+    told["length_unit"] = TextOf(job.LengthUnit);
+    told["angle_unit"] = TextOf(job.AngleUnit);
+    told["names"] = py::make_tuple(TextOf(job.StartName), TextOf(job.TargetName));
+    told["paths"] = py::make_tuple(TextOf(job.StartPath), TextOf(job.TargetPath));
+    told["converged"] = job.Converged;
     told["matrix"] = py::none();
-    if (!job.ParamText[1].empty()) {
-        const corvinade::Matrix4 matrix = corvinade::MatrixOf({{job.TraX, job.TraY, job.TraZ},
-                                                               {job.RotX, job.RotY, job.RotZ},
-                                                               {job.ScaleX, job.ScaleY, job.ScaleZ},
-                                                               {job.AngleXY, job.Azimuth, job.AngleZtoXY}});
+    if (job.Result) {
+        const Matrix4 matrix = MatrixOf(*job.Result);
         py::array_t<double> rows({4, 4});
         std::copy(matrix.begin(), matrix.end(), rows.mutable_data());
         told["matrix"] = rows;
     }
     py::list parameters;
-    for (std::size_t k = 1; k <= fit::kAngleZtoXY; ++k) parameters.append(TextOf(job.ParamText[k]));
+    for (const std::string& text : job.ParameterTexts) parameters.append(TextOf(text));
     told["parameters"] = parameters;
-    told["notes"] = NotesOf(content.Noticed);
-    py::list said;
-    for (const std::string& text : content.Said) said.append(TextOf(text));
-    told["said"] = said;
+    py::list states;
+    py::dict held;
+    for (std::size_t k = 0; k < kParameters; ++k) {
+        const ParameterState state = job.Fit.Parameters.State[k];
+        states.append(state == ParameterState::Floats ? "floats"
+                      : state == ParameterState::Held ? "held"
+                                                      : "unused");
+        if (state == ParameterState::Held)
+            held[NameOf(static_cast<Parameter>(k))] = job.Fit.Parameters.Value[k];
+    }
+    told["states"] = states;
+    told["held"] = held;
+    told["norm"] = job.Fit.Which == Norm::L1 ? "l1" : job.Fit.Which == Norm::Loo ? "loo" : "l2";
+    told["seed"] = job.Fit.SeedPairs;
+    told["refusal"] = TextOf(job.Fit.Refusal);
+    told["notes"] = NotesOf(job.Notes);
+    told["said"] = TextsOf(job.Said);
     return told;
+}
+
+py::tuple PosesOfProgram(const std::string& path, const std::string& form) {
+    RobotPoses read;
+    {
+        const py::gil_scoped_release others;
+        read = ReadProgram(path, form);
+    }
+    py::list names;
+    py::array_t<double> frames({static_cast<py::ssize_t>(read.Poses.size()), py::ssize_t{4}, py::ssize_t{4}});
+    double* to = frames.mutable_data();
+    for (const RobotPose& pose : read.Poses) {
+        names.append(TextOf(pose.Name));
+        to = std::copy(pose.Frame.begin(), pose.Frame.end(), to);
+    }
+    return py::make_tuple(names, frames, NotesOf(read.Notes));
+}
+
+py::list MovedProgram(const std::string& from, const std::string& to, const std::string& form,
+                      const py::array_t<double, py::array::c_style>& matrix) {
+    Matrix4 move;
+    if (matrix.size() != static_cast<py::ssize_t>(move.size()))
+        throw py::value_error("a matrix of shape (4, 4) was expected");
+    std::copy_n(matrix.data(), move.size(), move.begin());
+    std::vector<FileNote> notes;
+    {
+        const py::gil_scoped_release others;
+        notes = TransformProgram(from, to, form, move);
+    }
+    return NotesOf(notes);
 }
 
 // The place of the partner of each measured point, from 0; -1 where it has none.
@@ -240,12 +171,23 @@ py::array_t<std::int64_t> PairedByCoordinates(const py::array_t<double, py::arra
 }  // namespace
 
 void AddReading(py::module_& module) {
-    module.def("read_points", [](const std::string& path, const std::string& columns, const std::string& unit,
-                                 const std::string& delimiter, const std::string& decimal,
-                                 const std::string& encoding, const std::optional<std::string>& comment,
-                                 std::int64_t skip, bool skipBad) {
-        return PointsOfFile(path, {columns, unit, delimiter, decimal, encoding, comment, skip, skipBad});
-    });
+    module.def("read_points",
+               [](const std::string& path, const std::string& columns, const std::string& unit,
+                  const std::string& delimiter, const std::string& decimal, const std::string& encoding,
+                  const std::optional<std::string>& comment, std::size_t skip, bool skipBad) {
+                   PointFileOptions options;
+                   options.Columns = columns;
+                   options.Unit = unit;
+                   options.Delimiter = delimiter.empty() ? '\0' : delimiter.front();
+                   options.Decimal = decimal.empty() ? '\0' : decimal.front();
+                   options.Encoding = encoding;
+                   options.Comment = comment;
+                   options.Skip = skip;
+                   options.SkipBad = skipBad;
+                   return PointsOfFile(path, std::move(options));
+               });
     module.def("read_job", &JobOfFile);
+    module.def("read_program", &PosesOfProgram);
+    module.def("transform_program", &MovedProgram);
     module.def("pair_by_coordinates", &PairedByCoordinates);
 }

@@ -1,48 +1,30 @@
 // The marks of a robot cell: two files of points, paired by name, one mark left out that has been knocked.
 #include <corvinade/fit.h>
+#include <corvinade/point_file.h>
 
-#include <array>
+#include <cstddef>
 #include <cstdio>
-#include <fstream>
 #include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
-namespace {
-
-using Marks = std::map<std::string, std::array<double, 3>>;
-
-// "name;x;y;z" a line.
-Marks Read(const char* path) {
-    Marks marks;
-    std::ifstream file(path);
-    for (std::string line; std::getline(file, line);) {
-        for (char& c : line)
-            if (c == ';') c = ' ';
-        std::istringstream fields(line);
-        std::string name;
-        std::array<double, 3> at{};
-        if (fields >> name >> at[0] >> at[1] >> at[2]) marks[name] = at;
-    }
-    return marks;
-}
-
-}  // namespace
-
 int main(int count, char** arguments) {
     if (count != 3) return 2;
-    Marks measured = Read(arguments[1]);
-    const Marks nominal = Read(arguments[2]);
-    measured.erase("F09");
-    std::vector<double> start, target;
-    for (const auto& [name, at] : measured) {
-        const auto partner = nominal.find(name);
-        if (partner == nominal.end()) continue;
-        start.insert(start.end(), at.begin(), at.end());
-        target.insert(target.end(), partner->second.begin(), partner->second.end());
-    }
     try {
+        const corvinade::NamedPoints measured = corvinade::ReadPoints(arguments[1]).Points;
+        const corvinade::NamedPoints nominal = corvinade::ReadPoints(arguments[2]).Points;
+        std::map<std::string, std::size_t> marks;
+        for (std::size_t i = 0; i < measured.Names.size(); ++i) marks[measured.Names[i]] = i;
+        marks.erase("F09");
+        std::vector<double> start, target;
+        for (std::size_t i = 0; i < nominal.Names.size(); ++i) {
+            const auto partner = marks.find(nominal.Names[i]);
+            if (partner == marks.end()) continue;
+            const double* const from = &measured.Coordinates[3 * partner->second];
+            const double* const to = &nominal.Coordinates[3 * i];
+            start.insert(start.end(), from, from + 3);
+            target.insert(target.end(), to, to + 3);
+        }
         const corvinade::FitResult result =
             corvinade::Fit(corvinade::Points(start), corvinade::Points(target));
         std::printf("%.3f %.3f %.3f\n", result.Values[0], result.Values[1], result.Values[2]);

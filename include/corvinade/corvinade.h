@@ -69,6 +69,34 @@ CORVINADE_API size_t corvinade_result_note_count(const corvinade_result* result)
 CORVINADE_API const char* corvinade_result_note_code(const corvinade_result* result, size_t index);
 CORVINADE_API const char* corvinade_result_note_text(const corvinade_result* result, size_t index);
 
+/* The sums that a fit by least squares needs, taken piece by piece: of more pairs than memory holds, or of
+   pairs on many machines. In whatever order these are added and merged, the sums are the same bit by bit.
+   Null: no memory. One may be read by many threads, and changed by one at a time. */
+typedef struct corvinade_moments corvinade_moments;
+CORVINADE_API corvinade_moments* corvinade_moments_new(void);
+CORVINADE_API void corvinade_moments_free(corvinade_moments* moments);
+/* Takes in `pairs` rows of x y z each, all of them or, where it fails, none. */
+CORVINADE_API corvinade_status corvinade_moments_add(corvinade_moments* moments, const double* start,
+                                                     const double* target, size_t pairs,
+                                                     corvinade_error* error);
+/* Takes in all that another one has, which stays as it is. */
+CORVINADE_API corvinade_status corvinade_moments_merge(corvinade_moments* moments,
+                                                       const corvinade_moments* other,
+                                                       corvinade_error* error);
+CORVINADE_API unsigned long long corvinade_moments_count(const corvinade_moments* moments);
+/* All of it as bytes that any machine reads, 1 or 2 kB: *size gets their number. They are written to `bytes`
+   where `room` is enough for them; null and 0 ask for the number alone. */
+CORVINADE_API corvinade_status corvinade_moments_bytes(const corvinade_moments* moments, unsigned char* bytes,
+                                                       size_t room, size_t* size, corvinade_error* error);
+/* *moments is set where the status is CORVINADE_OK alone, and has to be freed. */
+CORVINADE_API corvinade_status corvinade_moments_from_bytes(const unsigned char* bytes, size_t size,
+                                                            corvinade_moments** moments,
+                                                            corvinade_error* error);
+/* As corvinade_fit, of all pairs: the result has no residuals, whose pointer says nothing then. */
+CORVINADE_API corvinade_status corvinade_fit_moments(const corvinade_moments* moments,
+                                                     const corvinade_options* options,
+                                                     corvinade_result** result, corvinade_error* error);
+
 #ifdef __cplusplus
 }
 #endif

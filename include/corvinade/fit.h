@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "corvinade/error.h"
+#include "corvinade/points.h"
 #include "corvinade/transformation.h"
 
 namespace corvinade {
@@ -68,20 +69,6 @@ enum class Norm {
 // "l2", "l1", "loo", "l1-exact", "minimax". Throws InvalidInput for another name.
 CORVINADE_API Norm NormByName(std::string_view name);
 
-// Points in memory that is the caller's: coordinate k (0 to 2) of point i is Data[i * PointStep + k *
-// AxisStep]. Rows x y z without gaps have steps 3 and 1. They are read while a fit runs and not kept.
-struct Points {
-    const double* Data = nullptr;
-    std::size_t Count = 0;
-    std::ptrdiff_t PointStep = 3, AxisStep = 1;
-
-    Points() = default;
-    Points(const double* data, std::size_t count, std::ptrdiff_t pointStep = 3, std::ptrdiff_t axisStep = 1)
-        : Data(data), Count(count), PointStep(pointStep), AxisStep(axisStep) {}
-    // Rows x y z. Throws InvalidInput where the length is no multiple of three.
-    CORVINADE_API explicit Points(std::span<const double> rows);
-};
-
 struct FitOptions {
     ParameterChoice Parameters = ChoiceByName("6");
     Norm Which = Norm::L2;
@@ -95,12 +82,6 @@ struct FitOptions {
     // Asked now and then, from the thread that fits: true ends the fit, which then throws Stopped. It may
     // throw itself, and the fit ends with that.
     std::function<bool()> StopIsWanted;
-};
-
-// Thrown by Fit where FitOptions::StopIsWanted has said so.
-class CORVINADE_API Stopped : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
 };
 
 // What a fit has decided on its own, or leaves to be said. The command line tells these and, of the points

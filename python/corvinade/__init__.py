@@ -29,12 +29,12 @@ except ImportError as error:
                       f"it is missing or damaged: {error}") from error
 from ._moments import Moments
 from ._points import Points, doubles, paired, points_of
-from ._reading import Job, Match, match, read_job, read_points
+from ._reading import Job, Match, Program, match, read_job, read_points, read_program
 from ._result import Note, Parameter, Result, Statistics, Transformation
 from ._rotation import Rotation
 
-__all__ = ["fit", "match", "read_job", "read_points", "EXPORT_FORMS", "InvalidInput", "Job", "Match", "Moments", "Note",
-           "PARAMETERS", "Parameter", "Points", "Result", "Rotation", "Statistics", "Transformation", "__version__"]
+__all__ = ["fit", "match", "read_job", "read_points", "read_program", "EXPORT_FORMS", "InvalidInput", "Job", "Match", "Moments", "Note",
+           "PARAMETERS", "Parameter", "Points", "Program", "Result", "Rotation", "Statistics", "Transformation", "__version__"]
 
 _NO_DOUBLES = np.empty(0)
 _NO_FLAGS = np.empty(0, dtype=np.uint8)
@@ -50,7 +50,8 @@ def fit(measured: Any, nominal: Any = None, parameters: str = "7", names: Option
         x, y, z (or three) have the names of their points in the index, and so have `Points` and the files that paths
         lead to (`read_points`): two of them are paired by name, in the order of the measured ones, and what has no
         partner is told in `notes` and `unpaired`. What a file says of standard deviations counts where no sigma is given.
-        `Moments` stand in the place of both.
+        `Moments` stand in the place of both, and so does a `Job`, whose fit it is then: its pairs, parameters, norm, seeds
+        and standard deviations, with the bits of ``corvinade-cli fit --job``.
     parameters: "level" (shifts, turn about z), "6" (rigid), "7" (one scale), "9" (a scale an axis), "12" (affine).
     names: of the pairs, n of them.
     sigma, nominal_sigma: a-priori standard deviations, mm: of all, of shape (3,) or of shape (n, 3). With the norms
@@ -63,6 +64,15 @@ def fit(measured: Any, nominal: Any = None, parameters: str = "7", names: Option
     Other threads run meanwhile, and Ctrl-C ends it. TypeError for what is no array of numbers; ValueError
     (InvalidInput) for wrong shapes and lengths, NaN, no points, fewer observations than unknowns, other names.
     """
+    if isinstance(measured, Job):
+        given = [name for name, value in {"nominal": nominal, "names": names, "sigma": sigma, "hold": hold, "use": use,
+                                          "nominal_sigma": nominal_sigma}.items() if value is not None]
+        given += [name for name, is_other in (("parameters", parameters != "7"), ("norm", norm != "l2"),
+                                              ("seed", tuple(seed) != (0, 1, 2))) if is_other]
+        if given:
+            raise ValueError(f"a job says itself how it is fitted: {', '.join(given)} does not go with it; "
+                             "fit(*job.paired(), use=job.use, ...) takes its pairs alone")
+        return _fit_of_job(measured, max_iterations)
     if isinstance(measured, Moments):
         others = {"nominal": nominal, "names": names, "sigma": sigma, "use": use, "nominal_sigma": nominal_sigma}
         given = [name for name, value in others.items() if value is not None]
@@ -109,6 +119,22 @@ def fit(measured: Any, nominal: Any = None, parameters: str = "7", names: Option
                   _NO_DOUBLES if nominal_sigma is None else _sigmas(nominal_sigma, count, "nominal_sigma"),
                   seed, max_iterations)
     return Result(fitted, pair_names, norm, unpaired, notes)
+
+
+def _fit_of_job(job: Job, max_iterations: int) -> Result:
+    if job.refusal:
+        raise InvalidInput(f"this job has a fit that the library has not: {job.refusal}")
+    if job.pairs == 0:
+        raise InvalidInput("this job has no pairs")
+    start, target = job.paired()
+    # One for all points stands in every row of the job's points.
+    sigmas = [_NO_DOUBLES if side.sigma is None else side.sigma[0].copy() if (side.sigma == side.sigma[0]).all()
+              else np.ascontiguousarray(pairs.sigma)
+              for side, pairs in ((job.measured, start), (job.nominal, target))]
+    states = dict(zip(PARAMETERS, job._states))
+    fitted = _fit(start.coordinates, target.coordinates, states, job.hold, job.norm, _flags(job.use, job.pairs),
+                  *sigmas, job.seed, max_iterations)
+    return Result(fitted, start.names, job.norm, ([], []), job.notes)
 
 
 def _flags(use: Any, count: int) -> np.ndarray:

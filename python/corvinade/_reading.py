@@ -68,16 +68,20 @@ class Job:
     measured, nominal: `Points`, with the standard deviations that the job has of them. The first `pairs` of each are the
         pairs, in the order of their names.
     use: of shape (pairs, 3), bool: False takes no part in the fit.
-    transformation: the result that the job was saved with, from measured to nominal (from nominal to measured where
-        `direction` is "ocs-mcs"); None where it has none. converged: False where that is no best fit.
-    parameters: by name "float", "not used", or the text of the value that it is held at, in the job's units.
+    transformation: the result that the job was saved with, from measured to nominal; None where it has none. converged:
+        False where that is no best fit.
+    direction: "mcs-ocs"; "ocs-mcs" where the job's direction is switched, so that `measured`, which is what is
+        transformed, are the points of its second system.
+    parameters: by name "float", "not used", or the text of the value that it is held at, in the job's units; hold: by
+        name those values, mm, rad and factors; norm: "l2", "l1" or "loo"; seed: the pairs, from 0, of the start values.
+    refusal: "" where ``corvinade.fit(job)`` has the job's fit, else why not: one to distances, to a tool, to a shape.
     """
 
     __slots__ = ("path", "measured", "nominal", "pairs", "use", "transformation", "converged", "parameters",
-                 "direction", "length_unit", "angle_unit", "notes")
+                 "direction", "length_unit", "angle_unit", "notes", "norm", "hold", "seed", "refusal", "_states")
 
     def paired(self) -> tuple[Points, Points]:
-        """The pairs alone, so that ``corvinade.fit(*job.paired(), use=job.use)`` fits them."""
+        """The pairs alone, so that ``corvinade.fit(*job.paired(), use=job.use)`` fits them by other choices."""
         places = range(self.pairs)
         return self.measured._at(list(places)), self.nominal._at(list(places))
 
@@ -93,12 +97,58 @@ def read_job(path: Path) -> Job:
     told = _corvinade.read_job(job.path)
     job.measured, job.nominal = (Points(*told[side], path=file)
                                  for side, file in zip(("measured", "nominal"), told["paths"]))
-    for name in ("pairs", "use", "converged", "direction", "length_unit", "angle_unit"):
+    job.hold, job._states = told["held"], told["states"]
+    for name in ("pairs", "use", "converged", "direction", "length_unit", "angle_unit", "norm", "seed", "refusal"):
         setattr(job, name, told[name])
     job.transformation = None if told["matrix"] is None else Transformation(told["matrix"])
     job.parameters = dict(zip(_corvinade.PARAMETERS, told["parameters"]))
     job.notes = _notes(told["notes"], job.path) + [Note("job-version", text) for text in told["said"]]
     return job
+
+
+class Program:
+    """The poses of a robot program: `names`, n texts ("" where a pose has none), and `frames` of shape (n, 4, 4), the place,
+    mm, and the axes of each in the base; `path`, `form`, `notes`."""
+
+    __slots__ = ("path", "form", "names", "frames", "notes")
+
+    @property
+    def positions(self) -> np.ndarray:
+        """Of shape (n, 3), mm."""
+        return self.frames[:, :3, 3]
+
+    def transform(self, transformation: Any, to: Path) -> list[Note]:
+        """Writes the program once more as `to`, its poses carried by a rigid transformation, a `Result` or a matrix of shape
+        (4, 4); all else stays byte by byte, what poses say of the configuration of the arm among it. Gives what is to
+        be known of it. ValueError (InvalidInput) where the transformation has a scale, a shear or a mirror, or a number
+        has no room in its columns."""
+        target = os.fspath(to)
+        matrix = np.ascontiguousarray(getattr(transformation, "matrix", transformation), dtype=np.float64)
+        if matrix.shape != (4, 4):
+            raise ValueError(f"a matrix of shape (4, 4) was expected, and one of shape {matrix.shape} came")
+        return _notes(_corvinade.transform_program(_file(self.path), target, self.form, matrix), self.path)
+
+    def __len__(self) -> int:
+        return len(self.names)
+
+    def __repr__(self) -> str:
+        return f"Program({len(self)} poses of {self.path})"
+
+
+def read_program(path: Path, form: str) -> Program:
+    """The poses of a robot program: `form` is "kuka" (.dat), "fanuc" (.ls) or "abb" (.modx).
+
+    >>> import corvinade
+    >>> program = corvinade.read_program("examples/robot_tool.dat", "kuka")
+    >>> program.names[0], program.positions[0]
+    ('XTIP1', array([1180.25, -640.1 , 1015.4 ]))
+
+    OSError where the file cannot be opened; ValueError (InvalidInput) with file and line where it cannot be read."""
+    program = Program()
+    program.path, program.form = _file(path), form
+    program.names, program.frames, notes = _corvinade.read_program(program.path, form)
+    program.notes = _notes(notes, program.path)
+    return program
 
 
 class Match(NamedTuple):

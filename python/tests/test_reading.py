@@ -139,6 +139,54 @@ def test_a_job_holds_points_and_result_as_info_tells_them():
     assert job.converged and job.parameters["trax"] == "float"
 
 
+@pytest.mark.parametrize("options", [
+    "", "--parameters 9 --norm l1 --leave-out F09", "--norm loo", "--start-sigma 0.02,0.02,0.05 --target-sigma 0.01",
+    "--hold traz=0.1 --length-unit m"])
+def test_a_fit_of_a_job_is_that_of_the_command(tmp_path, options):
+    path = tmp_path / "cell.cvn"
+    subprocess.run([os.environ["CORVINADE_CLI"], "fit", MEASURED, NOMINAL, *options.split(), "--save", path],
+                   capture_output=True)
+    told = told_by_command("fit", "--job", path)
+    result = corvinade.fit(corvinade.read_job(path))
+    assert result.matrix.tolist() == told["transformation"]["matrix"]
+    assert result.statistics.s0 == told["quality"]["s0_mm"]
+    assert result.names == [point["name"] for point in told["points"] if point["residual_mm"] is not None]
+
+
+def test_a_job_says_itself_how_it_is_fitted_and_what_is_not_fitted_here(tmp_path):
+    job = corvinade.read_job(EXAMPLES / "robot_cell.cvn")
+    with pytest.raises(ValueError, match="parameters, norm does not go with it"):
+        corvinade.fit(job, parameters="6", norm="l1")
+    path = tmp_path / "cell.cvn"
+    subprocess.run([os.environ["CORVINADE_CLI"], "fit", MEASURED, NOMINAL, "--r-dist", "--save", path], capture_output=True)
+    with pytest.raises(corvinade.InvalidInput, match="fitted to distances"):
+        corvinade.fit(corvinade.read_job(path))
+
+
+def test_a_program_has_its_poses_and_goes_elsewhere(tmp_path):
+    from scipy.spatial.transform import Rotation
+
+    program = corvinade.read_program(EXAMPLES / "robot_tool.dat", "kuka")
+    assert len(program) == 10 and program.names[1] == "XTIP2" and program.notes == []
+    assert np.allclose(program.positions[1], [1394.6, 112.35, 842.15], rtol=0, atol=1e-9)
+    turn = Rotation.from_euler("ZYX", [4.725, 52.08, -164.915], degrees=True)
+    assert np.allclose(program.frames[1][:3, :3], turn.as_matrix(), rtol=0, atol=1e-12)
+    move = np.eye(4)
+    move[:3, :3] = Rotation.from_euler("xyz", [10, -20, 30], degrees=True).as_matrix()
+    move[:3, 3] = [1, 2, 3]
+    assert program.transform(corvinade.Transformation(move), tmp_path / "moved.dat") == []
+    moved = corvinade.read_program(tmp_path / "moved.dat", "kuka")
+    assert np.allclose(moved.frames, move @ program.frames, rtol=0, atol=1e-6)
+    with pytest.raises(corvinade.InvalidInput, match="turns and shifts alone"):
+        program.transform(np.diag([2, 2, 2, 1.0]), tmp_path / "moved.dat")
+    with pytest.raises(ValueError, match=r"shape \(3,\) came"):
+        program.transform([1, 2, 3], tmp_path / "moved.dat")
+    with pytest.raises(corvinade.InvalidInput, match="'karel'|\"karel\" came"):
+        corvinade.read_program(EXAMPLES / "robot_tool.dat", "karel")
+    with pytest.raises(FileNotFoundError):
+        corvinade.read_program(tmp_path / "none.dat", "kuka")
+
+
 def test_standard_deviations_of_a_job_come_with_its_points(tmp_path):
     path = tmp_path / "cell.cvn"
     told_by_command("fit", MEASURED, NOMINAL, "--start-sigma", "0.1,0.2,0.3", "--save", path)

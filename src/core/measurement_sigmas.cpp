@@ -27,7 +27,7 @@ SharedAccuracies KnownAccuracies(const std::string& text) {
         std::string Text;
         SharedAccuracies Read;
     };
-    static std::array<Known, 2> known;
+    thread_local std::array<Known, 2> known;  // users of the library read jobs in threads
     for (const Known& each : known)
         if (each.Text == text) return each.Read;
     std::swap(known[0], known[1]);

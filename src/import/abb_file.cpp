@@ -1,9 +1,11 @@
 // Modules with their poses in robot targets:
 // CONST robtarget p1:=[[600,-20.5,900],[0.7071068,0,0.7071068,0],[0,0,0,0],[9E9,9E9,9E9,9E9,9E9,9E9]];
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <set>
 #include <utility>
+#include <vector>
 
 #include "core/notes.h"
 #include "core/platform.h"
@@ -75,6 +77,37 @@ AbbLeft LeftOf(const std::vector<AbbTarget>& targets) {
     return {static_cast<std::int64_t>(targets.size()), targets.empty() ? 0 : targets.front().Row};
 }
 
+// Where the bytes of a target's text stand in the file, from `from` on: blanks, line ends and remarks may
+// stand between them. None where it does not stand there as it was put together.
+std::vector<std::size_t> PlacesOf(const AbbTarget& target, std::string_view file, std::size_t from) {
+    const auto passOver = [file](std::size_t at) {
+        while (at < file.size() && std::string_view(" \t\r\n!").find(file[at]) != std::string_view::npos)
+            at = file[at] == '!' ? std::min(file.find_first_of("\r\n", at), file.size()) : at + 1;
+        return at;
+    };
+    for (std::size_t begin = file.find('[', from); begin != std::string_view::npos;
+         begin = file.find('[', begin + 1)) {
+        std::vector<std::size_t> places;
+        std::size_t at = begin;
+        for (const char c : target.Text) {
+            if (c != ' ') at = passOver(at);
+            if (at >= file.size() || (c != ' ' && file[at] != c)) break;
+            places.push_back(at);
+            if (c != ' ') ++at;
+        }
+        if (places.size() == target.Text.size()) return places;
+    }
+    return {};
+}
+
+std::size_t BeginOfRow(const RobotProgram& program, std::int64_t row) {
+    LineWalk lines(program.File);
+    std::string_view line;
+    while (lines.Next(line) && lines.Row < row) {
+    }
+    return static_cast<std::size_t>(line.data() - program.File.Text.data());
+}
+
 void ReadByDeclarations(const TargetFile& file) {
     RobotProgram program(file);
     const AbbTargets found = FindTargets(program);
@@ -84,10 +117,18 @@ void ReadByDeclarations(const TargetFile& file) {
     NamesSeen names;
     {
         PoseTable poses(program, n, kRadians);
+        std::size_t behind = 0;  // the target before
         for (const AbbTarget& target : found.FirstBlock) {
             // What there is to say of it names the line in which it begins.
             program.Line = target.Text;
             program.Lines.Row = target.Row;
+            if (program.Places != nullptr) {
+                const std::size_t from = std::max(BeginOfRow(program, target.Row), behind);
+                program.LinePlaces = PlacesOf(target, program.File.Text, from);
+                if (program.LinePlaces.empty())
+                    FailAtLine(program, "the pose cannot be found again where it stands");
+                behind = program.LinePlaces.back();
+            }
             names.Add(UpperAscii(target.Name), target.Name, target.Row);
             TakePose(program, poses, fromMatrix);
             poses.CalledInProgram(target.Name);

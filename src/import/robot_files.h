@@ -17,12 +17,27 @@
 
 namespace corvinade::import {
 
+// A number of a pose in the bytes of its file.
+struct NumberPlace {
+    std::size_t At = 0, Size = 0;
+    double Value = 0;  // in the units of the file
+};
+// Where the numbers of the poses that are taken stand, pose by pose in the order in which they are read; for
+// whoever writes the program with others.
+struct PosePlaces {
+    std::string Text;  // of the file, behind a byte order mark
+    bool HasMark = false;
+    std::vector<std::vector<NumberPlace>> Poses;
+    std::vector<NumberPlace> Next;  // of the pose that is being read
+};
+
 // A target file and how it is read.
 struct TargetFile {
     std::string Path;
     // Programs are read by declarations, whatever the lines these stand in; else by the beginnings of lines.
     bool ByDeclarations = false;
     Reading How{};
+    PosePlaces* Places = nullptr;  // filled where they are wanted
 };
 
 using PoseReader = void (*)(const TargetFile& file);
@@ -64,16 +79,21 @@ struct InputKind {
     bool NumbersPoints = false;
     // The poses that are taken bear the numbers of their turn, so one that is not moves those behind it.
     bool ByTurn = false;
+    // Of programs that can be written with other poses: the letters before the numbers of a pose, for x, y, z
+    // and the turns about x, y and z; "" where x, y, z and a quaternion stand in their order; null = they
+    // cannot.
+    const char* Letters = nullptr;
+    bool InColumns = false;  // the numbers stand in columns, with three decimals
 };
 
 inline constexpr InputKind kInputKinds[] = {
     {TargetKind::Points, "Default - [Ptnr = optional], x, y z", "points", 0, &Run.IsDefault, nullptr},
     {TargetKind::Kuka, "Kuka Robot file (*.dat) A = Rz, B = Ry', C = Rx''", "kuka", 1, &Job.IsKuka,
-     EinlesenKUKAdatDatei, false, true},
+     EinlesenKUKAdatDatei, false, true, "XYZCBA"},
     {TargetKind::Abb, "ABB Robot file (*.modx) x y z q1 q2 q3 q4", "abb", 3, &Run.IsABBModx, EinlesenABB_MODX,
-     true, true},
+     true, true, ""},
     {TargetKind::Fanuc, "Fanuc Robot file (*.ls) W = Rx, P = Ry', R = Rz''", "fanuc", 2, &Run.IsFanuc,
-     EinlesenFanucDatei, false, true},
+     EinlesenFanucDatei, false, true, "XYZWPR", true},
     {TargetKind::Angles, "only coordinates and R-Angles x, y, z, A = Rz, B = Ry', C = Rx''", "xyzabc", 5,
      &Run.IsXYZABC, EinlesenXYZABC},
     {TargetKind::Quaternions, "only coordinates and quaternions x, y, z, q1, q2, q3, q4", "quaternion", 4,

@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
+#include <utility>
 
 #include "core/job.h"
 #include "core/lost_digits.h"
@@ -18,7 +20,9 @@
 namespace corvinade::import {
 
 RobotProgram::RobotProgram(const TargetFile& file)
-    : File(LoadPointText(file.Path)), Lines(File), Decimal(file.How.Decimal) {}
+    : File(LoadPointText(file.Path)), Lines(File), Decimal(file.How.Decimal), Places(file.Places) {
+    if (Places != nullptr) *Places = {.Text = std::string(File.Text), .HasMark = File.HasMark};
+}
 
 bool NextLine(RobotProgram& program) {
     std::string_view line;
@@ -48,6 +52,31 @@ std::size_t PlaceOf(const RobotProgram& program, std::string_view text, std::siz
     return place;
 }
 
+namespace {
+
+// A line that was decoded is not the file's own bytes: its numbers have no place.
+void KeepPlace(const RobotProgram& program, std::string_view number, double value) {
+    if (program.Places == nullptr) return;
+    while (number.starts_with(' ') || number.starts_with('\t')) number.remove_prefix(1);
+    while (number.ends_with(' ') || number.ends_with('\t')) number.remove_suffix(1);
+    if (number.empty()) return;
+    if (!program.LinePlaces.empty()) {
+        const auto first = static_cast<std::size_t>(number.data() - program.Line.data());
+        const std::size_t at = program.LinePlaces[first];
+        program.Places->Next.push_back({at, program.LinePlaces[first + number.size() - 1] + 1 - at, value});
+        return;
+    }
+    const std::string_view file = program.File.Text;
+    const std::less<> before;
+    if (before(number.data(), file.data()) ||
+        before(file.data() + file.size(), number.data() + number.size()))
+        return;
+    program.Places->Next.push_back(
+        {static_cast<std::size_t>(number.data() - file.data()), number.size(), value});
+}
+
+}  // namespace
+
 double NumberBetween(const RobotProgram& program, std::size_t begin, std::size_t end) {
     if (begin >= end || end > program.Line.size())
         FailAtLine(program, "a number is missing in \"" + Printable(program.Line) + "\"");
@@ -57,6 +86,7 @@ double NumberBetween(const RobotProgram& program, std::size_t begin, std::size_t
         FailAtLine(program, "\"" + Printable(text) + "\" is not a number");
     if (const std::string lost = LostDigits(text); !lost.empty())
         AddNote(NoteCode::DigitsCut, lost, program.File.Path, static_cast<int>(program.Lines.Row));
+    KeepPlace(program, text, value);
     return value;
 }
 
@@ -124,6 +154,7 @@ void PoseTable::Take(const RobotProgram& program, const std::array<double, 3>& p
     }
     if (!finite) FailAtLine(program, "these numbers are no pose: \"" + Printable(program.Line) + "\"");
     ++taken_;
+    if (program.Places != nullptr) program.Places->Poses.push_back(std::exchange(program.Places->Next, {}));
     points_.Name[taken_] = std::move(name);
     points_.SetPoint(static_cast<int>(taken_), mm[0], mm[1], mm[2]);
     for (std::size_t k = 0; k < 3; ++k) {

@@ -27,6 +27,9 @@ struct RobotProgram {
     std::string_view Line;
     std::string Decoded;  // what Line points into where the file is not plain ASCII
     char Decimal;         // of its numbers, beside the point
+    PosePlaces* Places;   // null where nobody wants them
+    // Of each byte of Line in the file, where Line is none of its lines and places are wanted.
+    std::vector<std::size_t> LinePlaces{};
 
     // Throws PlatformError as LoadPointText does.
     explicit RobotProgram(const TargetFile& file);

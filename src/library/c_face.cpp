@@ -5,6 +5,7 @@
 
 #include "corvinade/corvinade.h"
 #include "corvinade/fit.h"
+#include "corvinade/moments.h"
 
 struct corvinade_options {
     corvinade::FitOptions Options;
@@ -12,6 +13,9 @@ struct corvinade_options {
 };
 struct corvinade_result {
     corvinade::FitResult Result;
+};
+struct corvinade_moments {
+    corvinade::Moments Of;
 };
 
 namespace {
@@ -143,4 +147,74 @@ const char* corvinade_result_note_code(const corvinade_result* result, size_t in
 const char* corvinade_result_note_text(const corvinade_result* result, size_t index) {
     const auto& notes = result->Result.Notes;
     return index < notes.size() ? notes[index].Text.c_str() : nullptr;
+}
+
+corvinade_moments* corvinade_moments_new(void) {
+    try {
+        return new corvinade_moments;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+void corvinade_moments_free(corvinade_moments* moments) {
+    delete moments;
+}
+
+corvinade_status corvinade_moments_add(corvinade_moments* moments, const double* start, const double* target,
+                                       size_t pairs, corvinade_error* error) {
+    return Guarded(error, [&] {
+        Expect(moments, "moments");
+        moments->Of.Add({start, pairs}, {target, pairs});
+    });
+}
+
+corvinade_status corvinade_moments_merge(corvinade_moments* moments, const corvinade_moments* other,
+                                         corvinade_error* error) {
+    return Guarded(error, [&] {
+        Expect(moments, "moments");
+        Expect(other, "moments");
+        moments->Of.Merge(other->Of);
+    });
+}
+
+unsigned long long corvinade_moments_count(const corvinade_moments* moments) {
+    return moments->Of.Count();
+}
+
+corvinade_status corvinade_moments_bytes(const corvinade_moments* moments, unsigned char* bytes, size_t room,
+                                         size_t* size, corvinade_error* error) {
+    return Guarded(error, [&] {
+        Expect(moments, "moments");
+        Expect(size, "a place for the number of bytes");
+        const std::vector<unsigned char> all = moments->Of.Bytes();
+        *size = all.size();
+        if (bytes == nullptr && room == 0) return;
+        Expect(bytes, "room for the bytes");
+        if (room < all.size())
+            throw InvalidInput("room for " + std::to_string(all.size()) +
+                               " bytes was expected, and room for " + std::to_string(room) + " came");
+        std::copy(all.begin(), all.end(), bytes);
+    });
+}
+
+corvinade_status corvinade_moments_from_bytes(const unsigned char* bytes, size_t size,
+                                              corvinade_moments** moments, corvinade_error* error) {
+    return Guarded(error, [&] {
+        Expect(moments, "a place for the moments");
+        *moments = nullptr;
+        Expect(bytes, "bytes");
+        *moments = new corvinade_moments{corvinade::Moments::FromBytes({bytes, size})};
+    });
+}
+
+corvinade_status corvinade_fit_moments(const corvinade_moments* moments, const corvinade_options* options,
+                                       corvinade_result** result, corvinade_error* error) {
+    return Guarded(error, [&] {
+        Expect(result, "a place for the result");
+        *result = nullptr;
+        Expect(moments, "moments");
+        *result = new corvinade_result{
+            corvinade::Fit(moments->Of, options != nullptr ? options->Options : corvinade::FitOptions())};
+    });
 }

@@ -9,6 +9,8 @@
 #include <random>
 #include <thread>
 
+#include "corvinade/corvinade.h"
+
 using namespace corvinade;
 
 namespace {
@@ -239,3 +241,43 @@ TEST(MomentsTest, AreOfUseAfterTheyWereMovedFrom) {
 }
 
 }  // namespace
+
+TEST(MomentsForC, AreAddedMergedCarriedAndFittedAsThoseOfTheOtherFace) {
+    const Cloud cloud(100, 0.05, kHere, 11, kTruth);
+    corvinade_error error{};
+    corvinade_moments *one = corvinade_moments_new(), *two = corvinade_moments_new(), *again = nullptr;
+    ASSERT_EQ(corvinade_moments_add(one, cloud.Start.data(), cloud.Target.data(), 40, &error), CORVINADE_OK);
+    ASSERT_EQ(corvinade_moments_add(two, &cloud.Start[120], &cloud.Target[120], 60, &error), CORVINADE_OK);
+    ASSERT_EQ(corvinade_moments_merge(one, two, &error), CORVINADE_OK) << error.text;
+    EXPECT_EQ(corvinade_moments_count(one), 100U);
+    std::size_t size = 0;
+    ASSERT_EQ(corvinade_moments_bytes(one, nullptr, 0, &size, &error), CORVINADE_OK) << error.text;
+    std::vector<unsigned char> bytes(size);
+    EXPECT_EQ(corvinade_moments_bytes(one, bytes.data(), size - 1, &size, &error), CORVINADE_INVALID_INPUT);
+    EXPECT_NE(std::string(error.text).find("room for " + std::to_string(size - 1)), std::string::npos);
+    ASSERT_EQ(corvinade_moments_bytes(one, bytes.data(), size, &size, &error), CORVINADE_OK) << error.text;
+    EXPECT_EQ(bytes, cloud.Whole().Bytes());
+    ASSERT_EQ(corvinade_moments_from_bytes(bytes.data(), size, &again, &error), CORVINADE_OK) << error.text;
+    corvinade_result* result = nullptr;
+    ASSERT_EQ(corvinade_fit_moments(again, nullptr, &result, &error), CORVINADE_OK) << error.text;
+    const FitResult other = Fit(cloud.Whole());
+    for (std::size_t i = 0; i < 16; ++i) EXPECT_EQ(corvinade_result_matrix(result)[i], other.Matrix[i]);
+    EXPECT_EQ(corvinade_result_s0(result), other.S0);
+    corvinade_result_free(result);
+    corvinade_moments_free(again);
+
+    bytes[size / 2] ^= 1U;
+    EXPECT_EQ(corvinade_moments_from_bytes(bytes.data(), size, &again, &error), CORVINADE_INVALID_INPUT);
+    EXPECT_EQ(again, nullptr);
+    EXPECT_NE(std::string(error.text).find("damaged"), std::string::npos);
+    EXPECT_EQ(corvinade_moments_merge(one, nullptr, nullptr), CORVINADE_INVALID_INPUT);
+    EXPECT_EQ(corvinade_moments_add(one, nullptr, cloud.Target.data(), 1, nullptr), CORVINADE_INVALID_INPUT);
+    EXPECT_EQ(corvinade_moments_count(one), 100U);
+    corvinade_options* options = corvinade_options_new();
+    ASSERT_EQ(corvinade_set_norm(options, "l1", nullptr), CORVINADE_OK);
+    EXPECT_EQ(corvinade_fit_moments(one, options, &result, &error), CORVINADE_INVALID_INPUT);
+    EXPECT_NE(std::string(error.text).find("another norm"), std::string::npos);
+    corvinade_options_free(options);
+    corvinade_moments_free(one);
+    corvinade_moments_free(two);
+}

@@ -1,12 +1,14 @@
-// What the readers want from outside, as a module has it: nobody to ask, no windows, numbers with a point.
+// What the readers want from outside, as a library has it: nobody to ask, no windows, numbers with a point.
 // Ahead of the rooms of the program, whose names are seen from everywhere.
 #include "corvinade/fit.h"
 //
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/changes.h"
 #include "core/controller.h"
+#include "core/job.h"
 #include "core/platform.h"
 #include "core/records.h"
 #include "import/long_import.h"
@@ -42,6 +44,11 @@ namespace corvinade::import {
 
 bool ImportGoesOn(double) {
     return true;
+}
+
+void ReplaceTarget(core::PointSet points) {
+    core::Job.SetPairs(0);
+    core::Job.Target = std::move(points);
 }
 
 }  // namespace corvinade::import
