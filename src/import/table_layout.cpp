@@ -137,11 +137,14 @@ private:
             headingRow_ = row;
             trial_.UnknownHeading = 0;
         } else {
+            const bool halfBefore = half_;
             half_ = half_ || heading.Axes > 0 || heading.Mentions;
             if (!hasBad_ && row.Cells.size() >= 3 && HasNumber(row)) {
                 hasBad_ = true;
                 bad_ = row;
                 badPlace_ = place;
+                headingBeforeBad_ = trial_.UnknownHeading;
+                halfBeforeBad_ = halfBefore;
             }
             // A count of points or a title is none of the columns.
             if (row.Cells.size() >= 3) trial_.UnknownHeading = row.Number;
@@ -251,7 +254,12 @@ private:
         if (bad_.Cells.size() == 3 && IsNumber(bad_, 0, form_.Decimal))
             form_.Columns.erase(form_.Columns.begin());
         Begin(bad_, badPlace_);
-        if (trial_.UnknownHeading == bad_.Number) trial_.UnknownHeading = 0;  // it is the row itself
+        trial_.UnknownHeading = headingBeforeBad_;  // what follows it are rows
+        if (halfBeforeBad_ && headingBeforeBad_ != 0) {
+            trial_.Wrong =
+                "the heading does not name all of x, y and z (--columns says what the columns are)";
+            trial_.WrongLine = headingBeforeBad_;
+        }
         return true;
     }
 
@@ -264,6 +272,8 @@ private:
     std::int64_t commentLine_ = 0, headingLine_ = 0;
     int leading_ = 0;
     bool headed_ = false, unitsRead_ = false, half_ = false, hasBad_ = false, hasGivenHeading_ = false;
+    std::int64_t headingBeforeBad_ = 0;
+    bool halfBeforeBad_ = false;
     TableHeading heading_;
     TableRow headingRow_, bad_, givenHeading_;
     std::size_t badPlace_ = 0;

@@ -122,6 +122,8 @@ const Kind kRefused[] = {
      "line 1: the heading names s 2 times (--columns says which one it is)"},
     {"a heading without z", "id,x,y\n1,5.5,6.5\n",
      "line 1: the heading does not name all of x, y and z (--columns says what the columns are)"},
+    {"a heading without z over names", "Name,X,Y\nA,0,0\nB,1000,0\nC,0,1000\n",
+     "line 1: the heading does not name all of x, y and z (--columns says what the columns are)"},
     {"nominal and actual", "name;x nom;y nom;z nom;x act;y act;z act\nA;1;2;3;1;2;3\n",
      "line 1: the heading does not name all of x, y and z (--columns says what the columns are)"},
     {"units that differ", "name;x [m];y [mm];z [m]\nA;1;2;3\n",
