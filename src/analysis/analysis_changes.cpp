@@ -25,6 +25,7 @@ void ShowInSheet(What changed) {
     const bool result = Share(changed, What::Result) && Main.MenuVievMainSheet.Checked;
     const bool restored = Share(changed, What::Restored) && IsTrue(Run.JobDataValid);
     if (result || restored || Share(changed, kSheetChanges)) FuellenHaupttabelle();
+    if (Share(changed, What::Use | What::Coordinates)) MainSheet_FilterAgain();
 }
 
 void ShowInDistances(What) {
@@ -62,17 +63,14 @@ void ShowStoredResult(What) {
     ShowInExport();
 }
 
-void FollowTable(What) {
-    MainSheet_ShowPoint(CalculationWindow_Point());
-}
-
-void FollowSheet(What) {
-    if (DesktopDefaults.PointsFollow) CalculationWindow_ShowPoint(MainSheet_Pair());
+void FollowChosenPoint(What changed) {
+    if (Share(changed, What::PointInTable)) MainSheet_ShowPoint(CalculationWindow_Point());
+    if (Share(changed, What::PointInSheet) && DesktopDefaults.PointsFollow)
+        CalculationWindow_ShowPoint(MainSheet_Pair());
 }
 
 constexpr ChangeRow kChanges[] = {
-    {kSheetChanges | What::Result | What::Restored, Turn::Sheet, ShowInSheet},
-    {What::Use | What::Coordinates, Turn::Sheet, [](What) { MainSheet_FilterAgain(); }},
+    {kSheetChanges | What::Result | What::Restored | What::Use, Turn::Sheet, ShowInSheet},
     {What::Pairs | What::Result, Turn::Distances, ShowInDistances},
     {kSheetChanges | What::Result | What::Restored, Turn::Reliability, ShowInReliability},
     {kStateOfJob | What::MorePoints | What::Coordinates | What::UnitsAndDigits, Turn::Forms, ShowInForms},
@@ -80,8 +78,7 @@ constexpr ChangeRow kChanges[] = {
      ShowInStatistic},
     {kStateOfJob | What::MorePoints | What::Coordinates | What::Use | What::Choice, Turn::HandedOn,
      ShowStoredResult},
-    {What::PointInTable, Turn::PointInSheet, FollowTable},
-    {What::PointInSheet, Turn::PointInSheet, FollowSheet},
+    {What::PointInTable | What::PointInSheet, Turn::PointInSheet, FollowChosenPoint},
 };
 
 }  // namespace

@@ -35,7 +35,7 @@ bool Has(const List& list, const std::string& name) {
     throw PlatformError{"\"" + path + "\", line " + std::to_string(line) + ": " + why};
 }
 
-struct Column {
+struct ListColumn {
     std::string Option;  // "--norm", "START", "NAME"
     bool Flag = false;
 };
@@ -119,7 +119,7 @@ private:
                                Printable(cell) + "\" is none of these");
                 columns_.push_back({option->get_name(), IsFlag(*option)});
             }
-            const auto same = [this](const Column& one) { return one.Option == columns_.back().Option; };
+            const auto same = [this](const ListColumn& one) { return one.Option == columns_.back().Option; };
             const CLI::Option* last = fit_.get_option_no_throw(columns_.back().Option);
             const bool several = last != nullptr && last->get_items_expected_max() > 1;
             if (!several && std::count_if(columns_.begin(), columns_.end(), same) > 1)
@@ -136,7 +136,7 @@ private:
         job.Line = static_cast<int>(line_);
         std::map<std::string, Words> given = toAll_, own;
         for (std::size_t i = 0; i < cells.size(); ++i) {
-            const Column& column = columns_[i];
+            const ListColumn& column = columns_[i];
             if (cells[i].empty()) continue;
             if (column.Option == "NAME") {
                 job.Name = cells[i];
@@ -194,7 +194,7 @@ private:
     const CLI::App& fit_;
     std::set<std::string> flags_;
     std::map<std::string, Words> toAll_;
-    std::vector<Column> columns_;
+    std::vector<ListColumn> columns_;
     std::map<std::string, std::int64_t> written_;
     std::int64_t line_ = 0;
     std::vector<BatchJob> jobs_;

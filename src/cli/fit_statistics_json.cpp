@@ -17,7 +17,7 @@ using nlohmann::ordered_json;
 
 namespace {
 
-std::size_t At(int i) {
+std::size_t PlaceOf(int i) {
     return static_cast<std::size_t>(i);
 }
 
@@ -28,7 +28,7 @@ ordered_json Number(double value) {
 // x, y, z of a pair from a column of three a pair.
 ordered_json Three(const Column& column, int pair) {
     ordered_json three = ordered_json::array();
-    for (int axis = 1; axis <= 3; ++axis) three.push_back(Number(column[At(3 * (pair - 1) + axis)]));
+    for (int axis = 1; axis <= 3; ++axis) three.push_back(Number(column[PlaceOf(3 * (pair - 1) + axis)]));
     return three;
 }
 
@@ -36,14 +36,14 @@ ordered_json Three(const Column& column, int pair) {
 std::vector<int> Floating(const FitModel& model) {
     std::vector<int> parameters;
     for (int k = kTraX; k < kParameterEnd; ++k)
-        if (model.UnknownOf[At(k)] != 0) parameters.push_back(k);
+        if (model.UnknownOf[PlaceOf(k)] != 0) parameters.push_back(k);
     return parameters;
 }
 
 ordered_json Parameters(const AdjustmentStatistics& s) {
     ordered_json list = ordered_json::array();
     for (const int k : Floating(s.Model)) {
-        const double sigma = s.Sigma(s.Model.UnknownOf[At(k)]);
+        const double sigma = s.Sigma(s.Model.UnknownOf[PlaceOf(k)]);
         ordered_json row = {
             {"name", HeldParameterName(k)}, {"unit", InternalUnitOf(KindOf(k))}, {"sigma", Number(sigma)}};
         if (s.APriori) row["sigmaPosterior"] = Number(sigma * s.s0);
@@ -99,7 +99,7 @@ ordered_json PointRow(const AdjustmentStatistics& s, int pair) {
     ordered_json outlier = ordered_json::array(), predicted = ordered_json::array(),
                  mdb = ordered_json::array();
     for (int axis = 1; axis <= 3; ++axis) {
-        const std::size_t index = At(3 * (pair - 1) + axis);
+        const std::size_t index = PlaceOf(3 * (pair - 1) + axis);
         const bool used = Used(pair, axis);
         const bool tested = std::isfinite(s.Standardized[index]) &&
                             std::isfinite(used ? s.CriticalValue : s.CriticalPredicted);
@@ -107,7 +107,7 @@ ordered_json PointRow(const AdjustmentStatistics& s, int pair) {
         predicted.push_back(!used);
         mdb.push_back(Number(s.Mdb(index)));
     }
-    return {{"name", Job.Start.Name[At(pair)]},
+    return {{"name", Job.Start.Name[PlaceOf(pair)]},
             {"redundancy", Three(s.Redundancies, pair)},
             {"standardized", Three(s.Standardized, pair)},
             {"mdb_mm", std::move(mdb)},
@@ -119,7 +119,7 @@ ordered_json AccuracyAt(const FitOptions& options, const AdjustmentStatistics& s
     ordered_json list = ordered_json::array();
     for (const std::array<double, 3>& place : options.AccuracyAt) {
         Vec3 start, image;
-        for (int axis = 1; axis <= 3; ++axis) start(axis) = place[At(axis - 1)] / Units.LengthFactor;
+        for (int axis = 1; axis <= 3; ++axis) start(axis) = place[PlaceOf(axis - 1)] / Units.LengthFactor;
         TransformPoint(start(1), start(2), start(3), image(1), image(2), image(3));
         ordered_json row = {{"start_mm", {start(1), start(2), start(3)}},
                             {"transformed_mm", {image(1), image(2), image(3)}}};
@@ -152,7 +152,7 @@ ordered_json Head(const FitOptions& options, const FitStatistics& statistics) {
     if (s.Singular) {
         ordered_json names = ordered_json::array();
         for (const int k : Floating(s.Model))
-            if (s.Undetermined[At(k)]) names.push_back(HeldParameterName(k));
+            if (s.Undetermined[PlaceOf(k)]) names.push_back(HeldParameterName(k));
         head["undetermined"] = std::move(names);
         for (const char* none :
              {"parameters", "covariance", "correlation", "globalTest", "points", "transformed"})
@@ -188,9 +188,9 @@ void WriteStatisticsJson(const FitOptions& options, const FitStatistics& statist
     const ordered_json head = Head(options, statistics);
     for (const auto& member : head.items()) WriteMember(object, member.key(), member.value());
     if (!s.Singular) {
-        WriteList(object, "points", 1, At(Job.Pairs()) + 1,
+        WriteList(object, "points", 1, PlaceOf(Job.Pairs()) + 1,
                   [&s](std::size_t i) { return PointRow(s, static_cast<int>(i)); });
-        WriteList(object, "transformed", 1, At(Job.Start.Count()) + 1, [&s](std::size_t i) {
+        WriteList(object, "transformed", 1, PlaceOf(Job.Start.Count()) + 1, [&s](std::size_t i) {
             ordered_json row = {{"name", Job.Start.Name[i]}};
             PutAccuracy(s, StartPoint(static_cast<int>(i)), row);
             return row;

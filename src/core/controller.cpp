@@ -148,19 +148,18 @@ void EnableCommands() {
         shown->Visible = graphics;
 }
 
-void ShowState(What) {
+void ShowState(What changed) {
     const std::array<Control*, 4> recent = {&Main.MenüDateiAlt1, &Main.MenüDateiAlt2, &Main.MenüDateiAlt3,
                                             &Main.MenüDateiAlt4};
     for (std::size_t i = 0; i < recent.size(); ++i)
         recent[i]->Text = "&" + std::to_string(i + 1) + " " + Run.LastFile[i + 1];
     Main.Window.Caption = TitleText(Run.JobFilePath);
     EnableCommands();
+    FollowOnStartPage(Share(changed, What::Points | What::OpenedJob));
 }
 
 constexpr ChangeRow kChanges[] = {
     {kStateOfJob, Turn::Commands, ShowState},
-    {kStateOfJob, Turn::Forms,
-     [](What changed) { FollowOnStartPage(Share(changed, What::Points | What::OpenedJob)); }},
 };
 
 }  // namespace

@@ -105,7 +105,7 @@ void TakeLastResult(What) {
         if (IsTrue(setting)) Grafik_Festlegen_Main();
 }
 
-void ShowPoint(What changed) {
+void CircleChosenPoint(What changed) {
     if (Share(changed, What::PointInTable))
         SetActivePoint(CalculationWindow_Point());
     else if (!DesktopDefaults.PointsFollow)
@@ -115,7 +115,7 @@ void ShowPoint(What changed) {
 }
 
 // The point of the main sheet's cursor, in the picture on top.
-void ShowFromNear(What) {
+void ShowFromNear() {
     ScreenWindow* window = Screens().Active;
     if (window == nullptr) return;
     SceneForWindow(*window);
@@ -123,6 +123,11 @@ void ShowFromNear(What) {
     const int filled = MainSheet_CursorRow();
     if (filled == 0 || MainSheetWindow.Cells.Counts != counts) return;
     ZoomToRow(*window, filled > Scene.Ident ? filled + Scene.Ident : filled);
+}
+
+void ShowPoint(What changed) {
+    if (Share(changed, What::PointInTable | What::PointInSheet)) CircleChosenPoint(changed);
+    if (Share(changed, What::PointToZoom)) ShowFromNear();
 }
 
 void CloseAll(What) {
@@ -145,8 +150,7 @@ constexpr ChangeRow kChanges[] = {
     {kPictureChanges | What::Result, Turn::Pictures, ShowPictures},
     {What::Use, Turn::Flags, ShowUse},
     {kStateOfJob, Turn::TopWindow, ShowTopWindow},
-    {What::PointInTable | What::PointInSheet, Turn::PointInPictures, ShowPoint},
-    {What::PointToZoom, Turn::PointInPictures, ShowFromNear},
+    {What::PointInTable | What::PointInSheet | What::PointToZoom, Turn::PointInPictures, ShowPoint},
     {What::NextResult, Turn::LastResult, TakeLastResult},
     {What::NoPictures, Turn::ClosedPictures, CloseAll},
     {What::ProgramEnd, Turn::PictureDefaults, StoreDefaults},

@@ -197,6 +197,15 @@ bool IsCertain(std::string_view text, const std::string& path, const TableOption
             "The comma of the numbers is taken as decimal delimiter, though all have three digits behind it, as "
             "commas of thousands have; --decimal says which (those of thousands have to be taken out)",
             form.FirstLine);
+    // Who prints three digits prints them behind every number.
+    if (form.Decimal == '.' && options.Decimal == '\0' && trial.Fractions && trial.ThousandsLike &&
+        trial.Wholes && form.Delimiter == ';')
+        warn(
+            NoteCode::DecimalTaken,
+            "The point of the numbers is taken as decimal delimiter, though all that have one have three digits "
+            "behind it beside whole numbers, as points of thousands have; --decimal says which (those of thousands "
+            "have to be taken out)",
+            form.FirstLine);
     return true;
 }
 

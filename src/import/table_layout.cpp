@@ -286,7 +286,10 @@ void Look(const TableRow& row, const TablePlaces& places, TableTrial& trial) {
     for (const TableRole role : {TableRole::X, TableRole::Y, TableRole::Z}) {
         const std::string_view cell = row.Cells[static_cast<std::size_t>(place(role))].Text;
         const std::size_t mark = cell.find(form.Decimal);
-        if (mark == std::string_view::npos) continue;
+        if (mark == std::string_view::npos) {
+            trial.Wholes = true;
+            continue;
+        }
         trial.Fractions = true;
         const std::string_view whole =
             cell.substr(cell.starts_with('-') || cell.starts_with('+') ? 1 : 0, mark);

@@ -39,6 +39,7 @@ struct TableTrial {
     std::int64_t UnknownHeading = 0;   // line of a heading that names nothing; 0 = there is none
     bool Fractions = false;            // some number shows the decimal delimiter
     bool ThousandsLike = true;         // all that do could have it between thousands: "1,234"
+    bool Wholes = false;               // some number does not
     bool NamesWithBlank = false;       // some name holds a blank
     bool NamesAreNumbers = true;       // every name is a number,
     bool NamesAreCoordinates = false;  // and one of them has a fraction or is below 0

@@ -219,6 +219,11 @@ TEST_F(TableReader, NotesWhatItDecides) {
     EXPECT_EQ(notes("A;1,125;2;3\nB;4;5,250;6\n"), "decimal-taken 1 1;");
     EXPECT_EQ(notes("A;1,125;2;3\nB;4;5,25;6\n"), "");
     EXPECT_EQ(notes("A;0,125;2;3\nB;4;5,250;6\n"), "") << "no number of thousands begins with 0";
+    EXPECT_EQ(notes("A;0;1.000;2\nB;12.500;6;500\n"), "decimal-taken 1 1;");
+    EXPECT_EQ(notes("A;0;1.000;2\nB;12.5;6;500\n"), "") << "no number of thousands has two digits behind";
+    EXPECT_EQ(notes("A;0;1.000;2\nB;0.500;6;500\n"), "") << "no number of thousands begins with 0";
+    EXPECT_EQ(notes("A;1.000;1.000;2.000\nB;12.500;6.000;500.000\n"), "")
+        << "three digits behind every number";
     EXPECT_EQ(notes("A;1;2;3\n\n;;;\nB;4;5;6\n\n\n"), "empty-row 2 1;");
     EXPECT_EQ(notes("# a remark\nA;1;2;3\n#B;4;5;6\n# C;4;5;6\n"), "commented-points 3 2;");
     EXPECT_EQ(notes("Nom du lieu;Gauche;Droite;Haut\nA;1;2;3\n"), "heading-unknown 1 1;");
