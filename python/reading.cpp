@@ -8,10 +8,9 @@
 #include <string>
 
 #include "corvinade/job_file.h"
+#include "corvinade/match.h"
 #include "corvinade/point_file.h"
 #include "corvinade/robot_program.h"
-//
-#include "import/coordinate_pairs.h"
 #include "interruption.h"
 
 namespace py = pybind11;
@@ -143,28 +142,25 @@ py::list MovedProgram(const std::string& from, const std::string& to, const std:
 }
 
 // The place of the partner of each measured point, from 0; -1 where it has none.
-py::array_t<std::int64_t> PairedByCoordinates(const py::array_t<double, py::array::c_style>& measured,
-                                              const py::array_t<double, py::array::c_style>& nominal,
-                                              double tolerance) {
-    const auto columns = [](const py::array_t<double, py::array::c_style>& rows) {
-        const auto count = static_cast<std::size_t>(rows.shape(0));
-        std::array<std::vector<double>, 3> axes;
-        for (std::size_t axis = 0; axis < 3; ++axis) {
-            axes[axis].resize(count + 1);
-            for (std::size_t i = 0; i < count; ++i) axes[axis][i + 1] = rows.data()[3 * i + axis];
-        }
-        return axes;
+py::array_t<std::int64_t> Paired(const py::array_t<double, py::array::c_style>& measured,
+                                 const py::array_t<double, py::array::c_style>& nominal, bool byDistances,
+                                 double tolerance) {
+    const auto view = [](const py::array_t<double, py::array::c_style>& rows) {
+        return Points(rows.data(), static_cast<std::size_t>(rows.shape(0)));
     };
-    const auto start = columns(measured), target = columns(nominal);
-    std::vector<std::int32_t> partners;
-    {
+    const Points start = view(measured), target = view(nominal);
+    Interruption interruption;
+    std::vector<std::ptrdiff_t> partners;
+    try {
         const py::gil_scoped_release others;
-        partners = import::PairByCoordinates(
-            {start[0], start[1], start[2]}, {target[0], target[1], target[2]}, static_cast<float>(tolerance));
+        partners = (byDistances ? MatchByDistances : MatchByCoordinates)(
+            start, target, tolerance, [&interruption] { return interruption.Wanted(); });
+    } catch (const Stopped&) {
+        if (!interruption.Came) throw;
+        throw py::error_already_set();
     }
     py::array_t<std::int64_t> places(measured.shape(0));
-    for (std::size_t i = 0; i < static_cast<std::size_t>(places.size()); ++i)
-        places.mutable_data()[i] = partners[i + 1] - 1;
+    std::copy(partners.begin(), partners.end(), places.mutable_data());
     return places;
 }
 
@@ -189,5 +185,5 @@ void AddReading(py::module_& module) {
     module.def("read_job", &JobOfFile);
     module.def("read_program", &PosesOfProgram);
     module.def("transform_program", &MovedProgram);
-    module.def("pair_by_coordinates", &PairedByCoordinates);
+    module.def("pair_by_places", &Paired);
 }

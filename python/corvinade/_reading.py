@@ -163,14 +163,15 @@ class Match(NamedTuple):
 
 
 def match(measured: Any, nominal: Any, by: str = "names", tolerance: float = 0.8) -> Match:
-    """Which points of two sets are the same: `Points`, frames, paths, or with "coordinates" arrays too.
+    """Which points of two sets are the same: `Points`, frames, paths, or by where they lie arrays too.
 
     >>> import corvinade, numpy as np
     >>> corvinade.match(corvinade.Points(["A", "B"], np.eye(2, 3)), corvinade.Points(["B", "C"], np.eye(2, 3)))
     Match(here=array([1]), there=array([0]), unpaired=(['A'], ['C']))
 
     by: "names", equal ones; "coordinates", near ones: each measured point, in their order, takes the nearest nominal
-        point that is free and nearer than `tolerance`, mm. (By distances alone ``corvinade-cli fit --match distance``.)
+        point that is free and nearer than `tolerance`, mm; "distances", of sets in any two systems: three distances that
+        occur in both, within the tolerance and clear of all others, give a transformation, under which near ones pair.
 
     ValueError where a name stands twice in a set, and where nothing pairs.
     """
@@ -181,19 +182,20 @@ def match(measured: Any, nominal: Any, by: str = "names", tolerance: float = 0.8
             if names is None:
                 raise ValueError(f"{what}: points with names were expected, a frame with an index of names or a file")
         here, there = paired(of_measured, of_nominal)
-    elif by == "coordinates":
+    elif by in ("coordinates", "distances"):
         if not tolerance > 0:
             raise ValueError(f"tolerance: a length above 0 mm was expected, and {tolerance!r} came")
         for rows, what in ((start, "measured"), (target, "nominal")):
             if rows.ndim != 2 or rows.shape[1] != 3 or not len(rows):
                 raise ValueError(f"{what}: an array of shape (n, 3) was expected, and one of shape {rows.shape} came")
-        partners = _corvinade.pair_by_coordinates(start, target, tolerance)
+        partners = _corvinade.pair_by_places(start, target, by == "distances", tolerance)
         here = np.flatnonzero(partners >= 0).tolist()
         there = partners[here].tolist()
         if not here:
-            raise ValueError(f"no two points are nearer to each other than {tolerance} mm")
+            raise ValueError(f"no two points are nearer to each other than {tolerance} mm" if by == "coordinates" else
+                             f"no three distances within {tolerance} mm of each other, and clear of all others, are in both sets")
     else:
-        raise ValueError(f'by: "names" or "coordinates" was expected, and {by!r} came')
+        raise ValueError(f'by: "names", "coordinates" or "distances" was expected, and {by!r} came')
     return Match(np.array(here, dtype=np.intp), np.array(there, dtype=np.intp),
                  (_others(here, of_measured, len(start)), _others(there, of_nominal, len(target))))
 

@@ -210,6 +210,19 @@ def test_a_damaged_job_is_refused(tmp_path):
         corvinade.read_job(path)
 
 
+def test_distances_say_which_points_are_the_same_as_the_command_finds_them(tmp_path):
+    measured, nominal = corvinade.read_points(MEASURED), corvinade.read_points(NOMINAL)
+    found = corvinade.match(measured, nominal, by="distances", tolerance=1)
+    assert len(found.here) == 14
+    assert [measured.names[i] for i in found.here] == [nominal.names[i] for i in found.there]
+    told = told_by_command("fit", MEASURED, NOMINAL, "--match", "distance", "--etta", "1")
+    assert told["counts"]["pairs"] == len(found.here)
+    with pytest.raises(ValueError, match="no three distances"):
+        corvinade.match(measured.coordinates, np.eye(3), by="distances", tolerance=0.1)
+    with pytest.raises(ValueError, match="'angles' came"):
+        corvinade.match(measured, nominal, by="angles")
+
+
 def test_names_say_which_points_are_the_same():
     measured = pandas.DataFrame(np.eye(3), columns=list("xyz"), index=["a", "b", "c"])
     nominal = corvinade.Points(["c", "d", "a"], np.eye(3))
