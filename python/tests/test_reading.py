@@ -212,11 +212,16 @@ def test_a_damaged_job_is_refused(tmp_path):
 
 def test_distances_say_which_points_are_the_same_as_the_command_finds_them(tmp_path):
     measured, nominal = corvinade.read_points(MEASURED), corvinade.read_points(NOMINAL)
-    found = corvinade.match(measured, nominal, by="distances", tolerance=1)
-    assert len(found.here) == 14
-    assert [measured.names[i] for i in found.here] == [nominal.names[i] for i in found.there]
-    told = told_by_command("fit", MEASURED, NOMINAL, "--match", "distance", "--etta", "1")
-    assert told["counts"]["pairs"] == len(found.here)
+    for tolerance in (0.05, 0.3, 1):
+        found = corvinade.match(measured, nominal, by="distances", tolerance=tolerance)
+        names = [measured.names[i] for i in found.here]
+        assert names == [nominal.names[i] for i in found.there]
+        told = told_by_command("fit", MEASURED, NOMINAL, "--match", "distance", "--tolerance", str(tolerance))
+        assert {point["name"] for point in told["points"]} == {f"MCS_{name}=OCS_{name}" for name in names}
+    # Of the fourteen that both files hold one has been moved by 3 mm.
+    both = corvinade.match(measured, nominal)
+    assert len(both.here) == 14
+    assert len(corvinade.match(measured, nominal, by="distances", tolerance=0.3).here) == 13
     with pytest.raises(ValueError, match="no three distances"):
         corvinade.match(measured.coordinates, np.eye(3), by="distances", tolerance=0.1)
     with pytest.raises(ValueError, match="'angles' came"):
