@@ -8,7 +8,7 @@ BUILD_PACKAGES="$BUILD_PACKAGES pandoc weasyprint fonts-open-sans fonts-dejavu-c
 # The Python package.
 BUILD_PACKAGES="$BUILD_PACKAGES python3-dev python3-numpy pybind11-dev"
 # What the tests need besides.
-TEST_PACKAGES="git clang-format clang-tidy dbus-daemon xvfb openbox xdotool imagemagick jq poppler-utils qpdf proj-bin locales pkgconf doxygen"
+TEST_PACKAGES="git rsync clang-format clang-tidy dbus-daemon xvfb openbox xdotool imagemagick jq poppler-utils qpdf proj-bin locales pkgconf doxygen"
 TEST_PACKAGES="$TEST_PACKAGES python3-pytest python3-scipy python3-pandas python3-matplotlib python3-venv python3-pip python3-wheel"
 # The fleet of examples/fleet.py.
 TEST_PACKAGES="$TEST_PACKAGES python3-dask python3-distributed"
