@@ -162,8 +162,9 @@ ImportRequest RequestOf(const FitOptions& options, std::array<FitFile, 2>& files
 
 std::string TooFewPairs(const FitOptions& options) {
     std::string text = "the start file has " + std::to_string(Job.Start.Count()) +
-                       " points and the target file " + std::to_string(Job.Target.Count()) + ", " +
-                       std::to_string(Job.Pairs()) + " of them identical; a transformation needs at least 2";
+                       (Job.Start.Count() == 1 ? " point" : " points") + " and the target file " +
+                       std::to_string(Job.Target.Count()) + ", " + std::to_string(Job.Pairs()) +
+                       " of them identical; a transformation needs at least 2";
     if (std::min(Job.Start.Count(), Job.Target.Count()) < 2) return text;  // no way of pairing finds more
     if (options.Match == "id" && options.TargetKind != "points")
         text +=

@@ -55,6 +55,12 @@ TEST_F(FitCommand, TooFewPairsAreRefusedWithWhatTheFilesHold) {
     EXPECT_NE(near.Err.find("0.25 mm; --tolerance"), std::string::npos) << near.Err;
 }
 
+TEST_F(FitCommand, AStartFileOfOnePointHasOnePointAndNotPoints) {
+    const Outcome one = Fit({Write("single.txt", "A;5;6;7\n"), target_});
+    EXPECT_EQ(one.Status, 1);
+    EXPECT_NE(one.Err.find("the start file has 1 point and the target file "), std::string::npos) << one.Err;
+}
+
 TEST_F(FitCommand, AToleranceBeyondAFloatIsWrongUsageAndNeverAskedForEver) {
     for (const char* tolerance : {"0", "1e-60", "1e60", "1e400", "nan", "inf", "x", ""})
         for (const char* match : {"coordinate", "distance"}) {
