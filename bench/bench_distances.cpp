@@ -7,10 +7,10 @@
 #include "analysis/form_distance_scale.h"
 #include "analysis/form_trompete.h"
 #include "analysis/trumpet_file.h"
-#include "cli/trumpet_file.h"
-#include "cli/trumpet_svg.h"
 #include "core/fresh_start.h"
 #include "fit_data.h"
+#include "paint/trumpet_file.h"
+#include "paint/trumpet_svg.h"
 
 using namespace corvinade;
 

@@ -85,9 +85,9 @@ std::vector<fs::path> FilesBelow(const fs::path& folder) {
     return files;
 }
 
-std::vector<Include> AllIncludes() {
+std::vector<Include> IncludesBelow(const fs::path& folder) {
     std::vector<Include> includes;
-    for (const fs::path& path : FilesBelow(kSource / "src")) {
+    for (const fs::path& path : FilesBelow(folder)) {
         if (!IsSource(path)) continue;
         std::istringstream lines(Contents(path.string()));
         for (std::string line; std::getline(lines, line);) {
@@ -102,11 +102,15 @@ std::vector<Include> AllIncludes() {
             if (open == std::string::npos)
                 continue;  // the name that a #define above says, which is looked at
             const std::size_t close = line.find_first_of("\">", open + 1);
-            includes.push_back({fs::relative(path, kSource / "src").generic_string(),
+            includes.push_back({fs::relative(path, folder).generic_string(),
                                 line.substr(open + 1, close - open - 1), line[open] == '"'});
         }
     }
     return includes;
+}
+
+std::vector<Include> AllIncludes() {
+    return IncludesBelow(kSource / "src");
 }
 
 // The first part of a path; "" for a file directly in src/.
@@ -296,6 +300,17 @@ TEST(Floors, EveryIncludedHeaderOfOursExists) {
         if (!include.Quoted || !kFloors.contains(RoomOf(include.Name))) continue;
         EXPECT_TRUE(fs::exists(kSource / "src" / include.Name)) << include.File << ": " << include.Name;
     }
+}
+
+// The benchmarks are built by themselves, so that a header that has moved would be missed late.
+TEST(Floors, EveryHeaderThatABenchmarkIncludesExists) {
+    int looked = 0;
+    for (const Include& include : IncludesBelow(kSource / "bench")) {
+        if (!include.Quoted || include.Name.find('/') == std::string::npos) continue;
+        ++looked;
+        EXPECT_TRUE(fs::exists(kSource / "src" / include.Name)) << include.File << ": " << include.Name;
+    }
+    EXPECT_GT(looked, 50);
 }
 
 TEST(Floors, NoSourceFileIsLongerThanFiveHundredLines) {
