@@ -73,6 +73,7 @@ constexpr NoteKind kKinds[] = {
     {NoteCode::DecimalTaken, "decimal-taken", Severity::Warning, true},
     {NoteCode::LinesKept, "lines-kept", Severity::Note, true},
     {NoteCode::PointsKept, "points-kept", Severity::Note, true},
+    {NoteCode::PointsDisabled, "points-disabled", Severity::Note, true},
     {NoteCode::NoHeight, "no-height", Severity::Note, true},
     {NoteCode::DirectionsKept, "directions-kept", Severity::Warning, true},
     {NoteCode::ViewpointKept, "viewpoint-kept", Severity::Note, true},

@@ -81,6 +81,7 @@ enum class NoteCode : std::uint8_t {
     // Of clouds.
     LinesKept,       // lines without the numbers of a point, which stay as they are
     PointsKept,      // points whose coordinates are infinite or no number, which stay as they are
+    PointsDisabled,  // control points that their file has switched off, which are left out
     NoHeight,        // points without a z, which counts as 0
     DirectionsKept,  // columns that look like normals or quaternions and are not turned
     ViewpointKept,   // the viewpoint of a cloud, which is not moved with it

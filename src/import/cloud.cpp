@@ -184,6 +184,10 @@ std::vector<Note> NotesOfCloud(const CloudFacts& facts, const std::string& path,
                 std::string(carried ? "stay as they are" : "are left out") + first,
             facts.FirstIsLine ? intOf(facts.FirstNotFinite) : 0, intOf(facts.NotFinite));
     }
+    if (facts.Disabled > 0)
+        add(NoteCode::PointsDisabled,
+            "Control points that the file has switched off (enable is 0) are left out",
+            intOf(facts.FirstDisabled), intOf(facts.Disabled));
     if (facts.TwoCoordinates)
         add(NoteCode::NoHeight, carried
                                     ? "The points have no z: it counts as 0, and what it becomes has no place"

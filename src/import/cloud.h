@@ -61,6 +61,7 @@ enum class PointColumn : std::uint8_t {
     OtherSigmaY,
     OtherSigmaZ,
     OtherSigma,
+    Enabled,  // of control points: 0 or 1
     Count_
 };
 
@@ -92,6 +93,8 @@ struct CloudFacts {
     std::int64_t NotFinite = 0;       // points with NaN or infinite coordinates, kept as they are
     std::int64_t FirstNotFinite = 0;  // the first of them: its number, or in text its line; from 1
     bool FirstIsLine = false;
+    std::int64_t Disabled = 0;             // control points that are switched off, where they are only read
+    std::int64_t FirstDisabled = 0;        // the line of the first
     std::int64_t LinesKept = 0;            // lines, or CgPoints, without three numbers
     std::int64_t FirstKept = 0;            // the line of the first
     std::int64_t Bad = 0;                  // of these, where they are only read: meant as points
@@ -127,9 +130,9 @@ struct CloudTask {
 
 // Reads a file to its end. Memory does not grow with its length, but for the longest line, which is limited;
 // a compressed pcd goes through temporary files. NaN and infinite coordinates are kept and counted, not
-// handed to `Take`. Throws PlatformError, with the line or the number of the point, for what is cut off or
-// damaged, for a result larger than its type, for coordinates of a whole-number type that would have to be
-// rounded, and for a file without any point.
+// handed to `Take`, nor are control points that are switched off. Throws PlatformError, with the line or the
+// number of the point, for what is cut off or damaged, for a result larger than its type, for coordinates of
+// a whole-number type that would have to be rounded, and for a file without any point.
 void RunCloud(CloudTask& task);
 
 // The notes on a file, to be added to the list.

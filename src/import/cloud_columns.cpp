@@ -186,6 +186,8 @@ std::optional<CloudHeading> HeadingOf(std::string_view line, char delimiter) {
     }
     const bool ofMap = Has(heading.Columns, PointColumn::OtherX) && !both;
     heading.HasZ = !ofMap;
+    for (std::size_t i = 0; ofMap && i < words.size(); ++i)
+        if (Small(words[i]) == "enable") heading.Columns[i] = PointColumn::Enabled;
     if (!Has(heading.Columns, PointColumn::X) || !Has(heading.Columns, PointColumn::Y) ||
         (heading.HasZ && !Has(heading.Columns, PointColumn::Z)))
         return std::nullopt;

@@ -34,7 +34,7 @@ std::optional<CloudFacts> ReadAll(const std::string& path, CloudWish wish,
     CloudOutput out({});
     CloudTask task = {in, out, nullptr, {}, std::move(wish), {}, 1};
     task.Take = [&](const CloudPoint& point) {
-        const std::int64_t number = task.Facts.Points + task.Facts.NotFinite;
+        const std::int64_t number = task.Facts.Points + task.Facts.NotFinite + task.Facts.Disabled;
         if (number > kMostPoints) in.Fail("it has more points than a job has room for");
         take(point, number);
     };

@@ -288,6 +288,14 @@ std::optional<std::array<double, 3>> RowCarrier::SigmasOf(PointColumn first) con
     return sigmas;
 }
 
+// A control point that is not to be used has 0; without the field it is used.
+bool RowCarrier::IsDisabled(std::string_view field) const {
+    const std::string_view text = Trimmed(field);
+    if (!text.empty() && text != "0" && text != "1")
+        task_.In.FailAtLine("\"" + Printable(text) + "\" of the column enable is neither 0 nor 1");
+    return text == "0";
+}
+
 bool RowCarrier::CarryShort(std::string_view row) {
     constexpr std::size_t kLongest = 512;
     constexpr std::size_t kThreeNumbers = 128;  // with what is overwritten behind them
@@ -376,6 +384,10 @@ bool RowCarrier::Carry(std::string_view row) {
         if (task_.Facts.NotFinite++ == 0) task_.Facts.FirstNotFinite = task_.In.Line;
         task_.Facts.FirstIsLine = true;
         task_.Out.Put(row);
+        return true;
+    }
+    if (IsDisabled(field[index(PointColumn::Enabled)]) && task_.Motion == nullptr) {
+        if (task_.Facts.Disabled++ == 0) task_.Facts.FirstDisabled = task_.In.Line;
         return true;
     }
     ++task_.Facts.Points;

@@ -59,6 +59,7 @@ public:
 private:
     // The sigmas of one system, whose columns begin with `first`; nothing where it has none.
     std::optional<std::array<double, 3>> SigmasOf(PointColumn first) const;
+    bool IsDisabled(std::string_view field) const;
     void PutChanged(std::string_view row);  // with the changes below in place
     // Where nothing but x, y and z changes, and they stand side by side: as Carry, for the usual row of short
     // numbers without quotes or blanks beside them. False for any other row, with nothing done.

@@ -273,6 +273,30 @@ bool TableNumber(std::string_view cell, char decimal, double& value) {
     return PlainTableNumber(cell, decimal, value) || TextToNumber(cell, decimal, value);
 }
 
+std::string NoNumberText(std::string_view cell) {
+    constexpr std::size_t kGroup = 3;
+    constexpr std::array<std::string_view, 7> kSeparators = {
+        ",", ".", "'", " ", "\xC2\xA0", "\xE2\x80\x99", "\xE2\x80\xAF"};
+    const std::string text = " is not a number";
+    cell = TrimmedCell(cell);
+    if (cell.starts_with('-') || cell.starts_with('+')) cell.remove_prefix(1);
+    const auto digits = [&cell] { return std::min(cell.find_first_not_of("0123456789"), cell.size()); };
+    const std::size_t first = digits();
+    if (first < 1 || first > kGroup) return text;
+    cell.remove_prefix(first);
+    for (const std::string_view separator : kSeparators) {
+        if (!cell.starts_with(separator)) continue;
+        while (cell.starts_with(separator)) {
+            cell.remove_prefix(separator.size());
+            if (digits() != kGroup) return text;
+            cell.remove_prefix(kGroup);
+        }
+        if (cell.starts_with('.') || cell.starts_with(',')) cell.remove_prefix(1);
+        if (digits() == cell.size()) return text + ": numbers are written without separators of thousands";
+    }
+    return text;
+}
+
 bool IsFraction(std::string_view cell, char decimal) {
     double value = 0;
     const std::size_t mark = cell.find(decimal);

@@ -60,6 +60,10 @@ bool TableNumber(std::string_view cell, char decimal, double& value);
 // The same where it has 1 to 15 digits and neither exponent nor plus sign, which most have. False for others.
 bool PlainTableNumber(std::string_view cell, char decimal, double& value);
 
+// How a cell that is no number is told of: " is not a number", and what helps where it has separators of
+// thousands: groups of three digits behind commas, points, apostrophes or blanks.
+std::string NoNumberText(std::string_view cell);
+
 // A number with digits behind a delimiter of decimals, of either kind.
 bool IsFraction(std::string_view cell, char decimal);
 

@@ -385,7 +385,7 @@ bool IsGoodRow(const TableRow& row, const TableForm& form, const TablePlaces& pl
         if (place >= size || row.Cells[place].Text.empty())
             return bad(place + 1, [&] { return "the " + std::string(what) + " is missing"; });
         if (!TableNumber(row.Cells[place].Text, form.Decimal, value))
-            return bad(place + 1, [&] { return quoted(place) + " is not a number"; });
+            return bad(place + 1, [&] { return quoted(place) + NoNumberText(row.Cells[place].Text); });
         if (role > static_cast<std::size_t>(TableRole::Z) && value < 0)
             return bad(place + 1, [&] { return quoted(place) + " is a sigma below 0"; });
     }

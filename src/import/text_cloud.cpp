@@ -14,6 +14,7 @@
 #include "core/text.h"
 #include "import/cloud_columns.h"
 #include "import/cloud_rows.h"
+#include "import/table_cells.h"
 
 namespace corvinade::import {
 
@@ -150,8 +151,8 @@ void TakeBadRow(CloudTask& task, const FoundForm& found, std::string_view row) {
         if (isOther && !task.Wish.Pairs) continue;
         if (i < fields.size() && isNumber(fields[i])) continue;
         const bool isMissing = i >= fields.size() || isEmpty(fields[i]);
-        const std::string what =
-            isMissing ? "the coordinate is missing" : "\"" + Printable(fields[i]) + "\" is not a number";
+        const std::string what = isMissing ? "the coordinate is missing"
+                                           : "\"" + Printable(fields[i]) + "\"" + NoNumberText(fields[i]);
         ++task.Facts.Bad;
         if (!task.Wish.RefuseBad) return;
         throw PlatformError{"Cannot read \"" + task.In.Path() + "\", line " + std::to_string(task.In.Line) +

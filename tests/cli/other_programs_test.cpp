@@ -1,7 +1,9 @@
 // Files that spreadsheets and programs of point clouds wrote, number by number, and through `transform`.
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <sstream>
 
 #include "cli/fit_command.h"
 #include "core/numbers.h"
@@ -150,6 +152,71 @@ TEST_F(OtherPrograms, TheirFilesComeThroughATransformationInTheirForm) {
                              "cloudcompare-binary-be.ply", "cloudcompare-binary-le.ply",
                              "cloudcompare-normals.ply", "pcl-binary.pcd", "pcl-binary.ply"})
         EXPECT_EQ(Contents(PathOf(std::string("back-") + file)), Contents(kFolder + file)) << file;
+}
+
+// The program's own adjustment, whose scale and rotation its window told with six digits, and whose residuals
+// stand in its file, in pixels.
+TEST_F(OtherPrograms, ControlPointsOfAMapAreAdjustedAsTheirProgramDid) {
+    const std::string path = kFolder + "qgis-residuals.points";
+    const json result = FitJson(
+        {"--pairs", path, "--parameters", "7", "--hold", "rotx=0", "--hold", "roty=0", "--hold", "traz=0"});
+    std::map<std::string, double> values;
+    for (const json& parameter : result["parameters"]) values[parameter["name"]] = parameter["shown"];
+    EXPECT_NEAR(values["scalexyz"], 0.497958, 5e-7);
+    EXPECT_NEAR(values["rotz"], -0.00914611, 5e-9);  // theirs is counted clockwise
+
+    std::istringstream lines(Contents(path));
+    std::string line;
+    std::getline(lines, line);  // the system
+    std::getline(lines, line);  // the heading
+    const json& points = result["points"];
+    ASSERT_EQ(points.size(), 5u);  // the sixth is switched off
+    for (std::size_t i = 0; i < 5; ++i) {
+        ASSERT_TRUE(std::getline(lines, line));
+        std::vector<double> fields;
+        std::istringstream row(line);
+        for (std::string field; std::getline(row, field, ',');) fields.push_back(std::stod(field));
+        ASSERT_EQ(fields.size(), 8u);
+        EXPECT_EQ(points[i]["name"], std::to_string(i + 1));
+        EXPECT_EQ(points[i]["target_mm"][0], fields[0]);
+        EXPECT_EQ(points[i]["target_mm"][1], fields[1]);
+        EXPECT_EQ(points[i]["start_mm"][0], fields[2]);
+        EXPECT_EQ(points[i]["start_mm"][1], fields[3]);
+        EXPECT_NEAR(points[i]["residual3D_mm"].get<double>() / values["scalexyz"], fields[7], 1e-6) << i;
+    }
+}
+
+TEST_F(OtherPrograms, ControlPointsThatAreSwitchedOffAreLeftOutAndToldOf) {
+    for (const char* file : {"qgis-plain.points", "qgis-residuals.points"}) {
+        const std::string path = kFolder + file;
+        for (const json& result : {FitJson({"--pairs", path}), FitJson({path, path})}) {
+            EXPECT_EQ(result["points"].size(), 5u) << file;
+            const json& notes = result["notes"];
+            const auto found = std::find_if(notes.begin(), notes.end(), [](const json& note) {
+                return note["code"] == "points-disabled";
+            });
+            ASSERT_NE(found, notes.end()) << file;
+            EXPECT_EQ((*found)["line"], 8) << file;
+        }
+        // A transformation carries all of them.
+        const std::string there = PathOf(file);
+        const Outcome moved = FreshCommandLine({"transform", "--with", turn_, path, "--out", there});
+        ASSERT_EQ(moved.Status, 0) << moved.Err;
+        const std::string after = Contents(there);
+        EXPECT_EQ(std::count(after.begin(), after.end(), '\n'), 8) << file;
+        EXPECT_EQ(after.find("205.12195"), std::string::npos) << file;  // x of the last one has moved
+    }
+    const std::string heading = "mapX,mapY,sourceX,sourceY,enable,dX,dY,residual\n";
+    const std::string rows = "1,2,3,4,1,0,0,0\n5,2,7,4,1,0,0,0\n1,9,3,11,1,0,0,0\n";
+    // Points behind one that is switched off keep the numbers of their rows.
+    const json result = FitJson({"--pairs", Write("numbers.points", heading + "8,8,8,8,0,0,0,0\n" + rows)});
+    EXPECT_EQ(result["points"][0]["name"], "2");
+    // What is neither on nor off is not guessed.
+    const Outcome odd =
+        FreshCommandLine({"fit", "--pairs", Write("odd.points", heading + rows + "1,2,3,4,maybe,0,0,0\n")});
+    EXPECT_EQ(odd.Status, 3);
+    EXPECT_NE(odd.Err.find("line 5: \"maybe\" of the column enable is neither 0 nor 1"), std::string::npos)
+        << odd.Err;
 }
 
 // The program itself, with the locales of this system made where it has them not.

@@ -109,7 +109,15 @@ const Kind kRefused[] = {
     {"points and commas", "A;1.5;2;3\nB;1,5;2;3\n",
      "line 2, column 2: \"1,5\" is not a number (--skip-bad passes it over)"},
     {"points of thousands", "A;1.234,5;2;3\nB;4;5;6\n",
-     "line 1, column 2: \"1.234,5\" is not a number (--skip-bad passes it over)"},
+     "line 1, column 2: \"1.234,5\" is not a number: numbers are written without separators of thousands (--skip-bad passes it over)"},
+    {"apostrophes of thousands", "A;1'234.5;2;3\nB;4;5;6\n",
+     "line 1, column 2: \"1'234.5\" is not a number: numbers are written without separators of thousands (--skip-bad passes it over)"},
+    {"blanks of thousands", "A;-12 234 567,25;2;3\nB;4;5;6\n",
+     "line 1, column 2: \"-12 234 567,25\" is not a number: numbers are written without separators of thousands (--skip-bad passes it over)"},
+    {"groups of two", "A;1;2;3\nB;1.23.4;5;6\n",
+     "line 2, column 2: \"1.23.4\" is not a number (--skip-bad passes it over)"},
+    {"a date", "A;1;2;3\nB;2024.12.24;5;6\n",
+     "line 2, column 2: \"2024.12.24\" is not a number (--skip-bad passes it over)"},
     {"one comma for both", "P1,1,5,2,5,3,5\nP2,4,5,6,5,7,5\n",
      "line 1: \"P1,1,5,2,5,3,5\" can be read in two ways: with commas between its fields (name P1, x 1, y 5, z 2), which "
      "--decimal . or --delimiter comma says, or with commas as decimal delimiters too (name P1, x 1,5, y 2,5, z 3,5), "
