@@ -17,7 +17,7 @@ constexpr DesktopDefault kDefaults[] = {
     {"RecentJobs", &Record::RecentJobs},     {"PointTable", &Record::PointTable},
     {"GridNumbers", &Record::GridNumbers},   {"FlagLetters", &Record::FlagLetters},
     {"PointsFollow", &Record::PointsFollow}, {"SheetDeviation", &Record::SheetDeviation},
-    {"StartPage", &Record::StartPage},
+    {"StartPage", &Record::StartPage},       {"TypedFiles", &Record::TypedFiles},
 };
 
 }  // namespace

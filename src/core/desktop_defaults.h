@@ -19,6 +19,7 @@ struct DesktopDefaultsRecord {
     bool ResultFields = false;    // a dash where a number would say nothing true
     bool AfterImport = false;     // what has come in is shown, and what to do next
     bool FailedImport = false;    // leaves the points of before, as one that was stopped does
+    bool TypedFiles = false;      // whose names were typed are looked at for tables as chosen ones are
     bool RecentJobs = false;      // list the jobs that were opened, too
     bool GridNumbers = false;     // of lines are never head down
     bool SheetDeviation = false;  // the main sheet has a column of the 3D deviation, with a bar

@@ -337,6 +337,7 @@ void FormInputFiles::BtnImportMoreMCS_Click() {
         ShowMessage("Please select a File with the browse button");
         return;
     }
+    if (AsksForTyped({TableSide::More})) return;
     const bool prefix = w.OptionPrefix.Value == 1;
     Run.ImportFailed = kFalse;
     JobStep step;
@@ -398,6 +399,7 @@ bool myBtn_OK() {
         ReadAbove(FileAbove::Network, {bundle});
         return true;
     }
+    if (AsksForTyped({TableSide::Start, TableSide::Target})) return false;
     ImportRequest request = RequestOfDialog();
     TablesRead tables;
     if (!TakeTables(request, tables)) return false;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/desktop_defaults.h"
 #include "core/files.h"
 #include "core/job.h"
 #include "core/notes.h"
@@ -213,10 +214,22 @@ void AskForTable(TableSide side) {
 void FilesChosen(const std::vector<TableSide>& sides) {
     for (const TableSide side : sides) {
         std::erase(Tables.ToAsk, side);
+        Tables.Looked[Place(side)] = PathOfSide(side).Text;
         if (!MappingOfSide(side) && IsAskedFor(side)) Tables.ToAsk.push_back(side);
     }
     ShowTables();
     if (!IsLoaded(FormTable_Entry.Name)) AskForNextTable();
+}
+
+bool AsksForTyped(const std::vector<TableSide>& sides) {
+    if (!DesktopDefaults.TypedFiles || Tables.Reading) return false;
+    std::vector<TableSide> typed;
+    for (const TableSide side : sides)
+        if (Tables.Looked[Place(side)] != PathOfSide(side).Text) typed.push_back(side);
+    if (typed.empty()) return false;
+    const bool wasOpen = IsLoaded(FormTable_Entry.Name);
+    FilesChosen(typed);
+    return !Tables.ToAsk.empty() || (!wasOpen && IsLoaded(FormTable_Entry.Name));
 }
 
 void AskForNextTable() {

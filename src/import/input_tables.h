@@ -29,9 +29,10 @@ struct TableChoice {
 
 struct InputTablesRecord {
     std::array<TableChoice, kTableSides> Choices;
-    std::vector<TableSide> ToAsk;        // whose window opens when the one that is open closes
-    TableSide Asked = TableSide::Start;  // whose window is open, or opens next
-    bool Reading = false;                // a table is read, and yields
+    std::vector<TableSide> ToAsk;                 // whose window opens when the one that is open closes
+    TableSide Asked = TableSide::Start;           // whose window is open, or opens next
+    std::array<std::string, kTableSides> Looked;  // the file that was looked at last, table or not
+    bool Reading = false;                         // a table is read, and yields
 };
 inline InputTablesRecord Tables;
 
@@ -42,6 +43,10 @@ const char* NameOfSide(TableSide side);  // "Start system (MCS)"
 // table, are asked for in the window of tables, one after the other. Clouds and other carriers are none of
 // these. Reads the files; what cannot be read is left to the import.
 void FilesChosen(const std::vector<TableSide>& sides);
+
+// Ahead of an import, with the desktop default TypedFiles: files whose names were typed are looked at as
+// chosen ones are, each once. True where the window of tables has opened for one, or will: the import waits.
+bool AsksForTyped(const std::vector<TableSide>& sides);
 
 // Opens the window of tables for the file of a side. Says so where there is none, or it is a cloud without
 // columns to choose among, and throws PlatformError where it cannot be read.

@@ -4,6 +4,7 @@
 
 #include "cli/headless.h"
 #include "core/controller.h"
+#include "core/desktop_defaults.h"
 #include "core/form_main.h"
 #include "core/job.h"
 #include "core/job_file.h"
@@ -91,6 +92,49 @@ TEST_F(TableDialog, WithADecimalCommaOfTheSystemAFileWithPointsIsAskedFor) {
     EXPECT_FALSE(IsLoaded("FormTable"));
     Choose(InputFiles.BtnBrowseMCS, Write("point.txt", "A;1.5;2;3\r\n"));
     EXPECT_TRUE(IsLoaded("FormTable"));
+}
+
+TEST_F(TableDialog, OfTypedNamesOpensWithOKAndOnceAlone) {
+    DesktopDefaults.TypedFiles = true;
+    ShowWindow("FormInputFiles");
+    UserSetText(InputFiles.TextNameMCS, Write("start.csv", kCsv));
+    UserSetText(InputFiles.TextNameOCS, Write("target.csv", kCsv));
+    UserClick(InputFiles.BtnOK);
+    ASSERT_TRUE(IsLoaded("FormTable"));
+    ASSERT_TRUE(IsLoaded("FormInputFiles"));
+    EXPECT_EQ(Job.Pairs(), 0);
+    EXPECT_TRUE(Messages().empty());
+    UserClick(TableWindow.BtnOK);
+    ASSERT_TRUE(IsLoaded("FormTable"));
+    EXPECT_EQ(TableWindow.LabelFile.Text, "Target system (OCS): " + InputFiles.TextNameOCS.Text);
+    UserClick(TableWindow.BtnOK);
+    EXPECT_FALSE(IsLoaded("FormTable"));
+    UserClick(InputFiles.BtnOK);
+    ExpectImported();
+    EXPECT_EQ(Job.Target.Y[3], 200.0);
+}
+
+TEST_F(TableDialog, OfTypedNamesThatTheUserClosesLeavesTheFileToTheToldReader) {
+    DesktopDefaults.TypedFiles = true;
+    ShowWindow("FormInputFiles");
+    UserSetText(InputFiles.TextNameMCS, Write("start.csv", kCsv));
+    UserSetText(InputFiles.TextNameOCS, target_);
+    UserClick(InputFiles.BtnApply);
+    ASSERT_TRUE(IsLoaded("FormTable"));
+    UserClick(TableWindow.BtnCancel);
+    EXPECT_TRUE(Messages().empty());
+    UserClick(InputFiles.BtnOK);
+    EXPECT_FALSE(IsLoaded("FormTable"));
+    EXPECT_FALSE(Messages().empty());
+}
+
+TEST_F(TableDialog, OfTypedNamesDoesNotOpenForScripts) {
+    ShowWindow("FormInputFiles");
+    UserSetText(InputFiles.TextNameMCS, Write("start.csv", kCsv));
+    UserSetText(InputFiles.TextNameOCS, target_);
+    UserClick(InputFiles.BtnOK);
+    EXPECT_FALSE(IsLoaded("FormTable"));
+    EXPECT_FALSE(Messages().empty());
 }
 
 TEST_F(TableDialog, ARobotProgramAndAShapeAreNotAskedFor) {
