@@ -18,7 +18,7 @@ struct DesktopDefaultsRecord {
     bool ResultState = false;     // a result that is stored or out of date is said to be so
     bool ResultFields = false;    // a dash where a number would say nothing true
     bool AfterImport = false;     // what has come in is shown, and what to do next
-    bool FailedImport = false;    // leaves the points of before, as one that was stopped does
+    bool FailedImport = false;    // leaves the points of before, as one that was stopped does, and its dialog
     bool TypedFiles = false;      // whose names were typed are looked at for tables as chosen ones are
     bool RecentJobs = false;      // list the jobs that were opened, too
     bool GridNumbers = false;     // of lines are never head down

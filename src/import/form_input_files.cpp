@@ -6,6 +6,7 @@
 
 #include "core/changes.h"
 #include "core/controller.h"
+#include "core/desktop_defaults.h"
 #include "core/files.h"
 #include "core/job.h"
 #include "core/numbers.h"
@@ -403,8 +404,10 @@ bool myBtn_OK() {
     ImportRequest request = RequestOfDialog();
     TablesRead tables;
     if (!TakeTables(request, tables)) return false;
-    if (Import(request) == ImportOutcome::Done && tables.Any()) KeepTables(tables);
-    return true;
+    const ImportOutcome outcome = Import(request);
+    if (outcome == ImportOutcome::Done && tables.Any()) KeepTables(tables);
+    // The dialog stays with what is typed, where the points of before stay, so that it can be mended.
+    return outcome != ImportOutcome::NotRead || !DesktopDefaults.FailedImport;
 }
 
 void FormInputFiles::BtnOK_Click() {

@@ -173,8 +173,10 @@ void ShowCount() {
         counted ? Counted(w.Count.Good, "good") + ", " + Counted(w.Count.Bad, "bad") : "no rows counted";
     const std::string obstacle = Obstacle();
     std::string text = obstacle;
-    if (text.empty() && w.Count.FirstBad.Refused())
+    if (text.empty() && w.Count.FirstBad.Refused()) {
         text = "Bad rows are passed over. The first one: " + RefusalOfDesktop(w.Count.FirstBad.Text, w.Path);
+        text.erase(std::min(text.rfind(" (without \"Strict\""), text.size()));  // it is without
+    }
     if (text.empty()) text = FirstWarning();
     w.LabelProblem.Text = text;
     w.LabelProblem.Visible = !text.empty();

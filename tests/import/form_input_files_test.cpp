@@ -414,3 +414,16 @@ TEST_F(InputDialog, AnImportThatFailsLeavesThePointsOfBeforeOnTheDesktop) {
         EXPECT_EQ(IsTrue(Run.JobDataValid), keeps);
     }
 }
+
+TEST_F(InputDialog, StaysOpenBehindAnImportThatFailsOnTheDesktop) {
+    for (const bool keeps : {true, false}) {
+        DesktopDefaults.FailedImport = keeps;
+        target_ = Write("doubles.txt", "A;0;0;0\r\nB;1;0;0\r\nA;2;0;0\r\n");
+        Import();
+        EXPECT_EQ(Job.Pairs(), 0);
+        ASSERT_EQ(IsLoaded("FormInputFiles"), keeps);
+        if (!keeps) continue;
+        EXPECT_EQ(InputFiles.TextNameOCS.Text, target_);
+        UnloadWindow("FormInputFiles");
+    }
+}

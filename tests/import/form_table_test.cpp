@@ -404,10 +404,8 @@ TEST_F(TableDialog, WithoutStrictBadRowsArePassedOverAndNoted) {
         LastMessage(),
         "The table cannot be taken so. Line 5, column 3: \"-\" is not a number (without \"Strict\" it is passed over)");
     UserSetValue(TableWindow.CheckStrict, 0);
-    EXPECT_EQ(
-        TableWindow.LabelProblem.Text,
-        "Bad rows are passed over. The first one: Line 5, column 3: \"-\" is not a number (without \"Strict\" it "
-        "is passed over)");
+    EXPECT_EQ(TableWindow.LabelProblem.Text,
+              "Bad rows are passed over. The first one: Line 5, column 3: \"-\" is not a number");
     EXPECT_EQ(TableWindow.LabelProblem.BackColor, kSystemColour);
     UserClick(TableWindow.BtnOK);
     UserSetText(InputFiles.TextNameOCS, target_);
