@@ -193,11 +193,8 @@ std::vector<int> RowsOfFilter(const MainSheetCells& cells, SheetFilter filter) {
         if (filter == SheetFilter::WithoutPartner || pair == 0)
             return filter == SheetFilter::WithoutPartner && pair == 0;
         if (3 * pair > UpperBound(Job.UseFlags)) return false;
-        const Point &start = cells.Start[At(pair - 1)], &target = cells.Target[At(pair - 1)];
         for (int axis = 1; axis <= 3; ++axis)
-            if (filter == SheetFilter::NotInUse
-                    ? !Used(pair, axis)
-                    : IsBeyond(pair, axis, start[At(axis - 1)] - target[At(axis - 1)], tolerance))
+            if (filter == SheetFilter::NotInUse ? !Used(pair, axis) : IsBeyond(pair, axis, tolerance))
                 return true;
         return false;
     };
@@ -244,12 +241,9 @@ std::int32_t MainSheetBackColor(const MainSheetCells& cells, int row, int col) {
     const ColumnKind& column = kColumns[At(col)];
     if (column.Of == Side::Name)
         return isPair ? QbColor(kGreen) : points.Start != 0 ? QbColor(kYellow) : kOrange;
-    if (isPair && column.Of == Side::Deviation && cells.Tolerance > 0 && column.What <= Quantity::Z) {
-        const int axis = static_cast<int>(column.What) + 1;
-        const double deviation =
-            DifferenceOf(column.What, cells.Start[At(points.Start - 1)], cells.Target[At(points.Target - 1)]);
-        if (IsBeyond(row, axis, deviation, cells.Tolerance)) return kBeyondTolerance;
-    }
+    if (isPair && column.Of == Side::Deviation && column.What <= Quantity::Z &&
+        IsBeyond(row, static_cast<int>(column.What) + 1, cells.Tolerance))
+        return kBeyondTolerance;
     return (isPair ? column.MarkedInPairs : column.MarkedAlone) ? QbColor(kYellow) : kSystemColour;
 }
 

@@ -131,7 +131,7 @@ std::string CoordinateText(const AdjustmentStatistics& s, std::size_t index, int
 
 std::int32_t CoordinateColour(const AdjustmentStatistics& s, std::size_t index, int col) {
     if (!IsOfJob(index) || IsTurned(index)) return kSystemColour;
-    if (col == kRelResidual && IsBeyond(PairOf(index), AxisOf(index), Calculation.v[index], ToleranceOf(Job)))
+    if (col == kRelResidual && IsBeyond(PairOf(index), AxisOf(index), ToleranceOf(Job)))
         return kBeyondTolerance;
     if (col != kRelVerdict && col != kRelStandardized) return kSystemColour;
     const bool used = Used(PairOf(index), AxisOf(index));

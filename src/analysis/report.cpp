@@ -170,8 +170,8 @@ ReportSection PointSection(int wanted, double tolerance_mm) {
         for (int axis = 1; axis <= 3; ++axis) {
             const double value = one.Of[static_cast<std::size_t>(axis - 1)];
             const std::string text = ShownLength(value);
-            cells.push_back({IsInUse(one.Pair, axis) ? text : "(" + text + ")",
-                             IsBeyond(one.Pair, axis, value, tolerance_mm)});
+            cells.push_back(
+                {IsInUse(one.Pair, axis) ? text : "(" + text + ")", IsBeyond(one.Pair, axis, tolerance_mm)});
         }
         cells.push_back({ShownLength(one.Length)});
         table.Rows.push_back(std::move(cells));

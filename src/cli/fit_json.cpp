@@ -138,8 +138,8 @@ ordered_json PointJson(const FitPoint& point, double tolerance_mm) {
                          {"residual3D_mm", point.Deviation3D},
                          {"used", {point.Used[0], point.Used[1], point.Used[2]}}};
     if (tolerance_mm > 0)
-        json["beyond"] = {IsBeyond(point, 0, tolerance_mm), IsBeyond(point, 1, tolerance_mm),
-                          IsBeyond(point, 2, tolerance_mm)};
+        json["beyond"] = {IsBeyond(point.Pair, 1, tolerance_mm), IsBeyond(point.Pair, 2, tolerance_mm),
+                          IsBeyond(point.Pair, 3, tolerance_mm)};
     return json;
 }
 
@@ -221,7 +221,7 @@ void WriteFitJson(const FitOptions& options, const SolutionDetails* details, con
                        {"sumOfDeviations_mm", norms.Sum},
                        {"largestDeviation_mm", norms.Largest},
                        {"note", "s0 = sqrt(vPv / (sum of weights - 1))"}};
-    const ToleranceCheck tolerance = HeldAgainstTolerance();
+    const ToleranceCheck tolerance = CheckTolerance();
     if (tolerance.Word != Verdict::None) root["tolerance"] = ToleranceJson(tolerance);
     out << "{";
     JsonObject object{out, 2};

@@ -17,6 +17,7 @@ namespace corvinade::cli {
 
 // Everything that the outputs say of one identical point; lengths in mm.
 struct FitPoint {
+    int Pair = 0;
     std::string_view Name;  // of the job
     double Start[3], Target[3], Transformed[3];
     double Deviation[3];  // transformed minus target
@@ -25,9 +26,6 @@ struct FitPoint {
 };
 FitPoint FitPointOf(int pair);
 
-// The deviations against the tolerance of the job; without one the verdict is none, and nothing is beyond.
-ToleranceCheck HeldAgainstTolerance();
-bool IsBeyond(const FitPoint& point, int axis, double tolerance_mm);  // axis from 0
 std::vector<FitPoint> FitPoints();  // of all pairs; those of a million take 130 MB
 
 // The names of the system that is transformed and of that which it is fitted to, whatever the direction.

@@ -11,41 +11,31 @@
 #include "engine/calculation_window.h"
 #include "engine/monte_carlo.h"
 #include "engine/selection.h"
+#include "engine/tolerance_check.h"
 #include "engine/transform.h"
 #include "fit/matrix.h"
 #include "fit/vector.h"
 
 namespace corvinade::cli {
 
-namespace {
-
-// Of the way between two points, the share that is more (or less) than R_Dist.
-double ShareBeyondDistance(const Vec3& a, const Vec3& b) {
-    const double length = Hypot3(a(1) - b(1), a(2) - b(2), a(3) - b(3));
-    return length > 0 ? 1 - Job.RDist / length : 0;
-}
-
-}  // namespace
-
 FitPoint FitPointOf(int pair) {
     const bool distance = Adjustment.Model.Mode == FitMode::Distance;
     const auto k = static_cast<std::size_t>(pair);
     FitPoint point;
+    point.Pair = pair;
     point.Name = Job.Start.Name[k];
     const Vec3 start = StartPoint(pair);
     const Vec3 target = TargetPoint(pair);
     const Vec3 transformed = TransformedPoint(pair);
-    const double share = ShareBeyondDistance(transformed, target);
+    const Vec3 deviation = DeviationInFit(pair);
     double squares = 0;
     for (int axis = 0; axis < 3; ++axis) {
         point.Start[axis] = start(axis + 1);
         point.Target[axis] = target(axis + 1);
         point.Transformed[axis] = transformed(axis + 1);
-        // The residual of the adjustment: the difference of the two coordinates would cost its digits. In
-        // the distance model the way to the target, less what of it is the distance.
+        // The residual of the adjustment: the difference of the two coordinates would cost its digits.
         const auto row = 3 * (k - 1) + static_cast<std::size_t>(axis) + 1;
-        point.Deviation[axis] =
-            distance ? share * (transformed(axis + 1) - target(axis + 1)) : Calculation.v[row];
+        point.Deviation[axis] = distance ? deviation(axis + 1) : Calculation.v[row];
         point.Used[axis] = Used(pair, axis + 1);
         squares += point.Deviation[axis] * point.Deviation[axis];
     }
@@ -58,24 +48,6 @@ std::vector<FitPoint> FitPoints() {
     points.reserve(static_cast<std::size_t>(Job.Pairs()));
     for (int i = 1; i <= Job.Pairs(); ++i) points.push_back(FitPointOf(i));
     return points;
-}
-
-bool IsBeyond(const FitPoint& point, int axis, double tolerance_mm) {
-    return tolerance_mm > 0 && point.Used[axis] && !(std::fabs(point.Deviation[axis]) <= tolerance_mm);
-}
-
-ToleranceCheck HeldAgainstTolerance() {
-    ToleranceCheck check{.Tolerance_mm = ToleranceOf(Job)};
-    if (!(check.Tolerance_mm > 0)) return check;
-    for (int i = 1; i <= Job.Pairs(); ++i) {
-        const FitPoint point = FitPointOf(i);
-        for (int axis = 0; axis < 3; ++axis) {
-            if (point.Used[axis]) ++check.InUse;
-            if (IsBeyond(point, axis, check.Tolerance_mm)) ++check.Beyond;
-        }
-    }
-    if (check.InUse > 0) check.Word = check.Beyond == 0 ? Verdict::Pass : Verdict::Fail;
-    return check;
 }
 
 std::string StartSystem() {

@@ -134,7 +134,7 @@ std::string Introduction(const FitOptions& options, const FitPoint* worst) {
     if (worst != nullptr)
         html += Card("largest deviation, " + std::string(worst->Name), ShownLength(worst->Deviation3D));
     html += "</div>\n";
-    if (const ToleranceCheck check = HeldAgainstTolerance(); check.Word != Verdict::None)
+    if (const ToleranceCheck check = CheckTolerance(); check.Word != Verdict::None)
         html += std::string(check.Word == Verdict::Fail ? "<p class=\"alarm\">" : "<p>") + "Tolerance " +
                 EscapeMarkup(ToleranceInWords(check)) + ".</p>\n";
     return html;
@@ -223,9 +223,9 @@ std::string PointTable(const std::vector<FitPoint>& all, const FitPoint* worst) 
         html += Cell(std::string(point.Name) + (isWorst ? " (largest)" : ""));
         for (int axis = 0; axis < 3; ++axis) {
             const std::string value = ShownLength(point.Deviation[axis]);
-            html += !point.Used[axis]                  ? Cell("(" + value + ")", "unused")
-                    : IsBeyond(point, axis, tolerance) ? Cell(value, "beyond")
-                                                       : Cell(value);
+            html += !point.Used[axis]                           ? Cell("(" + value + ")", "unused")
+                    : IsBeyond(point.Pair, axis + 1, tolerance) ? Cell(value, "beyond")
+                                                                : Cell(value);
         }
         html += Cell(ShownLength(point.Deviation3D)) + "</tr>\n";
     }

@@ -165,7 +165,7 @@ void WriteQuality(const Style& style, std::ostream& out) {
         << style.Heading(columns.Line({"Quality", "x", "y", "z", "xyz"})) << "  "
         << style.Quiet(Job.LengthUnitName) << "\n";
     out << columns.Line(mean) << "\n" << columns.Line(s0) << "\n";
-    if (const ToleranceCheck check = HeldAgainstTolerance(); check.Word != Verdict::None)
+    if (const ToleranceCheck check = CheckTolerance(); check.Word != Verdict::None)
         out << columns.Line({"tolerance"}) << "  "
             << (check.Word == Verdict::Fail ? style.Alarm(ToleranceInWords(check)) : ToleranceInWords(check))
             << "\n";
@@ -245,11 +245,11 @@ DeviationLook LookAtDeviations() {
 }
 
 // "beyond in x, z"; "" where no coordinate is beyond the tolerance.
-std::string AxesBeyond(const FitPoint& point, double tolerance_mm) {
+std::string AxesBeyond(int pair, double tolerance_mm) {
     std::string axes;
-    for (int axis = 0; axis < 3; ++axis)
-        if (IsBeyond(point, axis, tolerance_mm))
-            axes += (axes.empty() ? "beyond in " : ", ") + std::string(1, "xyz"[axis]);
+    for (int axis = 1; axis <= 3; ++axis)
+        if (IsBeyond(pair, axis, tolerance_mm))
+            axes += (axes.empty() ? "beyond in " : ", ") + std::string(1, "xyz"[axis - 1]);
     return axes;
 }
 
@@ -267,7 +267,7 @@ void WriteDeviations(const Style& style, std::ostream& out) {
         for (std::size_t axis = 0; axis < 3; ++axis)
             cells[axis + 1] = DeviationCell(point.Deviation[axis], point.Used[axis]);
         cells[kLengthColumn] = ShownLength(point.Deviation3D);
-        const std::string beyond = AxesBeyond(point, tolerance);
+        const std::string beyond = AxesBeyond(i, tolerance);
         if (i == look.Largest || !beyond.empty()) {
             const std::string marks =
                 i == look.Largest ? "largest" + (beyond.empty() ? "" : ", " + beyond) : beyond;

@@ -1,13 +1,13 @@
 // What the point table shows, cell by cell.
 #include "engine/point_table.h"
 
-#include <cmath>
 #include <utility>
 
 #include "core/job.h"
 #include "core/job_tolerance.h"
 #include "core/numbers.h"
 #include "core/window.h"
+#include "engine/tolerance_check.h"
 
 namespace corvinade::engine {
 
@@ -146,11 +146,9 @@ std::int32_t PointTableBackColor(const PointTable& table, int row, int col) {
         const std::size_t point = At(PointOfRow(table, row));
         return QbColor(table.InUse[point][At(col - kColUseX)] ? kWhite : kYellow);
     }
-    if (col >= kColX && col <= kColZ && table.Tolerance > 0 && IsDeviationRow(table, row)) {
-        const std::size_t point = At(PointOfRow(table, row)), axis = At(col - kColX);
-        const bool beyond = !(std::fabs(table.Deviations[point][axis]) <= table.Tolerance);
-        return beyond && table.InUse[point][axis] ? kBeyondTolerance : kSystemColour;
-    }
+    if (col >= kColX && col <= kColZ && IsDeviationRow(table, row))
+        return IsBeyond(PointOfRow(table, row), col - kColX + 1, table.Tolerance) ? kBeyondTolerance
+                                                                                  : kSystemColour;
     if (col != kColName || !HoldsName(table, row)) return kSystemColour;
     const std::string& name = table.Names[At(PointOfRow(table, row))];
     for (const std::string& seed : table.Seeds)

@@ -1,6 +1,7 @@
 // Whether the job keeps its tolerance, and the fields of the calculation window that say so.
 #include "engine/tolerance_check.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -10,7 +11,12 @@
 #include "core/numbers.h"
 #include "core/run.h"
 #include "core/units.h"
+#include "engine/adjustment.h"
+#include "engine/calculation.h"
 #include "engine/calculation_window.h"
+#include "engine/result_state.h"
+#include "engine/transform.h"
+#include "fit/vector.h"
 
 namespace corvinade::engine {
 
@@ -53,21 +59,31 @@ void ShowVerdict() {
 
 }  // namespace
 
-bool IsBeyond(int pair, int axis, double deviation_mm, double tolerance_mm) {
-    if (!(tolerance_mm > 0) || pair < 1 || 3 * pair > UpperBound(Job.UseFlags)) return false;
-    return Used(pair, axis) && !(std::fabs(deviation_mm) <= tolerance_mm);
+Vec3 DeviationInFit(int pair) {
+    const Vec3 image = TransformedPoint(pair), target = TargetPoint(pair);
+    const Vec3 way(image(1) - target(1), image(2) - target(2), image(3) - target(3));
+    if (!CalculationIsOfThisJob() || Adjustment.Model.Mode != FitMode::Distance) return way;
+    const double length = Hypot3(way(1), way(2), way(3));
+    const double share = length > 0 ? 1 - Job.RDist / length : 0;
+    return {share * way(1), share * way(2), share * way(3)};
+}
+
+bool IsBeyond(int pair, int axis, double tolerance_mm) {
+    if (!(tolerance_mm > 0) || pair < 1 || pair > std::min(Job.Pairs(), Job.Transformed.Count()) ||
+        3 * pair > UpperBound(Job.UseFlags))
+        return false;
+    return Used(pair, axis) && !(std::fabs(DeviationInFit(pair)(axis)) <= tolerance_mm);
 }
 
 ToleranceCheck CheckTolerance() {
     ToleranceCheck check{.Tolerance_mm = ToleranceOf(Job)};
-    if (!(check.Tolerance_mm > 0) || !IsTrue(Run.TrafoValid) || UpperBound(Job.UseFlags) < 3 * Job.Pairs())
-        return check;
+    const bool hasResult = IsTrue(Run.TrafoValid) || StoredResultStands();
+    if (!(check.Tolerance_mm > 0) || !hasResult || UpperBound(Job.UseFlags) < 3 * Job.Pairs()) return check;
     for (int i = 1; i <= Job.Pairs(); ++i) {
-        const Vec3 image = TransformedPoint(i), target = TargetPoint(i);
         for (int axis = 1; axis <= 3; ++axis) {
             if (!Used(i, axis)) continue;
             ++check.InUse;
-            if (IsBeyond(i, axis, image(axis) - target(axis), check.Tolerance_mm)) ++check.Beyond;
+            if (IsBeyond(i, axis, check.Tolerance_mm)) ++check.Beyond;
         }
     }
     if (check.InUse > 0) check.Word = check.Beyond == 0 ? Verdict::Pass : Verdict::Fail;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/rooms.h"
+#include "fit/arrays.h"
 
 namespace corvinade::engine {
 
@@ -20,9 +21,13 @@ struct ToleranceCheck {
     double Tolerance_mm = 0;
 };
 
-// Is this coordinate (axis 1 to 3) of a pair in use and farther from its target than the tolerance? False
-// without a tolerance.
-bool IsBeyond(int pair, int axis, double deviation_mm, double tolerance_mm);
+// What the tolerance is held against, mm: the transformed start less its target; of a calculation of
+// distances what of that way is more (or less) than the distance, along the axes.
+Vec3 DeviationInFit(int pair);
+
+// Is this coordinate (axis 1 to 3) of a pair in use, and does it deviate in the fit by more than the
+// tolerance? False without one, 0.
+bool IsBeyond(int pair, int axis, double tolerance_mm);
 
 // Of the points as the job's result has transformed them.
 ToleranceCheck CheckTolerance();

@@ -187,10 +187,7 @@ void FillFlagLabel(const ScreenWindow& window, int row, const FlagRecord& record
         for (std::size_t axis = 0; axis < 3 && points.Pair != 0; ++axis) {
             label.InUse[axis] = Used(points.Pair, static_cast<int>(axis) + 1);
             label.Beyond[axis] = points.HasActual && points.HasNominal &&
-                                 IsBeyond(points.Pair, static_cast<int>(axis) + 1,
-                                          points.Actual(static_cast<int>(axis) + 1) -
-                                              points.Nominal(static_cast<int>(axis) + 1),
-                                          ToleranceOf(Job));
+                                 IsBeyond(points.Pair, static_cast<int>(axis) + 1, ToleranceOf(Job));
             if (label.InUse[axis]) label.Text[kFlagUse][kFlagX + axis] = "X";
         }
     }

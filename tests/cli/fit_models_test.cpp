@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "cli/fit_command.h"
+#include "engine/tolerance_check.h"
 #include "support/degrees.h"
 
 using namespace corvinade;
@@ -106,6 +107,20 @@ TEST_F(RobotFits, TargetsAtOneDistanceGiveTheDistanceAndTheTransformation) {
     EXPECT_EQ(fit["counts"]["observations"], 10) << "a distance a point";
     for (const json& point : fit["points"])
         EXPECT_NEAR(point["residual3D_mm"].get<double>(), 0, 1e-5) << "the distance is no deviation";
+}
+
+// The way to the target is 25 mm long everywhere, and none of that is a deviation.
+TEST_F(RobotFits, DistancesKeepATolerance) {
+    const std::string page = PathOf("distances.html");
+    const json fit = DistanceFit({startFile_, TargetsOnSpheres(), "--within", "0.01", "--report", page});
+    EXPECT_EQ(fit["tolerance"]["verdict"], "pass");
+    EXPECT_EQ(fit["tolerance"]["beyond"], 0);
+    EXPECT_NE(Contents(page).find("0.01 millimeter: pass"), std::string::npos);
+    for (const json& point : fit["points"]) EXPECT_EQ(point["beyond"], json({false, false, false}));
+    // The windows, whose cells ask the same.
+    EXPECT_EQ(CheckTolerance().Word, Verdict::Pass);
+    for (int axis = 1; axis <= 3; ++axis) EXPECT_FALSE(IsBeyond(1, axis, 0.01));
+    EXPECT_TRUE(IsBeyond(1, 1, 1e-12) || IsBeyond(1, 2, 1e-12) || IsBeyond(1, 3, 1e-12));
 }
 
 TEST_F(RobotFits, ADistanceThatHasNoDirectionAtTheStartIsRefusedWithThePointsName) {
