@@ -8,12 +8,14 @@
 #include "core/form_main.h"
 #include "core/form_units.h"
 #include "core/job.h"
+#include "core/job_tolerance.h"
 #include "core/run.h"
 #include "core/settings.h"
 #include "core/units.h"
 #include "core/window.h"
 #include "engine/calculation_window.h"
 #include "engine/norm_table.h"
+#include "engine/tolerance_check.h"
 #include "engine/undo_job.h"
 
 namespace corvinade::engine {
@@ -22,6 +24,7 @@ namespace {
 
 constexpr const char* kUse = "Use of Points";
 constexpr const char* kNorm = "Norm";
+constexpr const char* kTolerance = "Tolerance";
 constexpr const char* kParameters = "Parameters";
 constexpr const char* kUnits = "Units";
 
@@ -78,6 +81,7 @@ void LookAtJob() {
     Undo.Units = UnitsNow();
     Undo.UseFlags = Job.UseFlags;
     Undo.Norm = Job.NormType;
+    Undo.Tolerance = ToleranceOf(Job);
     Undo.Choices = ChoicesNow();
 }
 
@@ -115,7 +119,10 @@ int OnlyField(const ParameterChoices& before, const ParameterChoices& after) {
 }
 
 UndoStep StepToNow() {
-    UndoStep step{.NormBefore = Undo.Norm, .NormAfter = Job.NormType};
+    UndoStep step{.NormBefore = Undo.Norm,
+                  .NormAfter = Job.NormType,
+                  .ToleranceBefore = Undo.Tolerance,
+                  .ToleranceAfter = ToleranceOf(Job)};
     for (std::size_t i = 0; i < Job.UseFlags.size(); ++i)
         if (Undo.UseFlags[i] != Job.UseFlags[i])
             step.Use.push_back({static_cast<std::int32_t>(i), Undo.UseFlags[i], Job.UseFlags[i]});
@@ -132,7 +139,8 @@ UndoStep StepToNow() {
         step.UnitsAfter = units;
         if (!step.Before) step.Before = step.After = now;
     }
-    const bool norm = step.NormBefore != step.NormAfter;
+    const bool norm = step.NormBefore != step.NormAfter,
+               tolerance = step.ToleranceBefore != step.ToleranceAfter;
     if (!step.Use.empty())
         step.Name = kUse;
     else if (step.UnitsBefore)
@@ -141,8 +149,11 @@ UndoStep StepToNow() {
         step.Name = kNorm;
     else if (step.Before)
         step.Name = kParameters;
-    if (step.Before && step.Use.empty() && !norm && !step.UnitsBefore)
-        step.Typed = OnlyField(*step.Before, *step.After);
+    else if (tolerance)
+        step.Name = kTolerance;
+    if (!step.Use.empty() || norm || step.UnitsBefore) return step;
+    if (step.Before && !tolerance) step.Typed = OnlyField(*step.Before, *step.After);
+    if (!step.Before && tolerance) step.Typed = kTypedTolerance;
     return step;
 }
 
@@ -152,10 +163,12 @@ std::size_t SizeOf(const UndoStep& step) {
 
 void Keep(UndoStep&& step) {
     Undo.Steps.resize(Undo.Done);
-    if (step.Typed != 0 && Undo.Done > 0 && Undo.Steps.back().Typed == step.Typed)
+    if (step.Typed != 0 && Undo.Done > 0 && Undo.Steps.back().Typed == step.Typed) {
         Undo.Steps.back().After = std::move(step.After);
-    else
+        Undo.Steps.back().ToleranceAfter = step.ToleranceAfter;
+    } else {
         Undo.Steps.push_back(std::move(step));
+    }
     std::size_t bytes = 0, kept = 0;
     for (auto old = Undo.Steps.rbegin(); old != Undo.Steps.rend(); ++old) {
         bytes += SizeOf(*old);
@@ -203,6 +216,12 @@ void PutChosen(const UndoStep& step, bool back) {
         if (choices && WindowIsOpen()) PutChoices(*choices);
     }
     Run.JobDirty = kTrue;
+    if (step.ToleranceBefore != step.ToleranceAfter) {
+        PutTolerance(back ? step.ToleranceBefore : step.ToleranceAfter, Job);
+        ShowTolerance(true);
+        Changed(What::Coordinates);
+    }
+    if (step.Typed == kTypedTolerance) return;
     if (!step.Use.empty()) {
         if (WindowIsOpen()) TabelleFüllenNeu();
         Changed(What::Use);

@@ -1,6 +1,6 @@
-// Undo and redo of what the user does to the job: use of points, norm, parameters with their held values and
-// seeds, units, direction and import, and what rooms above keep of theirs. Results are none of it; one of
-// another choice is out of date.
+// Undo and redo of what the user does to the job: use of points, norm, tolerance, parameters with their held
+// values and seeds, units, direction and import, and what rooms above keep of theirs. Results are none of it;
+// one of another choice is out of date.
 #pragma once
 
 #include <array>
@@ -61,12 +61,17 @@ struct KeptJob {
 
 enum class JobChange : std::uint8_t { Direction, Import };
 
+inline constexpr int kTypedTolerance = -1;
+
 struct UndoStep {
     const char* Name = "";
     std::vector<UseTurn> Use;
     std::int16_t NormBefore = 0, NormAfter = 0;
+    double ToleranceBefore = 0, ToleranceAfter = 0;  // mm
     std::optional<ParameterChoices> Before, After;
-    int Typed = 0;  // 1 + the one field that differs, held before seed; what is typed into it is one step
+    // 1 + the one field that differs, held before seed, or kTypedTolerance: what is typed into it is one
+    // step.
+    int Typed = 0;
     std::optional<UnitChoice> UnitsBefore, UnitsAfter;
     std::shared_ptr<KeptJob> Other;  // changes places with the job
     JobChange Change = JobChange::Direction;
@@ -87,6 +92,7 @@ struct UndoRecord {
     UndoGround Ground;
     std::vector<std::int16_t> UseFlags;
     std::int16_t Norm = 0;
+    double Tolerance = 0;
     std::optional<ParameterChoices> Choices;  // of the window, while it is open
     UnitChoice Units;
 };

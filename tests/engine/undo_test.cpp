@@ -7,6 +7,7 @@
 #include "core/desktop_defaults.h"
 #include "core/form_units.h"
 #include "core/job_file.h"
+#include "core/job_tolerance.h"
 #include "engine/calculation_job.h"
 #include "engine/norm_table.h"
 
@@ -88,6 +89,35 @@ TEST_F(UndoOfChoices, TheNormIsThatOfBeforeInJobAndWindow) {
     EXPECT_EQ(w.OptionL1.Value, 0);
     Again();
     EXPECT_EQ(w.OptionL1.Value, 1);
+}
+
+TEST_F(UndoOfChoices, WhatIsTypedAsToleranceIsOneStep) {
+    OpenWithDeviations();
+    UserSetText(w.TextTolerance, "0");
+    UserSetText(w.TextTolerance, "0.");
+    UserSetText(w.TextTolerance, "0.0");
+    UserSetText(w.TextTolerance, "0.07");
+    UserSetText(w.TextTolerance, "0.075");
+    EXPECT_EQ(Main.MenuEditUndo.Text, "&Undo Tolerance");
+    TurnDeviation(1);
+    UserSetText(w.TextTolerance, "2");
+    Back();
+    EXPECT_EQ(ToleranceOf(Job), 0.075);
+    EXPECT_EQ(w.TextTolerance.Text, "0.075");
+    EXPECT_EQ(OutOfUse(), 1u);
+    Back();
+    EXPECT_EQ(OutOfUse(), 0u);
+    EXPECT_EQ(ToleranceOf(Job), 0.075);
+    Back();
+    EXPECT_EQ(ToleranceOf(Job), 0);
+    EXPECT_EQ(w.TextTolerance.Text, "");
+    EXPECT_FALSE(Main.MenuEditUndo.Enabled);
+    Again();
+    Again();
+    Again();
+    EXPECT_EQ(ToleranceOf(Job), 2);
+    EXPECT_EQ(w.TextTolerance.Text, "2");
+    EXPECT_EQ(OutOfUse(), 1u);
 }
 
 TEST_F(UndoOfChoices, ParametersHeldValuesAndSeedsComeBack) {
