@@ -68,6 +68,10 @@ class DrivenProgram {
 public:
     explicit DrivenProgram(const std::string& job) {
         process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        // What ignores a hang-up, as nohup does, hands that on.
+        process_.setChildProcessModifier([] {
+            for (const int signal : {SIGTERM, SIGHUP}) std::signal(signal, SIG_DFL);
+        });
         process_.start(QApplication::applicationFilePath(), {QStringLiteral("session"), Q(job)});
     }
     ~DrivenProgram() {
