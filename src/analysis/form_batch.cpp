@@ -21,6 +21,8 @@
 
 namespace corvinade::analysis {
 
+FormBatch Batch;
+
 namespace {
 
 FormBatch& w = Batch;

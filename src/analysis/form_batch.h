@@ -41,7 +41,7 @@ struct FormBatch {
     static void BtnStartBatch_Click();
     static void BtnCancel_Click();
 };
-inline FormBatch Batch;
+extern FormBatch Batch;
 extern const WindowEntry FormBatch_Entry;
 
 // Names of the files of a folder, to which the separator is added where it is missing.

@@ -9,6 +9,8 @@
 
 namespace corvinade::analysis {
 
+FormChangeDir ChangeDir;
+
 namespace {
 
 FormChangeDir& w = ChangeDir;

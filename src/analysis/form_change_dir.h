@@ -32,7 +32,7 @@ struct FormChangeDir {
     static void BtnOK_Click();
     static void BtnCancel_Click();
 };
-inline FormChangeDir ChangeDir;
+extern FormChangeDir ChangeDir;
 extern const WindowEntry FormChangeDir_Entry;
 
 // Outlives the window, for whoever waits for it.

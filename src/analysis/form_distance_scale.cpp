@@ -19,6 +19,8 @@
 
 namespace corvinade::analysis {
 
+FormDistanceScale DistanceScaleWindow;
+
 const std::array<const char*, kDistanceScaleCols> kDistanceScaleHeadings = {
     "Von Pkt", "max delta s", "bei Pkt", "min delta s",          "bei Pkt",      "max Scale ",
     "bei Pkt", "min Scale",   "bei Pkt", "Schnitt Abs(delta s)", "Schnitt Scale"};

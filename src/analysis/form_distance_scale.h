@@ -33,7 +33,7 @@ struct FormDistanceScale {
     static void TabelleScale_Click();
     static void TabelleScale_Key();
 };
-inline FormDistanceScale DistanceScaleWindow;
+extern FormDistanceScale DistanceScaleWindow;
 extern const WindowEntry FormDistanceScale_Entry;
 
 inline constexpr int kDistanceScaleCols = 11;

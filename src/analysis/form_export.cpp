@@ -22,6 +22,8 @@
 
 namespace corvinade::analysis {
 
+FormExport ExportWindow;
+
 namespace {
 
 FormExport& w = ExportWindow;

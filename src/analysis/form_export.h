@@ -37,7 +37,7 @@ struct FormExport {
     static void BtnSave_Click();
     static void BtnClose_Click();
 };
-inline FormExport ExportWindow;
+extern FormExport ExportWindow;
 extern const WindowEntry FormExport_Entry;
 
 // Shows what the forms make of the result that there is now. Does nothing while the window is not open.

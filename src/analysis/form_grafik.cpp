@@ -16,6 +16,8 @@
 
 namespace corvinade::analysis {
 
+FormGrafik GrafikWindow;
+
 namespace {
 
 FormGrafik& w = GrafikWindow;

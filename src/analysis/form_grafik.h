@@ -25,7 +25,7 @@ struct FormGrafik {
 
     static void Form_Escape();
 };
-inline FormGrafik GrafikWindow;
+extern FormGrafik GrafikWindow;
 extern const WindowEntry FormGrafik_Entry;
 
 // Shows array[first] to array[last] in the chart and opens its window where it is not open. Values that no

@@ -12,6 +12,8 @@
 
 namespace corvinade::analysis {
 
+FormInputStatistic InputStatistic;
+
 namespace {
 
 // With DesktopDefaults.AfterImport: what to do with what has come in.

@@ -40,7 +40,7 @@ struct FormInputStatistic {
     static void BtnNextPairs_Click();
     static void BtnNextCalculation_Click();
 };
-inline FormInputStatistic InputStatistic;
+extern FormInputStatistic InputStatistic;
 extern const WindowEntry FormInputStatistic_Entry;
 
 void FORMfüllen();             // refills the window

@@ -22,6 +22,8 @@
 
 namespace corvinade::analysis {
 
+FormMainSheet MainSheetWindow;
+
 namespace {
 
 FormMainSheet& w = MainSheetWindow;

@@ -24,7 +24,7 @@ struct FormMainSheet {
     static void MSFlexGrid1_RightClick();
     static void MSFlexGrid1_Key();
 };
-inline FormMainSheet MainSheetWindow;
+extern FormMainSheet MainSheetWindow;
 extern const WindowEntry FormMainSheet_Entry;
 
 // Refills the sheet where it is open, from a job with valid data. Yields at each row.

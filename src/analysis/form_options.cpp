@@ -8,6 +8,8 @@
 
 namespace corvinade::analysis {
 
+FormOptions OptionsWindow;
+
 namespace {
 
 const ControlEntry kControls[] = {

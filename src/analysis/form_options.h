@@ -54,7 +54,7 @@ struct FormOptions {
     //   TextGimbalLock           in the angle unit
     static void EinstellungenÜbernehmen();
 };
-inline FormOptions OptionsWindow;
+extern FormOptions OptionsWindow;
 extern const WindowEntry FormOptions_Entry;
 
 }  // namespace corvinade::analysis

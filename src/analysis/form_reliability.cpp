@@ -21,6 +21,8 @@
 
 namespace corvinade::analysis {
 
+FormReliability Reliability;
+
 namespace {
 
 FormReliability& w = Reliability;

@@ -67,7 +67,7 @@ struct FormReliability {
     static void BtnCopy_Click();
     static void BtnClose_Click();
 };
-inline FormReliability Reliability;
+extern FormReliability Reliability;
 extern const WindowEntry FormReliability_Entry;
 
 // Fills all of it from the last calculation. Of a job without one, and where there are no statistics, the

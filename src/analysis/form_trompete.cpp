@@ -11,6 +11,8 @@
 
 namespace corvinade::analysis {
 
+FormTrompete Trumpet;
+
 namespace {
 
 FormTrompete& w = Trumpet;

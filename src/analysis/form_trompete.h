@@ -29,7 +29,7 @@ struct FormTrompete {
     static void Form_Unload();
     static void Form_Escape();
 };
-inline FormTrompete Trumpet;
+extern FormTrompete Trumpet;
 extern const WindowEntry FormTrompete_Entry;
 
 // How far from a point the mouse may be to mean it, pixels.

@@ -16,6 +16,8 @@
 
 namespace corvinade::bundle {
 
+FormBündel BündelWindow;
+
 namespace {
 
 FormBündel& w = BündelWindow;

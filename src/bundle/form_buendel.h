@@ -30,7 +30,7 @@ struct FormBündel {
     static void Command1_Click();
     static void CommandSTOP_Click();
 };
-inline FormBündel BündelWindow;
+extern FormBündel BündelWindow;
 extern const WindowEntry FormBündel_Entry;
 
 // Reads the bundle file of the input dialog and opens the window.

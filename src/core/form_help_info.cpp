@@ -7,6 +7,8 @@
 
 namespace corvinade::core {
 
+FormMenuHelpInfo HelpInfo;
+
 namespace {
 
 const ControlEntry kControls[] = {

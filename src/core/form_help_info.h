@@ -19,7 +19,7 @@ struct FormMenuHelpInfo {
     static void BtnEditIniFile_Click();
     static void BtnOK_Click();
 };
-inline FormMenuHelpInfo HelpInfo;
+extern FormMenuHelpInfo HelpInfo;
 extern const WindowEntry FormMenuHelpInfo_Entry;
 
 }  // namespace corvinade::core

@@ -11,6 +11,8 @@
 
 namespace corvinade::core {
 
+FormMain Main;
+
 void FormMain::MenuFileNew_Click() {
     MenuFileNew_Command();
 }

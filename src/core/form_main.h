@@ -183,7 +183,7 @@ struct FormMain {
 
     static void Form_Unload();
 };
-inline FormMain Main;
+extern FormMain Main;
 // Its controls stand above all rooms (main_window.cpp), for its commands are those of all of them.
 extern const WindowEntry FormMain_Entry;
 

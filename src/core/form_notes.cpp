@@ -10,6 +10,8 @@
 
 namespace corvinade::core {
 
+FormNotes NotesWindow;
+
 namespace {
 
 FormNotes& w = NotesWindow;

@@ -29,7 +29,7 @@ struct FormNotes {
     static void BtnCopy_Click();
     static void BtnClose_Click();
 };
-inline FormNotes NotesWindow;
+extern FormNotes NotesWindow;
 extern const WindowEntry FormNotes_Entry;
 
 // The list in the main window's status bar ("3 notes"; nothing where there are none; the colour of a warning

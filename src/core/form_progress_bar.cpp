@@ -5,6 +5,8 @@
 
 namespace corvinade::core {
 
+FormProgressBar Progress;
+
 namespace {
 
 const ControlEntry kControls[] = {

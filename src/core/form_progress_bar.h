@@ -14,7 +14,7 @@ struct FormProgressBar {
 
     static void BtnCancel_Click();
 };
-inline FormProgressBar Progress;
+extern FormProgressBar Progress;
 extern const WindowEntry FormProgressBar_Entry;
 
 // Keeps the progress window open for as long as the object lives.

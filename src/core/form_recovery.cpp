@@ -10,6 +10,8 @@
 
 namespace corvinade::core {
 
+FormRecovery RecoveryWindow;
+
 namespace {
 
 FormRecovery& w = RecoveryWindow;

@@ -29,7 +29,7 @@ struct FormRecovery {
     static void BtnDiscard_Click();
     static void BtnClose_Click();
 };
-inline FormRecovery RecoveryWindow;
+extern FormRecovery RecoveryWindow;
 extern const WindowEntry FormRecovery_Entry;
 
 // The start of the copies: another face than the desktop has them only where it is asked to. Shows what was

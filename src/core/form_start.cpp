@@ -16,6 +16,8 @@
 
 namespace corvinade::core {
 
+FormStart StartPage;
+
 namespace {
 
 FormStart& w = StartPage;

@@ -41,7 +41,7 @@ struct FormStart {
     static void CheckAtStart_Click();
     static void BtnClose_Click();
 };
-inline FormStart StartPage;
+extern FormStart StartPage;
 extern const WindowEntry FormStart_Entry;
 
 // At the start of the program, where no job is opened with it and nobody has switched the page off.

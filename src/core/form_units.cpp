@@ -10,6 +10,8 @@
 
 namespace corvinade::core {
 
+FormUnits UnitsWindow;
+
 namespace {
 
 const ControlEntry kControls[] = {

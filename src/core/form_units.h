@@ -26,7 +26,7 @@ struct FormUnits {
     static void Form_Escape();
     static void BtnOK_Click();
 };
-inline FormUnits UnitsWindow;
+extern FormUnits UnitsWindow;
 extern const WindowEntry FormUnits_Entry;
 
 }  // namespace corvinade::core

@@ -19,6 +19,8 @@
 
 namespace corvinade::engine {
 
+FormTrafoBerechnung TrafoWindow;
+
 namespace {
 
 FormTrafoBerechnung& w = TrafoWindow;

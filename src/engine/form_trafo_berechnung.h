@@ -168,7 +168,7 @@ struct FormTrafoBerechnung {
     static void TextMinDevYPkt_DblClick();
     static void TextMinDevZPkt_DblClick();
 };
-inline FormTrafoBerechnung TrafoWindow;
+extern FormTrafoBerechnung TrafoWindow;
 extern const WindowEntry FormTrafoBerechnung_Entry;
 
 }  // namespace corvinade::engine

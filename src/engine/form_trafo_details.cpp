@@ -10,6 +10,8 @@
 
 namespace corvinade::engine {
 
+FormTrafoDetails DetailsWindow;
+
 namespace {
 
 FormTrafoDetails& w = DetailsWindow;

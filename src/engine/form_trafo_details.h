@@ -45,7 +45,7 @@ struct FormTrafoDetails {
     static void Check1_Click();
     static void BtnOK_Click();
 };
-inline FormTrafoDetails DetailsWindow;
+extern FormTrafoDetails DetailsWindow;
 extern const WindowEntry FormTrafoDetails_Entry;
 
 // Fills all grids from the job's present solution and the last Monte Carlo runs. The message of a solution

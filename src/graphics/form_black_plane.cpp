@@ -8,6 +8,8 @@
 
 namespace corvinade::graphics {
 
+FormBlackPlane BlackPlaneWindow;
+
 namespace {
 
 FormBlackPlane& w = BlackPlaneWindow;

@@ -29,7 +29,7 @@ struct FormBlackPlane {
     static void BtnOK_Click();
     static void BtnCancel_Click();
 };
-inline FormBlackPlane BlackPlaneWindow;
+extern FormBlackPlane BlackPlaneWindow;
 extern const WindowEntry FormBlackPlane_Entry;
 
 // Shows the planes of a window where the dialog is open and refers to it.

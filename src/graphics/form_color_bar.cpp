@@ -22,6 +22,8 @@
 
 namespace corvinade::graphics {
 
+FormColorBar ColorBarWindow;
+
 namespace {
 
 using Dialog = FormColorBar;

@@ -91,7 +91,7 @@ struct FormColorBar {
     static void GridPlane_Click();  // CheckShowXY, CheckShowYZ, CheckShowZX
     static void Setting_Click();    // all that has no more to do than to be applied
 };
-inline FormColorBar ColorBarWindow;
+extern FormColorBar ColorBarWindow;
 extern const WindowEntry FormColorBar_Entry;
 
 void ColorBar_ShowWindow(const ScreenWindow& window);  // SetFormtoVars, where the dialog is open

@@ -17,6 +17,8 @@
 
 namespace corvinade::graphics {
 
+FormEditFahne EditFahneWindow;
+
 namespace {
 
 using Dialog = FormEditFahne;

@@ -71,7 +71,7 @@ struct FormEditFahne {
     static void BtnOK_Click();
     static void BtnCancel_Click();
 };
-inline FormEditFahne EditFahneWindow;
+extern FormEditFahne EditFahneWindow;
 extern const WindowEntry FormEditFahne_Entry;
 
 // An open dialog turns to another window that has become the active one.

@@ -14,6 +14,8 @@
 
 namespace corvinade::graphics {
 
+FormGraphicsOptions GraphicsOptionsWindow;
+
 namespace {
 
 using Dialog = FormGraphicsOptions;

@@ -49,7 +49,7 @@ struct FormGraphicsOptions {
     static void BtnOK_Click();
     static void BtnCancel_Click();
 };
-inline FormGraphicsOptions GraphicsOptionsWindow;
+extern FormGraphicsOptions GraphicsOptionsWindow;
 extern const WindowEntry FormGraphicsOptions_Entry;
 
 // The switch of the colour bar has been turned elsewhere; the open dialog follows.

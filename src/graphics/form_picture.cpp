@@ -20,6 +20,8 @@
 
 namespace corvinade::graphics {
 
+FormPicture PictureWindow;
+
 namespace {
 
 FormPicture& w = PictureWindow;

@@ -59,7 +59,7 @@ struct FormPicture {
     static void BtnCopy_Click();
     static void BtnClose_Click();
 };
-inline FormPicture PictureWindow;
+extern FormPicture PictureWindow;
 extern const WindowEntry FormPicture_Entry;
 
 // Size and look that were chosen last, for the next time that the window opens.

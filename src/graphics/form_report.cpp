@@ -20,6 +20,8 @@
 
 namespace corvinade::graphics {
 
+FormReport ReportWindow;
+
 namespace {
 
 FormReport& w = ReportWindow;

@@ -40,7 +40,7 @@ struct FormReport {
     static void BtnPrint_Click();
     static void BtnClose_Click();
 };
-inline FormReport ReportWindow;
+extern FormReport ReportWindow;
 extern const WindowEntry FormReport_Entry;
 
 // What was chosen last, for the next time that the window opens.

@@ -8,6 +8,8 @@
 
 namespace corvinade::graphics {
 
+FormSaveView SaveViewWindow;
+
 namespace {
 
 FormSaveView& w = SaveViewWindow;

@@ -21,7 +21,7 @@ struct FormSaveView {
     static void BtnOK_Click();
     static void BtnAbbrechen_Click();
 };
-inline FormSaveView SaveViewWindow;
+extern FormSaveView SaveViewWindow;
 extern const WindowEntry FormSaveView_Entry;
 
 // Outlives the window, for whoever waits for it.

@@ -26,6 +26,8 @@
 
 namespace corvinade::import {
 
+FormInputFiles InputFiles;
+
 namespace {
 
 const ControlEntry kControls[] = {

@@ -100,7 +100,7 @@ struct FormInputFiles {
     static void BtnApply_Click();
     static void BtnCancel_Click();
 };
-inline FormInputFiles InputFiles;
+extern FormInputFiles InputFiles;
 extern const WindowEntry FormInputFiles_Entry;
 
 // The import that the controls of the dialog ask for (import/import_request.h), or that of the bundle file.

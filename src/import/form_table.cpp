@@ -13,6 +13,8 @@
 
 namespace corvinade::import {
 
+FormTable TableWindow;
+
 namespace {
 
 FormTable& w = TableWindow;

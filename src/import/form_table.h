@@ -80,7 +80,7 @@ struct FormTable {
     static void BtnOK_Click();
     static void BtnCancel_Click();
 };
-inline FormTable TableWindow;
+extern FormTable TableWindow;
 extern const WindowEntry FormTable_Entry;
 
 // Grounds of cells, RGB with red in the low byte.

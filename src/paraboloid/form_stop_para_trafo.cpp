@@ -6,6 +6,8 @@
 
 namespace corvinade::paraboloid {
 
+FormStopParaTrafo StopParaTrafo;
+
 namespace {
 
 const ControlEntry kControls[] = {

@@ -15,7 +15,7 @@ struct FormStopParaTrafo {
     static void BtnStopParaTrafo_Click();
     static void Form_Unload();
 };
-inline FormStopParaTrafo StopParaTrafo;
+extern FormStopParaTrafo StopParaTrafo;
 extern const WindowEntry FormStopParaTrafo_Entry;
 
 // Ends the fit behind its present pass: sets ParaboloidRun.ParaStopRequested, closes this window and lets the

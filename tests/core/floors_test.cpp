@@ -313,6 +313,22 @@ TEST(Floors, EveryHeaderThatABenchmarkIncludesExists) {
     EXPECT_GT(looked, 50);
 }
 
+// An inline record of a window is built and torn down anew by the code of every source that sees it, which
+// took half of the compiler's time.
+TEST(Floors, TheRecordOfAWindowIsDefinedInItsSource) {
+    int windows = 0;
+    for (const fs::path& path : FilesBelow(kSource / "src")) {
+        if (path.extension() != ".h") continue;
+        std::istringstream lines(Contents(path.string()));
+        for (std::string line; std::getline(lines, line);) {
+            EXPECT_FALSE(line.starts_with("inline Form") && line.find('(') == std::string::npos)
+                << path << ": " << line;
+            windows += line.starts_with("extern Form") ? 1 : 0;
+        }
+    }
+    EXPECT_GT(windows, 20);
+}
+
 TEST(Floors, NoSourceFileIsLongerThanFiveHundredLines) {
     for (const fs::path& path : FilesBelow(kSource / "src")) {
         if (!IsSource(path)) continue;
