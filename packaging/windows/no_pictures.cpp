@@ -1,7 +1,9 @@
 // What paints for all faces is made with Qt, which the program for Windows is built without: in its place
 // stands who says so.
 #include "core/platform.h"
+#include "paint/page_surface.h"
 #include "paint/picture.h"
+#include "paint/picture_file.h"
 #include "paint/report_pdf.h"
 
 namespace corvinade::paint {
@@ -35,6 +37,21 @@ bool WritePicture(const ScreenWindow&, const std::string&) {
     Refuse();
 }
 std::string ReportPdf(const Report&) {
+    Refuse();
+}
+void FillSurfaceWithPage(Surface&) {
+    Refuse();
+}
+std::string PageOfWindow(const ScreenWindow&, double, double, const std::string&) {
+    Refuse();
+}
+std::string PageOfPlot(const Surface&, double, double, const std::string&) {
+    Refuse();
+}
+std::string PictureFileOf(const PictureOrder&, PictureFormat) {
+    Refuse();
+}
+bool CopyPicture(const std::string&) {
     Refuse();
 }
 

@@ -18,6 +18,7 @@ constexpr DesktopDefault kDefaults[] = {
     {"GridNumbers", &Record::GridNumbers},   {"FlagLetters", &Record::FlagLetters},
     {"PointsFollow", &Record::PointsFollow}, {"SheetDeviation", &Record::SheetDeviation},
     {"StartPage", &Record::StartPage},       {"TypedFiles", &Record::TypedFiles},
+    {"AxisColors", &Record::AxisColors},
 };
 
 }  // namespace

@@ -11,6 +11,7 @@ namespace corvinade::core {
 struct DesktopDefaultsRecord {
     bool Wanted = false;  // by the face, before the start
 
+    bool AxisColors = false;      // are dark on a light ground
     bool ColorLimits = false;     // of points in use; of both signs and alike for a signed component
     bool NeutralColor = false;    // points that have no deviation in the fit are grey
     bool ColorBar = false;        // with zero, unit and component

@@ -86,7 +86,8 @@ void ShowSteps() {
     show(w.BtnStepFit, data && Job.Pairs() >= 2, "Calculate the transformation",
          "The points come first: two at least that stand in both files");
     show(w.BtnStepCheck, data, "Look through points and deviations", "The points come first");
-    show(w.BtnStepHandOn, data && IsTrue(Run.TrafoValid), "Print the report, or save it as PDF, HTML or CSV",
+    // As the command of the exports: a stored result that is shown can be handed on too.
+    show(w.BtnStepHandOn, data && (IsTrue(Run.TrafoValid) || Main.MenueFileExport.Enabled), "Print the report, or save it as PDF, HTML or CSV",
          "The calculation comes first");
 }
 

@@ -8,6 +8,13 @@
 
 namespace corvinade::core {
 
+JobRecord::JobRecord() = default;
+JobRecord::~JobRecord() = default;
+JobRecord::JobRecord(const JobRecord&) = default;
+JobRecord::JobRecord(JobRecord&&) noexcept = default;
+JobRecord& JobRecord::operator=(const JobRecord&) = default;
+JobRecord& JobRecord::operator=(JobRecord&&) noexcept = default;
+
 void JobRecord::SetPairs(int pairs) {
     Require(pairs >= 0 && pairs <= std::min(Start.Count(), Target.Count()));
     pairs_ = pairs;

@@ -23,6 +23,14 @@ inline constexpr const char* kFloat = "float";
 inline constexpr const char* kNotUsed = "not used";
 
 struct JobRecord {
+    // Compiled once, and not by each of the many sources that see the record.
+    JobRecord();
+    ~JobRecord();
+    JobRecord(const JobRecord&);
+    JobRecord(JobRecord&&) noexcept;
+    JobRecord& operator=(const JobRecord&);
+    JobRecord& operator=(JobRecord&&) noexcept;
+
     // The points. After matching, points 1 to Pairs() of Start and Target are the pairs, with equal names;
     // nothing downstream searches by name.
     PointSet Start, Target;

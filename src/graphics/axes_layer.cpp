@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string>
 
+#include "core/desktop_defaults.h"
 #include "core/job.h"
 #include "core/numbers.h"
 #include "core/settings.h"
@@ -23,7 +24,13 @@ constexpr double kCornerLength = 50, kCornerLeft = 70, kCornerAboveEdge = 90;  /
 constexpr double kLabelShift = 5;                                              // pixels
 constexpr double kLargestExtent = 1e7, kExtentBeyond = 50000;                  // mm
 constexpr std::array<int, 3> kAxisColours = {12, 14, 10};                      // QB numbers
+constexpr std::array<int, 3> kDarkAxisColours = {4, 6, 2};                     // the same on a light ground
 constexpr std::array<const char*, 3> kAxisNames = {"x ", "y ", "z "};
+
+Colour AxisColour(const ScreenWindow& window, std::size_t axis) {
+    const bool dark = DesktopDefaults.AxisColors && IsLight(window.BackColor);
+    return QbColor((dark ? kDarkAxisColours : kAxisColours)[axis]);
+}
 
 void LabelTip(ScreenWindow& window, const PicturePoint& tip, const std::string& text) {
     if (!IsPlace(tip)) return;
@@ -47,7 +54,7 @@ void DrawCornerMark(ScreenWindow& window, bool labels) {
     constexpr double L = kCornerLength, kArrow = L / 5, kTick = L / 10;
     const std::array<PicturePoint, 3> tips = {place(L, 0, 0), place(0, L, 0), place(0, 0, L)};
     const auto stroke = [&window](const PicturePoint& from, const PicturePoint& to, std::size_t axis) {
-        DrawStroke(window.Screen, from, to, QbColor(kAxisColours[axis]), 1);
+        DrawStroke(window.Screen, from, to, AxisColour(window, axis), 1);
     };
     stroke(middle, tips[0], 0);
     stroke(tips[0], place(L - kArrow, 0.6 * kArrow, 0), 0);
@@ -97,12 +104,17 @@ void DrawSystem(ScreenWindow& window, bool start, const std::string& name, int w
     for (int axis = 1; axis <= 3; ++axis) {
         const auto k = static_cast<std::size_t>(axis - 1);
         const PicturePoint tip = place(AlongAxis(axis, L));
-        DrawStroke(window.Screen, origin, tip, QbColor(kAxisColours[k]), width);
+        DrawStroke(window.Screen, origin, tip, AxisColour(window, k), width);
         if (labels) LabelTip(window, tip, kAxisNames[k] + name);
     }
 }
 
 }  // namespace
+
+bool IsLight(Colour background) {
+    constexpr int kHalfWhite = 3 * 255 / 2;
+    return (background & 0xff) + (background >> 8 & 0xff) + (background >> 16 & 0xff) > kHalfWhite;
+}
 
 void Zeichne_Kosys(ScreenWindow& window) {
     Zeichne_Kosys(window, LookOf(window).AxisLabels);

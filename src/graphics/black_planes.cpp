@@ -9,6 +9,7 @@
 #include "fit/any_vectors.h"
 #include "fit/rotations.h"
 #include "fit/vector.h"
+#include "graphics/drawing.h"
 #include "graphics/projection.h"
 #include "graphics/scene.h"
 #include "graphics/strokes.h"
@@ -106,9 +107,7 @@ bool Movable(const ScreenWindow& window) {
 }
 
 Colour EdgeColourOn(Colour background) {
-    constexpr int kHalfWhite = 3 * 255 / 2;
-    const int brightness = (background & 0xff) + (background >> 8 & 0xff) + (background >> 16 & 0xff);
-    return QbColor(brightness > kHalfWhite ? 0 : 7);
+    return QbColor(IsLight(background) ? 0 : 7);
 }
 
 float InFrame(double depth) {

@@ -25,6 +25,8 @@ void Zeichne_Scale(ScreenWindow& window);
 void Plot_Number(ScreenWindow& window, double value, float x, float y, float size, double angle,
                  Colour colour);
 double NumberLength(double value, float size);  // of what that writes, pixels
+// Brighter than half of white.
+bool IsLight(Colour background);
 // Adds a label when its place is in the picture.
 void SetLabelToPos(ScreenWindow& window, const std::string& text, float x, float y);
 void MenüGraphicsPrint_Command();  // the picture to the clipboard

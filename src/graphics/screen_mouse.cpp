@@ -56,9 +56,7 @@ void MovePlanes(ScreenWindow& window, const MouseEvent& event) {
 }
 
 Colour FrameColourOn(Colour background) {
-    constexpr int kHalfWhite = 3 * 255 / 2;
-    const int brightness = (background & 0xff) + (background >> 8 & 0xff) + (background >> 16 & 0xff);
-    return QbColor(brightness > kHalfWhite ? 0 : 15);
+    return QbColor(IsLight(background) ? 0 : 15);
 }
 
 void BeginFrame(ScreenWindow& window) {

@@ -56,7 +56,9 @@ TEST_F(StartOfPeople, ClosesByItselfWhenAnExampleIsOpened) {
     EXPECT_TRUE(UserClick(Main.MenuViewStart));
     EXPECT_TRUE(StartPage.BtnStepFit.Enabled);
     EXPECT_TRUE(StartPage.BtnStepCheck.Enabled);
-    EXPECT_FALSE(StartPage.BtnStepHandOn.Enabled) << "a stored result is calculated anew for the report";
+    EXPECT_TRUE(StartPage.BtnStepHandOn.Enabled) << "the result that is stored is shown";
+    UserClick(*FindControl(*FindWindow("FormTrafoBerechnung"), "BtnSwitchMcsOcs"));
+    EXPECT_FALSE(StartPage.BtnStepHandOn.Enabled) << "it is not that of the other direction";
     UserClick(StartPage.BtnStepFit);
     ASSERT_TRUE(IsLoaded("FormTrafoBerechnung"));
     UserClick(*FindControl(*FindWindow("FormTrafoBerechnung"), "BtnCalculate"));

@@ -1,4 +1,5 @@
 // The axis crosses and the rotation axis.
+#include "core/desktop_defaults.h"
 #include "graphics/drawing_job.h"
 
 using namespace corvinade;
@@ -46,6 +47,24 @@ TEST_F(DrawingAxes, TheCornerMarkTurnsWithTheViewAndKeepsItsSize) {
     expect(5, middle, at(0, 0, 50), kZ);
     expect(6, at(-2.5, 0, 40), at(2.5, 0, 40), kZ);
     expect(7, at(-2.5, 0, 35), at(2.5, 0, 35), kZ);
+}
+
+TEST_F(DrawingAxes, AreDarkOnALightGroundOfTheDesktop) {
+    FillBox();
+    ScreenWindow& window = OpenAndPaint(TiltedView());
+    const auto coloursOf = [&](int background, bool desktop) {
+        DesktopDefaults.AxisColors = desktop;
+        window.BackColor = QbColor(background);
+        PaintAxes(window);
+        const std::vector<Operation> lines = OperationsOf(window, Stroke::Line);
+        return std::array{lines[0].Colour1, lines[3].Colour1, lines[5].Colour1,
+                          lines[8].Colour1, lines[9].Colour1, lines[10].Colour1};
+    };
+    const std::array told{QbColor(kX), QbColor(kY), QbColor(kZ), QbColor(kX), QbColor(kY), QbColor(kZ)};
+    const std::array dark{QbColor(4), QbColor(6), QbColor(2), QbColor(4), QbColor(6), QbColor(2)};
+    EXPECT_EQ(coloursOf(0, true), told);
+    EXPECT_EQ(coloursOf(15, true), dark);
+    EXPECT_EQ(coloursOf(15, false), told) << "as scripts know it";
 }
 
 TEST_F(DrawingAxes, TheTargetSystemHasAxesOfATenthOfTheExtent) {
