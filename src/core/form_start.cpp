@@ -87,8 +87,8 @@ void ShowSteps() {
          "The points come first: two at least that stand in both files");
     show(w.BtnStepCheck, data, "Look through points and deviations", "The points come first");
     // As the command of the exports: a stored result that is shown can be handed on too.
-    show(w.BtnStepHandOn, data && (IsTrue(Run.TrafoValid) || Main.MenueFileExport.Enabled), "Print the report, or save it as PDF, HTML or CSV",
-         "The calculation comes first");
+    show(w.BtnStepHandOn, data && (IsTrue(Run.TrafoValid) || Main.MenueFileExport.Enabled),
+         "Print the report, or save it as PDF, HTML or CSV", "The calculation comes first");
 }
 
 void OpenPath(const std::string& path) {
