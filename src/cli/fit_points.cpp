@@ -27,7 +27,7 @@ FitPoint FitPointOf(int pair) {
     const Vec3 start = StartPoint(pair);
     const Vec3 target = TargetPoint(pair);
     const Vec3 transformed = TransformedPoint(pair);
-    const Vec3 deviation = DeviationInFit(pair);
+    const Vec3 deviation = distance ? DeviationInFit(pair) : Vec3();
     double squares = 0;
     for (int axis = 0; axis < 3; ++axis) {
         point.Start[axis] = start(axis + 1);

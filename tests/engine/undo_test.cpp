@@ -93,11 +93,7 @@ TEST_F(UndoOfChoices, TheNormIsThatOfBeforeInJobAndWindow) {
 
 TEST_F(UndoOfChoices, WhatIsTypedAsToleranceIsOneStep) {
     OpenWithDeviations();
-    UserSetText(w.TextTolerance, "0");
-    UserSetText(w.TextTolerance, "0.");
-    UserSetText(w.TextTolerance, "0.0");
-    UserSetText(w.TextTolerance, "0.07");
-    UserSetText(w.TextTolerance, "0.075");
+    for (const char* typed : {"0", "0.", "0.0", "0.07", "0.075"}) UserSetText(w.TextTolerance, typed);
     EXPECT_EQ(Main.MenuEditUndo.Text, "&Undo Tolerance");
     TurnDeviation(1);
     UserSetText(w.TextTolerance, "2");
